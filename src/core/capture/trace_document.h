@@ -1,0 +1,136 @@
+#pragma once
+
+#include "capture/sample_store.h"
+#include "document/document.h"
+#include "signals/signal_list.h"
+#include "tracesetup/trace_setup.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+class Prompts;
+
+/// The hints by which a trace document tells its views what changed.
+enum TraceHint : int {
+    HintRedraw = 0,
+    HintMarker1 = 1,
+    HintMarker2 = 2,
+    HintZoomMarker1 = 3,
+    HintZoomMarker2 = 4,
+    HintCaptureStarted = 5,
+    HintCaptureStopped = 6,
+    HintDataComplete = 7,
+    HintBlockArrived = 8,
+    HintGoToSample = 9,
+    HintNameChanged = 10,
+    HintSetupNameChanged = 11,
+    HintFilterChanged = 12,
+};
+
+/// With HintBlockArrived: the samples that have come.
+struct CBlockUpdate final : HintObject {
+    std::uint32_t first = 0;
+    std::uint32_t count = 0;
+    bool zoom = false;
+};
+
+/// With HintGoToSample.
+struct GoToSampleHint final : HintObject {
+    std::int64_t sample = 0;
+    bool zoom = false;
+};
+
+/// What the next trace frame shows.
+enum class TraceViewKind : std::int32_t { Waveform = 0, State = 1, PowerZoom = 2 };
+
+class CTesselDoc;
+
+/// What the application holds for the next trace document and its frame.
+struct NewTraceContext {
+    TraceViewKind traceViewKind = TraceViewKind::Waveform;
+    bool newDocRealTime = false;
+    bool fileWantsStateView = false; // set by the loader
+    CTesselDoc* cloneSource = nullptr;
+};
+
+/// A captured trace: its samples, the signal lists through which they are seen, the setup that
+/// made them, markers, and the maps from rows to samples.
+class CTesselDoc : public CDocument {
+public:
+    /// `context` is the application's; the document takes its flags and, when there is a source
+    /// to clone, lists and setup from it, and clears that.
+    CTesselDoc(NewTraceContext& context, Prompts& prompts);
+    ~CTesselDoc() override;
+
+    bool OnNewDocument() override;
+    bool OnOpenDocument(const std::string& path) override;
+    bool OnSaveDocument(const std::string& path) override;
+
+    [[nodiscard]] bool IsRealTime() const noexcept { return isRealTime_; }
+    [[nodiscard]] bool LoadedFromFile() const noexcept { return loadedFromFile_; }
+    [[nodiscard]] CSampleStore& GetStore() noexcept;
+    /// The record at an index, or null when there are no data or the index is past them.
+    [[nodiscard]] const SampleRecord* GetSample(std::int64_t index, bool zoom);
+
+    CSignalList waveformList;
+    CSignalList stateList;
+    CSignalList zoomList;
+    TraceSetup setup;
+    std::string setupPath;
+    std::string setupName = "<New>";
+    std::string fileName;
+    std::string comment; // a file's description
+    std::int32_t clockCode = 2;
+    CSampleStore store; // of a file
+
+    /// Maps; with `zoom` those of the Power Zoom samples, which have no filter.
+    [[nodiscard]] std::int64_t RowCount(bool zoom) const noexcept;
+    [[nodiscard]] std::int64_t SampleCount(bool zoom) const noexcept;
+    [[nodiscard]] std::int64_t FirstSampleNumber(bool zoom) const noexcept;
+    /// -1 for a row outside; 0 when there are no rows at all.
+    [[nodiscard]] std::int64_t RowToSample(std::int64_t row, bool zoom) const noexcept;
+    [[nodiscard]] std::int64_t SampleToRow(std::int64_t sample, bool zoom) const noexcept;
+    [[nodiscard]] bool IsRowSample(std::int64_t sample, bool zoom) const noexcept;
+    /// Whether the sample has arrived.
+    [[nodiscard]] bool IsValidSample(std::int64_t sample, bool zoom) const noexcept;
+    [[nodiscard]] bool IsFiltered() const noexcept { return rowCount_ != sampleCount_; }
+
+    /// Index 0 is the trigger, 1 and 2 the markers; -1: not set.
+    [[nodiscard]] std::int64_t Marker(int which, bool zoom) const noexcept;
+    void SetMarker(int which, std::int64_t index);
+    void SetZoomMarker(int which, std::int64_t index);
+
+    /// Unpacks a block of samples into the lists and notes it for the views.
+    void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom);
+    /// Main thread: tells the views of the blocks that have come.
+    void FlushBlockUpdates();
+    void RebuildMapsFromFile();
+
+    /// Samples that a file never mentioned; the loader fills it, empty means none.
+    std::vector<std::uint32_t> excludedBits;
+
+private:
+    friend bool LoadTraceFile(CTesselDoc& document, const std::string& path);
+
+    NewTraceContext& context_;
+    Prompts& prompts_;
+    bool isRealTime_ = false;
+    bool loadedFromFile_ = false;
+    std::vector<std::uint32_t> validBits_;
+    std::vector<std::uint32_t> matchBits_;
+    std::vector<std::uint32_t> rowTable_;
+    std::int64_t rowCount_ = 0;
+    std::int64_t sampleCount_ = 0;
+    std::int64_t firstSampleNumber_ = 0;
+    std::array<std::int64_t, 3> markers_ = {-1, -1, -1};
+    std::array<std::int64_t, 3> zoomMarkers_ = {-1, -1, -1};
+    Mutex docLock_;
+    std::vector<CBlockUpdate> pendingUpdates_ BUSQUILL_GUARDED_BY(docLock_);
+};
+
+} // namespace busquill

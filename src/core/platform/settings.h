@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace busquill {
+
+/// The user's settings: a value for each section and key. Used on the main thread.
+class Settings {
+public:
+    virtual ~Settings() = default;
+
+    /// The stored number, or `fallback` when there is none or it is no number.
+    [[nodiscard]] virtual int GetProfileInt(const std::string& section, const std::string& key,
+                                            int fallback) const = 0;
+    [[nodiscard]] virtual std::string GetProfileString(const std::string& section,
+                                                       const std::string& key,
+                                                       const std::string& fallback) const = 0;
+    virtual void WriteProfileInt(const std::string& section, const std::string& key, int value) = 0;
+    virtual void WriteProfileString(const std::string& section, const std::string& key,
+                                    const std::string& value) = 0;
+};
+
+} // namespace busquill

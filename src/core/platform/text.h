@@ -1,0 +1,25 @@
+/// Texts of the program: printf-like composition and what the C library does with them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace busquill {
+
+/// The text that printf would print.
+[[nodiscard]] std::string Printf(const char* format, ...) __attribute__((format(printf, 1, 2)));
+
+/// The leading number of a text as the C library's atoi reads it: white space, a sign, decimal
+/// digits; 0 when there is none. A number that does not fit 32 bits becomes the nearest limit.
+[[nodiscard]] int ParseInt(std::string_view text) noexcept;
+
+/// The text in lower case; only the letters A to Z change.
+[[nodiscard]] std::string ToLower(std::string_view text);
+
+/// Whether two texts are equal without regard to the case of A to Z.
+[[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept;
+
+/// The text without white space at its end.
+[[nodiscard]] std::string TrimRight(std::string_view text);
+
+} // namespace busquill

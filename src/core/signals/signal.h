@@ -1,0 +1,99 @@
+#pragma once
+
+#include "signals/signal_tables.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+/// One captured sample: bit n is bit n mod 8 of byte n / 8.
+struct SampleRecord {
+    std::array<std::uint8_t, 18> bytes{};
+
+    [[nodiscard]] bool Bit(int n) const noexcept {
+        return ((bytes[static_cast<std::size_t>(n) / 8] >> (n % 8)) & 1) != 0;
+    }
+    friend bool operator==(const SampleRecord&, const SampleRecord&) = default;
+};
+static_assert(sizeof(SampleRecord) == 18, "records lie 18 bytes apart");
+
+/// How a value is printed; files may hold other numbers, which print nothing.
+namespace Radix {
+enum : std::int32_t { Binary = 0, Hex = 1, Octal = 2, Time = 3 };
+}
+
+namespace GroupAttribute {
+enum : std::uint8_t { Start = 1, End = 2, NoUngroup = 4 };
+}
+
+/// One bit of the sample record over a run of samples; the first member of a group also holds the
+/// group's samples packed as rows. In a setup the samples are the columns of a pattern table and
+/// each bit has a mask.
+class CSignal {
+public:
+    std::string name;
+    std::string baseName;
+    std::string groupName; // on the group's first member
+    std::int32_t bitIndex = -1;
+    std::int32_t dataIndex = -1; // -1: no bit, a blank row
+    std::vector<std::uint32_t> data;
+    std::vector<std::uint32_t> mask; // only in setups; bit 1: compare
+    std::uint32_t numSamples = 0;
+    std::int32_t height = 20;
+    std::int32_t width = 30;
+    std::uint32_t color = 0; // 0x00BBGGRR
+    bool selected = false;
+    bool showValue = false;
+    bool grouped = false;
+    std::uint8_t groupAttribute = 0;
+    std::vector<std::uint8_t> groupData; // packed rows, on the Start member
+    std::vector<std::uint8_t> groupMask;
+    /// Per sample of a decoded signal: 0, or 1 + the index of the value whose label it bears.
+    std::vector<std::uint8_t> labelTable;
+    std::shared_ptr<const CDecodedSignalDef> decoded; // on the Start member
+    std::uint32_t groupWidth = 0;                     // on the Start member
+    std::int32_t radix = Radix::Hex;
+    bool hidden = false;
+    bool permanent = false;
+    bool bitReverse = false;
+
+    /// What the row is called: the group's name for a grouped signal, else its own.
+    [[nodiscard]] const std::string& RowName() const noexcept { return grouped ? groupName : name; }
+    /// 0 for a member of a group other than the first, and for a hidden signal.
+    [[nodiscard]] std::int32_t VisibleHeight() const noexcept;
+    [[nodiscard]] std::int32_t VisibleWidth() const noexcept;
+    [[nodiscard]] bool IsGroupStart() const noexcept {
+        return grouped && (groupAttribute & GroupAttribute::Start) != 0;
+    }
+    /// The bit of one sample; false where there are no data.
+    [[nodiscard]] bool Bit(std::size_t sample) const noexcept;
+    /// The packed row of one sample, or empty.
+    [[nodiscard]] std::span<const std::uint8_t> GroupRow(std::size_t sample) const noexcept;
+    /// Bytes of one packed row.
+    [[nodiscard]] std::size_t RowBytes() const noexcept;
+    /// The label of one sample, or null.
+    [[nodiscard]] const char* Label(std::size_t sample) const noexcept;
+
+    /// Replaces the data by a copy of the words; with none it only frees them.
+    void SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count);
+    /// Zeroed data (and group rows and labels where the signal has them) for `count` samples.
+    void ResizeSamples(std::uint32_t count);
+    /// Room for the mask of `count` samples.
+    void AllocateMask(std::uint32_t count);
+    /// Sets the bits of `records` from sample `first` on; only sets, so resize first.
+    void ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records);
+    void CopyFrom(const CSignal& other) { *this = other; }
+};
+
+/// Words that hold one bit for each of `count` samples.
+[[nodiscard]] constexpr std::size_t WordsFor(std::uint32_t count) noexcept {
+    return count == 0 ? 0 : ((count - 1) >> 5) + std::size_t{1};
+}
+
+} // namespace busquill

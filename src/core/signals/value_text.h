@@ -1,0 +1,40 @@
+/// The text of one value as every view prints it.
+#pragma once
+
+#include "link/board_identity.h"
+#include "signals/signal.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace busquill {
+
+class CSignalList;
+
+/// The digits of a value, most significant first. `data` and `mask` are little-endian, bit 0
+/// first; an empty mask means that all bits are known. `zoom` is set for Power Zoom data.
+[[nodiscard]] std::string FormatValue(std::span<const std::uint8_t> data, unsigned width,
+                                      std::int32_t radix, std::span<const std::uint8_t> mask,
+                                      bool zoom);
+
+/// A TIME field as a number: nanoseconds, or picoseconds for Power Zoom data.
+[[nodiscard]] std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept;
+
+/// A time with three significant digits or so; nanoseconds, or picoseconds with `zoom`.
+[[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
+
+/// The time from sample `a` to sample `b`; empty when one is -1 or the list has no permanent TIME.
+[[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
+                                      bool zoom);
+
+/// The text of one cell of a decoded signal. `label` may be null.
+[[nodiscard]] std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal,
+                                             std::int64_t sample, std::int64_t firstSample,
+                                             const CDecodedSignalDef& def, const char* label,
+                                             const SampleRecord& record, bool zoom);
+
+/// Characters that a value of `width` bits takes in a radix, with its blanks; 0 for time.
+[[nodiscard]] unsigned DigitsFor(unsigned width, std::int32_t radix) noexcept;
+
+} // namespace busquill

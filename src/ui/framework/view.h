@@ -1,0 +1,36 @@
+#pragma once
+
+#include "document/document.h"
+
+#include <QWidget>
+
+namespace busquill {
+
+/// A window that shows a document, inside a child frame. Owned by its parent widget; takes itself
+/// from its document's list when it goes.
+class CView : public QWidget, public DocumentView {
+    Q_OBJECT
+public:
+    explicit CView(QWidget* parent = nullptr) : QWidget(parent) {}
+    ~CView() override {
+        if (document_ != nullptr) {
+            document_->RemoveView(this);
+        }
+    }
+
+    [[nodiscard]] CDocument* GetDocument() const noexcept { return document_; }
+    void AttachDocument(CDocument* document) {
+        document_ = document;
+        document->AddView(this);
+    }
+    /// Called once, when frame, view and document stand.
+    virtual void OnInitialUpdate() { OnUpdate(nullptr, 0, nullptr); }
+    void OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) override {
+        update();
+    }
+
+private:
+    CDocument* document_ = nullptr;
+};
+
+} // namespace busquill
