@@ -1,0 +1,112 @@
+#include "link/analyzer_link.h"
+
+#include "link/link_machine.h"
+
+namespace busquill {
+
+namespace {
+
+CAnalyzerLink* theLink = nullptr;
+
+} // namespace
+
+CAnalyzerLink::CAnalyzerLink(Services services)
+    : machine_(std::make_unique<Machine>(std::move(services))) {
+    theLink = this;
+}
+
+CAnalyzerLink::~CAnalyzerLink() {
+    if (theLink == this) {
+        theLink = nullptr;
+    }
+}
+
+CAnalyzerLink& CAnalyzerLink::Instance() {
+    return *theLink;
+}
+
+LinkRequest* CAnalyzerLink::NewRequest(std::int32_t command, void* owner,
+                                       LinkRequest::Completion completion) {
+    auto* request = new LinkRequest;
+    request->command = command;
+    request->owner = owner;
+    request->completion = completion;
+    return request;
+}
+
+void CAnalyzerLink::Submit(LinkRequest* request) {
+    machine_->Submit(request);
+}
+void CAnalyzerLink::WaitIdle() {
+    machine_->WaitIdle();
+}
+bool CAnalyzerLink::Exchange(std::int32_t command, const LinkWords& words) {
+    return machine_->Exchange(command, words);
+}
+void CAnalyzerLink::RegisterEncoder(std::int32_t command, Encoder encoder) {
+    machine_->RegisterEncoder(command, std::move(encoder));
+}
+
+bool CAnalyzerLink::Open() {
+    return machine_->Open();
+}
+void CAnalyzerLink::ReadIdentity() {
+    machine_->ReadIdentity();
+}
+void CAnalyzerLink::SetBaudRate(int rate) {
+    machine_->SetBaudRate(rate);
+}
+void CAnalyzerLink::Connect(int targetBaud) {
+    machine_->Connect(targetBaud);
+}
+
+void CAnalyzerLink::ReadBusConfig(BusConfig& out) {
+    machine_->ReadBusConfig(out);
+}
+void CAnalyzerLink::WriteBusConfig(const BusConfig& in) {
+    machine_->WriteBusConfig(in);
+}
+void CAnalyzerLink::LoadBusConfig() {
+    machine_->LoadBusConfig();
+}
+void CAnalyzerLink::SetFamilyListener(std::function<void()> listener) {
+    machine_->SetFamilyListener(std::move(listener));
+}
+
+void CAnalyzerLink::PollLiveStatus() {
+    machine_->PollLiveStatus();
+}
+void CAnalyzerLink::ClearLiveStatus() {
+    machine_->ClearLiveStatus();
+}
+std::uint8_t CAnalyzerLink::GetLiveStatus(std::int32_t& before, std::int32_t& after) {
+    return machine_->GetLiveStatus(before, after);
+}
+std::int32_t CAnalyzerLink::GetEventOccurrences() const noexcept {
+    return machine_->EventOccurrences();
+}
+bool CAnalyzerLink::CommLost() const noexcept {
+    return machine_->CommLost();
+}
+
+std::vector<std::uint8_t> CAnalyzerLink::ReadRingRaw() {
+    return machine_->ReadRingRaw();
+}
+void CAnalyzerLink::SendRaw(std::span<const std::uint8_t> bytes) {
+    machine_->SendRaw(bytes);
+}
+void CAnalyzerLink::SendKeepAlive() {
+    machine_->SendKeepAlive();
+}
+
+bool CAnalyzerLink::IsDemoMode() const noexcept {
+    return machine_->IsDemoMode();
+}
+BoardIdentity CAnalyzerLink::Identity() const {
+    return machine_->Identity();
+}
+BoardTraits CAnalyzerLink::Traits() const {
+    return machine_->Traits();
+}
+
+} // namespace busquill
