@@ -1,5 +1,6 @@
 #include "platform/text_file.h"
 
+#include <algorithm>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -65,10 +66,25 @@ std::optional<std::string_view> TextReader::ReadLine() {
     return std::nullopt;
 }
 
+TextWriter::~TextWriter() {
+    Discard();
+}
+
 bool TextWriter::Create(const std::string& path) {
+    Discard();
     file_.reset(std::fopen(path.c_str(), "wb"));
     failed_ = false;
     return file_ != nullptr;
+}
+
+bool TextWriter::CreateBeside(const std::string& path) {
+    const std::string beside = path + ".part";
+    if (!Create(beside)) {
+        return false;
+    }
+    target_ = path;
+    temporary_ = beside;
+    return true;
 }
 
 void TextWriter::Write(std::string_view text) {
@@ -77,7 +93,24 @@ void TextWriter::Write(std::string_view text) {
 }
 
 bool TextWriter::Close() {
-    return file_ && std::fclose(file_.release()) == 0 && !failed_;
+    bool whole = file_ && std::fclose(file_.release()) == 0 && !failed_;
+    if (whole && !target_.empty()) {
+        whole = std::rename(temporary_.c_str(), target_.c_str()) == 0;
+        if (whole) {
+            temporary_.clear();
+        }
+    }
+    Discard();
+    return whole;
+}
+
+void TextWriter::Discard() {
+    file_.reset();
+    if (!temporary_.empty()) {
+        std::remove(temporary_.c_str());
+    }
+    temporary_.clear();
+    target_.clear();
 }
 
 } // namespace busquill

@@ -37,17 +37,29 @@ private:
 /// Writes a text file. Failures are remembered until Close.
 class TextWriter {
 public:
+    TextWriter() = default;
+    /// A file beside its target that was not closed is removed.
+    ~TextWriter();
+    TextWriter(const TextWriter&) = delete;
+    TextWriter& operator=(const TextWriter&) = delete;
+
     /// Creates the file anew.
     [[nodiscard]] bool Create(const std::string& path);
+    /// Creates a file beside the target; Close puts it in the target's place when it is whole.
+    [[nodiscard]] bool CreateBeside(const std::string& path);
     void Write(std::string_view text);
-    /// Whether everything has reached the file.
+    /// Whether everything has reached the file, and the file its place.
     [[nodiscard]] bool Close();
 
 private:
     struct Closer {
         void operator()(std::FILE* file) const noexcept { std::fclose(file); }
     };
+    void Discard();
+
     std::unique_ptr<std::FILE, Closer> file_;
+    std::string target_;    // empty unless the file is written beside it
+    std::string temporary_; // the file beside the target
     bool failed_ = false;
 };
 

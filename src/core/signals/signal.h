@@ -57,7 +57,9 @@ public:
     /// Per sample of a decoded signal: 0, or 1 + the index of the value whose label it bears.
     std::vector<std::uint8_t> labelTable;
     std::shared_ptr<const CDecodedSignalDef> decoded; // on the Start member
-    std::uint32_t groupWidth = 0;                     // on the Start member
+    /// For a decoded signal of at most 8 bits without a mask: the label of each packed row.
+    std::vector<std::uint8_t> labelLookup;
+    std::uint32_t groupWidth = 0; // on the Start member
     std::int32_t radix = Radix::Hex;
     bool hidden = false;
     bool permanent = false;

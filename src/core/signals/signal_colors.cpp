@@ -16,13 +16,15 @@ std::shared_ptr<Def> DefinitionTable<Def>::FindByName(std::string_view name) con
     return nullptr;
 }
 
-template <class Def> void DefinitionTable<Def>::Replace(std::vector<std::shared_ptr<Def>> defs) {
+template <class Def>
+void DefinitionTable<Def>::Replace(std::vector<std::shared_ptr<Def>> defs) {
     defs_ = std::move(defs);
     ApplyColorFile();
 }
 
 // The name of a line ends at its first blank, so a name that holds a blank is never found again.
-template <class Def> void DefinitionTable<Def>::ApplyColorFile() {
+template <class Def>
+void DefinitionTable<Def>::ApplyColorFile() {
     TextReader file;
     if (!file.Open(colorFile_)) {
         return;

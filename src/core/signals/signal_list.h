@@ -64,10 +64,27 @@ public:
     void SpreadBit(const CSignal* signal, std::uint32_t sample);
 
     void WriteSignals(TextWriter& file, bool withData) const;
-    /// Creates a signal from one record and adds it at the tail. May read data and mask lines.
+    /// Creates a signal from one record and adds it at the tail. May read data and mask lines. A
+    /// signal keeps no more samples than its lines bring, whatever number the record announces.
     void ReadSignal(const std::vector<std::string>& tokens, TextReader& file);
 
 private:
+    CSignal& Insert(const CSignal* before, std::unique_ptr<CSignal> signal);
+    CSignal* AddBusSignals(const CSignal* before, const CBusSignalDef& def, std::int32_t first,
+                           std::int32_t last, const CSignal& like, std::uint32_t numSamples);
+    CSignal* AddDecodedSignals(const CSignal* before,
+                               const std::shared_ptr<const CDecodedSignalDef>& def,
+                               const CSignal& like, std::uint32_t numSamples);
+    /// The place behind the last member of the group that starts at a place, or behind the signal.
+    [[nodiscard]] std::size_t GroupEnd(std::size_t start) const noexcept;
+    void RebuildRows(std::size_t start, std::uint32_t first, std::uint32_t count);
+    void PrepareLabels(CSignal& signal) const;
+    /// Labels of samples `first` on; `keepAny` also tries values that compare no bit at all.
+    void LabelSamples(CSignal& signal, std::uint32_t first, std::uint32_t count,
+                      bool keepAny) const;
+    void LabelAll(CSignal& signal) const;
+    void Unpack(CSignal* group, std::span<const int> dataIndexes);
+
     Signals signals_;
 };
 

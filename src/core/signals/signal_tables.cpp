@@ -124,7 +124,9 @@ SignalTables::~SignalTables() {
     }
 }
 
-SignalTables& SignalTables::Current() { return *currentTables; }
+SignalTables& SignalTables::Current() {
+    return *currentTables;
+}
 
 void SignalTables::Load() {
     const FamilyTables tables = TablesOf(Board());

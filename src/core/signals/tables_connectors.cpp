@@ -1,5 +1,4 @@
 #include "signals/signal_table_rows.h"
-
 #include "signals/table_fields.h"
 
 namespace busquill {
@@ -83,8 +82,12 @@ static_assert(std::size(decodedRows) == 4 && PatternsFit(decodedRows));
 
 } // namespace
 
-FamilyTables ConnectorP2Tables() noexcept { return {p2Rows, decodedRows}; }
+FamilyTables ConnectorP2Tables() noexcept {
+    return {p2Rows, decodedRows};
+}
 
-FamilyTables ConnectorP0Tables() noexcept { return {p0Rows, decodedRows}; }
+FamilyTables ConnectorP0Tables() noexcept {
+    return {p0Rows, decodedRows};
+}
 
 } // namespace busquill

@@ -1,5 +1,4 @@
 #include "signals/signal_table_rows.h"
-
 #include "signals/table_fields.h"
 
 namespace busquill {
@@ -72,6 +71,8 @@ static_assert(std::size(decodedRows) == 12 && PatternsFit(decodedRows));
 
 } // namespace
 
-FamilyTables LarkTables() noexcept { return {busRows, decodedRows}; }
+FamilyTables LarkTables() noexcept {
+    return {busRows, decodedRows};
+}
 
 } // namespace busquill

@@ -1,6 +1,5 @@
-#include "signals/signal_table_rows.h"
-
 #include "signals/rule_checks.h"
+#include "signals/signal_table_rows.h"
 #include "signals/table_fields.h"
 
 namespace busquill {
@@ -176,6 +175,8 @@ static_assert(std::size(decodedRows) == 23 && PatternsFit(decodedRows));
 
 } // namespace
 
-FamilyTables PciTables() noexcept { return {busRows, decodedRows}; }
+FamilyTables PciTables() noexcept {
+    return {busRows, decodedRows};
+}
 
 } // namespace busquill

@@ -1,6 +1,5 @@
-#include "signals/signal_table_rows.h"
-
 #include "signals/rule_checks.h"
+#include "signals/signal_table_rows.h"
 #include "signals/table_fields.h"
 
 namespace busquill {
@@ -78,6 +77,8 @@ static_assert(std::size(decodedRows) == 14 && PatternsFit(decodedRows));
 
 } // namespace
 
-FamilyTables VmeTables() noexcept { return {busRows, decodedRows}; }
+FamilyTables VmeTables() noexcept {
+    return {busRows, decodedRows};
+}
 
 } // namespace busquill

@@ -1,5 +1,4 @@
 #include "signals/signal_table_rows.h"
-
 #include "signals/table_fields.h"
 
 namespace busquill {
@@ -74,6 +73,8 @@ static_assert(std::size(decodedRows) == 8 && PatternsFit(decodedRows));
 
 } // namespace
 
-FamilyTables VsbTables() noexcept { return {busRows, decodedRows}; }
+FamilyTables VsbTables() noexcept {
+    return {busRows, decodedRows};
+}
 
 } // namespace busquill

@@ -1,0 +1,195 @@
+#include "tracesetup/trace_setup.h"
+
+#include "platform/text.h"
+
+#include <optional>
+#include <span>
+
+namespace busquill {
+
+namespace {
+
+constexpr std::uint32_t eventColumns = 8;
+constexpr std::uint32_t eventColumnsOfLark = 4;
+constexpr int nibbles = 16;
+
+// clang-format off
+constexpr std::string_view clockTexts[clockCount] = {
+    "Unknown", "Clk",    "Sync",    "Transfer", "7.5 ns",  "15 ns",
+    "30 ns",   "60 ns",  "120 ns",  "240 ns",   "480 ns",  "960 ns",
+    "1.92 us", "3.84 us", "7.68 us", "15.36 us", "30.72 us",
+};
+constexpr std::string_view powerZoomTexts[powerZoomCount] = {
+    "Unknown", "1.875 ns", "3.75 ns", "7.5 ns", "15 ns", "30 ns", "60 ns", "120 ns", "240 ns",
+};
+constexpr std::string_view triggerTexts[triggerCount] = {
+    "Unknown", "0%", "25%", "50%", "75%", "100%",
+};
+// clang-format on
+
+/// Tokens of nibbles 9 to 14.
+constexpr std::string_view operatorTokens = ".+~x()";
+constexpr std::uint8_t firstOperator = 9;
+
+std::string_view TextAt(std::span<const std::string_view> texts, std::int32_t index) noexcept {
+    return index >= 0 && static_cast<std::size_t>(index) < texts.size()
+               ? texts[static_cast<std::size_t>(index)]
+               : std::string_view();
+}
+
+std::uint8_t Nibble(const Expression& bytes, int n) noexcept {
+    const std::uint8_t byte = bytes[static_cast<std::size_t>(n / 2)];
+    return n % 2 == 0 ? byte & 0x0F : byte >> 4;
+}
+
+void SetNibble(Expression& bytes, int n, std::uint8_t value) noexcept {
+    std::uint8_t& byte = bytes[static_cast<std::size_t>(n / 2)];
+    byte |= static_cast<std::uint8_t>(n % 2 == 0 ? value : value << 4);
+}
+
+/// The text behind the first occurrence of `key`, or nothing.
+std::optional<std::string_view> Behind(std::string_view text, std::string_view key) noexcept {
+    const auto at = text.find(key);
+    return at == std::string_view::npos ? std::nullopt
+                                        : std::optional(text.substr(at + key.size()));
+}
+
+bool IsEventDigit(char c) noexcept {
+    return c >= '1' && c <= '8';
+}
+
+} // namespace
+
+void TraceSetup::Reset() {
+    name.clear();
+    description.clear();
+    clock = 2;
+    powerZoomClock = 2;
+    triggerPosition = 3;
+    levels.fill(TraceLevel());
+    levels[0].storeExpr = expressionAll;
+    levels[0].ifExpr = expressionAll;
+    levels[0].thenTrigger = true;
+    levels[0].stimulus = 1;
+    const bool lark = SignalTables::Current().Board().IsVmeLark();
+    events.BuildFromTables(lark ? eventColumnsOfLark : eventColumns, ModeEvents);
+}
+
+void TraceSetup::CopyFrom(const TraceSetup& other) {
+    fileType = other.fileType;
+    version = other.version;
+    name = other.name;
+    description = other.name;
+    clock = other.clock;
+    powerZoomClock = other.powerZoomClock;
+    triggerPosition = other.triggerPosition;
+    events.CopyFrom(other.events);
+    levels = other.levels;
+}
+
+std::string_view ClockText(std::int32_t index) noexcept {
+    return TextAt(clockTexts, index);
+}
+
+std::string_view PowerZoomText(std::int32_t index) noexcept {
+    return TextAt(powerZoomTexts, index);
+}
+
+std::string_view TriggerText(std::int32_t index) noexcept {
+    return TextAt(triggerTexts, index);
+}
+
+std::string FormatExpression(const Expression& bytes) {
+    if (bytes == expressionAll) {
+        return "All";
+    }
+    std::string text;
+    for (int n = nibbles; n-- > 0;) {
+        const std::uint8_t token = Nibble(bytes, n);
+        if (token >= 1 && token <= 8) {
+            text += Printf("E%d", token);
+        } else if (token >= firstOperator && token < firstOperator + operatorTokens.size()) {
+            text += operatorTokens[token - std::size_t{firstOperator}];
+        }
+    }
+    return text.empty() ? "None" : text;
+}
+
+Expression ParseExpression(std::string_view text) noexcept {
+    if (text == "All") {
+        return expressionAll;
+    }
+    Expression bytes{};
+    if (text == "None") {
+        return bytes;
+    }
+    int next = nibbles - 1;
+    const auto store = [&](std::uint8_t token) {
+        if (next >= 0) {
+            SetNibble(bytes, next--, token);
+        }
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (const auto at = operatorTokens.find(text[i]); at != std::string_view::npos) {
+            store(static_cast<std::uint8_t>(firstOperator + at));
+        } else if (text[i] == 'E' && i + 1 < text.size() && IsEventDigit(text[i + 1])) {
+            store(static_cast<std::uint8_t>(text[i + 1] - '0'));
+        }
+    }
+    return bytes;
+}
+
+std::string FormatTraceGoto(std::int32_t level, bool trigger) {
+    return Printf("Goto L%d%s", level + 1, trigger ? ", Trigger" : "");
+}
+
+void ParseTraceGoto(std::string_view text, std::int32_t& level, bool& trigger) noexcept {
+    trigger = text.find("Trigger") != std::string_view::npos;
+    const auto number = Behind(text, "Goto L");
+    if (number && !number->empty() && IsEventDigit(number->front())) {
+        level = number->front() - '1';
+    }
+}
+
+std::string FormatStimulusGoto(std::int32_t level, std::int32_t duration, std::int32_t wait) {
+    std::string text = level >= stimulusStop ? "STOP" : Printf("Goto SL%d", level + 1);
+    if (duration > 1) {
+        text += Printf(", Dur %d", duration);
+    }
+    if (wait > 1) {
+        text += Printf(", Wait %d", wait);
+    }
+    return text;
+}
+
+void ParseStimulusGoto(std::string_view text, std::int32_t& level, std::int32_t& duration,
+                       std::int32_t& wait) noexcept {
+    level = 0;
+    duration = 1;
+    wait = 1;
+    if (text.find("STOP") != std::string_view::npos) {
+        level = stimulusStop;
+    } else if (const auto number = Behind(text, "Goto SL")) {
+        const int value = ParseInt(*number);
+        level = value >= 1 && value <= stimulusLevels ? value - 1 : 0;
+    }
+    if (const auto number = Behind(text, "Dur ")) {
+        duration = ParseInt(*number);
+    }
+    if (const auto number = Behind(text, "Wait ")) {
+        wait = ParseInt(*number);
+    }
+}
+
+std::string FormatStimulusRef(std::int32_t number) {
+    return number == 0 ? "None" : Printf("S%d", number);
+}
+
+std::int32_t ParseStimulusRef(std::string_view text) noexcept {
+    if (text.find("None") != std::string_view::npos || !text.starts_with('S')) {
+        return 0;
+    }
+    return ParseInt(text.substr(1));
+}
+
+} // namespace busquill
