@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/mutex.h"
 #include "signals/signal.h"
 
 #include <array>
@@ -17,7 +16,7 @@ constexpr std::uint32_t blockSamples = 32;
 /// The board counts samples in 24 bits on each side of the trigger; no file can hold more.
 constexpr std::int64_t maxSamples = std::int64_t{2} << 24;
 
-/// The samples of a capture.
+/// The samples of a capture. Main thread.
 class CSampleStore {
 public:
     /// Sizes the store for a file's range of sample numbers. False when the range is larger than
@@ -37,14 +36,10 @@ public:
     [[nodiscard]] std::int32_t SamplesAfter() const noexcept { return samplesAfter_; }
     /// The number of sample index 0, for file data.
     [[nodiscard]] std::int32_t FirstNumber() const noexcept { return firstNumber_; }
-    /// A sample wanted first: its block is fetched next.
-    void SetPriorityIndex(std::uint32_t index);
 
 private:
-    mutable Mutex storeLock_;
     std::vector<SampleRecord> samples_;
     std::vector<std::uint32_t> uploadedBlocks_; // one bit for each block
-    std::int64_t priorityIndex_ BUSQUILL_GUARDED_BY(storeLock_) = -1;
     std::int32_t samplesBefore_ = 0;
     std::int32_t samplesAfter_ = 0;
     std::int32_t firstNumber_ = 0;

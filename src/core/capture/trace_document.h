@@ -2,6 +2,7 @@
 
 #include "capture/sample_store.h"
 #include "document/document.h"
+#include "platform/mutex.h"
 #include "signals/signal_list.h"
 #include "tracesetup/trace_setup.h"
 
@@ -56,6 +57,7 @@ struct NewTraceContext {
     bool newDocRealTime = false;
     bool fileWantsStateView = false; // set by the loader
     CTesselDoc* cloneSource = nullptr;
+    CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
 };
 
 /// A captured trace: its samples, the signal lists through which they are seen, the setup that
@@ -111,11 +113,19 @@ public:
     void FlushBlockUpdates();
     void RebuildMapsFromFile();
 
-    /// Samples that a file never mentioned; the loader fills it, empty means none.
+    /// Maps of a capture that has no samples yet.
+    void RebuildMaps();
+
+    /// One bit for each sample, set for those that a file never mentioned; the loader fills it,
+    /// empty means none.
     std::vector<std::uint32_t> excludedBits;
 
 private:
-    friend bool LoadTraceFile(CTesselDoc& document, const std::string& path);
+    void BuildDefaultLists();
+    void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
+    void PlaceTrigger(const CSampleStore& from);
+    void SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
+                     std::int64_t limit, int firstHint);
 
     NewTraceContext& context_;
     Prompts& prompts_;

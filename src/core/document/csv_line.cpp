@@ -72,24 +72,29 @@ bool CsvSplitLine(std::string_view line, std::vector<std::string>& fields) {
     return unfinished;
 }
 
-bool ReadCsvRecord(TextReader& file, std::vector<std::string>& fields) {
+void SplitCsvRecord(std::string_view line, TextReader& file, std::vector<std::string>& fields) {
     fields.clear();
-    auto line = file.ReadLine();
-    if (!line) {
-        return false;
-    }
-    while (CsvSplitLine(*line, fields)) {
-        line = file.ReadLine();
-        if (!line) {
+    while (CsvSplitLine(line, fields)) {
+        const auto next = file.ReadLine();
+        if (!next) {
             break;
         }
+        line = *next;
         if (fields.back().size() > maxValue) {
             fields.back().resize(maxValue);
-            if (const auto close = line->find('"'); close == std::string_view::npos) {
-                line = std::string_view();
-            }
+            // Only the end of the value is still of interest.
+            line.remove_prefix(std::min(line.find('"'), line.size()));
         }
     }
+}
+
+bool ReadCsvRecord(TextReader& file, std::vector<std::string>& fields) {
+    const auto line = file.ReadLine();
+    if (!line) {
+        fields.clear();
+        return false;
+    }
+    SplitCsvRecord(*line, file, fields);
     return true;
 }
 

@@ -19,6 +19,10 @@ class TextReader;
 /// Empty fields without quotes yield nothing.
 [[nodiscard]] bool CsvSplitLine(std::string_view line, std::vector<std::string>& fields);
 
+/// Splits a record whose first line has been read; reads the lines over which a quoted value goes
+/// on. A value that goes on for more than 16 MiB is cut.
+void SplitCsvRecord(std::string_view line, TextReader& file, std::vector<std::string>& fields);
+
 /// Reads one record, with the lines over which a quoted value goes on. False at the file's end.
 [[nodiscard]] bool ReadCsvRecord(TextReader& file, std::vector<std::string>& fields);
 

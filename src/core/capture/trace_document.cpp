@@ -1,0 +1,231 @@
+#include "capture/trace_document.h"
+
+#include "capture/trace_file.h"
+#include "platform/working_directory.h"
+
+#include <algorithm>
+#include <atomic>
+#include <numeric>
+
+namespace busquill {
+
+namespace {
+
+constexpr std::int64_t zoomFirstNumber = -255;
+constexpr std::int64_t zoomTrigger = 255;
+
+bool BitOf(const std::vector<std::uint32_t>& bits, std::int64_t index) noexcept {
+    const auto i = static_cast<std::size_t>(index);
+    return index >= 0 && i / 32 < bits.size() && (bits[i / 32] >> (i % 32) & 1) != 0;
+}
+
+} // namespace
+
+CTesselDoc::CTesselDoc(NewTraceContext& context, Prompts& prompts)
+    : context_(context), prompts_(prompts), isRealTime_(context.newDocRealTime) {
+    SetTitle("Trace");
+}
+
+CTesselDoc::~CTesselDoc() = default;
+
+bool CTesselDoc::OnNewDocument() {
+    if (context_.cloneSource != nullptr) {
+        waveformList.CopyFrom(context_.cloneSource->waveformList);
+        stateList.CopyFrom(context_.cloneSource->stateList);
+        zoomList.CopyFrom(context_.cloneSource->zoomList);
+        setup.CopyFrom(context_.cloneSource->setup);
+        context_.cloneSource = nullptr;
+    } else {
+        BuildDefaultLists();
+    }
+    RebuildMaps();
+    return true;
+}
+
+void CTesselDoc::BuildDefaultLists() {
+    waveformList.BuildFromTables(0, ModeWaveform);
+    stateList.BuildFromTables(0, ModeState);
+    zoomList.BuildFromTables(0, ModeState);
+}
+
+bool CTesselDoc::OnOpenDocument(const std::string& path) {
+    loadedFromFile_ = true;
+    const TraceFileContents contents = ReadTraceFile(*this, path, prompts_);
+    if (!contents.loaded) {
+        return false;
+    }
+    context_.fileWantsStateView = contents.stateList;
+    setupName = setup.name;
+    fileName = BaseNameOf(path);
+    RebuildMapsFromFile();
+    return true;
+}
+
+// Captures cannot be saved yet; the command is disabled for them.
+bool CTesselDoc::OnSaveDocument(const std::string& /*path*/) {
+    return false;
+}
+
+CSampleStore& CTesselDoc::GetStore() noexcept {
+    return isRealTime_ && context_.realTimeStore != nullptr ? *context_.realTimeStore : store;
+}
+
+const SampleRecord* CTesselDoc::GetSample(std::int64_t index, bool zoom) {
+    const auto data = GetStore().GetData(zoom);
+    return index >= 0 && static_cast<std::size_t>(index) < data.size()
+               ? &data[static_cast<std::size_t>(index)]
+               : nullptr;
+}
+
+std::int64_t CTesselDoc::RowCount(bool zoom) const noexcept {
+    return zoom ? zoomSampleCount : rowCount_;
+}
+
+std::int64_t CTesselDoc::SampleCount(bool zoom) const noexcept {
+    return zoom ? zoomSampleCount : sampleCount_;
+}
+
+std::int64_t CTesselDoc::FirstSampleNumber(bool zoom) const noexcept {
+    return zoom ? zoomFirstNumber : firstSampleNumber_;
+}
+
+std::int64_t CTesselDoc::RowToSample(std::int64_t row, bool zoom) const noexcept {
+    if (zoom) {
+        return row;
+    }
+    if (rowCount_ == 0) {
+        return 0;
+    }
+    return row < 0 || row >= rowCount_ ? -1 : rowTable_[static_cast<std::size_t>(row)];
+}
+
+std::int64_t CTesselDoc::SampleToRow(std::int64_t sample, bool zoom) const noexcept {
+    if (zoom || rowCount_ == sampleCount_) {
+        return sample;
+    }
+    const auto found = std::lower_bound(rowTable_.begin(), rowTable_.end(), sample);
+    const std::int64_t row = found - rowTable_.begin();
+    const bool exact = found != rowTable_.end() && *found == sample;
+    return exact ? row : std::max<std::int64_t>(row - 1, 0);
+}
+
+bool CTesselDoc::IsRowSample(std::int64_t sample, bool zoom) const noexcept {
+    return zoom || BitOf(matchBits_, sample);
+}
+
+bool CTesselDoc::IsValidSample(std::int64_t sample, bool zoom) const noexcept {
+    if (zoom) {
+        return sample >= 0 && sample < zoomSampleCount;
+    }
+    if (sample < 0 || sample >= sampleCount_) {
+        return false;
+    }
+    const auto i = static_cast<std::size_t>(sample);
+    // A set bit promises the sample's data, which another thread may have written.
+    auto& word = const_cast<std::uint32_t&>(validBits_[i / 32]);
+    return (std::atomic_ref(word).load(std::memory_order_acquire) >> (i % 32) & 1) != 0;
+}
+
+std::int64_t CTesselDoc::Marker(int which, bool zoom) const noexcept {
+    return (zoom ? zoomMarkers_ : markers_)[static_cast<std::size_t>(which)];
+}
+
+void CTesselDoc::SetMarker(int which, std::int64_t index) {
+    SetMarkerIn(markers_, which, index, sampleCount_, HintMarker1);
+}
+
+void CTesselDoc::SetZoomMarker(int which, std::int64_t index) {
+    SetMarkerIn(zoomMarkers_, which, index, zoomSampleCount, HintZoomMarker1);
+}
+
+void CTesselDoc::SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
+                             std::int64_t limit, int firstHint) {
+    if (index >= limit || which < 0 || which >= 3) {
+        return;
+    }
+    std::int64_t& marker = markers[static_cast<std::size_t>(which)];
+    if (marker == index) {
+        return;
+    }
+    marker = index;
+    if (which == 0) {
+        return;
+    }
+    if (isRealTime_) {
+        SetModifiedFlag();
+    }
+    UpdateAllViews(nullptr, firstHint + which - 1);
+}
+
+void CTesselDoc::AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) {
+    const auto count = static_cast<std::uint32_t>(records.size());
+    if (zoom) {
+        zoomList.LoadSamples(first, records);
+    } else {
+        stateList.LoadSamples(first, records);
+        waveformList.LoadSamples(first, records);
+        for (std::size_t i = first; i < std::size_t{first} + count && i / 32 < validBits_.size();
+             ++i) {
+            std::atomic_ref(validBits_[i / 32]).fetch_or(1U << (i % 32), std::memory_order_release);
+        }
+    }
+    CBlockUpdate update;
+    update.first = first;
+    update.count = count;
+    update.zoom = zoom;
+    const MutexLock lock(docLock_);
+    pendingUpdates_.push_back(update);
+}
+
+void CTesselDoc::FlushBlockUpdates() {
+    std::vector<CBlockUpdate> updates;
+    {
+        const MutexLock lock(docLock_);
+        updates.swap(pendingUpdates_);
+    }
+    for (const CBlockUpdate& update : updates) {
+        UpdateAllViews(nullptr, HintBlockArrived, &update);
+    }
+}
+
+void CTesselDoc::AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid) {
+    const auto count = static_cast<std::uint32_t>(total);
+    sampleCount_ = total;
+    rowCount_ = total;
+    firstSampleNumber_ = firstNumber;
+    validBits_.assign(WordsFor(count), valid ? ~0U : 0);
+    matchBits_.assign(WordsFor(count), ~0U);
+    rowTable_.resize(count);
+    std::iota(rowTable_.begin(), rowTable_.end(), 0U);
+}
+
+void CTesselDoc::PlaceTrigger(const CSampleStore& from) {
+    const std::int64_t before = from.SamplesBefore();
+    markers_[0] = from.SamplesAfter() > 0 ? before : std::max<std::int64_t>(before - 1, 0);
+    zoomMarkers_[0] = zoomTrigger;
+}
+
+void CTesselDoc::RebuildMaps() {
+    AllocateMaps(0, 0, false);
+    stateList.ResizeSamples(0);
+    waveformList.ResizeSamples(0);
+    zoomList.ResizeSamples(zoomSampleCount);
+    markers_ = {-1, -1, -1};
+    zoomMarkers_[0] = zoomTrigger;
+}
+
+void CTesselDoc::RebuildMapsFromFile() {
+    AllocateMaps(store.GetCount(false), store.FirstNumber(), true);
+    if (!excludedBits.empty()) {
+        const auto excluded = [this](std::uint32_t sample) { return BitOf(excludedBits, sample); };
+        std::erase_if(rowTable_, excluded);
+        rowCount_ = static_cast<std::int64_t>(rowTable_.size());
+        for (std::size_t i = 0; i < matchBits_.size(); ++i) {
+            matchBits_[i] &= ~excludedBits[i];
+        }
+    }
+    PlaceTrigger(store);
+    UpdateAllViews(nullptr, HintDataComplete);
+}
+
+} // namespace busquill

@@ -1,0 +1,276 @@
+#include "board.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace boardsim {
+
+namespace {
+
+constexpr std::size_t nameLength = 8;
+constexpr std::int64_t zoomTrigger = 255;
+
+std::string Hex(const std::vector<std::uint8_t>& bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        char digits[4];
+        std::snprintf(digits, sizeof digits, "%02x ", byte);
+        text += digits;
+    }
+    return text;
+}
+
+std::uint8_t Bcd(unsigned twoDigits) {
+    return static_cast<std::uint8_t>(twoDigits / 10 % 10 << 4 | twoDigits % 10);
+}
+
+} // namespace
+
+std::string_view FunctionName(std::uint8_t function) {
+    switch (function) {
+    case fnReadMemory:
+        return "read memory";
+    case fnWriteMemory:
+        return "write memory";
+    case fnSamplesBefore:
+        return "read samples before the trigger";
+    case fnSamplesAfter:
+        return "read samples after the trigger";
+    case fnReadTarget:
+        return "read target data";
+    case fnWriteTarget:
+        return "write target data";
+    case fnStartTrace:
+        return "start trace";
+    case fnStopTrace:
+        return "stop trace";
+    case fnStartSearch:
+        return "start search";
+    case fnStartPerformance:
+        return "start performance";
+    case fnStopPerformance:
+        return "stop performance";
+    case fnStartAnomaly:
+        return "start anomaly detection";
+    case fnStopAnomaly:
+        return "stop anomaly detection";
+    case fnStartCompliance:
+        return "start compliance test";
+    case fnStopCompliance:
+        return "stop compliance test";
+    case fnStartConfigScan:
+        return "start configuration scan";
+    case fnStopConfigScan:
+        return "stop configuration scan";
+    case fnExerciserGo:
+        return "exerciser go";
+    case fnExerciserStop:
+        return "exerciser stop";
+    case fnStartStimulus:
+        return "start stimulus";
+    case fnStopStimulus:
+        return "stop stimulus";
+    case fnApplyBaud:
+        return "apply new baud rate";
+    case fnFirmwareRecord:
+        return "firmware record";
+    case fnZoomBefore:
+        return "read zoom samples before the trigger";
+    case fnZoomAfter:
+        return "read zoom samples after the trigger";
+    case fnStartBackplane:
+        return "start backplane test";
+    case fnStopBackplane:
+        return "stop backplane test";
+    default:
+        return "";
+    }
+}
+
+Board::Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
+             std::vector<Record> zoom)
+    : samples_(std::move(samples)), trigger_(static_cast<std::int64_t>(trigger)),
+      zoom_(std::move(zoom)), baud_(baud) {
+    for (std::size_t i = 0; i < nameLength; ++i) {
+        memory_[i] = i < identity.model.size() ? static_cast<std::uint8_t>(identity.model[i]) : ' ';
+    }
+    memory_[8] = identity.suffix;
+    memory_[9] = static_cast<std::uint8_t>(identity.bufferK);
+    memory_[10] = static_cast<std::uint8_t>(identity.bufferK >> 8);
+    memory_[11] = identity.firmware;
+    memory_[12] = identity.hardware;
+    memory_[regSerial] = Bcd(identity.serial % 100);
+    memory_[regSerial + 1] = Bcd(identity.serial / 100 % 100);
+    memory_[regBus] = identity.busByte;
+    memory_[regBus + 1] = identity.megahertz;
+}
+
+Board::Bytes Board::Receive(std::uint8_t byte) {
+    if (payloadFunction_) {
+        payload_.push_back(byte);
+        return payload_.size() < length_ ? Bytes() : TakePayload();
+    }
+    if (!opcode_) {
+        opcode_ = byte;
+        return {};
+    }
+    const std::uint8_t opcode = *opcode_;
+    opcode_.reset();
+    return Frame(opcode, byte);
+}
+
+Board::Bytes Board::Frame(std::uint8_t opcode, std::uint8_t parameter) {
+    const auto put = [parameter](std::uint32_t& word, unsigned shift) {
+        word = (word & ~(0xFFU << shift)) | std::uint32_t{parameter} << shift;
+    };
+    switch (opcode) {
+    case opAddress0:
+        put(address_, 0);
+        break;
+    case opAddress1:
+        put(address_, 8);
+        break;
+    case opAddress2:
+        put(address_, 16);
+        break;
+    case opLength0:
+        put(length_, 0);
+        break;
+    case opLength1:
+        put(length_, 8);
+        break;
+    default:
+        break;
+    }
+    log("host  " + Hex({opcode, parameter}) + Describe(opcode, parameter));
+    if (opcode == opFunction) {
+        return Run(parameter);
+    }
+    const bool known = opcode >= opAddress0 && opcode <= opLength1 && opcode % 2 == 0;
+    return known ? Acknowledge() : Bytes();
+}
+
+Board::Bytes Board::Run(std::uint8_t function) {
+    switch (function) {
+    case fnReadMemory:
+        return DataReply(ReadMemory());
+    case fnReadTarget:
+        return DataReply(Bytes(target_.begin() + (address_ & 0xFF),
+                               target_.begin() + (address_ & 0xFF) + length_ % 0xFF00));
+    case fnSamplesBefore:
+        return DataReply(ReadRecords(samples_, trigger_ - address_));
+    case fnSamplesAfter:
+        return DataReply(ReadRecords(samples_, trigger_ + address_));
+    case fnZoomBefore:
+        return DataReply(ReadRecords(zoom_, zoomTrigger - address_));
+    case fnZoomAfter:
+        return DataReply(ReadRecords(zoom_, zoomTrigger + address_));
+    case fnWriteMemory:
+    case fnWriteTarget:
+    case fnFirmwareRecord:
+        if (length_ != 0) {
+            payloadFunction_ = function;
+            payload_.clear();
+        }
+        return Acknowledge();
+    case fnApplyBaud: {
+        const std::uint8_t code = memory_[regBaudCode];
+        Bytes reply = Acknowledge();
+        baud_ = baudRates[code < baudRates.size() ? code : 0];
+        return reply;
+    }
+    default:
+        // A function that the board does not know gets no answer.
+        return FunctionName(function).empty() ? Bytes() : Acknowledge();
+    }
+}
+
+Board::Bytes Board::TakePayload() {
+    const std::uint8_t function = *payloadFunction_;
+    payloadFunction_.reset();
+    log("host  " + Hex(payload_) + "payload for " + std::string(FunctionName(function)));
+    for (std::size_t i = 0; i < payload_.size(); ++i) {
+        const std::size_t at = (address_ + i) % memorySize;
+        if (function == fnWriteMemory) {
+            memory_[at] = payload_[i];
+        } else if (function == fnWriteTarget) {
+            target_[at] = payload_[i];
+        }
+    }
+    return Acknowledge();
+}
+
+Board::Bytes Board::Acknowledge() {
+    std::uint8_t byte = acknowledge;
+    const bool wrong = faults.wrongAcknowledge > 0 && --faults.wrongAcknowledge == 0;
+    const bool dropped = faults.dropAcknowledge > 0 && --faults.dropAcknowledge == 0;
+    if (faults.silence || dropped) {
+        return {};
+    }
+    byte = wrong ? wrongByte : byte;
+    log("board " + Hex({byte}));
+    return {byte};
+}
+
+Board::Bytes Board::DataReply(const Bytes& data) {
+    if (faults.silence) {
+        return {};
+    }
+    Bytes reply = {acknowledge};
+    reply.insert(reply.end(), data.begin(), data.end());
+    reply.push_back(faults.wrongClose ? wrongByte : acknowledge);
+    const std::size_t missing =
+        std::min<std::size_t>(static_cast<std::size_t>(faults.shortReply), reply.size());
+    reply.resize(reply.size() - missing);
+    faults.wrongClose = false;
+    faults.shortReply = 0;
+    log("board " + Hex(reply));
+    return reply;
+}
+
+Board::Bytes Board::ReadMemory() const {
+    Bytes bytes;
+    for (std::uint32_t i = 0; i < length_; ++i) {
+        bytes.push_back(memory_[(address_ + i) % memorySize]);
+    }
+    return bytes;
+}
+
+Board::Bytes Board::ReadRecords(const std::vector<Record>& from, std::int64_t first) const {
+    Bytes bytes;
+    for (std::int64_t i = first; i < first + length_; ++i) {
+        const bool held = i >= 0 && i < static_cast<std::int64_t>(from.size());
+        const Record record = held ? from[static_cast<std::size_t>(i)] : Record{};
+        bytes.insert(bytes.end(), record.begin(), record.end());
+    }
+    return bytes;
+}
+
+std::string Board::Describe(std::uint8_t opcode, std::uint8_t parameter) const {
+    char text[96];
+    switch (opcode) {
+    case opFunction:
+        std::snprintf(text, sizeof text, "function %d %s, address %u length %u", parameter,
+                      std::string(FunctionName(parameter)).c_str(), address_, length_);
+        break;
+    case opAddress0:
+    case opAddress1:
+    case opAddress2:
+        std::snprintf(text, sizeof text, "address %s %d",
+                      opcode == opAddress0   ? "low"
+                      : opcode == opAddress1 ? "middle"
+                                             : "high",
+                      parameter);
+        break;
+    case opLength0:
+    case opLength1:
+        std::snprintf(text, sizeof text, "length %s %d", opcode == opLength0 ? "low" : "high",
+                      parameter);
+        break;
+    default:
+        std::snprintf(text, sizeof text, "unknown opcode");
+    }
+    return text;
+}
+
+} // namespace boardsim

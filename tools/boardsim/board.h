@@ -1,0 +1,81 @@
+#pragma once
+
+#include "wire.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace boardsim {
+
+/// What a board says of itself.
+struct Identity {
+    std::string model = "PCIKite"; // the wire carries its first 8 characters
+    std::uint8_t suffix = 3;
+    std::uint16_t bufferK = 1024;
+    std::uint8_t firmware = 17; // tenths
+    std::uint8_t hardware = 10;
+    unsigned serial = 1234;   // four decimal digits
+    std::uint8_t busByte = 0; // mode code, width, voltage, master lock
+    std::uint8_t megahertz = 33;
+};
+
+/// What can be made to go wrong. Counts of replies run down to the one that is hit.
+struct Faults {
+    bool silence = false;
+    int dropAcknowledge = 0;  // the Nth acknowledgement from now is left out
+    int wrongAcknowledge = 0; // or is another byte
+    bool wrongClose = false;  // the next data reply ends in another byte
+    int shortReply = 0;       // the next data reply lacks so many bytes at its end
+};
+
+/// The board's side of the wire, a byte at a time, with no line behind it.
+class Board {
+public:
+    Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
+          std::vector<Record> zoom);
+
+    /// Takes one byte from the host and returns what the board answers.
+    [[nodiscard]] std::vector<std::uint8_t> Receive(std::uint8_t byte);
+
+    /// The rate at which the board listens. Changes after the reply to the command that asks.
+    [[nodiscard]] int Baud() const noexcept { return baud_; }
+    [[nodiscard]] std::uint8_t Memory(std::uint32_t address) const { return memory_[address]; }
+    /// As if the first byte of a frame had come.
+    void StandInFrame() { opcode_ = opLength0; }
+
+    Faults faults;
+    /// Called with a line for each frame, payload and reply.
+    std::function<void(const std::string&)> log = [](const std::string&) {};
+
+private:
+    using Bytes = std::vector<std::uint8_t>;
+
+    Bytes Frame(std::uint8_t opcode, std::uint8_t parameter);
+    Bytes Run(std::uint8_t function);
+    Bytes TakePayload();
+    Bytes Acknowledge();
+    Bytes DataReply(const Bytes& data);
+    [[nodiscard]] Bytes ReadMemory() const;
+    [[nodiscard]] Bytes ReadRecords(const std::vector<Record>& from, std::int64_t first) const;
+    std::string Describe(std::uint8_t opcode, std::uint8_t parameter) const;
+
+    std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
+    std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
+    std::vector<Record> samples_;
+    std::int64_t trigger_;
+    std::vector<Record> zoom_;
+    int baud_;
+    std::uint32_t address_ = 0;
+    std::uint32_t length_ = 0;
+    std::optional<std::uint8_t> opcode_;          // first byte of a frame
+    std::optional<std::uint8_t> payloadFunction_; // a payload is awaited for it
+    Bytes payload_;
+};
+
+/// The name of a function code.
+[[nodiscard]] std::string_view FunctionName(std::uint8_t function);
+
+} // namespace boardsim

@@ -1,0 +1,282 @@
+#include "board.h"
+#include "pseudo_terminal.h"
+#include "trace_writer.h"
+#include "traffic.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <poll.h>
+#include <sstream>
+#include <thread>
+#include <unistd.h>
+
+using namespace boardsim;
+
+namespace {
+
+constexpr auto usage =
+    "usage: boardsim [--model NAME] [--suffix N] [--buffer K] [--serial N] [--firmware TENTHS]\n"
+    "                [--hardware TENTHS] [--bus-byte N] [--mhz N] [--baud N] [--family NAME]\n"
+    "                [--seed N] [--samples N] [--link PATH] [--log FILE] [--fault \"WORDS\"]\n"
+    "       boardsim record --family NAME [--seed N] [--samples N] [--trigger N] [--zoom]\n"
+    "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
+    "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
+    "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
+    "short-reply N, delay MS, half-frame, go-away, normal.\n";
+
+volatile std::sig_atomic_t stopped = 0;
+
+/// "--key value" pairs and lone "--key" flags.
+class Options {
+public:
+    Options(int argc, char** argv, int first) {
+        for (int i = first; i < argc; ++i) {
+            const std::string key = argv[i];
+            const bool lone = key == "--zoom";
+            if (!key.starts_with("-") || (!lone && i + 1 == argc)) {
+                good_ = false;
+                return;
+            }
+            values_[key] = lone ? "1" : argv[++i];
+        }
+    }
+    [[nodiscard]] bool Good() const { return good_; }
+    [[nodiscard]] std::string Text(const std::string& key, const std::string& fallback) const {
+        const auto found = values_.find(key);
+        return found == values_.end() ? fallback : found->second;
+    }
+    [[nodiscard]] long Number(const std::string& key, long fallback) const {
+        const auto found = values_.find(key);
+        return found == values_.end() ? fallback : std::strtol(found->second.c_str(), nullptr, 0);
+    }
+
+private:
+    std::map<std::string, std::string> values_;
+    bool good_ = true;
+};
+
+int RecordFile(const Options& options) {
+    const auto family = FamilyOf(options.Text("--family", "pci32"));
+    const std::string path = options.Text("-o", "");
+    const long count = options.Number("--samples", 4096);
+    const long trigger = options.Number("--trigger", count / 2);
+    if (!family || path.empty() || count < 1 || trigger < 0 || trigger >= count) {
+        std::cerr << usage;
+        return 2;
+    }
+    Recording recording;
+    const bool pci = *family == Family::Pci32;
+    const std::string lists = options.Text("--lists", "state,waveform");
+    recording.name = options.Text("--name", "Default");
+    recording.description = options.Text("--description", "Simulated bus traffic");
+    recording.samples =
+        MakeRecords(*family, static_cast<std::uint32_t>(options.Number("--seed", 1)),
+                    static_cast<std::size_t>(count));
+    recording.trigger = static_cast<std::size_t>(trigger);
+    if (options.Number("--zoom", 0) != 0) {
+        recording.zoom = MakeZoom(recording.samples, recording.trigger);
+    }
+    recording.pciEvents = pci;
+    recording.pciStateList = pci && lists.find("state") != std::string::npos;
+    recording.pciWaveformList = pci && lists.find("waveform") != std::string::npos;
+    std::ofstream file(path, std::ios::binary);
+    file << TraceText(recording);
+    file.close();
+    if (!file) {
+        std::cerr << "boardsim: cannot write " << path << "\n";
+        return 1;
+    }
+    return 0;
+}
+
+/// A board on a pseudo terminal, until it is told to stop.
+class Bench {
+public:
+    Bench(const Options& options, Board& board) : board_(board) {
+        const std::string log = options.Text("--log", "");
+        if (!log.empty()) {
+            log_.open(log, std::ios::binary);
+        }
+        board_.log = [this](const std::string& line) { Log(line); };
+        std::stringstream faults(options.Text("--fault", ""));
+        for (std::string words; std::getline(faults, words, ',');) {
+            Command(words);
+        }
+    }
+
+    int Run(const std::string& link) {
+        if (!line_.IsOpen()) {
+            std::cerr << "boardsim: no pseudo terminal\n";
+            return 1;
+        }
+        if (!link.empty()) {
+            ::unlink(link.c_str());
+            if (::symlink(line_.Path().c_str(), link.c_str()) != 0) {
+                std::cerr << "boardsim: cannot make " << link << "\n";
+                return 1;
+            }
+        }
+        std::cout << line_.Path() << std::endl;
+        while (stopped == 0) {
+            Serve();
+        }
+        if (!link.empty()) {
+            ::unlink(link.c_str());
+        }
+        return 0;
+    }
+
+private:
+    void Serve() {
+        pollfd wanted[] = {{line_.Handle(), POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}};
+        if (::poll(wanted, 2, 200) <= 0) {
+            return;
+        }
+        if ((wanted[1].revents & (POLLIN | POLLHUP)) != 0) {
+            ReadCommands();
+        }
+        if (line_.IsOpen() && (wanted[0].revents & POLLIN) != 0) {
+            std::uint8_t bytes[4096];
+            const ssize_t count = ::read(line_.Handle(), bytes, sizeof bytes);
+            for (ssize_t i = 0; i < count; ++i) {
+                Take(bytes[i]);
+            }
+        }
+    }
+
+    void Take(std::uint8_t byte) {
+        // At another rate the board sees noise, which it does not take for bytes.
+        if (line_.Rate() != board_.Baud()) {
+            return;
+        }
+        const std::vector<std::uint8_t> reply = board_.Receive(byte);
+        if (!reply.empty()) {
+            std::this_thread::sleep_for(delay_);
+            line_.Write(reply);
+        }
+    }
+
+    void ReadCommands() {
+        char bytes[512];
+        const ssize_t count = ::read(STDIN_FILENO, bytes, sizeof bytes);
+        if (count <= 0) {
+            commands_ = false;
+            return;
+        }
+        typed_.append(bytes, static_cast<std::size_t>(count));
+        for (std::size_t end; (end = typed_.find('\n')) != std::string::npos;) {
+            Command(typed_.substr(0, end));
+            typed_.erase(0, end + 1);
+        }
+    }
+
+    void Command(const std::string& words) {
+        std::stringstream text(words);
+        std::string word;
+        int number = 1;
+        text >> word >> number;
+        number = text.fail() ? 1 : number;
+        if (word == "silence") {
+            board_.faults.silence = true;
+        } else if (word == "drop-ack") {
+            board_.faults.dropAcknowledge = number;
+        } else if (word == "wrong-ack") {
+            board_.faults.wrongAcknowledge = number;
+        } else if (word == "wrong-close") {
+            board_.faults.wrongClose = true;
+        } else if (word == "short-reply") {
+            board_.faults.shortReply = number;
+        } else if (word == "delay") {
+            delay_ = std::chrono::milliseconds(number);
+        } else if (word == "half-frame") {
+            board_.StandInFrame();
+        } else if (word == "go-away") {
+            line_.Close();
+        } else if (word == "normal") {
+            board_.faults = {};
+            delay_ = {};
+        } else {
+            std::cerr << "boardsim: unknown fault " << words << "\n";
+            return;
+        }
+        Log("fault " + words);
+    }
+
+    void Log(const std::string& line) {
+        if (log_.is_open()) {
+            const auto now = std::chrono::steady_clock::now() - start_;
+            log_ << std::chrono::duration_cast<std::chrono::milliseconds>(now).count() << " "
+                 << line << std::endl;
+        }
+    }
+
+    Board& board_;
+    PseudoTerminal line_;
+    std::ofstream log_;
+    std::string typed_;
+    bool commands_ = true;
+    std::chrono::milliseconds delay_{};
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+/// The traffic that a model sees, unless another is asked for.
+std::string FamilyOfModel(const std::string& model) {
+    if (model.starts_with("VSB")) {
+        return "vsb";
+    }
+    if (!model.starts_with("VME")) {
+        return "pci32";
+    }
+    return model.ends_with("Lark") ? "lark"
+           : model.ends_with("P2") ? "p2"
+           : model.ends_with("P0") ? "p0"
+                                   : "vme";
+}
+
+int Simulate(const Options& options) {
+    Identity identity;
+    identity.model = options.Text("--model", identity.model);
+    identity.suffix = static_cast<std::uint8_t>(options.Number("--suffix", identity.suffix));
+    identity.bufferK = static_cast<std::uint16_t>(options.Number("--buffer", identity.bufferK));
+    identity.serial = static_cast<unsigned>(options.Number("--serial", identity.serial));
+    identity.firmware = static_cast<std::uint8_t>(options.Number("--firmware", identity.firmware));
+    identity.hardware = static_cast<std::uint8_t>(options.Number("--hardware", identity.hardware));
+    identity.busByte = static_cast<std::uint8_t>(options.Number("--bus-byte", identity.busByte));
+    identity.megahertz = static_cast<std::uint8_t>(options.Number("--mhz", identity.megahertz));
+
+    const auto family = FamilyOf(options.Text("--family", FamilyOfModel(identity.model)));
+    const long count = options.Number("--samples", 4096);
+    if (!family || count < 1) {
+        std::cerr << usage;
+        return 2;
+    }
+    auto records = MakeRecords(*family, static_cast<std::uint32_t>(options.Number("--seed", 1)),
+                               static_cast<std::size_t>(count));
+    const auto trigger = static_cast<std::size_t>(count / 2);
+    auto zoom = MakeZoom(records, trigger);
+    Board board(identity, static_cast<int>(options.Number("--baud", 57600)), std::move(records),
+                trigger, std::move(zoom));
+    return Bench(options, board).Run(options.Text("--link", ""));
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const bool record = argc > 1 && std::strcmp(argv[1], "record") == 0;
+    const Options options(argc, argv, record ? 2 : 1);
+    if (!options.Good()) {
+        std::cerr << usage;
+        return 2;
+    }
+    const auto stop = [](int) { stopped = 1; };
+    std::signal(SIGINT, stop);
+    std::signal(SIGTERM, stop);
+    std::signal(SIGPIPE, SIG_IGN);
+    return record ? RecordFile(options) : Simulate(options);
+}

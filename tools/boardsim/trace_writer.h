@@ -1,0 +1,25 @@
+#pragma once
+
+#include "wire.h"
+
+#include <string>
+#include <vector>
+
+namespace boardsim {
+
+/// What goes into a trace file.
+struct Recording {
+    std::string name;
+    std::string description;
+    std::vector<Record> samples;
+    std::size_t trigger = 0;  // index of the trigger sample
+    std::vector<Record> zoom; // 511 records or none
+    bool pciEvents = false;   // the setup's event rows, for the PCI family
+    bool pciWaveformList = false;
+    bool pciStateList = false; // with times and findings
+};
+
+/// The whole file as text.
+[[nodiscard]] std::string TraceText(const Recording& recording);
+
+} // namespace boardsim

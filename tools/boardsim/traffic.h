@@ -1,0 +1,59 @@
+#pragma once
+
+#include "wire.h"
+
+#include <deque>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string_view>
+#include <vector>
+
+namespace boardsim {
+
+enum class Family { Pci32, Pci64, PciX, Vme, Vsb, Lark, ConnectorP2, ConnectorP0 };
+
+/// The family of a name such as "pci32"; nothing for any other text.
+[[nodiscard]] std::optional<Family> FamilyOf(std::string_view name);
+
+/// Bits that every family has at the same place.
+constexpr int bitClock = 109;
+constexpr int bitTime = 110; // 18 bits: unit code below, count above
+constexpr int bitRule = 128; // 8 bits: code of a finding
+
+/// Bus cycles without end, one sample a clock or strobe. The same seed gives the same traffic.
+class Traffic {
+public:
+    explicit Traffic(std::uint32_t seed) : random_(seed) {}
+    virtual ~Traffic() = default;
+
+    [[nodiscard]] Record Next();
+
+protected:
+    /// Appends the samples of one or more bus cycles by Put.
+    virtual void Cycle() = 0;
+    /// `nanoseconds` since the sample before.
+    void Put(Record record, unsigned nanoseconds, unsigned rule = 0);
+    /// A number below `limit`.
+    [[nodiscard]] unsigned Pick(unsigned limit) { return random_() % limit; }
+    [[nodiscard]] std::uint32_t Word() { return random_(); }
+
+private:
+    std::mt19937 random_;
+    std::deque<Record> waiting_;
+};
+
+[[nodiscard]] std::unique_ptr<Traffic> MakeTraffic(Family family, std::uint32_t seed);
+
+/// The first `count` samples of a family's traffic.
+[[nodiscard]] std::vector<Record> MakeRecords(Family family, std::uint32_t seed, std::size_t count);
+
+/// A second look at the samples around `trigger`, 8 times as fine: 255 before it and 256 from it.
+[[nodiscard]] std::vector<Record> MakeZoom(const std::vector<Record>& records, std::size_t trigger);
+
+std::unique_ptr<Traffic> MakePciTraffic(std::uint32_t seed, bool wide, bool pciX);
+std::unique_ptr<Traffic> MakeVmeTraffic(std::uint32_t seed, bool lark);
+std::unique_ptr<Traffic> MakeVsbTraffic(std::uint32_t seed);
+std::unique_ptr<Traffic> MakeConnectorTraffic(std::uint32_t seed);
+
+} // namespace boardsim
