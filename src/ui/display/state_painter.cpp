@@ -1,0 +1,289 @@
+#include "ui/display/state_painter.h"
+
+#include "capture/trace_document.h"
+#include "platform/settings.h"
+#include "signals/value_text.h"
+#include "ui/display/state_geometry.h"
+#include "ui/framework/painting.h"
+
+#include <QPainter>
+
+namespace busquill {
+
+namespace {
+
+constexpr int glyphHalf = 3;
+const QColor lineColor(0, 0, 0);
+
+QString ToQt(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+bool IsLeftAligned(const CSignal& signal) {
+    return signal.decoded && signal.decoded->name == "RULE CHECK";
+}
+
+std::string BusOrBitText(const CSignal& signal, std::int64_t sample, bool zoom) {
+    const auto index = static_cast<std::size_t>(sample);
+    if (!signal.grouped) {
+        return signal.data.empty() ? "" : signal.Bit(index) ? "1" : "0";
+    }
+    const auto row = signal.GroupRow(index);
+    return row.empty() ? "" : FormatValue(row, signal.groupWidth, signal.radix, {}, zoom);
+}
+
+std::string AccumulatedTime(const StateFrame& frame, std::int64_t sample) {
+    const std::int64_t trigger = frame.document.Marker(0, frame.zoom);
+    if (trigger == -1) {
+        return {};
+    }
+    const std::string time = TimeBetween(trigger, sample, frame.list, frame.zoom);
+    return sample < trigger && !time.empty() ? "-" + time : time;
+}
+
+class Drawing {
+public:
+    Drawing(QPainter& painter, const StateFrame& frame) : painter_(painter), frame_(frame) {}
+
+    std::optional<std::int64_t> Draw() {
+        painter_.fillRect(QRect(QPoint(0, 0), frame_.size), ColorOf(frame_.colors.background));
+        DrawHeader();
+        painter_.setClipping(false);
+        DrawRows();
+        return firstMissing_;
+    }
+
+private:
+    void Line(int x, int y, int width, int height) {
+        painter_.fillRect(x, y, width, height, lineColor);
+    }
+
+    void ClipToColumns() {
+        const int left = frame_.sampleColumn + 1;
+        painter_.setClipRect(QRect(left, 0, frame_.size.width() - left, frame_.size.height()));
+    }
+
+    void DrawHeader() {
+        Line(0, stateHeaderLine, frame_.size.width(), 1);
+        Line(frame_.sampleColumn, 0, 1, frame_.size.height());
+        painter_.setFont(frame_.headerFont);
+        painter_.setPen(lineColor);
+        const QRect sampleCell(QPoint(1, 1), QPoint(frame_.sampleColumn - 1, stateHeaderLine - 1));
+        DrawEdge(painter_, sampleCell, Edge::Raised);
+        DrawCellText(painter_, sampleCell.adjusted(2, 0, -2, -1), "SAMPLE", CellAlign::Center,
+                     false);
+        ClipToColumns();
+        int x = frame_.sampleColumn + 1 - frame_.offset;
+        for (const auto& signal : frame_.list.All()) {
+            const int width = signal->VisibleWidth();
+            if (width <= 0) {
+                continue;
+            }
+            if (x >= frame_.size.width()) {
+                break;
+            }
+            if (x + width > frame_.sampleColumn) {
+                DrawTitle(*signal, x, width);
+            }
+            x += width;
+        }
+    }
+
+    void DrawTitle(const CSignal& signal, int x, int width) {
+        Line(x, 0, 1, frame_.size.height());
+        const QRect cell(QPoint(x + 1, 1), QPoint(x + width - 1, stateHeaderLine - 1));
+        painter_.fillRect(cell,
+                          signal.selected ? QColor(Qt::white) : ColorOf(frame_.colors.background));
+        DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
+        DrawCellText(painter_, cell.adjusted(2, 0, -2, -1), ToQt(signal.RowName()),
+                     CellAlign::Center, false);
+    }
+
+    void DrawRows() {
+        painter_.setFont(frame_.bodyFont);
+        std::int64_t row = frame_.topRow;
+        std::int64_t previous = 0;
+        for (int y = stateFirstRow; y < frame_.size.height() && row < RowCount();
+             y += stateRowPitch, ++row) {
+            const std::int64_t sample = frame_.document.RowToSample(row, frame_.zoom);
+            if (sample < 0) {
+                continue;
+            }
+            const bool valid = frame_.document.IsValidSample(sample, frame_.zoom);
+            if (!valid && !firstMissing_) {
+                firstMissing_ = sample;
+            }
+            DrawRow(y, row, sample, previous, valid);
+            previous = sample;
+        }
+    }
+
+    [[nodiscard]] std::int64_t RowCount() const { return frame_.document.RowCount(frame_.zoom); }
+
+    /// The colour of a row's stripe, if it has one. Stripes go by sample, so that they stay with
+    /// their samples under a filter.
+    [[nodiscard]] std::optional<std::uint32_t> RowColor(std::int64_t sample) const {
+        const std::uint32_t byMarker[] = {frame_.colors.trigger, frame_.colors.marker1,
+                                          frame_.colors.marker2};
+        for (int which = 0; which < 3; ++which) {
+            if (frame_.document.Marker(which, frame_.zoom) == sample) {
+                return byMarker[which];
+            }
+        }
+        return sample % 2 != 0 ? std::optional(frame_.colors.alternate) : std::nullopt;
+    }
+
+    void DrawRow(int y, std::int64_t row, std::int64_t sample, std::int64_t previous, bool valid) {
+        const auto color = RowColor(sample);
+        const QRect numberCell(1, y, frame_.sampleColumn - 1, stateRowPitch - 1);
+        painter_.setClipping(false);
+        if (color) {
+            painter_.fillRect(numberCell, ColorOf(*color));
+        }
+        painter_.setPen(lineColor);
+        DrawCellText(painter_, numberCell,
+                     QString::number(frame_.document.FirstSampleNumber(frame_.zoom) + sample),
+                     CellAlign::Center, false);
+        if (!valid) {
+            return;
+        }
+        ClipToColumns();
+        int x = frame_.sampleColumn - frame_.offset;
+        for (const auto& signal : frame_.list.All()) {
+            const int width = signal->VisibleWidth();
+            if (width < 1) {
+                continue;
+            }
+            if (x >= frame_.size.width()) {
+                break;
+            }
+            if (x + width > frame_.sampleColumn + 1) {
+                const QRect cell(QPoint(x + 2, y), QPoint(x + width, y + stateRowPitch - 2));
+                if (color) {
+                    painter_.fillRect(cell, ColorOf(*color));
+                }
+                DrawCell(cell, *signal, row, sample, previous);
+            }
+            x += width;
+        }
+    }
+
+    void DrawCell(const QRect& cell, const CSignal& signal, std::int64_t row, std::int64_t sample,
+                  std::int64_t previous) {
+        if (signal.decoded && signal.decoded->decodeKind == DecodeKind::Delta) {
+            painter_.setPen(ColorOf(signal.color));
+            DrawDelta(cell, row, sample);
+            return;
+        }
+        painter_.setPen(ColorOf(signal.color));
+        const bool left = IsLeftAligned(signal);
+        DrawCellText(painter_, cell.adjusted(2, 0, -2, 0),
+                     ToQt(CellText(frame_, signal, sample, previous)),
+                     left ? CellAlign::Left : CellAlign::Center, left);
+    }
+
+    /// Marks of trigger and markers in the DELTA column, and the span between the markers.
+    void DrawDelta(const QRect& cell, std::int64_t row, std::int64_t sample) {
+        const auto marker = [&](int which) { return frame_.document.Marker(which, frame_.zoom); };
+        const int cy = cell.top() + cell.height() / 2;
+        const int top = cy - glyphHalf;
+        const auto xAt = [&](int k) { return cell.left() + cell.width() * k / 6; };
+        const bool isTrigger = marker(0) == sample;
+        int k = 3;
+        if (isTrigger) {
+            const int x = xAt(k);
+            painter_.drawLine(x - glyphHalf, top - 1, x + glyphHalf, top - 1);
+            painter_.drawLine(x - glyphHalf, top, x + glyphHalf, top);
+            painter_.drawLine(x, top, x, cy + glyphHalf - 1);
+            k = 1;
+        }
+        if (marker(1) == sample) {
+            const int x = xAt(k);
+            painter_.fillRect(
+                QRect(QPoint(x - glyphHalf, top), QPoint(x + glyphHalf - 1, cy + glyphHalf - 1)),
+                lineColor);
+            k = isTrigger ? 5 : 1;
+        }
+        if (marker(2) == sample) {
+            const int x = xAt(k);
+            painter_.setBrush(lineColor);
+            painter_.drawPolygon(QPolygon(
+                {{x, top}, {x - glyphHalf, cy + glyphHalf}, {x + glyphHalf, cy + glyphHalf}}));
+        }
+        const bool marked = isTrigger || marker(1) == sample || marker(2) == sample;
+        if (!marked && marker(1) != -1 && marker(2) != -1) {
+            DrawSpan(cell, row, sample);
+        }
+    }
+
+    void DrawSpan(const QRect& cell, std::int64_t row, std::int64_t sample) {
+        const std::int64_t first = frame_.document.Marker(1, frame_.zoom);
+        const std::int64_t second = frame_.document.Marker(2, frame_.zoom);
+        const std::int64_t middle = (frame_.document.SampleToRow(first, frame_.zoom) +
+                                     frame_.document.SampleToRow(second, frame_.zoom)) /
+                                    2;
+        if (row == middle) {
+            DrawCellText(painter_, cell, ToQt(TimeBetween(first, second, frame_.list, frame_.zoom)),
+                         CellAlign::Center, false);
+        } else if (sample > std::min(first, second) && sample < std::max(first, second)) {
+            const int x = cell.center().x();
+            painter_.drawLine(x, cell.top(), x, cell.bottom() + 1);
+        }
+    }
+
+    QPainter& painter_;
+    const StateFrame& frame_;
+    std::optional<std::int64_t> firstMissing_;
+};
+
+} // namespace
+
+StateColors LoadStateColors(const Settings& settings) {
+    const auto color = [&](const char* key, std::uint32_t fallback) {
+        return static_cast<std::uint32_t>(
+            settings.GetProfileInt("Display", key, static_cast<int>(fallback)));
+    };
+    StateColors colors;
+    colors.background = color("StateBackgroundColor", 0xC0C0C0);
+    colors.alternate = settings.GetProfileInt("Display", "StateAlternate", 0) != 0
+                           ? color("StateAlternateBackgroundColor", 0xC0C0C0)
+                           : colors.background;
+    colors.trigger = color("StateTriggerColor", 0x0000FF);
+    colors.marker1 = color("StateMarker1Color", 0x00FF00);
+    colors.marker2 = color("StateMarker2Color", 0xFF0000);
+    return colors;
+}
+
+std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_t sample,
+                     std::int64_t previous) {
+    if (!signal.decoded) {
+        return BusOrBitText(signal, sample, frame.zoom);
+    }
+    const char* label = signal.Label(static_cast<std::size_t>(sample));
+    switch (signal.decoded->decodeKind) {
+    case DecodeKind::Delta:
+        return {};
+    case DecodeKind::Accum:
+        return AccumulatedTime(frame, sample);
+    case DecodeKind::Label:
+        return label == nullptr ? "" : label;
+    case DecodeKind::Time:
+        if (!frame.zoom && frame.document.IsFiltered()) {
+            return TimeBetween(sample, previous, frame.list, frame.zoom);
+        }
+        break;
+    default:
+        break;
+    }
+    const SampleRecord* record = frame.document.GetSample(sample, frame.zoom);
+    return record == nullptr ? ""
+                             : FormatDecodedValue(frame.board, signal, sample,
+                                                  frame.document.FirstSampleNumber(frame.zoom),
+                                                  *signal.decoded, label, *record, frame.zoom);
+}
+
+std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame) {
+    return Drawing(painter, frame).Draw();
+}
+
+} // namespace busquill

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "link/board_identity.h"
+
+#include <QFont>
+#include <QSize>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+class QPainter;
+
+namespace busquill {
+
+class CSignal;
+class CSignalList;
+class CTesselDoc;
+class Settings;
+
+/// Colours of the listing, as 0x00BBGGRR.
+struct StateColors {
+    std::uint32_t background = 0;
+    std::uint32_t alternate = 0;
+    std::uint32_t trigger = 0;
+    std::uint32_t marker1 = 0;
+    std::uint32_t marker2 = 0;
+
+    friend bool operator==(const StateColors&, const StateColors&) = default;
+};
+
+/// The user's colours; the alternate one is the background while alternation is off.
+[[nodiscard]] StateColors LoadStateColors(const Settings& settings);
+
+/// Everything that one frame of the listing is drawn from.
+struct StateFrame {
+    CTesselDoc& document;
+    const CSignalList& list;
+    bool zoom = false;
+    BoardTraits board;
+    StateColors colors;
+    QSize size;
+    int sampleColumn = 0; // width of the SAMPLE column
+    std::int64_t topRow = 0;
+    int offset = 0; // horizontal scroll of the signal columns
+    QFont bodyFont;
+    QFont headerFont;
+};
+
+/// The text of a cell. `previous` is the sample of the row above, 0 for the first row.
+[[nodiscard]] std::string CellText(const StateFrame& frame, const CSignal& signal,
+                                   std::int64_t sample, std::int64_t previous);
+
+/// Draws a frame: background, header and the rows that fit. The first sample that has not arrived
+/// yet, if there is one.
+std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame);
+
+} // namespace busquill

@@ -1,0 +1,117 @@
+#include "ui/display/state_window.h"
+
+#include "capture/trace_document.h"
+#include "signals/value_text.h"
+#include "ui/display/state_geometry.h"
+#include "ui/framework/painting.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace busquill {
+
+namespace {
+
+constexpr int sampleColumnDigits = 8;
+constexpr int marginDigits = 2;
+
+} // namespace
+
+CStateWnd::CStateWnd(QWidget* parent, const Settings& settings)
+    : QWidget(parent), settings_(settings),
+      bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
+      headerFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
+      digitWidth_(QFontMetrics(bodyFont_).horizontalAdvance('0')),
+      sampleColumn_(sampleColumnDigits * digitWidth_), colors_(LoadStateColors(settings)) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void CStateWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
+    document_ = &document;
+    list_ = &list;
+    zoom_ = zoom;
+    for (const auto& signal : list.All()) {
+        if (signal->VisibleWidth() > 0) {
+            signal->width = MeasureColumn(*signal);
+        }
+    }
+    Render(true);
+}
+
+int CStateWnd::MeasureColumn(const CSignal& signal) const {
+    unsigned digits = 1;
+    if (signal.decoded) {
+        digits = signal.decoded->labelWidth;
+    } else if (signal.grouped) {
+        digits = DigitsFor(signal.groupWidth, signal.radix);
+    }
+    const int title =
+        QFontMetrics(bodyFont_).horizontalAdvance(QString::fromStdString(signal.RowName()));
+    return std::max(title, digitWidth_ * static_cast<int>(digits)) + marginDigits * digitWidth_;
+}
+
+int CStateWnd::VisibleRowCount() const {
+    return VisibleRows(height());
+}
+
+int CStateWnd::ColumnsWidth() const {
+    int total = 0;
+    if (list_ != nullptr) {
+        for (const auto& signal : list_->All()) {
+            total += std::max(signal->VisibleWidth(), 0);
+        }
+    }
+    return total;
+}
+
+void CStateWnd::SetTopRow(std::int64_t row) {
+    topRow_ = row;
+    Render(true);
+}
+
+void CStateWnd::SetOffset(int offset) {
+    offset_ = offset;
+    Render(true);
+}
+
+void CStateWnd::Render(bool blit) {
+    if (document_ == nullptr || bitmap_.isNull()) {
+        return;
+    }
+    colors_ = LoadStateColors(settings_);
+    StateFrame frame{*document_, *list_};
+    frame.zoom = zoom_;
+    frame.board = SignalTables::Current().Board();
+    frame.colors = colors_;
+    frame.size = size();
+    frame.sampleColumn = sampleColumn_;
+    frame.topRow = topRow_;
+    frame.offset = offset_;
+    frame.bodyFont = bodyFont_;
+    frame.headerFont = headerFont_;
+    QPainter painter(&bitmap_);
+    DrawState(painter, frame);
+    if (blit) {
+        update();
+    }
+}
+
+void CStateWnd::paintEvent(QPaintEvent* /*event*/) {
+    if (LoadStateColors(settings_) != colors_) {
+        Render(false);
+    }
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, bitmap_);
+}
+
+void CStateWnd::resizeEvent(QResizeEvent* /*event*/) {
+    const qreal ratio = devicePixelRatioF();
+    bitmap_ = QPixmap(size() * ratio);
+    bitmap_.setDevicePixelRatio(ratio);
+    bitmap_.fill(ColorOf(colors_.background));
+    Render(false);
+}
+
+} // namespace busquill

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ui/display/state_painter.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+namespace busquill {
+
+/// The listing: a row for each sample, a column for each signal. Paints into a bitmap, which goes
+/// to the screen as it is; draws nothing until it is attached to a document.
+class CStateWnd final : public QWidget {
+    Q_OBJECT
+public:
+    CStateWnd(QWidget* parent, const Settings& settings);
+
+    /// Attaches to a document's list and gives every column the width that its texts need.
+    void Attach(CTesselDoc& document, CSignalList& list, bool zoom);
+
+    [[nodiscard]] int VisibleRowCount() const;
+    [[nodiscard]] std::int64_t TopRow() const noexcept { return topRow_; }
+    [[nodiscard]] int SampleColumnWidth() const noexcept { return sampleColumn_; }
+    /// Width of all columns together.
+    [[nodiscard]] int ColumnsWidth() const;
+    [[nodiscard]] int Offset() const noexcept { return offset_; }
+    void SetTopRow(std::int64_t row);
+    void SetOffset(int offset);
+
+    /// Draws the frame into the bitmap, and to the screen if asked.
+    void Render(bool blit);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
+
+    const Settings& settings_;
+    QFont bodyFont_;
+    QFont headerFont_;
+    int digitWidth_;
+    int sampleColumn_;
+    CTesselDoc* document_ = nullptr;
+    CSignalList* list_ = nullptr;
+    bool zoom_ = false;
+    StateColors colors_;
+    std::int64_t topRow_ = 0;
+    int offset_ = 0;
+    QPixmap bitmap_;
+};
+
+} // namespace busquill

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "ui/framework/view.h"
+
+#include <cstdint>
+
+class QScrollBar;
+
+namespace busquill {
+
+class CSignalList;
+class CStateWnd;
+class CTesselDoc;
+class Settings;
+class TraceFrame;
+
+enum class GoToTarget { Trigger, Marker1, Marker2, Start, End };
+
+/// The view of a captured trace: scroll bars around one display of its samples, kept in step with
+/// the document's other views.
+class CTraceView final : public CView {
+    Q_OBJECT
+public:
+    CTraceView(QWidget* parent, bool isState, bool isZoom, const Settings& settings);
+
+    /// The window around the view; it outlives the view.
+    void SetFrame(TraceFrame* frame) { frame_ = frame; }
+    [[nodiscard]] bool IsState() const noexcept { return isState_; }
+    [[nodiscard]] bool IsZoom() const noexcept { return isZoom_; }
+    [[nodiscard]] CTesselDoc& Trace() const;
+
+    [[nodiscard]] std::int64_t TopSample() const;
+    [[nodiscard]] std::int64_t CenterSample() const;
+    /// Centres a sample.
+    void ShowSample(std::int64_t sample);
+    /// Makes a sample the first one shown, as far as the capture's end allows.
+    void ScrollToSample(std::int64_t sample);
+
+    [[nodiscard]] bool CanGoTo(GoToTarget target) const;
+    /// Takes every view of the same samples to the target.
+    void GoTo(GoToTarget target);
+
+    void OnInitialUpdate() override;
+    void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    [[nodiscard]] CSignalList& ListOf(CTesselDoc& document) const;
+    [[nodiscard]] std::int64_t RowCount() const;
+    void SetScrollBars();
+    void SetVerticalPosition();
+    void StepRows(std::int64_t rows);
+    void OnVerticalAction(int action);
+    void OnHorizontalAction(int action);
+    void MarkerChanged(int which);
+    void BlockArrived(const HintObject* object);
+    void Synchronise();
+    void RefreshFrameName();
+
+    const bool isState_;
+    const bool isZoom_;
+    TraceFrame* frame_ = nullptr;
+    QScrollBar* vScroll_;
+    QScrollBar* hScroll_;
+    CStateWnd* state_;
+    int wheelRest_ = 0; // of a notch, from a fine wheel
+};
+
+} // namespace busquill

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class QMdiArea;
+
+namespace busquill {
+
+class CDocument;
+class CMDIChildWnd;
+class Prompts;
+
+/// The fields of a template's doc string, in the framework's order.
+struct DocStrings {
+    std::string windowTitle;
+    std::string documentName;
+    std::string fileNewName;
+    std::string filterName;
+    std::string extension; // with its point
+    std::string fileTypeId;
+    std::string fileTypeName;
+};
+
+/// Splits a doc string at its line feeds.
+[[nodiscard]] DocStrings ParseDocString(std::string_view text);
+
+/// One kind of document: how its documents and frames are made. Owns its documents; the last
+/// frame that closes takes the document with it.
+class CMultiDocTemplate {
+public:
+    struct Factories {
+        std::function<std::unique_ptr<CDocument>()> makeDocument;
+        /// A frame with its view; the frame belongs to the caller.
+        std::function<CMDIChildWnd*(CDocument&)> makeFrame;
+    };
+
+    CMultiDocTemplate(std::string_view docString, Factories factories, QMdiArea& area,
+                      Prompts& prompts);
+    ~CMultiDocTemplate();
+    CMultiDocTemplate(const CMultiDocTemplate&) = delete;
+    CMultiDocTemplate& operator=(const CMultiDocTemplate&) = delete;
+
+    [[nodiscard]] const DocStrings& Strings() const noexcept { return strings_; }
+    /// Whether documents of this kind can be made at all.
+    [[nodiscard]] bool IsAvailable() const noexcept { return factories_.makeDocument != nullptr; }
+    [[nodiscard]] const std::vector<std::unique_ptr<CDocument>>& Documents() const noexcept {
+        return documents_;
+    }
+    [[nodiscard]] const std::vector<CMDIChildWnd*>& Frames() const noexcept { return frames_; }
+
+    /// Opens a file, or a new document without one, always anew. Null when it cannot be opened;
+    /// the document has then said why.
+    CDocument* OpenDocumentFile(const std::optional<std::string>& path);
+    CMDIChildWnd* CreateNewFrame(CDocument& document);
+    /// Shows the frame and lets its view begin.
+    void InitialUpdateFrame(CMDIChildWnd& frame);
+
+    /// Asks whether changes are to be saved. False when the user cancels or saving fails.
+    [[nodiscard]] bool SaveModified(CDocument& document);
+    /// Saves under the document's path, or asks for one.
+    bool DoSave(CDocument& document, bool askForPath);
+
+private:
+    [[nodiscard]] bool MayClose(const CMDIChildWnd& frame);
+    void FrameClosed(const CMDIChildWnd* frame, CDocument* document);
+
+    DocStrings strings_;
+    Factories factories_;
+    QMdiArea& area_;
+    Prompts& prompts_;
+    std::vector<std::unique_ptr<CDocument>> documents_;
+    std::vector<CMDIChildWnd*> frames_;
+};
+
+} // namespace busquill

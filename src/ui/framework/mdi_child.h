@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QMdiSubWindow>
+
+#include <functional>
+
+namespace busquill {
+
+class CDocument;
+class CView;
+
+/// The window around one view of a document. Its template owns the document and decides whether
+/// the window may close.
+class CMDIChildWnd : public QMdiSubWindow {
+    Q_OBJECT
+public:
+    explicit CMDIChildWnd(CDocument& document);
+    ~CMDIChildWnd() override;
+
+    [[nodiscard]] CDocument& GetDocument() const noexcept { return document_; }
+    [[nodiscard]] CView* GetActiveView() const noexcept { return view_; }
+    /// Puts a view into the window, in place of the one that was there, which is destroyed.
+    void SetView(CView* view);
+
+    /// Set by the template: asked before the window closes, told when it is gone.
+    std::function<bool()> mayClose = [] { return true; };
+    std::function<void()> closed = [] {};
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    CDocument& document_;
+    CView* view_ = nullptr;
+};
+
+} // namespace busquill

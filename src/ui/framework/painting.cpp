@@ -1,0 +1,75 @@
+#include "ui/framework/painting.h"
+
+#include <QFontMetrics>
+#include <QPainter>
+
+namespace busquill {
+
+QColor ColorOf(std::uint32_t color) {
+    return {static_cast<int>(color & 0xFF), static_cast<int>(color >> 8 & 0xFF),
+            static_cast<int>(color >> 16 & 0xFF)};
+}
+
+void DrawEdge(QPainter& painter, const QRect& rect, Edge edge) {
+    const QColor light(0xFF, 0xFF, 0xFF);
+    const QColor face(0xE0, 0xE0, 0xE0);
+    const QColor shadow(0x80, 0x80, 0x80);
+    const QColor dark(0x40, 0x40, 0x40);
+    const bool raised = edge == Edge::Raised;
+    const auto frame = [&](const QRect& r, const QColor& topLeft, const QColor& bottomRight) {
+        if (r.width() < 1 || r.height() < 1) {
+            return;
+        }
+        painter.fillRect(r.left(), r.top(), r.width(), 1, topLeft);
+        painter.fillRect(r.left(), r.top(), 1, r.height(), topLeft);
+        painter.fillRect(r.left(), r.bottom(), r.width(), 1, bottomRight);
+        painter.fillRect(r.right(), r.top(), 1, r.height(), bottomRight);
+    };
+    frame(rect, raised ? light : shadow, raised ? dark : light);
+    frame(rect.adjusted(1, 1, -1, -1), raised ? face : dark, raised ? shadow : face);
+}
+
+QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face) {
+    QFont font;
+    if (face == FontFace::Fixed) {
+        font.setFamilies({"Courier New", "Liberation Mono", "DejaVu Sans Mono", "monospace"});
+        font.setStyleHint(QFont::TypeWriter);
+        font.setFixedPitch(true);
+    } else {
+        font.setFamilies({"Arial", "Liberation Sans", "DejaVu Sans", "sans-serif"});
+        font.setStyleHint(QFont::SansSerif);
+    }
+    font.setWeight(weight);
+    // The largest size whose cell is not higher.
+    for (int size = cellHeight; size > 1; --size) {
+        font.setPixelSize(size);
+        const QFontMetrics metrics(font);
+        if (metrics.ascent() + metrics.descent() <= cellHeight) {
+            break;
+        }
+    }
+    return font;
+}
+
+void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, CellAlign align,
+                  bool ellipsis) {
+    if (text.isEmpty() || cell.width() < 1) {
+        return;
+    }
+    const QFontMetrics metrics = painter.fontMetrics();
+    const QString shown = ellipsis ? metrics.elidedText(text, Qt::ElideRight, cell.width()) : text;
+    const int width = metrics.horizontalAdvance(shown);
+    // Text that does not fit keeps its middle when it is centred.
+    const int x = align == CellAlign::Left ? cell.left() : cell.left() + (cell.width() - width) / 2;
+    const int baseline = cell.bottom() + 1 - metrics.descent();
+    if (width <= cell.width()) {
+        painter.drawText(x, baseline, shown);
+        return;
+    }
+    painter.save();
+    painter.setClipRect(cell, Qt::IntersectClip);
+    painter.drawText(x, baseline, shown);
+    painter.restore();
+}
+
+} // namespace busquill

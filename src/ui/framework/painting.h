@@ -1,0 +1,34 @@
+/// What painted windows have in common: colours, edges, fonts and texts in cells.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QRect>
+#include <QString>
+
+#include <cstdint>
+
+class QPainter;
+
+namespace busquill {
+
+/// A colour from 0x00BBGGRR.
+[[nodiscard]] QColor ColorOf(std::uint32_t color);
+
+enum class Edge { Raised, Sunken };
+
+/// A two-pixel edge inside the rectangle.
+void DrawEdge(QPainter& painter, const QRect& rect, Edge edge);
+
+enum class FontFace { Proportional, Fixed };
+
+/// A font whose cell (ascent and descent) is `cellHeight` pixels high.
+[[nodiscard]] QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face);
+
+enum class CellAlign { Left, Center };
+
+/// One line at the bottom of a cell, cut to the cell's width; `ellipsis` marks the cut.
+void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, CellAlign align,
+                  bool ellipsis);
+
+} // namespace busquill

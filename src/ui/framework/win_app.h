@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ui/framework/doc_template.h"
+
+#include <QStringList>
+
+class QWidget;
+
+namespace busquill {
+
+class Settings;
+
+/// The application's templates and files. Main thread.
+class CWinApp {
+public:
+    CWinApp(Settings& settings, Prompts& prompts) : settings_(settings), prompts_(prompts) {}
+    virtual ~CWinApp() = default;
+    CWinApp(const CWinApp&) = delete;
+    CWinApp& operator=(const CWinApp&) = delete;
+
+    [[nodiscard]] const std::vector<std::unique_ptr<CMultiDocTemplate>>& Templates() const {
+        return templates_;
+    }
+    /// The template that a document belongs to, or null.
+    [[nodiscard]] CMultiDocTemplate* TemplateOf(const CDocument& document) const;
+
+    /// Opens a file by its extension; one that is open already comes to the front. Null when it
+    /// cannot be opened, which has then been said.
+    virtual CDocument* OpenDocumentFile(const std::string& path);
+    /// Asks for a file and opens it.
+    void OnFileOpen(QWidget* parent);
+    /// Asks for every modified document. False when the user cancels.
+    [[nodiscard]] bool SaveAllModified();
+
+    [[nodiscard]] QStringList RecentFiles() const;
+    void AddRecentFile(const std::string& path);
+
+protected:
+    void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added) {
+        templates_.push_back(std::move(added));
+    }
+    void CloseTemplates() { templates_.clear(); }
+
+    Settings& settings_;
+    Prompts& prompts_;
+
+private:
+    std::vector<std::unique_ptr<CMultiDocTemplate>> templates_;
+};
+
+} // namespace busquill
