@@ -81,16 +81,9 @@ void CStateWnd::Render(bool blit) {
         return;
     }
     colors_ = LoadStateColors(settings_);
-    StateFrame frame{*document_, *list_};
-    frame.zoom = zoom_;
-    frame.board = SignalTables::Current().Board();
-    frame.colors = colors_;
-    frame.size = size();
-    frame.sampleColumn = sampleColumn_;
-    frame.topRow = topRow_;
-    frame.offset = offset_;
-    frame.bodyFont = bodyFont_;
-    frame.headerFont = headerFont_;
+    const StateFrame frame{*document_, *list_,    zoom_,         SignalTables::Current().Board(),
+                           colors_,    size(),    sampleColumn_, topRow_,
+                           offset_,    bodyFont_, headerFont_};
     QPainter painter(&bitmap_);
     DrawState(painter, frame);
     if (blit) {

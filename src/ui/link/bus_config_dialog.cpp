@@ -1,0 +1,118 @@
+#include "ui/link/bus_config_dialog.h"
+
+#include "link/analyzer_link.h"
+#include "platform/settings.h"
+#include "platform/text.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace busquill {
+
+namespace {
+
+constexpr auto section = "Setup";
+
+struct StoredValue {
+    const char* key;
+    std::int32_t BusConfig::*value;
+};
+constexpr StoredValue storedValues[] = {{"BusMode", &BusConfig::busMode},
+                                        {"BusWidth", &BusConfig::busWidth},
+                                        {"BusVoltage", &BusConfig::busVoltage},
+                                        {"BusFrequency", &BusConfig::busFrequency}};
+
+/// Selects by value; a value that the box does not have leaves it without a selection.
+void Select(QComboBox* box, std::int32_t value) {
+    box->setCurrentIndex(value == 0 || value == 1 ? value : -1);
+}
+
+} // namespace
+
+CBusConfigDialog::CBusConfigDialog(QWidget* parent, CAnalyzerLink& link, Settings& settings)
+    : QDialog(parent), link_(link), settings_(settings), mode_(new QComboBox),
+      width_(new QComboBox), voltage_(new QComboBox), frequency_(new QLineEdit),
+      save_(new QCheckBox("&Save Configuration")) {
+    setWindowTitle("Bus Configuration");
+    for (const std::int32_t mode : BusModesOf(link.Identity().modelId)) {
+        mode_->addItem(QString::fromStdString(std::string(BusModeName(mode))), mode);
+    }
+    width_->addItems({"32 bit", "64 bit"});
+    voltage_->addItems({"5.0V", "3.3V"});
+
+    auto* frequencyRow = new QHBoxLayout;
+    frequencyRow->addWidget(frequency_);
+    frequencyRow->addWidget(new QLabel("MHz"));
+    auto* bus = new QGroupBox("Bus");
+    auto* rows = new QFormLayout(bus);
+    rows->addRow("&Mode", mode_);
+    rows->addRow("&Width", width_);
+    rows->addRow("&Voltage", voltage_);
+    rows->addRow("&Frequency", frequencyRow);
+
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(bus);
+    layout->addWidget(save_);
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+
+    config_ = InitialConfig();
+    mode_->setCurrentIndex(std::max(0, mode_->findData(config_.busMode)));
+    Select(width_, config_.busWidth);
+    Select(voltage_, config_.busVoltage);
+    frequency_->setText(QString::number(config_.busFrequency));
+}
+
+BusConfig CBusConfigDialog::InitialConfig() {
+    BusConfig config;
+    const bool saved = settings_.GetProfileInt(section, "SaveBusConfig", 0) != 0;
+    save_->setChecked(saved);
+    if (!saved) {
+        link_.ReadBusConfig(config);
+        return config;
+    }
+    for (const StoredValue& stored : storedValues) {
+        config.*stored.value = settings_.GetProfileInt(section, stored.key, 0);
+    }
+    return config;
+}
+
+void CBusConfigDialog::accept() {
+    if (mode_->currentIndex() >= 0) {
+        config_.busMode = mode_->currentData().toInt();
+    }
+    if (width_->currentIndex() >= 0) {
+        config_.busWidth = width_->currentIndex();
+    }
+    if (voltage_->currentIndex() >= 0) {
+        config_.busVoltage = voltage_->currentIndex();
+    }
+    config_.busFrequency = ParseInt(frequency_->text().toStdString());
+    link_.WriteBusConfig(config_);
+    StoreConfig();
+    QDialog::accept();
+}
+
+void CBusConfigDialog::StoreConfig() const {
+    settings_.WriteProfileInt(section, "SaveBusConfig", save_->isChecked() ? 1 : 0);
+    if (!save_->isChecked()) {
+        return; // what was stored before stays
+    }
+    for (const StoredValue& stored : storedValues) {
+        settings_.WriteProfileInt(section, stored.key, config_.*stored.value);
+    }
+}
+
+} // namespace busquill

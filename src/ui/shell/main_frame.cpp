@@ -1,0 +1,351 @@
+#include "ui/shell/main_frame.h"
+
+#include "capture/trace_document.h"
+#include "link/analyzer_link.h"
+#include "ui/display/trace_view.h"
+#include "ui/framework/window_timer.h"
+#include "ui/link/board_info_dialog.h"
+#include "ui/link/bus_config_dialog.h"
+#include "ui/shell/child_frame.h"
+#include "ui/shell/help_window.h"
+#include "ui/shell/tessel_app.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QScreen>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace busquill {
+
+namespace {
+
+constexpr QSize usualSize(900, 600);
+constexpr int timerPeriod = 1000;
+constexpr QSize toolIconSize(20, 20);
+
+/// The texts that give the panes their widths.
+constexpr const char* paneWidths[] = {"MODEL000-0", "MODE", "FREQ MHz", "Master Lock"};
+
+CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
+    return dynamic_cast<CMDIChildWnd*>(area.activeSubWindow());
+}
+
+} // namespace
+
+CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread)
+    : link_(link), settings_(settings), area_(new QMdiArea) {
+    setWindowTitle("Busquill!");
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(area_);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    resize(usualSize.boundedTo(screen.size()));
+    move(screen.center() - rect().center());
+
+    MakeActions();
+    MakeMenus();
+    MakeToolbar();
+    MakeStatusBar();
+    connect(area_, &QMdiArea::subWindowActivated, this, [this] { RefreshCommands(); });
+    auto* timer = new WindowTimer(this, mainThread, [this] { OnTimer(); });
+    timer->start(timerPeriod);
+}
+
+void CMainFrame::SetApplication(CTesselApp* app) {
+    app_ = app;
+    RefreshCommands();
+}
+
+void CMainFrame::MakeActions() {
+    for (const Command& command : Commands()) {
+        if (command.id == CommandId::None) {
+            continue;
+        }
+        auto* action = new QAction(command.text, this);
+        action->setStatusTip(command.tip);
+        QString name = QString(command.text).remove('&').remove("...");
+        action->setToolTip(name);
+        if (*command.icon != '\0') {
+            action->setIcon(QIcon(QString(":/icons/%1.svg").arg(command.icon)));
+            action->setIconVisibleInMenu(false);
+        }
+        if (*command.shortcut != '\0') {
+            action->setShortcut(QKeySequence(command.shortcut));
+        }
+        connect(action, &QAction::triggered, this, [this, id = command.id] { Run(id); });
+        actions_[command.id] = action;
+    }
+}
+
+QMenu* CMainFrame::MenuAt(const QString& path) {
+    if (menus_.contains(path)) {
+        return menus_[path];
+    }
+    const qsizetype cut = path.lastIndexOf('>');
+    QMenu* menu =
+        cut < 0 ? menuBar()->addMenu(path) : MenuAt(path.left(cut))->addMenu(path.mid(cut + 1));
+    connect(menu, &QMenu::aboutToShow, this, [this] {
+        FillDynamicEntries();
+        RefreshCommands();
+    });
+    menus_[path] = menu;
+    return menu;
+}
+
+void CMainFrame::MakeMenus() {
+    for (const Command& command : Commands()) {
+        if (*command.menu == '\0') {
+            continue;
+        }
+        QMenu* menu = MenuAt(command.menu);
+        if (command.id == CommandId::None) {
+            menu->addSeparator();
+        } else {
+            menu->addAction(actions_[command.id]);
+        }
+    }
+    // Where the recent files and the open windows are listed.
+    recentMark_ = actions_[CommandId::RecentFile];
+    windowMark_ = actions_[CommandId::WindowList];
+    recentMark_->setVisible(false);
+    windowMark_->setVisible(false);
+    for (const CommandId id : {CommandId::ViewToolbar, CommandId::ViewStatusBar}) {
+        actions_[id]->setCheckable(true);
+        actions_[id]->setChecked(true);
+    }
+}
+
+void CMainFrame::MakeToolbar() {
+    toolBar_ = addToolBar("Toolbar");
+    toolBar_->setObjectName("Toolbar");
+    toolBar_->setIconSize(toolIconSize);
+    toolBar_->toggleViewAction()->setVisible(false);
+    for (const CommandId id : ToolbarButtons()) {
+        if (id == CommandId::None) {
+            toolBar_->addSeparator();
+            continue;
+        }
+        toolBar_->addAction(actions_[id]);
+        if (id == CommandId::FileNew) {
+            auto* button = qobject_cast<QToolButton*>(toolBar_->widgetForAction(actions_[id]));
+            button->setMenu(MenuAt("&File>&New"));
+            button->setPopupMode(QToolButton::InstantPopup);
+        }
+    }
+}
+
+// The layout of the window gives the panes their places at every resize.
+void CMainFrame::MakeStatusBar() {
+    for (std::size_t i = 0; i < std::size(paneWidths); ++i) {
+        panes_[i] = new QLabel;
+        panes_[i]->setMinimumWidth(fontMetrics().horizontalAdvance(paneWidths[i]) + 12);
+        panes_[i]->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+        statusBar()->addPermanentWidget(panes_[i]);
+    }
+}
+
+void CMainFrame::RefreshStatusPanes() {
+    BusConfig bus;
+    link_.ReadBusConfig(bus);
+    panes_[0]->setText(QString::fromStdString(link_.Identity().modelString));
+    panes_[1]->setText(QString::fromStdString(std::string(BusModeName(bus.busMode))));
+    panes_[2]->setText(QString("%1 MHz").arg(bus.busFrequency));
+    panes_[3]->setText(bus.masterLock != 0 ? "Master Lock" : "");
+    RefreshCommands();
+}
+
+QString CMainFrame::PaneText(int pane) const {
+    return panes_[pane - 1]->text();
+}
+
+CommandState CMainFrame::State() const {
+    CommandState state;
+    state.board = link_.Traits();
+    if (app_ == nullptr) {
+        return state;
+    }
+    state.realTimeState = app_->FindRealTimeView(TraceViewKind::State) != nullptr;
+    state.realTimeWaveform = app_->FindRealTimeView(TraceViewKind::Waveform) != nullptr;
+    for (std::size_t i = 0; i < app_->Templates().size(); ++i) {
+        state.templates[i] = app_->Templates()[i]->IsAvailable();
+    }
+    state.hasWindows = !area_->subWindowList().isEmpty();
+    if (const CMDIChildWnd* frame = ActiveFrame(*area_)) {
+        state.hasDocument = true;
+        if (const auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
+            state.traceActive = true;
+            for (int i = 0; i < 5; ++i) {
+                state.canGoTo[static_cast<std::size_t>(i)] =
+                    view->CanGoTo(static_cast<GoToTarget>(i));
+            }
+        } else {
+            state.canSave = true;
+        }
+    }
+    return state;
+}
+
+void CMainFrame::RefreshCommands() {
+    const CommandState state = State();
+    for (const auto& [id, action] : actions_) {
+        action->setEnabled(CommandOf(id).enabled(state));
+    }
+}
+
+void CMainFrame::FillDynamicEntries() {
+    qDeleteAll(dynamicActions_);
+    dynamicActions_.clear();
+    if (app_ == nullptr) {
+        return;
+    }
+    int number = 1;
+    for (const QString& path : app_->RecentFiles()) {
+        auto* action =
+            new QAction(QString("&%1 %2").arg(number++).arg(QFileInfo(path).fileName()), this);
+        action->setStatusTip(path);
+        connect(action, &QAction::triggered, this, [this, path] {
+            app_->OpenDocumentFile(path.toStdString());
+            RefreshCommands();
+        });
+        menus_["&File"]->insertAction(recentMark_, action);
+        dynamicActions_ << action;
+    }
+    number = 1;
+    for (QMdiSubWindow* window : area_->subWindowList()) {
+        auto* action =
+            new QAction(QString("&%1 %2").arg(number++).arg(window->windowTitle()), this);
+        action->setCheckable(true);
+        action->setChecked(window == area_->activeSubWindow());
+        connect(action, &QAction::triggered, area_,
+                [this, window] { area_->setActiveSubWindow(window); });
+        menus_["&Window"]->insertAction(windowMark_, action);
+        dynamicActions_ << action;
+    }
+}
+
+void CMainFrame::Run(CommandId id) {
+    switch (id) {
+    case CommandId::GoToTrigger:
+    case CommandId::GoToMarker1:
+    case CommandId::GoToMarker2:
+    case CommandId::GoToStart:
+    case CommandId::GoToEnd:
+        if (const CMDIChildWnd* frame = ActiveFrame(*area_)) {
+            if (auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
+                view->GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
+                                                   static_cast<int>(CommandId::GoToTrigger)));
+            }
+        }
+        break;
+    case CommandId::ViewToolbar:
+        toolBar_->setVisible(actions_[id]->isChecked());
+        break;
+    case CommandId::ViewStatusBar:
+        statusBar()->setVisible(actions_[id]->isChecked());
+        break;
+    case CommandId::BoardInfo:
+        CBoardInfoDialog(this, link_).exec();
+        break;
+    case CommandId::BusConfiguration:
+        ShowBusConfiguration();
+        break;
+    case CommandId::Cascade:
+        area_->cascadeSubWindows();
+        break;
+    case CommandId::Tile:
+        area_->tileSubWindows();
+        break;
+    case CommandId::HelpContents:
+    case CommandId::HelpTopics:
+        ShowHelp();
+        break;
+    case CommandId::About:
+        ShowAbout();
+        break;
+    default:
+        RunFileCommand(id);
+    }
+    RefreshCommands();
+}
+
+void CMainFrame::RunFileCommand(CommandId id) {
+    if (app_ == nullptr) {
+        return;
+    }
+    CMDIChildWnd* frame = ActiveFrame(*area_);
+    switch (id) {
+    case CommandId::NewStateTrace:
+        app_->NewStateTrace();
+        break;
+    case CommandId::NewWaveformTrace:
+        app_->NewWaveformTrace();
+        break;
+    case CommandId::FileOpen:
+        app_->OnFileOpen(this);
+        break;
+    case CommandId::FileClose:
+        area_->closeActiveSubWindow();
+        break;
+    case CommandId::FileSave:
+    case CommandId::FileSaveAs:
+        if (frame != nullptr) {
+            CDocument& document = frame->GetDocument();
+            app_->TemplateOf(document)->DoSave(document, id == CommandId::FileSaveAs);
+        }
+        break;
+    case CommandId::Exit:
+        close();
+        break;
+    default:
+        break;
+    }
+}
+
+void CMainFrame::ShowBusConfiguration() {
+    if (CBusConfigDialog(this, link_, settings_).exec() == QDialog::Accepted) {
+        RefreshStatusPanes();
+    }
+}
+
+void CMainFrame::ShowHelp() {
+    if (help_ == nullptr) {
+        help_ = new HelpWindow(this);
+    }
+    help_->ShowTopic(HelpTopic::Contents);
+}
+
+void CMainFrame::ShowAbout() {
+    QMessageBox::about(this, "About Busquill!",
+                       "<h3>Busquill! " BUSQUILL_VERSION "</h3>"
+                       "<p>Control and analysis of bus analyzer and exerciser boards for PCI, "
+                       "PCI-X, VME and VSB.</p><p>Tarnlight Labs</p>");
+}
+
+void CMainFrame::OnTimer() {
+    if (keepAliveDelay_ > 0) {
+        --keepAliveDelay_;
+    } else {
+        link_.SendKeepAlive();
+    }
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event) {
+    if (app_ == nullptr || app_->SaveAllModified()) {
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+} // namespace busquill

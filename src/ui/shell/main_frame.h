@@ -1,0 +1,72 @@
+#pragma once
+
+#include "ui/shell/commands.h"
+
+#include <QMainWindow>
+
+#include <map>
+#include <memory>
+
+class QLabel;
+class QMdiArea;
+class QMenu;
+class QToolBar;
+
+namespace busquill {
+
+class CAnalyzerLink;
+class CTesselApp;
+class HelpWindow;
+class MainThread;
+class Settings;
+
+/// The program's main window: menus, tool bar, and a status bar that shows what is connected.
+class CMainFrame final : public QMainWindow {
+    Q_OBJECT
+public:
+    CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread);
+
+    [[nodiscard]] QMdiArea& Area() const noexcept { return *area_; }
+    /// The documents that the menus open; it goes before the window does.
+    void SetApplication(CTesselApp* app);
+    /// Reads the bus configuration and shows model, mode, frequency and master lock.
+    void RefreshStatusPanes();
+    /// The text of a status pane, 1 to 4.
+    [[nodiscard]] QString PaneText(int pane) const;
+    /// Brings menus and tool bar into line with what is there now.
+    void RefreshCommands();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void MakeActions();
+    void MakeMenus();
+    void MakeToolbar();
+    void MakeStatusBar();
+    [[nodiscard]] QMenu* MenuAt(const QString& path);
+    [[nodiscard]] CommandState State() const;
+    void Run(CommandId id);
+    void RunFileCommand(CommandId id);
+    void FillDynamicEntries();
+    void ShowBusConfiguration();
+    void ShowAbout();
+    void ShowHelp();
+    void OnTimer();
+
+    CAnalyzerLink& link_;
+    Settings& settings_;
+    CTesselApp* app_ = nullptr;
+    QMdiArea* area_;
+    QToolBar* toolBar_ = nullptr;
+    QLabel* panes_[4] = {};
+    HelpWindow* help_ = nullptr;
+    std::map<CommandId, QAction*> actions_;
+    std::map<QString, QMenu*> menus_;
+    QList<QAction*> dynamicActions_; // recent files and windows
+    QAction* recentMark_ = nullptr;
+    QAction* windowMark_ = nullptr;
+    int keepAliveDelay_ = 5;
+};
+
+} // namespace busquill

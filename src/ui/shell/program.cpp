@@ -1,0 +1,38 @@
+#include "ui/shell/program.h"
+
+#include "platform/settings.h"
+#include "tracesetup/setup_encoding.h"
+
+namespace busquill {
+
+Program::Program(Machine machine)
+    : machine_(std::move(machine)), link_({machine_.settings, machine_.prompts, machine_.clock,
+                                           machine_.mainThread, machine_.openSerial, machine_.usb}),
+      tables_([this] { return link_.Traits(); }, machine_.directory) {
+    RegisterSetupEncoders(link_);
+    // In Demo Mode the bus mode alone decides which signals there are.
+    link_.SetFamilyListener([this] { tables_.Load(); });
+}
+
+Program::~Program() {
+    if (frame_) {
+        frame_->SetApplication(nullptr);
+    }
+    app_.reset();
+    frame_.reset();
+}
+
+void Program::InitInstance() {
+    frame_ = std::make_unique<CMainFrame>(link_, machine_.settings, machine_.mainThread);
+    app_ = std::make_unique<CTesselApp>(CTesselApp::Parts{machine_.settings, machine_.prompts,
+                                                          link_, machine_.directory, realTimeStore_,
+                                                          frame_->Area()});
+    frame_->SetApplication(app_.get());
+    frame_->show();
+    frame_->RefreshStatusPanes();
+    link_.Connect(machine_.settings.GetProfileInt("Setup", "BaudRate", 57600));
+    frame_->RefreshStatusPanes();
+    tables_.Load();
+}
+
+} // namespace busquill

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "capture/sample_store.h"
+#include "link/analyzer_link.h"
+#include "platform/main_thread.h"
+#include "platform/working_directory.h"
+#include "signals/signal_tables.h"
+#include "ui/shell/main_frame.h"
+#include "ui/shell/tessel_app.h"
+
+namespace busquill {
+
+/// The whole program: what lives as long as it, built in order and taken down in reverse.
+class Program {
+public:
+    /// What differs between the program, a tour of it and a test. All outlive the program.
+    struct Machine {
+        MainThread& mainThread;
+        Prompts& prompts;
+        Settings& settings;
+        Clock& clock;
+        UsbBus& usb;
+        std::function<std::unique_ptr<SerialPort>(const std::string&)> openSerial;
+        WorkingDirectory directory;
+    };
+
+    explicit Program(Machine machine);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    /// Shows the main window, connects to the board and loads its tables. Blocks for seconds.
+    void InitInstance();
+
+    [[nodiscard]] CMainFrame& Frame() noexcept { return *frame_; }
+    [[nodiscard]] CTesselApp& App() noexcept { return *app_; }
+    [[nodiscard]] CAnalyzerLink& Link() noexcept { return link_; }
+    [[nodiscard]] SignalTables& Tables() noexcept { return tables_; }
+
+private:
+    Machine machine_;
+    CAnalyzerLink link_;
+    SignalTables tables_;
+    CSampleStore realTimeStore_;
+    std::unique_ptr<CMainFrame> frame_;
+    std::unique_ptr<CTesselApp> app_;
+};
+
+} // namespace busquill

@@ -1,0 +1,151 @@
+// Goes through the program's windows and leaves a picture of each.
+
+#include "platform/clock.h"
+#include "platform/serial_port.h"
+#include "platform/usb_device.h"
+#include "ui/framework/message_boxes.h"
+#include "ui/framework/qt_settings.h"
+#include "ui/shell/command_line.h"
+#include "ui/shell/program.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QTimer>
+
+#include <cstdio>
+
+using namespace busquill;
+
+namespace {
+
+class Tour {
+public:
+    explicit Tour(QString folder) : folder_(std::move(folder)) {}
+
+    void Picture(QWidget& window, const QString& name) {
+        QApplication::processEvents();
+        const QString path = folder_ + "/" + name + ".png";
+        if (window.grab().save(path)) {
+            std::printf("%s\n", qPrintable(path));
+        } else {
+            failed_ = true;
+            std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
+        }
+    }
+
+    /// The entry of a menu path such as "File/New/Capture/State", without mnemonics.
+    static QAction* Find(const QWidget& bar, const QString& path) {
+        QList<QAction*> actions = bar.actions();
+        QAction* found = nullptr;
+        for (const QString& part : path.split('/')) {
+            found = nullptr;
+            for (QAction* action : actions) {
+                if (action->text().remove('&') == part) {
+                    found = action;
+                }
+            }
+            if (found == nullptr) {
+                return nullptr;
+            }
+            actions = found->menu() != nullptr ? found->menu()->actions() : QList<QAction*>();
+        }
+        return found;
+    }
+
+    /// Chooses an entry; a dialog that it opens is pictured under `name` and closed.
+    void Choose(CMainFrame& frame, const QString& path, const QString& name) {
+        QAction* action = Find(*frame.menuBar(), path);
+        if (action == nullptr) {
+            failed_ = true;
+            std::fprintf(stderr, "no menu entry %s\n", qPrintable(path));
+            return;
+        }
+        modalName_ = name;
+        action->trigger();
+        QApplication::processEvents();
+    }
+
+    /// Pictures a modal window that stands open, and closes it.
+    void WatchModal() {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal == nullptr || !modal->isVisible()) {
+            return;
+        }
+        Picture(*modal, modalName_);
+        if (auto* box = qobject_cast<QMessageBox*>(modal)) {
+            box->accept();
+        } else {
+            qobject_cast<QDialog*>(modal)->reject();
+        }
+    }
+
+    [[nodiscard]] bool Failed() const { return failed_; }
+
+private:
+    QString folder_;
+    QString modalName_ = "message";
+    bool failed_ = false;
+};
+
+void Walk(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Picture(frame, "main-window");
+    tour.Choose(frame, "Utilities/Board Info", "board-info");
+    tour.Choose(frame, "Utilities/Bus Configuration", "bus-configuration");
+    if (!program.Link().IsDemoMode()) {
+        program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));
+    } else {
+        tour.Choose(frame, "File/New/Capture/State", "message");
+    }
+    if (QMdiSubWindow* window = frame.Area().activeSubWindow()) {
+        tour.Picture(frame, "main-window-with-capture");
+        window->showMaximized();
+        tour.Picture(frame, "listing");
+        frame.resize(1600, 1000);
+        tour.Picture(frame, "listing-large");
+        frame.resize(900, 600);
+    }
+    tour.Choose(frame, "File/New/Capture/Waveform", "message");
+    tour.Choose(frame, "Window/Cascade", "message");
+    tour.Picture(frame, "windows");
+    tour.Choose(frame, "Help/Contents", "message");
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->windowTitle() == "Busquill! Help") {
+            tour.Picture(*window, "help");
+        }
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 4) {
+        std::fprintf(stderr, "usage: busquill-tour board|demo FOLDER -SWITCH\n");
+        return 2;
+    }
+    const WorkingDirectory directory = WorkingDirectory::AtStart();
+    const std::string name = ApplicationName(CommandLineSwitch({argv[3]}));
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(stockName);
+    Tour tour(QString("%1/%2").arg(argv[2], argv[1]));
+
+    MainThread mainThread;
+    ShowBoxesAsWindows(mainThread);
+    QtSettings settings(name);
+    SystemClock clock;
+    const auto usb = OpenUsbBus();
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&tour] { tour.WatchModal(); });
+    watch.start(100);
+
+    Program program({mainThread, mainThread, settings, clock, *usb, OpenSerialPort, directory});
+    program.InitInstance();
+    Walk(tour, program);
+    return tour.Failed() ? 1 : 0;
+}
