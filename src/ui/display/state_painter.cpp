@@ -8,12 +8,28 @@
 
 #include <QPainter>
 
+#include <algorithm>
+
 namespace busquill {
 
 namespace {
 
 constexpr int glyphHalf = 3;
+constexpr int leastStretch = 60; // percent
 const QColor lineColor(0, 0, 0);
+
+/// A title at the bottom centre of a header cell, squeezed where the cell is narrower.
+void DrawHeaderText(QPainter& painter, const QRect& cell, const QString& text) {
+    const QFont font = painter.font();
+    const int width = painter.fontMetrics().horizontalAdvance(text);
+    if (width > cell.width() && cell.width() > 0) {
+        QFont squeezed = font;
+        squeezed.setStretch(std::max(cell.width() * 100 / width - 1, leastStretch));
+        painter.setFont(squeezed);
+    }
+    DrawCellText(painter, cell, text, CellAlign::Center, false);
+    painter.setFont(font);
+}
 
 QString ToQt(const std::string& text) {
     return QString::fromStdString(text);
@@ -70,8 +86,7 @@ private:
         painter_.setPen(lineColor);
         const QRect sampleCell(QPoint(1, 1), QPoint(frame_.sampleColumn - 1, stateHeaderLine - 1));
         DrawEdge(painter_, sampleCell, Edge::Raised);
-        DrawCellText(painter_, sampleCell.adjusted(2, 0, -2, -1), "SAMPLE", CellAlign::Center,
-                     false);
+        DrawHeaderText(painter_, sampleCell.adjusted(2, 0, -2, -1), "SAMPLE");
         ClipToColumns();
         int x = frame_.sampleColumn + 1 - frame_.offset;
         for (const auto& signal : frame_.list.All()) {
@@ -95,8 +110,7 @@ private:
         painter_.fillRect(cell,
                           signal.selected ? QColor(Qt::white) : ColorOf(frame_.colors.background));
         DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
-        DrawCellText(painter_, cell.adjusted(2, 0, -2, -1), ToQt(signal.RowName()),
-                     CellAlign::Center, false);
+        DrawHeaderText(painter_, cell.adjusted(2, 0, -2, -1), ToQt(signal.RowName()));
     }
 
     void DrawRows() {

@@ -40,6 +40,9 @@ public:
     /// Takes every view of the same samples to the target.
     void GoTo(GoToTarget target);
 
+    [[nodiscard]] QSize sizeHint() const override { return {830, 380}; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return {240, 120}; }
+
     void OnInitialUpdate() override;
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override;
 

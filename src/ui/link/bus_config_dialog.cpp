@@ -57,7 +57,9 @@ CBusConfigDialog::CBusConfigDialog(QWidget* parent, CAnalyzerLink& link, Setting
     rows->addRow("&Mode", mode_);
     rows->addRow("&Width", width_);
     rows->addRow("&Voltage", voltage_);
-    rows->addRow("&Frequency", frequencyRow);
+    auto* frequencyLabel = new QLabel("&Frequency");
+    frequencyLabel->setBuddy(frequency_);
+    rows->addRow(frequencyLabel, frequencyRow);
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);

@@ -26,13 +26,17 @@
 
 #include <algorithm>
 
+// The resources lie in a library, which registers them only when it is asked to; the macro must
+// stand outside every namespace.
+static void RegisterResources() { Q_INIT_RESOURCE(busquill); }
+
 namespace busquill {
 
 namespace {
 
 constexpr QSize usualSize(900, 600);
 constexpr int timerPeriod = 1000;
-constexpr QSize toolIconSize(20, 20);
+constexpr QSize toolIconSize(18, 18);
 
 /// The texts that give the panes their widths.
 constexpr const char* paneWidths[] = {"MODEL000-0", "MODE", "FREQ MHz", "Master Lock"};
@@ -45,6 +49,7 @@ CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
 
 CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread)
     : link_(link), settings_(settings), area_(new QMdiArea) {
+    RegisterResources();
     setWindowTitle("Busquill!");
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
