@@ -3,6 +3,7 @@
 #include "platform/annotations.h"
 #include "platform/main_thread.h"
 
+#include <chrono>
 #include <mutex>
 
 namespace busquill {
@@ -21,14 +22,14 @@ public:
             mutex_.lock();
             return;
         }
-        while (!mutex_.try_lock()) {
-            main->AwaitLock();
+        while (!mutex_.try_lock_for(std::chrono::milliseconds(5))) {
+            main->ServeBoxes();
         }
     }
     void Unlock() BUSQUILL_RELEASE() BUSQUILL_UNCHECKED { mutex_.unlock(); }
 
 private:
-    std::mutex mutex_;
+    std::timed_mutex mutex_;
 };
 
 /// Holds a Mutex for a scope; can be released and taken again within it.
