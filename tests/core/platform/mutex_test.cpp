@@ -31,6 +31,7 @@ TEST(Mutex, LetsOneThreadInAtATime) {
     const MainThread mainThread;
     Counter counter;
     std::vector<std::thread> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i) {
         threads.emplace_back([&] { counter.Add(2000); });
     }
