@@ -8,16 +8,17 @@ namespace busquill {
 
 namespace {
 
-/// A value that is never closed would take in the rest of the file.
-constexpr std::size_t maxValue = std::size_t{16} << 20;
-
 bool IsBareNumber(std::string_view text) {
-    if (text.starts_with('-')) {
-        text.remove_prefix(1);
-    } else if (text.empty()) {
+    if (text.empty()) {
         return false;
     }
-    return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    // A lone "-" counts as one.
+    const std::string_view digits = text.substr(text.front() == '-' ? 1 : 0);
+    return std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+bool IsGap(char c) noexcept {
+    return c == ' ' || c == '\t' || c == ',';
 }
 
 } // namespace
@@ -26,64 +27,62 @@ std::string CsvQuote(std::string_view text) {
     if (IsBareNumber(text)) {
         return std::string(text);
     }
-    std::string quoted = "\"";
-    return quoted.append(text).append("\"");
+    return std::string(1, '"').append(text).append(1, '"');
 }
 
 bool CsvSplitLine(std::string_view line, std::vector<std::string>& fields) {
-    bool inToken = !fields.empty();
-    bool inQuotes = inToken;
     std::string token;
-    if (inToken) {
+    bool inToken = false;
+    bool inQuotes = false;
+    if (!fields.empty()) {
         token = std::move(fields.back());
         fields.pop_back();
+        inToken = inQuotes = true;
     }
     const auto finish = [&] {
         fields.push_back(std::move(token));
         token.clear();
-        inToken = false;
-        inQuotes = false;
+        inToken = inQuotes = false;
     };
     for (const char c : line) {
-        if (c == '"') {
-            if (inToken) {
-                finish();
-            } else {
-                inToken = inQuotes = true;
-            }
-        } else if (inToken) {
-            if (c == ',' && !inQuotes) {
-                finish();
-            } else {
+        if (!inToken) {
+            inQuotes = c == '"';
+            inToken = !IsGap(c);
+            if (inToken && !inQuotes) {
                 token += c;
             }
-        } else if (c != ' ' && c != '\t' && c != ',') {
-            inToken = true;
+        } else if (c == '"' || (c == ',' && !inQuotes)) {
+            finish();
+        } else {
             token += c;
         }
     }
-    const bool unfinished = inToken && inQuotes;
-    if (unfinished) {
+    const bool goesOn = inToken && inQuotes;
+    if (goesOn) {
         token += "\r\n";
     }
     if (inToken) {
-        fields.push_back(std::move(token));
+        finish();
     }
-    return unfinished;
+    return goesOn;
 }
 
-void SplitCsvRecord(std::string_view line, TextReader& file, std::vector<std::string>& fields) {
+void SplitCsvRecord(std::string_view first, TextReader& file, std::vector<std::string>& fields) {
     fields.clear();
-    while (CsvSplitLine(line, fields)) {
-        const auto next = file.ReadLine();
-        if (!next) {
+    std::size_t text = first.size();
+    bool goesOn = CsvSplitLine(first, fields);
+    while (goesOn) {
+        const auto line = file.ReadLine();
+        if (!line) {
             break;
         }
-        line = *next;
-        if (fields.back().size() > maxValue) {
-            fields.back().resize(maxValue);
-            // Only the end of the value is still of interest.
-            line.remove_prefix(std::min(line.find('"'), line.size()));
+        text += line->size() + 2; // the line end counts as carriage return and line feed
+        if (text + fields.size() * sizeof(std::string) <= maxCsvRecord) {
+            goesOn = CsvSplitLine(*line, fields);
+        } else {
+            // Only the end of the record is looked for; its text goes nowhere.
+            std::vector<std::string> dropped(1);
+            goesOn = CsvSplitLine(*line, dropped);
         }
     }
 }
