@@ -1,0 +1,331 @@
+#include "signals/value_text.h"
+
+#include "platform/text.h"
+#include "signals/signal_list.h"
+
+#include <algorithm>
+
+namespace busquill {
+
+namespace {
+
+constexpr unsigned groupDigits = 8; // digits between two blanks
+
+/// Bits `first` to `first + count - 1` of a little-endian value; bits it does not hold are 0.
+unsigned BitsAt(std::span<const std::uint8_t> bytes, unsigned first, unsigned count) noexcept {
+    unsigned bits = 0;
+    for (unsigned i = 0; i < count; ++i) {
+        const std::size_t byte = (first + i) / 8;
+        if (byte < bytes.size()) {
+            bits |= ((bytes[byte] >> ((first + i) % 8)) & 1U) << i;
+        }
+    }
+    return bits;
+}
+
+/// One digit: "X" when none of its bits is known, "?" when only some are.
+char Digit(unsigned value, unsigned known, unsigned significant) noexcept {
+    if (known == 0) {
+        return 'X';
+    }
+    return known == significant ? "0123456789ABCDEF"[value] : '?';
+}
+
+std::string Digits(std::span<const std::uint8_t> data, unsigned width,
+                   std::span<const std::uint8_t> mask, unsigned digitBits) {
+    std::string text;
+    if (width == 0) {
+        return text;
+    }
+    for (unsigned digit = (width - 1) / digitBits + 1; digit-- > 0;) {
+        const unsigned first = digit * digitBits;
+        const unsigned count = std::min(digitBits, width - first);
+        const unsigned significant = (1U << count) - 1;
+        const unsigned known = mask.empty() ? significant : BitsAt(mask, first, count);
+        text += Digit(BitsAt(data, first, count), known, significant);
+    }
+    return text;
+}
+
+std::string WithBlanks(const std::string& digits) {
+    std::string text;
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        if (i != 0 && i % groupDigits == 0) {
+            text += ' ';
+        }
+        text += digits[i];
+    }
+    return text;
+}
+
+/// A whole and its thousandths with three decimals up to 9, two up to 99, then one.
+std::string Scaled(std::int64_t whole, std::int64_t thousandths, const char* unit) {
+    const auto w = static_cast<long long>(whole);
+    const auto t = static_cast<long long>(thousandths);
+    if (whole > 99) {
+        return Printf("%lld.%01lld%s", w, t / 100, unit);
+    }
+    if (whole > 9) {
+        return Printf("%lld.%02lld%s", w, t / 10, unit);
+    }
+    return Printf("%lld.%03lld%s", w, t, unit);
+}
+
+std::string FormatZoomTime(std::int64_t t) {
+    const std::int64_t ps = t % 1000;
+    const std::int64_t ns = t / 1000 % 1000;
+    const std::int64_t us = t / 1000000 % 1000;
+    const std::int64_t ms = t / 1000000000;
+    if (ms > 0) {
+        return Scaled(ms, us, "ms");
+    }
+    return us > 0 ? Scaled(us, ns, "us") : Scaled(ns, ps, "ns");
+}
+
+constexpr int attributeBit = 93;
+constexpr int addressBit = 95;
+constexpr int byteEnableBit = 64;
+constexpr unsigned splitCompletion = 12;
+
+/// In which phase of a PCI transfer a sample was taken.
+struct PciPhase {
+    bool attribute = false;
+    bool split = false;
+    bool address = false;
+
+    PciPhase(const BoardTraits& board, const SampleRecord& record)
+        : address(record.Bit(addressBit)) {
+        if (board.IsPciXMode()) {
+            attribute = record.Bit(attributeBit);
+            split = !attribute && address && (record.bytes[8] & 0x0F) == splitCompletion;
+        }
+    }
+};
+
+std::string PlainValue(const CSignal& signal, std::int64_t sample, std::int32_t radix, bool zoom) {
+    if (sample < 0) {
+        return {};
+    }
+    const auto index = static_cast<std::size_t>(sample);
+    const auto row = signal.GroupRow(index);
+    if (!row.empty()) {
+        return FormatValue(row, signal.groupWidth, radix, signal.GroupMaskRow(index), zoom);
+    }
+    const std::uint8_t bit = signal.Bit(index) ? 1 : 0;
+    const std::uint8_t known = signal.MaskBit(index) ? 1 : 0;
+    return FormatValue({&bit, 1}, 1, radix, {&known, 1}, zoom);
+}
+
+/// Blanks the digits of byte lanes whose byte enable, active low, is off.
+void BlankDisabledLanes(std::string& text, const SampleRecord& record) {
+    constexpr int digitsOfLanes = 16;
+    int digit = 0;
+    for (auto c = text.rbegin(); c != text.rend() && digit < digitsOfLanes; ++c) {
+        if (*c == ' ') {
+            continue;
+        }
+        if (record.Bit(byteEnableBit + digit / 2)) {
+            *c = ' ';
+        }
+        ++digit;
+    }
+}
+
+int VmeAddressWidth(unsigned addressModifier) noexcept {
+    if (addressModifier == 0x32 || addressModifier >= 0x38) {
+        return 24;
+    }
+    if (addressModifier == 0x2D || addressModifier == 0x2C || addressModifier == 0x29) {
+        return 16;
+    }
+    return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
+}
+
+/// Blanks the leading digits that an address of this width does not have.
+void BlankBeyondAddress(std::string& text, int addressWidth) {
+    constexpr std::size_t longText = 9;
+    int blanks = std::max(0, (32 - addressWidth) / 4);
+    if (addressWidth == 40 && text.size() >= longText) {
+        blanks = 6;
+    }
+    for (char& c : text) {
+        if (blanks == 0) {
+            return;
+        }
+        if (c != ' ') {
+            c = ' ';
+            --blanks;
+        }
+    }
+}
+
+std::string DataText(const BoardTraits& board, const CSignal& signal, const SampleRecord& record,
+                     std::string value) {
+    if (board.IsVmeFamily() || board.IsVsbFamily()) {
+        return value;
+    }
+    const PciPhase phase(board, record);
+    if (phase.attribute || phase.address) {
+        return {};
+    }
+    if (signal.radix == Radix::Hex) {
+        BlankDisabledLanes(value, record);
+    }
+    return value;
+}
+
+std::string AddressText(const BoardTraits& board, const CSignal& signal, const SampleRecord& record,
+                        std::string value) {
+    if (board.IsVsbFamily()) {
+        return value;
+    }
+    if (board.IsVmeFamily()) {
+        if (signal.radix == Radix::Hex) {
+            const unsigned modifier = record.bytes[board.IsVmeLark() ? 11 : 8] & 0x3FU;
+            BlankBeyondAddress(value, VmeAddressWidth(modifier));
+        }
+        return value;
+    }
+    const PciPhase phase(board, record);
+    return phase.attribute || !phase.address ? std::string() : value;
+}
+
+std::string CommandText(const BoardTraits& board, const SampleRecord& record, std::string label) {
+    if (board.IsVmeFamily() || board.IsVsbFamily()) {
+        return label;
+    }
+    const PciPhase phase(board, record);
+    return phase.attribute || !phase.address ? std::string() : label;
+}
+
+/// The group that holds the time from sample to sample, or null.
+const CSignal* FindTimeGroup(const CSignalList& list) {
+    for (const auto& signal : list.All()) {
+        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
+            return signal.get();
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std::int32_t radix,
+                        std::span<const std::uint8_t> mask, bool zoom) {
+    switch (radix) {
+    case Radix::Binary:
+        return WithBlanks(Digits(data, width, mask, 1));
+    case Radix::Hex:
+        return WithBlanks(Digits(data, width, mask, 4));
+    case Radix::Octal:
+        return Digits(data, width, mask, 3);
+    case Radix::Time:
+        return FormatTime(TimeField(data, width), zoom);
+    default:
+        return {};
+    }
+}
+
+std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept {
+    constexpr unsigned maxWidth = 32;
+    constexpr std::int64_t units[] = {1, 1000, 1000000, 1000000000};
+    if (width > maxWidth) {
+        return 0;
+    }
+    // One bit more than the field has: recorded captures rely on it.
+    const unsigned bits = BitsAt(data, 0, std::min(width + 1, maxWidth));
+    const auto count = static_cast<std::int32_t>(bits) >> 2;
+    return count * units[bits & 3];
+}
+
+std::string FormatTime(std::int64_t t, bool zoom) {
+    if (zoom) {
+        return FormatZoomTime(t);
+    }
+    const std::int64_t ns = t % 1000;
+    const std::int64_t us = t / 1000 % 1000;
+    const std::int64_t ms = t / 1000000 % 1000;
+    const std::int64_t s = t / 1000000000;
+    if (s > 999) {
+        return Printf("%llds", static_cast<long long>(s));
+    }
+    if (s > 0) {
+        return Scaled(s, ms, "s");
+    }
+    if (ms > 0) {
+        return Scaled(ms, us, "ms");
+    }
+    return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
+}
+
+std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {
+    const CSignal* time = FindTimeGroup(list);
+    if (a == -1 || b == -1 || time == nullptr || time->groupData.empty()) {
+        return {};
+    }
+    if (a > b) {
+        std::swap(a, b);
+    }
+    // Samples that are not there count 0, so the walk keeps to those that are.
+    const auto rows = static_cast<std::int64_t>(time->groupData.size() / time->RowBytes());
+    std::int64_t sum = 0;
+    for (std::int64_t sample = std::max<std::int64_t>(a + 1, 0); sample <= b && sample < rows;
+         ++sample) {
+        sum += TimeField(time->GroupRow(static_cast<std::size_t>(sample)), time->groupWidth);
+    }
+    return FormatTime(sum, zoom);
+}
+
+std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal, std::int64_t sample,
+                               std::int64_t firstSample, const CDecodedSignalDef& def,
+                               const char* label, const SampleRecord& record, bool zoom) {
+    const auto plain = [&] { return PlainValue(signal, sample, signal.radix, zoom); };
+    switch (def.decodeKind) {
+    case DecodeKind::Data:
+    case DecodeKind::DataVme:
+    case DecodeKind::DataVsb:
+        return DataText(board, signal, record, plain());
+    case DecodeKind::Address:
+    case DecodeKind::AddressVme:
+    case DecodeKind::AddressVsb:
+        return AddressText(board, signal, record, plain());
+    case DecodeKind::Command:
+        return CommandText(board, record, label != nullptr ? label : "");
+    case DecodeKind::Time:
+        return PlainValue(signal, sample, Radix::Time, zoom);
+    case DecodeKind::Sample:
+        return Printf("%lld", static_cast<long long>(firstSample + sample));
+    case DecodeKind::Tag:
+    case DecodeKind::BusNumber:
+    case DecodeKind::DeviceFunction:
+    case DecodeKind::ByteCount:
+    case DecodeKind::Attribute: {
+        const PciPhase phase(board, record);
+        return phase.attribute || phase.split ? plain() : std::string();
+    }
+    case DecodeKind::Plain:
+        return plain();
+    default:
+        return label != nullptr ? label : "";
+    }
+}
+
+unsigned DigitsFor(unsigned width, std::int32_t radix) noexcept {
+    if (width == 0) {
+        return 0;
+    }
+    switch (radix) {
+    case Radix::Binary:
+        return width;
+    case Radix::Hex: {
+        const unsigned digits = (width - 1) / 4;
+        return digits + digits / groupDigits + 1;
+    }
+    case Radix::Octal:
+        return (width - 1) / 3 + 1;
+    default:
+        return 0;
+    }
+}
+
+} // namespace busquill
