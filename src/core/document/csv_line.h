@@ -2,6 +2,7 @@
 /// quotes, a value with line breaks spread over several lines.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,7 +20,14 @@ class TextReader;
 /// Empty fields without quotes yield nothing.
 [[nodiscard]] bool CsvSplitLine(std::string_view line, std::vector<std::string>& fields);
 
-/// Reads one record, with the lines over which a quoted value goes on. False at the file's end.
+/// The longest record in memory. A quote that is never closed makes one value of the whole rest of
+/// a file, whatever its size.
+inline constexpr std::size_t maxCsvRecord = std::size_t{16} << 20;
+
+/// Reads one record into `fields`, whose old content goes, with the lines over which a quoted value
+/// goes on. False at the file's end. From the line on that makes the record longer than
+/// maxCsvRecord, its text is read but dropped: the value ends there and later fields are missing.
+/// A value that is still open at the file's end counts as it stands, with its last line end.
 [[nodiscard]] bool ReadCsvRecord(TextReader& file, std::vector<std::string>& fields);
 
 } // namespace busquill

@@ -1,5 +1,7 @@
 #include "platform/clock.h"
 
+#include "platform/main_thread.h"
+
 #include <thread>
 
 namespace busquill {
@@ -9,7 +11,11 @@ std::time_t SystemClock::Time() const {
 }
 
 void SystemClock::Sleep(std::chrono::milliseconds pause) {
-    std::this_thread::sleep_for(pause);
+    if (MainThread* main = MainThread::OnThisThread(); main != nullptr) {
+        static_cast<void>(main->WaitUntil(pause, [] { return false; }));
+    } else {
+        std::this_thread::sleep_for(pause);
+    }
 }
 
 } // namespace busquill

@@ -1,5 +1,7 @@
 #include "platform/main_thread.h"
 
+#include <algorithm>
+
 namespace busquill {
 
 namespace {
@@ -48,7 +50,9 @@ Answer MainThread::Show(const Box& box) {
 
 bool MainThread::WaitUntil(std::chrono::milliseconds limit, const std::function<bool()>& done) {
     const bool serving = std::this_thread::get_id() == thread_;
-    const auto end = std::chrono::steady_clock::now() + limit;
+    // A wait without a bound is asked for by a limit that a point in time could not hold.
+    constexpr std::chrono::milliseconds longest = std::chrono::hours(24 * 365);
+    const auto end = std::chrono::steady_clock::now() + std::min(limit, longest);
     std::unique_lock lock(mutex_);
     while (true) {
         if (serving) {
@@ -78,14 +82,6 @@ void MainThread::Wake() {
 
 void MainThread::ServeBoxes() {
     std::unique_lock lock(mutex_);
-    ServeLocked(lock);
-}
-
-void MainThread::AwaitLock() {
-    using namespace std::chrono_literals;
-    std::unique_lock lock(mutex_);
-    ServeLocked(lock);
-    changed_.wait_for(lock, 2ms, [&] { return !boxOpen_ && !pending_.empty(); });
     ServeLocked(lock);
 }
 

@@ -15,13 +15,14 @@ namespace busquill {
 /// The main thread's waiting place, and the way of a message box from another thread to it.
 ///
 ///   link thread                      main thread
-///   Show(box) -- pending_ -------->  WaitUntil / AwaitLock / ServeBoxes
+///   Show(box) -- pending_ -------->  WaitUntil / ServeBoxes
 ///   (blocks)                         present(box)
 ///             <- answer, wake ----
 ///
 /// A box raised on another thread is shown by the main thread, which may itself be waiting for
 /// something that thread holds. So every wait of the main thread goes through here and shows the
-/// boxes that are handed over while it waits. No other event is handled in a wait.
+/// boxes that are handed over while it waits. No other event is handled in a wait. The object must
+/// outlive every thread that raises boxes.
 class MainThread final : public Prompts {
 public:
     /// The thread that constructs the object is the main thread. There is one at a time.
@@ -41,17 +42,15 @@ public:
     Answer Show(const Box& box) override;
 
     /// Any thread. Waits until `done` holds, at most `limit`, and returns what `done` says then.
-    /// `done` is asked at each Wake. On the main thread, boxes are served meanwhile.
+    /// `done` is asked at each Wake. On the main thread, boxes are served meanwhile; the time that
+    /// one is open counts.
     bool WaitUntil(std::chrono::milliseconds limit, const std::function<bool()>& done);
 
     /// Any thread: something that a WaitUntil waits for may hold now.
     void Wake();
 
-    /// Main thread: shows the boxes that wait.
+    /// Main thread: shows the boxes that wait. Does nothing while one is being shown.
     void ServeBoxes();
-
-    /// Main thread: waits a short while for a lock to become free, serving boxes.
-    void AwaitLock();
 
     /// Whether a handed-over box is being shown; timers hold their ticks meanwhile. Any thread.
     [[nodiscard]] bool BoxOpen() const noexcept { return boxOpen_; }

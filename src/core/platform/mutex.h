@@ -3,6 +3,8 @@
 #include "platform/annotations.h"
 #include "platform/main_thread.h"
 
+#include <chrono>
+#include <condition_variable>
 #include <mutex>
 
 namespace busquill {
@@ -17,18 +19,30 @@ public:
 
     void Lock() BUSQUILL_ACQUIRE() BUSQUILL_UNCHECKED {
         MainThread* main = MainThread::OnThisThread();
+        const auto isFree = [this] { return !held_; };
+        std::unique_lock lock(state_);
         if (main == nullptr) {
-            mutex_.lock();
-            return;
+            freed_.wait(lock, isFree);
+        } else {
+            while (!freed_.wait_for(lock, std::chrono::milliseconds(5), isFree)) {
+                lock.unlock();
+                main->ServeBoxes();
+                lock.lock();
+            }
         }
-        while (!mutex_.try_lock()) {
-            main->AwaitLock();
-        }
+        held_ = true;
     }
-    void Unlock() BUSQUILL_RELEASE() BUSQUILL_UNCHECKED { mutex_.unlock(); }
+    void Unlock() BUSQUILL_RELEASE() BUSQUILL_UNCHECKED {
+        // Told under the lock: whoever takes the mutex next may be about to destroy it.
+        const std::lock_guard lock(state_);
+        held_ = false;
+        freed_.notify_one();
+    }
 
 private:
-    std::mutex mutex_;
+    std::mutex state_; // of held_, for moments only
+    std::condition_variable freed_;
+    bool held_ = false;
 };
 
 /// Holds a Mutex for a scope; can be released and taken again within it.

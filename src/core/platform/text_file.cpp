@@ -1,7 +1,8 @@
 #include "platform/text_file.h"
 
+#include <algorithm>
 #include <cstring>
-#include <sys/stat.h>
+#include <filesystem>
 
 namespace busquill {
 
@@ -20,14 +21,14 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
 
 bool TextReader::Open(const std::string& path) {
     next_ = end_ = 0;
-    file_.reset(std::fopen(path.c_str(), "rb"));
-    if (!file_) {
+    file_.reset();
+    // A directory opens for reading but holds no text; a pipe or a device may have no end.
+    std::error_code unknown;
+    if (!std::filesystem::is_regular_file(path, unknown)) {
         return false;
     }
-    // A directory opens for reading but holds no text.
-    struct stat info {};
-    if (::fstat(::fileno(file_.get()), &info) != 0 || S_ISDIR(info.st_mode)) {
-        file_.reset();
+    file_.reset(std::fopen(path.c_str(), "rb"));
+    if (!file_) {
         return false;
     }
     buffer_.resize(bufferSize);

@@ -17,6 +17,7 @@ public:
     /// must not take memory by its size.
     static constexpr std::size_t maxLine = std::size_t{1} << 20;
 
+    /// Opens a regular file; false for anything else, and when it cannot be read.
     [[nodiscard]] bool Open(const std::string& path);
     /// The next line without its end; valid until the next call. Nothing at the end of the file.
     [[nodiscard]] std::optional<std::string_view> ReadLine();
@@ -34,7 +35,8 @@ private:
     std::string joined_; // a line that lay across two fillings of the buffer
 };
 
-/// Writes a text file. Failures are remembered until Close.
+/// Writes a text file. Failures are remembered until Close. Without a Close the file is closed by
+/// the destructor, and nobody hears of a failure.
 class TextWriter {
 public:
     /// Creates the file anew.

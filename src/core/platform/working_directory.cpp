@@ -12,7 +12,7 @@ WorkingDirectory WorkingDirectory::AtStart() {
 
 std::string WorkingDirectory::FilePath(std::string_view name) const {
     std::string path = path_;
-    if (path.empty() || (path.back() != '/' && path.back() != '\\')) {
+    if (!path.empty() && path.back() != '/' && path.back() != '\\') {
         path += static_cast<char>(std::filesystem::path::preferred_separator);
     }
     return path.append(name);

@@ -14,6 +14,7 @@ public:
 
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
     /// The path of a file in it; a separator is added where the directory does not end in one.
+    /// An empty directory is the process's current one.
     [[nodiscard]] std::string FilePath(std::string_view name) const;
 
 private:

@@ -1,0 +1,42 @@
+#include "platform/working_directory.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace busquill::test {
+namespace {
+
+TEST(WorkingDirectory, AtStartIsTheProcessesOwn) {
+    EXPECT_EQ(WorkingDirectory::AtStart().Path(), std::filesystem::current_path().string());
+}
+
+TEST(WorkingDirectory, AddsASeparatorWhereThereIsNone) {
+    EXPECT_EQ(WorkingDirectory("/data").FilePath("Trigger1.tra"), "/data/Trigger1.tra");
+    EXPECT_EQ(WorkingDirectory("/data/").FilePath("Trigger1.tra"), "/data/Trigger1.tra");
+    EXPECT_EQ(WorkingDirectory("C:\\data\\").FilePath("a"), "C:\\data\\a");
+    EXPECT_EQ(WorkingDirectory("/").FilePath("a"), "/a");
+}
+
+TEST(WorkingDirectory, AnEmptyOneIsNotTheRoot) {
+    EXPECT_EQ(WorkingDirectory("").FilePath("a"), "a");
+}
+
+TEST(FileName, IsWhatStandsAfterTheLastSeparatorOfEitherKind) {
+    EXPECT_EQ(FileNameOf("/data/a.tra"), "a.tra");
+    EXPECT_EQ(FileNameOf("C:\\data\\a.tra"), "a.tra");
+    EXPECT_EQ(FileNameOf("C:\\data/a.tra"), "a.tra");
+    EXPECT_EQ(FileNameOf("a.tra"), "a.tra");
+    EXPECT_EQ(FileNameOf("/data/"), "");
+    EXPECT_EQ(FileNameOf(""), "");
+}
+
+TEST(BaseName, IsTheFileNameUpToItsLastPoint) {
+    EXPECT_EQ(BaseNameOf("/data/a.b.tra"), "a.b");
+    EXPECT_EQ(BaseNameOf("/data.d/a"), "a");
+    EXPECT_EQ(BaseNameOf(".tra"), "");
+    EXPECT_EQ(BaseNameOf(""), "");
+}
+
+} // namespace
+} // namespace busquill::test
