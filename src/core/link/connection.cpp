@@ -281,14 +281,6 @@ void CAnalyzerLink::Machine::SignalPump() {
     pumpChanged_.notify_one();
 }
 
-// A pause of fixed length in which boxes of the link's thread can still be answered.
-void CAnalyzerLink::Machine::Pause(std::chrono::milliseconds length) {
-    for (auto rest = length; rest > 0ms; rest -= 100ms) {
-        services_.clock.Sleep(100ms);
-        services_.mainThread.ServeBoxes();
-    }
-}
-
 void CAnalyzerLink::Machine::SetBaudRate(int rate) {
     if (port_ != Port::Open) {
         return;
@@ -306,7 +298,7 @@ void CAnalyzerLink::Machine::SetBaudRate(int rate) {
             services_.prompts.TopmostMessage(Printf("Error setting new baud rate, err %d", error));
         }
     }
-    Pause(settlingTime);
+    services_.clock.Sleep(settlingTime);
 }
 
 void CAnalyzerLink::Machine::Connect(int targetBaud) {
@@ -317,7 +309,7 @@ void CAnalyzerLink::Machine::Connect(int targetBaud) {
         SetBaudRate(targetBaud);
     }
     WaitIdle();
-    Pause(settlingTime);
+    services_.clock.Sleep(settlingTime);
     AwaitCompletion();
     LoadBusConfig();
 }

@@ -123,7 +123,6 @@ private:
     void ReadLoop();
     void PumpLoop();
     void SignalPump();
-    void Pause(std::chrono::milliseconds length);
 
     // board_state.cpp
     void SubmitOwn(LinkPhase phase, std::int32_t command, const LinkWords& words);

@@ -6,41 +6,56 @@ namespace busquill {
 
 namespace {
 
-bool TakesRoom(const CSignal& signal) noexcept {
-    return !signal.hidden && (!signal.grouped || signal.IsGroupStart());
+constexpr std::size_t wordBits = 32;
+
+bool BitOf(const std::vector<std::uint32_t>& words, std::size_t sample) noexcept {
+    return ((words[sample / wordBits] >> (sample % wordBits)) & 1) != 0;
+}
+
+std::span<const std::uint8_t> RowOf(const std::vector<std::uint8_t>& rows, std::size_t rowBytes,
+                                    std::size_t sample) noexcept {
+    if (rowBytes == 0 || sample >= rows.size() / rowBytes) {
+        return {};
+    }
+    return {rows.data() + sample * rowBytes, rowBytes};
 }
 
 } // namespace
 
 std::int32_t CSignal::VisibleHeight() const noexcept {
-    return TakesRoom(*this) ? height : 0;
+    return hidden || (grouped && !IsGroupStart()) ? 0 : height;
 }
 
 std::int32_t CSignal::VisibleWidth() const noexcept {
-    return TakesRoom(*this) ? width : 0;
+    return hidden || (grouped && !IsGroupStart()) ? 0 : width;
 }
 
 bool CSignal::Bit(std::size_t sample) const noexcept {
-    return sample / 32 < data.size() && (data[sample / 32] >> (sample % 32) & 1) != 0;
+    return sample / wordBits < data.size() && BitOf(data, sample);
+}
+
+bool CSignal::MaskBit(std::size_t sample) const noexcept {
+    return sample / wordBits >= mask.size() || BitOf(mask, sample);
+}
+
+std::span<const std::uint8_t> CSignal::GroupRow(std::size_t sample) const noexcept {
+    return RowOf(groupData, RowBytes(), sample);
+}
+
+std::span<const std::uint8_t> CSignal::GroupMaskRow(std::size_t sample) const noexcept {
+    return RowOf(groupMask, RowBytes(), sample);
 }
 
 std::size_t CSignal::RowBytes() const noexcept {
     return groupWidth == 0 ? 0 : (groupWidth - 1) / 8 + std::size_t{1};
 }
 
-std::span<const std::uint8_t> CSignal::GroupRow(std::size_t sample) const noexcept {
-    const std::size_t bytes = RowBytes();
-    if (bytes == 0 || (sample + 1) * bytes > groupData.size()) {
-        return {};
-    }
-    return {groupData.data() + sample * bytes, bytes};
-}
-
 const char* CSignal::Label(std::size_t sample) const noexcept {
     if (!decoded || sample >= labelTable.size() || labelTable[sample] == 0) {
         return nullptr;
     }
-    return decoded->values[labelTable[sample] - std::size_t{1}].label;
+    const std::size_t value = labelTable[sample] - std::size_t{1};
+    return value < decoded->values.size() ? decoded->values[value].label : nullptr;
 }
 
 void CSignal::SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count) {
@@ -49,11 +64,12 @@ void CSignal::SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_
 }
 
 void CSignal::ResizeSamples(std::uint32_t count) {
-    numSamples = count;
     data.assign(WordsFor(count), 0);
+    numSamples = count;
     if (IsGroupStart()) {
         groupData.assign(RowBytes() * count, 0);
     }
+    // A decoded signal of an empty list has its table already, if one of no entries.
     if (decoded) {
         labelTable.assign(count, 0);
     }
@@ -64,15 +80,17 @@ void CSignal::AllocateMask(std::uint32_t count) {
 }
 
 void CSignal::ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records) {
-    if (dataIndex < 0 || first >= numSamples) {
+    const std::size_t end = std::min<std::size_t>(numSamples, data.size() * wordBits);
+    if (dataIndex < 0 || dataIndex >= SampleRecord::bitCount || first >= end) {
         return;
     }
-    const std::size_t room = data.size() * 32 - std::min<std::size_t>(first, data.size() * 32);
-    const std::size_t count = std::min(records.size(), room);
+    const auto byte = static_cast<std::size_t>(dataIndex) / 8;
+    const int shift = dataIndex % 8;
+    const std::size_t count = std::min(records.size(), end - first);
     for (std::size_t i = 0; i < count; ++i) {
-        if (records[i].Bit(dataIndex)) {
-            data[(first + i) / 32] |= 1U << ((first + i) % 32);
-        }
+        const std::size_t sample = first + i;
+        const std::uint32_t bit = (records[i].bytes[byte] >> shift) & 1U;
+        data[sample / wordBits] |= bit << (sample % wordBits);
     }
 }
 

@@ -14,6 +14,8 @@ namespace busquill {
 
 /// One captured sample: bit n is bit n mod 8 of byte n / 8.
 struct SampleRecord {
+    static constexpr int bitCount = 144;
+
     std::array<std::uint8_t, 18> bytes{};
 
     [[nodiscard]] bool Bit(int n) const noexcept {
@@ -57,9 +59,7 @@ public:
     /// Per sample of a decoded signal: 0, or 1 + the index of the value whose label it bears.
     std::vector<std::uint8_t> labelTable;
     std::shared_ptr<const CDecodedSignalDef> decoded; // on the Start member
-    /// For a decoded signal of at most 8 bits without a mask: the label of each packed row.
-    std::vector<std::uint8_t> labelLookup;
-    std::uint32_t groupWidth = 0; // on the Start member
+    std::uint32_t groupWidth = 0;                     // on the Start member
     std::int32_t radix = Radix::Hex;
     bool hidden = false;
     bool permanent = false;
@@ -75,20 +75,26 @@ public:
     }
     /// The bit of one sample; false where there are no data.
     [[nodiscard]] bool Bit(std::size_t sample) const noexcept;
+    /// Whether one sample's bit is compared; true where there is no mask.
+    [[nodiscard]] bool MaskBit(std::size_t sample) const noexcept;
     /// The packed row of one sample, or empty.
     [[nodiscard]] std::span<const std::uint8_t> GroupRow(std::size_t sample) const noexcept;
-    /// Bytes of one packed row.
+    /// The packed mask row of one sample, or empty.
+    [[nodiscard]] std::span<const std::uint8_t> GroupMaskRow(std::size_t sample) const noexcept;
+    /// Bytes of one packed row; 0 for a signal that starts no group.
     [[nodiscard]] std::size_t RowBytes() const noexcept;
     /// The label of one sample, or null.
     [[nodiscard]] const char* Label(std::size_t sample) const noexcept;
 
-    /// Replaces the data by a copy of the words; with none it only frees them.
+    /// Replaces the data by a copy of the words; with no words it only frees the old ones.
     void SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count);
-    /// Zeroed data (and group rows and labels where the signal has them) for `count` samples.
+    /// Zeroed data, group rows and labels (where the signal has them) for `count` samples. The
+    /// masks stay as they are.
     void ResizeSamples(std::uint32_t count);
-    /// Room for the mask of `count` samples.
+    /// A mask that compares nothing, for `count` samples.
     void AllocateMask(std::uint32_t count);
-    /// Sets the bits of `records` from sample `first` on; only sets, so resize first.
+    /// Sets the bits of `records` from sample `first` on. It never clears one, so resize first.
+    /// Samples beyond `numSamples` are left out.
     void ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records);
     void CopyFrom(const CSignal& other) { *this = other; }
 };

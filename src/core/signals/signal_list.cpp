@@ -1,32 +1,80 @@
 #include "signals/signal_list.h"
 
 #include "platform/text.h"
+#include "signals/signal_samples.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace busquill {
 
 namespace {
 
-bool IsPattern(std::uint32_t mode) noexcept {
+constexpr const char* timeName = "TIME";
+constexpr const char* anomalyName = "ANOMALY";
+
+bool IsPatternMode(std::uint32_t mode) noexcept {
     return mode == ModeEvents || mode == ModeStimulus;
 }
 
-/// A signal with the colour, radix and flags that a definition's signals begin with.
-CSignal Like(std::uint32_t color, std::int32_t radix, bool showValue) {
-    CSignal like;
-    like.color = color;
-    like.radix = radix;
-    like.showValue = showValue;
-    return like;
+/// The signal of one position of a bus definition, without samples.
+std::unique_ptr<CSignal> MakeSignal(const CBusSignalDef& def, std::int32_t position) {
+    auto signal = std::make_unique<CSignal>();
+    const std::int32_t width = def.Width();
+    signal->baseName = def.name;
+    signal->name = width == 1 ? def.name : Printf("%s[%d]", def.name.c_str(), position);
+    signal->bitIndex = width == 1 ? -1 : position;
+    signal->dataIndex = def.dataIndex + (def.bitReverse ? width - position - 1 : position);
+    signal->bitReverse = def.bitReverse;
+    signal->color = def.color;
+    return signal;
 }
 
-void SetUpSamples(CSignal& signal, std::uint32_t numSamples, std::uint32_t mode) {
-    // A whole number of words.
-    signal.ResizeSamples(static_cast<std::uint32_t>(WordsFor(numSamples) * 32));
-    if (IsPattern(mode)) {
+void GiveSamples(CSignal& signal, std::uint32_t numSamples, std::uint32_t mode) {
+    const std::size_t words = WordsFor(numSamples);
+    signal.data.assign(words, 0);
+    signal.numSamples = static_cast<std::uint32_t>(words * 32);
+    if (IsPatternMode(mode)) {
         signal.AllocateMask(numSamples);
     }
+}
+
+void MarkAsGroup(const CSignalList::Signals& members) {
+    for (const auto& member : members) {
+        member->grouped = true;
+    }
+    members.front()->groupAttribute |= GroupAttribute::Start;
+    members.back()->groupAttribute |= GroupAttribute::End;
+}
+
+/// Closes a run of indices of one bus that began at `start`: "7:4" or "4".
+std::string Run(std::int32_t last, std::int32_t start) {
+    return last == start ? Printf("%d", start) : Printf("%d:%d", last, start);
+}
+
+/// The row name of a group: runs of one bus as ranges, "C/BE[7:0],AD[31:0]".
+std::string GroupNameOf(std::span<const std::unique_ptr<CSignal>> members) {
+    const auto opening = [](const CSignal& member) {
+        return member.baseName + (member.bitIndex == -1 ? "" : "[");
+    };
+    std::string text = opening(*members.front());
+    std::int32_t start = members.front()->bitIndex;
+    for (std::size_t i = 1; i < members.size(); ++i) {
+        const CSignal& member = *members[i];
+        const std::int32_t previous = members[i - 1]->bitIndex;
+        if (member.baseName != members[i - 1]->baseName) {
+            text += (start == -1 ? "" : Run(previous, start) + "]") + "," + opening(member);
+            start = member.bitIndex;
+        } else if (member.bitIndex != previous + 1) {
+            text += Run(previous, start) + ",";
+            start = member.bitIndex;
+        }
+    }
+    if (start != -1) {
+        text += Run(members.back()->bitIndex, start) + "]";
+    }
+    return text;
 }
 
 } // namespace
@@ -37,64 +85,91 @@ std::size_t CSignalList::IndexOf(const CSignal* signal) const noexcept {
     return static_cast<std::size_t>(found - signals_.begin());
 }
 
-std::size_t CSignalList::GroupEnd(std::size_t start) const noexcept {
-    if (start >= signals_.size() || !signals_[start]->grouped) {
-        return std::min(start + 1, signals_.size());
+std::size_t CSignalList::MembersEnd(std::size_t first) const noexcept {
+    std::size_t end = first;
+    while (end < signals_.size()) {
+        if ((signals_[end++]->groupAttribute & GroupAttribute::End) != 0) {
+            break;
+        }
     }
-    std::size_t i = start;
-    while (i < signals_.size() && (signals_[i]->groupAttribute & GroupAttribute::End) == 0) {
-        ++i;
+    return end;
+}
+
+std::size_t CSignalList::GroupEnd(std::size_t index) const noexcept {
+    if (index >= signals_.size()) {
+        return signals_.size();
     }
-    return std::min(i + 1, signals_.size());
+    return signals_[index]->grouped ? MembersEnd(index) : index + 1;
+}
+
+std::span<const std::unique_ptr<CSignal>> CSignalList::Members(std::size_t first) const {
+    return {signals_.data() + first, MembersEnd(first) - first};
+}
+
+void CSignalList::Insert(const CSignal* before, Signals added) {
+    signals_.insert(signals_.begin() + static_cast<std::ptrdiff_t>(IndexOf(before)),
+                    std::move_iterator(added.begin()), std::move_iterator(added.end()));
 }
 
 void CSignalList::CopyFrom(const CSignalList& other) {
-    if (&other == this) {
-        return;
-    }
     mode = other.mode;
-    signals_.clear();
-    signals_.reserve(other.signals_.size());
+    Signals copies;
+    copies.reserve(other.Size());
     for (const auto& signal : other.signals_) {
-        signals_.push_back(std::make_unique<CSignal>(*signal));
+        copies.push_back(std::make_unique<CSignal>(*signal));
     }
+    signals_ = std::move(copies);
 }
 
 void CSignalList::RemoveAllSignals() {
     signals_.clear();
 }
 
-CSignal& CSignalList::Insert(const CSignal* before, std::unique_ptr<CSignal> signal) {
-    CSignal& added = *signal;
-    signals_.insert(signals_.begin() + static_cast<std::ptrdiff_t>(IndexOf(before)),
-                    std::move(signal));
-    return added;
-}
-
 void CSignalList::BuildFromTables(std::uint32_t numSamples, std::uint32_t forMode) {
     mode = forMode;
-    signals_.clear();
+    RemoveAllSignals();
     const SignalTables& tables = SignalTables::Current();
-    const BoardTraits board = tables.Board();
     for (const auto& def : tables.busSignals.Defs()) {
-        const std::uint32_t flags = def->FlagsFor(mode);
-        if ((flags & (flagShown | flagPermanent)) == 0) {
-            continue;
-        }
-        CSignal like = Like(def->color, Radix::Hex, def->Width() > 1);
-        like.permanent = (flags & flagPermanent) != 0;
-        like.hidden = like.permanent && (flags & flagShown) == 0;
-        AddBusSignals(nullptr, *def, def->firstPosition, def->lastPosition, like, numSamples);
+        AddDefaultBusSignals(*def, numSamples);
     }
+    const BoardTraits board = tables.Board();
     for (const auto& def : tables.decodedSignals.Defs()) {
-        const bool shown = (def->FlagsFor(mode) & flagShown) != 0 &&
-                           SignalTables::Applies(def->condition, board) &&
-                           !(mode == ModeStimulus && def->name == "ANOMALY");
-        const auto before = std::find_if(signals_.begin(), signals_.end(), [&](const auto& signal) {
-            return signal->groupName == def->insertBefore || signal->name == def->insertBefore;
-        });
-        if (shown && !def->insertBefore.empty() && before != signals_.end()) {
-            AddDecodedSignals(before->get(), def, Like(def->color, Radix::Hex, true), numSamples);
+        if (SignalTables::Applies(def->condition, board)) {
+            AddDefaultDecodedSignal(def, numSamples);
+        }
+    }
+}
+
+void CSignalList::AddDefaultBusSignals(const CBusSignalDef& def, std::uint32_t numSamples) {
+    const std::uint32_t flags = def.FlagsFor(mode);
+    const bool permanent = (flags & flagPermanent) != 0;
+    const bool shown = (flags & flagShown) != 0;
+    if (!shown && !permanent) {
+        return;
+    }
+    const std::size_t begin = signals_.size();
+    const std::int32_t radix = def.Width() > 1 && def.name == timeName ? Radix::Time : Radix::Hex;
+    AddBusSignal(nullptr, def, numSamples, 0, def.Width() - 1, def.color, Radix::Hex,
+                 def.Width() > 1);
+    for (std::size_t i = begin; i < signals_.size(); ++i) {
+        signals_[i]->permanent = permanent;
+        signals_[i]->hidden = permanent && !shown;
+    }
+    if (begin < signals_.size()) {
+        signals_[begin]->radix = radix;
+    }
+}
+
+void CSignalList::AddDefaultDecodedSignal(const std::shared_ptr<const CDecodedSignalDef>& def,
+                                          std::uint32_t numSamples) {
+    const bool shown = (def->FlagsFor(mode) & flagShown) != 0;
+    if (!shown || def->insertBefore.empty() || (mode == ModeStimulus && def->name == anomalyName)) {
+        return;
+    }
+    for (const auto& signal : signals_) {
+        if (signal->groupName == def->insertBefore || signal->name == def->insertBefore) {
+            AddDecodedSignal(signal.get(), def, numSamples, def->color, Radix::Hex, true);
+            return;
         }
     }
 }
@@ -102,143 +177,122 @@ void CSignalList::BuildFromTables(std::uint32_t numSamples, std::uint32_t forMod
 CSignal* CSignalList::AddSignal(const CSignal* before, const std::shared_ptr<const CSignalDef>& def,
                                 std::uint32_t numSamples, std::int32_t first, std::int32_t last,
                                 std::uint32_t color, std::int32_t radix, bool showValue) {
-    const CSignal like = Like(color, radix, showValue);
     if (auto decoded = std::dynamic_pointer_cast<const CDecodedSignalDef>(def)) {
-        return AddDecodedSignals(before, decoded, like, numSamples);
+        return AddDecodedSignal(before, decoded, numSamples, color, radix, showValue);
     }
-    const auto bus = std::dynamic_pointer_cast<const CBusSignalDef>(def);
-    return bus ? AddBusSignals(before, *bus, first, last, like, numSamples) : nullptr;
+    if (const auto* bus = dynamic_cast<const CBusSignalDef*>(def.get())) {
+        return AddBusSignal(before, *bus, numSamples, first, last, color, radix, showValue);
+    }
+    return nullptr;
 }
 
-CSignal* CSignalList::AddBusSignals(const CSignal* before, const CBusSignalDef& def,
-                                    std::int32_t first, std::int32_t last, const CSignal& like,
-                                    std::uint32_t numSamples) {
-    const bool group = last > first;
-    CSignal* head = nullptr;
-    for (std::int32_t p = first; p <= last; ++p) {
-        auto signal = std::make_unique<CSignal>(like);
-        signal->baseName = def.name;
-        signal->bitIndex = def.Width() == 1 ? -1 : p;
-        signal->name = def.Width() == 1 ? def.name : Printf("%s[%d]", def.name.c_str(), p);
-        signal->dataIndex = def.dataIndex + (def.bitReverse ? def.Width() - p - 1 : p);
-        signal->bitReverse = def.bitReverse;
-        signal->grouped = group;
-        SetUpSamples(*signal, numSamples, mode);
-        if (group && p == first) {
-            signal->groupAttribute = GroupAttribute::Start;
-            signal->radix = def.name == "TIME" ? std::int32_t{Radix::Time} : like.radix;
-        } else if (group && p == last) {
-            signal->groupAttribute = GroupAttribute::End;
-        }
-        CSignal& added = Insert(before, std::move(signal));
-        head = head == nullptr ? &added : head;
+CSignal* CSignalList::AddBusSignal(const CSignal* before, const CBusSignalDef& def,
+                                   std::uint32_t numSamples, std::int32_t first, std::int32_t last,
+                                   std::uint32_t color, std::int32_t radix, bool showValue) {
+    first = std::max(first, 0);
+    last = std::min(last, def.Width() - 1);
+    Signals added;
+    for (std::int32_t position = first; position <= last; ++position) {
+        auto signal = MakeSignal(def, position);
+        GiveSamples(*signal, numSamples, mode);
+        signal->color = color;
+        signal->radix = radix;
+        signal->showValue = showValue;
+        added.push_back(std::move(signal));
     }
-    if (group) {
-        BuildGroup(head);
+    if (added.empty()) {
+        return nullptr;
     }
-    return head;
+    CSignal* const result = added.front().get();
+    const bool isGroup = added.size() > 1;
+    if (isGroup) {
+        MarkAsGroup(added);
+    }
+    Insert(before, std::move(added));
+    if (isGroup) {
+        BuildGroup(result);
+    }
+    return result;
 }
 
-CSignal* CSignalList::AddDecodedSignals(const CSignal* before,
-                                        const std::shared_ptr<const CDecodedSignalDef>& def,
-                                        const CSignal& like, std::uint32_t numSamples) {
-    std::vector<CSignal*> added;
+CSignal* CSignalList::AddDecodedSignal(const CSignal* before,
+                                       const std::shared_ptr<const CDecodedSignalDef>& def,
+                                       std::uint32_t numSamples, std::uint32_t color,
+                                       std::int32_t radix, bool showValue) {
+    Signals added;
     for (const int position : def->Positions()) {
         const auto bus = SignalTables::Current().FindBusDefByDataIndex(position);
         if (!bus) {
             continue;
         }
-        auto signal = std::make_unique<CSignal>(like);
-        signal->baseName = bus->name;
-        signal->bitIndex = bus->Width() == 1 ? -1 : position - bus->dataIndex;
-        signal->name =
-            bus->Width() == 1 ? bus->name : Printf("%s[%d]", bus->name.c_str(), signal->bitIndex);
+        // The index counts from the definition's first bit, also on a bit-reversed bus.
+        auto signal = MakeSignal(*bus, position - bus->dataIndex);
+        signal->bitIndex = position - bus->dataIndex;
         signal->dataIndex = position;
-        SetUpSamples(*signal, numSamples, mode);
-        added.push_back(&Insert(before, std::move(signal)));
+        GiveSamples(*signal, numSamples, mode);
+        signal->color = color;
+        signal->radix = radix;
+        signal->showValue = showValue;
+        added.push_back(std::move(signal));
     }
     if (added.empty()) {
         return nullptr;
     }
-    CSignal& head = *added.front();
-    if (added.size() > 1) {
-        for (CSignal* member : added) {
-            member->grouped = true;
-        }
-        head.groupAttribute = GroupAttribute::Start;
-        added.back()->groupAttribute = GroupAttribute::End;
-        BuildGroup(&head);
-        head.groupAttribute |= GroupAttribute::NoUngroup;
-        head.groupName = def->name;
+    CSignal* const result = added.front().get();
+    const bool isGroup = added.size() > 1;
+    if (isGroup) {
+        MarkAsGroup(added);
+    }
+    Insert(before, std::move(added));
+    result->decoded = def;
+    if (isGroup) {
+        BuildGroup(result);
+        result->groupAttribute |= GroupAttribute::NoUngroup;
+        result->groupName = def->name;
     } else {
-        head.name = def->name;
+        result->name = def->name;
     }
-    head.decoded = def;
-    PrepareLabels(head);
-    LabelAll(head);
-    return &head;
-}
-
-// Contiguous runs of one bus come out as a range, the highest index first; a change of bus or a
-// gap begins a new run.
-static std::string GroupNameOf(std::span<const std::unique_ptr<CSignal>> members) {
-    const CSignal& head = *members.front();
-    std::string text = head.baseName + (head.bitIndex != -1 ? "[" : "");
-    std::int32_t start = head.bitIndex;
-    for (std::size_t i = 1; i < members.size(); ++i) {
-        const CSignal& member = *members[i];
-        const std::int32_t previous = members[i - 1]->bitIndex;
-        if (member.baseName != members[i - 1]->baseName) {
-            if (start == -1) {
-                text += ",";
-            } else if (start != previous) {
-                text += Printf("%d:%d],", previous, start);
-            } else {
-                text += Printf("%d],", start);
-            }
-            text += member.baseName + (member.bitIndex != -1 ? "[" : "");
-            start = member.bitIndex;
-        } else if (member.bitIndex != previous + 1) {
-            text += start == previous ? Printf("%d,", start) : Printf("%d:%d,", previous, start);
-            start = member.bitIndex;
-        }
-    }
-    if (start != -1) {
-        const std::int32_t last = members.back()->bitIndex;
-        text += last == start ? Printf("%d]", last) : Printf("%d:%d]", last, start);
-    }
-    return text;
+    Decode(*result);
+    return result;
 }
 
 void CSignalList::BuildGroup(CSignal* first) {
-    const std::size_t start = IndexOf(first);
-    if (start == signals_.size()) {
-        return;
+    const std::size_t index = IndexOf(first);
+    if (index < signals_.size()) {
+        BuildGroupAt(index);
     }
-    const std::size_t end = GroupEnd(start);
-    const std::span members(signals_.data() + start, end - start);
-    const std::uint32_t count = members.back()->numSamples;
+}
 
-    first->groupWidth = static_cast<std::uint32_t>(members.size());
-    first->groupName = GroupNameOf(members);
-    first->groupData.assign(first->RowBytes() * count, 0);
+void CSignalList::BuildGroupAt(std::size_t first) {
+    const auto members = Members(first);
+    CSignal& start = *members.front();
+    const std::uint32_t numSamples = members.back()->numSamples;
     const bool masked = std::all_of(members.begin(), members.end(),
                                     [](const auto& member) { return !member->mask.empty(); });
-    first->groupMask.assign(masked ? first->groupData.size() : 0, 0);
-    RebuildRows(start, 0, count);
+    start.groupWidth = static_cast<std::uint32_t>(members.size());
+    start.groupName = GroupNameOf(members);
+    start.groupData.assign(start.RowBytes() * numSamples, 0);
+    start.groupMask.assign(masked ? start.groupData.size() : 0, 0);
+    PackGroupRows(members, 0, WordsFor(numSamples));
 }
 
 void CSignalList::RebuildAfterRead() {
-    for (const auto& signal : signals_) {
-        if (signal->IsGroupStart()) {
-            BuildGroup(signal.get());
+    std::size_t rowBytes = 0;
+    for (std::size_t i = 0; i < signals_.size(); ++i) {
+        if (!signals_[i]->IsGroupStart()) {
+            continue;
         }
+        const std::size_t bytes = (Members(i).size() - 1) / 8 + 1;
+        if (rowBytes + bytes > maxFileRowBytes) {
+            break;
+        }
+        rowBytes += bytes;
+        BuildGroupAt(i);
     }
     for (const auto& signal : signals_) {
         if (signal->decoded) {
             (signal->grouped ? signal->groupName : signal->name) = signal->decoded->name;
-            PrepareLabels(*signal);
-            LabelAll(*signal);
+            Decode(*signal);
         }
     }
 }

@@ -15,11 +15,30 @@ class TextReader;
 class TextWriter;
 
 /// Signals in the order in which they are shown and filed. The list owns them.
+///
+/// A group is a run of neighbours from a Start member to the next End member; a group that has
+/// lost its End runs to the end of the list. Belongs to no thread; its owner guards it.
 class CSignalList {
 public:
     using Signals = std::vector<std::unique_ptr<CSignal>>;
 
+    /// What a file may bring. Files hold at most 32 samples of a signal and some hundreds of
+    /// signals, but they announce any number. A signal gets the samples that it announces, up to
+    /// `maxFileSamples` and to what its lines hold (one line's worth where it has none); a list
+    /// takes `maxFileSignals` signals and makes group rows while a sample's rows together take
+    /// `maxFileRowBytes` bytes, since groups without an end overlap.
+    static constexpr std::size_t maxFileSignals = 2048;
+    static constexpr std::uint32_t maxFileSamples = 256;
+    static constexpr std::size_t maxFileRowBytes = 1024;
+
     std::uint32_t mode = ModeState;
+
+    CSignalList() = default;
+    CSignalList(const CSignalList&) = delete; // CopyFrom says it where it is wanted
+    CSignalList& operator=(const CSignalList&) = delete;
+    CSignalList(CSignalList&&) noexcept = default;
+    CSignalList& operator=(CSignalList&&) noexcept = default;
+    ~CSignalList() = default;
 
     [[nodiscard]] const Signals& All() const noexcept { return signals_; }
     [[nodiscard]] std::size_t Size() const noexcept { return signals_.size(); }
@@ -27,24 +46,33 @@ public:
     [[nodiscard]] CSignal& operator[](std::size_t index) const { return *signals_[index]; }
     /// The place of a signal in the list; the list's size when it is not there.
     [[nodiscard]] std::size_t IndexOf(const CSignal* signal) const noexcept;
+    /// One past the last member of the group that starts at `index`, or of the rest of the group
+    /// when it lies inside; `index + 1` for a signal without a group.
+    [[nodiscard]] std::size_t GroupEnd(std::size_t index) const noexcept;
 
     void CopyFrom(const CSignalList& other);
     void RemoveAllSignals();
-    /// Fills the list with the default signals of a mode from the tables at hand.
+    /// Fills the list with the default signals of a mode from the tables at hand. The signals get
+    /// whole words of samples: a list built with 5 samples has 32.
     void BuildFromTables(std::uint32_t numSamples, std::uint32_t forMode);
     /// Adds the signals of one definition before `before`, or at the tail when it is null;
     /// `first` to `last` are the positions of a bus definition. The first signal added, or null.
     CSignal* AddSignal(const CSignal* before, const std::shared_ptr<const CSignalDef>& def,
                        std::uint32_t numSamples, std::int32_t first, std::int32_t last,
                        std::uint32_t color, std::int32_t radix, bool showValue);
+    /// Makes the packed rows and the name of the group that starts at `first`.
     void BuildGroup(CSignal* first);
+    /// Makes all that files do not hold: group rows, names of decoded signals, labels.
     void RebuildAfterRead();
     void SetGroupSelected(CSignal* first, bool flag);
     void UngroupSelected();
+    /// Makes one group of the selected signals, where the first of them stands.
     void CollapseSelected();
     void DeleteSelected();
+    /// Deletes a signal with its group.
     void RemoveGroup(const CSignal* first);
     CSignal* InsertBlank(const CSignal* before);
+    /// Colours the selected signals, and their definitions in the tables and colour files.
     void SetSelectedColor(std::uint32_t color);
     /// Moves a signal with its group; `target` null moves it to the tail.
     void MoveGroup(CSignal* group, CSignal* target);
@@ -53,37 +81,54 @@ public:
     void ResizeSamples(std::uint32_t count);
     /// Unpacks records into every signal, its group rows and labels, from sample `first` on.
     void LoadSamples(std::uint32_t first, std::span<const SampleRecord> records);
-    /// The same for one signal or group, resized first.
+    /// The same for one signal or group, which is emptied first and sized to hold the records and
+    /// the samples that it had room for.
     void LoadSignal(CSignal* signal, std::uint32_t first, std::span<const SampleRecord> records);
+    /// Packs the rows of every group anew from its members, by whole words of samples.
     void RebuildGroupRows(std::uint32_t first, std::uint32_t count);
+    /// Looks up the labels of every decoded signal anew.
     void RebuildLabels(std::uint32_t first, std::uint32_t count);
 
+    /// Writes the changed rows of a group back to every signal that looks at one of its bits. The
+    /// bits follow the first member's, upward, or downward for a bit-reversed bus.
     void UnpackGroup(CSignal* group);
+    /// The same for a decoded group, at the positions of its definition.
     void UnpackDecoded(CSignal* signal);
+    /// Writes a value of the decoded definition (the last one for an index past the end) into one
+    /// column of every signal that looks at one of its bits.
     void ApplyDecodedValue(CSignal* signal, std::uint32_t sample, std::size_t valueIndex);
+    /// Copies the bit of one column to every other signal that looks at it.
     void SpreadBit(const CSignal* signal, std::uint32_t sample);
 
+    /// Writes the header row and a record for each signal; `withData` with sample bits and masks.
     void WriteSignals(TextWriter& file, bool withData) const;
-    /// Creates a signal from one record and adds it at the tail. May read data and mask lines. A
-    /// signal keeps no more samples than its lines bring, whatever number the record announces.
+    /// Creates a signal from one record and adds it at the tail. May read data and mask lines.
     void ReadSignal(const std::vector<std::string>& tokens, TextReader& file);
 
 private:
-    CSignal& Insert(const CSignal* before, std::unique_ptr<CSignal> signal);
-    CSignal* AddBusSignals(const CSignal* before, const CBusSignalDef& def, std::int32_t first,
-                           std::int32_t last, const CSignal& like, std::uint32_t numSamples);
-    CSignal* AddDecodedSignals(const CSignal* before,
-                               const std::shared_ptr<const CDecodedSignalDef>& def,
-                               const CSignal& like, std::uint32_t numSamples);
-    /// The place behind the last member of the group that starts at a place, or behind the signal.
-    [[nodiscard]] std::size_t GroupEnd(std::size_t start) const noexcept;
-    void RebuildRows(std::size_t start, std::uint32_t first, std::uint32_t count);
-    void PrepareLabels(CSignal& signal) const;
-    /// Labels of samples `first` on; `keepAny` also tries values that compare no bit at all.
-    void LabelSamples(CSignal& signal, std::uint32_t first, std::uint32_t count,
-                      bool keepAny) const;
-    void LabelAll(CSignal& signal) const;
-    void Unpack(CSignal* group, std::span<const int> dataIndexes);
+    /// One past the members from `first` to the next End, whether they are marked as grouped or
+    /// not.
+    [[nodiscard]] std::size_t MembersEnd(std::size_t first) const noexcept;
+    [[nodiscard]] std::span<const std::unique_ptr<CSignal>> Members(std::size_t first) const;
+    /// Puts signals before `before`, or at the tail when it is null or not of this list.
+    void Insert(const CSignal* before, Signals added);
+    CSignal* AddBusSignal(const CSignal* before, const CBusSignalDef& def, std::uint32_t numSamples,
+                          std::int32_t first, std::int32_t last, std::uint32_t color,
+                          std::int32_t radix, bool showValue);
+    CSignal* AddDecodedSignal(const CSignal* before,
+                              const std::shared_ptr<const CDecodedSignalDef>& def,
+                              std::uint32_t numSamples, std::uint32_t color, std::int32_t radix,
+                              bool showValue);
+    void AddDefaultBusSignals(const CBusSignalDef& def, std::uint32_t numSamples);
+    void AddDefaultDecodedSignal(const std::shared_ptr<const CDecodedSignalDef>& def,
+                                 std::uint32_t numSamples);
+    void BuildGroupAt(std::size_t first);
+    /// Labels of all samples of a signal whose definition is new to it.
+    void Decode(CSignal& signal) const;
+    void LoadRange(std::size_t begin, std::size_t end, std::uint32_t first,
+                   std::span<const SampleRecord> records);
+    void LabelRange(std::size_t begin, std::size_t end, std::size_t first, std::size_t count);
+    void UnpackRows(const CSignal& group, const std::vector<int>& dataIndexes);
 
     Signals signals_;
 };

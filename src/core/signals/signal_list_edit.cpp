@@ -1,13 +1,25 @@
 #include "signals/signal_list.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
+#include <utility>
 
 namespace busquill {
 
+namespace {
+
+void FreeGroupRows(CSignal& signal) {
+    signal.groupData = {};
+    signal.groupMask = {};
+    signal.groupWidth = 0;
+}
+
+} // namespace
+
 void CSignalList::SetGroupSelected(CSignal* first, bool flag) {
-    const std::size_t start = IndexOf(first);
-    for (std::size_t i = start; i < GroupEnd(start); ++i) {
+    const std::size_t index = IndexOf(first);
+    for (std::size_t i = index; i < GroupEnd(index); ++i) {
         signals_[i]->selected = flag;
     }
 }
@@ -17,10 +29,8 @@ void CSignalList::UngroupSelected() {
         if (signal->selected && signal->grouped) {
             signal->grouped = false;
             signal->groupAttribute = 0;
-            signal->groupData.clear();
-            signal->groupMask.clear();
-            signal->groupWidth = 0;
             signal->showValue = false;
+            FreeGroupRows(*signal);
         }
     }
 }
@@ -31,18 +41,17 @@ void CSignalList::CollapseSelected() {
     if (first == signals_.end()) {
         return;
     }
-    // The selected ones close up behind the first; the others keep their order behind them.
+    // The later ones move up to the first, past the unselected signals that stand between.
     const auto end = std::stable_partition(first, signals_.end(), isSelected);
     for (auto member = first; member != end; ++member) {
         (*member)->grouped = true;
         (*member)->groupAttribute = 0;
-        (*member)->groupData.clear();
-        (*member)->groupMask.clear();
+        FreeGroupRows(**member);
     }
     (*first)->groupAttribute |= GroupAttribute::Start;
-    (*(end - 1))->groupAttribute |= GroupAttribute::End;
-    BuildGroup(first->get());
+    (*std::prev(end))->groupAttribute |= GroupAttribute::End;
     (*first)->showValue = true;
+    BuildGroupAt(static_cast<std::size_t>(first - signals_.begin()));
 }
 
 void CSignalList::DeleteSelected() {
@@ -50,52 +59,56 @@ void CSignalList::DeleteSelected() {
 }
 
 void CSignalList::RemoveGroup(const CSignal* first) {
-    const std::size_t start = IndexOf(first);
-    signals_.erase(signals_.begin() + static_cast<std::ptrdiff_t>(start),
-                   signals_.begin() + static_cast<std::ptrdiff_t>(GroupEnd(start)));
+    const std::size_t index = IndexOf(first);
+    signals_.erase(signals_.begin() + static_cast<std::ptrdiff_t>(index),
+                   signals_.begin() + static_cast<std::ptrdiff_t>(GroupEnd(index)));
 }
 
 CSignal* CSignalList::InsertBlank(const CSignal* before) {
-    return &Insert(before, std::make_unique<CSignal>());
+    Signals added;
+    added.push_back(std::make_unique<CSignal>());
+    CSignal* const blank = added.front().get();
+    Insert(before, std::move(added));
+    return blank;
 }
 
 void CSignalList::SetSelectedColor(std::uint32_t color) {
-    SignalTables& tables = SignalTables::Current();
-    std::set<std::string> stored; // a bus has many signals of one name, and each store is a file
+    std::set<std::string> busNames;
+    std::set<std::string> decodedNames;
     for (const auto& signal : signals_) {
-        if (!signal->selected) {
-            continue;
+        if (signal->selected) {
+            signal->color = color;
+            if (signal->decoded) {
+                decodedNames.insert(signal->decoded->name);
+            } else {
+                busNames.insert(signal->baseName);
+            }
         }
-        signal->color = color;
-        if (signal->decoded) {
-            tables.decodedSignals.SetColor(signal->decoded->name, color);
-        } else if (stored.insert(signal->baseName).second) {
-            tables.busSignals.SetColor(signal->baseName, color);
-        }
+    }
+    // Each name once: a colour writes the whole colour file, and a bus has one name for all bits.
+    for (const std::string& name : decodedNames) {
+        SignalTables::Current().decodedSignals.SetColor(name, color);
+    }
+    for (const std::string& name : busNames) {
+        SignalTables::Current().busSignals.SetColor(name, color);
     }
 }
 
 void CSignalList::MoveGroup(CSignal* group, CSignal* target) {
     const std::size_t from = IndexOf(group);
     const std::size_t fromEnd = GroupEnd(from);
-    if (from == signals_.size()) {
+    const std::size_t place = target == nullptr ? signals_.size() : IndexOf(target);
+    const bool isTail = target == nullptr;
+    if (from == signals_.size() || (!isTail && place == signals_.size()) || place == from) {
         return;
     }
-    const auto at = [&](std::size_t i) {
-        return signals_.begin() + static_cast<std::ptrdiff_t>(i);
+    const auto at = [this](std::size_t index) {
+        return signals_.begin() + static_cast<std::ptrdiff_t>(index);
     };
-    if (target == nullptr) {
-        std::rotate(at(from), at(fromEnd), signals_.end());
-        return;
-    }
-    const std::size_t to = IndexOf(target);
-    if (to == signals_.size() || (to >= from && to < fromEnd)) {
-        return;
-    }
-    if (to > from) {
-        std::rotate(at(from), at(fromEnd), at(GroupEnd(to)));
-    } else {
-        std::rotate(at(to), at(from), at(fromEnd));
+    if (place < from) {
+        std::rotate(at(place), at(from), at(fromEnd));
+    } else if (const std::size_t end = isTail ? place : GroupEnd(place); end > fromEnd) {
+        std::rotate(at(from), at(fromEnd), at(end));
     }
 }
 

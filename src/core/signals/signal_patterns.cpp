@@ -1,3 +1,5 @@
+/// Writing patterns: what is changed in one row of a pattern table shows in every row over the same
+/// bits.
 #include "signals/signal_list.h"
 
 #include <algorithm>
@@ -6,62 +8,69 @@ namespace busquill {
 
 namespace {
 
+constexpr std::size_t wordBits = 32;
+
 void SetBit(std::vector<std::uint32_t>& words, std::size_t sample, bool value) {
-    if (sample / 32 >= words.size()) {
+    if (sample / wordBits >= words.size()) {
         return;
     }
-    const std::uint32_t bit = 1U << (sample % 32);
-    words[sample / 32] = value ? words[sample / 32] | bit : words[sample / 32] & ~bit;
+    const std::uint32_t bit = 1U << (sample % wordBits);
+    words[sample / wordBits] = (words[sample / wordBits] & ~bit) | (value ? bit : 0);
 }
 
-bool BitOf(const std::vector<std::uint32_t>& words, std::size_t sample) {
-    return sample / 32 < words.size() && (words[sample / 32] >> (sample % 32) & 1) != 0;
+/// Replaces words by bit `k` of the packed rows.
+void TakeColumn(std::vector<std::uint32_t>& words, const std::vector<std::uint8_t>& rows,
+                std::size_t rowBytes, std::size_t k) {
+    std::fill(words.begin(), words.end(), 0);
+    for (std::size_t sample = 0; sample < rows.size() / rowBytes; ++sample) {
+        SetBit(words, sample, ((rows[sample * rowBytes + k / 8] >> (k % 8)) & 1) != 0);
+    }
 }
 
 } // namespace
 
+void CSignalList::UnpackRows(const CSignal& group, const std::vector<int>& dataIndexes) {
+    if (group.groupData.empty()) {
+        return;
+    }
+    const std::size_t count = std::min<std::size_t>(dataIndexes.size(), group.groupWidth);
+    for (std::size_t k = 0; k < count; ++k) {
+        for (const auto& signal : signals_) {
+            // A blank row looks at no bit.
+            if (dataIndexes[k] < 0 || signal->dataIndex != dataIndexes[k]) {
+                continue;
+            }
+            TakeColumn(signal->data, group.groupData, group.RowBytes(), k);
+            if (!group.groupMask.empty()) {
+                TakeColumn(signal->mask, group.groupMask, group.RowBytes(), k);
+            }
+        }
+    }
+    std::uint32_t numSamples = 0;
+    for (const auto& signal : signals_) {
+        numSamples = std::max(numSamples, signal->numSamples);
+    }
+    RebuildGroupRows(0, numSamples);
+    RebuildLabels(0, numSamples);
+}
+
 void CSignalList::UnpackGroup(CSignal* group) {
+    if (group->dataIndex < 0) {
+        return;
+    }
     std::vector<int> dataIndexes;
     for (std::uint32_t k = 0; k < group->groupWidth; ++k) {
-        const auto step = static_cast<int>(k);
-        dataIndexes.push_back(group->dataIndex + (group->bitReverse ? -step : step));
+        const auto offset = static_cast<int>(k);
+        dataIndexes.push_back(group->bitReverse ? group->dataIndex - offset
+                                                : group->dataIndex + offset);
     }
-    Unpack(group, dataIndexes);
+    UnpackRows(*group, dataIndexes);
 }
 
 void CSignalList::UnpackDecoded(CSignal* signal) {
     if (signal->decoded) {
-        Unpack(signal, signal->decoded->Positions());
+        UnpackRows(*signal, signal->decoded->Positions());
     }
-}
-
-// Goes to every signal with the data index, in and outside the group: two rows over the same bit
-// stay the same.
-void CSignalList::Unpack(CSignal* group, std::span<const int> dataIndexes) {
-    const std::size_t rowBytes = group->RowBytes();
-    if (rowBytes == 0) {
-        return;
-    }
-    const auto unpackInto = [&](const std::vector<std::uint8_t>& rows, CSignal& signal,
-                                std::vector<std::uint32_t>& words, std::size_t k) {
-        std::fill(words.begin(), words.end(), 0);
-        for (std::size_t s = 0; (s + 1) * rowBytes <= rows.size() && s < signal.numSamples; ++s) {
-            SetBit(words, s, (rows[s * rowBytes + k / 8] >> (k % 8) & 1) != 0);
-        }
-    };
-    for (std::size_t k = 0; k < std::min<std::size_t>(dataIndexes.size(), group->groupWidth); ++k) {
-        for (const auto& signal : signals_) {
-            if (signal->dataIndex < 0 || signal->dataIndex != dataIndexes[k]) {
-                continue;
-            }
-            unpackInto(group->groupData, *signal, signal->data, k);
-            if (!group->groupMask.empty()) {
-                unpackInto(group->groupMask, *signal, signal->mask, k);
-            }
-        }
-    }
-    RebuildGroupRows(0, group->numSamples);
-    RebuildLabels(0, group->numSamples);
 }
 
 void CSignalList::ApplyDecodedValue(CSignal* signal, std::uint32_t sample, std::size_t valueIndex) {
@@ -69,15 +78,15 @@ void CSignalList::ApplyDecodedValue(CSignal* signal, std::uint32_t sample, std::
         return;
     }
     const auto& values = signal->decoded->values;
-    const CDecodedValue& value = values[std::min(valueIndex, values.size() - 1)];
-    for (const auto& target : signals_) {
-        if (target->dataIndex < 0 || target->dataIndex >= patternPositions) {
+    const auto& pattern = values[std::min(valueIndex, values.size() - 1)].pattern;
+    for (const auto& each : signals_) {
+        if (each->dataIndex < 0 || each->dataIndex >= patternPositions) {
             continue;
         }
-        const std::uint8_t code = value.pattern[static_cast<std::size_t>(target->dataIndex)];
+        const std::uint8_t code = pattern[static_cast<std::size_t>(each->dataIndex)];
         if (code != CodeUnused) {
-            SetBit(target->data, sample, code == CodeOne);
-            SetBit(target->mask, sample, code != CodeAny);
+            SetBit(each->data, sample, code == CodeOne);
+            SetBit(each->mask, sample, code != CodeAny);
         }
     }
     RebuildGroupRows(sample, 1);
@@ -85,16 +94,12 @@ void CSignalList::ApplyDecodedValue(CSignal* signal, std::uint32_t sample, std::
 }
 
 void CSignalList::SpreadBit(const CSignal* signal, std::uint32_t sample) {
-    if (signal->dataIndex < 0) {
-        return;
-    }
-    const bool value = BitOf(signal->data, sample);
-    const bool compared = BitOf(signal->mask, sample);
-    for (const auto& target : signals_) {
-        if (target.get() != signal && target->dataIndex == signal->dataIndex) {
-            SetBit(target->data, sample, value);
-            SetBit(target->mask, sample, compared);
+    for (const auto& each : signals_) {
+        if (each.get() == signal || signal->dataIndex < 0 || each->dataIndex != signal->dataIndex) {
+            continue;
         }
+        SetBit(each->data, sample, signal->Bit(sample));
+        SetBit(each->mask, sample, signal->MaskBit(sample));
     }
     RebuildGroupRows(sample, 1);
     RebuildLabels(sample, 1);

@@ -1,102 +1,199 @@
-#include "signals/bit_matrix.h"
+/// Records come one sample at a time, signals keep one bit of many samples to a word. So records
+/// are turned by blocks of 32 into a word for each bit of the record, once for all signals that
+/// look at it, and signals take whole words.
+#include "signals/signal_samples.h"
+
 #include "signals/signal_list.h"
 
 #include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
 
 namespace busquill {
 
 namespace {
 
-constexpr std::uint32_t lookupBits = 8;
+constexpr std::size_t wordBits = 32;
+constexpr std::size_t recordBytes = sizeof(SampleRecord);
+/// Words of each record bit that are turned at a time: a cache line of every signal's data.
+constexpr std::size_t tileWords = 16;
 
-/// Packs the members' words of one chunk into rows: bit k of a row is member k.
-template <class WordOf>
-void PackRows(std::size_t members, std::uint32_t rows, std::uint8_t* out, std::size_t rowBytes,
-              WordOf wordOf) {
-    for (std::size_t byte = 0; byte < rowBytes; ++byte) {
-        const std::size_t count = std::min<std::size_t>(8, members - byte * 8);
-        std::array<std::uint32_t, 8> words{};
-        for (std::size_t k = 0; k < count; ++k) {
-            words[k] = wordOf(byte * 8 + k);
+using Tile = std::array<std::array<std::uint32_t, tileWords>, SampleRecord::bitCount>;
+
+/// Turns an 8 by 8 matrix of bits over its diagonal: bit j of byte i becomes bit i of byte j.
+constexpr std::uint64_t Transpose8(std::uint64_t x) noexcept {
+    std::uint64_t t = (x ^ (x >> 7)) & 0x00AA00AA00AA00AAU;
+    x ^= t ^ (t << 7);
+    t = (x ^ (x >> 14)) & 0x0000CCCC0000CCCCU;
+    x ^= t ^ (t << 14);
+    t = (x ^ (x >> 28)) & 0x00000000F0F0F0F0U;
+    return x ^ t ^ (t << 28);
+}
+static_assert(Transpose8(0xFF) == 0x0101010101010101U);
+static_assert(Transpose8(0x8000000000000000U) == 0x8000000000000000U);
+static_assert(Transpose8(0x80) == 0x0100000000000000U);
+
+/// Turns 32 records into word `word` of the tile.
+void TurnBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
+    for (std::size_t byte = 0; byte < recordBytes; ++byte) {
+        std::array<std::uint32_t, 8> bits{};
+        for (std::size_t part = 0; part < 4; ++part) {
+            std::uint64_t x = 0;
+            for (std::size_t i = 0; i < 8; ++i) {
+                x |= std::uint64_t{block[part * 8 + i].bytes[byte]} << (8 * i);
+            }
+            x = Transpose8(x);
+            for (std::size_t bit = 0; bit < 8; ++bit) {
+                bits[bit] |= static_cast<std::uint32_t>((x >> (8 * bit)) & 0xFF) << (8 * part);
+            }
         }
-        for (std::uint32_t eight = 0; eight * 8 < rows; ++eight) {
-            std::uint64_t bits = 0;
-            for (std::size_t k = 0; k < count; ++k) {
-                bits |= std::uint64_t{words[k] >> (8 * eight) & 0xFF} << (8 * k);
-            }
-            bits = Transpose8(bits);
-            const std::uint32_t last = std::min<std::uint32_t>(8, rows - eight * 8);
-            for (std::uint32_t r = 0; r < last; ++r) {
-                out[(eight * 8 + r) * rowBytes + byte] = static_cast<std::uint8_t>(bits >> (8 * r));
-            }
+        for (std::size_t bit = 0; bit < 8; ++bit) {
+            tile[byte * 8 + bit][word] = bits[bit];
         }
     }
 }
 
-std::uint32_t WordAt(const std::vector<std::uint32_t>& words, std::size_t index) {
-    return index < words.size() ? words[index] : 0;
-}
+/// A run of records that lies anywhere in the samples.
+struct Run {
+    std::size_t first = 0;
+    std::span<const SampleRecord> records;
 
-bool RowBit(std::span<const std::uint8_t> row, std::size_t bit) noexcept {
-    return (row[bit / 8] >> (bit % 8) & 1) != 0;
-}
+    [[nodiscard]] std::size_t End() const noexcept { return first + records.size(); }
+};
 
-/// Whether a packed row, and its mask where there is one, fit a value's pattern.
-bool Fits(const CDecodedValue& value, std::span<const std::uint8_t> row,
-          std::span<const std::uint8_t> mask) noexcept {
-    std::size_t k = 0;
-    for (const std::uint8_t code : value.pattern) {
-        if (code == CodeUnused) {
+/// Turns the records whose samples lie in the words `firstWord` to `endWord - 1`. Samples outside
+/// the run are 0.
+void TurnTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& tile) {
+    for (std::size_t word = firstWord; word < endWord; ++word) {
+        const std::size_t begin = word * wordBits;
+        if (begin >= run.first && begin + wordBits <= run.End()) {
+            TurnBlock(&run.records[begin - run.first], tile, word - firstWord);
             continue;
         }
-        if (k / 8 >= row.size()) {
+        std::array<SampleRecord, wordBits> block{};
+        const std::size_t from = std::max(begin, run.first);
+        const std::size_t to = std::min(begin + wordBits, run.End());
+        std::copy_n(run.records.begin() + static_cast<std::ptrdiff_t>(from - run.first), to - from,
+                    block.begin() + static_cast<std::ptrdiff_t>(from - begin));
+        TurnBlock(block.data(), tile, word - firstWord);
+    }
+}
+
+bool HasBit(const CSignal& signal) noexcept {
+    return signal.dataIndex >= 0 && signal.dataIndex < SampleRecord::bitCount;
+}
+
+/// Samples for which a signal has room.
+std::size_t RoomOf(const CSignal& signal) noexcept {
+    return std::min<std::size_t>(signal.numSamples, signal.data.size() * wordBits);
+}
+
+/// Sets a signal's bits in the words `firstWord` to `endWord - 1`.
+void TakeWords(CSignal& signal, const Tile& tile, std::size_t firstWord, std::size_t endWord) {
+    const std::size_t room = RoomOf(signal);
+    if (!HasBit(signal) || room <= firstWord * wordBits) {
+        return;
+    }
+    const auto& words = tile[static_cast<std::size_t>(signal.dataIndex)];
+    const std::size_t whole = std::min(endWord, room / wordBits);
+    for (std::size_t word = firstWord; word < whole; ++word) {
+        signal.data[word] |= words[word - firstWord];
+    }
+    if (whole < endWord && room % wordBits != 0) {
+        signal.data[whole] |= words[whole - firstWord] & ((1U << (room % wordBits)) - 1);
+    }
+}
+
+/// Whether the group's rows are a piece of the record: its members look at neighbouring bits in
+/// ascending order, and data and rows have the same room.
+bool LiesInRecord(std::span<const std::unique_ptr<CSignal>> members) {
+    const CSignal& start = *members.front();
+    if (start.groupWidth != members.size() ||
+        start.groupData.size() != start.RowBytes() * start.numSamples) {
+        return false;
+    }
+    for (std::size_t k = 0; k < members.size(); ++k) {
+        const CSignal& member = *members[k];
+        if (!HasBit(member) || member.dataIndex != start.dataIndex + static_cast<std::int32_t>(k) ||
+            member.numSamples != start.numSamples ||
+            member.data.size() != WordsFor(member.numSamples)) {
             return false;
         }
-        const bool compared = mask.empty() || RowBit(mask, k);
-        if (code == CodeAny) {
-            if (!mask.empty() && compared) {
-                return false;
-            }
-        } else if (!compared || RowBit(row, k) != (code == CodeOne)) {
-            return false;
-        }
-        ++k;
     }
     return true;
 }
 
-bool Compares(const CDecodedValue& value) noexcept {
-    return std::any_of(value.pattern.begin(), value.pattern.end(),
-                       [](std::uint8_t code) { return code == CodeZero || code == CodeOne; });
-}
-
-/// 1 + the place of the first value that fits, 0 for none.
-std::uint8_t FindLabel(const CDecodedSignalDef& def, std::uint32_t mode,
-                       std::span<const std::uint8_t> row, std::span<const std::uint8_t> mask,
-                       bool keepAny) {
-    for (std::size_t i = 0; i < def.values.size(); ++i) {
-        const CDecodedValue& value = def.values[i];
-        const bool tried =
-            (value.skipModes & mode) == 0 && (keepAny || !mask.empty() || Compares(value));
-        if (tried && Fits(value, row, mask)) {
-            return static_cast<std::uint8_t>(i + 1);
+/// Sets the bits of the rows of such a group for the samples `begin` to `end - 1`.
+void CopyRows(CSignal& start, const Run& run, std::size_t begin, std::size_t end) {
+    const auto byte = static_cast<std::size_t>(start.dataIndex) / 8;
+    const int shift = start.dataIndex % 8;
+    const std::size_t rowBytes = start.RowBytes();
+    const unsigned unused = static_cast<unsigned>(rowBytes * 8) - start.groupWidth;
+    const auto lastMask = static_cast<std::uint8_t>(0xFFU >> unused);
+    end = std::min({end, run.End(), std::size_t{start.numSamples}});
+    for (std::size_t sample = std::max(begin, run.first); sample < end; ++sample) {
+        const auto& bytes = run.records[sample - run.first].bytes;
+        std::uint8_t* const row = &start.groupData[sample * rowBytes];
+        for (std::size_t j = 0; j < rowBytes; ++j) {
+            unsigned bits = unsigned{bytes[byte + j]} >> shift;
+            if (shift != 0 && byte + j + 1 < recordBytes) {
+                bits |= unsigned{bytes[byte + j + 1]} << (8 - shift);
+            }
+            row[j] |= static_cast<std::uint8_t>(j + 1 == rowBytes ? bits & lastMask : bits);
         }
     }
-    return 0;
 }
 
-/// The last value that has the code anywhere, as for FindLabel.
-std::uint8_t LastWithCode(const CDecodedSignalDef& def, std::uint8_t code) {
-    for (std::size_t i = def.values.size(); i-- > 0;) {
-        const auto& pattern = def.values[i].pattern;
-        if (std::find(pattern.begin(), pattern.end(), code) != pattern.end()) {
-            return static_cast<std::uint8_t>(i + 1);
+struct GroupToLoad {
+    std::span<const std::unique_ptr<CSignal>> members;
+    bool liesInRecord = false;
+};
+
+using Words = std::vector<std::uint32_t> CSignal::*;
+
+/// Packs one byte of the rows of 32 samples from up to eight members.
+void PackByte(std::span<const std::unique_ptr<CSignal>> members, Words words, std::size_t word,
+              std::span<std::uint8_t> rows, std::size_t rowBytes) {
+    for (std::size_t part = 0; part < 4; ++part) {
+        std::uint64_t x = 0;
+        for (std::size_t i = 0; i < members.size(); ++i) {
+            const auto& source = (*members[i]).*words;
+            if (word < source.size()) {
+                x |= std::uint64_t{(source[word] >> (8 * part)) & 0xFF} << (8 * i);
+            }
+        }
+        x = Transpose8(x);
+        for (std::size_t i = 0; i < 8 && (part * 8 + i) * rowBytes < rows.size(); ++i) {
+            rows[(part * 8 + i) * rowBytes] = static_cast<std::uint8_t>(x >> (8 * i));
         }
     }
-    return 0;
+}
+
+void PackRows(std::span<const std::unique_ptr<CSignal>> members, Words words,
+              std::vector<std::uint8_t>& rows, std::size_t firstWord, std::size_t endWord) {
+    const std::size_t rowBytes = members.front()->RowBytes();
+    members = members.first(std::min<std::size_t>(members.size(), members.front()->groupWidth));
+    const std::size_t count = rowBytes == 0 ? 0 : rows.size() / rowBytes;
+    endWord = std::min(endWord, (count + wordBits - 1) / wordBits);
+    for (std::size_t word = firstWord; word < endWord; ++word) {
+        for (std::size_t byte = 0; byte < rowBytes; ++byte) {
+            const std::size_t begin = std::min(byte * 8, members.size());
+            const std::size_t size = std::min<std::size_t>(8, members.size() - begin);
+            PackByte(members.subspan(begin, size), words, word,
+                     std::span(rows).subspan(word * wordBits * rowBytes + byte), rowBytes);
+        }
+    }
 }
 
 } // namespace
+
+void PackGroupRows(std::span<const std::unique_ptr<CSignal>> members, std::size_t firstWord,
+                   std::size_t endWord) {
+    CSignal& start = *members.front();
+    PackRows(members, &CSignal::data, start.groupData, firstWord, endWord);
+    PackRows(members, &CSignal::mask, start.groupMask, firstWord, endWord);
+}
 
 void CSignalList::ResizeSamples(std::uint32_t count) {
     for (const auto& signal : signals_) {
@@ -104,126 +201,62 @@ void CSignalList::ResizeSamples(std::uint32_t count) {
     }
 }
 
-void CSignalList::RebuildRows(std::size_t start, std::uint32_t first, std::uint32_t count) {
-    CSignal& head = *signals_[start];
-    const std::size_t rowBytes = head.RowBytes();
-    if (rowBytes == 0 || head.groupData.empty() || count == 0) {
-        return;
-    }
-    const auto rowCount = static_cast<std::uint32_t>(head.groupData.size() / rowBytes);
-    const std::size_t members = std::min<std::size_t>(head.groupWidth, signals_.size() - start);
-    const std::uint64_t end = std::min<std::uint64_t>(std::uint64_t{first} + count, rowCount);
-    // Rows are rebuilt in whole source words.
-    for (std::uint64_t row = first / 32 * 32; row < end; row += chunkSamples) {
-        const auto rows =
-            static_cast<std::uint32_t>(std::min<std::uint64_t>(chunkSamples, rowCount - row));
-        const std::size_t word = row / 32;
-        PackRows(members, rows, head.groupData.data() + row * rowBytes, rowBytes,
-                 [&](std::size_t k) { return WordAt(signals_[start + k]->data, word); });
-        if (!head.groupMask.empty()) {
-            PackRows(members, rows, head.groupMask.data() + row * rowBytes, rowBytes,
-                     [&](std::size_t k) { return WordAt(signals_[start + k]->mask, word); });
-        }
-    }
-}
-
-void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {
-    for (std::size_t i = 0; i < signals_.size(); ++i) {
-        if (signals_[i]->IsGroupStart()) {
-            RebuildRows(i, first, count);
-        }
-    }
-}
-
-void CSignalList::RebuildLabels(std::uint32_t first, std::uint32_t count) {
-    for (const auto& signal : signals_) {
-        if (signal->decoded) {
-            LabelSamples(*signal, first, count, true);
-        }
-    }
-}
-
-void CSignalList::PrepareLabels(CSignal& signal) const {
-    signal.labelTable.assign(signal.numSamples, 0);
-    signal.labelLookup.clear();
-    if (!signal.grouped || signal.groupWidth > lookupBits || !signal.groupMask.empty() ||
-        !signal.mask.empty()) {
-        return;
-    }
-    for (unsigned row = 0; row < 1U << lookupBits; ++row) {
-        const auto byte = static_cast<std::uint8_t>(row);
-        signal.labelLookup.push_back(FindLabel(*signal.decoded, mode, {&byte, 1}, {}, true));
-    }
-}
-
-void CSignalList::LabelAll(CSignal& signal) const {
-    LabelSamples(signal, 0, signal.numSamples, false);
-}
-
-void CSignalList::LabelSamples(CSignal& signal, std::uint32_t first, std::uint32_t count,
-                               bool keepAny) const {
-    const CDecodedSignalDef& def = *signal.decoded;
-    const std::uint64_t end =
-        std::min<std::uint64_t>(std::uint64_t{first} + count, signal.labelTable.size());
-    if (!signal.groupData.empty()) {
-        const std::size_t rowBytes = signal.RowBytes();
-        for (std::uint64_t s = first; s < end; ++s) {
-            const auto row = signal.GroupRow(s);
-            if (keepAny && !signal.labelLookup.empty() && !row.empty()) {
-                signal.labelTable[s] = signal.labelLookup[row[0]];
-                continue;
-            }
-            const auto mask = signal.groupMask.empty()
-                                  ? std::span<const std::uint8_t>()
-                                  : std::span<const std::uint8_t>(
-                                        signal.groupMask.data() + s * rowBytes, rowBytes);
-            signal.labelTable[s] = row.empty() ? 0 : FindLabel(def, mode, row, mask, keepAny);
-        }
-        return;
-    }
-    const std::uint8_t ofZero = LastWithCode(def, CodeZero);
-    const std::uint8_t ofOne = LastWithCode(def, CodeOne);
-    const std::uint8_t ofAny = LastWithCode(def, CodeAny);
-    for (std::uint64_t s = first; s < end; ++s) {
-        const bool compared =
-            signal.mask.empty() || (WordAt(signal.mask, s / 32) >> (s % 32) & 1) != 0;
-        signal.labelTable[s] = !compared ? ofAny : signal.Bit(s) ? ofOne : ofZero;
-    }
-}
-
 void CSignalList::LoadSamples(std::uint32_t first, std::span<const SampleRecord> records) {
-    std::uint64_t next = first;
-    while (!records.empty()) {
-        const std::uint64_t chunk = next / chunkSamples;
-        const std::uint64_t offset = next % chunkSamples;
-        const auto part =
-            records.first(std::min<std::size_t>(records.size(), chunkSamples - offset));
-        const ChunkWords words = TransposeRecords(part);
-        for (const auto& signal : signals_) {
-            if (signal->dataIndex >= 0 && chunk < signal->data.size() &&
-                next < signal->numSamples) {
-                signal->data[chunk] |= words[static_cast<std::size_t>(signal->dataIndex)] << offset;
-            }
-        }
-        RebuildGroupRows(static_cast<std::uint32_t>(next), static_cast<std::uint32_t>(part.size()));
-        RebuildLabels(static_cast<std::uint32_t>(next), static_cast<std::uint32_t>(part.size()));
-        next += part.size();
-        records = records.subspan(part.size());
-    }
+    LoadRange(0, signals_.size(), first, records);
 }
 
 void CSignalList::LoadSignal(CSignal* signal, std::uint32_t first,
                              std::span<const SampleRecord> records) {
-    const std::size_t start = IndexOf(signal);
-    const std::size_t end = signal->IsGroupStart() ? GroupEnd(start) : start + 1;
-    for (std::size_t i = start; i < end; ++i) {
-        signals_[i]->ResizeSamples(static_cast<std::uint32_t>(first + records.size()));
-        signals_[i]->ExtractSamples(first, records);
+    const std::size_t begin = IndexOf(signal);
+    const std::size_t end = GroupEnd(begin);
+    const std::size_t most = std::numeric_limits<std::uint32_t>::max();
+    const auto needed = static_cast<std::uint32_t>(std::min(first + records.size(), most));
+    for (std::size_t i = begin; i < end; ++i) {
+        signals_[i]->ResizeSamples(std::max(signals_[i]->numSamples, needed));
     }
-    const auto count = static_cast<std::uint32_t>(records.size());
-    RebuildRows(start, first, count);
-    if (signal->decoded) {
-        LabelSamples(*signal, first, count, true);
+    LoadRange(begin, end, first, records);
+}
+
+void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t first,
+                            std::span<const SampleRecord> records) {
+    std::size_t room = 0;
+    std::vector<GroupToLoad> groups;
+    for (std::size_t i = begin; i < end; ++i) {
+        room = std::max(room, RoomOf(*signals_[i]));
+        if (signals_[i]->IsGroupStart() && signals_[i]->groupWidth != 0) {
+            const auto members = Members(i);
+            groups.push_back({members, LiesInRecord(members)});
+        }
+    }
+    if (records.empty() || first >= room) {
+        return;
+    }
+    const Run run{first, records.first(std::min(records.size(), room - first))};
+    const std::size_t lastWord = (run.End() - 1) / wordBits;
+    const auto tile = std::make_unique<Tile>();
+    for (std::size_t word = first / wordBits; word <= lastWord; word += tileWords) {
+        const std::size_t endWord = std::min(word + tileWords, lastWord + 1);
+        TurnTile(run, word, endWord, *tile);
+        for (std::size_t i = begin; i < end; ++i) {
+            TakeWords(*signals_[i], *tile, word, endWord);
+        }
+        for (const GroupToLoad& group : groups) {
+            if (group.liesInRecord) {
+                CopyRows(*group.members.front(), run, word * wordBits, endWord * wordBits);
+            } else {
+                PackGroupRows(group.members, word, endWord);
+            }
+        }
+    }
+    LabelRange(begin, end, first, run.records.size());
+}
+
+void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {
+    const std::size_t end = std::size_t{first} + count;
+    for (std::size_t i = 0; i < signals_.size() && count != 0; ++i) {
+        if (signals_[i]->IsGroupStart()) {
+            PackGroupRows(Members(i), first / wordBits, (end + wordBits - 1) / wordBits);
+        }
     }
 }
 

@@ -10,206 +10,238 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t bitsPerLine = 32;
+constexpr std::size_t wordBits = 32;
 
-constexpr std::array<std::string_view, 4> radixNames = {"Binary", "Hex", "Octal", "Time"};
-
-struct AttributeName {
-    std::uint8_t bit;
-    std::string_view name;
+/// Fields of a record row, in their order.
+enum Field : std::size_t {
+    FieldSignal,
+    FieldName,
+    FieldBaseName,
+    FieldGrouped,
+    FieldGroupName,
+    FieldGroupAttribute,
+    FieldBitIndex,
+    FieldDataIndex,
+    FieldNumSamples,
+    FieldHeight,
+    FieldWidth,
+    FieldColor,
+    FieldShowValue,
+    FieldRadix,
+    FieldMasked,
+    FieldDecoded,
+    FieldHidden,
+    FieldPermanent,
+    FieldBitReverse,
+    FieldCount
 };
-constexpr AttributeName attributeNames[] = {{GroupAttribute::Start, "Start"},
-                                            {GroupAttribute::End, "End"},
-                                            {GroupAttribute::NoUngroup, "NoUngroup"}};
 
-std::string AttributeText(std::uint8_t attribute) {
+// Readers skip this row. The missing comma at its end is in all existing files.
+constexpr std::string_view headerRow =
+    R"("Signal","Name","BaseName","Grouped","GroupName","GroupAttribute","BitIndex","DataIndex",)"
+    R"("NumSamples","Height","Width","Color","ShowValue","Radix","Masked","Decoded","Hidden",)"
+    R"("Permanent""BitReverse")";
+
+constexpr std::array<std::string_view, 4> radixTexts = {"Binary", "Hex", "Octal", "Time"};
+
+struct AttributeText {
+    std::uint8_t bit;
+    std::string_view text;
+};
+constexpr std::array<AttributeText, 3> attributeTexts = {{
+    {GroupAttribute::Start, "Start"},
+    {GroupAttribute::End, "End"},
+    {GroupAttribute::NoUngroup, "NoUngroup"},
+}};
+
+std::string FlagText(bool flag, const char* text) {
+    return flag ? text : "";
+}
+
+std::string AttributesText(std::uint8_t attributes) {
     std::string text;
-    for (const AttributeName& each : attributeNames) {
-        if ((attribute & each.bit) != 0) {
-            text += text.empty() ? "" : "+";
-            text += each.name;
+    for (const auto& [bit, word] : attributeTexts) {
+        if ((attributes & bit) != 0) {
+            text += (text.empty() ? "" : "+") + std::string(word);
         }
     }
     return text;
 }
 
-std::string_view RadixText(std::int32_t radix) {
-    return radix >= 0 && radix < 4 ? radixNames[static_cast<std::size_t>(radix)] : "";
+std::string RadixText(std::int32_t radix) {
+    return radix >= 0 && radix < static_cast<std::int32_t>(radixTexts.size())
+               ? std::string(radixTexts[static_cast<std::size_t>(radix)])
+               : std::string();
 }
 
 std::string RecordRow(const CSignal& signal, bool withData) {
-    const auto flag = [](bool set, const char* text) { return CsvQuote(set ? text : ""); };
-    const auto number = [](std::int64_t value) { return std::to_string(value); };
-    const std::array fields = {
-        CsvQuote("Signal"),
-        CsvQuote(signal.name),
-        CsvQuote(signal.baseName),
-        flag(signal.grouped, "Grouped"),
-        CsvQuote(signal.groupName),
-        CsvQuote(AttributeText(signal.groupAttribute)),
-        number(signal.bitIndex),
-        number(signal.dataIndex),
-        number(withData ? signal.numSamples : 0),
-        number(signal.height),
-        number(signal.width),
-        number(signal.color),
-        flag(signal.showValue, "Show"),
-        CsvQuote(RadixText(signal.radix)),
-        flag(!signal.mask.empty(), "Masked"),
-        CsvQuote(signal.decoded ? signal.decoded->name : ""),
-        flag(signal.hidden, "Hidden"),
-        flag(signal.permanent, "Permanent"),
-        flag(signal.bitReverse, "BitReverse"),
+    const std::array<std::string, FieldCount> fields = {
+        "Signal",
+        signal.name,
+        signal.baseName,
+        FlagText(signal.grouped, "Grouped"),
+        signal.groupName,
+        AttributesText(signal.groupAttribute),
+        std::to_string(signal.bitIndex),
+        std::to_string(signal.dataIndex),
+        std::to_string(withData ? signal.numSamples : 0),
+        std::to_string(signal.height),
+        std::to_string(signal.width),
+        std::to_string(signal.color),
+        FlagText(signal.showValue, "Show"),
+        RadixText(signal.radix),
+        FlagText(!signal.mask.empty(), "Masked"),
+        signal.decoded ? signal.decoded->name : std::string(),
+        FlagText(signal.hidden, "Hidden"),
+        FlagText(signal.permanent, "Permanent"),
+        FlagText(signal.bitReverse, "BitReverse"),
     };
     std::string row;
     for (const std::string& field : fields) {
-        row += row.empty() ? "" : ",";
-        row += field;
+        row += (row.empty() ? "" : ",") + CsvQuote(field);
     }
     return row + "\n";
 }
 
-// Each line after the first repeats the lines before it: readers take the first 32 bits of a line,
-// and no list that is written with data has more samples.
+/// Writes sample bits, 32 to a line. A further line begins with the bits of those before it, and
+/// readers take the first 32 of each, so that only the first 32 samples survive. Existing readers
+/// expect it, and no setup has more.
 void WriteBits(TextWriter& file, std::string_view word, const std::vector<std::uint32_t>& words,
-               std::uint32_t count) {
-    std::string text = CsvQuote(word);
-    for (std::uint32_t s = 0; s < count; ++s) {
-        text += (words[s / 32] >> (s % 32) & 1) != 0 ? ",1" : ",0";
-        if (s % bitsPerLine == bitsPerLine - 1 || s == count - 1) {
-            file.Write(text + "\n");
+               std::uint32_t numSamples) {
+    const std::size_t count = std::min<std::size_t>(numSamples, words.size() * wordBits);
+    std::string line = CsvQuote(word);
+    for (std::size_t sample = 0; sample < count; ++sample) {
+        line += (words[sample / wordBits] >> (sample % wordBits) & 1) != 0 ? ",1" : ",0";
+        if ((sample + 1) % wordBits == 0 || sample + 1 == count) {
+            file.Write(line);
+            file.Write("\n");
         }
     }
 }
 
-/// Reads up to `lines` lines of bits that begin with `word`; one word for each line that came.
+/// Reads up to `lines` lines of bits, a word from each, until one is not of this kind; that line
+/// is lost.
 std::vector<std::uint32_t> ReadBits(TextReader& file, std::string_view word, std::size_t lines) {
     std::vector<std::uint32_t> words;
     std::vector<std::string> fields;
-    while (words.size() < lines) {
+    for (std::size_t read = 0; read < lines; ++read) {
         const auto line = file.ReadLine();
         fields.clear();
-        if (!line || (static_cast<void>(CsvSplitLine(*line, fields)), fields.empty()) ||
-            fields[0] != word) {
-            break; // the line is lost
+        if (line) {
+            static_cast<void>(CsvSplitLine(*line, fields));
+        }
+        if (fields.empty() || fields.front() != word) {
+            break;
         }
         std::uint32_t bits = 0;
-        for (std::size_t i = 1; i < std::min(fields.size(), bitsPerLine + 1); ++i) {
-            bits |= fields[i].starts_with('1') ? 1U << (i - 1) : 0;
+        for (std::size_t i = 1; i < std::min(fields.size(), wordBits + 1); ++i) {
+            bits |= (fields[i].starts_with('1') ? 1U : 0U) << (i - 1);
         }
-        words.push_back(bits);
+        // Lines beyond what a list takes are read past.
+        if (words.size() < WordsFor(CSignalList::maxFileSamples)) {
+            words.push_back(bits);
+        }
     }
     return words;
 }
 
-std::int32_t RadixOf(std::string_view text, std::int32_t fallback) {
-    const auto found = std::find(radixNames.begin(), radixNames.end(), text);
-    return found == radixNames.end() ? fallback
-                                     : static_cast<std::int32_t>(found - radixNames.begin());
+/// The fields of a record row by their places; nothing beyond the row's end.
+class RecordFields {
+public:
+    explicit RecordFields(const std::vector<std::string>& tokens) : tokens_(tokens) {}
+
+    [[nodiscard]] bool Has(Field field) const { return field < tokens_.size(); }
+    [[nodiscard]] std::string Text(Field field) const {
+        return Has(field) ? tokens_[field] : std::string();
+    }
+    [[nodiscard]] bool Is(Field field, std::string_view text) const {
+        return Has(field) && tokens_[field] == text;
+    }
+    [[nodiscard]] std::int32_t Number(Field field, std::int32_t fallback) const {
+        return Has(field) ? ParseInt(tokens_[field]) : fallback;
+    }
+
+private:
+    const std::vector<std::string>& tokens_;
+};
+
+std::uint8_t ParseAttributes(const std::string& text) {
+    std::uint8_t attributes = 0;
+    for (const auto& [bit, word] : attributeTexts) {
+        if (text.find(word) != std::string::npos) {
+            attributes |= bit;
+        }
+    }
+    return attributes;
 }
 
-/// Sets one field of a signal from the text at its position in the record row.
-void ReadField(CSignal& signal, std::size_t position, const std::string& text) {
-    switch (position) {
-    case 1:
-        signal.name = text;
-        break;
-    case 2:
-        signal.baseName = text;
-        break;
-    case 3:
-        signal.grouped = text == "Grouped";
-        break;
-    case 4:
-        signal.groupName = text;
-        break;
-    case 5:
-        for (const AttributeName& each : attributeNames) {
-            if (text.find(each.name) != std::string::npos) {
-                signal.groupAttribute |= each.bit;
-            }
+void ReadFields(const RecordFields& fields, CSignal& signal) {
+    signal.name = fields.Text(FieldName);
+    signal.baseName = fields.Text(FieldBaseName);
+    signal.grouped = fields.Is(FieldGrouped, "Grouped");
+    signal.groupName = fields.Text(FieldGroupName);
+    signal.groupAttribute = ParseAttributes(fields.Text(FieldGroupAttribute));
+    signal.bitIndex = fields.Number(FieldBitIndex, signal.bitIndex);
+    signal.dataIndex = fields.Number(FieldDataIndex, signal.dataIndex);
+    signal.numSamples = static_cast<std::uint32_t>(fields.Number(FieldNumSamples, 0));
+    signal.height = fields.Number(FieldHeight, signal.height);
+    signal.width = fields.Number(FieldWidth, signal.width);
+    signal.color = static_cast<std::uint32_t>(fields.Number(FieldColor, 0));
+    signal.showValue = fields.Is(FieldShowValue, "Show");
+    for (std::size_t radix = 0; radix < radixTexts.size(); ++radix) {
+        if (fields.Is(FieldRadix, radixTexts[radix])) {
+            signal.radix = static_cast<std::int32_t>(radix);
         }
-        break;
-    case 6:
-        signal.bitIndex = ParseInt(text);
-        break;
-    case 7:
-        signal.dataIndex = ParseInt(text);
-        break;
-    case 8:
-        signal.numSamples = static_cast<std::uint32_t>(ParseInt(text));
-        break;
-    case 9:
-        signal.height = ParseInt(text);
-        break;
-    case 10:
-        signal.width = ParseInt(text);
-        break;
-    case 11:
-        signal.color = static_cast<std::uint32_t>(ParseInt(text));
-        break;
-    case 12:
-        signal.showValue = text == "Show";
-        break;
-    case 13:
-        signal.radix = RadixOf(text, signal.radix);
-        break;
-    case 15:
-        signal.decoded =
-            text.empty() ? nullptr : SignalTables::Current().decodedSignals.FindByName(text);
-        break;
-    case 16:
-        signal.hidden = text == "Hidden";
-        break;
-    case 17:
-        signal.permanent = text == "Permanent";
-        break;
-    case 18:
-        signal.bitReverse = text == "BitReverse";
-        break;
-    default:
-        break;
+    }
+    if (const std::string name = fields.Text(FieldDecoded); !name.empty()) {
+        signal.decoded = SignalTables::Current().decodedSignals.FindByName(name);
+    }
+    signal.hidden = fields.Is(FieldHidden, "Hidden");
+    signal.permanent = fields.Is(FieldPermanent, "Permanent");
+    signal.bitReverse = fields.Is(FieldBitReverse, "BitReverse");
+}
+
+/// Reads the lines of bits that follow a record and cuts the number of samples down to them.
+void ReadSamples(TextReader& file, bool masked, CSignal& signal) {
+    const std::size_t lines = WordsFor(signal.numSamples);
+    if (lines == 0) {
+        return;
+    }
+    signal.data = ReadBits(file, "Data", lines);
+    if (masked) {
+        signal.mask = ReadBits(file, "Mask", lines);
+    }
+    const std::size_t words = std::max({signal.data.size(), signal.mask.size(), std::size_t{1}});
+    signal.numSamples = static_cast<std::uint32_t>(
+        std::min<std::size_t>({signal.numSamples, words * wordBits, CSignalList::maxFileSamples}));
+    signal.data.resize(WordsFor(signal.numSamples), 0);
+    if (masked) {
+        signal.mask.resize(WordsFor(signal.numSamples), 0);
     }
 }
 
 } // namespace
 
 void CSignalList::WriteSignals(TextWriter& file, bool withData) const {
-    file.Write("\"Signal\",\"Name\",\"BaseName\",\"Grouped\",\"GroupName\",\"GroupAttribute\","
-               "\"BitIndex\",\"DataIndex\",\"NumSamples\",\"Height\",\"Width\",\"Color\","
-               "\"ShowValue\",\"Radix\",\"Masked\",\"Decoded\",\"Hidden\","
-               // Readers skip this row, and files have always had it without the last comma.
-               "\"Permanent\"\"BitReverse\"\n");
+    file.Write(headerRow);
+    file.Write("\n");
     for (const auto& signal : signals_) {
         file.Write(RecordRow(*signal, withData));
         if (withData && !signal->data.empty()) {
             WriteBits(file, "Data", signal->data, signal->numSamples);
-            if (!signal->mask.empty()) {
-                WriteBits(file, "Mask", signal->mask, signal->numSamples);
-            }
+            WriteBits(file, "Mask", signal->mask, signal->numSamples);
         }
     }
 }
 
 void CSignalList::ReadSignal(const std::vector<std::string>& tokens, TextReader& file) {
+    if (signals_.size() >= maxFileSignals) {
+        return;
+    }
     auto signal = std::make_unique<CSignal>();
-    for (std::size_t i = 1; i < tokens.size(); ++i) {
-        ReadField(*signal, i, tokens[i]);
-    }
-    if (signal->dataIndex < -1 || signal->dataIndex >= static_cast<int>(sizeof(SampleRecord) * 8)) {
-        signal->dataIndex = -1; // no bit of a sample
-    }
-    if (signal->numSamples != 0) {
-        signal->data = ReadBits(file, "Data", WordsFor(signal->numSamples));
-        // At least the first word; beyond it only what the file really holds.
-        signal->data.resize(std::max<std::size_t>(signal->data.size(), 1));
-        signal->numSamples = static_cast<std::uint32_t>(
-            std::min<std::uint64_t>(signal->numSamples, signal->data.size() * 32));
-        if (tokens.size() > 14 && tokens[14] == "Masked") {
-            signal->mask = ReadBits(file, "Mask", signal->data.size());
-            signal->mask.resize(signal->data.size());
-        }
-    }
+    const RecordFields fields(tokens);
+    ReadFields(fields, *signal);
+    ReadSamples(file, fields.Is(FieldMasked, "Masked"), *signal);
     signals_.push_back(std::move(signal));
 }
 

@@ -9,39 +9,48 @@ namespace busquill {
 
 namespace {
 
-bool BitAt(std::span<const std::uint8_t> bytes, unsigned bit) noexcept {
-    return bit / 8 < bytes.size() && (bytes[bit / 8] >> (bit % 8) & 1) != 0;
+constexpr unsigned groupDigits = 8; // digits between two blanks
+
+/// Bits `first` to `first + count - 1` of a little-endian value; bits it does not hold are 0.
+unsigned BitsAt(std::span<const std::uint8_t> bytes, unsigned first, unsigned count) noexcept {
+    unsigned bits = 0;
+    for (unsigned i = 0; i < count; ++i) {
+        const std::size_t byte = (first + i) / 8;
+        if (byte < bytes.size()) {
+            bits |= ((bytes[byte] >> ((first + i) % 8)) & 1U) << i;
+        }
+    }
+    return bits;
 }
 
-/// One digit of `bits` bits from bit `low` up: 'X' when all are masked out, '?' when some are.
-char Digit(std::span<const std::uint8_t> data, std::span<const std::uint8_t> mask, unsigned low,
-           unsigned bits) noexcept {
-    unsigned value = 0;
-    unsigned known = 0;
-    for (unsigned b = 0; b < bits; ++b) {
-        value |= static_cast<unsigned>(BitAt(data, low + b)) << b;
-        known += mask.empty() || BitAt(mask, low + b) ? 1U : 0U;
-    }
+/// One digit: "X" when none of its bits is known, "?" when only some are.
+char Digit(unsigned value, unsigned known, unsigned significant) noexcept {
     if (known == 0) {
         return 'X';
     }
-    return known < bits ? '?' : "0123456789ABCDEF"[value];
+    return known == significant ? "0123456789ABCDEF"[value] : '?';
 }
 
-std::string Digits(std::span<const std::uint8_t> data, std::span<const std::uint8_t> mask,
-                   unsigned width, unsigned bitsPerDigit) {
+std::string Digits(std::span<const std::uint8_t> data, unsigned width,
+                   std::span<const std::uint8_t> mask, unsigned digitBits) {
     std::string text;
-    for (unsigned digit = width == 0 ? 0 : (width - 1) / bitsPerDigit + 1; digit-- > 0;) {
-        const unsigned low = digit * bitsPerDigit;
-        text += Digit(data, mask, low, std::min(bitsPerDigit, width - low));
+    if (width == 0) {
+        return text;
+    }
+    for (unsigned digit = (width - 1) / digitBits + 1; digit-- > 0;) {
+        const unsigned first = digit * digitBits;
+        const unsigned count = std::min(digitBits, width - first);
+        const unsigned significant = (1U << count) - 1;
+        const unsigned known = mask.empty() ? significant : BitsAt(mask, first, count);
+        text += Digit(BitsAt(data, first, count), known, significant);
     }
     return text;
 }
 
-std::string InEights(const std::string& digits) {
+std::string WithBlanks(const std::string& digits) {
     std::string text;
     for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (i != 0 && i % 8 == 0) {
+        if (i != 0 && i % groupDigits == 0) {
             text += ' ';
         }
         text += digits[i];
@@ -49,89 +58,99 @@ std::string InEights(const std::string& digits) {
     return text;
 }
 
-/// A whole part and its thousandths with about three digits: "%d.%01d", "%d.%02d" or "%d.%03d".
-std::string ThreeDigits(std::int64_t whole, std::int64_t thousandths, const char* unit) {
+/// A whole and its thousandths with three decimals up to 9, two up to 99, then one.
+std::string Scaled(std::int64_t whole, std::int64_t thousandths, const char* unit) {
     const auto w = static_cast<long long>(whole);
-    const auto t = static_cast<int>(thousandths);
+    const auto t = static_cast<long long>(thousandths);
     if (whole > 99) {
-        return Printf("%lld.%01d%s", w, t / 100, unit);
+        return Printf("%lld.%01lld%s", w, t / 100, unit);
     }
-    return whole > 9 ? Printf("%lld.%02d%s", w, t / 10, unit) : Printf("%lld.%03d%s", w, t, unit);
+    if (whole > 9) {
+        return Printf("%lld.%02lld%s", w, t / 10, unit);
+    }
+    return Printf("%lld.%03lld%s", w, t, unit);
 }
 
-std::string FormatNanoseconds(std::int64_t t) {
-    const std::int64_t ns = t % 1000;
-    const std::int64_t us = t / 1000 % 1000;
-    const std::int64_t ms = t / 1000000 % 1000;
-    const std::int64_t s = t / 1000000000;
-    if (s > 999) {
-        return Printf("%llds", static_cast<long long>(s));
-    }
-    if (s > 0) {
-        return ThreeDigits(s, ms, "s");
-    }
-    if (ms > 0) {
-        return ThreeDigits(ms, us, "ms");
-    }
-    return us > 0 ? ThreeDigits(us, ns, "us") : Printf("%dns", static_cast<int>(ns));
-}
-
-std::string FormatPicoseconds(std::int64_t t) {
+std::string FormatZoomTime(std::int64_t t) {
     const std::int64_t ps = t % 1000;
     const std::int64_t ns = t / 1000 % 1000;
     const std::int64_t us = t / 1000000 % 1000;
     const std::int64_t ms = t / 1000000000;
     if (ms > 0) {
-        return ThreeDigits(ms, us, "ms");
+        return Scaled(ms, us, "ms");
     }
-    return us > 0 ? ThreeDigits(us, ns, "us") : ThreeDigits(ns, ps, "ns");
+    return us > 0 ? Scaled(us, ns, "us") : Scaled(ns, ps, "ns");
 }
+
+constexpr int attributeBit = 93;
+constexpr int addressBit = 95;
+constexpr int byteEnableBit = 64;
+constexpr unsigned splitCompletion = 12;
+
+/// In which phase of a PCI transfer a sample was taken.
+struct PciPhase {
+    bool attribute = false;
+    bool split = false;
+    bool address = false;
+
+    PciPhase(const BoardTraits& board, const SampleRecord& record)
+        : address(record.Bit(addressBit)) {
+        if (board.IsPciXMode()) {
+            attribute = record.Bit(attributeBit);
+            split = !attribute && address && (record.bytes[8] & 0x0F) == splitCompletion;
+        }
+    }
+};
 
 std::string PlainValue(const CSignal& signal, std::int64_t sample, std::int32_t radix, bool zoom) {
-    const auto index = static_cast<std::size_t>(sample);
-    if (!signal.grouped) {
-        const std::uint8_t bit = signal.Bit(index) ? 1 : 0;
-        return signal.data.empty() ? "" : FormatValue({&bit, 1}, 1, radix, {}, zoom);
+    if (sample < 0) {
+        return {};
     }
+    const auto index = static_cast<std::size_t>(sample);
     const auto row = signal.GroupRow(index);
-    return row.empty() ? "" : FormatValue(row, signal.groupWidth, radix, {}, zoom);
+    if (!row.empty()) {
+        return FormatValue(row, signal.groupWidth, radix, signal.GroupMaskRow(index), zoom);
+    }
+    const std::uint8_t bit = signal.Bit(index) ? 1 : 0;
+    const std::uint8_t known = signal.MaskBit(index) ? 1 : 0;
+    return FormatValue({&bit, 1}, 1, radix, {&known, 1}, zoom);
 }
 
-/// Blanks the digits of the byte lanes that C/BE disables.
+/// Blanks the digits of byte lanes whose byte enable, active low, is off.
 void BlankDisabledLanes(std::string& text, const SampleRecord& record) {
-    int j = 0;
-    for (auto c = text.rbegin(); c != text.rend() && j < 16; ++c) {
+    constexpr int digitsOfLanes = 16;
+    int digit = 0;
+    for (auto c = text.rbegin(); c != text.rend() && digit < digitsOfLanes; ++c) {
         if (*c == ' ') {
             continue;
         }
-        if (record.Bit(64 + j / 2)) {
+        if (record.Bit(byteEnableBit + digit / 2)) {
             *c = ' ';
         }
-        ++j;
+        ++digit;
     }
 }
 
-int VmeAddressWidth(unsigned modifier) noexcept {
-    switch (modifier) {
-    case 0x2D:
-    case 0x2C:
-    case 0x29:
+int VmeAddressWidth(unsigned addressModifier) noexcept {
+    if (addressModifier == 0x32 || addressModifier >= 0x38) {
+        return 24;
+    }
+    if (addressModifier == 0x2D || addressModifier == 0x2C || addressModifier == 0x29) {
         return 16;
-    case 0x34:
-    case 0x35:
-        return 40;
-    default:
-        return modifier == 0x32 || modifier >= 0x38 ? 24 : 32;
     }
+    return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
 }
 
-/// Blanks the leading digits that the cycle's address width does not have.
-void BlankUnusedAddress(std::string& text, const SampleRecord& record, bool lark) {
-    const int width = VmeAddressWidth(record.bytes[lark ? 11 : 8] & 0x3F);
-    int blanks = text.size() >= 9 && width == 40 ? 6 : std::max(0, (32 - width) / 4);
+/// Blanks the leading digits that an address of this width does not have.
+void BlankBeyondAddress(std::string& text, int addressWidth) {
+    constexpr std::size_t longText = 9;
+    int blanks = std::max(0, (32 - addressWidth) / 4);
+    if (addressWidth == 40 && text.size() >= longText) {
+        blanks = 6;
+    }
     for (char& c : text) {
         if (blanks == 0) {
-            break;
+            return;
         }
         if (c != ' ') {
             c = ' ';
@@ -140,17 +159,66 @@ void BlankUnusedAddress(std::string& text, const SampleRecord& record, bool lark
     }
 }
 
+std::string DataText(const BoardTraits& board, const CSignal& signal, const SampleRecord& record,
+                     std::string value) {
+    if (board.IsVmeFamily() || board.IsVsbFamily()) {
+        return value;
+    }
+    const PciPhase phase(board, record);
+    if (phase.attribute || phase.address) {
+        return {};
+    }
+    if (signal.radix == Radix::Hex) {
+        BlankDisabledLanes(value, record);
+    }
+    return value;
+}
+
+std::string AddressText(const BoardTraits& board, const CSignal& signal, const SampleRecord& record,
+                        std::string value) {
+    if (board.IsVsbFamily()) {
+        return value;
+    }
+    if (board.IsVmeFamily()) {
+        if (signal.radix == Radix::Hex) {
+            const unsigned modifier = record.bytes[board.IsVmeLark() ? 11 : 8] & 0x3FU;
+            BlankBeyondAddress(value, VmeAddressWidth(modifier));
+        }
+        return value;
+    }
+    const PciPhase phase(board, record);
+    return phase.attribute || !phase.address ? std::string() : value;
+}
+
+std::string CommandText(const BoardTraits& board, const SampleRecord& record, std::string label) {
+    if (board.IsVmeFamily() || board.IsVsbFamily()) {
+        return label;
+    }
+    const PciPhase phase(board, record);
+    return phase.attribute || !phase.address ? std::string() : label;
+}
+
+/// The group that holds the time from sample to sample, or null.
+const CSignal* FindTimeGroup(const CSignalList& list) {
+    for (const auto& signal : list.All()) {
+        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
+            return signal.get();
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std::int32_t radix,
                         std::span<const std::uint8_t> mask, bool zoom) {
     switch (radix) {
     case Radix::Binary:
-        return InEights(Digits(data, mask, width, 1));
+        return WithBlanks(Digits(data, width, mask, 1));
     case Radix::Hex:
-        return InEights(Digits(data, mask, width, 4));
+        return WithBlanks(Digits(data, width, mask, 4));
     case Radix::Octal:
-        return Digits(data, mask, width, 3);
+        return Digits(data, width, mask, 3);
     case Radix::Time:
         return FormatTime(TimeField(data, width), zoom);
     default:
@@ -158,37 +226,52 @@ std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std:
     }
 }
 
-// One bit more than the field's width is taken; files and boards leave it 0.
 std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept {
-    if (width > 32) {
+    constexpr unsigned maxWidth = 32;
+    constexpr std::int64_t units[] = {1, 1000, 1000000, 1000000000};
+    if (width > maxWidth) {
         return 0;
     }
-    std::uint32_t bits = 0;
-    for (unsigned b = 0; b < std::min(width + 1, 32U); ++b) {
-        bits |= static_cast<std::uint32_t>(BitAt(data, b)) << b;
-    }
-    constexpr std::int64_t units[] = {1, 1000, 1000000, 1000000000};
-    return (static_cast<std::int32_t>(bits) >> 2) * units[bits & 3];
+    // One bit more than the field has: recorded captures rely on it.
+    const unsigned bits = BitsAt(data, 0, std::min(width + 1, maxWidth));
+    const auto count = static_cast<std::int32_t>(bits) >> 2;
+    return count * units[bits & 3];
 }
 
 std::string FormatTime(std::int64_t t, bool zoom) {
-    return zoom ? FormatPicoseconds(t) : FormatNanoseconds(t);
+    if (zoom) {
+        return FormatZoomTime(t);
+    }
+    const std::int64_t ns = t % 1000;
+    const std::int64_t us = t / 1000 % 1000;
+    const std::int64_t ms = t / 1000000 % 1000;
+    const std::int64_t s = t / 1000000000;
+    if (s > 999) {
+        return Printf("%llds", static_cast<long long>(s));
+    }
+    if (s > 0) {
+        return Scaled(s, ms, "s");
+    }
+    if (ms > 0) {
+        return Scaled(ms, us, "ms");
+    }
+    return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
 }
 
 std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {
-    if (a == -1 || b == -1) {
+    const CSignal* time = FindTimeGroup(list);
+    if (a == -1 || b == -1 || time == nullptr || time->groupData.empty()) {
         return {};
     }
-    const auto found = std::find_if(list.All().begin(), list.All().end(), [](const auto& signal) {
-        return signal->IsGroupStart() && signal->baseName == "TIME" && signal->permanent;
-    });
-    if (found == list.All().end() || (*found)->groupData.empty()) {
-        return {};
+    if (a > b) {
+        std::swap(a, b);
     }
-    const CSignal& time = **found;
+    // Samples that are not there count 0, so the walk keeps to those that are.
+    const auto rows = static_cast<std::int64_t>(time->groupData.size() / time->RowBytes());
     std::int64_t sum = 0;
-    for (std::int64_t s = std::min(a, b) + 1; s <= std::max(a, b); ++s) {
-        sum += TimeField(time.GroupRow(static_cast<std::size_t>(s)), time.groupWidth);
+    for (std::int64_t sample = std::max<std::int64_t>(a + 1, 0); sample <= b && sample < rows;
+         ++sample) {
+        sum += TimeField(time->GroupRow(static_cast<std::size_t>(sample)), time->groupWidth);
     }
     return FormatTime(sum, zoom);
 }
@@ -196,42 +279,18 @@ std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
 std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal, std::int64_t sample,
                                std::int64_t firstSample, const CDecodedSignalDef& def,
                                const char* label, const SampleRecord& record, bool zoom) {
-    const bool pciX = board.IsPciXMode();
-    const bool address = record.Bit(95);
-    const bool attribute = pciX && record.Bit(93);
-    const bool split = pciX && !attribute && (record.bytes[8] & 0x0F) == 12 && address;
-    const bool vme = board.IsVmeFamily();
-    const bool vsb = board.IsVsbFamily();
-    const std::string labelText = label == nullptr ? "" : label;
     const auto plain = [&] { return PlainValue(signal, sample, signal.radix, zoom); };
-
     switch (def.decodeKind) {
     case DecodeKind::Data:
     case DecodeKind::DataVme:
-    case DecodeKind::DataVsb: {
-        if (!vme && !vsb && (attribute || address)) {
-            return {};
-        }
-        std::string text = plain();
-        if (!vme && !vsb && signal.radix == Radix::Hex) {
-            BlankDisabledLanes(text, record);
-        }
-        return text;
-    }
+    case DecodeKind::DataVsb:
+        return DataText(board, signal, record, plain());
     case DecodeKind::Address:
     case DecodeKind::AddressVme:
-    case DecodeKind::AddressVsb: {
-        if (!vsb && !vme && (attribute || !address)) {
-            return {};
-        }
-        std::string text = plain();
-        if (!vsb && vme && signal.radix == Radix::Hex) {
-            BlankUnusedAddress(text, record, board.IsVmeLark());
-        }
-        return text;
-    }
+    case DecodeKind::AddressVsb:
+        return AddressText(board, signal, record, plain());
     case DecodeKind::Command:
-        return !vme && !vsb && (attribute || !address) ? std::string() : labelText;
+        return CommandText(board, record, label != nullptr ? label : "");
     case DecodeKind::Time:
         return PlainValue(signal, sample, Radix::Time, zoom);
     case DecodeKind::Sample:
@@ -240,12 +299,14 @@ std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal, 
     case DecodeKind::BusNumber:
     case DecodeKind::DeviceFunction:
     case DecodeKind::ByteCount:
-    case DecodeKind::Attribute:
-        return attribute || split ? plain() : std::string();
+    case DecodeKind::Attribute: {
+        const PciPhase phase(board, record);
+        return phase.attribute || phase.split ? plain() : std::string();
+    }
     case DecodeKind::Plain:
         return plain();
     default:
-        return labelText;
+        return label != nullptr ? label : "";
     }
 }
 
@@ -257,8 +318,8 @@ unsigned DigitsFor(unsigned width, std::int32_t radix) noexcept {
     case Radix::Binary:
         return width;
     case Radix::Hex: {
-        const unsigned n = (width - 1) / 4;
-        return n + n / 8 + 1;
+        const unsigned digits = (width - 1) / 4;
+        return digits + digits / groupDigits + 1;
     }
     case Radix::Octal:
         return (width - 1) / 3 + 1;
