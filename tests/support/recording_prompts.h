@@ -28,6 +28,10 @@ public:
         const std::lock_guard lock(mutex_);
         answers_.push_back(answer);
     }
+    void Forget() {
+        const std::lock_guard lock(mutex_);
+        boxes_.clear();
+    }
     [[nodiscard]] std::vector<Box> Boxes() const {
         const std::lock_guard lock(mutex_);
         return boxes_;

@@ -25,7 +25,7 @@ public:
     [[nodiscard]] std::string Path() const { return path_; }
     [[nodiscard]] std::string File(const std::string& name) const { return path_ + "/" + name; }
     /// Writes a file of that content and returns its path.
-    [[nodiscard]] std::string Write(const std::string& name, std::string_view content) const {
+    std::string Write(const std::string& name, std::string_view content) const {
         std::ofstream(File(name), std::ios::binary) << content;
         return File(name);
     }

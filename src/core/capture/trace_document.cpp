@@ -96,7 +96,8 @@ std::int64_t CTesselDoc::RowToSample(std::int64_t row, bool zoom) const noexcept
     if (rowCount_ == 0) {
         return 0;
     }
-    return row < 0 || row >= rowCount_ ? -1 : rowTable_[static_cast<std::size_t>(row)];
+    const bool inside = row >= 0 && row < rowCount_;
+    return inside ? std::int64_t{rowTable_[static_cast<std::size_t>(row)]} : -1;
 }
 
 std::int64_t CTesselDoc::SampleToRow(std::int64_t sample, bool zoom) const noexcept {

@@ -1,0 +1,177 @@
+#include "support/board_tables.h"
+#include "support/recording_prompts.h"
+#include "support/temp_dir.h"
+#include "tracesetup/setup_file.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+namespace busquill::test {
+namespace {
+
+class SetupFile : public testing::Test {
+protected:
+    bool Load(const std::string& text) {
+        return LoadSetupFile(setup, dir.Write("a.tsp", text), prompts);
+    }
+    static std::string File(const std::string& body) {
+        return "\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n" + body;
+    }
+
+    const BoardTables board{"PCIKite-1"};
+    const TempDir dir;
+    RecordingPrompts prompts;
+    TraceSetup setup;
+};
+
+TEST_F(SetupFile, WrittenSetupIsReadBackEqual) {
+    setup.name = "My setup";
+    setup.description = "line one\r\nline two";
+    setup.clock = 7;
+    setup.triggerPosition = 5;
+    setup.powerZoomClock = 8;
+    setup.levels[0].ifExpr = ParseExpression("E1.E2");
+    setup.levels[0].occurs = 300;
+    setup.levels[4] = {ParseExpression("E3"), ParseExpression("~E4"), 2, true, 6, 1, 1, true, 3};
+    setup.events[3].data[0] = 0x85;
+    setup.events[3].mask[0] = 0xC1;
+    const std::string path = dir.File("b.tsp");
+    ASSERT_TRUE(SaveSetupFile(setup, path, prompts));
+
+    TraceSetup read;
+    ASSERT_TRUE(LoadSetupFile(read, path, prompts));
+    EXPECT_EQ(read.name, "My setup");
+    EXPECT_EQ(read.description, "line one\r\nline two");
+    EXPECT_EQ(read.clock, 7);
+    EXPECT_EQ(read.triggerPosition, 5);
+    EXPECT_EQ(read.powerZoomClock, 8);
+    for (std::size_t i = 0; i < 8; ++i) {
+        TraceLevel expected = setup.levels[i];
+        EXPECT_EQ(read.levels[i], expected) << i;
+    }
+    ASSERT_EQ(read.events.Size(), setup.events.Size());
+    EXPECT_EQ(read.events[3].data[0], 0x85U);
+    EXPECT_EQ(read.events[3].mask[0], 0xC1U);
+    EXPECT_TRUE(prompts.Boxes().empty());
+}
+
+TEST_F(SetupFile, BeginsAndEndsAsSetupFilesDo) {
+    setup.name = "N";
+    setup.events.RemoveAllSignals();
+    const std::string path = dir.File("b.tsp");
+    ASSERT_TRUE(SaveSetupFile(setup, path, prompts));
+    EXPECT_EQ(ReadWholeFile(path),
+              "\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n\"Name\",\"N\"\n"
+              "\"Description\",\"\"\n\"Clock\",\"Sync\"\n\"Trigger\",\"50%\"\n"
+              "\"PowerZoomClock\",\"3.75 ns\"\n\n\"Events\"\n"
+              "\"Signal\",\"Name\",\"BaseName\",\"Grouped\",\"GroupName\",\"GroupAttribute\","
+              "\"BitIndex\",\"DataIndex\",\"NumSamples\",\"Height\",\"Width\",\"Color\","
+              "\"ShowValue\",\"Radix\",\"Masked\",\"Decoded\",\"Hidden\","
+              "\"Permanent\"\"BitReverse\"\n"
+              "\n\"TraceControl\"\n"
+              "\"Control\",\"Level\",\"If\",\"Occurs\",\"Then\",\"Else\",\"Store\"\n"
+              "\"Control\",1,\"All\",1,\"Goto L1, Trigger\",\"Goto L1\",\"All\"\n"
+              "\"Control\",2,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"Control\",3,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"Control\",4,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"Control\",5,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"Control\",6,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"Control\",7,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"Control\",8,\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n"
+              "\"End of Setup Data\"\n");
+}
+
+TEST_F(SetupFile, HeaderAloneIsTheDefaultSetupWithoutSignals) {
+    ASSERT_TRUE(Load(File("")));
+    EXPECT_TRUE(setup.events.Empty());
+    EXPECT_EQ(setup.levels[0].ifExpr, expressionAll);
+}
+
+TEST_F(SetupFile, QuoteInADescriptionEndsIt) {
+    ASSERT_TRUE(Load(File("\"Description\",\"say \"hello\" twice\"\n")));
+    EXPECT_EQ(setup.description, "say ");
+}
+
+TEST_F(SetupFile, WrongVersionSaysSoAfterItHasReplacedTheSetup) {
+    EXPECT_FALSE(
+        Load("\"FileType\",\"Trace Setup File\"\n\"Version\",\"2.0\"\n\"Name\",\"new\"\n"));
+    EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error: File version of 1.0 not found."});
+    EXPECT_EQ(setup.name, "new");
+}
+
+TEST_F(SetupFile, WrongTypeSaysSo) {
+    EXPECT_FALSE(Load("\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"));
+    EXPECT_EQ(prompts.Texts(),
+              std::vector<std::string>{"Error: File type of 'Trace Setup File' not found."});
+}
+
+TEST_F(SetupFile, MissingFileSaysSo) {
+    EXPECT_FALSE(LoadSetupFile(setup, "/nonexistent/x.tsp", prompts));
+    EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error opening file /nonexistent/x.tsp."});
+}
+
+TEST_F(SetupFile, FileThatCannotBeCreatedSaysSo) {
+    EXPECT_FALSE(SaveSetupFile(setup, "/nonexistent/x.tsp", prompts));
+    EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error creating file /nonexistent/x.tsp."});
+}
+
+TEST_F(SetupFile, FullDiskSaysSoAndTheOldFileStays) {
+    if (access("/dev/full", W_OK) != 0) {
+        GTEST_SKIP() << "no full device here";
+    }
+    const std::string path = dir.Write("old.tsp", "old");
+    // The file beside the target is a device that is always full.
+    ASSERT_EQ(symlink("/dev/full", (path + ".part").c_str()), 0);
+    EXPECT_FALSE(SaveSetupFile(setup, path, prompts));
+    EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error writing file " + path + "."});
+    EXPECT_EQ(ReadWholeFile(path), "old");
+}
+
+TEST_F(SetupFile, UnknownClockSetsIndexZeroAndStrangeTextKeepsTheDefault) {
+    ASSERT_TRUE(Load(File("\"Clock\",\"Unknown\"\n\"Trigger\",\"33%\"\n")));
+    EXPECT_EQ(setup.clock, 0);
+    EXPECT_EQ(setup.triggerPosition, 3);
+}
+
+TEST_F(SetupFile, LevelsOutsideAreIgnored) {
+    ASSERT_TRUE(Load(File("\"Control\",9,\"E1\",5,\"Goto L2\",\"Goto L3\",\"E2\"\n"
+                          "\"Control\",0,\"E1\",5,\"Goto L2\",\"Goto L3\",\"E2\"\n"
+                          "\"Control\",\"Level\",\"If\"\n\"Control\"\n")));
+    EXPECT_EQ(setup.levels[0].occurs, 1);
+    EXPECT_EQ(setup.levels[8].occurs, 1);
+}
+
+TEST_F(SetupFile, ShortLevelRowLeavesTheRest) {
+    ASSERT_TRUE(Load(File("\"Control\",2,\"E5\",65536\n")));
+    EXPECT_EQ(FormatExpression(setup.levels[1].ifExpr), "E5");
+    EXPECT_EQ(setup.levels[1].occurs, 65536);
+    EXPECT_EQ(setup.levels[1].storeExpr, expressionNone);
+}
+
+TEST_F(SetupFile, DataIndexesAreKeptWhateverTheBoard) {
+    ASSERT_TRUE(Load(File("\"Signal\",\"DTACK\",\"DTACK\",\"\",\"\",\"\",-1,75,32,20,30,0\n"
+                          "\"Data\",1,0,1\n\"End of Setup Data\"\n\"Name\",\"late\"\n")));
+    ASSERT_EQ(setup.events.Size(), 1U);
+    EXPECT_EQ(setup.events[0].dataIndex, 75);
+    EXPECT_EQ(setup.events[0].data[0], 5U);
+    EXPECT_EQ(setup.name, ""); // behind the end
+}
+
+TEST(ParseLevelRow, StimulusRowsHaveTheirOwnForms) {
+    const BoardTables board("PCIKite-1");
+    TraceSetup setup;
+    ParseLevelRow(setup, {"Control", "15", "E1", "3", "STOP, Dur 4", "Goto SL2, Wait 6", "S7"},
+                  true);
+    const TraceLevel& level = setup.levels[14];
+    EXPECT_EQ(level.thenGoto, stimulusStop);
+    EXPECT_EQ(level.thenDuration, 4);
+    EXPECT_EQ(level.elseGoto, 1);
+    EXPECT_EQ(level.elseWait, 6);
+    EXPECT_EQ(level.stimulus, 7);
+    EXPECT_EQ(LevelRow(setup, 15, true),
+              "\"Control\",15,\"E1\",3,\"STOP, Dur 4\",\"Goto SL2, Wait 6\",\"S7\"\n");
+}
+
+} // namespace
+} // namespace busquill::test

@@ -1,0 +1,216 @@
+// The link and the simulated board on the two ends of a real pseudo terminal.
+
+#include "link/analyzer_link.h"
+#include "platform/clock.h"
+#include "platform/main_thread.h"
+#include "platform/serial_port.h"
+#include "support/board_process.h"
+#include "support/memory_settings.h"
+#include "support/recording_prompts.h"
+#include "support/scripted_usb.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace busquill::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Real time, but without the pauses in which a board settles.
+class ImpatientClock final : public Clock {
+public:
+    [[nodiscard]] std::time_t Time() const override { return std::time(nullptr); }
+    void Sleep(std::chrono::milliseconds pause) override {
+        if (patient || pause < 1000ms) {
+            std::this_thread::sleep_for(pause);
+        }
+    }
+    bool patient = false;
+};
+
+class LinkOverWire : public testing::Test {
+protected:
+    void StartBoard(std::vector<std::string> options = {}) {
+        // The first rate that is probed, unless a test says otherwise.
+        options.insert(options.begin(), {"--baud", "9600"});
+        board = std::make_unique<BoardProcess>(std::move(options));
+        ASSERT_FALSE(board->Terminal().empty());
+        settings.WriteProfileString("Setup", "ComPort", "COM3");
+        settings.WriteProfileInt("Setup", "BaudRate", 9600);
+        settings.WriteProfileString("Setup", "ComDevice3", board->Terminal());
+    }
+
+    MemorySettings settings;
+    RecordingPrompts prompts;
+    ImpatientClock clock;
+    MainThread mainThread;
+    ScriptedUsb usb;
+    std::unique_ptr<BoardProcess> board;
+    CAnalyzerLink link{{settings, prompts, clock, mainThread, OpenSerialPort, usb}};
+};
+
+TEST_F(LinkOverWire, FindsTheBoardAndReadsWhatItIs) {
+    StartBoard({"--bus-byte", "0x14", "--mhz", "66"});
+    link.Connect(9600);
+    EXPECT_FALSE(link.IsDemoMode());
+    const BoardIdentity identity = link.Identity();
+    EXPECT_EQ(identity.modelString, "PCIKite-3");
+    EXPECT_EQ(identity.bufferSizeK, 1024);
+    EXPECT_EQ(identity.firmwareRevision, "1.7");
+    EXPECT_EQ(identity.serialNumber, 1234);
+    EXPECT_EQ(link.Traits().bus, (BusConfig{0, 1, 1, 66, 0}));
+    EXPECT_EQ(board->Functions(),
+              (std::vector<std::string>{"function 1 read memory, address 0 length 18",
+                                        "function 1 read memory, address 18 length 2"}));
+    EXPECT_TRUE(prompts.Boxes().empty());
+}
+
+TEST_F(LinkOverWire, MovesABoardFromEveryRateToTheConfiguredOne) {
+    for (const int rate : {9600, 19200, 28800, 38400, 57600}) {
+        StartBoard({"--baud", std::to_string(rate)});
+        settings.WriteProfileInt("Setup", "BaudRate", 38400);
+        link.Connect(38400);
+        EXPECT_EQ(link.Identity().modelString, "PCIKite-3") << rate;
+        EXPECT_FALSE(link.IsDemoMode()) << rate;
+        const auto functions = board->Functions();
+        const bool moved =
+            std::find(functions.begin(), functions.end(),
+                      "function 29 apply new baud rate, address 15 length 1") != functions.end();
+        EXPECT_EQ(moved, rate != 38400) << rate;
+        std::uint8_t serial[2] = {};
+        EXPECT_TRUE(link.Exchange(CmdReadMemory, {16, 2, serial})) << rate;
+        EXPECT_EQ(serial[0], 0x34) << rate;
+    }
+}
+
+TEST_F(LinkOverWire, FindsABoardThatStandsInTheMiddleOfAFrame) {
+    StartBoard();
+    board->Fault("half-frame");
+    link.Connect(9600);
+    EXPECT_EQ(link.Identity().modelString, "PCIKite-3");
+}
+
+TEST_F(LinkOverWire, KnowsEveryModel) {
+    for (const char* model : {"PCIKite", "PCIWren", "VMEKite", "VMEWren", "VMELark", "PCFKite",
+                              "PCFWren", "PMCKite", "PMCWren", "VSBKite"}) {
+        StartBoard({"--model", model, "--suffix", "2"});
+        link.Connect(9600);
+        EXPECT_EQ(link.Identity().modelString, std::string(model) + "-2");
+    }
+}
+
+TEST_F(LinkOverWire, BusConfigurationGoesThereAndBack) {
+    StartBoard();
+    link.Connect(9600);
+    link.WriteBusConfig({BusPciX, 1, 1, 133, 1});
+    BusConfig read;
+    link.ReadBusConfig(read);
+    EXPECT_EQ(read, (BusConfig{BusPciX, 1, 1, 133, 1}));
+    const auto log = board->Log();
+    EXPECT_NE(std::find(log.begin(), log.end(), "host  95 85 payload for write memory"), log.end());
+}
+
+TEST_F(LinkOverWire, SavedBusConfigurationOverridesTheBoard) {
+    StartBoard({"--model", "VMEKite", "--mhz", "10"});
+    settings.WriteProfileInt("Setup", "SaveBusConfig", 1);
+    settings.WriteProfileInt("Setup", "BusMode", 1);
+    settings.WriteProfileInt("Setup", "BusFrequency", 16);
+    link.Connect(9600);
+    BusConfig read;
+    link.ReadBusConfig(read);
+    EXPECT_EQ(read, (BusConfig{BusVme, 0, 0, 16, 0}));
+}
+
+TEST_F(LinkOverWire, LostAcknowledgementIsRepaired) {
+    StartBoard();
+    link.Connect(9600);
+    board->Fault("drop-ack 3");
+    std::uint8_t name[8] = {};
+    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    EXPECT_EQ(std::string(name, name + 7), "PCIKite");
+    board->Fault("wrong-close");
+    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    board->Fault("wrong-ack 2");
+    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    board->Fault("delay 150");
+    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+}
+
+TEST_F(LinkOverWire, ShortReplyIsAskedForAgain) {
+    StartBoard();
+    link.Connect(9600);
+    board->Fault("short-reply 2");
+    std::uint8_t name[8] = {};
+    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    const auto functions = board->Functions();
+    EXPECT_EQ(std::count(functions.begin(), functions.end(),
+                         "function 1 read memory, address 0 length 8"),
+              2);
+}
+
+TEST_F(LinkOverWire, SilentBoardLeadsToDemoMode) {
+    StartBoard({"--fault", "silence"});
+    clock.patient = true;
+    link.Connect(9600);
+    EXPECT_TRUE(link.IsDemoMode());
+    EXPECT_EQ(link.Identity().modelString, "Demo Mode");
+    ASSERT_EQ(prompts.Boxes().size(), 1U);
+    EXPECT_TRUE(prompts.Boxes()[0].topmost);
+}
+
+TEST_F(LinkOverWire, NoDeviceLeadsToDemoMode) {
+    settings.WriteProfileString("Setup", "ComPort", "COM1");
+    settings.WriteProfileString("Setup", "ComDevice1", "/nonexistent/tty");
+    link.Connect(9600);
+    EXPECT_TRUE(link.IsDemoMode());
+    EXPECT_EQ(prompts.Boxes().size(), 1U);
+}
+
+TEST_F(LinkOverWire, PortThatGoesAwayFailsTheRequestAndTheProgramGoesOn) {
+    StartBoard();
+    link.Connect(9600);
+    board->Fault("go-away");
+    std::uint8_t byte = 0;
+    EXPECT_FALSE(link.Exchange(CmdReadMemory, {0, 1, &byte}));
+    StartBoard();
+    link.Connect(9600);
+    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 1, &byte}));
+    EXPECT_EQ(byte, 'P');
+}
+
+TEST_F(LinkOverWire, SamplesComeByTheirDistanceFromTheTrigger) {
+    StartBoard({"--samples", "256"});
+    link.Connect(9600);
+    std::vector<std::uint8_t> before(64 * 18);
+    std::vector<std::uint8_t> after(32 * 18);
+    ASSERT_TRUE(link.Exchange(CmdReadSamplesBefore, {32, 64, before.data()}));
+    ASSERT_TRUE(link.Exchange(CmdReadSamplesAfter, {0, 32, after.data()}));
+    // 32 before the trigger and on: the second half is what follows the trigger.
+    EXPECT_TRUE(std::equal(after.begin(), after.end(), before.begin() + 32 * 18));
+}
+
+TEST_F(LinkOverWire, RequestsOfTwoThreadsAllComeBack) {
+    StartBoard();
+    link.Connect(9600);
+    std::atomic<int> good = 0;
+    std::thread other([&] {
+        for (int i = 0; i < 50; ++i) {
+            std::uint8_t byte = 0;
+            good += link.Exchange(CmdReadMemory, {16, 1, &byte}) && byte == 0x34 ? 1 : 0;
+        }
+    });
+    for (int i = 0; i < 50; ++i) {
+        std::uint8_t byte = 0;
+        good += link.Exchange(CmdReadMemory, {17, 1, &byte}) && byte == 0x12 ? 1 : 0;
+        link.PollLiveStatus();
+    }
+    other.join();
+    link.WaitIdle();
+    EXPECT_EQ(good, 100);
+    EXPECT_FALSE(link.CommLost());
+}
+
+} // namespace
+} // namespace busquill::test
