@@ -1,160 +1,256 @@
 #include "link/analyzer_commands.h"
 
+#include <algorithm>
 #include <array>
 
 namespace busquill {
 
 namespace {
 
-constexpr std::string_view names[] = {
-    "CmdDownloadRecord",       "CmdSetBaudRate",
-    "CmdReadMemory",           "CmdReadSamplesBefore",
-    "CmdReadSamplesAfter",     "CmdTraceControl",
-    "CmdTraceEvents",          "CmdTraceParams",
-    "CmdStartTrace",           "CmdStopTrace",
-    "CmdSearchControl",        "CmdSearchCondition",
-    "CmdSearchSample",         "CmdStartSearch",
-    "CmdPerformanceSetup",     "CmdStartPerformance",
-    "CmdStopPerformance",      "CmdAnomalyChecklist",
-    "CmdStartAnomaly",         "CmdStopAnomaly",
-    "CmdStartConfigScan",      "CmdStopConfigScan",
-    "CmdConfigScanControl",    "CmdComplianceControl",
-    "CmdComplianceTestId",     "CmdStartCompliance",
-    "CmdStopCompliance",       "CmdMasterSetup",
-    "CmdMasterAddress",        "CmdMasterControl",
-    "CmdMasterFileData",       "CmdExerciserGo",
-    "CmdExerciserStop",        "CmdStartStimulus",
-    "CmdStopStimulus",         "CmdStimulusControl",
-    "CmdStimulusCondition",    "CmdComplianceTargetAddress",
-    "CmdReadZoomBefore",       "CmdReadZoomAfter",
-    "CmdSetBusConfig",         "CmdMasterAttributes",
-    "CmdStimulusEvents",       "CmdTargetSetup",
-    "CmdTargetAddress",        "CmdTargetRead",
-    "CmdTargetData",           "CmdStartBackplane",
-    "CmdStopBackplane",        "CmdBackplaneSignals",
-    "CmdBackplaneSensitivity", "CmdUsbKeepAlive",
-};
-static_assert(std::size(names) == linkCommandCount);
+using enum PayloadKind;
 
-/// What follows the register frames (states 1 to 5), if the command has them.
+// clang-format off
+constexpr std::array<CommandRow, linkCommandCount> commandRows{{
+    {CmdDownloadRecord,          "CmdDownloadRecord",          Caller,        0,                            0},
+    {CmdSetBaudRate,             "CmdSetBaudRate",             BaudCode,      RegisterBaudCode,             1},
+    {CmdReadMemory,              "CmdReadMemory",              Caller,        0,                            0},
+    {CmdReadSamplesBefore,       "CmdReadSamplesBefore",       Caller,        0,                            0},
+    {CmdReadSamplesAfter,        "CmdReadSamplesAfter",        Caller,        0,                            0},
+    {CmdTraceControl,            "CmdTraceControl",            Encoded,       RegisterTraceControl,         160},
+    {CmdTraceEvents,             "CmdTraceEvents",             Encoded,       RegisterTraceEvents,          240},
+    {CmdTraceParams,             "CmdTraceParams",             TraceParams,   RegisterTraceParams,          3},
+    {CmdStartTrace,              "CmdStartTrace",              None,          0,                            0},
+    {CmdStopTrace,               "CmdStopTrace",               None,          0,                            0},
+    {CmdSearchControl,           "CmdSearchControl",           SearchControl, RegisterSearchControl,        4},
+    {CmdSearchCondition,         "CmdSearchCondition",         LowByte,       RegisterSearchCondition,      1},
+    {CmdSearchSample,            "CmdSearchSample",            Encoded,       RegisterSearchSample,         30},
+    {CmdStartSearch,             "CmdStartSearch",             None,          0,                            0},
+    {CmdPerformanceSetup,        "CmdPerformanceSetup",        Encoded,       RegisterPerformanceSetup,     241},
+    {CmdStartPerformance,        "CmdStartPerformance",        None,          0,                            0},
+    {CmdStopPerformance,         "CmdStopPerformance",         None,          0,                            0},
+    {CmdAnomalyChecklist,        "CmdAnomalyChecklist",        Copy,          RegisterAnomalyChecklist,     16},
+    {CmdStartAnomaly,            "CmdStartAnomaly",            None,          0,                            0},
+    {CmdStopAnomaly,             "CmdStopAnomaly",             None,          0,                            0},
+    {CmdStartConfigScan,         "CmdStartConfigScan",         None,          0,                            0},
+    {CmdStopConfigScan,          "CmdStopConfigScan",          None,          0,                            0},
+    {CmdConfigScanControl,       "CmdConfigScanControl",       LowByte,       RegisterConfigScanControl,    1},
+    {CmdComplianceControl,       "CmdComplianceControl",       LowByte,       RegisterComplianceControl,    1},
+    {CmdComplianceTestId,        "CmdComplianceTestId",        Copy,          RegisterComplianceTestId,     4},
+    {CmdStartCompliance,         "CmdStartCompliance",         None,          0,                            0},
+    {CmdStopCompliance,          "CmdStopCompliance",          None,          0,                            0},
+    {CmdMasterSetup,             "CmdMasterSetup",             Copy,          RegisterMasterSetup,          48},
+    {CmdMasterAddress,           "CmdMasterAddress",           Copy,          RegisterMasterAddress,        9},
+    {CmdMasterControl,           "CmdMasterControl",           LowByte,       RegisterMasterControl,        1},
+    {CmdMasterFileData,          "CmdMasterFileData",          Copy,          RegisterMasterFileData,       32},
+    {CmdExerciserGo,             "CmdExerciserGo",             None,          0,                            0},
+    {CmdExerciserStop,           "CmdExerciserStop",           None,          0,                            0},
+    {CmdStartStimulus,           "CmdStartStimulus",           None,          0,                            0},
+    {CmdStopStimulus,            "CmdStopStimulus",            None,          0,                            0},
+    {CmdStimulusControl,         "CmdStimulusControl",         Encoded,       RegisterStimulusControl,      80},
+    {CmdStimulusCondition,       "CmdStimulusCondition",       Encoded,       RegisterStimulusCondition,    480},
+    {CmdComplianceTargetAddress, "CmdComplianceTargetAddress", Copy,          RegisterComplianceTarget,     8},
+    {CmdReadZoomBefore,          "CmdReadZoomBefore",          Caller,        0,                            0},
+    {CmdReadZoomAfter,           "CmdReadZoomAfter",           Caller,        0,                            0},
+    {CmdSetBusConfig,            "CmdSetBusConfig",            Encoded,       RegisterBusConfig,            2},
+    {CmdMasterAttributes,        "CmdMasterAttributes",        Copy,          RegisterMasterAttributes,     4},
+    {CmdStimulusEvents,          "CmdStimulusEvents",          Encoded,       RegisterStimulusEvents,       240},
+    {CmdTargetSetup,             "CmdTargetSetup",             Copy,          RegisterTargetSetup,          12},
+    {CmdTargetAddress,           "CmdTargetAddress",           Copy,          RegisterTargetAddress,        11},
+    {CmdTargetRead,              "CmdTargetRead",              Caller,        0,                            0},
+    {CmdTargetData,              "CmdTargetData",              CopyLength,    0,                            0},
+    {CmdStartBackplane,          "CmdStartBackplane",          None,          0,                            0},
+    {CmdStopBackplane,           "CmdStopBackplane",           None,          0,                            0},
+    {CmdBackplaneSignals,        "CmdBackplaneSignals",        Copy,          RegisterBackplaneSignals,     28},
+    {CmdBackplaneSensitivity,    "CmdBackplaneSensitivity",    LowByte,       RegisterBackplaneSensitivity, 1},
+    {CmdUsbKeepAlive,            "CmdUsbKeepAlive",            None,          0,                            0},
+}};
+// clang-format on
+
+constexpr bool CommandRowsAreInOrder() {
+    std::int32_t expected = 0;
+    return std::ranges::all_of(commandRows,
+                               [&](const CommandRow& row) { return row.command == ++expected; });
+}
+static_assert(CommandRowsAreInOrder());
+
+constexpr FunctionCode noFunction{};
+constexpr std::int32_t lastSendingState = 38;
+
+// States 14 and 16, and 15 and 17, do the same thing: two rows of the board's own table.
+// clang-format off
+constexpr std::array<StateRow, lastSendingState> stateRows{{
+    { 1, StateSends::AddressLow,    noFunction,               StateReply::Acknowledgement},
+    { 2, StateSends::AddressMiddle, noFunction,               StateReply::Acknowledgement},
+    { 3, StateSends::AddressHigh,   noFunction,               StateReply::Acknowledgement},
+    { 4, StateSends::LengthLow,     noFunction,               StateReply::Acknowledgement},
+    { 5, StateSends::LengthHigh,    noFunction,               StateReply::Acknowledgement},
+    { 6, StateSends::Function,      FunctionFirmwareRecord,   StateReply::Acknowledgement},
+    { 7, StateSends::CallersData,   noFunction,               StateReply::Acknowledgement},
+    { 8, StateSends::Function,      FunctionWriteMemory,      StateReply::Acknowledgement},
+    { 9, StateSends::Payload,       noFunction,               StateReply::Acknowledgement},
+    {10, StateSends::Function,      FunctionApplyBaudRate,    StateReply::Acknowledgement},
+    {11, StateSends::Function,      FunctionReadMemory,       StateReply::Bytes},
+    {12, StateSends::Function,      FunctionSamplesBefore,    StateReply::Samples},
+    {13, StateSends::Function,      FunctionSamplesAfter,     StateReply::Samples},
+    {14, StateSends::Function,      FunctionWriteMemory,      StateReply::Acknowledgement},
+    {15, StateSends::Payload,       noFunction,               StateReply::Acknowledgement},
+    {16, StateSends::Function,      FunctionWriteMemory,      StateReply::Acknowledgement},
+    {17, StateSends::Payload,       noFunction,               StateReply::Acknowledgement},
+    {18, StateSends::Function,      FunctionStartTrace,       StateReply::Acknowledgement},
+    {19, StateSends::Function,      FunctionStopTrace,        StateReply::Acknowledgement},
+    {20, StateSends::Function,      FunctionStartSearch,      StateReply::Acknowledgement},
+    {21, StateSends::Function,      FunctionStartPerformance, StateReply::Acknowledgement},
+    {22, StateSends::Function,      FunctionStopPerformance,  StateReply::Acknowledgement},
+    {23, StateSends::Function,      FunctionStartAnomaly,     StateReply::Acknowledgement},
+    {24, StateSends::Function,      FunctionStopAnomaly,      StateReply::Acknowledgement},
+    {25, StateSends::Function,      FunctionStartConfigScan,  StateReply::Acknowledgement},
+    {26, StateSends::Function,      FunctionStopConfigScan,   StateReply::Acknowledgement},
+    {27, StateSends::Function,      FunctionStartCompliance,  StateReply::Acknowledgement},
+    {28, StateSends::Function,      FunctionStopCompliance,   StateReply::Acknowledgement},
+    {29, StateSends::Function,      FunctionExerciserGo,      StateReply::Acknowledgement},
+    {30, StateSends::Function,      FunctionExerciserStop,    StateReply::Acknowledgement},
+    {31, StateSends::Function,      FunctionStartStimulus,    StateReply::Acknowledgement},
+    {32, StateSends::Function,      FunctionStopStimulus,     StateReply::Acknowledgement},
+    {33, StateSends::Function,      FunctionZoomBefore,       StateReply::Samples},
+    {34, StateSends::Function,      FunctionZoomAfter,        StateReply::Samples},
+    {35, StateSends::Function,      FunctionReadTarget,       StateReply::Bytes},
+    {36, StateSends::Function,      FunctionWriteTarget,      StateReply::Acknowledgement},
+    {37, StateSends::Function,      FunctionStartBackplane,   StateReply::Acknowledgement},
+    {38, StateSends::Function,      FunctionStopBackplane,    StateReply::Acknowledgement},
+}};
+// clang-format on
+
+constexpr bool StateRowsAreInOrder() {
+    std::int32_t expected = 0;
+    return std::ranges::all_of(stateRows,
+                               [&](const StateRow& row) { return row.state == ++expected; });
+}
+static_assert(StateRowsAreInOrder());
+
+/// A run of states, which the commands behind it share. Unused places are 0.
 struct Sequence {
-    std::int32_t command;
-    bool registers;
-    std::array<std::int32_t, 3> states; // ended by 0; the final state follows
+    bool setsRegisters; // states 1 to 5 come first
+    std::array<std::int32_t, 4> states;
+    std::array<std::int32_t, 21> commands;
 };
 
 // clang-format off
-constexpr Sequence sequences[] = {
-    {CmdDownloadRecord,          true,  {6, 7}},
-    {CmdSetBaudRate,             true,  {8, 9, 10}},
-    {CmdReadMemory,              true,  {11}},
-    {CmdReadSamplesBefore,       true,  {12}},
-    {CmdReadSamplesAfter,        true,  {13}},
-    {CmdTraceControl,            true,  {14, 15}},
-    {CmdTraceEvents,             true,  {16, 17}},
-    {CmdTraceParams,             true,  {14, 15}},
-    {CmdStartTrace,              false, {18}},
-    {CmdStopTrace,               false, {19}},
-    {CmdSearchControl,           true,  {14, 15}},
-    {CmdSearchCondition,         true,  {14, 15}},
-    {CmdSearchSample,            true,  {16, 17}},
-    {CmdStartSearch,             false, {20}},
-    {CmdPerformanceSetup,        true,  {14, 15}},
-    {CmdStartPerformance,        false, {21}},
-    {CmdStopPerformance,         false, {22}},
-    {CmdAnomalyChecklist,        true,  {14, 15}},
-    {CmdStartAnomaly,            false, {23}},
-    {CmdStopAnomaly,             false, {24}},
-    {CmdStartConfigScan,         false, {25}},
-    {CmdStopConfigScan,          false, {26}},
-    {CmdConfigScanControl,       true,  {14, 15}},
-    {CmdComplianceControl,       true,  {14, 15}},
-    {CmdComplianceTestId,        true,  {14, 15}},
-    {CmdStartCompliance,         false, {27}},
-    {CmdStopCompliance,          false, {28}},
-    {CmdMasterSetup,             true,  {14, 15}},
-    {CmdMasterAddress,           true,  {14, 15}},
-    {CmdMasterControl,           true,  {14, 15}},
-    {CmdMasterFileData,          true,  {14, 15}},
-    {CmdExerciserGo,             false, {29}},
-    {CmdExerciserStop,           false, {30}},
-    {CmdStartStimulus,           false, {31}},
-    {CmdStopStimulus,            false, {32}},
-    {CmdStimulusControl,         true,  {14, 15}},
-    {CmdStimulusCondition,       true,  {16, 17}},
-    {CmdComplianceTargetAddress, true,  {14, 15}},
-    {CmdReadZoomBefore,          true,  {33}},
-    {CmdReadZoomAfter,           true,  {34}},
-    {CmdSetBusConfig,            true,  {14, 15}},
-    {CmdMasterAttributes,        true,  {14, 15}},
-    {CmdStimulusEvents,          true,  {16, 17}},
-    {CmdTargetSetup,             true,  {14, 15}},
-    {CmdTargetAddress,           true,  {14, 15}},
-    {CmdTargetRead,              true,  {35}},
-    {CmdTargetData,              true,  {36, 15}},
-    {CmdStartBackplane,          false, {37}},
-    {CmdStopBackplane,           false, {38}},
-    {CmdBackplaneSignals,        true,  {14, 15}},
-    {CmdBackplaneSensitivity,    true,  {14, 15}},
-    {CmdUsbKeepAlive,            false, {1}},
+constexpr std::array sequences{
+    Sequence{true,  {6, 7, finalState},     {1}},
+    Sequence{true,  {8, 9, 10, finalState}, {2}},
+    Sequence{true,  {11, finalState},       {3}},
+    Sequence{true,  {12, finalState},       {4}},
+    Sequence{true,  {13, finalState},       {5}},
+    Sequence{true,  {14, 15, finalState},   {6, 8, 11, 12, 15, 18, 23, 24, 25, 28, 29, 30, 31, 36, 38, 41, 42, 44, 45, 50, 51}},
+    Sequence{true,  {16, 17, finalState},   {7, 13, 37, 43}},
+    Sequence{true,  {33, finalState},       {39}},
+    Sequence{true,  {34, finalState},       {40}},
+    Sequence{true,  {35, finalState},       {46}},
+    Sequence{true,  {36, 15, finalState},   {47}},
+    Sequence{false, {18, finalState},       {9}},
+    Sequence{false, {19, finalState},       {10}},
+    Sequence{false, {20, finalState},       {14}},
+    Sequence{false, {21, finalState},       {16}},
+    Sequence{false, {22, finalState},       {17}},
+    Sequence{false, {23, finalState},       {19}},
+    Sequence{false, {24, finalState},       {20}},
+    Sequence{false, {25, finalState},       {21}},
+    Sequence{false, {26, finalState},       {22}},
+    Sequence{false, {27, finalState},       {26}},
+    Sequence{false, {28, finalState},       {27}},
+    Sequence{false, {29, finalState},       {32}},
+    Sequence{false, {30, finalState},       {33}},
+    Sequence{false, {31, finalState},       {34}},
+    Sequence{false, {32, finalState},       {35}},
+    Sequence{false, {37, finalState},       {48}},
+    Sequence{false, {38, finalState},       {49}},
+    Sequence{false, {1, finalState},        {52}},
 };
 // clang-format on
-static_assert(std::size(sequences) == linkCommandCount);
 
-struct StateRow {
-    std::int32_t command;
-    std::int32_t state;
-    std::int32_t next;
-};
-
-template <class Row>
-constexpr std::size_t WalkSequences(Row row) {
-    std::size_t count = 0;
+/// Hands out the rows of all sequences, one after the other.
+template <typename Take>
+constexpr void ForEachRow(Take take) {
+    constexpr std::int32_t registerStates = 5;
     for (const Sequence& sequence : sequences) {
-        std::int32_t state = 0;
-        const auto step = [&](std::int32_t next) {
-            row(count++, StateRow{sequence.command, state, next});
-            state = next;
-        };
-        for (std::int32_t frame = 1; sequence.registers && frame <= 5; ++frame) {
-            step(frame);
-        }
-        for (const std::int32_t next : sequence.states) {
-            if (next != 0) {
-                step(next);
+        for (const std::int32_t command : sequence.commands) {
+            if (command == 0) {
+                break;
+            }
+            std::int32_t state = 0;
+            const auto goTo = [&](std::int32_t next) {
+                take(CommandStateRow{command, state, next});
+                state = next;
+            };
+            for (std::int32_t next = 1; sequence.setsRegisters && next <= registerStates; ++next) {
+                goTo(next);
+            }
+            for (const std::int32_t next : sequence.states) {
+                if (next != 0) {
+                    goTo(next);
+                }
             }
         }
-        step(finalState);
     }
+}
+
+constexpr std::size_t CountRows() {
+    std::size_t count = 0;
+    ForEachRow([&](const CommandStateRow&) { ++count; });
     return count;
 }
 
-constexpr std::size_t rowCount = WalkSequences([](std::size_t, const StateRow&) {});
-
-/// The CommandStateTable: what follows each state of each command, ended by a row of zeros.
-constexpr auto stateTable = [] {
-    std::array<StateRow, rowCount + 1> table{};
-    WalkSequences([&](std::size_t i, const StateRow& row) { table[i] = row; });
+constexpr auto MakeCommandStateTable() {
+    std::array<CommandStateRow, CountRows() + 1> table{};
+    std::size_t at = 0;
+    ForEachRow([&](const CommandStateRow& row) { table[at++] = row; });
     return table;
-}();
-static_assert(stateTable.back().command == 0);
+}
+
+constexpr auto commandStateTable = MakeCommandStateTable();
+static_assert(commandStateTable.back().command == 0);
+
+constexpr bool EveryCommandStartsOnce() {
+    for (std::int32_t command = 1; command <= linkCommandCount; ++command) {
+        if (std::ranges::count_if(commandStateTable, [=](const CommandStateRow& row) {
+                return row.command == command && row.state == 0;
+            }) != 1) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(EveryCommandStartsOnce());
 
 } // namespace
 
-std::string_view LinkCommandName(std::int32_t command) noexcept {
+const CommandRow* FindCommand(std::int32_t command) noexcept {
     if (command < 1 || command > linkCommandCount) {
-        return "unknown command";
+        return nullptr;
     }
-    return names[command - 1];
+    return &commandRows[static_cast<std::size_t>(command - 1)];
+}
+
+std::string_view LinkCommandName(std::int32_t command) noexcept {
+    const CommandRow* row = FindCommand(command);
+    return row == nullptr ? std::string_view("unknown command") : row->name;
+}
+
+const StateRow* FindState(std::int32_t state) noexcept {
+    if (state < 1 || state > lastSendingState) {
+        return nullptr;
+    }
+    return &stateRows[static_cast<std::size_t>(state - 1)];
+}
+
+std::span<const CommandStateRow> CommandStateTable() noexcept {
+    return commandStateTable;
 }
 
 std::int32_t NextState(std::int32_t command, std::int32_t state) noexcept {
-    for (const StateRow& row : stateTable) {
-        if (row.command == 0) {
-            break;
-        }
-        if (row.command == command && row.state == state) {
-            return row.next;
+    for (const CommandStateRow* row = commandStateTable.data(); row->command != 0; ++row) {
+        if (row->command == command && row->state == state) {
+            return row->next;
         }
     }
     return 0;

@@ -68,8 +68,149 @@ constexpr std::int32_t linkCommandCount = 52;
 constexpr std::int32_t finalState = 39;
 constexpr std::size_t sampleRecordSize = 18;
 
+/// First byte of a frame: what its second byte, the parameter, means.
+enum FrameOpcode : std::uint8_t {
+    FrameFunction = 2,
+    FrameAddressLow = 4,
+    FrameAddressMiddle = 6,
+    FrameAddressHigh = 8,
+    FrameLengthLow = 10,
+    FrameLengthHigh = 12,
+};
+
+/// The parameter of FrameFunction.
+enum FunctionCode : std::uint8_t {
+    FunctionReadMemory = 1,
+    FunctionWriteMemory = 2,
+    FunctionSamplesBefore = 3,
+    FunctionSamplesAfter = 5,
+    FunctionReadTarget = 9,
+    FunctionWriteTarget = 10,
+    FunctionStartTrace = 11,
+    FunctionStopTrace = 12,
+    FunctionStartSearch = 13,
+    FunctionStartPerformance = 15,
+    FunctionStopPerformance = 16,
+    FunctionStartAnomaly = 17,
+    FunctionStopAnomaly = 18,
+    FunctionStartCompliance = 19,
+    FunctionStopCompliance = 20,
+    FunctionStartConfigScan = 21,
+    FunctionStopConfigScan = 22,
+    FunctionExerciserGo = 23,
+    FunctionExerciserStop = 24,
+    FunctionStartStimulus = 25,
+    FunctionStopStimulus = 26,
+    FunctionApplyBaudRate = 29,
+    FunctionFirmwareRecord = 30,
+    FunctionZoomBefore = 35,
+    FunctionZoomAfter = 36,
+    FunctionStartBackplane = 39,
+    FunctionStopBackplane = 40,
+};
+
+/// What the board sends for a good frame or payload, and before and after its data.
+constexpr std::uint8_t acknowledgement = '*';
+
+/// The board's registers, by address.
+enum BoardRegister : std::uint32_t {
+    RegisterStatusBlock = 0,
+    RegisterBaudCode = 15, // inside the status block
+    RegisterBusConfig = 18,
+    RegisterTraceEvents = 20,
+    RegisterTraceControl = 260,
+    RegisterTraceParams = 420,
+    RegisterLiveStatus = 425,
+    RegisterSearchCondition = 440,
+    RegisterSearchControl = 441,
+    RegisterSearchSample = 445,
+    RegisterPerformanceSetup = 499,
+    RegisterPerformanceCounters = 748,
+    RegisterMasterControl = 800,
+    RegisterMasterStatus = 801,
+    RegisterMasterSetup = 802,
+    RegisterMasterAddress = 804,  // inside the master setup
+    RegisterMasterFileData = 816, // inside the master setup
+    RegisterConfigScanControl = 0x352,
+    RegisterConfigScanStatus = 851,
+    RegisterConfigScanResults = 852,
+    RegisterMasterAttributes = 924,
+    RegisterStimulusStatus = 929,
+    RegisterStimulusCondition = 930,
+    RegisterStimulusControl = 1410,
+    RegisterTargetSetup = 1490,
+    RegisterTargetAddress = 1503,
+    RegisterComplianceControl = 1516,
+    RegisterComplianceStatus = 1517,
+    RegisterComplianceTestId = 1518,
+    RegisterComplianceTarget = 1522,
+    RegisterAnomalyChecklist = 1532,
+    RegisterAnomalyResults = 1548,
+    RegisterBackplaneSensitivity = 1550,
+    RegisterBackplaneResult = 1551,
+    RegisterBackplaneSignals = 1552,
+    RegisterStimulusEvents = 1600,
+};
+
+/// How preparation makes the payload of a command.
+enum class PayloadKind : std::uint8_t {
+    None,          // a function alone: no address, no length
+    Caller,        // the caller gives address, length and data
+    CopyLength,    // the same, with a copy of `length` bytes
+    BaudCode,      // from the rate in `address`
+    Encoded,       // by the encoder registered for the command
+    TraceParams,   // three codes from `address`, `length` and `data`
+    SearchControl, // from `length` and `address`
+    LowByte,       // low byte of `address`
+    Copy,          // copy of as many bytes as the row says
+};
+
+struct CommandRow {
+    LinkCommand command;
+    std::string_view name;
+    PayloadKind payload;
+    std::uint32_t address; // of the register, where preparation stores it
+    std::uint32_t bytes;   // that go out, whatever the encoder makes
+};
+
+/// The row of a command; null for a number that is no command.
+[[nodiscard]] const CommandRow* FindCommand(std::int32_t command) noexcept;
+
 /// The command's readable name, for logs and failed tests.
 [[nodiscard]] std::string_view LinkCommandName(std::int32_t command) noexcept;
+
+/// What goes out in a state.
+enum class StateSends : std::uint8_t {
+    AddressLow,
+    AddressMiddle,
+    AddressHigh,
+    LengthLow,
+    LengthHigh,
+    Function,
+    CallersData, // `length` bytes from `data`, which stays the caller's
+    Payload,     // what preparation made, which is dropped then
+};
+
+/// What comes back: an acknowledgement, or data between two of them.
+enum class StateReply : std::uint8_t { Acknowledgement, Bytes, Samples };
+
+struct StateRow {
+    std::int32_t state;
+    StateSends sends;
+    FunctionCode function; // where a function is sent
+    StateReply reply;
+};
+
+/// What a state sends and expects; null outside 1 to 38.
+[[nodiscard]] const StateRow* FindState(std::int32_t state) noexcept;
+
+/// One row of the CommandStateTable. The last row has command 0.
+struct CommandStateRow {
+    std::int32_t command;
+    std::int32_t state;
+    std::int32_t next;
+};
+[[nodiscard]] std::span<const CommandStateRow> CommandStateTable() noexcept;
 
 /// The state that follows `state` in the command's sequence; 0 when the table has no such row.
 [[nodiscard]] std::int32_t NextState(std::int32_t command, std::int32_t state) noexcept;

@@ -1,12 +1,15 @@
 #include "link/analyzer_link.h"
 
-#include "link/link_machine.h"
+#include "link/machine.h"
+
+#include <atomic>
+#include <cassert>
 
 namespace busquill {
 
 namespace {
 
-CAnalyzerLink* theLink = nullptr;
+std::atomic<CAnalyzerLink*> theLink = nullptr;
 
 } // namespace
 
@@ -16,46 +19,53 @@ CAnalyzerLink::CAnalyzerLink(Services services)
 }
 
 CAnalyzerLink::~CAnalyzerLink() {
-    if (theLink == this) {
-        theLink = nullptr;
-    }
+    machine_->ShutDown(); // completions that still run may ask for the instance
+    CAnalyzerLink* self = this;
+    theLink.compare_exchange_strong(self, nullptr);
 }
 
 CAnalyzerLink& CAnalyzerLink::Instance() {
+    assert(theLink != nullptr);
     return *theLink;
 }
 
 LinkRequest* CAnalyzerLink::NewRequest(std::int32_t command, void* owner,
                                        LinkRequest::Completion completion) {
-    auto* request = new LinkRequest;
+    auto request = std::make_unique<LinkRequest>();
     request->command = command;
     request->owner = owner;
     request->completion = completion;
-    return request;
+    return request.release();
 }
 
 void CAnalyzerLink::Submit(LinkRequest* request) {
-    machine_->Submit(request);
+    machine_->Queue().Submit(request);
 }
+
 void CAnalyzerLink::WaitIdle() {
-    machine_->WaitIdle();
+    machine_->Queue().WaitIdle();
 }
+
 bool CAnalyzerLink::Exchange(std::int32_t command, const LinkWords& words) {
     return machine_->Exchange(command, words);
 }
+
 void CAnalyzerLink::RegisterEncoder(std::int32_t command, Encoder encoder) {
-    machine_->RegisterEncoder(command, std::move(encoder));
+    machine_->Queue().RegisterEncoder(command, std::move(encoder));
 }
 
 bool CAnalyzerLink::Open() {
     return machine_->Open();
 }
+
 void CAnalyzerLink::ReadIdentity() {
     machine_->ReadIdentity();
 }
+
 void CAnalyzerLink::SetBaudRate(int rate) {
     machine_->SetBaudRate(rate);
 }
+
 void CAnalyzerLink::Connect(int targetBaud) {
     machine_->Connect(targetBaud);
 }
@@ -63,12 +73,15 @@ void CAnalyzerLink::Connect(int targetBaud) {
 void CAnalyzerLink::ReadBusConfig(BusConfig& out) {
     machine_->ReadBusConfig(out);
 }
+
 void CAnalyzerLink::WriteBusConfig(const BusConfig& in) {
     machine_->WriteBusConfig(in);
 }
+
 void CAnalyzerLink::LoadBusConfig() {
     machine_->LoadBusConfig();
 }
+
 void CAnalyzerLink::SetFamilyListener(std::function<void()> listener) {
     machine_->SetFamilyListener(std::move(listener));
 }
@@ -76,37 +89,48 @@ void CAnalyzerLink::SetFamilyListener(std::function<void()> listener) {
 void CAnalyzerLink::PollLiveStatus() {
     machine_->PollLiveStatus();
 }
+
 void CAnalyzerLink::ClearLiveStatus() {
     machine_->ClearLiveStatus();
 }
+
 std::uint8_t CAnalyzerLink::GetLiveStatus(std::int32_t& before, std::int32_t& after) {
-    return machine_->GetLiveStatus(before, after);
+    const LiveStatus live = machine_->Board().Live();
+    before = live.samplesBefore;
+    after = live.samplesAfter;
+    return live.liveStatus;
 }
+
 std::int32_t CAnalyzerLink::GetEventOccurrences() const noexcept {
-    return machine_->EventOccurrences();
+    return machine_->Board().EventOccurrences();
 }
+
 bool CAnalyzerLink::CommLost() const noexcept {
-    return machine_->CommLost();
+    return machine_->Board().CommLost();
 }
 
 std::vector<std::uint8_t> CAnalyzerLink::ReadRingRaw() {
-    return machine_->ReadRingRaw();
+    return machine_->Queue().Ring().TakeAll();
 }
+
 void CAnalyzerLink::SendRaw(std::span<const std::uint8_t> bytes) {
     machine_->SendRaw(bytes);
 }
+
 void CAnalyzerLink::SendKeepAlive() {
     machine_->SendKeepAlive();
 }
 
 bool CAnalyzerLink::IsDemoMode() const noexcept {
-    return machine_->IsDemoMode();
+    return machine_->Board().IsDemoMode();
 }
+
 BoardIdentity CAnalyzerLink::Identity() const {
-    return machine_->Identity();
+    return machine_->Board().Identity();
 }
+
 BoardTraits CAnalyzerLink::Traits() const {
-    return machine_->Traits();
+    return machine_->Board().Traits();
 }
 
 } // namespace busquill

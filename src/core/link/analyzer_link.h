@@ -69,6 +69,10 @@ struct LinkRequest {
     [[nodiscard]] std::uintptr_t& Length() noexcept { return words[1]; }
     [[nodiscard]] std::uintptr_t& Data() noexcept { return words[2]; }
     [[nodiscard]] std::uintptr_t& Extra() noexcept { return words[3]; }
+    [[nodiscard]] std::uintptr_t Address() const noexcept { return words[0]; }
+    [[nodiscard]] std::uintptr_t Length() const noexcept { return words[1]; }
+    [[nodiscard]] std::uintptr_t Data() const noexcept { return words[2]; }
+    [[nodiscard]] std::uintptr_t Extra() const noexcept { return words[3]; }
     /// The bytes that go out, made when the request is prepared.
     std::vector<std::uint8_t> payload;
 };

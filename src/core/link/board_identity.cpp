@@ -3,130 +3,164 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace busquill {
 
 namespace {
+
+// Layout of the status block.
+constexpr std::size_t modelNameSize = 8;
+constexpr std::size_t offsetSuffix = 8;
+constexpr std::size_t offsetBufferSize = 9;
+constexpr std::size_t offsetFirmware = 11;
+constexpr std::size_t offsetHardware = 12;
+constexpr std::size_t offsetSerialLow = 16;
+constexpr std::size_t offsetSerialHigh = 17;
+
+// Layout of the live status block.
+constexpr std::size_t offsetBefore = 1;
+constexpr std::size_t offsetAfter = 4;
+constexpr std::size_t offsetOccurrences = 7;
+
+// Bits of the first byte of the bus block.
+constexpr unsigned busModeCodeMask = 0x03;
+constexpr unsigned busWidthBit = 0x04;
+constexpr unsigned busVoltageBit = 0x10;
+constexpr unsigned busMasterLockBit = 0x80;
 
 struct Model {
     std::int32_t id;
     std::string_view name;
 };
 
-// clang-format off
-constexpr Model models[] = {
-    {ModelDemo,      "Demo Mode"},
-    {ModelPciKite,   "PCIKite"},
-    {ModelPciWren,   "PCIWren"},
-    {ModelVmeKite,   "VMEKite"},
-    {ModelVmeWren,   "VMEWren"},
-    {ModelVmeLark,   "VMELark"},
-    {ModelPcfKite,   "PCFKite"},
-    {ModelPcfWren,   "PCFWren"},
-    {ModelPmcKite,   "PMCKite"},
-    {ModelPmcWren,   "PMCWren"},
+constexpr std::array<Model, 13> models{{
+    {ModelDemo, "Demo Mode"},
+    {ModelPciKite, "PCIKite"},
+    {ModelPciWren, "PCIWren"},
+    {ModelVmeKite, "VMEKite"},
+    {ModelVmeWren, "VMEWren"},
+    {ModelVmeLark, "VMELark"},
+    {ModelPcfKite, "PCFKite"},
+    {ModelPcfWren, "PCFWren"},
+    {ModelPmcKite, "PMCKite"},
+    {ModelPmcWren, "PMCWren"},
     {ModelVmeKiteP2, "VMEKiteP2"},
     {ModelVmeKiteP0, "VMEKiteP0"},
-    {ModelVsbKite,   "VSBKite"},
-};
-static_assert(std::size(models) == 13);
+    {ModelVsbKite, "VSBKite"},
+}};
 
-constexpr std::int32_t demoModes[] = {BusPci, BusPciX, BusVme, Bus2eVme, Bus2eSst,
-                                      BusVmeP2, BusVmeP0, BusVsb};
-constexpr std::int32_t pciKiteModes[] = {BusPci, BusPciX};
-constexpr std::int32_t pciWrenModes[] = {BusPci};
-constexpr std::int32_t vmeKiteModes[] = {BusVme, Bus2eVme, Bus2eSst};
-constexpr std::int32_t vmeModes[]     = {BusVme};
-constexpr std::int32_t p2Modes[]      = {BusVmeP2};
-constexpr std::int32_t p0Modes[]      = {BusVmeP0};
-constexpr std::int32_t vsbModes[]     = {BusVsb};
-
-struct ModelModes {
-    std::int32_t id;
-    std::span<const std::int32_t> modes;
+struct OfferedModes {
+    std::int32_t model;
+    std::size_t count;
+    std::array<std::int32_t, 8> modes;
 };
 
-constexpr ModelModes modesOfModels[] = {
-    {ModelDemo,      demoModes},
-    {ModelPciKite,   pciKiteModes},
-    {ModelPcfKite,   pciKiteModes},
-    {ModelPmcKite,   pciKiteModes},
-    {ModelPciWren,   pciWrenModes},
-    {ModelPcfWren,   pciWrenModes},
-    {ModelPmcWren,   pciWrenModes},
-    {ModelVmeKite,   vmeKiteModes},
-    {ModelVmeWren,   vmeModes},
-    {ModelVmeLark,   vmeModes},
-    {ModelVmeKiteP2, p2Modes},
-    {ModelVmeKiteP0, p0Modes},
-    {ModelVsbKite,   vsbModes},
-};
+// clang-format off
+constexpr std::array<OfferedModes, 13> offeredModes{{
+    {ModelDemo,      8, {BusPci, BusPciX, BusVme, Bus2eVme, Bus2eSst, BusVmeP2, BusVmeP0, BusVsb}},
+    {ModelPciKite,   2, {BusPci, BusPciX}},
+    {ModelPciWren,   1, {BusPci}},
+    {ModelVmeKite,   3, {BusVme, Bus2eVme, Bus2eSst}},
+    {ModelVmeWren,   1, {BusVme}},
+    {ModelVmeLark,   1, {BusVme}},
+    {ModelPcfKite,   2, {BusPci, BusPciX}},
+    {ModelPcfWren,   1, {BusPci}},
+    {ModelPmcKite,   2, {BusPci, BusPciX}},
+    {ModelPmcWren,   1, {BusPci}},
+    {ModelVmeKiteP2, 1, {BusVmeP2}},
+    {ModelVmeKiteP0, 1, {BusVmeP0}},
+    {ModelVsbKite,   1, {BusVsb}},
+}};
+// clang-format on
+static_assert(offeredModes.front().model == ModelDemo, "serves the models that have no row");
 
-constexpr std::string_view busModeNames[] = {
+constexpr std::array<std::string_view, 10> busModeNames{
     "PCI", "PCI-X", "VME", "2eVME", "2eSST", "PC/104", "PC/104+", "VMEP2", "VMEP0", "VSB",
 };
-static_assert(std::size(busModeNames) == BusVsb + 1);
 
-// The status block.
-constexpr std::size_t nameLength     = 8;
-constexpr std::size_t suffixOffset   = 8;
-constexpr std::size_t bufferOffset   = 9;
-constexpr std::size_t firmwareOffset = 11;
-constexpr std::size_t hardwareOffset = 12;
-constexpr std::size_t serialOffset   = 16;
-
-// The bus block.
-constexpr std::uint8_t modeCodeMask  = 0x03;
-constexpr std::uint8_t width64Bit    = 0x04;
-constexpr std::uint8_t voltage33Bit  = 0x10;
-constexpr std::uint8_t masterLockBit = 0x80;
-// clang-format on
-
-bool Contains(const std::string& text, std::string_view part) noexcept {
-    return text.find(part) != std::string::npos;
-}
-
-std::int32_t LittleEndian(std::span<const std::uint8_t> bytes) noexcept {
+template <std::size_t count>
+std::int32_t LittleEndian(const std::uint8_t* bytes) noexcept {
     std::int32_t value = 0;
-    for (std::size_t i = bytes.size(); i-- > 0;) {
-        value = value << 8 | bytes[i];
+    for (std::size_t i = count; i-- > 0;) {
+        value = value * 256 + bytes[i];
     }
     return value;
 }
 
-std::int32_t FromBcd(std::uint8_t low, std::uint8_t high) noexcept {
-    return ((high >> 4) * 10 + (high & 15)) * 100 + (low >> 4) * 10 + (low & 15);
+std::string Tenths(int revision) {
+    return Printf("%d.%d", revision / 10, revision % 10);
 }
 
-std::string Revision(std::uint8_t tenths) {
-    return Printf("%d.%d", tenths / 10, tenths % 10);
+std::int32_t SerialNumber(int low, int high) noexcept {
+    const int d0 = low % 16;
+    const int d1 = low / 16;
+    const int d2 = high % 16;
+    const int d3 = high / 16;
+    return ((d3 * 10 + d2) * 10 + d1) * 10 + d0;
+}
+
+std::int32_t BusModeFromCode(unsigned code, std::int32_t modelId) noexcept {
+    switch (modelId) {
+    case ModelPciKite:
+    case ModelPcfKite:
+    case ModelPmcKite:
+        return code == 1 ? BusPciX : BusPci;
+    case ModelVmeKite:
+        return code == 1 ? Bus2eVme : code == 2 ? Bus2eSst : BusVme;
+    case ModelVmeWren:
+    case ModelVmeLark:
+        return BusVme;
+    case ModelVmeKiteP2:
+        return BusVmeP2;
+    case ModelVmeKiteP0:
+        return BusVmeP0;
+    case ModelVsbKite:
+        return BusVsb;
+    default:
+        return BusPci;
+    }
+}
+
+unsigned BusModeCode(std::int32_t busMode) noexcept {
+    switch (busMode) {
+    case BusPciX:
+    case Bus2eVme:
+    case BusPc104:
+    case BusPc104Plus:
+        return 1;
+    case Bus2eSst:
+        return 2;
+    default:
+        return 0;
+    }
 }
 
 } // namespace
 
 bool BoardTraits::IsWrenBoard() const noexcept {
-    return Contains(modelString, "Wren");
+    return modelString.find("Wren") != std::string::npos;
 }
 
 bool BoardTraits::IsVmeFamily() const noexcept {
-    return Contains(modelString, "VME") ||
+    return modelString.find("VME") != std::string::npos ||
            (demoMode && bus.busMode >= BusVme && bus.busMode <= Bus2eSst);
 }
 
 bool BoardTraits::IsVmeLark() const noexcept {
-    return IsVmeFamily() && Contains(modelString, "Lark");
+    return IsVmeFamily() && modelString.find("Lark") != std::string::npos;
 }
 
 bool BoardTraits::IsVmeKiteP2() const noexcept {
-    return IsVmeFamily() && Contains(modelString, "KiteP2");
+    return IsVmeFamily() && modelString.find("KiteP2") != std::string::npos;
 }
 
 bool BoardTraits::IsVmeKiteP0() const noexcept {
-    return IsVmeFamily() && Contains(modelString, "KiteP0");
+    return IsVmeFamily() && modelString.find("KiteP0") != std::string::npos;
 }
 
 bool BoardTraits::IsVsbFamily() const noexcept {
-    return Contains(modelString, "VSB") || (demoMode && bus.busMode == BusVsb);
+    return modelString.find("VSB") != std::string::npos || (demoMode && bus.busMode == BusVsb);
 }
 
 bool BoardTraits::IsPciXMode() const noexcept {
@@ -142,116 +176,84 @@ bool BoardTraits::IsPci64() const noexcept {
 }
 
 std::string_view BusModeName(std::int32_t busMode) noexcept {
-    const bool known = busMode > BusPci && busMode <= BusVsb;
-    return busModeNames[static_cast<std::size_t>(known ? busMode : BusPci)];
+    const auto index = static_cast<std::size_t>(busMode);
+    return index < busModeNames.size() ? busModeNames[index] : busModeNames.front();
 }
 
 std::span<const std::int32_t> BusModesOf(std::int32_t modelId) noexcept {
-    for (const ModelModes& row : modesOfModels) {
-        if (row.id == modelId) {
-            return row.modes;
-        }
+    const auto* row = std::ranges::find(offeredModes, modelId, &OfferedModes::model);
+    if (row == offeredModes.end()) {
+        row = offeredModes.begin();
     }
-    return demoModes;
+    return std::span(row->modes).first(row->count);
 }
 
 BoardIdentity ParseIdentity(std::span<const std::uint8_t, statusBlockSize> block,
                             const BoardIdentity& previous) {
-    std::string name(block.begin(), block.begin() + nameLength);
-    name.resize(std::min(name.find('\0'), name.size()));
-    name = TrimRight(name);
+    const auto field = block.first<modelNameSize>();
+    const std::string name = TrimRight(std::string(field.begin(), std::ranges::find(field, 0)));
 
     BoardIdentity identity;
-    identity.modelString = Printf("%s-%d", name.c_str(), block[suffixOffset]);
-    identity.modelId = previous.modelId;
-    for (const Model& model : models) {
-        if (EqualIgnoringCase(model.name, name)) {
-            identity.modelId = model.id;
-        }
-    }
-    identity.bufferSizeK = LittleEndian(block.subspan(bufferOffset, 2));
-    identity.firmwareRevision = Revision(block[firmwareOffset]);
-    identity.hardwareRevision = Revision(block[hardwareOffset]);
-    identity.serialNumber = FromBcd(block[serialOffset], block[serialOffset + 1]);
+    identity.modelString = Printf("%s-%d", name.c_str(), block[offsetSuffix]);
+    const auto* model = std::ranges::find_if(
+        models, [&](const Model& row) { return EqualIgnoringCase(row.name, name); });
+    identity.modelId = model == models.end() ? previous.modelId : model->id;
+    identity.bufferSizeK = LittleEndian<2>(&block[offsetBufferSize]);
+    identity.serialNumber = SerialNumber(block[offsetSerialLow], block[offsetSerialHigh]);
+    identity.firmwareRevision = Tenths(block[offsetFirmware]);
+    identity.hardwareRevision = Tenths(block[offsetHardware]);
     return identity;
 }
 
 BusConfig ParseBusConfig(std::span<const std::uint8_t, busBlockSize> block,
                          std::int32_t modelId) noexcept {
-    const int code = block[0] & modeCodeMask;
-    BusConfig config;
+    const unsigned bits = block[0];
+    return {.busMode = BusModeFromCode(bits & busModeCodeMask, modelId),
+            .busWidth = (bits & busWidthBit) != 0,
+            .busVoltage = (bits & busVoltageBit) != 0,
+            .busFrequency = block[1],
+            .masterLock = (bits & busMasterLockBit) != 0};
+}
+
+std::array<std::uint8_t, busBlockSize> EncodeBusConfig(const BusConfig& config) noexcept {
+    unsigned bits = BusModeCode(config.busMode);
+    bits |= config.busWidth == 1 ? busWidthBit : 0;
+    bits |= config.busVoltage == 1 ? busVoltageBit : 0;
+    bits |= config.masterLock != 0 ? busMasterLockBit : 0;
+    return {static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(config.busFrequency)};
+}
+
+LiveStatus ParseLiveStatus(std::span<const std::uint8_t, liveBlockSize> block) noexcept {
+    return {.liveStatus = block[0],
+            .samplesBefore = LittleEndian<3>(&block[offsetBefore]),
+            .samplesAfter = LittleEndian<3>(&block[offsetAfter]),
+            .eventOccurrences = LittleEndian<2>(&block[offsetOccurrences])};
+}
+
+std::int32_t CorrectBusMode(std::int32_t busMode, std::int32_t modelId) noexcept {
     switch (modelId) {
     case ModelPciKite:
     case ModelPcfKite:
     case ModelPmcKite:
-        config.busMode = code == 1 ? BusPciX : BusPci;
-        break;
+        return busMode == BusPciX ? BusPciX : BusPci;
+    case ModelPciWren:
+    case ModelPcfWren:
+    case ModelPmcWren:
+        return BusPci;
     case ModelVmeKite:
-        config.busMode = code == 1 ? Bus2eVme : code == 2 ? Bus2eSst : BusVme;
-        break;
+        return busMode == Bus2eVme || busMode == Bus2eSst ? busMode : BusVme;
     case ModelVmeWren:
     case ModelVmeLark:
-        config.busMode = BusVme;
-        break;
+        return BusVme;
     case ModelVmeKiteP2:
-        config.busMode = BusVmeP2;
-        break;
+        return BusVmeP2;
     case ModelVmeKiteP0:
-        config.busMode = BusVmeP0;
-        break;
+        return BusVmeP0;
     case ModelVsbKite:
-        config.busMode = BusVsb;
-        break;
+        return BusVsb;
     default:
-        config.busMode = BusPci;
-    }
-    config.busWidth = (block[0] & width64Bit) != 0 ? 1 : 0;
-    config.busVoltage = (block[0] & voltage33Bit) != 0 ? 1 : 0;
-    config.masterLock = (block[0] & masterLockBit) != 0 ? 1 : 0;
-    config.busFrequency = block[1];
-    return config;
-}
-
-std::array<std::uint8_t, busBlockSize> EncodeBusConfig(const BusConfig& config) noexcept {
-    std::uint8_t first = 0;
-    switch (config.busMode) {
-    case BusPciX:
-    case Bus2eVme:
-    case BusPc104:
-    case BusPc104Plus:
-        first = 1;
-        break;
-    case Bus2eSst:
-        first = 2;
-        break;
-    default:
-        break;
-    }
-    if (config.busWidth == 1) {
-        first |= width64Bit;
-    }
-    if (config.busVoltage == 1) {
-        first |= voltage33Bit;
-    }
-    if (config.masterLock != 0) {
-        first |= masterLockBit;
-    }
-    return {first, static_cast<std::uint8_t>(config.busFrequency)};
-}
-
-LiveStatus ParseLiveStatus(std::span<const std::uint8_t, liveBlockSize> block) noexcept {
-    return {block[0], LittleEndian(block.subspan(1, 3)), LittleEndian(block.subspan(4, 3)),
-            LittleEndian(block.subspan(7, 2))};
-}
-
-std::int32_t CorrectBusMode(std::int32_t busMode, std::int32_t modelId) noexcept {
-    // Only boards, Demo Mode keeps whatever was stored.
-    if (modelId <= ModelDemo || modelId > ModelVsbKite) {
         return busMode;
     }
-    const auto allowed = BusModesOf(modelId);
-    const bool fits = std::find(allowed.begin(), allowed.end(), busMode) != allowed.end();
-    return fits ? busMode : allowed.front();
 }
 
 } // namespace busquill

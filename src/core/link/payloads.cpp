@@ -1,86 +1,31 @@
 #include "link/payloads.h"
 
-#include <algorithm>
+#include <array>
 
 namespace busquill {
 
 namespace {
 
-enum class Payload { Caller, Encoded, Copy, LowAddress, BaudCode, TraceParams, SearchControl };
-
-struct CommandRow {
-    std::int32_t command;
-    std::uint32_t address;
-    std::uint32_t bytes;
-    Payload payload;
-};
-
-// Commands that are not listed take address, length and buffer from the caller, or have none.
-// clang-format off
-constexpr CommandRow fixedRows[] = {
-    {CmdSetBaudRate,               15,   1, Payload::BaudCode},
-    {CmdTraceControl,             260, 160, Payload::Encoded},
-    {CmdTraceEvents,               20, 240, Payload::Encoded},
-    {CmdTraceParams,              420,   3, Payload::TraceParams},
-    {CmdSearchControl,            441,   4, Payload::SearchControl},
-    {CmdSearchCondition,          440,   1, Payload::LowAddress},
-    {CmdSearchSample,             445,  30, Payload::Encoded},
-    {CmdPerformanceSetup,         499, 241, Payload::Encoded},
-    {CmdAnomalyChecklist,        1532,  16, Payload::Copy},
-    {CmdConfigScanControl,      0x352,   1, Payload::LowAddress},
-    {CmdComplianceControl,       1516,   1, Payload::LowAddress},
-    {CmdComplianceTestId,        1518,   4, Payload::Copy},
-    {CmdMasterSetup,              802,  48, Payload::Copy},
-    {CmdMasterAddress,            804,   9, Payload::Copy},
-    {CmdMasterControl,            800,   1, Payload::LowAddress},
-    {CmdMasterFileData,           816,  32, Payload::Copy},
-    {CmdStimulusControl,         1410,  80, Payload::Encoded},
-    {CmdStimulusCondition,        930, 480, Payload::Encoded},
-    {CmdComplianceTargetAddress, 1522,   8, Payload::Copy},
-    {CmdSetBusConfig,              18,   2, Payload::Encoded},
-    {CmdMasterAttributes,         924,   4, Payload::Copy},
-    {CmdStimulusEvents,          1600, 240, Payload::Encoded},
-    {CmdTargetSetup,             1490,  12, Payload::Copy},
-    {CmdTargetAddress,           1503,  11, Payload::Copy},
-    {CmdBackplaneSignals,        1552,  28, Payload::Copy},
-    {CmdBackplaneSensitivity,    1550,   1, Payload::LowAddress},
-};
-// clang-format on
-
 using Bytes = std::vector<std::uint8_t>;
 
-std::uint8_t BaudCode(std::uint32_t rate) noexcept {
-    switch (rate) {
-    case 19200:
-        return 1;
-    case 28800:
+std::uint8_t LowByte(std::uint32_t value) noexcept {
+    return static_cast<std::uint8_t>(value);
+}
+
+/// Byte 0 of the trace parameters. The first two steps of the scale are swapped.
+std::uint8_t FirstTraceCode(std::uint32_t value) noexcept {
+    switch (value) {
+    case 1:
         return 2;
-    case 38400:
-        return 3;
-    case 57600:
-        return 4;
-    case 115200:
-        return 5;
-    case 750000:
-        return 6;
+    case 3:
+        return 1;
     default:
-        return 0;
+        return value >= 4 && value <= 16 ? LowByte(value - 1) : 0;
     }
 }
 
-// The first two values are swapped against the rest of the scale.
-std::uint8_t SampleClockCode(std::uint32_t index) noexcept {
-    if (index == 1) {
-        return 2;
-    }
-    if (index == 3) {
-        return 1;
-    }
-    return index >= 4 && index <= 16 ? static_cast<std::uint8_t>(index - 1) : 0;
-}
-
-std::uint8_t TriggerPositionCode(std::uint32_t index) noexcept {
-    switch (index) {
+std::uint8_t SecondTraceCode(std::uint32_t value) noexcept {
+    switch (value) {
     case 1:
         return 3;
     case 2:
@@ -94,63 +39,68 @@ std::uint8_t TriggerPositionCode(std::uint32_t index) noexcept {
     }
 }
 
-std::uint8_t ZoomClockCode(std::uint32_t index) noexcept {
-    return index >= 1 && index <= 8 ? static_cast<std::uint8_t>(index - 1) : 0;
+std::uint8_t ThirdTraceCode(std::uint32_t value) noexcept {
+    return value >= 1 && value <= 8 ? LowByte(value - 1) : 0;
 }
 
 Bytes CopyOf(std::uintptr_t data, std::size_t count) {
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);
-    return bytes == nullptr ? Bytes() : Bytes(bytes, bytes + count);
+    return bytes == nullptr ? Bytes(count) : Bytes(bytes, bytes + count);
 }
 
-Bytes MakePayload(const CommandRow& row, LinkRequest& request, const EncoderMap& encoders) {
-    const auto address = static_cast<std::uint32_t>(request.Address());
-    const auto length = static_cast<std::uint32_t>(request.Length());
+Bytes MakePayload(const LinkRequest& request, const CommandRow& row,
+                  const PayloadEncoders& encoders) {
+    const std::uint32_t address = Number(request.Address());
+    const std::uint32_t length = Number(request.Length());
     switch (row.payload) {
-    case Payload::Encoded: {
-        const auto encoder = encoders.find(row.command);
-        return encoder == encoders.end() ? Bytes() : encoder->second(request);
-    }
-    case Payload::Copy:
+    case PayloadKind::None:
+    case PayloadKind::Caller:
+        return {};
+    case PayloadKind::CopyLength:
+        return CopyOf(request.Data(), length);
+    case PayloadKind::Copy:
         return CopyOf(request.Data(), row.bytes);
-    case Payload::LowAddress:
-        return {static_cast<std::uint8_t>(address)};
-    case Payload::BaudCode:
-        return {BaudCode(address)};
-    case Payload::TraceParams:
-        return {SampleClockCode(address), TriggerPositionCode(length),
-                ZoomClockCode(static_cast<std::uint32_t>(request.Data()))};
-    case Payload::SearchControl:
-        return {static_cast<std::uint8_t>(length * 2), static_cast<std::uint8_t>(address),
-                static_cast<std::uint8_t>(address >> 8), static_cast<std::uint8_t>(address >> 16)};
-    case Payload::Caller:
+    case PayloadKind::BaudCode:
+        return {BaudCode(static_cast<std::int32_t>(address))};
+    case PayloadKind::LowByte:
+        return {LowByte(address)};
+    case PayloadKind::TraceParams:
+        return {FirstTraceCode(address), SecondTraceCode(length),
+                ThirdTraceCode(Number(request.Data()))};
+    case PayloadKind::SearchControl:
+        return {LowByte(length * 2), LowByte(address), LowByte(address >> 8),
+                LowByte(address >> 16)};
+    case PayloadKind::Encoded:
         break;
     }
-    return {};
+    const auto encoder = encoders.find(row.command);
+    Bytes payload = encoder == encoders.end() ? Bytes() : encoder->second(request);
+    // The board takes a fixed count, also where fewer rows are in use.
+    payload.resize(row.bytes);
+    return payload;
 }
 
 } // namespace
 
-void EncodeParameters(LinkRequest& request, const EncoderMap& encoders) {
-    request.payload.clear();
-    if (request.command == CmdTargetData || request.command == CmdDownloadRecord) {
-        request.payload = CopyOf(request.Data(), static_cast<std::uint32_t>(request.Length()));
+std::uint8_t BaudCode(std::int32_t rate) noexcept {
+    constexpr std::array<std::int32_t, 6> rates{19200, 28800, 38400, 57600, 115200, 750000};
+    for (std::size_t i = 0; i < rates.size(); ++i) {
+        if (rates[i] == rate) {
+            return static_cast<std::uint8_t>(i + 1);
+        }
+    }
+    return 0;
+}
+
+void PreparePayload(LinkRequest& request, const PayloadEncoders& encoders) {
+    const CommandRow* row = FindCommand(request.command);
+    if (row == nullptr) {
         return;
     }
-    const auto* row =
-        std::find_if(std::begin(fixedRows), std::end(fixedRows), [&](const CommandRow& candidate) {
-            return candidate.command == request.command;
-        });
-    if (row == std::end(fixedRows)) {
-        return;
-    }
-    request.payload = MakePayload(*row, request, encoders);
-    // What an encoder leaves out goes to the board as zeros.
-    request.payload.resize(row->bytes);
-    request.Address() = row->address;
-    request.Length() = row->bytes;
-    if (request.command == CmdSetBaudRate) {
-        request.Data() = request.payload.front();
+    request.payload = MakePayload(request, *row, encoders);
+    if (row->bytes != 0) {
+        request.Address() = row->address;
+        request.Length() = row->bytes;
     }
 }
 

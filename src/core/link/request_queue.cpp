@@ -1,109 +1,112 @@
-#include "link/link_machine.h"
+#include "link/request_queue.h"
+
+#include "link/board_state.h"
+#include "link/link_port.h"
+#include "link/link_thread.h"
 #include "platform/clock.h"
+#include "platform/main_thread.h"
+#include "platform/prompts.h"
 #include "platform/text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace busquill {
 
 namespace {
 
-constexpr std::uint8_t acknowledge = '*';
-constexpr std::uint8_t outPipe = 2;
-constexpr std::uint8_t inPipe = 0x82;
+using namespace std::chrono_literals;
 
-constexpr std::int32_t triesInIdentification = 1;
-constexpr std::int32_t triesElsewhere = 4;
-constexpr std::chrono::milliseconds idleLimit{5000};
+constexpr auto idleLimit = 5s;
 
-enum Opcode : std::uint8_t {
-    OpFunction = 2,
-    OpAddressLow = 4,
-    OpAddressMiddle = 6,
-    OpAddressHigh = 8,
-    OpLengthLow = 10,
-    OpLengthHigh = 12,
-};
+constexpr std::int32_t tryLimit = 4;
+constexpr std::int32_t tryLimitIdentify = 1;
 
-enum class Sends { Nothing, Address, Length, Function, Payload, DataByte };
-enum class Reply { Acknowledge, Bytes, Records };
+// Milliseconds that a board has for its answer.
+constexpr std::int64_t answerTime = 2000;
+constexpr std::int64_t answerTimeVme = 4000;
+constexpr std::int64_t answerTimeSearch = 60000;
+/// A byte takes 11 bit times on the wire: this, divided by the rate, is milliseconds.
+constexpr std::int64_t byteTime = 11000;
 
-/// What a state sends and what comes back.
-struct StateAction {
-    Sends sends = Sends::Nothing;
-    std::uint8_t opcode = 0;
-    std::uint8_t parameter = 0; // function code, or the shift of an address or length byte
-    Reply reply = Reply::Acknowledge;
-};
+constexpr std::uint32_t framing = 2; // the acknowledgements around data
 
-constexpr StateAction FunctionState(std::uint8_t code, Reply reply = Reply::Acknowledge) {
-    return {Sends::Function, OpFunction, code, reply};
-}
-
-constexpr StateAction actions[finalState] = {
-    {},                                   // 0: never sent
-    {Sends::Address, OpAddressLow, 0},    // 1
-    {Sends::Address, OpAddressMiddle, 8}, // 2
-    {Sends::Address, OpAddressHigh, 16},  // 3
-    {Sends::Length, OpLengthLow, 0},      // 4
-    {Sends::Length, OpLengthHigh, 8},     // 5
-    FunctionState(30),                    // 6: firmware record
-    {Sends::Payload},                     // 7
-    FunctionState(2),                     // 8: write memory
-    {Sends::DataByte},                    // 9
-    FunctionState(29),                    // 10: apply new baud rate
-    FunctionState(1, Reply::Bytes),       // 11: read memory
-    FunctionState(3, Reply::Records),     // 12: samples before the trigger
-    FunctionState(5, Reply::Records),     // 13: samples after the trigger
-    FunctionState(2),                     // 14: write memory
-    {Sends::Payload},                     // 15
-    FunctionState(2),                     // 16: write memory
-    {Sends::Payload},                     // 17
-    FunctionState(11),                    // 18: start trace
-    FunctionState(12),                    // 19: stop trace
-    FunctionState(13),                    // 20: start search
-    FunctionState(15),                    // 21: start performance
-    FunctionState(16),                    // 22: stop performance
-    FunctionState(17),                    // 23: start anomaly detection
-    FunctionState(18),                    // 24: stop anomaly detection
-    FunctionState(21),                    // 25: start configuration scan
-    FunctionState(22),                    // 26: stop configuration scan
-    FunctionState(19),                    // 27: start compliance test
-    FunctionState(20),                    // 28: stop compliance test
-    FunctionState(23),                    // 29: exerciser go
-    FunctionState(24),                    // 30: exerciser stop
-    FunctionState(25),                    // 31: start stimulus
-    FunctionState(26),                    // 32: stop stimulus
-    FunctionState(35, Reply::Records),    // 33: zoom samples before the trigger
-    FunctionState(36, Reply::Records),    // 34: zoom samples after the trigger
-    FunctionState(9, Reply::Bytes),       // 35: read target data
-    FunctionState(10),                    // 36: write target data
-    FunctionState(39),                    // 37: start backplane test
-    FunctionState(40),                    // 38: stop backplane test
-};
-
-bool IsKnownState(std::int32_t state) noexcept {
-    return state >= 1 && state < finalState;
-}
-
-const StateAction& ActionOf(const LinkRequest& request) noexcept {
-    return actions[static_cast<std::size_t>(request.state)];
-}
-
-std::int32_t ReplyLength(LinkRequest& request) {
-    const auto length = static_cast<std::int32_t>(request.Length());
-    switch (ActionOf(request).reply) {
-    case Reply::Bytes:
-        return length + 2;
-    case Reply::Records:
-        return length * static_cast<std::int32_t>(sampleRecordSize) + 2;
-    case Reply::Acknowledge:
+std::int32_t ReplyLength(const StateRow& state, std::uint32_t length) noexcept {
+    switch (state.reply) {
+    case StateReply::Bytes:
+        return static_cast<std::int32_t>(length + framing);
+    case StateReply::Samples:
+        return static_cast<std::int32_t>(length * std::uint32_t{sampleRecordSize} + framing);
+    case StateReply::Acknowledgement:
         break;
     }
     return 1;
 }
 
-void Dispose(LinkRequest* request) {
+/// Completions that a thread owes to requests submitted with no port. A completion may submit the
+/// next request of a chain, so they are run by a loop and not inside one another.
+struct OwedCompletions {
+    std::deque<LinkRequest*> requests;
+    bool running = false;
+};
+thread_local OwedCompletions owed;
+
+} // namespace
+
+RequestQueue::RequestQueue(const BoardState& board, const LinkConditions& conditions,
+                           Prompts& prompts, Clock& clock, MainThread& mainThread)
+    : board_(board), conditions_(conditions), prompts_(prompts), clock_(clock),
+      mainThread_(mainThread) {}
+
+RequestQueue::~RequestQueue() {
+    const MutexLock lock(queueLock_);
+    for (const LinkRequest* request : requestQueue_) {
+        delete request;
+    }
+}
+
+void RequestQueue::RegisterEncoder(std::int32_t command, CAnalyzerLink::Encoder encoder) {
+    const MutexLock lock(queueLock_);
+    encoders_[command] = std::move(encoder);
+}
+
+std::shared_ptr<LinkPort> RequestQueue::Port() const {
+    const LeafLock lock(portLock_);
+    return port_;
+}
+
+void RequestQueue::SetPort(std::shared_ptr<LinkPort> port) {
+    const LeafLock lock(portLock_);
+    port_.swap(port);
+}
+
+bool RequestQueue::ReleasePort(const std::shared_ptr<LinkPort>& port) {
+    const LeafLock lock(portLock_);
+    if (port_ == nullptr || port_ != port) {
+        return false;
+    }
+    port_.reset();
+    return true;
+}
+
+void RequestQueue::Submit(LinkRequest* request) {
+    if (Port() != nullptr) {
+        const MutexLock lock(queueLock_);
+        if (Port() != nullptr) { // it may have been closed while this thread waited
+            request->savedWords = request->words;
+            Prepare(*request);
+            requestQueue_.push_back(request);
+            if (requestQueue_.size() == 1) {
+                ring_.Discard();
+                StartHead();
+            }
+            return;
+        }
+    }
+    CompleteAtOnce(request);
+}
+
+void RequestQueue::Complete(LinkRequest* request) {
     if (request->completion != nullptr) {
         request->completion(request);
     } else {
@@ -111,48 +114,54 @@ void Dispose(LinkRequest* request) {
     }
 }
 
-} // namespace
-
-void CAnalyzerLink::Machine::RegisterEncoder(std::int32_t command, Encoder encoder) {
-    const MutexLock lock(queueLock_);
-    encoders_[command] = std::move(encoder);
-}
-
-void CAnalyzerLink::Machine::Submit(LinkRequest* request) {
-    if (port_ == Port::Closed) {
-        CompleteAtOnce(request);
-        return;
-    }
-    const MutexLock lock(queueLock_);
-    request->savedWords = request->words;
-    Prepare(*request);
-    queue_.push_back(request);
-    if (queue_.size() == 1) {
-        ring_.Discard();
-        StartHead();
-    }
-}
-
-// A completion may submit the next request of its chain: the chain runs as a loop, so that its
-// length does not show in the stack.
-void CAnalyzerLink::Machine::CompleteAtOnce(LinkRequest* request) {
-    static thread_local std::deque<LinkRequest*>* running = nullptr;
+void RequestQueue::CompleteAtOnce(LinkRequest* request) {
     request->result = LinkOk;
-    if (running != nullptr) {
-        running->push_back(request);
+    owed.requests.push_back(request);
+    if (owed.running) {
         return;
     }
-    std::deque<LinkRequest*> chain = {request};
-    running = &chain;
-    while (!chain.empty()) {
-        LinkRequest* next = chain.front();
-        chain.pop_front();
-        Dispose(next);
+    owed.running = true;
+    while (!owed.requests.empty()) {
+        LinkRequest* next = owed.requests.front();
+        owed.requests.pop_front();
+        Complete(next);
     }
-    running = nullptr;
+    owed.running = false;
 }
 
-void CAnalyzerLink::Machine::Prepare(LinkRequest& request) {
+void RequestQueue::RunOwedCompletions() {
+    while (!owed.requests.empty()) {
+        LinkRequest* next = owed.requests.front();
+        owed.requests.pop_front();
+        Complete(next);
+    }
+}
+
+void RequestQueue::WaitIdle() {
+    RunOwedCompletions();
+    // The head is removed before its completion runs; whoever waits here wants what that leaves.
+    const LinkThread* self = LinkThread::OnThisThread();
+    mainThread_.WaitUntil(idleLimit, [this, self] {
+        const MutexLock lock(queueLock_);
+        const LinkThread* completing = completing_;
+        return requestQueue_.empty() && (completing == nullptr || completing == self);
+    });
+}
+
+void RequestQueue::FinishAllAtOnce() {
+    std::deque<LinkRequest*> waiting;
+    {
+        const MutexLock lock(queueLock_);
+        waiting.swap(requestQueue_);
+    }
+    for (LinkRequest* request : waiting) {
+        CompleteAtOnce(request);
+    }
+    mainThread_.Wake();
+}
+
+// retries and ringWriteAtFail stay: they tell of the command, not of one try.
+void RequestQueue::Prepare(LinkRequest& request) {
     request.state = 0;
     request.replyLength = 0;
     request.bytesSeen = 0;
@@ -161,317 +170,274 @@ void CAnalyzerLink::Machine::Prepare(LinkRequest& request) {
     request.ringReadAtFail = 0;
     request.firstByte = 0;
     request.lastByte = 0;
-    const std::int32_t first = NextState(request.command, 0);
-    if (first == 0) {
-        services_.prompts.TopmostMessage(
+
+    request.state = NextState(request.command, 0);
+    if (request.state == 0) {
+        prompts_.TopmostMessage(
             Printf("Error finding initial state for serial command %d.", request.command));
     }
-    request.state = first;
-    EncodeParameters(request, encoders_);
+    PreparePayload(request, encoders_);
 }
 
-void CAnalyzerLink::Machine::StartHead() {
-    if (queue_.empty() || !IsKnownState(queue_.front()->state)) {
+void RequestQueue::PrepareAgain() {
+    LinkRequest& head = *requestQueue_.front();
+    head.words = head.savedWords;
+    Prepare(head);
+    ring_.Discard();
+    StartHead();
+}
+
+void RequestQueue::RestartHead() {
+    const MutexLock lock(queueLock_);
+    if (!requestQueue_.empty()) {
+        PrepareAgain();
+    }
+}
+
+void RequestQueue::StartHead() {
+    if (requestQueue_.empty()) {
         return;
     }
-    LinkRequest& request = *queue_.front();
-    const StateAction& action = ActionOf(request);
-    request.replyLength = ReplyLength(request);
-    switch (action.sends) {
-    case Sends::Address:
-        SendFrame(action.opcode, static_cast<std::uint8_t>(request.Address() >> action.parameter),
-                  &request);
-        break;
-    case Sends::Length:
-        SendFrame(action.opcode, static_cast<std::uint8_t>(request.Length() >> action.parameter),
-                  &request);
-        break;
-    case Sends::Function:
-        SendFrame(action.opcode, action.parameter, &request);
-        break;
-    case Sends::DataByte:
-    case Sends::Payload: {
-        const std::vector<std::uint8_t> payload = std::move(request.payload);
-        request.payload.clear();
-        SendBytes(payload, &request);
-        break;
-    }
-    case Sends::Nothing:
-        break;
-    }
-}
-
-void CAnalyzerLink::Machine::SendFrame(std::uint8_t opcode, std::uint8_t parameter,
-                                       LinkRequest* request) {
-    lastSendTime_ = services_.clock.Time();
-    SendBytes(std::array{opcode, parameter}, request);
-}
-
-void CAnalyzerLink::Machine::SendBytes(std::span<const std::uint8_t> bytes, LinkRequest* request) {
-    if (port_ == Port::Closed) {
-        return;
-    }
-    if (overUsb_) {
-        SendOverUsb(bytes, request);
-        return;
-    }
-    if (const int error = serial_ ? serial_->Write(bytes) : 0; error != 0) {
-        services_.prompts.TopmostMessage(
-            Printf("Error writing to %s, err %d", portName_.c_str(), error));
-    }
-}
-
-void CAnalyzerLink::Machine::SendOverUsb(std::span<const std::uint8_t> bytes,
-                                         LinkRequest* request) {
-    bool sent = port_ != Port::Reopen || ReopenUsb();
-    if (sent) {
-        sent = usb_ && usb_->Write(outPipe, bytes).ok;
-        if (!sent) {
-            services_.prompts.Message(
-                "Error from DeviceIoControl - IOCTL_ADAPT_SEND_NON_EP0_DIRECT");
+    LinkRequest& head = *requestQueue_.front();
+    const StateRow* state = FindState(head.state);
+    if (state == nullptr) {
+        // Nothing goes out, so nothing would make the USB thread look at this request.
+        if (const auto port = Port()) {
+            port->Wake();
         }
+        return;
     }
-    if (!sent && request != nullptr) {
-        request->result = LinkTransferFailed;
+    const std::uint32_t address = Number(head.Address());
+    const std::uint32_t length = Number(head.Length());
+    head.replyLength = ReplyLength(*state, length);
+    switch (state->sends) {
+    case StateSends::AddressLow:
+        SendFrame(head, FrameAddressLow, address);
+        break;
+    case StateSends::AddressMiddle:
+        SendFrame(head, FrameAddressMiddle, address >> 8);
+        break;
+    case StateSends::AddressHigh:
+        SendFrame(head, FrameAddressHigh, address >> 16);
+        break;
+    case StateSends::LengthLow:
+        SendFrame(head, FrameLengthLow, length);
+        break;
+    case StateSends::LengthHigh:
+        SendFrame(head, FrameLengthHigh, length >> 8);
+        break;
+    case StateSends::Function:
+        SendFrame(head, FrameFunction, state->function);
+        break;
+    case StateSends::CallersData:
+        if (const auto* data = reinterpret_cast<const std::uint8_t*>(head.Data())) {
+            SendPayload(head, {data, length});
+        }
+        break;
+    case StateSends::Payload:
+        SendPayload(head, head.payload);
+        head.payload.clear();
+        break;
     }
-    SignalPump();
 }
 
-// One look at the head request: called after each byte read, each read time-out, and on USB after
-// each send.
-void CAnalyzerLink::Machine::Step() {
-    LinkRequest* done = nullptr;
-    bool another = false;
+void RequestQueue::SendFrame(LinkRequest& request, FrameOpcode opcode, std::uint32_t parameter) {
+    lastSendTime_ = clock_.Time();
+    const std::array<std::uint8_t, 2> frame{opcode, static_cast<std::uint8_t>(parameter)};
+    SendPayload(request, frame);
+}
+
+void RequestQueue::SendPayload(LinkRequest& request, std::span<const std::uint8_t> bytes) {
+    const auto port = Port();
+    if (port != nullptr && !port->Send(bytes)) {
+        request.result = LinkTransferFailed;
+    }
+}
+
+void RequestQueue::Step(LinkPort& port) {
+    LinkRequest* finished = nullptr;
+    bool anotherWaits = false;
     {
         const MutexLock lock(queueLock_);
-        if (queue_.empty()) {
+        if (requestQueue_.empty() || Port().get() != &port) {
             return;
         }
-        LinkRequest& request = *queue_.front();
-        bool failedNow = false;
-        const std::int32_t count = CountReply(request, failedNow);
-        if (count >= request.replyLength) {
-            const StepEnd end = Advance(request, failedNow);
-            if (end == StepEnd::Waiting) {
-                return;
-            }
-        } else if (!failedNow) {
-            if (!DeadlinePassed(request)) {
-                return;
-            }
-            NoteTimeout(request);
-        }
-        if (Restart(request)) {
-            return;
-        }
-        done = &request;
-        queue_.pop_front();
-        another = !queue_.empty();
-        ++completing_;
+        finished = StepHead(port);
+        anotherWaits = !requestQueue_.empty();
+        completing_ = finished == nullptr ? nullptr : LinkThread::OnThisThread();
     }
-    Finish(done);
-    if (another) {
+    if (finished == nullptr) {
+        return;
+    }
+    Complete(finished);
+    completing_ = nullptr;
+    mainThread_.Wake();
+    if (anotherWaits) {
         const MutexLock lock(queueLock_);
+        // A port that was opened meanwhile has begun with the waiting request itself.
+        if (Port().get() == &port) {
+            StartHead();
+        }
+    }
+}
+
+/// One look at the running request. Returns it, removed from the queue, when it is finished.
+LinkRequest* RequestQueue::StepHead(LinkPort& port) {
+    LinkRequest& head = *requestQueue_.front();
+    const Look look = port.IsUsb() ? ReadUsb(head, port) : LookAtRing(head);
+    if (look.count >= head.replyLength) {
+        if (TakeReply(head) && !look.failedNow) {
+            return nullptr;
+        }
+    } else if (!look.failedNow) {
+        if (!IsOverdue(head)) {
+            return nullptr;
+        }
+        NoteTimeout(head, port);
+    }
+    if (Retry(head)) {
+        return nullptr;
+    }
+    requestQueue_.pop_front();
+    return &head;
+}
+
+RequestQueue::Look RequestQueue::LookAtRing(LinkRequest& head) {
+    head.bytesSeen = ring_.Unread();
+    head.ringReadAtFail = ring_.ReadIndex();
+    head.ringWriteAtFail = ring_.WriteIndex();
+    return {.count = head.bytesSeen};
+}
+
+/// Reads what the board owes to the running request. The acknowledgements that a serial port
+/// would bring are put in, so that the states see the same reply.
+RequestQueue::Look RequestQueue::ReadUsb(LinkRequest& head, LinkPort& port) {
+    if (head.result != LinkPending) {
+        head.retries = tryLimit; // a failed transfer is not tried again
+        return {.failedNow = true};
+    }
+    if (head.replyLength < 1) {
+        return {};
+    }
+    ring_.Reset();
+    ring_.Put(acknowledgement);
+    if (head.replyLength <= static_cast<std::int32_t>(framing)) {
+        if (head.replyLength == static_cast<std::int32_t>(framing)) {
+            ring_.Put(acknowledgement);
+        }
+        return {.count = head.replyLength};
+    }
+    const std::int32_t dataLength = head.replyLength - static_cast<std::int32_t>(framing);
+    std::vector<std::uint8_t> data;
+    bool good = head.replyLength < ReplyRing::size;
+    if (good) {
+        data.resize(static_cast<std::size_t>(dataLength));
+        good = static_cast<UsbLinkPort&>(port).ReadPipe(data);
+    } else {
+        prompts_.Message(Printf("Error reading from usb port, read %d expected %d", 0, dataLength));
+    }
+    if (!good) {
+        head.result = LinkTransferFailed;
+        head.retries = tryLimit;
+        return {.count = 1, .failedNow = true};
+    }
+    for (const std::uint8_t byte : data) {
+        ring_.Put(byte);
+    }
+    ring_.Put(acknowledgement);
+    return {.count = head.replyLength};
+}
+
+/// Checks the reply and goes on to the next state; true while the request goes on.
+bool RequestQueue::TakeReply(LinkRequest& head) {
+    const StateRow* state = FindState(head.state);
+    if (state == nullptr) {
+        head.result = LinkBadState;
+        return false;
+    }
+    if (!ReplyIsGood(head, *state)) {
+        head.result = LinkBadReply;
+        return false;
+    }
+    const std::int32_t next = NextState(head.command, head.state);
+    if (next == 0) {
+        prompts_.TopmostMessage(
+            Printf("Error finding next state for serial command %d, current state %d.",
+                   head.command, head.state));
+    } else {
+        head.state = next;
+        if (next == finalState) {
+            head.result = LinkOk;
+            return false;
+        }
         StartHead();
     }
-}
-
-std::int32_t CAnalyzerLink::Machine::CountReply(LinkRequest& request, bool& failedNow) {
-    if (!overUsb_) {
-        request.bytesSeen = ring_.Count();
-        request.ringReadAtFail = ring_.ReadIndex();
-        request.ringWriteAtFail = ring_.WriteIndex();
-        return request.bytesSeen;
-    }
-    if (request.result != LinkPending) {
-        failedNow = true;
-        request.retries = triesElsewhere;
-        return 0;
-    }
-    if (request.replyLength < 1) {
-        return 0;
-    }
-    // USB carries no acknowledgements; the state machine expects them all the same.
-    ring_.Reset();
-    ring_.Put(acknowledge);
-    if (request.replyLength < 3) {
-        return 1;
-    }
-    if (!ReadUsbReply(request)) {
-        request.result = LinkTransferFailed;
-        request.retries = triesElsewhere;
-        failedNow = true;
-        return 1;
-    }
-    ring_.Put(acknowledge);
-    return request.replyLength;
-}
-
-bool CAnalyzerLink::Machine::ReadUsbReply(LinkRequest& request) {
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(request.replyLength) - 2);
-    const UsbDevice::Transfer transfer = usb_ ? usb_->Read(inPipe, bytes) : UsbDevice::Transfer{};
-    if (!transfer.ok) {
-        services_.prompts.Message("Error from DeviceIoControl - IOCTL_ADAPT_SEND_NON_EP0_DIRECT");
-        services_.prompts.Message(Printf("Error reading from usb port, err %d", transfer.error));
-        return false;
-    }
-    if (transfer.count != bytes.size()) {
-        services_.prompts.Message(Printf("Error reading from usb port, read %d expected %d",
-                                         static_cast<int>(transfer.count),
-                                         static_cast<int>(bytes.size())));
-        return false;
-    }
-    std::for_each(bytes.begin(), bytes.end(), [this](std::uint8_t byte) { ring_.Put(byte); });
+    head.retries = 0;
     return true;
 }
 
-// Judges a reply that is long enough and starts the next state.
-CAnalyzerLink::Machine::StepEnd CAnalyzerLink::Machine::Advance(LinkRequest& request,
-                                                                bool failedNow) {
-    if (!IsKnownState(request.state)) {
-        request.result = LinkBadState;
-        return StepEnd::Over;
-    }
-    if (!TakeReply(request)) {
-        request.result = LinkBadReply;
-        return StepEnd::Over;
-    }
-    const std::int32_t next = NextState(request.command, request.state);
-    if (next == 0) {
-        services_.prompts.TopmostMessage(
-            Printf("Error finding next state for serial command %d, current state %d.",
-                   request.command, request.state));
-    } else {
-        request.state = next;
-        StartHead();
-    }
-    if (request.state == finalState) {
-        request.result = LinkOk;
-        return StepEnd::Over;
-    }
-    // A success anywhere in the sequence begins the count of tries anew, so a board that answers
-    // the first frame and then falls silent keeps the queue busy until it recovers.
-    request.retries = 0;
-    return failedNow ? StepEnd::GoesOn : StepEnd::Waiting;
-}
-
-// A wrong first byte leaves the rest of the reply in the ring; a wrong last byte is found after
-// the data have been copied.
-bool CAnalyzerLink::Machine::TakeReply(LinkRequest& request) {
-    if (ring_.Take() != acknowledge) {
+/// Consumes the reply. A wrong first byte leaves the rest in the ring; a wrong last byte is found
+/// after the data have been handed out.
+bool RequestQueue::ReplyIsGood(LinkRequest& head, const StateRow& state) {
+    if (ring_.Unread() == 0 || ring_.Take() != acknowledgement) {
         return false;
     }
-    if (ActionOf(request).reply == Reply::Acknowledge) {
+    if (state.reply == StateReply::Acknowledgement) {
         return true;
     }
-    auto* data = reinterpret_cast<std::uint8_t*>(request.Data());
-    for (std::int32_t i = 0; i < request.replyLength - 2; ++i) {
+    auto* data = reinterpret_cast<std::uint8_t*>(head.Data());
+    const std::int32_t count = head.replyLength - static_cast<std::int32_t>(framing);
+    for (std::int32_t i = 0; i < count; ++i) {
         const std::uint8_t byte = ring_.Take();
         if (data != nullptr) {
             data[i] = byte;
         }
     }
-    return ring_.Take() == acknowledge;
+    return ring_.Unread() > 0 && ring_.Take() == acknowledgement;
 }
 
-bool CAnalyzerLink::Machine::DeadlinePassed(const LinkRequest& request) const {
-    const auto elapsed = static_cast<std::int64_t>(services_.clock.Time() - lastSendTime_.load());
-    if (elapsed <= 2) {
-        return false; // below every limit
-    }
-    std::int64_t base = Traits().IsVmeFamily() ? 4000 : 2000;
-    if (const int baud = actualBaud_; baud != 0) {
-        if (request.command == CmdStartSearch) {
-            base = 60000;
+bool RequestQueue::IsOverdue(const LinkRequest& head) const {
+    const std::int64_t elapsed = clock_.Time() - lastSendTime_;
+    const std::int64_t baud = conditions_.actualBaud;
+    std::int64_t base = board_.IsVmeFamily() ? answerTimeVme : answerTime;
+    if (baud != 0) {
+        if (head.command == CmdStartSearch) {
+            base = answerTimeSearch;
         }
-        base += std::int64_t{11000} * request.replyLength / baud;
+        base += byteTime * head.replyLength / baud;
     }
-    return elapsed > (base + 500) / 1000;
+    const std::int64_t limit = (base + 500) / 1000;
+    return elapsed > limit;
 }
 
-void CAnalyzerLink::Machine::NoteTimeout(LinkRequest& request) {
-    request.commErrors = serial_ ? serial_->ClearErrors() : 0;
-    request.result = LinkTimeout;
-    request.firstByte = ring_.Peek(0);
-    if (request.bytesSeen > 0) {
-        request.lastByte = ring_.Peek(request.bytesSeen - 1);
+void RequestQueue::NoteTimeout(LinkRequest& head, LinkPort& port) {
+    if (!port.IsUsb()) {
+        head.commErrors = static_cast<SerialLinkPort&>(port).ClearErrors();
+    }
+    head.result = LinkTimeout;
+    const std::int32_t first = ring_.ReadIndex();
+    head.firstByte = ring_.At(first);
+    if (head.bytesSeen > 0) {
+        std::int32_t last = first + head.bytesSeen - 1;
+        // One off from every other wrap, and kept: an index of exactly the size reads the byte
+        // behind the ring.
+        if (last > ReplyRing::size) {
+            last -= ReplyRing::size;
+        }
+        head.lastByte = ring_.At(last);
     }
 }
 
-bool CAnalyzerLink::Machine::Restart(LinkRequest& request) {
-    const std::int32_t limit = linkPhase_ == PhaseIdentify ? triesInIdentification : triesElsewhere;
-    if (request.result == LinkOk || request.retries >= limit) {
+/// Begins the command again from its first state while tries are left. Every good step gives all
+/// tries back, so a command that always fails at a later state goes on until the board recovers.
+bool RequestQueue::Retry(LinkRequest& head) {
+    const std::int32_t limit = conditions_.linkPhase == PhaseIdentify ? tryLimitIdentify : tryLimit;
+    if (head.result == LinkOk || head.retries >= limit) {
         return false;
     }
-    ++request.retries;
-    request.words = request.savedWords;
-    Prepare(request);
-    ring_.Discard();
-    StartHead();
+    ++head.retries;
+    PrepareAgain();
     return true;
-}
-
-void CAnalyzerLink::Machine::Finish(LinkRequest* request) {
-    Dispose(request);
-    --completing_;
-    services_.mainThread.Wake();
-}
-
-void CAnalyzerLink::Machine::WaitIdle() {
-    const bool onLinkThread = OnLinkThread();
-    services_.mainThread.WaitUntil(idleLimit, [&] {
-        const MutexLock lock(queueLock_);
-        return queue_.empty() && (onLinkThread || completing_ == 0);
-    });
-}
-
-// The last completion may still run when the queue is empty.
-void CAnalyzerLink::Machine::AwaitCompletion() {
-    while (!services_.mainThread.WaitUntil(idleLimit, [&] { return completing_ == 0; })) {
-    }
-}
-
-bool CAnalyzerLink::Machine::Exchange(std::int32_t command, const LinkWords& words) {
-    struct Outcome {
-        MainThread& mainThread;
-        std::atomic<bool> busy = true;
-        bool failed = false;
-    };
-    Outcome outcome{services_.mainThread};
-    LinkRequest* request = NewRequest(command, &outcome, [](LinkRequest* done) {
-        auto& to = *static_cast<Outcome*>(done->owner);
-        MainThread& mainThread = to.mainThread;
-        to.failed = done->result != LinkOk;
-        delete done;
-        to.busy = false; // the outcome may be gone from here on
-        mainThread.Wake();
-    });
-    request->words = {words.address, words.length, reinterpret_cast<std::uintptr_t>(words.data),
-                      words.extra};
-    Submit(request);
-    while (!services_.mainThread.WaitUntil(idleLimit, [&] { return !outcome.busy; })) {
-    }
-    return !outcome.failed;
-}
-
-// Takes no lock against the queue's own traffic: meant for a link on which nothing runs.
-void CAnalyzerLink::Machine::SendRaw(std::span<const std::uint8_t> bytes) {
-    const MutexLock lock(queueLock_);
-    SendBytes(bytes, nullptr);
-}
-
-std::vector<std::uint8_t> CAnalyzerLink::Machine::ReadRingRaw() {
-    std::vector<std::uint8_t> bytes;
-    while (ring_.Count() != 0) {
-        bytes.push_back(ring_.Take());
-    }
-    return bytes;
-}
-
-void CAnalyzerLink::Machine::SendKeepAlive() {
-    if (port_ == Port::Open && !stopFlag_ && overUsb_) {
-        Submit(NewRequest(CmdUsbKeepAlive, nullptr, nullptr));
-    }
 }
 
 } // namespace busquill

@@ -124,25 +124,71 @@ bool LiesInRecord(std::span<const std::unique_ptr<CSignal>> members) {
     return true;
 }
 
-/// Sets the bits of the rows of such a group for the samples `begin` to `end - 1`.
-void CopyRows(CSignal& start, const Run& run, std::size_t begin, std::size_t end) {
-    const auto byte = static_cast<std::size_t>(start.dataIndex) / 8;
-    const int shift = start.dataIndex % 8;
-    const std::size_t rowBytes = start.RowBytes();
-    const unsigned unused = static_cast<unsigned>(rowBytes * 8) - start.groupWidth;
-    const auto lastMask = static_cast<std::uint8_t>(0xFFU >> unused);
-    end = std::min({end, run.End(), std::size_t{start.numSamples}});
-    for (std::size_t sample = std::max(begin, run.first); sample < end; ++sample) {
-        const auto& bytes = run.records[sample - run.first].bytes;
-        std::uint8_t* const row = &start.groupData[sample * rowBytes];
-        for (std::size_t j = 0; j < rowBytes; ++j) {
-            unsigned bits = unsigned{bytes[byte + j]} >> shift;
-            if (shift != 0 && byte + j + 1 < recordBytes) {
-                bits |= unsigned{bytes[byte + j + 1]} << (8 - shift);
-            }
-            row[j] |= static_cast<std::uint8_t>(j + 1 == rowBytes ? bits & lastMask : bits);
-        }
+std::uint64_t EightBytes(const std::uint8_t* bytes) noexcept {
+    std::uint64_t value = 0;
+    for (int i = 0; i < 8; ++i) {
+        value |= std::uint64_t{bytes[i]} << (8 * i);
     }
+    return value;
+}
+
+/// Rows of up to eight bytes: `records` are those of the samples from the first row on. The size
+/// is a constant of the loop, for speed.
+template <std::size_t rowBytes>
+void CopyShortRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
+                   std::uint8_t* row) {
+    // The eight bytes end with the record where the group is near its end.
+    const std::size_t byte = std::min(dataIndex / 8, recordBytes - 8);
+    const std::size_t shift = dataIndex - byte * 8;
+    const std::uint64_t mask = ~std::uint64_t{0} >> (64 - width);
+    for (const SampleRecord& record : records) {
+        std::uint64_t bits = EightBytes(&record.bytes[byte]) >> shift & mask;
+        for (std::size_t j = 0; j < rowBytes; ++j) {
+            bits |= std::uint64_t{row[j]} << (8 * j);
+        }
+        for (std::size_t j = 0; j < rowBytes; ++j) {
+            row[j] = static_cast<std::uint8_t>(bits >> (8 * j));
+        }
+        row += rowBytes;
+    }
+}
+
+using CopyShort = void (*)(std::span<const SampleRecord>, std::size_t, unsigned, std::uint8_t*);
+constexpr std::array<CopyShort, 8> copyShortRows = {
+    CopyShortRows<1>, CopyShortRows<2>, CopyShortRows<3>, CopyShortRows<4>,
+    CopyShortRows<5>, CopyShortRows<6>, CopyShortRows<7>, CopyShortRows<8>,
+};
+
+/// Whether eight bytes of the record hold the whole group.
+bool IsShort(std::size_t dataIndex, std::size_t width) noexcept {
+    return dataIndex - std::min(dataIndex / 8, recordBytes - 8) * 8 + width <= 64;
+}
+
+void CopyLongRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
+                  std::uint8_t* row) {
+    for (const SampleRecord& record : records) {
+        for (unsigned k = 0; k < width; ++k) {
+            const bool bit = record.Bit(static_cast<int>(dataIndex + k));
+            row[k / 8] |= static_cast<std::uint8_t>((bit ? 1U : 0U) << (k % 8));
+        }
+        row += (width - 1) / 8 + 1;
+    }
+}
+
+/// Sets the bits of the rows of a group that lies in the record, for those of the samples `begin`
+/// to `end - 1` that the run brings.
+void CopyRows(CSignal& start, const Run& run, std::size_t begin, std::size_t end) {
+    begin = std::max(begin, run.first);
+    end = std::min({end, run.End(), std::size_t{start.numSamples}});
+    if (begin >= end) {
+        return;
+    }
+    const auto dataIndex = static_cast<std::size_t>(start.dataIndex);
+    const std::size_t rowBytes = start.RowBytes();
+    const auto copy =
+        IsShort(dataIndex, start.groupWidth) ? copyShortRows[rowBytes - 1] : CopyLongRows;
+    copy(run.records.subspan(begin - run.first, end - begin), dataIndex, start.groupWidth,
+         &start.groupData[begin * rowBytes]);
 }
 
 struct GroupToLoad {

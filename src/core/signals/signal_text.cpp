@@ -62,7 +62,8 @@ std::string AttributesText(std::uint8_t attributes) {
     std::string text;
     for (const auto& [bit, word] : attributeTexts) {
         if ((attributes & bit) != 0) {
-            text += (text.empty() ? "" : "+") + std::string(word);
+            text += text.empty() ? "" : "+";
+            text += word;
         }
     }
     return text;
@@ -98,9 +99,11 @@ std::string RecordRow(const CSignal& signal, bool withData) {
     };
     std::string row;
     for (const std::string& field : fields) {
-        row += (row.empty() ? "" : ",") + CsvQuote(field);
+        row += row.empty() ? "" : ",";
+        row += CsvQuote(field);
     }
-    return row + "\n";
+    row += '\n';
+    return row;
 }
 
 /// Writes sample bits, 32 to a line. A further line begins with the bits of those before it, and

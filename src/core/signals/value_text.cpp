@@ -107,9 +107,14 @@ std::string PlainValue(const CSignal& signal, std::int64_t sample, std::int32_t 
         return {};
     }
     const auto index = static_cast<std::size_t>(sample);
-    const auto row = signal.GroupRow(index);
-    if (!row.empty()) {
-        return FormatValue(row, signal.groupWidth, radix, signal.GroupMaskRow(index), zoom);
+    if (signal.groupWidth != 0) {
+        const auto row = signal.GroupRow(index);
+        return row.empty()
+                   ? std::string()
+                   : FormatValue(row, signal.groupWidth, radix, signal.GroupMaskRow(index), zoom);
+    }
+    if (index >= signal.numSamples) {
+        return {};
     }
     const std::uint8_t bit = signal.Bit(index) ? 1 : 0;
     const std::uint8_t known = signal.MaskBit(index) ? 1 : 0;
