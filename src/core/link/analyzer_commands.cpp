@@ -51,7 +51,7 @@ constexpr std::array<CommandRow, linkCommandCount> commandRows{{
     {CmdComplianceTargetAddress, "CmdComplianceTargetAddress", Copy,          RegisterComplianceTarget,     8},
     {CmdReadZoomBefore,          "CmdReadZoomBefore",          Caller,        0,                            0},
     {CmdReadZoomAfter,           "CmdReadZoomAfter",           Caller,        0,                            0},
-    {CmdSetBusConfig,            "CmdSetBusConfig",            BusBlock,      RegisterBusConfig,            2},
+    {CmdSetBusConfig,            "CmdSetBusConfig",            Encoded,       RegisterBusConfig,            2},
     {CmdMasterAttributes,        "CmdMasterAttributes",        Copy,          RegisterMasterAttributes,     4},
     {CmdStimulusEvents,          "CmdStimulusEvents",          Encoded,       RegisterStimulusEvents,       240},
     {CmdTargetSetup,             "CmdTargetSetup",             Copy,          RegisterTargetSetup,          12},

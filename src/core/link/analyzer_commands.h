@@ -158,12 +158,11 @@ enum class PayloadKind : std::uint8_t {
     Caller,        // the caller gives address, length and data
     CopyLength,    // the same, with a copy of `length` bytes
     BaudCode,      // from the rate in `address`
-    Encoded,       // by the encoder that the owner of the record has registered
+    Encoded,       // by the encoder registered for the command
     TraceParams,   // three codes from `address`, `length` and `data`
     SearchControl, // from `length` and `address`
     LowByte,       // low byte of `address`
     Copy,          // copy of as many bytes as the row says
-    BusBlock,      // from the BusConfig in `data`
 };
 
 struct CommandRow {

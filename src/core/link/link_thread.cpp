@@ -1,0 +1,75 @@
+#include "link/link_thread.h"
+
+#include "link/link_port.h"
+#include "platform/main_thread.h"
+
+#include <cerrno>
+
+#if defined(__linux__)
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
+
+namespace busquill {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto stopLimit = 1100ms;
+
+thread_local LinkThread* onThisThread = nullptr;
+
+/// A system that refuses leaves the priority as it is.
+void LowerPriority() noexcept {
+#if defined(__linux__)
+    // Linux keeps the nice value for each thread, by its thread id.
+    const auto self = static_cast<id_t>(::syscall(SYS_gettid));
+    errno = 0;
+    const int nice = ::getpriority(PRIO_PROCESS, self);
+    if (errno == 0) {
+        ::setpriority(PRIO_PROCESS, self, nice + 1);
+    }
+#endif
+}
+
+} // namespace
+
+LinkThread::LinkThread(std::shared_ptr<LinkPort> port, ReplyRing& ring, Step step,
+                       MainThread& mainThread)
+    : port_(std::move(port)), ring_(ring), step_(std::move(step)), mainThread_(mainThread),
+      thread_([this] { Run(); }) {}
+
+LinkThread::~LinkThread() {
+    // The thread may be waiting for the user to answer a box, which this wait shows.
+    while (!Stop()) {
+    }
+    thread_.join();
+}
+
+LinkThread* LinkThread::OnThisThread() noexcept {
+    return onThisThread;
+}
+
+bool LinkThread::Stop() {
+    stopFlag_ = true;
+    port_->Wake();
+    return mainThread_.WaitUntil(stopLimit, [this] { return !threadRunning_; });
+}
+
+void LinkThread::Run() {
+    onThisThread = this;
+    LowerPriority();
+    while (!stopFlag_) {
+        port_->AwaitStep(ring_);
+        if (stopFlag_) {
+            break;
+        }
+        step_(*port_);
+    }
+    threadRunning_ = false;
+    mainThread_.Wake();
+}
+
+} // namespace busquill

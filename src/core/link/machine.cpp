@@ -1,0 +1,320 @@
+#include "link/machine.h"
+
+#include "platform/clock.h"
+#include "platform/main_thread.h"
+#include "platform/prompts.h"
+#include "platform/settings.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <string_view>
+
+namespace busquill {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* setupSection = "Setup";
+constexpr int defaultBaud = 57600;
+/// The board needs it after a change of rate, and the program after the identity read.
+constexpr auto settlingTime = 2000ms;
+
+constexpr const char* demoModeMessage =
+    "Unable to establish communications with the analyzer.\n"
+    "Go to the Utilities/Setup menu to select the proper interface and\n"
+    "restart the program. Program will run in DEMO mode.";
+constexpr const char* communicationsError =
+    "Communications error with analyzer. Check serial port connections.";
+
+/// The device behind a port name that begins with "COM". A name without a number from 1 up is
+/// taken as it stands, and fails to open.
+std::string DeviceOf(const std::string& portName, const Settings& settings) {
+    const int number = ParseInt(std::string_view(portName).substr(3));
+    if (number < 1) {
+        return portName;
+    }
+    if (const char* device = std::getenv(Printf("BUSQUILL_COM%d", number).c_str())) {
+        return device;
+    }
+#if defined(_WIN32)
+    const std::string usual = portName;
+#else
+    const std::string usual = Printf("/dev/ttyS%d", number - 1);
+#endif
+    return settings.GetProfileString(setupSection, Printf("ComDevice%d", number), usual);
+}
+
+} // namespace
+
+CAnalyzerLink::Machine::Machine(Services services)
+    : services_(std::move(services)),
+      queue_(board_, conditions_, services_.prompts, services_.clock, services_.mainThread) {
+    queue_.RegisterEncoder(CmdSetBusConfig,
+                           [this](const LinkRequest& request) { return EncodeBusBlock(request); });
+}
+
+void CAnalyzerLink::Machine::ShutDown() {
+    ClosePort();
+    threads_.clear();
+}
+
+// A request without a record is the link's own and means the configuration of this moment.
+std::vector<std::uint8_t> CAnalyzerLink::Machine::EncodeBusBlock(const LinkRequest& request) const {
+    const auto* given = reinterpret_cast<const BusConfig*>(request.Data());
+    const auto block = EncodeBusConfig(given == nullptr ? board_.Bus() : *given);
+    return {block.begin(), block.end()};
+}
+
+bool CAnalyzerLink::Machine::Exchange(std::int32_t command, const LinkWords& words) {
+    struct Outcome {
+        MainThread& mainThread;
+        std::atomic<bool> busy = true;
+        std::atomic<bool> failed = false;
+    } outcome{services_.mainThread};
+
+    LinkRequest* request = NewRequest(command, &outcome, [](LinkRequest* done) {
+        auto* waiting = static_cast<Outcome*>(done->owner);
+        MainThread& mainThread = waiting->mainThread;
+        waiting->failed = done->result != LinkOk;
+        delete done;
+        waiting->busy = false; // the waiting frame may be gone from here on
+        mainThread.Wake();
+    });
+    request->Address() = words.address;
+    request->Length() = words.length;
+    request->Data() = reinterpret_cast<std::uintptr_t>(words.data);
+    request->Extra() = words.extra;
+    queue_.Submit(request);
+    queue_.RunOwedCompletions();
+    while (!services_.mainThread.WaitUntil(1h, [&] { return !outcome.busy; })) {
+    }
+    return !outcome.failed;
+}
+
+bool CAnalyzerLink::Machine::Open() {
+    const Settings& settings = services_.settings;
+    const std::string portName = settings.GetProfileString(setupSection, "ComPort", "USB");
+    const int configuredBaud = settings.GetProfileInt(setupSection, "BaudRate", defaultBaud);
+    ClosePort();
+    board_.LeaveDemoMode();
+    conditions_.actualBaud = 0;
+    queue_.Clear(statusBlock_);
+    queue_.Clear(liveBlock_);
+    queue_.Clear(busBlock_);
+
+    if (portName == "USB" || portName == "USB2") {
+        OpenUsb();
+    } else if (portName.size() >= 4 && portName.starts_with("COM")) {
+        OpenSerial(portName, configuredBaud);
+    }
+    // Any other name means that no port is wanted, and is no failure.
+
+    if (queue_.Port() == nullptr) {
+        queue_.FinishAllAtOnce();
+    } else {
+        queue_.RestartHead();
+    }
+    const int actualBaud = conditions_.actualBaud;
+    return actualBaud != 0 && actualBaud != configuredBaud;
+}
+
+void CAnalyzerLink::Machine::ClosePort() {
+    const auto port = queue_.Port();
+    if (LinkThread* thread = currentThread_) {
+        thread->Stop();
+    }
+    if (queue_.ReleasePort(port)) {
+        port->Close();
+    }
+    currentThread_ = nullptr;
+    std::erase_if(threads_, [](const auto& thread) { return !thread->Running(); });
+}
+
+void CAnalyzerLink::Machine::OpenSerial(const std::string& portName, int configuredBaud) {
+    std::shared_ptr<SerialPort> device =
+        services_.openSerial(DeviceOf(portName, services_.settings));
+    if (device == nullptr) {
+        FallIntoDemoMode();
+        return;
+    }
+    auto port = std::make_shared<SerialLinkPort>(std::move(device), portName, services_.prompts);
+    port->Configure(configuredBaud);
+    conditions_.actualBaud = port->NegotiateBaud();
+    port->SetReadTimeout();
+    StartThread(port);
+}
+
+void CAnalyzerLink::Machine::OpenUsb() {
+    auto port = std::make_shared<UsbLinkPort>(
+        services_.usb, services_.settings.GetProfileString(setupSection, "UsbDevice", ""),
+        services_.prompts);
+    if (port->Open([this] { FallIntoDemoMode(); })) {
+        StartThread(port);
+    }
+}
+
+// The thread of a USB board is started even when the board could not be opened: it waits.
+void CAnalyzerLink::Machine::StartThread(std::shared_ptr<LinkPort> port) {
+    queue_.Ring().Reset();
+    if (port->IsOpen()) {
+        queue_.SetPort(port);
+    }
+    threads_.push_back(std::make_unique<LinkThread>(
+        std::move(port), queue_.Ring(), [this](LinkPort& from) { queue_.Step(from); },
+        services_.mainThread));
+    currentThread_ = threads_.back().get();
+}
+
+// After a failed identity read this runs on the link's thread, which cannot see its own end: it
+// waits the whole time and ends afterwards.
+void CAnalyzerLink::Machine::FallIntoDemoMode() {
+    const auto port = queue_.Port();
+    services_.prompts.TopmostMessage(demoModeMessage);
+    LinkThread* own = LinkThread::OnThisThread();
+    if (port != nullptr) {
+        if (LinkThread* thread = own != nullptr ? own : currentThread_.load()) {
+            thread->Stop();
+        }
+        if (queue_.ReleasePort(port)) {
+            port->Close();
+        } else if (own != nullptr) {
+            return; // the port has been opened again meanwhile; this is news of the old one
+        }
+    }
+    board_.EnterDemoMode();
+    queue_.FinishAllAtOnce();
+}
+
+void CAnalyzerLink::Machine::Connect(int targetBaud) {
+    const bool atAnotherRate = Open();
+    ReadIdentity();
+    if (atAnotherRate) {
+        queue_.WaitIdle();
+        SetBaudRate(targetBaud);
+    }
+    queue_.WaitIdle();
+    services_.clock.Sleep(settlingTime);
+    LoadBusConfig();
+}
+
+void CAnalyzerLink::Machine::Issue(LinkPhase phase, std::int32_t command, const LinkWords& words) {
+    conditions_.linkPhase = phase;
+    LinkRequest* request = NewRequest(command, this, &LinkOperationDone);
+    request->Address() = words.address;
+    request->Length() = words.length;
+    request->Data() = reinterpret_cast<std::uintptr_t>(words.data);
+    queue_.Submit(request);
+}
+
+void CAnalyzerLink::Machine::LinkOperationDone(LinkRequest* request) {
+    auto* machine = static_cast<Machine*>(request->owner);
+    const std::int32_t result = request->result;
+    delete request;
+    machine->OnLinkOperationDone(result);
+}
+
+void CAnalyzerLink::Machine::OnLinkOperationDone(std::int32_t result) {
+    const LinkPhase phase = conditions_.linkPhase;
+    if (result == LinkOk) {
+        if (phase == PhaseIdentify) {
+            board_.SetIdentity(queue_.CopyOf(statusBlock_));
+        } else if (phase == PhaseLiveStatus) {
+            board_.SetLive(ParseLiveStatus(queue_.CopyOf(liveBlock_)));
+        } else if (phase == PhaseReadBus) {
+            board_.SetBus(queue_.CopyOf(busBlock_));
+        }
+    } else if (phase == PhaseIdentify) {
+        FallIntoDemoMode();
+    } else if (phase == PhaseLiveStatus) {
+        ClearLiveStatus();
+        board_.SetCommLost(true);
+    } else {
+        services_.prompts.TopmostMessage(communicationsError);
+    }
+}
+
+void CAnalyzerLink::Machine::ReadIdentity() {
+    Issue(PhaseIdentify, CmdReadMemory, {RegisterStatusBlock, statusBlockSize, &statusBlock_});
+}
+
+// The time-out rule goes on with the rate of the negotiation until the next Open.
+void CAnalyzerLink::Machine::SetBaudRate(int rate) {
+    const auto port = queue_.Port();
+    if (port == nullptr) {
+        return;
+    }
+    Issue(PhaseSetBaud, CmdSetBaudRate, {.address = static_cast<std::uintptr_t>(rate)});
+    queue_.WaitIdle();
+    const int error = port->IsUsb() ? ENOTTY : static_cast<SerialLinkPort&>(*port).ChangeBaud(rate);
+    if (error != 0) {
+        services_.prompts.TopmostMessage(Printf("Error setting new baud rate, err %d", error));
+    }
+    services_.clock.Sleep(settlingTime);
+}
+
+void CAnalyzerLink::Machine::ReadBusConfig(BusConfig& out) {
+    if (!board_.IsDemoMode()) {
+        Issue(PhaseReadBus, CmdReadMemory, {RegisterBusConfig, busBlockSize, &busBlock_});
+        queue_.WaitIdle();
+    }
+    out = board_.Bus();
+}
+
+void CAnalyzerLink::Machine::WriteBusConfig(const BusConfig& in) {
+    board_.SetBus(in);
+    if (board_.IsDemoMode()) {
+        if (familyListener_) {
+            familyListener_();
+        }
+        return;
+    }
+    Issue(PhaseSetBus, CmdSetBusConfig, {});
+    queue_.WaitIdle();
+}
+
+// A saved configuration overrides what the board holds and clears the master lock.
+void CAnalyzerLink::Machine::LoadBusConfig() {
+    const Settings& settings = services_.settings;
+    if (settings.GetProfileInt(setupSection, "SaveBusConfig", 0) == 0) {
+        BusConfig ignored;
+        ReadBusConfig(ignored);
+        return;
+    }
+    BusConfig saved;
+    saved.busMode = CorrectBusMode(settings.GetProfileInt(setupSection, "BusMode", 0),
+                                   board_.Identity().modelId);
+    saved.busWidth = settings.GetProfileInt(setupSection, "BusWidth", 0);
+    saved.busVoltage = settings.GetProfileInt(setupSection, "BusVoltage", 0);
+    saved.busFrequency = settings.GetProfileInt(setupSection, "BusFrequency", 0);
+    WriteBusConfig(saved);
+}
+
+void CAnalyzerLink::Machine::PollLiveStatus() {
+    board_.SetCommLost(false);
+    Issue(PhaseLiveStatus, CmdReadMemory, {RegisterLiveStatus, liveBlockSize, &liveBlock_});
+}
+
+void CAnalyzerLink::Machine::ClearLiveStatus() {
+    board_.SetCommLost(false);
+    board_.ClearLive();
+}
+
+void CAnalyzerLink::Machine::SendRaw(std::span<const std::uint8_t> bytes) {
+    if (const auto port = queue_.Port()) {
+        // There is no request that could note a failure; the port has reported it.
+        static_cast<void>(port->Send(bytes));
+    }
+}
+
+void CAnalyzerLink::Machine::SendKeepAlive() {
+    const auto port = queue_.Port();
+    const LinkThread* thread = currentThread_;
+    if (port != nullptr && port->IsUsb() && thread != nullptr && !thread->Stopping()) {
+        queue_.Submit(NewRequest(CmdUsbKeepAlive, nullptr, nullptr));
+    }
+}
+
+} // namespace busquill

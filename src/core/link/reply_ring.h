@@ -1,0 +1,72 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace busquill {
+
+/// The bytes that have come from the board and are not consumed yet.
+///
+/// One thread puts bytes in; the unread ones are taken by whoever holds the queue lock, and by the
+/// serial test without it. There is no overflow check: a writer that laps the reader destroys
+/// data, which the counts of a request then show.
+class ReplyRing {
+public:
+    static constexpr std::int32_t size = 100000;
+
+    [[nodiscard]] std::int32_t ReadIndex() const noexcept { return read_; }
+    [[nodiscard]] std::int32_t WriteIndex() const noexcept { return write_; }
+    [[nodiscard]] std::int32_t Unread() const noexcept {
+        const std::int32_t read = read_;
+        const std::int32_t write = write_;
+        return write - read + (read > write ? size : 0);
+    }
+    /// The byte at an index from 0 to `size`; the last lies behind the ring and is always 0.
+    [[nodiscard]] std::uint8_t At(std::int32_t index) const noexcept {
+        return bytes_[static_cast<std::size_t>(index)].load(std::memory_order_relaxed);
+    }
+
+    void Put(std::uint8_t byte) noexcept {
+        const std::int32_t write = write_;
+        bytes_[static_cast<std::size_t>(write)].store(byte, std::memory_order_relaxed);
+        write_ = Next(write);
+    }
+    /// The next byte, unread or stale.
+    [[nodiscard]] std::uint8_t Take() noexcept {
+        const std::int32_t read = read_;
+        const std::uint8_t byte = At(read);
+        read_ = Next(read);
+        return byte;
+    }
+    [[nodiscard]] std::vector<std::uint8_t> TakeAll() {
+        std::vector<std::uint8_t> taken;
+        // A bound, so that a fast writer cannot keep the reader here.
+        for (std::int32_t count = Unread(); count > 0; --count) {
+            taken.push_back(Take());
+        }
+        return taken;
+    }
+
+    /// Drops what is unread.
+    void Discard() noexcept { read_ = write_.load(); }
+    /// Begins again at position 0.
+    void Reset() noexcept {
+        read_ = 0;
+        write_ = 0;
+    }
+
+private:
+    [[nodiscard]] static std::int32_t Next(std::int32_t index) noexcept {
+        return index + 1 == size ? 0 : index + 1;
+    }
+
+    std::array<std::atomic<std::uint8_t>, size + 1> bytes_{};
+    std::atomic<std::int32_t> read_ = 0;
+    std::atomic<std::int32_t> write_ = 0;
+};
+
+} // namespace busquill

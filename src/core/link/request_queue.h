@@ -1,0 +1,121 @@
+#pragma once
+
+#include "link/analyzer_link.h"
+#include "link/leaf_mutex.h"
+#include "link/payloads.h"
+#include "link/reply_ring.h"
+#include "platform/mutex.h"
+
+#include <atomic>
+#include <ctime>
+#include <deque>
+#include <memory>
+
+namespace busquill {
+
+class BoardState;
+class LinkPort;
+
+/// What the link is doing, read by the rules for retries and time-outs. Any thread.
+struct LinkConditions {
+    std::atomic<LinkPhase> linkPhase = PhaseNone;
+    /// The rate at which the board answered; 0 on USB and when it answered at none.
+    std::atomic<std::int32_t> actualBaud = 0;
+};
+
+/// The queue of requests and the machine that runs its head through the CommandStateTable.
+///
+///   caller                queue                 link's thread
+///   Submit -- prepare --> [head][..][..] <----- Step: reply, time-out, retry
+///                                               completion, with no lock held
+///
+/// queueLock_ is held while a request is prepared and sent and while USB is read, so a message box
+/// of the machine is open with it held. It is not held during a completion, which may submit.
+class RequestQueue {
+public:
+    RequestQueue(const BoardState& board, const LinkConditions& conditions, Prompts& prompts,
+                 Clock& clock, MainThread& mainThread);
+    /// Requests that still wait are dropped; their completions do not run.
+    ~RequestQueue();
+    RequestQueue(const RequestQueue&) = delete;
+    RequestQueue& operator=(const RequestQueue&) = delete;
+
+    void RegisterEncoder(std::int32_t command, CAnalyzerLink::Encoder encoder);
+
+    /// With no port, the completion has run when the outermost Submit of the thread returns.
+    void Submit(LinkRequest* request);
+    void WaitIdle();
+    /// Runs the completions that this thread owes to requests it submitted with no port, when it
+    /// must wait for one inside another.
+    void RunOwedCompletions();
+
+    /// Link's thread: looks at the running request of that port.
+    void Step(LinkPort& port);
+
+    /// The port that requests go to; null when there is none.
+    [[nodiscard]] std::shared_ptr<LinkPort> Port() const;
+    void SetPort(std::shared_ptr<LinkPort> port);
+    /// Leaves that port; false when it is not the one in use (any more).
+    bool ReleasePort(const std::shared_ptr<LinkPort>& port);
+    /// Begins the running request again, on a port that has just been opened.
+    void RestartHead();
+    /// Finishes the requests that wait as those are that are submitted with no port.
+    void FinishAllAtOnce();
+    [[nodiscard]] ReplyRing& Ring() noexcept { return ring_; }
+
+    /// Copies what requests have read, in one piece.
+    template <typename Block>
+    [[nodiscard]] Block CopyOf(const Block& block) {
+        const MutexLock lock(queueLock_);
+        return block;
+    }
+    template <typename Block>
+    void Clear(Block& block) {
+        const MutexLock lock(queueLock_);
+        block = {};
+    }
+
+private:
+    struct Look {
+        std::int32_t count = 0;
+        bool failedNow = false;
+    };
+
+    void Prepare(LinkRequest& request) BUSQUILL_REQUIRES(queueLock_);
+    void StartHead() BUSQUILL_REQUIRES(queueLock_);
+    void SendFrame(LinkRequest& request, FrameOpcode opcode, std::uint32_t parameter)
+        BUSQUILL_REQUIRES(queueLock_);
+    void SendPayload(LinkRequest& request, std::span<const std::uint8_t> bytes)
+        BUSQUILL_REQUIRES(queueLock_);
+    void PrepareAgain() BUSQUILL_REQUIRES(queueLock_);
+
+    [[nodiscard]] LinkRequest* StepHead(LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
+    Look LookAtRing(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
+    Look ReadUsb(LinkRequest& head, LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
+    [[nodiscard]] bool TakeReply(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
+    [[nodiscard]] bool ReplyIsGood(LinkRequest& head, const StateRow& state)
+        BUSQUILL_REQUIRES(queueLock_);
+    [[nodiscard]] bool IsOverdue(const LinkRequest& head) const BUSQUILL_REQUIRES(queueLock_);
+    void NoteTimeout(LinkRequest& head, LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
+    [[nodiscard]] bool Retry(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
+
+    static void Complete(LinkRequest* request);
+    static void CompleteAtOnce(LinkRequest* request);
+
+    const BoardState& board_;
+    const LinkConditions& conditions_;
+    Prompts& prompts_;
+    Clock& clock_;
+    MainThread& mainThread_;
+
+    mutable LeafMutex portLock_;
+    std::shared_ptr<LinkPort> port_ BUSQUILL_GUARDED_BY(portLock_);
+
+    Mutex queueLock_;
+    std::deque<LinkRequest*> requestQueue_ BUSQUILL_GUARDED_BY(queueLock_);
+    PayloadEncoders encoders_ BUSQUILL_GUARDED_BY(queueLock_);
+    std::time_t lastSendTime_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
+    ReplyRing ring_;
+};
+
+} // namespace busquill

@@ -1,0 +1,125 @@
+#include "link/analyzer_commands.h"
+#include "link/link_port.h"
+#include "link/reply_ring.h"
+#include "platform/prompts.h"
+#include "platform/text.h"
+
+#include <array>
+#include <thread>
+
+namespace busquill {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto readTimeout = 100ms;
+constexpr std::array probedRates{9600, 19200, 28800, 38400, 57600};
+constexpr int probesPerRate = 6;
+
+/// The frame that clears the low byte of the length register, sent a byte at a time: the board
+/// does nothing at the first byte and acknowledges the second, wherever in a frame it stood.
+constexpr std::array<std::uint8_t, 2> probeBytes{FrameLengthLow, 0};
+
+} // namespace
+
+SerialLinkPort::SerialLinkPort(std::shared_ptr<SerialPort> port, std::string name, Prompts& prompts)
+    : name_(std::move(name)), prompts_(prompts), port_(std::move(port)) {}
+
+std::shared_ptr<SerialPort> SerialLinkPort::Port() const {
+    const LeafLock lock(portLock_);
+    return port_;
+}
+
+void SerialLinkPort::Close() {
+    const LeafLock lock(portLock_);
+    port_.reset();
+}
+
+void SerialLinkPort::Configure(int baud) {
+    const auto port = Port();
+    if (const int error = port->ReadConfiguration(); error != 0) {
+        prompts_.TopmostMessage(
+            Printf("Error reading %s configuration, err %d", name_.c_str(), error));
+    }
+    if (const int error = port->Configure(baud); error != 0) {
+        prompts_.TopmostMessage(
+            Printf("Error setting %s configuration, err %d", name_.c_str(), error));
+    }
+}
+
+void SerialLinkPort::SetReadTimeout() {
+    if (const int error = Port()->SetReadTimeout(readTimeout); error != 0) {
+        prompts_.TopmostMessage(Printf("Error setting %s timeouts, err %d", name_.c_str(), error));
+    }
+}
+
+int SerialLinkPort::NegotiateBaud() {
+    SetReadTimeout();
+    const auto port = Port();
+    for (const int rate : probedRates) {
+        port->Configure(rate);
+        for (std::size_t probe = 0; probe < probesPerRate; ++probe) {
+            if (AnswersProbe(*port, probeBytes[probe % probeBytes.size()])) {
+                return rate;
+            }
+        }
+    }
+    return 0;
+}
+
+bool SerialLinkPort::AnswersProbe(SerialPort& port, std::uint8_t probe) {
+    port.Write(std::span(&probe, 1));
+    std::array<std::uint8_t, 10> answer{};
+    const auto count = port.Read(answer);
+    return count == 1U && answer[0] == acknowledgement;
+}
+
+int SerialLinkPort::ChangeBaud(int rate) {
+    const auto port = Port();
+    if (port == nullptr) {
+        return 0;
+    }
+    const MutexLock lock(writeLock_);
+    const int error = port->ReadConfiguration();
+    return error != 0 ? error : port->Configure(rate);
+}
+
+std::uint32_t SerialLinkPort::ClearErrors() {
+    const auto port = Port();
+    return port == nullptr ? 0 : port->ClearErrors();
+}
+
+bool SerialLinkPort::Send(std::span<const std::uint8_t> bytes) {
+    const auto port = Port();
+    if (port == nullptr) {
+        return true;
+    }
+    int error = 0;
+    {
+        const MutexLock lock(writeLock_);
+        error = port->Write(bytes);
+    }
+    if (error != 0) {
+        prompts_.TopmostMessage(Printf("Error writing to %s, err %d", name_.c_str(), error));
+    }
+    return true;
+}
+
+// A port that has failed is not read again. The link's thread goes on looking at the running
+// request, so that it ends in its time-out and nobody waits for it for ever.
+void SerialLinkPort::AwaitStep(ReplyRing& ring) {
+    const auto port = Port();
+    if (port == nullptr || readFailed_) {
+        std::this_thread::sleep_for(readTimeout);
+        return;
+    }
+    std::uint8_t byte = 0;
+    const auto count = port->Read(std::span(&byte, 1));
+    readFailed_ = !count.has_value();
+    if (count == 1U) {
+        ring.Put(byte);
+    }
+}
+
+} // namespace busquill

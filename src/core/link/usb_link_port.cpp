@@ -1,0 +1,130 @@
+#include "link/link_port.h"
+#include "platform/prompts.h"
+#include "platform/text.h"
+
+namespace busquill {
+
+namespace {
+
+constexpr const char* transferFailed =
+    "Error from DeviceIoControl - IOCTL_ADAPT_SEND_NON_EP0_DIRECT";
+constexpr const char* selectFailed = "Error from DeviceIoControl - IOCTL_ADAPT_SELECT_INTERFACE";
+constexpr const char* resetFailed = "Error from DeviceIoControl - IOCTL_ADAPT_RESET_PIPE";
+
+bool Failed(const UsbDevice::Transfer& transfer) noexcept {
+    return !transfer.ok || transfer.error != 0;
+}
+
+} // namespace
+
+UsbLinkPort::UsbLinkPort(UsbBus& bus, std::string wanted, Prompts& prompts, Device device)
+    : bus_(bus), wanted_(std::move(wanted)), prompts_(prompts),
+      reopenAtSend_(device == Device::ReopenAtSend) {}
+
+bool UsbLinkPort::Open(const std::function<void()>& fallIntoDemoMode) {
+    const UsbSearch search = bus_.Find(wanted_);
+    if (search.outcome == UsbSearch::Outcome::DetailFailed) {
+        prompts_.Message(
+            Printf("Error from SetupDiGetInterfaceDeviceDetail, err %d", search.error));
+    }
+    if (search.outcome != UsbSearch::Outcome::Found) {
+        fallIntoDemoMode();
+        return false;
+    }
+
+    std::shared_ptr<UsbDevice> device = bus_.Open(search.path);
+    if (device == nullptr) {
+        prompts_.Message(Printf("Error opening usb device, path %s", search.path.c_str()));
+        fallIntoDemoMode();
+    }
+    if (device == nullptr || !device->SelectInterface()) {
+        prompts_.Message(selectFailed);
+        fallIntoDemoMode();
+        device.reset();
+    }
+    for (const std::uint8_t pipe : {outputPipe, inputPipe}) {
+        if (device == nullptr || !device->ResetPipe(pipe)) {
+            prompts_.Message(resetFailed);
+        }
+    }
+    Store(std::move(device));
+    return true;
+}
+
+// Its result is never true, so the send that had to reopen counts as failed; the next one goes
+// out on the device that was opened here.
+bool UsbLinkPort::ReopenUsb() {
+    Open([] {});
+    return false;
+}
+
+void UsbLinkPort::Store(std::shared_ptr<UsbDevice> device) {
+    const LeafLock lock(deviceLock_);
+    device_ = std::move(device);
+    reopenAtSend_ = false;
+}
+
+void UsbLinkPort::Close() {
+    Store(nullptr);
+}
+
+std::shared_ptr<UsbDevice> UsbLinkPort::CurrentDevice() const {
+    const LeafLock lock(deviceLock_);
+    return device_;
+}
+
+UsbLinkPort::Device UsbLinkPort::State() const {
+    const LeafLock lock(deviceLock_);
+    if (reopenAtSend_) {
+        return Device::ReopenAtSend;
+    }
+    return device_ == nullptr ? Device::Closed : Device::Open;
+}
+
+bool UsbLinkPort::Send(std::span<const std::uint8_t> bytes) {
+    bool sent = false;
+    if (State() != Device::ReopenAtSend || ReopenUsb()) {
+        if (const auto device = CurrentDevice()) {
+            const MutexLock lock(transferLock_);
+            sent = !Failed(device->Write(outputPipe, bytes));
+        }
+    }
+    if (!sent) {
+        prompts_.Message(transferFailed);
+    }
+    Wake();
+    return sent;
+}
+
+bool UsbLinkPort::ReadPipe(std::span<std::uint8_t> into) {
+    UsbDevice::Transfer transfer;
+    if (const auto device = CurrentDevice()) {
+        const MutexLock lock(transferLock_);
+        transfer = device->Read(inputPipe, into);
+    }
+    if (Failed(transfer)) {
+        prompts_.Message(transferFailed);
+        prompts_.Message(Printf("Error reading from usb port, err %d", transfer.error));
+        return false;
+    }
+    if (transfer.count != into.size()) {
+        prompts_.Message(Printf("Error reading from usb port, read %zu expected %zu",
+                                transfer.count, into.size()));
+        return false;
+    }
+    return true;
+}
+
+void UsbLinkPort::AwaitStep(ReplyRing& /*ring*/) {
+    std::unique_lock lock(eventMutex_);
+    eventSet_.wait(lock, [&] { return event_; });
+    event_ = false;
+}
+
+void UsbLinkPort::Wake() {
+    const std::lock_guard lock(eventMutex_);
+    event_ = true;
+    eventSet_.notify_all();
+}
+
+} // namespace busquill
