@@ -1,0 +1,126 @@
+#pragma once
+
+#include "link/analyzer_link.h"
+#include "platform/main_thread.h"
+#include "support/memory_settings.h"
+#include "support/recording_prompts.h"
+#include "support/scripted_serial_port.h"
+#include "support/scripted_usb.h"
+#include "support/wire_board.h"
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+namespace busquill::test {
+
+inline const std::string demoModeMessage =
+    "Unable to establish communications with the analyzer.\n"
+    "Go to the Utilities/Setup menu to select the proper interface and\n"
+    "restart the program. Program will run in DEMO mode.";
+inline const std::string communicationsError =
+    "Communications error with analyzer. Check serial port connections.";
+
+/// Waits up to ten seconds of real time.
+template <typename Condition>
+[[nodiscard]] bool Eventually(Condition condition) {
+    using namespace std::chrono_literals;
+    for (int i = 0; i < 10000; ++i) {
+        if (condition()) {
+            return true;
+        }
+        std::this_thread::sleep_for(1ms);
+    }
+    return condition();
+}
+
+/// A link on a scripted serial line or USB board. The test's thread is the main thread.
+class LinkFixture : public testing::Test {
+protected:
+    static constexpr const char* setup = "Setup";
+
+    LinkFixture() : LinkFixture(nullptr) {}
+    /// With boxes of the test's own instead of the recorder.
+    explicit LinkFixture(Prompts* boxes)
+        : line(std::make_shared<ScriptedLine>(clock)),
+          link(std::make_unique<CAnalyzerLink>(CAnalyzerLink::Services{
+              settings, boxes == nullptr ? prompts : *boxes, clock, mainThread,
+              [this](const std::string& device) { return OpenScripted(device); }, usb})) {
+        settings.WriteProfileString(setup, "ComPort", "COM1");
+        UseBoard();
+    }
+    ~LinkFixture() override { link.reset(); }
+
+    /// The line's far end is the board again, without faults.
+    void UseBoard() {
+        line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
+    }
+    void UseSilence() {
+        line->SetAnswer([](const Bytes&, int) { return Bytes{}; });
+    }
+    /// An open link whose log begins here, at 9600 baud.
+    void OpenLink() {
+        settings.WriteProfileInt(setup, "BaudRate", 9600);
+        static_cast<void>(link->Open());
+        line->ForgetLog();
+    }
+    /// An open link to a board of a model, known by its identity.
+    void OpenBoard(const std::string& model) {
+        Bytes block(model.begin(), model.end());
+        block.resize(18);
+        board.contents[0] = block;
+        OpenLink();
+        link->ReadIdentity();
+        link->WaitIdle();
+        EXPECT_TRUE(Eventually([&] { return !link->Identity().modelString.empty(); }));
+        line->ForgetLog();
+    }
+    void OpenUsbLink() {
+        settings.WriteProfileString(setup, "ComPort", "USB");
+        EXPECT_FALSE(link->Open());
+        usb.ForgetCalls();
+    }
+
+    /// Runs one request and returns it as its completion found it.
+    LinkRequest Run(std::int32_t command, const LinkWords& words = {}) {
+        return Start(command, words).get();
+    }
+    std::future<LinkRequest> Start(std::int32_t command, const LinkWords& words = {}) {
+        auto* done = new std::promise<LinkRequest>;
+        std::future<LinkRequest> future = done->get_future();
+        LinkRequest* request = CAnalyzerLink::NewRequest(command, done, [](LinkRequest* finished) {
+            auto* promise = static_cast<std::promise<LinkRequest>*>(finished->owner);
+            const LinkRequest copy = *finished;
+            delete finished;
+            promise->set_value(copy);
+            delete promise;
+        });
+        request->Address() = words.address;
+        request->Length() = words.length;
+        request->Data() = reinterpret_cast<std::uintptr_t>(words.data);
+        request->Extra() = words.extra;
+        link->Submit(request);
+        return future;
+    }
+
+    std::unique_ptr<SerialPort> OpenScripted(const std::string& device) {
+        openedDevices.push_back(device);
+        if (!portOpens) {
+            return nullptr;
+        }
+        return std::make_unique<ScriptedSerialPort>(line);
+    }
+
+    ManualClock clock;
+    MemorySettings settings;
+    RecordingPrompts prompts;
+    MainThread mainThread;
+    std::shared_ptr<ScriptedLine> line;
+    WireBoard board; // used by the line under its lock
+    ScriptedUsb usb;
+    bool portOpens = true;
+    std::vector<std::string> openedDevices;
+    std::unique_ptr<CAnalyzerLink> link; // last: its thread uses the others
+};
+
+} // namespace busquill::test
