@@ -1,96 +1,126 @@
 #pragma once
 
 #include "link/analyzer_link.h"
-#include "manual_clock.h"
-#include "memory_settings.h"
 #include "platform/main_thread.h"
-#include "recording_prompts.h"
-#include "scripted_serial_port.h"
-#include "scripted_usb.h"
+#include "support/memory_settings.h"
+#include "support/recording_prompts.h"
+#include "support/scripted_serial_port.h"
+#include "support/scripted_usb.h"
+#include "support/wire_board.h"
 
 #include <gtest/gtest.h>
 
+#include <future>
+
 namespace busquill::test {
 
-constexpr auto demoModeText = "Unable to establish communications with the analyzer.\n"
-                              "Go to the Utilities/Setup menu to select the proper interface and\n"
-                              "restart the program. Program will run in DEMO mode.";
+inline const std::string demoModeMessage =
+    "Unable to establish communications with the analyzer.\n"
+    "Go to the Utilities/Setup menu to select the proper interface and\n"
+    "restart the program. Program will run in DEMO mode.";
+inline const std::string communicationsError =
+    "Communications error with analyzer. Check serial port connections.";
 
-/// A link with everything around it scripted. The port is COM1 unless a test says otherwise.
+/// Waits up to ten seconds of real time.
+template <typename Condition>
+[[nodiscard]] bool Eventually(Condition condition) {
+    using namespace std::chrono_literals;
+    for (int i = 0; i < 10000; ++i) {
+        if (condition()) {
+            return true;
+        }
+        std::this_thread::sleep_for(1ms);
+    }
+    return condition();
+}
+
+/// A link on a scripted serial line or USB board. The test's thread is the main thread.
 class LinkFixture : public testing::Test {
 protected:
-    LinkFixture() {
-        settings.WriteProfileString("Setup", "ComPort", "COM1");
-        settings.WriteProfileInt("Setup", "BaudRate", 9600);
+    static constexpr const char* setup = "Setup";
+
+    LinkFixture() : LinkFixture(nullptr) {}
+    /// With boxes of the test's own instead of the recorder.
+    explicit LinkFixture(Prompts* boxes)
+        : line(std::make_shared<ScriptedLine>(clock)),
+          link(std::make_unique<CAnalyzerLink>(CAnalyzerLink::Services{
+              settings, boxes == nullptr ? prompts : *boxes, clock, mainThread,
+              [this](const std::string& device) { return OpenScripted(device); }, usb})) {
+        settings.WriteProfileString(setup, "ComPort", "COM1");
+        UseBoard();
+    }
+    ~LinkFixture() override { link.reset(); }
+
+    /// The line's far end is the board again, without faults.
+    void UseBoard() {
+        line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
+    }
+    void UseSilence() {
+        line->SetAnswer([](const Bytes&, int) { return Bytes{}; });
+    }
+    /// An open link whose log begins here, at 9600 baud.
+    void OpenLink() {
+        settings.WriteProfileInt(setup, "BaudRate", 9600);
+        static_cast<void>(link->Open());
+        line->ForgetLog();
+    }
+    /// An open link to a board of a model, known by its identity.
+    void OpenBoard(const std::string& model) {
+        Bytes block(model.begin(), model.end());
+        block.resize(18);
+        board.contents[0] = block;
+        OpenLink();
+        link->ReadIdentity();
+        link->WaitIdle();
+        EXPECT_TRUE(Eventually([&] { return !link->Identity().modelString.empty(); }));
+        line->ForgetLog();
+    }
+    void OpenUsbLink() {
+        settings.WriteProfileString(setup, "ComPort", "USB");
+        EXPECT_FALSE(link->Open());
+        usb.ForgetCalls();
     }
 
-    /// The status block of a board, as it comes over the wire.
-    static Bytes StatusReply(const std::string& name, std::uint8_t suffix) {
-        Bytes reply = {'*'};
-        for (std::size_t i = 0; i < 8; ++i) {
-            reply.push_back(i < name.size() ? static_cast<std::uint8_t>(name[i]) : ' ');
+    /// Runs one request and returns it as its completion found it.
+    LinkRequest Run(std::int32_t command, const LinkWords& words = {}) {
+        return Start(command, words).get();
+    }
+    std::future<LinkRequest> Start(std::int32_t command, const LinkWords& words = {}) {
+        auto* done = new std::promise<LinkRequest>;
+        std::future<LinkRequest> future = done->get_future();
+        LinkRequest* request = CAnalyzerLink::NewRequest(command, done, [](LinkRequest* finished) {
+            auto* promise = static_cast<std::promise<LinkRequest>*>(finished->owner);
+            const LinkRequest copy = *finished;
+            delete finished;
+            promise->set_value(copy);
+            delete promise;
+        });
+        request->Address() = words.address;
+        request->Length() = words.length;
+        request->Data() = reinterpret_cast<std::uintptr_t>(words.data);
+        request->Extra() = words.extra;
+        link->Submit(request);
+        return future;
+    }
+
+    std::unique_ptr<SerialPort> OpenScripted(const std::string& device) {
+        openedDevices.push_back(device);
+        if (!portOpens) {
+            return nullptr;
         }
-        const Bytes rest = {suffix, 0x00, 0x04, 17, 10, 0, 0, 0, 0x34, 0x12, '*'};
-        reply.insert(reply.end(), rest.begin(), rest.end());
-        return reply;
+        return std::make_unique<ScriptedSerialPort>(line);
     }
 
-    /// A board that answers the probe at the first rate, the identity, and all else with zeros.
-    void ConnectBoard(const std::string& name, std::uint8_t suffix = 1) {
-        port.respond = [=, length = 0, last = 0](const Bytes& written) mutable {
-            if (written.size() == 1) { // the probe, a byte at a time
-                last = written[0] == 0 ? 1 : 0;
-                return last != 0 ? Bytes{'*'} : Bytes();
-            }
-            if (written.size() == 2 && written[0] == 10) {
-                length = written[1];
-            }
-            if (written != Bytes{2, 1}) {
-                return Bytes{'*'};
-            }
-            if (length == 18) {
-                return StatusReply(name, suffix);
-            }
-            Bytes reply(static_cast<std::size_t>(length) + 2);
-            reply.front() = reply.back() = '*';
-            return reply;
-        };
-        link.Connect(9600);
-        ASSERT_EQ(link.Identity().modelString, name + "-" + std::to_string(suffix));
-        port.Forget();
-    }
-
+    ManualClock clock;
     MemorySettings settings;
     RecordingPrompts prompts;
-    ManualClock clock;
     MainThread mainThread;
-    SerialScript port{clock};
+    std::shared_ptr<ScriptedLine> line;
+    WireBoard board; // used by the line under its lock
     ScriptedUsb usb;
-    CAnalyzerLink link{{settings, prompts, clock, mainThread,
-                        [this](const std::string& device) {
-                            openedDevice = device;
-                            return port.Open();
-                        },
-                        usb}};
-    std::string openedDevice;
-};
-
-/// A request whose end is noted: result, and the fields that a failure message prints.
-struct Outcome {
-    std::atomic<bool> done = false;
-    LinkRequest request;
-
-    static void Complete(LinkRequest* finished) {
-        auto* outcome = static_cast<Outcome*>(finished->owner);
-        outcome->request = *finished;
-        delete finished;
-        outcome->done = true;
-    }
-    void Await(MainThread& mainThread) const {
-        while (
-            !mainThread.WaitUntil(std::chrono::milliseconds(5), [this] { return done.load(); })) {
-        }
-    }
+    bool portOpens = true;
+    std::vector<std::string> openedDevices;
+    std::unique_ptr<CAnalyzerLink> link; // last: its thread uses the others
 };
 
 } // namespace busquill::test

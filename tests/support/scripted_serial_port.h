@@ -1,126 +1,184 @@
 #pragma once
 
-#include "manual_clock.h"
 #include "platform/serial_port.h"
+#include "support/manual_clock.h"
 
 #include <algorithm>
 #include <deque>
 #include <functional>
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace busquill::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// What a scripted line does and has seen. Outlives the ports that are opened on it.
-class SerialScript {
+/// A serial line with a scripted far end. It outlives the ports that are opened on it. A read that
+/// finds nothing returns at once and moves the clock by what it should have waited. Any thread.
+class ScriptedLine {
 public:
-    explicit SerialScript(ManualClock& clock) : clock_(clock) {}
+    struct Sent {
+        Bytes bytes;
+        int baud = 0;
+        std::time_t time = 0;
+    };
+    /// What the far end sends back for one write at a rate.
+    using Answer = std::function<Bytes(const Bytes& sent, int baud)>;
+    /// Error numbers that the port reports; 0 is success.
+    struct Errors {
+        int readConfiguration = 0;
+        int configure = 0;
+        int setTimeout = 0;
+        int write = 0;
+    };
 
-    /// What comes back for what was written. The default acknowledges everything.
-    std::function<Bytes(const Bytes& written)> respond = [](const Bytes&) { return Bytes{'*'}; };
-    bool openFails = false;
-    int readConfigurationError = 0;
-    int configureError = 0;
-    int timeoutError = 0;
-    std::atomic<int> writeError = 0;
-    std::atomic<bool> gone = false; // the line has failed for reading
-    std::atomic<std::uint32_t> lineErrors = 0;
+    explicit ScriptedLine(ManualClock& clock) : clock_(clock) {}
 
-    /// Everything that was written while the link's thread ran, a write each.
-    [[nodiscard]] std::vector<Bytes> Writes() const {
+    void SetAnswer(Answer answer) {
         const std::lock_guard lock(mutex_);
-        return writes_;
+        answer_ = std::move(answer);
+    }
+    void SetErrors(Errors errors) {
+        const std::lock_guard lock(mutex_);
+        errors_ = errors;
+    }
+    void SetLineErrors(std::uint32_t word) {
+        const std::lock_guard lock(mutex_);
+        lineErrors_ = word;
+    }
+    /// From now on a read finds the port gone.
+    void Unplug() {
+        const std::lock_guard lock(mutex_);
+        unplugged_ = true;
+    }
+    /// Bytes that come unasked.
+    void Arrive(const Bytes& bytes) {
+        const std::lock_guard lock(mutex_);
+        input_.insert(input_.end(), bytes.begin(), bytes.end());
+    }
+
+    [[nodiscard]] std::vector<Sent> Log() const {
+        const std::lock_guard lock(mutex_);
+        return log_;
+    }
+    /// What was written, one entry for each write.
+    [[nodiscard]] std::vector<Bytes> Written() const {
+        std::vector<Bytes> written;
+        for (const Sent& sent : Log()) {
+            written.push_back(sent.bytes);
+        }
+        return written;
     }
     [[nodiscard]] std::vector<int> Rates() const {
         const std::lock_guard lock(mutex_);
         return rates_;
     }
-    void Forget() {
+    void ForgetLog() {
         const std::lock_guard lock(mutex_);
-        writes_.clear();
+        log_.clear();
         rates_.clear();
     }
-    /// Bytes that come without having been asked for.
-    void Inject(const Bytes& bytes) {
+    [[nodiscard]] bool NothingToRead() const {
         const std::lock_guard lock(mutex_);
-        incoming_.insert(incoming_.end(), bytes.begin(), bytes.end());
+        return input_.empty();
     }
-    [[nodiscard]] int OpenPorts() const { return openPorts_; }
-
-    [[nodiscard]] std::unique_ptr<SerialPort> Open();
+    [[nodiscard]] int OpenPorts() const {
+        const std::lock_guard lock(mutex_);
+        return openPorts_;
+    }
+    [[nodiscard]] int ReadsAfterUnplug() const {
+        const std::lock_guard lock(mutex_);
+        return readsAfterUnplug_;
+    }
 
 private:
     friend class ScriptedSerialPort;
 
     ManualClock& clock_;
     mutable std::mutex mutex_;
-    std::vector<Bytes> writes_;
+    Answer answer_;
+    Errors errors_;
+    std::uint32_t lineErrors_ = 0;
+    bool unplugged_ = false;
+    std::deque<std::uint8_t> input_;
+    std::vector<Sent> log_;
     std::vector<int> rates_;
-    std::deque<std::uint8_t> incoming_;
-    std::atomic<int> openPorts_ = 0;
+    int baud_ = 0;
+    std::chrono::milliseconds timeout_{0};
+    int openPorts_ = 0;
+    int readsAfterUnplug_ = 0;
 };
 
-/// A port on a scripted line. A read that finds nothing moves the clock on by its time-out instead
-/// of waiting.
 class ScriptedSerialPort final : public SerialPort {
 public:
-    explicit ScriptedSerialPort(SerialScript& script) : script_(script) { ++script_.openPorts_; }
-    ~ScriptedSerialPort() override { --script_.openPorts_; }
-    ScriptedSerialPort(const ScriptedSerialPort&) = delete;
-    ScriptedSerialPort& operator=(const ScriptedSerialPort&) = delete;
+    explicit ScriptedSerialPort(std::shared_ptr<ScriptedLine> line) : line_(std::move(line)) {
+        const std::lock_guard lock(line_->mutex_);
+        ++line_->openPorts_;
+    }
+    ~ScriptedSerialPort() override {
+        const std::lock_guard lock(line_->mutex_);
+        --line_->openPorts_;
+    }
 
-    int ReadConfiguration() override { return script_.readConfigurationError; }
+    int ReadConfiguration() override {
+        const std::lock_guard lock(line_->mutex_);
+        return line_->errors_.readConfiguration;
+    }
     int Configure(int baud) override {
-        const std::lock_guard lock(script_.mutex_);
-        script_.rates_.push_back(baud);
-        return script_.configureError;
+        const std::lock_guard lock(line_->mutex_);
+        line_->rates_.push_back(baud);
+        if (line_->errors_.configure == 0) {
+            line_->baud_ = baud;
+        }
+        return line_->errors_.configure;
     }
     int SetReadTimeout(std::chrono::milliseconds total) override {
-        timeout_ = total;
-        return script_.timeoutError;
+        const std::lock_guard lock(line_->mutex_);
+        line_->timeout_ = total;
+        return line_->errors_.setTimeout;
     }
     std::optional<std::size_t> Read(std::span<std::uint8_t> into) override {
-        if (script_.gone) {
-            return std::nullopt;
-        }
         {
-            const std::lock_guard lock(script_.mutex_);
-            const std::size_t count = std::min(into.size(), script_.incoming_.size());
-            if (count != 0) {
-                std::copy_n(script_.incoming_.begin(), count, into.begin());
-                script_.incoming_.erase(script_.incoming_.begin(),
-                                        script_.incoming_.begin() +
-                                            static_cast<std::ptrdiff_t>(count));
+            const std::lock_guard lock(line_->mutex_);
+            if (line_->unplugged_) {
+                ++line_->readsAfterUnplug_;
+                return std::nullopt;
+            }
+            std::deque<std::uint8_t>& input = line_->input_;
+            if (!input.empty()) {
+                const std::size_t count = std::min(into.size(), input.size());
+                const auto end = input.begin() + static_cast<std::ptrdiff_t>(count);
+                std::copy(input.begin(), end, into.begin());
+                input.erase(input.begin(), end);
                 return count;
             }
+            line_->clock_.Advance(line_->timeout_);
         }
-        script_.clock_.Advance(timeout_);
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
+        std::this_thread::yield();
         return 0;
     }
     int Write(std::span<const std::uint8_t> bytes) override {
-        if (script_.writeError != 0) {
-            return script_.writeError;
+        const std::lock_guard lock(line_->mutex_);
+        const Bytes sent(bytes.begin(), bytes.end());
+        line_->log_.push_back({sent, line_->baud_, line_->clock_.Time()});
+        if (line_->errors_.write != 0) {
+            return line_->errors_.write;
         }
-        const Bytes written(bytes.begin(), bytes.end());
-        const Bytes reply = script_.respond(written);
-        const std::lock_guard lock(script_.mutex_);
-        script_.writes_.push_back(written);
-        script_.incoming_.insert(script_.incoming_.end(), reply.begin(), reply.end());
+        if (line_->answer_) {
+            const Bytes answer = line_->answer_(sent, line_->baud_);
+            line_->input_.insert(line_->input_.end(), answer.begin(), answer.end());
+        }
         return 0;
     }
-    std::uint32_t ClearErrors() override { return script_.lineErrors.exchange(0); }
+    std::uint32_t ClearErrors() override {
+        const std::lock_guard lock(line_->mutex_);
+        return std::exchange(line_->lineErrors_, 0);
+    }
 
 private:
-    SerialScript& script_;
-    std::chrono::milliseconds timeout_{100};
+    std::shared_ptr<ScriptedLine> line_;
 };
-
-inline std::unique_ptr<SerialPort> SerialScript::Open() {
-    return openFails ? nullptr : std::make_unique<ScriptedSerialPort>(*this);
-}
 
 } // namespace busquill::test

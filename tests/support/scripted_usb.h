@@ -1,98 +1,124 @@
 #pragma once
 
 #include "platform/usb_device.h"
+#include "support/wire_board.h"
 
-#include <algorithm>
-#include <deque>
 #include <mutex>
-#include <string>
-#include <vector>
 
 namespace busquill::test {
 
-/// A USB with one board on it that does as it is told, and what was asked of it.
+/// A machine with one USB board, each step of which can be made to fail. It outlives its devices.
+/// Any thread.
 class ScriptedUsb final : public UsbBus {
 public:
-    using Bytes = std::vector<std::uint8_t>;
+    struct Script {
+        UsbSearch search{UsbSearch::Outcome::Found, 0, "usb-path"};
+        bool opens = true;
+        bool selects = true;
+        bool resets = true;
+        bool writes = true;
+        /// What a read gives in place of the board's data.
+        std::optional<UsbDevice::Transfer> read;
+    };
 
-    UsbSearch search; // what Find answers
-    bool openFails = false;
-    bool selectFails = false;
-    bool resetFails = false;
-    bool writeFails = false;
-    UsbDevice::Transfer readFailure; // used while readFails
-    bool readFails = false;
-    std::deque<Bytes> replies; // of the next reads
-
-    void PlugIn() { search = {UsbSearch::Outcome::Found, 0, "1-2"}; }
-
+    void Set(Script script) {
+        const std::lock_guard lock(mutex_);
+        script_ = std::move(script);
+    }
+    /// Access to the board between transfers.
+    template <typename Use>
+    auto WithBoard(Use use) {
+        const std::lock_guard lock(mutex_);
+        return use(board_);
+    }
+    /// Every call in order: "find ...", "open ...", "select", "reset 2", "write 2: 4 0", ...
     [[nodiscard]] std::vector<std::string> Calls() const {
         const std::lock_guard lock(mutex_);
         return calls_;
     }
-    [[nodiscard]] std::vector<Bytes> Writes() const {
+    void ForgetCalls() {
         const std::lock_guard lock(mutex_);
-        return writes_;
+        calls_.clear();
+    }
+    [[nodiscard]] int OpenDevices() const {
+        const std::lock_guard lock(mutex_);
+        return openDevices_;
     }
 
     UsbSearch Find(const std::string& wanted) override {
-        Note("find " + wanted);
-        return search;
+        const std::lock_guard lock(mutex_);
+        calls_.push_back("find " + wanted);
+        return script_.search;
     }
-    std::unique_ptr<UsbDevice> Open(const std::string& path) override {
-        Note("open " + path);
-        return openFails ? nullptr : std::make_unique<Device>(*this);
+    std::unique_ptr<UsbDevice> Open(const std::string& path) override;
+
+private:
+    class Device;
+
+    mutable std::mutex mutex_;
+    Script script_;
+    WireBoard board_;
+    Bytes data_; // waits on the input pipe
+    std::vector<std::string> calls_;
+    int openDevices_ = 0;
+};
+
+class ScriptedUsb::Device final : public UsbDevice {
+public:
+    explicit Device(ScriptedUsb& bus) : bus_(bus) { ++bus_.openDevices_; }
+    ~Device() override {
+        const std::lock_guard lock(bus_.mutex_);
+        --bus_.openDevices_;
+    }
+
+    bool SelectInterface() override {
+        const std::lock_guard lock(bus_.mutex_);
+        bus_.calls_.emplace_back("select");
+        return bus_.script_.selects;
+    }
+    bool ResetPipe(std::uint8_t endpoint) override {
+        const std::lock_guard lock(bus_.mutex_);
+        bus_.calls_.push_back("reset " + std::to_string(endpoint));
+        return bus_.script_.resets;
+    }
+    Transfer Write(std::uint8_t endpoint, std::span<const std::uint8_t> bytes) override {
+        const std::lock_guard lock(bus_.mutex_);
+        std::string call = "write " + std::to_string(endpoint) + ":";
+        for (const std::uint8_t byte : bytes) {
+            call += " " + std::to_string(byte);
+        }
+        bus_.calls_.push_back(call);
+        if (!bus_.script_.writes) {
+            return {false, 31, 0};
+        }
+        // Acknowledgements do not exist on this wire: only what stands between two goes back.
+        const Bytes answer = bus_.board_.Answer({bytes.begin(), bytes.end()}, 0);
+        if (answer.size() > 2) {
+            bus_.data_.assign(answer.begin() + 1, answer.end() - 1);
+        }
+        return {true, 0, bytes.size()};
+    }
+    Transfer Read(std::uint8_t endpoint, std::span<std::uint8_t> into) override {
+        const std::lock_guard lock(bus_.mutex_);
+        bus_.calls_.push_back("read " + std::to_string(endpoint) + ": " +
+                              std::to_string(into.size()));
+        if (bus_.script_.read) {
+            return *bus_.script_.read;
+        }
+        const std::size_t count = std::min(into.size(), bus_.data_.size());
+        std::copy_n(bus_.data_.begin(), count, into.begin());
+        bus_.data_.clear();
+        return {true, 0, count};
     }
 
 private:
-    class Device final : public UsbDevice {
-    public:
-        explicit Device(ScriptedUsb& usb) : usb_(usb) {}
-        ~Device() override { usb_.Note("close"); }
-        Device(const Device&) = delete;
-        Device& operator=(const Device&) = delete;
-
-        bool SelectInterface() override {
-            usb_.Note("select");
-            return !usb_.selectFails;
-        }
-        bool ResetPipe(std::uint8_t endpoint) override {
-            usb_.Note("reset " + std::to_string(endpoint));
-            return !usb_.resetFails;
-        }
-        Transfer Write(std::uint8_t endpoint, std::span<const std::uint8_t> bytes) override {
-            usb_.Note("write " + std::to_string(endpoint));
-            const std::lock_guard lock(usb_.mutex_);
-            usb_.writes_.emplace_back(bytes.begin(), bytes.end());
-            return {!usb_.writeFails, 0, bytes.size()};
-        }
-        Transfer Read(std::uint8_t endpoint, std::span<std::uint8_t> into) override {
-            usb_.Note("read " + std::to_string(endpoint));
-            if (usb_.readFails) {
-                return usb_.readFailure;
-            }
-            const std::lock_guard lock(usb_.mutex_);
-            const Bytes reply = usb_.replies.empty() ? Bytes(into.size()) : usb_.replies.front();
-            if (!usb_.replies.empty()) {
-                usb_.replies.pop_front();
-            }
-            const std::size_t count = std::min(reply.size(), into.size());
-            std::copy_n(reply.begin(), count, into.begin());
-            return {true, 0, count};
-        }
-
-    private:
-        ScriptedUsb& usb_;
-    };
-
-    void Note(const std::string& call) {
-        const std::lock_guard lock(mutex_);
-        calls_.push_back(call);
-    }
-
-    mutable std::mutex mutex_;
-    std::vector<std::string> calls_;
-    std::vector<Bytes> writes_;
+    ScriptedUsb& bus_;
 };
+
+inline std::unique_ptr<UsbDevice> ScriptedUsb::Open(const std::string& path) {
+    const std::lock_guard lock(mutex_);
+    calls_.push_back("open " + path);
+    return script_.opens ? std::make_unique<Device>(*this) : nullptr;
+}
 
 } // namespace busquill::test

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "support/scripted_serial_port.h"
+
+#include <map>
+
+namespace busquill::test {
+
+/// The far end of a wire as a board without faults keeps it: it acknowledges frames and payloads,
+/// remembers what is written and reads back what a test has put at an address.
+class WireBoard {
+public:
+    struct Write {
+        std::uint32_t address = 0;
+        Bytes bytes;
+        bool operator==(const Write&) const = default;
+    };
+
+    /// Bytes that a read of memory, target or samples at an address gives; others read as 0.
+    std::map<std::uint32_t, Bytes> contents;
+    std::vector<Write> writes;
+    std::vector<int> functions;
+    int baud = 0; // the rate at which it answers; 0: at any
+
+    Bytes Answer(const Bytes& sent, int lineBaud) {
+        Bytes answer;
+        if (baud != 0 && lineBaud != baud) {
+            return answer;
+        }
+        for (const std::uint8_t byte : sent) {
+            Take(byte, answer);
+        }
+        return answer;
+    }
+
+private:
+    void Take(std::uint8_t byte, Bytes& answer) {
+        pending_.push_back(byte);
+        if (payloadLength_ > 0) {
+            if (pending_.size() == payloadLength_) {
+                writes.push_back({address_, pending_});
+                pending_.clear();
+                payloadLength_ = 0;
+                answer.push_back('*');
+            }
+            return;
+        }
+        if (pending_.size() < 2) {
+            return;
+        }
+        const std::uint32_t parameter = pending_[1];
+        switch (pending_[0]) {
+        case 2:
+            RunFunction(static_cast<int>(parameter), answer);
+            break;
+        case 4:
+            address_ = (address_ & 0xFFFF00U) | parameter;
+            break;
+        case 6:
+            address_ = (address_ & 0xFF00FFU) | parameter << 8;
+            break;
+        case 8:
+            address_ = (address_ & 0x00FFFFU) | parameter << 16;
+            break;
+        case 10:
+            length_ = (length_ & 0xFF00U) | parameter;
+            break;
+        case 12:
+            length_ = (length_ & 0x00FFU) | parameter << 8;
+            break;
+        default:
+            break;
+        }
+        pending_.clear();
+        answer.push_back('*');
+    }
+
+    void RunFunction(int function, Bytes& answer) {
+        functions.push_back(function);
+        if (function == 2 || function == 10 || function == 30) {
+            payloadLength_ = length_;
+        } else if (function == 1 || function == 9) {
+            AppendData(length_, answer);
+        } else if (function == 3 || function == 5 || function == 35 || function == 36) {
+            AppendData(length_ * std::size_t{18}, answer);
+        }
+    }
+
+    void AppendData(std::size_t count, Bytes& answer) {
+        Bytes data = contents[address_];
+        data.resize(count);
+        answer.push_back('*');
+        answer.insert(answer.end(), data.begin(), data.end());
+    }
+
+    Bytes pending_;
+    std::size_t payloadLength_ = 0;
+    std::uint32_t address_ = 0;
+    std::uint32_t length_ = 0;
+};
+
+} // namespace busquill::test
