@@ -215,8 +215,8 @@ void ReadSamples(TextReader& file, bool masked, CSignal& signal) {
         signal.mask = ReadBits(file, "Mask", lines);
     }
     const std::size_t words = std::max({signal.data.size(), signal.mask.size(), std::size_t{1}});
-    signal.numSamples = static_cast<std::uint32_t>(
-        std::min<std::size_t>({signal.numSamples, words * wordBits, CSignalList::maxFileSamples}));
+    signal.numSamples =
+        static_cast<std::uint32_t>(std::min<std::size_t>(signal.numSamples, words * wordBits));
     signal.data.resize(WordsFor(signal.numSamples), 0);
     if (masked) {
         signal.mask.resize(WordsFor(signal.numSamples), 0);

@@ -299,7 +299,7 @@ std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal, 
     case DecodeKind::Time:
         return PlainValue(signal, sample, Radix::Time, zoom);
     case DecodeKind::Sample:
-        return Printf("%lld", static_cast<long long>(firstSample + sample));
+        return std::to_string(firstSample + sample);
     case DecodeKind::Tag:
     case DecodeKind::BusNumber:
     case DecodeKind::DeviceFunction:

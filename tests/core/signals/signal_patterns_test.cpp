@@ -62,6 +62,14 @@ TEST_F(PatternTest, ClearsOldBitsWhenRowsAreWrittenBack) {
     EXPECT_EQ(Row("KIND").groupMask[3], 0b01);
 }
 
+TEST_F(PatternTest, ClearsTheColumnsThatTheRowsDoNotReach) {
+    CSignal& other = list_[list_.Size() - 1];
+    other.dataIndex = 1;
+    other.SetSampleBuffer(Words{0xFFFFFFFF, 0xFFFFFFFF}, 64);
+    list_.UnpackGroup(&Row("AD[3:0]"));
+    EXPECT_EQ(other.data, (Words{0, 0}));
+}
+
 TEST_F(PatternTest, WritesAReversedBusDownward) {
     CSignal& bg = Row("BG[3:0]");
     ASSERT_EQ(bg.dataIndex, 83);

@@ -275,6 +275,11 @@ TEST_P(RandomLists, LoadLikeTheLoopOverSingleBits) {
     }
     const int numSamples = Pick(random, 1, 1200);
     list.ResizeSamples(static_cast<std::uint32_t>(numSamples));
+    for (const auto& signal : list.All()) {
+        if (Pick(random, 0, 30) == 0) {
+            signal->ResizeSamples(static_cast<std::uint32_t>(Pick(random, 0, numSamples)));
+        }
+    }
     CSignalList plain;
     plain.CopyFrom(list);
     for (int round = 0; round < 3; ++round) {
@@ -286,6 +291,29 @@ TEST_P(RandomLists, LoadLikeTheLoopOverSingleBits) {
         ExpectAsIfLoadedPlainly(list, plain, static_cast<std::size_t>(first), records);
         if (HasFatalFailure()) {
             return;
+        }
+    }
+}
+
+TEST(LoadSamples, UnpacksAGroupOfAnyWidthAnywhereInTheRecord) {
+    Random random(1);
+    const auto records = RandomRecords(random, 3);
+    for (int width : {1, 7, 8, 9, 16, 18, 31, 32, 33, 55, 56, 57, 58, 63, 64, 65, 72, 144}) {
+        for (int first = 0; first + width <= 144; ++first) {
+            CSignalList list;
+            for (int k = 0; k < width; ++k) {
+                CSignal* signal = list.InsertBlank(nullptr);
+                signal->dataIndex = first + k;
+                signal->grouped = true;
+            }
+            list[0].groupAttribute = GroupAttribute::Start;
+            list.BuildGroup(&list[0]);
+            list.ResizeSamples(3);
+            CSignalList plain;
+            plain.CopyFrom(list);
+            list.LoadSamples(0, records);
+            ExpectAsIfLoadedPlainly(list, plain, 0, records);
+            ASSERT_FALSE(testing::Test::HasFatalFailure()) << width << " bits from " << first;
         }
     }
 }
