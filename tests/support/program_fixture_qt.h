@@ -1,0 +1,114 @@
+#pragma once
+
+#include "support/board_process.h"
+#include "support/manual_clock.h"
+#include "support/memory_settings.h"
+#include "support/recording_prompts.h"
+#include "support/scripted_usb.h"
+#include "support/temp_dir.h"
+#include "ui/shell/program.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDialog>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace busquill::test {
+
+/// The entry of a menu path such as "File/New/Capture/State", without mnemonics; null when there
+/// is none. The menus are refreshed as if the user had opened them.
+inline QAction* FindEntry(const QMainWindow& window, const QString& path) {
+    QList<QAction*> actions = window.menuBar()->actions();
+    QAction* found = nullptr;
+    for (const QString& part : path.split('/')) {
+        found = nullptr;
+        for (QAction* action : actions) {
+            if (action->text().remove('&') == part) {
+                found = action;
+            }
+        }
+        if (found == nullptr) {
+            return nullptr;
+        }
+        if (QMenu* menu = found->menu()) {
+            emit menu->aboutToShow();
+            actions = menu->actions();
+        }
+    }
+    return found;
+}
+
+/// The whole program in its windows, with a working directory of its own that holds the stored
+/// captures. In Demo Mode unless a test connects a board.
+class ProgramFixture : public testing::Test {
+protected:
+    ProgramFixture() {
+        for (const char* name : {"Trigger1.tra", "Trigger2.tra"}) {
+            std::filesystem::copy(BUSQUILL_SOURCE_DIR "/data/" + std::string(name), dir.File(name));
+        }
+        settings.WriteProfileString("Setup", "ComPort", "COM1");
+    }
+
+    void StartDemo() {
+        Start(clock, [](const std::string&) { return nullptr; });
+        ASSERT_TRUE(program->Link().IsDemoMode());
+        prompts.Forget();
+    }
+    void Start(Clock& withClock,
+               std::function<std::unique_ptr<SerialPort>(const std::string&)> openSerial) {
+        program = std::make_unique<Program>(Program::Machine{mainThread, prompts, settings,
+                                                             withClock, usb, std::move(openSerial),
+                                                             WorkingDirectory(dir.Path())});
+        program->InitInstance();
+        QApplication::processEvents();
+    }
+
+    CMainFrame& Frame() { return program->Frame(); }
+    QAction& Entry(const QString& path) {
+        QAction* action = FindEntry(Frame(), path);
+        if (action == nullptr) {
+            throw std::runtime_error("no entry " + path.toStdString());
+        }
+        return *action;
+    }
+    void Choose(const QString& path) {
+        QAction& action = Entry(path);
+        ASSERT_TRUE(action.isEnabled()) << path.toStdString();
+        action.trigger();
+        QApplication::processEvents();
+    }
+    /// Chooses an entry that opens a dialog and does something with it.
+    template <class Dialog>
+    void ChooseDialog(const QString& path, std::function<void(Dialog&)> act) {
+        bool met = false;
+        QTimer::singleShot(0, [&] {
+            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
+                met = true;
+                act(*dialog);
+                if (dialog->isVisible()) {
+                    dialog->reject();
+                }
+            }
+        });
+        Choose(path);
+        EXPECT_TRUE(met) << path.toStdString();
+    }
+    QList<QMdiSubWindow*> Windows() { return Frame().Area().subWindowList(); }
+
+    const TempDir dir;
+    MainThread mainThread;
+    RecordingPrompts prompts;
+    MemorySettings settings;
+    ManualClock clock;
+    ScriptedUsb usb;
+    std::unique_ptr<Program> program;
+};
+
+} // namespace busquill::test

@@ -1,0 +1,79 @@
+#include "ui/display/state_geometry.h"
+
+#include <gtest/gtest.h>
+
+namespace busquill {
+namespace {
+
+TEST(VisibleRows, WholeRowsBelowTheHeader) {
+    const std::pair<int, int> rows[] = {{0, 0},  {19, 0}, {33, 0},  {34, 1},
+                                        {48, 1}, {49, 2}, {600, 38}};
+    for (const auto& [height, count] : rows) {
+        EXPECT_EQ(VisibleRows(height), count) << height;
+    }
+}
+
+TEST(VerticalBar, PageIsTheVisibleShareOfTenThousand) {
+    EXPECT_EQ(VerticalPage(38, 0), 0);
+    EXPECT_EQ(VerticalPage(38, 38), 10000);
+    EXPECT_EQ(VerticalPage(38, 1'000'000), 0);
+    EXPECT_EQ(VerticalPage(50, 100), 5000);
+}
+
+TEST(VerticalBar, PositionsHoldForAnyCapture) {
+    const std::int64_t many = 30'000'000'000;
+    EXPECT_EQ(VerticalPosition(0, 0), 0);
+    EXPECT_EQ(VerticalPosition(many / 2, many), 5000);
+    EXPECT_EQ(RowOfPosition(5000, many), many / 2);
+    EXPECT_EQ(RowOfPosition(9999, 1'000'000), 999'900);
+    EXPECT_EQ(VerticalPosition(999'999, 1'000'000), 9999);
+    EXPECT_EQ(RowOfPosition(10000, 0), 0);
+}
+
+TEST(VerticalBar, EveryPositionComesBack) {
+    for (const std::int64_t rows : {10'000, 12'345, 1'000'000, 33'554'432}) {
+        for (int position = 0; position < 10000; position += 7) {
+            const int back = VerticalPosition(RowOfPosition(position, rows), rows);
+            EXPECT_GE(back, position - 1) << rows;
+            EXPECT_LE(back, position) << rows;
+        }
+    }
+}
+
+TEST(TopRowFor, StopsWhereTheLastRowIsAtTheBottom) {
+    EXPECT_EQ(TopRowFor(50, 10, 100), 50);
+    EXPECT_EQ(TopRowFor(95, 10, 100), 90);
+    EXPECT_EQ(TopRowFor(90, 10, 100), 90);
+    EXPECT_EQ(TopRowFor(3, 10, 5), 0);
+    EXPECT_EQ(TopRowFor(0, 10, 0), 0);
+}
+
+TEST(StepTopRow, StopsAtBothEnds) {
+    EXPECT_EQ(StepTopRow(0, -1, 10, 100), 0);
+    EXPECT_EQ(StepTopRow(3, -10, 10, 100), 0);
+    EXPECT_EQ(StepTopRow(5, 1, 10, 100), 6);
+    EXPECT_EQ(StepTopRow(89, 10, 10, 100), 90);
+    EXPECT_EQ(StepTopRow(0, 1, 10, 5), 0);
+    EXPECT_EQ(StepTopRow(0, 1, 10, 10), 0);
+}
+
+TEST(FirstToCenter, KeepsToTheStart) {
+    EXPECT_EQ(FirstToCenter(0, 11), 0);
+    EXPECT_EQ(FirstToCenter(5, 11), 0);
+    EXPECT_EQ(FirstToCenter(6, 11), 1);
+    EXPECT_EQ(FirstToCenter(100, 10), 95);
+}
+
+TEST(HorizontalBar, PageAndLimit) {
+    EXPECT_EQ(HorizontalPage(900, 56), 843);
+    EXPECT_EQ(HorizontalPage(200, 56), 250);
+    EXPECT_EQ(HorizontalLimit(2000, 900, 56), 2000 - 843);
+    EXPECT_EQ(HorizontalLimit(500, 900, 56), 0);
+    EXPECT_EQ(StepOffset(0, -1, 100), 0);
+    EXPECT_EQ(StepOffset(99, 843, 100), 100);
+    EXPECT_EQ(StepOffset(50, -60, 100), 0);
+    EXPECT_EQ(StepOffset(50, 1, 100), 51);
+}
+
+} // namespace
+} // namespace busquill

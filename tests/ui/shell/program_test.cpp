@@ -1,0 +1,244 @@
+#include "support/program_fixture_qt.h"
+#include "ui/display/trace_view.h"
+#include "ui/shell/child_frame.h"
+#include "ui/shell/help_window.h"
+
+#include <QLabel>
+#include <QStatusBar>
+#include <QTextBrowser>
+#include <QToolBar>
+#include <QtTest/QTest>
+
+namespace busquill::test {
+namespace {
+
+class InDemoMode : public ProgramFixture {
+protected:
+    InDemoMode() { StartDemo(); }
+    CChildFrame& Active() { return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow()); }
+    CTesselDoc& Trace() { return Active().TraceView().Trace(); }
+};
+
+TEST(WithoutAPort, NoMessageAppearsAndTheModelIsBare) {
+    class NoPort : public ProgramFixture {
+    public:
+        void TestBody() override {
+            settings.WriteProfileString("Setup", "ComPort", "<None>");
+            Start(clock, [](const std::string&) { return nullptr; });
+            EXPECT_TRUE(prompts.Boxes().empty());
+            EXPECT_FALSE(program->Link().IsDemoMode());
+            EXPECT_EQ(Frame().PaneText(1), "-0");
+        }
+    } test;
+    test.TestBody();
+}
+
+TEST_F(InDemoMode, StatusBarSaysSo) {
+    EXPECT_EQ(Frame().PaneText(1), "Demo Mode");
+    EXPECT_EQ(Frame().PaneText(2), "PCI");
+    EXPECT_EQ(Frame().PaneText(3), "0 MHz");
+    EXPECT_EQ(Frame().PaneText(4), "");
+}
+
+TEST_F(InDemoMode, MainWindowStandsEmpty) {
+    EXPECT_TRUE(Windows().isEmpty());
+    EXPECT_EQ(Frame().windowTitle(), "Busquill!");
+    EXPECT_LE(Frame().width(), 900);
+    EXPECT_LE(Frame().height(), 600);
+}
+
+TEST_F(InDemoMode, StateOpensItsStoredCapture) {
+    Choose("File/New/Capture/State");
+    ASSERT_EQ(Windows().size(), 1);
+    EXPECT_TRUE(Active().IsStateFrame());
+    EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger2.tra"));
+    EXPECT_FALSE(Trace().IsRealTime());
+    EXPECT_TRUE(Active().windowTitle().startsWith("Trace - Trigger2 ("));
+    EXPECT_TRUE(prompts.Boxes().empty());
+}
+
+TEST_F(InDemoMode, WaveformOpensItsStoredCapture) {
+    Choose("File/New/Capture/Waveform");
+    ASSERT_EQ(Windows().size(), 1);
+    EXPECT_FALSE(Active().IsStateFrame());
+    EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger1.tra"));
+}
+
+TEST_F(InDemoMode, TheSameCommandOpensTheCaptureOnceMore) {
+    Choose("File/New/Capture/State");
+    Choose("File/New/Capture/State");
+    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_TRUE(Entry("File/New/Capture/State").isEnabled());
+}
+
+TEST_F(InDemoMode, MissingStoredCaptureIsReportedAndAnEmptyTraceOpens) {
+    std::filesystem::remove(dir.File("Trigger2.tra"));
+    Choose("File/New/Capture/State");
+    EXPECT_EQ(prompts.Texts(),
+              std::vector<std::string>{"Error opening file " + dir.File("Trigger2.tra") + "."});
+    ASSERT_EQ(Windows().size(), 1);
+    EXPECT_TRUE(Trace().IsRealTime());
+    EXPECT_EQ(Active().windowTitle(), "Trace - New");
+    EXPECT_FALSE(Entry("File/New/Capture/State").isEnabled());
+}
+
+TEST_F(InDemoMode, OneRealTimeTraceHasAFrameOfEachKind) {
+    std::filesystem::remove(dir.File("Trigger1.tra"));
+    std::filesystem::remove(dir.File("Trigger2.tra"));
+    Choose("File/New/Capture/Waveform");
+    Choose("File/New/Capture/State");
+    ASSERT_EQ(Windows().size(), 2);
+    EXPECT_EQ(program->App().Templates().front()->Documents().size(), 1U);
+    EXPECT_NE(program->App().FindRealTimeView(TraceViewKind::State), nullptr);
+    EXPECT_NE(program->App().FindRealTimeView(TraceViewKind::Waveform), nullptr);
+}
+
+TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
+    std::filesystem::remove(dir.File("Trigger2.tra"));
+    Choose("File/New/Capture/State");
+    Choose("File/New/Capture/Waveform"); // a stored one
+    prompts.Forget();
+    program->App().context.cloneSource = &Trace();
+    program->App().NewStateTrace();
+    program->App().context.cloneSource = &Trace();
+    program->App().NewWaveformTrace();
+    const std::string refused = "A real-time view already exists. Close the real-time view before "
+                                "creating a new one.";
+    EXPECT_EQ(prompts.Texts(), (std::vector<std::string>{refused, refused}));
+    EXPECT_EQ(program->App().context.cloneSource, nullptr);
+    EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);
+    EXPECT_TRUE(Active().IsStateFrame());
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger1.tra")), nullptr);
+    EXPECT_FALSE(Active().IsStateFrame());
+    EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(InDemoMode, OpenFileComesToTheFront) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_TRUE(Active().windowTitle().startsWith("Trace - Trigger2"));
+}
+
+TEST_F(InDemoMode, FileThatCannotBeReadLeavesTheOthersAlone) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    const auto rows = Trace().RowCount(false);
+    EXPECT_EQ(program->App().OpenDocumentFile(dir.Write("bad.tra", "no capture")), nullptr);
+    EXPECT_EQ(prompts.Texts(),
+              std::vector<std::string>{"Error: File type of 'Trace Data File' not found."});
+    EXPECT_EQ(Windows().size(), 1);
+    EXPECT_EQ(Trace().RowCount(false), rows);
+}
+
+TEST_F(InDemoMode, FileOfAnotherKindIsRefusedInOneMessage) {
+    EXPECT_EQ(program->App().OpenDocumentFile(dir.Write("a.txt", "x")), nullptr);
+    EXPECT_EQ(prompts.Boxes().size(), 1U);
+}
+
+TEST_F(InDemoMode, LastFourFilesStandInTheFileMenu) {
+    for (const char* name : {"a.tra", "b.tra", "c.tra", "d.tra", "e.tra"}) {
+        std::filesystem::copy(dir.File("Trigger2.tra"), dir.File(name));
+        program->App().OpenDocumentFile(dir.File(name));
+    }
+    const QStringList files = program->App().RecentFiles();
+    ASSERT_EQ(files.size(), 4);
+    EXPECT_TRUE(files[0].endsWith("e.tra"));
+    EXPECT_NE(FindEntry(Frame(), "File/1 e.tra"), nullptr);
+    EXPECT_NE(FindEntry(Frame(), "File/4 b.tra"), nullptr);
+}
+
+TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
+    Choose("File/New/Capture/State");
+    program->App().AddTraceFrame(Trace(), TraceViewKind::Waveform);
+    EXPECT_EQ(Windows().size(), 2);
+    Choose("File/Close");
+    EXPECT_EQ(program->App().Templates().front()->Documents().size(), 1U);
+    Choose("File/Close");
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(program->App().Templates().front()->Documents().empty());
+    EXPECT_FALSE(Entry("File/Close").isEnabled());
+}
+
+TEST_F(InDemoMode, PowerZoomFrameHasItsSizeAndName) {
+    Choose("File/New/Capture/Waveform");
+    program->App().AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
+    EXPECT_TRUE(Active().IsZoomFrame());
+    EXPECT_TRUE(Active().windowTitle().startsWith("Power Zoom - Trigger1"));
+    EXPECT_EQ(Active().size(), QSize(560, 360));
+    EXPECT_EQ(Active().TraceView().CenterSample(), 255);
+}
+
+TEST_F(InDemoMode, SwitchedDisplayKeepsTheCentreSample) {
+    Choose("File/New/Capture/State");
+    Active().TraceView().ShowSample(1000);
+    const auto center = Active().TraceView().CenterSample();
+    Active().SwitchDisplay(false);
+    EXPECT_FALSE(Active().IsStateFrame());
+    EXPECT_EQ(Active().TraceView().CenterSample(), center);
+    EXPECT_EQ(Trace().Views().size(), 1U);
+}
+
+TEST_F(InDemoMode, GoToMovesTheView) {
+    Choose("File/New/Capture/State");
+    Choose("Search/Go to/End");
+    EXPECT_GT(Active().TraceView().TopSample(), 4000);
+    Choose("Search/Go to/Start");
+    EXPECT_EQ(Active().TraceView().TopSample(), 0);
+    Choose("Search/Go to/Trigger");
+    EXPECT_EQ(Active().TraceView().CenterSample(), Trace().Marker(0, false));
+    EXPECT_FALSE(Entry("Search/Go to/Marker 1").isEnabled());
+    Trace().SetMarker(1, 77);
+    Choose("Search/Go to/Marker 1");
+    EXPECT_EQ(Active().TraceView().CenterSample(), 77);
+}
+
+TEST_F(InDemoMode, BoardInfoShowsTheModelAlone) {
+    ChooseDialog<QDialog>("Utilities/Board Info", [](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), " Board Info");
+        EXPECT_EQ(dialog.findChild<QLabel*>("Model")->text(), "Demo Mode");
+        for (const char* row :
+             {"Buffer Size", "Firmware Version", "Hardware Version", "Serial Number"}) {
+            EXPECT_EQ(dialog.findChild<QLabel*>(row)->text(), "") << row;
+        }
+    });
+}
+
+TEST_F(InDemoMode, ToolBarAndStatusBarCanBeHidden) {
+    Choose("View/Toolbar");
+    EXPECT_FALSE(Frame().findChild<QToolBar*>("Toolbar")->isVisible());
+    Choose("View/Status Bar");
+    EXPECT_FALSE(Frame().statusBar()->isVisible());
+    Choose("View/Toolbar");
+    EXPECT_TRUE(Frame().findChild<QToolBar*>("Toolbar")->isVisible());
+}
+
+TEST_F(InDemoMode, HelpOpensTheManual) {
+    Choose("Help/Contents");
+    const auto* help = Frame().findChild<HelpWindow*>();
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(help->findChild<QTextBrowser*>()->toPlainText().startsWith("Busquill! manual"));
+}
+
+TEST(HelpPage, MissingTopicOpensTheContents) {
+    EXPECT_EQ(HelpPage(HelpTopic::State), ":/manual/listing.md");
+    EXPECT_EQ(HelpPage(HelpTopic::Contents), ":/manual/index.md");
+    EXPECT_EQ(HelpPage(999), ":/manual/index.md");
+}
+
+TEST_F(InDemoMode, WindowMenuListsAndActivatesWindows) {
+    Choose("File/New/Capture/State");
+    Choose("File/New/Capture/Waveform");
+    Choose("Window/Cascade");
+    Choose("Window/Tile");
+    const QString first = "Window/1 " + Windows()[0]->windowTitle();
+    Choose(first);
+    EXPECT_EQ(Frame().Area().activeSubWindow(), Windows()[0]);
+}
+
+} // namespace
+} // namespace busquill::test
