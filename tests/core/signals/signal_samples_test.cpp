@@ -228,7 +228,7 @@ std::shared_ptr<CDecodedSignalDef> RandomDefinition(Random& random, int firstPos
             // Mostly any, so that wide patterns match at times.
             constexpr std::array<std::uint8_t, 6> codes = {0, 1, 3, 3, 3, 3};
             value.pattern[static_cast<std::size_t>(firstPosition + k)] =
-                codes[static_cast<std::size_t>(Pick(random, 0, 5))];
+                codes.at(static_cast<unsigned>(Pick(random, 0, 5)));
         }
         def->values.push_back(value);
     }
