@@ -4,6 +4,7 @@
 #include "signals/signal_tables.h"
 #include "support/temp_dir.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -67,7 +68,7 @@ struct ValueRow {
 /// of its own.
 class HandMadeTables {
 public:
-    explicit HandMadeTables(BoardTraits board = Board::Pci32())
+    explicit HandMadeTables(const BoardTraits& board = Board::Pci32())
         : tables_([board] { return board; }, WorkingDirectory(directory_.Path())) {}
 
     /// A bus of the positions `first` to `last` from data index `bit` on; `first` above `last`

@@ -7,7 +7,6 @@
 namespace busquill::test {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Words = std::vector<std::uint32_t>;
 using Bytes = std::vector<std::uint8_t>;

@@ -227,8 +227,8 @@ std::shared_ptr<CDecodedSignalDef> RandomDefinition(Random& random, int firstPos
         for (int k = 0; k < width; ++k) {
             // Mostly any, so that wide patterns match at times.
             constexpr std::array<std::uint8_t, 6> codes = {0, 1, 3, 3, 3, 3};
-            value.pattern[static_cast<std::size_t>(firstPosition + k)] =
-                codes[static_cast<std::size_t>(Pick(random, 0, 5))];
+            value.pattern.at(static_cast<unsigned>(firstPosition + k)) =
+                codes.at(static_cast<unsigned>(Pick(random, 0, 5)));
         }
         def->values.push_back(value);
     }
