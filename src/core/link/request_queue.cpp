@@ -2,6 +2,7 @@
 
 #include "link/board_state.h"
 #include "link/link_port.h"
+#include "link/link_thread.h"
 #include "platform/clock.h"
 #include "platform/main_thread.h"
 #include "platform/prompts.h"
@@ -138,9 +139,10 @@ void RequestQueue::RunOwedCompletions() {
 
 void RequestQueue::WaitIdle() {
     RunOwedCompletions();
-    mainThread_.WaitUntil(idleLimit, [this] {
+    const bool inCompletion = LinkThread::OnThisThread() != nullptr;
+    mainThread_.WaitUntil(idleLimit, [this, inCompletion] {
         const MutexLock lock(queueLock_);
-        return requestQueue_.empty();
+        return requestQueue_.empty() && (completing_ == 0 || inCompletion);
     });
 }
 
@@ -259,20 +261,23 @@ void RequestQueue::Step(LinkPort& port) {
             return;
         }
         finished = StepHead(port);
+        if (finished == nullptr) {
+            return;
+        }
         anotherWaits = !requestQueue_.empty();
-    }
-    if (finished == nullptr) {
-        return;
+        ++completing_;
     }
     mainThread_.Wake();
     Complete(finished);
-    if (anotherWaits) {
+    {
         const MutexLock lock(queueLock_);
+        --completing_;
         // A port that was opened meanwhile has begun with the waiting request itself.
-        if (Port().get() == &port) {
+        if (anotherWaits && Port().get() == &port) {
             StartHead();
         }
     }
+    mainThread_.Wake();
 }
 
 /// One look at the running request. Returns it, removed from the queue, when it is finished.

@@ -44,6 +44,8 @@ public:
 
     /// With no port, the completion has run when the outermost Submit of the thread returns.
     void Submit(LinkRequest* request);
+    /// Waits until nothing is queued and the last completion has returned, at most 5 seconds. On
+    /// the link's thread, which is inside a completion itself, only until nothing is queued.
     void WaitIdle();
     /// Runs the completions that this thread owes to requests it submitted with no port, when it
     /// must wait for one inside another.
@@ -114,6 +116,8 @@ private:
     Mutex queueLock_;
     std::deque<LinkRequest*> requestQueue_ BUSQUILL_GUARDED_BY(queueLock_);
     PayloadEncoders encoders_ BUSQUILL_GUARDED_BY(queueLock_);
+    /// Completions that run on a thread of the link.
+    int completing_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     std::time_t lastSendTime_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     ReplyRing ring_;
 };
