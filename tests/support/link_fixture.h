@@ -34,6 +34,43 @@ template <typename Condition>
     return condition();
 }
 
+/// A request whose completion stays in its function until it is released. Outlives the request.
+class HeldCompletion {
+public:
+    [[nodiscard]] LinkRequest* Request(std::int32_t command) {
+        return CAnalyzerLink::NewRequest(command, this, [](LinkRequest* done) {
+            auto* held = static_cast<HeldCompletion*>(done->owner);
+            delete done;
+            held->started_.set_value();
+            held->mayEnd_.get_future().wait();
+            held->ended_.set_value();
+        });
+    }
+    ~HeldCompletion() {
+        if (begun_) {
+            Release();
+            ended_.get_future().wait();
+        }
+    }
+    void AwaitStart() {
+        started_.get_future().wait();
+        begun_ = true;
+    }
+    void Release() {
+        if (!released_.exchange(true)) {
+            mayEnd_.set_value();
+        }
+    }
+    [[nodiscard]] bool Released() const { return released_; }
+
+private:
+    std::promise<void> started_;
+    std::promise<void> mayEnd_;
+    std::promise<void> ended_;
+    bool begun_ = false;
+    std::atomic<bool> released_ = false;
+};
+
 /// A link on a scripted serial line or USB board. The test's thread is the main thread.
 class LinkFixture : public testing::Test {
 protected:

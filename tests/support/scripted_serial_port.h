@@ -8,7 +8,6 @@
 #include <functional>
 #include <mutex>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace busquill::test {
@@ -48,6 +47,16 @@ public:
         const std::lock_guard lock(mutex_);
         lineErrors_ = word;
     }
+    /// Called on the link's thread when a request's time is over, before that is dealt with.
+    void OnClearErrors(std::function<void()> called) {
+        const std::lock_guard lock(mutex_);
+        onClearErrors_ = std::move(called);
+    }
+    /// Whether reads that find nothing move the clock.
+    void SetClockRuns(bool runs) {
+        const std::lock_guard lock(mutex_);
+        clockRuns_ = runs;
+    }
     /// From now on a read finds the port gone.
     void Unplug() {
         const std::lock_guard lock(mutex_);
@@ -57,6 +66,7 @@ public:
     void Arrive(const Bytes& bytes) {
         const std::lock_guard lock(mutex_);
         input_.insert(input_.end(), bytes.begin(), bytes.end());
+        idleReads_ = 0;
     }
 
     [[nodiscard]] std::vector<Sent> Log() const {
@@ -80,9 +90,10 @@ public:
         log_.clear();
         rates_.clear();
     }
-    [[nodiscard]] bool NothingToRead() const {
+    /// Whether the reader has taken all bytes and has asked for more.
+    [[nodiscard]] bool AllTaken() const {
         const std::lock_guard lock(mutex_);
-        return input_.empty();
+        return input_.empty() && idleReads_ > 0;
     }
     [[nodiscard]] int OpenPorts() const {
         const std::lock_guard lock(mutex_);
@@ -101,6 +112,8 @@ private:
     Answer answer_;
     Errors errors_;
     std::uint32_t lineErrors_ = 0;
+    std::function<void()> onClearErrors_;
+    bool clockRuns_ = true;
     bool unplugged_ = false;
     std::deque<std::uint8_t> input_;
     std::vector<Sent> log_;
@@ -109,6 +122,7 @@ private:
     std::chrono::milliseconds timeout_{0};
     int openPorts_ = 0;
     int readsAfterUnplug_ = 0;
+    int idleReads_ = 0;
 };
 
 class ScriptedSerialPort final : public SerialPort {
@@ -152,9 +166,13 @@ public:
                 const auto end = input.begin() + static_cast<std::ptrdiff_t>(count);
                 std::copy(input.begin(), end, into.begin());
                 input.erase(input.begin(), end);
+                line_->idleReads_ = 0;
                 return count;
             }
-            line_->clock_.Advance(line_->timeout_);
+            ++line_->idleReads_;
+            if (line_->clockRuns_) {
+                line_->clock_.Advance(line_->timeout_);
+            }
         }
         std::this_thread::yield();
         return 0;
@@ -174,7 +192,10 @@ public:
     }
     std::uint32_t ClearErrors() override {
         const std::lock_guard lock(line_->mutex_);
-        return std::exchange(line_->lineErrors_, 0);
+        if (line_->onClearErrors_) {
+            line_->onClearErrors_();
+        }
+        return line_->lineErrors_;
     }
 
 private:

@@ -18,7 +18,7 @@ public:
         bool resets = true;
         bool writes = true;
         /// What a read gives in place of the board's data.
-        std::optional<UsbDevice::Transfer> read;
+        std::optional<UsbDevice::Transfer> read = std::nullopt;
     };
 
     void Set(Script script) {

@@ -139,12 +139,10 @@ void RequestQueue::RunOwedCompletions() {
 
 void RequestQueue::WaitIdle() {
     RunOwedCompletions();
-    // The head is removed before its completion runs; whoever waits here wants what that leaves.
-    const LinkThread* self = LinkThread::OnThisThread();
-    mainThread_.WaitUntil(idleLimit, [this, self] {
+    const bool inCompletion = LinkThread::OnThisThread() != nullptr;
+    mainThread_.WaitUntil(idleLimit, [this, inCompletion] {
         const MutexLock lock(queueLock_);
-        const LinkThread* completing = completing_;
-        return requestQueue_.empty() && (completing == nullptr || completing == self);
+        return requestQueue_.empty() && (completing_ == 0 || inCompletion);
     });
 }
 
@@ -263,22 +261,23 @@ void RequestQueue::Step(LinkPort& port) {
             return;
         }
         finished = StepHead(port);
+        if (finished == nullptr) {
+            return;
+        }
         anotherWaits = !requestQueue_.empty();
-        completing_ = finished == nullptr ? nullptr : LinkThread::OnThisThread();
+        ++completing_;
     }
-    if (finished == nullptr) {
-        return;
-    }
-    Complete(finished);
-    completing_ = nullptr;
     mainThread_.Wake();
-    if (anotherWaits) {
+    Complete(finished);
+    {
         const MutexLock lock(queueLock_);
+        --completing_;
         // A port that was opened meanwhile has begun with the waiting request itself.
-        if (Port().get() == &port) {
+        if (anotherWaits && Port().get() == &port) {
             StartHead();
         }
     }
+    mainThread_.Wake();
 }
 
 /// One look at the running request. Returns it, removed from the queue, when it is finished.

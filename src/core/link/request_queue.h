@@ -31,8 +31,6 @@ struct LinkConditions {
 ///
 /// queueLock_ is held while a request is prepared and sent and while USB is read, so a message box
 /// of the machine is open with it held. It is not held during a completion, which may submit.
-class LinkThread;
-
 class RequestQueue {
 public:
     RequestQueue(const BoardState& board, const LinkConditions& conditions, Prompts& prompts,
@@ -46,6 +44,8 @@ public:
 
     /// With no port, the completion has run when the outermost Submit of the thread returns.
     void Submit(LinkRequest* request);
+    /// Waits until nothing is queued and the last completion has returned, at most 5 seconds. On
+    /// the link's thread, which is inside a completion itself, only until nothing is queued.
     void WaitIdle();
     /// Runs the completions that this thread owes to requests it submitted with no port, when it
     /// must wait for one inside another.
@@ -116,10 +116,10 @@ private:
     Mutex queueLock_;
     std::deque<LinkRequest*> requestQueue_ BUSQUILL_GUARDED_BY(queueLock_);
     PayloadEncoders encoders_ BUSQUILL_GUARDED_BY(queueLock_);
+    /// Completions that run on a thread of the link.
+    int completing_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     std::time_t lastSendTime_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     ReplyRing ring_;
-    /// The thread that runs a completion now, null when none does.
-    std::atomic<const LinkThread*> completing_ = nullptr;
 };
 
 } // namespace busquill

@@ -1,0 +1,596 @@
+#include "support/link_fixture.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+
+namespace busquill::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class MachineTest : public LinkFixture {
+protected:
+    void SetModel(const std::string& model) {
+        Bytes block(model.begin(), model.end());
+        block.resize(18);
+        board.contents[0] = block;
+    }
+    bool Identified() {
+        return Eventually([&] { return !link->Identity().modelString.empty(); });
+    }
+    /// The bytes written at a rate.
+    Bytes WrittenAt(int baud) const {
+        Bytes bytes;
+        for (const ScriptedLine::Sent& sent : line->Log()) {
+            if (sent.baud == baud) {
+                bytes.insert(bytes.end(), sent.bytes.begin(), sent.bytes.end());
+            }
+        }
+        return bytes;
+    }
+};
+
+// What opens.
+
+TEST_F(MachineTest, BeforeTheFirstOpenEveryRequestSucceedsAtOnce) {
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_THAT(line->Written(), IsEmpty());
+}
+
+TEST_F(MachineTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    link->Connect(57600);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_EQ(link->Identity().modelString, "-0");
+    EXPECT_THAT(openedDevices, IsEmpty());
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+}
+
+TEST_F(MachineTest, NamesThatAreNoPortAreSilentToo) {
+    for (const char* name : {"", "COM", "com1", "LPT1", "USB1", "usb", "XCOM1"}) {
+        settings.WriteProfileString(setup, "ComPort", name);
+        EXPECT_FALSE(link->Open());
+        EXPECT_FALSE(link->IsDemoMode()) << name;
+    }
+    EXPECT_THAT(openedDevices, IsEmpty());
+    EXPECT_THAT(usb.Calls(), IsEmpty());
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MachineTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
+    OpenBoard("PCIKite");
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    link->Connect(57600);
+    EXPECT_EQ(link->Identity().modelString, "-0");
+    EXPECT_EQ(link->Identity().modelId, ModelPciKite) << "no known name, so the id stays";
+    EXPECT_EQ(line->OpenPorts(), 0);
+}
+
+TEST_F(MachineTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable) {
+    portOpens = false;
+    settings.WriteProfileString(setup, "ComPort", "COM3");
+    static_cast<void>(link->Open());
+    settings.WriteProfileString(setup, "ComDevice3", "/dev/pts/7");
+    static_cast<void>(link->Open());
+    ::setenv("BUSQUILL_COM3", "/tmp/board", 1);
+    static_cast<void>(link->Open());
+    ::unsetenv("BUSQUILL_COM3");
+    settings.WriteProfileString(setup, "ComPort", "COMX");
+    static_cast<void>(link->Open());
+    EXPECT_THAT(openedDevices, ElementsAre("/dev/ttyS2", "/dev/pts/7", "/tmp/board", "COMX"));
+}
+
+TEST_F(MachineTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
+    portOpens = false;
+    EXPECT_FALSE(link->Open());
+    EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+    EXPECT_TRUE(link->IsDemoMode());
+    const BoardIdentity identity = link->Identity();
+    EXPECT_EQ(identity.modelString, "Demo Mode");
+    EXPECT_EQ(identity.modelId, 1);
+    EXPECT_EQ(identity.bufferSizeK, 0);
+    EXPECT_EQ(identity.serialNumber, 0);
+    EXPECT_EQ(identity.firmwareRevision, "");
+    EXPECT_EQ(identity.hardwareRevision, "");
+}
+
+TEST_F(MachineTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
+    line->SetErrors({.readConfiguration = 3, .configure = 4, .setTimeout = 5});
+    EXPECT_TRUE(link->Open()) << "the board answers at what was taken for 9600 baud";
+    // The read limit is set before the negotiation and after it.
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading COM1 configuration, err 3",
+                                             "Error setting COM1 configuration, err 4",
+                                             "Error setting COM1 timeouts, err 5",
+                                             "Error setting COM1 timeouts, err 5"));
+    for (const Box& box : prompts.Boxes()) {
+        EXPECT_TRUE(box.topmost) << box.text;
+    }
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+}
+
+// Negotiation.
+
+TEST_F(MachineTest, NegotiationProbesTheFiveRatesUpwards) {
+    board.baud = 57600;
+    EXPECT_FALSE(link->Open()) << "the configured rate";
+    EXPECT_THAT(line->Rates(), ElementsAre(57600, 9600, 19200, 28800, 38400, 57600));
+    for (const int rate : {9600, 19200, 28800, 38400}) {
+        EXPECT_EQ(WrittenAt(rate), (Bytes{0x0A, 0, 0x0A, 0, 0x0A, 0})) << rate;
+    }
+    EXPECT_EQ(WrittenAt(57600), (Bytes{0x0A, 0}));
+}
+
+TEST_F(MachineTest, OpenIsTrueWhenTheBoardAnswersAtAnotherRate) {
+    board.baud = 19200;
+    EXPECT_TRUE(link->Open());
+    EXPECT_THAT(line->Rates(), ElementsAre(57600, 9600, 19200));
+    EXPECT_TRUE(link->Exchange(CmdStartTrace)) << "at the rate that was found";
+}
+
+TEST_F(MachineTest, OpenIsFalseWhenNothingAnswers) {
+    UseSilence();
+    EXPECT_FALSE(link->Open());
+    EXPECT_EQ(line->Written().size(), 30U);
+    EXPECT_FALSE(link->IsDemoMode()) << "the identity read decides that";
+}
+
+TEST_F(MachineTest, ABoardInTheMiddleOfAFrameIsRealigned) {
+    static_cast<void>(board.Answer({4}, 0)); // half a frame has reached the board
+    EXPECT_TRUE(link->Open());
+    EXPECT_EQ(WrittenAt(9600), (Bytes{0x0A}));
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+}
+
+TEST_F(MachineTest, OnlyASingleAcknowledgementIsAnAnswer) {
+    line->SetAnswer([](const Bytes&, int baud) {
+        return baud == 9600 ? Bytes{'*', '*'} : baud == 19200 ? Bytes{'?'} : Bytes{};
+    });
+    EXPECT_FALSE(link->Open());
+    EXPECT_EQ(line->Rates().size(), 6U);
+}
+
+// The connection sequence.
+
+TEST_F(MachineTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
+    SetModel("PCIKite");
+    board.baud = 57600;
+    board.contents[18] = {0x95, 66};
+    const auto begin = clock.Elapsed();
+    link->Connect(57600);
+    EXPECT_EQ(link->Identity().modelString, "PCIKite-0");
+    EXPECT_EQ(link->Traits().bus, (BusConfig{1, 1, 1, 66, 1}));
+    EXPECT_GE(clock.Elapsed() - begin, 2000ms);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    EXPECT_THAT(board.writes, IsEmpty());
+}
+
+TEST_F(MachineTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
+    SetModel("PCIWren");
+    board.baud = 9600;
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        const Bytes answer = board.Answer(sent, baud);
+        if (sent == Bytes{2, 29}) {
+            board.baud = 19200; // after the acknowledgement at the old rate
+        }
+        return answer;
+    });
+    link->Connect(19200);
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{15, {1}}));
+    EXPECT_EQ(line->Rates().back(), 19200);
+    EXPECT_EQ(link->Identity().modelId, ModelPciWren);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+}
+
+TEST_F(MachineTest, SetBaudRateSendsCodeAndFunctionAtTheOldRate) {
+    OpenLink();
+    const auto begin = clock.Elapsed();
+    link->SetBaudRate(9600);
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 15}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 1},
+                                             Bytes{12, 0}, Bytes{2, 2}, Bytes{0}, Bytes{2, 29}));
+    EXPECT_THAT(line->Rates(), ElementsAre(9600));
+    EXPECT_GE(clock.Elapsed() - begin, 2000ms);
+}
+
+TEST_F(MachineTest, ARefusedRateIsReported) {
+    OpenLink();
+    line->SetErrors({.configure = 22});
+    link->SetBaudRate(19200);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error setting new baud rate, err 22"));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+    line->SetErrors({.readConfiguration = 7});
+    link->SetBaudRate(19200);
+    EXPECT_EQ(prompts.Texts().back(), "Error setting new baud rate, err 7");
+}
+
+TEST_F(MachineTest, SetBaudRateWithoutAPortDoesNothing) {
+    const auto begin = clock.Elapsed();
+    link->SetBaudRate(19200);
+    EXPECT_EQ(clock.Elapsed(), begin);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+// 4000 bytes take 4584 ms at 9600 baud and 764 ms at 57600: limits of 7 and 3 seconds.
+TEST_F(MachineTest, TheTimeOfABytesStaysThatOfTheNegotiatedRate) {
+    OpenLink();
+    link->SetBaudRate(57600);
+    line->ForgetLog();
+    Bytes buffer(4000);
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return sent == Bytes{2, 1} ? Bytes{} : board.Answer(sent, baud);
+    });
+    auto done = Start(CmdReadMemory, {.length = 4000, .data = buffer.data()});
+    ASSERT_TRUE(Eventually([&] { return line->Log().size() > 12; }));
+    UseBoard();
+    EXPECT_EQ(done.get().result, LinkOk);
+    const auto log = line->Log();
+    EXPECT_EQ(log[6].time - log[5].time, 8);
+}
+
+// Identity and Demo Mode.
+
+TEST_F(MachineTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode) {
+    UseSilence();
+    OpenLink();
+    link->ReadIdentity();
+    ASSERT_TRUE(Eventually([&] { return link->IsDemoMode(); }));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}, Bytes{4, 0}));
+    EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+    EXPECT_EQ(link->Identity().modelString, "Demo Mode");
+    EXPECT_TRUE(Eventually([&] { return line->OpenPorts() == 0; }));
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_EQ(line->Written().size(), 2U) << "no frame is sent in Demo Mode";
+}
+
+TEST_F(MachineTest, RequestsThatWaitAtTheFallFinishAsInDemoMode) {
+    OpenLink();
+    line->SetClockRuns(false);
+    UseSilence();
+    link->ReadIdentity();
+    auto waiting = Start(CmdStartTrace);
+    line->SetClockRuns(true);
+    EXPECT_EQ(waiting.get().result, LinkOk);
+    EXPECT_TRUE(link->IsDemoMode());
+    link->WaitIdle();
+}
+
+TEST_F(MachineTest, AFeaturesFailureNeverLeadsToDemoMode) {
+    OpenBoard("PCIKite");
+    UseSilence();
+    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->IsDemoMode());
+}
+
+TEST_F(MachineTest, TheNumberOfTriesDependsOnTheLastLinkOperation) {
+    OpenBoard("PCIKite");
+    UseSilence();
+    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_EQ(line->Written().size(), 2U) << "the phase is still identification";
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->CommLost(); }));
+    line->ForgetLog();
+    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_EQ(line->Written().size(), 5U);
+}
+
+TEST_F(MachineTest, OpenLeavesDemoMode) {
+    portOpens = false;
+    static_cast<void>(link->Open());
+    ASSERT_TRUE(link->IsDemoMode());
+    portOpens = true;
+    static_cast<void>(link->Open());
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_THAT(board.functions, ElementsAre(11));
+}
+
+TEST_F(MachineTest, OpenAfterAFallOnTheLinksThreadWorks) {
+    UseSilence();
+    OpenLink();
+    link->ReadIdentity();
+    ASSERT_TRUE(Eventually([&] { return link->IsDemoMode(); }));
+    UseBoard();
+    link->Connect(9600);
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_EQ(line->OpenPorts(), 1);
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+}
+
+TEST_F(MachineTest, OpenWorksOverALivePort) {
+    OpenLink();
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    for (int i = 0; i < 3; ++i) {
+        static_cast<void>(link->Open());
+        EXPECT_EQ(line->OpenPorts(), 1);
+        EXPECT_TRUE(link->Exchange(CmdStopTrace));
+    }
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MachineTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
+    OpenLink();
+    line->SetClockRuns(false);
+    UseSilence();
+    auto running = Start(CmdStartTrace);
+    auto waiting = Start(CmdStopTrace);
+    UseBoard();
+    line->SetClockRuns(true);
+    static_cast<void>(link->Open());
+    EXPECT_EQ(running.get().result, LinkOk);
+    EXPECT_EQ(waiting.get().result, LinkOk);
+}
+
+TEST_F(MachineTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
+    OpenLink();
+    HeldCompletion held;
+    link->Submit(held.Request(CmdStartTrace));
+    auto second = Start(CmdStopTrace);
+    held.AwaitStart();
+    static_cast<void>(link->Open()); // the old thread cannot end
+    EXPECT_EQ(line->OpenPorts(), 1) << "the old port is closed all the same";
+    EXPECT_EQ(second.get().result, LinkOk);
+    held.Release();
+    EXPECT_TRUE(link->Exchange(CmdStartSearch));
+    EXPECT_THAT(board.functions, ElementsAre(11, 12, 13));
+}
+
+TEST_F(MachineTest, WaitIdleWaitsForTheLastCompletionToo) {
+    OpenLink();
+    HeldCompletion held;
+    link->Submit(held.Request(CmdStartTrace));
+    held.AwaitStart();
+    std::thread releaser([&] {
+        std::this_thread::sleep_for(50ms);
+        held.Release();
+    });
+    link->WaitIdle();
+    EXPECT_TRUE(held.Released());
+    releaser.join();
+}
+
+TEST_F(MachineTest, TheDestructorClosesThePort) {
+    OpenLink();
+    EXPECT_EQ(line->OpenPorts(), 1);
+    link.reset();
+    EXPECT_EQ(line->OpenPorts(), 0);
+}
+
+// Requests with no port.
+
+TEST_F(MachineTest, WithNoPortTheCompletionRunsBeforeSubmitReturns) {
+    std::uint8_t reply = 0x77;
+    auto done = Start(CmdReadMemory, {.length = 1, .data = &reply});
+    ASSERT_EQ(done.wait_for(0s), std::future_status::ready);
+    EXPECT_EQ(done.get().result, LinkOk);
+    EXPECT_EQ(reply, 0x77) << "no data are written";
+}
+
+TEST_F(MachineTest, EveryCommandSucceedsWithNoPort) {
+    for (std::int32_t command = 0; command <= 53; ++command) {
+        EXPECT_TRUE(link->Exchange(command)) << command;
+    }
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MachineTest, ALongChainOfCompletionsDoesNotGrowTheStack) {
+    struct Chain {
+        CAnalyzerLink& link;
+        int left;
+        std::uintptr_t lowest;
+        std::uintptr_t highest;
+        static void Next(LinkRequest* finished) {
+            auto* chain = static_cast<Chain*>(finished->owner);
+            delete finished;
+            const auto here = reinterpret_cast<std::uintptr_t>(&chain);
+            chain->lowest = std::min(chain->lowest, here);
+            chain->highest = std::max(chain->highest, here);
+            if (--chain->left > 0) {
+                chain->link.Submit(CAnalyzerLink::NewRequest(CmdDownloadRecord, chain, &Next));
+            }
+        }
+    } chain{*link, 100000, UINTPTR_MAX, 0};
+    link->Submit(CAnalyzerLink::NewRequest(CmdDownloadRecord, &chain, &Chain::Next));
+    EXPECT_EQ(chain.left, 0) << "the whole chain has run when the first Submit returns";
+    EXPECT_EQ(chain.lowest, chain.highest);
+}
+
+TEST_F(MachineTest, AnExchangeInsideACompletionWithNoPortEnds) {
+    struct Nested {
+        CAnalyzerLink& link;
+        std::vector<int> order;
+    } nested{*link, {}};
+    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &nested, [](LinkRequest* finished) {
+        auto* outer = static_cast<Nested*>(finished->owner);
+        delete finished;
+        outer->link.Submit(CAnalyzerLink::NewRequest(CmdStopTrace, outer, [](LinkRequest* inner) {
+            static_cast<Nested*>(inner->owner)->order.push_back(1);
+            delete inner;
+        }));
+        EXPECT_TRUE(outer->link.Exchange(CmdStartSearch));
+        outer->order.push_back(2);
+    }));
+    EXPECT_THAT(nested.order, ElementsAre(1, 2));
+}
+
+// Bus configuration.
+
+TEST_F(MachineTest, ReadBusConfigReadsTwoBytesAtRegister18) {
+    OpenBoard("VMEKite");
+    board.contents[18] = {0x83, 16};
+    BusConfig bus;
+    link->ReadBusConfig(bus);
+    EXPECT_EQ(bus, (BusConfig{2, 0, 0, 16, 1}));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 18}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 2},
+                                             Bytes{12, 0}, Bytes{2, 1}));
+}
+
+TEST_F(MachineTest, WriteBusConfigSendsTwoBytesToRegister18) {
+    OpenBoard("PCIKite");
+    link->WriteBusConfig({1, 1, 0, 133, 1});
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x85, 133}}));
+    EXPECT_EQ(link->Traits().bus, (BusConfig{1, 1, 0, 133, 1}));
+}
+
+TEST_F(MachineTest, ABusConfigRecordOfACallerIsEncodedFromItsData) {
+    OpenLink();
+    const BusConfig bus{4, 0, 1, 300, 0};
+    EXPECT_TRUE(link->Exchange(CmdSetBusConfig, {.data = &bus}));
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x12, 44}}));
+}
+
+TEST_F(MachineTest, AFailedBusReadOrWriteIsReportedAndTheFieldsStay) {
+    OpenBoard("PCIKite");
+    link->WriteBusConfig({1, 1, 0, 133, 0});
+    UseSilence();
+    BusConfig bus;
+    link->ReadBusConfig(bus);
+    ASSERT_TRUE(Eventually([&] { return prompts.Boxes().size() == 1; }));
+    link->WriteBusConfig({0, 0, 0, 33, 0});
+    ASSERT_TRUE(Eventually([&] { return prompts.Boxes().size() == 2; }));
+    EXPECT_THAT(prompts.Texts(), ElementsAre(communicationsError, communicationsError));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+    EXPECT_EQ(bus, (BusConfig{1, 1, 0, 133, 0}));
+    EXPECT_FALSE(link->IsDemoMode());
+}
+
+TEST_F(MachineTest, AFailedChangeOfRateIsReported) {
+    OpenLink();
+    UseSilence();
+    link->SetBaudRate(19200);
+    ASSERT_TRUE(Eventually([&] { return !prompts.Boxes().empty(); }));
+    EXPECT_THAT(prompts.Texts(), ElementsAre(communicationsError));
+}
+
+TEST_F(MachineTest, InDemoModeTheBusConfigIsWhatWasWrittenLastAndDecidesTheFamily) {
+    portOpens = false;
+    static_cast<void>(link->Open());
+    int changes = 0;
+    link->SetFamilyListener([&] { ++changes; });
+    EXPECT_FALSE(link->Traits().IsVmeFamily());
+    link->WriteBusConfig({.busMode = BusVme});
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(link->Traits().IsVmeFamily());
+    BusConfig bus;
+    link->ReadBusConfig(bus);
+    EXPECT_EQ(bus, (BusConfig{.busMode = BusVme}));
+}
+
+TEST_F(MachineTest, WithABoardTheFamilyListenerIsNotCalled) {
+    OpenBoard("PCIKite");
+    int changes = 0;
+    link->SetFamilyListener([&] { ++changes; });
+    link->WriteBusConfig({.busMode = BusPciX});
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(MachineTest, ASavedBusConfigIsCorrectedByTheModelAndClearsTheMasterLock) {
+    OpenBoard("VMEKite");
+    board.contents[18] = {0x80, 0};
+    BusConfig bus;
+    link->ReadBusConfig(bus);
+    ASSERT_EQ(bus.masterLock, 1);
+    settings.WriteProfileInt(setup, "SaveBusConfig", 1);
+    settings.WriteProfileInt(setup, "BusMode", 1);
+    settings.WriteProfileInt(setup, "BusWidth", 1);
+    settings.WriteProfileInt(setup, "BusVoltage", 1);
+    settings.WriteProfileInt(setup, "BusFrequency", 40);
+    link->LoadBusConfig();
+    EXPECT_EQ(link->Traits().bus, (BusConfig{2, 1, 1, 40, 0}));
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x14, 40}}));
+}
+
+TEST_F(MachineTest, ASavedBusConfigHasZerosForWhatIsNotStored) {
+    OpenBoard("PCIKite");
+    settings.WriteProfileInt(setup, "SaveBusConfig", 1);
+    link->LoadBusConfig();
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0, 0}}));
+}
+
+// Live status.
+
+TEST_F(MachineTest, TheLiveStatusIsNineBytesAtRegister425) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    link->PollLiveStatus();
+    link->WaitIdle();
+    ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
+    std::int32_t before = 0;
+    std::int32_t after = 0;
+    EXPECT_EQ(link->GetLiveStatus(before, after), 0xB2);
+    EXPECT_EQ(before, 0x030201);
+    EXPECT_EQ(after, 0x060504);
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0xA9}, Bytes{6, 1}, Bytes{8, 0}, Bytes{10, 9},
+                                             Bytes{12, 0}, Bytes{2, 1}));
+}
+
+TEST_F(MachineTest, ClearingTheLiveStatusLeavesTheOccurrences) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
+    link->ClearLiveStatus();
+    std::int32_t before = 1;
+    std::int32_t after = 1;
+    EXPECT_EQ(link->GetLiveStatus(before, after), 0);
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(after, 0);
+    EXPECT_EQ(link->GetEventOccurrences(), 0x0807);
+}
+
+TEST_F(MachineTest, ALostLiveStatusIsAFlagAndZerosWithoutAMessage) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
+    UseSilence();
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->CommLost(); }));
+    std::int32_t before = 1;
+    std::int32_t after = 1;
+    EXPECT_EQ(link->GetLiveStatus(before, after), 0);
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(after, 0);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    UseBoard();
+    link->PollLiveStatus();
+    EXPECT_FALSE(link->CommLost()) << "cleared when the next read is issued";
+}
+
+TEST_F(MachineTest, InDemoModeTheLiveStatusReadsAsZero) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
+    portOpens = false;
+    static_cast<void>(link->Open());
+    ASSERT_TRUE(link->IsDemoMode());
+    link->PollLiveStatus();
+    std::int32_t before = 1;
+    std::int32_t after = 1;
+    EXPECT_EQ(link->GetLiveStatus(before, after), 0);
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(after, 0);
+    EXPECT_EQ(link->GetEventOccurrences(), 0);
+}
+
+TEST_F(MachineTest, AKeepAliveIsNotForASerialPort) {
+    OpenLink();
+    link->SendKeepAlive();
+    link->WaitIdle();
+    EXPECT_THAT(line->Written(), IsEmpty());
+}
+
+TEST_F(MachineTest, TheInstanceIsTheLinkConstructedLast) {
+    EXPECT_EQ(&CAnalyzerLink::Instance(), link.get());
+}
+
+} // namespace
+} // namespace busquill::test

@@ -1,0 +1,565 @@
+#include "support/link_fixture.h"
+
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+/// A link on COM1 whose board answers at 9600 baud.
+class RequestQueueTest : public LinkFixture {
+protected:
+    RequestQueueTest() {
+        board.baud = 9600;
+        OpenLink();
+        board.baud = 0;
+    }
+
+    /// The board's answer, but for one frame.
+    void AnswerFrame(const Bytes& frame, const Bytes& answer) {
+        line->SetAnswer([this, frame, answer](const Bytes& sent, int baud) {
+            return sent == frame ? answer : board.Answer(sent, baud);
+        });
+    }
+    /// Seconds between the sends of a request that nobody answers. The first is left out: the
+    /// clock may move between the main thread's look at it and the log's.
+    std::vector<std::time_t> SecondsBetweenTries() const {
+        std::vector<std::time_t> seconds;
+        const auto log = line->Log();
+        for (std::size_t i = 2; i < log.size(); ++i) {
+            seconds.push_back(log[i].time - log[i - 1].time);
+        }
+        return seconds;
+    }
+    /// Seconds from the unanswered last frame of a command to its restart.
+    std::time_t SecondsUntilRestart(const LinkWords& words, const Bytes& lastFrame) {
+        AnswerFrame(lastFrame, {});
+        auto done = Start(CmdReadMemory, words);
+        EXPECT_TRUE(Eventually([&] { return line->Log().size() > 12; }));
+        UseBoard();
+        EXPECT_EQ(done.get().result, LinkOk);
+        const auto log = line->Log();
+        EXPECT_EQ(log[5].bytes, lastFrame);
+        return log[6].time - log[5].time;
+    }
+    std::size_t CountOf(const Bytes& frame) const {
+        const auto written = line->Written();
+        return static_cast<std::size_t>(std::ranges::count(written, frame));
+    }
+};
+
+TEST_F(RequestQueueTest, TraceParametersGoOutInSixFramesAndThreeBytes) {
+    EXPECT_TRUE(link->Exchange(
+        CmdTraceParams, {.address = 4, .length = 1, .data = reinterpret_cast<const void*>(2)}));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0xA4}, Bytes{6, 1}, Bytes{8, 0}, Bytes{10, 3},
+                                             Bytes{12, 0}, Bytes{2, 2}, Bytes{3, 3, 1}));
+}
+
+TEST_F(RequestQueueTest, AReadOfTheStatusBlockExpectsTwentyBytes) {
+    Bytes expected(18);
+    expected[0] = 'X';
+    expected[17] = 9;
+    board.contents[0] = expected;
+    Bytes block(18);
+    const LinkRequest done = Run(CmdReadMemory, {.length = 18, .data = block.data()});
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(done.replyLength, 20);
+    EXPECT_EQ(done.state, 39);
+    EXPECT_EQ(block, expected);
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 18},
+                                             Bytes{12, 0}, Bytes{2, 1}));
+}
+
+TEST_F(RequestQueueTest, AReadOfSamplesExpectsEighteenBytesForEach) {
+    Bytes samples(32 * 18);
+    const LinkRequest done =
+        Run(CmdReadSamplesBefore, {.address = 64, .length = 32, .data = samples.data()});
+    EXPECT_EQ(done.replyLength, 578);
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 64}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 32},
+                                             Bytes{12, 0}, Bytes{2, 3}));
+}
+
+TEST_F(RequestQueueTest, TheLargestReplyIs4610Bytes) {
+    Bytes samples(256 * 18);
+    const LinkRequest done = Run(CmdReadSamplesAfter, {.length = 256, .data = samples.data()});
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(done.replyLength, 4610);
+}
+
+TEST_F(RequestQueueTest, EveryReadCommandSendsItsFunctionAndFillsItsBuffer) {
+    const std::vector<std::array<int, 3>> rows{
+        {CmdReadMemory, 1, 1},       {CmdReadSamplesBefore, 3, 18}, {CmdReadSamplesAfter, 5, 18},
+        {CmdReadZoomBefore, 35, 18}, {CmdReadZoomAfter, 36, 18},    {CmdTargetRead, 9, 1}};
+    for (const auto& [command, function, unit] : rows) {
+        line->ForgetLog();
+        Bytes expected(static_cast<std::size_t>(2 * unit), 0x5A);
+        board.contents[0x123456] = expected;
+        Bytes buffer(expected.size());
+        const LinkRequest done =
+            Run(command, {.address = 0x123456, .length = 2, .data = buffer.data()});
+        EXPECT_EQ(done.result, LinkOk);
+        EXPECT_EQ(buffer, expected) << LinkCommandName(command);
+        EXPECT_THAT(line->Written(),
+                    ElementsAre(Bytes{4, 0x56}, Bytes{6, 0x34}, Bytes{8, 0x12}, Bytes{10, 2},
+                                Bytes{12, 0}, Bytes{2, static_cast<std::uint8_t>(function)}));
+    }
+}
+
+TEST_F(RequestQueueTest, FunctionsAloneGoOutInOneFrame) {
+    const std::vector<std::pair<int, std::uint8_t>> rows{
+        {CmdStartTrace, 11},       {CmdStopTrace, 12},       {CmdStartSearch, 13},
+        {CmdStartPerformance, 15}, {CmdStopPerformance, 16}, {CmdStartAnomaly, 17},
+        {CmdStopAnomaly, 18},      {CmdStartConfigScan, 21}, {CmdStopConfigScan, 22},
+        {CmdStartCompliance, 19},  {CmdStopCompliance, 20},  {CmdExerciserGo, 23},
+        {CmdExerciserStop, 24},    {CmdStartStimulus, 25},   {CmdStopStimulus, 26},
+        {CmdStartBackplane, 39},   {CmdStopBackplane, 40}};
+    for (const auto& [command, function] : rows) {
+        line->ForgetLog();
+        EXPECT_TRUE(link->Exchange(command));
+        EXPECT_THAT(line->Written(), ElementsAre(Bytes{2, function})) << LinkCommandName(command);
+    }
+}
+
+TEST_F(RequestQueueTest, AFirmwareRecordGoesOutFromTheCallersBuffer) {
+    const Bytes record{0xDE, 0xAD, 0xBE};
+    EXPECT_TRUE(link->Exchange(CmdDownloadRecord,
+                               {.address = 0x10203, .length = 3, .data = record.data()}));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 3}, Bytes{6, 2}, Bytes{8, 1}, Bytes{10, 3},
+                                             Bytes{12, 0}, Bytes{2, 30}, Bytes{0xDE, 0xAD, 0xBE}));
+}
+
+TEST_F(RequestQueueTest, TargetDataGoesOutByItsOwnFunction) {
+    const Bytes data{1, 2};
+    const LinkRequest done =
+        Run(CmdTargetData, {.address = 0x40, .length = 2, .data = data.data()});
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_TRUE(done.payload.empty()) << "the copy is dropped when it is sent";
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0x40}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 2},
+                                             Bytes{12, 0}, Bytes{2, 10}, Bytes{1, 2}));
+}
+
+TEST_F(RequestQueueTest, ARowCommandUsesItsOwnPairOfStates) {
+    link->RegisterEncoder(CmdSearchSample, [](const LinkRequest&) { return Bytes(30, 7); });
+    EXPECT_TRUE(link->Exchange(CmdSearchSample));
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{445, Bytes(30, 7)}));
+}
+
+TEST_F(RequestQueueTest, AKeepAliveIsOneFrameThatEndsAtItsAcknowledgement) {
+    const LinkRequest done = Run(CmdUsbKeepAlive);
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(done.state, 39);
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}));
+}
+
+TEST_F(RequestQueueTest, AReadOfNoBytesExpectsTheTwoAcknowledgements) {
+    const LinkRequest done = Run(CmdReadMemory, {.address = 5});
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(done.replyLength, 2);
+}
+
+TEST_F(RequestQueueTest, BytesThatCameUnaskedAreDiscardedAtTheStart) {
+    line->Arrive({'x', '?', 0});
+    ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_EQ(CountOf({2, 11}), 1U);
+}
+
+TEST_F(RequestQueueTest, ARequestWithoutCompletionIsDeletedByTheLink) {
+    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, nullptr));
+    link->WaitIdle();
+    EXPECT_THAT(board.functions, ElementsAre(11));
+}
+
+TEST_F(RequestQueueTest, NewRequestIsAllZeroButForWhatItIsGiven) {
+    int owner = 0;
+    const std::unique_ptr<LinkRequest> request(
+        CAnalyzerLink::NewRequest(CmdReadMemory, &owner, nullptr));
+    EXPECT_EQ(request->command, 3);
+    EXPECT_EQ(request->owner, &owner);
+    EXPECT_EQ(request->completion, nullptr);
+    EXPECT_EQ(request->result, LinkPending);
+    EXPECT_THAT(request->words, Each(0U));
+    EXPECT_THAT(request->savedWords, Each(0U));
+}
+
+TEST_F(RequestQueueTest, ASilentBoardGetsACommandFiveTimes) {
+    UseSilence();
+    const LinkRequest done = Run(CmdStartTrace);
+    EXPECT_EQ(done.result, LinkTimeout);
+    EXPECT_EQ(done.retries, 4);
+    EXPECT_EQ(done.bytesSeen, 0);
+    EXPECT_EQ(CountOf({2, 11}), 5U);
+    EXPECT_THAT(prompts.Texts(), IsEmpty()) << "what to say is the feature's";
+}
+
+TEST_F(RequestQueueTest, MoreThanTwoSecondsMustPass) {
+    UseSilence();
+    Run(CmdStartTrace);
+    EXPECT_THAT(SecondsBetweenTries(), ElementsAre(3, 3, 3));
+}
+
+TEST_F(RequestQueueTest, ASearchHasAMinute) {
+    UseSilence();
+    Run(CmdStartSearch);
+    EXPECT_THAT(SecondsBetweenTries(), ElementsAre(61, 61, 61));
+}
+
+TEST_F(RequestQueueTest, AnUnknownRateGivesASearchNoMinute) {
+    board.baud = 1;
+    OpenLink();
+    UseSilence();
+    Run(CmdStartSearch);
+    EXPECT_THAT(SecondsBetweenTries(), ElementsAre(3, 3, 3));
+}
+
+TEST_F(RequestQueueTest, AVmeBoardHasMoreThanFourSeconds) {
+    OpenBoard("VMEKite");
+    link->PollLiveStatus(); // leaves the phase of identification, which allows fewer tries
+    link->WaitIdle();
+    line->ForgetLog();
+    UseSilence();
+    Run(CmdStartTrace);
+    EXPECT_THAT(SecondsBetweenTries(), ElementsAre(5, 5, 5));
+}
+
+// 11000 x 436 / 9600 is 499, so that 2999 / 1000 is 2.
+TEST_F(RequestQueueTest, TheBytesOfAReplyTakeTheirTimeByIntegerDivision) {
+    Bytes buffer(434);
+    EXPECT_EQ(SecondsUntilRestart({.length = 434, .data = buffer.data()}, {2, 1}), 3);
+}
+
+// 11000 x 437 / 9600 is 500, so that 3000 / 1000 is 3.
+TEST_F(RequestQueueTest, OneByteMoreCrossesTheNextSecond) {
+    Bytes buffer(435);
+    EXPECT_EQ(SecondsUntilRestart({.length = 435, .data = buffer.data()}, {2, 1}), 4);
+}
+
+TEST_F(RequestQueueTest, BytesTakeNoTimeWhenTheRateIsUnknown) {
+    board.baud = 1;
+    OpenLink();
+    board.baud = 0;
+    Bytes buffer(4000);
+    EXPECT_EQ(SecondsUntilRestart({.length = 4000, .data = buffer.data()}, {2, 1}), 3);
+}
+
+TEST_F(RequestQueueTest, ACommandThatFailsAtALaterStateIsRestartedWithoutEnd) {
+    AnswerFrame({2, 1}, {});
+    Bytes buffer(4);
+    auto done = Start(CmdReadMemory, {.address = 0x10, .length = 4, .data = buffer.data()});
+    EXPECT_TRUE(Eventually([&] { return CountOf({2, 1}) >= 12; }));
+    EXPECT_EQ(done.wait_for(0s), std::future_status::timeout);
+    UseBoard();
+    EXPECT_EQ(done.get().result, LinkOk);
+}
+
+TEST_F(RequestQueueTest, ARestartBeginsWithTheFirstFrameAndTheCallersWords) {
+    int makes = 0;
+    link->RegisterEncoder(CmdTraceEvents, [&](const LinkRequest& request) {
+        EXPECT_EQ(request.Address(), 0U) << "the words of the caller";
+        EXPECT_EQ(request.Extra(), 8U);
+        return Bytes(240, static_cast<std::uint8_t>(++makes));
+    });
+    line->SetAnswer([&, dropped = false](const Bytes& sent, int baud) mutable {
+        const bool drop = sent.size() == 240 && !dropped;
+        dropped = dropped || drop;
+        const Bytes answer = board.Answer(sent, baud);
+        return drop ? Bytes{} : answer;
+    });
+    EXPECT_TRUE(link->Exchange(CmdTraceEvents, {.extra = 8}));
+    EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{20, Bytes(240, 1)},
+                                          WireBoard::Write{20, Bytes(240, 2)}));
+}
+
+TEST_F(RequestQueueTest, AWrongByteIsABadReplyAtOnce) {
+    AnswerFrame({2, 11}, {'?'});
+    const LinkRequest done = Run(CmdStartTrace);
+    EXPECT_EQ(done.result, LinkBadReply);
+    EXPECT_EQ(CountOf({2, 11}), 5U);
+    EXPECT_THAT(SecondsBetweenTries(), Each(testing::Le(1)));
+}
+
+TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsWhole) {
+    Bytes buffer(2);
+    line->SetClockRuns(false);
+    AnswerFrame({2, 1}, {'?', 1, 2});
+    auto done = Start(CmdReadMemory, {.length = 2, .data = buffer.data()});
+    ASSERT_TRUE(Eventually([&] { return CountOf({2, 1}) == 1 && line->AllTaken(); }));
+    EXPECT_EQ(CountOf({4, 0}), 1U) << "three bytes of four";
+    UseBoard();
+    line->Arrive({'*'});
+    EXPECT_EQ(done.get().result, LinkOk);
+    EXPECT_EQ(CountOf({4, 0}), 2U) << "the restart discards the rest of the bad reply";
+}
+
+TEST_F(RequestQueueTest, AWrongLastByteComesAfterTheDataAreHandedOut) {
+    Bytes buffer(2);
+    Bytes atRestart;
+    int reads = 0;
+    line->SetAnswer([&](const Bytes& sent, int baud) {
+        if (sent == Bytes{4, 0} && reads == 1) {
+            atRestart = buffer;
+        }
+        if (sent == Bytes{2, 1} && ++reads == 1) {
+            return Bytes{'*', 0xAA, 0xBB, '?'};
+        }
+        return board.Answer(sent, baud);
+    });
+    const LinkRequest done = Run(CmdReadMemory, {.length = 2, .data = buffer.data()});
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(reads, 2);
+    EXPECT_EQ(atRestart, (Bytes{0xAA, 0xBB}));
+    EXPECT_EQ(buffer, (Bytes{0, 0}));
+}
+
+/// A data state that fails is restarted for ever, so the counters of its time-out are seen by
+/// taking the tries away at that moment.
+class TimeoutDetailTest : public RequestQueueTest {
+protected:
+    LinkRequest TimeOutWith(const Bytes& reply, std::size_t length) {
+        buffer_.resize(length);
+        AnswerFrame({2, 1}, reply);
+        std::promise<LinkRequest> done;
+        LinkRequest* request =
+            CAnalyzerLink::NewRequest(CmdReadMemory, &done, [](LinkRequest* finished) {
+                auto* promise = static_cast<std::promise<LinkRequest>*>(finished->owner);
+                const LinkRequest copy = *finished;
+                delete finished;
+                promise->set_value(copy);
+            });
+        request->Length() = length;
+        request->Data() = reinterpret_cast<std::uintptr_t>(buffer_.data());
+        line->OnClearErrors([request] { request->retries = 4; });
+        line->SetLineErrors(0x1A);
+        link->Submit(request);
+        LinkRequest result = done.get_future().get();
+        line->OnClearErrors(nullptr);
+        return result;
+    }
+    /// Moves the ring's indexes to a place.
+    void MoveRing(std::size_t place) {
+        line->Arrive(Bytes(place - link->ReadRingRaw().size(), 0x55));
+        ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
+    }
+
+private:
+    Bytes buffer_;
+};
+
+TEST_F(TimeoutDetailTest, AReplyOneByteShortTellsWhatHadArrived) {
+    const LinkRequest done = TimeOutWith({'*', 1, 2, 3}, 3);
+    EXPECT_EQ(done.result, LinkTimeout);
+    EXPECT_EQ(done.state, 11);
+    EXPECT_EQ(done.replyLength, 5);
+    EXPECT_EQ(done.bytesSeen, 4);
+    EXPECT_EQ(done.firstByte, '*');
+    EXPECT_EQ(done.lastByte, 3);
+    EXPECT_EQ(done.commErrors, 0x1AU);
+    EXPECT_EQ(done.ringReadAtFail, 5) << "behind five acknowledgements";
+    EXPECT_EQ(done.ringWriteAtFail, 9);
+}
+
+TEST_F(TimeoutDetailTest, NothingArrivedLeavesTheLastByteAtZero) {
+    const LinkRequest done = TimeOutWith({}, 3);
+    EXPECT_EQ(done.bytesSeen, 0);
+    EXPECT_EQ(done.lastByte, 0);
+    EXPECT_EQ(done.ringReadAtFail, done.ringWriteAtFail);
+}
+
+TEST_F(TimeoutDetailTest, TheLastByteBehindTheWrapIsFound) {
+    MoveRing(99990);
+    // Read index 99995; seven bytes end at 100001, which is index 1.
+    const LinkRequest done = TimeOutWith({'*', 1, 2, 3, 4, 5, 6}, 20);
+    EXPECT_EQ(done.ringReadAtFail, 99995);
+    EXPECT_EQ(done.ringWriteAtFail, 2);
+    EXPECT_EQ(done.bytesSeen, 7);
+    EXPECT_EQ(done.lastByte, 6);
+}
+
+TEST_F(TimeoutDetailTest, TheLastByteAtExactlyTheWrapIsTheByteBehindTheRing) {
+    MoveRing(99990);
+    const LinkRequest done = TimeOutWith({'*', 1, 2, 3, 4, 5}, 20);
+    EXPECT_EQ(done.bytesSeen, 6);
+    EXPECT_EQ(done.lastByte, 0);
+}
+
+TEST_F(RequestQueueTest, AReplyAcrossTheWrapIsWhole) {
+    line->Arrive(Bytes(99990, 0x55));
+    ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
+    board.contents[0] = {1, 2, 3, 4, 5, 6, 7, 8};
+    Bytes buffer(8);
+    EXPECT_TRUE(link->Exchange(CmdReadMemory, {.length = 8, .data = buffer.data()}));
+    EXPECT_EQ(buffer, (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
+}
+
+TEST_F(RequestQueueTest, ANumberThatIsNoCommandIsReportedAtEachTryAndEndsInABadState) {
+    const LinkRequest done = Run(99);
+    EXPECT_EQ(done.result, LinkBadState);
+    EXPECT_EQ(done.state, 0);
+    EXPECT_THAT(line->Written(), IsEmpty());
+    EXPECT_THAT(
+        prompts.Texts(),
+        testing::AllOf(SizeIs(5), Each("Error finding initial state for serial command 99.")));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+}
+
+TEST_F(RequestQueueTest, AStateWithoutARowIsReportedAndRunsIntoItsTimeout) {
+    line->SetClockRuns(false);
+    UseSilence();
+    std::promise<std::int32_t> done;
+    LinkRequest* request =
+        CAnalyzerLink::NewRequest(CmdStartTrace, &done, [](LinkRequest* finished) {
+            auto* promise = static_cast<std::promise<std::int32_t>*>(finished->owner);
+            const std::int32_t result = finished->result;
+            delete finished;
+            promise->set_value(result);
+        });
+    link->Submit(request);
+    request->state = 10; // no state of this command
+    line->Arrive({'*'});
+    ASSERT_TRUE(Eventually([&] { return !prompts.Boxes().empty(); }));
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("Error finding next state for serial command 9, current state 10."));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+    EXPECT_EQ(CountOf({2, 11}), 1U) << "nothing more is sent";
+    UseBoard();
+    line->SetClockRuns(true);
+    EXPECT_EQ(done.get_future().get(), LinkOk) << "after the time-out, from the first state";
+    EXPECT_EQ(CountOf({2, 11}), 2U);
+}
+
+TEST_F(RequestQueueTest, AFailedWriteIsReportedAndRetriedThroughItsTimeouts) {
+    line->SetErrors({.write = 5});
+    const LinkRequest done = Run(CmdStartTrace);
+    EXPECT_EQ(done.result, LinkTimeout);
+    EXPECT_EQ(CountOf({2, 11}), 5U);
+    EXPECT_THAT(SecondsBetweenTries(), ElementsAre(3, 3, 3));
+    EXPECT_THAT(prompts.Texts(), testing::AllOf(SizeIs(5), Each("Error writing to COM1, err 5")));
+    EXPECT_TRUE(prompts.Boxes().front().topmost);
+}
+
+TEST_F(RequestQueueTest, ASecondRequestGoesOutAfterTheCompletionOfTheFirst) {
+    struct Seen {
+        ScriptedLine& line;
+        std::vector<Bytes> inCompletion;
+        std::promise<void> done;
+    } seen{*line, {}, {}};
+    line->SetClockRuns(false);
+    UseSilence();
+    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &seen, [](LinkRequest* finished) {
+        auto* first = static_cast<Seen*>(finished->owner);
+        delete finished;
+        std::this_thread::sleep_for(20ms); // time for a send that would be too early
+        first->inCompletion = first->line.Written();
+        first->done.set_value();
+    }));
+    auto second = Start(CmdStopTrace);
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{2, 11}));
+    UseBoard();
+    line->Arrive({'*'});
+    EXPECT_EQ(second.get().result, LinkOk);
+    seen.done.get_future().get();
+    EXPECT_THAT(seen.inCompletion, ElementsAre(Bytes{2, 11}));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{2, 11}, Bytes{2, 12}));
+}
+
+TEST_F(RequestQueueTest, RequestsKeepTheirOrder) {
+    std::vector<std::future<LinkRequest>> all;
+    for (const std::int32_t command : {CmdStartTrace, CmdStopTrace, CmdStartSearch, CmdStopTrace}) {
+        all.push_back(Start(command));
+    }
+    for (auto& one : all) {
+        EXPECT_EQ(one.get().result, LinkOk);
+    }
+    EXPECT_THAT(board.functions, ElementsAre(11, 12, 13, 12));
+}
+
+TEST_F(RequestQueueTest, ACompletionMaySubmitTheNextRequest) {
+    struct Chain {
+        CAnalyzerLink& link;
+        int left = 50;
+        std::promise<void> done;
+        static void Next(LinkRequest* finished) {
+            auto* chain = static_cast<Chain*>(finished->owner);
+            EXPECT_EQ(finished->result, LinkOk);
+            delete finished;
+            if (--chain->left == 0) {
+                chain->done.set_value();
+            } else {
+                chain->link.Submit(CAnalyzerLink::NewRequest(CmdStartTrace, chain, &Next));
+            }
+        }
+    } chain{*link, 50, {}};
+    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &chain, &Chain::Next));
+    chain.done.get_future().get();
+    EXPECT_EQ(CountOf({2, 11}), 50U);
+}
+
+TEST_F(RequestQueueTest, WaitIdleGivesUpAfterFiveSeconds) {
+    line->SetClockRuns(false);
+    UseSilence();
+    auto done = Start(CmdStartTrace);
+    const auto begin = std::chrono::steady_clock::now();
+    link->WaitIdle();
+    const auto waited = std::chrono::steady_clock::now() - begin;
+    EXPECT_GE(waited, 4900ms);
+    EXPECT_LT(waited, 8s);
+    line->Arrive({'*'});
+    EXPECT_EQ(done.get().result, LinkOk);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(RequestQueueTest, AnExchangeReportsFailure) {
+    UseSilence();
+    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    UseBoard();
+    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+}
+
+TEST_F(RequestQueueTest, RequestsThatWaitAtTheEndAreDropped) {
+    line->SetClockRuns(false);
+    UseSilence();
+    static std::atomic<int> completions = 0;
+    for (int i = 0; i < 3; ++i) {
+        link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, [](LinkRequest* finished) {
+            ++completions;
+            delete finished;
+        }));
+    }
+    link.reset();
+    EXPECT_EQ(completions, 0);
+    EXPECT_EQ(line->OpenPorts(), 0);
+}
+
+TEST_F(RequestQueueTest, APortThatGoesAwayIsReadNoMoreAndRequestsStillTimeOut) {
+    line->Unplug();
+    ASSERT_TRUE(Eventually([&] { return line->ReadsAfterUnplug() == 1; }));
+    line->SetErrors({.write = 5});
+    auto done = Start(CmdStartTrace);
+    while (done.wait_for(10ms) != std::future_status::ready) {
+        clock.Advance(1s);
+    }
+    EXPECT_EQ(done.get().result, LinkTimeout);
+    EXPECT_EQ(line->ReadsAfterUnplug(), 1);
+}
+
+TEST_F(RequestQueueTest, RawBytesPassTheQueueAndTheRingIsDrainedAsItStands) {
+    UseSilence();
+    link->SendRaw(Bytes{0x2A, 0x00, 0xFF});
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{0x2A, 0x00, 0xFF}));
+    static_cast<void>(link->ReadRingRaw());
+    line->Arrive({'*', 'a', 0});
+    ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
+    EXPECT_EQ(link->ReadRingRaw(), (Bytes{'*', 'a', 0}));
+    EXPECT_EQ(link->ReadRingRaw(), Bytes{});
+    line->SetErrors({.write = 6});
+    link->SendRaw(Bytes{1});
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error writing to COM1, err 6"));
+}
+
+} // namespace
+} // namespace busquill::test
