@@ -61,6 +61,17 @@ private:
     bool good_ = true;
 };
 
+/// The first memory write at or behind a place; the place itself where none follows.
+std::size_t FindWrite(const std::vector<Record>& records, std::size_t from) {
+    for (std::size_t i = from; i < records.size(); ++i) {
+        if (GetBit(records[i], writeEvent.addressBit) &&
+            GetField(records[i], writeEvent.commandBit, 4) == writeEvent.command) {
+            return i;
+        }
+    }
+    return from;
+}
+
 int RecordFile(const Options& options) {
     const auto family = FamilyOf(options.Text("--family", "pci32"));
     const std::string path = options.Text("-o", "");
@@ -79,6 +90,9 @@ int RecordFile(const Options& options) {
         MakeRecords(*family, static_cast<std::uint32_t>(options.Number("--seed", 1)),
                     static_cast<std::size_t>(count));
     recording.trigger = static_cast<std::size_t>(trigger);
+    if (pci) {
+        recording.trigger = FindWrite(recording.samples, recording.trigger);
+    }
     if (options.Number("--zoom", 0) != 0) {
         recording.zoom = MakeZoom(recording.samples, recording.trigger);
     }

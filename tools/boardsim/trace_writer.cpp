@@ -83,15 +83,32 @@ std::string SignalRow(const Row& row, int position, bool masked) {
     return text + "\"\"\n";
 }
 
+/// The first event: the address phase of a memory write.
+struct EventBit {
+    bool value = false;
+    bool compared = false;
+};
+
+EventBit FirstEvent(int bit) {
+    if (bit == writeEvent.addressBit) {
+        return {true, true};
+    }
+    const int lane = bit - writeEvent.commandBit;
+    return lane >= 0 && lane < 4 ? EventBit{(writeEvent.command >> lane & 1) != 0, true}
+                                 : EventBit();
+}
+
 void AppendRow(std::string& text, const Row& row, bool masked) {
-    std::string zeros;
-    for (int i = 0; i < 32; ++i) {
-        zeros += ",0";
+    std::string others;
+    for (int i = 1; i < 32; ++i) {
+        others += ",0";
     }
     for (int position = 0; position < row.bus.width; ++position) {
         text += SignalRow(row, position, masked);
         if (masked) {
-            text += "\"Data\"" + zeros + "\n\"Mask\"" + zeros + "\n";
+            const EventBit event = FirstEvent(row.bus.bit + position);
+            text += std::string("\"Data\"") + (event.value ? ",1" : ",0") + others + "\n";
+            text += std::string("\"Mask\"") + (event.compared ? ",1" : ",0") + others + "\n";
         }
     }
 }
@@ -105,10 +122,12 @@ void AppendSetup(std::string& text, const Recording& recording) {
         for (const Bus& bus : pciBuses) {
             AppendRow(text, {bus}, true);
         }
+        AppendRow(text, {{"ADR/DATA", 1, writeEvent.addressBit}}, true);
     }
     text += "\n\"TraceControl\"\n";
     text += "\"Control\",\"Level\",\"If\",\"Occurs\",\"Then\",\"Else\",\"Store\"\n";
-    text += "\"Control\",1,\"All\",1,\"Goto L1, Trigger\",\"Goto L1\",\"All\"\n";
+    text += std::string("\"Control\",1,") + (recording.pciEvents ? "\"E1\"" : "\"All\"") +
+            ",1,\"Goto L1, Trigger\",\"Goto L1\",\"All\"\n";
     for (int level = 2; level <= 8; ++level) {
         text += "\"Control\"," + std::to_string(level) +
                 ",\"None\",1,\"Goto L1\",\"Goto L1\",\"None\"\n";

@@ -7,6 +7,14 @@
 
 namespace boardsim {
 
+/// What a recorded setup of the PCI family triggers on.
+struct WriteEvent {
+    int addressBit = 95; // set in an address phase
+    int commandBit = 64; // four bits
+    unsigned command = 7;
+};
+constexpr WriteEvent writeEvent;
+
 /// What goes into a trace file.
 struct Recording {
     std::string name;

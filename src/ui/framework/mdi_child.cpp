@@ -3,11 +3,13 @@
 #include "ui/framework/view.h"
 
 #include <QCloseEvent>
+#include <QIcon>
 
 namespace busquill {
 
 CMDIChildWnd::CMDIChildWnd(CDocument& document) : document_(document) {
     setAttribute(Qt::WA_DeleteOnClose);
+    setWindowIcon(QIcon(":/icons/state.svg"));
 }
 
 CMDIChildWnd::~CMDIChildWnd() {

@@ -51,6 +51,7 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread
     : link_(link), settings_(settings), area_(new QMdiArea) {
     RegisterResources();
     setWindowTitle("Busquill!");
+    setWindowIcon(QIcon(":/icons/busquill.svg"));
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setCentralWidget(area_);
