@@ -28,7 +28,9 @@
 
 // The resources lie in a library, which registers them only when it is asked to; the macro must
 // stand outside every namespace.
-static void RegisterResources() { Q_INIT_RESOURCE(busquill); }
+static void RegisterResources() {
+    Q_INIT_RESOURCE(busquill);
+}
 
 namespace busquill {
 

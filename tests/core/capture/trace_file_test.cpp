@@ -59,7 +59,8 @@ protected:
 };
 
 TEST_F(TraceFile, ReadsSamplesByTheirNumbers) {
-    ASSERT_TRUE(Load(header + Data(-2, 1, Sample(-2, 10) + Sample(-1, 11) + Sample(0, 12) + Sample(1, 13))));
+    ASSERT_TRUE(Load(header +
+                     Data(-2, 1, Sample(-2, 10) + Sample(-1, 11) + Sample(0, 12) + Sample(1, 13))));
     EXPECT_EQ(RowNumbers(), (std::vector<std::int64_t>{-2, -1, 0, 1}));
     EXPECT_EQ(document->GetSample(2, false)->bytes[0], 12);
     EXPECT_EQ(document->Marker(0, false), 2);
@@ -154,8 +155,8 @@ TEST_F(TraceFile, ValuesAreCutToAByte) {
 }
 
 TEST_F(TraceFile, TruncatedFileKeepsWhatItHas) {
-    ASSERT_TRUE(
-        Load(header + std::string("\"Trace Data\",-2,5\n") + Sample(-2, 1) + Sample(-1, 3) + "0,1,2,3"));
+    ASSERT_TRUE(Load(header + std::string("\"Trace Data\",-2,5\n") + Sample(-2, 1) + Sample(-1, 3) +
+                     "0,1,2,3"));
     EXPECT_EQ(RowNumbers(), (std::vector<std::int64_t>{-2, -1}));
     EXPECT_EQ(document->GetSample(1, false)->bytes[0], 3);
     EXPECT_EQ(Row("IRDY").numSamples, 8U);
