@@ -1,7 +1,10 @@
 /// Rows, columns and scroll arithmetic of the listing, without pixels or widgets.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
+#include <vector>
 
 namespace busquill {
 
@@ -14,8 +17,26 @@ constexpr int minimumHorizontalPage = 250;
 /// Whole rows that fit below the header.
 [[nodiscard]] int VisibleRows(int clientHeight) noexcept;
 
+/// A column of which something shows right of the SAMPLE column.
+struct StateColumn {
+    std::size_t signal = 0; // place in the list of widths
+    int left = 0;           // x of the line at its left edge; may lie left of what shows
+    int width = 0;
+
+    friend bool operator==(const StateColumn&, const StateColumn&) = default;
+};
+
+/// The columns that show, from the left. Widths below 1 take no room.
+[[nodiscard]] std::vector<StateColumn> VisibleColumns(std::span<const int> widths, int sampleColumn,
+                                                      int offset, int clientWidth);
+/// Width of all columns together.
+[[nodiscard]] int TotalWidth(std::span<const int> widths) noexcept;
+
 /// Page and position of the vertical bar, whose range is 0 to 10000 for any capture.
 [[nodiscard]] int VerticalPage(int visibleRows, std::int64_t rowCount) noexcept;
+/// The last position of the bar. Every position up to it stands for a row of a capture that has
+/// rows; 10000 itself would be the row past the last.
+[[nodiscard]] int VerticalMaximum(int page) noexcept;
 [[nodiscard]] int VerticalPosition(std::int64_t topRow, std::int64_t rowCount) noexcept;
 [[nodiscard]] std::int64_t RowOfPosition(int position, std::int64_t rowCount) noexcept;
 

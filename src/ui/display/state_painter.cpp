@@ -9,14 +9,21 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <vector>
 
 namespace busquill {
 
 namespace {
 
 constexpr int glyphHalf = 3;
-constexpr int leastStretch = 60; // percent
+constexpr int leastStretch = 60;           // percent
+constexpr std::size_t longestTitle = 1000; // characters; none is wider
 const QColor lineColor(0, 0, 0);
+
+/// A cell may be cut at its end and say so.
+bool IsLeftAligned(const CSignal& signal) {
+    return signal.decoded && signal.decoded->name == "RULE CHECK";
+}
 
 /// A title at the bottom centre of a header cell, squeezed where the cell is narrower.
 void DrawHeaderText(QPainter& painter, const QRect& cell, const QString& text) {
@@ -35,14 +42,11 @@ QString ToQt(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-bool IsLeftAligned(const CSignal& signal) {
-    return signal.decoded && signal.decoded->name == "RULE CHECK";
-}
-
 std::string BusOrBitText(const CSignal& signal, std::int64_t sample, bool zoom) {
     const auto index = static_cast<std::size_t>(sample);
     if (!signal.grouped) {
-        return signal.data.empty() ? "" : signal.Bit(index) ? "1" : "0";
+        const bool isBlank = signal.dataIndex < 0 || signal.data.empty();
+        return isBlank ? "" : signal.Bit(index) ? "1" : "0";
     }
     const auto row = signal.GroupRow(index);
     return row.empty() ? "" : FormatValue(row, signal.groupWidth, signal.radix, {}, zoom);
@@ -59,7 +63,10 @@ std::string AccumulatedTime(const StateFrame& frame, std::int64_t sample) {
 
 class Drawing {
 public:
-    Drawing(QPainter& painter, const StateFrame& frame) : painter_(painter), frame_(frame) {}
+    Drawing(QPainter& painter, const StateFrame& frame)
+        : painter_(painter), frame_(frame),
+          columns_(VisibleColumns(ColumnWidths(frame.list), frame.sampleColumn, frame.offset,
+                                  frame.size.width())) {}
 
     std::optional<std::int64_t> Draw() {
         painter_.fillRect(QRect(QPoint(0, 0), frame_.size), ColorOf(frame_.colors.background));
@@ -88,29 +95,19 @@ private:
         DrawEdge(painter_, sampleCell, Edge::Raised);
         DrawHeaderText(painter_, sampleCell.adjusted(2, 0, -2, -1), "SAMPLE");
         ClipToColumns();
-        int x = frame_.sampleColumn + 1 - frame_.offset;
-        for (const auto& signal : frame_.list.All()) {
-            const int width = signal->VisibleWidth();
-            if (width <= 0) {
-                continue;
-            }
-            if (x >= frame_.size.width()) {
-                break;
-            }
-            if (x + width > frame_.sampleColumn) {
-                DrawTitle(*signal, x, width);
-            }
-            x += width;
+        for (const StateColumn& column : columns_) {
+            DrawTitle(frame_.list[column.signal], column);
         }
     }
 
-    void DrawTitle(const CSignal& signal, int x, int width) {
-        Line(x, 0, 1, frame_.size.height());
-        const QRect cell(QPoint(x + 1, 1), QPoint(x + width - 1, stateHeaderLine - 1));
+    void DrawTitle(const CSignal& signal, const StateColumn& column) {
+        Line(column.left, 0, 1, frame_.size.height());
+        const QRect cell(QPoint(column.left + 1, 1),
+                         QPoint(column.left + column.width - 1, stateHeaderLine - 1));
         painter_.fillRect(cell,
                           signal.selected ? QColor(Qt::white) : ColorOf(frame_.colors.background));
         DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
-        DrawHeaderText(painter_, cell.adjusted(2, 0, -2, -1), ToQt(signal.RowName()));
+        DrawHeaderText(painter_, cell.adjusted(2, 0, -2, -1), ColumnTitle(signal));
     }
 
     void DrawRows() {
@@ -162,38 +159,25 @@ private:
             return;
         }
         ClipToColumns();
-        int x = frame_.sampleColumn - frame_.offset;
-        for (const auto& signal : frame_.list.All()) {
-            const int width = signal->VisibleWidth();
-            if (width < 1) {
-                continue;
+        for (const StateColumn& column : columns_) {
+            const QRect cell(column.left + 1, y, column.width - 1, stateRowPitch - 1);
+            if (color) {
+                painter_.fillRect(cell, ColorOf(*color));
             }
-            if (x >= frame_.size.width()) {
-                break;
-            }
-            if (x + width > frame_.sampleColumn + 1) {
-                const QRect cell(QPoint(x + 2, y), QPoint(x + width, y + stateRowPitch - 2));
-                if (color) {
-                    painter_.fillRect(cell, ColorOf(*color));
-                }
-                DrawCell(cell, *signal, row, sample, previous);
-            }
-            x += width;
+            DrawCell(cell, frame_.list[column.signal], row, sample, previous);
         }
     }
 
     void DrawCell(const QRect& cell, const CSignal& signal, std::int64_t row, std::int64_t sample,
                   std::int64_t previous) {
-        if (signal.decoded && signal.decoded->decodeKind == DecodeKind::Delta) {
-            painter_.setPen(ColorOf(signal.color));
-            DrawDelta(cell, row, sample);
-            return;
-        }
         painter_.setPen(ColorOf(signal.color));
         const bool left = IsLeftAligned(signal);
         DrawCellText(painter_, cell.adjusted(2, 0, -2, 0),
                      ToQt(CellText(frame_, signal, sample, previous)),
                      left ? CellAlign::Left : CellAlign::Center, left);
+        if (signal.decoded && signal.decoded->decodeKind == DecodeKind::Delta) {
+            DrawDelta(cell, row, sample);
+        }
     }
 
     /// Marks of trigger and markers in the DELTA column, and the span between the markers.
@@ -206,20 +190,18 @@ private:
         int k = 3;
         if (isTrigger) {
             const int x = xAt(k);
-            painter_.drawLine(x - glyphHalf, top - 1, x + glyphHalf, top - 1);
-            painter_.drawLine(x - glyphHalf, top, x + glyphHalf, top);
-            painter_.drawLine(x, top, x, cy + glyphHalf - 1);
+            Line(x - glyphHalf, top - 1, 2 * glyphHalf + 1, 2);
+            Line(x, top, 1, 2 * glyphHalf);
             k = 1;
         }
         if (marker(1) == sample) {
             const int x = xAt(k);
-            painter_.fillRect(
-                QRect(QPoint(x - glyphHalf, top), QPoint(x + glyphHalf - 1, cy + glyphHalf - 1)),
-                lineColor);
+            Line(x - glyphHalf, top, 2 * glyphHalf, 2 * glyphHalf);
             k = isTrigger ? 5 : 1;
         }
         if (marker(2) == sample) {
             const int x = xAt(k);
+            painter_.setPen(lineColor);
             painter_.setBrush(lineColor);
             painter_.drawPolygon(QPolygon(
                 {{x, top}, {x - glyphHalf, cy + glyphHalf}, {x + glyphHalf, cy + glyphHalf}}));
@@ -240,13 +222,13 @@ private:
             DrawCellText(painter_, cell, ToQt(TimeBetween(first, second, frame_.list, frame_.zoom)),
                          CellAlign::Center, false);
         } else if (sample > std::min(first, second) && sample < std::max(first, second)) {
-            const int x = cell.center().x();
-            painter_.drawLine(x, cell.top(), x, cell.bottom() + 1);
+            Line(cell.center().x(), cell.top(), 1, stateRowPitch); // meets that of the next row
         }
     }
 
     QPainter& painter_;
     const StateFrame& frame_;
+    const std::vector<StateColumn> columns_;
     std::optional<std::int64_t> firstMissing_;
 };
 
@@ -266,6 +248,19 @@ StateColors LoadStateColors(const Settings& settings) {
     colors.marker1 = color("StateMarker1Color", 0x00FF00);
     colors.marker2 = color("StateMarker2Color", 0xFF0000);
     return colors;
+}
+
+std::vector<int> ColumnWidths(const CSignalList& list) {
+    std::vector<int> widths;
+    widths.reserve(list.Size());
+    for (const auto& signal : list.All()) {
+        widths.push_back(signal->VisibleWidth());
+    }
+    return widths;
+}
+
+QString ColumnTitle(const CSignal& signal) {
+    return ToQt(signal.RowName().substr(0, longestTitle));
 }
 
 std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_t sample,

@@ -4,10 +4,12 @@
 
 #include <QFont>
 #include <QSize>
+#include <QString>
 
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QPainter;
 
@@ -47,12 +49,16 @@ struct StateFrame {
     QFont headerFont;
 };
 
+/// The width of each signal's column; 0 for one that takes none.
+[[nodiscard]] std::vector<int> ColumnWidths(const CSignalList& list);
+[[nodiscard]] QString ColumnTitle(const CSignal& signal);
+
 /// The text of a cell. `previous` is the sample of the row above, 0 for the first row.
 [[nodiscard]] std::string CellText(const StateFrame& frame, const CSignal& signal,
                                    std::int64_t sample, std::int64_t previous);
 
-/// Draws a frame: background, header and the rows that fit. The first sample that has not arrived
-/// yet, if there is one.
+/// Draws a frame: background, header and the rows that fit. Returns the first of its samples that
+/// has not arrived yet, which is the one to fetch next.
 std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame);
 
 } // namespace busquill

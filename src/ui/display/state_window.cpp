@@ -16,6 +16,7 @@ namespace {
 
 constexpr int sampleColumnDigits = 8;
 constexpr int marginDigits = 2;
+constexpr int widestTitle = 1000; // pixels
 
 } // namespace
 
@@ -37,7 +38,7 @@ void CStateWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
             signal->width = MeasureColumn(*signal);
         }
     }
-    Render(true);
+    SetTopRow(0);
 }
 
 int CStateWnd::MeasureColumn(const CSignal& signal) const {
@@ -47,9 +48,9 @@ int CStateWnd::MeasureColumn(const CSignal& signal) const {
     } else if (signal.grouped) {
         digits = DigitsFor(signal.groupWidth, signal.radix);
     }
-    const int title =
-        QFontMetrics(bodyFont_).horizontalAdvance(QString::fromStdString(signal.RowName()));
-    return std::max(title, digitWidth_ * static_cast<int>(digits)) + marginDigits * digitWidth_;
+    const int title = QFontMetrics(bodyFont_).horizontalAdvance(ColumnTitle(signal));
+    return std::max(std::min(title, widestTitle), digitWidth_ * static_cast<int>(digits)) +
+           marginDigits * digitWidth_;
 }
 
 int CStateWnd::VisibleRowCount() const {
@@ -57,17 +58,12 @@ int CStateWnd::VisibleRowCount() const {
 }
 
 int CStateWnd::ColumnsWidth() const {
-    int total = 0;
-    if (list_ != nullptr) {
-        for (const auto& signal : list_->All()) {
-            total += std::max(signal->VisibleWidth(), 0);
-        }
-    }
-    return total;
+    return list_ == nullptr ? 0 : TotalWidth(ColumnWidths(*list_));
 }
 
 void CStateWnd::SetTopRow(std::int64_t row) {
     topRow_ = row;
+    topSample_ = document_ == nullptr ? 0 : document_->RowToSample(row, zoom_);
     Render(true);
 }
 
@@ -92,7 +88,9 @@ void CStateWnd::Render(bool blit) {
 }
 
 void CStateWnd::paintEvent(QPaintEvent* /*event*/) {
-    if (LoadStateColors(settings_) != colors_) {
+    if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
+        MakeBitmap(); // the window has come to another screen
+    } else if (LoadStateColors(settings_) != colors_) {
         Render(false);
     }
     QPainter painter(this);
@@ -100,6 +98,10 @@ void CStateWnd::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void CStateWnd::resizeEvent(QResizeEvent* /*event*/) {
+    MakeBitmap();
+}
+
+void CStateWnd::MakeBitmap() {
     const qreal ratio = devicePixelRatioF();
     bitmap_ = QPixmap(size() * ratio);
     bitmap_.setDevicePixelRatio(ratio);

@@ -19,6 +19,8 @@ public:
 
     [[nodiscard]] int VisibleRowCount() const;
     [[nodiscard]] std::int64_t TopRow() const noexcept { return topRow_; }
+    /// The sample that stood in the top row when it was set; outlives a change of the rows.
+    [[nodiscard]] std::int64_t TopSample() const noexcept { return topSample_; }
     [[nodiscard]] int SampleColumnWidth() const noexcept { return sampleColumn_; }
     /// Width of all columns together.
     [[nodiscard]] int ColumnsWidth() const;
@@ -34,6 +36,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void MakeBitmap();
     [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
 
     const Settings& settings_;
@@ -46,6 +49,7 @@ private:
     bool zoom_ = false;
     StateColors colors_;
     std::int64_t topRow_ = 0;
+    std::int64_t topSample_ = 0;
     int offset_ = 0;
     QPixmap bitmap_;
 };

@@ -39,6 +39,7 @@ CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const Setting
     }
     connect(vScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnVerticalAction);
     connect(hScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnHorizontalAction);
+    connect(vScroll_, &QScrollBar::sliderReleased, this, &CTraceView::SetVerticalPosition);
 }
 
 CTesselDoc& CTraceView::Trace() const {
@@ -55,7 +56,7 @@ std::int64_t CTraceView::RowCount() const {
 }
 
 std::int64_t CTraceView::TopSample() const {
-    return Trace().RowToSample(state_->TopRow(), isZoom_);
+    return state_->TopSample();
 }
 
 std::int64_t CTraceView::CenterSample() const {
@@ -108,6 +109,7 @@ void CTraceView::GoTo(GoToTarget target) {
 
 void CTraceView::OnInitialUpdate() {
     RefreshFrameName();
+    LayOut(); // no size event comes before the view is shown
     state_->Attach(Trace(), ListOf(Trace()), isZoom_);
     SetScrollBars();
     for (DocumentView* other : Trace().Views()) {
@@ -155,8 +157,8 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         RefreshFrameName();
         break;
     case HintFilterChanged:
+        ScrollToSample(TopSample()); // its row is another one now
         SetScrollBars();
-        state_->Render(true);
         break;
     default:
         state_->Render(true);
@@ -177,8 +179,8 @@ void CTraceView::MarkerChanged(int which) {
 
 void CTraceView::BlockArrived(const HintObject* object) {
     const auto* block = dynamic_cast<const CBlockUpdate*>(object);
-    if (block == nullptr || block->zoom || isZoom_) {
-        return; // Power Zoom blocks are drawn by a waveform
+    if (block == nullptr || block->zoom != isZoom_) {
+        return;
     }
     const std::int64_t last = Trace().RowToSample(
         std::min(state_->TopRow() + state_->VisibleRowCount(), RowCount() - 1), isZoom_);
@@ -200,7 +202,7 @@ void CTraceView::SetScrollBars() {
     }
     const int rows = state_->VisibleRowCount();
     const int page = VerticalPage(rows, RowCount());
-    vScroll_->setRange(0, static_cast<int>(std::max<std::int64_t>(scrollRange - page, 0)));
+    vScroll_->setRange(0, VerticalMaximum(page));
     vScroll_->setPageStep(page);
     SetVerticalPosition();
 
@@ -290,6 +292,11 @@ void CTraceView::Synchronise() {
 }
 
 void CTraceView::resizeEvent(QResizeEvent* /*event*/) {
+    LayOut();
+    SetScrollBars();
+}
+
+void CTraceView::LayOut() {
     const int barWidth = vScroll_->sizeHint().width();
     const int barHeight = hScroll_->sizeHint().height();
     const int right = width() - barWidth;
@@ -297,7 +304,6 @@ void CTraceView::resizeEvent(QResizeEvent* /*event*/) {
     vScroll_->setGeometry(right, verticalBarTop, barWidth, bottom - verticalBarTop);
     hScroll_->setGeometry(0, bottom, width(), barHeight);
     state_->setGeometry(0, 0, right, bottom);
-    SetScrollBars();
 }
 
 void CTraceView::keyPressEvent(QKeyEvent* event) {
@@ -324,10 +330,12 @@ void CTraceView::keyPressEvent(QKeyEvent* event) {
 
 void CTraceView::wheelEvent(QWheelEvent* event) {
     event->accept();
-    if (GetDocument() == nullptr) {
+    const int delta = event->angleDelta().y();
+    if (GetDocument() == nullptr || delta == 0) {
         return;
     }
-    wheelRest_ += event->angleDelta().y();
+    const bool turned = (delta > 0) != (wheelRest_ > 0);
+    wheelRest_ = delta + (turned ? 0 : wheelRest_);
     for (; wheelRest_ >= wheelNotch; wheelRest_ -= wheelNotch) {
         StepRows(-1);
     }

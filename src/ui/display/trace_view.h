@@ -55,6 +55,7 @@ protected:
 private:
     [[nodiscard]] CSignalList& ListOf(CTesselDoc& document) const;
     [[nodiscard]] std::int64_t RowCount() const;
+    void LayOut();
     void SetScrollBars();
     void SetVerticalPosition();
     void StepRows(std::int64_t rows);

@@ -25,8 +25,8 @@ void DrawEdge(QPainter& painter, const QRect& rect, Edge edge) {
         painter.fillRect(r.left(), r.bottom(), r.width(), 1, bottomRight);
         painter.fillRect(r.right(), r.top(), 1, r.height(), bottomRight);
     };
-    frame(rect, raised ? light : shadow, raised ? dark : light);
-    frame(rect.adjusted(1, 1, -1, -1), raised ? face : dark, raised ? shadow : face);
+    frame(rect, raised ? face : shadow, raised ? dark : light);
+    frame(rect.adjusted(1, 1, -1, -1), raised ? light : dark, raised ? shadow : face);
 }
 
 QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face) {
