@@ -1,0 +1,173 @@
+#include "support/recording_paint_device_qt.h"
+
+#include <QFontMetrics>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+#include <stdexcept>
+
+namespace busquill::test {
+
+class RecordingPaintDevice::Engine final : public QPaintEngine {
+public:
+    explicit Engine(RecordingPaintDevice& device)
+        : QPaintEngine(QPaintEngine::AllFeatures), device_(device) {}
+
+    bool begin(QPaintDevice* /*device*/) override {
+        clip_ = device_.Bounds();
+        return true;
+    }
+    bool end() override { return true; }
+    [[nodiscard]] Type type() const override { return User; }
+
+    void updateState(const QPaintEngineState& now) override {
+        const DirtyFlags dirty = now.state();
+        if (dirty & DirtyPen) {
+            pen_ = now.pen();
+        }
+        if (dirty & DirtyBrush) {
+            brush_ = now.brush();
+        }
+        if (dirty & DirtyClipPath) {
+            Clip(QRegion(now.clipPath().boundingRect().toAlignedRect()), now.clipOperation());
+        }
+        if (dirty & DirtyClipRegion) {
+            Clip(now.clipRegion(), now.clipOperation());
+        }
+        if (dirty & DirtyClipEnabled) {
+            clipping_ = now.isClipEnabled();
+        }
+        if (dirty & DirtyTransform && now.transform().type() > QTransform::TxTranslate) {
+            throw std::logic_error("only translations are recorded");
+        }
+    }
+
+    void drawRects(const QRectF* rects, int count) override {
+        for (const QRectF& rect : std::span(rects, static_cast<std::size_t>(count))) {
+            const QRect area = rect.toRect();
+            device_.fills_.push_back({area, Visible(area), brush_.color()});
+        }
+    }
+    void drawRects(const QRect* rects, int count) override {
+        for (const QRect& rect : std::span(rects, static_cast<std::size_t>(count))) {
+            device_.fills_.push_back({rect, Visible(rect), brush_.color()});
+        }
+    }
+    void drawLines(const QLineF* lines, int count) override {
+        for (const QLineF& line : std::span(lines, static_cast<std::size_t>(count))) {
+            device_.lines_.push_back({line.toLine(), pen_.color()});
+        }
+    }
+    void drawLines(const QLine* lines, int count) override {
+        for (const QLine& line : std::span(lines, static_cast<std::size_t>(count))) {
+            device_.lines_.push_back({line, pen_.color()});
+        }
+    }
+    void drawPolygon(const QPointF* points, int count, PolygonDrawMode /*mode*/) override {
+        QPolygonF polygon;
+        for (const QPointF& point : std::span(points, static_cast<std::size_t>(count))) {
+            polygon << point;
+        }
+        device_.polygons_.push_back({polygon.toPolygon(), brush_.color()});
+    }
+    void drawPolygon(const QPoint* points, int count, PolygonDrawMode /*mode*/) override {
+        QPolygon polygon;
+        for (const QPoint& point : std::span(points, static_cast<std::size_t>(count))) {
+            polygon << point;
+        }
+        device_.polygons_.push_back({polygon, brush_.color()});
+    }
+    void drawTextItem(const QPointF& at, const QTextItem& item) override {
+        const int ascent = static_cast<int>(std::lround(item.ascent()));
+        const int descent = static_cast<int>(std::lround(item.descent()));
+        const QRect rect(static_cast<int>(std::lround(at.x())),
+                         static_cast<int>(std::lround(at.y())) - ascent,
+                         static_cast<int>(std::lround(item.width())), ascent + descent);
+        device_.texts_.push_back(
+            {item.text(), rect, Visible(rect), pen_.color(), item.font().bold()});
+    }
+    void drawPixmap(const QRectF& /*to*/, const QPixmap& /*pixmap*/,
+                    const QRectF& /*from*/) override {
+        throw std::logic_error("pixmaps are not recorded");
+    }
+
+private:
+    void Clip(const QRegion& region, Qt::ClipOperation operation) {
+        clipping_ = operation != Qt::NoClip;
+        clip_ = operation == Qt::IntersectClip ? clip_.intersected(region) : region;
+    }
+    [[nodiscard]] QRect Visible(const QRect& rect) const {
+        QRegion left = QRegion(rect).intersected(device_.Bounds());
+        if (clipping_) {
+            left = left.intersected(clip_);
+        }
+        return left.boundingRect();
+    }
+
+    RecordingPaintDevice& device_;
+    QPen pen_;
+    QBrush brush_;
+    QRegion clip_;
+    bool clipping_ = false;
+};
+
+RecordingPaintDevice::RecordingPaintDevice(QSize size)
+    : size_(size), engine_(std::make_unique<Engine>(*this)) {}
+
+RecordingPaintDevice::~RecordingPaintDevice() = default;
+
+QPaintEngine* RecordingPaintDevice::paintEngine() const {
+    return engine_.get();
+}
+
+std::size_t RecordingPaintDevice::Calls() const noexcept {
+    return fills_.size() + texts_.size() + lines_.size() + polygons_.size();
+}
+
+int RecordingPaintDevice::FillsOf(const QColor& color) const {
+    return static_cast<int>(std::count_if(fills_.begin(), fills_.end(), [&](const Fill& fill) {
+        return fill.color == color && !fill.visible.isEmpty();
+    }));
+}
+
+QColor RecordingPaintDevice::ColorAt(QPoint point) const {
+    const auto last = std::find_if(fills_.rbegin(), fills_.rend(),
+                                   [&](const Fill& fill) { return fill.visible.contains(point); });
+    return last == fills_.rend() ? QColor() : last->color;
+}
+
+std::vector<RecordingPaintDevice::Text> RecordingPaintDevice::TextsBetween(int top,
+                                                                           int bottom) const {
+    std::vector<Text> found;
+    std::copy_if(texts_.begin(), texts_.end(), std::back_inserter(found), [&](const Text& text) {
+        return text.rect.center().y() >= top && text.rect.center().y() <= bottom;
+    });
+    std::sort(found.begin(), found.end(),
+              [](const Text& a, const Text& b) { return a.rect.left() < b.rect.left(); });
+    return found;
+}
+
+int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
+    constexpr int dpi = 96;
+    switch (metric) {
+    case PdmWidth:
+        return size_.width();
+    case PdmHeight:
+        return size_.height();
+    case PdmDpiX:
+    case PdmDpiY:
+    case PdmPhysicalDpiX:
+    case PdmPhysicalDpiY:
+        return dpi;
+    case PdmDepth:
+        return 32;
+    case PdmNumColors:
+        return 0;
+    default:
+        return QPaintDevice::metric(metric);
+    }
+}
+
+} // namespace busquill::test
