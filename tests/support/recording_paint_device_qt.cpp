@@ -12,11 +12,11 @@ namespace busquill::test {
 
 class RecordingPaintDevice::Engine final : public QPaintEngine {
 public:
-    explicit Engine(RecordingPaintDevice& device)
-        : QPaintEngine(QPaintEngine::AllFeatures), device_(device) {}
+    explicit Engine(Recording& recording)
+        : QPaintEngine(QPaintEngine::AllFeatures), recording_(recording) {}
 
     bool begin(QPaintDevice* /*device*/) override {
-        clip_ = device_.Bounds();
+        clip_ = recording_.bounds;
         return true;
     }
     bool end() override { return true; }
@@ -47,22 +47,22 @@ public:
     void drawRects(const QRectF* rects, int count) override {
         for (const QRectF& rect : std::span(rects, static_cast<std::size_t>(count))) {
             const QRect area = rect.toRect();
-            device_.fills_.push_back({area, Visible(area), brush_.color()});
+            recording_.fills.push_back({area, Visible(area), brush_.color()});
         }
     }
     void drawRects(const QRect* rects, int count) override {
         for (const QRect& rect : std::span(rects, static_cast<std::size_t>(count))) {
-            device_.fills_.push_back({rect, Visible(rect), brush_.color()});
+            recording_.fills.push_back({rect, Visible(rect), brush_.color()});
         }
     }
     void drawLines(const QLineF* lines, int count) override {
         for (const QLineF& line : std::span(lines, static_cast<std::size_t>(count))) {
-            device_.lines_.push_back({line.toLine(), pen_.color()});
+            recording_.lines.push_back({line.toLine(), pen_.color()});
         }
     }
     void drawLines(const QLine* lines, int count) override {
         for (const QLine& line : std::span(lines, static_cast<std::size_t>(count))) {
-            device_.lines_.push_back({line, pen_.color()});
+            recording_.lines.push_back({line, pen_.color()});
         }
     }
     void drawPolygon(const QPointF* points, int count, PolygonDrawMode /*mode*/) override {
@@ -70,14 +70,14 @@ public:
         for (const QPointF& point : std::span(points, static_cast<std::size_t>(count))) {
             polygon << point;
         }
-        device_.polygons_.push_back({polygon.toPolygon(), brush_.color()});
+        recording_.polygons.push_back({polygon.toPolygon(), brush_.color()});
     }
     void drawPolygon(const QPoint* points, int count, PolygonDrawMode /*mode*/) override {
         QPolygon polygon;
         for (const QPoint& point : std::span(points, static_cast<std::size_t>(count))) {
             polygon << point;
         }
-        device_.polygons_.push_back({polygon, brush_.color()});
+        recording_.polygons.push_back({polygon, brush_.color()});
     }
     void drawTextItem(const QPointF& at, const QTextItem& item) override {
         const int ascent = static_cast<int>(std::lround(item.ascent()));
@@ -85,7 +85,7 @@ public:
         const QRect rect(static_cast<int>(std::lround(at.x())),
                          static_cast<int>(std::lround(at.y())) - ascent,
                          static_cast<int>(std::lround(item.width())), ascent + descent);
-        device_.texts_.push_back(
+        recording_.texts.push_back(
             {item.text(), rect, Visible(rect), pen_.color(), item.font().bold()});
     }
     void drawPixmap(const QRectF& /*to*/, const QPixmap& /*pixmap*/,
@@ -99,14 +99,14 @@ private:
         clip_ = operation == Qt::IntersectClip ? clip_.intersected(region) : region;
     }
     [[nodiscard]] QRect Visible(const QRect& rect) const {
-        QRegion left = QRegion(rect).intersected(device_.Bounds());
+        QRegion left = QRegion(rect).intersected(recording_.bounds);
         if (clipping_) {
             left = left.intersected(clip_);
         }
         return left.boundingRect();
     }
 
-    RecordingPaintDevice& device_;
+    Recording& recording_;
     QPen pen_;
     QBrush brush_;
     QRegion clip_;
@@ -114,7 +114,9 @@ private:
 };
 
 RecordingPaintDevice::RecordingPaintDevice(QSize size)
-    : size_(size), engine_(std::make_unique<Engine>(*this)) {}
+    : engine_(std::make_unique<Engine>(recording_)) {
+    recording_.bounds = QRect(QPoint(0, 0), size);
+}
 
 RecordingPaintDevice::~RecordingPaintDevice() = default;
 
@@ -122,40 +124,13 @@ QPaintEngine* RecordingPaintDevice::paintEngine() const {
     return engine_.get();
 }
 
-std::size_t RecordingPaintDevice::Calls() const noexcept {
-    return fills_.size() + texts_.size() + lines_.size() + polygons_.size();
-}
-
-int RecordingPaintDevice::FillsOf(const QColor& color) const {
-    return static_cast<int>(std::count_if(fills_.begin(), fills_.end(), [&](const Fill& fill) {
-        return fill.color == color && !fill.visible.isEmpty();
-    }));
-}
-
-QColor RecordingPaintDevice::ColorAt(QPoint point) const {
-    const auto last = std::find_if(fills_.rbegin(), fills_.rend(),
-                                   [&](const Fill& fill) { return fill.visible.contains(point); });
-    return last == fills_.rend() ? QColor() : last->color;
-}
-
-std::vector<RecordingPaintDevice::Text> RecordingPaintDevice::TextsBetween(int top,
-                                                                           int bottom) const {
-    std::vector<Text> found;
-    std::copy_if(texts_.begin(), texts_.end(), std::back_inserter(found), [&](const Text& text) {
-        return text.rect.center().y() >= top && text.rect.center().y() <= bottom;
-    });
-    std::sort(found.begin(), found.end(),
-              [](const Text& a, const Text& b) { return a.rect.left() < b.rect.left(); });
-    return found;
-}
-
 int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
     constexpr int dpi = 96;
     switch (metric) {
     case PdmWidth:
-        return size_.width();
+        return recording_.bounds.width();
     case PdmHeight:
-        return size_.height();
+        return recording_.bounds.height();
     case PdmDpiX:
     case PdmDpiY:
     case PdmPhysicalDpiX:
@@ -165,9 +140,44 @@ int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
         return 32;
     case PdmNumColors:
         return 0;
+    case PdmDevicePixelRatio:
+        return 1;
+    case PdmDevicePixelRatioScaled:
+        return static_cast<int>(devicePixelRatioFScale());
     default:
         return QPaintDevice::metric(metric);
     }
+}
+
+std::size_t Recording::Calls() const noexcept {
+    return fills.size() + texts.size() + lines.size() + polygons.size();
+}
+
+int Recording::FillsOf(const QColor& color) const {
+    return static_cast<int>(std::count_if(fills.begin(), fills.end(), [&](const Fill& fill) {
+        return fill.color == color && !fill.visible.isEmpty();
+    }));
+}
+
+int Recording::LinesOf(const QColor& color) const {
+    return static_cast<int>(std::count_if(lines.begin(), lines.end(),
+                                          [&](const Line& line) { return line.color == color; }));
+}
+
+QColor Recording::ColorAt(QPoint point) const {
+    const auto last = std::find_if(fills.rbegin(), fills.rend(),
+                                   [&](const Fill& fill) { return fill.visible.contains(point); });
+    return last == fills.rend() ? QColor() : last->color;
+}
+
+std::vector<Recording::Text> Recording::TextsBetween(int top, int bottom) const {
+    std::vector<Text> found;
+    std::copy_if(texts.begin(), texts.end(), std::back_inserter(found), [&](const Text& text) {
+        return text.rect.center().y() >= top && text.rect.center().y() <= bottom;
+    });
+    std::sort(found.begin(), found.end(),
+              [](const Text& a, const Text& b) { return a.rect.left() < b.rect.left(); });
+    return found;
 }
 
 } // namespace busquill::test

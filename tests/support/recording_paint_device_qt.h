@@ -12,10 +12,9 @@
 
 namespace busquill::test {
 
-/// A sheet that remembers what a painter does to it instead of showing it. Coordinates are those
-/// of the device; `visible` is what clipping and the device's edges leave of a thing.
-class RecordingPaintDevice final : public QPaintDevice {
-public:
+/// What a painter did to a sheet. Coordinates are those of the sheet; `visible` is what clipping
+/// and the sheet's edges leave of a thing.
+struct Recording {
     struct Fill {
         QRect rect;
         QRect visible;
@@ -37,24 +36,31 @@ public:
         QColor color;
     };
 
-    explicit RecordingPaintDevice(QSize size);
-    ~RecordingPaintDevice() override;
-
-    [[nodiscard]] QPaintEngine* paintEngine() const override;
-
-    [[nodiscard]] QRect Bounds() const { return {QPoint(0, 0), size_}; }
-    [[nodiscard]] const std::vector<Fill>& Fills() const noexcept { return fills_; }
-    [[nodiscard]] const std::vector<Text>& Texts() const noexcept { return texts_; }
-    [[nodiscard]] const std::vector<Line>& Lines() const noexcept { return lines_; }
-    [[nodiscard]] const std::vector<Polygon>& Polygons() const noexcept { return polygons_; }
+    QRect bounds;
+    std::vector<Fill> fills;
+    std::vector<Text> texts;
+    std::vector<Line> lines;
+    std::vector<Polygon> polygons;
 
     /// Everything that was drawn.
     [[nodiscard]] std::size_t Calls() const noexcept;
     [[nodiscard]] int FillsOf(const QColor& color) const;
+    [[nodiscard]] int LinesOf(const QColor& color) const;
     /// The colour that the last fill over a point left there; invalid where there was none.
     [[nodiscard]] QColor ColorAt(QPoint point) const;
     /// The texts whose middle lies between two lines of pixels, from left to right.
     [[nodiscard]] std::vector<Text> TextsBetween(int top, int bottom) const;
+};
+
+/// A sheet that remembers what is drawn instead of showing it.
+class RecordingPaintDevice final : public QPaintDevice {
+public:
+    explicit RecordingPaintDevice(QSize size);
+    ~RecordingPaintDevice() override;
+
+    [[nodiscard]] const Recording& Recorded() const noexcept { return recording_; }
+
+    [[nodiscard]] QPaintEngine* paintEngine() const override;
 
 protected:
     [[nodiscard]] int metric(PaintDeviceMetric metric) const override;
@@ -62,12 +68,8 @@ protected:
 private:
     class Engine;
 
-    QSize size_;
+    Recording recording_;
     std::unique_ptr<Engine> engine_;
-    std::vector<Fill> fills_;
-    std::vector<Text> texts_;
-    std::vector<Line> lines_;
-    std::vector<Polygon> polygons_;
 };
 
 } // namespace busquill::test

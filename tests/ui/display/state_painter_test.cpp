@@ -1,3 +1,4 @@
+#include "support/recording_paint_device_qt.h"
 #include "support/trace_fixture_qt.h"
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_painter.h"
@@ -6,6 +7,7 @@
 
 #include <QPainter>
 
+#include <random>
 #include <set>
 
 namespace busquill::test {
@@ -25,9 +27,16 @@ std::string TimeRows(bool shown) {
     return rows;
 }
 
+/// A list's section of a single line, FRAME.
+std::string OneLine() {
+    return "\"Signal\",\"FRAME\",\"FRAME\",\"\",\"\",\"\",-1,72,0,20,30,0,\"Show\",\"Hex\"\n";
+}
+
 class StatePainter : public TraceFixture {
 protected:
     StatePainter() { colors = {0xC0C0C0, 0xE0E0E0, 0x0000FF, 0x00FF00, 0xFF0000}; }
+    static constexpr int sampleColumn = 60;
+
     StateFrame Frame(QSize size = {400, 200}) {
         return {*document,
                 document->stateList,
@@ -35,8 +44,8 @@ protected:
                 board.board,
                 colors,
                 size,
-                60,
-                0,
+                sampleColumn,
+                topRow,
                 offset,
                 FontOfCellHeight(14, QFont::Normal, FontFace::Fixed),
                 FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)};
@@ -47,6 +56,37 @@ protected:
         QPainter painter(&image);
         missing = DrawState(painter, Frame(size));
         return image;
+    }
+    Recording Record(QSize size = {400, 200}) {
+        RecordingPaintDevice device(size);
+        QPainter painter(&device);
+        missing = DrawState(painter, Frame(size));
+        return device.Recorded();
+    }
+    /// Gives every column the same width and returns those that show.
+    std::vector<StateColumn> Widen(int width, QSize size = {400, 200}) {
+        for (const auto& signal : document->stateList.All()) {
+            signal->width = width;
+        }
+        return Columns(size);
+    }
+    std::vector<StateColumn> Columns(QSize size = {400, 200}) {
+        return VisibleColumns(ColumnWidths(document->stateList), sampleColumn, offset,
+                              size.width());
+    }
+    /// What is written in a row, from left to right, the sample's number first.
+    static std::vector<Recording::Text> RowTexts(const Recording& device, int row) {
+        const int top = stateFirstRow + row * stateRowPitch;
+        return device.TextsBetween(top, top + stateRowPitch - 1);
+    }
+    /// Adds a computed column before all others.
+    CSignal& AddDecoded(const char* name, int width) {
+        auto& list = document->stateList;
+        CSignal* added = list.AddSignal(&list[0], board.tables.decodedSignals.FindByName(name),
+                                        static_cast<std::uint32_t>(document->SampleCount(false)), 0,
+                                        0, 0xFF00FF, Radix::Hex, true);
+        added->width = width;
+        return *added;
     }
     /// The colour between the texts of a row, in the SAMPLE cell.
     static QRgb RowColor(const QImage& image, int row) {
@@ -66,6 +106,7 @@ protected:
 
     StateColors colors;
     int offset = 0;
+    std::int64_t topRow = 0;
     std::optional<std::int64_t> missing;
 };
 
@@ -162,6 +203,307 @@ TEST_F(StatePainter, TimeIsThatOfTheSampleOrUnderAFilterThatSinceTheRowAbove) {
     EXPECT_EQ(Text("TIME", 5), "30ns");
     Load(0, 99, list, [](int number) { return number % 5 == 0; });
     EXPECT_EQ(CellText(Frame(), Column("TIME"), 20, 10), "60ns");
+}
+
+TEST_F(StatePainter, UnderAFilterTheFirstRowOfAFrameCountsFromSampleZero) {
+    const std::string list = "\"State Signals\"\n" + TimeRows(true) + TimeRows(false);
+    Load(0, 99, list, [](int number) { return number % 5 == 0; });
+    Widen(60);
+    topRow = 4; // samples 20, 25 and so on; two of every ten samples are told of
+    const auto device = Record();
+    const auto text = [&](int row) { return RowTexts(device, row).at(1).text; };
+    EXPECT_EQ(text(0), "120ns");
+    EXPECT_EQ(text(1), "30ns");
+}
+
+TEST_F(StatePainter, AccumulatedTimeCountsFromTheTrigger) {
+    Load(-4, 20, "\"State Signals\"\n" + TimeRows(false));
+    AddDecoded("ACCUM", 80);
+    EXPECT_EQ(Text("ACCUM", 0), "-120ns");
+    EXPECT_EQ(Text("ACCUM", 4), "0ns");
+    EXPECT_EQ(Text("ACCUM", 7), "90ns");
+    document->SetMarker(0, -1);
+    EXPECT_EQ(Text("ACCUM", 7), "");
+}
+
+TEST_F(StatePainter, TimesAreEmptyWithoutATimeColumnOfItsOwn) {
+    Load(-4, 20, "\"Waveform Signals\"\n" + TimeRows(false) + "\"State Signals\"\n" + OneLine());
+    AddDecoded("ACCUM", 80);
+    EXPECT_EQ(Text("ACCUM", 0), "");
+    EXPECT_EQ(Text("ACCUM", 7), "");
+}
+
+TEST_F(StatePainter, BlankAndHiddenColumns) {
+    Load(0, 20);
+    auto& list = document->stateList;
+    list.InsertBlank(&list[0])->width = 40;
+    list[0].ResizeSamples(21);
+    Widen(40);
+    EXPECT_EQ(CellText(Frame(), list[0], 3, 0), "");
+    EXPECT_EQ(Columns().at(1).left, 60 + 1 + 40); // the blank column takes its room
+    list[0].hidden = true;
+    EXPECT_EQ(Columns().at(0).signal, 1U);
+}
+
+TEST_F(StatePainter, AValueInAnUnknownRadixIsEmpty) {
+    Load(0, 20);
+    const_cast<CSignal&>(Column("AD[63:0]")).radix = 9;
+    EXPECT_EQ(Text("AD[63:0]", 3), "");
+}
+
+TEST_F(StatePainter, RowsSayWhatTheirCellsSay) {
+    Load(-4, 300);
+    topRow = 250;
+    offset = 130;
+    const auto columns = Widen(90);
+    const auto device = Record();
+    for (int row = 0; row < 5; ++row) {
+        const std::int64_t sample = topRow + row;
+        std::vector<std::string> expected = {std::to_string(sample - 4)};
+        for (const StateColumn& column : columns) {
+            const auto text = CellText(Frame(), document->stateList[column.signal], sample, 0);
+            if (!text.empty()) {
+                expected.push_back(text);
+            }
+        }
+        std::vector<std::string> drawn;
+        for (const auto& text : RowTexts(device, row)) {
+            drawn.push_back(text.text.toStdString());
+        }
+        EXPECT_EQ(drawn, expected) << row;
+        EXPECT_GT(drawn.size(), 1U) << row;
+    }
+}
+
+TEST_F(StatePainter, TextsTakeTheColourOfTheirSignalAndStandInLine) {
+    Load(0, 99);
+    const_cast<CSignal&>(Column("DATA32")).color = 0x0000FF;
+    const auto columns = Widen(150, {800, 200});
+    const auto device = Record({800, 200});
+    const auto texts = RowTexts(device, 2);
+    int red = 0;
+    for (const auto& text : texts) {
+        red += text.color == QColor(255, 0, 0) ? 1 : 0;
+        EXPECT_EQ(text.rect.bottom(), texts.front().rect.bottom());
+        EXPECT_LE(text.rect.bottom(), stateFirstRow + 3 * stateRowPitch - 1);
+        EXPECT_EQ(text.visible, text.rect) << text.text.toStdString(); // nothing is cut
+        EXPECT_FALSE(text.bold);
+    }
+    EXPECT_EQ(red, 1);
+    for (const auto& title : device.TextsBetween(0, stateHeaderLine - 1)) {
+        EXPECT_TRUE(title.bold);
+    }
+    EXPECT_EQ(device.TextsBetween(0, stateHeaderLine - 1).front().text, "SAMPLE");
+    EXPECT_EQ(columns.size() + 1, device.TextsBetween(0, stateHeaderLine - 1).size());
+}
+
+TEST_F(StatePainter, FindingsAreLeftAlignedAndSayThatTheyAreCut) {
+    Load(0, 20);
+    CSignal& rule = AddDecoded("RULE CHECK", 50);
+    std::fill(rule.labelTable.begin(), rule.labelTable.end(), std::uint8_t{2}); // a long one
+    const std::string whole = Text("RULE CHECK", 0);
+    ASSERT_GT(whole.size(), 8U);
+    const auto cut = RowTexts(Record(), 0).at(1);
+    EXPECT_EQ(cut.rect.left(), sampleColumn + 1 + 3);
+    EXPECT_LE(cut.rect.right(), sampleColumn + 50);
+    EXPECT_TRUE(cut.text.endsWith(QChar(0x2026))) << cut.text.toStdString();
+    rule.width = 330;
+    const auto all = RowTexts(Record(), 0).at(1);
+    EXPECT_EQ(all.text.toStdString(), whole);
+    EXPECT_EQ(all.rect.left(), sampleColumn + 1 + 3);
+}
+
+TEST_F(StatePainter, RowColoursFillTheCellsOfTheColumns) {
+    Load(-4, 20);
+    const auto columns = Widen(70);
+    document->SetMarker(1, 6);
+    document->SetMarker(2, 8);
+    const auto device = Record();
+    const auto cellColor = [&](int row, const StateColumn& column) {
+        return device.ColorAt({column.left + 2, stateFirstRow + row * stateRowPitch + 2});
+    };
+    for (const StateColumn& column : columns) {
+        EXPECT_EQ(cellColor(4, column), ColorOf(colors.trigger));
+        EXPECT_EQ(cellColor(5, column), ColorOf(colors.alternate));
+        EXPECT_EQ(cellColor(6, column), ColorOf(colors.marker1));
+        EXPECT_EQ(cellColor(8, column), ColorOf(colors.marker2));
+        EXPECT_EQ(cellColor(10, column), ColorOf(colors.background));
+    }
+    EXPECT_EQ(device.FillsOf(ColorOf(colors.trigger)), static_cast<int>(columns.size()) + 1);
+}
+
+/// Places are drawn with a seed that is printed with a failure.
+TEST_F(StatePainter, NothingReachesOutOfItsCell) {
+    Load(-50, 950);
+    AddDecoded("DELTA", 80);
+    document->SetMarker(1, 60);
+    document->SetMarker(2, 90);
+    for (unsigned seed = 1; seed <= 60; ++seed) {
+        std::mt19937 random(seed);
+        const auto upTo = [&](int limit) { return static_cast<int>(random() % limit); };
+        const QSize size(70 + upTo(900), 34 + upTo(400));
+        for (const auto& signal : document->stateList.All()) {
+            signal->width = upTo(130);
+        }
+        offset = upTo(2000);
+        topRow = upTo(1000);
+        SCOPED_TRACE(testing::Message() << "seed " << seed);
+        const auto columns = Columns(size);
+        const auto device = Record(size);
+        const auto inOneColumn = [&](const QRect& rect) {
+            return std::any_of(columns.begin(), columns.end(), [&](const StateColumn& column) {
+                return rect.left() > column.left && rect.right() < column.left + column.width;
+            });
+        };
+        for (const auto& text : device.texts) {
+            const QRect seen = text.visible;
+            EXPECT_TRUE(seen.isEmpty() || (seen.left() > 0 && seen.right() < sampleColumn) ||
+                        (seen.left() > sampleColumn && inOneColumn(seen)))
+                << text.text.toStdString() << " at " << seen.left() << " to " << seen.right();
+        }
+        for (const auto& fill : device.fills) {
+            const bool acrossAll = fill.rect.width() == size.width();
+            EXPECT_TRUE(acrossAll || fill.visible.isEmpty() ||
+                        fill.visible.right() <= sampleColumn || fill.visible.left() > sampleColumn)
+                << fill.visible.left() << " to " << fill.visible.right();
+            const bool isCell = fill.rect.height() == stateRowPitch - 1;
+            EXPECT_TRUE(!isCell || fill.rect.left() <= size.width()) << fill.rect.left();
+            EXPECT_LT(fill.rect.top(), size.height());
+        }
+    }
+}
+
+TEST_F(StatePainter, ColumnsLeftOfTheViewAreNotDrawn) {
+    Load(0, 99);
+    const auto all = Widen(100, {100'000, 200});
+    offset = 100 * static_cast<int>(all.size() - 1);
+    const auto device = Record({300, 200});
+    EXPECT_EQ(device.TextsBetween(0, stateHeaderLine - 1).size(), 2U); // SAMPLE and the last
+    EXPECT_LE(RowTexts(device, 3).size(), 2U);
+}
+
+TEST_F(StatePainter, AFrameCostsTheSameInAnyCapture) {
+    const auto makeCapture = [this](std::int64_t samples) {
+        document = std::make_unique<CTesselDoc>(context, prompts);
+        ASSERT_TRUE(document->OnNewDocument());
+        ASSERT_TRUE(document->store.AllocateForFile(0, samples - 1));
+        document->RebuildMapsFromFile();
+        document->stateList.ResizeSamples(static_cast<std::uint32_t>(samples));
+        document->SetMarker(0, -1);
+        Widen(30);
+        ASSERT_EQ(document->RowCount(false), samples);
+    };
+    std::set<std::size_t> counts;
+    for (const std::int64_t samples : {1000, 1'000'000}) {
+        makeCapture(samples);
+        for (const std::int64_t row : {std::int64_t{0}, samples / 2, samples - 14}) {
+            topRow = row;
+            counts.insert(Record().Calls());
+        }
+    }
+    EXPECT_EQ(counts.size(), 1U);
+    EXPECT_GT(RowTexts(Record(), 0).size(), 3U);
+}
+
+TEST_F(StatePainter, EmptyCaptureHasTitlesOnly) {
+    Load(0, 9, "", [](int) { return false; });
+    const auto device = Record();
+    EXPECT_EQ(device.texts.size(), device.TextsBetween(0, stateHeaderLine - 1).size());
+    EXPECT_GT(device.texts.size(), 1U);
+}
+
+TEST_F(StatePainter, RowsStopAtTheLastSample) {
+    Load(0, 9);
+    topRow = 7;
+    const auto device = Record();
+    EXPECT_EQ(RowTexts(device, 2).front().text, "9");
+    EXPECT_TRUE(RowTexts(device, 3).empty());
+    topRow = 10;
+    EXPECT_TRUE(RowTexts(Record(), 0).empty());
+}
+
+/// The DELTA column is 62 pixels wide, so a cell is 61: k sixths lie at 10, 30 and 50.
+class DeltaColumn : public StatePainter {
+protected:
+    static constexpr int cellLeft = sampleColumn + 2;
+    static constexpr int firstX = cellLeft + 10;
+    static constexpr int middleX = cellLeft + 30;
+    static constexpr int lastX = cellLeft + 50;
+
+    void Prepare(int marker1, int marker2) {
+        Load(-4, 20, "\"State Signals\"\n" + TimeRows(false));
+        AddDecoded("DELTA", 62);
+        document->SetMarker(1, marker1);
+        document->SetMarker(2, marker2);
+    }
+    static int MarkTop(int row) { return stateFirstRow + row * stateRowPitch + 7 - 3; }
+    static bool HasFill(const Recording& device, const QRect& rect) {
+        return std::any_of(device.fills.begin(), device.fills.end(), [&](const auto& fill) {
+            return fill.rect == rect && fill.color == QColor(Qt::black);
+        });
+    }
+};
+
+TEST_F(DeltaColumn, TriggerIsADoubleBarOnAStem) {
+    Prepare(-1, -1);
+    const auto device = Record();
+    EXPECT_TRUE(HasFill(device, {middleX - 3, MarkTop(4) - 1, 7, 2}));
+    EXPECT_TRUE(HasFill(device, {middleX, MarkTop(4), 1, 6}));
+    EXPECT_TRUE(device.polygons.empty());
+}
+
+TEST_F(DeltaColumn, Marker1IsASquareAndMarker2ATriangle) {
+    Prepare(6, 9);
+    const auto device = Record();
+    EXPECT_TRUE(HasFill(device, {middleX - 3, MarkTop(6), 6, 6}));
+    ASSERT_EQ(device.polygons.size(), 1U);
+    const int top = MarkTop(9);
+    EXPECT_EQ(device.polygons[0].points,
+              QPolygon({{middleX, top}, {middleX - 3, top + 6}, {middleX + 3, top + 6}}));
+    EXPECT_EQ(device.polygons[0].color, QColor(Qt::black));
+}
+
+TEST_F(DeltaColumn, MarksOnOneSampleStandBesideOneAnother) {
+    Prepare(4, 4); // the trigger, too
+    auto device = Record();
+    EXPECT_TRUE(HasFill(device, {middleX - 3, MarkTop(4) - 1, 7, 2}));
+    EXPECT_TRUE(HasFill(device, {firstX - 3, MarkTop(4), 6, 6}));
+    ASSERT_EQ(device.polygons.size(), 1U);
+    EXPECT_EQ(device.polygons[0].points[0].x(), lastX);
+
+    Prepare(6, 6);
+    device = Record();
+    EXPECT_TRUE(HasFill(device, {middleX - 3, MarkTop(6), 6, 6}));
+    ASSERT_EQ(device.polygons.size(), 1U);
+    EXPECT_EQ(device.polygons[0].points[0].x(), firstX);
+
+    Prepare(-1, 4);
+    device = Record();
+    ASSERT_EQ(device.polygons.size(), 1U);
+    EXPECT_EQ(device.polygons[0].points[0].x(), firstX);
+}
+
+TEST_F(DeltaColumn, SpanBetweenTheMarkersIsALineWithItsTimeInTheMiddle) {
+    Prepare(10, 6); // in either order
+    const auto device = Record();
+    const auto line = [&](int row) {
+        return HasFill(device, {middleX, stateFirstRow + row * stateRowPitch, 1, stateRowPitch});
+    };
+    EXPECT_FALSE(line(5));
+    EXPECT_TRUE(line(7));
+    EXPECT_FALSE(line(8));
+    EXPECT_TRUE(line(9));
+    EXPECT_FALSE(line(11));
+    EXPECT_EQ(RowTexts(device, 8).at(1).text, "120ns");
+    EXPECT_EQ(RowTexts(device, 7).size(), 1U);
+}
+
+TEST_F(DeltaColumn, OneMarkerHasNoSpan) {
+    Prepare(10, -1);
+    const auto device = Record();
+    for (int row = 0; row < 12; ++row) {
+        EXPECT_EQ(RowTexts(device, row).size(), 1U) << row;
+    }
 }
 
 TEST_F(StatePainter, ColumnWidthsFitTitleAndDigits) {
