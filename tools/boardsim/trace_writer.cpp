@@ -32,7 +32,7 @@ constexpr Bus timeBus = {"TIME", 18, 110};
 /// How a group of bits is shown: under a name of its own when it is decoded.
 struct Row {
     Bus bus;
-    std::string_view decoded = ""; // decoded definition, whose name the row then bears
+    std::string_view decoded = {}; // decoded definition, whose name the row then bears
     unsigned color = 0;
     bool hiddenTime = false; // the field from which times between samples are summed
 };

@@ -73,6 +73,11 @@ struct LinkRequest {
     [[nodiscard]] std::uintptr_t Length() const noexcept { return words[1]; }
     [[nodiscard]] std::uintptr_t Data() const noexcept { return words[2]; }
     [[nodiscard]] std::uintptr_t Extra() const noexcept { return words[3]; }
+    /// The buffer or record that `data` names.
+    template <typename T>
+    [[nodiscard]] T* DataAs() const noexcept {
+        return reinterpret_cast<T*>(words[2]); // NOLINT(performance-no-int-to-ptr)
+    }
     /// The bytes that go out, made when the request is prepared.
     std::vector<std::uint8_t> payload;
 };
@@ -84,6 +89,11 @@ struct LinkWords {
     const void* data = nullptr;
     std::uintptr_t extra = 0;
 };
+
+/// A number as the `data` word, for the command that reads it so.
+[[nodiscard]] inline const void* NumberAsData(std::uintptr_t number) noexcept {
+    return reinterpret_cast<const void*>(number); // NOLINT(performance-no-int-to-ptr)
+}
 
 /// The one connection to the board. Everything speaks to the board by a LinkRequest.
 ///

@@ -63,7 +63,7 @@ void CAnalyzerLink::Machine::ShutDown() {
 
 // A request without a record is the link's own and means the configuration of this moment.
 std::vector<std::uint8_t> CAnalyzerLink::Machine::EncodeBusBlock(const LinkRequest& request) const {
-    const auto* given = reinterpret_cast<const BusConfig*>(request.Data());
+    const auto* given = request.DataAs<const BusConfig>();
     const auto block = EncodeBusConfig(given == nullptr ? board_.Bus() : *given);
     return {block.begin(), block.end()};
 }

@@ -43,8 +43,8 @@ std::uint8_t ThirdTraceCode(std::uint32_t value) noexcept {
     return value >= 1 && value <= 8 ? LowByte(value - 1) : 0;
 }
 
-Bytes CopyOf(std::uintptr_t data, std::size_t count) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(data);
+Bytes CopyOfData(const LinkRequest& request, std::size_t count) {
+    const auto* bytes = request.DataAs<const std::uint8_t>();
     return bytes == nullptr ? Bytes(count) : Bytes(bytes, bytes + count);
 }
 
@@ -57,9 +57,9 @@ Bytes MakePayload(const LinkRequest& request, const CommandRow& row,
     case PayloadKind::Caller:
         return {};
     case PayloadKind::CopyLength:
-        return CopyOf(request.Data(), length);
+        return CopyOfData(request, length);
     case PayloadKind::Copy:
-        return CopyOf(request.Data(), row.bytes);
+        return CopyOfData(request, row.bytes);
     case PayloadKind::BaudCode:
         return {BaudCode(static_cast<std::int32_t>(address))};
     case PayloadKind::LowByte:

@@ -228,7 +228,7 @@ void RequestQueue::StartHead() {
         SendFrame(head, FrameFunction, state->function);
         break;
     case StateSends::CallersData:
-        if (const auto* data = reinterpret_cast<const std::uint8_t*>(head.Data())) {
+        if (const auto* data = head.DataAs<const std::uint8_t>()) {
             SendPayload(head, {data, length});
         }
         break;
@@ -384,7 +384,7 @@ bool RequestQueue::ReplyIsGood(LinkRequest& head, const StateRow& state) {
     if (state.reply == StateReply::Acknowledgement) {
         return true;
     }
-    auto* data = reinterpret_cast<std::uint8_t*>(head.Data());
+    auto* data = head.DataAs<std::uint8_t>();
     const std::int32_t count = head.replyLength - static_cast<std::int32_t>(framing);
     for (std::int32_t i = 0; i < count; ++i) {
         const std::uint8_t byte = ring_.Take();

@@ -15,11 +15,6 @@ std::uint8_t Branch(std::int32_t level, bool trigger) {
     return static_cast<std::uint8_t>((level & gotoMask) | (trigger ? triggerBit : 0));
 }
 
-template <class Record>
-const Record& RecordOf(const LinkRequest& request) {
-    return *reinterpret_cast<const Record*>(request.words[2]);
-}
-
 } // namespace
 
 std::vector<std::uint8_t> BuildEventRows(const CSignalList& list, int columns) {
@@ -58,13 +53,14 @@ std::vector<std::uint8_t> BuildTraceControl(const TraceSetup& setup) {
 
 void RegisterSetupEncoders(CAnalyzerLink& link) {
     link.RegisterEncoder(CmdTraceEvents, [](const LinkRequest& request) {
-        return BuildEventRows(RecordOf<CSignalList>(request), static_cast<int>(request.words[3]));
+        return BuildEventRows(*request.DataAs<const CSignalList>(),
+                              static_cast<int>(request.words[3]));
     });
     link.RegisterEncoder(CmdTraceControl, [](const LinkRequest& request) {
-        return BuildTraceControl(RecordOf<TraceSetup>(request));
+        return BuildTraceControl(*request.DataAs<const TraceSetup>());
     });
     link.RegisterEncoder(CmdSearchSample, [](const LinkRequest& request) {
-        return BuildEventRows(RecordOf<CSignalList>(request), 1);
+        return BuildEventRows(*request.DataAs<const CSignalList>(), 1);
     });
 }
 

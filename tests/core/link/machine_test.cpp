@@ -175,7 +175,7 @@ TEST_F(MachineTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
     SetModel("PCIWren");
     board.baud = 9600;
     line->SetAnswer([this](const Bytes& sent, int baud) {
-        const Bytes answer = board.Answer(sent, baud);
+        Bytes answer = board.Answer(sent, baud);
         if (sent == Bytes{2, 29}) {
             board.baud = 19200; // after the acknowledgement at the old rate
         }

@@ -24,10 +24,6 @@ LinkRequest Prepared(std::int32_t command, const LinkWords& words,
     return request;
 }
 
-const void* AsData(std::uintptr_t value) {
-    return reinterpret_cast<const void*>(value);
-}
-
 TEST(BaudCodeTest, KnowsSixRatesAndGivesZeroForOthers) {
     EXPECT_EQ(BaudCode(9600), 0);
     EXPECT_EQ(BaudCode(19200), 1);
@@ -68,7 +64,7 @@ TEST(Payloads, SecondTraceParameterHasItsOwnScale) {
 TEST(Payloads, ThirdTraceParameterCountsFromOneToEight) {
     const std::array<std::uint8_t, 11> codes{0, 0, 1, 2, 3, 4, 5, 6, 7, 0, 0};
     for (std::uintptr_t value = 0; value < codes.size(); ++value) {
-        EXPECT_EQ(Prepared(CmdTraceParams, {.data = AsData(value)}).payload,
+        EXPECT_EQ(Prepared(CmdTraceParams, {.data = NumberAsData(value)}).payload,
                   (Bytes{0, 0, codes[value]}))
             << value;
     }
@@ -76,7 +72,7 @@ TEST(Payloads, ThirdTraceParameterCountsFromOneToEight) {
 
 TEST(Payloads, NegativeTraceParametersAreCodeZero) {
     const auto minusOne = static_cast<std::uintptr_t>(-1);
-    EXPECT_EQ(Prepared(CmdTraceParams, {minusOne, minusOne, AsData(minusOne)}).payload,
+    EXPECT_EQ(Prepared(CmdTraceParams, {minusOne, minusOne, NumberAsData(minusOne)}).payload,
               (Bytes{0, 0, 0}));
 }
 
@@ -185,7 +181,7 @@ TEST(Payloads, AnEncoderSeesTheWordsOfTheCaller) {
     LinkWords seen;
     const PayloadEncoders encoders{{CmdPerformanceSetup, [&](const LinkRequest& request) {
                                         seen.address = request.Address();
-                                        seen.data = reinterpret_cast<const void*>(request.Data());
+                                        seen.data = request.DataAs<const void>();
                                         return Bytes{};
                                     }}};
     const LinkRequest request =

@@ -54,8 +54,8 @@ protected:
 };
 
 TEST_F(RequestQueueTest, TraceParametersGoOutInSixFramesAndThreeBytes) {
-    EXPECT_TRUE(link->Exchange(
-        CmdTraceParams, {.address = 4, .length = 1, .data = reinterpret_cast<const void*>(2)}));
+    EXPECT_TRUE(
+        link->Exchange(CmdTraceParams, {.address = 4, .length = 1, .data = NumberAsData(2)}));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0xA4}, Bytes{6, 1}, Bytes{8, 0}, Bytes{10, 3},
                                              Bytes{12, 0}, Bytes{2, 2}, Bytes{3, 3, 1}));
 }
@@ -76,7 +76,7 @@ TEST_F(RequestQueueTest, AReadOfTheStatusBlockExpectsTwentyBytes) {
 }
 
 TEST_F(RequestQueueTest, AReadOfSamplesExpectsEighteenBytesForEach) {
-    Bytes samples(32 * 18);
+    Bytes samples(std::size_t{32} * 18);
     const LinkRequest done =
         Run(CmdReadSamplesBefore, {.address = 64, .length = 32, .data = samples.data()});
     EXPECT_EQ(done.replyLength, 578);
@@ -85,7 +85,7 @@ TEST_F(RequestQueueTest, AReadOfSamplesExpectsEighteenBytesForEach) {
 }
 
 TEST_F(RequestQueueTest, TheLargestReplyIs4610Bytes) {
-    Bytes samples(256 * 18);
+    Bytes samples(std::size_t{256} * 18);
     const LinkRequest done = Run(CmdReadSamplesAfter, {.length = 256, .data = samples.data()});
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.replyLength, 4610);

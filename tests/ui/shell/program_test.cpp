@@ -33,6 +33,27 @@ TEST(WithoutAPort, NoMessageAppearsAndTheModelIsBare) {
     test.TestBody();
 }
 
+TEST(KeepAlive, BeginsOnTheSixthTickOnUsb) {
+    class OnUsb : public ProgramFixture {
+    public:
+        void TestBody() override {
+            settings.WriteProfileString("Setup", "ComPort", "USB");
+            Start(clock, [](const std::string&) { return nullptr; });
+            usb.ForgetCalls();
+            QTest::qWait(5500);
+            EXPECT_EQ(Frames(), 0);
+            QTest::qWait(2000);
+            EXPECT_EQ(Frames(), 2);
+        }
+        /// Frames (4, 0) that went out.
+        std::ptrdiff_t Frames() {
+            const auto calls = usb.Calls();
+            return std::count(calls.begin(), calls.end(), "write 2: 4 0");
+        }
+    } test;
+    test.TestBody();
+}
+
 TEST_F(InDemoMode, StatusBarSaysSo) {
     EXPECT_EQ(Frame().PaneText(1), "Demo Mode");
     EXPECT_EQ(Frame().PaneText(2), "PCI");
