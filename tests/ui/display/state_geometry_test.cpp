@@ -13,11 +13,62 @@ TEST(VisibleRows, WholeRowsBelowTheHeader) {
     }
 }
 
+TEST(VisibleColumns, StandSideBySideRightOfTheSampleColumn) {
+    const int widths[] = {40, 50, 60};
+    const std::vector<StateColumn> expected = {{0, 57, 40}, {1, 97, 50}, {2, 147, 60}};
+    EXPECT_EQ(VisibleColumns(widths, 56, 0, 800), expected);
+    EXPECT_EQ(TotalWidth(widths), 150);
+}
+
+TEST(VisibleColumns, ThoseWithoutWidthTakeNoRoom) {
+    const int widths[] = {0, 40, -3, 0, 50, 0};
+    const std::vector<StateColumn> expected = {{1, 57, 40}, {4, 97, 50}};
+    EXPECT_EQ(VisibleColumns(widths, 56, 0, 800), expected);
+    EXPECT_EQ(TotalWidth(widths), 90);
+}
+
+TEST(VisibleColumns, ScrolledColumnsGoAtTheirLastPixel) {
+    const int widths[] = {40, 50};
+    const std::vector<StateColumn> both = {{0, 57 - 39, 40}, {1, 97 - 39, 50}};
+    const std::vector<StateColumn> second = {{1, 57, 50}};
+    EXPECT_EQ(VisibleColumns(widths, 56, 39, 800), both);
+    EXPECT_EQ(VisibleColumns(widths, 56, 40, 800), second);
+    EXPECT_TRUE(VisibleColumns(widths, 56, 90, 800).empty());
+}
+
+TEST(VisibleColumns, EndAtTheRightEdge) {
+    const int widths[] = {40, 50};
+    EXPECT_EQ(VisibleColumns(widths, 56, 0, 98).size(), 2U);
+    EXPECT_EQ(VisibleColumns(widths, 56, 0, 97).size(), 1U);
+    EXPECT_TRUE(VisibleColumns(widths, 56, 0, 57).empty());
+    EXPECT_TRUE(VisibleColumns({}, 56, 0, 800).empty());
+}
+
+TEST(VisibleColumns, HugeWidthsDoNotOverflow) {
+    const int most = 2'147'483'647;
+    const int widths[] = {most, most, most};
+    EXPECT_EQ(TotalWidth(widths), most);
+    EXPECT_EQ(VisibleColumns(widths, 56, most, 800).size(), 1U);
+}
+
+TEST(VerticalBar, EveryPositionStandsForARow) {
+    EXPECT_EQ(VerticalMaximum(380000), 0);
+    EXPECT_EQ(VerticalMaximum(10000), 0);
+    EXPECT_EQ(VerticalMaximum(5000), 5000);
+    EXPECT_EQ(VerticalMaximum(1), 9999);
+    EXPECT_EQ(VerticalMaximum(0), 9999);
+    for (const std::int64_t rows : {1LL, 2LL, 39LL, 1'000'000LL, 30'000'000'000LL}) {
+        EXPECT_LT(RowOfPosition(VerticalMaximum(VerticalPage(38, rows)), rows), rows);
+    }
+}
+
 TEST(VerticalBar, PageIsTheVisibleShareOfTenThousand) {
     EXPECT_EQ(VerticalPage(38, 0), 0);
     EXPECT_EQ(VerticalPage(38, 38), 10000);
     EXPECT_EQ(VerticalPage(38, 1'000'000), 0);
     EXPECT_EQ(VerticalPage(50, 100), 5000);
+    EXPECT_EQ(VerticalPage(38, 1), 380000);
+    EXPECT_EQ(VerticalPage(300'000, 30'000'000'000), 0);
 }
 
 TEST(VerticalBar, PositionsHoldForAnyCapture) {
@@ -46,6 +97,10 @@ TEST(TopRowFor, StopsWhereTheLastRowIsAtTheBottom) {
     EXPECT_EQ(TopRowFor(90, 10, 100), 90);
     EXPECT_EQ(TopRowFor(3, 10, 5), 0);
     EXPECT_EQ(TopRowFor(0, 10, 0), 0);
+    EXPECT_EQ(TopRowFor(0, 10, 1), 0);
+    EXPECT_EQ(TopRowFor(0, 0, 1), 0);
+    EXPECT_EQ(TopRowFor(-1, 10, 100), 0);
+    EXPECT_EQ(TopRowFor(29'999'999'999, 38, 30'000'000'000), 29'999'999'962);
 }
 
 TEST(StepTopRow, StopsAtBothEnds) {

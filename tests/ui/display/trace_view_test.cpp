@@ -3,7 +3,10 @@
 #include "ui/display/trace_frame.h"
 #include "ui/display/trace_view.h"
 
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QStyle>
+#include <QStyleOptionSlider>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 #include <QtTest/qtestspontaneevent.h>
@@ -21,6 +24,68 @@ protected:
                           Qt::NoScrollPhase, false);
         QSpontaneKeyEvent::setSpontaneous(&event);
         qApp->notify(view.findChild<CStateWnd*>(), &event);
+    }
+    /// Where the thumb of a bar is.
+    static QRect Thumb(QScrollBar& bar) {
+        QStyleOptionSlider option;
+        option.initFrom(&bar);
+        option.orientation = bar.orientation();
+        option.minimum = bar.minimum();
+        option.maximum = bar.maximum();
+        option.sliderPosition = bar.sliderPosition();
+        option.sliderValue = bar.value();
+        option.pageStep = bar.pageStep();
+        option.upsideDown = false;
+        return bar.style()->subControlRect(QStyle::CC_ScrollBar, &option,
+                                           QStyle::SC_ScrollBarSlider, &bar);
+    }
+    /// Takes the thumb with the mouse and moves it by some pixels.
+    static void Drag(QScrollBar& bar, QPoint way, bool release = true) {
+        const QPoint from = Thumb(bar).center();
+        QTest::mousePress(&bar, Qt::LeftButton, {}, from);
+        for (const QPoint to : {from + way / 2, from + way}) {
+            QMouseEvent move(QEvent::MouseMove, to, bar.mapToGlobal(to), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&bar, &move);
+        }
+        if (release) {
+            QTest::mouseRelease(&bar, Qt::LeftButton, {}, from + way);
+        }
+    }
+    /// Leaves the document with the rows of the samples that are to be kept, as a filter does,
+    /// while the view looks away.
+    void Filter(CTraceView& view, const std::function<bool(std::uint32_t)>& keep) {
+        document->RemoveView(&view);
+        const auto count = static_cast<std::uint32_t>(document->SampleCount(false));
+        document->excludedBits.assign(WordsFor(count), 0);
+        for (std::uint32_t sample = 0; sample < count; ++sample) {
+            if (!keep(sample)) {
+                document->excludedBits[sample / 32] |= 1U << (sample % 32);
+            }
+        }
+        document->RebuildMapsFromFile();
+        document->AddView(&view);
+        document->UpdateAllViews(nullptr, HintFilterChanged);
+    }
+    /// Whether the listing looks different after something was done.
+    static bool Repaints(CTraceView& view, const std::function<void()>& act) {
+        auto& window = *view.findChild<CStateWnd*>();
+        const QImage before = window.grab().toImage();
+        act();
+        return window.grab().toImage() != before;
+    }
+    /// Whether a listing is drawn at the news of a block.
+    bool DrawsBlock(CTraceView& view, CSignalList& list, std::uint32_t first, bool zoom) {
+        list[0].selected = !list[0].selected; // would be seen
+        const bool drawn = Repaints(view, [&] {
+            CBlockUpdate block;
+            block.first = first;
+            block.count = 32;
+            block.zoom = zoom;
+            document->UpdateAllViews(nullptr, HintBlockArrived, &block);
+        });
+        list[0].selected = drawn == list[0].selected; // as the listing has it
+        return drawn;
     }
 };
 
@@ -229,6 +294,266 @@ TEST_F(TraceView, LayoutPutsTheBarsAtTheEdges) {
     EXPECT_EQ(horizontal.geometry().left(), 0);
     EXPECT_EQ(horizontal.width(), 640);
     EXPECT_EQ(horizontal.geometry().bottom(), 479);
+}
+
+TEST_F(TraceView, TurningAFineWheelBackStartsANewNotch) {
+    Load(-500, 499);
+    auto view = MakeView();
+    view->ScrollToSample(100);
+    Wheel(*view, -100);
+    Wheel(*view, 60);
+    EXPECT_EQ(view->TopSample(), 100);
+    Wheel(*view, 60);
+    EXPECT_EQ(view->TopSample(), 99);
+}
+
+TEST_F(TraceView, WheelOverABarScrollsTheListing) {
+    Load(-500, 499);
+    auto view = MakeView();
+    view->ScrollToSample(100);
+    QScrollBar& bar = Bar(*view, Qt::Horizontal);
+    const QPointF at(bar.rect().center());
+    QWheelEvent event(at, bar.mapToGlobal(at), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&bar, &event);
+    EXPECT_EQ(view->TopSample(), 101);
+}
+
+TEST_F(TraceView, MouseOnTheThumbScrollsAndLeavesTheThumbAtTheRow) {
+    Load(0, 99);
+    auto view = MakeView();
+    view->ScrollToSample(0);
+    QScrollBar& bar = Bar(*view, Qt::Vertical);
+    Drag(bar, {0, 46}, false);
+    const std::int64_t top = view->TopSample();
+    EXPECT_GT(top, 0);
+    EXPECT_LT(top, 100 - Rows(*view));
+    EXPECT_EQ(top, bar.sliderPosition() * 100 / 10000);
+    EXPECT_NE(bar.sliderPosition(), top * 100); // between two rows, while it is held
+    QTest::mouseRelease(&bar, Qt::LeftButton, {}, bar.rect().center());
+    EXPECT_EQ(bar.sliderPosition(), top * 100);
+    Drag(bar, {0, 2000});
+    EXPECT_EQ(view->TopSample(), 100 - Rows(*view));
+    Drag(bar, {0, -2000});
+    EXPECT_EQ(view->TopSample(), 0);
+}
+
+TEST_F(TraceView, MouseOnTheHorizontalThumbMovesTheColumns) {
+    Load(0, 99);
+    auto view = MakeView(true, false, {500, 400});
+    auto& window = *view->findChild<CStateWnd*>();
+    Drag(Bar(*view, Qt::Horizontal), {40, 0});
+    EXPECT_GT(window.Offset(), 0);
+    Drag(Bar(*view, Qt::Horizontal), {2000, 0});
+    EXPECT_EQ(window.Offset(),
+              window.ColumnsWidth() - (window.width() - window.SampleColumnWidth() - 1));
+    view->resize(4000, 400); // all columns fit
+    QApplication::processEvents();
+    EXPECT_EQ(window.Offset(), 0);
+}
+
+TEST_F(TraceView, GoesToEachPlaceThatThereIs) {
+    Load(-500, 499);
+    auto view = MakeView();
+    auto other = MakeView(false);
+    EXPECT_TRUE(view->CanGoTo(GoToTarget::Trigger));
+    EXPECT_FALSE(view->CanGoTo(GoToTarget::Marker1));
+    EXPECT_FALSE(view->CanGoTo(GoToTarget::Marker2));
+    document->SetMarker(1, 300);
+    document->SetMarker(2, 700);
+    const std::pair<GoToTarget, std::int64_t> centres[] = {
+        {GoToTarget::Trigger, 500}, {GoToTarget::Marker1, 300}, {GoToTarget::Marker2, 700}};
+    for (const auto& [target, sample] : centres) {
+        EXPECT_TRUE(view->CanGoTo(target));
+        view->GoTo(target);
+        EXPECT_EQ(view->CenterSample(), sample);
+        EXPECT_EQ(other->CenterSample(), sample);
+    }
+    view->GoTo(GoToTarget::Start);
+    EXPECT_EQ(view->TopSample(), 0);
+    view->GoTo(GoToTarget::End);
+    EXPECT_EQ(other->TopSample(), 1000 - Rows(*view));
+    document->SetMarker(1, -1);
+    view->GoTo(GoToTarget::Marker1);
+    EXPECT_EQ(view->TopSample(), 1000 - Rows(*view));
+}
+
+TEST_F(TraceView, NowhereToGoInADocumentWithoutSamples) {
+    document = std::make_unique<CTesselDoc>(context, prompts);
+    ASSERT_TRUE(document->OnNewDocument());
+    auto view = MakeView();
+    for (const auto target : {GoToTarget::Marker1, GoToTarget::Start, GoToTarget::End}) {
+        EXPECT_FALSE(view->CanGoTo(target));
+        view->GoTo(target);
+        EXPECT_EQ(view->TopSample(), 0);
+    }
+}
+
+TEST_F(TraceView, GoToInPowerZoomLeavesTheOthersAlone) {
+    Load(-500, 499);
+    auto main = MakeView();
+    auto zoom = MakeView(false, true);
+    const auto before = main->TopSample();
+    zoom->GoTo(GoToTarget::Start);
+    EXPECT_EQ(zoom->TopSample(), 0);
+    EXPECT_EQ(main->TopSample(), before);
+    document->SetZoomMarker(1, 400);
+    EXPECT_EQ(zoom->CenterSample(), 400);
+    EXPECT_EQ(main->TopSample(), before);
+}
+
+TEST_F(TraceView, ViewsOfDifferentSizesScrollToTheSameTop) {
+    Load(-500, 499);
+    auto low = MakeView(true, false, {600, 200});
+    auto high = MakeView(true, false, {600, 900});
+    low->ScrollToSample(600);
+    QTest::keyClick(low.get(), Qt::Key_PageDown);
+    EXPECT_EQ(high->TopSample(), low->TopSample());
+    for (int i = 0; i < 50; ++i) {
+        QTest::keyClick(low.get(), Qt::Key_PageDown);
+    }
+    EXPECT_EQ(low->TopSample(), 1000 - Rows(*low));
+    EXPECT_EQ(high->TopSample(), 1000 - Rows(*high)); // as far as its end allows
+}
+
+TEST_F(TraceView, EachKindListsItsOwnSignals) {
+    Load(-500, 499);
+    document->zoomList.CopyFrom(document->stateList);
+    auto state = MakeView();
+    auto wave = MakeView(false);
+    auto zoom = MakeView(false, true);
+    const auto widthOf = [](const CSignalList& list) {
+        int total = 0;
+        for (const auto& signal : list.All()) {
+            total += signal->VisibleWidth();
+        }
+        return total;
+    };
+    document->waveformList[0].width += 7;
+    document->zoomList[0].width += 13;
+    EXPECT_EQ(state->findChild<CStateWnd*>()->ColumnsWidth(), widthOf(document->stateList));
+    EXPECT_EQ(wave->findChild<CStateWnd*>()->ColumnsWidth(), widthOf(document->waveformList));
+    EXPECT_EQ(zoom->findChild<CStateWnd*>()->ColumnsWidth(), widthOf(document->zoomList));
+}
+
+TEST_F(TraceView, FilterKeepsThePlaceAndMovesTheBar) {
+    Load(0, 9999);
+    auto view = MakeView();
+    view->ScrollToSample(5000);
+    Filter(*view, [](std::uint32_t sample) { return sample % 10 == 0; });
+    EXPECT_EQ(view->TopSample(), 5000);
+    EXPECT_EQ(Bar(*view, Qt::Vertical).value(), 5000);
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    EXPECT_EQ(view->TopSample(), 5010);
+    Filter(*view, [](std::uint32_t sample) { return sample < 5; });
+    EXPECT_EQ(view->TopSample(), 0);
+    EXPECT_EQ(Bar(*view, Qt::Vertical).value(), 0);
+    EXPECT_TRUE(Bar(*view, Qt::Vertical).isEnabled());
+}
+
+TEST_F(TraceView, FilterThatMatchesNothingListsNothing) {
+    Load(0, 999);
+    auto view = MakeView();
+    view->ScrollToSample(500);
+    Filter(*view, [](std::uint32_t) { return false; });
+    EXPECT_EQ(view->TopSample(), 0);
+    EXPECT_EQ(view->CenterSample(), 0);
+    for (const auto key : {Qt::Key_Down, Qt::Key_PageDown, Qt::Key_Up, Qt::Key_PageUp}) {
+        QTest::keyClick(view.get(), key);
+        EXPECT_EQ(view->TopSample(), 0);
+    }
+    EXPECT_EQ(Bar(*view, Qt::Vertical).value(), 0);
+}
+
+TEST_F(TraceView, OnlyABlockThatShowsIsDrawn) {
+    Load(0, 999);
+    auto view = MakeView();
+    CSignalList& list = document->stateList;
+    view->ScrollToSample(320);
+    EXPECT_FALSE(DrawsBlock(*view, list, 288, false));
+    EXPECT_TRUE(DrawsBlock(*view, list, 320, false));
+    EXPECT_FALSE(DrawsBlock(*view, list, 320, true));
+    const std::uint32_t below = 320 + static_cast<std::uint32_t>(Rows(*view)) + 2;
+    EXPECT_FALSE(DrawsBlock(*view, list, below, false));
+    view->ScrollToSample(319);
+    EXPECT_TRUE(DrawsBlock(*view, list, 288, false));
+}
+
+TEST_F(TraceView, APowerZoomBlockIsDrawnInItsOwnView) {
+    Load(0, 999);
+    document->zoomList.CopyFrom(document->stateList);
+    auto view = MakeView(false, true);
+    view->ScrollToSample(100);
+    EXPECT_FALSE(DrawsBlock(*view, document->zoomList, 96, false));
+    EXPECT_TRUE(DrawsBlock(*view, document->zoomList, 96, true));
+}
+
+TEST_F(TraceView, NewColoursAreTakenAtTheNextPaint) {
+    Load(0, 999);
+    auto view = MakeView();
+    EXPECT_TRUE(Repaints(
+        *view, [&] { settings.WriteProfileInt("Display", "StateBackgroundColor", 0xFFFFFF); }));
+    EXPECT_FALSE(Repaints(*view, [] {}));
+}
+
+TEST_F(TraceView, IsBlankBeforeItsDocumentIsShown) {
+    Load(0, 99);
+    CTraceView view(nullptr, true, false, settings);
+    view.AttachDocument(document.get());
+    view.resize(600, 400);
+    const QImage image = view.findChild<CStateWnd*>()->grab().toImage();
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            ASSERT_EQ(image.pixel(x, y) & 0xFFFFFF, 0xC0C0C0U) << x << "," << y;
+        }
+    }
+}
+
+TEST_F(TraceView, CentresTheTriggerInAChildFrame) {
+    Load(-500, 499);
+    QMdiArea area;
+    area.resize(1000, 800);
+    area.show();
+    auto* frame = new QMdiSubWindow;
+    auto* view = new CTraceView(frame, true, false, settings);
+    view->AttachDocument(document.get());
+    frame->setWidget(view);
+    area.addSubWindow(frame);
+    frame->resize(850, 420);
+    frame->show();
+    view->OnInitialUpdate();
+    QApplication::processEvents();
+    EXPECT_EQ(view->CenterSample(), 500);
+    const std::int64_t top = view->TopSample();
+    frame->resize(850, 700);
+    QApplication::processEvents();
+    EXPECT_EQ(view->TopSample(), top); // a new size leaves the top where it is
+}
+
+TEST_F(TraceView, CentresTheTriggerBeforeItIsShown) {
+    Load(-500, 499);
+    CTraceView view(nullptr, true, false, settings);
+    view.AttachDocument(document.get());
+    view.resize(800, 600);
+    view.OnInitialUpdate();
+    view.show();
+    QApplication::processEvents();
+    EXPECT_EQ(view.CenterSample(), 500);
+}
+
+TEST_F(TraceView, ShowsItsGroundBesideTheHeader) {
+    Load(0, 99);
+    auto view = MakeView(true, false, {640, 480});
+    EXPECT_EQ(view->grab().toImage().pixel(636, 5) & 0xFFFFFF, 0xA0A0A0U);
+}
+
+TEST_F(TraceView, TitlesFromAFileMakeNoColumnOfAnyWidth) {
+    Load(0, 99);
+    document->stateList[0].groupName.assign(1 << 20, 'W');
+    document->stateList[0].name.assign(1 << 20, 'W');
+    auto view = MakeView();
+    EXPECT_LE(document->stateList[0].width, 1020);
+    EXPECT_GE(document->stateList[0].width, 1000);
 }
 
 } // namespace
