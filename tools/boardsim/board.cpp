@@ -221,7 +221,7 @@ Board::Bytes Board::DataReply(const Bytes& data) {
     reply.push_back(faults.wrongClose ? wrongByte : acknowledge);
     const std::size_t missing =
         std::min<std::size_t>(static_cast<std::size_t>(faults.shortReply), reply.size());
-    reply.resize(reply.size() - missing);
+    reply.erase(reply.end() - static_cast<std::ptrdiff_t>(missing), reply.end());
     faults.wrongClose = false;
     faults.shortReply = 0;
     log("board " + Hex(reply));

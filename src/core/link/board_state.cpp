@@ -65,10 +65,7 @@ void BoardState::SetLive(const LiveStatus& live) {
 
 void BoardState::ClearLive() {
     const LeafLock lock(statusLock_);
-    live_ = {.liveStatus = 0,
-             .samplesBefore = 0,
-             .samplesAfter = 0,
-             .eventOccurrences = live_.eventOccurrences};
+    live_ = {};
 }
 
 } // namespace busquill

@@ -218,7 +218,7 @@ TEST_F(MachineTest, SetBaudRateWithoutAPortDoesNothing) {
 }
 
 // 4000 bytes take 4584 ms at 9600 baud and 764 ms at 57600: limits of 7 and 3 seconds.
-TEST_F(MachineTest, TheTimeOfABytesStaysThatOfTheNegotiatedRate) {
+TEST_F(MachineTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
     OpenLink();
     link->SetBaudRate(57600);
     line->ForgetLog();
