@@ -61,10 +61,52 @@ std::string AccumulatedTime(const StateFrame& frame, std::int64_t sample) {
     return sample < trigger && !time.empty() ? "-" + time : time;
 }
 
+/// Times since the trigger for one row after another. Each goes on from the row before, so that a
+/// frame walks from the trigger to its place once and not once a row.
+class AccumulatedTimes {
+public:
+    explicit AccumulatedTimes(const StateFrame& frame)
+        : frame_(frame), trigger_(frame.document.Marker(0, frame.zoom)), at_(trigger_) {
+        for (const auto& signal : frame.list.All()) {
+            if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
+                time_ = signal.get();
+                break;
+            }
+        }
+    }
+
+    std::string At(std::int64_t sample) {
+        if (trigger_ == -1 || time_ == nullptr || time_->groupData.empty()) {
+            return {};
+        }
+        for (; at_ < sample; ++at_) {
+            sum_ += TimeOf(at_ + 1);
+        }
+        for (; at_ > sample; --at_) {
+            sum_ -= TimeOf(at_);
+        }
+        const bool before = sample < trigger_;
+        const std::string text = FormatTime(before ? -sum_ : sum_, frame_.zoom);
+        return before ? "-" + text : text;
+    }
+
+private:
+    [[nodiscard]] std::int64_t TimeOf(std::int64_t sample) const {
+        const auto row = time_->GroupRow(static_cast<std::size_t>(sample));
+        return row.empty() ? 0 : TimeField(row, time_->groupWidth);
+    }
+
+    const StateFrame& frame_;
+    const CSignal* time_ = nullptr;
+    const std::int64_t trigger_;
+    std::int64_t at_; // `sum_` is the time from the trigger to here
+    std::int64_t sum_ = 0;
+};
+
 class Drawing {
 public:
     Drawing(QPainter& painter, const StateFrame& frame)
-        : painter_(painter), frame_(frame),
+        : painter_(painter), frame_(frame), accumulated_(frame),
           columns_(VisibleColumns(ColumnWidths(frame.list), frame.sampleColumn, frame.offset,
                                   frame.size.width())) {}
 
@@ -172,8 +214,10 @@ private:
                   std::int64_t previous) {
         painter_.setPen(ColorOf(signal.color));
         const bool left = IsLeftAligned(signal);
-        DrawCellText(painter_, cell.adjusted(2, 0, -2, 0),
-                     ToQt(CellText(frame_, signal, sample, previous)),
+        const bool isAccum = signal.decoded && signal.decoded->decodeKind == DecodeKind::Accum;
+        const std::string text =
+            isAccum ? accumulated_.At(sample) : CellText(frame_, signal, sample, previous);
+        DrawCellText(painter_, cell.adjusted(2, 0, -2, 0), ToQt(text),
                      left ? CellAlign::Left : CellAlign::Center, left);
         if (signal.decoded && signal.decoded->decodeKind == DecodeKind::Delta) {
             DrawDelta(cell, row, sample);
@@ -228,6 +272,7 @@ private:
 
     QPainter& painter_;
     const StateFrame& frame_;
+    AccumulatedTimes accumulated_;
     const std::vector<StateColumn> columns_;
     std::optional<std::int64_t> firstMissing_;
 };
