@@ -226,6 +226,30 @@ TEST_F(StatePainter, AccumulatedTimeCountsFromTheTrigger) {
     EXPECT_EQ(Text("ACCUM", 7), "");
 }
 
+TEST_F(StatePainter, RowsShowTheAccumulatedTimesOfTheirSamples) {
+    const std::string list = "\"State Signals\"\n" + TimeRows(false);
+    for (const bool filtered : {false, true}) {
+        Load(-40, 60, list, [&](int number) { return !filtered || number % 3 == 0; });
+        AddDecoded("ACCUM", 100);
+        for (const auto& signal : document->stateList.All()) {
+            if (signal->IsGroupStart() && signal->permanent) {
+                for (std::size_t i = 0; i < signal->groupData.size(); i += signal->RowBytes()) {
+                    signal->groupData[i] = static_cast<std::uint8_t>(i * 4); // no two alike
+                }
+            }
+        }
+        for (const std::int64_t top : {0, 5, 10, 20}) {
+            topRow = top;
+            const auto device = Record();
+            for (int row = 0; row < 12; ++row) {
+                const std::int64_t sample = document->RowToSample(top + row, false);
+                EXPECT_EQ(RowTexts(device, row).at(1).text.toStdString(), Text("ACCUM", sample))
+                    << filtered << " " << sample;
+            }
+        }
+    }
+}
+
 TEST_F(StatePainter, TimesAreEmptyWithoutATimeColumnOfItsOwn) {
     Load(-4, 20, "\"Waveform Signals\"\n" + TimeRows(false) + "\"State Signals\"\n" + OneLine());
     AddDecoded("ACCUM", 80);
