@@ -18,14 +18,33 @@ public:
     }
     void TestBody() override {}
 
+    /// Puts a column with the time since the trigger before all others.
+    void ShowAccumulatedTime() {
+        CSignalList& list = document->stateList;
+        const auto count = static_cast<std::uint32_t>(document->SampleCount(false));
+        const auto add = [&](const std::shared_ptr<const CSignalDef>& def) {
+            CSignal* added = list.AddSignal(&list[0], def, count, 0, 17, 0, Radix::Hex, true);
+            list.LoadSignal(added, 0, document->GetStore().GetData(false));
+            return added;
+        };
+        const CSignal* accum = add(board.tables.decodedSignals.FindByName("ACCUM"));
+        list[list.IndexOf(accum)].width = 80;
+        // The field that the times are summed from.
+        add(board.tables.busSignals.FindByName("TIME"))->permanent = true;
+        document->SetMarker(0, 0);
+    }
+
     std::unique_ptr<CTraceView> view;
     CStateWnd* window = nullptr;
 };
 
+/// Made once for all their benchmarks, gone before the application.
+std::map<int, std::unique_ptr<Listing>> listings;
+std::unique_ptr<Listing> accumulating;
+
 /// A frame at a place of the capture, given in hundredths of its length.
 void Frame(benchmark::State& state) {
     const auto samples = static_cast<int>(state.range(0));
-    static std::map<int, std::unique_ptr<Listing>> listings;
     auto& listing = listings[samples];
     if (!listing) {
         listing = std::make_unique<Listing>(samples);
@@ -40,6 +59,25 @@ BENCHMARK(Frame)
     ->ArgsProduct({{10'000, 1'000'000}, {0, 50, 100}})
     ->Unit(benchmark::kMicrosecond);
 
+/// The same with a column of times since the trigger, which is at the start: the sums are walked
+/// from there to each row.
+void FrameWithAccumulatedTime(benchmark::State& state) {
+    if (!accumulating) {
+        accumulating = std::make_unique<Listing>(1'000'000);
+        accumulating->ShowAccumulatedTime();
+    }
+    accumulating->view->ScrollToSample(state.range(0) * 10'000);
+    for (auto _ : state) {
+        accumulating->window->Render(false);
+    }
+}
+BENCHMARK(FrameWithAccumulatedTime)
+    ->ArgName("place")
+    ->Arg(0)
+    ->Arg(50)
+    ->Arg(100)
+    ->Unit(benchmark::kMicrosecond);
+
 } // namespace
 } // namespace busquill::test
 
@@ -51,5 +89,7 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest();
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
+    busquill::test::listings.clear();
+    busquill::test::accumulating.reset();
     return 0;
 }
