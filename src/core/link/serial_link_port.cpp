@@ -55,8 +55,12 @@ void SerialLinkPort::SetReadTimeout() {
 }
 
 int SerialLinkPort::NegotiateBaud() {
-    SetReadTimeout();
     const auto port = Port();
+    // What an earlier connection has left unread must not pass for an answer to the probe.
+    std::array<std::uint8_t, 64> stale{};
+    while (port->Read(stale) == stale.size()) {
+    }
+    SetReadTimeout();
     for (const int rate : probedRates) {
         port->Configure(rate);
         for (std::size_t probe = 0; probe < probesPerRate; ++probe) {

@@ -328,6 +328,14 @@ TEST_F(MachineTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
     EXPECT_EQ(waiting.get().result, LinkOk);
 }
 
+TEST_F(MachineTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
+    settings.WriteProfileInt(setup, "BaudRate", 9600);
+    line->Arrive({'*'});
+    static_cast<void>(link->Open());
+    EXPECT_TRUE(link->Exchange(CmdStartSearch));
+    EXPECT_THAT(board.functions, ElementsAre(13));
+}
+
 TEST_F(MachineTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
     OpenLink();
     HeldCompletion held;
