@@ -8,7 +8,11 @@ namespace boardsim {
 namespace {
 
 constexpr std::size_t nameLength = 8;
-constexpr std::int64_t zoomTrigger = 255;
+
+/// The models of the two smaller tiers have no Power Zoom memory.
+bool HasZoom(const std::string& model) {
+    return model.find("Wren") == std::string::npos && model.find("Lark") == std::string::npos;
+}
 
 std::string Hex(const std::vector<std::uint8_t>& bytes) {
     std::string text;
@@ -88,9 +92,10 @@ std::string_view FunctionName(std::uint8_t function) {
 }
 
 Board::Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
-             std::vector<Record> zoom)
-    : samples_(std::move(samples)), trigger_(static_cast<std::int64_t>(trigger)),
-      zoom_(std::move(zoom)), baud_(baud) {
+             std::vector<Record> zoom, std::unique_ptr<Traffic> traffic)
+    : sequencer_(std::move(samples), trigger, std::move(zoom)), traffic_(std::move(traffic)),
+      bufferSamples_(std::size_t{identity.bufferK} * 1024), hasZoom_(HasZoom(identity.model)),
+      baud_(baud) {
     for (std::size_t i = 0; i < nameLength; ++i) {
         memory_[i] = i < identity.model.size() ? static_cast<std::uint8_t>(identity.model[i]) : ' ';
     }
@@ -158,13 +163,19 @@ Board::Bytes Board::Run(std::uint8_t function) {
         return DataReply(Bytes(target_.begin() + (address_ & 0xFF),
                                target_.begin() + (address_ & 0xFF) + length_ % 0xFF00));
     case fnSamplesBefore:
-        return DataReply(ReadRecords(samples_, trigger_ - address_));
+        return DataReply(ReadRecords(&Sequencer::At, -std::int64_t{address_}));
     case fnSamplesAfter:
-        return DataReply(ReadRecords(samples_, trigger_ + address_));
+        return DataReply(ReadRecords(&Sequencer::At, address_));
     case fnZoomBefore:
-        return DataReply(ReadRecords(zoom_, zoomTrigger - address_));
+        return DataReply(ReadRecords(&Sequencer::ZoomAt, -std::int64_t{address_}));
     case fnZoomAfter:
-        return DataReply(ReadRecords(zoom_, zoomTrigger + address_));
+        return DataReply(ReadRecords(&Sequencer::ZoomAt, address_));
+    case fnStartTrace:
+        StartTrace();
+        return Acknowledge();
+    case fnStopTrace:
+        sequencer_.Stop();
+        return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
     case fnFirmwareRecord:
@@ -228,7 +239,24 @@ Board::Bytes Board::DataReply(const Bytes& data) {
     return reply;
 }
 
-Board::Bytes Board::ReadMemory() const {
+void Board::StartTrace() {
+    if (bufferSamples_ == 0) {
+        return;
+    }
+    const std::span<const std::uint8_t> memory(memory_);
+    sequencer_.Start(memory.subspan(regEvents, 240), memory.subspan(regControl, 160),
+                     memory.subspan(regParams, 3), bufferSamples_, hasZoom_);
+}
+
+void Board::SampleBus(std::size_t count) {
+    for (std::size_t i = 0; i < count && traffic_ != nullptr && sequencer_.WantsSamples(); ++i) {
+        sequencer_.Feed(traffic_->Next());
+    }
+}
+
+Board::Bytes Board::ReadMemory() {
+    const auto live = sequencer_.LiveStatus();
+    std::copy(live.begin(), live.end(), memory_.begin() + regLive);
     Bytes bytes;
     for (std::uint32_t i = 0; i < length_; ++i) {
         bytes.push_back(memory_[(address_ + i) % memorySize]);
@@ -236,11 +264,11 @@ Board::Bytes Board::ReadMemory() const {
     return bytes;
 }
 
-Board::Bytes Board::ReadRecords(const std::vector<Record>& from, std::int64_t first) const {
+Board::Bytes Board::ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
+                                std::int64_t first) const {
     Bytes bytes;
     for (std::int64_t i = first; i < first + length_; ++i) {
-        const bool held = i >= 0 && i < static_cast<std::int64_t>(from.size());
-        const Record record = held ? from[static_cast<std::size_t>(i)] : Record{};
+        const Record record = (sequencer_.*at)(i);
         bytes.insert(bytes.end(), record.begin(), record.end());
     }
     return bytes;

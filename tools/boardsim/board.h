@@ -1,8 +1,11 @@
 #pragma once
 
+#include "sequencer.h"
+#include "traffic.h"
 #include "wire.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,8 +37,9 @@ struct Faults {
 /// The board's side of the wire, a byte at a time, with no line behind it.
 class Board {
 public:
+    /// A board whose memory holds samples; the traffic is what a run sees.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
-          std::vector<Record> zoom);
+          std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr);
 
     /// Takes one byte from the host and returns what the board answers.
     [[nodiscard]] std::vector<std::uint8_t> Receive(std::uint8_t byte);
@@ -43,6 +47,9 @@ public:
     /// The rate at which the board listens. Changes after the reply to the command that asks.
     [[nodiscard]] int Baud() const noexcept { return baud_; }
     [[nodiscard]] std::uint8_t Memory(std::uint32_t address) const { return memory_[address]; }
+    /// Whether a run is active that wants samples of the bus, and so many of them.
+    [[nodiscard]] bool Sampling() const noexcept { return sequencer_.WantsSamples(); }
+    void SampleBus(std::size_t count);
     /// As if the first byte of a frame had come.
     void StandInFrame() { opcode_ = opLength0; }
 
@@ -58,15 +65,18 @@ private:
     Bytes TakePayload();
     Bytes Acknowledge();
     Bytes DataReply(const Bytes& data);
-    [[nodiscard]] Bytes ReadMemory() const;
-    [[nodiscard]] Bytes ReadRecords(const std::vector<Record>& from, std::int64_t first) const;
+    void StartTrace();
+    [[nodiscard]] Bytes ReadMemory();
+    [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
+                                    std::int64_t first) const;
     std::string Describe(std::uint8_t opcode, std::uint8_t parameter) const;
 
     std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
     std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
-    std::vector<Record> samples_;
-    std::int64_t trigger_;
-    std::vector<Record> zoom_;
+    Sequencer sequencer_;
+    std::unique_ptr<Traffic> traffic_;
+    std::size_t bufferSamples_;
+    bool hasZoom_;
     int baud_;
     std::uint32_t address_ = 0;
     std::uint32_t length_ = 0;

@@ -23,7 +23,8 @@ namespace {
 constexpr auto usage =
     "usage: boardsim [--model NAME] [--suffix N] [--buffer K] [--serial N] [--firmware TENTHS]\n"
     "                [--hardware TENTHS] [--bus-byte N] [--mhz N] [--baud N] [--family NAME]\n"
-    "                [--seed N] [--samples N] [--link PATH] [--log FILE] [--fault \"WORDS\"]\n"
+    "                [--seed N] [--samples N] [--rate N] [--link PATH] [--log FILE]\n"
+    "                [--fault \"WORDS\"]\n"
     "       boardsim record --family NAME [--seed N] [--samples N] [--trigger N] [--zoom]\n"
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
@@ -112,7 +113,8 @@ int RecordFile(const Options& options) {
 /// A board on a pseudo terminal, until it is told to stop.
 class Bench {
 public:
-    Bench(const Options& options, Board& board) : board_(board) {
+    Bench(const Options& options, Board& board)
+        : board_(board), rate_(options.Number("--rate", 0)) {
         const std::string log = options.Text("--log", "");
         if (!log.empty()) {
             log_.open(log, std::ios::binary);
@@ -149,7 +151,13 @@ public:
 private:
     void Serve() {
         pollfd wanted[] = {{line_.Handle(), POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}};
-        if (::poll(wanted, 2, 200) <= 0) {
+        const bool sampling = board_.Sampling();
+        const int ready = ::poll(wanted, 2, !sampling ? 200 : rate_ > 0 ? 2 : 0);
+        if (sampling) {
+            SampleBus();
+        }
+        sampledUpTo_ = std::chrono::steady_clock::now();
+        if (ready <= 0) {
             return;
         }
         if ((wanted[1].revents & (POLLIN | POLLHUP)) != 0) {
@@ -162,6 +170,21 @@ private:
                 Take(bytes[i]);
             }
         }
+    }
+
+    /// The samples of the time that has passed, or a handful where no rate is asked for.
+    void SampleBus() {
+        constexpr std::size_t handful = 4096;
+        if (rate_ <= 0) {
+            board_.SampleBus(handful);
+            return;
+        }
+        const std::chrono::duration<double> passed =
+            std::chrono::steady_clock::now() - sampledUpTo_;
+        owedSamples_ += passed.count() * static_cast<double>(rate_);
+        const auto due = static_cast<std::size_t>(owedSamples_);
+        owedSamples_ -= static_cast<double>(due);
+        board_.SampleBus(due);
     }
 
     void Take(std::uint8_t byte) {
@@ -231,6 +254,9 @@ private:
     }
 
     Board& board_;
+    long rate_; // samples of the bus each second; 0: as many as can be made
+    double owedSamples_ = 0;
+    std::chrono::steady_clock::time_point sampledUpTo_ = std::chrono::steady_clock::now();
     PseudoTerminal line_;
     std::ofstream log_;
     std::string typed_;
@@ -270,12 +296,12 @@ int Simulate(const Options& options) {
         std::cerr << usage;
         return 2;
     }
-    auto records = MakeRecords(*family, static_cast<std::uint32_t>(options.Number("--seed", 1)),
-                               static_cast<std::size_t>(count));
+    const auto seed = static_cast<std::uint32_t>(options.Number("--seed", 1));
+    auto records = MakeRecords(*family, seed, static_cast<std::size_t>(count));
     const auto trigger = static_cast<std::size_t>(count / 2);
     auto zoom = MakeZoom(records, trigger);
     Board board(identity, static_cast<int>(options.Number("--baud", 57600)), std::move(records),
-                trigger, std::move(zoom));
+                trigger, std::move(zoom), MakeTraffic(*family, seed));
     return Bench(options, board).Run(options.Text("--link", ""));
 }
 

@@ -6,18 +6,23 @@ namespace boardsim {
 
 namespace {
 
-constexpr unsigned timeUnits[] = {1, 1000, 1000000};
-
-/// A time in the field's own form: a count of at most 16 bits above a unit code.
-std::uint64_t TimeField(unsigned nanoseconds) {
-    unsigned code = 0;
-    while (nanoseconds / timeUnits[code] > 0x7FFF && code < 2) {
-        ++code;
-    }
-    return std::uint64_t{nanoseconds / timeUnits[code]} << 2 | code;
-}
+/// Of the unit codes.
+constexpr std::uint64_t timeUnits[] = {1, 1000, 1000000, 1000000000};
+constexpr std::uint64_t largestCount = 0x7FFF;
 
 } // namespace
+
+std::uint64_t TimeField(std::uint64_t time) {
+    unsigned code = 0;
+    while (time / timeUnits[code] > largestCount && code < 3) {
+        ++code;
+    }
+    return std::min(time / timeUnits[code], largestCount) << 2 | code;
+}
+
+std::uint64_t TimeOfField(std::uint64_t field) {
+    return (field >> 2) * timeUnits[field & 3];
+}
 
 std::optional<Family> FamilyOf(std::string_view name) {
     constexpr std::pair<std::string_view, Family> names[] = {
@@ -43,7 +48,7 @@ Record Traffic::Next() {
 }
 
 void Traffic::Put(Record record, unsigned nanoseconds, unsigned rule) {
-    SetField(record, bitTime, 18, TimeField(nanoseconds));
+    SetField(record, bitTime, timeBits, TimeField(nanoseconds));
     SetField(record, bitRule, 8, rule);
     waiting_.push_back(record);
 }
@@ -76,20 +81,21 @@ std::vector<Record> MakeRecords(Family family, std::uint32_t seed, std::size_t c
     return records;
 }
 
-std::vector<Record> MakeZoom(const std::vector<Record>& records, std::size_t trigger) {
-    constexpr int before = 255;
-    constexpr int count = 511;
-    constexpr int finer = 8;
-    constexpr unsigned picoseconds = 3750;
+std::vector<Record> MakeZoom(const std::vector<Record>& records, std::size_t trigger,
+                             unsigned picoseconds) {
+    constexpr std::int64_t before = 255;
+    constexpr std::int64_t count = 511;
+    constexpr std::int64_t clockPeriod = 30000; // of the bus, in picoseconds
     std::vector<Record> zoom;
-    for (int i = -before; i < count - before; ++i) {
-        const std::int64_t offset = i >= 0 ? i / finer : (i - finer + 1) / finer;
+    for (std::int64_t i = -before; i < count - before; ++i) {
+        const std::int64_t time = i * picoseconds;
+        const std::int64_t offset = (time - (time < 0 ? clockPeriod - 1 : 0)) / clockPeriod;
         const std::int64_t wanted = static_cast<std::int64_t>(trigger) + offset;
         const std::int64_t last = static_cast<std::int64_t>(records.size()) - 1;
         Record record =
             records[static_cast<std::size_t>(std::clamp<std::int64_t>(wanted, 0, last))];
-        SetBit(record, bitClock, (i + before + 1) % finer < finer / 2);
-        SetField(record, bitTime, 18, TimeField(picoseconds));
+        SetBit(record, bitClock, time - offset * clockPeriod < clockPeriod / 2);
+        SetField(record, bitTime, timeBits, TimeField(picoseconds));
         SetField(record, bitRule, 8, 0);
         zoom.push_back(record);
     }

@@ -18,7 +18,8 @@ enum class Family { Pci32, Pci64, PciX, Vme, Vsb, Lark, ConnectorP2, ConnectorP0
 
 /// Bits that every family has at the same place.
 constexpr int bitClock = 109;
-constexpr int bitTime = 110; // 18 bits: unit code below, count above
+constexpr int bitTime = 110; // unit code below, count above
+constexpr int timeBits = 18;
 constexpr int bitRule = 128; // 8 bits: code of a finding
 
 /// Bus cycles without end, one sample a clock or strobe. The same seed gives the same traffic.
@@ -48,8 +49,14 @@ private:
 /// The first `count` samples of a family's traffic.
 [[nodiscard]] std::vector<Record> MakeRecords(Family family, std::uint32_t seed, std::size_t count);
 
-/// A second look at the samples around `trigger`, 8 times as fine: 255 before it and 256 from it.
-[[nodiscard]] std::vector<Record> MakeZoom(const std::vector<Record>& records, std::size_t trigger);
+/// A second look at the samples around `trigger`, at intervals of so many picoseconds: 255 before
+/// it and 256 from it.
+[[nodiscard]] std::vector<Record> MakeZoom(const std::vector<Record>& records, std::size_t trigger,
+                                           unsigned picoseconds = 3750);
+
+/// A time in the form of its field, and back.
+[[nodiscard]] std::uint64_t TimeField(std::uint64_t time);
+[[nodiscard]] std::uint64_t TimeOfField(std::uint64_t field);
 
 std::unique_ptr<Traffic> MakePciTraffic(std::uint32_t seed, bool wide, bool pciX);
 std::unique_ptr<Traffic> MakeVmeTraffic(std::uint32_t seed, bool lark);
