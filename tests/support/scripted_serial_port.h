@@ -62,6 +62,12 @@ public:
         const std::lock_guard lock(mutex_);
         unplugged_ = true;
     }
+    /// Runs something while nothing is written or read.
+    template <typename Action>
+    void Do(Action action) {
+        const std::lock_guard lock(mutex_);
+        action();
+    }
     /// Bytes that come unasked.
     void Arrive(const Bytes& bytes) {
         const std::lock_guard lock(mutex_);

@@ -19,6 +19,7 @@ public:
         bool writes = true;
         /// What a read gives in place of the board's data.
         std::optional<UsbDevice::Transfer> read = std::nullopt;
+        std::size_t failingRead = 0; // reads of so many bytes fail
     };
 
     void Set(Script script) {
@@ -104,6 +105,9 @@ public:
                               std::to_string(into.size()));
         if (bus_.script_.read) {
             return *bus_.script_.read;
+        }
+        if (into.size() == bus_.script_.failingRead) {
+            return {false, 31, 0};
         }
         const std::size_t count = std::min(into.size(), bus_.data_.size());
         std::copy_n(bus_.data_.begin(), count, into.begin());

@@ -2,6 +2,7 @@
 
 #include "support/scripted_serial_port.h"
 
+#include <functional>
 #include <map>
 
 namespace busquill::test {
@@ -16,10 +17,22 @@ public:
         bool operator==(const Write&) const = default;
     };
 
+    /// One read of samples: the function, the distance from the trigger, the number of samples.
+    struct SampleRead {
+        int function = 0;
+        std::uint32_t distance = 0;
+        std::uint32_t length = 0;
+        bool operator==(const SampleRead&) const = default;
+    };
+
     /// Bytes that a read of memory, target or samples at an address gives; others read as 0.
     std::map<std::uint32_t, Bytes> contents;
     std::vector<Write> writes;
     std::vector<int> functions;
+    std::vector<SampleRead> sampleReads;
+    /// Called with each read of samples, before it is answered; what it returns is the answer.
+    /// Without it the read takes `contents`.
+    std::function<Bytes(const SampleRead&)> onSampleRead;
     int baud = 0; // the rate at which it answers; 0: at any
 
     Bytes Answer(const Bytes& sent, int lineBaud) {
@@ -80,14 +93,15 @@ private:
         if (function == 2 || function == 10 || function == 30) {
             payloadLength_ = length_;
         } else if (function == 1 || function == 9) {
-            AppendData(length_, answer);
+            AppendData(contents[address_], length_, answer);
         } else if (function == 3 || function == 5 || function == 35 || function == 36) {
-            AppendData(length_ * std::size_t{18}, answer);
+            sampleReads.push_back({function, address_, length_});
+            AppendData(onSampleRead ? onSampleRead(sampleReads.back()) : contents[address_],
+                       length_ * std::size_t{18}, answer);
         }
     }
 
-    void AppendData(std::size_t count, Bytes& answer) {
-        Bytes data = contents[address_];
+    void AppendData(Bytes data, std::size_t count, Bytes& answer) {
         data.resize(count);
         answer.push_back('*');
         answer.insert(answer.end(), data.begin(), data.end());

@@ -4,7 +4,6 @@
 #include "platform/working_directory.h"
 
 #include <algorithm>
-#include <atomic>
 #include <numeric>
 
 namespace busquill {
@@ -26,7 +25,12 @@ CTesselDoc::CTesselDoc(NewTraceContext& context, Prompts& prompts)
     SetTitle("Trace");
 }
 
-CTesselDoc::~CTesselDoc() = default;
+// Any trace that goes ends the upload, the one of a file too.
+CTesselDoc::~CTesselDoc() {
+    if (context_.realTimeStore != nullptr) {
+        context_.realTimeStore->CancelUpload();
+    }
+}
 
 bool CTesselDoc::OnNewDocument() {
     if (context_.cloneSource != nullptr) {
@@ -38,7 +42,8 @@ bool CTesselDoc::OnNewDocument() {
     } else {
         BuildDefaultLists();
     }
-    RebuildMaps();
+    RebuildMaps(0, 0);
+    markers_.fill(-1);
     return true;
 }
 
@@ -70,11 +75,39 @@ CSampleStore& CTesselDoc::GetStore() noexcept {
     return isRealTime_ && context_.realTimeStore != nullptr ? *context_.realTimeStore : store;
 }
 
-const SampleRecord* CTesselDoc::GetSample(std::int64_t index, bool zoom) {
-    const auto data = GetStore().GetData(zoom);
-    return index >= 0 && static_cast<std::size_t>(index) < data.size()
-               ? &data[static_cast<std::size_t>(index)]
-               : nullptr;
+const CSampleStore& CTesselDoc::GetStore() const noexcept {
+    return const_cast<CTesselDoc*>(this)->GetStore();
+}
+
+std::optional<SampleRecord> CTesselDoc::GetSample(std::int64_t index, bool zoom) const {
+    if (index < 0 || index >= maxSamples) {
+        return std::nullopt;
+    }
+    const auto i = static_cast<std::uint32_t>(index);
+    return zoom ? GetStore().GetZoomSample(i) : GetStore().GetSample(i);
+}
+
+void CTesselDoc::OnCaptureStarted() {
+    captureActive_ = true;
+    GetStore().SetObserver(nullptr);
+    RebuildMaps(0, 0);
+    SetModifiedFlag();
+    markers_.fill(-1);
+    UpdateAllViews(nullptr, HintCaptureStarted);
+    hasData_ = true;
+}
+
+void CTesselDoc::OnCaptureStopped() {
+    RebuildMaps(GetStore().SamplesBefore(), GetStore().SamplesAfter());
+    UpdateAllViews(nullptr, HintCaptureStopped);
+    GetStore().SetObserver(this);
+    captureActive_ = false;
+}
+
+void CTesselDoc::SetSetupName(const std::string& path, const std::string& name) {
+    setupPath = path;
+    setupName = name;
+    UpdateAllViews(nullptr, HintSetupNameChanged);
 }
 
 std::int64_t CTesselDoc::RowCount(bool zoom) const noexcept {
@@ -121,10 +154,7 @@ bool CTesselDoc::IsValidSample(std::int64_t sample, bool zoom) const noexcept {
     if (sample < 0 || sample >= sampleCount_) {
         return false;
     }
-    const auto i = static_cast<std::size_t>(sample);
-    // A set bit promises the sample's data, which another thread may have written.
-    auto& word = const_cast<std::uint32_t&>(validBits_[i / 32]);
-    return (std::atomic_ref(word).load(std::memory_order_acquire) >> (i % 32) & 1) != 0;
+    return BitOf(validBits_, sample);
 }
 
 std::int64_t CTesselDoc::Marker(int which, bool zoom) const noexcept {
@@ -159,23 +189,27 @@ void CTesselDoc::SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, st
 }
 
 void CTesselDoc::AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) {
-    const auto count = static_cast<std::uint32_t>(records.size());
-    if (zoom) {
-        zoomList.LoadSamples(first, records);
-    } else {
-        stateList.LoadSamples(first, records);
-        waveformList.LoadSamples(first, records);
-        for (std::size_t i = first; i < std::size_t{first} + count && i / 32 < validBits_.size();
-             ++i) {
-            std::atomic_ref(validBits_[i / 32]).fetch_or(1U << (i % 32), std::memory_order_release);
-        }
-    }
     CBlockUpdate update;
     update.first = first;
-    update.count = count;
+    update.count = static_cast<std::uint32_t>(records.size());
     update.zoom = zoom;
+    update.records.assign(records.begin(), records.end());
     const MutexLock lock(docLock_);
-    pendingUpdates_.push_back(update);
+    pendingUpdates_.push_back(std::move(update));
+}
+
+void CTesselDoc::Unpack(const CBlockUpdate& update) {
+    if (update.zoom) {
+        zoomList.LoadSamples(update.first, update.records);
+        return;
+    }
+    stateList.LoadSamples(update.first, update.records);
+    waveformList.LoadSamples(update.first, update.records);
+    const std::size_t end = std::min<std::size_t>(std::size_t{update.first} + update.count,
+                                                  static_cast<std::size_t>(sampleCount_));
+    for (std::size_t i = update.first; i < end; ++i) {
+        validBits_[i / 32] |= 1U << (i % 32);
+    }
 }
 
 void CTesselDoc::FlushBlockUpdates() {
@@ -185,6 +219,7 @@ void CTesselDoc::FlushBlockUpdates() {
         updates.swap(pendingUpdates_);
     }
     for (const CBlockUpdate& update : updates) {
+        Unpack(update);
         UpdateAllViews(nullptr, HintBlockArrived, &update);
     }
 }
@@ -200,19 +235,22 @@ void CTesselDoc::AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool
     std::iota(rowTable_.begin(), rowTable_.end(), 0U);
 }
 
-void CTesselDoc::PlaceTrigger(const CSampleStore& from) {
-    const std::int64_t before = from.SamplesBefore();
-    markers_[0] = from.SamplesAfter() > 0 ? before : std::max<std::int64_t>(before - 1, 0);
+void CTesselDoc::PlaceTrigger(std::int64_t before, std::int64_t after) {
+    markers_[0] = after > 0 ? before : std::max<std::int64_t>(before - 1, 0);
     zoomMarkers_[0] = zoomTrigger;
 }
 
-void CTesselDoc::RebuildMaps() {
-    AllocateMaps(0, 0, false);
-    stateList.ResizeSamples(0);
-    waveformList.ResizeSamples(0);
+void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
+    {
+        const MutexLock lock(docLock_);
+        pendingUpdates_.clear(); // of the samples that were there before
+    }
+    const std::int64_t total = before <= 0 && after <= 0 ? 0 : std::int64_t{before} + after + 1;
+    AllocateMaps(total, -std::int64_t{before}, false);
+    stateList.ResizeSamples(static_cast<std::uint32_t>(total));
+    waveformList.ResizeSamples(static_cast<std::uint32_t>(total));
     zoomList.ResizeSamples(zoomSampleCount);
-    markers_ = {-1, -1, -1};
-    zoomMarkers_[0] = zoomTrigger;
+    PlaceTrigger(before, after);
 }
 
 void CTesselDoc::RebuildMapsFromFile() {
@@ -225,7 +263,7 @@ void CTesselDoc::RebuildMapsFromFile() {
             matchBits_[i] &= ~excludedBits[i];
         }
     }
-    PlaceTrigger(store);
+    PlaceTrigger(store.SamplesBefore(), store.SamplesAfter());
     UpdateAllViews(nullptr, HintDataComplete);
 }
 

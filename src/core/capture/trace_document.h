@@ -38,6 +38,7 @@ struct CBlockUpdate final : HintObject {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
     bool zoom = false;
+    std::vector<SampleRecord> records; // until they are unpacked
 };
 
 /// With HintGoToSample.
@@ -62,7 +63,7 @@ struct NewTraceContext {
 
 /// A captured trace: its samples, the signal lists through which they are seen, the setup that
 /// made them, markers, and the maps from rows to samples.
-class CTesselDoc : public CDocument {
+class CTesselDoc : public CDocument, public BlockObserver {
 public:
     /// `context` is the application's; the document takes its flags and, when there is a source
     /// to clone, lists and setup from it, and clears that.
@@ -75,9 +76,11 @@ public:
 
     [[nodiscard]] bool IsRealTime() const noexcept { return isRealTime_; }
     [[nodiscard]] bool LoadedFromFile() const noexcept { return loadedFromFile_; }
+    /// The board's samples for the real-time document, else the file's.
     [[nodiscard]] CSampleStore& GetStore() noexcept;
-    /// The record at an index, or null when there are no data or the index is past them.
-    [[nodiscard]] const SampleRecord* GetSample(std::int64_t index, bool zoom);
+    [[nodiscard]] const CSampleStore& GetStore() const noexcept;
+    /// The record at an index; nothing when there are no data or the index is past them.
+    [[nodiscard]] std::optional<SampleRecord> GetSample(std::int64_t index, bool zoom) const;
 
     CSignalList waveformList;
     CSignalList stateList;
@@ -89,6 +92,16 @@ public:
     std::string comment; // a file's description
     std::int32_t clockCode = 2;
     CSampleStore store; // of a file
+
+    /// A capture of the board into this document begins: it shows nothing until it has ended.
+    void OnCaptureStarted();
+    /// The capture has ended, and its counts are known; samples come from here on.
+    void OnCaptureStopped();
+    /// Between the two.
+    [[nodiscard]] bool CaptureActive() const noexcept { return captureActive_; }
+    /// Whether a capture has ever been started.
+    [[nodiscard]] bool HasData() const noexcept { return hasData_; }
+    void SetSetupName(const std::string& path, const std::string& name);
 
     /// Maps; with `zoom` those of the Power Zoom samples, which have no filter.
     [[nodiscard]] std::int64_t RowCount(bool zoom) const noexcept;
@@ -107,14 +120,13 @@ public:
     void SetMarker(int which, std::int64_t index);
     void SetZoomMarker(int which, std::int64_t index);
 
-    /// Unpacks a block of samples into the lists and notes it for the views.
-    void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom);
-    /// Main thread: tells the views of the blocks that have come.
+    /// Any thread: keeps a block of samples until FlushBlockUpdates.
+    void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;
+    /// Unpacks the blocks that have come into the lists and tells the views.
     void FlushBlockUpdates();
     void RebuildMapsFromFile();
-
-    /// Maps of a capture that has no samples yet.
-    void RebuildMaps();
+    /// Maps for so many samples on both sides of the trigger, none of which has come.
+    void RebuildMaps(std::int32_t before, std::int32_t after);
 
     /// One bit for each sample, set for those that a file never mentioned; the loader fills it,
     /// empty means none.
@@ -123,7 +135,8 @@ public:
 private:
     void BuildDefaultLists();
     void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
-    void PlaceTrigger(const CSampleStore& from);
+    void PlaceTrigger(std::int64_t before, std::int64_t after);
+    void Unpack(const CBlockUpdate& update);
     void SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
                      std::int64_t limit, int firstHint);
 
@@ -131,6 +144,8 @@ private:
     Prompts& prompts_;
     bool isRealTime_ = false;
     bool loadedFromFile_ = false;
+    bool captureActive_ = false;
+    bool hasData_ = false;
     std::vector<std::uint32_t> validBits_;
     std::vector<std::uint32_t> matchBits_;
     std::vector<std::uint32_t> rowTable_;

@@ -42,6 +42,10 @@ void CAnalyzerLink::Submit(LinkRequest* request) {
     machine_->Queue().Submit(request);
 }
 
+bool CAnalyzerLink::IsIdle() const {
+    return machine_->Queue().IsIdle();
+}
+
 void CAnalyzerLink::WaitIdle() {
     machine_->Queue().WaitIdle();
 }

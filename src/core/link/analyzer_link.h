@@ -128,6 +128,8 @@ public:
     void Submit(LinkRequest* request);
     /// Waits until the queue is empty, at most 5 seconds.
     void WaitIdle();
+    /// Whether no request waits or runs.
+    [[nodiscard]] bool IsIdle() const;
     /// The request idiom: submits one command and waits, without bound, until its completion has
     /// run. Whether the result was LinkOk. What to say about a failure is the caller's.
     [[nodiscard]] bool Exchange(std::int32_t command, const LinkWords& words = {});

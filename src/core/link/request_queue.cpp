@@ -146,6 +146,11 @@ void RequestQueue::WaitIdle() {
     });
 }
 
+bool RequestQueue::IsIdle() {
+    const MutexLock lock(queueLock_);
+    return requestQueue_.empty();
+}
+
 void RequestQueue::FinishAllAtOnce() {
     std::deque<LinkRequest*> waiting;
     {

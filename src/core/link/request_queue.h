@@ -47,6 +47,7 @@ public:
     /// Waits until nothing is queued and the last completion has returned, at most 5 seconds. On
     /// the link's thread, which is inside a completion itself, only until nothing is queued.
     void WaitIdle();
+    [[nodiscard]] bool IsIdle();
     /// Runs the completions that this thread owes to requests it submitted with no port, when it
     /// must wait for one inside another.
     void RunOwedCompletions();

@@ -329,8 +329,8 @@ std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_
     default:
         break;
     }
-    const SampleRecord* record = frame.document.GetSample(sample, frame.zoom);
-    return record == nullptr ? ""
+    const auto record = frame.document.GetSample(sample, frame.zoom);
+    return !record ? ""
                              : FormatDecodedValue(frame.board, signal, sample,
                                                   frame.document.FirstSampleNumber(frame.zoom),
                                                   *signal.decoded, label, *record, frame.zoom);

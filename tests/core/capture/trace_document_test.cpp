@@ -48,7 +48,7 @@ TEST_F(TraceDocument, NewOneIsEmptyAndHasItsLists) {
     EXPECT_EQ(document.stateList.mode, ModeState);
     EXPECT_EQ(document.waveformList.mode, ModeWaveform);
     EXPECT_EQ(document.RowCount(true), 511);
-    EXPECT_EQ(document.GetSample(0, false), nullptr);
+    EXPECT_EQ(document.GetSample(0, false), std::nullopt);
 }
 
 TEST_F(TraceDocument, CloneTakesListsAndSetupAndForgetsTheSource) {

@@ -64,7 +64,7 @@ TEST_F(TraceFile, ReadsSamplesByTheirNumbers) {
     EXPECT_EQ(RowNumbers(), (std::vector<std::int64_t>{-2, -1, 0, 1}));
     EXPECT_EQ(document->GetSample(2, false)->bytes[0], 12);
     EXPECT_EQ(document->Marker(0, false), 2);
-    EXPECT_EQ(document->GetSample(4, false), nullptr);
+    EXPECT_EQ(document->GetSample(4, false), std::nullopt);
     // The lowest bit of the bus, in the group's packed rows.
     for (const auto& signal : document->stateList.All()) {
         if (signal->groupName == "AD[63:0]") {
@@ -170,7 +170,7 @@ TEST_F(TraceFile, PowerZoomBlockFillsItsOwnList) {
     EXPECT_EQ(document->GetSample(0, true)->bytes[0], 1);
     EXPECT_EQ(document->GetSample(255, true)->bytes[0], 2);
     EXPECT_EQ(document->GetSample(510, true)->bytes[0], 4);
-    EXPECT_EQ(document->GetSample(511, true), nullptr);
+    EXPECT_EQ(document->GetSample(511, true), std::nullopt);
     EXPECT_EQ(document->zoomList[0].name, "CLK");
     EXPECT_EQ(document->FirstSampleNumber(true), -255);
     EXPECT_EQ(document->Marker(0, true), 255);

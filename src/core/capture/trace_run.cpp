@@ -1,0 +1,92 @@
+#include "capture/trace_run.h"
+
+#include "capture/trace_document.h"
+#include "link/analyzer_link.h"
+#include "platform/prompts.h"
+#include "tracesetup/setup_file.h"
+
+namespace busquill {
+
+namespace {
+
+// Of the live status.
+constexpr std::uint8_t levelMask = 0x07;
+constexpr std::uint8_t statusBufferFull = 0x10;
+constexpr std::uint8_t statusTriggered = 0x20;
+
+} // namespace
+
+int EventCount(const CAnalyzerLink& link) {
+    return link.Traits().IsVmeLark() ? 4 : 8;
+}
+
+void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
+    const LinkWords parameters{.address = static_cast<std::uintptr_t>(setup.clock),
+                               .length = static_cast<std::uintptr_t>(setup.triggerPosition),
+                               .data =
+                                   NumberAsData(static_cast<std::uintptr_t>(setup.powerZoomClock))};
+    if (!link.Exchange(CmdTraceParams, parameters)) {
+        prompts.TopmostMessage("Error sending trace parameter data to analyzer.");
+    }
+    const LinkWords events{.data = &setup.events,
+                           .extra = static_cast<std::uintptr_t>(EventCount(link))};
+    if (!link.Exchange(CmdTraceEvents, events)) {
+        prompts.TopmostMessage("Error sending trace event setup data to analyzer.");
+    }
+    if (!link.Exchange(CmdTraceControl, {.data = &setup})) {
+        prompts.TopmostMessage("Error sending trace control setup data to analyzer.");
+    }
+}
+
+void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
+              Prompts& prompts) {
+    if (setupPath.empty() || LoadSetupFile(document.setup, setupPath, prompts)) {
+        DownloadSetup(link, document.setup, prompts);
+    }
+    document.GetStore().StartCapture();
+    document.OnCaptureStarted();
+}
+
+void StopRun(CTesselDoc& document) {
+    if (document.IsRealTime() && document.CaptureActive()) {
+        document.GetStore().StopCapture();
+        document.OnCaptureStopped();
+    }
+}
+
+RunState FollowRun(CAnalyzerLink& link, CTesselDoc& document) {
+    RunState state;
+    const std::uint8_t status = link.GetLiveStatus(state.before, state.after);
+    state.occurrences = link.GetEventOccurrences();
+    state.level = status & levelMask;
+    state.triggered = (status & statusTriggered) != 0;
+    state.bufferFull = (status & statusBufferFull) != 0;
+    CSampleStore& store = document.GetStore();
+    if (store.IsRunning()) {
+        state.indicator = RunIndicator::Running;
+    } else {
+        state.indicator = store.IsUploading() ? RunIndicator::Uploading : RunIndicator::Idle;
+        if (document.CaptureActive()) {
+            document.OnCaptureStopped();
+        }
+    }
+    document.FlushBlockUpdates();
+    return state;
+}
+
+std::int64_t TriggerSampleOf(const TraceSetup& setup, std::int64_t total) noexcept {
+    switch (setup.triggerPosition) {
+    case 2:
+        return total / 4;
+    case 3:
+        return total / 2;
+    case 4:
+        return total * 3 / 4;
+    case 5:
+        return total - 1;
+    default:
+        return 0;
+    }
+}
+
+} // namespace busquill

@@ -1,0 +1,151 @@
+#include "capture/trace_writer.h"
+
+#include "capture/trace_document.h"
+#include "capture/trace_file.h"
+#include "document/csv_line.h"
+#include "platform/text.h"
+#include "tracesetup/setup_file.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace busquill {
+
+namespace {
+
+constexpr std::int64_t zoomFirst = -255;
+
+/// ",0" to ",255".
+class ByteTexts {
+public:
+    ByteTexts() {
+        for (std::size_t value = 0; value < texts_.size(); ++value) {
+            texts_[value] = "," + std::to_string(value);
+        }
+    }
+    [[nodiscard]] const std::string& operator[](std::uint8_t value) const { return texts_[value]; }
+
+private:
+    std::array<std::string, 256> texts_;
+};
+
+void AppendRow(std::string& text, std::int64_t number, const SampleRecord& record) {
+    static const ByteTexts texts;
+    std::array<char, 24> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(digits.data(), end);
+    for (const std::uint8_t byte : record.bytes) {
+        text += texts[byte];
+    }
+    text += '\n';
+}
+
+void WriteList(TextWriter& file, const CSignalList& list, const char* title, const char* end) {
+    if (!list.Empty()) {
+        file.Write(Printf("\n\"%s\"\n", title));
+        list.WriteSignals(file, false);
+        file.Write(Printf("\"%s\"\n", end));
+    }
+}
+
+} // namespace
+
+std::optional<std::string> CheckSaveRange(std::int64_t first, std::int64_t last,
+                                          std::int64_t before, std::int64_t after) {
+    const auto outside = [&](const char* which, std::int64_t value) {
+        return Printf("%s sample of %d must be between %d and %d.", which, static_cast<int>(value),
+                      static_cast<int>(-before), static_cast<int>(after));
+    };
+    if (first < -before || first > after) {
+        return outside("Start", first);
+    }
+    if (last < -before || last > after) {
+        return outside("End", last);
+    }
+    if (first > last) {
+        return "End sample must be >= start sample.";
+    }
+    return std::nullopt;
+}
+
+TraceFileWriter::TraceFileWriter(CTesselDoc& document)
+    : document_(document), store_(document.GetStore()), before_(store_.SamplesBefore()),
+      after_(store_.SamplesAfter()) {}
+
+bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::int64_t last) {
+    if (!file_.CreateBeside(path)) {
+        return false;
+    }
+    file_.Write(Printf("\"FileType\",\"%s\"\n\"Version\",\"%s\"\n", traceFileType, fileVersion));
+    file_.Write("\"Description\"," + CsvQuote(document_.comment) + "\n\n\"Trace Setup\"\n");
+    WriteSetupBody(document_.setup, file_);
+    WriteList(file_, document_.waveformList, "Waveform Signals", "End of Wave Signals");
+    WriteList(file_, document_.stateList, "State Signals", "End of State Signals");
+    WriteList(file_, document_.zoomList, "Power Zoom Signals", "End of Power Zoom Signals");
+    if (HasSamples()) {
+        file_.Write(
+            Printf("\n\"Trace Data\",%d,%d\n", static_cast<int>(first), static_cast<int>(last)));
+        next_ = first + before_;
+        end_ = last + before_;
+    }
+    return true;
+}
+
+TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
+    std::array<SampleRecord, 1024> records;
+    std::string text;
+    while (next_ <= end_) {
+        const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(
+            static_cast<std::int64_t>(std::min(rows, records.size())), end_ - next_ + 1));
+        if (wanted == 0) {
+            return Step::More;
+        }
+        const auto sample = static_cast<std::uint32_t>(next_);
+        const std::size_t come = store_.CopySamples(sample, std::span(records).first(wanted));
+        if (come == 0) {
+            // In this order, so that the last block of an upload is not taken for missing.
+            const bool mayCome = store_.IsUploading();
+            if (store_.HasSample(sample)) {
+                continue;
+            }
+            store_.SetPriorityIndex(sample);
+            return mayCome ? Step::Waiting : Step::Missing;
+        }
+        text.clear();
+        for (std::size_t i = 0; i < come; ++i, ++next_) {
+            if (document_.IsRowSample(next_, false)) {
+                AppendRow(text, next_ - before_, records[i]);
+            }
+        }
+        file_.Write(text);
+        rows -= come;
+    }
+    return Finish();
+}
+
+TraceFileWriter::Step TraceFileWriter::Finish() {
+    if (end_ >= 0) {
+        file_.Write("\"End of Trace Data\"\n");
+    }
+    if (store_.HasZoom()) {
+        std::string text = "\n\"Power Zoom Data\",255,256\n";
+        for (std::uint32_t slot = 0; slot < zoomSampleCount; ++slot) {
+            if (const auto record = store_.GetZoomSample(slot)) {
+                AppendRow(text, slot + zoomFirst, *record);
+            }
+        }
+        file_.Write(text + "\"End of Power Zoom Data\"\n");
+    }
+    return file_.Close() ? Step::Done : Step::Failed;
+}
+
+void TraceFileWriter::Abort() {
+    static_cast<void>(file_.Close()); // it was given up already
+}
+
+int TraceFileWriter::Progress() const noexcept {
+    return end_ <= 0 ? 100 : static_cast<int>(std::min<std::int64_t>(next_ * 100 / end_, 100));
+}
+
+} // namespace busquill

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "capture/sample_store.h"
+#include "platform/text_file.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace busquill {
+
+class CTesselDoc;
+
+/// What is wrong with a range of sample numbers that is to be saved; nothing when it is good.
+/// `before` and `after` are the counts on the two sides of the trigger.
+[[nodiscard]] std::optional<std::string> CheckSaveRange(std::int64_t first, std::int64_t last,
+                                                        std::int64_t before, std::int64_t after);
+
+/// Writes a trace file piece by piece, while samples may still come from the board. The file comes
+/// into its place when it is whole. Main thread; the document outlives the writer.
+class TraceFileWriter {
+public:
+    enum class Step {
+        More,    // wrote as many rows as it was asked for
+        Waiting, // the next sample has not arrived
+        Done,    // the file is whole and in its place
+        Failed,  // the file could not be written
+        Missing, // the next sample will not arrive
+    };
+
+    explicit TraceFileWriter(CTesselDoc& document);
+
+    /// The counts on the two sides of the trigger, as they were when the writer was made.
+    [[nodiscard]] std::int64_t Before() const noexcept { return before_; }
+    [[nodiscard]] std::int64_t After() const noexcept { return after_; }
+    [[nodiscard]] bool HasSamples() const noexcept { return before_ >= 1 || after_ >= 1; }
+
+    /// Creates the file and writes all that stands before the samples of a range of numbers. False
+    /// when it cannot be created.
+    [[nodiscard]] bool Begin(const std::string& path, std::int64_t first, std::int64_t last);
+    /// Writes at most so many rows, and what follows the last. A sample that has not arrived is
+    /// asked for.
+    [[nodiscard]] Step Write(std::size_t rows);
+    /// Ends in the middle: the file stays as far as it was written.
+    void Abort();
+    /// Of the range, in hundredths.
+    [[nodiscard]] int Progress() const noexcept;
+    /// The number of the next sample.
+    [[nodiscard]] std::int64_t NextNumber() const noexcept { return next_ - before_; }
+
+private:
+    [[nodiscard]] Step Finish();
+
+    CTesselDoc& document_;
+    CSampleStore& store_;
+    std::int64_t before_;
+    std::int64_t after_;
+    TextWriter file_;
+    std::int64_t next_ = 0; // indexes into the store
+    std::int64_t end_ = -1;
+};
+
+} // namespace busquill

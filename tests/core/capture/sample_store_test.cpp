@@ -1,0 +1,485 @@
+#include "capture/sample_store.h"
+#include "support/capture_fixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace busquill::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Read = WireBoard::SampleRead;
+
+/// Remembers the blocks that it is handed.
+class Observer final : public BlockObserver {
+public:
+    struct Block {
+        std::uint32_t first = 0;
+        std::size_t count = 0;
+        bool zoom = false;
+        bool operator==(const Block&) const = default;
+        friend void PrintTo(const Block& block, std::ostream* out) {
+            *out << block.first << "+" << block.count << (block.zoom ? " zoom" : "");
+        }
+    };
+    void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override {
+        const std::lock_guard lock(mutex_);
+        blocks_.push_back({first, records.size(), zoom});
+        lastRecords_.assign(records.begin(), records.end());
+    }
+    std::vector<Block> Blocks() const {
+        const std::lock_guard lock(mutex_);
+        return blocks_;
+    }
+    std::vector<SampleRecord> LastRecords() const {
+        const std::lock_guard lock(mutex_);
+        return lastRecords_;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<Block> blocks_;
+    std::vector<SampleRecord> lastRecords_;
+};
+
+/// A read of samples at which the board stands still until it is let go.
+class Gate {
+public:
+    void AwaitReached() { reached_.get_future().wait(); }
+    void Open() { open_.set_value(); }
+    void Pass() {
+        reached_.set_value();
+        open_.get_future().wait();
+    }
+
+private:
+    std::promise<void> reached_;
+    std::promise<void> open_;
+};
+
+class SampleStoreTest : public CaptureFixture {
+protected:
+    ~SampleStoreTest() override { store.SetObserver(nullptr); }
+
+    /// The next read of a kind stops at the gate.
+    void StopAt(Gate& gate, Read at) {
+        line->Do([&] {
+            board.onSampleRead = [&gate, at, passed = false](const Read& read) mutable {
+                if (read == at && !passed) {
+                    passed = true;
+                    gate.Pass();
+                }
+                return Records(read);
+            };
+        });
+    }
+    bool UploadEnds() {
+        return Eventually([&] { return !store.IsUploading(); });
+    }
+
+    Observer observer;
+};
+
+TEST_F(SampleStoreTest, BlocksComeFromTheTriggerOutward) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    Upload();
+    // The trigger is sample 100, in the block of 96.
+    EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
+    EXPECT_EQ(Reads().front(), (Read{3, 4, 32})) << "4 before the trigger, and on over it";
+    EXPECT_EQ(Reads()[2], (Read{5, 28, 32}));
+    EXPECT_EQ(Reads().back(), (Read{5, 92, 29})) << "221 samples: the last block is short";
+    for (std::uint32_t i = 0; i < 221; ++i) {
+        ASSERT_TRUE(store.HasSample(i)) << i;
+        ASSERT_EQ(store.GetSample(i), RecordAt(static_cast<std::int32_t>(i) - 100)) << i;
+    }
+    EXPECT_FALSE(store.HasSample(221));
+    EXPECT_EQ(store.GetSample(221), std::nullopt);
+}
+
+TEST_F(SampleStoreTest, APciWrenBoardHasNoZoom) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 10, 10);
+    Upload();
+    EXPECT_FALSE(store.HasZoom());
+    EXPECT_FALSE(store.GetZoomSample(0).has_value());
+    EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
+}
+
+TEST_F(SampleStoreTest, ALarkBoardHasNoZoom) {
+    OpenBoard("VMELark");
+    SetLive(0x20, 10, 10);
+    Upload();
+    EXPECT_FALSE(store.HasZoom());
+    EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
+}
+
+TEST_F(SampleStoreTest, ZoomComesFirstAndThenTheBlockAfterTheTriggers) {
+    OpenBoard("PCIKite");
+    SetLive(0x20, 100, 120);
+    Upload();
+    ASSERT_GE(Reads().size(), 2U);
+    EXPECT_EQ(Reads()[0], (Read{35, 255, 255}));
+    EXPECT_EQ(Reads()[1], (Read{36, 0, 256}));
+    EXPECT_THAT(BlockOrder(), ElementsAre(128, 64, 160, 32, 192, 0, 96))
+        << "the trigger's own block comes last, by the search";
+    EXPECT_TRUE(store.HasZoom());
+    EXPECT_EQ(store.GetZoomSample(0), RecordAt(-255));
+    EXPECT_EQ(store.GetZoomSample(255), RecordAt(0));
+    EXPECT_EQ(store.GetZoomSample(510), RecordAt(255));
+    EXPECT_EQ(store.GetZoomSample(511), std::nullopt);
+}
+
+TEST_F(SampleStoreTest, TenBeforeAndNoneAfterAreElevenSamplesInOneBlock) {
+    OpenBoard("PCIWren");
+    SetLive(0, 10, 0);
+    Upload();
+    EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 11}));
+    EXPECT_EQ(store.GetCount(false), 11U);
+}
+
+TEST_F(SampleStoreTest, ACaptureWithoutSamplesUploadsNothing) {
+    OpenBoard("PCIKite");
+    SetLive(0, 0, 5);
+    Upload();
+    SetLive(0, 0, 0);
+    Upload();
+    EXPECT_EQ(store.GetCount(false), 0U) << "the samples of the capture before are gone";
+    EXPECT_EQ(Reads().size(), 3U);
+    EXPECT_FALSE(store.HasZoom());
+}
+
+TEST_F(SampleStoreTest, ATriggerInTheFirstBlockGoesForwardOnly) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 0, 100);
+    Upload();
+    EXPECT_THAT(BlockOrder(), ElementsAre(0, 32, 64, 96))
+        << "what lies before the start is made up for by the first missing block";
+    EXPECT_EQ(Reads().front(), (Read{5, 0, 32}));
+}
+
+TEST_F(SampleStoreTest, AMultipleOf1024SamplesFillsTheLastWordOfBlocks) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 1024, 1023);
+    Upload();
+    EXPECT_EQ(store.GetCount(false), 2048U);
+    EXPECT_EQ(BlockOrder().size(), 64U) << "each block once, and none beyond";
+    for (std::uint32_t i = 0; i < 2048; i += 32) {
+        EXPECT_TRUE(store.HasSample(i)) << i;
+    }
+    // One block more than a full word.
+    SetLive(0x20, 1024, 1024);
+    Upload();
+    EXPECT_EQ(BlockOrder().size(), 64U + 65U);
+    EXPECT_EQ(Reads().back().length, 1U);
+}
+
+TEST_F(SampleStoreTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    Gate gate;
+    StopAt(gate, {3, 20, 32}); // the trigger's block, 480
+    store.BeginUpload();
+    gate.AwaitReached();
+    store.SetPriorityIndex(100);
+    gate.Open();
+    ASSERT_TRUE(UploadEnds());
+    const std::vector<int> order = BlockOrder();
+    ASSERT_GE(order.size(), 4U);
+    EXPECT_EQ(order[0], 480);
+    EXPECT_EQ(order[1], 96) << "the block of sample 100";
+    EXPECT_EQ(order[2], 448) << "backward from where the forward cursor stood";
+    EXPECT_EQ(order[3], 128) << "forward from the wanted block";
+    EXPECT_EQ(std::set<int>(order.begin(), order.end()).size(), 32U);
+}
+
+TEST_F(SampleStoreTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    Gate gate;
+    StopAt(gate, {3, 36, 32}); // 64, the second
+    store.BeginUpload();
+    gate.AwaitReached();
+    store.SetPriorityIndex(96);
+    gate.Open();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 96, 0, 128, 32, 160, 192))
+        << "the block before the backward cursor is there: the first missing one is 0";
+}
+
+TEST_F(SampleStoreTest, ACancelledUploadDropsTheBlockOnItsWay) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    store.SetObserver(&observer);
+    Gate gate;
+    StopAt(gate, {3, 52, 32}); // 448, the second
+    store.BeginUpload();
+    gate.AwaitReached();
+    std::thread opener([&] {
+        std::this_thread::sleep_for(50ms);
+        gate.Open();
+    });
+    store.CancelUpload();
+    opener.join();
+    EXPECT_FALSE(store.IsUploading());
+    EXPECT_TRUE(store.HasSample(500)) << "what has come stays";
+    EXPECT_FALSE(store.HasSample(448));
+    link->WaitIdle();
+    EXPECT_EQ(Reads().size(), 2U);
+    EXPECT_EQ(observer.Blocks().size(), 1U) << "nobody hears of it any more";
+    // The next upload begins from the trigger again.
+    Upload();
+    EXPECT_EQ(BlockOrder().size(), 2U + 32U);
+    EXPECT_EQ(BlockOrder()[2], 480);
+}
+
+TEST_F(SampleStoreTest, CancellingWaitsASecondAtMost) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    Gate gate;
+    StopAt(gate, {3, 20, 32});
+    store.BeginUpload();
+    gate.AwaitReached();
+    store.CancelUpload(); // returns though the board stands still
+    EXPECT_TRUE(store.IsUploading());
+    gate.Open();
+    EXPECT_TRUE(UploadEnds());
+    link->WaitIdle();
+    EXPECT_EQ(Reads().size(), 1U);
+}
+
+TEST_F(SampleStoreTest, CancellingDetachesTheObserverInAnyCase) {
+    OpenBoard("PCIWren");
+    store.SetObserver(&observer);
+    store.CancelUpload();
+    SetLive(0x20, 10, 10);
+    Upload();
+    EXPECT_THAT(observer.Blocks(), IsEmpty());
+}
+
+TEST_F(SampleStoreTest, AFailedBlockTellsAllAboutItAndEndsTheUpload) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    line->SetLineErrors(0x12);
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return sent == Bytes{4, 36} ? Bytes{} : board.Answer(sent, baud);
+    });
+    Upload();
+    ASSERT_EQ(prompts.Boxes().size(), 1U);
+    EXPECT_TRUE(prompts.Boxes()[0].topmost);
+    EXPECT_THAT(prompts.Texts()[0],
+                testing::MatchesRegex(
+                    "Error reading trace data for sample index 36, length 32\\.\n"
+                    "Command 4 State 1 Expected 1 Read 0 Error 3 ComErrors 0x12\\.\n"
+                    "Read Index ([0-9]+) Write Index [0-9]+ First 0x[0-9a-f]+ Last 0x0\\."));
+    EXPECT_TRUE(store.HasSample(100));
+    EXPECT_FALSE(store.HasSample(64));
+    EXPECT_EQ(store.GetCount(false), 221U) << "what has not come stays missing";
+}
+
+TEST_F(SampleStoreTest, AFailedTransferHasHadItsBox) {
+    OpenUsbLink();
+    usb.WithBoard([](WireBoard& on) {
+        on.contents[0] = {'P', 'C', 'I', 'W', 'r', 'e', 'n'};
+        on.contents[425] = {0x20, 100, 0, 0, 120, 0, 0, 0, 0};
+        on.onSampleRead = &CaptureFixture::Records;
+    });
+    link->ReadIdentity();
+    link->WaitIdle();
+    usb.Set({.failingRead = 29 * 18}); // the short block at the end
+    store.BeginUpload();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_TRUE(store.HasSample(191));
+    EXPECT_FALSE(store.HasSample(192));
+    const auto boxes = prompts.Texts();
+    EXPECT_THAT(boxes, testing::Not(IsEmpty()));
+    EXPECT_THAT(boxes, testing::Each(testing::Not(testing::HasSubstr("trace data"))));
+}
+
+TEST_F(SampleStoreTest, AnObserverHearsOfEveryBlockAsItComes) {
+    OpenBoard("PCIKite");
+    SetLive(0x20, 40, 30);
+    store.SetObserver(&observer);
+    Upload();
+    using Block = Observer::Block;
+    EXPECT_THAT(observer.Blocks(),
+                ElementsAre(Block{0, 255, true}, Block{255, 256, true}, Block{64, 7, false},
+                            Block{0, 32, false}, Block{32, 32, false}));
+    EXPECT_EQ(observer.LastRecords()[8], RecordAt(0));
+}
+
+TEST_F(SampleStoreTest, ANewObserverIsHandedWhatIsThere) {
+    OpenBoard("PCIKite");
+    SetLive(0x20, 40, 30);
+    Upload();
+    store.SetObserver(&observer);
+    using Block = Observer::Block;
+    EXPECT_THAT(observer.Blocks(),
+                ElementsAre(Block{0, 255, true}, Block{0, 256, true}, Block{0, 32, false},
+                            Block{32, 32, false}, Block{64, 7, false}))
+        << "the second part of the zoom is handed out at 0";
+    EXPECT_EQ(observer.LastRecords()[0], RecordAt(24));
+    store.SetObserver(&observer);
+    EXPECT_EQ(observer.Blocks().size(), 5U) << "the same one again";
+}
+
+TEST_F(SampleStoreTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
+    OpenBoard("PCIKite");
+    SetLive(0x20, 40, 30);
+    Gate gate;
+    StopAt(gate, {36, 0, 256});
+    store.BeginUpload();
+    gate.AwaitReached();
+    store.SetObserver(&observer);
+    EXPECT_THAT(observer.Blocks(), ElementsAre(Observer::Block{0, 255, true}));
+    EXPECT_FALSE(store.HasZoom());
+    gate.Open();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_EQ(observer.Blocks().size(), 5U);
+}
+
+TEST_F(SampleStoreTest, CopiesAsFarAsSamplesHaveArrived) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    Gate gate;
+    StopAt(gate, {5, 28, 32}); // 128, after 96 and 64
+    store.BeginUpload();
+    gate.AwaitReached();
+    std::array<SampleRecord, 100> copy;
+    EXPECT_EQ(store.CopySamples(70, copy), 58U);
+    EXPECT_EQ(copy[0], RecordAt(-30));
+    EXPECT_EQ(copy[57], RecordAt(27));
+    EXPECT_EQ(store.CopySamples(130, copy), 0U);
+    gate.Open();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_EQ(store.CopySamples(200, copy), 21U) << "to the end";
+}
+
+// Captures.
+
+class CaptureRunTest : public SampleStoreTest {
+protected:
+    bool CaptureEnds() {
+        return Eventually([&] { return !store.IsRunning(); });
+    }
+    std::vector<int> Functions() {
+        std::vector<int> functions;
+        line->Do([&] { functions = board.functions; });
+        return functions;
+    }
+    long Count(int function) {
+        const auto functions = Functions();
+        return std::count(functions.begin(), functions.end(), function);
+    }
+};
+
+TEST_F(CaptureRunTest, EndsByItselfWhenTheBoardIsNoLongerActive) {
+    OpenBoard("PCIWren");
+    SetLive(0x80, 3, 0);
+    store.StartCapture();
+    EXPECT_TRUE(store.IsRunning());
+    EXPECT_EQ(store.SamplesBefore(), 0);
+    SetLive(0x20, 10, 10);
+    ASSERT_TRUE(CaptureEnds());
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_EQ(store.SamplesBefore(), 10);
+    EXPECT_EQ(store.SamplesAfter(), 10);
+    EXPECT_EQ(Count(11), 1);
+    EXPECT_EQ(Count(12), 1);
+    EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(CaptureRunTest, AFullBufferEndsItThoughTheBoardIsActive) {
+    OpenBoard("PCIWren");
+    SetLive(0xB0, 10, 10);
+    store.StartCapture();
+    ASSERT_TRUE(CaptureEnds());
+    EXPECT_EQ(Count(12), 1);
+    EXPECT_TRUE(UploadEnds());
+    EXPECT_EQ(store.GetCount(false), 21U);
+}
+
+TEST_F(CaptureRunTest, GoesOnWhileTheBoardIsActive) {
+    OpenBoard("PCIWren");
+    SetLive(0x81, 5, 0, 258);
+    store.StartCapture();
+    EXPECT_TRUE(Eventually([&] { return Count(1) > 3; })) << "polls of the live status";
+    EXPECT_TRUE(store.IsRunning());
+    EXPECT_EQ(link->GetEventOccurrences(), 258);
+    store.StopCapture();
+    EXPECT_FALSE(store.IsRunning());
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_GE(Count(12), 1);
+    EXPECT_EQ(store.GetCount(false), 6U);
+}
+
+TEST_F(CaptureRunTest, ALostLinkEndsItWithoutAWord) {
+    OpenBoard("PCIWren");
+    SetLive(0x80, 5, 0);
+    store.StartCapture();
+    UseSilence();
+    ASSERT_TRUE(CaptureEnds());
+    EXPECT_FALSE(store.IsUploading());
+    EXPECT_EQ(Count(12), 0);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    EXPECT_TRUE(link->CommLost());
+}
+
+TEST_F(CaptureRunTest, StopAsTheBufferFillsIsHarmless) {
+    OpenBoard("PCIWren");
+    for (int i = 0; i < 5; ++i) {
+        SetLive(0xB0, 10, 10);
+        store.StartCapture();
+        store.StopCapture();
+        ASSERT_TRUE(CaptureEnds());
+        ASSERT_TRUE(Eventually([&] { return store.HasSample(20) && !store.IsUploading(); }));
+    }
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(CaptureRunTest, ASecondStartCancelsTheUpload) {
+    OpenBoard("PCIWren");
+    SetLive(0xB0, 100000, 100000);
+    store.StartCapture();
+    ASSERT_TRUE(CaptureEnds());
+    EXPECT_TRUE(store.IsUploading());
+    SetLive(0x80, 3, 0);
+    store.StartCapture();
+    EXPECT_FALSE(store.IsUploading());
+    EXPECT_TRUE(store.IsRunning());
+    EXPECT_EQ(Count(11), 2);
+    EXPECT_NE(store.GetCount(false), 0U) << "the old samples stay until the next upload";
+    store.StopCapture();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_EQ(store.GetCount(false), 4U);
+}
+
+TEST_F(CaptureRunTest, AnEndOfTheProgramLeavesTheBoardRunning) {
+    OpenBoard("PCIWren");
+    SetLive(0x80, 5, 0);
+    store.StartCapture();
+    store.ShutDown();
+    EXPECT_FALSE(store.IsRunning());
+    EXPECT_EQ(Count(12), 0);
+}
+
+TEST_F(CaptureRunTest, InDemoModeItEndsAtTheFirstLookWithoutSamples) {
+    settings.WriteProfileString(setup, "ComPort", "COM1");
+    portOpens = false;
+    static_cast<void>(link->Open());
+    ASSERT_TRUE(link->IsDemoMode());
+    prompts.Forget();
+    store.StartCapture();
+    ASSERT_TRUE(CaptureEnds());
+    EXPECT_FALSE(store.IsUploading());
+    EXPECT_EQ(store.GetCount(false), 0U);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+} // namespace
+} // namespace busquill::test

@@ -1,0 +1,350 @@
+#include "capture/trace_run.h"
+#include "support/capture_fixture.h"
+#include "support/temp_dir.h"
+#include "tracesetup/setup_file.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace busquill::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RecordingView final : public DocumentView {
+public:
+    void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
+        hints.push_back(hint);
+    }
+    std::vector<int> hints;
+};
+
+class TraceRunTest : public CaptureFixture {
+protected:
+    /// The payload that was written at a register last.
+    Bytes Written(std::uint32_t address) {
+        Bytes bytes;
+        line->Do([&] {
+            for (const WireBoard::Write& write : board.writes) {
+                if (write.address == address) {
+                    bytes = write.bytes;
+                }
+            }
+        });
+        return bytes;
+    }
+    /// Sets one bit of an event, and that it is compared.
+    static void Expect(TraceSetup& in, std::int32_t dataIndex, unsigned event, bool value) {
+        for (const auto& signal : in.events.All()) {
+            if (signal->dataIndex == dataIndex) {
+                signal->data[0] |= value ? 1U << event : 0;
+                signal->mask[0] |= 1U << event;
+                return;
+            }
+        }
+        FAIL() << "no signal looks at " << dataIndex;
+    }
+    RunState Follow() { return FollowRun(*link, *document); }
+    bool Ends() {
+        return Eventually([&] { return !store.IsRunning() && !store.IsUploading(); });
+    }
+};
+
+TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
+    OpenBoard("PCIKite");
+    DownloadSetup(*link, TraceSetup(), prompts);
+    EXPECT_EQ(Written(420), (Bytes{0, 0, 1})) << "Sync, 50%, 3.75 ns";
+    EXPECT_EQ(Written(20), Bytes(240)) << "nothing is compared";
+    Bytes control(160);
+    std::fill(control.begin(), control.begin() + 16, 0xFF); // IF All, STORE All
+    control[16] = 1;                                        // OCCURS 1
+    control[18] = 0x08;                                     // THEN Goto L1, Trigger
+    for (std::size_t level = 1; level < 8; ++level) {
+        control[level * 20 + 16] = 1;
+    }
+    EXPECT_EQ(Written(260), control);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
+    OpenBoard("PCIKite");
+    TraceSetup program;
+    program.clock = 16;            // 30.72 us
+    program.triggerPosition = 1;   // 0%
+    program.powerZoomClock = 8;    // 240 ns
+    Expect(program, 0, 0, true);   // E1: AD[0] is 1 ...
+    Expect(program, 72, 0, false); // ... and FRAME# is 0
+    Expect(program, 64, 7, true);  // E8: C/BE[0] is 1
+    program.levels[0].ifExpr = ParseExpression("E1.~E8");
+    program.levels[0].storeExpr = expressionNone;
+    program.levels[0].occurs = 0x12345;
+    program.levels[0].thenGoto = 1;
+    program.levels[0].thenTrigger = false;
+    program.levels[1].ifExpr = ParseExpression("(E1xE8)+E2");
+    program.levels[1].storeExpr = expressionAll;
+    program.levels[1].thenGoto = 7;
+    program.levels[1].thenTrigger = true;
+    program.levels[1].elseGoto = 2;
+    program.levels[1].elseTrigger = true;
+    DownloadSetup(*link, program, prompts);
+
+    EXPECT_EQ(Written(420), (Bytes{15, 3, 7}));
+    Bytes events(240);
+    events[0] = 0x01;           // value and ...
+    events[1] = 0x01;           // ... compare bit of AD[0]
+    events[19] = 0x01;          // FRAME#, bit 72, is compared with 0
+    events[7 * 30 + 16] = 0x01; // C/BE[0], bit 64
+    events[7 * 30 + 17] = 0x01;
+    EXPECT_EQ(Written(20), events);
+
+    Bytes control(160);
+    // "E1.~E8": 1 9 11 8 from the highest nibble down.
+    control[7] = 0x19;
+    control[6] = 0xB8;
+    control[16] = 0x45; // of 0x12345 the low two bytes
+    control[17] = 0x23;
+    control[18] = 0x01;
+    // "(E1xE8)+E2": 13 1 12 8 14 10 2.
+    control[27] = 0xD1;
+    control[26] = 0xC8;
+    control[25] = 0xEA;
+    control[24] = 0x20;
+    std::fill(control.begin() + 28, control.begin() + 36, 0xFF);
+    control[36] = 1;
+    control[38] = 0x0F;
+    control[39] = 0x0A;
+    for (std::size_t level = 2; level < 8; ++level) {
+        control[level * 20 + 16] = 1;
+    }
+    EXPECT_EQ(Written(260), control);
+}
+
+TEST_F(TraceRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
+    OpenBoard("VMELark");
+    const BoardTables lark("VMELark-1", BusVme);
+    EXPECT_EQ(EventCount(*link), 4);
+    TraceSetup program;
+    for (unsigned event = 0; event < 4; ++event) {
+        Expect(program, 0, event, true);
+    }
+    // As a file from another board may bring it.
+    program.events.All().front()->data[0] |= 0xF0;
+    program.events.All().front()->mask[0] |= 0xF0;
+    DownloadSetup(*link, program, prompts);
+    const Bytes events = Written(20);
+    ASSERT_EQ(events.size(), 240U);
+    for (std::size_t row = 0; row < 4; ++row) {
+        EXPECT_NE(Bytes(events.begin() + static_cast<std::ptrdiff_t>(row * 30),
+                        events.begin() + static_cast<std::ptrdiff_t>(row * 30 + 30)),
+                  Bytes(30))
+            << row;
+    }
+    EXPECT_EQ(Bytes(events.begin() + 120, events.end()), Bytes(120));
+}
+
+TEST_F(TraceRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
+    OpenBoard("PCIKite");
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        // The first frame of a write, whatever it writes.
+        return sent.size() == 2 && sent[0] == 4 ? Bytes{} : board.Answer(sent, baud);
+    });
+    DownloadSetup(*link, TraceSetup(), prompts);
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("Error sending trace parameter data to analyzer.",
+                            "Error sending trace event setup data to analyzer.",
+                            "Error sending trace control setup data to analyzer."));
+    for (const Box& box : prompts.Boxes()) {
+        EXPECT_TRUE(box.topmost);
+    }
+}
+
+TEST_F(TraceRunTest, ARunGoesFromSetupToSamples) {
+    OpenBoard("PCIKite");
+    SetLive(0x80, 0, 0);
+    NewDocument();
+    RecordingView view;
+    document->AddView(&view);
+    EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
+    StartRun(*link, *document, "", prompts);
+    EXPECT_TRUE(document->CaptureActive());
+    EXPECT_TRUE(document->HasData());
+    EXPECT_TRUE(document->IsModified());
+    EXPECT_EQ(document->SampleCount(false), 0);
+    EXPECT_EQ(document->Marker(0, false), -1);
+    EXPECT_THAT(view.hints, ElementsAre(HintCaptureStarted));
+
+    SetLive(0xA3, 40, 7, 12);
+    ASSERT_TRUE(Eventually([&] { return Follow().level == 3; }));
+    const RunState running = Follow();
+    EXPECT_EQ(running.indicator, RunIndicator::Running);
+    EXPECT_EQ(running.before, 40);
+    EXPECT_EQ(running.after, 7);
+    EXPECT_EQ(running.occurrences, 12);
+    EXPECT_TRUE(running.triggered);
+    EXPECT_FALSE(running.bufferFull);
+
+    SetLive(0x20, 40, 30);
+    ASSERT_TRUE(Ends());
+    EXPECT_TRUE(document->CaptureActive()) << "until somebody looks";
+    view.hints.clear();
+    EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
+    EXPECT_FALSE(document->CaptureActive());
+    EXPECT_EQ(view.hints.front(), HintCaptureStopped);
+    EXPECT_EQ(std::count(view.hints.begin(), view.hints.end(), HintBlockArrived), 5);
+    EXPECT_EQ(document->SampleCount(false), 71);
+    EXPECT_EQ(document->FirstSampleNumber(false), -40);
+    EXPECT_EQ(document->Marker(0, false), 40);
+    EXPECT_EQ(document->Marker(0, true), 255);
+    EXPECT_TRUE(document->IsValidSample(70, false));
+    EXPECT_EQ(document->GetSample(41, false), RecordAt(1));
+    document->RemoveView(&view);
+}
+
+TEST_F(TraceRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
+    OpenBoard("PCIWren");
+    NewDocument();
+    SetLive(0xA0, 3000, 3000);
+    StartRun(*link, *document, "", prompts);
+    StopRun(*document);
+    EXPECT_FALSE(document->CaptureActive());
+    EXPECT_EQ(document->SampleCount(false), 6001);
+    ASSERT_TRUE(Ends());
+    EXPECT_FALSE(document->IsValidSample(0, false));
+    static_cast<void>(Follow());
+    for (std::int64_t i = 0; i < 6001; ++i) {
+        ASSERT_TRUE(document->IsValidSample(i, false)) << i;
+    }
+    // AD[0] is bit 0 of the distance.
+    const auto& all = document->stateList.All();
+    const auto ad0 = std::find_if(all.begin(), all.end(),
+                                  [](const auto& signal) { return signal->dataIndex == 0; });
+    ASSERT_NE(ad0, all.end());
+    EXPECT_TRUE((*ad0)->Bit(3001));
+    EXPECT_FALSE((*ad0)->Bit(3002));
+}
+
+TEST_F(TraceRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
+    OpenBoard("PCIKite");
+    SetLive(0x20, 10, 10);
+    Upload();
+    NewDocument();
+    document->OnCaptureStopped();
+    document->FlushBlockUpdates();
+    const auto& all = document->zoomList.All();
+    const auto ad0 = std::find_if(all.begin(), all.end(),
+                                  [](const auto& signal) { return signal->dataIndex == 0; });
+    ASSERT_NE(ad0, all.end());
+    EXPECT_TRUE((*ad0)->Bit(0)) << "-255 is odd";
+    EXPECT_TRUE((*ad0)->Bit(1)) << "the first part's 0 and the second part's 1";
+    EXPECT_FALSE((*ad0)->Bit(257)) << "nothing was put there";
+    EXPECT_EQ(document->GetSample(257, true), RecordAt(2)) << "the records are right";
+}
+
+TEST_F(TraceRunTest, ARunWithoutSamplesEndsIdle) {
+    OpenBoard("PCIKite");
+    NewDocument();
+    SetLive(0x80, 0, 0);
+    StartRun(*link, *document, "", prompts);
+    StopRun(*document);
+    EXPECT_FALSE(store.IsUploading());
+    EXPECT_EQ(document->SampleCount(false), 0);
+    EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
+    EXPECT_TRUE(document->IsModified());
+}
+
+TEST_F(TraceRunTest, StopDoesNothingWhenNoCaptureIsActive) {
+    OpenBoard("PCIKite");
+    NewDocument();
+    StopRun(*document);
+    EXPECT_THAT(board.functions, testing::Not(testing::Contains(12)));
+}
+
+TEST_F(TraceRunTest, AChosenSetupIsLoadedAndSent) {
+    OpenBoard("PCIKite");
+    NewDocument();
+    SetLive(0x80, 0, 0);
+    const TempDir dir;
+    TraceSetup program;
+    program.name = "mine";
+    program.clock = 1;
+    ASSERT_TRUE(SaveSetupFile(program, dir.File("mine.tsp"), prompts));
+    StartRun(*link, *document, dir.File("mine.tsp"), prompts);
+    EXPECT_EQ(document->setup.name, "mine");
+    EXPECT_EQ(Written(420)[0], 2);
+    StopRun(*document);
+}
+
+TEST_F(TraceRunTest, ASetupThatCannotBeReadLeavesTheBoardItsOwn) {
+    OpenBoard("PCIKite");
+    NewDocument();
+    SetLive(0x80, 0, 0);
+    StartRun(*link, *document, "/nonexistent/a.tsp", prompts);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening file /nonexistent/a.tsp."));
+    EXPECT_THAT(Written(420), IsEmpty());
+    EXPECT_TRUE(document->CaptureActive()) << "the run goes on";
+    StopRun(*document);
+}
+
+TEST_F(TraceRunTest, ATraceThatIsClosedEndsTheUploadOfTheBoard) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100000, 100000);
+    store.BeginUpload();
+    context.newDocRealTime = false;
+    NewDocument();
+    document.reset(); // a file's
+    EXPECT_FALSE(store.IsUploading());
+}
+
+TEST_F(TraceRunTest, ADocumentClosedDuringTheRunLeavesTheBoardToItself) {
+    OpenBoard("PCIWren");
+    NewDocument();
+    SetLive(0x80, 0, 0);
+    StartRun(*link, *document, "", prompts);
+    document.reset();
+    EXPECT_TRUE(store.IsRunning());
+    SetLive(0x20, 10, 10);
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(store.GetCount(false), 21U);
+}
+
+TEST_F(TraceRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
+    OpenBoard("PCIWren");
+    NewDocument();
+    SetLive(0xA0, 1000, 1000);
+    line->Do([&] {
+        board.onSampleRead = [this, reads = 0](const WireBoard::SampleRead& read) mutable {
+            silent = ++reads == 4;
+            return Records(read);
+        };
+    });
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return silent ? Bytes{} : board.Answer(sent, baud);
+    });
+    StartRun(*link, *document, "", prompts);
+    StopRun(*document);
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
+    ASSERT_EQ(prompts.Texts().size(), 1U);
+    EXPECT_THAT(prompts.Texts()[0],
+                testing::StartsWith("Error reading trace data for sample index"));
+    EXPECT_TRUE(document->IsValidSample(1000, false));
+    EXPECT_FALSE(document->IsValidSample(0, false));
+    EXPECT_EQ(document->SampleCount(false), 2001);
+}
+
+TEST(TriggerSample, FollowsThePosition) {
+    const BoardTables board("PCIKite-1");
+    TraceSetup program;
+    const std::int64_t expected[] = {0, 0, 256, 512, 768, 1023, 0};
+    for (std::int32_t position = 0; position < 7; ++position) {
+        program.triggerPosition = position;
+        EXPECT_EQ(TriggerSampleOf(program, 1024), expected[position]) << position;
+    }
+    program.triggerPosition = 4;
+    EXPECT_EQ(TriggerSampleOf(program, 1023), 767) << "times three first";
+}
+
+} // namespace
+} // namespace busquill::test

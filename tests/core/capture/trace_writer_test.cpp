@@ -1,0 +1,257 @@
+#include "capture/trace_file.h"
+#include "capture/trace_writer.h"
+#include "support/capture_fixture.h"
+#include "support/temp_dir.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace busquill::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+using testing::Optional;
+using Step = TraceFileWriter::Step;
+
+std::string ListText(const CSignalList& list, const TempDir& dir) {
+    TextWriter file;
+    EXPECT_TRUE(file.Create(dir.File("list")));
+    list.WriteSignals(file, false);
+    EXPECT_TRUE(file.Close());
+    return ReadWholeFile(dir.File("list"));
+}
+
+class TraceWriterTest : public CaptureFixture {
+protected:
+    /// A document that holds a capture, all of it uploaded.
+    void Capture(const char* model, std::uint32_t before, std::uint32_t after) {
+        OpenBoard(model);
+        SetLive(0x20, before, after);
+        Upload();
+        NewDocument();
+        document->OnCaptureStopped();
+        document->FlushBlockUpdates();
+    }
+    std::string Path() const { return dir.File("a.tra"); }
+    Step Save(std::int64_t first, std::int64_t last) {
+        TraceFileWriter writer(*document);
+        EXPECT_TRUE(writer.Begin(Path(), first, last));
+        return writer.Write(100000);
+    }
+    std::unique_ptr<CTesselDoc> Load() {
+        context.newDocRealTime = false;
+        auto loaded = std::make_unique<CTesselDoc>(context, prompts);
+        EXPECT_TRUE(loaded->OnOpenDocument(Path()));
+        return loaded;
+    }
+
+    const TempDir dir;
+};
+
+TEST(SaveRange, MustLieInTheCapture) {
+    EXPECT_EQ(CheckSaveRange(-100, 120, 100, 120), std::nullopt);
+    EXPECT_EQ(CheckSaveRange(0, 0, 100, 120), std::nullopt);
+    EXPECT_THAT(CheckSaveRange(-101, 0, 100, 120),
+                Optional(std::string("Start sample of -101 must be between -100 and 120.")));
+    EXPECT_THAT(CheckSaveRange(121, 130, 100, 120),
+                Optional(std::string("Start sample of 121 must be between -100 and 120.")));
+    EXPECT_THAT(CheckSaveRange(0, 121, 100, 120),
+                Optional(std::string("End sample of 121 must be between -100 and 120.")));
+    EXPECT_THAT(CheckSaveRange(0, -101, 100, 120),
+                Optional(std::string("End sample of -101 must be between -100 and 120.")));
+    EXPECT_THAT(CheckSaveRange(5, 4, 100, 120),
+                Optional(std::string("End sample must be >= start sample.")));
+}
+
+TEST_F(TraceWriterTest, ACaptureComesBackEqual) {
+    Capture("PCIKite", 100, 120);
+    document->comment = "two\r\nlines";
+    document->setup.name = "my setup";
+    document->setup.levels[3].ifExpr = ParseExpression("E1+E2");
+    document->stateList[0].radix = Radix::Octal;
+    document->stateList[1].color = 0x123456;
+    document->stateList[2].hidden = true;
+    document->stateList.MoveGroup(&document->stateList[0], nullptr);
+    document->waveformList.DeleteSelected();
+    ASSERT_EQ(Save(-100, 120), Step::Done);
+
+    const auto loaded = Load();
+    EXPECT_EQ(loaded->comment, "two\r\nlines");
+    EXPECT_EQ(loaded->setup.name, "my setup");
+    EXPECT_EQ(loaded->setup.levels, document->setup.levels);
+    EXPECT_EQ(ListText(loaded->stateList, dir), ListText(document->stateList, dir));
+    EXPECT_EQ(ListText(loaded->waveformList, dir), ListText(document->waveformList, dir));
+    EXPECT_EQ(ListText(loaded->zoomList, dir), ListText(document->zoomList, dir));
+    EXPECT_EQ(loaded->SampleCount(false), 221);
+    EXPECT_EQ(loaded->FirstSampleNumber(false), -100);
+    EXPECT_EQ(loaded->Marker(0, false), 100);
+    for (std::int64_t i = 0; i < 221; ++i) {
+        ASSERT_EQ(loaded->GetSample(i, false), RecordAt(static_cast<std::int32_t>(i) - 100));
+    }
+    for (std::int64_t i = 0; i < 511; ++i) {
+        ASSERT_EQ(loaded->GetSample(i, true), RecordAt(static_cast<std::int32_t>(i) - 255));
+    }
+    EXPECT_THAT(prompts.Texts(), testing::IsEmpty());
+}
+
+TEST_F(TraceWriterTest, TheFileLineByLine) {
+    Capture("PCIWren", 2, 1);
+    document->comment = "D";
+    document->waveformList.RemoveAllSignals();
+    document->zoomList.RemoveAllSignals();
+    ASSERT_EQ(Save(-1, 1), Step::Done);
+    const std::string text = ReadWholeFile(Path());
+    EXPECT_THAT(text, testing::StartsWith("\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"
+                                          "\"Description\",\"D\"\n\n\"Trace Setup\"\n\"Name\","));
+    EXPECT_THAT(text,
+                HasSubstr("\"End of Setup Data\"\n\n\"State Signals\"\n\"Signal\",\"Name\","));
+    EXPECT_THAT(text, Not(HasSubstr("Waveform Signals"))) << "a list that is not there";
+    EXPECT_THAT(text, testing::EndsWith("\"End of State Signals\"\n\n\"Trace Data\",-1,1\n"
+                                        "-1,255,255,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
+                                        "0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
+                                        "1,1,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
+                                        "\"End of Trace Data\"\n"));
+}
+
+TEST_F(TraceWriterTest, StartAndEndBothZeroGiveOneRow) {
+    Capture("PCIWren", 100, 100);
+    ASSERT_EQ(Save(0, 0), Step::Done);
+    EXPECT_THAT(ReadWholeFile(Path()),
+                HasSubstr("\"Trace Data\",0,0\n0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0"
+                          "\n\"End of Trace Data\"\n"));
+}
+
+TEST_F(TraceWriterTest, ZoomFollowsTheSamples) {
+    Capture("PCIKite", 1, 1);
+    ASSERT_EQ(Save(-1, 1), Step::Done);
+    const std::string text = ReadWholeFile(Path());
+    EXPECT_THAT(text,
+                HasSubstr("\"End of Trace Data\"\n\n\"Power Zoom Data\",255,256\n-255,1,255,"));
+    EXPECT_THAT(text, testing::EndsWith("255,255,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
+                                        "\"End of Power Zoom Data\"\n"));
+}
+
+TEST_F(TraceWriterTest, WithoutSamplesTheFileHasNone) {
+    OpenBoard("PCIKite");
+    NewDocument();
+    TraceFileWriter writer(*document);
+    EXPECT_FALSE(writer.HasSamples());
+    ASSERT_TRUE(writer.Begin(Path(), 0, 0));
+    EXPECT_EQ(writer.Write(10), Step::Done);
+    EXPECT_THAT(ReadWholeFile(Path()), Not(HasSubstr("Trace Data\",")));
+    EXPECT_EQ(Load()->SampleCount(false), 0);
+}
+
+TEST_F(TraceWriterTest, AFileThatWasFilteredKeepsItsGapsAndNumbers) {
+    context.newDocRealTime = false;
+    NewDocument();
+    std::string rows;
+    for (const int number : {-3, -1, 4}) {
+        rows += std::to_string(number) + ",7,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
+    }
+    const std::string text = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"
+                             "\"Trace Data\",-5,5\n" +
+                             rows + "\"End of Trace Data\"\n";
+    ASSERT_TRUE(document->OnOpenDocument(dir.Write("gaps.tra", text)));
+    TraceFileWriter writer(*document);
+    ASSERT_TRUE(writer.Begin(Path(), -5, 5));
+    ASSERT_EQ(writer.Write(1000), Step::Done);
+    const auto loaded = Load();
+    EXPECT_EQ(loaded->RowCount(false), 3);
+    EXPECT_EQ(loaded->SampleCount(false), 11);
+    EXPECT_EQ(loaded->RowToSample(1, false) + loaded->FirstSampleNumber(false), -1);
+    EXPECT_THAT(ReadWholeFile(Path()), HasSubstr("\"Trace Data\",-5,5\n" + rows + "\"End"));
+}
+
+TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    std::promise<void> reached;
+    std::promise<void> open;
+    line->Do([&] {
+        board.onSampleRead = [&, first = true](const WireBoard::SampleRead& read) mutable {
+            if (std::exchange(first, false)) {
+                reached.set_value();
+                open.get_future().wait();
+            }
+            return Records(read);
+        };
+    });
+    store.BeginUpload();
+    reached.get_future().wait();
+    NewDocument();
+    TraceFileWriter writer(*document);
+    ASSERT_TRUE(writer.Begin(Path(), -500, 500));
+    EXPECT_EQ(writer.Write(1000), Step::Waiting);
+    EXPECT_EQ(writer.Progress(), 0);
+    open.set_value();
+    ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    EXPECT_EQ(BlockOrder()[1], 0) << "the block that the writer waits for";
+    EXPECT_EQ(writer.Write(400), Step::More);
+    EXPECT_EQ(writer.NextNumber(), -100);
+    EXPECT_EQ(writer.Progress(), 40);
+    EXPECT_EQ(writer.Write(100000), Step::Done);
+    EXPECT_EQ(Load()->SampleCount(false), 1001);
+}
+
+TEST_F(TraceWriterTest, SamplesThatWillNotComeAreTold) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return board.sampleReads.size() == 3 ? Bytes{} : board.Answer(sent, baud);
+    });
+    store.BeginUpload();
+    ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    NewDocument();
+    TraceFileWriter writer(*document);
+    ASSERT_TRUE(writer.Begin(Path(), -500, 500));
+    EXPECT_EQ(writer.Write(1000), Step::Missing);
+    EXPECT_EQ(writer.NextNumber(), -500);
+    // What has come can be saved.
+    ASSERT_EQ(Save(-52, 11), Step::Done);
+    EXPECT_EQ(Load()->SampleCount(false), 64);
+}
+
+TEST_F(TraceWriterTest, AFileThatIsGivenUpStaysAsFarAsItWasWritten) {
+    Capture("PCIWren", 500, 500);
+    {
+        TraceFileWriter writer(*document);
+        ASSERT_TRUE(writer.Begin(Path(), -500, 500));
+        ASSERT_EQ(writer.Write(10), Step::More);
+        writer.Abort();
+    }
+    const auto loaded = Load();
+    EXPECT_EQ(loaded->RowCount(false), 10);
+}
+
+TEST_F(TraceWriterTest, AWriterThatGoesLeavesTheOldFile) {
+    Capture("PCIWren", 5, 5);
+    dir.Write("a.tra", "old");
+    {
+        TraceFileWriter writer(*document);
+        ASSERT_TRUE(writer.Begin(Path(), -5, 5));
+        EXPECT_EQ(writer.Write(3), Step::More);
+    }
+    EXPECT_EQ(ReadWholeFile(Path()), "old");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()),
+                            std::filesystem::directory_iterator()),
+              1)
+        << "and nothing beside it";
+}
+
+TEST_F(TraceWriterTest, AFileThatCannotBeCreatedOrFinishedIsTold) {
+    Capture("PCIWren", 5, 5);
+    TraceFileWriter nowhere(*document);
+    EXPECT_FALSE(nowhere.Begin("/nonexistent/a.tra", -5, 5));
+    std::filesystem::create_directory(dir.File("gone"));
+    TraceFileWriter writer(*document);
+    ASSERT_TRUE(writer.Begin(dir.File("gone/a.tra"), -5, 5));
+    std::filesystem::remove_all(dir.File("gone"));
+    EXPECT_EQ(writer.Write(100), Step::Failed);
+}
+
+} // namespace
+} // namespace busquill::test

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "capture/trace_document.h"
+#include "capture/trace_run.h"
+#include "support/board_tables.h"
+#include "support/link_fixture.h"
+#include "tracesetup/setup_encoding.h"
+
+namespace busquill::test {
+
+/// A board's store on a scripted wire. The wire's samples tell where they stand: the first two
+/// bytes of a record hold its distance from the trigger.
+class CaptureFixture : public LinkFixture {
+protected:
+    CaptureFixture() {
+        RegisterSetupEncoders(*link);
+        context.realTimeStore = &store;
+        context.newDocRealTime = true;
+        board.onSampleRead = [](const WireBoard::SampleRead& read) { return Records(read); };
+    }
+    ~CaptureFixture() override {
+        document.reset();
+        store.ShutDown();
+        link.reset(); // its thread may be completing a block
+    }
+
+    /// What the wire says of its live status.
+    void SetLive(int status, std::uint32_t before, std::uint32_t after, int occurrences = 0) {
+        const auto byte = [](std::uint32_t value, int shift) {
+            return static_cast<std::uint8_t>(value >> shift);
+        };
+        const auto count = static_cast<std::uint32_t>(occurrences);
+        line->Do([&] {
+            board.contents[425] = {static_cast<std::uint8_t>(status),
+                                   byte(before, 0),
+                                   byte(before, 8),
+                                   byte(before, 16),
+                                   byte(after, 0),
+                                   byte(after, 8),
+                                   byte(after, 16),
+                                   byte(count, 0),
+                                   byte(count, 8)};
+        });
+    }
+
+    static Bytes Records(const WireBoard::SampleRead& read) {
+        const bool before = read.function == 3 || read.function == 35;
+        const auto distance = static_cast<std::int32_t>(read.distance) * (before ? -1 : 1);
+        Bytes bytes;
+        for (std::int32_t i = 0; i < static_cast<std::int32_t>(read.length); ++i) {
+            const SampleRecord record = RecordAt(distance + i);
+            bytes.insert(bytes.end(), record.bytes.begin(), record.bytes.end());
+        }
+        return bytes;
+    }
+    static SampleRecord RecordAt(std::int32_t distance) {
+        SampleRecord record;
+        record.bytes[0] = static_cast<std::uint8_t>(distance);
+        record.bytes[1] = static_cast<std::uint8_t>(distance >> 8);
+        return record;
+    }
+
+    /// The capture that the wire holds is fetched to its end.
+    void Upload() {
+        store.BeginUpload();
+        EXPECT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    }
+    std::vector<WireBoard::SampleRead> Reads() {
+        std::vector<WireBoard::SampleRead> reads;
+        line->Do([&] { reads = board.sampleReads; });
+        return reads;
+    }
+    /// The blocks that were asked for, by the index of their first sample.
+    std::vector<int> BlockOrder() {
+        std::vector<int> order;
+        const int before = store.SamplesBefore();
+        for (const WireBoard::SampleRead& read : Reads()) {
+            if (read.function == 3 || read.function == 5) {
+                order.push_back(before +
+                                static_cast<int>(read.distance) * (read.function == 3 ? -1 : 1));
+            }
+        }
+        return order;
+    }
+    CTesselDoc& NewDocument() {
+        document = std::make_unique<CTesselDoc>(context, prompts);
+        EXPECT_TRUE(document->OnNewDocument());
+        return *document;
+    }
+
+    CSampleStore store{CSampleStore::Board{*link, mainThread, prompts}};
+    NewTraceContext context;
+    BoardTables tables{"PCIKite-1"};
+    bool silent = false; // for a test's own answers
+    std::unique_ptr<CTesselDoc> document;
+};
+
+} // namespace busquill::test
