@@ -13,8 +13,9 @@ CORE = ["platform", "document", "link", "signals", "tracesetup", "capture"]
 UI = {
     "framework": set(),
     "link": {"framework"},
-    "display": {"framework"},
-    "shell": {"framework", "link", "display"},
+    "capture": {"framework"},
+    "display": {"framework", "capture"},
+    "shell": {"framework", "link", "capture", "display"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -5,6 +5,8 @@
 #include "support/memory_settings.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
+#include "ui/capture/position_gauge.h"
+#include "ui/display/trace_frame.h"
 #include "ui/display/trace_view.h"
 
 #include <QApplication>
@@ -15,6 +17,32 @@
 #include <memory>
 
 namespace busquill::test {
+
+/// What a view tells the window around it.
+class RecordingFrame final : public TraceFrame {
+public:
+    void SetTitleName(const std::string& text) override { name = text; }
+    void SetComment(const std::string& text) override { comment = text; }
+    void ShowSetupName() override { ++setupNamesShown; }
+    void SetCounters(std::int64_t before, std::int64_t after) override {
+        counters = {before, after};
+    }
+    void SetIndicator(RunIndicator state, int activeLevel) override {
+        indicator = state;
+        level = activeLevel;
+    }
+    void SetTimes(const std::array<std::string, 3>& between) override { times = between; }
+    CPositionGauge& GetGauge() override { return gauge; }
+
+    std::string name;
+    std::string comment;
+    int setupNamesShown = 0;
+    std::pair<std::int64_t, std::int64_t> counters = {-1, -1};
+    RunIndicator indicator = RunIndicator::Idle;
+    int level = -1;
+    std::array<std::string, 3> times;
+    CPositionGauge gauge;
+};
 
 /// A trace document read from a file of made-up samples, and views of it.
 class TraceFixture : public testing::Test {
@@ -44,7 +72,7 @@ protected:
 
     std::unique_ptr<CTraceView> MakeView(bool isState = true, bool isZoom = false,
                                          QSize size = {800, 600}) {
-        auto view = std::make_unique<CTraceView>(nullptr, isState, isZoom, settings);
+        auto view = std::make_unique<CTraceView>(nullptr, isState, isZoom, TraceViewParts{settings});
         view->AttachDocument(document.get());
         view->resize(size);
         view->show();

@@ -66,9 +66,8 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
     return true;
 }
 
-// Captures cannot be saved yet; the command is disabled for them.
-bool CTesselDoc::OnSaveDocument(const std::string& /*path*/) {
-    return false;
+bool CTesselDoc::OnSaveDocument(const std::string& path) {
+    return context_.saveTrace && context_.saveTrace(*this, path);
 }
 
 CSampleStore& CTesselDoc::GetStore() noexcept {

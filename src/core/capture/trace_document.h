@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -59,6 +60,8 @@ struct NewTraceContext {
     bool fileWantsStateView = false; // set by the loader
     CTesselDoc* cloneSource = nullptr;
     CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
+    /// Asks for a range and saves it; false when the user cancels.
+    std::function<bool(CTesselDoc&, const std::string& path)> saveTrace;
 };
 
 /// A captured trace: its samples, the signal lists through which they are seen, the setup that

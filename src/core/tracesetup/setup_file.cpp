@@ -4,6 +4,10 @@
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "platform/text_file.h"
+#include "platform/working_directory.h"
+
+#include <algorithm>
+#include <filesystem>
 
 namespace busquill {
 
@@ -46,6 +50,23 @@ void ReadKeyword(TraceSetup& setup, const Fields& fields, TextReader& file) {
     } else if (key == "Control" && value != "Level") {
         ParseLevelRow(setup, fields, false);
     }
+}
+
+/// What a file calls its setup. It stands near the file's top; the rest is not read.
+std::string SetupName(const std::string& path) {
+    TextReader file;
+    Fields fields;
+    if (file.Open(path)) {
+        while (ReadCsvRecord(file, fields)) {
+            if (fields.size() > 1 && fields[0] == "Name" && !fields[1].empty()) {
+                return fields[1];
+            }
+            if (!fields.empty() && fields[0] == "Events") {
+                break;
+            }
+        }
+    }
+    return std::string(BaseNameOf(path));
 }
 
 } // namespace
@@ -137,6 +158,19 @@ void WriteSetupBody(const TraceSetup& setup, TextWriter& file) {
         file.Write(LevelRow(setup, level, false));
     }
     file.Write("\"End of Setup Data\"\n");
+}
+
+std::vector<SetupFileEntry> FindSetupFiles(const std::string& directory) {
+    std::vector<SetupFileEntry> found;
+    std::error_code error;
+    for (const auto& file : std::filesystem::directory_iterator(directory, error)) {
+        if (file.path().extension() == ".tsp" && file.is_regular_file(error)) {
+            found.push_back({file.path().string(), SetupName(file.path().string())});
+        }
+    }
+    std::sort(found.begin(), found.end(),
+              [](const auto& a, const auto& b) { return a.path < b.path; });
+    return found;
 }
 
 bool LoadSetupFile(TraceSetup& setup, const std::string& path, Prompts& prompts) {

@@ -31,6 +31,15 @@ void WriteSetupBody(const TraceSetup& setup, TextWriter& file);
 [[nodiscard]] std::string LevelRow(const TraceSetup& setup, int level, bool stimulus);
 [[nodiscard]] std::string LevelHeader(bool stimulus);
 
+/// A setup file and what it calls its setup; its base name, where it does not say.
+struct SetupFileEntry {
+    std::string path;
+    std::string name;
+};
+
+/// The setup files of a directory, by their file names.
+[[nodiscard]] std::vector<SetupFileEntry> FindSetupFiles(const std::string& directory);
+
 /// Reports in its own words and returns false when the file cannot be opened or is of another
 /// type or version; the setup then holds whatever the file had.
 [[nodiscard]] bool LoadSetupFile(TraceSetup& setup, const std::string& path, Prompts& prompts);

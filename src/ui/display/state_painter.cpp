@@ -331,9 +331,9 @@ std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_
     }
     const auto record = frame.document.GetSample(sample, frame.zoom);
     return !record ? ""
-                             : FormatDecodedValue(frame.board, signal, sample,
-                                                  frame.document.FirstSampleNumber(frame.zoom),
-                                                  *signal.decoded, label, *record, frame.zoom);
+                   : FormatDecodedValue(frame.board, signal, sample,
+                                        frame.document.FirstSampleNumber(frame.zoom),
+                                        *signal.decoded, label, *record, frame.zoom);
 }
 
 std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame) {

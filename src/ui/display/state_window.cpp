@@ -81,7 +81,10 @@ void CStateWnd::Render(bool blit) {
                            colors_,    size(),    sampleColumn_, topRow_,
                            offset_,    bodyFont_, headerFont_};
     QPainter painter(&bitmap_);
-    DrawState(painter, frame);
+    const auto missing = DrawState(painter, frame);
+    if (missing && document_->IsRealTime() && document_->GetStore().IsUploading()) {
+        document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*missing));
+    }
     if (blit) {
         update();
     }

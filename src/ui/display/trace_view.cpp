@@ -1,11 +1,18 @@
 #include "ui/display/trace_view.h"
 
 #include "capture/trace_document.h"
+#include "capture/trace_run.h"
+#include "link/analyzer_link.h"
+#include "platform/settings.h"
 #include "platform/working_directory.h"
+#include "signals/value_text.h"
+#include "ui/capture/position_gauge.h"
+#include "ui/capture/trace_status_dialog.h"
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_frame.h"
 #include "ui/framework/painting.h"
+#include "ui/framework/window_timer.h"
 
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -20,13 +27,14 @@ namespace {
 constexpr std::uint32_t viewBackground = 0xA0A0A0;
 constexpr int verticalBarTop = 17;
 constexpr int wheelNotch = 120;
+constexpr int runPeriod = 200; // milliseconds
 
 } // namespace
 
-CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const Settings& settings)
-    : CView(parent), isState_(isState), isZoom_(isZoom),
+CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceViewParts& parts)
+    : CView(parent), parts_(parts), isState_(isState), isZoom_(isZoom),
       vScroll_(new QScrollBar(Qt::Vertical, this)), hScroll_(new QScrollBar(Qt::Horizontal, this)),
-      state_(new CStateWnd(this, settings)) {
+      state_(new CStateWnd(this, parts.settings)) {
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(true);
     QPalette colors = palette();
@@ -41,6 +49,8 @@ CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const Setting
     connect(hScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnHorizontalAction);
     connect(vScroll_, &QScrollBar::sliderReleased, this, &CTraceView::SetVerticalPosition);
 }
+
+CTraceView::~CTraceView() = default;
 
 CTesselDoc& CTraceView::Trace() const {
     return static_cast<CTesselDoc&>(*GetDocument());
@@ -108,23 +118,48 @@ void CTraceView::GoTo(GoToTarget target) {
 }
 
 void CTraceView::OnInitialUpdate() {
+    const std::int64_t trigger = Trace().Marker(0, isZoom_);
+    if (frame_ != nullptr) {
+        const bool set = trigger != -1;
+        frame_->SetCounters(set ? trigger : 0,
+                            set ? Trace().SampleCount(isZoom_) - trigger - 1 : 0);
+    }
     RefreshFrameName();
     LayOut(); // no size event comes before the view is shown
+    if (Trace().IsRealTime() && parts_.link != nullptr) {
+        showStatus_ = parts_.settings.GetProfileInt("Display", "ShowTraceStatus", 0) != 0;
+        runTimer_ = new WindowTimer(this, *parts_.mainThread, [this] { Tick(); });
+        runTimer_->start(runPeriod);
+    }
     state_->Attach(Trace(), ListOf(Trace()), isZoom_);
     SetScrollBars();
-    for (DocumentView* other : Trace().Views()) {
-        const auto* partner = dynamic_cast<CTraceView*>(other);
-        if (partner != nullptr && partner != this && partner->isZoom_ == isZoom_) {
-            ScrollToSample(partner->TopSample());
-            return;
-        }
-    }
-    if (const std::int64_t trigger = Trace().Marker(0, isZoom_); trigger != -1) {
+    const auto& views = Trace().Views();
+    const auto partner = std::find_if(views.begin(), views.end(), [this](DocumentView* other) {
+        const auto* view = dynamic_cast<CTraceView*>(other);
+        return view != nullptr && view != this && view->isZoom_ == isZoom_;
+    });
+    if (partner != views.end()) {
+        ScrollToSample(dynamic_cast<CTraceView*>(*partner)->TopSample());
+    } else if (trigger != -1) {
         ShowSample(trigger);
     }
+    ShowWholeCapture();
+    if (frame_ != nullptr) {
+        frame_->GetGauge().SetMarker1(Trace().Marker(1, isZoom_));
+        frame_->GetGauge().SetMarker2(Trace().Marker(2, isZoom_));
+        if (!Trace().IsRealTime()) {
+            frame_->SetIndicator(RunIndicator::File);
+        }
+    }
+    ShowTimes();
 }
 
 void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* object) {
+    if (hint == HintBlockArrived) {
+        timesShown_.reset(); // and taken anew when all blocks of the tick are in
+    } else {
+        ShowTimes();
+    }
     switch (hint) {
     case HintMarker1:
     case HintMarker2:
@@ -138,10 +173,17 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
             MarkerChanged(hint == HintZoomMarker1 ? 1 : 2);
         }
         break;
+    case HintCaptureStarted:
+        CaptureStarted();
+        break;
     case HintCaptureStopped:
     case HintDataComplete:
         SetScrollBars();
         ShowSample(Trace().Marker(0, isZoom_));
+        if (isZoom_ && hint == HintDataComplete && frame_ != nullptr) {
+            frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore);
+        }
+        ShowWholeCapture();
         break;
     case HintBlockArrived:
         BlockArrived(object);
@@ -150,6 +192,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         if (const auto* target = dynamic_cast<const GoToSampleHint*>(object);
             target != nullptr && target->zoom == isZoom_) {
             ShowSample(target->sample);
+            ReportWindow();
         }
         break;
     case HintNameChanged:
@@ -175,6 +218,103 @@ void CTraceView::MarkerChanged(int which) {
     } else {
         ShowSample(marker);
     }
+    if (frame_ != nullptr) {
+        CPositionGauge& gauge = frame_->GetGauge();
+        which == 1 ? gauge.SetMarker1(marker) : gauge.SetMarker2(marker);
+    }
+}
+
+/// The gauge shows the board's memory while it fills.
+void CTraceView::CaptureStarted() {
+    showStatus_ = parts_.settings.GetProfileInt("Display", "ShowTraceStatus", 0) != 0;
+    SetScrollBars();
+    state_->SetTopRow(0);
+    if (frame_ == nullptr || parts_.link == nullptr) {
+        return;
+    }
+    constexpr std::int64_t kilo = 1024;
+    const std::int64_t total = parts_.link->Identity().bufferSizeK * kilo;
+    CPositionGauge& gauge = frame_->GetGauge();
+    gauge.SetTotal(total);
+    gauge.SetTrigger(TriggerSampleOf(Trace().setup, total));
+    gauge.SetCounts(-1, -1);
+    gauge.SetMarker1(-1);
+    gauge.SetMarker2(-1);
+    gauge.SetWindow(-1, -1);
+}
+
+/// The gauge shows the capture as it is now.
+void CTraceView::ShowWholeCapture() {
+    if (frame_ == nullptr) {
+        return;
+    }
+    CPositionGauge& gauge = frame_->GetGauge();
+    gauge.SetTotal(Trace().SampleCount(isZoom_));
+    gauge.SetTrigger(Trace().Marker(0, isZoom_));
+    gauge.SetCounts(-1, -1);
+    gauge.SetMarker1(-1);
+    gauge.SetMarker2(-1);
+    ReportWindow();
+}
+
+void CTraceView::ReportWindow() {
+    if (frame_ == nullptr) {
+        return;
+    }
+    const std::int64_t rows = RowCount();
+    const std::int64_t last = std::min(state_->TopRow() + state_->VisibleRowCount(), rows) - 1;
+    const bool shown = rows > 0;
+    frame_->GetGauge().SetWindow(shown ? TopSample() : -1,
+                                 shown ? Trace().RowToSample(last, isZoom_) : -1);
+}
+
+void CTraceView::ShowTimes() {
+    if (frame_ == nullptr) {
+        return;
+    }
+    const TimesOf wanted{
+        {Trace().Marker(0, isZoom_), Trace().Marker(1, isZoom_), Trace().Marker(2, isZoom_)},
+        Trace().SampleCount(isZoom_)};
+    if (timesShown_ == wanted) {
+        return; // the walk over the samples is long
+    }
+    timesShown_ = wanted;
+    const auto between = [&](std::size_t a, std::size_t b) {
+        return TimeBetween(wanted.markers[a], wanted.markers[b], ListOf(Trace()), isZoom_);
+    };
+    frame_->SetTimes({between(1, 2), between(1, 0), between(2, 0)});
+}
+
+void CTraceView::Tick() {
+    const RunState state = FollowRun(*parts_.link, Trace());
+    ShowTimes();
+    const bool running = state.indicator == RunIndicator::Running;
+    if (frame_ != nullptr) {
+        if (!isZoom_ && Trace().HasData()) {
+            frame_->SetCounters(state.before, state.after);
+        } else if (isZoom_ && state.indicator == RunIndicator::Uploading) {
+            frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore);
+        }
+        frame_->SetIndicator(state.indicator, running ? state.level + 1 : -1);
+        if (running) {
+            frame_->GetGauge().SetCounts(state.before, state.after);
+        }
+    }
+    FollowStatus(state);
+}
+
+void CTraceView::FollowStatus(const RunState& state) {
+    if (state.indicator != RunIndicator::Running) {
+        statusDialog_.reset();
+        return;
+    }
+    if (statusDialog_ == nullptr && showStatus_) {
+        statusDialog_ = std::make_unique<CTraceStatusDialog>(window(), Trace().setup);
+        statusDialog_->show();
+    }
+    if (statusDialog_ != nullptr) {
+        statusDialog_->Follow(state);
+    }
 }
 
 void CTraceView::BlockArrived(const HintObject* object) {
@@ -193,6 +333,7 @@ void CTraceView::RefreshFrameName() {
     if (frame_ != nullptr) {
         frame_->SetComment(Trace().comment);
         frame_->SetTitleName(Trace().IsRealTime() ? "New" : Trace().fileName);
+        frame_->ShowSetupName();
     }
 }
 
@@ -283,10 +424,12 @@ void CTraceView::OnHorizontalAction(int action) {
 }
 
 void CTraceView::Synchronise() {
+    ReportWindow();
     for (DocumentView* other : std::vector(Trace().Views())) {
         auto* view = dynamic_cast<CTraceView*>(other);
         if (view != nullptr && view != this && view->isZoom_ == isZoom_) {
             view->ScrollToSample(TopSample());
+            view->ReportWindow();
         }
     }
 }
@@ -294,6 +437,9 @@ void CTraceView::Synchronise() {
 void CTraceView::resizeEvent(QResizeEvent* /*event*/) {
     LayOut();
     SetScrollBars();
+    if (GetDocument() != nullptr) {
+        ReportWindow();
+    }
 }
 
 void CTraceView::LayOut() {

@@ -2,26 +2,42 @@
 
 #include "ui/framework/view.h"
 
+#include <array>
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 class QScrollBar;
 
 namespace busquill {
 
+class CAnalyzerLink;
 class CSignalList;
 class CStateWnd;
 class CTesselDoc;
+class CTraceStatusDialog;
+class MainThread;
 class Settings;
 class TraceFrame;
+class WindowTimer;
+struct RunState;
 
 enum class GoToTarget { Trigger, Marker1, Marker2, Start, End };
+
+/// What a trace view works with. They outlive it. A view of a file needs the settings only.
+struct TraceViewParts {
+    const Settings& settings;
+    CAnalyzerLink* link = nullptr;
+    const MainThread* mainThread = nullptr;
+};
 
 /// The view of a captured trace: scroll bars around one display of its samples, kept in step with
 /// the document's other views.
 class CTraceView final : public CView {
     Q_OBJECT
 public:
-    CTraceView(QWidget* parent, bool isState, bool isZoom, const Settings& settings);
+    CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceViewParts& parts);
+    ~CTraceView() override;
 
     /// The window around the view; it outlives the view.
     void SetFrame(TraceFrame* frame) { frame_ = frame; }
@@ -65,7 +81,21 @@ private:
     void BlockArrived(const HintObject* object);
     void Synchronise();
     void RefreshFrameName();
+    void ShowTimes();
+    void CaptureStarted();
+    void ShowWholeCapture();
+    void ReportWindow();
+    void Tick();
+    void FollowStatus(const RunState& state);
 
+    /// What the times on the bar were taken from.
+    struct TimesOf {
+        std::array<std::int64_t, 3> markers{};
+        std::int64_t samples = 0;
+        friend bool operator==(const TimesOf&, const TimesOf&) = default;
+    };
+
+    const TraceViewParts parts_;
     const bool isState_;
     const bool isZoom_;
     TraceFrame* frame_ = nullptr;
@@ -73,6 +103,10 @@ private:
     QScrollBar* hScroll_;
     CStateWnd* state_;
     int wheelRest_ = 0; // of a notch, from a fine wheel
+    WindowTimer* runTimer_ = nullptr;
+    std::unique_ptr<CTraceStatusDialog> statusDialog_;
+    bool showStatus_ = false;
+    std::optional<TimesOf> timesShown_; // nothing when they must be taken anew
 };
 
 } // namespace busquill

@@ -4,12 +4,18 @@
 
 #include <QCloseEvent>
 #include <QIcon>
+#include <QVBoxLayout>
 
 namespace busquill {
 
 CMDIChildWnd::CMDIChildWnd(CDocument& document) : document_(document) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowIcon(QIcon(":/icons/state.svg"));
+    auto* inside = new QWidget;
+    layout_ = new QVBoxLayout(inside);
+    layout_->setContentsMargins(0, 0, 0, 0);
+    layout_->setSpacing(0);
+    setWidget(inside);
 }
 
 CMDIChildWnd::~CMDIChildWnd() {
@@ -21,8 +27,22 @@ CMDIChildWnd::~CMDIChildWnd() {
 void CMDIChildWnd::SetView(CView* view) {
     CView* old = view_;
     view_ = view;
-    setWidget(view);
+    layout_->addWidget(view, 1);
+    widget()->setFocusProxy(view);
     delete old;
+}
+
+void CMDIChildWnd::SetBar(QWidget* bar) {
+    layout_->insertWidget(0, bar);
+}
+
+CMDIChildWnd* CMDIChildWnd::FrameOf(QWidget& widget) {
+    for (QWidget* each = &widget; each != nullptr; each = each->parentWidget()) {
+        if (auto* frame = qobject_cast<CMDIChildWnd*>(each)) {
+            return frame;
+        }
+    }
+    return nullptr;
 }
 
 void CMDIChildWnd::closeEvent(QCloseEvent* event) {

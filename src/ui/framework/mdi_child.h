@@ -4,6 +4,8 @@
 
 #include <functional>
 
+class QVBoxLayout;
+
 namespace busquill {
 
 class CDocument;
@@ -19,6 +21,10 @@ public:
 
     [[nodiscard]] CDocument& GetDocument() const noexcept { return document_; }
     [[nodiscard]] CView* GetActiveView() const noexcept { return view_; }
+    /// The window that a widget lies in, or null.
+    [[nodiscard]] static CMDIChildWnd* FrameOf(QWidget& widget);
+    /// Puts a bar above the view.
+    void SetBar(QWidget* bar);
     /// Puts a view into the window, in place of the one that was there, which is destroyed.
     void SetView(CView* view);
 
@@ -32,6 +38,7 @@ protected:
 private:
     CDocument& document_;
     CView* view_ = nullptr;
+    QVBoxLayout* layout_;
 };
 
 } // namespace busquill

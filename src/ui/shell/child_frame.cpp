@@ -1,6 +1,19 @@
 #include "ui/shell/child_frame.h"
 
+#include "capture/trace_run.h"
+#include "link/analyzer_link.h"
+#include "platform/settings.h"
+#include "platform/working_directory.h"
+#include "tracesetup/setup_file.h"
+#include "ui/capture/new_window_dialog.h"
+#include "ui/capture/position_gauge.h"
 #include "ui/display/trace_view.h"
+#include "ui/shell/help_window.h"
+#include "ui/shell/tessel_app.h"
+#include "ui/shell/trace_bar.h"
+
+#include <QComboBox>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -12,27 +25,65 @@ constexpr int largestWidth = 0x352;
 constexpr QSize zoomFrameSize(560, 360);
 constexpr int usualHeight = 420;
 
+constexpr const char* setupSection = "Setup";
+constexpr const char* newSetup = "<New>";
+
 } // namespace
 
-CChildFrame::CChildFrame(CTesselDoc& document, TraceViewKind kind, int clientWidth,
-                         const Settings& settings)
-    : CMDIChildWnd(document), settings_(settings), isState_(kind == TraceViewKind::State),
-      isZoom_(kind == TraceViewKind::PowerZoom), titleKind_(isZoom_ ? "Power Zoom" : "Trace") {
+CChildFrame::CChildFrame(const Parts& parts, CTesselDoc& document, TraceViewKind kind,
+                         int clientWidth)
+    : CMDIChildWnd(document), parts_(parts), isState_(kind == TraceViewKind::State),
+      isZoom_(kind == TraceViewKind::PowerZoom), bar_(new CTraceBar),
+      titleKind_(isZoom_ ? "Power Zoom" : "Trace") {
     resize(isZoom_ ? zoomFrameSize : QSize(std::min(clientWidth, largestWidth), usualHeight));
+    MakeBar();
+    SetBar(bar_);
     SetView(MakeView());
     UpdateTitle();
 }
 
 CTraceView* CChildFrame::MakeView() {
-    auto* view = new CTraceView(this, isState_, isZoom_, settings_);
+    auto* view = new CTraceView(this, isState_, isZoom_,
+                                {parts_.settings, &parts_.link, &parts_.mainThread});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
     return view;
 }
 
+void CChildFrame::MakeBar() {
+    connect(&bar_->GoButton(), &QToolButton::clicked, this, &CChildFrame::OnGo);
+    connect(&bar_->StopButton(), &QToolButton::clicked, this, &CChildFrame::OnStop);
+    connect(&bar_->DisplayButton(), &QToolButton::clicked, this, &CChildFrame::OnDisplay);
+    connect(&bar_->ZoomButton(), &QToolButton::clicked, this, &CChildFrame::OnPowerZoom);
+    connect(&bar_->HelpButton(), &QToolButton::clicked, this,
+            [this] { parts_.app.ShowHelp(isState_ ? HelpTopic::State : HelpTopic::Waveform); });
+    connect(&bar_->SetupBox(), &QComboBox::activated, this, &CChildFrame::SetupChosen);
+    bar_->SetupButton().setEnabled(false); // there is no editor yet
+    bar_->ShowStateButton(!isState_);
+    if (isZoom_) {
+        bar_->HideRunControls();
+    }
+    const BoardTraits board = parts_.link.Traits();
+    if (board.IsWrenBoard() || board.IsVmeLark()) {
+        bar_->HideZoomButton();
+    }
+    FillSetupBox();
+}
+
 CTraceView& CChildFrame::TraceView() const {
     return static_cast<CTraceView&>(*GetActiveView());
 }
+
+CTesselDoc& CChildFrame::Trace() const {
+    return static_cast<CTesselDoc&>(GetDocument());
+}
+
+void CChildFrame::FocusView() {
+    setFocus();
+    GetActiveView()->setFocus();
+}
+
+// What the view tells.
 
 void CChildFrame::SetTitleName(const std::string& name) {
     titleName_ = QString::fromStdString(name);
@@ -50,8 +101,118 @@ void CChildFrame::UpdateTitle() {
     setWindowTitle(titleComment_.isEmpty() ? title : title + " (" + titleComment_ + ")");
 }
 
+void CChildFrame::SetCounters(std::int64_t before, std::int64_t after) {
+    bar_->SetCounters(before, after);
+}
+
+void CChildFrame::SetIndicator(RunIndicator indicator, int level) {
+    bar_->SetIndicator(indicator, level);
+}
+
+void CChildFrame::SetTimes(const std::array<std::string, 3>& times) {
+    bar_->SetTimes(times);
+}
+
+CPositionGauge& CChildFrame::GetGauge() {
+    return bar_->Gauge();
+}
+
+// The setup box.
+
+void CChildFrame::FillSetupBox() {
+    QComboBox& box = bar_->SetupBox();
+    box.clear();
+    if (!Trace().IsRealTime()) {
+        return; // a file has its own setup and no other
+    }
+    box.addItem(newSetup, QString());
+    const std::string directory =
+        parts_.settings.GetProfileString(setupSection, "LastSetupDir", parts_.directory.Path());
+    for (const SetupFileEntry& entry : FindSetupFiles(directory)) {
+        box.addItem(QString::fromStdString(entry.name), QString::fromStdString(entry.path));
+    }
+    box.setCurrentIndex(-1);
+}
+
+void CChildFrame::ShowSetupName() {
+    QComboBox& box = bar_->SetupBox();
+    const QString name = QString::fromStdString(Trace().setupName);
+    if (Trace().IsRealTime()) {
+        // Of two setups of the same name, the document's own.
+        const int own = box.findData(QString::fromStdString(Trace().setupPath));
+        const bool isOwn = own >= 0 && box.itemText(own) == name;
+        box.setCurrentIndex(isOwn ? own : box.findText(name));
+    } else {
+        box.clear();
+        box.addItem(name);
+    }
+}
+
+void CChildFrame::SetupChosen() {
+    CTesselDoc& document = Trace();
+    if (!document.IsRealTime()) {
+        return;
+    }
+    const std::string path = bar_->SetupBox().currentData().toString().toStdString();
+    document.SetSetupName(path, bar_->SetupBox().currentText().toStdString());
+    parts_.settings.WriteProfileString(setupSection, "LastSetupFile", path);
+    if (path.empty()) {
+        document.setup.Reset();
+    } else {
+        static_cast<void>(LoadSetupFile(document.setup, path, parts_.prompts)); // it has told
+        DownloadSetup(parts_.link, document.setup, parts_.prompts);
+    }
+    FocusView();
+}
+
+// The buttons.
+
+void CChildFrame::OnGo() {
+    CTesselDoc& document = Trace();
+    if (document.IsRealTime()) {
+        StartRun(parts_.link, document, bar_->SetupBox().currentData().toString().toStdString(),
+                 parts_.prompts);
+        FocusView();
+        return;
+    }
+    parts_.app.CloneTrace(document, isState_ ? TraceViewKind::State : TraceViewKind::Waveform);
+}
+
+void CChildFrame::OnStop() {
+    if (Trace().IsRealTime() && Trace().CaptureActive()) {
+        StopRun(Trace());
+        FocusView();
+    }
+}
+
+void CChildFrame::OnDisplay() {
+    for (DocumentView* each : Trace().Views()) {
+        auto* view = dynamic_cast<CTraceView*>(each);
+        if (view != nullptr && view->IsState() != isState_) {
+            parts_.app.ActivateFrameOf(*view);
+            return;
+        }
+    }
+    CNewWindowDialog dialog(this, parts_.settings);
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    if (dialog.OpensNewWindow()) {
+        parts_.app.AddTraceFrame(Trace(),
+                                 isState_ ? TraceViewKind::Waveform : TraceViewKind::State);
+    } else {
+        SwitchDisplay(!isState_);
+    }
+}
+
+void CChildFrame::OnPowerZoom() {
+    parts_.app.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
+    FocusView();
+}
+
 void CChildFrame::SwitchDisplay(bool toState) {
     isState_ = toState;
+    bar_->ShowStateButton(!isState_);
     const std::int64_t center = TraceView().CenterSample();
     CTraceView* view = MakeView();
     SetView(view);

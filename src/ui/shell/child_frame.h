@@ -6,35 +6,67 @@
 
 namespace busquill {
 
+class CAnalyzerLink;
+class CTesselApp;
+class CTraceBar;
 class CTraceView;
+class MainThread;
+class Prompts;
 class Settings;
+class WorkingDirectory;
 
 /// The window around one view of a trace: a State, Waveform or Power Zoom frame, as it was made.
+/// Its bar runs the capture.
 class CChildFrame final : public CMDIChildWnd, public TraceFrame {
     Q_OBJECT
 public:
+    /// What the frame works with; all outlive it.
+    struct Parts {
+        CTesselApp& app;
+        CAnalyzerLink& link;
+        Settings& settings;
+        Prompts& prompts;
+        const MainThread& mainThread;
+        const WorkingDirectory& directory;
+    };
+
     /// `clientWidth` is the width of the main frame's client area.
-    CChildFrame(CTesselDoc& document, TraceViewKind kind, int clientWidth,
-                const Settings& settings);
+    CChildFrame(const Parts& parts, CTesselDoc& document, TraceViewKind kind, int clientWidth);
 
     [[nodiscard]] bool IsStateFrame() const noexcept { return isState_; }
     [[nodiscard]] bool IsZoomFrame() const noexcept { return isZoom_; }
     [[nodiscard]] CTraceView& TraceView() const;
+    [[nodiscard]] CTesselDoc& Trace() const;
+    [[nodiscard]] CTraceBar& Bar() const noexcept { return *bar_; }
     [[nodiscard]] QString GetTitle() const { return windowTitle(); }
 
     void SetTitleName(const std::string& name) override;
     void SetComment(const std::string& text) override;
+    void ShowSetupName() override;
+    void SetCounters(std::int64_t before, std::int64_t after) override;
+    void SetIndicator(RunIndicator indicator, int level = -1) override;
+    void SetTimes(const std::array<std::string, 3>& times) override;
+    [[nodiscard]] CPositionGauge& GetGauge() override;
 
     /// Replaces the view by one of the other kind that has the same sample in its centre.
     void SwitchDisplay(bool toState);
 
 private:
     [[nodiscard]] CTraceView* MakeView();
+    void MakeBar();
     void UpdateTitle();
+    void FillSetupBox();
+    void SetupChosen();
+    void OnGo();
+    void OnStop();
+    void OnDisplay();
+    void OnPowerZoom();
+    void FocusView();
 
-    const Settings& settings_;
+    const Parts parts_;
     bool isState_;
     bool isZoom_;
+    CTraceBar* bar_;
     QString titleKind_;
     QString titleName_ = "New";
     QString titleComment_;

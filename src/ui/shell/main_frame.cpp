@@ -72,6 +72,9 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread
 
 void CMainFrame::SetApplication(CTesselApp* app) {
     app_ = app;
+    if (app_ != nullptr) {
+        app_->showHelp = [this](int topic) { ShowHelp(topic); };
+    }
     RefreshCommands();
 }
 
@@ -193,6 +196,7 @@ CommandState CMainFrame::State() const {
         state.hasDocument = true;
         if (const auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
             state.traceActive = true;
+            state.canSave = view->Trace().IsRealTime();
             for (int i = 0; i < 5; ++i) {
                 state.canGoTo[static_cast<std::size_t>(i)] =
                     view->CanGoTo(static_cast<GoToTarget>(i));
@@ -276,7 +280,7 @@ void CMainFrame::Run(CommandId id) {
         break;
     case CommandId::HelpContents:
     case CommandId::HelpTopics:
-        ShowHelp();
+        ShowHelp(HelpTopic::Contents);
         break;
     case CommandId::About:
         ShowAbout();
@@ -326,11 +330,11 @@ void CMainFrame::ShowBusConfiguration() {
     }
 }
 
-void CMainFrame::ShowHelp() {
+void CMainFrame::ShowHelp(int topic) {
     if (help_ == nullptr) {
         help_ = new HelpWindow(this);
     }
-    help_->ShowTopic(HelpTopic::Contents);
+    help_->ShowTopic(topic);
 }
 
 void CMainFrame::ShowAbout() {

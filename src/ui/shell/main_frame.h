@@ -51,7 +51,7 @@ private:
     void FillDynamicEntries();
     void ShowBusConfiguration();
     void ShowAbout();
-    void ShowHelp();
+    void ShowHelp(int topic);
     void OnTimer();
 
     CAnalyzerLink& link_;

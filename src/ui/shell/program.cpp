@@ -6,27 +6,31 @@
 namespace busquill {
 
 Program::Program(Machine machine)
-    : machine_(std::move(machine)), link_({machine_.settings, machine_.prompts, machine_.clock,
-                                           machine_.mainThread, machine_.openSerial, machine_.usb}),
+    : machine_(std::move(machine)),
+      realTimeStore_(CSampleStore::Board{link_, machine_.mainThread, machine_.prompts}),
+      link_({machine_.settings, machine_.prompts, machine_.clock, machine_.mainThread,
+             machine_.openSerial, machine_.usb}),
       tables_([this] { return link_.Traits(); }, machine_.directory) {
     RegisterSetupEncoders(link_);
     // In Demo Mode the bus mode alone decides which signals there are.
     link_.SetFamilyListener([this] { tables_.Load(); });
 }
 
+// The monitor of a capture uses the link, and the link's thread may be completing a block.
 Program::~Program() {
     if (frame_) {
         frame_->SetApplication(nullptr);
     }
     app_.reset();
     frame_.reset();
+    realTimeStore_.ShutDown();
 }
 
 void Program::InitInstance() {
     frame_ = std::make_unique<CMainFrame>(link_, machine_.settings, machine_.mainThread);
-    app_ = std::make_unique<CTesselApp>(CTesselApp::Parts{machine_.settings, machine_.prompts,
-                                                          link_, machine_.directory, realTimeStore_,
-                                                          frame_->Area()});
+    app_ = std::make_unique<CTesselApp>(
+        CTesselApp::Parts{machine_.settings, machine_.prompts, link_, machine_.mainThread,
+                          machine_.directory, realTimeStore_, frame_->Area()});
     frame_->SetApplication(app_.get());
     frame_->show();
     frame_->RefreshStatusPanes();

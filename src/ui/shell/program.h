@@ -39,9 +39,9 @@ public:
 
 private:
     Machine machine_;
+    CSampleStore realTimeStore_; // outlives the link's thread
     CAnalyzerLink link_;
     SignalTables tables_;
-    CSampleStore realTimeStore_;
     std::unique_ptr<CMainFrame> frame_;
     std::unique_ptr<CTesselApp> app_;
 };

@@ -3,6 +3,7 @@
 #include "link/analyzer_link.h"
 #include "platform/prompts.h"
 #include "platform/working_directory.h"
+#include "ui/capture/save_trace_dialog.h"
 #include "ui/display/trace_view.h"
 #include "ui/shell/child_frame.h"
 
@@ -34,14 +35,18 @@ static_assert(std::size(docStrings) == templateCount);
 } // namespace
 
 CTesselApp::CTesselApp(const Parts& parts)
-    : CWinApp(parts.settings, parts.prompts), link_(parts.link), directory_(parts.directory),
-      area_(parts.area) {
+    : CWinApp(parts.settings, parts.prompts), link_(parts.link), mainThread_(parts.mainThread),
+      directory_(parts.directory), area_(parts.area) {
     context.realTimeStore = &parts.realTimeStore;
+    context.saveTrace = [this](CTesselDoc& document, const std::string& path) {
+        return SaveTrace(document, path);
+    };
     CMultiDocTemplate::Factories trace;
     trace.makeDocument = [this] { return std::make_unique<CTesselDoc>(context, prompts_); };
     trace.makeFrame = [this](CDocument& document) {
-        return new CChildFrame(static_cast<CTesselDoc&>(document), context.traceViewKind,
-                               area_.width(), settings_);
+        return new CChildFrame({*this, link_, settings_, prompts_, mainThread_, directory_},
+                               static_cast<CTesselDoc&>(document), context.traceViewKind,
+                               area_.width());
     };
     for (std::size_t i = 0; i < templateCount; ++i) {
         AddDocTemplate(std::make_unique<CMultiDocTemplate>(
@@ -96,6 +101,24 @@ void CTesselApp::AddTraceFrame(CTesselDoc& document, TraceViewKind kind) {
     TraceTemplate().InitialUpdateFrame(*TraceTemplate().CreateNewFrame(document));
 }
 
+void CTesselApp::ActivateFrameOf(CTraceView& view) {
+    area_.setActiveSubWindow(CMDIChildWnd::FrameOf(view));
+}
+
+void CTesselApp::CloneTrace(CTesselDoc& source, TraceViewKind kind) {
+    context.cloneSource = &source;
+    if (kind == TraceViewKind::State) {
+        NewStateTrace();
+    } else {
+        NewWaveformTrace();
+    }
+}
+
+bool CTesselApp::SaveTrace(CTesselDoc& document, const std::string& path) {
+    return CSaveTraceDialog(area_.window(), document, path, prompts_, mainThread_).exec() ==
+           QDialog::Accepted;
+}
+
 CDocument* CTesselApp::RealTimeDocument() const {
     const auto& documents = TraceTemplate().Documents();
     const auto found = std::find_if(documents.begin(), documents.end(), [](const auto& document) {
@@ -125,11 +148,11 @@ void CTesselApp::NewTrace(TraceViewKind kind, const char* storedCapture) {
         return;
     }
     context.newDocRealTime = true;
-    if (const CTraceView* view = FindRealTimeView(kind)) {
+    if (CTraceView* view = FindRealTimeView(kind)) {
         if (cloning) {
             RefuseClone();
         } else {
-            area_.setActiveSubWindow(qobject_cast<QMdiSubWindow*>(view->parentWidget()));
+            ActivateFrameOf(*view);
         }
         return;
     }

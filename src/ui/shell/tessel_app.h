@@ -3,7 +3,7 @@
 #include "capture/trace_document.h"
 #include "ui/framework/win_app.h"
 
-#include <QObject>
+#include <functional>
 
 class QMdiArea;
 
@@ -12,6 +12,7 @@ namespace busquill {
 class CAnalyzerLink;
 class CChildFrame;
 class CTraceView;
+class MainThread;
 class WorkingDirectory;
 
 /// The program's documents: the nine templates, how each kind is opened, and the rule that there
@@ -22,6 +23,7 @@ public:
         Settings& settings;
         Prompts& prompts;
         CAnalyzerLink& link;
+        const MainThread& mainThread;
         const WorkingDirectory& directory;
         CSampleStore& realTimeStore;
         QMdiArea& area;
@@ -40,6 +42,13 @@ public:
     [[nodiscard]] CTraceView* FindRealTimeView(TraceViewKind kind) const;
     /// One more frame for a document that has one.
     void AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
+    /// Makes a real-time trace with the lists and the setup of another one.
+    void CloneTrace(CTesselDoc& source, TraceViewKind kind);
+    void ActivateFrameOf(CTraceView& view);
+    void ShowHelp(int topic) { showHelp(topic); }
+
+    /// Opens the help window at a topic; set by the main frame.
+    std::function<void(int)> showHelp = [](int) {};
 
     NewTraceContext context;
     bool stimulusStarted = false;
@@ -47,11 +56,13 @@ public:
 private:
     void NewTrace(TraceViewKind kind, const char* storedCapture);
     [[nodiscard]] CDocument* RealTimeDocument() const;
+    [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);
     [[nodiscard]] bool OpenStoredCapture(const char* name);
     void RefuseClone();
     [[nodiscard]] CMultiDocTemplate& TraceTemplate() const { return *Templates().front(); }
 
     CAnalyzerLink& link_;
+    const MainThread& mainThread_;
     const WorkingDirectory& directory_;
     QMdiArea& area_;
 };

@@ -268,15 +268,9 @@ TEST_F(TraceView, FilteredCaptureScrollsByRows) {
 }
 
 TEST_F(TraceView, TellsItsFrameTheNames) {
-    class Frame final : public TraceFrame {
-    public:
-        void SetTitleName(const std::string& text) override { name = text; }
-        void SetComment(const std::string& text) override { comment = text; }
-        std::string name;
-        std::string comment;
-    } frame;
+    RecordingFrame frame;
     Load(0, 9, "\"Description\",\"What it shows\"\n");
-    CTraceView view(nullptr, true, false, settings);
+    CTraceView view(nullptr, true, false, TraceViewParts{settings});
     view.SetFrame(&frame);
     view.AttachDocument(document.get());
     view.OnInitialUpdate();
@@ -498,7 +492,7 @@ TEST_F(TraceView, NewColoursAreTakenAtTheNextPaint) {
 
 TEST_F(TraceView, IsBlankBeforeItsDocumentIsShown) {
     Load(0, 99);
-    CTraceView view(nullptr, true, false, settings);
+    CTraceView view(nullptr, true, false, TraceViewParts{settings});
     view.AttachDocument(document.get());
     view.resize(600, 400);
     const QImage image = view.findChild<CStateWnd*>()->grab().toImage();
@@ -515,7 +509,7 @@ TEST_F(TraceView, CentresTheTriggerInAChildFrame) {
     area.resize(1000, 800);
     area.show();
     auto* frame = new QMdiSubWindow;
-    auto* view = new CTraceView(frame, true, false, settings);
+    auto* view = new CTraceView(frame, true, false, TraceViewParts{settings});
     view->AttachDocument(document.get());
     frame->setWidget(view);
     area.addSubWindow(frame);
@@ -532,7 +526,7 @@ TEST_F(TraceView, CentresTheTriggerInAChildFrame) {
 
 TEST_F(TraceView, CentresTheTriggerBeforeItIsShown) {
     Load(-500, 499);
-    CTraceView view(nullptr, true, false, settings);
+    CTraceView view(nullptr, true, false, TraceViewParts{settings});
     view.AttachDocument(document.get());
     view.resize(800, 600);
     view.OnInitialUpdate();

@@ -1,0 +1,42 @@
+#include "ui/capture/new_window_dialog.h"
+
+#include "platform/settings.h"
+
+#include <QDialogButtonBox>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace busquill {
+
+namespace {
+
+constexpr const char* section = "Setup";
+constexpr const char* key = "NewTraceWindow";
+
+} // namespace
+
+CNewWindowDialog::CNewWindowDialog(QWidget* parent, Settings& settings)
+    : QDialog(parent), settings_(settings), newWindow_(new QRadioButton("Open new window")) {
+    setWindowTitle("New Trace Window");
+    auto* existing = new QRadioButton("Switch existing window");
+    (settings_.GetProfileInt(section, key, 0) != 0 ? newWindow_ : existing)->setChecked(true);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &CNewWindowDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &CNewWindowDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(existing);
+    layout->addWidget(newWindow_);
+    layout->addWidget(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+bool CNewWindowDialog::OpensNewWindow() const {
+    return newWindow_->isChecked();
+}
+
+void CNewWindowDialog::accept() {
+    settings_.WriteProfileInt(section, key, OpensNewWindow() ? 1 : 0);
+    QDialog::accept();
+}
+
+} // namespace busquill

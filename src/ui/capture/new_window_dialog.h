@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QDialog>
+
+class QRadioButton;
+
+namespace busquill {
+
+class Settings;
+
+/// Asks whether the other display of a trace replaces the one in the window or gets its own. The
+/// answer is kept for the next time.
+class CNewWindowDialog final : public QDialog {
+    Q_OBJECT
+public:
+    CNewWindowDialog(QWidget* parent, Settings& settings);
+
+    [[nodiscard]] bool OpensNewWindow() const;
+    void accept() override;
+
+private:
+    Settings& settings_;
+    QRadioButton* newWindow_;
+};
+
+} // namespace busquill

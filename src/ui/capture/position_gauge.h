@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QWidget>
+
+#include <cstdint>
+#include <vector>
+
+namespace busquill {
+
+/// What the gauge shows of a capture; -1 means unset.
+struct GaugeState {
+    std::int64_t total = -1; // samples that the whole width stands for
+    std::int64_t trigger = -1;
+    std::int64_t marker1 = -1;
+    std::int64_t marker2 = -1;
+    std::int64_t windowFirst = -1; // what a view shows
+    std::int64_t windowLast = -1;
+    std::int64_t before = -1; // counts while a capture runs
+    std::int64_t after = -1;
+};
+
+/// A filled stretch of the gauge, over its full height; a line is one pixel wide.
+struct GaugeBar {
+    int left = 0;
+    int right = 0; // the first pixel behind it
+    std::uint32_t color = 0;
+    friend bool operator==(const GaugeBar&, const GaugeBar&) = default;
+};
+
+/// The bars in a rectangle from `left` to `right`, in the order of drawing, over its ground.
+[[nodiscard]] std::vector<GaugeBar> GaugeBars(const GaugeState& state, int left, int right);
+
+/// Where a view stands in a capture, where trigger and markers are, and how far the board's memory
+/// has filled.
+class CPositionGauge final : public QWidget {
+    Q_OBJECT
+public:
+    explicit CPositionGauge(QWidget* parent = nullptr);
+
+    void SetTotal(std::int64_t samples);
+    void SetTrigger(std::int64_t sample);
+    void SetMarker1(std::int64_t sample);
+    void SetMarker2(std::int64_t sample);
+    void SetWindow(std::int64_t first, std::int64_t last);
+    void SetCounts(std::int64_t before, std::int64_t after);
+    [[nodiscard]] const GaugeState& State() const noexcept { return state_; }
+
+    [[nodiscard]] QSize sizeHint() const override { return {160, 20}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void Set(std::int64_t GaugeState::*field, std::int64_t value);
+
+    GaugeState state_;
+};
+
+} // namespace busquill

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "capture/trace_run.h"
+
+#include <QDialog>
+
+#include <array>
+#include <optional>
+
+class QLabel;
+
+namespace busquill {
+
+class TraceSetup;
+
+/// Follows a capture beside the windows while it runs: counts, indicators, and the program's
+/// active level. Writes a field only when it has changed.
+class CTraceStatusDialog final : public QDialog {
+    Q_OBJECT
+public:
+    /// The setup outlives the dialog.
+    CTraceStatusDialog(QWidget* parent, const TraceSetup& setup);
+
+    void Follow(const RunState& state);
+
+private:
+    enum Field {
+        Before,
+        After,
+        Occurrences,
+        Active,
+        Triggered,
+        BufferFull,
+        Level,
+        Store,
+        IfEvent,
+        Occurs,
+        Then,
+        Else,
+        FieldCount
+    };
+
+    QLabel* AddField(Field field, const char* name);
+    void SetText(Field field, const std::string& text);
+    void SetLamp(Field field, bool lit);
+
+    const TraceSetup& setup_;
+    std::array<QLabel*, FieldCount> fields_{};
+    std::optional<RunState> shown_;
+};
+
+} // namespace busquill
