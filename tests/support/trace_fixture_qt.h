@@ -72,7 +72,8 @@ protected:
 
     std::unique_ptr<CTraceView> MakeView(bool isState = true, bool isZoom = false,
                                          QSize size = {800, 600}) {
-        auto view = std::make_unique<CTraceView>(nullptr, isState, isZoom, TraceViewParts{settings});
+        auto view =
+            std::make_unique<CTraceView>(nullptr, isState, isZoom, TraceViewParts{settings});
         view->AttachDocument(document.get());
         view->resize(size);
         view->show();

@@ -5,18 +5,23 @@
 #include "platform/usb_device.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
+#include "ui/shell/child_frame.h"
 #include "ui/shell/command_line.h"
 #include "ui/shell/program.h"
+#include "ui/shell/trace_bar.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QTimer>
+#include <QToolButton>
 
 #include <cstdio>
 
@@ -85,6 +90,10 @@ public:
         }
     }
 
+    void Fail(const char* why) {
+        failed_ = true;
+        std::fprintf(stderr, "%s\n", why);
+    }
     [[nodiscard]] bool Failed() const { return failed_; }
 
 private:
@@ -93,12 +102,59 @@ private:
     bool failed_ = false;
 };
 
+/// Runs the program's windows until something holds, at most so many milliseconds.
+template <typename Condition>
+bool WaitFor(Condition holds, int limit) {
+    QElapsedTimer time;
+    time.start();
+    while (!holds() && time.elapsed() < limit) {
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
+    }
+    return holds();
+}
+
+/// A live capture, from the choice of a setup to the end of the upload.
+void Capture(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Capture/State", "message");
+    auto* window = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for a capture");
+        return;
+    }
+    QComboBox& box = window->Bar().SetupBox();
+    box.setCurrentIndex(box.findText("Read after 100 writes"));
+    emit box.activated(box.currentIndex());
+    window->Bar().GoButton().click();
+    CTesselDoc& document = window->Trace();
+    WaitFor([&] { return false; }, 1200);
+    tour.Picture(frame, "capture-running");
+    for (QWidget* dialog : QApplication::topLevelWidgets()) {
+        if (dialog->isVisible() && dialog->windowTitle() == "Trace Status") {
+            tour.Picture(*dialog, "trace-status");
+        }
+    }
+    if (!WaitFor([&] { return !document.CaptureActive(); }, 20000)) {
+        window->Bar().StopButton().click();
+    }
+    WaitFor([&] { return false; }, 300);
+    tour.Picture(frame, "capture-uploading");
+    if (!WaitFor([&] { return !document.GetStore().IsUploading(); }, 60000)) {
+        tour.Fail("the upload has not ended");
+    }
+    WaitFor([&] { return false; }, 400);
+    tour.Picture(frame, "capture");
+    document.SetPathName(WorkingDirectory::AtStart().FilePath("capture.tra"));
+    tour.Choose(frame, "File/Save", "save-trace");
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
     tour.Choose(frame, "Utilities/Board Info", "board-info");
     tour.Choose(frame, "Utilities/Bus Configuration", "bus-configuration");
     if (!program.Link().IsDemoMode()) {
+        Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));
     } else {
         tour.Choose(frame, "File/New/Capture/State", "message");

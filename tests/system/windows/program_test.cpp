@@ -1,8 +1,6 @@
 // The whole program against the simulated board, over a real pseudo terminal.
 
-#include "platform/clock.h"
-#include "platform/serial_port.h"
-#include "support/program_fixture_qt.h"
+#include "support/board_program_fixture_qt.h"
 #include "ui/display/trace_view.h"
 #include "ui/shell/child_frame.h"
 
@@ -16,16 +14,8 @@
 namespace busquill::test {
 namespace {
 
-class WithBoard : public ProgramFixture {
+class WithBoard : public BoardProgramFixture {
 protected:
-    void Connect(std::vector<std::string> options = {}) {
-        options.insert(options.end(), {"--baud", "9600"});
-        board = std::make_unique<BoardProcess>(options);
-        settings.WriteProfileString("Setup", "ComDevice1", board->Terminal());
-        settings.WriteProfileInt("Setup", "BaudRate", 9600);
-        program.reset();
-        Start(systemClock, OpenSerialPort);
-    }
     void ConfigureBus(const QString& mode, const QString& frequency, bool save) {
         ChooseDialog<QDialog>("Utilities/Bus Configuration", [&](QDialog& dialog) {
             dialog.findChildren<QComboBox*>()[0]->setCurrentText(mode);
@@ -40,9 +30,6 @@ protected:
             }
         });
     }
-
-    SystemClock systemClock;
-    std::unique_ptr<BoardProcess> board;
 };
 
 TEST_F(WithBoard, StatusBarShowsModelModeAndFrequency) {

@@ -1,0 +1,368 @@
+// A live capture through the program's windows, against the simulated board.
+
+#include "capture/trace_document.h"
+#include "support/board_program_fixture_qt.h"
+#include "tracesetup/setup_file.h"
+#include "ui/capture/position_gauge.h"
+#include "ui/capture/save_trace_dialog.h"
+#include "ui/display/trace_view.h"
+#include "ui/shell/child_frame.h"
+#include "ui/shell/trace_bar.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QToolButton>
+#include <QtTest/QTest>
+#include <gmock/gmock.h>
+
+#include <set>
+
+namespace busquill::test {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class LiveCapture : public BoardProgramFixture {
+protected:
+    LiveCapture() {
+        for (const char* name : {"MemoryWrite.tsp", "ReadAfterWrites.tsp"}) {
+            std::filesystem::copy(BUSQUILL_SOURCE_DIR "/data/" + std::string(name), dir.File(name));
+        }
+    }
+    void OpenState() {
+        Choose("File/New/Capture/State");
+        frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    }
+    CTraceBar& Bar() { return frame->Bar(); }
+    CTesselDoc& Trace() { return frame->Trace(); }
+    void ChooseSetup(const QString& name) {
+        QComboBox& box = Bar().SetupBox();
+        const int index = box.findText(name);
+        ASSERT_GE(index, 0) << name.toStdString();
+        box.setCurrentIndex(index);
+        emit box.activated(index);
+    }
+    void Go() { QTest::mouseClick(&Bar().GoButton(), Qt::LeftButton); }
+    void Stop() { QTest::mouseClick(&Bar().StopButton(), Qt::LeftButton); }
+    bool Running() { return Trace().CaptureActive(); }
+    template <typename Condition>
+    bool RunUntil(Condition holds) {
+        return QTest::qWaitFor(holds, 60000);
+    }
+    bool Complete() {
+        return RunUntil([&] { return !Running() && !Trace().GetStore().IsUploading(); }) &&
+               (QTest::qWait(450), true); // and the timer has looked
+    }
+    void Close() {
+        frame->close();
+        QTest::qWait(10); // until it is gone
+    }
+    QString Text(const char* name) { return Bar().findChild<QLabel*>(name)->text(); }
+    std::vector<std::string> Functions() { return board->Functions(); }
+    /// The names of the functions that the board was asked for, without the polls of its status.
+    std::vector<std::string> Run() {
+        std::vector<std::string> names;
+        for (const std::string& line : Functions()) {
+            if (line.find("read memory, address 425") == std::string::npos) {
+                names.push_back(line.substr(line.find(' ', 9) + 1));
+            }
+        }
+        return names;
+    }
+    QDialog* StatusDialog() {
+        for (QWidget* each : QApplication::topLevelWidgets()) {
+            if (each->windowTitle() == "Trace Status" && each->isVisible()) {
+                return qobject_cast<QDialog*>(each);
+            }
+        }
+        return nullptr;
+    }
+
+    CChildFrame* frame = nullptr;
+};
+
+TEST_F(LiveCapture, FromGoToASavedFile) {
+    Connect({"--buffer", "4", "--rate", "4000"});
+    settings.WriteProfileInt("Display", "ShowTraceStatus", 1);
+    OpenState();
+    EXPECT_EQ(Bar().SetupBox().currentText(), "<New>");
+    ChooseSetup("Read after 100 writes");
+    EXPECT_EQ(Trace().setupName, "Read after 100 writes");
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""),
+              dir.File("ReadAfterWrites.tsp"));
+    Go();
+    ASSERT_TRUE(Running());
+    const GaugeState& gauge = Bar().Gauge().State();
+    EXPECT_EQ(gauge.total, 4096);
+    EXPECT_EQ(gauge.trigger, 3072);
+    ASSERT_TRUE(RunUntil([&] { return StatusDialog() != nullptr; }));
+    ASSERT_TRUE(RunUntil([&] {
+        QDialog* dialog = StatusDialog();
+        return dialog == nullptr || dialog->findChild<QLabel*>("Active Level")->text() == "2";
+    }));
+    ASSERT_TRUE(Running());
+    EXPECT_EQ(StatusDialog()->findChild<QLabel*>("If Event")->text(), "E2");
+    EXPECT_EQ(Text("Level"), "L2");
+    EXPECT_GT(gauge.before, 0);
+    ASSERT_TRUE(Complete()); // by itself, on a full buffer
+    EXPECT_EQ(StatusDialog(), nullptr);
+
+    const CSampleStore& store = Trace().GetStore();
+    EXPECT_EQ(store.SamplesAfter(), 1023);
+    EXPECT_GT(store.SamplesBefore(), 100);
+    EXPECT_EQ(Text("After"), "0001023");
+    EXPECT_EQ(Trace().SampleCount(false), store.SamplesBefore() + 1024);
+    EXPECT_EQ(gauge.total, Trace().SampleCount(false));
+    EXPECT_EQ(gauge.trigger, store.SamplesBefore());
+    EXPECT_EQ(gauge.before, -1);
+    EXPECT_GE(gauge.windowFirst, 0);
+    for (std::int64_t i = 0; i < Trace().SampleCount(false); ++i) {
+        ASSERT_TRUE(Trace().IsValidSample(i, false)) << i;
+    }
+    // The trigger is the first read behind the hundredth write: command 6 in an address phase.
+    const SampleRecord trigger = *Trace().GetSample(Trace().Marker(0, false), false);
+    EXPECT_EQ(trigger.bytes[8] & 0x0F, 6);
+    EXPECT_TRUE(trigger.Bit(95));
+
+    const auto run = Run();
+    const auto start = std::find(run.begin(), run.end(), "start trace, address 260 length 160");
+    ASSERT_NE(start, run.end());
+    ASSERT_GE(start - run.begin(), 3);
+    EXPECT_EQ(*(start - 3), "write memory, address 420 length 3");
+    EXPECT_EQ(*(start - 2), "write memory, address 20 length 240");
+    EXPECT_EQ(*(start - 1), "write memory, address 260 length 160");
+    const std::vector<std::string> after(start + 1, run.end());
+    ASSERT_GE(after.size(), 4U);
+    EXPECT_THAT(after[0], testing::StartsWith("stop trace"));
+    EXPECT_EQ(after[1], "read zoom samples before the trigger, address 255 length 255");
+    EXPECT_EQ(after[2], "read zoom samples after the trigger, address 0 length 256");
+    const auto blocks = static_cast<std::size_t>((Trace().SampleCount(false) + 31) / 32);
+    const std::set<std::string> read(after.begin() + 3, after.end());
+    EXPECT_EQ(read.size(), blocks);
+    EXPECT_LE(after.size(), 3 + blocks + 10) << "but for those that the view wanted, once each";
+
+    // The file.
+    Trace().SetPathName(dir.File("saved.tra"));
+    EXPECT_TRUE(Trace().IsModified());
+    ChooseDialog<CSaveTraceDialog>("File/Save", [&](CSaveTraceDialog& dialog) {
+        for (auto* button : dialog.findChildren<QPushButton*>()) {
+            if (button->text().remove('&') == "OK") {
+                QTest::mouseClick(button, Qt::LeftButton);
+            }
+        }
+        EXPECT_TRUE(RunUntil([&] { return !dialog.isVisible(); }));
+    });
+    EXPECT_FALSE(Trace().IsModified());
+    auto* loaded =
+        dynamic_cast<CTesselDoc*>(program->App().OpenDocumentFile(dir.File("saved.tra")));
+    ASSERT_NE(loaded, nullptr);
+    ASSERT_EQ(loaded->SampleCount(false), Trace().SampleCount(false));
+    for (std::int64_t i = 0; i < loaded->SampleCount(false); ++i) {
+        ASSERT_EQ(loaded->GetSample(i, false), Trace().GetSample(i, false)) << i;
+    }
+    for (std::int64_t i = 0; i < 511; ++i) {
+        ASSERT_EQ(loaded->GetSample(i, true), Trace().GetSample(i, true)) << i;
+    }
+    EXPECT_EQ(loaded->setup.levels, Trace().setup.levels);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(LiveCapture, StopEndsItAndAViewsSamplesComeFirst) {
+    Connect({"--buffer", "64"});
+    OpenState();
+    Go(); // the default setup triggers at once
+    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
+    Stop();
+    EXPECT_FALSE(Running());
+    ASSERT_GT(Trace().SampleCount(false), 20000);
+    ASSERT_TRUE(Trace().GetStore().IsUploading());
+    const std::int64_t far = Trace().SampleCount(false) - 5000;
+    EXPECT_FALSE(Trace().IsValidSample(far, false));
+    frame->TraceView().ShowSample(far);
+    ASSERT_TRUE(RunUntil([&] { return Trace().IsValidSample(far, false); }));
+    EXPECT_TRUE(Trace().GetStore().IsUploading()) << "long before its turn";
+    ASSERT_TRUE(Complete());
+}
+
+TEST_F(LiveCapture, ASecondGoDuringTheUploadCancelsIt) {
+    Connect({"--buffer", "64"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
+    Stop();
+    ASSERT_TRUE(Trace().GetStore().IsUploading());
+    Go();
+    EXPECT_TRUE(Running());
+    EXPECT_FALSE(Trace().GetStore().IsUploading());
+    EXPECT_EQ(Trace().SampleCount(false), 0);
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
+    Connect({"--buffer", "2"});
+    OpenState();
+    Choose("File/New/Capture/Waveform");
+    auto& waveform = dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    ASSERT_NE(&waveform, frame);
+    EXPECT_EQ(&waveform.Trace(), &Trace());
+    Go();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Bar().Gauge().State().total, 1024);
+    EXPECT_EQ(waveform.Bar().Gauge().State().total, 1024);
+    QTest::mouseClick(&Bar().ZoomButton(), Qt::LeftButton);
+    auto& zoom = dynamic_cast<CChildFrame&>(*Windows().last());
+    EXPECT_TRUE(zoom.IsZoomFrame());
+    EXPECT_EQ(zoom.windowTitle(), "Power Zoom - New");
+    EXPECT_FALSE(zoom.Bar().GoButton().isVisible());
+    EXPECT_FALSE(zoom.Bar().SetupBox().isVisible());
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("Before")->text(), "0000255");
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
+    // A frame that goes during a run leaves the others theirs.
+    Go();
+    waveform.close();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Trace().SampleCount(false), 1024);
+}
+
+TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadLeavesTheProgramInOrder) {
+    Connect({"--buffer", "64", "--rate", "20000"});
+    prompts.AnswerNext(Answer::No); // changes are not saved
+    OpenState();
+    Go();
+    QTest::qWait(300);
+    Close();
+    EXPECT_TRUE(Windows().isEmpty());
+    OpenState();
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 3000; }));
+    Stop();
+    prompts.AnswerNext(Answer::No);
+    Close();
+    EXPECT_TRUE(Windows().isEmpty());
+    EXPECT_EQ(Frame().PaneText(1), "PCIKite-3");
+}
+
+TEST_F(LiveCapture, GoOnAFileMakesALiveTraceOfItsListsAndSetup) {
+    Connect();
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);
+    frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    EXPECT_EQ(Bar().SetupBox().count(), 1);
+    EXPECT_EQ(Bar().SetupBox().currentText(), "First memory write");
+    const std::size_t signalsOfFile = Trace().stateList.Size();
+    CChildFrame* file = frame;
+    Go();
+    ASSERT_EQ(Windows().size(), 2);
+    frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    ASSERT_NE(frame, file);
+    EXPECT_TRUE(Trace().IsRealTime());
+    EXPECT_TRUE(frame->IsStateFrame());
+    EXPECT_EQ(Trace().stateList.Size(), signalsOfFile);
+    EXPECT_EQ(Trace().setup.name, "First memory write");
+    EXPECT_FALSE(Running()) << "the user presses Go again";
+
+    frame = file;
+    Go();
+    EXPECT_THAT(prompts.Texts(),
+                testing::ElementsAre("A real-time view already exists. Close the real-time view "
+                                     "before creating a new one."));
+    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(program->App().context.cloneSource, nullptr);
+    EXPECT_THAT(Run(), testing::Not(Contains(HasSubstr("start trace"))));
+}
+
+TEST_F(LiveCapture, TheDisplayButtonSwitchesOpensOrActivates) {
+    Connect();
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);
+    frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    frame->TraceView().ShowSample(1000);
+    const auto center = frame->TraceView().CenterSample();
+    const auto press = [&](int choice) {
+        QTimer::singleShot(0, [choice] {
+            auto* dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            EXPECT_EQ(dialog->windowTitle(), "New Trace Window");
+            dialog->findChildren<QRadioButton*>()[choice]->click();
+            qobject_cast<QDialog*>(dialog)->accept();
+        });
+        QTest::mouseClick(&Bar().DisplayButton(), Qt::LeftButton);
+    };
+    press(0);
+    EXPECT_FALSE(frame->IsStateFrame());
+    EXPECT_EQ(Windows().size(), 1);
+    EXPECT_EQ(frame->TraceView().CenterSample(), center);
+    press(1);
+    ASSERT_EQ(Windows().size(), 2);
+    auto& second = dynamic_cast<CChildFrame&>(*Windows().last());
+    EXPECT_TRUE(second.IsStateFrame());
+    Frame().Area().setActiveSubWindow(frame);
+    QTest::mouseClick(&Bar().DisplayButton(), Qt::LeftButton); // no dialog: there is one
+    EXPECT_EQ(Frame().Area().activeSubWindow(), &second);
+    EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(LiveCapture, NewResetsTheSetupOfTheTrace) {
+    Connect();
+    OpenState();
+    ChooseSetup("Memory write");
+    EXPECT_EQ(Trace().setup.name, "Memory write");
+    ChooseSetup("<New>");
+    EXPECT_EQ(Trace().setup.name, "");
+    EXPECT_EQ(Trace().setupPath, "");
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "All");
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", "?"), "");
+}
+
+TEST_F(LiveCapture, BoardsWithoutPowerZoomHaveNoButtonForIt) {
+    Connect({"--model", "PCIWren"});
+    OpenState();
+    EXPECT_FALSE(Bar().ZoomButton().isVisible());
+    EXPECT_TRUE(Bar().GoButton().isVisible());
+}
+
+TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheRunEndsItWithoutSamples) {
+    Connect({"--buffer", "64", "--rate", "1000"});
+    OpenState();
+    Go();
+    QTest::qWait(500);
+    board->Fault("silence");
+    ASSERT_TRUE(RunUntil([&] { return !Running(); }));
+    EXPECT_EQ(Trace().SampleCount(false), 0);
+    EXPECT_THAT(Run(), testing::Not(Contains(HasSubstr("stop trace"))));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheUploadLeavesWhatHasCome) {
+    Connect({"--buffer", "64"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
+    Stop();
+    ASSERT_TRUE(RunUntil([&] { return Trace().IsValidSample(200, false); }));
+    // From the first frame of the next block on, so that the block fails.
+    board->Fault("silence");
+    QTest::qWait(500);
+    EXPECT_TRUE(Trace().IsValidSample(200, false));
+    EXPECT_FALSE(Trace().IsValidSample(Trace().SampleCount(false) - 1, false));
+    frame->TraceView().ShowSample(0);
+}
+
+TEST_F(LiveCapture, InDemoModeWithoutStoredCapturesGoEndsAtOnce) {
+    StartDemo();
+    std::filesystem::remove(dir.File("Trigger2.tra"));
+    OpenState();
+    EXPECT_TRUE(Trace().IsRealTime());
+    prompts.Forget();
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return !Running(); }));
+    EXPECT_EQ(Trace().SampleCount(false), 0);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+} // namespace
+} // namespace busquill::test
