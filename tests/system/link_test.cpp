@@ -1,13 +1,6 @@
 // The link and the simulated board on the two ends of a real pseudo terminal.
 
-#include "link/analyzer_link.h"
-#include "platform/clock.h"
-#include "platform/main_thread.h"
-#include "platform/serial_port.h"
-#include "support/board_process.h"
-#include "support/memory_settings.h"
-#include "support/recording_prompts.h"
-#include "support/scripted_usb.h"
+#include "support/wire_fixture.h"
 
 #include <gtest/gtest.h>
 
@@ -17,39 +10,6 @@ namespace busquill::test {
 namespace {
 
 using namespace std::chrono_literals;
-
-/// Real time, but without the pauses in which a board settles.
-class ImpatientClock final : public Clock {
-public:
-    [[nodiscard]] std::time_t Time() const override { return std::time(nullptr); }
-    void Sleep(std::chrono::milliseconds pause) override {
-        if (patient || pause < 1000ms) {
-            std::this_thread::sleep_for(pause);
-        }
-    }
-    bool patient = false;
-};
-
-class LinkOverWire : public testing::Test {
-protected:
-    void StartBoard(std::vector<std::string> options = {}) {
-        // The first rate that is probed, unless a test says otherwise.
-        options.insert(options.begin(), {"--baud", "9600"});
-        board = std::make_unique<BoardProcess>(std::move(options));
-        ASSERT_FALSE(board->Terminal().empty());
-        settings.WriteProfileString("Setup", "ComPort", "COM3");
-        settings.WriteProfileInt("Setup", "BaudRate", 9600);
-        settings.WriteProfileString("Setup", "ComDevice3", board->Terminal());
-    }
-
-    MemorySettings settings;
-    RecordingPrompts prompts;
-    ImpatientClock clock;
-    MainThread mainThread;
-    ScriptedUsb usb;
-    std::unique_ptr<BoardProcess> board;
-    CAnalyzerLink link{{settings, prompts, clock, mainThread, OpenSerialPort, usb}};
-};
 
 TEST_F(LinkOverWire, FindsTheBoardAndReadsWhatItIs) {
     StartBoard({"--bus-byte", "0x14", "--mhz", "66"});

@@ -313,7 +313,9 @@ bool CSampleStore::IsUploading() const {
 
 void CSampleStore::SetPriorityIndex(std::uint32_t index) {
     const MutexLock lock(storeLock_);
-    priorityIndex_ = BlockStart(index);
+    if (index < samples_.size()) {
+        priorityIndex_ = BlockStart(index);
+    }
 }
 
 // A complete Power Zoom is replayed with both parts at 0, so that the second lies over the first.

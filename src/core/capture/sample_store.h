@@ -74,7 +74,7 @@ public:
     /// Waits at most a second until the upload has ended; detaches the observer.
     void CancelUpload();
     [[nodiscard]] bool IsUploading() const;
-    /// The block of this sample comes next.
+    /// The block of this sample comes next; an index past the capture is ignored.
     void SetPriorityIndex(std::uint32_t index);
     /// Replaces the observer and hands the new one all that has arrived. Once it returns, the old
     /// one is not called any more.

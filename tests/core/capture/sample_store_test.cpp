@@ -211,6 +211,19 @@ TEST_F(SampleStoreTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
         << "the block before the backward cursor is there: the first missing one is 0";
 }
 
+TEST_F(SampleStoreTest, ASampleBehindTheCaptureIsNotAskedFor) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    Gate gate;
+    StopAt(gate, {3, 36, 32});
+    store.BeginUpload();
+    gate.AwaitReached();
+    store.SetPriorityIndex(221);
+    gate.Open();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
+}
+
 TEST_F(SampleStoreTest, ACancelledUploadDropsTheBlockOnItsWay) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
