@@ -5,6 +5,7 @@
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
 
+#include <array>
 #include <atomic>
 #include <condition_variable>
 #include <functional>
@@ -70,8 +71,12 @@ private:
     Prompts& prompts_;
     mutable LeafMutex portLock_;
     std::shared_ptr<SerialPort> port_ BUSQUILL_GUARDED_BY(portLock_);
-    Mutex writeLock_;         // one writer or change of rate at a time
-    bool readFailed_ = false; // link's thread
+    Mutex writeLock_; // one writer or change of rate at a time
+    // Of the link's thread: bytes that have been read in one go and are put in one by one.
+    std::array<std::uint8_t, 1024> input_{};
+    std::size_t inputNext_ = 0;
+    std::size_t inputEnd_ = 0;
+    bool readFailed_ = false;
 };
 
 /// A board on USB. Acknowledgements do not exist there; data come alone on the input pipe.

@@ -118,11 +118,14 @@ void SerialLinkPort::AwaitStep(ReplyRing& ring) {
         std::this_thread::sleep_for(readTimeout);
         return;
     }
-    std::uint8_t byte = 0;
-    const auto count = port->Read(std::span(&byte, 1));
-    readFailed_ = !count.has_value();
-    if (count == 1U) {
-        ring.Put(byte);
+    if (inputNext_ == inputEnd_) {
+        const auto count = port->ReadSome(input_);
+        readFailed_ = !count.has_value();
+        inputNext_ = 0;
+        inputEnd_ = count.value_or(0);
+    }
+    if (inputNext_ != inputEnd_) {
+        ring.Put(input_[inputNext_++]);
     }
 }
 

@@ -26,6 +26,10 @@ public:
     /// Fills `into` until it is full or the time-out has passed; the count of bytes read, which
     /// may be 0. Nothing when the port has failed or the far end has hung up.
     virtual std::optional<std::size_t> Read(std::span<std::uint8_t> into) = 0;
+    /// Waits as Read does, but for one byte only, and takes with it those that are there already.
+    virtual std::optional<std::size_t> ReadSome(std::span<std::uint8_t> into) {
+        return Read(into.first(1));
+    }
     /// Writes all bytes. A line that takes none of them for 2 s is an error.
     virtual int Write(std::span<const std::uint8_t> bytes) = 0;
     /// The kinds of line errors since the last call (see LineErrorWord); 0 where the device does

@@ -77,7 +77,12 @@ public:
     }
     int Configure(int baud) override;
     int SetReadTimeout(milliseconds total) override;
-    std::optional<std::size_t> Read(std::span<std::uint8_t> into) override;
+    std::optional<std::size_t> Read(std::span<std::uint8_t> into) override {
+        return ReadAtLeast(into.size(), into);
+    }
+    std::optional<std::size_t> ReadSome(std::span<std::uint8_t> into) override {
+        return ReadAtLeast(1, into);
+    }
     int Write(std::span<const std::uint8_t> bytes) override;
     std::uint32_t ClearErrors() override;
 
@@ -86,6 +91,7 @@ private:
         return ::ioctl(handle_, TCGETS2, &settings) == 0 ? 0 : errno;
     }
     bool ErrorCounts(LineErrorCounts& counts) const;
+    std::optional<std::size_t> ReadAtLeast(std::size_t wanted, std::span<std::uint8_t> into);
 
     const int handle_; // without blocking: every wait is a bounded poll
     std::atomic<milliseconds> readTimeout_ = milliseconds{0};
@@ -124,12 +130,13 @@ int PosixSerialPort::SetReadTimeout(milliseconds total) {
     return 0;
 }
 
-std::optional<std::size_t> PosixSerialPort::Read(std::span<std::uint8_t> into) {
+std::optional<std::size_t> PosixSerialPort::ReadAtLeast(std::size_t wanted,
+                                                        std::span<std::uint8_t> into) {
     const SteadyTime end = std::chrono::steady_clock::now() + readTimeout_.load();
     std::size_t count = 0;
     // The bytes that came before a failure are still handed out; the next call tells of it.
     const auto failed = [&] { return count == 0 ? std::nullopt : std::optional(count); };
-    while (count < into.size()) {
+    while (count < wanted) {
         const short events = AwaitEvent(handle_, POLLIN, end);
         if (events == 0) {
             break;

@@ -113,6 +113,20 @@ TEST_F(SerialPortTest, ReadReturnsWhatCameWhenTheTimeHasPassed) {
     EXPECT_EQ(buffer, (Bytes{1, 2, 3, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE}));
 }
 
+TEST_F(SerialPortTest, ReadSomeTakesWhatIsThereAndWaitsForNoMore) {
+    ASSERT_EQ(port->SetReadTimeout(10s), 0);
+    ASSERT_TRUE(farEnd.Send(Bytes{1, 2, 3}));
+    Bytes buffer(10, 0xEE);
+    const Stopwatch watch;
+    EXPECT_EQ(port->ReadSome(buffer), 3U);
+    EXPECT_LT(watch.Elapsed(), 8s);
+    EXPECT_EQ(buffer, (Bytes{1, 2, 3, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE}));
+    ASSERT_EQ(port->SetReadTimeout(20ms), 0);
+    EXPECT_EQ(port->ReadSome(buffer), 0U);
+    farEnd.Close();
+    EXPECT_EQ(port->ReadSome(buffer), std::nullopt);
+}
+
 TEST_F(SerialPortTest, ReadGathersPiecesAndEndsWhenTheBufferIsFull) {
     ASSERT_EQ(port->SetReadTimeout(10s), 0);
     std::thread sender([this] {

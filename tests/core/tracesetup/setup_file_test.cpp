@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <unistd.h>
 
 namespace busquill::test {
@@ -171,6 +172,24 @@ TEST(ParseLevelRow, StimulusRowsHaveTheirOwnForms) {
     EXPECT_EQ(level.stimulus, 7);
     EXPECT_EQ(LevelRow(setup, 15, true),
               "\"Control\",15,\"E1\",3,\"STOP, Dur 4\",\"Goto SL2, Wait 6\",\"S7\"\n");
+}
+
+TEST_F(SetupFile, AreFoundByTheirNames) {
+    for (const char* file : {"b.tsp", "a.tsp"}) {
+        TraceSetup each;
+        each.name = std::string("setup of ") + file;
+        ASSERT_TRUE(SaveSetupFile(each, dir.File(file), prompts));
+    }
+    dir.Write("c.tsp", "\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n");
+    dir.Write("d.tra", "\"Name\",\"a trace\"\n");
+    std::filesystem::create_directory(dir.File("e.tsp"));
+    const auto found = FindSetupFiles(dir.Path());
+    ASSERT_EQ(found.size(), 3U);
+    EXPECT_EQ(found[0].path, dir.File("a.tsp"));
+    EXPECT_EQ(found[0].name, "setup of a.tsp");
+    EXPECT_EQ(found[1].name, "setup of b.tsp");
+    EXPECT_EQ(found[2].name, "c") << "a file that gives no name";
+    EXPECT_TRUE(FindSetupFiles(dir.File("nowhere")).empty());
 }
 
 } // namespace

@@ -278,6 +278,100 @@ TEST_F(TraceView, TellsItsFrameTheNames) {
     EXPECT_EQ(frame.comment, "What it shows");
 }
 
+/// A view inside a frame, which hears what the view tells it.
+class FramedView : public TraceView {
+protected:
+    void Open(bool isState = true, bool isZoom = false) {
+        view = std::make_unique<CTraceView>(nullptr, isState, isZoom, TraceViewParts{settings});
+        view->SetFrame(&frame);
+        view->AttachDocument(document.get());
+        view->resize(800, 600);
+        view->show();
+        view->OnInitialUpdate();
+        QApplication::processEvents();
+    }
+    const GaugeState& Gauge() { return frame.gauge.State(); }
+
+    RecordingFrame frame;
+    std::unique_ptr<CTraceView> view;
+};
+
+TEST_F(FramedView, AFileShowsItsCountsItsGaugeAndThatItIsAFile) {
+    Load(-300, 699);
+    document->SetMarker(1, 250);
+    Open();
+    EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{300}, std::int64_t{699}));
+    EXPECT_EQ(frame.indicator, RunIndicator::File);
+    EXPECT_GT(frame.setupNamesShown, 0);
+    EXPECT_EQ(Gauge().total, 1000);
+    EXPECT_EQ(Gauge().trigger, 300);
+    EXPECT_EQ(Gauge().marker1, 250);
+    EXPECT_EQ(Gauge().marker2, -1);
+    EXPECT_EQ(Gauge().before, -1);
+    EXPECT_EQ(Gauge().windowFirst, view->TopSample());
+    EXPECT_EQ(Gauge().windowLast, view->TopSample() + Rows(*view) - 1);
+}
+
+TEST_F(FramedView, WithoutATriggerTheCountsAreZero) {
+    document = std::make_unique<CTesselDoc>(context, prompts);
+    ASSERT_TRUE(document->OnNewDocument());
+    Open();
+    EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{0}, std::int64_t{0}));
+    EXPECT_EQ(Gauge().windowFirst, -1);
+}
+
+TEST_F(FramedView, APowerZoomViewCounts255OnBothSides) {
+    Load(-300, 699);
+    Open(false, true);
+    EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{255}, std::int64_t{255}));
+    EXPECT_EQ(Gauge().total, 511);
+    EXPECT_EQ(Gauge().trigger, 255);
+    frame.counters = {};
+    document->RebuildMapsFromFile();
+    EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{255}, std::int64_t{255}));
+}
+
+TEST_F(FramedView, TheGaugeFollowsEveryMove) {
+    Load(-500, 499);
+    Open();
+    const auto expectWindow = [&](const char* after) {
+        EXPECT_EQ(Gauge().windowFirst, view->TopSample()) << after;
+        EXPECT_EQ(Gauge().windowLast,
+                  std::min<std::int64_t>(view->TopSample() + Rows(*view), 1000) - 1)
+            << after;
+    };
+    QTest::keyClick(view.get(), Qt::Key_PageDown);
+    expectWindow("a key");
+    view->GoTo(GoToTarget::End);
+    expectWindow("going to the end");
+    view->resize(800, 300);
+    QApplication::processEvents();
+    expectWindow("another size");
+    auto partner = MakeView();
+    view->GoTo(GoToTarget::Start);
+    QTest::keyClick(partner.get(), Qt::Key_PageDown);
+    EXPECT_GT(view->TopSample(), 0);
+    expectWindow("a partner's key");
+}
+
+TEST_F(FramedView, MarkersGoToTheGaugeAndTheTimesToTheBar) {
+    Load(-500, 499);
+    Open();
+    EXPECT_EQ(frame.times, (std::array<std::string, 3>{}));
+    document->SetMarker(1, 400);
+    EXPECT_EQ(Gauge().marker1, 400);
+    EXPECT_EQ(frame.times[0], "");
+    EXPECT_EQ(frame.times[1], "3.000us") << "100 samples of 30 ns to the trigger";
+    document->SetMarker(2, 410);
+    EXPECT_EQ(Gauge().marker2, 410);
+    EXPECT_EQ(frame.times[0], "300ns");
+    document->SetMarker(1, -1);
+    EXPECT_EQ(Gauge().marker1, -1);
+    EXPECT_EQ(frame.times[0], "");
+    document->SetZoomMarker(1, 5);
+    EXPECT_EQ(Gauge().marker1, -1) << "of the other samples";
+}
+
 TEST_F(TraceView, LayoutPutsTheBarsAtTheEdges) {
     Load(0, 99);
     auto view = MakeView(true, false, {640, 480});
