@@ -8,6 +8,21 @@
 
 namespace busquill::test {
 
+/// A read of samples at which the board stands still until it is let go.
+class Gate {
+public:
+    void AwaitReached() { reached_.get_future().wait(); }
+    void Open() { open_.set_value(); }
+    void Pass() {
+        reached_.set_value();
+        open_.get_future().wait();
+    }
+
+private:
+    std::promise<void> reached_;
+    std::promise<void> open_;
+};
+
 /// A board's store on a scripted wire. The wire's samples tell where they stand: the first two
 /// bytes of a record hold its distance from the trigger.
 class CaptureFixture : public LinkFixture {
@@ -60,6 +75,18 @@ protected:
         return record;
     }
 
+    /// The first read of samples, or the first of that kind, stops at the gate.
+    void StopAt(Gate& gate, std::optional<WireBoard::SampleRead> at = std::nullopt) {
+        line->Do([&] {
+            board.onSampleRead = [&gate, at, passed = false](const auto& read) mutable {
+                if (!passed && read == at.value_or(read)) {
+                    passed = true;
+                    gate.Pass();
+                }
+                return Records(read);
+            };
+        });
+    }
     /// The capture that the wire holds is fetched to its end.
     void Upload() {
         store.BeginUpload();

@@ -46,37 +46,10 @@ private:
     std::vector<SampleRecord> lastRecords_;
 };
 
-/// A read of samples at which the board stands still until it is let go.
-class Gate {
-public:
-    void AwaitReached() { reached_.get_future().wait(); }
-    void Open() { open_.set_value(); }
-    void Pass() {
-        reached_.set_value();
-        open_.get_future().wait();
-    }
-
-private:
-    std::promise<void> reached_;
-    std::promise<void> open_;
-};
-
 class SampleStoreTest : public CaptureFixture {
 protected:
     ~SampleStoreTest() override { store.SetObserver(nullptr); }
 
-    /// The next read of a kind stops at the gate.
-    void StopAt(Gate& gate, Read at) {
-        line->Do([&] {
-            board.onSampleRead = [&gate, at, passed = false](const Read& read) mutable {
-                if (read == at && !passed) {
-                    passed = true;
-                    gate.Pass();
-                }
-                return Records(read);
-            };
-        });
-    }
     bool UploadEnds() {
         return Eventually([&] { return !store.IsUploading(); });
     }
@@ -182,7 +155,7 @@ TEST_F(SampleStoreTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere)
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
-    StopAt(gate, {3, 20, 32}); // the trigger's block, 480
+    StopAt(gate, Read{3, 20, 32}); // the trigger's block, 480
     store.BeginUpload();
     gate.AwaitReached();
     store.SetPriorityIndex(100);
@@ -201,7 +174,7 @@ TEST_F(SampleStoreTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
-    StopAt(gate, {3, 36, 32}); // 64, the second
+    StopAt(gate, Read{3, 36, 32}); // 64, the second
     store.BeginUpload();
     gate.AwaitReached();
     store.SetPriorityIndex(96);
@@ -215,7 +188,7 @@ TEST_F(SampleStoreTest, ASampleBehindTheCaptureIsNotAskedFor) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
-    StopAt(gate, {3, 36, 32});
+    StopAt(gate, Read{3, 36, 32});
     store.BeginUpload();
     gate.AwaitReached();
     store.SetPriorityIndex(221);
@@ -229,7 +202,7 @@ TEST_F(SampleStoreTest, ACancelledUploadDropsTheBlockOnItsWay) {
     SetLive(0x20, 500, 500);
     store.SetObserver(&observer);
     Gate gate;
-    StopAt(gate, {3, 52, 32}); // 448, the second
+    StopAt(gate, Read{3, 52, 32}); // 448, the second
     store.BeginUpload();
     gate.AwaitReached();
     std::thread opener([&] {
@@ -254,7 +227,7 @@ TEST_F(SampleStoreTest, CancellingWaitsASecondAtMost) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
-    StopAt(gate, {3, 20, 32});
+    StopAt(gate, Read{3, 20, 32});
     store.BeginUpload();
     gate.AwaitReached();
     store.CancelUpload(); // returns though the board stands still
@@ -344,7 +317,7 @@ TEST_F(SampleStoreTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
     Gate gate;
-    StopAt(gate, {36, 0, 256});
+    StopAt(gate, Read{36, 0, 256});
     store.BeginUpload();
     gate.AwaitReached();
     store.SetObserver(&observer);
@@ -359,7 +332,7 @@ TEST_F(SampleStoreTest, CopiesAsFarAsSamplesHaveArrived) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
-    StopAt(gate, {5, 28, 32}); // 128, after 96 and 64
+    StopAt(gate, Read{5, 28, 32}); // 128, after 96 and 64
     store.BeginUpload();
     gate.AwaitReached();
     std::array<SampleRecord, 100> copy;

@@ -169,25 +169,16 @@ TEST_F(TraceWriterTest, AFileThatWasFilteredKeepsItsGapsAndNumbers) {
 TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
-    std::promise<void> reached;
-    std::promise<void> open;
-    line->Do([&] {
-        board.onSampleRead = [&, first = true](const WireBoard::SampleRead& read) mutable {
-            if (std::exchange(first, false)) {
-                reached.set_value();
-                open.get_future().wait();
-            }
-            return Records(read);
-        };
-    });
+    Gate gate;
+    StopAt(gate);
     store.BeginUpload();
-    reached.get_future().wait();
+    gate.AwaitReached();
     NewDocument();
     TraceFileWriter writer(*document);
     ASSERT_TRUE(writer.Begin(Path(), -500, 500));
     EXPECT_EQ(writer.Write(1000), Step::Waiting);
     EXPECT_EQ(writer.Progress(), 0);
-    open.set_value();
+    gate.Open();
     ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
     EXPECT_EQ(BlockOrder()[1], 0) << "the block that the writer waits for";
     EXPECT_EQ(writer.Write(400), Step::More);

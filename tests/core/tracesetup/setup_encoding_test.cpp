@@ -30,7 +30,9 @@ TEST(EventRows, HighestBitLandsInTheLastPair) {
 }
 
 TEST(EventRows, BitsBehindTheRowAreNotSent) {
-    EXPECT_EQ(BuildEventRows(ListOf(120, 1, 1, true), 1), Bytes(30));
+    // Two rows, so that what a first one wrote behind its end would be seen.
+    EXPECT_EQ(BuildEventRows(ListOf(120, 1, 1, true), 2), Bytes(60));
+    EXPECT_EQ(BuildEventRows(ListOf(143, 1, 1, true), 2), Bytes(60));
     EXPECT_EQ(BuildEventRows(ListOf(-1, 1, 1, true), 1), Bytes(30));
 }
 

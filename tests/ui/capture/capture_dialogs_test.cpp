@@ -226,23 +226,14 @@ protected:
     void BeginHeldUpload() {
         OpenBoard("PCIWren");
         SetLive(0x20, 500, 500);
-        line->Do([&] {
-            board.onSampleRead = [this, first = true](const WireBoard::SampleRead& read) mutable {
-                if (std::exchange(first, false)) {
-                    reached.set_value();
-                    open.get_future().wait();
-                }
-                return Records(read);
-            };
-        });
+        StopAt(gate);
         store.BeginUpload();
-        reached.get_future().wait();
+        gate.AwaitReached();
         NewDocument();
         document->OnCaptureStopped();
     }
 
-    std::promise<void> reached;
-    std::promise<void> open;
+    Gate gate;
 };
 
 TEST_F(SaveDuringUpload, WaitsForTheSamples) {
@@ -252,7 +243,7 @@ TEST_F(SaveDuringUpload, WaitsForTheSamples) {
     QTest::qWait(700);
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_EQ(Percent(), "0%");
-    open.set_value();
+    gate.Open();
     ASSERT_TRUE(Ends());
     EXPECT_EQ(dialog->result(), QDialog::Accepted);
     EXPECT_EQ(BlockOrder()[1], 0) << "the block that it waits for comes next";
@@ -267,7 +258,7 @@ TEST_F(SaveDuringUpload, CancelLeavesTheFileAsFarAsItWasWritten) {
     Click(*dialog, "Cancel");
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
-    open.set_value();
+    gate.Open();
     ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
     EXPECT_EQ(Load()->RowCount(false), 0);
 }
