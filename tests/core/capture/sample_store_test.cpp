@@ -345,6 +345,23 @@ TEST_F(SampleStoreTest, CopiesAsFarAsSamplesHaveArrived) {
     EXPECT_EQ(store.CopySamples(200, copy), 21U) << "to the end";
 }
 
+TEST_F(SampleStoreTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    line->SetClockRuns(false);
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return sent == Bytes{4, 36} ? Bytes{} : board.Answer(sent, baud); // the second block's
+    });
+    store.BeginUpload();
+    ASSERT_TRUE(Eventually([&] { return store.HasSample(96); }));
+    portOpens = false;
+    static_cast<void>(link->Open());
+    ASSERT_TRUE(link->IsDemoMode());
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_EQ(store.GetSample(96), RecordAt(-4));
+    EXPECT_EQ(store.GetSample(64), SampleRecord()) << "not what another block has left behind";
+}
+
 // Captures.
 
 class CaptureRunTest : public SampleStoreTest {

@@ -301,5 +301,26 @@ TEST(PutZoomSample, WorksOnlyWhenThereIsZoomData) {
     EXPECT_FALSE(store.GetZoomSample(511).has_value());
 }
 
+TEST_F(TraceFile, ListsFromTheFileGetTheirRowsAndLabels) {
+    const std::string lists = "\"Waveform Signals\"\n"
+                              "\"Signal\",\"AD[0]\",\"AD\",\"Grouped\",\"AD[1:0]\",\"Start\",0,0,0,"
+                              "20,30,0,\"Show\",\"Hex\","
+                              "\"\",\"\",\"\",\"\",\"\"\n"
+                              "\"Signal\",\"AD[1]\",\"AD\",\"Grouped\",\"\",\"End\",1,1,0,20,30,0,"
+                              "\"Show\",\"Hex\",\"\",\"\",\"\","
+                              "\"\",\"\"\n"
+                              "\"End of Wave Signals\"\n";
+    ASSERT_TRUE(Load(header + lists +
+                     Data(0, 3, Sample(0, 0) + Sample(1, 1) + Sample(2, 2) + Sample(3, 3))));
+    EXPECT_EQ(document->waveformList.mode, ModeWaveform);
+    ASSERT_EQ(document->waveformList.Size(), 2U);
+    const CSignal& bus = document->waveformList[0];
+    EXPECT_EQ(bus.groupWidth, 2U);
+    for (std::size_t i = 0; i < 4; ++i) {
+        ASSERT_EQ(bus.GroupRow(i).size(), 1U);
+        EXPECT_EQ(bus.GroupRow(i)[0], i);
+    }
+}
+
 } // namespace
 } // namespace busquill::test

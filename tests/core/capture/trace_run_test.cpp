@@ -242,6 +242,17 @@ TEST_F(TraceRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
     EXPECT_EQ(document->GetSample(257, true), RecordAt(2)) << "the records are right";
 }
 
+TEST_F(TraceRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
+    OpenBoard("PCIWren");
+    NewDocument();
+    const std::vector<SampleRecord> old(32, RecordAt(-1));
+    document->AddBlock(0, old, false);
+    document->OnCaptureStarted();
+    document->RebuildMaps(40, 40);
+    document->FlushBlockUpdates();
+    EXPECT_FALSE(document->IsValidSample(0, false));
+}
+
 TEST_F(TraceRunTest, ARunWithoutSamplesEndsIdle) {
     OpenBoard("PCIKite");
     NewDocument();
