@@ -13,8 +13,9 @@ CORE = ["platform", "document", "link", "signals", "tracesetup", "capture"]
 UI = {
     "framework": set(),
     "link": {"framework"},
+    "patterns": {"framework"},
     "capture": {"framework"},
-    "display": {"framework", "capture"},
+    "display": {"framework", "patterns", "capture"},
     "shell": {"framework", "link", "capture", "display"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)

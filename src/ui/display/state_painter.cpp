@@ -118,6 +118,13 @@ public:
         return firstMissing_;
     }
 
+    void DrawHeaderOnly() {
+        painter_.setClipping(false);
+        painter_.fillRect(0, 0, frame_.size.width(), stateHeaderLine,
+                          ColorOf(frame_.colors.background));
+        DrawHeader();
+    }
+
 private:
     void Line(int x, int y, int width, int height) {
         painter_.fillRect(x, y, width, height, lineColor);
@@ -334,6 +341,10 @@ std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_
                    : FormatDecodedValue(frame.board, signal, sample,
                                         frame.document.FirstSampleNumber(frame.zoom),
                                         *signal.decoded, label, *record, frame.zoom);
+}
+
+void DrawStateHeader(QPainter& painter, const StateFrame& frame) {
+    Drawing(painter, frame).DrawHeaderOnly();
 }
 
 std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame) {

@@ -57,6 +57,9 @@ struct StateFrame {
 [[nodiscard]] std::string CellText(const StateFrame& frame, const CSignal& signal,
                                    std::int64_t sample, std::int64_t previous);
 
+/// Draws the header alone.
+void DrawStateHeader(QPainter& painter, const StateFrame& frame);
+
 /// Draws a frame: background, header and the rows that fit. Returns the first of its samples that
 /// has not arrived yet, which is the one to fetch next.
 std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame);

@@ -6,6 +6,7 @@
 #include "ui/framework/painting.h"
 
 #include <QFontMetrics>
+#include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int sampleColumnDigits = 8;
 constexpr int marginDigits = 2;
+constexpr int smallestColumnDigits = 3;
 constexpr int widestTitle = 1000; // pixels
 
 } // namespace
@@ -25,14 +27,18 @@ CStateWnd::CStateWnd(QWidget* parent, const Settings& settings)
       bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
       headerFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
       digitWidth_(QFontMetrics(bodyFont_).horizontalAdvance('0')),
-      sampleColumn_(sampleColumnDigits * digitWidth_), colors_(LoadStateColors(settings)) {
+      colors_(LoadStateColors(settings)),
+      header_(&CSignal::width, &CSignal::VisibleWidth, smallestColumnDigits * digitWidth_) {
+    header_.fixedEnd = sampleColumnDigits * digitWidth_;
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
 }
 
 void CStateWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
     document_ = &document;
     list_ = &list;
     zoom_ = zoom;
+    header_.Attach(list);
     for (const auto& signal : list.All()) {
         if (signal->VisibleWidth() > 0) {
             signal->width = MeasureColumn(*signal);
@@ -68,7 +74,7 @@ void CStateWnd::SetTopRow(std::int64_t row) {
 }
 
 void CStateWnd::SetOffset(int offset) {
-    offset_ = offset;
+    header_.offset = offset;
     Render(true);
 }
 
@@ -77,16 +83,88 @@ void CStateWnd::Render(bool blit) {
         return;
     }
     colors_ = LoadStateColors(settings_);
-    const StateFrame frame{*document_, *list_,    zoom_,         SignalTables::Current().Board(),
-                           colors_,    size(),    sampleColumn_, topRow_,
-                           offset_,    bodyFont_, headerFont_};
     QPainter painter(&bitmap_);
-    const auto missing = DrawState(painter, frame);
+    const auto missing = DrawState(painter, Frame());
     if (missing && document_->IsRealTime() && document_->GetStore().IsUploading()) {
         document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*missing));
     }
     if (blit) {
         update();
+    }
+}
+
+StateFrame CStateWnd::Frame() const {
+    return {*document_,
+            *list_,
+            zoom_,
+            SignalTables::Current().Board(),
+            colors_,
+            size(),
+            header_.fixedEnd,
+            topRow_,
+            header_.offset,
+            bodyFont_,
+            headerFont_};
+}
+
+void CStateWnd::Show(HeaderControl::Redraw redraw) {
+    if (redraw == HeaderControl::Redraw::All) {
+        Render(true);
+        emit ColumnsChanged();
+    } else if (redraw == HeaderControl::Redraw::Header) {
+        QPainter painter(&bitmap_);
+        DrawStateHeader(painter, Frame());
+        update(0, 0, width(), stateHeaderLine);
+    }
+}
+
+void CStateWnd::mousePressEvent(QMouseEvent* event) {
+    if (document_ == nullptr) {
+        return;
+    }
+    const QPoint place = event->pos();
+    const bool left = event->button() == Qt::LeftButton;
+    if (!left && event->button() != Qt::RightButton) {
+        return;
+    }
+    if (place.y() >= stateHeaderLine) {
+        SetMarkerAt(place.y(), left ? 1 : 2);
+    } else {
+        Show(left ? header_.Press(place.x(), event->modifiers())
+                  : header_.SelectForMenu(place.x()));
+        setCursor(header_.CursorAt(place.x()));
+    }
+}
+
+/// Sets a marker on the row at a place, or clears it where it stands already.
+void CStateWnd::SetMarkerAt(int y, int which) {
+    if (y < stateFirstRow) {
+        return;
+    }
+    const std::int64_t row = topRow_ + (y - stateFirstRow) / stateRowPitch;
+    const std::int64_t sample = document_->RowToSample(row, zoom_);
+    if (sample < 0) {
+        return;
+    }
+    const std::int64_t index = document_->Marker(which, zoom_) == sample ? -1 : sample;
+    if (zoom_) {
+        document_->SetZoomMarker(which, index);
+    } else {
+        document_->SetMarker(which, index);
+    }
+}
+
+void CStateWnd::mouseMoveEvent(QMouseEvent* event) {
+    Show(header_.Move(event->pos().x()));
+    const bool inHeader = event->pos().y() < stateHeaderLine;
+    setCursor(inHeader || header_.IsActive() ? header_.CursorAt(event->pos().x())
+                                             : Qt::ArrowCursor);
+}
+
+void CStateWnd::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        Show(header_.Release(event->pos().x()));
+        setCursor(Qt::ArrowCursor);
     }
 }
 

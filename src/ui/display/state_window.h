@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/display/state_painter.h"
+#include "ui/patterns/header_control.h"
 
 #include <QPixmap>
 #include <QWidget>
@@ -21,36 +22,46 @@ public:
     [[nodiscard]] std::int64_t TopRow() const noexcept { return topRow_; }
     /// The sample that stood in the top row when it was set; outlives a change of the rows.
     [[nodiscard]] std::int64_t TopSample() const noexcept { return topSample_; }
-    [[nodiscard]] int SampleColumnWidth() const noexcept { return sampleColumn_; }
+    [[nodiscard]] int SampleColumnWidth() const noexcept { return header_.fixedEnd; }
     /// Width of all columns together.
     [[nodiscard]] int ColumnsWidth() const;
-    [[nodiscard]] int Offset() const noexcept { return offset_; }
+    [[nodiscard]] int Offset() const noexcept { return header_.offset; }
     void SetTopRow(std::int64_t row);
     void SetOffset(int offset);
 
     /// Draws the frame into the bitmap, and to the screen if asked.
     void Render(bool blit);
 
+signals:
+    /// Columns have another width or order.
+    void ColumnsChanged();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     void MakeBitmap();
+    [[nodiscard]] StateFrame Frame() const;
+    void Show(HeaderControl::Redraw redraw);
+    void SetMarkerAt(int y, int which);
     [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
 
     const Settings& settings_;
     QFont bodyFont_;
     QFont headerFont_;
     int digitWidth_;
-    int sampleColumn_;
     CTesselDoc* document_ = nullptr;
     CSignalList* list_ = nullptr;
     bool zoom_ = false;
     StateColors colors_;
     std::int64_t topRow_ = 0;
     std::int64_t topSample_ = 0;
-    int offset_ = 0;
+    HeaderControl header_;
     QPixmap bitmap_;
 };
 

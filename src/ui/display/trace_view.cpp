@@ -47,6 +47,7 @@ CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceVi
     }
     connect(vScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnVerticalAction);
     connect(hScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnHorizontalAction);
+    connect(state_, &CStateWnd::ColumnsChanged, this, &CTraceView::SetScrollBars);
     connect(vScroll_, &QScrollBar::sliderReleased, this, &CTraceView::SetVerticalPosition);
 }
 

@@ -372,6 +372,139 @@ TEST_F(FramedView, MarkersGoToTheGaugeAndTheTimesToTheBar) {
     EXPECT_EQ(Gauge().marker1, -1) << "of the other samples";
 }
 
+/// A listing under the mouse.
+class Mouse : public TraceView {
+protected:
+    void Open(int first = -500, int last = 499, bool isZoom = false) {
+        Load(first, last);
+        view = MakeView(!isZoom, isZoom);
+        window = view->findChild<CStateWnd*>();
+    }
+    void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton,
+               Qt::KeyboardModifiers keys = Qt::NoModifier) {
+        QTest::mouseClick(window, button, keys, place);
+    }
+    /// A place in the nth row that shows.
+    static QPoint Row(int n) { return {100, 19 + 15 * n + 7}; }
+    /// The middle of a column's header and its right edge.
+    QPoint Column(int n) { return {Start(n) + Visible(n).width / 2, 9}; }
+    QPoint Edge(int n) { return {Start(n) + Visible(n).width, 9}; }
+    CSignal& Visible(int n) {
+        for (const auto& signal : document->stateList.All()) {
+            if (signal->VisibleWidth() > 0 && n-- == 0) {
+                return *signal;
+            }
+        }
+        throw std::runtime_error("no such column");
+    }
+    int Start(int n) {
+        int x = window->SampleColumnWidth() + 1 - window->Offset();
+        for (int i = 0; i < n; ++i) {
+            x += Visible(i).width;
+        }
+        return x;
+    }
+    std::unique_ptr<CTraceView> view;
+    CStateWnd* window = nullptr;
+};
+
+TEST_F(Mouse, SetsAndClearsMarkers) {
+    Open();
+    const std::int64_t top = view->TopSample();
+    Click(Row(3));
+    EXPECT_EQ(document->Marker(1, false), top + 3);
+    Click(Row(5), Qt::RightButton);
+    EXPECT_EQ(document->Marker(2, false), top + 5);
+    Click(Row(3), Qt::RightButton);
+    EXPECT_EQ(document->Marker(2, false), top + 3) << "both on one sample";
+    Click(Row(3));
+    EXPECT_EQ(document->Marker(1, false), -1);
+    EXPECT_EQ(document->Marker(2, false), top + 3);
+}
+
+TEST_F(Mouse, BetweenHeaderAndRowsNothingHappens) {
+    Open();
+    Click({100, 18});
+    EXPECT_EQ(document->Marker(1, false), -1);
+    Click({100, 19});
+    EXPECT_EQ(document->Marker(1, false), view->TopSample());
+    EXPECT_FALSE(Visible(1).selected);
+}
+
+TEST_F(Mouse, BelowTheLastRowNothingHappens) {
+    Open(0, 4);
+    Click(Row(5));
+    EXPECT_EQ(document->Marker(1, false), -1);
+    Click(Row(4));
+    EXPECT_EQ(document->Marker(1, false), 4);
+}
+
+TEST_F(Mouse, AnEmptyCaptureTakesNoMarker) {
+    document = std::make_unique<CTesselDoc>(context, prompts);
+    ASSERT_TRUE(document->OnNewDocument());
+    view = MakeView();
+    window = view->findChild<CStateWnd*>();
+    Click(Row(0));
+    EXPECT_EQ(document->Marker(1, false), -1);
+}
+
+TEST_F(Mouse, PowerZoomHasMarkersOfItsOwn) {
+    Open(-500, 499, true);
+    Click(Row(2));
+    EXPECT_EQ(document->Marker(1, true), view->TopSample() + 2);
+    EXPECT_EQ(document->Marker(1, false), -1);
+}
+
+TEST_F(Mouse, SelectsColumnsAndRedrawsTheirTitles) {
+    Open();
+    const QImage before = window->grab().toImage();
+    Click(Column(1));
+    EXPECT_TRUE(Visible(1).selected);
+    Click(Column(3), Qt::LeftButton, Qt::ShiftModifier);
+    EXPECT_TRUE(Visible(2).selected && Visible(3).selected);
+    Click(Column(2), Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_FALSE(Visible(2).selected);
+    const QImage after = window->grab().toImage();
+    EXPECT_NE(before.copy(0, 0, before.width(), 18), after.copy(0, 0, after.width(), 18));
+    EXPECT_EQ(before.copy(0, 19, before.width(), before.height() - 19),
+              after.copy(0, 19, after.width(), after.height() - 19));
+}
+
+TEST_F(Mouse, ResizesColumnsAndTheBarFollows) {
+    Open();
+    const int width = Visible(1).width;
+    const int limit = Bar(*view, Qt::Horizontal).maximum();
+    QTest::mousePress(window, Qt::LeftButton, {}, Edge(1));
+    QTest::mouseMove(window, Edge(1) + QPoint(40, 0));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, Edge(1));
+    EXPECT_EQ(Visible(1).width, width + 40);
+    EXPECT_EQ(Bar(*view, Qt::Horizontal).maximum(), limit + 40);
+    const int sample = window->SampleColumnWidth();
+    QTest::mousePress(window, Qt::LeftButton, {}, {sample, 9});
+    QTest::mouseMove(window, {sample + 25, 9});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {sample + 25, 9});
+    EXPECT_EQ(window->SampleColumnWidth(), sample + 25);
+}
+
+TEST_F(Mouse, DragsAColumnToAnotherPlace) {
+    Open();
+    const std::string moved = Visible(3).RowName();
+    QTest::mousePress(window, Qt::LeftButton, {}, Column(3));
+    QTest::mouseMove(window, Column(1));
+    EXPECT_EQ(window->cursor().shape(), Qt::ClosedHandCursor);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, Column(1));
+    EXPECT_EQ(Visible(1).RowName(), moved);
+    EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
+}
+
+TEST_F(Mouse, ShowsWhereColumnsCanBeResized) {
+    Open();
+    QTest::mouseMove(window, Edge(1));
+    EXPECT_EQ(window->cursor().shape(), Qt::SizeHorCursor);
+    QTest::mouseMove(window, {Edge(1).x(), 200});
+    EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
+}
+
 TEST_F(TraceView, LayoutPutsTheBarsAtTheEdges) {
     Load(0, 99);
     auto view = MakeView(true, false, {640, 480});

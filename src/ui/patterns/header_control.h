@@ -1,0 +1,76 @@
+#pragma once
+
+#include "signals/signal.h"
+
+#include <Qt>
+
+#include <cstdint>
+
+namespace busquill {
+
+class CSignalList;
+
+/// Selecting, resizing and moving the signals of a table window by the mouse in its header. Places
+/// are pixels along the axis in which the signals follow one another, from the window's edge.
+///
+///   |  fixed column  | signal | signal | ...      the signals scroll by `offset`
+///   0             fixedEnd
+///
+/// Main thread; the list outlives the object.
+class HeaderControl {
+public:
+    /// What a step has changed.
+    enum class Redraw { Nothing, Header, All };
+
+    struct Hit {
+        CSignal* signal = nullptr;
+        int start = 0;     // where it begins
+        bool edge = false; // the place is at its end
+    };
+
+    /// `extent` is the size that resizing changes, at least `smallest`; `visible` is the room that
+    /// a signal takes.
+    HeaderControl(std::int32_t CSignal::*extent, std::int32_t (CSignal::*visible)() const noexcept,
+                  int smallest)
+        : extent_(extent), visible_(visible), smallest_(smallest) {}
+
+    void Attach(CSignalList& list);
+
+    /// Where the fixed column ends, which resizing changes too.
+    int fixedEnd = 0;
+    int offset = 0;
+
+    [[nodiscard]] Hit HitColumn(int place) const;
+    /// The left button goes down in the header.
+    Redraw Press(int place, Qt::KeyboardModifiers keys);
+    Redraw Move(int place);
+    Redraw Release(int place);
+    /// The right button goes down in the header: an unselected signal is selected.
+    Redraw SelectForMenu(int place);
+    /// Whether a press has begun something that the release ends.
+    [[nodiscard]] bool IsActive() const noexcept { return action_ != Action::None; }
+    [[nodiscard]] Qt::CursorShape CursorAt(int place) const;
+
+    /// A signal has taken another's place in the list.
+    void Replace(const CSignal* old, CSignal* by);
+    /// Selects one signal alone.
+    void SelectOnly(CSignal* signal);
+
+private:
+    enum class Action { None, ResizeFixed, Resize, Drag };
+
+    [[nodiscard]] bool OnFixedEdge(int place) const;
+    void SelectByClick(CSignal* signal, Qt::KeyboardModifiers keys);
+    void SelectSpan(const CSignal* from, const CSignal* to);
+
+    std::int32_t CSignal::*extent_;
+    std::int32_t (CSignal::*visible_)() const noexcept;
+    const int smallest_;
+    CSignalList* list_ = nullptr;
+    CSignal* lastSelected_ = nullptr; // may have left the list
+    Action action_ = Action::None;
+    CSignal* target_ = nullptr; // that is resized or dragged
+    int start_ = 0;             // of the one that is resized
+};
+
+} // namespace busquill

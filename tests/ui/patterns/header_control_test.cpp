@@ -1,0 +1,165 @@
+#include "signals/signal_list.h"
+#include "ui/patterns/header_control.h"
+
+#include <gtest/gtest.h>
+
+namespace busquill::test {
+namespace {
+
+using Redraw = HeaderControl::Redraw;
+
+/// Five signals: a line, a bus of two bits, a hidden line, and two lines more, each shown one 40
+/// wide behind a fixed column of 50.
+class Header : public testing::Test {
+protected:
+    Header() {
+        for (const char* name : {"A", "B1", "B0", "C", "D", "E"}) {
+            CSignal* signal = list.InsertBlank(nullptr);
+            signal->name = name;
+            signal->width = 40;
+        }
+        list[1].grouped = list[2].grouped = true;
+        list[1].groupAttribute = GroupAttribute::Start;
+        list[2].groupAttribute = GroupAttribute::End;
+        list[3].hidden = true;
+        header.Attach(list);
+        header.fixedEnd = 50;
+    }
+    /// The middles of the columns A, B, D and E.
+    enum Place { OnA = 71, OnB = 111, OnD = 151, OnE = 191, Behind = 300 };
+
+    std::string Selected() const {
+        std::string names;
+        for (const auto& signal : list.All()) {
+            names += signal->selected ? signal->name + " " : "";
+        }
+        return names;
+    }
+    std::string Order() const {
+        std::string names;
+        for (const auto& signal : list.All()) {
+            names += signal->name + " ";
+        }
+        return names;
+    }
+    void Click(int place, Qt::KeyboardModifiers keys = Qt::NoModifier) {
+        EXPECT_EQ(header.Press(place, keys), Redraw::Header);
+        EXPECT_EQ(header.Release(place), Redraw::Nothing);
+    }
+
+    CSignalList list;
+    HeaderControl header{&CSignal::width, &CSignal::VisibleWidth, 21};
+};
+
+TEST_F(Header, HitsColumnsAndTheirEdges) {
+    EXPECT_EQ(header.HitColumn(49).signal, nullptr);
+    EXPECT_EQ(header.HitColumn(50).signal, &list[0]);
+    EXPECT_FALSE(header.HitColumn(88).edge);
+    for (const int place : {89, 91, 93}) { // A ends at 91
+        EXPECT_EQ(header.HitColumn(place).signal, &list[0]) << place;
+        EXPECT_TRUE(header.HitColumn(place).edge) << place;
+    }
+    EXPECT_EQ(header.HitColumn(94).signal, &list[1]);
+    EXPECT_EQ(header.HitColumn(OnD).signal, &list[4]) << "a hidden one takes no room";
+    EXPECT_EQ(header.HitColumn(Behind).signal, nullptr);
+    header.offset = 40;
+    EXPECT_EQ(header.HitColumn(OnA).signal, &list[1]);
+    EXPECT_EQ(header.HitColumn(OnA).start, 51);
+}
+
+TEST_F(Header, APlainClickSelectsAColumnAlone) {
+    Click(OnA);
+    EXPECT_EQ(Selected(), "A ");
+    Click(OnB);
+    EXPECT_EQ(Selected(), "B1 B0 ") << "a bus as a whole";
+}
+
+TEST_F(Header, CtrlTogglesAColumn) {
+    Click(OnA);
+    Click(OnD, Qt::ControlModifier);
+    EXPECT_EQ(Selected(), "A D ");
+    Click(OnA, Qt::ControlModifier);
+    EXPECT_EQ(Selected(), "D ");
+    Click(OnB, Qt::ShiftModifier);
+    EXPECT_EQ(Selected(), "A B1 B0 ") << "from the last plain click, which was on A";
+}
+
+TEST_F(Header, ShiftSelectsTheSpanAndNothingElse) {
+    Click(OnE);
+    Click(OnD);
+    Click(OnB, Qt::ShiftModifier);
+    EXPECT_EQ(Selected(), "B1 B0 C D ");
+    Click(OnE, Qt::ShiftModifier);
+    EXPECT_EQ(Selected(), "D E ");
+}
+
+TEST_F(Header, ShiftWithoutAnEarlierClickSelectsTheOne) {
+    Click(OnD, Qt::ShiftModifier);
+    Click(OnB, Qt::ShiftModifier);
+    EXPECT_EQ(Selected(), "B1 B0 D ");
+}
+
+TEST_F(Header, ShiftAfterTheLastOneHasLeftTheList) {
+    Click(OnA);
+    list.DeleteSelected();
+    Click(OnA, Qt::ShiftModifier);
+    EXPECT_EQ(Selected(), "B1 B0 ");
+}
+
+TEST_F(Header, AnEdgeResizesItsColumnDownToTheSmallest) {
+    EXPECT_EQ(header.Press(131, Qt::NoModifier), Redraw::Nothing); // B ends there
+    EXPECT_TRUE(header.IsActive());
+    EXPECT_EQ(header.Move(150), Redraw::All);
+    EXPECT_EQ(list[1].width, 59);
+    EXPECT_EQ(header.Move(150), Redraw::Nothing);
+    EXPECT_EQ(header.Move(60), Redraw::All);
+    EXPECT_EQ(list[1].width, 21);
+    header.Release(60);
+    EXPECT_FALSE(header.IsActive());
+    EXPECT_EQ(header.Move(150), Redraw::Nothing);
+    EXPECT_EQ(Selected(), "");
+}
+
+TEST_F(Header, TheFixedColumnsEdgeResizesThat) {
+    EXPECT_EQ(header.Press(52, Qt::NoModifier), Redraw::Nothing);
+    EXPECT_EQ(header.Move(80), Redraw::All);
+    EXPECT_EQ(header.fixedEnd, 80);
+    header.Move(3);
+    EXPECT_EQ(header.fixedEnd, 21);
+    header.Release(3);
+}
+
+TEST_F(Header, ADragToTheLeftMovesTheColumnBeforeTheOneItIsDroppedOn) {
+    header.Press(OnE, Qt::NoModifier);
+    EXPECT_EQ(header.CursorAt(OnA), Qt::ClosedHandCursor);
+    EXPECT_EQ(header.Release(OnA), Redraw::All);
+    EXPECT_EQ(Order(), "E A B1 B0 C D ");
+    header.Press(OnA, Qt::NoModifier); // E stands there now
+    EXPECT_EQ(header.Release(Behind), Redraw::Nothing);
+    EXPECT_EQ(Order(), "E A B1 B0 C D ");
+}
+
+TEST_F(Header, ADragToTheRightMovesABusAsAWholeBehindItsTarget) {
+    header.Press(OnB, Qt::NoModifier);
+    header.Release(OnE);
+    EXPECT_EQ(Order(), "A C D E B1 B0 ");
+}
+
+TEST_F(Header, TheCursorTellsOfEdges) {
+    EXPECT_EQ(header.CursorAt(OnA), Qt::ArrowCursor);
+    EXPECT_EQ(header.CursorAt(90), Qt::SizeHorCursor);
+    EXPECT_EQ(header.CursorAt(49), Qt::SizeHorCursor);
+}
+
+TEST_F(Header, TheMenusPressSelectsWhatIsNotSelected) {
+    Click(OnA);
+    Click(OnD, Qt::ControlModifier);
+    EXPECT_EQ(header.SelectForMenu(OnD), Redraw::Nothing);
+    EXPECT_EQ(Selected(), "A D ");
+    EXPECT_EQ(header.SelectForMenu(OnE), Redraw::Header);
+    EXPECT_EQ(Selected(), "E ");
+    EXPECT_EQ(header.SelectForMenu(Behind), Redraw::Nothing);
+}
+
+} // namespace
+} // namespace busquill::test
