@@ -13,10 +13,12 @@ CORE = ["platform", "document", "link", "signals", "tracesetup", "capture"]
 UI = {
     "framework": set(),
     "link": {"framework"},
-    "patterns": {"framework"},
+    "controls": {"framework"},
+    "signals": {"framework", "controls"},
+    "patterns": {"framework", "controls", "signals"},
     "capture": {"framework"},
     "display": {"framework", "patterns", "capture"},
-    "shell": {"framework", "link", "capture", "display"},
+    "shell": {"framework", "link", "signals", "capture", "display"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

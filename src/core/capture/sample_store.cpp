@@ -431,6 +431,11 @@ std::size_t CSampleStore::CopySamples(std::uint32_t first, std::span<SampleRecor
     return count;
 }
 
+std::vector<SampleRecord> CSampleStore::AllSamples(bool zoom) const {
+    const MutexLock lock(storeLock_);
+    return zoom ? zoomSamples_ : samples_;
+}
+
 bool CSampleStore::HasSample(std::uint32_t index) const {
     const MutexLock lock(storeLock_);
     return index < samples_.size() && IsUploaded(std::int64_t{index} / blockSamples);

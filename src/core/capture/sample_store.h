@@ -101,6 +101,8 @@ public:
     [[nodiscard]] std::optional<SampleRecord> GetSample(std::uint32_t index) const;
     /// Copies the samples from an index on, as far as they have arrived, and returns their number.
     [[nodiscard]] std::size_t CopySamples(std::uint32_t first, std::span<SampleRecord> into) const;
+    /// A copy of all records, those that have not arrived as zeros.
+    [[nodiscard]] std::vector<SampleRecord> AllSamples(bool zoom) const;
     /// Whether the sample's block has arrived.
     [[nodiscard]] bool HasSample(std::uint32_t index) const;
     [[nodiscard]] bool HasZoom() const;

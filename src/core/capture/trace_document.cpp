@@ -103,6 +103,12 @@ void CTesselDoc::OnCaptureStopped() {
     captureActive_ = false;
 }
 
+void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {
+    // A capture that runs has samples in the store that belong to the one before.
+    const bool shown = zoom || sampleCount_ > 0;
+    list.LoadSignal(&signal, 0, shown ? GetStore().AllSamples(zoom) : std::vector<SampleRecord>());
+}
+
 void CTesselDoc::SetSetupName(const std::string& path, const std::string& name) {
     setupPath = path;
     setupName = name;

@@ -15,6 +15,7 @@
 
 namespace busquill {
 
+class CSignal;
 class Prompts;
 
 /// The hints by which a trace document tells its views what changed.
@@ -104,6 +105,8 @@ public:
     [[nodiscard]] bool CaptureActive() const noexcept { return captureActive_; }
     /// Whether a capture has ever been started.
     [[nodiscard]] bool HasData() const noexcept { return hasData_; }
+    /// Fills a signal that is new in one of the lists with the samples that have come.
+    void LoadSignal(CSignalList& list, CSignal& signal, bool zoom);
     void SetSetupName(const std::string& path, const std::string& name);
 
     /// Maps; with `zoom` those of the Power Zoom samples, which have no filter.

@@ -22,8 +22,8 @@ constexpr int widestTitle = 1000; // pixels
 
 } // namespace
 
-CStateWnd::CStateWnd(QWidget* parent, const Settings& settings)
-    : QWidget(parent), settings_(settings),
+CStateWnd::CStateWnd(QWidget* parent, const Settings& settings, Prompts* prompts)
+    : QWidget(parent), settings_(settings), prompts_(prompts),
       bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
       headerFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
       digitWidth_(QFontMetrics(bodyFont_).horizontalAdvance('0')),
@@ -165,7 +165,32 @@ void CStateWnd::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) {
         Show(header_.Release(event->pos().x()));
         setCursor(Qt::ArrowCursor);
+    } else if (event->button() == Qt::RightButton && event->pos().y() < stateHeaderLine) {
+        const HeaderControl::Hit hit = header_.HitColumn(event->pos().x());
+        if (hit.signal != nullptr && prompts_ != nullptr) {
+            ShowSignalMenu(*this, event->globalPosition().toPoint(), *hit.signal, *this, *prompts_);
+        }
     }
+}
+
+// What the listing is offered stands under the waveform's flags: only there are the columns that
+// are computed for a listing free to choose.
+std::uint32_t CStateWnd::OfferMode() const {
+    return ModeWaveform;
+}
+
+std::uint32_t CStateWnd::SampleRoom() const {
+    return static_cast<std::uint32_t>(document_->SampleCount(zoom_));
+}
+
+void CStateWnd::SignalAdded(CSignal& signal) {
+    document_->LoadSignal(*list_, signal, zoom_);
+    signal.width = MeasureColumn(signal);
+}
+
+void CStateWnd::SignalsChanged() {
+    document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
+    emit ColumnsChanged();
 }
 
 void CStateWnd::paintEvent(QPaintEvent* /*event*/) {

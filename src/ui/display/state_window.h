@@ -2,6 +2,7 @@
 
 #include "ui/display/state_painter.h"
 #include "ui/patterns/header_control.h"
+#include "ui/patterns/signal_menu.h"
 
 #include <QPixmap>
 #include <QWidget>
@@ -10,10 +11,11 @@ namespace busquill {
 
 /// The listing: a row for each sample, a column for each signal. Paints into a bitmap, which goes
 /// to the screen as it is; draws nothing until it is attached to a document.
-class CStateWnd final : public QWidget {
+class CStateWnd final : public QWidget, private SignalMenuHost {
     Q_OBJECT
 public:
-    CStateWnd(QWidget* parent, const Settings& settings);
+    /// Without prompts there is no menu on the columns.
+    CStateWnd(QWidget* parent, const Settings& settings, Prompts* prompts = nullptr);
 
     /// Attaches to a document's list and gives every column the width that its texts need.
     void Attach(CTesselDoc& document, CSignalList& list, bool zoom);
@@ -49,9 +51,17 @@ private:
     [[nodiscard]] StateFrame Frame() const;
     void Show(HeaderControl::Redraw redraw);
     void SetMarkerAt(int y, int which);
+
+    [[nodiscard]] CSignalList& MenuList() override { return *list_; }
+    [[nodiscard]] HeaderControl& MenuHeader() override { return header_; }
+    [[nodiscard]] std::uint32_t OfferMode() const override;
+    [[nodiscard]] std::uint32_t SampleRoom() const override;
+    void SignalAdded(CSignal& signal) override;
+    void SignalsChanged() override;
     [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
 
     const Settings& settings_;
+    Prompts* prompts_;
     QFont bodyFont_;
     QFont headerFont_;
     int digitWidth_;

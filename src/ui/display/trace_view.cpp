@@ -34,7 +34,7 @@ constexpr int runPeriod = 200; // milliseconds
 CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceViewParts& parts)
     : CView(parent), parts_(parts), isState_(isState), isZoom_(isZoom),
       vScroll_(new QScrollBar(Qt::Vertical, this)), hScroll_(new QScrollBar(Qt::Horizontal, this)),
-      state_(new CStateWnd(this, parts.settings)) {
+      state_(new CStateWnd(this, parts.settings, parts.prompts)) {
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(true);
     QPalette colors = palette();

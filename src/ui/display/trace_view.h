@@ -17,6 +17,7 @@ class CStateWnd;
 class CTesselDoc;
 class CTraceStatusDialog;
 class MainThread;
+class Prompts;
 class Settings;
 class TraceFrame;
 class WindowTimer;
@@ -29,6 +30,7 @@ struct TraceViewParts {
     const Settings& settings;
     CAnalyzerLink* link = nullptr;
     const MainThread* mainThread = nullptr;
+    Prompts* prompts = nullptr; // without it there is no menu on signals
 };
 
 /// The view of a captured trace: scroll bars around one display of its samples, kept in step with

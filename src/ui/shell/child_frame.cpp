@@ -43,8 +43,9 @@ CChildFrame::CChildFrame(const Parts& parts, CTesselDoc& document, TraceViewKind
 }
 
 CTraceView* CChildFrame::MakeView() {
-    auto* view = new CTraceView(this, isState_, isZoom_,
-                                {parts_.settings, &parts_.link, &parts_.mainThread});
+    auto* view =
+        new CTraceView(this, isState_, isZoom_,
+                       {parts_.settings, &parts_.link, &parts_.mainThread, &parts_.prompts});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
     return view;

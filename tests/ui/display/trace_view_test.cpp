@@ -2,11 +2,17 @@
 #include "ui/display/state_window.h"
 #include "ui/display/trace_frame.h"
 #include "ui/display/trace_view.h"
+#include "ui/signals/change_signal_dialog.h"
 
+#include <QAction>
+#include <QComboBox>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QSpinBox>
 #include <QStyle>
 #include <QStyleOptionSlider>
+#include <QTimer>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 #include <QtTest/qtestspontaneevent.h>
@@ -503,6 +509,179 @@ TEST_F(Mouse, ShowsWhereColumnsCanBeResized) {
     EXPECT_EQ(window->cursor().shape(), Qt::SizeHorCursor);
     QTest::mouseMove(window, {Edge(1).x(), 200});
     EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
+}
+
+/// The menu on a column, driven by the mouse.
+class Menu : public Mouse {
+protected:
+    void Open(int first = -500, int last = 499, bool withPrompts = true) {
+        Load(first, last);
+        view = std::make_unique<CTraceView>(
+            nullptr, true, false,
+            TraceViewParts{settings, nullptr, nullptr, withPrompts ? &prompts : nullptr});
+        view->AttachDocument(document.get());
+        view->resize(800, 600);
+        view->show();
+        view->OnInitialUpdate();
+        QApplication::processEvents();
+        window = view->findChild<CStateWnd*>();
+    }
+    static QAction* Find(const QMenu& menu, const QString& path) {
+        const QList<QAction*> actions = menu.actions();
+        for (QAction* action : actions) {
+            if (action->menu() != nullptr && path.startsWith(action->text() + "/")) {
+                return Find(*action->menu(), path.mid(action->text().size() + 1));
+            }
+            if (action->text() == path) {
+                return action;
+            }
+        }
+        return nullptr;
+    }
+    /// Opens the menu on the nth column and does something with it.
+    void OnMenu(int column, const std::function<void(QMenu&)>& act) {
+        bool met = false;
+        QTimer::singleShot(0, [&] {
+            if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+                met = true;
+                act(*menu);
+                menu->close();
+            }
+        });
+        Click(Column(column), Qt::RightButton);
+        EXPECT_TRUE(met);
+    }
+    void Choose(int column, const QString& path) {
+        OnMenu(column, [&](QMenu& menu) {
+            QAction* action = Find(menu, path);
+            ASSERT_NE(action, nullptr) << path.toStdString();
+            ASSERT_TRUE(action->isEnabled()) << path.toStdString();
+            action->trigger();
+        });
+    }
+    /// Chooses an entry that opens the dialog and answers that.
+    void ChooseSignal(int column, const QString& entry,
+                      const std::function<void(CChangeSignalDialog&)>& answer) {
+        QTimer::singleShot(50, [&] {
+            auto* dialog = qobject_cast<CChangeSignalDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            answer(*dialog);
+            dialog->accept();
+        });
+        Choose(column, entry);
+    }
+    int ColumnOf(const std::string& name) {
+        for (int n = 0;; ++n) {
+            if (Visible(n).RowName() == name) {
+                return n;
+            }
+        }
+    }
+};
+
+TEST_F(Menu, HasItsEntriesInOrder) {
+    Open();
+    OnMenu(0, [](QMenu& menu) {
+        QStringList texts;
+        for (const QAction* action : menu.actions()) {
+            texts << (action->isSeparator() ? "-" : action->text());
+        }
+        EXPECT_EQ(texts.join("|").toStdString(),
+                  "Change Signal...|Insert Signal...|Delete Signal|Insert Blank|-|Change Base|"
+                  "Change Color...|-|Expand|Collapse");
+        EXPECT_FALSE(Find(menu, "Expand")->isEnabled()) << "a decoded column";
+        EXPECT_FALSE(Find(menu, "Collapse")->isEnabled()) << "one column alone";
+    });
+    EXPECT_TRUE(Visible(0).selected);
+}
+
+TEST_F(Menu, DeletesWhatIsSelectedWhenTheUserSaysSo) {
+    Open();
+    const std::string second = Visible(1).RowName();
+    prompts.AnswerNext(Answer::No);
+    Choose(0, "Delete Signal");
+    EXPECT_EQ(prompts.Texts().back(), "Delete selected signal(s)?");
+    EXPECT_EQ(Visible(1).RowName(), second);
+    prompts.AnswerNext(Answer::Yes);
+    Choose(0, "Delete Signal");
+    EXPECT_EQ(Visible(0).RowName(), second);
+}
+
+TEST_F(Menu, InsertsABlankBeforeTheColumn) {
+    Open();
+    const std::string old = Visible(1).RowName();
+    Choose(1, "Insert Blank");
+    EXPECT_EQ(Visible(1).dataIndex, -1);
+    EXPECT_EQ(Visible(2).RowName(), old);
+}
+
+TEST_F(Menu, ChangesTheBaseOfOneSignal) {
+    Open();
+    const int bus = ColumnOf("AD[63:0]");
+    OnMenu(bus, [](QMenu& menu) {
+        EXPECT_TRUE(Find(menu, "Change Base/Hex")->isChecked());
+        EXPECT_FALSE(Find(menu, "Change Base/Octal")->isChecked());
+    });
+    EXPECT_TRUE(Repaints(*view, [&] { Choose(bus, "Change Base/Octal"); }));
+    EXPECT_EQ(Visible(bus).radix, Radix::Octal);
+}
+
+TEST_F(Menu, ExpandsABusAndCollapsesLines) {
+    Open();
+    const int bus = ColumnOf("C/BE[7:0]");
+    Choose(bus, "Expand");
+    EXPECT_EQ(Visible(bus).RowName(), "C/BE[0]");
+    EXPECT_EQ(Visible(bus + 7).RowName(), "C/BE[7]");
+    Click(Column(bus));
+    Click(Column(bus + 1), Qt::LeftButton, Qt::ShiftModifier);
+    Choose(bus, "Collapse");
+    EXPECT_EQ(Visible(bus).groupWidth, 2U);
+    EXPECT_EQ(Visible(bus + 1).RowName(), "C/BE[2]");
+}
+
+TEST_F(Menu, ChangesASignalInItsPlace) {
+    Open();
+    const int bus = ColumnOf("AD[63:0]");
+    ChooseSignal(bus, "Change Signal...", [](CChangeSignalDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QComboBox*>("Name")->currentText(), "AD");
+        dialog.findChild<QSpinBox*>("High")->setValue(7);
+    });
+    EXPECT_EQ(Visible(bus).RowName(), "AD[7:0]");
+    EXPECT_TRUE(Visible(bus).selected);
+    const auto row = Visible(bus).GroupRow(300);
+    ASSERT_EQ(row.size(), 1U);
+    EXPECT_EQ(row[0], 300 & 255) << "with its samples";
+    EXPECT_LT(Visible(bus).width, 120) << "and a width of its own";
+}
+
+TEST_F(Menu, InsertsASignalBeforeTheColumn) {
+    Open();
+    const std::string old = Visible(2).RowName();
+    ChooseSignal(2, "Insert Signal...", [](CChangeSignalDialog& dialog) {
+        auto* name = dialog.findChild<QComboBox*>("Name");
+        name->setCurrentIndex(name->findText("TIME"));
+    });
+    EXPECT_EQ(Visible(2).RowName(), "TIME");
+    EXPECT_EQ(Visible(3).RowName(), old);
+    const QScrollBar& bar = Bar(*view, Qt::Horizontal);
+    EXPECT_EQ(bar.maximum(),
+              window->ColumnsWidth() - (window->width() - window->SampleColumnWidth() - 1));
+}
+
+TEST_F(Menu, ACancelledDialogChangesNothing) {
+    Open();
+    const std::string old = Visible(2).RowName();
+    const std::size_t count = document->stateList.Size();
+    for (const char* entry : {"Change Signal...", "Insert Signal..."}) {
+        QTimer::singleShot(50, [] {
+            if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                dialog->reject();
+            }
+        });
+        Choose(2, entry);
+        EXPECT_EQ(Visible(2).RowName(), old);
+        EXPECT_EQ(document->stateList.Size(), count);
+    }
 }
 
 TEST_F(TraceView, LayoutPutsTheBarsAtTheEdges) {

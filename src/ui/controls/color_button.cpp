@@ -1,0 +1,47 @@
+#include "ui/controls/color_button.h"
+
+#include "ui/framework/painting.h"
+
+#include <QColorDialog>
+#include <QPainter>
+
+namespace busquill {
+
+namespace {
+
+constexpr int margin = 5;
+
+} // namespace
+
+std::optional<std::uint32_t> AskColor(QWidget* parent, std::uint32_t color) {
+    const QColor chosen = QColorDialog::getColor(ColorOf(color), parent);
+    if (!chosen.isValid()) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint32_t>(chosen.red() | chosen.green() << 8 | chosen.blue() << 16);
+}
+
+ColorButton::ColorButton(QWidget* parent) : QPushButton(parent) {
+    setAccessibleName("Color");
+    connect(this, &QPushButton::clicked, this, &ColorButton::Choose);
+}
+
+void ColorButton::SetColor(std::uint32_t color) {
+    color_ = color;
+    update();
+}
+
+void ColorButton::Choose() {
+    if (const auto chosen = AskColor(this, color_)) {
+        SetColor(*chosen);
+    }
+}
+
+void ColorButton::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Button));
+    painter.fillRect(rect().adjusted(margin, margin, -margin, -margin), ColorOf(color_));
+    DrawEdge(painter, rect(), isDown() ? Edge::Sunken : Edge::Raised);
+}
+
+} // namespace busquill

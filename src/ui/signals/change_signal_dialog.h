@@ -1,0 +1,61 @@
+#pragma once
+
+#include "signals/signal_tables.h"
+
+#include <QDialog>
+
+#include <memory>
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+class QSpinBox;
+
+namespace busquill {
+
+class ColorButton;
+class CSignal;
+class Prompts;
+
+/// Asks which signal a row is to show, and how. With a signal, OK gives it colour, radix and value
+/// at once; without one, the row is to be a new one.
+class CChangeSignalDialog final : public QDialog {
+    Q_OBJECT
+public:
+    /// `mode` picks the flags by which definitions are offered.
+    CChangeSignalDialog(QWidget* parent, CSignal* signal, std::uint32_t mode, Prompts& prompts);
+    ~CChangeSignalDialog() override;
+
+    void accept() override;
+
+    /// After OK: what the row is to show, or null when it stays as it is.
+    std::shared_ptr<const CSignalDef> chosenDef;
+    std::int32_t radix = 1;
+    bool showValue = false;
+    std::int32_t firstBit = 0;
+    std::int32_t lastBit = 0;
+    std::uint32_t color = 0;
+
+private:
+    class RangeField;
+
+    [[nodiscard]] const CSignalDef* Selected() const;
+    [[nodiscard]] bool IsCurrent(const CSignalDef& def) const;
+    void FillNames();
+    void NameSelected();
+    [[nodiscard]] bool ChooseBus(const CBusSignalDef& def, const std::string& currentName);
+
+    CSignal* signal_;
+    std::uint32_t mode_;
+    Prompts& prompts_;
+    std::vector<std::shared_ptr<const CSignalDef>> offered_; // beside the names
+    QComboBox* type_;
+    QComboBox* name_;
+    RangeField* high_;
+    RangeField* low_;
+    QComboBox* radix_;
+    QCheckBox* showValue_;
+    ColorButton* color_;
+};
+
+} // namespace busquill

@@ -1,0 +1,192 @@
+#include "signals/signal_list.h"
+#include "support/board_tables.h"
+#include "support/recording_prompts.h"
+#include "support/temp_dir.h"
+#include "ui/controls/color_button.h"
+#include "ui/signals/change_signal_dialog.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QSpinBox>
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ChangeSignal : public testing::Test {
+protected:
+    ChangeSignal() { list.BuildFromTables(32, ModeState); }
+
+    void Open(CSignal* signal) {
+        dialog = std::make_unique<CChangeSignalDialog>(nullptr, signal, ModeWaveform, prompts);
+        dialog->show();
+        SetType("ALL");
+    }
+    CSignal& Signal(const std::string& rowName) {
+        for (const auto& signal : list.All()) {
+            if (signal->RowName() == rowName) {
+                return *signal;
+            }
+        }
+        throw std::runtime_error("no row " + rowName);
+    }
+    QComboBox& Box(const char* name) { return *dialog->findChild<QComboBox*>(name); }
+    QSpinBox& High() { return *dialog->findChild<QSpinBox*>("High"); }
+    QSpinBox& Low() { return *dialog->findChild<QSpinBox*>("Low"); }
+    QCheckBox& ShowValues() { return *dialog->findChild<QCheckBox*>(); }
+    void SetType(const QString& type) {
+        const int index = Box("Type").findText(type);
+        Box("Type").setCurrentIndex(index);
+        emit Box("Type").activated(index);
+    }
+    void SetName(const QString& name) {
+        const int index = Box("Name").findText(name);
+        ASSERT_GE(index, 0) << name.toStdString();
+        Box("Name").setCurrentIndex(index);
+    }
+
+    const TempDir dir;
+    BoardTables board{"PCIKite-1", BusPci, 0, dir.Path()};
+    RecordingPrompts prompts;
+    CSignalList list;
+    std::unique_ptr<CChangeSignalDialog> dialog;
+};
+
+TEST_F(ChangeSignal, OffersDefinitionsByTheirKind) {
+    Open(nullptr);
+    EXPECT_EQ(dialog->windowTitle(), "Change Signal");
+    const int all = Box("Name").count();
+    SetType("BUS");
+    const int buses = Box("Name").count();
+    EXPECT_GE(Box("Name").findText("AD"), 0);
+    EXPECT_LT(Box("Name").findText("COMMAND"), 0);
+    SetType("DECODED");
+    EXPECT_GE(Box("Name").findText("COMMAND"), 0);
+    EXPECT_GE(Box("Name").findText("DELTA"), 0);
+    EXPECT_LT(Box("Name").findText("AD"), 0);
+    EXPECT_EQ(all, buses + Box("Name").count());
+}
+
+TEST_F(ChangeSignal, DefinedIsEmptyAndChangesNothing) {
+    Open(&Signal("AD[63:0]"));
+    SetType("DEFINED");
+    EXPECT_EQ(Box("Name").count(), 0);
+    dialog->accept();
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    EXPECT_EQ(dialog->chosenDef, nullptr);
+}
+
+TEST_F(ChangeSignal, TheTypeIsRemembered) {
+    Open(nullptr);
+    SetType("DECODED");
+    CChangeSignalDialog second(nullptr, nullptr, ModeWaveform, prompts);
+    EXPECT_EQ(second.findChild<QComboBox*>("Type")->currentText(), "DECODED");
+}
+
+TEST_F(ChangeSignal, BeginsWithWhatTheSignalShows) {
+    Open(&Signal("C/BE[7:0]"));
+    EXPECT_EQ(Box("Name").currentText(), "C/BE");
+    EXPECT_EQ(High().value(), 7);
+    EXPECT_EQ(Low().value(), 0);
+    Open(&Signal("COMMAND"));
+    EXPECT_EQ(Box("Name").currentText(), "COMMAND");
+    EXPECT_FALSE(High().isEnabled());
+    EXPECT_EQ(High().text().trimmed(), "");
+}
+
+TEST_F(ChangeSignal, LinesHaveNoRangeAndShowNoValues) {
+    Open(nullptr);
+    SetName("AD");
+    EXPECT_TRUE(High().isEnabled());
+    EXPECT_EQ(High().value(), 63);
+    EXPECT_TRUE(ShowValues().isChecked());
+    SetName("FRAME");
+    EXPECT_FALSE(High().isEnabled());
+    EXPECT_FALSE(Low().isEnabled());
+    EXPECT_FALSE(ShowValues().isChecked());
+    SetName("COMMAND");
+    EXPECT_FALSE(High().isEnabled());
+    EXPECT_TRUE(ShowValues().isChecked());
+}
+
+TEST_F(ChangeSignal, TheArrowsStayInTheRange) {
+    Open(nullptr);
+    SetName("C/BE");
+    High().stepUp();
+    EXPECT_EQ(High().value(), 7);
+    Low().stepDown();
+    EXPECT_EQ(Low().value(), 0);
+    Low().stepUp();
+    EXPECT_EQ(Low().value(), 1);
+}
+
+TEST_F(ChangeSignal, AWrongRangeKeepsItOpen) {
+    Open(nullptr);
+    SetName("C/BE");
+    Low().setValue(-1);
+    dialog->accept();
+    Low().setValue(3);
+    High().setValue(8);
+    dialog->accept();
+    High().setValue(2);
+    dialog->accept();
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("LSB must be >= 0.", "MSB must be <= 7.", "MSB must be >= LSB."));
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->chosenDef, nullptr);
+    High().setValue(5);
+    dialog->accept();
+    ASSERT_NE(dialog->chosenDef, nullptr);
+    EXPECT_EQ(dialog->firstBit, 3);
+    EXPECT_EQ(dialog->lastBit, 5);
+}
+
+TEST_F(ChangeSignal, TheSameRangeKeepsTheRowButNotItsLooks) {
+    CSignal& bus = Signal("C/BE[7:0]");
+    Open(&bus);
+    Box("Radix").setCurrentText("Octal");
+    dialog->findChild<ColorButton*>()->SetColor(0x123456);
+    dialog->accept();
+    EXPECT_EQ(dialog->chosenDef, nullptr);
+    EXPECT_EQ(bus.radix, Radix::Octal);
+    EXPECT_EQ(bus.color, 0x123456U);
+    EXPECT_EQ(board.tables.busSignals.FindByName("C/BE")->color, 0x123456U);
+    EXPECT_NE(ReadWholeFile(dir.File("BusSignalColors.dat")).find("C/BE 123456"),
+              std::string::npos);
+}
+
+TEST_F(ChangeSignal, ADecodedSignalsColourIsKeptUnderItsOwnName) {
+    Open(&Signal("COMMAND"));
+    dialog->findChild<ColorButton*>()->SetColor(0x00FF00);
+    dialog->accept();
+    EXPECT_EQ(dialog->chosenDef, nullptr) << "the same name";
+    EXPECT_EQ(board.tables.decodedSignals.FindByName("COMMAND")->color, 0x00FF00U);
+}
+
+TEST_F(ChangeSignal, AnotherSignalIsChosen) {
+    Open(&Signal("COMMAND"));
+    SetName("FRAME");
+    dialog->accept();
+    ASSERT_NE(dialog->chosenDef, nullptr);
+    EXPECT_EQ(dialog->chosenDef->name, "FRAME");
+    Open(nullptr);
+    SetName("COMMAND");
+    dialog->accept();
+    EXPECT_EQ(dialog->chosenDef->name, "COMMAND") << "a new row needs no comparison";
+}
+
+TEST_F(ChangeSignal, ATimeRadixBecomesHex) {
+    CSignal& bus = Signal("C/BE[7:0]");
+    bus.radix = Radix::Time;
+    Open(&bus);
+    EXPECT_EQ(Box("Radix").currentText(), "Hex");
+    dialog->accept();
+    EXPECT_EQ(bus.radix, Radix::Hex);
+}
+
+} // namespace
+} // namespace busquill::test
