@@ -123,7 +123,7 @@ constexpr Command commands[] = {
     {CommandId::Compare,              "&Search",                 "&Compare",              "Compare two captures", "compare", "", Never},
     {CommandId::ZoomIncrement,        "&Search",                 "Zoom Increment",        "", "", "", Never},
 
-    {CommandId::DefineSignals,        "&Utilities",              "&Define Signals",       "Show how signals lie in a sample", "", "", NotYet},
+    {CommandId::DefineSignals,        "&Utilities",              "&Define Signals",       "Show how signals lie in a sample", "", "", Always},
     {CommandId::BoardSetup,           "&Utilities",              "Board &Setup",          "Choose port and baud rate", "", "", NotYet},
     {CommandId::BoardInfo,            "&Utilities",              "Board &Info",           "Show what the board says of itself", "", "", Always},
     {CommandId::DownloadFirmware,     "&Utilities",              "Download &Firmware",    "Replace the board's firmware", "", "", NotYet},

@@ -9,6 +9,7 @@
 #include "ui/shell/child_frame.h"
 #include "ui/shell/help_window.h"
 #include "ui/shell/tessel_app.h"
+#include "ui/signals/define_signal_dialog.h"
 
 #include <QAction>
 #include <QCloseEvent>
@@ -268,6 +269,9 @@ void CMainFrame::Run(CommandId id) {
         break;
     case CommandId::BoardInfo:
         CBoardInfoDialog(this, link_).exec();
+        break;
+    case CommandId::DefineSignals:
+        CDefineSignalDialog(this).exec();
         break;
     case CommandId::BusConfiguration:
         ShowBusConfiguration();

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "signals/signal_tables.h"
+
+#include <QDialog>
+#include <QFont>
+
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+/// A column of the bit layout: one for each bus definition, behind the mnemonic's.
+struct LayoutColumn {
+    std::string text;
+    int left = 0;
+    int width = 0;
+    friend bool operator==(const LayoutColumn&, const LayoutColumn&) = default;
+};
+
+/// The columns for characters of a width. A bit takes a character, and in a definition of 16 bits
+/// and more four bits take one.
+[[nodiscard]] std::vector<LayoutColumn>
+LayoutColumns(std::span<const std::shared_ptr<CBusSignalDef>> defs, int characterWidth);
+
+/// The bit layout of the bus at hand as a table. There is nothing to edit yet: OK only closes it.
+class CDefineSignalDialog final : public QDialog {
+    Q_OBJECT
+public:
+    explicit CDefineSignalDialog(QWidget* parent);
+};
+
+/// The table: a header over rows that are numbered from 1.
+class LayoutTable final : public QWidget {
+    Q_OBJECT
+public:
+    explicit LayoutTable(QWidget* parent = nullptr);
+    /// The first row that shows, from 0.
+    void SetTopRow(int row);
+    [[nodiscard]] int TopRow() const noexcept { return topRow_; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void DrawTitle(QPainter& painter, const LayoutColumn& column) const;
+
+    QFont textFont_;
+    QFont rowFont_;
+    std::vector<LayoutColumn> columns_;
+    int topRow_ = 0;
+};
+
+} // namespace busquill
