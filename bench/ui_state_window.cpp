@@ -1,6 +1,7 @@
 #include "support/trace_fixture_qt.h"
 #include "ui/display/state_window.h"
 
+#include <QtTest/QTest>
 #include <benchmark/benchmark.h>
 
 #include <map>
@@ -12,7 +13,19 @@ namespace {
 class Listing : public TraceFixture {
 public:
     explicit Listing(int samples) {
-        Load(0, samples - 1);
+        document = std::make_unique<CTesselDoc>(context, prompts);
+        static_cast<void>(document->store.AllocateForFile(0, samples - 1));
+        for (int i = 0; i < samples; ++i) {
+            SampleRecord record;
+            for (std::size_t byte = 0; byte < record.bytes.size(); ++byte) {
+                record.bytes[byte] = static_cast<std::uint8_t>(i * 31 + byte * 17);
+            }
+            document->store.PutSample(static_cast<std::uint32_t>(i), record);
+        }
+        document->stateList.BuildFromTables(0, ModeState);
+        document->stateList.ResizeSamples(static_cast<std::uint32_t>(samples));
+        document->stateList.LoadSamples(0, document->store.GetData(false));
+        document->RebuildMapsFromFile();
         view = MakeView(true, false, {1600, 1000});
         window = view->findChild<CStateWnd*>();
     }
@@ -42,13 +55,17 @@ public:
 std::map<int, std::unique_ptr<Listing>> listings;
 std::unique_ptr<Listing> accumulating;
 
+Listing& ListingOf(std::int64_t samples) {
+    auto& listing = listings[static_cast<int>(samples)];
+    if (!listing) {
+        listing = std::make_unique<Listing>(static_cast<int>(samples));
+    }
+    return *listing;
+}
+
 /// A frame at a place of the capture, given in hundredths of its length.
 void Frame(benchmark::State& state) {
-    const auto samples = static_cast<int>(state.range(0));
-    auto& listing = listings[samples];
-    if (!listing) {
-        listing = std::make_unique<Listing>(samples);
-    }
+    Listing* listing = &ListingOf(state.range(0));
     listing->view->ScrollToSample(state.range(0) * state.range(1) / 100);
     for (auto _ : state) {
         listing->window->Render(false);
@@ -56,10 +73,25 @@ void Frame(benchmark::State& state) {
 }
 BENCHMARK(Frame)
     ->ArgNames({"samples", "place"})
-    ->ArgsProduct({{10'000, 1'000'000}, {0, 50, 100}})
+    ->ArgsProduct({{10'000, 10'000'000}, {0, 50, 100}})
     ->Unit(benchmark::kMicrosecond);
 
-/// The same with a column of times since the trigger, which is at the start: the sums are walked
+/// What a held arrow key costs: a step of a row and the frame, events included.
+void StepByKey(benchmark::State& state) {
+    Listing& listing = ListingOf(state.range(0));
+    listing.view->ScrollToSample(0);
+    for (auto _ : state) {
+        QTest::keyClick(listing.view.get(), Qt::Key_Down);
+        QApplication::processEvents();
+    }
+}
+BENCHMARK(StepByKey)
+    ->ArgName("samples")
+    ->Arg(10'000)
+    ->Arg(10'000'000)
+    ->Unit(benchmark::kMicrosecond);
+
+/// A frame with a column of times since the trigger, which is at the start: the sums are walked
 /// from there to each row.
 void FrameWithAccumulatedTime(benchmark::State& state) {
     if (!accumulating) {
