@@ -133,7 +133,7 @@ void HeaderControl::SelectOnly(CSignal* signal) {
 }
 
 void HeaderControl::SelectSpan(const CSignal* from, const CSignal* to) {
-    const auto [first, last] = std::minmax(list_->IndexOf(from), list_->IndexOf(to));
+    const auto [first, last] = std::minmax({list_->IndexOf(from), list_->IndexOf(to)});
     for (std::size_t i = 0; i < list_->Size(); ++i) {
         (*list_)[i].selected = i >= first && i < list_->GroupEnd(last);
     }
