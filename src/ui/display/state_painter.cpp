@@ -61,12 +61,12 @@ std::string AccumulatedTime(const StateFrame& frame, std::int64_t sample) {
     return sample < trigger && !time.empty() ? "-" + time : time;
 }
 
-/// Times since the trigger for one row after another. Each goes on from the row before, so that a
-/// frame walks from the trigger to its place once and not once a row.
+/// Times since the trigger, row by row.
 class AccumulatedTimes {
 public:
     explicit AccumulatedTimes(const StateFrame& frame)
-        : frame_(frame), trigger_(frame.document.Marker(0, frame.zoom)), at_(trigger_) {
+        : frame_(frame), sums_(frame.timeSums != nullptr ? *frame.timeSums : ownSums_),
+          trigger_(frame.document.Marker(0, frame.zoom)) {
         for (const auto& signal : frame.list.All()) {
             if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
                 time_ = signal.get();
@@ -74,33 +74,29 @@ public:
             }
         }
     }
+    AccumulatedTimes(const AccumulatedTimes&) = delete;
+    AccumulatedTimes& operator=(const AccumulatedTimes&) = delete;
 
     std::string At(std::int64_t sample) {
         if (trigger_ == -1 || time_ == nullptr || time_->groupData.empty()) {
             return {};
         }
-        for (; at_ < sample; ++at_) {
-            sum_ += TimeOf(at_ + 1);
+        if (!upToTrigger_) {
+            upToTrigger_ = sums_.UpTo(*time_, trigger_);
         }
-        for (; at_ > sample; --at_) {
-            sum_ -= TimeOf(at_);
-        }
+        const std::int64_t sum = sums_.UpTo(*time_, sample) - *upToTrigger_;
         const bool before = sample < trigger_;
-        const std::string text = FormatTime(before ? -sum_ : sum_, frame_.zoom);
+        const std::string text = FormatTime(before ? -sum : sum, frame_.zoom);
         return before ? "-" + text : text;
     }
 
 private:
-    [[nodiscard]] std::int64_t TimeOf(std::int64_t sample) const {
-        const auto row = time_->GroupRow(static_cast<std::size_t>(sample));
-        return row.empty() ? 0 : TimeField(row, time_->groupWidth);
-    }
-
     const StateFrame& frame_;
+    TimeSums ownSums_;
+    TimeSums& sums_;
     const CSignal* time_ = nullptr;
     const std::int64_t trigger_;
-    std::int64_t at_; // `sum_` is the time from the trigger to here
-    std::int64_t sum_ = 0;
+    std::optional<std::int64_t> upToTrigger_;
 };
 
 class Drawing {
@@ -285,6 +281,47 @@ private:
 };
 
 } // namespace
+
+std::int64_t TimeSums::UpTo(const CSignal& time, std::int64_t sample) {
+    constexpr std::int64_t span = 1024; // samples from one kept sum to the next
+    const auto timeOf = [&time](std::int64_t at) {
+        const auto row = time.GroupRow(static_cast<std::size_t>(at));
+        return row.empty() ? 0 : TimeField(row, time.groupWidth);
+    };
+    if (&time != time_) {
+        Forget();
+        time_ = &time;
+    }
+    if (sums_.empty()) {
+        sums_.push_back(timeOf(0));
+    }
+    while (static_cast<std::int64_t>(sums_.size()) <= sample / span) {
+        const std::int64_t from = static_cast<std::int64_t>(sums_.size() - 1) * span;
+        std::int64_t sum = sums_.back();
+        for (std::int64_t at = from + 1; at <= from + span; ++at) {
+            sum += timeOf(at);
+        }
+        sums_.push_back(sum);
+    }
+    if (sample != lastSample_) {
+        // Rows follow one another, so most sums go on from the one before.
+        const std::int64_t kept = sample / span * span;
+        const bool goesOn = lastSample_ >= kept && lastSample_ < sample;
+        std::int64_t sum = goesOn ? lastSum_ : sums_[static_cast<std::size_t>(sample / span)];
+        for (std::int64_t at = (goesOn ? lastSample_ : kept) + 1; at <= sample; ++at) {
+            sum += timeOf(at);
+        }
+        lastSample_ = sample;
+        lastSum_ = sum;
+    }
+    return lastSum_;
+}
+
+void TimeSums::Forget() {
+    time_ = nullptr;
+    sums_.clear();
+    lastSample_ = -1;
+}
 
 StateColors LoadStateColors(const Settings& settings) {
     const auto color = [&](const char* key, std::uint32_t fallback) {

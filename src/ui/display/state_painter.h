@@ -34,6 +34,21 @@ struct StateColors {
 /// The user's colours; the alternate one is the background while alternation is off.
 [[nodiscard]] StateColors LoadStateColors(const Settings& settings);
 
+/// Running sums of a capture's TIME, kept from frame to frame, so that the time from the trigger to
+/// a far place costs the walk once. Forget when samples come or the list changes.
+class TimeSums {
+public:
+    /// The sum over the samples from 0 to this one.
+    [[nodiscard]] std::int64_t UpTo(const CSignal& time, std::int64_t sample);
+    void Forget();
+
+private:
+    const CSignal* time_ = nullptr;
+    std::vector<std::int64_t> sums_; // up to every so many samples
+    std::int64_t lastSample_ = -1;
+    std::int64_t lastSum_ = 0;
+};
+
 /// Everything that one frame of the listing is drawn from.
 struct StateFrame {
     CTesselDoc& document;
@@ -47,6 +62,7 @@ struct StateFrame {
     int offset = 0; // horizontal scroll of the signal columns
     QFont bodyFont;
     QFont headerFont;
+    TimeSums* timeSums = nullptr; // without it, the frame sums for itself
 };
 
 /// The width of each signal's column; 0 for one that takes none.

@@ -93,7 +93,7 @@ void CStateWnd::Render(bool blit) {
     }
 }
 
-StateFrame CStateWnd::Frame() const {
+StateFrame CStateWnd::Frame() {
     return {*document_,
             *list_,
             zoom_,
@@ -104,7 +104,8 @@ StateFrame CStateWnd::Frame() const {
             topRow_,
             header_.offset,
             bodyFont_,
-            headerFont_};
+            headerFont_,
+            &timeSums_};
 }
 
 void CStateWnd::Show(HeaderControl::Redraw redraw) {

@@ -31,6 +31,8 @@ public:
     void SetTopRow(std::int64_t row);
     void SetOffset(int offset);
 
+    /// Samples have come or the list has changed.
+    void ForgetTimes() { timeSums_.Forget(); }
     /// Draws the frame into the bitmap, and to the screen if asked.
     void Render(bool blit);
 
@@ -48,7 +50,7 @@ protected:
 
 private:
     void MakeBitmap();
-    [[nodiscard]] StateFrame Frame() const;
+    [[nodiscard]] StateFrame Frame();
     void Show(HeaderControl::Redraw redraw);
     void SetMarkerAt(int y, int which);
 
@@ -72,6 +74,7 @@ private:
     std::int64_t topRow_ = 0;
     std::int64_t topSample_ = 0;
     HeaderControl header_;
+    TimeSums timeSums_;
     QPixmap bitmap_;
 };
 

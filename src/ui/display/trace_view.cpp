@@ -161,6 +161,9 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     } else {
         ShowTimes();
     }
+    if (hint == HintRedraw || (hint >= HintCaptureStarted && hint <= HintBlockArrived)) {
+        state_->ForgetTimes();
+    }
     switch (hint) {
     case HintMarker1:
     case HintMarker2:
@@ -203,6 +206,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintFilterChanged:
         ScrollToSample(TopSample()); // its row is another one now
         SetScrollBars();
+        ReportWindow();
         break;
     default:
         state_->Render(true);

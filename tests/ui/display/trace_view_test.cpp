@@ -378,6 +378,46 @@ TEST_F(FramedView, MarkersGoToTheGaugeAndTheTimesToTheBar) {
     EXPECT_EQ(Gauge().marker1, -1) << "of the other samples";
 }
 
+TEST_F(FramedView, TwoMarkersOnOneSampleAreNoTimeApart) {
+    Load(-500, 499);
+    Open();
+    document->SetMarker(1, 400);
+    document->SetMarker(2, 400);
+    EXPECT_EQ(frame.times[0], "0ns");
+    EXPECT_EQ(frame.times[1], frame.times[2]);
+}
+
+TEST_F(FramedView, WithoutATimeOfItsOwnAListingHasNoTimes) {
+    Load(-500, 499);
+    for (const auto& signal : document->stateList.All()) {
+        if (signal->baseName == "TIME") {
+            signal->permanent = false;
+        }
+    }
+    Open();
+    document->SetMarker(1, 400);
+    document->SetMarker(2, 410);
+    EXPECT_EQ(frame.times, (std::array<std::string, 3>{}));
+    auto waveform = MakeView(false);
+    RecordingFrame other;
+    waveform->SetFrame(&other);
+    document->SetMarker(2, 411);
+    EXPECT_NE(other.times[0], "") << "whose list has one";
+}
+
+TEST_F(FramedView, AFilterThatMatchesNothingListsNothing) {
+    Load(-500, 499);
+    Open();
+    Filter(*view, [](std::uint32_t) { return false; });
+    EXPECT_EQ(document->RowCount(false), 0);
+    EXPECT_EQ(document->RowToSample(7, false), 0);
+    EXPECT_EQ(view->TopSample(), 0);
+    EXPECT_EQ(Gauge().windowFirst, -1);
+    QTest::keyClick(view.get(), Qt::Key_Down);
+    QTest::keyClick(view.get(), Qt::Key_PageUp);
+    EXPECT_EQ(Bar(*view, Qt::Vertical).value(), 0);
+}
+
 /// A listing under the mouse.
 class Mouse : public TraceView {
 protected:
@@ -666,6 +706,26 @@ TEST_F(Menu, InsertsASignalBeforeTheColumn) {
     const QScrollBar& bar = Bar(*view, Qt::Horizontal);
     EXPECT_EQ(bar.maximum(),
               window->ColumnsWidth() - (window->width() - window->SampleColumnWidth() - 1));
+}
+
+TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
+    Open(-3000, 2999);
+    ChooseSignal(0, "Insert Signal...", [](CChangeSignalDialog& dialog) {
+        auto* name = dialog.findChild<QComboBox*>("Name");
+        name->setCurrentIndex(name->findText("ACCUM"));
+    });
+    // Each sample comes 30 ns after the one before it; what a frame shows must not depend on the
+    // frames before it.
+    const auto picture = [&](std::int64_t sample) {
+        view->ScrollToSample(sample);
+        return window->grab().toImage();
+    };
+    const QImage early = picture(100);
+    const QImage late = picture(5500);
+    EXPECT_EQ(picture(100), early);
+    window->ForgetTimes();
+    EXPECT_EQ(picture(5500), late);
+    EXPECT_NE(early, late);
 }
 
 TEST_F(Menu, ACancelledDialogChangesNothing) {
