@@ -253,6 +253,30 @@ TEST_F(TraceRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
     EXPECT_FALSE(document->IsValidSample(0, false));
 }
 
+TEST_F(TraceRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    Gate gate;
+    StopAt(gate, WireBoard::SampleRead{5, 12, 32}); // 512, after 480 and 448
+    store.BeginUpload();
+    gate.AwaitReached();
+    NewDocument();
+    document->OnCaptureStopped();
+    document->FlushBlockUpdates();
+    CSignalList& list = document->stateList;
+    CSignal* added = list.AddSignal(&list[0], tables.tables.busSignals.FindByName("AD"), 1001, 0, 7,
+                                    0, Radix::Hex, true);
+    document->LoadSignal(list, *added, false);
+    gate.Open();
+    ASSERT_TRUE(Ends());
+    static_cast<void>(Follow());
+    for (const std::size_t sample : {448U, 500U, 512U, 1000U, 0U}) {
+        ASSERT_EQ(added->GroupRow(sample).size(), 1U);
+        EXPECT_EQ(added->GroupRow(sample)[0], RecordAt(static_cast<int>(sample) - 500).bytes[0])
+            << sample;
+    }
+}
+
 TEST_F(TraceRunTest, ARunWithoutSamplesEndsIdle) {
     OpenBoard("PCIKite");
     NewDocument();

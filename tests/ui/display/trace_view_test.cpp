@@ -5,6 +5,7 @@
 #include "ui/signals/change_signal_dialog.h"
 
 #include <QAction>
+#include <QColorDialog>
 #include <QComboBox>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -726,6 +727,23 @@ TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
     window->ForgetTimes();
     EXPECT_EQ(picture(5500), late);
     EXPECT_NE(early, late);
+}
+
+TEST_F(Menu, ColoursTheSelectedColumnsAndTheirDefinitions) {
+    Open();
+    const int bus = ColumnOf("C/BE[7:0]");
+    Click(Column(bus));
+    Click(Column(bus + 1), Qt::LeftButton, Qt::ControlModifier);
+    QTimer::singleShot(50, [] {
+        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        dialog->setCurrentColor(QColor(0x11, 0x22, 0x33));
+        dialog->accept();
+    });
+    Choose(bus, "Change Color...");
+    EXPECT_EQ(Visible(bus).color, 0x332211U);
+    EXPECT_EQ(Visible(bus + 1).color, 0x332211U);
+    EXPECT_EQ(board.tables.busSignals.FindByName("C/BE")->color, 0x332211U);
 }
 
 TEST_F(Menu, ACancelledDialogChangesNothing) {
