@@ -44,7 +44,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+    /// Is no second click, which would clear the marker that the first has set.
+    void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 

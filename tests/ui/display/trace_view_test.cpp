@@ -10,6 +10,7 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QSpinBox>
 #include <QStyle>
 #include <QStyleOptionSlider>
@@ -476,6 +477,16 @@ TEST_F(Mouse, BetweenHeaderAndRowsNothingHappens) {
     Click({100, 19});
     EXPECT_EQ(document->Marker(1, false), view->TopSample());
     EXPECT_FALSE(Visible(1).selected);
+}
+
+TEST_F(Mouse, ADoubleClickSetsAMarkerAndLeavesIt) {
+    Open();
+    // As a screen brings it: the second press of a double click is no press of its own.
+    Click(Row(4));
+    QMouseEvent twice(QEvent::MouseButtonDblClick, Row(4), window->mapToGlobal(Row(4)),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window, &twice);
+    EXPECT_EQ(document->Marker(1, false), view->TopSample() + 4);
 }
 
 TEST_F(Mouse, BelowTheLastRowNothingHappens) {
