@@ -27,6 +27,7 @@ public:
     /// The object when called on its thread, else null.
     [[nodiscard]] static LinkThread* OnThisThread() noexcept;
 
+    [[nodiscard]] const std::shared_ptr<LinkPort>& Port() const noexcept { return port_; }
     /// Tells the thread to end and gives it 1.1 seconds; whether it has ended. Called on the
     /// thread itself, that takes the whole time, and the thread ends later.
     bool Stop();

@@ -171,21 +171,18 @@ void CAnalyzerLink::Machine::StartThread(std::shared_ptr<LinkPort> port) {
 // After a failed identity read this runs on the link's thread, which cannot see its own end: it
 // waits the whole time and ends afterwards.
 void CAnalyzerLink::Machine::FallIntoDemoMode() {
-    const auto port = queue_.Port();
-    services_.prompts.TopmostMessage(demoModeMessage);
     LinkThread* own = LinkThread::OnThisThread();
+    const auto port = own != nullptr ? own->Port() : queue_.Port();
+    services_.prompts.TopmostMessage(demoModeMessage);
     if (port != nullptr) {
         if (LinkThread* thread = own != nullptr ? own : currentThread_.load()) {
             thread->Stop();
         }
-        if (queue_.ReleasePort(port)) {
-            port->Close();
-        } else if (own != nullptr) {
-            return; // the port has been opened again meanwhile; this is news of the old one
-        }
     }
-    board_.EnterDemoMode();
-    queue_.FinishAllAtOnce();
+    // When the port has been opened again meanwhile, this is news of the old one.
+    if (queue_.FallFrom(port, [this] { board_.EnterDemoMode(); }) && port != nullptr) {
+        port->Close();
+    }
 }
 
 void CAnalyzerLink::Machine::Connect(int targetBaud) {

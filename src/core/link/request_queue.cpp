@@ -81,11 +81,32 @@ void RequestQueue::SetPort(std::shared_ptr<LinkPort> port) {
 }
 
 bool RequestQueue::ReleasePort(const std::shared_ptr<LinkPort>& port) {
+    const MutexLock lock(queueLock_);
+    return LeavePort(port);
+}
+
+bool RequestQueue::LeavePort(const std::shared_ptr<LinkPort>& port) {
     const LeafLock lock(portLock_);
     if (port_ == nullptr || port_ != port) {
         return false;
     }
     port_.reset();
+    return true;
+}
+
+bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
+                            const std::function<void()>& fallen) {
+    std::deque<LinkRequest*> waiting;
+    {
+        // One step, lest a port that is opened at this moment lose its requests or be forgotten.
+        const MutexLock lock(queueLock_);
+        if (port != nullptr && !LeavePort(port)) {
+            return false;
+        }
+        fallen();
+        waiting.swap(requestQueue_);
+    }
+    FinishAtOnce(waiting);
     return true;
 }
 
@@ -157,6 +178,10 @@ void RequestQueue::FinishAllAtOnce() {
         const MutexLock lock(queueLock_);
         waiting.swap(requestQueue_);
     }
+    FinishAtOnce(waiting);
+}
+
+void RequestQueue::FinishAtOnce(const std::deque<LinkRequest*>& waiting) {
     for (LinkRequest* request : waiting) {
         CompleteAtOnce(request);
     }

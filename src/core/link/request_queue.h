@@ -60,6 +60,10 @@ public:
     void SetPort(std::shared_ptr<LinkPort> port);
     /// Leaves that port; false when it is not the one in use (any more).
     bool ReleasePort(const std::shared_ptr<LinkPort>& port);
+    /// Leaves that port for none: `fallen` runs before another can take its place, and the requests
+    /// that wait are finished. False, and nothing happens, when it is not the one in use (any
+    /// more). Null stands for a port that could not be opened.
+    bool FallFrom(const std::shared_ptr<LinkPort>& port, const std::function<void()>& fallen);
     /// Begins the running request again, on a port that has just been opened.
     void RestartHead();
     /// Finishes the requests that wait as those are that are submitted with no port.
@@ -104,6 +108,8 @@ private:
 
     static void Complete(LinkRequest* request);
     static void CompleteAtOnce(LinkRequest* request);
+    void FinishAtOnce(const std::deque<LinkRequest*>& waiting);
+    bool LeavePort(const std::shared_ptr<LinkPort>& port) BUSQUILL_REQUIRES(queueLock_);
 
     const BoardState& board_;
     const LinkConditions& conditions_;

@@ -48,6 +48,13 @@ protected:
     }
     void Go() { QTest::mouseClick(&Bar().GoButton(), Qt::LeftButton); }
     void Stop() { QTest::mouseClick(&Bar().StopButton(), Qt::LeftButton); }
+    /// A capture of many blocks that the board is in no hurry to hand over.
+    void StopALongRun() {
+        Go(); // the default setup triggers at once
+        ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
+        board->Fault("delay 2");
+        Stop();
+    }
     bool Running() { return Trace().CaptureActive(); }
     template <typename Condition>
     bool RunUntil(Condition holds) {
@@ -174,11 +181,9 @@ TEST_F(LiveCapture, FromGoToASavedFile) {
 }
 
 TEST_F(LiveCapture, StopEndsItAndAViewsSamplesComeFirst) {
-    Connect({"--buffer", "64"});
+    Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
-    Go(); // the default setup triggers at once
-    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
-    Stop();
+    StopALongRun();
     EXPECT_FALSE(Running());
     ASSERT_GT(Trace().SampleCount(false), 20000);
     ASSERT_TRUE(Trace().GetStore().IsUploading());
@@ -187,16 +192,16 @@ TEST_F(LiveCapture, StopEndsItAndAViewsSamplesComeFirst) {
     frame->TraceView().ShowSample(far);
     ASSERT_TRUE(RunUntil([&] { return Trace().IsValidSample(far, false); }));
     EXPECT_TRUE(Trace().GetStore().IsUploading()) << "long before its turn";
+    board->Fault("normal");
     ASSERT_TRUE(Complete());
 }
 
 TEST_F(LiveCapture, ASecondGoDuringTheUploadCancelsIt) {
-    Connect({"--buffer", "64"});
+    Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
-    Go();
-    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
-    Stop();
+    StopALongRun();
     ASSERT_TRUE(Trace().GetStore().IsUploading());
+    board->Fault("normal");
     Go();
     EXPECT_TRUE(Running());
     EXPECT_FALSE(Trace().GetStore().IsUploading());
@@ -340,11 +345,9 @@ TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheRunEndsItWithoutSamples) {
 }
 
 TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheUploadLeavesWhatHasCome) {
-    Connect({"--buffer", "64"});
+    Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
-    Go();
-    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
-    Stop();
+    StopALongRun();
     ASSERT_TRUE(RunUntil([&] { return Trace().IsValidSample(200, false); }));
     // From the first frame of the next block on, so that the block fails.
     board->Fault("silence");
