@@ -186,6 +186,10 @@ std::uint32_t CStateWnd::SampleRoom() const {
 
 void CStateWnd::SignalAdded(CSignal& signal) {
     document_->LoadSignal(*list_, signal, zoom_);
+    SignalReshaped(signal);
+}
+
+void CStateWnd::SignalReshaped(CSignal& signal) {
     signal.width = MeasureColumn(signal);
 }
 

@@ -27,6 +27,8 @@ public:
     [[nodiscard]] int SampleColumnWidth() const noexcept { return header_.fixedEnd; }
     /// Width of all columns together.
     [[nodiscard]] int ColumnsWidth() const;
+    /// The width that a signal's title and values need.
+    [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
     [[nodiscard]] int Offset() const noexcept { return header_.offset; }
     void SetTopRow(std::int64_t row);
     void SetOffset(int offset);
@@ -60,8 +62,8 @@ private:
     [[nodiscard]] std::uint32_t OfferMode() const override;
     [[nodiscard]] std::uint32_t SampleRoom() const override;
     void SignalAdded(CSignal& signal) override;
+    void SignalReshaped(CSignal& signal) override;
     void SignalsChanged() override;
-    [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
 
     const Settings& settings_;
     Prompts* prompts_;

@@ -156,10 +156,11 @@ void CTraceView::OnInitialUpdate() {
 }
 
 void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* object) {
-    if (hint == HintBlockArrived) {
-        timesShown_.reset(); // and taken anew when all blocks of the tick are in
-    } else {
-        ShowTimes();
+    if (hint == HintRedraw || hint == HintBlockArrived) {
+        timesShown_.reset(); // the samples or the columns are others
+    }
+    if (hint != HintBlockArrived) {
+        ShowTimes(); // else when all blocks of the tick are in
     }
     if (hint == HintRedraw || (hint >= HintCaptureStarted && hint <= HintBlockArrived)) {
         state_->ForgetTimes();
@@ -406,7 +407,7 @@ void CTraceView::OnVerticalAction(int action) {
 
 void CTraceView::OnHorizontalAction(int action) {
     const int limit = hScroll_->maximum();
-    const int page = state_->width() - state_->SampleColumnWidth() - 1;
+    const int page = std::max(state_->width() - state_->SampleColumnWidth() - 1, 1);
     int offset = state_->Offset();
     switch (action) {
     case QAbstractSlider::SliderSingleStepAdd:

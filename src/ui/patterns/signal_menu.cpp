@@ -10,6 +10,7 @@
 #include <QMenu>
 
 #include <algorithm>
+#include <map>
 
 namespace busquill {
 
@@ -48,10 +49,8 @@ public:
             QAction* entry = base.addAction(text);
             entry->setCheckable(true);
             entry->setChecked(signal_.radix == radix);
-            QObject::connect(entry, &QAction::triggered, [this, radix = radix] {
-                signal_.radix = radix;
-                host_.SignalsChanged();
-            });
+            QObject::connect(entry, &QAction::triggered,
+                             [this, radix = radix] { Edit([&] { signal_.radix = radix; }); });
         }
         add(menu, "Change Color...", true, &SignalMenu::ChangeColor);
         menu.addSeparator();
@@ -63,8 +62,36 @@ public:
     }
 
 private:
+    /// What decides how much room a signal's values need.
+    struct Shape {
+        bool visible = false;
+        std::uint32_t bits = 0;
+        std::int32_t radix = 0;
+        friend bool operator==(const Shape&, const Shape&) = default;
+    };
+    static Shape ShapeOf(const CSignal& signal) {
+        return {signal.VisibleWidth() > 0, signal.groupWidth, signal.radix};
+    }
+
+    template <typename Change>
+    void Edit(Change change) {
+        std::map<const CSignal*, Shape> before;
+        for (const auto& signal : list_.All()) {
+            before[signal.get()] = ShapeOf(*signal);
+        }
+        change();
+        for (const auto& signal : list_.All()) {
+            const auto old = before.find(signal.get());
+            if (old != before.end() && old->second != ShapeOf(*signal)) {
+                host_.SignalReshaped(*signal);
+            }
+        }
+        host_.SignalsChanged();
+    }
+
     void Change() {
         CChangeSignalDialog dialog(&parent_, &signal_, host_.OfferMode(), prompts_);
+        const std::int32_t radix = signal_.radix;
         if (dialog.exec() != QDialog::Accepted) {
             return;
         }
@@ -77,6 +104,8 @@ private:
                 list_.SetGroupSelected(added, true);
                 host_.MenuHeader().Replace(old, added);
             }
+        } else if (signal_.radix != radix) {
+            host_.SignalReshaped(signal_);
         }
         host_.SignalsChanged();
     }
@@ -119,13 +148,10 @@ private:
     }
 
     void Expand() {
-        list_.UngroupSelected();
-        host_.SignalsChanged();
+        Edit([&] { list_.UngroupSelected(); });
     }
-
     void Collapse() {
-        list_.CollapseSelected();
-        host_.SignalsChanged();
+        Edit([&] { list_.CollapseSelected(); });
     }
 
     QWidget& parent_;

@@ -25,6 +25,8 @@ public:
     [[nodiscard]] virtual std::uint32_t SampleRoom() const = 0;
     /// A signal is new in the list: its samples are to be loaded and its column measured.
     virtual void SignalAdded(CSignal& signal) = 0;
+    /// A signal shows other values than before, or more or fewer digits of them.
+    virtual void SignalReshaped(CSignal& signal) = 0;
     /// Something has changed.
     virtual void SignalsChanged() = 0;
 };

@@ -389,6 +389,22 @@ TEST_F(FramedView, TwoMarkersOnOneSampleAreNoTimeApart) {
     EXPECT_EQ(frame.times[1], frame.times[2]);
 }
 
+TEST_F(FramedView, TheTimesGoWithTheirColumn) {
+    Load(-500, 499);
+    Open();
+    document->SetMarker(1, 400);
+    document->SetMarker(2, 410);
+    EXPECT_NE(frame.times[0], "");
+    for (const auto& signal : document->stateList.All()) {
+        if (signal->baseName == "TIME" && signal->IsGroupStart()) {
+            document->stateList.RemoveGroup(signal.get());
+            break;
+        }
+    }
+    document->UpdateAllViews(nullptr, HintRedraw);
+    EXPECT_EQ(frame.times, (std::array<std::string, 3>{}));
+}
+
 TEST_F(FramedView, WithoutATimeOfItsOwnAListingHasNoTimes) {
     Load(-500, 499);
     for (const auto& signal : document->stateList.All()) {
@@ -676,6 +692,10 @@ TEST_F(Menu, ChangesTheBaseOfOneSignal) {
     });
     EXPECT_TRUE(Repaints(*view, [&] { Choose(bus, "Change Base/Octal"); }));
     EXPECT_EQ(Visible(bus).radix, Radix::Octal);
+    EXPECT_EQ(Visible(bus).width, window->MeasureColumn(Visible(bus)));
+    const int octal = Visible(bus).width;
+    Choose(bus, "Change Base/Binary");
+    EXPECT_GT(Visible(bus).width, 2 * octal) << "or its digits would be cut";
 }
 
 TEST_F(Menu, ExpandsABusAndCollapsesLines) {
@@ -684,11 +704,15 @@ TEST_F(Menu, ExpandsABusAndCollapsesLines) {
     Choose(bus, "Expand");
     EXPECT_EQ(Visible(bus).RowName(), "C/BE[0]");
     EXPECT_EQ(Visible(bus + 7).RowName(), "C/BE[7]");
+    EXPECT_EQ(Visible(bus + 7).width, window->MeasureColumn(Visible(bus + 7)));
+    Visible(bus + 5).width = 99;
     Click(Column(bus));
     Click(Column(bus + 1), Qt::LeftButton, Qt::ShiftModifier);
     Choose(bus, "Collapse");
     EXPECT_EQ(Visible(bus).groupWidth, 2U);
+    EXPECT_EQ(Visible(bus).width, window->MeasureColumn(Visible(bus)));
     EXPECT_EQ(Visible(bus + 1).RowName(), "C/BE[2]");
+    EXPECT_EQ(Visible(bus + 4).width, 99) << "the others keep theirs";
 }
 
 TEST_F(Menu, ChangesASignalInItsPlace) {

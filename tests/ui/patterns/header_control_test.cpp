@@ -161,5 +161,13 @@ TEST_F(Header, TheMenusPressSelectsWhatIsNotSelected) {
     EXPECT_EQ(header.SelectForMenu(Behind), Redraw::Nothing);
 }
 
+TEST_F(Header, TheMenuEndsADrag) {
+    header.Press(OnE, Qt::NoModifier);
+    header.SelectForMenu(OnE);
+    EXPECT_FALSE(header.IsActive());
+    EXPECT_EQ(header.Release(OnA), Redraw::Nothing);
+    EXPECT_EQ(Order(), "A B1 B0 C D E ");
+}
+
 } // namespace
 } // namespace busquill::test
