@@ -85,7 +85,7 @@ void CStateWnd::Render(bool blit) {
     colors_ = LoadStateColors(settings_);
     QPainter painter(&bitmap_);
     const auto missing = DrawState(painter, Frame());
-    if (missing && document_->IsRealTime() && document_->GetStore().IsUploading()) {
+    if (missing && document_->GetStore().IsUploading()) {
         document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*missing));
     }
     if (blit) {

@@ -205,6 +205,14 @@ TEST_F(StatePainter, TimeIsThatOfTheSampleOrUnderAFilterThatSinceTheRowAbove) {
     EXPECT_EQ(CellText(Frame(), Column("TIME"), 20, 10), "60ns");
 }
 
+TEST_F(StatePainter, PowerZoomKnowsNoFilter) {
+    const std::string list = "\"State Signals\"\n" + TimeRows(true) + TimeRows(false);
+    Load(0, 99, list, [](int number) { return number % 5 == 0; });
+    StateFrame frame = Frame();
+    frame.zoom = true;
+    EXPECT_EQ(CellText(frame, Column("TIME"), 20, 10), CellText(frame, Column("TIME"), 20, 0));
+}
+
 TEST_F(StatePainter, UnderAFilterTheFirstRowOfAFrameCountsFromSampleZero) {
     const std::string list = "\"State Signals\"\n" + TimeRows(true) + TimeRows(false);
     Load(0, 99, list, [](int number) { return number % 5 == 0; });
@@ -434,6 +442,22 @@ TEST_F(StatePainter, EmptyCaptureHasTitlesOnly) {
     const auto device = Record();
     EXPECT_EQ(device.texts.size(), device.TextsBetween(0, stateHeaderLine - 1).size());
     EXPECT_GT(device.texts.size(), 1U);
+}
+
+TEST_F(StatePainter, RowsThatHaveNotComeShowTheirNumberAndTheFirstIsWanted) {
+    Load(-50, 49);
+    Widen(60);
+    document->RebuildMaps(50, 49);
+    topRow = 40;
+    const auto device = Record();
+    EXPECT_EQ(missing, 40);
+    ASSERT_EQ(RowTexts(device, 0).size(), 1U);
+    EXPECT_EQ(RowTexts(device, 0)[0].text, "-10");
+    const std::array<SampleRecord, 8> records{};
+    document->AddBlock(40, records, false);
+    document->FlushBlockUpdates();
+    EXPECT_GT(RowTexts(Record(), 7).size(), 1U);
+    EXPECT_EQ(missing, 48);
 }
 
 TEST_F(StatePainter, RowsStopAtTheLastSample) {

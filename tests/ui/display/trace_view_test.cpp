@@ -1,16 +1,20 @@
 #include "support/trace_fixture_qt.h"
+#include "ui/controls/color_button.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_frame.h"
 #include "ui/display/trace_view.h"
+#include "ui/framework/painting.h"
 #include "ui/signals/change_signal_dialog.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QColorDialog>
 #include <QComboBox>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QSpinBox>
 #include <QStyle>
 #include <QStyleOptionSlider>
@@ -263,6 +267,8 @@ TEST_F(TraceView, MarkerOutsideTheWindowIsShown) {
     EXPECT_EQ(view->TopSample(), top);
     document->SetMarker(1, -1);
     EXPECT_EQ(view->TopSample(), top);
+    document->SetMarker(2, 100);
+    EXPECT_EQ(view->CenterSample(), 100) << "above it too";
 }
 
 TEST_F(TraceView, FilteredCaptureScrollsByRows) {
@@ -389,6 +395,24 @@ TEST_F(FramedView, TwoMarkersOnOneSampleAreNoTimeApart) {
     EXPECT_EQ(frame.times[1], frame.times[2]);
 }
 
+TEST_F(FramedView, TheTimesFollowTheSamplesThatCome) {
+    Load(-500, 499);
+    Open();
+    document->SetMarker(1, 400);
+    document->SetMarker(2, 401);
+    const std::string before = frame.times[0];
+    for (const auto& signal : document->stateList.All()) {
+        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
+            signal->groupData[401 * signal->RowBytes()] = 90;
+        }
+    }
+    CBlockUpdate block;
+    document->UpdateAllViews(nullptr, HintBlockArrived, &block);
+    EXPECT_EQ(frame.times[0], before) << "when the last block of the moment is in";
+    document->UpdateAllViews(nullptr, HintNameChanged);
+    EXPECT_NE(frame.times[0], before);
+}
+
 TEST_F(FramedView, TheTimesGoWithTheirColumn) {
     Load(-500, 499);
     Open();
@@ -479,6 +503,7 @@ TEST_F(Mouse, SetsAndClearsMarkers) {
     EXPECT_EQ(document->Marker(1, false), top + 3);
     Click(Row(5), Qt::RightButton);
     EXPECT_EQ(document->Marker(2, false), top + 5);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
     Click(Row(3), Qt::RightButton);
     EXPECT_EQ(document->Marker(2, false), top + 3) << "both on one sample";
     Click(Row(3));
@@ -492,7 +517,7 @@ TEST_F(Mouse, BetweenHeaderAndRowsNothingHappens) {
     EXPECT_EQ(document->Marker(1, false), -1);
     Click({100, 19});
     EXPECT_EQ(document->Marker(1, false), view->TopSample());
-    EXPECT_FALSE(Visible(1).selected);
+    EXPECT_FALSE(Visible(0).selected || Visible(1).selected);
 }
 
 TEST_F(Mouse, ADoubleClickSetsAMarkerAndLeavesIt) {
@@ -544,12 +569,31 @@ TEST_F(Mouse, SelectsColumnsAndRedrawsTheirTitles) {
               after.copy(0, 19, after.width(), after.height() - 19));
 }
 
+TEST_F(Mouse, ASelectionPaintsTheHeaderAlone) {
+    Open();
+    QApplication::processEvents();
+    struct Watch : QObject {
+        QRect painted;
+        bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+            if (event->type() == QEvent::Paint) {
+                painted |= static_cast<QPaintEvent*>(event)->rect();
+            }
+            return false;
+        }
+    } watch;
+    window->installEventFilter(&watch);
+    Click(Column(1));
+    QApplication::processEvents();
+    EXPECT_EQ(watch.painted, QRect(0, 0, window->width(), 18));
+}
+
 TEST_F(Mouse, ResizesColumnsAndTheBarFollows) {
     Open();
     const int width = Visible(1).width;
     const int limit = Bar(*view, Qt::Horizontal).maximum();
     QTest::mousePress(window, Qt::LeftButton, {}, Edge(1));
-    QTest::mouseMove(window, Edge(1) + QPoint(40, 0));
+    QTest::mouseMove(window, Edge(1) + QPoint(40, 60));
+    EXPECT_EQ(window->cursor().shape(), Qt::SizeHorCursor) << "wherever the mouse goes";
     QTest::mouseRelease(window, Qt::LeftButton, {}, Edge(1));
     EXPECT_EQ(Visible(1).width, width + 40);
     EXPECT_EQ(Bar(*view, Qt::Horizontal).maximum(), limit + 40);
@@ -721,7 +765,14 @@ TEST_F(Menu, ChangesASignalInItsPlace) {
     ChooseSignal(bus, "Change Signal...", [](CChangeSignalDialog& dialog) {
         EXPECT_EQ(dialog.findChild<QComboBox*>("Name")->currentText(), "AD");
         dialog.findChild<QSpinBox*>("High")->setValue(7);
+        dialog.findChild<ColorButton*>()->SetColor(0x010203);
+        dialog.findChild<QCheckBox*>()->setChecked(false);
     });
+    EXPECT_EQ(Visible(bus).color, 0x010203U);
+    EXPECT_FALSE(Visible(bus).showValue);
+    for (std::size_t i = 0; i < 8; ++i) {
+        EXPECT_TRUE(document->stateList[document->stateList.IndexOf(&Visible(bus)) + i].selected);
+    }
     EXPECT_EQ(Visible(bus).RowName(), "AD[7:0]");
     EXPECT_TRUE(Visible(bus).selected);
     const auto row = Visible(bus).GroupRow(300);
@@ -748,6 +799,7 @@ TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
     Open(-3000, 2999);
     ChooseSignal(0, "Insert Signal...", [](CChangeSignalDialog& dialog) {
         auto* name = dialog.findChild<QComboBox*>("Name");
+        ASSERT_GE(name->findText("ACCUM"), 0);
         name->setCurrentIndex(name->findText("ACCUM"));
     });
     // Each sample comes 30 ns after the one before it; what a frame shows must not depend on the
@@ -762,6 +814,22 @@ TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
     window->ForgetTimes();
     EXPECT_EQ(picture(5500), late);
     EXPECT_NE(early, late);
+    for (const auto& signal : document->stateList.All()) {
+        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
+            signal->groupData[4000 * signal->RowBytes()] = 90;
+        }
+    }
+    document->UpdateAllViews(nullptr, HintRedraw);
+    EXPECT_NE(picture(5500), late) << "with other samples";
+}
+
+TEST_F(Menu, WhatChangesInOneListingChangesInTheOther) {
+    Open();
+    auto other = MakeView();
+    const auto picture = [&] { return other->findChild<CStateWnd*>()->grab().toImage(); };
+    const QImage before = picture();
+    Choose(1, "Insert Blank");
+    EXPECT_NE(picture(), before);
 }
 
 TEST_F(Menu, ColoursTheSelectedColumnsAndTheirDefinitions) {
@@ -769,9 +837,11 @@ TEST_F(Menu, ColoursTheSelectedColumnsAndTheirDefinitions) {
     const int bus = ColumnOf("C/BE[7:0]");
     Click(Column(bus));
     Click(Column(bus + 1), Qt::LeftButton, Qt::ControlModifier);
-    QTimer::singleShot(50, [] {
+    const std::uint32_t before = Visible(bus).color;
+    QTimer::singleShot(50, [before] {
         auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->currentColor(), ColorOf(before)) << "begins with its own";
         dialog->setCurrentColor(QColor(0x11, 0x22, 0x33));
         dialog->accept();
     });

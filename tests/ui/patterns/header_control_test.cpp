@@ -67,6 +67,13 @@ TEST_F(Header, HitsColumnsAndTheirEdges) {
     EXPECT_EQ(header.HitColumn(OnA).start, 51);
 }
 
+TEST_F(Header, WhatIsHiddenIsNotHit) {
+    list[0].hidden = true;
+    const HeaderControl::Hit hit = header.HitColumn(53);
+    EXPECT_EQ(hit.signal, &list[1]);
+    EXPECT_FALSE(hit.edge);
+}
+
 TEST_F(Header, APlainClickSelectsAColumnAlone) {
     Click(OnA);
     EXPECT_EQ(Selected(), "A ");
@@ -80,6 +87,8 @@ TEST_F(Header, CtrlTogglesAColumn) {
     EXPECT_EQ(Selected(), "A D ");
     Click(OnA, Qt::ControlModifier);
     EXPECT_EQ(Selected(), "D ");
+    Click(OnB, Qt::ControlModifier);
+    EXPECT_EQ(Selected(), "B1 B0 D ") << "a bus as a whole";
     Click(OnB, Qt::ShiftModifier);
     EXPECT_EQ(Selected(), "A B1 B0 ") << "from the last plain click, which was on A";
 }

@@ -150,9 +150,11 @@ TEST_F(ChangeSignal, TheSameRangeKeepsTheRowButNotItsLooks) {
     Open(&bus);
     Box("Radix").setCurrentText("Octal");
     dialog->findChild<ColorButton*>()->SetColor(0x123456);
+    dialog->findChild<QCheckBox*>()->setChecked(false);
     dialog->accept();
     EXPECT_EQ(dialog->chosenDef, nullptr);
     EXPECT_EQ(bus.radix, Radix::Octal);
+    EXPECT_FALSE(bus.showValue);
     EXPECT_EQ(bus.color, 0x123456U);
     EXPECT_EQ(board.tables.busSignals.FindByName("C/BE")->color, 0x123456U);
     EXPECT_NE(ReadWholeFile(dir.File("BusSignalColors.dat")).find("C/BE 123456"),

@@ -45,6 +45,8 @@ TEST_F(DefineSignal, FifteenBitsTakeFifteenCharactersAndSixteenTakeFour) {
     EXPECT_EQ(columns[1].width, 150);
     EXPECT_EQ(columns[2].width, 40);
     EXPECT_EQ(columns[2].text, "W[15:0]");
+    wide->lastPosition = 17;
+    EXPECT_EQ(LayoutColumns(std::array{wide}, 10)[1].width, 50) << "and the last for two bits";
 }
 
 TEST_F(DefineSignal, ScrollsFromTheFirstToTheLastRow) {
