@@ -1,8 +1,8 @@
 #include "ui/display/state_painter.h"
 
 #include "capture/trace_document.h"
-#include "platform/settings.h"
 #include "signals/value_text.h"
+#include "ui/display/marker_glyphs.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
 
@@ -15,7 +15,6 @@ namespace busquill {
 
 namespace {
 
-constexpr int glyphHalf = 3;
 constexpr int leastStretch = 60;           // percent
 constexpr std::size_t longestTitle = 1000; // characters; none is wider
 const QColor lineColor(0, 0, 0);
@@ -179,11 +178,9 @@ private:
     /// The colour of a row's stripe, if it has one. Stripes go by sample, so that they stay with
     /// their samples under a filter.
     [[nodiscard]] std::optional<std::uint32_t> RowColor(std::int64_t sample) const {
-        const std::uint32_t byMarker[] = {frame_.colors.trigger, frame_.colors.marker1,
-                                          frame_.colors.marker2};
         for (int which = 0; which < 3; ++which) {
             if (frame_.document.Marker(which, frame_.zoom) == sample) {
-                return byMarker[which];
+                return frame_.colors.Mark(which);
             }
         }
         return sample % 2 != 0 ? std::optional(frame_.colors.alternate) : std::nullopt;
@@ -236,22 +233,15 @@ private:
         const bool isTrigger = marker(0) == sample;
         int k = 3;
         if (isTrigger) {
-            const int x = xAt(k);
-            Line(x - glyphHalf, top - 1, 2 * glyphHalf + 1, 2);
-            Line(x, top, 1, 2 * glyphHalf);
+            DrawMarkerGlyph(painter_, 0, xAt(k), top);
             k = 1;
         }
         if (marker(1) == sample) {
-            const int x = xAt(k);
-            Line(x - glyphHalf, top, 2 * glyphHalf, 2 * glyphHalf);
+            DrawMarkerGlyph(painter_, 1, xAt(k), top);
             k = isTrigger ? 5 : 1;
         }
         if (marker(2) == sample) {
-            const int x = xAt(k);
-            painter_.setPen(lineColor);
-            painter_.setBrush(lineColor);
-            painter_.drawPolygon(QPolygon(
-                {{x, top}, {x - glyphHalf, cy + glyphHalf}, {x + glyphHalf, cy + glyphHalf}}));
+            DrawMarkerGlyph(painter_, 2, xAt(k), top);
         }
         const bool marked = isTrigger || marker(1) == sample || marker(2) == sample;
         if (!marked && marker(1) != -1 && marker(2) != -1) {
@@ -321,22 +311,6 @@ void TimeSums::Forget() {
     time_ = nullptr;
     sums_.clear();
     lastSample_ = -1;
-}
-
-StateColors LoadStateColors(const Settings& settings) {
-    const auto color = [&](const char* key, std::uint32_t fallback) {
-        return static_cast<std::uint32_t>(
-            settings.GetProfileInt("Display", key, static_cast<int>(fallback)));
-    };
-    StateColors colors;
-    colors.background = color("StateBackgroundColor", 0xC0C0C0);
-    colors.alternate = settings.GetProfileInt("Display", "StateAlternate", 0) != 0
-                           ? color("StateAlternateBackgroundColor", 0xC0C0C0)
-                           : colors.background;
-    colors.trigger = color("StateTriggerColor", 0x0000FF);
-    colors.marker1 = color("StateMarker1Color", 0x00FF00);
-    colors.marker2 = color("StateMarker2Color", 0xFF0000);
-    return colors;
 }
 
 std::vector<int> ColumnWidths(const CSignalList& list) {

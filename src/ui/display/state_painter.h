@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/board_identity.h"
+#include "ui/display/display_colors.h"
 
 #include <QFont>
 #include <QSize>
@@ -18,21 +19,6 @@ namespace busquill {
 class CSignal;
 class CSignalList;
 class CTesselDoc;
-class Settings;
-
-/// Colours of the listing, as 0x00BBGGRR.
-struct StateColors {
-    std::uint32_t background = 0;
-    std::uint32_t alternate = 0;
-    std::uint32_t trigger = 0;
-    std::uint32_t marker1 = 0;
-    std::uint32_t marker2 = 0;
-
-    friend bool operator==(const StateColors&, const StateColors&) = default;
-};
-
-/// The user's colours; the alternate one is the background while alternation is off.
-[[nodiscard]] StateColors LoadStateColors(const Settings& settings);
 
 /// Running sums of a capture's TIME, kept from frame to frame, so that the time from the trigger to
 /// a far place costs the walk once. Forget when samples come or the list changes.
@@ -55,7 +41,7 @@ struct StateFrame {
     const CSignalList& list;
     bool zoom = false;
     BoardTraits board;
-    StateColors colors;
+    DisplayColors colors;
     QSize size;
     int sampleColumn = 0; // width of the SAMPLE column
     std::int64_t topRow = 0;

@@ -23,12 +23,14 @@ constexpr int widestTitle = 1000; // pixels
 } // namespace
 
 CStateWnd::CStateWnd(QWidget* parent, const Settings& settings, Prompts* prompts)
-    : QWidget(parent), settings_(settings), prompts_(prompts),
+    : TraceDisplay(parent), settings_(settings), prompts_(prompts),
       bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
       headerFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
       digitWidth_(QFontMetrics(bodyFont_).horizontalAdvance('0')),
-      colors_(LoadStateColors(settings)),
-      header_(&CSignal::width, &CSignal::VisibleWidth, smallestColumnDigits * digitWidth_) {
+      colors_(LoadDisplayColors(settings, stateDisplay)),
+      header_({.extent = &CSignal::width,
+               .visible = &CSignal::VisibleWidth,
+               .smallest = smallestColumnDigits * digitWidth_}) {
     header_.fixedEnd = sampleColumnDigits * digitWidth_;
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMouseTracking(true);
@@ -67,10 +69,67 @@ int CStateWnd::ColumnsWidth() const {
     return list_ == nullptr ? 0 : TotalWidth(ColumnWidths(*list_));
 }
 
+std::int64_t CStateWnd::RowCount() const {
+    return document_ == nullptr ? 0 : document_->RowCount(zoom_);
+}
+
+std::int64_t CStateWnd::SampleOfRow(std::int64_t row) const {
+    return document_ == nullptr
+               ? 0
+               : document_->RowToSample(std::min(row, RowCount() - 1), zoom_);
+}
+
+std::int64_t CStateWnd::LastSample() const {
+    return SampleOfRow(topRow_ + VisibleRowCount() - 1);
+}
+
+std::int64_t CStateWnd::LastDrawnSample() const {
+    return SampleOfRow(topRow_ + VisibleRowCount());
+}
+
+std::int64_t CStateWnd::CenterSample() const {
+    return std::max<std::int64_t>(SampleOfRow(topRow_ + VisibleRowCount() / 2), 0);
+}
+
 void CStateWnd::SetTopRow(std::int64_t row) {
     topRow_ = row;
     topSample_ = document_ == nullptr ? 0 : document_->RowToSample(row, zoom_);
     Render(true);
+}
+
+void CStateWnd::ScrollToSample(std::int64_t sample) {
+    SetTopRow(TopRowFor(document_->SampleToRow(sample, zoom_), VisibleRowCount(), RowCount()));
+}
+
+void CStateWnd::StepRows(std::int64_t rows) {
+    SetTopRow(StepTopRow(topRow_, rows, VisibleRowCount(), RowCount()));
+}
+
+BarState CStateWnd::SampleBar() const {
+    const int page = VerticalPage(VisibleRowCount(), RowCount());
+    return {VerticalMaximum(page), page, VerticalPosition(topRow_, RowCount()),
+            RowCount() > VisibleRowCount()};
+}
+
+void CStateWnd::MoveSamplesTo(int position) {
+    const std::int64_t sample = document_->RowToSample(RowOfPosition(position, RowCount()), zoom_);
+    if (sample >= 0) {
+        ScrollToSample(sample);
+    }
+}
+
+int CStateWnd::ColumnsRoom() const {
+    return width() - header_.fixedEnd - 1;
+}
+
+int CStateWnd::OffsetLimit() const {
+    return HorizontalLimit(ColumnsWidth(), width(), header_.fixedEnd);
+}
+
+BarState CStateWnd::SignalBar() const {
+    const int limit = OffsetLimit();
+    return {limit, HorizontalPage(width(), header_.fixedEnd), std::min(header_.offset, limit),
+            limit > 0};
 }
 
 void CStateWnd::SetOffset(int offset) {
@@ -78,14 +137,32 @@ void CStateWnd::SetOffset(int offset) {
     Render(true);
 }
 
+/// Columns that have become fewer or a window that has become wider leave no room behind them.
+void CStateWnd::KeepOffset() {
+    header_.offset = std::min(header_.offset, OffsetLimit());
+}
+
+void CStateWnd::StepColumns(int pixels) {
+    SetOffset(StepOffset(header_.offset, pixels, OffsetLimit()));
+}
+
+void CStateWnd::PageSignals(bool forward) {
+    const int page = std::max(ColumnsRoom(), 1);
+    StepColumns(forward ? page : -page);
+}
+
+void CStateWnd::MoveSignalsTo(int position) {
+    SetOffset(std::min(position, OffsetLimit()));
+}
+
 void CStateWnd::Render(bool blit) {
     if (document_ == nullptr || bitmap_.isNull()) {
         return;
     }
-    colors_ = LoadStateColors(settings_);
+    colors_ = LoadDisplayColors(settings_, stateDisplay);
     QPainter painter(&bitmap_);
     const auto missing = DrawState(painter, Frame());
-    if (missing && document_->GetStore().IsUploading()) {
+    if (missing && !zoom_ && document_->GetStore().IsUploading()) {
         document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*missing));
     }
     if (blit) {
@@ -110,8 +187,9 @@ StateFrame CStateWnd::Frame() {
 
 void CStateWnd::Show(HeaderControl::Redraw redraw) {
     if (redraw == HeaderControl::Redraw::All) {
+        KeepOffset();
         Render(true);
-        emit ColumnsChanged();
+        emit LayoutChanged();
     } else if (redraw == HeaderControl::Redraw::Header) {
         QPainter painter(&bitmap_);
         DrawStateHeader(painter, Frame());
@@ -194,14 +272,15 @@ void CStateWnd::SignalReshaped(CSignal& signal) {
 }
 
 void CStateWnd::SignalsChanged() {
+    KeepOffset();
     document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
-    emit ColumnsChanged();
+    emit LayoutChanged();
 }
 
 void CStateWnd::paintEvent(QPaintEvent* /*event*/) {
     if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
         MakeBitmap(); // the window has come to another screen
-    } else if (LoadStateColors(settings_) != colors_) {
+    } else if (LoadDisplayColors(settings_, stateDisplay) != colors_) {
         Render(false);
     }
     QPainter painter(this);
@@ -209,6 +288,7 @@ void CStateWnd::paintEvent(QPaintEvent* /*event*/) {
 }
 
 void CStateWnd::resizeEvent(QResizeEvent* /*event*/) {
+    KeepOffset();
     MakeBitmap();
 }
 

@@ -1,46 +1,52 @@
 #pragma once
 
 #include "ui/display/state_painter.h"
+#include "ui/display/trace_display.h"
 #include "ui/patterns/header_control.h"
 #include "ui/patterns/signal_menu.h"
 
 #include <QPixmap>
-#include <QWidget>
 
 namespace busquill {
 
 /// The listing: a row for each sample, a column for each signal. Paints into a bitmap, which goes
 /// to the screen as it is; draws nothing until it is attached to a document.
-class CStateWnd final : public QWidget, private SignalMenuHost {
+class CStateWnd final : public TraceDisplay, private SignalMenuHost {
     Q_OBJECT
 public:
     /// Without prompts there is no menu on the columns.
     CStateWnd(QWidget* parent, const Settings& settings, Prompts* prompts = nullptr);
 
-    /// Attaches to a document's list and gives every column the width that its texts need.
-    void Attach(CTesselDoc& document, CSignalList& list, bool zoom);
+    /// Gives every column the width that its texts need.
+    void Attach(CTesselDoc& document, CSignalList& list, bool zoom) override;
 
     [[nodiscard]] int VisibleRowCount() const;
     [[nodiscard]] std::int64_t TopRow() const noexcept { return topRow_; }
-    /// The sample that stood in the top row when it was set; outlives a change of the rows.
-    [[nodiscard]] std::int64_t TopSample() const noexcept { return topSample_; }
     [[nodiscard]] int SampleColumnWidth() const noexcept { return header_.fixedEnd; }
     /// Width of all columns together.
     [[nodiscard]] int ColumnsWidth() const;
     /// The width that a signal's title and values need.
     [[nodiscard]] int MeasureColumn(const CSignal& signal) const;
     [[nodiscard]] int Offset() const noexcept { return header_.offset; }
-    void SetTopRow(std::int64_t row);
-    void SetOffset(int offset);
 
-    /// Samples have come or the list has changed.
-    void ForgetTimes() { timeSums_.Forget(); }
-    /// Draws the frame into the bitmap, and to the screen if asked.
-    void Render(bool blit);
-
-signals:
-    /// Columns have another width or order.
-    void ColumnsChanged();
+    [[nodiscard]] std::int64_t FirstSample() const override { return topSample_; }
+    [[nodiscard]] std::int64_t LastSample() const override;
+    [[nodiscard]] std::int64_t LastDrawnSample() const override;
+    [[nodiscard]] std::int64_t CenterSample() const override;
+    [[nodiscard]] std::int64_t VisibleSampleCount() const override { return VisibleRowCount(); }
+    void ScrollToSample(std::int64_t sample) override;
+    [[nodiscard]] BarState SampleBar() const override;
+    void StepSamples(bool forward) override { StepRows(forward ? 1 : -1); }
+    void PageSamples(bool forward) override {
+        StepRows(forward ? VisibleRowCount() : -VisibleRowCount());
+    }
+    void MoveSamplesTo(int position) override;
+    [[nodiscard]] BarState SignalBar() const override;
+    void StepSignals(bool forward) override { StepColumns(forward ? 1 : -1); }
+    void PageSignals(bool forward) override;
+    void MoveSignalsTo(int position) override;
+    void SamplesChanged() override { timeSums_.Forget(); }
+    void Render(bool blit) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -52,6 +58,16 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    [[nodiscard]] std::int64_t RowCount() const;
+    /// The sample of a row, or of the last row where there are fewer.
+    [[nodiscard]] std::int64_t SampleOfRow(std::int64_t row) const;
+    [[nodiscard]] int ColumnsRoom() const;
+    [[nodiscard]] int OffsetLimit() const;
+    void SetTopRow(std::int64_t row);
+    void SetOffset(int offset);
+    void StepRows(std::int64_t rows);
+    void StepColumns(int pixels);
+    void KeepOffset();
     void MakeBitmap();
     [[nodiscard]] StateFrame Frame();
     void Show(HeaderControl::Redraw redraw);
@@ -73,7 +89,7 @@ private:
     CTesselDoc* document_ = nullptr;
     CSignalList* list_ = nullptr;
     bool zoom_ = false;
-    StateColors colors_;
+    DisplayColors colors_;
     std::int64_t topRow_ = 0;
     std::int64_t topSample_ = 0;
     HeaderControl header_;

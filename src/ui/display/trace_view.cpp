@@ -11,6 +11,8 @@
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_frame.h"
+#include "ui/display/wave_geometry.h"
+#include "ui/display/wave_window.h"
 #include "ui/framework/painting.h"
 #include "ui/framework/window_timer.h"
 
@@ -28,27 +30,41 @@ constexpr std::uint32_t viewBackground = 0xA0A0A0;
 constexpr int verticalBarTop = 17;
 constexpr int wheelNotch = 120;
 constexpr int runPeriod = 200; // milliseconds
+constexpr int zoomBarPercent = 15;
 
 } // namespace
 
 CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceViewParts& parts)
     : CView(parent), parts_(parts), isState_(isState), isZoom_(isZoom),
-      vScroll_(new QScrollBar(Qt::Vertical, this)), hScroll_(new QScrollBar(Qt::Horizontal, this)),
-      state_(new CStateWnd(this, parts.settings, parts.prompts)) {
+      vScroll_(new QScrollBar(Qt::Vertical, this)), hScroll_(new QScrollBar(Qt::Horizontal, this)) {
+    if (isState) {
+        display_ = new CStateWnd(this, parts.settings, parts.prompts);
+    } else {
+        display_ = wave_ = new CWaveformWnd(this, parts.settings, parts.prompts);
+        zoomScroll_ = new QScrollBar(Qt::Horizontal, this);
+        zoomScroll_->setRange(smallestZoom, largestZoom);
+        zoomScroll_->setPageStep(zoomStep);
+        zoomScroll_->setValue(startZoom);
+        zoomScroll_->setToolTip("Zoom");
+        connect(zoomScroll_, &QScrollBar::actionTriggered, this, &CTraceView::ZoomAction);
+        connect(zoomScroll_, &QScrollBar::sliderReleased, this, &CTraceView::ShowZoom);
+    }
     setFocusPolicy(Qt::StrongFocus);
     setAutoFillBackground(true);
     QPalette colors = palette();
     colors.setColor(QPalette::Window, ColorOf(viewBackground));
     setPalette(colors);
-    for (QScrollBar* bar : {vScroll_, hScroll_}) {
+    for (QScrollBar* bar : findChildren<QScrollBar*>()) {
         bar->setEnabled(false);
         bar->setFocusPolicy(Qt::NoFocus);
         bar->installEventFilter(this);
     }
-    connect(vScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnVerticalAction);
-    connect(hScroll_, &QScrollBar::actionTriggered, this, &CTraceView::OnHorizontalAction);
-    connect(state_, &CStateWnd::ColumnsChanged, this, &CTraceView::SetScrollBars);
-    connect(vScroll_, &QScrollBar::sliderReleased, this, &CTraceView::SetVerticalPosition);
+    QScrollBar* const samples = isState ? vScroll_ : hScroll_;
+    QScrollBar* const signalBar = isState ? hScroll_ : vScroll_;
+    connect(samples, &QScrollBar::actionTriggered, this, &CTraceView::SampleAction);
+    connect(samples, &QScrollBar::sliderReleased, this, &CTraceView::SetSamplePosition);
+    connect(signalBar, &QScrollBar::actionTriggered, this, &CTraceView::SignalAction);
+    connect(display_, &TraceDisplay::LayoutChanged, this, &CTraceView::SetScrollBars);
 }
 
 CTraceView::~CTraceView() = default;
@@ -57,7 +73,6 @@ CTesselDoc& CTraceView::Trace() const {
     return static_cast<CTesselDoc&>(*GetDocument());
 }
 
-// A view of the waveform kind lists the waveform's signals until there are waveforms to draw.
 CSignalList& CTraceView::ListOf(CTesselDoc& document) const {
     return isZoom_ ? document.zoomList : isState_ ? document.stateList : document.waveformList;
 }
@@ -67,23 +82,20 @@ std::int64_t CTraceView::RowCount() const {
 }
 
 std::int64_t CTraceView::TopSample() const {
-    return state_->TopSample();
+    return display_->FirstSample();
 }
 
 std::int64_t CTraceView::CenterSample() const {
-    const std::int64_t row =
-        std::min(state_->TopRow() + state_->VisibleRowCount() / 2, RowCount() - 1);
-    return Trace().RowToSample(std::max<std::int64_t>(row, 0), isZoom_);
+    return display_->CenterSample();
 }
 
 void CTraceView::ShowSample(std::int64_t sample) {
-    ScrollToSample(FirstToCenter(sample, state_->VisibleRowCount()));
+    ScrollToSample(FirstToCenter(sample, display_->VisibleSampleCount()));
 }
 
 void CTraceView::ScrollToSample(std::int64_t sample) {
-    const std::int64_t row = Trace().SampleToRow(sample, isZoom_);
-    state_->SetTopRow(TopRowFor(row, state_->VisibleRowCount(), RowCount()));
-    SetVerticalPosition();
+    display_->ScrollToSample(sample);
+    SetSamplePosition();
 }
 
 bool CTraceView::CanGoTo(GoToTarget target) const {
@@ -132,8 +144,11 @@ void CTraceView::OnInitialUpdate() {
         runTimer_ = new WindowTimer(this, *parts_.mainThread, [this] { Tick(); });
         runTimer_->start(runPeriod);
     }
-    state_->Attach(Trace(), ListOf(Trace()), isZoom_);
+    display_->Attach(Trace(), ListOf(Trace()), isZoom_);
     SetScrollBars();
+    if (zoomScroll_ != nullptr) {
+        zoomScroll_->setEnabled(true);
+    }
     const auto& views = Trace().Views();
     const auto partner = std::find_if(views.begin(), views.end(), [this](DocumentView* other) {
         const auto* view = dynamic_cast<CTraceView*>(other);
@@ -163,7 +178,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         ShowTimes(); // else when all blocks of the tick are in
     }
     if (hint == HintRedraw || (hint >= HintCaptureStarted && hint <= HintBlockArrived)) {
-        state_->ForgetTimes();
+        display_->SamplesChanged();
     }
     switch (hint) {
     case HintMarker1:
@@ -185,6 +200,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintDataComplete:
         SetScrollBars();
         ShowSample(Trace().Marker(0, isZoom_));
+        display_->Render(true); // also where that has not moved
         if (isZoom_ && hint == HintDataComplete && frame_ != nullptr) {
             frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore);
         }
@@ -207,22 +223,22 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintFilterChanged:
         ScrollToSample(TopSample()); // its row is another one now
         SetScrollBars();
+        display_->Render(true);
         ReportWindow();
         break;
     default:
-        state_->Render(true);
+        display_->Render(true);
     }
 }
 
 void CTraceView::MarkerChanged(int which) {
     const std::int64_t marker = Trace().Marker(which, isZoom_);
-    const std::int64_t lastRow =
-        std::min(state_->TopRow() + state_->VisibleRowCount(), RowCount()) - 1;
-    const bool shown = marker >= TopSample() && marker <= Trace().RowToSample(lastRow, isZoom_);
-    if (marker == -1 || shown) {
-        state_->Render(true);
-    } else {
+    const std::int64_t first = TopSample();
+    if (marker != -1 && (marker < first || marker > display_->LastSample())) {
         ShowSample(marker);
+    }
+    if (TopSample() == first) { // else it has just been drawn
+        display_->RenderMarkers();
     }
     if (frame_ != nullptr) {
         CPositionGauge& gauge = frame_->GetGauge();
@@ -234,7 +250,8 @@ void CTraceView::MarkerChanged(int which) {
 void CTraceView::CaptureStarted() {
     showStatus_ = parts_.settings.GetProfileInt("Display", "ShowTraceStatus", 0) != 0;
     SetScrollBars();
-    state_->SetTopRow(0);
+    ScrollToSample(0);
+    display_->Render(true);
     if (frame_ == nullptr || parts_.link == nullptr) {
         return;
     }
@@ -267,11 +284,8 @@ void CTraceView::ReportWindow() {
     if (frame_ == nullptr) {
         return;
     }
-    const std::int64_t rows = RowCount();
-    const std::int64_t last = std::min(state_->TopRow() + state_->VisibleRowCount(), rows) - 1;
-    const bool shown = rows > 0;
-    frame_->GetGauge().SetWindow(shown ? TopSample() : -1,
-                                 shown ? Trace().RowToSample(last, isZoom_) : -1);
+    const bool shown = RowCount() > 0;
+    frame_->GetGauge().SetWindow(shown ? TopSample() : -1, shown ? display_->LastSample() : -1);
 }
 
 void CTraceView::ShowTimes() {
@@ -328,10 +342,9 @@ void CTraceView::BlockArrived(const HintObject* object) {
     if (block == nullptr || block->zoom != isZoom_) {
         return;
     }
-    const std::int64_t last = Trace().RowToSample(
-        std::min(state_->TopRow() + state_->VisibleRowCount(), RowCount() - 1), isZoom_);
-    if (block->first <= last && std::int64_t{block->first} + block->count > TopSample()) {
-        state_->Render(true);
+    if (block->first <= display_->LastDrawnSample() &&
+        std::int64_t{block->first} + block->count > TopSample()) {
+        display_->Render(true);
     }
 }
 
@@ -347,86 +360,106 @@ void CTraceView::SetScrollBars() {
     if (GetDocument() == nullptr) {
         return;
     }
-    const int rows = state_->VisibleRowCount();
-    const int page = VerticalPage(rows, RowCount());
-    vScroll_->setRange(0, VerticalMaximum(page));
-    vScroll_->setPageStep(page);
-    SetVerticalPosition();
+    const auto show = [](QScrollBar& bar, const BarState& state) {
+        bar.setRange(0, state.maximum);
+        bar.setPageStep(state.page);
+        bar.setValue(state.position);
+        bar.setEnabled(bar.isEnabled() || state.needed); // once enabled, it stays so
+    };
+    show(isState_ ? *vScroll_ : *hScroll_, display_->SampleBar());
+    show(isState_ ? *hScroll_ : *vScroll_, display_->SignalBar());
+}
 
-    const int limit =
-        HorizontalLimit(state_->ColumnsWidth(), state_->width(), state_->SampleColumnWidth());
-    hScroll_->setRange(0, limit);
-    hScroll_->setPageStep(HorizontalPage(state_->width(), state_->SampleColumnWidth()));
-    if (state_->Offset() > limit) {
-        state_->SetOffset(limit);
+void CTraceView::SetSamplePosition() {
+    (isState_ ? vScroll_ : hScroll_)->setValue(display_->SampleBar().position);
+}
+
+void CTraceView::SampleAction(int action) {
+    QScrollBar* const bar = isState_ ? vScroll_ : hScroll_;
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+    case QAbstractSlider::SliderSingleStepSub:
+        display_->StepSamples(action == QAbstractSlider::SliderSingleStepAdd);
+        break;
+    case QAbstractSlider::SliderPageStepAdd:
+    case QAbstractSlider::SliderPageStepSub:
+        display_->PageSamples(action == QAbstractSlider::SliderPageStepAdd);
+        break;
+    default:
+        display_->MoveSamplesTo(bar->sliderPosition());
+        Synchronise();
+        return; // the thumb stays under the pointer
     }
-    hScroll_->setValue(state_->Offset());
-    // Once enabled, a bar stays so.
-    vScroll_->setEnabled(vScroll_->isEnabled() || RowCount() > rows);
-    hScroll_->setEnabled(hScroll_->isEnabled() || limit > 0);
-}
-
-void CTraceView::SetVerticalPosition() {
-    vScroll_->setValue(VerticalPosition(state_->TopRow(), RowCount()));
-}
-
-void CTraceView::StepRows(std::int64_t rows) {
-    state_->SetTopRow(StepTopRow(state_->TopRow(), rows, state_->VisibleRowCount(), RowCount()));
-    SetVerticalPosition();
+    // The bar's own idea of a step is another one.
+    bar->setSliderPosition(display_->SampleBar().position);
     Synchronise();
 }
 
-void CTraceView::OnVerticalAction(int action) {
+void CTraceView::SignalAction(int action) {
+    QScrollBar* const bar = isState_ ? hScroll_ : vScroll_;
     switch (action) {
     case QAbstractSlider::SliderSingleStepAdd:
-        StepRows(1);
-        break;
     case QAbstractSlider::SliderSingleStepSub:
-        StepRows(-1);
+        display_->StepSignals(action == QAbstractSlider::SliderSingleStepAdd);
         break;
     case QAbstractSlider::SliderPageStepAdd:
-        StepRows(state_->VisibleRowCount());
-        break;
     case QAbstractSlider::SliderPageStepSub:
-        StepRows(-state_->VisibleRowCount());
-        break;
-    default: {
-        const std::int64_t sample =
-            Trace().RowToSample(RowOfPosition(vScroll_->sliderPosition(), RowCount()), isZoom_);
-        if (sample >= 0) {
-            const std::int64_t row = Trace().SampleToRow(sample, isZoom_);
-            state_->SetTopRow(TopRowFor(row, state_->VisibleRowCount(), RowCount()));
-            Synchronise();
-        }
-        return; // the thumb stays under the pointer
-    }
-    }
-    // The bar's own idea of a step is another one.
-    vScroll_->setSliderPosition(VerticalPosition(state_->TopRow(), RowCount()));
-}
-
-void CTraceView::OnHorizontalAction(int action) {
-    const int limit = hScroll_->maximum();
-    const int page = std::max(state_->width() - state_->SampleColumnWidth() - 1, 1);
-    int offset = state_->Offset();
-    switch (action) {
-    case QAbstractSlider::SliderSingleStepAdd:
-        offset = StepOffset(offset, 1, limit);
-        break;
-    case QAbstractSlider::SliderSingleStepSub:
-        offset = StepOffset(offset, -1, limit);
-        break;
-    case QAbstractSlider::SliderPageStepAdd:
-        offset = StepOffset(offset, page, limit);
-        break;
-    case QAbstractSlider::SliderPageStepSub:
-        offset = StepOffset(offset, -page, limit);
+        display_->PageSignals(action == QAbstractSlider::SliderPageStepAdd);
         break;
     default:
-        offset = std::min(hScroll_->sliderPosition(), limit);
+        display_->MoveSignalsTo(bar->sliderPosition());
+        return;
     }
-    state_->SetOffset(offset);
-    hScroll_->setSliderPosition(offset);
+    bar->setSliderPosition(display_->SignalBar().position);
+}
+
+void CTraceView::StepSamples(bool forward) {
+    display_->StepSamples(forward);
+    SetSamplePosition();
+    Synchronise();
+}
+
+void CTraceView::PageSamples(bool forward) {
+    display_->PageSamples(forward);
+    SetSamplePosition();
+    Synchronise();
+}
+
+// The scale follows the thumb; what depends on it waits until the thumb is let go.
+void CTraceView::ZoomAction(int action) {
+    const int zoom = wave_->Zoom();
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+    case QAbstractSlider::SliderSingleStepSub:
+        wave_->SetZoom(ZoomAfterLine(zoom, action == QAbstractSlider::SliderSingleStepAdd));
+        break;
+    case QAbstractSlider::SliderPageStepAdd:
+    case QAbstractSlider::SliderPageStepSub:
+        wave_->SetZoom(ZoomAfterPage(zoom, action == QAbstractSlider::SliderPageStepAdd));
+        break;
+    default:
+        wave_->SetZoom(ZoomOfThumb(zoomScroll_->sliderPosition()));
+        return;
+    }
+    zoomScroll_->setSliderPosition(wave_->Zoom());
+    ShowZoom();
+}
+
+void CTraceView::ShowZoom() {
+    zoomScroll_->setValue(wave_->Zoom());
+    SetScrollBars();
+    ReportWindow();
+}
+
+bool CTraceView::CanZoom(bool in) const {
+    return wave_ != nullptr && (in ? wave_->Zoom() < largestZoom : wave_->Zoom() > smallestZoom);
+}
+
+void CTraceView::Zoom(bool in) {
+    if (CanZoom(in)) {
+        wave_->SetZoom(in ? ZoomedIn(wave_->Zoom()) : ZoomedOut(wave_->Zoom()));
+        ShowZoom();
+    }
 }
 
 void CTraceView::Synchronise() {
@@ -453,29 +486,27 @@ void CTraceView::LayOut() {
     const int barHeight = hScroll_->sizeHint().height();
     const int right = width() - barWidth;
     const int bottom = height() - barHeight;
+    const int zoomWidth = isState_ ? 0 : width() * zoomBarPercent / 100;
     vScroll_->setGeometry(right, verticalBarTop, barWidth, bottom - verticalBarTop);
-    hScroll_->setGeometry(0, bottom, width(), barHeight);
-    state_->setGeometry(0, 0, right, bottom);
+    hScroll_->setGeometry(zoomWidth, bottom, width() - zoomWidth, barHeight);
+    if (zoomScroll_ != nullptr) {
+        zoomScroll_->setGeometry(0, bottom, zoomWidth, barHeight);
+    }
+    display_->setGeometry(0, 0, right, bottom);
 }
 
 void CTraceView::keyPressEvent(QKeyEvent* event) {
     if (GetDocument() == nullptr) {
         return;
     }
-    switch (event->key()) {
-    case Qt::Key_PageUp:
-        StepRows(-state_->VisibleRowCount());
-        break;
-    case Qt::Key_PageDown:
-        StepRows(state_->VisibleRowCount());
-        break;
-    case Qt::Key_Up:
-        StepRows(-1);
-        break;
-    case Qt::Key_Down:
-        StepRows(1);
-        break;
-    default:
+    const int key = event->key();
+    if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) {
+        PageSamples(key == Qt::Key_PageDown);
+    } else if (isState_ && (key == Qt::Key_Up || key == Qt::Key_Down)) {
+        StepSamples(key == Qt::Key_Down);
+    } else if (!isState_ && (key == Qt::Key_Left || key == Qt::Key_Right)) {
+        StepSamples(key == Qt::Key_Right);
+    } else {
         CView::keyPressEvent(event);
     }
 }
@@ -489,10 +520,10 @@ void CTraceView::wheelEvent(QWheelEvent* event) {
     const bool turned = (delta > 0) != (wheelRest_ > 0);
     wheelRest_ = delta + (turned ? 0 : wheelRest_);
     for (; wheelRest_ >= wheelNotch; wheelRest_ -= wheelNotch) {
-        StepRows(-1);
+        StepSamples(false);
     }
     for (; wheelRest_ <= -wheelNotch; wheelRest_ += wheelNotch) {
-        StepRows(1);
+        StepSamples(true);
     }
 }
 

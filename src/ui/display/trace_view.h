@@ -13,12 +13,13 @@ namespace busquill {
 
 class CAnalyzerLink;
 class CSignalList;
-class CStateWnd;
 class CTesselDoc;
 class CTraceStatusDialog;
+class CWaveformWnd;
 class MainThread;
 class Prompts;
 class Settings;
+class TraceDisplay;
 class TraceFrame;
 class WindowTimer;
 struct RunState;
@@ -58,6 +59,10 @@ public:
     /// Takes every view of the same samples to the target.
     void GoTo(GoToTarget target);
 
+    /// Only waveforms can be zoomed, and only so far.
+    [[nodiscard]] bool CanZoom(bool in) const;
+    void Zoom(bool in);
+
     [[nodiscard]] QSize sizeHint() const override { return {830, 380}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {240, 120}; }
 
@@ -75,10 +80,13 @@ private:
     [[nodiscard]] std::int64_t RowCount() const;
     void LayOut();
     void SetScrollBars();
-    void SetVerticalPosition();
-    void StepRows(std::int64_t rows);
-    void OnVerticalAction(int action);
-    void OnHorizontalAction(int action);
+    void SetSamplePosition();
+    void SampleAction(int action);
+    void SignalAction(int action);
+    void ZoomAction(int action);
+    void ShowZoom();
+    void StepSamples(bool forward);
+    void PageSamples(bool forward);
     void MarkerChanged(int which);
     void BlockArrived(const HintObject* object);
     void Synchronise();
@@ -103,7 +111,9 @@ private:
     TraceFrame* frame_ = nullptr;
     QScrollBar* vScroll_;
     QScrollBar* hScroll_;
-    CStateWnd* state_;
+    QScrollBar* zoomScroll_ = nullptr; // of waveforms
+    CWaveformWnd* wave_ = nullptr;     // likewise
+    TraceDisplay* display_;
     int wheelRest_ = 0; // of a notch, from a fine wheel
     WindowTimer* runTimer_ = nullptr;
     std::unique_ptr<CTraceStatusDialog> statusDialog_;

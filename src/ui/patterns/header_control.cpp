@@ -22,7 +22,7 @@ void HeaderControl::Attach(CSignalList& list) {
 }
 
 bool HeaderControl::OnFixedEdge(int place) const {
-    return std::abs(place - fixedEnd) <= edgeReach;
+    return layout_.fixedResizes && std::abs(place - fixedEnd) <= edgeReach;
 }
 
 HeaderControl::Hit HeaderControl::HitColumn(int place) const {
@@ -31,7 +31,7 @@ HeaderControl::Hit HeaderControl::HitColumn(int place) const {
     }
     int start = fixedEnd + 1 - offset;
     for (const auto& signal : list_->All()) {
-        const int extent = (signal.get()->*visible_)();
+        const int extent = (signal.get()->*layout_.visible)();
         if (extent < 1) {
             continue;
         }
@@ -40,7 +40,7 @@ HeaderControl::Hit HeaderControl::HitColumn(int place) const {
         if (edge || place < end) {
             return {signal.get(), start, edge};
         }
-        start = end;
+        start = end + layout_.gap;
     }
     return {};
 }
@@ -60,19 +60,21 @@ HeaderControl::Redraw HeaderControl::Press(int place, Qt::KeyboardModifiers keys
         action_ = Action::Resize;
         return Redraw::Nothing;
     }
-    action_ = Action::Drag;
+    if (layout_.anyClickDrags || (keys & (Qt::ControlModifier | Qt::ShiftModifier)) == 0) {
+        action_ = Action::Drag;
+    }
     SelectByClick(hit.signal, keys);
     return Redraw::Header;
 }
 
 HeaderControl::Redraw HeaderControl::Move(int place) {
     int* const size = action_ == Action::ResizeFixed ? &fixedEnd
-                      : action_ == Action::Resize    ? &(target_->*extent_)
+                      : action_ == Action::Resize    ? &(target_->*layout_.extent)
                                                      : nullptr;
     if (size == nullptr) {
         return Redraw::Nothing;
     }
-    const int wanted = std::max(place - (action_ == Action::Resize ? start_ : 0), smallest_);
+    const int wanted = std::max(place - (action_ == Action::Resize ? start_ : 0), layout_.smallest);
     if (*size == wanted) {
         return Redraw::Nothing;
     }
@@ -108,7 +110,7 @@ Qt::CursorShape HeaderControl::CursorAt(int place) const {
         return Qt::ClosedHandCursor;
     }
     const bool resizes = action_ != Action::None || OnFixedEdge(place) || HitColumn(place).edge;
-    return resizes ? Qt::SizeHorCursor : Qt::ArrowCursor;
+    return resizes ? layout_.resizeCursor : Qt::ArrowCursor;
 }
 
 void HeaderControl::SelectByClick(CSignal* signal, Qt::KeyboardModifiers keys) {

@@ -10,8 +10,9 @@ namespace busquill {
 
 class CSignalList;
 
-/// Selecting, resizing and moving the signals of a table window by the mouse in its header. Places
-/// are pixels along the axis in which the signals follow one another, from the window's edge.
+/// Selecting, resizing and moving the signals of a table window by the mouse where their names are.
+/// Places are pixels along the axis in which the signals follow one another, from the window's
+/// edge.
 ///
 ///   |  fixed column  | signal | signal | ...      the signals scroll by `offset`
 ///   0             fixedEnd
@@ -28,11 +29,18 @@ public:
         bool edge = false; // the place is at its end
     };
 
-    /// `extent` is the size that resizing changes, at least `smallest`; `visible` is the room that
-    /// a signal takes.
-    HeaderControl(std::int32_t CSignal::*extent, std::int32_t (CSignal::*visible)() const noexcept,
-                  int smallest)
-        : extent_(extent), visible_(visible), smallest_(smallest) {}
+    /// How the signals of a window lie.
+    struct Layout {
+        std::int32_t CSignal::*extent;                     // the size that resizing changes
+        std::int32_t (CSignal::*visible)() const noexcept; // the room that a signal takes
+        int smallest;                                      // that resizing leaves
+        int gap = 0;                                       // between two signals
+        bool fixedResizes = true;                          // the fixed column's edge too
+        bool anyClickDrags = true;                         // not only one without a key
+        Qt::CursorShape resizeCursor = Qt::SizeHorCursor;
+    };
+
+    explicit HeaderControl(const Layout& layout) : layout_(layout) {}
 
     void Attach(CSignalList& list);
 
@@ -63,9 +71,7 @@ private:
     void SelectByClick(CSignal* signal, Qt::KeyboardModifiers keys);
     void SelectSpan(const CSignal* from, const CSignal* to);
 
-    std::int32_t CSignal::*extent_;
-    std::int32_t (CSignal::*visible_)() const noexcept;
-    const int smallest_;
+    const Layout layout_;
     CSignalList* list_ = nullptr;
     CSignal* lastSelected_ = nullptr; // may have left the list
     Action action_ = Action::None;

@@ -104,7 +104,7 @@ protected:
         return CellText(Frame(), Column(column), sample, 0);
     }
 
-    StateColors colors;
+    DisplayColors colors;
     int offset = 0;
     std::int64_t topRow = 0;
     std::optional<std::int64_t> missing;
@@ -569,15 +569,26 @@ TEST_F(StatePainter, ColumnWidthsFitTitleAndDigits) {
     EXPECT_EQ(view->findChild<CStateWnd*>()->SampleColumnWidth(), 8 * digit);
 }
 
-TEST(LoadStateColors, DefaultsAndTheUsersOwn) {
+TEST(LoadDisplayColors, EachDisplayHasItsOwn) {
     MemorySettings settings;
-    EXPECT_EQ(LoadStateColors(settings),
-              (StateColors{0xC0C0C0, 0xC0C0C0, 0x0000FF, 0x00FF00, 0xFF0000}));
+    settings.WriteProfileInt("Display", "WaveformTriggerColor", 0x010203);
+    settings.WriteProfileInt("Display", "WaveformAlternate", 1);
+    settings.WriteProfileInt("Display", "WaveformAlternateBackgroundColor", 0x040506);
+    EXPECT_EQ(LoadDisplayColors(settings, waveformDisplay).trigger, 0x010203U);
+    EXPECT_EQ(LoadDisplayColors(settings, waveformDisplay).alternate, 0x040506U);
+    EXPECT_EQ(LoadDisplayColors(settings, stateDisplay),
+              LoadDisplayColors(MemorySettings(), stateDisplay));
+}
+
+TEST(LoadDisplayColors, DefaultsAndTheUsersOwn) {
+    MemorySettings settings;
+    EXPECT_EQ(LoadDisplayColors(settings, stateDisplay),
+              (DisplayColors{0xC0C0C0, 0xC0C0C0, 0x0000FF, 0x00FF00, 0xFF0000}));
     settings.WriteProfileInt("Display", "StateBackgroundColor", 0x112233);
     settings.WriteProfileInt("Display", "StateAlternateBackgroundColor", 0x445566);
-    EXPECT_EQ(LoadStateColors(settings).alternate, 0x112233U); // alternation is off
+    EXPECT_EQ(LoadDisplayColors(settings, stateDisplay).alternate, 0x112233U); // alternation is off
     settings.WriteProfileInt("Display", "StateAlternate", 1);
-    EXPECT_EQ(LoadStateColors(settings).alternate, 0x445566U);
+    EXPECT_EQ(LoadDisplayColors(settings, stateDisplay).alternate, 0x445566U);
 }
 
 } // namespace

@@ -28,14 +28,16 @@ namespace {
 
 class TraceView : public TraceFixture {
 protected:
-    static int Rows(CTraceView& view) { return view.findChild<CStateWnd*>()->VisibleRowCount(); }
+    static int Rows(CTraceView& view) {
+        return static_cast<int>(view.findChild<TraceDisplay*>()->VisibleSampleCount());
+    }
     /// As the system sends it: to the window under the pointer, which passes it on.
     static void Wheel(CTraceView& view, int delta) {
         const QPointF at(50, 100);
         QWheelEvent event(at, view.mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
         QSpontaneKeyEvent::setSpontaneous(&event);
-        qApp->notify(view.findChild<CStateWnd*>(), &event);
+        qApp->notify(view.findChild<TraceDisplay*>(), &event);
     }
     /// Where the thumb of a bar is.
     static QRect Thumb(QScrollBar& bar) {
@@ -81,7 +83,7 @@ protected:
     }
     /// Whether the listing looks different after something was done.
     static bool Repaints(CTraceView& view, const std::function<void()>& act) {
-        auto& window = *view.findChild<CStateWnd*>();
+        auto& window = *view.findChild<TraceDisplay*>();
         const QImage before = window.grab().toImage();
         act();
         return window.grab().toImage() != before;
@@ -463,9 +465,9 @@ TEST_F(FramedView, AFilterThatMatchesNothingListsNothing) {
 /// A listing under the mouse.
 class Mouse : public TraceView {
 protected:
-    void Open(int first = -500, int last = 499, bool isZoom = false) {
+    void Open(int first = -500, int last = 499) {
         Load(first, last);
-        view = MakeView(!isZoom, isZoom);
+        view = MakeView();
         window = view->findChild<CStateWnd*>();
     }
     void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton,
@@ -543,13 +545,6 @@ TEST_F(Mouse, AnEmptyCaptureTakesNoMarker) {
     view = MakeView();
     window = view->findChild<CStateWnd*>();
     Click(Row(0));
-    EXPECT_EQ(document->Marker(1, false), -1);
-}
-
-TEST_F(Mouse, PowerZoomHasMarkersOfItsOwn) {
-    Open(-500, 499, true);
-    Click(Row(2));
-    EXPECT_EQ(document->Marker(1, true), view->TopSample() + 2);
     EXPECT_EQ(document->Marker(1, false), -1);
 }
 
@@ -825,7 +820,7 @@ TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
     const QImage early = picture(100);
     const QImage late = picture(5500);
     EXPECT_EQ(picture(100), early);
-    window->ForgetTimes();
+    window->SamplesChanged();
     EXPECT_EQ(picture(5500), late);
     EXPECT_NE(early, late);
     for (const auto& signal : document->stateList.All()) {
@@ -969,7 +964,7 @@ TEST_F(TraceView, GoesToEachPlaceThatThereIs) {
     view->GoTo(GoToTarget::Start);
     EXPECT_EQ(view->TopSample(), 0);
     view->GoTo(GoToTarget::End);
-    EXPECT_EQ(other->TopSample(), 1000 - Rows(*view));
+    EXPECT_EQ(other->TopSample(), 1000 - Rows(*other));
     document->SetMarker(1, -1);
     view->GoTo(GoToTarget::Marker1);
     EXPECT_EQ(view->TopSample(), 1000 - Rows(*view));
@@ -1019,18 +1014,20 @@ TEST_F(TraceView, EachKindListsItsOwnSignals) {
     auto state = MakeView();
     auto wave = MakeView(false);
     auto zoom = MakeView(false, true);
-    const auto widthOf = [](const CSignalList& list) {
-        int total = 0;
-        for (const auto& signal : list.All()) {
-            total += signal->VisibleWidth();
-        }
-        return total;
+    const auto pictures = [&] {
+        return std::array{state->grab().toImage(), wave->grab().toImage(), zoom->grab().toImage()};
     };
-    document->waveformList[0].width += 7;
-    document->zoomList[0].width += 13;
-    EXPECT_EQ(state->findChild<CStateWnd*>()->ColumnsWidth(), widthOf(document->stateList));
-    EXPECT_EQ(wave->findChild<CStateWnd*>()->ColumnsWidth(), widthOf(document->waveformList));
-    EXPECT_EQ(zoom->findChild<CStateWnd*>()->ColumnsWidth(), widthOf(document->zoomList));
+    CSignalList* const lists[] = {&document->stateList, &document->waveformList,
+                                  &document->zoomList};
+    for (std::size_t i = 0; i < 3; ++i) {
+        const auto before = pictures();
+        lists[i]->InsertBlank(&(*lists[i])[0]);
+        document->UpdateAllViews(nullptr, HintRedraw);
+        const auto after = pictures();
+        for (std::size_t view = 0; view < 3; ++view) {
+            EXPECT_EQ(before[view] != after[view], view == i) << i << " " << view;
+        }
+    }
 }
 
 TEST_F(TraceView, FilterKeepsThePlaceAndMovesTheBar) {

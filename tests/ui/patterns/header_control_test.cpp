@@ -48,7 +48,8 @@ protected:
     }
 
     CSignalList list;
-    HeaderControl header{&CSignal::width, &CSignal::VisibleWidth, 21};
+    HeaderControl header{HeaderControl::Layout{
+        .extent = &CSignal::width, .visible = &CSignal::VisibleWidth, .smallest = 21}};
 };
 
 TEST_F(Header, HitsColumnsAndTheirEdges) {
@@ -168,6 +169,34 @@ TEST_F(Header, TheMenusPressSelectsWhatIsNotSelected) {
     EXPECT_EQ(header.SelectForMenu(OnE), Redraw::Header);
     EXPECT_EQ(Selected(), "E ");
     EXPECT_EQ(header.SelectForMenu(Behind), Redraw::Nothing);
+}
+
+TEST_F(Header, BandsHaveGapsAFixedStripAndDragWithoutKeys) {
+    HeaderControl bands{HeaderControl::Layout{.extent = &CSignal::height,
+                                              .visible = &CSignal::VisibleHeight,
+                                              .smallest = 20,
+                                              .gap = 1,
+                                              .fixedResizes = false,
+                                              .anyClickDrags = false,
+                                              .resizeCursor = Qt::SizeVerCursor}};
+    bands.Attach(list);
+    bands.fixedEnd = 17; // bands of 20 begin at 18, 39 and so on
+    EXPECT_EQ(bands.HitColumn(39).start, 18) << "the last pixels are its edge";
+    EXPECT_EQ(bands.HitColumn(42).start, 39);
+    EXPECT_EQ(bands.HitColumn(63).start, 60);
+    EXPECT_EQ(bands.CursorAt(18), Qt::ArrowCursor);
+    EXPECT_EQ(bands.CursorAt(38), Qt::SizeVerCursor);
+    bands.Press(25, Qt::ControlModifier);
+    EXPECT_FALSE(bands.IsActive());
+    EXPECT_TRUE(list[0].selected);
+    bands.Press(25, Qt::NoModifier);
+    EXPECT_TRUE(bands.IsActive());
+    bands.Release(25);
+    bands.Press(38, Qt::NoModifier);
+    EXPECT_EQ(bands.Move(30), Redraw::Nothing) << "as small as it may be";
+    EXPECT_EQ(bands.Move(48), Redraw::All);
+    EXPECT_EQ(list[0].height, 30);
+    EXPECT_EQ(list[0].width, 40);
 }
 
 TEST_F(Header, TheMenuEndsADrag) {

@@ -1,0 +1,430 @@
+#include "ui/display/wave_painter.h"
+
+#include "capture/trace_document.h"
+#include "signals/value_text.h"
+#include "ui/display/band_values.h"
+#include "ui/display/marker_glyphs.h"
+#include "ui/framework/painting.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace busquill {
+
+namespace {
+
+constexpr int railInset = 2; // pixels from a band's edges to its high and low level
+constexpr int tickHeight = 7;
+constexpr int spanMargin = 10; // pixels that a text between the markers leaves free
+constexpr int glyphTop = waveHeaderLine / 2 - glyphHalf;
+const QColor lineColor(0, 0, 0);
+
+/// Rectangles of one colour, drawn at once. A rectangle that continues the last one to the right is
+/// joined to it, so that busy lines cost no more than a block.
+class Strokes {
+public:
+    void Add(int x, int y, int width, int height) {
+        if (width < 1 || height < 1) {
+            return;
+        }
+        if (!rects_.isEmpty()) {
+            QRect& last = rects_.last();
+            if (last.top() == y && last.height() == height && x >= last.left() &&
+                x <= last.right() + 1) {
+                last.setRight(std::max(last.right(), x + width - 1));
+                return;
+            }
+        }
+        rects_.append(QRect(x, y, width, height));
+    }
+    void Draw(QPainter& painter, const QColor& color) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color);
+        painter.drawRects(rects_);
+        rects_.clear();
+    }
+
+private:
+    QList<QRect> rects_;
+};
+
+void VerticalLine(QPainter& painter, int x, int top, int bottom, const QColor& color) {
+    painter.fillRect(x, top, 1, bottom - top, color);
+}
+
+QRect LineInBand(const QRect& band, int lineHeight) {
+    return {band.left(), band.top() + (band.height() - lineHeight) / 2, band.width(), lineHeight};
+}
+
+/// Texts in the runs of a band, in a font of fixed pitch: how much of one fits is a division.
+class RunTexts {
+public:
+    RunTexts(QPainter& painter, const QFont& font)
+        : painter_(painter), metrics_(font),
+          pitch_(QFontMetricsF(font).horizontalAdvance("0000000000") / 10) {}
+
+    /// Whether a run of so many pixels shows anything of a text.
+    [[nodiscard]] bool ShowsAnything(int width) const { return width >= pitch_; }
+    [[nodiscard]] int SmallestWidth() const { return static_cast<int>(std::ceil(pitch_)); }
+
+    void Draw(int left, int width, int top, const std::string& text) {
+        const auto room = static_cast<std::size_t>(width / pitch_);
+        QString shown = QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+        if (text.size() > room) {
+            shown.truncate(static_cast<qsizetype>(room) - 1);
+            shown.append(QChar(0x2026));
+        }
+        const qreal x = left + (width - static_cast<qreal>(shown.size()) * pitch_) / 2;
+        painter_.drawText(QPointF(std::floor(x), top + metrics_.ascent()), shown);
+    }
+
+private:
+    QPainter& painter_;
+    const QFontMetricsF metrics_;
+    const qreal pitch_;
+};
+
+class WaveDrawing {
+public:
+    WaveDrawing(QPainter& painter, const WaveFrame& frame)
+        : painter_(painter), frame_(frame), scale_(frame.Scale()),
+          bands_(VisibleBands(BandHeights(frame.list), frame.top, frame.size.height())),
+          samples_{frame.document, frame.isZoom, frame.place.row, frame.DrawnSamples()},
+          bodyHeight_(QFontMetrics(frame.bodyFont).height()) {}
+
+    void DrawTitles() {
+        const int valueLeft = frame_.nameWidth;
+        const int waveLeft = frame_.nameWidth + frame_.valueWidth;
+        painter_.setClipping(false);
+        painter_.fillRect(0, 0, waveLeft, waveFirstBand, Background());
+        painter_.fillRect(0, waveHeaderLine, frame_.size.width(), 1, lineColor);
+        painter_.setFont(frame_.titleFont);
+        painter_.setPen(lineColor);
+        DrawCellText(painter_, QRect(QPoint(1, 0), QPoint(valueLeft - 1, waveHeaderLine - 1)),
+                     "Signal", CellAlign::Center, true);
+        DrawCellText(painter_,
+                     QRect(QPoint(valueLeft + 1, 0), QPoint(waveLeft - 1, waveHeaderLine - 1)),
+                     "Value", CellAlign::Center, true);
+        VerticalLine(painter_, valueLeft, 0, frame_.size.height(), lineColor);
+        VerticalLine(painter_, waveLeft, 0, frame_.size.height(), lineColor);
+    }
+
+    void DrawNames() {
+        const QRect column(0, waveFirstBand, frame_.nameWidth,
+                           frame_.size.height() - waveFirstBand);
+        painter_.setClipRect(column);
+        painter_.fillRect(column, Background());
+        painter_.setFont(frame_.nameFont);
+        for (const WaveBand& band : bands_) {
+            const CSignal& signal = frame_.list[band.signal];
+            const QRect cell(0, band.top, frame_.nameWidth, band.height);
+            painter_.fillRect(cell, signal.selected ? QColor(Qt::white) : Background());
+            DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
+            painter_.setPen(lineColor);
+            DrawCentered(cell.adjusted(3, 1, -3, -1), QString::fromStdString(signal.RowName()));
+        }
+        Frame();
+    }
+
+    void DrawValues() {
+        const QRect column(frame_.nameWidth + 1, waveFirstBand, frame_.valueWidth - 1,
+                           frame_.size.height() - waveFirstBand);
+        painter_.setClipRect(column);
+        painter_.fillRect(column, Background());
+        const std::int64_t marker = frame_.document.Marker(1, frame_.isZoom);
+        const bool isSet = marker >= 0 && marker < frame_.document.SampleCount(frame_.isZoom) &&
+                           frame_.document.IsValidSample(marker, frame_.isZoom);
+        painter_.setFont(frame_.bodyFont);
+        for (const WaveBand& band : bands_) {
+            const CSignal& signal = frame_.list[band.signal];
+            const QRect cell(column.left(), band.top, column.width(), band.height);
+            FillBand(band, cell.left(), cell.width());
+            if (isSet && signal.numSamples != 0) {
+                painter_.setPen(ColorOf(signal.color));
+                DrawCentered(
+                    cell.adjusted(1, 0, -1, 0),
+                    QString::fromStdString(BandText(samples_, frame_.board, signal, marker)));
+            }
+        }
+        Frame();
+    }
+
+    std::optional<std::int64_t> DrawWaves() {
+        const QRect area(frame_.WaveLeft(), 0, frame_.size.width() - frame_.WaveLeft(),
+                         frame_.size.height());
+        painter_.setClipRect(area);
+        painter_.fillRect(area, Background());
+        const auto missing = samples_.FirstMissing();
+        const QRect belowHeader = area.adjusted(0, waveFirstBand, 0, 0);
+        painter_.setClipRect(belowHeader);
+        for (const WaveBand& band : bands_) {
+            FillBand(band, area.left(), area.width());
+            const CSignal& signal = frame_.list[band.signal];
+            if (!missing && samples_.count > 0 && signal.numSamples != 0) {
+                DrawSignal(signal, band);
+            }
+        }
+        painter_.setClipRect(area);
+        painter_.fillRect(area.left(), waveHeaderLine, area.width(), 1, lineColor);
+        DrawTimeMarks();
+        Frame();
+        return missing;
+    }
+
+private:
+    [[nodiscard]] QColor Background() const { return ColorOf(frame_.colors.background); }
+
+    /// The lines at the right and the bottom of the window.
+    void Frame() {
+        const int right = frame_.size.width() - 1;
+        const int bottom = frame_.size.height() - 1;
+        VerticalLine(painter_, right, 0, bottom + 1, lineColor);
+        painter_.fillRect(0, bottom, right + 1, 1, lineColor);
+    }
+
+    /// Stripes go by signal, so that they stay with their signals when these scroll.
+    void FillBand(const WaveBand& band, int left, int width) {
+        if (band.signal % 2 != 0) {
+            painter_.fillRect(left, band.top, width, band.height, ColorOf(frame_.colors.alternate));
+        }
+    }
+
+    void DrawCentered(const QRect& cell, const QString& text) {
+        DrawCellText(painter_, LineInBand(cell, painter_.fontMetrics().height()), text,
+                     CellAlign::Center, true);
+    }
+
+    void DrawSignal(const CSignal& signal, const WaveBand& band) {
+        if (signal.IsGroupStart()) {
+            DrawBus(signal, band);
+        } else {
+            DrawBit(signal, band);
+        }
+        strokes_.Draw(painter_, ColorOf(signal.color));
+        if (signal.showValue) {
+            DrawRuns(signal, band);
+        }
+    }
+
+    [[nodiscard]] static BandValues::Kind TickKind(const CSignal& signal) {
+        const bool isSample = signal.decoded && signal.decoded->decodeKind == DecodeKind::Sample;
+        return isSample ? BandValues::Kind::Each : BandValues::Kind::Bytes;
+    }
+
+    /// Two rails, and a tick between them where the value changes.
+    void DrawBus(const CSignal& signal, const WaveBand& band) {
+        const int high = band.top + railInset;
+        const int low = band.top + band.height - railInset;
+        const int end = scale_.EndOf(samples_.RowCount() - frame_.place.row, frame_.Visible());
+        strokes_.Add(scale_.left, high, end - scale_.left, 1);
+        strokes_.Add(scale_.left, low, end - scale_.left, 1);
+        const BandValues values(samples_, frame_.board, signal, TickKind(signal));
+        std::int64_t k = values.NextChange(0);
+        while (k < samples_.count) {
+            const int x = scale_.XOf(k);
+            strokes_.Add(x, high, 1, low - high + 1);
+            // Further changes in the same pixel are the same tick.
+            k = values.NextChange(std::max(k, scale_.FirstAfter(x) - 1));
+        }
+    }
+
+    /// The level runs to a change, where an edge leads to the other level.
+    void DrawBit(const CSignal& signal, const WaveBand& band) {
+        const int high = band.top + railInset;
+        const int low = band.top + band.height - railInset;
+        const BandValues values(samples_, frame_.board, signal, BandValues::Kind::Bit);
+        const auto levelOf = [&](std::int64_t k) { return values.Bit(k) ? high : low; };
+        std::int64_t k = 0;
+        int x = scale_.left;
+        while (true) {
+            const int level = levelOf(k);
+            k = values.NextChange(k);
+            const int next = scale_.XOf(k);
+            if (next - x > 1 || k >= samples_.count) {
+                strokes_.Add(x, level, next - x + (k < samples_.count ? 1 : 0), 1);
+            }
+            if (k >= samples_.count) {
+                return;
+            }
+            strokes_.Add(next, high, 1, low - high + 1);
+            // Further edges in the same pixel are the same line: what counts is where they end.
+            k = std::clamp(scale_.FirstAfter(next) - 1, k, samples_.count - 1);
+            x = next;
+        }
+    }
+
+    /// The values in the runs of equal samples.
+    void DrawRuns(const CSignal& signal, const WaveBand& band) {
+        painter_.setFont(frame_.bodyFont);
+        painter_.setPen(ColorOf(signal.color));
+        RunTexts texts(painter_, frame_.bodyFont);
+        const BandValues values(samples_, frame_.board, signal, BandValues::KindOf(signal));
+        const QRect line = LineInBand(QRect(0, band.top, 1, band.height), bodyHeight_);
+        // No shorter run shows anything, so those that share a pixel need not be looked for.
+        const std::int64_t shortest =
+            scale_.zoom < 0 ? std::int64_t{texts.SmallestWidth()} * -scale_.zoom : 1;
+        for (std::int64_t k = 0; k < samples_.count;) {
+            const std::int64_t next = values.NextChange(k);
+            const int left = scale_.XOf(k);
+            const int right = next < samples_.count ? scale_.XOf(next) - 1
+                                                    : std::min(scale_.XOf(next), scale_.right);
+            if (texts.ShowsAnything(right - left)) {
+                const std::string text =
+                    BandText(samples_, frame_.board, signal, samples_.SampleOf(k));
+                if (!text.empty()) {
+                    texts.Draw(left + 1, right - left, line.top(), text);
+                }
+                k = next;
+            } else if (next < samples_.count && shortest > 1) {
+                k = values.LastChange(next, std::min(next + shortest, samples_.count) - 1);
+            } else {
+                k = next;
+            }
+        }
+    }
+
+    // Ticks, the marks of trigger and markers, and the time between the markers.
+
+    void DrawTimeMarks() {
+        const int ticks = scale_.TickCount();
+        for (int i = 0; i < ticks; ++i) {
+            strokes_.Add(scale_.left + i * scale_.TickStep(), waveHeaderLine - tickHeight, 1,
+                         tickHeight);
+        }
+        strokes_.Draw(painter_, lineColor);
+        if (samples_.RowCount() == 0) {
+            return;
+        }
+        lastRow_ = std::min(frame_.place.row + scale_.TickedRows(), samples_.RowCount() - 1);
+        for (int which = 0; which < 3; ++which) {
+            DrawMark(which);
+        }
+        DrawSpan();
+    }
+
+    [[nodiscard]] std::int64_t Mark(int which) const {
+        return frame_.document.Marker(which, frame_.isZoom);
+    }
+    [[nodiscard]] std::int64_t FirstSample() const { return samples_.SampleOf(0); }
+    [[nodiscard]] std::int64_t LastSample() const {
+        return frame_.document.RowToSample(lastRow_, frame_.isZoom);
+    }
+
+    /// Where a sample that lies among the displayed ones has its mark.
+    [[nodiscard]] int XOfMark(std::int64_t sample) const {
+        std::int64_t row = frame_.place.row;
+        while (row < lastRow_ && frame_.document.RowToSample(row, frame_.isZoom) < sample) {
+            ++row;
+        }
+        return static_cast<int>(
+            std::min<std::int64_t>(scale_.MarkOf(row - frame_.place.row), scale_.right));
+    }
+
+    void DrawMark(int which) {
+        const std::int64_t sample = Mark(which);
+        if (sample == -1 || sample <= FirstSample() || sample > LastSample()) {
+            return;
+        }
+        const int x = XOfMark(sample);
+        if (x >= scale_.right - 1) {
+            return;
+        }
+        DrawMarkerGlyph(painter_, which, x, glyphTop);
+        VerticalLine(painter_, x, waveHeaderLine + 1, frame_.size.height() - 1,
+                     ColorOf(frame_.colors.Mark(which)));
+    }
+
+    enum class Side { Left, Inside, Right };
+
+    [[nodiscard]] Side SideOf(std::int64_t sample) const {
+        return sample < FirstSample()                                         ? Side::Left
+               : sample > LastSample() || XOfMark(sample) >= scale_.right - 1 ? Side::Right
+                                                                              : Side::Inside;
+    }
+    [[nodiscard]] int EndOf(std::int64_t sample, Side side) const {
+        return side == Side::Left    ? scale_.left
+               : side == Side::Right ? scale_.right - 1
+                                     : std::max(XOfMark(sample), scale_.left);
+    }
+
+    /// A line between the markers, up to the edges for those that lie further off, with their time.
+    void DrawSpan() {
+        const std::int64_t first = Mark(1);
+        const std::int64_t second = Mark(2);
+        if (first == -1 || second == -1) {
+            return;
+        }
+        const Side side1 = SideOf(first);
+        const Side side2 = SideOf(second);
+        if (side1 == side2 && side1 != Side::Inside) {
+            return;
+        }
+        const auto [left, right] = std::minmax({EndOf(first, side1), EndOf(second, side2)});
+        painter_.fillRect(left, glyphTop, right - left, 1, lineColor);
+        const QString text =
+            QString::fromStdString(TimeBetween(first, second, frame_.list, frame_.isZoom));
+        painter_.setFont(frame_.bodyFont);
+        const int width = painter_.fontMetrics().horizontalAdvance(text);
+        if (text.isEmpty() || width + spanMargin >= right - left) {
+            return;
+        }
+        const QRect line = LineInBand(
+            QRect(left + (right - left - width) / 2, -2, width, waveHeaderLine + 2), bodyHeight_);
+        painter_.fillRect(line.adjusted(-1, 0, 1, 0), Background());
+        painter_.setPen(lineColor);
+        DrawCellText(painter_, line, text, CellAlign::Center, false);
+    }
+
+    QPainter& painter_;
+    const WaveFrame& frame_;
+    const WaveScale scale_;
+    const std::vector<WaveBand> bands_;
+    const BandSamples samples_;
+    const int bodyHeight_;
+    std::int64_t lastRow_ = 0; // that the ticks tell of
+    Strokes strokes_;
+};
+
+} // namespace
+
+std::int64_t WaveFrame::DrawnSamples() const {
+    return std::clamp<std::int64_t>(document.RowCount(isZoom) - place.row, 0, Scale().Count());
+}
+
+std::vector<int> BandHeights(const CSignalList& list) {
+    std::vector<int> heights;
+    heights.reserve(list.Size());
+    for (const auto& signal : list.All()) {
+        heights.push_back(signal->VisibleHeight());
+    }
+    return heights;
+}
+
+void DrawWaveTitles(QPainter& painter, const WaveFrame& frame) {
+    WaveDrawing(painter, frame).DrawTitles();
+}
+
+void DrawWaveNames(QPainter& painter, const WaveFrame& frame) {
+    WaveDrawing(painter, frame).DrawNames();
+}
+
+void DrawWaveValues(QPainter& painter, const WaveFrame& frame) {
+    WaveDrawing(painter, frame).DrawValues();
+}
+
+std::optional<std::int64_t> DrawWaves(QPainter& painter, const WaveFrame& frame) {
+    return WaveDrawing(painter, frame).DrawWaves();
+}
+
+std::optional<std::int64_t> DrawWaveFrame(QPainter& painter, const WaveFrame& frame) {
+    WaveDrawing drawing(painter, frame);
+    drawing.DrawTitles();
+    drawing.DrawNames();
+    const auto missing = drawing.DrawWaves();
+    drawing.DrawValues();
+    return missing;
+}
+
+} // namespace busquill

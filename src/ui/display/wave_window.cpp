@@ -1,0 +1,393 @@
+#include "ui/display/wave_window.h"
+
+#include "capture/trace_document.h"
+#include "ui/display/state_geometry.h"
+#include "ui/framework/painting.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace busquill {
+
+namespace {
+
+constexpr int smallestBand = 20;
+constexpr int smallestColumnDigits = 3;
+constexpr int edgeReach = 2;      // pixels on both sides of the name column's edge
+constexpr int valueEdgeReach = 4; // pixels left of the value column's, whose right is the waves'
+constexpr int stepsOfALine = 4;
+
+} // namespace
+
+CWaveformWnd::CWaveformWnd(QWidget* parent, const Settings& settings, Prompts* prompts)
+    : TraceDisplay(parent), settings_(settings), prompts_(prompts),
+      bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
+      titleFont_(FontOfCellHeight(16, QFont::Bold, FontFace::Proportional)),
+      nameFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
+      smallestColumn_(smallestColumnDigits * QFontMetrics(bodyFont_).horizontalAdvance('0')),
+      colors_(LoadDisplayColors(settings, waveformDisplay)),
+      header_({.extent = &CSignal::height,
+               .visible = &CSignal::VisibleHeight,
+               .smallest = smallestBand,
+               .gap = 1,
+               .fixedResizes = false,
+               .anyClickDrags = false,
+               .resizeCursor = Qt::SizeVerCursor}) {
+    header_.fixedEnd = waveFirstBand - 1;
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+}
+
+void CWaveformWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
+    document_ = &document;
+    list_ = &list;
+    isZoom_ = zoom;
+    header_.Attach(list);
+    Render(true);
+}
+
+// Along the samples.
+
+std::int64_t CWaveformWnd::RowCount() const {
+    return document_ == nullptr ? 0 : document_->RowCount(isZoom_);
+}
+
+std::int64_t CWaveformWnd::VisibleSampleCount() const {
+    return VisibleSamples(width() - nameWidth_ - valueWidth_, zoom_);
+}
+
+/// The sample of a row, or of the last row where there are fewer.
+std::int64_t CWaveformWnd::SampleOfRow(std::int64_t row) const {
+    return document_ == nullptr
+               ? 0
+               : document_->RowToSample(std::min(row, RowCount() - 1), isZoom_);
+}
+
+std::int64_t CWaveformWnd::LastSample() const {
+    return SampleOfRow(place_.row + VisibleSampleCount() - 1);
+}
+
+std::int64_t CWaveformWnd::LastDrawnSample() const {
+    const WaveScale scale{zoom_, place_.subPixel, nameWidth_ + valueWidth_ + 1, width()};
+    return SampleOfRow(place_.row + scale.Count() - 1);
+}
+
+std::int64_t CWaveformWnd::CenterSample() const {
+    return std::max<std::int64_t>(SampleOfRow(place_.row + VisibleSampleCount() / 2), 0);
+}
+
+void CWaveformWnd::SetPlace(const WavePlace& place) {
+    if (place == place_) {
+        return;
+    }
+    place_ = place;
+    RenderWaves();
+}
+
+void CWaveformWnd::ScrollToSample(std::int64_t sample) {
+    const std::int64_t row = TopRowFor(document_->SampleToRow(sample, isZoom_),
+                                       static_cast<int>(VisibleSampleCount()), RowCount());
+    const std::int64_t first = std::max<std::int64_t>(document_->RowToSample(row, isZoom_), 0);
+    const bool moves = first != firstSample_;
+    place_ = {row, moves ? 0 : place_.subPixel};
+    if (moves) {
+        RenderWaves();
+    }
+}
+
+BarState CWaveformWnd::SampleBar() const {
+    const std::int64_t visible = VisibleSampleCount();
+    const int page = WavePage(visible, RowCount());
+    const int share = RowCount() == 0 ? 0 : VerticalPage(static_cast<int>(visible), RowCount());
+    return {VerticalMaximum(std::min<int>(share, scrollRange)), page,
+            WavePosition(place_.row, RowCount()), RowCount() > visible};
+}
+
+void CWaveformWnd::StepSamples(bool forward) {
+    const bool drawsNothing = !forward && zoom_ < 0; // until something else does
+    WavePlace place = place_;
+    for (int i = 0; i < stepsOfALine; ++i) {
+        place = forward ? StepForward(place, zoom_, VisibleSampleCount(), RowCount())
+                        : StepBackward(place, zoom_);
+    }
+    if (!drawsNothing) {
+        SetPlace(place);
+        return;
+    }
+    place_ = place;
+    if (isZoom_) {
+        firstSample_ = place.row;
+    }
+}
+
+void CWaveformWnd::PageSamples(bool forward) {
+    SetPlace(Page(place_, forward, VisibleSampleCount(), RowCount()));
+}
+
+void CWaveformWnd::MoveSamplesTo(int position) {
+    const auto row =
+        static_cast<std::int64_t>(static_cast<double>(RowCount()) * position / scrollRange);
+    ScrollToSample(document_->RowToSample(row, isZoom_));
+}
+
+void CWaveformWnd::SetZoom(int zoom) {
+    zoom_ = zoom;
+    RenderWaves();
+}
+
+// Along the signals.
+
+int CWaveformWnd::BandsRoom() const {
+    return std::max(height() - waveFirstBand, 0);
+}
+
+BarState CWaveformWnd::SignalBar() const {
+    if (list_ == nullptr) {
+        return {};
+    }
+    const std::vector<int> heights = BandHeights(*list_);
+    const int limit = std::max(BandsHeight(heights) - BandsRoom(), 0);
+    return {limit, BandsRoom(), PositionOf(heights, top_), limit > 0};
+}
+
+void CWaveformWnd::SetTop(const BandPlace& top) {
+    if (top != top_) {
+        top_ = top;
+        Render(true);
+    }
+}
+
+void CWaveformWnd::StepSignals(bool forward) {
+    SetTop(StepBands(BandHeights(*list_), top_, forward, BandsRoom()));
+}
+
+void CWaveformWnd::PageSignals(bool forward) {
+    SetTop(PageBands(BandHeights(*list_), top_, forward, BandsRoom()));
+}
+
+void CWaveformWnd::MoveSignalsTo(int position) {
+    SetTop(PlaceOf(BandHeights(*list_), position, BandsRoom()));
+}
+
+// Drawing.
+
+WaveFrame CWaveformWnd::Frame() {
+    return {*document_, *list_,   isZoom_,    SignalTables::Current().Board(),
+            colors_,    size(),   nameWidth_, valueWidth_,
+            zoom_,      place_,   top_,       bodyFont_,
+            titleFont_, nameFont_};
+}
+
+void CWaveformWnd::Render(bool blit) {
+    if (document_ == nullptr || bitmap_.isNull()) {
+        return;
+    }
+    colors_ = LoadDisplayColors(settings_, waveformDisplay);
+    firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
+    QPainter painter(&bitmap_);
+    Want(DrawWaveFrame(painter, Frame()));
+    if (blit) {
+        update();
+    }
+}
+
+void CWaveformWnd::RenderWaves() {
+    if (document_ == nullptr || bitmap_.isNull()) {
+        return;
+    }
+    firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
+    QPainter painter(&bitmap_);
+    Want(DrawWaves(painter, Frame()));
+    const int left = nameWidth_ + valueWidth_ + 1;
+    update(left, 0, width() - left, height());
+}
+
+void CWaveformWnd::RenderNames() {
+    QPainter painter(&bitmap_);
+    DrawWaveNames(painter, Frame());
+    update(0, 0, nameWidth_, height());
+}
+
+void CWaveformWnd::RenderMarkers() {
+    if (document_ == nullptr || bitmap_.isNull()) {
+        return;
+    }
+    RenderWaves();
+    QPainter painter(&bitmap_);
+    DrawWaveValues(painter, Frame());
+    update(nameWidth_, 0, valueWidth_, height());
+}
+
+void CWaveformWnd::Want(std::optional<std::int64_t> sample) {
+    // Power Zoom samples come before all others in any case.
+    if (sample && !isZoom_ && document_->GetStore().IsUploading()) {
+        document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*sample));
+    }
+}
+
+void CWaveformWnd::paintEvent(QPaintEvent* /*event*/) {
+    if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
+        MakeBitmap(); // the window has come to another screen
+    } else if (LoadDisplayColors(settings_, waveformDisplay) != colors_) {
+        Render(false);
+    }
+    QPainter painter(this);
+    painter.drawPixmap(0, 0, bitmap_);
+}
+
+void CWaveformWnd::resizeEvent(QResizeEvent* /*event*/) {
+    MakeBitmap();
+}
+
+void CWaveformWnd::MakeBitmap() {
+    const qreal ratio = devicePixelRatioF();
+    bitmap_ = QPixmap(size() * ratio);
+    bitmap_.setDevicePixelRatio(ratio);
+    bitmap_.fill(ColorOf(colors_.background));
+    Render(false);
+}
+
+// The mouse.
+
+CWaveformWnd::Resizing CWaveformWnd::EdgeAt(int x) const {
+    if (std::abs(x - nameWidth_) <= edgeReach) {
+        return Resizing::Name;
+    }
+    const int edge = nameWidth_ + valueWidth_;
+    return x >= edge - valueEdgeReach && x <= edge ? Resizing::Value : Resizing::Nothing;
+}
+
+/// A change that would leave the waves no room is refused.
+void CWaveformWnd::ResizeColumn(int x) {
+    const bool isName = resizing_ == Resizing::Name;
+    int& column = isName ? nameWidth_ : valueWidth_;
+    const int wanted = std::max(x - (isName ? 0 : nameWidth_), smallestColumn_);
+    const int others = isName ? valueWidth_ : nameWidth_;
+    if (wanted != column && width() - others - wanted > smallestColumn_) {
+        column = wanted;
+        Render(true);
+        emit LayoutChanged();
+    }
+}
+
+/// Whether a place is among the names; then the header control knows where the bands are.
+bool CWaveformWnd::AimAtBands(const QPoint& place) {
+    if (place.x() >= nameWidth_ || place.y() < waveFirstBand || top_.signal < 0) {
+        return false;
+    }
+    const std::vector<int> heights = BandHeights(*list_);
+    const auto above = std::min(static_cast<std::size_t>(top_.signal), heights.size());
+    header_.offset = BandsHeight(std::span(heights).first(above)) + top_.offset;
+    return true;
+}
+
+void CWaveformWnd::Show(HeaderControl::Redraw redraw) {
+    if (redraw == HeaderControl::Redraw::All) {
+        Render(true);
+        emit LayoutChanged();
+    } else if (redraw == HeaderControl::Redraw::Header) {
+        RenderNames();
+    }
+}
+
+void CWaveformWnd::mousePressEvent(QMouseEvent* event) {
+    const bool left = event->button() == Qt::LeftButton;
+    if (document_ == nullptr || (!left && event->button() != Qt::RightButton)) {
+        return;
+    }
+    const QPoint place = event->pos();
+    const bool inNames = AimAtBands(place);
+    if (left && EdgeAt(place.x()) != Resizing::Nothing) {
+        resizing_ = EdgeAt(place.x());
+    } else if (inNames) {
+        Show(left ? header_.Press(place.y(), event->modifiers())
+                  : header_.SelectForMenu(place.y()));
+    } else if (place.x() > nameWidth_ + valueWidth_) {
+        SetMarkerAt(place.x(), left ? 1 : 2);
+    }
+    ShowCursor(place);
+}
+
+/// Sets a marker on the sample at a place, or clears it where it stands already.
+void CWaveformWnd::SetMarkerAt(int x, int which) {
+    const WaveScale scale{zoom_, place_.subPixel, nameWidth_ + valueWidth_ + 1, width()};
+    const std::int64_t row = place_.row + scale.RowAt(x - nameWidth_ - valueWidth_);
+    std::int64_t sample = document_->RowToSample(row, isZoom_);
+    if (scale.Skipped() > 0 && sample == firstSample_) {
+        sample = document_->RowToSample(row + 1, isZoom_); // the first begins out of sight
+    }
+    if (sample < 0) {
+        return;
+    }
+    const std::int64_t index = document_->Marker(which, isZoom_) == sample ? -1 : sample;
+    if (isZoom_) {
+        document_->SetZoomMarker(which, index);
+    } else {
+        document_->SetMarker(which, index);
+    }
+}
+
+void CWaveformWnd::ShowCursor(const QPoint& place) {
+    if (resizing_ != Resizing::Nothing) {
+        setCursor(Qt::SizeHorCursor);
+    } else if (header_.IsActive()) {
+        setCursor(header_.CursorAt(place.y()));
+    } else if (EdgeAt(place.x()) != Resizing::Nothing) {
+        setCursor(Qt::SizeHorCursor);
+    } else if (AimAtBands(place)) {
+        setCursor(header_.CursorAt(place.y()));
+    } else {
+        setCursor(Qt::ArrowCursor);
+    }
+}
+
+void CWaveformWnd::mouseMoveEvent(QMouseEvent* event) {
+    if (document_ == nullptr) {
+        return;
+    }
+    if (resizing_ != Resizing::Nothing) {
+        ResizeColumn(event->pos().x());
+    } else {
+        Show(header_.Move(event->pos().y()));
+    }
+    ShowCursor(event->pos());
+}
+
+void CWaveformWnd::mouseReleaseEvent(QMouseEvent* event) {
+    const QPoint place = event->pos();
+    if (document_ == nullptr) {
+        return;
+    }
+    if (event->button() == Qt::LeftButton) {
+        resizing_ = Resizing::Nothing;
+        Show(header_.Release(place.y()));
+        setCursor(Qt::ArrowCursor);
+    } else if (event->button() == Qt::RightButton && AimAtBands(place)) {
+        const HeaderControl::Hit hit = header_.HitColumn(place.y());
+        if (hit.signal != nullptr && prompts_ != nullptr) {
+            ShowSignalMenu(*this, event->globalPosition().toPoint(), *hit.signal, *this, *prompts_);
+        }
+    }
+}
+
+std::uint32_t CWaveformWnd::OfferMode() const {
+    return ModeState;
+}
+
+std::uint32_t CWaveformWnd::SampleRoom() const {
+    return static_cast<std::uint32_t>(document_->SampleCount(isZoom_));
+}
+
+void CWaveformWnd::SignalAdded(CSignal& signal) {
+    document_->LoadSignal(*list_, signal, isZoom_);
+}
+
+void CWaveformWnd::SignalsChanged() {
+    document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
+    emit LayoutChanged();
+}
+
+} // namespace busquill
