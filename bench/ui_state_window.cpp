@@ -1,5 +1,5 @@
-#include "support/trace_fixture_qt.h"
 #include "ui/display/state_window.h"
+#include "ui_fixture.h"
 
 #include <QtTest/QTest>
 #include <benchmark/benchmark.h>
@@ -10,26 +10,15 @@ namespace busquill::test {
 namespace {
 
 /// A listing of `samples` samples at 1600 x 1000.
-class Listing : public TraceFixture {
+class Listing : public LongCapture {
 public:
-    explicit Listing(int samples) {
-        document = std::make_unique<CTesselDoc>(context, prompts);
-        static_cast<void>(document->store.AllocateForFile(0, samples - 1));
-        for (int i = 0; i < samples; ++i) {
-            SampleRecord record;
-            for (std::size_t byte = 0; byte < record.bytes.size(); ++byte) {
-                record.bytes[byte] = static_cast<std::uint8_t>(i * 31 + byte * 17);
-            }
-            document->store.PutSample(static_cast<std::uint32_t>(i), record);
-        }
+    explicit Listing(int samples) : LongCapture(samples) {
         document->stateList.BuildFromTables(0, ModeState);
-        document->stateList.ResizeSamples(static_cast<std::uint32_t>(samples));
-        document->stateList.LoadSamples(0, document->store.GetData(false));
+        Load(document->stateList);
         document->RebuildMapsFromFile();
         view = MakeView(true, false, {1600, 1000});
         window = view->findChild<CStateWnd*>();
     }
-    void TestBody() override {}
 
     /// Puts a column with the time since the trigger before all others.
     void ShowAccumulatedTime() {
@@ -51,14 +40,25 @@ public:
     CStateWnd* window = nullptr;
 };
 
-/// Made once for all their benchmarks, gone before the application.
-std::map<int, std::unique_ptr<Listing>> listings;
-std::unique_ptr<Listing> accumulating;
-
 Listing& ListingOf(std::int64_t samples) {
-    auto& listing = listings[static_cast<int>(samples)];
+    static std::map<std::int64_t, std::weak_ptr<Listing>> made;
+    auto listing = made[samples].lock();
     if (!listing) {
-        listing = std::make_unique<Listing>(static_cast<int>(samples));
+        listing = std::make_shared<Listing>(static_cast<int>(samples));
+        made[samples] = listing;
+        keptUntilTheEnd.push_back(listing);
+    }
+    return *listing;
+}
+
+Listing& AccumulatingListing() {
+    static std::weak_ptr<Listing> made;
+    auto listing = made.lock();
+    if (!listing) {
+        listing = std::make_shared<Listing>(10'000'000);
+        listing->ShowAccumulatedTime();
+        made = listing;
+        keptUntilTheEnd.push_back(listing);
     }
     return *listing;
 }
@@ -94,13 +94,10 @@ BENCHMARK(StepByKey)
 /// A frame with a column of times since the trigger, which is at the start: the first frame at
 /// a place walks there, the others go on from kept sums.
 void FrameWithAccumulatedTime(benchmark::State& state) {
-    if (!accumulating) {
-        accumulating = std::make_unique<Listing>(10'000'000);
-        accumulating->ShowAccumulatedTime();
-    }
-    accumulating->view->ScrollToSample(state.range(0) * 100'000);
+    Listing& listing = AccumulatingListing();
+    listing.view->ScrollToSample(state.range(0) * 100'000);
     for (auto _ : state) {
-        accumulating->window->Render(false);
+        listing.window->Render(false);
     }
 }
 BENCHMARK(FrameWithAccumulatedTime)
@@ -112,16 +109,3 @@ BENCHMARK(FrameWithAccumulatedTime)
 
 } // namespace
 } // namespace busquill::test
-
-int main(int argc, char** argv) {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    }
-    const QApplication app(argc, argv);
-    testing::InitGoogleTest();
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    busquill::test::listings.clear();
-    busquill::test::accumulating.reset();
-    return 0;
-}

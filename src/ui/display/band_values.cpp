@@ -49,10 +49,23 @@ std::optional<std::int64_t> BandSamples::FirstMissing() const {
     return std::nullopt;
 }
 
+std::span<const std::uint16_t> BandSamples::Surroundings() const {
+    if (surroundings_.empty()) {
+        surroundings_.reserve(static_cast<std::size_t>(count));
+        for (std::int64_t k = 0; k < count; ++k) {
+            const auto record = document.GetSample(SampleOf(k), isZoom);
+            surroundings_.push_back(record ? SurroundingsOf(*record) : std::uint16_t{0});
+        }
+    }
+    return surroundings_;
+}
+
 BandValues::Kind BandValues::KindOf(const CSignal& signal) {
     if (signal.decoded) {
         switch (signal.decoded->decodeKind) {
         case DecodeKind::Label:
+        case DecodeKind::Delta:
+        case DecodeKind::Accum:
             return Kind::Label;
         case DecodeKind::Sample:
             return Kind::Each;
@@ -77,24 +90,52 @@ bool BandValues::Changes(std::int64_t k) const {
         return !SameBytes(signal_, sample, before);
     case Kind::Label:
         return !SameLabel(signal_, sample, before);
-    case Kind::Text:
-        return !SameLabel(signal_, sample, before) || !SameBytes(signal_, sample, before) ||
+    case Kind::Text: {
+        if (!SameLabel(signal_, sample, before) || !SameBytes(signal_, sample, before)) {
+            return true;
+        }
+        const auto surroundings = samples_.Surroundings();
+        const auto at = static_cast<std::size_t>(k);
+        return surroundings[at] != surroundings[at - 1] &&
                BandText(samples_, board_, signal_, static_cast<std::int64_t>(sample)) !=
                    BandText(samples_, board_, signal_, static_cast<std::int64_t>(before));
+    }
     default:
         return true;
     }
 }
 
+std::optional<std::int64_t> BandValues::NextCandidate(std::int64_t k) const {
+    if (!contiguous_ || kind_ == Kind::Each || samples_.count == 0) {
+        return std::nullopt;
+    }
+    const auto first = static_cast<std::size_t>(samples_.SampleOf(0));
+    const std::size_t from = first + static_cast<std::size_t>(k);
+    const std::size_t end = first + static_cast<std::size_t>(samples_.count);
+    std::size_t next = end;
+    if (kind_ == Kind::Bit) {
+        next = NextBitChange(signal_.data, from, end);
+    }
+    if (kind_ == Kind::Bytes || kind_ == Kind::Text) {
+        next = NextRowChange(signal_.groupData, signal_.RowBytes(), from, end);
+    }
+    if (kind_ == Kind::Label || kind_ == Kind::Text) {
+        next = NextRowChange(signal_.labelTable, 1, from, next);
+    }
+    if (kind_ == Kind::Text) {
+        const auto bytes = std::as_bytes(samples_.Surroundings());
+        const std::span around(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+        next = first + NextRowChange(around, sizeof(std::uint16_t), from - first, next - first);
+    }
+    return static_cast<std::int64_t>(next - first);
+}
+
 std::int64_t BandValues::NextChange(std::int64_t k) const {
-    if (contiguous_ && samples_.count > 0 && (kind_ == Kind::Bit || kind_ == Kind::Bytes)) {
-        const std::int64_t first = samples_.SampleOf(0);
-        const auto from = static_cast<std::size_t>(first + k);
-        const auto end = static_cast<std::size_t>(first + samples_.count);
-        const std::size_t next =
-            kind_ == Kind::Bit ? NextBitChange(signal_.data, from, end)
-                               : NextRowChange(signal_.groupData, signal_.RowBytes(), from, end);
-        return static_cast<std::int64_t>(next) - first;
+    while (const auto candidate = NextCandidate(k)) {
+        if (*candidate >= samples_.count || Changes(*candidate)) {
+            return *candidate;
+        }
+        k = *candidate;
     }
     for (++k; k < samples_.count; ++k) {
         if (Changes(k)) {
@@ -125,8 +166,14 @@ std::string BandText(const BandSamples& samples, const BoardTraits& board, const
                            : FormatValue(row, signal.groupWidth, signal.radix, {}, samples.isZoom);
     }
     const char* const label = signal.Label(index);
-    if (signal.decoded->decodeKind == DecodeKind::Label) {
+    switch (signal.decoded->decodeKind) {
+    case DecodeKind::Label:
         return label == nullptr ? "" : label;
+    case DecodeKind::Delta:
+    case DecodeKind::Accum:
+        return {}; // only the listing computes these; what they hold is no value
+    default:
+        break;
     }
     const auto record = samples.document.GetSample(sample, samples.isZoom);
     return !record ? ""

@@ -5,7 +5,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace busquill {
 
@@ -13,11 +15,15 @@ class CSignal;
 class CTesselDoc;
 
 /// The samples of a frame, from the one at the left edge: those of `count` rows.
-struct BandSamples {
+class BandSamples {
+public:
+    BandSamples(CTesselDoc& ofDocument, bool zoom, std::int64_t row, std::int64_t howMany)
+        : document(ofDocument), isZoom(zoom), firstRow(row), count(howMany) {}
+
     CTesselDoc& document;
-    bool isZoom = false;
-    std::int64_t firstRow = 0;
-    std::int64_t count = 0;
+    const bool isZoom;
+    const std::int64_t firstRow;
+    const std::int64_t count;
 
     [[nodiscard]] std::int64_t SampleOf(std::int64_t k) const;
     [[nodiscard]] std::int64_t RowCount() const;
@@ -25,6 +31,11 @@ struct BandSamples {
     [[nodiscard]] bool AreContiguous() const;
     /// The first that has not come yet.
     [[nodiscard]] std::optional<std::int64_t> FirstMissing() const;
+    /// What decoded values tell of besides their own bits, for each sample.
+    [[nodiscard]] std::span<const std::uint16_t> Surroundings() const;
+
+private:
+    mutable std::vector<std::uint16_t> surroundings_; // made when first asked for
 };
 
 /// What changes from sample to sample, and where. Samples count from the left edge. Both outlive
@@ -55,6 +66,9 @@ public:
 private:
     /// Whether a sample differs from its predecessor.
     [[nodiscard]] bool Changes(std::int64_t k) const;
+    /// The first sample behind `k` that may differ from its predecessor, a word at a time; nothing
+    /// where that cannot be told.
+    [[nodiscard]] std::optional<std::int64_t> NextCandidate(std::int64_t k) const;
 
     const BandSamples& samples_;
     const BoardTraits& board_;

@@ -74,9 +74,7 @@ std::int64_t CStateWnd::RowCount() const {
 }
 
 std::int64_t CStateWnd::SampleOfRow(std::int64_t row) const {
-    return document_ == nullptr
-               ? 0
-               : document_->RowToSample(std::min(row, RowCount() - 1), zoom_);
+    return document_ == nullptr ? 0 : document_->RowToSample(std::min(row, RowCount() - 1), zoom_);
 }
 
 std::int64_t CStateWnd::LastSample() const {

@@ -91,7 +91,7 @@ public:
     WaveDrawing(QPainter& painter, const WaveFrame& frame)
         : painter_(painter), frame_(frame), scale_(frame.Scale()),
           bands_(VisibleBands(BandHeights(frame.list), frame.top, frame.size.height())),
-          samples_{frame.document, frame.isZoom, frame.place.row, frame.DrawnSamples()},
+          samples_(frame.document, frame.isZoom, frame.place.row, frame.DrawnSamples()),
           bodyHeight_(QFontMetrics(frame.bodyFont).height()) {}
 
     void DrawTitles() {
@@ -242,7 +242,7 @@ private:
             const int level = levelOf(k);
             k = values.NextChange(k);
             const int next = scale_.XOf(k);
-            if (next - x > 1 || k >= samples_.count) {
+            if (next - x > 1 || x == scale_.left || k >= samples_.count) { // else edges touch
                 strokes_.Add(x, level, next - x + (k < samples_.count ? 1 : 0), 1);
             }
             if (k >= samples_.count) {

@@ -61,9 +61,8 @@ std::int64_t CWaveformWnd::VisibleSampleCount() const {
 
 /// The sample of a row, or of the last row where there are fewer.
 std::int64_t CWaveformWnd::SampleOfRow(std::int64_t row) const {
-    return document_ == nullptr
-               ? 0
-               : document_->RowToSample(std::min(row, RowCount() - 1), isZoom_);
+    return document_ == nullptr ? 0
+                                : document_->RowToSample(std::min(row, RowCount() - 1), isZoom_);
 }
 
 std::int64_t CWaveformWnd::LastSample() const {

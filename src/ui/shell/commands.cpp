@@ -105,8 +105,8 @@ constexpr Command commands[] = {
     {CommandId::ViewToolbar,          "&View",                   "&Toolbar",              "Show or hide the tool bar", "", "", Always},
     {CommandId::ViewStatusBar,        "&View",                   "&Status Bar",           "Show or hide the status bar", "", "", Always},
     {CommandId::None,                 "&View",                   "", "", "", "", Never},
-    {CommandId::ZoomIn,               "&View",                   "Zoom &In",              "Show fewer samples", "zoom-in", "", NotYet},
-    {CommandId::ZoomOut,              "&View",                   "Zoom &Out",             "Show more samples", "zoom-out", "", NotYet},
+    {CommandId::ZoomIn,               "&View",                   "Zoom &In",              "Show fewer samples", "zoom-in", "Ctrl++", [](State s) { return s.canZoomIn; }},
+    {CommandId::ZoomOut,              "&View",                   "Zoom &Out",             "Show more samples", "zoom-out", "Ctrl+-", [](State s) { return s.canZoomOut; }},
     {CommandId::ZoomToFit,            "&View",                   "Zoom to Fit",           "Show all samples", "", "", Never},
 
     {CommandId::GoToTrigger,          "&Search>&Go to",          "&Trigger",              "Go to the trigger", "go-trigger", "Ctrl+T", CanGoTo<0>},

@@ -11,6 +11,7 @@
 #include "ui/shell/tessel_app.h"
 #include "ui/signals/define_signal_dialog.h"
 
+#include <QAbstractEventDispatcher>
 #include <QAction>
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -48,6 +49,11 @@ CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
     return dynamic_cast<CMDIChildWnd*>(area.activeSubWindow());
 }
 
+CTraceView* ActiveTraceView(const QMdiArea& area) {
+    const CMDIChildWnd* frame = ActiveFrame(area);
+    return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
+}
+
 } // namespace
 
 CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread)
@@ -67,6 +73,9 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread
     MakeToolbar();
     MakeStatusBar();
     connect(area_, &QMdiArea::subWindowActivated, this, [this] { RefreshCommands(); });
+    // Whatever has happened, buttons and shortcuts follow it before the next event.
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            [this] { RefreshCommands(); });
     auto* timer = new WindowTimer(this, mainThread, [this] { OnTimer(); });
     timer->start(timerPeriod);
 }
@@ -198,6 +207,8 @@ CommandState CMainFrame::State() const {
         if (const auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
             state.traceActive = true;
             state.canSave = view->Trace().IsRealTime();
+            state.canZoomIn = view->CanZoom(true);
+            state.canZoomOut = view->CanZoom(false);
             for (int i = 0; i < 5; ++i) {
                 state.canGoTo[static_cast<std::size_t>(i)] =
                     view->CanGoTo(static_cast<GoToTarget>(i));
@@ -254,11 +265,15 @@ void CMainFrame::Run(CommandId id) {
     case CommandId::GoToMarker2:
     case CommandId::GoToStart:
     case CommandId::GoToEnd:
-        if (const CMDIChildWnd* frame = ActiveFrame(*area_)) {
-            if (auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
-                view->GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
-                                                   static_cast<int>(CommandId::GoToTrigger)));
-            }
+        if (CTraceView* view = ActiveTraceView(*area_)) {
+            view->GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
+                                               static_cast<int>(CommandId::GoToTrigger)));
+        }
+        break;
+    case CommandId::ZoomIn:
+    case CommandId::ZoomOut:
+        if (CTraceView* view = ActiveTraceView(*area_)) {
+            view->Zoom(id == CommandId::ZoomIn);
         }
         break;
     case CommandId::ViewToolbar:

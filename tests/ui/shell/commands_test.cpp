@@ -94,6 +94,19 @@ TEST(Commands, GoToNeedsATraceAndItsTarget) {
     }
 }
 
+TEST(Commands, ZoomGoesAsFarAsTheWaveformsDo) {
+    CommandState state = On("PCIKite-1");
+    state.traceActive = true;
+    EXPECT_FALSE(Enabled(CommandId::ZoomIn, state) || Enabled(CommandId::ZoomOut, state));
+    state.canZoomIn = true;
+    EXPECT_TRUE(Enabled(CommandId::ZoomIn, state));
+    EXPECT_FALSE(Enabled(CommandId::ZoomOut, state));
+    state = On("PCIKite-1");
+    state.canZoomOut = true;
+    EXPECT_FALSE(Enabled(CommandId::ZoomIn, state));
+    EXPECT_TRUE(Enabled(CommandId::ZoomOut, state));
+}
+
 TEST(Commands, UtilitiesThatExistAreAlwaysThere) {
     const CommandState state;
     EXPECT_TRUE(Enabled(CommandId::BusConfiguration, state));
