@@ -1,11 +1,15 @@
 #include "support/program_fixture_qt.h"
+#include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
+#include "ui/display/wave_window.h"
 #include "ui/shell/child_frame.h"
 #include "ui/shell/help_window.h"
 
+#include <QEventLoop>
 #include <QLabel>
 #include <QStatusBar>
 #include <QTextBrowser>
+#include <QTimer>
 #include <QToolBar>
 #include <QtTest/QTest>
 
@@ -202,6 +206,39 @@ TEST_F(InDemoMode, SwitchedDisplayKeepsTheCentreSample) {
     EXPECT_FALSE(Active().IsStateFrame());
     EXPECT_EQ(Active().TraceView().CenterSample(), center);
     EXPECT_EQ(Trace().Views().size(), 1U);
+}
+
+TEST_F(InDemoMode, ZoomChangesTheScaleOfWaveforms) {
+    Choose("File/New/Capture/State");
+    EXPECT_FALSE(Entry("View/Zoom In").isEnabled());
+    EXPECT_FALSE(Entry("View/Zoom Out").isEnabled());
+    Choose("File/New/Capture/Waveform");
+    auto& waves = *Active().TraceView().findChild<CWaveformWnd*>();
+    Choose("View/Zoom In");
+    EXPECT_EQ(waves.Zoom(), 25);
+    Choose("View/Zoom Out");
+    Choose("View/Zoom Out");
+    EXPECT_EQ(waves.Zoom(), 15);
+    waves.SetZoom(400);
+    EXPECT_FALSE(Entry("View/Zoom In").isEnabled());
+    EXPECT_TRUE(Entry("View/Zoom Out").isEnabled());
+    EXPECT_FALSE(Entry("View/Zoom to Fit").isEnabled());
+}
+
+TEST_F(InDemoMode, CommandsFollowWhateverHappens) {
+    Choose("File/New/Capture/State");
+    const auto* go = Frame().findChild<QToolBar*>()->actions().value(0);
+    for (const QAction* action : Frame().findChild<QToolBar*>()->actions()) {
+        go = action->text() == "Marker &1" ? action : go;
+    }
+    ASSERT_EQ(go->text(), "Marker &1");
+    EXPECT_FALSE(go->isEnabled());
+    auto& listing = *Active().TraceView().findChild<CStateWnd*>();
+    QTest::mouseClick(&listing, Qt::LeftButton, {}, {100, 60});
+    QEventLoop loop;
+    QTimer::singleShot(10, &loop, &QEventLoop::quit);
+    loop.exec();
+    EXPECT_TRUE(go->isEnabled());
 }
 
 TEST_F(InDemoMode, GoToMovesTheView) {

@@ -1,0 +1,632 @@
+#include "support/trace_fixture_qt.h"
+#include "ui/display/wave_window.h"
+#include "ui/framework/painting.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QPaintEvent>
+#include <QStyle>
+#include <QStyleOptionSlider>
+#include <QTimer>
+#include <QWheelEvent>
+#include <QtTest/QTest>
+#include <QtTest/qtestspontaneevent.h>
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+/// A view of waveforms over samples whose data lines count.
+class Waveforms : public TraceFixture {
+protected:
+    void Open(int first = -500, int last = 499, bool isZoom = false, QSize size = {800, 400}) {
+        Load(first, last);
+        for (const CSignalList* list : {&document->waveformList, &document->zoomList}) {
+            for (const auto& signal : list->All()) {
+                signal->height = 20;
+            }
+        }
+        view = std::make_unique<CTraceView>(nullptr, false, isZoom,
+                                            TraceViewParts{settings, nullptr, nullptr, &prompts});
+        view->SetFrame(&frame);
+        view->AttachDocument(document.get());
+        view->resize(size);
+        view->show();
+        view->OnInitialUpdate();
+        QApplication::processEvents();
+        window = view->findChild<CWaveformWnd*>();
+    }
+    QScrollBar& SampleBar() { return *view->findChildren<QScrollBar*>()[1]; }
+    QScrollBar& SignalBar() { return *view->findChildren<QScrollBar*>()[0]; }
+    QScrollBar& ZoomBar() { return *view->findChildren<QScrollBar*>()[2]; }
+    [[nodiscard]] int WaveLeft() const { return window->NameWidth() + window->ValueWidth() + 1; }
+    void Key(Qt::Key key) { QTest::keyClick(view.get(), key); }
+    void Wheel(int delta) {
+        const QPointF at(300, 100);
+        QWheelEvent event(at, view->mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(window, &event);
+    }
+    void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton,
+               Qt::KeyboardModifiers keys = Qt::NoModifier) {
+        QTest::mouseClick(window, button, keys, place);
+    }
+    void Drag(QPoint from, QPoint to) {
+        QTest::mousePress(window, Qt::LeftButton, {}, from);
+        QTest::mouseMove(window, to);
+        QTest::mouseRelease(window, Qt::LeftButton, {}, to);
+    }
+    /// A place in the waves, a number of pixels right of their left edge.
+    [[nodiscard]] QPoint Wave(int d) const {
+        return {window->NameWidth() + window->ValueWidth() + d, 100};
+    }
+    /// The middle of the nth band's name, and the end of the band.
+    QPoint Name(int n) { return {30, BandTop(n) + Band(n).height / 2}; }
+    QPoint BandEnd(int n) { return {30, BandTop(n) + Band(n).height}; }
+    CSignal& Band(int n) {
+        for (const auto& signal : document->waveformList.All()) {
+            if (signal->VisibleHeight() > 0 && n-- == 0) {
+                return *signal;
+            }
+        }
+        throw std::runtime_error("no such band");
+    }
+    int BandTop(int n) {
+        int y = 18;
+        for (int i = 0; i < n; ++i) {
+            y += Band(i).height + 1;
+        }
+        return y;
+    }
+    [[nodiscard]] QImage Picture() { return window->grab().toImage(); }
+    /// The part of the window that is painted when something is done.
+    QRect Painted(const std::function<void()>& act) {
+        struct Watch : QObject {
+            QRegion painted;
+            bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+                if (event->type() == QEvent::Paint) {
+                    painted |= static_cast<QPaintEvent*>(event)->region();
+                }
+                return false;
+            }
+        } watch;
+        QApplication::processEvents();
+        window->installEventFilter(&watch);
+        act();
+        QApplication::processEvents();
+        return watch.painted.boundingRect();
+    }
+
+    RecordingFrame frame;
+    std::unique_ptr<CTraceView> view;
+    CWaveformWnd* window = nullptr;
+};
+
+// Along the samples.
+
+TEST_F(Waveforms, BeginWithTheTriggerInTheMiddleAtTwentyPixelsASample) {
+    Open();
+    EXPECT_EQ(window->Zoom(), 20);
+    EXPECT_EQ(ZoomBar().value(), 20);
+    EXPECT_EQ(view->CenterSample(), 500);
+    EXPECT_EQ(window->NameWidth(), 75);
+    EXPECT_EQ(window->ValueWidth(), 50);
+    EXPECT_EQ(window->VisibleSampleCount(), (window->width() - 125) / 20);
+}
+
+TEST_F(Waveforms, ArrowKeysAndTheWheelMoveFourPixels) {
+    Open();
+    const std::int64_t row = window->Place().row;
+    Key(Qt::Key_Right);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 4}));
+    Key(Qt::Key_Left);
+    Key(Qt::Key_Left);
+    EXPECT_EQ(window->Place(), (WavePlace{row - 1, 16}));
+    Wheel(-120);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 0}));
+    Wheel(120);
+    EXPECT_EQ(window->Place(), (WavePlace{row - 1, 16}));
+    EXPECT_EQ(view->TopSample(), row - 1);
+    const auto place = window->Place();
+    Key(Qt::Key_Up);
+    Key(Qt::Key_Down);
+    EXPECT_EQ(window->Place(), place) << "those are for listings";
+}
+
+TEST_F(Waveforms, PageKeysMoveAWindow) {
+    Open();
+    const std::int64_t row = window->Place().row;
+    const std::int64_t visible = window->VisibleSampleCount();
+    Key(Qt::Key_Right);
+    Key(Qt::Key_PageDown);
+    EXPECT_EQ(window->Place(), (WavePlace{row + visible, 0}));
+    Key(Qt::Key_PageUp);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 0}));
+    for (int i = 0; i < 40; ++i) {
+        Key(Qt::Key_PageDown);
+    }
+    EXPECT_EQ(window->Place().row, 1000 - visible);
+    Key(Qt::Key_Right);
+    EXPECT_EQ(window->Place().row, 1000 - visible) << "a step that would show less is not taken";
+    for (int i = 0; i < 40; ++i) {
+        Key(Qt::Key_PageUp);
+    }
+    EXPECT_EQ(window->Place().row, 0);
+}
+
+TEST_F(Waveforms, ABackwardStepAtANegativeZoomShowsAtTheNextRedraw) {
+    Open(-5000, 4999);
+    window->SetZoom(-3);
+    document->SetMarker(1, 400);
+    view->ScrollToSample(300);
+    const QImage before = Picture();
+    Key(Qt::Key_Left);
+    EXPECT_EQ(window->Place().row, 300 - 4 * 3);
+    EXPECT_EQ(view->TopSample(), 300);
+    EXPECT_EQ(Picture(), before);
+    window->Render(true);
+    EXPECT_EQ(view->TopSample(), 288);
+    EXPECT_NE(Picture(), before);
+    Key(Qt::Key_Right);
+    EXPECT_EQ(view->TopSample(), 300) << "forward at once";
+}
+
+TEST_F(Waveforms, TheBarStepsPagesAndDrags) {
+    Open();
+    EXPECT_TRUE(SampleBar().isEnabled());
+    EXPECT_EQ(SampleBar().value(), window->Place().row * 10);
+    EXPECT_GE(SampleBar().pageStep(), 250);
+    const std::int64_t row = window->Place().row;
+    SampleBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 4}));
+    SampleBar().triggerAction(QAbstractSlider::SliderPageStepSub);
+    EXPECT_EQ(window->Place(), (WavePlace{row - window->VisibleSampleCount(), 0}));
+    SampleBar().setSliderPosition(1234);
+    EXPECT_EQ(view->TopSample(), 123);
+    SampleBar().triggerAction(QAbstractSlider::SliderToMaximum);
+    EXPECT_EQ(view->TopSample(), 1000 - window->VisibleSampleCount()) << "the end can be reached";
+    SampleBar().triggerAction(QAbstractSlider::SliderToMinimum);
+    EXPECT_EQ(view->TopSample(), 0);
+}
+
+TEST_F(Waveforms, FewSamplesLeaveTheBarDisabled) {
+    Open(-5, 4);
+    EXPECT_FALSE(SampleBar().isEnabled());
+    EXPECT_EQ(view->TopSample(), 0);
+    EXPECT_EQ(window->LastSample(), 9);
+    EXPECT_EQ(frame.gauge.State().windowLast, 9);
+}
+
+TEST_F(Waveforms, AnEmptyCaptureTakesEveryKey) {
+    document = std::make_unique<CTesselDoc>(context, prompts);
+    ASSERT_TRUE(document->OnNewDocument());
+    auto empty = MakeView(false);
+    for (const auto key : {Qt::Key_Left, Qt::Key_Right, Qt::Key_PageUp, Qt::Key_PageDown}) {
+        QTest::keyClick(empty.get(), key);
+    }
+    auto* waves = empty->findChild<CWaveformWnd*>();
+    QTest::mouseClick(waves, Qt::LeftButton, {}, {300, 100});
+    EXPECT_EQ(document->Marker(1, false), -1);
+    EXPECT_EQ(empty->TopSample(), 0);
+}
+
+TEST_F(Waveforms, MoveWithTheListingOfTheSameCapture) {
+    Open();
+    auto listing = MakeView();
+    Key(Qt::Key_PageDown);
+    EXPECT_EQ(listing->TopSample(), view->TopSample());
+    QTest::keyClick(listing.get(), Qt::Key_Down);
+    EXPECT_EQ(listing->TopSample(), view->TopSample());
+    auto other = MakeView(false);
+    EXPECT_EQ(other->TopSample(), view->TopSample());
+}
+
+// The zoom.
+
+TEST_F(Waveforms, ZoomByItsBarAndByCommandsEachInItsWayOverZero) {
+    Open();
+    const std::int64_t first = view->TopSample();
+    const auto act = [&](QAbstractSlider::SliderAction action) {
+        ZoomBar().triggerAction(action);
+        EXPECT_EQ(ZoomBar().value(), window->Zoom());
+        EXPECT_EQ(view->TopSample(), first) << "which stays";
+        return window->Zoom();
+    };
+    EXPECT_EQ(act(QAbstractSlider::SliderSingleStepAdd), 21);
+    EXPECT_EQ(act(QAbstractSlider::SliderPageStepSub), 16);
+    window->SetZoom(1);
+    EXPECT_EQ(act(QAbstractSlider::SliderSingleStepSub), -2);
+    EXPECT_EQ(act(QAbstractSlider::SliderSingleStepAdd), -1);
+    EXPECT_EQ(act(QAbstractSlider::SliderSingleStepAdd), 1);
+    window->SetZoom(5);
+    EXPECT_EQ(act(QAbstractSlider::SliderPageStepSub), -2);
+    window->SetZoom(-5);
+    EXPECT_EQ(act(QAbstractSlider::SliderPageStepAdd), 1);
+    window->SetZoom(5);
+    view->Zoom(false);
+    EXPECT_EQ(window->Zoom(), -1);
+    EXPECT_EQ(ZoomBar().value(), -1);
+    window->SetZoom(-5);
+    view->Zoom(true);
+    EXPECT_EQ(window->Zoom(), 1);
+}
+
+TEST_F(Waveforms, ZoomEndsAtFourHundredAndAtMinusSeven) {
+    Open();
+    window->SetZoom(400);
+    EXPECT_FALSE(view->CanZoom(true));
+    EXPECT_TRUE(view->CanZoom(false));
+    ZoomBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    ZoomBar().triggerAction(QAbstractSlider::SliderPageStepAdd);
+    view->Zoom(true);
+    EXPECT_EQ(window->Zoom(), 400);
+    window->SetZoom(-7);
+    EXPECT_TRUE(view->CanZoom(true));
+    EXPECT_FALSE(view->CanZoom(false));
+    ZoomBar().triggerAction(QAbstractSlider::SliderSingleStepSub);
+    ZoomBar().triggerAction(QAbstractSlider::SliderPageStepSub);
+    view->Zoom(false);
+    EXPECT_EQ(window->Zoom(), -7);
+    EXPECT_FALSE(MakeView()->CanZoom(true)) << "a listing has none";
+    EXPECT_FALSE(MakeView()->CanZoom(false));
+}
+
+TEST_F(Waveforms, TheScaleFollowsTheThumbAndTheBarsWaitForItsEnd) {
+    Open(-500, 499, false, {1200, 400});
+    QScrollBar& bar = ZoomBar();
+    QStyleOptionSlider option;
+    option.initFrom(&bar);
+    option.minimum = bar.minimum();
+    option.maximum = bar.maximum();
+    option.sliderPosition = option.sliderValue = bar.value();
+    option.pageStep = bar.pageStep();
+    option.state |= QStyle::State_Horizontal;
+    const QPoint from =
+        bar.style()
+            ->subControlRect(QStyle::CC_ScrollBar, &option, QStyle::SC_ScrollBarSlider, &bar)
+            .center();
+    const int page = SampleBar().pageStep();
+    QTest::mousePress(&bar, Qt::LeftButton, {}, from);
+    for (const int way : {-2, -60}) {
+        const QPoint to = from + QPoint(way, 0);
+        QMouseEvent move(QEvent::MouseMove, to, bar.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                         Qt::NoModifier);
+        QApplication::sendEvent(&bar, &move);
+    }
+    EXPECT_EQ(window->Zoom(), -7);
+    EXPECT_EQ(SampleBar().pageStep(), page);
+    QTest::mouseRelease(&bar, Qt::LeftButton, {}, from + QPoint(-60, 0));
+    EXPECT_EQ(window->Zoom(), -7);
+    EXPECT_NE(SampleBar().pageStep(), page);
+    bar.setSliderPosition(0);
+    EXPECT_EQ(window->Zoom(), 1) << "there is no zoom of 0";
+}
+
+// Along the signals.
+
+TEST_F(Waveforms, TheVerticalBarMovesTheBands) {
+    Open();
+    ASSERT_TRUE(SignalBar().isEnabled());
+    EXPECT_EQ(SignalBar().pageStep(), window->height() - 18);
+    SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(window->Top(), (BandPlace{0, 1}));
+    EXPECT_EQ(SignalBar().value(), 1);
+    SignalBar().triggerAction(QAbstractSlider::SliderPageStepSub);
+    EXPECT_EQ(window->Top(), (BandPlace{-1, 0})) << "before the first, where nothing shows";
+    EXPECT_EQ(SignalBar().value(), 0);
+    SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(window->Top(), (BandPlace{0, 0}));
+    SignalBar().triggerAction(QAbstractSlider::SliderPageStepAdd);
+    EXPECT_EQ(window->Top(), (BandPlace{1, 0}));
+    SignalBar().triggerAction(QAbstractSlider::SliderToMaximum);
+    const WaveBand last =
+        VisibleBands(BandHeights(document->waveformList), window->Top(), window->height()).back();
+    EXPECT_EQ(last.top + last.height + 1, window->height()) << "the last band is at the bottom";
+}
+
+TEST_F(Waveforms, BandsThatAllFitLeaveTheBarDisabled) {
+    Open(-5, 4, false, {800, 2000});
+    EXPECT_FALSE(SignalBar().isEnabled());
+    SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(window->Top(), (BandPlace{0, 0}));
+}
+
+TEST_F(Waveforms, TheBarsLieAtTheEdges) {
+    Open();
+    const int barWidth = SignalBar().width();
+    const int barHeight = SampleBar().height();
+    EXPECT_EQ(ZoomBar().geometry(), QRect(0, 400 - barHeight, 800 * 15 / 100, barHeight));
+    EXPECT_EQ(SampleBar().geometry(), QRect(120, 400 - barHeight, 680, barHeight));
+    EXPECT_EQ(SignalBar().geometry(), QRect(800 - barWidth, 17, barWidth, 400 - barHeight - 17));
+    EXPECT_EQ(window->geometry(), QRect(0, 0, 800 - barWidth, 400 - barHeight));
+}
+
+// The mouse.
+
+TEST_F(Waveforms, ClicksSetAndClearTheMarkers) {
+    Open();
+    const std::int64_t first = view->TopSample();
+    Click(Wave(63));
+    EXPECT_EQ(document->Marker(1, false), first + 3);
+    Click(Wave(70));
+    EXPECT_EQ(document->Marker(1, false), first + 4) << "the sample that begins nearest";
+    Click(Wave(69));
+    EXPECT_EQ(document->Marker(1, false), first + 3);
+    EXPECT_EQ(document->Marker(2, false), -1);
+}
+
+TEST_F(Waveforms, AClickOnAMarkersSampleClearsIt) {
+    Open();
+    const std::int64_t first = view->TopSample();
+    Click(Wave(63));
+    Click(Wave(61));
+    EXPECT_EQ(document->Marker(1, false), -1);
+    Click(Wave(83), Qt::RightButton);
+    EXPECT_EQ(document->Marker(2, false), first + 4);
+    Click(Wave(84), Qt::RightButton);
+    EXPECT_EQ(document->Marker(2, false), -1);
+}
+
+TEST_F(Waveforms, ADoubleClickSetsAMarkerAndLeavesIt) {
+    Open();
+    Click(Wave(63));
+    QMouseEvent twice(QEvent::MouseButtonDblClick, Wave(63), window->mapToGlobal(Wave(63)),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window, &twice);
+    EXPECT_EQ(document->Marker(1, false), view->TopSample() + 3);
+}
+
+TEST_F(Waveforms, TheFirstSampleIsNotTakenWhenItBeginsOutOfSight) {
+    Open();
+    const std::int64_t first = view->TopSample();
+    Click(Wave(3));
+    EXPECT_EQ(document->Marker(1, false), first);
+    document->SetMarker(1, -1);
+    Key(Qt::Key_Right); // four pixels
+    Click(Wave(3));
+    EXPECT_EQ(document->Marker(1, false), first + 1);
+}
+
+TEST_F(Waveforms, AtANegativeZoomAPixelMeansTheSamplesThatItCounts) {
+    Open(-5000, 4999);
+    window->SetZoom(-3);
+    view->ScrollToSample(100);
+    Click(Wave(7));
+    EXPECT_EQ(document->Marker(1, false), 100 + 21);
+}
+
+TEST_F(Waveforms, BehindTheLastSampleNothingIsMarked) {
+    Open(-5, 4);
+    Click(Wave(19 * 20));
+    EXPECT_EQ(document->Marker(1, false), -1);
+    Click(Wave(9 * 20));
+    EXPECT_EQ(document->Marker(1, false), 9);
+}
+
+TEST_F(Waveforms, NamesAreSelectedDraggedAndResized) {
+    Open();
+    const std::string moved = Band(3).RowName();
+    const std::string target = Band(1).RowName();
+    Click(Name(2));
+    EXPECT_TRUE(Band(2).selected);
+    Click(Name(3), Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_TRUE(Band(2).selected && Band(3).selected);
+    QTest::mousePress(window, Qt::LeftButton, {}, Name(3));
+    QTest::mouseMove(window, Name(1));
+    EXPECT_EQ(window->cursor().shape(), Qt::ClosedHandCursor);
+    QTest::mouseRelease(window, Qt::LeftButton, {}, Name(1));
+    EXPECT_EQ(Band(1).RowName(), moved);
+    EXPECT_EQ(Band(2).RowName(), target);
+    EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
+    const int limit = SignalBar().maximum();
+    Drag(BandEnd(1), BandEnd(1) + QPoint(0, 30));
+    EXPECT_EQ(Band(1).height, 50);
+    EXPECT_EQ(SignalBar().maximum(), limit + 30);
+    Drag(BandEnd(1), BandEnd(1) - QPoint(0, 45));
+    EXPECT_EQ(Band(1).height, 20);
+    EXPECT_EQ(document->Marker(1, false), -1);
+}
+
+TEST_F(Waveforms, AClickWithAKeyBeginsNoDrag) {
+    Open();
+    const std::string name = Band(3).RowName();
+    QTest::mousePress(window, Qt::LeftButton, Qt::ControlModifier, Name(3));
+    QTest::mouseRelease(window, Qt::LeftButton, Qt::ControlModifier, Name(1));
+    EXPECT_EQ(Band(3).RowName(), name);
+}
+
+TEST_F(Waveforms, BandsUnderTheMouseFollowTheirScrolling) {
+    Open();
+    for (int i = 0; i < 25; ++i) { // 21 for the first band, 4 of the second
+        SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    }
+    Click({30, 18 + 10});
+    EXPECT_TRUE(Band(1).selected);
+    Click({30, 18 + 16 + 10});
+    EXPECT_TRUE(Band(2).selected);
+    Drag({30, 18 + 15}, {30, 18 + 15 + 8});
+    EXPECT_EQ(Band(1).height, 28);
+}
+
+TEST_F(Waveforms, TheColumnsCanBeMadeWider) {
+    Open();
+    Drag({75, 100}, {110, 100});
+    EXPECT_EQ(window->NameWidth(), 110);
+    EXPECT_EQ(window->ValueWidth(), 50);
+    Drag({160, 100}, {200, 100});
+    EXPECT_EQ(window->ValueWidth(), 90);
+    Drag({110, 5}, {2, 5});
+    const int smallest = window->NameWidth();
+    EXPECT_EQ(smallest, 3 * QFontMetrics(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed))
+                                .horizontalAdvance('0'));
+    Drag({smallest, 5}, {2000, 5});
+    EXPECT_EQ(window->NameWidth(), smallest) << "the waves keep some room";
+    EXPECT_EQ(document->Marker(1, false), -1);
+    for (const auto& signal : document->waveformList.All()) {
+        EXPECT_FALSE(signal->selected);
+    }
+}
+
+TEST_F(Waveforms, TheValueColumnsEdgeReachesToTheLeftOnly) {
+    Open();
+    Drag({125 - 5, 100}, {150, 100});
+    EXPECT_EQ(window->ValueWidth(), 50);
+    Drag({125 - 4, 100}, {150, 100});
+    EXPECT_EQ(window->ValueWidth(), 75);
+    Drag({151, 100}, {160, 100});
+    EXPECT_EQ(window->ValueWidth(), 75);
+    EXPECT_NE(document->Marker(1, false), -1) << "that was the waves";
+}
+
+TEST_F(Waveforms, TheCursorTellsWhatTheMouseWouldDo) {
+    Open();
+    const auto over = [&](QPoint place) {
+        QTest::mouseMove(window, place);
+        return window->cursor().shape();
+    };
+    EXPECT_EQ(over({75, 100}), Qt::SizeHorCursor);
+    EXPECT_EQ(over({123, 100}), Qt::SizeHorCursor);
+    EXPECT_EQ(over(BandEnd(2)), Qt::SizeVerCursor);
+    EXPECT_EQ(over(Name(2)), Qt::ArrowCursor);
+    EXPECT_EQ(over({300, BandEnd(2).y()}), Qt::ArrowCursor);
+}
+
+TEST_F(Waveforms, TheRightButtonOnANameOpensTheMenu) {
+    Open();
+    QStringList texts;
+    QTimer::singleShot(0, [&] {
+        if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+            for (const QAction* action : menu->actions()) {
+                texts << action->text();
+                if (action->text() == "Insert Blank") {
+                    const_cast<QAction*>(action)->trigger();
+                }
+            }
+            menu->close();
+        }
+    });
+    const std::string name = Band(2).RowName();
+    Click(Name(2), Qt::RightButton);
+    EXPECT_TRUE(texts.contains("Change Signal..."));
+    EXPECT_EQ(Band(2).dataIndex, -1);
+    EXPECT_EQ(Band(3).RowName(), name);
+    EXPECT_TRUE(Band(3).selected);
+    EXPECT_EQ(document->Marker(2, false), -1);
+}
+
+// Drawing.
+
+TEST_F(Waveforms, ASelectionPaintsTheNamesAMarkerTheWavesAndValues) {
+    Open();
+    EXPECT_EQ(Painted([&] { Click(Name(2)); }), QRect(0, 0, 75, window->height()));
+    const QRect marked = Painted([&] { Click(Wave(63)); });
+    EXPECT_EQ(marked, QRect(75, 0, window->width() - 75, window->height()));
+    EXPECT_EQ(Painted([&] { Key(Qt::Key_Right); }),
+              QRect(WaveLeft(), 0, window->width() - WaveLeft(), window->height()));
+    EXPECT_EQ(Painted([&] { view->ScrollToSample(view->TopSample()); }), QRect());
+}
+
+TEST_F(Waveforms, EveryPartialPictureIsAsTheWholeOne) {
+    Open();
+    const auto expectWhole = [&](const char* after) {
+        const QImage partial = Picture();
+        window->Render(true);
+        EXPECT_EQ(Picture(), partial) << after;
+    };
+    Click(Name(2));
+    expectWhole("a selection");
+    Click(Wave(63));
+    expectWhole("marker 1");
+    Click(Wave(203), Qt::RightButton);
+    expectWhole("marker 2");
+    Key(Qt::Key_Right);
+    expectWhole("a step");
+    window->SetZoom(3);
+    expectWhole("a zoom");
+    document->SetMarker(1, -1);
+    expectWhole("a marker that goes");
+    view->ScrollToSample(10);
+    expectWhole("another place");
+}
+
+TEST_F(Waveforms, AMarkerOutsideIsShown) {
+    Open();
+    document->SetMarker(1, 900);
+    EXPECT_EQ(view->CenterSample(), 900);
+    const auto first = view->TopSample();
+    document->SetMarker(2, first + 3);
+    EXPECT_EQ(view->TopSample(), first);
+}
+
+TEST_F(Waveforms, NewColoursAreTakenAtTheNextPaint) {
+    Open();
+    const QImage before = Picture();
+    settings.WriteProfileInt("Display", "WaveformBackgroundColor", 0xFFFFFF);
+    EXPECT_NE(Picture(), before);
+}
+
+TEST_F(Waveforms, AnArrivingBlockIsDrawnWhereItShows) {
+    Open(0, 19999);
+    view->ScrollToSample(320);
+    const auto draws = [&](std::uint32_t first, bool zoom) {
+        CBlockUpdate block;
+        block.first = first;
+        block.count = 32;
+        block.zoom = zoom;
+        return !Painted([&] {
+                    document->UpdateAllViews(nullptr, HintBlockArrived, &block);
+                }).isEmpty();
+    };
+    EXPECT_TRUE(draws(320, false));
+    EXPECT_FALSE(draws(288, false));
+    EXPECT_FALSE(draws(320, true));
+    const auto visible = static_cast<std::uint32_t>(window->VisibleSampleCount());
+    EXPECT_FALSE(draws(320 + visible + 2, false));
+    window->SetZoom(-7); // eight samples a pixel are drawn, though seven count
+    const auto drawn = static_cast<std::uint32_t>(window->width() - WaveLeft()) * 8;
+    EXPECT_TRUE(draws(320 + drawn - 1, false));
+    EXPECT_FALSE(draws(320 + drawn, false));
+}
+
+TEST_F(Waveforms, AFilterIsShownAtOnce) {
+    Open(0, 999);
+    document->SetMarker(2, 510);
+    view->ScrollToSample(500);
+    const QImage before = Picture();
+    document->RemoveView(view.get());
+    document->excludedBits.assign(WordsFor(1000), 0xAAAAAAAA);
+    document->RebuildMapsFromFile();
+    document->AddView(view.get());
+    document->UpdateAllViews(nullptr, HintFilterChanged);
+    EXPECT_EQ(view->TopSample(), 500);
+    EXPECT_EQ(window->Place().row, 250);
+    EXPECT_NE(Picture(), before);
+    const std::int64_t first = view->TopSample();
+    Click(Wave(43));
+    EXPECT_EQ(document->Marker(1, false), first + 4) << "two rows further";
+}
+
+// Power Zoom.
+
+TEST_F(Waveforms, PowerZoomHasSamplesMarkersAndPicosecondsOfItsOwn) {
+    Open(-500, 499, true);
+    EXPECT_EQ(view->CenterSample(), 255);
+    EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{255}, std::int64_t{255}));
+    Click(Wave(63));
+    const std::int64_t marker = document->Marker(1, true);
+    EXPECT_EQ(marker, view->TopSample() + 3);
+    EXPECT_EQ(document->Marker(1, false), -1);
+    for (int i = 0; i < 40; ++i) {
+        Key(Qt::Key_PageDown);
+    }
+    EXPECT_EQ(view->TopSample(), 511 - window->VisibleSampleCount());
+    window->SetZoom(-3);
+    view->ScrollToSample(100);
+    const std::int64_t row = window->Place().row;
+    Key(Qt::Key_Left);
+    EXPECT_EQ(view->TopSample(), std::max<std::int64_t>(row - 12, 0)) << "row and sample are one";
+}
+
+} // namespace
+} // namespace busquill::test
