@@ -1,20 +1,12 @@
 // A live capture through the program's windows, against the simulated board.
 
-#include "capture/trace_document.h"
-#include "support/board_program_fixture_qt.h"
+#include "support/live_frame_fixture_qt.h"
 #include "tracesetup/setup_file.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/capture/save_trace_dialog.h"
-#include "ui/display/trace_view.h"
-#include "ui/shell/child_frame.h"
-#include "ui/shell/trace_bar.h"
 
-#include <QComboBox>
-#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QToolButton>
-#include <QtTest/QTest>
 #include <gmock/gmock.h>
 
 #include <set>
@@ -26,49 +18,13 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class LiveCapture : public BoardProgramFixture {
+class LiveCapture : public LiveFrameFixture {
 protected:
-    LiveCapture() {
-        for (const char* name : {"MemoryWrite.tsp", "ReadAfterWrites.tsp"}) {
-            std::filesystem::copy(BUSQUILL_SOURCE_DIR "/data/" + std::string(name), dir.File(name));
-        }
-    }
-    void OpenState() {
-        Choose("File/New/Capture/State");
-        frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
-    }
-    CTraceBar& Bar() { return frame->Bar(); }
-    CTesselDoc& Trace() { return frame->Trace(); }
-    void ChooseSetup(const QString& name) {
-        QComboBox& box = Bar().SetupBox();
-        const int index = box.findText(name);
-        ASSERT_GE(index, 0) << name.toStdString();
-        box.setCurrentIndex(index);
-        emit box.activated(index);
-    }
-    void Go() { QTest::mouseClick(&Bar().GoButton(), Qt::LeftButton); }
-    void Stop() { QTest::mouseClick(&Bar().StopButton(), Qt::LeftButton); }
-    /// A capture of many blocks that the board is in no hurry to hand over.
-    void StopALongRun() {
-        Go(); // the default setup triggers at once
-        ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
-        board->Fault("delay 2");
-        Stop();
-    }
-    bool Running() { return Trace().CaptureActive(); }
-    template <typename Condition>
-    bool RunUntil(Condition holds) {
-        return QTest::qWaitFor(holds, 60000);
-    }
-    bool Complete() {
-        return RunUntil([&] { return !Running() && !Trace().GetStore().IsUploading(); }) &&
-               (QTest::qWait(450), true); // and the timer has looked
-    }
+    void OpenState() { OpenFrame("State"); }
     void Close() {
         frame->close();
         QTest::qWait(10); // until it is gone
     }
-    QString Text(const char* name) { return Bar().findChild<QLabel*>(name)->text(); }
     std::vector<std::string> Functions() { return board->Functions(); }
     /// The names of the functions that the board was asked for, without the polls of its status.
     std::vector<std::string> Run() {
@@ -88,8 +44,6 @@ protected:
         }
         return nullptr;
     }
-
-    CChildFrame* frame = nullptr;
 };
 
 TEST_F(LiveCapture, FromGoToASavedFile) {

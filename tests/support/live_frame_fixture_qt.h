@@ -1,0 +1,63 @@
+#pragma once
+
+#include "capture/trace_document.h"
+#include "support/board_program_fixture_qt.h"
+#include "ui/display/trace_view.h"
+#include "ui/shell/child_frame.h"
+#include "ui/shell/trace_bar.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QToolButton>
+#include <QtTest/QTest>
+
+namespace busquill::test {
+
+/// One trace frame of the program against the simulated board, with the setups that come with the
+/// program.
+class LiveFrameFixture : public BoardProgramFixture {
+protected:
+    LiveFrameFixture() {
+        for (const char* name : {"MemoryWrite.tsp", "ReadAfterWrites.tsp"}) {
+            std::filesystem::copy(BUSQUILL_SOURCE_DIR "/data/" + std::string(name), dir.File(name));
+        }
+    }
+    /// "State" or "Waveform".
+    void OpenFrame(const QString& kind) {
+        Choose("File/New/Capture/" + kind);
+        frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    }
+    CTraceBar& Bar() { return frame->Bar(); }
+    CTesselDoc& Trace() { return frame->Trace(); }
+    void ChooseSetup(const QString& name) {
+        QComboBox& box = Bar().SetupBox();
+        const int index = box.findText(name);
+        ASSERT_GE(index, 0) << name.toStdString();
+        box.setCurrentIndex(index);
+        emit box.activated(index);
+    }
+    void Go() { QTest::mouseClick(&Bar().GoButton(), Qt::LeftButton); }
+    void Stop() { QTest::mouseClick(&Bar().StopButton(), Qt::LeftButton); }
+    /// A capture of many blocks that the board is in no hurry to hand over. Needs a board with a
+    /// large buffer that does not fill at once.
+    void StopALongRun() {
+        Go(); // the default setup triggers at once
+        ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
+        board->Fault("delay 2");
+        Stop();
+    }
+    bool Running() { return Trace().CaptureActive(); }
+    template <typename Condition>
+    bool RunUntil(Condition holds) {
+        return QTest::qWaitFor(holds, 60000);
+    }
+    bool Complete() {
+        return RunUntil([&] { return !Running() && !Trace().GetStore().IsUploading(); }) &&
+               (QTest::qWait(450), true); // and the timer has looked
+    }
+    QString Text(const char* name) { return Bar().findChild<QLabel*>(name)->text(); }
+
+    CChildFrame* frame = nullptr;
+};
+
+} // namespace busquill::test
