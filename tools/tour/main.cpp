@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
+#include "ui/display/trace_view.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
 #include "ui/shell/child_frame.h"
@@ -168,6 +169,21 @@ void Walk(Tour& tour, Program& program) {
         frame.resize(900, 600);
     }
     tour.Choose(frame, "File/New/Capture/Waveform", "message");
+    if (auto* window = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow())) {
+        window->TraceView().GoTo(GoToTarget::Trigger);
+        CTesselDoc& document = window->Trace();
+        const std::int64_t trigger = document.Marker(0, false);
+        document.SetMarker(1, trigger + 2);
+        document.SetMarker(2, trigger + 12);
+        QApplication::processEvents();
+        tour.Picture(frame, "waveforms");
+        const std::int64_t zoomTrigger = document.Marker(0, true);
+        document.SetZoomMarker(1, zoomTrigger + 2);
+        document.SetZoomMarker(2, zoomTrigger + 12);
+        window->Bar().ZoomButton().click();
+        QApplication::processEvents();
+        tour.Picture(frame, "power-zoom");
+    }
     tour.Choose(frame, "Window/Cascade", "message");
     tour.Picture(frame, "windows");
     tour.Choose(frame, "Help/Contents", "message");

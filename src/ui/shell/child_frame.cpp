@@ -208,7 +208,6 @@ void CChildFrame::OnDisplay() {
 
 void CChildFrame::OnPowerZoom() {
     parts_.app.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
-    FocusView();
 }
 
 void CChildFrame::SwitchDisplay(bool toState) {

@@ -14,7 +14,9 @@ constexpr auto manualRoot = ":/manual/";
 } // namespace
 
 QString HelpPage(int topic) {
-    const QString page = topic == HelpTopic::State ? "listing.md" : "index.md";
+    const QString page = topic == HelpTopic::State      ? "listing.md"
+                         : topic == HelpTopic::Waveform ? "waveforms.md"
+                                                        : "index.md";
     const QString path = manualRoot + page;
     return QFile::exists(path) ? path : QString(manualRoot) + "index.md";
 }

@@ -179,6 +179,7 @@ TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
     QTest::mouseClick(&Bar().ZoomButton(), Qt::LeftButton);
     auto& zoom = dynamic_cast<CChildFrame&>(*Windows().last());
     EXPECT_TRUE(zoom.IsZoomFrame());
+    EXPECT_EQ(Frame().Area().activeSubWindow(), &zoom) << "or nobody would see it";
     EXPECT_EQ(zoom.windowTitle(), "Power Zoom - New");
     EXPECT_FALSE(zoom.Bar().GoButton().isVisible());
     EXPECT_FALSE(zoom.Bar().SetupBox().isVisible());

@@ -284,6 +284,7 @@ TEST_F(InDemoMode, HelpOpensTheManual) {
 
 TEST(HelpPage, MissingTopicOpensTheContents) {
     EXPECT_EQ(HelpPage(HelpTopic::State), ":/manual/listing.md");
+    EXPECT_EQ(HelpPage(HelpTopic::Waveform), ":/manual/waveforms.md");
     EXPECT_EQ(HelpPage(HelpTopic::Contents), ":/manual/index.md");
     EXPECT_EQ(HelpPage(999), ":/manual/index.md");
 }
