@@ -330,13 +330,10 @@ void CWaveformWnd::SetMarkerAt(int x, int which) {
 }
 
 void CWaveformWnd::ShowCursor(const QPoint& place) {
-    if (resizing_ != Resizing::Nothing) {
+    const bool onEdge = !header_.IsActive() && EdgeAt(place.x()) != Resizing::Nothing;
+    if (resizing_ != Resizing::Nothing || onEdge) {
         setCursor(Qt::SizeHorCursor);
-    } else if (header_.IsActive()) {
-        setCursor(header_.CursorAt(place.y()));
-    } else if (EdgeAt(place.x()) != Resizing::Nothing) {
-        setCursor(Qt::SizeHorCursor);
-    } else if (AimAtBands(place)) {
+    } else if (header_.IsActive() || AimAtBands(place)) {
         setCursor(header_.CursorAt(place.y()));
     } else {
         setCursor(Qt::ArrowCursor);
