@@ -33,6 +33,8 @@ public:
     /// Called with each read of samples, before it is answered; what it returns is the answer.
     /// Without it the read takes `contents`.
     std::function<Bytes(const SampleRead&)> onSampleRead;
+    /// Called before the memory at an address is read.
+    std::function<void(std::uint32_t address)> onMemoryRead;
     int baud = 0; // the rate at which it answers; 0: at any
 
     Bytes Answer(const Bytes& sent, int lineBaud) {
@@ -93,6 +95,9 @@ private:
         if (function == 2 || function == 10 || function == 30) {
             payloadLength_ = length_;
         } else if (function == 1 || function == 9) {
+            if (onMemoryRead) {
+                onMemoryRead(address_);
+            }
             AppendData(contents[address_], length_, answer);
         } else if (function == 3 || function == 5 || function == 35 || function == 36) {
             sampleReads.push_back({function, address_, length_});

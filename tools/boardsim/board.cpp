@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::size_t nameLength = 8;
 
+constexpr std::uint8_t searching = 0x80;
+
 /// The models of the two smaller tiers have no Power Zoom memory.
 bool HasZoom(const std::string& model) {
     return model.find("Wren") == std::string::npos && model.find("Lark") == std::string::npos;
@@ -176,6 +178,9 @@ Board::Bytes Board::Run(std::uint8_t function) {
     case fnStopTrace:
         sequencer_.Stop();
         return Acknowledge();
+    case fnStartSearch:
+        Search();
+        return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
     case fnFirmwareRecord:
@@ -248,6 +253,39 @@ void Board::StartTrace() {
                      memory.subspan(regParams, 3), bufferSamples_, hasZoom_);
 }
 
+/// Looks through the sample memory from the place in the search registers on, in the direction that
+/// they say, and leaves the place of the first sample that fits.
+void Board::Search() {
+    constexpr std::uint8_t hit = 0x01;
+    constexpr std::uint8_t onTriggerOrAfter = 0x02;
+    std::uint8_t* const place = &memory_[regSearch];
+    const std::int64_t distance = place[1] | place[2] << 8 | place[3] << 16;
+    const std::int64_t step = memory_[regSearchDirection] == 0 ? 1 : -1;
+    std::int64_t at = (place[0] & onTriggerOrAfter) != 0 ? distance : -distance;
+    const auto [first, last] = sequencer_.Range();
+    const auto fits = [&](const Record& record) {
+        for (std::size_t i = 0; i < 15; ++i) {
+            const std::uint8_t compare = memory_[regSearchPattern + 2 * i + 1];
+            if (((record[i] ^ memory_[regSearchPattern + 2 * i]) & compare) != 0) {
+                return false;
+            }
+        }
+        return true;
+    };
+    while (at >= first && at <= last && !fits(sequencer_.At(at))) {
+        at += step;
+    }
+    searchState_ = 0;
+    if (at >= first && at <= last) {
+        searchState_ = hit | (at >= 0 ? onTriggerOrAfter : 0);
+        const auto found = static_cast<std::uint32_t>(at < 0 ? -at : at);
+        for (unsigned byte = 0; byte < 3; ++byte) {
+            place[1 + byte] = static_cast<std::uint8_t>(found >> (8 * byte));
+        }
+    }
+    place[0] = faults.searchBusy > 0 ? searching : searchState_;
+}
+
 void Board::SampleBus(std::size_t count) {
     for (std::size_t i = 0; i < count && traffic_ != nullptr && sequencer_.WantsSamples(); ++i) {
         sequencer_.Feed(traffic_->Next());
@@ -260,6 +298,9 @@ Board::Bytes Board::ReadMemory() {
     Bytes bytes;
     for (std::uint32_t i = 0; i < length_; ++i) {
         bytes.push_back(memory_[(address_ + i) % memorySize]);
+    }
+    if (address_ == regSearch && memory_[regSearch] == searching && --faults.searchBusy <= 0) {
+        memory_[regSearch] = searchState_;
     }
     return bytes;
 }

@@ -32,6 +32,7 @@ struct Faults {
     int wrongAcknowledge = 0; // or is another byte
     bool wrongClose = false;  // the next data reply ends in another byte
     int shortReply = 0;       // the next data reply lacks so many bytes at its end
+    int searchBusy = 0;       // so many looks at a search find it still going on
 };
 
 /// The board's side of the wire, a byte at a time, with no line behind it.
@@ -66,6 +67,7 @@ private:
     Bytes Acknowledge();
     Bytes DataReply(const Bytes& data);
     void StartTrace();
+    void Search();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
@@ -80,6 +82,7 @@ private:
     int baud_;
     std::uint32_t address_ = 0;
     std::uint32_t length_ = 0;
+    std::uint8_t searchState_ = 0;                // as the host reads it at the end
     std::optional<std::uint8_t> opcode_;          // first byte of a frame
     std::optional<std::uint8_t> payloadFunction_; // a payload is awaited for it
     Bytes payload_;

@@ -269,6 +269,11 @@ Record Sequencer::At(std::int64_t distance) const {
     return index >= 0 ? before_[static_cast<std::size_t>(index)] : Record{};
 }
 
+std::pair<std::int64_t, std::int64_t> Sequencer::Range() const {
+    return {-static_cast<std::int64_t>(before_.size()),
+            static_cast<std::int64_t>(after_.size()) - 1};
+}
+
 Record Sequencer::ZoomAt(std::int64_t distance) const {
     return Held(zoom_, zoomTrigger + distance);
 }

@@ -40,6 +40,8 @@ public:
     /// The sample at a distance from the trigger, and that of the zoom memory; all zeros where
     /// nothing is held.
     [[nodiscard]] Record At(std::int64_t distance) const;
+    /// The distances of the first and the last sample that are held.
+    [[nodiscard]] std::pair<std::int64_t, std::int64_t> Range() const;
     [[nodiscard]] Record ZoomAt(std::int64_t distance) const;
 
 private:

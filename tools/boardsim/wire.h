@@ -56,7 +56,10 @@ constexpr std::uint32_t regBus = 18; // 2 bytes
 constexpr std::uint32_t regEvents = 20;
 constexpr std::uint32_t regControl = 260;
 constexpr std::uint32_t regParams = 420;
-constexpr std::uint32_t regLive = 425; // 9 bytes
+constexpr std::uint32_t regLive = 425;            // 9 bytes
+constexpr std::uint32_t regSearchDirection = 440; // 0 forward, 1 backward
+constexpr std::uint32_t regSearch = 441;          // 4 bytes: state, distance from the trigger
+constexpr std::uint32_t regSearchPattern = 445;   // 30 bytes: value and compare bytes in turn
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';

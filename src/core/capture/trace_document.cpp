@@ -1,6 +1,7 @@
 #include "capture/trace_document.h"
 
 #include "capture/trace_file.h"
+#include "capture/trace_search.h"
 #include "platform/working_directory.h"
 
 #include <algorithm>
@@ -23,6 +24,8 @@ bool BitOf(const std::vector<std::uint32_t>& bits, std::int64_t index) noexcept 
 CTesselDoc::CTesselDoc(NewTraceContext& context, Prompts& prompts)
     : context_(context), prompts_(prompts), isRealTime_(context.newDocRealTime) {
     SetTitle("Trace");
+    searchPattern.BuildFromTables(1, ModeEvents);
+    filterPattern.BuildFromTables(1, ModeEvents);
 }
 
 // Any trace that goes ends the upload, the one of a file too.
@@ -88,6 +91,7 @@ std::optional<SampleRecord> CTesselDoc::GetSample(std::int64_t index, bool zoom)
 
 void CTesselDoc::OnCaptureStarted() {
     captureActive_ = true;
+    filterPattern.BuildFromTables(1, ModeEvents);
     GetStore().SetObserver(nullptr);
     RebuildMaps(0, 0);
     SetModifiedFlag();
@@ -191,6 +195,26 @@ void CTesselDoc::SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, st
         SetModifiedFlag();
     }
     UpdateAllViews(nullptr, firstHint + which - 1);
+}
+
+void CTesselDoc::GoToSample(std::int64_t sample, bool zoom) {
+    GoToSampleHint hint;
+    hint.sample = sample;
+    hint.zoom = zoom;
+    UpdateAllViews(nullptr, HintGoToSample, &hint);
+}
+
+void CTesselDoc::ApplyFilter(std::int64_t topSample) {
+    FindAll(GetStore().GetData(false), RecordPattern(filterPattern), excludedBits, rowTable_,
+            matchBits_);
+    rowCount_ = static_cast<std::int64_t>(rowTable_.size());
+    const std::int64_t row = SampleToRow(topSample, false);
+    if (rowCount_ == 0) {
+        GoToSample(0, false);
+    } else if (row >= 0 && row < rowCount_) {
+        GoToSample(rowTable_[static_cast<std::size_t>(row)], false);
+    }
+    UpdateAllViews(nullptr, HintFilterChanged);
 }
 
 void CTesselDoc::AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) {

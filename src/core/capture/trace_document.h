@@ -89,6 +89,9 @@ public:
     CSignalList waveformList;
     CSignalList stateList;
     CSignalList zoomList;
+    /// One sample each: what a search looks for, and what the filter lets through.
+    CSignalList searchPattern;
+    CSignalList filterPattern;
     TraceSetup setup;
     std::string setupPath;
     std::string setupName = "<New>";
@@ -124,6 +127,11 @@ public:
     /// Index 0 is the trigger, 1 and 2 the markers; -1: not set.
     [[nodiscard]] std::int64_t Marker(int which, bool zoom) const noexcept;
     void SetMarker(int which, std::int64_t index);
+    /// Takes the views to a sample.
+    void GoToSample(std::int64_t sample, bool zoom);
+    /// Keeps the rows that match the filter pattern, and `topSample` in sight or the row before it.
+    /// A pattern that compares nothing brings all rows back.
+    void ApplyFilter(std::int64_t topSample);
     void SetZoomMarker(int which, std::int64_t index);
 
     /// Any thread: keeps a block of samples until FlushBlockUpdates.

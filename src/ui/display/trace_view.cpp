@@ -115,19 +115,16 @@ void CTraceView::GoTo(GoToTarget target) {
     if (!CanGoTo(target)) {
         return;
     }
-    GoToSampleHint hint;
-    hint.zoom = isZoom_;
     switch (target) {
     case GoToTarget::Start:
-        hint.sample = 0;
+        Trace().GoToSample(0, isZoom_);
         break;
     case GoToTarget::End:
-        hint.sample = Trace().SampleCount(isZoom_) - 1;
+        Trace().GoToSample(Trace().SampleCount(isZoom_) - 1, isZoom_);
         break;
     default:
-        hint.sample = Trace().Marker(static_cast<int>(target), isZoom_);
+        Trace().GoToSample(Trace().Marker(static_cast<int>(target), isZoom_), isZoom_);
     }
-    Trace().UpdateAllViews(nullptr, HintGoToSample, &hint);
 }
 
 void CTraceView::OnInitialUpdate() {

@@ -1,0 +1,68 @@
+/// Finding samples by pattern: on the host in the records of a capture, and by the board itself.
+#pragma once
+
+#include "signals/signal.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace busquill {
+
+class CAnalyzerLink;
+class Clock;
+class CSignalList;
+class CTesselDoc;
+class Prompts;
+
+/// What a sample is compared with: the bits of one word and those of them that count. Bits of the
+/// record past the first 120 are never compared.
+class RecordPattern {
+public:
+    /// From the first column of a pattern list.
+    explicit RecordPattern(const CSignalList& list);
+
+    [[nodiscard]] bool Matches(const SampleRecord& record) const noexcept;
+
+private:
+    // The first and the second eight bytes of a record.
+    std::array<std::uint64_t, 2> value_{};
+    std::array<std::uint64_t, 2> care_{};
+};
+
+/// The first match at or behind `start`.
+[[nodiscard]] std::optional<std::int64_t> FindForward(std::span<const SampleRecord> records,
+                                                      const RecordPattern& pattern,
+                                                      std::int64_t start) noexcept;
+/// The last match at or before `start`. Sample 0 is not looked at, which users know.
+[[nodiscard]] std::optional<std::int64_t> FindBackward(std::span<const SampleRecord> records,
+                                                       const RecordPattern& pattern,
+                                                       std::int64_t start) noexcept;
+
+/// The matching samples in ascending order, and a bit for each record that is set for those. Sets
+/// bits of `excluded` are left out; empty means none.
+void FindAll(std::span<const SampleRecord> records, const RecordPattern& pattern,
+             std::span<const std::uint32_t> excluded, std::vector<std::uint32_t>& samples,
+             std::vector<std::uint32_t>& bits);
+
+enum class SearchDirection { Forward = 0, Backward = 1 };
+
+/// Looks for the document's search pattern from the sample `start` on and sets marker 1 to the hit,
+/// or says that there is none.
+void SearchHost(CTesselDoc& document, SearchDirection direction, std::int64_t start,
+                Prompts& prompts);
+/// The same by the board, which has the samples. Says which step failed, and gives up after six
+/// seconds.
+void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection direction,
+                      std::int64_t start, Prompts& prompts, const Clock& clock);
+
+/// Where a search of the document begins: next to marker 1, or at the first sample that shows.
+[[nodiscard]] std::int64_t SearchStart(const CTesselDoc& document, SearchDirection direction,
+                                       std::int64_t firstShown);
+/// Whether searches and steps to a sample are possible: not while a capture runs.
+[[nodiscard]] bool CanSearch(const CTesselDoc& document);
+/// Filters also need all samples.
+[[nodiscard]] bool CanFilter(const CTesselDoc& document);
+
+} // namespace busquill
