@@ -6,7 +6,10 @@
 #include "platform/prompts.h"
 #include "tracesetup/setup_encoding.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
+#include <numeric>
 
 namespace busquill {
 
@@ -24,6 +27,18 @@ struct Words {
     std::uint64_t low = 0;
     std::uint64_t high = 0;
 };
+
+/// The processor foresees a walk upward by itself; that of a backward search it does not.
+void FetchAhead(std::span<const SampleRecord> records, std::size_t before) noexcept {
+    constexpr std::size_t line = 64;
+    constexpr std::size_t ahead = 8 * RecordPattern::blockSize;
+    if (before >= ahead) {
+        const auto* const bytes = records[before - ahead].bytes.data();
+        for (std::size_t at = 0; at < sizeof(SampleRecord) * RecordPattern::blockSize; at += line) {
+            __builtin_prefetch(bytes + at);
+        }
+    }
+}
 
 Words WordsOf(const SampleRecord& record) noexcept {
     Words words;
@@ -47,16 +62,55 @@ RecordPattern::RecordPattern(const CSignalList& list) {
 }
 
 bool RecordPattern::Matches(const SampleRecord& record) const noexcept {
+    return MatchesOf(std::span(&record, 1)) != 0;
+}
+
+template <bool Low, bool High>
+inline std::uint32_t RecordPattern::MatchBit(const SampleRecord& record) const noexcept {
     const Words words = WordsOf(record);
-    return (((words.low & care_[0]) ^ value_[0]) | ((words.high & care_[1]) ^ value_[1])) == 0;
+    const std::uint64_t low = Low ? (words.low & care_[0]) ^ value_[0] : 0;
+    const std::uint64_t high = High ? (words.high & care_[1]) ^ value_[1] : 0;
+    return static_cast<std::uint32_t>((low | high) == 0);
+}
+
+// Without a branch for each record, in steps that the compiler can unroll, and with no more than
+// the words that count.
+template <bool Low, bool High>
+std::uint32_t RecordPattern::MatchesBy(std::span<const SampleRecord> records) const noexcept {
+    constexpr std::size_t step = 8;
+    std::uint32_t matches = 0;
+    std::size_t at = 0;
+    for (; at + step <= records.size(); at += step) {
+        const SampleRecord* const group = records.data() + at;
+        std::uint32_t bits = 0;
+#pragma GCC unroll 8
+        for (std::size_t i = 0; i < step; ++i) {
+            bits |= MatchBit<Low, High>(group[i]) << i;
+        }
+        matches |= bits << at;
+    }
+    for (; at < records.size(); ++at) {
+        matches |= MatchBit<Low, High>(records[at]) << at;
+    }
+    return matches;
+}
+
+std::uint32_t RecordPattern::MatchesOf(std::span<const SampleRecord> records) const noexcept {
+    if (care_[1] == 0) {
+        return MatchesBy<true, false>(records);
+    }
+    return care_[0] == 0 ? MatchesBy<false, true>(records) : MatchesBy<true, true>(records);
 }
 
 std::optional<std::int64_t> FindForward(std::span<const SampleRecord> records,
                                         const RecordPattern& pattern, std::int64_t start) noexcept {
-    const auto count = static_cast<std::int64_t>(records.size());
-    for (std::int64_t i = std::max<std::int64_t>(start, 0); i < count; ++i) {
-        if (pattern.Matches(records[static_cast<std::size_t>(i)])) {
-            return i;
+    const std::size_t count = records.size();
+    for (auto at = static_cast<std::size_t>(std::max<std::int64_t>(start, 0)); at < count;
+         at += RecordPattern::blockSize) {
+        const std::uint32_t matches =
+            pattern.MatchesOf(records.subspan(at, std::min(count - at, RecordPattern::blockSize)));
+        if (matches != 0) {
+            return static_cast<std::int64_t>(at) + std::countr_zero(matches);
         }
     }
     return std::nullopt;
@@ -65,11 +119,17 @@ std::optional<std::int64_t> FindForward(std::span<const SampleRecord> records,
 std::optional<std::int64_t> FindBackward(std::span<const SampleRecord> records,
                                          const RecordPattern& pattern,
                                          std::int64_t start) noexcept {
-    const auto last = static_cast<std::int64_t>(records.size()) - 1;
-    for (std::int64_t i = std::min(start, last); i > 0; --i) {
-        if (pattern.Matches(records[static_cast<std::size_t>(i)])) {
-            return i;
+    const auto count = static_cast<std::int64_t>(records.size());
+    auto end = static_cast<std::size_t>(std::clamp<std::int64_t>(start + 1, 0, count));
+    while (end > 1) {
+        const std::size_t first =
+            end > RecordPattern::blockSize ? end - RecordPattern::blockSize : 1;
+        FetchAhead(records, first);
+        const std::uint32_t matches = pattern.MatchesOf(records.subspan(first, end - first));
+        if (matches != 0) {
+            return static_cast<std::int64_t>(first) + std::bit_width(matches) - 1;
         }
+        end = first;
     }
     return std::nullopt;
 }
@@ -77,27 +137,30 @@ std::optional<std::int64_t> FindBackward(std::span<const SampleRecord> records,
 void FindAll(std::span<const SampleRecord> records, const RecordPattern& pattern,
              std::span<const std::uint32_t> excluded, std::vector<std::uint32_t>& samples,
              std::vector<std::uint32_t>& bits) {
-    constexpr std::size_t wordBits = 32;
-    samples.resize(records.size());
-    bits.assign((records.size() + wordBits - 1) / wordBits, 0);
-    std::uint32_t* const found = samples.data();
-    std::size_t count = 0;
-    for (std::size_t word = 0; word < bits.size(); ++word) {
-        const std::size_t first = word * wordBits;
-        const std::size_t end = std::min(first + wordBits, records.size());
-        const std::uint32_t wanted = word < excluded.size() ? ~excluded[word] : ~0U;
-        std::uint32_t matches = 0;
-        for (std::size_t i = first; i < end; ++i) {
-            // Written in any case and kept when it counts: cheaper than a branch that is missed.
-            const std::uint32_t match =
-                static_cast<std::uint32_t>(pattern.Matches(records[i])) & wanted >> (i - first);
-            found[count] = static_cast<std::uint32_t>(i);
-            count += match & 1;
-            matches |= (match & 1) << (i - first);
+    constexpr std::size_t blockSize = RecordPattern::blockSize;
+    samples.clear();
+    samples.reserve(records.size());
+    bits.clear();
+    bits.reserve(records.size() / blockSize + 1);
+    for (std::size_t first = 0; first < records.size(); first += blockSize) {
+        std::uint32_t matches =
+            pattern.MatchesOf(records.subspan(first, std::min(records.size() - first, blockSize)));
+        if (bits.size() < excluded.size()) {
+            matches &= ~excluded[bits.size()];
         }
-        bits[word] = matches;
+        bits.push_back(matches);
+        std::size_t count = samples.size();
+        samples.resize(count + static_cast<std::size_t>(std::popcount(matches)));
+        if (matches == ~0U) {
+            std::iota(samples.end() - static_cast<std::ptrdiff_t>(blockSize), samples.end(),
+                      static_cast<std::uint32_t>(first));
+            continue;
+        }
+        for (; matches != 0; matches &= matches - 1) {
+            samples[count++] = static_cast<std::uint32_t>(first) +
+                               static_cast<std::uint32_t>(std::countr_zero(matches));
+        }
     }
-    samples.resize(count);
 }
 
 std::int64_t SearchStart(const CTesselDoc& document, SearchDirection direction,

@@ -24,8 +24,16 @@ public:
     explicit RecordPattern(const CSignalList& list);
 
     [[nodiscard]] bool Matches(const SampleRecord& record) const noexcept;
+    /// A bit for each of at most `blockSize` records, set where it matches.
+    [[nodiscard]] std::uint32_t MatchesOf(std::span<const SampleRecord> records) const noexcept;
+    static constexpr std::size_t blockSize = 32;
 
 private:
+    template <bool Low, bool High>
+    [[nodiscard]] std::uint32_t MatchBit(const SampleRecord& record) const noexcept;
+    template <bool Low, bool High>
+    [[nodiscard]] std::uint32_t MatchesBy(std::span<const SampleRecord> records) const noexcept;
+
     // The first and the second eight bytes of a record.
     std::array<std::uint64_t, 2> value_{};
     std::array<std::uint64_t, 2> care_{};
