@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDialog>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+
+namespace busquill {
+
+class CDecodedSignalDef;
+
+/// The command that a pattern asks for. On PCI a tick chooses its form with a dual address cycle.
+class CCommandDialog final : public QDialog {
+    Q_OBJECT
+public:
+    /// `label` is what the cell shows now. The definition outlives the dialog.
+    CCommandDialog(QWidget* parent, const CDecodedSignalDef& def, const std::string& label,
+                   bool hasDualAddress);
+
+    /// Index of the chosen value in the definition; nothing where there is none.
+    [[nodiscard]] std::optional<std::size_t> Chosen() const;
+
+private:
+    const CDecodedSignalDef& def_;
+    std::vector<std::size_t> offered_;
+    QComboBox* values_;
+    QCheckBox* dac_;
+};
+
+} // namespace busquill
