@@ -1,10 +1,7 @@
-/// Rows, columns and scroll arithmetic of the listing, without pixels or widgets.
+/// Rows and scroll arithmetic of the listing, without pixels or widgets.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
-#include <vector>
 
 namespace busquill {
 
@@ -12,25 +9,9 @@ constexpr int stateHeaderLine = 18; // y of the line below the header
 constexpr int stateFirstRow = 19;   // y of the first row
 constexpr int stateRowPitch = 15;   // 14 of text and 1
 constexpr std::int64_t scrollRange = 10000;
-constexpr int minimumHorizontalPage = 250;
 
 /// Whole rows that fit below the header.
 [[nodiscard]] int VisibleRows(int clientHeight) noexcept;
-
-/// A column of which something shows right of the SAMPLE column.
-struct StateColumn {
-    std::size_t signal = 0; // place in the list of widths
-    int left = 0;           // x of the line at its left edge; may lie left of what shows
-    int width = 0;
-
-    friend bool operator==(const StateColumn&, const StateColumn&) = default;
-};
-
-/// The columns that show, from the left. Widths below 1 take no room.
-[[nodiscard]] std::vector<StateColumn> VisibleColumns(std::span<const int> widths, int sampleColumn,
-                                                      int offset, int clientWidth);
-/// Width of all columns together.
-[[nodiscard]] int TotalWidth(std::span<const int> widths) noexcept;
 
 /// Page and position of the vertical bar, whose range is 0 to 10000 for any capture.
 [[nodiscard]] int VerticalPage(int visibleRows, std::int64_t rowCount) noexcept;
@@ -48,10 +29,5 @@ struct StateColumn {
                                       std::int64_t rowCount) noexcept;
 /// The first sample of a view that has `sample` in its centre.
 [[nodiscard]] std::int64_t FirstToCenter(std::int64_t sample, std::int64_t visible) noexcept;
-
-/// Page of the horizontal bar, and the largest offset of the columns.
-[[nodiscard]] int HorizontalPage(int clientWidth, int sampleColumn) noexcept;
-[[nodiscard]] int HorizontalLimit(int columnsWidth, int clientWidth, int sampleColumn) noexcept;
-[[nodiscard]] int StepOffset(int offset, int pixels, int limit) noexcept;
 
 } // namespace busquill

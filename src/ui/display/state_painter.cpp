@@ -5,6 +5,7 @@
 #include "ui/display/marker_glyphs.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
+#include "ui/patterns/columns.h"
 
 #include <QPainter>
 
@@ -15,26 +16,11 @@ namespace busquill {
 
 namespace {
 
-constexpr int leastStretch = 60;           // percent
-constexpr std::size_t longestTitle = 1000; // characters; none is wider
 const QColor lineColor(0, 0, 0);
 
 /// A cell may be cut at its end and say so.
 bool IsLeftAligned(const CSignal& signal) {
     return signal.decoded && signal.decoded->name == "RULE CHECK";
-}
-
-/// A title at the bottom centre of a header cell, squeezed where the cell is narrower.
-void DrawHeaderText(QPainter& painter, const QRect& cell, const QString& text) {
-    const QFont font = painter.font();
-    const int width = painter.fontMetrics().horizontalAdvance(text);
-    if (width > cell.width() && cell.width() > 0) {
-        QFont squeezed = font;
-        squeezed.setStretch(std::max(cell.width() * 100 / width - 1, leastStretch));
-        painter.setFont(squeezed);
-    }
-    DrawCellText(painter, cell, text, CellAlign::Center, false);
-    painter.setFont(font);
 }
 
 QString ToQt(const std::string& text) {
@@ -137,21 +123,12 @@ private:
         painter_.setPen(lineColor);
         const QRect sampleCell(QPoint(1, 1), QPoint(frame_.sampleColumn - 1, stateHeaderLine - 1));
         DrawEdge(painter_, sampleCell, Edge::Raised);
-        DrawHeaderText(painter_, sampleCell.adjusted(2, 0, -2, -1), "SAMPLE");
+        DrawHeaderText(painter_, sampleCell, "SAMPLE");
         ClipToColumns();
-        for (const StateColumn& column : columns_) {
-            DrawTitle(frame_.list[column.signal], column);
+        for (const TableColumn& column : columns_) {
+            DrawColumnTitle(painter_, frame_.list[column.signal], column, stateHeaderLine,
+                            frame_.size.height(), ColorOf(frame_.colors.background));
         }
-    }
-
-    void DrawTitle(const CSignal& signal, const StateColumn& column) {
-        Line(column.left, 0, 1, frame_.size.height());
-        const QRect cell(QPoint(column.left + 1, 1),
-                         QPoint(column.left + column.width - 1, stateHeaderLine - 1));
-        painter_.fillRect(cell,
-                          signal.selected ? QColor(Qt::white) : ColorOf(frame_.colors.background));
-        DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
-        DrawHeaderText(painter_, cell.adjusted(2, 0, -2, -1), ColumnTitle(signal));
     }
 
     void DrawRows() {
@@ -201,7 +178,7 @@ private:
             return;
         }
         ClipToColumns();
-        for (const StateColumn& column : columns_) {
+        for (const TableColumn& column : columns_) {
             const QRect cell(column.left + 1, y, column.width - 1, stateRowPitch - 1);
             if (color) {
                 painter_.fillRect(cell, ColorOf(*color));
@@ -266,7 +243,7 @@ private:
     QPainter& painter_;
     const StateFrame& frame_;
     AccumulatedTimes accumulated_;
-    const std::vector<StateColumn> columns_;
+    const std::vector<TableColumn> columns_;
     std::optional<std::int64_t> firstMissing_;
 };
 
@@ -311,19 +288,6 @@ void TimeSums::Forget() {
     time_ = nullptr;
     sums_.clear();
     lastSample_ = -1;
-}
-
-std::vector<int> ColumnWidths(const CSignalList& list) {
-    std::vector<int> widths;
-    widths.reserve(list.Size());
-    for (const auto& signal : list.All()) {
-        widths.push_back(signal->VisibleWidth());
-    }
-    return widths;
-}
-
-QString ColumnTitle(const CSignal& signal) {
-    return ToQt(signal.RowName().substr(0, longestTitle));
 }
 
 std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_t sample,

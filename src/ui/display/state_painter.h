@@ -5,7 +5,6 @@
 
 #include <QFont>
 #include <QSize>
-#include <QString>
 
 #include <cstdint>
 #include <optional>
@@ -50,10 +49,6 @@ struct StateFrame {
     QFont headerFont;
     TimeSums* timeSums = nullptr; // without it, the frame sums for itself
 };
-
-/// The width of each signal's column; 0 for one that takes none.
-[[nodiscard]] std::vector<int> ColumnWidths(const CSignalList& list);
-[[nodiscard]] QString ColumnTitle(const CSignal& signal);
 
 /// The text of a cell. `previous` is the sample of the row above, 0 for the first row.
 [[nodiscard]] std::string CellText(const StateFrame& frame, const CSignal& signal,

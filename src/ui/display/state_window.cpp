@@ -1,9 +1,9 @@
 #include "ui/display/state_window.h"
 
 #include "capture/trace_document.h"
-#include "signals/value_text.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
+#include "ui/patterns/columns.h"
 
 #include <QFontMetrics>
 #include <QMouseEvent>
@@ -16,9 +16,7 @@ namespace busquill {
 namespace {
 
 constexpr int sampleColumnDigits = 8;
-constexpr int marginDigits = 2;
 constexpr int smallestColumnDigits = 3;
-constexpr int widestTitle = 1000; // pixels
 
 } // namespace
 
@@ -50,15 +48,7 @@ void CStateWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
 }
 
 int CStateWnd::MeasureColumn(const CSignal& signal) const {
-    unsigned digits = 1;
-    if (signal.decoded) {
-        digits = signal.decoded->labelWidth;
-    } else if (signal.grouped) {
-        digits = DigitsFor(signal.groupWidth, signal.radix);
-    }
-    const int title = QFontMetrics(bodyFont_).horizontalAdvance(ColumnTitle(signal));
-    return std::max(std::min(title, widestTitle), digitWidth_ * static_cast<int>(digits)) +
-           marginDigits * digitWidth_;
+    return NeededWidth(signal, bodyFont_);
 }
 
 int CStateWnd::VisibleRowCount() const {

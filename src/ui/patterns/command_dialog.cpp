@@ -60,12 +60,12 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
         }
     }
     dac_->setChecked(isDual);
-    dac_->setVisible(hasDualAddress);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(values_);
     layout->addWidget(dac_);
     layout->addWidget(buttons);
+    dac_->setVisible(hasDualAddress);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }

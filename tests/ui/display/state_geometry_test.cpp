@@ -13,44 +13,6 @@ TEST(VisibleRows, WholeRowsBelowTheHeader) {
     }
 }
 
-TEST(VisibleColumns, StandSideBySideRightOfTheSampleColumn) {
-    const int widths[] = {40, 50, 60};
-    const std::vector<StateColumn> expected = {{0, 57, 40}, {1, 97, 50}, {2, 147, 60}};
-    EXPECT_EQ(VisibleColumns(widths, 56, 0, 800), expected);
-    EXPECT_EQ(TotalWidth(widths), 150);
-}
-
-TEST(VisibleColumns, ThoseWithoutWidthTakeNoRoom) {
-    const int widths[] = {0, 40, -3, 0, 50, 0};
-    const std::vector<StateColumn> expected = {{1, 57, 40}, {4, 97, 50}};
-    EXPECT_EQ(VisibleColumns(widths, 56, 0, 800), expected);
-    EXPECT_EQ(TotalWidth(widths), 90);
-}
-
-TEST(VisibleColumns, ScrolledColumnsGoAtTheirLastPixel) {
-    const int widths[] = {40, 50};
-    const std::vector<StateColumn> both = {{0, 57 - 39, 40}, {1, 97 - 39, 50}};
-    const std::vector<StateColumn> second = {{1, 57, 50}};
-    EXPECT_EQ(VisibleColumns(widths, 56, 39, 800), both);
-    EXPECT_EQ(VisibleColumns(widths, 56, 40, 800), second);
-    EXPECT_TRUE(VisibleColumns(widths, 56, 90, 800).empty());
-}
-
-TEST(VisibleColumns, EndAtTheRightEdge) {
-    const int widths[] = {40, 50};
-    EXPECT_EQ(VisibleColumns(widths, 56, 0, 98).size(), 2U);
-    EXPECT_EQ(VisibleColumns(widths, 56, 0, 97).size(), 1U);
-    EXPECT_TRUE(VisibleColumns(widths, 56, 0, 57).empty());
-    EXPECT_TRUE(VisibleColumns({}, 56, 0, 800).empty());
-}
-
-TEST(VisibleColumns, HugeWidthsDoNotOverflow) {
-    const int most = 2'147'483'647;
-    const int widths[] = {most, most, most};
-    EXPECT_EQ(TotalWidth(widths), most);
-    EXPECT_EQ(VisibleColumns(widths, 56, most, 800).size(), 1U);
-}
-
 TEST(VerticalBar, EveryPositionStandsForARow) {
     EXPECT_EQ(VerticalMaximum(380000), 0);
     EXPECT_EQ(VerticalMaximum(10000), 0);
@@ -117,17 +79,6 @@ TEST(FirstToCenter, KeepsToTheStart) {
     EXPECT_EQ(FirstToCenter(5, 11), 0);
     EXPECT_EQ(FirstToCenter(6, 11), 1);
     EXPECT_EQ(FirstToCenter(100, 10), 95);
-}
-
-TEST(HorizontalBar, PageAndLimit) {
-    EXPECT_EQ(HorizontalPage(900, 56), 843);
-    EXPECT_EQ(HorizontalPage(200, 56), 250);
-    EXPECT_EQ(HorizontalLimit(2000, 900, 56), 2000 - 843);
-    EXPECT_EQ(HorizontalLimit(500, 900, 56), 0);
-    EXPECT_EQ(StepOffset(0, -1, 100), 0);
-    EXPECT_EQ(StepOffset(99, 843, 100), 100);
-    EXPECT_EQ(StepOffset(50, -60, 100), 0);
-    EXPECT_EQ(StepOffset(50, 1, 100), 51);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "ui/display/state_painter.h"
 #include "ui/display/state_window.h"
 #include "ui/framework/painting.h"
+#include "ui/patterns/columns.h"
 
 #include <QPainter>
 
@@ -64,13 +65,13 @@ protected:
         return device.Recorded();
     }
     /// Gives every column the same width and returns those that show.
-    std::vector<StateColumn> Widen(int width, QSize size = {400, 200}) {
+    std::vector<TableColumn> Widen(int width, QSize size = {400, 200}) {
         for (const auto& signal : document->stateList.All()) {
             signal->width = width;
         }
         return Columns(size);
     }
-    std::vector<StateColumn> Columns(QSize size = {400, 200}) {
+    std::vector<TableColumn> Columns(QSize size = {400, 200}) {
         return VisibleColumns(ColumnWidths(document->stateList), sampleColumn, offset,
                               size.width());
     }
@@ -292,7 +293,7 @@ TEST_F(StatePainter, RowsSayWhatTheirCellsSay) {
     for (int row = 0; row < 5; ++row) {
         const std::int64_t sample = topRow + row;
         std::vector<std::string> expected = {std::to_string(sample - 4)};
-        for (const StateColumn& column : columns) {
+        for (const TableColumn& column : columns) {
             const auto text = CellText(Frame(), document->stateList[column.signal], sample, 0);
             if (!text.empty()) {
                 expected.push_back(text);
@@ -351,10 +352,10 @@ TEST_F(StatePainter, RowColoursFillTheCellsOfTheColumns) {
     document->SetMarker(1, 6);
     document->SetMarker(2, 8);
     const auto device = Record();
-    const auto cellColor = [&](int row, const StateColumn& column) {
+    const auto cellColor = [&](int row, const TableColumn& column) {
         return device.ColorAt({column.left + 2, stateFirstRow + row * stateRowPitch + 2});
     };
-    for (const StateColumn& column : columns) {
+    for (const TableColumn& column : columns) {
         EXPECT_EQ(cellColor(4, column), ColorOf(colors.trigger));
         EXPECT_EQ(cellColor(5, column), ColorOf(colors.alternate));
         EXPECT_EQ(cellColor(6, column), ColorOf(colors.marker1));
@@ -383,7 +384,7 @@ TEST_F(StatePainter, NothingReachesOutOfItsCell) {
         const auto columns = Columns(size);
         const auto device = Record(size);
         const auto inOneColumn = [&](const QRect& rect) {
-            return std::any_of(columns.begin(), columns.end(), [&](const StateColumn& column) {
+            return std::any_of(columns.begin(), columns.end(), [&](const TableColumn& column) {
                 return rect.left() > column.left && rect.right() < column.left + column.width;
             });
         };
