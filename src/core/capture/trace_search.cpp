@@ -2,7 +2,6 @@
 
 #include "capture/trace_document.h"
 #include "link/analyzer_link.h"
-#include "platform/clock.h"
 #include "platform/prompts.h"
 #include "tracesetup/setup_encoding.h"
 
@@ -195,7 +194,7 @@ void SearchHost(CTesselDoc& document, SearchDirection direction, std::int64_t st
 }
 
 void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection direction,
-                      std::int64_t start, Prompts& prompts, const Clock& clock) {
+                      std::int64_t start, Prompts& prompts) {
     // A step that fails says so, and the next goes out all the same.
     const auto step = [&](std::int32_t command, const LinkWords& words, const char* what) {
         if (!link.Exchange(command, words)) {
@@ -215,7 +214,7 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
          "Error sending search control to analyzer.");
     step(CmdStartSearch, {}, "Error sending start search to analyzer.");
 
-    const std::time_t begun = clock.Time();
+    const std::time_t begun = link.Time();
     std::array<std::uint8_t, 4> status{};
     while (true) {
         if (!link.Exchange(CmdReadMemory, {RegisterSearchControl, status.size(), &status})) {
@@ -225,7 +224,7 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
         if (status[0] < searchBusy) {
             break;
         }
-        if (clock.Time() - begun >= searchLimit) {
+        if (link.Time() - begun >= searchLimit) {
             prompts.Message("Search timeout occurred.");
             return;
         }

@@ -11,7 +11,6 @@
 namespace busquill {
 
 class CAnalyzerLink;
-class Clock;
 class CSignalList;
 class CTesselDoc;
 class Prompts;
@@ -63,7 +62,7 @@ void SearchHost(CTesselDoc& document, SearchDirection direction, std::int64_t st
 /// The same by the board, which has the samples. Says which step failed, and gives up after six
 /// seconds.
 void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection direction,
-                      std::int64_t start, Prompts& prompts, const Clock& clock);
+                      std::int64_t start, Prompts& prompts);
 
 /// Where a search of the document begins: next to marker 1, or at the first sample that shows.
 [[nodiscard]] std::int64_t SearchStart(const CTesselDoc& document, SearchDirection direction,

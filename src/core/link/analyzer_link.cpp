@@ -46,6 +46,10 @@ bool CAnalyzerLink::IsIdle() const {
     return machine_->Queue().IsIdle();
 }
 
+std::time_t CAnalyzerLink::Time() const {
+    return machine_->Time();
+}
+
 void CAnalyzerLink::WaitIdle() {
     machine_->Queue().WaitIdle();
 }

@@ -6,6 +6,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <span>
@@ -166,6 +167,8 @@ public:
     /// One keep-alive on USB; nothing on a serial port.
     void SendKeepAlive();
 
+    /// The time by which the link waits. Any thread.
+    [[nodiscard]] std::time_t Time() const;
     [[nodiscard]] bool IsDemoMode() const noexcept;
     [[nodiscard]] BoardIdentity Identity() const;
     /// What decides the board's family now. Any thread.

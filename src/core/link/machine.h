@@ -5,6 +5,7 @@
 #include "link/link_port.h"
 #include "link/link_thread.h"
 #include "link/request_queue.h"
+#include "platform/clock.h"
 
 #include <array>
 #include <string>
@@ -20,6 +21,7 @@ public:
     Machine(const Machine&) = delete;
     Machine& operator=(const Machine&) = delete;
 
+    [[nodiscard]] std::time_t Time() const { return services_.clock.Time(); }
     [[nodiscard]] bool Exchange(std::int32_t command, const LinkWords& words);
 
     /// Closes the port and waits for the link's thread. Requests that wait stay unfinished.

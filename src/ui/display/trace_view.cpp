@@ -2,19 +2,23 @@
 
 #include "capture/trace_document.h"
 #include "capture/trace_run.h"
+#include "capture/trace_search.h"
 #include "link/analyzer_link.h"
 #include "platform/settings.h"
 #include "platform/working_directory.h"
 #include "signals/value_text.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/capture/trace_status_dialog.h"
+#include "ui/display/go_to_sample_dialog.h"
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_frame.h"
 #include "ui/display/wave_geometry.h"
 #include "ui/display/wave_window.h"
 #include "ui/framework/painting.h"
+#include "ui/framework/wait_cursor.h"
 #include "ui/framework/window_timer.h"
+#include "ui/patterns/pattern_dialogs.h"
 
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -125,6 +129,52 @@ void CTraceView::GoTo(GoToTarget target) {
     default:
         Trace().GoToSample(Trace().Marker(static_cast<int>(target), isZoom_), isZoom_);
     }
+}
+
+bool CTraceView::CanSearchSamples() const {
+    return CanSearch(Trace());
+}
+
+bool CTraceView::CanFilterSamples() const {
+    return !isZoom_ && CanFilter(Trace());
+}
+
+void CTraceView::GoToNumber() {
+    CGoToSampleDlg dialog(this);
+    if (dialog.exec() == QDialog::Accepted) {
+        Trace().GoToSample(SampleOfNumber(dialog.Number(), Trace().FirstSampleNumber(isZoom_),
+                                          Trace().SampleCount(isZoom_)),
+                           isZoom_);
+    }
+}
+
+void CTraceView::FindPattern() {
+    if (parts_.prompts != nullptr) {
+        CSearchPatternDlg(this, Trace().searchPattern, *parts_.prompts).exec();
+    }
+}
+
+void CTraceView::Find(SearchDirection direction) {
+    if (!CanSearchSamples() || parts_.prompts == nullptr) {
+        return;
+    }
+    const WaitCursor wait;
+    const std::int64_t start = SearchStart(Trace(), direction, TopSample());
+    if (!Trace().IsRealTime()) {
+        SearchHost(Trace(), direction, start, *parts_.prompts);
+    } else if (parts_.link != nullptr) {
+        SearchOnAnalyzer(*parts_.link, Trace(), direction, start, *parts_.prompts);
+    }
+}
+
+void CTraceView::Filter() {
+    if (!CanFilterSamples() || parts_.prompts == nullptr ||
+        CFilterPatternDlg(this, Trace().filterPattern, *parts_.prompts).exec() !=
+            QDialog::Accepted) {
+        return;
+    }
+    const WaitCursor wait;
+    Trace().ApplyFilter(TopSample());
 }
 
 void CTraceView::OnInitialUpdate() {

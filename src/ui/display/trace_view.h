@@ -24,6 +24,7 @@ class TraceFrame;
 class WindowTimer;
 struct RunState;
 
+enum class SearchDirection;
 enum class GoToTarget { Trigger, Marker1, Marker2, Start, End };
 
 /// What a trace view works with. They outlive it. A view of a file needs the settings only.
@@ -58,6 +59,16 @@ public:
     [[nodiscard]] bool CanGoTo(GoToTarget target) const;
     /// Takes every view of the same samples to the target.
     void GoTo(GoToTarget target);
+
+    [[nodiscard]] bool CanSearchSamples() const;
+    [[nodiscard]] bool CanFilterSamples() const;
+    /// Asks for the number of a sample and goes there.
+    void GoToNumber();
+    /// Asks for the pattern of further searches.
+    void FindPattern();
+    /// Sets marker 1 to the next match, or says that there is none.
+    void Find(SearchDirection direction);
+    void Filter();
 
     /// Only waveforms can be zoomed, and only so far.
     [[nodiscard]] bool CanZoom(bool in) const;

@@ -43,6 +43,7 @@ public:
     explicit HeaderControl(const Layout& layout) : layout_(layout) {}
 
     void Attach(CSignalList& list);
+    void SetFixedResizes(bool resizes) { layout_.fixedResizes = resizes; }
 
     /// Where the fixed column ends, which resizing changes too.
     int fixedEnd = 0;
@@ -71,7 +72,7 @@ private:
     void SelectByClick(CSignal* signal, Qt::KeyboardModifiers keys);
     void SelectSpan(const CSignal* from, const CSignal* to);
 
-    const Layout layout_;
+    Layout layout_;
     CSignalList* list_ = nullptr;
     CSignal* lastSelected_ = nullptr; // may have left the list
     Action action_ = Action::None;

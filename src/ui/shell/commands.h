@@ -81,6 +81,8 @@ struct CommandState {
     bool traceActive = false;      // the active view shows a trace
     bool canSave = false;          // the active document can be saved
     std::array<bool, 5> canGoTo{}; // trigger, markers, start, end
+    bool canSearch = false;
+    bool canFilter = false;
     bool canZoomIn = false;
     bool canZoomOut = false;
     bool hasWindows = false;

@@ -1,6 +1,7 @@
 #include "ui/shell/main_frame.h"
 
 #include "capture/trace_document.h"
+#include "capture/trace_search.h"
 #include "link/analyzer_link.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/window_timer.h"
@@ -207,6 +208,8 @@ CommandState CMainFrame::State() const {
         if (const auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
             state.traceActive = true;
             state.canSave = view->Trace().IsRealTime();
+            state.canSearch = view->CanSearchSamples();
+            state.canFilter = view->CanFilterSamples();
             state.canZoomIn = view->CanZoom(true);
             state.canZoomOut = view->CanZoom(false);
             for (int i = 0; i < 5; ++i) {
@@ -268,6 +271,28 @@ void CMainFrame::Run(CommandId id) {
         if (CTraceView* view = ActiveTraceView(*area_)) {
             view->GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
                                                static_cast<int>(CommandId::GoToTrigger)));
+        }
+        break;
+    case CommandId::GoToSample:
+        if (CTraceView* view = ActiveTraceView(*area_)) {
+            view->GoToNumber();
+        }
+        break;
+    case CommandId::FindPattern:
+        if (CTraceView* view = ActiveTraceView(*area_)) {
+            view->FindPattern();
+        }
+        break;
+    case CommandId::FindNext:
+    case CommandId::FindPrevious:
+        if (CTraceView* view = ActiveTraceView(*area_)) {
+            view->Find(id == CommandId::FindNext ? SearchDirection::Forward
+                                                 : SearchDirection::Backward);
+        }
+        break;
+    case CommandId::Filter:
+        if (CTraceView* view = ActiveTraceView(*area_)) {
+            view->Filter();
         }
         break;
     case CommandId::ZoomIn:

@@ -286,7 +286,7 @@ protected:
             board.writes.clear();
             board.functions.clear();
         });
-        SearchOnAnalyzer(*link, *document, direction, start, prompts, clock);
+        SearchOnAnalyzer(*link, *document, direction, start, prompts);
     }
     /// What the status reads as, one after the other; the last one stays.
     void SetStatus(std::vector<Bytes> answers) {
