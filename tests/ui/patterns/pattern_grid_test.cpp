@@ -1,0 +1,371 @@
+#include "signals/signal_list.h"
+#include "support/board_tables.h"
+#include "support/recording_prompts.h"
+#include "ui/framework/painting.h"
+#include "ui/patterns/command_dialog.h"
+#include "ui/patterns/pattern_dialogs.h"
+#include "ui/patterns/pattern_grid.h"
+#include "ui/patterns/value_dialog.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QTimer>
+#include <QtTest/QTest>
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// A grid of two rows over the signals of a pattern.
+class PatternGrid : public testing::Test {
+protected:
+    PatternGrid() {
+        list.BuildFromTables(2, ModeEvents);
+        grid = std::make_unique<CPatternGrid>(nullptr, prompts);
+        grid->SetRowCount(2);
+        grid->SetText("EVENT", "E%d:");
+        grid->SetList(list);
+        grid->SetOwner([this] { ++changes; });
+        grid->resize(4000, 80);
+        grid->show();
+        QApplication::processEvents();
+    }
+    CSignal& Column(const std::string& name) {
+        for (const auto& signal : list.All()) {
+            if (signal->VisibleWidth() > 0 && signal->RowName() == name) {
+                return *signal;
+            }
+        }
+        throw std::runtime_error("no column " + name);
+    }
+    /// The middle of a cell.
+    QPoint Place(const std::string& name, int row) {
+        const int labels = 9 * QFontMetrics(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed))
+                                   .horizontalAdvance('0');
+        int x = labels + 1 - grid->Offset();
+        for (const auto& signal : list.All()) {
+            if (signal->VisibleWidth() > 0 && signal->RowName() == name) {
+                return {x + signal->width / 2, 19 + 21 * row + 10};
+            }
+            x += signal->VisibleWidth();
+        }
+        throw std::runtime_error("no column " + name);
+    }
+    void Click(const std::string& name, int row) {
+        QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place(name, row));
+    }
+    std::string Text(const std::string& name, int row) {
+        return CPatternGrid::CellText(Column(name), row);
+    }
+    /// Clicks a cell and does something with the dialog that opens.
+    template <class Dialog>
+    void ClickAndAnswer(const std::string& name, int row,
+                        const std::function<void(Dialog&)>& answer) {
+        bool met = false;
+        QTimer::singleShot(0, [&] {
+            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
+                met = true;
+                answer(*dialog);
+                if (dialog->isVisible()) {
+                    dialog->reject();
+                }
+            }
+        });
+        Click(name, row);
+        EXPECT_TRUE(met);
+    }
+    /// Clicks a cell and chooses an entry of the menu that opens.
+    void ClickAndChoose(const std::string& name, int row, const QString& entry) {
+        bool met = false;
+        QTimer::singleShot(0, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            for (QAction* action : menu->actions()) {
+                if (action->text() == entry) {
+                    met = true;
+                    menu->setActiveAction(action);
+                    QTest::keyClick(menu, Qt::Key_Return);
+                    return;
+                }
+            }
+            menu->close();
+        });
+        Click(name, row);
+        EXPECT_TRUE(met);
+    }
+
+    BoardTables board{"PCIKite-1"};
+    RecordingPrompts prompts;
+    CSignalList list;
+    std::unique_ptr<CPatternGrid> grid;
+    int changes = 0;
+};
+
+TEST_F(PatternGrid, BitsCycleFromAnythingOverZeroToOne) {
+    EXPECT_EQ(Text("FRAME", 1), "X");
+    Click("FRAME", 1);
+    EXPECT_EQ(Text("FRAME", 1), "0");
+    EXPECT_EQ(Text("FRAME", 0), "X") << "of that row";
+    Click("FRAME", 1);
+    EXPECT_EQ(Text("FRAME", 1), "1");
+    Click("FRAME", 1);
+    EXPECT_EQ(Text("FRAME", 1), "X");
+    EXPECT_FALSE(Column("FRAME").Bit(1));
+    EXPECT_EQ(changes, 3);
+}
+
+TEST_F(PatternGrid, ADoubleClickIsTwoClicks) {
+    // As a screen brings it: the second press is a double click.
+    const QPoint place = Place("IRDY", 0);
+    Click("IRDY", 0);
+    QMouseEvent twice(QEvent::MouseButtonDblClick, place, grid->mapToGlobal(place), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(grid.get(), &twice);
+    QTest::mouseRelease(grid.get(), Qt::LeftButton, {}, place);
+    EXPECT_EQ(Text("IRDY", 0), "1");
+}
+
+TEST_F(PatternGrid, BusesOpenTheValueDialog) {
+    ClickAndAnswer<CValueDlg>("C/BE[7:0]", 0, [](CValueDlg& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Value");
+        auto& bits = *dialog.findChild<CBitEditWnd*>();
+        QTest::keyClicks(&bits, "f7");
+        QTest::keyClick(&bits, Qt::Key_Return);
+    });
+    EXPECT_EQ(Text("C/BE[7:0]", 0), "F7");
+    EXPECT_EQ(Text("C/BE[7:0]", 1), "XX");
+    EXPECT_EQ(changes, 1);
+    for (const auto& signal : list.All()) {
+        if (signal->dataIndex == 67) {
+            EXPECT_FALSE(signal->Bit(0)) << "each signal over the same bit";
+            EXPECT_TRUE(signal->MaskBit(0));
+        }
+    }
+}
+
+TEST_F(PatternGrid, ACancelledValueChangesNothing) {
+    ClickAndAnswer<CValueDlg>("C/BE[7:0]", 0, [](CValueDlg& dialog) {
+        QTest::keyClicks(dialog.findChild<CBitEditWnd*>(), "12");
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    EXPECT_EQ(Text("C/BE[7:0]", 0), "XX");
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(PatternGrid, CommandsOpenTheirDialog) {
+    ClickAndAnswer<CCommandDialog>("COMMAND", 1, [](CCommandDialog& dialog) {
+        auto& box = *dialog.findChild<QComboBox*>();
+        EXPECT_LT(box.findText("DAC-Mem Rd"), 0);
+        box.setCurrentText("Mem Rd");
+        dialog.accept();
+    });
+    EXPECT_EQ(Text("COMMAND", 1), "Mem Rd");
+    EXPECT_EQ(CPatternGrid::CellText(Column("C/BE[7:0]"), 1).back(), '6');
+    ClickAndAnswer<CCommandDialog>("COMMAND", 1, [](CCommandDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(), "Mem Rd");
+        EXPECT_FALSE(dialog.findChild<QCheckBox*>()->isChecked());
+        dialog.findChild<QCheckBox*>()->setChecked(true);
+        dialog.accept();
+    });
+    EXPECT_EQ(Text("COMMAND", 1), "DAC-Mem Rd");
+    EXPECT_EQ(Text("C/BE[7:0]", 1), "6D");
+    ClickAndAnswer<CCommandDialog>("COMMAND", 1, [](CCommandDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(), "Mem Rd");
+        EXPECT_TRUE(dialog.findChild<QCheckBox*>()->isChecked());
+    });
+    EXPECT_EQ(changes, 2);
+}
+
+TEST_F(PatternGrid, OtherDecodedCellsOpenAMenuOfTheirLabels) {
+    const auto& values = Column("ADR/DATA").decoded->values;
+    ASSERT_GE(values.size(), 2U);
+    const char* const label = values[1].label;
+    ClickAndChoose("ADR/DATA", 0, label);
+    EXPECT_EQ(Text("ADR/DATA", 0), label);
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
+    const QImage before = grid->grab().toImage();
+    QTest::mouseMove(grid.get(), Place("FRAME", 0));
+    const QImage hot = grid->grab().toImage();
+    EXPECT_NE(hot, before);
+    QTest::mouseMove(grid.get(), Place("FRAME", 0) + QPoint(1, 1));
+    EXPECT_EQ(grid->grab().toImage(), hot);
+    QTest::mouseMove(grid.get(), Place("IRDY", 1));
+    EXPECT_NE(grid->grab().toImage(), hot);
+}
+
+TEST_F(PatternGrid, BelowTheRowsAndInTheLabelsThereAreNoCells) {
+    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {10, 30});
+    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place("FRAME", 2));
+    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {Place("FRAME", 0).x(), 18});
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(PatternGrid, TheHeaderSelectsResizesAndOpensTheMenu) {
+    const QPoint header(Place("IRDY", 0).x(), 9);
+    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, header);
+    EXPECT_TRUE(Column("IRDY").selected);
+    EXPECT_EQ(changes, 0);
+    QTimer::singleShot(0, [] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions()) {
+            if (action->text() == "Delete Signal") {
+                action->trigger();
+            }
+        }
+        menu->close();
+    });
+    QTest::mouseClick(grid.get(), Qt::RightButton, {}, header);
+    EXPECT_THROW(Column("IRDY"), std::runtime_error);
+}
+
+TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
+    grid->resize(300, 80);
+    QApplication::processEvents();
+    ASSERT_TRUE(grid->NeedsHScroll());
+    grid->StepColumn(true);
+    EXPECT_EQ(grid->Offset(), 1);
+    grid->PageColumns(true);
+    EXPECT_EQ(grid->Offset(), 1 + grid->VisibleWidth());
+    grid->SetOffset(1 << 20);
+    EXPECT_EQ(grid->Offset(), grid->ContentWidth() - grid->VisibleWidth());
+    grid->PageColumns(false);
+    grid->StepColumn(false);
+    grid->SetOffset(-5);
+    EXPECT_EQ(grid->Offset(), 0);
+    grid->resize(300, 45);
+    QApplication::processEvents();
+    EXPECT_EQ(grid->VisibleRowCount(), 1);
+    grid->StepRows(5);
+    EXPECT_EQ(grid->TopRow(), 1);
+    Click("COMMAND", 5); // nowhere
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
+    CSignal& bus = Column("C/BE[7:0]");
+    bus.groupMask[0] = 0x13;
+    bus.groupData[0] = 0x01;
+    EXPECT_EQ(Text("C/BE[7:0]", 0), "??");
+    bus.groupData.clear();
+    EXPECT_EQ(Text("C/BE[7:0]", 0), "");
+    Click("C/BE[7:0]", 0); // what is not there cannot be edited
+    EXPECT_EQ(changes, 0);
+}
+
+TEST(ValueDialog, WritesBackOnOkAlone) {
+    Bytes value = {0x34, 0x12};
+    Bytes mask = {0xFF, 0xFF};
+    for (const bool ok : {false, true}) {
+        CValueDlg dialog(nullptr, value, mask, 16, Radix::Hex);
+        dialog.show();
+        auto& bits = *dialog.findChild<CBitEditWnd*>();
+        QTest::keyClicks(&bits, "aX");
+        QTest::keyClick(&bits, Qt::Key_End);
+        QTest::keyClick(&bits, Qt::Key_Backspace);
+        QTest::keyClicks(&bits, "9");
+        ok ? dialog.accept() : dialog.reject();
+        EXPECT_EQ(value, ok ? (Bytes{0x39, 0xA0}) : (Bytes{0x34, 0x12}));
+        EXPECT_EQ(mask, ok ? (Bytes{0xFF, 0xF0}) : (Bytes{0xFF, 0xFF}));
+    }
+}
+
+TEST(ValueDialog, AClickPlacesTheCaretAndTheRadixCanBeChanged) {
+    Bytes value = {0x00, 0x00};
+    CValueDlg dialog(nullptr, value, {}, 16, Radix::Hex);
+    dialog.show();
+    auto& bits = *dialog.findChild<CBitEditWnd*>();
+    const int digit =
+        QFontMetrics(FontOfCellHeight(16, QFont::Normal, FontFace::Fixed)).horizontalAdvance('0');
+    QTest::mouseClick(&bits, Qt::LeftButton, {}, {2 * digit + 2, 10});
+    QTest::keyClicks(&bits, "5");
+    for (auto* button : dialog.findChildren<QRadioButton*>()) {
+        if (button->text() == "&Binary") {
+            button->click();
+        }
+    }
+    QTest::keyClicks(&bits, "1");
+    dialog.accept();
+    EXPECT_EQ(value, (Bytes{0x50, 0x80}));
+}
+
+TEST(ValueDialog, ClearMakesTheMaskEmpty) {
+    Bytes value = {0x34};
+    Bytes mask = {0xFF};
+    CValueDlg dialog(nullptr, value, mask, 8, Radix::Hex);
+    for (auto* button : dialog.findChildren<QPushButton*>()) {
+        if (button->text() == "C&lear") {
+            button->click();
+        }
+    }
+    dialog.accept();
+    EXPECT_EQ(value, Bytes{0});
+    EXPECT_EQ(mask, Bytes{0});
+}
+
+class PatternDialogs : public testing::Test {
+protected:
+    PatternDialogs() { list.BuildFromTables(1, ModeEvents); }
+    CSignal& Frame() {
+        for (const auto& signal : list.All()) {
+            if (signal->name == "FRAME") {
+                return *signal;
+            }
+        }
+        throw std::runtime_error("no FRAME");
+    }
+    BoardTables board{"PCIKite-1"};
+    RecordingPrompts prompts;
+    CSignalList list;
+};
+
+TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {
+    list.RemoveAllSignals();
+    list.AddSignal(nullptr, board.tables.busSignals.FindByName("FRAME"), 1, 0, 0, 0, Radix::Hex,
+                   true);
+    for (const bool ok : {false, true}) {
+        CSearchPatternDlg dialog(nullptr, list, prompts);
+        EXPECT_EQ(dialog.windowTitle(), "Search Pattern");
+        dialog.show();
+        QApplication::processEvents();
+        QTest::mouseClick(&dialog.Grid(), Qt::LeftButton, {}, {10, 30});
+        EXPECT_FALSE(Frame().MaskBit(0));
+        ok ? dialog.accept() : dialog.reject();
+        EXPECT_EQ(Frame().MaskBit(0), ok);
+    }
+    CFilterPatternDlg filter(nullptr, list, prompts);
+    EXPECT_EQ(filter.windowTitle(), "Filter Pattern");
+}
+
+TEST_F(PatternDialogs, TheBarScrollsTheColumns) {
+    CSearchPatternDlg dialog(nullptr, list, prompts);
+    dialog.show();
+    QApplication::processEvents();
+    auto& bar = *dialog.findChild<QScrollBar*>();
+    ASSERT_TRUE(bar.isEnabled());
+    bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
+    EXPECT_EQ(dialog.Grid().Offset(), 1);
+    bar.triggerAction(QAbstractSlider::SliderPageStepAdd);
+    EXPECT_EQ(dialog.Grid().Offset(), std::min(1 + dialog.Grid().VisibleWidth(), bar.maximum()));
+    bar.triggerAction(QAbstractSlider::SliderToMaximum);
+    EXPECT_EQ(dialog.Grid().Offset(), bar.maximum());
+    dialog.resize(6000, 160);
+    QApplication::processEvents();
+    EXPECT_FALSE(bar.isEnabled());
+    EXPECT_EQ(dialog.Grid().Offset(), 0);
+}
+
+} // namespace
+} // namespace busquill::test
