@@ -19,6 +19,8 @@ public:
     PatternDialog(QWidget* parent, const char* caption, CSignalList& list, Prompts& prompts);
 
     [[nodiscard]] CPatternGrid& Grid() const noexcept { return *grid_; }
+    /// The copy that is edited.
+    [[nodiscard]] const CSignalList& Edited() const noexcept { return copy_; }
 
     void accept() override;
 
@@ -37,12 +39,14 @@ private:
 };
 
 class CSearchPatternDlg final : public PatternDialog {
+    Q_OBJECT
 public:
     CSearchPatternDlg(QWidget* parent, CSignalList& list, Prompts& prompts)
         : PatternDialog(parent, "Search Pattern", list, prompts) {}
 };
 
 class CFilterPatternDlg final : public PatternDialog {
+    Q_OBJECT
 public:
     CFilterPatternDlg(QWidget* parent, CSignalList& list, Prompts& prompts)
         : PatternDialog(parent, "Filter Pattern", list, prompts) {}

@@ -94,6 +94,24 @@ TEST(Commands, GoToNeedsATraceAndItsTarget) {
     }
 }
 
+TEST(Commands, SearchesNeedATraceThatIsNotRunning) {
+    CommandState state = On("PCIKite-1");
+    for (const auto id : {CommandId::FindPattern, CommandId::FindNext, CommandId::FindPrevious,
+                          CommandId::GoToSample, CommandId::Filter}) {
+        EXPECT_FALSE(Enabled(id, state));
+    }
+    state.traceActive = true;
+    EXPECT_TRUE(Enabled(CommandId::FindPattern, state));
+    EXPECT_FALSE(Enabled(CommandId::FindNext, state));
+    state.canSearch = true;
+    for (const auto id : {CommandId::FindNext, CommandId::FindPrevious, CommandId::GoToSample}) {
+        EXPECT_TRUE(Enabled(id, state));
+    }
+    EXPECT_FALSE(Enabled(CommandId::Filter, state));
+    state.canFilter = true;
+    EXPECT_TRUE(Enabled(CommandId::Filter, state));
+}
+
 TEST(Commands, ZoomGoesAsFarAsTheWaveformsDo) {
     CommandState state = On("PCIKite-1");
     state.traceActive = true;
