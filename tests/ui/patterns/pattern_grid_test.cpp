@@ -4,6 +4,7 @@
 #include "ui/framework/painting.h"
 #include "ui/patterns/command_dialog.h"
 #include "ui/patterns/pattern_dialogs.h"
+#include "ui/patterns/pattern_edit.h"
 #include "ui/patterns/pattern_grid.h"
 #include "ui/patterns/value_dialog.h"
 
@@ -313,6 +314,35 @@ TEST(ValueDialog, ClearMakesTheMaskEmpty) {
     dialog.accept();
     EXPECT_EQ(value, Bytes{0});
     EXPECT_EQ(mask, Bytes{0});
+}
+
+TEST(PatternEdit, APressOpensTheDialog) {
+    CPatternEdit edit;
+    EXPECT_EQ(edit.text(), "00000000 00000000");
+    edit.SetWidth(12);
+    edit.SetValue(0xABC);
+    EXPECT_EQ(edit.text(), "ABC");
+    edit.show();
+    int opened = 0;
+    const auto answer = [&](bool ok) {
+        QTimer::singleShot(0, [&opened, ok] {
+            auto* dialog = qobject_cast<CValueDlg*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            ++opened;
+            QTest::keyClicks(dialog->findChild<CBitEditWnd*>(), "1X");
+            ok ? dialog->accept() : dialog->reject();
+        });
+        QTest::mousePress(&edit, Qt::LeftButton);
+    };
+    answer(false);
+    EXPECT_EQ(edit.Value(), 0xABCU);
+    answer(true);
+    EXPECT_EQ(edit.Value(), 0x10CU) << "an X clears its digit";
+    EXPECT_EQ(edit.text(), "10C");
+    QMouseEvent twice(QEvent::MouseButtonDblClick, QPointF(3, 3), edit.mapToGlobal(QPointF(3, 3)),
+                      Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&edit, &twice);
+    EXPECT_EQ(opened, 2);
 }
 
 class PatternDialogs : public testing::Test {

@@ -1,0 +1,54 @@
+#include "ui/patterns/pattern_edit.h"
+
+#include "signals/signal.h"
+#include "signals/value_text.h"
+#include "ui/patterns/value_dialog.h"
+
+#include <QMouseEvent>
+
+#include <algorithm>
+
+namespace busquill {
+
+CPatternEdit::CPatternEdit(QWidget* parent) : QLineEdit(parent) {
+    setReadOnly(true);
+    Refresh();
+}
+
+void CPatternEdit::SetWidth(unsigned bits) {
+    width_ = std::clamp(bits, 1U, 64U);
+    Refresh();
+}
+
+std::uint64_t CPatternEdit::Value() const noexcept {
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < bytes_.size(); ++i) {
+        value |= std::uint64_t{bytes_[i]} << (8 * i);
+    }
+    return value;
+}
+
+void CPatternEdit::SetValue(std::uint64_t value) {
+    for (std::size_t i = 0; i < bytes_.size(); ++i) {
+        bytes_[i] = static_cast<std::uint8_t>(value >> (8 * i));
+    }
+    Refresh();
+}
+
+void CPatternEdit::Refresh() {
+    setText(QString::fromStdString(FormatValue(bytes_, width_, Radix::Hex, {}, false)));
+}
+
+void CPatternEdit::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) {
+        QLineEdit::mousePressEvent(event);
+        return;
+    }
+    const std::size_t count = (width_ - 1) / 8 + 1;
+    if (CValueDlg(this, std::span(bytes_).first(count), {}, width_, Radix::Hex).exec() ==
+        QDialog::Accepted) {
+        Refresh();
+    }
+}
+
+} // namespace busquill

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QLineEdit>
+
+#include <array>
+#include <cstdint>
+
+namespace busquill {
+
+/// A value of up to 64 bits, shown in hex. A press of the left button opens the dialog that
+/// changes it. Every bit is known.
+class CPatternEdit final : public QLineEdit {
+    Q_OBJECT
+public:
+    explicit CPatternEdit(QWidget* parent = nullptr);
+
+    /// At most 64 bits.
+    void SetWidth(unsigned bits);
+    [[nodiscard]] std::uint64_t Value() const noexcept;
+    void SetValue(std::uint64_t value);
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    /// Opens nothing: the first press has.
+    void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
+
+private:
+    void Refresh();
+
+    std::array<std::uint8_t, 8> bytes_{}; // little-endian
+    unsigned width_ = 64;
+};
+
+} // namespace busquill
