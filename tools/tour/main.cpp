@@ -184,6 +184,8 @@ void Walk(Tour& tour, Program& program) {
         QApplication::processEvents();
         tour.Picture(frame, "power-zoom");
     }
+    tour.Choose(frame, "Search/Find Pattern", "search-pattern");
+    tour.Choose(frame, "Search/Go to/Sample #", "go-to-sample");
     tour.Choose(frame, "Window/Cascade", "message");
     tour.Picture(frame, "windows");
     tour.Choose(frame, "Help/Contents", "message");
