@@ -234,7 +234,10 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
         return;
     }
     const std::int64_t away = status[1] | status[2] << 8 | status[3] << 16;
-    document.SetMarker(1, (status[0] & searchHitAfter) != 0 ? before + away : before - away);
+    const std::int64_t hit = (status[0] & searchHitAfter) != 0 ? before + away : before - away;
+    if (hit >= 0) { // a place that the capture does not have is no hit
+        document.SetMarker(1, hit);
+    }
 }
 
 } // namespace busquill

@@ -72,6 +72,8 @@ private:
     static Cell pressed;
 
     void Render();
+    void RenderHeader();
+    void DrawHeader(QPainter& painter) const;
     void DrawRow(QPainter& painter, int row, int y) const;
     void Show(HeaderControl::Redraw redraw);
     [[nodiscard]] Cell CellAt(const QPoint& place) const;

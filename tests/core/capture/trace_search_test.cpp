@@ -343,6 +343,16 @@ TEST_F(SearchByTheBoard, DistancesHaveThreeBytes) {
     EXPECT_EQ(document->Marker(1, false), -1);
 }
 
+TEST_F(SearchByTheBoard, APlaceOutsideTheCaptureIsNoHit) {
+    Open();
+    document->SetMarker(1, 5);
+    for (const Bytes& status : {Bytes{0x01, 101, 0, 0}, Bytes{0x03, 50, 0, 0}}) {
+        SetStatus({status});
+        Search(SearchDirection::Forward, 0);
+        EXPECT_EQ(document->Marker(1, false), 5);
+    }
+}
+
 TEST_F(SearchByTheBoard, IsAskedAgainAsLongAsItGoesOn) {
     Open();
     line->SetClockRuns(false);
