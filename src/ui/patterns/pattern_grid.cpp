@@ -150,23 +150,9 @@ void CPatternGrid::Render() {
     }
     QPainter painter(&bitmap_);
     painter.fillRect(rect(), ColorOf(background));
-    painter.fillRect(0, headerLine, width(), 1, Qt::black);
-    painter.setFont(headerFont_);
-    painter.setPen(Qt::black);
-    if (showLabels_) {
-        const QRect cell(QPoint(1, 1), QPoint(header_.fixedEnd - 1, headerLine - 1));
-        DrawEdge(painter, cell, Edge::Raised);
-        DrawHeaderText(painter, cell, QString::fromStdString(heading_));
-        painter.fillRect(header_.fixedEnd, 0, 1, height(), Qt::black);
-    }
+    DrawHeader(painter);
     if (list_ != nullptr) {
         const QRect columns(header_.fixedEnd + 1, 0, VisibleWidth(), height());
-        painter.setClipRect(columns);
-        for (const TableColumn& column :
-             VisibleColumns(ColumnWidths(*list_), header_.fixedEnd, header_.offset, width())) {
-            DrawColumnTitle(painter, (*list_)[column.signal], column, headerLine, height(),
-                            ColorOf(background));
-        }
         painter.setFont(bodyFont_);
         for (int row = topRow_, y = firstRow; row < rowCount_ && y < height();
              ++row, y += rowPitch) {
@@ -180,6 +166,34 @@ void CPatternGrid::Render() {
         }
     }
     update();
+}
+
+void CPatternGrid::RenderHeader() {
+    QPainter painter(&bitmap_);
+    DrawHeader(painter);
+    update(0, 0, width(), headerLine);
+}
+
+void CPatternGrid::DrawHeader(QPainter& painter) const {
+    painter.fillRect(0, headerLine, width(), 1, Qt::black);
+    painter.setFont(headerFont_);
+    painter.setPen(Qt::black);
+    if (showLabels_) {
+        const QRect cell(QPoint(1, 1), QPoint(header_.fixedEnd - 1, headerLine - 1));
+        painter.fillRect(cell, ColorOf(background)); // the title is drawn over itself
+        DrawEdge(painter, cell, Edge::Raised);
+        DrawHeaderText(painter, cell, QString::fromStdString(heading_));
+        painter.fillRect(header_.fixedEnd, 0, 1, height(), Qt::black);
+    }
+    if (list_ == nullptr) {
+        return;
+    }
+    painter.setClipRect(QRect(header_.fixedEnd + 1, 0, VisibleWidth(), height()));
+    for (const TableColumn& column :
+         VisibleColumns(ColumnWidths(*list_), header_.fixedEnd, header_.offset, width())) {
+        DrawColumnTitle(painter, (*list_)[column.signal], column, headerLine, height(),
+                        ColorOf(background));
+    }
 }
 
 void CPatternGrid::DrawRow(QPainter& painter, int row, int y) const {
@@ -236,12 +250,11 @@ void CPatternGrid::SetHot(const Cell& cell) {
 }
 
 void CPatternGrid::Show(HeaderControl::Redraw redraw) {
-    if (redraw == HeaderControl::Redraw::Nothing) {
-        return;
-    }
-    SetOffset(header_.offset);
     if (redraw == HeaderControl::Redraw::All) {
+        SetOffset(header_.offset);
         emit ColumnsChanged();
+    } else if (redraw == HeaderControl::Redraw::Header) {
+        RenderHeader();
     }
 }
 
@@ -374,6 +387,9 @@ void CPatternGrid::SignalReshaped(CSignal& signal) {
 
 void CPatternGrid::SignalsChanged() {
     hot = pressed = {};
+    if (modified_) {
+        modified_();
+    }
     SetOffset(header_.offset);
     emit ColumnsChanged();
 }

@@ -218,6 +218,9 @@ TEST_F(PatternGrid, TheHeaderSelectsResizesAndOpensTheMenu) {
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, header);
     EXPECT_TRUE(Column("IRDY").selected);
     EXPECT_EQ(changes, 0);
+    const QImage selected = grid->grab().toImage();
+    grid->StepRows(0); // draws all of it
+    EXPECT_EQ(grid->grab().toImage(), selected);
     QTimer::singleShot(0, [] {
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         ASSERT_NE(menu, nullptr);
@@ -230,6 +233,7 @@ TEST_F(PatternGrid, TheHeaderSelectsResizesAndOpensTheMenu) {
     });
     QTest::mouseClick(grid.get(), Qt::RightButton, {}, header);
     EXPECT_THROW(Column("IRDY"), std::runtime_error);
+    EXPECT_EQ(changes, 1);
 }
 
 TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
