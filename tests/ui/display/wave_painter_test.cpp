@@ -209,6 +209,12 @@ TEST_F(WavePainter, RunsShowTheirValuesAndAnEllipsisWhereTheseDoNotFit) {
     EXPECT_THAT(RunTexts(Record({left + 200, 100})), IsEmpty());
 }
 
+TEST_F(WavePainter, ABusShowsNoValuesUnlessAsked) {
+    Open();
+    AddBus(2, 9);
+    EXPECT_THAT(RunTexts(Record()), IsEmpty());
+}
+
 TEST_F(WavePainter, ALineShowsItsValueWhenAsked) {
     Open();
     AddLine(2).showValue = true;
@@ -270,6 +276,9 @@ TEST_F(WavePainter, NothingIsDrawnWhileASampleThatShowsIsMissing) {
     document->FlushBlockUpdates();
     auto drawn = Record({left + 400, 100}); // 20 samples show
     EXPECT_EQ(missing, 18);
+    document->SetMarker(1, 20);
+    EXPECT_THAT(Texts(Record({left + 400, 100}), 60, 100), IsEmpty()) << "no value either";
+    document->SetMarker(1, 2);
     EXPECT_THAT(Strokes(drawn), IsEmpty());
     EXPECT_THAT(RunTexts(drawn), IsEmpty());
     EXPECT_EQ(drawn.TextsBetween(18, 99).size(), 4U) << "names and values stay";
@@ -638,7 +647,7 @@ TEST_F(WavePainter, RunsAreThoseOfAWalkOverEverySample) {
     document = std::make_unique<CTesselDoc>(context, prompts);
     ASSERT_TRUE(document->OnOpenDocument(dir.Write("runs.tra", text)));
     document->waveformList.RemoveAllSignals();
-    for (const char* name : {"COMMAND", "ADDRESS32", "DATA32"}) {
+    for (const char* name : {"COMMAND", "ADDRESS32", "DATA32", "ADR/DATA"}) {
         const CSignal& signal = AddDecoded(name);
         const BandSamples samples(*document, false, 100, 1500);
         const BandValues values(samples, board.board, signal, BandValues::KindOf(signal));

@@ -143,6 +143,11 @@ TEST_F(Waveforms, PageKeysMoveAWindow) {
     EXPECT_EQ(window->Place(), (WavePlace{row + visible, 0}));
     Key(Qt::Key_PageUp);
     EXPECT_EQ(window->Place(), (WavePlace{row, 0}));
+    Key(Qt::Key_Right);
+    view->ScrollToSample(row);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 4})) << "it is the first one already";
+    view->ScrollToSample(row + 1);
+    EXPECT_EQ(window->Place(), (WavePlace{row + 1, 0}));
     for (int i = 0; i < 40; ++i) {
         Key(Qt::Key_PageDown);
     }
@@ -441,6 +446,8 @@ TEST_F(Waveforms, BandsUnderTheMouseFollowTheirScrolling) {
     for (int i = 0; i < 25; ++i) { // 21 for the first band, 4 of the second
         SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
     }
+    Click({30, 17});
+    EXPECT_FALSE(Band(1).selected) << "the header is no band";
     Click({30, 18 + 10});
     EXPECT_TRUE(Band(1).selected);
     Click({30, 18 + 16 + 10});
@@ -621,11 +628,13 @@ TEST_F(Waveforms, PowerZoomHasSamplesMarkersAndPicosecondsOfItsOwn) {
         Key(Qt::Key_PageDown);
     }
     EXPECT_EQ(view->TopSample(), 511 - window->VisibleSampleCount());
-    window->SetZoom(-3);
+    view->resize(300, 400);
+    QApplication::processEvents();
+    window->SetZoom(-1);
     view->ScrollToSample(100);
-    const std::int64_t row = window->Place().row;
+    ASSERT_EQ(window->Place().row, 100);
     Key(Qt::Key_Left);
-    EXPECT_EQ(view->TopSample(), std::max<std::int64_t>(row - 12, 0)) << "row and sample are one";
+    EXPECT_EQ(view->TopSample(), 96) << "row and sample are one";
 }
 
 } // namespace
