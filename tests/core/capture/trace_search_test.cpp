@@ -409,7 +409,13 @@ TEST_F(SearchByTheBoard, IsNotForACaptureThatRuns) {
     NewDocument();
     EXPECT_TRUE(CanSearch(*document));
     EXPECT_TRUE(CanFilter(*document));
+    Want(document->filterPattern, 72, false);
+    Want(document->searchPattern, 72, false);
     document->OnCaptureStarted();
+    SampleRecord high;
+    high.bytes[9] = 1;
+    EXPECT_TRUE(RecordPattern(document->filterPattern).Matches(high)) << "begins anew";
+    EXPECT_FALSE(RecordPattern(document->searchPattern).Matches(high)) << "stays";
     EXPECT_FALSE(CanSearch(*document));
     EXPECT_FALSE(CanFilter(*document));
 }

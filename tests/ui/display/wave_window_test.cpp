@@ -596,6 +596,11 @@ TEST_F(Waveforms, AnArrivingBlockIsDrawnWhereItShows) {
     EXPECT_FALSE(draws(320 + drawn, false));
 }
 
+TEST_F(Waveforms, NewDataAreDrawnWhereTheViewIsAlready) {
+    Open();
+    EXPECT_FALSE(Painted([&] { document->UpdateAllViews(nullptr, HintDataComplete); }).isEmpty());
+}
+
 TEST_F(Waveforms, AFilterIsShownAtOnce) {
     Open(0, 999);
     document->SetMarker(2, 510);

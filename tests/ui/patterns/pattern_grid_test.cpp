@@ -135,6 +135,24 @@ TEST_F(PatternGrid, ADoubleClickIsTwoClicks) {
     EXPECT_EQ(Text("IRDY", 0), "1");
 }
 
+TEST_F(PatternGrid, EveryColumnOverABitFollows) {
+    list.AddSignal(&list[0], board.tables.busSignals.FindByName("FRAME"), 2, 0, 0, 0, Radix::Hex,
+                   true);
+    grid->SetList(list);
+    Click("FRAME", 0); // the new one, which comes first
+    int known = 0;
+    for (const auto& signal : list.All()) {
+        known += signal->name == "FRAME" && signal->MaskBit(0) ? 1 : 0;
+    }
+    EXPECT_EQ(known, 2);
+}
+
+TEST_F(PatternGrid, AReleaseAloneEditsNothing) {
+    Click("FRAME", 0);
+    QTest::mouseRelease(grid.get(), Qt::LeftButton, {}, Place("IRDY", 0));
+    EXPECT_EQ(changes, 1);
+}
+
 TEST_F(PatternGrid, BusesOpenTheValueDialog) {
     ClickAndAnswer<CValueDlg>("C/BE[7:0]", 0, [](CValueDlg& dialog) {
         EXPECT_EQ(dialog.windowTitle(), "Value");
@@ -193,6 +211,19 @@ TEST_F(PatternGrid, OtherDecodedCellsOpenAMenuOfTheirLabels) {
     ClickAndChoose("ADR/DATA", 0, label);
     EXPECT_EQ(Text("ADR/DATA", 0), label);
     EXPECT_EQ(changes, 1);
+    QStringList checked;
+    QTimer::singleShot(0, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (const QAction* action : menu->actions()) {
+            checked << (action->isChecked() ? action->text() : "");
+        }
+        menu->close();
+    });
+    Click("ADR/DATA", 0);
+    EXPECT_EQ(checked.count(label), 1);
+    EXPECT_EQ(checked.count(""), checked.size() - 1);
+    EXPECT_EQ(changes, 1);
 }
 
 TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
@@ -207,6 +238,9 @@ TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
 }
 
 TEST_F(PatternGrid, BelowTheRowsAndInTheLabelsThereAreNoCells) {
+    grid->resize(300, 80);
+    QApplication::processEvents();
+    grid->SetOffset(Place("FRAME", 0).x() - 12); // under the labels now
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {10, 30});
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place("FRAME", 2));
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {Place("FRAME", 0).x(), 18});
@@ -268,6 +302,69 @@ TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
     EXPECT_EQ(Text("C/BE[7:0]", 0), "");
     Click("C/BE[7:0]", 0); // what is not there cannot be edited
     EXPECT_EQ(changes, 0);
+}
+
+TEST(PatternGridOnPciX, DecodedNumbersAreEditedAsValues) {
+    BoardTables board("PCIKite-1", BusPciX, 1);
+    RecordingPrompts prompts;
+    CSignalList list;
+    list.mode = ModeEvents;
+    CSignal* tag = list.AddSignal(nullptr, board.tables.decodedSignals.FindByName("TAG(PCI-X)"), 1,
+                                  0, 0, 0, Radix::Hex, true);
+    ASSERT_NE(tag, nullptr);
+    const std::int32_t lowest = tag->dataIndex;
+    const auto lines = board.tables.busSignals.FindByName("AD");
+    list.AddSignal(nullptr, lines, 1, 0, 63, 0, Radix::Hex, true);
+    CPatternGrid grid(nullptr, prompts);
+    grid.SetRowCount(1);
+    grid.ShowLabels(false);
+    grid.SetList(list);
+    grid.resize(600, 60);
+    grid.show();
+    QApplication::processEvents();
+    QTimer::singleShot(0, [] {
+        auto* dialog = qobject_cast<CValueDlg*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        auto& bits = *dialog->findChild<CBitEditWnd*>();
+        QTest::keyClick(&bits, Qt::Key_End);
+        QTest::keyClick(&bits, Qt::Key_Left);
+        QTest::keyClicks(&bits, "5");
+        dialog->accept();
+    });
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, {10, 30});
+    EXPECT_EQ(CPatternGrid::CellText(*tag, 0).back(), '5');
+    for (const auto& signal : list.All()) {
+        if (signal.get() != tag && signal->dataIndex == lowest) {
+            EXPECT_TRUE(signal->MaskBit(0)) << signal->name;
+            EXPECT_TRUE(signal->Bit(0));
+        }
+    }
+}
+
+TEST(PatternGridOnVme, CommandsHaveNoDualAddress) {
+    BoardTables board("VMEKite-1", BusVme, 0);
+    RecordingPrompts prompts;
+    CSignalList list;
+    list.mode = ModeEvents;
+    ASSERT_NE(list.AddSignal(nullptr, board.tables.decodedSignals.FindByName("COMMAND"), 1, 0, 0, 0,
+                             Radix::Hex, true),
+              nullptr);
+    CPatternGrid grid(nullptr, prompts);
+    grid.SetRowCount(1);
+    grid.ShowLabels(false);
+    grid.SetList(list);
+    grid.resize(300, 60);
+    grid.show();
+    QApplication::processEvents();
+    QTimer::singleShot(0, [&] {
+        auto* dialog = qobject_cast<CCommandDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_FALSE(dialog->findChild<QCheckBox*>()->isVisible());
+        EXPECT_EQ(dialog->findChild<QComboBox*>()->count(),
+                  static_cast<int>(list[0].decoded->values.size()));
+        dialog->reject();
+    });
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, {10, 30});
 }
 
 TEST(ValueDialog, WritesBackOnOkAlone) {
