@@ -70,6 +70,7 @@ TEST(Search, AgreesWithALoopOverBytes) {
         for (std::uint32_t n = random() % 4; n > 0; --n) {
             Want(list, static_cast<std::int32_t>(random() % 144), random() % 2 != 0);
         }
+        list[random() % 120].data[0] ^= 1; // a value does not make a bit count
         std::vector<std::uint32_t> excluded;
         if (round % 2 != 0) {
             excluded.resize((records.size() + 31) / 32);
@@ -253,6 +254,11 @@ TEST_F(SearchOfAFile, AFilterThatMatchesNothingListsNothingAndTheNextRestoresAll
     EXPECT_FALSE(document->IsFiltered());
     EXPECT_EQ(document->SampleToRow(123, false), 123);
     EXPECT_TRUE(document->IsRowSample(999, false));
+}
+
+TEST_F(SearchOfAFile, AFilterGoesNowhereFromOutsideTheCapture) {
+    document->ApplyFilter(5000);
+    EXPECT_THAT(view.hints, ElementsAre(HintFilterChanged));
 }
 
 TEST_F(SearchOfAFile, ASearchFindsWhatTheFilterHides) {
