@@ -240,7 +240,9 @@ TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
 TEST_F(PatternGrid, BelowTheRowsAndInTheLabelsThereAreNoCells) {
     grid->resize(300, 80);
     QApplication::processEvents();
-    grid->SetOffset(Place("FRAME", 0).x() - 12); // under the labels now
+    Column("FRAME").width = 150;
+    grid->SetOffset(Place("FRAME", 0).x() - 75); // reaches under the labels now
+    ASSERT_LT(Place("FRAME", 0).x() - 75, 10);
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {10, 30});
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place("FRAME", 2));
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {Place("FRAME", 0).x(), 18});
