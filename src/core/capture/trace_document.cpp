@@ -178,6 +178,14 @@ void CTesselDoc::SetZoomMarker(int which, std::int64_t index) {
     SetMarkerIn(zoomMarkers_, which, index, zoomSampleCount, HintZoomMarker1);
 }
 
+void CTesselDoc::ToggleMarker(int which, std::int64_t sample, bool zoom) {
+    if (sample < 0) {
+        return;
+    }
+    const std::int64_t index = Marker(which, zoom) == sample ? -1 : sample;
+    zoom ? SetZoomMarker(which, index) : SetMarker(which, index);
+}
+
 void CTesselDoc::SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
                              std::int64_t limit, int firstHint) {
     if (index >= limit || which < 0 || which >= 3) {

@@ -133,6 +133,8 @@ public:
     /// A pattern that compares nothing brings all rows back.
     void ApplyFilter(std::int64_t topSample);
     void SetZoomMarker(int which, std::int64_t index);
+    /// Sets a marker on a sample, or clears it where it stands already; a negative sample is none.
+    void ToggleMarker(int which, std::int64_t sample, bool zoom);
 
     /// Any thread: keeps a block of samples until FlushBlockUpdates.
     void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;

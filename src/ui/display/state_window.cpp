@@ -210,15 +210,7 @@ void CStateWnd::SetMarkerAt(int y, int which) {
     }
     const std::int64_t row = topRow_ + (y - stateFirstRow) / stateRowPitch;
     const std::int64_t sample = document_->RowToSample(row, zoom_);
-    if (sample < 0) {
-        return;
-    }
-    const std::int64_t index = document_->Marker(which, zoom_) == sample ? -1 : sample;
-    if (zoom_) {
-        document_->SetZoomMarker(which, index);
-    } else {
-        document_->SetMarker(which, index);
-    }
+    document_->ToggleMarker(which, sample, zoom_);
 }
 
 void CStateWnd::mouseMoveEvent(QMouseEvent* event) {

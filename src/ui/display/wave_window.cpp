@@ -318,15 +318,7 @@ void CWaveformWnd::SetMarkerAt(int x, int which) {
     if (scale.Skipped() > 0 && sample == firstSample_) {
         sample = document_->RowToSample(row + 1, isZoom_); // the first begins out of sight
     }
-    if (sample < 0) {
-        return;
-    }
-    const std::int64_t index = document_->Marker(which, isZoom_) == sample ? -1 : sample;
-    if (isZoom_) {
-        document_->SetZoomMarker(which, index);
-    } else {
-        document_->SetMarker(which, index);
-    }
+    document_->ToggleMarker(which, sample, isZoom_);
 }
 
 void CWaveformWnd::ShowCursor(const QPoint& place) {
