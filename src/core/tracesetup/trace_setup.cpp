@@ -11,7 +11,6 @@ namespace {
 
 constexpr std::uint32_t eventColumns = 8;
 constexpr std::uint32_t eventColumnsOfLark = 4;
-constexpr int nibbles = 16;
 
 // clang-format off
 constexpr std::string_view clockTexts[clockCount] = {
@@ -27,24 +26,13 @@ constexpr std::string_view triggerTexts[triggerCount] = {
 };
 // clang-format on
 
-/// Tokens of nibbles 9 to 14.
+/// The texts of the tokens from TokenAnd to TokenClose.
 constexpr std::string_view operatorTokens = ".+~x()";
-constexpr std::uint8_t firstOperator = 9;
 
 std::string_view TextAt(std::span<const std::string_view> texts, std::int32_t index) noexcept {
     return index >= 0 && static_cast<std::size_t>(index) < texts.size()
                ? texts[static_cast<std::size_t>(index)]
                : std::string_view();
-}
-
-std::uint8_t Nibble(const Expression& bytes, int n) noexcept {
-    const std::uint8_t byte = bytes[static_cast<std::size_t>(n / 2)];
-    return n % 2 == 0 ? byte & 0x0F : byte >> 4;
-}
-
-void SetNibble(Expression& bytes, int n, std::uint8_t value) noexcept {
-    std::uint8_t& byte = bytes[static_cast<std::size_t>(n / 2)];
-    byte |= static_cast<std::uint8_t>(n % 2 == 0 ? value : value << 4);
 }
 
 /// The text behind the first occurrence of `key`, or nothing.
@@ -99,17 +87,28 @@ std::string_view TriggerText(std::int32_t index) noexcept {
     return TextAt(triggerTexts, index);
 }
 
+std::uint8_t TokenAt(const Expression& bytes, int nibble) noexcept {
+    const std::uint8_t byte = bytes[static_cast<std::size_t>(nibble / 2)];
+    return nibble % 2 == 0 ? byte & 0x0F : byte >> 4;
+}
+
+void SetTokenAt(Expression& bytes, int nibble, std::uint8_t token) noexcept {
+    std::uint8_t& byte = bytes[static_cast<std::size_t>(nibble / 2)];
+    byte = static_cast<std::uint8_t>(nibble % 2 == 0 ? (byte & 0xF0) | token
+                                                     : (byte & 0x0F) | token << 4);
+}
+
 std::string FormatExpression(const Expression& bytes) {
     if (bytes == expressionAll) {
         return "All";
     }
     std::string text;
-    for (int n = nibbles; n-- > 0;) {
-        const std::uint8_t token = Nibble(bytes, n);
-        if (token >= 1 && token <= 8) {
+    for (int n = expressionTokens; n-- > 0;) {
+        const std::uint8_t token = TokenAt(bytes, n);
+        if (token >= TokenFirstEvent && token <= TokenLastEvent) {
             text += Printf("E%d", token);
-        } else if (token >= firstOperator && token < firstOperator + operatorTokens.size()) {
-            text += operatorTokens[token - std::size_t{firstOperator}];
+        } else if (token >= TokenAnd && token <= TokenClose) {
+            text += operatorTokens[std::size_t{token} - TokenAnd];
         }
     }
     return text.empty() ? "None" : text;
@@ -123,15 +122,15 @@ Expression ParseExpression(std::string_view text) noexcept {
     if (text == "None") {
         return bytes;
     }
-    int next = nibbles - 1;
+    int next = expressionTokens - 1;
     const auto store = [&](std::uint8_t token) {
         if (next >= 0) {
-            SetNibble(bytes, next--, token);
+            SetTokenAt(bytes, next--, token);
         }
     };
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (const auto at = operatorTokens.find(text[i]); at != std::string_view::npos) {
-            store(static_cast<std::uint8_t>(firstOperator + at));
+            store(static_cast<std::uint8_t>(TokenAnd + at));
         } else if (text[i] == 'E' && i + 1 < text.size() && IsEventDigit(text[i + 1])) {
             store(static_cast<std::uint8_t>(text[i + 1] - '0'));
         }

@@ -15,10 +15,27 @@ using Expression = std::array<std::uint8_t, 8>;
 constexpr Expression expressionAll = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 constexpr Expression expressionNone = {};
 
+/// What a nibble of an expression says.
+enum ExpressionToken : std::uint8_t {
+    TokenEmpty = 0,
+    TokenFirstEvent = 1,
+    TokenLastEvent = 8,
+    TokenAnd = 9,
+    TokenOr = 10,
+    TokenNot = 11,
+    TokenXor = 12,
+    TokenOpen = 13,
+    TokenClose = 14,
+};
+constexpr int expressionTokens = 16;
+[[nodiscard]] std::uint8_t TokenAt(const Expression& bytes, int nibble) noexcept;
+void SetTokenAt(Expression& bytes, int nibble, std::uint8_t token) noexcept;
+
 constexpr int levelRecords = 16;
 constexpr int traceLevels = 8;     // L1 to L8
 constexpr int stimulusLevels = 15; // SL1 to SL15
 constexpr std::int32_t stimulusStop = 15;
+constexpr std::uint32_t traceOccurrences = 65535; // as many as two bytes on the wire hold
 
 /// One level of the sequencer.
 struct TraceLevel {
@@ -66,6 +83,7 @@ public:
 [[nodiscard]] std::string_view PowerZoomText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view TriggerText(std::int32_t index) noexcept;
 constexpr std::int32_t clockCount = 17;
+constexpr std::int32_t clock133MHz = 4; // which boards of the small tier do not have
 constexpr std::int32_t powerZoomCount = 9;
 constexpr std::int32_t triggerCount = 6;
 

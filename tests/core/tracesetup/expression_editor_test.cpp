@@ -1,0 +1,93 @@
+#include "tracesetup/expression_editor.h"
+
+#include <gtest/gtest.h>
+
+namespace busquill::test {
+namespace {
+
+ExpressionEditor Editor(std::string_view text) {
+    return ExpressionEditor(ParseExpression(text));
+}
+std::string Text(const ExpressionEditor& editor) {
+    return FormatExpression(editor.Bytes());
+}
+
+TEST(ExpressionEditor, AddsTokensFromTheHighestNibbleDown) {
+    ExpressionEditor editor = Editor("None");
+    editor.Add(1);
+    editor.Add(TokenAnd);
+    editor.Add(TokenNot);
+    editor.Add(8);
+    EXPECT_EQ(editor.Bytes(), (Expression{0, 0, 0, 0, 0, 0, 0xB8, 0x19}));
+    EXPECT_EQ(Text(editor), "E1.~E8");
+}
+
+TEST(ExpressionEditor, GoesOnBehindWhatIsThere) {
+    ExpressionEditor editor = Editor("E1+E2");
+    editor.Add(TokenXor);
+    editor.Add(3);
+    EXPECT_EQ(Text(editor), "E1+E2xE3");
+}
+
+TEST(ExpressionEditor, OffersWhatMayFollow) {
+    struct Row {
+        const char* text;
+        bool operand;
+        bool operation;
+    };
+    const Row rows[] = {
+        {"None", true, false}, {"E1", false, true},  {"E8", false, true},  {"E1.", true, false},
+        {"E1+", true, false},  {"~", true, false},   {"E1x", true, false}, {"(", true, false},
+        {"(E1)", false, true}, {"All", true, false}, {"E1)", false, true}, // brackets are not
+                                                                           // counted
+    };
+    for (const Row& row : rows) {
+        const ExpressionEditor editor = Editor(row.text);
+        EXPECT_EQ(editor.TakesOperand(), row.operand) << row.text;
+        EXPECT_EQ(editor.TakesOperator(), row.operation) << row.text;
+    }
+}
+
+TEST(ExpressionEditor, SixteenTokensAreAll) {
+    ExpressionEditor editor = Editor("~~~~~~~~~~~~~~~");
+    editor.Add(1);
+    const Expression full = editor.Bytes();
+    EXPECT_EQ(Text(editor), "~~~~~~~~~~~~~~~E1");
+    EXPECT_TRUE(editor.TakesOperator()); // which does nothing
+    editor.Add(TokenAnd);
+    editor.Add(2);
+    EXPECT_EQ(editor.Bytes(), full);
+    EXPECT_TRUE(editor.CanErase());
+    editor.Backspace();
+    EXPECT_EQ(Text(editor), "~~~~~~~~~~~~~~~");
+    EXPECT_TRUE(editor.TakesOperand());
+}
+
+TEST(ExpressionEditor, AnEventOverAllBeginsAnew) {
+    ExpressionEditor editor = Editor("E2");
+    editor.SetAll();
+    EXPECT_EQ(editor.Bytes(), expressionAll);
+    editor.Add(1);
+    EXPECT_EQ(Text(editor), "E1");
+}
+
+TEST(ExpressionEditor, ClearsAndTakesBack) {
+    ExpressionEditor editor = Editor("E1+E2");
+    editor.Backspace();
+    EXPECT_EQ(Text(editor), "E1+");
+    editor.Clear();
+    EXPECT_EQ(editor.Bytes(), expressionNone);
+    EXPECT_FALSE(editor.CanErase());
+    editor.Backspace(); // nothing to take back
+    EXPECT_EQ(editor.Bytes(), expressionNone);
+    editor.Add(5);
+    EXPECT_EQ(Text(editor), "E5");
+    editor = Editor("All");
+    EXPECT_TRUE(editor.CanErase());
+    editor.Backspace();
+    EXPECT_EQ(editor.Bytes(), expressionNone);
+    EXPECT_FALSE(editor.CanErase());
+}
+
+} // namespace
+} // namespace busquill::test
