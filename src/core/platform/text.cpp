@@ -72,4 +72,14 @@ std::string TrimRight(std::string_view text) {
     return std::string(text);
 }
 
+std::string_view Trim(std::string_view text) noexcept {
+    while (!text.empty() && IsSpace(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && IsSpace(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
 } // namespace busquill

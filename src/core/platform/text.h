@@ -22,4 +22,7 @@ namespace busquill {
 /// The text without white space at its end.
 [[nodiscard]] std::string TrimRight(std::string_view text);
 
+/// The text without white space at both ends.
+[[nodiscard]] std::string_view Trim(std::string_view text) noexcept;
+
 } // namespace busquill
