@@ -94,10 +94,10 @@ std::string_view FunctionName(std::uint8_t function) {
 }
 
 Board::Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
-             std::vector<Record> zoom, std::unique_ptr<Traffic> traffic)
-    : sequencer_(std::move(samples), trigger, std::move(zoom)), traffic_(std::move(traffic)),
-      bufferSamples_(std::size_t{identity.bufferK} * 1024), hasZoom_(HasZoom(identity.model)),
-      baud_(baud) {
+             std::vector<Record> zoom, std::unique_ptr<Traffic> traffic, Comparators comparators)
+    : sequencer_(std::move(samples), trigger, std::move(zoom), std::move(comparators)),
+      traffic_(std::move(traffic)), bufferSamples_(std::size_t{identity.bufferK} * 1024),
+      hasZoom_(HasZoom(identity.model)), baud_(baud) {
     for (std::size_t i = 0; i < nameLength; ++i) {
         memory_[i] = i < identity.model.size() ? static_cast<std::uint8_t>(identity.model[i]) : ' ';
     }

@@ -40,7 +40,8 @@ class Board {
 public:
     /// A board whose memory holds samples; the traffic is what a run sees.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
-          std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr);
+          std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr,
+          Comparators comparators = {});
 
     /// Takes one byte from the host and returns what the board answers.
     [[nodiscard]] std::vector<std::uint8_t> Receive(std::uint8_t byte);

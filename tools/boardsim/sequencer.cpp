@@ -9,7 +9,6 @@ namespace boardsim {
 
 namespace {
 
-constexpr std::size_t eventRow = 30;
 constexpr std::size_t levelRow = 20;
 constexpr int zoomTrigger = 255;
 /// Samples of the bus on each side of the trigger that the finest zoom memory can span.
@@ -97,8 +96,9 @@ Record Held(const std::vector<Record>& records, std::int64_t index) {
 
 } // namespace
 
-Sequencer::Sequencer(std::vector<Record> samples, std::size_t trigger, std::vector<Record> zoom)
-    : zoom_(std::move(zoom)) {
+Sequencer::Sequencer(std::vector<Record> samples, std::size_t trigger, std::vector<Record> zoom,
+                     Comparators comparators)
+    : comparators_(std::move(comparators)), zoom_(std::move(zoom)) {
     const auto middle =
         samples.begin() + static_cast<std::ptrdiff_t>(std::min(trigger, samples.size()));
     before_.assign(samples.begin(), middle);
@@ -125,14 +125,7 @@ Sequencer::Truth Sequencer::Compile(std::span<const std::uint8_t, 8> expression)
 void Sequencer::Start(std::span<const std::uint8_t> events, std::span<const std::uint8_t> control,
                       std::span<const std::uint8_t> parameters, std::size_t bufferSamples,
                       bool hasZoom) {
-    events_.clear();
-    for (std::size_t row = 0; row + eventRow <= events.size(); row += eventRow) {
-        Event& event = events_.emplace_back();
-        for (std::size_t i = 0; i < eventRow / 2; ++i) {
-            event.value[i] = events[row + 2 * i];
-            event.compare[i] = events[row + 2 * i + 1];
-        }
-    }
+    comparators_.Load(events);
     levels_.clear();
     for (std::size_t row = 0; row + levelRow <= control.size(); row += levelRow) {
         const auto bytes = control.subspan(row, levelRow);
@@ -167,19 +160,6 @@ void Sequencer::Stop() {
     recent_.clear();
 }
 
-unsigned Sequencer::Matches(const Record& record) const {
-    unsigned matches = 0;
-    for (std::size_t e = 0; e < events_.size(); ++e) {
-        const Event& event = events_[e];
-        bool match = true;
-        for (std::size_t i = 0; i < eventRow / 2 && match; ++i) {
-            match = ((record[i] ^ event.value[i]) & event.compare[i]) == 0;
-        }
-        matches |= match ? 1U << e : 0;
-    }
-    return matches;
-}
-
 void Sequencer::Feed(const Record& record) {
     if (!WantsSamples() || levels_.empty()) {
         return;
@@ -189,7 +169,7 @@ void Sequencer::Feed(const Record& record) {
     unstoredTime_ += TimeOfField(GetField(record, bitTime, timeBits));
     SetField(timed, bitTime, timeBits, TimeField(unstoredTime_));
 
-    const unsigned matches = Matches(record);
+    const unsigned matches = comparators_.Matches(record);
     const Level& level = levels_[static_cast<std::size_t>(level_)];
     const bool stored = level.store[matches];
     const bool wasTriggered = triggered_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "comparators.h"
 #include "wire.h"
 
 #include <bitset>
@@ -22,7 +23,8 @@ namespace boardsim {
 class Sequencer {
 public:
     /// A memory that holds samples already, as after a run.
-    Sequencer(std::vector<Record> samples, std::size_t trigger, std::vector<Record> zoom);
+    Sequencer(std::vector<Record> samples, std::size_t trigger, std::vector<Record> zoom,
+              Comparators comparators = {});
 
     /// Takes the program from the bytes of its registers: event rows, level rows, parameters.
     /// `bufferSamples` is the size of the sample memory; a board without Power Zoom keeps none.
@@ -58,19 +60,14 @@ private:
         Branch onSuccess;
         Branch onFailure;
     };
-    struct Event {
-        Record value{};
-        Record compare{};
-    };
 
     [[nodiscard]] static Truth Compile(std::span<const std::uint8_t, 8> expression);
-    [[nodiscard]] unsigned Matches(const Record& record) const;
     void Take(const Branch& branch, Record record);
     void Store(const Record& record);
     void Trigger(const Record& record);
     void NoteForZoom(const Record& record);
 
-    std::vector<Event> events_;
+    Comparators comparators_;
     std::vector<Level> levels_;
     bool active_ = false;
     bool triggered_ = false;
