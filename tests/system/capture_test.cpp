@@ -1,11 +1,6 @@
 // Captures over a real pseudo terminal, held against the traffic that the board has seen.
 
-#include "boardsim/traffic.h"
-#include "capture/trace_document.h"
-#include "capture/trace_run.h"
-#include "support/board_tables.h"
-#include "support/wire_fixture.h"
-#include "tracesetup/setup_encoding.h"
+#include "support/capture_over_wire.h"
 
 #include <gmock/gmock.h>
 
@@ -18,79 +13,6 @@ using namespace std::chrono_literals;
 using boardsim::GetBit;
 using boardsim::GetField;
 using testing::IsEmpty;
-
-class CaptureOverWire : public LinkOverWire {
-protected:
-    CaptureOverWire() {
-        RegisterSetupEncoders(link);
-        context.realTimeStore = &store;
-        context.newDocRealTime = true;
-    }
-    ~CaptureOverWire() override {
-        document.reset();
-        store.ShutDown();
-        // The link's thread may be completing a block.
-        store.CancelUpload();
-        link.WaitIdle();
-    }
-    void Connect(std::vector<std::string> options) {
-        StartBoard(std::move(options));
-        link.Connect(9600);
-        ASSERT_FALSE(link.IsDemoMode());
-        document = std::make_unique<CTesselDoc>(context, prompts);
-        ASSERT_TRUE(document->OnNewDocument());
-    }
-    /// Sets an event of the setup to a value at some bits.
-    void Expect(unsigned event, std::int32_t first, unsigned width, unsigned value) {
-        for (const auto& signal : document->setup.events.All()) {
-            const std::int32_t bit = signal->dataIndex - first;
-            if (bit >= 0 && bit < static_cast<std::int32_t>(width)) {
-                signal->data[0] |= (value >> bit & 1) << event;
-                signal->mask[0] |= 1U << event;
-            }
-        }
-    }
-    void Go() { StartRun(link, *document, "", prompts); }
-    /// Follows the run as a window does.
-    template <typename Condition>
-    bool FollowUntil(Condition holds) {
-        for (int i = 0; i < 3000; ++i) {
-            last = FollowRun(link, *document);
-            if (holds()) {
-                return true;
-            }
-            std::this_thread::sleep_for(10ms);
-        }
-        return false;
-    }
-    bool Complete() {
-        return FollowUntil([&] {
-            return !document->CaptureActive() && last.indicator == RunIndicator::Idle && AllValid();
-        });
-    }
-    [[nodiscard]] bool AllValid() const {
-        for (std::int64_t i = 0; i < document->SampleCount(false); ++i) {
-            if (!document->IsValidSample(i, false)) {
-                return false;
-            }
-        }
-        return true;
-    }
-    /// The captured samples as the board's records.
-    std::vector<boardsim::Record> Captured() {
-        std::vector<boardsim::Record> records;
-        for (std::int64_t i = 0; i < document->SampleCount(false); ++i) {
-            records.push_back(document->GetSample(i, false)->bytes);
-        }
-        return records;
-    }
-
-    BoardTables tables{"PCIKite-1"};
-    CSampleStore store{CSampleStore::Board{link, mainThread, prompts}};
-    NewTraceContext context;
-    std::unique_ptr<CTesselDoc> document;
-    RunState last;
-};
 
 bool IsCommand(const boardsim::Record& record, std::uint64_t command) {
     return GetBit(record, 95) && GetField(record, 64, 4) == command;
