@@ -3,6 +3,7 @@
 #include "support/board_process.h"
 #include "support/manual_clock.h"
 #include "support/memory_settings.h"
+#include "support/modal_qt.h"
 #include "support/recording_prompts.h"
 #include "support/scripted_usb.h"
 #include "support/temp_dir.h"
@@ -10,12 +11,10 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QDialog>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -87,18 +86,7 @@ protected:
     /// Chooses an entry that opens a dialog and does something with it.
     template <class Dialog>
     void ChooseDialog(const QString& path, std::function<void(Dialog&)> act) {
-        bool met = false;
-        QTimer::singleShot(0, [&] {
-            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-                met = true;
-                act(*dialog);
-                if (dialog->isVisible()) {
-                    dialog->reject();
-                }
-            }
-        });
-        Choose(path);
-        EXPECT_TRUE(met) << path.toStdString();
+        AnswerDialog<Dialog>([&] { Choose(path); }, act);
     }
     QList<QMdiSubWindow*> Windows() { return Frame().Area().subWindowList(); }
 

@@ -2,6 +2,7 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QWidget>
 
 namespace busquill {
 
@@ -49,6 +50,11 @@ QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face) {
         }
     }
     return font;
+}
+
+QSize DialogUnits(const QWidget& widget, int across, int down) {
+    const QFontMetrics metrics = widget.fontMetrics();
+    return {across * metrics.averageCharWidth() / 4, down * metrics.height() / 8};
 }
 
 void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, CellAlign align,

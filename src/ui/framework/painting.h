@@ -4,11 +4,13 @@
 #include <QColor>
 #include <QFont>
 #include <QRect>
+#include <QSize>
 #include <QString>
 
 #include <cstdint>
 
 class QPainter;
+class QWidget;
 
 namespace busquill {
 
@@ -24,6 +26,10 @@ enum class FontFace { Proportional, Fixed };
 
 /// A font whose cell (ascent and descent) is `cellHeight` pixels high.
 [[nodiscard]] QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face);
+
+/// Pixels of so many dialog units: a quarter of the widget's average character across, an eighth
+/// of its font's height down.
+[[nodiscard]] QSize DialogUnits(const QWidget& widget, int across, int down);
 
 enum class CellAlign { Left, Center };
 

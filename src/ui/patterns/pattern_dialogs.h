@@ -1,14 +1,12 @@
 #pragma once
 
 #include "signals/signal_list.h"
+#include "ui/patterns/pattern_table.h"
 
 #include <QDialog>
 
-class QScrollBar;
-
 namespace busquill {
 
-class CPatternGrid;
 class Prompts;
 
 /// A pattern of one row, edited in a copy of the list that OK puts in its place.
@@ -18,24 +16,16 @@ public:
     /// The list outlives the dialog.
     PatternDialog(QWidget* parent, const char* caption, CSignalList& list, Prompts& prompts);
 
-    [[nodiscard]] CPatternGrid& Grid() const noexcept { return *grid_; }
+    [[nodiscard]] CPatternGrid& Grid() const noexcept { return table_->Grid(); }
     /// The copy that is edited.
     [[nodiscard]] const CSignalList& Edited() const noexcept { return copy_; }
 
     void accept() override;
 
-protected:
-    void resizeEvent(QResizeEvent* event) override;
-    void showEvent(QShowEvent* event) override;
-
 private:
-    void SetBar();
-    void Scrolled(int action);
-
     CSignalList& list_;
     CSignalList copy_;
-    CPatternGrid* grid_;
-    QScrollBar* bar_;
+    CPatternTable* table_;
 };
 
 class CSearchPatternDlg final : public PatternDialog {

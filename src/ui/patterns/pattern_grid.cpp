@@ -90,6 +90,10 @@ void CPatternGrid::SetList(CSignalList& list, std::uint32_t mode) {
     Render();
 }
 
+int CPatternGrid::HeightOf(int rows) {
+    return firstRow + rows * rowPitch;
+}
+
 // Scrolling.
 
 int CPatternGrid::ContentWidth() const {

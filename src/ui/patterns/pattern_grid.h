@@ -31,6 +31,9 @@ public:
     /// Called after a signal of the list has been changed.
     void SetOwner(std::function<void()> modified) { modified_ = std::move(modified); }
 
+    /// The height that shows so many rows.
+    [[nodiscard]] static int HeightOf(int rows);
+
     // Scrolling, by bars that belong to the owner.
 
     [[nodiscard]] int ContentWidth() const;

@@ -1,5 +1,6 @@
 #include "signals/signal_list.h"
 #include "support/board_tables.h"
+#include "support/modal_qt.h"
 #include "support/recording_prompts.h"
 #include "ui/framework/painting.h"
 #include "ui/patterns/command_dialog.h"
@@ -71,18 +72,7 @@ protected:
     template <class Dialog>
     void ClickAndAnswer(const std::string& name, int row,
                         const std::function<void(Dialog&)>& answer) {
-        bool met = false;
-        QTimer::singleShot(0, [&] {
-            if (auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget())) {
-                met = true;
-                answer(*dialog);
-                if (dialog->isVisible()) {
-                    dialog->reject();
-                }
-            }
-        });
-        Click(name, row);
-        EXPECT_TRUE(met);
+        AnswerDialog<Dialog>([&] { Click(name, row); }, answer);
     }
     /// Clicks a cell and chooses an entry of the menu that opens.
     void ClickAndChoose(const std::string& name, int row, const QString& entry) {

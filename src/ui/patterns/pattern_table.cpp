@@ -1,0 +1,68 @@
+#include "ui/patterns/pattern_table.h"
+
+#include "ui/patterns/column_geometry.h"
+#include "ui/patterns/pattern_grid.h"
+
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace busquill {
+
+CPatternTable::CPatternTable(int rows, Prompts& prompts)
+    : grid_(new CPatternGrid(this, prompts)), bar_(new QScrollBar(Qt::Horizontal)) {
+    grid_->SetRowCount(rows);
+    grid_->setMinimumHeight(CPatternGrid::HeightOf(rows));
+    bar_->setEnabled(false);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(grid_, 1);
+    layout->addWidget(bar_);
+    connect(bar_, &QScrollBar::actionTriggered, this, &CPatternTable::Scrolled);
+    connect(grid_, &CPatternGrid::ColumnsChanged, this, &CPatternTable::SetBar);
+}
+
+void CPatternTable::SetList(CSignalList& list) {
+    grid_->SetList(list);
+    grid_->SetOffset(0);
+    SetBar();
+}
+
+void CPatternTable::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    SetBar();
+}
+
+void CPatternTable::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    SetBar();
+}
+
+void CPatternTable::SetBar() {
+    const int room = grid_->VisibleWidth();
+    bar_->setRange(0, std::max(grid_->ContentWidth() - room, 0));
+    bar_->setPageStep(std::max(room, minimumHorizontalPage));
+    bar_->setEnabled(grid_->NeedsHScroll());
+    bar_->setValue(grid_->Offset());
+}
+
+void CPatternTable::Scrolled(int action) {
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+    case QAbstractSlider::SliderSingleStepSub:
+        grid_->StepColumn(action == QAbstractSlider::SliderSingleStepAdd);
+        break;
+    case QAbstractSlider::SliderPageStepAdd:
+    case QAbstractSlider::SliderPageStepSub:
+        grid_->PageColumns(action == QAbstractSlider::SliderPageStepAdd);
+        break;
+    default:
+        grid_->SetOffset(bar_->sliderPosition());
+        return;
+    }
+    bar_->setSliderPosition(grid_->Offset());
+}
+
+} // namespace busquill
