@@ -16,9 +16,10 @@ UI = {
     "controls": {"framework"},
     "signals": {"framework", "controls"},
     "patterns": {"framework", "controls", "signals"},
+    "tracesetup": {"framework", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "patterns", "capture"},
-    "shell": {"framework", "link", "signals", "capture", "display"},
+    "shell": {"framework", "link", "signals", "tracesetup", "capture", "display"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -107,6 +107,16 @@ void CTesselDoc::OnCaptureStopped() {
     captureActive_ = false;
 }
 
+void CTesselDoc::ClearData() {
+    GetStore().CancelUpload();
+    GetStore().FreeSamples();
+    filterPattern.BuildFromTables(1, ModeEvents);
+    RebuildMaps(0, 0);
+    markers_.fill(-1);
+    hasData_ = false;
+    UpdateAllViews(nullptr, HintCaptureStarted); // the board's memory is as good as empty
+}
+
 void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {
     // A capture that runs has samples in the store that belong to the one before.
     const bool shown = zoom || sampleCount_ > 0;

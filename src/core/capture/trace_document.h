@@ -104,9 +104,11 @@ public:
     void OnCaptureStarted();
     /// The capture has ended, and its counts are known; samples come from here on.
     void OnCaptureStopped();
-    /// Between the two.
+    /// Forgets the samples of the last capture; one that is coming in is given up.
+    void ClearData();
+    /// Between start and stop.
     [[nodiscard]] bool CaptureActive() const noexcept { return captureActive_; }
-    /// Whether a capture has ever been started.
+    /// Whether a capture has been started, and not been cleared since.
     [[nodiscard]] bool HasData() const noexcept { return hasData_; }
     /// Fills a signal that is new in one of the lists with the samples that have come.
     void LoadSignal(CSignalList& list, CSignal& signal, bool zoom);

@@ -17,7 +17,7 @@ constexpr std::uint8_t statusTriggered = 0x20;
 } // namespace
 
 int EventCount(const CAnalyzerLink& link) {
-    return link.Traits().IsVmeLark() ? 4 : 8;
+    return link.Traits().IsVmeLark() ? traceEventsOfLark : traceEvents;
 }
 
 void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {

@@ -23,6 +23,10 @@ std::string_view FileNameOf(std::string_view path) noexcept {
     return cut == std::string_view::npos ? path : path.substr(cut + 1);
 }
 
+std::string_view FolderOf(std::string_view path) noexcept {
+    return path.substr(0, path.size() - FileNameOf(path).size());
+}
+
 std::string_view BaseNameOf(std::string_view path) noexcept {
     const std::string_view name = FileNameOf(path);
     return name.substr(0, name.rfind('.'));

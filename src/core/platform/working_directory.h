@@ -24,6 +24,9 @@ private:
 /// The part of a path after its last separator; a backslash counts as one too.
 [[nodiscard]] std::string_view FileNameOf(std::string_view path) noexcept;
 
+/// The part of a path up to and with its last separator; empty for a bare file name.
+[[nodiscard]] std::string_view FolderOf(std::string_view path) noexcept;
+
 /// The file name up to its last point.
 [[nodiscard]] std::string_view BaseNameOf(std::string_view path) noexcept;
 

@@ -52,23 +52,6 @@ void ReadKeyword(TraceSetup& setup, const Fields& fields, TextReader& file) {
     }
 }
 
-/// What a file calls its setup. It stands near the file's top; the rest is not read.
-std::string SetupName(const std::string& path) {
-    TextReader file;
-    Fields fields;
-    if (file.Open(path)) {
-        while (ReadCsvRecord(file, fields)) {
-            if (fields.size() > 1 && fields[0] == "Name" && !fields[1].empty()) {
-                return fields[1];
-            }
-            if (!fields.empty() && fields[0] == "Events") {
-                break;
-            }
-        }
-    }
-    return std::string(BaseNameOf(path));
-}
-
 } // namespace
 
 void ReadSetupBody(TraceSetup& setup, TextReader& file) {
@@ -160,12 +143,28 @@ void WriteSetupBody(const TraceSetup& setup, TextWriter& file) {
     file.Write("\"End of Setup Data\"\n");
 }
 
+std::string SetupNameOf(const std::string& path) {
+    TextReader file; // the name stands near its top; the rest is not read
+    Fields fields;
+    if (file.Open(path)) {
+        while (ReadCsvRecord(file, fields)) {
+            if (fields.size() > 1 && fields[0] == "Name" && !fields[1].empty()) {
+                return fields[1];
+            }
+            if (!fields.empty() && fields[0] == "Events") {
+                break;
+            }
+        }
+    }
+    return std::string(BaseNameOf(path));
+}
+
 std::vector<SetupFileEntry> FindSetupFiles(const std::string& directory) {
     std::vector<SetupFileEntry> found;
     std::error_code error;
     for (const auto& file : std::filesystem::directory_iterator(directory, error)) {
         if (file.path().extension() == ".tsp" && file.is_regular_file(error)) {
-            found.push_back({file.path().string(), SetupName(file.path().string())});
+            found.push_back({file.path().string(), SetupNameOf(file.path().string())});
         }
     }
     std::sort(found.begin(), found.end(),

@@ -31,11 +31,14 @@ void WriteSetupBody(const TraceSetup& setup, TextWriter& file);
 [[nodiscard]] std::string LevelRow(const TraceSetup& setup, int level, bool stimulus);
 [[nodiscard]] std::string LevelHeader(bool stimulus);
 
-/// A setup file and what it calls its setup; its base name, where it does not say.
+/// A setup file and what it calls its setup.
 struct SetupFileEntry {
     std::string path;
     std::string name;
 };
+
+/// What a setup file calls its setup; its base name, where it does not say.
+[[nodiscard]] std::string SetupNameOf(const std::string& path);
 
 /// The setup files of a directory, by their file names.
 [[nodiscard]] std::vector<SetupFileEntry> FindSetupFiles(const std::string& directory);

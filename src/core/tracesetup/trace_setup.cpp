@@ -9,9 +9,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::uint32_t eventColumns = 8;
-constexpr std::uint32_t eventColumnsOfLark = 4;
-
 // clang-format off
 constexpr std::string_view clockTexts[clockCount] = {
     "Unknown", "Clk",    "Sync",    "Transfer", "7.5 ns",  "15 ns",
@@ -60,7 +57,7 @@ void TraceSetup::Reset() {
     levels[0].thenTrigger = true;
     levels[0].stimulus = 1;
     const bool lark = SignalTables::Current().Board().IsVmeLark();
-    events.BuildFromTables(lark ? eventColumnsOfLark : eventColumns, ModeEvents);
+    events.BuildFromTables(lark ? traceEventsOfLark : traceEvents, ModeEvents);
 }
 
 void TraceSetup::CopyFrom(const TraceSetup& other) {

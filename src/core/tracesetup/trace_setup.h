@@ -31,6 +31,9 @@ constexpr int expressionTokens = 16;
 [[nodiscard]] std::uint8_t TokenAt(const Expression& bytes, int nibble) noexcept;
 void SetTokenAt(Expression& bytes, int nibble, std::uint8_t token) noexcept;
 
+constexpr int traceEvents = 8; // E1 to E8
+constexpr int traceEventsOfLark = 4;
+
 constexpr int levelRecords = 16;
 constexpr int traceLevels = 8;     // L1 to L8
 constexpr int stimulusLevels = 15; // SL1 to SL15

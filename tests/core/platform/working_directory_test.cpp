@@ -31,6 +31,13 @@ TEST(FileName, IsWhatStandsAfterTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(FileNameOf(""), "");
 }
 
+TEST(Folder, IsWhatStandsUpToTheLastSeparator) {
+    EXPECT_EQ(FolderOf("/data/a.tra"), "/data/");
+    EXPECT_EQ(FolderOf("C:\\data\\a.tra"), "C:\\data\\");
+    EXPECT_EQ(FolderOf("a.tra"), "");
+    EXPECT_EQ(FolderOf(""), "");
+}
+
 TEST(BaseName, IsTheFileNameUpToItsLastPoint) {
     EXPECT_EQ(BaseNameOf("/data/a.b.tra"), "a.b");
     EXPECT_EQ(BaseNameOf("/data.d/a"), "a");

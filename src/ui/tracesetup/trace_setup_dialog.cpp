@@ -1,0 +1,323 @@
+#include "ui/tracesetup/trace_setup_dialog.h"
+
+#include "platform/prompts.h"
+#include "platform/settings.h"
+#include "platform/text.h"
+#include "platform/working_directory.h"
+#include "tracesetup/setup_file.h"
+#include "ui/patterns/pattern_grid.h"
+#include "ui/patterns/pattern_table.h"
+#include "ui/tracesetup/level_panel.h"
+#include "ui/tracesetup/setup_wizard_dialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QIcon>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace busquill {
+
+namespace {
+
+constexpr const char* setupSection = "Setup";
+constexpr const char* displaySection = "Display";
+constexpr const char* lastFile = "LastSetupFile";
+constexpr const char* lastFolder = "LastSetupDir";
+constexpr const char* showStatus = "ShowTraceStatus";
+
+constexpr int descriptionLines = 3;
+
+QString Shown(const std::string& text) {
+    return QString::fromStdString(text).replace("\r\n", "\n");
+}
+
+/// What a field holds; the old text itself where the field shows it still, since not all bytes of
+/// a file can be shown.
+std::string Taken(const QString& shown, const std::string& old) {
+    return shown == Shown(old) ? old : QString(shown).replace("\n", "\r\n").toStdString();
+}
+
+/// The first text of a table is that of an unknown index, which is not offered.
+QComboBox* MakeList(const char* name, std::int32_t count,
+                    std::string_view (*text)(std::int32_t) noexcept) {
+    auto* list = new QComboBox;
+    list->setObjectName(name);
+    for (std::int32_t index = 1; index < count; ++index) {
+        const std::string_view each = text(index);
+        list->addItem(QString::fromLatin1(each.data(), static_cast<qsizetype>(each.size())));
+    }
+    list->setMaxVisibleItems(count);
+    return list;
+}
+
+enum class FileUse { Open, Save, Delete };
+
+/// The path that the user chooses, or nothing. `start` is a folder, or a file.
+std::string AskForFile(QWidget* parent, FileUse use, const std::string& start) {
+    const char* const titles[] = {"Open Trace Setup", "Save Trace Setup", "Delete Trace Setup"};
+    QFileDialog dialog(parent, titles[static_cast<int>(use)], QString(), "Setups (*.tsp)");
+    dialog.setAcceptMode(use == FileUse::Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(use == FileUse::Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    if (use == FileUse::Save) {
+        dialog.setDefaultSuffix("tsp"); // elsewhere it would be added to what is typed
+    }
+    if (use == FileUse::Delete) {
+        dialog.setLabelText(QFileDialog::Accept, "&Delete");
+    }
+    const QFileInfo place(QString::fromStdString(start));
+    if (place.isDir()) {
+        dialog.setDirectory(place.filePath());
+    } else if (!start.empty()) {
+        dialog.setDirectory(place.path());
+        dialog.selectFile(place.fileName());
+    }
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().first().toStdString() : "";
+}
+
+} // namespace
+
+CTraceSetupDialog::CTraceSetupDialog(QWidget* parent, TraceSetup& setup, std::string path,
+                                     Parts parts)
+    : QDialog(parent), setup_(setup), path_(std::move(path)), parts_(std::move(parts)),
+      inFile_(!path_.empty()) {
+    kept_.CopyFrom(setup);
+    setWindowTitle("Trace Setup");
+
+    auto* buttons = new QDialogButtonBox(
+        QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, Qt::Vertical);
+    buttons->button(QDialogButtonBox::Help)->setText("&Help");
+    connect(buttons, &QDialogButtonBox::accepted, this, &CTraceSetupDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &CTraceSetupDialog::reject);
+    connect(buttons, &QDialogButtonBox::helpRequested, this, parts_.showHelp);
+
+    auto* top = new QHBoxLayout;
+    top->addWidget(MakeSetupGroup(), 1);
+    top->addWidget(buttons);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    layout->addWidget(MakeEventGroup());
+    layout->addWidget(MakeControlGroup(), 1);
+
+    ShowFields();
+    ShowProgram();
+    ShowIndexes();
+    resize(sizeHint().boundedTo(screen()->availableSize()));
+}
+
+// The groups.
+
+QGroupBox* CTraceSetupDialog::MakeSetupGroup() {
+    auto* group = new QGroupBox("Setup");
+    name_ = new QLineEdit;
+    name_->setObjectName("Name");
+    description_ = new QPlainTextEdit;
+    description_->setObjectName("Description");
+    description_->setTabChangesFocus(true);
+    const QMargins margins = description_->contentsMargins();
+    description_->setFixedHeight(description_->fontMetrics().lineSpacing() * descriptionLines +
+                                 margins.top() + margins.bottom() +
+                                 qRound(2 * description_->document()->documentMargin()));
+    auto* fields = new QFormLayout;
+    fields->addRow("Name", name_);
+    fields->addRow("Description", description_);
+
+    auto* buttons = new QHBoxLayout;
+    const auto add = [&](const QString& text, void (CTraceSetupDialog::*act)()) {
+        auto* button = new QPushButton(text);
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, act);
+        buttons->addWidget(button);
+        return button;
+    };
+    add("Setup &Wizard", &CTraceSetupDialog::OnWizard)->setIcon(QIcon(":/icons/wizard.svg"));
+    buttons->addStretch();
+    add("&Open", &CTraceSetupDialog::OnOpen);
+    add("&Save", &CTraceSetupDialog::OnSave);
+    add("&Delete", &CTraceSetupDialog::OnDelete);
+
+    auto* layout = new QVBoxLayout(group);
+    layout->addLayout(fields);
+    layout->addLayout(buttons);
+    return group;
+}
+
+QGroupBox* CTraceSetupDialog::MakeEventGroup() {
+    auto* group = new QGroupBox("Events");
+    const bool lark = SignalTables::Current().Board().IsVmeLark();
+    events_ = new CPatternTable(lark ? traceEventsOfLark : traceEvents, parts_.prompts);
+    events_->Grid().SetText("EVENT", "E%d:");
+    events_->Grid().SetOwner([this] { Modify(); });
+    auto* layout = new QVBoxLayout(group);
+    layout->addWidget(events_);
+    return group;
+}
+
+QGroupBox* CTraceSetupDialog::MakeControlGroup() {
+    auto* group = new QGroupBox("Trace Control");
+    levels_ = new CLevelPanel(setup_, parts_.prompts);
+    connect(levels_, &CLevelPanel::Modified, this, &CTraceSetupDialog::Modify);
+
+    clock_ = MakeList("Sample Clock", clockCount, ClockText);
+    triggerPosition_ = MakeList("Trigger Position", triggerCount, TriggerText);
+    powerZoomClock_ = MakeList("Power Zoom Sample Clock", powerZoomCount, PowerZoomText);
+    const BoardTraits board = SignalTables::Current().Board();
+    powerZoomClock_->setEnabled(!board.IsWrenBoard() && !board.IsVmeLark());
+    connect(clock_, &QComboBox::activated, this, &CTraceSetupDialog::ClockChosen);
+    connect(triggerPosition_, &QComboBox::activated, this, &CTraceSetupDialog::Modify);
+    connect(powerZoomClock_, &QComboBox::activated, this, &CTraceSetupDialog::Modify);
+    traceStatus_ = new QCheckBox("Trace Status");
+    traceStatus_->setToolTip("Shows a window with the counts while a capture runs");
+    traceStatus_->setChecked(parts_.settings.GetProfileInt(displaySection, showStatus, 0) != 0);
+
+    auto* choices = new QHBoxLayout;
+    for (QComboBox* list : {clock_, triggerPosition_, powerZoomClock_}) {
+        auto* field = new QFormLayout;
+        field->addRow(list->objectName(), list);
+        choices->addLayout(field);
+        choices->addStretch();
+    }
+    choices->addWidget(traceStatus_);
+    auto* layout = new QVBoxLayout(group);
+    layout->addWidget(levels_, 1);
+    layout->addLayout(choices);
+    return group;
+}
+
+// Showing and taking.
+
+void CTraceSetupDialog::ShowFields() {
+    name_->setText(Shown(setup_.name));
+    description_->setPlainText(Shown(setup_.description));
+}
+
+void CTraceSetupDialog::ShowProgram() {
+    events_->SetList(setup_.events);
+    levels_->Refresh();
+}
+
+void CTraceSetupDialog::ShowIndexes() {
+    clock_->setCurrentIndex(setup_.clock - 1);
+    triggerPosition_->setCurrentIndex(setup_.triggerPosition - 1);
+    powerZoomClock_->setCurrentIndex(setup_.powerZoomClock - 1);
+}
+
+void CTraceSetupDialog::TakeFields() {
+    setup_.name = Taken(name_->text(), setup_.name);
+    setup_.description = Taken(description_->toPlainText(), setup_.description);
+    setup_.clock = clock_->currentIndex() + 1;
+    setup_.triggerPosition = triggerPosition_->currentIndex() + 1;
+    setup_.powerZoomClock = powerZoomClock_->currentIndex() + 1;
+}
+
+void CTraceSetupDialog::Modify() {
+    modified_ = true;
+    inFile_ = false;
+}
+
+void CTraceSetupDialog::ClockChosen() {
+    Modify();
+    CheckClock();
+}
+
+void CTraceSetupDialog::CheckClock() {
+    const BoardTraits board = SignalTables::Current().Board();
+    if (clock_->currentIndex() + 1 == clock133MHz && board.IsWrenBoard()) {
+        parts_.prompts.Message(
+            Printf("%s model does not support 133 MHz sample clock.", board.modelString.c_str()));
+        clock_->setCurrentIndex(clock_->currentIndex() + 1);
+    }
+}
+
+// The buttons.
+
+void CTraceSetupDialog::OnOpen() {
+    const std::string path = AskForFile(
+        this, FileUse::Open, parts_.settings.GetProfileString(setupSection, lastFolder, ""));
+    if (path.empty()) {
+        return;
+    }
+    Modify();
+    // A file that is refused has replaced the setup all the same; Cancel brings it back.
+    if (LoadSetupFile(setup_, path, parts_.prompts)) {
+        path_ = path;
+        inFile_ = true;
+    }
+    ShowFields();
+    ShowProgram();
+    ShowIndexes();
+    CheckClock();
+}
+
+void CTraceSetupDialog::OnSave() {
+    TakeFields();
+    const std::string folder = parts_.settings.GetProfileString(setupSection, lastFolder, "");
+    const std::string suggested =
+        setup_.name.empty() ? folder : WorkingDirectory(folder).FilePath(setup_.name);
+    const std::string path = AskForFile(this, FileUse::Save, path_.empty() ? suggested : path_);
+    if (path.empty()) {
+        return;
+    }
+    path_ = path;
+    setup_.name = BaseNameOf(path);
+    name_->setText(Shown(setup_.name));
+    inFile_ = SaveSetupFile(setup_, path, parts_.prompts);
+}
+
+void CTraceSetupDialog::OnDelete() {
+    const std::string path = AskForFile(
+        this, FileUse::Delete, parts_.settings.GetProfileString(setupSection, lastFolder, ""));
+    if (path.empty() || !parts_.prompts.AskYesNo(Printf("Delete setup file %s?", path.c_str()))) {
+        return;
+    }
+    if (!QFile::remove(QString::fromStdString(path))) {
+        parts_.prompts.Message(Printf("Error deleting file %s.", path.c_str()));
+        return;
+    }
+    if (parts_.settings.GetProfileString(setupSection, lastFile, "") == path) {
+        parts_.settings.WriteProfileString(setupSection, lastFile, "");
+    }
+    if (path == path_) {
+        path_.clear();
+        inFile_ = false;
+    }
+}
+
+void CTraceSetupDialog::OnWizard() {
+    CSetupWizardDialog wizard(this, setup_, parts_.prompts, parts_.showWizardHelp);
+    if (wizard.exec() == QDialog::Accepted) {
+        ShowProgram();
+        Modify();
+    }
+}
+
+void CTraceSetupDialog::accept() {
+    if (modified_ && parts_.isLive && parts_.isRunning()) {
+        parts_.prompts.Message("Setup cannot be modified while trace is in progress.");
+        return;
+    }
+    if (modified_ && !parts_.isLive) {
+        parts_.prompts.Message("Setup of saved trace cannot be modified.");
+        return;
+    }
+    TakeFields();
+    parts_.settings.WriteProfileInt(displaySection, showStatus, traceStatus_->isChecked() ? 1 : 0);
+    QDialog::accept();
+}
+
+// The description comes back as the name, as it does from every copy of a setup.
+void CTraceSetupDialog::reject() {
+    setup_.CopyFrom(kept_);
+    QDialog::reject();
+}
+
+} // namespace busquill

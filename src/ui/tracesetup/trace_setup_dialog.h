@@ -1,0 +1,84 @@
+#pragma once
+
+#include "tracesetup/trace_setup.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <string>
+
+class QCheckBox;
+class QComboBox;
+class QGroupBox;
+class QLineEdit;
+class QPlainTextEdit;
+
+namespace busquill {
+
+class CLevelPanel;
+class CPatternTable;
+class Prompts;
+class Settings;
+
+/// The setup of a trace: its name, events, levels and clocks. Edits it in place; Cancel brings the
+/// old one back.
+class CTraceSetupDialog final : public QDialog {
+    Q_OBJECT
+public:
+    /// What the dialog works with; all outlive it.
+    struct Parts {
+        Settings& settings;
+        Prompts& prompts;
+        bool isLive; // a saved trace keeps the setup that it was made with
+        std::function<bool()> isRunning;
+        std::function<void()> showHelp;
+        std::function<void()> showWizardHelp;
+    };
+
+    /// `path` is the file that the setup came from, or empty.
+    CTraceSetupDialog(QWidget* parent, TraceSetup& setup, std::string path, Parts parts);
+
+    /// Whether events, levels or clocks have been changed.
+    [[nodiscard]] bool IsModified() const noexcept { return modified_; }
+    /// Whether the file at Path holds the setup as it is.
+    [[nodiscard]] bool IsInFile() const noexcept { return inFile_; }
+    /// The file that the setup was last saved to or read from, or the one given.
+    [[nodiscard]] const std::string& Path() const noexcept { return path_; }
+
+    void accept() override;
+    void reject() override;
+
+private:
+    QGroupBox* MakeSetupGroup();
+    QGroupBox* MakeEventGroup();
+    QGroupBox* MakeControlGroup();
+    void ShowFields();
+    void ShowProgram();
+    void ShowIndexes();
+    void TakeFields();
+    void Modify();
+    void ClockChosen();
+    void CheckClock();
+    void OnOpen();
+    void OnSave();
+    void OnDelete();
+    void OnWizard();
+
+    TraceSetup& setup_;
+    TraceSetup kept_;
+    std::string path_;
+    const Parts parts_;
+    bool modified_ = false;
+    bool inFile_;
+
+    QLineEdit* name_;
+    QPlainTextEdit* description_;
+    CPatternTable* events_;
+    CLevelPanel* levels_;
+    QComboBox* clock_;
+    QComboBox* triggerPosition_;
+    QComboBox* powerZoomClock_;
+    QCheckBox* traceStatus_;
+};
+
+} // namespace busquill

@@ -1,0 +1,197 @@
+#include "support/modal_qt.h"
+#include "support/recording_prompts.h"
+#include "ui/tracesetup/condition_dialog.h"
+#include "ui/tracesetup/expression_dialog.h"
+#include "ui/tracesetup/occurrence_dialog.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// Expressions
+
+class ExpressionDialog : public testing::Test {
+protected:
+    void Open(const char* text) {
+        dialog = std::make_unique<CTraceExpressionDialog>(nullptr, ParseExpression(text));
+        dialog->show();
+    }
+    void Press(const char* button) { test::Press(*dialog, button); }
+    QString Text() { return dialog->findChild<QLineEdit*>()->text(); }
+    bool Enabled(const char* button) { return ButtonOf(*dialog, button).isEnabled(); }
+
+    std::unique_ptr<CTraceExpressionDialog> dialog;
+};
+
+TEST_F(ExpressionDialog, IsPutTogetherByClicks) {
+    Open("None");
+    EXPECT_EQ(dialog->windowTitle(), "Trace Expression");
+    EXPECT_EQ(Text(), "None");
+    for (const char* button :
+         {"~ (NOT)", "(", "E1", ". (AND)", "E2", "+ (OR)", "E3", ")", "x (XOR)", "E8"}) {
+        Press(button);
+    }
+    EXPECT_EQ(Text(), "~(E1.E2+E3)xE8");
+    Press("Backspace");
+    EXPECT_EQ(Text(), "~(E1.E2+E3)x");
+    Press("E7");
+    Press("OK");
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    EXPECT_EQ(FormatExpression(dialog->Result()), "~(E1.E2+E3)xE7");
+}
+
+TEST_F(ExpressionDialog, EnablesWhatMayFollow) {
+    const std::vector<const char*> operands = {"E1", "E2", "E3", "E4",      "E5",
+                                               "E6", "E7", "E8", "~ (NOT)", "("};
+    const std::vector<const char*> operators = {". (AND)", "+ (OR)", "x (XOR)", ")"};
+    struct Row {
+        const char* text;
+        bool operandFollows;
+    };
+    for (const Row& row : {Row{"None", true}, Row{"All", true}, Row{"E1.", true}, Row{"E1+", true},
+                           Row{"~", true}, Row{"E1x", true}, Row{"(", true}, Row{"E1", false},
+                           Row{"E8", false}, Row{"(E1)", false}}) {
+        Open(row.text);
+        for (const char* button : operands) {
+            EXPECT_EQ(Enabled(button), row.operandFollows) << row.text << " " << button;
+        }
+        for (const char* button : operators) {
+            EXPECT_EQ(Enabled(button), !row.operandFollows) << row.text << " " << button;
+        }
+        for (const char* button : {"ALL", "NONE", "OK", "Cancel"}) {
+            EXPECT_TRUE(Enabled(button)) << row.text << " " << button;
+        }
+        const bool filled = std::string(row.text) != "None";
+        EXPECT_EQ(Enabled("Clear"), filled) << row.text;
+        EXPECT_EQ(Enabled("Backspace"), filled) << row.text;
+    }
+}
+
+TEST_F(ExpressionDialog, AllAndNone) {
+    Open("E1.E2");
+    Press("ALL");
+    EXPECT_EQ(Text(), "All");
+    Press("E1");
+    EXPECT_EQ(Text(), "E1");
+    Press("NONE");
+    EXPECT_EQ(Text(), "None");
+    EXPECT_FALSE(Enabled("Clear"));
+    Press("E2");
+    Press("Clear");
+    EXPECT_EQ(Text(), "None");
+    Press("ALL");
+    Press("Backspace");
+    EXPECT_EQ(Text(), "None");
+}
+
+TEST_F(ExpressionDialog, ASeventeenthTokenIsNotTaken) {
+    Open("None");
+    for (int i = 0; i < 8; ++i) {
+        Press("E1");
+        Press("+ (OR)");
+    }
+    const QString full = "E1+E1+E1+E1+E1+E1+E1+E1+";
+    EXPECT_EQ(Text(), full);
+    EXPECT_TRUE(Enabled("E1"));
+    Press("E1");
+    Press("(");
+    EXPECT_EQ(Text(), full);
+    Press("Backspace");
+    EXPECT_EQ(Text(), full.chopped(1));
+}
+
+TEST_F(ExpressionDialog, MnemonicsAndEnter) {
+    Open("None");
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    QTest::keyClick(dialog.get(), Qt::Key_3, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "E3"; })); // the button is seen to move
+    QTest::keyClick(dialog.get(), Qt::Key_A, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "All"; }));
+    QTest::keyClick(dialog.get(), Qt::Key_Return);
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+}
+
+// Occurrences
+
+class OccurrenceDialog : public testing::Test {
+protected:
+    void Open(std::int32_t count, std::uint32_t limit) {
+        dialog = std::make_unique<COccurrenceCountDialog>(nullptr, count, limit, prompts);
+        dialog->show();
+    }
+    void Type(const char* text) {
+        auto* edit = dialog->findChild<QLineEdit*>();
+        edit->selectAll();
+        QTest::keyClicks(edit, text);
+        if (*text == '\0') {
+            QTest::keyClick(edit, Qt::Key_Delete);
+        }
+        Press(*dialog, "OK");
+    }
+
+    RecordingPrompts prompts;
+    std::unique_ptr<COccurrenceCountDialog> dialog;
+};
+
+TEST_F(OccurrenceDialog, TakesANumberUpToItsLimit) {
+    for (const std::uint32_t limit : {65535U, 256U}) {
+        Open(7, limit);
+        EXPECT_EQ(dialog->windowTitle(), "Occurrence Count");
+        EXPECT_EQ(dialog->findChild<QLabel*>()->text(),
+                  QString("Enter a value between 1 and %1:").arg(limit));
+        EXPECT_EQ(dialog->findChild<QLineEdit*>()->text(), "7");
+        Type(std::to_string(limit).c_str());
+        EXPECT_EQ(dialog->Count(), static_cast<std::int32_t>(limit));
+        EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    }
+    Open(7, 65535);
+    Type("1");
+    EXPECT_EQ(dialog->Count(), 1);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(OccurrenceDialog, RefusesWhatIsOutside) {
+    for (const char* text : {"0", "65536", "-1", "", "many", "5x", "99999999999999999999"}) {
+        Open(7, 65535);
+        Type(text);
+        EXPECT_THAT(prompts.Texts(), ElementsAre("Occurence value must be between 1 and 65535."))
+            << text;
+        EXPECT_TRUE(dialog->isVisible());
+        EXPECT_EQ(dialog->Count(), 7);
+        prompts.Forget();
+        Type("8"); // over what was refused
+        EXPECT_EQ(dialog->Count(), 8);
+    }
+}
+
+// Conditions
+
+TEST(ConditionDialog, LeadsToALevel) {
+    CTraceConditionDialog dialog(nullptr, 2, false);
+    dialog.show();
+    EXPECT_EQ(dialog.windowTitle(), "Trace Condition");
+    auto& box = *dialog.findChild<QComboBox*>();
+    ASSERT_EQ(box.count(), 8);
+    EXPECT_EQ(box.itemText(0), "Goto L1");
+    EXPECT_EQ(box.itemText(7), "Goto L8");
+    EXPECT_EQ(box.currentText(), "Goto L3");
+    EXPECT_FALSE(dialog.Trigger());
+    QTest::keyClick(&box, Qt::Key_Down);
+    Tick(dialog, "Trigger");
+    Press(dialog, "OK");
+    EXPECT_EQ(dialog.Level(), 3);
+    EXPECT_TRUE(dialog.Trigger());
+    EXPECT_TRUE(CTraceConditionDialog(nullptr, 0, true).Trigger());
+}
+
+} // namespace
+} // namespace busquill::test
