@@ -11,6 +11,7 @@
 #include "ui/shell/program.h"
 #include "ui/shell/trace_bar.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -24,7 +25,9 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include <algorithm>
 #include <cstdio>
+#include <map>
 
 using namespace busquill;
 
@@ -77,13 +80,37 @@ public:
         QApplication::processEvents();
     }
 
+    /// Clicks a button; a dialog that it opens is pictured under `name`, with those that its own
+    /// buttons open (their object names or texts, and the names of the pictures), and closed.
+    void Click(QAbstractButton& button, const QString& name,
+               const std::map<QString, QString>& inside = {}) {
+        modalName_ = name;
+        inside_ = inside;
+        button.click();
+        QApplication::processEvents();
+    }
+
     /// Pictures a modal window that stands open, and closes it.
     void WatchModal() {
         QWidget* modal = QApplication::activeModalWidget();
         if (modal == nullptr || !modal->isVisible()) {
             return;
         }
-        Picture(*modal, modalName_);
+        if (modal != pictured_) {
+            Picture(*modal, modalName_);
+        }
+        for (auto* button : modal->findChildren<QAbstractButton*>()) {
+            const auto found = std::find_if(inside_.begin(), inside_.end(), [&](const auto& each) {
+                return button->objectName() == each.first || button->text() == each.first;
+            });
+            if (found != inside_.end()) {
+                modalName_ = found->second;
+                inside_.erase(found);
+                pictured_ = modal; // it stands open longer
+                QTimer::singleShot(0, button, &QAbstractButton::click);
+                return;
+            }
+        }
         if (auto* box = qobject_cast<QMessageBox*>(modal)) {
             box->accept();
         } else {
@@ -100,6 +127,8 @@ public:
 private:
     QString folder_;
     QString modalName_ = "message";
+    std::map<QString, QString> inside_;
+    QWidget* pictured_ = nullptr;
     bool failed_ = false;
 };
 
@@ -126,6 +155,11 @@ void Capture(Tour& tour, Program& program) {
     QComboBox& box = window->Bar().SetupBox();
     box.setCurrentIndex(box.findText("Read after 100 writes"));
     emit box.activated(box.currentIndex());
+    tour.Click(window->Bar().SetupButton(), "trace-setup",
+               {{"Setup &Wizard", "setup-wizard"},
+                {"If1", "trace-expression"},
+                {"Occurs1", "occurrence-count"},
+                {"Then1", "trace-condition"}});
     window->Bar().GoButton().click();
     CTesselDoc& document = window->Trace();
     WaitFor([&] { return false; }, 1200);

@@ -302,6 +302,7 @@ void CTraceView::CaptureStarted() {
     if (frame_ == nullptr || parts_.link == nullptr) {
         return;
     }
+    frame_->SetCounters(0, 0);
     constexpr std::int64_t kilo = 1024;
     const std::int64_t total = parts_.link->Identity().bufferSizeK * kilo;
     CPositionGauge& gauge = frame_->GetGauge();

@@ -11,6 +11,7 @@
 #include "ui/shell/help_window.h"
 #include "ui/shell/tessel_app.h"
 #include "ui/shell/trace_bar.h"
+#include "ui/tracesetup/trace_setup_dialog.h"
 
 #include <QComboBox>
 #include <QToolButton>
@@ -59,7 +60,8 @@ void CChildFrame::MakeBar() {
     connect(&bar_->HelpButton(), &QToolButton::clicked, this,
             [this] { parts_.app.ShowHelp(isState_ ? HelpTopic::State : HelpTopic::Waveform); });
     connect(&bar_->SetupBox(), &QComboBox::activated, this, &CChildFrame::SetupChosen);
-    bar_->SetupButton().setEnabled(false); // there is no editor yet
+    connect(&bar_->SetupButton(), &QToolButton::clicked, this,
+            [this] { EditSetup(bar_->SetupBox().currentData().toString().toStdString()); });
     bar_->ShowStateButton(!isState_);
     if (isZoom_) {
         bar_->HideRunControls();
@@ -139,8 +141,12 @@ void CChildFrame::ShowSetupName() {
     QComboBox& box = bar_->SetupBox();
     const QString name = QString::fromStdString(Trace().setupName);
     if (Trace().IsRealTime()) {
+        const QString path = QString::fromStdString(Trace().setupPath);
+        if (!path.isEmpty() && box.findData(path) < 0) {
+            FillSetupBox(); // another frame has gone to another folder
+        }
         // Of two setups of the same name, the document's own.
-        const int own = box.findData(QString::fromStdString(Trace().setupPath));
+        const int own = box.findData(path);
         const bool isOwn = own >= 0 && box.itemText(own) == name;
         box.setCurrentIndex(isOwn ? own : box.findText(name));
     } else {
@@ -159,11 +165,50 @@ void CChildFrame::SetupChosen() {
     parts_.settings.WriteProfileString(setupSection, "LastSetupFile", path);
     if (path.empty()) {
         document.setup.Reset();
+        EditSetup("");
     } else {
         static_cast<void>(LoadSetupFile(document.setup, path, parts_.prompts)); // it has told
         DownloadSetup(parts_.link, document.setup, parts_.prompts);
     }
     FocusView();
+}
+
+void CChildFrame::EditSetup(const std::string& path) {
+    CTesselDoc& document = Trace();
+    const auto help = [this](int topic) { return [this, topic] { parts_.app.ShowHelp(topic); }; };
+    CTraceSetupDialog dialog(this, document.setup, path,
+                             {parts_.settings, parts_.prompts, document.IsRealTime(),
+                              [&document] { return document.GetStore().IsRunning(); },
+                              help(HelpTopic::TraceSetup), help(HelpTopic::SetupWizard)});
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    const bool isNew = dialog.IsModified() || dialog.Path() != path;
+    const bool taken =
+        accepted && isNew && document.IsRealTime() && !document.GetStore().IsRunning();
+    if (taken) {
+        if (dialog.IsModified()) {
+            document.ClearData();
+        }
+        document.SetModifiedFlag();
+        DownloadSetup(parts_.link, document.setup, parts_.prompts);
+        RememberSetupFile(dialog.Path());
+    }
+    FillSetupBox();
+    if (taken) {
+        // Go reads the file again: one that does not hold the setup must not be chosen.
+        const std::string file = dialog.IsInFile() ? dialog.Path() : "";
+        document.SetSetupName(file, file.empty() ? newSetup : SetupNameOf(file));
+    } else {
+        ShowSetupName();
+    }
+    FocusView();
+}
+
+void CChildFrame::RememberSetupFile(const std::string& path) {
+    parts_.settings.WriteProfileString(setupSection, "LastSetupFile", path);
+    if (!path.empty()) {
+        parts_.settings.WriteProfileString(setupSection, "LastSetupDir",
+                                           std::string(FolderOf(path)));
+    }
 }
 
 // The buttons.

@@ -57,6 +57,9 @@ private:
     void UpdateTitle();
     void FillSetupBox();
     void SetupChosen();
+    /// The dialog, on the document's setup, which came from a file or from none.
+    void EditSetup(const std::string& path);
+    void RememberSetupFile(const std::string& path);
     void OnGo();
     void OnStop();
     void OnDisplay();

@@ -14,10 +14,24 @@ constexpr auto manualRoot = ":/manual/";
 } // namespace
 
 QString HelpPage(int topic) {
-    const QString page = topic == HelpTopic::State      ? "listing.md"
-                         : topic == HelpTopic::Waveform ? "waveforms.md"
-                                                        : "index.md";
-    const QString path = manualRoot + page;
+    const char* page = "index.md";
+    switch (topic) {
+    case HelpTopic::State:
+        page = "listing.md";
+        break;
+    case HelpTopic::Waveform:
+        page = "waveforms.md";
+        break;
+    case HelpTopic::TraceSetup:
+        page = "trace-setup.md";
+        break;
+    case HelpTopic::SetupWizard:
+        page = "setup-wizard.md";
+        break;
+    default:
+        break;
+    }
+    const QString path = QString(manualRoot) + page;
     return QFile::exists(path) ? path : QString(manualRoot) + "index.md";
 }
 

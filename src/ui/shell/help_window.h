@@ -8,7 +8,7 @@ namespace busquill {
 
 /// Pages of the manual by their topic number.
 namespace HelpTopic {
-enum : int { Contents = 11, State = 26, Waveform = 28 };
+enum : int { Contents = 11, State = 26, Waveform = 28, TraceSetup = 30, SetupWizard = 31 };
 }
 
 /// The manual's page for a topic; the contents for a topic that has none.

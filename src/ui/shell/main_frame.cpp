@@ -14,9 +14,9 @@
 
 #include <QAbstractEventDispatcher>
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
@@ -378,7 +378,25 @@ void CMainFrame::ShowHelp(int topic) {
     if (help_ == nullptr) {
         help_ = new HelpWindow(this);
     }
+    PlaceHelp();
     help_->ShowTopic(topic);
+}
+
+/// A modal dialog lets the user into no window but those that belong to it.
+void CMainFrame::PlaceHelp() {
+    auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+    QWidget* owner = dialog != nullptr ? static_cast<QWidget*>(dialog) : this;
+    if (help_->parentWidget() == owner) {
+        return;
+    }
+    const bool wasShown = help_->isVisible();
+    const QRect place = help_->geometry();
+    help_->setParent(owner, Qt::Window);
+    help_->setGeometry(place);
+    help_->setVisible(wasShown);
+    if (dialog != nullptr) {
+        connect(dialog, &QDialog::finished, this, &CMainFrame::PlaceHelp);
+    }
 }
 
 void CMainFrame::ShowAbout() {

@@ -3,6 +3,7 @@
 #include "ui/shell/commands.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <map>
 #include <memory>
@@ -52,6 +53,7 @@ private:
     void ShowBusConfiguration();
     void ShowAbout();
     void ShowHelp(int topic);
+    void PlaceHelp();
     void OnTimer();
 
     CAnalyzerLink& link_;
@@ -60,7 +62,7 @@ private:
     QMdiArea* area_;
     QToolBar* toolBar_ = nullptr;
     QLabel* panes_[4] = {};
-    HelpWindow* help_ = nullptr;
+    QPointer<HelpWindow> help_; // once it has been asked for
     std::map<CommandId, QAction*> actions_;
     std::map<QString, QMenu*> menus_;
     QList<QAction*> dynamicActions_; // recent files and windows

@@ -4,6 +4,7 @@
 #include "tracesetup/setup_file.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/capture/save_trace_dialog.h"
+#include "ui/tracesetup/trace_setup_dialog.h"
 
 #include <QPushButton>
 #include <QRadioButton>
@@ -273,7 +274,8 @@ TEST_F(LiveCapture, NewResetsTheSetupOfTheTrace) {
     OpenState();
     ChooseSetup("Memory write");
     EXPECT_EQ(Trace().setup.name, "Memory write");
-    ChooseSetup("<New>");
+    AnswerDialog<CTraceSetupDialog>([&] { ChooseSetup("<New>"); },
+                                    [](CTraceSetupDialog& dialog) { Press(dialog, "Cancel"); });
     EXPECT_EQ(Trace().setup.name, "");
     EXPECT_EQ(Trace().setupPath, "");
     EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "All");

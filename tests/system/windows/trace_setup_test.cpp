@@ -1,0 +1,365 @@
+// Trigger programs made in the windows, run on the simulated board.
+
+#include "boardsim/traffic.h"
+#include "support/live_frame_fixture_qt.h"
+#include "tracesetup/setup_file.h"
+#include "ui/capture/position_gauge.h"
+#include "ui/tracesetup/condition_dialog.h"
+#include "ui/tracesetup/expression_dialog.h"
+#include "ui/tracesetup/setup_wizard_dialog.h"
+#include "ui/tracesetup/trace_setup_dialog.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QTextBrowser>
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using boardsim::Family;
+using boardsim::GetBit;
+using boardsim::GetField;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class LiveSetup : public LiveFrameFixture {
+protected:
+    /// Opens the dialog by the bar's button and does something in it.
+    void EditSetup(const std::function<void(CTraceSetupDialog&)>& act) {
+        AnswerDialog<CTraceSetupDialog>(
+            [&] { QTest::mouseClick(&Bar().SetupButton(), Qt::LeftButton); }, act);
+    }
+    static void SetExpression(CTraceSetupDialog& dialog, const char* cell,
+                              std::initializer_list<const char*> buttons) {
+        AnswerDialog<CTraceExpressionDialog>([&] { Press(dialog, cell); },
+                                             [&](CTraceExpressionDialog& expression) {
+                                                 for (const char* button : buttons) {
+                                                     Press(expression, button);
+                                                 }
+                                             });
+    }
+    static void ChooseFile(CTraceSetupDialog& dialog, const char* button, const std::string& name) {
+        AnswerDialog<QFileDialog>([&] { Press(dialog, button); },
+                                  [&](QFileDialog& files) { GiveFileName(files, name); });
+    }
+    /// Commands since a place in the board's log.
+    std::vector<std::string> Sent(std::size_t since) {
+        auto functions = board->Functions();
+        functions.erase(functions.begin(), functions.begin() + static_cast<std::ptrdiff_t>(since));
+        return functions;
+    }
+    QString Chosen() { return Bar().SetupBox().currentText(); }
+    std::vector<boardsim::Record> Captured() {
+        std::vector<boardsim::Record> records;
+        for (std::int64_t i = 0; i < Trace().SampleCount(false); ++i) {
+            records.push_back(Trace().GetSample(i, false)->bytes);
+        }
+        return records;
+    }
+};
+
+TEST_F(LiveSetup, TheWizardsProgramTriggersOnWhatWasAskedFor) {
+    Connect({"--buffer", "1", "--seed", "6"});
+    OpenFrame("State");
+    EditSetup([](CTraceSetupDialog& dialog) {
+        AnswerDialog<CSetupWizardDialog>(
+            [&] { Press(dialog, "Setup Wizard"); },
+            [](CSetupWizardDialog& wizard) {
+                const auto groups = wizard.findChildren<QGroupBox*>();
+                Tick(*groups[0], "Memory");
+                Tick(*groups[0], "Write");
+                QTest::keyClicks(groups[0]->findChildren<QLineEdit*>()[0], "1F40000 to 1F40200");
+                Tick(*groups[1], "Memory");
+                Press(wizard, "OK");
+            });
+        Press(dialog, "OK");
+    });
+    EXPECT_EQ(Chosen(), "<New>");
+    Go();
+    ASSERT_TRUE(Complete());
+
+    const auto traffic = boardsim::MakeRecords(Family::Pci32, 6, 200000);
+    const auto isMemory = [](const auto& record) {
+        return GetBit(record, 95) && GetField(record, 65, 3) == 3;
+    };
+    const auto isWanted = [&](const auto& record) {
+        const auto address = GetField(record, 0, 32);
+        return isMemory(record) && GetBit(record, 64) && address > 0x1F40000 && address < 0x1F40200;
+    };
+    const auto trigger = std::find_if(traffic.begin(), traffic.end(), isWanted);
+    std::vector<std::uint64_t> addresses;
+    std::int64_t before = 0;
+    for (auto at = traffic.begin(); addresses.size() < 512 + static_cast<std::size_t>(before);
+         ++at) {
+        if (isMemory(*at)) {
+            before += at < trigger ? 1 : 0;
+            addresses.push_back(GetField(*at, 0, 32));
+        }
+    }
+    ASSERT_LE(before, 512);
+    EXPECT_EQ(Trace().Marker(0, false), before);
+    std::vector<std::uint64_t> captured;
+    for (const auto& record : Captured()) {
+        captured.push_back(GetField(record, 0, 32));
+    }
+    EXPECT_EQ(captured, addresses);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(LiveSetup, TheWizardsProgramOnVme) {
+    Connect({"--model", "VMEKite", "--buffer", "1", "--seed", "6"});
+    OpenFrame("State");
+    EditSetup([](CTraceSetupDialog& dialog) {
+        AnswerDialog<CSetupWizardDialog>(
+            [&] { Press(dialog, "Setup Wizard"); },
+            [](CSetupWizardDialog& wizard) {
+                const auto groups = wizard.findChildren<QGroupBox*>();
+                Tick(*groups[0], "Write");
+                QTest::keyClicks(groups[0]->findChildren<QLineEdit*>()[1], "4B495445");
+                Press(wizard, "OK");
+            });
+        Press(dialog, "OK");
+    });
+    Go();
+    ASSERT_TRUE(Complete());
+    const auto captured = Captured();
+    const auto trigger = static_cast<std::size_t>(Trace().Marker(0, false));
+    for (std::size_t i = 0; i <= trigger; ++i) {
+        const bool wanted = !GetBit(captured[i], 78) && GetBit(captured[i], 95) &&
+                            GetField(captured[i], 32, 32) == 0x4B495445;
+        EXPECT_EQ(wanted, i == trigger) << i;
+    }
+}
+
+TEST_F(LiveSetup, AnEditedSetupGoesToTheBoardAtOnce) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    Go();
+    ASSERT_TRUE(Complete());
+    ASSERT_GT(Trace().SampleCount(false), 0);
+    const std::size_t sent = board->Functions().size();
+    EditSetup([](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "If1", {"ALL", "OK"});
+        Press(dialog, "OK");
+    });
+    // Three payloads, and the capture of the old program is gone.
+    const auto now = Sent(sent);
+    EXPECT_EQ(std::count_if(now.begin(), now.end(),
+                            [](const std::string& line) {
+                                return line.find("write memory") != std::string::npos;
+                            }),
+              3);
+    EXPECT_EQ(Trace().SampleCount(false), 0);
+    EXPECT_FALSE(Trace().HasData());
+    EXPECT_EQ(Text("Before"), "0000000");
+    EXPECT_EQ(Text("After"), "0000000");
+    EXPECT_TRUE(Trace().IsModified());
+    // Go would read the file again, which has not changed.
+    EXPECT_EQ(Chosen(), "<New>");
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), dir.File("MemoryWrite.tsp"));
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupDir", ""), dir.Path() + "/");
+    Go();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Trace().Marker(0, false), 0) << "everything is a trigger";
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "All");
+}
+
+TEST_F(LiveSetup, ALevelThatIsNeverLeft) {
+    Connect({"--buffer", "4", "--rate", "20000"});
+    OpenFrame("State");
+    EditSetup([](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "If1", {"NONE", "OK"});
+        AnswerDialog<CTraceConditionDialog>([&] { Press(dialog, "Then1"); },
+                                            [](CTraceConditionDialog& condition) {
+                                                QTest::keyClick(condition.findChild<QComboBox*>(),
+                                                                Qt::Key_Down);
+                                                Press(condition, "OK");
+                                            });
+        Press(dialog, "OK");
+    });
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Text("Before").toInt() == 2048; }));
+    QTest::qWait(500);
+    EXPECT_TRUE(Running());
+    EXPECT_EQ(Text("Level"), "L1");
+    EXPECT_EQ(Text("After"), "0000000");
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Trace().SampleCount(false), 2048 + 1);
+}
+
+TEST_F(LiveSetup, ASavedSetupIsInTheBoxOfEachFrame) {
+    Connect();
+    OpenFrame("State");
+    CChildFrame* state = frame;
+    OpenFrame("Waveform");
+    std::filesystem::create_directory(dir.File("more"));
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "If1", {"E1", "OK"});
+        ChooseFile(dialog, "Save", dir.File("more/Mine"));
+        Press(dialog, "OK");
+    });
+    const std::string path = dir.File("more/Mine.tsp");
+    EXPECT_EQ(Trace().setupPath, path);
+    EXPECT_EQ(Trace().setupName, "Mine");
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), path);
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupDir", ""), dir.File("more/"));
+    for (CChildFrame* each : {frame, state}) {
+        const QComboBox& box = each->Bar().SetupBox();
+        EXPECT_EQ(box.currentText(), "Mine");
+        EXPECT_EQ(box.currentData().toString().toStdString(), path);
+        EXPECT_EQ(box.count(), 2); // and "<New>"
+    }
+    // It opens on that file.
+    EditSetup([&](CTraceSetupDialog& dialog) { EXPECT_EQ(dialog.Path(), path); });
+    EXPECT_EQ(Chosen(), "Mine");
+}
+
+TEST_F(LiveSetup, ACancelledDialogSendsNothing) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    const std::size_t sent = board->Functions().size();
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        EXPECT_EQ(dialog.Path(), dir.File("MemoryWrite.tsp"));
+        SetExpression(dialog, "If1", {"ALL", "OK"});
+        Press(dialog, "Cancel");
+    });
+    EXPECT_THAT(Sent(sent), IsEmpty());
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "E1");
+    EXPECT_EQ(Chosen(), "Memory write");
+    EditSetup([](CTraceSetupDialog& dialog) { Press(dialog, "OK"); }); // nothing has changed
+    EXPECT_THAT(Sent(sent), IsEmpty());
+    EXPECT_EQ(Chosen(), "Memory write");
+}
+
+TEST_F(LiveSetup, NewBeginsAnewInTheDialog) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    AnswerDialog<CTraceSetupDialog>([&] { ChooseSetup("<New>"); },
+                                    [](CTraceSetupDialog& dialog) {
+                                        EXPECT_EQ(dialog.Path(), "");
+                                        SetExpression(dialog, "Store1", {"NONE", "E2", "OK"});
+                                        Press(dialog, "OK");
+                                    });
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "All");
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].storeExpr), "E2");
+    EXPECT_EQ(Chosen(), "<New>");
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", "?"), "");
+}
+
+TEST_F(LiveSetup, WhileACaptureRunsTheSetupStays) {
+    Connect({"--buffer", "1024", "--rate", "1000"});
+    OpenFrame("State");
+    Go();
+    ASSERT_TRUE(Running());
+    const std::size_t sent = board->Functions().size();
+    EditSetup([](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "If1", {"E1", "OK"});
+        Press(dialog, "OK");
+        EXPECT_TRUE(dialog.isVisible());
+        Press(dialog, "Cancel");
+    });
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("Setup cannot be modified while trace is in progress."));
+    EXPECT_TRUE(Running());
+    for (const std::string& line : Sent(sent)) {
+        EXPECT_EQ(line.find("write memory"), std::string::npos) << line;
+    }
+    Stop();
+    ASSERT_TRUE(Complete());
+}
+
+TEST_F(LiveSetup, ASetupChangedDuringTheUploadEndsIt) {
+    Connect({"--buffer", "64", "--rate", "200000"});
+    OpenFrame("State");
+    StopALongRun();
+    ASSERT_TRUE(RunUntil([&] { return Trace().GetStore().IsUploading() && !Running(); }));
+    EditSetup([](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "Store1", {"E1", "OK"});
+        Press(dialog, "OK");
+    });
+    EXPECT_FALSE(Trace().GetStore().IsUploading());
+    EXPECT_EQ(Trace().SampleCount(false), 0);
+    board->Fault("normal");
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 1000; }));
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_GT(Trace().SampleCount(false), 1000);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(LiveSetup, TheTraceStatusWindowFollowsItsTick) {
+    Connect({"--buffer", "64", "--rate", "2000"});
+    OpenFrame("State");
+    const auto statusShown = [] {
+        const auto windows = QApplication::topLevelWidgets();
+        return std::any_of(windows.begin(), windows.end(), [](const QWidget* window) {
+            return window->isVisible() && window->windowTitle() == "Trace Status";
+        });
+    };
+    EditSetup([](CTraceSetupDialog& dialog) {
+        Tick(dialog, "Trace Status");
+        Press(dialog, "OK");
+    });
+    Go();
+    EXPECT_TRUE(RunUntil(statusShown));
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_FALSE(statusShown());
+}
+
+TEST_F(LiveSetup, TheSetupOfAFileIsLookedAt) {
+    Connect();
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);
+    frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    const QString name = Chosen();
+    const std::size_t sent = board->Functions().size();
+    EditSetup([](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "If1", {"ALL", "OK"});
+        Press(dialog, "OK");
+        EXPECT_TRUE(dialog.isVisible());
+    });
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Setup of saved trace cannot be modified."));
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "E1");
+    EXPECT_EQ(Chosen(), name);
+    EXPECT_GT(Trace().SampleCount(false), 0);
+    EXPECT_THAT(Sent(sent), IsEmpty());
+}
+
+TEST_F(LiveSetup, HelpLeadsToItsPages) {
+    Connect();
+    OpenFrame("State");
+    const auto help = [] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->windowTitle() == "Busquill! Help" && window->isVisible()) {
+                return window;
+            }
+        }
+        throw std::runtime_error("no help");
+    };
+    const auto text = [&] { return help()->findChild<QTextBrowser*>()->toPlainText(); };
+    // A modal dialog lets the user only into windows that belong to it.
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        Press(dialog, "Help");
+        EXPECT_TRUE(text().startsWith("Trace Setup"));
+        EXPECT_EQ(help()->parentWidget(), &dialog);
+        AnswerDialog<CSetupWizardDialog>([&] { Press(dialog, "Setup Wizard"); },
+                                         [&](CSetupWizardDialog& wizard) {
+                                             Press(wizard, "Help");
+                                             EXPECT_TRUE(text().startsWith("Setup Wizard"));
+                                             EXPECT_EQ(help()->parentWidget(), &wizard);
+                                         });
+        EXPECT_EQ(help()->parentWidget(), &dialog);
+    });
+    EXPECT_EQ(help()->parentWidget(), &Frame());
+    EXPECT_TRUE(text().startsWith("Setup Wizard"));
+}
+
+} // namespace
+} // namespace busquill::test
