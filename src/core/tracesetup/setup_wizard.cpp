@@ -73,8 +73,8 @@ std::size_t BuildLevelsPci(TraceSetup& setup, const WizardAnswer& trigger) {
 }
 
 std::string StoreExpressionPci(const WizardAnswer& store) {
-    const std::string address = Condition(store.address, "E5", "E6");
-    const std::string data = Condition(store.data, "E7", "E8");
+    std::string address = Condition(store.address, "E5", "E6");
+    std::string data = Condition(store.data, "E7", "E8");
     if (!store.data.IsGiven()) {
         return address;
     }
