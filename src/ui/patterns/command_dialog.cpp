@@ -39,14 +39,10 @@ bool IsDual(const CDecodedValue& value) {
 } // namespace
 
 CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
-                               const std::string& label, bool hasDualAddress)
+                               std::optional<std::size_t> shown, bool hasDualAddress)
     : QDialog(parent), def_(def), values_(new QComboBox), dac_(new QCheckBox("DAC")) {
     setWindowTitle("Command");
-    const auto shown =
-        std::find_if(def.values.begin(), def.values.end(), [&](const CDecodedValue& value) {
-            return value.label != nullptr && value.label == label;
-        });
-    const bool isDual = hasDualAddress && shown != def.values.end() && IsDual(*shown);
+    const bool isDual = hasDualAddress && shown && IsDual(def.values[*shown]);
     for (std::size_t i = 0; i < def.values.size(); ++i) {
         const CDecodedValue& value = def.values[i];
         if (hasDualAddress && IsDual(value)) {
@@ -54,8 +50,7 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
         }
         values_->addItem(value.label == nullptr ? "" : value.label);
         offered_.push_back(i);
-        const bool isPlain = isDual && Command(value) == SecondCommand(*shown);
-        if (isPlain || (shown != def.values.end() && &value == &*shown)) {
+        if (isDual ? Command(value) == SecondCommand(def.values[*shown]) : i == shown) {
             values_->setCurrentIndex(values_->count() - 1);
         }
     }
@@ -66,25 +61,32 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
     layout->addWidget(dac_);
     layout->addWidget(buttons);
     dac_->setVisible(hasDualAddress);
+    // Not every command has such a form.
+    const auto offerDual = [this] { dac_->setEnabled(Dual().has_value()); };
+    offerDual();
+    connect(values_, &QComboBox::currentIndexChanged, this, offerDual);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
-std::optional<std::size_t> CCommandDialog::Chosen() const {
+std::optional<std::size_t> CCommandDialog::Plain() const {
     const auto index = static_cast<std::size_t>(values_->currentIndex());
-    if (index >= offered_.size()) {
-        return std::nullopt;
-    }
-    const std::size_t plain = offered_[index];
-    if (dac_->isChecked()) {
-        for (std::size_t i = 0; i < def_.values.size(); ++i) {
-            if (IsDual(def_.values[i]) &&
-                SecondCommand(def_.values[i]) == Command(def_.values[plain])) {
-                return i;
-            }
+    return index < offered_.size() ? std::optional(offered_[index]) : std::nullopt;
+}
+
+std::optional<std::size_t> CCommandDialog::Dual() const {
+    const auto plain = Plain();
+    for (std::size_t i = 0; plain && i < def_.values.size(); ++i) {
+        if (IsDual(def_.values[i]) &&
+            SecondCommand(def_.values[i]) == Command(def_.values[*plain])) {
+            return i;
         }
     }
-    return plain;
+    return std::nullopt;
+}
+
+std::optional<std::size_t> CCommandDialog::Chosen() const {
+    return dac_->isEnabled() && dac_->isChecked() ? Dual() : Plain();
 }
 
 } // namespace busquill

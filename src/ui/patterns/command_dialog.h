@@ -3,7 +3,6 @@
 #include <QDialog>
 
 #include <optional>
-#include <string>
 #include <vector>
 
 class QCheckBox;
@@ -17,14 +16,19 @@ class CDecodedSignalDef;
 class CCommandDialog final : public QDialog {
     Q_OBJECT
 public:
-    /// `label` is what the cell shows now. The definition outlives the dialog.
-    CCommandDialog(QWidget* parent, const CDecodedSignalDef& def, const std::string& label,
+    /// `shown` is the index of the value that the cell shows now. The definition outlives the
+    /// dialog.
+    CCommandDialog(QWidget* parent, const CDecodedSignalDef& def, std::optional<std::size_t> shown,
                    bool hasDualAddress);
 
     /// Index of the chosen value in the definition; nothing where there is none.
     [[nodiscard]] std::optional<std::size_t> Chosen() const;
 
 private:
+    /// The chosen value without a dual address cycle, and with one.
+    [[nodiscard]] std::optional<std::size_t> Plain() const;
+    [[nodiscard]] std::optional<std::size_t> Dual() const;
+
     const CDecodedSignalDef& def_;
     std::vector<std::size_t> offered_;
     QComboBox* values_;

@@ -327,7 +327,10 @@ void CPatternGrid::Edit(const Cell& cell) {
 }
 
 bool CPatternGrid::EditCommand(CSignal& signal, int row) {
-    CCommandDialog dialog(this, *signal.decoded, CellText(signal, row),
+    const auto at = static_cast<std::size_t>(row);
+    const std::size_t label = at < signal.labelTable.size() ? signal.labelTable[at] : 0;
+    CCommandDialog dialog(this, *signal.decoded,
+                          label == 0 ? std::nullopt : std::optional(label - 1),
                           !SignalTables::Current().Board().IsVmeFamily());
     if (dialog.exec() != QDialog::Accepted || !dialog.Chosen()) {
         return false;

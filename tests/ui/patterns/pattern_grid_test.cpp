@@ -194,6 +194,37 @@ TEST_F(PatternGrid, CommandsOpenTheirDialog) {
     EXPECT_EQ(changes, 2);
 }
 
+TEST_F(PatternGrid, ACommandWithoutADualAddressFormOffersNone) {
+    ClickAndAnswer<CCommandDialog>("COMMAND", 1, [](CCommandDialog& dialog) {
+        auto& box = *dialog.findChild<QComboBox*>();
+        auto& dac = *dialog.findChild<QCheckBox*>();
+        EXPECT_FALSE(dac.isEnabled()) << "of all commands";
+        box.setCurrentText("Mem Wr");
+        EXPECT_TRUE(dac.isEnabled());
+        dac.setChecked(true);
+        box.setCurrentText("Mem Rd Line");
+        EXPECT_FALSE(dac.isEnabled());
+        dialog.accept();
+    });
+    EXPECT_EQ(Text("COMMAND", 1), "Mem Rd Line");
+}
+
+TEST(CommandDialog, OpensOnTheCodeWhereTwoHaveOneName) {
+    const BoardTables board("PCIKite-1", BusPciX);
+    const auto def = board.tables.decodedSignals.FindByName("COMMAND(PCI-X)");
+    std::vector<std::size_t> blocks;
+    for (std::size_t i = 0; i < def->values.size(); ++i) {
+        if (std::string(def->values[i].label) == "Mem Rd Blk") {
+            blocks.push_back(i);
+        }
+    }
+    ASSERT_EQ(blocks.size(), 2U);
+    for (const std::size_t block : blocks) {
+        EXPECT_EQ(CCommandDialog(nullptr, *def, block, true).Chosen(), block);
+    }
+    EXPECT_EQ(CCommandDialog(nullptr, *def, std::nullopt, true).Chosen(), 0U);
+}
+
 TEST_F(PatternGrid, OtherDecodedCellsOpenAMenuOfTheirLabels) {
     const auto& values = Column("ADR/DATA").decoded->values;
     ASSERT_GE(values.size(), 2U);
