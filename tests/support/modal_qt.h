@@ -59,6 +59,9 @@ inline void Tick(const QWidget& window, const QString& text) {
 /// Pastes a name into a file dialog, which would complete what is typed, and accepts it.
 inline void GiveFileName(QFileDialog& files, const std::string& name) {
     auto* edit = files.findChild<QLineEdit*>("fileNameEdit");
+    files.activateWindow();
+    QApplication::processEvents();
+    QTest::mouseClick(edit, Qt::LeftButton); // without the focus, its text would not count
     edit->selectAll();
     QApplication::clipboard()->setText(QString::fromStdString(name));
     QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);

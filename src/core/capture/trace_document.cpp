@@ -113,6 +113,7 @@ void CTesselDoc::ClearData() {
     filterPattern.BuildFromTables(1, ModeEvents);
     RebuildMaps(0, 0);
     markers_.fill(-1);
+    captureActive_ = false; // nobody may have looked since the capture ended
     hasData_ = false;
     UpdateAllViews(nullptr, HintCaptureStarted); // the board's memory is as good as empty
 }

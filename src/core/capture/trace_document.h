@@ -104,7 +104,7 @@ public:
     void OnCaptureStarted();
     /// The capture has ended, and its counts are known; samples come from here on.
     void OnCaptureStopped();
-    /// Forgets the samples of the last capture; one that is coming in is given up.
+    /// Forgets the samples of the last capture, which has ended; an upload is given up.
     void ClearData();
     /// Between start and stop.
     [[nodiscard]] bool CaptureActive() const noexcept { return captureActive_; }

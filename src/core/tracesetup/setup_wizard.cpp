@@ -139,7 +139,7 @@ public:
                                             values.begin());
         };
         std::size_t index = place([&](std::string_view each) { return each == label; });
-        if (index == values.size()) {
+        if (index == values.size() && SignalTables::Current().Board().IsPciXMode()) {
             index = place([&](std::string_view each) { return each.starts_with(label); });
         }
         if (index != values.size()) {

@@ -14,6 +14,7 @@
 #include "ui/tracesetup/trace_setup_dialog.h"
 
 #include <QComboBox>
+#include <QFile>
 #include <QToolButton>
 
 #include <algorithm>
@@ -28,6 +29,10 @@ constexpr int usualHeight = 420;
 
 constexpr const char* setupSection = "Setup";
 constexpr const char* newSetup = "<New>";
+
+bool IsGone(const std::string& path) {
+    return !path.empty() && !QFile::exists(QString::fromStdString(path));
+}
 
 } // namespace
 
@@ -177,14 +182,13 @@ void CChildFrame::EditSetup(const std::string& path) {
     CTesselDoc& document = Trace();
     const auto help = [this](int topic) { return [this, topic] { parts_.app.ShowHelp(topic); }; };
     CTraceSetupDialog dialog(this, document.setup, path,
-                             {parts_.settings, parts_.prompts, document.IsRealTime(),
+                             {parts_.settings, parts_.prompts, parts_.directory,
+                              document.IsRealTime(),
                               [&document] { return document.GetStore().IsRunning(); },
                               help(HelpTopic::TraceSetup), help(HelpTopic::SetupWizard)});
-    const bool accepted = dialog.exec() == QDialog::Accepted;
-    const bool isNew = dialog.IsModified() || dialog.Path() != path;
-    const bool taken =
-        accepted && isNew && document.IsRealTime() && !document.GetStore().IsRunning();
-    if (taken) {
+    const bool accepted = dialog.exec() == QDialog::Accepted && document.IsRealTime();
+    const bool isSaved = dialog.IsInFile() && dialog.Path() != path;
+    if (accepted && (dialog.IsModified() || isSaved) && !document.GetStore().IsRunning()) {
         if (dialog.IsModified()) {
             document.ClearData();
         }
@@ -193,10 +197,11 @@ void CChildFrame::EditSetup(const std::string& path) {
         RememberSetupFile(dialog.Path());
     }
     FillSetupBox();
-    if (taken) {
-        // Go reads the file again: one that does not hold the setup must not be chosen.
-        const std::string file = dialog.IsInFile() ? dialog.Path() : "";
-        document.SetSetupName(file, file.empty() ? newSetup : SetupNameOf(file));
+    // Go reads the chosen file again: one that does not hold the setup must not stay chosen.
+    if (accepted && isSaved) {
+        document.SetSetupName(dialog.Path(), SetupNameOf(dialog.Path()));
+    } else if ((accepted && !dialog.IsInFile()) || IsGone(document.setupPath)) {
+        document.SetSetupName("", newSetup);
     } else {
         ShowSetupName();
     }

@@ -46,8 +46,7 @@ CLevelPanel::CLevelPanel(TraceSetup& setup, Prompts& prompts) : setup_(setup), p
     setWidget(panel);
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setMinimumWidth(panel->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width() +
-                    2 * frameWidth());
+    FitWidth();
     setMinimumHeight(DialogUnits(*this, 0, levelHeight).height());
     verticalScrollBar()->setSingleStep(DialogUnits(*this, 0, levelHeight).height());
 }
@@ -94,6 +93,7 @@ void CLevelPanel::AddCell(QGridLayout& grid, int row, int column, const QString&
         const Cell& clicked = cells_[index];
         if (clicked.edit()) {
             ShowCell(clicked);
+            FitWidth();
             emit Modified();
         }
     });
@@ -146,6 +146,14 @@ void CLevelPanel::Refresh() {
     for (const Cell& cell : cells_) {
         ShowCell(cell);
     }
+    FitWidth();
+}
+
+/// All columns stay in sight: there is no bar to move them.
+void CLevelPanel::FitWidth() {
+    widget()->layout()->activate();
+    setMinimumWidth(widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width() +
+                    2 * frameWidth());
 }
 
 } // namespace busquill

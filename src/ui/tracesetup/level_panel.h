@@ -43,6 +43,7 @@ private:
     [[nodiscard]] Cell OccurrenceCell(std::int32_t& count);
     [[nodiscard]] Cell ConditionCell(std::int32_t& level, bool& trigger);
     void ShowCell(const Cell& cell);
+    void FitWidth();
 
     TraceSetup& setup_;
     Prompts& prompts_;

@@ -30,9 +30,8 @@ COccurrenceCountDialog::COccurrenceCountDialog(QWidget* parent, std::int32_t cou
 }
 
 void COccurrenceCountDialog::accept() {
-    bool isNumber = false;
-    const std::uint32_t count = edit_->text().trimmed().toUInt(&isNumber);
-    if (!isNumber || count < 1 || count > limit_) {
+    const std::uint32_t count = edit_->text().trimmed().toUInt(); // 0 where that is no number
+    if (count < 1 || count > limit_) {
         prompts_.Message(Printf("Occurence value must be between 1 and %u.", limit_));
         edit_->setFocus();
         edit_->selectAll();

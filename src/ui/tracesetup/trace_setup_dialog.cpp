@@ -15,7 +15,6 @@
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QIcon>
@@ -35,6 +34,7 @@ constexpr const char* lastFile = "LastSetupFile";
 constexpr const char* lastFolder = "LastSetupDir";
 constexpr const char* showStatus = "ShowTraceStatus";
 
+constexpr std::string_view extension = ".tsp";
 constexpr int descriptionLines = 3;
 
 QString Shown(const std::string& text) {
@@ -62,24 +62,26 @@ QComboBox* MakeList(const char* name, std::int32_t count,
 
 enum class FileUse { Open, Save, Delete };
 
-/// The path that the user chooses, or nothing. `start` is a folder, or a file.
-std::string AskForFile(QWidget* parent, FileUse use, const std::string& start) {
+/// The path that the user chooses, or nothing.
+std::string AskForFile(QWidget* parent, FileUse use, const std::string& folder,
+                       const std::string& name = "") {
     const char* const titles[] = {"Open Trace Setup", "Save Trace Setup", "Delete Trace Setup"};
     QFileDialog dialog(parent, titles[static_cast<int>(use)], QString(), "Setups (*.tsp)");
     dialog.setAcceptMode(use == FileUse::Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(use == FileUse::Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (use == FileUse::Save) {
-        dialog.setDefaultSuffix("tsp"); // elsewhere it would be added to what is typed
+        dialog.setDefaultSuffix(extension.data() +
+                                1); // elsewhere it would be added to what is typed
     }
     if (use == FileUse::Delete) {
         dialog.setLabelText(QFileDialog::Accept, "&Delete");
     }
-    const QFileInfo place(QString::fromStdString(start));
-    if (place.isDir()) {
-        dialog.setDirectory(place.filePath());
-    } else if (!start.empty()) {
-        dialog.setDirectory(place.path());
-        dialog.selectFile(place.fileName());
+    if (!folder.empty()) {
+        dialog.setDirectory(QString::fromStdString(folder));
+    }
+    if (!name.empty()) {
+        // A name may hold what a file's name cannot.
+        dialog.selectFile(Shown(name).replace('/', '-').replace('\\', '-'));
     }
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().first().toStdString() : "";
 }
@@ -172,9 +174,10 @@ QGroupBox* CTraceSetupDialog::MakeControlGroup() {
     powerZoomClock_ = MakeList("Power Zoom Sample Clock", powerZoomCount, PowerZoomText);
     const BoardTraits board = SignalTables::Current().Board();
     powerZoomClock_->setEnabled(!board.IsWrenBoard() && !board.IsVmeLark());
-    connect(clock_, &QComboBox::activated, this, &CTraceSetupDialog::ClockChosen);
-    connect(triggerPosition_, &QComboBox::activated, this, &CTraceSetupDialog::Modify);
-    connect(powerZoomClock_, &QComboBox::activated, this, &CTraceSetupDialog::Modify);
+    for (QComboBox* list : {clock_, triggerPosition_, powerZoomClock_}) {
+        connect(list, &QComboBox::currentIndexChanged, this, &CTraceSetupDialog::Modify);
+    }
+    connect(clock_, &QComboBox::activated, this, &CTraceSetupDialog::CheckClock);
     traceStatus_ = new QCheckBox("Trace Status");
     traceStatus_->setToolTip("Shows a window with the counts while a capture runs");
     traceStatus_->setChecked(parts_.settings.GetProfileInt(displaySection, showStatus, 0) != 0);
@@ -206,6 +209,8 @@ void CTraceSetupDialog::ShowProgram() {
 }
 
 void CTraceSetupDialog::ShowIndexes() {
+    const QSignalBlocker blockers[] = {QSignalBlocker(clock_), QSignalBlocker(triggerPosition_),
+                                       QSignalBlocker(powerZoomClock_)};
     clock_->setCurrentIndex(setup_.clock - 1);
     triggerPosition_->setCurrentIndex(setup_.triggerPosition - 1);
     powerZoomClock_->setCurrentIndex(setup_.powerZoomClock - 1);
@@ -219,14 +224,13 @@ void CTraceSetupDialog::TakeFields() {
     setup_.powerZoomClock = powerZoomClock_->currentIndex() + 1;
 }
 
+std::string CTraceSetupDialog::LastFolder() const {
+    return parts_.settings.GetProfileString(setupSection, lastFolder, parts_.directory.Path());
+}
+
 void CTraceSetupDialog::Modify() {
     modified_ = true;
     inFile_ = false;
-}
-
-void CTraceSetupDialog::ClockChosen() {
-    Modify();
-    CheckClock();
 }
 
 void CTraceSetupDialog::CheckClock() {
@@ -234,15 +238,14 @@ void CTraceSetupDialog::CheckClock() {
     if (clock_->currentIndex() + 1 == clock133MHz && board.IsWrenBoard()) {
         parts_.prompts.Message(
             Printf("%s model does not support 133 MHz sample clock.", board.modelString.c_str()));
-        clock_->setCurrentIndex(clock_->currentIndex() + 1);
+        clock_->setCurrentIndex(clock_->currentIndex() + 1); // which is a change
     }
 }
 
 // The buttons.
 
 void CTraceSetupDialog::OnOpen() {
-    const std::string path = AskForFile(
-        this, FileUse::Open, parts_.settings.GetProfileString(setupSection, lastFolder, ""));
+    const std::string path = AskForFile(this, FileUse::Open, LastFolder());
     if (path.empty()) {
         return;
     }
@@ -260,22 +263,29 @@ void CTraceSetupDialog::OnOpen() {
 
 void CTraceSetupDialog::OnSave() {
     TakeFields();
-    const std::string folder = parts_.settings.GetProfileString(setupSection, lastFolder, "");
-    const std::string suggested =
-        setup_.name.empty() ? folder : WorkingDirectory(folder).FilePath(setup_.name);
-    const std::string path = AskForFile(this, FileUse::Save, path_.empty() ? suggested : path_);
+    std::string path = path_.empty() ? AskForFile(this, FileUse::Save, LastFolder(), setup_.name)
+                                     : AskForFile(this, FileUse::Save, std::string(FolderOf(path_)),
+                                                  std::string(FileNameOf(path_)));
     if (path.empty()) {
         return;
     }
-    path_ = path;
+    if (!path.ends_with(extension)) { // such as a name with a point in it
+        path += extension;
+        if (QFile::exists(QString::fromStdString(path)) &&
+            !parts_.prompts.AskYesNo("File already exists. Overwrite?")) {
+            return;
+        }
+    }
     setup_.name = BaseNameOf(path);
     name_->setText(Shown(setup_.name));
     inFile_ = SaveSetupFile(setup_, path, parts_.prompts);
+    if (inFile_) {
+        path_ = path;
+    }
 }
 
 void CTraceSetupDialog::OnDelete() {
-    const std::string path = AskForFile(
-        this, FileUse::Delete, parts_.settings.GetProfileString(setupSection, lastFolder, ""));
+    const std::string path = AskForFile(this, FileUse::Delete, LastFolder());
     if (path.empty() || !parts_.prompts.AskYesNo(Printf("Delete setup file %s?", path.c_str()))) {
         return;
     }
@@ -309,7 +319,10 @@ void CTraceSetupDialog::accept() {
         parts_.prompts.Message("Setup of saved trace cannot be modified.");
         return;
     }
+    const std::string name = setup_.name;
+    const std::string description = setup_.description;
     TakeFields();
+    inFile_ = inFile_ && setup_.name == name && setup_.description == description;
     parts_.settings.WriteProfileInt(displaySection, showStatus, traceStatus_->isChecked() ? 1 : 0);
     QDialog::accept();
 }

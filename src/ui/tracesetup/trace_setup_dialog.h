@@ -19,6 +19,7 @@ class CLevelPanel;
 class CPatternTable;
 class Prompts;
 class Settings;
+class WorkingDirectory;
 
 /// The setup of a trace: its name, events, levels and clocks. Edits it in place; Cancel brings the
 /// old one back.
@@ -29,6 +30,7 @@ public:
     struct Parts {
         Settings& settings;
         Prompts& prompts;
+        const WorkingDirectory& directory;
         bool isLive; // a saved trace keeps the setup that it was made with
         std::function<bool()> isRunning;
         std::function<void()> showHelp;
@@ -40,7 +42,7 @@ public:
 
     /// Whether events, levels or clocks have been changed.
     [[nodiscard]] bool IsModified() const noexcept { return modified_; }
-    /// Whether the file at Path holds the setup as it is.
+    /// Whether the file at Path holds the setup as it is, name and description included.
     [[nodiscard]] bool IsInFile() const noexcept { return inFile_; }
     /// The file that the setup was last saved to or read from, or the one given.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
@@ -57,8 +59,8 @@ private:
     void ShowIndexes();
     void TakeFields();
     void Modify();
-    void ClockChosen();
     void CheckClock();
+    [[nodiscard]] std::string LastFolder() const;
     void OnOpen();
     void OnSave();
     void OnDelete();

@@ -253,6 +253,41 @@ TEST_F(TraceRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
     EXPECT_FALSE(document->IsValidSample(0, false));
 }
 
+TEST_F(TraceRunTest, AClearedTraceStaysEmpty) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 500, 500);
+    Upload();
+    NewDocument();
+    document->OnCaptureStarted();
+    document->OnCaptureStopped();
+    document->FlushBlockUpdates();
+    ASSERT_TRUE(document->IsValidSample(500, false));
+    document->SetMarker(1, 3);
+    document->SetMarker(2, 4);
+    document->OnCaptureStarted(); // another run, whose end nobody has seen yet
+    document->filterPattern.RemoveAllSignals();
+    struct View final : DocumentView {
+        void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
+            hints.push_back(hint);
+        }
+        std::vector<int> hints;
+    } view;
+    document->AddView(&view);
+    document->ClearData();
+    document->RemoveView(&view);
+    EXPECT_EQ(view.hints, std::vector<int>{HintCaptureStarted});
+    EXPECT_FALSE(document->CaptureActive());
+    EXPECT_FALSE(document->HasData());
+    EXPECT_EQ(document->SampleCount(false), 0);
+    EXPECT_EQ(store.GetCount(false), 0U);
+    EXPECT_FALSE(document->filterPattern.Empty());
+    for (int marker = 0; marker < 3; ++marker) {
+        EXPECT_EQ(document->Marker(marker, false), -1);
+    }
+    static_cast<void>(FollowRun(*link, *document)); // a window's timer
+    EXPECT_EQ(document->SampleCount(false), 0);
+}
+
 TEST_F(TraceRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);

@@ -63,9 +63,23 @@ TEST(ExpressionEditor, SixteenTokensAreAll) {
     EXPECT_TRUE(editor.TakesOperand());
 }
 
+TEST(ExpressionEditor, FillsAGapAndKnowsAFullExpression) {
+    ExpressionEditor editor(Expression{0, 0, 0, 0, 0, 0, 0x09, 0x10}); // E1, nothing, AND
+    EXPECT_TRUE(editor.TakesOperator());
+    editor.Add(TokenOr);
+    EXPECT_EQ(editor.Bytes(), (Expression{0, 0, 0, 0, 0, 0, 0x09, 0x1A}));
+    ExpressionEditor full(Expression{0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11});
+    full.Add(TokenOr);
+    EXPECT_EQ(full.Bytes()[0], 0x11);
+    EXPECT_TRUE(full.CanErase());
+    full.Backspace();
+    EXPECT_EQ(full.Bytes()[0], 0x10);
+}
+
 TEST(ExpressionEditor, AnEventOverAllBeginsAnew) {
     ExpressionEditor editor = Editor("E2");
     editor.SetAll();
+    EXPECT_TRUE(editor.CanErase());
     EXPECT_EQ(editor.Bytes(), expressionAll);
     editor.Add(1);
     EXPECT_EQ(Text(editor), "E1");

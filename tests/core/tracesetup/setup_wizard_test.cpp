@@ -268,6 +268,11 @@ TEST(SetupWizard, NamesTheCommandsOfPciX) {
 
 TEST(SetupWizard, WithoutAddressAndDataTakesAddressPhases) {
     Wizard wizard("PCIKite-1");
+    wizard.store.cycle = WizardCycle::Memory;
+    wizard.Build(none, none);
+    EXPECT_EQ(wizard.Label("ADR/DATA", 0), "Both");
+    EXPECT_EQ(wizard.Label("ADR/DATA", 4), "Address");
+    wizard.store.cycle = WizardCycle::All;
     wizard.trigger.cycle = WizardCycle::Io;
     wizard.Build(none, none);
     EXPECT_EQ(wizard.Label("ADR/DATA", 0), "Address");
@@ -450,6 +455,12 @@ TEST(SetupWizard, SkipsRowsThatABoardDoesNotHave) {
     EXPECT_EQ(wizard.Bus(0), "0000000000001234/FFFFFFFFFFFFFFFF");
     EXPECT_EQ(wizard.Label("=<>", 0), "=");
     EXPECT_EQ(wizard.Label("COMMAND", 0), "All");
+    wizard.trigger.cycle = WizardCycle::Io;
+    wizard.Build();
+    EXPECT_EQ(wizard.Label("COMMAND", 0), "All"); // not only the writes
+    wizard.trigger.direction = WizardDirection::Read;
+    wizard.Build();
+    EXPECT_EQ(wizard.Label("COMMAND", 0), "I/O Rd");
 }
 
 TEST(SetupWizard, ReplacesWhatStoodThere) {

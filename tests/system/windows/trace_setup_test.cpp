@@ -12,6 +12,7 @@
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTextBrowser>
 #include <gmock/gmock.h>
 
@@ -234,6 +235,80 @@ TEST_F(LiveSetup, ACancelledDialogSendsNothing) {
     EditSetup([](CTraceSetupDialog& dialog) { Press(dialog, "OK"); }); // nothing has changed
     EXPECT_THAT(Sent(sent), IsEmpty());
     EXPECT_EQ(Chosen(), "Memory write");
+}
+
+TEST_F(LiveSetup, ADescriptionThatIsInNoFileIsNotReadOver) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    const std::size_t sent = board->Functions().size();
+    EditSetup([](CTraceSetupDialog& dialog) {
+        QTest::keyClicks(dialog.findChild<QPlainTextEdit*>(), "Mine: ");
+        Press(dialog, "OK");
+    });
+    EXPECT_EQ(Chosen(), "<New>");
+    EXPECT_THAT(Sent(sent), IsEmpty()) << "the program is as it was";
+    Go();
+    EXPECT_TRUE(Trace().setup.description.starts_with("Mine: "));
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "E1");
+    Stop();
+    ASSERT_TRUE(Complete());
+}
+
+TEST_F(LiveSetup, ADeletedFileIsChosenNoMore) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    // Another file that calls its setup so.
+    std::filesystem::copy(dir.File("MemoryWrite.tsp"), dir.File("Copy.tsp"));
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        ChooseFile(dialog, "Delete", dir.File("MemoryWrite.tsp"));
+        Press(dialog, "Cancel");
+    });
+    EXPECT_FALSE(std::filesystem::exists(dir.File("MemoryWrite.tsp")));
+    EXPECT_EQ(Chosen(), "<New>");
+    EXPECT_EQ(Trace().setupPath, "");
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "E1");
+}
+
+TEST_F(LiveSetup, ASaveWithoutAChangeKeepsTheCapture) {
+    Connect({"--buffer", "1"});
+    OpenFrame("State");
+    EXPECT_FALSE(Trace().IsModified());
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        ChooseFile(dialog, "Save", "First");
+        Press(dialog, "OK");
+    });
+    EXPECT_TRUE(Trace().IsModified());
+    EXPECT_EQ(Chosen(), "First");
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::int64_t count = Trace().SampleCount(false);
+    ASSERT_GT(count, 0);
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        ChooseFile(dialog, "Save", "Second");
+        Press(dialog, "OK");
+    });
+    EXPECT_EQ(Chosen(), "Second");
+    EXPECT_EQ(Trace().setupPath, dir.File("Second.tsp"));
+    EXPECT_EQ(Trace().SampleCount(false), count);
+}
+
+TEST_F(LiveSetup, ASmallBoardGetsTheClockThatItCanDo) {
+    Connect({"--model", "PCIWren", "--buffer", "1"});
+    OpenFrame("State");
+    TraceSetup fast;
+    fast.clock = 4;
+    ASSERT_TRUE(SaveSetupFile(fast, dir.File("fast.tsp"), prompts));
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        ChooseFile(dialog, "Open", dir.File("fast.tsp"));
+        Press(dialog, "OK");
+    });
+    ASSERT_EQ(prompts.Texts().size(), 1U);
+    EXPECT_EQ(Chosen(), "<New>") << "the file would bring the other clock back";
+    Go();
+    EXPECT_EQ(Trace().setup.clock, 5);
+    ASSERT_TRUE(Complete());
 }
 
 TEST_F(LiveSetup, NewBeginsAnewInTheDialog) {

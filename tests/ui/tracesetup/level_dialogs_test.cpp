@@ -116,6 +116,9 @@ TEST_F(ExpressionDialog, MnemonicsAndEnter) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "E3"; })); // the button is seen to move
     QTest::keyClick(dialog.get(), Qt::Key_A, Qt::AltModifier);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "All"; }));
+    for (const char* button : {"&ALL", "&NONE", "&Clear", "&Backspace", "E&1", "E&8"}) {
+        EXPECT_EQ(ButtonOf(*dialog, QString(button).remove('&')).text(), button);
+    }
     QTest::keyClick(dialog.get(), Qt::Key_Return);
     EXPECT_EQ(dialog->result(), QDialog::Accepted);
 }
@@ -168,7 +171,8 @@ TEST_F(OccurrenceDialog, RefusesWhatIsOutside) {
         EXPECT_TRUE(dialog->isVisible());
         EXPECT_EQ(dialog->Count(), 7);
         prompts.Forget();
-        Type("8"); // over what was refused
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(), "8"); // over what was refused
+        Press(*dialog, "OK");
         EXPECT_EQ(dialog->Count(), 8);
     }
 }
@@ -186,6 +190,7 @@ TEST(ConditionDialog, LeadsToALevel) {
     EXPECT_EQ(box.currentText(), "Goto L3");
     EXPECT_FALSE(dialog.Trigger());
     QTest::keyClick(&box, Qt::Key_Down);
+    EXPECT_EQ(ButtonOf(dialog, "Trigger").text(), "&Trigger");
     Tick(dialog, "Trigger");
     Press(dialog, "OK");
     EXPECT_EQ(dialog.Level(), 3);

@@ -137,6 +137,30 @@ TEST_F(SetupWizardDialog, StopsAtTheFirstTextThatCannotBeRead) {
     EXPECT_EQ(Store(), "E7.E8+E5");
 }
 
+TEST_F(SetupWizardDialog, ReadsTheTextsInTheirOrder) {
+    const char* const bad[] = {"ta", "tb", "tc", "td"}; // "t" is no digit
+    Open("PCIKite-1");
+    for (int field = 0; field < 4; ++field) {
+        Type(field / 2, field % 2, bad[field]);
+    }
+    for (int field = 0; field < 4; ++field) {
+        prompts.Forget();
+        Press(*dialog, "OK");
+        EXPECT_THAT(prompts.Texts(),
+                    ElementsAre("Invalid value string '" + std::string(bad[field]) + "'."));
+        Type(field / 2, field % 2, "1");
+    }
+    Press(*dialog, "OK");
+    EXPECT_FALSE(dialog->isVisible());
+}
+
+TEST_F(SetupWizardDialog, AsksOtherBoardsInTheWordsOfTheirFamily) {
+    Open("VMELark", BusVme);
+    EXPECT_EQ(Choices(0), QStringList({"*Memory", "Read", "Write", "Interrupt", "*All"}));
+    Open("VSBKite", BusVsb);
+    EXPECT_EQ(Choices(0).size(), 7);
+}
+
 TEST_F(SetupWizardDialog, CancelAndHelpChangeNothing) {
     Open("PCIKite-1");
     Type(0, 0, "12");

@@ -1,3 +1,4 @@
+#include "platform/working_directory.h"
 #include "signals/value_text.h"
 #include "support/board_tables.h"
 #include "support/memory_settings.h"
@@ -14,9 +15,12 @@
 #include "ui/tracesetup/setup_wizard_dialog.h"
 #include "ui/tracesetup/trace_setup_dialog.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -35,10 +39,6 @@ using testing::IsEmpty;
 
 class TraceSetupDialog : public testing::Test {
 protected:
-    explicit TraceSetupDialog() {
-        settings.WriteProfileString("Setup", "LastSetupDir", dir.Path());
-    }
-
     void UseBoard(const std::string& model, std::int32_t mode = BusPci) {
         board.reset(); // the tables that were made last are those in force
         board = std::make_unique<BoardTables>(model, mode);
@@ -47,8 +47,9 @@ protected:
     void Open(const std::string& path = "") {
         dialog = std::make_unique<CTraceSetupDialog>(
             nullptr, setup, path,
-            CTraceSetupDialog::Parts{settings, prompts, isLive, [this] { return isRunning; },
-                                     [this] { ++helpShown; }, [this] { ++wizardHelpShown; }});
+            CTraceSetupDialog::Parts{settings, prompts, directory, isLive,
+                                     [this] { return isRunning; }, [this] { ++helpShown; },
+                                     [this] { ++wizardHelpShown; }});
         dialog->show();
         QApplication::processEvents();
     }
@@ -67,6 +68,14 @@ protected:
             const bool down = list.currentIndex() < list.findText(text);
             QTest::keyClick(&list, down ? Qt::Key_Down : Qt::Key_Up);
         }
+    }
+    const CSignal* Column(const std::string& name) {
+        for (const auto& signal : setup.events.All()) {
+            if (signal->VisibleWidth() > 0 && signal->RowName() == name) {
+                return signal.get();
+            }
+        }
+        throw std::runtime_error("no column " + name);
     }
     void SetExpression(const char* cell, std::initializer_list<const char*> buttons) {
         AnswerDialog<CTraceExpressionDialog>([&] { Press(cell); },
@@ -113,6 +122,7 @@ protected:
     }
 
     const TempDir dir;
+    const WorkingDirectory directory{dir.Path()};
     RecordingPrompts prompts;
     MemorySettings settings;
     std::unique_ptr<BoardTables> board = std::make_unique<BoardTables>("PCIKite-1");
@@ -147,6 +157,37 @@ TEST_F(TraceSetupDialog, ShowsTheSetup) {
     EXPECT_TRUE(Closed(QDialog::Accepted));
     EXPECT_FALSE(dialog->IsModified());
     EXPECT_EQ(setup.description, "two\r\nlines");
+}
+
+TEST_F(TraceSetupDialog, SaysWhatIsWhat) {
+    settings.WriteProfileInt("Display", "ShowTraceStatus", 1);
+    Open();
+    EXPECT_TRUE(dialog->findChild<QCheckBox*>()->isChecked());
+    QStringList titles;
+    for (const auto* group : dialog->findChildren<QGroupBox*>()) {
+        titles << group->title();
+    }
+    EXPECT_EQ(titles, QStringList({"Setup", "Events", "Trace Control"}));
+    QStringList labels;
+    for (const auto* label : dialog->findChildren<QLabel*>()) {
+        labels << label->text();
+    }
+    for (const char* label : {"Name", "Description", "Sample Clock", "Trigger Position",
+                              "Power Zoom Sample Clock", "L1:", "L8:"}) {
+        EXPECT_EQ(labels.count(label), 1) << label;
+    }
+    for (const char* label : {"IF", "OCCURS", "THEN", "STORE", "ELSE"}) {
+        EXPECT_EQ(labels.count(label), 8) << label;
+    }
+    for (const char* button :
+         {"Setup &Wizard", "&Open", "&Save", "&Delete", "OK", "Cancel", "&Help", "Trace Status"}) {
+        EXPECT_EQ(ButtonOf(*dialog, QString(button).remove('&')).text().remove("&OK"),
+                  QString(button).remove("&OK"));
+    }
+    EXPECT_FALSE(ButtonOf(*dialog, "Setup Wizard").icon().isNull());
+    // Between the cells of the panel.
+    auto& panel = *dialog->findChild<CLevelPanel*>();
+    EXPECT_EQ(panel.grab().toImage().pixelColor(4, 4), QColor(0xD0, 0xD0, 0xD0));
 }
 
 TEST_F(TraceSetupDialog, OffersEveryClockAndPosition) {
@@ -260,21 +301,56 @@ TEST_F(TraceSetupDialog, ACancelledCellChangesNothing) {
 TEST_F(TraceSetupDialog, AnEventIsEditedInTheTable) {
     Open();
     // A line in the row of E3; the labels take 9 digits.
-    const CSignal* line = nullptr;
+    const CSignal* const line = Column("PAR");
     int x = 9 * QFontMetrics(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed))
                     .horizontalAdvance('0') +
             1;
     for (const auto& signal : setup.events.All()) {
-        if (signal->RowName() == "PAR") {
-            line = signal.get();
+        if (signal.get() == line) {
             break;
         }
         x += signal->VisibleWidth();
     }
-    ASSERT_NE(line, nullptr);
     QTest::mouseClick(&Grid(), Qt::LeftButton, {}, {x + line->width / 2, 19 + 2 * 21 + 10});
     EXPECT_EQ(CPatternGrid::CellText(*line, 2), "0");
     EXPECT_TRUE(dialog->IsModified());
+    Press("Cancel");
+    EXPECT_EQ(CPatternGrid::CellText(*Column("PAR"), 2), "X");
+}
+
+TEST_F(TraceSetupDialog, AnOccurrenceCountHasTwoBytes) {
+    Open();
+    AnswerDialog<COccurrenceCountDialog>([&] { Press("Occurs1"); },
+                                         [](COccurrenceCountDialog& count) {
+                                             auto* edit = count.findChild<QLineEdit*>();
+                                             QTest::keyClicks(edit, "65536");
+                                             test::Press(count, "OK");
+                                             EXPECT_TRUE(count.isVisible());
+                                             QTest::keyClicks(edit, "65535");
+                                             test::Press(count, "OK");
+                                         });
+    EXPECT_EQ(Cell("Occurs1"), "65535");
+}
+
+TEST_F(TraceSetupDialog, ALongExpressionLeavesTheOtherCellsInSight) {
+    Open();
+    dialog->resize(dialog->minimumSizeHint());
+    QApplication::processEvents();
+    AnswerDialog<CTraceExpressionDialog>([&] { Press("If1"); },
+                                         [&](CTraceExpressionDialog& expression) {
+                                             test::Press(expression, "NONE");
+                                             for (int i = 0; i < 16; ++i) {
+                                                 test::Press(expression,
+                                                             i % 2 == 0 ? "E1" : "x (XOR)");
+                                             }
+                                             test::Press(expression, "OK");
+                                         });
+    QApplication::processEvents();
+    const auto& panel = *dialog->findChild<CLevelPanel*>();
+    const auto& condition = ButtonOf(*dialog, "Then1");
+    EXPECT_LE(condition.mapTo(&panel, QPoint(condition.width(), 0)).x(),
+              panel.viewport()->width() + panel.frameWidth());
+    EXPECT_GE(ButtonOf(*dialog, "If1").width(), ButtonOf(*dialog, "If1").minimumSizeHint().width());
 }
 
 TEST_F(TraceSetupDialog, ShowsAsManyEventsAsTheBoardHas) {
@@ -318,6 +394,16 @@ TEST_F(TraceSetupDialog, SmallBoardsCannotSampleAt133MHz) {
     EXPECT_EQ(List("Sample Clock").currentText(), "15 ns");
     Press("OK");
     EXPECT_EQ(setup.clock, 5);
+    EXPECT_FALSE(dialog->IsInFile()); // which has the other clock still
+}
+
+TEST_F(TraceSetupDialog, TheSameChoiceAgainIsNoChange) {
+    Open();
+    auto& list = List("Trigger Position");
+    list.showPopup();
+    QTest::keyClick(list.view(), Qt::Key_Return);
+    EXPECT_EQ(list.currentText(), "50%");
+    EXPECT_FALSE(dialog->IsModified());
 }
 
 TEST_F(TraceSetupDialog, OthersCan) {
@@ -361,6 +447,46 @@ TEST_F(TraceSetupDialog, SavesUnderTheFilesName) {
     EXPECT_FALSE(dialog->IsInFile());
 }
 
+TEST_F(TraceSetupDialog, ANameMayHoldWhatAFilesNameCannot) {
+    Open();
+    ChooseFile("Save", "", [&](QFileDialog& files) {
+        EXPECT_EQ(files.findChild<QLineEdit*>("fileNameEdit")->text(), "");
+        EXPECT_EQ(files.directory().path().toStdString(), dir.Path());
+    });
+    QTest::keyClicks(&Name(), "Read/Write 1.5");
+    ChooseFile("Save", "Read-Write 1.5", [&](QFileDialog& files) {
+        EXPECT_EQ(files.findChild<QLineEdit*>("fileNameEdit")->text(), "Read-Write 1.5");
+        EXPECT_EQ(files.directory().path().toStdString(), dir.Path());
+    });
+    EXPECT_EQ(dialog->Path(), dir.File("Read-Write 1.5.tsp"));
+    EXPECT_EQ(Name().text(), "Read-Write 1.5");
+    EXPECT_TRUE(std::filesystem::exists(dialog->Path()));
+    // Behind a point the file dialog adds nothing and does not see that there is such a file.
+    prompts.AnswerNext(Answer::No);
+    std::filesystem::remove(dialog->Path());
+    dir.Write("other 2.0.tsp", "kept");
+    ChooseFile("Save", "other 2.0");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("File already exists. Overwrite?"));
+    EXPECT_EQ(std::filesystem::file_size(dir.File("other 2.0.tsp")), 4U);
+}
+
+TEST_F(TraceSetupDialog, AnotherNameOrDescriptionIsNotInTheFile) {
+    const std::string path = SetupFile("other.tsp", Other());
+    ASSERT_TRUE(LoadSetupFile(setup, path, prompts));
+    Open(path);
+    Press("OK");
+    EXPECT_TRUE(dialog->IsInFile());
+    Open(path);
+    QTest::keyClicks(&Name(), "!");
+    Press("OK");
+    EXPECT_FALSE(dialog->IsInFile());
+    Open(path);
+    QTest::keyClicks(&Description(), "!");
+    Press("OK");
+    EXPECT_FALSE(dialog->IsInFile());
+    EXPECT_FALSE(dialog->IsModified());
+}
+
 TEST_F(TraceSetupDialog, AFileThatCannotBeWrittenIsReported) {
     Open();
     const std::string path = dir.Path() + "/none/x.tsp";
@@ -373,13 +499,18 @@ TEST_F(TraceSetupDialog, AFileThatCannotBeWrittenIsReported) {
     });
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error creating file " + path + "."));
     EXPECT_FALSE(dialog->IsInFile());
+    EXPECT_EQ(dialog->Path(), "");
 }
 
 TEST_F(TraceSetupDialog, OpensAFile) {
-    const std::string path = SetupFile("other.tsp", Other());
+    TraceSetup other = Other();
+    other.events.ApplyDecodedValue(&other.events[0], 7, 8); // a memory write in E8
+    const std::string path = SetupFile("other.tsp", other);
     Open();
+    const QImage before = Grid().grab().toImage();
     ChooseFile("Open", path, [&](QFileDialog& files) {
         EXPECT_EQ(files.windowTitle(), "Open Trace Setup");
+        EXPECT_EQ(files.nameFilters(), QStringList("Setups (*.tsp)"));
         EXPECT_EQ(files.directory().path().toStdString(), dir.Path());
     });
     EXPECT_TRUE(dialog->IsModified());
@@ -392,6 +523,8 @@ TEST_F(TraceSetupDialog, OpensAFile) {
     EXPECT_EQ(List("Power Zoom Sample Clock").currentText(), "240 ns");
     EXPECT_EQ(Cell("If1"), "E1+E2");
     EXPECT_EQ(Cell("Else8"), "Goto L8, Trigger");
+    EXPECT_NE(Grid().grab().toImage(), before);
+    EXPECT_EQ(CPatternGrid::CellText(*Column("COMMAND"), 7), "Mem Wr");
     Press("OK");
     EXPECT_EQ(setup.description, "two\r\nlines");
     EXPECT_EQ(setup.clock, 5);
@@ -402,6 +535,9 @@ TEST_F(TraceSetupDialog, CancelBringsBackAllButTheDescription) {
     setup.name = "Before";
     setup.description = "as it was";
     setup.levels[0].ifExpr = ParseExpression("E7");
+    setup.events.ApplyDecodedValue(&setup.events[0], 2, 8);
+    setup.triggerPosition = 4;
+    setup.powerZoomClock = 3;
     Open();
     ChooseFile("Open", path);
     EXPECT_EQ(setup.name, "Other");
@@ -412,6 +548,9 @@ TEST_F(TraceSetupDialog, CancelBringsBackAllButTheDescription) {
     EXPECT_EQ(FormatExpression(setup.levels[0].ifExpr), "E7");
     EXPECT_EQ(setup.levels[0].occurs, 1);
     EXPECT_EQ(setup.clock, 2);
+    EXPECT_EQ(setup.triggerPosition, 4);
+    EXPECT_EQ(setup.powerZoomClock, 3);
+    EXPECT_EQ(CPatternGrid::CellText(*Column("COMMAND"), 2), "Mem Wr");
 }
 
 TEST_F(TraceSetupDialog, EscapeIsCancel) {
@@ -444,8 +583,10 @@ TEST_F(TraceSetupDialog, DeletesAFileAfterAQuestion) {
     settings.WriteProfileString("Setup", "LastSetupFile", path);
     Open();
     prompts.AnswerNext(Answer::No);
-    ChooseFile("Delete", path,
-               [](QFileDialog& files) { EXPECT_EQ(files.windowTitle(), "Delete Trace Setup"); });
+    ChooseFile("Delete", path, [](QFileDialog& files) {
+        EXPECT_EQ(files.windowTitle(), "Delete Trace Setup");
+        EXPECT_EQ(files.nameFilters(), QStringList("Setups (*.tsp)"));
+    });
     EXPECT_THAT(prompts.Texts(), ElementsAre("Delete setup file " + path + "?"));
     EXPECT_TRUE(std::filesystem::exists(path));
     EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), path);
@@ -463,6 +604,19 @@ TEST_F(TraceSetupDialog, DeletingAnotherFileLeavesTheLastOne) {
     prompts.AnswerNext(Answer::Yes);
     ChooseFile("Delete", path);
     EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", "?"), "/other.tsp");
+}
+
+TEST_F(TraceSetupDialog, AFileThatCannotBeDeletedIsReported) {
+    const std::string path = SetupFile("old.tsp", Other());
+    settings.WriteProfileString("Setup", "LastSetupFile", path);
+    Open(path);
+    ChooseFile("Delete", path, [&](QFileDialog& files) {
+        // Gone before the question is answered.
+        QObject::connect(&files, &QFileDialog::accepted, [&] { std::filesystem::remove(path); });
+    });
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Delete setup file " + path + "?",
+                                             "Error deleting file " + path + "."));
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), path);
 }
 
 TEST_F(TraceSetupDialog, ADeletedFileOfItsOwnIsNoFileAnyMore) {
@@ -486,9 +640,10 @@ TEST_F(TraceSetupDialog, ACancelledFileDialogDoesNothing) {
 // The wizard, and the ends
 
 TEST_F(TraceSetupDialog, TheWizardReplacesTheProgram) {
+    setup.triggerPosition = 4;
     Open();
     QTest::keyClicks(&Name(), "Mine");
-    Choose(List("Trigger Position"), "75%");
+    const QImage before = Grid().grab().toImage();
     AnswerDialog<CSetupWizardDialog>([&] { Press("Setup Wizard"); },
                                      [&](CSetupWizardDialog& wizard) {
                                          test::Press(wizard, "Help");
@@ -500,6 +655,7 @@ TEST_F(TraceSetupDialog, TheWizardReplacesTheProgram) {
     EXPECT_TRUE(dialog->IsModified());
     EXPECT_EQ(Cell("If1"), "E1.E2");
     EXPECT_EQ(Cell("Store1"), "E5");
+    EXPECT_NE(Grid().grab().toImage(), before);
     EXPECT_EQ(Name().text(), "Mine");
     Press("OK");
     EXPECT_EQ(setup.name, "Mine");
