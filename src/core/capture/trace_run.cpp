@@ -1,8 +1,7 @@
 #include "capture/trace_run.h"
 
 #include "capture/trace_document.h"
-#include "link/analyzer_link.h"
-#include "platform/prompts.h"
+#include "link/exchange.h"
 #include "tracesetup/setup_file.h"
 
 namespace busquill {
@@ -25,17 +24,14 @@ void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompt
                                .length = static_cast<std::uintptr_t>(setup.triggerPosition),
                                .data =
                                    NumberAsData(static_cast<std::uintptr_t>(setup.powerZoomClock))};
-    if (!link.Exchange(CmdTraceParams, parameters)) {
-        prompts.TopmostMessage("Error sending trace parameter data to analyzer.");
-    }
+    ExchangeOrTell(link, CmdTraceParams, parameters, prompts,
+                   "Error sending trace parameter data to analyzer.");
     const LinkWords events{.data = &setup.events,
                            .extra = static_cast<std::uintptr_t>(EventCount(link))};
-    if (!link.Exchange(CmdTraceEvents, events)) {
-        prompts.TopmostMessage("Error sending trace event setup data to analyzer.");
-    }
-    if (!link.Exchange(CmdTraceControl, {.data = &setup})) {
-        prompts.TopmostMessage("Error sending trace control setup data to analyzer.");
-    }
+    ExchangeOrTell(link, CmdTraceEvents, events, prompts,
+                   "Error sending trace event setup data to analyzer.");
+    ExchangeOrTell(link, CmdTraceControl, {.data = &setup}, prompts,
+                   "Error sending trace control setup data to analyzer.");
 }
 
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,

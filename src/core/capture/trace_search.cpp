@@ -1,7 +1,7 @@
 #include "capture/trace_search.h"
 
 #include "capture/trace_document.h"
-#include "link/analyzer_link.h"
+#include "link/exchange.h"
 #include "platform/prompts.h"
 #include "tracesetup/setup_encoding.h"
 
@@ -20,7 +20,6 @@ constexpr std::time_t searchLimit = 6; // seconds
 // Of the first byte of the search status.
 constexpr std::uint8_t searchHit = 0x01;
 constexpr std::uint8_t searchHitAfter = 0x02; // on the trigger or behind it
-constexpr std::uint8_t searchBusy = 0x80;
 
 struct Words {
     std::uint64_t low = 0;
@@ -197,9 +196,7 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
                       std::int64_t start, Prompts& prompts) {
     // A step that fails says so, and the next goes out all the same.
     const auto step = [&](std::int32_t command, const LinkWords& words, const char* what) {
-        if (!link.Exchange(command, words)) {
-            prompts.TopmostMessage(what);
-        }
+        ExchangeOrTell(link, command, words, prompts, what);
     };
     const std::int64_t before = document.GetStore().SamplesBefore();
     const bool isAfter = start >= before;
@@ -217,11 +214,11 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
     const std::time_t begun = link.Time();
     std::array<std::uint8_t, 4> status{};
     while (true) {
-        if (!link.Exchange(CmdReadMemory, {RegisterSearchControl, status.size(), &status})) {
-            prompts.TopmostMessage("Error getting search status from analyzer.");
+        if (!ReadOrTell(link, RegisterSearchControl, status, prompts,
+                        "Error getting search status from analyzer.")) {
             return;
         }
-        if (status[0] < searchBusy) {
+        if ((status[0] & statusRunning) == 0) {
             break;
         }
         if (link.Time() - begun >= searchLimit) {

@@ -108,17 +108,8 @@ std::int32_t BusModeFromCode(unsigned code, std::int32_t modelId) noexcept {
         return code == 1 ? BusPciX : BusPci;
     case ModelVmeKite:
         return code == 1 ? Bus2eVme : code == 2 ? Bus2eSst : BusVme;
-    case ModelVmeWren:
-    case ModelVmeLark:
-        return BusVme;
-    case ModelVmeKiteP2:
-        return BusVmeP2;
-    case ModelVmeKiteP0:
-        return BusVmeP0;
-    case ModelVsbKite:
-        return BusVsb;
     default:
-        return BusPci;
+        return CorrectBusMode(BusPci, modelId); // others have one mode
     }
 }
 

@@ -200,6 +200,11 @@ CSignal* CSignalList::AddBusSignal(const CSignal* before, const CBusSignalDef& d
         signal->showValue = showValue;
         added.push_back(std::move(signal));
     }
+    return InsertGroup(before, std::move(added));
+}
+
+CSignal* CSignalList::InsertGroup(const CSignal* before, Signals added,
+                                  const std::shared_ptr<const CDecodedSignalDef>& decoded) {
     if (added.empty()) {
         return nullptr;
     }
@@ -209,6 +214,7 @@ CSignal* CSignalList::AddBusSignal(const CSignal* before, const CBusSignalDef& d
         MarkAsGroup(added);
     }
     Insert(before, std::move(added));
+    result->decoded = decoded;
     if (isGroup) {
         BuildGroup(result);
     }
@@ -235,18 +241,11 @@ CSignal* CSignalList::AddDecodedSignal(const CSignal* before,
         signal->showValue = showValue;
         added.push_back(std::move(signal));
     }
-    if (added.empty()) {
+    CSignal* const result = InsertGroup(before, std::move(added), def);
+    if (result == nullptr) {
         return nullptr;
     }
-    CSignal* const result = added.front().get();
-    const bool isGroup = added.size() > 1;
-    if (isGroup) {
-        MarkAsGroup(added);
-    }
-    Insert(before, std::move(added));
-    result->decoded = def;
-    if (isGroup) {
-        BuildGroup(result);
+    if (result->grouped) {
         result->groupAttribute |= GroupAttribute::NoUngroup;
         result->groupName = def->name;
     } else {

@@ -112,6 +112,9 @@ private:
     [[nodiscard]] std::span<const std::unique_ptr<CSignal>> Members(std::size_t first) const;
     /// Puts signals before `before`, or at the tail when it is null or not of this list.
     void Insert(const CSignal* before, Signals added);
+    /// Puts signals in, as a group where there are several. The first of them, or null.
+    CSignal* InsertGroup(const CSignal* before, Signals added,
+                         const std::shared_ptr<const CDecodedSignalDef>& decoded = nullptr);
     CSignal* AddBusSignal(const CSignal* before, const CBusSignalDef& def, std::uint32_t numSamples,
                           std::int32_t first, std::int32_t last, std::uint32_t color,
                           std::int32_t radix, bool showValue);
