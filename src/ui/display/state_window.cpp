@@ -21,17 +21,14 @@ constexpr int smallestColumnDigits = 3;
 } // namespace
 
 CStateWnd::CStateWnd(QWidget* parent, const Settings& settings, Prompts* prompts)
-    : TraceDisplay(parent), settings_(settings), prompts_(prompts),
+    : TraceDisplay(parent, settings, stateDisplay), prompts_(prompts),
       bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
       headerFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
       digitWidth_(QFontMetrics(bodyFont_).horizontalAdvance('0')),
-      colors_(LoadDisplayColors(settings, stateDisplay)),
       header_({.extent = &CSignal::width,
                .visible = &CSignal::VisibleWidth,
                .smallest = smallestColumnDigits * digitWidth_}) {
     header_.fixedEnd = sampleColumnDigits * digitWidth_;
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setMouseTracking(true);
 }
 
 void CStateWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
@@ -144,11 +141,11 @@ void CStateWnd::MoveSignalsTo(int position) {
 }
 
 void CStateWnd::Render(bool blit) {
-    if (document_ == nullptr || bitmap_.isNull()) {
+    if (document_ == nullptr || Bitmap().isNull()) {
         return;
     }
-    colors_ = LoadDisplayColors(settings_, stateDisplay);
-    QPainter painter(&bitmap_);
+    LoadColors();
+    QPainter painter(&Bitmap());
     const auto missing = DrawState(painter, Frame());
     if (missing && !zoom_ && document_->GetStore().IsUploading()) {
         document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*missing));
@@ -163,7 +160,7 @@ StateFrame CStateWnd::Frame() {
             *list_,
             zoom_,
             SignalTables::Current().Board(),
-            colors_,
+            Colors(),
             size(),
             header_.fixedEnd,
             topRow_,
@@ -179,7 +176,7 @@ void CStateWnd::Show(HeaderControl::Redraw redraw) {
         Render(true);
         emit LayoutChanged();
     } else if (redraw == HeaderControl::Redraw::Header) {
-        QPainter painter(&bitmap_);
+        QPainter painter(&Bitmap());
         DrawStateHeader(painter, Frame());
         update(0, 0, width(), stateHeaderLine);
     }
@@ -257,27 +254,9 @@ void CStateWnd::SignalsChanged() {
     emit LayoutChanged();
 }
 
-void CStateWnd::paintEvent(QPaintEvent* /*event*/) {
-    if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
-        MakeBitmap(); // the window has come to another screen
-    } else if (LoadDisplayColors(settings_, stateDisplay) != colors_) {
-        Render(false);
-    }
-    QPainter painter(this);
-    painter.drawPixmap(0, 0, bitmap_);
-}
-
-void CStateWnd::resizeEvent(QResizeEvent* /*event*/) {
+void CStateWnd::resizeEvent(QResizeEvent* event) {
     KeepOffset();
-    MakeBitmap();
-}
-
-void CStateWnd::MakeBitmap() {
-    const qreal ratio = devicePixelRatioF();
-    bitmap_ = QPixmap(size() * ratio);
-    bitmap_.setDevicePixelRatio(ratio);
-    bitmap_.fill(ColorOf(colors_.background));
-    Render(false);
+    TraceDisplay::resizeEvent(event);
 }
 
 } // namespace busquill

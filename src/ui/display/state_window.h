@@ -5,12 +5,10 @@
 #include "ui/patterns/header_control.h"
 #include "ui/patterns/signal_menu.h"
 
-#include <QPixmap>
-
 namespace busquill {
 
-/// The listing: a row for each sample, a column for each signal. Paints into a bitmap, which goes
-/// to the screen as it is; draws nothing until it is attached to a document.
+/// The listing: a row for each sample, a column for each signal. Draws nothing until it is
+/// attached to a document.
 class CStateWnd final : public TraceDisplay, private SignalMenuHost {
     Q_OBJECT
 public:
@@ -49,11 +47,8 @@ public:
     void Render(bool blit) override;
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    /// Is no second click, which would clear the marker that the first has set.
-    void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
@@ -68,7 +63,6 @@ private:
     void StepRows(std::int64_t rows);
     void StepColumns(int pixels);
     void KeepOffset();
-    void MakeBitmap();
     [[nodiscard]] StateFrame Frame();
     void Show(HeaderControl::Redraw redraw);
     void SetMarkerAt(int y, int which);
@@ -81,7 +75,6 @@ private:
     void SignalReshaped(CSignal& signal) override;
     void SignalsChanged() override;
 
-    const Settings& settings_;
     Prompts* prompts_;
     QFont bodyFont_;
     QFont headerFont_;
@@ -89,12 +82,10 @@ private:
     CTesselDoc* document_ = nullptr;
     CSignalList* list_ = nullptr;
     bool zoom_ = false;
-    DisplayColors colors_;
     std::int64_t topRow_ = 0;
     std::int64_t topSample_ = 0;
     HeaderControl header_;
     TimeSums timeSums_;
-    QPixmap bitmap_;
 };
 
 } // namespace busquill

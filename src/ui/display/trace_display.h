@@ -1,5 +1,8 @@
 #pragma once
 
+#include "ui/display/display_colors.h"
+
+#include <QPixmap>
 #include <QWidget>
 
 #include <cstdint>
@@ -18,11 +21,13 @@ struct BarState {
 };
 
 /// The window inside a trace view that shows samples along one axis and signals along the other.
-/// The view has its scroll bars and tells it of the document. Main thread.
+/// The view has its scroll bars and tells it of the document. It paints into a bitmap, which goes
+/// to the screen as it is. Main thread.
 class TraceDisplay : public QWidget {
     Q_OBJECT
 public:
-    using QWidget::QWidget;
+    /// `name` is that of its colours in the settings, which outlive the window.
+    TraceDisplay(QWidget* parent, const Settings& settings, const char* name);
 
     /// Shows nothing until then. The document outlives the window.
     virtual void Attach(CTesselDoc& document, CSignalList& list, bool zoom) = 0;
@@ -59,6 +64,26 @@ public:
 signals:
     /// Signals take another room or order.
     void LayoutChanged();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    /// Is no second click, which would clear the marker that the first has set.
+    void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
+
+    /// Takes the user's colours, which a frame is drawn in from here on.
+    void LoadColors();
+    [[nodiscard]] const DisplayColors& Colors() const noexcept { return colors_; }
+    /// Null until the window has a size.
+    [[nodiscard]] QPixmap& Bitmap() noexcept { return bitmap_; }
+
+private:
+    void MakeBitmap();
+
+    const Settings& settings_;
+    const char* name_;
+    DisplayColors colors_;
+    QPixmap bitmap_;
 };
 
 } // namespace busquill

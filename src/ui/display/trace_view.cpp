@@ -16,6 +16,7 @@
 #include "ui/display/wave_geometry.h"
 #include "ui/display/wave_window.h"
 #include "ui/framework/painting.h"
+#include "ui/framework/scroll_actions.h"
 #include "ui/framework/wait_cursor.h"
 #include "ui/framework/window_timer.h"
 #include "ui/patterns/pattern_dialogs.h"
@@ -423,42 +424,22 @@ void CTraceView::SetSamplePosition() {
 }
 
 void CTraceView::SampleAction(int action) {
-    QScrollBar* const bar = isState_ ? vScroll_ : hScroll_;
-    switch (action) {
-    case QAbstractSlider::SliderSingleStepAdd:
-    case QAbstractSlider::SliderSingleStepSub:
-        display_->StepSamples(action == QAbstractSlider::SliderSingleStepAdd);
-        break;
-    case QAbstractSlider::SliderPageStepAdd:
-    case QAbstractSlider::SliderPageStepSub:
-        display_->PageSamples(action == QAbstractSlider::SliderPageStepAdd);
-        break;
-    default:
-        display_->MoveSamplesTo(bar->sliderPosition());
-        Synchronise();
-        return; // the thumb stays under the pointer
-    }
-    // The bar's own idea of a step is another one.
-    bar->setSliderPosition(display_->SampleBar().position);
+    TakeScrollAction(
+        isState_ ? *vScroll_ : *hScroll_, action,
+        [this](bool forward) { display_->StepSamples(forward); },
+        [this](bool forward) { display_->PageSamples(forward); },
+        [this](int position) { display_->MoveSamplesTo(position); },
+        [this] { return display_->SampleBar().position; });
     Synchronise();
 }
 
 void CTraceView::SignalAction(int action) {
-    QScrollBar* const bar = isState_ ? hScroll_ : vScroll_;
-    switch (action) {
-    case QAbstractSlider::SliderSingleStepAdd:
-    case QAbstractSlider::SliderSingleStepSub:
-        display_->StepSignals(action == QAbstractSlider::SliderSingleStepAdd);
-        break;
-    case QAbstractSlider::SliderPageStepAdd:
-    case QAbstractSlider::SliderPageStepSub:
-        display_->PageSignals(action == QAbstractSlider::SliderPageStepAdd);
-        break;
-    default:
-        display_->MoveSignalsTo(bar->sliderPosition());
-        return;
-    }
-    bar->setSliderPosition(display_->SignalBar().position);
+    TakeScrollAction(
+        isState_ ? *hScroll_ : *vScroll_, action,
+        [this](bool forward) { display_->StepSignals(forward); },
+        [this](bool forward) { display_->PageSignals(forward); },
+        [this](int position) { display_->MoveSignalsTo(position); },
+        [this] { return display_->SignalBar().position; });
 }
 
 void CTraceView::StepSamples(bool forward) {
@@ -475,22 +456,14 @@ void CTraceView::PageSamples(bool forward) {
 
 // The scale follows the thumb; what depends on it waits until the thumb is let go.
 void CTraceView::ZoomAction(int action) {
-    const int zoom = wave_->Zoom();
-    switch (action) {
-    case QAbstractSlider::SliderSingleStepAdd:
-    case QAbstractSlider::SliderSingleStepSub:
-        wave_->SetZoom(ZoomAfterLine(zoom, action == QAbstractSlider::SliderSingleStepAdd));
-        break;
-    case QAbstractSlider::SliderPageStepAdd:
-    case QAbstractSlider::SliderPageStepSub:
-        wave_->SetZoom(ZoomAfterPage(zoom, action == QAbstractSlider::SliderPageStepAdd));
-        break;
-    default:
-        wave_->SetZoom(ZoomOfThumb(zoomScroll_->sliderPosition()));
-        return;
+    const bool stepped = TakeScrollAction(
+        *zoomScroll_, action, [this](bool in) { wave_->SetZoom(ZoomAfterLine(wave_->Zoom(), in)); },
+        [this](bool in) { wave_->SetZoom(ZoomAfterPage(wave_->Zoom(), in)); },
+        [this](int thumb) { wave_->SetZoom(ZoomOfThumb(thumb)); },
+        [this] { return wave_->Zoom(); });
+    if (stepped) {
+        ShowZoom();
     }
-    zoomScroll_->setSliderPosition(wave_->Zoom());
-    ShowZoom();
 }
 
 void CTraceView::ShowZoom() {

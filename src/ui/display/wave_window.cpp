@@ -23,12 +23,11 @@ constexpr int stepsOfALine = 4;
 } // namespace
 
 CWaveformWnd::CWaveformWnd(QWidget* parent, const Settings& settings, Prompts* prompts)
-    : TraceDisplay(parent), settings_(settings), prompts_(prompts),
+    : TraceDisplay(parent, settings, waveformDisplay), prompts_(prompts),
       bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
       titleFont_(FontOfCellHeight(16, QFont::Bold, FontFace::Proportional)),
       nameFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
       smallestColumn_(smallestColumnDigits * QFontMetrics(bodyFont_).horizontalAdvance('0')),
-      colors_(LoadDisplayColors(settings, waveformDisplay)),
       header_({.extent = &CSignal::height,
                .visible = &CSignal::VisibleHeight,
                .smallest = smallestBand,
@@ -37,8 +36,6 @@ CWaveformWnd::CWaveformWnd(QWidget* parent, const Settings& settings, Prompts* p
                .anyClickDrags = false,
                .resizeCursor = Qt::SizeVerCursor}) {
     header_.fixedEnd = waveFirstBand - 1;
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setMouseTracking(true);
 }
 
 void CWaveformWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
@@ -175,18 +172,18 @@ void CWaveformWnd::MoveSignalsTo(int position) {
 
 WaveFrame CWaveformWnd::Frame() {
     return {*document_, *list_,   isZoom_,    SignalTables::Current().Board(),
-            colors_,    size(),   nameWidth_, valueWidth_,
+            Colors(),   size(),   nameWidth_, valueWidth_,
             zoom_,      place_,   top_,       bodyFont_,
             titleFont_, nameFont_};
 }
 
 void CWaveformWnd::Render(bool blit) {
-    if (document_ == nullptr || bitmap_.isNull()) {
+    if (document_ == nullptr || Bitmap().isNull()) {
         return;
     }
-    colors_ = LoadDisplayColors(settings_, waveformDisplay);
+    LoadColors();
     firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
-    QPainter painter(&bitmap_);
+    QPainter painter(&Bitmap());
     Want(DrawWaveFrame(painter, Frame()));
     if (blit) {
         update();
@@ -194,28 +191,28 @@ void CWaveformWnd::Render(bool blit) {
 }
 
 void CWaveformWnd::RenderWaves() {
-    if (document_ == nullptr || bitmap_.isNull()) {
+    if (document_ == nullptr || Bitmap().isNull()) {
         return;
     }
     firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
-    QPainter painter(&bitmap_);
+    QPainter painter(&Bitmap());
     Want(DrawWaves(painter, Frame()));
     const int left = nameWidth_ + valueWidth_ + 1;
     update(left, 0, width() - left, height());
 }
 
 void CWaveformWnd::RenderNames() {
-    QPainter painter(&bitmap_);
+    QPainter painter(&Bitmap());
     DrawWaveNames(painter, Frame());
     update(0, 0, nameWidth_, height());
 }
 
 void CWaveformWnd::RenderMarkers() {
-    if (document_ == nullptr || bitmap_.isNull()) {
+    if (document_ == nullptr || Bitmap().isNull()) {
         return;
     }
     RenderWaves();
-    QPainter painter(&bitmap_);
+    QPainter painter(&Bitmap());
     DrawWaveValues(painter, Frame());
     update(nameWidth_, 0, valueWidth_, height());
 }
@@ -225,28 +222,6 @@ void CWaveformWnd::Want(std::optional<std::int64_t> sample) {
     if (sample && !isZoom_ && document_->GetStore().IsUploading()) {
         document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*sample));
     }
-}
-
-void CWaveformWnd::paintEvent(QPaintEvent* /*event*/) {
-    if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
-        MakeBitmap(); // the window has come to another screen
-    } else if (LoadDisplayColors(settings_, waveformDisplay) != colors_) {
-        Render(false);
-    }
-    QPainter painter(this);
-    painter.drawPixmap(0, 0, bitmap_);
-}
-
-void CWaveformWnd::resizeEvent(QResizeEvent* /*event*/) {
-    MakeBitmap();
-}
-
-void CWaveformWnd::MakeBitmap() {
-    const qreal ratio = devicePixelRatioF();
-    bitmap_ = QPixmap(size() * ratio);
-    bitmap_.setDevicePixelRatio(ratio);
-    bitmap_.fill(ColorOf(colors_.background));
-    Render(false);
 }
 
 // The mouse.

@@ -5,15 +5,13 @@
 #include "ui/patterns/header_control.h"
 #include "ui/patterns/signal_menu.h"
 
-#include <QPixmap>
-
 namespace busquill {
 
 class Prompts;
 class Settings;
 
-/// The waveforms: a band for each signal, time to the right. Paints into a bitmap, which goes to
-/// the screen as it is; draws nothing until it is attached to a document.
+/// The waveforms: a band for each signal, time to the right. Draws nothing until it is
+/// attached to a document.
 class CWaveformWnd final : public TraceDisplay, private SignalMenuHost {
     Q_OBJECT
 public:
@@ -49,11 +47,7 @@ public:
     void RenderMarkers() override;
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    /// Is no second click, which would clear the marker that the first has set.
-    void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 
@@ -66,7 +60,6 @@ private:
     [[nodiscard]] WaveFrame Frame();
     void SetPlace(const WavePlace& place);
     void SetTop(const BandPlace& top);
-    void MakeBitmap();
     void RenderNames();
     void RenderWaves();
     void Want(std::optional<std::int64_t> sample);
@@ -86,7 +79,6 @@ private:
     void SignalReshaped(CSignal& /*signal*/) override {}
     void SignalsChanged() override;
 
-    const Settings& settings_;
     Prompts* prompts_;
     QFont bodyFont_;
     QFont titleFont_;
@@ -95,7 +87,6 @@ private:
     CTesselDoc* document_ = nullptr;
     CSignalList* list_ = nullptr;
     bool isZoom_ = false;
-    DisplayColors colors_;
     int zoom_ = startZoom;
     WavePlace place_;
     std::int64_t firstSample_ = 0;
@@ -104,7 +95,6 @@ private:
     int valueWidth_ = 50;
     HeaderControl header_;
     Resizing resizing_ = Resizing::Nothing;
-    QPixmap bitmap_;
 };
 
 } // namespace busquill

@@ -1,5 +1,6 @@
 #include "ui/patterns/pattern_table.h"
 
+#include "ui/framework/scroll_actions.h"
 #include "ui/patterns/column_geometry.h"
 #include "ui/patterns/pattern_grid.h"
 
@@ -49,20 +50,10 @@ void CPatternTable::SetBar() {
 }
 
 void CPatternTable::Scrolled(int action) {
-    switch (action) {
-    case QAbstractSlider::SliderSingleStepAdd:
-    case QAbstractSlider::SliderSingleStepSub:
-        grid_->StepColumn(action == QAbstractSlider::SliderSingleStepAdd);
-        break;
-    case QAbstractSlider::SliderPageStepAdd:
-    case QAbstractSlider::SliderPageStepSub:
-        grid_->PageColumns(action == QAbstractSlider::SliderPageStepAdd);
-        break;
-    default:
-        grid_->SetOffset(bar_->sliderPosition());
-        return;
-    }
-    bar_->setSliderPosition(grid_->Offset());
+    TakeScrollAction(
+        *bar_, action, [this](bool right) { grid_->StepColumn(right); },
+        [this](bool right) { grid_->PageColumns(right); },
+        [this](int offset) { grid_->SetOffset(offset); }, [this] { return grid_->Offset(); });
 }
 
 } // namespace busquill

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QScrollBar>
+
+namespace busquill {
+
+/// Lines and pages have lengths of their own, and the bar follows them.
+///
+/// Turns an action of a bar into `step(forward)`, `page(forward)` or `moveTo(position)`, and puts
+/// the thumb where `position()` says after a line or a page. False for anything else.
+template <typename Step, typename Page, typename MoveTo, typename Position>
+bool TakeScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo moveTo,
+                      Position position) {
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+    case QAbstractSlider::SliderSingleStepSub:
+        step(action == QAbstractSlider::SliderSingleStepAdd);
+        break;
+    case QAbstractSlider::SliderPageStepAdd:
+    case QAbstractSlider::SliderPageStepSub:
+        page(action == QAbstractSlider::SliderPageStepAdd);
+        break;
+    default:
+        moveTo(bar.sliderPosition());
+        return false; // the thumb stays under the pointer
+    }
+    bar.setSliderPosition(position());
+    return true;
+}
+
+} // namespace busquill
