@@ -1,0 +1,68 @@
+#include "ui/controls/check_tree.h"
+
+#include <QHeaderView>
+#include <QSignalBlocker>
+
+namespace busquill {
+
+namespace {
+
+void HandDown(QTreeWidgetItem& item, Qt::CheckState state) {
+    for (int i = 0; i < item.childCount(); ++i) {
+        item.child(i)->setCheckState(0, state);
+        HandDown(*item.child(i), state);
+    }
+}
+
+} // namespace
+
+CCheckTree::CCheckTree(QWidget* parent) : QTreeWidget(parent) {
+    header()->hide();
+    setColumnCount(1);
+    setUniformRowHeights(true);
+    connect(this, &QTreeWidget::itemChanged, this, &CCheckTree::Changed);
+}
+
+void CCheckTree::SetRows(std::span<const CheckRow> rows) {
+    const QSignalBlocker quiet(this);
+    clear();
+    items_.clear();
+    std::vector<QTreeWidgetItem*> above; // the last item of each level
+    for (const CheckRow& row : rows) {
+        const auto level = std::min(static_cast<std::size_t>(row.level), above.size());
+        above.resize(level);
+        auto* item = level == 0 ? new QTreeWidgetItem(this) : new QTreeWidgetItem(above.back());
+        item->setText(0, QString::fromStdString(row.text));
+        item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsUserCheckable);
+        item->setCheckState(0, Qt::Unchecked);
+        above.push_back(item);
+        items_.push_back(item);
+    }
+    expandAll();
+    if (!items_.empty()) {
+        scrollToItem(items_.front());
+    }
+}
+
+bool CCheckTree::IsChecked(int row) const {
+    return Item(row).checkState(0) == Qt::Checked;
+}
+
+void CCheckTree::SetChecked(const std::function<bool(int row)>& isChecked) {
+    const QSignalBlocker quiet(this);
+    for (int row = 0; row < RowCount(); ++row) {
+        Item(row).setCheckState(0, isChecked(row) ? Qt::Checked : Qt::Unchecked);
+    }
+    viewport()->update();
+}
+
+void CCheckTree::Changed(QTreeWidgetItem* item) {
+    {
+        const QSignalBlocker quiet(this);
+        HandDown(*item, item->checkState(0));
+    }
+    viewport()->update();
+    emit ChecksChanged();
+}
+
+} // namespace busquill

@@ -1,0 +1,81 @@
+#include "ui/framework/form_view.h"
+
+#include <QPainter>
+#include <QPushButton>
+#include <QStyleOptionGroupBox>
+
+namespace busquill {
+
+namespace {
+
+constexpr QSize buttonSize(70, 25);
+constexpr int buttonBottom = 5; // below the buttons
+constexpr int rowPitch = 25;
+constexpr int rowHeight = 20;
+constexpr int firstRow = 45; // from the bottom of the view to that of row 0
+
+} // namespace
+
+QRect Form::ButtonPlace(int left, int viewHeight) noexcept {
+    return {{left, viewHeight - buttonBottom - buttonSize.height()}, buttonSize};
+}
+
+QRect Form::FieldPlace(int row, int left, int width, int viewHeight) noexcept {
+    return {left, viewHeight - firstRow - rowHeight - row * rowPitch, width, rowHeight};
+}
+
+QRect Form::GroupPlace(int left, int width, int top, int bottom, int viewHeight) noexcept {
+    return {left, viewHeight - top, width, top - bottom};
+}
+
+QPushButton& CFormView::AddButton(const QString& text, int left, std::function<void()> act) {
+    auto* button = new QPushButton(text, this);
+    connect(button, &QPushButton::clicked, this, std::move(act));
+    button->setGeometry(Form::ButtonPlace(left, height()));
+    buttons_.push_back({button, left});
+    return *button;
+}
+
+void CFormView::AddLabel(const QString& text, const QWidget& field, int row, int left, int width) {
+    labels_.push_back({text, &field, Form::FieldPlace(row, left, width, height())});
+}
+
+void CFormView::ForgetPlaces() {
+    labels_.clear();
+    groups_.clear();
+}
+
+void CFormView::AddGroup(const QString& title, const QRect& place) {
+    groups_.push_back({title, place});
+}
+
+void CFormView::resizeEvent(QResizeEvent* event) {
+    CView::resizeEvent(event);
+    for (const Button& each : buttons_) {
+        each.button->setGeometry(Form::ButtonPlace(each.left, height()));
+    }
+    ForgetPlaces();
+    LayOut();
+    update();
+}
+
+void CFormView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    for (const Group& group : groups_) {
+        QStyleOptionGroupBox option;
+        option.initFrom(this);
+        option.rect = group.place;
+        option.text = group.title;
+        option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
+        option.textAlignment = Qt::AlignLeft;
+        style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
+    }
+    painter.setPen(palette().color(QPalette::WindowText));
+    for (const Label& label : labels_) {
+        if (label.field->isVisibleTo(this)) {
+            painter.drawText(label.place, Qt::AlignVCenter | Qt::AlignLeft, label.text);
+        }
+    }
+}
+
+} // namespace busquill
