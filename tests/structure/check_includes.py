@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""Holds the includes of src/ against the order of the rooms and against circles of files.
+"""Holds the includes of src/ against the order of the rooms and against circles of files, and the
+drawing of the rooms in docs/architecture.md against the includes.
 
-Prints every arrow that goes the wrong way and exits 1 if there is one.
+    check_includes.py SRC DOCUMENT           exits 1 and says what is wrong, if anything is
+    check_includes.py SRC DOCUMENT --draw    puts the drawing as it is now into the document
 """
 
 import re
@@ -65,8 +67,40 @@ def circle(graph):
     return None
 
 
+def reachable(arrows, start):
+    """All rooms that can be reached from one by at least one arrow."""
+    found, waiting = set(), [start]
+    while waiting:
+        for target in arrows.get(waiting.pop(), ()):
+            if target not in found:
+                found.add(target)
+                waiting.append(target)
+    return found
+
+
+def drawing(graph):
+    """The rooms with the arrows that are not implied by others, as a Mermaid graph."""
+    arrows = {}
+    for user, targets in graph.items():
+        for used in map(room_of, targets):
+            if used != room_of(user):
+                arrows.setdefault(room_of(user), set()).add(used)
+    lines = ["```mermaid", "graph RL"]
+    for layer in ("core", "ui"):
+        rooms = sorted({room for room in [*arrows, *set().union(*arrows.values())] if room[0] == layer})
+        lines.append(f"  subgraph {layer}")
+        lines += [f"    {layer}_{name}[{name}]" for _, name in rooms]
+        lines.append("  end")
+    for user in sorted(arrows):
+        for used in sorted(arrows[user]):
+            implied = any(used in reachable(arrows, other) for other in arrows[user] - {used})
+            if user[0] != "app" and not implied:
+                lines.append(f"  {user[0]}_{user[1]} --> {used[0]}_{used[1]}")
+    return "\n".join([*lines, "```"])
+
+
 def main():
-    source = Path(sys.argv[1])
+    source, document = Path(sys.argv[1]), Path(sys.argv[2])
     files = sorted(p for p in source.rglob("*") if p.suffix in (".h", ".cpp"))
     complaints, graph = [], {}
     for file in files:
@@ -90,6 +124,12 @@ def main():
     found = circle(graph)
     if found:
         complaints.append("circle: " + " -> ".join(map(str, found)))
+    text = document.read_text()
+    start, end = text.index("```mermaid"), text.index("```\n", text.index("```mermaid") + 3) + 3
+    if "--draw" in sys.argv:
+        document.write_text(text[:start] + drawing(graph) + text[end:])
+    elif text[start:end] != drawing(graph):
+        complaints.append(f"{document.name}: the drawing is old; make it anew with --draw")
     print("\n".join(complaints) or f"{len(files)} files, no arrow against the direction")
     return 1 if complaints else 0
 
