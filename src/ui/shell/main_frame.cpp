@@ -55,6 +55,40 @@ CTraceView* ActiveTraceView(const QMdiArea& area) {
     return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
 }
 
+/// False for a command that is none of a trace's.
+bool RunTraceCommand(CTraceView& trace, CommandId id) {
+    switch (id) {
+    case CommandId::GoToTrigger:
+    case CommandId::GoToMarker1:
+    case CommandId::GoToMarker2:
+    case CommandId::GoToStart:
+    case CommandId::GoToEnd:
+        trace.GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
+                                           static_cast<int>(CommandId::GoToTrigger)));
+        return true;
+    case CommandId::GoToSample:
+        trace.GoToNumber();
+        return true;
+    case CommandId::FindPattern:
+        trace.FindPattern();
+        return true;
+    case CommandId::FindNext:
+    case CommandId::FindPrevious:
+        trace.Find(id == CommandId::FindNext ? SearchDirection::Forward
+                                             : SearchDirection::Backward);
+        return true;
+    case CommandId::Filter:
+        trace.Filter();
+        return true;
+    case CommandId::ZoomIn:
+    case CommandId::ZoomOut:
+        trace.Zoom(id == CommandId::ZoomIn);
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread)
@@ -262,45 +296,15 @@ void CMainFrame::FillDynamicEntries() {
 }
 
 void CMainFrame::Run(CommandId id) {
+    CTraceView* const trace = ActiveTraceView(*area_);
+    if (trace == nullptr || !RunTraceCommand(*trace, id)) {
+        RunFrameCommand(id);
+    }
+    RefreshCommands();
+}
+
+void CMainFrame::RunFrameCommand(CommandId id) {
     switch (id) {
-    case CommandId::GoToTrigger:
-    case CommandId::GoToMarker1:
-    case CommandId::GoToMarker2:
-    case CommandId::GoToStart:
-    case CommandId::GoToEnd:
-        if (CTraceView* view = ActiveTraceView(*area_)) {
-            view->GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
-                                               static_cast<int>(CommandId::GoToTrigger)));
-        }
-        break;
-    case CommandId::GoToSample:
-        if (CTraceView* view = ActiveTraceView(*area_)) {
-            view->GoToNumber();
-        }
-        break;
-    case CommandId::FindPattern:
-        if (CTraceView* view = ActiveTraceView(*area_)) {
-            view->FindPattern();
-        }
-        break;
-    case CommandId::FindNext:
-    case CommandId::FindPrevious:
-        if (CTraceView* view = ActiveTraceView(*area_)) {
-            view->Find(id == CommandId::FindNext ? SearchDirection::Forward
-                                                 : SearchDirection::Backward);
-        }
-        break;
-    case CommandId::Filter:
-        if (CTraceView* view = ActiveTraceView(*area_)) {
-            view->Filter();
-        }
-        break;
-    case CommandId::ZoomIn:
-    case CommandId::ZoomOut:
-        if (CTraceView* view = ActiveTraceView(*area_)) {
-            view->Zoom(id == CommandId::ZoomIn);
-        }
-        break;
     case CommandId::ViewToolbar:
         toolBar_->setVisible(actions_[id]->isChecked());
         break;
@@ -332,7 +336,6 @@ void CMainFrame::Run(CommandId id) {
     default:
         RunFileCommand(id);
     }
-    RefreshCommands();
 }
 
 void CMainFrame::RunFileCommand(CommandId id) {

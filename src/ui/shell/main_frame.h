@@ -48,6 +48,7 @@ private:
     [[nodiscard]] QMenu* MenuAt(const QString& path);
     [[nodiscard]] CommandState State() const;
     void Run(CommandId id);
+    void RunFrameCommand(CommandId id);
     void RunFileCommand(CommandId id);
     void FillDynamicEntries();
     void ShowBusConfiguration();

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "support/trace_fixture_qt.h"
+#include "ui/display/trace_display.h"
+
+#include <QMouseEvent>
+#include <QStyle>
+#include <QStyleOptionSlider>
+#include <QWheelEvent>
+#include <QtTest/QTest>
+#include <QtTest/qtestspontaneevent.h>
+
+namespace busquill::test {
+
+/// Views of a trace and what a user does to them.
+class TraceViewFixture : public TraceFixture {
+protected:
+    static int Rows(CTraceView& view) {
+        return static_cast<int>(view.findChild<TraceDisplay*>()->VisibleSampleCount());
+    }
+    /// As the system sends it: to the window under the pointer, which passes it on.
+    static void Wheel(CTraceView& view, int delta) {
+        const QPointF at(50, 100);
+        QWheelEvent event(at, view.mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(view.findChild<TraceDisplay*>(), &event);
+    }
+    /// Where the thumb of a bar is.
+    static QRect Thumb(QScrollBar& bar) {
+        QStyleOptionSlider option;
+        option.initFrom(&bar);
+        option.orientation = bar.orientation();
+        option.minimum = bar.minimum();
+        option.maximum = bar.maximum();
+        option.sliderPosition = bar.sliderPosition();
+        option.sliderValue = bar.value();
+        option.pageStep = bar.pageStep();
+        option.upsideDown = false;
+        return bar.style()->subControlRect(QStyle::CC_ScrollBar, &option,
+                                           QStyle::SC_ScrollBarSlider, &bar);
+    }
+    /// Takes the thumb with the mouse and moves it by some pixels.
+    static void Drag(QScrollBar& bar, QPoint way, bool release = true) {
+        const QPoint from = Thumb(bar).center();
+        QTest::mousePress(&bar, Qt::LeftButton, {}, from);
+        for (const QPoint to : {from + way / 2, from + way}) {
+            QMouseEvent move(QEvent::MouseMove, to, bar.mapToGlobal(to), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&bar, &move);
+        }
+        if (release) {
+            QTest::mouseRelease(&bar, Qt::LeftButton, {}, from + way);
+        }
+    }
+    /// Leaves the document with the rows of the samples that are to be kept, as a filter does,
+    /// while the view looks away.
+    void Filter(CTraceView& view, const std::function<bool(std::uint32_t)>& keep) {
+        document->RemoveView(&view);
+        const auto count = static_cast<std::uint32_t>(document->SampleCount(false));
+        document->excludedBits.assign(WordsFor(count), 0);
+        for (std::uint32_t sample = 0; sample < count; ++sample) {
+            if (!keep(sample)) {
+                document->excludedBits[sample / 32] |= 1U << (sample % 32);
+            }
+        }
+        document->RebuildMapsFromFile();
+        document->AddView(&view);
+        document->UpdateAllViews(nullptr, HintFilterChanged);
+    }
+    /// Whether the listing looks different after something was done.
+    static bool Repaints(CTraceView& view, const std::function<void()>& act) {
+        auto& window = *view.findChild<TraceDisplay*>();
+        const QImage before = window.grab().toImage();
+        act();
+        return window.grab().toImage() != before;
+    }
+    /// Whether a listing is drawn at the news of a block.
+    bool DrawsBlock(CTraceView& view, CSignalList& list, std::uint32_t first, bool zoom) {
+        list[0].selected = !list[0].selected; // would be seen
+        const bool drawn = Repaints(view, [&] {
+            CBlockUpdate block;
+            block.first = first;
+            block.count = 32;
+            block.zoom = zoom;
+            document->UpdateAllViews(nullptr, HintBlockArrived, &block);
+        });
+        list[0].selected = drawn == list[0].selected; // as the listing has it
+        return drawn;
+    }
+};
+
+} // namespace busquill::test
