@@ -16,10 +16,6 @@ using namespace std::chrono_literals;
 constexpr auto monitorPeriod = 200ms;
 constexpr auto cancelLimit = 1000ms;
 
-// Of the live status.
-constexpr std::uint8_t statusBufferFull = 0x10;
-constexpr std::uint8_t statusTraceActive = 0x80;
-
 constexpr std::int64_t BlockStart(std::int64_t sample) noexcept {
     return sample / blockSamples * blockSamples;
 }
@@ -76,7 +72,7 @@ void CSampleStore::Monitor(bool& firstLook) {
     std::int32_t before = 0;
     std::int32_t after = 0;
     const std::uint8_t status = link.GetLiveStatus(before, after);
-    if ((status & statusTraceActive) == 0 || (status & statusBufferFull) != 0) {
+    if ((status & liveTraceActive) == 0 || (status & liveBufferFull) != 0) {
         StopCapture();
         return;
     }
@@ -136,8 +132,7 @@ void CSampleStore::BeginUpload() {
         uploadedBlocks_.assign(WordsFor(blocks), 0);
         forwardIndex_ = BlockStart(samplesBefore_);
         backwardIndex_ = forwardIndex_;
-        const BoardTraits board = link.Traits();
-        zoomPhase_ = board.IsWrenBoard() || board.IsVmeLark() ? ZoomNone : ZoomBefore;
+        zoomPhase_ = link.Traits().HasPowerZoom() ? ZoomBefore : ZoomNone;
         goingForward_ = zoomPhase_ == ZoomNone;
         priorityIndex_ = -1;
         abortRequested_ = false;

@@ -23,7 +23,6 @@ bool BitOf(const std::vector<std::uint32_t>& bits, std::int64_t index) noexcept 
 
 CTesselDoc::CTesselDoc(NewTraceContext& context, Prompts& prompts)
     : context_(context), prompts_(prompts), isRealTime_(context.newDocRealTime) {
-    SetTitle("Trace");
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
 }

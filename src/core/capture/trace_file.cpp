@@ -146,7 +146,6 @@ private:
             return false;
         }
         first_ = first;
-        last_ = last;
         lastRead_ = first - 1;
         const std::uint32_t count = document_.store.GetCount(false);
         document_.excludedBits.assign(WordsFor(count), ~0U);
@@ -224,7 +223,6 @@ private:
     bool dataRead_ = false;
     Block block_ = Block::None;
     std::int64_t first_ = 0;
-    std::int64_t last_ = 0;
     std::int64_t lastRead_ = 0;
 };
 

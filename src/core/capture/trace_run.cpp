@@ -6,19 +6,6 @@
 
 namespace busquill {
 
-namespace {
-
-// Of the live status.
-constexpr std::uint8_t levelMask = 0x07;
-constexpr std::uint8_t statusBufferFull = 0x10;
-constexpr std::uint8_t statusTriggered = 0x20;
-
-} // namespace
-
-int EventCount(const CAnalyzerLink& link) {
-    return link.Traits().IsVmeLark() ? traceEventsOfLark : traceEvents;
-}
-
 void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
     const LinkWords parameters{.address = static_cast<std::uintptr_t>(setup.clock),
                                .length = static_cast<std::uintptr_t>(setup.triggerPosition),
@@ -27,7 +14,7 @@ void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompt
     ExchangeOrTell(link, CmdTraceParams, parameters, prompts,
                    "Error sending trace parameter data to analyzer.");
     const LinkWords events{.data = &setup.events,
-                           .extra = static_cast<std::uintptr_t>(EventCount(link))};
+                           .extra = static_cast<std::uintptr_t>(EventCount(link.Traits()))};
     ExchangeOrTell(link, CmdTraceEvents, events, prompts,
                    "Error sending trace event setup data to analyzer.");
     ExchangeOrTell(link, CmdTraceControl, {.data = &setup}, prompts,
@@ -54,9 +41,9 @@ RunState FollowRun(CAnalyzerLink& link, CTesselDoc& document) {
     RunState state;
     const std::uint8_t status = link.GetLiveStatus(state.before, state.after);
     state.occurrences = link.GetEventOccurrences();
-    state.level = status & levelMask;
-    state.triggered = (status & statusTriggered) != 0;
-    state.bufferFull = (status & statusBufferFull) != 0;
+    state.level = status & liveLevelMask;
+    state.triggered = (status & liveTriggered) != 0;
+    state.bufferFull = (status & liveBufferFull) != 0;
     CSampleStore& store = document.GetStore();
     if (store.IsRunning()) {
         state.indicator = RunIndicator::Running;

@@ -25,9 +25,6 @@ struct RunState {
     bool bufferFull = false;
 };
 
-/// Events that a board's sequencer knows.
-[[nodiscard]] int EventCount(const CAnalyzerLink& link);
-
 /// Sends a setup in three commands. A command that fails says so, and the next goes out all the
 /// same.
 void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts);

@@ -69,6 +69,7 @@ struct BoardTraits {
     [[nodiscard]] bool IsWrenBoard() const noexcept;
     [[nodiscard]] bool IsVmeFamily() const noexcept;
     [[nodiscard]] bool IsVmeLark() const noexcept;
+    [[nodiscard]] bool HasPowerZoom() const noexcept { return !IsWrenBoard() && !IsVmeLark(); }
     [[nodiscard]] bool IsVmeKiteP2() const noexcept;
     [[nodiscard]] bool IsVmeKiteP0() const noexcept;
     [[nodiscard]] bool IsVsbFamily() const noexcept;

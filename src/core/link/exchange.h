@@ -15,7 +15,8 @@ class Prompts;
 bool ExchangeOrTell(CAnalyzerLink& link, std::int32_t command, const LinkWords& words,
                     Prompts& prompts, const char* failure);
 
-/// Reads the board's memory from a register on. Without a board the bytes stay as they were.
+/// Reads the board's memory from a register on. Without a board the bytes stay as they were: who
+/// looks at a status sets them anew before each look.
 [[nodiscard]] bool ReadOrTell(CAnalyzerLink& link, std::uintptr_t address,
                               std::span<std::uint8_t> bytes, Prompts& prompts, const char* failure);
 

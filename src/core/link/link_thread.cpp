@@ -2,14 +2,7 @@
 
 #include "link/link_port.h"
 #include "platform/main_thread.h"
-
-#include <cerrno>
-
-#if defined(__linux__)
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-#endif
+#include "platform/thread_priority.h"
 
 namespace busquill {
 
@@ -20,19 +13,6 @@ using namespace std::chrono_literals;
 constexpr auto stopLimit = 1100ms;
 
 thread_local LinkThread* onThisThread = nullptr;
-
-/// A system that refuses leaves the priority as it is.
-void LowerPriority() noexcept {
-#if defined(__linux__)
-    // Linux keeps the nice value for each thread, by its thread id.
-    const auto self = static_cast<id_t>(::syscall(SYS_gettid));
-    errno = 0;
-    const int nice = ::getpriority(PRIO_PROCESS, self);
-    if (errno == 0) {
-        ::setpriority(PRIO_PROCESS, self, nice + 1);
-    }
-#endif
-}
 
 } // namespace
 
@@ -60,7 +40,7 @@ bool LinkThread::Stop() {
 
 void LinkThread::Run() {
     onThisThread = this;
-    LowerPriority();
+    LowerThreadPriority();
     while (!stopFlag_) {
         port_->AwaitStep(ring_);
         if (stopFlag_) {

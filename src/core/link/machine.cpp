@@ -1,5 +1,6 @@
 #include "link/machine.h"
 
+#include "link/saved_bus_config.h"
 #include "platform/clock.h"
 #include "platform/main_thread.h"
 #include "platform/prompts.h"
@@ -17,8 +18,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr const char* setupSection = "Setup";
-constexpr int defaultBaud = 57600;
 /// The board needs it after a change of rate, and the program after the identity read.
 constexpr auto settlingTime = 2000ms;
 
@@ -44,7 +43,7 @@ std::string DeviceOf(const std::string& portName, const Settings& settings) {
 #else
     const std::string usual = Printf("/dev/ttyS%d", number - 1);
 #endif
-    return settings.GetProfileString(setupSection, Printf("ComDevice%d", number), usual);
+    return settings.GetProfileString(SettingsSection::setup, Printf("ComDevice%d", number), usual);
 }
 
 } // namespace
@@ -96,8 +95,10 @@ bool CAnalyzerLink::Machine::Exchange(std::int32_t command, const LinkWords& wor
 
 bool CAnalyzerLink::Machine::Open() {
     const Settings& settings = services_.settings;
-    const std::string portName = settings.GetProfileString(setupSection, "ComPort", "USB");
-    const int configuredBaud = settings.GetProfileInt(setupSection, "BaudRate", defaultBaud);
+    const std::string portName =
+        settings.GetProfileString(SettingsSection::setup, "ComPort", "USB");
+    const int configuredBaud =
+        settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate, usualBaudRate);
     ClosePort();
     board_.LeaveDemoMode();
     conditions_.actualBaud = 0;
@@ -149,7 +150,7 @@ void CAnalyzerLink::Machine::OpenSerial(const std::string& portName, int configu
 
 void CAnalyzerLink::Machine::OpenUsb() {
     auto port = std::make_shared<UsbLinkPort>(
-        services_.usb, services_.settings.GetProfileString(setupSection, "UsbDevice", ""),
+        services_.usb, services_.settings.GetProfileString(SettingsSection::setup, "UsbDevice", ""),
         services_.prompts);
     if (port->Open([this] { FallIntoDemoMode(); })) {
         StartThread(port);
@@ -274,19 +275,14 @@ void CAnalyzerLink::Machine::WriteBusConfig(const BusConfig& in) {
 
 // A saved configuration overrides what the board holds and clears the master lock.
 void CAnalyzerLink::Machine::LoadBusConfig() {
-    const Settings& settings = services_.settings;
-    if (settings.GetProfileInt(setupSection, "SaveBusConfig", 0) == 0) {
+    auto saved = LoadSavedBusConfig(services_.settings);
+    if (!saved) {
         BusConfig ignored;
         ReadBusConfig(ignored);
         return;
     }
-    BusConfig saved;
-    saved.busMode = CorrectBusMode(settings.GetProfileInt(setupSection, "BusMode", 0),
-                                   board_.Identity().modelId);
-    saved.busWidth = settings.GetProfileInt(setupSection, "BusWidth", 0);
-    saved.busVoltage = settings.GetProfileInt(setupSection, "BusVoltage", 0);
-    saved.busFrequency = settings.GetProfileInt(setupSection, "BusFrequency", 0);
-    WriteBusConfig(saved);
+    saved->busMode = CorrectBusMode(saved->busMode, board_.Identity().modelId);
+    WriteBusConfig(*saved);
 }
 
 void CAnalyzerLink::Machine::PollLiveStatus() {

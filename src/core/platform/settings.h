@@ -4,6 +4,19 @@
 
 namespace busquill {
 
+/// The sections, and those keys that more than one place reads or writes.
+namespace SettingsSection {
+constexpr const char* setup = "Setup";
+constexpr const char* display = "Display";
+} // namespace SettingsSection
+namespace SettingsKey {
+constexpr const char* baudRate = "BaudRate";
+constexpr const char* lastSetupFolder = "LastSetupDir";
+constexpr const char* lastSetupFile = "LastSetupFile";
+constexpr const char* showTraceStatus = "ShowTraceStatus";
+} // namespace SettingsKey
+constexpr int usualBaudRate = 57600;
+
 /// The user's settings: a value for each section and key. Used on the main thread.
 class Settings {
 public:

@@ -1,6 +1,7 @@
 #include "platform/thread_priority.h"
 
 #if defined(__linux__)
+#include <cerrno>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -10,8 +11,13 @@ namespace busquill {
 
 void LowerThreadPriority() noexcept {
 #if defined(__linux__)
-    const auto thread = static_cast<id_t>(::syscall(SYS_gettid));
-    static_cast<void>(::setpriority(PRIO_PROCESS, thread, 1));
+    // Linux keeps the nice value for each thread, by its thread id.
+    const auto self = static_cast<id_t>(::syscall(SYS_gettid));
+    errno = 0;
+    const int nice = ::getpriority(PRIO_PROCESS, self);
+    if (errno == 0) {
+        static_cast<void>(::setpriority(PRIO_PROCESS, self, nice + 1));
+    }
 #endif
 }
 

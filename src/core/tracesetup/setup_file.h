@@ -11,7 +11,7 @@ class Prompts;
 class TextReader;
 class TextWriter;
 
-/// The texts of the header that every file of the program begins with.
+/// The texts of the header that setup and trace files begin with.
 constexpr auto fileTypeMissing = "Error: File type of '%s' not found.";
 constexpr auto fileVersionMissing = "Error: File version of %s not found.";
 constexpr auto fileVersion = "1.0";

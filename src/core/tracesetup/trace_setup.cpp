@@ -56,8 +56,8 @@ void TraceSetup::Reset() {
     levels[0].ifExpr = expressionAll;
     levels[0].thenTrigger = true;
     levels[0].stimulus = 1;
-    const bool lark = SignalTables::Current().Board().IsVmeLark();
-    events.BuildFromTables(lark ? traceEventsOfLark : traceEvents, ModeEvents);
+    const int count = EventCount(SignalTables::Current().Board());
+    events.BuildFromTables(static_cast<std::uint32_t>(count), ModeEvents);
 }
 
 void TraceSetup::CopyFrom(const TraceSetup& other) {

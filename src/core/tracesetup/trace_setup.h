@@ -31,8 +31,10 @@ constexpr int expressionTokens = 16;
 [[nodiscard]] std::uint8_t TokenAt(const Expression& bytes, int nibble) noexcept;
 void SetTokenAt(Expression& bytes, int nibble, std::uint8_t token) noexcept;
 
-constexpr int traceEvents = 8; // E1 to E8
-constexpr int traceEventsOfLark = 4;
+/// Events that the sequencer of a board knows: E1 to E8, or to E4.
+[[nodiscard]] inline int EventCount(const BoardTraits& board) noexcept {
+    return board.IsVmeLark() ? 4 : 8;
+}
 
 constexpr int levelRecords = 16;
 constexpr int traceLevels = 8;     // L1 to L8

@@ -10,7 +10,6 @@ namespace busquill {
 
 namespace {
 
-constexpr const char* section = "Setup";
 constexpr const char* key = "NewTraceWindow";
 
 } // namespace
@@ -19,7 +18,8 @@ CNewWindowDialog::CNewWindowDialog(QWidget* parent, Settings& settings)
     : QDialog(parent), settings_(settings), newWindow_(new QRadioButton("Open new window")) {
     setWindowTitle("New Trace Window");
     auto* existing = new QRadioButton("Switch existing window");
-    (settings_.GetProfileInt(section, key, 0) != 0 ? newWindow_ : existing)->setChecked(true);
+    (settings_.GetProfileInt(SettingsSection::setup, key, 0) != 0 ? newWindow_ : existing)
+        ->setChecked(true);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &CNewWindowDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CNewWindowDialog::reject);
@@ -35,7 +35,7 @@ bool CNewWindowDialog::OpensNewWindow() const {
 }
 
 void CNewWindowDialog::accept() {
-    settings_.WriteProfileInt(section, key, OpensNewWindow() ? 1 : 0);
+    settings_.WriteProfileInt(SettingsSection::setup, key, OpensNewWindow() ? 1 : 0);
     QDialog::accept();
 }
 

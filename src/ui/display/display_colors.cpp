@@ -9,7 +9,7 @@ namespace busquill {
 DisplayColors LoadDisplayColors(const Settings& settings, const char* display) {
     const auto color = [&](const char* part, std::uint32_t fallback) {
         return static_cast<std::uint32_t>(settings.GetProfileInt(
-            "Display", std::string(display) + part, static_cast<int>(fallback)));
+            SettingsSection::display, std::string(display) + part, static_cast<int>(fallback)));
     };
     DisplayColors colors;
     colors.background = color("BackgroundColor", 0xC0C0C0);

@@ -188,7 +188,8 @@ void CTraceView::OnInitialUpdate() {
     RefreshFrameName();
     LayOut(); // no size event comes before the view is shown
     if (Trace().IsRealTime() && parts_.link != nullptr) {
-        showStatus_ = parts_.settings.GetProfileInt("Display", "ShowTraceStatus", 0) != 0;
+        showStatus_ = parts_.settings.GetProfileInt(SettingsSection::display,
+                                                    SettingsKey::showTraceStatus, 0) != 0;
         runTimer_ = new WindowTimer(this, *parts_.mainThread, [this] { Tick(); });
         runTimer_->start(runPeriod);
     }
@@ -296,7 +297,8 @@ void CTraceView::MarkerChanged(int which) {
 
 /// The gauge shows the board's memory while it fills.
 void CTraceView::CaptureStarted() {
-    showStatus_ = parts_.settings.GetProfileInt("Display", "ShowTraceStatus", 0) != 0;
+    showStatus_ = parts_.settings.GetProfileInt(SettingsSection::display,
+                                                SettingsKey::showTraceStatus, 0) != 0;
     SetScrollBars();
     ScrollToSample(0);
     display_->Render(true);

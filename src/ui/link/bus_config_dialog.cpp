@@ -1,6 +1,7 @@
 #include "ui/link/bus_config_dialog.h"
 
 #include "link/analyzer_link.h"
+#include "link/saved_bus_config.h"
 #include "platform/settings.h"
 #include "platform/text.h"
 
@@ -19,17 +20,6 @@
 namespace busquill {
 
 namespace {
-
-constexpr auto section = "Setup";
-
-struct StoredValue {
-    const char* key;
-    std::int32_t BusConfig::*value;
-};
-constexpr StoredValue storedValues[] = {{"BusMode", &BusConfig::busMode},
-                                        {"BusWidth", &BusConfig::busWidth},
-                                        {"BusVoltage", &BusConfig::busVoltage},
-                                        {"BusFrequency", &BusConfig::busFrequency}};
 
 /// Selects by value; a value that the box does not have leaves it without a selection.
 void Select(QComboBox* box, std::int32_t value) {
@@ -78,15 +68,13 @@ CBusConfigDialog::CBusConfigDialog(QWidget* parent, CAnalyzerLink& link, Setting
 }
 
 BusConfig CBusConfigDialog::InitialConfig() {
+    const auto saved = LoadSavedBusConfig(settings_);
+    save_->setChecked(saved.has_value());
     BusConfig config;
-    const bool saved = settings_.GetProfileInt(section, "SaveBusConfig", 0) != 0;
-    save_->setChecked(saved);
-    if (!saved) {
+    if (saved) {
+        config = *saved;
+    } else {
         link_.ReadBusConfig(config);
-        return config;
-    }
-    for (const StoredValue& stored : storedValues) {
-        config.*stored.value = settings_.GetProfileInt(section, stored.key, 0);
     }
     return config;
 }
@@ -103,18 +91,8 @@ void CBusConfigDialog::accept() {
     }
     config_.busFrequency = ParseInt(frequency_->text().toStdString());
     link_.WriteBusConfig(config_);
-    StoreConfig();
+    SaveBusConfig(settings_, save_->isChecked() ? std::optional(config_) : std::nullopt);
     QDialog::accept();
-}
-
-void CBusConfigDialog::StoreConfig() const {
-    settings_.WriteProfileInt(section, "SaveBusConfig", save_->isChecked() ? 1 : 0);
-    if (!save_->isChecked()) {
-        return; // what was stored before stays
-    }
-    for (const StoredValue& stored : storedValues) {
-        settings_.WriteProfileInt(section, stored.key, config_.*stored.value);
-    }
 }
 
 } // namespace busquill

@@ -23,7 +23,6 @@ public:
 
 private:
     [[nodiscard]] BusConfig InitialConfig();
-    void StoreConfig() const;
 
     CAnalyzerLink& link_;
     Settings& settings_;

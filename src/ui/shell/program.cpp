@@ -34,7 +34,8 @@ void Program::InitInstance() {
     frame_->SetApplication(app_.get());
     frame_->show();
     frame_->RefreshStatusPanes();
-    link_.Connect(machine_.settings.GetProfileInt("Setup", "BaudRate", 57600));
+    link_.Connect(machine_.settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate,
+                                                  usualBaudRate));
     frame_->RefreshStatusPanes();
     tables_.Load();
 }

@@ -124,7 +124,7 @@ TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
 TEST_F(TraceRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     OpenBoard("VMELark");
     const BoardTables lark("VMELark-1", BusVme);
-    EXPECT_EQ(EventCount(*link), 4);
+    EXPECT_EQ(EventCount(link->Traits()), 4);
     TraceSetup program;
     for (unsigned event = 0; event < 4; ++event) {
         Expect(program, 0, event, true);
