@@ -4,10 +4,10 @@
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
+#include "ui/framework/ask_for_file.h"
 #include "ui/framework/mdi_child.h"
 #include "ui/framework/view.h"
 
-#include <QFileDialog>
 #include <QMdiArea>
 
 #include <algorithm>
@@ -40,6 +40,7 @@ CMultiDocTemplate::~CMultiDocTemplate() {
 CDocument* CMultiDocTemplate::OpenDocumentFile(const std::optional<std::string>& path) {
     std::unique_ptr<CDocument> made = factories_.makeDocument();
     CDocument& document = *made;
+    document.SetTitle(strings_.documentName);
     const bool good = path ? document.OnOpenDocument(*path) : document.OnNewDocument();
     if (!good) {
         return nullptr;
@@ -91,16 +92,13 @@ bool CMultiDocTemplate::SaveModified(CDocument& document) {
 bool CMultiDocTemplate::DoSave(CDocument& document, bool askForPath) {
     std::string path = document.GetPathName();
     if (path.empty() || askForPath) {
-        const QString filter = QString::fromStdString(strings_.filterName);
-        QString chosen =
-            QFileDialog::getSaveFileName(&area_, "Save As", QString::fromStdString(path), filter);
-        if (chosen.isEmpty()) {
+        path = AskForFile(&area_,
+                          {FileUse::Save, "Save As", strings_.filterName, strings_.extension,
+                           std::string(FolderOf(path)), std::string(FileNameOf(path))},
+                          prompts_);
+        if (path.empty()) {
             return false;
         }
-        if (!chosen.endsWith(QString::fromStdString(strings_.extension), Qt::CaseInsensitive)) {
-            chosen += QString::fromStdString(strings_.extension);
-        }
-        path = chosen.toStdString();
     }
     if (!document.OnSaveDocument(path)) {
         return false;

@@ -27,7 +27,6 @@ constexpr int largestWidth = 0x352;
 constexpr QSize zoomFrameSize(560, 360);
 constexpr int usualHeight = 420;
 
-constexpr const char* setupSection = "Setup";
 constexpr const char* newSetup = "<New>";
 
 bool IsGone(const std::string& path) {
@@ -72,7 +71,7 @@ void CChildFrame::MakeBar() {
         bar_->HideRunControls();
     }
     const BoardTraits board = parts_.link.Traits();
-    if (board.IsWrenBoard() || board.IsVmeLark()) {
+    if (!board.HasPowerZoom()) {
         bar_->HideZoomButton();
     }
     FillSetupBox();
@@ -134,8 +133,8 @@ void CChildFrame::FillSetupBox() {
         return; // a file has its own setup and no other
     }
     box.addItem(newSetup, QString());
-    const std::string directory =
-        parts_.settings.GetProfileString(setupSection, "LastSetupDir", parts_.directory.Path());
+    const std::string directory = parts_.settings.GetProfileString(
+        SettingsSection::setup, SettingsKey::lastSetupFolder, parts_.directory.Path());
     for (const SetupFileEntry& entry : FindSetupFiles(directory)) {
         box.addItem(QString::fromStdString(entry.name), QString::fromStdString(entry.path));
     }
@@ -167,7 +166,7 @@ void CChildFrame::SetupChosen() {
     }
     const std::string path = bar_->SetupBox().currentData().toString().toStdString();
     document.SetSetupName(path, bar_->SetupBox().currentText().toStdString());
-    parts_.settings.WriteProfileString(setupSection, "LastSetupFile", path);
+    parts_.settings.WriteProfileString(SettingsSection::setup, SettingsKey::lastSetupFile, path);
     if (path.empty()) {
         document.setup.Reset();
         EditSetup("");
@@ -209,9 +208,9 @@ void CChildFrame::EditSetup(const std::string& path) {
 }
 
 void CChildFrame::RememberSetupFile(const std::string& path) {
-    parts_.settings.WriteProfileString(setupSection, "LastSetupFile", path);
+    parts_.settings.WriteProfileString(SettingsSection::setup, SettingsKey::lastSetupFile, path);
     if (!path.empty()) {
-        parts_.settings.WriteProfileString(setupSection, "LastSetupDir",
+        parts_.settings.WriteProfileString(SettingsSection::setup, SettingsKey::lastSetupFolder,
                                            std::string(FolderOf(path)));
     }
 }

@@ -5,6 +5,7 @@
 #include "platform/text.h"
 #include "platform/working_directory.h"
 #include "tracesetup/setup_file.h"
+#include "ui/framework/ask_for_file.h"
 #include "ui/patterns/pattern_grid.h"
 #include "ui/patterns/pattern_table.h"
 #include "ui/tracesetup/level_panel.h"
@@ -14,7 +15,6 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFile>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QIcon>
@@ -28,13 +28,6 @@ namespace busquill {
 
 namespace {
 
-constexpr const char* setupSection = "Setup";
-constexpr const char* displaySection = "Display";
-constexpr const char* lastFile = "LastSetupFile";
-constexpr const char* lastFolder = "LastSetupDir";
-constexpr const char* showStatus = "ShowTraceStatus";
-
-constexpr std::string_view extension = ".tsp";
 constexpr int descriptionLines = 3;
 
 QString Shown(const std::string& text) {
@@ -60,30 +53,14 @@ QComboBox* MakeList(const char* name, std::int32_t count,
     return list;
 }
 
-enum class FileUse { Open, Save, Delete };
-
-/// The path that the user chooses, or nothing.
-std::string AskForFile(QWidget* parent, FileUse use, const std::string& folder,
-                       const std::string& name = "") {
+FileQuestion QuestionFor(FileUse use, std::string folder, std::string name = "") {
     const char* const titles[] = {"Open Trace Setup", "Save Trace Setup", "Delete Trace Setup"};
-    QFileDialog dialog(parent, titles[static_cast<int>(use)], QString(), "Setups (*.tsp)");
-    dialog.setAcceptMode(use == FileUse::Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(use == FileUse::Save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    if (use == FileUse::Save) {
-        dialog.setDefaultSuffix(extension.data() +
-                                1); // elsewhere it would be added to what is typed
-    }
-    if (use == FileUse::Delete) {
-        dialog.setLabelText(QFileDialog::Accept, "&Delete");
-    }
-    if (!folder.empty()) {
-        dialog.setDirectory(QString::fromStdString(folder));
-    }
-    if (!name.empty()) {
-        // A name may hold what a file's name cannot.
-        dialog.selectFile(Shown(name).replace('/', '-').replace('\\', '-'));
-    }
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().first().toStdString() : "";
+    return {use,
+            titles[static_cast<int>(use)],
+            "Setups (*.tsp)",
+            ".tsp",
+            std::move(folder),
+            std::move(name)};
 }
 
 } // namespace
@@ -155,8 +132,7 @@ QGroupBox* CTraceSetupDialog::MakeSetupGroup() {
 
 QGroupBox* CTraceSetupDialog::MakeEventGroup() {
     auto* group = new QGroupBox("Events");
-    const bool lark = SignalTables::Current().Board().IsVmeLark();
-    events_ = new CPatternTable(lark ? traceEventsOfLark : traceEvents, parts_.prompts);
+    events_ = new CPatternTable(EventCount(SignalTables::Current().Board()), parts_.prompts);
     events_->Grid().SetText("EVENT", "E%d:");
     events_->Grid().SetOwner([this] { Modify(); });
     auto* layout = new QVBoxLayout(group);
@@ -173,14 +149,15 @@ QGroupBox* CTraceSetupDialog::MakeControlGroup() {
     triggerPosition_ = MakeList("Trigger Position", triggerCount, TriggerText);
     powerZoomClock_ = MakeList("Power Zoom Sample Clock", powerZoomCount, PowerZoomText);
     const BoardTraits board = SignalTables::Current().Board();
-    powerZoomClock_->setEnabled(!board.IsWrenBoard() && !board.IsVmeLark());
+    powerZoomClock_->setEnabled(board.HasPowerZoom());
     for (QComboBox* list : {clock_, triggerPosition_, powerZoomClock_}) {
         connect(list, &QComboBox::currentIndexChanged, this, &CTraceSetupDialog::Modify);
     }
     connect(clock_, &QComboBox::activated, this, &CTraceSetupDialog::CheckClock);
     traceStatus_ = new QCheckBox("Trace Status");
     traceStatus_->setToolTip("Shows a window with the counts while a capture runs");
-    traceStatus_->setChecked(parts_.settings.GetProfileInt(displaySection, showStatus, 0) != 0);
+    traceStatus_->setChecked(parts_.settings.GetProfileInt(SettingsSection::display,
+                                                           SettingsKey::showTraceStatus, 0) != 0);
 
     auto* choices = new QHBoxLayout;
     for (QComboBox* list : {clock_, triggerPosition_, powerZoomClock_}) {
@@ -225,7 +202,8 @@ void CTraceSetupDialog::TakeFields() {
 }
 
 std::string CTraceSetupDialog::LastFolder() const {
-    return parts_.settings.GetProfileString(setupSection, lastFolder, parts_.directory.Path());
+    return parts_.settings.GetProfileString(SettingsSection::setup, SettingsKey::lastSetupFolder,
+                                            parts_.directory.Path());
 }
 
 void CTraceSetupDialog::Modify() {
@@ -245,7 +223,8 @@ void CTraceSetupDialog::CheckClock() {
 // The buttons.
 
 void CTraceSetupDialog::OnOpen() {
-    const std::string path = AskForFile(this, FileUse::Open, LastFolder());
+    const std::string path =
+        AskForFile(this, QuestionFor(FileUse::Open, LastFolder()), parts_.prompts);
     if (path.empty()) {
         return;
     }
@@ -263,18 +242,13 @@ void CTraceSetupDialog::OnOpen() {
 
 void CTraceSetupDialog::OnSave() {
     TakeFields();
-    std::string path = path_.empty() ? AskForFile(this, FileUse::Save, LastFolder(), setup_.name)
-                                     : AskForFile(this, FileUse::Save, std::string(FolderOf(path_)),
-                                                  std::string(FileNameOf(path_)));
+    const FileQuestion question = path_.empty()
+                                      ? QuestionFor(FileUse::Save, LastFolder(), setup_.name)
+                                      : QuestionFor(FileUse::Save, std::string(FolderOf(path_)),
+                                                    std::string(FileNameOf(path_)));
+    const std::string path = AskForFile(this, question, parts_.prompts);
     if (path.empty()) {
         return;
-    }
-    if (!path.ends_with(extension)) { // such as a name with a point in it
-        path += extension;
-        if (QFile::exists(QString::fromStdString(path)) &&
-            !parts_.prompts.AskYesNo("File already exists. Overwrite?")) {
-            return;
-        }
     }
     setup_.name = BaseNameOf(path);
     name_->setText(Shown(setup_.name));
@@ -285,7 +259,8 @@ void CTraceSetupDialog::OnSave() {
 }
 
 void CTraceSetupDialog::OnDelete() {
-    const std::string path = AskForFile(this, FileUse::Delete, LastFolder());
+    const std::string path =
+        AskForFile(this, QuestionFor(FileUse::Delete, LastFolder()), parts_.prompts);
     if (path.empty() || !parts_.prompts.AskYesNo(Printf("Delete setup file %s?", path.c_str()))) {
         return;
     }
@@ -293,8 +268,9 @@ void CTraceSetupDialog::OnDelete() {
         parts_.prompts.Message(Printf("Error deleting file %s.", path.c_str()));
         return;
     }
-    if (parts_.settings.GetProfileString(setupSection, lastFile, "") == path) {
-        parts_.settings.WriteProfileString(setupSection, lastFile, "");
+    if (parts_.settings.GetProfileString(SettingsSection::setup, SettingsKey::lastSetupFile, "") ==
+        path) {
+        parts_.settings.WriteProfileString(SettingsSection::setup, SettingsKey::lastSetupFile, "");
     }
     if (path == path_) {
         path_.clear();
@@ -323,7 +299,8 @@ void CTraceSetupDialog::accept() {
     const std::string description = setup_.description;
     TakeFields();
     inFile_ = inFile_ && setup_.name == name && setup_.description == description;
-    parts_.settings.WriteProfileInt(displaySection, showStatus, traceStatus_->isChecked() ? 1 : 0);
+    parts_.settings.WriteProfileInt(SettingsSection::display, SettingsKey::showTraceStatus,
+                                    traceStatus_->isChecked() ? 1 : 0);
     QDialog::accept();
 }
 
