@@ -26,14 +26,14 @@ bool ReadRecord(TextReader& file, OpenQuote openQuote, Fields& fields) {
     }
     const std::string line(*read);
     if (CsvSplitLine(line, fields) && !file.ReadLine()) {
-        static_cast<void>(CsvSplitLine(line, fields)); // nothing was lost: the line stands twice
+        static_cast<void>(CsvSplitLine(line, fields));
     }
     return true;
 }
 
 } // namespace
 
-void RecordWriter::Write(std::initializer_list<std::string_view> fields) {
+void RecordWriter::Write(std::span<const std::string_view> fields) {
     std::string line;
     for (const std::string_view field : fields) {
         line += line.empty() ? "" : ",";
@@ -57,12 +57,15 @@ bool RecordDocument::OnOpenDocument(const std::string& path) {
     std::string foundVersion;
     BeginReading();
     for (Fields fields; ReadRecord(file, openQuote_, fields);) {
-        const std::string_view key = fields.empty() ? std::string_view() : fields[0];
+        if (fields.empty()) {
+            continue;
+        }
+        const std::string_view key = fields[0];
         if (key == "FileType" || key == "Version") {
             if (fields.size() > 1) {
                 (key == "Version" ? foundVersion : foundType) = fields[1];
             }
-        } else if (!key.empty()) {
+        } else {
             TakeRecord(fields, file);
         }
     }

@@ -5,6 +5,7 @@
 #include "document/document.h"
 
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,16 +24,23 @@ struct RecordFileKind {
 
 /// What a reader does with a line that ends inside a quoted value.
 enum class OpenQuote {
-    GoesOn,        // the value goes on in the next line
-    DropsNextLine, // the value ends there, and the next line is lost; files of old rely on it
+    GoesOn, // the value goes on in the next line
+    /// The value ends there with the line end, and the next line is lost. Where none follows, the
+    /// line is split once more behind its own fields.
+    DropsNextLine,
 };
 
 class RecordWriter {
 public:
     explicit RecordWriter(TextWriter& file) : file_(file) {}
     /// Values of digits alone go out bare, others in double quotes.
-    void Write(std::initializer_list<std::string_view> fields);
+    void Write(std::span<const std::string_view> fields);
+    void Write(std::initializer_list<std::string_view> fields) {
+        Write(std::span(fields.begin(), fields.size()));
+    }
     void WriteEmptyLine();
+    /// For what is written in a form of its own.
+    [[nodiscard]] TextWriter& File() const noexcept { return file_; }
 
 private:
     TextWriter& file_;
@@ -53,9 +61,10 @@ protected:
 
     /// Before the first record of a file.
     virtual void BeginReading() {}
-    /// A record with at least one field, its key; the type and the version are not among them.
+    /// A record, which begins with its key; the type and the version are not among them. It is kept
+    /// aside: whether the file is of the right kind is known at its end.
     virtual void TakeRecord(const std::vector<std::string>& fields, TextReader& file) = 0;
-    /// After the last record, when type and version are right.
+    /// After the last record, when type and version are right: what was kept aside is taken over.
     virtual void EndReading() = 0;
     /// All records but the type and the version.
     virtual void WriteRecords(RecordWriter& writer) const = 0;

@@ -1,7 +1,9 @@
 #include "ui/controls/check_tree.h"
 
 #include <QHeaderView>
-#include <QSignalBlocker>
+#include <QScopedValueRollback>
+
+#include <algorithm>
 
 namespace busquill {
 
@@ -20,11 +22,16 @@ CCheckTree::CCheckTree(QWidget* parent) : QTreeWidget(parent) {
     header()->hide();
     setColumnCount(1);
     setUniformRowHeights(true);
-    connect(this, &QTreeWidget::itemChanged, this, &CCheckTree::Changed);
+    connect(model(), &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& first, const QModelIndex& /*last*/, const QList<int>& roles) {
+                if (!setting_ && roles.contains(Qt::CheckStateRole)) {
+                    Changed(first);
+                }
+            });
 }
 
 void CCheckTree::SetRows(std::span<const CheckRow> rows) {
-    const QSignalBlocker quiet(this);
+    const QScopedValueRollback setting(setting_, true);
     clear();
     items_.clear();
     std::vector<QTreeWidgetItem*> above; // the last item of each level
@@ -49,19 +56,18 @@ bool CCheckTree::IsChecked(int row) const {
 }
 
 void CCheckTree::SetChecked(const std::function<bool(int row)>& isChecked) {
-    const QSignalBlocker quiet(this);
+    const QScopedValueRollback setting(setting_, true);
     for (int row = 0; row < RowCount(); ++row) {
         Item(row).setCheckState(0, isChecked(row) ? Qt::Checked : Qt::Unchecked);
     }
-    viewport()->update();
 }
 
-void CCheckTree::Changed(QTreeWidgetItem* item) {
+void CCheckTree::Changed(const QModelIndex& index) {
     {
-        const QSignalBlocker quiet(this);
-        HandDown(*item, item->checkState(0));
+        const QScopedValueRollback setting(setting_, true);
+        QTreeWidgetItem& item = *itemFromIndex(index);
+        HandDown(item, item.checkState(0));
     }
-    viewport()->update();
     emit ChecksChanged();
 }
 

@@ -26,7 +26,7 @@ public:
     /// All rows, expanded and without a tick. A row that has no group above it is a root.
     void SetRows(std::span<const CheckRow> rows);
     [[nodiscard]] int RowCount() const noexcept { return static_cast<int>(items_.size()); }
-    /// The item of a row; it belongs to the tree.
+    /// The item of a row; it belongs to the tree. Its text and colours may be changed.
     [[nodiscard]] QTreeWidgetItem& Item(int row) const {
         return *items_[static_cast<std::size_t>(row)];
     }
@@ -40,9 +40,10 @@ signals:
     void ChecksChanged();
 
 private:
-    void Changed(QTreeWidgetItem* item);
+    void Changed(const QModelIndex& index);
 
     std::vector<QTreeWidgetItem*> items_; // by row
+    bool setting_ = false;                // boxes change, but not by the user
 };
 
 } // namespace busquill

@@ -32,17 +32,22 @@ QPushButton& CFormView::AddButton(const QString& text, int left, std::function<v
     auto* button = new QPushButton(text, this);
     connect(button, &QPushButton::clicked, this, std::move(act));
     button->setGeometry(Form::ButtonPlace(left, height()));
+    if (isVisible()) {
+        button->show(); // else it comes with the view
+    }
     buttons_.push_back({button, left});
     return *button;
 }
 
-void CFormView::AddLabel(const QString& text, const QWidget& field, int row, int left, int width) {
-    labels_.push_back({text, &field, Form::FieldPlace(row, left, width, height())});
+void CFormView::AddLabel(const QString& text, const QWidget& field, const QRect& place) {
+    labels_.push_back({text, &field, place});
 }
 
-void CFormView::ForgetPlaces() {
+void CFormView::LayOutAgain() {
     labels_.clear();
     groups_.clear();
+    LayOut();
+    update();
 }
 
 void CFormView::AddGroup(const QString& title, const QRect& place) {
@@ -54,9 +59,7 @@ void CFormView::resizeEvent(QResizeEvent* event) {
     for (const Button& each : buttons_) {
         each.button->setGeometry(Form::ButtonPlace(each.left, height()));
     }
-    ForgetPlaces();
-    LayOut();
-    update();
+    LayOutAgain();
 }
 
 void CFormView::paintEvent(QPaintEvent* /*event*/) {
@@ -70,9 +73,10 @@ void CFormView::paintEvent(QPaintEvent* /*event*/) {
         option.textAlignment = Qt::AlignLeft;
         style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
     }
-    painter.setPen(palette().color(QPalette::WindowText));
     for (const Label& label : labels_) {
-        if (label.field->isVisibleTo(this)) {
+        if (label.field != nullptr && label.field->isVisibleTo(this)) {
+            const auto colors = label.field->isEnabled() ? QPalette::Active : QPalette::Disabled;
+            painter.setPen(palette().color(colors, QPalette::WindowText));
             painter.drawText(label.place, Qt::AlignVCenter | Qt::AlignLeft, label.text);
         }
     }

@@ -2,6 +2,8 @@
 
 #include "ui/framework/view.h"
 
+#include <QPointer>
+
 #include <functional>
 #include <vector>
 
@@ -22,12 +24,13 @@ constexpr int buttonPitch = 80;
 }
 /// A field of row `row`, from `left` on.
 [[nodiscard]] QRect FieldPlace(int row, int left, int width, int viewHeight) noexcept;
-/// A group box between two distances from the bottom, or two columns of a form.
+/// A group box between two distances from the bottom.
 [[nodiscard]] QRect GroupPlace(int left, int width, int top, int bottom, int viewHeight) noexcept;
 } // namespace Form
 
 /// A view with buttons along its bottom and fields whose labels it draws itself. Derived views say
-/// where their fields stand each time that the size changes.
+/// where their fields stand each time that the form is laid out: when the size changes, and when
+/// they ask for it.
 class CFormView : public CView {
     Q_OBJECT
 public:
@@ -35,10 +38,13 @@ public:
 
 protected:
     QPushButton& AddButton(const QString& text, int left, std::function<void()> act);
-    /// A label in front of a field that stands in `row`; drawn while the field shows.
-    void AddLabel(const QString& text, const QWidget& field, int row, int left, int width);
-    /// Labels and groups are set anew.
-    void ForgetPlaces();
+    /// Lays the form out anew: some fields show now and others do not.
+    void LayOutAgain();
+
+    // Within LayOut:
+
+    /// A label in front of a field; drawn while the field shows.
+    void AddLabel(const QString& text, const QWidget& field, const QRect& place);
     void AddGroup(const QString& title, const QRect& place);
     /// Where everything but the buttons stands now.
     virtual void LayOut() = 0;
@@ -53,7 +59,7 @@ private:
     };
     struct Label {
         QString text;
-        const QWidget* field;
+        QPointer<const QWidget> field;
         QRect place;
     };
     struct Group {

@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QPointer>
 #include <QToolButton>
 
 namespace busquill {
@@ -21,9 +22,11 @@ QPixmap PictureOf(RunPicture picture) {
 
 } // namespace
 
-CGoStopChild::CGoStopChild(CDocument& document, const QString& title, QSize size)
+CGoStopChild::CGoStopChild(CDocument& document, const QString& title, const QString& icon,
+                           QSize size)
     : CMDIChildWnd(document), status_(new QLabel) {
     setWindowTitle(title);
+    setWindowIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
     resize(size);
     auto* bar = new QWidget;
     auto* layout = new QHBoxLayout(bar);
@@ -48,7 +51,11 @@ QToolButton* CGoStopChild::AddButton(QWidget& bar, const char* name,
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
     connect(button, &QToolButton::clicked, this, [this, act] {
+        const QPointer<CGoStopChild> self = this; // a box may end with the window closed
         (this->*act)();
+        if (!self) {
+            return;
+        }
         setFocus();
         if (GetActiveView() != nullptr) {
             GetActiveView()->setFocus();

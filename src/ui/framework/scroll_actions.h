@@ -7,7 +7,7 @@ namespace busquill {
 /// Lines and pages have lengths of their own, and the bar follows them.
 ///
 /// Turns an action of a bar into `step(forward)`, `page(forward)` or `moveTo(position)`, and puts
-/// the thumb where `position()` says after a line or a page. False for anything else.
+/// the thumb where `position()` says, unless the user is moving it; true if not.
 template <typename Step, typename Page, typename MoveTo, typename Position>
 bool TakeScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo moveTo,
                       Position position) {
@@ -20,9 +20,11 @@ bool TakeScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo 
     case QAbstractSlider::SliderPageStepSub:
         page(action == QAbstractSlider::SliderPageStepAdd);
         break;
-    default:
+    case QAbstractSlider::SliderMove:
         moveTo(bar.sliderPosition());
         return false; // the thumb stays under the pointer
+    default:          // an end of the bar
+        moveTo(bar.sliderPosition());
     }
     bar.setSliderPosition(position());
     return true;

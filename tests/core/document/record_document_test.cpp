@@ -113,7 +113,7 @@ TEST_F(RecordDocumentTest, AnOpenQuoteGoesOnOrDropsTheNextLine) {
     ASSERT_EQ(drops.notes.size(), 3U);
     EXPECT_THAT(drops.notes[0], ElementsAre("A", "one\r\n"));
     EXPECT_THAT(drops.notes[1], ElementsAre("B", "three"));
-    EXPECT_EQ(drops.notes[2][0], "C");
+    EXPECT_THAT(drops.notes[2], ElementsAre("C", "end\r\n", "C", "end\r\n"));
 }
 
 TEST_F(RecordDocumentTest, SaysWhichFileItCannotReadOrWrite) {

@@ -95,6 +95,15 @@ TEST_F(CheckTree, TellsOnceOfEachChangeByTheUser) {
     EXPECT_EQ(Checks(), "x.x.x....");
 }
 
+TEST_F(CheckTree, ATextOrAColourIsNoChange) {
+    Click(2);
+    const QSignalSpy told(&tree, &CCheckTree::ChecksChanged);
+    tree.Item(0).setForeground(0, Qt::red);
+    tree.Item(0).setText(0, "Timing, failed");
+    EXPECT_EQ(told.count(), 0);
+    EXPECT_EQ(Checks(), "..x......");
+}
+
 TEST_F(CheckTree, ARowWithoutAGroupIsARoot) {
     const std::vector<CheckRow> odd = {{1, "lone"}, {2, "below"}, {0, "[group]"}};
     tree.SetRows(odd);

@@ -47,6 +47,30 @@ TEST(QtSettings, KeepValuesBySectionAndKey) {
     EXPECT_EQ(settings.GetProfileString("Setup", "Missing", "fallback"), "fallback");
 }
 
+TEST(WindowTimer, ATickThatShowsABoxIsNotEnteredAgain) {
+    MainThread mainThread;
+    int ticks = 0;
+    int inside = 0;
+    WindowTimer timer(nullptr, mainThread, [&] {
+        ++ticks;
+        ++inside;
+        QTest::qWait(30); // as a box of the tick's own
+        EXPECT_EQ(inside, 1);
+        --inside;
+    });
+    timer.start(5);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ticks >= 3; }));
+}
+
+TEST(WindowTimer, ATickMayEndItsTimer) {
+    MainThread mainThread;
+    auto* timer = new WindowTimer(nullptr, mainThread, [] {});
+    QPointer<WindowTimer> watched = timer;
+    auto* last = new WindowTimer(timer, mainThread, [&] { delete watched.data(); });
+    last->start(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return watched.isNull(); }));
+}
+
 TEST(ColorOf, ReadsRedFromTheLowByte) {
     EXPECT_EQ(ColorOf(0x0000FF), QColor(255, 0, 0));
     EXPECT_EQ(ColorOf(0x00FF00), QColor(0, 255, 0));

@@ -36,7 +36,7 @@ protected:
     void LayOut() override {
         ++laidOut;
         AddGroup("Address", Form::GroupPlace(Form::margin, 200, 170, 40, height()));
-        AddLabel("Start", *field, 2, 20, 60);
+        AddLabel("Start", *field, Form::FieldPlace(2, 20, 60, height()));
         field->setGeometry(Form::FieldPlace(2, 80, 100, height()));
     }
 };
@@ -88,7 +88,13 @@ TEST(FormView, DrawsALabelWhileItsFieldShows) {
         return dark;
     };
     EXPECT_GT(ink(), 10);
+    const int full = ink();
+    sheet.field->setEnabled(false);
+    EXPECT_LT(ink(), full);
+    sheet.field->setEnabled(true);
     sheet.field->hide();
+    EXPECT_EQ(ink(), 0);
+    delete sheet.field;
     EXPECT_EQ(ink(), 0);
 }
 
@@ -97,7 +103,7 @@ TEST(GoStopChild, StartsStopsAndShowsTheRun) {
     area.resize(800, 600);
     area.show();
     Document document;
-    auto* child = new CGoStopChild(document, "Master", {600, 400});
+    auto* child = new CGoStopChild(document, "Master", "master", {600, 400});
     area.addSubWindow(child);
     auto* sheet = new Sheet;
     sheet->setFocusPolicy(Qt::StrongFocus);
@@ -123,7 +129,7 @@ TEST(GoStopChild, StartsStopsAndShowsTheRun) {
     EXPECT_EQ(child->RunState(), RunPicture::Running);
     const QImage running = status.pixmap().toImage();
     EXPECT_NE(running, stopped);
-    child->SetRunState(RunPicture::Other);
+    child->SetRunState(RunPicture::Loaded);
     EXPECT_NE(status.pixmap().toImage(), running);
     EXPECT_NE(status.pixmap().toImage(), stopped);
     child->SetRunState(RunPicture::Stopped);
