@@ -99,10 +99,10 @@ TEST(FormView, DrawsALabelWhileItsFieldShows) {
 }
 
 TEST(GoStopChild, StartsStopsAndShowsTheRun) {
+    Document document; // outlives its views
     QMdiArea area;
     area.resize(800, 600);
     area.show();
-    Document document;
     auto* child = new CGoStopChild(document, "Master", "master", {600, 400});
     area.addSubWindow(child);
     auto* sheet = new Sheet;
