@@ -1,13 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace busquill {
 
+class CSignalList;
 class CTesselDoc;
 class Prompts;
-
-constexpr auto traceFileType = "Trace Data File";
 
 /// What a trace file holds beyond its samples.
 struct TraceFileContents {
@@ -20,5 +20,10 @@ struct TraceFileContents {
 /// file that ends early keeps the samples that it has.
 [[nodiscard]] TraceFileContents ReadTraceFile(CTesselDoc& document, const std::string& path,
                                               Prompts& prompts);
+
+/// Makes what a file does not hold of a list that it has, or the default list where it has none.
+void CompleteList(CSignalList& list, bool present, std::uint32_t mode);
+/// The same for the Power Zoom list, whose default begins with the clock.
+void CompleteZoomList(CSignalList& list, bool present);
 
 } // namespace busquill

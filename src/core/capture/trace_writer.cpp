@@ -1,45 +1,19 @@
 #include "capture/trace_writer.h"
 
 #include "capture/trace_document.h"
-#include "capture/trace_file.h"
+#include "capture/trace_parser.h"
 #include "document/csv_line.h"
 #include "platform/text.h"
 #include "tracesetup/setup_file.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace busquill {
 
 namespace {
 
 constexpr std::int64_t zoomFirst = -255;
-
-/// ",0" to ",255".
-class ByteTexts {
-public:
-    ByteTexts() {
-        for (std::size_t value = 0; value < texts_.size(); ++value) {
-            texts_[value] = "," + std::to_string(value);
-        }
-    }
-    [[nodiscard]] const std::string& operator[](std::uint8_t value) const { return texts_[value]; }
-
-private:
-    std::array<std::string, 256> texts_;
-};
-
-void AppendRow(std::string& text, std::int64_t number, const SampleRecord& record) {
-    static const ByteTexts texts;
-    std::array<char, 24> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    text.append(digits.data(), end);
-    for (const std::uint8_t byte : record.bytes) {
-        text += texts[byte];
-    }
-    text += '\n';
-}
 
 void WriteList(TextWriter& file, const CSignalList& list, const char* title, const char* end) {
     if (!list.Empty()) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 namespace busquill {
 
@@ -20,29 +21,54 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
 } // namespace
 
 bool TextReader::Open(const std::string& path) {
-    next_ = end_ = 0;
     file_.reset();
     // A directory opens for reading but holds no text; a pipe or a device may have no end.
     std::error_code unknown;
     if (!std::filesystem::is_regular_file(path, unknown)) {
         return false;
     }
-    file_.reset(std::fopen(path.c_str(), "rb"));
-    if (!file_) {
+    FileHandle file(std::fopen(path.c_str(), "rb"));
+    if (!file) {
         return false;
     }
-    buffer_.resize(bufferSize);
+    Take(std::move(file));
     return true;
 }
 
+void TextReader::Take(FileHandle file) {
+    file_ = std::move(file);
+    std::setvbuf(file_.get(), nullptr, _IONBF, 0); // the buffer is here
+    buffer_.resize(bufferSize + readable);
+    Rewind();
+}
+
+void TextReader::Rewind() {
+    std::rewind(file_.get());
+    next_ = end_ = 0;
+    bufferStart_ = lineStart_ = 0;
+}
+
+bool TextReader::Failed() const noexcept {
+    return file_ && std::ferror(file_.get()) != 0;
+}
+
 bool TextReader::Refill() {
+    bufferStart_ += end_;
     next_ = 0;
-    end_ = file_ ? std::fread(buffer_.data(), 1, buffer_.size(), file_.get()) : 0;
+    end_ = file_ ? std::fread(buffer_.data(), 1, bufferSize, file_.get()) : 0;
     return end_ != 0;
+}
+
+std::string_view TextReader::AtHand() {
+    if (next_ == end_ && !Refill()) {
+        return {};
+    }
+    return {buffer_.data() + next_, end_ - next_};
 }
 
 std::optional<std::string_view> TextReader::ReadLine() {
     joined_.clear();
+    lineStart_ = bufferStart_ + next_;
     bool inLine = false;
     while (next_ != end_ || Refill()) {
         const char* start = buffer_.data() + next_;

@@ -203,16 +203,6 @@ std::string CommandText(const BoardTraits& board, const SampleRecord& record, st
     return phase.attribute || !phase.address ? std::string() : label;
 }
 
-/// The group that holds the time from sample to sample, or null.
-const CSignal* FindTimeGroup(const CSignalList& list) {
-    for (const auto& signal : list.All()) {
-        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
-            return signal.get();
-        }
-    }
-    return nullptr;
-}
-
 } // namespace
 
 std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std::int32_t radix,
@@ -261,6 +251,15 @@ std::string FormatTime(std::int64_t t, bool zoom) {
         return Scaled(ms, us, "ms");
     }
     return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
+}
+
+const CSignal* FindTimeGroup(const CSignalList& list) {
+    for (const auto& signal : list.All()) {
+        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
+            return signal.get();
+        }
+    }
+    return nullptr;
 }
 
 std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {

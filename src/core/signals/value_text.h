@@ -24,6 +24,9 @@ class CSignalList;
 /// A time with three significant digits or so; nanoseconds, or picoseconds with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
 
+/// The group that holds the time from sample to sample, or null.
+[[nodiscard]] const CSignal* FindTimeGroup(const CSignalList& list);
+
 /// The time from sample `a` to sample `b`; empty when one is -1 or the list has no permanent TIME.
 [[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
                                       bool zoom);

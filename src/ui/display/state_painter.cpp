@@ -1,6 +1,7 @@
 #include "ui/display/state_painter.h"
 
 #include "capture/trace_document.h"
+#include "signals/cell_text.h"
 #include "signals/value_text.h"
 #include "ui/display/marker_glyphs.h"
 #include "ui/display/state_geometry.h"
@@ -27,69 +28,17 @@ QString ToQt(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-std::string BusOrBitText(const CSignal& signal, std::int64_t sample, bool zoom) {
-    const auto index = static_cast<std::size_t>(sample);
-    if (!signal.grouped) {
-        const bool isBlank = signal.dataIndex < 0 || signal.data.empty();
-        return isBlank ? "" : signal.Bit(index) ? "1" : "0";
-    }
-    const auto row = signal.GroupRow(index);
-    return row.empty() ? "" : FormatValue(row, signal.groupWidth, signal.radix, {}, zoom);
+bool IsKind(const CSignal& signal, DecodeKind kind) {
+    return signal.decoded && signal.decoded->decodeKind == kind;
 }
-
-std::string AccumulatedTime(const StateFrame& frame, std::int64_t sample) {
-    const std::int64_t trigger = frame.document.Marker(0, frame.zoom);
-    if (trigger == -1) {
-        return {};
-    }
-    const std::string time = TimeBetween(trigger, sample, frame.list, frame.zoom);
-    return sample < trigger && !time.empty() ? "-" + time : time;
-}
-
-/// Times since the trigger, row by row.
-class AccumulatedTimes {
-public:
-    explicit AccumulatedTimes(const StateFrame& frame)
-        : frame_(frame), sums_(frame.timeSums != nullptr ? *frame.timeSums : ownSums_),
-          trigger_(frame.document.Marker(0, frame.zoom)) {
-        for (const auto& signal : frame.list.All()) {
-            if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
-                time_ = signal.get();
-                break;
-            }
-        }
-    }
-    AccumulatedTimes(const AccumulatedTimes&) = delete;
-    AccumulatedTimes& operator=(const AccumulatedTimes&) = delete;
-
-    std::string At(std::int64_t sample) {
-        if (trigger_ == -1 || time_ == nullptr || time_->groupData.empty()) {
-            return {};
-        }
-        if (!upToTrigger_) {
-            upToTrigger_ = sums_.UpTo(*time_, trigger_);
-        }
-        const std::int64_t sum = sums_.UpTo(*time_, sample) - *upToTrigger_;
-        const bool before = sample < trigger_;
-        const std::string text = FormatTime(before ? -sum : sum, frame_.zoom);
-        return before ? "-" + text : text;
-    }
-
-private:
-    const StateFrame& frame_;
-    TimeSums ownSums_;
-    TimeSums& sums_;
-    const CSignal* time_ = nullptr;
-    const std::int64_t trigger_;
-    std::optional<std::int64_t> upToTrigger_;
-};
 
 class Drawing {
 public:
     Drawing(QPainter& painter, const StateFrame& frame)
-        : painter_(painter), frame_(frame), accumulated_(frame),
+        : painter_(painter), frame_(frame),
           columns_(VisibleColumns(ColumnWidths(frame.list), frame.sampleColumn, frame.offset,
-                                  frame.size.width())) {}
+                                  frame.size.width())),
+          times_(frame) {}
 
     std::optional<std::int64_t> Draw() {
         painter_.fillRect(QRect(QPoint(0, 0), frame_.size), ColorOf(frame_.colors.background));
@@ -177,26 +126,28 @@ private:
         if (!valid) {
             return;
         }
+        const auto record = frame_.document.GetSample(sample, frame_.zoom);
+        const ListedSample listed{static_cast<std::size_t>(sample),
+                                  frame_.document.FirstSampleNumber(frame_.zoom) + sample,
+                                  record ? &*record : nullptr, times_.At(sample, previous)};
         ClipToColumns();
         for (const TableColumn& column : columns_) {
             const QRect cell(column.left + 1, y, column.width - 1, stateRowPitch - 1);
             if (color) {
                 painter_.fillRect(cell, ColorOf(*color));
             }
-            DrawCell(cell, frame_.list[column.signal], row, sample, previous);
+            DrawCell(cell, frame_.list[column.signal], row, sample, listed);
         }
     }
 
     void DrawCell(const QRect& cell, const CSignal& signal, std::int64_t row, std::int64_t sample,
-                  std::int64_t previous) {
+                  const ListedSample& listed) {
         painter_.setPen(ColorOf(signal.color));
         const bool left = IsLeftAligned(signal);
-        const bool isAccum = signal.decoded && signal.decoded->decodeKind == DecodeKind::Accum;
-        const std::string text =
-            isAccum ? accumulated_.At(sample) : CellText(frame_, signal, sample, previous);
+        const std::string text = CellText(frame_.board, signal, listed, frame_.zoom);
         DrawCellText(painter_, cell.adjusted(2, 0, -2, 0), ToQt(text),
                      left ? CellAlign::Left : CellAlign::Center, left);
-        if (signal.decoded && signal.decoded->decodeKind == DecodeKind::Delta) {
+        if (IsKind(signal, DecodeKind::Delta)) {
             DrawDelta(cell, row, sample);
         }
     }
@@ -242,80 +193,37 @@ private:
 
     QPainter& painter_;
     const StateFrame& frame_;
-    AccumulatedTimes accumulated_;
     const std::vector<TableColumn> columns_;
+    FrameTimes times_;
     std::optional<std::int64_t> firstMissing_;
 };
 
 } // namespace
 
-std::int64_t TimeSums::UpTo(const CSignal& time, std::int64_t sample) {
-    constexpr std::int64_t span = 1024; // samples from one kept sum to the next
-    const auto timeOf = [&time](std::int64_t at) {
-        const auto row = time.GroupRow(static_cast<std::size_t>(at));
-        return row.empty() ? 0 : TimeField(row, time.groupWidth);
-    };
-    if (&time != time_) {
-        Forget();
-        time_ = &time;
+FrameTimes::FrameTimes(const StateFrame& frame)
+    : frame_(frame), sums_(frame.timeSums != nullptr ? *frame.timeSums : ownSums_),
+      trigger_(frame.document.Marker(0, frame.zoom)), time_(FindTimeGroup(frame.list)) {
+    for (const auto& signal : frame.list.All()) {
+        const bool shown = signal->VisibleWidth() > 0;
+        showsAccum_ = showsAccum_ || (shown && IsKind(*signal, DecodeKind::Accum));
+        showsTime_ = showsTime_ || (shown && IsKind(*signal, DecodeKind::Time));
     }
-    if (sums_.empty()) {
-        sums_.push_back(timeOf(0));
-    }
-    while (static_cast<std::int64_t>(sums_.size()) <= sample / span) {
-        const std::int64_t from = static_cast<std::int64_t>(sums_.size() - 1) * span;
-        std::int64_t sum = sums_.back();
-        for (std::int64_t at = from + 1; at <= from + span; ++at) {
-            sum += timeOf(at);
-        }
-        sums_.push_back(sum);
-    }
-    if (sample != lastSample_) {
-        // Rows follow one another, so most sums go on from the one before.
-        const std::int64_t kept = sample / span * span;
-        const bool goesOn = lastSample_ >= kept && lastSample_ < sample;
-        std::int64_t sum = goesOn ? lastSum_ : sums_[static_cast<std::size_t>(sample / span)];
-        for (std::int64_t at = (goesOn ? lastSample_ : kept) + 1; at <= sample; ++at) {
-            sum += timeOf(at);
-        }
-        lastSample_ = sample;
-        lastSum_ = sum;
-    }
-    return lastSum_;
 }
 
-void TimeSums::Forget() {
-    time_ = nullptr;
-    sums_.clear();
-    lastSample_ = -1;
-}
-
-std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_t sample,
-                     std::int64_t previous) {
-    if (!signal.decoded) {
-        return BusOrBitText(signal, sample, frame.zoom);
+RowTimes FrameTimes::At(std::int64_t sample, std::int64_t above) {
+    RowTimes times;
+    times.rowsLeftOut = !frame_.zoom && frame_.document.IsFiltered();
+    if (showsTime_ && times.rowsLeftOut) {
+        times.sinceAbove = TimeBetween(sample, above, frame_.list, frame_.zoom);
     }
-    const char* label = signal.Label(static_cast<std::size_t>(sample));
-    switch (signal.decoded->decodeKind) {
-    case DecodeKind::Delta:
-        return {};
-    case DecodeKind::Accum:
-        return AccumulatedTime(frame, sample);
-    case DecodeKind::Label:
-        return label == nullptr ? "" : label;
-    case DecodeKind::Time:
-        if (!frame.zoom && frame.document.IsFiltered()) {
-            return TimeBetween(sample, previous, frame.list, frame.zoom);
+    if (showsAccum_ && trigger_ != -1 && time_ != nullptr && !time_->groupData.empty()) {
+        if (!upToTrigger_) {
+            upToTrigger_ = sums_.UpTo(*time_, trigger_);
         }
-        break;
-    default:
-        break;
+        times.sinceTrigger = FormatTimeSince(sums_.UpTo(*time_, sample) - *upToTrigger_,
+                                             sample < trigger_, frame_.zoom);
     }
-    const auto record = frame.document.GetSample(sample, frame.zoom);
-    return !record ? ""
-                   : FormatDecodedValue(frame.board, signal, sample,
-                                        frame.document.FirstSampleNumber(frame.zoom),
-                                        *signal.decoded, label, *record, frame.zoom);
+    return times;
 }
 
 void DrawStateHeader(QPainter& painter, const StateFrame& frame) {

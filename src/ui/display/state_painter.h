@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/board_identity.h"
+#include "signals/cell_text.h"
 #include "ui/display/display_colors.h"
 
 #include <QFont>
@@ -8,31 +9,13 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <vector>
 
 class QPainter;
 
 namespace busquill {
 
-class CSignal;
 class CSignalList;
 class CTesselDoc;
-
-/// Running sums of a capture's TIME, kept from frame to frame, so that the time from the trigger to
-/// a far place costs the walk once. Forget when samples come or the list changes.
-class TimeSums {
-public:
-    /// The sum over the samples from 0 to this one.
-    [[nodiscard]] std::int64_t UpTo(const CSignal& time, std::int64_t sample);
-    void Forget();
-
-private:
-    const CSignal* time_ = nullptr;
-    std::vector<std::int64_t> sums_; // up to every so many samples
-    std::int64_t lastSample_ = -1;
-    std::int64_t lastSum_ = 0;
-};
 
 /// Everything that one frame of the listing is drawn from.
 struct StateFrame {
@@ -50,9 +33,28 @@ struct StateFrame {
     TimeSums* timeSums = nullptr; // without it, the frame sums for itself
 };
 
-/// The text of a cell. `previous` is the sample of the row above, 0 for the first row.
-[[nodiscard]] std::string CellText(const StateFrame& frame, const CSignal& signal,
-                                   std::int64_t sample, std::int64_t previous);
+/// What the time columns of a frame show, row by row. Only what a column of the list shows is
+/// worked out.
+class FrameTimes {
+public:
+    /// The frame must outlive it.
+    explicit FrameTimes(const StateFrame& frame);
+    FrameTimes(const FrameTimes&) = delete;
+    FrameTimes& operator=(const FrameTimes&) = delete;
+
+    /// `above` is the sample of the row above, 0 for the first row.
+    [[nodiscard]] RowTimes At(std::int64_t sample, std::int64_t above);
+
+private:
+    const StateFrame& frame_;
+    TimeSums ownSums_;
+    TimeSums& sums_;
+    const std::int64_t trigger_;
+    const CSignal* time_;
+    bool showsAccum_ = false;
+    bool showsTime_ = false;
+    std::optional<std::int64_t> upToTrigger_;
+};
 
 /// Draws the header alone.
 void DrawStateHeader(QPainter& painter, const StateFrame& frame);

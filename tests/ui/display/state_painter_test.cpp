@@ -14,6 +14,17 @@
 namespace busquill::test {
 namespace {
 
+std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_t sample,
+                     std::int64_t above) {
+    FrameTimes times(frame);
+    const auto record = frame.document.GetSample(sample, frame.zoom);
+    return busquill::CellText(frame.board, signal,
+                              {static_cast<std::size_t>(sample),
+                               frame.document.FirstSampleNumber(frame.zoom) + sample,
+                               record ? &*record : nullptr, times.At(sample, above)},
+                              frame.zoom);
+}
+
 /// The rows of the TIME field: shown as a decoded column, or hidden and permanent, which is what
 /// times between samples are summed from.
 std::string TimeRows(bool shown) {

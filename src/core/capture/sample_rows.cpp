@@ -1,0 +1,204 @@
+#include "capture/sample_rows.h"
+
+#include "platform/text.h"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace busquill {
+
+namespace {
+
+constexpr std::size_t recordBytes = sizeof(SampleRecord);
+constexpr std::size_t rowFields = 1 + recordBytes;
+constexpr int maxNumberDigits = 9; // fits 32 bits
+
+/// ",0" to ",255".
+class ByteTexts {
+public:
+    ByteTexts() {
+        for (std::size_t value = 0; value < texts_.size(); ++value) {
+            texts_[value] = "," + std::to_string(value);
+        }
+    }
+    [[nodiscard]] const std::string& operator[](std::uint8_t value) const { return texts_[value]; }
+
+private:
+    std::array<std::string, 256> texts_;
+};
+
+#if defined(__SSE2__)
+
+/// What the first 96 bytes of a row are, a bit for each.
+struct RowMasks {
+    std::uint64_t commas[2] = {};
+    std::uint64_t feeds[2] = {};
+    std::uint64_t others[2] = {}; // neither digit nor comma
+};
+
+RowMasks MasksOf(const char* text) noexcept {
+    constexpr int pieces = 6;
+    RowMasks masks;
+    for (int piece = 0; piece < pieces; ++piece) {
+        const __m128i bytes =
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(text + std::size_t{16} * piece));
+        const auto bits = [](__m128i found) {
+            return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(found)));
+        };
+        const std::uint64_t comma = bits(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(',')));
+        // Bytes above 127 are negative, so they are no digits either.
+        const std::uint64_t digit = bits(_mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('/')),
+                                                       _mm_cmplt_epi8(bytes, _mm_set1_epi8(':'))));
+        const int half = piece / 4;
+        const int shift = piece % 4 * 16;
+        masks.commas[half] |= comma << shift;
+        masks.feeds[half] |= bits(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))) << shift;
+        masks.others[half] |= (~(comma | digit) & 0xFFFF) << shift;
+    }
+    return masks;
+}
+
+/// A record's byte, of one to three digits that end before `end`; what is above 255 is cut off.
+std::uint8_t ByteBefore(const char* end, unsigned digits) noexcept {
+    constexpr std::uint32_t kept[4] = {0, 0x0F000000, 0x0F0F0000, 0x0F0F0F00};
+    std::uint32_t word = 0;
+    std::memcpy(&word, end - sizeof word, sizeof word);
+    word &= kept[digits];
+    constexpr std::uint32_t weights = 1U | 10U << 8 | 100U << 16; // of the last digit and so on
+    return static_cast<std::uint8_t>((word * weights) >> 24);
+}
+
+/// A row at the beginning of `text`, which has `length` bytes; returns its bytes with the line end,
+/// or 0 when it is not plain.
+std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& rows) {
+    RowMasks masks = MasksOf(text);
+    const bool endsEarly = masks.feeds[0] != 0;
+    if (!endsEarly && masks.feeds[1] == 0) {
+        return 0;
+    }
+    const unsigned end = endsEarly ? static_cast<unsigned>(std::countr_zero(masks.feeds[0]))
+                                   : 64U + static_cast<unsigned>(std::countr_zero(masks.feeds[1]));
+    if (end >= length) {
+        return 0;
+    }
+    const std::uint64_t inRow[2] = {endsEarly ? (std::uint64_t{1} << end) - 1 : ~std::uint64_t{0},
+                                    endsEarly ? 0 : (std::uint64_t{1} << (end - 64)) - 1};
+    const bool negative = text[0] == '-';
+    if (((masks.others[0] & inRow[0]) != (negative ? 1U : 0U)) ||
+        (masks.others[1] & inRow[1]) != 0) {
+        return 0;
+    }
+    std::array<unsigned, rowFields + 96> ends; // of the fields; more than there can be
+    std::size_t fields = 0;
+    for (std::uint64_t left = masks.commas[0] & inRow[0]; left != 0; left &= left - 1) {
+        ends[fields++] = static_cast<unsigned>(std::countr_zero(left));
+    }
+    for (std::uint64_t left = masks.commas[1] & inRow[1]; left != 0; left &= left - 1) {
+        ends[fields++] = 64U + static_cast<unsigned>(std::countr_zero(left));
+    }
+    ends[fields++] = end;
+    const unsigned digits = ends[0] - (negative ? 1U : 0U);
+    // The first byte is read by the four characters that end with it.
+    if (fields != rowFields || digits - 1 >= maxNumberDigits || ends[1] < sizeof(std::uint32_t)) {
+        return 0;
+    }
+    SampleRecord record;
+    unsigned wrong = 0;
+    for (std::size_t i = 0; i < recordBytes; ++i) {
+        const unsigned count = ends[i + 1] - ends[i] - 1;
+        wrong |= static_cast<unsigned>(count - 1 > 2);
+        record.bytes[i] = ByteBefore(text + ends[i + 1], count & 3);
+    }
+    if (wrong != 0) {
+        return 0;
+    }
+    std::int32_t number = 0;
+    for (const char* at = text + (negative ? 1 : 0); *at != ','; ++at) {
+        number = number * 10 + (*at - '0');
+    }
+    rows.Add(negative ? -number : number, record);
+    return end + 1;
+}
+
+#endif
+
+} // namespace
+
+std::size_t ParsePlainRows(std::string_view text, std::size_t limit, SampleRows& rows) {
+    std::size_t taken = 0;
+    while (rows.Size() < limit && taken < text.size()) {
+#if defined(__SSE2__)
+        const std::size_t row = ParsePlainRowAt(text.data() + taken, text.size() - taken, rows);
+#else
+        const std::size_t feed = text.find('\n', taken);
+        const bool whole = feed != std::string_view::npos;
+        const std::size_t row =
+            whole && ParsePlainRow(text.substr(taken, feed - taken), rows) ? feed + 1 - taken : 0;
+#endif
+        if (row == 0) {
+            break;
+        }
+        taken += row;
+    }
+    return taken;
+}
+
+bool ParsePlainRow(std::string_view line, SampleRows& rows) {
+    const char* at = line.data();
+    const char* const end = at + line.size();
+    std::int32_t number = 0;
+    SampleRecord record;
+    for (std::size_t field = 0; field < rowFields; ++field) {
+        const bool negative = at != end && *at == '-';
+        at += negative ? 1 : 0;
+        const char* const digits = at;
+        std::int32_t value = 0;
+        while (at != end && *at >= '0' && *at <= '9' && at - digits < maxNumberDigits) {
+            value = value * 10 + (*at++ - '0');
+        }
+        const bool last = field == rowFields - 1;
+        if (at == digits || (last ? at != end : at == end || *at != ',')) {
+            return false;
+        }
+        ++at;
+        value = negative ? -value : value;
+        if (field == 0) {
+            number = value;
+        } else {
+            record.bytes[field - 1] = static_cast<std::uint8_t>(value);
+        }
+    }
+    rows.Add(number, record);
+    return true;
+}
+
+bool ParseRow(const std::vector<std::string>& fields, SampleRows& rows) {
+    if (fields.size() < rowFields) {
+        return false;
+    }
+    SampleRecord record;
+    for (std::size_t i = 1; i < rowFields; ++i) {
+        record.bytes[i - 1] = static_cast<std::uint8_t>(ParseInt(fields[i]));
+    }
+    rows.Add(ParseInt(fields[0]), record);
+    return true;
+}
+
+void AppendRow(std::string& text, std::int64_t number, const SampleRecord& record) {
+    static const ByteTexts texts;
+    std::array<char, 24> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(digits.data(), end);
+    for (const std::uint8_t byte : record.bytes) {
+        text += texts[byte];
+    }
+    text += '\n';
+}
+
+} // namespace busquill

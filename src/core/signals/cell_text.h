@@ -1,0 +1,51 @@
+/// The text of a cell of the listing, which is the same on the screen, in a file and on a terminal.
+#pragma once
+
+#include "link/board_identity.h"
+#include "signals/signal.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+/// What the time columns of a row show that hangs on other rows than its own. Texts that no column
+/// shows may be left empty.
+struct RowTimes {
+    bool rowsLeftOut = false; // TIME then counts from the row above
+    std::string sinceAbove;
+    std::string sinceTrigger;
+};
+
+struct ListedSample {
+    std::size_t index = 0;                // in the signals' data
+    std::int64_t number = 0;              // as it is shown
+    const SampleRecord* record = nullptr; // null: not known, decoded values are then empty
+    RowTimes times;
+};
+
+/// The text of a cell; DELTA has none, its marks are drawn.
+[[nodiscard]] std::string CellText(const BoardTraits& board, const CSignal& signal,
+                                   const ListedSample& sample, bool zoom);
+
+/// A time from the trigger to a sample; with `before`, `t` is negative and the text begins with
+/// "-", whether it is 0 or not.
+[[nodiscard]] std::string FormatTimeSince(std::int64_t t, bool before, bool zoom);
+
+/// Running sums of a capture's TIME, kept from call to call, so that the time from the trigger to a
+/// far place costs the walk once. Forget when samples come or the list changes.
+class TimeSums {
+public:
+    /// The sum over the samples from 0 to this one.
+    [[nodiscard]] std::int64_t UpTo(const CSignal& time, std::int64_t sample);
+    void Forget();
+
+private:
+    const CSignal* time_ = nullptr;
+    std::vector<std::int64_t> sums_; // up to every so many samples
+    std::int64_t lastSample_ = -1;
+    std::int64_t lastSum_ = 0;
+};
+
+} // namespace busquill
