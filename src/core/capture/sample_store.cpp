@@ -336,23 +336,30 @@ void CSampleStore::SetObserver(BlockObserver* observer) {
 
 // The samples.
 
+std::optional<SampleCounts> CountsOfRange(std::int64_t first, std::int64_t last) noexcept {
+    const std::int64_t count = last - first + 1;
+    if (count > maxSamples) {
+        return std::nullopt;
+    }
+    if (first < 0 && last < 0) {
+        return SampleCounts{static_cast<std::int32_t>(count), 0};
+    }
+    if (first < 1 || last < 1) {
+        return SampleCounts{static_cast<std::int32_t>(-first), static_cast<std::int32_t>(last)};
+    }
+    return SampleCounts{0, static_cast<std::int32_t>(count)};
+}
+
 bool CSampleStore::AllocateForFile(std::int64_t first, std::int64_t last) {
     const MutexLock lock(storeLock_);
     Free();
-    const std::int64_t count = last - first + 1;
-    if (count > maxSamples) {
+    const auto counts = CountsOfRange(first, last);
+    if (!counts) {
         return false;
     }
-    if (first < 0 && last < 0) {
-        samplesBefore_ = static_cast<std::int32_t>(count);
-        samplesAfter_ = 0;
-    } else if (first < 1 || last < 1) {
-        samplesBefore_ = static_cast<std::int32_t>(-first);
-        samplesAfter_ = static_cast<std::int32_t>(last);
-    } else {
-        samplesBefore_ = 0;
-        samplesAfter_ = static_cast<std::int32_t>(count);
-    }
+    samplesBefore_ = counts->before;
+    samplesAfter_ = counts->after;
+    const std::int64_t count = last - first + 1;
     firstNumber_ = static_cast<std::int32_t>(first);
     if (count < 1) {
         return true;

@@ -24,6 +24,20 @@ constexpr std::uint32_t blockSamples = 32;
 /// The board counts samples in 24 bits on each side of the trigger; no file can hold more.
 constexpr std::int64_t maxSamples = std::int64_t{2} << 24;
 
+/// Samples on the two sides of the trigger.
+struct SampleCounts {
+    std::int32_t before = 0;
+    std::int32_t after = 0;
+};
+/// As a file's range of sample numbers tells them; nothing when no capture has so many samples.
+[[nodiscard]] std::optional<SampleCounts> CountsOfRange(std::int64_t first,
+                                                        std::int64_t last) noexcept;
+/// The index at which the trigger is marked.
+[[nodiscard]] constexpr std::int64_t TriggerIndex(const SampleCounts& counts) noexcept {
+    const std::int64_t last = std::int64_t{counts.before} - 1;
+    return counts.after > 0 ? counts.before : last > 0 ? last : 0;
+}
+
 /// Who wants to hear of samples that have arrived.
 class BlockObserver {
 public:

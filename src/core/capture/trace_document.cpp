@@ -282,8 +282,8 @@ void CTesselDoc::AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool
     std::iota(rowTable_.begin(), rowTable_.end(), 0U);
 }
 
-void CTesselDoc::PlaceTrigger(std::int64_t before, std::int64_t after) {
-    markers_[0] = after > 0 ? before : std::max<std::int64_t>(before - 1, 0);
+void CTesselDoc::PlaceTrigger(const SampleCounts& counts) {
+    markers_[0] = TriggerIndex(counts);
     zoomMarkers_[0] = zoomTrigger;
 }
 
@@ -297,7 +297,7 @@ void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
     stateList.ResizeSamples(static_cast<std::uint32_t>(total));
     waveformList.ResizeSamples(static_cast<std::uint32_t>(total));
     zoomList.ResizeSamples(zoomSampleCount);
-    PlaceTrigger(before, after);
+    PlaceTrigger({before, after});
 }
 
 void CTesselDoc::RebuildMapsFromFile() {
@@ -310,7 +310,7 @@ void CTesselDoc::RebuildMapsFromFile() {
             matchBits_[i] &= ~excludedBits[i];
         }
     }
-    PlaceTrigger(store.SamplesBefore(), store.SamplesAfter());
+    PlaceTrigger({store.SamplesBefore(), store.SamplesAfter()});
     UpdateAllViews(nullptr, HintDataComplete);
 }
 

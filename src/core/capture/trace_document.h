@@ -153,7 +153,7 @@ public:
 private:
     void BuildDefaultLists();
     void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
-    void PlaceTrigger(std::int64_t before, std::int64_t after);
+    void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);
     void SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
                      std::int64_t limit, int firstHint);

@@ -21,10 +21,7 @@ constexpr std::time_t searchLimit = 6; // seconds
 constexpr std::uint8_t searchHit = 0x01;
 constexpr std::uint8_t searchHitAfter = 0x02; // on the trigger or behind it
 
-struct Words {
-    std::uint64_t low = 0;
-    std::uint64_t high = 0;
-};
+using Words = std::array<std::uint64_t, 3>;
 
 /// The processor foresees a walk upward by itself; that of a backward search it does not.
 void FetchAhead(std::span<const SampleRecord> records, std::size_t before) noexcept {
@@ -39,41 +36,61 @@ void FetchAhead(std::span<const SampleRecord> records, std::size_t before) noexc
 }
 
 Words WordsOf(const SampleRecord& record) noexcept {
-    Words words;
-    std::memcpy(&words.low, record.bytes.data(), sizeof words.low);
-    std::memcpy(&words.high, record.bytes.data() + sizeof words.low, sizeof words.high);
+    Words words{};
+    std::memcpy(words.data(), record.bytes.data(), record.bytes.size());
     return words;
 }
 
+SampleRecord And(const SampleRecord& a, const SampleRecord& b) noexcept {
+    SampleRecord both;
+    for (std::size_t i = 0; i < both.bytes.size(); ++i) {
+        both.bytes[i] = a.bytes[i] & b.bytes[i];
+    }
+    return both;
+}
+
 } // namespace
+
+RecordPattern::RecordPattern(const SampleRecord& value, const SampleRecord& care)
+    : value_(WordsOf(And(value, care))), care_(WordsOf(care)) {}
 
 RecordPattern::RecordPattern(const CSignalList& list) {
     const std::vector<std::uint8_t> row = BuildEventRows(list, 1);
     SampleRecord value;
     SampleRecord care;
     for (std::size_t i = 0; i < row.size() / 2; ++i) {
+        value.bytes[i] = row[2 * i];
         care.bytes[i] = row[2 * i + 1];
-        value.bytes[i] = row[2 * i] & care.bytes[i];
     }
-    value_ = {WordsOf(value).low, WordsOf(value).high};
-    care_ = {WordsOf(care).low, WordsOf(care).high};
+    *this = RecordPattern(value, care);
 }
 
 bool RecordPattern::Matches(const SampleRecord& record) const noexcept {
     return MatchesOf(std::span(&record, 1)) != 0;
 }
 
-template <bool Low, bool High>
+template <bool Low, bool High, bool Top>
 inline std::uint32_t RecordPattern::MatchBit(const SampleRecord& record) const noexcept {
-    const Words words = WordsOf(record);
-    const std::uint64_t low = Low ? (words.low & care_[0]) ^ value_[0] : 0;
-    const std::uint64_t high = High ? (words.high & care_[1]) ^ value_[1] : 0;
-    return static_cast<std::uint32_t>((low | high) == 0);
+    const std::uint8_t* const bytes = record.bytes.data();
+    const auto differs = [&](std::size_t word, std::size_t size) {
+        std::uint64_t present = 0;
+        std::memcpy(&present, bytes + word * sizeof present, size);
+        return (present & care_[word]) ^ value_[word];
+    };
+    std::uint64_t different = 0;
+    if constexpr (Low) {
+        different |= differs(0, sizeof(std::uint64_t));
+    }
+    if constexpr (High) {
+        different |= differs(1, sizeof(std::uint64_t));
+    }
+    if constexpr (Top) {
+        different |= differs(2, sizeof(std::uint16_t));
+    }
+    return static_cast<std::uint32_t>(different == 0);
 }
 
-// Without a branch for each record, in steps that the compiler can unroll, and with no more than
-// the words that count.
-template <bool Low, bool High>
+template <bool Low, bool High, bool Top>
 std::uint32_t RecordPattern::MatchesBy(std::span<const SampleRecord> records) const noexcept {
     constexpr std::size_t step = 8;
     std::uint32_t matches = 0;
@@ -83,21 +100,25 @@ std::uint32_t RecordPattern::MatchesBy(std::span<const SampleRecord> records) co
         std::uint32_t bits = 0;
 #pragma GCC unroll 8
         for (std::size_t i = 0; i < step; ++i) {
-            bits |= MatchBit<Low, High>(group[i]) << i;
+            bits |= MatchBit<Low, High, Top>(group[i]) << i;
         }
         matches |= bits << at;
     }
     for (; at < records.size(); ++at) {
-        matches |= MatchBit<Low, High>(records[at]) << at;
+        matches |= MatchBit<Low, High, Top>(records[at]) << at;
     }
     return matches;
 }
 
 std::uint32_t RecordPattern::MatchesOf(std::span<const SampleRecord> records) const noexcept {
-    if (care_[1] == 0) {
-        return MatchesBy<true, false>(records);
+    if (care_[2] != 0) {
+        return MatchesBy<true, true, true>(records);
     }
-    return care_[0] == 0 ? MatchesBy<false, true>(records) : MatchesBy<true, true>(records);
+    if (care_[1] == 0) {
+        return MatchesBy<true, false, false>(records);
+    }
+    return care_[0] == 0 ? MatchesBy<false, true, false>(records)
+                         : MatchesBy<true, true, false>(records);
 }
 
 std::optional<std::int64_t> FindForward(std::span<const SampleRecord> records,

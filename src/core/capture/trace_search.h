@@ -15,12 +15,13 @@ class CSignalList;
 class CTesselDoc;
 class Prompts;
 
-/// What a sample is compared with: the bits of one word and those of them that count. Bits of the
-/// record past the first 120 are never compared.
+/// What a sample is compared with: the bits of one record and those of them that count.
 class RecordPattern {
 public:
-    /// From the first column of a pattern list.
+    /// From the first column of a pattern list. Bits of the record past the first 120 are never
+    /// compared, since the board compares no more.
     explicit RecordPattern(const CSignalList& list);
+    RecordPattern(const SampleRecord& value, const SampleRecord& care);
 
     [[nodiscard]] bool Matches(const SampleRecord& record) const noexcept;
     /// A bit for each of at most `blockSize` records, set where it matches.
@@ -28,14 +29,14 @@ public:
     static constexpr std::size_t blockSize = 32;
 
 private:
-    template <bool Low, bool High>
+    template <bool Low, bool High, bool Top>
     [[nodiscard]] std::uint32_t MatchBit(const SampleRecord& record) const noexcept;
-    template <bool Low, bool High>
+    template <bool Low, bool High, bool Top>
     [[nodiscard]] std::uint32_t MatchesBy(std::span<const SampleRecord> records) const noexcept;
 
-    // The first and the second eight bytes of a record.
-    std::array<std::uint64_t, 2> value_{};
-    std::array<std::uint64_t, 2> care_{};
+    // The first and the second eight bytes of a record, and the two behind them.
+    std::array<std::uint64_t, 3> value_{};
+    std::array<std::uint64_t, 3> care_{};
 };
 
 /// The first match at or behind `start`.

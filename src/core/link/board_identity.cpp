@@ -79,6 +79,13 @@ constexpr std::array<std::string_view, 10> busModeNames{
     "PCI", "PCI-X", "VME", "2eVME", "2eSST", "PC/104", "PC/104+", "VMEP2", "VMEP0", "VSB",
 };
 
+/// Null for an unknown name.
+const Model* FindModel(std::string_view name) noexcept {
+    const auto* model = std::ranges::find_if(
+        models, [&](const Model& row) { return EqualIgnoringCase(row.name, name); });
+    return model == models.end() ? nullptr : model;
+}
+
 template <std::size_t count>
 std::int32_t LittleEndian(const std::uint8_t* bytes) noexcept {
     std::int32_t value = 0;
@@ -166,6 +173,35 @@ bool BoardTraits::IsPci64() const noexcept {
     return bus.busMode == BusPci && bus.busWidth == 1;
 }
 
+std::span<const std::string_view> BusModeNames() noexcept {
+    return busModeNames;
+}
+
+std::vector<std::string_view> ModelNames() {
+    std::vector<std::string_view> names;
+    for (const Model& model : models) {
+        names.push_back(model.name);
+    }
+    return names;
+}
+
+std::span<const std::int32_t> BusModesOfModel(std::string_view name) noexcept {
+    const Model* model = FindModel(name);
+    return BusModesOf(model == nullptr ? std::int32_t{ModelDemo} : model->id);
+}
+
+std::optional<BoardTraits> TraitsOfModel(std::string_view name) {
+    const Model* model = FindModel(name);
+    if (model == nullptr) {
+        return std::nullopt;
+    }
+    BoardTraits traits;
+    traits.modelString = model->name;
+    traits.demoMode = model->id == ModelDemo;
+    traits.bus.busMode = BusModesOf(model->id).front();
+    return traits;
+}
+
 std::string_view BusModeName(std::int32_t busMode) noexcept {
     const auto index = static_cast<std::size_t>(busMode);
     return index < busModeNames.size() ? busModeNames[index] : busModeNames.front();
@@ -186,9 +222,8 @@ BoardIdentity ParseIdentity(std::span<const std::uint8_t, statusBlockSize> block
 
     BoardIdentity identity;
     identity.modelString = Printf("%s-%d", name.c_str(), block[offsetSuffix]);
-    const auto* model = std::ranges::find_if(
-        models, [&](const Model& row) { return EqualIgnoringCase(row.name, name); });
-    identity.modelId = model == models.end() ? previous.modelId : model->id;
+    const Model* model = FindModel(name);
+    identity.modelId = model == nullptr ? previous.modelId : model->id;
     identity.bufferSizeK = LittleEndian<2>(&block[offsetBufferSize]);
     identity.serialNumber = SerialNumber(block[offsetSerialLow], block[offsetSerialHigh]);
     identity.firmwareRevision = Tenths(block[offsetFirmware]);

@@ -3,9 +3,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace busquill {
 
@@ -94,6 +96,16 @@ struct LiveStatus {
     std::int32_t samplesAfter = 0;
     std::int32_t eventOccurrences = 0;
 };
+
+/// The display names of all bus modes, by their numbers.
+[[nodiscard]] std::span<const std::string_view> BusModeNames() noexcept;
+/// The names of all models, Demo Mode first.
+[[nodiscard]] std::vector<std::string_view> ModelNames();
+/// A board that is only named, in the first of its bus modes; nothing for an unknown model.
+[[nodiscard]] std::optional<BoardTraits> TraitsOfModel(std::string_view name);
+
+/// The bus modes of a model by its name; those of Demo Mode for an unknown one.
+[[nodiscard]] std::span<const std::int32_t> BusModesOfModel(std::string_view name) noexcept;
 
 /// The display name of a bus mode; any other number is shown as "PCI".
 [[nodiscard]] std::string_view BusModeName(std::int32_t busMode) noexcept;

@@ -104,11 +104,23 @@ bool TextWriter::Create(const std::string& path) {
 }
 
 bool TextWriter::CreateBeside(const std::string& path) {
-    const std::string beside = path + ".part";
+    // A link stays a link, and a device or a pipe is written to, not replaced.
+    std::error_code unknown;
+    const std::string target = std::filesystem::is_symlink(path, unknown)
+                                   ? std::filesystem::weakly_canonical(path, unknown).string()
+                                   : path;
+    if (target.empty()) {
+        return false;
+    }
+    if (std::filesystem::exists(target, unknown) &&
+        !std::filesystem::is_regular_file(target, unknown)) {
+        return Create(target);
+    }
+    const std::string beside = target + ".part";
     if (!Create(beside)) {
         return false;
     }
-    target_ = path;
+    target_ = target;
     temporary_ = beside;
     return true;
 }

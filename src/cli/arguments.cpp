@@ -1,0 +1,304 @@
+#include "cli/arguments.h"
+
+#include "cli/commands.h"
+#include "cli/stop.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace busquill::cli {
+
+namespace {
+
+// clang-format off
+
+constexpr OptionRow optionRows[] = {
+    {'h', "help",          nullptr,      "this text"},
+    {'V', "version",       nullptr,      "the program's version"},
+    {'o', "output",        "FILE",       "write to FILE; - is standard output"},
+    {0,   "json",          nullptr,      "print JSON"},
+    {0,   "model",         "NAME",       "board that made the capture, such as VMEKite"},
+    {0,   "bus",           "MODE",       "bus that was captured, such as PCI-X (default PCI)"},
+    {0,   "width",         "32|64",      "width of the bus (default 32)"},
+    {0,   "from",          "N",          "begin at sample N (the trigger is 0)"},
+    {0,   "to",            "N",          "end at sample N"},
+    {0,   "columns",       "NAME,...",   "these columns only"},
+    {0,   "zoom",          nullptr,      "the Power Zoom samples"},
+    {0,   "format",        "FORMAT",     "text, csv or json for a listing; vcd, csv or sr for a conversion"},
+    {'p', "pattern",       "NAME=VALUE", "samples with this value; may be given several times, all must hold"},
+    {0,   "backward",      nullptr,      "search towards the first sample"},
+    {0,   "all",           nullptr,      "all matches, not the first alone"},
+    {0,   "changes",       nullptr,      "a row for each change, not for each sample"},
+    {0,   "ignore",        "NAME,...",   "leave these signals out of the comparison"},
+    {0,   "align",         "trigger|start", "pair samples by number or by place (default trigger)"},
+    {0,   "payload",       nullptr,      "also the bytes that go to the board"},
+    {0,   "port",          "PORT",       "COM1 to COM8, the path of a terminal device, or USB"},
+    {0,   "baud",          "RATE",       "rate of the serial line (default 57600)"},
+    {0,   "setup",         "FILE",       "trigger program (.tsp)"},
+    {0,   "timeout",       "S",          "end after S seconds, whatever is going on"},
+    {0,   "repeat",        "N",          "run N times (0: without end) into numbered files"},
+    {0,   "stop-if-found", "NAME=VALUE", "end the runs when a capture holds this; may be given several times"},
+};
+
+constexpr CommandRow commandRows[] = {
+    {"info",    "FILE...", 1, std::numeric_limits<std::size_t>::max(),
+     "output json model bus width",
+     "what is in captures", RunInfo},
+    {"list",    "FILE", 1, 1,
+     "output json model bus width from to columns zoom format",
+     "the listing, as the State window shows it", RunList},
+    {"search",  "FILE", 1, 1,
+     "output json model bus width pattern from backward all",
+     "the numbers of the samples that match a pattern", RunSearch},
+    {"filter",  "FILE", 1, 1,
+     "output model bus width pattern",
+     "a capture of the samples that match a pattern", RunFilter},
+    {"convert", "FILE", 1, 1,
+     "output model bus width from to zoom format changes",
+     "a value change dump (.vcd), comma separated values (.csv) or a session file (.sr)", RunConvert},
+    {"compare", "A B", 2, 2,
+     "output json model bus width ignore align",
+     "where two captures differ", RunCompare},
+    {"stats",   "FILE", 1, 1,
+     "output json model bus width",
+     "transactions, bytes, bursts, wait states and findings", RunStats},
+    {"setup",   "FILE", 1, 1,
+     "output json model bus width payload",
+     "a trigger program in plain words", RunSetup},
+    {"board",   "", 0, 0,
+     "output json port baud",
+     "the connected board and its bus", RunBoard},
+    {"capture", "", 0, 0,
+     "output port baud setup timeout repeat stop-if-found",
+     "capture with the connected board", RunCapture},
+};
+
+// clang-format on
+
+const OptionRow* FindOption(std::string_view name) {
+    const auto* row =
+        std::ranges::find_if(optionRows, [&](const OptionRow& each) { return each.name == name; });
+    return row == std::end(optionRows) ? nullptr : row;
+}
+
+const OptionRow* FindLetter(char letter) {
+    const auto* row = std::ranges::find_if(
+        optionRows, [&](const OptionRow& each) { return letter != 0 && each.letter == letter; });
+    return row == std::end(optionRows) ? nullptr : row;
+}
+
+bool Takes(const CommandRow& command, std::string_view option) {
+    const std::string padded = " " + std::string(command.options) + " ";
+    return option == "help" || option == "version" ||
+           padded.find(" " + std::string(option) + " ") != std::string::npos;
+}
+
+std::string OptionLine(const OptionRow& option) {
+    const std::string letter = option.letter != 0 ? Printf("-%c, ", option.letter) : "    ";
+    const std::string argument =
+        option.argument != nullptr ? std::string(" ") + option.argument : "";
+    const std::string left = letter + "--" + option.name + argument;
+    return Printf("  %-32s %s\n", left.c_str(), option.help);
+}
+
+class Parser {
+public:
+    explicit Parser(std::span<const std::string> texts) : texts_(texts) {}
+
+    Arguments Parse() {
+        bool onlyOperands = false;
+        while (at_ < texts_.size()) {
+            const std::string& text = texts_[at_++];
+            if (onlyOperands || text.size() < 2 || text[0] != '-') {
+                TakeOperand(text);
+            } else if (text == "--") {
+                onlyOperands = true;
+            } else if (text[1] == '-') {
+                TakeLong(text.substr(2));
+            } else {
+                TakeShort(text);
+            }
+        }
+        Check();
+        return std::move(arguments_);
+    }
+
+private:
+    void TakeOperand(const std::string& text) {
+        if (arguments_.command != nullptr) {
+            arguments_.operands.push_back(text);
+            return;
+        }
+        const auto* row = std::ranges::find_if(
+            commandRows, [&](const CommandRow& each) { return text == each.name; });
+        if (row == std::end(commandRows)) {
+            std::string names;
+            for (const CommandRow& each : commandRows) {
+                names += std::string(names.empty() ? "" : ", ") + each.name;
+            }
+            WrongUse("no command \"" + text + "\"; there are " + names);
+        }
+        arguments_.command = row;
+    }
+
+    void TakeLong(const std::string& text) {
+        const std::size_t sign = text.find('=');
+        const std::string name = text.substr(0, sign);
+        const OptionRow* option = FindOption(name);
+        if (option == nullptr) {
+            WrongUse("no option --" + name);
+        }
+        if (sign == std::string::npos) {
+            TakeOption(*option, std::nullopt);
+        } else if (option->argument == nullptr) {
+            WrongUse("--" + name + " takes no value");
+        } else {
+            TakeOption(*option, text.substr(sign + 1));
+        }
+    }
+
+    void TakeShort(const std::string& text) {
+        for (std::size_t i = 1; i < text.size(); ++i) {
+            const OptionRow* option = FindLetter(text[i]);
+            if (option == nullptr) {
+                WrongUse(Printf("no option -%c", text[i]));
+            }
+            const bool hasValue = option->argument != nullptr && i + 1 < text.size();
+            TakeOption(*option, hasValue ? std::optional(text.substr(i + 1)) : std::nullopt);
+            if (hasValue) {
+                return;
+            }
+        }
+    }
+
+    void TakeOption(const OptionRow& option, std::optional<std::string> value) {
+        if (option.argument != nullptr && !value) {
+            if (at_ == texts_.size()) {
+                WrongUse(Printf("--%s needs a value: %s", option.name, option.argument));
+            }
+            value = texts_[at_++];
+        }
+        arguments_.options[option.name].push_back(value.value_or(""));
+    }
+
+    void Check() const {
+        if (arguments_.Has("help") || arguments_.Has("version")) {
+            return;
+        }
+        if (arguments_.command == nullptr) {
+            WrongUse("which command? See busquill-trace -h");
+        }
+        const CommandRow& command = *arguments_.command;
+        for (const auto& [name, values] : arguments_.options) {
+            if (!Takes(command, name)) {
+                WrongUse(Printf("%s takes no --%s", command.name, name.c_str()));
+            }
+        }
+        const std::size_t count = arguments_.operands.size();
+        if (count < command.leastOperands) {
+            WrongUse(Printf("%s needs %s", command.name, command.operands));
+        }
+        if (count > command.mostOperands) {
+            WrongUse(Printf("%s takes %s, not also \"%s\"", command.name,
+                            command.mostOperands == 0 ? "no file" : command.operands,
+                            arguments_.operands[command.mostOperands].c_str()));
+        }
+    }
+
+    std::span<const std::string> texts_;
+    std::size_t at_ = 0;
+    Arguments arguments_;
+};
+
+} // namespace
+
+std::span<const OptionRow> Options() noexcept {
+    return optionRows;
+}
+
+std::span<const CommandRow> Commands() noexcept {
+    return commandRows;
+}
+
+std::string Arguments::Value(std::string_view option) const {
+    const auto found = options.find(option);
+    return found == options.end() ? std::string() : found->second.back();
+}
+
+const std::vector<std::string>& Arguments::All(std::string_view option) const {
+    static const std::vector<std::string> none;
+    const auto found = options.find(option);
+    return found == options.end() ? none : found->second;
+}
+
+std::optional<std::int64_t> Arguments::Number(std::string_view option) const {
+    if (!Has(option)) {
+        return std::nullopt;
+    }
+    const std::string text = Value(option);
+    const char* const begin = text.c_str() + (text.starts_with('+') ? 1 : 0);
+    const char* const end = text.c_str() + text.size();
+    std::int64_t number = 0;
+    const auto [stop, error] = std::from_chars(begin, end, number);
+    if (error != std::errc() || stop != end || begin == end) {
+        WrongUse(Printf("--%s takes a whole number, not \"%s\"", std::string(option).c_str(),
+                        text.c_str()));
+    }
+    return number;
+}
+
+std::string Arguments::OneOf(std::string_view option,
+                             std::initializer_list<const char*> words) const {
+    if (!Has(option)) {
+        return *words.begin();
+    }
+    const std::string value = Value(option);
+    std::string all;
+    for (const char* word : words) {
+        if (value == word) {
+            return value;
+        }
+        all += std::string(all.empty() ? "" : ", ") + word;
+    }
+    WrongUse(Printf("--%s is one of %s; not \"%s\"", std::string(option).c_str(), all.c_str(),
+                    value.c_str()));
+}
+
+Arguments ParseArguments(std::span<const std::string> texts) {
+    return Parser(texts).Parse();
+}
+
+std::string HelpText(const CommandRow* command) {
+    std::string text;
+    if (command == nullptr) {
+        text = "Usage: busquill-trace COMMAND [OPTION...] [FILE...]\n\n"
+               "Captures of bus analyzer boards from the command line.\n\nCommands:\n";
+        for (const CommandRow& row : commandRows) {
+            text += Printf("  %-9s %-8s %s\n", row.name, row.operands, row.help);
+        }
+        return text + "\nOptions of every command:\n" + OptionLine(*FindOption("help")) +
+               OptionLine(*FindOption("version")) +
+               "\n\"busquill-trace COMMAND -h\" tells the others. \"-\" as a file is standard "
+               "input "
+               "or output.\n"
+               "Exit status: 0 done, 1 nothing found or captures differ, 2 wrong use, 3 failure.\n";
+    }
+    text = Printf("Usage: busquill-trace %s [OPTION...] %s\n\nPrints %s.\n\nOptions:\n",
+                  command->name, command->operands, command->help);
+    if (std::string_view(command->name) == "filter" ||
+        std::string_view(command->name) == "convert" ||
+        std::string_view(command->name) == "capture") {
+        text = Printf("Usage: busquill-trace %s [OPTION...] -o FILE %s\n\nWrites %s.\n\nOptions:\n",
+                      command->name, command->operands, command->help);
+    }
+    for (const OptionRow& option : optionRows) {
+        if (Takes(*command, option.name)) {
+            text += OptionLine(option);
+        }
+    }
+    return text;
+}
+
+} // namespace busquill::cli

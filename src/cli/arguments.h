@@ -1,0 +1,59 @@
+/// The command line: what commands and options there are, and what a user has given.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace busquill::cli {
+
+struct Arguments;
+
+struct OptionRow {
+    char letter;          // 0: none
+    const char* name;     // without its dashes
+    const char* argument; // what it takes; null for a flag
+    const char* help;
+};
+
+struct CommandRow {
+    const char* name;
+    const char* operands;
+    std::size_t leastOperands;
+    std::size_t mostOperands;
+    std::string_view options; // names, separated by blanks
+    const char* help;
+    int (*run)(const Arguments&);
+};
+
+[[nodiscard]] std::span<const OptionRow> Options() noexcept;
+[[nodiscard]] std::span<const CommandRow> Commands() noexcept;
+
+struct Arguments {
+    const CommandRow* command = nullptr; // null with "help" or "version" alone
+    std::vector<std::string> operands;
+    std::map<std::string, std::vector<std::string>, std::less<>> options; // a flag has one, empty
+
+    [[nodiscard]] bool Has(std::string_view option) const { return options.contains(option); }
+    /// The last value that was given; empty when there is none.
+    [[nodiscard]] std::string Value(std::string_view option) const;
+    [[nodiscard]] const std::vector<std::string>& All(std::string_view option) const;
+    /// A whole number; throws Stop for anything else.
+    [[nodiscard]] std::optional<std::int64_t> Number(std::string_view option) const;
+    /// One of some words, the first when the option is not there; throws Stop for any other.
+    [[nodiscard]] std::string OneOf(std::string_view option,
+                                    std::initializer_list<const char*> words) const;
+};
+
+/// Throws Stop for what it does not understand.
+[[nodiscard]] Arguments ParseArguments(std::span<const std::string> texts);
+
+/// What "-h" prints, of the whole program or of one command.
+[[nodiscard]] std::string HelpText(const CommandRow* command);
+
+} // namespace busquill::cli

@@ -1,0 +1,73 @@
+#include "cli/bus.h"
+
+#include "cli/arguments.h"
+#include "cli/stop.h"
+#include "platform/text.h"
+
+#include <algorithm>
+
+namespace busquill::cli {
+
+namespace {
+
+template <class Names>
+std::string Joined(const Names& names) {
+    std::string text;
+    for (const auto& name : names) {
+        text += (text.empty() ? "" : ", ") + std::string(name);
+    }
+    return text;
+}
+
+std::int32_t BusModeOf(const std::string& name) {
+    const auto names = BusModeNames();
+    const auto found = std::ranges::find_if(
+        names, [&](std::string_view each) { return EqualIgnoringCase(each, name); });
+    if (found == names.end()) {
+        WrongUse(Printf("no bus \"%s\"; there are %s", name.c_str(), Joined(names).c_str()));
+    }
+    return static_cast<std::int32_t>(found - names.begin());
+}
+
+/// Without a model, the connectors have one of their own; all else goes by the bus alone.
+const char* ModelOf(std::int32_t busMode) {
+    switch (busMode) {
+    case BusVmeP2:
+        return "VMEKiteP2";
+    case BusVmeP0:
+        return "VMEKiteP0";
+    default:
+        return "Demo Mode";
+    }
+}
+
+bool Offers(const std::string& model, std::int32_t busMode) {
+    const auto modes = BusModesOfModel(model);
+    return std::ranges::find(modes, busMode) != modes.end();
+}
+
+BoardTraits TraitsOf(const Arguments& arguments) {
+    const std::string bus = arguments.Value("bus");
+    const std::string model = arguments.Value("model");
+    const auto mode = arguments.Has("bus") ? std::optional(BusModeOf(bus)) : std::nullopt;
+    auto traits = TraitsOfModel(!model.empty() ? model : ModelOf(mode.value_or(BusPci)));
+    if (!traits) {
+        WrongUse(
+            Printf("no model \"%s\"; there are %s", model.c_str(), Joined(ModelNames()).c_str()));
+    }
+    if (mode && arguments.Has("model") && !Offers(traits->modelString, *mode)) {
+        WrongUse(Printf("%s has no bus %s", traits->modelString.c_str(), bus.c_str()));
+    }
+    traits->bus.busMode = mode.value_or(traits->bus.busMode);
+    traits->bus.busWidth = arguments.OneOf("width", {"32", "64"}) == "64" ? 1 : 0;
+    return *traits;
+}
+
+} // namespace
+
+Bus::Bus(const Arguments& arguments)
+    : board_(TraitsOf(arguments)), tables_([this] { return board_; }, WorkingDirectory::AtStart()) {
+    tables_.Load();
+}
+
+} // namespace busquill::cli

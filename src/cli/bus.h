@@ -1,0 +1,22 @@
+#pragma once
+
+#include "signals/signal_tables.h"
+
+namespace busquill::cli {
+
+struct Arguments;
+
+/// The signal tables of the board and bus that the options name.
+class Bus {
+public:
+    explicit Bus(const Arguments& arguments);
+
+    [[nodiscard]] const BoardTraits& Board() const noexcept { return board_; }
+    [[nodiscard]] const SignalTables& Tables() const noexcept { return tables_; }
+
+private:
+    BoardTraits board_;
+    SignalTables tables_;
+};
+
+} // namespace busquill::cli

@@ -1,0 +1,91 @@
+#include "cli/input.h"
+
+#include "cli/output.h"
+#include "cli/stop.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+namespace busquill::cli {
+
+namespace {
+
+FileHandle CopyOfStandardInput() {
+    FileHandle copy(std::tmpfile());
+    std::array<char, std::size_t{1} << 16> buffer;
+    while (copy) {
+        const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), stdin);
+        if (count == 0) {
+            break;
+        }
+        if (std::fwrite(buffer.data(), 1, count, copy.get()) != count) {
+            copy.reset();
+        }
+    }
+    if (!copy || std::ferror(stdin) != 0 || std::fflush(copy.get()) != 0) {
+        Fail("standard input cannot be read");
+    }
+    return copy;
+}
+
+} // namespace
+
+TextReader OpenInput(const std::string& path) {
+    TextReader file;
+    if (path == "-") {
+        file.Take(CopyOfStandardInput());
+    } else if (!file.Open(path)) {
+        Fail(Printf("Error opening file %s.", path.c_str()));
+    }
+    return file;
+}
+
+TraceInput::TraceInput(const std::string& path)
+    : name_(path == "-" ? "standard input" : path), file_(OpenInput(path)), stream_(file_) {}
+
+void TraceInput::Check(const std::string& wrong) const {
+    if (!wrong.empty()) {
+        Fail(name_ + ": " + wrong);
+    }
+}
+
+void TraceInput::ReadHead() {
+    Check(stream_.ReadHead());
+}
+
+TraceSurvey TraceInput::Survey() {
+    TraceSurvey survey;
+    Check(stream_.Survey(survey));
+    return survey;
+}
+
+const SampleRows* TraceInput::NextRows() {
+    const SampleRows* rows = stream_.NextRows();
+    Check(stream_.Wrong());
+    return rows;
+}
+
+std::uint64_t TraceInput::CopyBytes(std::uint64_t from, std::uint64_t to, Output& output) {
+    file_.Rewind();
+    std::uint64_t at = 0;
+    std::uint64_t copied = 0;
+    while (at < to) {
+        const std::string_view bytes = file_.AtHand();
+        if (bytes.empty()) {
+            break;
+        }
+        const std::uint64_t end = std::min<std::uint64_t>(at + bytes.size(), to);
+        if (end > from) {
+            const std::uint64_t begin = std::max(at, from);
+            output.Write(bytes.substr(begin - at, end - begin));
+            copied += end - begin;
+        }
+        at += bytes.size();
+        file_.Skip(bytes.size());
+    }
+    return copied;
+}
+
+} // namespace busquill::cli

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "capture/trace_stream.h"
+
+#include <string>
+
+namespace busquill::cli {
+
+class Output;
+
+/// Opens a file; "-" is standard input, which is copied to a nameless file, since captures are read
+/// more than once. Throws Stop when it cannot be opened.
+[[nodiscard]] TextReader OpenInput(const std::string& path);
+
+/// A trace file of the command line. Its functions throw Stop for a file that is no good.
+class TraceInput {
+public:
+    explicit TraceInput(const std::string& path);
+
+    [[nodiscard]] TraceStream& Stream() noexcept { return stream_; }
+    /// What the file is called in messages.
+    [[nodiscard]] const std::string& Name() const noexcept { return name_; }
+    void ReadHead();
+    [[nodiscard]] TraceSurvey Survey();
+    [[nodiscard]] const SampleRows* NextRows();
+    /// Copies the file's bytes from one place to another, at most to its end; returns how many.
+    /// The stream then stands nowhere: ReadHead comes next.
+    std::uint64_t CopyBytes(std::uint64_t from, std::uint64_t to, Output& output);
+
+private:
+    void Check(const std::string& wrong) const;
+
+    std::string name_;
+    TextReader file_;
+    TraceStream stream_;
+};
+
+} // namespace busquill::cli

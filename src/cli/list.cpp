@@ -1,0 +1,261 @@
+#include "capture/listing.h"
+#include "cli/arguments.h"
+#include "cli/bus.h"
+#include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/output.h"
+#include "cli/range.h"
+#include "cli/stop.h"
+#include "platform/text.h"
+#include "signals/signal_names.h"
+
+#include <algorithm>
+
+namespace busquill::cli {
+
+namespace {
+
+/// "A,B" and "A" "B"; a name with a comma in it stands in double quotes.
+std::vector<std::string> SplitNames(const std::vector<std::string>& values) {
+    std::vector<std::string> names;
+    for (const std::string& value : values) {
+        std::string name;
+        bool quoted = false;
+        for (const char c : value + ",") {
+            if (c == '"') {
+                quoted = !quoted;
+            } else if (c == ',' && !quoted) {
+                names.emplace_back(Trim(name));
+                name.clear();
+            } else {
+                name += c;
+            }
+        }
+    }
+    return names;
+}
+
+CSignal* FindColumn(const CSignalList& list, const std::string& name) {
+    const auto nameOf = [](const CSignal& signal, bool base) -> const std::string& {
+        return base ? signal.baseName : signal.RowName();
+    };
+    for (const bool base : {false, true}) {
+        for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
+            const bool whole = !base || !list[i].decoded;
+            if (whole && EqualIgnoringCase(nameOf(list[i], base), name)) {
+                return &list[i];
+            }
+        }
+    }
+    return nullptr;
+}
+
+CSignal* AddColumn(CSignalList& list, const std::string& name, const SignalTables& tables) {
+    const auto addDecoded = [&]() -> CSignal* {
+        for (const auto& def : tables.decodedSignals.Defs()) {
+            if (EqualIgnoringCase(def->name, name)) {
+                return list.AddSignal(nullptr, def, 0, 0, 0, def->color, Radix::Hex, true);
+            }
+        }
+        return nullptr;
+    };
+    if (CSignal* added = addDecoded()) {
+        return added;
+    }
+    for (const auto& def : tables.busSignals.Defs()) {
+        const std::size_t bracket = name.find('[');
+        const auto found = FindSignal(name, tables, {});
+        if (found && !found->decoded && EqualIgnoringCase(def->name, name.substr(0, bracket))) {
+            const int first = found->positions.front() - def->dataIndex;
+            const int last = found->positions.back() - def->dataIndex;
+            const int top = def->Width() - 1;
+            return def->bitReverse
+                       ? list.AddSignal(nullptr, def, 0, top - first, top - last, def->color,
+                                        Radix::Hex, true)
+                       : list.AddSignal(nullptr, def, 0, first, last, def->color, Radix::Hex, true);
+        }
+    }
+    return nullptr;
+}
+
+/// Leaves the named columns alone to be seen, in the order of their names.
+void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
+                 const SignalTables& tables) {
+    std::vector<CSignal*> shown;
+    for (const std::string& name : names) {
+        if (EqualIgnoringCase(name, "SAMPLE")) {
+            continue; // the first column in any case
+        }
+        CSignal* column = FindColumn(list, name);
+        column = column != nullptr ? column : AddColumn(list, name, tables);
+        if (column == nullptr) {
+            std::string all;
+            for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
+                all += (all.empty() ? "" : ", ") + list[i].RowName();
+            }
+            WrongUse(Printf("no column \"%s\"; there are %s", name.c_str(), all.c_str()));
+        }
+        shown.push_back(column);
+    }
+    for (const auto& signal : list.All()) {
+        signal->hidden = std::ranges::find(shown, signal.get()) == shown.end();
+    }
+    for (CSignal* column : shown) {
+        constexpr std::int32_t anyWidth = 30;
+        column->width = column->width > 0 ? column->width : anyWidth;
+        list.MoveGroup(column, nullptr);
+    }
+}
+
+/// Writes rows of texts below their titles.
+class ListingWriter {
+public:
+    ListingWriter(Output& output, const std::string& format, const TraceListing& listing,
+                  std::size_t numberWidth)
+        : output_(output), format_(format), widths_{std::max<std::size_t>(numberWidth, 6)} {
+        std::vector<std::string> titles;
+        for (const CSignal* column : listing.Columns()) {
+            titles.push_back(column->RowName());
+            widths_.push_back(TraceListing::WidthOf(*column));
+        }
+        if (format_ == "json") {
+            Json("{\"columns\": [\"SAMPLE\"", titles, "],\n\"rows\": [");
+        } else {
+            Row("SAMPLE", titles);
+        }
+    }
+
+    void Add(std::int64_t number, const std::vector<std::string>& cells) {
+        if (format_ == "json") {
+            const std::string begin = (any_ ? ",\n[" : "\n[") + std::to_string(number);
+            Json(begin, cells, "]");
+        } else {
+            Row(std::to_string(number), cells);
+        }
+        any_ = true;
+    }
+
+    void End() {
+        if (format_ == "json") {
+            output_.Write("\n]}\n");
+        }
+    }
+
+    [[nodiscard]] bool Any() const noexcept { return any_; }
+
+private:
+    void Json(const std::string& begin, const std::vector<std::string>& cells, const char* end) {
+        line_ = begin;
+        for (const std::string& cell : cells) {
+            line_ += ", " + JsonText(cell);
+        }
+        output_.Write(line_ + end);
+    }
+
+    void Row(const std::string& number, const std::vector<std::string>& cells) {
+        line_.clear();
+        if (format_ == "csv") {
+            line_ = number;
+            for (const std::string& cell : cells) {
+                line_ += ',';
+                AppendCsv(line_, cell);
+            }
+        } else {
+            line_ = std::string(widths_[0] - std::min(widths_[0], number.size()), ' ') + number;
+            for (std::size_t i = 0; i < cells.size(); ++i) {
+                line_ += "  " + cells[i];
+                line_.append(widths_[i + 1] - std::min(widths_[i + 1], cells[i].size()), ' ');
+            }
+            line_.erase(line_.find_last_not_of(' ') + 1);
+        }
+        output_.Write(line_ + "\n");
+    }
+
+    Output& output_;
+    const std::string format_;
+    std::vector<std::size_t> widths_;
+    std::string line_;
+    bool any_ = false;
+};
+
+SampleRows ZoomRows(const std::vector<SampleRecord>& zoom) {
+    SampleRows rows;
+    for (std::size_t i = 0; i < zoom.size(); ++i) {
+        rows.Add(static_cast<std::int32_t>(i) - static_cast<std::int32_t>(zoomSamplesBefore),
+                 zoom[i]);
+    }
+    return rows;
+}
+
+std::string FormatOf(const Arguments& arguments) {
+    const std::string format = arguments.OneOf("format", {"text", "csv", "json"});
+    if (arguments.Has("json") && arguments.Has("format") && format != "json") {
+        WrongUse("--json and --format " + format + " contradict each other");
+    }
+    return arguments.Has("json") ? "json" : format;
+}
+
+} // namespace
+
+int RunList(const Arguments& arguments) {
+    const Bus bus(arguments);
+    const NumberRange range = RangeOf(arguments);
+    const std::string format = FormatOf(arguments);
+    const bool zoom = arguments.Has("zoom");
+    TraceInput input(arguments.operands[0]);
+    const TraceSurvey survey = input.Survey();
+    if (zoom && !survey.hasZoom) {
+        Say(input.Name() + " has no Power Zoom samples");
+        return ExitStatus::NothingFound;
+    }
+    TraceStream& stream = input.Stream();
+    CSignalList& list = zoom ? stream.zoomList : stream.stateList;
+    if (arguments.Has("columns")) {
+        ShowColumns(list, SplitNames(arguments.All("columns")), bus.Tables());
+    }
+    TraceListing::Capture capture{
+        bus.Board(),         zoom, survey.HasGaps(), survey.first, stream.TriggerNumber(),
+        survey.timeToTrigger};
+    const SampleRows zoomRows = ZoomRows(survey.zoom);
+    if (zoom) {
+        capture.first = -static_cast<std::int64_t>(zoomSamplesBefore);
+        capture.trigger = 0;
+        const SampleTime time(list);
+        for (std::size_t i = 0; i <= zoomSamplesBefore; ++i) {
+            capture.timeToTrigger = (i == 0 ? 0 : capture.timeToTrigger) +
+                                    (time.Known() ? time.Of(zoomRows.records[i]) : 0);
+        }
+    }
+    TraceListing listing(list, capture);
+    Output output(arguments.Value("output"));
+    const std::size_t numberWidth =
+        std::max(std::to_string(survey.first).size(), std::to_string(survey.last).size());
+    ListingWriter writer(output, format, listing, numberWidth);
+    Progress progress("Listing", survey.rows);
+    std::vector<std::string> cells;
+    std::int64_t done = 0;
+    const auto write = [&](const SampleRows& rows) {
+        listing.Load(rows);
+        for (std::size_t i = 0; i < rows.Size(); ++i) {
+            if (range.Has(rows.numbers[i])) {
+                listing.Cells(i, cells);
+                writer.Add(rows.numbers[i], cells);
+            }
+        }
+        done += static_cast<std::int64_t>(rows.Size());
+        progress.At(done);
+        return rows.numbers.back() < range.to;
+    };
+    if (zoom) {
+        write(zoomRows);
+    } else {
+        for (const SampleRows* rows = input.NextRows(); rows != nullptr && write(*rows);
+             rows = input.NextRows()) {
+        }
+    }
+    writer.End();
+    output.Close();
+    return writer.Any() ? ExitStatus::Done : ExitStatus::NothingFound;
+}
+
+} // namespace busquill::cli

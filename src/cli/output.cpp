@@ -1,0 +1,108 @@
+#include "cli/output.h"
+
+#include "cli/stop.h"
+#include "platform/text.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <unistd.h>
+
+namespace busquill::cli {
+
+namespace {
+
+constexpr std::size_t bufferSize = std::size_t{1} << 16;
+
+} // namespace
+
+Output::Output(const std::string& path) : path_(path == "-" ? "" : path) {
+    if (!path_.empty() && !file_.CreateBeside(path_)) {
+        Fail(Printf("Error creating file %s.", path_.c_str()));
+    }
+}
+
+void Output::Write(std::string_view text) {
+    buffer_ += text;
+    if (buffer_.size() >= bufferSize) {
+        Flush();
+    }
+}
+
+void Output::Flush() {
+    if (!path_.empty()) {
+        file_.Write(buffer_);
+    } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) {
+        // A reader that has seen enough is no failure.
+        throw Stop{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
+                   errno == EPIPE ? "" : "standard output cannot be written"};
+    }
+    buffer_.clear();
+}
+
+void Output::Close() {
+    Flush();
+    if (!path_.empty()) {
+        if (!file_.Close()) {
+            Fail(Printf("Error writing file %s.", path_.c_str()));
+        }
+    } else if (std::fflush(stdout) != 0) {
+        throw Stop{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
+                   errno == EPIPE ? "" : "standard output cannot be written"};
+    }
+}
+
+Progress::Progress(const char* what, std::int64_t total)
+    : what_(what), total_(total), terminal_(::isatty(STDERR_FILENO) != 0) {}
+
+Progress::~Progress() {
+    if (shown_) {
+        std::fputs("\r\033[K", stderr);
+    }
+}
+
+void Progress::At(std::int64_t done) {
+    const int percent = total_ > 0 ? static_cast<int>(done * 100 / total_) : 100;
+    if (terminal_ && percent != last_) {
+        std::fprintf(stderr, "\r%s %d%%", what_, percent);
+        std::fflush(stderr);
+        last_ = percent;
+        shown_ = true;
+    }
+}
+
+void Say(const std::string& text) {
+    std::fprintf(stderr, "busquill-trace: %s\n", text.c_str());
+}
+
+std::string JsonText(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') {
+            quoted += '\\';
+            quoted += c;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            quoted += Printf("\\u%04x", static_cast<unsigned>(c));
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + '"';
+}
+
+void AppendCsv(std::string& line, std::string_view text) {
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos && !text.starts_with(' ') &&
+        !text.ends_with(' ')) {
+        line += text;
+        return;
+    }
+    line += '"';
+    for (const char c : text) {
+        line += c;
+        if (c == '"') {
+            line += c;
+        }
+    }
+    line += '"';
+}
+
+} // namespace busquill::cli

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+namespace busquill::cli {
+
+struct Arguments;
+
+/// The sample numbers that --from and --to let through.
+struct NumberRange {
+    std::int64_t from = std::numeric_limits<std::int64_t>::min();
+    std::int64_t to = std::numeric_limits<std::int64_t>::max();
+
+    [[nodiscard]] bool Has(std::int64_t number) const noexcept {
+        return number >= from && number <= to;
+    }
+};
+
+/// Throws Stop when it ends before it begins.
+[[nodiscard]] NumberRange RangeOf(const Arguments& arguments);
+
+} // namespace busquill::cli

@@ -1,0 +1,172 @@
+#include "capture/search_condition.h"
+#include "cli/arguments.h"
+#include "cli/bus.h"
+#include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/output.h"
+#include "cli/stop.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+
+namespace busquill::cli {
+
+namespace {
+
+constexpr const char* noMatch = "No match found.";
+
+SearchCondition ConditionOf(const Arguments& arguments, const Bus& bus, const TraceStream& stream) {
+    SearchCondition condition;
+    for (const std::string& text : arguments.All("pattern")) {
+        const std::string wrong =
+            condition.Add(text, bus.Tables(), {&stream.stateList, &stream.waveformList});
+        if (!wrong.empty()) {
+            WrongUse(wrong);
+        }
+    }
+    if (condition.Empty()) {
+        WrongUse(Printf("%s needs --pattern NAME=VALUE", arguments.command->name));
+    }
+    return condition;
+}
+
+/// Calls `take` for each row that matches, in order, until it returns false.
+template <typename Take>
+bool TakeMatches(const SampleRows& rows, const SearchCondition& condition, Take take) {
+    constexpr std::size_t block = RecordPattern::blockSize;
+    const std::span<const SampleRecord> records(rows.records);
+    for (std::size_t first = 0; first < records.size(); first += block) {
+        std::uint32_t matches =
+            condition.MatchesOf(records.subspan(first, std::min(block, records.size() - first)));
+        for (; matches != 0; matches &= matches - 1) {
+            if (!take(first + static_cast<std::size_t>(std::countr_zero(matches)))) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+/// Matches as they come, or kept until the end of a search backward.
+class Matches {
+public:
+    Matches(const Arguments& arguments, Output& output)
+        : output_(output), json_(arguments.Has("json")), all_(arguments.Has("all")),
+          backward_(arguments.Has("backward")) {}
+
+    /// False when no more are wanted.
+    bool Add(std::int32_t number) {
+        if (!backward_) {
+            Print(number);
+            return all_;
+        }
+        if (!all_) {
+            kept_.clear();
+        }
+        kept_.push_back(number);
+        return true;
+    }
+
+    bool End() {
+        std::for_each(kept_.rbegin(), kept_.rend(), [this](std::int32_t each) { Print(each); });
+        if (json_) {
+            output_.Write(any_ ? "]\n" : "[]\n");
+        }
+        return any_;
+    }
+
+private:
+    void Print(std::int32_t number) {
+        const char* before = !json_ ? "" : any_ ? ", " : "[";
+        output_.Write(before + std::to_string(number) + (json_ ? "" : "\n"));
+        any_ = true;
+    }
+
+    Output& output_;
+    const bool json_;
+    const bool all_;
+    const bool backward_;
+    std::vector<std::int32_t> kept_; // at most as many as a capture has samples
+    bool any_ = false;
+};
+
+} // namespace
+
+int RunSearch(const Arguments& arguments) {
+    const Bus bus(arguments);
+    const bool backward = arguments.Has("backward");
+    const auto from = arguments.Number("from");
+    TraceInput input(arguments.operands[0]);
+    input.ReadHead();
+    const SearchCondition condition = ConditionOf(arguments, bus, input.Stream());
+    Output output(arguments.Value("output"));
+    Matches matches(arguments, output);
+    bool more = true;
+    while (more) {
+        const SampleRows* rows = input.NextRows();
+        if (rows == nullptr) {
+            break;
+        }
+        more = TakeMatches(*rows, condition, [&](std::size_t row) {
+            const std::int32_t number = rows->numbers[row];
+            if (from && (backward ? number > *from : number < *from)) {
+                return !backward;
+            }
+            return matches.Add(number);
+        });
+    }
+    const bool found = matches.End();
+    output.Close();
+    if (!found) {
+        Say(noMatch);
+    }
+    return found ? ExitStatus::Done : ExitStatus::NothingFound;
+}
+
+int RunFilter(const Arguments& arguments) {
+    const Bus bus(arguments);
+    if (!arguments.Has("output")) {
+        WrongUse("filter needs -o FILE");
+    }
+    TraceInput input(arguments.operands[0]);
+    TraceStream& stream = input.Stream();
+    input.ReadHead();
+    const SearchCondition condition = ConditionOf(arguments, bus, stream);
+    const auto search = [&](auto take) {
+        while (const SampleRows* rows = input.NextRows()) {
+            if (!TakeMatches(*rows, condition, [&](std::size_t row) { return take(*rows, row); })) {
+                return true;
+            }
+        }
+        return false;
+    };
+    if (!search([](const SampleRows&, std::size_t) { return false; })) {
+        Say(Printf("%s %s is not written.", noMatch, arguments.Value("output").c_str()));
+        return ExitStatus::NothingFound;
+    }
+    // What stands around the rows stays as it is, known to this program or not.
+    Output output(arguments.Value("output"));
+    input.CopyBytes(0, stream.BlockBegin(), output);
+    output.Write(Printf("\"Trace Data\",%lld,%lld\n", static_cast<long long>(stream.First()),
+                        static_cast<long long>(stream.Last())));
+    input.ReadHead();
+    Progress progress("Filtering", stream.Last() - stream.First() + 1);
+    std::string line;
+    search([&](const SampleRows& rows, std::size_t row) {
+        line.clear();
+        AppendRow(line, rows.numbers[row], rows.records[row]);
+        output.Write(line);
+        progress.At(rows.numbers[row] - stream.First());
+        return true;
+    });
+    constexpr std::uint64_t end = std::numeric_limits<std::uint64_t>::max();
+    if (input.CopyBytes(stream.BlockEnd(), end, output) == 0) {
+        output.Write("\"End of Trace Data\"\n"); // of a file that was cut off
+    }
+    output.Close();
+    return ExitStatus::Done;
+}
+
+} // namespace busquill::cli

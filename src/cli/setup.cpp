@@ -1,0 +1,11 @@
+#include "cli/arguments.h"
+#include "cli/commands.h"
+#include "cli/stop.h"
+
+namespace busquill::cli {
+
+int RunSetup(const Arguments&) {
+    Fail("not there");
+}
+
+} // namespace busquill::cli

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "capture/sample_rows.h"
+#include "link/board_identity.h"
+#include "signals/cell_text.h"
+#include "signals/record_field.h"
+#include "signals/signal_list.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+/// The listing of a capture as text, cell for cell as the State window shows it when its first row
+/// is the first that is asked for. Samples are given in pieces, and rows asked for in order.
+class TraceListing {
+public:
+    struct Capture {
+        BoardTraits board;
+        bool zoom = false;
+        bool hasGaps = false;   // samples of its range are missing
+        std::int64_t first = 0; // number of the sample in the first place
+        std::int64_t trigger = 0;
+        std::int64_t timeToTrigger = 0; // the sum of TIME from the first place up to it
+    };
+
+    /// The list's signals are filled with each piece; it must outlive the listing.
+    TraceListing(CSignalList& list, Capture capture);
+
+    /// The signals that take a column, in their order.
+    [[nodiscard]] const std::vector<const CSignal*>& Columns() const noexcept { return columns_; }
+    /// Characters that a column takes: its title or its values.
+    [[nodiscard]] static std::size_t WidthOf(const CSignal& column);
+
+    /// The next samples, which must live until the next call. Rows of the piece before are gone.
+    void Load(const SampleRows& rows);
+    /// The texts of a row of the piece, without its number.
+    void Cells(std::size_t row, std::vector<std::string>& cells);
+
+private:
+    [[nodiscard]] RowTimes TimesOf(std::size_t row);
+
+    CSignalList& list_;
+    const Capture capture_;
+    SampleTime time_;
+    std::vector<const CSignal*> columns_;
+    bool showsTime_ = false;
+    bool showsAccum_ = false;
+    const SampleRows* rows_ = nullptr;
+    bool unpacked_ = false;          // the piece, into the list
+    std::vector<std::int64_t> sums_; // of TIME, up to each row of the piece
+    std::int64_t sumBefore_ = 0;     // up to the piece
+    std::int64_t sumAbove_ = 0;      // up to the row that was listed last
+};
+
+} // namespace busquill

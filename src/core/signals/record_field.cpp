@@ -1,0 +1,80 @@
+#include "signals/record_field.h"
+
+#include "signals/signal_list.h"
+#include "signals/value_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace busquill {
+
+namespace {
+
+std::vector<int> PositionsOf(const CSignalList& list, const CSignal* signal) {
+    std::vector<int> positions;
+    const std::size_t first = list.IndexOf(signal);
+    if (first == list.Size()) {
+        return positions;
+    }
+    for (std::size_t i = first; i < list.GroupEnd(first); ++i) {
+        positions.push_back(list[i].dataIndex);
+    }
+    return positions;
+}
+
+bool IsInside(int position) noexcept {
+    return position >= 0 && position < SampleRecord::bitCount;
+}
+
+bool IsRun(const std::vector<int>& positions) {
+    return !positions.empty() && IsInside(positions.front()) && IsInside(positions.back()) &&
+           std::adjacent_find(positions.begin(), positions.end(),
+                              [](int a, int b) { return b != a + 1; }) == positions.end();
+}
+
+} // namespace
+
+RecordField::RecordField(std::vector<int> positions)
+    : positions_(std::move(positions)), isRun_(IsRun(positions_)) {}
+
+RecordField::RecordField(const CSignalList& list, const CSignal& signal)
+    : RecordField(PositionsOf(list, &signal)) {}
+
+void RecordField::Take(const SampleRecord& record, std::uint8_t* into) const noexcept {
+    const std::size_t bytes = Bytes();
+    if (!isRun_) {
+        std::fill_n(into, bytes, std::uint8_t{0});
+        for (std::size_t i = 0; i < positions_.size(); ++i) {
+            if (IsInside(positions_[i]) && record.Bit(positions_[i])) {
+                into[i / 8] |= static_cast<std::uint8_t>(1U << (i % 8));
+            }
+        }
+        return;
+    }
+    std::array<std::uint8_t, sizeof(SampleRecord) + 2> padded{};
+    std::memcpy(padded.data(), record.bytes.data(), sizeof(SampleRecord));
+    const auto first = static_cast<unsigned>(positions_.front());
+    const std::size_t from = first / 8;
+    const unsigned shift = first % 8;
+    for (std::size_t i = 0; i < bytes; ++i) {
+        const unsigned pair = padded[from + i] | static_cast<unsigned>(padded[from + i + 1]) << 8;
+        into[i] = static_cast<std::uint8_t>(pair >> shift);
+    }
+    if (const std::size_t rest = positions_.size() % 8; rest != 0) {
+        into[bytes - 1] &= static_cast<std::uint8_t>((1U << rest) - 1);
+    }
+}
+
+SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, FindTimeGroup(list))) {}
+
+std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {
+    constexpr std::size_t longest = 4; // wider ones are no time
+    std::array<std::uint8_t, longest> row{};
+    if (field_.Bytes() <= longest) {
+        field_.Take(record, row.data());
+    }
+    return TimeField(row, static_cast<unsigned>(field_.Width()));
+}
+
+} // namespace busquill

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "signals/signal.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace busquill {
+
+class CSignalList;
+
+/// Some bits of the sample record, taken out as a value.
+class RecordField {
+public:
+    /// Data indexes, least significant first; one outside the record reads 0.
+    explicit RecordField(std::vector<int> positions);
+    /// The bits of a signal of a list, with all members of its group.
+    RecordField(const CSignalList& list, const CSignal& signal);
+
+    [[nodiscard]] std::size_t Width() const noexcept { return positions_.size(); }
+    [[nodiscard]] std::size_t Bytes() const noexcept { return (positions_.size() + 7) / 8; }
+    [[nodiscard]] const std::vector<int>& Positions() const noexcept { return positions_; }
+    /// The value, bit 0 first, into as many bytes as it has.
+    void Take(const SampleRecord& record, std::uint8_t* into) const noexcept;
+
+private:
+    std::vector<int> positions_;
+    bool isRun_ = false; // ascending without a gap
+};
+
+/// The time from the sample before, as TimeField tells it, for a list that has it.
+class SampleTime {
+public:
+    explicit SampleTime(const CSignalList& list);
+    /// Whether the list has the time.
+    [[nodiscard]] bool Known() const noexcept { return field_.Width() != 0; }
+    [[nodiscard]] std::int64_t Of(const SampleRecord& record) const noexcept;
+
+private:
+    RecordField field_;
+};
+
+} // namespace busquill
