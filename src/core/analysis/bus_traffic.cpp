@@ -1,0 +1,13 @@
+#include "analysis/bus_traffic.h"
+
+namespace busquill {
+
+std::unique_ptr<BusTraffic> MakeBusTraffic(const BoardTraits& board, const SignalTables& tables) {
+    // The tables decide, as they do for the listing; no two buses share these names.
+    const auto has = [&](const char* name) {
+        return tables.busSignals.FindByName(name) != nullptr;
+    };
+    return has("FRAME") && !board.IsPciXMode() ? MakePciTraffic(tables) : nullptr;
+}
+
+} // namespace busquill
