@@ -7,7 +7,10 @@ std::unique_ptr<BusTraffic> MakeBusTraffic(const BoardTraits& board, const Signa
     const auto has = [&](const char* name) {
         return tables.busSignals.FindByName(name) != nullptr;
     };
-    return has("FRAME") && !board.IsPciXMode() ? MakePciTraffic(tables) : nullptr;
+    if (has("FRAME")) {
+        return board.IsPciXMode() ? MakePciXTraffic(tables) : MakePciTraffic(tables);
+    }
+    return nullptr;
 }
 
 } // namespace busquill

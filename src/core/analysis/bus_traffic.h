@@ -28,5 +28,6 @@ public:
                                                          const SignalTables& tables);
 
 [[nodiscard]] std::unique_ptr<BusTraffic> MakePciTraffic(const SignalTables& tables);
+[[nodiscard]] std::unique_ptr<BusTraffic> MakePciXTraffic(const SignalTables& tables);
 
 } // namespace busquill
