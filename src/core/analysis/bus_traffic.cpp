@@ -10,7 +10,10 @@ std::unique_ptr<BusTraffic> MakeBusTraffic(const BoardTraits& board, const Signa
     if (has("FRAME")) {
         return board.IsPciXMode() ? MakePciXTraffic(tables) : MakePciTraffic(tables);
     }
-    return nullptr;
+    if (has("DTACK")) {
+        return MakeVmeTraffic(tables);
+    }
+    return has("PAS") ? MakeVsbTraffic(tables) : nullptr;
 }
 
 } // namespace busquill

@@ -29,5 +29,7 @@ public:
 
 [[nodiscard]] std::unique_ptr<BusTraffic> MakePciTraffic(const SignalTables& tables);
 [[nodiscard]] std::unique_ptr<BusTraffic> MakePciXTraffic(const SignalTables& tables);
+[[nodiscard]] std::unique_ptr<BusTraffic> MakeVmeTraffic(const SignalTables& tables);
+[[nodiscard]] std::unique_ptr<BusTraffic> MakeVsbTraffic(const SignalTables& tables);
 
 } // namespace busquill
