@@ -10,7 +10,7 @@ import re
 import sys
 from pathlib import Path
 
-CORE = ["platform", "document", "link", "signals", "tracesetup", "capture"]
+CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis"]
 # Each room of the windows with the rooms that it may include; all may include the core.
 UI = {
     "framework": set(),

@@ -1,0 +1,86 @@
+#include "analysis/pci_traffic.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+namespace busquill {
+
+namespace {
+
+constexpr std::uint32_t memoryWrite = 0x7;
+constexpr std::uint32_t fullByteCount = 4096; // announced as 0
+
+/// Commands of which C/BE tells nothing in data phases: the attributes announce the bytes.
+bool AnnouncesBytes(std::uint32_t command) {
+    constexpr std::array<std::uint32_t, 5> block = {0x8, 0x9, 0xC, 0xE, 0xF};
+    return std::find(block.begin(), block.end(), command) != block.end();
+}
+
+/// PCI-X: an attribute phase behind the address, more answers of a target, and a FRAME that
+/// is deasserted before the last data.
+class PciXTraffic final : public PciTraffic {
+public:
+    explicit PciXTraffic(const SignalTables& tables)
+        : PciTraffic(tables, "COMMAND(PCI-X)"),
+          attributeBit_(tables.decodedSignals.FindByName("ADR/ATR/DATA")->Positions().front()) {}
+
+private:
+    bool IsAddressPhase(const SampleRecord& record) const override {
+        return addressPhase_.IsHigh(record) && !record.Bit(attributeBit_);
+    }
+
+    bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const override {
+        if (!record.Bit(attributeBit_)) {
+            return false;
+        }
+        open.attributeEnables = enables_.Asserted(record) & 0xF;
+        const std::uint32_t count =
+            (enables_.Value(record) & 0xF) << 8 | Field(record, ad_.DataIndex(), 8);
+        open.bytesAnnounced = count == 0 ? fullByteCount : count;
+        return true;
+    }
+
+    PciAnswer AnswerOf(const PciClock& clock, const PciTransaction& open) const override {
+        if (clock.devsel || !open.claimed) {
+            return PciTraffic::AnswerOf(clock, open);
+        }
+        if (clock.stop) {
+            return clock.trdy ? PciAnswer::LastData : PciAnswer::TargetAbort;
+        }
+        return clock.trdy ? PciAnswer::SplitResponse : PciAnswer::Over;
+    }
+
+    std::uint32_t TakeBytes(const PciClock& clock, PciTransaction& open) const override {
+        const std::uint32_t command = CommandOf(open.sum.command);
+        if (AnnouncesBytes(command)) {
+            return TakeAnnouncedBytes(static_cast<std::uint32_t>(std::popcount(Width(clock, open))),
+                                      open);
+        }
+        if (command == memoryWrite || !open.attributeEnables) {
+            return PciTraffic::TakeBytes(clock, open);
+        }
+        return static_cast<std::uint32_t>(std::popcount(*open.attributeEnables));
+    }
+
+    /// All lanes, but no more than was announced; without an attribute phase nothing was.
+    static std::uint32_t TakeAnnouncedBytes(std::uint32_t lanes, PciTransaction& open) {
+        const std::uint32_t bytes = std::min(lanes, open.bytesAnnounced.value_or(lanes));
+        if (open.bytesAnnounced) {
+            *open.bytesAnnounced -= bytes;
+        }
+        return bytes;
+    }
+
+    bool IsLast(const PciClock& /*clock*/) const override { return false; }
+
+    int attributeBit_;
+};
+
+} // namespace
+
+std::unique_ptr<BusTraffic> MakePciXTraffic(const SignalTables& tables) {
+    return std::make_unique<PciXTraffic>(tables);
+}
+
+} // namespace busquill

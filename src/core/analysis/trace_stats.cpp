@@ -1,0 +1,115 @@
+#include "analysis/trace_stats.h"
+
+#include "analysis/bus_traffic.h"
+#include "analysis/signal_lines.h"
+#include "analysis/value_labels.h"
+#include "signals/value_text.h"
+
+#include <algorithm>
+
+namespace busquill {
+
+namespace {
+
+/// The definition, if no other signal has its bit: on VME the anomaly of a pattern lies on the
+/// clock, and a sample holds the clock there.
+std::shared_ptr<const CBusSignalDef> UnsharedLine(const SignalTables& tables,
+                                                  std::string_view name) {
+    const auto def = tables.busSignals.FindByName(name);
+    const auto shares = [&](const std::shared_ptr<CBusSignalDef>& other) {
+        return other != def && other->dataIndex <= def->dataIndex &&
+               def->dataIndex < other->dataIndex + other->Width();
+    };
+    const auto& defs = tables.busSignals.Defs();
+    return def && std::none_of(defs.begin(), defs.end(), shares) ? def : nullptr;
+}
+
+/// The time since the sample before, in nanoseconds.
+std::int64_t TimeOf(const SampleRecord& record, const CBusSignalDef& field) {
+    const std::uint32_t bits = Field(record, field.dataIndex, field.Width());
+    const std::array<std::uint8_t, 4> bytes = {
+        static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
+        static_cast<std::uint8_t>(bits >> 16), static_cast<std::uint8_t>(bits >> 24)};
+    return TimeField(bytes, static_cast<unsigned>(field.Width()));
+}
+
+} // namespace
+
+TraceStats::TraceStats(const BoardTraits& board, const SignalTables& tables)
+    : timeField_(tables.busSignals.FindByName("TIME")),
+      ruleCheck_(tables.busSignals.FindByName("RULE CHECK")),
+      anomaly_(UnsharedLine(tables, "ANOMALY")),
+      ruleLabels_(tables.decodedSignals.FindByName("RULE CHECK")),
+      traffic_(MakeBusTraffic(board, tables)) {}
+
+TraceStats::~TraceStats() = default;
+TraceStats::TraceStats(TraceStats&&) noexcept = default;
+TraceStats& TraceStats::operator=(TraceStats&&) noexcept = default;
+
+void TraceStats::Add(std::span<const SampleRecord> records) {
+    for (const SampleRecord& record : records) {
+        AddSample(record);
+    }
+}
+
+void TraceStats::AddSample(const SampleRecord& record) {
+    // What lies before the first sample is not part of the capture.
+    const std::int64_t elapsed = samples_ == 0 || !timeField_ ? 0 : TimeOf(record, *timeField_);
+    time_ += elapsed;
+    idleTime_ += idle_ ? elapsed : 0;
+    if (traffic_) {
+        idle_ = traffic_->IsIdle(record);
+        idleSamples_ += idle_ ? 1 : 0;
+        traffic_->Take(record, elapsed);
+    }
+    if (anomaly_ && record.Bit(anomaly_->dataIndex)) {
+        ++anomalies_;
+    }
+    AddFinding(record);
+    ++samples_;
+}
+
+void TraceStats::AddFinding(const SampleRecord& record) {
+    if (!ruleCheck_) {
+        return;
+    }
+    Finding& finding = findings_[Field(record, ruleCheck_->dataIndex, ruleCheck_->Width())];
+    if (finding.count++ == 0) {
+        finding.firstSample = samples_;
+    }
+}
+
+std::vector<FindingCount> TraceStats::Findings() const {
+    std::vector<FindingCount> found;
+    // Code 0 is no finding.
+    for (std::uint32_t code = 1; code < findings_.size(); ++code) {
+        const Finding& finding = findings_[code];
+        if (finding.count == 0) {
+            continue;
+        }
+        const auto label = ruleLabels_ ? FindLabel(*ruleLabels_, code) : std::nullopt;
+        found.push_back({static_cast<std::uint8_t>(code), label ? label->text : std::string(),
+                         finding.count, finding.firstSample});
+    }
+    return found;
+}
+
+TraceSummary TraceStats::Summary() const {
+    TraceSummary summary;
+    summary.samples = samples_;
+    summary.idleSamples = idleSamples_;
+    summary.time = time_;
+    summary.idleTime = idleTime_;
+    if (traffic_) {
+        traffic_->Report(summary);
+    }
+    if (anomaly_) {
+        summary.anomalies = anomalies_;
+    }
+    if (ruleCheck_) {
+        summary.findings = Findings();
+    }
+    return summary;
+}
+
+} // namespace busquill

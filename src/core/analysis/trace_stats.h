@@ -1,0 +1,56 @@
+#pragma once
+
+#include "analysis/trace_summary.h"
+#include "link/board_identity.h"
+#include "signals/signal.h"
+#include "signals/signal_tables.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+namespace busquill {
+
+class BusTraffic;
+
+/// Adds up a capture's traffic. Samples are given in order, in pieces of any size; the result does
+/// not depend on how they are cut. A transaction that began before the first sample counts for
+/// nothing but time. Knows no thread.
+class TraceStats {
+public:
+    TraceStats(const BoardTraits& board, const SignalTables& tables);
+    ~TraceStats();
+    TraceStats(TraceStats&&) noexcept;
+    TraceStats& operator=(TraceStats&&) noexcept;
+
+    void Add(std::span<const SampleRecord> records);
+    /// Of all samples so far; more may be added afterwards.
+    [[nodiscard]] TraceSummary Summary() const;
+
+private:
+    struct Finding {
+        std::uint64_t count = 0;
+        std::uint64_t firstSample = 0;
+    };
+
+    void AddSample(const SampleRecord& record);
+    void AddFinding(const SampleRecord& record);
+    [[nodiscard]] std::vector<FindingCount> Findings() const;
+
+    std::shared_ptr<const CBusSignalDef> timeField_;
+    std::shared_ptr<const CBusSignalDef> ruleCheck_; // null: the board checks no rules
+    std::shared_ptr<const CBusSignalDef> anomaly_;   // null: samples do not tell
+    std::shared_ptr<const CDecodedSignalDef> ruleLabels_;
+    std::unique_ptr<BusTraffic> traffic_; // null: pins without a protocol
+
+    std::uint64_t samples_ = 0;
+    std::uint64_t idleSamples_ = 0;
+    std::int64_t time_ = 0;
+    std::int64_t idleTime_ = 0;
+    bool idle_ = false; // the sample before
+    std::uint64_t anomalies_ = 0;
+    std::array<Finding, 256> findings_{}; // by code
+};
+
+} // namespace busquill

@@ -1,0 +1,66 @@
+#include "analysis/strobed_traffic.h"
+#include "analysis/value_labels.h"
+#include "platform/text.h"
+
+#include <array>
+
+namespace busquill {
+
+namespace {
+
+// A command's number: the space, and the level of WR above it.
+constexpr std::uint32_t spaceMask = 0x3;
+constexpr std::uint32_t readBit = 0x4;
+
+class VsbTraffic final : public StrobedTraffic {
+public:
+    explicit VsbTraffic(const SignalTables& tables)
+        : StrobedTraffic(tables, {"PAS", "DS", "ACK", "ERR"}), space_(tables, "SPACE"),
+          size_(tables, "SIZE"), write_(tables, "WR"),
+          commands_(tables.decodedSignals.FindByName("COMMAND")) {}
+
+    void Report(TraceSummary& summary) const override {
+        StrobedTraffic::Report(summary);
+        summary.busErrors = busErrors_;
+    }
+
+private:
+    std::uint32_t CommandAt(const SampleRecord& record) const override {
+        return space_.Value(record) | (write_.IsAsserted(record) ? 0 : readBit);
+    }
+    std::uint32_t CommandAtStrobe(std::uint32_t command,
+                                  const SampleRecord& /*record*/) const override {
+        return command;
+    }
+    bool FirstStrobeIsAddress(std::uint32_t /*command*/) const override { return false; }
+    bool CarriesData(std::uint32_t /*command*/) const override { return true; }
+
+    std::uint32_t BytesOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
+        constexpr std::array<std::uint32_t, 4> bytes = {4, 1, 2, 3};
+        return bytes[size_.Value(record)];
+    }
+
+    void TakeError(const SampleRecord& /*record*/) override { ++busErrors_; }
+
+    CommandName NameOf(std::uint32_t command) const override {
+        if (const auto label = FindLabel(*commands_, command)) {
+            return {label->row, label->text};
+        }
+        const bool read = (command & readBit) != 0;
+        return {commands_->values.size() + command,
+                Printf("SPACE %X %s", command & spaceMask, read ? "Rd" : "Wr")};
+    }
+
+    SignalLine space_, size_, write_;
+    std::shared_ptr<const CDecodedSignalDef> commands_;
+
+    std::uint64_t busErrors_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<BusTraffic> MakeVsbTraffic(const SignalTables& tables) {
+    return std::make_unique<VsbTraffic>(tables);
+}
+
+} // namespace busquill

@@ -1,0 +1,122 @@
+#pragma once
+
+#include "analysis/trace_stats.h"
+#include "support/board_tables.h"
+
+#include <cstdint>
+#include <ostream>
+#include <string_view>
+#include <vector>
+
+namespace busquill {
+
+// How a failed test shows them.
+inline void PrintTo(const CommandCount& count, std::ostream* out) {
+    *out << count.label << " " << count.transactions << " x, " << count.dataPhases << " phases, "
+         << count.bytes << " bytes";
+}
+inline void PrintTo(const FindingCount& finding, std::ostream* out) {
+    *out << int{finding.code} << " \"" << finding.label << "\" " << finding.count << " x from "
+         << finding.firstSample;
+}
+inline void PrintTo(const WaitStates& waits, std::ostream* out) {
+    *out << waits.initiator << " by the initiator, " << waits.target << " by the target";
+}
+inline void PrintTo(const AcknowledgeTime& time, std::ostream* out) {
+    *out << time.total << " ns in " << time.transfers << " transfers";
+}
+
+} // namespace busquill
+
+namespace busquill::test {
+
+/// A capture drawn as waves, a character a sample: `Waves(bus).Line("AS", "~~___~~")`. Lines that
+/// are not drawn are high, what marks a sample (address phase, anomaly, finding) is 0; each sample
+/// comes 10 ns after the one before it.
+class Waves {
+public:
+    explicit Waves(const BoardTables& bus) : bus_(bus) {}
+
+    /// One line; `bit` picks one of a group.
+    Waves& Line(std::string_view name, std::string_view wave, int bit = 0) {
+        Lengthen(wave.size());
+        for (std::size_t i = 0; i < wave.size(); ++i) {
+            SetBit(records_[i], First(name) + bit, wave[i] == '~');
+        }
+        return *this;
+    }
+    /// A group's value in all samples so far.
+    Waves& Set(std::string_view name, std::uint32_t value) {
+        for (std::size_t i = 0; i < records_.size(); ++i) {
+            At(i, name, value);
+        }
+        return *this;
+    }
+    /// A group's value in one sample.
+    Waves& At(std::size_t sample, std::string_view name, std::uint32_t value) {
+        const auto def = bus_.tables.busSignals.FindByName(name);
+        for (int bit = 0; bit < def->Width(); ++bit) {
+            SetBit(records_.at(sample), def->dataIndex + bit,
+                   bit < 32 && ((value >> bit) & 1) != 0);
+        }
+        return *this;
+    }
+
+    [[nodiscard]] const std::vector<SampleRecord>& Records() const noexcept { return records_; }
+    [[nodiscard]] TraceSummary Summary() const {
+        TraceStats stats(bus_.board, bus_.tables);
+        stats.Add(records_);
+        return stats.Summary();
+    }
+
+private:
+    static constexpr int timeBit = 110;
+    static constexpr std::uint32_t timeField = 10U << 2; // 10 ns
+
+    [[nodiscard]] int First(std::string_view name) const {
+        return bus_.tables.busSignals.FindByName(name)->dataIndex;
+    }
+    static void SetBit(SampleRecord& record, int n, bool value) {
+        const auto mask = static_cast<std::uint8_t>(1U << (n % 8));
+        std::uint8_t& byte = record.bytes[static_cast<std::size_t>(n) / 8];
+        byte = static_cast<std::uint8_t>(value ? byte | mask : byte & ~mask);
+    }
+    void Lengthen(std::size_t count) {
+        while (records_.size() < count) {
+            SampleRecord record;
+            record.bytes.fill(0xFF);
+            record.bytes[16] = 0; // RULE CHECK
+            for (int bit = 0; bit < 18; ++bit) {
+                SetBit(record, timeBit + bit, ((timeField >> bit) & 1) != 0);
+            }
+            if (bus_.tables.busSignals.FindByName("ADR/DATA")) {
+                SetBit(record, 94, false); // ANOMALY
+                SetBit(record, 95, false); // ADR/DATA
+            }
+            records_.push_back(record);
+        }
+    }
+
+    const BoardTables& bus_;
+    std::vector<SampleRecord> records_;
+};
+
+/// The row of a command; a row of nothing when it did not occur.
+[[nodiscard]] inline CommandCount Command(const TraceSummary& summary, std::string_view label) {
+    for (const CommandCount& command : summary.commands) {
+        if (command.label == label) {
+            return command;
+        }
+    }
+    return {};
+}
+
+[[nodiscard]] inline std::vector<std::string> Labels(const TraceSummary& summary) {
+    std::vector<std::string> labels;
+    for (const CommandCount& command : summary.commands) {
+        labels.push_back(command.label);
+    }
+    return labels;
+}
+
+} // namespace busquill::test
