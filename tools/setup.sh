@@ -1,8 +1,8 @@
 # Sourced by run, test and the CI script: installs missing Debian packages and builds a preset.
 
 build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev libusb-1.0-0-dev
-                libqt6svg6 fonts-liberation)
-test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3)
+                libarchive-dev libqt6svg6 fonts-liberation)
+test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3 sigrok-cli gtkwave)
 screenless_packages=(xvfb xauth)
 check_packages=(git clang clang-format clang-tidy libclang-rt-14-dev)
 

@@ -1,11 +1,224 @@
 #include "cli/arguments.h"
+#include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/output.h"
+#include "cli/range.h"
 #include "cli/stop.h"
+#include "export/session_file.h"
+#include "export/value_dump.h"
+#include "export/value_table.h"
+#include "platform/text.h"
+#include "platform/working_directory.h"
+#include "signals/signal_names.h"
+
+#include <algorithm>
 
 namespace busquill::cli {
 
-int RunConvert(const Arguments&) {
-    Fail("not there");
+namespace {
+
+/// What a conversion takes: samples in order, from where they are.
+class Source {
+public:
+    Source(const Arguments& arguments, TraceInput& input)
+        : input_(input), range_(RangeOf(arguments)), zoom_(arguments.Has("zoom")) {
+        if (zoom_) {
+            const TraceSurvey survey = input.Survey();
+            input.RequireZoom(survey);
+            zoomRows_ = ZoomRowsOf(survey);
+        } else {
+            input.ReadHead();
+        }
+    }
+
+    [[nodiscard]] bool IsZoom() const noexcept { return zoom_; }
+    [[nodiscard]] TraceStream& Stream() const { return input_.Stream(); }
+    /// The list whose signals are exported: the waveforms', the listing's where the file has only
+    /// that, or that of the Power Zoom.
+    [[nodiscard]] const CSignalList& List() const {
+        return zoom_                     ? Stream().zoomList
+               : Use() == ListUse::State ? Stream().stateList
+                                         : Stream().waveformList;
+    }
+    [[nodiscard]] ListUse Use() const {
+        const TraceParser& parser = Stream().Parser();
+        const bool onlyState = parser.HasStateList() && !parser.HasWaveformList();
+        return onlyState && !zoom_ ? ListUse::State : ListUse::Wave;
+    }
+
+    /// Calls `take` for each piece of the samples; true when there are any.
+    template <typename Take>
+    [[nodiscard]] bool ForEach(Take take) {
+        bool any = false;
+        if (zoom_) {
+            return TakePiece(zoomRows_, take);
+        }
+        const std::int64_t first = Stream().First();
+        Progress progress("Converting", Stream().Last() - first + 1);
+        while (const SampleRows* rows = input_.NextRows()) {
+            progress.At(rows->numbers.back() - first);
+            any = TakePiece(*rows, take) || any;
+            if (rows->numbers.back() >= range_.to) {
+                break;
+            }
+        }
+        return any;
+    }
+
+private:
+    template <typename Take>
+    bool TakePiece(const SampleRows& rows, Take take) {
+        if (range_.Has(rows.numbers.front()) && range_.Has(rows.numbers.back())) {
+            take(rows);
+            return true;
+        }
+        SampleRows inside;
+        for (std::size_t i = 0; i < rows.Size(); ++i) {
+            if (range_.Has(rows.numbers[i])) {
+                inside.Add(rows.numbers[i], rows.records[i]);
+            }
+        }
+        if (!inside.Empty()) {
+            take(inside);
+        }
+        return !inside.Empty();
+    }
+
+    TraceInput& input_;
+    const NumberRange range_;
+    const bool zoom_;
+    SampleRows zoomRows_;
+};
+
+std::string FormatOf(const Arguments& arguments) {
+    if (arguments.Has("format")) {
+        return arguments.OneOf("format", {"vcd", "csv", "sr"});
+    }
+    const std::string path = arguments.Value("output");
+    for (const char* format : {"vcd", "csv", "sr"}) {
+        if (ToLower(path).ends_with(std::string(".") + format)) {
+            return format;
+        }
+    }
+    WrongUse(Printf("what is \"%s\" to be? Its name ends in .vcd, .csv or .sr, or --format tells",
+                    path.c_str()));
+}
+
+bool ToDump(Source& source, const Bus& bus, const std::string& path) {
+    ValueDump dump(source.List(), source.Use(),
+                   {bus.Board(), source.IsZoom(), source.Stream().comment});
+    Output output(path);
+    std::string text;
+    dump.Begin(text);
+    const bool any = source.ForEach([&](const SampleRows& rows) {
+        dump.Add(rows, text);
+        output.Write(text);
+        text.clear();
+    });
+    dump.End(text);
+    output.Write(text);
+    if (!any) {
+        return false;
+    }
+    output.Close();
+    if (path != "-") {
+        const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
+        Output viewer(path.substr(0, point) + ".gtkw");
+        viewer.Write(dump.ViewerFile(FileNameOf(path)));
+        viewer.Close();
+    }
+    return true;
+}
+
+bool ToTable(Source& source, const Bus& bus, const std::string& path, bool changes) {
+    ValueTable table(source.List(), source.Use(), {bus.Board(), source.IsZoom(), changes});
+    Output output(path);
+    std::string text;
+    table.Begin(text);
+    const bool any = source.ForEach([&](const SampleRows& rows) {
+        table.Add(rows, text);
+        output.Write(text);
+        text.clear();
+    });
+    if (any) {
+        output.Close();
+    }
+    return any;
+}
+
+bool ToSession(Source& source, const Bus& bus, const std::string& path) {
+    SessionFile::Capture capture;
+    for (int bit = 0; bit < SampleRecord::bitCount; ++bit) {
+        std::string name = BitName(bus.Tables(), bit);
+        std::ranges::replace(name, ' ', '_');
+        const auto isTaken = [&](const std::string& each) {
+            return std::ranges::find(capture.channels, each) != capture.channels.end();
+        };
+        std::string unique = name;
+        for (int n = 2; isTaken(unique); ++n) {
+            unique = name + "_" + std::to_string(n);
+        }
+        capture.channels.push_back(unique);
+    }
+    const TraceSetup& setup = source.Stream().setup;
+    const auto period =
+        source.IsZoom() ? PowerZoomPeriod(setup.powerZoomClock) : ClockPeriod(setup.clock);
+    if (period) {
+        constexpr std::int64_t second = 1'000'000'000'000;
+        capture.sampleRate = static_cast<std::uint64_t>((second + *period / 2) / *period);
+    } else {
+        Say(Printf("the clock of the samples is \"%s\", that of the bus; a session file knows one "
+                   "rate only, so it shows samples, one a second, not time",
+                   std::string(ClockText(setup.clock)).c_str()));
+    }
+    Output output(path);
+    // The library between the two knows no exceptions.
+    std::optional<Stop> failure;
+    SessionFile session(capture, [&](std::string_view bytes) {
+        try {
+            output.Write(bytes);
+        } catch (const Stop& stop) {
+            failure = stop;
+        }
+        return !failure;
+    });
+    bool good = true;
+    const bool any = source.ForEach([&](const SampleRows& rows) {
+        good = good && session.Add(rows);
+    });
+    if (!any) {
+        return false;
+    }
+    if (!good || !session.End()) {
+        throw failure.value_or(Stop{ExitStatus::Failure, "the session file cannot be made"});
+    }
+    output.Close();
+    return true;
+}
+
+} // namespace
+
+int RunConvert(const Arguments& arguments) {
+    const Bus bus(arguments);
+    const std::string path = arguments.Value("output");
+    if (path.empty()) {
+        WrongUse("convert needs -o FILE");
+    }
+    const std::string format = FormatOf(arguments);
+    if (arguments.Has("changes") && format != "csv") {
+        WrongUse("--changes is for .csv; a ." + format + " holds " +
+                 (format == "vcd" ? "changes in any case" : "all samples"));
+    }
+    TraceInput input(arguments.operands[0]);
+    Source source(arguments, input);
+    const bool any = format == "vcd"   ? ToDump(source, bus, path)
+                     : format == "csv" ? ToTable(source, bus, path, arguments.Has("changes"))
+                                       : ToSession(source, bus, path);
+    if (!any) {
+        Say(Printf("there are no such samples; %s is not written", path.c_str()));
+    }
+    return any ? ExitStatus::Done : ExitStatus::NothingFound;
 }
 
 } // namespace busquill::cli

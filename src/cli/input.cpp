@@ -67,6 +67,21 @@ const SampleRows* TraceInput::NextRows() {
     return rows;
 }
 
+void TraceInput::RequireZoom(const TraceSurvey& survey) const {
+    if (!survey.hasZoom) {
+        throw Stop{ExitStatus::NothingFound, name_ + " has no Power Zoom samples"};
+    }
+}
+
+SampleRows ZoomRowsOf(const TraceSurvey& survey) {
+    SampleRows rows;
+    for (std::size_t i = 0; i < survey.zoom.size(); ++i) {
+        rows.Add(static_cast<std::int32_t>(i) - static_cast<std::int32_t>(zoomSamplesBefore),
+                 survey.zoom[i]);
+    }
+    return rows;
+}
+
 std::uint64_t TraceInput::CopyBytes(std::uint64_t from, std::uint64_t to, Output& output) {
     file_.Rewind();
     std::uint64_t at = 0;

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] const std::string& Name() const noexcept { return name_; }
     void ReadHead();
     [[nodiscard]] TraceSurvey Survey();
+    /// Ends the program where nothing is found without Power Zoom samples.
+    void RequireZoom(const TraceSurvey& survey) const;
     [[nodiscard]] const SampleRows* NextRows();
     /// Copies the file's bytes from one place to another, at most to its end; returns how many.
     /// The stream then stands nowhere: ReadHead comes next.
@@ -34,5 +36,8 @@ private:
     TextReader file_;
     TraceStream stream_;
 };
+
+/// The Power Zoom samples with their numbers.
+[[nodiscard]] SampleRows ZoomRowsOf(const TraceSurvey& survey);
 
 } // namespace busquill::cli

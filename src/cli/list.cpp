@@ -6,6 +6,7 @@
 #include "cli/output.h"
 #include "cli/range.h"
 #include "cli/stop.h"
+#include "document/csv_line.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -158,7 +159,7 @@ private:
             line_ = number;
             for (const std::string& cell : cells) {
                 line_ += ',';
-                AppendCsv(line_, cell);
+                AppendCsvCell(line_, cell);
             }
         } else {
             line_ = std::string(widths_[0] - std::min(widths_[0], number.size()), ' ') + number;
@@ -178,15 +179,6 @@ private:
     bool any_ = false;
 };
 
-SampleRows ZoomRows(const std::vector<SampleRecord>& zoom) {
-    SampleRows rows;
-    for (std::size_t i = 0; i < zoom.size(); ++i) {
-        rows.Add(static_cast<std::int32_t>(i) - static_cast<std::int32_t>(zoomSamplesBefore),
-                 zoom[i]);
-    }
-    return rows;
-}
-
 std::string FormatOf(const Arguments& arguments) {
     const std::string format = arguments.OneOf("format", {"text", "csv", "json"});
     if (arguments.Has("json") && arguments.Has("format") && format != "json") {
@@ -204,9 +196,8 @@ int RunList(const Arguments& arguments) {
     const bool zoom = arguments.Has("zoom");
     TraceInput input(arguments.operands[0]);
     const TraceSurvey survey = input.Survey();
-    if (zoom && !survey.hasZoom) {
-        Say(input.Name() + " has no Power Zoom samples");
-        return ExitStatus::NothingFound;
+    if (zoom) {
+        input.RequireZoom(survey);
     }
     TraceStream& stream = input.Stream();
     CSignalList& list = zoom ? stream.zoomList : stream.stateList;
@@ -216,7 +207,7 @@ int RunList(const Arguments& arguments) {
     TraceListing::Capture capture{
         bus.Board(),         zoom, survey.HasGaps(), survey.first, stream.TriggerNumber(),
         survey.timeToTrigger};
-    const SampleRows zoomRows = ZoomRows(survey.zoom);
+    const SampleRows zoomRows = ZoomRowsOf(survey);
     if (zoom) {
         capture.first = -static_cast<std::int64_t>(zoomSamplesBefore);
         capture.trigger = 0;

@@ -89,20 +89,4 @@ std::string JsonText(std::string_view text) {
     return quoted + '"';
 }
 
-void AppendCsv(std::string& line, std::string_view text) {
-    if (text.find_first_of(",\"\r\n") == std::string_view::npos && !text.starts_with(' ') &&
-        !text.ends_with(' ')) {
-        line += text;
-        return;
-    }
-    line += '"';
-    for (const char c : text) {
-        line += c;
-        if (c == '"') {
-            line += c;
-        }
-    }
-    line += '"';
-}
-
 } // namespace busquill::cli

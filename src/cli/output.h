@@ -49,9 +49,6 @@ private:
 /// A line for the user on standard error.
 void Say(const std::string& text);
 
-/// Text in quotes, as JSON and CSV have it.
+/// Text in quotes, as JSON has it.
 [[nodiscard]] std::string JsonText(std::string_view text);
-/// Quotes only where they are needed; quotes inside are doubled.
-void AppendCsv(std::string& line, std::string_view text);
-
 } // namespace busquill::cli

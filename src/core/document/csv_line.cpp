@@ -30,6 +30,22 @@ std::string CsvQuote(std::string_view text) {
     return std::string(1, '"').append(text).append(1, '"');
 }
 
+void AppendCsvCell(std::string& line, std::string_view text) {
+    if (text.find_first_of(",\"\r\n") == std::string_view::npos && !text.starts_with(' ') &&
+        !text.ends_with(' ')) {
+        line += text;
+        return;
+    }
+    line += '"';
+    for (const char c : text) {
+        line += c;
+        if (c == '"') {
+            line += c;
+        }
+    }
+    line += '"';
+}
+
 bool CsvSplitLine(std::string_view line, std::vector<std::string>& fields) {
     std::string token;
     bool inToken = false;

@@ -15,6 +15,10 @@ class TextReader;
 /// bare, anything else between double quotes. A double quote inside is not escaped.
 [[nodiscard]] std::string CsvQuote(std::string_view text);
 
+/// Appends a value as tables for other programs have it: in double quotes where it needs them, with
+/// those inside doubled.
+void AppendCsvCell(std::string& line, std::string_view text);
+
 /// Splits a line and appends its fields. Returns true if the line ends inside a quoted value; the
 /// caller then reads one more line and splits it into the same `fields`, whose last field goes on.
 /// Empty fields without quotes yield nothing.

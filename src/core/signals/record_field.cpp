@@ -66,6 +66,29 @@ void RecordField::Take(const SampleRecord& record, std::uint8_t* into) const noe
     }
 }
 
+std::uint64_t RecordField::Word(const SampleRecord& record) const noexcept {
+    std::uint64_t word = 0;
+    if (!isRun_) {
+        std::array<std::uint8_t, SampleRecord::bitCount / 8> bytes{};
+        if (FitsWord()) {
+            Take(record, bytes.data());
+        }
+        std::memcpy(&word, bytes.data(), sizeof word);
+        return word;
+    }
+    const auto first = static_cast<unsigned>(positions_.front());
+    const std::size_t from = first / 8;
+    const unsigned shift = first % 8;
+    const std::uint8_t* const bytes = record.bytes.data();
+    std::memcpy(&word, bytes + from, std::min(sizeof word, sizeof(SampleRecord) - from));
+    word >>= shift;
+    if (shift != 0 && from + sizeof word < sizeof(SampleRecord)) {
+        word |= std::uint64_t{bytes[from + sizeof word]} << (64 - shift);
+    }
+    const std::size_t width = positions_.size();
+    return width >= 64 ? word : word & ((std::uint64_t{1} << width) - 1);
+}
+
 SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, FindTimeGroup(list))) {}
 
 std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {

@@ -23,6 +23,9 @@ public:
     [[nodiscard]] const std::vector<int>& Positions() const noexcept { return positions_; }
     /// The value, bit 0 first, into as many bytes as it has.
     void Take(const SampleRecord& record, std::uint8_t* into) const noexcept;
+    /// The same as a number, of a value that fits.
+    [[nodiscard]] std::uint64_t Word(const SampleRecord& record) const noexcept;
+    [[nodiscard]] bool FitsWord() const noexcept { return positions_.size() <= 64; }
 
 private:
     std::vector<int> positions_;

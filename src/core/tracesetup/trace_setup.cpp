@@ -76,6 +76,18 @@ std::string_view ClockText(std::int32_t index) noexcept {
     return TextAt(clockTexts, index);
 }
 
+std::optional<std::int64_t> ClockPeriod(std::int32_t index) noexcept {
+    constexpr std::int64_t fastest = 7500; // each of the others is twice the one before
+    const std::int32_t step = index - clock133MHz;
+    return step >= 0 && index < clockCount ? std::optional(fastest << step) : std::nullopt;
+}
+
+std::optional<std::int64_t> PowerZoomPeriod(std::int32_t index) noexcept {
+    constexpr std::int64_t fastest = 1875;
+    return index >= 1 && index < powerZoomCount ? std::optional(fastest << (index - 1))
+                                                : std::nullopt;
+}
+
 std::string_view PowerZoomText(std::int32_t index) noexcept {
     return TextAt(powerZoomTexts, index);
 }

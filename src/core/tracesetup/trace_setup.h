@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -87,6 +88,9 @@ public:
 [[nodiscard]] std::string_view ClockText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view PowerZoomText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view TriggerText(std::int32_t index) noexcept;
+/// The time from sample to sample, in picoseconds; nothing where the bus gives the clock.
+[[nodiscard]] std::optional<std::int64_t> ClockPeriod(std::int32_t index) noexcept;
+[[nodiscard]] std::optional<std::int64_t> PowerZoomPeriod(std::int32_t index) noexcept;
 constexpr std::int32_t clockCount = 17;
 constexpr std::int32_t clock133MHz = 4; // which boards of the small tier do not have
 constexpr std::int32_t powerZoomCount = 9;

@@ -1,0 +1,114 @@
+#include "export/export_signals.h"
+
+#include "signals/cell_text.h"
+#include "signals/signal_list.h"
+#include "signals/value_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace busquill {
+
+namespace {
+
+/// Columns that stand for something else than bits of the sample.
+bool IsPlaceholder(const CSignal& signal) {
+    if (!signal.decoded) {
+        return !signal.grouped && signal.dataIndex < 0;
+    }
+    const DecodeKind kind = signal.decoded->decodeKind;
+    return kind == DecodeKind::Delta || kind == DecodeKind::Accum || kind == DecodeKind::Sample;
+}
+
+} // namespace
+
+std::vector<ExportSignal> ExportSignals(const CSignalList& list, ListUse use) {
+    std::vector<ExportSignal> signals;
+    for (const auto& signal : list.All()) {
+        const bool seen =
+            use == ListUse::State ? signal->VisibleWidth() > 0 : signal->VisibleHeight() > 0;
+        if (seen && !IsPlaceholder(*signal)) {
+            signals.push_back({signal.get(), signal->RowName(), RecordField(list, *signal)});
+        }
+    }
+    return signals;
+}
+
+DecodedText::DecodedText(const BoardTraits& board, const ExportSignal& signal, bool zoom)
+    : board_(board), field_(signal.field), zoom_(zoom), value_(field_.Bytes()),
+      next_(field_.Bytes()) {
+    list_.AddSignal(nullptr, signal.signal->decoded, 1, 0, 0, 0, signal.signal->radix, true);
+    const auto& values = signal.signal->decoded->values;
+    hasLabels_ = std::ranges::any_of(values, [](const auto& value) { return *value.label != 0; });
+}
+
+std::string DecodedText::Read(const SampleRecord& record) {
+    if (list_.Empty()) {
+        return {};
+    }
+    CSignal& signal = list_[0];
+    if (signal.groupWidth != 0) {
+        signal.groupData = value_; // whose bits stand in the order of the members
+    } else {
+        signal.data[0] = value_[0];
+    }
+    if (hasLabels_) {
+        list_.RebuildLabels(0, 1);
+    }
+    return CellText(board_, signal, {0, 0, &record, {}}, zoom_);
+}
+
+const std::string& DecodedText::Of(const SampleRecord& record) {
+    constexpr std::size_t mostKept = 4096;
+    field_.Take(record, next_.data());
+    const std::uint16_t surroundings = SurroundingsOf(record);
+    if (text_ != nullptr && surroundings == surroundings_ && next_ == value_) {
+        return *text_;
+    }
+    surroundings_ = surroundings;
+    value_.swap(next_);
+    std::uint64_t key = surroundings;
+    for (const std::uint8_t byte :
+         std::span(value_).first(std::min<std::size_t>(6, value_.size()))) {
+        key = key << 8 | byte;
+    }
+    if (value_.size() > 6) {
+        kept_.clear(); // too wide for a key
+    } else if (kept_.size() >= mostKept) {
+        kept_.clear();
+    }
+    const auto [found, isNew] = kept_.try_emplace(key);
+    if (isNew) {
+        found->second = Read(record);
+    }
+    text_ = &found->second;
+    return *text_;
+}
+
+bool DecodedText::Shows(const SampleRecord& record) {
+    shown_.resize(std::size_t{1} << 16);
+    Shown& shown = shown_[SurroundingsOf(record)];
+    if (shown == Shown::Unknown) {
+        shown = Of(record).empty() ? Shown::No : Shown::Yes;
+    }
+    return shown == Shown::Yes;
+}
+
+std::size_t DecodedText::Longest() const {
+    constexpr std::size_t longestTime = 10; // "999.99us" and the like, with room
+    if (list_.Empty()) {
+        return 1;
+    }
+    const CSignal& signal = list_[0];
+    std::size_t longest =
+        std::max<std::size_t>(1, DigitsFor(static_cast<unsigned>(field_.Width()), signal.radix));
+    if (signal.decoded->decodeKind == DecodeKind::Time) {
+        longest = longestTime;
+    }
+    for (const CDecodedValue& value : signal.decoded->values) {
+        longest = std::max(longest, std::strlen(value.label));
+    }
+    return longest;
+}
+
+} // namespace busquill

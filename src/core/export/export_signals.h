@@ -1,0 +1,78 @@
+#pragma once
+
+#include "link/board_identity.h"
+#include "signals/record_field.h"
+#include "signals/signal_list.h"
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace busquill {
+
+/// Which rows of a list are seen: those of a listing by their width, waves by their height.
+enum class ListUse { State, Wave };
+
+/// A signal that is exported: a bit, a bus, or a decoded value.
+struct ExportSignal {
+    const CSignal* signal = nullptr;
+    std::string name;
+    RecordField field{std::vector<int>()};
+
+    [[nodiscard]] bool IsDecoded() const noexcept { return signal->decoded != nullptr; }
+};
+
+/// The signals of a list that are seen and stand for bits, in their order.
+[[nodiscard]] std::vector<ExportSignal> ExportSignals(const CSignalList& list, ListUse use);
+
+/// What a decoded signal reads for a sample, as the listing has it. Texts are kept while the value
+/// and what stands around it come again, which they mostly do.
+class DecodedText {
+public:
+    DecodedText(const BoardTraits& board, const ExportSignal& signal, bool zoom);
+
+    [[nodiscard]] const std::string& Of(const SampleRecord& record);
+    /// Whether a value without labels shows at all in this phase of the bus.
+    [[nodiscard]] bool Shows(const SampleRecord& record);
+    /// Characters of the longest text that there can be.
+    [[nodiscard]] std::size_t Longest() const;
+
+private:
+    [[nodiscard]] std::string Read(const SampleRecord& record);
+
+    BoardTraits board_;
+    RecordField field_;
+    bool zoom_;
+    CSignalList list_; // the signal alone, with one sample
+    std::vector<std::uint8_t> value_;
+    std::vector<std::uint8_t> next_;
+    std::uint16_t surroundings_ = 0;
+    bool hasLabels_ = false;
+    enum class Shown : std::uint8_t { Unknown, No, Yes };
+    std::vector<Shown> shown_; // by what stands around the value
+    std::unordered_map<std::uint64_t, std::string> kept_;
+    const std::string* text_ = nullptr; // of the sample before
+};
+
+/// The time of each sample: the running sum of TIME, from 0 for the first on, so that gaps between
+/// samples stay true. Nanoseconds, or picoseconds for Power Zoom samples.
+class RunningTime {
+public:
+    explicit RunningTime(const CSignalList& list) : time_(list) {}
+
+    /// Whether the list tells the time; without it each sample takes one unit.
+    [[nodiscard]] bool Known() const noexcept { return time_.Known(); }
+    [[nodiscard]] std::int64_t Next(const SampleRecord& record) noexcept {
+        now_ = begun_ ? now_ + (time_.Known() ? time_.Of(record) : 1) : 0;
+        begun_ = true;
+        return now_;
+    }
+
+private:
+    SampleTime time_;
+    bool begun_ = false;
+    std::int64_t now_ = 0;
+};
+
+} // namespace busquill

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "capture/sample_rows.h"
+#include "export/export_signals.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace busquill {
+
+/// A capture as a value change dump, which viewers of waveforms read. Buses are vectors, the
+/// trigger is a signal of one bit, and each decoded signal has beside its bits a text, as a vector
+/// of characters.
+class ValueDump {
+public:
+    struct Capture {
+        BoardTraits board;
+        bool zoom = false;
+        std::string description;
+    };
+
+    /// The list must outlive the dump.
+    ValueDump(const CSignalList& list, ListUse use, Capture capture);
+
+    /// Each appends to a text: what stands before the values, the values of the next samples, and
+    /// what ends them.
+    void Begin(std::string& out) const;
+    void Add(const SampleRows& rows, std::string& out);
+    void End(std::string& out) const;
+
+    /// For the viewer: which signals to show, in the order, the radix and the colours of the list.
+    [[nodiscard]] std::string ViewerFile(std::string_view dumpName) const;
+
+private:
+    /// What stands in the dump under one identifier.
+    struct Item {
+        std::string name;
+        std::string range; // "[31:0]", empty for a single bit
+        std::string id;
+        std::size_t width = 1;
+        std::string last; // the bits that were written last; empty at first
+    };
+    struct Value {
+        ExportSignal signal;
+        Item item;
+        std::optional<Item> textItem;
+        std::optional<DecodedText> text;
+    };
+
+    [[nodiscard]] Item NewItem(const std::string& name, std::size_t width, bool isVector);
+    static void Declare(const Item& item, std::string& out);
+    static void Change(Item& item, const std::string& bits, std::string& out);
+    void Changes(const SampleRecord& record, bool isTrigger, std::string& out);
+
+    const CSignalList& list_;
+    Capture capture_;
+    std::vector<std::string> names_; // that are taken
+    std::vector<Value> values_;
+    Item trigger_;
+    RunningTime time_;
+    std::int64_t now_ = -1;
+    bool nowWritten_ = false;
+    std::optional<std::int64_t> triggerTime_;
+    std::string bits_;
+    std::string changes_;
+    std::vector<std::uint8_t> bytes_;
+};
+
+} // namespace busquill

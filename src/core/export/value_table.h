@@ -1,0 +1,52 @@
+#pragma once
+
+#include "capture/sample_rows.h"
+#include "export/export_signals.h"
+
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+/// A capture as comma separated values: a row for each sample, or for each change, with its number,
+/// its time in nanoseconds and the signals, for programs to read.
+class ValueTable {
+public:
+    struct Capture {
+        BoardTraits board;
+        bool zoom = false;
+        bool changesOnly = false;
+    };
+
+    /// The list must outlive the table.
+    ValueTable(const CSignalList& list, ListUse use, const Capture& capture);
+
+    /// Each appends to a text.
+    void Begin(std::string& out) const;
+    void Add(const SampleRows& rows, std::string& out);
+
+private:
+    struct Column {
+        ExportSignal signal;
+        std::vector<DecodedText> text; // one for a decoded value, else none
+        bool isLabel = false;          // the text is what is written, else the value while it shows
+        bool isTime = false;
+        // Of the sample before:
+        std::vector<std::uint8_t> value;
+        std::uint64_t word = 0;
+        std::string label;
+        bool empty = false;
+        std::string cell; // with its comma
+    };
+
+    [[nodiscard]] bool Update(Column& column, const SampleRecord& record);
+    void AppendValue(Column& column) const;
+
+    Capture capture_;
+    std::vector<Column> columns_;
+    RunningTime time_;
+    bool any_ = false;
+    std::vector<std::uint8_t> next_;
+};
+
+} // namespace busquill
