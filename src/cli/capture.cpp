@@ -1,11 +1,285 @@
+#include "capture/search_condition.h"
+#include "capture/trace_run.h"
+#include "capture/trace_writer.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/interrupt.h"
+#include "cli/output.h"
+#include "cli/session.h"
 #include "cli/stop.h"
+#include "cli/temporary_file.h"
+#include "platform/text.h"
+#include "platform/working_directory.h"
+#include "tracesetup/setup_file.h"
+
+#include <bit>
+#include <ctime>
 
 namespace busquill::cli {
 
-int RunCapture(const Arguments&) {
-    Fail("not there");
+namespace {
+
+using std::chrono::milliseconds;
+using Time = std::chrono::steady_clock;
+
+constexpr milliseconds lookEvery(50);
+
+/// Why a run ended.
+enum class RunEnd { ByItself, Timeout, Interrupt };
+
+/// What the user has asked for.
+struct Wish {
+    std::string path;
+    std::int64_t runs = 1; // 0: without end
+    std::optional<Time::time_point> deadline;
+};
+
+Wish WishOf(const Arguments& arguments) {
+    Wish wish;
+    wish.path = arguments.Value("output");
+    if (wish.path.empty() || !arguments.Has("setup")) {
+        WrongUse("capture needs --setup FILE.tsp and -o OUT.tra");
+    }
+    wish.runs = arguments.Number("repeat").value_or(1);
+    if (wish.runs < 0) {
+        WrongUse("--repeat is a number of runs, or 0 for runs without end");
+    }
+    if (arguments.Has("repeat") && wish.path == "-") {
+        WrongUse("repeated runs make several files; -o names them");
+    }
+    if (const auto seconds = arguments.Number("timeout")) {
+        constexpr std::int64_t longest = std::int64_t{366} * 24 * 3600;
+        if (*seconds < 1 || *seconds > longest) {
+            WrongUse("--timeout is a number of seconds from 1 up");
+        }
+        wish.deadline = Time::now() + std::chrono::seconds(*seconds);
+    }
+    return wish;
+}
+
+/// One run of the board after the other, into the session's document.
+class Runner {
+public:
+    Runner(Session& session, const Wish& wish) : session_(session), wish_(wish) {}
+
+    void LoadSetup(const std::string& path) {
+        if (!LoadSetupFile(session_.Document().setup, path, session_.Prompts())) {
+            session_.TellMessages();
+            Fail(path + " is not used");
+        }
+    }
+
+    /// Starts the board, follows it to its end and fetches what it has.
+    RunEnd Run() {
+        CTesselDoc& document = session_.Document();
+        {
+            const NoInterruptsForThreads quiet; // the run has a thread of its own
+            StartRun(session_.Link(), document, "", session_.Prompts());
+        }
+        if (session_.TellMessages()) {
+            StopRun(document);
+            Fail("the board has not taken the setup");
+        }
+        RunEnd end = RunEnd::ByItself;
+        triggered_ = false;
+        while (true) {
+            const RunState state = FollowRun(session_.Link(), document);
+            triggered_ = triggered_ || state.triggered;
+            if (state.indicator != RunIndicator::Running) {
+                break;
+            }
+            if (const RunEnd asked = EndAsked(); asked != RunEnd::ByItself) {
+                end = asked;
+                StopRun(document);
+                break;
+            }
+            session_.Wait(lookEvery);
+        }
+        if (session_.Link().CommLost()) {
+            session_.TellMessages();
+            Fail("the board does not answer any more; nothing has been fetched");
+        }
+        return Upload() ? end : RunEnd::Interrupt;
+    }
+
+    /// Whether the board has seen its trigger in the last run.
+    [[nodiscard]] bool Triggered() const noexcept { return triggered_; }
+
+    /// Writes what has come. Samples that have not are left out.
+    void Save(const std::string& path) {
+        CTesselDoc& document = session_.Document();
+        TraceFileWriter writer(document);
+        if (!writer.Begin(path, -writer.Before(), writer.After())) {
+            Fail(Printf("Error creating file %s.", path.c_str()));
+        }
+        constexpr std::size_t rowsAtOnce = 1 << 16;
+        while (true) {
+            switch (writer.Write(rowsAtOnce)) {
+            case TraceFileWriter::Step::Done:
+                return;
+            case TraceFileWriter::Step::Failed:
+                Fail(Printf("Error writing file %s.", path.c_str()));
+            case TraceFileWriter::Step::Missing:
+                writer.Skip();
+                break;
+            case TraceFileWriter::Step::More:
+                break;
+            case TraceFileWriter::Step::Waiting:
+                session_.Wait(lookEvery);
+                break;
+            }
+        }
+    }
+
+private:
+    [[nodiscard]] RunEnd EndAsked() const {
+        if (Interrupted()) {
+            return RunEnd::Interrupt;
+        }
+        return wish_.deadline && Time::now() >= *wish_.deadline ? RunEnd::Timeout
+                                                                : RunEnd::ByItself;
+    }
+
+    /// False when it was interrupted.
+    bool Upload() {
+        CTesselDoc& document = session_.Document();
+        const std::int64_t samples = document.SampleCount(false);
+        Progress progress("Fetching samples", samples);
+        while (FollowRun(session_.Link(), document).indicator == RunIndicator::Uploading) {
+            if (Interrupted()) {
+                session_.Store().CancelUpload();
+                session_.TellMessages();
+                return false;
+            }
+            std::int64_t come = 0;
+            for (std::int64_t at = 0; at < document.SampleCount(false); at += blockSamples) {
+                come += document.IsValidSample(at, false) ? std::int64_t{blockSamples} : 0;
+            }
+            progress.At(std::min(come, document.SampleCount(false)));
+            session_.Wait(lookEvery);
+        }
+        session_.TellMessages();
+        return true;
+    }
+
+    Session& session_;
+    const Wish& wish_;
+    bool triggered_ = false;
+};
+
+/// "OUT-0001-20261122T031500.tra".
+std::string NumberedPath(const std::string& path, std::int64_t run) {
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::array<char, 32> stamp{};
+    std::strftime(stamp.data(), stamp.size(), "%Y%m%dT%H%M%S", &local);
+    const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
+    return Printf("%s-%04lld-%s%s", path.substr(0, point).c_str(), static_cast<long long>(run),
+                  stamp.data(), path.substr(point).c_str());
+}
+
+/// The first sample that matches, by its number.
+std::optional<std::int64_t> FindIn(CTesselDoc& document, const SearchCondition& condition) {
+    constexpr std::size_t block = RecordPattern::blockSize;
+    std::array<SampleRecord, block> records;
+    const std::int64_t samples = document.SampleCount(false);
+    for (std::int64_t first = 0; first < samples; first += block) {
+        const std::size_t come =
+            document.GetStore().CopySamples(static_cast<std::uint32_t>(first), records);
+        if (const std::uint32_t matches = condition.MatchesOf(std::span(records).first(come))) {
+            return document.FirstSampleNumber(false) + first + std::countr_zero(matches);
+        }
+    }
+    return std::nullopt;
+}
+
+std::int64_t CountHeld(CTesselDoc& document) {
+    std::int64_t held = 0;
+    for (std::int64_t at = 0; at < document.SampleCount(false); ++at) {
+        held += document.IsValidSample(at, false) ? 1 : 0;
+    }
+    return held;
+}
+
+void SaveTo(Runner& runner, const std::string& path) {
+    if (path != "-") {
+        runner.Save(path);
+        return;
+    }
+    const TemporaryFile copy(".tra");
+    runner.Save(copy.Path());
+    TextReader file = copy.Open();
+    Output output("-");
+    for (std::string_view bytes = file.AtHand(); !bytes.empty(); bytes = file.AtHand()) {
+        output.Write(bytes);
+        file.Skip(bytes.size());
+    }
+    output.Close();
+}
+
+/// Says what a run has brought; whether there is anything.
+bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t held) {
+    if (end == RunEnd::Timeout) {
+        Say(runner.Triggered() ? "the time is over" : "the time is over, and there was no trigger");
+    }
+    if (held == 0) {
+        Say("no samples have come");
+    } else if (held < document.SampleCount(false)) {
+        Say(Printf("%lld of %lld samples have come", static_cast<long long>(held),
+                   static_cast<long long>(document.SampleCount(false))));
+    }
+    return held != 0;
+}
+
+} // namespace
+
+int RunCapture(const Arguments& arguments) {
+    const Wish wish = WishOf(arguments);
+    std::unique_ptr<Session> session;
+    {
+        const NoInterruptsForThreads quiet;
+        session = std::make_unique<Session>(arguments);
+    }
+    SearchCondition condition;
+    for (const std::string& text : arguments.All("stop-if-found")) {
+        if (const std::string wrong = condition.Add(text, session->Tables(), {}); !wrong.empty()) {
+            WrongUse(wrong);
+        }
+    }
+    Runner runner(*session, wish);
+    runner.LoadSetup(arguments.Value("setup"));
+    CTesselDoc& document = session->Document();
+    bool complete = true;
+    bool any = false;
+    for (std::int64_t run = 1; wish.runs == 0 || run <= wish.runs; ++run) {
+        const RunEnd end = runner.Run();
+        const std::int64_t held = CountHeld(document);
+        if (Report(document, runner, end, held)) {
+            any = true;
+            const std::string path =
+                arguments.Has("repeat") ? NumberedPath(wish.path, run) : wish.path;
+            SaveTo(runner, path);
+            Say(Printf("%s: %lld samples", path == "-" ? "standard output" : path.c_str(),
+                       static_cast<long long>(held)));
+            complete =
+                complete && (end == RunEnd::Interrupt || held == document.SampleCount(false));
+            if (const auto found = condition.Empty() ? std::nullopt : FindIn(document, condition)) {
+                Say(Printf("found at sample %lld", static_cast<long long>(*found)));
+                return ExitStatus::Done;
+            }
+        }
+        if (end == RunEnd::Timeout && !runner.Triggered()) {
+            return ExitStatus::NothingFound;
+        }
+        if (end != RunEnd::ByItself || (wish.deadline && Time::now() >= *wish.deadline)) {
+            break;
+        }
+    }
+    if (!complete) {
+        return ExitStatus::Failure;
+    }
+    return any && condition.Empty() ? ExitStatus::Done : ExitStatus::NothingFound;
 }
 
 } // namespace busquill::cli

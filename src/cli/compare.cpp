@@ -1,11 +1,238 @@
+#include "analysis/compared_signals.h"
 #include "cli/arguments.h"
+#include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/names.h"
+#include "cli/output.h"
 #include "cli/stop.h"
+#include "platform/text.h"
+#include "signals/signal_names.h"
+
+#include <algorithm>
+#include <map>
 
 namespace busquill::cli {
 
-int RunCompare(const Arguments&) {
-    Fail("not there");
+namespace {
+
+/// The samples of a capture, one after the other.
+class Walk {
+public:
+    Walk(TraceInput& input, bool byPlace) : input_(input), byPlace_(byPlace) {
+        input.ReadHead();
+        Load();
+    }
+
+    [[nodiscard]] bool AtEnd() const noexcept { return rows_ == nullptr; }
+    /// By which samples of two captures belong together.
+    [[nodiscard]] std::int64_t Key() const {
+        return Number() - (byPlace_ ? input_.Stream().First() : 0);
+    }
+    [[nodiscard]] std::int64_t Number() const { return rows_->numbers[row_]; }
+    [[nodiscard]] const SampleRecord& Record() const { return rows_->records[row_]; }
+    void Next() {
+        if (++row_ == rows_->Size()) {
+            Load();
+        }
+    }
+
+private:
+    void Load() {
+        rows_ = input_.NextRows();
+        row_ = 0;
+    }
+
+    TraceInput& input_;
+    const bool byPlace_;
+    const SampleRows* rows_ = nullptr;
+    std::size_t row_ = 0;
+};
+
+/// Samples that belong together; null for one that a capture lacks.
+struct Pair {
+    std::int64_t number = 0;
+    const SampleRecord* a = nullptr;
+    const SampleRecord* b = nullptr;
+};
+
+/// Calls `take` for each pair, in order.
+template <typename Take>
+void ForEachPair(TraceInput& inputA, TraceInput& inputB, bool byPlace, Take take) {
+    Walk a(inputA, byPlace);
+    Walk b(inputB, byPlace);
+    while (!a.AtEnd() || !b.AtEnd()) {
+        const bool hasA = !a.AtEnd() && (b.AtEnd() || a.Key() <= b.Key());
+        const bool hasB = !b.AtEnd() && (a.AtEnd() || b.Key() <= a.Key());
+        take(Pair{hasA ? a.Number() : b.Number(), hasA ? &a.Record() : nullptr,
+                  hasB ? &b.Record() : nullptr});
+        if (hasA) {
+            a.Next();
+        }
+        if (hasB) {
+            b.Next();
+        }
+    }
+}
+
+struct Summary {
+    std::int64_t samples = 0; // pairs, those that lack one included
+    std::int64_t differing = 0;
+    std::int64_t onlyA = 0;
+    std::int64_t onlyB = 0;
+    std::optional<std::int64_t> first;
+    std::map<std::size_t, std::int64_t> signals; // how often each differs
+};
+
+/// One line of the table of differences.
+struct Difference {
+    std::int64_t number;
+    std::string signal;
+    std::string a;
+    std::string b;
+};
+
+class Comparison {
+public:
+    Comparison(const Arguments& arguments, const Bus& bus)
+        : signals_(bus.Tables()),
+          byPlace_(arguments.OneOf("align", {"trigger", "start"}) == "start"),
+          a_(arguments.operands[0]), b_(arguments.operands[1]) {
+        if (arguments.operands[0] == "-" && arguments.operands[1] == "-") {
+            WrongUse("only one of the captures can be standard input");
+        }
+        for (const std::string& name : SplitNames(arguments.All("ignore"))) {
+            const auto signal = FindSignal(name, bus.Tables(), {});
+            if (!signal) {
+                WrongUse(UnknownSignal(name, bus.Tables()));
+            }
+            signals_.Ignore(signal->positions);
+        }
+    }
+
+    [[nodiscard]] Summary Sum() {
+        Summary summary;
+        std::vector<std::size_t> places;
+        ForEachPair(a_, b_, byPlace_, [&](const Pair& pair) {
+            ++summary.samples;
+            if (!IsDifferent(pair)) {
+                return;
+            }
+            ++summary.differing;
+            summary.first = summary.first.value_or(pair.number);
+            if (pair.a == nullptr || pair.b == nullptr) {
+                ++(pair.a != nullptr ? summary.onlyA : summary.onlyB);
+                return;
+            }
+            signals_.Differing(*pair.a, *pair.b, places);
+            for (const std::size_t place : places) {
+                ++summary.signals[place];
+            }
+        });
+        return summary;
+    }
+
+    template <typename Take>
+    void ForEachDifference(Take take) {
+        std::vector<std::size_t> places;
+        ForEachPair(a_, b_, byPlace_, [&](const Pair& pair) {
+            if (!IsDifferent(pair)) {
+                return;
+            }
+            if (pair.a == nullptr || pair.b == nullptr) {
+                const bool inA = pair.a != nullptr;
+                take(Difference{pair.number, "(sample)", inA ? "there" : "missing",
+                                inA ? "missing" : "there"});
+                return;
+            }
+            signals_.Differing(*pair.a, *pair.b, places);
+            for (const std::size_t place : places) {
+                take(Difference{pair.number, Name(place), signals_.Text(place, *pair.a),
+                                signals_.Text(place, *pair.b)});
+            }
+        });
+    }
+
+    [[nodiscard]] const std::string& Name(std::size_t place) const {
+        return signals_.All()[place].name;
+    }
+
+private:
+    [[nodiscard]] bool IsDifferent(const Pair& pair) const {
+        return pair.a == nullptr || pair.b == nullptr || signals_.Differ(*pair.a, *pair.b);
+    }
+
+    ComparedSignals signals_;
+    const bool byPlace_;
+    TraceInput a_;
+    TraceInput b_;
+};
+
+long long Long(std::int64_t number) {
+    return number;
+}
+
+void WriteText(Comparison& comparison, const Summary& summary, Output& output) {
+    if (!summary.first) {
+        output.Write(Printf("No difference in %lld samples.\n", Long(summary.samples)));
+        return;
+    }
+    output.Write(Printf("First difference:  sample %lld\nDiffering samples: %lld of %lld\n",
+                        Long(*summary.first), Long(summary.differing), Long(summary.samples)));
+    if (summary.onlyA + summary.onlyB > 0) {
+        output.Write(Printf("Only in A:         %lld\nOnly in B:         %lld\n",
+                            Long(summary.onlyA), Long(summary.onlyB)));
+    }
+    std::string names;
+    for (const auto& [place, count] : summary.signals) {
+        names += Printf("%s%s (%lld)", names.empty() ? "" : ", ", comparison.Name(place).c_str(),
+                        Long(count));
+    }
+    output.Write("Differing signals: " + (names.empty() ? "none" : names) + "\n\n");
+    output.Write(Printf("%10s  %-16s %-18s %s\n", "SAMPLE", "SIGNAL", "A", "B"));
+    comparison.ForEachDifference([&](const Difference& each) {
+        output.Write(Printf("%10lld  %-16s %-18s %s\n", Long(each.number), each.signal.c_str(),
+                            each.a.c_str(), each.b.c_str()));
+    });
+}
+
+void WriteJson(Comparison& comparison, const Summary& summary, Output& output) {
+    output.Write(Printf("{\"same\": %s, \"first\": %s, \"samples\": %lld, \"differing\": %lld, "
+                        "\"onlyInA\": %lld, \"onlyInB\": %lld,\n\"signals\": [",
+                        summary.first ? "false" : "true",
+                        summary.first ? std::to_string(*summary.first).c_str() : "null",
+                        Long(summary.samples), Long(summary.differing), Long(summary.onlyA),
+                        Long(summary.onlyB)));
+    const char* before = "";
+    for (const auto& [place, count] : summary.signals) {
+        output.Write(Printf("%s{\"name\": %s, \"count\": %lld}", before,
+                            JsonText(comparison.Name(place)).c_str(), Long(count)));
+        before = ", ";
+    }
+    output.Write("],\n\"rows\": [");
+    before = "\n";
+    if (summary.first) {
+        comparison.ForEachDifference([&](const Difference& each) {
+            output.Write(Printf("%s{\"sample\": %lld, \"signal\": %s, \"a\": %s, \"b\": %s}",
+                                before, Long(each.number), JsonText(each.signal).c_str(),
+                                JsonText(each.a).c_str(), JsonText(each.b).c_str()));
+            before = ",\n";
+        });
+    }
+    output.Write("]}\n");
+}
+
+} // namespace
+
+int RunCompare(const Arguments& arguments) {
+    const Bus bus(arguments);
+    Comparison comparison(arguments, bus);
+    const Summary summary = comparison.Sum();
+    Output output(arguments.Value("output"));
+    arguments.Has("json") ? WriteJson(comparison, summary, output)
+                          : WriteText(comparison, summary, output);
+    output.Close();
+    return summary.first ? ExitStatus::NothingFound : ExitStatus::Done;
 }
 
 } // namespace busquill::cli

@@ -184,9 +184,8 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         return !failure;
     });
     bool good = true;
-    const bool any = source.ForEach([&](const SampleRows& rows) {
-        good = good && session.Add(rows);
-    });
+    const bool any =
+        source.ForEach([&](const SampleRows& rows) { good = good && session.Add(rows); });
     if (!any) {
         return false;
     }

@@ -1,6 +1,7 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/facts.h"
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/words.h"
@@ -9,24 +10,6 @@
 namespace busquill::cli {
 
 namespace {
-
-/// What is told of a file: a name for people, one for programs, and what it is. Several texts are
-/// lines below one another.
-struct Fact {
-    const char* title;
-    const char* key;
-    std::vector<std::string> texts;
-    bool isNumber = false;
-    bool isList = false;
-};
-
-Fact Text(const char* title, const char* key, const std::string& text) {
-    return {title, key, {text}};
-}
-
-Fact Number(const char* title, const char* key, std::int64_t number) {
-    return {title, key, {std::to_string(number)}, true};
-}
 
 std::string ListWords(const TraceStream& stream) {
     const auto words = [](const char* name, const CSignalList& list, bool has) {
@@ -49,59 +32,31 @@ std::string ListWords(const TraceStream& stream) {
 std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     const TraceSurvey survey = input.Survey();
     const TraceStream& stream = input.Stream();
-    std::vector<Fact> facts = {Text("File", "file", input.Name()),
-                               Text("Type", "type", stream.Parser().FileType()),
-                               Text("Version", "version", stream.Parser().Version()),
-                               Text("Description", "description", stream.comment),
-                               Text("Setup", "setup", stream.setup.name)};
-    Fact words{"Program", "program", SetupWords(stream.setup, bus.Board())};
-    words.isList = true;
-    facts.push_back(words);
-    facts.push_back(Number("Samples", "samples", survey.rows));
+    std::vector<Fact> facts = {TextFact("File", "file", input.Name()),
+                               TextFact("Type", "type", stream.Parser().FileType()),
+                               TextFact("Version", "version", stream.Parser().Version()),
+                               TextFact("Description", "description", stream.comment),
+                               TextFact("Setup", "setup", stream.setup.name)};
+    facts.push_back(ListFact("Program", "program", SetupWords(stream.setup, bus.Board())));
+    facts.push_back(NumberFact("Samples", "samples", survey.rows));
     if (survey.hasSamples) {
-        facts.push_back(Number("First sample", "first", survey.first));
-        facts.push_back(Number("Last sample", "last", survey.last));
+        facts.push_back(NumberFact("First sample", "first", survey.first));
+        facts.push_back(NumberFact("Last sample", "last", survey.last));
         const bool held = survey.first <= 0 && survey.last >= 0;
-        facts.push_back(Text(
+        facts.push_back(TextFact(
             "Trigger", "trigger",
             held ? Printf("sample 0, %lld samples before it", static_cast<long long>(-survey.first))
                  : "not among the samples"));
         if (survey.HasGaps()) {
-            facts.push_back(
-                Number("Left out", "leftOut",
-                       std::max<std::int64_t>(0, survey.last - survey.first + 1) - survey.rows));
+            facts.push_back(NumberFact("Left out", "leftOut",
+                                       std::max<std::int64_t>(0, survey.last - survey.first + 1) -
+                                           survey.rows));
         }
     }
-    facts.push_back(Text("Lists", "lists", ListWords(stream)));
-    facts.push_back(Text("Power Zoom", "powerZoom",
-                         survey.hasZoom ? Printf("%u samples", zoomSampleCount) : "none"));
+    facts.push_back(TextFact("Lists", "lists", ListWords(stream)));
+    facts.push_back(TextFact("Power Zoom", "powerZoom",
+                             survey.hasZoom ? Printf("%u samples", zoomSampleCount) : "none"));
     return facts;
-}
-
-std::string AsText(const std::vector<Fact>& facts) {
-    std::string text;
-    for (const Fact& fact : facts) {
-        const char* title = fact.title;
-        for (const std::string& line : fact.texts) {
-            text += Printf("%-14s %s\n", *title != '\0' ? (std::string(title) + ":").c_str() : "",
-                           line.c_str());
-            title = "";
-        }
-    }
-    return text;
-}
-
-std::string AsJson(const std::vector<Fact>& facts) {
-    std::string text;
-    for (const Fact& fact : facts) {
-        text += (text.empty() ? "{" : ", ") + JsonText(fact.key) + ": ";
-        std::string values;
-        for (const std::string& value : fact.texts) {
-            values += (values.empty() ? "" : ", ") + (fact.isNumber ? value : JsonText(value));
-        }
-        text += fact.isList ? "[" + values + "]" : values;
-    }
-    return text + "}";
 }
 
 } // namespace
@@ -114,8 +69,8 @@ int RunInfo(const Arguments& arguments) {
     for (const std::string& path : arguments.operands) {
         TraceInput input(path);
         const auto facts = FactsOf(input, bus);
-        output.Write(json ? (first ? "[" : ",\n ") + AsJson(facts)
-                          : (first ? "" : "\n") + AsText(facts));
+        output.Write(json ? (first ? "[" : ",\n ") + FactsAsJson(facts)
+                          : (first ? "" : "\n") + FactsAsText(facts));
         first = false;
     }
     output.Write(json ? "]\n" : "");

@@ -1,5 +1,6 @@
 #include "cli/input.h"
 
+#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/stop.h"
 #include "platform/text.h"
@@ -62,6 +63,9 @@ TraceSurvey TraceInput::Survey() {
 }
 
 const SampleRows* TraceInput::NextRows() {
+    if (Interrupted()) {
+        Fail("interrupted");
+    }
     const SampleRows* rows = stream_.NextRows();
     Check(stream_.Wrong());
     return rows;

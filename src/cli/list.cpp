@@ -3,6 +3,7 @@
 #include "cli/bus.h"
 #include "cli/commands.h"
 #include "cli/input.h"
+#include "cli/names.h"
 #include "cli/output.h"
 #include "cli/range.h"
 #include "cli/stop.h"
@@ -15,26 +16,6 @@
 namespace busquill::cli {
 
 namespace {
-
-/// "A,B" and "A" "B"; a name with a comma in it stands in double quotes.
-std::vector<std::string> SplitNames(const std::vector<std::string>& values) {
-    std::vector<std::string> names;
-    for (const std::string& value : values) {
-        std::string name;
-        bool quoted = false;
-        for (const char c : value + ",") {
-            if (c == '"') {
-                quoted = !quoted;
-            } else if (c == ',' && !quoted) {
-                names.emplace_back(Trim(name));
-                name.clear();
-            } else {
-                name += c;
-            }
-        }
-    }
-    return names;
-}
 
 CSignal* FindColumn(const CSignalList& list, const std::string& name) {
     const auto nameOf = [](const CSignal& signal, bool base) -> const std::string& {

@@ -1,5 +1,6 @@
 #include "cli/output.h"
 
+#include "cli/interrupt.h"
 #include "cli/stop.h"
 #include "platform/text.h"
 
@@ -29,6 +30,9 @@ void Output::Write(std::string_view text) {
 }
 
 void Output::Flush() {
+    if (Interrupted()) {
+        Fail("interrupted");
+    }
     if (!path_.empty()) {
         file_.Write(buffer_);
     } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) {

@@ -1,6 +1,7 @@
 #include "cli/program.h"
 
 #include "cli/arguments.h"
+#include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/stop.h"
 
@@ -9,6 +10,7 @@
 namespace busquill::cli {
 
 int Run(std::span<const std::string> texts) {
+    NoticeInterrupts();
     try {
         const Arguments arguments = ParseArguments(texts);
         if (arguments.Has("help") || arguments.Has("version")) {

@@ -1,11 +1,109 @@
 #include "cli/arguments.h"
+#include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/facts.h"
+#include "cli/input.h"
+#include "cli/line_prompts.h"
+#include "cli/output.h"
 #include "cli/stop.h"
+#include "cli/words.h"
+#include "link/payloads.h"
+#include "platform/text.h"
+#include "tracesetup/setup_encoding.h"
+#include "tracesetup/setup_file.h"
 
 namespace busquill::cli {
 
-int RunSetup(const Arguments&) {
-    Fail("not there");
+namespace {
+
+/// What goes to the board in one command.
+struct Payload {
+    const char* command;
+    int address;
+    std::vector<std::uint8_t> bytes;
+};
+
+std::vector<std::uint8_t> ParameterBytes(const TraceSetup& setup) {
+    LinkRequest request;
+    request.command = CmdTraceParams;
+    request.Address() = static_cast<std::uintptr_t>(setup.clock);
+    request.Length() = static_cast<std::uintptr_t>(setup.triggerPosition);
+    request.Data() = static_cast<std::uintptr_t>(setup.powerZoomClock);
+    request.savedWords = request.words;
+    PreparePayload(request, {});
+    return request.payload;
+}
+
+std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& board) {
+    return {
+        {"CmdTraceParams", RegisterTraceParams, ParameterBytes(setup)},
+        {"CmdTraceEvents", RegisterTraceEvents, BuildEventRows(setup.events, EventCount(board))},
+        {"CmdTraceControl", RegisterTraceControl, BuildTraceControl(setup)}};
+}
+
+std::string HexOf(std::span<const std::uint8_t> bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        text += Printf("%s%02X", text.empty() ? "" : " ", byte);
+    }
+    return text;
+}
+
+std::string AsText(const Payload& payload, std::size_t perLine) {
+    std::string text = Printf("\n%s, register %d, %zu bytes:\n", payload.command, payload.address,
+                              payload.bytes.size());
+    const std::span<const std::uint8_t> bytes(payload.bytes);
+    for (std::size_t at = 0; at < bytes.size(); at += perLine) {
+        text += "  " + HexOf(bytes.subspan(at, std::min(perLine, bytes.size() - at))) + "\n";
+    }
+    return text;
+}
+
+std::string AsJson(const std::vector<Payload>& payloads) {
+    std::string text;
+    for (const Payload& payload : payloads) {
+        text += Printf("%s{\"command\": \"%s\", \"register\": %d, \"bytes\": \"%s\"}",
+                       text.empty() ? "" : ", ", payload.command, payload.address,
+                       HexOf(payload.bytes).c_str());
+    }
+    return "[" + text + "]";
+}
+
+} // namespace
+
+int RunSetup(const Arguments& arguments) {
+    const Bus bus(arguments);
+    const std::string& path = arguments.operands[0];
+    TextReader file = OpenInput(path);
+    TraceSetup setup;
+    LinePrompts prompts;
+    if (!LoadSetupFile(setup, file, prompts)) {
+        const auto said = prompts.Take();
+        Fail(path + ": " + (said.empty() ? "no setup" : said.front()));
+    }
+    const std::vector<Fact> facts = {
+        TextFact("Name", "name", setup.name),
+        TextFact("Description", "description", setup.description),
+        ListFact("Program", "program", SetupWords(setup, bus.Board()))};
+    const bool withPayload = arguments.Has("payload");
+    const auto payloads = PayloadsOf(setup, bus.Board());
+    Output output(arguments.Value("output"));
+    if (arguments.Has("json")) {
+        std::string json = FactsAsJson(facts);
+        if (withPayload) {
+            json.insert(json.size() - 1, ", \"payload\": " + AsJson(payloads));
+        }
+        output.Write(json + "\n");
+    } else {
+        output.Write(FactsAsText(facts));
+        // A line for each event and each level.
+        constexpr std::size_t controlRow = 20;
+        for (std::size_t i = 0; withPayload && i < payloads.size(); ++i) {
+            output.Write(AsText(payloads[i], i == 2 ? controlRow : eventRowSize));
+        }
+    }
+    output.Close();
+    return ExitStatus::Done;
 }
 
 } // namespace busquill::cli

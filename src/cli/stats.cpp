@@ -1,11 +1,166 @@
+#include "analysis/trace_stats.h"
 #include "cli/arguments.h"
+#include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/output.h"
 #include "cli/stop.h"
+#include "platform/text.h"
+#include "signals/value_text.h"
+
+#include <map>
 
 namespace busquill::cli {
 
-int RunStats(const Arguments&) {
-    Fail("not there");
+namespace {
+
+unsigned long long Count(std::uint64_t number) {
+    return number;
+}
+
+/// The number of the first sample of each finding, by its code.
+using FirstNumbers = std::map<std::uint8_t, std::int64_t>;
+
+double Share(std::int64_t part, std::int64_t whole) {
+    return whole > 0 ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0.0;
+}
+
+/// A line of a plain number: a title for people, a key for programs.
+struct Line {
+    const char* title;
+    const char* key;
+    std::uint64_t value;
+};
+
+std::vector<Line> LinesOf(const TraceSummary& sum) {
+    std::uint64_t transactions = 0;
+    for (const CommandCount& command : sum.commands) {
+        transactions += command.transactions;
+    }
+    std::vector<Line> lines = {{"Transactions", "transactions", transactions},
+                               {"Bytes", "bytes", sum.bytes},
+                               {"Unfinished at the end", "unfinished", sum.unfinished},
+                               {"Retries", "retries", sum.retries}};
+    if (sum.waitStates) {
+        lines.insert(lines.end(),
+                     {{"Disconnects", "disconnects", sum.disconnects},
+                      {"Target aborts", "targetAborts", sum.targetAborts},
+                      {"Master aborts", "masterAborts", sum.masterAborts},
+                      {"Split responses", "splitResponses", sum.splitResponses},
+                      {"Initiator wait states", "initiatorWaits", sum.waitStates->initiator},
+                      {"Target wait states", "targetWaits", sum.waitStates->target}});
+    }
+    if (sum.acknowledgeTime) {
+        lines.push_back({"Bus errors", "busErrors", sum.busErrors});
+        lines.push_back({"Acknowledged transfers", "acknowledged", sum.acknowledgeTime->transfers});
+        lines.push_back({"Waited for them, ns", "acknowledgeTime",
+                         static_cast<std::uint64_t>(sum.acknowledgeTime->total)});
+    }
+    if (sum.anomalies) {
+        lines.push_back({"Samples with an anomaly", "anomalies", *sum.anomalies});
+    }
+    return lines;
+}
+
+std::string AsText(const TraceSummary& sum, const FirstNumbers& first) {
+    std::string text = Printf(
+        "%-24s %llu\n%-24s %s\n%-24s %.1f%% of the time, %.1f%% of the samples\n",
+        "Samples:", Count(sum.samples), "Time:", FormatTime(sum.time, false).c_str(),
+        "Idle:", Share(sum.idleTime, sum.time),
+        Share(static_cast<std::int64_t>(sum.idleSamples), static_cast<std::int64_t>(sum.samples)));
+    for (const Line& line : LinesOf(sum)) {
+        text += Printf("%-24s %llu\n", (std::string(line.title) + ":").c_str(), Count(line.value));
+    }
+    if (!sum.commands.empty()) {
+        text +=
+            Printf("\n%-24s %12s %12s %12s\n", "COMMAND", "TRANSACTIONS", "DATA PHASES", "BYTES");
+        for (const CommandCount& command : sum.commands) {
+            text += Printf("%-24s %12llu %12llu %12llu\n", command.label.c_str(),
+                           Count(command.transactions), Count(command.dataPhases),
+                           Count(command.bytes));
+        }
+    }
+    if (!sum.burstLengths.empty()) {
+        text += Printf("\n%-24s %12s\n", "BURST LENGTH", "TRANSACTIONS");
+        for (const auto& [length, count] : sum.burstLengths) {
+            text += Printf("%-24llu %12llu\n", Count(length), Count(count));
+        }
+    }
+    if (sum.findings && !sum.findings->empty()) {
+        text += Printf("\n%-6s %8s %12s  %s\n", "CODE", "COUNT", "FIRST SAMPLE", "FINDING");
+        for (const FindingCount& finding : *sum.findings) {
+            text += Printf("%-6u %8llu %12lld  %s\n", finding.code, Count(finding.count),
+                           static_cast<long long>(first.at(finding.code)), finding.label.c_str());
+        }
+    }
+    return text;
+}
+
+std::string AsJson(const TraceSummary& sum, const FirstNumbers& first) {
+    std::string text = Printf("{\"samples\": %llu, \"time\": %lld, \"idleTime\": %lld, "
+                              "\"idleSamples\": %llu",
+                              Count(sum.samples), static_cast<long long>(sum.time),
+                              static_cast<long long>(sum.idleTime), Count(sum.idleSamples));
+    for (const Line& line : LinesOf(sum)) {
+        text += Printf(", \"%s\": %llu", line.key, Count(line.value));
+    }
+    text += ",\n\"commands\": [";
+    const char* before = "";
+    for (const CommandCount& command : sum.commands) {
+        text += Printf("%s{\"command\": %s, \"transactions\": %llu, \"dataPhases\": %llu, "
+                       "\"bytes\": %llu}",
+                       before, JsonText(command.label).c_str(), Count(command.transactions),
+                       Count(command.dataPhases), Count(command.bytes));
+        before = ", ";
+    }
+    text += "],\n\"bursts\": [";
+    before = "";
+    for (const auto& [length, count] : sum.burstLengths) {
+        text += Printf("%s{\"length\": %llu, \"transactions\": %llu}", before, Count(length),
+                       Count(count));
+        before = ", ";
+    }
+    text += "],\n\"findings\": [";
+    before = "";
+    for (const FindingCount& finding : sum.findings ? *sum.findings : std::vector<FindingCount>()) {
+        text += Printf("%s{\"code\": %u, \"finding\": %s, \"count\": %llu, \"first\": %lld}",
+                       before, finding.code, JsonText(finding.label).c_str(), Count(finding.count),
+                       static_cast<long long>(first.at(finding.code)));
+        before = ", ";
+    }
+    return text + "]}\n";
+}
+
+} // namespace
+
+int RunStats(const Arguments& arguments) {
+    const Bus bus(arguments);
+    TraceInput input(arguments.operands[0]);
+    input.ReadHead();
+    TraceStats stats(bus.Board(), bus.Tables());
+    FirstNumbers first;
+    std::int64_t added = 0;
+    Progress progress("Counting", input.Stream().Last() - input.Stream().First() + 1);
+    while (const SampleRows* rows = input.NextRows()) {
+        stats.Add(rows->records);
+        const TraceSummary sum = stats.Summary();
+        for (const FindingCount& finding : sum.findings.value_or(std::vector<FindingCount>())) {
+            const std::int64_t row = static_cast<std::int64_t>(finding.firstSample) - added;
+            if (!first.contains(finding.code)) {
+                first[finding.code] = rows->numbers[static_cast<std::size_t>(row)];
+            }
+        }
+        added += static_cast<std::int64_t>(rows->Size());
+        progress.At(rows->numbers.back() - input.Stream().First());
+    }
+    if (added < input.Stream().Last() - input.Stream().First() + 1) {
+        Say("samples of the capture are missing; what went on in them is not counted");
+    }
+    Output output(arguments.Value("output"));
+    const TraceSummary sum = stats.Summary();
+    output.Write(arguments.Has("json") ? AsJson(sum, first) : AsText(sum, first));
+    output.Close();
+    return ExitStatus::Done;
 }
 
 } // namespace busquill::cli

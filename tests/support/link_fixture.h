@@ -2,7 +2,7 @@
 
 #include "link/analyzer_link.h"
 #include "platform/main_thread.h"
-#include "support/memory_settings.h"
+#include "platform/memory_settings.h"
 #include "support/recording_prompts.h"
 #include "support/scripted_serial_port.h"
 #include "support/scripted_usb.h"

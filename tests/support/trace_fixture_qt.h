@@ -2,7 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "support/board_tables.h"
-#include "support/memory_settings.h"
+#include "platform/memory_settings.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 #include "ui/capture/position_gauge.h"

@@ -5,7 +5,7 @@
 #include "platform/main_thread.h"
 #include "platform/serial_port.h"
 #include "support/board_process.h"
-#include "support/memory_settings.h"
+#include "platform/memory_settings.h"
 #include "support/recording_prompts.h"
 #include "support/scripted_usb.h"
 

@@ -195,7 +195,7 @@ std::string SearchCondition::Add(std::string_view text, const SignalTables& tabl
         for (const auto& def : tables.busSignals.Defs()) {
             names += (names.empty() ? "" : ", ") + def->name;
         }
-        return Printf("no signal \"%s\" on this bus; it has %s", std::string(name).c_str(),
+        return Printf("no signal \"%s\" on this bus; there are %s", std::string(name).c_str(),
                       names.substr(0, 400).c_str());
     }
     std::vector<Bits> ways;

@@ -41,6 +41,8 @@ public:
     /// Writes at most so many rows, and what follows the last. A sample that has not arrived is
     /// asked for.
     [[nodiscard]] Step Write(std::size_t rows);
+    /// Leaves the next sample out, which is Missing.
+    void Skip() noexcept { ++next_; }
     /// Ends in the middle: the file stays as far as it was written.
     void Abort();
     /// Of the range, in hundredths.

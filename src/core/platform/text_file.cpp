@@ -104,17 +104,17 @@ bool TextWriter::Create(const std::string& path) {
 }
 
 bool TextWriter::CreateBeside(const std::string& path) {
-    // A link stays a link, and a device or a pipe is written to, not replaced.
+    // A device or a pipe is written to, not replaced, and a link stays a link.
     std::error_code unknown;
+    if (std::filesystem::exists(path, unknown) &&
+        !std::filesystem::is_regular_file(path, unknown)) {
+        return Create(path);
+    }
     const std::string target = std::filesystem::is_symlink(path, unknown)
                                    ? std::filesystem::weakly_canonical(path, unknown).string()
                                    : path;
     if (target.empty()) {
         return false;
-    }
-    if (std::filesystem::exists(target, unknown) &&
-        !std::filesystem::is_regular_file(target, unknown)) {
-        return Create(target);
     }
     const std::string beside = target + ".part";
     if (!Create(beside)) {

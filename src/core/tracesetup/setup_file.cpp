@@ -180,6 +180,12 @@ bool LoadSetupFile(TraceSetup& setup, const std::string& path, Prompts& prompts)
         prompts.Message(Printf("Error opening file %s.", path.c_str()));
         return false;
     }
+    return LoadSetupFile(setup, file, prompts);
+}
+
+bool LoadSetupFile(TraceSetup& setup, TextReader& file, Prompts& prompts) {
+    setup.fileType.clear();
+    setup.version.clear();
     // The checks come after reading: a caller that needs the old setup keeps a copy.
     ReadSetupBody(setup, file);
     if (setup.fileType != setupFileType) {

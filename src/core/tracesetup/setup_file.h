@@ -47,6 +47,9 @@ struct SetupFileEntry {
 /// type or version; the setup then holds whatever the file had.
 [[nodiscard]] bool LoadSetupFile(TraceSetup& setup, const std::string& path, Prompts& prompts);
 
+/// The same for a file that is open.
+[[nodiscard]] bool LoadSetupFile(TraceSetup& setup, TextReader& file, Prompts& prompts);
+
 /// Reports in its own words and returns false when the file cannot be written; a file that was
 /// there is then as it was.
 [[nodiscard]] bool SaveSetupFile(const TraceSetup& setup, const std::string& path,

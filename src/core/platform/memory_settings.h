@@ -6,7 +6,7 @@
 #include <map>
 #include <utility>
 
-namespace busquill::test {
+namespace busquill {
 
 /// Settings that live as long as the object.
 class MemorySettings final : public Settings {
@@ -36,4 +36,4 @@ private:
     std::map<std::pair<std::string, std::string>, std::string> values_;
 };
 
-} // namespace busquill::test
+} // namespace busquill

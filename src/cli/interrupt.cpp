@@ -1,0 +1,46 @@
+#include "cli/interrupt.h"
+
+#include <atomic>
+#include <csignal>
+
+namespace busquill::cli {
+
+namespace {
+
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal handler");
+
+sigset_t Signals() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    return signals;
+}
+
+} // namespace
+
+void NoticeInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { interrupted = true; };
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = 0; // a read that waits ends
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+bool Interrupted() noexcept {
+    return interrupted.exchange(false);
+}
+
+NoInterruptsForThreads::NoInterruptsForThreads() {
+    const sigset_t signals = Signals();
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
+
+NoInterruptsForThreads::~NoInterruptsForThreads() {
+    const sigset_t signals = Signals();
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+} // namespace busquill::cli

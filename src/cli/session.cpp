@@ -1,0 +1,76 @@
+#include "cli/session.h"
+
+#include "cli/arguments.h"
+#include "cli/output.h"
+#include "cli/stop.h"
+#include "platform/text.h"
+#include "tracesetup/setup_encoding.h"
+
+namespace busquill::cli {
+
+namespace {
+
+/// A name of the link's own kind for the device of a path.
+constexpr int pathNumber = 99;
+
+bool IsNamedPort(const std::string& port) {
+    return port == "USB" || port == "USB2" ||
+           (port.size() == 4 && port.starts_with("COM") && port[3] >= '1' && port[3] <= '8');
+}
+
+} // namespace
+
+Session::Session(const Arguments& arguments)
+    : usb_(OpenUsbBus()), store_(CSampleStore::Board{link_, mainThread_, mainThread_}),
+      link_({settings_, mainThread_, clock_, mainThread_, OpenSerialPort, *usb_}),
+      tables_([this] { return link_.Traits(); }, WorkingDirectory::AtStart()) {
+    mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
+    const std::string port = arguments.Value("port");
+    if (port.empty()) {
+        WrongUse(Printf("%s needs --port COM1, the path of a terminal device, or USB",
+                        arguments.command->name));
+    }
+    const bool isNamed = IsNamedPort(port);
+    settings_.WriteProfileString(SettingsSection::setup, "ComPort",
+                                 isNamed ? port : Printf("COM%d", pathNumber));
+    settings_.WriteProfileString(SettingsSection::setup, Printf("ComDevice%d", pathNumber), port);
+    const auto baud = arguments.Number("baud").value_or(usualBaudRate);
+    if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
+        WrongUse(Printf("--baud is 9600, 19200, 38400 or 57600; not %lld",
+                        static_cast<long long>(baud)));
+    }
+    settings_.WriteProfileInt(SettingsSection::setup, SettingsKey::baudRate,
+                              static_cast<int>(baud));
+    RegisterSetupEncoders(link_);
+    link_.Connect(static_cast<int>(baud));
+    if (link_.IsDemoMode()) {
+        // What the link says of it is meant for a window.
+        Fail("no board answers on " + port);
+    }
+    TellMessages();
+    tables_.Load();
+    context_.realTimeStore = &store_;
+    context_.newDocRealTime = true;
+    document_ = std::make_unique<CTesselDoc>(context_, mainThread_);
+    document_->OnNewDocument();
+}
+
+// The monitor of a capture uses the link, and the link's thread may be completing a block.
+Session::~Session() {
+    document_.reset();
+    store_.ShutDown();
+}
+
+bool Session::TellMessages() {
+    const auto said = prompts_.Take();
+    for (const std::string& line : said) {
+        Say(line);
+    }
+    return !said.empty();
+}
+
+void Session::Wait(std::chrono::milliseconds time) {
+    mainThread_.WaitUntil(time, [] { return false; });
+}
+
+} // namespace busquill::cli

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "capture/trace_document.h"
+#include "cli/line_prompts.h"
+#include "link/analyzer_link.h"
+#include "platform/clock.h"
+#include "platform/main_thread.h"
+#include "platform/memory_settings.h"
+#include "platform/serial_port.h"
+#include "platform/usb_device.h"
+#include "signals/signal_tables.h"
+
+#include <chrono>
+#include <memory>
+
+namespace busquill::cli {
+
+struct Arguments;
+
+/// A connected board, and what lives as long as the connection.
+class Session {
+public:
+    /// Connects to the board on the port that the options name; throws Stop where none answers.
+    explicit Session(const Arguments& arguments);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    [[nodiscard]] CAnalyzerLink& Link() noexcept { return link_; }
+    [[nodiscard]] CSampleStore& Store() noexcept { return store_; }
+    [[nodiscard]] const SignalTables& Tables() const noexcept { return tables_; }
+    [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
+    [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
+    /// Tells what the program has to say since the last call; false when it was nothing.
+    bool TellMessages();
+    /// Lets time pass, in which other threads may say something.
+    void Wait(std::chrono::milliseconds time);
+
+private:
+    LinePrompts prompts_;
+    MainThread mainThread_;
+    MemorySettings settings_;
+    SystemClock clock_;
+    std::unique_ptr<UsbBus> usb_;
+    CSampleStore store_; // outlives the link's thread
+    CAnalyzerLink link_;
+    SignalTables tables_;
+    NewTraceContext context_;
+    std::unique_ptr<CTesselDoc> document_;
+};
+
+} // namespace busquill::cli

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "signals/record_field.h"
+#include "signals/signal_tables.h"
+
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+/// The signals by which two captures are compared: each bit of the record in one of them.
+class ComparedSignals {
+public:
+    struct Signal {
+        std::string name;
+        RecordField field;
+    };
+
+    /// Every bus of the tables, then the bits that none of them names.
+    explicit ComparedSignals(const SignalTables& tables);
+
+    /// Bits that are not compared from now on.
+    void Ignore(const std::vector<int>& positions);
+
+    [[nodiscard]] const std::vector<Signal>& All() const noexcept { return signals_; }
+    [[nodiscard]] bool Differ(const SampleRecord& a, const SampleRecord& b) const noexcept;
+    /// The places of the signals that differ.
+    void Differing(const SampleRecord& a, const SampleRecord& b,
+                   std::vector<std::size_t>& places) const;
+    /// The value of a signal, in hexadecimal, or as a time.
+    [[nodiscard]] std::string Text(std::size_t place, const SampleRecord& record) const;
+
+private:
+    [[nodiscard]] SampleRecord Difference(const SampleRecord& a,
+                                          const SampleRecord& b) const noexcept;
+
+    std::vector<Signal> signals_;
+    SampleRecord care_;
+};
+
+} // namespace busquill
