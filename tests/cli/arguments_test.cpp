@@ -1,0 +1,114 @@
+#include "support/trace_program.h"
+
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr const char* demo = BUSQUILL_SOURCE_DIR "/data/Trigger1.tra";
+
+struct WrongUse {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* says;
+};
+
+class UsedWrongly : public testing::TestWithParam<WrongUse> {};
+
+TEST_P(UsedWrongly, EndsWithTwoAndOneLineThatSaysWhatWouldBeRight) {
+    const ProgramRun run = RunTrace(GetParam().arguments);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_THAT(run.err, StartsWith("busquill-trace: "));
+    EXPECT_THAT(run.err, HasSubstr(GetParam().says));
+    EXPECT_EQ(std::count(run.err.begin(), run.err.end(), '\n'), 1);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(
+    CommandLine, UsedWrongly,
+    testing::Values(
+        WrongUse{"Nothing", {}, "which command?"},
+        WrongUse{"UnknownCommand", {"show", demo}, "no command \"show\"; there are info, list, search"},
+        WrongUse{"UnknownOption", {"info", "--loud", demo}, "no option --loud"},
+        WrongUse{"UnknownLetter", {"info", "-x", demo}, "no option -x"},
+        WrongUse{"OptionOfAnotherCommand", {"info", "--from", "3", demo}, "info takes no --from"},
+        WrongUse{"NoFile", {"list"}, "list needs FILE"},
+        WrongUse{"TooManyFiles", {"list", demo, "b.tra"}, "not also \"b.tra\""},
+        WrongUse{"ValueMissing", {"list", demo, "--from"}, "--from needs a value: N"},
+        WrongUse{"ValueForAFlag", {"list", demo, "--zoom=1"}, "--zoom takes no value"},
+        WrongUse{"NoNumber", {"list", demo, "--from", "7x"}, "--from takes a whole number, not \"7x\""},
+        WrongUse{"EmptyNumber", {"list", demo, "--from", ""}, "whole number"},
+        WrongUse{"HugeNumber", {"list", demo, "--from", "99999999999999999999"}, "whole number"},
+        WrongUse{"RangeBackward", {"list", demo, "--from", "7", "--to", "3"}, "--from 7 lies behind --to 3"},
+        WrongUse{"UnknownFormat", {"list", demo, "--format", "xml"}, "--format is one of text, csv, json"},
+        WrongUse{"Contradiction", {"list", demo, "--format", "csv", "--json"}, "contradict"},
+        WrongUse{"UnknownModel", {"info", demo, "--model", "Heron"}, "no model \"Heron\"; there are"},
+        WrongUse{"UnknownBus", {"info", demo, "--bus", "ISA"}, "no bus \"ISA\"; there are PCI, PCI-X, VME"},
+        WrongUse{"BusOfAnotherModel", {"info", demo, "--model", "VMEKite", "--bus", "PCI"}, "VMEKite has no bus PCI"},
+        WrongUse{"UnknownWidth", {"info", demo, "--width", "16"}, "--width is one of 32, 64"},
+        WrongUse{"UnknownColumn", {"list", demo, "--columns", "AD[63:0],NOPE"}, "no column \"NOPE\"; there are"},
+        WrongUse{"NoPattern", {"search", demo}, "search needs --pattern NAME=VALUE"},
+        WrongUse{"PatternWithoutValue", {"search", demo, "-p", "FRAME"}, "a pattern is NAME=VALUE"},
+        WrongUse{"PatternWithoutName", {"search", demo, "-p", "=1"}, "a pattern is NAME=VALUE"},
+        WrongUse{"UnknownSignal", {"search", demo, "-p", "AM=09"}, "no signal \"AM\" on this bus; there are AD, C/BE"},
+        WrongUse{"NoDigits", {"search", demo, "-p", "AD[31:0]=FEBG"}, "takes 8 hexadecimal digits, x for any; not \"FEBG\""},
+        WrongUse{"TooManyDigits", {"search", demo, "-p", "AD[31:0]=123456789"}, "takes 8 hexadecimal digits"},
+        WrongUse{"DigitTooLarge", {"search", demo, "-p", "FRAME=2"}, "takes 1 hexadecimal digit"},
+        WrongUse{"UnknownLabel", {"search", demo, "-p", "COMMAND=Read"}, "or a label: Int Ack, Spc Cyc"},
+        WrongUse{"FilterToNowhere", {"filter", demo, "-p", "FRAME=0"}, "filter needs -o FILE"},
+        WrongUse{"ConvertToNowhere", {"convert", demo}, "convert needs -o FILE"},
+        WrongUse{"ConvertToWhat", {"convert", demo, "-o", "a.dat"}, ".vcd, .csv or .sr"},
+        WrongUse{"ChangesOfADump", {"convert", demo, "-o", "a.vcd", "--changes"}, "--changes is for .csv"},
+        WrongUse{"TwoStandardInputs", {"compare", "-", "-"}, "only one of the captures"},
+        WrongUse{"IgnoreUnknown", {"compare", demo, demo, "--ignore", "NOPE"}, "no signal \"NOPE\""},
+        WrongUse{"UnknownAlignment", {"compare", demo, demo, "--align", "end"}, "--align is one of trigger, start"},
+        WrongUse{"NoPort", {"board"}, "board needs --port"},
+        WrongUse{"UnknownRate", {"board", "--port", "/dev/null", "--baud", "1200"}, "--baud is 9600"},
+        WrongUse{"CaptureWithoutSetup", {"capture", "--port", "x", "-o", "a.tra"}, "capture needs --setup"},
+        WrongUse{"RepeatToStandardOutput", {"capture", "--port", "x", "--setup", "s", "-o", "-", "--repeat", "2"}, "several files"},
+        WrongUse{"NoTime", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--timeout", "0"}, "--timeout is a number of seconds"},
+        WrongUse{"NegativeRuns", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--repeat", "-1"}, "--repeat is a number of runs"}),
+    [](const auto& use) { return use.param.name; });
+// clang-format on
+
+TEST(CommandLine, HelpListsTheCommandsAndThoseOfOneItsOptions) {
+    const ProgramRun all = RunTrace({"-h"});
+    EXPECT_EQ(all.status, 0);
+    EXPECT_EQ(all.err, "");
+    for (const char* command : {"info", "list", "search", "filter", "convert", "compare", "stats",
+                                "setup", "board", "capture"}) {
+        EXPECT_THAT(all.out, HasSubstr(command));
+        const ProgramRun one = RunTrace({command, "--help"});
+        EXPECT_EQ(one.status, 0);
+        EXPECT_THAT(one.out, StartsWith(std::string("Usage: busquill-trace ") + command));
+        EXPECT_THAT(one.out, HasSubstr("--output FILE"));
+    }
+}
+
+TEST(CommandLine, VersionIsOneLine) {
+    const ProgramRun run = RunTrace({"-V"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, testing::MatchesRegex("busquill-trace [0-9.]+\n"));
+}
+
+TEST(CommandLine, OptionsMayStandAnywhereAndJoinTheirValues) {
+    const ProgramRun apart = RunTrace({"list", "--from", "0", "--to", "2", demo});
+    EXPECT_EQ(apart.status, 0);
+    EXPECT_EQ(RunTrace({"--from=0", "list", demo, "--to=2"}).out, apart.out);
+    EXPECT_EQ(RunTrace({"search", "-pCOMMAND=Mem Wr", demo}).out,
+              RunTrace({"search", demo, "--pattern", "COMMAND=Mem Wr"}).out);
+    // Behind "--" there are only files.
+    EXPECT_THAT(RunTrace({"info", "--", "-V"}).err, HasSubstr("Error opening file -V."));
+}
+
+TEST(CommandLine, ModelsAndBusesAreNamedInAnyCase) {
+    EXPECT_EQ(RunTrace({"info", demo, "--model", "vmelark"}).status, 0);
+    EXPECT_EQ(RunTrace({"info", demo, "--bus", "pci-x", "--width", "64"}).status, 0);
+}
+
+} // namespace
+} // namespace busquill::test

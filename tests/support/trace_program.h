@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace busquill::test {
+
+/// What a run of busquill-trace has left behind.
+struct ProgramRun {
+    int status = -1; // -1: it ended by a signal, or did not end in time
+    std::string out;
+    std::string err;
+};
+
+struct ProgramInput {
+    std::string folder; // in which it runs; the test's own where it is empty
+    std::string standardInput;
+    int interruptAfterMs = 0;   // sends it an interrupt after this time
+    std::size_t readAtMost = 0; // of its standard output, which is then closed; 0: all
+};
+
+/// Runs busquill-trace as a process of its own, for at most a minute.
+[[nodiscard]] ProgramRun RunTrace(const std::vector<std::string>& arguments,
+                                  const ProgramInput& input = {});
+
+} // namespace busquill::test
