@@ -13,8 +13,8 @@ struct ProgramRun {
 };
 
 struct ProgramInput {
-    std::string folder; // in which it runs; the test's own where it is empty
-    std::string standardInput;
+    std::string folder = {}; // in which it runs; the test's own where it is empty
+    std::string standardInput = {};
     int interruptAfterMs = 0;   // sends it an interrupt after this time
     std::size_t readAtMost = 0; // of its standard output, which is then closed; 0: all
 };
