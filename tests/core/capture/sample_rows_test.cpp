@@ -1,0 +1,133 @@
+#include "capture/sample_rows.h"
+#include "platform/text_file.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace busquill::test {
+namespace {
+
+/// Rows as the fast way takes them, and how many bytes it took.
+struct Taken {
+    SampleRows rows;
+    std::size_t bytes = 0;
+};
+
+Taken Take(const std::string& text, std::size_t limit = 100) {
+    Taken taken;
+    // Digits behind the text must not be taken for part of it.
+    const std::string padded = text + std::string(TextReader::readable, '7');
+    taken.bytes =
+        ParsePlainRows(std::string_view(padded).substr(0, text.size()), limit, taken.rows);
+    return taken;
+}
+
+std::string Row(int number, const std::string& rest = "") {
+    std::string row = std::to_string(number);
+    for (int byte = 0; byte < 18; ++byte) {
+        row += "," + std::to_string((number * 7 + byte * 31) & 255);
+    }
+    return row + rest + "\n";
+}
+
+TEST(SampleRowsFastWay, TakesRowsUntilSomethingElseComes) {
+    const std::string two = Row(-12) + Row(345678);
+    const Taken taken = Take(two + "\"End of Trace Data\"\n");
+    EXPECT_EQ(taken.bytes, two.size());
+    EXPECT_EQ(taken.rows.numbers, (std::vector<std::int32_t>{-12, 345678}));
+    EXPECT_EQ(taken.rows.records[0].bytes[0], static_cast<std::uint8_t>(-12 * 7));
+    EXPECT_EQ(taken.rows.records[1].bytes[17], static_cast<std::uint8_t>(345678 * 7 + 17 * 31));
+}
+
+TEST(SampleRowsFastWay, TakesNoMoreThanItIsAskedFor) {
+    const Taken taken = Take(Row(1000) + Row(1001) + Row(1002), 2);
+    EXPECT_EQ(taken.rows.Size(), 2U);
+    EXPECT_EQ(taken.bytes, (Row(1000) + Row(1001)).size());
+}
+
+TEST(SampleRowsFastWay, LeavesThePieceOfALineAlone) {
+    const std::string row = Row(1000);
+    for (std::size_t cut = 0; cut < row.size(); ++cut) {
+        EXPECT_EQ(Take(row.substr(0, cut)).bytes, 0U) << cut;
+    }
+    EXPECT_EQ(Take(row).bytes, row.size());
+}
+
+TEST(SampleRowsFastWay, CutsValuesToAByte) {
+    EXPECT_EQ(Take("10,256,999,300,0,0,0,0,0,0,0,0,0,0,0,0,0,0,255\n").rows.records.at(0).bytes,
+              (SampleRecord{{0, 231, 44, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255}}.bytes));
+}
+
+struct OddRow {
+    const char* name;
+    const char* text;
+};
+class NotPlain : public testing::TestWithParam<OddRow> {};
+
+TEST_P(NotPlain, IsLeftToTheGeneralWay) {
+    EXPECT_EQ(Take(GetParam().text).bytes, 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, NotPlain,
+    testing::Values(OddRow{"EighteenFields", "10,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17\n"},
+                    OddRow{"TwentyFields", "10,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19\n"},
+                    OddRow{"EmptyField", "10,1,2,3,4,5,6,7,8,,10,11,12,13,14,15,16,17,18\n"},
+                    OddRow{"FourDigits", "10,1,2,3,4,5,6,7,8,9999,1,1,2,3,4,5,6,7,8\n"},
+                    OddRow{"Blank", "10,1,2,3,4,5,6,7,8, 9,10,11,12,13,14,15,16,17,18\n"},
+                    OddRow{"Quotes", "\"10\",1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18\n"},
+                    OddRow{"NegativeByte", "10,1,2,3,-4,5,6,7,8,9,10,11,12,13,14,15,16,17,18\n"},
+                    OddRow{"Letter", "10,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,1f,18\n"},
+                    OddRow{"OnlyASign", "-,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18\n"},
+                    OddRow{"TenDigits",
+                           "1234567890,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18\n"},
+                    OddRow{"CarriageReturn", "10,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18\r\n"},
+                    OddRow{"Empty", "\n"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(SampleRowsFastWay, GivesWhatALineAtATimeGives) {
+    constexpr unsigned seed = 20261;
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    const auto pick = [&](unsigned limit) { return random() % limit; };
+    int plain = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::string line = std::to_string(static_cast<int>(pick(200000)) - 100000);
+        for (int field = 0; field < 18; ++field) {
+            line += "," + std::to_string(pick(3) == 0 ? pick(1000) : pick(256));
+        }
+        for (unsigned change = pick(3); change != 0; --change) {
+            constexpr std::string_view odd = "0123456789,,-- \"\r/:.\x80";
+            const char c = odd[pick(odd.size())];
+            const std::size_t at = pick(static_cast<unsigned>(line.size()));
+            pick(2) == 0 ? line.insert(at, 1, c) : line.replace(at, 1, 1, c);
+        }
+        SampleRows slow;
+        const bool isPlain = ParsePlainRow(line, slow);
+        const Taken fast = Take(line + "\n");
+        if (fast.bytes == 0) {
+            continue; // the general way takes it
+        }
+        ++plain;
+        ASSERT_TRUE(isPlain) << line;
+        ASSERT_EQ(fast.bytes, line.size() + 1) << line;
+        ASSERT_EQ(fast.rows.numbers, slow.numbers) << line;
+        ASSERT_EQ(fast.rows.records, slow.records) << line;
+    }
+    EXPECT_GT(plain, 5000);
+}
+
+TEST(SampleRowsText, IsReadBackAsItWas) {
+    std::string text;
+    SampleRecord record;
+    for (std::size_t i = 0; i < record.bytes.size(); ++i) {
+        record.bytes[i] = static_cast<std::uint8_t>(i * 15);
+    }
+    AppendRow(text, -123, record);
+    EXPECT_EQ(text, "-123,0,15,30,45,60,75,90,105,120,135,150,165,180,195,210,225,240,255\n");
+    EXPECT_EQ(Take(text).rows.records.at(0), record);
+}
+
+} // namespace
+} // namespace busquill::test

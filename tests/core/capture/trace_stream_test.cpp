@@ -1,0 +1,182 @@
+#include "capture/trace_stream.h"
+#include "support/board_tables.h"
+#include "support/temp_dir.h"
+
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
+const std::string zeros = ",0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
+
+class TraceStreams : public testing::Test {
+protected:
+    TraceStream& Open(const std::string& text) {
+        EXPECT_TRUE(file.Open(dir.Write("a.tra", text)));
+        stream = std::make_unique<TraceStream>(file);
+        return *stream;
+    }
+    std::vector<std::int32_t> AllNumbers() {
+        std::vector<std::int32_t> numbers;
+        while (const SampleRows* rows = stream->NextRows()) {
+            numbers.insert(numbers.end(), rows->numbers.begin(), rows->numbers.end());
+        }
+        return numbers;
+    }
+    /// The numbers of a block; what is wrong is in `wrong`.
+    std::vector<std::int32_t> NumbersOf(const std::string& rows, int first = -2, int last = 5) {
+        Open(header + "\"Trace Data\"," + std::to_string(first) + "," + std::to_string(last) +
+             "\n" + rows);
+        EXPECT_EQ(stream->ReadHead(), "");
+        const auto numbers = AllNumbers();
+        wrong = stream->Wrong();
+        return numbers;
+    }
+    static std::string Row(int number) { return std::to_string(number) + zeros; }
+
+    BoardTables board{"PCIKite-1"};
+    const TempDir dir;
+    TextReader file;
+    std::unique_ptr<TraceStream> stream;
+    std::string wrong;
+};
+
+TEST_F(TraceStreams, GiveRowsInPiecesWithoutThoseOutsideTheRange) {
+    EXPECT_THAT(NumbersOf(Row(-3) + Row(-2) + Row(0) + Row(5) + Row(6)), ElementsAre(-2, 0, 5));
+    EXPECT_EQ(wrong, "");
+}
+
+TEST_F(TraceStreams, GiveMoreRowsThanOnePieceHolds) {
+    std::string rows;
+    const int count = 3 * static_cast<int>(TraceParser::rowsAtOnce) + 7;
+    for (int i = 0; i < count; ++i) {
+        rows += Row(i);
+    }
+    const auto numbers = NumbersOf(rows, 0, count - 1);
+    ASSERT_EQ(numbers.size(), static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(numbers[static_cast<std::size_t>(i)], i);
+    }
+}
+
+TEST_F(TraceStreams, ReadRowsOfEveryForm) {
+    EXPECT_THAT(NumbersOf("\"-2\"" + zeros + "0 ,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,99\n" +
+                          "1,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n" + // a field is missing
+                          "3" + zeros.substr(0, zeros.size() - 1) + "\r\n"),
+                ElementsAre(-2, 0, 3));
+}
+
+TEST_F(TraceStreams, SayWhenSamplesDoNotAscend) {
+    EXPECT_THAT(NumbersOf(Row(3) + Row(1)), testing::IsEmpty());
+    EXPECT_EQ(wrong, "sample 1 comes after sample 3; samples must ascend");
+    NumbersOf(Row(3) + Row(3));
+    EXPECT_EQ(wrong, "sample 3 comes after sample 3; samples must ascend");
+}
+
+TEST_F(TraceStreams, EndWithTheirBlock) {
+    EXPECT_THAT(NumbersOf(Row(0) + "\"End of Trace Data\"\n" + Row(1)), ElementsAre(0));
+    const std::string text = ReadWholeFile(dir.File("a.tra"));
+    EXPECT_EQ(text.substr(stream->BlockBegin(), 13), "\"Trace Data\",");
+    EXPECT_EQ(text.substr(stream->BlockEnd(), 19), "\"End of Trace Data\"");
+}
+
+TEST_F(TraceStreams, AFileThatIsCutOffEndsWithItself) {
+    EXPECT_THAT(NumbersOf(Row(0) + "1,2,3"), ElementsAre(0));
+    EXPECT_EQ(stream->BlockEnd(), ReadWholeFile(dir.File("a.tra")).size());
+}
+
+TEST_F(TraceStreams, RefuseWhatIsNoTraceOfThisVersion) {
+    EXPECT_EQ(Open("").ReadHead(), "Error: File type of 'Trace Data File' not found.");
+    EXPECT_EQ(Open("\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n").ReadHead(),
+              "Error: File type of 'Trace Data File' not found.");
+    EXPECT_EQ(Open("\"FileType\",\"Trace Data File\"\n\"Version\",\"1.1\"\n").ReadHead(),
+              "Error: File version of 1.0 not found.");
+    EXPECT_EQ(Open(header + "\"Trace Data\",-2000000000,2000000000\n").ReadHead(),
+              "no capture has so many samples");
+}
+
+TEST_F(TraceStreams, HaveDefaultListsWhereTheFileHasNone) {
+    ASSERT_EQ(Open(header + "\"Description\",\"a, b\"\n").ReadHead(), "");
+    EXPECT_EQ(stream->comment, "a, b");
+    EXPECT_FALSE(stream->HasSamples());
+    EXPECT_FALSE(stream->Parser().HasStateList());
+    EXPECT_FALSE(stream->stateList.Empty());
+    EXPECT_EQ(stream->zoomList[0].name, "CLK");
+    EXPECT_EQ(stream->NextRows(), nullptr);
+}
+
+TEST_F(TraceStreams, SurveyTellsOfTheWholeFileAndGoesBack) {
+    Open(header + "\"Trace Data\",-2,5\n" + Row(-1) + Row(0) + Row(4) +
+         "\"End of Trace Data\"\n\"Power Zoom Data\",255,256\n-255,7" + zeros.substr(2) + "300" +
+         zeros + "\"End of Power Zoom Data\"\n");
+    TraceSurvey survey;
+    EXPECT_EQ(stream->Survey(survey), "");
+    EXPECT_TRUE(survey.hasSamples);
+    EXPECT_EQ(survey.first, -2);
+    EXPECT_EQ(survey.last, 5);
+    EXPECT_EQ(survey.rows, 3);
+    EXPECT_EQ(survey.firstHeld, -1);
+    EXPECT_EQ(survey.lastHeld, 4);
+    EXPECT_TRUE(survey.HasGaps());
+    EXPECT_TRUE(survey.hasZoom);
+    EXPECT_EQ(survey.zoom.at(0).bytes[0], 7);
+    EXPECT_THAT(AllNumbers(), ElementsAre(-1, 0, 4));
+}
+
+TEST_F(TraceStreams, PowerZoomMayStandBeforeTheSamples) {
+    Open(header + "\"Power Zoom Data\",255,256\n0,9" + zeros.substr(2) +
+         "\"End of Power Zoom Data\"\n\"Trace Data\",0,0\n" + Row(0));
+    TraceSurvey survey;
+    EXPECT_EQ(stream->Survey(survey), "");
+    EXPECT_EQ(survey.zoom.at(255).bytes[0], 9);
+    EXPECT_EQ(survey.rows, 1);
+    EXPECT_FALSE(survey.HasGaps());
+}
+
+TEST_F(TraceStreams, TwoBlocksOfSamplesAreRefused) {
+    const std::string block = "\"Trace Data\",0,0\n" + Row(0) + "\"End of Trace Data\"\n";
+    Open(header + block + block);
+    TraceSurvey survey;
+    EXPECT_THAT(stream->Survey(survey), HasSubstr("two blocks"));
+}
+
+TEST_F(TraceStreams, TimeToTheTriggerCountsUpToItsSample) {
+    // TIME is a count above two bits of a unit, from bit 110 on: byte 13 bit 6.
+    const auto timed = [](int number, int count) {
+        const int field = count << 2;
+        return std::to_string(number) + ",0,0,0,0,0,0,0,0,0,0,0,0,0," +
+               std::to_string(field << 6 & 255) + "," + std::to_string(field >> 2 & 255) + "," +
+               std::to_string(field >> 10 & 255) + ",0,0\n";
+    };
+    Open(header + "\"Trace Data\",-2,3\n" + timed(-2, 5) + timed(-1, 30) + timed(0, 40) +
+         timed(1, 1000) + "\"End of Trace Data\"\n");
+    TraceSurvey survey;
+    EXPECT_EQ(stream->Survey(survey), "");
+    EXPECT_EQ(survey.timeToTrigger, 5 + 30 + 40);
+    EXPECT_EQ(stream->TriggerNumber(), 0);
+}
+
+struct RangeCase {
+    std::int64_t first, last, before, after, trigger;
+};
+class Ranges : public testing::TestWithParam<RangeCase> {};
+
+TEST_P(Ranges, TellWhereTheTriggerIs) {
+    const auto counts = CountsOfRange(GetParam().first, GetParam().last);
+    ASSERT_TRUE(counts);
+    EXPECT_EQ(counts->before, GetParam().before);
+    EXPECT_EQ(counts->after, GetParam().after);
+    EXPECT_EQ(TriggerIndex(*counts), GetParam().trigger);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Ranges,
+                         testing::Values(RangeCase{-10, 20, 10, 20, 10}, RangeCase{0, 0, 0, 0, 0},
+                                         RangeCase{-10, 0, 10, 0, 9}, RangeCase{-9, -2, 8, 0, 7},
+                                         RangeCase{5, 12, 0, 8, 0}));
+
+} // namespace
+} // namespace busquill::test
