@@ -92,10 +92,9 @@ ValueDump::Item ValueDump::NewItem(const std::string& name, std::size_t width, b
         range = Printf("[%zu:0]", width - 1);
     }
     std::string unique = base;
-    for (int n = 2; std::ranges::find(names_, unique + range) != names_.end(); ++n) {
+    for (int n = 2; !names_.insert(unique + range).second; ++n) {
         unique = base + "_" + std::to_string(n);
     }
-    names_.push_back(unique + range);
     return {unique, range, IdentifierOf(names_.size() - 1), width, {}};
 }
 

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace busquill {
@@ -56,7 +57,7 @@ private:
 
     const CSignalList& list_;
     Capture capture_;
-    std::vector<std::string> names_; // that are taken
+    std::unordered_set<std::string> names_; // that are taken
     std::vector<Value> values_;
     Item trigger_;
     RunningTime time_;
