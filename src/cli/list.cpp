@@ -17,47 +17,50 @@ namespace busquill::cli {
 
 namespace {
 
-CSignal* FindColumn(const CSignalList& list, const std::string& name) {
-    const auto nameOf = [](const CSignal& signal, bool base) -> const std::string& {
-        return base ? signal.baseName : signal.RowName();
-    };
-    for (const bool base : {false, true}) {
-        for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
-            const bool whole = !base || !list[i].decoded;
-            if (whole && EqualIgnoringCase(nameOf(list[i], base), name)) {
-                return &list[i];
-            }
+/// The first row of the list that is called so; with `base`, whose bus is.
+CSignal* FindColumn(const CSignalList& list, const std::string& name, bool base) {
+    for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
+        const std::string& own = base ? list[i].baseName : list[i].RowName();
+        if (EqualIgnoringCase(own, name) && !(base && list[i].decoded)) {
+            return &list[i];
         }
     }
     return nullptr;
 }
 
-CSignal* AddColumn(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    const auto addDecoded = [&]() -> CSignal* {
-        for (const auto& def : tables.decodedSignals.Defs()) {
-            if (EqualIgnoringCase(def->name, name)) {
-                return list.AddSignal(nullptr, def, 0, 0, 0, def->color, Radix::Hex, true);
-            }
-        }
-        return nullptr;
-    };
-    if (CSignal* added = addDecoded()) {
-        return added;
-    }
-    for (const auto& def : tables.busSignals.Defs()) {
-        const std::size_t bracket = name.find('[');
-        const auto found = FindSignal(name, tables, {});
-        if (found && !found->decoded && EqualIgnoringCase(def->name, name.substr(0, bracket))) {
-            const int first = found->positions.front() - def->dataIndex;
-            const int last = found->positions.back() - def->dataIndex;
-            const int top = def->Width() - 1;
-            return def->bitReverse
-                       ? list.AddSignal(nullptr, def, 0, top - first, top - last, def->color,
-                                        Radix::Hex, true)
-                       : list.AddSignal(nullptr, def, 0, first, last, def->color, Radix::Hex, true);
+CSignal* AddDecoded(CSignalList& list, const std::string& name, const SignalTables& tables) {
+    for (const auto& def : tables.decodedSignals.Defs()) {
+        if (EqualIgnoringCase(def->name, name)) {
+            return list.AddSignal(nullptr, def, 0, 0, 0, def->color, Radix::Hex, true);
         }
     }
     return nullptr;
+}
+
+CSignal* AddLines(CSignalList& list, const std::string& name, const SignalTables& tables) {
+    const auto found = FindSignal(name, tables, {});
+    if (!found) {
+        return nullptr;
+    }
+    if (found->decoded) {
+        return AddDecoded(list, found->name, tables);
+    }
+    const auto def = tables.busSignals.FindByName(found->name.substr(0, found->name.find('[')));
+    const int first = found->positions.front() - def->dataIndex;
+    const int last = found->positions.back() - def->dataIndex;
+    const int top = def->Width() - 1;
+    return def->bitReverse
+               ? list.AddSignal(nullptr, def, 0, top - first, top - last, def->color, Radix::Hex,
+                                true)
+               : list.AddSignal(nullptr, def, 0, first, last, def->color, Radix::Hex, true);
+}
+
+/// A row of the list, or what the tables have of that name.
+CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables& tables) {
+    CSignal* column = FindColumn(list, name, false);
+    column = column != nullptr ? column : AddDecoded(list, name, tables);
+    column = column != nullptr ? column : FindColumn(list, name, true);
+    return column != nullptr ? column : AddLines(list, name, tables);
 }
 
 /// Leaves the named columns alone to be seen, in the order of their names.
@@ -68,8 +71,7 @@ void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
         if (EqualIgnoringCase(name, "SAMPLE")) {
             continue; // the first column in any case
         }
-        CSignal* column = FindColumn(list, name);
-        column = column != nullptr ? column : AddColumn(list, name, tables);
+        CSignal* column = ColumnOf(list, name, tables);
         if (column == nullptr) {
             std::string all;
             for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {

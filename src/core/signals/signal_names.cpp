@@ -121,7 +121,11 @@ std::optional<NamedSignal> FindSignal(std::string_view name, const SignalTables&
 }
 
 std::string BitName(const SignalTables& tables, int position) {
-    const auto def = tables.FindBusDefByDataIndex(position);
+    // In a sample, the bits that patterns use for ranges are those of the time.
+    auto def = tables.busSignals.FindByName("TIME");
+    if (!def || position < def->dataIndex || position >= def->dataIndex + def->Width()) {
+        def = tables.FindBusDefByDataIndex(position);
+    }
     if (!def) {
         return Printf("bit %d", position);
     }

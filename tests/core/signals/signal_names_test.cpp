@@ -77,6 +77,7 @@ TEST(SignalNames, BitsWithoutANameAreNumbered) {
     const BoardTables board("PCIKite-1");
     EXPECT_EQ(BitName(board.tables, 5), "AD[5]");
     EXPECT_EQ(BitName(board.tables, 72), "FRAME");
+    EXPECT_EQ(BitName(board.tables, 110), "TIME[0]"); // RANGE in a pattern
     EXPECT_EQ(BitName(board.tables, 140), "bit 140");
 }
 

@@ -1,0 +1,253 @@
+#include "boardsim/traffic.h"
+#include "boardsim/wire.h"
+#include "capture/sample_rows.h"
+#include "support/temp_dir.h"
+#include "support/trace_program.h"
+#include "support/value_dump_parser.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+
+namespace busquill::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+struct FamilyCase {
+    const char* name;
+    boardsim::Family family;
+    std::vector<std::string> options;
+};
+
+/// Captures that go out, and are read back by the tools that they are for.
+class Conversion : public testing::TestWithParam<FamilyCase> {
+protected:
+    static constexpr int samples = 700;
+    static constexpr int first = -200;
+
+    Conversion() : records(boardsim::MakeRecords(GetParam().family, 9, samples)) {
+        std::string text = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"
+                           "\"Trace Data\",-200,499\n";
+        for (int i = 0; i < samples; ++i) {
+            AppendRow(text, first + i, {records[static_cast<std::size_t>(i)]});
+        }
+        text += "\"End of Trace Data\"\n\"Power Zoom Data\",255,256\n";
+        zoom = boardsim::MakeZoom(records, 200);
+        for (int i = 0; i < 511; ++i) {
+            AppendRow(text, i - 255, {zoom[static_cast<std::size_t>(i)]});
+        }
+        dir.Write("a.tra", text + "\"End of Power Zoom Data\"\n");
+    }
+    void Convert(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"convert", "a.tra"});
+        arguments.insert(arguments.end(), GetParam().options.begin(), GetParam().options.end());
+        const ProgramRun run = RunTrace(arguments, {.folder = dir.Path()});
+        EXPECT_EQ(run.status, 0) << run.err;
+        said = run.err;
+    }
+    /// Runs one of the field's tools in the folder; whether it ended well.
+    bool Tool(const std::string& command) const {
+        return std::system(
+                   ("cd '" + dir.Path() + "' && " + command + " > tool.out 2> tool.err").c_str()) ==
+               0;
+    }
+    /// Holds all single bits and buses of a dump, whose names say where they lie, against the
+    /// records.
+    static void ExpectValues(const ParsedDump& dump,
+                             const std::vector<boardsim::Record>& captured) {
+        std::int64_t time = 0;
+        for (std::size_t i = 0; i < captured.size(); ++i) {
+            if (i != 0) {
+                const std::int64_t step = static_cast<std::int64_t>(boardsim::TimeOfField(
+                    boardsim::GetField(captured[i], boardsim::bitTime, boardsim::timeBits)));
+                time += std::max<std::int64_t>(step, 1);
+            }
+            std::string clock(1, boardsim::GetField(captured[i], boardsim::bitClock, 1) != 0 ? '1'
+                                                                                             : '0');
+            if (std::ranges::find(dump.order, "CLK") != dump.order.end()) {
+                ASSERT_EQ(dump.At(time, "CLK"), clock) << i;
+            }
+            if (std::ranges::find(dump.order, "AD[63:0]") != dump.order.end()) {
+                std::string bits;
+                for (int bit = 64; bit-- > 0;) {
+                    bits += boardsim::GetField(captured[i], bit, 1) != 0 ? '1' : '0';
+                }
+                ASSERT_EQ(dump.At(time, "AD[63:0]"), bits) << i;
+            }
+        }
+        EXPECT_EQ(dump.values.rbegin()->first, time);
+    }
+
+    const std::vector<boardsim::Record> records;
+    std::vector<boardsim::Record> zoom;
+    const TempDir dir;
+    std::string said;
+};
+
+TEST_P(Conversion, ADumpHoldsTheSamplesAtTheirTimes) {
+    Convert({"-o", "a.vcd"});
+    ExpectValues(ParseDump(ReadWholeFile(dir.File("a.vcd"))), records);
+    EXPECT_TRUE(std::filesystem::exists(dir.File("a.gtkw")));
+}
+
+TEST_P(Conversion, ADumpComesBackFromTheViewersOwnFormat) {
+    Convert({"-o", "a.vcd"});
+    ASSERT_TRUE(Tool("vcd2fst a.vcd a.fst && fst2vcd a.fst -o back.vcd"))
+        << ReadWholeFile(dir.File("tool.err"));
+    const ParsedDump there = ParseDump(ReadWholeFile(dir.File("a.vcd")));
+    const ParsedDump back = ParseDump(ReadWholeFile(dir.File("back.vcd")));
+    ASSERT_EQ(back.variables.size(), there.variables.size());
+    for (const auto& [time, values] : there.values) {
+        for (const auto& [name, value] : values) {
+            ASSERT_EQ(back.At(time, name), value) << time << " " << name;
+        }
+    }
+}
+
+TEST_P(Conversion, ThePowerZoomHasPicoseconds) {
+    Convert({"-o", "a.vcd", "--zoom"});
+    const ParsedDump dump = ParseDump(ReadWholeFile(dir.File("a.vcd")));
+    EXPECT_EQ(dump.timescale, "1ps");
+    ExpectValues(dump, zoom);
+}
+
+TEST_P(Conversion, ASessionFileHoldsTheRecords) {
+    Convert({"-o", "a.sr"});
+    EXPECT_THAT(said, HasSubstr("it shows samples, one a second, not time"));
+    ASSERT_TRUE(Tool("sigrok-cli -i a.sr -O binary -o a.bin"))
+        << ReadWholeFile(dir.File("tool.err"));
+    std::string expected;
+    for (const auto& record : records) {
+        expected.append(reinterpret_cast<const char*>(record.data()), record.size());
+    }
+    EXPECT_EQ(ReadWholeFile(dir.File("a.bin")), expected);
+    ASSERT_TRUE(Tool("sigrok-cli -i a.sr --show"));
+    const std::string shown = ReadWholeFile(dir.File("tool.out"));
+    EXPECT_THAT(shown, HasSubstr("Channels: 144\n"));
+    EXPECT_THAT(shown, HasSubstr("Samplerate: 1\n"));
+    EXPECT_THAT(shown, HasSubstr("- TIME[0]: logic\n"));
+}
+
+TEST_P(Conversion, ATableHasARowForEachSample) {
+    Convert({"-o", "a.csv", "--from", "-5", "--to", "10"});
+    const std::string table = ReadWholeFile(dir.File("a.csv"));
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 17);
+    EXPECT_THAT(table, testing::StartsWith("SAMPLE,Time [ns],"));
+    EXPECT_THAT(table, HasSubstr("\n-5,0,"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Families, Conversion,
+    testing::Values(FamilyCase{"Pci32", boardsim::Family::Pci32, {}},
+                    FamilyCase{"Pci64", boardsim::Family::Pci64, {"--width", "64"}},
+                    FamilyCase{"PciX", boardsim::Family::PciX, {"--bus", "PCI-X", "--width", "64"}},
+                    FamilyCase{"Vme", boardsim::Family::Vme, {"--bus", "VME"}},
+                    FamilyCase{"Lark", boardsim::Family::Lark, {"--model", "VMELark"}},
+                    FamilyCase{"Vsb", boardsim::Family::Vsb, {"--bus", "VSB"}},
+                    FamilyCase{"P2", boardsim::Family::ConnectorP2, {"--bus", "VMEP2"}},
+                    FamilyCase{"P0", boardsim::Family::ConnectorP0, {"--model", "VMEKiteP0"}}),
+    [](const auto& family) { return family.param.name; });
+
+class ConvertCommand : public testing::Test {
+protected:
+    static std::string Capture(const std::string& clock, int samples = 3) {
+        std::string text = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"
+                           "\"Trace Setup\"\n\"FileType\",\"Trace Setup File\"\n"
+                           "\"Version\",\"1.0\"\n\"Clock\",\"" +
+                           clock + "\"\n\"End of Setup Data\"\n\"Trace Data\",0," +
+                           std::to_string(samples - 1) + "\n";
+        for (int i = 0; i < samples; ++i) {
+            SampleRecord record;
+            record.bytes[0] = static_cast<std::uint8_t>(i);
+            record.bytes[1] = static_cast<std::uint8_t>(i >> 8);
+            record.bytes[14] = 15; // ns
+            AppendRow(text, i, record);
+        }
+        return text + "\"End of Trace Data\"\n";
+    }
+    ProgramRun Run(const std::vector<std::string>& arguments) {
+        return RunTrace(arguments, {.folder = dir.Path()});
+    }
+    std::string Shown(const std::string& file) {
+        EXPECT_EQ(std::system(
+                      ("cd '" + dir.Path() + "' && sigrok-cli -i " + file + " --show > shown 2>&1")
+                          .c_str()),
+                  0);
+        return ReadWholeFile(dir.File("shown"));
+    }
+
+    const TempDir dir;
+};
+
+TEST_F(ConvertCommand, ASessionFileOfASampledClockHasItsRate) {
+    dir.Write("a.tra", Capture("15 ns"));
+    const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_THAT(Shown("a.sr"), HasSubstr("Samplerate: 66666667\n"));
+}
+
+TEST_F(ConvertCommand, ALongSessionIsInSeveralPieces) {
+    constexpr int samples = 300'000;
+    dir.Write("a.tra", Capture("Sync", samples));
+    ASSERT_EQ(Run({"convert", "a.tra", "-o", "a.sr"}).status, 0);
+    ASSERT_EQ(
+        std::system(("cd '" + dir.Path() + "' && sigrok-cli -i a.sr -O binary -o a.bin").c_str()),
+        0);
+    const std::string bytes = ReadWholeFile(dir.File("a.bin"));
+    ASSERT_EQ(bytes.size(), std::size_t{18} * samples);
+    for (std::size_t i = 0; i < samples; i += 9973) {
+        ASSERT_EQ(static_cast<std::uint8_t>(bytes[18 * i]), i & 255) << i;
+        ASSERT_EQ(static_cast<std::uint8_t>(bytes[18 * i + 1]), i >> 8 & 255) << i;
+    }
+}
+
+TEST_F(ConvertCommand, TheEndingOrAnOptionTellsTheFormat) {
+    dir.Write("a.tra", Capture("Sync"));
+    EXPECT_EQ(Run({"convert", "a.tra", "-o", "A.CSV"}).status, 0);
+    EXPECT_THAT(ReadWholeFile(dir.File("A.CSV")), testing::StartsWith("SAMPLE,"));
+    const ProgramRun out = Run({"convert", "a.tra", "-o", "-", "--format", "csv"});
+    EXPECT_EQ(out.out, ReadWholeFile(dir.File("A.CSV")));
+    EXPECT_THAT(Run({"convert", "a.tra", "-o", "-", "--format", "vcd"}).out,
+                testing::StartsWith("$version\n"));
+    EXPECT_THAT(Run({"convert", "a.tra", "-o", "-", "--format", "sr"}).out,
+                testing::StartsWith("PK"));
+    EXPECT_EQ(Run({"convert", "a.tra", "-o", "data", "--format", "vcd"}).status, 0);
+    EXPECT_THAT(ReadWholeFile(dir.File("data.gtkw")), HasSubstr("[dumpfile] \"data\""));
+}
+
+TEST_F(ConvertCommand, ChangesOnlyAreFewerRows) {
+    std::string text = Capture("Sync", 0);
+    text = text.substr(0, text.find("\"Trace Data\"")) + "\"Trace Data\",0,3\n";
+    for (int i = 0; i < 4; ++i) {
+        SampleRecord record;
+        record.bytes[0] = i == 2 ? 1 : 0;
+        record.bytes[14] = 15;
+        AppendRow(text, i, record);
+    }
+    dir.Write("a.tra", text);
+    const std::string all = Run({"convert", "a.tra", "-o", "-", "--format", "csv"}).out;
+    const std::string changes =
+        Run({"convert", "a.tra", "-o", "-", "--format", "csv", "--changes"}).out;
+    EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 5);
+    EXPECT_EQ(std::count(changes.begin(), changes.end(), '\n'), 4);
+    EXPECT_THAT(changes, Not(HasSubstr("\n1,15,")));
+    EXPECT_THAT(changes, HasSubstr("\n2,30,"));
+}
+
+TEST_F(ConvertCommand, NothingToConvertLeavesNothingBehind) {
+    dir.Write("a.tra", Capture("Sync"));
+    for (const char* file : {"a.vcd", "a.csv", "a.sr"}) {
+        const ProgramRun run = Run({"convert", "a.tra", "-o", file, "--from", "7"});
+        EXPECT_EQ(run.status, 1) << file;
+        EXPECT_THAT(run.err, HasSubstr("there are no such samples"));
+        EXPECT_FALSE(std::filesystem::exists(dir.File(file)));
+        EXPECT_FALSE(std::filesystem::exists(dir.File(std::string(file) + ".part")));
+    }
+    EXPECT_EQ(Run({"convert", "a.tra", "-o", "a.vcd", "--zoom"}).status, 1);
+}
+
+} // namespace
+} // namespace busquill::test
