@@ -167,10 +167,6 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     if (period) {
         constexpr std::int64_t second = 1'000'000'000'000;
         capture.sampleRate = static_cast<std::uint64_t>((second + *period / 2) / *period);
-    } else {
-        Say(Printf("the clock of the samples is \"%s\", that of the bus; a session file knows one "
-                   "rate only, so it shows samples, one a second, not time",
-                   std::string(ClockText(setup.clock)).c_str()));
     }
     Output output(path);
     // The library between the two knows no exceptions.
@@ -193,6 +189,11 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         throw failure.value_or(Stop{ExitStatus::Failure, "the session file cannot be made"});
     }
     output.Close();
+    if (!period) {
+        Say(Printf("the clock of the samples is \"%s\", that of the bus; a session file knows one "
+                   "rate only, so it shows samples, one a second, not time",
+                   std::string(ClockText(setup.clock)).c_str()));
+    }
     return true;
 }
 

@@ -80,7 +80,7 @@ void Say(const std::string& text) {
 
 std::string JsonText(std::string_view text) {
     std::string quoted = "\"";
-    for (const char c : text) {
+    for (const char c : ToUtf8(text)) {
         if (c == '"' || c == '\\') {
             quoted += '\\';
             quoted += c;

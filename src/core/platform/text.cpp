@@ -17,6 +17,38 @@ bool IsSpace(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
+/// Bytes of a character by its first one; 0 for one that begins none.
+std::size_t CharacterLength(unsigned char first) noexcept {
+    return first < 0x80                    ? 1
+           : first >= 0xC2 && first < 0xE0 ? 2
+           : first >= 0xE0 && first < 0xF0 ? 3
+           : first >= 0xF0 && first < 0xF5 ? 4
+                                           : 0;
+}
+
+bool IsUtf8(std::string_view text) noexcept {
+    while (!text.empty()) {
+        const auto first = static_cast<unsigned char>(text[0]);
+        const std::size_t length = CharacterLength(first);
+        if (length == 0 || length > text.size()) {
+            return false;
+        }
+        for (const char c : text.substr(1, length - 1)) {
+            if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) {
+                return false;
+            }
+        }
+        // Longer than needed, halves of a pair, and what lies behind the last character.
+        const auto second = static_cast<unsigned char>(length > 1 ? text[1] : 0);
+        if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second >= 0xA0) ||
+            (first == 0xF0 && second < 0x90) || (first == 0xF4 && second >= 0x90)) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
 } // namespace
 
 std::string Printf(const char* format, ...) {
@@ -80,6 +112,23 @@ std::string_view Trim(std::string_view text) noexcept {
         text.remove_suffix(1);
     }
     return text;
+}
+
+std::string ToUtf8(std::string_view text) {
+    if (IsUtf8(text)) {
+        return std::string(text);
+    }
+    std::string converted;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80) {
+            converted += c;
+        } else {
+            converted += static_cast<char>(0xC0 | byte >> 6);
+            converted += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return converted;
 }
 
 } // namespace busquill

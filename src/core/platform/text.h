@@ -16,6 +16,9 @@ namespace busquill {
 /// The text in lower case; only the letters A to Z change.
 [[nodiscard]] std::string ToLower(std::string_view text);
 
+/// The text as UTF-8: bytes of a text that is none are taken for Latin-1.
+[[nodiscard]] std::string ToUtf8(std::string_view text);
+
 /// Whether two texts are equal without regard to the case of A to Z.
 [[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept;
 

@@ -69,5 +69,23 @@ TEST(TrimRight, TakesWhiteSpaceOffTheEndOnly) {
     EXPECT_EQ(TrimRight(""), "");
 }
 
+TEST(Utf8, StaysAsItIs) {
+    for (const char* text : {"", "plain", "5 \xC2\xB5s", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
+                             "\xED\x9F\xBF", "\xF4\x8F\xBF\xBF"}) {
+        EXPECT_EQ(ToUtf8(text), text);
+    }
+}
+
+TEST(Utf8, AnythingElseIsTakenForLatin1) {
+    EXPECT_EQ(ToUtf8("5 \xB5s"), "5 \xC2\xB5s");
+    EXPECT_EQ(ToUtf8("\xFF"), "\xC3\xBF");
+    EXPECT_EQ(ToUtf8("\xC2"), "\xC3\x82");             // cut off
+    EXPECT_EQ(ToUtf8("\xC0\x80"), "\xC3\x80\xC2\x80"); // longer than needed
+    EXPECT_EQ(ToUtf8("\xE0\x80\x80").size(), 6U);
+    EXPECT_EQ(ToUtf8("\xED\xA0\x80").size(), 6U); // half of a pair
+    EXPECT_EQ(ToUtf8("\xF4\x90\x80\x80").size(), 8U);
+    EXPECT_EQ(ToUtf8("\xC3\x41"), "\xC3\x83\x41");
+}
+
 } // namespace
 } // namespace busquill::test

@@ -1,0 +1,221 @@
+#include "support/temp_dir.h"
+#include "support/trace_program.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+#include <unistd.h>
+
+namespace busquill::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const std::string demo = BUSQUILL_SOURCE_DIR "/data/Trigger1.tra";
+const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
+const std::string zeros = ",0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
+
+class TraceFiles : public testing::Test {
+protected:
+    ProgramRun Run(const std::vector<std::string>& arguments, const std::string& in = "") {
+        return RunTrace(arguments, {.folder = dir.Path(), .standardInput = in});
+    }
+    /// What is in the folder, hidden or not.
+    std::set<std::string> Names() const {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(dir.Path())) {
+            names.insert(entry.path().filename().string());
+        }
+        return names;
+    }
+    void ExpectFailure(const std::vector<std::string>& arguments, const std::string& says) {
+        const ProgramRun run = Run(arguments);
+        EXPECT_EQ(run.status, 3) << arguments[0];
+        EXPECT_EQ(run.err, "busquill-trace: " + says + "\n") << arguments[0];
+    }
+
+    const TempDir dir;
+};
+
+TEST_F(TraceFiles, EveryCommandSaysWhichFileCannotBeRead) {
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"info", "gone.tra"},
+             {"list", "gone.tra"},
+             {"search", "gone.tra", "-p", "FRAME=0"},
+             {"filter", "gone.tra", "-p", "FRAME=0", "-o", "out.tra"},
+             {"convert", "gone.tra", "-o", "out.csv"},
+             {"compare", demo, "gone.tra"},
+             {"stats", "gone.tra"},
+             {"setup", "gone.tra"}}) {
+        ExpectFailure(command, "Error opening file gone.tra.");
+    }
+    EXPECT_TRUE(Names().empty());
+}
+
+struct BadFile {
+    const char* name;
+    std::string content;
+    const char* says;
+};
+class BadFiles : public TraceFiles, public testing::WithParamInterface<BadFile> {};
+
+TEST_P(BadFiles, GetOneLineAndLeaveNothingBehind) {
+    dir.Write("bad.tra", GetParam().content);
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"info", "bad.tra"},
+                                               {"list", "bad.tra"},
+                                               {"search", "bad.tra", "-p", "AD=1", "--all"},
+                                               {"filter", "bad.tra", "-p", "AD=1", "-o", "out.tra"},
+                                               {"convert", "bad.tra", "-o", "out.vcd"},
+                                               {"convert", "bad.tra", "-o", "out.sr"},
+                                               {"compare", "bad.tra", demo},
+                                               {"stats", "bad.tra"}}) {
+        const ProgramRun run = Run(command);
+        EXPECT_EQ(run.status, 3) << command[0];
+        EXPECT_THAT(run.err, HasSubstr(std::string("busquill-trace: bad.tra: ") + GetParam().says));
+        EXPECT_EQ(run.out, "") << command[0];
+    }
+    EXPECT_THAT(Names(), ElementsAre("bad.tra"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, BadFiles,
+    testing::Values(BadFile{"Empty", "", "Error: File type of 'Trace Data File' not found."},
+                    BadFile{"Junk",
+                            std::string("\x7f"
+                                        "ELF\0\xff\n\n\"",
+                                        9),
+                            "Error: File type of"},
+                    BadFile{"Setup", "\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n",
+                            "Error: File type of 'Trace Data File' not found."},
+                    BadFile{"LaterVersion",
+                            "\"FileType\",\"Trace Data File\"\n\"Version\",\"2.0\"\n",
+                            "Error: File version of 1.0 not found."},
+                    BadFile{"HugeRange", header + "\"Trace Data\",-2000000000,2000000000\n",
+                            "no capture has so many samples"}),
+    [](const auto& file) { return file.param.name; });
+
+TEST_F(TraceFiles, SamplesThatDoNotAscendAreRefused) {
+    dir.Write("a.tra", header + "\"Trace Data\",0,9\n5" + zeros + "4" + zeros);
+    ExpectFailure({"list", "a.tra", "-o", "out"},
+                  "a.tra: sample 4 comes after sample 5; samples must ascend");
+    ExpectFailure({"convert", "a.tra", "-o", "out.csv"},
+                  "a.tra: sample 4 comes after sample 5; samples must ascend");
+    EXPECT_THAT(Names(), ElementsAre("a.tra"));
+}
+
+TEST_F(TraceFiles, EveryCommandReadsStandardInput) {
+    const std::string text = ReadWholeFile(demo);
+    for (const std::vector<std::string>& rest :
+         std::vector<std::vector<std::string>>{{"list", "--to", "-4100"},
+                                               {"search", "-p", "COMMAND=Mem Wr", "--all"},
+                                               {"filter", "-p", "COMMAND=Mem Wr", "-o", "-"},
+                                               {"convert", "-o", "-", "--format", "csv"},
+                                               {"stats"}}) {
+        std::vector<std::string> piped = rest;
+        std::vector<std::string> named = rest;
+        piped.insert(piped.begin() + 1, "-");
+        named.insert(named.begin() + 1, demo);
+        const ProgramRun run = Run(piped, text);
+        EXPECT_EQ(run.status, 0) << rest[0] << run.err;
+        EXPECT_EQ(run.out, Run(named).out) << rest[0];
+    }
+    EXPECT_THAT(Run({"info", "-"}, text).out, HasSubstr("File:              standard input\n"));
+    EXPECT_EQ(Run({"compare", "-", demo}, text).status, 0);
+    EXPECT_EQ(Run({"compare", demo, "-"}, text).status, 0);
+    EXPECT_EQ(Run({"info", "-"}, "").err,
+              "busquill-trace: standard input: Error: File type of 'Trace Data File' not found.\n");
+}
+
+TEST_F(TraceFiles, EveryCommandWritesToAFile) {
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"info", demo},
+             {"list", demo, "--to", "-4100"},
+             {"search", demo, "-p", "FRAME=0"},
+             {"compare", demo, demo},
+             {"stats", demo},
+             {"setup", BUSQUILL_SOURCE_DIR "/data/MemoryWrite.tsp"}}) {
+        std::vector<std::string> toFile = command;
+        toFile.insert(toFile.end(), {"-o", "out"});
+        const ProgramRun run = Run(toFile);
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(run.out, "");
+        EXPECT_EQ(ReadWholeFile(dir.File("out")), Run(command).out) << command[0];
+        EXPECT_THAT(Names(), ElementsAre("out"));
+    }
+}
+
+TEST_F(TraceFiles, TargetsThatCannotBeMade) {
+    ExpectFailure({"list", demo, "-o", "no/such/out"}, "Error creating file no/such/out.");
+    ExpectFailure({"convert", demo, "-o", "no/out.sr"}, "Error creating file no/out.sr.");
+    std::filesystem::create_directory(dir.File("folder"));
+    ExpectFailure({"list", demo, "-o", "folder"}, "Error creating file folder.");
+}
+
+TEST_F(TraceFiles, ADiskThatIsFull) {
+    ExpectFailure({"list", demo, "-o", "/dev/full"}, "Error writing file /dev/full.");
+    ExpectFailure({"convert", demo, "-o", "/dev/full", "--format", "sr"},
+                  "Error writing file /dev/full.");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+}
+
+TEST_F(TraceFiles, AnExistingFileStaysAsItIsWhenTheCommandFails) {
+    dir.Write("out.csv", "precious");
+    dir.Write("a.tra", header + "\"Trace Data\",0,9\n5" + zeros + "4" + zeros);
+    EXPECT_EQ(Run({"convert", "a.tra", "-o", "out.csv"}).status, 3);
+    EXPECT_EQ(Run({"convert", demo, "-o", "out.csv", "--from", "9999"}).status, 1);
+    EXPECT_EQ(ReadWholeFile(dir.File("out.csv")), "precious");
+    EXPECT_EQ(Run({"convert", demo, "-o", "out.csv", "--to", "-4147"}).status, 0);
+    EXPECT_THAT(ReadWholeFile(dir.File("out.csv")), testing::StartsWith("SAMPLE,"));
+}
+
+TEST_F(TraceFiles, ALinkStaysALink) {
+    dir.Write("real", "old");
+    std::filesystem::create_symlink("real", dir.File("link"));
+    EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "link"}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.File("link")));
+    EXPECT_EQ(ReadWholeFile(dir.File("real")), Run({"search", demo, "-p", "FRAME=0"}).out);
+}
+
+TEST_F(TraceFiles, ACaptureCanBeFilteredInPlace) {
+    dir.Write("a.tra", ReadWholeFile(demo));
+    EXPECT_EQ(Run({"filter", "a.tra", "-p", "COMMAND=Mem Wr", "-o", "a.tra"}).status, 0);
+    EXPECT_EQ(Run({"filter", demo, "-p", "COMMAND=Mem Wr", "-o", "b.tra"}).status, 0);
+    EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), ReadWholeFile(dir.File("b.tra")));
+}
+
+TEST_F(TraceFiles, APipeThatNobodyReadsEndsQuietly) {
+    const ProgramRun run =
+        RunTrace({"list", demo, "--format", "csv"}, {.folder = dir.Path(), .readAtMost = 1000});
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, testing::StartsWith("SAMPLE,"));
+    const ProgramRun session = RunTrace({"convert", demo, "-o", "-", "--format", "vcd"},
+                                        {.folder = dir.Path(), .readAtMost = 1});
+    EXPECT_EQ(session.err, "");
+    EXPECT_EQ(session.status, 0);
+}
+
+TEST_F(TraceFiles, TextsThatAreNoUnicodeComeOutAsUnicodeInJson) {
+    dir.Write("a.tra", header + "\"Description\",\"5 \xB5s \\ \"\n\"Trace Data\",0,0\n0" + zeros);
+    EXPECT_THAT(Run({"info", "--json", "a.tra"}).out,
+                HasSubstr("\"description\": \"5 \xC2\xB5s \\\\ \""));
+    dir.Write("b.tra", header + "\"Description\",\"5 \xC2\xB5s\ttab\"\n");
+    EXPECT_THAT(Run({"info", "--json", "b.tra"}).out,
+                HasSubstr("\"description\": \"5 \xC2\xB5s\\u0009tab\""));
+}
+
+TEST_F(TraceFiles, CarriageReturnsMakeNoDifference) {
+    std::string text = ReadWholeFile(demo);
+    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 2)) {
+        text.insert(at, 1, '\r');
+    }
+    dir.Write("crlf.tra", text);
+    EXPECT_EQ(Run({"list", "crlf.tra", "--to", "-3900"}).out,
+              Run({"list", demo, "--to", "-3900"}).out);
+    EXPECT_EQ(Run({"compare", "crlf.tra", demo}).status, 0);
+}
+
+} // namespace
+} // namespace busquill::test
