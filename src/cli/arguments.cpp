@@ -5,6 +5,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <limits>
 
@@ -26,7 +27,7 @@ constexpr OptionRow optionRows[] = {
     {0,   "to",            "N",          "end at sample N"},
     {0,   "columns",       "NAME,...",   "these columns only"},
     {0,   "zoom",          nullptr,      "the Power Zoom samples"},
-    {0,   "format",        "FORMAT",     "text, csv or json for a listing; vcd, csv or sr for a conversion"},
+    {0,   "format",        "FORMAT",     "list: text, csv or json; convert: vcd, csv or sr"},
     {'p', "pattern",       "NAME=VALUE", "samples with this value; may be given several times, all must hold"},
     {0,   "backward",      nullptr,      "search towards the first sample"},
     {0,   "all",           nullptr,      "all matches, not the first alone"},
@@ -37,7 +38,7 @@ constexpr OptionRow optionRows[] = {
     {0,   "port",          "PORT",       "COM1 to COM8, the path of a terminal device, or USB"},
     {0,   "baud",          "RATE",       "rate of the serial line (default 57600)"},
     {0,   "setup",         "FILE",       "trigger program (.tsp)"},
-    {0,   "timeout",       "S",          "end after S seconds, whatever is going on"},
+    {0,   "timeout",       "S",          "stop the board after S seconds; what it has is still fetched"},
     {0,   "repeat",        "N",          "run N times (0: without end) into numbered files"},
     {0,   "stop-if-found", "NAME=VALUE", "end the runs when a capture holds this; may be given several times"},
 };
@@ -72,7 +73,7 @@ constexpr CommandRow commandRows[] = {
      "the connected board and its bus", RunBoard},
     {"capture", "", 0, 0,
      "output port baud setup timeout repeat stop-if-found",
-     "capture with the connected board", RunCapture},
+     "captures with the connected board", RunCapture},
 };
 
 // clang-format on
@@ -285,14 +286,12 @@ std::string HelpText(const CommandRow* command) {
                "or output.\n"
                "Exit status: 0 done, 1 nothing found or captures differ, 2 wrong use, 3 failure.\n";
     }
-    text = Printf("Usage: busquill-trace %s [OPTION...] %s\n\nPrints %s.\n\nOptions:\n",
-                  command->name, command->operands, command->help);
-    if (std::string_view(command->name) == "filter" ||
-        std::string_view(command->name) == "convert" ||
-        std::string_view(command->name) == "capture") {
-        text = Printf("Usage: busquill-trace %s [OPTION...] -o FILE %s\n\nWrites %s.\n\nOptions:\n",
-                      command->name, command->operands, command->help);
-    }
+    const std::string_view name = command->name;
+    const bool writesFile = name == "filter" || name == "convert" || name == "capture";
+    std::string about = command->help;
+    about[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(about[0])));
+    text = Printf("Usage: busquill-trace %s [OPTION...]%s %s\n\n%s.\n\nOptions:\n", command->name,
+                  writesFile ? " -o FILE" : "", command->operands, about.c_str());
     for (const OptionRow& option : optionRows) {
         if (Takes(*command, option.name)) {
             text += OptionLine(option);

@@ -13,6 +13,7 @@
 #include "signals/signal_names.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace busquill::cli {
 
@@ -122,7 +123,8 @@ bool ToDump(Source& source, const Bus& bus, const std::string& path) {
         return false;
     }
     output.Close();
-    if (path != "-") {
+    std::error_code unknown;
+    if (path != "-" && std::filesystem::is_regular_file(path, unknown)) {
         const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
         Output viewer(path.substr(0, point) + ".gtkw");
         viewer.Write(dump.ViewerFile(FileNameOf(path)));
@@ -146,6 +148,30 @@ bool ToTable(Source& source, const Bus& bus, const std::string& path, bool chang
     }
     return any;
 }
+
+/// Whether samples follow one another in the clock's own time.
+class Evenness {
+public:
+    Evenness(std::optional<std::int64_t> period, bool zoom)
+        : period_(period.value_or(0)), unit_(zoom ? 1 : 1000) {}
+
+    void Take(const SampleRows& rows) {
+        for (const SampleRecord& record : rows.records) {
+            // TIME has whole nanoseconds, which half a period of the fastest clocks is not.
+            const std::int64_t time = time_.Of(record) * unit_;
+            even_ = even_ && (first_ || std::abs(time - period_) < unit_);
+            first_ = false;
+        }
+    }
+    [[nodiscard]] bool IsEven() const noexcept { return even_; }
+
+private:
+    const std::int64_t period_; // picoseconds
+    const std::int64_t unit_;
+    SampleTime time_;
+    bool first_ = true;
+    bool even_ = true;
+};
 
 bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     SessionFile::Capture capture;
@@ -180,8 +206,11 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         return !failure;
     });
     bool good = true;
-    const bool any =
-        source.ForEach([&](const SampleRows& rows) { good = good && session.Add(rows); });
+    Evenness even(period, source.IsZoom());
+    const bool any = source.ForEach([&](const SampleRows& rows) {
+        good = good && session.Add(rows);
+        even.Take(rows);
+    });
     if (!any) {
         return false;
     }
@@ -189,6 +218,10 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         throw failure.value_or(Stop{ExitStatus::Failure, "the session file cannot be made"});
     }
     output.Close();
+    if (period && !even.IsEven()) {
+        Say("the samples are not evenly spaced; a session file knows one rate only, so it shows "
+            "samples, not time");
+    }
     if (!period) {
         Say(Printf("the clock of the samples is \"%s\", that of the bus; a session file knows one "
                    "rate only, so it shows samples, one a second, not time",
@@ -206,6 +239,9 @@ int RunConvert(const Arguments& arguments) {
         WrongUse("convert needs -o FILE");
     }
     const std::string format = FormatOf(arguments);
+    if (format == "vcd" && ToLower(path).ends_with(".gtkw")) {
+        WrongUse("a .gtkw is what the viewer gets beside the dump; the dump itself ends in .vcd");
+    }
     if (arguments.Has("changes") && format != "csv") {
         WrongUse("--changes is for .csv; a ." + format + " holds " +
                  (format == "vcd" ? "changes in any case" : "all samples"));

@@ -5,6 +5,26 @@
 
 namespace busquill::cli {
 
+namespace {
+
+/// The texts, those of several lines taken apart.
+std::vector<std::string> LinesOf(const Fact& fact) {
+    std::vector<std::string> lines;
+    for (const std::string& text : fact.texts) {
+        lines.emplace_back();
+        for (const char c : text) {
+            if (c == '\n') {
+                lines.emplace_back();
+            } else if (c != '\r') {
+                lines.back() += c;
+            }
+        }
+    }
+    return lines;
+}
+
+} // namespace
+
 Fact TextFact(const char* title, const char* key, const std::string& text) {
     return {title, key, {text}};
 }
@@ -21,7 +41,7 @@ std::string FactsAsText(const std::vector<Fact>& facts) {
     std::string text;
     for (const Fact& fact : facts) {
         const char* title = fact.title;
-        for (const std::string& line : fact.texts) {
+        for (const std::string& line : LinesOf(fact)) {
             text += Printf("%-18s %s\n", *title != '\0' ? (std::string(title) + ":").c_str() : "",
                            line.c_str());
             title = "";

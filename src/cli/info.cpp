@@ -4,6 +4,7 @@
 #include "cli/facts.h"
 #include "cli/input.h"
 #include "cli/output.h"
+#include "cli/stop.h"
 #include "cli/words.h"
 #include "platform/text.h"
 
@@ -39,7 +40,7 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
                                TextFact("Setup", "setup", stream.setup.name)};
     facts.push_back(ListFact("Program", "program", SetupWords(stream.setup, bus.Board())));
     facts.push_back(NumberFact("Samples", "samples", survey.rows));
-    if (survey.hasSamples) {
+    if (survey.hasSamples && survey.last >= survey.first) {
         facts.push_back(NumberFact("First sample", "first", survey.first));
         facts.push_back(NumberFact("Last sample", "last", survey.last));
         const bool held = survey.first <= 0 && survey.last >= 0;
@@ -48,9 +49,8 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
             held ? Printf("sample 0, %lld samples before it", static_cast<long long>(-survey.first))
                  : "not among the samples"));
         if (survey.HasGaps()) {
-            facts.push_back(NumberFact("Left out", "leftOut",
-                                       std::max<std::int64_t>(0, survey.last - survey.first + 1) -
-                                           survey.rows));
+            facts.push_back(
+                NumberFact("Left out", "leftOut", survey.last - survey.first + 1 - survey.rows));
         }
     }
     facts.push_back(TextFact("Lists", "lists", ListWords(stream)));
@@ -66,16 +66,25 @@ int RunInfo(const Arguments& arguments) {
     Output output(arguments.Value("output"));
     const bool json = arguments.Has("json");
     bool first = true;
+    int status = ExitStatus::Done;
     for (const std::string& path : arguments.operands) {
-        TraceInput input(path);
-        const auto facts = FactsOf(input, bus);
+        std::vector<Fact> facts;
+        try {
+            TraceInput input(path);
+            facts = FactsOf(input, bus);
+        } catch (const Stop& stop) {
+            // The other files are told of all the same.
+            Say(stop.message);
+            status = stop.status;
+            continue;
+        }
         output.Write(json ? (first ? "[" : ",\n ") + FactsAsJson(facts)
                           : (first ? "" : "\n") + FactsAsText(facts));
         first = false;
     }
-    output.Write(json ? "]\n" : "");
+    output.Write(!json ? "" : first ? "[]\n" : "]\n");
     output.Close();
-    return 0;
+    return status;
 }
 
 } // namespace busquill::cli

@@ -8,16 +8,20 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 
 namespace busquill::cli {
 
 namespace {
 
-FileHandle CopyOfStandardInput() {
+FileHandle CopyOf(std::FILE* input, const std::string& name) {
     FileHandle copy(std::tmpfile());
     std::array<char, std::size_t{1} << 16> buffer;
     while (copy) {
-        const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), stdin);
+        const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), input);
+        if (Interrupted()) {
+            Fail("interrupted");
+        }
         if (count == 0) {
             break;
         }
@@ -25,8 +29,8 @@ FileHandle CopyOfStandardInput() {
             copy.reset();
         }
     }
-    if (!copy || std::ferror(stdin) != 0 || std::fflush(copy.get()) != 0) {
-        Fail("standard input cannot be read");
+    if (!copy || std::ferror(input) != 0 || std::fflush(copy.get()) != 0) {
+        Fail(name + " cannot be read");
     }
     return copy;
 }
@@ -35,8 +39,17 @@ FileHandle CopyOfStandardInput() {
 
 TextReader OpenInput(const std::string& path) {
     TextReader file;
+    std::error_code unknown;
+    const auto present = std::filesystem::status(path, unknown);
     if (path == "-") {
-        file.Take(CopyOfStandardInput());
+        file.Take(CopyOf(stdin, "standard input"));
+    } else if (std::filesystem::exists(present) && !std::filesystem::is_regular_file(present) &&
+               !std::filesystem::is_directory(present)) {
+        const FileHandle pipe(std::fopen(path.c_str(), "rb"));
+        if (!pipe) {
+            Fail(Printf("Error opening file %s.", path.c_str()));
+        }
+        file.Take(CopyOf(pipe.get(), path));
     } else if (!file.Open(path)) {
         Fail(Printf("Error opening file %s.", path.c_str()));
     }
@@ -56,9 +69,17 @@ void TraceInput::ReadHead() {
     Check(stream_.ReadHead());
 }
 
+void TraceInput::TellIfCutOff(bool isCutOff) {
+    if (isCutOff && !cutOffTold_) {
+        cutOffTold_ = true;
+        Say(name_ + " ends before its samples do");
+    }
+}
+
 TraceSurvey TraceInput::Survey() {
     TraceSurvey survey;
     Check(stream_.Survey(survey));
+    TellIfCutOff(survey.cutOff);
     return survey;
 }
 
@@ -67,6 +88,7 @@ const SampleRows* TraceInput::NextRows() {
         Fail("interrupted");
     }
     const SampleRows* rows = stream_.NextRows();
+    TellIfCutOff(stream_.CutOff());
     Check(stream_.Wrong());
     return rows;
 }

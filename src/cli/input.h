@@ -31,10 +31,12 @@ public:
 
 private:
     void Check(const std::string& wrong) const;
+    void TellIfCutOff(bool isCutOff);
 
     std::string name_;
     TextReader file_;
     TraceStream stream_;
+    bool cutOffTold_ = false;
 };
 
 /// The Power Zoom samples with their numbers.

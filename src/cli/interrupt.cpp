@@ -15,6 +15,7 @@ sigset_t Signals() {
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGHUP);
     return signals;
 }
 
@@ -27,6 +28,7 @@ void NoticeInterrupts() {
     action.sa_flags = 0; // a read that waits ends
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGHUP, &action, nullptr);
 }
 
 bool Interrupted() noexcept {

@@ -66,17 +66,17 @@ CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables
 /// Leaves the named columns alone to be seen, in the order of their names.
 void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
                  const SignalTables& tables) {
+    std::string all;
+    for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
+        all += (all.empty() ? "" : ", ") + list[i].RowName();
+    }
     std::vector<CSignal*> shown;
     for (const std::string& name : names) {
-        if (EqualIgnoringCase(name, "SAMPLE")) {
+        if (name.empty() || EqualIgnoringCase(name, "SAMPLE")) {
             continue; // the first column in any case
         }
         CSignal* column = ColumnOf(list, name, tables);
         if (column == nullptr) {
-            std::string all;
-            for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
-                all += (all.empty() ? "" : ", ") + list[i].RowName();
-            }
             WrongUse(Printf("no column \"%s\"; there are %s", name.c_str(), all.c_str()));
         }
         shown.push_back(column);
@@ -229,6 +229,9 @@ int RunList(const Arguments& arguments) {
     }
     writer.End();
     output.Close();
+    if (!writer.Any()) {
+        Say("there are no such samples");
+    }
     return writer.Any() ? ExitStatus::Done : ExitStatus::NothingFound;
 }
 

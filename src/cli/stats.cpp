@@ -33,6 +33,9 @@ struct Line {
 };
 
 std::vector<Line> LinesOf(const TraceSummary& sum) {
+    if (!sum.waitStates && !sum.acknowledgeTime) {
+        return {}; // a connector has no transactions
+    }
     std::uint64_t transactions = 0;
     for (const CommandCount& command : sum.commands) {
         transactions += command.transactions;

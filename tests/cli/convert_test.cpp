@@ -189,6 +189,27 @@ TEST_F(ConvertCommand, ASessionFileOfASampledClockHasItsRate) {
     EXPECT_THAT(Shown("a.sr"), HasSubstr("Samplerate: 66666667\n"));
 }
 
+TEST_F(ConvertCommand, ASessionSaysWhenItsSamplesAreNotEvenlySpaced) {
+    dir.Write("a.tra", Capture("30 ns")); // whose samples are 15 ns apart
+    const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err, HasSubstr("the samples are not evenly spaced"));
+}
+
+TEST_F(ConvertCommand, TimesDoNotHangOnWhatAListShows) {
+    std::string text = Capture("Sync");
+    text.insert(
+        text.find("\"Trace Data\""),
+        "\"State Signals\"\n\"Signal\",\"A.B\",\"AD\",\"\",\"\",\"\",-1,0,0,20,30,0,\"Show\","
+        "\"Hex\"\n\"End of State Signals\"\n");
+    dir.Write("a.tra", text);
+    EXPECT_EQ(Run({"convert", "a.tra", "-o", "-", "--format", "csv"}).out,
+              "SAMPLE,Time [ns],A.B\n0,0,0\n1,15,1\n2,30,0\n");
+    const std::string dump = Run({"convert", "a.tra", "-o", "-", "--format", "vcd"}).out;
+    EXPECT_THAT(dump, HasSubstr(" A_B $end\n")); // a point would part two scopes
+    EXPECT_THAT(dump, HasSubstr("\n#30\n"));
+}
+
 TEST_F(ConvertCommand, ALongSessionIsInSeveralPieces) {
     constexpr int samples = 300'000;
     dir.Write("a.tra", Capture("Sync", samples));
@@ -244,8 +265,9 @@ TEST_F(ConvertCommand, NothingToConvertLeavesNothingBehind) {
         EXPECT_EQ(run.status, 1) << file;
         EXPECT_THAT(run.err, HasSubstr("there are no such samples"));
         EXPECT_FALSE(std::filesystem::exists(dir.File(file)));
-        EXPECT_FALSE(std::filesystem::exists(dir.File(std::string(file) + ".part")));
     }
+    const std::filesystem::directory_iterator files(dir.Path());
+    EXPECT_EQ(std::distance(begin(files), end(files)), 1); // the capture
     EXPECT_EQ(Run({"convert", "a.tra", "-o", "a.vcd", "--zoom"}).status, 1);
 }
 

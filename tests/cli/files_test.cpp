@@ -4,7 +4,8 @@
 #include <gmock/gmock.h>
 
 #include <set>
-#include <unistd.h>
+#include <sys/stat.h>
+#include <thread>
 
 namespace busquill::test {
 namespace {
@@ -99,9 +100,11 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(TraceFiles, SamplesThatDoNotAscendAreRefused) {
     dir.Write("a.tra", header + "\"Trace Data\",0,9\n5" + zeros + "4" + zeros);
     ExpectFailure({"list", "a.tra", "-o", "out"},
-                  "a.tra: sample 4 comes after sample 5; samples must ascend");
+                  "a.tra: sample 4 comes after sample 5; samples must ascend, as they do "
+                  "once it has been opened and saved in a window");
     ExpectFailure({"convert", "a.tra", "-o", "out.csv"},
-                  "a.tra: sample 4 comes after sample 5; samples must ascend");
+                  "a.tra: sample 4 comes after sample 5; samples must ascend, as they do "
+                  "once it has been opened and saved in a window");
     EXPECT_THAT(Names(), ElementsAre("a.tra"));
 }
 
@@ -176,6 +179,73 @@ TEST_F(TraceFiles, ALinkStaysALink) {
     EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "link"}).status, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(dir.File("link")));
     EXPECT_EQ(ReadWholeFile(dir.File("real")), Run({"search", demo, "-p", "FRAME=0"}).out);
+}
+
+TEST_F(TraceFiles, ALinkToNothingMakesWhatItNames) {
+    std::filesystem::create_symlink("real", dir.File("link"));
+    EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "link"}).status, 0);
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.File("link")));
+    EXPECT_THAT(Names(), ElementsAre("link", "real"));
+    std::filesystem::create_symlink("round", dir.File("round"));
+    EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "round"}).status, 3);
+}
+
+TEST_F(TraceFiles, AFileKeepsItsRightsAndThoseBesideItAreLeftAlone) {
+    dir.Write("out", "old");
+    dir.Write("out.part", "precious");
+    std::filesystem::permissions(dir.File("out"), std::filesystem::perms::owner_read |
+                                                      std::filesystem::perms::owner_write);
+    EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "out"}).status, 0);
+    EXPECT_EQ(std::filesystem::status(dir.File("out")).permissions(),
+              std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
+    EXPECT_EQ(ReadWholeFile(dir.File("out.part")), "precious");
+    EXPECT_THAT(Names(), ElementsAre("out", "out.part"));
+}
+
+TEST_F(TraceFiles, TheViewersFileDoesNotReplaceTheDump) {
+    const ProgramRun run = Run({"convert", demo, "--format", "vcd", "-o", "dump.gtkw"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Names().empty());
+    EXPECT_EQ(Run({"convert", demo, "--format", "vcd", "-o", "/dev/null"}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists("/dev/null.gtkw"));
+}
+
+TEST_F(TraceFiles, InfoTellsOfTheOthersWhenOneIsBad) {
+    dir.Write("bad.tra", "");
+    const ProgramRun run = Run({"info", "bad.tra", demo, "gone.tra"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.out, testing::StartsWith("File:              " + demo));
+    EXPECT_THAT(run.err, HasSubstr("bad.tra: Error: File type"));
+    EXPECT_THAT(run.err, HasSubstr("Error opening file gone.tra."));
+    EXPECT_EQ(Run({"info", "--json", "bad.tra"}).out, "[]\n");
+}
+
+TEST_F(TraceFiles, AFileThatIsCutOffIsReadAndSaidToBe) {
+    dir.Write("cut.tra", header + "\"Trace Data\",0,9\n0" + zeros + "1" + zeros + "2,0,0");
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"info", "cut.tra"},
+                                               {"list", "cut.tra"},
+                                               {"search", "cut.tra", "-p", "AD=0", "--all"},
+                                               {"convert", "cut.tra", "-o", "-", "--format", "csv"},
+                                               {"filter", "cut.tra", "-p", "AD=0", "-o", "-"}}) {
+        const ProgramRun run = Run(command);
+        EXPECT_EQ(run.status, 0) << command[0];
+        EXPECT_EQ(run.err, "busquill-trace: cut.tra ends before its samples do\n") << command[0];
+        EXPECT_NE(run.out, "");
+    }
+}
+
+TEST_F(TraceFiles, APipeIsReadLikeStandardInput) {
+    const std::string pipe = dir.File("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const ProgramRun reader = [&] {
+        std::thread writer([&] { std::ofstream(pipe) << ReadWholeFile(demo); });
+        ProgramRun run = Run({"stats", "pipe"});
+        writer.join();
+        return run;
+    }();
+    EXPECT_EQ(reader.status, 0) << reader.err;
+    EXPECT_EQ(reader.out, Run({"stats", demo}).out);
 }
 
 TEST_F(TraceFiles, ACaptureCanBeFilteredInPlace) {

@@ -20,6 +20,7 @@ TraceParser::Event TraceParser::Next() {
         const auto line = file_.ReadLine();
         if (!line) {
             blockLine_ = file_.LineStart();
+            hasEndOfBlock_ = hasEndOfBlock_ && !inBlock_;
             EndBlock();
             waiting_.push_back(Event::End);
         } else if (!inBlock_ || !ParsePlainRow(*line, rows_)) {
@@ -81,6 +82,7 @@ void TraceParser::Dispatch(const Fields& fields) {
             Begin(Event::Zoom);
         }
     } else if (key == "End of Trace Data" || key == "End of Power Zoom Data") {
+        hasEndOfBlock_ = true;
         EndBlock();
     } else if (inBlock_) {
         static_cast<void>(ParseRow(fields, rows_)); // anything else is nothing
@@ -89,6 +91,7 @@ void TraceParser::Dispatch(const Fields& fields) {
 
 void TraceParser::Begin(Event event) {
     EndBlock();
+    hasEndOfBlock_ = false;
     inBlock_ = true;
     waiting_.push_back(event);
 }

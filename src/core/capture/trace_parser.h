@@ -47,6 +47,9 @@ public:
     /// Where in the file the line begins that began or ended the block.
     [[nodiscard]] std::uint64_t BlockLine() const noexcept { return blockLine_; }
 
+    /// Whether a line ended the block that ended last, and not the file.
+    [[nodiscard]] bool HasEndOfBlock() const noexcept { return hasEndOfBlock_; }
+
     [[nodiscard]] const std::string& FileType() const noexcept { return fileType_; }
     [[nodiscard]] const std::string& Version() const noexcept { return version_; }
     [[nodiscard]] bool HasStateList() const noexcept { return hasState_; }
@@ -69,6 +72,7 @@ private:
     bool hasWaveform_ = false;
     bool hasZoom_ = false;
     bool inBlock_ = false;
+    bool hasEndOfBlock_ = false;
     std::int64_t first_ = 0;
     std::int64_t last_ = 0;
     std::uint64_t blockLine_ = 0;

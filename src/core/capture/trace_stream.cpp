@@ -30,6 +30,7 @@ void TraceStream::Restart() {
         TraceParser::Parts{comment, setup, stateList, waveformList, zoomList}, file_);
     wrong_.clear();
     hasSamples_ = inSamples_ = false;
+    cutOff_ = false;
     zoom_.clear();
 }
 
@@ -99,8 +100,10 @@ const SampleRows* TraceStream::NextRows() {
                     continue;
                 }
                 if (number <= lastNumber_) {
-                    wrong_ = Printf("sample %d comes after sample %d; samples must ascend", number,
-                                    static_cast<int>(lastNumber_));
+                    wrong_ =
+                        Printf("sample %d comes after sample %d; samples must ascend, as they do "
+                               "once it has been opened and saved in a window",
+                               number, static_cast<int>(lastNumber_));
                     return nullptr;
                 }
                 lastNumber_ = number;
@@ -112,10 +115,9 @@ const SampleRows* TraceStream::NextRows() {
             break;
         }
         case TraceParser::Event::EndOfBlock:
-        case TraceParser::Event::End:
-            blockEnd_ = parser_->BlockLine();
-            inSamples_ = false;
+            EndSamples();
             break;
+        case TraceParser::Event::End: // which a block ends before
         case TraceParser::Event::Samples:
         case TraceParser::Event::Zoom:
             break; // a block ends before another begins
@@ -125,6 +127,20 @@ const SampleRows* TraceStream::NextRows() {
         wrong_ = "it cannot be read to its end";
     }
     return nullptr;
+}
+
+/// Also reads what stands behind the samples, which may be more samples.
+void TraceStream::EndSamples() {
+    blockEnd_ = parser_->BlockLine();
+    inSamples_ = false;
+    TraceParser::Event event = parser_->Next();
+    cutOff_ = event == TraceParser::Event::End && !parser_->HasEndOfBlock();
+    for (; event != TraceParser::Event::End && wrong_.empty(); event = parser_->Next()) {
+        if (event == TraceParser::Event::Samples) {
+            wrong_ = BeginSamples();
+        }
+        TakeZoom(event);
+    }
 }
 
 std::int64_t TraceStream::TriggerNumber() const noexcept {
@@ -167,16 +183,7 @@ std::string TraceStream::Survey(TraceSurvey& survey) {
             survey.timeToTrigger += time.Of(rows->records[i]);
         }
     }
-    while (wrong_.empty()) {
-        const TraceParser::Event event = parser_->Next();
-        if (event == TraceParser::Event::End) {
-            break;
-        }
-        if (event == TraceParser::Event::Samples) {
-            wrong_ = BeginSamples();
-        }
-        TakeZoom(event);
-    }
+    survey.cutOff = cutOff_;
     survey.hasZoom = !zoom_.empty();
     survey.zoom = std::move(zoom_);
     std::string wrong = wrong_;

@@ -21,6 +21,7 @@ struct TraceSurvey {
     std::int64_t rows = 0; // samples that it holds
     std::int64_t firstHeld = 0;
     std::int64_t lastHeld = 0;
+    bool cutOff = false; // the file ends in the middle of them
     bool hasZoom = false;
     /// Power Zoom samples by their place, those that the file does not mention as zeros.
     std::vector<SampleRecord> zoom;
@@ -55,6 +56,8 @@ public:
     /// The number of the sample at which the trigger is marked.
     [[nodiscard]] std::int64_t TriggerNumber() const noexcept;
     [[nodiscard]] const TraceParser& Parser() const noexcept { return *parser_; }
+    /// Whether the file has ended in the middle of the samples. Known at their end.
+    [[nodiscard]] bool CutOff() const noexcept { return cutOff_; }
     /// Where the rows of the samples begin and end, lines and all.
     [[nodiscard]] std::uint64_t BlockBegin() const noexcept { return blockBegin_; }
     [[nodiscard]] std::uint64_t BlockEnd() const noexcept { return blockEnd_; }
@@ -70,6 +73,7 @@ private:
     void Restart();
     [[nodiscard]] std::string CheckHeader() const;
     [[nodiscard]] std::string BeginSamples();
+    void EndSamples();
     void TakeZoom(TraceParser::Event event);
 
     TextReader& file_;
@@ -77,6 +81,7 @@ private:
     std::string wrong_;
     bool hasSamples_ = false;
     bool inSamples_ = false;
+    bool cutOff_ = false;
     std::int64_t first_ = 0;
     std::int64_t last_ = -1;
     std::int64_t lastNumber_ = 0; // of the row before

@@ -56,15 +56,12 @@ private:
 };
 
 /// The time of each sample: the running sum of TIME, from 0 for the first on, so that gaps between
-/// samples stay true. Nanoseconds, or picoseconds for Power Zoom samples.
+/// samples stay true. Nanoseconds, or picoseconds for Power Zoom samples. Records hold it whether a
+/// list shows it or not.
 class RunningTime {
 public:
-    explicit RunningTime(const CSignalList& list) : time_(list) {}
-
-    /// Whether the list tells the time; without it each sample takes one unit.
-    [[nodiscard]] bool Known() const noexcept { return time_.Known(); }
     [[nodiscard]] std::int64_t Next(const SampleRecord& record) noexcept {
-        now_ = begun_ ? now_ + (time_.Known() ? time_.Of(record) : 1) : 0;
+        now_ = begun_ ? now_ + time_.Of(record) : 0;
         begun_ = true;
         return now_;
     }

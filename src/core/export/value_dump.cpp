@@ -27,7 +27,8 @@ std::string IdentifierOf(std::size_t number) {
 std::string WithoutBlanks(std::string_view text) {
     std::string name;
     for (const char c : text) {
-        const bool plain = std::isgraph(static_cast<unsigned char>(c)) != 0;
+        // A point would stand between the names of two scopes.
+        const bool plain = std::isgraph(static_cast<unsigned char>(c)) != 0 && c != '.';
         name += plain ? c : '_';
     }
     return name.empty() ? "_" : name;
@@ -72,7 +73,7 @@ int ViewerColor(std::uint32_t color) {
 } // namespace
 
 ValueDump::ValueDump(const CSignalList& list, ListUse use, Capture capture)
-    : list_(list), capture_(std::move(capture)), time_(list) {
+    : list_(list), capture_(std::move(capture)) {
     for (ExportSignal& signal : ExportSignals(list, use)) {
         const bool isVector = signal.signal->grouped && signal.field.Width() != 0;
         Item item = NewItem(signal.name, std::max<std::size_t>(1, signal.field.Width()), isVector);

@@ -43,7 +43,7 @@ void AppendTime(std::string& out, std::int64_t time, bool zoom) {
 } // namespace
 
 ValueTable::ValueTable(const CSignalList& list, ListUse use, const Capture& capture)
-    : capture_(capture), time_(list) {
+    : capture_(capture) {
     for (ExportSignal& signal : ExportSignals(list, use)) {
         Column column;
         column.signal = std::move(signal);

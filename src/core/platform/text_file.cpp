@@ -1,8 +1,12 @@
 #include "platform/text_file.h"
 
+#include "platform/text.h"
+
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <utility>
 
 namespace busquill {
@@ -16,6 +20,42 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
         line.remove_suffix(1);
     }
     return line;
+}
+
+/// Where a path leads: a link stays a link, and what it names is written, there or not. Empty for
+/// links that go round in a circle.
+std::string BehindLinks(std::filesystem::path path) {
+    constexpr int most = 40;
+    std::error_code unknown;
+    for (int i = 0; i < most; ++i) {
+        if (!std::filesystem::is_symlink(path, unknown)) {
+            return path.string();
+        }
+        const auto next = std::filesystem::read_symlink(path, unknown);
+        path = next.is_absolute() ? next : path.parent_path() / next;
+    }
+    return {};
+}
+
+/// Whether a file that is there may be written; it stays as it is.
+bool MayWrite(const std::string& path) {
+    return FileHandle(std::fopen(path.c_str(), "ab")) != nullptr;
+}
+
+/// Makes a file that was not there, under the target's name and more. Null when it cannot be made.
+std::FILE* MakeBeside(const std::string& target, std::string& name) {
+    constexpr int tries = 100;
+    std::random_device random;
+    for (int i = 0; i < tries; ++i) {
+        name = Printf("%s.part-%08x", target.c_str(), random());
+        if (std::FILE* file = std::fopen(name.c_str(), "wbx")) {
+            return file;
+        }
+        if (errno != EEXIST) {
+            return nullptr;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -104,24 +144,30 @@ bool TextWriter::Create(const std::string& path) {
 }
 
 bool TextWriter::CreateBeside(const std::string& path) {
-    // A device or a pipe is written to, not replaced, and a link stays a link.
+    const std::string target = BehindLinks(path);
     std::error_code unknown;
-    if (std::filesystem::exists(path, unknown) &&
-        !std::filesystem::is_regular_file(path, unknown)) {
-        return Create(path);
-    }
-    const std::string target = std::filesystem::is_symlink(path, unknown)
-                                   ? std::filesystem::weakly_canonical(path, unknown).string()
-                                   : path;
-    if (target.empty()) {
+    const auto present = std::filesystem::status(target, unknown);
+    const bool exists = std::filesystem::exists(present);
+    if (target.empty() || std::filesystem::is_directory(present)) {
         return false;
     }
-    const std::string beside = target + ".part";
-    if (!Create(beside)) {
+    if (exists && !std::filesystem::is_regular_file(present)) {
+        return Create(target); // a device or a pipe is written to, not replaced
+    }
+    if (exists && !MayWrite(target)) {
+        return false;
+    }
+    Discard();
+    failed_ = false;
+    file_.reset(MakeBeside(target, temporary_)); // its own, whoever else writes to the target
+    if (!file_) {
+        temporary_.clear();
         return false;
     }
     target_ = target;
-    temporary_ = beside;
+    if (exists) {
+        std::filesystem::permissions(temporary_, present.permissions(), unknown);
+    }
     return true;
 }
 

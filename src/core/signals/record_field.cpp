@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <numeric>
 
 namespace busquill {
 
@@ -31,6 +32,14 @@ bool IsRun(const std::vector<int>& positions) {
     return !positions.empty() && IsInside(positions.front()) && IsInside(positions.back()) &&
            std::adjacent_find(positions.begin(), positions.end(),
                               [](int a, int b) { return b != a + 1; }) == positions.end();
+}
+
+std::vector<int> TimePositions() {
+    constexpr int first = 110;
+    constexpr std::size_t width = 18;
+    std::vector<int> positions(width);
+    std::iota(positions.begin(), positions.end(), first);
+    return positions;
 }
 
 } // namespace
@@ -88,6 +97,8 @@ std::uint64_t RecordField::Word(const SampleRecord& record) const noexcept {
     const std::size_t width = positions_.size();
     return width >= 64 ? word : word & ((std::uint64_t{1} << width) - 1);
 }
+
+SampleTime::SampleTime() : field_(TimePositions()) {}
 
 SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, FindTimeGroup(list))) {}
 

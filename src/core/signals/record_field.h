@@ -32,9 +32,12 @@ private:
     bool isRun_ = false; // ascending without a gap
 };
 
-/// The time from the sample before, as TimeField tells it, for a list that has it.
+/// The time from the sample before, as TimeField tells it.
 class SampleTime {
 public:
+    /// From where records of all boards have it.
+    SampleTime();
+    /// From the bits that a list's own time looks at, if it has one.
     explicit SampleTime(const CSignalList& list);
     /// Whether the list has the time.
     [[nodiscard]] bool Known() const noexcept { return field_.Width() != 0; }

@@ -117,7 +117,15 @@ std::optional<NamedSignal> FindSignal(std::string_view name, const SignalTables&
     if (auto found = FindDecoded(name, tables)) {
         return found;
     }
-    return FindBus(name, tables);
+    if (auto found = FindBus(name, tables)) {
+        return found;
+    }
+    for (int position = 0; position < SampleRecord::bitCount; ++position) {
+        if (EqualIgnoringCase(Printf("bit %d", position), name)) {
+            return NamedSignal{std::string(name), {position}, nullptr};
+        }
+    }
+    return std::nullopt;
 }
 
 std::string BitName(const SignalTables& tables, int position) {

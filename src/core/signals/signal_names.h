@@ -24,7 +24,7 @@ struct NamedSignal {
 /// Looks for a row of the lists, then for a definition of the board's tables: a decoded signal, a
 /// bus ("AD"), a line of it ("AD[5]") or several ("AD[15:8]"). Upper and lower case are alike, and
 /// what stands behind a decoded signal's name in brackets may be left out where that is clear
-/// ("COMMAND" for "COMMAND(PCI-X)").
+/// ("COMMAND" for "COMMAND(PCI-X)"). "bit 77" is that bit, whatever it is called.
 [[nodiscard]] std::optional<NamedSignal>
 FindSignal(std::string_view name, const SignalTables& tables,
            std::initializer_list<const CSignalList*> lists);

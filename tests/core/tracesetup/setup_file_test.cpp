@@ -1,4 +1,5 @@
 #include "support/board_tables.h"
+#include "support/full_disk.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 #include "tracesetup/setup_file.h"
@@ -6,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <unistd.h>
 
 namespace busquill::test {
 namespace {
@@ -118,13 +118,11 @@ TEST_F(SetupFile, FileThatCannotBeCreatedSaysSo) {
 }
 
 TEST_F(SetupFile, FullDiskSaysSoAndTheOldFileStays) {
-    if (access("/dev/full", W_OK) != 0) {
-        GTEST_SKIP() << "no full device here";
-    }
     const std::string path = dir.Write("old.tsp", "old");
-    // The file beside the target is a device that is always full.
-    ASSERT_EQ(symlink("/dev/full", (path + ".part").c_str()), 0);
-    EXPECT_FALSE(SaveSetupFile(setup, path, prompts));
+    {
+        const FullDisk disk(100);
+        EXPECT_FALSE(SaveSetupFile(setup, path, prompts));
+    }
     EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error writing file " + path + "."});
     EXPECT_EQ(ReadWholeFile(path), "old");
 }
