@@ -49,7 +49,7 @@ ComparedSignals::ComparedSignals(const SignalTables& tables) {
     for (const auto& def : defs) {
         add(*def);
     }
-    std::ranges::rotate(signals_, signals_.begin() + (time != defs.end() ? 1 : 0));
+    std::rotate(signals_.begin(), signals_.begin() + (time != defs.end() ? 1 : 0), signals_.end());
     for (int position = 0; position < SampleRecord::bitCount; ++position) {
         if (!named[static_cast<std::size_t>(position)]) {
             signals_.push_back({BitName(tables, position), RecordField({position})});
