@@ -113,6 +113,25 @@ TEST_F(TraceProgramEnd, SilentBoardIsNoBoard) {
     EXPECT_EQ(run.err, Line("no board answers on " + board->Terminal()));
 }
 
+TEST_F(TraceProgramEnd, BoardThatFallsSilentBehindItsIdentityIsNotTold) {
+    StartBoard();
+    const ProgramRun run =
+        Run({"board"}, {.meanwhile = FaultAfter("address 0 length 18", "silence")});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, Line("the board on " + board->Terminal() + " does not answer any more"));
+}
+
+TEST_F(TraceProgramEnd, BoardThatDoesNotTellItsBusIsNotTold) {
+    // One acknowledgement for the search for its rate, five for the identity.
+    StartBoard({"--fault", "refuse 7"});
+    const ProgramRun run = Run({"board", "--json"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, Line("the board on " + board->Terminal() + " does not answer any more"));
+    EXPECT_EQ(Asked("address 0 length 18"), 1);
+}
+
 // Captures that fail.
 
 TEST_F(TraceProgramEnd, SetupThatIsNoSetupIsNotSent) {
