@@ -241,6 +241,9 @@ int RunCapture(const Arguments& arguments) {
         const NoInterruptsForThreads quiet;
         session = std::make_unique<Session>(arguments);
     }
+    if (Interrupted()) {
+        Fail("interrupted");
+    }
     SearchCondition condition;
     for (const std::string& text : arguments.All("stop-if-found")) {
         if (const std::string wrong = condition.Add(text, session->Tables(), {}); !wrong.empty()) {

@@ -91,6 +91,17 @@ TEST_F(TraceProgramEnd, InterruptedRunWithoutSamplesMakesNoFile) {
     ExpectNothingLeft();
 }
 
+TEST_F(TraceProgramEnd, InterruptWhileConnectingStartsNoRun) {
+    StartBoard({"--buffer", "1"});
+    // The board then has two seconds to settle.
+    const ProgramRun run = Capture(memoryWrite, {}, {.interruptWhen = Has("address 0 length 18")});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, Line("interrupted"));
+    EXPECT_EQ(Asked("write memory"), 0);
+    EXPECT_EQ(Asked("start trace"), 0);
+    ExpectNothingLeft();
+}
+
 // No board.
 
 TEST_F(TraceProgramEnd, PortsOnWhichNoBoardAnswers) {
