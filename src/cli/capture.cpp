@@ -72,14 +72,15 @@ public:
     /// Starts the board, follows it to its end and fetches what it has.
     RunEnd Run() {
         CTesselDoc& document = session_.Document();
-        {
-            const NoInterruptsForThreads quiet; // the run has a thread of its own
-            StartRun(session_.Link(), document, "", session_.Prompts());
-        }
-        if (session_.TellMessages()) {
-            StopRun(document);
+        if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts())) {
+            session_.TellMessages();
             Fail("the board has not taken the setup");
         }
+        {
+            const NoInterruptsForThreads quiet; // the run has a thread of its own
+            StartBoard(document);
+        }
+        session_.TellMessages();
         RunEnd end = RunEnd::ByItself;
         triggered_ = false;
         while (true) {

@@ -160,6 +160,17 @@ TEST_F(TraceProgramEnd, SetupThatIsNoSetupIsNotSent) {
     ExpectNothingLeft();
 }
 
+TEST_F(TraceProgramEnd, BoardThatDoesNotTakeTheSetupIsNotStarted) {
+    // One acknowledgement for the search for its rate, five each for the identity and the bus.
+    StartBoard({"--buffer", "1", "--fault", "refuse 12"});
+    const ProgramRun run = Capture(memoryWrite);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err, EndsWith(Line("the board has not taken the setup")));
+    EXPECT_EQ(Asked("address 18 length 2"), 1);
+    EXPECT_EQ(Asked("start trace"), 0);
+    ExpectNothingLeft();
+}
+
 TEST_F(TraceProgramEnd, LostAnswersToTheSetupAreAskedForAgain) {
     StartBoard({"--buffer", "1", "--fault", "wrong-ack 14,drop-ack 16"});
     const ProgramRun run = Capture(memoryWrite);
