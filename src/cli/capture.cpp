@@ -14,6 +14,7 @@
 
 #include <bit>
 #include <ctime>
+#include <filesystem>
 
 namespace busquill::cli {
 
@@ -53,6 +54,12 @@ Wish WishOf(const Arguments& arguments) {
             WrongUse("--timeout is a number of seconds from 1 up");
         }
         wish.deadline = Time::now() + std::chrono::seconds(*seconds);
+    }
+    // Before samples are fetched that would have no place.
+    const std::string folder = wish.path.substr(0, wish.path.size() - FileNameOf(wish.path).size());
+    std::error_code unknown;
+    if (!folder.empty() && !std::filesystem::is_directory(folder, unknown)) {
+        Fail(Printf("Error creating file %s.", wish.path.c_str()));
     }
     return wish;
 }

@@ -215,6 +215,7 @@ TEST_F(TraceProgramEnd, TargetThatCannotBeMade) {
     const ProgramRun run = Capture(memoryWrite);
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.err, Line("Error creating file " + target + "."));
+    EXPECT_EQ(Asked("start trace"), 0); // the samples would be lost
     ExpectNothingLeft();
 }
 
