@@ -26,6 +26,9 @@ struct BoardCase {
     const char* text;
     const char* json;
 };
+void PrintTo(const BoardCase& board, std::ostream* out) {
+    *out << board.name;
+}
 
 class TraceProgramBoard : public TraceProgram, public testing::WithParamInterface<BoardCase> {};
 
