@@ -14,6 +14,7 @@
 
 #include <bit>
 #include <ctime>
+#include <filesystem>
 
 namespace busquill::cli {
 
@@ -54,6 +55,12 @@ Wish WishOf(const Arguments& arguments) {
         }
         wish.deadline = Time::now() + std::chrono::seconds(*seconds);
     }
+    // Before samples are fetched that would have no place.
+    const std::string folder = wish.path.substr(0, wish.path.size() - FileNameOf(wish.path).size());
+    std::error_code unknown;
+    if (!folder.empty() && !std::filesystem::is_directory(folder, unknown)) {
+        Fail(Printf("Error creating file %s.", wish.path.c_str()));
+    }
     return wish;
 }
 
@@ -72,14 +79,15 @@ public:
     /// Starts the board, follows it to its end and fetches what it has.
     RunEnd Run() {
         CTesselDoc& document = session_.Document();
-        {
-            const NoInterruptsForThreads quiet; // the run has a thread of its own
-            StartRun(session_.Link(), document, "", session_.Prompts());
-        }
-        if (session_.TellMessages()) {
-            StopRun(document);
+        if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts())) {
+            session_.TellMessages();
             Fail("the board has not taken the setup");
         }
+        {
+            const NoInterruptsForThreads quiet; // the run has a thread of its own
+            StartBoard(document);
+        }
+        session_.TellMessages();
         RunEnd end = RunEnd::ByItself;
         triggered_ = false;
         while (true) {
@@ -240,6 +248,9 @@ int RunCapture(const Arguments& arguments) {
     {
         const NoInterruptsForThreads quiet;
         session = std::make_unique<Session>(arguments);
+    }
+    if (Interrupted()) {
+        Fail("interrupted");
     }
     SearchCondition condition;
     for (const std::string& text : arguments.All("stop-if-found")) {

@@ -47,12 +47,24 @@ Session::Session(const Arguments& arguments)
         // What the link says of it is meant for a window.
         Fail("no board answers on " + port);
     }
-    TellMessages();
+    WaitForBus(port);
     tables_.Load();
     context_.realTimeStore = &store_;
     context_.newDocRealTime = true;
     document_ = std::make_unique<CTesselDoc>(context_, mainThread_);
     document_->OnNewDocument();
+}
+
+/// The connection goes on without the board's bus when that does not come soon, and a board of
+/// which nobody knows the bus is no use here.
+void Session::WaitForBus(const std::string& port) {
+    constexpr int waits = 4; // of five seconds each; all tries of the read need fifteen
+    for (int i = 0; i < waits && !link_.IsIdle(); ++i) {
+        link_.WaitIdle();
+    }
+    if (!link_.IsIdle() || !prompts_.Take().empty()) {
+        Fail("the board on " + port + " does not answer any more");
+    }
 }
 
 // The monitor of a capture uses the link, and the link's thread may be completing a block.

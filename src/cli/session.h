@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
 
 namespace busquill::cli {
 
@@ -37,6 +38,8 @@ public:
     void Wait(std::chrono::milliseconds time);
 
 private:
+    void WaitForBus(const std::string& port);
+
     LinePrompts prompts_;
     MainThread mainThread_;
     MemorySettings settings_;

@@ -90,6 +90,8 @@ TEST_F(BoardTest, FaultsHitTheReplyTheyName) {
     EXPECT_EQ(Send({2, 1}), (Bytes{'*', 'P', 'C', '#'}));
     board.faults.shortReply = 2;
     EXPECT_EQ(Send({2, 1}), (Bytes{'*', 'P'}));
+    board.faults.refuse = 2;
+    EXPECT_EQ(Send({10, 2, 12, 0, 4, 0}), (Bytes{'*', '#', '#'}));
     board.faults.silence = true;
     EXPECT_EQ(Send({10, 2, 2, 1}), Bytes());
 }

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
@@ -48,6 +49,9 @@ struct Pipe {
     if (!input.folder.empty() && ::chdir(input.folder.c_str()) != 0) {
         std::_Exit(126);
     }
+    if (!input.temporaryFolder.empty()) {
+        ::setenv("TMPDIR", input.temporaryFolder.c_str(), 1);
+    }
     std::vector<char*> words = {const_cast<char*>(BUSQUILL_TRACE)};
     for (const std::string& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str()));
@@ -82,14 +86,16 @@ ProgramRun RunTrace(const std::vector<std::string>& arguments, const ProgramInpu
     out.Close(1);
     err.Close(1);
     ProgramRun run;
-    const auto begun = Time::now();
-    const auto end = begun + std::chrono::minutes(1);
-    bool interrupt = input.interruptAfterMs > 0;
+    const auto end = Time::now() + std::chrono::minutes(1);
+    bool interrupted = false;
     std::size_t given = 0;
     while (Time::now() < end && (out.ends[0] >= 0 || err.ends[0] >= 0)) {
-        if (interrupt && Time::now() - begun >= std::chrono::milliseconds(input.interruptAfterMs)) {
+        if (input.meanwhile) {
+            input.meanwhile();
+        }
+        if (!interrupted && input.interruptWhen && input.interruptWhen()) {
             ::kill(process, SIGINT);
-            interrupt = false;
+            interrupted = true;
         }
         std::array<pollfd, 3> ready{
             {{out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}, {in.ends[1], POLLOUT, 0}}};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,10 @@ struct ProgramRun {
 struct ProgramInput {
     std::string folder = {}; // in which it runs; the test's own where it is empty
     std::string standardInput = {};
-    int interruptAfterMs = 0;   // sends it an interrupt after this time
+    std::string temporaryFolder = {};     // for its temporary files; the usual where it is empty
+    std::function<void()> meanwhile = {}; // called again and again while it runs
+    std::function<bool()> interruptWhen =
+        {};                     // the same; where it is true first, an interrupt is sent
     std::size_t readAtMost = 0; // of its standard output, which is then closed; 0: all
 };
 

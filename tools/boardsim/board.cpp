@@ -218,7 +218,9 @@ Board::Bytes Board::TakePayload() {
 
 Board::Bytes Board::Acknowledge() {
     std::uint8_t byte = acknowledge;
-    const bool wrong = faults.wrongAcknowledge > 0 && --faults.wrongAcknowledge == 0;
+    const bool refused = faults.refuse == 1;
+    faults.refuse -= faults.refuse > 1 ? 1 : 0;
+    const bool wrong = (faults.wrongAcknowledge > 0 && --faults.wrongAcknowledge == 0) || refused;
     const bool dropped = faults.dropAcknowledge > 0 && --faults.dropAcknowledge == 0;
     if (faults.silence || dropped) {
         return {};

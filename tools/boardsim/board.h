@@ -30,6 +30,7 @@ struct Faults {
     bool silence = false;
     int dropAcknowledge = 0;  // the Nth acknowledgement from now is left out
     int wrongAcknowledge = 0; // or is another byte
+    int refuse = 0;           // it and all that follow are another byte
     bool wrongClose = false;  // the next data reply ends in another byte
     int shortReply = 0;       // the next data reply lacks so many bytes at its end
     int searchBusy = 0;       // so many looks at a search find it still going on

@@ -29,7 +29,7 @@ constexpr auto usage =
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
-    "short-reply N, search-busy N, delay MS, half-frame, go-away, normal.\n";
+    "short-reply N, refuse N, search-busy N, delay MS, half-frame, go-away, normal.\n";
 
 volatile std::sig_atomic_t stopped = 0;
 
@@ -225,6 +225,8 @@ private:
             board_.faults.dropAcknowledge = number;
         } else if (word == "wrong-ack") {
             board_.faults.wrongAcknowledge = number;
+        } else if (word == "refuse") {
+            board_.faults.refuse = number;
         } else if (word == "wrong-close") {
             board_.faults.wrongClose = true;
         } else if (word == "short-reply") {

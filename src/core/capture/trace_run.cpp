@@ -6,19 +6,21 @@
 
 namespace busquill {
 
-void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
+bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
     const LinkWords parameters{.address = static_cast<std::uintptr_t>(setup.clock),
                                .length = static_cast<std::uintptr_t>(setup.triggerPosition),
                                .data =
                                    NumberAsData(static_cast<std::uintptr_t>(setup.powerZoomClock))};
-    ExchangeOrTell(link, CmdTraceParams, parameters, prompts,
-                   "Error sending trace parameter data to analyzer.");
+    bool taken = ExchangeOrTell(link, CmdTraceParams, parameters, prompts,
+                                "Error sending trace parameter data to analyzer.");
     const LinkWords events{.data = &setup.events,
                            .extra = static_cast<std::uintptr_t>(EventCount(link.Traits()))};
-    ExchangeOrTell(link, CmdTraceEvents, events, prompts,
-                   "Error sending trace event setup data to analyzer.");
-    ExchangeOrTell(link, CmdTraceControl, {.data = &setup}, prompts,
-                   "Error sending trace control setup data to analyzer.");
+    taken = ExchangeOrTell(link, CmdTraceEvents, events, prompts,
+                           "Error sending trace event setup data to analyzer.") &&
+            taken;
+    return ExchangeOrTell(link, CmdTraceControl, {.data = &setup}, prompts,
+                          "Error sending trace control setup data to analyzer.") &&
+           taken;
 }
 
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
@@ -26,6 +28,10 @@ void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setu
     if (setupPath.empty() || LoadSetupFile(document.setup, setupPath, prompts)) {
         DownloadSetup(link, document.setup, prompts);
     }
+    StartBoard(document);
+}
+
+void StartBoard(CTesselDoc& document) {
     document.GetStore().StartCapture();
     document.OnCaptureStarted();
 }

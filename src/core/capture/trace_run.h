@@ -26,13 +26,16 @@ struct RunState {
 };
 
 /// Sends a setup in three commands. A command that fails says so, and the next goes out all the
-/// same.
-void DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts);
+/// same. Whether the board has taken all of it.
+bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts);
 
 /// Starts a capture into the real-time document. With a path, that setup file becomes the
 /// document's setup first; when it cannot be read, the board runs with the setup that it has.
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
               Prompts& prompts);
+
+/// Starts a capture with the setup that the board has.
+void StartBoard(CTesselDoc& document);
 
 /// Ends the document's capture; does nothing when none is active.
 void StopRun(CTesselDoc& document);

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "boardsim/traffic.h"
+#include "support/board_process.h"
+#include "support/temp_dir.h"
+#include "support/trace_program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace busquill::test {
+
+/// The samples that stand in a trace file, and the numbers that it gives them.
+struct TraceRows {
+    std::vector<int> numbers;
+    std::vector<boardsim::Record> records;
+};
+
+/// Reads them from the file's text, a row at a time: "number,byte,byte,...".
+[[nodiscard]] inline TraceRows RowsOf(const std::string& text) {
+    TraceRows rows;
+    std::istringstream lines(text.substr(std::min(text.find("\"Trace Data\""), text.size())));
+    std::string line;
+    std::getline(lines, line);
+    while (std::getline(lines, line) && !line.starts_with('"')) {
+        std::istringstream fields(line);
+        int number = 0;
+        fields >> number;
+        rows.numbers.push_back(number);
+        boardsim::Record record{};
+        for (std::uint8_t& byte : record) {
+            char comma = 0;
+            fields >> comma >> number;
+            byte = static_cast<std::uint8_t>(number);
+        }
+        rows.records.push_back(record);
+    }
+    return rows;
+}
+
+/// busquill-trace and the simulated board as two processes on the ends of a pseudo terminal.
+class TraceProgram : public testing::Test {
+protected:
+    void StartBoard(std::vector<std::string> options = {}) {
+        options.insert(options.begin(), {"--baud", "9600"}); // the first rate that is probed
+        board = std::make_unique<BoardProcess>(std::move(options));
+        ASSERT_FALSE(board->Terminal().empty());
+    }
+    ProgramRun Run(std::vector<std::string> arguments, ProgramInput input = {}) const {
+        arguments.insert(arguments.begin() + 1, {"--port", board->Terminal(), "--baud", "9600"});
+        input.temporaryFolder = temporary.Path();
+        return RunTrace(arguments, input);
+    }
+    /// A capture into `target`.
+    ProgramRun Capture(const std::string& setup, std::vector<std::string> more = {},
+                       ProgramInput input = {}) const {
+        more.insert(more.begin(), {"capture", "--setup", setup, "-o", target});
+        return Run(std::move(more), std::move(input));
+    }
+    /// data/MemoryWrite.tsp with another text in one place.
+    std::string Setup(const std::string& name, const std::string& old = "",
+                      const std::string& instead = "") const {
+        std::string text = ReadWholeFile(BUSQUILL_SOURCE_DIR "/data/MemoryWrite.tsp");
+        const auto at = text.find(old);
+        EXPECT_NE(at, std::string::npos) << old;
+        return setups.Write(name, text.replace(at, old.size(), instead));
+    }
+    /// A memory write, so many times.
+    std::string Writes(int count) const {
+        return Setup("writes.tsp", "\"E1\",1,", "\"E1\"," + std::to_string(count) + ",");
+    }
+    /// A command that no bus cycle has: 1000 is reserved.
+    std::string Never(const std::string& stored = "All") const {
+        std::string text = ReadWholeFile(
+            Setup("never.tsp", R"("Goto L1","All")", R"("Goto L1",")" + stored + "\""));
+        for (const char* line : {"0", "1", "2", "3"}) {
+            const auto signal = text.find(std::string("\"Signal\",\"C/BE[") + line + "]\"");
+            const auto data = text.find("\"Data\",", signal) + std::string("\"Data\",").size();
+            text[data] = line == std::string("3") ? '1' : '0';
+        }
+        return setups.Write("never.tsp", text);
+    }
+    [[nodiscard]] TraceRows Captured() const { return RowsOf(ReadWholeFile(target)); }
+    /// The names of the files in a folder, in order.
+    static std::vector<std::string> FilesIn(const TempDir& folder) {
+        std::vector<std::string> names;
+        for (const auto& file : std::filesystem::directory_iterator(folder.Path())) {
+            names.push_back(file.path().filename().string());
+        }
+        std::ranges::sort(names);
+        return names;
+    }
+    /// How often the board was asked for a function whose line holds these words.
+    [[nodiscard]] std::ptrdiff_t Asked(const std::string& words) const {
+        const auto functions = board->Functions();
+        return std::ranges::count_if(functions, [&](const std::string& line) {
+            return line.find(words) != std::string::npos;
+        });
+    }
+
+    std::unique_ptr<BoardProcess> board;
+    TempDir setups;
+    TempDir temporary; // where the program has its temporary files
+    TempDir folder;    // where it is to put captures
+    std::string target = folder.File("out.tra");
+    const std::string memoryWrite = BUSQUILL_SOURCE_DIR "/data/MemoryWrite.tsp";
+};
+
+} // namespace busquill::test
