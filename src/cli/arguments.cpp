@@ -290,8 +290,10 @@ std::string HelpText(const CommandRow* command) {
     const bool writesFile = name == "filter" || name == "convert" || name == "capture";
     std::string about = command->help;
     about[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(about[0])));
-    text = Printf("Usage: busquill-trace %s [OPTION...]%s %s\n\n%s.\n\nOptions:\n", command->name,
-                  writesFile ? " -o FILE" : "", command->operands, about.c_str());
+    const std::string operands =
+        *command->operands == '\0' ? "" : std::string(" ") + command->operands;
+    text = Printf("Usage: busquill-trace %s [OPTION...]%s%s\n\n%s.\n\nOptions:\n", command->name,
+                  writesFile ? " -o FILE" : "", operands.c_str(), about.c_str());
     for (const OptionRow& option : optionRows) {
         if (Takes(*command, option.name)) {
             text += OptionLine(option);

@@ -35,6 +35,19 @@ struct Wish {
     std::optional<Time::time_point> deadline;
 };
 
+/// Ends the program for a file that is no setup, before the board is looked for. What its events
+/// compare hangs on the board, so the file is read again then.
+void CheckSetup(const std::string& path) {
+    const BoardTraits board;
+    SignalTables tables([&board] { return board; }, WorkingDirectory::AtStart());
+    TraceSetup setup;
+    LinePrompts prompts;
+    if (!LoadSetupFile(setup, path, prompts)) {
+        const auto said = prompts.Take();
+        Fail(path + ": " + (said.empty() ? "no setup" : said.front()));
+    }
+}
+
 Wish WishOf(const Arguments& arguments) {
     Wish wish;
     wish.path = arguments.Value("output");
@@ -55,6 +68,7 @@ Wish WishOf(const Arguments& arguments) {
         }
         wish.deadline = Time::now() + std::chrono::seconds(*seconds);
     }
+    CheckSetup(arguments.Value("setup"));
     // Before samples are fetched that would have no place.
     const std::string folder = wish.path.substr(0, wish.path.size() - FileNameOf(wish.path).size());
     std::error_code unknown;
@@ -142,6 +156,7 @@ public:
 private:
     [[nodiscard]] RunEnd EndAsked() const {
         if (Interrupted()) {
+            Say("interrupted; what the board has is fetched");
             return RunEnd::Interrupt;
         }
         return wish_.deadline && Time::now() >= *wish_.deadline ? RunEnd::Timeout
@@ -264,6 +279,9 @@ int RunCapture(const Arguments& arguments) {
     bool complete = true;
     bool any = false;
     for (std::int64_t run = 1; wish.runs == 0 || run <= wish.runs; ++run) {
+        if (run > 1 && Interrupted()) {
+            break; // it came while the last run was saved
+        }
         const RunEnd end = runner.Run();
         const std::int64_t held = CountHeld(document);
         if (Report(document, runner, end, held)) {

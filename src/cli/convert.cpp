@@ -102,6 +102,9 @@ std::string FormatOf(const Arguments& arguments) {
             return format;
         }
     }
+    if (path == "-") {
+        WrongUse("standard output needs --format vcd, csv or sr");
+    }
     WrongUse(Printf("what is \"%s\" to be? Its name ends in .vcd, .csv or .sr, or --format tells",
                     path.c_str()));
 }

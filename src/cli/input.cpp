@@ -3,6 +3,7 @@
 #include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/stop.h"
+#include "cli/temporary_file.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ namespace busquill::cli {
 namespace {
 
 FileHandle CopyOf(std::FILE* input, const std::string& name) {
-    FileHandle copy(std::tmpfile());
+    FileHandle copy = TemporaryFile("").Create();
     std::array<char, std::size_t{1} << 16> buffer;
     while (copy) {
         const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), input);

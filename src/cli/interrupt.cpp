@@ -23,7 +23,12 @@ sigset_t Signals() {
 
 void NoticeInterrupts() {
     struct sigaction action {};
-    action.sa_handler = [](int) { interrupted = true; };
+    action.sa_handler = [](int signal) {
+        // Who asks again before the first has been noticed means it.
+        if (interrupted.exchange(true)) {
+            std::signal(signal, SIG_DFL);
+        }
+    };
     sigemptyset(&action.sa_mask);
     action.sa_flags = 0; // a read that waits ends
     sigaction(SIGINT, &action, nullptr);

@@ -3,7 +3,7 @@
 namespace busquill::cli {
 
 /// From here on an interrupt or a request to end does not end the program but is noticed by
-/// `Interrupted`; what is being written can then be taken away again.
+/// `Interrupted`; what is being written can then be taken away again. A third one in vain ends it.
 void NoticeInterrupts();
 
 /// Whether there has been one since the last call.

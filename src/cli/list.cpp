@@ -228,7 +228,7 @@ int RunList(const Arguments& arguments) {
         }
     }
     writer.End();
-    output.Close();
+    output.CloseUnlessNothing(writer.Any());
     if (!writer.Any()) {
         Say("there are no such samples");
     }

@@ -55,6 +55,12 @@ void Output::Close() {
     }
 }
 
+void Output::CloseUnlessNothing(bool isSomething) {
+    if (isSomething || path_.empty()) {
+        Close();
+    }
+}
+
 Progress::Progress(const char* what, std::int64_t total)
     : what_(what), total_(total), terminal_(::isatty(STDERR_FILENO) != 0) {}
 

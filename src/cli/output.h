@@ -18,6 +18,8 @@ public:
     void Write(std::string_view text);
     /// Everything is out, and the file in its place.
     void Close();
+    /// The same, but a file of nothing is none: it does not come into its place.
+    void CloseUnlessNothing(bool isSomething);
 
 private:
     void Flush();

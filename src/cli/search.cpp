@@ -118,7 +118,7 @@ int RunSearch(const Arguments& arguments) {
         });
     }
     const bool found = matches.End();
-    output.Close();
+    output.CloseUnlessNothing(found);
     if (!found) {
         Say(noMatch);
     }

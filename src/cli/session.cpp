@@ -6,6 +6,8 @@
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 
+#include <filesystem>
+
 namespace busquill::cli {
 
 namespace {
@@ -31,6 +33,12 @@ Session::Session(const Arguments& arguments)
                         arguments.command->name));
     }
     const bool isNamed = IsNamedPort(port);
+    std::error_code unknown;
+    if (!isNamed && !std::filesystem::exists(port, unknown)) {
+        Fail("there is no port " + port +
+             "; ports are COM1 to COM8, USB and paths of terminal devices");
+    }
+    port_ = port;
     settings_.WriteProfileString(SettingsSection::setup, "ComPort",
                                  isNamed ? port : Printf("COM%d", pathNumber));
     settings_.WriteProfileString(SettingsSection::setup, Printf("ComDevice%d", pathNumber), port);
@@ -75,8 +83,17 @@ Session::~Session() {
 
 bool Session::TellMessages() {
     const auto said = prompts_.Take();
-    for (const std::string& line : said) {
-        Say(line);
+    std::string last;
+    for (std::string line : said) {
+        // The user knows the port by the name that he gave.
+        const std::string own = Printf("COM%d", pathNumber);
+        if (const std::size_t at = line.find(own); at != std::string::npos) {
+            line.replace(at, own.size(), port_);
+        }
+        if (line != last) {
+            Say(line);
+        }
+        last = line;
     }
     return !said.empty();
 }

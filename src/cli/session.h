@@ -40,6 +40,7 @@ public:
 private:
     void WaitForBus(const std::string& port);
 
+    std::string port_;
     LinePrompts prompts_;
     MainThread mainThread_;
     MemorySettings settings_;

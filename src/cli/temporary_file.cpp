@@ -22,6 +22,14 @@ TemporaryFile::~TemporaryFile() {
     std::filesystem::remove_all(folder_, ignored);
 }
 
+FileHandle TemporaryFile::Create() const {
+    FileHandle file(std::fopen(path_.c_str(), "w+b"));
+    if (!file) {
+        Fail("no temporary file can be made");
+    }
+    return file;
+}
+
 TextReader TemporaryFile::Open() const {
     TextReader file;
     if (!file.Open(path_)) {

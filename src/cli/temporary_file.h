@@ -18,6 +18,8 @@ public:
 
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
     [[nodiscard]] TextReader Open() const;
+    /// Empty, to be written and read; it goes when the handle goes, whatever becomes of the object.
+    [[nodiscard]] FileHandle Create() const;
 
 private:
     std::string folder_;

@@ -89,11 +89,11 @@ TEST_F(TraceCommands, ListPrintsColumnsInLine) {
     const ProgramRun run = Run(
         {"list", "small.tra", "--columns", "TIME,COMMAND,AD,FRAME", "--from", "-1", "--to", "2"});
     EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.out, "SAMPLE  TIME    COMMAND           AD[63:0]           FRAME\n"
-                       "    -1  30ns                      00000000 00000000  1\n"
-                       "     0  30ns    Mem Wr            00000000 00000010  0\n"
-                       "     1  30ns                      00000000 00000000  1\n"
-                       "     2  30ns    Mem Rd            00000000 00000020  0\n");
+    EXPECT_EQ(run.out, "SAMPLE  TIME        COMMAND           AD[63:0]           FRAME\n"
+                       "    -1  30ns                          00000000 00000000  1\n"
+                       "     0  30ns        Mem Wr            00000000 00000010  0\n"
+                       "     1  30ns                          00000000 00000000  1\n"
+                       "     2  30ns        Mem Rd            00000000 00000020  0\n");
 }
 
 TEST_F(TraceCommands, ListAsTableForPrograms) {
@@ -129,7 +129,10 @@ TEST_F(TraceCommands, ListUsesTheListOfTheFile) {
 
 TEST_F(TraceCommands, ListOfNothing) {
     SmallCapture();
-    EXPECT_EQ(Run({"list", "small.tra", "--from", "5"}).status, 1);
+    const ProgramRun behind = Run({"list", "small.tra", "--from", "5", "-o", "out"});
+    EXPECT_EQ(behind.status, 1);
+    EXPECT_EQ(behind.err, "busquill-trace: there are no such samples\n");
+    EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
     const ProgramRun zoom = Run({"list", "small.tra", "--zoom"});
     EXPECT_EQ(zoom.status, 1);
     EXPECT_EQ(zoom.err, "busquill-trace: small.tra has no Power Zoom samples\n");
@@ -165,6 +168,8 @@ TEST_F(TraceCommands, SearchWithoutAMatch) {
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err, "busquill-trace: No match found.\n");
     EXPECT_EQ(Run({"search", "small.tra", "-p", "AD=999", "--all", "--json"}).out, "[]\n");
+    EXPECT_EQ(Run({"search", "small.tra", "-p", "AD=999", "-o", "out"}).status, 1);
+    EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
 }
 
 TEST_F(TraceCommands, SearchDoesNotFindSamplesThatTheFileLacks) {

@@ -14,8 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const TempDir dir;
     const std::string text(reinterpret_cast<const char*>(data), size);
     TextReader file;
-    if (!file.Open(dir.Write("a.tra", "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" +
-                                          text))) {
+    if (!file.Open(
+            dir.Write("a.tra", "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" + text))) {
         return 0;
     }
     TraceStream stream(file);
@@ -23,9 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!stream.Survey(survey).empty()) {
         return 0;
     }
-    TraceListing listing(stream.stateList,
-                         {board.board, false, survey.HasGaps(), survey.first,
-                          stream.TriggerNumber(), survey.timeToTrigger});
+    TraceListing listing(stream.stateList, {board.board, false, survey.HasGaps(), survey.first,
+                                            stream.TriggerNumber(), survey.timeToTrigger});
     ValueDump dump(stream.waveformList, ListUse::Wave, {board.board, false, stream.comment});
     ValueTable table(stream.stateList, ListUse::State, {board.board, false, true});
     std::vector<std::string> cells;

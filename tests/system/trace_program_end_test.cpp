@@ -56,7 +56,8 @@ TEST_F(TraceProgramEnd, InterruptedRunIsStoppedAndSaved) {
     const int samples = SamplesInTarget();
     EXPECT_GT(samples, 0);
     EXPECT_LT(samples, 32768);
-    EXPECT_EQ(run.err, Line(target + ": " + std::to_string(samples) + " samples"));
+    EXPECT_EQ(run.err, Line("interrupted; what the board has is fetched") +
+                           Line(target + ": " + std::to_string(samples) + " samples"));
     EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
 }
 
@@ -87,7 +88,8 @@ TEST_F(TraceProgramEnd, InterruptedRunWithoutSamplesMakesNoFile) {
     StartBoard({"--buffer", "1"});
     const ProgramRun run = Capture(Never("None"), {}, {.interruptWhen = Has(live, 2)});
     EXPECT_EQ(run.status, 1);
-    EXPECT_EQ(run.err, Line("no samples have come"));
+    EXPECT_EQ(run.err,
+              Line("interrupted; what the board has is fetched") + Line("no samples have come"));
     ExpectNothingLeft();
 }
 
@@ -106,14 +108,20 @@ TEST_F(TraceProgramEnd, InterruptWhileConnectingStartsNoRun) {
 
 TEST_F(TraceProgramEnd, PortsOnWhichNoBoardAnswers) {
     const TempDir files;
-    for (const std::string& port : {std::string("/nonexistent/tty"), std::string("/dev/null"),
-                                    files.Write("port", "no terminal\n")}) {
+    for (const std::string& port :
+         {std::string("/dev/null"), files.Write("port", "no terminal\n")}) {
         const ProgramRun run = RunTrace({"board", "--port", port});
         EXPECT_EQ(run.status, 3);
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(run.err, Line("no board answers on " + port));
     }
     EXPECT_EQ(ReadWholeFile(files.File("port")), "no terminal\n");
+    for (const char* port : {"/nonexistent/tty", "COM9", "com1"}) {
+        const ProgramRun run = RunTrace({"board", "--port", port});
+        EXPECT_EQ(run.status, 3);
+        EXPECT_EQ(run.err, Line(std::string("there is no port ") + port +
+                                "; ports are COM1 to COM8, USB and paths of terminal devices"));
+    }
 }
 
 TEST_F(TraceProgramEnd, SilentBoardIsNoBoard) {
@@ -154,7 +162,8 @@ TEST_F(TraceProgramEnd, SetupThatIsNoSetupIsNotSent) {
     const std::string trace = BUSQUILL_SOURCE_DIR "/data/Trigger1.tra";
     const ProgramRun other = Capture(trace);
     EXPECT_EQ(other.status, 3);
-    EXPECT_THAT(other.err, EndsWith(Line(trace + " is not used")));
+    EXPECT_THAT(other.err,
+                HasSubstr(trace + ": Error: File type of 'Trace Setup File' not found."));
     EXPECT_EQ(Asked("write memory"), 0);
     EXPECT_EQ(Asked("start trace"), 0);
     ExpectNothingLeft();

@@ -19,7 +19,11 @@ TraceListing::TraceListing(CSignalList& list, Capture capture)
 }
 
 std::size_t TraceListing::WidthOf(const CSignal& column) {
-    const std::size_t digits = column.decoded   ? column.decoded->labelWidth
+    constexpr std::size_t longestTime = 10; // but for hours, which shift their row
+    const bool isTime = column.decoded && (column.decoded->decodeKind == DecodeKind::Time ||
+                                           column.decoded->decodeKind == DecodeKind::Accum);
+    const std::size_t digits = isTime           ? longestTime
+                               : column.decoded ? column.decoded->labelWidth
                                : column.grouped ? DigitsFor(column.groupWidth, column.radix)
                                                 : 1;
     return std::max(column.RowName().size(), digits);
