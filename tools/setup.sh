@@ -4,7 +4,7 @@ build_packages=(g++ cmake ninja-build ccache pkg-config qt6-base-dev qt6-svg-dev
                 libarchive-dev libqt6svg6 fonts-liberation)
 test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3 sigrok-cli gtkwave)
 screenless_packages=(xvfb xauth)
-check_packages=(git clang clang-format clang-tidy libclang-rt-14-dev)
+check_packages=(git clang clang-format clang-tidy libclang-rt-14-dev ripgrep)
 
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then
