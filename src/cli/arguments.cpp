@@ -255,7 +255,7 @@ std::string Arguments::OneOf(std::string_view option,
     if (!Has(option)) {
         return *words.begin();
     }
-    const std::string value = Value(option);
+    std::string value = Value(option);
     std::string all;
     for (const char* word : words) {
         if (value == word) {

@@ -38,7 +38,7 @@ struct Wish {
 /// Ends the program for a file that is no setup, before the board is looked for. What its events
 /// compare hangs on the board, so the file is read again then.
 void CheckSetup(const std::string& path) {
-    const BoardTraits board;
+    BoardTraits board;
     SignalTables tables([&board] { return board; }, WorkingDirectory::AtStart());
     TraceSetup setup;
     LinePrompts prompts;

@@ -14,6 +14,7 @@ namespace {
 std::vector<int> PositionsOf(const CBusSignalDef& def) {
     std::vector<int> positions;
     const int width = def.Width();
+    positions.reserve(static_cast<std::size_t>(width));
     for (int p = 0; p < width; ++p) {
         positions.push_back(def.dataIndex + (def.bitReverse ? width - 1 - p : p));
     }

@@ -6,6 +6,7 @@
 #include "tracesetup/setup_file.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace busquill {
 
@@ -185,7 +186,7 @@ std::string TraceStream::Survey(TraceSurvey& survey) {
     }
     survey.cutOff = cutOff_;
     survey.hasZoom = !zoom_.empty();
-    survey.zoom = std::move(zoom_);
+    survey.zoom = std::exchange(zoom_, {});
     std::string wrong = wrong_;
     return wrong.empty() ? ReadHead() : wrong;
 }

@@ -72,9 +72,8 @@ const std::string& DecodedText::Of(const SampleRecord& record) {
          std::span(value_).first(std::min<std::size_t>(6, value_.size()))) {
         key = key << 8 | byte;
     }
-    if (value_.size() > 6) {
-        kept_.clear(); // too wide for a key
-    } else if (kept_.size() >= mostKept) {
+    const bool fitsKey = value_.size() <= 6;
+    if (!fitsKey || kept_.size() >= mostKept) {
         kept_.clear();
     }
     const auto [found, isNew] = kept_.try_emplace(key);
