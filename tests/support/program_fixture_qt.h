@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/memory_settings.h"
 #include "support/board_process.h"
 #include "support/manual_clock.h"
-#include "platform/memory_settings.h"
 #include "support/modal_qt.h"
 #include "support/recording_prompts.h"
 #include "support/scripted_usb.h"

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "capture/trace_document.h"
-#include "support/board_tables.h"
 #include "platform/memory_settings.h"
+#include "support/board_tables.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 #include "ui/capture/position_gauge.h"

@@ -3,9 +3,9 @@
 #include "link/analyzer_link.h"
 #include "platform/clock.h"
 #include "platform/main_thread.h"
+#include "platform/memory_settings.h"
 #include "platform/serial_port.h"
 #include "support/board_process.h"
-#include "platform/memory_settings.h"
 #include "support/recording_prompts.h"
 #include "support/scripted_usb.h"
 

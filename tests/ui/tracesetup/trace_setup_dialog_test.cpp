@@ -1,7 +1,7 @@
+#include "platform/memory_settings.h"
 #include "platform/working_directory.h"
 #include "signals/value_text.h"
 #include "support/board_tables.h"
-#include "platform/memory_settings.h"
 #include "support/modal_qt.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
