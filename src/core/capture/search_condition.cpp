@@ -128,8 +128,7 @@ std::string SearchCondition::ParseValue(std::string_view text, const NamedSignal
     const std::string_view value = Trim(text);
     if (signal.decoded) {
         for (const CDecodedValue& each : signal.decoded->values) {
-            if (each.label[0] == '\0' || (each.skipModes & ModeEvents) != 0 ||
-                !EqualIgnoringCase(each.label, value)) {
+            if (each.label[0] == '\0' || !EqualIgnoringCase(each.label, value)) {
                 continue;
             }
             Bits bits;

@@ -20,7 +20,7 @@ std::string IdentifierOf(std::size_t number) {
     do {
         id += static_cast<char>('!' + number % characters);
         number /= characters;
-    } while (number-- != 0);
+    } while (number != 0);
     return id;
 }
 

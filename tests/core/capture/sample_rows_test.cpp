@@ -16,8 +16,8 @@ struct Taken {
 
 Taken Take(const std::string& text, std::size_t limit = 100) {
     Taken taken;
-    // Digits behind the text must not be taken for part of it.
-    const std::string padded = text + std::string(TextReader::readable, '7');
+    // What stands behind the text must not be taken for part of it.
+    const std::string padded = text + "7\n" + std::string(TextReader::readable, '7');
     taken.bytes =
         ParsePlainRows(std::string_view(padded).substr(0, text.size()), limit, taken.rows);
     return taken;
@@ -52,6 +52,11 @@ TEST(SampleRowsFastWay, LeavesThePieceOfALineAlone) {
         EXPECT_EQ(Take(row.substr(0, cut)).bytes, 0U) << cut;
     }
     EXPECT_EQ(Take(row).bytes, row.size());
+}
+
+TEST(SampleRowsFastWay, LooksAtNothingBeforeTheText) {
+    // The first byte of such a row is read by four characters, one of which would stand before it.
+    EXPECT_EQ(Take("0,5,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n").bytes, 0U);
 }
 
 TEST(SampleRowsFastWay, CutsValuesToAByte) {

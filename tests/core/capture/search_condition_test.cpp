@@ -123,7 +123,8 @@ TEST_F(Conditions, AttributesOfPciXAreFoundWhereTheyShow) {
     const std::vector<SampleRecord> records = {With({93, 24}),         // attribute, tag 1
                                                With({95, 24, 66, 67}), // split completion
                                                With({95, 24, 65, 66}), // another address
-                                               With({24})};            // data
+                                               With({24}),             // data
+                                               With({24, 66, 67})};    // with lanes off
     EXPECT_THAT(Matches(records, {"TAG=01"}), ElementsAre(0, 1));
     EXPECT_THAT(Matches(records, {"ATTRIBUTE=01000000"}), ElementsAre(0, 1));
 }

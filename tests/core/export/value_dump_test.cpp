@@ -108,6 +108,15 @@ TEST_F(Dumps, TextsOfDecodedSignalsAreThoseOfTheListing) {
     EXPECT_EQ(TextOfBits(dump.At(30, finding)), "Target Retry");
 }
 
+TEST_F(Dumps, TheSameValueReadsDifferentlyInAnotherPhase) {
+    // The code of a command on C/BE, then the same lines as byte enables.
+    const auto records = CaptureBuilder().Address(0x10, 7).Data(0xAB, 7).Records();
+    const ParsedDump dump = ParseDump(Dump(RowsOf(records)));
+    EXPECT_EQ(dump.At(0, "COMMAND[7:0]"), dump.At(30, "COMMAND[7:0]"));
+    EXPECT_EQ(TextOfBits(dump.At(0, "COMMAND_text[127:0]")), "Mem Wr");
+    EXPECT_EQ(TextOfBits(dump.At(30, "COMMAND_text[127:0]")), "");
+}
+
 TEST_F(Dumps, NamesHaveNoBlanksAndAreUnique) {
     CSignal* first = list.InsertBlank(nullptr);
     first->name = "MY LINE";
