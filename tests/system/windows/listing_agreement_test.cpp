@@ -155,7 +155,7 @@ protected:
 
     /// The default list with all that a listing can hold besides: computed columns, a blank one, a
     /// hidden one, an expanded bus, other radixes.
-    std::string RichList() const {
+    std::string RichList(const std::string& section = "State") const {
         CSignalList list;
         list.BuildFromTables(0, ModeState);
         for (const char* name : {"TIME", "ACCUM", "DELTA", "SAMPLE", "RULE CHECK", "ANOMALY"}) {
@@ -179,9 +179,9 @@ protected:
         list.UngroupSelected();
         TextWriter file;
         EXPECT_TRUE(file.Create(dir.File("list")));
-        file.Write("\"State Signals\"\n");
+        file.Write("\"" + section + " Signals\"\n");
         list.WriteSignals(file, false);
-        file.Write("\"End of State Signals\"\n");
+        file.Write("\"End of " + section + " Signals\"\n");
         EXPECT_TRUE(file.Close());
         return ReadWholeFile(dir.File("list"));
     }
@@ -216,7 +216,7 @@ TEST_P(ListingAgreement, WithSamplesLeftOut) {
 
 TEST_P(ListingAgreement, FromAnyRowOn) {
     WriteCapture(
-        RichList(), [](int i) { return i % 3 != 0; }, false);
+        RichList(), [](int i) { return i % 3 != 1; }, false);
     const Table painted = Painted(200, false); // which is not the sample's place
     ExpectSame(Printed({"--from", painted[1][0]}), painted);
 }
@@ -227,6 +227,12 @@ TEST_P(ListingAgreement, OfThePowerZoom) {
     const Table painted = Painted(0, true);
     EXPECT_EQ(painted.size(), 1U + 511);
     ExpectSame(Printed({"--zoom"}), painted);
+}
+
+TEST_P(ListingAgreement, OfThePowerZoomBesideSamplesThatAreLeftOut) {
+    WriteCapture(
+        RichList("Power Zoom"), [](int i) { return i % 3 != 1; }, true);
+    ExpectSame(Printed({"--zoom"}), Painted(0, true));
 }
 
 INSTANTIATE_TEST_SUITE_P(
