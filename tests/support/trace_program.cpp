@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -46,6 +47,11 @@ struct Pipe {
     ::dup2(out.ends[1], STDOUT_FILENO);
     ::dup2(err.ends[1], STDERR_FILENO);
     std::signal(SIGPIPE, SIG_DFL);
+    if (input.diskBytes != 0) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{input.diskBytes, input.diskBytes};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
     if (!input.folder.empty() && ::chdir(input.folder.c_str()) != 0) {
         std::_Exit(126);
     }
