@@ -13,6 +13,13 @@ namespace busquill::cli {
 
 namespace {
 
+struct OptionRow {
+    char letter;          // 0: none
+    const char* name;     // without its dashes
+    const char* argument; // what it takes; null for a flag
+    const char* help;
+};
+
 // clang-format off
 
 constexpr OptionRow optionRows[] = {
@@ -214,14 +221,6 @@ private:
 };
 
 } // namespace
-
-std::span<const OptionRow> Options() noexcept {
-    return optionRows;
-}
-
-std::span<const CommandRow> Commands() noexcept {
-    return commandRows;
-}
 
 std::string Arguments::Value(std::string_view option) const {
     const auto found = options.find(option);

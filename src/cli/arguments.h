@@ -14,13 +14,6 @@ namespace busquill::cli {
 
 struct Arguments;
 
-struct OptionRow {
-    char letter;          // 0: none
-    const char* name;     // without its dashes
-    const char* argument; // what it takes; null for a flag
-    const char* help;
-};
-
 struct CommandRow {
     const char* name;
     const char* operands;
@@ -30,9 +23,6 @@ struct CommandRow {
     const char* help;
     int (*run)(const Arguments&);
 };
-
-[[nodiscard]] std::span<const OptionRow> Options() noexcept;
-[[nodiscard]] std::span<const CommandRow> Commands() noexcept;
 
 struct Arguments {
     const CommandRow* command = nullptr; // null with "help" or "version" alone

@@ -14,7 +14,6 @@ public:
 
     /// What has been said since the last call, each on one line.
     [[nodiscard]] std::vector<std::string> Take();
-    [[nodiscard]] bool Empty() const noexcept { return said_.empty(); }
 
 private:
     std::vector<std::string> said_;

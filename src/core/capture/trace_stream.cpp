@@ -174,11 +174,7 @@ std::string TraceStream::Survey(TraceSurvey& survey) {
     const SampleTime time(stateList);
     const std::int64_t trigger = TriggerNumber();
     while (const SampleRows* rows = NextRows()) {
-        if (survey.rows == 0) {
-            survey.firstHeld = rows->numbers.front();
-        }
         survey.rows += static_cast<std::int64_t>(rows->Size());
-        survey.lastHeld = rows->numbers.back();
         for (std::size_t i = 0; time.Known() && i < rows->Size() && rows->numbers[i] <= trigger;
              ++i) {
             survey.timeToTrigger += time.Of(rows->records[i]);

@@ -19,9 +19,7 @@ struct TraceSurvey {
     std::int64_t first = 0; // numbers, as the file announces them
     std::int64_t last = 0;
     std::int64_t rows = 0; // samples that it holds
-    std::int64_t firstHeld = 0;
-    std::int64_t lastHeld = 0;
-    bool cutOff = false; // the file ends in the middle of them
+    bool cutOff = false;   // the file ends in the middle of them
     bool hasZoom = false;
     /// Power Zoom samples by their place, those that the file does not mention as zeros.
     std::vector<SampleRecord> zoom;

@@ -122,8 +122,6 @@ TEST_F(TraceStreams, SurveyTellsOfTheWholeFileAndGoesBack) {
     EXPECT_EQ(survey.first, -2);
     EXPECT_EQ(survey.last, 5);
     EXPECT_EQ(survey.rows, 3);
-    EXPECT_EQ(survey.firstHeld, -1);
-    EXPECT_EQ(survey.lastHeld, 4);
     EXPECT_TRUE(survey.HasGaps());
     EXPECT_TRUE(survey.hasZoom);
     EXPECT_EQ(survey.zoom.at(0).bytes[0], 7);
