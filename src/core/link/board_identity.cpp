@@ -179,6 +179,7 @@ std::span<const std::string_view> BusModeNames() noexcept {
 
 std::vector<std::string_view> ModelNames() {
     std::vector<std::string_view> names;
+    names.reserve(models.size());
     for (const Model& model : models) {
         names.push_back(model.name);
     }
