@@ -1,3 +1,4 @@
+#include "support/paths.h"
 #include "support/trace_program.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +9,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-constexpr const char* demo = BUSQUILL_SOURCE_DIR "/data/Trigger1.tra";
+const std::string demo = SourceFile("data/Trigger1.tra");
 
 struct WrongUse {
     const char* name;

@@ -1,3 +1,4 @@
+#include "support/paths.h"
 #include "support/temp_dir.h"
 #include "support/trace_program.h"
 
@@ -11,7 +12,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const std::string data = BUSQUILL_SOURCE_DIR "/data/";
+const std::string data = SourceFile("data/");
 const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
 
 /// A row of a PCI sample: address lines, C/BE, FRAME and phase; all else as on a quiet bus.

@@ -1,3 +1,4 @@
+#include "support/paths.h"
 #include "support/temp_dir.h"
 #include "support/trace_program.h"
 
@@ -13,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const std::string demo = BUSQUILL_SOURCE_DIR "/data/Trigger1.tra";
+const std::string demo = SourceFile("data/Trigger1.tra");
 const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
 const std::string zeros = ",0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
 
@@ -132,13 +133,13 @@ TEST_F(TraceFiles, EveryCommandReadsStandardInput) {
 }
 
 TEST_F(TraceFiles, EveryCommandWritesToAFile) {
-    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
-             {"info", demo},
-             {"list", demo, "--to", "-4100"},
-             {"search", demo, "-p", "FRAME=0"},
-             {"compare", demo, demo},
-             {"stats", demo},
-             {"setup", BUSQUILL_SOURCE_DIR "/data/MemoryWrite.tsp"}}) {
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"info", demo},
+                                               {"list", demo, "--to", "-4100"},
+                                               {"search", demo, "-p", "FRAME=0"},
+                                               {"compare", demo, demo},
+                                               {"stats", demo},
+                                               {"setup", SourceFile("data/MemoryWrite.tsp")}}) {
         std::vector<std::string> toFile = command;
         toFile.insert(toFile.end(), {"-o", "out"});
         const ProgramRun run = Run(toFile);

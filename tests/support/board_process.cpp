@@ -1,5 +1,7 @@
 #include "support/board_process.h"
 
+#include "support/paths.h"
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -19,7 +21,7 @@ BoardProcess::BoardProcess(std::vector<std::string> options) {
     static int number = 0;
     logPath_ = "/tmp/busquill-board-" + std::to_string(::getpid()) + "-" +
                std::to_string(number++) + ".log";
-    options.insert(options.begin(), {BUSQUILL_BOARDSIM, "--log", logPath_});
+    options.insert(options.begin(), {BoardSimulator(), "--log", logPath_});
     std::vector<char*> arguments;
     for (std::string& option : options) {
         arguments.push_back(option.data());

@@ -2,6 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "support/board_program_fixture_qt.h"
+#include "support/paths.h"
 #include "ui/display/trace_view.h"
 #include "ui/shell/child_frame.h"
 #include "ui/shell/trace_bar.h"
@@ -19,7 +20,7 @@ class LiveFrameFixture : public BoardProgramFixture {
 protected:
     LiveFrameFixture() {
         for (const char* name : {"MemoryWrite.tsp", "ReadAfterWrites.tsp"}) {
-            std::filesystem::copy(BUSQUILL_SOURCE_DIR "/data/" + std::string(name), dir.File(name));
+            std::filesystem::copy(SourceFile("data/" + std::string(name)), dir.File(name));
         }
     }
     /// "State" or "Waveform".

@@ -4,6 +4,7 @@
 #include "support/board_process.h"
 #include "support/manual_clock.h"
 #include "support/modal_qt.h"
+#include "support/paths.h"
 #include "support/recording_prompts.h"
 #include "support/scripted_usb.h"
 #include "support/temp_dir.h"
@@ -50,7 +51,7 @@ class ProgramFixture : public testing::Test {
 protected:
     ProgramFixture() {
         for (const char* name : {"Trigger1.tra", "Trigger2.tra"}) {
-            std::filesystem::copy(BUSQUILL_SOURCE_DIR "/data/" + std::string(name), dir.File(name));
+            std::filesystem::copy(SourceFile("data/" + std::string(name)), dir.File(name));
         }
         settings.WriteProfileString("Setup", "ComPort", "COM1");
     }

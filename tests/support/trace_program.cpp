@@ -1,5 +1,7 @@
 #include "support/trace_program.h"
 
+#include "support/paths.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -58,12 +60,13 @@ struct Pipe {
     if (!input.temporaryFolder.empty()) {
         ::setenv("TMPDIR", input.temporaryFolder.c_str(), 1);
     }
-    std::vector<char*> words = {const_cast<char*>(BUSQUILL_TRACE)};
+    std::string program = TraceProgramPath();
+    std::vector<char*> words = {program.data()};
     for (const std::string& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str()));
     }
     words.push_back(nullptr);
-    ::execv(BUSQUILL_TRACE, words.data());
+    ::execv(program.c_str(), words.data());
     std::_Exit(127);
 }
 

@@ -2,6 +2,7 @@
 
 #include "boardsim/traffic.h"
 #include "support/board_process.h"
+#include "support/paths.h"
 #include "support/temp_dir.h"
 #include "support/trace_program.h"
 
@@ -66,7 +67,7 @@ protected:
     /// data/MemoryWrite.tsp with another text in one place.
     std::string Setup(const std::string& name, const std::string& old = "",
                       const std::string& instead = "") const {
-        std::string text = ReadWholeFile(BUSQUILL_SOURCE_DIR "/data/MemoryWrite.tsp");
+        std::string text = ReadWholeFile(SourceFile("data/MemoryWrite.tsp"));
         const auto at = text.find(old);
         EXPECT_NE(at, std::string::npos) << old;
         return setups.Write(name, text.replace(at, old.size(), instead));
@@ -109,7 +110,7 @@ protected:
     TempDir temporary; // where the program has its temporary files
     TempDir folder;    // where it is to put captures
     std::string target = folder.File("out.tra");
-    const std::string memoryWrite = BUSQUILL_SOURCE_DIR "/data/MemoryWrite.tsp";
+    const std::string memoryWrite = SourceFile("data/MemoryWrite.tsp");
 };
 
 } // namespace busquill::test

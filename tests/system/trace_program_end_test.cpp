@@ -1,5 +1,6 @@
 // busquill-trace with a board when things do not go to their end: interrupts and failures.
 
+#include "support/paths.h"
 #include "support/trace_program_over_wire.h"
 
 #include <gmock/gmock.h>
@@ -159,7 +160,7 @@ TEST_F(TraceProgramEnd, SetupThatIsNoSetupIsNotSent) {
     const ProgramRun none = Capture(missing);
     EXPECT_EQ(none.status, 3);
     EXPECT_THAT(none.err, HasSubstr("Error opening file " + missing + "."));
-    const std::string trace = BUSQUILL_SOURCE_DIR "/data/Trigger1.tra";
+    const std::string trace = SourceFile("data/Trigger1.tra");
     const ProgramRun other = Capture(trace);
     EXPECT_EQ(other.status, 3);
     EXPECT_THAT(other.err,

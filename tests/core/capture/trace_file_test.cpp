@@ -1,6 +1,7 @@
 #include "capture/trace_document.h"
 #include "capture/trace_file.h"
 #include "support/board_tables.h"
+#include "support/paths.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 
@@ -256,7 +257,7 @@ TEST_F(TraceFile, PlainRowsAndQuotedOnesReadTheSame) {
 TEST_F(TraceFile, StoredCapturesOfTheProgramLoad) {
     for (const auto& [name, samples] : {std::pair{"Trigger1.tra", 8192}, {"Trigger2.tra", 4096}}) {
         document = std::make_unique<CTesselDoc>(context, prompts);
-        ASSERT_TRUE(document->OnOpenDocument(BUSQUILL_SOURCE_DIR "/data/" + std::string(name)));
+        ASSERT_TRUE(document->OnOpenDocument(SourceFile("data/" + std::string(name))));
         EXPECT_EQ(document->SampleCount(false), samples);
         EXPECT_EQ(document->RowCount(false), samples);
         EXPECT_NEAR(static_cast<double>(document->Marker(0, false)), samples / 2.0, 64.0);
