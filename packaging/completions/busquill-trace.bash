@@ -18,35 +18,79 @@ _busquill_trace_words() {
     done <<<"$1"
 }
 
-_busquill_trace() {
-    local commands="info list search filter convert compare stats setup board capture"
-    local words=("${COMP_WORDS[@]:0:COMP_CWORD+1}") word=${COMP_WORDS[COMP_CWORD]} command='' options='' i
+# The names and labels of the bus that the line tells, a line each.
+_busquill_trace_names() {
+    local told=() i
+    for ((i = 1; i < ${#words[@]} - 1; ++i)); do
+        case ${words[i]} in
+        --bus | --model | --width) told+=("${words[i]}" "${words[++i]//\\/}") ;;
+        --bus=* | --model=* | --width=*) told+=("${words[i]//\\/}") ;;
+        esac
+    done
+    busquill-trace names "${told[@]}" 2>/dev/null
+}
+
+# Of some lines those that begin with the word, in any case; with "list" by what stands behind its
+# last comma. Bash has words of its own already for what comes before a "=" or ":".
+_busquill_trace_begun() {
+    local begun=$word before='' quote='' have=${words[-1]} last=${COMP_WORDS[COMP_CWORD]} each
+    [[ $last == [=:] ]] || have=${have%"$last"}
+    [[ $have == --*=* ]] && have=${have#*=}
+    have=${have//\\/}
+    [[ $begun == [\"\']* ]] && quote=${begun:0:1} begun=${begun:1}
+    begun=${begun//\\/}
+    [[ $2 == list ]] && before=${begun%"${begun##*,}"} begun=${begun##*,}
     COMPREPLY=()
-    for ((i = 1; i < COMP_CWORD; ++i)); do
+    while IFS= read -r each; do
+        if [[ $each && ${each,,} == "${begun,,}"* ]]; then
+            each=$before$each
+            each=${each:${#have}}
+            [[ $quote ]] || each=$(printf %q "$each")
+            COMPREPLY+=("${each//\\,/,}")
+        fi
+    done <<<"$1"
+}
+
+_busquill_trace() {
+    local commands="info list search filter convert compare stats names setup board capture"
+    local words=() word command='' options='' each i
+    # Bash takes "--format=csv" and "AD[63:0]" for several words.
+    for ((i = 0; i <= COMP_CWORD; ++i)); do
+        each=${COMP_WORDS[i]}
+        if ((i > 1)) && [[ $each == [=:] || ${COMP_WORDS[i - 1]} == [=:] ]]; then
+            words[-1]+=$each
+        else
+            words+=("$each")
+        fi
+    done
+    word=${words[-1]}
+    COMPREPLY=()
+    for ((i = 1; i < ${#words[@]} - 1; ++i)); do
         if [[ " $commands " == *" ${words[i]} "* ]]; then
             command=${words[i]}
             break
         fi
     done
     case $command in
-    info) options="output json model bus width" ;;
-    list) options="output json model bus width from to columns zoom format" ;;
-    search) options="output json model bus width pattern from backward all" ;;
-    filter) options="output model bus width pattern" ;;
-    convert) options="output model bus width from to zoom format changes" ;;
-    compare) options="output json model bus width ignore align" ;;
-    stats) options="output json model bus width" ;;
-    setup) options="output json model bus width payload" ;;
+    info) options="output overwrite json model bus width" ;;
+    list) options="output overwrite json model bus width from to columns zoom format" ;;
+    search) options="output overwrite json model bus width pattern from backward all" ;;
+    filter) options="output overwrite model bus width pattern" ;;
+    convert) options="output overwrite model bus width from to zoom format changes" ;;
+    compare) options="output overwrite json model bus width ignore align" ;;
+    stats) options="output overwrite json model bus width" ;;
+    names) options="output overwrite json model bus width" ;;
+    setup) options="output overwrite json model bus width payload" ;;
     board) options="output json port baud" ;;
-    capture) options="output port baud setup timeout repeat stop-if-found" ;;
+    capture) options="output overwrite port baud setup timeout repeat stop-if-found" ;;
     esac
 
-    # "--format=csv" comes as three words.
-    local option=${words[COMP_CWORD - 1]}
-    if [[ $word == = ]]; then
-        word=
-    elif [[ $option == = ]]; then
-        option=${words[COMP_CWORD - 2]}
+    local option=
+    if [[ $word == --*=* ]]; then
+        option=${word%%=*}
+        word=${word#*=}
+    elif ((${#words[@]} > 1)); then
+        option=${words[-2]}
     fi
     case $option in
     --format)
@@ -83,9 +127,18 @@ PMCKite\nPMCWren\nVMEKiteP2\nVMEKiteP0\nVSBKite\nDemo Mode'
         esac
         return
         ;;
-    --from | --to | --columns | --pattern | -p | --ignore | --timeout | --repeat | --stop-if-found)
+    --pattern | -p)
+        case $word in
+        *=*) _busquill_trace_begun "$(_busquill_trace_names | grep =)" ;;
+        *)
+            compopt -o nospace 2>/dev/null
+            _busquill_trace_begun "$(_busquill_trace_names | grep -v = | sed 's/$/=/')"
+            ;;
+        esac
         return
         ;;
+    --columns | --ignore) _busquill_trace_begun "$(_busquill_trace_names | grep -v =)" list && return ;;
+    --from | --to | --timeout | --repeat | --stop-if-found) return ;;
     esac
 
     case $command,$word in

@@ -2,12 +2,14 @@
 
 #include "cli/commands.h"
 #include "cli/stop.h"
+#include "platform/near_names.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <limits>
+#include <sstream>
 
 namespace busquill::cli {
 
@@ -26,6 +28,7 @@ constexpr OptionRow optionRows[] = {
     {'h', "help",          nullptr,      "this text"},
     {'V', "version",       nullptr,      "the program's version"},
     {'o', "output",        "FILE",       "write to FILE; - is standard output"},
+    {0,   "overwrite",     nullptr,      "let -o replace a file that is read"},
     {0,   "json",          nullptr,      "print JSON"},
     {0,   "model",         "NAME",       "board that made the capture, such as VMEKite"},
     {0,   "bus",           "MODE",       "bus that was captured, such as PCI-X (default PCI)"},
@@ -52,34 +55,37 @@ constexpr OptionRow optionRows[] = {
 
 constexpr CommandRow commandRows[] = {
     {"info",    "FILE...", 1, std::numeric_limits<std::size_t>::max(),
-     "output json model bus width",
+     "", "output overwrite json model bus width",
      "what is in captures", RunInfo},
     {"list",    "FILE", 1, 1,
-     "output json model bus width from to columns zoom format",
+     "", "output overwrite json model bus width from to columns zoom format",
      "the listing, as the State window shows it", RunList},
     {"search",  "FILE", 1, 1,
-     "output json model bus width pattern from backward all",
+     "pattern", "output overwrite json model bus width from backward all",
      "the numbers of the samples that match a pattern", RunSearch},
     {"filter",  "FILE", 1, 1,
-     "output model bus width pattern",
+     "pattern output", "overwrite model bus width",
      "a capture of the samples that match a pattern", RunFilter},
     {"convert", "FILE", 1, 1,
-     "output model bus width from to zoom format changes",
+     "output", "overwrite model bus width from to zoom format changes",
      "a value change dump (.vcd), comma separated values (.csv) or a session file (.sr)", RunConvert},
     {"compare", "A B", 2, 2,
-     "output json model bus width ignore align",
+     "", "output overwrite json model bus width ignore align",
      "where two captures differ", RunCompare},
     {"stats",   "FILE", 1, 1,
-     "output json model bus width",
+     "", "output overwrite json model bus width",
      "transactions, bytes, bursts, wait states and findings", RunStats},
+    {"names",   "[FILE]", 0, 1,
+     "", "output overwrite json model bus width",
+     "the signals and labels of a bus, as patterns take them", RunNames},
     {"setup",   "FILE", 1, 1,
-     "output json model bus width payload",
+     "", "output overwrite json model bus width payload",
      "a trigger program in plain words", RunSetup},
     {"board",   "", 0, 0,
-     "output json port baud",
+     "port", "output json baud",
      "the connected board and its bus", RunBoard},
     {"capture", "", 0, 0,
-     "output port baud setup timeout repeat stop-if-found",
+     "port setup output", "overwrite baud timeout repeat stop-if-found",
      "captures with the connected board", RunCapture},
 };
 
@@ -97,10 +103,28 @@ const OptionRow* FindLetter(char letter) {
     return row == std::end(optionRows) ? nullptr : row;
 }
 
+/// The options that these names, separated by blanks, stand for.
+std::vector<const OptionRow*> OptionsOf(std::string_view names) {
+    std::vector<const OptionRow*> options;
+    std::istringstream words{std::string(names)};
+    for (std::string name; words >> name;) {
+        options.push_back(FindOption(name));
+    }
+    return options;
+}
+
 bool Takes(const CommandRow& command, std::string_view option) {
-    const std::string padded = " " + std::string(command.options) + " ";
-    return option == "help" || option == "version" ||
-           padded.find(" " + std::string(option) + " ") != std::string::npos;
+    const auto has = [&](std::string_view names) {
+        return std::ranges::any_of(OptionsOf(names),
+                                   [&](const OptionRow* each) { return each->name == option; });
+    };
+    return option == "help" || option == "version" || has(command.needed) || has(command.options);
+}
+
+/// As it is typed: "-o FILE", "--port PORT".
+std::string Typed(const OptionRow& option) {
+    return (option.letter != 0 ? Printf("-%c", option.letter) : Printf("--%s", option.name)) +
+           (option.argument != nullptr ? std::string(" ") + option.argument : "");
 }
 
 std::string OptionLine(const OptionRow& option) {
@@ -142,11 +166,12 @@ private:
         const auto* row = std::ranges::find_if(
             commandRows, [&](const CommandRow& each) { return text == each.name; });
         if (row == std::end(commandRows)) {
-            std::string names;
+            std::vector<std::string> names;
             for (const CommandRow& each : commandRows) {
-                names += std::string(names.empty() ? "" : ", ") + each.name;
+                names.emplace_back(each.name);
             }
-            WrongUse("no command \"" + text + "\"; there are " + names);
+            WrongUse("no command \"" + text + "\"; there are " +
+                     ListNearest(text, std::move(names)));
         }
         arguments_.command = row;
     }
@@ -203,6 +228,16 @@ private:
             if (!Takes(command, name)) {
                 WrongUse(Printf("%s takes no --%s", command.name, name.c_str()));
             }
+        }
+        std::string missing;
+        for (const OptionRow* option : OptionsOf(command.needed)) {
+            if (arguments_.Value(option->name).empty()) {
+                missing += (missing.empty() ? "" : ", ") + Typed(*option);
+            }
+        }
+        if (!missing.empty()) {
+            WrongUse(Printf("%s needs %s; see busquill-trace %s -h", command.name, missing.c_str(),
+                            command.name));
         }
         const std::size_t count = arguments_.operands.size();
         if (count < command.leastOperands) {
@@ -285,14 +320,17 @@ std::string HelpText(const CommandRow* command) {
                "or output.\n"
                "Exit status: 0 done, 1 nothing found or captures differ, 2 wrong use, 3 failure.\n";
     }
-    const std::string_view name = command->name;
-    const bool writesFile = name == "filter" || name == "convert" || name == "capture";
     std::string about = command->help;
     about[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(about[0])));
-    const std::string operands =
-        *command->operands == '\0' ? "" : std::string(" ") + command->operands;
-    text = Printf("Usage: busquill-trace %s [OPTION...]%s%s\n\n%s.\n\nOptions:\n", command->name,
-                  writesFile ? " -o FILE" : "", operands.c_str(), about.c_str());
+    std::string needed;
+    for (const OptionRow* option : OptionsOf(command->needed)) {
+        needed += " " + Typed(*option);
+    }
+    if (*command->operands != '\0') {
+        needed += std::string(" ") + command->operands;
+    }
+    text = Printf("Usage: busquill-trace %s [OPTION...]%s\n\n%s.\n\nOptions:\n", command->name,
+                  needed.c_str(), about.c_str());
     for (const OptionRow& option : optionRows) {
         if (Takes(*command, option.name)) {
             text += OptionLine(option);

@@ -16,10 +16,11 @@ struct Arguments;
 
 struct CommandRow {
     const char* name;
-    const char* operands;
+    const char* operands; // those that may be left out in square brackets
     std::size_t leastOperands;
     std::size_t mostOperands;
-    std::string_view options; // names, separated by blanks
+    std::string_view needed;  // names of options that it cannot do without, separated by blanks
+    std::string_view options; // the others
     const char* help;
     int (*run)(const Arguments&);
 };

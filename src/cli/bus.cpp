@@ -2,6 +2,7 @@
 
 #include "cli/arguments.h"
 #include "cli/stop.h"
+#include "platform/near_names.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -10,21 +11,13 @@ namespace busquill::cli {
 
 namespace {
 
-template <class Names>
-std::string Joined(const Names& names) {
-    std::string text;
-    for (const auto& name : names) {
-        text += (text.empty() ? "" : ", ") + std::string(name);
-    }
-    return text;
-}
-
 std::int32_t BusModeOf(const std::string& name) {
     const auto names = BusModeNames();
     const auto found = std::ranges::find_if(
         names, [&](std::string_view each) { return EqualIgnoringCase(each, name); });
     if (found == names.end()) {
-        WrongUse(Printf("no bus \"%s\"; there are %s", name.c_str(), Joined(names).c_str()));
+        WrongUse(Printf("no bus \"%s\"; there are %s", name.c_str(),
+                        ListNearest(name, {names.begin(), names.end()}).c_str()));
     }
     return static_cast<std::int32_t>(found - names.begin());
 }
@@ -52,8 +45,9 @@ BoardTraits TraitsOf(const Arguments& arguments) {
     const auto mode = arguments.Has("bus") ? std::optional(BusModeOf(bus)) : std::nullopt;
     auto traits = TraitsOfModel(!model.empty() ? model : ModelOf(mode.value_or(BusPci)));
     if (!traits) {
-        WrongUse(
-            Printf("no model \"%s\"; there are %s", model.c_str(), Joined(ModelNames()).c_str()));
+        const auto names = ModelNames();
+        WrongUse(Printf("no model \"%s\"; there are %s", model.c_str(),
+                        ListNearest(model, {names.begin(), names.end()}).c_str()));
     }
     if (mode && arguments.Has("model") && !Offers(traits->modelString, *mode)) {
         WrongUse(Printf("%s has no bus %s", traits->modelString.c_str(), bus.c_str()));

@@ -3,6 +3,7 @@
 #include "capture/trace_writer.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/input.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/session.h"
@@ -42,7 +43,8 @@ void CheckSetup(const std::string& path) {
     SignalTables tables([&board] { return board; }, WorkingDirectory::AtStart());
     TraceSetup setup;
     LinePrompts prompts;
-    if (!LoadSetupFile(setup, path, prompts)) {
+    TextReader file = OpenInput(path);
+    if (!LoadSetupFile(setup, file, prompts)) {
         const auto said = prompts.Take();
         Fail(path + ": " + (said.empty() ? "no setup" : said.front()));
     }
@@ -51,9 +53,6 @@ void CheckSetup(const std::string& path) {
 Wish WishOf(const Arguments& arguments) {
     Wish wish;
     wish.path = arguments.Value("output");
-    if (wish.path.empty() || !arguments.Has("setup")) {
-        WrongUse("capture needs --setup FILE.tsp and -o OUT.tra");
-    }
     wish.runs = arguments.Number("repeat").value_or(1);
     if (wish.runs < 0) {
         WrongUse("--repeat is a number of runs, or 0 for runs without end");

@@ -13,6 +13,7 @@ int RunFilter(const Arguments& arguments);
 int RunConvert(const Arguments& arguments);
 int RunCompare(const Arguments& arguments);
 int RunStats(const Arguments& arguments);
+int RunNames(const Arguments& arguments);
 int RunSetup(const Arguments& arguments);
 int RunBoard(const Arguments& arguments);
 int RunCapture(const Arguments& arguments);

@@ -3,7 +3,7 @@
 #include "cli/bus.h"
 #include "cli/commands.h"
 #include "cli/input.h"
-#include "cli/names.h"
+#include "cli/name_list.h"
 #include "cli/output.h"
 #include "cli/stop.h"
 #include "platform/text.h"
@@ -104,7 +104,7 @@ public:
         for (const std::string& name : SplitNames(arguments.All("ignore"))) {
             const auto signal = FindSignal(name, bus.Tables(), {});
             if (!signal) {
-                WrongUse(UnknownSignal(name, bus.Tables()));
+                WrongUse(UnknownSignal(name, bus.Tables(), {}));
             }
             signals_.Ignore(signal->positions);
         }

@@ -52,6 +52,8 @@ public:
     template <typename Take>
     [[nodiscard]] bool ForEach(Take take) {
         bool any = false;
+        last_.reset();
+        hasGaps_ = false;
         if (zoom_) {
             return TakePiece(zoomRows_, take);
         }
@@ -67,11 +69,31 @@ public:
         return any;
     }
 
+    /// Whether samples are missing between those that ForEach has given.
+    [[nodiscard]] bool HasGaps() const noexcept { return hasGaps_; }
+    [[nodiscard]] const std::string& Name() const noexcept { return input_.Name(); }
+    /// Back to the first sample.
+    void Rewind() {
+        if (!zoom_) {
+            input_.ReadHead();
+        }
+    }
+
 private:
+    template <typename Take>
+    void Give(const SampleRows& rows, Take take) {
+        const std::int64_t first = rows.numbers.front();
+        const std::int64_t last = rows.numbers.back();
+        hasGaps_ = hasGaps_ || (last_ && first != *last_ + 1) ||
+                   last - first + 1 != static_cast<std::int64_t>(rows.Size());
+        last_ = last;
+        take(rows);
+    }
+
     template <typename Take>
     bool TakePiece(const SampleRows& rows, Take take) {
         if (range_.Has(rows.numbers.front()) && range_.Has(rows.numbers.back())) {
-            take(rows);
+            Give(rows, take);
             return true;
         }
         SampleRows inside;
@@ -81,7 +103,7 @@ private:
             }
         }
         if (!inside.Empty()) {
-            take(inside);
+            Give(inside, take);
         }
         return !inside.Empty();
     }
@@ -90,6 +112,8 @@ private:
     const NumberRange range_;
     const bool zoom_;
     SampleRows zoomRows_;
+    std::optional<std::int64_t> last_; // the number that ForEach has given last
+    bool hasGaps_ = false;
 };
 
 std::string FormatOf(const Arguments& arguments) {
@@ -109,7 +133,16 @@ std::string FormatOf(const Arguments& arguments) {
                     path.c_str()));
 }
 
-bool ToDump(Source& source, const Bus& bus, const std::string& path) {
+std::string WholePath(const std::string& path) {
+    std::error_code unknown;
+    return std::filesystem::absolute(path, unknown).lexically_normal().string();
+}
+
+bool ToDump(Source& source, const Bus& bus, const Arguments& arguments) {
+    const std::string path = arguments.Value("output");
+    const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
+    const std::string viewerPath = path.substr(0, point) + ".gtkw";
+    CheckTarget(arguments, viewerPath);
     ValueDump dump(source.List(), source.Use(),
                    {bus.Board(), source.IsZoom(), source.Stream().comment});
     Output output(path);
@@ -128,9 +161,8 @@ bool ToDump(Source& source, const Bus& bus, const std::string& path) {
     output.Close();
     std::error_code unknown;
     if (path != "-" && std::filesystem::is_regular_file(path, unknown)) {
-        const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
-        Output viewer(path.substr(0, point) + ".gtkw");
-        viewer.Write(dump.ViewerFile(FileNameOf(path)));
+        Output viewer(viewerPath);
+        viewer.Write(dump.ViewerFile(WholePath(path), WholePath(viewerPath)));
         viewer.Close();
     }
     return true;
@@ -176,6 +208,28 @@ private:
     bool even_ = true;
 };
 
+/// The time from each sample to the next in picoseconds, where it is the same for all.
+std::optional<std::int64_t> SteadyPeriod(Source& source) {
+    const SampleTime time;
+    std::optional<std::int64_t> period;
+    bool isFirst = true; // whose time is that before it
+    bool isSteady = true;
+    const bool any = source.ForEach([&](const SampleRows& rows) {
+        for (const SampleRecord& record : rows.records) {
+            if (!isFirst) {
+                period = period.value_or(time.Of(record));
+                isSteady = isSteady && *period == time.Of(record);
+            }
+            isFirst = false;
+        }
+    });
+    source.Rewind();
+    constexpr std::int64_t nanosecond = 1000;
+    return any && isSteady && !source.HasGaps() && period.value_or(0) > 0
+               ? std::optional(*period * nanosecond)
+               : std::nullopt;
+}
+
 bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     SessionFile::Capture capture;
     for (int bit = 0; bit < SampleRecord::bitCount; ++bit) {
@@ -191,8 +245,11 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         capture.channels.push_back(unique);
     }
     const TraceSetup& setup = source.Stream().setup;
-    const auto period =
+    auto period =
         source.IsZoom() ? PowerZoomPeriod(setup.powerZoomClock) : ClockPeriod(setup.clock);
+    if (!period && !source.IsZoom()) {
+        period = SteadyPeriod(source); // the bus's own, where it goes on without a pause
+    }
     if (period) {
         constexpr std::int64_t second = 1'000'000'000'000;
         capture.sampleRate = static_cast<std::uint64_t>((second + *period / 2) / *period);
@@ -238,9 +295,6 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
 int RunConvert(const Arguments& arguments) {
     const Bus bus(arguments);
     const std::string path = arguments.Value("output");
-    if (path.empty()) {
-        WrongUse("convert needs -o FILE");
-    }
     const std::string format = FormatOf(arguments);
     if (format == "vcd" && ToLower(path).ends_with(".gtkw")) {
         WrongUse("a .gtkw is what the viewer gets beside the dump; the dump itself ends in .vcd");
@@ -251,11 +305,13 @@ int RunConvert(const Arguments& arguments) {
     }
     TraceInput input(arguments.operands[0]);
     Source source(arguments, input);
-    const bool any = format == "vcd"   ? ToDump(source, bus, path)
+    const bool any = format == "vcd"   ? ToDump(source, bus, arguments)
                      : format == "csv" ? ToTable(source, bus, path, arguments.Has("changes"))
                                        : ToSession(source, bus, path);
     if (!any) {
         Say(Printf("there are no such samples; %s is not written", path.c_str()));
+    } else if (source.HasGaps()) {
+        Say(TimesAreShort(source.Name()));
     }
     return any ? ExitStatus::Done : ExitStatus::NothingFound;
 }

@@ -30,6 +30,18 @@ std::string ListWords(const TraceStream& stream) {
     return text.empty() ? "none, so the default ones" : text;
 }
 
+/// Where the trigger is marked, which is beside sample 0 where there is nothing after it.
+std::string TriggerWords(const TraceSurvey& survey, const TraceStream& stream) {
+    const std::int64_t marked = stream.TriggerNumber();
+    const auto before = static_cast<long long>(marked - survey.first);
+    if (survey.first > 0 || survey.last < 0) {
+        return Printf("not among the samples; marked at sample %lld",
+                      static_cast<long long>(marked));
+    }
+    return Printf("%ssample %lld, %lld samples before it", marked == 0 ? "" : "marked at ",
+                  static_cast<long long>(marked), before);
+}
+
 std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     const TraceSurvey survey = input.Survey();
     const TraceStream& stream = input.Stream();
@@ -43,11 +55,7 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     if (survey.hasSamples && survey.last >= survey.first) {
         facts.push_back(NumberFact("First sample", "first", survey.first));
         facts.push_back(NumberFact("Last sample", "last", survey.last));
-        const bool held = survey.first <= 0 && survey.last >= 0;
-        facts.push_back(TextFact(
-            "Trigger", "trigger",
-            held ? Printf("sample 0, %lld samples before it", static_cast<long long>(-survey.first))
-                 : "not among the samples"));
+        facts.push_back(TextFact("Trigger", "trigger", TriggerWords(survey, stream)));
         if (survey.HasGaps()) {
             facts.push_back(
                 NumberFact("Left out", "leftOut", survey.last - survey.first + 1 - survey.rows));

@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 
 namespace busquill::cli {
@@ -39,22 +41,23 @@ FileHandle CopyOf(std::FILE* input, const std::string& name) {
 } // namespace
 
 TextReader OpenInput(const std::string& path) {
-    TextReader file;
-    std::error_code unknown;
-    const auto present = std::filesystem::status(path, unknown);
+    TextReader reader;
     if (path == "-") {
-        file.Take(CopyOf(stdin, "standard input"));
-    } else if (std::filesystem::exists(present) && !std::filesystem::is_regular_file(present) &&
-               !std::filesystem::is_directory(present)) {
-        const FileHandle pipe(std::fopen(path.c_str(), "rb"));
-        if (!pipe) {
-            Fail(Printf("Error opening file %s.", path.c_str()));
-        }
-        file.Take(CopyOf(pipe.get(), path));
-    } else if (!file.Open(path)) {
-        Fail(Printf("Error opening file %s.", path.c_str()));
+        reader.Take(CopyOf(stdin, "standard input"));
+        return reader;
     }
-    return file;
+    FileHandle file(std::fopen(path.c_str(), "rb"));
+    std::error_code unknown;
+    if (file && std::filesystem::is_directory(path, unknown)) {
+        file.reset(); // it opens, but holds no text
+        errno = EISDIR;
+    }
+    if (!file) {
+        Fail(Printf("Error opening file %s. %s.", path.c_str(), std::strerror(errno)));
+    }
+    const bool isPipe = !std::filesystem::is_regular_file(path, unknown);
+    reader.Take(isPipe ? CopyOf(file.get(), path) : std::move(file));
+    return reader;
 }
 
 TraceInput::TraceInput(const std::string& path)
@@ -98,6 +101,10 @@ void TraceInput::RequireZoom(const TraceSurvey& survey) const {
     if (!survey.hasZoom) {
         throw Stop{ExitStatus::NothingFound, name_ + " has no Power Zoom samples"};
     }
+}
+
+std::string TimesAreShort(const std::string& name) {
+    return name + ": samples of the capture are missing, and so are their times in the sums";
 }
 
 SampleRows ZoomRowsOf(const TraceSurvey& survey) {

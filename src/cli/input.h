@@ -39,6 +39,9 @@ private:
     bool cutOffTold_ = false;
 };
 
+/// What to tell where samples of a capture are missing and the times of the others are added up.
+[[nodiscard]] std::string TimesAreShort(const std::string& name);
+
 /// The Power Zoom samples with their numbers.
 [[nodiscard]] SampleRows ZoomRowsOf(const TraceSurvey& survey);
 

@@ -3,11 +3,12 @@
 #include "cli/bus.h"
 #include "cli/commands.h"
 #include "cli/input.h"
-#include "cli/names.h"
+#include "cli/name_list.h"
 #include "cli/output.h"
 #include "cli/range.h"
 #include "cli/stop.h"
 #include "document/csv_line.h"
+#include "platform/near_names.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -63,13 +64,31 @@ CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables
     return column != nullptr ? column : AddLines(list, name, tables);
 }
 
+/// What to tell of a name that is no column's.
+std::string UnknownColumn(const std::string& name, const CSignalList& list,
+                          const SignalTables& tables) {
+    std::vector<std::string> names;
+    const auto add = [&names](const std::string& each) {
+        if (std::ranges::find(names, each) == names.end()) {
+            names.push_back(each);
+        }
+    };
+    for (const NamedSignal& signal : AllSignals(tables, {&list})) {
+        add(signal.name);
+    }
+    // Those that are no bits of a sample too, such as ACCUM.
+    for (const auto& def : tables.decodedSignals.Defs()) {
+        if (SignalTables::Applies(def->condition, tables.Board())) {
+            add(def->name);
+        }
+    }
+    return Printf("no column \"%s\"; there are %s", name.c_str(),
+                  ListNearest(name, std::move(names)).c_str());
+}
+
 /// Leaves the named columns alone to be seen, in the order of their names.
 void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
                  const SignalTables& tables) {
-    std::string all;
-    for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
-        all += (all.empty() ? "" : ", ") + list[i].RowName();
-    }
     std::vector<CSignal*> shown;
     for (const std::string& name : names) {
         if (name.empty() || EqualIgnoringCase(name, "SAMPLE")) {
@@ -77,7 +96,7 @@ void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
         }
         CSignal* column = ColumnOf(list, name, tables);
         if (column == nullptr) {
-            WrongUse(Printf("no column \"%s\"; there are %s", name.c_str(), all.c_str()));
+            WrongUse(UnknownColumn(name, list, tables));
         }
         shown.push_back(column);
     }
@@ -201,6 +220,9 @@ int RunList(const Arguments& arguments) {
         }
     }
     TraceListing listing(list, capture);
+    if (!zoom && survey.HasGaps() && !survey.cutOff && listing.ShowsTime()) {
+        Say(TimesAreShort(input.Name()));
+    }
     Output output(arguments.Value("output"));
     const std::size_t numberWidth =
         std::max(std::to_string(survey.first).size(), std::to_string(survey.last).size());

@@ -1,37 +1,57 @@
-#include "cli/names.h"
-
+#include "cli/arguments.h"
+#include "cli/bus.h"
+#include "cli/commands.h"
+#include "cli/input.h"
+#include "cli/output.h"
+#include "cli/stop.h"
 #include "platform/text.h"
+#include "signals/signal_names.h"
 
 namespace busquill::cli {
 
-std::vector<std::string> SplitNames(const std::vector<std::string>& values) {
-    std::vector<std::string> names;
-    for (const std::string& value : values) {
-        std::string name;
-        bool quoted = false;
-        for (const char c : value + ",") {
-            if (c == '"') {
-                quoted = !quoted;
-            } else if (c == ',' && !quoted) {
-                names.emplace_back(Trim(name));
-                name.clear();
-            } else {
-                name += c;
-            }
-        }
+namespace {
+
+std::string AsJson(const NamedSignal& signal, const std::vector<std::string>& labels) {
+    std::string values;
+    for (const std::string& label : labels) {
+        values += (values.empty() ? "" : ", ") + JsonText(label);
     }
-    return names;
+    return Printf("{\"name\": %s, \"bits\": %zu, \"labels\": [%s]}", JsonText(signal.name).c_str(),
+                  signal.positions.size(), values.c_str());
 }
 
-std::string UnknownSignal(const std::string& name, const SignalTables& tables) {
-    std::string names;
-    for (const auto& def : tables.busSignals.Defs()) {
-        names += (names.empty() ? "" : ", ") + def->name;
+/// A line for the name, and one for each label: a pattern as it is typed.
+std::string AsText(const NamedSignal& signal, const std::vector<std::string>& labels) {
+    std::string text = signal.name + "\n";
+    for (const std::string& label : labels) {
+        text += signal.name + "=" + label + "\n";
     }
-    constexpr std::size_t enough = 400;
-    return Printf("no signal \"%s\" on this bus; there are %s", name.c_str(),
-                  names.size() <= enough ? names.c_str()
-                                         : (names.substr(0, enough) + " ...").c_str());
+    return text;
+}
+
+} // namespace
+
+int RunNames(const Arguments& arguments) {
+    const Bus bus(arguments);
+    std::optional<TraceInput> input;
+    const CSignalList none; // without a capture
+    if (!arguments.operands.empty()) {
+        input.emplace(arguments.operands[0]);
+        input->ReadHead();
+    }
+    const std::initializer_list<const CSignalList*> lists = {
+        input ? &input->Stream().stateList : &none, input ? &input->Stream().waveformList : &none};
+    const bool json = arguments.Has("json");
+    Output output(arguments.Value("output"));
+    const char* before = "[";
+    for (const NamedSignal& signal : AllSignals(bus.Tables(), lists)) {
+        const auto labels = signal.decoded ? LabelsOf(*signal.decoded) : std::vector<std::string>();
+        output.Write(json ? before + AsJson(signal, labels) : AsText(signal, labels));
+        before = ",\n ";
+    }
+    output.Write(json ? "]\n" : "");
+    output.Close();
+    return ExitStatus::Done;
 }
 
 } // namespace busquill::cli

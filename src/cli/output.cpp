@@ -1,11 +1,14 @@
 #include "cli/output.h"
 
+#include "cli/arguments.h"
 #include "cli/interrupt.h"
 #include "cli/stop.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <unistd.h>
 
 namespace busquill::cli {
@@ -58,6 +61,21 @@ void Output::Close() {
 void Output::CloseUnlessNothing(bool isSomething) {
     if (isSomething || path_.empty()) {
         Close();
+    }
+}
+
+void CheckTarget(const Arguments& arguments, const std::string& path) {
+    std::error_code unknown;
+    if (arguments.Has("overwrite") || !std::filesystem::is_regular_file(path, unknown)) {
+        return;
+    }
+    std::vector<std::string> read = arguments.operands;
+    read.push_back(arguments.Value("setup"));
+    const bool isRead = std::ranges::any_of(read, [&](const std::string& each) {
+        return std::filesystem::equivalent(each == "-" ? "/dev/stdin" : each, path, unknown);
+    });
+    if (isRead) {
+        WrongUse(path + " is read, and would be replaced; --overwrite allows that");
     }
 }
 

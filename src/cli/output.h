@@ -8,6 +8,8 @@
 
 namespace busquill::cli {
 
+struct Arguments;
+
 /// Where a command's data go: standard output, or a file that is in its place only when it is
 /// whole. Throws Stop when they cannot be written; quietly where nobody reads any more.
 class Output {
@@ -28,6 +30,10 @@ private:
     TextWriter file_;
     std::string buffer_;
 };
+
+/// Throws Stop where a target is one of the files that the command reads, unless the user allows
+/// that. A pipe or a device may be both.
+void CheckTarget(const Arguments& arguments, const std::string& path);
 
 /// How far a long command is, in hundredths, on standard error while that is a terminal. The line
 /// goes with the object.

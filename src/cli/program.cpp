@@ -20,6 +20,7 @@ int Run(std::span<const std::string> texts) {
             output.Close();
             return ExitStatus::Done;
         }
+        CheckTarget(arguments, arguments.Value("output"));
         return arguments.command->run(arguments);
     } catch (const Stop& stop) {
         if (!stop.message.empty()) {

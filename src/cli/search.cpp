@@ -26,9 +26,6 @@ SearchCondition ConditionOf(const Arguments& arguments, const Bus& bus, const Tr
             WrongUse(wrong);
         }
     }
-    if (condition.Empty()) {
-        WrongUse(Printf("%s needs --pattern NAME=VALUE", arguments.command->name));
-    }
     return condition;
 }
 
@@ -127,9 +124,6 @@ int RunSearch(const Arguments& arguments) {
 
 int RunFilter(const Arguments& arguments) {
     const Bus bus(arguments);
-    if (!arguments.Has("output")) {
-        WrongUse("filter needs -o FILE");
-    }
     TraceInput input(arguments.operands[0]);
     TraceStream& stream = input.Stream();
     input.ReadHead();

@@ -6,6 +6,8 @@
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 namespace busquill::cli {
@@ -24,19 +26,23 @@ bool IsNamedPort(const std::string& port) {
 
 Session::Session(const Arguments& arguments)
     : usb_(OpenUsbBus()), store_(CSampleStore::Board{link_, mainThread_, mainThread_}),
-      link_({settings_, mainThread_, clock_, mainThread_, OpenSerialPort, *usb_}),
+      link_({settings_, mainThread_, clock_, mainThread_,
+             [this](const std::string& device) {
+                 auto port = OpenSerialPort(device);
+                 openError_ = port ? 0 : errno;
+                 return port;
+             },
+             *usb_}),
       tables_([this] { return link_.Traits(); }, WorkingDirectory::AtStart()) {
     mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
     const std::string port = arguments.Value("port");
-    if (port.empty()) {
-        WrongUse(Printf("%s needs --port COM1, the path of a terminal device, or USB",
-                        arguments.command->name));
-    }
     const bool isNamed = IsNamedPort(port);
     std::error_code unknown;
     if (!isNamed && !std::filesystem::exists(port, unknown)) {
-        Fail("there is no port " + port +
-             "; ports are COM1 to COM8, USB and paths of terminal devices");
+        const bool isPath = port.find('/') != std::string::npos;
+        throw Stop{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
+                   "there is no port " + port +
+                       "; ports are COM1 to COM8, USB and paths of terminal devices"};
     }
     port_ = port;
     settings_.WriteProfileString(SettingsSection::setup, "ComPort",
@@ -53,7 +59,11 @@ Session::Session(const Arguments& arguments)
     link_.Connect(static_cast<int>(baud));
     if (link_.IsDemoMode()) {
         // What the link says of it is meant for a window.
-        Fail("no board answers on " + port);
+        Fail(openError_ == 0       ? "no board answers on " + port
+             : openError_ == EBUSY ? "the port " + port + " is in use"
+                                   : "the port " + port + " cannot be opened: " +
+                                         (openError_ == ENOTTY ? "it is no terminal device"
+                                                               : std::strerror(openError_)));
     }
     WaitForBus(port);
     tables_.Load();

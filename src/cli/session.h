@@ -45,6 +45,7 @@ private:
     MainThread mainThread_;
     MemorySettings settings_;
     SystemClock clock_;
+    int openError_ = 0; // why the serial port does not open
     std::unique_ptr<UsbBus> usb_;
     CSampleStore store_; // outlives the link's thread
     CAnalyzerLink link_;

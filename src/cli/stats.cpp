@@ -157,7 +157,8 @@ int RunStats(const Arguments& arguments) {
         progress.At(rows->numbers.back() - input.Stream().First());
     }
     if (added < input.Stream().Last() - input.Stream().First() + 1) {
-        Say("samples of the capture are missing; what went on in them is not counted");
+        Say(input.Name() + ": samples of the capture are missing; what went on in them is not "
+                           "counted, nor is their time");
     }
     Output output(arguments.Value("output"));
     const TraceSummary sum = stats.Summary();

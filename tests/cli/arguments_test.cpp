@@ -52,14 +52,15 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"BusOfAnotherModel", {"info", demo, "--model", "VMEKite", "--bus", "PCI"}, "VMEKite has no bus PCI"},
         WrongUse{"UnknownWidth", {"info", demo, "--width", "16"}, "--width is one of 32, 64"},
         WrongUse{"UnknownColumn", {"list", demo, "--columns", "AD[63:0],NOPE"}, "no column \"NOPE\"; there are"},
-        WrongUse{"NoPattern", {"search", demo}, "search needs --pattern NAME=VALUE"},
+        WrongUse{"NoPattern", {"search", demo}, "search needs -p NAME=VALUE; see busquill-trace search -h"},
         WrongUse{"PatternWithoutValue", {"search", demo, "-p", "FRAME"}, "a pattern is NAME=VALUE"},
         WrongUse{"PatternWithoutName", {"search", demo, "-p", "=1"}, "a pattern is NAME=VALUE"},
-        WrongUse{"UnknownSignal", {"search", demo, "-p", "AM=09"}, "no signal \"AM\" on this bus; there are AD, C/BE"},
+        WrongUse{"UnknownSignal", {"search", demo, "-p", "AM=09"}, "no signal \"AM\" on this bus; there are AD[63:0], FRAME"},
         WrongUse{"NoDigits", {"search", demo, "-p", "AD[31:0]=FEBG"}, "takes 8 hexadecimal digits, x for any; not \"FEBG\""},
         WrongUse{"TooManyDigits", {"search", demo, "-p", "AD[31:0]=123456789"}, "takes 8 hexadecimal digits"},
         WrongUse{"DigitTooLarge", {"search", demo, "-p", "FRAME=2"}, "takes 1 hexadecimal digit"},
-        WrongUse{"UnknownLabel", {"search", demo, "-p", "COMMAND=Read"}, "or a label: Int Ack, Spc Cyc"},
+        WrongUse{"UnknownLabel", {"search", demo, "-p", "COMMAND=Mem R"}, "or a label: Mem Rd, Mem Rd Mult"},
+        WrongUse{"FilterOfWhat", {"filter", demo, "-o", "a.tra"}, "filter needs -p NAME=VALUE"},
         WrongUse{"FilterToNowhere", {"filter", demo, "-p", "FRAME=0"}, "filter needs -o FILE"},
         WrongUse{"ConvertToNowhere", {"convert", demo}, "convert needs -o FILE"},
         WrongUse{"ConvertToWhat", {"convert", demo, "-o", "a.dat"}, ".vcd, .csv or .sr"},
@@ -68,6 +69,10 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"IgnoreUnknown", {"compare", demo, demo, "--ignore", "NOPE"}, "no signal \"NOPE\""},
         WrongUse{"UnknownAlignment", {"compare", demo, demo, "--align", "end"}, "--align is one of trigger, start"},
         WrongUse{"NoPort", {"board"}, "board needs --port"},
+        WrongUse{"NameOfNoPort", {"board", "--port", "COM9"}, "there is no port COM9; ports are COM1 to COM8"},
+        WrongUse{"PortInLowerCase", {"board", "--port", "com1"}, "there is no port com1; ports are COM1 to COM8"},
+        WrongUse{"CaptureWithoutPort", {"capture", "--setup", "s", "-o", "a.tra"}, "capture needs --port PORT"},
+        WrongUse{"CaptureWithoutAnything", {"capture"}, "capture needs --port PORT, --setup FILE, -o FILE"},
         WrongUse{"UnknownRate", {"board", "--port", "/dev/null", "--baud", "1200"}, "--baud is 9600"},
         WrongUse{"CaptureWithoutSetup", {"capture", "--port", "x", "-o", "a.tra"}, "capture needs --setup"},
         WrongUse{"RepeatToStandardOutput", {"capture", "--port", "x", "--setup", "s", "-o", "-", "--repeat", "2"}, "several files"},
@@ -81,12 +86,74 @@ TEST(CommandLine, HelpListsTheCommandsAndThoseOfOneItsOptions) {
     EXPECT_EQ(all.status, 0);
     EXPECT_EQ(all.err, "");
     for (const char* command : {"info", "list", "search", "filter", "convert", "compare", "stats",
-                                "setup", "board", "capture"}) {
+                                "setup", "board", "capture", "names"}) {
         EXPECT_THAT(all.out, HasSubstr(command));
         const ProgramRun one = RunTrace({command, "--help"});
         EXPECT_EQ(one.status, 0);
         EXPECT_THAT(one.out, StartsWith(std::string("Usage: busquill-trace ") + command));
         EXPECT_THAT(one.out, HasSubstr("--output FILE"));
+    }
+}
+
+TEST(CommandLine, UsageNamesWhatACommandCannotDoWithout) {
+    const auto usage = [](const char* command) {
+        const std::string help = RunTrace({command, "-h"}).out;
+        return help.substr(0, help.find('\n'));
+    };
+    EXPECT_EQ(usage("list"), "Usage: busquill-trace list [OPTION...] FILE");
+    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] -p NAME=VALUE FILE");
+    EXPECT_EQ(usage("filter"),
+              "Usage: busquill-trace filter [OPTION...] -p NAME=VALUE -o FILE FILE");
+    EXPECT_EQ(usage("convert"), "Usage: busquill-trace convert [OPTION...] -o FILE FILE");
+    EXPECT_EQ(usage("board"), "Usage: busquill-trace board [OPTION...] --port PORT");
+    EXPECT_EQ(usage("capture"),
+              "Usage: busquill-trace capture [OPTION...] --port PORT --setup FILE "
+              "-o FILE");
+    EXPECT_EQ(usage("names"), "Usage: busquill-trace names [OPTION...] [FILE]");
+}
+
+TEST(CommandLine, ListsOfNamesBeginWithTheNearest) {
+    const auto says = [](const std::vector<std::string>& arguments) {
+        return RunTrace(arguments).err;
+    };
+    EXPECT_THAT(says({"serch", demo}), HasSubstr("there are search, info, list"));
+    EXPECT_THAT(says({"info", demo, "--model", "VSBKit"}), HasSubstr("there are VSBKite, "));
+    EXPECT_THAT(says({"info", demo, "--bus", "PC104"}), HasSubstr("there are PC/104, "));
+    EXPECT_THAT(says({"search", demo, "-p", "COMAND=1"}), HasSubstr("there are COMMAND, "));
+    EXPECT_THAT(says({"search", demo, "-p", "DATA=1"}), HasSubstr("there are DATA32, "));
+    EXPECT_THAT(says({"search", demo, "-p", "AD[64]=1"}), HasSubstr("there are AD[63:0], "));
+    EXPECT_THAT(says({"list", demo, "--columns", "DEVSL"}), HasSubstr("there are DEVSEL, "));
+    EXPECT_THAT(says({"list", demo, "--columns", "COMAND"}), HasSubstr("there are COMMAND, "));
+    EXPECT_THAT(says({"compare", demo, demo, "--ignore", "RULE"}),
+                HasSubstr("there are RULE CHECK, "));
+    EXPECT_THAT(says({"search", demo, "-p", "RULE CHECK=Retry"}),
+                HasSubstr("or a label: Target Retry, "));
+}
+
+TEST(CommandLine, ListsOfNamesAreWholeOrSayThatTheyAreNot) {
+    const std::string names = RunTrace({"names"}).out + "ACCUM\nDELTA\nSAMPLE\n=<>\n";
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"search", demo, "-p", "NOPE=1"},
+                                               {"list", demo, "--columns", "NOPE"},
+                                               {"compare", demo, demo, "--ignore", "NOPE"},
+                                               {"search", demo, "-p", "RULE CHECK=zz"}}) {
+        const std::string says = RunTrace(arguments).err;
+        const bool isLabel = arguments.back() == "RULE CHECK=zz";
+        const std::string before = isLabel ? "label: " : "there are ";
+        const auto begin = says.find(before) + before.size();
+        const auto end = says.find_first_of(";\n", begin);
+        std::string list = says.substr(begin, end - begin);
+        if (list.ends_with(", ...")) {
+            EXPECT_GT(list.size(), 300U);
+            list.resize(list.size() - 5);
+        }
+        std::istringstream each(list + ", ");
+        int count = 0;
+        for (std::string name; std::getline(each, name, ',') && each.get() == ' '; ++count) {
+            EXPECT_THAT("\n" + names, HasSubstr(std::string("\n") + (isLabel ? "RULE CHECK=" : "") +
+                                                name + "\n"));
+        }
+        EXPECT_GT(count, 5) << says;
     }
 }
 

@@ -81,8 +81,130 @@ TEST_F(TraceCommands, InfoOfAFileWithoutSamples) {
     EXPECT_THAT(run.out, Not(HasSubstr("Trigger:")));
     dir.Write("behind.tra", header + "\"Trace Data\",5,6\n" + Row(5, 0, 255, false));
     const ProgramRun behind = Run({"info", "behind.tra"});
-    EXPECT_THAT(behind.out, HasSubstr("Trigger:           not among the samples\n"));
+    EXPECT_THAT(behind.out,
+                HasSubstr("Trigger:           not among the samples; marked at sample 5\n"));
     EXPECT_THAT(behind.out, HasSubstr("Left out:          1\n"));
+}
+
+TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
+    const auto capture = [this](int first, int last) {
+        std::string rows;
+        for (int i = first; i <= last; ++i) {
+            rows += Row(i, 0, 0xFF, false);
+        }
+        dir.Write("a.tra", header + "\"Trace Data\"," + std::to_string(first) + "," +
+                               std::to_string(last) + "\n" + rows);
+    };
+    const auto told = [this] {
+        const std::string out = Run({"info", "a.tra"}).out;
+        const auto at = out.find("Trigger:") + 19;
+        return out.substr(at, out.find('\n', at) - at);
+    };
+    /// The sample from which ACCUM counts.
+    const auto listed = [this] {
+        const std::string out = Run({"list", "a.tra", "--format", "csv", "--columns", "ACCUM"}).out;
+        const auto end = out.find(",0ns\n");
+        const auto begin = out.rfind('\n', end) + 1;
+        return out.substr(begin, end - begin);
+    };
+    capture(-3, 2);
+    EXPECT_EQ(listed(), "0");
+    EXPECT_EQ(told(), "sample 0, 3 samples before it");
+    capture(-3, 0); // nothing after it: the window marks the one before
+    EXPECT_EQ(listed(), "-1");
+    EXPECT_EQ(told(), "marked at sample -1, 2 samples before it");
+    capture(0, 0);
+    EXPECT_EQ(listed(), "0");
+    EXPECT_EQ(told(), "sample 0, 0 samples before it");
+    capture(5, 9);
+    EXPECT_EQ(listed(), "5");
+    EXPECT_EQ(told(), "not among the samples; marked at sample 5");
+    capture(-9, -5);
+    EXPECT_EQ(listed(), "-5");
+    EXPECT_EQ(told(), "not among the samples; marked at sample -5");
+}
+
+TEST_F(TraceCommands, TimesOfAFilteredCaptureAreSaidToBeShort) {
+    dir.Write("gaps.tra", header + "\"Trace Data\",0,5\n" + Row(0, 0, 0xFF, false) +
+                              Row(1, 0, 0xFF, false) + Row(4, 0, 0xFF, false) +
+                              Row(5, 0, 0xFF, false) + "\"End of Trace Data\"\n");
+    SmallCapture();
+    const std::string missing = "busquill-trace: gaps.tra: samples of the capture are missing, and "
+                                "so are their times in the sums\n";
+    EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "TIME"}).err, missing);
+    EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "ACCUM", "--json"}).err, missing);
+    for (const char* target : {"a.vcd", "a.csv", "a.sr"}) {
+        const ProgramRun run = Run({"convert", "gaps.tra", "-o", target});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_THAT(run.err, EndsWith(missing)) << target;
+    }
+    EXPECT_EQ(Run({"stats", "gaps.tra"}).err,
+              "busquill-trace: gaps.tra: samples of the capture are missing; what went on in them "
+              "is not counted, nor is their time\n");
+    // Where no time is wrong there is nothing to say.
+    EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "FRAME"}).err, "");
+    EXPECT_EQ(Run({"list", "small.tra", "--columns", "TIME,ACCUM"}).err, "");
+    EXPECT_EQ(Run({"convert", "gaps.tra", "-o", "a.csv", "--from", "4"}).err, "");
+    EXPECT_EQ(Run({"convert", "small.tra", "-o", "a.csv"}).err, "");
+}
+
+TEST_F(TraceCommands, NamesAreThoseThatPatternsTake) {
+    const ProgramRun pci = Run({"names"});
+    EXPECT_EQ(pci.status, 0);
+    EXPECT_EQ(pci.err, "");
+    const std::string lines = "\n" + pci.out;
+    for (const char* line : {"COMMAND", "COMMAND=Mem Wr", "ADDRESS32", "DATA32", "AD[63:0]",
+                             "FRAME", "RULE CHECK=Target Abort"}) {
+        EXPECT_THAT(lines, HasSubstr(std::string("\n") + line + "\n"));
+    }
+    for (const char* other : {"ADDRESS64", "COMMAND(PCI-X)", "ACCUM", "=<>", "AM[5:0]",
+                              "RANGE[1:0]", "ADDRESS32=00000000", "TIME=000000"}) {
+        EXPECT_THAT(lines, Not(HasSubstr(std::string("\n") + other + "\n")));
+    }
+    SmallCapture();
+    std::istringstream each(pci.out);
+    for (std::string line; std::getline(each, line);) {
+        const std::string pattern = line.find('=') == std::string::npos ? line + "=x" : line;
+        EXPECT_LT(Run({"search", "small.tra", "-p", pattern}).status, 2) << line;
+    }
+    EXPECT_THAT(Run({"names", "--bus", "VME"}).out, HasSubstr("\nAM"));
+    EXPECT_THAT(Run({"names", "--bus", "PCI-X"}).out, HasSubstr("COMMAND(PCI-X)=Split Cmpl\n"));
+    EXPECT_THAT(Run({"names", "--json"}).out,
+                HasSubstr("{\"name\": \"COMMAND\", \"bits\": 8, \"labels\": [\"Int Ack\", "));
+    EXPECT_THAT(Run({"names", "--json"}).out,
+                HasSubstr("{\"name\": \"AD[63:0]\", \"bits\": 64, \"labels\": []}"));
+}
+
+TEST_F(TraceCommands, NamesOfACaptureAreThoseOfItsRowsToo) {
+    SmallCapture("\"State Signals\"\n"
+                 "\"Signal\",\"MINE\",\"FRAME\",\"\",\"\",\"\",-1,72,0,20,30,0,\"Show\","
+                 "\"Hex\"\n\"End of State Signals\"\n");
+    EXPECT_THAT(Run({"names", "small.tra"}).out, StartsWith("MINE\n"));
+    EXPECT_THAT(Run({"search", "small.tra", "-p", "MIN=0"}).err, HasSubstr("there are MINE, "));
+}
+
+TEST_F(TraceCommands, LinesThatTheBusDoesNotHaveAreNotCompared) {
+    // As a board leaves the upper half of a 32 bit bus: high.
+    const auto row = [](int number, const std::string& low, const std::string& high, int enables) {
+        return std::to_string(number) + "," + low + "," + high + "," + std::to_string(enables) +
+               ",222,63,143,0,0,30,0,0,0\n";
+    };
+    dir.Write("upper.tra", header + "\"Trace Data\",0,1\n" +
+                               row(0, "128,3,191,254", "255,255,255,255", 0xF7) +
+                               row(1, "128,3,191,254", "0,0,0,0", 0x07));
+    const auto found = [this](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"search", "upper.tra", "--all"});
+        return Run(arguments).out;
+    };
+    EXPECT_EQ(found({"-p", "AD=FEBF0380"}), "0\n1\n");
+    EXPECT_EQ(found({"-p", "AD[63:0]=FEBF0380"}), "0\n1\n");
+    EXPECT_EQ(found({"-p", "AD=BF0380"}), "");              // digits of the bus itself are padded
+    EXPECT_EQ(found({"-p", "AD=00000000FEBF0380"}), "1\n"); // all that is given is compared
+    EXPECT_EQ(found({"-p", "C/BE=7"}), "0\n1\n");
+    EXPECT_EQ(found({"-p", "C/BE=F7"}), "0\n");
+    EXPECT_EQ(found({"-p", "AD[63:32]=0"}), "1\n");
+    EXPECT_EQ(found({"-p", "AD=FEBF0380", "--width", "64"}), "1\n");
+    EXPECT_EQ(found({"-p", "C/BE=7", "--width", "64"}), "1\n");
 }
 
 TEST_F(TraceCommands, ListPrintsColumnsInLine) {

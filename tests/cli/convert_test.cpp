@@ -1,13 +1,19 @@
 #include "boardsim/traffic.h"
 #include "boardsim/wire.h"
 #include "capture/sample_rows.h"
+#include "support/paths.h"
 #include "support/temp_dir.h"
 #include "support/trace_program.h"
 #include "support/value_dump_parser.h"
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <cstdlib>
+#include <fstream>
+#include <map>
+#include <set>
+#include <span>
 
 namespace busquill::test {
 namespace {
@@ -77,7 +83,7 @@ protected:
                 ASSERT_EQ(dump.At(time, "AD[63:0]"), bits) << i;
             }
         }
-        EXPECT_EQ(dump.values.rbegin()->first, time);
+        EXPECT_GT(dump.values.rbegin()->first, time); // the last sample has a width too
     }
 
     const std::vector<boardsim::Record> records;
@@ -115,7 +121,15 @@ TEST_P(Conversion, ThePowerZoomHasPicoseconds) {
 
 TEST_P(Conversion, ASessionFileHoldsTheRecords) {
     Convert({"-o", "a.sr"});
-    EXPECT_THAT(said, HasSubstr("it shows samples, one a second, not time"));
+    std::set<std::uint64_t> times;
+    for (const auto& record : std::span(records).subspan(1)) {
+        times.insert(boardsim::TimeOfField(
+            boardsim::GetField(record, boardsim::bitTime, boardsim::timeBits)));
+    }
+    const std::string notTime = "it shows samples, one a second, not time";
+    EXPECT_EQ(said.find(notTime) == std::string::npos, times.size() == 1);
+    const std::string rate = std::to_string(
+        times.size() == 1 ? std::llround(1e9 / static_cast<double>(*times.begin())) : 1);
     ASSERT_TRUE(Tool("sigrok-cli -i a.sr -O binary -o a.bin"))
         << ReadWholeFile(dir.File("tool.err"));
     std::string expected;
@@ -126,7 +140,7 @@ TEST_P(Conversion, ASessionFileHoldsTheRecords) {
     ASSERT_TRUE(Tool("sigrok-cli -i a.sr --show"));
     const std::string shown = ReadWholeFile(dir.File("tool.out"));
     EXPECT_THAT(shown, HasSubstr("Channels: 144\n"));
-    EXPECT_THAT(shown, HasSubstr("Samplerate: 1\n"));
+    EXPECT_THAT(shown, HasSubstr("Samplerate: " + rate + "\n"));
     EXPECT_THAT(shown, HasSubstr("- TIME[0]: logic\n"));
 }
 
@@ -189,6 +203,31 @@ TEST_F(ConvertCommand, ASessionFileOfASampledClockHasItsRate) {
     EXPECT_THAT(Shown("a.sr"), HasSubstr("Samplerate: 66666667\n"));
 }
 
+TEST_F(ConvertCommand, ASessionOfTheBussClockHasItsRateWhereThatIsSteady) {
+    dir.Write("a.tra", Capture("Sync"));
+    const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "");
+    EXPECT_THAT(Shown("a.sr"), HasSubstr("Samplerate: 66666667\n"));
+    // One time that differs, and it is no rate; in a part without it, it is one.
+    std::string text = Capture("Sync", 4);
+    const auto row = text.find("\n3,") + 1;
+    text.replace(text.find(",15,", row), 4, ",30,");
+    dir.Write("b.tra", text);
+    EXPECT_THAT(Run({"convert", "b.tra", "-o", "b.sr"}).err, HasSubstr("one a second"));
+    EXPECT_THAT(Shown("b.sr"), HasSubstr("Samplerate: 1\n"));
+    EXPECT_EQ(Run({"convert", "b.tra", "-o", "b.sr", "--to", "2"}).err, "");
+    EXPECT_THAT(Shown("b.sr"), HasSubstr("Samplerate: 66666667\n"));
+    EXPECT_EQ(Run({"convert", "b.tra", "-o", "b.sr", "--from", "3"}).status, 0);
+    EXPECT_THAT(Shown("b.sr"), HasSubstr("Samplerate: 1\n")); // a single sample has none
+    // Nor is it one where samples between are missing.
+    dir.Write(
+        "c.tra",
+        text.erase(row - 1, 0).erase(text.find("\n1,") + 1, text.find("\n2,") - text.find("\n1,")));
+    EXPECT_EQ(Run({"convert", "c.tra", "-o", "c.sr", "--to", "2"}).status, 0);
+    EXPECT_THAT(Shown("c.sr"), HasSubstr("Samplerate: 1\n"));
+}
+
 TEST_F(ConvertCommand, ASessionSaysWhenItsSamplesAreNotEvenlySpaced) {
     dir.Write("a.tra", Capture("30 ns")); // whose samples are 15 ns apart
     const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
@@ -208,6 +247,50 @@ TEST_F(ConvertCommand, TimesDoNotHangOnWhatAListShows) {
     const std::string dump = Run({"convert", "a.tra", "-o", "-", "--format", "vcd"}).out;
     EXPECT_THAT(dump, HasSubstr(" A_B $end\n")); // a point would part two scopes
     EXPECT_THAT(dump, HasSubstr("\n#30\n"));
+    EXPECT_THAT(dump, testing::EndsWith("\n#45\n"));
+}
+
+TEST_F(ConvertCommand, TheViewerFindsTheDumpFromAnywhereAndShowsTheTrigger) {
+    // The viewer itself tells what it shows.
+    dir.Write("ask.tcl", "puts \"signals [gtkwave::getNumFacs]\"\n"
+                         "puts \"marker [gtkwave::getMarker]\"\n"
+                         "puts \"from [gtkwave::getWindowStartTime]\"\n"
+                         "puts \"to [gtkwave::getWindowEndTime]\"\n"
+                         "exit\n");
+    const auto shown = [&](const std::string& folder) {
+        const std::string command = "cd / && HOME='" + dir.Path() + "' xvfb-run -a gtkwave '" +
+                                    folder + "/a.gtkw' --script '" + dir.File("ask.tcl") + "' > '" +
+                                    dir.File("told") + "' 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << ReadWholeFile(dir.File("told"));
+        std::map<std::string, std::int64_t> told;
+        std::ifstream lines(dir.File("told"));
+        for (std::string line; std::getline(lines, line);) {
+            const auto blank = line.find(' ');
+            if (blank != std::string::npos) {
+                told[line.substr(0, blank)] = std::atoll(line.c_str() + blank);
+            }
+        }
+        return told;
+    };
+    for (const bool zoom : {false, true}) {
+        const std::string folder = dir.File(zoom ? "zoom" : "whole");
+        std::filesystem::create_directory(folder);
+        const std::string target = folder.substr(dir.Path().size() + 1) + "/a.vcd";
+        std::vector<std::string> arguments = {"convert", SourceFile("data/Trigger1.tra"), "-o",
+                                              target};
+        arguments.insert(arguments.end(), zoom ? 1 : 0, "--zoom");
+        ASSERT_EQ(Run(arguments).status, 0);
+        auto told = shown(folder);
+        EXPECT_GT(told["signals"], 30);
+        EXPECT_GT(told["marker"], 0);
+        EXPECT_GT(told["from"], 0);
+        EXPECT_LT(told["from"], told["marker"]);
+        EXPECT_GT(told["to"], told["marker"]);
+        if (!zoom) { // both files together may go somewhere else
+            std::filesystem::rename(folder, dir.File("moved"));
+            EXPECT_EQ(shown(dir.File("moved")), told);
+        }
+    }
 }
 
 TEST_F(ConvertCommand, ALongSessionIsInSeveralPieces) {
@@ -236,7 +319,8 @@ TEST_F(ConvertCommand, TheEndingOrAnOptionTellsTheFormat) {
     EXPECT_THAT(Run({"convert", "a.tra", "-o", "-", "--format", "sr"}).out,
                 testing::StartsWith("PK"));
     EXPECT_EQ(Run({"convert", "a.tra", "-o", "data", "--format", "vcd"}).status, 0);
-    EXPECT_THAT(ReadWholeFile(dir.File("data.gtkw")), HasSubstr("[dumpfile] \"data\""));
+    EXPECT_THAT(ReadWholeFile(dir.File("data.gtkw")),
+                HasSubstr("[dumpfile] \"" + dir.File("data") + "\""));
 }
 
 TEST_F(ConvertCommand, ChangesOnlyAreFewerRows) {

@@ -50,9 +50,13 @@ TEST_F(TraceFiles, EveryCommandSaysWhichFileCannotBeRead) {
              {"compare", demo, "gone.tra"},
              {"stats", "gone.tra"},
              {"setup", "gone.tra"}}) {
-        ExpectFailure(command, "Error opening file gone.tra.");
+        ExpectFailure(command, "Error opening file gone.tra. No such file or directory.");
     }
+    ExpectFailure({"capture", "--port", "x", "--setup", "gone.tsp", "-o", "out.tra"},
+                  "Error opening file gone.tsp. No such file or directory.");
     EXPECT_TRUE(Names().empty());
+    std::filesystem::create_directory(dir.File("folder"));
+    ExpectFailure({"info", "folder"}, "Error opening file folder. Is a directory.");
 }
 
 struct BadFile {
@@ -289,9 +293,53 @@ TEST_F(TraceFiles, APipeIsReadLikeStandardInput) {
     EXPECT_EQ(reader.out, Run({"stats", demo}).out);
 }
 
+TEST_F(TraceFiles, WhatIsReadIsNotReplaced) {
+    const std::string capture = ReadWholeFile(demo);
+    const std::string setup = ReadWholeFile(SourceFile("data/MemoryWrite.tsp"));
+    dir.Write("a.tra", capture);
+    dir.Write("a.tsp", setup);
+    dir.Write("dump.gtkw", capture);
+    std::filesystem::create_symlink("a.tra", dir.File("link"));
+    const auto before = Names();
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"info", demo, "a.tra", "-o", "a.tra"},
+             {"list", "a.tra", "-o", "./a.tra"},
+             {"search", "a.tra", "-p", "FRAME=0", "-o", dir.File("a.tra")},
+             {"filter", "a.tra", "-p", "FRAME=0", "-o", "a.tra"},
+             {"filter", "link", "-p", "FRAME=0", "-o", "a.tra"},
+             {"filter", "a.tra", "-p", "FRAME=0", "-o", "link"},
+             {"convert", "a.tra", "--format", "csv", "-o", "a.tra"},
+             {"compare", demo, "a.tra", "-o", "a.tra"},
+             {"stats", "a.tra", "-o", "a.tra"},
+             {"names", "a.tra", "-o", "a.tra"},
+             {"setup", "a.tsp", "-o", "a.tsp"},
+             {"capture", "--port", "COM1", "--setup", "a.tsp", "-o", "a.tsp"}}) {
+        const ProgramRun run = Run(command);
+        EXPECT_EQ(run.status, 2) << command[0];
+        EXPECT_EQ(run.err, "busquill-trace: " + command.back() +
+                               " is read, and would be replaced; --overwrite allows that\n");
+    }
+    // Nor by what goes beside the target.
+    EXPECT_EQ(Run({"convert", "dump.gtkw", "-o", "dump.vcd"}).status, 2);
+    EXPECT_EQ(ReadWholeFile(dir.File("dump.gtkw")), capture);
+    EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), capture);
+    EXPECT_EQ(ReadWholeFile(dir.File("a.tsp")), setup);
+    EXPECT_EQ(Names(), before);
+}
+
+TEST_F(TraceFiles, StandardInputIsNotReplacedEither) {
+    dir.Write("a.tra", ReadWholeFile(demo));
+    const std::string command = "cd '" + dir.Path() + "' && '" + TraceProgramPath() +
+                                "' filter - -p FRAME=0 -o a.tra <a.tra 2>said";
+    EXPECT_NE(std::system(command.c_str()), 0);
+    EXPECT_THAT(ReadWholeFile(dir.File("said")), HasSubstr("a.tra is read, and would be replaced"));
+    EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), ReadWholeFile(demo));
+}
+
 TEST_F(TraceFiles, ACaptureCanBeFilteredInPlace) {
     dir.Write("a.tra", ReadWholeFile(demo));
-    EXPECT_EQ(Run({"filter", "a.tra", "-p", "COMMAND=Mem Wr", "-o", "a.tra"}).status, 0);
+    EXPECT_EQ(Run({"filter", "a.tra", "-p", "COMMAND=Mem Wr", "-o", "a.tra", "--overwrite"}).status,
+              0);
     EXPECT_EQ(Run({"filter", demo, "-p", "COMMAND=Mem Wr", "-o", "b.tra"}).status, 0);
     EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), ReadWholeFile(dir.File("b.tra")));
 }

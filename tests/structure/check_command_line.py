@@ -34,6 +34,18 @@ def commands_of(program):
     return commands, letters
 
 
+def needed_by(program, commands):
+    """The options that each command cannot do without, by its line of usage."""
+    needed = {}
+    for name in commands:
+        said = ask(program, name, "-h")
+        usage = said.split("\n", 1)[0].replace("[OPTION...]", "")
+        long_names = dict(re.findall(r"^  (-\w), (--[a-z-]+)", said, re.MULTILINE))
+        typed = re.findall(r"(?<!\S)--?[a-z][a-z-]*", usage)
+        needed[name] = {long_names.get(option, option).lstrip("-") for option in typed}
+    return needed
+
+
 def values_of(program):
     """Values by option, of those whose values the program tells when it gets another one."""
     values = {}
@@ -49,12 +61,16 @@ def values_of(program):
 
 
 def man_page(text):
-    """The options of each command, by their sections, and all options with their letters."""
+    """The options of each command, by their sections, those that stand without brackets, and all
+    options with their letters."""
     text = text.replace("\\-", "-").replace("\\(hy", "-")
     body = text[text.index(".SH COMMANDS"):text.index(".SH PATTERNS")]
     sections = re.split(r"^\.SS (\w+)$", body, flags=re.MULTILINE)[1:]
     parts = zip(sections[::2], sections[1::2])
-    commands = {name: set(OPTION.findall(part)) for name, part in parts}
+    commands, needed = {}, {}
+    for name, part in parts:
+        commands[name] = set(OPTION.findall(part))
+        needed[name] = set(re.findall(r"^\.B --([a-z-]+)$", part.split(".PP")[0], re.MULTILINE))
     described = text[text.index(".SH OPTIONS"):text.index(".SH FILES")]
     tags = re.findall(r"^\.TP\n(.*)$", described, re.MULTILINE)
     letters = {}
@@ -63,7 +79,7 @@ def man_page(text):
         letter = re.search(r"(?<![\w-])-(\w)\b", tag)
         if option:
             letters[option.group(1)] = letter.group(1) if letter else None
-    return commands, letters
+    return commands, needed, letters
 
 
 def arms(text):
@@ -123,8 +139,11 @@ def main():
     packaging = repository / "packaging"
 
     page = (packaging / "man" / "busquill-trace.1").read_text()
-    page_commands, page_options = man_page(page)
+    page_commands, page_needed, page_options = man_page(page)
     complaints = by_command("man page", commands, page_commands)
+    for name, needed in needed_by(program, commands).items():
+        complaints += differences(f"man page, {name}, without brackets", needed,
+                                  page_needed.get(name, set()), "--")
     complaints += differences("man page, OPTIONS", options, set(page_options), "--")
     complaints += [f"man page: --{option} has the letter {letters.get(option)}, not {letter}"
                    for option, letter in page_options.items()
@@ -140,6 +159,8 @@ def main():
                                   offered(text), "the command ")
         complaints += by_command(f"completion of {shell}", commands, read(text))
         texts[f"completion of {shell}"] = text.replace("\\ ", " ").replace("\\n", "\n")
+        if not re.search(r"^[^#\n]*busquill-trace names", text, re.MULTILINE):
+            complaints.append(f"completion of {shell}: does not ask for the names of a bus")
         complaints += [f"completion of {shell}: lacks --{option}" for option in sorted(ALWAYS)
                        if not re.search(rf"\b{option}\b", text)]
     # What the arms name, zsh must also describe.

@@ -1,5 +1,6 @@
 // busquill-trace with a board when things do not go to their end: interrupts and failures.
 
+#include "platform/serial_port.h"
 #include "support/paths.h"
 #include "support/trace_program_over_wire.h"
 
@@ -107,22 +108,33 @@ TEST_F(TraceProgramEnd, InterruptWhileConnectingStartsNoRun) {
 
 // No board.
 
-TEST_F(TraceProgramEnd, PortsOnWhichNoBoardAnswers) {
+TEST_F(TraceProgramEnd, PortsThatAreNone) {
     const TempDir files;
     for (const std::string& port :
          {std::string("/dev/null"), files.Write("port", "no terminal\n")}) {
         const ProgramRun run = RunTrace({"board", "--port", port});
         EXPECT_EQ(run.status, 3);
         EXPECT_EQ(run.out, "");
-        EXPECT_EQ(run.err, Line("no board answers on " + port));
+        EXPECT_EQ(run.err,
+                  Line("the port " + port + " cannot be opened: it is no terminal device"));
     }
     EXPECT_EQ(ReadWholeFile(files.File("port")), "no terminal\n");
-    for (const char* port : {"/nonexistent/tty", "COM9", "com1"}) {
-        const ProgramRun run = RunTrace({"board", "--port", port});
-        EXPECT_EQ(run.status, 3);
-        EXPECT_EQ(run.err, Line(std::string("there is no port ") + port +
-                                "; ports are COM1 to COM8, USB and paths of terminal devices"));
-    }
+    const ProgramRun run = RunTrace({"board", "--port", "/nonexistent/tty"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, Line("there is no port /nonexistent/tty; ports are COM1 to COM8, USB and "
+                            "paths of terminal devices"));
+}
+
+TEST_F(TraceProgramEnd, PortInUseIsSaidToBe) {
+    StartBoard();
+    auto other = OpenSerialPort(board->Terminal());
+    ASSERT_NE(other, nullptr);
+    const ProgramRun run = Run({"board"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, Line("the port " + board->Terminal() + " is in use"));
+    other.reset();
+    EXPECT_EQ(Run({"board"}).status, 0);
 }
 
 TEST_F(TraceProgramEnd, SilentBoardIsNoBoard) {

@@ -30,6 +30,8 @@ public:
 
     /// The signals that take a column, in their order.
     [[nodiscard]] const std::vector<const CSignal*>& Columns() const noexcept { return columns_; }
+    /// Whether a column holds times, which are short where samples are missing.
+    [[nodiscard]] bool ShowsTime() const noexcept { return showsTime_ || showsAccum_; }
     /// Characters that a column takes: its title or its values.
     [[nodiscard]] static std::size_t WidthOf(const CSignal& column);
 

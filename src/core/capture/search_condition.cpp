@@ -1,5 +1,6 @@
 #include "capture/search_condition.h"
 
+#include "platform/near_names.h"
 #include "platform/text.h"
 #include "signals/signal_list.h"
 
@@ -56,15 +57,14 @@ std::string DigitsOf(std::string_view text, std::size_t digits) {
     return found.size() != digits && found.starts_with("0x") ? found.substr(2) : found;
 }
 
-std::string LabelsOf(const CDecodedSignalDef& def) {
-    std::string labels;
-    for (const CDecodedValue& value : def.values) {
-        const bool offered = value.label[0] != '\0' && (value.skipModes & ModeState) == 0;
-        if (offered && labels.size() < 200) {
-            labels += (labels.empty() ? "" : ", ") + std::string(value.label);
-        }
-    }
-    return labels;
+/// Whether a line belongs to the upper half of a bus that has none: the board leaves it high, and
+/// nobody means it who does not name it.
+bool IsBeyondBus(int position, const BoardTraits& board) {
+    constexpr int upperData = 32;
+    constexpr int upperEnables = 68;
+    const bool isNarrow = board.bus.busWidth == 0 && !board.IsVmeFamily() && !board.IsVsbFamily();
+    return isNarrow && ((position >= upperData && position < commandBit) ||
+                        (position >= upperEnables && position < upperEnables + 4));
 }
 
 } // namespace
@@ -90,12 +90,13 @@ bool SearchCondition::Bits::Join(const Bits& other) noexcept {
 }
 
 std::string SearchCondition::ParseDigits(std::string_view text, const NamedSignal& signal,
-                                         Bits& bits) {
+                                         const BoardTraits& board, Bits& bits) {
     const std::size_t all = DigitCount(signal);
     const std::string digits = DigitsOf(text, all);
     const auto wrong = [&] {
-        const std::string labels =
-            signal.decoded && signal.positions.size() <= 8 ? LabelsOf(*signal.decoded) : "";
+        const std::string labels = signal.decoded && signal.positions.size() <= 8
+                                       ? ListNearest(text, LabelsOf(*signal.decoded))
+                                       : "";
         return Printf("%s takes %zu hexadecimal digit%s, x for any%s%s; not \"%s\"",
                       signal.name.c_str(), all, all == 1 ? "" : "s",
                       labels.empty() ? "" : ", or a label: ", labels.c_str(),
@@ -107,7 +108,8 @@ std::string SearchCondition::ParseDigits(std::string_view text, const NamedSigna
     }
     for (std::size_t i = 0; i < signal.positions.size(); ++i) {
         const std::size_t digit = i / digitBits;
-        const char c = digit < digits.size() ? digits[digits.size() - 1 - digit] : '0';
+        const char padding = IsBeyondBus(signal.positions[i], board) ? 'x' : '0';
+        const char c = digit < digits.size() ? digits[digits.size() - 1 - digit] : padding;
         if (c != 'x') {
             const unsigned value = std::isdigit(static_cast<unsigned char>(c)) != 0
                                        ? static_cast<unsigned>(c - '0')
@@ -124,7 +126,7 @@ std::string SearchCondition::ParseDigits(std::string_view text, const NamedSigna
 }
 
 std::string SearchCondition::ParseValue(std::string_view text, const NamedSignal& signal,
-                                        std::vector<Bits>& ways) {
+                                        const BoardTraits& board, std::vector<Bits>& ways) {
     const std::string_view value = Trim(text);
     if (signal.decoded) {
         for (const CDecodedValue& each : signal.decoded->values) {
@@ -145,7 +147,7 @@ std::string SearchCondition::ParseValue(std::string_view text, const NamedSignal
         return {};
     }
     ways.emplace_back();
-    return ParseDigits(value, signal, ways.back());
+    return ParseDigits(value, signal, board, ways.back());
 }
 
 std::vector<SearchCondition::Bits> SearchCondition::InPhase(const std::vector<Bits>& ways,
@@ -190,15 +192,11 @@ std::string SearchCondition::Add(std::string_view text, const SignalTables& tabl
     const std::string_view name = Trim(text.substr(0, sign));
     const auto signal = FindSignal(name, tables, lists);
     if (!signal) {
-        std::string names;
-        for (const auto& def : tables.busSignals.Defs()) {
-            names += (names.empty() ? "" : ", ") + def->name;
-        }
-        return Printf("no signal \"%s\" on this bus; there are %s", std::string(name).c_str(),
-                      names.substr(0, 400).c_str());
+        return UnknownSignal(name, tables, lists);
     }
     std::vector<Bits> ways;
-    if (std::string wrong = ParseValue(text.substr(sign + 1), *signal, ways); !wrong.empty()) {
+    if (std::string wrong = ParseValue(text.substr(sign + 1), *signal, tables.Board(), ways);
+        !wrong.empty()) {
         return wrong;
     }
     std::vector<Bits> joined;

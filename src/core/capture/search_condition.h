@@ -36,11 +36,12 @@ private:
     };
 
     static std::string ParseValue(std::string_view text, const NamedSignal& signal,
-                                  std::vector<Bits>& ways);
+                                  const BoardTraits& board, std::vector<Bits>& ways);
     /// The ways, each in the phase in which the value shows.
     static std::vector<Bits> InPhase(const std::vector<Bits>& ways, const NamedSignal& signal,
                                      const BoardTraits& board);
-    static std::string ParseDigits(std::string_view text, const NamedSignal& signal, Bits& bits);
+    static std::string ParseDigits(std::string_view text, const NamedSignal& signal,
+                                   const BoardTraits& board, Bits& bits);
 
     bool added_ = false;
     std::vector<Bits> ways_ = {Bits()}; // one of them must match

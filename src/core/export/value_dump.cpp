@@ -166,15 +166,21 @@ void ValueDump::Add(const SampleRows& rows, std::string& out) {
     for (std::size_t i = 0; i < rows.Size(); ++i) {
         const bool isFirst = now_ < 0;
         // Two samples of one time would hide one another.
-        now_ = std::max(now_ + 1, time_.Next(rows.records[i]));
+        const std::int64_t sum = time_.Next(rows.records[i]);
+        now_ = std::max(now_ + 1, sum);
+        // The sums do not count the time before the first sample.
+        const std::int64_t step = isFirst ? SampleTime().Of(rows.records[i]) : sum - sum_;
+        if (step > 0 && (narrowest_ == 0 || step < narrowest_)) {
+            narrowest_ = step;
+        }
+        sum_ = sum;
         const bool isTrigger = rows.numbers[i] == 0;
         if (isTrigger) {
             triggerTime_ = now_;
         }
         changes_.clear();
         Changes(rows.records[i], isTrigger, changes_);
-        nowWritten_ = !changes_.empty();
-        if (!nowWritten_) {
+        if (changes_.empty()) {
             continue;
         }
         out += '#';
@@ -185,12 +191,14 @@ void ValueDump::Add(const SampleRows& rows, std::string& out) {
 }
 
 void ValueDump::End(std::string& out) const {
-    if (now_ >= 0 && !nowWritten_) {
-        out += Printf("#%lld\n", static_cast<long long>(now_)); // the last sample's time
+    if (now_ >= 0) {
+        // Nobody knows how long the last sample lasts. Without an end it would not be seen.
+        const std::int64_t end = now_ + std::max<std::int64_t>(narrowest_, 1);
+        out += Printf("#%lld\n", static_cast<long long>(end));
     }
 }
 
-std::string ValueDump::ViewerFile(std::string_view dumpName) const {
+std::string ValueDump::ViewerFile(std::string_view dumpPath, std::string_view viewerPath) const {
     // How the viewer shows a value: right-aligned, in a base.
     constexpr unsigned rightAligned = 0x20;
     constexpr unsigned hexadecimal = 0x02;
@@ -198,9 +206,15 @@ std::string ValueDump::ViewerFile(std::string_view dumpName) const {
     constexpr unsigned binary = 0x08;
     constexpr unsigned octal = 0x10;
     constexpr unsigned characters = 0x800;
-    std::string text = "[dumpfile] \"" + std::string(dumpName) + "\"\n[timestart] 0\n";
+    // By which power of two 200 pixels are wide, in the units of the dump.
+    const int zoom = capture_.zoom ? 16 : 12;
+    std::string text = "[dumpfile] \"" + std::string(dumpPath) + "\"\n[savefile] \"" +
+                       std::string(viewerPath) + "\"\n";
+    const std::int64_t leftOfTrigger = (std::int64_t{1} << zoom) / 2;
+    const std::int64_t start = std::max<std::int64_t>(triggerTime_.value_or(0) - leftOfTrigger, 0);
+    text += Printf("[timestart] %lld\n", static_cast<long long>(start));
     if (triggerTime_) {
-        text += Printf("*-12.000000 %lld", static_cast<long long>(*triggerTime_));
+        text += Printf("*-%d.000000 %lld", zoom, static_cast<long long>(*triggerTime_));
         for (char marker = 'a'; marker <= 'z'; ++marker) {
             text += " -1";
         }

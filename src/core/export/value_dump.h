@@ -31,8 +31,11 @@ public:
     void Add(const SampleRows& rows, std::string& out);
     void End(std::string& out) const;
 
-    /// For the viewer: which signals to show, in the order, the radix and the colours of the list.
-    [[nodiscard]] std::string ViewerFile(std::string_view dumpName) const;
+    /// For the viewer: which signals to show, in the order, the radix and the colours of the list,
+    /// with the trigger in sight. With the whole paths of the dump and of the file itself the
+    /// viewer finds the one by the other, wherever it is started and both are moved.
+    [[nodiscard]] std::string ViewerFile(std::string_view dumpPath,
+                                         std::string_view viewerPath) const;
 
 private:
     /// What stands in the dump under one identifier.
@@ -62,7 +65,8 @@ private:
     Item trigger_;
     RunningTime time_;
     std::int64_t now_ = -1;
-    bool nowWritten_ = false;
+    std::int64_t sum_ = 0;       // of TIME, up to the sample before
+    std::int64_t narrowest_ = 0; // time from a sample to the next; 0: none yet
     std::optional<std::int64_t> triggerTime_;
     std::string bits_;
     std::string changes_;

@@ -38,7 +38,8 @@ public:
 };
 
 /// Opens a terminal device for reading and writing, exclusively: while it is open, a second open
-/// fails, whoever asks. Null when it cannot be opened or is no terminal.
+/// fails, whoever asks. Null when it cannot be opened or is no terminal, with the reason in errno:
+/// EBUSY where it is open elsewhere, ENOTTY where it is no terminal.
 [[nodiscard]] std::unique_ptr<SerialPort> OpenSerialPort(const std::string& device);
 
 } // namespace busquill

@@ -213,8 +213,11 @@ std::unique_ptr<SerialPort> OpenSerialPort(const std::string& device) {
     // A file lock keeps a second opener out whoever it is, and ends with a crashed program. The
     // terminal's own exclusive mode lets the superuser in and outlives a crash on a pseudo
     // terminal.
-    if (::isatty(handle) == 0 || ::flock(handle, LOCK_EX | LOCK_NB) != 0) {
+    const bool isTerminal = ::isatty(handle) != 0;
+    if (!isTerminal || ::flock(handle, LOCK_EX | LOCK_NB) != 0) {
+        const int reason = !isTerminal ? ENOTTY : errno == EWOULDBLOCK ? EBUSY : errno;
         ::close(handle);
+        errno = reason;
         return nullptr;
     }
     return std::make_unique<PosixSerialPort>(handle);

@@ -1,5 +1,6 @@
 #include "signals/signal_names.h"
 
+#include "platform/near_names.h"
 #include "platform/text.h"
 #include "signals/signal_list.h"
 
@@ -10,24 +11,37 @@ namespace busquill {
 
 namespace {
 
+/// The row that begins at a place of the list, with no positions where it has no bits.
+NamedSignal RowAt(const CSignalList& list, std::size_t first) {
+    NamedSignal row{list[first].RowName(), {}, list[first].decoded};
+    for (std::size_t member = first; member < list.GroupEnd(first); ++member) {
+        if (const int position = list[member].dataIndex;
+            position >= 0 && position < SampleRecord::bitCount) {
+            row.positions.push_back(position);
+        }
+    }
+    return row;
+}
+
 std::optional<NamedSignal> FindRow(std::string_view name, const CSignalList& list) {
     for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
-        const CSignal& signal = list[i];
-        if (!EqualIgnoringCase(signal.RowName(), name)) {
+        if (!EqualIgnoringCase(list[i].RowName(), name)) {
             continue;
         }
-        NamedSignal found{signal.RowName(), {}, signal.decoded};
-        for (std::size_t member = i; member < list.GroupEnd(i); ++member) {
-            if (const int position = list[member].dataIndex;
-                position >= 0 && position < SampleRecord::bitCount) {
-                found.positions.push_back(position);
-            }
-        }
-        if (!found.positions.empty()) {
-            return found;
+        if (NamedSignal row = RowAt(list, i); !row.positions.empty()) {
+            return row;
         }
     }
     return std::nullopt;
+}
+
+/// Placeholders, and comparisons that only the board makes, are no bits of a sample.
+bool IsValue(const CDecodedSignalDef& def, const std::vector<int>& positions,
+             const SignalTables& tables) {
+    return def.decodeKind != DecodeKind::Delta && def.decodeKind != DecodeKind::Accum &&
+           def.decodeKind != DecodeKind::Sample && def.name != "=<>" && !positions.empty() &&
+           positions.back() < SampleRecord::bitCount &&
+           SignalTables::Applies(def.condition, tables.Board());
 }
 
 NamedSignal NamedBy(const std::shared_ptr<const CDecodedSignalDef>& def) {
@@ -39,13 +53,7 @@ std::optional<NamedSignal> FindDecoded(std::string_view name, const SignalTables
     std::optional<NamedSignal> found;
     int close = 0;
     for (const auto& def : tables.decodedSignals.Defs()) {
-        const std::vector<int> positions = def->Positions();
-        // Placeholders, and comparisons that only the board makes, are no bits of a sample.
-        const bool isValue = def->decodeKind != DecodeKind::Delta &&
-                             def->decodeKind != DecodeKind::Accum &&
-                             def->decodeKind != DecodeKind::Sample && def->name != "=<>";
-        if (!isValue || positions.empty() || positions.back() >= SampleRecord::bitCount ||
-            !SignalTables::Applies(def->condition, tables.Board())) {
+        if (!IsValue(*def, def->Positions(), tables)) {
             continue;
         }
         if (EqualIgnoringCase(def->name, name)) {
@@ -84,6 +92,15 @@ std::optional<std::pair<int, int>> ParseRange(std::string_view text) {
     return std::pair(std::min(*low, *high), std::max(*low, *high));
 }
 
+/// Lines of a bus, from one to another.
+NamedSignal LinesOf(const CBusSignalDef& def, const std::string& range, int first, int last) {
+    NamedSignal lines{def.name + range, {}, nullptr};
+    for (int p = first; p <= last; ++p) {
+        lines.positions.push_back(def.dataIndex + (def.bitReverse ? def.Width() - 1 - p : p));
+    }
+    return lines;
+}
+
 std::optional<NamedSignal> FindBus(std::string_view name, const SignalTables& tables) {
     for (const auto& def : tables.busSignals.Defs()) {
         if (name.size() < def->name.size() ||
@@ -96,13 +113,17 @@ std::optional<NamedSignal> FindBus(std::string_view name, const SignalTables& ta
         if (!range || range->second >= width || (width == 1 && !rest.empty())) {
             continue;
         }
-        NamedSignal found{def->name + std::string(rest), {}, nullptr};
-        for (int p = range->first; p <= range->second; ++p) {
-            found.positions.push_back(def->dataIndex + (def->bitReverse ? width - 1 - p : p));
-        }
-        return found;
+        return LinesOf(*def, std::string(rest), range->first, range->second);
     }
     return std::nullopt;
+}
+
+constexpr const char* timeName = "TIME";
+
+/// In a sample, the bits that patterns use for ranges are those of the time.
+bool IsInTime(const SignalTables& tables, int position) {
+    const auto time = tables.busSignals.FindByName(timeName);
+    return time && position >= time->dataIndex && position < time->dataIndex + time->Width();
 }
 
 } // namespace
@@ -128,12 +149,65 @@ std::optional<NamedSignal> FindSignal(std::string_view name, const SignalTables&
     return std::nullopt;
 }
 
-std::string BitName(const SignalTables& tables, int position) {
-    // In a sample, the bits that patterns use for ranges are those of the time.
-    auto def = tables.busSignals.FindByName("TIME");
-    if (!def || position < def->dataIndex || position >= def->dataIndex + def->Width()) {
-        def = tables.FindBusDefByDataIndex(position);
+std::vector<NamedSignal> AllSignals(const SignalTables& tables,
+                                    std::initializer_list<const CSignalList*> lists) {
+    std::vector<NamedSignal> signals;
+    const auto add = [&signals](NamedSignal signal) {
+        const bool isThere = std::ranges::any_of(signals, [&](const NamedSignal& each) {
+            return EqualIgnoringCase(each.name, signal.name);
+        });
+        if (!signal.positions.empty() && !isThere) {
+            signals.push_back(std::move(signal));
+        }
+    };
+    for (const CSignalList* list : lists) {
+        for (std::size_t i = 0; i < list->Size(); i = list->GroupEnd(i)) {
+            add(RowAt(*list, i));
+        }
     }
+    for (const auto& def : tables.decodedSignals.Defs()) {
+        if (IsValue(*def, def->Positions(), tables)) {
+            add(NamedBy(def));
+        }
+    }
+    for (const auto& def : tables.busSignals.Defs()) {
+        // What patterns of the board have where samples have their time is no name of theirs.
+        if (def->name == timeName || !IsInTime(tables, def->dataIndex)) {
+            const int last = def->Width() - 1;
+            add(LinesOf(*def, last == 0 ? "" : Printf("[%d:0]", last), 0, last));
+        }
+    }
+    return signals;
+}
+
+std::vector<std::string> LabelsOf(const CDecodedSignalDef& def) {
+    std::vector<std::string> labels;
+    // A field that is shown as a number has a picture of its digits in place of labels.
+    if (def.decodeKind != DecodeKind::Label && def.decodeKind != DecodeKind::Command) {
+        return labels;
+    }
+    for (const CDecodedValue& value : def.values) {
+        const bool isShown = value.label[0] != '\0' && (value.skipModes & ModeState) == 0;
+        if (isShown && std::ranges::find(labels, value.label) == labels.end()) {
+            labels.emplace_back(value.label);
+        }
+    }
+    return labels;
+}
+
+std::string UnknownSignal(std::string_view name, const SignalTables& tables,
+                          std::initializer_list<const CSignalList*> lists) {
+    std::vector<std::string> names;
+    for (const NamedSignal& signal : AllSignals(tables, lists)) {
+        names.push_back(signal.name);
+    }
+    return Printf("no signal \"%s\" on this bus; there are %s", std::string(name).c_str(),
+                  ListNearest(name, std::move(names)).c_str());
+}
+
+std::string BitName(const SignalTables& tables, int position) {
+    const auto def = IsInTime(tables, position) ? tables.busSignals.FindByName(timeName)
+                                                : tables.FindBusDefByDataIndex(position);
     if (!def) {
         return Printf("bit %d", position);
     }

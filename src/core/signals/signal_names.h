@@ -29,6 +29,18 @@ struct NamedSignal {
 FindSignal(std::string_view name, const SignalTables& tables,
            std::initializer_list<const CSignalList*> lists);
 
+/// What FindSignal finds by the names that there are, in the order in which it looks: buses as a
+/// whole, each name once.
+[[nodiscard]] std::vector<NamedSignal> AllSignals(const SignalTables& tables,
+                                                  std::initializer_list<const CSignalList*> lists);
+
+/// The labels that a decoded signal shows in a listing, each once.
+[[nodiscard]] std::vector<std::string> LabelsOf(const CDecodedSignalDef& def);
+
+/// What to tell of a name that FindSignal does not know.
+[[nodiscard]] std::string UnknownSignal(std::string_view name, const SignalTables& tables,
+                                        std::initializer_list<const CSignalList*> lists);
+
 /// What a bit of the record is called: "AD[5]", or "bit 77" where the tables have no name.
 [[nodiscard]] std::string BitName(const SignalTables& tables, int position);
 

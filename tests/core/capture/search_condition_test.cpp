@@ -71,6 +71,27 @@ TEST_F(Conditions, MissingDigitsAreZeros) {
                 ElementsAre(0, 1));
 }
 
+TEST_F(Conditions, MissingDigitsOfLinesThatTheBusDoesNotHaveAreAny) {
+    auto records = CaptureBuilder().Write(0x10, 0xAB).Records();
+    records[0].bytes[4] = 0xFF; // AD[39:32]
+    EXPECT_THAT(Matches(records, {"AD=10"}), ElementsAre(0));
+    EXPECT_THAT(Matches(records, {"AD[39:0]=10"}), ElementsAre(0));
+    EXPECT_THAT(Matches(records, {"AD[39:0]=0000000010"}), IsEmpty());
+    EXPECT_THAT(Matches(records, {"C/BE=7"}), ElementsAre(0)); // of which the upper half is F
+    EXPECT_THAT(Matches(records, {"C/BE=07"}), IsEmpty());
+    for (const std::int32_t mode : {BusPci, BusPciX}) {
+        board.board.bus = {mode, 1, 0, 0, 0};
+        EXPECT_THAT(Matches(records, {"AD=10"}), IsEmpty());
+        board.board.bus = {mode, 0, 0, 0, 0};
+        EXPECT_THAT(Matches(records, {"AD=10"}), ElementsAre(0));
+    }
+    // The same bits are others elsewhere.
+    BoardTables vme("VMEKite-1", BusVme);
+    SearchCondition condition;
+    EXPECT_EQ(condition.Add("bit 40=1", vme.tables, {}), "");
+    EXPECT_EQ(condition.MatchesOf(records), 0U);
+}
+
 TEST_F(Conditions, AllPatternsMustHold) {
     const auto records = CaptureBuilder().Write(0x10, 0x20).Read(0x10, 0x30).Records();
     EXPECT_THAT(Matches(records, {"AD[31:0]=10", "FRAME=0"}), ElementsAre(0, 2));
@@ -139,11 +160,12 @@ TEST_F(Conditions, BitsThatRunAgainstTheRecord) {
 
 TEST_F(Conditions, SayWhatWouldBeRight) {
     EXPECT_THAT(Wrong("FRAME"), HasSubstr("NAME=VALUE"));
-    EXPECT_THAT(Wrong("NOPE=1"), HasSubstr("no signal \"NOPE\" on this bus; there are AD, C/BE"));
+    EXPECT_THAT(Wrong("NOPE=1"),
+                HasSubstr("no signal \"NOPE\" on this bus; there are COMMAND, ADDRESS32"));
     EXPECT_EQ(Wrong("FRAME=10"), "FRAME takes 1 hexadecimal digit, x for any; not \"10\"");
     EXPECT_EQ(Wrong("C/BE[1:0]=4"), "C/BE[1:0] takes 1 hexadecimal digit, x for any; not \"4\"");
     EXPECT_EQ(Wrong("AD[31:0]="), "AD[31:0] takes 8 hexadecimal digits, x for any; not \"\"");
-    EXPECT_THAT(Wrong("COMMAND=Rd"), HasSubstr("or a label: Int Ack, Spc Cyc, I/O Rd"));
+    EXPECT_THAT(Wrong("COMMAND=Rd"), HasSubstr("or a label: I/O Rd, Mem Rd, Cfg Rd"));
 }
 
 } // namespace

@@ -37,7 +37,7 @@ protected:
             dump.Add(some, text);
         }
         dump.End(text);
-        viewer = dump.ViewerFile("a.vcd");
+        viewer = dump.ViewerFile("/there/a.vcd", "/there/a.gtkw");
         return text;
     }
 
@@ -58,7 +58,7 @@ TEST_F(Dumps, ShowEverySignalAtTheTimeOfItsSample) {
                              .Records();
     const ParsedDump dump = ParseDump(Dump(RowsOf(records, -1)));
     EXPECT_EQ(dump.timescale, "1ns");
-    EXPECT_EQ(dump.values.size(), 3U);
+    EXPECT_EQ(dump.values.size(), 4U); // the last is the end
     EXPECT_EQ(dump.At(0, "FRAME"), "1");
     EXPECT_EQ(dump.At(30, "FRAME"), "0");
     EXPECT_EQ(dump.At(29, "FRAME"), "1");
@@ -80,7 +80,7 @@ TEST_F(Dumps, FirstValuesStandTogetherAndLaterOnesOnlyWhereTheyChange) {
     // The trigger falls, TIME was that of the others all along; then nothing but the time.
     const std::string rest = text.substr(text.rfind("$end\n") + 5);
     EXPECT_EQ(std::count(rest.begin(), rest.end(), '\n'), 3) << rest;
-    EXPECT_THAT(rest, testing::EndsWith("#60\n"));
+    EXPECT_THAT(rest, testing::EndsWith("#90\n"));
 }
 
 TEST_F(Dumps, EachItemHasALineOfItsOwn) {
@@ -175,13 +175,23 @@ TEST_F(Dumps, SamplesOfOneTimeDoNotHideOneAnother) {
     EXPECT_EQ(dump.At(0, "FRAME") + dump.At(1, "FRAME") + dump.At(2, "FRAME"), "101");
 }
 
+TEST_F(Dumps, TheLastSampleIsAsWideAsTheNarrowestBeforeIt) {
+    const auto end = [this](const CaptureBuilder& capture) {
+        return ParseDump(Dump(RowsOf(capture.Records()))).values.rbegin()->first;
+    };
+    EXPECT_EQ(end(CaptureBuilder().Idle().Idle().After(30).Read(1).After(5, 1)), 5090 + 30);
+    EXPECT_EQ(end(CaptureBuilder().Idle().After(15)), 15); // the first: by the time before it
+    EXPECT_EQ(end(CaptureBuilder().Idle().After(0)), 1);
+    EXPECT_EQ(end(CaptureBuilder().Idle().After(0).Idle().After(0)), 2);
+}
+
 TEST_F(Dumps, PowerZoomIsInPicoseconds) {
     zoom = true;
     list.BuildFromTables(0, ModeState);
     const auto records = CaptureBuilder().Idle().After(3750).Idle().After(3750).Records();
     const ParsedDump dump = ParseDump(Dump(RowsOf(records, -1)));
     EXPECT_EQ(dump.timescale, "1ps");
-    EXPECT_EQ(dump.values.rbegin()->first, 3750);
+    EXPECT_EQ(dump.values.rbegin()->first, 7500);
 }
 
 TEST_F(Dumps, PiecesMakeNoDifference) {
@@ -204,6 +214,16 @@ TEST_F(Dumps, WithoutSamplesThereAreDeclarationsOnly) {
     EXPECT_FALSE(dump.variables.empty());
 }
 
+TEST_F(Dumps, TheViewerBeginsALittleBeforeTheTrigger) {
+    Dump(RowsOf(CaptureBuilder().Idle(1000).Records(), -900));
+    EXPECT_THAT(viewer, HasSubstr("[timestart] 24952\n*-12.000000 27000 -1")); // 2,048 ns before
+    Dump(RowsOf(CaptureBuilder().Idle(1000).Records(), 1));
+    EXPECT_THAT(viewer, HasSubstr("[timestart] 0\n@")); // none, no mark
+    zoom = true;
+    Dump(RowsOf(CaptureBuilder().Idle(2000).After(50000, 0).Records(), -1999));
+    EXPECT_THAT(viewer, HasSubstr("[timestart] 77172\n*-16.000000 109940 -1"));
+}
+
 TEST_F(Dumps, TheViewerShowsSignalsInTheOrderBaseAndColourOfTheList) {
     list.RemoveAllSignals();
     list.BuildFromTables(0, ModeState);
@@ -222,7 +242,9 @@ TEST_F(Dumps, TheViewerShowsSignalsInTheOrderBaseAndColourOfTheList) {
     list.MoveGroup(find("FRAME"), &list[0]);
     list.InsertBlank(&list[1]);
     Dump(RowsOf(CaptureBuilder().Idle(2).Records(), -1));
-    EXPECT_THAT(viewer, HasSubstr("[dumpfile] \"a.vcd\"\n"));
+    EXPECT_THAT(viewer, HasSubstr("[dumpfile] \"/there/a.vcd\"\n"));
+    EXPECT_THAT(viewer, HasSubstr("[savefile] \"/there/a.gtkw\"\n"));
+    EXPECT_THAT(viewer, HasSubstr("[timestart] 0\n"));
     EXPECT_THAT(viewer, HasSubstr("*-12.000000 30 -1"));
     EXPECT_THAT(viewer, HasSubstr("@28\n[color] 5\ncapture.FRAME\n@200\n-\n"));
     EXPECT_THAT(viewer, HasSubstr("@28\n[color] 1\ncapture.AD[63:0]\n"));

@@ -204,6 +204,7 @@ TEST_F(SerialPortTest, ChangesItsRateWhileAnotherThreadReads) {
 
 TEST_F(SerialPortTest, KeepsASecondOpenerOutUntilItIsClosed) {
     EXPECT_EQ(OpenSerialPort(farEnd.Path()), nullptr);
+    EXPECT_EQ(errno, EBUSY);
     port.reset();
     EXPECT_NE(OpenSerialPort(farEnd.Path()), nullptr);
 }
@@ -246,7 +247,9 @@ TEST(SerialPort, OpensNothingButATerminal) {
     const TempDir dir;
     EXPECT_EQ(OpenSerialPort(""), nullptr);
     EXPECT_EQ(OpenSerialPort(dir.File("absent")), nullptr);
+    EXPECT_EQ(errno, ENOENT);
     EXPECT_EQ(OpenSerialPort(dir.Write("file", "text")), nullptr);
+    EXPECT_EQ(errno, ENOTTY);
     EXPECT_EQ(OpenSerialPort(dir.Path()), nullptr);
     EXPECT_EQ(OpenSerialPort("/dev/null"), nullptr);
 }

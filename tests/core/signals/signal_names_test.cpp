@@ -57,6 +57,37 @@ TEST(SignalNames, PlaceholdersAndComparisonsOfTheBoardAreNoSignals) {
     }
 }
 
+TEST(SignalNames, AllThatThereAreAreFoundByTheirNames) {
+    for (const auto& [model, mode] :
+         std::initializer_list<std::pair<const char*, std::int32_t>>{{"PCIKite-1", BusPci},
+                                                                     {"PCIKite-1", BusPciX},
+                                                                     {"VMEKite-1", BusVme},
+                                                                     {"VMELark-1", BusVme},
+                                                                     {"VMEKiteP2-1", BusVmeP2},
+                                                                     {"VMEKiteP0-1", BusVmeP0},
+                                                                     {"VSBKite-1", BusVsb}}) {
+        const BoardTables board(model, mode);
+        const auto all = AllSignals(board.tables, {});
+        EXPECT_GT(all.size(), 10U) << model;
+        for (const NamedSignal& signal : all) {
+            const auto found = FindSignal(signal.name, board.tables, {});
+            ASSERT_TRUE(found) << signal.name;
+            EXPECT_EQ(found->positions, signal.positions) << signal.name;
+            EXPECT_EQ(found->decoded, signal.decoded) << signal.name;
+        }
+    }
+}
+
+TEST(SignalNames, LabelsAreThoseThatAListingShows) {
+    const BoardTables board("PCIKite-1");
+    const auto labels = [&](const char* name) {
+        return LabelsOf(*FindSignal(name, board.tables, {})->decoded);
+    };
+    EXPECT_THAT(labels("COMMAND"), testing::IsSupersetOf({"Int Ack", "Mem Wr"}));
+    EXPECT_THAT(labels("ADDRESS32"), testing::IsEmpty());
+    EXPECT_THAT(labels("TIME"), testing::IsEmpty());
+}
+
 TEST(SignalNames, RowsOfAListComeFirst) {
     const BoardTables board("PCIKite-1");
     CSignalList list;

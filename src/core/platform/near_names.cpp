@@ -1,0 +1,69 @@
+#include "platform/near_names.h"
+
+#include "platform/text.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace busquill {
+
+namespace {
+
+constexpr int far = 1000;
+
+/// What is compared: without a range or the like in brackets, in lower case.
+std::string StemOf(std::string_view name) {
+    return ToLower(Trim(name.substr(0, name.find_first_of("[("))));
+}
+
+/// How many letters must be put in, left out or changed to make one of the other.
+int EditsBetween(std::string_view a, std::string_view b) {
+    std::vector<int> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        int diagonal = row[0]++;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const int changed = diagonal + (a[i] == b[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j] + 1, row[j + 1] + 1});
+        }
+    }
+    return row.back();
+}
+
+/// The less, the nearer; `far` for names that have nothing to do with the word.
+int DistanceOf(const std::string& name, const std::string& word) {
+    if (name == word) {
+        return 0;
+    }
+    constexpr std::size_t least = 2; // letters that say something
+    if (word.size() >= least && name.size() >= least) {
+        if (name.starts_with(word) || word.starts_with(name)) {
+            return 1;
+        }
+        if (name.find(word) != std::string::npos) {
+            return 2;
+        }
+    }
+    const int edits = EditsBetween(name, word);
+    return edits <= std::max(1, static_cast<int>(word.size()) / 3) ? 1 + edits : far;
+}
+
+} // namespace
+
+std::string ListNearest(std::string_view word, std::vector<std::string> names) {
+    constexpr std::size_t enough = 400; // characters
+    const std::string stem = StemOf(word);
+    std::ranges::stable_sort(
+        names, {}, [&](const std::string& name) { return DistanceOf(StemOf(name), stem); });
+    std::string list;
+    for (const std::string& name : names) {
+        if (list.size() + name.size() > enough) {
+            return list + ", ...";
+        }
+        list += (list.empty() ? "" : ", ") + name;
+    }
+    return list;
+}
+
+} // namespace busquill
