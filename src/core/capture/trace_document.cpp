@@ -114,7 +114,9 @@ void CTesselDoc::ClearData() {
     markers_.fill(-1);
     captureActive_ = false; // nobody may have looked since the capture ended
     hasData_ = false;
-    UpdateAllViews(nullptr, HintCaptureStarted); // the board's memory is as good as empty
+    // The same as after a capture that ended without samples.
+    UpdateAllViews(nullptr, HintCaptureStarted);
+    UpdateAllViews(nullptr, HintCaptureStopped);
 }
 
 void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {

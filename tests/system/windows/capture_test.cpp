@@ -193,6 +193,37 @@ TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
     EXPECT_EQ(Trace().SampleCount(false), 1024);
 }
 
+TEST_F(LiveCapture, ADisplaySwitchedDuringTheRunKeepsTheGauge) {
+    Connect({"--buffer", "64", "--rate", "20000"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Bar().Gauge().State().after > 1000; }));
+    const GaugeState before = Bar().Gauge().State();
+    const auto expectFilling = [&](CChildFrame& filling) {
+        const GaugeState& now = filling.Bar().Gauge().State();
+        EXPECT_EQ(now.total, 64 * 1024);
+        EXPECT_EQ(now.trigger, before.trigger);
+        EXPECT_GE(now.before, before.before);
+        EXPECT_GE(now.after, before.after);
+        EXPECT_EQ(now.windowFirst, -1);
+        EXPECT_GE(filling.Bar().findChild<QLabel*>("After")->text().toInt(), before.after);
+    };
+    AnswerDialog<QDialog>([&] { QTest::mouseClick(&Bar().DisplayButton(), Qt::LeftButton); },
+                          [](QDialog& dialog) { dialog.accept(); });
+    ASSERT_FALSE(frame->IsStateFrame());
+    expectFilling(*frame);
+    Choose("File/New/Capture/State"); // and a second window shows the same
+    auto& second = dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    ASSERT_NE(&second, frame);
+    expectFilling(second);
+    ASSERT_TRUE(Running());
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Bar().Gauge().State().total, Trace().SampleCount(false));
+    EXPECT_EQ(second.Bar().Gauge().State().total, Trace().SampleCount(false));
+    EXPECT_EQ(second.Bar().Gauge().State().after, -1);
+}
+
 TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadLeavesTheProgramInOrder) {
     Connect({"--buffer", "64", "--rate", "20000"});
     prompts.AnswerNext(Answer::No); // changes are not saved

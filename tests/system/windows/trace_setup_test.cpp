@@ -169,6 +169,11 @@ TEST_F(LiveSetup, AnEditedSetupGoesToTheBoardAtOnce) {
     EXPECT_FALSE(Trace().HasData());
     EXPECT_EQ(Text("Before"), "0000000");
     EXPECT_EQ(Text("After"), "0000000");
+    // The gauge is as empty as the trace.
+    const QImage gauge = Bar().Gauge().grab().toImage();
+    for (int x = 1; x < gauge.width() - 1; ++x) {
+        ASSERT_EQ(gauge.pixelColor(x, gauge.height() / 2), QColor(0xC0, 0xC0, 0xC0)) << x;
+    }
     EXPECT_TRUE(Trace().IsModified());
     // Go would read the file again, which has not changed.
     EXPECT_EQ(Chosen(), "<New>");
