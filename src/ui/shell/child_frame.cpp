@@ -95,7 +95,7 @@ void CChildFrame::SetTitleName(const std::string& name) {
 
 void CChildFrame::SetComment(const std::string& text) {
     // A title has one line; a description may have several.
-    titleComment_ = QString::fromStdString(text).simplified();
+    titleComment_ = QString::fromStdString(text).replace("\r\n", " ").replace('\n', ' ');
     UpdateTitle();
 }
 
