@@ -62,6 +62,7 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
         return false;
     }
     context_.fileWantsStateView = contents.stateList;
+    context_.fileWantsZoomView = contents.zoomSamples;
     setupName = setup.name;
     fileName = BaseNameOf(path);
     RebuildMapsFromFile();

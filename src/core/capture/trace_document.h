@@ -59,6 +59,7 @@ struct NewTraceContext {
     TraceViewKind traceViewKind = TraceViewKind::Waveform;
     bool newDocRealTime = false;
     bool fileWantsStateView = false; // set by the loader
+    bool fileWantsZoomView = false;  // likewise
     CTesselDoc* cloneSource = nullptr;
     CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
     /// Asks for a range and saves it; false when the user cancels.

@@ -4,6 +4,7 @@
 #include "ui/display/wave_window.h"
 #include "ui/shell/child_frame.h"
 #include "ui/shell/help_window.h"
+#include "ui/shell/trace_bar.h"
 
 #include <QEventLoop>
 #include <QLabel>
@@ -84,9 +85,59 @@ TEST_F(InDemoMode, StateOpensItsStoredCapture) {
 
 TEST_F(InDemoMode, WaveformOpensItsStoredCapture) {
     Choose("File/New/Capture/Waveform");
-    ASSERT_EQ(Windows().size(), 1);
     EXPECT_FALSE(Active().IsStateFrame());
+    EXPECT_FALSE(Active().IsZoomFrame());
     EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger1.tra"));
+}
+
+TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
+    // Trigger2 has a state list; with Power Zoom samples, it has both.
+    const std::string zoom = ReadWholeFile(dir.File("Trigger1.tra"));
+    const std::string both = ReadWholeFile(dir.File("Trigger2.tra")) + "\n" +
+                             zoom.substr(zoom.find("\"Power Zoom Data\""));
+    dir.Write("both.tra", both);
+    struct Case {
+        std::function<void()> open;
+        bool isState;
+    };
+    const Case cases[] = {
+        {[&] { program->App().OpenDocumentFile(dir.File("Trigger1.tra")); }, false},
+        {[&] { program->App().OpenDocumentFile(dir.File("both.tra")); }, true},
+        {[&] { Choose("File/New/Capture/Waveform"); }, false}};
+    for (const Case& each : cases) {
+        const auto before = Windows().size();
+        each.open();
+        ASSERT_EQ(Windows().size(), before + 2);
+        EXPECT_FALSE(Active().IsZoomFrame()) << "the capture's own window is the active one";
+        EXPECT_EQ(Active().IsStateFrame(), each.isState);
+        auto& other = dynamic_cast<CChildFrame&>(*Windows().last());
+        EXPECT_TRUE(other.IsZoomFrame());
+        EXPECT_EQ(&other.Trace(), &Trace());
+        EXPECT_EQ(other.size(), QSize(560, 360));
+        EXPECT_EQ(other.Bar().findChild<QLabel*>("Before")->text(), "0000255");
+        EXPECT_EQ(other.Bar().findChild<QLabel*>("After")->text(), "0000255");
+    }
+    // A file that is open already has its windows.
+    program->App().OpenDocumentFile(dir.File("both.tra"));
+    EXPECT_EQ(Windows().size(), 6);
+}
+
+TEST_F(InDemoMode, AFileWithoutPowerZoomSamplesHasOneWindow) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    EXPECT_EQ(Windows().size(), 1);
+    // Nor does it inherit the wish of a file that could not be read to its end.
+    program->App().OpenDocumentFile(dir.Write("bad.tra", "\"Power Zoom Data\",255,256\n"
+                                                         "\"End of Power Zoom Data\"\n"));
+    Choose("File/New/Capture/State");
+    EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(InDemoMode, BlanksOfACommentAreKeptInTheTitle) {
+    std::string text = ReadWholeFile(dir.File("Trigger2.tra"));
+    const auto at = text.find("\"Description\"");
+    text.replace(at, text.find('\n', at) - at, "\"Description\",\"two  blanks\nand a line\"");
+    program->App().OpenDocumentFile(dir.Write("blanks.tra", text));
+    EXPECT_EQ(Active().windowTitle(), "Trace - blanks (two  blanks and a line)");
 }
 
 TEST_F(InDemoMode, TheSameCommandOpensTheCaptureOnceMore) {
@@ -131,7 +182,7 @@ TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
                                 "creating a new one.";
     EXPECT_EQ(prompts.Texts(), (std::vector<std::string>{refused, refused}));
     EXPECT_EQ(program->App().context.cloneSource, nullptr);
-    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(Windows().size(), 3); // one is the stored capture's Power Zoom window
 }
 
 TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
@@ -139,14 +190,15 @@ TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
     EXPECT_TRUE(Active().IsStateFrame());
     ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger1.tra")), nullptr);
     EXPECT_FALSE(Active().IsStateFrame());
-    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(Active().TraceView().Trace().GetPathName(), dir.File("Trigger1.tra"));
 }
 
 TEST_F(InDemoMode, OpenFileComesToTheFront) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
+    const auto windows = Windows().size();
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
-    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(Windows().size(), windows);
     EXPECT_TRUE(Active().windowTitle().startsWith("Trace - Trigger2"));
 }
 
