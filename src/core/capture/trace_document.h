@@ -78,6 +78,10 @@ public:
     bool OnNewDocument() override;
     bool OnOpenDocument(const std::string& path) override;
     bool OnSaveDocument(const std::string& path) override;
+    /// What is saved of a file is a copy, perhaps of a part: the document stays that of its file.
+    void OnSaved(const std::string& path) override;
+    /// A live trace goes on; what has been saved of it is a file like any other.
+    [[nodiscard]] bool ShowsItsFile() const override { return !isRealTime_; }
 
     [[nodiscard]] bool IsRealTime() const noexcept { return isRealTime_; }
     [[nodiscard]] bool LoadedFromFile() const noexcept { return loadedFromFile_; }
@@ -153,6 +157,7 @@ public:
 
 private:
     void BuildDefaultLists();
+    void ForgetSamples();
     void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);

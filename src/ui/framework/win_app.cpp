@@ -30,6 +30,11 @@ bool SameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
+void CWinApp::AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added) {
+    added->saved = [this](const std::string& path) { AddRecentFile(path); };
+    templates_.push_back(std::move(added));
+}
+
 CMultiDocTemplate* CWinApp::TemplateOf(const CDocument& document) const {
     for (const auto& each : templates_) {
         for (const auto& owned : each->Documents()) {
@@ -45,7 +50,8 @@ CDocument* CWinApp::OpenDocumentFile(const std::string& path) {
     CMultiDocTemplate* fitting = nullptr;
     for (const auto& each : templates_) {
         for (CMDIChildWnd* frame : each->Frames()) {
-            if (SameFile(frame->GetDocument().GetPathName(), path)) {
+            if (frame->GetDocument().ShowsItsFile() &&
+                SameFile(frame->GetDocument().GetPathName(), path)) {
                 frame->mdiArea()->setActiveSubWindow(frame);
                 return &frame->GetDocument();
             }

@@ -36,9 +36,7 @@ public:
     void AddRecentFile(const std::string& path);
 
 protected:
-    void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added) {
-        templates_.push_back(std::move(added));
-    }
+    void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added);
     void CloseTemplates() { templates_.clear(); }
 
     Settings& settings_;

@@ -1,6 +1,7 @@
 // A live capture through the program's windows, against the simulated board.
 
 #include "support/live_frame_fixture_qt.h"
+#include "support/save_trace_qt.h"
 #include "tracesetup/setup_file.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/capture/save_trace_dialog.h"
@@ -222,6 +223,53 @@ TEST_F(LiveCapture, ADisplaySwitchedDuringTheRunKeepsTheGauge) {
     EXPECT_EQ(Bar().Gauge().State().total, Trace().SampleCount(false));
     EXPECT_EQ(second.Bar().Gauge().State().total, Trace().SampleCount(false));
     EXPECT_EQ(second.Bar().Gauge().State().after, -1);
+}
+
+TEST_F(LiveCapture, ANewRunForgetsTheFileOfTheOneBefore) {
+    Connect({"--buffer", "1"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::string path = dir.File("first.tra");
+    EXPECT_EQ(SaveTraceUnder(path, [&] { Choose("File/Save"); }), "Trace.tra");
+    EXPECT_NE(FindEntry(Frame(), "File/1 first.tra"), nullptr) << "among the recent files";
+    EXPECT_EQ(Trace().GetPathName(), path);
+    // Save again needs no name.
+    AnswerDialog<CSaveTraceDialog>([&] { Choose("File/Save"); }, [](CSaveTraceDialog&) {});
+
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::string saved = ReadWholeFile(path);
+    const std::string second = dir.File("second.tra");
+    EXPECT_EQ(SaveTraceUnder(second, [&] { Choose("File/Save"); }), "Trace.tra");
+    EXPECT_TRUE(ReadWholeFile(path) == saved) << "the first run is gone";
+    EXPECT_TRUE(std::filesystem::exists(second));
+    // So does a setup that empties the trace.
+    AnswerDialog<CTraceSetupDialog>(
+        [&] { QTest::mouseClick(&Bar().SetupButton(), Qt::LeftButton); },
+        [](CTraceSetupDialog& dialog) {
+            dialog.findChild<QComboBox*>("Trigger Position")->setCurrentIndex(0);
+            Press(dialog, "OK");
+        });
+    ASSERT_EQ(Trace().SampleCount(false), 0);
+    EXPECT_EQ(Trace().GetPathName(), "");
+    prompts.AnswerNext(Answer::No);
+    Close();
+    EXPECT_THAT(prompts.Texts(), testing::ElementsAre("Save changes to Trace?"));
+}
+
+TEST_F(LiveCapture, ASavedCaptureIsOpenedBesideTheLiveOne) {
+    Connect({"--buffer", "1"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::string path = dir.File("saved.tra");
+    SaveTraceUnder(path, [&] { Choose("File/Save As..."); });
+    auto* opened = dynamic_cast<CTesselDoc*>(program->App().OpenDocumentFile(path));
+    ASSERT_NE(opened, nullptr);
+    EXPECT_NE(opened, &Trace());
+    EXPECT_FALSE(opened->IsRealTime());
+    EXPECT_EQ(opened->SampleCount(false), Trace().SampleCount(false));
 }
 
 TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadLeavesTheProgramInOrder) {

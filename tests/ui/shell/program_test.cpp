@@ -1,4 +1,5 @@
 #include "support/program_fixture_qt.h"
+#include "support/save_trace_qt.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
 #include "ui/display/wave_window.h"
@@ -130,6 +131,60 @@ TEST_F(InDemoMode, AFileWithoutPowerZoomSamplesHasOneWindow) {
                                                          "\"End of Power Zoom Data\"\n"));
     Choose("File/New/Capture/State");
     EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(InDemoMode, ACaptureFromAFileCanBeSavedAsACopy) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    EXPECT_FALSE(Entry("File/Save").isEnabled());
+    const std::string copy = dir.File("copy.tra");
+    const QString title = Active().windowTitle();
+    EXPECT_EQ(SaveTraceUnder(
+                  copy, [&] { Choose("File/Save As..."); },
+                  [](CSaveTraceDialog& dialog) { SetSaveRange(dialog, "10", "60"); }),
+              "Trigger2.tra");
+    // The window shows all of the file that it was opened from.
+    EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger2.tra"));
+    EXPECT_EQ(Active().windowTitle(), title);
+    CTesselDoc& whole = Trace();
+    ASSERT_NE(program->App().OpenDocumentFile(copy), nullptr);
+    ASSERT_NE(&Trace(), &whole);
+    EXPECT_EQ(Trace().SampleCount(false), 51);
+    EXPECT_EQ(Trace().FirstSampleNumber(false), 10);
+    for (int i = 0; i < 51; ++i) {
+        EXPECT_EQ(Trace().GetSample(i, false),
+                  whole.GetSample(whole.Marker(0, false) + 10 + i, false));
+    }
+    // A copy of the copy, where not even the trigger is left.
+    SaveTraceUnder(
+        dir.File("again.tra"), [&] { Choose("File/Save As..."); },
+        [](CSaveTraceDialog& dialog) {
+            EXPECT_EQ(dialog.findChild<QLineEdit*>("Start")->text(), "10");
+            EXPECT_EQ(dialog.findChild<QLineEdit*>("End")->text(), "60");
+        });
+    EXPECT_TRUE(ReadWholeFile(dir.File("again.tra")) == ReadWholeFile(copy));
+    EXPECT_NE(FindEntry(Frame(), "File/1 again.tra"), nullptr);
+    EXPECT_TRUE(prompts.Boxes().empty());
+}
+
+TEST_F(InDemoMode, AFilteredCaptureFromAFileIsCopiedAsItShows) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    CTesselDoc& whole = Trace();
+    // Only what the pattern of one line lets through.
+    for (const auto& signal : whole.filterPattern.All()) {
+        if (signal->RowName() == "FRAME") {
+            signal->data[0] = 0;
+            signal->mask[0] = 1;
+        }
+    }
+    whole.ApplyFilter(0);
+    ASSERT_TRUE(whole.IsFiltered());
+    SaveTraceUnder(dir.File("copy.tra"), [&] { Choose("File/Save As..."); });
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("copy.tra")), nullptr);
+    ASSERT_NE(&Trace(), &whole);
+    ASSERT_EQ(Trace().RowCount(false), whole.RowCount(false));
+    for (std::int64_t row = 0; row < Trace().RowCount(false); ++row) {
+        ASSERT_EQ(Trace().RowToSample(row, false), whole.RowToSample(row, false));
+    }
 }
 
 TEST_F(InDemoMode, BlanksOfACommentAreKeptInTheTitle) {
