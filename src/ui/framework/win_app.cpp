@@ -30,6 +30,21 @@ bool SameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
+QStringList MenuNamesOf(const QStringList& paths) {
+    QStringList names;
+    for (const QString& path : paths) {
+        names << QFileInfo(path).fileName();
+    }
+    QStringList shown;
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const bool isAlone = names.count(names[i]) == 1;
+        const QString text =
+            isAlone ? names[i] : names[i] + " (" + QFileInfo(paths[i]).path() + ")";
+        shown << QString(text).replace('&', "&&"); // no mnemonic
+    }
+    return shown;
+}
+
 void CWinApp::AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added) {
     added->saved = [this](const std::string& path) { AddRecentFile(path); };
     templates_.push_back(std::move(added));

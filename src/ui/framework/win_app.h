@@ -10,6 +10,9 @@ namespace busquill {
 
 class Settings;
 
+/// The files' names for a menu, with the folder where several have the same name.
+[[nodiscard]] QStringList MenuNamesOf(const QStringList& paths);
+
 /// The application's templates and files. Main thread.
 class CWinApp {
 public:

@@ -284,6 +284,25 @@ TEST_F(InDemoMode, LastFourFilesStandInTheFileMenu) {
     EXPECT_NE(FindEntry(Frame(), "File/4 b.tra"), nullptr);
 }
 
+TEST_F(InDemoMode, RecentFilesOfOneNameShowTheirFolders) {
+    for (const char* name : {"monday", "tuesday"}) {
+        std::filesystem::create_directory(dir.File(name));
+        std::filesystem::copy(dir.File("Trigger2.tra"), dir.File(name + std::string("/run.tra")));
+        program->App().OpenDocumentFile(dir.File(name + std::string("/run.tra")));
+    }
+    std::filesystem::copy(dir.File("Trigger2.tra"), dir.File("a&b.tra"));
+    program->App().OpenDocumentFile(dir.File("a&b.tra"));
+    QStringList texts;
+    Entry("File/Exit"); // the menu has been opened
+    for (const QAction* action : Frame().menuBar()->actions().first()->menu()->actions()) {
+        texts << action->text();
+    }
+    const QString folder = QString::fromStdString(dir.Path());
+    EXPECT_TRUE(texts.contains("&1 a&&b.tra"));
+    EXPECT_TRUE(texts.contains("&2 run.tra (" + folder + "/tuesday)"));
+    EXPECT_TRUE(texts.contains("&3 run.tra (" + folder + "/monday)"));
+}
+
 TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
     Choose("File/New/Capture/State");
     program->App().AddTraceFrame(Trace(), TraceViewKind::Waveform);
