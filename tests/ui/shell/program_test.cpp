@@ -121,6 +121,14 @@ TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
     // A file that is open already has its windows.
     program->App().OpenDocumentFile(dir.File("both.tra"));
     EXPECT_EQ(Windows().size(), 6);
+    // The window that is worked in stays as large as it is.
+    Active().showMaximized();
+    dir.Write("third.tra", both);
+    program->App().OpenDocumentFile(dir.File("third.tra"));
+    EXPECT_TRUE(Active().windowTitle().startsWith("Trace - third"));
+    EXPECT_TRUE(Active().isMaximized());
+    EXPECT_FALSE(Windows().last()->isMaximized());
+    EXPECT_EQ(Windows().last()->size(), QSize(560, 360));
 }
 
 TEST_F(InDemoMode, AFileWithoutPowerZoomSamplesHasOneWindow) {
