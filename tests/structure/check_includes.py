@@ -20,7 +20,7 @@ UI = {
     "patterns": {"framework", "controls", "signals"},
     "tracesetup": {"framework", "patterns"},
     "capture": {"framework"},
-    "display": {"framework", "patterns", "capture"},
+    "display": {"framework", "controls", "patterns", "capture"},
     "shell": {"framework", "link", "signals", "tracesetup", "capture", "display"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)

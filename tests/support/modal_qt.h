@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QTimer>
 #include <QtTest/QTest>
 #include <gtest/gtest.h>
@@ -71,6 +72,19 @@ inline void GiveFileName(QFileDialog& files, const std::string& name) {
             QTest::mouseClick(button, Qt::LeftButton);
         }
     }
+}
+
+/// The same with the name of a file that is there: asked, it is to be replaced.
+inline void ReplaceFile(QFileDialog& files, const std::string& name) {
+    auto* timer = new QTimer(&files);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            timer->stop();
+            QTest::mouseClick(box->button(QMessageBox::Yes), Qt::LeftButton);
+        }
+    });
+    timer->start(5);
+    GiveFileName(files, name);
 }
 
 } // namespace busquill::test

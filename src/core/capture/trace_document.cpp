@@ -62,6 +62,7 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
         return false;
     }
     context_.fileWantsStateView = contents.stateList;
+    context_.fileWantsZoomView = contents.zoomSamples;
     setupName = setup.name;
     fileName = BaseNameOf(path);
     RebuildMapsFromFile();
@@ -70,6 +71,12 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
 
 bool CTesselDoc::OnSaveDocument(const std::string& path) {
     return context_.saveTrace && context_.saveTrace(*this, path);
+}
+
+void CTesselDoc::OnSaved(const std::string& path) {
+    if (isRealTime_) {
+        CDocument::OnSaved(path);
+    }
 }
 
 CSampleStore& CTesselDoc::GetStore() noexcept {
@@ -88,13 +95,19 @@ std::optional<SampleRecord> CTesselDoc::GetSample(std::int64_t index, bool zoom)
     return zoom ? GetStore().GetZoomSample(i) : GetStore().GetSample(i);
 }
 
+/// What is captured next belongs into another file.
+void CTesselDoc::ForgetSamples() {
+    filterPattern.BuildFromTables(1, ModeEvents);
+    RebuildMaps(0, 0);
+    markers_.fill(-1);
+    SetPathName("");
+    SetModifiedFlag();
+}
+
 void CTesselDoc::OnCaptureStarted() {
     captureActive_ = true;
-    filterPattern.BuildFromTables(1, ModeEvents);
     GetStore().SetObserver(nullptr);
-    RebuildMaps(0, 0);
-    SetModifiedFlag();
-    markers_.fill(-1);
+    ForgetSamples();
     UpdateAllViews(nullptr, HintCaptureStarted);
     hasData_ = true;
 }
@@ -109,12 +122,12 @@ void CTesselDoc::OnCaptureStopped() {
 void CTesselDoc::ClearData() {
     GetStore().CancelUpload();
     GetStore().FreeSamples();
-    filterPattern.BuildFromTables(1, ModeEvents);
-    RebuildMaps(0, 0);
-    markers_.fill(-1);
+    ForgetSamples();
     captureActive_ = false; // nobody may have looked since the capture ended
     hasData_ = false;
-    UpdateAllViews(nullptr, HintCaptureStarted); // the board's memory is as good as empty
+    // The same as after a capture that ended without samples.
+    UpdateAllViews(nullptr, HintCaptureStarted);
+    UpdateAllViews(nullptr, HintCaptureStopped);
 }
 
 void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {

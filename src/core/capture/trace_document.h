@@ -59,6 +59,7 @@ struct NewTraceContext {
     TraceViewKind traceViewKind = TraceViewKind::Waveform;
     bool newDocRealTime = false;
     bool fileWantsStateView = false; // set by the loader
+    bool fileWantsZoomView = false;  // likewise
     CTesselDoc* cloneSource = nullptr;
     CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
     /// Asks for a range and saves it; false when the user cancels.
@@ -77,6 +78,10 @@ public:
     bool OnNewDocument() override;
     bool OnOpenDocument(const std::string& path) override;
     bool OnSaveDocument(const std::string& path) override;
+    /// What is saved of a file is a copy, perhaps of a part: the document stays that of its file.
+    void OnSaved(const std::string& path) override;
+    /// A live trace goes on; what has been saved of it is a file like any other.
+    [[nodiscard]] bool ShowsItsFile() const override { return !isRealTime_; }
 
     [[nodiscard]] bool IsRealTime() const noexcept { return isRealTime_; }
     [[nodiscard]] bool LoadedFromFile() const noexcept { return loadedFromFile_; }
@@ -152,6 +157,7 @@ public:
 
 private:
     void BuildDefaultLists();
+    void ForgetSamples();
     void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);

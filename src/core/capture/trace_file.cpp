@@ -164,7 +164,7 @@ TraceFileContents ReadTraceFile(CTesselDoc& document, const std::string& path, P
         prompts.Message(Printf(fileVersionMissing, fileVersion));
         return {};
     }
-    return {true, reader.Parser().HasStateList()};
+    return {true, reader.Parser().HasStateList(), document.store.HasZoom()};
 }
 
 } // namespace busquill

@@ -12,7 +12,8 @@ class Prompts;
 /// What a trace file holds beyond its samples.
 struct TraceFileContents {
     bool loaded = false;
-    bool stateList = false; // the file asks for the State display
+    bool stateList = false;   // the file asks for the State display
+    bool zoomSamples = false; // and for a Power Zoom window
 };
 
 /// Reads a trace file into a new document. Reports in its own words and loads nothing when the

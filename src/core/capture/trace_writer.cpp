@@ -45,7 +45,14 @@ std::optional<std::string> CheckSaveRange(std::int64_t first, std::int64_t last,
 
 TraceFileWriter::TraceFileWriter(CTesselDoc& document)
     : document_(document), store_(document.GetStore()), before_(store_.SamplesBefore()),
-      after_(store_.SamplesAfter()) {}
+      after_(store_.SamplesAfter()), hasSamples_(before_ >= 1 || after_ >= 1) {
+    if (document.LoadedFromFile()) {
+        const std::int64_t count = store_.GetCount(false);
+        hasSamples_ = count > 0;
+        before_ = hasSamples_ ? -std::int64_t{store_.FirstNumber()} : 0;
+        after_ = hasSamples_ ? count - 1 - before_ : 0;
+    }
+}
 
 bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::int64_t last) {
     if (!file_.CreateBeside(path)) {
@@ -78,6 +85,10 @@ TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
         const auto sample = static_cast<std::uint32_t>(next_);
         const std::size_t come = store_.CopySamples(sample, std::span(records).first(wanted));
         if (come == 0) {
+            if (document_.LoadedFromFile()) {
+                next_ = (next_ / blockSamples + 1) * blockSamples; // a gap, which nothing fills
+                continue;
+            }
             // In this order, so that the last block of an upload is not taken for missing.
             const bool mayCome = store_.IsUploading();
             if (store_.HasSample(sample)) {

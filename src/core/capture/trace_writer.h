@@ -30,10 +30,11 @@ public:
 
     explicit TraceFileWriter(CTesselDoc& document);
 
-    /// The counts on the two sides of the trigger, as they were when the writer was made.
+    /// The counts on the two sides of the trigger, as they were when the writer was made. One is
+    /// negative for a file that does not reach to its trigger: samples keep their numbers.
     [[nodiscard]] std::int64_t Before() const noexcept { return before_; }
     [[nodiscard]] std::int64_t After() const noexcept { return after_; }
-    [[nodiscard]] bool HasSamples() const noexcept { return before_ >= 1 || after_ >= 1; }
+    [[nodiscard]] bool HasSamples() const noexcept { return hasSamples_; }
 
     /// Creates the file and writes all that stands before the samples of a range of numbers. False
     /// when it cannot be created.
@@ -57,6 +58,7 @@ private:
     CSampleStore& store_;
     std::int64_t before_;
     std::int64_t after_;
+    bool hasSamples_;
     TextWriter file_;
     std::int64_t next_ = 0; // indexes into the store
     std::int64_t end_ = -1;

@@ -37,6 +37,7 @@ public:
 
     [[nodiscard]] const std::string& GetPathName() const noexcept { return path_; }
     void SetPathName(std::string path) { path_ = std::move(path); }
+    /// What the document is called while it has no path.
     [[nodiscard]] const std::string& GetTitle() const noexcept { return title_; }
     void SetTitle(std::string title) { title_ = std::move(title); }
     [[nodiscard]] bool IsModified() const noexcept { return modified_; }
@@ -48,6 +49,13 @@ public:
     virtual bool OnOpenDocument(const std::string& path) = 0;
     /// Writes the file; reports in its own words and returns false when it cannot.
     virtual bool OnSaveDocument(const std::string& path) = 0;
+    /// The file has been written: it is the document's from here on.
+    virtual void OnSaved(const std::string& path) {
+        SetPathName(path);
+        SetModifiedFlag(false);
+    }
+    /// Whether the document is what its file holds, so that to open the file is to look at it.
+    [[nodiscard]] virtual bool ShowsItsFile() const { return true; }
 
 private:
     std::vector<DocumentView*> views_;

@@ -163,7 +163,8 @@ std::vector<SetupFileEntry> FindSetupFiles(const std::string& directory) {
     std::vector<SetupFileEntry> found;
     std::error_code error;
     for (const auto& file : std::filesystem::directory_iterator(directory, error)) {
-        if (file.path().extension() == ".tsp" && file.is_regular_file(error)) {
+        if (EqualIgnoringCase(file.path().extension().string(), ".tsp") &&
+            file.is_regular_file(error)) {
             found.push_back({file.path().string(), SetupNameOf(file.path().string())});
         }
     }

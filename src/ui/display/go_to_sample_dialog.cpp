@@ -1,17 +1,16 @@
 #include "ui/display/go_to_sample_dialog.h"
 
+#include "ui/controls/number_field.h"
+
 #include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QSpinBox>
 
 #include <algorithm>
-#include <limits>
 
 namespace busquill {
 
-CGoToSampleDlg::CGoToSampleDlg(QWidget* parent) : QDialog(parent), number_(new QSpinBox) {
+CGoToSampleDlg::CGoToSampleDlg(QWidget* parent) : QDialog(parent), number_(new NumberField) {
     setWindowTitle("Go to Sample");
-    number_->setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
     number_->setValue(0);
     number_->selectAll();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);

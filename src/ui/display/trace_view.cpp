@@ -209,6 +209,9 @@ void CTraceView::OnInitialUpdate() {
         ShowSample(trigger);
     }
     ShowWholeCapture();
+    if (Trace().CaptureActive()) {
+        ShowFilling();
+    }
     if (frame_ != nullptr) {
         frame_->GetGauge().SetMarker1(Trace().Marker(1, isZoom_));
         frame_->GetGauge().SetMarker2(Trace().Marker(2, isZoom_));
@@ -217,6 +220,9 @@ void CTraceView::OnInitialUpdate() {
         }
     }
     ShowTimes();
+    if (Trace().CaptureActive()) {
+        Tick(); // as far as it is
+    }
 }
 
 void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* object) {
@@ -295,17 +301,23 @@ void CTraceView::MarkerChanged(int which) {
     }
 }
 
-/// The gauge shows the board's memory while it fills.
 void CTraceView::CaptureStarted() {
     showStatus_ = parts_.settings.GetProfileInt(SettingsSection::display,
                                                 SettingsKey::showTraceStatus, 0) != 0;
     SetScrollBars();
     ScrollToSample(0);
     display_->Render(true);
+    if (frame_ != nullptr) {
+        frame_->SetCounters(0, 0);
+    }
+    ShowFilling();
+}
+
+/// The gauge shows the board's memory while it fills.
+void CTraceView::ShowFilling() {
     if (frame_ == nullptr || parts_.link == nullptr) {
         return;
     }
-    frame_->SetCounters(0, 0);
     constexpr std::int64_t kilo = 1024;
     const std::int64_t total = parts_.link->Identity().bufferSizeK * kilo;
     CPositionGauge& gauge = frame_->GetGauge();

@@ -104,6 +104,7 @@ private:
     void RefreshFrameName();
     void ShowTimes();
     void CaptureStarted();
+    void ShowFilling();
     void ShowWholeCapture();
     void ReportWindow();
     void Tick();

@@ -47,7 +47,6 @@ CDocument* CMultiDocTemplate::OpenDocumentFile(const std::optional<std::string>&
     }
     if (path) {
         document.SetPathName(*path);
-        document.SetTitle(std::string(FileNameOf(*path)));
     }
     document.SetModifiedFlag(false);
     documents_.push_back(std::move(made));
@@ -92,9 +91,11 @@ bool CMultiDocTemplate::SaveModified(CDocument& document) {
 bool CMultiDocTemplate::DoSave(CDocument& document, bool askForPath) {
     std::string path = document.GetPathName();
     if (path.empty() || askForPath) {
+        const std::string proposed =
+            path.empty() ? document.GetTitle() + strings_.extension : std::string(FileNameOf(path));
         path = AskForFile(&area_,
                           {FileUse::Save, "Save As", strings_.filterName, strings_.extension,
-                           std::string(FolderOf(path)), std::string(FileNameOf(path))},
+                           std::string(FolderOf(path)), proposed},
                           prompts_);
         if (path.empty()) {
             return false;
@@ -103,9 +104,8 @@ bool CMultiDocTemplate::DoSave(CDocument& document, bool askForPath) {
     if (!document.OnSaveDocument(path)) {
         return false;
     }
-    document.SetPathName(path);
-    document.SetTitle(std::string(FileNameOf(path)));
-    document.SetModifiedFlag(false);
+    document.OnSaved(path);
+    saved(path);
     return true;
 }
 

@@ -65,6 +65,9 @@ public:
     /// Saves under the document's path, or asks for one.
     bool DoSave(CDocument& document, bool askForPath);
 
+    /// Set by the application: told of a file that has been written.
+    std::function<void(const std::string& path)> saved = [](const std::string&) {};
+
 private:
     [[nodiscard]] bool MayClose(const CMDIChildWnd& frame);
     void FrameClosed(const CMDIChildWnd* frame, CDocument* document);

@@ -30,6 +30,26 @@ bool SameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
+QStringList MenuNamesOf(const QStringList& paths) {
+    QStringList names;
+    for (const QString& path : paths) {
+        names << QFileInfo(path).fileName();
+    }
+    QStringList shown;
+    for (qsizetype i = 0; i < paths.size(); ++i) {
+        const bool isAlone = names.count(names[i]) == 1;
+        const QString text =
+            isAlone ? names[i] : names[i] + " (" + QFileInfo(paths[i]).path() + ")";
+        shown << QString(text).replace('&', "&&"); // no mnemonic
+    }
+    return shown;
+}
+
+void CWinApp::AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added) {
+    added->saved = [this](const std::string& path) { AddRecentFile(path); };
+    templates_.push_back(std::move(added));
+}
+
 CMultiDocTemplate* CWinApp::TemplateOf(const CDocument& document) const {
     for (const auto& each : templates_) {
         for (const auto& owned : each->Documents()) {
@@ -45,7 +65,8 @@ CDocument* CWinApp::OpenDocumentFile(const std::string& path) {
     CMultiDocTemplate* fitting = nullptr;
     for (const auto& each : templates_) {
         for (CMDIChildWnd* frame : each->Frames()) {
-            if (SameFile(frame->GetDocument().GetPathName(), path)) {
+            if (frame->GetDocument().ShowsItsFile() &&
+                SameFile(frame->GetDocument().GetPathName(), path)) {
                 frame->mdiArea()->setActiveSubWindow(frame);
                 return &frame->GetDocument();
             }

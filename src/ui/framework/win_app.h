@@ -10,6 +10,9 @@ namespace busquill {
 
 class Settings;
 
+/// The files' names for a menu, with the folder where several have the same name.
+[[nodiscard]] QStringList MenuNamesOf(const QStringList& paths);
+
 /// The application's templates and files. Main thread.
 class CWinApp {
 public:
@@ -36,9 +39,7 @@ public:
     void AddRecentFile(const std::string& path);
 
 protected:
-    void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added) {
-        templates_.push_back(std::move(added));
-    }
+    void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added);
     void CloseTemplates() { templates_.clear(); }
 
     Settings& settings_;

@@ -29,10 +29,6 @@ constexpr int usualHeight = 420;
 
 constexpr const char* newSetup = "<New>";
 
-bool IsGone(const std::string& path) {
-    return !path.empty() && !QFile::exists(QString::fromStdString(path));
-}
-
 } // namespace
 
 CChildFrame::CChildFrame(const Parts& parts, CTesselDoc& document, TraceViewKind kind,
@@ -99,7 +95,7 @@ void CChildFrame::SetTitleName(const std::string& name) {
 
 void CChildFrame::SetComment(const std::string& text) {
     // A title has one line; a description may have several.
-    titleComment_ = QString::fromStdString(text).simplified();
+    titleComment_ = QString::fromStdString(text).replace("\r\n", " ").replace('\n', ' ');
     UpdateTitle();
 }
 
@@ -146,13 +142,15 @@ void CChildFrame::ShowSetupName() {
     const QString name = QString::fromStdString(Trace().setupName);
     if (Trace().IsRealTime()) {
         const QString path = QString::fromStdString(Trace().setupPath);
-        if (!path.isEmpty() && box.findData(path) < 0) {
-            FillSetupBox(); // another frame has gone to another folder
+        const auto isIn = [&] {
+            const int own = box.findData(path);
+            return own >= 0 && box.itemText(own) == name;
+        };
+        if (!path.isEmpty() && !isIn()) {
+            FillSetupBox(); // another frame has gone to another folder, or written the file
         }
         // Of two setups of the same name, the document's own.
-        const int own = box.findData(path);
-        const bool isOwn = own >= 0 && box.itemText(own) == name;
-        box.setCurrentIndex(isOwn ? own : box.findText(name));
+        box.setCurrentIndex(isIn() ? box.findData(path) : box.findText(name));
     } else {
         box.clear();
         box.addItem(name);
@@ -186,8 +184,7 @@ void CChildFrame::EditSetup(const std::string& path) {
                               [&document] { return document.GetStore().IsRunning(); },
                               help(HelpTopic::TraceSetup), help(HelpTopic::SetupWizard)});
     const bool accepted = dialog.exec() == QDialog::Accepted && document.IsRealTime();
-    const bool isSaved = dialog.IsInFile() && dialog.Path() != path;
-    if (accepted && (dialog.IsModified() || isSaved) && !document.GetStore().IsRunning()) {
+    if (accepted && (dialog.IsModified() || dialog.IsSaved()) && !document.GetStore().IsRunning()) {
         if (dialog.IsModified()) {
             document.ClearData();
         }
@@ -196,15 +193,20 @@ void CChildFrame::EditSetup(const std::string& path) {
         RememberSetupFile(dialog.Path());
     }
     FillSetupBox();
-    // Go reads the chosen file again: one that does not hold the setup must not stay chosen.
-    if (accepted && isSaved) {
-        document.SetSetupName(dialog.Path(), SetupNameOf(dialog.Path()));
-    } else if ((accepted && !dialog.IsInFile()) || IsGone(document.setupPath)) {
-        document.SetSetupName("", newSetup);
-    } else {
+    if (!document.IsRealTime()) {
         ShowSetupName();
+    } else if (!accepted) {
+        ChooseSetupFile(document.setupPath); // which may have been written or deleted
+    } else {
+        // Go reads the chosen file again: one that does not hold the setup must not stay chosen.
+        ChooseSetupFile(dialog.IsInFile() ? dialog.Path() : "");
     }
     FocusView();
+}
+
+void CChildFrame::ChooseSetupFile(const std::string& path) {
+    const bool exists = QFile::exists(QString::fromStdString(path));
+    Trace().SetSetupName(exists ? path : "", exists ? SetupNameOf(path) : newSetup);
 }
 
 void CChildFrame::RememberSetupFile(const std::string& path) {

@@ -59,6 +59,8 @@ private:
     void SetupChosen();
     /// The dialog, on the document's setup, which came from a file or from none.
     void EditSetup(const std::string& path);
+    /// The file that Go reads; none, where it does not exist.
+    void ChooseSetupFile(const std::string& path);
     void RememberSetupFile(const std::string& path);
     void OnGo();
     void OnStop();

@@ -83,7 +83,7 @@ constexpr Command commands[] = {
     {CommandId::FileClose,            "&File",                   "&Close",                "Close the active window", "", "", [](State s) { return s.hasWindows; }},
     {CommandId::None,                 "&File",                   "", "", "", "", Never},
     {CommandId::FileSave,             "&File",                   "&Save",                 "Save the active document", "save", "Ctrl+S", [](State s) { return s.canSave; }},
-    {CommandId::FileSaveAs,           "&File",                   "Save &As...",           "Save the active document under another name", "", "", [](State s) { return s.canSave; }},
+    {CommandId::FileSaveAs,           "&File",                   "Save &As...",           "Save the active document under another name", "", "", [](State s) { return s.hasDocument; }},
     {CommandId::None,                 "&File",                   "", "", "", "", Never},
     {CommandId::Print,                "&File",                   "&Print...",             "Print the active document", "print", "Ctrl+P", NotYet},
     {CommandId::PrintPreview,         "&File",                   "Print Pre&view",        "Show how the active document is printed", "", "", NotYet},

@@ -16,7 +16,6 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
-#include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
@@ -270,10 +269,11 @@ void CMainFrame::FillDynamicEntries() {
     if (app_ == nullptr) {
         return;
     }
-    int number = 1;
-    for (const QString& path : app_->RecentFiles()) {
-        auto* action =
-            new QAction(QString("&%1 %2").arg(number++).arg(QFileInfo(path).fileName()), this);
+    const QStringList recent = app_->RecentFiles();
+    const QStringList names = MenuNamesOf(recent);
+    for (qsizetype i = 0; i < recent.size(); ++i) {
+        const QString& path = recent[i];
+        auto* action = new QAction(QString("&%1 %2").arg(i + 1).arg(names[i]), this);
         action->setStatusTip(path);
         connect(action, &QAction::triggered, this, [this, path] {
             app_->OpenDocumentFile(path.toStdString());
@@ -282,7 +282,7 @@ void CMainFrame::FillDynamicEntries() {
         menus_["&File"]->insertAction(recentMark_, action);
         dynamicActions_ << action;
     }
-    number = 1;
+    int number = 1;
     for (QMdiSubWindow* window : area_->subWindowList()) {
         auto* action =
             new QAction(QString("&%1 %2").arg(number++).arg(window->windowTitle()), this);

@@ -10,6 +10,7 @@
 #include <QMdiArea>
 
 #include <algorithm>
+#include <utility>
 
 namespace busquill {
 
@@ -70,7 +71,20 @@ CDocument* CTesselApp::OpenDocumentFile(const std::string& path) {
             frame->SwitchDisplay(true);
         }
     }
+    OpenZoomFrame(document);
     return document;
+}
+
+/// The window of the Power Zoom samples, where a file that has just been opened holds some. The
+/// capture's own window stays the active one.
+void CTesselApp::OpenZoomFrame(CDocument* document) {
+    auto* trace = dynamic_cast<CTesselDoc*>(document);
+    if (!std::exchange(context.fileWantsZoomView, false) || trace == nullptr) {
+        return;
+    }
+    QMdiSubWindow* const own = area_.activeSubWindow();
+    AddTraceFrame(*trace, TraceViewKind::PowerZoom);
+    area_.setActiveSubWindow(own);
 }
 
 void CTesselApp::DocumentChanged() {
@@ -129,9 +143,10 @@ CDocument* CTesselApp::RealTimeDocument() const {
 
 bool CTesselApp::OpenStoredCapture(const char* name) {
     context.newDocRealTime = false;
-    const bool opened = TraceTemplate().OpenDocumentFile(directory_.FilePath(name)) != nullptr;
+    CDocument* document = TraceTemplate().OpenDocumentFile(directory_.FilePath(name));
     context.fileWantsStateView = false;
-    return opened;
+    OpenZoomFrame(document);
+    return document != nullptr;
 }
 
 void CTesselApp::RefuseClone() {

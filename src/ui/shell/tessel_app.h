@@ -33,7 +33,8 @@ public:
 
     void NewStateTrace() { NewTrace(TraceViewKind::State, "Trigger2.tra"); }
     void NewWaveformTrace() { NewTrace(TraceViewKind::Waveform, "Trigger1.tra"); }
-    /// Opens a file; a trace file with a state list is shown as State.
+    /// Opens a file; a trace file with a state list is shown as State, one with Power Zoom samples
+    /// has a window of them too.
     CDocument* OpenDocumentFile(const std::string& path) override;
     /// Redraws every document's views.
     void DocumentChanged();
@@ -58,6 +59,7 @@ private:
     [[nodiscard]] CDocument* RealTimeDocument() const;
     [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);
     [[nodiscard]] bool OpenStoredCapture(const char* name);
+    void OpenZoomFrame(CDocument* document);
     void RefuseClone();
     [[nodiscard]] CMultiDocTemplate& TraceTemplate() const { return *Templates().front(); }
 

@@ -66,6 +66,7 @@ CTraceBar::CTraceBar(QWidget* parent)
     setupBox_->setMinimumContentsLength(setupBoxCharacters);
     setupBox_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setupBox_->setFocusPolicy(Qt::ClickFocus);
+    setupBox_->installEventFilter(this);
     indicator_->setObjectName("Indicator");
     before_->setToolTip("Samples before the trigger");
     after_->setToolTip("Samples after the trigger");
@@ -147,6 +148,12 @@ QSize CTraceBar::sizeHint() const {
 
 void CTraceBar::resizeEvent(QResizeEvent* /*event*/) {
     PlaceParts();
+}
+
+/// A choice sends a setup to the board, so the wheel makes none that is not meant.
+bool CTraceBar::eventFilter(QObject* watched, QEvent* event) {
+    return (event->type() == QEvent::Wheel && !setupBox_->hasFocus()) ||
+           QWidget::eventFilter(watched, event);
 }
 
 void CTraceBar::PlaceParts() {

@@ -4,6 +4,7 @@
 #include "platform/text.h"
 #include "signals/signal.h"
 #include "ui/controls/color_button.h"
+#include "ui/controls/number_field.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,7 +12,6 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QSpinBox>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -26,7 +26,6 @@ enum Type { TypeAll, TypeBus, TypeDecoded, TypeDefined };
 int lastType = TypeAll; // main thread
 
 constexpr int nameCharacters = 20;
-constexpr int largestEntry = 9999;
 
 std::string RangeName(const CBusSignalDef& def, std::int32_t high, std::int32_t low) {
     return def.Width() > 1 ? Printf("%s[%d:%d]", def.name.c_str(), high, low) : def.name;
@@ -35,11 +34,10 @@ std::string RangeName(const CBusSignalDef& def, std::int32_t high, std::int32_t 
 } // namespace
 
 /// A number whose arrows stay within a definition's positions, while anything can be typed.
-class CChangeSignalDialog::RangeField final : public QSpinBox {
+class CChangeSignalDialog::RangeField final : public NumberField {
 public:
     explicit RangeField(const char* name) {
         setObjectName(name);
-        setRange(-largestEntry, largestEntry);
         Clear();
     }
     void Offer(int first, int last, int present) {
@@ -55,7 +53,10 @@ public:
         setValue(minimum());
         setEnabled(false);
     }
-    void stepBy(int steps) override { setValue(std::clamp(value() + steps, first_, last_)); }
+    void stepBy(int steps) override {
+        const std::int64_t next = std::int64_t{value()} + steps;
+        setValue(static_cast<int>(std::clamp<std::int64_t>(next, first_, last_)));
+    }
 
 private:
     int first_ = 0;

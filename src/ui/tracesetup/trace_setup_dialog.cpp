@@ -255,6 +255,7 @@ void CTraceSetupDialog::OnSave() {
     inFile_ = SaveSetupFile(setup_, path, parts_.prompts);
     if (inFile_) {
         path_ = path;
+        saved_ = true;
     }
 }
 

@@ -44,6 +44,8 @@ public:
     [[nodiscard]] bool IsModified() const noexcept { return modified_; }
     /// Whether the file at Path holds the setup as it is, name and description included.
     [[nodiscard]] bool IsInFile() const noexcept { return inFile_; }
+    /// Whether a file has been written.
+    [[nodiscard]] bool IsSaved() const noexcept { return saved_; }
     /// The file that the setup was last saved to or read from, or the one given.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
@@ -72,6 +74,7 @@ private:
     const Parts parts_;
     bool modified_ = false;
     bool inFile_;
+    bool saved_ = false;
 
     QLineEdit* name_;
     QPlainTextEdit* description_;

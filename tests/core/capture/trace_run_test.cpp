@@ -275,7 +275,7 @@ TEST_F(TraceRunTest, AClearedTraceStaysEmpty) {
     document->AddView(&view);
     document->ClearData();
     document->RemoveView(&view);
-    EXPECT_EQ(view.hints, std::vector<int>{HintCaptureStarted});
+    EXPECT_EQ(view.hints, (std::vector<int>{HintCaptureStarted, HintCaptureStopped}));
     EXPECT_FALSE(document->CaptureActive());
     EXPECT_FALSE(document->HasData());
     EXPECT_EQ(document->SampleCount(false), 0);

@@ -166,6 +166,46 @@ TEST_F(TraceWriterTest, AFileThatWasFilteredKeepsItsGapsAndNumbers) {
     EXPECT_THAT(ReadWholeFile(Path()), HasSubstr("\"Trace Data\",-5,5\n" + rows + "\"End"));
 }
 
+TEST_F(TraceWriterTest, ACaptureFromAFileKeepsItsNumbersWhereverTheTriggerIs) {
+    context.newDocRealTime = false;
+    const std::pair<int, int> ranges[] = {{0, 0}, {-20, -10}, {10, 20}, {-3, 90}};
+    for (const auto& [first, last] : ranges) {
+        NewDocument();
+        // Only the ends: where a file has gaps, nothing is still to come.
+        std::string rows = std::to_string(first) + ",7,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
+        if (first != last) {
+            rows += std::to_string(last) + ",9,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
+        }
+        const std::string data = "\"Trace Data\"," + std::to_string(first) + "," +
+                                 std::to_string(last) + "\n" + rows + "\"End of Trace Data\"\n";
+        ASSERT_TRUE(document->OnOpenDocument(
+            dir.Write("in.tra", "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" + data)));
+        TraceFileWriter writer(*document);
+        EXPECT_TRUE(writer.HasSamples());
+        EXPECT_EQ(-writer.Before(), first);
+        EXPECT_EQ(writer.After(), last);
+        ASSERT_TRUE(writer.Begin(Path(), first, last));
+        ASSERT_EQ(writer.Write(1000), Step::Done) << first;
+        EXPECT_THAT(ReadWholeFile(Path()), testing::EndsWith("\n" + data));
+    }
+}
+
+TEST_F(TraceWriterTest, AFileWithoutSamplesCanBeCopied) {
+    context.newDocRealTime = false;
+    const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
+    for (const char* data : {"", "\"Trace Data\",5,3\n\"End of Trace Data\"\n"}) {
+        NewDocument();
+        ASSERT_TRUE(document->OnOpenDocument(dir.Write("in.tra", header + data)));
+        TraceFileWriter writer(*document);
+        EXPECT_FALSE(writer.HasSamples());
+        EXPECT_EQ(CheckSaveRange(-writer.Before(), writer.After(), writer.Before(), writer.After()),
+                  std::nullopt);
+        ASSERT_TRUE(writer.Begin(Path(), 0, 0));
+        EXPECT_EQ(writer.Write(10), Step::Done);
+        EXPECT_EQ(Load()->SampleCount(false), 0);
+    }
+}
+
 TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);

@@ -188,6 +188,8 @@ TEST_F(SetupFile, AreFoundByTheirNames) {
     EXPECT_EQ(found[1].name, "setup of b.tsp");
     EXPECT_EQ(found[2].name, "c") << "a file that gives no name";
     EXPECT_TRUE(FindSetupFiles(dir.File("nowhere")).empty());
+    dir.Write("UPPER.TSP", "\"Name\",\"loud\"\n");
+    EXPECT_EQ(FindSetupFiles(dir.Path()).front().name, "loud");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // A live capture through the program's windows, against the simulated board.
 
 #include "support/live_frame_fixture_qt.h"
+#include "support/save_trace_qt.h"
 #include "tracesetup/setup_file.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/capture/save_trace_dialog.h"
@@ -191,6 +192,84 @@ TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
     waveform.close();
     ASSERT_TRUE(Complete());
     EXPECT_EQ(Trace().SampleCount(false), 1024);
+}
+
+TEST_F(LiveCapture, ADisplaySwitchedDuringTheRunKeepsTheGauge) {
+    Connect({"--buffer", "64", "--rate", "20000"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Bar().Gauge().State().after > 1000; }));
+    const GaugeState before = Bar().Gauge().State();
+    const auto expectFilling = [&](CChildFrame& filling) {
+        const GaugeState& now = filling.Bar().Gauge().State();
+        EXPECT_EQ(now.total, 64 * 1024);
+        EXPECT_EQ(now.trigger, before.trigger);
+        EXPECT_GE(now.before, before.before);
+        EXPECT_GE(now.after, before.after);
+        EXPECT_EQ(now.windowFirst, -1);
+        EXPECT_GE(filling.Bar().findChild<QLabel*>("After")->text().toInt(), before.after);
+    };
+    AnswerDialog<QDialog>([&] { QTest::mouseClick(&Bar().DisplayButton(), Qt::LeftButton); },
+                          [](QDialog& dialog) { dialog.accept(); });
+    ASSERT_FALSE(frame->IsStateFrame());
+    expectFilling(*frame);
+    Choose("File/New/Capture/State"); // and a second window shows the same
+    auto& second = dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+    ASSERT_NE(&second, frame);
+    expectFilling(second);
+    ASSERT_TRUE(Running());
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Bar().Gauge().State().total, Trace().SampleCount(false));
+    EXPECT_EQ(second.Bar().Gauge().State().total, Trace().SampleCount(false));
+    EXPECT_EQ(second.Bar().Gauge().State().after, -1);
+}
+
+TEST_F(LiveCapture, ANewRunForgetsTheFileOfTheOneBefore) {
+    Connect({"--buffer", "1"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::string path = dir.File("first.tra");
+    EXPECT_EQ(SaveTraceUnder(path, [&] { Choose("File/Save"); }), "Trace.tra");
+    EXPECT_NE(FindEntry(Frame(), "File/1 first.tra"), nullptr) << "among the recent files";
+    EXPECT_EQ(Trace().GetPathName(), path);
+    // Save again needs no name.
+    AnswerDialog<CSaveTraceDialog>([&] { Choose("File/Save"); }, [](CSaveTraceDialog&) {});
+
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::string saved = ReadWholeFile(path);
+    const std::string second = dir.File("second.tra");
+    EXPECT_EQ(SaveTraceUnder(second, [&] { Choose("File/Save"); }), "Trace.tra");
+    EXPECT_TRUE(ReadWholeFile(path) == saved) << "the first run is gone";
+    EXPECT_TRUE(std::filesystem::exists(second));
+    // So does a setup that empties the trace.
+    AnswerDialog<CTraceSetupDialog>(
+        [&] { QTest::mouseClick(&Bar().SetupButton(), Qt::LeftButton); },
+        [](CTraceSetupDialog& dialog) {
+            dialog.findChild<QComboBox*>("Trigger Position")->setCurrentIndex(0);
+            Press(dialog, "OK");
+        });
+    ASSERT_EQ(Trace().SampleCount(false), 0);
+    EXPECT_EQ(Trace().GetPathName(), "");
+    prompts.AnswerNext(Answer::No);
+    Close();
+    EXPECT_THAT(prompts.Texts(), testing::ElementsAre("Save changes to Trace?"));
+}
+
+TEST_F(LiveCapture, ASavedCaptureIsOpenedBesideTheLiveOne) {
+    Connect({"--buffer", "1"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::string path = dir.File("saved.tra");
+    SaveTraceUnder(path, [&] { Choose("File/Save As..."); });
+    auto* opened = dynamic_cast<CTesselDoc*>(program->App().OpenDocumentFile(path));
+    ASSERT_NE(opened, nullptr);
+    EXPECT_NE(opened, &Trace());
+    EXPECT_FALSE(opened->IsRealTime());
+    EXPECT_EQ(opened->SampleCount(false), Trace().SampleCount(false));
 }
 
 TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadLeavesTheProgramInOrder) {

@@ -160,6 +160,14 @@ TEST_F(LiveSearch, GoesToASampleByItsNumber) {
     };
     go(300);
     EXPECT_EQ(frame->TraceView().CenterSample(), Trace().Marker(0, false) + 300);
+    ChooseDialog<CGoToSampleDlg>("Search/Go to/Sample #", [](CGoToSampleDlg& dialog) {
+        auto& field = *dialog.findChild<QSpinBox*>();
+        QTest::keyClicks(&field, "500");
+        field.selectAll();
+        QTest::keyClick(&field, Qt::Key_Delete);
+        dialog.accept();
+    });
+    EXPECT_EQ(frame->TraceView().CenterSample(), Trace().Marker(0, false)) << "no number is 0";
     go(-1000000);
     EXPECT_EQ(frame->TraceView().TopSample(), 0);
     go(1000000);

@@ -14,6 +14,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTextBrowser>
+#include <QWheelEvent>
 #include <gmock/gmock.h>
 
 namespace busquill::test {
@@ -44,6 +45,17 @@ protected:
     static void ChooseFile(CTraceSetupDialog& dialog, const char* button, const std::string& name) {
         AnswerDialog<QFileDialog>([&] { Press(dialog, button); },
                                   [&](QFileDialog& files) { GiveFileName(files, name); });
+    }
+    /// Saves over a file that is there.
+    static void SaveOver(CTraceSetupDialog& dialog, const std::string& path) {
+        AnswerDialog<QFileDialog>([&] { Press(dialog, "Save"); },
+                                  [&](QFileDialog& files) { ReplaceFile(files, path); });
+    }
+    static void TurnWheel(QWidget& over) {
+        const QPointF middle = QRectF(over.rect()).center();
+        QWheelEvent event(middle, over.mapToGlobal(middle), {}, {0, -120}, Qt::NoButton, {},
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&over, &event);
     }
     /// Commands since a place in the board's log.
     std::vector<std::string> Sent(std::size_t since) {
@@ -157,6 +169,11 @@ TEST_F(LiveSetup, AnEditedSetupGoesToTheBoardAtOnce) {
     EXPECT_FALSE(Trace().HasData());
     EXPECT_EQ(Text("Before"), "0000000");
     EXPECT_EQ(Text("After"), "0000000");
+    // The gauge is as empty as the trace.
+    const QImage gauge = Bar().Gauge().grab().toImage();
+    for (int x = 1; x < gauge.width() - 1; ++x) {
+        ASSERT_EQ(gauge.pixelColor(x, gauge.height() / 2), QColor(0xC0, 0xC0, 0xC0)) << x;
+    }
     EXPECT_TRUE(Trace().IsModified());
     // Go would read the file again, which has not changed.
     EXPECT_EQ(Chosen(), "<New>");
@@ -217,6 +234,101 @@ TEST_F(LiveSetup, ASavedSetupIsInTheBoxOfEachFrame) {
     // It opens on that file.
     EditSetup([&](CTraceSetupDialog& dialog) { EXPECT_EQ(dialog.Path(), path); });
     EXPECT_EQ(Chosen(), "Mine");
+}
+
+TEST_F(LiveSetup, ASetupSavedOverItsOwnFileStaysChosen) {
+    for (const char* name : {"ConfigurationCycles.tsp", "TargetRetry.tsp"}) {
+        std::filesystem::copy(SourceFile("data/" + std::string(name)), dir.File(name));
+    }
+    Connect();
+    OpenFrame("Waveform");
+    CChildFrame* waveform = frame;
+    OpenFrame("State");
+    const std::pair<const char*, const char*> shipped[] = {
+        {"Configuration cycles", "ConfigurationCycles"},
+        {"Memory write", "MemoryWrite"},
+        {"Read after 100 writes", "ReadAfterWrites"},
+        {"Target retry", "TargetRetry"}};
+    for (const auto& [name, file] : shipped) {
+        const std::string path = dir.File(file + std::string(".tsp"));
+        ChooseSetup(name);
+        EditSetup([&](CTraceSetupDialog& dialog) {
+            SetExpression(dialog, "Store1", {"NONE", "E2", "OK"});
+            SaveOver(dialog, path);
+            Press(dialog, "OK");
+        });
+        EXPECT_EQ(Trace().setupPath, path);
+        EXPECT_EQ(Trace().setupName, file) << "as the file calls it now";
+        EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), path);
+        for (const CChildFrame* each : {frame, waveform}) {
+            EXPECT_EQ(each->Bar().SetupBox().currentText(), file);
+            EXPECT_EQ(each->Bar().SetupBox().currentData().toString().toStdString(), path);
+        }
+        EditSetup([&](CTraceSetupDialog& dialog) { EXPECT_EQ(dialog.Path(), path); });
+        EXPECT_EQ(Chosen(), file);
+        EXPECT_EQ(FormatExpression(Trace().setup.levels[0].storeExpr), "E2");
+    }
+}
+
+TEST_F(LiveSetup, ASetupSavedOverItsOwnFileAndCancelledStaysChosen) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        SetExpression(dialog, "Store1", {"NONE", "E2", "OK"});
+        SaveOver(dialog, dir.File("MemoryWrite.tsp"));
+        Press(dialog, "Cancel");
+    });
+    EXPECT_EQ(Chosen(), "MemoryWrite");
+    EXPECT_EQ(Trace().setupName, "MemoryWrite");
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].storeExpr), "All");
+    Go(); // reads what the file says now
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].storeExpr), "E2");
+    Stop();
+    ASSERT_TRUE(Complete());
+}
+
+TEST_F(LiveSetup, ADescriptionSavedOverItsOwnFileCountsAsSaved) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    EditSetup([&](CTraceSetupDialog& dialog) {
+        QTest::keyClicks(dialog.findChild<QPlainTextEdit*>(), "Mine: ");
+        SaveOver(dialog, dir.File("MemoryWrite.tsp"));
+        Press(dialog, "OK");
+    });
+    EXPECT_EQ(Chosen(), "MemoryWrite");
+    EXPECT_TRUE(Trace().IsModified());
+    Go();
+    EXPECT_TRUE(Trace().setup.description.starts_with("Mine: "));
+    Stop();
+    ASSERT_TRUE(Complete());
+}
+
+TEST_F(LiveSetup, TheWheelOverTheSetupBoxChangesNothing) {
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    const std::size_t sent = board->Functions().size();
+    ASSERT_FALSE(Bar().SetupBox().hasFocus());
+    TurnWheel(Bar().SetupBox());
+    EXPECT_EQ(Chosen(), "Memory write");
+    EXPECT_EQ(Trace().setupName, "Memory write");
+    EXPECT_THAT(Sent(sent), IsEmpty());
+    // Who has clicked into it turns it on purpose.
+    Bar().SetupBox().setFocus();
+    TurnWheel(Bar().SetupBox());
+    EXPECT_EQ(Trace().setupName, "Read after 100 writes");
+}
+
+TEST_F(LiveSetup, ASetupFileInCapitalsIsInTheBox) {
+    std::filesystem::copy(dir.File("MemoryWrite.tsp"), dir.File("UPPER.TSP"));
+    std::filesystem::remove(dir.File("MemoryWrite.tsp"));
+    Connect();
+    OpenFrame("State");
+    ChooseSetup("Memory write");
+    EXPECT_EQ(Trace().setupPath, dir.File("UPPER.TSP"));
+    EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "E1");
 }
 
 TEST_F(LiveSetup, ACancelledDialogSendsNothing) {

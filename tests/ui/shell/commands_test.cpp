@@ -134,6 +134,16 @@ TEST(Commands, UtilitiesThatExistAreAlwaysThere) {
     EXPECT_TRUE(Enabled(CommandId::About, state));
 }
 
+TEST(Commands, AnyDocumentCanBeSavedUnderAnotherName) {
+    CommandState state = On("PCIKite-1");
+    EXPECT_FALSE(Enabled(CommandId::FileSave, state) || Enabled(CommandId::FileSaveAs, state));
+    state.hasDocument = true; // such as a capture from a file
+    EXPECT_FALSE(Enabled(CommandId::FileSave, state));
+    EXPECT_TRUE(Enabled(CommandId::FileSaveAs, state));
+    state.canSave = true;
+    EXPECT_TRUE(Enabled(CommandId::FileSave, state));
+}
+
 TEST(Commands, WithoutAHandlerStayDisabled) {
     CommandState state = On("PCIKite-1");
     state.traceActive = state.hasDocument = state.canSave = state.hasWindows = true;

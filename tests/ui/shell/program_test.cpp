@@ -1,9 +1,11 @@
 #include "support/program_fixture_qt.h"
+#include "support/save_trace_qt.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
 #include "ui/display/wave_window.h"
 #include "ui/shell/child_frame.h"
 #include "ui/shell/help_window.h"
+#include "ui/shell/trace_bar.h"
 
 #include <QEventLoop>
 #include <QLabel>
@@ -84,9 +86,121 @@ TEST_F(InDemoMode, StateOpensItsStoredCapture) {
 
 TEST_F(InDemoMode, WaveformOpensItsStoredCapture) {
     Choose("File/New/Capture/Waveform");
-    ASSERT_EQ(Windows().size(), 1);
     EXPECT_FALSE(Active().IsStateFrame());
+    EXPECT_FALSE(Active().IsZoomFrame());
     EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger1.tra"));
+}
+
+TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
+    // Trigger2 has a state list; with Power Zoom samples, it has both.
+    const std::string zoom = ReadWholeFile(dir.File("Trigger1.tra"));
+    const std::string both = ReadWholeFile(dir.File("Trigger2.tra")) + "\n" +
+                             zoom.substr(zoom.find("\"Power Zoom Data\""));
+    dir.Write("both.tra", both);
+    struct Case {
+        std::function<void()> open;
+        bool isState;
+    };
+    const Case cases[] = {
+        {[&] { program->App().OpenDocumentFile(dir.File("Trigger1.tra")); }, false},
+        {[&] { program->App().OpenDocumentFile(dir.File("both.tra")); }, true},
+        {[&] { Choose("File/New/Capture/Waveform"); }, false}};
+    for (const Case& each : cases) {
+        const auto before = Windows().size();
+        each.open();
+        ASSERT_EQ(Windows().size(), before + 2);
+        EXPECT_FALSE(Active().IsZoomFrame()) << "the capture's own window is the active one";
+        EXPECT_EQ(Active().IsStateFrame(), each.isState);
+        auto& other = dynamic_cast<CChildFrame&>(*Windows().last());
+        EXPECT_TRUE(other.IsZoomFrame());
+        EXPECT_EQ(&other.Trace(), &Trace());
+        EXPECT_EQ(other.size(), QSize(560, 360));
+        EXPECT_EQ(other.Bar().findChild<QLabel*>("Before")->text(), "0000255");
+        EXPECT_EQ(other.Bar().findChild<QLabel*>("After")->text(), "0000255");
+    }
+    // A file that is open already has its windows.
+    program->App().OpenDocumentFile(dir.File("both.tra"));
+    EXPECT_EQ(Windows().size(), 6);
+    // The window that is worked in stays as large as it is.
+    Active().showMaximized();
+    dir.Write("third.tra", both);
+    program->App().OpenDocumentFile(dir.File("third.tra"));
+    EXPECT_TRUE(Active().windowTitle().startsWith("Trace - third"));
+    EXPECT_TRUE(Active().isMaximized());
+    EXPECT_FALSE(Windows().last()->isMaximized());
+    EXPECT_EQ(Windows().last()->size(), QSize(560, 360));
+}
+
+TEST_F(InDemoMode, AFileWithoutPowerZoomSamplesHasOneWindow) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    EXPECT_EQ(Windows().size(), 1);
+    // Nor does it inherit the wish of a file that could not be read to its end.
+    program->App().OpenDocumentFile(dir.Write("bad.tra", "\"Power Zoom Data\",255,256\n"
+                                                         "\"End of Power Zoom Data\"\n"));
+    Choose("File/New/Capture/State");
+    EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(InDemoMode, ACaptureFromAFileCanBeSavedAsACopy) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    EXPECT_FALSE(Entry("File/Save").isEnabled());
+    const std::string copy = dir.File("copy.tra");
+    const QString title = Active().windowTitle();
+    EXPECT_EQ(SaveTraceUnder(
+                  copy, [&] { Choose("File/Save As..."); },
+                  [](CSaveTraceDialog& dialog) { SetSaveRange(dialog, "10", "60"); }),
+              "Trigger2.tra");
+    // The window shows all of the file that it was opened from.
+    EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger2.tra"));
+    EXPECT_EQ(Active().windowTitle(), title);
+    CTesselDoc& whole = Trace();
+    ASSERT_NE(program->App().OpenDocumentFile(copy), nullptr);
+    ASSERT_NE(&Trace(), &whole);
+    EXPECT_EQ(Trace().SampleCount(false), 51);
+    EXPECT_EQ(Trace().FirstSampleNumber(false), 10);
+    for (int i = 0; i < 51; ++i) {
+        EXPECT_EQ(Trace().GetSample(i, false),
+                  whole.GetSample(whole.Marker(0, false) + 10 + i, false));
+    }
+    // A copy of the copy, where not even the trigger is left.
+    SaveTraceUnder(
+        dir.File("again.tra"), [&] { Choose("File/Save As..."); },
+        [](CSaveTraceDialog& dialog) {
+            EXPECT_EQ(dialog.findChild<QLineEdit*>("Start")->text(), "10");
+            EXPECT_EQ(dialog.findChild<QLineEdit*>("End")->text(), "60");
+        });
+    EXPECT_TRUE(ReadWholeFile(dir.File("again.tra")) == ReadWholeFile(copy));
+    EXPECT_NE(FindEntry(Frame(), "File/1 again.tra"), nullptr);
+    EXPECT_TRUE(prompts.Boxes().empty());
+}
+
+TEST_F(InDemoMode, AFilteredCaptureFromAFileIsCopiedAsItShows) {
+    program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
+    CTesselDoc& whole = Trace();
+    // Only what the pattern of one line lets through.
+    for (const auto& signal : whole.filterPattern.All()) {
+        if (signal->RowName() == "FRAME") {
+            signal->data[0] = 0;
+            signal->mask[0] = 1;
+        }
+    }
+    whole.ApplyFilter(0);
+    ASSERT_TRUE(whole.IsFiltered());
+    SaveTraceUnder(dir.File("copy.tra"), [&] { Choose("File/Save As..."); });
+    ASSERT_NE(program->App().OpenDocumentFile(dir.File("copy.tra")), nullptr);
+    ASSERT_NE(&Trace(), &whole);
+    ASSERT_EQ(Trace().RowCount(false), whole.RowCount(false));
+    for (std::int64_t row = 0; row < Trace().RowCount(false); ++row) {
+        ASSERT_EQ(Trace().RowToSample(row, false), whole.RowToSample(row, false));
+    }
+}
+
+TEST_F(InDemoMode, BlanksOfACommentAreKeptInTheTitle) {
+    std::string text = ReadWholeFile(dir.File("Trigger2.tra"));
+    const auto at = text.find("\"Description\"");
+    text.replace(at, text.find('\n', at) - at, "\"Description\",\"two  blanks\nand a line\"");
+    program->App().OpenDocumentFile(dir.Write("blanks.tra", text));
+    EXPECT_EQ(Active().windowTitle(), "Trace - blanks (two  blanks and a line)");
 }
 
 TEST_F(InDemoMode, TheSameCommandOpensTheCaptureOnceMore) {
@@ -131,7 +245,7 @@ TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
                                 "creating a new one.";
     EXPECT_EQ(prompts.Texts(), (std::vector<std::string>{refused, refused}));
     EXPECT_EQ(program->App().context.cloneSource, nullptr);
-    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(Windows().size(), 3); // one is the stored capture's Power Zoom window
 }
 
 TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
@@ -139,14 +253,15 @@ TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
     EXPECT_TRUE(Active().IsStateFrame());
     ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger1.tra")), nullptr);
     EXPECT_FALSE(Active().IsStateFrame());
-    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(Active().TraceView().Trace().GetPathName(), dir.File("Trigger1.tra"));
 }
 
 TEST_F(InDemoMode, OpenFileComesToTheFront) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
+    const auto windows = Windows().size();
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
-    EXPECT_EQ(Windows().size(), 2);
+    EXPECT_EQ(Windows().size(), windows);
     EXPECT_TRUE(Active().windowTitle().startsWith("Trace - Trigger2"));
 }
 
@@ -175,6 +290,25 @@ TEST_F(InDemoMode, LastFourFilesStandInTheFileMenu) {
     EXPECT_TRUE(files[0].endsWith("e.tra"));
     EXPECT_NE(FindEntry(Frame(), "File/1 e.tra"), nullptr);
     EXPECT_NE(FindEntry(Frame(), "File/4 b.tra"), nullptr);
+}
+
+TEST_F(InDemoMode, RecentFilesOfOneNameShowTheirFolders) {
+    for (const char* name : {"monday", "tuesday"}) {
+        std::filesystem::create_directory(dir.File(name));
+        std::filesystem::copy(dir.File("Trigger2.tra"), dir.File(name + std::string("/run.tra")));
+        program->App().OpenDocumentFile(dir.File(name + std::string("/run.tra")));
+    }
+    std::filesystem::copy(dir.File("Trigger2.tra"), dir.File("a&b.tra"));
+    program->App().OpenDocumentFile(dir.File("a&b.tra"));
+    QStringList texts;
+    Entry("File/Exit"); // the menu has been opened
+    for (const QAction* action : Frame().menuBar()->actions().first()->menu()->actions()) {
+        texts << action->text();
+    }
+    const QString folder = QString::fromStdString(dir.Path());
+    EXPECT_TRUE(texts.contains("&1 a&&b.tra"));
+    EXPECT_TRUE(texts.contains("&2 run.tra (" + folder + "/tuesday)"));
+    EXPECT_TRUE(texts.contains("&3 run.tra (" + folder + "/monday)"));
 }
 
 TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {

@@ -1,5 +1,6 @@
 #include "signals/signal_list.h"
 #include "support/board_tables.h"
+#include "support/modal_qt.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 #include "ui/controls/color_button.h"
@@ -143,6 +144,35 @@ TEST_F(ChangeSignal, AWrongRangeKeepsItOpen) {
     ASSERT_NE(dialog->chosenDef, nullptr);
     EXPECT_EQ(dialog->firstBit, 3);
     EXPECT_EQ(dialog->lastBit, 5);
+}
+
+TEST_F(ChangeSignal, RangesTakeAnyNumberThatIsTyped) {
+    Open(nullptr);
+    SetName("C/BE");
+    const auto type = [](QSpinBox& field, const QString& text) {
+        field.setFocus();
+        field.selectAll();
+        QTest::keyClick(&field, Qt::Key_Delete);
+        QTest::keyClicks(&field, text);
+    };
+    type(High(), "123456");
+    EXPECT_EQ(High().value(), 123456);
+    Press(*dialog, "OK");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("MSB must be <= 7."));
+    // An empty field is 0, not the number that stood in it.
+    type(High(), "5");
+    type(Low(), "3");
+    type(Low(), "");
+    Press(*dialog, "OK");
+    EXPECT_EQ(dialog->firstBit, 0);
+    EXPECT_EQ(dialog->lastBit, 5);
+    prompts.Forget();
+    Open(nullptr);
+    SetName("C/BE");
+    type(Low(), "3");
+    type(High(), "");
+    Press(*dialog, "OK");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("MSB must be >= LSB."));
 }
 
 TEST_F(ChangeSignal, TheSameRangeKeepsTheRowButNotItsLooks) {
