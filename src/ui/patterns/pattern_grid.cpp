@@ -4,6 +4,7 @@
 #include "signals/signal_list.h"
 #include "signals/value_text.h"
 #include "ui/framework/painting.h"
+#include "ui/patterns/column_geometry.h"
 #include "ui/patterns/columns.h"
 #include "ui/patterns/command_dialog.h"
 #include "ui/patterns/value_dialog.h"
@@ -300,6 +301,18 @@ void CPatternGrid::mouseReleaseEvent(QMouseEvent* event) {
         if (hit.signal != nullptr) {
             ShowSignalMenu(*this, event->globalPosition().toPoint(), *hit.signal, *this, prompts_);
         }
+    }
+}
+
+/// Where all rows show, the wheel moves the columns without Shift too.
+void CPatternGrid::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    const auto [sideways, notches] = wheel_.Take(*event);
+    if (sideways || VisibleRowCount() >= rowCount_) {
+        SetOffset(header_.offset + notches * wheelColumnStep);
+        emit ColumnsChanged();
+    } else {
+        StepRows(notches);
     }
 }
 
