@@ -19,7 +19,6 @@
 #include "ui/framework/scroll_actions.h"
 #include "ui/framework/wait_cursor.h"
 #include "ui/framework/window_timer.h"
-#include "ui/patterns/column_geometry.h"
 #include "ui/patterns/pattern_dialogs.h"
 
 #include <QKeyEvent>

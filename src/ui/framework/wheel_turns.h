@@ -6,6 +6,8 @@
 
 namespace busquill {
 
+constexpr int wheelColumnStep = 48; // pixels that a notch moves the columns of a table
+
 /// Makes notches of the turns of a mouse wheel. A fine wheel turns by parts of a notch; one that is
 /// turned with Shift held, or pushed aside, goes sideways.
 class WheelTurns {

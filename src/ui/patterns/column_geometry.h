@@ -9,7 +9,6 @@
 namespace busquill {
 
 constexpr int minimumHorizontalPage = 250;
-constexpr int wheelColumnStep = 48; // pixels that a notch of the wheel moves the columns
 
 /// A column of which something shows right of the fixed column.
 struct TableColumn {

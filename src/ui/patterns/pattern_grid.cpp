@@ -4,7 +4,6 @@
 #include "signals/signal_list.h"
 #include "signals/value_text.h"
 #include "ui/framework/painting.h"
-#include "ui/patterns/column_geometry.h"
 #include "ui/patterns/columns.h"
 #include "ui/patterns/command_dialog.h"
 #include "ui/patterns/value_dialog.h"
