@@ -14,9 +14,7 @@ int main(int argc, char** argv) {
     const WorkingDirectory directory = WorkingDirectory::AtStart();
     const std::string name = ApplicationName(CommandLineSwitch({argv + 1, argv + argc}));
     QApplication application(argc, argv);
-    QApplication::setOrganizationName(organisation);
-    QApplication::setApplicationName(QString::fromStdString(name));
-    QApplication::setApplicationDisplayName(stockName);
+    NameApplication(name);
 
     MainThread mainThread;
     ShowBoxesAsWindows(mainThread);

@@ -1,14 +1,11 @@
 #pragma once
 
+#include "support/scroll_bar_qt.h"
 #include "support/trace_fixture_qt.h"
 #include "ui/display/trace_display.h"
 
 #include <QMouseEvent>
-#include <QStyle>
-#include <QStyleOptionSlider>
-#include <QWheelEvent>
 #include <QtTest/QTest>
-#include <QtTest/qtestspontaneevent.h>
 
 namespace busquill::test {
 
@@ -19,30 +16,13 @@ protected:
         return static_cast<int>(view.findChild<TraceDisplay*>()->VisibleSampleCount());
     }
     /// As the system sends it: to the window under the pointer, which passes it on.
-    static void Wheel(CTraceView& view, int delta) {
-        const QPointF at(50, 100);
-        QWheelEvent event(at, view.mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QSpontaneKeyEvent::setSpontaneous(&event);
-        qApp->notify(view.findChild<TraceDisplay*>(), &event);
+    static void Wheel(CTraceView& view, QPoint delta, Qt::KeyboardModifiers keys = {}) {
+        TurnWheel(*view.findChild<TraceDisplay*>(), delta, keys);
     }
-    /// Where the thumb of a bar is.
-    static QRect Thumb(QScrollBar& bar) {
-        QStyleOptionSlider option;
-        option.initFrom(&bar);
-        option.orientation = bar.orientation();
-        option.minimum = bar.minimum();
-        option.maximum = bar.maximum();
-        option.sliderPosition = bar.sliderPosition();
-        option.sliderValue = bar.value();
-        option.pageStep = bar.pageStep();
-        option.upsideDown = false;
-        return bar.style()->subControlRect(QStyle::CC_ScrollBar, &option,
-                                           QStyle::SC_ScrollBarSlider, &bar);
-    }
+    static void Wheel(CTraceView& view, int delta) { Wheel(view, QPoint(0, delta)); }
     /// Takes the thumb with the mouse and moves it by some pixels.
     static void Drag(QScrollBar& bar, QPoint way, bool release = true) {
-        const QPoint from = Thumb(bar).center();
+        const QPoint from = PartOf(bar, QStyle::SC_ScrollBarSlider).center();
         QTest::mousePress(&bar, Qt::LeftButton, {}, from);
         for (const QPoint to : {from + way / 2, from + way}) {
             QMouseEvent move(QEvent::MouseMove, to, bar.mapToGlobal(to), Qt::NoButton,

@@ -240,7 +240,7 @@ int main(int argc, char** argv) {
     const WorkingDirectory directory = WorkingDirectory::AtStart();
     const std::string name = ApplicationName(CommandLineSwitch({argv[3]}));
     QApplication application(argc, argv);
-    QApplication::setApplicationDisplayName(stockName);
+    QApplication::setApplicationName(stockName); // it stands in the titles of boxes
     Tour tour(QString("%1/%2").arg(argv[2], argv[1]));
 
     MainThread mainThread;

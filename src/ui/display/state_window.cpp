@@ -68,6 +68,14 @@ std::int64_t CStateWnd::LastSample() const {
     return SampleOfRow(topRow_ + VisibleRowCount() - 1);
 }
 
+std::int64_t CStateWnd::RowAt(int y) const {
+    return topRow_ + (y - stateFirstRow) / stateRowPitch;
+}
+
+std::int64_t CStateWnd::LastClickableSample() const {
+    return SampleOfRow(RowAt(height() - 1));
+}
+
 std::int64_t CStateWnd::LastDrawnSample() const {
     return SampleOfRow(topRow_ + VisibleRowCount());
 }
@@ -205,9 +213,7 @@ void CStateWnd::SetMarkerAt(int y, int which) {
     if (y < stateFirstRow) {
         return;
     }
-    const std::int64_t row = topRow_ + (y - stateFirstRow) / stateRowPitch;
-    const std::int64_t sample = document_->RowToSample(row, zoom_);
-    document_->ToggleMarker(which, sample, zoom_);
+    document_->ToggleMarker(which, document_->RowToSample(RowAt(y), zoom_), zoom_);
 }
 
 void CStateWnd::mouseMoveEvent(QMouseEvent* event) {

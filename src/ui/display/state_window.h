@@ -29,6 +29,7 @@ public:
 
     [[nodiscard]] std::int64_t FirstSample() const override { return topSample_; }
     [[nodiscard]] std::int64_t LastSample() const override;
+    [[nodiscard]] std::int64_t LastClickableSample() const override;
     [[nodiscard]] std::int64_t LastDrawnSample() const override;
     [[nodiscard]] std::int64_t CenterSample() const override;
     [[nodiscard]] std::int64_t VisibleSampleCount() const override { return VisibleRowCount(); }
@@ -56,6 +57,8 @@ private:
     [[nodiscard]] std::int64_t RowCount() const;
     /// The sample of a row, or of the last row where there are fewer.
     [[nodiscard]] std::int64_t SampleOfRow(std::int64_t row) const;
+    /// The row at a height below the header.
+    [[nodiscard]] std::int64_t RowAt(int y) const;
     [[nodiscard]] int ColumnsRoom() const;
     [[nodiscard]] int OffsetLimit() const;
     void SetTopRow(std::int64_t row);

@@ -36,6 +36,8 @@ public:
     [[nodiscard]] virtual std::int64_t FirstSample() const = 0;
     /// The last sample that counts as visible; with no rows it is that of no sample.
     [[nodiscard]] virtual std::int64_t LastSample() const = 0;
+    /// The last sample that a click can mean; of its row or band little may show.
+    [[nodiscard]] virtual std::int64_t LastClickableSample() const = 0;
     /// The last sample of which anything shows.
     [[nodiscard]] virtual std::int64_t LastDrawnSample() const = 0;
     [[nodiscard]] virtual std::int64_t CenterSample() const = 0;

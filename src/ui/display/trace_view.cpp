@@ -26,6 +26,7 @@
 #include <QWheelEvent>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace busquill {
 
@@ -33,7 +34,6 @@ namespace {
 
 constexpr std::uint32_t viewBackground = 0xA0A0A0;
 constexpr int verticalBarTop = 17;
-constexpr int wheelNotch = 120;
 constexpr int runPeriod = 200; // milliseconds
 constexpr int zoomBarPercent = 15;
 
@@ -180,11 +180,8 @@ void CTraceView::Filter() {
 
 void CTraceView::OnInitialUpdate() {
     const std::int64_t trigger = Trace().Marker(0, isZoom_);
-    if (frame_ != nullptr) {
-        const bool set = trigger != -1;
-        frame_->SetCounters(set ? trigger : 0,
-                            set ? Trace().SampleCount(isZoom_) - trigger - 1 : 0);
-    }
+    const bool set = trigger != -1;
+    ShowCounts(set ? trigger : 0, set ? Trace().SampleCount(isZoom_) - trigger - 1 : 0);
     RefreshFrameName();
     LayOut(); // no size event comes before the view is shown
     if (Trace().IsRealTime() && parts_.link != nullptr) {
@@ -256,8 +253,8 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         SetScrollBars();
         ShowSample(Trace().Marker(0, isZoom_));
         display_->Render(true); // also where that has not moved
-        if (isZoom_ && hint == HintDataComplete && frame_ != nullptr) {
-            frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore);
+        if (isZoom_ && hint == HintDataComplete) {
+            ShowCounts(zoomSamplesBefore, zoomSamplesBefore);
         }
         ShowWholeCapture();
         break;
@@ -268,7 +265,6 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         if (const auto* target = dynamic_cast<const GoToSampleHint*>(object);
             target != nullptr && target->zoom == isZoom_) {
             ShowSample(target->sample);
-            ReportWindow();
         }
         break;
     case HintNameChanged:
@@ -279,7 +275,6 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         ScrollToSample(TopSample()); // its row is another one now
         SetScrollBars();
         display_->Render(true);
-        ReportWindow();
         break;
     default:
         display_->Render(true);
@@ -289,7 +284,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
 void CTraceView::MarkerChanged(int which) {
     const std::int64_t marker = Trace().Marker(which, isZoom_);
     const std::int64_t first = TopSample();
-    if (marker != -1 && (marker < first || marker > display_->LastSample())) {
+    if (marker != -1 && (marker < first || marker > display_->LastClickableSample())) {
         ShowSample(marker);
     }
     if (TopSample() == first) { // else it has just been drawn
@@ -307,9 +302,7 @@ void CTraceView::CaptureStarted() {
     SetScrollBars();
     ScrollToSample(0);
     display_->Render(true);
-    if (frame_ != nullptr) {
-        frame_->SetCounters(0, 0);
-    }
+    ShowCounts(0, 0);
     ShowFilling();
 }
 
@@ -351,6 +344,14 @@ void CTraceView::ReportWindow() {
     frame_->GetGauge().SetWindow(shown ? TopSample() : -1, shown ? display_->LastSample() : -1);
 }
 
+/// The room of Power Zoom samples is always full.
+void CTraceView::ShowCounts(std::int64_t before, std::int64_t after) {
+    if (frame_ != nullptr) {
+        isZoom_ ? frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore)
+                : frame_->SetCounters(before, after);
+    }
+}
+
 void CTraceView::ShowTimes() {
     if (frame_ == nullptr) {
         return;
@@ -373,10 +374,8 @@ void CTraceView::Tick() {
     ShowTimes();
     const bool running = state.indicator == RunIndicator::Running;
     if (frame_ != nullptr) {
-        if (!isZoom_ && Trace().HasData()) {
-            frame_->SetCounters(state.before, state.after);
-        } else if (isZoom_ && state.indicator == RunIndicator::Uploading) {
-            frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore);
+        if (Trace().HasData()) {
+            ShowCounts(state.before, state.after);
         }
         frame_->SetIndicator(state.indicator, running ? state.level + 1 : -1);
         if (running) {
@@ -431,10 +430,12 @@ void CTraceView::SetScrollBars() {
     };
     show(isState_ ? *vScroll_ : *hScroll_, display_->SampleBar());
     show(isState_ ? *hScroll_ : *vScroll_, display_->SignalBar());
+    ReportWindow();
 }
 
 void CTraceView::SetSamplePosition() {
     (isState_ ? vScroll_ : hScroll_)->setValue(display_->SampleBar().position);
+    ReportWindow();
 }
 
 void CTraceView::SampleAction(int action) {
@@ -456,6 +457,12 @@ void CTraceView::SignalAction(int action) {
         [this] { return display_->SignalBar().position; });
 }
 
+void CTraceView::MoveColumns(int notches) {
+    const BarState bar = display_->SignalBar();
+    display_->MoveSignalsTo(std::clamp(bar.position + notches * wheelColumnStep, 0, bar.maximum));
+    hScroll_->setValue(display_->SignalBar().position);
+}
+
 void CTraceView::StepSamples(bool forward) {
     display_->StepSamples(forward);
     SetSamplePosition();
@@ -475,15 +482,12 @@ void CTraceView::ZoomAction(int action) {
         [this](bool in) { wave_->SetZoom(ZoomAfterPage(wave_->Zoom(), in)); },
         [this](int thumb) { wave_->SetZoom(ZoomOfThumb(thumb)); },
         [this] { return wave_->Zoom(); });
-    if (stepped) {
-        ShowZoom();
-    }
+    stepped ? ShowZoom() : ReportWindow();
 }
 
 void CTraceView::ShowZoom() {
     zoomScroll_->setValue(wave_->Zoom());
     SetScrollBars();
-    ReportWindow();
 }
 
 bool CTraceView::CanZoom(bool in) const {
@@ -503,7 +507,6 @@ void CTraceView::Synchronise() {
         auto* view = dynamic_cast<CTraceView*>(other);
         if (view != nullptr && view != this && view->isZoom_ == isZoom_) {
             view->ScrollToSample(TopSample());
-            view->ReportWindow();
         }
     }
 }
@@ -511,9 +514,6 @@ void CTraceView::Synchronise() {
 void CTraceView::resizeEvent(QResizeEvent* /*event*/) {
     LayOut();
     SetScrollBars();
-    if (GetDocument() != nullptr) {
-        ReportWindow();
-    }
 }
 
 void CTraceView::LayOut() {
@@ -548,17 +548,16 @@ void CTraceView::keyPressEvent(QKeyEvent* event) {
 
 void CTraceView::wheelEvent(QWheelEvent* event) {
     event->accept();
-    const int delta = event->angleDelta().y();
-    if (GetDocument() == nullptr || delta == 0) {
+    if (GetDocument() == nullptr) {
         return;
     }
-    const bool turned = (delta > 0) != (wheelRest_ > 0);
-    wheelRest_ = delta + (turned ? 0 : wheelRest_);
-    for (; wheelRest_ >= wheelNotch; wheelRest_ -= wheelNotch) {
-        StepSamples(false);
+    const auto [sideways, notches] = wheel_.Take(*event);
+    if (sideways && isState_) {
+        MoveColumns(notches);
+        return;
     }
-    for (; wheelRest_ <= -wheelNotch; wheelRest_ += wheelNotch) {
-        StepSamples(true);
+    for (int i = 0; i < std::abs(notches); ++i) { // samples of waveforms lie sideways in any case
+        StepSamples(notches > 0);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/framework/view.h"
+#include "ui/framework/wheel_turns.h"
 
 #include <array>
 #include <cstdint>
@@ -94,6 +95,7 @@ private:
     void SetSamplePosition();
     void SampleAction(int action);
     void SignalAction(int action);
+    void MoveColumns(int notches);
     void ZoomAction(int action);
     void ShowZoom();
     void StepSamples(bool forward);
@@ -107,6 +109,7 @@ private:
     void ShowFilling();
     void ShowWholeCapture();
     void ReportWindow();
+    void ShowCounts(std::int64_t before, std::int64_t after);
     void Tick();
     void FollowStatus(const RunState& state);
 
@@ -126,7 +129,7 @@ private:
     QScrollBar* zoomScroll_ = nullptr; // of waveforms
     CWaveformWnd* wave_ = nullptr;     // likewise
     TraceDisplay* display_;
-    int wheelRest_ = 0; // of a notch, from a fine wheel
+    WheelTurns wheel_;
     WindowTimer* runTimer_ = nullptr;
     std::unique_ptr<CTraceStatusDialog> statusDialog_;
     bool showStatus_ = false;

@@ -66,9 +66,20 @@ std::int64_t CWaveformWnd::LastSample() const {
     return SampleOfRow(place_.row + VisibleSampleCount() - 1);
 }
 
+WaveScale CWaveformWnd::Scale() const {
+    return {zoom_, place_.subPixel, nameWidth_ + valueWidth_ + 1, width()};
+}
+
+std::int64_t CWaveformWnd::RowAt(int x) const {
+    return place_.row + Scale().RowAt(x - nameWidth_ - valueWidth_);
+}
+
+std::int64_t CWaveformWnd::LastClickableSample() const {
+    return SampleOfRow(RowAt(width() - 1));
+}
+
 std::int64_t CWaveformWnd::LastDrawnSample() const {
-    const WaveScale scale{zoom_, place_.subPixel, nameWidth_ + valueWidth_ + 1, width()};
-    return SampleOfRow(place_.row + scale.Count() - 1);
+    return SampleOfRow(place_.row + Scale().Count() - 1);
 }
 
 std::int64_t CWaveformWnd::CenterSample() const {
@@ -287,10 +298,9 @@ void CWaveformWnd::mousePressEvent(QMouseEvent* event) {
 
 /// Sets a marker on the sample at a place, or clears it where it stands already.
 void CWaveformWnd::SetMarkerAt(int x, int which) {
-    const WaveScale scale{zoom_, place_.subPixel, nameWidth_ + valueWidth_ + 1, width()};
-    const std::int64_t row = place_.row + scale.RowAt(x - nameWidth_ - valueWidth_);
+    const std::int64_t row = RowAt(x);
     std::int64_t sample = document_->RowToSample(row, isZoom_);
-    if (scale.Skipped() > 0 && sample == firstSample_) {
+    if (Scale().Skipped() > 0 && sample == firstSample_) {
         sample = document_->RowToSample(row + 1, isZoom_); // the first begins out of sight
     }
     document_->ToggleMarker(which, sample, isZoom_);

@@ -31,6 +31,7 @@ public:
 
     [[nodiscard]] std::int64_t FirstSample() const override { return firstSample_; }
     [[nodiscard]] std::int64_t LastSample() const override;
+    [[nodiscard]] std::int64_t LastClickableSample() const override;
     [[nodiscard]] std::int64_t LastDrawnSample() const override;
     [[nodiscard]] std::int64_t CenterSample() const override;
     [[nodiscard]] std::int64_t VisibleSampleCount() const override;
@@ -56,6 +57,9 @@ private:
 
     [[nodiscard]] std::int64_t RowCount() const;
     [[nodiscard]] std::int64_t SampleOfRow(std::int64_t row) const;
+    [[nodiscard]] WaveScale Scale() const;
+    /// The row that a place in the waves means.
+    [[nodiscard]] std::int64_t RowAt(int x) const;
     [[nodiscard]] int BandsRoom() const;
     [[nodiscard]] WaveFrame Frame();
     void SetPlace(const WavePlace& place);

@@ -4,7 +4,9 @@
 
 #include <QCloseEvent>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 namespace busquill {
 
@@ -51,6 +53,18 @@ void CMDIChildWnd::closeEvent(QCloseEvent* event) {
     } else {
         event->ignore();
     }
+}
+
+// What nothing in the window has a use for ends here: the workspace would scroll by it and slide a
+// window away that reaches past it.
+
+void CMDIChildWnd::keyPressEvent(QKeyEvent* event) {
+    QMdiSubWindow::keyPressEvent(event);
+    event->accept();
+}
+
+void CMDIChildWnd::wheelEvent(QWheelEvent* event) {
+    event->accept();
 }
 
 } // namespace busquill

@@ -25,7 +25,7 @@ Answer ShowBox(const Box& box) {
     const bool question =
         box.buttons == BoxButtons::YesNo || box.buttons == BoxButtons::YesNoCancel;
     QMessageBox window(question ? QMessageBox::Question : QMessageBox::Warning,
-                       QApplication::applicationDisplayName(), QString::fromStdString(box.text),
+                       QApplication::applicationName(), QString::fromStdString(box.text),
                        ButtonsOf(box.buttons), QApplication::activeWindow());
     window.setTextFormat(Qt::PlainText);
     window.setWindowModality(Qt::ApplicationModal);

@@ -303,6 +303,18 @@ void CPatternGrid::mouseReleaseEvent(QMouseEvent* event) {
     }
 }
 
+/// Where all rows show, the wheel moves the columns without Shift too.
+void CPatternGrid::wheelEvent(QWheelEvent* event) {
+    event->accept();
+    const auto [sideways, notches] = wheel_.Take(*event);
+    if (sideways || VisibleRowCount() >= rowCount_) {
+        SetOffset(header_.offset + notches * wheelColumnStep);
+        emit ColumnsChanged();
+    } else {
+        StepRows(notches);
+    }
+}
+
 // Editing.
 
 void CPatternGrid::Edit(const Cell& cell) {

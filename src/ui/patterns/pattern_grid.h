@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/framework/wheel_turns.h"
 #include "ui/patterns/header_control.h"
 #include "ui/patterns/signal_menu.h"
 
@@ -53,7 +54,7 @@ public:
     [[nodiscard]] QSize sizeHint() const override { return {420, 60}; }
 
 signals:
-    /// Columns have another width or order.
+    /// Columns have another width, order or place.
     void ColumnsChanged();
 
 protected:
@@ -63,6 +64,7 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     struct Cell {
@@ -107,6 +109,7 @@ private:
     int rowCount_ = 0;
     int topRow_ = 0;
     bool showLabels_ = true;
+    WheelTurns wheel_;
     HeaderControl header_;
     QPixmap bitmap_;
 };

@@ -4,6 +4,7 @@
 #include "ui/patterns/column_geometry.h"
 #include "ui/patterns/pattern_grid.h"
 
+#include <QCoreApplication>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -16,6 +17,7 @@ CPatternTable::CPatternTable(int rows, Prompts& prompts)
     grid_->SetRowCount(rows);
     grid_->setMinimumHeight(CPatternGrid::HeightOf(rows));
     bar_->setEnabled(false);
+    bar_->installEventFilter(this);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
@@ -39,6 +41,13 @@ void CPatternTable::resizeEvent(QResizeEvent* event) {
 void CPatternTable::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     SetBar();
+}
+
+bool CPatternTable::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Wheel) {
+        return QCoreApplication::sendEvent(grid_, event); // the same over the bar as over the grid
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void CPatternTable::SetBar() {

@@ -257,8 +257,12 @@ void CChildFrame::OnDisplay() {
     }
 }
 
+/// The new window is in front, where it can be seen, and the focus stays here.
 void CChildFrame::OnPowerZoom() {
-    parts_.app.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
+    CMDIChildWnd& added = parts_.app.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
+    parts_.app.ActivateFrameOf(TraceView());
+    FocusView();
+    added.raise();
 }
 
 void CChildFrame::SwitchDisplay(bool toState) {

@@ -105,7 +105,7 @@ constexpr Command commands[] = {
     {CommandId::ViewToolbar,          "&View",                   "&Toolbar",              "Show or hide the tool bar", "", "", Always},
     {CommandId::ViewStatusBar,        "&View",                   "&Status Bar",           "Show or hide the status bar", "", "", Always},
     {CommandId::None,                 "&View",                   "", "", "", "", Never},
-    {CommandId::ZoomIn,               "&View",                   "Zoom &In",              "Show fewer samples", "zoom-in", "Ctrl++", [](State s) { return s.canZoomIn; }},
+    {CommandId::ZoomIn,               "&View",                   "Zoom &In",              "Show fewer samples", "zoom-in", "Ctrl++; Ctrl+=", [](State s) { return s.canZoomIn; }},
     {CommandId::ZoomOut,              "&View",                   "Zoom &Out",             "Show more samples", "zoom-out", "Ctrl+-", [](State s) { return s.canZoomOut; }},
     {CommandId::ZoomToFit,            "&View",                   "Zoom to Fit",           "Show all samples", "", "", Never},
 

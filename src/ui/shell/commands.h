@@ -99,7 +99,7 @@ struct Command {
     const char* text;     // with its mnemonic
     const char* tip;      // for the message line
     const char* icon;     // file name in the resources, or empty
-    const char* shortcut; // portable, or empty
+    const char* shortcut; // portable, or empty; several stand behind one another with "; "
     bool (*enabled)(const CommandState&);
 };
 

@@ -4,10 +4,12 @@
 #include "capture/trace_search.h"
 #include "link/analyzer_link.h"
 #include "ui/display/trace_view.h"
+#include "ui/framework/dialog_titles.h"
 #include "ui/framework/window_timer.h"
 #include "ui/link/board_info_dialog.h"
 #include "ui/link/bus_config_dialog.h"
 #include "ui/shell/child_frame.h"
+#include "ui/shell/command_line.h"
 #include "ui/shell/help_window.h"
 #include "ui/shell/tessel_app.h"
 #include "ui/signals/define_signal_dialog.h"
@@ -93,7 +95,8 @@ bool RunTraceCommand(CTraceView& trace, CommandId id) {
 CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread)
     : link_(link), settings_(settings), area_(new QMdiArea) {
     RegisterResources();
-    setWindowTitle("Busquill!");
+    setWindowTitle(stockName);
+    KeepTitlesWhole(*this);
     setWindowIcon(QIcon(":/icons/busquill.svg"));
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -136,7 +139,7 @@ void CMainFrame::MakeActions() {
             action->setIconVisibleInMenu(false);
         }
         if (*command.shortcut != '\0') {
-            action->setShortcut(QKeySequence(command.shortcut));
+            action->setShortcuts(QKeySequence::listFromString(command.shortcut));
         }
         connect(action, &QAction::triggered, this, [this, id = command.id] { Run(id); });
         actions_[command.id] = action;
@@ -414,6 +417,14 @@ void CMainFrame::OnTimer() {
         --keepAliveDelay_;
     } else {
         link_.SendKeepAlive();
+    }
+}
+
+/// A maximised child would put its own title behind this one.
+void CMainFrame::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::WindowTitleChange && windowTitle() != stockName) {
+        setWindowTitle(stockName);
     }
 }
 

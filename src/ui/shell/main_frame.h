@@ -38,6 +38,7 @@ public:
     void RefreshCommands();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:

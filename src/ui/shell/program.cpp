@@ -2,8 +2,35 @@
 
 #include "platform/settings.h"
 #include "tracesetup/setup_encoding.h"
+#include "ui/framework/qt_settings.h"
+
+#include <QElapsedTimer>
+#include <QThread>
+#include <QWindow>
 
 namespace busquill {
+
+namespace {
+
+constexpr int longestPaint = 1000; // milliseconds; a window that starts as an icon is not painted
+
+/// Returns when a window that was shown has been painted on the screen. What the user does
+/// meanwhile waits.
+void UpdateWindow(const QWidget& window) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!window.windowHandle()->isExposed() && waited.elapsed() < longestPaint) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 10);
+        QThread::msleep(1);
+    }
+}
+
+} // namespace
+
+void NameApplication(const std::string& name) {
+    QCoreApplication::setOrganizationName(organisation);
+    QCoreApplication::setApplicationName(QString::fromStdString(name));
+}
 
 Program::Program(Machine machine)
     : machine_(std::move(machine)),
@@ -32,8 +59,9 @@ void Program::InitInstance() {
         CTesselApp::Parts{machine_.settings, machine_.prompts, link_, machine_.mainThread,
                           machine_.directory, realTimeStore_, frame_->Area()});
     frame_->SetApplication(app_.get());
-    frame_->show();
     frame_->RefreshStatusPanes();
+    frame_->show();
+    UpdateWindow(*frame_);
     link_.Connect(machine_.settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate,
                                                   usualBaudRate));
     frame_->RefreshStatusPanes();

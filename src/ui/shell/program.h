@@ -10,6 +10,10 @@
 
 namespace busquill {
 
+/// Gives the application its name, which is that of its settings too. It has none for display: that
+/// would be added to the title of every window.
+void NameApplication(const std::string& name);
+
 /// The whole program: what lives as long as it, built in order and taken down in reverse.
 class Program {
 public:

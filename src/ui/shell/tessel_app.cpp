@@ -110,9 +110,11 @@ CTraceView* CTesselApp::FindRealTimeView(TraceViewKind kind) const {
     return nullptr;
 }
 
-void CTesselApp::AddTraceFrame(CTesselDoc& document, TraceViewKind kind) {
+CMDIChildWnd& CTesselApp::AddTraceFrame(CTesselDoc& document, TraceViewKind kind) {
     context.traceViewKind = kind;
-    TraceTemplate().InitialUpdateFrame(*TraceTemplate().CreateNewFrame(document));
+    CMDIChildWnd& frame = *TraceTemplate().CreateNewFrame(document);
+    TraceTemplate().InitialUpdateFrame(frame);
+    return frame;
 }
 
 void CTesselApp::ActivateFrameOf(CTraceView& view) {

@@ -11,6 +11,7 @@ namespace busquill {
 
 class CAnalyzerLink;
 class CChildFrame;
+class CMDIChildWnd;
 class CTraceView;
 class MainThread;
 class WorkingDirectory;
@@ -42,7 +43,7 @@ public:
     /// Waveform.
     [[nodiscard]] CTraceView* FindRealTimeView(TraceViewKind kind) const;
     /// One more frame for a document that has one.
-    void AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
+    CMDIChildWnd& AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
     /// Makes a real-time trace with the lists and the setup of another one.
     void CloneTrace(CTesselDoc& source, TraceViewKind kind);
     void ActivateFrameOf(CTraceView& view);

@@ -99,7 +99,8 @@ void LayoutTable::DrawTitle(QPainter& painter, const LayoutColumn& column) const
     painter.restore();
 }
 
-CDefineSignalDialog::CDefineSignalDialog(QWidget* parent) : QDialog(parent) {
+CDefineSignalDialog::CDefineSignalDialog(QWidget* parent)
+    : QDialog(parent), rows_(new QScrollBar(Qt::Vertical)) {
     setWindowTitle("Define Signal");
     auto* names = new QListWidget;
     names->addItem("<New Signal>");
@@ -110,11 +111,12 @@ CDefineSignalDialog::CDefineSignalDialog(QWidget* parent) : QDialog(parent) {
     area->setWidgetResizable(true);
     area->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     area->setMinimumWidth(420);
-    auto* bar = new QScrollBar(Qt::Vertical);
-    bar->setRange(0, rowCount - 1);
-    bar->setSingleStep(1);
-    bar->setPageStep(pageStep);
-    connect(bar, &QScrollBar::valueChanged, table, &LayoutTable::SetTopRow);
+    columns_ = area->horizontalScrollBar();
+    rows_->setRange(0, rowCount - 1);
+    rows_->setSingleStep(1);
+    rows_->setPageStep(pageStep);
+    connect(rows_, &QScrollBar::valueChanged, table, &LayoutTable::SetTopRow);
+    table->installEventFilter(this);
 
     auto* buttons = new QDialogButtonBox;
     buttons->addButton("Ok", QDialogButtonBox::AcceptRole);
@@ -126,10 +128,23 @@ CDefineSignalDialog::CDefineSignalDialog(QWidget* parent) : QDialog(parent) {
     layout->addWidget(new QLabel("Name"), 0, 0);
     layout->addWidget(names, 1, 0);
     layout->addWidget(area, 1, 1);
-    layout->addWidget(bar, 1, 2);
+    layout->addWidget(rows_, 1, 2);
     layout->addWidget(buttons, 2, 0, 1, 3);
     layout->setColumnStretch(1, 1);
     resize(760, 380);
+}
+
+bool CDefineSignalDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::Wheel) {
+        return QDialog::eventFilter(watched, event);
+    }
+    const auto [sideways, notches] = wheel_.Take(*static_cast<QWheelEvent*>(event));
+    if (sideways) {
+        columns_->setValue(columns_->value() + notches * wheelColumnStep);
+    } else {
+        rows_->setValue(rows_->value() + notches);
+    }
+    return true;
 }
 
 } // namespace busquill

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "signals/signal_tables.h"
+#include "ui/framework/wheel_turns.h"
 
 #include <QDialog>
 #include <QFont>
@@ -9,6 +10,8 @@
 #include <span>
 #include <string>
 #include <vector>
+
+class QScrollBar;
 
 namespace busquill {
 
@@ -30,6 +33,15 @@ class CDefineSignalDialog final : public QDialog {
     Q_OBJECT
 public:
     explicit CDefineSignalDialog(QWidget* parent);
+
+protected:
+    /// The wheel over the table.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    QScrollBar* rows_;
+    QScrollBar* columns_;
+    WheelTurns wheel_;
 };
 
 /// The table: a header over rows that are numbered from 1.

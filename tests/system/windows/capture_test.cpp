@@ -181,7 +181,10 @@ TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
     QTest::mouseClick(&Bar().ZoomButton(), Qt::LeftButton);
     auto& zoom = dynamic_cast<CChildFrame&>(*Windows().last());
     EXPECT_TRUE(zoom.IsZoomFrame());
-    EXPECT_EQ(Frame().Area().activeSubWindow(), &zoom) << "or nobody would see it";
+    EXPECT_EQ(Frame().Area().activeSubWindow(), frame);
+    EXPECT_TRUE(frame->TraceView().hasFocus());
+    EXPECT_EQ(Frame().Area().subWindowList(QMdiArea::StackingOrder).last(), &zoom)
+        << "or nobody would see it";
     EXPECT_EQ(zoom.windowTitle(), "Power Zoom - New");
     EXPECT_FALSE(zoom.Bar().GoButton().isVisible());
     EXPECT_FALSE(zoom.Bar().SetupBox().isVisible());
@@ -189,9 +192,22 @@ TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
     EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
     // A frame that goes during a run leaves the others theirs.
     Go();
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("Before")->text(), "0000255");
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
     waveform.close();
     ASSERT_TRUE(Complete());
     EXPECT_EQ(Trace().SampleCount(false), 1024);
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("Before")->text(), "0000255");
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
+}
+
+TEST_F(LiveCapture, APowerZoomFrameOfAnEmptyTraceCounts255) {
+    Connect();
+    OpenState();
+    QTest::mouseClick(&Bar().ZoomButton(), Qt::LeftButton);
+    auto& zoom = dynamic_cast<CChildFrame&>(*Windows().last());
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("Before")->text(), "0000255");
+    EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
 }
 
 TEST_F(LiveCapture, ADisplaySwitchedDuringTheRunKeepsTheGauge) {

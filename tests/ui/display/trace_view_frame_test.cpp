@@ -2,6 +2,7 @@
 
 #include "support/trace_view_fixture_qt.h"
 #include "ui/display/state_window.h"
+#include "ui/display/wave_window.h"
 
 #include <QtTest/QTest>
 
@@ -82,6 +83,24 @@ TEST_F(FramedView, TheGaugeFollowsEveryMove) {
     QTest::keyClick(partner.get(), Qt::Key_PageDown);
     EXPECT_GT(view->TopSample(), 0);
     expectWindow("a partner's key");
+    document->SetMarker(1, 900);
+    EXPECT_EQ(view->CenterSample(), 900);
+    expectWindow("a marker set elsewhere");
+    view->ShowSample(300);
+    expectWindow("a sample shown");
+}
+
+TEST_F(FramedView, TheGaugeFollowsTheScaleOfWaveforms) {
+    Load(-500, 499);
+    Open(false);
+    const auto& window = *view->findChild<CWaveformWnd*>();
+    QScrollBar& zoomBar = *view->findChildren<QScrollBar*>()[2];
+    zoomBar.setSliderDown(true);
+    zoomBar.setSliderPosition(40);
+    ASSERT_EQ(window.Zoom(), 40);
+    EXPECT_EQ(Gauge().windowLast, window.LastSample()) << "while the thumb is held";
+    zoomBar.setSliderDown(false);
+    EXPECT_EQ(Gauge().windowLast, window.LastSample());
 }
 
 TEST_F(FramedView, MarkersGoToTheGaugeAndTheTimesToTheBar) {

@@ -4,7 +4,6 @@
 
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QWheelEvent>
 #include <QtTest/QTest>
 
 namespace busquill::test {
@@ -140,6 +139,21 @@ TEST_F(TraceView, HorizontalBarMovesTheColumns) {
     EXPECT_EQ(window.Offset(), bar.maximum());
 }
 
+TEST_F(TraceView, TheArrowsOfTheHorizontalBarMoveAPixel) {
+    Load(0, 99);
+    auto view = MakeView(true, false, {500, 400});
+    auto& window = *view->findChild<CStateWnd*>();
+    QScrollBar& bar = Bar(*view, Qt::Horizontal);
+    for (int i = 1; i <= 5; ++i) {
+        ClickArrow(bar, true);
+        EXPECT_EQ(window.Offset(), i);
+        EXPECT_EQ(bar.value(), i);
+    }
+    ClickArrow(bar, false);
+    EXPECT_EQ(window.Offset(), 4);
+    EXPECT_EQ(bar.value(), 4);
+}
+
 TEST_F(TraceView, ViewsOfTheSameSamplesMoveTogether) {
     Load(-500, 499);
     auto first = MakeView();
@@ -180,6 +194,37 @@ TEST_F(TraceView, MarkerOutsideTheWindowIsShown) {
     EXPECT_EQ(view->TopSample(), top);
     document->SetMarker(2, 100);
     EXPECT_EQ(view->CenterSample(), 100) << "above it too";
+}
+
+TEST_F(TraceView, AClickOnARowThatShowsInPartLeavesTheRowsWhereTheyAre) {
+    Load(-500, 499);
+    auto view = MakeView();
+    auto& window = *view->findChild<CStateWnd*>();
+    while ((window.height() - 19) % 15 != 2) {
+        view->resize(view->width(), view->height() + 1);
+        QApplication::processEvents();
+    }
+    view->ScrollToSample(100);
+    QTest::mouseClick(&window, Qt::LeftButton, {}, {200, window.height() - 1});
+    EXPECT_EQ(document->Marker(1, false), 100 + Rows(*view));
+    EXPECT_EQ(view->TopSample(), 100);
+    document->SetMarker(1, 101 + Rows(*view));
+    EXPECT_EQ(view->CenterSample(), 101 + Rows(*view)) << "of that row nothing shows";
+}
+
+TEST_F(TraceView, ARowBelowAFullWindowIsNotThere) {
+    Load(-500, 499);
+    auto view = MakeView();
+    auto& window = *view->findChild<CStateWnd*>();
+    while ((window.height() - 19) % 15 != 0) {
+        view->resize(view->width(), view->height() + 1);
+        QApplication::processEvents();
+    }
+    view->ScrollToSample(100);
+    document->SetMarker(1, 99 + Rows(*view));
+    EXPECT_EQ(view->TopSample(), 100);
+    document->SetMarker(1, 100 + Rows(*view));
+    EXPECT_EQ(view->CenterSample(), 100 + Rows(*view));
 }
 
 TEST_F(TraceView, FilteredCaptureScrollsByRows) {
@@ -230,12 +275,41 @@ TEST_F(TraceView, WheelOverABarScrollsTheListing) {
     Load(-500, 499);
     auto view = MakeView();
     view->ScrollToSample(100);
-    QScrollBar& bar = Bar(*view, Qt::Horizontal);
-    const QPointF at(bar.rect().center());
-    QWheelEvent event(at, bar.mapToGlobal(at), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&bar, &event);
+    TurnWheel(Bar(*view, Qt::Horizontal), {0, -120});
     EXPECT_EQ(view->TopSample(), 101);
+}
+
+TEST_F(TraceView, WheelWithShiftMovesTheColumns) {
+    Load(-500, 499);
+    auto view = MakeView(true, false, {500, 400});
+    view->ScrollToSample(100);
+    const auto& window = *view->findChild<CStateWnd*>();
+    const QScrollBar& bar = Bar(*view, Qt::Horizontal);
+    Wheel(*view, {0, -120}, Qt::ShiftModifier);
+    const int notch = window.Offset();
+    EXPECT_GE(notch, 3 * QFontMetrics(window.font()).horizontalAdvance('0'));
+    EXPECT_EQ(bar.value(), notch);
+    Wheel(*view, {-240, 0}); // a wheel that is pushed aside
+    EXPECT_EQ(window.Offset(), 3 * notch);
+    Wheel(*view, {0, 120}, Qt::ShiftModifier);
+    EXPECT_EQ(window.Offset(), 2 * notch);
+    EXPECT_EQ(bar.value(), 2 * notch);
+    EXPECT_EQ(view->TopSample(), 100);
+    Wheel(*view, {0, -120'000}, Qt::ShiftModifier);
+    EXPECT_EQ(window.Offset(), bar.maximum());
+    Wheel(*view, {0, 120'000}, Qt::ShiftModifier);
+    EXPECT_EQ(window.Offset(), 0);
+    EXPECT_EQ(view->TopSample(), 100);
+}
+
+TEST_F(TraceView, HalfANotchSidewaysIsNoneOfTheOtherWay) {
+    Load(-500, 499);
+    auto view = MakeView(true, false, {500, 400});
+    view->ScrollToSample(100);
+    Wheel(*view, {0, -60}, Qt::ShiftModifier);
+    Wheel(*view, {0, -60});
+    EXPECT_EQ(view->findChild<CStateWnd*>()->Offset(), 0);
+    EXPECT_EQ(view->TopSample(), 100);
 }
 
 TEST_F(TraceView, MouseOnTheThumbScrollsAndLeavesTheThumbAtTheRow) {

@@ -1,4 +1,4 @@
-#include "support/trace_fixture_qt.h"
+#include "support/trace_view_fixture_qt.h"
 #include "ui/display/wave_window.h"
 #include "ui/framework/painting.h"
 
@@ -8,16 +8,14 @@
 #include <QStyle>
 #include <QStyleOptionSlider>
 #include <QTimer>
-#include <QWheelEvent>
 #include <QtTest/QTest>
-#include <QtTest/qtestspontaneevent.h>
 #include <gmock/gmock.h>
 
 namespace busquill::test {
 namespace {
 
 /// A view of waveforms over samples whose data lines count.
-class Waveforms : public TraceFixture {
+class Waveforms : public TraceViewFixture {
 protected:
     void Open(int first = -500, int last = 499, bool isZoom = false, QSize size = {800, 400}) {
         Load(first, last);
@@ -41,13 +39,7 @@ protected:
     QScrollBar& ZoomBar() { return *view->findChildren<QScrollBar*>()[2]; }
     [[nodiscard]] int WaveLeft() const { return window->NameWidth() + window->ValueWidth() + 1; }
     void Key(Qt::Key key) { QTest::keyClick(view.get(), key); }
-    void Wheel(int delta) {
-        const QPointF at(300, 100);
-        QWheelEvent event(at, view->mapToGlobal(at), {}, {0, delta}, Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QSpontaneKeyEvent::setSpontaneous(&event);
-        qApp->notify(window, &event);
-    }
+    void Wheel(int delta) { TurnWheel(*window, {0, delta}); }
     void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton,
                Qt::KeyboardModifiers keys = Qt::NoModifier) {
         QTest::mouseClick(window, button, keys, place);
@@ -104,6 +96,19 @@ protected:
 };
 
 // Along the samples.
+
+TEST_F(Waveforms, TheArrowsOfTheHorizontalBarMoveFourPixels) {
+    Open();
+    const std::int64_t row = window->Place().row;
+    for (int i = 1; i <= 4; ++i) {
+        ClickArrow(SampleBar(), true);
+        EXPECT_EQ(window->Place(), (WavePlace{row, 4 * i}));
+    }
+    ClickArrow(SampleBar(), false);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 12}));
+    const int value = SampleBar().value();
+    EXPECT_EQ(value, static_cast<int>(row * 10));
+}
 
 TEST_F(Waveforms, BeginWithTheTriggerInTheMiddleAtTwentyPixelsASample) {
     Open();
@@ -399,6 +404,22 @@ TEST_F(Waveforms, AtANegativeZoomAPixelMeansTheSamplesThatItCounts) {
     view->ScrollToSample(100);
     Click(Wave(7));
     EXPECT_EQ(document->Marker(1, false), 100 + 21);
+}
+
+TEST_F(Waveforms, AClickAtTheRightEdgeLeavesTheWavesWhereTheyAre) {
+    Open(-5000, 4999);
+    for (const int zoom : {20, 30, 47, 1, -1, -7}) {
+        window->SetZoom(zoom);
+        view->ScrollToSample(3000);
+        for (int fromEdge = 1; fromEdge <= 25; fromEdge += 3) {
+            document->SetMarker(1, -1);
+            Click({window->width() - fromEdge, 100});
+            EXPECT_GT(document->Marker(1, false), 3000);
+            ASSERT_EQ(view->TopSample(), 3000) << zoom << ", " << fromEdge;
+        }
+        document->SetMarker(1, 3000 + window->VisibleSampleCount() + 20);
+        EXPECT_GT(view->TopSample(), 3000) << "far outside";
+    }
 }
 
 TEST_F(Waveforms, BehindTheLastSampleNothingIsMarked) {

@@ -2,6 +2,7 @@
 #include "support/board_tables.h"
 #include "support/modal_qt.h"
 #include "support/recording_prompts.h"
+#include "support/scroll_bar_qt.h"
 #include "ui/framework/painting.h"
 #include "ui/patterns/command_dialog.h"
 #include "ui/patterns/pattern_dialogs.h"
@@ -316,6 +317,25 @@ TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
     EXPECT_EQ(changes, 0);
 }
 
+TEST_F(PatternGrid, TheWheelMovesTheRowsAndWithShiftTheColumns) {
+    grid->resize(300, 45); // one row of two
+    QApplication::processEvents();
+    TurnWheel(*grid, {0, -120});
+    EXPECT_EQ(grid->TopRow(), 1);
+    EXPECT_EQ(grid->Offset(), 0);
+    TurnWheel(*grid, {0, -120}, Qt::ShiftModifier);
+    EXPECT_EQ(grid->TopRow(), 1);
+    const int notch = grid->Offset();
+    EXPECT_GT(notch, 20);
+    TurnWheel(*grid, {-60, 0}); // a fine wheel, pushed aside
+    TurnWheel(*grid, {-60, 0});
+    EXPECT_EQ(grid->Offset(), 2 * notch);
+    TurnWheel(*grid, {0, 240}, Qt::ShiftModifier);
+    EXPECT_EQ(grid->Offset(), 0);
+    TurnWheel(*grid, {0, 120});
+    EXPECT_EQ(grid->TopRow(), 0);
+}
+
 TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
     CSignal& bus = Column("C/BE[7:0]");
     bus.groupMask[0] = 0x13;
@@ -501,6 +521,37 @@ TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {
     }
     CFilterPatternDlg filter(nullptr, list, prompts);
     EXPECT_EQ(filter.windowTitle(), "Filter Pattern");
+}
+
+TEST_F(PatternDialogs, TheWheelMovesColumnsAndBarWhereAllRowsShow) {
+    CSearchPatternDlg dialog(nullptr, list, prompts);
+    dialog.show();
+    QApplication::processEvents();
+    auto& bar = *dialog.findChild<QScrollBar*>();
+    TurnWheel(dialog.Grid(), {0, -120});
+    const int notch = dialog.Grid().Offset();
+    EXPECT_GT(notch, 20);
+    EXPECT_EQ(bar.value(), notch);
+    TurnWheel(dialog.Grid(), {0, -120}, Qt::ShiftModifier);
+    EXPECT_EQ(bar.value(), 2 * notch);
+    TurnWheel(bar, {0, -120});
+    EXPECT_EQ(dialog.Grid().Offset(), 3 * notch);
+    EXPECT_EQ(bar.value(), 3 * notch);
+    TurnWheel(bar, {0, -120'000});
+    EXPECT_EQ(dialog.Grid().Offset(), bar.maximum());
+}
+
+TEST_F(PatternDialogs, ClicksOnTheArrowsOfTheBarMoveAPixel) {
+    CSearchPatternDlg dialog(nullptr, list, prompts);
+    dialog.show();
+    QApplication::processEvents();
+    auto& bar = *dialog.findChild<QScrollBar*>();
+    ClickArrow(bar, true);
+    ClickArrow(bar, true);
+    EXPECT_EQ(dialog.Grid().Offset(), 2);
+    EXPECT_EQ(bar.value(), 2);
+    ClickArrow(bar, false);
+    EXPECT_EQ(dialog.Grid().Offset(), 1);
 }
 
 TEST_F(PatternDialogs, TheBarScrollsTheColumns) {

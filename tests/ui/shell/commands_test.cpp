@@ -1,5 +1,6 @@
 #include "ui/shell/commands.h"
 
+#include <QKeySequence>
 #include <gtest/gtest.h>
 
 #include <set>
@@ -162,10 +163,13 @@ TEST(Commands, EachStandsInTheMenusOnce) {
 }
 
 TEST(Commands, ShortcutsAreUnique) {
-    std::set<std::string> seen;
+    std::set<QKeySequence> seen;
     for (const Command& command : Commands()) {
         if (*command.shortcut != '\0') {
-            EXPECT_TRUE(seen.insert(command.shortcut).second) << command.shortcut;
+            for (const QKeySequence& keys : QKeySequence::listFromString(command.shortcut)) {
+                EXPECT_FALSE(keys.isEmpty()) << command.shortcut;
+                EXPECT_TRUE(seen.insert(keys).second) << command.shortcut;
+            }
         }
     }
 }

@@ -1,5 +1,7 @@
 #include "support/program_fixture_qt.h"
 #include "support/save_trace_qt.h"
+#include "support/scroll_bar_qt.h"
+#include "ui/capture/position_gauge.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
 #include "ui/display/wave_window.h"
@@ -7,12 +9,17 @@
 #include "ui/shell/help_window.h"
 #include "ui/shell/trace_bar.h"
 
+#include <QComboBox>
 #include <QEventLoop>
+#include <QFontDatabase>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QStatusBar>
 #include <QTextBrowser>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
+#include <QWindow>
 #include <QtTest/QTest>
 
 namespace busquill::test {
@@ -58,6 +65,118 @@ TEST(KeepAlive, BeginsOnTheSixthTickOnUsb) {
         }
     } test;
     test.TestBody();
+}
+
+TEST(Startup, PaintsTheMainWindowBeforeItConnects) {
+    class Slow : public ProgramFixture {
+    public:
+        void TestBody() override {
+            struct Watch : QObject {
+                bool painted = false;
+                bool eventFilter(QObject* watched, QEvent* event) override {
+                    painted |= event->type() == QEvent::Paint && watched->inherits("QMenuBar");
+                    return false;
+                }
+            } watch;
+            qApp->installEventFilter(&watch);
+            bool paintedBefore = false;
+            bool exposedBefore = false;
+            Start(clock, [&](const std::string&) {
+                paintedBefore = watch.painted;
+                exposedBefore = Frame().windowHandle()->isExposed();
+                return nullptr;
+            });
+            EXPECT_TRUE(paintedBefore);
+            EXPECT_TRUE(exposedBefore);
+        }
+    } test;
+    test.TestBody();
+}
+
+TEST(ApplicationNames, AddNothingToTitles) {
+    const QString organisationBefore = QApplication::organizationName();
+    const QString nameBefore = QApplication::applicationName();
+    NameApplication("Busquill!-bench2");
+    EXPECT_EQ(QApplication::applicationName(), "Busquill!-bench2");
+    EXPECT_EQ(QApplication::organizationName(), "Tarnlight Labs");
+    EXPECT_EQ(QApplication::applicationDisplayName(), QApplication::applicationName())
+        << "a name of its own would stand behind every title";
+    QApplication::setOrganizationName(organisationBefore);
+    QApplication::setApplicationName(nameBefore);
+}
+
+TEST_F(InDemoMode, AMaximisedCaptureLeavesTheMainTitleAlone) {
+    Choose("File/New/Capture/State");
+    const QString title = Active().windowTitle();
+    Active().showMaximized();
+    QApplication::processEvents();
+    EXPECT_EQ(Frame().windowTitle(), "Busquill!");
+    Choose("File/New/Capture/Waveform"); // maximised like the one before it
+    EXPECT_EQ(Frame().windowTitle(), "Busquill!");
+    Active().SetComment("Another comment");
+    EXPECT_EQ(Frame().windowTitle(), "Busquill!");
+    Windows()[0]->showNormal();
+    Choose("File/Close");
+    EXPECT_EQ(Frame().windowTitle(), "Busquill!");
+    EXPECT_EQ(Windows()[0]->windowTitle(), title);
+}
+
+TEST_F(InDemoMode, DialogsAreAtLeastAsWideAsTheirTitles) {
+    QFont font = QFontDatabase::systemFont(QFontDatabase::TitleFont);
+    font.setBold(true);
+    const auto wide = [&](const QDialog& dialog) {
+        return dialog.width() >= QFontMetrics(font).horizontalAdvance(dialog.windowTitle()) + 100;
+    };
+    Choose("File/New/Capture/State");
+    AnswerDialog<QDialog>([&] { Active().Bar().DisplayButton().click(); },
+                          [&](QDialog& dialog) {
+                              EXPECT_EQ(dialog.windowTitle(), "New Trace Window");
+                              EXPECT_TRUE(wide(dialog));
+                          });
+    ChooseDialog<QDialog>("Search/Go to/Sample #",
+                          [&](QDialog& dialog) { EXPECT_TRUE(wide(dialog)); });
+    ChooseDialog<QDialog>("Utilities/Board Info",
+                          [&](QDialog& dialog) { EXPECT_TRUE(wide(dialog)); });
+}
+
+/// A capture's window that reaches past the workspace on all sides.
+class AWindowPastTheWorkspace : public InDemoMode {
+protected:
+    void Open(const QString& kind) {
+        Choose("File/New/Capture/" + kind);
+        const QSize room = Frame().Area().viewport()->size();
+        Active().setGeometry(-50, -50, room.width() + 100, room.height() + 100);
+        QApplication::processEvents();
+        place = Active().pos();
+    }
+    void ExpectThatItStays(QWidget& focused, std::initializer_list<Qt::Key> keys) {
+        focused.setFocus();
+        for (const Qt::Key key : keys) {
+            QTest::keyClick(&focused, key);
+            EXPECT_EQ(Active().pos(), place) << key;
+        }
+    }
+    QPoint place;
+};
+
+TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatAListingHasNoUseFor) {
+    Open("State");
+    ExpectThatItStays(Active().TraceView(), {Qt::Key_Right, Qt::Key_Left, Qt::Key_Down, Qt::Key_Up,
+                                             Qt::Key_PageDown, Qt::Key_PageUp});
+}
+
+TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatWaveformsHaveNoUseFor) {
+    Open("Waveform");
+    ExpectThatItStays(Active().TraceView(), {Qt::Key_Down, Qt::Key_Up, Qt::Key_Right, Qt::Key_Left,
+                                             Qt::Key_PageDown, Qt::Key_PageUp});
+}
+
+TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatItsBarHasNoUseFor) {
+    Open("State");
+    ExpectThatItStays(Active().Bar().SetupBox(), {Qt::Key_Right, Qt::Key_Left});
+    ExpectThatItStays(Active().Bar().GoButton(), {Qt::Key_PageDown, Qt::Key_PageUp});
+    TurnWheel(Active().Bar().Gauge(), {0, -120});
+    EXPECT_EQ(Active().pos(), place);
 }
 
 TEST_F(InDemoMode, StatusBarSaysSo) {
@@ -340,6 +459,9 @@ TEST_F(InDemoMode, SwitchedDisplayKeepsTheCentreSample) {
     EXPECT_FALSE(Active().IsStateFrame());
     EXPECT_EQ(Active().TraceView().CenterSample(), center);
     EXPECT_EQ(Trace().Views().size(), 1U);
+    const GaugeState& gauge = Active().GetGauge().State();
+    EXPECT_EQ(gauge.windowFirst, Active().TraceView().TopSample());
+    EXPECT_EQ(gauge.windowLast, Active().TraceView().findChild<CWaveformWnd*>()->LastSample());
 }
 
 TEST_F(InDemoMode, ZoomChangesTheScaleOfWaveforms) {
@@ -353,6 +475,11 @@ TEST_F(InDemoMode, ZoomChangesTheScaleOfWaveforms) {
     Choose("View/Zoom Out");
     Choose("View/Zoom Out");
     EXPECT_EQ(waves.Zoom(), 15);
+    for (const Qt::Key key : {Qt::Key_Plus, Qt::Key_Equal}) { // "+" needs Shift on many keyboards
+        const int before = waves.Zoom();
+        QTest::keyClick(&Frame(), key, Qt::ControlModifier);
+        EXPECT_EQ(waves.Zoom(), before + 5) << key;
+    }
     waves.SetZoom(400);
     EXPECT_FALSE(Entry("View/Zoom In").isEnabled());
     EXPECT_TRUE(Entry("View/Zoom Out").isEnabled());

@@ -1,4 +1,5 @@
 #include "support/board_tables.h"
+#include "support/scroll_bar_qt.h"
 #include "ui/signals/define_signal_dialog.h"
 
 #include <QAbstractButton>
@@ -69,6 +70,22 @@ TEST_F(DefineSignal, ScrollsFromTheFirstToTheLastRow) {
     EXPECT_NE(table->grab().toImage(), before);
     bar->setValue(127);
     EXPECT_EQ(table->TopRow(), 127);
+}
+
+TEST_F(DefineSignal, TheWheelMovesTheRowsAndWithShiftTheColumns) {
+    CDefineSignalDialog dialog(nullptr);
+    dialog.resize(500, 380);
+    dialog.show();
+    auto& table = *dialog.findChild<LayoutTable*>();
+    TurnWheel(table, {0, -240});
+    EXPECT_EQ(table.TopRow(), 2);
+    TurnWheel(table, {0, -120}, Qt::ShiftModifier);
+    EXPECT_EQ(table.TopRow(), 2);
+    EXPECT_LT(table.x(), -20);
+    TurnWheel(table, {0, 1200}, Qt::ShiftModifier);
+    TurnWheel(table, {0, 1200});
+    EXPECT_EQ(table.x(), 0);
+    EXPECT_EQ(table.TopRow(), 0);
 }
 
 TEST_F(DefineSignal, OkOnlyClosesIt) {
