@@ -108,6 +108,19 @@ TEST_F(TraceCommands, ListAsTableForPrograms) {
                         "[1, \"\"]\n]}\n");
 }
 
+TEST_F(TraceCommands, ACellThatShowsBlanksIsEmpty) {
+    // Idle clocks have all byte lanes off; the second sample has one of them on.
+    dir.Write("a.tra", header + "\"Trace Data\",0,1\n" + Row(0, 0x1234, 0xFF, false) +
+                           Row(1, 0x1234, 0xFE, false));
+    EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32", "--format", "csv"}).out,
+              "SAMPLE,DATA32\n0,\n1,\"      34\"\n");
+    EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32", "--json"}).out,
+              "{\"columns\": [\"SAMPLE\", \"DATA32\"],\n\"rows\": [\n[0, \"\"],\n"
+              "[1, \"      34\"]\n]}\n");
+    EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32,FRAME"}).out,
+              "SAMPLE  DATA32    FRAME\n     0            1\n     1        34  1\n");
+}
+
 TEST_F(TraceCommands, ListShowsLinesOfABusAndSignalsThatNoListHas) {
     SmallCapture();
     const ProgramRun run = Run({"list", "small.tra", "--columns", "AD[5],AD[7:4],RULE CHECK,SBO",
