@@ -142,7 +142,12 @@ int RunFilter(const Arguments& arguments) {
     }
     // What stands around the rows stays as it is, known to this program or not.
     Output output(arguments.Value("output"));
-    input.CopyBytes(0, stream.BlockBegin(), output);
+    std::uint64_t from = 0;
+    for (const TraceFileReader::Block& block : stream.BlocksBefore()) {
+        input.CopyBytes(from, block.begin, output);
+        from = block.end;
+    }
+    input.CopyBytes(from, stream.BlockBegin(), output);
     output.Write(Printf("\"Trace Data\",%lld,%lld\n", static_cast<long long>(stream.First()),
                         static_cast<long long>(stream.Last())));
     input.ReadHead();

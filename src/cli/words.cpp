@@ -29,6 +29,13 @@ std::string ValueWords(const CSignal& signal, unsigned event) {
     return signal.Bit(event) ? "1" : "0";
 }
 
+/// "1st", "2nd", "3rd", "4th"; the numbers from 11 to 13 are like 4.
+std::string Ordinal(int number) {
+    const int last = number / 10 % 10 == 1 ? 0 : number % 10;
+    const char* ending = last == 1 ? "st" : last == 2 ? "nd" : last == 3 ? "rd" : "th";
+    return std::to_string(number) + ending;
+}
+
 std::string ActionWords(bool trigger, std::int32_t level, int here) {
     const std::string where =
         level == here ? "stay in this level" : Printf("go to level %d", level + 1);
@@ -46,7 +53,7 @@ std::string LevelWords(const TraceLevel& level, int number) {
                                : store == "None" ? "store nothing"
                                                  : "store samples with " + store;
     const std::string times =
-        level.occurs > 1 ? Printf(" for the %dth time", level.occurs) : std::string();
+        level.occurs > 1 ? " for the " + Ordinal(level.occurs) + " time" : std::string();
     std::string words = Printf("Level %d: %s; ", number + 1, stored.c_str());
     if (FormatExpression(level.ifExpr) == "None") {
         return words + ActionWords(level.elseTrigger, level.elseGoto, number);

@@ -230,6 +230,19 @@ TEST_F(TraceCommands, ListAsTableForPrograms) {
                         "[1, \"\"]\n]}\n");
 }
 
+TEST_F(TraceCommands, ACellThatShowsBlanksIsEmpty) {
+    // Idle clocks have all byte lanes off; the second sample has one of them on.
+    dir.Write("a.tra", header + "\"Trace Data\",0,1\n" + Row(0, 0x1234, 0xFF, false) +
+                           Row(1, 0x1234, 0xFE, false));
+    EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32", "--format", "csv"}).out,
+              "SAMPLE,DATA32\n0,\n1,\"      34\"\n");
+    EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32", "--json"}).out,
+              "{\"columns\": [\"SAMPLE\", \"DATA32\"],\n\"rows\": [\n[0, \"\"],\n"
+              "[1, \"      34\"]\n]}\n");
+    EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32,FRAME"}).out,
+              "SAMPLE  DATA32    FRAME\n     0            1\n     1        34  1\n");
+}
+
 TEST_F(TraceCommands, ListShowsLinesOfABusAndSignalsThatNoListHas) {
     SmallCapture();
     const ProgramRun run = Run({"list", "small.tra", "--columns", "AD[5],AD[7:4],RULE CHECK,SBO",
@@ -293,6 +306,24 @@ TEST_F(TraceCommands, SearchWithoutAMatch) {
     EXPECT_EQ(Run({"search", "small.tra", "-p", "AD=999", "--all", "--json"}).out, "[]\n");
     EXPECT_EQ(Run({"search", "small.tra", "-p", "AD=999", "-o", "out"}).status, 1);
     EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
+}
+
+TEST_F(TraceCommands, SearchAndFilterTakeZerosForAValue) {
+    // A few of the thousands of samples outside address phases have zeros on the lower lines.
+    const std::string all =
+        Run({"search", data + "Trigger2.tra", "-p", "DATA32=00000000", "--all"}).out;
+    EXPECT_EQ(std::count(all.begin(), all.end(), '\n'), 36);
+    EXPECT_EQ(all, Run({"search", data + "Trigger2.tra", "-p", "AD[31:0]=00000000", "-p",
+                        "ADR/DATA=Data", "--all"})
+                       .out);
+    EXPECT_EQ(Run({"search", data + "Trigger2.tra", "-p", "ADDRESS32=00000000", "--all"}).out,
+              Run({"search", data + "Trigger2.tra", "-p", "AD[31:0]=00000000", "-p",
+                   "ADR/DATA=Address", "--all"})
+                  .out);
+    EXPECT_EQ(
+        Run({"filter", data + "Trigger2.tra", "-p", "DATA32=00000000", "-o", "zeros.tra"}).status,
+        0);
+    EXPECT_THAT(Run({"info", "zeros.tra"}).out, HasSubstr("Samples:           36\n"));
 }
 
 TEST_F(TraceCommands, SearchDoesNotFindSamplesThatTheFileLacks) {
@@ -446,6 +477,29 @@ TEST_F(TraceCommands, SetupInWordsAndBytes) {
     EXPECT_THAT(lark.out, HasSubstr("{\"command\": \"CmdTraceParams\", \"register\": 420, "
                                     "\"bytes\": \"00 01 01\"}"));
     EXPECT_EQ(Run({"setup", "-"}, ReadWholeFile(data + "ReadAfterWrites.tsp")).out, words.out);
+}
+
+TEST_F(TraceCommands, SetupCountsInOrdinals) {
+    const std::string setup = ReadWholeFile(data + "ReadAfterWrites.tsp");
+    const std::string hundred = "\"E1\",100,";
+    const auto at = setup.find(hundred);
+    ASSERT_NE(at, std::string::npos);
+    for (const auto& [count, words] :
+         std::initializer_list<std::pair<const char*, const char*>>{{"2", "2nd"},
+                                                                    {"3", "3rd"},
+                                                                    {"4", "4th"},
+                                                                    {"11", "11th"},
+                                                                    {"12", "12th"},
+                                                                    {"13", "13th"},
+                                                                    {"21", "21st"},
+                                                                    {"22", "22nd"},
+                                                                    {"111", "111th"},
+                                                                    {"65535", "65535th"}}) {
+        std::string text = setup;
+        dir.Write("a.tsp", text.replace(at, hundred.size(), "\"E1\"," + std::string(count) + ","));
+        EXPECT_THAT(Run({"setup", "a.tsp"}).out,
+                    HasSubstr("; on E1 for the " + std::string(words) + " time, go to level 2;"));
+    }
 }
 
 TEST_F(TraceCommands, SetupThatIsNone) {

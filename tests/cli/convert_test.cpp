@@ -152,6 +152,65 @@ TEST_P(Conversion, ATableHasARowForEachSample) {
     EXPECT_THAT(table, HasSubstr("\n-5,0,"));
 }
 
+/// The rows of a table as cells, blanks left out.
+std::vector<std::vector<std::string>> CellsOf(const std::string& table) {
+    std::vector<std::vector<std::string>> rows(1, std::vector<std::string>(1));
+    bool quoted = false;
+    for (const char c : table) {
+        if (c == '"') {
+            quoted = !quoted;
+        } else if (c == '\n') {
+            rows.emplace_back(1);
+        } else if (c == ',' && !quoted) {
+            rows.back().emplace_back();
+        } else if (c != ' ') {
+            rows.back().back() += c;
+        }
+    }
+    rows.pop_back();
+    return rows;
+}
+
+TEST_P(Conversion, DecodedCellsAreThoseOfTheListing) {
+    Convert({"-o", "a.csv"});
+    std::vector<std::string> list = {"list", "a.tra", "--format", "csv"};
+    list.insert(list.end(), GetParam().options.begin(), GetParam().options.end());
+    const auto listed = CellsOf(RunTrace(list, {.folder = dir.Path()}).out);
+    const auto table = CellsOf(ReadWholeFile(dir.File("a.csv")));
+    ASSERT_EQ(listed.size(), samples + 1U);
+    ASSERT_EQ(table.size(), listed.size());
+    std::size_t compared = 0;
+    for (std::size_t column = 2; column < table[0].size(); ++column) {
+        const std::string& name = table[0][column];
+        const auto same = std::ranges::find(listed[0], name);
+        if (name.starts_with("TIME") || same == listed[0].end()) {
+            continue; // times are numbers in the table
+        }
+        ++compared;
+        const auto place = static_cast<std::size_t>(same - listed[0].begin());
+        for (std::size_t row = 1; row < table.size(); ++row) {
+            ASSERT_EQ(table[row][column], listed[row][place]) << name << " " << listed[row][0];
+        }
+    }
+    EXPECT_GT(compared, 10U);
+}
+
+TEST_P(Conversion, BitsAreUnknownWhereADecodedTextIsEmpty) {
+    Convert({"-o", "a.vcd"});
+    const ParsedDump dump = ParseDump(ReadWholeFile(dir.File("a.vcd")));
+    for (std::size_t i = 0; i + 1 < dump.order.size(); ++i) {
+        const std::string& name = dump.order[i];
+        const std::string& text = dump.order[i + 1];
+        if (text.find("_text") == std::string::npos) {
+            continue;
+        }
+        for (const auto& [time, values] : dump.values) {
+            const bool isKnown = values.at(name).find_first_not_of('x') != std::string::npos;
+            ASSERT_EQ(isKnown, !TextOfBits(values.at(text)).empty()) << name << " at " << time;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Families, Conversion,
     testing::Values(FamilyCase{"Pci32", boardsim::Family::Pci32, {}},

@@ -54,6 +54,10 @@ struct Pipe {
         const rlimit limit{input.diskBytes, input.diskBytes};
         ::setrlimit(RLIMIT_FSIZE, &limit);
     }
+    if (input.memoryBytes != 0) {
+        const rlimit limit{input.memoryBytes, input.memoryBytes};
+        ::setrlimit(RLIMIT_AS, &limit);
+    }
     if (!input.folder.empty() && ::chdir(input.folder.c_str()) != 0) {
         std::_Exit(126);
     }

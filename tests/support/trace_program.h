@@ -19,9 +19,10 @@ struct ProgramInput {
     std::string temporaryFolder = {};     // for its temporary files; the usual where it is empty
     std::function<void()> meanwhile = {}; // called again and again while it runs
     std::function<bool()> interruptWhen =
-        {};                     // the same; where it is true first, an interrupt is sent
-    std::size_t diskBytes = 0;  // that a file can have before its disk is full; 0: any number
-    std::size_t readAtMost = 0; // of its standard output, which is then closed; 0: all
+        {};                      // the same; where it is true first, an interrupt is sent
+    std::size_t memoryBytes = 0; // of addresses that it gets; 0: any number
+    std::size_t diskBytes = 0;   // that a file can have before its disk is full; 0: any number
+    std::size_t readAtMost = 0;  // of its standard output, which is then closed; 0: all
 };
 
 /// Runs busquill-trace as a process of its own, for at most a minute.

@@ -277,6 +277,18 @@ TEST_F(TraceProgramCapture, NothingIsFoundWhenNoRunHoldsIt) {
     EXPECT_THAT(run.err, Not(HasSubstr("found")));
 }
 
+TEST_F(TraceProgramCapture, ARunIsNotEndedByZerosThatItDoesNotHold) {
+    StartSeeded();
+    const ProgramRun run = Capture(Writes(40), {"--stop-if-found", "ADDRESS32=00000000"});
+    const TraceRows rows = Captured();
+    const auto found = std::ranges::count_if(rows.records, [](const Record& record) {
+        return GetBit(record, 95) && GetField(record, 0, 32) == 0;
+    });
+    ASSERT_EQ(found, 0);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(run.err, Not(HasSubstr("found")));
+}
+
 TEST_F(TraceProgramCapture, WithoutATriggerEndsWithItsTimeAndKeepsWhatHasCome) {
     StartSeeded();
     const ProgramRun run = Capture(Never(), {"--timeout", "4"});

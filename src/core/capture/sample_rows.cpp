@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t recordBytes = sizeof(SampleRecord);
 constexpr std::size_t rowFields = 1 + recordBytes;
-constexpr int maxNumberDigits = 9; // fits 32 bits
+constexpr unsigned maxNumberDigits = 9; // fits 32 bits
 
 /// ",0" to ",255".
 class ByteTexts {
@@ -149,6 +149,32 @@ std::size_t ParsePlainRows(std::string_view text, std::size_t limit, SampleRows&
     return taken;
 }
 
+std::size_t SkipAscendingRows(std::string_view text, std::int64_t& last) noexcept {
+    text = text.substr(0, text.find('"')); // which may carry a value over the end of a line
+    std::size_t taken = 0;
+    while (taken < text.size()) {
+        std::size_t at = taken;
+        const bool negative = text[at] == '-';
+        at += negative ? 1 : 0;
+        const std::size_t digits = at;
+        std::int64_t number = 0;
+        while (at < text.size() && text[at] >= '0' && text[at] <= '9' &&
+               at - digits < maxNumberDigits) {
+            number = number * 10 + (text[at++] - '0');
+        }
+        const bool plain = at > digits && at < text.size() && text[at] == ',';
+        number = negative ? -number : number;
+        const std::size_t feed =
+            plain && number > last ? text.find('\n', at) : std::string_view::npos;
+        if (feed == std::string_view::npos) {
+            break;
+        }
+        last = number;
+        taken = feed + 1;
+    }
+    return taken;
+}
+
 bool ParsePlainRow(std::string_view line, SampleRows& rows) {
     const char* at = line.data();
     const char* const end = at + line.size();
@@ -159,7 +185,8 @@ bool ParsePlainRow(std::string_view line, SampleRows& rows) {
         at += negative ? 1 : 0;
         const char* const digits = at;
         std::int32_t value = 0;
-        while (at != end && *at >= '0' && *at <= '9' && at - digits < maxNumberDigits) {
+        while (at != end && *at >= '0' && *at <= '9' &&
+               static_cast<unsigned>(at - digits) < maxNumberDigits) {
             value = value * 10 + (*at++ - '0');
         }
         const bool last = field == rowFields - 1;

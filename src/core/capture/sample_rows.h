@@ -34,7 +34,13 @@ struct SampleRows {
 [[nodiscard]] std::size_t ParsePlainRows(std::string_view text, std::size_t limit,
                                          SampleRows& rows);
 
-/// The same for one line without its end, a byte at a time. False when the line is anything else.
+/// Takes whole rows that ascend from the beginning of `text`, and looks at their numbers only;
+/// `last` is the number of the row before, and becomes that of the last one taken. Stops where
+/// anything else comes. Returns how many bytes it took.
+[[nodiscard]] std::size_t SkipAscendingRows(std::string_view text, std::int64_t& last) noexcept;
+
+/// As ParsePlainRows for one line without its end, a byte at a time. False when the line is
+/// anything else.
 [[nodiscard]] bool ParsePlainRow(std::string_view line, SampleRows& rows);
 
 /// The same for the fields of any line: numbers as the C library reads them.

@@ -125,9 +125,8 @@ void CSampleStore::BeginUpload() {
         if (samplesBefore_ == 0 && samplesAfter_ <= 0) {
             return;
         }
-        samples_.assign(static_cast<std::size_t>(samplesBefore_) +
-                            static_cast<std::size_t>(samplesAfter_) + 1,
-                        SampleRecord());
+        samples_.Reset(static_cast<std::size_t>(samplesBefore_) +
+                       static_cast<std::size_t>(samplesAfter_) + 1);
         const auto blocks = static_cast<std::uint32_t>((samples_.size() - 1) / blockSamples + 1);
         uploadedBlocks_.assign(WordsFor(blocks), 0);
         forwardIndex_ = BlockStart(samplesBefore_);
@@ -352,7 +351,8 @@ std::optional<SampleCounts> CountsOfRange(std::int64_t first, std::int64_t last)
 
 bool CSampleStore::AllocateForFile(std::int64_t first, std::int64_t last) {
     const MutexLock lock(storeLock_);
-    Free();
+    samples_.clear(); // Power Zoom samples may have come before
+    uploadedBlocks_.clear();
     const auto counts = CountsOfRange(first, last);
     if (!counts) {
         return false;
@@ -364,7 +364,7 @@ bool CSampleStore::AllocateForFile(std::int64_t first, std::int64_t last) {
     if (count < 1) {
         return true;
     }
-    samples_.resize(static_cast<std::size_t>(count));
+    samples_.Reset(static_cast<std::size_t>(count));
     uploadedBlocks_.assign(WordsFor(static_cast<std::uint32_t>((count - 1) / blockSamples + 1)), 0);
     return true;
 }
@@ -403,7 +403,7 @@ void CSampleStore::FreeSamples() {
 }
 
 void CSampleStore::Free() {
-    samples_ = {};
+    samples_.clear();
     uploadedBlocks_ = {};
     forwardIndex_ = -1;
     backwardIndex_ = -1;
@@ -435,7 +435,7 @@ std::size_t CSampleStore::CopySamples(std::uint32_t first, std::span<SampleRecor
 
 std::vector<SampleRecord> CSampleStore::AllSamples(bool zoom) const {
     const MutexLock lock(storeLock_);
-    return zoom ? zoomSamples_ : samples_;
+    return zoom ? zoomSamples_ : std::vector<SampleRecord>(samples_.begin(), samples_.end());
 }
 
 bool CSampleStore::HasSample(std::uint32_t index) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/mutex.h"
+#include "platform/zeroed_array.h"
 #include "signals/signal.h"
 
 #include <array>
@@ -149,7 +150,7 @@ private:
     std::unique_ptr<Board> board_;
 
     mutable Mutex storeLock_;
-    std::vector<SampleRecord> samples_ BUSQUILL_GUARDED_BY(storeLock_);
+    ZeroedArray<SampleRecord> samples_ BUSQUILL_GUARDED_BY(storeLock_);
     std::vector<std::uint32_t> uploadedBlocks_ BUSQUILL_GUARDED_BY(storeLock_); // one bit a block
     std::int32_t samplesBefore_ BUSQUILL_GUARDED_BY(storeLock_) = 0;
     std::int32_t samplesAfter_ BUSQUILL_GUARDED_BY(storeLock_) = 0;

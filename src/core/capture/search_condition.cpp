@@ -94,9 +94,8 @@ std::string SearchCondition::ParseDigits(std::string_view text, const NamedSigna
     const std::size_t all = DigitCount(signal);
     const std::string digits = DigitsOf(text, all);
     const auto wrong = [&] {
-        const std::string labels = signal.decoded && signal.positions.size() <= 8
-                                       ? ListNearest(text, LabelsOf(*signal.decoded))
-                                       : "";
+        const std::string labels =
+            signal.decoded ? ListNearest(text, LabelsOf(*signal.decoded)) : "";
         return Printf("%s takes %zu hexadecimal digit%s, x for any%s%s; not \"%s\"",
                       signal.name.c_str(), all, all == 1 ? "" : "s",
                       labels.empty() ? "" : ", or a label: ", labels.c_str(),
@@ -128,7 +127,7 @@ std::string SearchCondition::ParseDigits(std::string_view text, const NamedSigna
 std::string SearchCondition::ParseValue(std::string_view text, const NamedSignal& signal,
                                         const BoardTraits& board, std::vector<Bits>& ways) {
     const std::string_view value = Trim(text);
-    if (signal.decoded) {
+    if (signal.decoded && signal.decoded->ReadsAsLabel()) {
         for (const CDecodedValue& each : signal.decoded->values) {
             if (each.label[0] == '\0' || !EqualIgnoringCase(each.label, value)) {
                 continue;

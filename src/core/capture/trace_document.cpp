@@ -5,7 +5,7 @@
 #include "platform/working_directory.h"
 
 #include <algorithm>
-#include <numeric>
+#include <bit>
 
 namespace busquill {
 
@@ -133,7 +133,14 @@ void CTesselDoc::ClearData() {
 void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {
     // A capture that runs has samples in the store that belong to the one before.
     const bool shown = zoom || sampleCount_ > 0;
-    list.LoadSignal(&signal, 0, shown ? GetStore().AllSamples(zoom) : std::vector<SampleRecord>());
+    if (!shown) {
+        list.LoadSignal(&signal, 0, {});
+    } else if (isRealTime_) {
+        list.LoadSignal(&signal, 0, GetStore().AllSamples(zoom));
+    } else {
+        const auto absent = zoom ? std::span<const std::uint32_t>() : excludedBits;
+        list.LoadSignal(&signal, 0, store.GetData(zoom), absent);
+    }
 }
 
 void CTesselDoc::SetSetupName(const std::string& path, const std::string& name) {
@@ -287,12 +294,31 @@ void CTesselDoc::FlushBlockUpdates() {
 void CTesselDoc::AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid) {
     const auto count = static_cast<std::uint32_t>(total);
     sampleCount_ = total;
-    rowCount_ = total;
     firstSampleNumber_ = firstNumber;
     validBits_.assign(WordsFor(count), valid ? ~0U : 0);
     matchBits_.assign(WordsFor(count), ~0U);
-    rowTable_.resize(count);
-    std::iota(rowTable_.begin(), rowTable_.end(), 0U);
+    for (std::size_t i = 0; i < std::min(matchBits_.size(), excludedBits.size()); ++i) {
+        matchBits_[i] &= ~excludedBits[i];
+    }
+    ListRows();
+}
+
+void CTesselDoc::ListRows() {
+    std::size_t matches = 0;
+    for (const std::uint32_t word : matchBits_) {
+        matches += static_cast<std::size_t>(std::popcount(word));
+    }
+    rowTable_ = {};
+    rowTable_.reserve(matches);
+    for (std::size_t i = 0; i < matchBits_.size(); ++i) {
+        for (std::uint32_t word = matchBits_[i]; word != 0; word &= word - 1) {
+            const std::size_t sample = i * 32 + static_cast<std::size_t>(std::countr_zero(word));
+            if (static_cast<std::int64_t>(sample) < sampleCount_) {
+                rowTable_.push_back(static_cast<std::uint32_t>(sample));
+            }
+        }
+    }
+    rowCount_ = static_cast<std::int64_t>(rowTable_.size());
 }
 
 void CTesselDoc::PlaceTrigger(const SampleCounts& counts) {
@@ -315,14 +341,6 @@ void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
 
 void CTesselDoc::RebuildMapsFromFile() {
     AllocateMaps(store.GetCount(false), store.FirstNumber(), true);
-    if (!excludedBits.empty()) {
-        const auto excluded = [this](std::uint32_t sample) { return BitOf(excludedBits, sample); };
-        std::erase_if(rowTable_, excluded);
-        rowCount_ = static_cast<std::int64_t>(rowTable_.size());
-        for (std::size_t i = 0; i < matchBits_.size(); ++i) {
-            matchBits_[i] &= ~excludedBits[i];
-        }
-    }
     PlaceTrigger({store.SamplesBefore(), store.SamplesAfter()});
     UpdateAllViews(nullptr, HintDataComplete);
 }

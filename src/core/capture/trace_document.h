@@ -159,6 +159,8 @@ private:
     void BuildDefaultLists();
     void ForgetSamples();
     void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
+    /// Makes the rows of the samples that match.
+    void ListRows();
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);
     void SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,

@@ -1,10 +1,11 @@
 #include "capture/trace_file.h"
 
+#include "capture/sample_store.h"
 #include "capture/trace_document.h"
-#include "capture/trace_parser.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "platform/text_file.h"
+#include "signals/signal_list.h"
 #include "tracesetup/setup_file.h"
 
 #include <algorithm>
@@ -15,114 +16,101 @@ namespace {
 
 constexpr std::int64_t zoomFirst = -255;
 
-/// Fills a document with what a file holds.
-class TraceFileReader {
-public:
-    TraceFileReader(CTesselDoc& document, TextReader& file)
-        : document_(document), parser_({document.comment, document.setup, document.stateList,
-                                        document.waveformList, document.zoomList},
-                                       file) {}
-
-    /// False when the file's range of samples is larger than any capture.
-    bool Read() {
-        while (true) {
-            switch (parser_.Next()) {
-            case TraceParser::Event::Samples:
-                if (!BeginSamples()) {
-                    return false;
-                }
-                break;
-            case TraceParser::Event::Zoom:
-                document_.store.ResetZoom();
-                block_ = Block::Zoom;
-                break;
-            case TraceParser::Event::Rows:
-                TakeRows();
-                break;
-            case TraceParser::Event::EndOfBlock:
-                EndBlock();
-                break;
-            case TraceParser::Event::End:
-                if (!dataRead_) {
-                    LoadLists(0);
-                }
-                return true;
-            }
-        }
-    }
-
-    [[nodiscard]] const TraceParser& Parser() const noexcept { return parser_; }
-
-private:
-    enum class Block { Samples, Zoom };
-
-    bool BeginSamples() {
-        if (!document_.store.AllocateForFile(parser_.First(), parser_.Last())) {
-            return false;
-        }
-        lastRead_ = parser_.First() - 1;
-        const std::uint32_t count = document_.store.GetCount(false);
-        document_.excludedBits.assign(WordsFor(count), ~0U);
-        block_ = Block::Samples;
-        return true;
-    }
-
-    void TakeRows() {
-        const SampleRows& rows = parser_.Rows();
-        for (std::size_t i = 0; i < rows.Size(); ++i) {
-            const std::int64_t first = block_ == Block::Zoom ? zoomFirst : parser_.First();
-            if (const std::int64_t index = rows.numbers[i] - first; index >= 0) {
-                block_ == Block::Zoom ? document_.store.PutZoomSample(
-                                            static_cast<std::uint32_t>(index), rows.records[i])
-                                      : TakeSample(index, rows.numbers[i], rows.records[i]);
-            }
-        }
-    }
-
-    void TakeSample(std::int64_t index, std::int64_t number, const SampleRecord& record) {
-        lastRead_ = number;
-        if (index >= document_.store.GetCount(false)) {
-            return;
-        }
-        const auto sample = static_cast<std::uint32_t>(index);
-        document_.store.PutSample(sample, record);
-        document_.excludedBits[sample / 32] &= ~(1U << (sample % 32));
-    }
-
-    void EndBlock() {
-        if (block_ == Block::Zoom) {
-            LoadZoomList();
-        } else {
-            LoadLists(lastRead_ < parser_.First() ? 0 : document_.store.GetCount(false));
-        }
-    }
-
-    void LoadLists(std::uint32_t count) {
-        dataRead_ = true;
-        const auto load = [&](CSignalList& list, bool present, std::uint32_t mode) {
-            CompleteList(list, present, mode);
-            list.ResizeSamples(count);
-            list.LoadSamples(0, document_.store.GetData(false).first(count));
-        };
-        load(document_.stateList, parser_.HasStateList(), ModeState);
-        load(document_.waveformList, parser_.HasWaveformList(), ModeWaveform);
-    }
-
-    void LoadZoomList() {
-        CSignalList& list = document_.zoomList;
-        CompleteZoomList(list, parser_.HasZoomList());
-        list.ResizeSamples(zoomSampleCount);
-        list.LoadSamples(0, document_.store.GetData(true));
-    }
-
-    CTesselDoc& document_;
-    TraceParser parser_;
-    bool dataRead_ = false;
-    Block block_ = Block::Samples;
-    std::int64_t lastRead_ = 0;
-};
-
 } // namespace
+
+bool TraceFileReader::Read(bool fillLists) {
+    while (true) {
+        const TraceParser::Event event = parser_.Next();
+        cutOff_ = cutOff_ && event == TraceParser::Event::End;
+        switch (event) {
+        case TraceParser::Event::Samples:
+            if (!BeginSamples()) {
+                return false;
+            }
+            break;
+        case TraceParser::Event::Zoom:
+            store_.ResetZoom();
+            inZoom_ = true;
+            break;
+        case TraceParser::Event::Rows:
+            TakeRows();
+            break;
+        case TraceParser::Event::EndOfBlock:
+            EndBlock(fillLists);
+            break;
+        case TraceParser::Event::End:
+            if (blocks_.empty()) {
+                CompleteLists(fillLists);
+            }
+            return true;
+        }
+    }
+}
+
+bool TraceFileReader::BeginSamples() {
+    if (!store_.AllocateForFile(parser_.First(), parser_.Last())) {
+        return false;
+    }
+    lastRead_ = parser_.First() - 1;
+    absent_.assign(WordsFor(store_.GetCount(false)), ~0U);
+    blocks_.push_back({parser_.BlockLine(), 0});
+    inZoom_ = false;
+    return true;
+}
+
+void TraceFileReader::TakeRows() {
+    const SampleRows& rows = parser_.Rows();
+    const std::int64_t first = inZoom_ ? zoomFirst : parser_.First();
+    for (std::size_t i = 0; i < rows.Size(); ++i) {
+        if (const std::int64_t index = rows.numbers[i] - first; index >= 0) {
+            inZoom_ ? store_.PutZoomSample(static_cast<std::uint32_t>(index), rows.records[i])
+                    : TakeSample(index, rows.numbers[i], rows.records[i]);
+        }
+    }
+}
+
+void TraceFileReader::TakeSample(std::int64_t index, std::int32_t number,
+                                 const SampleRecord& record) {
+    lastRead_ = number;
+    if (index >= store_.GetCount(false)) {
+        return;
+    }
+    const auto sample = static_cast<std::uint32_t>(index);
+    store_.PutSample(sample, record);
+    absent_[sample / 32] &= ~(1U << (sample % 32));
+}
+
+void TraceFileReader::EndBlock(bool fillLists) {
+    if (inZoom_) {
+        LoadZoomList(fillLists);
+        return;
+    }
+    blocks_.back().end = parser_.BlockLine();
+    cutOff_ = !parser_.HasEndOfBlock();
+    CompleteLists(fillLists);
+}
+
+void TraceFileReader::CompleteLists(bool fill) {
+    const bool any = !blocks_.empty() && lastRead_ >= parser_.First();
+    const std::uint32_t count = any ? store_.GetCount(false) : 0;
+    const auto complete = [&](CSignalList& list, bool present, std::uint32_t mode) {
+        CompleteList(list, present, mode);
+        if (fill) {
+            list.ResizeSamples(count);
+            list.LoadSamples(0, store_.GetData(false).first(count), absent_);
+        }
+    };
+    complete(parts_.stateList, parser_.HasStateList(), ModeState);
+    complete(parts_.waveformList, parser_.HasWaveformList(), ModeWaveform);
+}
+
+void TraceFileReader::LoadZoomList(bool fill) {
+    CompleteZoomList(parts_.zoomList, parser_.HasZoomList());
+    if (fill) {
+        parts_.zoomList.ResizeSamples(zoomSampleCount);
+        parts_.zoomList.LoadSamples(0, store_.GetData(true));
+    }
+}
 
 void CompleteList(CSignalList& list, bool present, std::uint32_t mode) {
     if (present) {
@@ -150,21 +138,24 @@ TraceFileContents ReadTraceFile(CTesselDoc& document, const std::string& path, P
         prompts.Message(Printf("Error opening file %s.", path.c_str()));
         return {};
     }
-    TraceFileReader reader(document, file);
-    if (!reader.Read()) {
+    const TraceParser::Parts parts{document.comment, document.setup, document.stateList,
+                                   document.waveformList, document.zoomList};
+    TraceParser parser(parts, file);
+    TraceFileReader reader(parts, parser, document.store, document.excludedBits);
+    if (!reader.Read(true)) {
         prompts.Message(
             Printf("Error reading file %s: no capture has so many samples.", path.c_str()));
         return {};
     }
-    if (reader.Parser().FileType() != traceFileType) {
+    if (parser.FileType() != traceFileType) {
         prompts.Message(Printf(fileTypeMissing, traceFileType));
         return {};
     }
-    if (reader.Parser().Version() != fileVersion) {
+    if (parser.Version() != fileVersion) {
         prompts.Message(Printf(fileVersionMissing, fileVersion));
         return {};
     }
-    return {true, reader.Parser().HasStateList(), document.store.HasZoom()};
+    return {true, parser.HasStateList(), document.store.HasZoom()};
 }
 
 } // namespace busquill

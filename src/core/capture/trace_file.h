@@ -1,13 +1,59 @@
 #pragma once
 
+#include "capture/trace_parser.h"
+
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace busquill {
 
-class CSignalList;
+class CSampleStore;
 class CTesselDoc;
 class Prompts;
+
+/// Reads all of a trace file into memory, in whatever order it stands there: of samples with the
+/// same number, and of several blocks, the last counts.
+class TraceFileReader {
+public:
+    /// Bytes of the file, from the first to before the end.
+    struct Block {
+        std::uint64_t begin = 0;
+        std::uint64_t end = 0;
+    };
+
+    /// The file's samples go into the store. `absent` gets a bit for each sample of their range,
+    /// set for those that the file does not mention.
+    TraceFileReader(const TraceParser::Parts& parts, TraceParser& parser, CSampleStore& store,
+                    std::vector<std::uint32_t>& absent)
+        : parts_(parts), parser_(parser), store_(store), absent_(absent) {}
+
+    /// False when the file's range of samples is larger than any capture. `fillLists`: the signals
+    /// get the samples too.
+    [[nodiscard]] bool Read(bool fillLists);
+
+    /// The blocks of samples, of which the last has been kept.
+    [[nodiscard]] const std::vector<Block>& Blocks() const noexcept { return blocks_; }
+    /// Whether the file has ended in the middle of them.
+    [[nodiscard]] bool CutOff() const noexcept { return cutOff_; }
+
+private:
+    bool BeginSamples();
+    void TakeRows();
+    void TakeSample(std::int64_t index, std::int32_t number, const SampleRecord& record);
+    void EndBlock(bool fillLists);
+    void CompleteLists(bool fill);
+    void LoadZoomList(bool fill);
+
+    TraceParser::Parts parts_;
+    TraceParser& parser_;
+    CSampleStore& store_;
+    std::vector<std::uint32_t>& absent_;
+    std::vector<Block> blocks_;
+    bool inZoom_ = false;
+    bool cutOff_ = false;
+    std::int64_t lastRead_ = 0;
+};
 
 /// What a trace file holds beyond its samples.
 struct TraceFileContents {

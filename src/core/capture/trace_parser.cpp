@@ -6,13 +6,17 @@
 #include "signals/signal_list.h"
 #include "tracesetup/setup_file.h"
 
+#include <limits>
+
 namespace busquill {
 
 TraceParser::Event TraceParser::Next() {
     rows_.Clear();
     while (waiting_.empty() && rows_.Size() < rowsAtOnce) {
         if (inBlock_) {
-            file_.Skip(ParsePlainRows(file_.AtHand(), rowsAtOnce, rows_));
+            file_.Skip(skims_ && ascends_ && !inZoom_
+                           ? SkipAscendingRows(file_.AtHand(), lastNumber_)
+                           : ParsePlainRows(file_.AtHand(), rowsAtOnce, rows_));
             if (rows_.Size() >= rowsAtOnce) {
                 break;
             }
@@ -33,6 +37,9 @@ TraceParser::Event TraceParser::Next() {
                 blockLine_ = start;
             }
         }
+        if (skims_) {
+            SkimRows();
+        }
     }
     if (!rows_.Empty()) {
         return Event::Rows;
@@ -45,6 +52,29 @@ TraceParser::Event TraceParser::Next() {
 }
 
 void TraceParser::Dispatch(const Fields& fields) {
+    const std::string& key = fields[0];
+    if (TakePart(fields)) {
+        partsBehind_ = partsBehind_ || hadSamples_;
+    } else if (key == "Trace Data") {
+        if (fields.size() >= 3) {
+            Begin(Event::Samples);
+            first_ = ParseInt(fields[1]);
+            last_ = ParseInt(fields[2]);
+        }
+    } else if (key == "Power Zoom Data") {
+        if (fields.size() >= 3) {
+            Begin(Event::Zoom);
+        }
+    } else if (key == "End of Trace Data" || key == "End of Power Zoom Data") {
+        hasEndOfBlock_ = true;
+        EndBlock();
+    } else if (inBlock_) {
+        static_cast<void>(ParseRow(fields, rows_)); // anything else is nothing
+    }
+}
+
+/// False for a line that belongs to the samples or to nothing.
+bool TraceParser::TakePart(const Fields& fields) {
     const std::string& key = fields[0];
     const bool hasValue = fields.size() > 1;
     const auto beginList = [&](CSignalList& list, std::uint32_t mode, bool& has) {
@@ -71,28 +101,28 @@ void TraceParser::Dispatch(const Fields& fields) {
         if (list_ != nullptr && hasValue && fields[1] != "Name") {
             list_->ReadSignal(fields, file_);
         }
-    } else if (key == "Trace Data") {
-        if (fields.size() >= 3) {
-            Begin(Event::Samples);
-            first_ = ParseInt(fields[1]);
-            last_ = ParseInt(fields[2]);
-        }
-    } else if (key == "Power Zoom Data") {
-        if (fields.size() >= 3) {
-            Begin(Event::Zoom);
-        }
-    } else if (key == "End of Trace Data" || key == "End of Power Zoom Data") {
-        hasEndOfBlock_ = true;
-        EndBlock();
-    } else if (inBlock_) {
-        static_cast<void>(ParseRow(fields, rows_)); // anything else is nothing
+    } else {
+        return false;
     }
+    return true;
+}
+
+/// Keeps of the rows only whether they ascend.
+void TraceParser::SkimRows() {
+    for (const std::int32_t number : rows_.numbers) {
+        ascends_ = ascends_ && (inZoom_ || number > lastNumber_);
+        lastNumber_ = number;
+    }
+    rows_.Clear();
 }
 
 void TraceParser::Begin(Event event) {
     EndBlock();
     hasEndOfBlock_ = false;
     inBlock_ = true;
+    inZoom_ = event == Event::Zoom;
+    hadSamples_ = hadSamples_ || !inZoom_;
+    lastNumber_ = std::numeric_limits<std::int64_t>::min();
     waiting_.push_back(event);
 }
 

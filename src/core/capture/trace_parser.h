@@ -34,7 +34,11 @@ public:
     };
     static constexpr std::size_t rowsAtOnce = 4096;
 
-    TraceParser(const Parts& parts, TextReader& file) : parts_(parts), file_(file) {}
+    /// What is wanted of the rows: themselves, or only whether they ascend.
+    enum class Use { Read, Skim };
+
+    TraceParser(const Parts& parts, TextReader& file, Use use = Use::Read)
+        : parts_(parts), file_(file), skims_(use == Use::Skim) {}
 
     /// Reads up to the next event.
     [[nodiscard]] Event Next();
@@ -50,6 +54,12 @@ public:
     /// Whether a line ended the block that ended last, and not the file.
     [[nodiscard]] bool HasEndOfBlock() const noexcept { return hasEndOfBlock_; }
 
+    /// Whether the rows of samples that were skimmed ascend.
+    [[nodiscard]] bool Ascends() const noexcept { return ascends_; }
+    /// Whether some of what else a file holds, but Power Zoom samples, came behind a block of
+    /// samples.
+    [[nodiscard]] bool HasPartsBehindSamples() const noexcept { return partsBehind_; }
+
     [[nodiscard]] const std::string& FileType() const noexcept { return fileType_; }
     [[nodiscard]] const std::string& Version() const noexcept { return version_; }
     [[nodiscard]] bool HasStateList() const noexcept { return hasState_; }
@@ -60,11 +70,19 @@ private:
     using Fields = std::vector<std::string>;
 
     void Dispatch(const Fields& fields);
+    bool TakePart(const Fields& fields);
+    void SkimRows();
     void Begin(Event event);
     void EndBlock();
 
     Parts parts_;
     TextReader& file_;
+    bool skims_;
+    bool ascends_ = true;
+    std::int64_t lastNumber_ = 0; // of the rows that are skimmed
+    bool hadSamples_ = false;
+    bool inZoom_ = false;
+    bool partsBehind_ = false;
     std::string fileType_;
     std::string version_;
     CSignalList* list_ = nullptr; // the list whose section is being read

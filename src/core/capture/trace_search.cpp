@@ -162,11 +162,15 @@ void FindAll(std::span<const SampleRecord> records, const RecordPattern& pattern
     bits.clear();
     bits.reserve(records.size() / blockSize + 1);
     for (std::size_t first = 0; first < records.size(); first += blockSize) {
-        std::uint32_t matches =
-            pattern.MatchesOf(records.subspan(first, std::min(records.size() - first, blockSize)));
-        if (bits.size() < excluded.size()) {
-            matches &= ~excluded[bits.size()];
+        const std::uint32_t candidates =
+            bits.size() < excluded.size() ? ~excluded[bits.size()] : ~0U;
+        if (candidates == 0) {
+            bits.push_back(0);
+            continue;
         }
+        std::uint32_t matches =
+            candidates &
+            pattern.MatchesOf(records.subspan(first, std::min(records.size() - first, blockSize)));
         bits.push_back(matches);
         std::size_t count = samples.size();
         samples.resize(count + static_cast<std::size_t>(std::popcount(matches)));

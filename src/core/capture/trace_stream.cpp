@@ -1,11 +1,12 @@
 #include "capture/trace_stream.h"
 
-#include "capture/trace_file.h"
 #include "platform/text.h"
 #include "signals/record_field.h"
 #include "tracesetup/setup_file.h"
 
 #include <algorithm>
+#include <iterator>
+#include <new>
 #include <utility>
 
 namespace busquill {
@@ -14,13 +15,16 @@ namespace {
 
 constexpr std::int64_t zoomFirst = -255;
 
+constexpr const char* tooManySamples = "no capture has so many samples";
+constexpr const char* hasChanged = "it has changed while it was read";
+
 } // namespace
 
 TraceStream::TraceStream(TextReader& file) : file_(file) {
     Restart();
 }
 
-void TraceStream::Restart() {
+void TraceStream::Restart(TraceParser::Use use) {
     file_.Rewind();
     comment.clear();
     setup.Reset();
@@ -28,7 +32,7 @@ void TraceStream::Restart() {
         list->RemoveAllSignals();
     }
     parser_ = std::make_unique<TraceParser>(
-        TraceParser::Parts{comment, setup, stateList, waveformList, zoomList}, file_);
+        TraceParser::Parts{comment, setup, stateList, waveformList, zoomList}, file_, use);
     wrong_.clear();
     hasSamples_ = inSamples_ = false;
     cutOff_ = false;
@@ -47,12 +51,12 @@ std::string TraceStream::CheckHeader() const {
 
 std::string TraceStream::BeginSamples() {
     if (hasSamples_) {
-        return "it has two blocks of samples";
+        return hasChanged; // since it was looked through
     }
     first_ = parser_->First();
     last_ = parser_->Last();
     if (!CountsOfRange(first_, last_)) {
-        return "no capture has so many samples";
+        return tooManySamples;
     }
     hasSamples_ = inSamples_ = true;
     lastNumber_ = first_ - 1;
@@ -60,7 +64,96 @@ std::string TraceStream::BeginSamples() {
     return {};
 }
 
+/// Finds out, once, whether the file can be read in one go; most can.
+std::string TraceStream::LookThrough() {
+    Restart(TraceParser::Use::Skim);
+    int blocks = 0;
+    bool headerFirst = true;
+    for (auto event = parser_->Next(); event != TraceParser::Event::End; event = parser_->Next()) {
+        if (event == TraceParser::Event::Samples) {
+            headerFirst = headerFirst && CheckHeader().empty();
+            ++blocks;
+        }
+    }
+    if (std::string wrong = CheckHeader(); !wrong.empty()) {
+        return wrong;
+    }
+    const bool inOneGo =
+        blocks < 2 && headerFirst && parser_->Ascends() && !parser_->HasPartsBehindSamples();
+    return inOneGo ? std::string() : Hold();
+}
+
+std::string TraceStream::Hold() {
+    Restart();
+    held_ = std::make_unique<Held>();
+    const TraceParser::Parts parts{comment, setup, stateList, waveformList, zoomList};
+    TraceFileReader reader(parts, *parser_, held_->store, held_->absent);
+    try {
+        if (!reader.Read(false)) {
+            return tooManySamples;
+        }
+    } catch (const std::bad_alloc&) {
+        return "there is no memory for all of its samples, which is needed where they do not "
+               "ascend, or do not stand in one block behind its header; put its lines in order";
+    }
+    if (!held_->store.HasZoom()) {
+        CompleteZoomList(zoomList, parser_->HasZoomList());
+    }
+    held_->blocks = reader.Blocks();
+    held_->cutOff = reader.CutOff();
+    return {};
+}
+
+void TraceStream::ReadHeldHead() {
+    wrong_.clear();
+    hasSamples_ = inSamples_ = !held_->blocks.empty();
+    first_ = parser_->First();
+    last_ = parser_->Last();
+    held_->next = 0;
+    cutOff_ = held_->cutOff;
+    zoom_ = held_->store.HasZoom() ? held_->store.AllSamples(true) : std::vector<SampleRecord>();
+    if (hasSamples_) {
+        blockBegin_ = held_->blocks.back().begin;
+        blockEnd_ = held_->blocks.back().end;
+    }
+}
+
+const SampleRows* TraceStream::NextHeldRows() {
+    const std::span<const SampleRecord> records = held_->store.GetData(false);
+    inRange_.Clear();
+    std::int64_t& next = held_->next;
+    while (next < std::ssize(records) && inRange_.Size() < TraceParser::rowsAtOnce) {
+        const auto sample = static_cast<std::size_t>(next);
+        if (held_->absent[sample / 32] == ~0U) {
+            next = (next / 32 + 1) * 32;
+            continue;
+        }
+        if ((held_->absent[sample / 32] >> (sample % 32) & 1) == 0) {
+            inRange_.Add(static_cast<std::int32_t>(first_ + next), records[sample]);
+        }
+        ++next;
+    }
+    return inRange_.Empty() ? nullptr : &inRange_;
+}
+
+std::span<const TraceFileReader::Block> TraceStream::BlocksBefore() const noexcept {
+    return held_ && !held_->blocks.empty()
+               ? std::span(held_->blocks).first(held_->blocks.size() - 1)
+               : std::span<const TraceFileReader::Block>();
+}
+
 std::string TraceStream::ReadHead() {
+    if (!lookedThrough_) {
+        lookedThrough_ = true;
+        noGood_ = LookThrough();
+    }
+    if (!noGood_.empty()) {
+        return noGood_;
+    }
+    if (held_) {
+        ReadHeldHead();
+        return {};
+    }
     Restart();
     while (true) {
         const TraceParser::Event event = parser_->Next();
@@ -81,6 +174,9 @@ std::string TraceStream::ReadHead() {
 }
 
 const SampleRows* TraceStream::NextRows() {
+    if (held_) {
+        return NextHeldRows();
+    }
     while (inSamples_ && wrong_.empty()) {
         switch (parser_->Next()) {
         case TraceParser::Event::Rows: {
@@ -101,10 +197,7 @@ const SampleRows* TraceStream::NextRows() {
                     continue;
                 }
                 if (number <= lastNumber_) {
-                    wrong_ =
-                        Printf("sample %d comes after sample %d; samples must ascend, as they do "
-                               "once it has been opened and saved in a window",
-                               number, static_cast<int>(lastNumber_));
+                    wrong_ = hasChanged;
                     return nullptr;
                 }
                 lastNumber_ = number;

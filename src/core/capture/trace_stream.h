@@ -1,13 +1,14 @@
 #pragma once
 
 #include "capture/sample_store.h"
+#include "capture/trace_file.h"
 #include "capture/trace_parser.h"
 #include "platform/text_file.h"
 #include "signals/signal_list.h"
 #include "tracesetup/trace_setup.h"
 
 #include <memory>
-#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,11 @@ struct TraceSurvey {
     [[nodiscard]] bool HasGaps() const noexcept { return rows != last - first + 1; }
 };
 
-/// A trace file that is read from its beginning to its end, in memory that does not grow with it.
-/// The functions that return a text say what is wrong with the file, or nothing.
+/// A trace file that is read from its beginning to its end, in memory that does not grow with it. A
+/// file whose samples do not ascend, or do not stand behind all else in one block, is held in
+/// memory, and its samples are given as a window shows them: in order, and of several with the same
+/// number, or of several blocks, the last. The functions that return a text say what is wrong with
+/// the file, or nothing.
 class TraceStream {
 public:
     /// The reader must be open, and outlive the stream.
@@ -56,6 +60,8 @@ public:
     [[nodiscard]] const TraceParser& Parser() const noexcept { return *parser_; }
     /// Whether the file has ended in the middle of the samples. Known at their end.
     [[nodiscard]] bool CutOff() const noexcept { return cutOff_; }
+    /// Blocks of samples before the one that counts.
+    [[nodiscard]] std::span<const TraceFileReader::Block> BlocksBefore() const noexcept;
     /// Where the rows of the samples begin and end, lines and all.
     [[nodiscard]] std::uint64_t BlockBegin() const noexcept { return blockBegin_; }
     [[nodiscard]] std::uint64_t BlockEnd() const noexcept { return blockEnd_; }
@@ -68,7 +74,20 @@ public:
     CSignalList zoomList;
 
 private:
-    void Restart();
+    /// What a file holds that cannot be read in one go.
+    struct Held {
+        CSampleStore store;
+        std::vector<std::uint32_t> absent;
+        std::vector<TraceFileReader::Block> blocks;
+        bool cutOff = false;
+        std::int64_t next = 0; // sample
+    };
+
+    void Restart(TraceParser::Use use = TraceParser::Use::Read);
+    [[nodiscard]] std::string LookThrough();
+    [[nodiscard]] std::string Hold();
+    void ReadHeldHead();
+    [[nodiscard]] const SampleRows* NextHeldRows();
     [[nodiscard]] std::string CheckHeader() const;
     [[nodiscard]] std::string BeginSamples();
     void EndSamples();
@@ -76,6 +95,9 @@ private:
 
     TextReader& file_;
     std::unique_ptr<TraceParser> parser_;
+    bool lookedThrough_ = false;
+    std::string noGood_; // what was found wrong with the file then
+    std::unique_ptr<Held> held_;
     std::string wrong_;
     bool hasSamples_ = false;
     bool inSamples_ = false;

@@ -16,11 +16,9 @@ namespace {
 constexpr std::int64_t zoomFirst = -255;
 
 void WriteList(TextWriter& file, const CSignalList& list, const char* title, const char* end) {
-    if (!list.Empty()) {
-        file.Write(Printf("\n\"%s\"\n", title));
-        list.WriteSignals(file, false);
-        file.Write(Printf("\"%s\"\n", end));
-    }
+    file.Write(Printf("\n\"%s\"\n", title));
+    list.WriteSignals(file, false);
+    file.Write(Printf("\"%s\"\n", end));
 }
 
 } // namespace
@@ -63,7 +61,10 @@ bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::in
     WriteSetupBody(document_.setup, file_);
     WriteList(file_, document_.waveformList, "Waveform Signals", "End of Wave Signals");
     WriteList(file_, document_.stateList, "State Signals", "End of State Signals");
-    WriteList(file_, document_.zoomList, "Power Zoom Signals", "End of Power Zoom Signals");
+    // Only a capture with Power Zoom samples has this one.
+    if (!document_.zoomList.Empty() || store_.HasZoom()) {
+        WriteList(file_, document_.zoomList, "Power Zoom Signals", "End of Power Zoom Signals");
+    }
     if (HasSamples()) {
         file_.Write(
             Printf("\n\"Trace Data\",%d,%d\n", static_cast<int>(first), static_cast<int>(last)));

@@ -38,8 +38,7 @@ DecodedText::DecodedText(const BoardTraits& board, const ExportSignal& signal, b
     : board_(board), field_(signal.field), zoom_(zoom), value_(field_.Bytes()),
       next_(field_.Bytes()) {
     list_.AddSignal(nullptr, signal.signal->decoded, 1, 0, 0, 0, signal.signal->radix, true);
-    const auto& values = signal.signal->decoded->values;
-    hasLabels_ = std::ranges::any_of(values, [](const auto& value) { return *value.label != 0; });
+    hasLabels_ = signal.signal->decoded->ReadsAsLabel();
 }
 
 std::string DecodedText::Read(const SampleRecord& record) {
@@ -84,13 +83,33 @@ const std::string& DecodedText::Of(const SampleRecord& record) {
     return *text_;
 }
 
-bool DecodedText::Shows(const SampleRecord& record) {
-    shown_.resize(std::size_t{1} << 16);
-    Shown& shown = shown_[SurroundingsOf(record)];
-    if (shown == Shown::Unknown) {
-        shown = Of(record).empty() ? Shown::No : Shown::Yes;
+std::uint64_t DecodedText::ShownDigits(const SampleRecord& record) {
+    if (hasLabels_) {
+        return Of(record).empty() ? 0 : allDigits;
     }
-    return shown == Shown::Yes;
+    const auto [found, isNew] = shown_.try_emplace(SurroundingsOf(record));
+    if (isNew) {
+        found->second = DigitsIn(Of(record));
+    }
+    return found->second;
+}
+
+std::uint64_t DecodedText::DigitsIn(const std::string& text) const {
+    const bool isHex = !list_.Empty() && list_[0].radix == Radix::Hex &&
+                       list_[0].decoded->decodeKind != DecodeKind::Time;
+    if (text.empty() || !isHex) {
+        return text.empty() ? 0 : allDigits;
+    }
+    std::uint64_t digits = 0;
+    std::uint64_t bit = 1;
+    for (std::size_t at = text.size(); at-- > 0;) {
+        constexpr std::size_t group = 9; // eight digits and a blank
+        if (at % group != group - 1) {
+            digits |= text[at] != ' ' ? bit : 0;
+            bit <<= 1;
+        }
+    }
+    return digits;
 }
 
 std::size_t DecodedText::Longest() const {

@@ -33,13 +33,18 @@ public:
     DecodedText(const BoardTraits& board, const ExportSignal& signal, bool zoom);
 
     [[nodiscard]] const std::string& Of(const SampleRecord& record);
-    /// Whether a value without labels shows at all in this phase of the bus.
-    [[nodiscard]] bool Shows(const SampleRecord& record);
+    /// Which digits of the value the listing shows, bit 0 the last one: some are blank where byte
+    /// lanes are off, all of them in another phase of the bus. All where it shows something else
+    /// than hexadecimal digits.
+    [[nodiscard]] std::uint64_t ShownDigits(const SampleRecord& record);
+    static constexpr std::uint64_t allDigits = ~std::uint64_t{0};
+    static constexpr std::size_t digitBits = 4;
     /// Characters of the longest text that there can be.
     [[nodiscard]] std::size_t Longest() const;
 
 private:
     [[nodiscard]] std::string Read(const SampleRecord& record);
+    [[nodiscard]] std::uint64_t DigitsIn(const std::string& text) const;
 
     BoardTraits board_;
     RecordField field_;
@@ -49,8 +54,7 @@ private:
     std::vector<std::uint8_t> next_;
     std::uint16_t surroundings_ = 0;
     bool hasLabels_ = false;
-    enum class Shown : std::uint8_t { Unknown, No, Yes };
-    std::vector<Shown> shown_; // by what stands around the value
+    std::unordered_map<std::uint16_t, std::uint64_t> shown_; // by what stands around the value
     std::unordered_map<std::uint64_t, std::string> kept_;
     const std::string* text_ = nullptr; // of the sample before
 };

@@ -13,15 +13,22 @@ namespace busquill {
 
 namespace {
 
-/// Decoded values that read as words.
-bool ReadsAsLabel(const ExportSignal& signal) {
-    return signal.IsDecoded() && (signal.signal->decoded->decodeKind == DecodeKind::Label ||
-                                  signal.signal->decoded->decodeKind == DecodeKind::Command);
-}
-
 bool IsTime(const ExportSignal& signal) {
     return signal.signal->radix == Radix::Time ||
            (signal.IsDecoded() && signal.signal->decoded->decodeKind == DecodeKind::Time);
+}
+
+/// The digits of a value, those that are not shown as blanks, as AppendCsvCell would have them.
+void AppendHex(std::string& out, std::span<const std::uint8_t> value, unsigned width,
+               std::uint64_t shown) {
+    const unsigned count = (width - 1) / 4 + 1;
+    const bool isQuoted = (shown & 1) == 0 || (shown >> (count - 1) & 1) == 0;
+    out += isQuoted ? "\"" : "";
+    for (unsigned digit = count; digit-- > 0;) {
+        const bool isShown = (shown >> digit & 1) != 0;
+        out += isShown ? "0123456789ABCDEF"[value[digit / 2] >> (digit % 2 * 4) & 15] : ' ';
+    }
+    out += isQuoted ? "\"" : "";
 }
 
 void AppendNumber(std::string& out, std::int64_t number) {
@@ -47,7 +54,7 @@ ValueTable::ValueTable(const CSignalList& list, ListUse use, const Capture& capt
     for (ExportSignal& signal : ExportSignals(list, use)) {
         Column column;
         column.signal = std::move(signal);
-        column.isLabel = ReadsAsLabel(column.signal);
+        column.isLabel = column.signal.IsDecoded() && column.signal.signal->decoded->ReadsAsLabel();
         column.isTime = IsTime(column.signal);
         if (column.signal.IsDecoded() && !column.isTime) {
             column.text.emplace_back(capture.board, column.signal, capture.zoom);
@@ -66,21 +73,19 @@ void ValueTable::Begin(std::string& out) const {
     out += '\n';
 }
 
-void ValueTable::AppendValue(Column& column) const {
+void ValueTable::AppendValue(const Column& column, std::string& cell) const {
     const auto width = static_cast<unsigned>(column.signal.field.Width());
     if (column.isTime) {
-        AppendTime(column.cell, TimeField(column.value, width), capture_.zoom);
+        AppendTime(cell, TimeField(column.value, width), capture_.zoom);
     } else if (width == 1) {
-        column.cell += column.value[0] != 0 ? '1' : '0';
+        cell += column.value[0] != 0 ? '1' : '0';
     } else if (column.signal.signal->radix == Radix::Hex) {
         // Nearly all values are such, and there are many: the same digits, in a straight line.
-        for (unsigned digit = (width - 1) / 4 + 1; digit-- > 0;) {
-            column.cell += "0123456789ABCDEF"[column.value[digit / 2] >> (digit % 2 * 4) & 15];
-        }
+        AppendHex(cell, column.value, width, column.digits);
     } else {
         std::string text = FormatValue(column.value, width, column.signal.signal->radix, {}, false);
         std::erase(text, ' ');
-        column.cell += text;
+        cell += text;
     }
 }
 
@@ -96,27 +101,31 @@ bool ValueTable::Update(Column& column, const SampleRecord& record) {
         }
         return changed;
     }
-    const bool empty = !column.text.empty() && !column.text.front().Shows(record);
-    changed = changed || empty != column.empty;
-    column.empty = empty;
+    const std::uint64_t digits =
+        column.text.empty() ? DecodedText::allDigits : column.text.front().ShownDigits(record);
+    changed = changed || digits != column.digits;
+    column.digits = digits;
     const RecordField& field = column.signal.field;
-    // What is not shown has not changed.
     if (field.FitsWord()) {
         const std::uint64_t word = field.Word(record);
-        changed = changed || (!empty && word != column.word);
+        changed = changed || (digits != 0 && word != column.word);
         column.word = word;
-    } else if (!changed && !empty) {
+    } else if (!changed && digits != 0) {
         next_.resize(column.value.size());
         field.Take(record, next_.data());
         changed = next_ != column.value;
     }
-    if (changed) {
-        column.cell = ",";
-        field.Take(record, column.value.data());
-        if (!empty) {
-            AppendValue(column);
-        }
+    if (!changed) {
+        return false;
     }
+    field.Take(record, column.value.data());
+    cell_ = ",";
+    if (digits != 0) {
+        AppendValue(column, cell_);
+    }
+    // What is not shown has not changed.
+    changed = !any_ || cell_ != column.cell;
+    column.cell.swap(cell_);
     return changed;
 }
 

@@ -35,18 +35,19 @@ private:
         std::vector<std::uint8_t> value;
         std::uint64_t word = 0;
         std::string label;
-        bool empty = false;
-        std::string cell; // with its comma
+        std::uint64_t digits = 0; // that are shown
+        std::string cell;         // with its comma
     };
 
     [[nodiscard]] bool Update(Column& column, const SampleRecord& record);
-    void AppendValue(Column& column) const;
+    void AppendValue(const Column& column, std::string& cell) const;
 
     Capture capture_;
     std::vector<Column> columns_;
     RunningTime time_;
     bool any_ = false;
     std::vector<std::uint8_t> next_;
+    std::string cell_;
 };
 
 } // namespace busquill

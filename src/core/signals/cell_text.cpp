@@ -42,8 +42,12 @@ std::string CellText(const BoardTraits& board, const CSignal& signal, const List
         return {};
     }
     const auto index = static_cast<std::int64_t>(sample.index);
-    return FormatDecodedValue(board, signal, index, sample.number - index, *signal.decoded, label,
-                              *sample.record, zoom);
+    std::string text = FormatDecodedValue(board, signal, index, sample.number - index,
+                                          *signal.decoded, label, *sample.record, zoom);
+    if (text.find_first_not_of(' ') == std::string::npos) {
+        text.clear(); // all byte lanes are off
+    }
+    return text;
 }
 
 std::string FormatTimeSince(std::int64_t t, bool before, bool zoom) {

@@ -25,7 +25,8 @@ struct ListedSample {
     RowTimes times;
 };
 
-/// The text of a cell; DELTA has none, its marks are drawn.
+/// The text of a cell, empty where it shows nothing but blanks; DELTA has none, its marks are
+/// drawn.
 [[nodiscard]] std::string CellText(const BoardTraits& board, const CSignal& signal,
                                    const ListedSample& sample, bool zoom);
 

@@ -8,11 +8,11 @@ namespace {
 
 constexpr std::size_t wordBits = 32;
 
-bool BitOf(const std::vector<std::uint32_t>& words, std::size_t sample) noexcept {
+bool BitOf(const ZeroedArray<std::uint32_t>& words, std::size_t sample) noexcept {
     return ((words[sample / wordBits] >> (sample % wordBits)) & 1) != 0;
 }
 
-std::span<const std::uint8_t> RowOf(const std::vector<std::uint8_t>& rows, std::size_t rowBytes,
+std::span<const std::uint8_t> RowOf(const ZeroedArray<std::uint8_t>& rows, std::size_t rowBytes,
                                     std::size_t sample) noexcept {
     if (rowBytes == 0 || sample >= rows.size() / rowBytes) {
         return {};
@@ -28,6 +28,10 @@ std::int32_t CSignal::VisibleHeight() const noexcept {
 
 std::int32_t CSignal::VisibleWidth() const noexcept {
     return hidden || (grouped && !IsGroupStart()) ? 0 : width;
+}
+
+std::uint32_t CSignal::Room() const noexcept {
+    return static_cast<std::uint32_t>(std::min<std::size_t>(numSamples, data.size() * wordBits));
 }
 
 bool CSignal::Bit(std::size_t sample) const noexcept {
@@ -59,28 +63,29 @@ const char* CSignal::Label(std::size_t sample) const noexcept {
 }
 
 void CSignal::SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count) {
-    data.assign(words.begin(), words.end());
+    data.Reset(words.size());
+    std::copy(words.begin(), words.end(), data.begin());
     numSamples = count;
 }
 
 void CSignal::ResizeSamples(std::uint32_t count) {
-    data.assign(WordsFor(count), 0);
+    data.Reset(WordsFor(count));
     numSamples = count;
     if (IsGroupStart()) {
-        groupData.assign(RowBytes() * count, 0);
+        groupData.Reset(RowBytes() * count);
     }
     // A decoded signal of an empty list has its table already, if one of no entries.
     if (decoded) {
-        labelTable.assign(count, 0);
+        labelTable.Reset(count);
     }
 }
 
 void CSignal::AllocateMask(std::uint32_t count) {
-    mask.assign(WordsFor(count), 0);
+    mask.Reset(WordsFor(count));
 }
 
 void CSignal::ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records) {
-    const std::size_t end = std::min<std::size_t>(numSamples, data.size() * wordBits);
+    const std::size_t end = Room();
     if (dataIndex < 0 || dataIndex >= SampleRecord::bitCount || first >= end) {
         return;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/zeroed_array.h"
 #include "signals/signal_tables.h"
 
 #include <array>
@@ -44,8 +45,9 @@ public:
     std::string groupName; // on the group's first member
     std::int32_t bitIndex = -1;
     std::int32_t dataIndex = -1; // -1: no bit, a blank row
-    std::vector<std::uint32_t> data;
-    std::vector<std::uint32_t> mask; // only in setups; bit 1: compare
+    ZeroedArray<std::uint32_t> data;
+    ZeroedArray<std::uint32_t> mask; // only in setups; bit 1: compare
+    /// Samples that the signal has. A file may announce more than `data` has room for, see Room.
     std::uint32_t numSamples = 0;
     std::int32_t height = 20;
     std::int32_t width = 30;
@@ -54,10 +56,10 @@ public:
     bool showValue = false;
     bool grouped = false;
     std::uint8_t groupAttribute = 0;
-    std::vector<std::uint8_t> groupData; // packed rows, on the Start member
-    std::vector<std::uint8_t> groupMask;
+    ZeroedArray<std::uint8_t> groupData; // packed rows, on the Start member
+    ZeroedArray<std::uint8_t> groupMask;
     /// Per sample of a decoded signal: 0, or 1 + the index of the value whose label it bears.
-    std::vector<std::uint8_t> labelTable;
+    ZeroedArray<std::uint8_t> labelTable;
     std::shared_ptr<const CDecodedSignalDef> decoded; // on the Start member
     std::uint32_t groupWidth = 0;                     // on the Start member
     std::int32_t radix = Radix::Hex;
@@ -73,6 +75,8 @@ public:
     [[nodiscard]] bool IsGroupStart() const noexcept {
         return grouped && (groupAttribute & GroupAttribute::Start) != 0;
     }
+    /// Samples for which there are data.
+    [[nodiscard]] std::uint32_t Room() const noexcept;
     /// The bit of one sample; false where there are no data.
     [[nodiscard]] bool Bit(std::size_t sample) const noexcept;
     /// Whether one sample's bit is compared; true where there is no mask.

@@ -33,7 +33,7 @@ std::unique_ptr<CSignal> MakeSignal(const CBusSignalDef& def, std::int32_t posit
 
 void GiveSamples(CSignal& signal, std::uint32_t numSamples, std::uint32_t mode) {
     const std::size_t words = WordsFor(numSamples);
-    signal.data.assign(words, 0);
+    signal.data.Reset(words);
     signal.numSamples = static_cast<std::uint32_t>(words * 32);
     if (IsPatternMode(mode)) {
         signal.AllocateMask(numSamples);
@@ -123,6 +123,7 @@ void CSignalList::CopyFrom(const CSignalList& other) {
 
 void CSignalList::RemoveAllSignals() {
     signals_.clear();
+    fileWords_ = 0;
 }
 
 void CSignalList::BuildFromTables(std::uint32_t numSamples, std::uint32_t forMode) {
@@ -265,27 +266,27 @@ void CSignalList::BuildGroup(CSignal* first) {
 void CSignalList::BuildGroupAt(std::size_t first) {
     const auto members = Members(first);
     CSignal& start = *members.front();
-    const std::uint32_t numSamples = members.back()->numSamples;
+    const std::uint32_t numSamples = members.back()->Room();
     const bool masked = std::all_of(members.begin(), members.end(),
                                     [](const auto& member) { return !member->mask.empty(); });
     start.groupWidth = static_cast<std::uint32_t>(members.size());
     start.groupName = GroupNameOf(members);
-    start.groupData.assign(start.RowBytes() * numSamples, 0);
-    start.groupMask.assign(masked ? start.groupData.size() : 0, 0);
+    start.groupData.Reset(start.RowBytes() * numSamples);
+    start.groupMask.Reset(masked ? start.groupData.size() : 0);
     PackGroupRows(members, 0, WordsFor(numSamples));
 }
 
 void CSignalList::RebuildAfterRead() {
-    std::size_t rowBytes = 0;
+    const std::size_t most = std::max(maxFileMembers, signals_.size());
+    std::size_t members = 0;
     for (std::size_t i = 0; i < signals_.size(); ++i) {
         if (!signals_[i]->IsGroupStart()) {
             continue;
         }
-        const std::size_t bytes = (Members(i).size() - 1) / 8 + 1;
-        if (rowBytes + bytes > maxFileRowBytes) {
+        members += Members(i).size();
+        if (members > most) {
             break;
         }
-        rowBytes += bytes;
         BuildGroupAt(i);
     }
     for (const auto& signal : signals_) {

@@ -22,14 +22,13 @@ class CSignalList {
 public:
     using Signals = std::vector<std::unique_ptr<CSignal>>;
 
-    /// What a file may bring. Files hold at most 32 samples of a signal and some hundreds of
-    /// signals, but they announce any number. A signal gets the samples that it announces, up to
-    /// `maxFileSamples` and to what its lines hold (one line's worth where it has none); a list
-    /// takes `maxFileSignals` signals and makes group rows while a sample's rows together take
-    /// `maxFileRowBytes` bytes, since groups without an end overlap.
-    static constexpr std::size_t maxFileSignals = 2048;
-    static constexpr std::uint32_t maxFileSamples = 256;
-    static constexpr std::size_t maxFileRowBytes = 1024;
+    /// What memory is taken for by the word of a file alone. A signal that announces more samples
+    /// than `maxFileSamples`, or a list more than `maxFileWords` of 32 of them, has room for what
+    /// its lines hold; all others are zeros. Groups without an end overlap: rows are made for as
+    /// many members as the list has, or `maxFileMembers`.
+    static constexpr std::uint32_t maxFileSamples = 4096;
+    static constexpr std::size_t maxFileWords = std::size_t{1} << 17;
+    static constexpr std::size_t maxFileMembers = 8192;
 
     std::uint32_t mode = ModeState;
 
@@ -80,10 +79,14 @@ public:
     /// ResizeSamples on every signal.
     void ResizeSamples(std::uint32_t count);
     /// Unpacks records into every signal, its group rows and labels, from sample `first` on.
-    void LoadSamples(std::uint32_t first, std::span<const SampleRecord> records);
+    /// `absent` has a bit for each sample of the list, set for those that are not there: where many
+    /// follow one another they take neither time nor memory.
+    void LoadSamples(std::uint32_t first, std::span<const SampleRecord> records,
+                     std::span<const std::uint32_t> absent = {});
     /// The same for one signal or group, which is emptied first and sized to hold the records and
     /// the samples that it had room for.
-    void LoadSignal(CSignal* signal, std::uint32_t first, std::span<const SampleRecord> records);
+    void LoadSignal(CSignal* signal, std::uint32_t first, std::span<const SampleRecord> records,
+                    std::span<const std::uint32_t> absent = {});
     /// Packs the rows of every group anew from its members, by whole words of samples.
     void RebuildGroupRows(std::uint32_t first, std::uint32_t count);
     /// Looks up the labels of every decoded signal anew.
@@ -129,11 +132,12 @@ private:
     /// Labels of all samples of a signal whose definition is new to it.
     void Decode(CSignal& signal) const;
     void LoadRange(std::size_t begin, std::size_t end, std::uint32_t first,
-                   std::span<const SampleRecord> records);
+                   std::span<const SampleRecord> records, std::span<const std::uint32_t> absent);
     void LabelRange(std::size_t begin, std::size_t end, std::size_t first, std::size_t count);
     void UnpackRows(const CSignal& group, const std::vector<int>& dataIndexes);
 
     Signals signals_;
+    std::size_t fileWords_ = 0; // of samples, that the records of a file have taken
 };
 
 } // namespace busquill

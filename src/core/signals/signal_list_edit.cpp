@@ -10,8 +10,8 @@ namespace busquill {
 namespace {
 
 void FreeGroupRows(CSignal& signal) {
-    signal.groupData = {};
-    signal.groupMask = {};
+    signal.groupData.clear();
+    signal.groupMask.clear();
     signal.groupWidth = 0;
 }
 

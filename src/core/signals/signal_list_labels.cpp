@@ -172,12 +172,12 @@ void LabelSamples(CSignal& signal, RowLabels&& labels, std::size_t first, std::s
 } // namespace
 
 void CSignalList::Decode(CSignal& signal) const {
-    signal.labelTable.assign(signal.numSamples, 0);
+    signal.labelTable.Reset(signal.Room());
     RowLabels labels(*signal.decoded, mode);
     if (signal.groupMask.empty()) {
         labels.DropAllAny();
     }
-    LabelSamples(signal, std::move(labels), 0, signal.numSamples);
+    LabelSamples(signal, std::move(labels), 0, signal.labelTable.size());
 }
 
 void CSignalList::LabelRange(std::size_t begin, std::size_t end, std::size_t first,

@@ -183,7 +183,7 @@ std::vector<NamedSignal> AllSignals(const SignalTables& tables,
 std::vector<std::string> LabelsOf(const CDecodedSignalDef& def) {
     std::vector<std::string> labels;
     // A field that is shown as a number has a picture of its digits in place of labels.
-    if (def.decodeKind != DecodeKind::Label && def.decodeKind != DecodeKind::Command) {
+    if (!def.ReadsAsLabel()) {
         return labels;
     }
     for (const CDecodedValue& value : def.values) {

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t wordBits = 32;
 
-void SetBit(std::vector<std::uint32_t>& words, std::size_t sample, bool value) {
+void SetBit(std::span<std::uint32_t> words, std::size_t sample, bool value) {
     if (sample / wordBits >= words.size()) {
         return;
     }
@@ -19,7 +19,7 @@ void SetBit(std::vector<std::uint32_t>& words, std::size_t sample, bool value) {
 }
 
 /// Replaces words by bit `k` of the packed rows.
-void TakeColumn(std::vector<std::uint32_t>& words, const std::vector<std::uint8_t>& rows,
+void TakeColumn(std::span<std::uint32_t> words, std::span<const std::uint8_t> rows,
                 std::size_t rowBytes, std::size_t k) {
     std::fill(words.begin(), words.end(), 0);
     for (std::size_t sample = 0; sample < rows.size() / rowBytes; ++sample) {

@@ -80,18 +80,20 @@ void TurnTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& 
     }
 }
 
+bool AllAbsent(std::span<const std::uint32_t> absent, std::size_t firstWord,
+               std::size_t endWord) noexcept {
+    return endWord <= absent.size() &&
+           std::ranges::all_of(absent.subspan(firstWord, endWord - firstWord),
+                               [](std::uint32_t word) { return word == ~0U; });
+}
+
 bool HasBit(const CSignal& signal) noexcept {
     return signal.dataIndex >= 0 && signal.dataIndex < SampleRecord::bitCount;
 }
 
-/// Samples for which a signal has room.
-std::size_t RoomOf(const CSignal& signal) noexcept {
-    return std::min<std::size_t>(signal.numSamples, signal.data.size() * wordBits);
-}
-
 /// Sets a signal's bits in the words `firstWord` to `endWord - 1`.
 void TakeWords(CSignal& signal, const Tile& tile, std::size_t firstWord, std::size_t endWord) {
-    const std::size_t room = RoomOf(signal);
+    const std::size_t room = signal.Room();
     if (!HasBit(signal) || room <= firstWord * wordBits) {
         return;
     }
@@ -196,7 +198,7 @@ struct GroupToLoad {
     bool liesInRecord = false;
 };
 
-using Words = std::vector<std::uint32_t> CSignal::*;
+using Words = ZeroedArray<std::uint32_t> CSignal::*;
 
 /// Packs one byte of the rows of 32 samples from up to eight members.
 void PackByte(std::span<const std::unique_ptr<CSignal>> members, Words words, std::size_t word,
@@ -217,7 +219,7 @@ void PackByte(std::span<const std::unique_ptr<CSignal>> members, Words words, st
 }
 
 void PackRows(std::span<const std::unique_ptr<CSignal>> members, Words words,
-              std::vector<std::uint8_t>& rows, std::size_t firstWord, std::size_t endWord) {
+              std::span<std::uint8_t> rows, std::size_t firstWord, std::size_t endWord) {
     const std::size_t rowBytes = members.front()->RowBytes();
     members = members.first(std::min<std::size_t>(members.size(), members.front()->groupWidth));
     const std::size_t count = rowBytes == 0 ? 0 : rows.size() / rowBytes;
@@ -227,7 +229,7 @@ void PackRows(std::span<const std::unique_ptr<CSignal>> members, Words words,
             const std::size_t begin = std::min(byte * 8, members.size());
             const std::size_t size = std::min<std::size_t>(8, members.size() - begin);
             PackByte(members.subspan(begin, size), words, word,
-                     std::span(rows).subspan(word * wordBits * rowBytes + byte), rowBytes);
+                     rows.subspan(word * wordBits * rowBytes + byte), rowBytes);
         }
     }
 }
@@ -247,12 +249,14 @@ void CSignalList::ResizeSamples(std::uint32_t count) {
     }
 }
 
-void CSignalList::LoadSamples(std::uint32_t first, std::span<const SampleRecord> records) {
-    LoadRange(0, signals_.size(), first, records);
+void CSignalList::LoadSamples(std::uint32_t first, std::span<const SampleRecord> records,
+                              std::span<const std::uint32_t> absent) {
+    LoadRange(0, signals_.size(), first, records, absent);
 }
 
 void CSignalList::LoadSignal(CSignal* signal, std::uint32_t first,
-                             std::span<const SampleRecord> records) {
+                             std::span<const SampleRecord> records,
+                             std::span<const std::uint32_t> absent) {
     const std::size_t begin = IndexOf(signal);
     const std::size_t end = GroupEnd(begin);
     const std::size_t most = std::numeric_limits<std::uint32_t>::max();
@@ -260,15 +264,16 @@ void CSignalList::LoadSignal(CSignal* signal, std::uint32_t first,
     for (std::size_t i = begin; i < end; ++i) {
         signals_[i]->ResizeSamples(std::max(signals_[i]->numSamples, needed));
     }
-    LoadRange(begin, end, first, records);
+    LoadRange(begin, end, first, records, absent);
 }
 
 void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t first,
-                            std::span<const SampleRecord> records) {
+                            std::span<const SampleRecord> records,
+                            std::span<const std::uint32_t> absent) {
     std::size_t room = 0;
     std::vector<GroupToLoad> groups;
     for (std::size_t i = begin; i < end; ++i) {
-        room = std::max(room, RoomOf(*signals_[i]));
+        room = std::max<std::size_t>(room, signals_[i]->Room());
         if (signals_[i]->IsGroupStart() && signals_[i]->groupWidth != 0) {
             const auto members = Members(i);
             groups.push_back({members, LiesInRecord(members)});
@@ -280,8 +285,19 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
     const Run run{first, records.first(std::min(records.size(), room - first))};
     const std::size_t lastWord = (run.End() - 1) / wordBits;
     const auto tile = std::make_unique<Tile>();
+    std::size_t labelled = run.first;
+    const auto labelUpTo = [&](std::size_t sample) {
+        if (labelled < sample) {
+            LabelRange(begin, end, labelled, sample - labelled);
+        }
+    };
     for (std::size_t word = first / wordBits; word <= lastWord; word += tileWords) {
         const std::size_t endWord = std::min(word + tileWords, lastWord + 1);
+        if (AllAbsent(absent, word, endWord)) {
+            labelUpTo(word * wordBits);
+            labelled = std::max(labelled, endWord * wordBits);
+            continue;
+        }
         TurnTile(run, word, endWord, *tile);
         for (std::size_t i = begin; i < end; ++i) {
             TakeWords(*signals_[i], *tile, word, endWord);
@@ -294,7 +310,7 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
             }
         }
     }
-    LabelRange(begin, end, first, run.records.size());
+    labelUpTo(run.End());
 }
 
 void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {

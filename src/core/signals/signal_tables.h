@@ -99,6 +99,11 @@ public:
 
     /// Positions of the first value's pattern that are part of the signal, ascending.
     [[nodiscard]] std::vector<int> Positions() const;
+    /// Whether a cell shows labels. Other values are shown as such, and the label of their
+    /// definition is only a picture of the field.
+    [[nodiscard]] bool ReadsAsLabel() const noexcept {
+        return decodeKind == DecodeKind::Label || decodeKind == DecodeKind::Command;
+    }
 };
 
 /// The definitions of one kind, in table order, with the file that keeps their colours.

@@ -109,7 +109,7 @@ std::string RecordRow(const CSignal& signal, bool withData) {
 /// Writes sample bits, 32 to a line. A further line begins with the bits of those before it, and
 /// readers take the first 32 of each, so that only the first 32 samples survive. Existing readers
 /// expect it, and no setup has more.
-void WriteBits(TextWriter& file, std::string_view word, const std::vector<std::uint32_t>& words,
+void WriteBits(TextWriter& file, std::string_view word, std::span<const std::uint32_t> words,
                std::uint32_t numSamples) {
     const std::size_t count = std::min<std::size_t>(numSamples, words.size() * wordBits);
     std::string line = CsvQuote(word);
@@ -140,10 +140,7 @@ std::vector<std::uint32_t> ReadBits(TextReader& file, std::string_view word, std
         for (std::size_t i = 1; i < std::min(fields.size(), wordBits + 1); ++i) {
             bits |= (fields[i].starts_with('1') ? 1U : 0U) << (i - 1);
         }
-        // Lines beyond what a list takes are read past.
-        if (words.size() < WordsFor(CSignalList::maxFileSamples)) {
-            words.push_back(bits);
-        }
+        words.push_back(bits);
     }
     return words;
 }
@@ -204,23 +201,25 @@ void ReadFields(const RecordFields& fields, CSignal& signal) {
     signal.bitReverse = fields.Is(FieldBitReverse, "BitReverse");
 }
 
-/// Reads the lines of bits that follow a record and cuts the number of samples down to them.
-void ReadSamples(TextReader& file, bool masked, CSignal& signal) {
-    const std::size_t lines = WordsFor(signal.numSamples);
-    if (lines == 0) {
-        return;
+/// Reads the lines of bits that follow a record. There are zeros behind them, in `most` words where
+/// all samples fit those. Returns the words that the signal has taken.
+std::size_t ReadSamples(TextReader& file, bool masked, std::size_t most, CSignal& signal) {
+    const std::size_t announced = WordsFor(signal.numSamples);
+    if (announced == 0) {
+        return 0;
     }
-    signal.data = ReadBits(file, "Data", lines);
+    std::vector<std::uint32_t> data = ReadBits(file, "Data", announced);
+    std::vector<std::uint32_t> mask =
+        masked ? ReadBits(file, "Mask", announced) : std::vector<std::uint32_t>();
+    const std::size_t words =
+        announced <= most ? announced : std::max({data.size(), mask.size(), std::size_t{1}});
+    data.resize(words);
+    signal.data = data;
     if (masked) {
-        signal.mask = ReadBits(file, "Mask", lines);
+        mask.resize(words);
+        signal.mask = mask;
     }
-    const std::size_t words = std::max({signal.data.size(), signal.mask.size(), std::size_t{1}});
-    signal.numSamples =
-        static_cast<std::uint32_t>(std::min<std::size_t>(signal.numSamples, words * wordBits));
-    signal.data.resize(WordsFor(signal.numSamples), 0);
-    if (masked) {
-        signal.mask.resize(WordsFor(signal.numSamples), 0);
-    }
+    return words;
 }
 
 } // namespace
@@ -238,13 +237,12 @@ void CSignalList::WriteSignals(TextWriter& file, bool withData) const {
 }
 
 void CSignalList::ReadSignal(const std::vector<std::string>& tokens, TextReader& file) {
-    if (signals_.size() >= maxFileSignals) {
-        return;
-    }
     auto signal = std::make_unique<CSignal>();
     const RecordFields fields(tokens);
     ReadFields(fields, *signal);
-    ReadSamples(file, fields.Is(FieldMasked, "Masked"), *signal);
+    const std::size_t most =
+        std::min(WordsFor(maxFileSamples), maxFileWords - std::min(maxFileWords, fileWords_));
+    fileWords_ += ReadSamples(file, fields.Is(FieldMasked, "Masked"), most, *signal);
     signals_.push_back(std::move(signal));
 }
 

@@ -33,14 +33,14 @@ bool IsNumber(const CSignal& signal) {
 }
 
 /// One packed row that can be written; empty where there is none.
-std::span<std::uint8_t> RowOf(std::vector<std::uint8_t>& rows, const CSignal& signal, int row) {
+std::span<std::uint8_t> RowOf(std::span<std::uint8_t> rows, const CSignal& signal, int row) {
     const std::size_t bytes = signal.RowBytes();
     const std::size_t first = bytes * static_cast<std::size_t>(row);
     return bytes == 0 || first + bytes > rows.size() ? std::span<std::uint8_t>()
-                                                     : std::span(rows).subspan(first, bytes);
+                                                     : rows.subspan(first, bytes);
 }
 
-void SetBit(std::vector<std::uint32_t>& words, int row, bool value) {
+void SetBit(std::span<std::uint32_t> words, int row, bool value) {
     const auto at = static_cast<std::size_t>(row);
     if (at / 32 < words.size()) {
         const std::uint32_t bit = 1U << (at % 32);

@@ -123,6 +123,38 @@ TEST(SampleRowsFastWay, GivesWhatALineAtATimeGives) {
     EXPECT_GT(plain, 5000);
 }
 
+struct Skip {
+    const char* name;
+    std::string text;
+    std::size_t rows; // of `text` that are skipped
+};
+class SkippedRows : public testing::TestWithParam<Skip> {};
+
+TEST_P(SkippedRows, EndWhereSomethingElseComes) {
+    std::int64_t last = -100;
+    std::size_t begin = 0;
+    std::size_t end = 0;
+    for (std::size_t row = 0; row < GetParam().rows; ++row) {
+        begin = end;
+        end = GetParam().text.find('\n', begin) + 1;
+    }
+    EXPECT_EQ(SkipAscendingRows(GetParam().text, last), end);
+    EXPECT_EQ(last, end == 0 ? -100 : std::stoi(GetParam().text.substr(begin)));
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SkippedRows,
+                         testing::Values(Skip{"All", Row(-12) + Row(0) + Row(7), 3},
+                                         Skip{"Descending", Row(5) + Row(4), 1},
+                                         Skip{"Repeated", Row(5) + Row(5) + Row(6), 1},
+                                         Skip{"NotAboveTheRowBefore", Row(-100), 0},
+                                         Skip{"Piece", Row(5) + "6,1,2", 1},
+                                         Skip{"Words", Row(5) + "End\n", 1}, Skip{"Empty", "\n", 0},
+                                         Skip{"Nothing", "", 0}, Skip{"OnlyASign", "-\n", 0},
+                                         Skip{"NoComma", "5\n", 0},
+                                         Skip{"TenDigits", "1234567890,1\n", 0},
+                                         Skip{"QuoteInALaterLine", Row(5) + "6,\"7\n8\n", 1}),
+                         [](const auto& each) { return each.param.name; });
+
 TEST(SampleRowsText, IsReadBackAsItWas) {
     std::string text;
     SampleRecord record;

@@ -128,6 +128,30 @@ TEST_F(Conditions, FindingsAndTimesCanBeFoundThoughTheBoardCannotCompareThem) {
     EXPECT_THAT(Matches(records, {"TIME=000DC"}), ElementsAre(2)); // 55 ns: count 55, unit 0
 }
 
+TEST_F(Conditions, AValueOfZerosIsAValueLikeAnyOther) {
+    const auto records =
+        CaptureBuilder().Write(0, 0).Write(0x10, 0xFF).Idle().After(0).Idle().Records();
+    EXPECT_THAT(Matches(records, {"ADDRESS32=00000000"}), ElementsAre(0));
+    EXPECT_THAT(Matches(records, {"ADDRESS32=0"}), ElementsAre(0));
+    EXPECT_THAT(Matches(records, {"DATA32=00000000"}), ElementsAre(1, 4, 5)); // idle lines are 0
+    EXPECT_THAT(Matches(records, {"DATA32=00000000", "IRDY=0"}), ElementsAre(1));
+    EXPECT_THAT(Matches(records, {"TIME=00000"}), ElementsAre(4));
+    EXPECT_EQ(Wrong("TIME=000000"), "TIME takes 5 hexadecimal digits, x for any; not \"000000\"");
+}
+
+TEST_F(Conditions, AFieldOfPciXCanBeZero) {
+    board.board.bus = {BusPciX, 1, 0, 0, 0};
+    const std::vector<SampleRecord> records = {With({93}),     With({93, 24}), With({93, 0, 64}),
+                                               With({93, 16}), With({93, 15}), With({93, 10})};
+    EXPECT_THAT(Matches(records, {"TAG=00"}), ElementsAre(0, 2, 3, 4, 5));
+    EXPECT_THAT(Matches(records, {"BUS#=00"}), ElementsAre(0, 1, 2, 4, 5));
+    EXPECT_THAT(Matches(records, {"DEVICE#=00"}), ElementsAre(0, 1, 2, 3, 5));
+    EXPECT_THAT(Matches(records, {"FUNCTION#=0"}), ElementsAre(0, 1, 2, 3, 4));
+    EXPECT_THAT(Matches(records, {"BYTE CNT=000"}), ElementsAre(0, 1, 3, 4, 5));
+    EXPECT_THAT(Matches(records, {"ATTRIBUTE=00000000"}), ElementsAre(0));
+    EXPECT_EQ(Wrong("TAG=here"), "TAG(PCI-X) takes 2 hexadecimal digits, x for any; not \"here\"");
+}
+
 TEST_F(Conditions, OneLabelWithSeveralCodesMatchesEach) {
     board.board.bus = {BusPciX, 1, 0, 0, 0};
     const std::vector<SampleRecord> records = {With({95, 67}),             // 1000

@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <random>
+#include <unistd.h>
 
 namespace busquill::test {
 namespace {
@@ -177,6 +179,14 @@ TEST_F(TraceFile, PowerZoomBlockFillsItsOwnList) {
     EXPECT_EQ(document->Marker(0, true), 255);
 }
 
+TEST_F(TraceFile, PowerZoomMayStandBeforeTheSamples) {
+    ASSERT_TRUE(Load(header + std::string("\"Power Zoom Data\",255,256\n") + Sample(0, 8) +
+                     "\"End of Power Zoom Data\"\n" + Data(0, 0, Sample(0, 1))));
+    ASSERT_TRUE(document->store.HasZoom());
+    EXPECT_EQ(document->GetSample(255, true)->bytes[0], 8);
+    EXPECT_EQ(document->GetSample(0, false)->bytes[0], 1);
+}
+
 TEST_F(TraceFile, WrongTypeOrVersionIsOneMessage) {
     EXPECT_FALSE(Load("\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n"));
     EXPECT_FALSE(Load("\"FileType\",\"Trace Data File\"\n\"Version\",\"1.1\"\n"));
@@ -211,6 +221,54 @@ TEST_F(TraceFile, RangeOfBillionsIsOneMessage) {
                                            ": no capture has so many samples."})
             << range;
     }
+}
+
+/// Bytes of memory that this process has touched.
+std::int64_t MemoryInUse() {
+    std::ifstream file("/proc/self/statm");
+    std::int64_t pages = 0;
+    file >> pages >> pages;
+    return pages * ::sysconf(_SC_PAGESIZE);
+}
+
+TEST_F(TraceFile, ARangeThatNoCaptureFillsTakesMemoryAsSamplesCome) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr std::int64_t most = std::int64_t{2} << 30; // shadows of addresses count too
+#else
+    constexpr std::int64_t most = std::int64_t{200} << 20;
+#endif
+    // In all lists together this would be more than 4 GB.
+    constexpr int before = 16'000'000;
+    constexpr int after = 16'000'000;
+    const std::int64_t inUse = MemoryInUse();
+    ASSERT_TRUE(
+        Load(header + Data(-before, after, Sample(-before, 1) + Sample(0, 2) + Sample(after, 3))));
+    EXPECT_LT(MemoryInUse() - inUse, most);
+    EXPECT_EQ(document->SampleCount(false), before + after + 1);
+    EXPECT_EQ(RowNumbers(), (std::vector<std::int64_t>{-before, 0, after}));
+    for (const auto& signal : document->stateList.All()) {
+        if (signal->groupName == "AD[63:0]") {
+            EXPECT_EQ(signal->GroupRow(0)[0], 1);
+            EXPECT_EQ(signal->GroupRow(1)[0], 0);
+            EXPECT_EQ(signal->GroupRow(before)[0], 2);
+            EXPECT_EQ(signal->GroupRow(before + after)[0], 3);
+        }
+        if (signal->RowName() == "COMMAND") {
+            EXPECT_STREQ(signal->Label(before + after), "Int Ack");
+        }
+    }
+    // A column that is new, and a filter.
+    for (const auto& def : board.tables.decodedSignals.Defs()) {
+        if (def->name == "DATA32") {
+            CSignal* added =
+                document->stateList.AddSignal(nullptr, def, 0, 0, 0, 0, Radix::Hex, true);
+            document->LoadSignal(document->stateList, *added, false);
+            EXPECT_EQ(added->GroupRow(before + after)[0], 3);
+        }
+    }
+    document->ApplyFilter(0);
+    EXPECT_EQ(document->RowCount(false), 3);
+    EXPECT_LT(MemoryInUse() - inUse, most);
 }
 
 TEST_F(TraceFile, ReversedRangeHoldsNothing) {

@@ -1,5 +1,7 @@
+#include "capture/trace_document.h"
 #include "capture/trace_stream.h"
 #include "support/board_tables.h"
+#include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 
 #include <gmock/gmock.h>
@@ -8,7 +10,6 @@ namespace busquill::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
 const std::string zeros = ",0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
@@ -70,11 +71,88 @@ TEST_F(TraceStreams, ReadRowsOfEveryForm) {
                 ElementsAre(-2, 0, 3));
 }
 
-TEST_F(TraceStreams, SayWhenSamplesDoNotAscend) {
-    EXPECT_THAT(NumbersOf(Row(3) + Row(1)), testing::IsEmpty());
-    EXPECT_THAT(wrong, HasSubstr("sample 1 comes after sample 3; samples must ascend"));
-    NumbersOf(Row(3) + Row(3));
-    EXPECT_THAT(wrong, HasSubstr("sample 3 comes after sample 3; samples must ascend"));
+/// A row whose first byte tells it from others of its number.
+std::string Marked(int number, int byte) {
+    return std::to_string(number) + "," + std::to_string(byte) + zeros.substr(2);
+}
+
+TEST_F(TraceStreams, GiveSamplesInOrderWhereverTheyStand) {
+    EXPECT_THAT(NumbersOf(Row(3) + Row(9) + Row(-2) + Row(1) + Row(-7)), ElementsAre(-2, 1, 3));
+    EXPECT_EQ(wrong, "");
+    const std::string text = ReadWholeFile(dir.File("a.tra"));
+    EXPECT_EQ(text.substr(stream->BlockBegin(), 13), "\"Trace Data\",");
+    EXPECT_EQ(stream->BlockEnd(), text.size());
+    EXPECT_TRUE(stream->CutOff());
+    ASSERT_EQ(stream->ReadHead(), ""); // and once more
+    EXPECT_THAT(AllNumbers(), ElementsAre(-2, 1, 3));
+}
+
+TEST_F(TraceStreams, GiveOfSamplesWithOneNumberTheLast) {
+    Open(header + "\"Trace Data\",0,40\n" + Marked(3, 1) + Marked(3, 2) + Marked(40, 3) +
+         Marked(3, 4) + "\"End of Trace Data\"\n");
+    ASSERT_EQ(stream->ReadHead(), "");
+    const SampleRows* rows = stream->NextRows();
+    ASSERT_NE(rows, nullptr);
+    EXPECT_THAT(rows->numbers, ElementsAre(3, 40));
+    EXPECT_EQ(rows->records[0].bytes[0], 4);
+    EXPECT_EQ(rows->records[1].bytes[0], 3);
+    EXPECT_EQ(stream->NextRows(), nullptr);
+    EXPECT_FALSE(stream->CutOff());
+}
+
+TEST_F(TraceStreams, GiveManySamplesOutOfOrderInPieces) {
+    std::string rows;
+    const int count = 2 * static_cast<int>(TraceParser::rowsAtOnce) + 5;
+    for (int i = count; i-- > 0;) {
+        rows += Row(i);
+    }
+    const auto numbers = NumbersOf(rows, 0, count - 1);
+    ASSERT_EQ(numbers.size(), static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        ASSERT_EQ(numbers[static_cast<std::size_t>(i)], i);
+    }
+}
+
+TEST_F(TraceStreams, TakeAHeaderThatStandsBehindTheSamples) {
+    Open("\"Trace Data\",0,1\n" + Row(0) + Row(1) + "\"End of Trace Data\"\n" + header +
+         "\"Description\",\"late\"\n");
+    ASSERT_EQ(stream->ReadHead(), "");
+    EXPECT_EQ(stream->comment, "late");
+    EXPECT_THAT(AllNumbers(), ElementsAre(0, 1));
+}
+
+TEST_F(TraceStreams, TakeADescriptionThatStandsBehindTheSamples) {
+    Open(header + "\"Trace Data\",0,1\n" + Row(0) + Row(1) + "\"End of Trace Data\"\n" +
+         "\"Description\",\"late\"\n");
+    ASSERT_EQ(stream->ReadHead(), "");
+    EXPECT_EQ(stream->comment, "late");
+}
+
+TEST_F(TraceStreams, AWindowSeesTheSameOfAFileInAnyOrder) {
+    const std::string zoom = "\"Power Zoom Data\",255,256\n0,9" + zeros.substr(2);
+    const std::string text = "\"Trace Data\",0,9\n" + Marked(2, 1) + Marked(0, 2) + zoom +
+                             "\"Trace Data\",-3,5\n" + Marked(5, 3) + Marked(-1, 4) + Marked(5, 5) +
+                             "\"End of Trace Data\"\n" + header;
+    NewTraceContext context;
+    RecordingPrompts prompts;
+    CTesselDoc window(context, prompts);
+    ASSERT_TRUE(window.OnOpenDocument(dir.Write("a.tra", text)));
+    Open(text);
+    TraceSurvey survey;
+    ASSERT_EQ(stream->Survey(survey), "");
+    EXPECT_EQ(survey.rows, window.RowCount(false));
+    EXPECT_EQ(survey.last - survey.first + 1, window.SampleCount(false));
+    EXPECT_EQ(survey.zoom.at(255), window.GetSample(255, true));
+    EXPECT_EQ(stream->TriggerNumber() - survey.first, window.Marker(0, false));
+    std::int64_t row = 0;
+    while (const SampleRows* rows = stream->NextRows()) {
+        for (std::size_t i = 0; i < rows->Size(); ++i, ++row) {
+            const std::int64_t sample = window.RowToSample(row, false);
+            EXPECT_EQ(rows->numbers[i], window.FirstSampleNumber(false) + sample);
+            EXPECT_EQ(rows->records[i], window.GetSample(sample, false));
+        }
+    }
+    EXPECT_EQ(row, 2);
 }
 
 TEST_F(TraceStreams, EndWithTheirBlock) {
@@ -138,14 +216,19 @@ TEST_F(TraceStreams, PowerZoomMayStandBeforeTheSamples) {
     EXPECT_FALSE(survey.HasGaps());
 }
 
-TEST_F(TraceStreams, TwoBlocksOfSamplesAreRefused) {
-    const std::string block = "\"Trace Data\",0,0\n" + Row(0) + "\"End of Trace Data\"\n";
-    Open(header + block + block);
+TEST_F(TraceStreams, GiveTheLastOfSeveralBlocks) {
+    const std::string first = "\"Trace Data\",0,5\n" + Row(0) + Row(5);
+    const std::string second = "\"Trace Data\",7,8\n" + Row(7);
+    Open(header + first + "\"End of Trace Data\"\n" + second + "\"End of Trace Data\"\n");
     TraceSurvey survey;
-    EXPECT_THAT(stream->Survey(survey), HasSubstr("two blocks"));
-    ASSERT_EQ(stream->ReadHead(), "");
-    AllNumbers(); // who reads on is told too
-    EXPECT_THAT(stream->Wrong(), HasSubstr("two blocks"));
+    EXPECT_EQ(stream->Survey(survey), "");
+    EXPECT_EQ(survey.first, 7);
+    EXPECT_EQ(survey.rows, 1);
+    EXPECT_THAT(AllNumbers(), ElementsAre(7));
+    ASSERT_EQ(stream->BlocksBefore().size(), 1U);
+    EXPECT_EQ(stream->BlocksBefore()[0].begin, header.size());
+    EXPECT_EQ(stream->BlocksBefore()[0].end, header.size() + first.size());
+    EXPECT_EQ(ReadWholeFile(dir.File("a.tra")).substr(stream->BlockBegin(), second.size()), second);
 }
 
 TEST_F(TraceStreams, TimeToTheTriggerCountsUpToItsSample) {

@@ -107,13 +107,29 @@ TEST_F(TraceWriterTest, TheFileLineByLine) {
     EXPECT_THAT(text, testing::StartsWith("\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"
                                           "\"Description\",\"D\"\n\n\"Trace Setup\"\n\"Name\","));
     EXPECT_THAT(text,
-                HasSubstr("\"End of Setup Data\"\n\n\"State Signals\"\n\"Signal\",\"Name\","));
-    EXPECT_THAT(text, Not(HasSubstr("Waveform Signals"))) << "a list that is not there";
+                HasSubstr("\"End of Setup Data\"\n\n\"Waveform Signals\"\n\"Signal\",\"Name\","));
+    EXPECT_THAT(text, HasSubstr("\"Permanent\"\"BitReverse\"\n\"End of Wave Signals\"\n\n"
+                                "\"State Signals\"\n\"Signal\",\"Name\","));
+    EXPECT_THAT(text, Not(HasSubstr("Power Zoom Signals"))) << "a list that is not there";
     EXPECT_THAT(text, testing::EndsWith("\"End of State Signals\"\n\n\"Trace Data\",-1,1\n"
                                         "-1,255,255,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
                                         "0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
                                         "1,1,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
                                         "\"End of Trace Data\"\n"));
+}
+
+TEST_F(TraceWriterTest, AListWithoutSignalsComesBackWithoutSignals) {
+    Capture("PCIKite", 2, 1);
+    document->waveformList.RemoveAllSignals();
+    document->stateList.RemoveAllSignals();
+    document->zoomList.RemoveAllSignals();
+    ASSERT_EQ(Save(-2, 1), Step::Done);
+    const auto loaded = Load();
+    EXPECT_TRUE(loaded->waveformList.Empty());
+    EXPECT_TRUE(loaded->stateList.Empty());
+    EXPECT_TRUE(loaded->zoomList.Empty());
+    EXPECT_EQ(loaded->GetSample(0, false), RecordAt(-2));
+    EXPECT_EQ(loaded->GetSample(0, true), RecordAt(-255));
 }
 
 TEST_F(TraceWriterTest, StartAndEndBothZeroGiveOneRow) {

@@ -112,9 +112,33 @@ TEST_F(Dumps, TheSameValueReadsDifferentlyInAnotherPhase) {
     // The code of a command on C/BE, then the same lines as byte enables.
     const auto records = CaptureBuilder().Address(0x10, 7).Data(0xAB, 7).Records();
     const ParsedDump dump = ParseDump(Dump(RowsOf(records)));
-    EXPECT_EQ(dump.At(0, "COMMAND[7:0]"), dump.At(30, "COMMAND[7:0]"));
+    EXPECT_EQ(dump.At(0, "C/BE[7:0]"), dump.At(30, "C/BE[7:0]"));
     EXPECT_EQ(TextOfBits(dump.At(0, "COMMAND_text[127:0]")), "Mem Wr");
     EXPECT_EQ(TextOfBits(dump.At(30, "COMMAND_text[127:0]")), "");
+}
+
+TEST_F(Dumps, WhereNothingIsDecodedTheBitsAreUnknown) {
+    const auto records = CaptureBuilder()
+                             .Address(0x10, 7)
+                             .Data(0x12345678)
+                             .Data(0x12345678, 0b0110)
+                             .Idle()
+                             .Records();
+    const ParsedDump dump = ParseDump(Dump(RowsOf(records)));
+    const std::string unknown(32, 'x');
+    EXPECT_EQ(dump.At(0, "COMMAND[7:0]"), "11110111");
+    EXPECT_EQ(dump.At(0, "ADDRESS32[31:0]"), "00000000000000000000000000010000");
+    EXPECT_EQ(dump.At(0, "DATA32[31:0]"), unknown);
+    EXPECT_EQ(dump.At(30, "COMMAND[7:0]"), "xxxxxxxx");
+    EXPECT_EQ(dump.At(30, "ADDRESS32[31:0]"), unknown);
+    EXPECT_EQ(dump.At(30, "DATA32[31:0]"), "00010010001101000101011001111000");
+    // The lanes in the middle are off.
+    EXPECT_EQ(dump.At(60, "DATA32[31:0]"), "00010010xxxxxxxxxxxxxxxx01111000");
+    EXPECT_EQ(TextOfBits(dump.At(60, "DATA32_text[63:0]")), "12    78");
+    EXPECT_EQ(dump.At(90, "DATA32[31:0]"), unknown);
+    EXPECT_EQ(TextOfBits(dump.At(90, "DATA32_text[63:0]")), "");
+    EXPECT_EQ(dump.At(90, "TIME[17:0]"), "000000000001111000");
+    EXPECT_EQ(dump.At(90, "C/BE[7:0]"), "11111111"); // lines are what they are
 }
 
 TEST_F(Dumps, NamesHaveNoBlanksAndAreUnique) {

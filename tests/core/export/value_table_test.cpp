@@ -71,6 +71,74 @@ TEST_F(Tables, HaveARowForEachSampleWithPlainValues) {
     EXPECT_EQ(rows[2].at("AD[63:0]"), "0000000000000000");
 }
 
+TEST_F(Tables, DisabledByteLanesAreBlankAndACellOfBlanksIsEmpty) {
+    const auto rows = Export(CaptureBuilder()
+                                 .Address(0x10, 6)
+                                 .Data(0x12345678, 0b0001)
+                                 .Data(0x12345678, 0b1100)
+                                 .Data(0x12345678, 0b1001)
+                                 .Data(0x12345678, 0b1111)
+                                 .Idle()
+                                 .Records());
+    EXPECT_EQ(rows.at(1).at("DATA32"), "\"123456  \"");
+    EXPECT_EQ(rows.at(2).at("DATA32"), "\"    5678\"");
+    EXPECT_EQ(rows.at(3).at("DATA32"), "\"  3456  \"");
+    EXPECT_EQ(rows.at(4).at("DATA32"), "");
+    EXPECT_EQ(rows.at(5).at("DATA32"), "");
+    EXPECT_EQ(rows.at(5).at("AD[63:0]"), "0000000000000000");
+}
+
+TEST_F(Tables, LanesAreDisabledInHexadecimalOnly) {
+    for (const auto& signal : list.All()) {
+        if (signal->RowName() == "DATA32") {
+            signal->radix = Radix::Octal;
+        }
+    }
+    const auto rows = Export(CaptureBuilder().Data(0x12345678, 0b1111).Records());
+    EXPECT_EQ(rows.at(0).at("DATA32"), "02215053170");
+}
+
+TEST_F(Tables, WideDataHaveTheirDigitsInTheirPlaces) {
+    board.board.bus.busWidth = 1;
+    list.BuildFromTables(0, ModeState);
+    const auto rows = Export(CaptureBuilder().Data(0x12345678).Data(0x1234, 0b1100).Records());
+    EXPECT_EQ(rows.at(0).at("DATA64"), "\"        12345678\""); // its upper lanes are off
+    EXPECT_EQ(rows.at(1).at("DATA64"), "\"            1234\"");
+}
+
+TEST_F(Tables, DigitsThatAreNotShownHaveNotChanged) {
+    changes = true;
+    list.RemoveAllSignals();
+    for (const auto& def : board.tables.decodedSignals.Defs()) {
+        if (def->name == "DATA32") {
+            list.AddSignal(nullptr, def, 0, 0, 0, 0, Radix::Hex, true);
+        }
+    }
+    const auto rows = Export(CaptureBuilder()
+                                 .Data(0x12340000, 0b0011)
+                                 .Data(0x12345678, 0b0011)
+                                 .Data(0x12345678, 0b0001)
+                                 .Data(0x12345678, 0b1111)
+                                 .Data(0x9ABCDEF0, 0b1111)
+                                 .Records());
+    std::vector<std::string> numbers;
+    for (const auto& row : rows) {
+        numbers.push_back(row.at("SAMPLE"));
+    }
+    EXPECT_EQ(numbers, (std::vector<std::string>{"0", "2", "3"}));
+}
+
+TEST_F(Tables, AddressesHaveTheDigitsOfTheirWidth) {
+    BoardTables vme("VMEKite-1", BusVme);
+    board.board = vme.board;
+    list.BuildFromTables(0, ModeState);
+    SampleRecord record;
+    record.bytes = {0x56, 0x34, 0x12, 0xFF};
+    record.bytes[8] = 0x39; // an address of 24 bits
+    const auto rows = Export({record});
+    EXPECT_EQ(rows.at(0).at("ADDRESS32"), "\"  123456\"");
+}
+
 TEST_F(Tables, ByChangeLeaveOutRowsInWhichNothingMoved) {
     changes = true;
     const auto rows = Export(CaptureBuilder().Idle(3).Read(0x10).Idle(2).Records());

@@ -85,6 +85,34 @@ TEST_F(LoadSamplesTest, LeavesOutWhatLiesBeyondTheSamples) {
     EXPECT_EQ(Row("FRAME").data, std::vector<std::uint32_t>{0b110});
 }
 
+TEST_F(LoadSamplesTest, LeavesOutLongRunsOfSamplesThatAreAbsent) {
+    // Samples 600 to 1799 are absent; some that are absent stand among others.
+    const auto records = CaptureBuilder().Write(0x100, 1).Idle(1997).Read(0x200).Records();
+    std::vector<std::uint32_t> absent(WordsFor(static_cast<std::uint32_t>(records.size())), 0);
+    for (std::size_t sample = 600; sample < 1800; ++sample) {
+        absent[sample / 32] |= 1U << (sample % 32);
+    }
+    absent[1] = 0xFF;
+    list_.ResizeSamples(static_cast<std::uint32_t>(records.size()));
+    list_.LoadSamples(0, records, absent);
+    CSignalList whole;
+    whole.BuildFromTables(0, ModeState);
+    whole.ResizeSamples(static_cast<std::uint32_t>(records.size()));
+    whole.LoadSamples(0, records);
+    for (std::size_t i = 0; i < whole.Size(); ++i) {
+        for (std::size_t sample = 0; sample < records.size(); ++sample) {
+            if (sample >= 600 && sample < 1800) {
+                continue;
+            }
+            ASSERT_EQ(list_[i].Bit(sample), whole[i].Bit(sample)) << i << " " << sample;
+            ASSERT_EQ(list_[i].Label(sample), whole[i].Label(sample)) << i << " " << sample;
+            ASSERT_TRUE(std::ranges::equal(list_[i].GroupRow(sample), whole[i].GroupRow(sample)));
+        }
+    }
+    EXPECT_EQ(RowOf("C/BE[7:0]", 1200), Bytes{0}); // idle, had it been there
+    EXPECT_EQ(RowOf("C/BE[7:0]", 1900), Bytes{0xFF});
+}
+
 TEST_F(LoadSamplesTest, DoesNothingInAListWithoutSamples) {
     list_.LoadSamples(0, CaptureBuilder().Write(0x100, 1).Records());
     EXPECT_TRUE(Row("FRAME").data.empty());

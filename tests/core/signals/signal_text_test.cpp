@@ -301,9 +301,8 @@ TEST_F(SignalText, ADecodedSignalTakesTheCurrentNameAndLabels) {
 std::size_t MemoryOf(const CSignalList& list) {
     std::size_t bytes = 0;
     for (const auto& signal : list.All()) {
-        bytes += (signal->data.capacity() + signal->mask.capacity()) * 4 +
-                 signal->groupData.capacity() + signal->groupMask.capacity() +
-                 signal->labelTable.capacity();
+        bytes += (signal->data.size() + signal->mask.size()) * 4 + signal->groupData.size() +
+                 signal->groupMask.size() + signal->labelTable.size();
     }
     return bytes;
 }
@@ -317,12 +316,69 @@ TEST_F(SignalText, AnAnnouncementOfBillionsOfSamplesTakesLittleMemory) {
     }
     CSignalList list;
     Read(text, list);
-    EXPECT_EQ(list[0].numSamples, 32U);
+    EXPECT_EQ(list[0].numSamples, 2147483647U);
     EXPECT_LT(MemoryOf(list), 1U << 20);
     // One announced size for each sign.
     CSignalList negative;
     Read("\"Signal\",\"A\",\"A\",\"\",\"\",\"\",0,0,-1\n", negative);
-    EXPECT_EQ(negative[0].numSamples, 32U);
+    EXPECT_EQ(negative[0].numSamples, 0xFFFFFFFFU);
+    EXPECT_LT(MemoryOf(negative), 100U);
+}
+
+TEST_F(SignalText, ManySignalsThatAnnounceWhatAFewMayHaveTakeLittleMemory) {
+    tables_.Decoded("KIND", {0, 1}, {{"Zero", "00"}});
+    std::string text;
+    for (int i = 0; i < 10000; ++i) {
+        text += "\"Signal\",\"A\",\"AD\",\"\",\"\",\"\",0,0,4096,20,30,0,\"\",\"Hex\",\"\","
+                "\"KIND\"\n\n";
+    }
+    CSignalList list;
+    Read(text, list);
+    EXPECT_EQ(list[9999].numSamples, 4096U);
+    EXPECT_LT(MemoryOf(list), 8U << 20);
+}
+
+TEST_F(SignalText, BehindItsLinesASignalHasZeros) {
+    CSignalList list;
+    Read("\"Signal\",\"A\",\"A\",\"Grouped\",\"\",\"Start\",0,0,1000,20,30,0,\"\",\"Hex\","
+         "\"Masked\"\n"
+         "\"Data\",1,1\n\"Data\",0,1\n\n\"Mask\",0,1\n\n"
+         "\"Signal\",\"B\",\"A\",\"Grouped\",\"\",\"End\",1,1,1000,20,30,0,\"\",\"Hex\","
+         "\"Masked\"\n",
+         list);
+    ASSERT_EQ(list.Size(), 2U);
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(list[i].numSamples, 1000U);
+        EXPECT_EQ(list[i].data.size(), 32U);
+        EXPECT_EQ(list[i].mask.size(), 32U);
+    }
+    Words words(32, 0);
+    EXPECT_EQ(list[1].data, words);
+    words[0] = 0b11;
+    words[1] = 0b10;
+    EXPECT_EQ(list[0].data, words);
+    words[0] = 0b10;
+    words[1] = 0;
+    EXPECT_EQ(list[0].mask, words);
+    EXPECT_EQ(list[0].groupData.size(), 1000U);
+    EXPECT_EQ(list[0].groupData[33], 1);
+    EXPECT_EQ(list[0].groupData[999], 0);
+}
+
+TEST_F(SignalText, ALongListKeepsItsTail) {
+    std::string text;
+    for (int i = 0; i < 9000; ++i) { // in groups of three
+        const std::string at = i % 3 == 0 ? "Start" : i % 3 == 2 ? "End" : "";
+        text += "\"Signal\",\"L\",\"L\",\"Grouped\",\"\",\"" + at + "\"," + std::to_string(i % 3) +
+                "," + std::to_string(i % 144) + "\n";
+    }
+    CSignalList list;
+    Read(text, list);
+    ASSERT_EQ(list.Size(), 9000U);
+    EXPECT_EQ(list[8997].RowName(), "L[2:0]");
+    list.ResizeSamples(1);
+    list.LoadSamples(0, std::vector{RecordOf({8998 % 144})});
+    EXPECT_EQ(list[8997].GroupRow(0)[0], 0b010);
 }
 
 TEST_F(SignalText, EndlessGroupsAndLinesTakeLittleMemory) {
@@ -336,8 +392,9 @@ TEST_F(SignalText, EndlessGroupsAndLinesTakeLittleMemory) {
     }
     CSignalList list;
     Read(text, list);
-    EXPECT_EQ(list[0].numSamples, CSignalList::maxFileSamples);
-    EXPECT_EQ(list.Size(), CSignalList::maxFileSignals);
+    EXPECT_EQ(list[0].numSamples, 2000000000U);
+    EXPECT_EQ(list[0].data.size(), 5000U); // for which there are lines
+    EXPECT_EQ(list.Size(), 20001U);
     list.ResizeSamples(1000);
     EXPECT_LT(MemoryOf(list), 8U << 20);
 }
