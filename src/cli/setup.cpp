@@ -1,3 +1,4 @@
+#include "capture/trace_run.h"
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
@@ -18,27 +19,30 @@ namespace {
 
 /// What goes to the board in one command.
 struct Payload {
-    const char* command;
+    std::string command;
     int address;
     std::vector<std::uint8_t> bytes;
 };
 
-std::vector<std::uint8_t> ParameterBytes(const TraceSetup& setup) {
+/// As the link prepares it.
+Payload Prepared(const SetupStep& step) {
     LinkRequest request;
-    request.command = CmdTraceParams;
-    request.Address() = static_cast<std::uintptr_t>(setup.clock);
-    request.Length() = static_cast<std::uintptr_t>(setup.triggerPosition);
-    request.Data() = static_cast<std::uintptr_t>(setup.powerZoomClock);
-    request.savedWords = request.words;
-    PreparePayload(request, {});
-    return request.payload;
+    request.command = step.command;
+    request.Address() = step.words.address;
+    request.Length() = step.words.length;
+    request.Data() = reinterpret_cast<std::uintptr_t>(step.words.data);
+    request.Extra() = step.words.extra;
+    PreparePayload(request, SetupEncoders());
+    return {std::string(LinkCommandName(step.command)), static_cast<int>(request.Address()),
+            request.payload};
 }
 
 std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& board) {
-    return {
-        {"CmdTraceParams", RegisterTraceParams, ParameterBytes(setup)},
-        {"CmdTraceEvents", RegisterTraceEvents, BuildEventRows(setup.events, EventCount(board))},
-        {"CmdTraceControl", RegisterTraceControl, BuildTraceControl(setup)}};
+    std::vector<Payload> payloads;
+    for (const SetupStep& step : SetupSteps(setup, board)) {
+        payloads.push_back(Prepared(step));
+    }
+    return payloads;
 }
 
 std::string HexOf(std::span<const std::uint8_t> bytes) {
@@ -50,8 +54,8 @@ std::string HexOf(std::span<const std::uint8_t> bytes) {
 }
 
 std::string AsText(const Payload& payload, std::size_t perLine) {
-    std::string text = Printf("\n%s, register %d, %zu bytes:\n", payload.command, payload.address,
-                              payload.bytes.size());
+    std::string text = Printf("\n%s, register %d, %zu bytes:\n", payload.command.c_str(),
+                              payload.address, payload.bytes.size());
     const std::span<const std::uint8_t> bytes(payload.bytes);
     for (std::size_t at = 0; at < bytes.size(); at += perLine) {
         text += "  " + HexOf(bytes.subspan(at, std::min(perLine, bytes.size() - at))) + "\n";
@@ -63,7 +67,7 @@ std::string AsJson(const std::vector<Payload>& payloads) {
     std::string text;
     for (const Payload& payload : payloads) {
         text += Printf("%s{\"command\": \"%s\", \"register\": %d, \"bytes\": \"%s\"}",
-                       text.empty() ? "" : ", ", payload.command, payload.address,
+                       text.empty() ? "" : ", ", payload.command.c_str(), payload.address,
                        HexOf(payload.bytes).c_str());
     }
     return "[" + text + "]";

@@ -6,27 +6,37 @@
 
 namespace busquill {
 
-bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
+std::array<SetupStep, 3> SetupSteps(const TraceSetup& setup, const BoardTraits& board) {
     const LinkWords parameters{.address = static_cast<std::uintptr_t>(setup.clock),
                                .length = static_cast<std::uintptr_t>(setup.triggerPosition),
                                .data =
                                    NumberAsData(static_cast<std::uintptr_t>(setup.powerZoomClock))};
-    bool taken = ExchangeOrTell(link, CmdTraceParams, parameters, prompts,
-                                "Error sending trace parameter data to analyzer.");
     const LinkWords events{.data = &setup.events,
-                           .extra = static_cast<std::uintptr_t>(EventCount(link.Traits()))};
-    taken = ExchangeOrTell(link, CmdTraceEvents, events, prompts,
-                           "Error sending trace event setup data to analyzer.") &&
-            taken;
-    return ExchangeOrTell(link, CmdTraceControl, {.data = &setup}, prompts,
-                          "Error sending trace control setup data to analyzer.") &&
-           taken;
+                           .extra = static_cast<std::uintptr_t>(EventCount(board))};
+    return {{
+        {CmdTraceParams, parameters, "Error sending trace parameter data to analyzer."},
+        {CmdTraceEvents, events, "Error sending trace event setup data to analyzer."},
+        {CmdTraceControl, {.data = &setup}, "Error sending trace control setup data to analyzer."},
+    }};
+}
+
+bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
+    bool taken = true;
+    for (const SetupStep& step : SetupSteps(setup, link.Traits())) {
+        taken = ExchangeOrTell(link, step.command, step.words, prompts, step.failure) && taken;
+        if (!taken && link.IsBoardGone()) {
+            break;
+        }
+    }
+    return taken;
 }
 
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
               Prompts& prompts) {
     if (setupPath.empty() || LoadSetupFile(document.setup, setupPath, prompts)) {
-        DownloadSetup(link, document.setup, prompts);
+        if (!DownloadSetup(link, document.setup, prompts) && link.IsBoardGone()) {
+            return;
+        }
     }
     StartBoard(document);
 }

@@ -1,12 +1,14 @@
 /// What the buttons and the timer of a trace window do, without the window. Main thread.
 #pragma once
 
+#include "link/analyzer_link.h"
+
+#include <array>
 #include <cstdint>
 #include <string>
 
 namespace busquill {
 
-class CAnalyzerLink;
 class CTesselDoc;
 class Prompts;
 class TraceSetup;
@@ -25,12 +27,22 @@ struct RunState {
     bool bufferFull = false;
 };
 
+/// One of the commands by which a setup goes to the board.
+struct SetupStep {
+    std::int32_t command = 0;
+    LinkWords words;               // name the setup, which must live as long
+    const char* failure = nullptr; // what the user hears when the board does not take it
+};
+[[nodiscard]] std::array<SetupStep, 3> SetupSteps(const TraceSetup& setup,
+                                                  const BoardTraits& board);
+
 /// Sends a setup in three commands. A command that fails says so, and the next goes out all the
-/// same. Whether the board has taken all of it.
+/// same, but not to a board that is gone. Whether the board has taken all of it.
 bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts);
 
 /// Starts a capture into the real-time document. With a path, that setup file becomes the
-/// document's setup first; when it cannot be read, the board runs with the setup that it has.
+/// document's setup first; when it cannot be read, the board runs with the setup that it has. A
+/// board that proves to be gone is not started, and the document keeps its capture.
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
               Prompts& prompts);
 

@@ -219,9 +219,11 @@ void SearchHost(CTesselDoc& document, SearchDirection direction, std::int64_t st
 
 void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection direction,
                       std::int64_t start, Prompts& prompts) {
-    // A step that fails says so, and the next goes out all the same.
+    // A step that fails says so, and the next goes out all the same while there is a board.
+    bool isGone = false;
     const auto step = [&](std::int32_t command, const LinkWords& words, const char* what) {
-        ExchangeOrTell(link, command, words, prompts, what);
+        isGone =
+            isGone || (!ExchangeOrTell(link, command, words, prompts, what) && link.IsBoardGone());
     };
     const std::int64_t before = document.GetStore().SamplesBefore();
     const bool isAfter = start >= before;
@@ -235,6 +237,9 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
     step(CmdSearchCondition, {.address = static_cast<std::uintptr_t>(direction)},
          "Error sending search control to analyzer.");
     step(CmdStartSearch, {}, "Error sending start search to analyzer.");
+    if (isGone) {
+        return;
+    }
 
     const std::time_t begun = link.Time();
     std::array<std::uint8_t, 4> status{};

@@ -66,6 +66,14 @@ bool CAnalyzerLink::Open() {
     return machine_->Open();
 }
 
+void CAnalyzerLink::Close() {
+    machine_->Close();
+}
+
+void CAnalyzerLink::SetGiveUp(GiveUp giveUp) {
+    machine_->SetGiveUp(std::move(giveUp));
+}
+
 void CAnalyzerLink::ReadIdentity() {
     machine_->ReadIdentity();
 }
@@ -135,6 +143,14 @@ bool CAnalyzerLink::IsDemoMode() const noexcept {
 
 BoardIdentity CAnalyzerLink::Identity() const {
     return machine_->Board().Identity();
+}
+
+bool CAnalyzerLink::IsIdentified() const noexcept {
+    return machine_->Board().IsIdentified();
+}
+
+bool CAnalyzerLink::IsBoardGone() const {
+    return machine_->IsBoardGone();
 }
 
 BoardTraits CAnalyzerLink::Traits() const {

@@ -135,12 +135,20 @@ public:
     /// run. Whether the result was LinkOk. What to say about a failure is the caller's.
     [[nodiscard]] bool Exchange(std::int32_t command, const LinkWords& words = {});
 
+    /// Asked now and then while the main thread waits in an Exchange, with the time that it has
+    /// waited. When it is true the link is closed, which ends the exchange as failed; nothing else
+    /// does, while a board only answers the first frame of a command again and again.
+    using GiveUp = std::function<bool(std::chrono::milliseconds waited)>;
+    void SetGiveUp(GiveUp giveUp);
+
     /// Rooms above register how the payloads of their commands are made.
     void RegisterEncoder(std::int32_t command, Encoder encoder);
 
     /// Opens the port that the settings name. True when the board answered at another rate than
     /// the configured one.
     bool Open();
+    /// Leaves the port for none. Requests that have not ended do so as LinkTransferFailed.
+    void Close();
     void ReadIdentity();
     void SetBaudRate(int rate);
     /// The connection sequence, from Open to LoadBusConfig. `targetBaud` is the rate to which a
@@ -171,6 +179,11 @@ public:
     [[nodiscard]] std::time_t Time() const;
     [[nodiscard]] bool IsDemoMode() const noexcept;
     [[nodiscard]] BoardIdentity Identity() const;
+    /// Whether the board's identity has come since the last Open. Any thread.
+    [[nodiscard]] bool IsIdentified() const noexcept;
+    /// Whether the board's device has been taken away, which failed requests have told. A feature
+    /// of several exchanges ends then at the first: the next ones would say the same. Any thread.
+    [[nodiscard]] bool IsBoardGone() const;
     /// What decides the board's family now. Any thread.
     [[nodiscard]] BoardTraits Traits() const;
 

@@ -30,6 +30,8 @@ public:
 
     [[nodiscard]] virtual bool IsUsb() const noexcept = 0;
     [[nodiscard]] virtual bool IsOpen() const = 0;
+    /// Whether the device has been taken away: nothing that is sent will ever be answered.
+    [[nodiscard]] virtual bool IsGone() const noexcept { return false; }
     /// Writes the bytes. False when the request that they belong to has failed with that; a
     /// serial port's requests go on to their time-out instead.
     [[nodiscard]] virtual bool Send(std::span<const std::uint8_t> bytes) = 0;
@@ -59,6 +61,7 @@ public:
 
     [[nodiscard]] bool IsUsb() const noexcept override { return false; }
     [[nodiscard]] bool IsOpen() const override { return Port() != nullptr; }
+    [[nodiscard]] bool IsGone() const noexcept override { return readFailed_; }
     bool Send(std::span<const std::uint8_t> bytes) override;
     void AwaitStep(ReplyRing& ring) override;
     void Close() override;
@@ -76,7 +79,7 @@ private:
     std::array<std::uint8_t, 1024> input_{};
     std::size_t inputNext_ = 0;
     std::size_t inputEnd_ = 0;
-    bool readFailed_ = false;
+    std::atomic<bool> readFailed_ = false; // any thread reads it
 };
 
 /// A board on USB. Acknowledgements do not exist there; data come alone on the input pipe.
@@ -102,12 +105,14 @@ public:
 
     [[nodiscard]] bool IsUsb() const noexcept override { return true; }
     [[nodiscard]] bool IsOpen() const override { return State() != Device::Closed; }
+    [[nodiscard]] bool IsGone() const noexcept override { return gone_; }
     bool Send(std::span<const std::uint8_t> bytes) override;
     void AwaitStep(ReplyRing& ring) override;
     void Wake() override;
     void Close() override;
 
 private:
+    [[nodiscard]] bool Failed(const UsbDevice::Transfer& transfer);
     [[nodiscard]] bool ReopenUsb();
     [[nodiscard]] std::shared_ptr<UsbDevice> CurrentDevice() const;
     void Store(std::shared_ptr<UsbDevice> device);
@@ -119,6 +124,7 @@ private:
     std::shared_ptr<UsbDevice> device_ BUSQUILL_GUARDED_BY(deviceLock_);
     bool reopenAtSend_ BUSQUILL_GUARDED_BY(deviceLock_);
     Mutex transferLock_; // one transfer at a time
+    std::atomic<bool> gone_ = false;
 
     // The pump's event: set by each send, cleared by the wait that it ends.
     std::mutex eventMutex_;

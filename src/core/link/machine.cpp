@@ -27,6 +27,10 @@ constexpr const char* demoModeMessage =
     "restart the program. Program will run in DEMO mode.";
 constexpr const char* communicationsError =
     "Communications error with analyzer. Check serial port connections.";
+/// An identity that comes after the connection sequence is not taken any more.
+constexpr const char* noIdentity =
+    "The analyzer has not told what it is. Check its connections and accept the\n"
+    "Utilities/Setup dialog to connect again.";
 
 /// The device behind a port name that begins with "COM". A name without a number from 1 up is
 /// taken as it stands, and fails to open.
@@ -88,7 +92,14 @@ bool CAnalyzerLink::Machine::Exchange(std::int32_t command, const LinkWords& wor
     request->Extra() = words.extra;
     queue_.Submit(request);
     queue_.RunOwedCompletions();
-    while (!services_.mainThread.WaitUntil(1h, [&] { return !outcome.busy; })) {
+    const auto begun = std::chrono::steady_clock::now();
+    const bool mayGiveUp = giveUp_ && MainThread::OnThisThread() == &services_.mainThread;
+    while (!services_.mainThread.WaitUntil(mayGiveUp ? 100ms : std::chrono::milliseconds(1h),
+                                           [&] { return !outcome.busy; })) {
+        if (mayGiveUp && giveUp_(std::chrono::duration_cast<std::chrono::milliseconds>(
+                             std::chrono::steady_clock::now() - begun))) {
+            Close();
+        }
     }
     return !outcome.failed;
 }
@@ -100,7 +111,7 @@ bool CAnalyzerLink::Machine::Open() {
     const int configuredBaud =
         settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate, usualBaudRate);
     ClosePort();
-    board_.LeaveDemoMode();
+    board_.ForgetBoard();
     conditions_.actualBaud = 0;
     queue_.Clear(statusBlock_);
     queue_.Clear(liveBlock_);
@@ -114,12 +125,22 @@ bool CAnalyzerLink::Machine::Open() {
     // Any other name means that no port is wanted, and is no failure.
 
     if (queue_.Port() == nullptr) {
-        queue_.FinishAllAtOnce();
+        queue_.FailAll();
     } else {
         queue_.RestartHead();
     }
     const int actualBaud = conditions_.actualBaud;
     return actualBaud != 0 && actualBaud != configuredBaud;
+}
+
+void CAnalyzerLink::Machine::Close() {
+    ClosePort();
+    queue_.FailAll();
+}
+
+bool CAnalyzerLink::Machine::IsBoardGone() const {
+    const auto port = queue_.Port();
+    return port != nullptr && port->IsGone();
 }
 
 void CAnalyzerLink::Machine::ClosePort() {
@@ -196,6 +217,9 @@ void CAnalyzerLink::Machine::Connect(int targetBaud) {
     queue_.WaitIdle();
     services_.clock.Sleep(settlingTime);
     LoadBusConfig();
+    if (queue_.Port() != nullptr && !board_.IsIdentified()) {
+        services_.prompts.TopmostMessage(noIdentity);
+    }
 }
 
 void CAnalyzerLink::Machine::Issue(LinkPhase phase, std::int32_t command, const LinkWords& words) {
@@ -224,11 +248,13 @@ void CAnalyzerLink::Machine::OnLinkOperationDone(std::int32_t result) {
         } else if (phase == PhaseReadBus) {
             board_.SetBus(queue_.CopyOf(busBlock_));
         }
-    } else if (phase == PhaseIdentify) {
-        FallIntoDemoMode();
     } else if (phase == PhaseLiveStatus) {
         ClearLiveStatus();
         board_.SetCommLost(true);
+    } else if (queue_.Port() == nullptr) {
+        // The link has left that board; what it owes is no news.
+    } else if (phase == PhaseIdentify) {
+        FallIntoDemoMode();
     } else {
         services_.prompts.TopmostMessage(communicationsError);
     }
@@ -305,7 +331,8 @@ void CAnalyzerLink::Machine::SendRaw(std::span<const std::uint8_t> bytes) {
 void CAnalyzerLink::Machine::SendKeepAlive() {
     const auto port = queue_.Port();
     const LinkThread* thread = currentThread_;
-    if (port != nullptr && port->IsUsb() && thread != nullptr && !thread->Stopping()) {
+    if (port != nullptr && port->IsUsb() && !port->IsGone() && thread != nullptr &&
+        !thread->Stopping()) {
         queue_.Submit(NewRequest(CmdUsbKeepAlive, nullptr, nullptr));
     }
 }

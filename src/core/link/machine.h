@@ -28,6 +28,9 @@ public:
     void ShutDown();
 
     bool Open();
+    void Close();
+    [[nodiscard]] bool IsBoardGone() const;
+    void SetGiveUp(GiveUp giveUp) { giveUp_ = std::move(giveUp); }
     void ReadIdentity();
     void SetBaudRate(int rate);
     void Connect(int targetBaud);
@@ -65,6 +68,7 @@ private:
     BoardState board_;
     LinkConditions conditions_;
     std::function<void()> familyListener_; // main thread
+    GiveUp giveUp_;                        // main thread
 
     // What the link's own reads fill: written by the queue under its lock.
     std::array<std::uint8_t, statusBlockSize> statusBlock_{};

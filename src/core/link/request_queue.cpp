@@ -106,7 +106,7 @@ bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
         fallen();
         waiting.swap(requestQueue_);
     }
-    FinishAtOnce(waiting);
+    Fail(waiting);
     return true;
 }
 
@@ -124,7 +124,7 @@ void RequestQueue::Submit(LinkRequest* request) {
             return;
         }
     }
-    CompleteAtOnce(request);
+    CompleteAtOnce(request, LinkOk);
 }
 
 void RequestQueue::Complete(LinkRequest* request) {
@@ -135,8 +135,8 @@ void RequestQueue::Complete(LinkRequest* request) {
     }
 }
 
-void RequestQueue::CompleteAtOnce(LinkRequest* request) {
-    request->result = LinkOk;
+void RequestQueue::CompleteAtOnce(LinkRequest* request, LinkResult result) {
+    request->result = result;
     owed.requests.push_back(request);
     if (owed.running) {
         return;
@@ -172,18 +172,20 @@ bool RequestQueue::IsIdle() {
     return requestQueue_.empty();
 }
 
-void RequestQueue::FinishAllAtOnce() {
+void RequestQueue::FailAll() {
     std::deque<LinkRequest*> waiting;
     {
         const MutexLock lock(queueLock_);
         waiting.swap(requestQueue_);
     }
-    FinishAtOnce(waiting);
+    Fail(waiting);
 }
 
-void RequestQueue::FinishAtOnce(const std::deque<LinkRequest*>& waiting) {
+// Only what is submitted with no port ends as good: of these, somebody may take the buffer for what
+// the board has answered.
+void RequestQueue::Fail(const std::deque<LinkRequest*>& waiting) {
     for (LinkRequest* request : waiting) {
-        CompleteAtOnce(request);
+        CompleteAtOnce(request, LinkTransferFailed);
     }
     mainThread_.Wake();
 }

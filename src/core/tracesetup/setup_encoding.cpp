@@ -51,17 +51,28 @@ std::vector<std::uint8_t> BuildTraceControl(const TraceSetup& setup) {
     return bytes;
 }
 
+PayloadEncoders SetupEncoders() {
+    return {
+        {CmdTraceEvents,
+         [](const LinkRequest& request) {
+             return BuildEventRows(*request.DataAs<const CSignalList>(),
+                                   static_cast<int>(request.words[3]));
+         }},
+        {CmdTraceControl,
+         [](const LinkRequest& request) {
+             return BuildTraceControl(*request.DataAs<const TraceSetup>());
+         }},
+        {CmdSearchSample,
+         [](const LinkRequest& request) {
+             return BuildEventRows(*request.DataAs<const CSignalList>(), 1);
+         }},
+    };
+}
+
 void RegisterSetupEncoders(CAnalyzerLink& link) {
-    link.RegisterEncoder(CmdTraceEvents, [](const LinkRequest& request) {
-        return BuildEventRows(*request.DataAs<const CSignalList>(),
-                              static_cast<int>(request.words[3]));
-    });
-    link.RegisterEncoder(CmdTraceControl, [](const LinkRequest& request) {
-        return BuildTraceControl(*request.DataAs<const TraceSetup>());
-    });
-    link.RegisterEncoder(CmdSearchSample, [](const LinkRequest& request) {
-        return BuildEventRows(*request.DataAs<const CSignalList>(), 1);
-    });
+    for (auto& [command, encoder] : SetupEncoders()) {
+        link.RegisterEncoder(command, encoder);
+    }
 }
 
 } // namespace busquill

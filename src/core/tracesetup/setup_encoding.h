@@ -1,6 +1,7 @@
 /// The payloads by which a trace setup goes to the board.
 #pragma once
 
+#include "link/payloads.h"
 #include "tracesetup/trace_setup.h"
 
 #include <cstdint>
@@ -21,8 +22,11 @@ constexpr std::int32_t eventRowBits = 120;
 /// Eight rows of 20 bytes, level 1 first.
 [[nodiscard]] std::vector<std::uint8_t> BuildTraceControl(const TraceSetup& setup);
 
-/// Tells the link how the payloads of trace events, trace control and the search pattern are made
-/// from the list or the setup that a request's `data` word names.
+/// How the payloads of trace events, trace control and the search pattern are made from the list or
+/// the setup that a request's `data` word names.
+[[nodiscard]] PayloadEncoders SetupEncoders();
+
+/// Tells the link.
 void RegisterSetupEncoders(CAnalyzerLink& link);
 
 } // namespace busquill
