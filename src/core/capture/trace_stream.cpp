@@ -17,6 +17,7 @@ namespace {
 constexpr std::int64_t zoomFirst = -255;
 
 constexpr const char* tooManySamples = "no capture has so many samples";
+constexpr const char* cannotBeRead = "it cannot be read to its end";
 constexpr const char* hasChanged = "it has changed while it was read";
 
 } // namespace
@@ -75,6 +76,9 @@ std::string TraceStream::LookThrough() {
             headerFirst = headerFirst && CheckHeader().empty();
             ++blocks;
         }
+    }
+    if (file_.Failed()) {
+        return cannotBeRead;
     }
     if (std::string wrong = CheckHeader(); !wrong.empty()) {
         return wrong;
@@ -219,7 +223,7 @@ const SampleRows* TraceStream::NextRows() {
         }
     }
     if (wrong_.empty() && file_.Failed()) {
-        wrong_ = "it cannot be read to its end";
+        wrong_ = cannotBeRead;
     }
     return nullptr;
 }

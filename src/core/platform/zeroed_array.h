@@ -26,9 +26,7 @@ public:
 
     ZeroedArray() = default;
     ZeroedArray(std::initializer_list<T> values) : ZeroedArray(std::span<const T>(values)) {}
-    ZeroedArray(
-        const std::vector<T>& values) // NOLINT(google-explicit-constructor): the same values
-        : ZeroedArray(std::span<const T>(values)) {}
+    ZeroedArray(const std::vector<T>& values) : ZeroedArray(std::span<const T>(values)) {}
     ZeroedArray(const ZeroedArray& other) : ZeroedArray(std::span<const T>(other)) {}
     ZeroedArray(ZeroedArray&& other) noexcept
         : values_(std::move(other.values_)), size_(std::exchange(other.size_, 0)) {}
