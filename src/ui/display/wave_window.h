@@ -45,6 +45,7 @@ public:
     void MoveSignalsTo(int position) override;
     void Render(bool blit) override;
     void RenderMarkers() override;
+    void SamplesChanged() override;
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -62,6 +63,7 @@ private:
     void SetTop(const BandPlace& top);
     void RenderNames();
     void RenderWaves();
+    void RenderValues();
     void Want(std::optional<std::int64_t> sample);
     void Show(HeaderControl::Redraw redraw);
     [[nodiscard]] Resizing EdgeAt(int x) const;
