@@ -12,6 +12,8 @@ namespace busquill::test {
 /// Views of a trace and what a user does to them.
 class TraceViewFixture : public TraceFixture {
 protected:
+    using TraceFixture::TraceFixture;
+
     static int Rows(CTraceView& view) {
         return static_cast<int>(view.findChild<TraceDisplay*>()->VisibleSampleCount());
     }

@@ -243,7 +243,10 @@ void CTesselDoc::GoToSample(std::int64_t sample, bool zoom) {
 }
 
 void CTesselDoc::ApplyFilter(std::int64_t topSample) {
-    FindAll(GetStore().GetData(false), RecordPattern(filterPattern), excludedBits, rowTable_,
+    // After a run that ended without samples the store may still hold those of the run before.
+    const auto records = GetStore().GetData(false);
+    const auto count = std::min(records.size(), static_cast<std::size_t>(sampleCount_));
+    FindAll(records.first(count), RecordPattern(filterPattern), excludedBits, rowTable_,
             matchBits_);
     rowCount_ = static_cast<std::int64_t>(rowTable_.size());
     const std::int64_t row = SampleToRow(topSample, false);

@@ -14,7 +14,7 @@ namespace {
 /// Columns that stand for something else than bits of the sample.
 bool IsPlaceholder(const CSignal& signal) {
     if (!signal.decoded) {
-        return !signal.grouped && signal.dataIndex < 0;
+        return signal.IsBlank();
     }
     const DecodeKind kind = signal.decoded->decodeKind;
     return kind == DecodeKind::Delta || kind == DecodeKind::Accum || kind == DecodeKind::Sample;

@@ -231,7 +231,7 @@ std::string ValueDump::ViewerFile(std::string_view dumpPath, std::string_view vi
     for (std::size_t i = 0; i < list_.Size(); i = list_.GroupEnd(i)) {
         const CSignal& signal = list_[i];
         if (next == values_.size() || values_[next].signal.signal != &signal) {
-            const bool isBlank = !signal.grouped && signal.dataIndex < 0 && !signal.hidden;
+            const bool isBlank = signal.IsBlank() && !signal.hidden;
             text += isBlank ? "@200\n-\n" : "";
             continue;
         }

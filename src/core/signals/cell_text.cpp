@@ -8,8 +8,8 @@ namespace {
 
 std::string BusOrBitText(const CSignal& signal, std::size_t index, bool zoom) {
     if (!signal.grouped) {
-        const bool isBlank = signal.dataIndex < 0 || signal.data.empty();
-        return isBlank ? "" : signal.Bit(index) ? "1" : "0";
+        const bool isEmpty = signal.IsBlank() || signal.data.empty();
+        return isEmpty ? "" : signal.Bit(index) ? "1" : "0";
     }
     const auto row = signal.GroupRow(index);
     return row.empty() ? "" : FormatValue(row, signal.groupWidth, signal.radix, {}, zoom);

@@ -72,6 +72,8 @@ public:
     /// 0 for a member of a group other than the first, and for a hidden signal.
     [[nodiscard]] std::int32_t VisibleHeight() const noexcept;
     [[nodiscard]] std::int32_t VisibleWidth() const noexcept;
+    /// Whether the row looks at no bit, so that it has nothing to show whatever samples there are.
+    [[nodiscard]] bool IsBlank() const noexcept { return !grouped && dataIndex < 0; }
     [[nodiscard]] bool IsGroupStart() const noexcept {
         return grouped && (groupAttribute & GroupAttribute::Start) != 0;
     }

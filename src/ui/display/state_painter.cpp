@@ -19,7 +19,6 @@ namespace {
 
 const QColor lineColor(0, 0, 0);
 
-/// A cell may be cut at its end and say so.
 bool IsLeftAligned(const CSignal& signal) {
     return signal.decoded && signal.decoded->name == "RULE CHECK";
 }
@@ -122,7 +121,7 @@ private:
         painter_.setPen(lineColor);
         DrawCellText(painter_, numberCell,
                      QString::number(frame_.document.FirstSampleNumber(frame_.zoom) + sample),
-                     CellAlign::Center, false);
+                     CellAlign::Center, true);
         if (!valid) {
             return;
         }
@@ -143,10 +142,10 @@ private:
     void DrawCell(const QRect& cell, const CSignal& signal, std::int64_t row, std::int64_t sample,
                   const ListedSample& listed) {
         painter_.setPen(ColorOf(signal.color));
-        const bool left = IsLeftAligned(signal);
         const std::string text = CellText(frame_.board, signal, listed, frame_.zoom);
+        // A value that lost its sign or its first digits would read as another one.
         DrawCellText(painter_, cell.adjusted(2, 0, -2, 0), ToQt(text),
-                     left ? CellAlign::Left : CellAlign::Center, left);
+                     IsLeftAligned(signal) ? CellAlign::Left : CellAlign::Center, true);
         if (IsKind(signal, DecodeKind::Delta)) {
             DrawDelta(cell, row, sample);
         }
@@ -185,7 +184,7 @@ private:
                                     2;
         if (row == middle) {
             DrawCellText(painter_, cell, ToQt(TimeBetween(first, second, frame_.list, frame_.zoom)),
-                         CellAlign::Center, false);
+                         CellAlign::Center, true);
         } else if (sample > std::min(first, second) && sample < std::max(first, second)) {
             Line(cell.center().x(), cell.top(), 1, stateRowPitch); // meets that of the next row
         }

@@ -123,7 +123,8 @@ public:
             painter_.fillRect(cell, signal.selected ? QColor(Qt::white) : Background());
             DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
             painter_.setPen(lineColor);
-            DrawCentered(cell.adjusted(3, 1, -3, -1), QString::fromStdString(signal.RowName()));
+            DrawCentered(cell.adjusted(1, 1, -1, -1), QString::fromStdString(signal.RowName()),
+                         true);
         }
         Frame();
     }
@@ -141,11 +142,12 @@ public:
             const CSignal& signal = frame_.list[band.signal];
             const QRect cell(column.left(), band.top, column.width(), band.height);
             FillBand(band, cell.left(), cell.width());
-            if (isSet && signal.numSamples != 0) {
+            if (isSet && HasData(signal)) {
                 painter_.setPen(ColorOf(signal.color));
                 DrawCentered(
                     cell.adjusted(1, 0, -1, 0),
-                    QString::fromStdString(BandText(samples_, frame_.board, signal, marker)));
+                    QString::fromStdString(BandText(samples_, frame_.board, signal, marker)),
+                    false);
             }
         }
         Frame();
@@ -162,7 +164,7 @@ public:
         for (const WaveBand& band : bands_) {
             FillBand(band, area.left(), area.width());
             const CSignal& signal = frame_.list[band.signal];
-            if (!missing && samples_.count > 0 && signal.numSamples != 0) {
+            if (!missing && samples_.count > 0 && HasData(signal)) {
                 DrawSignal(signal, band);
             }
         }
@@ -191,9 +193,13 @@ private:
         }
     }
 
-    void DrawCentered(const QRect& cell, const QString& text) {
+    void DrawCentered(const QRect& cell, const QString& text, bool ellipsis) {
         DrawCellText(painter_, LineInBand(cell, painter_.fontMetrics().height()), text,
-                     CellAlign::Center, true);
+                     CellAlign::Center, ellipsis);
+    }
+
+    [[nodiscard]] static bool HasData(const CSignal& signal) {
+        return signal.numSamples != 0 && !signal.IsBlank();
     }
 
     void DrawSignal(const CSignal& signal, const WaveBand& band) {
@@ -273,7 +279,7 @@ private:
             if (texts.ShowsAnything(right - left)) {
                 const std::string text =
                     BandText(samples_, frame_.board, signal, samples_.SampleOf(k));
-                if (!text.empty()) {
+                if (text.find_first_not_of(' ') != std::string::npos) {
                     texts.Draw(left + 1, right - left, line.top(), text);
                 }
                 k = next;

@@ -101,7 +101,7 @@ void CWaveformWnd::ScrollToSample(std::int64_t sample) {
     const bool moves = first != firstSample_;
     place_ = {row, moves ? 0 : place_.subPixel};
     if (moves) {
-        RenderWaves();
+        RenderMarkers(); // one that was set out of sight may be why
     }
 }
 
@@ -223,9 +223,20 @@ void CWaveformWnd::RenderMarkers() {
         return;
     }
     RenderWaves();
+    RenderValues();
+}
+
+void CWaveformWnd::RenderValues() {
     QPainter painter(&Bitmap());
     DrawWaveValues(painter, Frame());
     update(nameWidth_, 0, valueWidth_, height());
+}
+
+/// The sample of marker 1 may have come though none that shows has.
+void CWaveformWnd::SamplesChanged() {
+    if (document_ != nullptr && !Bitmap().isNull() && document_->Marker(1, isZoom_) != -1) {
+        RenderValues();
+    }
 }
 
 void CWaveformWnd::Want(std::optional<std::int64_t> sample) {

@@ -46,6 +46,7 @@ public:
     void MoveSignalsTo(int position) override;
     void Render(bool blit) override;
     void RenderMarkers() override;
+    void SamplesChanged() override;
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -66,6 +67,7 @@ private:
     void SetTop(const BandPlace& top);
     void RenderNames();
     void RenderWaves();
+    void RenderValues();
     void Want(std::optional<std::int64_t> sample);
     void Show(HeaderControl::Redraw redraw);
     [[nodiscard]] Resizing EdgeAt(int x) const;

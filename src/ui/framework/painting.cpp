@@ -59,12 +59,16 @@ QSize DialogUnits(const QWidget& widget, int across, int down) {
 
 void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, CellAlign align,
                   bool ellipsis) {
-    if (text.isEmpty() || cell.width() < 1) {
-        return;
+    if (cell.width() < 1 || QStringView(text).trimmed().isEmpty()) {
+        return; // blanks stay blank where they do not fit, too
     }
     const QFontMetrics metrics = painter.fontMetrics();
-    const QString shown = ellipsis ? metrics.elidedText(text, Qt::ElideRight, cell.width()) : text;
-    const int width = metrics.horizontalAdvance(shown);
+    QString shown = text;
+    int width = metrics.horizontalAdvance(shown);
+    if (ellipsis && width > cell.width()) {
+        shown = metrics.elidedText(text, Qt::ElideRight, cell.width());
+        width = metrics.horizontalAdvance(shown);
+    }
     // Text that does not fit keeps its middle when it is centred.
     const int x = align == CellAlign::Left ? cell.left() : cell.left() + (cell.width() - width) / 2;
     const int baseline = cell.bottom() + 1 - metrics.descent();

@@ -42,6 +42,7 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
                                std::optional<std::size_t> shown, bool hasDualAddress)
     : QDialog(parent), def_(def), values_(new QComboBox), dac_(new QCheckBox("DAC")) {
     setWindowTitle("Command");
+    int selected = -1; // a cell without a label asks for no value of the list
     const bool isDual = hasDualAddress && shown && IsDual(def.values[*shown]);
     for (std::size_t i = 0; i < def.values.size(); ++i) {
         const CDecodedValue& value = def.values[i];
@@ -51,9 +52,10 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
         values_->addItem(value.label == nullptr ? "" : value.label);
         offered_.push_back(i);
         if (isDual ? Command(value) == SecondCommand(def.values[*shown]) : i == shown) {
-            values_->setCurrentIndex(values_->count() - 1);
+            selected = values_->count() - 1;
         }
     }
+    values_->setCurrentIndex(selected);
     dac_->setChecked(isDual);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     auto* layout = new QVBoxLayout(this);

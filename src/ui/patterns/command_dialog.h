@@ -16,8 +16,8 @@ class CDecodedSignalDef;
 class CCommandDialog final : public QDialog {
     Q_OBJECT
 public:
-    /// `shown` is the index of the value that the cell shows now. The definition outlives the
-    /// dialog.
+    /// `shown` is the index of the value that the cell shows now, if it shows one. The definition
+    /// outlives the dialog.
     CCommandDialog(QWidget* parent, const CDecodedSignalDef& def, std::optional<std::size_t> shown,
                    bool hasDualAddress);
 

@@ -107,12 +107,26 @@ CChangeSignalDialog::CChangeSignalDialog(QWidget* parent, CSignal* signal, std::
 
     connect(buttons, &QDialogButtonBox::accepted, this, &CChangeSignalDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CChangeSignalDialog::reject);
+    FillNames();
+    if (signal_ != nullptr) {
+        showValue_->setChecked(showValue);
+    }
+    // Not every row is one of the entries with its full range: what the dialog opens on must not
+    // replace it unasked.
+    chosen_ = signal_ == nullptr;
+    const auto choose = [this] { chosen_ = true; };
     connect(type_, &QComboBox::activated, this, [this](int index) {
-        lastType = index;
-        FillNames();
+        if (index != lastType) {
+            lastType = index;
+            chosen_ = true;
+            FillNames();
+        }
     });
     connect(name_, &QComboBox::currentIndexChanged, this, &CChangeSignalDialog::NameSelected);
-    FillNames();
+    connect(name_, &QComboBox::currentIndexChanged, this, choose);
+    connect(name_, &QComboBox::activated, this, choose); // the same one, too
+    connect(high_, &QSpinBox::valueChanged, this, choose);
+    connect(low_, &QSpinBox::valueChanged, this, choose);
 }
 
 CChangeSignalDialog::~CChangeSignalDialog() = default;
@@ -122,14 +136,16 @@ const CSignalDef* CChangeSignalDialog::Selected() const {
     return index < offered_.size() ? offered_[index].get() : nullptr;
 }
 
-/// Whether a definition is what the signal shows now.
-bool CChangeSignalDialog::IsCurrent(const CSignalDef& def) const {
+/// Whether the entry of a definition is the one to begin with: the row's own, or the bus whose
+/// lines it decodes.
+bool CChangeSignalDialog::OpensOn(const CSignalDef& def) const {
     if (signal_ == nullptr) {
         return false;
     }
     const bool isDecoded = dynamic_cast<const CDecodedSignalDef*>(&def) != nullptr;
-    return isDecoded ? signal_->decoded && def.name == signal_->groupName
-                     : !signal_->decoded && def.name == signal_->baseName;
+    return isDecoded ? signal_->decoded &&
+                           def.name == (signal_->grouped ? signal_->groupName : signal_->baseName)
+                     : def.name == signal_->baseName;
 }
 
 void CChangeSignalDialog::FillNames() {
@@ -140,7 +156,7 @@ void CChangeSignalDialog::FillNames() {
     const auto offer = [&](const auto& defs) {
         for (const auto& def : defs) {
             if ((def->FlagsFor(mode_) & flagNotOffered) == 0) {
-                current = IsCurrent(*def) ? name_->count() : current;
+                current = OpensOn(*def) ? name_->count() : current;
                 name_->addItem(QString::fromStdString(def->name));
                 offered_.push_back(def);
             }
@@ -186,7 +202,7 @@ void CChangeSignalDialog::accept() {
         signal_->showValue = showValue;
         currentName = signal_->RowName();
     }
-    const CSignalDef* def = Selected();
+    const CSignalDef* def = chosen_ ? Selected() : nullptr;
     if (const auto* bus = dynamic_cast<const CBusSignalDef*>(def)) {
         if (!ChooseBus(*bus, currentName)) {
             return;

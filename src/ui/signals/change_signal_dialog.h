@@ -39,7 +39,7 @@ private:
     class RangeField;
 
     [[nodiscard]] const CSignalDef* Selected() const;
-    [[nodiscard]] bool IsCurrent(const CSignalDef& def) const;
+    [[nodiscard]] bool OpensOn(const CSignalDef& def) const;
     void FillNames();
     void NameSelected();
     [[nodiscard]] bool ChooseBus(const CBusSignalDef& def, const std::string& currentName);
@@ -55,6 +55,7 @@ private:
     QComboBox* radix_;
     QCheckBox* showValue_;
     ColorButton* color_;
+    bool chosen_ = false; // by the user; not just what the dialog has opened on
 };
 
 } // namespace busquill

@@ -402,6 +402,31 @@ TEST_F(TraceRunTest, ARunWithoutSamplesEndsIdle) {
     EXPECT_TRUE(document->IsModified());
 }
 
+TEST_F(TraceRunTest, AfterARunWithoutSamplesTheFilterFindsNone) {
+    OpenBoard("PCIKite");
+    NewDocument();
+    SetLive(0x20, 40, 20);
+    StartRun(*link, *document, "", prompts);
+    ASSERT_TRUE(Ends());
+    Follow();
+    document->ApplyFilter(0);
+    ASSERT_EQ(document->RowCount(false), 61);
+    SetLive(0x80, 0, 0);
+    StartRun(*link, *document, "", prompts);
+    ASSERT_TRUE(Eventually([&] { // so that no look was in vain yet
+        std::int32_t before = 0;
+        std::int32_t after = 0;
+        return link->GetLiveStatus(before, after) == 0x80;
+    }));
+    line->SetAnswer([](const Bytes&, int) { return Bytes{}; }); // the board goes
+    ASSERT_TRUE(Ends());
+    Follow();
+    ASSERT_EQ(document->SampleCount(false), 0);
+    document->ApplyFilter(0);
+    EXPECT_EQ(document->RowCount(false), 0) << "the capture before is gone";
+    EXPECT_FALSE(document->IsFiltered());
+}
+
 TEST_F(TraceRunTest, StopDoesNothingWhenNoCaptureIsActive) {
     OpenBoard("PCIKite");
     NewDocument();

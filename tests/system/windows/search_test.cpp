@@ -133,6 +133,18 @@ TEST_F(LiveSearch, TheFilterHidesAndTheFilteredCaptureCanBeSaved) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
+TEST_F(LiveSearch, AfterARunWithoutSamplesTheFilterHasNothingToShow) {
+    Connect({"--buffer", "4", "--rate", "1000"});
+    Capture();
+    Go();
+    board->Fault("silence");
+    ASSERT_TRUE(RunUntil([&] { return !Running(); }));
+    ASSERT_EQ(Trace().SampleCount(false), 0);
+    SetCell<CFilterPatternDlg>("Search/Filter", "FRAME", "0");
+    EXPECT_EQ(Trace().RowCount(false), 0) << "those of the capture before are not its own";
+    EXPECT_FALSE(Trace().IsFiltered());
+}
+
 TEST_F(LiveSearch, AFileIsSearchedOnTheHost) {
     Connect();
     ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);

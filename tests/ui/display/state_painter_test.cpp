@@ -299,7 +299,7 @@ TEST_F(StatePainter, RowsSayWhatTheirCellsSay) {
     Load(-4, 300);
     topRow = 250;
     offset = 130;
-    const auto columns = Widen(90);
+    const auto columns = Widen(150);
     const auto device = Record();
     for (int row = 0; row < 5; ++row) {
         const std::int64_t sample = topRow + row;
@@ -355,6 +355,60 @@ TEST_F(StatePainter, FindingsAreLeftAlignedAndSayThatTheyAreCut) {
     const auto all = RowTexts(Record(), 0).at(1);
     EXPECT_EQ(all.text.toStdString(), whole);
     EXPECT_EQ(all.rect.left(), sampleColumn + 1 + 3);
+}
+
+TEST_F(StatePainter, ATextThatDoesNotFitShowsItsBeginningAndThatItIsCut) {
+    Load(-4000, 20, "\"State Signals\"\n" + TimeRows(false));
+    const CSignal& accum = AddDecoded("ACCUM", 56);
+    for (const std::int64_t sample : {0, 2, 2000}) {
+        topRow = sample;
+        const std::string whole = Text("ACCUM", sample);
+        ASSERT_EQ(whole.front(), '-');
+        ASSERT_GT(whole.size(), 6U);
+        const auto cut = RowTexts(Record(), 0).at(1);
+        EXPECT_TRUE(cut.text.endsWith(QChar(0x2026))) << cut.text.toStdString();
+        EXPECT_EQ(cut.text.chopped(1).toStdString(), whole.substr(0, cut.text.size() - 1));
+        EXPECT_GE(cut.text.size(), 5) << "as much as there is room for";
+        EXPECT_EQ(cut.visible, cut.rect) << "nothing is lost besides";
+        EXPECT_LE(cut.rect.right(), sampleColumn + accum.width);
+    }
+}
+
+TEST_F(StatePainter, NumbersThatDoNotFitAndTheTimeBetweenTheMarkersToo) {
+    Load(-4, 1020, "\"State Signals\"\n" + TimeRows(false));
+    AddDecoded("DELTA", 40);
+    document->SetMarker(1, 500);
+    document->SetMarker(2, 900);
+    topRow = 700;
+    StateFrame frame = Frame();
+    frame.sampleColumn = 22;
+    RecordingPaintDevice device(frame.size);
+    {
+        QPainter painter(&device);
+        DrawState(painter, frame);
+    }
+    const auto texts = RowTexts(device.Recorded(), 0);
+    ASSERT_EQ(texts.size(), 2U);
+    EXPECT_EQ(texts[0].text, QString("6\u2026")) << "696";
+    EXPECT_TRUE(texts[1].text.startsWith("12.") && texts[1].text.endsWith(QChar(0x2026)))
+        << texts[1].text.toStdString();
+}
+
+TEST_F(StatePainter, BlanksThatDoNotFitAreNoText) {
+    Load(0, 20);
+    const auto& data = Column("DATA32");
+    // All lanes of every sample are off.
+    document->store.PutSample(3, [] {
+        SampleRecord record;
+        record.bytes[8] = 0xFF;
+        return record;
+    }());
+    ASSERT_EQ(Text("DATA32", 3), "        ");
+    Widen(40);
+    ASSERT_GT(data.width, 0);
+    for (const auto& text : RowTexts(Record({4000, 200}), 3)) {
+        EXPECT_FALSE(text.text.trimmed().isEmpty() || text.text.trimmed() == QChar(0x2026));
+    }
 }
 
 TEST_F(StatePainter, RowColoursFillTheCellsOfTheColumns) {

@@ -314,6 +314,31 @@ TEST_F(WavePainter, SignalsWithoutDataLeaveTheirBandEmpty) {
     EXPECT_THAT(Texts(drawn, 60, 100), ElementsAre("1"));
 }
 
+TEST_F(WavePainter, ABlankRowStaysEmptyWhateverIsLoaded) {
+    Open();
+    document->waveformList.InsertBlank(nullptr)->showValue = true;
+    AddLine(0);
+    document->SetMarker(1, 3);
+    document->waveformList.ResizeSamples(1000); // as at each capture and each load
+    document->waveformList.LoadSamples(0, document->store.GetData(false));
+    const auto drawn = Record();
+    EXPECT_GE(Strokes(drawn).front().top(), 39);
+    EXPECT_THAT(Texts(drawn, 60, 100), ElementsAre("1"));
+    EXPECT_THAT(RunTexts(drawn), IsEmpty());
+}
+
+TEST_F(WavePainter, ABlankInAGroupIsABitOfIt) {
+    Open();
+    AddLine(1).selected = true;
+    document->waveformList.InsertBlank(nullptr)->selected = true;
+    document->waveformList.ResizeSamples(1000);
+    document->waveformList.LoadSamples(0, document->store.GetData(false));
+    document->waveformList.CollapseSelected();
+    EXPECT_EQ(Strokes(Record({left + 100, 100})).size(), 4U) << "two rails, two ticks";
+    document->SetMarker(1, 2);
+    EXPECT_THAT(Texts(Record(), 60, 100), ElementsAre("1"));
+}
+
 // Marks.
 
 TEST_F(WavePainter, TicksStandAtEverySample) {
@@ -462,11 +487,49 @@ TEST_F(WavePainter, TheValueColumnTellsOfMarker1) {
     AddDecoded("DATA32");
     EXPECT_THAT(Texts(Record(), 60, 100), IsEmpty());
     document->SetMarker(1, 6);
-    auto texts = Texts(Record(), 60, 100);
-    std::sort(texts.begin(), texts.end());
-    EXPECT_EQ(texts[1], "06");
-    EXPECT_EQ(texts[2], "1");
-    EXPECT_EQ(texts[0].substr(0, 2), "00") << "cut";
+    const auto drawn = Record();
+    EXPECT_THAT(Texts(drawn, 60, 100), testing::UnorderedElementsAre("1", "06"));
+    const auto wide = std::ranges::find(drawn.texts, QString("00000006"), &Recording::Text::text);
+    ASSERT_NE(wide, drawn.texts.end()) << "centred and without a mark where it is cut";
+    EXPECT_GT(wide->visible.left(), 60);
+    EXPECT_LT(wide->visible.right(), 100);
+}
+
+TEST_F(WavePainter, BlanksAreNoValueAndNoRun) {
+    Open();
+    CSignal& data = AddDecoded("DATA32");
+    SampleRecord idle;
+    idle.bytes[8] = 0xFF; // all lanes are off
+    for (std::uint32_t sample = 0; sample < 20; ++sample) {
+        document->store.PutSample(sample, idle);
+    }
+    document->LoadSignal(document->waveformList, data, false);
+    document->SetMarker(1, 3);
+    const auto drawn = Record();
+    EXPECT_THAT(Texts(drawn, 60, 100), IsEmpty());
+    EXPECT_THAT(RunTexts(drawn), IsEmpty());
+    zoom = 2; // a run of blanks that does not fit
+    EXPECT_THAT(RunTexts(Record({left + 40, 100})), IsEmpty());
+}
+
+TEST_F(WavePainter, NamesUseAllOfTheirColumnButAPixelOnEachSide) {
+    Open();
+    AddDecoded("COMMAND");
+    for (const int width : {75, 60, 40, 20}) {
+        WaveFrame frame = Frame();
+        frame.nameWidth = width;
+        RecordingPaintDevice device(usual);
+        {
+            QPainter painter(&device);
+            DrawWaveNames(painter, frame);
+        }
+        const auto texts = device.Recorded().TextsBetween(18, 40);
+        ASSERT_EQ(texts.size(), 1U);
+        const QString expected =
+            QFontMetrics(frame.nameFont).elidedText("COMMAND", Qt::ElideRight, width - 2);
+        EXPECT_EQ(texts[0].text, expected) << width;
+        EXPECT_TRUE(width != 75 || expected == "COMMAND");
+    }
 }
 
 TEST_F(WavePainter, SelectedNamesAreWhiteAndSunken) {

@@ -1,6 +1,10 @@
+#include "capture/trace_search.h"
+#include "platform/text_file.h"
+#include "support/modal_qt.h"
 #include "support/trace_view_fixture_qt.h"
 #include "ui/display/wave_window.h"
 #include "ui/framework/painting.h"
+#include "ui/signals/change_signal_dialog.h"
 
 #include <QAction>
 #include <QMenu>
@@ -17,8 +21,11 @@ namespace {
 /// A view of waveforms over samples whose data lines count.
 class Waveforms : public TraceViewFixture {
 protected:
-    void Open(int first = -500, int last = 499, bool isZoom = false, QSize size = {800, 400}) {
-        Load(first, last);
+    explicit Waveforms(const std::string& model = "PCIKite-1") : TraceViewFixture(model) {}
+
+    void Open(int first = -500, int last = 499, bool isZoom = false, QSize size = {800, 400},
+              const std::string& extra = "") {
+        Load(first, last, extra);
         for (const CSignalList* list : {&document->waveformList, &document->zoomList}) {
             for (const auto& signal : list->All()) {
                 signal->height = 20;
@@ -43,6 +50,22 @@ protected:
     void Click(QPoint place, Qt::MouseButton button = Qt::LeftButton,
                Qt::KeyboardModifiers keys = Qt::NoModifier) {
         QTest::mouseClick(window, button, keys, place);
+    }
+    /// Chooses an entry of the menu on the nth band's name; `choose` does what may open a dialog.
+    void ChooseOfMenu(
+        int n, const QString& entry,
+        const std::function<void(QAction&)>& choose = [](QAction& action) { action.trigger(); }) {
+        QTimer::singleShot(0, [&] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            for (QAction* action : menu->actions()) {
+                if (action->text() == entry) {
+                    choose(*action);
+                }
+            }
+            menu->close();
+        });
+        Click(Name(n), Qt::RightButton);
     }
     void Drag(QPoint from, QPoint to) {
         QTest::mousePress(window, Qt::LeftButton, {}, from);
@@ -543,6 +566,61 @@ TEST_F(Waveforms, TheRightButtonOnANameOpensTheMenu) {
     EXPECT_EQ(document->Marker(2, false), -1);
 }
 
+class WaveformsOnLark : public Waveforms {
+protected:
+    WaveformsOnLark() : Waveforms("VMELark") {}
+};
+
+TEST_F(WaveformsOnLark, ChangeSignalAndOkKeepsADecodedLine) {
+    Open();
+    int command = 0;
+    while (Band(command).RowName() != "COMMAND") {
+        ++command;
+    }
+    ChooseOfMenu(command, "Change Signal...", [](QAction& action) {
+        AnswerDialog<CChangeSignalDialog>([&] { action.trigger(); },
+                                          [](CChangeSignalDialog& dialog) { dialog.accept(); });
+    });
+    EXPECT_EQ(Band(command).RowName(), "COMMAND");
+    EXPECT_NE(Band(command).decoded, nullptr);
+}
+
+TEST_F(Waveforms, ABlankRowOfTheMenuStaysEmpty) {
+    Open();
+    ChooseOfMenu(2, "Insert Blank");
+    ASSERT_EQ(Band(2).dataIndex, -1);
+    Click(Wave(63));
+    const auto isEmpty = [this](int band) {
+        // The band's lines of pixels right of its name, each of one colour but for the lines of
+        // marks and columns, which all bands share.
+        const QImage picture = Picture();
+        const int last = BandTop(band) + Band(band).height - 1;
+        for (int x = window->NameWidth() + 1; x < window->width(); ++x) {
+            for (int y = BandTop(band); y < last; ++y) {
+                if (picture.pixel(x, y) != picture.pixel(x, y + 1)) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    };
+    EXPECT_TRUE(isEmpty(2));
+    EXPECT_FALSE(isEmpty(1) && isEmpty(3));
+    // The same from a file.
+    TextWriter file;
+    ASSERT_TRUE(file.Create(dir.File("list")));
+    file.Write("\"Waveform Signals\"\n");
+    document->waveformList.WriteSignals(file, false);
+    file.Write("\"End of Waveform Signals\"\n");
+    ASSERT_TRUE(file.Close());
+    view.reset();
+    Open(-500, 499, false, {800, 400}, ReadWholeFile(dir.File("list")));
+    ASSERT_EQ(Band(2).dataIndex, -1);
+    Click(Wave(63));
+    EXPECT_TRUE(isEmpty(2));
+    EXPECT_FALSE(isEmpty(1) && isEmpty(3));
+}
+
 // Drawing.
 
 TEST_F(Waveforms, ASelectionPaintsTheNamesAMarkerTheWavesAndValues) {
@@ -585,6 +663,52 @@ TEST_F(Waveforms, AMarkerOutsideIsShown) {
     const auto first = view->TopSample();
     document->SetMarker(2, first + 3);
     EXPECT_EQ(view->TopSample(), first);
+}
+
+TEST_F(Waveforms, TheValuesAreThoseOfAMarkerThatIsFoundOutOfSight) {
+    Open();
+    const auto expectWhole = [&](const char* after) {
+        const QImage shown = Picture();
+        window->Render(true);
+        EXPECT_EQ(Picture(), shown) << after;
+    };
+    Click(Wave(63));
+    const QImage before = Picture();
+    for (const auto& signal : document->searchPattern.All()) {
+        if (signal->dataIndex >= 0 && signal->dataIndex < 10) { // of the data lines: sample 900
+            signal->data[0] |= 900 >> signal->dataIndex & 1;
+            signal->mask[0] |= 1;
+        }
+    }
+    view->Find(SearchDirection::Forward);
+    ASSERT_EQ(document->Marker(1, false), 900);
+    ASSERT_EQ(view->CenterSample(), 900);
+    const QRect values(76, 18, 49, window->height() - 18);
+    EXPECT_NE(Picture().copy(values), before.copy(values));
+    expectWhole("a hit further on");
+    document->SetMarker(1, 899);
+    Key(Qt::Key_PageUp);
+    Key(Qt::Key_PageUp);
+    view->Find(SearchDirection::Forward);
+    expectWhole("a hit that is further on again");
+    SignalBar().triggerAction(QAbstractSlider::SliderPageStepAdd);
+    expectWhole("a move of the bands");
+}
+
+TEST_F(Waveforms, TheValuesAreThereWhenTheMarkersSampleHasCome) {
+    Open(0, 1999);
+    document->RebuildMaps(0, 1999);
+    document->SetMarker(1, 1000);
+    Key(Qt::Key_PageUp);
+    Key(Qt::Key_PageUp);
+    Key(Qt::Key_PageUp);
+    SampleRecord high;
+    high.bytes.fill(0xFF);
+    document->AddBlock(992, std::vector<SampleRecord>(32, high), false);
+    document->FlushBlockUpdates();
+    const QImage shown = Picture();
+    window->Render(true);
+    EXPECT_EQ(Picture(), shown);
 }
 
 TEST_F(Waveforms, NewColoursAreTakenAtTheNextPaint) {

@@ -223,7 +223,27 @@ TEST(CommandDialog, OpensOnTheCodeWhereTwoHaveOneName) {
     for (const std::size_t block : blocks) {
         EXPECT_EQ(CCommandDialog(nullptr, *def, block, true).Chosen(), block);
     }
-    EXPECT_EQ(CCommandDialog(nullptr, *def, std::nullopt, true).Chosen(), 0U);
+}
+
+TEST_F(PatternGrid, ACommandThatHasNoNameIsNoneAndOkKeepsIt) {
+    ClickAndAnswer<CValueDlg>("C/BE[7:0]", 0, [](CValueDlg& dialog) {
+        QTest::keyClicks(dialog.findChild<CBitEditWnd*>(), "12");
+        dialog.accept();
+    });
+    ASSERT_EQ(Text("COMMAND", 0), "") << "a second command without a dual address";
+    ClickAndAnswer<CCommandDialog>("COMMAND", 0, [](CCommandDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QComboBox*>()->currentIndex(), -1);
+        EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(), "");
+        EXPECT_FALSE(dialog.findChild<QCheckBox*>()->isEnabled());
+        dialog.accept();
+    });
+    EXPECT_EQ(Text("C/BE[7:0]", 0), "12");
+    EXPECT_EQ(changes, 1);
+    ClickAndAnswer<CCommandDialog>("COMMAND", 0, [](CCommandDialog& dialog) {
+        dialog.findChild<QComboBox*>()->setCurrentText("Mem Rd");
+        dialog.accept();
+    });
+    EXPECT_EQ(Text("COMMAND", 0), "Mem Rd");
 }
 
 TEST_F(PatternGrid, OtherDecodedCellsOpenAMenuOfTheirLabels) {

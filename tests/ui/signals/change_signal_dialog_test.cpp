@@ -22,10 +22,12 @@ class ChangeSignal : public testing::Test {
 protected:
     ChangeSignal() { list.BuildFromTables(32, ModeState); }
 
-    void Open(CSignal* signal) {
-        dialog = std::make_unique<CChangeSignalDialog>(nullptr, signal, ModeWaveform, prompts);
-        dialog->show();
+    /// As a user who chose "ALL" the last time.
+    void Open(CSignal* signal, std::uint32_t mode = ModeWaveform) {
+        dialog = std::make_unique<CChangeSignalDialog>(nullptr, nullptr, mode, prompts);
         SetType("ALL");
+        dialog = std::make_unique<CChangeSignalDialog>(nullptr, signal, mode, prompts);
+        dialog->show();
     }
     CSignal& Signal(const std::string& rowName) {
         for (const auto& signal : list.All()) {
@@ -218,6 +220,97 @@ TEST_F(ChangeSignal, ATimeRadixBecomesHex) {
     EXPECT_EQ(Box("Radix").currentText(), "Hex");
     dialog->accept();
     EXPECT_EQ(bus.radix, Radix::Hex);
+}
+
+TEST_F(ChangeSignal, ARowThatNoEntryStandsForIsKept) {
+    CSignal* blank = list.InsertBlank(&Signal("FRAME"));
+    Open(blank);
+    EXPECT_EQ(Box("Name").currentIndex(), 0);
+    dialog->accept();
+    EXPECT_EQ(dialog->chosenDef, nullptr);
+    EXPECT_FALSE(blank->showValue);
+    // Nor is a row whose entry the type leaves out.
+    SetType("BUS");
+    CChangeSignalDialog second(nullptr, &Signal("COMMAND"), ModeWaveform, prompts);
+    EXPECT_EQ(second.findChild<QComboBox*>("Name")->currentText(), "C/BE") << "its lines";
+    second.accept();
+    EXPECT_EQ(second.chosenDef, nullptr);
+}
+
+TEST_F(ChangeSignal, NorIsAPartOfABusOrAGroupOfLinesReplacedUnasked) {
+    CSignal* part = list.AddSignal(&Signal("FRAME"), board.tables.busSignals.FindByName("AD"), 32,
+                                   8, 15, 0, Radix::Hex, true);
+    Signal("FRAME").selected = Signal("IRDY").selected = true;
+    list.CollapseSelected();
+    for (CSignal* row : {part, &Signal("FRAME,IRDY")}) {
+        Open(row);
+        dialog->accept();
+        EXPECT_EQ(dialog->chosenDef, nullptr) << row->RowName();
+    }
+    Open(part);
+    EXPECT_EQ(High().value(), 63);
+    Low().setValue(32);
+    dialog->accept();
+    ASSERT_NE(dialog->chosenDef, nullptr);
+    EXPECT_EQ(dialog->firstBit, 32);
+    EXPECT_EQ(dialog->lastBit, 63);
+}
+
+TEST_F(ChangeSignal, WhatIsChosenForSuchARowReplacesIt) {
+    CSignal* blank = list.InsertBlank(&Signal("FRAME"));
+    Open(blank);
+    High().setValue(7);
+    dialog->accept();
+    ASSERT_NE(dialog->chosenDef, nullptr);
+    EXPECT_EQ(dialog->chosenDef->name, "AD");
+    EXPECT_EQ(dialog->lastBit, 7);
+    Open(blank);
+    SetType("DECODED");
+    dialog->accept();
+    EXPECT_NE(dialog->chosenDef, nullptr);
+}
+
+TEST_F(ChangeSignal, ADecodedLineWhoseNameIsThatOfItsLineOpensOnItself) {
+    list.BuildFromTables(1, ModeEvents);
+    CSignal& phase = Signal("ADR/DATA");
+    ASSERT_FALSE(phase.grouped);
+    Open(&phase, ModeEvents);
+    EXPECT_EQ(Box("Name").currentText(), "ADR/DATA");
+    dialog->accept();
+    EXPECT_EQ(dialog->chosenDef, nullptr);
+}
+
+/// A line on which something is decoded.
+class ChangeSignalOnLark : public ChangeSignal {
+protected:
+    ChangeSignalOnLark() {
+        tables = std::make_unique<BoardTables>("VMELark");
+        list.BuildFromTables(32, ModeState);
+    }
+
+    std::unique_ptr<BoardTables> tables;
+};
+
+TEST_F(ChangeSignalOnLark, ADecodedLineOpensOnItsLineAndOkKeepsTheRow) {
+    CSignal& command = Signal("COMMAND");
+    ASSERT_FALSE(command.grouped);
+    Open(&command);
+    EXPECT_EQ(Box("Name").currentText(), "WRITE");
+    EXPECT_TRUE(ShowValues().isChecked()) << "as the row does";
+    dialog->findChild<ColorButton*>()->SetColor(0x00FF00);
+    dialog->accept();
+    EXPECT_EQ(dialog->chosenDef, nullptr);
+    EXPECT_TRUE(command.showValue);
+    EXPECT_EQ(command.color, 0x00FF00U);
+    EXPECT_EQ(tables->tables.decodedSignals.FindByName("COMMAND")->color, 0x00FF00U);
+}
+
+TEST_F(ChangeSignalOnLark, TheLineOfADecodedRowCanBeChosen) {
+    Open(&Signal("COMMAND"));
+    emit Box("Name").activated(Box("Name").currentIndex()); // the one that stands there
+    dialog->accept();
+    ASSERT_NE(dialog->chosenDef, nullptr);
+    EXPECT_EQ(dialog->chosenDef->name, "WRITE");
 }
 
 } // namespace
