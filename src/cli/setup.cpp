@@ -7,7 +7,7 @@
 #include "cli/output.h"
 #include "cli/stop.h"
 #include "cli/words.h"
-#include "link/payloads.h"
+#include "link/analyzer_commands.h"
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"
@@ -23,20 +23,9 @@ struct Payload {
     std::vector<std::uint8_t> bytes;
 };
 
-std::vector<std::uint8_t> ParameterBytes(const TraceSetup& setup) {
-    LinkRequest request;
-    request.command = CmdTraceParams;
-    request.Address() = static_cast<std::uintptr_t>(setup.clock);
-    request.Length() = static_cast<std::uintptr_t>(setup.triggerPosition);
-    request.Data() = static_cast<std::uintptr_t>(setup.powerZoomClock);
-    request.savedWords = request.words;
-    PreparePayload(request, {});
-    return request.payload;
-}
-
 std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& board) {
     return {
-        {"CmdTraceParams", RegisterTraceParams, ParameterBytes(setup)},
+        {"CmdTraceParams", RegisterTraceParams, BuildTraceParams(setup)},
         {"CmdTraceEvents", RegisterTraceEvents, BuildEventRows(setup.events, EventCount(board))},
         {"CmdTraceControl", RegisterTraceControl, BuildTraceControl(setup)}};
 }

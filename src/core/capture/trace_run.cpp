@@ -2,24 +2,24 @@
 
 #include "capture/trace_document.h"
 #include "link/exchange.h"
+#include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"
 
 namespace busquill {
 
 bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
-    const LinkWords parameters{.address = static_cast<std::uintptr_t>(setup.clock),
-                               .length = static_cast<std::uintptr_t>(setup.triggerPosition),
-                               .data =
-                                   NumberAsData(static_cast<std::uintptr_t>(setup.powerZoomClock))};
-    bool taken = ExchangeOrTell(link, CmdTraceParams, parameters, prompts,
-                                "Error sending trace parameter data to analyzer.");
-    const LinkWords events{.data = &setup.events,
-                           .extra = static_cast<std::uintptr_t>(EventCount(link.Traits()))};
-    taken = ExchangeOrTell(link, CmdTraceEvents, events, prompts,
-                           "Error sending trace event setup data to analyzer.") &&
+    bool taken =
+        ExchangeOrTell(link, WritePayload(CmdTraceParams, [&] { return BuildTraceParams(setup); }),
+                       prompts, "Error sending trace parameter data to analyzer.");
+    const int events = EventCount(link.Traits());
+    taken = ExchangeOrTell(
+                link,
+                WritePayload(CmdTraceEvents, [&] { return BuildEventRows(setup.events, events); }),
+                prompts, "Error sending trace event setup data to analyzer.") &&
             taken;
-    return ExchangeOrTell(link, CmdTraceControl, {.data = &setup}, prompts,
-                          "Error sending trace control setup data to analyzer.") &&
+    return ExchangeOrTell(link,
+                          WritePayload(CmdTraceControl, [&] { return BuildTraceControl(setup); }),
+                          prompts, "Error sending trace control setup data to analyzer.") &&
            taken;
 }
 

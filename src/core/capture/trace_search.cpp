@@ -216,21 +216,19 @@ void SearchHost(CTesselDoc& document, SearchDirection direction, std::int64_t st
 void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection direction,
                       std::int64_t start, Prompts& prompts) {
     // A step that fails says so, and the next goes out all the same.
-    const auto step = [&](std::int32_t command, const LinkWords& words, const char* what) {
-        ExchangeOrTell(link, command, words, prompts, what);
+    const auto step = [&](LinkRequestPtr request, const char* what) {
+        ExchangeOrTell(link, std::move(request), prompts, what);
     };
     const std::int64_t before = document.GetStore().SamplesBefore();
     const bool isAfter = start >= before;
-    const std::int64_t distance = isAfter ? start - before : before - start;
-    step(CmdSearchControl,
-         {.address = static_cast<std::uintptr_t>(distance),
-          .length = static_cast<std::uintptr_t>(isAfter)},
+    const auto distance = static_cast<std::uint32_t>(isAfter ? start - before : before - start);
+    step(WritePayload(CmdSearchControl, [&] { return BuildSearchControl(distance, isAfter); }),
          "Error sending search sample to analyzer.");
-    step(CmdSearchSample, {.data = &document.searchPattern},
+    step(WritePayload(CmdSearchSample, [&] { return BuildEventRows(document.searchPattern, 1); }),
          "Error sending search condition to analyzer.");
-    step(CmdSearchCondition, {.address = static_cast<std::uintptr_t>(direction)},
+    step(WritePayload(CmdSearchCondition, OneByte(static_cast<std::uint8_t>(direction))),
          "Error sending search control to analyzer.");
-    step(CmdStartSearch, {}, "Error sending start search to analyzer.");
+    step(RunCommand(CmdStartSearch), "Error sending start search to analyzer.");
 
     const std::time_t begun = link.Time();
     std::array<std::uint8_t, 4> status{};

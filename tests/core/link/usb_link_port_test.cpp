@@ -64,7 +64,7 @@ TEST_F(UsbLinkTest, AfterAFailedOpenTheOtherStepsStillRunAndReport) {
     EXPECT_THAT(prompts.Texts(), ElementsAre(openFailed, demoModeMessage, selectFailed,
                                              demoModeMessage, resetFailed, resetFailed));
     EXPECT_TRUE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, AFailedSelectionClosesTheDeviceAndBothResetsReport) {
@@ -83,7 +83,7 @@ TEST_F(UsbLinkTest, AFailedResetIsReportedAndIgnored) {
     EXPECT_FALSE(link->Open());
     EXPECT_THAT(prompts.Texts(), ElementsAre(resetFailed, resetFailed));
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
@@ -94,14 +94,14 @@ TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
     EXPECT_FALSE(link->Open());
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, OpenWorksOverALiveDevice) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_FALSE(link->Open());
         EXPECT_EQ(usb.OpenDevices(), 1);
-        EXPECT_TRUE(link->Exchange(CmdStartTrace));
+        EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     }
 }
 
@@ -109,8 +109,7 @@ TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
     OpenUsbLink();
     usb.WithBoard([](WireBoard& far) { far.contents[0x30] = {7, 8, 9}; });
     Bytes buffer(3);
-    const LinkRequest done =
-        Run(CmdReadMemory, {.address = 0x30, .length = 3, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0x30, buffer));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.replyLength, 5);
     EXPECT_EQ(done.bytesSeen, 0) << "counted on a serial port only";
@@ -122,33 +121,33 @@ TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
 
 TEST_F(UsbLinkTest, APayloadGoesOutOnTheOutputPipe) {
     OpenUsbLink();
-    EXPECT_TRUE(link->Exchange(CmdMasterControl, {.address = 0x81}));
+    EXPECT_TRUE(link->Exchange(WritePayload(CmdMasterControl, OneByte(0x81))));
     EXPECT_THAT(usb.WithBoard([](WireBoard& far) { return far.writes; }),
                 ElementsAre(WireBoard::Write{800, {0x81}}));
 }
 
 TEST_F(UsbLinkTest, AReadOfNoBytesEnds) {
     OpenUsbLink();
-    EXPECT_TRUE(link->Exchange(CmdReadMemory, {.address = 1}));
+    EXPECT_TRUE(link->Exchange(ReadRegisters(1, {})));
 }
 
 TEST_F(UsbLinkTest, AFailedWriteIsNotTriedAgain) {
     OpenUsbLink();
     usb.Set({.writes = false});
-    const LinkRequest done = Run(CmdStartTrace);
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 2 11"));
     EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed));
     EXPECT_FALSE(prompts.Boxes().front().topmost);
     usb.Set({});
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, AFailedReadShowsTwoBoxesAndIsNotTriedAgain) {
     OpenUsbLink();
     usb.Set({.read = UsbDevice::Transfer{false, 31, 0}});
     Bytes buffer(3);
-    const LinkRequest done = Run(CmdReadMemory, {.length = 3, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0, buffer));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre(transferFailed, "Error reading from usb port, err 31"));
@@ -161,7 +160,7 @@ TEST_F(UsbLinkTest, AShortReadIsReportedWithItsCounts) {
     OpenUsbLink();
     usb.Set({.read = UsbDevice::Transfer{true, 0, 2}});
     Bytes buffer(3);
-    const LinkRequest done = Run(CmdReadMemory, {.length = 3, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0, buffer));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading from usb port, read 2 expected 3"));
     EXPECT_FALSE(prompts.Boxes()[0].topmost);
@@ -169,7 +168,8 @@ TEST_F(UsbLinkTest, AShortReadIsReportedWithItsCounts) {
 
 TEST_F(UsbLinkTest, AReadLargerThanTheRingFailsWithoutATransfer) {
     OpenUsbLink();
-    const LinkRequest done = Run(CmdReadSamplesAfter, {.length = 10000});
+    Bytes samples(std::size_t{10000} * 18);
+    const LinkRequest done = Run(ReadSamples(CmdReadSamplesAfter, 0, samples));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("Error reading from usb port, read 0 expected 180000"));
@@ -177,7 +177,7 @@ TEST_F(UsbLinkTest, AReadLargerThanTheRingFailsWithoutATransfer) {
 
 TEST_F(UsbLinkTest, AnUnknownCommandEndsInABadState) {
     OpenUsbLink();
-    EXPECT_EQ(Run(99).result, LinkBadState);
+    EXPECT_EQ(Run(NewRequest(99)).result, LinkBadState);
     EXPECT_EQ(prompts.Texts().size(), 5U);
 }
 
@@ -228,7 +228,7 @@ TEST_F(UsbLinkTest, ARequestThatWaitsWhileTheDeviceIsOpenedAgainGoesOnThere) {
     OpenUsbLink();
     HeldCompletion held;
     link->Submit(held.Request(CmdStartTrace));
-    auto second = Start(CmdStopTrace);
+    auto second = Start(RunCommand(CmdStopTrace));
     held.AwaitStart();
     EXPECT_FALSE(link->Open());
     EXPECT_EQ(second.get().result, LinkOk);
