@@ -279,9 +279,9 @@ std::size_t RequestQueue::Step(LinkPort& port) {
         anotherWaits = !requestQueue_.empty();
         ++completing_;
     }
-    mainThread_.Wake();
     Complete(std::move(finished));
     std::size_t lacking = 1;
+    bool idle = false;
     {
         const MutexLock lock(queueLock_);
         --completing_;
@@ -290,8 +290,11 @@ std::size_t RequestQueue::Step(LinkPort& port) {
             StartHead();
         }
         lacking = BytesLacking();
+        idle = requestQueue_.empty();
     }
-    mainThread_.Wake();
+    if (idle) { // an upload, which submits the next request in each completion, wakes nobody
+        mainThread_.Wake();
+    }
     return lacking;
 }
 

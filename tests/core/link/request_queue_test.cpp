@@ -302,6 +302,52 @@ TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsWhole) {
     EXPECT_EQ(CountOf({4, 0}), 2U) << "the restart discards the rest of the bad reply";
 }
 
+// Bytes that come together are looked at as if each had come alone: what a restart discards is the
+// reply that was wrong, and not what stands behind it.
+TEST_F(RequestQueueTest, BytesBehindAReplyInTheSameReadBelongToTheNextOne) {
+    line->SetClockRuns(false);
+    AnswerFrame({2, 11}, {'?', '*'});
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(CountOf({2, 11}), 2U);
+}
+
+TEST_F(RequestQueueTest, AcknowledgementsThatComeTogetherMoveTheRequestOnOneByOne) {
+    Bytes buffer(2);
+    line->SetClockRuns(false);
+    line->SetAnswer([&](const Bytes& sent, int) {
+        return sent == Bytes{4, 0}   ? Bytes{'*', '*', '*', '*', '*'}
+               : sent == Bytes{2, 1} ? Bytes{'*', 7, 8, '*'}
+                                     : Bytes{};
+    });
+    EXPECT_EQ(Run(ReadRegisters(0, buffer)).result, LinkOk);
+    EXPECT_EQ(buffer, (Bytes{7, 8}));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 2},
+                                             Bytes{12, 0}, Bytes{2, 1}));
+}
+
+TEST_F(RequestQueueTest, AReplyInPiecesIsWhole) {
+    Bytes buffer(4);
+    line->SetClockRuns(false);
+    AnswerFrame({2, 1}, {'*', 1});
+    auto done = Start(ReadRegisters(0, buffer));
+    for (const Bytes& piece : {Bytes{2, 3}, Bytes{4, '*'}}) {
+        ASSERT_TRUE(Eventually([&] { return CountOf({2, 1}) == 1 && line->AllTaken(); }));
+        line->Arrive(piece);
+    }
+    EXPECT_EQ(done.get().result, LinkOk);
+    EXPECT_EQ(buffer, (Bytes{1, 2, 3, 4}));
+}
+
+TEST_F(RequestQueueTest, AReplyLongerThanItsSpanLeavesTheRestToNobody) {
+    board.contents[0] = {1, 2, 3, 4};
+    Bytes buffer(4, 0x77);
+    LinkRequestPtr request = ReadRegisters(0, std::span(buffer).first(2));
+    request->length = 4;
+    EXPECT_EQ(Run(std::move(request)).result, LinkOk);
+    EXPECT_EQ(buffer, (Bytes{1, 2, 0x77, 0x77}));
+}
+
 TEST_F(RequestQueueTest, AWrongLastByteComesAfterTheDataAreHandedOut) {
     Bytes buffer(2);
     Bytes atRestart;
@@ -401,6 +447,18 @@ TEST_F(RequestQueueTest, ANumberThatIsNoCommandIsReportedAtEachTryAndEndsInABadS
         prompts.Texts(),
         testing::AllOf(SizeIs(5), Each("Error finding initial state for serial command 99.")));
     EXPECT_TRUE(prompts.Boxes().front().topmost);
+}
+
+using PayloadDeathTest = RequestQueueTest;
+
+TEST_F(PayloadDeathTest, AWritingCommandWithoutAMakerStopsTheProgramOrNeverGoesOut) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    LinkResult result = LinkBadState;
+    EXPECT_DEBUG_DEATH(
+        { result = static_cast<LinkResult>(Run(NewRequest(CmdMasterSetup)).result); },
+        "no maker of its payload");
+    EXPECT_EQ(result, LinkBadState);
+    EXPECT_THAT(line->Written(), IsEmpty());
 }
 
 TEST_F(RequestQueueTest, AStateWithoutARowIsReportedAndRunsIntoItsTimeout) {

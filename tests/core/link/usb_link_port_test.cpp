@@ -200,6 +200,14 @@ TEST_F(UsbLinkTest, ConnectReadsIdentityAndBus) {
     EXPECT_EQ(link->Traits().bus, (BusConfig{BusVsb, 0, 0, 5, 0}));
 }
 
+TEST_F(UsbLinkTest, ThereIsNoRateToChange) {
+    OpenUsbLink();
+    link->SetBaudRate(19200);
+    EXPECT_THAT(usb.WithBoard([](WireBoard& far) { return far.writes; }),
+                ElementsAre(WireBoard::Write{15, {1}}));
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error setting new baud rate, err 25"));
+}
+
 TEST_F(UsbLinkTest, AKeepAliveIsOneFrame) {
     OpenUsbLink();
     link->SendKeepAlive();
