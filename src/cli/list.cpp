@@ -10,6 +10,7 @@
 #include "document/csv_line.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
+#include "signals/value_text.h"
 
 #include <algorithm>
 
@@ -196,8 +197,8 @@ int RunList(const Arguments& arguments) {
         capture.trigger = 0;
         const SampleTime time(list);
         for (std::size_t i = 0; i <= zoomSamplesBefore; ++i) {
-            capture.timeToTrigger = (i == 0 ? 0 : capture.timeToTrigger) +
-                                    (time.Known() ? time.Of(zoomRows.records[i]) : 0);
+            capture.timeToTrigger = AddTimes(i == 0 ? 0 : capture.timeToTrigger,
+                                             time.Known() ? time.Of(zoomRows.records[i]) : 0);
         }
     }
     TraceListing listing(list, capture);

@@ -55,8 +55,8 @@ void TraceStats::Add(std::span<const SampleRecord> records) {
 void TraceStats::AddSample(const SampleRecord& record) {
     // What lies before the first sample is not part of the capture.
     const std::int64_t elapsed = samples_ == 0 || !timeField_ ? 0 : TimeOf(record, *timeField_);
-    time_ += elapsed;
-    idleTime_ += idle_ ? elapsed : 0;
+    time_ = AddTimes(time_, elapsed);
+    idleTime_ = AddTimes(idleTime_, idle_ ? elapsed : 0);
     if (traffic_) {
         idle_ = traffic_->IsIdle(record);
         idleSamples_ += idle_ ? 1 : 0;

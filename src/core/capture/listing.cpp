@@ -37,7 +37,7 @@ void TraceListing::Load(const SampleRows& rows) {
     }
     sums_.clear();
     for (std::size_t i = 0; i < rows.Size(); ++i) {
-        sumBefore_ += time_.Of(rows.records[i]);
+        sumBefore_ = AddTimes(sumBefore_, time_.Of(rows.records[i]));
         sums_.push_back(sumBefore_);
         if (rows.numbers[i] == capture_.first) {
             sumAbove_ = sumBefore_; // the first row counts from the first place
@@ -53,10 +53,10 @@ RowTimes TraceListing::TimesOf(std::size_t row) {
     }
     const std::int64_t sum = sums_[row];
     if (showsTime_ && times.rowsLeftOut) {
-        times.sinceAbove = FormatTime(sum - sumAbove_, capture_.zoom);
+        times.sinceAbove = FormatTime(AddTimes(sum, -sumAbove_), capture_.zoom);
     }
     if (showsAccum_) {
-        times.sinceTrigger = FormatTimeSince(sum - capture_.timeToTrigger,
+        times.sinceTrigger = FormatTimeSince(AddTimes(sum, -capture_.timeToTrigger),
                                              rows_->numbers[row] < capture_.trigger, capture_.zoom);
     }
     sumAbove_ = sum;

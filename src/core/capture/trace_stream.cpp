@@ -3,6 +3,7 @@
 #include "capture/trace_file.h"
 #include "platform/text.h"
 #include "signals/record_field.h"
+#include "signals/value_text.h"
 #include "tracesetup/setup_file.h"
 
 #include <algorithm>
@@ -177,7 +178,7 @@ std::string TraceStream::Survey(TraceSurvey& survey) {
         survey.rows += static_cast<std::int64_t>(rows->Size());
         for (std::size_t i = 0; time.Known() && i < rows->Size() && rows->numbers[i] <= trigger;
              ++i) {
-            survey.timeToTrigger += time.Of(rows->records[i]);
+            survey.timeToTrigger = AddTimes(survey.timeToTrigger, time.Of(rows->records[i]));
         }
     }
     survey.cutOff = cutOff_;

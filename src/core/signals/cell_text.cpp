@@ -67,7 +67,7 @@ std::int64_t TimeSums::UpTo(const CSignal& time, std::int64_t sample) {
         const std::int64_t from = static_cast<std::int64_t>(sums_.size() - 1) * span;
         std::int64_t sum = sums_.back();
         for (std::int64_t at = from + 1; at <= from + span; ++at) {
-            sum += timeOf(at);
+            sum = AddTimes(sum, timeOf(at));
         }
         sums_.push_back(sum);
     }
@@ -77,7 +77,7 @@ std::int64_t TimeSums::UpTo(const CSignal& time, std::int64_t sample) {
         const bool goesOn = lastSample_ >= kept && lastSample_ < sample;
         std::int64_t sum = goesOn ? lastSum_ : sums_[static_cast<std::size_t>(sample / span)];
         for (std::int64_t at = (goesOn ? lastSample_ : kept) + 1; at <= sample; ++at) {
-            sum += timeOf(at);
+            sum = AddTimes(sum, timeOf(at));
         }
         lastSample_ = sample;
         lastSum_ = sum;

@@ -275,7 +275,8 @@ std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
     std::int64_t sum = 0;
     for (std::int64_t sample = std::max<std::int64_t>(a + 1, 0); sample <= b && sample < rows;
          ++sample) {
-        sum += TimeField(time->GroupRow(static_cast<std::size_t>(sample)), time->groupWidth);
+        sum = AddTimes(
+            sum, TimeField(time->GroupRow(static_cast<std::size_t>(sample)), time->groupWidth));
     }
     return FormatTime(sum, zoom);
 }

@@ -5,6 +5,7 @@
 #include "signals/signal.h"
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 
@@ -20,6 +21,16 @@ class CSignalList;
 
 /// A TIME field as a number: nanoseconds, or picoseconds for Power Zoom data.
 [[nodiscard]] std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept;
+
+/// The sum of two times. A sum that no number holds stays at the longest one: fields of a damaged
+/// file may add up to centuries.
+[[nodiscard]] constexpr std::int64_t AddTimes(std::int64_t a, std::int64_t b) noexcept {
+    constexpr std::int64_t longest = std::numeric_limits<std::int64_t>::max();
+    if (b > 0 && a > longest - b) {
+        return longest;
+    }
+    return b < 0 && a < -longest - b ? -longest : a + b;
+}
 
 /// A time with three significant digits or so; nanoseconds, or picoseconds with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);

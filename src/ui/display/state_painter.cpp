@@ -220,7 +220,7 @@ RowTimes FrameTimes::At(std::int64_t sample, std::int64_t above) {
         if (!upToTrigger_) {
             upToTrigger_ = sums_.UpTo(*time_, trigger_);
         }
-        times.sinceTrigger = FormatTimeSince(sums_.UpTo(*time_, sample) - *upToTrigger_,
+        times.sinceTrigger = FormatTimeSince(AddTimes(sums_.UpTo(*time_, sample), -*upToTrigger_),
                                              sample < trigger_, frame_.zoom);
     }
     return times;

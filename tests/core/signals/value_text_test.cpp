@@ -1,3 +1,4 @@
+#include "signals/cell_text.h"
 #include "signals/signal_list.h"
 #include "signals/value_text.h"
 #include "support/signal_definitions.h"
@@ -266,6 +267,35 @@ TEST_F(TimeBetweenTest, SumsTheTimesAfterTheEarlierSample) {
 TEST_F(TimeBetweenTest, SumsBeyondThirtyTwoBits) {
     Load(std::vector<int>(100, 65535), 3);
     EXPECT_EQ(TimeBetween(0, 99, list_, false), "6487965s");
+}
+
+TEST_F(TimeBetweenTest, StaysAtTheLongestTimeWhereAFileIsDamaged) {
+    HandMadeTables tables;
+    tables.Bus("TIME", 0, 29, 96, flagPermanent);
+    CSignalList list;
+    list.BuildFromTables(0, ModeState);
+    SampleRecord longest; // 2^28 - 1 seconds
+    std::fill_n(longest.bytes.begin() + 12, 4, std::uint8_t{0xFF});
+    const std::vector<SampleRecord> records(100, longest);
+    list.ResizeSamples(100);
+    list.LoadSamples(0, records);
+    EXPECT_EQ(TimeBetween(0, 34, list, false), "9126805470s");
+    EXPECT_EQ(TimeBetween(0, 35, list, false), "9223372036s");
+    EXPECT_EQ(TimeBetween(99, 0, list, false), "9223372036s");
+    TimeSums sums;
+    const std::int64_t all = sums.UpTo(*FindTimeGroup(list), 99);
+    EXPECT_EQ(FormatTimeSince(all, false, false), "9223372036s");
+    EXPECT_EQ(FormatTimeSince(-all, true, false), "-9223372036s");
+}
+
+TEST(AddTimes, StaysAtTheLongestTimeOfEitherSign) {
+    constexpr std::int64_t longest = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(AddTimes(40, 2), 42);
+    EXPECT_EQ(AddTimes(40, -42), -2);
+    EXPECT_EQ(AddTimes(longest - 1, 1), longest);
+    EXPECT_EQ(AddTimes(longest - 1, 2), longest);
+    EXPECT_EQ(AddTimes(-longest, -1), -longest) << "whose negation is a number too";
+    EXPECT_EQ(AddTimes(-longest, longest), 0);
 }
 
 TEST_F(TimeBetweenTest, CountsNothingForSamplesThatAreNotThere) {
