@@ -80,9 +80,9 @@ consteval const CommandRow& RowOf(LinkCommand command) {
 
 /// A command of one kind, written as its name. A command of another kind does not compile.
 template <CommandKind Kind>
-class CommandOf {
+class LinkCommandOf {
 public:
-    consteval CommandOf(LinkCommand command) : command_(command) {
+    consteval LinkCommandOf(LinkCommand command) : command_(command) {
         if (RowOf(command).kind != Kind) {
             throw "the command is of another kind: see commandRows";
         }
@@ -92,9 +92,9 @@ public:
 private:
     LinkCommand command_;
 };
-using FunctionCommand = CommandOf<CommandKind::Function>;
-using RegisterCommand = CommandOf<CommandKind::Register>;
-using MemoryCommand = CommandOf<CommandKind::Memory>;
-using SampleCommand = CommandOf<CommandKind::Samples>;
+using FunctionCommand = LinkCommandOf<CommandKind::Function>;
+using RegisterCommand = LinkCommandOf<CommandKind::Register>;
+using MemoryCommand = LinkCommandOf<CommandKind::Memory>;
+using SampleCommand = LinkCommandOf<CommandKind::Samples>;
 
 } // namespace busquill
