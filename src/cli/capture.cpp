@@ -24,9 +24,14 @@ using std::chrono::milliseconds;
 using Time = std::chrono::steady_clock;
 
 constexpr milliseconds lookEvery(50);
+/// A board that is heard no more is given up after this time, which is longer than all tries of a
+/// command.
+constexpr std::chrono::seconds patience(30);
+
+constexpr const char* boardIsLost = "the board does not answer any more; nothing has been fetched";
 
 /// Why a run ended.
-enum class RunEnd { ByItself, Timeout, Interrupt };
+enum class RunEnd { ByItself, Timeout, Interrupt, BoardLost };
 
 /// What the user has asked for.
 struct Wish {
@@ -81,7 +86,9 @@ Wish WishOf(const Arguments& arguments) {
 /// One run of the board after the other, into the session's document.
 class Runner {
 public:
-    Runner(Session& session, const Wish& wish) : session_(session), wish_(wish) {}
+    Runner(Session& session, const Wish& wish) : session_(session), wish_(wish) {
+        session_.Link().SetGiveUp([this](milliseconds waited) { return GivesUp(waited); });
+    }
 
     void LoadSetup(const std::string& path) {
         if (!LoadSetupFile(session_.Document().setup, path, session_.Prompts())) {
@@ -93,9 +100,10 @@ public:
     /// Starts the board, follows it to its end and fetches what it has.
     RunEnd Run() {
         CTesselDoc& document = session_.Document();
-        if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts())) {
+        if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts()) ||
+            !givenUp_.empty()) {
             session_.TellMessages();
-            Fail("the board has not taken the setup");
+            Fail(givenUp_ + "the board has not taken the setup");
         }
         {
             const NoInterruptsForThreads quiet; // the run has a thread of its own
@@ -104,6 +112,7 @@ public:
         session_.TellMessages();
         RunEnd end = RunEnd::ByItself;
         triggered_ = false;
+        Time::time_point heard = Time::now();
         while (true) {
             const RunState state = FollowRun(session_.Link(), document);
             triggered_ = triggered_ || state.triggered;
@@ -115,13 +124,20 @@ public:
                 StopRun(document);
                 break;
             }
+            if (session_.Link().IsIdle()) {
+                heard = Time::now(); // no look at its status is under way
+            } else if (Time::now() - heard >= patience) {
+                session_.Link().Close();
+                Fail(boardIsLost);
+            }
             session_.Wait(lookEvery);
         }
         if (session_.Link().CommLost()) {
             session_.TellMessages();
-            Fail("the board does not answer any more; nothing has been fetched");
+            Fail(boardIsLost);
         }
-        return Upload() ? end : RunEnd::Interrupt;
+        const RunEnd uploadEnd = Upload();
+        return uploadEnd == RunEnd::ByItself ? end : uploadEnd;
     }
 
     /// Whether the board has seen its trigger in the last run.
@@ -154,6 +170,17 @@ public:
     }
 
 private:
+    /// Asked while the board takes the setup.
+    [[nodiscard]] bool GivesUp(milliseconds waited) {
+        if (Interrupted()) {
+            givenUp_ = "interrupted; ";
+        } else if (wish_.deadline && Time::now() >= *wish_.deadline) {
+            givenUp_ = "the time is over; ";
+        } else if (waited >= patience) {
+            givenUp_ = Printf("no end after %d seconds; ", static_cast<int>(patience.count()));
+        }
+        return !givenUp_.empty();
+    }
     [[nodiscard]] RunEnd EndAsked() const {
         if (Interrupted()) {
             Say("interrupted; what the board has is fetched");
@@ -163,30 +190,48 @@ private:
                                                                 : RunEnd::ByItself;
     }
 
-    /// False when it was interrupted.
-    bool Upload() {
+    RunEnd Upload() {
         CTesselDoc& document = session_.Document();
         const std::int64_t samples = document.SampleCount(false);
         Progress progress("Fetching samples", samples);
+        std::int64_t last = -1;
+        Time::time_point heard = Time::now();
         while (FollowRun(session_.Link(), document).indicator == RunIndicator::Uploading) {
             if (Interrupted()) {
                 session_.Store().CancelUpload();
-                session_.TellMessages();
-                return false;
+                EndUpload();
+                return RunEnd::Interrupt;
             }
-            std::int64_t come = 0;
+            std::int64_t come = session_.Store().HasZoom() ? 1 : 0;
             for (std::int64_t at = 0; at < document.SampleCount(false); at += blockSamples) {
                 come += document.IsValidSample(at, false) ? std::int64_t{blockSamples} : 0;
+            }
+            if (come != last) {
+                last = come;
+                heard = Time::now();
+            } else if (Time::now() - heard >= patience) {
+                Say("the board hands over no more samples");
+                EndUpload();
+                return RunEnd::BoardLost;
             }
             progress.At(std::min(come, document.SampleCount(false)));
             session_.Wait(lookEvery);
         }
         session_.TellMessages();
-        return true;
+        return RunEnd::ByItself;
+    }
+
+    /// A block that the board owes without end is given up with the board.
+    void EndUpload() {
+        if (session_.Store().IsUploading()) {
+            session_.Link().Close();
+        }
+        session_.TellMessages();
     }
 
     Session& session_;
     const Wish& wish_;
+    std::string givenUp_; // why the board was, with what leads on
     bool triggered_ = false;
 };
 
@@ -259,23 +304,19 @@ bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t
 
 int RunCapture(const Arguments& arguments) {
     const Wish wish = WishOf(arguments);
-    std::unique_ptr<Session> session;
-    {
-        const NoInterruptsForThreads quiet;
-        session = std::make_unique<Session>(arguments);
-    }
+    Session session(arguments);
     if (Interrupted()) {
         Fail("interrupted");
     }
     SearchCondition condition;
     for (const std::string& text : arguments.All("stop-if-found")) {
-        if (const std::string wrong = condition.Add(text, session->Tables(), {}); !wrong.empty()) {
+        if (const std::string wrong = condition.Add(text, session.Tables(), {}); !wrong.empty()) {
             WrongUse(wrong);
         }
     }
-    Runner runner(*session, wish);
+    Runner runner(session, wish);
     runner.LoadSetup(arguments.Value("setup"));
-    CTesselDoc& document = session->Document();
+    CTesselDoc& document = session.Document();
     bool complete = true;
     bool any = false;
     for (std::int64_t run = 1; wish.runs == 0 || run <= wish.runs; ++run) {
@@ -284,6 +325,7 @@ int RunCapture(const Arguments& arguments) {
         }
         const RunEnd end = runner.Run();
         const std::int64_t held = CountHeld(document);
+        complete = complete && end != RunEnd::BoardLost;
         if (Report(document, runner, end, held)) {
             any = true;
             const std::string path =

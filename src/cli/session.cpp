@@ -49,11 +49,12 @@ Session::Session(const Arguments& arguments)
     settings_.WriteProfileInt(SettingsSection::setup, SettingsKey::baudRate,
                               static_cast<int>(baud));
     link_.Connect(static_cast<int>(baud));
+    quiet_.reset();
     if (link_.IsDemoMode()) {
         // What the link says of it is meant for a window.
         Fail("no board answers on " + port);
     }
-    WaitForBus(port);
+    WaitForBoard(port);
     tables_.Load();
     context_.realTimeStore = &store_;
     context_.newDocRealTime = true;
@@ -61,14 +62,26 @@ Session::Session(const Arguments& arguments)
     document_->OnNewDocument();
 }
 
-/// The connection goes on without the board's bus when that does not come soon, and a board of
-/// which nobody knows the bus is no use here.
-void Session::WaitForBus(const std::string& port) {
-    constexpr int waits = 4; // of five seconds each; all tries of the read need fifteen
-    for (int i = 0; i < waits && !link_.IsIdle(); ++i) {
-        link_.WaitIdle();
+/// The connection goes on without the identity and the bus when they do not come soon, and a board
+/// of which nobody knows what it is is no use here.
+void Session::WaitForBoard(const std::string& port) {
+    constexpr std::chrono::seconds longest(20); // all tries of a read need fifteen
+    const auto end = std::chrono::steady_clock::now() + longest;
+    while (!link_.IsIdle() && std::chrono::steady_clock::now() < end) {
+        if (Interrupted()) {
+            Fail("interrupted");
+        }
+        Wait(std::chrono::milliseconds(50));
     }
-    if (!link_.IsIdle() || !prompts_.Take().empty()) {
+    if (!link_.IsIdle()) {
+        Fail("the board on " + port + " does not answer any more");
+    }
+    link_.WaitIdle(); // until what came last is taken in
+    const bool hasName = !link_.Identity().modelString.starts_with('-');
+    if (!link_.IsIdentified() || !hasName) {
+        Fail("the board on " + port + " has not told what it is");
+    }
+    if (!prompts_.Take().empty()) {
         Fail("the board on " + port + " does not answer any more");
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/trace_document.h"
+#include "cli/interrupt.h"
 #include "cli/line_prompts.h"
 #include "link/analyzer_link.h"
 #include "platform/clock.h"
@@ -12,6 +13,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace busquill::cli {
@@ -38,8 +40,9 @@ public:
     void Wait(std::chrono::milliseconds time);
 
 private:
-    void WaitForBus(const std::string& port);
+    void WaitForBoard(const std::string& port);
 
+    std::optional<NoInterruptsForThreads> quiet_{std::in_place}; // while the link starts its own
     std::string port_;
     LinePrompts prompts_;
     MainThread mainThread_;

@@ -1,3 +1,4 @@
+#include "capture/trace_run.h"
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
@@ -18,16 +19,20 @@ namespace {
 
 /// What goes to the board in one command.
 struct Payload {
-    const char* command;
+    std::string command;
     int address;
     std::vector<std::uint8_t> bytes;
 };
 
 std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& board) {
-    return {
-        {"CmdTraceParams", RegisterTraceParams, BuildTraceParams(setup)},
-        {"CmdTraceEvents", RegisterTraceEvents, BuildEventRows(setup.events, EventCount(board))},
-        {"CmdTraceControl", RegisterTraceControl, BuildTraceControl(setup)}};
+    std::vector<Payload> payloads;
+    for (SetupStep& step : SetupSteps(setup, board)) {
+        LinkRequest& request = *step.request;
+        static_cast<void>(PreparePayload(request)); // as the link does before it sends
+        payloads.push_back({std::string(LinkCommandName(request.command)),
+                            static_cast<int>(request.address), std::move(request.payload)});
+    }
+    return payloads;
 }
 
 std::string HexOf(std::span<const std::uint8_t> bytes) {
@@ -39,8 +44,8 @@ std::string HexOf(std::span<const std::uint8_t> bytes) {
 }
 
 std::string AsText(const Payload& payload, std::size_t perLine) {
-    std::string text = Printf("\n%s, register %d, %zu bytes:\n", payload.command, payload.address,
-                              payload.bytes.size());
+    std::string text = Printf("\n%s, register %d, %zu bytes:\n", payload.command.c_str(),
+                              payload.address, payload.bytes.size());
     const std::span<const std::uint8_t> bytes(payload.bytes);
     for (std::size_t at = 0; at < bytes.size(); at += perLine) {
         text += "  " + HexOf(bytes.subspan(at, std::min(perLine, bytes.size() - at))) + "\n";
@@ -52,7 +57,7 @@ std::string AsJson(const std::vector<Payload>& payloads) {
     std::string text;
     for (const Payload& payload : payloads) {
         text += Printf("%s{\"command\": \"%s\", \"register\": %d, \"bytes\": \"%s\"}",
-                       text.empty() ? "" : ", ", payload.command, payload.address,
+                       text.empty() ? "" : ", ", payload.command.c_str(), payload.address,
                        HexOf(payload.bytes).c_str());
     }
     return "[" + text + "]";

@@ -323,6 +323,14 @@ TEST_F(TraceCommands, SetupInWordsAndBytes) {
         Run({"setup", data + "ReadAfterWrites.tsp", "--payload", "--model", "VMELark", "--json"});
     EXPECT_THAT(lark.out, HasSubstr("{\"command\": \"CmdTraceParams\", \"register\": 420, "
                                     "\"bytes\": \"00 01 01\"}"));
+    // Four events of 30 bytes, and the zeros that go out with them.
+    std::string zeros;
+    for (int i = 0; i < 120; ++i) {
+        zeros += " 00";
+    }
+    EXPECT_THAT(lark.out, HasSubstr(zeros + "\"}, {\"command\": \"CmdTraceControl\""));
+    EXPECT_THAT(Run({"setup", data + "ReadAfterWrites.tsp", "--payload", "--model", "VMELark"}).out,
+                HasSubstr("CmdTraceEvents, register 20, 240 bytes:\n"));
     EXPECT_EQ(Run({"setup", "-"}, ReadWholeFile(data + "ReadAfterWrites.tsp")).out, words.out);
 }
 

@@ -17,6 +17,7 @@ public:
         bool selects = true;
         bool resets = true;
         bool writes = true;
+        bool present = true; // false: it has been taken away since it was opened
         /// What a read gives in place of the board's data.
         std::optional<UsbDevice::Transfer> read = std::nullopt;
         std::size_t failingRead = 0; // reads of so many bytes fail
@@ -89,6 +90,9 @@ public:
             call += " " + std::to_string(byte);
         }
         bus_.calls_.push_back(call);
+        if (!bus_.script_.present) {
+            return {.ok = false, .error = -4, .gone = true};
+        }
         if (!bus_.script_.writes) {
             return {false, 31, 0};
         }
@@ -103,6 +107,9 @@ public:
         const std::lock_guard lock(bus_.mutex_);
         bus_.calls_.push_back("read " + std::to_string(endpoint) + ": " +
                               std::to_string(into.size()));
+        if (!bus_.script_.present) {
+            return {.ok = false, .error = -4, .gone = true};
+        }
         if (bus_.script_.read) {
             return *bus_.script_.read;
         }

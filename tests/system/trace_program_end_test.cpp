@@ -44,6 +44,7 @@ protected:
 
     bool faulty = false;
     static constexpr auto live = "address 425";
+    static constexpr auto muteWrites = "mute 2"; // the function by which a setup is written
 };
 
 // Interrupts.
@@ -150,6 +151,82 @@ TEST_F(TraceProgramEnd, BoardThatDoesNotTellItsBusIsNotTold) {
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err, Line("the board on " + board->Terminal() + " does not answer any more"));
     EXPECT_EQ(Asked("address 0 length 18"), 1);
+}
+
+TEST_F(TraceProgramEnd, BoardWhoseIdentityComesTooLateIsNotTakenForOneWithoutAName) {
+    // Three answers too short take nine seconds; by then the program asks for the bus.
+    StartBoard({"--fault", "short-reply 2"});
+    std::ptrdiff_t short_ = 1;
+    const ProgramRun run = Run({"board"}, {.meanwhile = [&] {
+                                   if (short_ < 3 && Asked("address 0 length 18") >= short_) {
+                                       ++short_;
+                                       board->Fault("short-reply 2");
+                                   }
+                               }});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, Line("the board on " + board->Terminal() + " has not told what it is"));
+    EXPECT_EQ(Asked("address 18 length 2"), 1) << "the board is there again";
+}
+
+// A board that stops in the middle of commands, which the link asks again without end.
+
+TEST_F(TraceProgramEnd, InterruptEndsASetupThatTheBoardNeverTakes) {
+    StartBoard({"--buffer", "1", "--fault", muteWrites});
+    const ProgramRun run = Capture(memoryWrite, {}, {.interruptWhen = Has("write memory", 2)});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, Line("Error sending trace parameter data to analyzer.") +
+                           Line("interrupted; the board has not taken the setup"));
+    EXPECT_EQ(Asked("start trace"), 0);
+    ExpectNothingLeft();
+}
+
+TEST_F(TraceProgramEnd, TimeoutEndsASetupThatTheBoardNeverTakes) {
+    StartBoard({"--buffer", "1", "--fault", muteWrites});
+    const ProgramRun run = Capture(memoryWrite, {"--timeout", "8"});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err, EndsWith(Line("the time is over; the board has not taken the setup")));
+    EXPECT_EQ(Asked("start trace"), 0);
+    ExpectNothingLeft();
+}
+
+TEST_F(TraceProgramEnd, SetupThatTheBoardNeverTakesIsGivenUp) {
+    StartBoard({"--buffer", "1", "--fault", muteWrites});
+    const ProgramRun run = Capture(memoryWrite);
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err,
+                EndsWith(Line("no end after 30 seconds; the board has not taken the setup")));
+    EXPECT_GT(Asked("write memory"), 3) << "the link itself does not give up";
+    ExpectNothingLeft();
+}
+
+TEST_F(TraceProgramEnd, InterruptEndsAnUploadThatStandsStill) {
+    StartBoard({"--buffer", "1", "--fault", "delay 50"});
+    const ProgramRun run =
+        Capture(Writes(40), {},
+                {.meanwhile = FaultAfter("read samples after the trigger", "mute 5"),
+                 .interruptWhen = Has("read samples after the trigger", 4)});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_THAT(run.err, HasSubstr(" of 1024 samples have come\n"));
+    EXPECT_LT(SamplesInTarget(), 512);
+    EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
+}
+
+TEST_F(TraceProgramEnd, UploadThatStandsStillIsGivenUp) {
+    StartBoard({"--buffer", "1", "--fault", "delay 50"});
+    const ProgramRun run = Capture(
+        Writes(40), {}, {.meanwhile = FaultAfter("read samples after the trigger", "mute 5")});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.err, HasSubstr(Line("the board hands over no more samples")));
+    EXPECT_GT(SamplesInTarget(), 0);
+}
+
+TEST_F(TraceProgramEnd, RunWhoseStatusIsNeverToldIsGivenUp) {
+    StartBoard({"--buffer", "64", "--rate", "500"});
+    const ProgramRun run = Capture(memoryWrite, {}, {.meanwhile = FaultAfter(live, "mute 1")});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, Line("the board does not answer any more; nothing has been fetched"));
+    ExpectNothingLeft();
 }
 
 // Captures that fail.

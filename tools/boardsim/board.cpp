@@ -151,6 +151,9 @@ Board::Bytes Board::Frame(std::uint8_t opcode, std::uint8_t parameter) {
     }
     log("host  " + Hex({opcode, parameter}) + Describe(opcode, parameter));
     if (opcode == opFunction) {
+        if (faults.mute == parameter) {
+            return {};
+        }
         return Run(parameter);
     }
     const bool known = opcode >= opAddress0 && opcode <= opLength1 && opcode % 2 == 0;

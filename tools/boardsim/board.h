@@ -33,6 +33,7 @@ struct Faults {
     int refuse = 0;           // it and all that follow are another byte
     bool wrongClose = false;  // the next data reply ends in another byte
     int shortReply = 0;       // the next data reply lacks so many bytes at its end
+    int mute = 0;             // this function gets no answer any more
     int searchBusy = 0;       // so many looks at a search find it still going on
 };
 

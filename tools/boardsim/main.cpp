@@ -29,7 +29,7 @@ constexpr auto usage =
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
-    "short-reply N, refuse N, search-busy N, delay MS, half-frame, go-away, normal.\n";
+    "short-reply N, refuse N, mute N, search-busy N, delay MS, half-frame, go-away, normal.\n";
 
 volatile std::sig_atomic_t stopped = 0;
 
@@ -231,6 +231,8 @@ private:
             board_.faults.wrongClose = true;
         } else if (word == "short-reply") {
             board_.faults.shortReply = number;
+        } else if (word == "mute") {
+            board_.faults.mute = number;
         } else if (word == "search-busy") {
             board_.faults.searchBusy = number;
         } else if (word == "delay") {

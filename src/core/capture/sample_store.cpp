@@ -106,8 +106,8 @@ void CSampleStore::ShutDown() {
 
 void CSampleStore::BeginUpload() {
     CAnalyzerLink& link = board_->link;
-    const bool demoMode = link.IsDemoMode();
-    if (!demoMode) {
+    const bool hasBoard = !link.IsDemoMode() && !link.IsBoardGone();
+    if (hasBoard) {
         link.PollLiveStatus(); // the counts of a board that has stopped
         link.WaitIdle();
     }
@@ -118,7 +118,7 @@ void CSampleStore::BeginUpload() {
             return;
         }
         Free();
-        if (demoMode) {
+        if (!hasBoard) {
             return;
         }
         link.GetLiveStatus(samplesBefore_, samplesAfter_);

@@ -7,26 +7,36 @@
 
 namespace busquill {
 
+std::array<SetupStep, 3> SetupSteps(const TraceSetup& setup, const BoardTraits& board) {
+    const int events = EventCount(board);
+    return {{
+        {WritePayload(CmdTraceParams, [&setup] { return BuildTraceParams(setup); }),
+         "Error sending trace parameter data to analyzer."},
+        {WritePayload(CmdTraceEvents,
+                      [&setup, events] { return BuildEventRows(setup.events, events); }),
+         "Error sending trace event setup data to analyzer."},
+        {WritePayload(CmdTraceControl, [&setup] { return BuildTraceControl(setup); }),
+         "Error sending trace control setup data to analyzer."},
+    }};
+}
+
 bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
-    bool taken =
-        ExchangeOrTell(link, WritePayload(CmdTraceParams, [&] { return BuildTraceParams(setup); }),
-                       prompts, "Error sending trace parameter data to analyzer.");
-    const int events = EventCount(link.Traits());
-    taken = ExchangeOrTell(
-                link,
-                WritePayload(CmdTraceEvents, [&] { return BuildEventRows(setup.events, events); }),
-                prompts, "Error sending trace event setup data to analyzer.") &&
-            taken;
-    return ExchangeOrTell(link,
-                          WritePayload(CmdTraceControl, [&] { return BuildTraceControl(setup); }),
-                          prompts, "Error sending trace control setup data to analyzer.") &&
-           taken;
+    bool taken = true;
+    for (SetupStep& step : SetupSteps(setup, link.Traits())) {
+        taken = ExchangeOrTell(link, std::move(step.request), prompts, step.failure) && taken;
+        if (!taken && link.IsBoardGone()) {
+            break;
+        }
+    }
+    return taken;
 }
 
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
               Prompts& prompts) {
     if (setupPath.empty() || LoadSetupFile(document.setup, setupPath, prompts)) {
-        DownloadSetup(link, document.setup, prompts);
+        if (!DownloadSetup(link, document.setup, prompts) && link.IsBoardGone()) {
+            return;
+        }
     }
     StartBoard(document);
 }

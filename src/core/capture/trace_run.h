@@ -1,6 +1,9 @@
 /// What the buttons and the timer of a trace window do, without the window. Main thread.
 #pragma once
 
+#include "link/link_request.h"
+
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -10,6 +13,7 @@ class CAnalyzerLink;
 class CTesselDoc;
 class Prompts;
 class TraceSetup;
+struct BoardTraits;
 
 /// What a trace window's frame shows of its document's capture.
 enum class RunIndicator { Idle = 0, Running = 1, Uploading = 2, File = 4 };
@@ -25,12 +29,21 @@ struct RunState {
     bool bufferFull = false;
 };
 
+/// One of the commands by which a setup goes to the board.
+struct SetupStep {
+    LinkRequestPtr request;        // looks at the setup, which must live as long
+    const char* failure = nullptr; // what the user hears when the board does not take it
+};
+[[nodiscard]] std::array<SetupStep, 3> SetupSteps(const TraceSetup& setup,
+                                                  const BoardTraits& board);
+
 /// Sends a setup in three commands. A command that fails says so, and the next goes out all the
-/// same. Whether the board has taken all of it.
+/// same, but not to a board that is gone. Whether the board has taken all of it.
 bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts);
 
 /// Starts a capture into the real-time document. With a path, that setup file becomes the
-/// document's setup first; when it cannot be read, the board runs with the setup that it has.
+/// document's setup first; when it cannot be read, the board runs with the setup that it has. A
+/// board that proves to be gone is not started, and the document keeps its capture.
 void StartRun(CAnalyzerLink& link, CTesselDoc& document, const std::string& setupPath,
               Prompts& prompts);
 

@@ -215,9 +215,11 @@ void SearchHost(CTesselDoc& document, SearchDirection direction, std::int64_t st
 
 void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection direction,
                       std::int64_t start, Prompts& prompts) {
-    // A step that fails says so, and the next goes out all the same.
+    // A step that fails says so, and the next goes out all the same while there is a board.
+    bool isGone = false;
     const auto step = [&](LinkRequestPtr request, const char* what) {
-        ExchangeOrTell(link, std::move(request), prompts, what);
+        isGone = isGone ||
+                 (!ExchangeOrTell(link, std::move(request), prompts, what) && link.IsBoardGone());
     };
     const std::int64_t before = document.GetStore().SamplesBefore();
     const bool isAfter = start >= before;
@@ -229,6 +231,9 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
     step(WritePayload(CmdSearchCondition, OneByte(static_cast<std::uint8_t>(direction))),
          "Error sending search control to analyzer.");
     step(RunCommand(CmdStartSearch), "Error sending start search to analyzer.");
+    if (isGone) {
+        return;
+    }
 
     const std::time_t begun = link.Time();
     std::array<std::uint8_t, 4> status{};

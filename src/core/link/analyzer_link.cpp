@@ -30,6 +30,10 @@ constexpr const char* demoModeMessage =
     "restart the program. Program will run in DEMO mode.";
 constexpr const char* communicationsError =
     "Communications error with analyzer. Check serial port connections.";
+/// An identity that comes after the connection sequence is not taken any more.
+constexpr const char* noIdentity =
+    "The analyzer has not told what it is. Check its connections and accept the\n"
+    "Utilities/Setup dialog to connect again.";
 
 /// The device behind a port name that begins with "COM". A name without a number from 1 up is
 /// taken as it stands, and fails to open.
@@ -102,7 +106,14 @@ bool CAnalyzerLink::Exchange(LinkRequestPtr request) {
     };
     queue_->Submit(std::move(request));
     RequestQueue::RunOwedCompletions();
-    while (!services_.mainThread.WaitUntil(1h, [&] { return !outcome.busy; })) {
+    const auto begun = std::chrono::steady_clock::now();
+    const bool mayGiveUp = giveUp_ && MainThread::OnThisThread() == &services_.mainThread;
+    while (!services_.mainThread.WaitUntil(mayGiveUp ? 100ms : std::chrono::milliseconds(1h),
+                                           [&] { return !outcome.busy; })) {
+        if (mayGiveUp && giveUp_(std::chrono::duration_cast<std::chrono::milliseconds>(
+                             std::chrono::steady_clock::now() - begun))) {
+            Close();
+        }
     }
     return !outcome.failed;
 }
@@ -118,7 +129,7 @@ bool CAnalyzerLink::Open() {
     const int configuredBaud =
         settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate, usualBaudRate);
     ClosePort();
-    board_.LeaveDemoMode();
+    board_.ForgetBoard();
     conditions_.actualBaud = 0;
     queue_->Clear(statusBlock_);
     queue_->Clear(liveBlock_);
@@ -132,12 +143,26 @@ bool CAnalyzerLink::Open() {
     // Any other name means that no port is wanted, and is no failure.
 
     if (queue_->Port() == nullptr) {
-        queue_->FinishAllAtOnce();
+        queue_->FailAll();
     } else {
         queue_->RestartHead();
     }
     const int actualBaud = conditions_.actualBaud;
     return actualBaud != 0 && actualBaud != configuredBaud;
+}
+
+void CAnalyzerLink::Close() {
+    ClosePort();
+    queue_->FailAll();
+}
+
+bool CAnalyzerLink::IsBoardGone() const {
+    const auto port = queue_->Port();
+    return port != nullptr && port->IsGone();
+}
+
+void CAnalyzerLink::SetGiveUp(GiveUp giveUp) {
+    giveUp_ = std::move(giveUp);
 }
 
 void CAnalyzerLink::ClosePort() {
@@ -214,6 +239,9 @@ void CAnalyzerLink::Connect(int targetBaud) {
     queue_->WaitIdle();
     services_.clock.Sleep(settlingTime);
     LoadBusConfig();
+    if (queue_->Port() != nullptr && !board_.IsIdentified()) {
+        services_.prompts.TopmostMessage(noIdentity);
+    }
 }
 
 void CAnalyzerLink::Issue(LinkPhase phase, LinkRequestPtr request) {
@@ -232,11 +260,13 @@ void CAnalyzerLink::OnLinkOperationDone(std::int32_t result) {
         } else if (phase == PhaseReadBus) {
             board_.SetBus(queue_->CopyOf(busBlock_));
         }
-    } else if (phase == PhaseIdentify) {
-        FallIntoDemoMode();
     } else if (phase == PhaseLiveStatus) {
         ClearLiveStatus();
         board_.SetCommLost(true);
+    } else if (queue_->Port() == nullptr) {
+        // The link has left that board; what it owes is no news.
+    } else if (phase == PhaseIdentify) {
+        FallIntoDemoMode();
     } else {
         services_.prompts.TopmostMessage(communicationsError);
     }
@@ -330,7 +360,8 @@ void CAnalyzerLink::SendRaw(std::span<const std::uint8_t> bytes) {
 void CAnalyzerLink::SendKeepAlive() {
     const auto port = queue_->Port();
     const LinkThread* thread = currentThread_;
-    if (port != nullptr && port->NeedsKeepAlive() && thread != nullptr && !thread->Stopping()) {
+    if (port != nullptr && port->NeedsKeepAlive() && !port->IsGone() && thread != nullptr &&
+        !thread->Stopping()) {
         queue_->Submit(RunCommand(CmdUsbKeepAlive));
     }
 }

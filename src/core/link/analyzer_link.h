@@ -7,6 +7,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <ctime>
 #include <functional>
@@ -64,9 +65,17 @@ public:
     /// failure is the caller's.
     [[nodiscard]] bool Exchange(LinkRequestPtr request);
 
+    /// Asked now and then while the main thread waits in an Exchange, with the time that it has
+    /// waited. When it is true the link is closed, which ends the exchange as failed; nothing else
+    /// does, while a board only answers the first frame of a command again and again.
+    using GiveUp = std::function<bool(std::chrono::milliseconds waited)>;
+    void SetGiveUp(GiveUp giveUp);
+
     /// Opens the port that the settings name. True when the board answered at another rate than
     /// the configured one.
     bool Open();
+    /// Leaves the port for none. Requests that have not ended do so as LinkTransferFailed.
+    void Close();
     void ReadIdentity();
     void SetBaudRate(int rate);
     /// The connection sequence, from Open to LoadBusConfig. `targetBaud` is the rate to which a
@@ -99,6 +108,11 @@ public:
     [[nodiscard]] std::time_t Time() const;
     [[nodiscard]] bool IsDemoMode() const noexcept { return board_.IsDemoMode(); }
     [[nodiscard]] BoardIdentity Identity() const { return board_.Identity(); }
+    /// Whether the board's identity has come since the last Open. Any thread.
+    [[nodiscard]] bool IsIdentified() const noexcept { return board_.IsIdentified(); }
+    /// Whether the board's device has been taken away, which failed requests have told. A feature
+    /// of several exchanges ends then at the first: the next ones would say the same. Any thread.
+    [[nodiscard]] bool IsBoardGone() const;
     /// What decides the board's family now. Any thread.
     [[nodiscard]] BoardTraits Traits() const { return board_.Traits(); }
 
@@ -116,6 +130,7 @@ private:
     BoardState board_;
     LinkConditions conditions_;
     std::function<void()> familyListener_; // main thread
+    GiveUp giveUp_;                        // main thread
 
     // What the link's own reads fill: written by the queue under its lock.
     std::array<std::uint8_t, statusBlockSize> statusBlock_{};

@@ -39,6 +39,7 @@ void BoardState::SetIdentity(std::span<const std::uint8_t, statusBlockSize> bloc
     const LeafLock lock(identityLock_);
     if (!demoMode_) {
         identity_ = ParseIdentity(block, identity_);
+        identified_ = true;
     }
 }
 

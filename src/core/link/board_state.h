@@ -14,10 +14,16 @@ public:
     [[nodiscard]] bool IsDemoMode() const noexcept { return demoMode_; }
     [[nodiscard]] bool IsVmeFamily() const;
     [[nodiscard]] BoardIdentity Identity() const;
+    /// Whether an identity has come since ForgetBoard.
+    [[nodiscard]] bool IsIdentified() const noexcept { return identified_; }
     [[nodiscard]] BoardTraits Traits() const;
     [[nodiscard]] BusConfig Bus() const;
 
-    void LeaveDemoMode() noexcept { demoMode_ = false; }
+    /// Another board may be there now. What was known of the last one stays until it is told.
+    void ForgetBoard() noexcept {
+        demoMode_ = false;
+        identified_ = false;
+    }
     void EnterDemoMode();
     void SetIdentity(std::span<const std::uint8_t, statusBlockSize> block);
     void SetBus(const BusConfig& config);
@@ -33,6 +39,7 @@ public:
 
 private:
     std::atomic<bool> demoMode_ = false;
+    std::atomic<bool> identified_ = false;
     mutable LeafMutex identityLock_;
     BoardIdentity identity_ BUSQUILL_GUARDED_BY(identityLock_);
     BusConfig busConfig_ BUSQUILL_GUARDED_BY(identityLock_);

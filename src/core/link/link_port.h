@@ -36,6 +36,8 @@ public:
     virtual ~LinkPort() = default;
 
     [[nodiscard]] virtual bool IsOpen() const = 0;
+    /// Whether the device has been taken away: nothing that is sent will ever be answered.
+    [[nodiscard]] virtual bool IsGone() const noexcept { return false; }
     /// Whether a board that hears nothing for long must be told that the program is there.
     [[nodiscard]] virtual bool NeedsKeepAlive() const noexcept = 0;
     /// Moves the line to another rate; the error number of the step that failed.
@@ -69,6 +71,7 @@ public:
     [[nodiscard]] int NegotiateBaud();
 
     [[nodiscard]] bool IsOpen() const override { return Port() != nullptr; }
+    [[nodiscard]] bool IsGone() const noexcept override { return readFailed_; }
     [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return false; }
     [[nodiscard]] int ChangeBaud(int rate) override;
     [[nodiscard]] std::uint32_t ClearErrors() override;
@@ -90,7 +93,7 @@ private:
     std::array<std::uint8_t, 1024> input_{};
     std::size_t inputNext_ = 0;
     std::size_t inputEnd_ = 0;
-    bool readFailed_ = false;
+    std::atomic<bool> readFailed_ = false; // any thread reads it
 };
 
 /// A board on USB. Acknowledgements do not exist there; data come alone on the input pipe.
@@ -112,6 +115,7 @@ public:
     [[nodiscard]] Device State() const;
 
     [[nodiscard]] bool IsOpen() const override { return State() != Device::Closed; }
+    [[nodiscard]] bool IsGone() const noexcept override { return gone_; }
     [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return true; }
     /// There is no rate here.
     [[nodiscard]] int ChangeBaud(int rate) override;
@@ -126,6 +130,7 @@ public:
 private:
     /// Reads exactly the span's bytes; false when that failed.
     [[nodiscard]] bool ReadPipe(std::span<std::uint8_t> into);
+    [[nodiscard]] bool Failed(const UsbDevice::Transfer& transfer);
     [[nodiscard]] bool ReopenUsb();
     [[nodiscard]] std::shared_ptr<UsbDevice> CurrentDevice() const;
     void Store(std::shared_ptr<UsbDevice> device);
@@ -137,6 +142,7 @@ private:
     std::shared_ptr<UsbDevice> device_ BUSQUILL_GUARDED_BY(deviceLock_);
     bool reopenAtSend_ BUSQUILL_GUARDED_BY(deviceLock_);
     Mutex transferLock_; // one transfer at a time
+    std::atomic<bool> gone_ = false;
 
     // The pump's event: set by each send, cleared by the wait that it ends.
     std::mutex eventMutex_;

@@ -95,7 +95,7 @@ bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
         fallen();
         waiting.swap(requestQueue_);
     }
-    FinishAtOnce(std::move(waiting));
+    Fail(std::move(waiting));
     return true;
 }
 
@@ -112,7 +112,7 @@ void RequestQueue::Submit(LinkRequestPtr request) {
             return;
         }
     }
-    CompleteAtOnce(std::move(request));
+    CompleteAtOnce(std::move(request), LinkOk);
 }
 
 void RequestQueue::Complete(LinkRequestPtr request) {
@@ -123,8 +123,8 @@ void RequestQueue::Complete(LinkRequestPtr request) {
     }
 }
 
-void RequestQueue::CompleteAtOnce(LinkRequestPtr request) {
-    request->result = LinkOk;
+void RequestQueue::CompleteAtOnce(LinkRequestPtr request, LinkResult result) {
+    request->result = result;
     owed.requests.push_back(std::move(request));
     if (owed.running) {
         return;
@@ -156,18 +156,20 @@ bool RequestQueue::IsIdle() {
     return requestQueue_.empty();
 }
 
-void RequestQueue::FinishAllAtOnce() {
+void RequestQueue::FailAll() {
     std::deque<LinkRequestPtr> waiting;
     {
         const MutexLock lock(queueLock_);
         waiting.swap(requestQueue_);
     }
-    FinishAtOnce(std::move(waiting));
+    Fail(std::move(waiting));
 }
 
-void RequestQueue::FinishAtOnce(std::deque<LinkRequestPtr> waiting) {
+// Only what is submitted with no port ends as good: of these, somebody may take the buffer for what
+// the board has answered.
+void RequestQueue::Fail(std::deque<LinkRequestPtr> waiting) {
     for (LinkRequestPtr& request : waiting) {
-        CompleteAtOnce(std::move(request));
+        CompleteAtOnce(std::move(request), LinkTransferFailed);
     }
     mainThread_.Wake();
 }

@@ -58,13 +58,13 @@ public:
     /// Leaves that port; false when it is not the one in use (any more).
     bool ReleasePort(const std::shared_ptr<LinkPort>& port);
     /// Leaves that port for none: `fallen` runs before another can take its place, and the requests
-    /// that wait are finished. False, and nothing happens, when it is not the one in use (any
+    /// that wait fail. False, and nothing happens, when it is not the one in use (any
     /// more). Null stands for a port that could not be opened.
     bool FallFrom(const std::shared_ptr<LinkPort>& port, const std::function<void()>& fallen);
     /// Begins the running request again, on a port that has just been opened.
     void RestartHead();
-    /// Finishes the requests that wait as those are that are submitted with no port.
-    void FinishAllAtOnce();
+    /// Finishes all requests as failed: their board is not asked any more.
+    void FailAll();
     [[nodiscard]] ReplyRing& Ring() noexcept { return ring_; }
 
     /// Copies what requests have read, in one piece.
@@ -98,8 +98,8 @@ private:
     [[nodiscard]] bool Retry(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
 
     static void Complete(LinkRequestPtr request);
-    static void CompleteAtOnce(LinkRequestPtr request);
-    void FinishAtOnce(std::deque<LinkRequestPtr> waiting);
+    static void CompleteAtOnce(LinkRequestPtr request, LinkResult result);
+    void Fail(std::deque<LinkRequestPtr> waiting);
     bool LeavePort(const std::shared_ptr<LinkPort>& port) BUSQUILL_REQUIRES(queueLock_);
 
     const BoardState& board_;

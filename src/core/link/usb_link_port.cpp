@@ -17,10 +17,6 @@ constexpr const char* transferFailed =
 constexpr const char* selectFailed = "Error from DeviceIoControl - IOCTL_ADAPT_SELECT_INTERFACE";
 constexpr const char* resetFailed = "Error from DeviceIoControl - IOCTL_ADAPT_RESET_PIPE";
 
-bool Failed(const UsbDevice::Transfer& transfer) noexcept {
-    return !transfer.ok || transfer.error != 0;
-}
-
 } // namespace
 
 UsbLinkPort::UsbLinkPort(UsbBus& bus, std::string wanted, Prompts& prompts, Device device)
@@ -62,6 +58,13 @@ bool UsbLinkPort::Open(const std::function<void()>& fallIntoDemoMode) {
 bool UsbLinkPort::ReopenUsb() {
     Open([] {});
     return false;
+}
+
+bool UsbLinkPort::Failed(const UsbDevice::Transfer& transfer) {
+    if (transfer.gone) {
+        gone_ = true;
+    }
+    return !transfer.ok || transfer.error != 0;
 }
 
 void UsbLinkPort::Store(std::shared_ptr<UsbDevice> device) {

@@ -17,6 +17,7 @@ public:
         bool ok = false;       // false: the transfer itself was refused
         int error = 0;         // the platform's error number when it failed on the way
         std::size_t count = 0; // bytes moved
+        bool gone = false;     // failed because the device is not there any more
     };
 
     /// Selects the interface with the bulk endpoints; false when the device refuses.

@@ -164,7 +164,8 @@ UsbDevice::Transfer LibusbDevice::Move(std::uint8_t endpoint, std::uint8_t* byte
     int moved = 0;
     const int error = libusb_bulk_transfer(handle_.get(), endpoint, bytes, static_cast<int>(length),
                                            &moved, transferLimitMs);
-    return {error == 0, error, static_cast<std::size_t>(std::max(moved, 0))};
+    return {error == 0, error, static_cast<std::size_t>(std::max(moved, 0)),
+            error == LIBUSB_ERROR_NO_DEVICE};
 }
 
 class LibusbBus final : public UsbBus {

@@ -47,6 +47,20 @@ protected:
         FAIL() << "no signal looks at " << dataIndex;
     }
     RunState Follow() { return FollowRun(*link, *document); }
+    /// From here on the port is gone and its writes fail; time passes all the same.
+    void TakeTheBoardAway() {
+        line->Unplug();
+        ASSERT_TRUE(Eventually([&] { return link->IsBoardGone(); }));
+        line->SetErrors({.write = 5});
+        line->ForgetLog();
+        timePasses = std::jthread([this](const std::stop_token& stop) {
+            while (!stop.stop_requested()) {
+                std::this_thread::sleep_for(1ms);
+                clock.Advance(100ms);
+            }
+        });
+    }
+    std::jthread timePasses;
     bool Ends() {
         return Eventually([&] { return !store.IsRunning() && !store.IsUploading(); });
     }
@@ -158,6 +172,70 @@ TEST_F(TraceRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
     for (const Box& box : prompts.Boxes()) {
         EXPECT_TRUE(box.topmost);
     }
+}
+
+TEST_F(TraceRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 10, 10);
+    Upload();
+    NewDocument();
+    document->OnCaptureStopped();
+    document->FlushBlockUpdates();
+    ASSERT_EQ(document->SampleCount(false), 21);
+    TakeTheBoardAway();
+    StartRun(*link, *document, "", prompts);
+    // Each try of the first command is a word of the link.
+    const auto texts = prompts.Texts();
+    ASSERT_FALSE(texts.empty());
+    EXPECT_EQ(texts.back(), "Error sending trace parameter data to analyzer.");
+    EXPECT_THAT(std::vector(texts.begin(), texts.end() - 1),
+                testing::Each("Error writing to COM1, err 5"));
+    EXPECT_EQ(texts.size(), line->Written().size() + 1);
+    EXPECT_THAT(line->Written(), testing::Each(Bytes{4, 0xA4}));
+    EXPECT_FALSE(document->CaptureActive());
+    EXPECT_FALSE(store.IsRunning());
+    EXPECT_EQ(document->SampleCount(false), 21);
+}
+
+TEST_F(TraceRunTest, AStopAsksABoardThatIsGoneForNothingMore) {
+    OpenBoard("PCIWren");
+    NewDocument();
+    SetLive(0x80, 0, 0);
+    StartRun(*link, *document, "", prompts);
+    store.ShutDown(); // the monitor's look would end the run
+    link->WaitIdle();
+    document->OnCaptureStarted();
+    TakeTheBoardAway();
+    StopRun(*document);
+    link->WaitIdle();
+    EXPECT_THAT(line->Written(), testing::Each(Bytes{2, 12}));
+}
+
+TEST_F(TraceRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
+    OpenBoard("PCIWren");
+    NewDocument();
+    SetLive(0xA0, 1000, 1000);
+    line->Do([&] {
+        board.onSampleRead = [this, reads = 0](const WireBoard::SampleRead& read) mutable {
+            silent = ++reads == 4;
+            return Records(read);
+        };
+    });
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return silent ? Bytes{} : board.Answer(sent, baud);
+    });
+    line->SetClockRuns(false);
+    StartRun(*link, *document, "", prompts);
+    StopRun(*document);
+    ASSERT_TRUE(Eventually([&] { return Reads().size() == 4; }));
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    static_cast<void>(link->Open());
+    ASSERT_TRUE(Ends());
+    static_cast<void>(Follow());
+    EXPECT_TRUE(document->IsValidSample(1000, false));
+    EXPECT_FALSE(document->IsValidSample(0, false));
+    EXPECT_FALSE(document->IsValidSample(2000, false));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
 TEST_F(TraceRunTest, ARunGoesFromSetupToSamples) {

@@ -71,6 +71,17 @@ TEST_F(AnalyzerLinkTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
+TEST_F(AnalyzerLinkTest, AfterABoardNoPortHasTheBusOfAZeroBlock) {
+    OpenBoard("PCIKite");
+    board.contents[18] = {0x95, 66};
+    BusConfig bus;
+    link->ReadBusConfig(bus);
+    ASSERT_EQ(bus, (BusConfig{1, 1, 1, 66, 1}));
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    link->Connect(57600);
+    EXPECT_EQ(link->Traits().bus, BusConfig{});
+}
+
 TEST_F(AnalyzerLinkTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable) {
     portOpens = false;
     settings.WriteProfileString(setup, "ComPort", "COM3");
@@ -134,6 +145,16 @@ TEST_F(AnalyzerLinkTest, OpenIsTrueWhenTheBoardAnswersAtAnotherRate) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "at the rate that was found";
 }
 
+TEST_F(AnalyzerLinkTest, AProbeWaitsATenthOfASecondForItsAnswer) {
+    UseSilence();
+    EXPECT_FALSE(link->Open());
+    const auto log = line->Log();
+    ASSERT_EQ(log.size(), 30U);
+    for (std::size_t probe = 0; probe < log.size(); ++probe) {
+        EXPECT_EQ(log[probe].time - log[0].time, static_cast<std::time_t>(probe / 10)) << probe;
+    }
+}
+
 TEST_F(AnalyzerLinkTest, OpenIsFalseWhenNothingAnswers) {
     UseSilence();
     EXPECT_FALSE(link->Open());
@@ -169,6 +190,17 @@ TEST_F(AnalyzerLinkTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
     EXPECT_GE(clock.Elapsed() - begin, 2000ms);
     EXPECT_THAT(prompts.Texts(), IsEmpty());
     EXPECT_THAT(board.writes, IsEmpty());
+}
+
+TEST_F(AnalyzerLinkTest, TheBusIsReadTwoSecondsAfterTheIdentity) {
+    settings.WriteProfileInt(setup, "BaudRate", 9600);
+    line->SetClockRuns(false); // so that pauses alone move it
+    link->Connect(9600);
+    const auto log = line->Log();
+    const auto bus = std::ranges::find(log, Bytes{4, 18}, &ScriptedLine::Sent::bytes);
+    ASSERT_NE(bus, log.end());
+    ASSERT_EQ((bus - 1)->bytes, (Bytes{2, 1}));
+    EXPECT_EQ(bus->time - (bus - 1)->time, 2);
 }
 
 TEST_F(AnalyzerLinkTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
@@ -250,16 +282,17 @@ TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode
     EXPECT_EQ(line->Written().size(), 2U) << "no frame is sent in Demo Mode";
 }
 
-TEST_F(AnalyzerLinkTest, RequestsThatWaitAtTheFallFinishAsInDemoMode) {
+TEST_F(AnalyzerLinkTest, RequestsThatWaitAtTheFallDoNotEndAsGood) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
     link->ReadIdentity();
     auto waiting = Start(RunCommand(CmdStartTrace));
     line->SetClockRuns(true);
-    EXPECT_EQ(waiting.get().result, LinkOk);
+    EXPECT_EQ(waiting.get().result, LinkTransferFailed);
     EXPECT_TRUE(link->IsDemoMode());
     link->WaitIdle();
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted in Demo Mode";
 }
 
 TEST_F(AnalyzerLinkTest, AFeaturesFailureNeverLeadsToDemoMode) {
@@ -279,6 +312,28 @@ TEST_F(AnalyzerLinkTest, TheNumberOfTriesDependsOnTheLastLinkOperation) {
     line->ForgetLog();
     EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(line->Written().size(), 5U);
+}
+
+TEST_F(AnalyzerLinkTest, NoIdentityIsTakenInDemoMode) {
+    portOpens = false;
+    link->Connect(57600); // asks for it like any other
+    EXPECT_EQ(link->Identity().modelString, "Demo Mode");
+    EXPECT_EQ(link->Identity().firmwareRevision, "");
+}
+
+// Seen by the number of tries, which follows the last operation of the link that did.
+TEST_F(AnalyzerLinkTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
+    portOpens = false;
+    static_cast<void>(link->Open());
+    link->ReadIdentity();
+    link->WriteBusConfig({.busMode = BusVme});
+    BusConfig bus;
+    link->ReadBusConfig(bus);
+    portOpens = true;
+    OpenLink();
+    UseSilence();
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
+    EXPECT_EQ(line->Written().size(), 2U) << "the phase is still identification";
 }
 
 TEST_F(AnalyzerLinkTest, OpenLeavesDemoMode) {
@@ -326,6 +381,145 @@ TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
     static_cast<void>(link->Open());
     EXPECT_EQ(running.get().result, LinkOk);
     EXPECT_EQ(waiting.get().result, LinkOk);
+}
+
+/// A read that the board owes, and another that waits behind it, when the link leaves.
+class LeavingTest : public AnalyzerLinkTest {
+protected:
+    void SetUp() override {
+        OpenLink();
+        line->SetClockRuns(false);
+        UseSilence();
+        onTheWire = Start(ReadRegisters(0, {&byte, 1}));
+        waiting = Start(ReadRegisters(0, {&byte, 1}));
+    }
+    void ExpectFailed() {
+        EXPECT_EQ(onTheWire.get().result, LinkTransferFailed);
+        EXPECT_EQ(waiting.get().result, LinkTransferFailed);
+        EXPECT_EQ(line->OpenPorts(), 0);
+    }
+    std::uint8_t byte = 0x77;
+    std::future<LinkRequest> onTheWire;
+    std::future<LinkRequest> waiting;
+};
+
+TEST_F(LeavingTest, ForNoPortEndsNothingAsGood) {
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    static_cast<void>(link->Open());
+    ExpectFailed();
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted with no port";
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(LeavingTest, ForAPortThatDoesNotOpenEndsNothingAsGood) {
+    portOpens = false;
+    static_cast<void>(link->Open());
+    ExpectFailed();
+    EXPECT_TRUE(link->IsDemoMode());
+}
+
+TEST_F(LeavingTest, ByClosingEndsNothingAsGood) {
+    link->Close();
+    ExpectFailed();
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted with no port";
+    link->Close();
+    static_cast<void>(link->Open());
+    EXPECT_EQ(line->OpenPorts(), 1);
+}
+
+TEST_F(AnalyzerLinkTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMode) {
+    OpenLink();
+    line->SetClockRuns(false);
+    UseSilence();
+    link->ReadIdentity();
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    static_cast<void>(link->Open());
+    EXPECT_FALSE(link->IsDemoMode());
+    EXPECT_EQ(link->Identity().modelString, "");
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(AnalyzerLinkTest, ABusThatIsOwedWhenTheLinkLeavesIsNoNews) {
+    OpenLink();
+    line->SetClockRuns(false);
+    UseSilence();
+    BusConfig bus;
+    link->ReadBusConfig(bus); // waits in vain
+    settings.WriteProfileString(setup, "ComPort", "<None>");
+    static_cast<void>(link->Open());
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(AnalyzerLinkTest, ALiveStatusThatIsOwedWhenTheLinkLeavesIsLost) {
+    OpenLink();
+    line->SetClockRuns(false);
+    UseSilence();
+    link->PollLiveStatus();
+    link->Close();
+    EXPECT_TRUE(link->CommLost());
+}
+
+// Giving up.
+
+TEST_F(AnalyzerLinkTest, AnExchangeEndsWhenTheProgramGivesUp) {
+    OpenLink();
+    // The board acknowledges the first frame of the command and no other.
+    line->SetAnswer([](const Bytes& sent, int) {
+        return sent == Bytes{4, 15} ? Bytes{'*'} : Bytes{};
+    });
+    std::chrono::milliseconds longest{0};
+    link->SetGiveUp([&](std::chrono::milliseconds waited) {
+        EXPECT_GE(waited, longest);
+        longest = waited;
+        return waited >= 500ms;
+    });
+    std::uint8_t byte = 0;
+    EXPECT_FALSE(link->Exchange(ReadRegisters(15, {&byte, 1})));
+    EXPECT_GE(longest, 500ms);
+    EXPECT_LT(longest, 5s);
+    EXPECT_EQ(line->OpenPorts(), 0);
+    UseBoard();
+    OpenLink();
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "after another Open";
+}
+
+// Identity.
+
+TEST_F(AnalyzerLinkTest, TheBoardIsIdentifiedUntilTheNextOpen) {
+    OpenLink();
+    EXPECT_FALSE(link->IsIdentified());
+    OpenBoard("PCIKite");
+    EXPECT_TRUE(link->IsIdentified());
+    static_cast<void>(link->Open());
+    EXPECT_FALSE(link->IsIdentified()) << "it may be another board";
+}
+
+TEST_F(AnalyzerLinkTest, AnIdentityThatComesTooLateIsMissed) {
+    SetModel("PCIKite");
+    line->SetClockRuns(false);
+    Bytes owed;
+    line->SetAnswer([&, held = false](const Bytes& sent, int baud) mutable {
+        Bytes answer = board.Answer(sent, baud);
+        if (sent == Bytes{2, 1} && !held) {
+            held = true;
+            owed.swap(answer);
+        }
+        return answer;
+    });
+    const auto begin = clock.Elapsed();
+    std::thread late([&] {
+        // The board settles, and then the link waits for the bus.
+        static_cast<void>(Eventually([&] { return clock.Elapsed() - begin >= 2000ms; }));
+        std::this_thread::sleep_for(300ms);
+        line->Arrive(owed);
+    });
+    link->Connect(57600);
+    late.join();
+    EXPECT_FALSE(link->IsIdentified());
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("The analyzer has not told what it is. Check its connections and "
+                            "accept the\nUtilities/Setup dialog to connect again."));
 }
 
 TEST_F(AnalyzerLinkTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
@@ -572,6 +766,31 @@ TEST_F(AnalyzerLinkTest, ALostLiveStatusIsAFlagAndZerosWithoutAMessage) {
     UseBoard();
     link->PollLiveStatus();
     EXPECT_FALSE(link->CommLost()) << "cleared when the next read is issued";
+}
+
+TEST_F(AnalyzerLinkTest, ClearingTheLiveStatusForgetsThatTheBoardWasLost) {
+    OpenBoard("PCIKite");
+    UseSilence();
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->CommLost(); }));
+    link->ClearLiveStatus();
+    EXPECT_FALSE(link->CommLost());
+}
+
+TEST_F(AnalyzerLinkTest, TheFallIntoDemoModeClearsTheLiveStatus) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    link->PollLiveStatus();
+    ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
+    portOpens = false;
+    static_cast<void>(link->Open());
+    ASSERT_TRUE(link->IsDemoMode());
+    std::int32_t before = 1;
+    std::int32_t after = 1;
+    EXPECT_EQ(link->GetLiveStatus(before, after), 0);
+    EXPECT_EQ(before, 0);
+    EXPECT_EQ(after, 0);
+    EXPECT_EQ(link->GetEventOccurrences(), 0);
 }
 
 TEST_F(AnalyzerLinkTest, InDemoModeTheLiveStatusReadsAsZero) {

@@ -40,6 +40,14 @@ TEST_F(UsbLinkTest, TheSecondNameIsTheSamePortAndUsbIsTheDefault) {
     EXPECT_EQ(usb.OpenDevices(), 2);
 }
 
+TEST_F(UsbLinkTest, TheRateOfASerialLineBeforeIsForgotten) {
+    settings.WriteProfileString(setup, "ComPort", "COM1");
+    board.baud = 19200;
+    EXPECT_TRUE(link->Open()) << "at another rate than the configured one";
+    settings.WriteProfileString(setup, "ComPort", "USB");
+    EXPECT_FALSE(link->Open());
+}
+
 TEST_F(UsbLinkTest, NoDeviceIsTheFallIntoDemoMode) {
     usb.Set({.search = {UsbSearch::Outcome::NotFound, 0, ""}});
     EXPECT_FALSE(link->Open());
@@ -119,6 +127,41 @@ TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
                             "write 2: 12 0", "write 2: 2 1", "read 130: 3"));
 }
 
+// On USB nothing else writes the counters of a serial port.
+TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnotherTime) {
+    OpenUsbLink();
+    LinkRequestPtr request = RunCommand(CmdStartTrace);
+    request->state = 7;
+    request->retries = 4;
+    request->replyLength = 9;
+    request->bytesSeen = 3;
+    request->result = LinkTimeout;
+    request->commErrors = 0x1A;
+    request->ringReadAtFail = 5;
+    request->ringWriteAtFail = 6;
+    request->firstByte = '?';
+    request->lastByte = '!';
+    const LinkRequest sent = Run(std::move(request));
+    EXPECT_EQ(sent.result, LinkOk);
+    EXPECT_EQ(sent.bytesSeen, 0);
+    EXPECT_EQ(sent.commErrors, 0U);
+    EXPECT_EQ(sent.ringReadAtFail, 0);
+    EXPECT_EQ(sent.firstByte, 0);
+    EXPECT_EQ(sent.lastByte, 0);
+    EXPECT_EQ(sent.retries, 4) << "of the command, not of one try";
+    EXPECT_EQ(sent.ringWriteAtFail, 6);
+    EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 2 11"));
+}
+
+TEST_F(UsbLinkTest, ANumberThatIsNoCommandIsPreparedWithoutAReply) {
+    OpenUsbLink();
+    LinkRequestPtr request = NewRequest(99);
+    request->replyLength = 9;
+    link->Submit(std::move(request));
+    link->WaitIdle();
+    EXPECT_THAT(usb.Calls(), IsEmpty()) << "nothing is read";
+}
+
 TEST_F(UsbLinkTest, APayloadGoesOutOnTheOutputPipe) {
     OpenUsbLink();
     EXPECT_TRUE(link->Exchange(WritePayload(CmdMasterControl, OneByte(0x81))));
@@ -136,6 +179,7 @@ TEST_F(UsbLinkTest, AFailedWriteIsNotTriedAgain) {
     usb.Set({.writes = false});
     const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkTransferFailed);
+    EXPECT_FALSE(link->IsBoardGone());
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 2 11"));
     EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed));
     EXPECT_FALSE(prompts.Boxes().front().topmost);
@@ -210,6 +254,26 @@ TEST_F(UsbLinkTest, ThereIsNoRateToChange) {
 
 TEST_F(UsbLinkTest, AKeepAliveIsOneFrame) {
     OpenUsbLink();
+    link->SendKeepAlive();
+    link->WaitIdle();
+    EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 4 0"));
+}
+
+TEST_F(UsbLinkTest, ABoardThatIsGoneIsToldOnceAndKeptAliveNoMore) {
+    OpenUsbLink();
+    usb.Set({.present = false});
+    link->SendKeepAlive();
+    link->WaitIdle();
+    EXPECT_TRUE(link->IsBoardGone());
+    EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed));
+    link->SendKeepAlive();
+    link->WaitIdle();
+    EXPECT_EQ(prompts.Texts().size(), 1U);
+    EXPECT_EQ(usb.Calls().size(), 1U);
+    usb.Set({});
+    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->IsBoardGone());
+    usb.ForgetCalls();
     link->SendKeepAlive();
     link->WaitIdle();
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 4 0"));
