@@ -181,7 +181,8 @@ void CTraceView::Filter() {
 void CTraceView::OnInitialUpdate() {
     const std::int64_t trigger = Trace().Marker(0, isZoom_);
     if (frame_ != nullptr) {
-        const bool set = trigger != -1;
+        // A capture of no samples has a trigger all the same.
+        const bool set = trigger != -1 && Trace().SampleCount(isZoom_) > 0;
         frame_->SetCounters(set ? trigger : 0,
                             set ? Trace().SampleCount(isZoom_) - trigger - 1 : 0);
     }

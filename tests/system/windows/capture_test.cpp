@@ -314,6 +314,27 @@ TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheUploadLeavesWhatHasCome) {
     frame->TraceView().ShowSample(0);
 }
 
+TEST_F(LiveCapture, GoOnABoardThatIsGoneEndsAtTheFirstCommand) {
+    Connect({"--buffer", "2"});
+    OpenState();
+    Go();
+    ASSERT_TRUE(Complete());
+    const std::int64_t samples = Trace().SampleCount(false);
+    prompts.Forget();
+    board->Fault("go-away");
+    Go();
+    auto texts = prompts.Texts();
+    ASSERT_FALSE(texts.empty());
+    EXPECT_EQ(texts.back(), "Error sending trace parameter data to analyzer.");
+    texts.pop_back();
+    EXPECT_THAT(texts, testing::Each(testing::StartsWith("Error writing to COM1, err ")));
+    EXPECT_LE(texts.size(), 5U) << "the tries of one command";
+    EXPECT_FALSE(Running());
+    EXPECT_EQ(Trace().SampleCount(false), samples) << "nothing takes their place";
+    QTest::qWait(500);
+    EXPECT_EQ(prompts.Texts().size(), texts.size() + 1);
+}
+
 TEST_F(LiveCapture, InDemoModeWithoutStoredCapturesGoEndsAtOnce) {
     StartDemo();
     std::filesystem::remove(dir.File("Trigger2.tra"));

@@ -50,6 +50,15 @@ TEST_F(FramedView, WithoutATriggerTheCountsAreZero) {
     EXPECT_EQ(Gauge().windowFirst, -1);
 }
 
+TEST_F(FramedView, AnEmptyCaptureCountsZeros) {
+    document = std::make_unique<CTesselDoc>(context, prompts);
+    ASSERT_TRUE(document->OnNewDocument());
+    document->RebuildMaps(0, 0);
+    ASSERT_EQ(document->Marker(0, false), 0) << "a trigger without a sample";
+    Open();
+    EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{0}, std::int64_t{0}));
+}
+
 TEST_F(FramedView, APowerZoomViewCounts255OnBothSides) {
     Load(-300, 699);
     Open(false, true);
