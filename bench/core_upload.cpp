@@ -71,10 +71,9 @@ void UploadBlocks(benchmark::State& state) {
         std::fill_n(control.begin(), 16, std::uint8_t{0xFF});
         control[16] = 1;
         control[18] = 8;
-        link.RegisterEncoder(CmdTraceControl, [&](const LinkRequest&) {
-            return std::vector<std::uint8_t>(control.begin(), control.end());
-        });
-        if (!link.Exchange(CmdTraceControl)) {
+        if (!link.Exchange(WritePayload(CmdTraceControl, [&] {
+                return std::vector<std::uint8_t>(control.begin(), control.end());
+            }))) {
             state.SkipWithError("no board");
         }
         const auto uploaded = [&] { return !store.IsRunning() && !store.IsUploading(); };

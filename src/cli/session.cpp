@@ -4,7 +4,6 @@
 #include "cli/output.h"
 #include "cli/stop.h"
 #include "platform/text.h"
-#include "tracesetup/setup_encoding.h"
 
 #include <cerrno>
 #include <cstring>
@@ -55,7 +54,6 @@ Session::Session(const Arguments& arguments)
     }
     settings_.WriteProfileInt(SettingsSection::setup, SettingsKey::baudRate,
                               static_cast<int>(baud));
-    RegisterSetupEncoders(link_);
     link_.Connect(static_cast<int>(baud));
     quiet_.reset();
     if (link_.IsDemoMode()) {

@@ -8,7 +8,7 @@
 #include "cli/output.h"
 #include "cli/stop.h"
 #include "cli/words.h"
-#include "link/payloads.h"
+#include "link/analyzer_commands.h"
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"
@@ -24,23 +24,13 @@ struct Payload {
     std::vector<std::uint8_t> bytes;
 };
 
-/// As the link prepares it.
-Payload Prepared(const SetupStep& step) {
-    LinkRequest request;
-    request.command = step.command;
-    request.Address() = step.words.address;
-    request.Length() = step.words.length;
-    request.Data() = reinterpret_cast<std::uintptr_t>(step.words.data);
-    request.Extra() = step.words.extra;
-    PreparePayload(request, SetupEncoders());
-    return {std::string(LinkCommandName(step.command)), static_cast<int>(request.Address()),
-            request.payload};
-}
-
 std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& board) {
     std::vector<Payload> payloads;
-    for (const SetupStep& step : SetupSteps(setup, board)) {
-        payloads.push_back(Prepared(step));
+    for (SetupStep& step : SetupSteps(setup, board)) {
+        LinkRequest& request = *step.request;
+        static_cast<void>(PreparePayload(request)); // as the link does before it sends
+        payloads.push_back({std::string(LinkCommandName(request.command)),
+                            static_cast<int>(request.address), std::move(request.payload)});
     }
     return payloads;
 }

@@ -4,7 +4,6 @@
 #include "capture/trace_run.h"
 #include "support/board_tables.h"
 #include "support/link_fixture.h"
-#include "tracesetup/setup_encoding.h"
 
 namespace busquill::test {
 
@@ -28,7 +27,6 @@ private:
 class CaptureFixture : public LinkFixture {
 protected:
     CaptureFixture() {
-        RegisterSetupEncoders(*link);
         context.realTimeStore = &store;
         context.newDocRealTime = true;
         board.onSampleRead = [](const WireBoard::SampleRead& read) { return Records(read); };

@@ -5,7 +5,6 @@
 #include "capture/trace_run.h"
 #include "support/board_tables.h"
 #include "support/wire_fixture.h"
-#include "tracesetup/setup_encoding.h"
 
 namespace busquill::test {
 
@@ -15,7 +14,6 @@ protected:
     explicit CaptureOverWire(const std::string& model = "PCIKite-1", std::int32_t mode = BusPci,
                              std::int32_t width = 0)
         : tables(model, mode, width) {
-        RegisterSetupEncoders(link);
         context.realTimeStore = &store;
         context.newDocRealTime = true;
     }

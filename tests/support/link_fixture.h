@@ -52,13 +52,11 @@ template <typename Action>
 /// A request whose completion stays in its function until it is released. Outlives the request.
 class HeldCompletion {
 public:
-    [[nodiscard]] LinkRequest* Request(std::int32_t command) {
-        return CAnalyzerLink::NewRequest(command, this, [](LinkRequest* done) {
-            auto* held = static_cast<HeldCompletion*>(done->owner);
-            delete done;
-            held->started_.set_value();
-            held->mayEnd_.get_future().wait();
-            held->ended_.set_value();
+    [[nodiscard]] LinkRequestPtr Request(std::int32_t command) {
+        return NewRequest(command, [this](const LinkRequestPtr&) {
+            started_.set_value();
+            mayEnd_.get_future().wait();
+            ended_.set_value();
         });
     }
     ~HeldCompletion() {
@@ -134,24 +132,12 @@ protected:
     }
 
     /// Runs one request and returns it as its completion found it.
-    LinkRequest Run(std::int32_t command, const LinkWords& words = {}) {
-        return Start(command, words).get();
-    }
-    std::future<LinkRequest> Start(std::int32_t command, const LinkWords& words = {}) {
-        auto* done = new std::promise<LinkRequest>;
-        std::future<LinkRequest> future = done->get_future();
-        LinkRequest* request = CAnalyzerLink::NewRequest(command, done, [](LinkRequest* finished) {
-            auto* promise = static_cast<std::promise<LinkRequest>*>(finished->owner);
-            const LinkRequest copy = *finished;
-            delete finished;
-            promise->set_value(copy);
-            delete promise;
-        });
-        request->Address() = words.address;
-        request->Length() = words.length;
-        request->Data() = reinterpret_cast<std::uintptr_t>(words.data);
-        request->Extra() = words.extra;
-        link->Submit(request);
+    LinkRequest Run(LinkRequestPtr request) { return Start(std::move(request)).get(); }
+    std::future<LinkRequest> Start(LinkRequestPtr request) {
+        auto promise = std::make_shared<std::promise<LinkRequest>>();
+        std::future<LinkRequest> future = promise->get_future();
+        request->completion = [promise](const LinkRequestPtr& done) { promise->set_value(*done); };
+        link->Submit(std::move(request));
         return future;
     }
 

@@ -183,6 +183,9 @@ public:
         std::this_thread::yield();
         return 0;
     }
+    std::optional<std::size_t> ReadSome(std::span<std::uint8_t> into) override {
+        return Read(into);
+    }
     int Write(std::span<const std::uint8_t> bytes) override {
         const std::lock_guard lock(line_->mutex_);
         const Bytes sent(bytes.begin(), bytes.end());

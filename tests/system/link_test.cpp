@@ -40,7 +40,7 @@ TEST_F(LinkOverWire, MovesABoardFromEveryRateToTheConfiguredOne) {
                       "function 29 apply new baud rate, address 15 length 1") != functions.end();
         EXPECT_EQ(moved, rate != 38400) << rate;
         std::uint8_t serial[2] = {};
-        EXPECT_TRUE(link.Exchange(CmdReadMemory, {16, 2, serial})) << rate;
+        EXPECT_TRUE(link.Exchange(ReadRegisters(16, serial))) << rate;
         EXPECT_EQ(serial[0], 0x34) << rate;
     }
 }
@@ -88,14 +88,14 @@ TEST_F(LinkOverWire, LostAcknowledgementIsRepaired) {
     link.Connect(9600);
     board->Fault("drop-ack 3");
     std::uint8_t name[8] = {};
-    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
     EXPECT_EQ(std::string(name, name + 7), "PCIKite");
     board->Fault("wrong-close");
-    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
     board->Fault("wrong-ack 2");
-    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
     board->Fault("delay 150");
-    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
 }
 
 TEST_F(LinkOverWire, ShortReplyIsAskedForAgain) {
@@ -103,7 +103,7 @@ TEST_F(LinkOverWire, ShortReplyIsAskedForAgain) {
     link.Connect(9600);
     board->Fault("short-reply 2");
     std::uint8_t name[8] = {};
-    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 8, name}));
+    EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
     const auto functions = board->Functions();
     EXPECT_EQ(std::count(functions.begin(), functions.end(),
                          "function 1 read memory, address 0 length 8"),
@@ -133,10 +133,10 @@ TEST_F(LinkOverWire, PortThatGoesAwayFailsTheRequestAndTheProgramGoesOn) {
     link.Connect(9600);
     board->Fault("go-away");
     std::uint8_t byte = 0;
-    EXPECT_FALSE(link.Exchange(CmdReadMemory, {0, 1, &byte}));
+    EXPECT_FALSE(link.Exchange(ReadRegisters(0, {&byte, 1})));
     StartBoard();
     link.Connect(9600);
-    EXPECT_TRUE(link.Exchange(CmdReadMemory, {0, 1, &byte}));
+    EXPECT_TRUE(link.Exchange(ReadRegisters(0, {&byte, 1})));
     EXPECT_EQ(byte, 'P');
 }
 
@@ -145,8 +145,8 @@ TEST_F(LinkOverWire, SamplesComeByTheirDistanceFromTheTrigger) {
     link.Connect(9600);
     std::vector<std::uint8_t> before(64 * 18);
     std::vector<std::uint8_t> after(32 * 18);
-    ASSERT_TRUE(link.Exchange(CmdReadSamplesBefore, {32, 64, before.data()}));
-    ASSERT_TRUE(link.Exchange(CmdReadSamplesAfter, {0, 32, after.data()}));
+    ASSERT_TRUE(link.Exchange(ReadSamples(CmdReadSamplesBefore, 32, before)));
+    ASSERT_TRUE(link.Exchange(ReadSamples(CmdReadSamplesAfter, 0, after)));
     // 32 before the trigger and on: the second half is what follows the trigger.
     EXPECT_TRUE(std::equal(after.begin(), after.end(), before.begin() + 32 * 18));
 }
@@ -158,12 +158,12 @@ TEST_F(LinkOverWire, RequestsOfTwoThreadsAllComeBack) {
     std::thread other([&] {
         for (int i = 0; i < 50; ++i) {
             std::uint8_t byte = 0;
-            good += link.Exchange(CmdReadMemory, {16, 1, &byte}) && byte == 0x34 ? 1 : 0;
+            good += link.Exchange(ReadRegisters(16, {&byte, 1})) && byte == 0x34 ? 1 : 0;
         }
     });
     for (int i = 0; i < 50; ++i) {
         std::uint8_t byte = 0;
-        good += link.Exchange(CmdReadMemory, {17, 1, &byte}) && byte == 0x12 ? 1 : 0;
+        good += link.Exchange(ReadRegisters(17, {&byte, 1})) && byte == 0x12 ? 1 : 0;
         link.PollLiveStatus();
     }
     other.join();

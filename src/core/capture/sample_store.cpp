@@ -40,7 +40,7 @@ void CSampleStore::StartCapture() {
     running_ = true;
     CAnalyzerLink& link = board_->link;
     link.ClearLiveStatus();
-    link.Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, nullptr));
+    link.Submit(RunCommand(CmdStartTrace));
     link.WaitIdle();
     monitorEnds_ = false;
     monitorDone_ = false;
@@ -80,7 +80,7 @@ void CSampleStore::Monitor(bool& firstLook) {
 }
 
 void CSampleStore::StopCapture() {
-    board_->link.Submit(CAnalyzerLink::NewRequest(CmdStopTrace, nullptr, nullptr));
+    board_->link.Submit(RunCommand(CmdStopTrace));
     BeginUpload();
     running_ = false;
 }
@@ -111,7 +111,7 @@ void CSampleStore::BeginUpload() {
         link.PollLiveStatus(); // the counts of a board that has stopped
         link.WaitIdle();
     }
-    LinkRequest* first = nullptr;
+    LinkRequestPtr first;
     {
         const MutexLock lock(storeLock_);
         if (forwardIndex_ != -1) {
@@ -138,58 +138,53 @@ void CSampleStore::BeginUpload() {
         first = BlockRequest(forwardIndex_);
     }
     // Not under the lock: with no port the completion runs before this returns.
-    link.Submit(first);
+    link.Submit(std::move(first));
 }
 
 /// The board finds samples by their distance from the trigger; it alone knows where its memory
 /// begins.
-LinkRequest* CSampleStore::BlockRequest(std::int64_t index) {
-    LinkRequest* request = CAnalyzerLink::NewRequest(CmdReadZoomBefore, this, &BlockDone);
-    reply_.fill(SampleRecord());
-    request->Data() = reinterpret_cast<std::uintptr_t>(reply_.data());
+LinkRequestPtr CSampleStore::BlockRequest(std::int64_t index) {
     if (zoomPhase_ == ZoomBefore) {
-        request->Address() = zoomSamplesBefore;
-        request->Length() = zoomSamplesBefore;
-        return request;
+        return SamplesRequest(CmdReadZoomBefore, zoomSamplesBefore, zoomSamplesBefore);
     }
     if (zoomPhase_ == ZoomAfter) {
-        request->command = CmdReadZoomAfter;
-        request->Address() = 0;
-        request->Length() = zoomSampleCount - zoomSamplesBefore;
-        return request;
+        return SamplesRequest(CmdReadZoomAfter, 0, zoomSampleCount - zoomSamplesBefore);
     }
-    const bool before = index < samplesBefore_;
-    const std::int64_t distance = before ? samplesBefore_ - index : index - samplesBefore_;
-    const std::int64_t left = static_cast<std::int64_t>(samples_.size()) - index;
-    request->command = before ? CmdReadSamplesBefore : CmdReadSamplesAfter;
-    request->Address() = static_cast<std::uintptr_t>(distance);
-    request->Length() = static_cast<std::uintptr_t>(std::min<std::int64_t>(blockSamples, left));
+    const auto left = static_cast<std::size_t>(static_cast<std::int64_t>(samples_.size()) - index);
+    const auto count = std::min<std::size_t>(blockSamples, left);
+    return index < samplesBefore_
+               ? SamplesRequest(CmdReadSamplesBefore, samplesBefore_ - index, count)
+               : SamplesRequest(CmdReadSamplesAfter, index - samplesBefore_, count);
+}
+
+LinkRequestPtr CSampleStore::SamplesRequest(SampleCommand command, std::int64_t distance,
+                                            std::size_t count) {
+    static_assert(sizeof(SampleRecord) == sampleRecordSize);
+    reply_.fill(SampleRecord());
+    LinkRequestPtr request =
+        ReadSamples(command, static_cast<std::uint32_t>(distance),
+                    {reinterpret_cast<std::uint8_t*>(reply_.data()), count * sizeof(SampleRecord)});
+    request->completion = [this](const LinkRequestPtr& done) { BlockDone(*done); };
     return request;
 }
 
-void CSampleStore::BlockDone(LinkRequest* request) {
-    auto* store = static_cast<CSampleStore*>(request->owner);
-    LinkRequest* next = nullptr;
-    if (request->result == LinkOk) {
-        next = store->TakeBlock(*request);
-    } else {
-        store->BlockFailed(*request);
-    }
-    delete request;
-    if (next != nullptr) {
-        store->board_->link.Submit(next);
+void CSampleStore::BlockDone(const LinkRequest& request) {
+    if (request.result != LinkOk) {
+        BlockFailed(request);
+    } else if (LinkRequestPtr next = TakeBlock(request)) {
+        board_->link.Submit(std::move(next));
     }
 }
 
 /// Keeps what has come and returns the request for more, or null when the upload is over.
-LinkRequest* CSampleStore::TakeBlock(const LinkRequest& request) {
+LinkRequestPtr CSampleStore::TakeBlock(const LinkRequest& request) {
     const MutexLock lock(storeLock_);
     if (abortRequested_ || forwardIndex_ == -1) {
         abortRequested_ = false;
         EndUpload();
         return nullptr;
     }
-    const auto length = static_cast<std::size_t>(request.Length());
+    const auto length = std::size_t{request.length};
     const std::span<const SampleRecord> came = std::span(reply_).first(length);
     if (zoomPhase_ == ZoomBefore || zoomPhase_ == ZoomAfter) {
         const bool before = zoomPhase_ == ZoomBefore;
@@ -199,7 +194,7 @@ LinkRequest* CSampleStore::TakeBlock(const LinkRequest& request) {
         zoomPhase_ = before ? ZoomAfter : ZoomComplete;
         return before ? BlockRequest(forwardIndex_) : NextRequest();
     }
-    const auto distance = static_cast<std::int64_t>(request.Address());
+    const auto distance = std::int64_t{request.address};
     const std::int64_t index =
         samplesBefore_ + (request.command == CmdReadSamplesBefore ? -distance : distance);
     if (const auto block = static_cast<std::uint32_t>(index / blockSamples); !IsUploaded(block)) {
@@ -210,7 +205,7 @@ LinkRequest* CSampleStore::TakeBlock(const LinkRequest& request) {
     return NextRequest();
 }
 
-LinkRequest* CSampleStore::NextRequest() {
+LinkRequestPtr CSampleStore::NextRequest() {
     std::int64_t wanted = 0;
     if (priorityIndex_ != -1) {
         goingForward_ = true;
@@ -278,7 +273,7 @@ void CSampleStore::BlockFailed(const LinkRequest& request) {
             Printf("Error reading trace data for sample index %d, length %d.\n"
                    "Command %d State %d Expected %d Read %d Error %d ComErrors 0x%x.\n"
                    "Read Index %d Write Index %d First 0x%x Last 0x%x.",
-                   static_cast<int>(request.Address()), static_cast<int>(request.Length()),
+                   static_cast<int>(request.address), static_cast<int>(request.length),
                    request.command, request.state, request.replyLength, request.bytesSeen,
                    request.result, request.commErrors, request.ringReadAtFail,
                    request.ringWriteAtFail, request.firstByte, request.lastByte));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/link_request.h"
 #include "platform/mutex.h"
 #include "platform/zeroed_array.h"
 #include "signals/signal.h"
@@ -17,7 +18,6 @@ namespace busquill {
 
 class CAnalyzerLink;
 class Prompts;
-struct LinkRequest;
 
 constexpr std::uint32_t zoomSampleCount = 511; // 255 before the trigger, then 256 from it on
 constexpr std::uint32_t zoomSamplesBefore = 255;
@@ -133,8 +133,10 @@ private:
     void Monitor(bool& firstLook);
     void EndMonitor();
     void Free() BUSQUILL_REQUIRES(storeLock_);
-    [[nodiscard]] LinkRequest* BlockRequest(std::int64_t index) BUSQUILL_REQUIRES(storeLock_);
-    [[nodiscard]] LinkRequest* NextRequest() BUSQUILL_REQUIRES(storeLock_);
+    [[nodiscard]] LinkRequestPtr BlockRequest(std::int64_t index) BUSQUILL_REQUIRES(storeLock_);
+    [[nodiscard]] LinkRequestPtr SamplesRequest(SampleCommand command, std::int64_t distance,
+                                                std::size_t count) BUSQUILL_REQUIRES(storeLock_);
+    [[nodiscard]] LinkRequestPtr NextRequest() BUSQUILL_REQUIRES(storeLock_);
     [[nodiscard]] std::optional<std::uint32_t> FirstMissingBlock() const
         BUSQUILL_REQUIRES(storeLock_);
     [[nodiscard]] bool IsUploaded(std::int64_t block) const BUSQUILL_REQUIRES(storeLock_);
@@ -143,8 +145,8 @@ private:
     void Notify(std::uint32_t first, std::span<const SampleRecord> records, bool zoom)
         BUSQUILL_REQUIRES(storeLock_);
     void EndUpload() BUSQUILL_REQUIRES(storeLock_);
-    static void BlockDone(LinkRequest* request);
-    [[nodiscard]] LinkRequest* TakeBlock(const LinkRequest& request);
+    void BlockDone(const LinkRequest& request);
+    [[nodiscard]] LinkRequestPtr TakeBlock(const LinkRequest& request);
     void BlockFailed(const LinkRequest& request);
 
     std::unique_ptr<Board> board_;

@@ -2,28 +2,28 @@
 
 #include "capture/trace_document.h"
 #include "link/exchange.h"
+#include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"
 
 namespace busquill {
 
 std::array<SetupStep, 3> SetupSteps(const TraceSetup& setup, const BoardTraits& board) {
-    const LinkWords parameters{.address = static_cast<std::uintptr_t>(setup.clock),
-                               .length = static_cast<std::uintptr_t>(setup.triggerPosition),
-                               .data =
-                                   NumberAsData(static_cast<std::uintptr_t>(setup.powerZoomClock))};
-    const LinkWords events{.data = &setup.events,
-                           .extra = static_cast<std::uintptr_t>(EventCount(board))};
+    const int events = EventCount(board);
     return {{
-        {CmdTraceParams, parameters, "Error sending trace parameter data to analyzer."},
-        {CmdTraceEvents, events, "Error sending trace event setup data to analyzer."},
-        {CmdTraceControl, {.data = &setup}, "Error sending trace control setup data to analyzer."},
+        {WritePayload(CmdTraceParams, [&setup] { return BuildTraceParams(setup); }),
+         "Error sending trace parameter data to analyzer."},
+        {WritePayload(CmdTraceEvents,
+                      [&setup, events] { return BuildEventRows(setup.events, events); }),
+         "Error sending trace event setup data to analyzer."},
+        {WritePayload(CmdTraceControl, [&setup] { return BuildTraceControl(setup); }),
+         "Error sending trace control setup data to analyzer."},
     }};
 }
 
 bool DownloadSetup(CAnalyzerLink& link, const TraceSetup& setup, Prompts& prompts) {
     bool taken = true;
-    for (const SetupStep& step : SetupSteps(setup, link.Traits())) {
-        taken = ExchangeOrTell(link, step.command, step.words, prompts, step.failure) && taken;
+    for (SetupStep& step : SetupSteps(setup, link.Traits())) {
+        taken = ExchangeOrTell(link, std::move(step.request), prompts, step.failure) && taken;
         if (!taken && link.IsBoardGone()) {
             break;
         }

@@ -1,7 +1,7 @@
 /// What the buttons and the timer of a trace window do, without the window. Main thread.
 #pragma once
 
-#include "link/analyzer_link.h"
+#include "link/link_request.h"
 
 #include <array>
 #include <cstdint>
@@ -9,9 +9,11 @@
 
 namespace busquill {
 
+class CAnalyzerLink;
 class CTesselDoc;
 class Prompts;
 class TraceSetup;
+struct BoardTraits;
 
 /// What a trace window's frame shows of its document's capture.
 enum class RunIndicator { Idle = 0, Running = 1, Uploading = 2, File = 4 };
@@ -29,8 +31,7 @@ struct RunState {
 
 /// One of the commands by which a setup goes to the board.
 struct SetupStep {
-    std::int32_t command = 0;
-    LinkWords words;               // name the setup, which must live as long
+    LinkRequestPtr request;        // looks at the setup, which must live as long
     const char* failure = nullptr; // what the user hears when the board does not take it
 };
 [[nodiscard]] std::array<SetupStep, 3> SetupSteps(const TraceSetup& setup,

@@ -221,22 +221,20 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
                       std::int64_t start, Prompts& prompts) {
     // A step that fails says so, and the next goes out all the same while there is a board.
     bool isGone = false;
-    const auto step = [&](std::int32_t command, const LinkWords& words, const char* what) {
-        isGone =
-            isGone || (!ExchangeOrTell(link, command, words, prompts, what) && link.IsBoardGone());
+    const auto step = [&](LinkRequestPtr request, const char* what) {
+        isGone = isGone ||
+                 (!ExchangeOrTell(link, std::move(request), prompts, what) && link.IsBoardGone());
     };
     const std::int64_t before = document.GetStore().SamplesBefore();
     const bool isAfter = start >= before;
-    const std::int64_t distance = isAfter ? start - before : before - start;
-    step(CmdSearchControl,
-         {.address = static_cast<std::uintptr_t>(distance),
-          .length = static_cast<std::uintptr_t>(isAfter)},
+    const auto distance = static_cast<std::uint32_t>(isAfter ? start - before : before - start);
+    step(WritePayload(CmdSearchControl, [&] { return BuildSearchControl(distance, isAfter); }),
          "Error sending search sample to analyzer.");
-    step(CmdSearchSample, {.data = &document.searchPattern},
+    step(WritePayload(CmdSearchSample, [&] { return BuildEventRows(document.searchPattern, 1); }),
          "Error sending search condition to analyzer.");
-    step(CmdSearchCondition, {.address = static_cast<std::uintptr_t>(direction)},
+    step(WritePayload(CmdSearchCondition, OneByte(static_cast<std::uint8_t>(direction))),
          "Error sending search control to analyzer.");
-    step(CmdStartSearch, {}, "Error sending start search to analyzer.");
+    step(RunCommand(CmdStartSearch), "Error sending start search to analyzer.");
     if (isGone) {
         return;
     }

@@ -1,77 +1,13 @@
 #include "link/analyzer_commands.h"
 
+#include "link/command_rows.h"
+
 #include <algorithm>
 #include <array>
 
 namespace busquill {
 
 namespace {
-
-using enum PayloadKind;
-
-// clang-format off
-constexpr std::array<CommandRow, linkCommandCount> commandRows{{
-    {CmdDownloadRecord,          "CmdDownloadRecord",          Caller,        0,                            0},
-    {CmdSetBaudRate,             "CmdSetBaudRate",             BaudCode,      RegisterBaudCode,             1},
-    {CmdReadMemory,              "CmdReadMemory",              Caller,        0,                            0},
-    {CmdReadSamplesBefore,       "CmdReadSamplesBefore",       Caller,        0,                            0},
-    {CmdReadSamplesAfter,        "CmdReadSamplesAfter",        Caller,        0,                            0},
-    {CmdTraceControl,            "CmdTraceControl",            Encoded,       RegisterTraceControl,         160},
-    {CmdTraceEvents,             "CmdTraceEvents",             Encoded,       RegisterTraceEvents,          240},
-    {CmdTraceParams,             "CmdTraceParams",             TraceParams,   RegisterTraceParams,          3},
-    {CmdStartTrace,              "CmdStartTrace",              None,          0,                            0},
-    {CmdStopTrace,               "CmdStopTrace",               None,          0,                            0},
-    {CmdSearchControl,           "CmdSearchControl",           SearchControl, RegisterSearchControl,        4},
-    {CmdSearchCondition,         "CmdSearchCondition",         LowByte,       RegisterSearchCondition,      1},
-    {CmdSearchSample,            "CmdSearchSample",            Encoded,       RegisterSearchSample,         30},
-    {CmdStartSearch,             "CmdStartSearch",             None,          0,                            0},
-    {CmdPerformanceSetup,        "CmdPerformanceSetup",        Encoded,       RegisterPerformanceSetup,     241},
-    {CmdStartPerformance,        "CmdStartPerformance",        None,          0,                            0},
-    {CmdStopPerformance,         "CmdStopPerformance",         None,          0,                            0},
-    {CmdAnomalyChecklist,        "CmdAnomalyChecklist",        Copy,          RegisterAnomalyChecklist,     16},
-    {CmdStartAnomaly,            "CmdStartAnomaly",            None,          0,                            0},
-    {CmdStopAnomaly,             "CmdStopAnomaly",             None,          0,                            0},
-    {CmdStartConfigScan,         "CmdStartConfigScan",         None,          0,                            0},
-    {CmdStopConfigScan,          "CmdStopConfigScan",          None,          0,                            0},
-    {CmdConfigScanControl,       "CmdConfigScanControl",       LowByte,       RegisterConfigScanControl,    1},
-    {CmdComplianceControl,       "CmdComplianceControl",       LowByte,       RegisterComplianceControl,    1},
-    {CmdComplianceTestId,        "CmdComplianceTestId",        Copy,          RegisterComplianceTestId,     4},
-    {CmdStartCompliance,         "CmdStartCompliance",         None,          0,                            0},
-    {CmdStopCompliance,          "CmdStopCompliance",          None,          0,                            0},
-    {CmdMasterSetup,             "CmdMasterSetup",             Copy,          RegisterMasterSetup,          48},
-    {CmdMasterAddress,           "CmdMasterAddress",           Copy,          RegisterMasterAddress,        9},
-    {CmdMasterControl,           "CmdMasterControl",           LowByte,       RegisterMasterControl,        1},
-    {CmdMasterFileData,          "CmdMasterFileData",          Copy,          RegisterMasterFileData,       32},
-    {CmdExerciserGo,             "CmdExerciserGo",             None,          0,                            0},
-    {CmdExerciserStop,           "CmdExerciserStop",           None,          0,                            0},
-    {CmdStartStimulus,           "CmdStartStimulus",           None,          0,                            0},
-    {CmdStopStimulus,            "CmdStopStimulus",            None,          0,                            0},
-    {CmdStimulusControl,         "CmdStimulusControl",         Encoded,       RegisterStimulusControl,      80},
-    {CmdStimulusCondition,       "CmdStimulusCondition",       Encoded,       RegisterStimulusCondition,    480},
-    {CmdComplianceTargetAddress, "CmdComplianceTargetAddress", Copy,          RegisterComplianceTarget,     8},
-    {CmdReadZoomBefore,          "CmdReadZoomBefore",          Caller,        0,                            0},
-    {CmdReadZoomAfter,           "CmdReadZoomAfter",           Caller,        0,                            0},
-    {CmdSetBusConfig,            "CmdSetBusConfig",            Encoded,       RegisterBusConfig,            2},
-    {CmdMasterAttributes,        "CmdMasterAttributes",        Copy,          RegisterMasterAttributes,     4},
-    {CmdStimulusEvents,          "CmdStimulusEvents",          Encoded,       RegisterStimulusEvents,       240},
-    {CmdTargetSetup,             "CmdTargetSetup",             Copy,          RegisterTargetSetup,          12},
-    {CmdTargetAddress,           "CmdTargetAddress",           Copy,          RegisterTargetAddress,        11},
-    {CmdTargetRead,              "CmdTargetRead",              Caller,        0,                            0},
-    {CmdTargetData,              "CmdTargetData",              CopyLength,    0,                            0},
-    {CmdStartBackplane,          "CmdStartBackplane",          None,          0,                            0},
-    {CmdStopBackplane,           "CmdStopBackplane",           None,          0,                            0},
-    {CmdBackplaneSignals,        "CmdBackplaneSignals",        Copy,          RegisterBackplaneSignals,     28},
-    {CmdBackplaneSensitivity,    "CmdBackplaneSensitivity",    LowByte,       RegisterBackplaneSensitivity, 1},
-    {CmdUsbKeepAlive,            "CmdUsbKeepAlive",            None,          0,                            0},
-}};
-// clang-format on
-
-constexpr bool CommandRowsAreInOrder() {
-    std::int32_t expected = 0;
-    return std::ranges::all_of(commandRows,
-                               [&](const CommandRow& row) { return row.command == ++expected; });
-}
-static_assert(CommandRowsAreInOrder());
 
 constexpr FunctionCode noFunction{};
 constexpr std::int32_t lastSendingState = 38;
@@ -85,7 +21,7 @@ constexpr std::array<StateRow, lastSendingState> stateRows{{
     { 4, StateSends::LengthLow,     noFunction,               StateReply::Acknowledgement},
     { 5, StateSends::LengthHigh,    noFunction,               StateReply::Acknowledgement},
     { 6, StateSends::Function,      FunctionFirmwareRecord,   StateReply::Acknowledgement},
-    { 7, StateSends::CallersData,   noFunction,               StateReply::Acknowledgement},
+    { 7, StateSends::Payload,       noFunction,               StateReply::Acknowledgement},
     { 8, StateSends::Function,      FunctionWriteMemory,      StateReply::Acknowledgement},
     { 9, StateSends::Payload,       noFunction,               StateReply::Acknowledgement},
     {10, StateSends::Function,      FunctionApplyBaudRate,    StateReply::Acknowledgement},

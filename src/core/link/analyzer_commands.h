@@ -111,6 +111,7 @@ enum FunctionCode : std::uint8_t {
 
 /// What the board sends for a good frame or payload, and before and after its data.
 constexpr std::uint8_t acknowledgement = '*';
+constexpr std::int32_t framingBytes = 2; // the acknowledgements around data
 
 /// The board's registers, by address.
 enum BoardRegister : std::uint32_t {
@@ -152,25 +153,21 @@ enum BoardRegister : std::uint32_t {
     RegisterStimulusEvents = 1600,
 };
 
-/// How preparation makes the payload of a command.
-enum class PayloadKind : std::uint8_t {
-    None,          // a function alone: no address, no length
-    Caller,        // the caller gives address, length and data
-    CopyLength,    // the same, with a copy of `length` bytes
-    BaudCode,      // from the rate in `address`
-    Encoded,       // by the encoder registered for the command
-    TraceParams,   // three codes from `address`, `length` and `data`
-    SearchControl, // from `length` and `address`
-    LowByte,       // low byte of `address`
-    Copy,          // copy of as many bytes as the row says
+/// What a command takes along and brings back.
+enum class CommandKind : std::uint8_t {
+    Function, // nothing: no address, no length
+    Register, // writes a payload of fixed size to a register
+    Memory,   // writes a payload to an address
+    Bytes,    // reads bytes from an address on
+    Samples,  // reads samples from a distance to the trigger on
 };
 
 struct CommandRow {
     LinkCommand command;
     std::string_view name;
-    PayloadKind payload;
-    std::uint32_t address; // of the register, where preparation stores it
-    std::uint32_t bytes;   // that go out, whatever the encoder makes
+    CommandKind kind;
+    std::uint32_t address; // of the register
+    std::uint32_t bytes;   // that go there, whatever the payload's maker gives
 };
 
 /// The row of a command; null for a number that is no command.
@@ -187,8 +184,7 @@ enum class StateSends : std::uint8_t {
     LengthLow,
     LengthHigh,
     Function,
-    CallersData, // `length` bytes from `data`, which stays the caller's
-    Payload,     // what preparation made, which is dropped then
+    Payload, // what preparation made, which is dropped then
 };
 
 /// What comes back: an acknowledgement, or data between two of them.

@@ -1,25 +1,73 @@
 #include "link/analyzer_link.h"
 
-#include "link/machine.h"
+#include "link/link_port.h"
+#include "link/link_thread.h"
+#include "link/request_queue.h"
+#include "link/saved_bus_config.h"
+#include "platform/clock.h"
+#include "platform/main_thread.h"
+#include "platform/prompts.h"
+#include "platform/settings.h"
+#include "platform/text.h"
 
-#include <atomic>
+#include <algorithm>
 #include <cassert>
+#include <cstdlib>
+#include <string_view>
 
 namespace busquill {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+/// The board needs it after a change of rate, and the program after the identity read.
+constexpr auto settlingTime = 2000ms;
+
+constexpr const char* demoModeMessage =
+    "Unable to establish communications with the analyzer.\n"
+    "Go to the Utilities/Setup menu to select the proper interface and\n"
+    "restart the program. Program will run in DEMO mode.";
+constexpr const char* communicationsError =
+    "Communications error with analyzer. Check serial port connections.";
+/// An identity that comes after the connection sequence is not taken any more.
+constexpr const char* noIdentity =
+    "The analyzer has not told what it is. Check its connections and accept the\n"
+    "Utilities/Setup dialog to connect again.";
+
+/// The device behind a port name that begins with "COM". A name without a number from 1 up is
+/// taken as it stands, and fails to open.
+std::string DeviceOf(const std::string& portName, const Settings& settings) {
+    const int number = ParseInt(std::string_view(portName).substr(3));
+    if (number < 1) {
+        return portName;
+    }
+    if (const char* device = std::getenv(Printf("BUSQUILL_COM%d", number).c_str())) {
+        return device;
+    }
+#if defined(_WIN32)
+    const std::string usual = portName;
+#else
+    const std::string usual = Printf("/dev/ttyS%d", number - 1);
+#endif
+    return settings.GetProfileString(SettingsSection::setup, Printf("ComDevice%d", number), usual);
+}
 
 std::atomic<CAnalyzerLink*> theLink = nullptr;
 
 } // namespace
 
 CAnalyzerLink::CAnalyzerLink(Services services)
-    : machine_(std::make_unique<Machine>(std::move(services))) {
+    : services_(std::move(services)),
+      queue_(std::make_unique<RequestQueue>(board_, conditions_, services_.prompts, services_.clock,
+                                            services_.mainThread)) {
     theLink = this;
 }
 
 CAnalyzerLink::~CAnalyzerLink() {
-    machine_->ShutDown(); // completions that still run may ask for the instance
+    // Completions that still run may ask for the instance.
+    ClosePort();
+    threads_.clear();
     CAnalyzerLink* self = this;
     theLink.compare_exchange_strong(self, nullptr);
 }
@@ -29,132 +77,293 @@ CAnalyzerLink& CAnalyzerLink::Instance() {
     return *theLink;
 }
 
-LinkRequest* CAnalyzerLink::NewRequest(std::int32_t command, void* owner,
-                                       LinkRequest::Completion completion) {
-    auto request = std::make_unique<LinkRequest>();
-    request->command = command;
-    request->owner = owner;
-    request->completion = completion;
-    return request.release();
-}
-
-void CAnalyzerLink::Submit(LinkRequest* request) {
-    machine_->Queue().Submit(request);
-}
-
-bool CAnalyzerLink::IsIdle() const {
-    return machine_->Queue().IsIdle();
-}
-
-std::time_t CAnalyzerLink::Time() const {
-    return machine_->Time();
+void CAnalyzerLink::Submit(LinkRequestPtr request) {
+    queue_->Submit(std::move(request));
 }
 
 void CAnalyzerLink::WaitIdle() {
-    machine_->Queue().WaitIdle();
+    queue_->WaitIdle();
 }
 
-bool CAnalyzerLink::Exchange(std::int32_t command, const LinkWords& words) {
-    return machine_->Exchange(command, words);
+bool CAnalyzerLink::IsIdle() const {
+    return queue_->IsIdle();
 }
 
-void CAnalyzerLink::RegisterEncoder(std::int32_t command, Encoder encoder) {
-    machine_->Queue().RegisterEncoder(command, std::move(encoder));
+bool CAnalyzerLink::Exchange(LinkRequestPtr request) {
+    struct Outcome {
+        MainThread& mainThread;
+        std::atomic<bool> busy = true;
+        std::atomic<bool> failed = false;
+    } outcome{services_.mainThread};
+
+    assert(!request->completion);
+    request->completion = [waiting = &outcome](LinkRequestPtr done) {
+        MainThread& mainThread = waiting->mainThread;
+        waiting->failed = done->result != LinkOk;
+        done.reset();
+        waiting->busy = false; // the waiting frame may be gone from here on
+        mainThread.Wake();
+    };
+    queue_->Submit(std::move(request));
+    RequestQueue::RunOwedCompletions();
+    const auto begun = std::chrono::steady_clock::now();
+    const bool mayGiveUp = giveUp_ && MainThread::OnThisThread() == &services_.mainThread;
+    while (!services_.mainThread.WaitUntil(mayGiveUp ? 100ms : std::chrono::milliseconds(1h),
+                                           [&] { return !outcome.busy; })) {
+        if (mayGiveUp && giveUp_(std::chrono::duration_cast<std::chrono::milliseconds>(
+                             std::chrono::steady_clock::now() - begun))) {
+            Close();
+        }
+    }
+    return !outcome.failed;
+}
+
+std::time_t CAnalyzerLink::Time() const {
+    return services_.clock.Time();
 }
 
 bool CAnalyzerLink::Open() {
-    return machine_->Open();
+    const Settings& settings = services_.settings;
+    const std::string portName =
+        settings.GetProfileString(SettingsSection::setup, "ComPort", "USB");
+    const int configuredBaud =
+        settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate, usualBaudRate);
+    ClosePort();
+    board_.ForgetBoard();
+    conditions_.actualBaud = 0;
+    queue_->Clear(statusBlock_);
+    queue_->Clear(liveBlock_);
+    queue_->Clear(busBlock_);
+
+    if (portName == "USB" || portName == "USB2") {
+        OpenUsb();
+    } else if (portName.size() >= 4 && portName.starts_with("COM")) {
+        OpenSerial(portName, configuredBaud);
+    }
+    // Any other name means that no port is wanted, and is no failure.
+
+    if (queue_->Port() == nullptr) {
+        queue_->FailAll();
+    } else {
+        queue_->RestartHead();
+    }
+    const int actualBaud = conditions_.actualBaud;
+    return actualBaud != 0 && actualBaud != configuredBaud;
 }
 
 void CAnalyzerLink::Close() {
-    machine_->Close();
+    ClosePort();
+    queue_->FailAll();
+}
+
+bool CAnalyzerLink::IsBoardGone() const {
+    const auto port = queue_->Port();
+    return port != nullptr && port->IsGone();
 }
 
 void CAnalyzerLink::SetGiveUp(GiveUp giveUp) {
-    machine_->SetGiveUp(std::move(giveUp));
+    giveUp_ = std::move(giveUp);
 }
 
-void CAnalyzerLink::ReadIdentity() {
-    machine_->ReadIdentity();
+void CAnalyzerLink::ClosePort() {
+    const auto port = queue_->Port();
+    if (LinkThread* thread = currentThread_) {
+        thread->Stop();
+    }
+    if (queue_->ReleasePort(port)) {
+        port->Close();
+    }
+    currentThread_ = nullptr;
+    std::erase_if(threads_, [](const auto& thread) { return !thread->Running(); });
 }
 
-void CAnalyzerLink::SetBaudRate(int rate) {
-    machine_->SetBaudRate(rate);
+void CAnalyzerLink::OpenSerial(const std::string& portName, int configuredBaud) {
+    std::shared_ptr<SerialPort> device =
+        services_.openSerial(DeviceOf(portName, services_.settings));
+    if (device == nullptr) {
+        FallIntoDemoMode();
+        return;
+    }
+    auto port = std::make_shared<SerialLinkPort>(std::move(device), portName, services_.prompts);
+    port->Configure(configuredBaud);
+    conditions_.actualBaud = port->NegotiateBaud();
+    port->SetReadTimeout();
+    StartThread(port);
+}
+
+void CAnalyzerLink::OpenUsb() {
+    auto port = std::make_shared<UsbLinkPort>(
+        services_.usb, services_.settings.GetProfileString(SettingsSection::setup, "UsbDevice", ""),
+        services_.prompts);
+    if (port->Open([this] { FallIntoDemoMode(); })) {
+        StartThread(port);
+    }
+}
+
+// The thread of a USB board is started even when the board could not be opened: it waits.
+void CAnalyzerLink::StartThread(std::shared_ptr<LinkPort> port) {
+    queue_->Ring().Reset();
+    if (port->IsOpen()) {
+        queue_->SetPort(port);
+    }
+    threads_.push_back(std::make_unique<LinkThread>(
+        std::move(port), queue_->Ring(), [this](LinkPort& from) { return queue_->Step(from); },
+        services_.mainThread));
+    currentThread_ = threads_.back().get();
+}
+
+// After a failed identity read this runs on the link's thread, which cannot see its own end: it
+// waits the whole time and ends afterwards.
+void CAnalyzerLink::FallIntoDemoMode() {
+    LinkThread* own = LinkThread::OnThisThread();
+    const auto port = own != nullptr ? own->Port() : queue_->Port();
+    services_.prompts.TopmostMessage(demoModeMessage);
+    if (port != nullptr) {
+        if (LinkThread* thread = own != nullptr ? own : currentThread_.load()) {
+            thread->Stop();
+        }
+    }
+    // When the port has been opened again meanwhile, this is news of the old one.
+    if (queue_->FallFrom(port, [this] { board_.EnterDemoMode(); }) && port != nullptr) {
+        port->Close();
+    }
 }
 
 void CAnalyzerLink::Connect(int targetBaud) {
-    machine_->Connect(targetBaud);
+    const bool atAnotherRate = Open();
+    ReadIdentity();
+    if (atAnotherRate) {
+        queue_->WaitIdle();
+        SetBaudRate(targetBaud);
+    }
+    queue_->WaitIdle();
+    services_.clock.Sleep(settlingTime);
+    LoadBusConfig();
+    if (queue_->Port() != nullptr && !board_.IsIdentified()) {
+        services_.prompts.TopmostMessage(noIdentity);
+    }
+}
+
+void CAnalyzerLink::Issue(LinkPhase phase, LinkRequestPtr request) {
+    conditions_.linkPhase = phase;
+    request->completion = [this](const LinkRequestPtr& done) { OnLinkOperationDone(done->result); };
+    queue_->Submit(std::move(request));
+}
+
+void CAnalyzerLink::OnLinkOperationDone(std::int32_t result) {
+    const LinkPhase phase = conditions_.linkPhase;
+    if (result == LinkOk) {
+        if (phase == PhaseIdentify) {
+            board_.SetIdentity(queue_->CopyOf(statusBlock_));
+        } else if (phase == PhaseLiveStatus) {
+            board_.SetLive(ParseLiveStatus(queue_->CopyOf(liveBlock_)));
+        } else if (phase == PhaseReadBus) {
+            board_.SetBus(queue_->CopyOf(busBlock_));
+        }
+    } else if (phase == PhaseLiveStatus) {
+        ClearLiveStatus();
+        board_.SetCommLost(true);
+    } else if (queue_->Port() == nullptr) {
+        // The link has left that board; what it owes is no news.
+    } else if (phase == PhaseIdentify) {
+        FallIntoDemoMode();
+    } else {
+        services_.prompts.TopmostMessage(communicationsError);
+    }
+}
+
+void CAnalyzerLink::ReadIdentity() {
+    Issue(PhaseIdentify, ReadRegisters(RegisterStatusBlock, statusBlock_));
+}
+
+// The time-out rule goes on with the rate of the negotiation until the next Open.
+void CAnalyzerLink::SetBaudRate(int rate) {
+    const auto port = queue_->Port();
+    if (port == nullptr) {
+        return;
+    }
+    Issue(PhaseSetBaud, WritePayload(CmdSetBaudRate, OneByte(BaudCode(rate))));
+    queue_->WaitIdle();
+    if (const int error = port->ChangeBaud(rate); error != 0) {
+        services_.prompts.TopmostMessage(Printf("Error setting new baud rate, err %d", error));
+    }
+    services_.clock.Sleep(settlingTime);
 }
 
 void CAnalyzerLink::ReadBusConfig(BusConfig& out) {
-    machine_->ReadBusConfig(out);
+    if (!board_.IsDemoMode()) {
+        Issue(PhaseReadBus, ReadRegisters(RegisterBusConfig, busBlock_));
+        queue_->WaitIdle();
+    }
+    out = board_.Bus();
 }
 
 void CAnalyzerLink::WriteBusConfig(const BusConfig& in) {
-    machine_->WriteBusConfig(in);
+    board_.SetBus(in);
+    if (board_.IsDemoMode()) {
+        if (familyListener_) {
+            familyListener_();
+        }
+        return;
+    }
+    Issue(PhaseSetBus, WritePayload(CmdSetBusConfig, [this] {
+              const auto block = EncodeBusConfig(board_.Bus());
+              return std::vector(block.begin(), block.end());
+          }));
+    queue_->WaitIdle();
 }
 
+// A saved configuration overrides what the board holds and clears the master lock.
 void CAnalyzerLink::LoadBusConfig() {
-    machine_->LoadBusConfig();
+    auto saved = LoadSavedBusConfig(services_.settings);
+    if (!saved) {
+        BusConfig ignored;
+        ReadBusConfig(ignored);
+        return;
+    }
+    saved->busMode = CorrectBusMode(saved->busMode, board_.Identity().modelId);
+    WriteBusConfig(*saved);
 }
 
 void CAnalyzerLink::SetFamilyListener(std::function<void()> listener) {
-    machine_->SetFamilyListener(std::move(listener));
+    familyListener_ = std::move(listener);
 }
 
 void CAnalyzerLink::PollLiveStatus() {
-    machine_->PollLiveStatus();
+    board_.SetCommLost(false);
+    Issue(PhaseLiveStatus, ReadRegisters(RegisterLiveStatus, liveBlock_));
 }
 
 void CAnalyzerLink::ClearLiveStatus() {
-    machine_->ClearLiveStatus();
+    board_.SetCommLost(false);
+    board_.ClearLive();
 }
 
 std::uint8_t CAnalyzerLink::GetLiveStatus(std::int32_t& before, std::int32_t& after) {
-    const LiveStatus live = machine_->Board().Live();
+    const LiveStatus live = board_.Live();
     before = live.samplesBefore;
     after = live.samplesAfter;
     return live.liveStatus;
 }
 
-std::int32_t CAnalyzerLink::GetEventOccurrences() const noexcept {
-    return machine_->Board().EventOccurrences();
-}
-
-bool CAnalyzerLink::CommLost() const noexcept {
-    return machine_->Board().CommLost();
-}
-
 std::vector<std::uint8_t> CAnalyzerLink::ReadRingRaw() {
-    return machine_->Queue().Ring().TakeAll();
+    return queue_->Ring().TakeAll();
 }
 
 void CAnalyzerLink::SendRaw(std::span<const std::uint8_t> bytes) {
-    machine_->SendRaw(bytes);
+    if (const auto port = queue_->Port()) {
+        // There is no request that could note a failure; the port has reported it.
+        static_cast<void>(port->Send(bytes));
+    }
 }
 
 void CAnalyzerLink::SendKeepAlive() {
-    machine_->SendKeepAlive();
-}
-
-bool CAnalyzerLink::IsDemoMode() const noexcept {
-    return machine_->Board().IsDemoMode();
-}
-
-BoardIdentity CAnalyzerLink::Identity() const {
-    return machine_->Board().Identity();
-}
-
-bool CAnalyzerLink::IsIdentified() const noexcept {
-    return machine_->Board().IsIdentified();
-}
-
-bool CAnalyzerLink::IsBoardGone() const {
-    return machine_->IsBoardGone();
-}
-
-BoardTraits CAnalyzerLink::Traits() const {
-    return machine_->Board().Traits();
+    const auto port = queue_->Port();
+    const LinkThread* thread = currentThread_;
+    if (port != nullptr && port->NeedsKeepAlive() && !port->IsGone() && thread != nullptr &&
+        !thread->Stopping()) {
+        queue_->Submit(RunCommand(CmdUsbKeepAlive));
+    }
 }
 
 } // namespace busquill

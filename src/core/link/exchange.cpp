@@ -4,19 +4,18 @@
 
 namespace busquill {
 
-bool ExchangeOrTell(CAnalyzerLink& link, std::int32_t command, const LinkWords& words,
-                    Prompts& prompts, const char* failure) {
-    const bool succeeded = link.Exchange(command, words);
+bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
+                    const char* failure) {
+    const bool succeeded = link.Exchange(std::move(request));
     if (!succeeded) {
         prompts.TopmostMessage(failure);
     }
     return succeeded;
 }
 
-bool ReadOrTell(CAnalyzerLink& link, std::uintptr_t address, std::span<std::uint8_t> bytes,
+bool ReadOrTell(CAnalyzerLink& link, std::uint32_t address, std::span<std::uint8_t> bytes,
                 Prompts& prompts, const char* failure) {
-    return ExchangeOrTell(link, CmdReadMemory, {address, bytes.size(), bytes.data()}, prompts,
-                          failure);
+    return ExchangeOrTell(link, ReadRegisters(address, bytes), prompts, failure);
 }
 
 } // namespace busquill

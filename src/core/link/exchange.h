@@ -10,14 +10,14 @@ namespace busquill {
 
 class Prompts;
 
-/// Sends a command and waits for its end. A failure is told above all windows, in the words of the
+/// Sends a request and waits for its end. A failure is told above all windows, in the words of the
 /// feature, and returned for those that must not go on.
-bool ExchangeOrTell(CAnalyzerLink& link, std::int32_t command, const LinkWords& words,
-                    Prompts& prompts, const char* failure);
+bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
+                    const char* failure);
 
 /// Reads the board's memory from a register on. Without a board the bytes stay as they were: who
 /// looks at a status sets them anew before each look.
-[[nodiscard]] bool ReadOrTell(CAnalyzerLink& link, std::uintptr_t address,
+[[nodiscard]] bool ReadOrTell(CAnalyzerLink& link, std::uint32_t address,
                               std::span<std::uint8_t> bytes, Prompts& prompts, const char* failure);
 
 /// Of every status byte that a function of the board has: it is still running.

@@ -16,9 +16,16 @@
 
 namespace busquill {
 
-class Clock;
 class Prompts;
 class ReplyRing;
+struct LinkRequest;
+
+/// What a port finds of the reply to the running request.
+struct ReplyLook {
+    std::int32_t count = 0; // bytes that lie in the ring
+    /// A transfer has failed: the request ends with that and is not tried again.
+    bool failed = false;
+};
 
 /// An open way to the board. Failures are reported here, in the port's own words.
 ///
@@ -28,16 +35,23 @@ class LinkPort {
 public:
     virtual ~LinkPort() = default;
 
-    [[nodiscard]] virtual bool IsUsb() const noexcept = 0;
     [[nodiscard]] virtual bool IsOpen() const = 0;
     /// Whether the device has been taken away: nothing that is sent will ever be answered.
     [[nodiscard]] virtual bool IsGone() const noexcept { return false; }
+    /// Whether a board that hears nothing for long must be told that the program is there.
+    [[nodiscard]] virtual bool NeedsKeepAlive() const noexcept = 0;
+    /// Moves the line to another rate; the error number of the step that failed.
+    [[nodiscard]] virtual int ChangeBaud(int rate) = 0;
+    /// The kinds of line errors since the last call.
+    [[nodiscard]] virtual std::uint32_t ClearErrors() { return 0; }
     /// Writes the bytes. False when the request that they belong to has failed with that; a
     /// serial port's requests go on to their time-out instead.
     [[nodiscard]] virtual bool Send(std::span<const std::uint8_t> bytes) = 0;
     /// Link's thread: waits for what makes a look at the running request worth while, and puts
-    /// bytes that arrive in the ring.
-    virtual void AwaitStep(ReplyRing& ring) = 0;
+    /// bytes that arrive in the ring, `wanted` at most.
+    virtual void AwaitStep(ReplyRing& ring, std::size_t wanted) = 0;
+    /// Link's thread: the reply to the running request, as far as it has come.
+    [[nodiscard]] virtual ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) = 0;
     /// Ends an AwaitStep that has no limit of its own.
     virtual void Wake() {}
     virtual void Close() = 0;
@@ -55,15 +69,15 @@ public:
     /// The rate at which the board answers, 0 when it answers at none. The line is left at the
     /// rate that was tried last.
     [[nodiscard]] int NegotiateBaud();
-    /// Moves the line to another rate; the error number of the step that failed.
-    [[nodiscard]] int ChangeBaud(int rate);
-    [[nodiscard]] std::uint32_t ClearErrors();
 
-    [[nodiscard]] bool IsUsb() const noexcept override { return false; }
     [[nodiscard]] bool IsOpen() const override { return Port() != nullptr; }
     [[nodiscard]] bool IsGone() const noexcept override { return readFailed_; }
+    [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return false; }
+    [[nodiscard]] int ChangeBaud(int rate) override;
+    [[nodiscard]] std::uint32_t ClearErrors() override;
     bool Send(std::span<const std::uint8_t> bytes) override;
-    void AwaitStep(ReplyRing& ring) override;
+    void AwaitStep(ReplyRing& ring, std::size_t wanted) override;
+    [[nodiscard]] ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) override;
     void Close() override;
 
 private:
@@ -75,7 +89,7 @@ private:
     mutable LeafMutex portLock_;
     std::shared_ptr<SerialPort> port_ BUSQUILL_GUARDED_BY(portLock_);
     Mutex writeLock_; // one writer or change of rate at a time
-    // Of the link's thread: bytes that have been read in one go and are put in one by one.
+    // Of the link's thread: bytes that have been read and that no request has wanted yet.
     std::array<std::uint8_t, 1024> input_{};
     std::size_t inputNext_ = 0;
     std::size_t inputEnd_ = 0;
@@ -100,18 +114,22 @@ public:
     bool Open(const std::function<void()>& fallIntoDemoMode);
     [[nodiscard]] Device State() const;
 
-    /// Reads exactly the span's bytes; false when that failed.
-    [[nodiscard]] bool ReadPipe(std::span<std::uint8_t> into);
-
-    [[nodiscard]] bool IsUsb() const noexcept override { return true; }
     [[nodiscard]] bool IsOpen() const override { return State() != Device::Closed; }
     [[nodiscard]] bool IsGone() const noexcept override { return gone_; }
+    [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return true; }
+    /// There is no rate here.
+    [[nodiscard]] int ChangeBaud(int rate) override;
     bool Send(std::span<const std::uint8_t> bytes) override;
-    void AwaitStep(ReplyRing& ring) override;
+    void AwaitStep(ReplyRing& ring, std::size_t wanted) override;
+    /// Reads what the board owes to the request. The acknowledgements that a serial port would
+    /// bring are put in, so that the states see the same reply.
+    [[nodiscard]] ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) override;
     void Wake() override;
     void Close() override;
 
 private:
+    /// Reads exactly the span's bytes; false when that failed.
+    [[nodiscard]] bool ReadPipe(std::span<std::uint8_t> into);
     [[nodiscard]] bool Failed(const UsbDevice::Transfer& transfer);
     [[nodiscard]] bool ReopenUsb();
     [[nodiscard]] std::shared_ptr<UsbDevice> CurrentDevice() const;

@@ -41,12 +41,13 @@ bool LinkThread::Stop() {
 void LinkThread::Run() {
     onThisThread = this;
     LowerThreadPriority();
+    std::size_t wanted = 1;
     while (!stopFlag_) {
-        port_->AwaitStep(ring_);
+        port_->AwaitStep(ring_, wanted);
         if (stopFlag_) {
             break;
         }
-        step_(*port_);
+        wanted = step_(*port_);
     }
     threadRunning_ = false;
     mainThread_.Wake();

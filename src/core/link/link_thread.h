@@ -15,7 +15,8 @@ class ReplyRing;
 /// of USB. Its priority is below normal, so that a flood of bytes does not slow the windows.
 class LinkThread {
 public:
-    using Step = std::function<void(LinkPort&)>;
+    /// Looks at the running request and returns how many bytes it lacks.
+    using Step = std::function<std::size_t(LinkPort&)>;
 
     /// Starts at once. Calls `step` after each wait of the port, until it is told to stop.
     LinkThread(std::shared_ptr<LinkPort> port, ReplyRing& ring, Step step, MainThread& mainThread);

@@ -35,6 +35,14 @@ public:
         bytes_[static_cast<std::size_t>(write)].store(byte, std::memory_order_relaxed);
         write_ = Next(write);
     }
+    void Put(std::span<const std::uint8_t> bytes) noexcept {
+        std::int32_t write = write_;
+        for (const std::uint8_t byte : bytes) {
+            bytes_[static_cast<std::size_t>(write)].store(byte, std::memory_order_relaxed);
+            write = Next(write);
+        }
+        write_ = write;
+    }
     /// The next byte, unread or stale.
     [[nodiscard]] std::uint8_t Take() noexcept {
         const std::int32_t read = read_;
@@ -42,12 +50,22 @@ public:
         read_ = Next(read);
         return byte;
     }
-    [[nodiscard]] std::vector<std::uint8_t> TakeAll() {
-        std::vector<std::uint8_t> taken;
-        // A bound, so that a fast writer cannot keep the reader here.
-        for (std::int32_t count = Unread(); count > 0; --count) {
-            taken.push_back(Take());
+    /// Fills the span with the next bytes, unread or stale.
+    void Take(std::span<std::uint8_t> into) noexcept {
+        std::int32_t read = read_;
+        for (std::uint8_t& byte : into) {
+            byte = At(read);
+            read = Next(read);
         }
+        read_ = read;
+    }
+    /// Moves on as if `count` bytes had been taken.
+    void Skip(std::size_t count) noexcept {
+        read_ = static_cast<std::int32_t>((static_cast<std::size_t>(read_) + count) % size);
+    }
+    [[nodiscard]] std::vector<std::uint8_t> TakeAll() {
+        std::vector<std::uint8_t> taken(static_cast<std::size_t>(Unread()));
+        Take(taken);
         return taken;
     }
 

@@ -1,6 +1,7 @@
 #include "link/request_queue.h"
 
 #include "link/board_state.h"
+#include "link/link_conditions.h"
 #include "link/link_port.h"
 #include "link/link_thread.h"
 #include "platform/clock.h"
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
+#include <utility>
 
 namespace busquill {
 
@@ -29,14 +32,12 @@ constexpr std::int64_t answerTimeSearch = 60000;
 /// A byte takes 11 bit times on the wire: this, divided by the rate, is milliseconds.
 constexpr std::int64_t byteTime = 11000;
 
-constexpr std::uint32_t framing = 2; // the acknowledgements around data
-
 std::int32_t ReplyLength(const StateRow& state, std::uint32_t length) noexcept {
     switch (state.reply) {
     case StateReply::Bytes:
-        return static_cast<std::int32_t>(length + framing);
+        return static_cast<std::int32_t>(length) + framingBytes;
     case StateReply::Samples:
-        return static_cast<std::int32_t>(length * std::uint32_t{sampleRecordSize} + framing);
+        return static_cast<std::int32_t>(length * std::uint32_t{sampleRecordSize}) + framingBytes;
     case StateReply::Acknowledgement:
         break;
     }
@@ -46,7 +47,7 @@ std::int32_t ReplyLength(const StateRow& state, std::uint32_t length) noexcept {
 /// Completions that a thread owes to requests submitted with no port. A completion may submit the
 /// next request of a chain, so they are run by a loop and not inside one another.
 struct OwedCompletions {
-    std::deque<LinkRequest*> requests;
+    std::deque<LinkRequestPtr> requests;
     bool running = false;
 };
 thread_local OwedCompletions owed;
@@ -57,18 +58,6 @@ RequestQueue::RequestQueue(const BoardState& board, const LinkConditions& condit
                            Prompts& prompts, Clock& clock, MainThread& mainThread)
     : board_(board), conditions_(conditions), prompts_(prompts), clock_(clock),
       mainThread_(mainThread) {}
-
-RequestQueue::~RequestQueue() {
-    const MutexLock lock(queueLock_);
-    for (const LinkRequest* request : requestQueue_) {
-        delete request;
-    }
-}
-
-void RequestQueue::RegisterEncoder(std::int32_t command, CAnalyzerLink::Encoder encoder) {
-    const MutexLock lock(queueLock_);
-    encoders_[command] = std::move(encoder);
-}
 
 std::shared_ptr<LinkPort> RequestQueue::Port() const {
     const LeafLock lock(portLock_);
@@ -96,7 +85,7 @@ bool RequestQueue::LeavePort(const std::shared_ptr<LinkPort>& port) {
 
 bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
                             const std::function<void()>& fallen) {
-    std::deque<LinkRequest*> waiting;
+    std::deque<LinkRequestPtr> waiting;
     {
         // One step, lest a port that is opened at this moment lose its requests or be forgotten.
         const MutexLock lock(queueLock_);
@@ -106,17 +95,16 @@ bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
         fallen();
         waiting.swap(requestQueue_);
     }
-    Fail(waiting);
+    Fail(std::move(waiting));
     return true;
 }
 
-void RequestQueue::Submit(LinkRequest* request) {
+void RequestQueue::Submit(LinkRequestPtr request) {
     if (Port() != nullptr) {
         const MutexLock lock(queueLock_);
         if (Port() != nullptr) { // it may have been closed while this thread waited
-            request->savedWords = request->words;
             Prepare(*request);
-            requestQueue_.push_back(request);
+            requestQueue_.push_back(std::move(request));
             if (requestQueue_.size() == 1) {
                 ring_.Discard();
                 StartHead();
@@ -124,37 +112,33 @@ void RequestQueue::Submit(LinkRequest* request) {
             return;
         }
     }
-    CompleteAtOnce(request, LinkOk);
+    CompleteAtOnce(std::move(request), LinkOk);
 }
 
-void RequestQueue::Complete(LinkRequest* request) {
-    if (request->completion != nullptr) {
-        request->completion(request);
-    } else {
-        delete request;
+void RequestQueue::Complete(LinkRequestPtr request) {
+    // Taken out of the request, which may end before the completion does.
+    const auto completion = std::exchange(request->completion, nullptr);
+    if (completion) {
+        completion(std::move(request));
     }
 }
 
-void RequestQueue::CompleteAtOnce(LinkRequest* request, LinkResult result) {
+void RequestQueue::CompleteAtOnce(LinkRequestPtr request, LinkResult result) {
     request->result = result;
-    owed.requests.push_back(request);
+    owed.requests.push_back(std::move(request));
     if (owed.running) {
         return;
     }
     owed.running = true;
-    while (!owed.requests.empty()) {
-        LinkRequest* next = owed.requests.front();
-        owed.requests.pop_front();
-        Complete(next);
-    }
+    RunOwedCompletions();
     owed.running = false;
 }
 
 void RequestQueue::RunOwedCompletions() {
     while (!owed.requests.empty()) {
-        LinkRequest* next = owed.requests.front();
+        LinkRequestPtr next = std::move(owed.requests.front());
         owed.requests.pop_front();
-        Complete(next);
+        Complete(std::move(next));
     }
 }
 
@@ -173,19 +157,19 @@ bool RequestQueue::IsIdle() {
 }
 
 void RequestQueue::FailAll() {
-    std::deque<LinkRequest*> waiting;
+    std::deque<LinkRequestPtr> waiting;
     {
         const MutexLock lock(queueLock_);
         waiting.swap(requestQueue_);
     }
-    Fail(waiting);
+    Fail(std::move(waiting));
 }
 
 // Only what is submitted with no port ends as good: of these, somebody may take the buffer for what
 // the board has answered.
-void RequestQueue::Fail(const std::deque<LinkRequest*>& waiting) {
-    for (LinkRequest* request : waiting) {
-        CompleteAtOnce(request, LinkTransferFailed);
+void RequestQueue::Fail(std::deque<LinkRequestPtr> waiting) {
+    for (LinkRequestPtr& request : waiting) {
+        CompleteAtOnce(std::move(request), LinkTransferFailed);
     }
     mainThread_.Wake();
 }
@@ -206,12 +190,15 @@ void RequestQueue::Prepare(LinkRequest& request) {
         prompts_.TopmostMessage(
             Printf("Error finding initial state for serial command %d.", request.command));
     }
-    PreparePayload(request, encoders_);
+    if (!PreparePayload(request)) {
+        // Zeros in the place of a payload would change the board.
+        assert(false && "a writing command has no maker of its payload");
+        request.state = 0;
+    }
 }
 
 void RequestQueue::PrepareAgain() {
     LinkRequest& head = *requestQueue_.front();
-    head.words = head.savedWords;
     Prepare(head);
     ring_.Discard();
     StartHead();
@@ -237,8 +224,8 @@ void RequestQueue::StartHead() {
         }
         return;
     }
-    const std::uint32_t address = Number(head.Address());
-    const std::uint32_t length = Number(head.Length());
+    const std::uint32_t address = head.address;
+    const std::uint32_t length = head.length;
     head.replyLength = ReplyLength(*state, length);
     switch (state->sends) {
     case StateSends::AddressLow:
@@ -258,11 +245,6 @@ void RequestQueue::StartHead() {
         break;
     case StateSends::Function:
         SendFrame(head, FrameFunction, state->function);
-        break;
-    case StateSends::CallersData:
-        if (const auto* data = head.DataAs<const std::uint8_t>()) {
-            SendPayload(head, {data, length});
-        }
         break;
     case StateSends::Payload:
         SendPayload(head, head.payload);
@@ -284,23 +266,24 @@ void RequestQueue::SendPayload(LinkRequest& request, std::span<const std::uint8_
     }
 }
 
-void RequestQueue::Step(LinkPort& port) {
-    LinkRequest* finished = nullptr;
+std::size_t RequestQueue::Step(LinkPort& port) {
+    LinkRequestPtr finished;
     bool anotherWaits = false;
     {
         const MutexLock lock(queueLock_);
         if (requestQueue_.empty() || Port().get() != &port) {
-            return;
+            return 1;
         }
         finished = StepHead(port);
         if (finished == nullptr) {
-            return;
+            return BytesLacking();
         }
         anotherWaits = !requestQueue_.empty();
         ++completing_;
     }
-    mainThread_.Wake();
-    Complete(finished);
+    Complete(std::move(finished));
+    std::size_t lacking = 1;
+    bool idle = false;
     {
         const MutexLock lock(queueLock_);
         --completing_;
@@ -308,19 +291,32 @@ void RequestQueue::Step(LinkPort& port) {
         if (anotherWaits && Port().get() == &port) {
             StartHead();
         }
+        lacking = BytesLacking();
+        idle = requestQueue_.empty();
     }
-    mainThread_.Wake();
+    if (idle) { // an upload, which submits the next request in each completion, wakes nobody
+        mainThread_.Wake();
+    }
+    return lacking;
+}
+
+std::size_t RequestQueue::BytesLacking() const {
+    const std::int32_t reply = requestQueue_.empty() ? 0 : requestQueue_.front()->replyLength;
+    return static_cast<std::size_t>(std::max(reply - ring_.Unread(), 1));
 }
 
 /// One look at the running request. Returns it, removed from the queue, when it is finished.
-LinkRequest* RequestQueue::StepHead(LinkPort& port) {
+LinkRequestPtr RequestQueue::StepHead(LinkPort& port) {
     LinkRequest& head = *requestQueue_.front();
-    const Look look = port.IsUsb() ? ReadUsb(head, port) : LookAtRing(head);
-    if (look.count >= head.replyLength) {
-        if (TakeReply(head) && !look.failedNow) {
+    const ReplyLook look = port.LookForReply(head, ring_);
+    if (look.failed) {
+        head.result = LinkTransferFailed;
+        head.retries = tryLimit; // a failed transfer is not tried again
+    } else if (look.count >= head.replyLength) {
+        if (TakeReply(head)) {
             return nullptr;
         }
-    } else if (!look.failedNow) {
+    } else {
         if (!IsOverdue(head)) {
             return nullptr;
         }
@@ -329,54 +325,9 @@ LinkRequest* RequestQueue::StepHead(LinkPort& port) {
     if (Retry(head)) {
         return nullptr;
     }
+    LinkRequestPtr finished = std::move(requestQueue_.front());
     requestQueue_.pop_front();
-    return &head;
-}
-
-RequestQueue::Look RequestQueue::LookAtRing(LinkRequest& head) {
-    head.bytesSeen = ring_.Unread();
-    head.ringReadAtFail = ring_.ReadIndex();
-    head.ringWriteAtFail = ring_.WriteIndex();
-    return {.count = head.bytesSeen};
-}
-
-/// Reads what the board owes to the running request. The acknowledgements that a serial port
-/// would bring are put in, so that the states see the same reply.
-RequestQueue::Look RequestQueue::ReadUsb(LinkRequest& head, LinkPort& port) {
-    if (head.result != LinkPending) {
-        head.retries = tryLimit; // a failed transfer is not tried again
-        return {.failedNow = true};
-    }
-    if (head.replyLength < 1) {
-        return {};
-    }
-    ring_.Reset();
-    ring_.Put(acknowledgement);
-    if (head.replyLength <= static_cast<std::int32_t>(framing)) {
-        if (head.replyLength == static_cast<std::int32_t>(framing)) {
-            ring_.Put(acknowledgement);
-        }
-        return {.count = head.replyLength};
-    }
-    const std::int32_t dataLength = head.replyLength - static_cast<std::int32_t>(framing);
-    std::vector<std::uint8_t> data;
-    bool good = head.replyLength < ReplyRing::size;
-    if (good) {
-        data.resize(static_cast<std::size_t>(dataLength));
-        good = static_cast<UsbLinkPort&>(port).ReadPipe(data);
-    } else {
-        prompts_.Message(Printf("Error reading from usb port, read %d expected %d", 0, dataLength));
-    }
-    if (!good) {
-        head.result = LinkTransferFailed;
-        head.retries = tryLimit;
-        return {.count = 1, .failedNow = true};
-    }
-    for (const std::uint8_t byte : data) {
-        ring_.Put(byte);
-    }
-    ring_.Put(acknowledgement);
-    return {.count = head.replyLength};
+    return finished;
 }
 
 /// Checks the reply and goes on to the next state; true while the request goes on.
@@ -416,14 +367,10 @@ bool RequestQueue::ReplyIsGood(LinkRequest& head, const StateRow& state) {
     if (state.reply == StateReply::Acknowledgement) {
         return true;
     }
-    auto* data = head.DataAs<std::uint8_t>();
-    const std::int32_t count = head.replyLength - static_cast<std::int32_t>(framing);
-    for (std::int32_t i = 0; i < count; ++i) {
-        const std::uint8_t byte = ring_.Take();
-        if (data != nullptr) {
-            data[i] = byte;
-        }
-    }
+    const auto count = static_cast<std::size_t>(head.replyLength - framingBytes);
+    const std::span<std::uint8_t> data = head.reply.first(std::min(count, head.reply.size()));
+    ring_.Take(data);
+    ring_.Skip(count - data.size());
     return ring_.Unread() > 0 && ring_.Take() == acknowledgement;
 }
 
@@ -442,9 +389,7 @@ bool RequestQueue::IsOverdue(const LinkRequest& head) const {
 }
 
 void RequestQueue::NoteTimeout(LinkRequest& head, LinkPort& port) {
-    if (!port.IsUsb()) {
-        head.commErrors = static_cast<SerialLinkPort&>(port).ClearErrors();
-    }
+    head.commErrors = port.ClearErrors();
     head.result = LinkTimeout;
     const std::int32_t first = ring_.ReadIndex();
     head.firstByte = ring_.At(first);

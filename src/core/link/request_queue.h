@@ -1,27 +1,25 @@
 #pragma once
 
-#include "link/analyzer_link.h"
 #include "link/leaf_mutex.h"
-#include "link/payloads.h"
+#include "link/link_request.h"
 #include "link/reply_ring.h"
 #include "platform/mutex.h"
 
 #include <atomic>
 #include <ctime>
 #include <deque>
+#include <functional>
 #include <memory>
+#include <span>
 
 namespace busquill {
 
 class BoardState;
+class Clock;
 class LinkPort;
-
-/// What the link is doing, read by the rules for retries and time-outs. Any thread.
-struct LinkConditions {
-    std::atomic<LinkPhase> linkPhase = PhaseNone;
-    /// The rate at which the board answered; 0 on USB and when it answered at none.
-    std::atomic<std::int32_t> actualBaud = 0;
-};
+class MainThread;
+class Prompts;
+struct LinkConditions;
 
 /// The queue of requests and the machine that runs its head through the CommandStateTable.
 ///
@@ -33,27 +31,26 @@ struct LinkConditions {
 /// of the machine is open with it held. It is not held during a completion, which may submit.
 class RequestQueue {
 public:
+    /// Requests that still wait at its end are dropped; their completions do not run.
     RequestQueue(const BoardState& board, const LinkConditions& conditions, Prompts& prompts,
                  Clock& clock, MainThread& mainThread);
-    /// Requests that still wait are dropped; their completions do not run.
-    ~RequestQueue();
     RequestQueue(const RequestQueue&) = delete;
     RequestQueue& operator=(const RequestQueue&) = delete;
 
-    void RegisterEncoder(std::int32_t command, CAnalyzerLink::Encoder encoder);
-
     /// With no port, the completion has run when the outermost Submit of the thread returns.
-    void Submit(LinkRequest* request);
+    void Submit(LinkRequestPtr request);
     /// Waits until nothing is queued and the last completion has returned, at most 5 seconds. On
     /// the link's thread, which is inside a completion itself, only until nothing is queued.
     void WaitIdle();
     [[nodiscard]] bool IsIdle();
     /// Runs the completions that this thread owes to requests it submitted with no port, when it
     /// must wait for one inside another.
-    void RunOwedCompletions();
+    static void RunOwedCompletions();
 
-    /// Link's thread: looks at the running request of that port.
-    void Step(LinkPort& port);
+    /// Link's thread: looks at the running request of that port. Returns how many bytes must come
+    /// before another look finds more, which is 1 when that is not known. No more of them are to be
+    /// put in the ring until then: what lies there when a command begins again is discarded.
+    std::size_t Step(LinkPort& port);
 
     /// The port that requests go to; null when there is none.
     [[nodiscard]] std::shared_ptr<LinkPort> Port() const;
@@ -83,11 +80,6 @@ public:
     }
 
 private:
-    struct Look {
-        std::int32_t count = 0;
-        bool failedNow = false;
-    };
-
     void Prepare(LinkRequest& request) BUSQUILL_REQUIRES(queueLock_);
     void StartHead() BUSQUILL_REQUIRES(queueLock_);
     void SendFrame(LinkRequest& request, FrameOpcode opcode, std::uint32_t parameter)
@@ -96,9 +88,8 @@ private:
         BUSQUILL_REQUIRES(queueLock_);
     void PrepareAgain() BUSQUILL_REQUIRES(queueLock_);
 
-    [[nodiscard]] LinkRequest* StepHead(LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
-    Look LookAtRing(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
-    Look ReadUsb(LinkRequest& head, LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
+    [[nodiscard]] LinkRequestPtr StepHead(LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
+    [[nodiscard]] std::size_t BytesLacking() const BUSQUILL_REQUIRES(queueLock_);
     [[nodiscard]] bool TakeReply(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
     [[nodiscard]] bool ReplyIsGood(LinkRequest& head, const StateRow& state)
         BUSQUILL_REQUIRES(queueLock_);
@@ -106,9 +97,9 @@ private:
     void NoteTimeout(LinkRequest& head, LinkPort& port) BUSQUILL_REQUIRES(queueLock_);
     [[nodiscard]] bool Retry(LinkRequest& head) BUSQUILL_REQUIRES(queueLock_);
 
-    static void Complete(LinkRequest* request);
-    static void CompleteAtOnce(LinkRequest* request, LinkResult result);
-    void Fail(const std::deque<LinkRequest*>& waiting);
+    static void Complete(LinkRequestPtr request);
+    static void CompleteAtOnce(LinkRequestPtr request, LinkResult result);
+    void Fail(std::deque<LinkRequestPtr> waiting);
     bool LeavePort(const std::shared_ptr<LinkPort>& port) BUSQUILL_REQUIRES(queueLock_);
 
     const BoardState& board_;
@@ -121,8 +112,7 @@ private:
     std::shared_ptr<LinkPort> port_ BUSQUILL_GUARDED_BY(portLock_);
 
     Mutex queueLock_;
-    std::deque<LinkRequest*> requestQueue_ BUSQUILL_GUARDED_BY(queueLock_);
-    PayloadEncoders encoders_ BUSQUILL_GUARDED_BY(queueLock_);
+    std::deque<LinkRequestPtr> requestQueue_ BUSQUILL_GUARDED_BY(queueLock_);
     /// Completions that run on a thread of the link.
     int completing_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     std::time_t lastSendTime_ BUSQUILL_GUARDED_BY(queueLock_) = 0;

@@ -1,9 +1,11 @@
 #include "link/analyzer_commands.h"
 #include "link/link_port.h"
+#include "link/link_request.h"
 #include "link/reply_ring.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 #include <thread>
 
@@ -112,7 +114,7 @@ bool SerialLinkPort::Send(std::span<const std::uint8_t> bytes) {
 
 // A port that has failed is not read again. The link's thread goes on looking at the running
 // request, so that it ends in its time-out and nobody waits for it for ever.
-void SerialLinkPort::AwaitStep(ReplyRing& ring) {
+void SerialLinkPort::AwaitStep(ReplyRing& ring, std::size_t wanted) {
     const auto port = Port();
     if (port == nullptr || readFailed_) {
         std::this_thread::sleep_for(readTimeout);
@@ -124,9 +126,16 @@ void SerialLinkPort::AwaitStep(ReplyRing& ring) {
         inputNext_ = 0;
         inputEnd_ = count.value_or(0);
     }
-    if (inputNext_ != inputEnd_) {
-        ring.Put(input_[inputNext_++]);
-    }
+    const std::size_t count = std::min(wanted, inputEnd_ - inputNext_);
+    ring.Put(std::span(input_).subspan(inputNext_, count));
+    inputNext_ += count;
+}
+
+ReplyLook SerialLinkPort::LookForReply(LinkRequest& running, ReplyRing& ring) {
+    running.bytesSeen = ring.Unread();
+    running.ringReadAtFail = ring.ReadIndex();
+    running.ringWriteAtFail = ring.WriteIndex();
+    return {.count = running.bytesSeen};
 }
 
 } // namespace busquill

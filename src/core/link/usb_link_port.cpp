@@ -1,6 +1,12 @@
+#include "link/analyzer_commands.h"
 #include "link/link_port.h"
+#include "link/link_request.h"
+#include "link/reply_ring.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
+
+#include <cerrno>
+#include <vector>
 
 namespace busquill {
 
@@ -118,7 +124,40 @@ bool UsbLinkPort::ReadPipe(std::span<std::uint8_t> into) {
     return true;
 }
 
-void UsbLinkPort::AwaitStep(ReplyRing& /*ring*/) {
+int UsbLinkPort::ChangeBaud(int /*rate*/) {
+    return ENOTTY;
+}
+
+ReplyLook UsbLinkPort::LookForReply(LinkRequest& running, ReplyRing& ring) {
+    if (running.result == LinkTransferFailed) { // the frame did not go out
+        return {.failed = true};
+    }
+    if (running.replyLength < 1) {
+        return {};
+    }
+    ring.Reset();
+    ring.Put(acknowledgement);
+    if (running.replyLength <= framingBytes) {
+        if (running.replyLength == framingBytes) {
+            ring.Put(acknowledgement);
+        }
+        return {.count = running.replyLength};
+    }
+    const std::int32_t dataLength = running.replyLength - framingBytes;
+    if (running.replyLength >= ReplyRing::size) {
+        prompts_.Message(Printf("Error reading from usb port, read %d expected %d", 0, dataLength));
+        return {.failed = true};
+    }
+    std::vector<std::uint8_t> data(static_cast<std::size_t>(dataLength));
+    if (!ReadPipe(data)) {
+        return {.failed = true};
+    }
+    ring.Put(data);
+    ring.Put(acknowledgement);
+    return {.count = running.replyLength};
+}
+
+void UsbLinkPort::AwaitStep(ReplyRing& /*ring*/, std::size_t /*wanted*/) {
     std::unique_lock lock(eventMutex_);
     eventSet_.wait(lock, [&] { return event_; });
     event_ = false;

@@ -1,8 +1,8 @@
 #include "tracesetup/setup_encoding.h"
 
-#include "link/analyzer_link.h"
-
 #include <algorithm>
+#include <array>
+#include <span>
 
 namespace busquill {
 
@@ -11,11 +11,34 @@ namespace {
 constexpr std::uint8_t gotoMask = 0x07;
 constexpr std::uint8_t triggerBit = 0x08;
 
+// Codes by the setup's index. The first two steps of the clock's scale are swapped.
+// clang-format off
+constexpr std::array<std::uint8_t, 17> clockCodes{0, 2, 0, 1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+constexpr std::array<std::uint8_t, 6> positionCodes{0, 3, 4, 0, 1, 2};
+constexpr std::array<std::uint8_t, 9> zoomClockCodes{0, 0, 1, 2, 3, 4, 5, 6, 7};
+// clang-format on
+
+std::uint8_t CodeOf(std::span<const std::uint8_t> codes, std::int32_t value) {
+    const auto index = static_cast<std::uint32_t>(value);
+    return index < codes.size() ? codes[index] : 0;
+}
+
 std::uint8_t Branch(std::int32_t level, bool trigger) {
     return static_cast<std::uint8_t>((level & gotoMask) | (trigger ? triggerBit : 0));
 }
 
 } // namespace
+
+std::vector<std::uint8_t> BuildTraceParams(const TraceSetup& setup) {
+    return {CodeOf(clockCodes, setup.clock), CodeOf(positionCodes, setup.triggerPosition),
+            CodeOf(zoomClockCodes, setup.powerZoomClock)};
+}
+
+std::vector<std::uint8_t> BuildSearchControl(std::uint32_t distance, bool after) {
+    constexpr std::uint8_t afterTrigger = 2;
+    return {after ? afterTrigger : std::uint8_t{0}, static_cast<std::uint8_t>(distance),
+            static_cast<std::uint8_t>(distance >> 8), static_cast<std::uint8_t>(distance >> 16)};
+}
 
 std::vector<std::uint8_t> BuildEventRows(const CSignalList& list, int columns) {
     const int count = std::clamp(columns, 0, 32);
@@ -49,30 +72,6 @@ std::vector<std::uint8_t> BuildTraceControl(const TraceSetup& setup) {
         bytes.push_back(Branch(level.elseGoto, level.elseTrigger));
     }
     return bytes;
-}
-
-PayloadEncoders SetupEncoders() {
-    return {
-        {CmdTraceEvents,
-         [](const LinkRequest& request) {
-             return BuildEventRows(*request.DataAs<const CSignalList>(),
-                                   static_cast<int>(request.words[3]));
-         }},
-        {CmdTraceControl,
-         [](const LinkRequest& request) {
-             return BuildTraceControl(*request.DataAs<const TraceSetup>());
-         }},
-        {CmdSearchSample,
-         [](const LinkRequest& request) {
-             return BuildEventRows(*request.DataAs<const CSignalList>(), 1);
-         }},
-    };
-}
-
-void RegisterSetupEncoders(CAnalyzerLink& link) {
-    for (auto& [command, encoder] : SetupEncoders()) {
-        link.RegisterEncoder(command, encoder);
-    }
 }
 
 } // namespace busquill

@@ -1,7 +1,6 @@
-/// The payloads by which a trace setup goes to the board.
+/// The payloads by which a trace setup or a search goes to the board.
 #pragma once
 
-#include "link/payloads.h"
 #include "tracesetup/trace_setup.h"
 
 #include <cstdint>
@@ -9,11 +8,13 @@
 
 namespace busquill {
 
-class CAnalyzerLink;
-
 constexpr std::size_t eventRowSize = 30;
 /// A row covers the bits below this one; those above cannot be compared by the board.
 constexpr std::int32_t eventRowBits = 120;
+
+/// The codes of the trace clock, the trigger position and the zoom clock; 0 for an index that has
+/// none.
+[[nodiscard]] std::vector<std::uint8_t> BuildTraceParams(const TraceSetup& setup);
 
 /// One row for each of the first `columns` columns of a pattern list (at most 32): for each byte
 /// of the sample record a byte of value bits, then one of compare bits.
@@ -22,11 +23,7 @@ constexpr std::int32_t eventRowBits = 120;
 /// Eight rows of 20 bytes, level 1 first.
 [[nodiscard]] std::vector<std::uint8_t> BuildTraceControl(const TraceSetup& setup);
 
-/// How the payloads of trace events, trace control and the search pattern are made from the list or
-/// the setup that a request's `data` word names.
-[[nodiscard]] PayloadEncoders SetupEncoders();
-
-/// Tells the link.
-void RegisterSetupEncoders(CAnalyzerLink& link);
+/// Where a search on the board starts: so many samples before the trigger, or from it on.
+[[nodiscard]] std::vector<std::uint8_t> BuildSearchControl(std::uint32_t distance, bool after);
 
 } // namespace busquill

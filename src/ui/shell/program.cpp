@@ -1,7 +1,6 @@
 #include "ui/shell/program.h"
 
 #include "platform/settings.h"
-#include "tracesetup/setup_encoding.h"
 #include "ui/framework/qt_settings.h"
 
 #include <QElapsedTimer>
@@ -38,7 +37,6 @@ Program::Program(Machine machine)
       link_({machine_.settings, machine_.prompts, machine_.clock, machine_.mainThread,
              machine_.openSerial, machine_.usb}),
       tables_([this] { return link_.Traits(); }, machine_.directory) {
-    RegisterSetupEncoders(link_);
     // In Demo Mode the bus mode alone decides which signals there are.
     link_.SetFamilyListener([this] { tables_.Load(); });
 }

@@ -115,8 +115,8 @@ TEST(CommandStateTableTest, TargetDataSendsItsFunctionAndThenTheSharedPayloadSta
     EXPECT_EQ(FindState(15)->sends, StateSends::Payload);
 }
 
-TEST(LinkStates, DownloadSendsTheCallersDataAndBaudAPayload) {
-    EXPECT_EQ(FindState(7)->sends, StateSends::CallersData);
+TEST(LinkStates, DownloadAndBaudSendAPayloadToo) {
+    EXPECT_EQ(FindState(7)->sends, StateSends::Payload);
     EXPECT_EQ(FindState(9)->sends, StateSends::Payload);
     EXPECT_EQ(FindState(17)->sends, StateSends::Payload);
 }

@@ -51,7 +51,7 @@ protected:
 TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForAnExchange) {
     line->SetErrors({.write = 5});
     // The first try is written by the main thread itself, the other four by the link's.
-    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_THAT(shown,
                 testing::AllOf(testing::SizeIs(5), testing::Each("Error writing to COM1, err 5")));
     EXPECT_EQ(arrived, 4);
@@ -59,7 +59,7 @@ TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForAnExchange) {
 
 TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForTheQueueToBeIdle) {
     line->SetErrors({.write = 5});
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, nullptr));
+    link->Submit(RunCommand(CmdStartTrace));
     const auto begin = std::chrono::steady_clock::now();
     link->WaitIdle();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 4s);
@@ -69,17 +69,13 @@ TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForTheQueueToBeIdle) 
 
 TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForTheQueueLock) {
     line->SetErrors({.write = 5});
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, nullptr));
+    link->Submit(RunCommand(CmdStartTrace));
     // The link's thread now waits for its answer with the lock held.
     ASSERT_TRUE(Eventually([&] { return arrived == 1; }));
     EXPECT_EQ(shown.size(), 1U) << "the main thread's own";
     onBox = [&] { line->SetErrors({}); };
     std::atomic<bool> done = false;
-    link->Submit(CAnalyzerLink::NewRequest(CmdStopTrace, &done, [](LinkRequest* finished) {
-        auto* flag = static_cast<std::atomic<bool>*>(finished->owner);
-        delete finished;
-        *flag = true;
-    }));
+    link->Submit(NewRequest(CmdStopTrace, [&](const LinkRequestPtr&) { done = true; }));
     EXPECT_EQ(shown.size(), 2U) << "answered before the lock was free";
     EXPECT_TRUE(Eventually([&] { return done.load(); }));
     EXPECT_THAT(board.functions, ElementsAre(11, 12));
@@ -93,12 +89,12 @@ TEST_F(LinkBoxesTest, TheDemoModeBoxIsAnsweredWhileTheLinkIsOpenedAgain) {
     link->Connect(9600);
     EXPECT_THAT(shown, ElementsAre(demoModeMessage));
     EXPECT_FALSE(link->IsDemoMode()) << "the fall was that of the port before";
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(LinkBoxesTest, TheDestructorAnswersABoxThatIsStillOpen) {
     line->SetErrors({.write = 5});
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, nullptr));
+    link->Submit(RunCommand(CmdStartTrace));
     ASSERT_TRUE(Eventually([&] { return arrived == 1; }));
     link.reset();
     EXPECT_EQ(shown.size(), 2U);

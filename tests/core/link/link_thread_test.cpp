@@ -16,12 +16,16 @@ using namespace std::chrono_literals;
 /// A port whose reader waits until it is let go, whoever wakes it.
 class StuckPort final : public LinkPort {
 public:
-    [[nodiscard]] bool IsUsb() const noexcept override { return false; }
     [[nodiscard]] bool IsOpen() const override { return true; }
+    [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return false; }
+    [[nodiscard]] int ChangeBaud(int /*rate*/) override { return 0; }
     bool Send(std::span<const std::uint8_t> /*bytes*/) override { return true; }
-    void AwaitStep(ReplyRing& /*ring*/) override {
+    void AwaitStep(ReplyRing& /*ring*/, std::size_t /*wanted*/) override {
         waits.set_value();
         mayGo.get_future().wait();
+    }
+    [[nodiscard]] ReplyLook LookForReply(LinkRequest& /*running*/, ReplyRing& /*ring*/) override {
+        return {};
     }
     void Close() override {}
 
@@ -34,7 +38,7 @@ TEST(LinkThreadTest, AThreadThatIsBusyIsGivenElevenTenthsOfASecond) {
     const auto ring = std::make_unique<ReplyRing>();
     const auto port = std::make_shared<StuckPort>();
     LinkThread thread(
-        port, *ring, [](LinkPort&) {}, mainThread);
+        port, *ring, [](LinkPort&) { return std::size_t{1}; }, mainThread);
     port->waits.get_future().wait();
     const auto waited = ShortestTimeOf([&] { EXPECT_FALSE(thread.Stop()); }, 1100ms);
     EXPECT_GE(waited, 1100ms);
@@ -48,10 +52,8 @@ TEST(LinkThreadTest, AThreadThatIsBusyIsGivenElevenTenthsOfASecond) {
 TEST_F(LinkFixture, TheLinksThreadRunsBelowTheOthers) {
     OpenLink();
     std::promise<int> nice;
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &nice, [](LinkRequest* done) {
-        auto* promise = static_cast<std::promise<int>*>(done->owner);
-        delete done;
-        promise->set_value(::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())));
+    link->Submit(NewRequest(CmdStartTrace, [&](const LinkRequestPtr&) {
+        nice.set_value(::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid())));
     }));
     constexpr int lowest = 19;
     const int own = ::getpriority(PRIO_PROCESS, static_cast<id_t>(::gettid()));

@@ -43,6 +43,27 @@ TEST_F(ReplyRingTest, WrapsAtAHundredThousand) {
     EXPECT_EQ(ring->ReadIndex(), 2);
 }
 
+TEST_F(ReplyRingTest, BytesGoInAndOutTogetherAcrossTheWrap) {
+    GoTo(99998);
+    ring->Put(Bytes{1, 2, 3, 4, 5, 6});
+    EXPECT_EQ(ring->WriteIndex(), 4);
+    EXPECT_EQ(ring->Unread(), 6);
+    Bytes taken(3);
+    ring->Take(taken);
+    EXPECT_EQ(taken, (Bytes{1, 2, 3}));
+    EXPECT_EQ(ring->ReadIndex(), 1);
+    ring->Skip(2);
+    EXPECT_EQ(ring->TakeAll(), Bytes{6});
+}
+
+TEST_F(ReplyRingTest, SkipsAcrossTheWrap) {
+    GoTo(99998);
+    ring->Put(Bytes{1, 2, 3});
+    ring->Skip(2);
+    EXPECT_EQ(ring->ReadIndex(), 0);
+    EXPECT_EQ(ring->TakeAll(), Bytes{3});
+}
+
 TEST_F(ReplyRingTest, AWriterThatLapsTheReaderDestroysData) {
     for (std::int32_t i = 0; i < ReplyRing::size + 3; ++i) {
         ring->Put(7);

@@ -37,9 +37,9 @@ protected:
         return seconds;
     }
     /// Seconds from the unanswered last frame of a command to its restart.
-    std::time_t SecondsUntilRestart(const LinkWords& words, const Bytes& lastFrame) {
+    std::time_t SecondsUntilRestart(std::span<std::uint8_t> buffer, const Bytes& lastFrame) {
         AnswerFrame(lastFrame, {});
-        auto done = Start(CmdReadMemory, words);
+        auto done = Start(ReadRegisters(0, buffer));
         EXPECT_TRUE(Eventually([&] { return line->Log().size() > 12; }));
         UseBoard();
         EXPECT_EQ(done.get().result, LinkOk);
@@ -54,8 +54,7 @@ protected:
 };
 
 TEST_F(RequestQueueTest, TraceParametersGoOutInSixFramesAndThreeBytes) {
-    EXPECT_TRUE(
-        link->Exchange(CmdTraceParams, {.address = 4, .length = 1, .data = NumberAsData(2)}));
+    EXPECT_TRUE(link->Exchange(WritePayload(CmdTraceParams, [] { return Bytes{3, 3, 1}; })));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0xA4}, Bytes{6, 1}, Bytes{8, 0}, Bytes{10, 3},
                                              Bytes{12, 0}, Bytes{2, 2}, Bytes{3, 3, 1}));
 }
@@ -66,7 +65,7 @@ TEST_F(RequestQueueTest, AReadOfTheStatusBlockExpectsTwentyBytes) {
     expected[17] = 9;
     board.contents[0] = expected;
     Bytes block(18);
-    const LinkRequest done = Run(CmdReadMemory, {.length = 18, .data = block.data()});
+    const LinkRequest done = Run(ReadRegisters(0, block));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.replyLength, 20);
     EXPECT_EQ(done.state, 39);
@@ -77,8 +76,7 @@ TEST_F(RequestQueueTest, AReadOfTheStatusBlockExpectsTwentyBytes) {
 
 TEST_F(RequestQueueTest, AReadOfSamplesExpectsEighteenBytesForEach) {
     Bytes samples(std::size_t{32} * 18);
-    const LinkRequest done =
-        Run(CmdReadSamplesBefore, {.address = 64, .length = 32, .data = samples.data()});
+    const LinkRequest done = Run(ReadSamples(CmdReadSamplesBefore, 64, samples));
     EXPECT_EQ(done.replyLength, 578);
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 64}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 32},
                                              Bytes{12, 0}, Bytes{2, 3}));
@@ -86,32 +84,47 @@ TEST_F(RequestQueueTest, AReadOfSamplesExpectsEighteenBytesForEach) {
 
 TEST_F(RequestQueueTest, TheLargestReplyIs4610Bytes) {
     Bytes samples(std::size_t{256} * 18);
-    const LinkRequest done = Run(CmdReadSamplesAfter, {.length = 256, .data = samples.data()});
+    const LinkRequest done = Run(ReadSamples(CmdReadSamplesAfter, 0, samples));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.replyLength, 4610);
 }
 
 TEST_F(RequestQueueTest, EveryReadCommandSendsItsFunctionAndFillsItsBuffer) {
-    const std::vector<std::array<int, 3>> rows{
-        {CmdReadMemory, 1, 1},       {CmdReadSamplesBefore, 3, 18}, {CmdReadSamplesAfter, 5, 18},
-        {CmdReadZoomBefore, 35, 18}, {CmdReadZoomAfter, 36, 18},    {CmdTargetRead, 9, 1}};
-    for (const auto& [command, function, unit] : rows) {
+    constexpr std::uint32_t address = 0x123456;
+    Bytes bytes(2);
+    Bytes samples(std::size_t{2} * 18);
+    struct Row {
+        LinkRequestPtr request;
+        Bytes& buffer;
+        std::uint8_t function;
+    };
+    std::array rows{
+        Row{ReadRegisters(address, bytes), bytes, 1},
+        Row{ReadSamples(CmdReadSamplesBefore, address, samples), samples, 3},
+        Row{ReadSamples(CmdReadSamplesAfter, address, samples), samples, 5},
+        Row{ReadSamples(CmdReadZoomBefore, address, samples), samples, 35},
+        Row{ReadSamples(CmdReadZoomAfter, address, samples), samples, 36},
+        Row{ReadTarget(address, bytes), bytes, 9},
+    };
+    for (auto& [request, buffer, function] : rows) {
         line->ForgetLog();
-        Bytes expected(static_cast<std::size_t>(2 * unit), 0x5A);
-        board.contents[0x123456] = expected;
-        Bytes buffer(expected.size());
-        const LinkRequest done =
-            Run(command, {.address = 0x123456, .length = 2, .data = buffer.data()});
+        std::ranges::fill(buffer, std::uint8_t{0});
+        const Bytes expected(buffer.size(), 0x5A);
+        board.contents[address] = expected;
+        const LinkRequest done = Run(std::move(request));
         EXPECT_EQ(done.result, LinkOk);
-        EXPECT_EQ(buffer, expected) << LinkCommandName(command);
-        EXPECT_THAT(line->Written(),
-                    ElementsAre(Bytes{4, 0x56}, Bytes{6, 0x34}, Bytes{8, 0x12}, Bytes{10, 2},
-                                Bytes{12, 0}, Bytes{2, static_cast<std::uint8_t>(function)}));
+        EXPECT_EQ(buffer, expected) << LinkCommandName(done.command);
+        EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0x56}, Bytes{6, 0x34}, Bytes{8, 0x12},
+                                                 Bytes{10, 2}, Bytes{12, 0}, Bytes{2, function}));
     }
 }
 
 TEST_F(RequestQueueTest, FunctionsAloneGoOutInOneFrame) {
-    const std::vector<std::pair<int, std::uint8_t>> rows{
+    struct Row {
+        FunctionCommand command;
+        std::uint8_t function;
+    };
+    const std::vector<Row> rows{
         {CmdStartTrace, 11},       {CmdStopTrace, 12},       {CmdStartSearch, 13},
         {CmdStartPerformance, 15}, {CmdStopPerformance, 16}, {CmdStartAnomaly, 17},
         {CmdStopAnomaly, 18},      {CmdStartConfigScan, 21}, {CmdStopConfigScan, 22},
@@ -120,23 +133,21 @@ TEST_F(RequestQueueTest, FunctionsAloneGoOutInOneFrame) {
         {CmdStartBackplane, 39},   {CmdStopBackplane, 40}};
     for (const auto& [command, function] : rows) {
         line->ForgetLog();
-        EXPECT_TRUE(link->Exchange(command));
+        EXPECT_TRUE(link->Exchange(RunCommand(command)));
         EXPECT_THAT(line->Written(), ElementsAre(Bytes{2, function})) << LinkCommandName(command);
     }
 }
 
-TEST_F(RequestQueueTest, AFirmwareRecordGoesOutFromTheCallersBuffer) {
+TEST_F(RequestQueueTest, AFirmwareRecordGoesOutByItsOwnFunction) {
     const Bytes record{0xDE, 0xAD, 0xBE};
-    EXPECT_TRUE(link->Exchange(CmdDownloadRecord,
-                               {.address = 0x10203, .length = 3, .data = record.data()}));
+    EXPECT_TRUE(link->Exchange(WriteMemory(CmdDownloadRecord, 0x10203, [&] { return record; })));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 3}, Bytes{6, 2}, Bytes{8, 1}, Bytes{10, 3},
                                              Bytes{12, 0}, Bytes{2, 30}, Bytes{0xDE, 0xAD, 0xBE}));
 }
 
 TEST_F(RequestQueueTest, TargetDataGoesOutByItsOwnFunction) {
     const Bytes data{1, 2};
-    const LinkRequest done =
-        Run(CmdTargetData, {.address = 0x40, .length = 2, .data = data.data()});
+    const LinkRequest done = Run(WriteMemory(CmdTargetData, 0x40, [&] { return data; }));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_TRUE(done.payload.empty()) << "the copy is dropped when it is sent";
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0x40}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 2},
@@ -144,20 +155,19 @@ TEST_F(RequestQueueTest, TargetDataGoesOutByItsOwnFunction) {
 }
 
 TEST_F(RequestQueueTest, ARowCommandUsesItsOwnPairOfStates) {
-    link->RegisterEncoder(CmdSearchSample, [](const LinkRequest&) { return Bytes(30, 7); });
-    EXPECT_TRUE(link->Exchange(CmdSearchSample));
+    EXPECT_TRUE(link->Exchange(WritePayload(CmdSearchSample, [] { return Bytes(30, 7); })));
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{445, Bytes(30, 7)}));
 }
 
 TEST_F(RequestQueueTest, AKeepAliveIsOneFrameThatEndsAtItsAcknowledgement) {
-    const LinkRequest done = Run(CmdUsbKeepAlive);
+    const LinkRequest done = Run(RunCommand(CmdUsbKeepAlive));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.state, 39);
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}));
 }
 
 TEST_F(RequestQueueTest, AReadOfNoBytesExpectsTheTwoAcknowledgements) {
-    const LinkRequest done = Run(CmdReadMemory, {.address = 5});
+    const LinkRequest done = Run(ReadRegisters(5, {}));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.replyLength, 2);
 }
@@ -165,31 +175,31 @@ TEST_F(RequestQueueTest, AReadOfNoBytesExpectsTheTwoAcknowledgements) {
 TEST_F(RequestQueueTest, BytesThatCameUnaskedAreDiscardedAtTheStart) {
     line->Arrive({'x', '?', 0});
     ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(CountOf({2, 11}), 1U);
 }
 
-TEST_F(RequestQueueTest, ARequestWithoutCompletionIsDeletedByTheLink) {
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, nullptr));
+TEST_F(RequestQueueTest, ARequestWithoutCompletionEndsInTheLink) {
+    link->Submit(RunCommand(CmdStartTrace));
     link->WaitIdle();
     EXPECT_THAT(board.functions, ElementsAre(11));
 }
 
 TEST_F(RequestQueueTest, NewRequestIsAllZeroButForWhatItIsGiven) {
-    int owner = 0;
-    const std::unique_ptr<LinkRequest> request(
-        CAnalyzerLink::NewRequest(CmdReadMemory, &owner, nullptr));
+    const LinkRequestPtr request = NewRequest(CmdReadMemory);
     EXPECT_EQ(request->command, 3);
-    EXPECT_EQ(request->owner, &owner);
     EXPECT_EQ(request->completion, nullptr);
+    EXPECT_EQ(request->makePayload, nullptr);
     EXPECT_EQ(request->result, LinkPending);
-    EXPECT_THAT(request->words, Each(0U));
-    EXPECT_THAT(request->savedWords, Each(0U));
+    EXPECT_EQ(request->address, 0U);
+    EXPECT_EQ(request->length, 0U);
+    EXPECT_TRUE(request->reply.empty());
+    EXPECT_TRUE(request->payload.empty());
 }
 
 TEST_F(RequestQueueTest, ASilentBoardGetsACommandFiveTimes) {
     UseSilence();
-    const LinkRequest done = Run(CmdStartTrace);
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkTimeout);
     EXPECT_EQ(done.retries, 4);
     EXPECT_EQ(done.bytesSeen, 0);
@@ -199,13 +209,13 @@ TEST_F(RequestQueueTest, ASilentBoardGetsACommandFiveTimes) {
 
 TEST_F(RequestQueueTest, MoreThanTwoSecondsMustPass) {
     UseSilence();
-    Run(CmdStartTrace);
+    Run(RunCommand(CmdStartTrace));
     EXPECT_THAT(SecondsBetweenTries(), ElementsAre(3, 3, 3));
 }
 
 TEST_F(RequestQueueTest, ASearchHasAMinute) {
     UseSilence();
-    Run(CmdStartSearch);
+    Run(RunCommand(CmdStartSearch));
     EXPECT_THAT(SecondsBetweenTries(), ElementsAre(61, 61, 61));
 }
 
@@ -213,7 +223,7 @@ TEST_F(RequestQueueTest, AnUnknownRateGivesASearchNoMinute) {
     board.baud = 1;
     OpenLink();
     UseSilence();
-    Run(CmdStartSearch);
+    Run(RunCommand(CmdStartSearch));
     EXPECT_THAT(SecondsBetweenTries(), ElementsAre(3, 3, 3));
 }
 
@@ -223,20 +233,20 @@ TEST_F(RequestQueueTest, AVmeBoardHasMoreThanFourSeconds) {
     link->WaitIdle();
     line->ForgetLog();
     UseSilence();
-    Run(CmdStartTrace);
+    Run(RunCommand(CmdStartTrace));
     EXPECT_THAT(SecondsBetweenTries(), ElementsAre(5, 5, 5));
 }
 
 // 11000 x 436 / 9600 is 499, so that 2999 / 1000 is 2.
 TEST_F(RequestQueueTest, TheBytesOfAReplyTakeTheirTimeByIntegerDivision) {
     Bytes buffer(434);
-    EXPECT_EQ(SecondsUntilRestart({.length = 434, .data = buffer.data()}, {2, 1}), 3);
+    EXPECT_EQ(SecondsUntilRestart(buffer, {2, 1}), 3);
 }
 
 // 11000 x 437 / 9600 is 500, so that 3000 / 1000 is 3.
 TEST_F(RequestQueueTest, OneByteMoreCrossesTheNextSecond) {
     Bytes buffer(435);
-    EXPECT_EQ(SecondsUntilRestart({.length = 435, .data = buffer.data()}, {2, 1}), 4);
+    EXPECT_EQ(SecondsUntilRestart(buffer, {2, 1}), 4);
 }
 
 TEST_F(RequestQueueTest, BytesTakeNoTimeWhenTheRateIsUnknown) {
@@ -244,40 +254,36 @@ TEST_F(RequestQueueTest, BytesTakeNoTimeWhenTheRateIsUnknown) {
     OpenLink();
     board.baud = 0;
     Bytes buffer(4000);
-    EXPECT_EQ(SecondsUntilRestart({.length = 4000, .data = buffer.data()}, {2, 1}), 3);
+    EXPECT_EQ(SecondsUntilRestart(buffer, {2, 1}), 3);
 }
 
 TEST_F(RequestQueueTest, ACommandThatFailsAtALaterStateIsRestartedWithoutEnd) {
     AnswerFrame({2, 1}, {});
     Bytes buffer(4);
-    auto done = Start(CmdReadMemory, {.address = 0x10, .length = 4, .data = buffer.data()});
+    auto done = Start(ReadRegisters(0x10, buffer));
     EXPECT_TRUE(Eventually([&] { return CountOf({2, 1}) >= 12; }));
     EXPECT_EQ(done.wait_for(0s), std::future_status::timeout);
     UseBoard();
     EXPECT_EQ(done.get().result, LinkOk);
 }
 
-TEST_F(RequestQueueTest, ARestartBeginsWithTheFirstFrameAndTheCallersWords) {
+TEST_F(RequestQueueTest, ARestartBeginsWithTheFirstFrameAndMakesThePayloadAgain) {
     int makes = 0;
-    link->RegisterEncoder(CmdTraceEvents, [&](const LinkRequest& request) {
-        EXPECT_EQ(request.Address(), 0U) << "the words of the caller";
-        EXPECT_EQ(request.Extra(), 8U);
-        return Bytes(240, static_cast<std::uint8_t>(++makes));
-    });
     line->SetAnswer([&, dropped = false](const Bytes& sent, int baud) mutable {
         const bool drop = sent.size() == 240 && !dropped;
         dropped = dropped || drop;
         const Bytes answer = board.Answer(sent, baud);
         return drop ? Bytes{} : answer;
     });
-    EXPECT_TRUE(link->Exchange(CmdTraceEvents, {.extra = 8}));
+    EXPECT_TRUE(link->Exchange(WritePayload(
+        CmdTraceEvents, [&] { return Bytes(240, static_cast<std::uint8_t>(++makes)); })));
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{20, Bytes(240, 1)},
                                           WireBoard::Write{20, Bytes(240, 2)}));
 }
 
 TEST_F(RequestQueueTest, AWrongByteIsABadReplyAtOnce) {
     AnswerFrame({2, 11}, {'?'});
-    const LinkRequest done = Run(CmdStartTrace);
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkBadReply);
     EXPECT_EQ(CountOf({2, 11}), 5U);
     EXPECT_THAT(SecondsBetweenTries(), Each(testing::Le(1)));
@@ -287,13 +293,59 @@ TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsWhole) {
     Bytes buffer(2);
     line->SetClockRuns(false);
     AnswerFrame({2, 1}, {'?', 1, 2});
-    auto done = Start(CmdReadMemory, {.length = 2, .data = buffer.data()});
+    auto done = Start(ReadRegisters(0, buffer));
     ASSERT_TRUE(Eventually([&] { return CountOf({2, 1}) == 1 && line->AllTaken(); }));
     EXPECT_EQ(CountOf({4, 0}), 1U) << "three bytes of four";
     UseBoard();
     line->Arrive({'*'});
     EXPECT_EQ(done.get().result, LinkOk);
     EXPECT_EQ(CountOf({4, 0}), 2U) << "the restart discards the rest of the bad reply";
+}
+
+// Bytes that come together are looked at as if each had come alone: what a restart discards is the
+// reply that was wrong, and not what stands behind it.
+TEST_F(RequestQueueTest, BytesBehindAReplyInTheSameReadBelongToTheNextOne) {
+    line->SetClockRuns(false);
+    AnswerFrame({2, 11}, {'?', '*'});
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
+    EXPECT_EQ(done.result, LinkOk);
+    EXPECT_EQ(CountOf({2, 11}), 2U);
+}
+
+TEST_F(RequestQueueTest, AcknowledgementsThatComeTogetherMoveTheRequestOnOneByOne) {
+    Bytes buffer(2);
+    line->SetClockRuns(false);
+    line->SetAnswer([&](const Bytes& sent, int) {
+        return sent == Bytes{4, 0}   ? Bytes{'*', '*', '*', '*', '*'}
+               : sent == Bytes{2, 1} ? Bytes{'*', 7, 8, '*'}
+                                     : Bytes{};
+    });
+    EXPECT_EQ(Run(ReadRegisters(0, buffer)).result, LinkOk);
+    EXPECT_EQ(buffer, (Bytes{7, 8}));
+    EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 2},
+                                             Bytes{12, 0}, Bytes{2, 1}));
+}
+
+TEST_F(RequestQueueTest, AReplyInPiecesIsWhole) {
+    Bytes buffer(4);
+    line->SetClockRuns(false);
+    AnswerFrame({2, 1}, {'*', 1});
+    auto done = Start(ReadRegisters(0, buffer));
+    for (const Bytes& piece : {Bytes{2, 3}, Bytes{4, '*'}}) {
+        ASSERT_TRUE(Eventually([&] { return CountOf({2, 1}) == 1 && line->AllTaken(); }));
+        line->Arrive(piece);
+    }
+    EXPECT_EQ(done.get().result, LinkOk);
+    EXPECT_EQ(buffer, (Bytes{1, 2, 3, 4}));
+}
+
+TEST_F(RequestQueueTest, AReplyLongerThanItsSpanLeavesTheRestToNobody) {
+    board.contents[0] = {1, 2, 3, 4};
+    Bytes buffer(4, 0x77);
+    LinkRequestPtr request = ReadRegisters(0, std::span(buffer).first(2));
+    request->length = 4;
+    EXPECT_EQ(Run(std::move(request)).result, LinkOk);
+    EXPECT_EQ(buffer, (Bytes{1, 2, 0x77, 0x77}));
 }
 
 TEST_F(RequestQueueTest, AWrongLastByteComesAfterTheDataAreHandedOut) {
@@ -309,7 +361,7 @@ TEST_F(RequestQueueTest, AWrongLastByteComesAfterTheDataAreHandedOut) {
         }
         return board.Answer(sent, baud);
     });
-    const LinkRequest done = Run(CmdReadMemory, {.length = 2, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0, buffer));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(reads, 2);
     EXPECT_EQ(atRestart, (Bytes{0xAA, 0xBB}));
@@ -323,20 +375,10 @@ protected:
     LinkRequest TimeOutWith(const Bytes& reply, std::size_t length) {
         buffer_.resize(length);
         AnswerFrame({2, 1}, reply);
-        std::promise<LinkRequest> done;
-        LinkRequest* request =
-            CAnalyzerLink::NewRequest(CmdReadMemory, &done, [](LinkRequest* finished) {
-                auto* promise = static_cast<std::promise<LinkRequest>*>(finished->owner);
-                const LinkRequest copy = *finished;
-                delete finished;
-                promise->set_value(copy);
-            });
-        request->Length() = length;
-        request->Data() = reinterpret_cast<std::uintptr_t>(buffer_.data());
-        line->OnClearErrors([request] { request->retries = 4; });
+        LinkRequestPtr request = ReadRegisters(0, buffer_);
+        line->OnClearErrors([running = request.get()] { running->retries = 4; });
         line->SetLineErrors(0x1A);
-        link->Submit(request);
-        LinkRequest result = done.get_future().get();
+        LinkRequest result = Run(std::move(request));
         line->OnClearErrors(nullptr);
         return result;
     }
@@ -392,12 +434,12 @@ TEST_F(RequestQueueTest, AReplyAcrossTheWrapIsWhole) {
     ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
     board.contents[0] = {1, 2, 3, 4, 5, 6, 7, 8};
     Bytes buffer(8);
-    EXPECT_TRUE(link->Exchange(CmdReadMemory, {.length = 8, .data = buffer.data()}));
+    EXPECT_TRUE(link->Exchange(ReadRegisters(0, buffer)));
     EXPECT_EQ(buffer, (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
 }
 
 TEST_F(RequestQueueTest, ANumberThatIsNoCommandIsReportedAtEachTryAndEndsInABadState) {
-    const LinkRequest done = Run(99);
+    const LinkRequest done = Run(NewRequest(99));
     EXPECT_EQ(done.result, LinkBadState);
     EXPECT_EQ(done.state, 0);
     EXPECT_THAT(line->Written(), IsEmpty());
@@ -407,19 +449,25 @@ TEST_F(RequestQueueTest, ANumberThatIsNoCommandIsReportedAtEachTryAndEndsInABadS
     EXPECT_TRUE(prompts.Boxes().front().topmost);
 }
 
+using PayloadDeathTest = RequestQueueTest;
+
+TEST_F(PayloadDeathTest, AWritingCommandWithoutAMakerStopsTheProgramOrNeverGoesOut) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    LinkResult result = LinkBadState;
+    EXPECT_DEBUG_DEATH(
+        { result = static_cast<LinkResult>(Run(NewRequest(CmdMasterSetup)).result); },
+        "no maker of its payload");
+    EXPECT_EQ(result, LinkBadState);
+    EXPECT_THAT(line->Written(), IsEmpty());
+}
+
 TEST_F(RequestQueueTest, AStateWithoutARowIsReportedAndRunsIntoItsTimeout) {
     line->SetClockRuns(false);
     UseSilence();
-    std::promise<std::int32_t> done;
-    LinkRequest* request =
-        CAnalyzerLink::NewRequest(CmdStartTrace, &done, [](LinkRequest* finished) {
-            auto* promise = static_cast<std::promise<std::int32_t>*>(finished->owner);
-            const std::int32_t result = finished->result;
-            delete finished;
-            promise->set_value(result);
-        });
-    link->Submit(request);
-    request->state = 10; // no state of this command
+    LinkRequestPtr request = RunCommand(CmdStartTrace);
+    LinkRequest* running = request.get();
+    auto done = Start(std::move(request));
+    running->state = 10; // no state of this command
     line->Arrive({'*'});
     ASSERT_TRUE(Eventually([&] { return !prompts.Boxes().empty(); }));
     EXPECT_THAT(prompts.Texts(),
@@ -428,13 +476,13 @@ TEST_F(RequestQueueTest, AStateWithoutARowIsReportedAndRunsIntoItsTimeout) {
     EXPECT_EQ(CountOf({2, 11}), 1U) << "nothing more is sent";
     UseBoard();
     line->SetClockRuns(true);
-    EXPECT_EQ(done.get_future().get(), LinkOk) << "after the time-out, from the first state";
+    EXPECT_EQ(done.get().result, LinkOk) << "after the time-out, from the first state";
     EXPECT_EQ(CountOf({2, 11}), 2U);
 }
 
 TEST_F(RequestQueueTest, AFailedWriteIsReportedAndRetriedThroughItsTimeouts) {
     line->SetErrors({.write = 5});
-    const LinkRequest done = Run(CmdStartTrace);
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkTimeout);
     EXPECT_FALSE(link->IsBoardGone()) << "a write may fail for other reasons";
     EXPECT_EQ(CountOf({2, 11}), 5U);
@@ -444,34 +492,26 @@ TEST_F(RequestQueueTest, AFailedWriteIsReportedAndRetriedThroughItsTimeouts) {
 }
 
 TEST_F(RequestQueueTest, ASecondRequestGoesOutAfterTheCompletionOfTheFirst) {
-    struct Seen {
-        ScriptedLine& line;
-        std::vector<Bytes> inCompletion;
-        std::promise<void> done;
-    } seen{*line, {}, {}};
+    std::promise<std::vector<Bytes>> inCompletion;
     line->SetClockRuns(false);
     UseSilence();
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &seen, [](LinkRequest* finished) {
-        auto* first = static_cast<Seen*>(finished->owner);
-        delete finished;
+    link->Submit(NewRequest(CmdStartTrace, [&](const LinkRequestPtr&) {
         std::this_thread::sleep_for(20ms); // time for a send that would be too early
-        first->inCompletion = first->line.Written();
-        first->done.set_value();
+        inCompletion.set_value(line->Written());
     }));
-    auto second = Start(CmdStopTrace);
+    auto second = Start(RunCommand(CmdStopTrace));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{2, 11}));
     UseBoard();
     line->Arrive({'*'});
     EXPECT_EQ(second.get().result, LinkOk);
-    seen.done.get_future().get();
-    EXPECT_THAT(seen.inCompletion, ElementsAre(Bytes{2, 11}));
+    EXPECT_THAT(inCompletion.get_future().get(), ElementsAre(Bytes{2, 11}));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{2, 11}, Bytes{2, 12}));
 }
 
 TEST_F(RequestQueueTest, RequestsKeepTheirOrder) {
     std::vector<std::future<LinkRequest>> all;
     for (const std::int32_t command : {CmdStartTrace, CmdStopTrace, CmdStartSearch, CmdStopTrace}) {
-        all.push_back(Start(command));
+        all.push_back(Start(NewRequest(command)));
     }
     for (auto& one : all) {
         EXPECT_EQ(one.get().result, LinkOk);
@@ -484,18 +524,18 @@ TEST_F(RequestQueueTest, ACompletionMaySubmitTheNextRequest) {
         CAnalyzerLink& link;
         int left = 50;
         std::promise<void> done;
-        static void Next(LinkRequest* finished) {
-            auto* chain = static_cast<Chain*>(finished->owner);
-            EXPECT_EQ(finished->result, LinkOk);
-            delete finished;
-            if (--chain->left == 0) {
-                chain->done.set_value();
-            } else {
-                chain->link.Submit(CAnalyzerLink::NewRequest(CmdStartTrace, chain, &Next));
-            }
+        void Submit() {
+            link.Submit(NewRequest(CmdStartTrace, [this](const LinkRequestPtr& finished) {
+                EXPECT_EQ(finished->result, LinkOk);
+                if (--left == 0) {
+                    done.set_value();
+                } else {
+                    Submit();
+                }
+            }));
         }
     } chain{*link, 50, {}};
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &chain, &Chain::Next));
+    chain.Submit();
     chain.done.get_future().get();
     EXPECT_EQ(CountOf({2, 11}), 50U);
 }
@@ -503,7 +543,7 @@ TEST_F(RequestQueueTest, ACompletionMaySubmitTheNextRequest) {
 TEST_F(RequestQueueTest, WaitIdleGivesUpAfterFiveSeconds) {
     line->SetClockRuns(false);
     UseSilence();
-    auto done = Start(CmdStartTrace);
+    auto done = Start(RunCommand(CmdStartTrace));
     const auto waited = ShortestTimeOf([&] { link->WaitIdle(); }, 5s);
     EXPECT_GE(waited, 5s);
     EXPECT_LT(waited, 5300ms);
@@ -514,20 +554,17 @@ TEST_F(RequestQueueTest, WaitIdleGivesUpAfterFiveSeconds) {
 
 TEST_F(RequestQueueTest, AnExchangeReportsFailure) {
     UseSilence();
-    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     UseBoard();
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(RequestQueueTest, RequestsThatWaitAtTheEndAreDropped) {
     line->SetClockRuns(false);
     UseSilence();
-    static std::atomic<int> completions = 0;
+    std::atomic<int> completions = 0;
     for (int i = 0; i < 3; ++i) {
-        link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, nullptr, [](LinkRequest* finished) {
-            ++completions;
-            delete finished;
-        }));
+        link->Submit(NewRequest(CmdStartTrace, [&](const LinkRequestPtr&) { ++completions; }));
     }
     link.reset();
     EXPECT_EQ(completions, 0);
@@ -538,7 +575,7 @@ TEST_F(RequestQueueTest, APortThatGoesAwayIsReadNoMoreAndRequestsStillTimeOut) {
     line->Unplug();
     ASSERT_TRUE(Eventually([&] { return line->ReadsAfterUnplug() == 1; }));
     line->SetErrors({.write = 5});
-    auto done = Start(CmdStartTrace);
+    auto done = Start(RunCommand(CmdStartTrace));
     while (done.wait_for(10ms) != std::future_status::ready) {
         clock.Advance(1s);
     }

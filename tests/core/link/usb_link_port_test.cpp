@@ -72,7 +72,7 @@ TEST_F(UsbLinkTest, AfterAFailedOpenTheOtherStepsStillRunAndReport) {
     EXPECT_THAT(prompts.Texts(), ElementsAre(openFailed, demoModeMessage, selectFailed,
                                              demoModeMessage, resetFailed, resetFailed));
     EXPECT_TRUE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, AFailedSelectionClosesTheDeviceAndBothResetsReport) {
@@ -91,7 +91,7 @@ TEST_F(UsbLinkTest, AFailedResetIsReportedAndIgnored) {
     EXPECT_FALSE(link->Open());
     EXPECT_THAT(prompts.Texts(), ElementsAre(resetFailed, resetFailed));
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
@@ -102,14 +102,14 @@ TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
     EXPECT_FALSE(link->Open());
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, OpenWorksOverALiveDevice) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_FALSE(link->Open());
         EXPECT_EQ(usb.OpenDevices(), 1);
-        EXPECT_TRUE(link->Exchange(CmdStartTrace));
+        EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     }
 }
 
@@ -117,8 +117,7 @@ TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
     OpenUsbLink();
     usb.WithBoard([](WireBoard& far) { far.contents[0x30] = {7, 8, 9}; });
     Bytes buffer(3);
-    const LinkRequest done =
-        Run(CmdReadMemory, {.address = 0x30, .length = 3, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0x30, buffer));
     EXPECT_EQ(done.result, LinkOk);
     EXPECT_EQ(done.replyLength, 5);
     EXPECT_EQ(done.bytesSeen, 0) << "counted on a serial port only";
@@ -131,14 +130,7 @@ TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
 // On USB nothing else writes the counters of a serial port.
 TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnotherTime) {
     OpenUsbLink();
-    std::promise<LinkRequest> done;
-    LinkRequest* request =
-        CAnalyzerLink::NewRequest(CmdStartTrace, &done, [](LinkRequest* finished) {
-            auto* promise = static_cast<std::promise<LinkRequest>*>(finished->owner);
-            const LinkRequest copy = *finished;
-            delete finished;
-            promise->set_value(copy);
-        });
+    LinkRequestPtr request = RunCommand(CmdStartTrace);
     request->state = 7;
     request->retries = 4;
     request->replyLength = 9;
@@ -149,8 +141,7 @@ TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnotherTime) {
     request->ringWriteAtFail = 6;
     request->firstByte = '?';
     request->lastByte = '!';
-    link->Submit(request);
-    const LinkRequest sent = done.get_future().get();
+    const LinkRequest sent = Run(std::move(request));
     EXPECT_EQ(sent.result, LinkOk);
     EXPECT_EQ(sent.bytesSeen, 0);
     EXPECT_EQ(sent.commErrors, 0U);
@@ -164,43 +155,43 @@ TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnotherTime) {
 
 TEST_F(UsbLinkTest, ANumberThatIsNoCommandIsPreparedWithoutAReply) {
     OpenUsbLink();
-    LinkRequest* request = CAnalyzerLink::NewRequest(99, nullptr, nullptr);
+    LinkRequestPtr request = NewRequest(99);
     request->replyLength = 9;
-    link->Submit(request);
+    link->Submit(std::move(request));
     link->WaitIdle();
     EXPECT_THAT(usb.Calls(), IsEmpty()) << "nothing is read";
 }
 
 TEST_F(UsbLinkTest, APayloadGoesOutOnTheOutputPipe) {
     OpenUsbLink();
-    EXPECT_TRUE(link->Exchange(CmdMasterControl, {.address = 0x81}));
+    EXPECT_TRUE(link->Exchange(WritePayload(CmdMasterControl, OneByte(0x81))));
     EXPECT_THAT(usb.WithBoard([](WireBoard& far) { return far.writes; }),
                 ElementsAre(WireBoard::Write{800, {0x81}}));
 }
 
 TEST_F(UsbLinkTest, AReadOfNoBytesEnds) {
     OpenUsbLink();
-    EXPECT_TRUE(link->Exchange(CmdReadMemory, {.address = 1}));
+    EXPECT_TRUE(link->Exchange(ReadRegisters(1, {})));
 }
 
 TEST_F(UsbLinkTest, AFailedWriteIsNotTriedAgain) {
     OpenUsbLink();
     usb.Set({.writes = false});
-    const LinkRequest done = Run(CmdStartTrace);
+    const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_FALSE(link->IsBoardGone());
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 2 11"));
     EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed));
     EXPECT_FALSE(prompts.Boxes().front().topmost);
     usb.Set({});
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 TEST_F(UsbLinkTest, AFailedReadShowsTwoBoxesAndIsNotTriedAgain) {
     OpenUsbLink();
     usb.Set({.read = UsbDevice::Transfer{false, 31, 0}});
     Bytes buffer(3);
-    const LinkRequest done = Run(CmdReadMemory, {.length = 3, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0, buffer));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre(transferFailed, "Error reading from usb port, err 31"));
@@ -213,7 +204,7 @@ TEST_F(UsbLinkTest, AShortReadIsReportedWithItsCounts) {
     OpenUsbLink();
     usb.Set({.read = UsbDevice::Transfer{true, 0, 2}});
     Bytes buffer(3);
-    const LinkRequest done = Run(CmdReadMemory, {.length = 3, .data = buffer.data()});
+    const LinkRequest done = Run(ReadRegisters(0, buffer));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading from usb port, read 2 expected 3"));
     EXPECT_FALSE(prompts.Boxes()[0].topmost);
@@ -221,7 +212,8 @@ TEST_F(UsbLinkTest, AShortReadIsReportedWithItsCounts) {
 
 TEST_F(UsbLinkTest, AReadLargerThanTheRingFailsWithoutATransfer) {
     OpenUsbLink();
-    const LinkRequest done = Run(CmdReadSamplesAfter, {.length = 10000});
+    Bytes samples(std::size_t{10000} * 18);
+    const LinkRequest done = Run(ReadSamples(CmdReadSamplesAfter, 0, samples));
     EXPECT_EQ(done.result, LinkTransferFailed);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("Error reading from usb port, read 0 expected 180000"));
@@ -229,7 +221,7 @@ TEST_F(UsbLinkTest, AReadLargerThanTheRingFailsWithoutATransfer) {
 
 TEST_F(UsbLinkTest, AnUnknownCommandEndsInABadState) {
     OpenUsbLink();
-    EXPECT_EQ(Run(99).result, LinkBadState);
+    EXPECT_EQ(Run(NewRequest(99)).result, LinkBadState);
     EXPECT_EQ(prompts.Texts().size(), 5U);
 }
 
@@ -250,6 +242,14 @@ TEST_F(UsbLinkTest, ConnectReadsIdentityAndBus) {
     link->Connect(57600);
     EXPECT_EQ(link->Identity().modelString, "VSBKite-1");
     EXPECT_EQ(link->Traits().bus, (BusConfig{BusVsb, 0, 0, 5, 0}));
+}
+
+TEST_F(UsbLinkTest, ThereIsNoRateToChange) {
+    OpenUsbLink();
+    link->SetBaudRate(19200);
+    EXPECT_THAT(usb.WithBoard([](WireBoard& far) { return far.writes; }),
+                ElementsAre(WireBoard::Write{15, {1}}));
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error setting new baud rate, err 25"));
 }
 
 TEST_F(UsbLinkTest, AKeepAliveIsOneFrame) {
@@ -300,7 +300,7 @@ TEST_F(UsbLinkTest, ARequestThatWaitsWhileTheDeviceIsOpenedAgainGoesOnThere) {
     OpenUsbLink();
     HeldCompletion held;
     link->Submit(held.Request(CmdStartTrace));
-    auto second = Start(CmdStopTrace);
+    auto second = Start(RunCommand(CmdStopTrace));
     held.AwaitStart();
     EXPECT_FALSE(link->Open());
     EXPECT_EQ(second.get().result, LinkOk);

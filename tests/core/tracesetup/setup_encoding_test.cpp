@@ -84,5 +84,54 @@ TEST(TraceControl, CountsAndLevelsLoseWhatDoesNotFit) {
     EXPECT_EQ(bytes[18], 0x09);
 }
 
+TraceSetup SetupWith(std::int32_t clock, std::int32_t triggerPosition, std::int32_t zoomClock) {
+    TraceSetup setup;
+    setup.clock = clock;
+    setup.triggerPosition = triggerPosition;
+    setup.powerZoomClock = zoomClock;
+    return setup;
+}
+
+TEST(TraceParams, TheClockSwapsTheFirstTwoStepsOfItsScale) {
+    const BoardTables board("PCIKite-1");
+    const std::array<std::uint8_t, 19> codes{0, 2,  0,  1,  3,  4,  5,  6, 7, 8,
+                                             9, 10, 11, 12, 13, 14, 15, 0, 0};
+    for (std::size_t value = 0; value < codes.size(); ++value) {
+        EXPECT_EQ(BuildTraceParams(SetupWith(static_cast<std::int32_t>(value), 0, 0)),
+                  (Bytes{codes[value], 0, 0}))
+            << value;
+    }
+}
+
+TEST(TraceParams, TheTriggerPositionHasItsOwnScale) {
+    const BoardTables board("PCIKite-1");
+    const std::array<std::uint8_t, 8> codes{0, 3, 4, 0, 1, 2, 0, 0};
+    for (std::size_t value = 0; value < codes.size(); ++value) {
+        EXPECT_EQ(BuildTraceParams(SetupWith(0, static_cast<std::int32_t>(value), 0)),
+                  (Bytes{0, codes[value], 0}))
+            << value;
+    }
+}
+
+TEST(TraceParams, TheZoomClockCountsFromOneToEight) {
+    const BoardTables board("PCIKite-1");
+    const std::array<std::uint8_t, 11> codes{0, 0, 1, 2, 3, 4, 5, 6, 7, 0, 0};
+    for (std::size_t value = 0; value < codes.size(); ++value) {
+        EXPECT_EQ(BuildTraceParams(SetupWith(0, 0, static_cast<std::int32_t>(value))),
+                  (Bytes{0, 0, codes[value]}))
+            << value;
+    }
+}
+
+TEST(TraceParams, NegativeIndicesAreCodeZero) {
+    const BoardTables board("PCIKite-1");
+    EXPECT_EQ(BuildTraceParams(SetupWith(-1, -1, -1)), (Bytes{0, 0, 0}));
+}
+
+TEST(SearchControl, IsTwiceTheSideAndTheLowBytesOfTheDistance) {
+    EXPECT_EQ(BuildSearchControl(0x12345678, true), (Bytes{2, 0x78, 0x56, 0x34}));
+    EXPECT_EQ(BuildSearchControl(0x12345678, false), (Bytes{0, 0x78, 0x56, 0x34}));
+}
+
 } // namespace
 } // namespace busquill::test

@@ -11,7 +11,7 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class MachineTest : public LinkFixture {
+class AnalyzerLinkTest : public LinkFixture {
 protected:
     void SetModel(const std::string& model) {
         Bytes block(model.begin(), model.end());
@@ -35,23 +35,23 @@ protected:
 
 // What opens.
 
-TEST_F(MachineTest, BeforeTheFirstOpenEveryRequestSucceedsAtOnce) {
+TEST_F(AnalyzerLinkTest, BeforeTheFirstOpenEveryRequestSucceedsAtOnce) {
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_THAT(line->Written(), IsEmpty());
 }
 
-TEST_F(MachineTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
+TEST_F(AnalyzerLinkTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
     link->Connect(57600);
     EXPECT_THAT(prompts.Texts(), IsEmpty());
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_EQ(link->Identity().modelString, "-0");
     EXPECT_THAT(openedDevices, IsEmpty());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(MachineTest, NamesThatAreNoPortAreSilentToo) {
+TEST_F(AnalyzerLinkTest, NamesThatAreNoPortAreSilentToo) {
     for (const char* name : {"", "COM", "com1", "LPT1", "USB1", "usb", "XCOM1"}) {
         settings.WriteProfileString(setup, "ComPort", name);
         EXPECT_FALSE(link->Open());
@@ -62,7 +62,7 @@ TEST_F(MachineTest, NamesThatAreNoPortAreSilentToo) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(MachineTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
+TEST_F(AnalyzerLinkTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
     OpenBoard("PCIKite");
     settings.WriteProfileString(setup, "ComPort", "<None>");
     link->Connect(57600);
@@ -71,7 +71,7 @@ TEST_F(MachineTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
-TEST_F(MachineTest, AfterABoardNoPortHasTheBusOfAZeroBlock) {
+TEST_F(AnalyzerLinkTest, AfterABoardNoPortHasTheBusOfAZeroBlock) {
     OpenBoard("PCIKite");
     board.contents[18] = {0x95, 66};
     BusConfig bus;
@@ -82,7 +82,7 @@ TEST_F(MachineTest, AfterABoardNoPortHasTheBusOfAZeroBlock) {
     EXPECT_EQ(link->Traits().bus, BusConfig{});
 }
 
-TEST_F(MachineTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable) {
+TEST_F(AnalyzerLinkTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable) {
     portOpens = false;
     settings.WriteProfileString(setup, "ComPort", "COM3");
     static_cast<void>(link->Open());
@@ -96,7 +96,7 @@ TEST_F(MachineTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable) {
     EXPECT_THAT(openedDevices, ElementsAre("/dev/ttyS2", "/dev/pts/7", "/tmp/board", "COMX"));
 }
 
-TEST_F(MachineTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
+TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
     portOpens = false;
     EXPECT_FALSE(link->Open());
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
@@ -111,7 +111,7 @@ TEST_F(MachineTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
     EXPECT_EQ(identity.hardwareRevision, "");
 }
 
-TEST_F(MachineTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
+TEST_F(AnalyzerLinkTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
     line->SetErrors({.readConfiguration = 3, .configure = 4, .setTimeout = 5});
     EXPECT_TRUE(link->Open()) << "the board answers at what was taken for 9600 baud";
     // The read limit is set before the negotiation and after it.
@@ -123,12 +123,12 @@ TEST_F(MachineTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
         EXPECT_TRUE(box.topmost) << box.text;
     }
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
 // Negotiation.
 
-TEST_F(MachineTest, NegotiationProbesTheFiveRatesUpwards) {
+TEST_F(AnalyzerLinkTest, NegotiationProbesTheFiveRatesUpwards) {
     board.baud = 57600;
     EXPECT_FALSE(link->Open()) << "the configured rate";
     EXPECT_THAT(line->Rates(), ElementsAre(57600, 9600, 19200, 28800, 38400, 57600));
@@ -138,14 +138,14 @@ TEST_F(MachineTest, NegotiationProbesTheFiveRatesUpwards) {
     EXPECT_EQ(WrittenAt(57600), (Bytes{0x0A, 0}));
 }
 
-TEST_F(MachineTest, OpenIsTrueWhenTheBoardAnswersAtAnotherRate) {
+TEST_F(AnalyzerLinkTest, OpenIsTrueWhenTheBoardAnswersAtAnotherRate) {
     board.baud = 19200;
     EXPECT_TRUE(link->Open());
     EXPECT_THAT(line->Rates(), ElementsAre(57600, 9600, 19200));
-    EXPECT_TRUE(link->Exchange(CmdStartTrace)) << "at the rate that was found";
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "at the rate that was found";
 }
 
-TEST_F(MachineTest, AProbeWaitsATenthOfASecondForItsAnswer) {
+TEST_F(AnalyzerLinkTest, AProbeWaitsATenthOfASecondForItsAnswer) {
     UseSilence();
     EXPECT_FALSE(link->Open());
     const auto log = line->Log();
@@ -155,21 +155,21 @@ TEST_F(MachineTest, AProbeWaitsATenthOfASecondForItsAnswer) {
     }
 }
 
-TEST_F(MachineTest, OpenIsFalseWhenNothingAnswers) {
+TEST_F(AnalyzerLinkTest, OpenIsFalseWhenNothingAnswers) {
     UseSilence();
     EXPECT_FALSE(link->Open());
     EXPECT_EQ(line->Written().size(), 30U);
     EXPECT_FALSE(link->IsDemoMode()) << "the identity read decides that";
 }
 
-TEST_F(MachineTest, ABoardInTheMiddleOfAFrameIsRealigned) {
+TEST_F(AnalyzerLinkTest, ABoardInTheMiddleOfAFrameIsRealigned) {
     static_cast<void>(board.Answer({4}, 0)); // half a frame has reached the board
     EXPECT_TRUE(link->Open());
     EXPECT_EQ(WrittenAt(9600), (Bytes{0x0A}));
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(MachineTest, OnlyASingleAcknowledgementIsAnAnswer) {
+TEST_F(AnalyzerLinkTest, OnlyASingleAcknowledgementIsAnAnswer) {
     line->SetAnswer([](const Bytes&, int baud) {
         return baud == 9600 ? Bytes{'*', '*'} : baud == 19200 ? Bytes{'?'} : Bytes{};
     });
@@ -179,7 +179,7 @@ TEST_F(MachineTest, OnlyASingleAcknowledgementIsAnAnswer) {
 
 // The connection sequence.
 
-TEST_F(MachineTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
+TEST_F(AnalyzerLinkTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
     SetModel("PCIKite");
     board.baud = 57600;
     board.contents[18] = {0x95, 66};
@@ -192,7 +192,7 @@ TEST_F(MachineTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
     EXPECT_THAT(board.writes, IsEmpty());
 }
 
-TEST_F(MachineTest, TheBusIsReadTwoSecondsAfterTheIdentity) {
+TEST_F(AnalyzerLinkTest, TheBusIsReadTwoSecondsAfterTheIdentity) {
     settings.WriteProfileInt(setup, "BaudRate", 9600);
     line->SetClockRuns(false); // so that pauses alone move it
     link->Connect(9600);
@@ -203,7 +203,7 @@ TEST_F(MachineTest, TheBusIsReadTwoSecondsAfterTheIdentity) {
     EXPECT_EQ(bus->time - (bus - 1)->time, 2);
 }
 
-TEST_F(MachineTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
+TEST_F(AnalyzerLinkTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
     SetModel("PCIWren");
     board.baud = 9600;
     line->SetAnswer([this](const Bytes& sent, int baud) {
@@ -218,10 +218,10 @@ TEST_F(MachineTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
     EXPECT_EQ(line->Rates().back(), 19200);
     EXPECT_EQ(link->Identity().modelId, ModelPciWren);
     EXPECT_THAT(prompts.Texts(), IsEmpty());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(MachineTest, SetBaudRateSendsCodeAndFunctionAtTheOldRate) {
+TEST_F(AnalyzerLinkTest, SetBaudRateSendsCodeAndFunctionAtTheOldRate) {
     OpenLink();
     const auto begin = clock.Elapsed();
     link->SetBaudRate(9600);
@@ -231,7 +231,7 @@ TEST_F(MachineTest, SetBaudRateSendsCodeAndFunctionAtTheOldRate) {
     EXPECT_GE(clock.Elapsed() - begin, 2000ms);
 }
 
-TEST_F(MachineTest, ARefusedRateIsReported) {
+TEST_F(AnalyzerLinkTest, ARefusedRateIsReported) {
     OpenLink();
     line->SetErrors({.configure = 22});
     link->SetBaudRate(19200);
@@ -242,7 +242,7 @@ TEST_F(MachineTest, ARefusedRateIsReported) {
     EXPECT_EQ(prompts.Texts().back(), "Error setting new baud rate, err 7");
 }
 
-TEST_F(MachineTest, SetBaudRateWithoutAPortDoesNothing) {
+TEST_F(AnalyzerLinkTest, SetBaudRateWithoutAPortDoesNothing) {
     const auto begin = clock.Elapsed();
     link->SetBaudRate(19200);
     EXPECT_EQ(clock.Elapsed(), begin);
@@ -250,7 +250,7 @@ TEST_F(MachineTest, SetBaudRateWithoutAPortDoesNothing) {
 }
 
 // 4000 bytes take 4584 ms at 9600 baud and 764 ms at 57600: limits of 7 and 3 seconds.
-TEST_F(MachineTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
+TEST_F(AnalyzerLinkTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
     OpenLink();
     link->SetBaudRate(57600);
     line->ForgetLog();
@@ -258,7 +258,7 @@ TEST_F(MachineTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
     line->SetAnswer([this](const Bytes& sent, int baud) {
         return sent == Bytes{2, 1} ? Bytes{} : board.Answer(sent, baud);
     });
-    auto done = Start(CmdReadMemory, {.length = 4000, .data = buffer.data()});
+    auto done = Start(ReadRegisters(0, buffer));
     ASSERT_TRUE(Eventually([&] { return line->Log().size() > 12; }));
     UseBoard();
     EXPECT_EQ(done.get().result, LinkOk);
@@ -268,7 +268,7 @@ TEST_F(MachineTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
 
 // Identity and Demo Mode.
 
-TEST_F(MachineTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode) {
+TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode) {
     UseSilence();
     OpenLink();
     link->ReadIdentity();
@@ -278,43 +278,43 @@ TEST_F(MachineTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode) {
     EXPECT_TRUE(prompts.Boxes().front().topmost);
     EXPECT_EQ(link->Identity().modelString, "Demo Mode");
     EXPECT_TRUE(Eventually([&] { return line->OpenPorts() == 0; }));
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(line->Written().size(), 2U) << "no frame is sent in Demo Mode";
 }
 
-TEST_F(MachineTest, RequestsThatWaitAtTheFallDoNotEndAsGood) {
+TEST_F(AnalyzerLinkTest, RequestsThatWaitAtTheFallDoNotEndAsGood) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
     link->ReadIdentity();
-    auto waiting = Start(CmdStartTrace);
+    auto waiting = Start(RunCommand(CmdStartTrace));
     line->SetClockRuns(true);
     EXPECT_EQ(waiting.get().result, LinkTransferFailed);
     EXPECT_TRUE(link->IsDemoMode());
     link->WaitIdle();
-    EXPECT_TRUE(link->Exchange(CmdStartTrace)) << "submitted in Demo Mode";
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted in Demo Mode";
 }
 
-TEST_F(MachineTest, AFeaturesFailureNeverLeadsToDemoMode) {
+TEST_F(AnalyzerLinkTest, AFeaturesFailureNeverLeadsToDemoMode) {
     OpenBoard("PCIKite");
     UseSilence();
-    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_FALSE(link->IsDemoMode());
 }
 
-TEST_F(MachineTest, TheNumberOfTriesDependsOnTheLastLinkOperation) {
+TEST_F(AnalyzerLinkTest, TheNumberOfTriesDependsOnTheLastLinkOperation) {
     OpenBoard("PCIKite");
     UseSilence();
-    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(line->Written().size(), 2U) << "the phase is still identification";
     link->PollLiveStatus();
     ASSERT_TRUE(Eventually([&] { return link->CommLost(); }));
     line->ForgetLog();
-    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(line->Written().size(), 5U);
 }
 
-TEST_F(MachineTest, NoIdentityIsTakenInDemoMode) {
+TEST_F(AnalyzerLinkTest, NoIdentityIsTakenInDemoMode) {
     portOpens = false;
     link->Connect(57600); // asks for it like any other
     EXPECT_EQ(link->Identity().modelString, "Demo Mode");
@@ -322,7 +322,7 @@ TEST_F(MachineTest, NoIdentityIsTakenInDemoMode) {
 }
 
 // Seen by the number of tries, which follows the last operation of the link that did.
-TEST_F(MachineTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
+TEST_F(AnalyzerLinkTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
     portOpens = false;
     static_cast<void>(link->Open());
     link->ReadIdentity();
@@ -332,22 +332,22 @@ TEST_F(MachineTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
     portOpens = true;
     OpenLink();
     UseSilence();
-    EXPECT_FALSE(link->Exchange(CmdStartTrace));
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(line->Written().size(), 2U) << "the phase is still identification";
 }
 
-TEST_F(MachineTest, OpenLeavesDemoMode) {
+TEST_F(AnalyzerLinkTest, OpenLeavesDemoMode) {
     portOpens = false;
     static_cast<void>(link->Open());
     ASSERT_TRUE(link->IsDemoMode());
     portOpens = true;
     static_cast<void>(link->Open());
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_THAT(board.functions, ElementsAre(11));
 }
 
-TEST_F(MachineTest, OpenAfterAFallOnTheLinksThreadWorks) {
+TEST_F(AnalyzerLinkTest, OpenAfterAFallOnTheLinksThreadWorks) {
     UseSilence();
     OpenLink();
     link->ReadIdentity();
@@ -356,26 +356,26 @@ TEST_F(MachineTest, OpenAfterAFallOnTheLinksThreadWorks) {
     link->Connect(9600);
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_EQ(line->OpenPorts(), 1);
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(MachineTest, OpenWorksOverALivePort) {
+TEST_F(AnalyzerLinkTest, OpenWorksOverALivePort) {
     OpenLink();
-    EXPECT_TRUE(link->Exchange(CmdStartTrace));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     for (int i = 0; i < 3; ++i) {
         static_cast<void>(link->Open());
         EXPECT_EQ(line->OpenPorts(), 1);
-        EXPECT_TRUE(link->Exchange(CmdStopTrace));
+        EXPECT_TRUE(link->Exchange(RunCommand(CmdStopTrace)));
     }
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(MachineTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
+TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
-    auto running = Start(CmdStartTrace);
-    auto waiting = Start(CmdStopTrace);
+    auto running = Start(RunCommand(CmdStartTrace));
+    auto waiting = Start(RunCommand(CmdStopTrace));
     UseBoard();
     line->SetClockRuns(true);
     static_cast<void>(link->Open());
@@ -384,14 +384,14 @@ TEST_F(MachineTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
 }
 
 /// A read that the board owes, and another that waits behind it, when the link leaves.
-class LeavingTest : public MachineTest {
+class LeavingTest : public AnalyzerLinkTest {
 protected:
     void SetUp() override {
         OpenLink();
         line->SetClockRuns(false);
         UseSilence();
-        onTheWire = Start(CmdReadMemory, {.length = 1, .data = &byte});
-        waiting = Start(CmdReadMemory, {.length = 1, .data = &byte});
+        onTheWire = Start(ReadRegisters(0, {&byte, 1}));
+        waiting = Start(ReadRegisters(0, {&byte, 1}));
     }
     void ExpectFailed() {
         EXPECT_EQ(onTheWire.get().result, LinkTransferFailed);
@@ -407,7 +407,7 @@ TEST_F(LeavingTest, ForNoPortEndsNothingAsGood) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
     static_cast<void>(link->Open());
     ExpectFailed();
-    EXPECT_TRUE(link->Exchange(CmdStartTrace)) << "submitted with no port";
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted with no port";
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
@@ -422,13 +422,13 @@ TEST_F(LeavingTest, ByClosingEndsNothingAsGood) {
     link->Close();
     ExpectFailed();
     EXPECT_FALSE(link->IsDemoMode());
-    EXPECT_TRUE(link->Exchange(CmdStartTrace)) << "submitted with no port";
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted with no port";
     link->Close();
     static_cast<void>(link->Open());
     EXPECT_EQ(line->OpenPorts(), 1);
 }
 
-TEST_F(MachineTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMode) {
+TEST_F(AnalyzerLinkTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMode) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -440,7 +440,7 @@ TEST_F(MachineTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMode) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(MachineTest, ABusThatIsOwedWhenTheLinkLeavesIsNoNews) {
+TEST_F(AnalyzerLinkTest, ABusThatIsOwedWhenTheLinkLeavesIsNoNews) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -451,7 +451,7 @@ TEST_F(MachineTest, ABusThatIsOwedWhenTheLinkLeavesIsNoNews) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(MachineTest, ALiveStatusThatIsOwedWhenTheLinkLeavesIsLost) {
+TEST_F(AnalyzerLinkTest, ALiveStatusThatIsOwedWhenTheLinkLeavesIsLost) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -462,7 +462,7 @@ TEST_F(MachineTest, ALiveStatusThatIsOwedWhenTheLinkLeavesIsLost) {
 
 // Giving up.
 
-TEST_F(MachineTest, AnExchangeEndsWhenTheProgramGivesUp) {
+TEST_F(AnalyzerLinkTest, AnExchangeEndsWhenTheProgramGivesUp) {
     OpenLink();
     // The board acknowledges the first frame of the command and no other.
     line->SetAnswer([](const Bytes& sent, int) {
@@ -474,18 +474,19 @@ TEST_F(MachineTest, AnExchangeEndsWhenTheProgramGivesUp) {
         longest = waited;
         return waited >= 500ms;
     });
-    EXPECT_FALSE(link->Exchange(CmdReadMemory, {.address = 15, .length = 1}));
+    std::uint8_t byte = 0;
+    EXPECT_FALSE(link->Exchange(ReadRegisters(15, {&byte, 1})));
     EXPECT_GE(longest, 500ms);
     EXPECT_LT(longest, 5s);
     EXPECT_EQ(line->OpenPorts(), 0);
     UseBoard();
     OpenLink();
-    EXPECT_TRUE(link->Exchange(CmdStartTrace)) << "after another Open";
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "after another Open";
 }
 
 // Identity.
 
-TEST_F(MachineTest, TheBoardIsIdentifiedUntilTheNextOpen) {
+TEST_F(AnalyzerLinkTest, TheBoardIsIdentifiedUntilTheNextOpen) {
     OpenLink();
     EXPECT_FALSE(link->IsIdentified());
     OpenBoard("PCIKite");
@@ -494,7 +495,7 @@ TEST_F(MachineTest, TheBoardIsIdentifiedUntilTheNextOpen) {
     EXPECT_FALSE(link->IsIdentified()) << "it may be another board";
 }
 
-TEST_F(MachineTest, AnIdentityThatComesTooLateIsMissed) {
+TEST_F(AnalyzerLinkTest, AnIdentityThatComesTooLateIsMissed) {
     SetModel("PCIKite");
     line->SetClockRuns(false);
     Bytes owed;
@@ -521,21 +522,21 @@ TEST_F(MachineTest, AnIdentityThatComesTooLateIsMissed) {
                             "accept the\nUtilities/Setup dialog to connect again."));
 }
 
-TEST_F(MachineTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
+TEST_F(AnalyzerLinkTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
     settings.WriteProfileInt(setup, "BaudRate", 9600);
     line->Arrive({'*'});
     static_cast<void>(link->Open());
-    EXPECT_TRUE(link->Exchange(CmdStartSearch));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartSearch)));
     EXPECT_THAT(board.functions, ElementsAre(13));
 }
 
-TEST_F(MachineTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
+TEST_F(AnalyzerLinkTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
     OpenLink();
     HeldCompletion held;
     UseSilence();
     line->SetClockRuns(false);
     link->Submit(held.Request(CmdStartTrace));
-    auto second = Start(CmdStopTrace); // waits behind the first
+    auto second = Start(RunCommand(CmdStopTrace)); // waits behind the first
     line->Arrive({'*'});
     held.AwaitStart();
     UseBoard();
@@ -544,11 +545,11 @@ TEST_F(MachineTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
     EXPECT_EQ(line->OpenPorts(), 1) << "the old port is closed all the same";
     EXPECT_EQ(second.get().result, LinkOk);
     held.Release();
-    EXPECT_TRUE(link->Exchange(CmdStartSearch));
+    EXPECT_TRUE(link->Exchange(RunCommand(CmdStartSearch)));
     EXPECT_THAT(board.functions, ElementsAre(12, 13)) << "the second went out once";
 }
 
-TEST_F(MachineTest, WaitIdleWaitsForTheLastCompletionToo) {
+TEST_F(AnalyzerLinkTest, WaitIdleWaitsForTheLastCompletionToo) {
     OpenLink();
     HeldCompletion held;
     link->Submit(held.Request(CmdStartTrace));
@@ -562,7 +563,7 @@ TEST_F(MachineTest, WaitIdleWaitsForTheLastCompletionToo) {
     releaser.join();
 }
 
-TEST_F(MachineTest, TheDestructorClosesThePort) {
+TEST_F(AnalyzerLinkTest, TheDestructorClosesThePort) {
     OpenLink();
     EXPECT_EQ(line->OpenPorts(), 1);
     link.reset();
@@ -571,64 +572,58 @@ TEST_F(MachineTest, TheDestructorClosesThePort) {
 
 // Requests with no port.
 
-TEST_F(MachineTest, WithNoPortTheCompletionRunsBeforeSubmitReturns) {
+TEST_F(AnalyzerLinkTest, WithNoPortTheCompletionRunsBeforeSubmitReturns) {
     std::uint8_t reply = 0x77;
-    auto done = Start(CmdReadMemory, {.length = 1, .data = &reply});
+    auto done = Start(ReadRegisters(0, {&reply, 1}));
     ASSERT_EQ(done.wait_for(0s), std::future_status::ready);
     EXPECT_EQ(done.get().result, LinkOk);
     EXPECT_EQ(reply, 0x77) << "no data are written";
 }
 
-TEST_F(MachineTest, EveryCommandSucceedsWithNoPort) {
+TEST_F(AnalyzerLinkTest, EveryCommandSucceedsWithNoPort) {
     for (std::int32_t command = 0; command <= 53; ++command) {
-        EXPECT_TRUE(link->Exchange(command)) << command;
+        EXPECT_TRUE(link->Exchange(NewRequest(command))) << command;
     }
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(MachineTest, ALongChainOfCompletionsDoesNotGrowTheStack) {
+TEST_F(AnalyzerLinkTest, ALongChainOfCompletionsDoesNotGrowTheStack) {
     struct Chain {
         CAnalyzerLink& link;
         int left;
         std::uintptr_t lowest;
         std::uintptr_t highest;
-        static void Next(LinkRequest* finished) {
-            auto* chain = static_cast<Chain*>(finished->owner);
-            delete finished;
-            const auto here = reinterpret_cast<std::uintptr_t>(&chain);
-            chain->lowest = std::min(chain->lowest, here);
-            chain->highest = std::max(chain->highest, here);
-            if (--chain->left > 0) {
-                chain->link.Submit(CAnalyzerLink::NewRequest(CmdDownloadRecord, chain, &Next));
+        void Next() {
+            const int onStack = 0;
+            const auto here = reinterpret_cast<std::uintptr_t>(&onStack);
+            lowest = std::min(lowest, here);
+            highest = std::max(highest, here);
+            if (--left > 0) {
+                Submit();
             }
         }
+        void Submit() {
+            link.Submit(NewRequest(CmdDownloadRecord, [this](const LinkRequestPtr&) { Next(); }));
+        }
     } chain{*link, 100000, UINTPTR_MAX, 0};
-    link->Submit(CAnalyzerLink::NewRequest(CmdDownloadRecord, &chain, &Chain::Next));
+    chain.Submit();
     EXPECT_EQ(chain.left, 0) << "the whole chain has run when the first Submit returns";
     EXPECT_EQ(chain.lowest, chain.highest);
 }
 
-TEST_F(MachineTest, AnExchangeInsideACompletionWithNoPortEnds) {
-    struct Nested {
-        CAnalyzerLink& link;
-        std::vector<int> order;
-    } nested{*link, {}};
-    link->Submit(CAnalyzerLink::NewRequest(CmdStartTrace, &nested, [](LinkRequest* finished) {
-        auto* outer = static_cast<Nested*>(finished->owner);
-        delete finished;
-        outer->link.Submit(CAnalyzerLink::NewRequest(CmdStopTrace, outer, [](LinkRequest* inner) {
-            static_cast<Nested*>(inner->owner)->order.push_back(1);
-            delete inner;
-        }));
-        EXPECT_TRUE(outer->link.Exchange(CmdStartSearch));
-        outer->order.push_back(2);
+TEST_F(AnalyzerLinkTest, AnExchangeInsideACompletionWithNoPortEnds) {
+    std::vector<int> order;
+    link->Submit(NewRequest(CmdStartTrace, [&](const LinkRequestPtr&) {
+        link->Submit(NewRequest(CmdStopTrace, [&](const LinkRequestPtr&) { order.push_back(1); }));
+        EXPECT_TRUE(link->Exchange(RunCommand(CmdStartSearch)));
+        order.push_back(2);
     }));
-    EXPECT_THAT(nested.order, ElementsAre(1, 2));
+    EXPECT_THAT(order, ElementsAre(1, 2));
 }
 
 // Bus configuration.
 
-TEST_F(MachineTest, ReadBusConfigReadsTwoBytesAtRegister18) {
+TEST_F(AnalyzerLinkTest, ReadBusConfigReadsTwoBytesAtRegister18) {
     OpenBoard("VMEKite");
     board.contents[18] = {0x83, 16};
     BusConfig bus;
@@ -638,21 +633,24 @@ TEST_F(MachineTest, ReadBusConfigReadsTwoBytesAtRegister18) {
                                              Bytes{12, 0}, Bytes{2, 1}));
 }
 
-TEST_F(MachineTest, WriteBusConfigSendsTwoBytesToRegister18) {
+TEST_F(AnalyzerLinkTest, WriteBusConfigSendsTwoBytesToRegister18) {
     OpenBoard("PCIKite");
     link->WriteBusConfig({1, 1, 0, 133, 1});
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x85, 133}}));
     EXPECT_EQ(link->Traits().bus, (BusConfig{1, 1, 0, 133, 1}));
 }
 
-TEST_F(MachineTest, ABusConfigRecordOfACallerIsEncodedFromItsData) {
+TEST_F(AnalyzerLinkTest, ABusConfigRecordOfACallerIsEncodedFromItsData) {
     OpenLink();
     const BusConfig bus{4, 0, 1, 300, 0};
-    EXPECT_TRUE(link->Exchange(CmdSetBusConfig, {.data = &bus}));
+    EXPECT_TRUE(link->Exchange(WritePayload(CmdSetBusConfig, [&] {
+        const auto block = EncodeBusConfig(bus);
+        return Bytes(block.begin(), block.end());
+    })));
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x12, 44}}));
 }
 
-TEST_F(MachineTest, AFailedBusReadOrWriteIsReportedAndTheFieldsStay) {
+TEST_F(AnalyzerLinkTest, AFailedBusReadOrWriteIsReportedAndTheFieldsStay) {
     OpenBoard("PCIKite");
     link->WriteBusConfig({1, 1, 0, 133, 0});
     UseSilence();
@@ -667,7 +665,7 @@ TEST_F(MachineTest, AFailedBusReadOrWriteIsReportedAndTheFieldsStay) {
     EXPECT_FALSE(link->IsDemoMode());
 }
 
-TEST_F(MachineTest, AFailedChangeOfRateIsReported) {
+TEST_F(AnalyzerLinkTest, AFailedChangeOfRateIsReported) {
     OpenLink();
     UseSilence();
     link->SetBaudRate(19200);
@@ -675,7 +673,7 @@ TEST_F(MachineTest, AFailedChangeOfRateIsReported) {
     EXPECT_THAT(prompts.Texts(), ElementsAre(communicationsError));
 }
 
-TEST_F(MachineTest, InDemoModeTheBusConfigIsWhatWasWrittenLastAndDecidesTheFamily) {
+TEST_F(AnalyzerLinkTest, InDemoModeTheBusConfigIsWhatWasWrittenLastAndDecidesTheFamily) {
     portOpens = false;
     static_cast<void>(link->Open());
     int changes = 0;
@@ -689,7 +687,7 @@ TEST_F(MachineTest, InDemoModeTheBusConfigIsWhatWasWrittenLastAndDecidesTheFamil
     EXPECT_EQ(bus, (BusConfig{.busMode = BusVme}));
 }
 
-TEST_F(MachineTest, WithABoardTheFamilyListenerIsNotCalled) {
+TEST_F(AnalyzerLinkTest, WithABoardTheFamilyListenerIsNotCalled) {
     OpenBoard("PCIKite");
     int changes = 0;
     link->SetFamilyListener([&] { ++changes; });
@@ -697,7 +695,7 @@ TEST_F(MachineTest, WithABoardTheFamilyListenerIsNotCalled) {
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(MachineTest, ASavedBusConfigIsCorrectedByTheModelAndClearsTheMasterLock) {
+TEST_F(AnalyzerLinkTest, ASavedBusConfigIsCorrectedByTheModelAndClearsTheMasterLock) {
     OpenBoard("VMEKite");
     board.contents[18] = {0x80, 0};
     BusConfig bus;
@@ -713,7 +711,7 @@ TEST_F(MachineTest, ASavedBusConfigIsCorrectedByTheModelAndClearsTheMasterLock) 
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x14, 40}}));
 }
 
-TEST_F(MachineTest, ASavedBusConfigHasZerosForWhatIsNotStored) {
+TEST_F(AnalyzerLinkTest, ASavedBusConfigHasZerosForWhatIsNotStored) {
     OpenBoard("PCIKite");
     settings.WriteProfileInt(setup, "SaveBusConfig", 1);
     link->LoadBusConfig();
@@ -722,7 +720,7 @@ TEST_F(MachineTest, ASavedBusConfigHasZerosForWhatIsNotStored) {
 
 // Live status.
 
-TEST_F(MachineTest, TheLiveStatusIsNineBytesAtRegister425) {
+TEST_F(AnalyzerLinkTest, TheLiveStatusIsNineBytesAtRegister425) {
     OpenBoard("PCIKite");
     board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
     link->PollLiveStatus();
@@ -737,7 +735,7 @@ TEST_F(MachineTest, TheLiveStatusIsNineBytesAtRegister425) {
                                              Bytes{12, 0}, Bytes{2, 1}));
 }
 
-TEST_F(MachineTest, ClearingTheLiveStatusLeavesTheOccurrences) {
+TEST_F(AnalyzerLinkTest, ClearingTheLiveStatusLeavesTheOccurrences) {
     OpenBoard("PCIKite");
     board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
     link->PollLiveStatus();
@@ -751,7 +749,7 @@ TEST_F(MachineTest, ClearingTheLiveStatusLeavesTheOccurrences) {
     EXPECT_EQ(link->GetEventOccurrences(), 0x0807);
 }
 
-TEST_F(MachineTest, ALostLiveStatusIsAFlagAndZerosWithoutAMessage) {
+TEST_F(AnalyzerLinkTest, ALostLiveStatusIsAFlagAndZerosWithoutAMessage) {
     OpenBoard("PCIKite");
     board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
     link->PollLiveStatus();
@@ -770,7 +768,7 @@ TEST_F(MachineTest, ALostLiveStatusIsAFlagAndZerosWithoutAMessage) {
     EXPECT_FALSE(link->CommLost()) << "cleared when the next read is issued";
 }
 
-TEST_F(MachineTest, ClearingTheLiveStatusForgetsThatTheBoardWasLost) {
+TEST_F(AnalyzerLinkTest, ClearingTheLiveStatusForgetsThatTheBoardWasLost) {
     OpenBoard("PCIKite");
     UseSilence();
     link->PollLiveStatus();
@@ -779,7 +777,7 @@ TEST_F(MachineTest, ClearingTheLiveStatusForgetsThatTheBoardWasLost) {
     EXPECT_FALSE(link->CommLost());
 }
 
-TEST_F(MachineTest, TheFallIntoDemoModeClearsTheLiveStatus) {
+TEST_F(AnalyzerLinkTest, TheFallIntoDemoModeClearsTheLiveStatus) {
     OpenBoard("PCIKite");
     board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
     link->PollLiveStatus();
@@ -795,7 +793,7 @@ TEST_F(MachineTest, TheFallIntoDemoModeClearsTheLiveStatus) {
     EXPECT_EQ(link->GetEventOccurrences(), 0);
 }
 
-TEST_F(MachineTest, InDemoModeTheLiveStatusReadsAsZero) {
+TEST_F(AnalyzerLinkTest, InDemoModeTheLiveStatusReadsAsZero) {
     OpenBoard("PCIKite");
     board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
     link->PollLiveStatus();
@@ -812,14 +810,14 @@ TEST_F(MachineTest, InDemoModeTheLiveStatusReadsAsZero) {
     EXPECT_EQ(link->GetEventOccurrences(), 0);
 }
 
-TEST_F(MachineTest, AKeepAliveIsNotForASerialPort) {
+TEST_F(AnalyzerLinkTest, AKeepAliveIsNotForASerialPort) {
     OpenLink();
     link->SendKeepAlive();
     link->WaitIdle();
     EXPECT_THAT(line->Written(), IsEmpty());
 }
 
-TEST_F(MachineTest, TheInstanceIsTheLinkConstructedLast) {
+TEST_F(AnalyzerLinkTest, TheInstanceIsTheLinkConstructedLast) {
     EXPECT_EQ(&CAnalyzerLink::Instance(), link.get());
 }
 
