@@ -59,12 +59,15 @@ QSize DialogUnits(const QWidget& widget, int across, int down) {
 
 void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, CellAlign align,
                   bool ellipsis) {
-    if (cell.width() < 1 || QStringView(text).trimmed().isEmpty()) {
-        return; // blanks stay blank where they do not fit, too
+    if (text.isEmpty() || cell.width() < 1) {
+        return;
     }
     const QFontMetrics metrics = painter.fontMetrics();
     QString shown = text;
     int width = metrics.horizontalAdvance(shown);
+    if (width > cell.width() && QStringView(text).trimmed().isEmpty()) {
+        return; // nothing is lost of blanks
+    }
     if (ellipsis && width > cell.width()) {
         shown = metrics.elidedText(text, Qt::ElideRight, cell.width());
         width = metrics.horizontalAdvance(shown);
