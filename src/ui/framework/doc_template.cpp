@@ -58,6 +58,8 @@ CMDIChildWnd* CMultiDocTemplate::CreateNewFrame(CDocument& document) {
     CMDIChildWnd* frame = factories_.makeFrame(document);
     frame->mayClose = [this, frame] { return MayClose(*frame); };
     frame->closed = [this, frame, &document] { FrameClosed(frame, &document); };
+    frame->commands.On(CommandId::FileSave, [this, &document] { DoSave(document, false); });
+    frame->commands.On(CommandId::FileSaveAs, [this, &document] { DoSave(document, true); });
     frames_.push_back(frame);
     const QSize size = frame->size();
     area_.addSubWindow(frame);

@@ -30,6 +30,10 @@ bool SameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
+QString MenuText(QString name) {
+    return name.replace('&', "&&");
+}
+
 QStringList MenuNamesOf(const QStringList& paths) {
     QStringList names;
     for (const QString& path : paths) {
@@ -40,7 +44,7 @@ QStringList MenuNamesOf(const QStringList& paths) {
         const bool isAlone = names.count(names[i]) == 1;
         const QString text =
             isAlone ? names[i] : names[i] + " (" + QFileInfo(paths[i]).path() + ")";
-        shown << QString(text).replace('&', "&&"); // no mnemonic
+        shown << MenuText(text);
     }
     return shown;
 }

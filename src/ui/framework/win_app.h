@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/framework/command_map.h"
 #include "ui/framework/doc_template.h"
 
 #include <QStringList>
@@ -10,6 +11,8 @@ namespace busquill {
 
 class Settings;
 
+/// A name as the text of a menu's entry, without a mnemonic.
+[[nodiscard]] QString MenuText(QString name);
 /// The files' names for a menu, with the folder where several have the same name.
 [[nodiscard]] QStringList MenuNamesOf(const QStringList& paths);
 
@@ -37,6 +40,9 @@ public:
 
     [[nodiscard]] QStringList RecentFiles() const;
     void AddRecentFile(const std::string& path);
+
+    /// What the application carries out, whatever is active.
+    CommandMap commands;
 
 protected:
     void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added);

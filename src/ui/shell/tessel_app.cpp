@@ -49,6 +49,13 @@ CTesselApp::CTesselApp(const Parts& parts)
                                static_cast<CTesselDoc&>(document), context.traceViewKind,
                                area_.width());
     };
+    commands.On(CommandId::FileOpen, [this] { OnFileOpen(area_.window()); });
+    commands.On(
+        CommandId::NewStateTrace, [this] { NewStateTrace(); },
+        [this] { return FindRealTimeView(TraceViewKind::State) == nullptr; });
+    commands.On(
+        CommandId::NewWaveformTrace, [this] { NewWaveformTrace(); },
+        [this] { return FindRealTimeView(TraceViewKind::Waveform) == nullptr; });
     for (std::size_t i = 0; i < templateCount; ++i) {
         AddDocTemplate(std::make_unique<CMultiDocTemplate>(
             docStrings[i], i == 0 ? trace : CMultiDocTemplate::Factories(), area_, prompts_));
