@@ -246,7 +246,7 @@ void CMainFrame::FillDynamicEntries() {
     int number = 1;
     for (QMdiSubWindow* window : area_->subWindowList()) {
         auto* action =
-            new QAction(QString("&%1 %2").arg(number++).arg(window->windowTitle()), this);
+            new QAction(QString("&%1 %2").arg(number++).arg(MenuText(window->windowTitle())), this);
         action->setCheckable(true);
         action->setChecked(window == area_->activeSubWindow());
         connect(action, &QAction::triggered, area_,

@@ -550,6 +550,23 @@ TEST(HelpPage, MissingTopicOpensTheContents) {
     EXPECT_EQ(HelpPage(999), ":/manual/index.md");
 }
 
+TEST_F(InDemoMode, TheWindowMenuShowsAnAmpersandOfAName) {
+    std::filesystem::copy(dir.File("Trigger2.tra"), dir.File("a&b.tra"));
+    program->App().OpenDocumentFile(dir.File("a&b.tra"));
+    Entry("Window/Cascade"); // the menu has been opened
+    QStringList texts;
+    for (const QAction* menu : Frame().menuBar()->actions()) {
+        if (menu->text() == "&Window") {
+            for (const QAction* action : menu->menu()->actions()) {
+                texts << action->text();
+            }
+        }
+    }
+    ASSERT_TRUE(Active().windowTitle().startsWith("Trace - a&b ("));
+    EXPECT_TRUE(texts.contains("&1 " + Active().windowTitle().replace('&', "&&")))
+        << texts.join('\n').toStdString();
+}
+
 TEST_F(InDemoMode, WindowMenuListsAndActivatesWindows) {
     Choose("File/New/Capture/State");
     Choose("File/New/Capture/Waveform");
