@@ -65,6 +65,15 @@ CMultiDocTemplate* CWinApp::TemplateOf(const CDocument& document) const {
     return nullptr;
 }
 
+CMultiDocTemplate* CWinApp::TemplateNamed(std::string_view documentName) const {
+    for (const auto& each : templates_) {
+        if (each->Strings().documentName == documentName) {
+            return each.get();
+        }
+    }
+    return nullptr;
+}
+
 CDocument* CWinApp::OpenDocumentFile(const std::string& path) {
     CMultiDocTemplate* fitting = nullptr;
     for (const auto& each : templates_) {

@@ -293,7 +293,8 @@ void CMainFrame::ShowBusConfiguration() {
 
 void CMainFrame::ShowHelp(int topic) {
     if (help_ == nullptr) {
-        help_ = new HelpWindow(this);
+        help_ = new HelpWindow(this,
+                               app_ != nullptr ? app_->HelpTopics() : std::vector<HelpTopicPage>());
     }
     PlaceHelp();
     help_->ShowTopic(topic);

@@ -1,7 +1,7 @@
 #include "support/program_fixture_qt.h"
 #include "ui/display/wave_geometry.h"
 #include "ui/display/wave_window.h"
-#include "ui/shell/child_frame.h"
+#include "ui/trace/child_frame.h"
 
 namespace busquill::test {
 namespace {
