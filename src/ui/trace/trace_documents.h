@@ -13,7 +13,6 @@ class CMDIChildWnd;
 class CMultiDocTemplate;
 class CTesselDoc;
 class CTraceView;
-struct NewTraceContext;
 
 /// The program's traces: how their documents and windows are opened, and the rule that there is at
 /// most one real-time trace.
