@@ -331,6 +331,13 @@ TEST_F(LiveCapture, GoOnAFileMakesALiveTraceOfItsListsAndSetup) {
                                      "before creating a new one."));
     EXPECT_EQ(Windows().size(), 2);
     EXPECT_THAT(Run(), testing::Not(Contains(HasSubstr("start trace"))));
+    // What is opened next is no clone.
+    Choose("Window/2 " + Windows()[1]->windowTitle());
+    Choose("File/Close");
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    OpenFrame("State");
+    EXPECT_TRUE(Trace().IsRealTime());
+    EXPECT_NE(Trace().setup.name, "First memory write");
 }
 
 TEST_F(LiveCapture, TheDisplayButtonSwitchesOpensOrActivates) {
