@@ -66,9 +66,10 @@ Session::Session(const Arguments& arguments)
     }
     WaitForBoard(port);
     tables_.Load();
-    context_.realTimeStore = &store_;
-    context_.newDocRealTime = true;
-    document_ = std::make_unique<CTesselDoc>(context_, mainThread_);
+    NewTraceContext live;
+    live.realTimeStore = &store_;
+    live.newDocRealTime = true;
+    document_ = std::make_unique<CTesselDoc>(live, mainThread_);
     document_->OnNewDocument();
 }
 

@@ -53,7 +53,6 @@ private:
     CSampleStore store_; // outlives the link's thread
     CAnalyzerLink link_;
     SignalTables tables_;
-    NewTraceContext context_;
     std::unique_ptr<CTesselDoc> document_;
 };
 

@@ -21,7 +21,8 @@ UI = {
     "tracesetup": {"framework", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
-    "shell": {"framework", "link", "signals", "tracesetup", "capture", "display"},
+    "trace": {"framework", "tracesetup", "capture", "display"},
+    "shell": {"framework", "link", "signals", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -4,8 +4,8 @@
 #include "support/board_program_fixture_qt.h"
 #include "support/paths.h"
 #include "ui/display/trace_view.h"
-#include "ui/shell/child_frame.h"
-#include "ui/shell/trace_bar.h"
+#include "ui/trace/child_frame.h"
+#include "ui/trace/trace_bar.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -6,10 +6,10 @@
 #include "ui/display/trace_view.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
-#include "ui/shell/child_frame.h"
 #include "ui/shell/command_line.h"
 #include "ui/shell/program.h"
-#include "ui/shell/trace_bar.h"
+#include "ui/trace/child_frame.h"
+#include "ui/trace/trace_bar.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -21,26 +21,27 @@ bool BitOf(const std::vector<std::uint32_t>& bits, std::int64_t index) noexcept 
 
 } // namespace
 
-CTesselDoc::CTesselDoc(NewTraceContext& context, Prompts& prompts)
-    : context_(context), prompts_(prompts), isRealTime_(context.newDocRealTime) {
+CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
+    : prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
+      realTimeStore_(context.realTimeStore), saveTrace_(context.saveTrace) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
 }
 
 // Any trace that goes ends the upload, the one of a file too.
 CTesselDoc::~CTesselDoc() {
-    if (context_.realTimeStore != nullptr) {
-        context_.realTimeStore->CancelUpload();
+    if (realTimeStore_ != nullptr) {
+        realTimeStore_->CancelUpload();
     }
 }
 
 bool CTesselDoc::OnNewDocument() {
-    if (context_.cloneSource != nullptr) {
-        waveformList.CopyFrom(context_.cloneSource->waveformList);
-        stateList.CopyFrom(context_.cloneSource->stateList);
-        zoomList.CopyFrom(context_.cloneSource->zoomList);
-        setup.CopyFrom(context_.cloneSource->setup);
-        context_.cloneSource = nullptr;
+    if (cloneSource_ != nullptr) {
+        waveformList.CopyFrom(cloneSource_->waveformList);
+        stateList.CopyFrom(cloneSource_->stateList);
+        zoomList.CopyFrom(cloneSource_->zoomList);
+        setup.CopyFrom(cloneSource_->setup);
+        cloneSource_ = nullptr;
     } else {
         BuildDefaultLists();
     }
@@ -61,8 +62,8 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
     if (!contents.loaded) {
         return false;
     }
-    context_.fileWantsStateView = contents.stateList;
-    context_.fileWantsZoomView = contents.zoomSamples;
+    hasStateList_ = contents.stateList;
+    hasZoomSamples_ = contents.zoomSamples;
     setupName = setup.name;
     fileName = BaseNameOf(path);
     RebuildMapsFromFile();
@@ -70,7 +71,7 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
 }
 
 bool CTesselDoc::OnSaveDocument(const std::string& path) {
-    return context_.saveTrace && context_.saveTrace(*this, path);
+    return saveTrace_ && saveTrace_(*this, path);
 }
 
 void CTesselDoc::OnSaved(const std::string& path) {
@@ -80,7 +81,7 @@ void CTesselDoc::OnSaved(const std::string& path) {
 }
 
 CSampleStore& CTesselDoc::GetStore() noexcept {
-    return isRealTime_ && context_.realTimeStore != nullptr ? *context_.realTimeStore : store;
+    return isRealTime_ && realTimeStore_ != nullptr ? *realTimeStore_ : store;
 }
 
 const CSampleStore& CTesselDoc::GetStore() const noexcept {

@@ -49,18 +49,13 @@ struct GoToSampleHint final : HintObject {
     bool zoom = false;
 };
 
-/// What the next trace frame shows.
-enum class TraceViewKind : std::int32_t { Waveform = 0, State = 1, PowerZoom = 2 };
-
 class CTesselDoc;
 
-/// What the application holds for the next trace document and its frame.
+/// What a trace document is made with.
 struct NewTraceContext {
-    TraceViewKind traceViewKind = TraceViewKind::Waveform;
     bool newDocRealTime = false;
-    bool fileWantsStateView = false; // set by the loader
-    bool fileWantsZoomView = false;  // likewise
-    CTesselDoc* cloneSource = nullptr;
+    /// A new document takes lists and setup from it.
+    const CTesselDoc* cloneSource = nullptr;
     CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
     /// Asks for a range and saves it; false when the user cancels.
     std::function<bool(CTesselDoc&, const std::string& path)> saveTrace;
@@ -70,9 +65,7 @@ struct NewTraceContext {
 /// made them, markers, and the maps from rows to samples.
 class CTesselDoc : public CDocument, public BlockObserver {
 public:
-    /// `context` is the application's; the document takes its flags and, when there is a source
-    /// to clone, lists and setup from it, and clears that.
-    CTesselDoc(NewTraceContext& context, Prompts& prompts);
+    CTesselDoc(const NewTraceContext& context, Prompts& prompts);
     ~CTesselDoc() override;
 
     bool OnNewDocument() override;
@@ -85,6 +78,10 @@ public:
 
     [[nodiscard]] bool IsRealTime() const noexcept { return isRealTime_; }
     [[nodiscard]] bool LoadedFromFile() const noexcept { return loadedFromFile_; }
+    /// Whether the file that was opened has a list of signals for the State display.
+    [[nodiscard]] bool HasStateList() const noexcept { return hasStateList_; }
+    /// Whether the file that was opened has Power Zoom samples.
+    [[nodiscard]] bool HasZoomSamples() const noexcept { return hasZoomSamples_; }
     /// The board's samples for the real-time document, else the file's.
     [[nodiscard]] CSampleStore& GetStore() noexcept;
     [[nodiscard]] const CSampleStore& GetStore() const noexcept;
@@ -166,10 +163,14 @@ private:
     void SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
                      std::int64_t limit, int firstHint);
 
-    NewTraceContext& context_;
     Prompts& prompts_;
-    bool isRealTime_ = false;
+    const bool isRealTime_;
+    const CTesselDoc* cloneSource_; // until the document is new
+    CSampleStore* const realTimeStore_;
+    const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
     bool loadedFromFile_ = false;
+    bool hasStateList_ = false;
+    bool hasZoomSamples_ = false;
     bool captureActive_ = false;
     bool hasData_ = false;
     std::vector<std::uint32_t> validBits_;

@@ -27,6 +27,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace busquill {
 
@@ -70,9 +71,43 @@ CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceVi
     connect(samples, &QScrollBar::sliderReleased, this, &CTraceView::SetSamplePosition);
     connect(signalBar, &QScrollBar::actionTriggered, this, &CTraceView::SignalAction);
     connect(display_, &TraceDisplay::LayoutChanged, this, &CTraceView::SetScrollBars);
+    MakeCommands();
 }
 
 CTraceView::~CTraceView() = default;
+
+void CTraceView::MakeCommands() {
+    constexpr std::pair<CommandId, GoToTarget> targets[] = {
+        {CommandId::GoToTrigger, GoToTarget::Trigger},
+        {CommandId::GoToMarker1, GoToTarget::Marker1},
+        {CommandId::GoToMarker2, GoToTarget::Marker2},
+        {CommandId::GoToStart, GoToTarget::Start},
+        {CommandId::GoToEnd, GoToTarget::End},
+    };
+    for (const auto& each : targets) {
+        const GoToTarget target = each.second;
+        commands.On(
+            each.first, [this, target] { GoTo(target); },
+            [this, target] { return CanGoTo(target); });
+    }
+    const auto canSearch = [this] { return CanSearchSamples(); };
+    commands.On(
+        CommandId::GoToSample, [this] { GoToNumber(); }, canSearch);
+    commands.On(CommandId::FindPattern, [this] { FindPattern(); });
+    commands.On(
+        CommandId::FindNext, [this] { Find(SearchDirection::Forward); }, canSearch);
+    commands.On(
+        CommandId::FindPrevious, [this] { Find(SearchDirection::Backward); }, canSearch);
+    commands.On(
+        CommandId::Filter, [this] { Filter(); }, [this] { return CanFilterSamples(); });
+    for (const bool in : {true, false}) {
+        commands.On(
+            in ? CommandId::ZoomIn : CommandId::ZoomOut, [this, in] { Zoom(in); },
+            [this, in] { return CanZoom(in); });
+    }
+    // A capture from a file never changes; Save As makes a copy.
+    commands.Forbid(CommandId::FileSave, [this] { return !Trace().IsRealTime(); });
+}
 
 CTesselDoc& CTraceView::Trace() const {
     return static_cast<CTesselDoc&>(*GetDocument());

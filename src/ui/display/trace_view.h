@@ -90,6 +90,7 @@ protected:
 private:
     [[nodiscard]] CSignalList& ListOf(CTesselDoc& document) const;
     [[nodiscard]] std::int64_t RowCount() const;
+    void MakeCommands();
     void LayOut();
     void SetScrollBars();
     void SetSamplePosition();

@@ -38,7 +38,16 @@ CMultiDocTemplate::~CMultiDocTemplate() {
 }
 
 CDocument* CMultiDocTemplate::OpenDocumentFile(const std::optional<std::string>& path) {
-    std::unique_ptr<CDocument> made = factories_.makeDocument();
+    CDocument* document = OpenDocument(factories_.makeDocument(), path, factories_.makeFrame);
+    if (document != nullptr && path) {
+        factories_.fileOpened(*document);
+    }
+    return document;
+}
+
+CDocument* CMultiDocTemplate::OpenDocument(std::unique_ptr<CDocument> made,
+                                           const std::optional<std::string>& path,
+                                           const MakeFrame& makeFrame) {
     CDocument& document = *made;
     document.SetTitle(strings_.documentName);
     const bool good = path ? document.OnOpenDocument(*path) : document.OnNewDocument();
@@ -50,14 +59,16 @@ CDocument* CMultiDocTemplate::OpenDocumentFile(const std::optional<std::string>&
     }
     document.SetModifiedFlag(false);
     documents_.push_back(std::move(made));
-    InitialUpdateFrame(*CreateNewFrame(document));
+    InitialUpdateFrame(*CreateNewFrame(document, makeFrame));
     return &document;
 }
 
-CMDIChildWnd* CMultiDocTemplate::CreateNewFrame(CDocument& document) {
-    CMDIChildWnd* frame = factories_.makeFrame(document);
+CMDIChildWnd* CMultiDocTemplate::CreateNewFrame(CDocument& document, const MakeFrame& makeFrame) {
+    CMDIChildWnd* frame = makeFrame(document);
     frame->mayClose = [this, frame] { return MayClose(*frame); };
     frame->closed = [this, frame, &document] { FrameClosed(frame, &document); };
+    frame->commands.On(CommandId::FileSave, [this, &document] { DoSave(document, false); });
+    frame->commands.On(CommandId::FileSaveAs, [this, &document] { DoSave(document, true); });
     frames_.push_back(frame);
     const QSize size = frame->size();
     area_.addSubWindow(frame);

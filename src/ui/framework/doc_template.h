@@ -33,10 +33,13 @@ struct DocStrings {
 /// frame that closes takes the document with it.
 class CMultiDocTemplate {
 public:
+    /// A frame with its view; the frame belongs to the caller.
+    using MakeFrame = std::function<CMDIChildWnd*(CDocument&)>;
     struct Factories {
         std::function<std::unique_ptr<CDocument>()> makeDocument;
-        /// A frame with its view; the frame belongs to the caller.
-        std::function<CMDIChildWnd*(CDocument&)> makeFrame;
+        MakeFrame makeFrame;
+        /// What is left to do for a file that has been opened.
+        std::function<void(CDocument&)> fileOpened = [](CDocument&) {};
     };
 
     CMultiDocTemplate(std::string_view docString, Factories factories, QMdiArea& area,
@@ -56,7 +59,10 @@ public:
     /// Opens a file, or a new document without one, always anew. Null when it cannot be opened;
     /// the document has then said why.
     CDocument* OpenDocumentFile(const std::optional<std::string>& path);
-    CMDIChildWnd* CreateNewFrame(CDocument& document);
+    /// The same with a document and a frame other than the usual ones.
+    CDocument* OpenDocument(std::unique_ptr<CDocument> made, const std::optional<std::string>& path,
+                            const MakeFrame& makeFrame);
+    CMDIChildWnd* CreateNewFrame(CDocument& document, const MakeFrame& makeFrame);
     /// Shows the frame and lets its view begin.
     void InitialUpdateFrame(CMDIChildWnd& frame);
 

@@ -8,6 +8,8 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <utility>
+
 namespace busquill {
 
 CMDIChildWnd::CMDIChildWnd(CDocument& document) : document_(document) {
@@ -18,11 +20,12 @@ CMDIChildWnd::CMDIChildWnd(CDocument& document) : document_(document) {
     layout_->setContentsMargins(0, 0, 0, 0);
     layout_->setSpacing(0);
     setWidget(inside);
+    commands.On(CommandId::FileClose, [this] { close(); });
 }
 
 CMDIChildWnd::~CMDIChildWnd() {
     // The view takes leave of the document, which may go with this window.
-    delete view_;
+    delete std::exchange(view_, nullptr);
     closed();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/framework/command_map.h"
+
 #include <QMdiSubWindow>
 
 #include <functional>
@@ -31,6 +33,8 @@ public:
     /// Set by the template: asked before the window closes, told when it is gone.
     std::function<bool()> mayClose = [] { return true; };
     std::function<void()> closed = [] {};
+    /// What the window carries out while it is the active one: Close, and what its template adds.
+    CommandMap commands;
 
 protected:
     void closeEvent(QCloseEvent* event) override;

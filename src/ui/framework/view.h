@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document/document.h"
+#include "ui/framework/command_map.h"
 
 #include <QWidget>
 
@@ -28,6 +29,9 @@ public:
     void OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) override {
         update();
     }
+
+    /// What the view carries out while it is the active one.
+    CommandMap commands;
 
 private:
     CDocument* document_ = nullptr;

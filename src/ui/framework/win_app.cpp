@@ -30,6 +30,10 @@ bool SameFile(const std::string& a, const std::string& b) {
 
 } // namespace
 
+QString MenuText(QString name) {
+    return name.replace('&', "&&");
+}
+
 QStringList MenuNamesOf(const QStringList& paths) {
     QStringList names;
     for (const QString& path : paths) {
@@ -40,7 +44,7 @@ QStringList MenuNamesOf(const QStringList& paths) {
         const bool isAlone = names.count(names[i]) == 1;
         const QString text =
             isAlone ? names[i] : names[i] + " (" + QFileInfo(paths[i]).path() + ")";
-        shown << QString(text).replace('&', "&&"); // no mnemonic
+        shown << MenuText(text);
     }
     return shown;
 }
@@ -56,6 +60,15 @@ CMultiDocTemplate* CWinApp::TemplateOf(const CDocument& document) const {
             if (owned.get() == &document) {
                 return each.get();
             }
+        }
+    }
+    return nullptr;
+}
+
+CMultiDocTemplate* CWinApp::TemplateNamed(std::string_view documentName) const {
+    for (const auto& each : templates_) {
+        if (each->Strings().documentName == documentName) {
+            return each.get();
         }
     }
     return nullptr;

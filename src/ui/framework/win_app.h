@@ -1,8 +1,15 @@
 #pragma once
 
+#include "ui/framework/command_map.h"
 #include "ui/framework/doc_template.h"
 
 #include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
 
 class QWidget;
 
@@ -10,6 +17,8 @@ namespace busquill {
 
 class Settings;
 
+/// A name as the text of a menu's entry, without a mnemonic.
+[[nodiscard]] QString MenuText(QString name);
 /// The files' names for a menu, with the folder where several have the same name.
 [[nodiscard]] QStringList MenuNamesOf(const QStringList& paths);
 
@@ -27,9 +36,12 @@ public:
     /// The template that a document belongs to, or null.
     [[nodiscard]] CMultiDocTemplate* TemplateOf(const CDocument& document) const;
 
+    /// The template whose documents have that name, or null.
+    [[nodiscard]] CMultiDocTemplate* TemplateNamed(std::string_view documentName) const;
+
     /// Opens a file by its extension; one that is open already comes to the front. Null when it
     /// cannot be opened, which has then been said.
-    virtual CDocument* OpenDocumentFile(const std::string& path);
+    CDocument* OpenDocumentFile(const std::string& path);
     /// Asks for a file and opens it.
     void OnFileOpen(QWidget* parent);
     /// Asks for every modified document. False when the user cancels.
@@ -38,9 +50,15 @@ public:
     [[nodiscard]] QStringList RecentFiles() const;
     void AddRecentFile(const std::string& path);
 
+    /// Opens the manual at a topic.
+    void ShowHelp(int topic) { showHelp(topic); }
+    /// Set by the main window, which shows it.
+    std::function<void(int topic)> showHelp = [](int) {};
+    /// What the application carries out, whatever is active.
+    CommandMap commands;
+
 protected:
     void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added);
-    void CloseTemplates() { templates_.clear(); }
 
     Settings& settings_;
     Prompts& prompts_;

@@ -5,38 +5,27 @@
 #include <QTextBrowser>
 #include <QToolBar>
 
+#include <algorithm>
+#include <utility>
+
 namespace busquill {
 
 namespace {
 
 constexpr auto manualRoot = ":/manual/";
+constexpr auto contents = "index.md";
 
 } // namespace
 
-QString HelpPage(int topic) {
-    const char* page = "index.md";
-    switch (topic) {
-    case HelpTopic::State:
-        page = "listing.md";
-        break;
-    case HelpTopic::Waveform:
-        page = "waveforms.md";
-        break;
-    case HelpTopic::TraceSetup:
-        page = "trace-setup.md";
-        break;
-    case HelpTopic::SetupWizard:
-        page = "setup-wizard.md";
-        break;
-    default:
-        break;
-    }
-    const QString path = QString(manualRoot) + page;
-    return QFile::exists(path) ? path : QString(manualRoot) + "index.md";
+QString HelpPage(const std::vector<HelpTopicPage>& topics, int topic) {
+    const auto found = std::find_if(topics.begin(), topics.end(),
+                                    [&](const HelpTopicPage& each) { return each.topic == topic; });
+    const QString path = QString(manualRoot) + (found == topics.end() ? contents : found->page);
+    return QFile::exists(path) ? path : QString(manualRoot) + contents;
 }
 
-HelpWindow::HelpWindow(QWidget* parent)
-    : QMainWindow(parent, Qt::Window), page_(new QTextBrowser(this)) {
+HelpWindow::HelpWindow(QWidget* parent, std::vector<HelpTopicPage> topics)
+    : QMainWindow(parent, Qt::Window), topics_(std::move(topics)), page_(new QTextBrowser(this)) {
     setWindowTitle("Busquill! Help");
     resize(760, 640);
     page_->setOpenExternalLinks(true);
@@ -53,7 +42,7 @@ HelpWindow::HelpWindow(QWidget* parent)
 }
 
 void HelpWindow::ShowTopic(int topic) {
-    page_->setSource(QUrl("qrc" + HelpPage(topic)), QTextDocument::MarkdownResource);
+    page_->setSource(QUrl("qrc" + HelpPage(topics_, topic)), QTextDocument::MarkdownResource);
     show();
     raise();
     activateWindow();

@@ -1,27 +1,31 @@
 #pragma once
 
+#include "ui/framework/feature.h"
+
 #include <QMainWindow>
+
+#include <vector>
 
 class QTextBrowser;
 
 namespace busquill {
 
-/// Pages of the manual by their topic number.
 namespace HelpTopic {
-enum : int { Contents = 11, State = 26, Waveform = 28, TraceSetup = 30, SetupWizard = 31 };
+enum : int { Contents = 11 };
 }
 
 /// The manual's page for a topic; the contents for a topic that has none.
-[[nodiscard]] QString HelpPage(int topic);
+[[nodiscard]] QString HelpPage(const std::vector<HelpTopicPage>& topics, int topic);
 
 /// Shows the manual's pages.
 class HelpWindow final : public QMainWindow {
     Q_OBJECT
 public:
-    explicit HelpWindow(QWidget* parent);
+    HelpWindow(QWidget* parent, std::vector<HelpTopicPage> topics);
     void ShowTopic(int topic);
 
 private:
+    const std::vector<HelpTopicPage> topics_;
     QTextBrowser* page_;
 };
 

@@ -1,14 +1,12 @@
 #include "ui/shell/main_frame.h"
 
-#include "capture/trace_document.h"
-#include "capture/trace_search.h"
 #include "link/analyzer_link.h"
-#include "ui/display/trace_view.h"
 #include "ui/framework/dialog_titles.h"
+#include "ui/framework/mdi_child.h"
+#include "ui/framework/view.h"
 #include "ui/framework/window_timer.h"
 #include "ui/link/board_info_dialog.h"
 #include "ui/link/bus_config_dialog.h"
-#include "ui/shell/child_frame.h"
 #include "ui/shell/command_line.h"
 #include "ui/shell/help_window.h"
 #include "ui/shell/tessel_app.h"
@@ -28,7 +26,7 @@
 #include <QToolBar>
 #include <QToolButton>
 
-#include <algorithm>
+#include <optional>
 
 // The resources lie in a library, which registers them only when it is asked to; the macro must
 // stand outside every namespace.
@@ -51,43 +49,18 @@ CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
     return dynamic_cast<CMDIChildWnd*>(area.activeSubWindow());
 }
 
-CTraceView* ActiveTraceView(const QMdiArea& area) {
-    const CMDIChildWnd* frame = ActiveFrame(area);
-    return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
-}
-
-/// False for a command that is none of a trace's.
-bool RunTraceCommand(CTraceView& trace, CommandId id) {
-    switch (id) {
-    case CommandId::GoToTrigger:
-    case CommandId::GoToMarker1:
-    case CommandId::GoToMarker2:
-    case CommandId::GoToStart:
-    case CommandId::GoToEnd:
-        trace.GoTo(static_cast<GoToTarget>(static_cast<int>(id) -
-                                           static_cast<int>(CommandId::GoToTrigger)));
-        return true;
-    case CommandId::GoToSample:
-        trace.GoToNumber();
-        return true;
-    case CommandId::FindPattern:
-        trace.FindPattern();
-        return true;
-    case CommandId::FindNext:
-    case CommandId::FindPrevious:
-        trace.Find(id == CommandId::FindNext ? SearchDirection::Forward
-                                             : SearchDirection::Backward);
-        return true;
-    case CommandId::Filter:
-        trace.Filter();
-        return true;
-    case CommandId::ZoomIn:
-    case CommandId::ZoomOut:
-        trace.Zoom(id == CommandId::ZoomIn);
-        return true;
-    default:
-        return false;
+/// The target that carries the command out now, or null; the first one that knows it decides.
+const CommandMap* WhoCanDo(CommandId id, const std::vector<const CommandMap*>& targets,
+                           const BoardTraits& board) {
+    if (!CommandOf(id).onBoard(board)) {
+        return nullptr;
     }
+    for (const CommandMap* target : targets) {
+        if (const std::optional<bool> can = target->CanDo(id)) {
+            return *can ? target : nullptr;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -105,6 +78,7 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread
     resize(usualSize.boundedTo(screen.size()));
     move(screen.center() - rect().center());
 
+    MakeCommands();
     MakeActions();
     MakeMenus();
     MakeToolbar();
@@ -227,42 +201,26 @@ QString CMainFrame::PaneText(int pane) const {
     return panes_[pane - 1]->text();
 }
 
-CommandState CMainFrame::State() const {
-    CommandState state;
-    state.board = link_.Traits();
-    if (app_ == nullptr) {
-        return state;
-    }
-    state.realTimeState = app_->FindRealTimeView(TraceViewKind::State) != nullptr;
-    state.realTimeWaveform = app_->FindRealTimeView(TraceViewKind::Waveform) != nullptr;
-    for (std::size_t i = 0; i < app_->Templates().size(); ++i) {
-        state.templates[i] = app_->Templates()[i]->IsAvailable();
-    }
-    state.hasWindows = !area_->subWindowList().isEmpty();
+std::vector<const CommandMap*> CMainFrame::Targets() const {
+    std::vector<const CommandMap*> targets;
     if (const CMDIChildWnd* frame = ActiveFrame(*area_)) {
-        state.hasDocument = true;
-        if (const auto* view = dynamic_cast<CTraceView*>(frame->GetActiveView())) {
-            state.traceActive = true;
-            state.canSave = view->Trace().IsRealTime();
-            state.canSearch = view->CanSearchSamples();
-            state.canFilter = view->CanFilterSamples();
-            state.canZoomIn = view->CanZoom(true);
-            state.canZoomOut = view->CanZoom(false);
-            for (int i = 0; i < 5; ++i) {
-                state.canGoTo[static_cast<std::size_t>(i)] =
-                    view->CanGoTo(static_cast<GoToTarget>(i));
-            }
-        } else {
-            state.canSave = true;
+        if (const CView* view = frame->GetActiveView()) {
+            targets.push_back(&view->commands);
         }
+        targets.push_back(&frame->commands);
     }
-    return state;
+    if (app_ != nullptr) {
+        targets.push_back(&app_->commands);
+    }
+    targets.push_back(&commands_);
+    return targets;
 }
 
 void CMainFrame::RefreshCommands() {
-    const CommandState state = State();
+    const std::vector<const CommandMap*> targets = Targets();
+    const BoardTraits board = link_.Traits();
     for (const auto& [id, action] : actions_) {
-        action->setEnabled(CommandOf(id).enabled(state));
+        action->setEnabled(WhoCanDo(id, targets, board) != nullptr);
     }
 }
 
@@ -288,7 +246,7 @@ void CMainFrame::FillDynamicEntries() {
     int number = 1;
     for (QMdiSubWindow* window : area_->subWindowList()) {
         auto* action =
-            new QAction(QString("&%1 %2").arg(number++).arg(window->windowTitle()), this);
+            new QAction(QString("&%1 %2").arg(number++).arg(MenuText(window->windowTitle())), this);
         action->setCheckable(true);
         action->setChecked(window == area_->activeSubWindow());
         connect(action, &QAction::triggered, area_,
@@ -299,79 +257,32 @@ void CMainFrame::FillDynamicEntries() {
 }
 
 void CMainFrame::Run(CommandId id) {
-    CTraceView* const trace = ActiveTraceView(*area_);
-    if (trace == nullptr || !RunTraceCommand(*trace, id)) {
-        RunFrameCommand(id);
+    if (const CommandMap* target = WhoCanDo(id, Targets(), link_.Traits())) {
+        target->Do(id);
     }
     RefreshCommands();
 }
 
-void CMainFrame::RunFrameCommand(CommandId id) {
-    switch (id) {
-    case CommandId::ViewToolbar:
-        toolBar_->setVisible(actions_[id]->isChecked());
-        break;
-    case CommandId::ViewStatusBar:
-        statusBar()->setVisible(actions_[id]->isChecked());
-        break;
-    case CommandId::BoardInfo:
-        CBoardInfoDialog(this, link_).exec();
-        break;
-    case CommandId::DefineSignals:
-        CDefineSignalDialog(this).exec();
-        break;
-    case CommandId::BusConfiguration:
-        ShowBusConfiguration();
-        break;
-    case CommandId::Cascade:
-        area_->cascadeSubWindows();
-        break;
-    case CommandId::Tile:
-        area_->tileSubWindows();
-        break;
-    case CommandId::HelpContents:
-    case CommandId::HelpTopics:
-        ShowHelp(HelpTopic::Contents);
-        break;
-    case CommandId::About:
-        ShowAbout();
-        break;
-    default:
-        RunFileCommand(id);
+void CMainFrame::MakeCommands() {
+    commands_.On(CommandId::FileNew, [] {}); // its button opens a menu
+    commands_.On(CommandId::Exit, [this] { close(); });
+    commands_.On(CommandId::ViewToolbar,
+                 [this] { toolBar_->setVisible(actions_[CommandId::ViewToolbar]->isChecked()); });
+    commands_.On(CommandId::ViewStatusBar, [this] {
+        statusBar()->setVisible(actions_[CommandId::ViewStatusBar]->isChecked());
+    });
+    commands_.On(CommandId::DefineSignals, [this] { CDefineSignalDialog(this).exec(); });
+    commands_.On(CommandId::BoardInfo, [this] { CBoardInfoDialog(this, link_).exec(); });
+    commands_.On(CommandId::BusConfiguration, [this] { ShowBusConfiguration(); });
+    const auto hasWindows = [this] { return !area_->subWindowList().isEmpty(); };
+    commands_.On(
+        CommandId::Cascade, [this] { area_->cascadeSubWindows(); }, hasWindows);
+    commands_.On(
+        CommandId::Tile, [this] { area_->tileSubWindows(); }, hasWindows);
+    for (const CommandId id : {CommandId::HelpContents, CommandId::HelpTopics}) {
+        commands_.On(id, [this] { ShowHelp(HelpTopic::Contents); });
     }
-}
-
-void CMainFrame::RunFileCommand(CommandId id) {
-    if (app_ == nullptr) {
-        return;
-    }
-    CMDIChildWnd* frame = ActiveFrame(*area_);
-    switch (id) {
-    case CommandId::NewStateTrace:
-        app_->NewStateTrace();
-        break;
-    case CommandId::NewWaveformTrace:
-        app_->NewWaveformTrace();
-        break;
-    case CommandId::FileOpen:
-        app_->OnFileOpen(this);
-        break;
-    case CommandId::FileClose:
-        area_->closeActiveSubWindow();
-        break;
-    case CommandId::FileSave:
-    case CommandId::FileSaveAs:
-        if (frame != nullptr) {
-            CDocument& document = frame->GetDocument();
-            app_->TemplateOf(document)->DoSave(document, id == CommandId::FileSaveAs);
-        }
-        break;
-    case CommandId::Exit:
-        close();
-        break;
-    default:
-        break;
-    }
+    commands_.On(CommandId::About, [this] { ShowAbout(); });
 }
 
 void CMainFrame::ShowBusConfiguration() {
@@ -382,7 +293,8 @@ void CMainFrame::ShowBusConfiguration() {
 
 void CMainFrame::ShowHelp(int topic) {
     if (help_ == nullptr) {
-        help_ = new HelpWindow(this);
+        help_ = new HelpWindow(this,
+                               app_ != nullptr ? app_->HelpTopics() : std::vector<HelpTopicPage>());
     }
     PlaceHelp();
     help_->ShowTopic(topic);

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "ui/shell/commands.h"
+#include "ui/framework/command_map.h"
 
 #include <QMainWindow>
 #include <QPointer>
 
 #include <map>
-#include <memory>
+#include <vector>
 
 class QLabel;
 class QMdiArea;
@@ -47,10 +47,10 @@ private:
     void MakeToolbar();
     void MakeStatusBar();
     [[nodiscard]] QMenu* MenuAt(const QString& path);
-    [[nodiscard]] CommandState State() const;
+    void MakeCommands();
+    /// Who is asked for a command, in that order.
+    [[nodiscard]] std::vector<const CommandMap*> Targets() const;
     void Run(CommandId id);
-    void RunFrameCommand(CommandId id);
-    void RunFileCommand(CommandId id);
     void FillDynamicEntries();
     void ShowBusConfiguration();
     void ShowAbout();
@@ -62,6 +62,7 @@ private:
     Settings& settings_;
     CTesselApp* app_ = nullptr;
     QMdiArea* area_;
+    CommandMap commands_;
     QToolBar* toolBar_ = nullptr;
     QLabel* panes_[4] = {};
     QPointer<HelpWindow> help_; // once it has been asked for

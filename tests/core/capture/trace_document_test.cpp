@@ -60,9 +60,10 @@ TEST_F(TraceDocument, CloneTakesListsAndSetupAndForgetsTheSource) {
     CTesselDoc clone(context, prompts);
     ASSERT_TRUE(clone.OnNewDocument());
     EXPECT_TRUE(clone.IsRealTime());
-    EXPECT_EQ(context.cloneSource, nullptr);
     EXPECT_EQ(clone.stateList[clone.stateList.Size() - 1].name, "mine");
     EXPECT_EQ(clone.setup.name, "setup");
+    ASSERT_TRUE(clone.OnNewDocument()); // of nobody's now
+    EXPECT_NE(clone.stateList[clone.stateList.Size() - 1].name, "mine");
 }
 
 TEST_F(TraceDocument, TriggerStandsOneBeforeWhereNothingFollowsIt) {

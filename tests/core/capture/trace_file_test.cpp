@@ -80,7 +80,7 @@ TEST_F(TraceFile, BuildsTheListsThatTheFileDoesNotHave) {
     ASSERT_TRUE(Load(header + Data(0, 0, Sample(0, 1))));
     EXPECT_FALSE(document->stateList.Empty());
     EXPECT_FALSE(document->waveformList.Empty());
-    EXPECT_FALSE(context.fileWantsStateView);
+    EXPECT_FALSE(document->HasStateList());
 }
 
 TEST_F(TraceFile, StateListOfTheFileIsShownAsState) {
@@ -89,7 +89,7 @@ TEST_F(TraceFile, StateListOfTheFileIsShownAsState) {
                                  "\"Signal\",\"IRDY\",\"IRDY\",\"\",\"\",\"\",-1,74\n"
                                  "\"End of State Signals\"\n") +
                      Data(0, 0, Sample(0, 1))));
-    EXPECT_TRUE(context.fileWantsStateView);
+    EXPECT_TRUE(document->HasStateList());
     ASSERT_EQ(document->stateList.Size(), 1U);
     EXPECT_EQ(document->stateList[0].name, "IRDY");
     EXPECT_EQ(document->stateList[0].numSamples, 1U);

@@ -330,8 +330,14 @@ TEST_F(LiveCapture, GoOnAFileMakesALiveTraceOfItsListsAndSetup) {
                 testing::ElementsAre("A real-time view already exists. Close the real-time view "
                                      "before creating a new one."));
     EXPECT_EQ(Windows().size(), 2);
-    EXPECT_EQ(program->App().context.cloneSource, nullptr);
     EXPECT_THAT(Run(), testing::Not(Contains(HasSubstr("start trace"))));
+    // What is opened next is no clone.
+    Choose("Window/2 " + Windows()[1]->windowTitle());
+    Choose("File/Close");
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    OpenFrame("State");
+    EXPECT_TRUE(Trace().IsRealTime());
+    EXPECT_NE(Trace().setup.name, "First memory write");
 }
 
 TEST_F(LiveCapture, TheDisplayButtonSwitchesOpensOrActivates) {

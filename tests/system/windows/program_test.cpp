@@ -2,7 +2,7 @@
 
 #include "support/board_program_fixture_qt.h"
 #include "ui/display/trace_view.h"
-#include "ui/shell/child_frame.h"
+#include "ui/trace/child_frame.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,198 +1,160 @@
-#include "ui/shell/commands.h"
+#include "support/program_fixture_qt.h"
+#include "ui/display/wave_geometry.h"
+#include "ui/display/wave_window.h"
+#include "ui/trace/child_frame.h"
 
-#include <QKeySequence>
-#include <gtest/gtest.h>
-
-#include <set>
-
-namespace busquill {
+namespace busquill::test {
 namespace {
 
-bool Enabled(CommandId id, const CommandState& state) {
-    return CommandOf(id).enabled(state);
+/// What the menus enable when.
+class Commands : public ProgramFixture {
+protected:
+    Commands() { StartDemo(); }
+    CTesselDoc& Trace() {
+        return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow()).Trace();
+    }
+    /// An empty trace that is bound to the board, where there are no stored captures.
+    void OpenLive(const QString& kind) {
+        std::filesystem::remove(dir.File("Trigger1.tra"));
+        std::filesystem::remove(dir.File("Trigger2.tra"));
+        Choose("File/New/Capture/" + kind);
+        ASSERT_TRUE(Trace().IsRealTime());
+    }
+    void OpenFile(const char* name = "Trigger2.tra") {
+        ASSERT_NE(program->App().OpenDocumentFile(dir.File(name)), nullptr);
+    }
+    bool Enabled(const QString& path) { return Entry(path).isEnabled(); }
+    /// Every entry of a menu and of those below it.
+    static QList<QAction*> Entries(const QMenu& menu) {
+        QList<QAction*> entries;
+        for (QAction* action : menu.actions()) {
+            entries << (action->menu() != nullptr ? Entries(*action->menu()) : QList{action});
+        }
+        return entries;
+    }
+};
+
+TEST_F(Commands, WithoutTheirDocumentNothingOpens) {
+    const QMenu& menu = *Entry("File/New").menu();
+    EXPECT_TRUE(Enabled("File/New/Capture/State"));
+    Frame().SetApplication(nullptr);
+    EXPECT_EQ(Entries(menu).size(), 14);
+    for (const QAction* action : Entries(menu)) {
+        EXPECT_FALSE(action->isEnabled()) << action->text().toStdString();
+    }
 }
 
-/// A board with every kind of document there is.
-CommandState On(const std::string& model, bool masterLock = false) {
-    CommandState state;
-    state.board.modelString = model;
-    state.board.bus.masterLock = masterLock ? 1 : 0;
-    state.templates.fill(true);
-    return state;
+TEST_F(Commands, OneRealTimeViewOfEachKind) {
+    OpenLive("State");
+    EXPECT_FALSE(Enabled("File/New/Capture/State"));
+    EXPECT_TRUE(Enabled("File/New/Capture/Waveform"));
+    Choose("File/Close");
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    OpenLive("Waveform");
+    EXPECT_TRUE(Enabled("File/New/Capture/State"));
+    EXPECT_FALSE(Enabled("File/New/Capture/Waveform"));
 }
 
-TEST(Commands, ExerciserAndTestsFollowTheBoard) {
-    struct Row {
-        const char* model;
-        bool master, configuration, target, compliance, anomaly, backplane;
+constexpr const char* targets[] = {"Trigger", "Marker 1", "Marker 2", "Start", "End"};
+
+TEST_F(Commands, GoToNeedsATraceAndItsTarget) {
+    const auto expect = [&](std::array<bool, 5> enabled) {
+        for (std::size_t i = 0; i < 5; ++i) {
+            EXPECT_EQ(Enabled(QString("Search/Go to/") + targets[i]), enabled[i]) << targets[i];
+        }
     };
-    const Row rows[] = {
-        {"PCIKite-1", true, true, true, true, true, true},
-        {"PCIWren-1", true, true, false, false, true, true},
-        {"VMEKite-1", true, true, true, false, true, true},
-        {"VMEWren-1", true, true, false, false, true, true},
-        {"VMELark-1", true, true, false, false, false, false},
-        {"VMEKiteP2-1", false, true, false, false, false, true},
-        {"VMEKiteP0-1", false, true, false, false, false, true},
-        {"VSBKite-1", true, true, true, false, false, true},
+    expect({});
+    OpenFile();
+    expect({true, false, false, true, true});
+    Trace().SetMarker(2, 5);
+    expect({true, false, true, true, true});
+    Trace().SetMarker(1, 5);
+    Trace().SetMarker(2, -1);
+    expect({true, true, false, true, true});
+    Trace().SetMarker(0, -1);
+    expect({false, true, false, true, true});
+    OpenLive("State"); // no samples
+    expect({});
+}
+
+TEST_F(Commands, SearchesNeedATraceThatIsNotRunning) {
+    const auto expect = [&](bool find, bool others) {
+        EXPECT_EQ(Enabled("Search/Find Pattern"), find);
+        for (const char* path : {"Search/Find Next", "Search/Find Previous",
+                                 "Search/Go to/Sample #", "Search/Filter"}) {
+            EXPECT_EQ(Enabled(path), others) << path;
+        }
     };
-    for (const Row& row : rows) {
-        const CommandState state = On(row.model);
-        EXPECT_EQ(Enabled(CommandId::NewMaster, state), row.master) << row.model;
-        EXPECT_EQ(Enabled(CommandId::NewConfiguration, state), row.configuration) << row.model;
-        EXPECT_EQ(Enabled(CommandId::NewStimulus, state), row.configuration) << row.model;
-        EXPECT_EQ(Enabled(CommandId::NewTarget, state), row.target) << row.model;
-        EXPECT_EQ(Enabled(CommandId::NewCompliance, state), row.compliance) << row.model;
-        EXPECT_EQ(Enabled(CommandId::NewAnomaly, state), row.anomaly) << row.model;
-        EXPECT_EQ(Enabled(CommandId::NewBackplane, state), row.backplane) << row.model;
-        EXPECT_TRUE(Enabled(CommandId::NewUtilization, state)) << row.model;
+    expect(false, false);
+    OpenFile();
+    expect(true, true);
+    OpenLive("State");
+    expect(true, true);
+    Trace().OnCaptureStarted();
+    expect(true, false);
+    Trace().OnCaptureStopped();
+    expect(true, true);
+}
+
+TEST_F(Commands, PowerZoomSamplesAreSearchedButNotFiltered) {
+    OpenFile("Trigger1.tra");
+    EXPECT_TRUE(Enabled("Search/Filter"));
+    Frame().Area().setActiveSubWindow(Windows().last());
+    EXPECT_TRUE(Enabled("Search/Find Next"));
+    EXPECT_FALSE(Enabled("Search/Filter"));
+}
+
+TEST_F(Commands, ZoomGoesAsFarAsTheWaveformsDo) {
+    const auto expect = [&](bool in, bool out) {
+        EXPECT_EQ(Enabled("View/Zoom In"), in);
+        EXPECT_EQ(Enabled("View/Zoom Out"), out);
+    };
+    expect(false, false);
+    OpenFile("Trigger1.tra");
+    expect(true, true);
+    auto& waves = *Windows().first()->findChild<CWaveformWnd*>();
+    waves.SetZoom(largestZoom);
+    expect(false, true);
+    waves.SetZoom(smallestZoom);
+    expect(true, false);
+    OpenFile("Trigger2.tra"); // a listing
+    expect(false, false);
+}
+
+TEST_F(Commands, UtilitiesThatExistAreAlwaysThere) {
+    for (const char* path : {"Utilities/Bus Configuration", "Utilities/Board Info", "File/Open...",
+                             "Help/Contents", "Help/About Busquill!"}) {
+        EXPECT_TRUE(Enabled(path)) << path;
     }
 }
 
-TEST(Commands, MasterLockForbidsDrivingTheBus) {
-    const CommandState state = On("PCIKite-1", true);
-    EXPECT_FALSE(Enabled(CommandId::NewMaster, state));
-    EXPECT_FALSE(Enabled(CommandId::NewConfiguration, state));
-    EXPECT_FALSE(Enabled(CommandId::NewStimulus, state));
-    EXPECT_FALSE(Enabled(CommandId::NewBackplane, state));
-    EXPECT_TRUE(Enabled(CommandId::NewTarget, state));
-    EXPECT_TRUE(Enabled(CommandId::NewCompliance, state));
-    EXPECT_TRUE(Enabled(CommandId::NewAnomaly, state));
+TEST_F(Commands, AnyDocumentCanBeSavedUnderAnotherName) {
+    EXPECT_FALSE(Enabled("File/Save") || Enabled("File/Save As..."));
+    OpenFile();
+    EXPECT_FALSE(Enabled("File/Save"));
+    EXPECT_TRUE(Enabled("File/Save As..."));
+    OpenLive("State");
+    EXPECT_TRUE(Enabled("File/Save"));
+    EXPECT_TRUE(Enabled("File/Save As..."));
 }
 
-TEST(Commands, WithoutTheirDocumentNothingOpens) {
-    CommandState state = On("PCIKite-1");
-    state.templates.fill(false);
-    for (const Command& command : Commands()) {
-        if (std::string(command.menu).starts_with("&File>&New")) {
-            EXPECT_FALSE(command.enabled(state)) << command.text;
+TEST_F(Commands, WindowsAreArrangedAndClosedWhereThereAreSome) {
+    const auto expect = [&](bool enabled) {
+        for (const char* path : {"File/Close", "Window/Cascade", "Window/Tile"}) {
+            EXPECT_EQ(Enabled(path), enabled) << path;
         }
-    }
+    };
+    expect(false);
+    OpenFile();
+    expect(true);
 }
 
-TEST(Commands, OneRealTimeViewOfEachKind) {
-    CommandState state = On("PCIKite-1");
-    state.realTimeState = true;
-    EXPECT_FALSE(Enabled(CommandId::NewStateTrace, state));
-    EXPECT_TRUE(Enabled(CommandId::NewWaveformTrace, state));
-    state = On("PCIKite-1");
-    state.realTimeWaveform = true;
-    EXPECT_TRUE(Enabled(CommandId::NewStateTrace, state));
-    EXPECT_FALSE(Enabled(CommandId::NewWaveformTrace, state));
-}
-
-TEST(Commands, GoToNeedsATraceAndItsTarget) {
-    const CommandId targets[] = {CommandId::GoToTrigger, CommandId::GoToMarker1,
-                                 CommandId::GoToMarker2, CommandId::GoToStart, CommandId::GoToEnd};
-    for (std::size_t i = 0; i < 5; ++i) {
-        CommandState state = On("PCIKite-1");
-        state.canGoTo[i] = true;
-        EXPECT_FALSE(Enabled(targets[i], state)) << i;
-        state.traceActive = true;
-        for (std::size_t j = 0; j < 5; ++j) {
-            EXPECT_EQ(Enabled(targets[j], state), i == j) << i << j;
-        }
-    }
-}
-
-TEST(Commands, SearchesNeedATraceThatIsNotRunning) {
-    CommandState state = On("PCIKite-1");
-    for (const auto id : {CommandId::FindPattern, CommandId::FindNext, CommandId::FindPrevious,
-                          CommandId::GoToSample, CommandId::Filter}) {
-        EXPECT_FALSE(Enabled(id, state));
-    }
-    state.traceActive = true;
-    EXPECT_TRUE(Enabled(CommandId::FindPattern, state));
-    EXPECT_FALSE(Enabled(CommandId::FindNext, state));
-    state.canSearch = true;
-    for (const auto id : {CommandId::FindNext, CommandId::FindPrevious, CommandId::GoToSample}) {
-        EXPECT_TRUE(Enabled(id, state));
-    }
-    EXPECT_FALSE(Enabled(CommandId::Filter, state));
-    state.canFilter = true;
-    EXPECT_TRUE(Enabled(CommandId::Filter, state));
-}
-
-TEST(Commands, ZoomGoesAsFarAsTheWaveformsDo) {
-    CommandState state = On("PCIKite-1");
-    state.traceActive = true;
-    EXPECT_FALSE(Enabled(CommandId::ZoomIn, state) || Enabled(CommandId::ZoomOut, state));
-    state.canZoomIn = true;
-    EXPECT_TRUE(Enabled(CommandId::ZoomIn, state));
-    EXPECT_FALSE(Enabled(CommandId::ZoomOut, state));
-    state = On("PCIKite-1");
-    state.canZoomOut = true;
-    EXPECT_FALSE(Enabled(CommandId::ZoomIn, state));
-    EXPECT_TRUE(Enabled(CommandId::ZoomOut, state));
-}
-
-TEST(Commands, UtilitiesThatExistAreAlwaysThere) {
-    const CommandState state;
-    EXPECT_TRUE(Enabled(CommandId::BusConfiguration, state));
-    EXPECT_TRUE(Enabled(CommandId::BoardInfo, state));
-    EXPECT_TRUE(Enabled(CommandId::FileOpen, state));
-    EXPECT_TRUE(Enabled(CommandId::HelpContents, state));
-    EXPECT_TRUE(Enabled(CommandId::About, state));
-}
-
-TEST(Commands, AnyDocumentCanBeSavedUnderAnotherName) {
-    CommandState state = On("PCIKite-1");
-    EXPECT_FALSE(Enabled(CommandId::FileSave, state) || Enabled(CommandId::FileSaveAs, state));
-    state.hasDocument = true; // such as a capture from a file
-    EXPECT_FALSE(Enabled(CommandId::FileSave, state));
-    EXPECT_TRUE(Enabled(CommandId::FileSaveAs, state));
-    state.canSave = true;
-    EXPECT_TRUE(Enabled(CommandId::FileSave, state));
-}
-
-TEST(Commands, WithoutAHandlerStayDisabled) {
-    CommandState state = On("PCIKite-1");
-    state.traceActive = state.hasDocument = state.canSave = state.hasWindows = true;
-    EXPECT_FALSE(Enabled(CommandId::ZoomToFit, state));
-    EXPECT_FALSE(Enabled(CommandId::Compare, state));
-    EXPECT_FALSE(Enabled(CommandId::ZoomIncrement, state));
-}
-
-TEST(Commands, EachStandsInTheMenusOnce) {
-    std::set<CommandId> seen;
-    for (const Command& command : Commands()) {
-        if (command.id != CommandId::None) {
-            EXPECT_TRUE(seen.insert(command.id).second) << command.text;
-        }
-    }
-}
-
-TEST(Commands, ShortcutsAreUnique) {
-    std::set<QKeySequence> seen;
-    for (const Command& command : Commands()) {
-        if (*command.shortcut != '\0') {
-            for (const QKeySequence& keys : QKeySequence::listFromString(command.shortcut)) {
-                EXPECT_FALSE(keys.isEmpty()) << command.shortcut;
-                EXPECT_TRUE(seen.insert(keys).second) << command.shortcut;
-            }
-        }
-    }
-}
-
-TEST(Toolbar, HasItsButtonsInOrder) {
-    using enum CommandId;
-    const CommandId expected[] = {
-        FileNew,      FileOpen,     FileSave,    None,           Cut,           Copy,
-        Paste,        None,         Print,       None,           NewStateTrace, NewWaveformTrace,
-        NewMaster,    NewStimulus,  NewTarget,   NewUtilization, NewCompliance, NewAnomaly,
-        NewBackplane, None,         GoToTrigger, GoToMarker1,    GoToMarker2,   GoToStart,
-        GoToEnd,      None,         ZoomIn,      ZoomOut,        None,          FindPattern,
-        FindNext,     FindPrevious, None,        Filter,         Compare,       None,
-        HelpContents};
-    const auto buttons = ToolbarButtons();
-    EXPECT_TRUE(
-        std::equal(buttons.begin(), buttons.end(), std::begin(expected), std::end(expected)));
-    for (const CommandId id : buttons) {
-        if (id != None) {
-            EXPECT_STRNE(CommandOf(id).icon, "") << CommandOf(id).text;
-        }
+TEST_F(Commands, WithoutAHandlerStayDisabled) {
+    OpenFile("Trigger1.tra");
+    for (const char* path : {"View/Zoom to Fit", "Search/Compare", "Search/Zoom Increment"}) {
+        EXPECT_FALSE(Enabled(path)) << path;
     }
 }
 
 } // namespace
-} // namespace busquill
+} // namespace busquill::test

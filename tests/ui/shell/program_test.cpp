@@ -5,9 +5,11 @@
 #include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
 #include "ui/display/wave_window.h"
-#include "ui/shell/child_frame.h"
 #include "ui/shell/help_window.h"
-#include "ui/shell/trace_bar.h"
+#include "ui/trace/child_frame.h"
+#include "ui/trace/help_topics.h"
+#include "ui/trace/trace_bar.h"
+#include "ui/trace/trace_documents.h"
 
 #include <QComboBox>
 #include <QEventLoop>
@@ -347,8 +349,8 @@ TEST_F(InDemoMode, OneRealTimeTraceHasAFrameOfEachKind) {
     Choose("File/New/Capture/State");
     ASSERT_EQ(Windows().size(), 2);
     EXPECT_EQ(program->App().Templates().front()->Documents().size(), 1U);
-    EXPECT_NE(program->App().FindRealTimeView(TraceViewKind::State), nullptr);
-    EXPECT_NE(program->App().FindRealTimeView(TraceViewKind::Waveform), nullptr);
+    EXPECT_NE(Active().Traces().FindRealTimeView(TraceViewKind::State), nullptr);
+    EXPECT_NE(Active().Traces().FindRealTimeView(TraceViewKind::Waveform), nullptr);
 }
 
 TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
@@ -356,15 +358,15 @@ TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
     Choose("File/New/Capture/State");
     Choose("File/New/Capture/Waveform"); // a stored one
     prompts.Forget();
-    program->App().context.cloneSource = &Trace();
-    program->App().NewStateTrace();
-    program->App().context.cloneSource = &Trace();
-    program->App().NewWaveformTrace();
+    Active().Traces().CloneTrace(Trace(), TraceViewKind::State);
+    Active().Traces().CloneTrace(Trace(), TraceViewKind::Waveform);
     const std::string refused = "A real-time view already exists. Close the real-time view before "
                                 "creating a new one.";
     EXPECT_EQ(prompts.Texts(), (std::vector<std::string>{refused, refused}));
-    EXPECT_EQ(program->App().context.cloneSource, nullptr);
-    EXPECT_EQ(Windows().size(), 3); // one is the stored capture's Power Zoom window
+    EXPECT_EQ(Windows().size(), 3);      // one is the stored capture's Power Zoom window
+    Choose("File/New/Capture/Waveform"); // no clone is wanted any more
+    EXPECT_EQ(prompts.Texts().size(), 2U);
+    EXPECT_EQ(Windows().size(), 5);
 }
 
 TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
@@ -432,7 +434,7 @@ TEST_F(InDemoMode, RecentFilesOfOneNameShowTheirFolders) {
 
 TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
     Choose("File/New/Capture/State");
-    program->App().AddTraceFrame(Trace(), TraceViewKind::Waveform);
+    Active().Traces().AddTraceFrame(Trace(), TraceViewKind::Waveform);
     EXPECT_EQ(Windows().size(), 2);
     Choose("File/Close");
     EXPECT_EQ(program->App().Templates().front()->Documents().size(), 1U);
@@ -444,7 +446,7 @@ TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
 
 TEST_F(InDemoMode, PowerZoomFrameHasItsSizeAndName) {
     Choose("File/New/Capture/Waveform");
-    program->App().AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
+    Active().Traces().AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
     EXPECT_TRUE(Active().IsZoomFrame());
     EXPECT_TRUE(Active().windowTitle().startsWith("Power Zoom - Trigger1"));
     EXPECT_EQ(Active().size(), QSize(560, 360));
@@ -543,11 +545,41 @@ TEST_F(InDemoMode, HelpOpensTheManual) {
     EXPECT_TRUE(help->findChild<QTextBrowser*>()->toPlainText().startsWith("Busquill! manual"));
 }
 
-TEST(HelpPage, MissingTopicOpensTheContents) {
-    EXPECT_EQ(HelpPage(HelpTopic::State), ":/manual/listing.md");
-    EXPECT_EQ(HelpPage(HelpTopic::Waveform), ":/manual/waveforms.md");
-    EXPECT_EQ(HelpPage(HelpTopic::Contents), ":/manual/index.md");
-    EXPECT_EQ(HelpPage(999), ":/manual/index.md");
+TEST_F(InDemoMode, AHelpTopicWithoutAPageOpensTheContents) {
+    const auto& topics = program->App().HelpTopics();
+    EXPECT_EQ(HelpPage(topics, HelpTopic::State), ":/manual/listing.md");
+    EXPECT_EQ(HelpPage(topics, HelpTopic::Waveform), ":/manual/waveforms.md");
+    EXPECT_EQ(HelpPage(topics, HelpTopic::Contents), ":/manual/index.md");
+    EXPECT_EQ(HelpPage(topics, 999), ":/manual/index.md");
+}
+
+TEST_F(InDemoMode, TemplatesStandInTheirOrder) {
+    std::vector<std::string> names;
+    for (const auto& each : program->App().Templates()) {
+        names.push_back(each->Strings().documentName);
+        EXPECT_EQ(program->App().TemplateNamed(names.back()), each.get());
+    }
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"Trace", "Performance", "Master", "Config", "Compliance",
+                                        "AnDet", "Target", "Stimulus", "Backplane Test"}));
+    EXPECT_EQ(program->App().TemplateNamed("Other"), nullptr);
+}
+
+TEST_F(InDemoMode, TheWindowMenuShowsAnAmpersandOfAName) {
+    std::filesystem::copy(dir.File("Trigger2.tra"), dir.File("a&b.tra"));
+    program->App().OpenDocumentFile(dir.File("a&b.tra"));
+    Entry("Window/Cascade"); // the menu has been opened
+    QStringList texts;
+    for (const QAction* menu : Frame().menuBar()->actions()) {
+        if (menu->text() == "&Window") {
+            for (const QAction* action : menu->menu()->actions()) {
+                texts << action->text();
+            }
+        }
+    }
+    ASSERT_TRUE(Active().windowTitle().startsWith("Trace - a&b ("));
+    EXPECT_TRUE(texts.contains("&1 " + Active().windowTitle().replace('&', "&&")))
+        << texts.join('\n').toStdString();
 }
 
 TEST_F(InDemoMode, WindowMenuListsAndActivatesWindows) {

@@ -1,4 +1,4 @@
-#include "ui/shell/child_frame.h"
+#include "ui/trace/child_frame.h"
 
 #include "capture/trace_run.h"
 #include "link/analyzer_link.h"
@@ -8,13 +8,15 @@
 #include "ui/capture/new_window_dialog.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/display/trace_view.h"
-#include "ui/shell/help_window.h"
-#include "ui/shell/tessel_app.h"
-#include "ui/shell/trace_bar.h"
+#include "ui/framework/win_app.h"
+#include "ui/trace/help_topics.h"
+#include "ui/trace/trace_bar.h"
+#include "ui/trace/trace_documents.h"
 #include "ui/tracesetup/trace_setup_dialog.h"
 
 #include <QComboBox>
 #include <QFile>
+#include <QMdiArea>
 #include <QToolButton>
 
 #include <algorithm>
@@ -31,12 +33,13 @@ constexpr const char* newSetup = "<New>";
 
 } // namespace
 
-CChildFrame::CChildFrame(const Parts& parts, CTesselDoc& document, TraceViewKind kind,
-                         int clientWidth)
-    : CMDIChildWnd(document), parts_(parts), isState_(kind == TraceViewKind::State),
-      isZoom_(kind == TraceViewKind::PowerZoom), bar_(new CTraceBar),
-      titleKind_(isZoom_ ? "Power Zoom" : "Trace") {
-    resize(isZoom_ ? zoomFrameSize : QSize(std::min(clientWidth, largestWidth), usualHeight));
+CChildFrame::CChildFrame(const FeatureParts& parts, TraceDocuments& traces, CTesselDoc& document,
+                         TraceViewKind kind)
+    : CMDIChildWnd(document), parts_(parts), traces_(traces),
+      isState_(kind == TraceViewKind::State), isZoom_(kind == TraceViewKind::PowerZoom),
+      bar_(new CTraceBar), titleKind_(isZoom_ ? "Power Zoom" : "Trace") {
+    resize(isZoom_ ? zoomFrameSize
+                   : QSize(std::min(parts.area.width(), largestWidth), usualHeight));
     MakeBar();
     SetBar(bar_);
     SetView(MakeView());
@@ -227,7 +230,7 @@ void CChildFrame::OnGo() {
         FocusView();
         return;
     }
-    parts_.app.CloneTrace(document, isState_ ? TraceViewKind::State : TraceViewKind::Waveform);
+    traces_.CloneTrace(document, isState_ ? TraceViewKind::State : TraceViewKind::Waveform);
 }
 
 void CChildFrame::OnStop() {
@@ -241,7 +244,7 @@ void CChildFrame::OnDisplay() {
     for (DocumentView* each : Trace().Views()) {
         auto* view = dynamic_cast<CTraceView*>(each);
         if (view != nullptr && view->IsState() != isState_) {
-            parts_.app.ActivateFrameOf(*view);
+            traces_.ActivateFrameOf(*view);
             return;
         }
     }
@@ -250,8 +253,7 @@ void CChildFrame::OnDisplay() {
         return;
     }
     if (dialog.OpensNewWindow()) {
-        parts_.app.AddTraceFrame(Trace(),
-                                 isState_ ? TraceViewKind::Waveform : TraceViewKind::State);
+        traces_.AddTraceFrame(Trace(), isState_ ? TraceViewKind::Waveform : TraceViewKind::State);
     } else {
         SwitchDisplay(!isState_);
     }
@@ -259,8 +261,8 @@ void CChildFrame::OnDisplay() {
 
 /// The new window is in front, where it can be seen, and the focus stays here.
 void CChildFrame::OnPowerZoom() {
-    CMDIChildWnd& added = parts_.app.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
-    parts_.app.ActivateFrameOf(TraceView());
+    CMDIChildWnd& added = traces_.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
+    traces_.ActivateFrameOf(TraceView());
     FocusView();
     added.raise();
 }

@@ -1,5 +1,5 @@
 #include "ui/capture/position_gauge.h"
-#include "ui/shell/trace_bar.h"
+#include "ui/trace/trace_bar.h"
 
 #include <QApplication>
 #include <QComboBox>

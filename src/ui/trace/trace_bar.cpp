@@ -1,4 +1,4 @@
-#include "ui/shell/trace_bar.h"
+#include "ui/trace/trace_bar.h"
 
 #include "ui/capture/position_gauge.h"
 #include "ui/framework/painting.h"

@@ -3,7 +3,6 @@
 
 #include "link/board_identity.h"
 
-#include <array>
 #include <span>
 
 namespace busquill {
@@ -72,26 +71,6 @@ enum class CommandId {
     About,
 };
 
-/// What the enabling of commands depends on.
-struct CommandState {
-    BoardTraits board;
-    bool realTimeState = false; // a real-time State view exists
-    bool realTimeWaveform = false;
-    bool hasDocument = false;      // a document is active
-    bool traceActive = false;      // the active view shows a trace
-    bool canSave = false;          // the active document can be saved
-    std::array<bool, 5> canGoTo{}; // trigger, markers, start, end
-    bool canSearch = false;
-    bool canFilter = false;
-    bool canZoomIn = false;
-    bool canZoomOut = false;
-    bool hasWindows = false;
-    /// Which templates can make documents, by position.
-    std::array<bool, 9> templates{};
-
-    [[nodiscard]] bool MasterLock() const noexcept { return board.bus.masterLock != 0; }
-};
-
 /// One entry of a menu. `menu` is the path of menus from the bar, joined by ">".
 struct Command {
     CommandId id;
@@ -100,7 +79,8 @@ struct Command {
     const char* tip;      // for the message line
     const char* icon;     // file name in the resources, or empty
     const char* shortcut; // portable, or empty; several stand behind one another with "; "
-    bool (*enabled)(const CommandState&);
+    /// Which boards have it. Whether it can be carried out now is a matter of who does so.
+    bool (*onBoard)(const BoardTraits&) = [](const BoardTraits&) { return true; };
 };
 
 /// All entries, in the order of the menus.

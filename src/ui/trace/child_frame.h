@@ -2,41 +2,32 @@
 
 #include "capture/trace_document.h"
 #include "ui/display/trace_frame.h"
+#include "ui/framework/feature.h"
 #include "ui/framework/mdi_child.h"
 
 namespace busquill {
 
-class CAnalyzerLink;
-class CTesselApp;
 class CTraceBar;
 class CTraceView;
-class MainThread;
-class Prompts;
-class Settings;
-class WorkingDirectory;
+class TraceDocuments;
+
+/// What a trace frame shows.
+enum class TraceViewKind { Waveform, State, PowerZoom };
 
 /// The window around one view of a trace: a State, Waveform or Power Zoom frame, as it was made.
 /// Its bar runs the capture.
 class CChildFrame final : public CMDIChildWnd, public TraceFrame {
     Q_OBJECT
 public:
-    /// What the frame works with; all outlive it.
-    struct Parts {
-        CTesselApp& app;
-        CAnalyzerLink& link;
-        Settings& settings;
-        Prompts& prompts;
-        const MainThread& mainThread;
-        const WorkingDirectory& directory;
-    };
-
-    /// `clientWidth` is the width of the main frame's client area.
-    CChildFrame(const Parts& parts, CTesselDoc& document, TraceViewKind kind, int clientWidth);
+    /// `traces` outlives the frame.
+    CChildFrame(const FeatureParts& parts, TraceDocuments& traces, CTesselDoc& document,
+                TraceViewKind kind);
 
     [[nodiscard]] bool IsStateFrame() const noexcept { return isState_; }
     [[nodiscard]] bool IsZoomFrame() const noexcept { return isZoom_; }
     [[nodiscard]] CTraceView& TraceView() const;
     [[nodiscard]] CTesselDoc& Trace() const;
+    [[nodiscard]] TraceDocuments& Traces() const noexcept { return traces_; }
     [[nodiscard]] CTraceBar& Bar() const noexcept { return *bar_; }
     [[nodiscard]] QString GetTitle() const { return windowTitle(); }
 
@@ -68,7 +59,8 @@ private:
     void OnPowerZoom();
     void FocusView();
 
-    const Parts parts_;
+    const FeatureParts parts_;
+    TraceDocuments& traces_;
     bool isState_;
     bool isZoom_;
     CTraceBar* bar_;

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ui/framework/command_map.h"
+#include "ui/framework/doc_template.h"
+
+#include <string_view>
+#include <vector>
+
+class QMdiArea;
+
+namespace busquill {
+
+class CAnalyzerLink;
+class CSampleStore;
+class CWinApp;
+class MainThread;
+class Prompts;
+class Settings;
+class WorkingDirectory;
+
+/// What a function of the board works with; all outlive it.
+struct FeatureParts {
+    CWinApp& app;
+    CAnalyzerLink& link;
+    Settings& settings;
+    Prompts& prompts;
+    const MainThread& mainThread;
+    const WorkingDirectory& directory;
+    CSampleStore& realTimeStore;
+    QMdiArea& area; // where its windows lie
+};
+
+/// The manual's page for a number by which help is asked for.
+struct HelpTopicPage {
+    int topic;
+    const char* page;
+};
+
+/// A function of the board: what its room hands to the program, which knows no more of it.
+struct Feature {
+    std::string_view docString; // of its template
+    CMultiDocTemplate::Factories factories;
+    /// What the application carries out for it; new documents in the first place.
+    CommandMap commands;
+    std::vector<HelpTopicPage> help;
+};
+
+} // namespace busquill

@@ -1,0 +1,35 @@
+#include "ui/shell/features.h"
+
+#include "ui/trace/trace_feature.h"
+
+namespace busquill {
+
+namespace {
+
+/// A function without a room yet. Nobody makes its documents, so its commands stay disabled.
+Feature ToCome(const char* docString) {
+    return {docString, {}, {}, {}};
+}
+
+} // namespace
+
+// Window title, document name, file-new name, filter name, extension, file type id and name.
+std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
+    return {
+        TraceFeature(parts),
+        ToCome("\nPerformance\nPerformance\nPerformance (*.per)\n.per\nTessel.Performance\n"
+               "Tessel Performance"),
+        ToCome("\nMaster\nMaster\nMaster (*.mst)\n.mst\nTessel.Master\nTessel Master"),
+        ToCome("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
+        ToCome("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
+               "Tessel Compliance"),
+        ToCome("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
+               "Tessel Anomaly Detection"),
+        ToCome("\nTarget\nTarget\nTarget (*.tgt)\n.tgt\nTessel.Target\nTessel Target"),
+        ToCome("\nStimulus\nStimulus\nStimulus (*.stm)\n.stm\nTessel.Stimulus\nTessel Stimulus"),
+        ToCome("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
+               "Tessel.BackplaneTest\nTessel Backplane Test"),
+    };
+}
+
+} // namespace busquill

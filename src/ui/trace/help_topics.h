@@ -1,0 +1,7 @@
+#pragma once
+
+namespace busquill::HelpTopic {
+
+enum : int { State = 26, Waveform = 28, TraceSetup = 30, SetupWizard = 31 };
+
+} // namespace busquill::HelpTopic

@@ -1,0 +1,132 @@
+#include "ui/trace/trace_documents.h"
+
+#include "capture/trace_document.h"
+#include "link/analyzer_link.h"
+#include "platform/prompts.h"
+#include "platform/working_directory.h"
+#include "ui/capture/save_trace_dialog.h"
+#include "ui/display/trace_view.h"
+#include "ui/framework/win_app.h"
+
+#include <QMdiArea>
+
+namespace busquill {
+
+CMultiDocTemplate& TraceDocuments::Template() const {
+    return *parts_.app.TemplateNamed("Trace");
+}
+
+std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTesselDoc* cloneSource) {
+    NewTraceContext context;
+    context.newDocRealTime = isRealTime;
+    context.cloneSource = cloneSource;
+    context.realTimeStore = &parts_.realTimeStore;
+    context.saveTrace = [this](CTesselDoc& document, const std::string& path) {
+        return SaveTrace(document, path);
+    };
+    return std::make_unique<CTesselDoc>(context, parts_.prompts);
+}
+
+std::unique_ptr<CDocument> TraceDocuments::MakeFileDocument() {
+    return MakeDocument(false, nullptr);
+}
+
+CMDIChildWnd* TraceDocuments::MakeFrame(CDocument& document, TraceViewKind kind) {
+    return new CChildFrame(parts_, *this, static_cast<CTesselDoc&>(document), kind);
+}
+
+CMultiDocTemplate::MakeFrame TraceDocuments::FramesOf(TraceViewKind kind) {
+    return [this, kind](CDocument& document) { return MakeFrame(document, kind); };
+}
+
+void TraceDocuments::FileOpened(CDocument& document) {
+    auto& trace = static_cast<CTesselDoc&>(document);
+    if (trace.HasStateList()) {
+        if (auto* frame = dynamic_cast<CChildFrame*>(parts_.area.activeSubWindow())) {
+            frame->SwitchDisplay(true);
+        }
+    }
+    OpenZoomFrame(trace);
+}
+
+/// The window of the Power Zoom samples, where a file that has just been opened holds some. The
+/// capture's own window stays the active one.
+void TraceDocuments::OpenZoomFrame(CTesselDoc& document) {
+    if (!document.HasZoomSamples()) {
+        return;
+    }
+    QMdiSubWindow* const own = parts_.area.activeSubWindow();
+    AddTraceFrame(document, TraceViewKind::PowerZoom);
+    parts_.area.setActiveSubWindow(own);
+}
+
+CMDIChildWnd& TraceDocuments::AddTraceFrame(CTesselDoc& document, TraceViewKind kind) {
+    CMDIChildWnd& frame = *Template().CreateNewFrame(document, FramesOf(kind));
+    Template().InitialUpdateFrame(frame);
+    return frame;
+}
+
+CTraceView* TraceDocuments::FindRealTimeView(TraceViewKind kind) const {
+    const CTesselDoc* document = RealTimeDocument();
+    if (document == nullptr) {
+        return nullptr;
+    }
+    for (DocumentView* each : document->Views()) {
+        auto* view = dynamic_cast<CTraceView*>(each);
+        if (view != nullptr && view->IsState() == (kind == TraceViewKind::State)) {
+            return view;
+        }
+    }
+    return nullptr;
+}
+
+void TraceDocuments::ActivateFrameOf(CTraceView& view) {
+    parts_.area.setActiveSubWindow(CMDIChildWnd::FrameOf(view));
+}
+
+bool TraceDocuments::SaveTrace(CTesselDoc& document, const std::string& path) {
+    return CSaveTraceDialog(parts_.area.window(), document, path, parts_.prompts, parts_.mainThread)
+               .exec() == QDialog::Accepted;
+}
+
+CTesselDoc* TraceDocuments::RealTimeDocument() const {
+    for (const auto& each : Template().Documents()) {
+        auto& document = static_cast<CTesselDoc&>(*each);
+        if (document.IsRealTime()) {
+            return &document;
+        }
+    }
+    return nullptr;
+}
+
+bool TraceDocuments::OpenStoredCapture(TraceViewKind kind) {
+    const char* const name = kind == TraceViewKind::State ? "Trigger2.tra" : "Trigger1.tra";
+    CDocument* document = Template().OpenDocument(MakeFileDocument(),
+                                                  parts_.directory.FilePath(name), FramesOf(kind));
+    if (document == nullptr) {
+        return false;
+    }
+    OpenZoomFrame(static_cast<CTesselDoc&>(*document));
+    return true;
+}
+
+void TraceDocuments::NewTrace(TraceViewKind kind, CTesselDoc* cloneSource) {
+    const bool cloning = cloneSource != nullptr;
+    // Without a board, a stored capture is what there is to work with.
+    if (parts_.link.IsDemoMode() && !cloning && OpenStoredCapture(kind)) {
+        return;
+    }
+    CTesselDoc* const document = RealTimeDocument();
+    if (document == nullptr) {
+        Template().OpenDocument(MakeDocument(true, cloneSource), std::nullopt, FramesOf(kind));
+    } else if (cloning) {
+        parts_.prompts.Message("A real-time view already exists. Close the real-time view before "
+                               "creating a new one.");
+    } else if (CTraceView* view = FindRealTimeView(kind)) {
+        ActivateFrameOf(*view);
+    } else {
+        AddTraceFrame(*document, kind);
+    }
+}
+
+} // namespace busquill

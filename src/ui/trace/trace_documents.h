@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ui/framework/feature.h"
+#include "ui/trace/child_frame.h"
+
+#include <memory>
+#include <string>
+
+namespace busquill {
+
+class CDocument;
+class CMDIChildWnd;
+class CMultiDocTemplate;
+class CTesselDoc;
+class CTraceView;
+
+/// The program's traces: how their documents and windows are opened, and the rule that there is at
+/// most one real-time trace.
+class TraceDocuments {
+public:
+    static constexpr auto docString =
+        "\nTrace\nTrace\nTrace Data (*.tra)\n.tra\nTessel.Trace\nTessel Trace";
+
+    explicit TraceDocuments(const FeatureParts& parts) : parts_(parts) {}
+    TraceDocuments(const TraceDocuments&) = delete;
+    TraceDocuments& operator=(const TraceDocuments&) = delete;
+
+    void NewStateTrace() { NewTrace(TraceViewKind::State, nullptr); }
+    void NewWaveformTrace() { NewTrace(TraceViewKind::Waveform, nullptr); }
+    /// Makes a real-time trace with the lists and the setup of another one.
+    void CloneTrace(CTesselDoc& source, TraceViewKind kind) { NewTrace(kind, &source); }
+    /// One more frame for a document that has one.
+    CMDIChildWnd& AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
+    /// The first view of a real-time trace of that kind, or null. A Power Zoom view counts as
+    /// Waveform.
+    [[nodiscard]] CTraceView* FindRealTimeView(TraceViewKind kind) const;
+    void ActivateFrameOf(CTraceView& view);
+
+    // For the template:
+
+    [[nodiscard]] std::unique_ptr<CDocument> MakeFileDocument();
+    [[nodiscard]] CMDIChildWnd* MakeFrame(CDocument& document, TraceViewKind kind);
+    /// A file with a state list is shown as State; one with Power Zoom samples has a window of them
+    /// too.
+    void FileOpened(CDocument& document);
+
+private:
+    void NewTrace(TraceViewKind kind, CTesselDoc* cloneSource);
+    [[nodiscard]] bool OpenStoredCapture(TraceViewKind kind);
+    [[nodiscard]] std::unique_ptr<CDocument> MakeDocument(bool isRealTime, CTesselDoc* cloneSource);
+    /// The template's way to make a frame of one kind.
+    [[nodiscard]] CMultiDocTemplate::MakeFrame FramesOf(TraceViewKind kind);
+    [[nodiscard]] CTesselDoc* RealTimeDocument() const;
+    [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);
+    void OpenZoomFrame(CTesselDoc& document);
+    [[nodiscard]] CMultiDocTemplate& Template() const;
+
+    const FeatureParts parts_;
+};
+
+} // namespace busquill
