@@ -56,7 +56,7 @@ public:
 
     /// Whether the rows of samples that were skimmed ascend.
     [[nodiscard]] bool Ascends() const noexcept { return ascends_; }
-    /// Whether some of what else a file holds, but Power Zoom samples, came behind a block of
+    /// Whether some of what else a file holds, but Power Zoom samples, came after a block of
     /// samples.
     [[nodiscard]] bool HasPartsBehindSamples() const noexcept { return partsBehind_; }
 

@@ -33,7 +33,7 @@ struct TraceSurvey {
 };
 
 /// A trace file that is read from its beginning to its end, in memory that does not grow with it. A
-/// file whose samples do not ascend, or do not stand behind all else in one block, is held in
+/// file whose samples do not ascend, or do not stand after all else in one block, is held in
 /// memory, and its samples are given as a window shows them: in order, and of several with the same
 /// number, or of several blocks, the last. The functions that return a text say what is wrong with
 /// the file, or nothing.

@@ -35,7 +35,7 @@ constexpr const char* noIdentity =
     "The analyzer has not told what it is. Check its connections and accept the\n"
     "Utilities/Setup dialog to connect again.";
 
-/// The device behind a port name that begins with "COM". A name without a number from 1 up is
+/// The device of a port name that begins with "COM". A name without a number from 1 up is
 /// taken as it stands, and fails to open.
 std::string DeviceOf(const std::string& portName, const Settings& settings) {
     const int number = ParseInt(std::string_view(portName).substr(3));

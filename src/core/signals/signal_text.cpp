@@ -201,7 +201,7 @@ void ReadFields(const RecordFields& fields, CSignal& signal) {
     signal.bitReverse = fields.Is(FieldBitReverse, "BitReverse");
 }
 
-/// Reads the lines of bits that follow a record. There are zeros behind them, in `most` words where
+/// Reads the lines of bits that follow a record. Zeros follow them, in `most` words where
 /// all samples fit those. Returns the words that the signal has taken.
 std::size_t ReadSamples(TextReader& file, bool masked, std::size_t most, CSignal& signal) {
     const std::size_t announced = WordsFor(signal.numSamples);

@@ -65,9 +65,6 @@ void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, Cel
     const QFontMetrics metrics = painter.fontMetrics();
     QString shown = text;
     int width = metrics.horizontalAdvance(shown);
-    if (width > cell.width() && QStringView(text).trimmed().isEmpty()) {
-        return; // nothing is lost of blanks
-    }
     if (ellipsis && width > cell.width()) {
         shown = metrics.elidedText(text, Qt::ElideRight, cell.width());
         width = metrics.horizontalAdvance(shown);

@@ -383,7 +383,7 @@ TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
     EXPECT_EQ(waiting.get().result, LinkOk);
 }
 
-/// A read that the board owes, and another that waits behind it, when the link leaves.
+/// A read that the board owes, and another that waits after it, when the link leaves.
 class LeavingTest : public AnalyzerLinkTest {
 protected:
     void SetUp() override {
@@ -536,7 +536,7 @@ TEST_F(AnalyzerLinkTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
     UseSilence();
     line->SetClockRuns(false);
     link->Submit(held.Request(CmdStartTrace));
-    auto second = Start(RunCommand(CmdStopTrace)); // waits behind the first
+    auto second = Start(RunCommand(CmdStopTrace)); // waits for the first
     line->Arrive({'*'});
     held.AwaitStart();
     UseBoard();

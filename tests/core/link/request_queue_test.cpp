@@ -303,7 +303,7 @@ TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsWhole) {
 }
 
 // Bytes that come together are looked at as if each had come alone: what a restart discards is the
-// reply that was wrong, and not what stands behind it.
+// reply that was wrong, and not what follows it.
 TEST_F(RequestQueueTest, BytesBehindAReplyInTheSameReadBelongToTheNextOne) {
     line->SetClockRuns(false);
     AnswerFrame({2, 11}, {'?', '*'});

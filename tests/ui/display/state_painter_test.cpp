@@ -403,7 +403,7 @@ TEST_F(StatePainter, BlanksThatDoNotFitAreNoText) {
         record.bytes[8] = 0xFF;
         return record;
     }());
-    ASSERT_EQ(Text("DATA32", 3), "        ");
+    ASSERT_EQ(Text("DATA32", 3), "");
     Widen(40);
     ASSERT_GT(data.width, 0);
     for (const auto& text : RowTexts(Record({4000, 200}), 3)) {
