@@ -54,7 +54,7 @@ TraceParser::Event TraceParser::Next() {
 void TraceParser::Dispatch(const Fields& fields) {
     const std::string& key = fields[0];
     if (TakePart(fields)) {
-        partsBehind_ = partsBehind_ || hadSamples_;
+        partsAfter_ = partsAfter_ || hadSamples_;
     } else if (key == "Trace Data") {
         if (fields.size() >= 3) {
             Begin(Event::Samples);

@@ -58,7 +58,7 @@ public:
     [[nodiscard]] bool Ascends() const noexcept { return ascends_; }
     /// Whether some of what else a file holds, but Power Zoom samples, came after a block of
     /// samples.
-    [[nodiscard]] bool HasPartsBehindSamples() const noexcept { return partsBehind_; }
+    [[nodiscard]] bool HasPartsAfterSamples() const noexcept { return partsAfter_; }
 
     [[nodiscard]] const std::string& FileType() const noexcept { return fileType_; }
     [[nodiscard]] const std::string& Version() const noexcept { return version_; }
@@ -82,7 +82,7 @@ private:
     std::int64_t lastNumber_ = 0; // of the rows that are skimmed
     bool hadSamples_ = false;
     bool inZoom_ = false;
-    bool partsBehind_ = false;
+    bool partsAfter_ = false;
     std::string fileType_;
     std::string version_;
     CSignalList* list_ = nullptr; // the list whose section is being read

@@ -84,7 +84,7 @@ std::string TraceStream::LookThrough() {
         return wrong;
     }
     const bool inOneGo =
-        blocks < 2 && headerFirst && parser_->Ascends() && !parser_->HasPartsBehindSamples();
+        blocks < 2 && headerFirst && parser_->Ascends() && !parser_->HasPartsAfterSamples();
     return inOneGo ? std::string() : Hold();
 }
 

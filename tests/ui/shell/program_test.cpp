@@ -255,7 +255,7 @@ TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
 TEST_F(InDemoMode, AFileWithoutPowerZoomSamplesHasOneWindow) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     EXPECT_EQ(Windows().size(), 1);
-    // Nor does it open as State for a file that could not be read to its end.
+    // Nor because of an earlier file that could not be read to its end.
     program->App().OpenDocumentFile(dir.Write("bad.tra", "\"Power Zoom Data\",255,256\n"
                                                          "\"End of Power Zoom Data\"\n"));
     Choose("File/New/Capture/State");
