@@ -214,11 +214,11 @@ int RunList(const Arguments& arguments) {
     if (zoom) {
         capture.first = -static_cast<std::int64_t>(zoomSamplesBefore);
         capture.trigger = 0;
-        const SampleTime time(list);
+        RunningTime toTrigger{SampleTime(list)};
         for (std::size_t i = 0; i <= zoomSamplesBefore; ++i) {
-            capture.timeToTrigger = AddTimes(i == 0 ? 0 : capture.timeToTrigger,
-                                             time.Known() ? time.Of(zoomRows.records[i]) : 0);
+            toTrigger.Add(zoomRows.records[i]);
         }
+        capture.timeToTrigger = toTrigger.Sum();
     }
     TraceListing listing(list, capture);
     if (!zoom && survey.HasGaps() && !survey.cutOff && listing.ShowsTime()) {

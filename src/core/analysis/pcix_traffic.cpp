@@ -36,7 +36,7 @@ private:
         }
         open.attributeEnables = enables_.Asserted(record) & 0xF;
         const std::uint32_t count =
-            (enables_.Value(record) & 0xF) << 8 | Field(record, ad_.DataIndex(), 8);
+            (enables_.Value(record) & 0xF) << 8 | (ad_.Value(record) & 0xFF);
         open.bytesAnnounced = count == 0 ? fullByteCount : count;
         return true;
     }

@@ -1,23 +1,13 @@
 /// Bits of a sample by the names of their signals.
 #pragma once
 
-#include "signals/signal.h"
+#include "signals/record_field.h"
 #include "signals/signal_tables.h"
 
 #include <cstdint>
 #include <string_view>
 
 namespace busquill {
-
-/// Up to 32 neighbouring bits, the first lowest.
-[[nodiscard]] inline std::uint32_t Field(const SampleRecord& record, int first,
-                                         int width) noexcept {
-    std::uint32_t bits = 0;
-    for (int i = 0; i < width; ++i) {
-        bits |= std::uint32_t{record.Bit(first + i)} << i;
-    }
-    return bits;
-}
 
 /// A signal's place in the record. Levels are electrical: a control line is asserted when low.
 class SignalLine {
@@ -33,19 +23,19 @@ public:
         return !record.Bit(first_);
     }
     [[nodiscard]] std::uint32_t Value(const SampleRecord& record) const noexcept {
-        return Field(record, first_, width_);
+        return static_cast<std::uint32_t>(field_.Word(record));
     }
     /// A bit for each line of the group that is asserted.
     [[nodiscard]] std::uint32_t Asserted(const SampleRecord& record) const noexcept {
-        return ~Value(record) & ((std::uint32_t{1} << width_) - 1);
+        return ~Value(record) & ((std::uint32_t{1} << field_.Width()) - 1);
     }
 
 private:
     explicit SignalLine(const std::shared_ptr<CBusSignalDef>& def)
-        : first_(def->dataIndex), width_(def->Width()) {}
+        : first_(def->dataIndex), field_(*def) {}
 
     int first_;
-    int width_;
+    RecordField field_;
 };
 
 } // namespace busquill

@@ -24,23 +24,19 @@ std::shared_ptr<const CBusSignalDef> UnsharedLine(const SignalTables& tables,
     return def && std::none_of(defs.begin(), defs.end(), shares) ? def : nullptr;
 }
 
-/// The time since the sample before, in nanoseconds.
-std::int64_t TimeOf(const SampleRecord& record, const CBusSignalDef& field) {
-    const std::uint32_t bits = Field(record, field.dataIndex, field.Width());
-    const std::array<std::uint8_t, 4> bytes = {
-        static_cast<std::uint8_t>(bits), static_cast<std::uint8_t>(bits >> 8),
-        static_cast<std::uint8_t>(bits >> 16), static_cast<std::uint8_t>(bits >> 24)};
-    return TimeField(bytes, static_cast<unsigned>(field.Width()));
-}
-
 } // namespace
 
 TraceStats::TraceStats(const BoardTraits& board, const SignalTables& tables)
-    : timeField_(tables.busSignals.FindByName("TIME")),
-      ruleCheck_(tables.busSignals.FindByName("RULE CHECK")),
-      anomaly_(UnsharedLine(tables, "ANOMALY")),
+    : anomaly_(UnsharedLine(tables, "ANOMALY")),
       ruleLabels_(tables.decodedSignals.FindByName("RULE CHECK")),
-      traffic_(MakeBusTraffic(board, tables)) {}
+      traffic_(MakeBusTraffic(board, tables)) {
+    if (const auto def = tables.busSignals.FindByName("TIME")) {
+        sampleTime_.emplace(*def);
+    }
+    if (const auto def = tables.busSignals.FindByName("RULE CHECK")) {
+        ruleCheck_.emplace(*def);
+    }
+}
 
 TraceStats::~TraceStats() = default;
 TraceStats::TraceStats(TraceStats&&) noexcept = default;
@@ -54,7 +50,7 @@ void TraceStats::Add(std::span<const SampleRecord> records) {
 
 void TraceStats::AddSample(const SampleRecord& record) {
     // What lies before the first sample is not part of the capture.
-    const std::int64_t elapsed = samples_ == 0 || !timeField_ ? 0 : TimeOf(record, *timeField_);
+    const std::int64_t elapsed = samples_ == 0 || !sampleTime_ ? 0 : sampleTime_->Of(record);
     time_ = AddTimes(time_, elapsed);
     idleTime_ = AddTimes(idleTime_, idle_ ? elapsed : 0);
     if (traffic_) {
@@ -73,7 +69,7 @@ void TraceStats::AddFinding(const SampleRecord& record) {
     if (!ruleCheck_) {
         return;
     }
-    Finding& finding = findings_[Field(record, ruleCheck_->dataIndex, ruleCheck_->Width())];
+    Finding& finding = findings_[ruleCheck_->Word(record)];
     if (finding.count++ == 0) {
         finding.firstSample = samples_;
     }

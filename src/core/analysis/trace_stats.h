@@ -2,12 +2,14 @@
 
 #include "analysis/trace_summary.h"
 #include "link/board_identity.h"
+#include "signals/record_field.h"
 #include "signals/signal.h"
 #include "signals/signal_tables.h"
 
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 
 namespace busquill {
@@ -38,9 +40,9 @@ private:
     void AddFinding(const SampleRecord& record);
     [[nodiscard]] std::vector<FindingCount> Findings() const;
 
-    std::shared_ptr<const CBusSignalDef> timeField_;
-    std::shared_ptr<const CBusSignalDef> ruleCheck_; // null: the board checks no rules
-    std::shared_ptr<const CBusSignalDef> anomaly_;   // null: samples do not tell
+    std::optional<SampleTime> sampleTime_;
+    std::optional<RecordField> ruleCheck_;         // nothing: the board checks no rules
+    std::shared_ptr<const CBusSignalDef> anomaly_; // null: samples do not tell
     std::shared_ptr<const CDecodedSignalDef> ruleLabels_;
     std::unique_ptr<BusTraffic> traffic_; // null: pins without a protocol
 

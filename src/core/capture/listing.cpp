@@ -7,7 +7,7 @@
 namespace busquill {
 
 TraceListing::TraceListing(CSignalList& list, Capture capture)
-    : list_(list), capture_(std::move(capture)), time_(list) {
+    : list_(list), capture_(std::move(capture)), time_(SampleTime(list)) {
     for (const auto& signal : list.All()) {
         if (signal->VisibleWidth() > 0) {
             columns_.push_back(signal.get());
@@ -37,10 +37,10 @@ void TraceListing::Load(const SampleRows& rows) {
     }
     sums_.clear();
     for (std::size_t i = 0; i < rows.Size(); ++i) {
-        sumBefore_ = AddTimes(sumBefore_, time_.Of(rows.records[i]));
-        sums_.push_back(sumBefore_);
+        time_.Add(rows.records[i]);
+        sums_.push_back(time_.Sum());
         if (rows.numbers[i] == capture_.first) {
-            sumAbove_ = sumBefore_; // the first row counts from the first place
+            sumAbove_ = time_.Sum(); // the first row counts from the first place
         }
     }
 }

@@ -45,14 +45,13 @@ private:
 
     CSignalList& list_;
     const Capture capture_;
-    SampleTime time_;
+    RunningTime time_; // up to the end of the piece
     std::vector<const CSignal*> columns_;
     bool showsTime_ = false;
     bool showsAccum_ = false;
     const SampleRows* rows_ = nullptr;
     bool unpacked_ = false;          // the piece, into the list
     std::vector<std::int64_t> sums_; // of TIME, up to each row of the piece
-    std::int64_t sumBefore_ = 0;     // up to the piece
     std::int64_t sumAbove_ = 0;      // up to the row that was listed last
 };
 

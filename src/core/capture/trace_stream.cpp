@@ -269,15 +269,16 @@ std::string TraceStream::Survey(TraceSurvey& survey) {
     survey.hasSamples = hasSamples_;
     survey.first = first_;
     survey.last = last_;
-    const SampleTime time(stateList);
+    RunningTime toTrigger{SampleTime(stateList)};
     const std::int64_t trigger = TriggerNumber();
     while (const SampleRows* rows = NextRows()) {
         survey.rows += static_cast<std::int64_t>(rows->Size());
-        for (std::size_t i = 0; time.Known() && i < rows->Size() && rows->numbers[i] <= trigger;
-             ++i) {
-            survey.timeToTrigger = AddTimes(survey.timeToTrigger, time.Of(rows->records[i]));
+        for (std::size_t i = 0;
+             toTrigger.Known() && i < rows->Size() && rows->numbers[i] <= trigger; ++i) {
+            toTrigger.Add(rows->records[i]);
         }
     }
+    survey.timeToTrigger = toTrigger.Sum();
     survey.cutOff = cutOff_;
     survey.hasZoom = !zoom_.empty();
     survey.zoom = std::exchange(zoom_, {});

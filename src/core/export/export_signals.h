@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace busquill {
@@ -62,18 +63,18 @@ private:
 /// The time of each sample: the running sum of TIME, from 0 for the first on, so that gaps between
 /// samples stay true. Nanoseconds, or picoseconds for Power Zoom samples. Records hold it whether a
 /// list shows it or not.
-class RunningTime {
+class ExportTime {
 public:
     [[nodiscard]] std::int64_t Next(const SampleRecord& record) noexcept {
-        now_ = begun_ ? now_ + time_.Of(record) : 0;
-        begun_ = true;
-        return now_;
+        if (std::exchange(begun_, true)) {
+            time_.Add(record);
+        }
+        return time_.Sum();
     }
 
 private:
-    SampleTime time_;
+    RunningTime time_;
     bool begun_ = false;
-    std::int64_t now_ = 0;
 };
 
 } // namespace busquill

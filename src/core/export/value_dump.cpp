@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 #include "signals/signal_list.h"
+#include "signals/value_text.h"
 
 #include <algorithm>
 #include <array>
@@ -170,7 +171,7 @@ void ValueDump::Add(const SampleRows& rows, std::string& out) {
         const bool isFirst = now_ < 0;
         // Two samples of one time would hide one another.
         const std::int64_t sum = time_.Next(rows.records[i]);
-        now_ = std::max(now_ + 1, sum);
+        now_ = std::max(AddTimes(now_, 1), sum);
         // The sums do not count the time before the first sample.
         const std::int64_t step = isFirst ? SampleTime().Of(rows.records[i]) : sum - sum_;
         if (step > 0 && (narrowest_ == 0 || step < narrowest_)) {
@@ -196,7 +197,7 @@ void ValueDump::Add(const SampleRows& rows, std::string& out) {
 void ValueDump::End(std::string& out) const {
     if (now_ >= 0) {
         // Nobody knows how long the last sample lasts. Without an end it would not be seen.
-        const std::int64_t end = now_ + std::max<std::int64_t>(narrowest_, 1);
+        const std::int64_t end = AddTimes(now_, std::max<std::int64_t>(narrowest_, 1));
         out += Printf("#%lld\n", static_cast<long long>(end));
     }
 }

@@ -63,7 +63,7 @@ private:
     std::unordered_set<std::string> names_; // that are taken
     std::vector<Value> values_;
     Item trigger_;
-    RunningTime time_;
+    ExportTime time_;
     std::int64_t now_ = -1;
     std::int64_t sum_ = 0;       // of TIME, up to the sample before
     std::int64_t narrowest_ = 0; // time from a sample to the next; 0: none yet

@@ -44,7 +44,7 @@ private:
 
     Capture capture_;
     std::vector<Column> columns_;
-    RunningTime time_;
+    ExportTime time_;
     bool any_ = false;
     std::vector<std::uint8_t> next_;
     std::string cell_;

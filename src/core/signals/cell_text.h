@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 namespace busquill {
 
@@ -33,20 +32,5 @@ struct ListedSample {
 /// A time from the trigger to a sample; with `before`, `t` is negative and the text begins with
 /// "-", whether it is 0 or not.
 [[nodiscard]] std::string FormatTimeSince(std::int64_t t, bool before, bool zoom);
-
-/// Running sums of a capture's TIME, kept from call to call, so that the time from the trigger to a
-/// far place costs the walk once. Forget when samples come or the list changes.
-class TimeSums {
-public:
-    /// The sum over the samples from 0 to this one.
-    [[nodiscard]] std::int64_t UpTo(const CSignal& time, std::int64_t sample);
-    void Forget();
-
-private:
-    const CSignal* time_ = nullptr;
-    std::vector<std::int64_t> sums_; // up to every so many samples
-    std::int64_t lastSample_ = -1;
-    std::int64_t lastSum_ = 0;
-};
 
 } // namespace busquill

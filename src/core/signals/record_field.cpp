@@ -34,10 +34,8 @@ bool IsRun(const std::vector<int>& positions) {
                               [](int a, int b) { return b != a + 1; }) == positions.end();
 }
 
-std::vector<int> TimePositions() {
-    constexpr int first = 110;
-    constexpr std::size_t width = 18;
-    std::vector<int> positions(width);
+std::vector<int> RunOf(int first, int width) {
+    std::vector<int> positions(static_cast<std::size_t>(std::max(width, 0)));
     std::iota(positions.begin(), positions.end(), first);
     return positions;
 }
@@ -49,6 +47,9 @@ RecordField::RecordField(std::vector<int> positions)
 
 RecordField::RecordField(const CSignalList& list, const CSignal& signal)
     : RecordField(PositionsOf(list, &signal)) {}
+
+RecordField::RecordField(const CBusSignalDef& def)
+    : RecordField(RunOf(def.dataIndex, def.Width())) {}
 
 void RecordField::Take(const SampleRecord& record, std::uint8_t* into) const noexcept {
     const std::size_t bytes = Bytes();
@@ -98,7 +99,7 @@ std::uint64_t RecordField::Word(const SampleRecord& record) const noexcept {
     return width >= 64 ? word : word & ((std::uint64_t{1} << width) - 1);
 }
 
-SampleTime::SampleTime() : field_(TimePositions()) {}
+SampleTime::SampleTime() : field_(RunOf(110, 18)) {}
 
 SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, FindTimeGroup(list))) {}
 
@@ -109,6 +110,10 @@ std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {
         field_.Take(record, row.data());
     }
     return TimeField(row, static_cast<unsigned>(field_.Width()));
+}
+
+void RunningTime::Add(const SampleRecord& record) noexcept {
+    sum_ = AddTimes(sum_, time_.Of(record));
 }
 
 } // namespace busquill

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace busquill {
@@ -17,6 +18,7 @@ public:
     explicit RecordField(std::vector<int> positions);
     /// The bits of a signal of a list, with all members of its group.
     RecordField(const CSignalList& list, const CSignal& signal);
+    explicit RecordField(const CBusSignalDef& def);
 
     [[nodiscard]] std::size_t Width() const noexcept { return positions_.size(); }
     [[nodiscard]] std::size_t Bytes() const noexcept { return (positions_.size() + 7) / 8; }
@@ -38,12 +40,26 @@ public:
     SampleTime();
     /// From the bits that a list's own time looks at, if it has one.
     explicit SampleTime(const CSignalList& list);
+    explicit SampleTime(const CBusSignalDef& def) : field_(def) {}
     /// Whether the list has the time.
     [[nodiscard]] bool Known() const noexcept { return field_.Width() != 0; }
     [[nodiscard]] std::int64_t Of(const SampleRecord& record) const noexcept;
 
 private:
     RecordField field_;
+};
+
+/// The running sum of the times of samples that come one by one.
+class RunningTime {
+public:
+    explicit RunningTime(SampleTime time = SampleTime()) : time_(std::move(time)) {}
+    [[nodiscard]] bool Known() const noexcept { return time_.Known(); }
+    void Add(const SampleRecord& record) noexcept;
+    [[nodiscard]] std::int64_t Sum() const noexcept { return sum_; }
+
+private:
+    SampleTime time_;
+    std::int64_t sum_ = 0;
 };
 
 } // namespace busquill

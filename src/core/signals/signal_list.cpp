@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 #include "signals/signal_samples.h"
+#include "signals/value_text.h"
 
 #include <algorithm>
 #include <iterator>
@@ -111,6 +112,14 @@ void CSignalList::Insert(const CSignal* before, Signals added) {
                     std::move_iterator(added.begin()), std::move_iterator(added.end()));
 }
 
+std::optional<std::int64_t> CSignalList::TimeFrom(std::int64_t a, std::int64_t b) const {
+    const CSignal* time = FindTimeGroup(*this);
+    if (a == -1 || b == -1 || time == nullptr || time->groupData.empty()) {
+        return std::nullopt;
+    }
+    return times_.Between(*time, a, b);
+}
+
 void CSignalList::CopyFrom(const CSignalList& other) {
     mode = other.mode;
     Signals copies;
@@ -119,6 +128,7 @@ void CSignalList::CopyFrom(const CSignalList& other) {
         copies.push_back(std::make_unique<CSignal>(*signal));
     }
     signals_ = std::move(copies);
+    times_.Forget();
 }
 
 void CSignalList::RemoveAllSignals() {
@@ -274,6 +284,7 @@ void CSignalList::BuildGroupAt(std::size_t first) {
     start.groupData.Reset(start.RowBytes() * numSamples);
     start.groupMask.Reset(masked ? start.groupData.size() : 0);
     PackGroupRows(members, 0, WordsFor(numSamples));
+    times_.Forget();
 }
 
 void CSignalList::RebuildAfterRead() {

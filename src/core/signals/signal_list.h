@@ -1,6 +1,7 @@
 #pragma once
 
 #include "signals/signal.h"
+#include "signals/time_index.h"
 
 #include <cstdint>
 #include <memory>
@@ -48,6 +49,10 @@ public:
     /// One past the last member of the group that starts at `index`, or of the rest of the group
     /// when it lies inside; `index + 1` for a signal without a group.
     [[nodiscard]] std::size_t GroupEnd(std::size_t index) const noexcept;
+
+    /// The time from sample `a` to sample `b`, negative when `b` comes first; nothing when one is
+    /// -1 or the list has no permanent TIME.
+    [[nodiscard]] std::optional<std::int64_t> TimeFrom(std::int64_t a, std::int64_t b) const;
 
     void CopyFrom(const CSignalList& other);
     void RemoveAllSignals();
@@ -137,6 +142,7 @@ private:
     void UnpackRows(const CSignal& group, const std::vector<int>& dataIndexes);
 
     Signals signals_;
+    mutable TimeIndex times_;   // forgets where group rows are made or filled
     std::size_t fileWords_ = 0; // of samples, that the records of a file have taken
 };
 

@@ -247,6 +247,7 @@ void CSignalList::ResizeSamples(std::uint32_t count) {
     for (const auto& signal : signals_) {
         signal->ResizeSamples(count);
     }
+    times_.Forget();
 }
 
 void CSignalList::LoadSamples(std::uint32_t first, std::span<const SampleRecord> records,
@@ -264,6 +265,7 @@ void CSignalList::LoadSignal(CSignal* signal, std::uint32_t first,
     for (std::size_t i = begin; i < end; ++i) {
         signals_[i]->ResizeSamples(std::max(signals_[i]->numSamples, needed));
     }
+    times_.Forget();
     LoadRange(begin, end, first, records, absent);
 }
 
@@ -283,6 +285,7 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
         return;
     }
     const Run run{first, records.first(std::min(records.size(), room - first))};
+    times_.Forget(first, run.records.size());
     const std::size_t lastWord = (run.End() - 1) / wordBits;
     const auto tile = std::make_unique<Tile>();
     std::size_t labelled = run.first;
@@ -315,6 +318,7 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
 
 void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {
     const std::size_t end = std::size_t{first} + count;
+    times_.Forget(); // rows are packed by whole words
     for (std::size_t i = 0; i < signals_.size() && count != 0; ++i) {
         if (signals_[i]->IsGroupStart()) {
             PackGroupRows(Members(i), first / wordBits, (end + wordBits - 1) / wordBits);

@@ -263,22 +263,8 @@ const CSignal* FindTimeGroup(const CSignalList& list) {
 }
 
 std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {
-    const CSignal* time = FindTimeGroup(list);
-    if (a == -1 || b == -1 || time == nullptr || time->groupData.empty()) {
-        return {};
-    }
-    if (a > b) {
-        std::swap(a, b);
-    }
-    // Samples that are not there count 0, so the walk keeps to those that are.
-    const auto rows = static_cast<std::int64_t>(time->groupData.size() / time->RowBytes());
-    std::int64_t sum = 0;
-    for (std::int64_t sample = std::max<std::int64_t>(a + 1, 0); sample <= b && sample < rows;
-         ++sample) {
-        sum = AddTimes(
-            sum, TimeField(time->GroupRow(static_cast<std::size_t>(sample)), time->groupWidth));
-    }
-    return FormatTime(sum, zoom);
+    const auto time = list.TimeFrom(std::min(a, b), std::max(a, b));
+    return time ? FormatTime(*time, zoom) : std::string();
 }
 
 std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal, std::int64_t sample,

@@ -38,7 +38,7 @@ class CSignalList;
 /// The group that holds the time from sample to sample, or null.
 [[nodiscard]] const CSignal* FindTimeGroup(const CSignalList& list);
 
-/// The time from sample `a` to sample `b`; empty when one is -1 or the list has no permanent TIME.
+/// The time between two samples as text, empty where the list does not know it.
 [[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
                                       bool zoom);
 

@@ -200,8 +200,7 @@ private:
 } // namespace
 
 FrameTimes::FrameTimes(const StateFrame& frame)
-    : frame_(frame), sums_(frame.timeSums != nullptr ? *frame.timeSums : ownSums_),
-      trigger_(frame.document.Marker(0, frame.zoom)), time_(FindTimeGroup(frame.list)) {
+    : frame_(frame), trigger_(frame.document.Marker(0, frame.zoom)) {
     for (const auto& signal : frame.list.All()) {
         const bool shown = signal->VisibleWidth() > 0;
         showsAccum_ = showsAccum_ || (shown && IsKind(*signal, DecodeKind::Accum));
@@ -209,18 +208,15 @@ FrameTimes::FrameTimes(const StateFrame& frame)
     }
 }
 
-RowTimes FrameTimes::At(std::int64_t sample, std::int64_t above) {
+RowTimes FrameTimes::At(std::int64_t sample, std::int64_t above) const {
     RowTimes times;
     times.rowsLeftOut = !frame_.zoom && frame_.document.IsFiltered();
     if (showsTime_ && times.rowsLeftOut) {
         times.sinceAbove = TimeBetween(sample, above, frame_.list, frame_.zoom);
     }
-    if (showsAccum_ && trigger_ != -1 && time_ != nullptr && !time_->groupData.empty()) {
-        if (!upToTrigger_) {
-            upToTrigger_ = sums_.UpTo(*time_, trigger_);
-        }
-        times.sinceTrigger = FormatTimeSince(AddTimes(sums_.UpTo(*time_, sample), -*upToTrigger_),
-                                             sample < trigger_, frame_.zoom);
+    const auto sinceTrigger = showsAccum_ ? frame_.list.TimeFrom(trigger_, sample) : std::nullopt;
+    if (sinceTrigger) {
+        times.sinceTrigger = FormatTimeSince(*sinceTrigger, sample < trigger_, frame_.zoom);
     }
     return times;
 }

@@ -30,7 +30,6 @@ struct StateFrame {
     int offset = 0; // horizontal scroll of the signal columns
     QFont bodyFont;
     QFont headerFont;
-    TimeSums* timeSums = nullptr; // without it, the frame sums for itself
 };
 
 /// What the time columns of a frame show, row by row. Only what a column of the list shows is
@@ -43,17 +42,13 @@ public:
     FrameTimes& operator=(const FrameTimes&) = delete;
 
     /// `above` is the sample of the row above, 0 for the first row.
-    [[nodiscard]] RowTimes At(std::int64_t sample, std::int64_t above);
+    [[nodiscard]] RowTimes At(std::int64_t sample, std::int64_t above) const;
 
 private:
     const StateFrame& frame_;
-    TimeSums ownSums_;
-    TimeSums& sums_;
     const std::int64_t trigger_;
-    const CSignal* time_;
     bool showsAccum_ = false;
     bool showsTime_ = false;
-    std::optional<std::int64_t> upToTrigger_;
 };
 
 /// Draws the header alone.

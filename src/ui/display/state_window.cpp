@@ -174,8 +174,7 @@ StateFrame CStateWnd::Frame() {
             topRow_,
             header_.offset,
             bodyFont_,
-            headerFont_,
-            &timeSums_};
+            headerFont_};
 }
 
 void CStateWnd::Show(HeaderControl::Redraw redraw) {

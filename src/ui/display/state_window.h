@@ -44,7 +44,6 @@ public:
     void StepSignals(bool forward) override { StepColumns(forward ? 1 : -1); }
     void PageSignals(bool forward) override;
     void MoveSignalsTo(int position) override;
-    void SamplesChanged() override { timeSums_.Forget(); }
     void Render(bool blit) override;
 
 protected:
@@ -88,7 +87,6 @@ private:
     std::int64_t topRow_ = 0;
     std::int64_t topSample_ = 0;
     HeaderControl header_;
-    TimeSums timeSums_;
 };
 
 } // namespace busquill

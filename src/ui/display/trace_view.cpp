@@ -259,9 +259,6 @@ void CTraceView::OnInitialUpdate() {
 }
 
 void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* object) {
-    if (hint == HintRedraw || hint == HintBlockArrived) {
-        timesShown_.reset(); // the samples or the columns are others
-    }
     if (hint != HintBlockArrived) {
         ShowTimes(); // else when all blocks of the tick are in
     }
@@ -392,15 +389,9 @@ void CTraceView::ShowTimes() {
     if (frame_ == nullptr) {
         return;
     }
-    const TimesOf wanted{
-        {Trace().Marker(0, isZoom_), Trace().Marker(1, isZoom_), Trace().Marker(2, isZoom_)},
-        Trace().SampleCount(isZoom_)};
-    if (timesShown_ == wanted) {
-        return; // the walk over the samples is long
-    }
-    timesShown_ = wanted;
-    const auto between = [&](std::size_t a, std::size_t b) {
-        return TimeBetween(wanted.markers[a], wanted.markers[b], ListOf(Trace()), isZoom_);
+    const auto between = [this](int a, int b) {
+        return TimeBetween(Trace().Marker(a, isZoom_), Trace().Marker(b, isZoom_), ListOf(Trace()),
+                           isZoom_);
     };
     frame_->SetTimes({between(1, 2), between(1, 0), between(2, 0)});
 }

@@ -114,13 +114,6 @@ private:
     void Tick();
     void FollowStatus(const RunState& state);
 
-    /// What the times on the bar were taken from.
-    struct TimesOf {
-        std::array<std::int64_t, 3> markers{};
-        std::int64_t samples = 0;
-        friend bool operator==(const TimesOf&, const TimesOf&) = default;
-    };
-
     const TraceViewParts parts_;
     const bool isState_;
     const bool isZoom_;
@@ -134,7 +127,6 @@ private:
     WindowTimer* runTimer_ = nullptr;
     std::unique_ptr<CTraceStatusDialog> statusDialog_;
     bool showStatus_ = false;
-    std::optional<TimesOf> timesShown_; // nothing when they must be taken anew
 };
 
 } // namespace busquill

@@ -71,6 +71,21 @@ TEST_F(Tables, HaveARowForEachSampleWithPlainValues) {
     EXPECT_EQ(rows[2].at("AD[63:0]"), "0000000000000000");
 }
 
+TEST_F(Tables, ATimeThatNoNumberHoldsIsTheLongest) {
+    list.RemoveAllSignals();
+    list.AddSignal(nullptr, board.tables.busSignals.FindByName("FRAME"), 0, 0, 0, 0, Radix::Hex,
+                   false);
+    changes = true;
+    SampleRecord record; // 65535 s behind the one before
+    record.bytes[13] = 0xC0;
+    record.bytes[14] = record.bytes[15] = 0xFF;
+    std::vector<SampleRecord> records(141'000, record);
+    records.back().bytes[9] = 1; // FRAME
+    const auto rows = Export(records);
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[1].at("Time [ns]"), "9223372036854775807");
+}
+
 TEST_F(Tables, DisabledByteLanesAreBlankAndACellOfBlanksIsEmpty) {
     const auto rows = Export(CaptureBuilder()
                                  .Address(0x10, 6)

@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
+#include <random>
+
 namespace busquill::test {
 namespace {
 
@@ -282,8 +285,11 @@ TEST_F(TimeBetweenTest, StaysAtTheLongestTimeWhereAFileIsDamaged) {
     EXPECT_EQ(TimeBetween(0, 34, list, false), "9126805470s");
     EXPECT_EQ(TimeBetween(0, 35, list, false), "9223372036s");
     EXPECT_EQ(TimeBetween(99, 0, list, false), "9223372036s");
-    TimeSums sums;
-    const std::int64_t all = sums.UpTo(*FindTimeGroup(list), 99);
+    EXPECT_EQ(TimeBetween(98, 99, list, false), "268435455s")
+        << "behind a sum that no number holds";
+    EXPECT_EQ(TimeBetween(65, 99, list, false), "9126805470s");
+    const std::int64_t all = list.TimeFrom(0, 99).value();
+    EXPECT_EQ(list.TimeFrom(99, 0), -all);
     EXPECT_EQ(FormatTimeSince(all, false, false), "9223372036s");
     EXPECT_EQ(FormatTimeSince(-all, true, false), "-9223372036s");
 }
@@ -302,6 +308,63 @@ TEST_F(TimeBetweenTest, CountsNothingForSamplesThatAreNotThere) {
     Load({5, 10});
     EXPECT_EQ(TimeBetween(0, 1000000000000, list_, false), "10ns");
     EXPECT_EQ(TimeBetween(50, 60, list_, false), "0ns");
+}
+
+/// Against a walk over all between, however samples come and go.
+TEST_F(TimeBetweenTest, IsTheSumOverAllBetweenWheneverSamplesCome) {
+    constexpr std::uint32_t seed = 5;
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    constexpr std::size_t count = 1000;
+    std::vector<std::int64_t> times(count);
+    list_.ResizeSamples(count);
+    const auto place = [&] { return static_cast<std::size_t>(random() % count); };
+    for (int round = 0; round < 300; ++round) {
+        const std::size_t first = place();
+        std::vector<SampleRecord> records(std::min<std::size_t>(random() % 90, count - first));
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (times[first + i] == 0) { // samples come once
+                times[first + i] = static_cast<std::int64_t>(random() % 256);
+                records[i].bytes[14] = static_cast<std::uint8_t>(times[first + i]); // bits 112 on
+            }
+        }
+        list_.LoadSamples(static_cast<std::uint32_t>(first), records);
+        if (round == 150) {
+            list_.ResizeSamples(count);
+            times.assign(count, 0);
+        }
+        for (int question = 0; question < 10; ++question) {
+            const auto [a, b] = std::minmax({place(), place()});
+            const auto sum = std::accumulate(times.begin() + static_cast<std::ptrdiff_t>(a) + 1,
+                                             times.begin() + static_cast<std::ptrdiff_t>(b) + 1,
+                                             std::int64_t{0});
+            const auto from = static_cast<std::int64_t>(a);
+            const auto to = static_cast<std::int64_t>(b);
+            ASSERT_EQ(list_.TimeFrom(from, to), a == b ? 0 : sum) << round << " " << a << " " << b;
+            ASSERT_EQ(list_.TimeFrom(to, from), a == b ? 0 : -sum);
+        }
+    }
+}
+
+TEST_F(TimeBetweenTest, FollowsTheListWhoseTimeIsReplaced) {
+    Load(std::vector<int>(200, 10));
+    EXPECT_EQ(TimeBetween(0, 199, list_, false), "1.990us");
+    Load(std::vector<int>(200, 20));
+    EXPECT_EQ(TimeBetween(0, 199, list_, false), "3.980us");
+    CSignalList copy;
+    copy.CopyFrom(list_);
+    list_.RemoveAllSignals();
+    list_.BuildFromTables(0, ModeState);
+    Load(std::vector<int>(200, 30));
+    EXPECT_EQ(TimeBetween(0, 199, list_, false), "5.970us");
+    EXPECT_EQ(TimeBetween(0, 199, copy, false), "3.980us");
+    copy.CopyFrom(list_);
+    EXPECT_EQ(TimeBetween(0, 199, copy, false), "5.970us");
+    for (const auto& signal : list_.All()) {
+        signal->data[0] = signal->data[1] = 0;
+    }
+    list_.RebuildGroupRows(0, 64);
+    EXPECT_EQ(TimeBetween(0, 199, list_, false), "4.080us") << "64 samples of no time";
 }
 
 TEST_F(TimeBetweenTest, IsEmptyWithoutAMarkerOrATime) {

@@ -145,11 +145,9 @@ TEST_F(FramedView, TheTimesFollowTheSamplesThatCome) {
     document->SetMarker(1, 400);
     document->SetMarker(2, 401);
     const std::string before = frame.times[0];
-    for (const auto& signal : document->stateList.All()) {
-        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
-            signal->groupData[401 * signal->RowBytes()] = 90;
-        }
-    }
+    SampleRecord later;
+    later.bytes[15] = 90;
+    document->stateList.LoadSamples(401, std::span(&later, 1));
     CBlockUpdate block;
     document->UpdateAllViews(nullptr, HintBlockArrived, &block);
     EXPECT_EQ(frame.times[0], before) << "when the last block of the moment is in";
