@@ -26,6 +26,8 @@ public:
     }
     void TestBody() override {}
 
+    using TraceFixture::document;
+
     /// Unpacks the samples into a list.
     void Load(CSignalList& list) {
         const auto records = document->store.GetData(false);

@@ -36,6 +36,25 @@ public:
         document->SetMarker(0, 0);
     }
 
+    /// Puts a column with the time since the row above before all others, keeps every hundredth
+    /// row, and sets the markers to both ends.
+    void ShowTimesUnderAFilter() {
+        CSignalList& list = document->stateList;
+        const std::int64_t count = document->SampleCount(false);
+        CSignal* time = list.AddSignal(&list[0], board.tables.decodedSignals.FindByName("TIME"), 0,
+                                       0, 0, 0, Radix::Hex, true);
+        document->LoadSignal(list, *time, false);
+        time->width = 80;
+        auto& excluded = document->excludedBits;
+        excluded.assign(WordsFor(static_cast<std::uint32_t>(count)), ~0U);
+        for (std::size_t i = 0; i < static_cast<std::size_t>(count); i += 100) {
+            excluded[i / 32] &= ~(1U << (i % 32));
+        }
+        document->RebuildMapsFromFile();
+        document->SetMarker(1, 0);
+        document->SetMarker(2, count - 1);
+    }
+
     std::unique_ptr<CTraceView> view;
     CStateWnd* window = nullptr;
 };
@@ -74,6 +93,30 @@ void Frame(benchmark::State& state) {
 BENCHMARK(Frame)
     ->ArgNames({"samples", "place"})
     ->ArgsProduct({{10'000, 10'000'000}, {0, 50, 100}})
+    ->Unit(benchmark::kMicrosecond);
+
+/// A frame near the end of a capture with a filter on and a marker at either end, which shows times
+/// over all of it.
+void FrameOfFarTimes(benchmark::State& state) {
+    const std::int64_t samples = state.range(0);
+    static std::weak_ptr<Listing> made;
+    auto listing = made.lock();
+    if (!listing || listing->document->SampleCount(false) != samples) {
+        keptUntilTheEnd.clear();
+        listing = std::make_shared<Listing>(static_cast<int>(samples));
+        keptUntilTheEnd.push_back(listing);
+        made = listing;
+        listing->ShowTimesUnderAFilter();
+    }
+    listing->view->ScrollToSample(samples - 1);
+    for (auto _ : state) {
+        listing->window->Render(false);
+    }
+}
+BENCHMARK(FrameOfFarTimes)
+    ->ArgName("samples")
+    ->Arg(10'000)
+    ->Arg(4'000'000)
     ->Unit(benchmark::kMicrosecond);
 
 /// What a held arrow key costs: a step of a row and the frame, events included.

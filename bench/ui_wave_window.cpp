@@ -77,6 +77,29 @@ BENCHMARK(WaveFrame)
         {{1'000'000}, {BusesOnly, DecodedOnly, DecodedIdle}, {400, 20, 8, 1, -2, -7}, {50}})
     ->Unit(benchmark::kMicrosecond);
 
+/// A frame with a marker at either end of the capture, and so with the time between them.
+void WaveFrameBetweenMarkers(benchmark::State& state) {
+    Waveforms& waveforms = WaveformsOf(state.range(0), LinesAndBuses);
+    const std::int64_t count = waveforms.document->SampleCount(false);
+    for (const auto& signal : waveforms.document->waveformList.All()) {
+        signal->permanent = signal->baseName == "TIME"; // the field that the times are summed from
+    }
+    waveforms.window->SetZoom(20);
+    waveforms.document->SetMarker(1, 0);
+    waveforms.document->SetMarker(2, count - 1);
+    waveforms.view->ScrollToSample(count / 2);
+    for (auto _ : state) {
+        waveforms.window->Render(false);
+    }
+    waveforms.document->SetMarker(1, -1);
+    waveforms.document->SetMarker(2, -1);
+}
+BENCHMARK(WaveFrameBetweenMarkers)
+    ->ArgName("samples")
+    ->Arg(10'000)
+    ->Arg(4'000'000)
+    ->Unit(benchmark::kMicrosecond);
+
 /// What a held arrow key costs: four steps of a pixel and the frame, events included.
 void WaveStepByKey(benchmark::State& state) {
     Waveforms& waveforms = WaveformsOf(state.range(0), LinesAndBuses);

@@ -41,18 +41,12 @@ namespace {
 
 class FrameReads : public TraceFixture {
 protected:
-    /// A capture with a marker at either end and 30 ns from sample to sample; under a filter, with
-    /// every hundredth of them.
+    /// A capture with a marker at either end; under a filter, with every hundredth of its rows.
     void MakeCapture(std::int64_t samples, bool isFiltered) {
         view.reset();
         document = std::make_unique<CTesselDoc>(context, prompts);
         ASSERT_TRUE(document->OnNewDocument());
         ASSERT_TRUE(document->store.AllocateForFile(0, samples - 1));
-        SampleRecord record;
-        record.bytes[15] = 30;
-        for (std::int64_t i = 0; i < samples; ++i) {
-            document->store.PutSample(static_cast<std::uint32_t>(i), record);
-        }
         if (isFiltered) {
             document->excludedBits.assign(WordsFor(static_cast<std::uint32_t>(samples)), ~0U);
             for (std::size_t i = 0; i < static_cast<std::size_t>(samples); i += 100) {
@@ -129,7 +123,7 @@ TEST_F(FrameReads, WaveformsReadAsMuchOfAnyCapture) {
         }
         const auto [least, most] = std::ranges::minmax(counts);
         EXPECT_GT(least, 0U) << isFiltered;
-        EXPECT_LE(most - least, 3000U) << isFiltered;
+        EXPECT_LE(most - least, perTime) << isFiltered; // between the markers
     }
 }
 
