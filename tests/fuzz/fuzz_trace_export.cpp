@@ -40,6 +40,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         out.clear();
     }
     dump.End(out);
-    static_cast<void>(dump.ViewerFile("a.vcd"));
+    static_cast<void>(dump.ViewerFile("a.vcd", "a.gtkw"));
     return 0;
 }

@@ -33,7 +33,8 @@ TEST(ZeroedArrays, AreValues) {
     EXPECT_EQ(moved.size(), 3U);
     EXPECT_EQ(moved.front(), 9U);
     words = moved;
-    words = words; // itself
+    const Words& itself = words;
+    words = itself;
     EXPECT_EQ(words, moved);
     words.clear();
     EXPECT_NE(words, moved);
