@@ -12,7 +12,6 @@ std::size_t reads = 0; // packed values and records
 
 } // namespace
 
-extern "C" {
 std::span<const std::uint8_t> RealGroupRow(const busquill::CSignal*, std::size_t) //
     __asm__("__real__ZNK8busquill7CSignal8GroupRowEm");
 std::span<const std::uint8_t> CountedGroupRow(const busquill::CSignal*, std::size_t) //
@@ -33,7 +32,6 @@ std::optional<busquill::SampleRecord> CountedGetSample(const busquill::CTesselDo
                                                        std::int64_t index, bool zoom) {
     ++reads;
     return RealGetSample(document, index, zoom);
-}
 }
 
 namespace busquill::test {
