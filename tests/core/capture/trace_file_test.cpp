@@ -3,6 +3,7 @@
 #include "support/board_tables.h"
 #include "support/paths.h"
 #include "support/recording_prompts.h"
+#include "support/sanitizers.h"
 #include "support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -232,11 +233,9 @@ std::int64_t MemoryInUse() {
 }
 
 TEST_F(TraceFile, ARangeThatNoCaptureFillsTakesMemoryAsSamplesCome) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    constexpr std::int64_t most = std::int64_t{2} << 30; // shadows of addresses count too
-#else
-    constexpr std::int64_t most = std::int64_t{200} << 20;
-#endif
+    // The shadows of addresses count too.
+    constexpr std::int64_t most =
+        livesOnAddresses ? std::int64_t{2} << 30 : std::int64_t{200} << 20;
     // In all lists together this would be more than 4 GB.
     constexpr int before = 16'000'000;
     constexpr int after = 16'000'000;
