@@ -3,6 +3,7 @@
 #include "platform/settings.h"
 #include "ui/framework/qt_settings.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
 #include <QWindow>
