@@ -4,6 +4,7 @@
 #include "ui/framework/painting.h"
 
 #include <QComboBox>
+#include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QIcon>
