@@ -17,7 +17,7 @@ public:
 
     /// Nobody uses the bus.
     [[nodiscard]] virtual bool IsIdle(const SampleRecord& record) const = 0;
-    /// The next sample, so many nanoseconds behind the one before.
+    /// The next sample, so many nanoseconds after the one before.
     virtual void Take(const SampleRecord& record, std::int64_t elapsed) = 0;
     /// Fills in what was counted, with the transaction that is under way.
     virtual void Report(TraceSummary& summary) const = 0;

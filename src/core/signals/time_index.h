@@ -21,8 +21,8 @@ public:
     void Forget(std::size_t first, std::size_t count) noexcept;
 
 private:
-    // Fields of a damaged file add up to more than 64 bits.
-    __extension__ typedef __int128 Sum; // NOLINT(modernize-use-using)
+    // Fields of a damaged file add up to more than 64 bits; both compilers have the wider type.
+    __extension__ typedef __int128 Sum;
 
     [[nodiscard]] static Sum Walk(const CSignal& time, std::size_t begin, std::size_t end);
     /// Of all samples before a stride.

@@ -76,7 +76,7 @@ TEST_F(Tables, ATimeThatNoNumberHoldsIsTheLongest) {
     list.AddSignal(nullptr, board.tables.busSignals.FindByName("FRAME"), 0, 0, 0, 0, Radix::Hex,
                    false);
     changes = true;
-    SampleRecord record; // 65535 s behind the one before
+    SampleRecord record; // 65535 s after the one before
     record.bytes[13] = 0xC0;
     record.bytes[14] = record.bytes[15] = 0xFF;
     std::vector<SampleRecord> records(141'000, record);
