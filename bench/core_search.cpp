@@ -1,4 +1,4 @@
-#include "capture/trace_search.h"
+#include "capture/record_pattern.h"
 #include "signals/signal_list.h"
 
 #include <benchmark/benchmark.h>

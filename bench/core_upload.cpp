@@ -1,4 +1,4 @@
-#include "capture/sample_store.h"
+#include "capture/board_capture.h"
 #include "capture/trace_document.h"
 #include "capture/trace_writer.h"
 #include "support/board_tables.h"
@@ -65,7 +65,7 @@ void UploadBlocks(benchmark::State& state) {
     CAnalyzerLink link({settings, prompts, clock, mainThread, OpenSerialPort, usb});
     link.Connect(9600);
     {
-        CSampleStore store(CSampleStore::Board{link, mainThread, prompts});
+        BoardCapture capture(link, mainThread, prompts);
         // The simplest program: everything is stored, the first sample triggers.
         std::array<std::uint8_t, 160> control{};
         std::fill_n(control.begin(), 16, std::uint8_t{0xFF});
@@ -76,19 +76,19 @@ void UploadBlocks(benchmark::State& state) {
             }))) {
             state.SkipWithError("no board");
         }
-        const auto uploaded = [&] { return !store.IsRunning() && !store.IsUploading(); };
-        store.StartCapture();
+        const auto uploaded = [&] { return !capture.IsRunning() && !capture.upload.IsUploading(); };
+        capture.StartCapture();
         while (!mainThread.WaitUntil(std::chrono::milliseconds(10), uploaded)) {
         }
-        if (store.GetCount(false) != blocks * 32) {
+        if (capture.store.GetCount(false) != blocks * 32) {
             state.SkipWithError("another capture than expected");
         }
         for (auto _ : state) {
-            store.BeginUpload();
+            capture.upload.BeginUpload();
             while (!mainThread.WaitUntil(std::chrono::seconds(10), uploaded)) {
             }
         }
-        store.ShutDown();
+        capture.ShutDown();
         link.WaitIdle();
     }
     CountBlocks(state);

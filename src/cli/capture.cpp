@@ -1,5 +1,4 @@
 #include "capture/search_condition.h"
-#include "capture/trace_run.h"
 #include "capture/trace_writer.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
@@ -106,21 +105,22 @@ public:
         }
         {
             const NoInterruptsForThreads quiet; // the run has a thread of its own
-            StartBoard(document);
+            document.Run().Start();
         }
         session_.TellMessages();
         RunEnd end = RunEnd::ByItself;
         triggered_ = false;
         Time::time_point heard = Time::now();
         while (true) {
-            const RunState state = FollowRun(session_.Link(), document);
+            document.Run().Look();
+            const RunState& state = document.Run().State();
             triggered_ = triggered_ || state.triggered;
             if (state.indicator != RunIndicator::Running) {
                 break;
             }
             if (const RunEnd asked = EndAsked(); asked != RunEnd::ByItself) {
                 end = asked;
-                StopRun(document);
+                document.Run().Stop();
                 break;
             }
             if (session_.Link().IsIdle()) {
@@ -195,13 +195,17 @@ private:
         Progress progress("Fetching samples", samples);
         std::int64_t last = -1;
         Time::time_point heard = Time::now();
-        while (FollowRun(session_.Link(), document).indicator == RunIndicator::Uploading) {
+        while (true) {
+            document.Run().Look();
+            if (document.Run().State().indicator != RunIndicator::Uploading) {
+                break;
+            }
             if (Interrupted()) {
-                session_.Store().CancelUpload();
+                session_.Capture().upload.CancelUpload();
                 EndUpload();
                 return RunEnd::Interrupt;
             }
-            std::int64_t come = session_.Store().HasZoom() ? 1 : 0;
+            std::int64_t come = document.GetStore().HasZoom() ? 1 : 0;
             for (std::int64_t at = 0; at < document.SampleCount(false); at += blockSamples) {
                 come += document.IsValidSample(at, false) ? std::int64_t{blockSamples} : 0;
             }
@@ -222,7 +226,7 @@ private:
 
     /// A block that the board owes without end is given up with the board.
     void EndUpload() {
-        if (session_.Store().IsUploading()) {
+        if (session_.Document().IsUploading()) {
             session_.Link().Close();
         }
         session_.TellMessages();

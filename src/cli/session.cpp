@@ -24,7 +24,7 @@ bool IsNamedPort(const std::string& port) {
 } // namespace
 
 Session::Session(const Arguments& arguments)
-    : usb_(OpenUsbBus()), store_(CSampleStore::Board{link_, mainThread_, mainThread_}),
+    : usb_(OpenUsbBus()), capture_(link_, mainThread_, mainThread_),
       link_({settings_, mainThread_, clock_, mainThread_,
              [this](const std::string& device) {
                  auto port = OpenSerialPort(device);
@@ -67,7 +67,8 @@ Session::Session(const Arguments& arguments)
     WaitForBoard(port);
     tables_.Load();
     NewTraceContext live;
-    live.realTimeStore = &store_;
+    live.link = &link_;
+    live.boardCapture = &capture_;
     live.newDocRealTime = true;
     document_ = std::make_unique<CTesselDoc>(live, mainThread_);
     document_->OnNewDocument();
@@ -100,7 +101,7 @@ void Session::WaitForBoard(const std::string& port) {
 // The monitor of a capture uses the link, and the link's thread may be completing a block.
 Session::~Session() {
     document_.reset();
-    store_.ShutDown();
+    capture_.ShutDown();
 }
 
 bool Session::TellMessages() {

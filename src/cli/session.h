@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/board_capture.h"
 #include "capture/trace_document.h"
 #include "cli/interrupt.h"
 #include "cli/line_prompts.h"
@@ -30,7 +31,7 @@ public:
     Session& operator=(const Session&) = delete;
 
     [[nodiscard]] CAnalyzerLink& Link() noexcept { return link_; }
-    [[nodiscard]] CSampleStore& Store() noexcept { return store_; }
+    [[nodiscard]] BoardCapture& Capture() noexcept { return capture_; }
     [[nodiscard]] const SignalTables& Tables() const noexcept { return tables_; }
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
     [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
@@ -50,7 +51,7 @@ private:
     SystemClock clock_;
     int openError_ = 0; // why the serial port does not open
     std::unique_ptr<UsbBus> usb_;
-    CSampleStore store_; // outlives the link's thread
+    BoardCapture capture_; // outlives the link's thread
     CAnalyzerLink link_;
     SignalTables tables_;
     std::unique_ptr<CTesselDoc> document_;

@@ -1,4 +1,4 @@
-#include "capture/trace_run.h"
+#include "capture/capture_run.h"
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
@@ -26,7 +26,7 @@ struct Payload {
 
 std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& board) {
     std::vector<Payload> payloads;
-    for (SetupStep& step : SetupSteps(setup, board)) {
+    for (const RunStep& step : SetupSteps(setup, board)) {
         LinkRequest& request = *step.request;
         static_cast<void>(PreparePayload(request)); // as the link does before it sends
         payloads.push_back({std::string(LinkCommandName(request.command)),

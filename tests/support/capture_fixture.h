@@ -1,7 +1,7 @@
 #pragma once
 
+#include "capture/board_capture.h"
 #include "capture/trace_document.h"
-#include "capture/trace_run.h"
 #include "support/board_tables.h"
 #include "support/link_fixture.h"
 
@@ -27,13 +27,14 @@ private:
 class CaptureFixture : public LinkFixture {
 protected:
     CaptureFixture() {
-        context.realTimeStore = &store;
+        context.link = link.get();
+        context.boardCapture = &capture;
         context.newDocRealTime = true;
         board.onSampleRead = [](const WireBoard::SampleRead& read) { return Records(read); };
     }
     ~CaptureFixture() override {
         document.reset();
-        store.ShutDown();
+        capture.ShutDown();
         link.reset(); // its thread may be completing a block
     }
 
@@ -87,8 +88,8 @@ protected:
     }
     /// The capture that the wire holds is fetched to its end.
     void Upload() {
-        store.BeginUpload();
-        EXPECT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+        upload.BeginUpload();
+        EXPECT_TRUE(Eventually([&] { return !upload.IsUploading(); }));
     }
     std::vector<WireBoard::SampleRead> Reads() {
         std::vector<WireBoard::SampleRead> reads;
@@ -113,7 +114,9 @@ protected:
         return *document;
     }
 
-    CSampleStore store{CSampleStore::Board{*link, mainThread, prompts}};
+    BoardCapture capture{*link, mainThread, prompts};
+    CSampleStore& store = capture.store;
+    SampleUpload& upload = capture.upload;
     NewTraceContext context;
     BoardTables tables{"PCIKite-1"};
     bool silent = false; // for a test's own answers

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "boardsim/traffic.h"
+#include "capture/board_capture.h"
 #include "capture/trace_document.h"
-#include "capture/trace_run.h"
 #include "support/board_tables.h"
 #include "support/wire_fixture.h"
 
@@ -14,14 +14,15 @@ protected:
     explicit CaptureOverWire(const std::string& model = "PCIKite-1", std::int32_t mode = BusPci,
                              std::int32_t width = 0)
         : tables(model, mode, width) {
-        context.realTimeStore = &store;
+        context.link = &link;
+        context.boardCapture = &capture;
         context.newDocRealTime = true;
     }
     ~CaptureOverWire() override {
         document.reset();
-        store.ShutDown();
+        capture.ShutDown();
         // The link's thread may be completing a block.
-        store.CancelUpload();
+        upload.CancelUpload();
         link.WaitIdle();
     }
     void Connect(std::vector<std::string> options) {
@@ -41,12 +42,13 @@ protected:
             }
         }
     }
-    void Go() { StartRun(link, *document, "", prompts); }
+    void Go() { document->Run().Go(document->setup, ""); }
     /// Follows the run as a window does.
     template <typename Condition>
     bool FollowUntil(Condition holds) {
         for (int i = 0; i < 3000; ++i) {
-            last = FollowRun(link, *document);
+            document->Run().Look();
+            last = document->Run().State();
             if (holds()) {
                 return true;
             }
@@ -77,7 +79,9 @@ protected:
     }
 
     BoardTables tables;
-    CSampleStore store{CSampleStore::Board{link, mainThread, prompts}};
+    BoardCapture capture{link, mainThread, prompts};
+    CSampleStore& store = capture.store;
+    SampleUpload& upload = capture.upload;
     NewTraceContext context;
     std::unique_ptr<CTesselDoc> document;
     RunState last;

@@ -53,7 +53,7 @@ protected:
         return QTest::qWaitFor(holds, 60000);
     }
     bool Complete() {
-        return RunUntil([&] { return !Running() && !Trace().GetStore().IsUploading(); }) &&
+        return RunUntil([&] { return !Running() && !Trace().IsUploading(); }) &&
                (QTest::qWait(450), true); // and the timer has looked
     }
     QString Text(const char* name) { return Bar().findChild<QLabel*>(name)->text(); }

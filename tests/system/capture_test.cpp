@@ -84,8 +84,8 @@ TEST_F(CaptureOverWire, SamplesAreReadWhileMoreCome) {
     std::size_t values = 0;
     ASSERT_TRUE(FollowUntil([&] {
         wanted = (wanted * 1103515245 + 12345) % total;
-        if (store.IsUploading()) {
-            store.SetPriorityIndex(wanted);
+        if (upload.IsUploading()) {
+            upload.SetPriorityIndex(wanted);
         }
         for (const auto& signal : document->stateList.All()) {
             values += document->IsValidSample(wanted, false) && signal->Bit(wanted) ? 1 : 0;
@@ -101,7 +101,7 @@ TEST_F(CaptureOverWire, StopAsTheBufferFills) {
     Connect({"--buffer", "1"});
     for (int i = 0; i < 3; ++i) {
         Go();
-        StopRun(*document);
+        document->Run().Stop();
         ASSERT_TRUE(Complete());
     }
     EXPECT_THAT(prompts.Texts(), IsEmpty());
@@ -113,7 +113,7 @@ TEST_F(CaptureOverWire, ADocumentThatGoesDuringTheUpload) {
     ASSERT_TRUE(FollowUntil([&] { return last.indicator == RunIndicator::Uploading; }));
     const auto start = std::chrono::steady_clock::now();
     document.reset();
-    EXPECT_FALSE(store.IsUploading());
+    EXPECT_FALSE(upload.IsUploading());
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
 }
 
@@ -125,8 +125,8 @@ TEST_F(CaptureOverWire, GoAgainAndAgain) {
         EXPECT_EQ(document->SampleCount(false), 32768);
     }
     Go();
-    EXPECT_FALSE(store.IsUploading());
-    EXPECT_TRUE(store.IsRunning() || !document->CaptureActive());
+    EXPECT_FALSE(upload.IsUploading());
+    EXPECT_TRUE(capture.IsRunning() || !document->CaptureActive());
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 

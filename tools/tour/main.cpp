@@ -174,7 +174,7 @@ void Capture(Tour& tour, Program& program) {
     }
     WaitFor([&] { return false; }, 300);
     tour.Picture(frame, "capture-uploading");
-    if (!WaitFor([&] { return !document.GetStore().IsUploading(); }, 60000)) {
+    if (!WaitFor([&] { return !document.IsUploading(); }, 60000)) {
         tour.Fail("the upload has not ended");
     }
     WaitFor([&] { return false; }, 400);

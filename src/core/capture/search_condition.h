@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/trace_search.h"
+#include "capture/record_pattern.h"
 #include "signals/signal_names.h"
 
 #include <string>

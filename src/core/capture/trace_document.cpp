@@ -1,11 +1,12 @@
 #include "capture/trace_document.h"
 
+#include "capture/board_capture.h"
+#include "capture/record_pattern.h"
 #include "capture/trace_file.h"
-#include "capture/trace_search.h"
 #include "platform/working_directory.h"
 
 #include <algorithm>
-#include <bit>
+#include <cassert>
 
 namespace busquill {
 
@@ -14,24 +15,24 @@ namespace {
 constexpr std::int64_t zoomFirstNumber = -255;
 constexpr std::int64_t zoomTrigger = 255;
 
-bool BitOf(const std::vector<std::uint32_t>& bits, std::int64_t index) noexcept {
-    const auto i = static_cast<std::size_t>(index);
-    return index >= 0 && i / 32 < bits.size() && (bits[i / 32] >> (i % 32) & 1) != 0;
-}
-
 } // namespace
 
 CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
     : prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
-      realTimeStore_(context.realTimeStore), saveTrace_(context.saveTrace) {
+      boardCapture_(context.boardCapture), saveTrace_(context.saveTrace) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
+    if (isRealTime_ && boardCapture_ != nullptr) {
+        auto timer = context.makeTimer ? context.makeTimer() : nullptr;
+        run_ = std::make_unique<CaptureRun>(
+            BoardRun::Parts{*context.link, prompts, std::move(timer)}, *boardCapture_, *this);
+    }
 }
 
 // Any trace that goes ends the upload, the one of a file too.
 CTesselDoc::~CTesselDoc() {
-    if (realTimeStore_ != nullptr) {
-        realTimeStore_->CancelUpload();
+    if (boardCapture_ != nullptr) {
+        boardCapture_->upload.CancelUpload();
     }
 }
 
@@ -46,7 +47,7 @@ bool CTesselDoc::OnNewDocument() {
         BuildDefaultLists();
     }
     RebuildMaps(0, 0);
-    markers_.fill(-1);
+    markers_.Clear();
     return true;
 }
 
@@ -58,7 +59,8 @@ void CTesselDoc::BuildDefaultLists() {
 
 bool CTesselDoc::OnOpenDocument(const std::string& path) {
     loadedFromFile_ = true;
-    const TraceFileContents contents = ReadTraceFile(*this, path, prompts_);
+    const TraceFileContents contents = ReadTraceFile(
+        {comment, setup, stateList, waveformList, zoomList}, store, excludedBits, path, prompts_);
     if (!contents.loaded) {
         return false;
     }
@@ -80,8 +82,27 @@ void CTesselDoc::OnSaved(const std::string& path) {
     }
 }
 
+CaptureRun& CTesselDoc::Run() const noexcept {
+    assert(run_);
+    return *run_;
+}
+
+bool CTesselDoc::IsRunning() const noexcept {
+    return run_ && boardCapture_->IsRunning();
+}
+
+bool CTesselDoc::IsUploading() const {
+    return run_ && boardCapture_->upload.IsUploading();
+}
+
+void CTesselDoc::FetchNext(std::int64_t sample) {
+    if (sample >= 0 && IsUploading()) {
+        boardCapture_->upload.SetPriorityIndex(static_cast<std::uint32_t>(sample));
+    }
+}
+
 CSampleStore& CTesselDoc::GetStore() noexcept {
-    return isRealTime_ && realTimeStore_ != nullptr ? *realTimeStore_ : store;
+    return run_ ? boardCapture_->store : store;
 }
 
 const CSampleStore& CTesselDoc::GetStore() const noexcept {
@@ -100,14 +121,14 @@ std::optional<SampleRecord> CTesselDoc::GetSample(std::int64_t index, bool zoom)
 void CTesselDoc::ForgetSamples() {
     filterPattern.BuildFromTables(1, ModeEvents);
     RebuildMaps(0, 0);
-    markers_.fill(-1);
+    markers_.Clear();
     SetPathName("");
     SetModifiedFlag();
 }
 
 void CTesselDoc::OnCaptureStarted() {
     captureActive_ = true;
-    GetStore().SetObserver(nullptr);
+    boardCapture_->upload.SetObserver(nullptr);
     ForgetSamples();
     UpdateAllViews(nullptr, HintCaptureStarted);
     hasData_ = true;
@@ -116,13 +137,18 @@ void CTesselDoc::OnCaptureStarted() {
 void CTesselDoc::OnCaptureStopped() {
     RebuildMaps(GetStore().SamplesBefore(), GetStore().SamplesAfter());
     UpdateAllViews(nullptr, HintCaptureStopped);
-    GetStore().SetObserver(this);
+    boardCapture_->upload.SetObserver(this);
     captureActive_ = false;
 }
 
+void CTesselDoc::OnLook(const RunState& /*state*/) {
+    FlushBlockUpdates();
+    UpdateAllViews(nullptr, HintLook);
+}
+
 void CTesselDoc::ClearData() {
-    GetStore().CancelUpload();
-    GetStore().FreeSamples();
+    boardCapture_->upload.CancelUpload();
+    boardCapture_->upload.FreeSamples();
     ForgetSamples();
     captureActive_ = false; // nobody may have looked since the capture ended
     hasData_ = false;
@@ -133,7 +159,7 @@ void CTesselDoc::ClearData() {
 
 void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {
     // A capture that runs has samples in the store that belong to the one before.
-    const bool shown = zoom || sampleCount_ > 0;
+    const bool shown = zoom || rows_.SampleCount() > 0;
     if (!shown) {
         list.LoadSignal(&signal, 0, {});
     } else if (isRealTime_) {
@@ -151,62 +177,50 @@ void CTesselDoc::SetSetupName(const std::string& path, const std::string& name) 
 }
 
 std::int64_t CTesselDoc::RowCount(bool zoom) const noexcept {
-    return zoom ? zoomSampleCount : rowCount_;
+    return zoom ? zoomSampleCount : rows_.RowCount();
 }
 
 std::int64_t CTesselDoc::SampleCount(bool zoom) const noexcept {
-    return zoom ? zoomSampleCount : sampleCount_;
+    return zoom ? zoomSampleCount : rows_.SampleCount();
 }
 
 std::int64_t CTesselDoc::FirstSampleNumber(bool zoom) const noexcept {
-    return zoom ? zoomFirstNumber : firstSampleNumber_;
+    return zoom ? zoomFirstNumber : rows_.FirstSampleNumber();
 }
 
 std::int64_t CTesselDoc::RowToSample(std::int64_t row, bool zoom) const noexcept {
-    if (zoom) {
-        return row;
-    }
-    if (rowCount_ == 0) {
-        return 0;
-    }
-    const bool inside = row >= 0 && row < rowCount_;
-    return inside ? std::int64_t{rowTable_[static_cast<std::size_t>(row)]} : -1;
+    return zoom ? row : rows_.RowToSample(row);
 }
 
 std::int64_t CTesselDoc::SampleToRow(std::int64_t sample, bool zoom) const noexcept {
-    if (zoom || rowCount_ == sampleCount_) {
-        return sample;
-    }
-    const auto found = std::lower_bound(rowTable_.begin(), rowTable_.end(), sample);
-    const std::int64_t row = found - rowTable_.begin();
-    const bool exact = found != rowTable_.end() && *found == sample;
-    return exact ? row : std::max<std::int64_t>(row - 1, 0);
+    return zoom ? sample : rows_.SampleToRow(sample);
 }
 
 bool CTesselDoc::IsRowSample(std::int64_t sample, bool zoom) const noexcept {
-    return zoom || BitOf(matchBits_, sample);
+    return zoom || rows_.IsRowSample(sample);
 }
 
 bool CTesselDoc::IsValidSample(std::int64_t sample, bool zoom) const noexcept {
     if (zoom) {
         return sample >= 0 && sample < zoomSampleCount;
     }
-    if (sample < 0 || sample >= sampleCount_) {
-        return false;
-    }
-    return BitOf(validBits_, sample);
+    return sample >= 0 && arrived_.Test(static_cast<std::size_t>(sample));
 }
 
 std::int64_t CTesselDoc::Marker(int which, bool zoom) const noexcept {
-    return (zoom ? zoomMarkers_ : markers_)[static_cast<std::size_t>(which)];
+    return (zoom ? zoomMarkers_ : markers_)[which];
 }
 
 void CTesselDoc::SetMarker(int which, std::int64_t index) {
-    SetMarkerIn(markers_, which, index, sampleCount_, HintMarker1);
+    if (markers_.Set(which, index, rows_.SampleCount())) {
+        MarkerMoved(which, HintMarker1);
+    }
 }
 
 void CTesselDoc::SetZoomMarker(int which, std::int64_t index) {
-    SetMarkerIn(zoomMarkers_, which, index, zoomSampleCount, HintZoomMarker1);
+    if (zoomMarkers_.Set(which, index, zoomSampleCount)) {
+        MarkerMoved(which, HintZoomMarker1);
+    }
 }
 
 void CTesselDoc::ToggleMarker(int which, std::int64_t sample, bool zoom) {
@@ -217,16 +231,7 @@ void CTesselDoc::ToggleMarker(int which, std::int64_t sample, bool zoom) {
     zoom ? SetZoomMarker(which, index) : SetMarker(which, index);
 }
 
-void CTesselDoc::SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
-                             std::int64_t limit, int firstHint) {
-    if (index >= limit || which < 0 || which >= 3) {
-        return;
-    }
-    std::int64_t& marker = markers[static_cast<std::size_t>(which)];
-    if (marker == index) {
-        return;
-    }
-    marker = index;
+void CTesselDoc::MarkerMoved(int which, int firstHint) {
     if (which == 0) {
         return;
     }
@@ -246,15 +251,10 @@ void CTesselDoc::GoToSample(std::int64_t sample, bool zoom) {
 void CTesselDoc::ApplyFilter(std::int64_t topSample) {
     // After a run that ended without samples the store may still hold those of the run before.
     const auto records = GetStore().GetData(false);
-    const auto count = std::min(records.size(), static_cast<std::size_t>(sampleCount_));
-    FindAll(records.first(count), RecordPattern(filterPattern), excludedBits, rowTable_,
-            matchBits_);
-    rowCount_ = static_cast<std::int64_t>(rowTable_.size());
-    const std::int64_t row = SampleToRow(topSample, false);
-    if (rowCount_ == 0) {
-        GoToSample(0, false);
-    } else if (row >= 0 && row < rowCount_) {
-        GoToSample(rowTable_[static_cast<std::size_t>(row)], false);
+    const auto count = std::min(records.size(), static_cast<std::size_t>(rows_.SampleCount()));
+    rows_.Filter(records.first(count), RecordPattern(filterPattern), excludedBits);
+    if (const std::int64_t sample = rows_.RowToSample(rows_.SampleToRow(topSample)); sample != -1) {
+        GoToSample(sample, false);
     }
     UpdateAllViews(nullptr, HintFilterChanged);
 }
@@ -264,9 +264,9 @@ void CTesselDoc::AddBlock(std::uint32_t first, std::span<const SampleRecord> rec
     update.first = first;
     update.count = static_cast<std::uint32_t>(records.size());
     update.zoom = zoom;
-    update.records.assign(records.begin(), records.end());
+    update.records = records;
     const MutexLock lock(docLock_);
-    pendingUpdates_.push_back(std::move(update));
+    pendingUpdates_.push_back(update);
 }
 
 void CTesselDoc::Unpack(const CBlockUpdate& update) {
@@ -276,11 +276,7 @@ void CTesselDoc::Unpack(const CBlockUpdate& update) {
     }
     stateList.LoadSamples(update.first, update.records);
     waveformList.LoadSamples(update.first, update.records);
-    const std::size_t end = std::min<std::size_t>(std::size_t{update.first} + update.count,
-                                                  static_cast<std::size_t>(sampleCount_));
-    for (std::size_t i = update.first; i < end; ++i) {
-        validBits_[i / 32] |= 1U << (i % 32);
-    }
+    arrived_.AssignIn(update.first, std::size_t{update.first} + update.count, true);
 }
 
 void CTesselDoc::FlushBlockUpdates() {
@@ -295,39 +291,14 @@ void CTesselDoc::FlushBlockUpdates() {
     }
 }
 
-void CTesselDoc::AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid) {
-    const auto count = static_cast<std::uint32_t>(total);
-    sampleCount_ = total;
-    firstSampleNumber_ = firstNumber;
-    validBits_.assign(WordsFor(count), valid ? ~0U : 0);
-    matchBits_.assign(WordsFor(count), ~0U);
-    for (std::size_t i = 0; i < std::min(matchBits_.size(), excludedBits.size()); ++i) {
-        matchBits_[i] &= ~excludedBits[i];
-    }
-    ListRows();
-}
-
-void CTesselDoc::ListRows() {
-    std::size_t matches = 0;
-    for (const std::uint32_t word : matchBits_) {
-        matches += static_cast<std::size_t>(std::popcount(word));
-    }
-    rowTable_ = {};
-    rowTable_.reserve(matches);
-    for (std::size_t i = 0; i < matchBits_.size(); ++i) {
-        for (std::uint32_t word = matchBits_[i]; word != 0; word &= word - 1) {
-            const std::size_t sample = i * 32 + static_cast<std::size_t>(std::countr_zero(word));
-            if (static_cast<std::int64_t>(sample) < sampleCount_) {
-                rowTable_.push_back(static_cast<std::uint32_t>(sample));
-            }
-        }
-    }
-    rowCount_ = static_cast<std::int64_t>(rowTable_.size());
+void CTesselDoc::ResetMaps(std::int64_t total, std::int64_t firstNumber, bool valid) {
+    arrived_.Reset(static_cast<std::size_t>(total), valid);
+    rows_.Reset(total, firstNumber, excludedBits);
 }
 
 void CTesselDoc::PlaceTrigger(const SampleCounts& counts) {
-    markers_[0] = TriggerIndex(counts);
-    zoomMarkers_[0] = zoomTrigger;
+    markers_.PlaceTrigger(TriggerIndex(counts));
+    zoomMarkers_.PlaceTrigger(zoomTrigger);
 }
 
 void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
@@ -336,7 +307,7 @@ void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
         pendingUpdates_.clear(); // of the samples that were there before
     }
     const std::int64_t total = before <= 0 && after <= 0 ? 0 : std::int64_t{before} + after + 1;
-    AllocateMaps(total, -std::int64_t{before}, false);
+    ResetMaps(total, -std::int64_t{before}, false);
     stateList.ResizeSamples(static_cast<std::uint32_t>(total));
     waveformList.ResizeSamples(static_cast<std::uint32_t>(total));
     zoomList.ResizeSamples(zoomSampleCount);
@@ -344,7 +315,7 @@ void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
 }
 
 void CTesselDoc::RebuildMapsFromFile() {
-    AllocateMaps(store.GetCount(false), store.FirstNumber(), true);
+    ResetMaps(store.GetCount(false), store.FirstNumber(), true);
     PlaceTrigger({store.SamplesBefore(), store.SamplesAfter()});
     UpdateAllViews(nullptr, HintDataComplete);
 }

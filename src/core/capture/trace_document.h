@@ -1,20 +1,27 @@
 #pragma once
 
+#include "capture/capture_run.h"
+#include "capture/row_map.h"
 #include "capture/sample_store.h"
+#include "capture/trace_markers.h"
 #include "document/document.h"
+#include "platform/bits.h"
 #include "platform/mutex.h"
+#include "platform/repeating_timer.h"
 #include "signals/signal_list.h"
 #include "tracesetup/trace_setup.h"
 
-#include <array>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 namespace busquill {
 
+class BoardCapture;
 class CSignal;
 class Prompts;
 
@@ -33,6 +40,7 @@ enum TraceHint : int {
     HintNameChanged = 10,
     HintSetupNameChanged = 11,
     HintFilterChanged = 12,
+    HintLook = 13, // a look at the capture has been taken; its blocks have been told before
 };
 
 /// With HintBlockArrived: the samples that have come.
@@ -40,7 +48,7 @@ struct CBlockUpdate final : HintObject {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
     bool zoom = false;
-    std::vector<SampleRecord> records; // until they are unpacked
+    std::span<const SampleRecord> records; // in the store
 };
 
 /// With HintGoToSample.
@@ -56,14 +64,17 @@ struct NewTraceContext {
     bool newDocRealTime = false;
     /// A new document takes lists and setup from it.
     const CTesselDoc* cloneSource = nullptr;
-    CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
+    CAnalyzerLink* link = nullptr;
+    BoardCapture* boardCapture = nullptr; // for the one document that is bound to the board
+    /// By which that one looks at its capture; without one, whoever has it calls Look of its run.
+    std::function<std::unique_ptr<RepeatingTimer>()> makeTimer;
     /// Asks for a range and saves it; false when the user cancels.
     std::function<bool(CTesselDoc&, const std::string& path)> saveTrace;
 };
 
 /// A captured trace: its samples, the signal lists through which they are seen, the setup that
 /// made them, markers, and the maps from rows to samples.
-class CTesselDoc : public CDocument, public BlockObserver {
+class CTesselDoc : public CDocument, public CaptureObserver {
 public:
     CTesselDoc(const NewTraceContext& context, Prompts& prompts);
     ~CTesselDoc() override;
@@ -82,6 +93,13 @@ public:
     [[nodiscard]] bool HasStateList() const noexcept { return hasStateList_; }
     /// Whether the file that was opened has Power Zoom samples.
     [[nodiscard]] bool HasZoomSamples() const noexcept { return hasZoomSamples_; }
+    /// The run of the real-time document; no other has one.
+    [[nodiscard]] CaptureRun& Run() const noexcept;
+    /// Whether the board's capture runs, or hands over its samples. Never of a file.
+    [[nodiscard]] bool IsRunning() const noexcept;
+    [[nodiscard]] bool IsUploading() const;
+    /// A sample that has not arrived is to be the next that comes, if any still come.
+    void FetchNext(std::int64_t sample);
     /// The board's samples for the real-time document, else the file's.
     [[nodiscard]] CSampleStore& GetStore() noexcept;
     [[nodiscard]] const CSampleStore& GetStore() const noexcept;
@@ -103,13 +121,14 @@ public:
     CSampleStore store; // of a file
 
     /// A capture of the board into this document begins: it shows nothing until it has ended.
-    void OnCaptureStarted();
+    void OnCaptureStarted() override;
     /// The capture has ended, and its counts are known; samples come from here on.
-    void OnCaptureStopped();
+    void OnCaptureStopped() override;
+    void OnLook(const RunState& state) override;
     /// Forgets the samples of the last capture, which has ended; an upload is given up.
     void ClearData();
     /// Between start and stop.
-    [[nodiscard]] bool CaptureActive() const noexcept { return captureActive_; }
+    [[nodiscard]] bool CaptureActive() const override { return captureActive_; }
     /// Whether a capture has been started, and not been cleared since.
     [[nodiscard]] bool HasData() const noexcept { return hasData_; }
     /// Fills a signal that is new in one of the lists with the samples that have come.
@@ -126,7 +145,9 @@ public:
     [[nodiscard]] bool IsRowSample(std::int64_t sample, bool zoom) const noexcept;
     /// Whether the sample has arrived.
     [[nodiscard]] bool IsValidSample(std::int64_t sample, bool zoom) const noexcept;
-    [[nodiscard]] bool IsFiltered() const noexcept { return rowCount_ != sampleCount_; }
+    [[nodiscard]] bool IsFiltered() const noexcept {
+        return rows_.RowCount() != rows_.SampleCount();
+    }
 
     /// Index 0 is the trigger, 1 and 2 the markers; -1: not set.
     [[nodiscard]] std::int64_t Marker(int which, bool zoom) const noexcept;
@@ -140,7 +161,7 @@ public:
     /// Sets a marker on a sample, or clears it where it stands already; a negative sample is none.
     void ToggleMarker(int which, std::int64_t sample, bool zoom);
 
-    /// Any thread: keeps a block of samples until FlushBlockUpdates.
+    /// Any thread: keeps the news of a block until FlushBlockUpdates.
     void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;
     /// Unpacks the blocks that have come into the lists and tells the views.
     void FlushBlockUpdates();
@@ -155,34 +176,28 @@ public:
 private:
     void BuildDefaultLists();
     void ForgetSamples();
-    void AllocateMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
-    /// Makes the rows of the samples that match.
-    void ListRows();
+    void ResetMaps(std::int64_t total, std::int64_t firstNumber, bool valid);
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);
-    void SetMarkerIn(std::array<std::int64_t, 3>& markers, int which, std::int64_t index,
-                     std::int64_t limit, int firstHint);
+    void MarkerMoved(int which, int firstHint);
 
     Prompts& prompts_;
     const bool isRealTime_;
     const CTesselDoc* cloneSource_; // until the document is new
-    CSampleStore* const realTimeStore_;
+    BoardCapture* const boardCapture_;
     const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
     bool loadedFromFile_ = false;
     bool hasStateList_ = false;
     bool hasZoomSamples_ = false;
     bool captureActive_ = false;
     bool hasData_ = false;
-    std::vector<std::uint32_t> validBits_;
-    std::vector<std::uint32_t> matchBits_;
-    std::vector<std::uint32_t> rowTable_;
-    std::int64_t rowCount_ = 0;
-    std::int64_t sampleCount_ = 0;
-    std::int64_t firstSampleNumber_ = 0;
-    std::array<std::int64_t, 3> markers_ = {-1, -1, -1};
-    std::array<std::int64_t, 3> zoomMarkers_ = {-1, -1, -1};
+    Bits arrived_; // a bit for each sample
+    RowMap rows_;
+    TraceMarkers markers_;
+    TraceMarkers zoomMarkers_;
     Mutex docLock_;
     std::vector<CBlockUpdate> pendingUpdates_ BUSQUILL_GUARDED_BY(docLock_);
+    std::unique_ptr<CaptureRun> run_; // ends before all that it tells
 };
 
 } // namespace busquill

@@ -1,7 +1,6 @@
 #include "capture/trace_file.h"
 
 #include "capture/sample_store.h"
-#include "capture/trace_document.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "platform/text_file.h"
@@ -132,16 +131,16 @@ void CompleteZoomList(CSignalList& list, bool present) {
     }
 }
 
-TraceFileContents ReadTraceFile(CTesselDoc& document, const std::string& path, Prompts& prompts) {
+TraceFileContents ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& store,
+                                std::vector<std::uint32_t>& absent, const std::string& path,
+                                Prompts& prompts) {
     TextReader file;
     if (!file.Open(path)) {
         prompts.Message(Printf("Error opening file %s.", path.c_str()));
         return {};
     }
-    const TraceParser::Parts parts{document.comment, document.setup, document.stateList,
-                                   document.waveformList, document.zoomList};
     TraceParser parser(parts, file);
-    TraceFileReader reader(parts, parser, document.store, document.excludedBits);
+    TraceFileReader reader(parts, parser, store, absent);
     if (!reader.Read(true)) {
         prompts.Message(
             Printf("Error reading file %s: no capture has so many samples.", path.c_str()));
@@ -155,7 +154,7 @@ TraceFileContents ReadTraceFile(CTesselDoc& document, const std::string& path, P
         prompts.Message(Printf(fileVersionMissing, fileVersion));
         return {};
     }
-    return {true, parser.HasStateList(), document.store.HasZoom()};
+    return {true, parser.HasStateList(), store.HasZoom()};
 }
 
 } // namespace busquill

@@ -9,7 +9,6 @@
 namespace busquill {
 
 class CSampleStore;
-class CTesselDoc;
 class Prompts;
 
 /// Reads all of a trace file into memory, in whatever order it stands there: of samples with the
@@ -62,11 +61,13 @@ struct TraceFileContents {
     bool zoomSamples = false; // and for a Power Zoom window
 };
 
-/// Reads a trace file into a new document. Reports in its own words and loads nothing when the
-/// file cannot be opened, is of another type or version, or holds a range that no capture has. A
-/// file that ends early keeps the samples that it has.
-[[nodiscard]] TraceFileContents ReadTraceFile(CTesselDoc& document, const std::string& path,
-                                              Prompts& prompts);
+/// Reads a trace file into the parts of a new document, its samples into the store. `absent` as
+/// for TraceFileReader. Reports in its own words and loads nothing when the file cannot be opened,
+/// is of another type or version, or holds a range that no capture has. A file that ends early
+/// keeps the samples that it has.
+[[nodiscard]] TraceFileContents ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& store,
+                                              std::vector<std::uint32_t>& absent,
+                                              const std::string& path, Prompts& prompts);
 
 /// Makes what a file does not hold of a list that it has, or the default list where it has none.
 void CompleteList(CSignalList& list, bool present, std::uint32_t mode);

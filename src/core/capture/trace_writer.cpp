@@ -91,11 +91,11 @@ TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
                 continue;
             }
             // In this order, so that the last block of an upload is not taken for missing.
-            const bool mayCome = store_.IsUploading();
+            const bool mayCome = document_.IsUploading();
             if (store_.HasSample(sample)) {
                 continue;
             }
-            store_.SetPriorityIndex(sample);
+            document_.FetchNext(next_);
             return mayCome ? Step::Waiting : Step::Missing;
         }
         text.clear();

@@ -2,6 +2,8 @@
 
 #include "platform/prompts.h"
 
+#include <algorithm>
+
 namespace busquill {
 
 bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
@@ -16,6 +18,27 @@ bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompt
 bool ReadOrTell(CAnalyzerLink& link, std::uint32_t address, std::span<std::uint8_t> bytes,
                 Prompts& prompts, const char* failure) {
     return ExchangeOrTell(link, ReadRegisters(address, bytes), prompts, failure);
+}
+
+Sent SendSteps(CAnalyzerLink& link, std::vector<RunStep> steps, Prompts& prompts) {
+    Sent sent = Sent::All;
+    for (RunStep& step : steps) {
+        if (ExchangeOrTell(link, std::move(step.request), prompts, step.failure)) {
+            continue;
+        }
+        // A board that is gone would refuse the others with the same words.
+        if (step.then == IfRefused::End || link.IsBoardGone()) {
+            return Sent::Ended;
+        }
+        sent = Sent::Some;
+    }
+    return sent;
+}
+
+bool ReadStatus(CAnalyzerLink& link, const StatusRegister& from, std::span<std::uint8_t> status,
+                Prompts& prompts) {
+    std::fill(status.begin(), status.end(), from.preset);
+    return ReadOrTell(link, from.address, status, prompts, from.failure);
 }
 
 } // namespace busquill

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/trace_run.h"
+#include "capture/capture_run.h"
 
 #include <QDialog>
 

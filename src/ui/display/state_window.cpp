@@ -155,8 +155,8 @@ void CStateWnd::Render(bool blit) {
     LoadColors();
     QPainter painter(&Bitmap());
     const auto missing = DrawState(painter, Frame());
-    if (missing && !zoom_ && document_->GetStore().IsUploading()) {
-        document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*missing));
+    if (missing) {
+        emit SampleMissing(*missing);
     }
     if (blit) {
         update();

@@ -64,6 +64,8 @@ public:
     virtual void SamplesChanged() {}
 
 signals:
+    /// A frame was drawn without this sample, which has not arrived.
+    void SampleMissing(std::int64_t sample);
     /// Signals take another room or order.
     void LayoutChanged();
 

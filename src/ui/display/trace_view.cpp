@@ -1,7 +1,6 @@
 #include "ui/display/trace_view.h"
 
 #include "capture/trace_document.h"
-#include "capture/trace_run.h"
 #include "capture/trace_search.h"
 #include "link/analyzer_link.h"
 #include "platform/settings.h"
@@ -18,7 +17,6 @@
 #include "ui/framework/painting.h"
 #include "ui/framework/scroll_actions.h"
 #include "ui/framework/wait_cursor.h"
-#include "ui/framework/window_timer.h"
 #include "ui/patterns/pattern_dialogs.h"
 
 #include <QKeyEvent>
@@ -35,7 +33,6 @@ namespace {
 
 constexpr std::uint32_t viewBackground = 0xA0A0A0;
 constexpr int verticalBarTop = 17;
-constexpr int runPeriod = 200; // milliseconds
 constexpr int zoomBarPercent = 15;
 
 } // namespace
@@ -71,6 +68,12 @@ CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceVi
     connect(samples, &QScrollBar::sliderReleased, this, &CTraceView::SetSamplePosition);
     connect(signalBar, &QScrollBar::actionTriggered, this, &CTraceView::SignalAction);
     connect(display_, &TraceDisplay::LayoutChanged, this, &CTraceView::SetScrollBars);
+    // Power Zoom samples come before all others in any case.
+    connect(display_, &TraceDisplay::SampleMissing, this, [this](std::int64_t sample) {
+        if (!isZoom_) {
+            Trace().FetchNext(sample);
+        }
+    });
     MakeCommands();
 }
 
@@ -223,8 +226,6 @@ void CTraceView::OnInitialUpdate() {
     if (Trace().IsRealTime() && parts_.link != nullptr) {
         showStatus_ = parts_.settings.GetProfileInt(SettingsSection::display,
                                                     SettingsKey::showTraceStatus, 0) != 0;
-        runTimer_ = new WindowTimer(this, *parts_.mainThread, [this] { Tick(); });
-        runTimer_->start(runPeriod);
     }
     display_->Attach(Trace(), ListOf(Trace()), isZoom_);
     SetScrollBars();
@@ -254,13 +255,13 @@ void CTraceView::OnInitialUpdate() {
     }
     ShowTimes();
     if (Trace().CaptureActive()) {
-        Tick(); // as far as it is
+        ShowRun(); // as far as it is
     }
 }
 
 void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* object) {
     if (hint != HintBlockArrived) {
-        ShowTimes(); // else when all blocks of the tick are in
+        ShowTimes(); // else when all blocks of the look are in
     }
     if (hint == HintRedraw || (hint >= HintCaptureStarted && hint <= HintBlockArrived)) {
         display_->SamplesChanged();
@@ -308,6 +309,9 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         ScrollToSample(TopSample()); // its row is another one now
         SetScrollBars();
         display_->Render(true);
+        break;
+    case HintLook:
+        ShowRun();
         break;
     default:
         display_->Render(true);
@@ -396,9 +400,8 @@ void CTraceView::ShowTimes() {
     frame_->SetTimes({between(1, 2), between(1, 0), between(2, 0)});
 }
 
-void CTraceView::Tick() {
-    const RunState state = FollowRun(*parts_.link, Trace());
-    ShowTimes();
+void CTraceView::ShowRun() {
+    const RunState& state = Trace().Run().State();
     const bool running = state.indicator == RunIndicator::Running;
     if (frame_ != nullptr) {
         if (Trace().HasData()) {

@@ -17,12 +17,10 @@ class CSignalList;
 class CTesselDoc;
 class CTraceStatusDialog;
 class CWaveformWnd;
-class MainThread;
 class Prompts;
 class Settings;
 class TraceDisplay;
 class TraceFrame;
-class WindowTimer;
 struct RunState;
 
 enum class SearchDirection;
@@ -32,7 +30,6 @@ enum class GoToTarget { Trigger, Marker1, Marker2, Start, End };
 struct TraceViewParts {
     const Settings& settings;
     CAnalyzerLink* link = nullptr;
-    const MainThread* mainThread = nullptr;
     Prompts* prompts = nullptr; // without it there is no menu on signals
 };
 
@@ -111,7 +108,7 @@ private:
     void ShowWholeCapture();
     void ReportWindow();
     void ShowCounts(std::int64_t before, std::int64_t after);
-    void Tick();
+    void ShowRun();
     void FollowStatus(const RunState& state);
 
     const TraceViewParts parts_;
@@ -124,7 +121,6 @@ private:
     CWaveformWnd* wave_ = nullptr;     // likewise
     TraceDisplay* display_;
     WheelTurns wheel_;
-    WindowTimer* runTimer_ = nullptr;
     std::unique_ptr<CTraceStatusDialog> statusDialog_;
     bool showStatus_ = false;
 };

@@ -195,7 +195,7 @@ void CWaveformWnd::Render(bool blit) {
     LoadColors();
     firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
     QPainter painter(&Bitmap());
-    Want(DrawWaveFrame(painter, Frame()));
+    Report(DrawWaveFrame(painter, Frame()));
     if (blit) {
         update();
     }
@@ -207,7 +207,7 @@ void CWaveformWnd::RenderWaves() {
     }
     firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
     QPainter painter(&Bitmap());
-    Want(DrawWaves(painter, Frame()));
+    Report(DrawWaves(painter, Frame()));
     const int left = nameWidth_ + valueWidth_ + 1;
     update(left, 0, width() - left, height());
 }
@@ -239,10 +239,9 @@ void CWaveformWnd::SamplesChanged() {
     }
 }
 
-void CWaveformWnd::Want(std::optional<std::int64_t> sample) {
-    // Power Zoom samples come before all others in any case.
-    if (sample && !isZoom_ && document_->GetStore().IsUploading()) {
-        document_->GetStore().SetPriorityIndex(static_cast<std::uint32_t>(*sample));
+void CWaveformWnd::Report(std::optional<std::int64_t> missing) {
+    if (missing) {
+        emit SampleMissing(*missing);
     }
 }
 

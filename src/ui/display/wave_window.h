@@ -68,7 +68,7 @@ private:
     void RenderNames();
     void RenderWaves();
     void RenderValues();
-    void Want(std::optional<std::int64_t> sample);
+    void Report(std::optional<std::int64_t> missing);
     void Show(HeaderControl::Redraw redraw);
     [[nodiscard]] Resizing EdgeAt(int x) const;
     void ResizeColumn(int x);

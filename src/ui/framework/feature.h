@@ -10,8 +10,8 @@ class QMdiArea;
 
 namespace busquill {
 
+class BoardCapture;
 class CAnalyzerLink;
-class CSampleStore;
 class CWinApp;
 class MainThread;
 class Prompts;
@@ -26,7 +26,7 @@ struct FeatureParts {
     Prompts& prompts;
     const MainThread& mainThread;
     const WorkingDirectory& directory;
-    CSampleStore& realTimeStore;
+    BoardCapture& boardCapture;
     QMdiArea& area; // where its windows lie
 };
 

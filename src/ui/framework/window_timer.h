@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/main_thread.h"
+#include "platform/repeating_timer.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -9,26 +10,39 @@
 
 namespace busquill {
 
-/// A window's timer. It holds its ticks while a box of another thread is open, since the main
-/// thread may then stand in the middle of an exchange, and while a tick shows a box of its own.
-class WindowTimer final : public QTimer {
+/// The timer of a window or of a run. It holds its ticks while a box of another thread is open,
+/// since the main thread may then stand in the middle of an exchange, and while a tick shows a box
+/// of its own.
+class WindowTimer final : public QTimer, public RepeatingTimer {
 public:
-    WindowTimer(QObject* parent, const MainThread& mainThread, std::function<void()> tick)
-        : QTimer(parent) {
-        connect(this, &QTimer::timeout, this, [this, &mainThread, tick = std::move(tick)] {
-            if (mainThread.BoxOpen() || ticking_) {
-                return;
-            }
-            const QPointer<WindowTimer> self = this; // a tick may close the window
-            ticking_ = true;
-            tick();
-            if (self) {
-                ticking_ = false;
-            }
-        });
+    explicit WindowTimer(QObject* parent, const MainThread& mainThread,
+                         std::function<void()> tick = nullptr)
+        : QTimer(parent), mainThread_(mainThread), tick_(std::move(tick)) {
+        connect(this, &QTimer::timeout, this, &WindowTimer::OnTimeout);
     }
 
+    void Start(std::chrono::milliseconds period, std::function<void()> tick) override {
+        tick_ = std::move(tick);
+        start(period);
+    }
+    void Stop() override { stop(); }
+
 private:
+    void OnTimeout() {
+        if (mainThread_.BoxOpen() || ticking_) {
+            return;
+        }
+        const QPointer<WindowTimer> self = this; // a tick may close the window
+        const auto tick = tick_;                 // or start the timer with another one
+        ticking_ = true;
+        tick();
+        if (self) {
+            ticking_ = false;
+        }
+    }
+
+    const MainThread& mainThread_;
+    std::function<void()> tick_;
     bool ticking_ = false;
 };
 

@@ -33,8 +33,7 @@ void NameApplication(const std::string& name) {
 }
 
 Program::Program(Machine machine)
-    : machine_(std::move(machine)),
-      realTimeStore_(CSampleStore::Board{link_, machine_.mainThread, machine_.prompts}),
+    : machine_(std::move(machine)), boardCapture_(link_, machine_.mainThread, machine_.prompts),
       link_({machine_.settings, machine_.prompts, machine_.clock, machine_.mainThread,
              machine_.openSerial, machine_.usb}),
       tables_([this] { return link_.Traits(); }, machine_.directory) {
@@ -49,14 +48,14 @@ Program::~Program() {
     }
     app_.reset();
     frame_.reset();
-    realTimeStore_.ShutDown();
+    boardCapture_.ShutDown();
 }
 
 void Program::InitInstance() {
     frame_ = std::make_unique<CMainFrame>(link_, machine_.settings, machine_.mainThread);
     app_ = std::make_unique<CTesselApp>(
         CTesselApp::Parts{machine_.settings, machine_.prompts, link_, machine_.mainThread,
-                          machine_.directory, realTimeStore_, frame_->Area()});
+                          machine_.directory, boardCapture_, frame_->Area()});
     frame_->SetApplication(app_.get());
     frame_->RefreshStatusPanes();
     frame_->show();

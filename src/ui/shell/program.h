@@ -1,6 +1,6 @@
 #pragma once
 
-#include "capture/sample_store.h"
+#include "capture/board_capture.h"
 #include "link/analyzer_link.h"
 #include "platform/main_thread.h"
 #include "platform/working_directory.h"
@@ -43,7 +43,7 @@ public:
 
 private:
     Machine machine_;
-    CSampleStore realTimeStore_; // outlives the link's thread
+    BoardCapture boardCapture_; // outlives the link's thread
     CAnalyzerLink link_;
     SignalTables tables_;
     std::unique_ptr<CMainFrame> frame_;

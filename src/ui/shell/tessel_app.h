@@ -17,7 +17,7 @@ public:
         CAnalyzerLink& link;
         const MainThread& mainThread;
         const WorkingDirectory& directory;
-        CSampleStore& realTimeStore;
+        BoardCapture& boardCapture;
         QMdiArea& area;
     };
     explicit CTesselApp(const Parts& parts);

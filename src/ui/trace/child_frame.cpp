@@ -1,6 +1,5 @@
 #include "ui/trace/child_frame.h"
 
-#include "capture/trace_run.h"
 #include "link/analyzer_link.h"
 #include "platform/settings.h"
 #include "platform/working_directory.h"
@@ -48,8 +47,7 @@ CChildFrame::CChildFrame(const FeatureParts& parts, TraceDocuments& traces, CTes
 
 CTraceView* CChildFrame::MakeView() {
     auto* view =
-        new CTraceView(this, isState_, isZoom_,
-                       {parts_.settings, &parts_.link, &parts_.mainThread, &parts_.prompts});
+        new CTraceView(this, isState_, isZoom_, {parts_.settings, &parts_.link, &parts_.prompts});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
     return view;
@@ -183,11 +181,10 @@ void CChildFrame::EditSetup(const std::string& path) {
     const auto help = [this](int topic) { return [this, topic] { parts_.app.ShowHelp(topic); }; };
     CTraceSetupDialog dialog(this, document.setup, path,
                              {parts_.settings, parts_.prompts, parts_.directory,
-                              document.IsRealTime(),
-                              [&document] { return document.GetStore().IsRunning(); },
+                              document.IsRealTime(), [&document] { return document.IsRunning(); },
                               help(HelpTopic::TraceSetup), help(HelpTopic::SetupWizard)});
     const bool accepted = dialog.exec() == QDialog::Accepted && document.IsRealTime();
-    if (accepted && (dialog.IsModified() || dialog.IsSaved()) && !document.GetStore().IsRunning()) {
+    if (accepted && (dialog.IsModified() || dialog.IsSaved()) && !document.IsRunning()) {
         if (dialog.IsModified()) {
             document.ClearData();
         }
@@ -225,8 +222,7 @@ void CChildFrame::RememberSetupFile(const std::string& path) {
 void CChildFrame::OnGo() {
     CTesselDoc& document = Trace();
     if (document.IsRealTime()) {
-        StartRun(parts_.link, document, bar_->SetupBox().currentData().toString().toStdString(),
-                 parts_.prompts);
+        document.Run().Go(document.setup, bar_->SetupBox().currentData().toString().toStdString());
         FocusView();
         return;
     }
@@ -235,7 +231,7 @@ void CChildFrame::OnGo() {
 
 void CChildFrame::OnStop() {
     if (Trace().IsRealTime() && Trace().CaptureActive()) {
-        StopRun(Trace());
+        Trace().Run().Stop();
         FocusView();
     }
 }

@@ -7,6 +7,7 @@
 #include "ui/capture/save_trace_dialog.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/win_app.h"
+#include "ui/framework/window_timer.h"
 
 #include <QMdiArea>
 
@@ -20,7 +21,11 @@ std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTessel
     NewTraceContext context;
     context.newDocRealTime = isRealTime;
     context.cloneSource = cloneSource;
-    context.realTimeStore = &parts_.realTimeStore;
+    context.link = &parts_.link;
+    context.boardCapture = &parts_.boardCapture;
+    context.makeTimer = [this] {
+        return std::make_unique<WindowTimer>(nullptr, parts_.mainThread);
+    };
     context.saveTrace = [this](CTesselDoc& document, const std::string& path) {
         return SaveTrace(document, path);
     };

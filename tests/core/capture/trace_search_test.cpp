@@ -1,3 +1,4 @@
+#include "capture/record_pattern.h"
 #include "capture/trace_search.h"
 #include "support/capture_fixture.h"
 #include "support/temp_dir.h"

@@ -227,7 +227,7 @@ TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
     SetLive(0x20, 500, 500);
     Gate gate;
     StopAt(gate);
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
     NewDocument();
     TraceFileWriter writer(*document);
@@ -235,7 +235,7 @@ TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
     EXPECT_EQ(writer.Write(1000), Step::Waiting);
     EXPECT_EQ(writer.Progress(), 0);
     gate.Open();
-    ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    ASSERT_TRUE(Eventually([&] { return !upload.IsUploading(); }));
     EXPECT_EQ(BlockOrder()[1], 0) << "the block that the writer waits for";
     EXPECT_EQ(writer.Write(400), Step::More);
     EXPECT_EQ(writer.NextNumber(), -100);
@@ -250,8 +250,8 @@ TEST_F(TraceWriterTest, SamplesThatWillNotComeAreTold) {
     line->SetAnswer([this](const Bytes& sent, int baud) {
         return board.sampleReads.size() == 3 ? Bytes{} : board.Answer(sent, baud);
     });
-    store.BeginUpload();
-    ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    upload.BeginUpload();
+    ASSERT_TRUE(Eventually([&] { return !upload.IsUploading(); }));
     NewDocument();
     TraceFileWriter writer(*document);
     ASSERT_TRUE(writer.Begin(Path(), -500, 500));

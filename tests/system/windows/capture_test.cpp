@@ -142,12 +142,12 @@ TEST_F(LiveCapture, StopEndsItAndAViewsSamplesComeFirst) {
     StopALongRun();
     EXPECT_FALSE(Running());
     ASSERT_GT(Trace().SampleCount(false), 20000);
-    ASSERT_TRUE(Trace().GetStore().IsUploading());
+    ASSERT_TRUE(Trace().IsUploading());
     const std::int64_t far = Trace().SampleCount(false) - 5000;
     EXPECT_FALSE(Trace().IsValidSample(far, false));
     frame->TraceView().ShowSample(far);
     ASSERT_TRUE(RunUntil([&] { return Trace().IsValidSample(far, false); }));
-    EXPECT_TRUE(Trace().GetStore().IsUploading()) << "long before its turn";
+    EXPECT_TRUE(Trace().IsUploading()) << "long before its turn";
     board->Fault("normal");
     ASSERT_TRUE(Complete());
 }
@@ -156,11 +156,11 @@ TEST_F(LiveCapture, ASecondGoDuringTheUploadCancelsIt) {
     Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
     StopALongRun();
-    ASSERT_TRUE(Trace().GetStore().IsUploading());
+    ASSERT_TRUE(Trace().IsUploading());
     board->Fault("normal");
     Go();
     EXPECT_TRUE(Running());
-    EXPECT_FALSE(Trace().GetStore().IsUploading());
+    EXPECT_FALSE(Trace().IsUploading());
     EXPECT_EQ(Trace().SampleCount(false), 0);
     Stop();
     ASSERT_TRUE(Complete());

@@ -465,12 +465,12 @@ TEST_F(LiveSetup, ASetupChangedDuringTheUploadEndsIt) {
     Connect({"--buffer", "64", "--rate", "200000"});
     OpenFrame("State");
     StopALongRun();
-    ASSERT_TRUE(RunUntil([&] { return Trace().GetStore().IsUploading() && !Running(); }));
+    ASSERT_TRUE(RunUntil([&] { return Trace().IsUploading() && !Running(); }));
     EditSetup([](CTraceSetupDialog& dialog) {
         SetExpression(dialog, "Store1", {"E1", "OK"});
         Press(dialog, "OK");
     });
-    EXPECT_FALSE(Trace().GetStore().IsUploading());
+    EXPECT_FALSE(Trace().IsUploading());
     EXPECT_EQ(Trace().SampleCount(false), 0);
     board->Fault("normal");
     Go();

@@ -115,7 +115,7 @@ TEST_F(LiveWaveforms, AreEmptyUntilTheirSamplesHaveCome) {
     frame->TraceView().ShowSample(far);
     EXPECT_TRUE(WavesAreEmpty());
     ASSERT_TRUE(RunUntil([&] { return !WavesAreEmpty(); }));
-    EXPECT_TRUE(Trace().GetStore().IsUploading()) << "long before their turn";
+    EXPECT_TRUE(Trace().IsUploading()) << "long before their turn";
     EXPECT_EQ(frame->TraceView().CenterSample(), far);
 }
 

@@ -227,7 +227,7 @@ protected:
         OpenBoard("PCIWren");
         SetLive(0x20, 500, 500);
         StopAt(gate);
-        store.BeginUpload();
+        upload.BeginUpload();
         gate.AwaitReached();
         NewDocument();
         document->OnCaptureStopped();
@@ -259,7 +259,7 @@ TEST_F(SaveDuringUpload, CancelLeavesTheFileAsFarAsItWasWritten) {
     EXPECT_FALSE(dialog->isVisible());
     EXPECT_EQ(dialog->result(), QDialog::Rejected);
     gate.Open();
-    ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    ASSERT_TRUE(Eventually([&] { return !upload.IsUploading(); }));
     EXPECT_EQ(Load()->RowCount(false), 0);
 }
 
@@ -269,8 +269,8 @@ TEST_F(SaveTrace, SamplesThatWillNotComeAreToldAndAnotherRangeCanBeTried) {
     line->SetAnswer([this](const Bytes& sent, int baud) {
         return board.sampleReads.size() == 3 ? Bytes{} : board.Answer(sent, baud);
     });
-    store.BeginUpload();
-    ASSERT_TRUE(Eventually([&] { return !store.IsUploading(); }));
+    upload.BeginUpload();
+    ASSERT_TRUE(Eventually([&] { return !upload.IsUploading(); }));
     prompts.Forget();
     NewDocument();
     document->OnCaptureStopped();

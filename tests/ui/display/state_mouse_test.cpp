@@ -181,7 +181,7 @@ protected:
         Load(first, last);
         view = std::make_unique<CTraceView>(
             nullptr, true, false,
-            TraceViewParts{settings, nullptr, nullptr, withPrompts ? &prompts : nullptr});
+            TraceViewParts{settings, nullptr, withPrompts ? &prompts : nullptr});
         view->AttachDocument(document.get());
         view->resize(800, 600);
         view->show();

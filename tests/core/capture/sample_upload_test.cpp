@@ -1,4 +1,4 @@
-#include "capture/sample_store.h"
+#include "capture/sample_upload.h"
 #include "support/capture_fixture.h"
 
 #include <gmock/gmock.h>
@@ -46,18 +46,18 @@ private:
     std::vector<SampleRecord> lastRecords_;
 };
 
-class SampleStoreTest : public CaptureFixture {
+class SampleUploadTest : public CaptureFixture {
 protected:
-    ~SampleStoreTest() override { store.SetObserver(nullptr); }
+    ~SampleUploadTest() override { upload.SetObserver(nullptr); }
 
     bool UploadEnds() {
-        return Eventually([&] { return !store.IsUploading(); });
+        return Eventually([&] { return !upload.IsUploading(); });
     }
 
     Observer observer;
 };
 
-TEST_F(SampleStoreTest, BlocksComeFromTheTriggerOutward) {
+TEST_F(SampleUploadTest, BlocksComeFromTheTriggerOutward) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Upload();
@@ -74,7 +74,7 @@ TEST_F(SampleStoreTest, BlocksComeFromTheTriggerOutward) {
     EXPECT_EQ(store.GetSample(221), std::nullopt);
 }
 
-TEST_F(SampleStoreTest, APciWrenBoardHasNoZoom) {
+TEST_F(SampleUploadTest, APciWrenBoardHasNoZoom) {
     OpenBoard("PCIWren");
     SetLive(0x20, 10, 10);
     Upload();
@@ -83,7 +83,7 @@ TEST_F(SampleStoreTest, APciWrenBoardHasNoZoom) {
     EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
 }
 
-TEST_F(SampleStoreTest, ALarkBoardHasNoZoom) {
+TEST_F(SampleUploadTest, ALarkBoardHasNoZoom) {
     OpenBoard("VMELark");
     SetLive(0x20, 10, 10);
     Upload();
@@ -91,7 +91,7 @@ TEST_F(SampleStoreTest, ALarkBoardHasNoZoom) {
     EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
 }
 
-TEST_F(SampleStoreTest, ZoomComesFirstAndThenTheBlockAfterTheTriggers) {
+TEST_F(SampleUploadTest, ZoomComesFirstAndThenTheBlockAfterTheTriggers) {
     OpenBoard("PCIKite");
     SetLive(0x20, 100, 120);
     Upload();
@@ -107,7 +107,7 @@ TEST_F(SampleStoreTest, ZoomComesFirstAndThenTheBlockAfterTheTriggers) {
     EXPECT_EQ(store.GetZoomSample(511), std::nullopt);
 }
 
-TEST_F(SampleStoreTest, TenBeforeAndNoneAfterAreElevenSamplesInOneBlock) {
+TEST_F(SampleUploadTest, TenBeforeAndNoneAfterAreElevenSamplesInOneBlock) {
     OpenBoard("PCIWren");
     SetLive(0, 10, 0);
     Upload();
@@ -115,7 +115,7 @@ TEST_F(SampleStoreTest, TenBeforeAndNoneAfterAreElevenSamplesInOneBlock) {
     EXPECT_EQ(store.GetCount(false), 11U);
 }
 
-TEST_F(SampleStoreTest, ACaptureWithoutSamplesUploadsNothing) {
+TEST_F(SampleUploadTest, ACaptureWithoutSamplesUploadsNothing) {
     OpenBoard("PCIKite");
     SetLive(0, 0, 5);
     Upload();
@@ -126,7 +126,7 @@ TEST_F(SampleStoreTest, ACaptureWithoutSamplesUploadsNothing) {
     EXPECT_FALSE(store.HasZoom());
 }
 
-TEST_F(SampleStoreTest, ATriggerInTheFirstBlockGoesForwardOnly) {
+TEST_F(SampleUploadTest, ATriggerInTheFirstBlockGoesForwardOnly) {
     OpenBoard("PCIWren");
     SetLive(0x20, 0, 100);
     Upload();
@@ -135,7 +135,7 @@ TEST_F(SampleStoreTest, ATriggerInTheFirstBlockGoesForwardOnly) {
     EXPECT_EQ(Reads().front(), (Read{5, 0, 32}));
 }
 
-TEST_F(SampleStoreTest, AMultipleOf1024SamplesFillsTheLastWordOfBlocks) {
+TEST_F(SampleUploadTest, AMultipleOf1024SamplesFillsTheLastWordOfBlocks) {
     OpenBoard("PCIWren");
     SetLive(0x20, 1024, 1023);
     Upload();
@@ -151,14 +151,14 @@ TEST_F(SampleStoreTest, AMultipleOf1024SamplesFillsTheLastWordOfBlocks) {
     EXPECT_EQ(Reads().back().length, 1U);
 }
 
-TEST_F(SampleStoreTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere) {
+TEST_F(SampleUploadTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
     StopAt(gate, Read{3, 20, 32}); // the trigger's block, 480
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
-    store.SetPriorityIndex(100);
+    upload.SetPriorityIndex(100);
     gate.Open();
     ASSERT_TRUE(UploadEnds());
     const std::vector<int> order = BlockOrder();
@@ -170,48 +170,96 @@ TEST_F(SampleStoreTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere)
     EXPECT_EQ(std::set<int>(order.begin(), order.end()).size(), 32U);
 }
 
-TEST_F(SampleStoreTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
+TEST_F(SampleUploadTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
     StopAt(gate, Read{3, 36, 32}); // 64, the second
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
-    store.SetPriorityIndex(96);
+    upload.SetPriorityIndex(96);
     gate.Open();
     ASSERT_TRUE(UploadEnds());
     EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 96, 0, 128, 32, 160, 192))
         << "the block before the backward cursor is there: the first missing one is 0";
 }
 
-TEST_F(SampleStoreTest, ASampleBehindTheCaptureIsNotAskedFor) {
+TEST_F(SampleUploadTest, ASampleThatHasArrivedIsNeverWrittenAgain) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    upload.SetObserver(&observer);
+    Gate gate;
+    line->Do([&] {
+        // The board holds the second read, and has other samples after that.
+        board.onSampleRead = [&gate, reads = 0](const Read& read) mutable {
+            if (++reads == 2) {
+                gate.Pass();
+            }
+            return reads <= 2 ? Records(read) : Bytes(read.length * sizeof(SampleRecord), 0xEE);
+        };
+    });
+    upload.BeginUpload();
+    gate.AwaitReached();
+    upload.SetPriorityIndex(96);
+    gate.Open();
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_EQ(BlockOrder()[2], 96) << "fetched again";
+    EXPECT_EQ(store.GetSample(100), RecordAt(0));
+    EXPECT_NE(store.GetSample(0), RecordAt(-100));
+    EXPECT_THAT(observer.Blocks(), testing::Contains(Observer::Block{96, 32, false}).Times(2));
+}
+
+TEST_F(SampleUploadTest, OneThatIsUnderWayIsNotBegunAnew) {
+    OpenBoard("PCIWren");
+    SetLive(0x20, 100, 120);
+    line->SetClockRuns(false);
+    Bytes owed; // the answer to the first frame of the second block
+    line->SetAnswer([this, &owed](const Bytes& sent, int baud) {
+        const Bytes answer = board.Answer(sent, baud);
+        if (sent == Bytes{4, 36}) {
+            owed = answer;
+            return Bytes{};
+        }
+        return answer;
+    });
+    upload.BeginUpload();
+    ASSERT_TRUE(Eventually([&] { return store.HasSample(96); }));
+    upload.BeginUpload(); // returns when it has waited five seconds for the link
+    EXPECT_TRUE(store.HasSample(96)) << "what has come stays";
+    line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
+    line->Arrive(owed);
+    ASSERT_TRUE(UploadEnds());
+    EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
+}
+
+TEST_F(SampleUploadTest, ASampleAfterTheCaptureIsNotAskedFor) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
     StopAt(gate, Read{3, 36, 32});
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
-    store.SetPriorityIndex(221);
+    upload.SetPriorityIndex(221);
     gate.Open();
     ASSERT_TRUE(UploadEnds());
     EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
 }
 
-TEST_F(SampleStoreTest, ACancelledUploadDropsTheBlockOnItsWay) {
+TEST_F(SampleUploadTest, ACancelledUploadDropsTheBlockOnItsWay) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
-    store.SetObserver(&observer);
+    upload.SetObserver(&observer);
     Gate gate;
     StopAt(gate, Read{3, 52, 32}); // 448, the second
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
     std::thread opener([&] {
         std::this_thread::sleep_for(50ms);
         gate.Open();
     });
-    store.CancelUpload();
+    upload.CancelUpload();
     opener.join();
-    EXPECT_FALSE(store.IsUploading());
+    EXPECT_FALSE(upload.IsUploading());
     EXPECT_TRUE(store.HasSample(500)) << "what has come stays";
     EXPECT_FALSE(store.HasSample(448));
     link->WaitIdle();
@@ -223,31 +271,31 @@ TEST_F(SampleStoreTest, ACancelledUploadDropsTheBlockOnItsWay) {
     EXPECT_EQ(BlockOrder()[2], 480);
 }
 
-TEST_F(SampleStoreTest, CancellingWaitsASecondAtMost) {
+TEST_F(SampleUploadTest, CancellingWaitsASecondAtMost) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
     StopAt(gate, Read{3, 20, 32});
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
-    store.CancelUpload(); // returns though the board stands still
-    EXPECT_TRUE(store.IsUploading());
+    upload.CancelUpload(); // returns though the board stands still
+    EXPECT_TRUE(upload.IsUploading());
     gate.Open();
     EXPECT_TRUE(UploadEnds());
     link->WaitIdle();
     EXPECT_EQ(Reads().size(), 1U);
 }
 
-TEST_F(SampleStoreTest, CancellingDetachesTheObserverInAnyCase) {
+TEST_F(SampleUploadTest, CancellingDetachesTheObserverInAnyCase) {
     OpenBoard("PCIWren");
-    store.SetObserver(&observer);
-    store.CancelUpload();
+    upload.SetObserver(&observer);
+    upload.CancelUpload();
     SetLive(0x20, 10, 10);
     Upload();
     EXPECT_THAT(observer.Blocks(), IsEmpty());
 }
 
-TEST_F(SampleStoreTest, AFailedBlockTellsAllAboutItAndEndsTheUpload) {
+TEST_F(SampleUploadTest, AFailedBlockTellsAllAboutItAndEndsTheUpload) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     line->SetLineErrors(0x12);
@@ -267,7 +315,7 @@ TEST_F(SampleStoreTest, AFailedBlockTellsAllAboutItAndEndsTheUpload) {
     EXPECT_EQ(store.GetCount(false), 221U) << "what has not come stays missing";
 }
 
-TEST_F(SampleStoreTest, AFailedTransferHasHadItsBox) {
+TEST_F(SampleUploadTest, AFailedTransferHasHadItsBox) {
     OpenUsbLink();
     usb.WithBoard([](WireBoard& on) {
         on.contents[0] = {'P', 'C', 'I', 'W', 'r', 'e', 'n'};
@@ -277,7 +325,7 @@ TEST_F(SampleStoreTest, AFailedTransferHasHadItsBox) {
     link->ReadIdentity();
     link->WaitIdle();
     usb.Set({.failingRead = 29 * 18}); // the short block at the end
-    store.BeginUpload();
+    upload.BeginUpload();
     ASSERT_TRUE(UploadEnds());
     EXPECT_TRUE(store.HasSample(191));
     EXPECT_FALSE(store.HasSample(192));
@@ -286,10 +334,10 @@ TEST_F(SampleStoreTest, AFailedTransferHasHadItsBox) {
     EXPECT_THAT(boxes, testing::Each(testing::Not(testing::HasSubstr("trace data"))));
 }
 
-TEST_F(SampleStoreTest, AnObserverHearsOfEveryBlockAsItComes) {
+TEST_F(SampleUploadTest, AnObserverHearsOfEveryBlockAsItComes) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
-    store.SetObserver(&observer);
+    upload.SetObserver(&observer);
     Upload();
     using Block = Observer::Block;
     EXPECT_THAT(observer.Blocks(),
@@ -298,29 +346,29 @@ TEST_F(SampleStoreTest, AnObserverHearsOfEveryBlockAsItComes) {
     EXPECT_EQ(observer.LastRecords()[8], RecordAt(0));
 }
 
-TEST_F(SampleStoreTest, ANewObserverIsHandedWhatIsThere) {
+TEST_F(SampleUploadTest, ANewObserverIsHandedWhatIsThere) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
     Upload();
-    store.SetObserver(&observer);
+    upload.SetObserver(&observer);
     using Block = Observer::Block;
     EXPECT_THAT(observer.Blocks(),
                 ElementsAre(Block{0, 255, true}, Block{0, 256, true}, Block{0, 32, false},
                             Block{32, 32, false}, Block{64, 7, false}))
         << "the second part of the zoom is handed out at 0";
     EXPECT_EQ(observer.LastRecords()[0], RecordAt(24));
-    store.SetObserver(&observer);
+    upload.SetObserver(&observer);
     EXPECT_EQ(observer.Blocks().size(), 5U) << "the same one again";
 }
 
-TEST_F(SampleStoreTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
+TEST_F(SampleUploadTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
     Gate gate;
     StopAt(gate, Read{36, 0, 256});
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
-    store.SetObserver(&observer);
+    upload.SetObserver(&observer);
     EXPECT_THAT(observer.Blocks(), ElementsAre(Observer::Block{0, 255, true}));
     EXPECT_FALSE(store.HasZoom());
     gate.Open();
@@ -328,12 +376,12 @@ TEST_F(SampleStoreTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
     EXPECT_EQ(observer.Blocks().size(), 5U);
 }
 
-TEST_F(SampleStoreTest, CopiesAsFarAsSamplesHaveArrived) {
+TEST_F(SampleUploadTest, CopiesAsFarAsSamplesHaveArrived) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
     StopAt(gate, Read{5, 28, 32}); // 128, after 96 and 64
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
     std::array<SampleRecord, 100> copy;
     EXPECT_EQ(store.CopySamples(70, copy), 58U);
@@ -345,14 +393,14 @@ TEST_F(SampleStoreTest, CopiesAsFarAsSamplesHaveArrived) {
     EXPECT_EQ(store.CopySamples(200, copy), 21U) << "to the end";
 }
 
-TEST_F(SampleStoreTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
+TEST_F(SampleUploadTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     line->SetClockRuns(false);
     line->SetAnswer([this](const Bytes& sent, int baud) {
         return sent == Bytes{4, 36} ? Bytes{} : board.Answer(sent, baud); // the second block's
     });
-    store.BeginUpload();
+    upload.BeginUpload();
     ASSERT_TRUE(Eventually([&] { return store.HasSample(96); }));
     portOpens = false;
     static_cast<void>(link->Open());
@@ -360,128 +408,6 @@ TEST_F(SampleStoreTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
     ASSERT_TRUE(UploadEnds());
     EXPECT_EQ(store.GetSample(96), RecordAt(-4));
     EXPECT_EQ(store.GetSample(64), SampleRecord()) << "not what another block has left behind";
-}
-
-// Captures.
-
-class CaptureRunTest : public SampleStoreTest {
-protected:
-    bool CaptureEnds() {
-        return Eventually([&] { return !store.IsRunning(); });
-    }
-    std::vector<int> Functions() {
-        std::vector<int> functions;
-        line->Do([&] { functions = board.functions; });
-        return functions;
-    }
-    long Count(int function) {
-        const auto functions = Functions();
-        return std::count(functions.begin(), functions.end(), function);
-    }
-};
-
-TEST_F(CaptureRunTest, EndsByItselfWhenTheBoardIsNoLongerActive) {
-    OpenBoard("PCIWren");
-    SetLive(0x80, 3, 0);
-    store.StartCapture();
-    EXPECT_TRUE(store.IsRunning());
-    EXPECT_EQ(store.SamplesBefore(), 0);
-    SetLive(0x20, 10, 10);
-    ASSERT_TRUE(CaptureEnds());
-    ASSERT_TRUE(UploadEnds());
-    EXPECT_EQ(store.SamplesBefore(), 10);
-    EXPECT_EQ(store.SamplesAfter(), 10);
-    EXPECT_EQ(Count(11), 1);
-    EXPECT_EQ(Count(12), 1);
-    EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
-}
-
-TEST_F(CaptureRunTest, AFullBufferEndsItThoughTheBoardIsActive) {
-    OpenBoard("PCIWren");
-    SetLive(0xB0, 10, 10);
-    store.StartCapture();
-    ASSERT_TRUE(CaptureEnds());
-    EXPECT_EQ(Count(12), 1);
-    EXPECT_TRUE(UploadEnds());
-    EXPECT_EQ(store.GetCount(false), 21U);
-}
-
-TEST_F(CaptureRunTest, GoesOnWhileTheBoardIsActive) {
-    OpenBoard("PCIWren");
-    SetLive(0x81, 5, 0, 258);
-    store.StartCapture();
-    EXPECT_TRUE(Eventually([&] { return Count(1) > 3; })) << "polls of the live status";
-    EXPECT_TRUE(store.IsRunning());
-    EXPECT_EQ(link->GetEventOccurrences(), 258);
-    store.StopCapture();
-    EXPECT_FALSE(store.IsRunning());
-    ASSERT_TRUE(UploadEnds());
-    EXPECT_GE(Count(12), 1);
-    EXPECT_EQ(store.GetCount(false), 6U);
-}
-
-TEST_F(CaptureRunTest, ALostLinkEndsItWithoutAWord) {
-    OpenBoard("PCIWren");
-    SetLive(0x80, 5, 0);
-    store.StartCapture();
-    UseSilence();
-    ASSERT_TRUE(CaptureEnds());
-    EXPECT_FALSE(store.IsUploading());
-    EXPECT_EQ(Count(12), 0);
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
-    EXPECT_TRUE(link->CommLost());
-}
-
-TEST_F(CaptureRunTest, StopAsTheBufferFillsIsHarmless) {
-    OpenBoard("PCIWren");
-    for (int i = 0; i < 5; ++i) {
-        SetLive(0xB0, 10, 10);
-        store.StartCapture();
-        store.StopCapture();
-        ASSERT_TRUE(CaptureEnds());
-        ASSERT_TRUE(Eventually([&] { return store.HasSample(20) && !store.IsUploading(); }));
-    }
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
-}
-
-TEST_F(CaptureRunTest, ASecondStartCancelsTheUpload) {
-    OpenBoard("PCIWren");
-    SetLive(0xB0, 100000, 100000);
-    store.StartCapture();
-    ASSERT_TRUE(CaptureEnds());
-    EXPECT_TRUE(store.IsUploading());
-    SetLive(0x80, 3, 0);
-    store.StartCapture();
-    EXPECT_FALSE(store.IsUploading());
-    EXPECT_TRUE(store.IsRunning());
-    EXPECT_EQ(Count(11), 2);
-    EXPECT_NE(store.GetCount(false), 0U) << "the old samples stay until the next upload";
-    store.StopCapture();
-    ASSERT_TRUE(UploadEnds());
-    EXPECT_EQ(store.GetCount(false), 4U);
-}
-
-TEST_F(CaptureRunTest, AnEndOfTheProgramLeavesTheBoardRunning) {
-    OpenBoard("PCIWren");
-    SetLive(0x80, 5, 0);
-    store.StartCapture();
-    store.ShutDown();
-    EXPECT_FALSE(store.IsRunning());
-    EXPECT_EQ(Count(12), 0);
-}
-
-TEST_F(CaptureRunTest, InDemoModeItEndsAtTheFirstLookWithoutSamples) {
-    settings.WriteProfileString(setup, "ComPort", "COM1");
-    portOpens = false;
-    static_cast<void>(link->Open());
-    ASSERT_TRUE(link->IsDemoMode());
-    prompts.Forget();
-    store.StartCapture();
-    ASSERT_TRUE(CaptureEnds());
-    EXPECT_FALSE(store.IsUploading());
-    EXPECT_EQ(store.GetCount(false), 0U);
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
 } // namespace

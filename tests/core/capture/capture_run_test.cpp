@@ -1,4 +1,4 @@
-#include "capture/trace_run.h"
+#include "capture/capture_run.h"
 #include "support/capture_fixture.h"
 #include "support/temp_dir.h"
 #include "tracesetup/setup_file.h"
@@ -16,12 +16,14 @@ using testing::IsEmpty;
 class RecordingView final : public DocumentView {
 public:
     void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
-        hints.push_back(hint);
+        if (hint != HintLook) { // those come with every look
+            hints.push_back(hint);
+        }
     }
     std::vector<int> hints;
 };
 
-class TraceRunTest : public CaptureFixture {
+class CaptureRunTest : public CaptureFixture {
 protected:
     /// The payload that was written at a register last.
     Bytes Written(std::uint32_t address) {
@@ -46,7 +48,10 @@ protected:
         }
         FAIL() << "no signal looks at " << dataIndex;
     }
-    RunState Follow() { return FollowRun(*link, *document); }
+    RunState Follow() {
+        document->Run().Look();
+        return document->Run().State();
+    }
     /// From here on the port is gone and its writes fail; time passes all the same.
     void TakeTheBoardAway() {
         line->Unplug();
@@ -62,11 +67,11 @@ protected:
     }
     std::jthread timePasses;
     bool Ends() {
-        return Eventually([&] { return !store.IsRunning() && !store.IsUploading(); });
+        return Eventually([&] { return !capture.IsRunning() && !upload.IsUploading(); });
     }
 };
 
-TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
+TEST_F(CaptureRunTest, TheDefaultSetupByteForByte) {
     OpenBoard("PCIKite");
     DownloadSetup(*link, TraceSetup(), prompts);
     EXPECT_EQ(Written(420), (Bytes{0, 0, 1})) << "Sync, 50%, 3.75 ns";
@@ -82,7 +87,7 @@ TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
+TEST_F(CaptureRunTest, ASetupOfTwoLevelsByteForByte) {
     OpenBoard("PCIKite");
     TraceSetup program;
     program.clock = 16;            // 30.72 us
@@ -135,7 +140,7 @@ TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
     EXPECT_EQ(Written(260), control);
 }
 
-TEST_F(TraceRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
+TEST_F(CaptureRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     OpenBoard("VMELark");
     const BoardTables lark("VMELark-1", BusVme);
     EXPECT_EQ(EventCount(link->Traits()), 4);
@@ -158,7 +163,7 @@ TEST_F(TraceRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     EXPECT_EQ(Bytes(events.begin() + 120, events.end()), Bytes(120));
 }
 
-TEST_F(TraceRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
+TEST_F(CaptureRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
     OpenBoard("PCIKite");
     line->SetAnswer([this](const Bytes& sent, int baud) {
         // The first frame of a write, whatever it writes.
@@ -174,7 +179,7 @@ TEST_F(TraceRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
     }
 }
 
-TEST_F(TraceRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
+TEST_F(CaptureRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
     OpenBoard("PCIWren");
     SetLive(0x20, 10, 10);
     Upload();
@@ -183,7 +188,7 @@ TEST_F(TraceRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
     document->FlushBlockUpdates();
     ASSERT_EQ(document->SampleCount(false), 21);
     TakeTheBoardAway();
-    StartRun(*link, *document, "", prompts);
+    document->Run().Go(document->setup, "");
     // Each try of the first command is a word of the link.
     const auto texts = prompts.Texts();
     ASSERT_FALSE(texts.empty());
@@ -193,25 +198,25 @@ TEST_F(TraceRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
     EXPECT_EQ(texts.size(), line->Written().size() + 1);
     EXPECT_THAT(line->Written(), testing::Each(Bytes{4, 0xA4}));
     EXPECT_FALSE(document->CaptureActive());
-    EXPECT_FALSE(store.IsRunning());
+    EXPECT_FALSE(capture.IsRunning());
     EXPECT_EQ(document->SampleCount(false), 21);
 }
 
-TEST_F(TraceRunTest, AStopAsksABoardThatIsGoneForNothingMore) {
+TEST_F(CaptureRunTest, AStopAsksABoardThatIsGoneForNothingMore) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0x80, 0, 0);
-    StartRun(*link, *document, "", prompts);
-    store.ShutDown(); // the monitor's look would end the run
+    document->Run().Go(document->setup, "");
+    capture.ShutDown(); // the monitor's look would end the run
     link->WaitIdle();
     document->OnCaptureStarted();
     TakeTheBoardAway();
-    StopRun(*document);
+    document->Run().Stop();
     link->WaitIdle();
     EXPECT_THAT(line->Written(), testing::Each(Bytes{2, 12}));
 }
 
-TEST_F(TraceRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
+TEST_F(CaptureRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0xA0, 1000, 1000);
@@ -225,8 +230,8 @@ TEST_F(TraceRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
         return silent ? Bytes{} : board.Answer(sent, baud);
     });
     line->SetClockRuns(false);
-    StartRun(*link, *document, "", prompts);
-    StopRun(*document);
+    document->Run().Go(document->setup, "");
+    document->Run().Stop();
     ASSERT_TRUE(Eventually([&] { return Reads().size() == 4; }));
     settings.WriteProfileString(setup, "ComPort", "<None>");
     static_cast<void>(link->Open());
@@ -238,14 +243,14 @@ TEST_F(TraceRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(TraceRunTest, ARunGoesFromSetupToSamples) {
+TEST_F(CaptureRunTest, ARunGoesFromSetupToSamples) {
     OpenBoard("PCIKite");
     SetLive(0x80, 0, 0);
     NewDocument();
     RecordingView view;
     document->AddView(&view);
     EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
-    StartRun(*link, *document, "", prompts);
+    document->Run().Go(document->setup, "");
     EXPECT_TRUE(document->CaptureActive());
     EXPECT_TRUE(document->HasData());
     EXPECT_TRUE(document->IsModified());
@@ -280,12 +285,12 @@ TEST_F(TraceRunTest, ARunGoesFromSetupToSamples) {
     document->RemoveView(&view);
 }
 
-TEST_F(TraceRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
+TEST_F(CaptureRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0xA0, 3000, 3000);
-    StartRun(*link, *document, "", prompts);
-    StopRun(*document);
+    document->Run().Go(document->setup, "");
+    document->Run().Stop();
     EXPECT_FALSE(document->CaptureActive());
     EXPECT_EQ(document->SampleCount(false), 6001);
     ASSERT_TRUE(Ends());
@@ -303,7 +308,7 @@ TEST_F(TraceRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
     EXPECT_FALSE((*ad0)->Bit(3002));
 }
 
-TEST_F(TraceRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
+TEST_F(CaptureRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
     OpenBoard("PCIKite");
     SetLive(0x20, 10, 10);
     Upload();
@@ -320,7 +325,7 @@ TEST_F(TraceRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
     EXPECT_EQ(document->GetSample(257, true), RecordAt(2)) << "the records are right";
 }
 
-TEST_F(TraceRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
+TEST_F(CaptureRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
     OpenBoard("PCIWren");
     NewDocument();
     const std::vector<SampleRecord> old(32, RecordAt(-1));
@@ -331,7 +336,7 @@ TEST_F(TraceRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
     EXPECT_FALSE(document->IsValidSample(0, false));
 }
 
-TEST_F(TraceRunTest, AClearedTraceStaysEmpty) {
+TEST_F(CaptureRunTest, AClearedTraceStaysEmpty) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Upload();
@@ -362,16 +367,16 @@ TEST_F(TraceRunTest, AClearedTraceStaysEmpty) {
     for (int marker = 0; marker < 3; ++marker) {
         EXPECT_EQ(document->Marker(marker, false), -1);
     }
-    static_cast<void>(FollowRun(*link, *document)); // a window's timer
+    Follow(); // a window's timer
     EXPECT_EQ(document->SampleCount(false), 0);
 }
 
-TEST_F(TraceRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
+TEST_F(CaptureRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
     StopAt(gate, WireBoard::SampleRead{5, 12, 32}); // 512, after 480 and 448
-    store.BeginUpload();
+    upload.BeginUpload();
     gate.AwaitReached();
     NewDocument();
     document->OnCaptureStopped();
@@ -390,29 +395,29 @@ TEST_F(TraceRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
     }
 }
 
-TEST_F(TraceRunTest, ARunWithoutSamplesEndsIdle) {
+TEST_F(CaptureRunTest, ARunWithoutSamplesEndsIdle) {
     OpenBoard("PCIKite");
     NewDocument();
     SetLive(0x80, 0, 0);
-    StartRun(*link, *document, "", prompts);
-    StopRun(*document);
-    EXPECT_FALSE(store.IsUploading());
+    document->Run().Go(document->setup, "");
+    document->Run().Stop();
+    EXPECT_FALSE(upload.IsUploading());
     EXPECT_EQ(document->SampleCount(false), 0);
     EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
     EXPECT_TRUE(document->IsModified());
 }
 
-TEST_F(TraceRunTest, AfterARunWithoutSamplesTheFilterFindsNone) {
+TEST_F(CaptureRunTest, AfterARunWithoutSamplesTheFilterFindsNone) {
     OpenBoard("PCIKite");
     NewDocument();
     SetLive(0x20, 40, 20);
-    StartRun(*link, *document, "", prompts);
+    document->Run().Go(document->setup, "");
     ASSERT_TRUE(Ends());
     Follow();
     document->ApplyFilter(0);
     ASSERT_EQ(document->RowCount(false), 61);
     SetLive(0x80, 0, 0);
-    StartRun(*link, *document, "", prompts);
+    document->Run().Go(document->setup, "");
     ASSERT_TRUE(Eventually([&] { // so that no look was in vain yet
         std::int32_t before = 0;
         std::int32_t after = 0;
@@ -427,14 +432,14 @@ TEST_F(TraceRunTest, AfterARunWithoutSamplesTheFilterFindsNone) {
     EXPECT_FALSE(document->IsFiltered());
 }
 
-TEST_F(TraceRunTest, StopDoesNothingWhenNoCaptureIsActive) {
+TEST_F(CaptureRunTest, StopDoesNothingWhenNoCaptureIsActive) {
     OpenBoard("PCIKite");
     NewDocument();
-    StopRun(*document);
+    document->Run().Stop();
     EXPECT_THAT(board.functions, testing::Not(testing::Contains(12)));
 }
 
-TEST_F(TraceRunTest, AChosenSetupIsLoadedAndSent) {
+TEST_F(CaptureRunTest, AChosenSetupIsLoadedAndSent) {
     OpenBoard("PCIKite");
     NewDocument();
     SetLive(0x80, 0, 0);
@@ -443,46 +448,46 @@ TEST_F(TraceRunTest, AChosenSetupIsLoadedAndSent) {
     program.name = "mine";
     program.clock = 1;
     ASSERT_TRUE(SaveSetupFile(program, dir.File("mine.tsp"), prompts));
-    StartRun(*link, *document, dir.File("mine.tsp"), prompts);
+    document->Run().Go(document->setup, dir.File("mine.tsp"));
     EXPECT_EQ(document->setup.name, "mine");
     EXPECT_EQ(Written(420)[0], 2);
-    StopRun(*document);
+    document->Run().Stop();
 }
 
-TEST_F(TraceRunTest, ASetupThatCannotBeReadLeavesTheBoardItsOwn) {
+TEST_F(CaptureRunTest, ASetupThatCannotBeReadLeavesTheBoardItsOwn) {
     OpenBoard("PCIKite");
     NewDocument();
     SetLive(0x80, 0, 0);
-    StartRun(*link, *document, "/nonexistent/a.tsp", prompts);
+    document->Run().Go(document->setup, "/nonexistent/a.tsp");
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening file /nonexistent/a.tsp."));
     EXPECT_THAT(Written(420), IsEmpty());
     EXPECT_TRUE(document->CaptureActive()) << "the run goes on";
-    StopRun(*document);
+    document->Run().Stop();
 }
 
-TEST_F(TraceRunTest, ATraceThatIsClosedEndsTheUploadOfTheBoard) {
+TEST_F(CaptureRunTest, ATraceThatIsClosedEndsTheUploadOfTheBoard) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100000, 100000);
-    store.BeginUpload();
+    upload.BeginUpload();
     context.newDocRealTime = false;
     NewDocument();
     document.reset(); // a file's
-    EXPECT_FALSE(store.IsUploading());
+    EXPECT_FALSE(upload.IsUploading());
 }
 
-TEST_F(TraceRunTest, ADocumentClosedDuringTheRunLeavesTheBoardToItself) {
+TEST_F(CaptureRunTest, ADocumentClosedDuringTheRunLeavesTheBoardToItself) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0x80, 0, 0);
-    StartRun(*link, *document, "", prompts);
+    document->Run().Go(document->setup, "");
     document.reset();
-    EXPECT_TRUE(store.IsRunning());
+    EXPECT_TRUE(capture.IsRunning());
     SetLive(0x20, 10, 10);
     ASSERT_TRUE(Ends());
     EXPECT_EQ(store.GetCount(false), 21U);
 }
 
-TEST_F(TraceRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
+TEST_F(CaptureRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0xA0, 1000, 1000);
@@ -495,8 +500,8 @@ TEST_F(TraceRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
     line->SetAnswer([this](const Bytes& sent, int baud) {
         return silent ? Bytes{} : board.Answer(sent, baud);
     });
-    StartRun(*link, *document, "", prompts);
-    StopRun(*document);
+    document->Run().Go(document->setup, "");
+    document->Run().Stop();
     ASSERT_TRUE(Ends());
     EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
     ASSERT_EQ(prompts.Texts().size(), 1U);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace busquill {
+
+/// Where the trigger (0) and the two markers (1, 2) stand: indexes of samples, -1 for not set.
+class TraceMarkers {
+public:
+    static constexpr std::int64_t notSet = -1;
+
+    [[nodiscard]] std::int64_t operator[](int which) const noexcept {
+        return at_[static_cast<std::size_t>(which)];
+    }
+    /// Ignores a marker that there is not, and a sample at or past `limit`. Whether it has moved.
+    bool Set(int which, std::int64_t sample, std::int64_t limit) noexcept {
+        if (sample >= limit || which < 0 || which >= static_cast<int>(at_.size())) {
+            return false;
+        }
+        std::int64_t& marker = at_[static_cast<std::size_t>(which)];
+        const bool moves = marker != sample;
+        marker = sample;
+        return moves;
+    }
+    void PlaceTrigger(std::int64_t sample) noexcept { at_[0] = sample; }
+    void Clear() noexcept { at_.fill(notSet); }
+
+private:
+    std::array<std::int64_t, 3> at_ = {notSet, notSet, notSet};
+};
+
+} // namespace busquill
