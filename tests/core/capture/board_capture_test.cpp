@@ -144,6 +144,7 @@ TEST_F(BoardCaptureTest, ABoardThatOwesALookIsNotAskedForAnother) {
     OpenBoard("PCIWren");
     SetLive(0x80, 5, 0);
     capture.StartCapture();
+    ASSERT_TRUE(Eventually([&] { return Count(1) >= 2; })); // the first look waits for its answer
     line->SetClockRuns(false); // the link waits for its answer as long as it takes
     Bytes owed;
     line->SetAnswer([this, &owed](const Bytes& sent, int baud) {

@@ -1,5 +1,6 @@
 #include "capture/capture_run.h"
 #include "support/capture_fixture.h"
+#include "support/manual_timer.h"
 #include "support/temp_dir.h"
 #include "tracesetup/setup_file.h"
 
@@ -283,6 +284,37 @@ TEST_F(CaptureRunTest, ARunGoesFromSetupToSamples) {
     EXPECT_TRUE(document->IsValidSample(70, false));
     EXPECT_EQ(document->GetSample(41, false), RecordAt(1));
     document->RemoveView(&view);
+}
+
+TEST_F(CaptureRunTest, TheDocumentLetsItTickWithAndWithoutViews) {
+    OpenBoard("PCIWren");
+    const auto timer = std::make_shared<TimerState>();
+    context.makeTimer = [&] { return std::make_unique<ManualTimer>(timer); };
+    NewDocument();
+    EXPECT_TRUE(timer->runs);
+    EXPECT_EQ(timer->period, 200ms);
+    SetLive(0xA0, 40, 30);
+    document->Run().Go(document->setup, "");
+    document->Run().Stop();
+    ASSERT_TRUE(Ends());
+    timer->tick();
+    EXPECT_TRUE(document->IsValidSample(70, false)) << "though nobody shows it";
+
+    struct LookedAt final : DocumentView {
+        void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
+            looks += hint == HintLook ? 1 : 0;
+        }
+        int looks = 0;
+    } first, second;
+    document->AddView(&first);
+    document->AddView(&second);
+    timer->tick();
+    EXPECT_EQ(first.looks, 1);
+    EXPECT_EQ(second.looks, 1) << "one look for all views";
+    document->RemoveView(&first);
+    document->RemoveView(&second);
+    document.reset();
+    EXPECT_FALSE(timer->runs);
 }
 
 TEST_F(CaptureRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
