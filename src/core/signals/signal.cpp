@@ -6,12 +6,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t wordBits = 32;
-
-bool BitOf(const ZeroedArray<std::uint32_t>& words, std::size_t sample) noexcept {
-    return ((words[sample / wordBits] >> (sample % wordBits)) & 1) != 0;
-}
-
 std::span<const std::uint8_t> RowOf(const ZeroedArray<std::uint8_t>& rows, std::size_t rowBytes,
                                     std::size_t sample) noexcept {
     if (rowBytes == 0 || sample >= rows.size() / rowBytes) {
@@ -35,11 +29,11 @@ std::uint32_t CSignal::Room() const noexcept {
 }
 
 bool CSignal::Bit(std::size_t sample) const noexcept {
-    return sample / wordBits < data.size() && BitOf(data, sample);
+    return TestBit(data, sample);
 }
 
 bool CSignal::MaskBit(std::size_t sample) const noexcept {
-    return sample / wordBits >= mask.size() || BitOf(mask, sample);
+    return sample / wordBits >= mask.size() || TestBit(mask, sample);
 }
 
 std::span<const std::uint8_t> CSignal::GroupRow(std::size_t sample) const noexcept {
@@ -51,7 +45,7 @@ std::span<const std::uint8_t> CSignal::GroupMaskRow(std::size_t sample) const no
 }
 
 std::size_t CSignal::RowBytes() const noexcept {
-    return groupWidth == 0 ? 0 : (groupWidth - 1) / 8 + std::size_t{1};
+    return BytesFor(groupWidth);
 }
 
 const char* CSignal::Label(std::size_t sample) const noexcept {

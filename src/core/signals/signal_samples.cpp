@@ -14,7 +14,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t wordBits = 32;
 constexpr std::size_t recordBytes = sizeof(SampleRecord);
 /// Words of each record bit that are turned at a time: a cache line of every signal's data.
 constexpr std::size_t tileWords = 16;
@@ -103,7 +102,7 @@ void TakeWords(CSignal& signal, const Tile& tile, std::size_t firstWord, std::si
         signal.data[word] |= words[word - firstWord];
     }
     if (whole < endWord && room % wordBits != 0) {
-        signal.data[whole] |= words[whole - firstWord] & ((1U << (room % wordBits)) - 1);
+        signal.data[whole] |= words[whole - firstWord] & LowBits<std::uint32_t>(room % wordBits);
     }
 }
 
@@ -142,7 +141,7 @@ void CopyShortRows(std::span<const SampleRecord> records, std::size_t dataIndex,
     // The eight bytes end with the record where the group is near its end.
     const std::size_t byte = std::min(dataIndex / 8, recordBytes - 8);
     const std::size_t shift = dataIndex - byte * 8;
-    const std::uint64_t mask = ~std::uint64_t{0} >> (64 - width);
+    const auto mask = LowBits<std::uint64_t>(width);
     for (const SampleRecord& record : records) {
         std::uint64_t bits = EightBytes(&record.bytes[byte]) >> shift & mask;
         for (std::size_t j = 0; j < rowBytes; ++j) {
@@ -169,11 +168,12 @@ bool IsShort(std::size_t dataIndex, std::size_t width) noexcept {
 void CopyLongRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
                   std::uint8_t* row) {
     for (const SampleRecord& record : records) {
-        for (unsigned k = 0; k < width; ++k) {
-            const bool bit = record.Bit(static_cast<int>(dataIndex + k));
-            row[k / 8] |= static_cast<std::uint8_t>((bit ? 1U : 0U) << (k % 8));
+        for (std::size_t k = 0; k < width; k += 8) {
+            const auto first = static_cast<int>(dataIndex + k);
+            const std::size_t count = std::min<std::size_t>(8, width - k);
+            row[k / 8] |= static_cast<std::uint8_t>(record.Field(first, count));
         }
-        row += (width - 1) / 8 + 1;
+        row += BytesFor(width);
     }
 }
 
@@ -223,7 +223,7 @@ void PackRows(std::span<const std::unique_ptr<CSignal>> members, Words words,
     const std::size_t rowBytes = members.front()->RowBytes();
     members = members.first(std::min<std::size_t>(members.size(), members.front()->groupWidth));
     const std::size_t count = rowBytes == 0 ? 0 : rows.size() / rowBytes;
-    endWord = std::min(endWord, (count + wordBits - 1) / wordBits);
+    endWord = std::min(endWord, WordsFor(count));
     for (std::size_t word = firstWord; word < endWord; ++word) {
         for (std::size_t byte = 0; byte < rowBytes; ++byte) {
             const std::size_t begin = std::min(byte * 8, members.size());
@@ -321,7 +321,7 @@ void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {
     times_.Forget(); // rows are packed by whole words
     for (std::size_t i = 0; i < signals_.size() && count != 0; ++i) {
         if (signals_[i]->IsGroupStart()) {
-            PackGroupRows(Members(i), first / wordBits, (end + wordBits - 1) / wordBits);
+            PackGroupRows(Members(i), first / wordBits, WordsFor(end));
         }
     }
 }

@@ -50,9 +50,7 @@ class CSignalList;
 
 /// What FormatDecodedValue looks at besides the value's own bits, its label and its number: with
 /// the same surroundings the same value reads the same.
-[[nodiscard]] inline std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept {
-    return static_cast<std::uint16_t>(record.bytes[8] | record.bytes[11] << 8);
-}
+[[nodiscard]] std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept;
 
 /// Characters that a value of `width` bits takes in a radix, with its blanks; 0 for time.
 [[nodiscard]] unsigned DigitsFor(unsigned width, std::int32_t radix) noexcept;
