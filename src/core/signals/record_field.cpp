@@ -89,7 +89,7 @@ std::uint64_t RecordField::Word(const SampleRecord& record) const noexcept {
 
 SampleTime::SampleTime() : field_(RunOf(110, 18)) {}
 
-SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, FindTimeGroup(list))) {}
+SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, list.TimeGroup())) {}
 
 std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {
     constexpr std::size_t longest = 4; // wider ones are no time

@@ -56,12 +56,6 @@ const char* CSignal::Label(std::size_t sample) const noexcept {
     return value < decoded->values.size() ? decoded->values[value].label : nullptr;
 }
 
-void CSignal::SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count) {
-    data.Reset(words.size());
-    std::copy(words.begin(), words.end(), data.begin());
-    numSamples = count;
-}
-
 void CSignal::ResizeSamples(std::uint32_t count) {
     data.Reset(WordsFor(count));
     numSamples = count;
@@ -76,21 +70,6 @@ void CSignal::ResizeSamples(std::uint32_t count) {
 
 void CSignal::AllocateMask(std::uint32_t count) {
     mask.Reset(WordsFor(count));
-}
-
-void CSignal::ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records) {
-    const std::size_t end = Room();
-    if (dataIndex < 0 || dataIndex >= SampleRecord::bitCount || first >= end) {
-        return;
-    }
-    const auto byte = static_cast<std::size_t>(dataIndex) / 8;
-    const int shift = dataIndex % 8;
-    const std::size_t count = std::min(records.size(), end - first);
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t sample = first + i;
-        const std::uint32_t bit = (records[i].bytes[byte] >> shift) & 1U;
-        data[sample / wordBits] |= bit << (sample % wordBits);
-    }
 }
 
 } // namespace busquill

@@ -101,16 +101,11 @@ public:
     /// The label of one sample, or null.
     [[nodiscard]] const char* Label(std::size_t sample) const noexcept;
 
-    /// Replaces the data by a copy of the words; with no words it only frees the old ones.
-    void SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count);
     /// Zeroed data, group rows and labels (where the signal has them) for `count` samples. The
     /// masks stay as they are.
     void ResizeSamples(std::uint32_t count);
     /// A mask that compares nothing, for `count` samples.
     void AllocateMask(std::uint32_t count);
-    /// Sets the bits of `records` from sample `first` on. It never clears one, so resize first.
-    /// Samples beyond `numSamples` are left out.
-    void ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records);
     void CopyFrom(const CSignal& other) { *this = other; }
 };
 

@@ -1,8 +1,7 @@
 /// Records come one sample at a time, signals keep one bit of many samples to a word. So records
 /// are turned by blocks of 32 into a word for each bit of the record, once for all signals that
 /// look at it, and signals take whole words.
-#include "signals/signal_samples.h"
-
+#include "signals/group_rows.h"
 #include "signals/signal_list.h"
 
 #include <algorithm>
@@ -19,19 +18,6 @@ constexpr std::size_t recordBytes = sizeof(SampleRecord);
 constexpr std::size_t tileWords = 16;
 
 using Tile = std::array<std::array<std::uint32_t, tileWords>, SampleRecord::bitCount>;
-
-/// Turns an 8 by 8 matrix of bits over its diagonal: bit j of byte i becomes bit i of byte j.
-constexpr std::uint64_t Transpose8(std::uint64_t x) noexcept {
-    std::uint64_t t = (x ^ (x >> 7)) & 0x00AA00AA00AA00AAU;
-    x ^= t ^ (t << 7);
-    t = (x ^ (x >> 14)) & 0x0000CCCC0000CCCCU;
-    x ^= t ^ (t << 14);
-    t = (x ^ (x >> 28)) & 0x00000000F0F0F0F0U;
-    return x ^ t ^ (t << 28);
-}
-static_assert(Transpose8(0xFF) == 0x0101010101010101U);
-static_assert(Transpose8(0x8000000000000000U) == 0x8000000000000000U);
-static_assert(Transpose8(0x80) == 0x0100000000000000U);
 
 /// Turns 32 records into word `word` of the tile.
 void TurnBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
@@ -198,50 +184,7 @@ struct GroupToLoad {
     bool liesInRecord = false;
 };
 
-using Words = ZeroedArray<std::uint32_t> CSignal::*;
-
-/// Packs one byte of the rows of 32 samples from up to eight members.
-void PackByte(std::span<const std::unique_ptr<CSignal>> members, Words words, std::size_t word,
-              std::span<std::uint8_t> rows, std::size_t rowBytes) {
-    for (std::size_t part = 0; part < 4; ++part) {
-        std::uint64_t x = 0;
-        for (std::size_t i = 0; i < members.size(); ++i) {
-            const auto& source = (*members[i]).*words;
-            if (word < source.size()) {
-                x |= std::uint64_t{(source[word] >> (8 * part)) & 0xFF} << (8 * i);
-            }
-        }
-        x = Transpose8(x);
-        for (std::size_t i = 0; i < 8 && (part * 8 + i) * rowBytes < rows.size(); ++i) {
-            rows[(part * 8 + i) * rowBytes] = static_cast<std::uint8_t>(x >> (8 * i));
-        }
-    }
-}
-
-void PackRows(std::span<const std::unique_ptr<CSignal>> members, Words words,
-              std::span<std::uint8_t> rows, std::size_t firstWord, std::size_t endWord) {
-    const std::size_t rowBytes = members.front()->RowBytes();
-    members = members.first(std::min<std::size_t>(members.size(), members.front()->groupWidth));
-    const std::size_t count = rowBytes == 0 ? 0 : rows.size() / rowBytes;
-    endWord = std::min(endWord, WordsFor(count));
-    for (std::size_t word = firstWord; word < endWord; ++word) {
-        for (std::size_t byte = 0; byte < rowBytes; ++byte) {
-            const std::size_t begin = std::min(byte * 8, members.size());
-            const std::size_t size = std::min<std::size_t>(8, members.size() - begin);
-            PackByte(members.subspan(begin, size), words, word,
-                     rows.subspan(word * wordBits * rowBytes + byte), rowBytes);
-        }
-    }
-}
-
 } // namespace
-
-void PackGroupRows(std::span<const std::unique_ptr<CSignal>> members, std::size_t firstWord,
-                   std::size_t endWord) {
-    CSignal& start = *members.front();
-    PackRows(members, &CSignal::data, start.groupData, firstWord, endWord);
-    PackRows(members, &CSignal::mask, start.groupMask, firstWord, endWord);
-}
 
 void CSignalList::ResizeSamples(std::uint32_t count) {
     for (const auto& signal : signals_) {

@@ -1,7 +1,6 @@
 #include "signals/value_text.h"
 
 #include "platform/text.h"
-#include "signals/signal_list.h"
 
 #include <algorithm>
 
@@ -242,20 +241,6 @@ std::string FormatTime(std::int64_t t, bool zoom) {
         return Scaled(ms, us, "ms");
     }
     return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
-}
-
-const CSignal* FindTimeGroup(const CSignalList& list) {
-    for (const auto& signal : list.All()) {
-        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
-            return signal.get();
-        }
-    }
-    return nullptr;
-}
-
-std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {
-    const auto time = list.TimeFrom(std::min(a, b), std::max(a, b));
-    return time ? FormatTime(*time, zoom) : std::string();
 }
 
 std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept {

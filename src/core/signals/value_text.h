@@ -11,8 +11,6 @@
 
 namespace busquill {
 
-class CSignalList;
-
 /// The digits of a value, most significant first. `data` and `mask` are little-endian, bit 0
 /// first; an empty mask means that all bits are known. `zoom` is set for Power Zoom data.
 [[nodiscard]] std::string FormatValue(std::span<const std::uint8_t> data, unsigned width,
@@ -34,13 +32,6 @@ class CSignalList;
 
 /// A time with three significant digits or so; nanoseconds, or picoseconds with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
-
-/// The group that holds the time from sample to sample, or null.
-[[nodiscard]] const CSignal* FindTimeGroup(const CSignalList& list);
-
-/// The time between two samples as text, empty where the list does not know it.
-[[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
-                                      bool zoom);
 
 /// The text of one cell of a decoded signal. `label` may be null.
 [[nodiscard]] std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal,
