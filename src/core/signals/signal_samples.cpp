@@ -120,7 +120,7 @@ std::uint64_t EightBytes(const std::uint8_t* bytes) noexcept {
 }
 
 /// Rows of up to eight bytes: `records` are those of the samples from the first row on. The size
-/// is a constant of the loop, for speed.
+/// is a constant of the loop: a RecordField for each row would take its place and width anew.
 template <std::size_t rowBytes>
 void CopyShortRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
                    std::uint8_t* row) {
