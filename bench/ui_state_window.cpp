@@ -48,7 +48,7 @@ public:
         auto& excluded = document->excludedBits;
         excluded.assign(WordsFor(static_cast<std::uint32_t>(count)), ~0U);
         for (std::size_t i = 0; i < static_cast<std::size_t>(count); i += 100) {
-            excluded[i / 32] &= ~(1U << (i % 32));
+            UnsetBit(excluded, i);
         }
         document->RebuildMapsFromFile();
         document->SetMarker(1, 0);

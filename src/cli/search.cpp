@@ -35,10 +35,10 @@ bool TakeMatches(const SampleRows& rows, const SearchCondition& condition, Take 
     constexpr std::size_t block = RecordPattern::blockSize;
     const std::span<const SampleRecord> records(rows.records);
     for (std::size_t first = 0; first < records.size(); first += block) {
-        std::uint32_t matches =
+        const std::uint32_t matches =
             condition.MatchesOf(records.subspan(first, std::min(block, records.size() - first)));
-        for (; matches != 0; matches &= matches - 1) {
-            if (!take(first + static_cast<std::size_t>(std::countr_zero(matches)))) {
+        for (const std::size_t match : EachSetBit(matches)) {
+            if (!take(first + match)) {
                 return false;
             }
         }

@@ -8,7 +8,7 @@
 #include "cli/output.h"
 #include "cli/stop.h"
 #include "cli/words.h"
-#include "link/analyzer_commands.h"
+#include "link/command_rows.h"
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"

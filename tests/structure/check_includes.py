@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""Holds the includes of src/ against the order of the rooms and against circles of files, and the
-drawing of the rooms in docs/architecture.md against the includes.
+"""Holds the includes of src/ against the order of the rooms and against circles of modules, and the
+drawing of the rooms in docs/architecture.md against the includes. A module is a header with the
+source of its name.
 
     check_includes.py SRC DOCUMENT           exits 1 and says what is wrong, if anything is
     check_includes.py SRC DOCUMENT --draw    puts the drawing as it is now into the document
@@ -45,8 +46,18 @@ def allowed(user, used):
     return used_layer == "core" or (used_layer == "ui" and used_room in UI[room])
 
 
+def modules(graph):
+    """What each module includes of others, whether its header does so or its source."""
+    joined = {}
+    for file, targets in graph.items():
+        module = file.with_suffix("")
+        others = {target.with_suffix("") for target in targets} - {module}
+        joined.setdefault(module, set()).update(others)
+    return {module: sorted(others) for module, others in joined.items()}
+
+
 def circle(graph):
-    """A list of files that include one another in a circle, or None."""
+    """A list of modules that include one another in a circle, or None."""
     done, path = set(), []
 
     def visit(node):
@@ -129,7 +140,7 @@ def main():
             graph.setdefault(path, []).append(target)
             if not allowed(user, room_of(target)):
                 complaints.append(f"{path}: includes {target}, against the direction")
-    found = circle(graph)
+    found = circle(modules(graph))
     if found:
         complaints.append("circle: " + " -> ".join(map(str, found)))
     text = document.read_text()

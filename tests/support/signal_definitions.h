@@ -15,6 +15,13 @@
 
 namespace busquill::test {
 
+/// Gives a signal these samples.
+inline void SetSamples(CSignal& signal, const std::vector<std::uint32_t>& words,
+                       std::uint32_t count) {
+    signal.data = words;
+    signal.numSamples = count;
+}
+
 /// Boards by the bus that they are on.
 namespace Board {
 inline BoardTraits OnBus(BusMode mode, std::int32_t width = 0) {

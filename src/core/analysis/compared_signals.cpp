@@ -25,16 +25,14 @@ std::vector<int> PositionsOf(const CBusSignalDef& def) {
 
 ComparedSignals::ComparedSignals(const SignalTables& tables) {
     care_.bytes.fill(0xFF);
-    std::array<bool, SampleRecord::bitCount> named{};
+    SampleRecord named;
     const auto add = [&](const CBusSignalDef& def) {
         std::vector<int> positions = PositionsOf(def);
-        const auto isNamed = [&](int position) {
-            return named[static_cast<std::size_t>(position)];
-        };
+        const auto isNamed = [&](int position) { return named.Bit(position); };
         // Two definitions may share bits; the second is for patterns then.
         if (std::ranges::none_of(positions, isNamed)) {
             for (const int position : positions) {
-                named[static_cast<std::size_t>(position)] = true;
+                named.SetBit(position);
             }
             const int top = def.Width() - 1;
             signals_.push_back({top == 0 ? def.name : Printf("%s[%d:0]", def.name.c_str(), top),
@@ -52,7 +50,7 @@ ComparedSignals::ComparedSignals(const SignalTables& tables) {
     }
     std::rotate(signals_.begin(), signals_.begin() + (time != defs.end() ? 1 : 0), signals_.end());
     for (int position = 0; position < SampleRecord::bitCount; ++position) {
-        if (!named[static_cast<std::size_t>(position)]) {
+        if (!named.Bit(position)) {
             signals_.push_back({BitName(tables, position), RecordField({position})});
         }
     }
@@ -60,8 +58,7 @@ ComparedSignals::ComparedSignals(const SignalTables& tables) {
 
 void ComparedSignals::Ignore(const std::vector<int>& positions) {
     for (const int position : positions) {
-        care_.bytes[static_cast<std::size_t>(position) / 8] &=
-            static_cast<std::uint8_t>(~(1U << (position % 8)));
+        care_.SetBit(position, false);
     }
 }
 

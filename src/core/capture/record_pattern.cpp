@@ -1,5 +1,6 @@
 #include "capture/record_pattern.h"
 
+#include "platform/bits.h"
 #include "tracesetup/setup_encoding.h"
 
 #include <algorithm>
@@ -158,7 +159,7 @@ void FindAll(std::span<const SampleRecord> records, const RecordPattern& pattern
             bits.push_back(0);
             continue;
         }
-        std::uint32_t matches =
+        const std::uint32_t matches =
             candidates &
             pattern.MatchesOf(records.subspan(first, std::min(records.size() - first, blockSize)));
         bits.push_back(matches);
@@ -169,9 +170,8 @@ void FindAll(std::span<const SampleRecord> records, const RecordPattern& pattern
                       static_cast<std::uint32_t>(first));
             continue;
         }
-        for (; matches != 0; matches &= matches - 1) {
-            samples[count++] = static_cast<std::uint32_t>(first) +
-                               static_cast<std::uint32_t>(std::countr_zero(matches));
+        for (const std::size_t match : EachSetBit(matches)) {
+            samples[count++] = static_cast<std::uint32_t>(first + match);
         }
     }
 }

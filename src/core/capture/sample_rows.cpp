@@ -87,8 +87,8 @@ std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& ro
     if (end >= length) {
         return 0;
     }
-    const std::uint64_t inRow[2] = {endsEarly ? (std::uint64_t{1} << end) - 1 : ~std::uint64_t{0},
-                                    endsEarly ? 0 : (std::uint64_t{1} << (end - 64)) - 1};
+    const std::uint64_t inRow[2] = {LowBits<std::uint64_t>(end),
+                                    endsEarly ? 0 : LowBits<std::uint64_t>(end - 64)};
     const bool negative = text[0] == '-';
     if (((masks.others[0] & inRow[0]) != (negative ? 1U : 0U)) ||
         (masks.others[1] & inRow[1]) != 0) {
@@ -96,11 +96,11 @@ std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& ro
     }
     std::array<unsigned, rowFields + 96> ends; // of the fields; more than there can be
     std::size_t fields = 0;
-    for (std::uint64_t left = masks.commas[0] & inRow[0]; left != 0; left &= left - 1) {
-        ends[fields++] = static_cast<unsigned>(std::countr_zero(left));
+    for (const std::size_t comma : EachSetBit(masks.commas[0] & inRow[0])) {
+        ends[fields++] = static_cast<unsigned>(comma);
     }
-    for (std::uint64_t left = masks.commas[1] & inRow[1]; left != 0; left &= left - 1) {
-        ends[fields++] = 64U + static_cast<unsigned>(std::countr_zero(left));
+    for (const std::size_t comma : EachSetBit(masks.commas[1] & inRow[1])) {
+        ends[fields++] = 64U + static_cast<unsigned>(comma);
     }
     ends[fields++] = end;
     const unsigned digits = ends[0] - (negative ? 1U : 0U);

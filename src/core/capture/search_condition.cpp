@@ -70,11 +70,8 @@ bool IsBeyondBus(int position, const BoardTraits& board) {
 } // namespace
 
 void SearchCondition::Bits::Set(int position, bool bit) noexcept {
-    const auto byte = static_cast<std::size_t>(position) / 8;
-    const auto mask = static_cast<std::uint8_t>(1U << (position % 8));
-    care.bytes[byte] |= mask;
-    value.bytes[byte] =
-        static_cast<std::uint8_t>(bit ? value.bytes[byte] | mask : value.bytes[byte] & ~mask);
+    care.SetBit(position);
+    value.SetBit(position, bit);
 }
 
 bool SearchCondition::Bits::Join(const Bits& other) noexcept {

@@ -76,7 +76,7 @@ void TraceFileReader::TakeSample(std::int64_t index, std::int32_t number,
     }
     const auto sample = static_cast<std::uint32_t>(index);
     store_.PutSample(sample, record);
-    absent_[sample / 32] &= ~(1U << (sample % 32));
+    UnsetBit(absent_, sample);
 }
 
 void TraceFileReader::EndBlock(bool fillLists) {

@@ -127,16 +127,14 @@ const SampleRows* TraceStream::NextHeldRows() {
     const std::span<const SampleRecord> records = held_->store.GetData(false);
     inRange_.Clear();
     std::int64_t& next = held_->next;
-    while (next < std::ssize(records) && inRange_.Size() < TraceParser::rowsAtOnce) {
-        const auto sample = static_cast<std::size_t>(next);
-        if (held_->absent[sample / 32] == ~0U) {
-            next = (next / 32 + 1) * 32;
-            continue;
+    while (inRange_.Size() < TraceParser::rowsAtOnce) {
+        const std::size_t sample = FirstUnset(held_->absent, static_cast<std::size_t>(next));
+        if (sample >= records.size()) {
+            break;
         }
-        if ((held_->absent[sample / 32] >> (sample % 32) & 1) == 0) {
-            inRange_.Add(static_cast<std::int32_t>(first_ + next), records[sample]);
-        }
-        ++next;
+        inRange_.Add(static_cast<std::int32_t>(first_ + static_cast<std::int64_t>(sample)),
+                     records[sample]);
+        next = static_cast<std::int64_t>(sample) + 1;
     }
     return inRange_.Empty() ? nullptr : &inRange_;
 }

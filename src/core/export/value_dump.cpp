@@ -146,7 +146,7 @@ void ValueDump::Changes(const SampleRecord& record, bool isTrigger, std::string&
             value.text ? value.text->ShownDigits(record) : DecodedText::allDigits;
         for (std::size_t bit = field.Width(); bit-- > 0;) {
             const bool isShown = (shown >> (bit / DecodedText::digitBits) & 1) != 0;
-            bits_ += !isShown ? 'x' : (bytes_[bit / 8] >> (bit % 8) & 1) != 0 ? '1' : '0';
+            bits_ += !isShown ? 'x' : TestBit(bytes_, bit) ? '1' : '0';
         }
         Change(value.item, bits_, out);
         if (value.textItem) {

@@ -1,7 +1,5 @@
 #include "link/analyzer_commands.h"
 
-#include "link/command_rows.h"
-
 #include <algorithm>
 #include <array>
 
@@ -159,18 +157,6 @@ constexpr bool EveryCommandStartsOnce() {
 static_assert(EveryCommandStartsOnce());
 
 } // namespace
-
-const CommandRow* FindCommand(std::int32_t command) noexcept {
-    if (command < 1 || command > linkCommandCount) {
-        return nullptr;
-    }
-    return &commandRows[static_cast<std::size_t>(command - 1)];
-}
-
-std::string_view LinkCommandName(std::int32_t command) noexcept {
-    const CommandRow* row = FindCommand(command);
-    return row == nullptr ? std::string_view("unknown command") : row->name;
-}
 
 const StateRow* FindState(std::int32_t state) noexcept {
     if (state < 1 || state > lastSendingState) {

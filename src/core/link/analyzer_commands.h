@@ -1,4 +1,4 @@
-/// The command set of the board: commands, states, frames and the register map.
+/// The command set of the board: numbers of commands, states, frames and the register map.
 #pragma once
 
 #include <cstddef>
@@ -152,29 +152,6 @@ enum BoardRegister : std::uint32_t {
     RegisterBackplaneSignals = 1552,
     RegisterStimulusEvents = 1600,
 };
-
-/// What a command takes along and brings back.
-enum class CommandKind : std::uint8_t {
-    Function, // nothing: no address, no length
-    Register, // writes a payload of fixed size to a register
-    Memory,   // writes a payload to an address
-    Bytes,    // reads bytes from an address on
-    Samples,  // reads samples from a distance to the trigger on
-};
-
-struct CommandRow {
-    LinkCommand command;
-    std::string_view name;
-    CommandKind kind;
-    std::uint32_t address; // of the register
-    std::uint32_t bytes;   // that go there, whatever the payload's maker gives
-};
-
-/// The row of a command; null for a number that is no command.
-[[nodiscard]] const CommandRow* FindCommand(std::int32_t command) noexcept;
-
-/// The command's readable name, for logs and failed tests.
-[[nodiscard]] std::string_view LinkCommandName(std::int32_t command) noexcept;
 
 /// What goes out in a state.
 enum class StateSends : std::uint8_t {

@@ -1,12 +1,38 @@
-/// The commands as the board's manual lists them, where the compiler can hold a call against them.
+/// The commands as the board's manual lists them, where the compiler can hold a call against them:
+/// what each takes along and brings back.
 #pragma once
 
 #include "link/analyzer_commands.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
+#include <string_view>
 
 namespace busquill {
+
+/// What a command takes along and brings back.
+enum class CommandKind : std::uint8_t {
+    Function, // nothing: no address, no length
+    Register, // writes a payload of fixed size to a register
+    Memory,   // writes a payload to an address
+    Bytes,    // reads bytes from an address on
+    Samples,  // reads samples from a distance to the trigger on
+};
+
+struct CommandRow {
+    LinkCommand command;
+    std::string_view name;
+    CommandKind kind;
+    std::uint32_t address; // of the register
+    std::uint32_t bytes;   // that go there, whatever the payload's maker gives
+};
+
+/// The row of a command; null for a number that is no command.
+[[nodiscard]] const CommandRow* FindCommand(std::int32_t command) noexcept;
+
+/// The command's readable name, for logs and failed tests.
+[[nodiscard]] std::string_view LinkCommandName(std::int32_t command) noexcept;
 
 // clang-format off
 inline constexpr auto commandRows = [] {

@@ -141,6 +141,19 @@ constexpr void UnsetBit(Words&& words, std::size_t bit) noexcept {
     return value & LowBits<std::uint64_t>(count);
 }
 
+/// Turns an 8 by 8 matrix of bits over its diagonal: bit j of byte i becomes bit i of byte j.
+constexpr std::uint64_t Transpose8(std::uint64_t x) noexcept {
+    std::uint64_t t = (x ^ (x >> 7)) & 0x00AA00AA00AA00AAU;
+    x ^= t ^ (t << 7);
+    t = (x ^ (x >> 14)) & 0x0000CCCC0000CCCCU;
+    x ^= t ^ (t << 14);
+    t = (x ^ (x >> 28)) & 0x00000000F0F0F0F0U;
+    return x ^ t ^ (t << 28);
+}
+static_assert(Transpose8(0xFF) == 0x0101010101010101U);
+static_assert(Transpose8(0x8000000000000000U) == 0x8000000000000000U);
+static_assert(Transpose8(0x80) == 0x0100000000000000U);
+
 /// A row of bits. One past the end reads as unset and takes no value.
 class Bits {
 public:

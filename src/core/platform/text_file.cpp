@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <random>
+#include <unistd.h>
 #include <utility>
 
 namespace busquill {
@@ -56,6 +57,11 @@ std::FILE* MakeBeside(const std::string& target, std::string& name) {
         }
     }
     return nullptr;
+}
+
+/// Hands the file to the disk. Some file systems have nothing to hand over, which is no failure.
+bool ReachesDisk(std::FILE* file) {
+    return std::fflush(file) == 0 && (::fsync(::fileno(file)) == 0 || errno == EINVAL);
 }
 
 } // namespace
@@ -177,7 +183,10 @@ void TextWriter::Write(std::string_view text) {
 }
 
 bool TextWriter::Close() {
-    bool whole = file_ && std::fclose(file_.release()) == 0 && !failed_;
+    bool whole = file_ && !failed_;
+    // A power cut soon after might else leave neither the old file nor the new one.
+    whole = whole && (target_.empty() || ReachesDisk(file_.get()));
+    whole = file_ && std::fclose(file_.release()) == 0 && whole;
     if (whole && !target_.empty()) {
         whole = std::rename(temporary_.c_str(), target_.c_str()) == 0;
         if (whole) {

@@ -67,9 +67,9 @@ public:
 
     /// Creates the file anew.
     [[nodiscard]] bool Create(const std::string& path);
-    /// Creates a file beside the target; Close puts it in the target's place when it is whole, with
-    /// the rights of the file that was there. A target that may not be written is none; a link
-    /// stays a link; a device or a pipe is written directly.
+    /// Creates a file beside the target; Close puts it in the target's place when it is whole and
+    /// on the disk, with the rights of the file that was there. A target that may not be written is
+    /// none; a link stays a link; a device or a pipe is written directly.
     [[nodiscard]] bool CreateBeside(const std::string& path);
     void Write(std::string_view text);
     /// Whether everything has reached the file, and the file its place.

@@ -1,6 +1,9 @@
 #include "signals/cell_text.h"
 
+#include "signals/signal_list.h"
 #include "signals/value_text.h"
+
+#include <algorithm>
 
 namespace busquill {
 
@@ -52,6 +55,11 @@ std::string CellText(const BoardTraits& board, const CSignal& signal, const List
 
 std::string FormatTimeSince(std::int64_t t, bool before, bool zoom) {
     return before ? "-" + FormatTime(-t, zoom) : FormatTime(t, zoom);
+}
+
+std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {
+    const auto time = list.TimeFrom(std::min(a, b), std::max(a, b));
+    return time ? FormatTime(*time, zoom) : std::string();
 }
 
 } // namespace busquill

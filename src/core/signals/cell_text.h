@@ -9,6 +9,8 @@
 
 namespace busquill {
 
+class CSignalList;
+
 /// What the time columns of a row show that hangs on other rows than its own. Texts that no column
 /// shows may be left empty.
 struct RowTimes {
@@ -32,5 +34,9 @@ struct ListedSample {
 /// A time from the trigger to a sample; with `before`, `t` is negative and the text begins with
 /// "-", whether it is 0 or not.
 [[nodiscard]] std::string FormatTimeSince(std::int64_t t, bool before, bool zoom);
+
+/// The time between two samples as text, empty where the list does not know it.
+[[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
+                                      bool zoom);
 
 } // namespace busquill

@@ -56,8 +56,8 @@ void RecordField::Take(const SampleRecord& record, std::uint8_t* into) const noe
     if (!isRun_) {
         std::fill_n(into, bytes, std::uint8_t{0});
         for (std::size_t i = 0; i < positions_.size(); ++i) {
-            if (IsInside(positions_[i]) && record.Bit(positions_[i])) {
-                into[i / 8] |= static_cast<std::uint8_t>(1U << (i % 8));
+            if (record.Bit(positions_[i])) {
+                SetBit(std::span(into, bytes), i);
             }
         }
         return;
@@ -72,36 +72,24 @@ void RecordField::Take(const SampleRecord& record, std::uint8_t* into) const noe
         into[i] = static_cast<std::uint8_t>(pair >> shift);
     }
     if (const std::size_t rest = positions_.size() % 8; rest != 0) {
-        into[bytes - 1] &= static_cast<std::uint8_t>((1U << rest) - 1);
+        into[bytes - 1] &= LowBits<std::uint8_t>(rest);
     }
 }
 
 std::uint64_t RecordField::Word(const SampleRecord& record) const noexcept {
-    std::uint64_t word = 0;
-    if (!isRun_) {
-        std::array<std::uint8_t, SampleRecord::bitCount / 8> bytes{};
-        if (FitsWord()) {
-            Take(record, bytes.data());
-        }
-        std::memcpy(&word, bytes.data(), sizeof word);
-        return word;
+    if (isRun_) {
+        return record.Field(positions_.front(), positions_.size());
     }
-    const auto first = static_cast<unsigned>(positions_.front());
-    const std::size_t from = first / 8;
-    const unsigned shift = first % 8;
-    const std::uint8_t* const bytes = record.bytes.data();
-    std::memcpy(&word, bytes + from, std::min(sizeof word, sizeof(SampleRecord) - from));
-    word >>= shift;
-    if (shift != 0 && from + sizeof word < sizeof(SampleRecord)) {
-        word |= std::uint64_t{bytes[from + sizeof word]} << (64 - shift);
+    std::array<std::uint8_t, sizeof(std::uint64_t)> bytes{};
+    if (FitsWord()) {
+        Take(record, bytes.data());
     }
-    const std::size_t width = positions_.size();
-    return width >= 64 ? word : word & ((std::uint64_t{1} << width) - 1);
+    return BitsAt(bytes, 0, positions_.size());
 }
 
 SampleTime::SampleTime() : field_(RunOf(110, 18)) {}
 
-SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, FindTimeGroup(list))) {}
+SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, list.TimeGroup())) {}
 
 std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {
     constexpr std::size_t longest = 4; // wider ones are no time

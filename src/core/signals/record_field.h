@@ -21,7 +21,7 @@ public:
     explicit RecordField(const CBusSignalDef& def);
 
     [[nodiscard]] std::size_t Width() const noexcept { return positions_.size(); }
-    [[nodiscard]] std::size_t Bytes() const noexcept { return (positions_.size() + 7) / 8; }
+    [[nodiscard]] std::size_t Bytes() const noexcept { return BytesFor(positions_.size()); }
     /// The value, bit 0 first, into as many bytes as it has.
     void Take(const SampleRecord& record, std::uint8_t* into) const noexcept;
     /// The same as a number, of a value that fits.

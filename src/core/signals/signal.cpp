@@ -6,12 +6,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t wordBits = 32;
-
-bool BitOf(const ZeroedArray<std::uint32_t>& words, std::size_t sample) noexcept {
-    return ((words[sample / wordBits] >> (sample % wordBits)) & 1) != 0;
-}
-
 std::span<const std::uint8_t> RowOf(const ZeroedArray<std::uint8_t>& rows, std::size_t rowBytes,
                                     std::size_t sample) noexcept {
     if (rowBytes == 0 || sample >= rows.size() / rowBytes) {
@@ -35,11 +29,11 @@ std::uint32_t CSignal::Room() const noexcept {
 }
 
 bool CSignal::Bit(std::size_t sample) const noexcept {
-    return sample / wordBits < data.size() && BitOf(data, sample);
+    return TestBit(data, sample);
 }
 
 bool CSignal::MaskBit(std::size_t sample) const noexcept {
-    return sample / wordBits >= mask.size() || BitOf(mask, sample);
+    return sample / wordBits >= mask.size() || TestBit(mask, sample);
 }
 
 std::span<const std::uint8_t> CSignal::GroupRow(std::size_t sample) const noexcept {
@@ -51,7 +45,7 @@ std::span<const std::uint8_t> CSignal::GroupMaskRow(std::size_t sample) const no
 }
 
 std::size_t CSignal::RowBytes() const noexcept {
-    return groupWidth == 0 ? 0 : (groupWidth - 1) / 8 + std::size_t{1};
+    return BytesFor(groupWidth);
 }
 
 const char* CSignal::Label(std::size_t sample) const noexcept {
@@ -60,12 +54,6 @@ const char* CSignal::Label(std::size_t sample) const noexcept {
     }
     const std::size_t value = labelTable[sample] - std::size_t{1};
     return value < decoded->values.size() ? decoded->values[value].label : nullptr;
-}
-
-void CSignal::SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count) {
-    data.Reset(words.size());
-    std::copy(words.begin(), words.end(), data.begin());
-    numSamples = count;
 }
 
 void CSignal::ResizeSamples(std::uint32_t count) {
@@ -82,21 +70,6 @@ void CSignal::ResizeSamples(std::uint32_t count) {
 
 void CSignal::AllocateMask(std::uint32_t count) {
     mask.Reset(WordsFor(count));
-}
-
-void CSignal::ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records) {
-    const std::size_t end = Room();
-    if (dataIndex < 0 || dataIndex >= SampleRecord::bitCount || first >= end) {
-        return;
-    }
-    const auto byte = static_cast<std::size_t>(dataIndex) / 8;
-    const int shift = dataIndex % 8;
-    const std::size_t count = std::min(records.size(), end - first);
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t sample = first + i;
-        const std::uint32_t bit = (records[i].bytes[byte] >> shift) & 1U;
-        data[sample / wordBits] |= bit << (sample % wordBits);
-    }
 }
 
 } // namespace busquill

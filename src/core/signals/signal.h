@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/bits.h"
 #include "platform/zeroed_array.h"
 #include "signals/signal_tables.h"
 
@@ -19,8 +20,16 @@ struct SampleRecord {
 
     std::array<std::uint8_t, 18> bytes{};
 
+    /// False for a bit that the record does not have.
     [[nodiscard]] bool Bit(int n) const noexcept {
-        return ((bytes[static_cast<std::size_t>(n) / 8] >> (n % 8)) & 1) != 0;
+        return TestBit(bytes, static_cast<std::size_t>(n));
+    }
+    void SetBit(int n, bool value = true) noexcept {
+        AssignBit(bytes, static_cast<std::size_t>(n), value);
+    }
+    /// Neighbouring bits as a number, at most 64.
+    [[nodiscard]] std::uint64_t Field(int first, std::size_t width) const noexcept {
+        return BitsAt(bytes, static_cast<std::size_t>(first), width);
     }
     friend bool operator==(const SampleRecord&, const SampleRecord&) = default;
 };
@@ -92,22 +101,12 @@ public:
     /// The label of one sample, or null.
     [[nodiscard]] const char* Label(std::size_t sample) const noexcept;
 
-    /// Replaces the data by a copy of the words; with no words it only frees the old ones.
-    void SetSampleBuffer(std::span<const std::uint32_t> words, std::uint32_t count);
     /// Zeroed data, group rows and labels (where the signal has them) for `count` samples. The
     /// masks stay as they are.
     void ResizeSamples(std::uint32_t count);
     /// A mask that compares nothing, for `count` samples.
     void AllocateMask(std::uint32_t count);
-    /// Sets the bits of `records` from sample `first` on. It never clears one, so resize first.
-    /// Samples beyond `numSamples` are left out.
-    void ExtractSamples(std::uint32_t first, std::span<const SampleRecord> records);
     void CopyFrom(const CSignal& other) { *this = other; }
 };
-
-/// Words that hold one bit for each of `count` samples.
-[[nodiscard]] constexpr std::size_t WordsFor(std::uint32_t count) noexcept {
-    return count == 0 ? 0 : ((count - 1) >> 5) + std::size_t{1};
-}
 
 } // namespace busquill

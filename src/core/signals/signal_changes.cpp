@@ -1,16 +1,12 @@
 #include "signals/signal_changes.h"
 
+#include "platform/bits.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
 
 namespace busquill {
-
-namespace {
-
-constexpr std::size_t wordBits = 32;
-
-} // namespace
 
 std::size_t NextBitChange(std::span<const std::uint32_t> words, std::size_t from,
                           std::size_t end) noexcept {
@@ -18,7 +14,7 @@ std::size_t NextBitChange(std::span<const std::uint32_t> words, std::size_t from
     if (from >= known) {
         return end;
     }
-    const std::uint32_t same = (words[from / wordBits] >> (from % wordBits) & 1) != 0 ? ~0U : 0;
+    const std::uint32_t same = TestBit(words, from) ? ~0U : 0;
     for (std::size_t at = from + 1; at < known; at = (at / wordBits + 1) * wordBits) {
         const std::uint32_t changed = (words[at / wordBits] ^ same) >> (at % wordBits);
         if (changed != 0) {

@@ -1,8 +1,7 @@
 #include "signals/signal_list.h"
 
 #include "platform/text.h"
-#include "signals/signal_samples.h"
-#include "signals/value_text.h"
+#include "signals/group_rows.h"
 
 #include <algorithm>
 #include <iterator>
@@ -112,8 +111,16 @@ void CSignalList::Insert(const CSignal* before, Signals added) {
                     std::move_iterator(added.begin()), std::move_iterator(added.end()));
 }
 
+const CSignal* CSignalList::TimeGroup() const noexcept {
+    const auto isTime = [](const auto& signal) {
+        return signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME";
+    };
+    const auto found = std::ranges::find_if(signals_, isTime);
+    return found == signals_.end() ? nullptr : found->get();
+}
+
 std::optional<std::int64_t> CSignalList::TimeFrom(std::int64_t a, std::int64_t b) const {
-    const CSignal* time = FindTimeGroup(*this);
+    const CSignal* time = TimeGroup();
     if (a == -1 || b == -1 || time == nullptr || time->groupData.empty()) {
         return std::nullopt;
     }

@@ -50,6 +50,8 @@ public:
     /// when it lies inside; `index + 1` for a signal without a group.
     [[nodiscard]] std::size_t GroupEnd(std::size_t index) const noexcept;
 
+    /// The group that holds the time from sample to sample, or null.
+    [[nodiscard]] const CSignal* TimeGroup() const noexcept;
     /// The time from sample `a` to sample `b`, negative when `b` comes first; nothing when one is
     /// -1 or the list has no permanent TIME.
     [[nodiscard]] std::optional<std::int64_t> TimeFrom(std::int64_t a, std::int64_t b) const;

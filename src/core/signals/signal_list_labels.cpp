@@ -24,7 +24,7 @@ struct RowBits {
         }
         return bits;
     }
-    void Set(std::size_t bit) { words[bit / 64] |= std::uint64_t{1} << (bit % 64); }
+    void Set(std::size_t bit) { SetBit(words, bit); }
     [[nodiscard]] RowBits operator&(const RowBits& other) const noexcept {
         RowBits result;
         for (std::size_t i = 0; i < words.size(); ++i) {

@@ -8,22 +8,12 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t wordBits = 32;
-
-void SetBit(std::span<std::uint32_t> words, std::size_t sample, bool value) {
-    if (sample / wordBits >= words.size()) {
-        return;
-    }
-    const std::uint32_t bit = 1U << (sample % wordBits);
-    words[sample / wordBits] = (words[sample / wordBits] & ~bit) | (value ? bit : 0);
-}
-
 /// Replaces words by bit `k` of the packed rows.
 void TakeColumn(std::span<std::uint32_t> words, std::span<const std::uint8_t> rows,
                 std::size_t rowBytes, std::size_t k) {
     std::fill(words.begin(), words.end(), 0);
     for (std::size_t sample = 0; sample < rows.size() / rowBytes; ++sample) {
-        SetBit(words, sample, ((rows[sample * rowBytes + k / 8] >> (k % 8)) & 1) != 0);
+        AssignBit(words, sample, TestBit(rows.subspan(sample * rowBytes), k));
     }
 }
 
@@ -85,8 +75,8 @@ void CSignalList::ApplyDecodedValue(CSignal* signal, std::uint32_t sample, std::
         }
         const std::uint8_t code = pattern[static_cast<std::size_t>(each->dataIndex)];
         if (code != CodeUnused) {
-            SetBit(each->data, sample, code == CodeOne);
-            SetBit(each->mask, sample, code != CodeAny);
+            AssignBit(each->data, sample, code == CodeOne);
+            AssignBit(each->mask, sample, code != CodeAny);
         }
     }
     RebuildGroupRows(sample, 1);
@@ -98,8 +88,8 @@ void CSignalList::SpreadBit(const CSignal* signal, std::uint32_t sample) {
         if (each.get() == signal || signal->dataIndex < 0 || each->dataIndex != signal->dataIndex) {
             continue;
         }
-        SetBit(each->data, sample, signal->Bit(sample));
-        SetBit(each->mask, sample, signal->MaskBit(sample));
+        AssignBit(each->data, sample, signal->Bit(sample));
+        AssignBit(each->mask, sample, signal->MaskBit(sample));
     }
     RebuildGroupRows(sample, 1);
     RebuildLabels(sample, 1);

@@ -1,8 +1,7 @@
 /// Records come one sample at a time, signals keep one bit of many samples to a word. So records
 /// are turned by blocks of 32 into a word for each bit of the record, once for all signals that
 /// look at it, and signals take whole words.
-#include "signals/signal_samples.h"
-
+#include "signals/group_rows.h"
 #include "signals/signal_list.h"
 
 #include <algorithm>
@@ -14,25 +13,11 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t wordBits = 32;
 constexpr std::size_t recordBytes = sizeof(SampleRecord);
 /// Words of each record bit that are turned at a time: a cache line of every signal's data.
 constexpr std::size_t tileWords = 16;
 
 using Tile = std::array<std::array<std::uint32_t, tileWords>, SampleRecord::bitCount>;
-
-/// Turns an 8 by 8 matrix of bits over its diagonal: bit j of byte i becomes bit i of byte j.
-constexpr std::uint64_t Transpose8(std::uint64_t x) noexcept {
-    std::uint64_t t = (x ^ (x >> 7)) & 0x00AA00AA00AA00AAU;
-    x ^= t ^ (t << 7);
-    t = (x ^ (x >> 14)) & 0x0000CCCC0000CCCCU;
-    x ^= t ^ (t << 14);
-    t = (x ^ (x >> 28)) & 0x00000000F0F0F0F0U;
-    return x ^ t ^ (t << 28);
-}
-static_assert(Transpose8(0xFF) == 0x0101010101010101U);
-static_assert(Transpose8(0x8000000000000000U) == 0x8000000000000000U);
-static_assert(Transpose8(0x80) == 0x0100000000000000U);
 
 /// Turns 32 records into word `word` of the tile.
 void TurnBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
@@ -103,7 +88,7 @@ void TakeWords(CSignal& signal, const Tile& tile, std::size_t firstWord, std::si
         signal.data[word] |= words[word - firstWord];
     }
     if (whole < endWord && room % wordBits != 0) {
-        signal.data[whole] |= words[whole - firstWord] & ((1U << (room % wordBits)) - 1);
+        signal.data[whole] |= words[whole - firstWord] & LowBits<std::uint32_t>(room % wordBits);
     }
 }
 
@@ -135,14 +120,14 @@ std::uint64_t EightBytes(const std::uint8_t* bytes) noexcept {
 }
 
 /// Rows of up to eight bytes: `records` are those of the samples from the first row on. The size
-/// is a constant of the loop, for speed.
+/// is a constant of the loop: a RecordField for each row would take its place and width anew.
 template <std::size_t rowBytes>
 void CopyShortRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
                    std::uint8_t* row) {
     // The eight bytes end with the record where the group is near its end.
     const std::size_t byte = std::min(dataIndex / 8, recordBytes - 8);
     const std::size_t shift = dataIndex - byte * 8;
-    const std::uint64_t mask = ~std::uint64_t{0} >> (64 - width);
+    const auto mask = LowBits<std::uint64_t>(width);
     for (const SampleRecord& record : records) {
         std::uint64_t bits = EightBytes(&record.bytes[byte]) >> shift & mask;
         for (std::size_t j = 0; j < rowBytes; ++j) {
@@ -169,11 +154,12 @@ bool IsShort(std::size_t dataIndex, std::size_t width) noexcept {
 void CopyLongRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
                   std::uint8_t* row) {
     for (const SampleRecord& record : records) {
-        for (unsigned k = 0; k < width; ++k) {
-            const bool bit = record.Bit(static_cast<int>(dataIndex + k));
-            row[k / 8] |= static_cast<std::uint8_t>((bit ? 1U : 0U) << (k % 8));
+        for (std::size_t k = 0; k < width; k += 8) {
+            const auto first = static_cast<int>(dataIndex + k);
+            const std::size_t count = std::min<std::size_t>(8, width - k);
+            row[k / 8] |= static_cast<std::uint8_t>(record.Field(first, count));
         }
-        row += (width - 1) / 8 + 1;
+        row += BytesFor(width);
     }
 }
 
@@ -198,50 +184,7 @@ struct GroupToLoad {
     bool liesInRecord = false;
 };
 
-using Words = ZeroedArray<std::uint32_t> CSignal::*;
-
-/// Packs one byte of the rows of 32 samples from up to eight members.
-void PackByte(std::span<const std::unique_ptr<CSignal>> members, Words words, std::size_t word,
-              std::span<std::uint8_t> rows, std::size_t rowBytes) {
-    for (std::size_t part = 0; part < 4; ++part) {
-        std::uint64_t x = 0;
-        for (std::size_t i = 0; i < members.size(); ++i) {
-            const auto& source = (*members[i]).*words;
-            if (word < source.size()) {
-                x |= std::uint64_t{(source[word] >> (8 * part)) & 0xFF} << (8 * i);
-            }
-        }
-        x = Transpose8(x);
-        for (std::size_t i = 0; i < 8 && (part * 8 + i) * rowBytes < rows.size(); ++i) {
-            rows[(part * 8 + i) * rowBytes] = static_cast<std::uint8_t>(x >> (8 * i));
-        }
-    }
-}
-
-void PackRows(std::span<const std::unique_ptr<CSignal>> members, Words words,
-              std::span<std::uint8_t> rows, std::size_t firstWord, std::size_t endWord) {
-    const std::size_t rowBytes = members.front()->RowBytes();
-    members = members.first(std::min<std::size_t>(members.size(), members.front()->groupWidth));
-    const std::size_t count = rowBytes == 0 ? 0 : rows.size() / rowBytes;
-    endWord = std::min(endWord, (count + wordBits - 1) / wordBits);
-    for (std::size_t word = firstWord; word < endWord; ++word) {
-        for (std::size_t byte = 0; byte < rowBytes; ++byte) {
-            const std::size_t begin = std::min(byte * 8, members.size());
-            const std::size_t size = std::min<std::size_t>(8, members.size() - begin);
-            PackByte(members.subspan(begin, size), words, word,
-                     rows.subspan(word * wordBits * rowBytes + byte), rowBytes);
-        }
-    }
-}
-
 } // namespace
-
-void PackGroupRows(std::span<const std::unique_ptr<CSignal>> members, std::size_t firstWord,
-                   std::size_t endWord) {
-    CSignal& start = *members.front();
-    PackRows(members, &CSignal::data, start.groupData, firstWord, endWord);
-    PackRows(members, &CSignal::mask, start.groupMask, firstWord, endWord);
-}
 
 void CSignalList::ResizeSamples(std::uint32_t count) {
     for (const auto& signal : signals_) {
@@ -321,7 +264,7 @@ void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {
     times_.Forget(); // rows are packed by whole words
     for (std::size_t i = 0; i < signals_.size() && count != 0; ++i) {
         if (signals_[i]->IsGroupStart()) {
-            PackGroupRows(Members(i), first / wordBits, (end + wordBits - 1) / wordBits);
+            PackGroupRows(Members(i), first / wordBits, WordsFor(end));
         }
     }
 }

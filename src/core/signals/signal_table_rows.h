@@ -1,7 +1,7 @@
 /// The rows of the constant signal tables, one table for each bus family.
 #pragma once
 
-#include "signals/signal_tables.h"
+#include "signals/signal_defs.h"
 
 #include <cstdint>
 #include <iterator>

@@ -85,33 +85,6 @@ std::shared_ptr<CDecodedSignalDef> MakeDecodedDef(const DecodedRow& row) {
 
 } // namespace
 
-std::uint32_t CSignalDef::FlagsFor(std::uint32_t mode) const noexcept {
-    switch (mode) {
-    case ModeState:
-        return stateFlags;
-    case ModeWaveform:
-        return waveformFlags;
-    case ModeEvents:
-    case ModeStimulus:
-        return eventFlags;
-    default:
-        return 0;
-    }
-}
-
-std::vector<int> CDecodedSignalDef::Positions() const {
-    std::vector<int> positions;
-    if (values.empty()) {
-        return positions;
-    }
-    for (int p = 0; p < patternPositions; ++p) {
-        if (values.front().pattern[static_cast<std::size_t>(p)] != CodeUnused) {
-            positions.push_back(p);
-        }
-    }
-    return positions;
-}
-
 SignalTables::SignalTables(std::function<BoardTraits()> board, const WorkingDirectory& directory)
     : busSignals(directory.FilePath("BusSignalColors.dat")),
       decodedSignals(directory.FilePath("DecodedSignalColors.dat")), board_(std::move(board)) {

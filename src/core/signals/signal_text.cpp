@@ -10,8 +10,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t wordBits = 32;
-
 /// Fields of a record row, in their order.
 enum Field : std::size_t {
     FieldSignal,
@@ -114,7 +112,7 @@ void WriteBits(TextWriter& file, std::string_view word, std::span<const std::uin
     const std::size_t count = std::min<std::size_t>(numSamples, words.size() * wordBits);
     std::string line = CsvQuote(word);
     for (std::size_t sample = 0; sample < count; ++sample) {
-        line += (words[sample / wordBits] >> (sample % wordBits) & 1) != 0 ? ",1" : ",0";
+        line += TestBit(words, sample) ? ",1" : ",0";
         if ((sample + 1) % wordBits == 0 || sample + 1 == count) {
             file.Write(line);
             file.Write("\n");
@@ -136,11 +134,10 @@ std::vector<std::uint32_t> ReadBits(TextReader& file, std::string_view word, std
         if (fields.empty() || fields.front() != word) {
             break;
         }
-        std::uint32_t bits = 0;
+        std::uint32_t& bits = words.emplace_back();
         for (std::size_t i = 1; i < std::min(fields.size(), wordBits + 1); ++i) {
-            bits |= (fields[i].starts_with('1') ? 1U : 0U) << (i - 1);
+            AssignBit(std::span(&bits, 1), i - 1, fields[i].starts_with('1'));
         }
-        words.push_back(bits);
     }
     return words;
 }

@@ -51,13 +51,13 @@ TimeIndex::Sum TimeIndex::Walk(const CSignal& time, std::size_t begin, std::size
 TimeIndex::Sum TimeIndex::Before(const CSignal& time, std::size_t stride) {
     if (strides_.size() < stride) {
         strides_.resize(stride);
-        isKnown_.resize(stride);
+        isKnown_.Resize(stride);
     }
     while (upTo_.size() < stride) {
         const std::size_t next = upTo_.size();
-        if (!isKnown_[next]) {
+        if (!isKnown_.Test(next)) {
             strides_[next] = Walk(time, next * strideSamples, (next + 1) * strideSamples);
-            isKnown_[next] = true;
+            isKnown_.Set(next);
         }
         upTo_.push_back((next == 0 ? 0 : upTo_.back()) + strides_[next]);
     }
@@ -67,7 +67,7 @@ TimeIndex::Sum TimeIndex::Before(const CSignal& time, std::size_t stride) {
 void TimeIndex::Forget() noexcept {
     time_ = nullptr;
     strides_.clear();
-    isKnown_.clear();
+    isKnown_.Reset(0);
     upTo_.clear();
 }
 
@@ -75,10 +75,8 @@ void TimeIndex::Forget(std::size_t first, std::size_t count) noexcept {
     if (count == 0) {
         return;
     }
-    const std::size_t begin = std::min(first / strideSamples, isKnown_.size());
-    const std::size_t end = std::min((first + count - 1) / strideSamples + 1, isKnown_.size());
-    std::fill(isKnown_.begin() + static_cast<std::ptrdiff_t>(begin),
-              isKnown_.begin() + static_cast<std::ptrdiff_t>(end), false);
+    const std::size_t begin = first / strideSamples;
+    isKnown_.AssignIn(begin, (first + count - 1) / strideSamples + 1, false);
     upTo_.resize(std::min(upTo_.size(), begin));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/bits.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -29,9 +31,9 @@ private:
     [[nodiscard]] Sum Before(const CSignal& time, std::size_t stride);
 
     const CSignal* time_ = nullptr;
-    std::vector<Sum> strides_;  // of each stride, where it is known
-    std::vector<bool> isKnown_; // in step with strides_
-    std::vector<Sum> upTo_;     // from the first stride to each, as far as has been asked for
+    std::vector<Sum> strides_; // of each stride, where it is known
+    Bits isKnown_;             // in step with strides_
+    std::vector<Sum> upTo_;    // from the first stride to each, as far as has been asked for
 };
 
 } // namespace busquill

@@ -33,7 +33,7 @@ ValueEditor::ValueEditor(std::vector<std::uint8_t> value, std::vector<std::uint8
                          unsigned width, std::int32_t radix)
     : value_(std::move(value)), mask_(std::move(mask)), maskGiven_(!mask_.empty()), width_(width),
       radix_(radix) {
-    const std::size_t bytes = width == 0 ? 0 : (width - 1) / 8 + 1;
+    const std::size_t bytes = BytesFor(width);
     value_.resize(bytes);
     mask_.resize(bytes, 0xFF);
     Refresh();
@@ -103,11 +103,8 @@ bool ValueEditor::Type(char typed) {
 }
 
 void ValueEditor::SetBit(std::size_t bit, char typed) {
-    const auto at = static_cast<std::uint8_t>(1U << (bit % 8));
-    std::uint8_t& value = value_[bit / 8];
-    std::uint8_t& mask = mask_[bit / 8];
-    value = static_cast<std::uint8_t>(typed == '1' ? value | at : value & ~at);
-    mask = static_cast<std::uint8_t>(IsX(typed) ? mask & ~at : mask | at);
+    AssignBit(value_, bit, typed == '1');
+    AssignBit(mask_, bit, !IsX(typed));
 }
 
 // The highest digit may stand for fewer than four bits, and still sets as many in its byte.

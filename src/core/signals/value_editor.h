@@ -9,7 +9,7 @@ namespace busquill {
 /// A wide value that is edited digit by digit, with digits that may be anything. Knows no window.
 class ValueEditor {
 public:
-    /// Value and mask are little-endian, bit 0 first, of (width - 1) / 8 + 1 bytes. Without a mask
+    /// Value and mask are little-endian, bit 0 first, of BytesFor(width) bytes. Without a mask
     /// all bits are known, and Clear leaves them so.
     ValueEditor(std::vector<std::uint8_t> value, std::vector<std::uint8_t> mask, unsigned width,
                 std::int32_t radix);

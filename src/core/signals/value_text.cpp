@@ -1,7 +1,6 @@
 #include "signals/value_text.h"
 
 #include "platform/text.h"
-#include "signals/signal_list.h"
 
 #include <algorithm>
 
@@ -11,20 +10,8 @@ namespace {
 
 constexpr unsigned groupDigits = 8; // digits between two blanks
 
-/// Bits `first` to `first + count - 1` of a little-endian value; bits it does not hold are 0.
-unsigned BitsAt(std::span<const std::uint8_t> bytes, unsigned first, unsigned count) noexcept {
-    unsigned bits = 0;
-    for (unsigned i = 0; i < count; ++i) {
-        const std::size_t byte = (first + i) / 8;
-        if (byte < bytes.size()) {
-            bits |= ((bytes[byte] >> ((first + i) % 8)) & 1U) << i;
-        }
-    }
-    return bits;
-}
-
 /// One digit: "X" when none of its bits is known, "?" when only some are.
-char Digit(unsigned value, unsigned known, unsigned significant) noexcept {
+char Digit(std::uint64_t value, std::uint64_t known, std::uint64_t significant) noexcept {
     if (known == 0) {
         return 'X';
     }
@@ -40,8 +27,8 @@ std::string Digits(std::span<const std::uint8_t> data, unsigned width,
     for (unsigned digit = (width - 1) / digitBits + 1; digit-- > 0;) {
         const unsigned first = digit * digitBits;
         const unsigned count = std::min(digitBits, width - first);
-        const unsigned significant = (1U << count) - 1;
-        const unsigned known = mask.empty() ? significant : BitsAt(mask, first, count);
+        const auto significant = LowBits<unsigned>(count);
+        const std::uint64_t known = mask.empty() ? significant : BitsAt(mask, first, count);
         text += Digit(BitsAt(data, first, count), known, significant);
     }
     return text;
@@ -85,6 +72,9 @@ std::string FormatZoomTime(std::int64_t t) {
 constexpr int attributeBit = 93;
 constexpr int addressBit = 95;
 constexpr int byteEnableBit = 64;
+constexpr int commandBit = 64;  // the same lines at another time
+constexpr int modifierBit = 64; // as well
+constexpr int modifierBitOfLark = 88;
 constexpr unsigned splitCompletion = 12;
 
 /// In which phase of a PCI transfer a sample was taken.
@@ -97,7 +87,7 @@ struct PciPhase {
         : address(record.Bit(addressBit)) {
         if (board.IsPciXMode()) {
             attribute = record.Bit(attributeBit);
-            split = !attribute && address && (record.bytes[8] & 0x0F) == splitCompletion;
+            split = !attribute && address && record.Field(commandBit, 4) == splitCompletion;
         }
     }
 };
@@ -136,7 +126,7 @@ void BlankDisabledLanes(std::string& text, const SampleRecord& record) {
     }
 }
 
-int VmeAddressWidth(unsigned addressModifier) noexcept {
+int VmeAddressWidth(std::uint64_t addressModifier) noexcept {
     if (addressModifier == 0x32 || addressModifier >= 0x38) {
         return 24;
     }
@@ -186,8 +176,8 @@ std::string AddressText(const BoardTraits& board, const CSignal& signal, const S
     }
     if (board.IsVmeFamily()) {
         if (signal.radix == Radix::Hex) {
-            const unsigned modifier = record.bytes[board.IsVmeLark() ? 11 : 8] & 0x3FU;
-            BlankBeyondAddress(value, VmeAddressWidth(modifier));
+            const int first = board.IsVmeLark() ? modifierBitOfLark : modifierBit;
+            BlankBeyondAddress(value, VmeAddressWidth(record.Field(first, 6)));
         }
         return value;
     }
@@ -228,7 +218,7 @@ std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexc
         return 0;
     }
     // One bit more than the field has: recorded captures rely on it.
-    const unsigned bits = BitsAt(data, 0, std::min(width + 1, maxWidth));
+    const auto bits = static_cast<std::uint32_t>(BitsAt(data, 0, std::min(width + 1, maxWidth)));
     const auto count = static_cast<std::int32_t>(bits) >> 2;
     return count * units[bits & 3];
 }
@@ -253,18 +243,9 @@ std::string FormatTime(std::int64_t t, bool zoom) {
     return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
 }
 
-const CSignal* FindTimeGroup(const CSignalList& list) {
-    for (const auto& signal : list.All()) {
-        if (signal->IsGroupStart() && signal->permanent && signal->baseName == "TIME") {
-            return signal.get();
-        }
-    }
-    return nullptr;
-}
-
-std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list, bool zoom) {
-    const auto time = list.TimeFrom(std::min(a, b), std::max(a, b));
-    return time ? FormatTime(*time, zoom) : std::string();
+std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept {
+    return static_cast<std::uint16_t>(record.Field(modifierBit, 8) |
+                                      record.Field(modifierBitOfLark, 8) << 8);
 }
 
 std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal, std::int64_t sample,

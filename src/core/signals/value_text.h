@@ -11,8 +11,6 @@
 
 namespace busquill {
 
-class CSignalList;
-
 /// The digits of a value, most significant first. `data` and `mask` are little-endian, bit 0
 /// first; an empty mask means that all bits are known. `zoom` is set for Power Zoom data.
 [[nodiscard]] std::string FormatValue(std::span<const std::uint8_t> data, unsigned width,
@@ -35,13 +33,6 @@ class CSignalList;
 /// A time with three significant digits or so; nanoseconds, or picoseconds with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
 
-/// The group that holds the time from sample to sample, or null.
-[[nodiscard]] const CSignal* FindTimeGroup(const CSignalList& list);
-
-/// The time between two samples as text, empty where the list does not know it.
-[[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
-                                      bool zoom);
-
 /// The text of one cell of a decoded signal. `label` may be null.
 [[nodiscard]] std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal,
                                              std::int64_t sample, std::int64_t firstSample,
@@ -50,9 +41,7 @@ class CSignalList;
 
 /// What FormatDecodedValue looks at besides the value's own bits, its label and its number: with
 /// the same surroundings the same value reads the same.
-[[nodiscard]] inline std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept {
-    return static_cast<std::uint16_t>(record.bytes[8] | record.bytes[11] << 8);
-}
+[[nodiscard]] std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept;
 
 /// Characters that a value of `width` bits takes in a radix, with its blanks; 0 for time.
 [[nodiscard]] unsigned DigitsFor(unsigned width, std::int32_t radix) noexcept;

@@ -1,5 +1,7 @@
 #include "tracesetup/setup_encoding.h"
 
+#include "platform/bits.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -41,20 +43,22 @@ std::vector<std::uint8_t> BuildSearchControl(std::uint32_t distance, bool after)
 }
 
 std::vector<std::uint8_t> BuildEventRows(const CSignalList& list, int columns) {
-    const int count = std::clamp(columns, 0, 32);
-    std::vector<std::uint8_t> rows(static_cast<std::size_t>(count) * eventRowSize);
+    const auto count = static_cast<std::size_t>(std::clamp(columns, 0, 32));
+    std::vector<std::uint8_t> rows(count * eventRowSize);
     for (const auto& signal : list.All()) {
         if (signal->dataIndex < 0 || signal->dataIndex >= eventRowBits) {
             continue;
         }
-        const std::size_t pair = static_cast<std::size_t>(signal->dataIndex) / 8 * 2;
-        const auto bit = static_cast<std::uint8_t>(1U << (signal->dataIndex % 8));
-        const std::uint32_t values = signal->data.empty() ? 0 : signal->data.front();
-        const std::uint32_t compared = signal->mask.empty() ? 0 : signal->mask.front();
-        for (int c = 0; c < count; ++c) {
-            std::uint8_t* row = rows.data() + static_cast<std::size_t>(c) * eventRowSize;
-            row[pair] |= (values >> c & 1) != 0 ? bit : 0;
-            row[pair + 1] |= (compared >> c & 1) != 0 ? bit : 0;
+        const auto index = static_cast<std::size_t>(signal->dataIndex);
+        const std::size_t valueBit = index / 8 * 16 + index % 8;
+        for (std::size_t c = 0; c < count; ++c) {
+            const auto row = std::span(rows).subspan(c * eventRowSize, eventRowSize);
+            if (TestBit(signal->data, c)) {
+                SetBit(row, valueBit);
+            }
+            if (TestBit(signal->mask, c)) {
+                SetBit(row, valueBit + 8);
+            }
         }
     }
     return rows;

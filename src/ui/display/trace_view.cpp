@@ -5,7 +5,7 @@
 #include "link/analyzer_link.h"
 #include "platform/settings.h"
 #include "platform/working_directory.h"
-#include "signals/value_text.h"
+#include "signals/cell_text.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/capture/trace_status_dialog.h"
 #include "ui/display/go_to_sample_dialog.h"

@@ -1,7 +1,7 @@
 #include "ui/display/wave_painter.h"
 
 #include "capture/trace_document.h"
-#include "signals/value_text.h"
+#include "signals/cell_text.h"
 #include "ui/display/band_values.h"
 #include "ui/display/marker_glyphs.h"
 #include "ui/framework/painting.h"

@@ -44,7 +44,7 @@ void CPatternEdit::mousePressEvent(QMouseEvent* event) {
         QLineEdit::mousePressEvent(event);
         return;
     }
-    const std::size_t count = (width_ - 1) / 8 + 1;
+    const std::size_t count = BytesFor(width_);
     if (CValueDlg(this, std::span(bytes_).first(count), {}, width_, Radix::Hex).exec() ==
         QDialog::Accepted) {
         Refresh();

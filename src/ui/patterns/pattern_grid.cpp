@@ -40,14 +40,6 @@ std::span<std::uint8_t> RowOf(std::span<std::uint8_t> rows, const CSignal& signa
                                                      : rows.subspan(first, bytes);
 }
 
-void SetBit(std::span<std::uint32_t> words, int row, bool value) {
-    const auto at = static_cast<std::size_t>(row);
-    if (at / 32 < words.size()) {
-        const std::uint32_t bit = 1U << (at % 32);
-        words[at / 32] = (words[at / 32] & ~bit) | (value ? bit : 0);
-    }
-}
-
 } // namespace
 
 CPatternGrid::Cell CPatternGrid::hot;
@@ -388,8 +380,8 @@ bool CPatternGrid::CycleBit(CSignal& signal, int row) {
     const auto at = static_cast<std::size_t>(row);
     const bool known = signal.MaskBit(at);
     const bool one = signal.Bit(at);
-    SetBit(signal.mask, row, !known || !one);
-    SetBit(signal.data, row, known && !one);
+    AssignBit(signal.mask, at, !known || !one);
+    AssignBit(signal.data, at, known && !one);
     list_->SpreadBit(&signal, static_cast<std::uint32_t>(row));
     return true;
 }

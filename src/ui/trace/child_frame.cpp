@@ -10,7 +10,6 @@
 #include "ui/framework/win_app.h"
 #include "ui/trace/help_topics.h"
 #include "ui/trace/trace_bar.h"
-#include "ui/trace/trace_documents.h"
 #include "ui/tracesetup/trace_setup_dialog.h"
 
 #include <QComboBox>
@@ -32,9 +31,9 @@ constexpr const char* newSetup = "<New>";
 
 } // namespace
 
-CChildFrame::CChildFrame(const FeatureParts& parts, TraceDocuments& traces, CTesselDoc& document,
+CChildFrame::CChildFrame(const FeatureParts& parts, TraceActions actions, CTesselDoc& document,
                          TraceViewKind kind)
-    : CMDIChildWnd(document), parts_(parts), traces_(traces),
+    : CMDIChildWnd(document), parts_(parts), actions_(std::move(actions)),
       isState_(kind == TraceViewKind::State), isZoom_(kind == TraceViewKind::PowerZoom),
       bar_(new CTraceBar), titleKind_(isZoom_ ? "Power Zoom" : "Trace") {
     resize(isZoom_ ? zoomFrameSize
@@ -226,7 +225,7 @@ void CChildFrame::OnGo() {
         FocusView();
         return;
     }
-    traces_.CloneTrace(document, isState_ ? TraceViewKind::State : TraceViewKind::Waveform);
+    actions_.clone(document, isState_ ? TraceViewKind::State : TraceViewKind::Waveform);
 }
 
 void CChildFrame::OnStop() {
@@ -240,7 +239,7 @@ void CChildFrame::OnDisplay() {
     for (DocumentView* each : Trace().Views()) {
         auto* view = dynamic_cast<CTraceView*>(each);
         if (view != nullptr && view->IsState() != isState_) {
-            traces_.ActivateFrameOf(*view);
+            parts_.area.setActiveSubWindow(FrameOf(*view));
             return;
         }
     }
@@ -249,7 +248,7 @@ void CChildFrame::OnDisplay() {
         return;
     }
     if (dialog.OpensNewWindow()) {
-        traces_.AddTraceFrame(Trace(), isState_ ? TraceViewKind::Waveform : TraceViewKind::State);
+        actions_.addFrame(Trace(), isState_ ? TraceViewKind::Waveform : TraceViewKind::State);
     } else {
         SwitchDisplay(!isState_);
     }
@@ -257,8 +256,8 @@ void CChildFrame::OnDisplay() {
 
 /// The new window is in front, where it can be seen, and the focus stays here.
 void CChildFrame::OnPowerZoom() {
-    CMDIChildWnd& added = traces_.AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
-    traces_.ActivateFrameOf(TraceView());
+    CMDIChildWnd& added = actions_.addFrame(Trace(), TraceViewKind::PowerZoom);
+    parts_.area.setActiveSubWindow(this);
     FocusView();
     added.raise();
 }

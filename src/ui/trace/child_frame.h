@@ -5,29 +5,36 @@
 #include "ui/framework/feature.h"
 #include "ui/framework/mdi_child.h"
 
+#include <functional>
+
 namespace busquill {
 
 class CTraceBar;
 class CTraceView;
-class TraceDocuments;
 
 /// What a trace frame shows.
 enum class TraceViewKind { Waveform, State, PowerZoom };
+
+/// What a frame asks of the program's traces.
+struct TraceActions {
+    /// A real-time trace with the lists and the setup of this one.
+    std::function<void(CTesselDoc&, TraceViewKind)> clone;
+    /// One more frame for a document.
+    std::function<CMDIChildWnd&(CTesselDoc&, TraceViewKind)> addFrame;
+};
 
 /// The window around one view of a trace: a State, Waveform or Power Zoom frame, as it was made.
 /// Its bar runs the capture.
 class CChildFrame final : public CMDIChildWnd, public TraceFrame {
     Q_OBJECT
 public:
-    /// `traces` outlives the frame.
-    CChildFrame(const FeatureParts& parts, TraceDocuments& traces, CTesselDoc& document,
+    CChildFrame(const FeatureParts& parts, TraceActions actions, CTesselDoc& document,
                 TraceViewKind kind);
 
     [[nodiscard]] bool IsStateFrame() const noexcept { return isState_; }
     [[nodiscard]] bool IsZoomFrame() const noexcept { return isZoom_; }
     [[nodiscard]] CTraceView& TraceView() const;
     [[nodiscard]] CTesselDoc& Trace() const;
-    [[nodiscard]] TraceDocuments& Traces() const noexcept { return traces_; }
     [[nodiscard]] CTraceBar& Bar() const noexcept { return *bar_; }
     [[nodiscard]] QString GetTitle() const { return windowTitle(); }
 
@@ -60,7 +67,7 @@ private:
     void FocusView();
 
     const FeatureParts parts_;
-    TraceDocuments& traces_;
+    const TraceActions actions_;
     bool isState_;
     bool isZoom_;
     CTraceBar* bar_;

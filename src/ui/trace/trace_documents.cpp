@@ -37,7 +37,12 @@ std::unique_ptr<CDocument> TraceDocuments::MakeFileDocument() {
 }
 
 CMDIChildWnd* TraceDocuments::MakeFrame(CDocument& document, TraceViewKind kind) {
-    return new CChildFrame(parts_, *this, static_cast<CTesselDoc&>(document), kind);
+    TraceActions actions{
+        [this](CTesselDoc& source, TraceViewKind wanted) { NewTrace(wanted, &source); },
+        [this](CTesselDoc& shown, TraceViewKind wanted) -> CMDIChildWnd& {
+            return AddTraceFrame(shown, wanted);
+        }};
+    return new CChildFrame(parts_, std::move(actions), static_cast<CTesselDoc&>(document), kind);
 }
 
 CMultiDocTemplate::MakeFrame TraceDocuments::FramesOf(TraceViewKind kind) {
@@ -85,10 +90,6 @@ CTraceView* TraceDocuments::FindRealTimeView(TraceViewKind kind) const {
     return nullptr;
 }
 
-void TraceDocuments::ActivateFrameOf(CTraceView& view) {
-    parts_.area.setActiveSubWindow(CMDIChildWnd::FrameOf(view));
-}
-
 bool TraceDocuments::SaveTrace(CTesselDoc& document, const std::string& path) {
     return CSaveTraceDialog(parts_.area.window(), document, path, parts_.prompts, parts_.mainThread)
                .exec() == QDialog::Accepted;
@@ -128,7 +129,7 @@ void TraceDocuments::NewTrace(TraceViewKind kind, CTesselDoc* cloneSource) {
         parts_.prompts.Message("A real-time view already exists. Close the real-time view before "
                                "creating a new one.");
     } else if (CTraceView* view = FindRealTimeView(kind)) {
-        ActivateFrameOf(*view);
+        parts_.area.setActiveSubWindow(CMDIChildWnd::FrameOf(*view));
     } else {
         AddTraceFrame(*document, kind);
     }

@@ -27,14 +27,9 @@ public:
 
     void NewStateTrace() { NewTrace(TraceViewKind::State, nullptr); }
     void NewWaveformTrace() { NewTrace(TraceViewKind::Waveform, nullptr); }
-    /// Makes a real-time trace with the lists and the setup of another one.
-    void CloneTrace(CTesselDoc& source, TraceViewKind kind) { NewTrace(kind, &source); }
-    /// One more frame for a document that has one.
-    CMDIChildWnd& AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
     /// The first view of a real-time trace of that kind, or null. A Power Zoom view counts as
     /// Waveform.
     [[nodiscard]] CTraceView* FindRealTimeView(TraceViewKind kind) const;
-    void ActivateFrameOf(CTraceView& view);
 
     // For the template:
 
@@ -46,6 +41,8 @@ public:
 
 private:
     void NewTrace(TraceViewKind kind, CTesselDoc* cloneSource);
+    /// One more frame for a document that has one.
+    CMDIChildWnd& AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
     [[nodiscard]] bool OpenStoredCapture(TraceViewKind kind);
     [[nodiscard]] std::unique_ptr<CDocument> MakeDocument(bool isRealTime, CTesselDoc* cloneSource);
     /// The template's way to make a frame of one kind.

@@ -1,4 +1,5 @@
 #include "link/analyzer_commands.h"
+#include "link/command_rows.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,12 @@
 #include "platform/text_file.h"
+#include "support/disk_sync.h"
 #include "support/temp_dir.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <filesystem>
 #include <sys/stat.h>
 
 namespace busquill::test {
@@ -184,6 +187,61 @@ TEST(TextWriter, ForgetsAFailureWithTheNextFile) {
     file.Write("fine");
     EXPECT_TRUE(file.Close());
     EXPECT_FALSE(file.Close());
+}
+
+std::size_t FilesIn(const TempDir& dir) {
+    return static_cast<std::size_t>(
+        std::distance(std::filesystem::directory_iterator(dir.Path()), {}));
+}
+
+TEST(TextWriter, IsOnTheDiskBeforeItTakesTheOldOnesPlace) {
+    const TempDir dir;
+    const std::string path = dir.Write("text", "old");
+    DiskSync disk;
+    disk.before = [&](int descriptor) {
+        struct stat written {};
+        ASSERT_EQ(fstat(descriptor, &written), 0);
+        EXPECT_EQ(written.st_size, 3) << "the rest is still in the program";
+        EXPECT_EQ(ReadWholeFile(path), "old");
+    };
+    TextWriter file;
+    ASSERT_TRUE(file.CreateBeside(path));
+    file.Write("new");
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(disk.Count(), 1);
+    EXPECT_EQ(ReadWholeFile(path), "new");
+}
+
+TEST(TextWriter, KeepsTheOldFileWhereTheDiskFails) {
+    const TempDir dir;
+    const std::string path = dir.Write("text", "old");
+    const DiskSync disk(EIO);
+    TextWriter file;
+    ASSERT_TRUE(file.CreateBeside(path));
+    file.Write("new");
+    EXPECT_FALSE(file.Close());
+    EXPECT_EQ(ReadWholeFile(path), "old");
+    EXPECT_EQ(FilesIn(dir), 1U) << "nothing is left beside it";
+}
+
+TEST(TextWriter, TakesAFileThatCannotBeSynchronisedAsItIs) {
+    const TempDir dir;
+    const std::string path = dir.Write("text", "old");
+    const DiskSync disk(EINVAL);
+    TextWriter file;
+    ASSERT_TRUE(file.CreateBeside(path));
+    file.Write("new");
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(ReadWholeFile(path), "new");
+}
+
+TEST(TextWriter, ADeviceIsNotSynchronised) {
+    const DiskSync disk(EIO);
+    TextWriter file;
+    ASSERT_TRUE(file.CreateBeside("/dev/null"));
+    file.Write("new");
+    EXPECT_TRUE(file.Close());
+    EXPECT_EQ(disk.Count(), 0);
 }
 
 } // namespace

@@ -308,7 +308,7 @@ void FillThree(CSignalList& list, std::uint32_t numSamples) {
         CSignal* signal = list.InsertBlank(nullptr);
         signal->baseName = "AD";
         signal->bitIndex = static_cast<std::int32_t>(i);
-        signal->SetSampleBuffer(Words(WordsFor(numSamples), 0), numSamples);
+        SetSamples(*signal, Words(WordsFor(numSamples), 0), numSamples);
     }
 }
 
@@ -333,7 +333,7 @@ TEST(BuildGroup, PacksARowForEachSample) {
 TEST(BuildGroup, PutsTheNinthMemberIntoASecondByte) {
     CSignalList list;
     for (int i = 0; i < 9; ++i) {
-        list.InsertBlank(nullptr)->SetSampleBuffer(Words{i == 8 || i == 0 ? 1U : 2U}, 2);
+        SetSamples(*list.InsertBlank(nullptr), Words{i == 8 || i == 0 ? 1U : 2U}, 2);
     }
     list.BuildGroup(&list[0]);
     EXPECT_EQ(list[0].groupData, (Bytes{0x01, 0x01, 0xFE, 0x00}));
@@ -356,12 +356,12 @@ TEST(BuildGroup, TakesTheNumberOfSamplesFromTheLastMember) {
     CSignalList list;
     FillThree(list, 40);
     list[0].data = {1, 1};
-    list[2].SetSampleBuffer(Words{2}, 2);
+    SetSamples(list[2], Words{2}, 2);
     list.BuildGroup(&list[0]);
     EXPECT_EQ(list[0].groupData, (Bytes{0x1, 0x4}));
 
     // Members that have fewer samples than the last one count as 0.
-    list[2].SetSampleBuffer(Words{2, 0, 2}, 96);
+    SetSamples(list[2], Words{2, 0, 2}, 96);
     list.BuildGroup(&list[0]);
     EXPECT_EQ(list[0].groupData.size(), 96U);
     EXPECT_EQ(list[0].groupData[32], 0x1);

@@ -65,7 +65,7 @@ TEST_F(PatternTest, ClearsOldBitsWhenRowsAreWrittenBack) {
 TEST_F(PatternTest, ClearsTheColumnsThatTheRowsDoNotReach) {
     CSignal& other = list_[list_.Size() - 1];
     other.dataIndex = 1;
-    other.SetSampleBuffer(Words{0xFFFFFFFF, 0xFFFFFFFF}, 64);
+    SetSamples(other, Words{0xFFFFFFFF, 0xFFFFFFFF}, 64);
     list_.UnpackGroup(&Row("AD[3:0]"));
     EXPECT_EQ(other.data, (Words{0, 0}));
 }
@@ -158,8 +158,8 @@ TEST_F(PatternTest, SpreadsABitToTheOtherSignalsOverIt) {
 TEST_F(PatternTest, SpreadsNoBlankRow) {
     CSignal* blank = list_.InsertBlank(nullptr);
     CSignal* other = list_.InsertBlank(nullptr);
-    blank->SetSampleBuffer(Words{1}, 8);
-    other->SetSampleBuffer(Words{0}, 8);
+    SetSamples(*blank, Words{1}, 8);
+    SetSamples(*other, Words{0}, 8);
     list_.SpreadBit(blank, 0);
     EXPECT_EQ(other->data, Words{0});
 }

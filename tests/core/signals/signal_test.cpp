@@ -55,31 +55,16 @@ TEST(Signal, ShowsItsSizeUnlessHiddenOrALaterMember) {
     EXPECT_EQ(signal.VisibleWidth(), 0);
 }
 
-TEST(Signal, KeepsAWordForEachBegunThirtyTwoSamples) {
-    EXPECT_EQ(WordsFor(0), 0U);
-    EXPECT_EQ(WordsFor(1), 1U);
-    EXPECT_EQ(WordsFor(32), 1U);
-    EXPECT_EQ(WordsFor(33), 2U);
-    EXPECT_EQ(WordsFor(0xFFFFFFFF), 0x8000000U);
-}
-
-TEST(Signal, TakesACopyOfASampleBuffer) {
+TEST(Signal, HasNoBitWhereItHasNoData) {
     CSignal signal;
-    Words words = {0x5, 0x80000000};
-    signal.SetSampleBuffer(words, 64);
-    words[0] = 0;
-    EXPECT_EQ(signal.data, (Words{0x5, 0x80000000}));
-    EXPECT_EQ(signal.numSamples, 64U);
-
-    signal.SetSampleBuffer({}, 7);
-    EXPECT_TRUE(signal.data.empty());
-    EXPECT_EQ(signal.numSamples, 7U);
+    signal.numSamples = 7;
     EXPECT_FALSE(signal.Bit(0));
+    EXPECT_EQ(signal.Room(), 0U);
 }
 
 TEST(Signal, ResizesToZeroedWords) {
     CSignal signal;
-    signal.SetSampleBuffer(Words{0xFFFFFFFF}, 32);
+    SetSamples(signal, Words{0xFFFFFFFF}, 32);
     signal.ResizeSamples(33);
     EXPECT_EQ(signal.data, (Words{0, 0}));
     EXPECT_EQ(signal.numSamples, 33U);
@@ -110,50 +95,50 @@ TEST(Signal, ResizesNoRowsOfALaterMember) {
     EXPECT_TRUE(signal.groupData.empty());
 }
 
-TEST(Signal, ExtractsItsBitOfEachRecord) {
-    CSignal signal = SignalAt(76, 40);
+/// The words of a signal by itself, after each run of records has been loaded behind its first
+/// sample.
+struct Loaded {
+    std::uint32_t first;
+    std::vector<SampleRecord> records;
+};
+ZeroedArray<std::uint32_t> LoadedWords(std::int32_t dataIndex, std::uint32_t numSamples,
+                                       const std::vector<Loaded>& runs) {
+    CSignalList list;
+    CSignal& signal = *list.InsertBlank(nullptr);
+    signal.dataIndex = dataIndex;
+    signal.ResizeSamples(numSamples);
+    for (const Loaded& run : runs) {
+        list.LoadSamples(run.first, run.records);
+    }
+    EXPECT_EQ(signal.VisibleHeight(), 20);
+    return signal.data;
+}
+
+TEST(LoadedSignal, TakesItsBitOfEachRecord) {
     const std::vector<SampleRecord> records = {RecordOf({76}), RecordOf({75, 77}), RecordOf({76})};
-    signal.ExtractSamples(31, records);
-    EXPECT_EQ(signal.data, (Words{0x80000000, 0x2}));
+    EXPECT_EQ(LoadedWords(76, 40, {{31, records}}), (Words{0x80000000, 0x2}));
 }
 
-TEST(Signal, OnlySetsBitsWhenItExtracts) {
-    CSignal signal = SignalAt(0, 32);
-    signal.ExtractSamples(3, std::vector{RecordOf({0})});
-    signal.ExtractSamples(3, std::vector{RecordOf({1})});
-    EXPECT_EQ(signal.data, Words{0x8});
+TEST(LoadedSignal, OnlySetsBits) {
+    EXPECT_EQ(LoadedWords(0, 32, {{3, {RecordOf({0})}}, {3, {RecordOf({1})}}}), Words{0x8});
 }
 
-TEST(Signal, ExtractsNothingWithoutDataBitCountOrRoom) {
+TEST(LoadedSignal, TakesNothingWithoutDataBitCountOrRoom) {
     const std::vector<SampleRecord> records = {RecordOf({0})};
-    CSignal empty = SignalAt(0, 0);
-    empty.ExtractSamples(0, records);
-    EXPECT_TRUE(empty.data.empty());
-    EXPECT_EQ(empty.VisibleHeight(), 20);
-
-    CSignal blank = SignalAt(-1, 32);
-    blank.ExtractSamples(0, records);
-    EXPECT_EQ(blank.data, Words{0});
-
-    CSignal signal = SignalAt(0, 32);
-    signal.ExtractSamples(0, {});
-    signal.ExtractSamples(32, records);
-    signal.ExtractSamples(0xFFFFFFFF, records);
-    EXPECT_EQ(signal.data, Words{0});
+    EXPECT_TRUE(LoadedWords(0, 0, {{0, records}}).empty());
+    EXPECT_EQ(LoadedWords(-1, 32, {{0, records}}), Words{0});
+    EXPECT_EQ(LoadedWords(0, 32, {{0, {}}, {32, records}, {0xFFFFFFFF, records}}), Words{0});
 }
 
-TEST(Signal, ExtractsNothingForABitThatNoRecordHas) {
+TEST(LoadedSignal, TakesNothingForABitThatNoRecordHas) {
     for (const std::int32_t index : {144, 147, 100000, -2}) {
-        CSignal signal = SignalAt(index, 32);
-        signal.ExtractSamples(0, std::vector{RecordOf({0, 143})});
-        EXPECT_EQ(signal.data, Words{0}) << index;
+        EXPECT_EQ(LoadedWords(index, 32, {{0, {RecordOf({0, 143})}}}), Words{0}) << index;
     }
 }
 
-TEST(Signal, LeavesOutRecordsBeyondItsSamples) {
-    CSignal signal = SignalAt(0, 3);
-    signal.ExtractSamples(1, std::vector<SampleRecord>(50, RecordOf({0})));
-    EXPECT_EQ(signal.data, Words{0x6});
+TEST(LoadedSignal, LeavesOutRecordsBeyondItsSamples) {
+    const std::vector<SampleRecord> records(50, RecordOf({0}));
+    EXPECT_EQ(LoadedWords(0, 3, {{1, records}}), Words{0x6});
 }
 
 TEST(Signal, CopiesItsBuffersAndSharesItsDefinition) {

@@ -54,7 +54,7 @@ CSignal& AddPlain(CSignalList& list, const char* name, std::uint32_t numSamples)
     CSignal* signal = list.InsertBlank(nullptr);
     signal->name = signal->baseName = name;
     signal->dataIndex = 72;
-    signal->SetSampleBuffer(Words(WordsFor(numSamples), 0), numSamples);
+    SetSamples(*signal, Words(WordsFor(numSamples), 0), numSamples);
     return *signal;
 }
 
@@ -128,10 +128,10 @@ TEST_F(SignalText, RepeatsTheFirstBitsOnEachFurtherLine) {
     signal.data = {0xFFFFFFFF, 0b10};
     EXPECT_EQ(LinesOf(Written(list, true)),
               "\"Data\"" + Repeated(",1", 32) + "\n" + "\"Data\"" + Repeated(",1", 32) + ",0,1\n");
-    signal.SetSampleBuffer(Words{0xFFFFFFFF, 0}, 64);
+    SetSamples(signal, Words{0xFFFFFFFF, 0}, 64);
     EXPECT_EQ(LinesOf(Written(list, true)), "\"Data\"" + Repeated(",1", 32) + "\n" + "\"Data\"" +
                                                 Repeated(",1", 32) + Repeated(",0", 32) + "\n");
-    signal.SetSampleBuffer(Words{0xFFFFFFFF}, 32);
+    SetSamples(signal, Words{0xFFFFFFFF}, 32);
     EXPECT_EQ(LinesOf(Written(list, true)), "\"Data\"" + Repeated(",1", 32) + "\n");
 }
 

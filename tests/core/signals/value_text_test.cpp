@@ -544,7 +544,7 @@ TEST_F(DecodedTextTest, PlainKindShowsTheValueAndOthersTheirLabel) {
 
 TEST(FormatDecodedValue, PrintsASingleBitAndNothingOutsideTheSamples) {
     CSignal bit;
-    bit.SetSampleBuffer(std::vector<std::uint32_t>{0x2}, 2);
+    SetSamples(bit, {0x2}, 2);
     CDecodedSignalDef def;
     def.decodeKind = DecodeKind::Plain;
     const auto cell = [&](std::int64_t sample) {

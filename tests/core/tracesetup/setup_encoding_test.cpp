@@ -14,7 +14,8 @@ CSignalList ListOf(std::int32_t dataIndex, std::uint32_t data, std::uint32_t mas
     list.mode = ModeEvents;
     CSignal* signal = list.InsertBlank(nullptr);
     signal->dataIndex = dataIndex;
-    signal->SetSampleBuffer(std::array{data}, 32);
+    signal->data = {data};
+    signal->numSamples = 32;
     if (masked) {
         signal->mask = {mask};
     }

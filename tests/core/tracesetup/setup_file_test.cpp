@@ -1,4 +1,5 @@
 #include "support/board_tables.h"
+#include "support/disk_sync.h"
 #include "support/full_disk.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
@@ -6,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <filesystem>
 
 namespace busquill::test {
@@ -123,6 +125,14 @@ TEST_F(SetupFile, FullDiskSaysSoAndTheOldFileStays) {
         const FullDisk disk(100);
         EXPECT_FALSE(SaveSetupFile(setup, path, prompts));
     }
+    EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error writing file " + path + "."});
+    EXPECT_EQ(ReadWholeFile(path), "old");
+}
+
+TEST_F(SetupFile, ADiskThatFailsAtTheEndSaysSoAndTheOldFileStays) {
+    const std::string path = dir.Write("old.tsp", "old");
+    const DiskSync disk(EIO);
+    EXPECT_FALSE(SaveSetupFile(setup, path, prompts));
     EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error writing file " + path + "."});
     EXPECT_EQ(ReadWholeFile(path), "old");
 }

@@ -752,7 +752,7 @@ TEST_F(Waveforms, AFilterIsShownAtOnce) {
     view->ScrollToSample(500);
     const QImage before = Picture();
     document->RemoveView(view.get());
-    document->excludedBits.assign(WordsFor(std::size_t{1000}), 0xAAAAAAAA);
+    document->excludedBits.assign(WordsFor(1000), 0xAAAAAAAA);
     document->RebuildMapsFromFile();
     document->AddView(view.get());
     document->UpdateAllViews(nullptr, HintFilterChanged);

@@ -9,13 +9,13 @@
 #include "ui/trace/child_frame.h"
 #include "ui/trace/help_topics.h"
 #include "ui/trace/trace_bar.h"
-#include "ui/trace/trace_documents.h"
 
 #include <QComboBox>
 #include <QEventLoop>
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QLabel>
+#include <QRadioButton>
 #include <QStatusBar>
 #include <QTextBrowser>
 #include <QTimer>
@@ -349,8 +349,8 @@ TEST_F(InDemoMode, OneRealTimeTraceHasAFrameOfEachKind) {
     Choose("File/New/Capture/State");
     ASSERT_EQ(Windows().size(), 2);
     EXPECT_EQ(program->App().Templates().front()->Documents().size(), 1U);
-    EXPECT_NE(Active().Traces().FindRealTimeView(TraceViewKind::State), nullptr);
-    EXPECT_NE(Active().Traces().FindRealTimeView(TraceViewKind::Waveform), nullptr);
+    EXPECT_FALSE(Entry("File/New/Capture/State").isEnabled());
+    EXPECT_FALSE(Entry("File/New/Capture/Waveform").isEnabled());
 }
 
 TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
@@ -358,8 +358,9 @@ TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
     Choose("File/New/Capture/State");
     Choose("File/New/Capture/Waveform"); // a stored one
     prompts.Forget();
-    Active().Traces().CloneTrace(Trace(), TraceViewKind::State);
-    Active().Traces().CloneTrace(Trace(), TraceViewKind::Waveform);
+    Active().Bar().GoButton().click();
+    Active().SwitchDisplay(true);
+    Active().Bar().GoButton().click();
     const std::string refused = "A real-time view already exists. Close the real-time view before "
                                 "creating a new one.";
     EXPECT_EQ(prompts.Texts(), (std::vector<std::string>{refused, refused}));
@@ -434,7 +435,11 @@ TEST_F(InDemoMode, RecentFilesOfOneNameShowTheirFolders) {
 
 TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
     Choose("File/New/Capture/State");
-    Active().Traces().AddTraceFrame(Trace(), TraceViewKind::Waveform);
+    AnswerDialog<QDialog>([&] { Active().Bar().DisplayButton().click(); },
+                          [](QDialog& dialog) {
+                              dialog.findChildren<QRadioButton*>()[1]->click();
+                              dialog.accept();
+                          });
     EXPECT_EQ(Windows().size(), 2);
     Choose("File/Close");
     EXPECT_EQ(program->App().Templates().front()->Documents().size(), 1U);
@@ -446,11 +451,13 @@ TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
 
 TEST_F(InDemoMode, PowerZoomFrameHasItsSizeAndName) {
     Choose("File/New/Capture/Waveform");
-    Active().Traces().AddTraceFrame(Trace(), TraceViewKind::PowerZoom);
-    EXPECT_TRUE(Active().IsZoomFrame());
-    EXPECT_TRUE(Active().windowTitle().startsWith("Power Zoom - Trigger1"));
-    EXPECT_EQ(Active().size(), QSize(560, 360));
-    EXPECT_EQ(Active().TraceView().CenterSample(), 255);
+    Active().Bar().ZoomButton().click();
+    ASSERT_EQ(Windows().size(), 2);
+    const auto& zoom = dynamic_cast<CChildFrame&>(*Windows().last());
+    EXPECT_TRUE(zoom.IsZoomFrame());
+    EXPECT_TRUE(zoom.windowTitle().startsWith("Power Zoom - Trigger1"));
+    EXPECT_EQ(zoom.size(), QSize(560, 360));
+    EXPECT_EQ(zoom.TraceView().CenterSample(), 255);
 }
 
 TEST_F(InDemoMode, SwitchedDisplayKeepsTheCentreSample) {
