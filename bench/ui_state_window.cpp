@@ -87,7 +87,7 @@ void Frame(benchmark::State& state) {
     Listing* listing = &ListingOf(state.range(0));
     listing->view->ScrollToSample(state.range(0) * state.range(1) / 100);
     for (auto _ : state) {
-        listing->window->Render(false);
+        listing->window->Render();
     }
 }
 BENCHMARK(Frame)
@@ -110,7 +110,7 @@ void FrameOfFarTimes(benchmark::State& state) {
     }
     listing->view->ScrollToSample(samples - 1);
     for (auto _ : state) {
-        listing->window->Render(false);
+        listing->window->Render();
     }
 }
 BENCHMARK(FrameOfFarTimes)
@@ -140,7 +140,7 @@ void FrameWithAccumulatedTime(benchmark::State& state) {
     Listing& listing = AccumulatingListing();
     listing.view->ScrollToSample(state.range(0) * 100'000);
     for (auto _ : state) {
-        listing.window->Render(false);
+        listing.window->Render();
     }
 }
 BENCHMARK(FrameWithAccumulatedTime)

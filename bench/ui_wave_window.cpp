@@ -66,7 +66,7 @@ void WaveFrame(benchmark::State& state) {
     waveforms.window->SetZoom(static_cast<int>(state.range(2)));
     waveforms.view->ScrollToSample(state.range(0) * state.range(3) / 100);
     for (auto _ : state) {
-        waveforms.window->Render(false);
+        waveforms.window->Render();
     }
 }
 BENCHMARK(WaveFrame)
@@ -89,7 +89,7 @@ void WaveFrameBetweenMarkers(benchmark::State& state) {
     waveforms.document->SetMarker(2, count - 1);
     waveforms.view->ScrollToSample(count / 2);
     for (auto _ : state) {
-        waveforms.window->Render(false);
+        waveforms.window->Render();
     }
     waveforms.document->SetMarker(1, -1);
     waveforms.document->SetMarker(2, -1);

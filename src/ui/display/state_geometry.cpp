@@ -1,11 +1,13 @@
 #include "ui/display/state_geometry.h"
 
+#include "ui/patterns/column_geometry.h"
+
 #include <algorithm>
 
 namespace busquill {
 
 int VisibleRows(int clientHeight) noexcept {
-    return std::max(0, (clientHeight - stateFirstRow) / stateRowPitch);
+    return RowsThatFit(clientHeight, stateRowPitch);
 }
 
 int VerticalPage(int visibleRows, std::int64_t rowCount) noexcept {

@@ -5,9 +5,7 @@
 
 namespace busquill {
 
-constexpr int stateHeaderLine = 18; // y of the line below the header
-constexpr int stateFirstRow = 19;   // y of the first row
-constexpr int stateRowPitch = 15;   // 14 of text and 1
+constexpr int stateRowPitch = 15; // 14 of text and 1
 constexpr std::int64_t scrollRange = 10000;
 
 /// Whole rows that fit below the header.

@@ -6,7 +6,6 @@
 #include "ui/display/marker_glyphs.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
-#include "ui/patterns/columns.h"
 
 #include <QPainter>
 
@@ -34,10 +33,9 @@ bool IsKind(const CSignal& signal, DecodeKind kind) {
 class Drawing {
 public:
     Drawing(QPainter& painter, const StateFrame& frame)
-        : painter_(painter), frame_(frame),
-          columns_(VisibleColumns(ColumnWidths(frame.list), frame.sampleColumn, frame.offset,
-                                  frame.size.width())),
-          times_(frame) {}
+        : painter_(painter), frame_(frame), columns_{ColumnWidths(frame.list), frame.sampleColumn,
+                                                     frame.offset, frame.size.width()},
+          visible_(columns_.Visible()), times_(frame) {}
 
     std::optional<std::int64_t> Draw() {
         painter_.fillRect(QRect(QPoint(0, 0), frame_.size), ColorOf(frame_.colors.background));
@@ -49,7 +47,7 @@ public:
 
     void DrawHeaderOnly() {
         painter_.setClipping(false);
-        painter_.fillRect(0, 0, frame_.size.width(), stateHeaderLine,
+        painter_.fillRect(0, 0, frame_.size.width(), tableHeaderLine,
                           ColorOf(frame_.colors.background));
         DrawHeader();
     }
@@ -65,25 +63,15 @@ private:
     }
 
     void DrawHeader() {
-        Line(0, stateHeaderLine, frame_.size.width(), 1);
-        Line(frame_.sampleColumn, 0, 1, frame_.size.height());
-        painter_.setFont(frame_.headerFont);
-        painter_.setPen(lineColor);
-        const QRect sampleCell(QPoint(1, 1), QPoint(frame_.sampleColumn - 1, stateHeaderLine - 1));
-        DrawEdge(painter_, sampleCell, Edge::Raised);
-        DrawHeaderText(painter_, sampleCell, "SAMPLE");
-        ClipToColumns();
-        for (const TableColumn& column : columns_) {
-            DrawColumnTitle(painter_, frame_.list[column.signal], column, stateHeaderLine,
-                            frame_.size.height(), ColorOf(frame_.colors.background));
-        }
+        DrawTableHeader(painter_, {frame_.list, columns_, frame_.size.height(), "SAMPLE",
+                                   frame_.fonts.header, ColorOf(frame_.colors.background)});
     }
 
     void DrawRows() {
-        painter_.setFont(frame_.bodyFont);
+        painter_.setFont(frame_.fonts.body);
         std::int64_t row = frame_.topRow;
         std::int64_t previous = 0;
-        for (int y = stateFirstRow; y < frame_.size.height() && row < RowCount();
+        for (int y = tableFirstRow; y < frame_.size.height() && row < RowCount();
              y += stateRowPitch, ++row) {
             const std::int64_t sample = frame_.document.RowToSample(row, frame_.zoom);
             if (sample < 0) {
@@ -130,8 +118,8 @@ private:
                                   frame_.document.FirstSampleNumber(frame_.zoom) + sample,
                                   record ? &*record : nullptr, times_.At(sample, previous)};
         ClipToColumns();
-        for (const TableColumn& column : columns_) {
-            const QRect cell(column.left + 1, y, column.width - 1, stateRowPitch - 1);
+        for (const TableColumn& column : visible_) {
+            const QRect cell = column.Cell(y, stateRowPitch - 1);
             if (color) {
                 painter_.fillRect(cell, ColorOf(*color));
             }
@@ -192,7 +180,8 @@ private:
 
     QPainter& painter_;
     const StateFrame& frame_;
-    const std::vector<TableColumn> columns_;
+    const TableColumns columns_;
+    const std::vector<TableColumn> visible_;
     FrameTimes times_;
     std::optional<std::int64_t> firstMissing_;
 };

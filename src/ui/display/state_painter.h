@@ -3,8 +3,8 @@
 #include "link/board_identity.h"
 #include "signals/cell_text.h"
 #include "ui/display/display_colors.h"
+#include "ui/patterns/columns.h"
 
-#include <QFont>
 #include <QSize>
 
 #include <cstdint>
@@ -28,8 +28,7 @@ struct StateFrame {
     int sampleColumn = 0; // width of the SAMPLE column
     std::int64_t topRow = 0;
     int offset = 0; // horizontal scroll of the signal columns
-    QFont bodyFont;
-    QFont headerFont;
+    TableFonts fonts;
 };
 
 /// What the time columns of a frame show, row by row. Only what a column of the list shows is

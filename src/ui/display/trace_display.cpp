@@ -1,42 +1,64 @@
 #include "ui/display/trace_display.h"
 
+#include "capture/trace_document.h"
 #include "ui/framework/painting.h"
 
-#include <QPainter>
+#include <algorithm>
 
 namespace busquill {
 
-TraceDisplay::TraceDisplay(QWidget* parent, const Settings& settings, const char* name)
-    : QWidget(parent), settings_(settings), name_(name) {
-    LoadColors();
-    setAttribute(Qt::WA_OpaquePaintEvent);
-    setMouseTracking(true);
+TraceDisplay::TraceDisplay(QWidget* parent, const Settings& settings, const char* name,
+                           Prompts* prompts, const HeaderControl::Layout& layout)
+    : TableWindow(parent, prompts, layout), settings_(settings), name_(name),
+      colors_(LoadDisplayColors(settings, name)) {}
+
+void TraceDisplay::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
+    document_ = &document;
+    isZoom_ = zoom;
+    AttachList(list);
 }
 
-void TraceDisplay::LoadColors() {
+void TraceDisplay::Draw(QPainter& painter) {
     colors_ = LoadDisplayColors(settings_, name_);
-}
-
-void TraceDisplay::MakeBitmap() {
-    const qreal ratio = devicePixelRatioF();
-    bitmap_ = QPixmap(size() * ratio);
-    bitmap_.setDevicePixelRatio(ratio);
-    bitmap_.fill(ColorOf(colors_.background));
-    Render(false);
-}
-
-void TraceDisplay::paintEvent(QPaintEvent* /*event*/) {
-    if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
-        MakeBitmap(); // the window has come to another screen
-    } else if (LoadDisplayColors(settings_, name_) != colors_) {
-        Render(false);
+    if (document_ == nullptr) {
+        painter.fillRect(rect(), ColorOf(colors_.background));
+    } else {
+        DrawFrame(painter);
     }
-    QPainter painter(this);
-    painter.drawPixmap(0, 0, bitmap_);
 }
 
-void TraceDisplay::resizeEvent(QResizeEvent* /*event*/) {
-    MakeBitmap();
+bool TraceDisplay::IsOutdated() const {
+    return LoadDisplayColors(settings_, name_) != colors_;
+}
+
+void TraceDisplay::Report(std::optional<std::int64_t> missing) {
+    if (missing) {
+        emit SampleMissing(*missing);
+    }
+}
+
+std::int64_t TraceDisplay::RowCount() const {
+    return document_ == nullptr ? 0 : document_->RowCount(isZoom_);
+}
+
+std::int64_t TraceDisplay::SampleOfRow(std::int64_t row) const {
+    return document_ == nullptr ? 0
+                                : document_->RowToSample(std::min(row, RowCount() - 1), isZoom_);
+}
+
+std::uint32_t TraceDisplay::SampleRoom() const {
+    return static_cast<std::uint32_t>(document_->SampleCount(isZoom_));
+}
+
+void TraceDisplay::SignalAdded(CSignal& signal) {
+    document_->LoadSignal(*list_, signal, isZoom_);
+    SignalReshaped(signal);
+}
+
+void TraceDisplay::SignalsChanged() {
+    KeepOffset();
+    document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
+    emit LayoutChanged();
 }
 
 } // namespace busquill

@@ -1,36 +1,29 @@
 #pragma once
 
 #include "ui/display/display_colors.h"
-
-#include <QPixmap>
-#include <QWidget>
+#include "ui/patterns/table_window.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace busquill {
 
-class CSignalList;
 class CTesselDoc;
-
-/// How a scroll bar stands to its content.
-struct BarState {
-    int maximum = 0; // the last position
-    int page = 0;
-    int position = 0;
-    bool needed = false; // the content does not fit
-};
+class Settings;
 
 /// The window inside a trace view that shows samples along one axis and signals along the other.
-/// The view has its scroll bars and tells it of the document. It paints into a bitmap, which goes
-/// to the screen as it is. Main thread.
-class TraceDisplay : public QWidget {
+/// The view has its scroll bars and tells it of the document. Shows nothing but its background
+/// until it is attached to one. Main thread.
+class TraceDisplay : public TableWindow {
     Q_OBJECT
 public:
-    /// `name` is that of its colours in the settings, which outlive the window.
-    TraceDisplay(QWidget* parent, const Settings& settings, const char* name);
+    /// `name` is that of its colours in the settings, which outlive the window. Without prompts
+    /// there is no menu on the signals.
+    TraceDisplay(QWidget* parent, const Settings& settings, const char* name, Prompts* prompts,
+                 const HeaderControl::Layout& layout);
 
-    /// Shows nothing until then. The document outlives the window.
-    virtual void Attach(CTesselDoc& document, CSignalList& list, bool zoom) = 0;
+    /// The document outlives the window. `zoom` asks for its Power Zoom samples.
+    virtual void Attach(CTesselDoc& document, CSignalList& list, bool zoom);
 
     /// The sample that stood first when the place was set; outlives a change of the rows.
     [[nodiscard]] virtual std::int64_t FirstSample() const = 0;
@@ -50,44 +43,44 @@ public:
     virtual void StepSamples(bool forward) = 0;
     virtual void PageSamples(bool forward) = 0;
     virtual void MoveSamplesTo(int position) = 0;
-    /// The bar along the signals.
-    [[nodiscard]] virtual BarState SignalBar() const = 0;
-    virtual void StepSignals(bool forward) = 0;
-    virtual void PageSignals(bool forward) = 0;
-    virtual void MoveSignalsTo(int position) = 0;
 
-    /// Draws the frame into the bitmap, and to the screen if asked.
-    virtual void Render(bool blit) = 0;
     /// Draws what depends on the markers.
-    virtual void RenderMarkers() { Render(true); }
+    virtual void RenderMarkers() { Render(); }
     /// Samples have come or the list has changed.
     virtual void SamplesChanged() {}
 
 signals:
     /// A frame was drawn without this sample, which has not arrived.
     void SampleMissing(std::int64_t sample);
-    /// Signals take another room or order.
-    void LayoutChanged();
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
+    void Draw(QPainter& painter) final;
+    /// The user has changed the colours.
+    [[nodiscard]] bool IsOutdated() const override;
+    /// Draws a frame of the document.
+    virtual void DrawFrame(QPainter& painter) = 0;
+    [[nodiscard]] const DisplayColors& Colors() const noexcept { return colors_; }
+    /// Tells of a sample that a frame was drawn without.
+    void Report(std::optional<std::int64_t> missing);
+
+    [[nodiscard]] std::int64_t RowCount() const;
+    /// The sample of a row, or of the last row where there are fewer.
+    [[nodiscard]] std::int64_t SampleOfRow(std::int64_t row) const;
+
     /// Is no second click, which would clear the marker that the first has set.
     void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
 
-    /// Takes the user's colours, which a frame is drawn in from here on.
-    void LoadColors();
-    [[nodiscard]] const DisplayColors& Colors() const noexcept { return colors_; }
-    /// Null until the window has a size.
-    [[nodiscard]] QPixmap& Bitmap() noexcept { return bitmap_; }
+    [[nodiscard]] std::uint32_t SampleRoom() const override;
+    void SignalAdded(CSignal& signal) override;
+    void SignalsChanged() override;
+
+    CTesselDoc* document_ = nullptr;
+    bool isZoom_ = false; // of the Power Zoom samples
 
 private:
-    void MakeBitmap();
-
     const Settings& settings_;
     const char* name_;
     DisplayColors colors_;
-    QPixmap bitmap_;
 };
 
 } // namespace busquill

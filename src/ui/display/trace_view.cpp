@@ -286,7 +286,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintDataComplete:
         SetScrollBars();
         ShowSample(Trace().Marker(0, isZoom_));
-        display_->Render(true); // also where that has not moved
+        display_->Render(); // also where that has not moved
         if (isZoom_ && hint == HintDataComplete) {
             ShowCounts(zoomSamplesBefore, zoomSamplesBefore);
         }
@@ -308,13 +308,13 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintFilterChanged:
         ScrollToSample(TopSample()); // its row is another one now
         SetScrollBars();
-        display_->Render(true);
+        display_->Render();
         break;
     case HintLook:
         ShowRun();
         break;
     default:
-        display_->Render(true);
+        display_->Render();
     }
 }
 
@@ -338,7 +338,7 @@ void CTraceView::CaptureStarted() {
                                                 SettingsKey::showTraceStatus, 0) != 0;
     SetScrollBars();
     ScrollToSample(0);
-    display_->Render(true);
+    display_->Render();
     ShowCounts(0, 0);
     ShowFilling();
 }
@@ -436,7 +436,7 @@ void CTraceView::BlockArrived(const HintObject* object) {
     }
     if (block->first <= display_->LastDrawnSample() &&
         std::int64_t{block->first} + block->count > TopSample()) {
-        display_->Render(true);
+        display_->Render();
     }
 }
 
@@ -453,9 +453,7 @@ void CTraceView::SetScrollBars() {
         return;
     }
     const auto show = [](QScrollBar& bar, const BarState& state) {
-        bar.setRange(0, state.maximum);
-        bar.setPageStep(state.page);
-        bar.setValue(state.position);
+        SetBarState(bar, state);
         bar.setEnabled(bar.isEnabled() || state.needed); // once enabled, it stays so
     };
     show(isState_ ? *vScroll_ : *hScroll_, display_->SampleBar());
@@ -488,8 +486,7 @@ void CTraceView::SignalAction(int action) {
 }
 
 void CTraceView::MoveColumns(int notches) {
-    const BarState bar = display_->SignalBar();
-    display_->MoveSignalsTo(std::clamp(bar.position + notches * wheelColumnStep, 0, bar.maximum));
+    display_->TurnSignals(notches);
     hScroll_->setValue(display_->SignalBar().position);
 }
 

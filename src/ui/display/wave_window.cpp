@@ -5,7 +5,6 @@
 #include "ui/framework/painting.h"
 
 #include <QMouseEvent>
-#include <QPainter>
 
 #include <algorithm>
 #include <cstdlib>
@@ -23,43 +22,28 @@ constexpr int stepsOfALine = 4;
 } // namespace
 
 CWaveformWnd::CWaveformWnd(QWidget* parent, const Settings& settings, Prompts* prompts)
-    : TraceDisplay(parent, settings, waveformDisplay), prompts_(prompts),
-      bodyFont_(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed)),
+    : TraceDisplay(parent, settings, waveformDisplay, prompts,
+                   {.extent = &CSignal::height,
+                    .visible = &CSignal::VisibleHeight,
+                    .smallest = smallestBand,
+                    .gap = 1,
+                    .fixedResizes = false,
+                    .anyClickDrags = false,
+                    .axis = Qt::Vertical}),
       titleFont_(FontOfCellHeight(16, QFont::Bold, FontFace::Proportional)),
-      nameFont_(FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)),
-      smallestColumn_(smallestColumnDigits * QFontMetrics(bodyFont_).horizontalAdvance('0')),
-      header_({.extent = &CSignal::height,
-               .visible = &CSignal::VisibleHeight,
-               .smallest = smallestBand,
-               .gap = 1,
-               .fixedResizes = false,
-               .anyClickDrags = false,
-               .resizeCursor = Qt::SizeVerCursor}) {
+      smallestColumn_(smallestColumnDigits * fonts_.DigitWidth()) {
     header_.fixedEnd = waveFirstBand - 1;
 }
 
 void CWaveformWnd::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
-    document_ = &document;
-    list_ = &list;
-    isZoom_ = zoom;
-    header_.Attach(list);
-    Render(true);
+    TraceDisplay::Attach(document, list, zoom);
+    Render();
 }
 
 // Along the samples.
 
-std::int64_t CWaveformWnd::RowCount() const {
-    return document_ == nullptr ? 0 : document_->RowCount(isZoom_);
-}
-
 std::int64_t CWaveformWnd::VisibleSampleCount() const {
     return VisibleSamples(width() - nameWidth_ - valueWidth_, zoom_);
-}
-
-/// The sample of a row, or of the last row where there are fewer.
-std::int64_t CWaveformWnd::SampleOfRow(std::int64_t row) const {
-    return document_ == nullptr ? 0
-                                : document_->RowToSample(std::min(row, RowCount() - 1), isZoom_);
 }
 
 std::int64_t CWaveformWnd::LastSample() const {
@@ -163,7 +147,7 @@ BarState CWaveformWnd::SignalBar() const {
 void CWaveformWnd::SetTop(const BandPlace& top) {
     if (top != top_) {
         top_ = top;
-        Render(true);
+        Render();
     }
 }
 
@@ -182,66 +166,54 @@ void CWaveformWnd::MoveSignalsTo(int position) {
 // Drawing.
 
 WaveFrame CWaveformWnd::Frame() {
-    return {*document_, *list_,   isZoom_,    SignalTables::Current().Board(),
-            Colors(),   size(),   nameWidth_, valueWidth_,
-            zoom_,      place_,   top_,       bodyFont_,
-            titleFont_, nameFont_};
+    return {*document_, *list_,       isZoom_,    SignalTables::Current().Board(),
+            Colors(),   size(),       nameWidth_, valueWidth_,
+            zoom_,      place_,       top_,       fonts_.body,
+            titleFont_, fonts_.header};
 }
 
-void CWaveformWnd::Render(bool blit) {
-    if (document_ == nullptr || Bitmap().isNull()) {
-        return;
-    }
-    LoadColors();
+/// The first sample that shows stays the one to come back to.
+void CWaveformWnd::NoteFirstSample() {
     firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
-    QPainter painter(&Bitmap());
+}
+
+void CWaveformWnd::DrawFrame(QPainter& painter) {
+    NoteFirstSample();
     Report(DrawWaveFrame(painter, Frame()));
-    if (blit) {
-        update();
-    }
 }
 
 void CWaveformWnd::RenderWaves() {
-    if (document_ == nullptr || Bitmap().isNull()) {
+    if (document_ == nullptr) {
         return;
     }
-    firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
-    QPainter painter(&Bitmap());
-    Report(DrawWaves(painter, Frame()));
     const int left = nameWidth_ + valueWidth_ + 1;
-    update(left, 0, width() - left, height());
+    RenderPart({left, 0, width() - left, height()}, [&](QPainter& painter) {
+        NoteFirstSample();
+        Report(DrawWaves(painter, Frame()));
+    });
 }
 
 void CWaveformWnd::RenderNames() {
-    QPainter painter(&Bitmap());
-    DrawWaveNames(painter, Frame());
-    update(0, 0, nameWidth_, height());
+    RenderPart({0, 0, nameWidth_, height()},
+               [&](QPainter& painter) { DrawWaveNames(painter, Frame()); });
 }
 
 void CWaveformWnd::RenderMarkers() {
-    if (document_ == nullptr || Bitmap().isNull()) {
-        return;
-    }
     RenderWaves();
     RenderValues();
 }
 
 void CWaveformWnd::RenderValues() {
-    QPainter painter(&Bitmap());
-    DrawWaveValues(painter, Frame());
-    update(nameWidth_, 0, valueWidth_, height());
+    if (document_ != nullptr) {
+        RenderPart({nameWidth_, 0, valueWidth_, height()},
+                   [&](QPainter& painter) { DrawWaveValues(painter, Frame()); });
+    }
 }
 
 /// The sample of marker 1 may have come though none that shows has.
 void CWaveformWnd::SamplesChanged() {
-    if (document_ != nullptr && !Bitmap().isNull() && document_->Marker(1, isZoom_) != -1) {
+    if (document_ != nullptr && document_->Marker(1, isZoom_) != -1) {
         RenderValues();
-    }
-}
-
-void CWaveformWnd::Report(std::optional<std::int64_t> missing) {
-    if (missing) {
-        emit SampleMissing(*missing);
     }
 }
 
@@ -263,13 +235,12 @@ void CWaveformWnd::ResizeColumn(int x) {
     const int others = isName ? valueWidth_ : nameWidth_;
     if (wanted != column && width() - others - wanted > smallestColumn_) {
         column = wanted;
-        Render(true);
+        Render();
         emit LayoutChanged();
     }
 }
 
-/// Whether a place is among the names; then the header control knows where the bands are.
-bool CWaveformWnd::AimAtBands(const QPoint& place) {
+bool CWaveformWnd::AimAtNames(const QPoint& place) {
     if (place.x() >= nameWidth_ || place.y() < waveFirstBand || top_.signal < 0) {
         return false;
     }
@@ -279,98 +250,56 @@ bool CWaveformWnd::AimAtBands(const QPoint& place) {
     return true;
 }
 
-void CWaveformWnd::Show(HeaderControl::Redraw redraw) {
-    if (redraw == HeaderControl::Redraw::All) {
-        Render(true);
-        emit LayoutChanged();
-    } else if (redraw == HeaderControl::Redraw::Header) {
-        RenderNames();
-    }
-}
-
-void CWaveformWnd::mousePressEvent(QMouseEvent* event) {
-    const bool left = event->button() == Qt::LeftButton;
-    if (document_ == nullptr || (!left && event->button() != Qt::RightButton)) {
+void CWaveformWnd::PressCell(const QPoint& place, Qt::MouseButton button) {
+    if (place.x() <= nameWidth_ + valueWidth_) {
         return;
     }
-    const QPoint place = event->pos();
-    const bool inNames = AimAtBands(place);
-    if (left && EdgeAt(place.x()) != Resizing::Nothing) {
-        resizing_ = EdgeAt(place.x());
-    } else if (inNames) {
-        Show(left ? header_.Press(place.y(), event->modifiers())
-                  : header_.SelectForMenu(place.y()));
-    } else if (place.x() > nameWidth_ + valueWidth_) {
-        SetMarkerAt(place.x(), left ? 1 : 2);
-    }
-    ShowCursor(place);
-}
-
-/// Sets a marker on the sample at a place, or clears it where it stands already.
-void CWaveformWnd::SetMarkerAt(int x, int which) {
-    const std::int64_t row = RowAt(x);
+    const std::int64_t row = RowAt(place.x());
     std::int64_t sample = document_->RowToSample(row, isZoom_);
     if (Scale().Skipped() > 0 && sample == firstSample_) {
         sample = document_->RowToSample(row + 1, isZoom_); // the first begins out of sight
     }
-    document_->ToggleMarker(which, sample, isZoom_);
+    document_->ToggleMarker(button == Qt::LeftButton ? 1 : 2, sample, isZoom_);
 }
 
 void CWaveformWnd::ShowCursor(const QPoint& place) {
     const bool onEdge = !header_.IsActive() && EdgeAt(place.x()) != Resizing::Nothing;
     if (resizing_ != Resizing::Nothing || onEdge) {
         setCursor(Qt::SizeHorCursor);
-    } else if (header_.IsActive() || AimAtBands(place)) {
-        setCursor(header_.CursorAt(place.y()));
     } else {
-        setCursor(Qt::ArrowCursor);
+        TraceDisplay::ShowCursor(place);
+    }
+}
+
+void CWaveformWnd::mousePressEvent(QMouseEvent* event) {
+    const bool left = event->button() == Qt::LeftButton;
+    const Resizing edge = left ? EdgeAt(event->pos().x()) : Resizing::Nothing;
+    if (list_ == nullptr || edge == Resizing::Nothing) {
+        TraceDisplay::mousePressEvent(event);
+    } else {
+        resizing_ = edge;
+        ShowCursor(event->pos());
     }
 }
 
 void CWaveformWnd::mouseMoveEvent(QMouseEvent* event) {
-    if (document_ == nullptr) {
-        return;
-    }
-    if (resizing_ != Resizing::Nothing) {
-        ResizeColumn(event->pos().x());
+    if (resizing_ == Resizing::Nothing) {
+        TraceDisplay::mouseMoveEvent(event);
     } else {
-        Show(header_.Move(event->pos().y()));
+        ResizeColumn(event->pos().x());
+        ShowCursor(event->pos());
     }
-    ShowCursor(event->pos());
 }
 
 void CWaveformWnd::mouseReleaseEvent(QMouseEvent* event) {
-    const QPoint place = event->pos();
-    if (document_ == nullptr) {
-        return;
-    }
     if (event->button() == Qt::LeftButton) {
         resizing_ = Resizing::Nothing;
-        Show(header_.Release(place.y()));
-        setCursor(Qt::ArrowCursor);
-    } else if (event->button() == Qt::RightButton && AimAtBands(place)) {
-        const HeaderControl::Hit hit = header_.HitColumn(place.y());
-        if (hit.signal != nullptr && prompts_ != nullptr) {
-            ShowSignalMenu(*this, event->globalPosition().toPoint(), *hit.signal, *this, *prompts_);
-        }
     }
+    TraceDisplay::mouseReleaseEvent(event);
 }
 
 std::uint32_t CWaveformWnd::OfferMode() const {
     return ModeState;
-}
-
-std::uint32_t CWaveformWnd::SampleRoom() const {
-    return static_cast<std::uint32_t>(document_->SampleCount(isZoom_));
-}
-
-void CWaveformWnd::SignalAdded(CSignal& signal) {
-    document_->LoadSignal(*list_, signal, isZoom_);
-}
-
-void CWaveformWnd::SignalsChanged() {
-    document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
-    emit LayoutChanged();
 }
 
 } // namespace busquill

@@ -2,17 +2,14 @@
 
 #include "ui/display/trace_display.h"
 #include "ui/display/wave_painter.h"
-#include "ui/patterns/header_control.h"
-#include "ui/patterns/signal_menu.h"
 
 namespace busquill {
 
 class Prompts;
 class Settings;
 
-/// The waveforms: a band for each signal, time to the right. Draws nothing until it is
-/// attached to a document.
-class CWaveformWnd final : public TraceDisplay, private SignalMenuHost {
+/// The waveforms: a band for each signal, time to the right.
+class CWaveformWnd final : public TraceDisplay {
     Q_OBJECT
 public:
     /// Without prompts there is no menu on the bands.
@@ -44,11 +41,21 @@ public:
     void StepSignals(bool forward) override;
     void PageSignals(bool forward) override;
     void MoveSignalsTo(int position) override;
-    void Render(bool blit) override;
     void RenderMarkers() override;
     void SamplesChanged() override;
 
 protected:
+    void DrawFrame(QPainter& painter) override;
+    void RenderNames() override;
+    [[nodiscard]] bool AimAtNames(const QPoint& place) override;
+    /// Sets a marker on the sample at a place, or clears it where it stands already.
+    void PressCell(const QPoint& place, Qt::MouseButton button) override;
+    void ShowCursor(const QPoint& place) override;
+    /// Bands are kept in place as they are scrolled.
+    void KeepOffset() override {}
+    [[nodiscard]] std::uint32_t OfferMode() const override;
+    /// A band keeps its height whatever it shows.
+    void SignalReshaped(CSignal& /*signal*/) override {}
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
@@ -56,8 +63,6 @@ protected:
 private:
     enum class Resizing { Nothing, Name, Value };
 
-    [[nodiscard]] std::int64_t RowCount() const;
-    [[nodiscard]] std::int64_t SampleOfRow(std::int64_t row) const;
     [[nodiscard]] WaveScale Scale() const;
     /// The row that a place in the waves means.
     [[nodiscard]] std::int64_t RowAt(int x) const;
@@ -65,41 +70,20 @@ private:
     [[nodiscard]] WaveFrame Frame();
     void SetPlace(const WavePlace& place);
     void SetTop(const BandPlace& top);
-    void RenderNames();
+    void NoteFirstSample();
     void RenderWaves();
     void RenderValues();
-    void Report(std::optional<std::int64_t> missing);
-    void Show(HeaderControl::Redraw redraw);
     [[nodiscard]] Resizing EdgeAt(int x) const;
     void ResizeColumn(int x);
-    [[nodiscard]] bool AimAtBands(const QPoint& place);
-    void SetMarkerAt(int x, int which);
-    void ShowCursor(const QPoint& place);
 
-    [[nodiscard]] CSignalList& MenuList() override { return *list_; }
-    [[nodiscard]] HeaderControl& MenuHeader() override { return header_; }
-    [[nodiscard]] std::uint32_t OfferMode() const override;
-    [[nodiscard]] std::uint32_t SampleRoom() const override;
-    void SignalAdded(CSignal& signal) override;
-    /// A band keeps its height whatever it shows.
-    void SignalReshaped(CSignal& /*signal*/) override {}
-    void SignalsChanged() override;
-
-    Prompts* prompts_;
-    QFont bodyFont_;
-    QFont titleFont_;
-    QFont nameFont_;
-    int smallestColumn_;
-    CTesselDoc* document_ = nullptr;
-    CSignalList* list_ = nullptr;
-    bool isZoom_ = false;
+    const QFont titleFont_;
+    const int smallestColumn_;
     int zoom_ = startZoom;
     WavePlace place_;
     std::int64_t firstSample_ = 0;
     BandPlace top_;
     int nameWidth_ = 75;
     int valueWidth_ = 50;
-    HeaderControl header_;
     Resizing resizing_ = Resizing::Nothing;
 };
 

@@ -1,8 +1,16 @@
 #pragma once
 
+#include "ui/framework/bar_state.h"
+
 #include <QScrollBar>
 
 namespace busquill {
+
+inline void SetBarState(QScrollBar& bar, const BarState& state) {
+    bar.setRange(0, state.maximum);
+    bar.setPageStep(state.page);
+    bar.setValue(state.position);
+}
 
 /// Lines and pages have lengths of their own, and the bar follows them.
 ///

@@ -1,14 +1,20 @@
-/// Columns of a table window and their scrolling, without pixels or widgets.
+/// Header, rows and columns of a table window and their scrolling, without a device or widgets.
 #pragma once
 
+#include "ui/framework/bar_state.h"
+
+#include <QRect>
+
 #include <cstddef>
-#include <cstdint>
-#include <span>
 #include <vector>
 
 namespace busquill {
 
-constexpr int minimumHorizontalPage = 250;
+constexpr int tableHeaderLine = 18; // y of the line below the header
+constexpr int tableFirstRow = 19;   // y of the first row
+
+/// Whole rows that fit below the header.
+[[nodiscard]] int RowsThatFit(int clientHeight, int rowPitch) noexcept;
 
 /// A column of which something shows right of the fixed column.
 struct TableColumn {
@@ -16,18 +22,41 @@ struct TableColumn {
     int left = 0;           // x of the line at its left edge; may lie left of what shows
     int width = 0;
 
+    /// Where its title stands.
+    [[nodiscard]] QRect Title() const noexcept;
+    /// What is right of its line in a row.
+    [[nodiscard]] QRect Cell(int top, int height) const noexcept;
+
     friend bool operator==(const TableColumn&, const TableColumn&) = default;
 };
 
-/// The columns that show, from the left. Widths below 1 take no room.
-[[nodiscard]] std::vector<TableColumn> VisibleColumns(std::span<const int> widths, int fixedColumn,
-                                                      int offset, int clientWidth);
-/// Width of all columns together.
-[[nodiscard]] int TotalWidth(std::span<const int> widths) noexcept;
+/// The columns of a table window, which scroll right of its fixed column.
+///
+///   |  fixed column  | column | column | ...
+///   0           fixedColumn                clientWidth
+struct TableColumns {
+    std::vector<int> widths; // below 1 takes no room
+    int fixedColumn = 0;     // 0 where there is none
+    int offset = 0;
+    int clientWidth = 0;
 
-/// Page of the horizontal bar, and the largest offset of the columns.
-[[nodiscard]] int HorizontalPage(int clientWidth, int fixedColumn) noexcept;
-[[nodiscard]] int HorizontalLimit(int columnsWidth, int clientWidth, int fixedColumn) noexcept;
-[[nodiscard]] int StepOffset(int offset, int pixels, int limit) noexcept;
+    /// Those that show, from the left.
+    [[nodiscard]] std::vector<TableColumn> Visible() const;
+    /// One by its place, also where it does not show.
+    [[nodiscard]] TableColumn At(std::size_t place) const;
+    /// Where the title of the fixed column stands.
+    [[nodiscard]] QRect FixedTitle() const noexcept;
+
+    /// Width of all columns together.
+    [[nodiscard]] int TotalWidth() const noexcept;
+    /// The width in which they show.
+    [[nodiscard]] int Room() const noexcept { return clientWidth - fixedColumn - 1; }
+    /// The largest offset.
+    [[nodiscard]] int Limit() const noexcept;
+    /// The bar that moves them.
+    [[nodiscard]] BarState Bar() const noexcept;
+    /// The offset after a step, to the left when negative.
+    [[nodiscard]] int Stepped(int pixels) const noexcept;
+};
 
 } // namespace busquill

@@ -18,7 +18,34 @@ constexpr std::size_t longestTitle = 1000; // characters; none is wider
 constexpr int widestTitle = 1000;          // pixels
 constexpr int marginDigits = 2;
 
+QString ColumnTitle(const CSignal& signal) {
+    return QString::fromStdString(signal.RowName().substr(0, longestTitle));
+}
+
+/// At the bottom centre of its cell, squeezed where that is narrower.
+void DrawTitle(QPainter& painter, const QRect& whole, const QString& text) {
+    const QRect cell = whole.adjusted(2, 0, -2, -1);
+    const QFont font = painter.font();
+    const int width = painter.fontMetrics().horizontalAdvance(text);
+    if (width > cell.width() && cell.width() > 0) {
+        QFont squeezed = font;
+        squeezed.setStretch(std::max(cell.width() * 100 / width - 1, leastStretch));
+        painter.setFont(squeezed);
+    }
+    DrawCellText(painter, cell, text, CellAlign::Center, false);
+    painter.setFont(font);
+}
+
 } // namespace
+
+TableFonts ScreenFonts() {
+    return {FontOfCellHeight(14, QFont::Normal, FontFace::Fixed),
+            FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)};
+}
+
+int TableFonts::DigitWidth() const {
+    return QFontMetrics(body).horizontalAdvance('0');
+}
 
 std::vector<int> ColumnWidths(const CSignalList& list) {
     std::vector<int> widths;
@@ -27,10 +54,6 @@ std::vector<int> ColumnWidths(const CSignalList& list) {
         widths.push_back(signal->VisibleWidth());
     }
     return widths;
-}
-
-QString ColumnTitle(const CSignal& signal) {
-    return QString::fromStdString(signal.RowName().substr(0, longestTitle));
 }
 
 int NeededWidth(const CSignal& signal, const QFont& bodyFont) {
@@ -47,26 +70,24 @@ int NeededWidth(const CSignal& signal, const QFont& bodyFont) {
            marginDigits * digitWidth;
 }
 
-void DrawHeaderText(QPainter& painter, const QRect& whole, const QString& text) {
-    const QRect cell = whole.adjusted(2, 0, -2, -1);
-    const QFont font = painter.font();
-    const int width = painter.fontMetrics().horizontalAdvance(text);
-    if (width > cell.width() && cell.width() > 0) {
-        QFont squeezed = font;
-        squeezed.setStretch(std::max(cell.width() * 100 / width - 1, leastStretch));
-        painter.setFont(squeezed);
+void DrawTableHeader(QPainter& painter, const TableHeader& header) {
+    const TableColumns& columns = header.columns;
+    painter.fillRect(0, tableHeaderLine, columns.clientWidth, 1, Qt::black);
+    painter.setFont(header.font);
+    painter.setPen(Qt::black);
+    if (columns.fixedColumn > 0) {
+        painter.fillRect(columns.fixedColumn, 0, 1, header.height, Qt::black);
+        DrawEdge(painter, columns.FixedTitle(), Edge::Raised);
+        DrawTitle(painter, columns.FixedTitle(), header.title);
     }
-    DrawCellText(painter, cell, text, CellAlign::Center, false);
-    painter.setFont(font);
-}
-
-void DrawColumnTitle(QPainter& painter, const CSignal& signal, const TableColumn& column, int line,
-                     int height, const QColor& background) {
-    painter.fillRect(column.left, 0, 1, height, Qt::black);
-    const QRect cell(QPoint(column.left + 1, 1), QPoint(column.left + column.width - 1, line - 1));
-    painter.fillRect(cell, signal.selected ? QColor(Qt::white) : background);
-    DrawEdge(painter, cell, signal.selected ? Edge::Sunken : Edge::Raised);
-    DrawHeaderText(painter, cell, ColumnTitle(signal));
+    painter.setClipRect(columns.fixedColumn + 1, 0, columns.Room(), header.height);
+    for (const TableColumn& column : columns.Visible()) {
+        const CSignal& signal = header.list[column.signal];
+        painter.fillRect(column.left, 0, 1, header.height, Qt::black);
+        painter.fillRect(column.Title(), signal.selected ? QColor(Qt::white) : header.background);
+        DrawEdge(painter, column.Title(), signal.selected ? Edge::Sunken : Edge::Raised);
+        DrawTitle(painter, column.Title(), ColumnTitle(signal));
+    }
 }
 
 } // namespace busquill

@@ -4,12 +4,11 @@
 #include "ui/patterns/column_geometry.h"
 
 #include <QColor>
-#include <QRect>
+#include <QFont>
 #include <QString>
 
 #include <vector>
 
-class QFont;
 class QPainter;
 
 namespace busquill {
@@ -17,17 +16,33 @@ namespace busquill {
 class CSignal;
 class CSignalList;
 
+struct TableFonts {
+    QFont body; // fixed pitch
+    QFont header;
+
+    /// Of the body.
+    [[nodiscard]] int DigitWidth() const;
+};
+
+[[nodiscard]] TableFonts ScreenFonts();
+
 /// The width of each signal's column; 0 for one that takes none.
 [[nodiscard]] std::vector<int> ColumnWidths(const CSignalList& list);
-[[nodiscard]] QString ColumnTitle(const CSignal& signal);
 /// The width that a signal's title and values need.
 [[nodiscard]] int NeededWidth(const CSignal& signal, const QFont& bodyFont);
 
-/// A title at the bottom centre of a header cell, squeezed where the cell is narrower.
-void DrawHeaderText(QPainter& painter, const QRect& cell, const QString& text);
-/// The header of a column, in the painter's font, with the line at its left over `height` pixels.
-/// `line` is where the header ends.
-void DrawColumnTitle(QPainter& painter, const CSignal& signal, const TableColumn& column, int line,
-                     int height, const QColor& background);
+/// Everything that the header of a table is drawn from.
+struct TableHeader {
+    const CSignalList& list;
+    const TableColumns& columns;
+    int height = 0; // of the whole table
+    QString title;  // of the fixed column
+    QFont font;
+    QColor background;
+};
+
+/// Draws the header where the background is, and the lines between the columns over the whole
+/// table. Leaves the painter clipped to the columns, its pen black.
+void DrawTableHeader(QPainter& painter, const TableHeader& header);
 
 } // namespace busquill

@@ -110,7 +110,9 @@ Qt::CursorShape HeaderControl::CursorAt(int place) const {
         return Qt::ClosedHandCursor;
     }
     const bool resizes = action_ != Action::None || OnFixedEdge(place) || HitColumn(place).edge;
-    return resizes ? layout_.resizeCursor : Qt::ArrowCursor;
+    return !resizes                         ? Qt::ArrowCursor
+           : layout_.axis == Qt::Horizontal ? Qt::SizeHorCursor
+                                            : Qt::SizeVerCursor;
 }
 
 void HeaderControl::SelectByClick(CSignal* signal, Qt::KeyboardModifiers keys) {

@@ -2,6 +2,7 @@
 
 #include "signals/signal.h"
 
+#include <QPoint>
 #include <Qt>
 
 #include <cstdint>
@@ -37,7 +38,7 @@ public:
         int gap = 0;                                       // between two signals
         bool fixedResizes = true;                          // the fixed column's edge too
         bool anyClickDrags = true;                         // not only one without a key
-        Qt::CursorShape resizeCursor = Qt::SizeHorCursor;
+        Qt::Orientation axis = Qt::Horizontal;             // in which they follow one another
     };
 
     explicit HeaderControl(const Layout& layout) : layout_(layout) {}
@@ -49,6 +50,10 @@ public:
     int fixedEnd = 0;
     int offset = 0;
 
+    /// The part of a point that counts.
+    [[nodiscard]] int Along(const QPoint& point) const noexcept {
+        return layout_.axis == Qt::Horizontal ? point.x() : point.y();
+    }
     [[nodiscard]] Hit HitColumn(int place) const;
     /// The left button goes down in the header.
     Redraw Press(int place, Qt::KeyboardModifiers keys);

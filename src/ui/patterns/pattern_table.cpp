@@ -1,21 +1,18 @@
 #include "ui/patterns/pattern_table.h"
 
 #include "ui/framework/scroll_actions.h"
-#include "ui/patterns/column_geometry.h"
 #include "ui/patterns/pattern_grid.h"
 
 #include <QCoreApplication>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace busquill {
 
 CPatternTable::CPatternTable(int rows, Prompts& prompts)
     : grid_(new CPatternGrid(this, prompts)), bar_(new QScrollBar(Qt::Horizontal)) {
     grid_->SetRowCount(rows);
-    grid_->setMinimumHeight(CPatternGrid::HeightOf(rows));
+    grid_->setMinimumHeight(HeightOfPatterns(rows));
     bar_->setEnabled(false);
     bar_->installEventFilter(this);
     auto* layout = new QVBoxLayout(this);
@@ -24,12 +21,12 @@ CPatternTable::CPatternTable(int rows, Prompts& prompts)
     layout->addWidget(grid_, 1);
     layout->addWidget(bar_);
     connect(bar_, &QScrollBar::actionTriggered, this, &CPatternTable::Scrolled);
-    connect(grid_, &CPatternGrid::ColumnsChanged, this, &CPatternTable::SetBar);
+    connect(grid_, &CPatternGrid::LayoutChanged, this, &CPatternTable::SetBar);
 }
 
 void CPatternTable::SetList(CSignalList& list) {
     grid_->SetList(list);
-    grid_->SetOffset(0);
+    grid_->MoveSignalsTo(0);
     SetBar();
 }
 
@@ -51,18 +48,16 @@ bool CPatternTable::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void CPatternTable::SetBar() {
-    const int room = grid_->VisibleWidth();
-    bar_->setRange(0, std::max(grid_->ContentWidth() - room, 0));
-    bar_->setPageStep(std::max(room, minimumHorizontalPage));
-    bar_->setEnabled(grid_->NeedsHScroll());
-    bar_->setValue(grid_->Offset());
+    const BarState state = grid_->SignalBar();
+    SetBarState(*bar_, state);
+    bar_->setEnabled(state.needed);
 }
 
 void CPatternTable::Scrolled(int action) {
     TakeScrollAction(
-        *bar_, action, [this](bool right) { grid_->StepColumn(right); },
-        [this](bool right) { grid_->PageColumns(right); },
-        [this](int offset) { grid_->SetOffset(offset); }, [this] { return grid_->Offset(); });
+        *bar_, action, [this](bool right) { grid_->StepSignals(right); },
+        [this](bool right) { grid_->PageSignals(right); },
+        [this](int offset) { grid_->MoveSignalsTo(offset); }, [this] { return grid_->Offset(); });
 }
 
 } // namespace busquill

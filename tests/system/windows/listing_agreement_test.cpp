@@ -9,7 +9,6 @@
 #include "support/trace_program.h"
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_painter.h"
-#include "ui/framework/painting.h"
 #include "ui/patterns/columns.h"
 
 #include <QPainter>
@@ -93,33 +92,21 @@ protected:
         for (const auto& signal : list.All()) {
             signal->width = signal->width > 0 ? columnWidth : 0;
         }
-        const auto widths = ColumnWidths(list);
-        int total = sampleColumn + 2;
-        for (const int width : widths) {
-            total += width;
-        }
+        TableColumns columns{ColumnWidths(list), sampleColumn};
+        columns.clientWidth = sampleColumn + 2 + columns.TotalWidth();
         const auto rows = static_cast<int>(document.RowCount(zoom) - topRow);
-        const QSize size(total, stateFirstRow + rows * stateRowPitch);
-        const StateFrame frame{document,
-                               list,
-                               zoom,
-                               board.board,
-                               {},
-                               size,
-                               sampleColumn,
-                               topRow,
-                               0,
-                               FontOfCellHeight(14, QFont::Normal, FontFace::Fixed),
-                               FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)};
+        const QSize size(columns.clientWidth, tableFirstRow + rows * stateRowPitch);
+        const StateFrame frame{document, list,         zoom,   board.board, {},
+                               size,     sampleColumn, topRow, 0,           ScreenFonts()};
         RecordingPaintDevice device(size);
         QPainter painter(&device);
         DrawState(painter, frame);
-        const auto columns = VisibleColumns(widths, sampleColumn, 0, total);
+        const auto shown = columns.Visible();
         const Recording drawn = device.Recorded();
-        Table table = {RowOf(drawn, columns, 0, stateHeaderLine - 1)};
+        Table table = {RowOf(drawn, shown, 0, tableHeaderLine - 1)};
         for (int row = 0; row < rows; ++row) {
-            const int top = stateFirstRow + row * stateRowPitch;
-            table.push_back(RowOf(drawn, columns, top, top + stateRowPitch - 1));
+            const int top = tableFirstRow + row * stateRowPitch;
+            table.push_back(RowOf(drawn, shown, top, top + stateRowPitch - 1));
         }
         return table;
     }

@@ -1,10 +1,11 @@
 // Patterns, searches and the filter through the program's windows, against the simulated board.
 
 #include "support/live_frame_fixture_qt.h"
+#include "support/pattern_grid_qt.h"
 #include "ui/capture/save_trace_dialog.h"
 #include "ui/display/go_to_sample_dialog.h"
+#include "ui/patterns/pattern_cell.h"
 #include "ui/patterns/pattern_dialogs.h"
-#include "ui/patterns/pattern_grid.h"
 
 #include <QPushButton>
 #include <QSpinBox>
@@ -34,21 +35,13 @@ protected:
     void SetCell(const QString& entry, const std::string& line, const std::string& text) {
         ChooseDialog<Dialog>(entry, [&](Dialog& dialog) {
             CPatternGrid& grid = dialog.Grid();
-            int x = 1;
-            const CSignal* found = nullptr;
-            for (const auto& signal : dialog.Edited().All()) {
-                if (signal->VisibleWidth() > 0 && signal->RowName() == line) {
-                    found = signal.get();
-                    break;
-                }
-                x += signal->VisibleWidth();
+            const CSignal& signal = dialog.Edited()[ColumnPlace(dialog.Edited(), line)];
+            const auto cell = [&] { return CellRect(grid, dialog.Edited(), line, 0); };
+            grid.MoveSignalsTo(cell().left() - 20);
+            for (int i = 0; i < 3 && PatternText(signal, 0) != text; ++i) {
+                QTest::mouseClick(&grid, Qt::LeftButton, {}, cell().center());
             }
-            ASSERT_NE(found, nullptr);
-            grid.SetOffset(x - 20);
-            for (int i = 0; i < 3 && CPatternGrid::CellText(*found, 0) != text; ++i) {
-                QTest::mouseClick(&grid, Qt::LeftButton, {}, {x - grid.Offset() + 8, 30});
-            }
-            EXPECT_EQ(CPatternGrid::CellText(*found, 0), text);
+            EXPECT_EQ(PatternText(signal, 0), text);
             dialog.accept();
         });
     }

@@ -77,8 +77,7 @@ protected:
         view->ScrollToSample(sample);
         reads = 0;
         auto* listing = view->findChild<CStateWnd*>();
-        listing != nullptr ? listing->Render(false)
-                           : view->findChild<CWaveformWnd*>()->Render(false);
+        listing != nullptr ? listing->Render() : view->findChild<CWaveformWnd*>()->Render();
         return reads;
     }
 

@@ -302,7 +302,7 @@ TEST_F(Menu, ChangesTheBaseOfOneSignal) {
     });
     EXPECT_TRUE(Repaints(*view, [&] { Choose(bus, "Change Base/Octal"); }));
     EXPECT_EQ(Visible(bus).radix, Radix::Octal);
-    EXPECT_EQ(Visible(bus).width, window->MeasureColumn(Visible(bus)));
+    EXPECT_EQ(Visible(bus).width, NeededWidth(Visible(bus), ScreenFonts().body));
     const int octal = Visible(bus).width;
     Choose(bus, "Change Base/Binary");
     EXPECT_GT(Visible(bus).width, 2 * octal) << "or its digits would be cut";
@@ -314,13 +314,13 @@ TEST_F(Menu, ExpandsABusAndCollapsesLines) {
     Choose(bus, "Expand");
     EXPECT_EQ(Visible(bus).RowName(), "C/BE[0]");
     EXPECT_EQ(Visible(bus + 7).RowName(), "C/BE[7]");
-    EXPECT_EQ(Visible(bus + 7).width, window->MeasureColumn(Visible(bus + 7)));
+    EXPECT_EQ(Visible(bus + 7).width, NeededWidth(Visible(bus + 7), ScreenFonts().body));
     Visible(bus + 5).width = 99;
     Click(Column(bus));
     Click(Column(bus + 1), Qt::LeftButton, Qt::ShiftModifier);
     Choose(bus, "Collapse");
     EXPECT_EQ(Visible(bus).groupWidth, 2U);
-    EXPECT_EQ(Visible(bus).width, window->MeasureColumn(Visible(bus)));
+    EXPECT_EQ(Visible(bus).width, NeededWidth(Visible(bus), ScreenFonts().body));
     EXPECT_EQ(Visible(bus + 1).RowName(), "C/BE[2]");
     EXPECT_EQ(Visible(bus + 4).width, 99) << "the others keep theirs";
 }

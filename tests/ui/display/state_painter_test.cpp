@@ -50,17 +50,8 @@ protected:
     static constexpr int sampleColumn = 60;
 
     StateFrame Frame(QSize size = {400, 200}) {
-        return {*document,
-                document->stateList,
-                false,
-                board.board,
-                colors,
-                size,
-                sampleColumn,
-                topRow,
-                offset,
-                FontOfCellHeight(14, QFont::Normal, FontFace::Fixed),
-                FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)};
+        return {*document, document->stateList, false,  board.board, colors,
+                size,      sampleColumn,        topRow, offset,      ScreenFonts()};
     }
     QImage Draw(QSize size = {400, 200}) {
         QImage image(size, QImage::Format_RGB32);
@@ -83,12 +74,12 @@ protected:
         return Columns(size);
     }
     std::vector<TableColumn> Columns(QSize size = {400, 200}) {
-        return VisibleColumns(ColumnWidths(document->stateList), sampleColumn, offset,
-                              size.width());
+        return TableColumns{ColumnWidths(document->stateList), sampleColumn, offset, size.width()}
+            .Visible();
     }
     /// What is written in a row, from left to right, the sample's number first.
     static std::vector<Recording::Text> RowTexts(const Recording& device, int row) {
-        const int top = stateFirstRow + row * stateRowPitch;
+        const int top = tableFirstRow + row * stateRowPitch;
         return device.TextsBetween(top, top + stateRowPitch - 1);
     }
     /// Adds a computed column before all others.
@@ -102,7 +93,7 @@ protected:
     }
     /// The colour between the texts of a row, in the SAMPLE cell.
     static QRgb RowColor(const QImage& image, int row) {
-        return image.pixel(2, stateFirstRow + row * stateRowPitch + 1) & 0xFFFFFF;
+        return image.pixel(2, tableFirstRow + row * stateRowPitch + 1) & 0xFFFFFF;
     }
     const CSignal& Column(const std::string& name) {
         for (const auto& signal : document->stateList.All()) {
@@ -156,10 +147,10 @@ TEST_F(StatePainter, TriggerOutranksMarkersAndMarkersOutrankStripes) {
 TEST_F(StatePainter, EmptyCaptureDrawsOnlyTheHeader) {
     Load(0, 9, "", [](int) { return false; });
     const QImage image = Draw();
-    for (int y = stateFirstRow; y < 200; ++y) {
+    for (int y = tableFirstRow; y < 200; ++y) {
         EXPECT_EQ(image.pixel(30, y) & 0xFFFFFF, 0xC0C0C0U) << y;
     }
-    EXPECT_EQ(image.pixel(100, stateHeaderLine) & 0xFFFFFF, 0U);
+    EXPECT_EQ(image.pixel(100, tableHeaderLine) & 0xFFFFFF, 0U);
     EXPECT_FALSE(missing.has_value());
 }
 
@@ -329,16 +320,16 @@ TEST_F(StatePainter, TextsTakeTheColourOfTheirSignalAndStandInLine) {
     for (const auto& text : texts) {
         red += text.color == QColor(255, 0, 0) ? 1 : 0;
         EXPECT_EQ(text.rect.bottom(), texts.front().rect.bottom());
-        EXPECT_LE(text.rect.bottom(), stateFirstRow + 3 * stateRowPitch - 1);
+        EXPECT_LE(text.rect.bottom(), tableFirstRow + 3 * stateRowPitch - 1);
         EXPECT_EQ(text.visible, text.rect) << text.text.toStdString(); // nothing is cut
         EXPECT_FALSE(text.bold);
     }
     EXPECT_EQ(red, 1);
-    for (const auto& title : device.TextsBetween(0, stateHeaderLine - 1)) {
+    for (const auto& title : device.TextsBetween(0, tableHeaderLine - 1)) {
         EXPECT_TRUE(title.bold);
     }
-    EXPECT_EQ(device.TextsBetween(0, stateHeaderLine - 1).front().text, "SAMPLE");
-    EXPECT_EQ(columns.size() + 1, device.TextsBetween(0, stateHeaderLine - 1).size());
+    EXPECT_EQ(device.TextsBetween(0, tableHeaderLine - 1).front().text, "SAMPLE");
+    EXPECT_EQ(columns.size() + 1, device.TextsBetween(0, tableHeaderLine - 1).size());
 }
 
 TEST_F(StatePainter, FindingsAreLeftAlignedAndSayThatTheyAreCut) {
@@ -418,7 +409,7 @@ TEST_F(StatePainter, RowColoursFillTheCellsOfTheColumns) {
     document->SetMarker(2, 8);
     const auto device = Record();
     const auto cellColor = [&](int row, const TableColumn& column) {
-        return device.ColorAt({column.left + 2, stateFirstRow + row * stateRowPitch + 2});
+        return device.ColorAt({column.left + 2, tableFirstRow + row * stateRowPitch + 2});
     };
     for (const TableColumn& column : columns) {
         EXPECT_EQ(cellColor(4, column), ColorOf(colors.trigger));
@@ -476,7 +467,7 @@ TEST_F(StatePainter, ColumnsLeftOfTheViewAreNotDrawn) {
     const auto all = Widen(100, {100'000, 200});
     offset = 100 * static_cast<int>(all.size() - 1);
     const auto device = Record({300, 200});
-    EXPECT_EQ(device.TextsBetween(0, stateHeaderLine - 1).size(), 2U); // SAMPLE and the last
+    EXPECT_EQ(device.TextsBetween(0, tableHeaderLine - 1).size(), 2U); // SAMPLE and the last
     EXPECT_LE(RowTexts(device, 3).size(), 2U);
 }
 
@@ -506,7 +497,7 @@ TEST_F(StatePainter, AFrameCostsTheSameInAnyCapture) {
 TEST_F(StatePainter, EmptyCaptureHasTitlesOnly) {
     Load(0, 9, "", [](int) { return false; });
     const auto device = Record();
-    EXPECT_EQ(device.texts.size(), device.TextsBetween(0, stateHeaderLine - 1).size());
+    EXPECT_EQ(device.texts.size(), device.TextsBetween(0, tableHeaderLine - 1).size());
     EXPECT_GT(device.texts.size(), 1U);
 }
 
@@ -550,7 +541,7 @@ protected:
         document->SetMarker(1, marker1);
         document->SetMarker(2, marker2);
     }
-    static int MarkTop(int row) { return stateFirstRow + row * stateRowPitch + 7 - 3; }
+    static int MarkTop(int row) { return tableFirstRow + row * stateRowPitch + 7 - 3; }
     static bool HasFill(const Recording& device, const QRect& rect) {
         return std::any_of(device.fills.begin(), device.fills.end(), [&](const auto& fill) {
             return fill.rect == rect && fill.color == QColor(Qt::black);
@@ -601,7 +592,7 @@ TEST_F(DeltaColumn, SpanBetweenTheMarkersIsALineWithItsTimeInTheMiddle) {
     Prepare(10, 6); // in either order
     const auto device = Record();
     const auto line = [&](int row) {
-        return HasFill(device, {middleX, stateFirstRow + row * stateRowPitch, 1, stateRowPitch});
+        return HasFill(device, {middleX, tableFirstRow + row * stateRowPitch, 1, stateRowPitch});
     };
     EXPECT_FALSE(line(5));
     EXPECT_TRUE(line(7));

@@ -198,7 +198,7 @@ TEST_F(Waveforms, ABackwardStepAtANegativeZoomShowsAtTheNextRedraw) {
     EXPECT_EQ(window->Place().row, 300 - 4 * 3);
     EXPECT_EQ(view->TopSample(), 300);
     EXPECT_EQ(Picture(), before);
-    window->Render(true);
+    window->Render();
     EXPECT_EQ(view->TopSample(), 288);
     EXPECT_NE(Picture(), before);
     Key(Qt::Key_Right);
@@ -637,7 +637,7 @@ TEST_F(Waveforms, EveryPartialPictureIsAsTheWholeOne) {
     Open();
     const auto expectWhole = [&](const char* after) {
         const QImage partial = Picture();
-        window->Render(true);
+        window->Render();
         EXPECT_EQ(Picture(), partial) << after;
     };
     Click(Name(2));
@@ -669,7 +669,7 @@ TEST_F(Waveforms, TheValuesAreThoseOfAMarkerThatIsFoundOutOfSight) {
     Open();
     const auto expectWhole = [&](const char* after) {
         const QImage shown = Picture();
-        window->Render(true);
+        window->Render();
         EXPECT_EQ(Picture(), shown) << after;
     };
     Click(Wave(63));
@@ -707,7 +707,7 @@ TEST_F(Waveforms, TheValuesAreThereWhenTheMarkersSampleHasCome) {
     document->AddBlock(992, std::vector<SampleRecord>(32, high), false);
     document->FlushBlockUpdates();
     const QImage shown = Picture();
-    window->Render(true);
+    window->Render();
     EXPECT_EQ(Picture(), shown);
 }
 

@@ -178,7 +178,7 @@ TEST_F(Header, BandsHaveGapsAFixedStripAndDragWithoutKeys) {
                                               .gap = 1,
                                               .fixedResizes = false,
                                               .anyClickDrags = false,
-                                              .resizeCursor = Qt::SizeVerCursor}};
+                                              .axis = Qt::Vertical}};
     bands.Attach(list);
     bands.fixedEnd = 17; // bands of 20 begin at 18, 39 and so on
     EXPECT_EQ(bands.HitColumn(39).start, 18) << "the last pixels are its edge";

@@ -1,13 +1,14 @@
 #include "signals/signal_list.h"
 #include "support/board_tables.h"
 #include "support/modal_qt.h"
+#include "support/pattern_grid_qt.h"
 #include "support/recording_prompts.h"
 #include "support/scroll_bar_qt.h"
 #include "ui/framework/painting.h"
 #include "ui/patterns/command_dialog.h"
+#include "ui/patterns/pattern_cell.h"
 #include "ui/patterns/pattern_dialogs.h"
 #include "ui/patterns/pattern_edit.h"
-#include "ui/patterns/pattern_grid.h"
 #include "ui/patterns/value_dialog.h"
 
 #include <QAction>
@@ -52,23 +53,12 @@ protected:
     }
     /// The middle of a cell.
     QPoint Place(const std::string& name, int row) {
-        const int labels = 9 * QFontMetrics(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed))
-                                   .horizontalAdvance('0');
-        int x = labels + 1 - grid->Offset();
-        for (const auto& signal : list.All()) {
-            if (signal->VisibleWidth() > 0 && signal->RowName() == name) {
-                return {x + signal->width / 2, 19 + 21 * row + 10};
-            }
-            x += signal->VisibleWidth();
-        }
-        throw std::runtime_error("no column " + name);
+        return CellRect(*grid, list, name, row).center();
     }
     void Click(const std::string& name, int row) {
         QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place(name, row));
     }
-    std::string Text(const std::string& name, int row) {
-        return CPatternGrid::CellText(Column(name), row);
-    }
+    std::string Text(const std::string& name, int row) { return PatternText(Column(name), row); }
     /// Clicks a cell and does something with the dialog that opens.
     template <class Dialog>
     void ClickAndAnswer(const std::string& name, int row,
@@ -179,7 +169,7 @@ TEST_F(PatternGrid, CommandsOpenTheirDialog) {
         dialog.accept();
     });
     EXPECT_EQ(Text("COMMAND", 1), "Mem Rd");
-    EXPECT_EQ(CPatternGrid::CellText(Column("C/BE[7:0]"), 1).back(), '6');
+    EXPECT_EQ(PatternText(Column("C/BE[7:0]"), 1).back(), '6');
     ClickAndAnswer<CCommandDialog>("COMMAND", 1, [](CCommandDialog& dialog) {
         EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(), "Mem Rd");
         EXPECT_FALSE(dialog.findChild<QCheckBox*>()->isChecked());
@@ -279,20 +269,37 @@ TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
     EXPECT_NE(grid->grab().toImage(), hot);
 }
 
+TEST_F(PatternGrid, OneGridSinksNoCellOfAnother) {
+    CSignalList others;
+    others.BuildFromTables(2, ModeEvents);
+    CPatternGrid other(nullptr, prompts);
+    other.SetRowCount(2);
+    other.SetList(others);
+    other.resize(grid->size());
+    other.show();
+    const QImage before = other.grab().toImage();
+    const QImage cold = grid->grab().toImage();
+    QTest::mouseMove(grid.get(), Place("FRAME", 1));
+    other.Render();
+    EXPECT_EQ(other.grab().toImage(), before);
+    EXPECT_NE(grid->grab().toImage(), cold);
+}
+
 TEST_F(PatternGrid, BelowTheRowsAndInTheLabelsThereAreNoCells) {
     grid->resize(300, 80);
     QApplication::processEvents();
     Column("FRAME").width = 150;
-    grid->SetOffset(Place("FRAME", 0).x() - 75); // reaches under the labels now
-    ASSERT_LT(Place("FRAME", 0).x() - 75, 10);
-    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {10, 30});
+    grid->MoveSignalsTo(CellRect(*grid, list, "FRAME", 0).left());
+    const QPoint label = grid->Geometry().LabelRect(0).center();
+    ASSERT_TRUE(CellRect(*grid, list, "FRAME", 0).contains(label)) << "reaches under the labels";
+    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, label);
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place("FRAME", 2));
-    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {Place("FRAME", 0).x(), 18});
+    QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {Place("FRAME", 0).x(), tableHeaderLine});
     EXPECT_EQ(changes, 0);
 }
 
 TEST_F(PatternGrid, TheHeaderSelectsResizesAndOpensTheMenu) {
-    const QPoint header(Place("IRDY", 0).x(), 9);
+    const QPoint header = grid->Geometry().columns.At(ColumnPlace(list, "IRDY")).Title().center();
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, header);
     EXPECT_TRUE(Column("IRDY").selected);
     EXPECT_EQ(changes, 0);
@@ -317,34 +324,35 @@ TEST_F(PatternGrid, TheHeaderSelectsResizesAndOpensTheMenu) {
 TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
     grid->resize(300, 80);
     QApplication::processEvents();
-    ASSERT_TRUE(grid->NeedsHScroll());
-    grid->StepColumn(true);
+    ASSERT_TRUE(grid->SignalBar().needed);
+    grid->StepSignals(true);
     EXPECT_EQ(grid->Offset(), 1);
-    grid->PageColumns(true);
-    EXPECT_EQ(grid->Offset(), 1 + grid->VisibleWidth());
-    grid->SetOffset(1 << 20);
-    EXPECT_EQ(grid->Offset(), grid->ContentWidth() - grid->VisibleWidth());
-    grid->PageColumns(false);
-    grid->StepColumn(false);
-    grid->SetOffset(-5);
+    grid->PageSignals(true);
+    EXPECT_EQ(grid->Offset(), 1 + grid->Geometry().columns.Room());
+    grid->MoveSignalsTo(1 << 20);
+    EXPECT_EQ(grid->Offset(),
+              grid->Geometry().columns.TotalWidth() - grid->Geometry().columns.Room());
+    grid->PageSignals(false);
+    grid->StepSignals(false);
+    grid->MoveSignalsTo(-5);
     EXPECT_EQ(grid->Offset(), 0);
-    grid->resize(300, 45);
+    grid->resize(300, HeightOfPatterns(1) + 5);
     QApplication::processEvents();
-    EXPECT_EQ(grid->VisibleRowCount(), 1);
+    EXPECT_EQ(grid->Geometry().VisibleRows(), 1);
     grid->StepRows(5);
-    EXPECT_EQ(grid->TopRow(), 1);
+    EXPECT_EQ(grid->Geometry().topRow, 1);
     Click("COMMAND", 5); // nowhere
     EXPECT_EQ(changes, 0);
 }
 
 TEST_F(PatternGrid, TheWheelMovesTheRowsAndWithShiftTheColumns) {
-    grid->resize(300, 45); // one row of two
+    grid->resize(300, HeightOfPatterns(1) + 5); // one row of two
     QApplication::processEvents();
     TurnWheel(*grid, {0, -120});
-    EXPECT_EQ(grid->TopRow(), 1);
+    EXPECT_EQ(grid->Geometry().topRow, 1);
     EXPECT_EQ(grid->Offset(), 0);
     TurnWheel(*grid, {0, -120}, Qt::ShiftModifier);
-    EXPECT_EQ(grid->TopRow(), 1);
+    EXPECT_EQ(grid->Geometry().topRow, 1);
     const int notch = grid->Offset();
     EXPECT_GT(notch, 20);
     TurnWheel(*grid, {-60, 0}); // a fine wheel, pushed aside
@@ -353,7 +361,7 @@ TEST_F(PatternGrid, TheWheelMovesTheRowsAndWithShiftTheColumns) {
     TurnWheel(*grid, {0, 240}, Qt::ShiftModifier);
     EXPECT_EQ(grid->Offset(), 0);
     TurnWheel(*grid, {0, 120});
-    EXPECT_EQ(grid->TopRow(), 0);
+    EXPECT_EQ(grid->Geometry().topRow, 0);
 }
 
 TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
@@ -394,8 +402,8 @@ TEST(PatternGridOnPciX, DecodedNumbersAreEditedAsValues) {
         QTest::keyClicks(&bits, "5");
         dialog->accept();
     });
-    QTest::mouseClick(&grid, Qt::LeftButton, {}, {10, 30});
-    EXPECT_EQ(CPatternGrid::CellText(*tag, 0).back(), '5');
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, FirstCell(grid));
+    EXPECT_EQ(PatternText(*tag, 0).back(), '5');
     for (const auto& signal : list.All()) {
         if (signal.get() != tag && signal->dataIndex == lowest) {
             EXPECT_TRUE(signal->MaskBit(0)) << signal->name;
@@ -427,7 +435,7 @@ TEST(PatternGridOnVme, CommandsHaveNoDualAddress) {
                   static_cast<int>(list[0].decoded->values.size()));
         dialog->reject();
     });
-    QTest::mouseClick(&grid, Qt::LeftButton, {}, {10, 30});
+    QTest::mouseClick(&grid, Qt::LeftButton, {}, FirstCell(grid));
 }
 
 TEST(ValueDialog, WritesBackOnOkAlone) {
@@ -534,7 +542,7 @@ TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {
         EXPECT_EQ(dialog.windowTitle(), "Search Pattern");
         dialog.show();
         QApplication::processEvents();
-        QTest::mouseClick(&dialog.Grid(), Qt::LeftButton, {}, {10, 30});
+        QTest::mouseClick(&dialog.Grid(), Qt::LeftButton, {}, FirstCell(dialog.Grid()));
         EXPECT_FALSE(Frame().MaskBit(0));
         ok ? dialog.accept() : dialog.reject();
         EXPECT_EQ(Frame().MaskBit(0), ok);
@@ -583,7 +591,8 @@ TEST_F(PatternDialogs, TheBarScrollsTheColumns) {
     bar.triggerAction(QAbstractSlider::SliderSingleStepAdd);
     EXPECT_EQ(dialog.Grid().Offset(), 1);
     bar.triggerAction(QAbstractSlider::SliderPageStepAdd);
-    EXPECT_EQ(dialog.Grid().Offset(), std::min(1 + dialog.Grid().VisibleWidth(), bar.maximum()));
+    EXPECT_EQ(dialog.Grid().Offset(),
+              std::min(1 + dialog.Grid().Geometry().columns.Room(), bar.maximum()));
     bar.triggerAction(QAbstractSlider::SliderToMaximum);
     EXPECT_EQ(dialog.Grid().Offset(), bar.maximum());
     dialog.resize(6000, 160);

@@ -3,11 +3,12 @@
 #include "signals/value_text.h"
 #include "support/board_tables.h"
 #include "support/modal_qt.h"
+#include "support/pattern_grid_qt.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 #include "tracesetup/setup_file.h"
 #include "ui/framework/painting.h"
-#include "ui/patterns/pattern_grid.h"
+#include "ui/patterns/pattern_cell.h"
 #include "ui/tracesetup/condition_dialog.h"
 #include "ui/tracesetup/expression_dialog.h"
 #include "ui/tracesetup/level_panel.h"
@@ -300,22 +301,13 @@ TEST_F(TraceSetupDialog, ACancelledCellChangesNothing) {
 
 TEST_F(TraceSetupDialog, AnEventIsEditedInTheTable) {
     Open();
-    // A line in the row of E3; the labels take 9 digits.
-    const CSignal* const line = Column("PAR");
-    int x = 9 * QFontMetrics(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed))
-                    .horizontalAdvance('0') +
-            1;
-    for (const auto& signal : setup.events.All()) {
-        if (signal.get() == line) {
-            break;
-        }
-        x += signal->VisibleWidth();
-    }
-    QTest::mouseClick(&Grid(), Qt::LeftButton, {}, {x + line->width / 2, 19 + 2 * 21 + 10});
-    EXPECT_EQ(CPatternGrid::CellText(*line, 2), "0");
+    // A line in the row of E3.
+    QTest::mouseClick(&Grid(), Qt::LeftButton, {},
+                      CellRect(Grid(), setup.events, "PAR", 2).center());
+    EXPECT_EQ(PatternText(*Column("PAR"), 2), "0");
     EXPECT_TRUE(dialog->IsModified());
     Press("Cancel");
-    EXPECT_EQ(CPatternGrid::CellText(*Column("PAR"), 2), "X");
+    EXPECT_EQ(PatternText(*Column("PAR"), 2), "X");
 }
 
 TEST_F(TraceSetupDialog, AnOccurrenceCountHasTwoBytes) {
@@ -355,10 +347,10 @@ TEST_F(TraceSetupDialog, ALongExpressionLeavesTheOtherCellsInSight) {
 
 TEST_F(TraceSetupDialog, ShowsAsManyEventsAsTheBoardHas) {
     Open();
-    EXPECT_GE(Grid().VisibleRowCount(), 8);
+    EXPECT_GE(Grid().Geometry().VisibleRows(), 8);
     UseBoard("VMELark", BusVme);
     Open();
-    EXPECT_EQ(Grid().VisibleRowCount(), 4);
+    EXPECT_EQ(Grid().Geometry().VisibleRows(), 4);
 }
 
 TEST_F(TraceSetupDialog, TheLevelsScroll) {
@@ -524,7 +516,7 @@ TEST_F(TraceSetupDialog, OpensAFile) {
     EXPECT_EQ(Cell("If1"), "E1+E2");
     EXPECT_EQ(Cell("Else8"), "Goto L8, Trigger");
     EXPECT_NE(Grid().grab().toImage(), before);
-    EXPECT_EQ(CPatternGrid::CellText(*Column("COMMAND"), 7), "Mem Wr");
+    EXPECT_EQ(PatternText(*Column("COMMAND"), 7), "Mem Wr");
     Press("OK");
     EXPECT_EQ(setup.description, "two\r\nlines");
     EXPECT_EQ(setup.clock, 5);
@@ -550,7 +542,7 @@ TEST_F(TraceSetupDialog, CancelBringsBackAllButTheDescription) {
     EXPECT_EQ(setup.clock, 2);
     EXPECT_EQ(setup.triggerPosition, 4);
     EXPECT_EQ(setup.powerZoomClock, 3);
-    EXPECT_EQ(CPatternGrid::CellText(*Column("COMMAND"), 2), "Mem Wr");
+    EXPECT_EQ(PatternText(*Column("COMMAND"), 2), "Mem Wr");
 }
 
 TEST_F(TraceSetupDialog, EscapeIsCancel) {
