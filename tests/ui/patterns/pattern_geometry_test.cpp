@@ -70,7 +70,7 @@ TEST(PatternGeometry, ScrolledCellsMoveUnderHeaderAndLabels) {
     grid.columns.offset = 45;
     EXPECT_EQ(grid.CellAt({64, 19}), (PatternCell{2, 2})) << "the first row and column that show";
     EXPECT_EQ(grid.CellRect({2, 2}).topLeft(), QPoint(60, 19)) << "partly under the labels";
-    EXPECT_EQ(grid.CellAt({62, 19}), std::nullopt);
+    EXPECT_EQ(grid.CellAt({63, 19}), std::nullopt) << "their line hides the rest";
     EXPECT_EQ(grid.CellRect({1, 2}).bottom(), 18) << "under the header";
     EXPECT_EQ(grid.CellRect({0, 0}), QRect(QPoint(20, -23), QPoint(58, -3)));
     EXPECT_EQ(grid.CellAt({64, 60}), (PatternCell{3, 2}));

@@ -345,6 +345,36 @@ TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
     EXPECT_EQ(changes, 0);
 }
 
+TEST_F(PatternGrid, NarrowedAndDeletedColumnsLeaveNoRoomBehindThem) {
+    grid->resize(300, 80);
+    grid->MoveSignalsTo(1 << 20);
+    const int end = grid->Offset();
+    const TableColumn last = grid->Geometry().columns.Visible().back();
+    const QPoint edge(grid->width() - 1, 9);
+    list[last.signal].width += 40;
+    grid->MoveSignalsTo(1 << 20);
+    ASSERT_EQ(grid->Offset(), end + 40);
+    QTest::mousePress(grid.get(), Qt::LeftButton, {}, edge);
+    QTest::mouseMove(grid.get(), edge - QPoint(40, 0));
+    QTest::mouseRelease(grid.get(), Qt::LeftButton, {}, edge - QPoint(40, 0));
+    EXPECT_NEAR(grid->Offset(), end, 2);
+    EXPECT_EQ(grid->Offset(), grid->Geometry().columns.Limit());
+    const int narrowed = grid->Offset();
+    QTimer::singleShot(0, [] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        for (QAction* action : menu->actions()) {
+            if (action->text() == "Delete Signal") {
+                action->trigger();
+            }
+        }
+        menu->close();
+    });
+    QTest::mouseClick(grid.get(), Qt::RightButton, {}, edge - QPoint(20, 0));
+    EXPECT_LT(grid->Offset(), narrowed);
+    EXPECT_EQ(grid->Offset(), grid->Geometry().columns.Limit());
+}
+
 TEST_F(PatternGrid, TheWheelMovesTheRowsAndWithShiftTheColumns) {
     grid->resize(300, HeightOfPatterns(1) + 5); // one row of two
     QApplication::processEvents();
