@@ -125,10 +125,10 @@ void WriteBytesOnly(benchmark::State& state) {
 BENCHMARK(WriteBytesOnly)->Unit(benchmark::kMillisecond);
 
 void SaveTraceFile(benchmark::State& state) {
-    const BoardTables board("PCIKite-1");
+    BoardTables board("PCIKite-1");
     const TempDir dir;
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     const auto document = MakeCapture(context, prompts);
     std::int64_t bytes = 0;
     for (auto _ : state) {

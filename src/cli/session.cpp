@@ -66,7 +66,7 @@ Session::Session(const Arguments& arguments)
     }
     WaitForBoard(port);
     tables_.Load();
-    NewTraceContext live;
+    NewTraceContext live{tables_};
     live.realTimeStore = &store_;
     live.newDocRealTime = true;
     document_ = std::make_unique<CTesselDoc>(live, mainThread_);

@@ -114,7 +114,7 @@ protected:
     }
 
     CSampleStore store{CSampleStore::Board{*link, mainThread, prompts}};
-    NewTraceContext context;
+    NewTraceContext context{tables.tables};
     BoardTables tables{"PCIKite-1"};
     bool silent = false; // for a test's own answers
     std::unique_ptr<CTesselDoc> document;

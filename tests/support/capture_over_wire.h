@@ -78,7 +78,7 @@ protected:
 
     BoardTables tables;
     CSampleStore store{CSampleStore::Board{link, mainThread, prompts}};
-    NewTraceContext context;
+    NewTraceContext context{tables.tables};
     std::unique_ptr<CTesselDoc> document;
     RunState last;
 };

@@ -22,7 +22,9 @@ bool BitOf(const std::vector<std::uint32_t>& bits, std::int64_t index) noexcept 
 } // namespace
 
 CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
-    : prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
+    : waveformList(context.tables), stateList(context.tables), zoomList(context.tables),
+      searchPattern(context.tables), filterPattern(context.tables), setup(context.tables),
+      prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
       realTimeStore_(context.realTimeStore), saveTrace_(context.saveTrace) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);

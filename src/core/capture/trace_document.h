@@ -53,12 +53,13 @@ class CTesselDoc;
 
 /// What a trace document is made with.
 struct NewTraceContext {
+    SignalTables& tables; // by which its samples are read; they outlive it
     bool newDocRealTime = false;
     /// A new document takes lists and setup from it.
     const CTesselDoc* cloneSource = nullptr;
     CSampleStore* realTimeStore = nullptr; // of the one document that is bound to the board
     /// Asks for a range and saves it; false when the user cancels.
-    std::function<bool(CTesselDoc&, const std::string& path)> saveTrace;
+    std::function<bool(CTesselDoc&, const std::string& path)> saveTrace = nullptr;
 };
 
 /// A captured trace: its samples, the signal lists through which they are seen, the setup that

@@ -53,28 +53,17 @@ std::string DeviceOf(const std::string& portName, const Settings& settings) {
     return settings.GetProfileString(SettingsSection::setup, Printf("ComDevice%d", number), usual);
 }
 
-std::atomic<CAnalyzerLink*> theLink = nullptr;
-
 } // namespace
 
 CAnalyzerLink::CAnalyzerLink(Services services)
     : services_(std::move(services)),
       queue_(std::make_unique<RequestQueue>(board_, conditions_, services_.prompts, services_.clock,
-                                            services_.mainThread)) {
-    theLink = this;
-}
+                                            services_.mainThread)) {}
 
 CAnalyzerLink::~CAnalyzerLink() {
-    // Completions that still run may ask for the instance.
+    // Completions that still run may use the link.
     ClosePort();
     threads_.clear();
-    CAnalyzerLink* self = this;
-    theLink.compare_exchange_strong(self, nullptr);
-}
-
-CAnalyzerLink& CAnalyzerLink::Instance() {
-    assert(theLink != nullptr);
-    return *theLink;
 }
 
 void CAnalyzerLink::Submit(LinkRequestPtr request) {

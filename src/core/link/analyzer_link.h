@@ -52,9 +52,6 @@ public:
     CAnalyzerLink(const CAnalyzerLink&) = delete;
     CAnalyzerLink& operator=(const CAnalyzerLink&) = delete;
 
-    /// The link constructed last.
-    [[nodiscard]] static CAnalyzerLink& Instance();
-
     void Submit(LinkRequestPtr request);
     /// Waits until the queue is empty, at most 5 seconds.
     void WaitIdle();

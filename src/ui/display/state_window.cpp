@@ -164,16 +164,8 @@ void CStateWnd::Render(bool blit) {
 }
 
 StateFrame CStateWnd::Frame() {
-    return {*document_,
-            *list_,
-            zoom_,
-            SignalTables::Current().Board(),
-            Colors(),
-            size(),
-            header_.fixedEnd,
-            topRow_,
-            header_.offset,
-            bodyFont_,
+    return {*document_, *list_,           zoom_,   list_->Tables().Board(), Colors(),
+            size(),     header_.fixedEnd, topRow_, header_.offset,          bodyFont_,
             headerFont_};
 }
 

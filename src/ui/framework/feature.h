@@ -16,6 +16,7 @@ class CWinApp;
 class MainThread;
 class Prompts;
 class Settings;
+class SignalTables;
 class WorkingDirectory;
 
 /// What a function of the board works with; all outlive it.
@@ -27,6 +28,7 @@ struct FeatureParts {
     const MainThread& mainThread;
     const WorkingDirectory& directory;
     CSampleStore& realTimeStore;
+    SignalTables& tables;
     QMdiArea& area; // where its windows lie
 };
 

@@ -53,10 +53,10 @@ Program::~Program() {
 }
 
 void Program::InitInstance() {
-    frame_ = std::make_unique<CMainFrame>(link_, machine_.settings, machine_.mainThread);
+    frame_ = std::make_unique<CMainFrame>(link_, tables_, machine_.settings, machine_.mainThread);
     app_ = std::make_unique<CTesselApp>(
         CTesselApp::Parts{machine_.settings, machine_.prompts, link_, machine_.mainThread,
-                          machine_.directory, realTimeStore_, frame_->Area()});
+                          machine_.directory, realTimeStore_, tables_, frame_->Area()});
     frame_->SetApplication(app_.get());
     frame_->RefreshStatusPanes();
     frame_->show();

@@ -14,7 +14,7 @@ CTesselApp::CTesselApp(const Parts& parts) : CWinApp(parts.settings, parts.promp
     commands.On(CommandId::FileOpen, [this, &area = parts.area] { OnFileOpen(area.window()); });
     for (Feature& feature :
          MakeFeatures({*this, parts.link, parts.settings, parts.prompts, parts.mainThread,
-                       parts.directory, parts.realTimeStore, parts.area})) {
+                       parts.directory, parts.realTimeStore, parts.tables, parts.area})) {
         AddDocTemplate(std::make_unique<CMultiDocTemplate>(
             feature.docString, std::move(feature.factories), parts.area, prompts_));
         commands.Add(feature.commands);

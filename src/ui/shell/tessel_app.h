@@ -18,6 +18,7 @@ public:
         const MainThread& mainThread;
         const WorkingDirectory& directory;
         CSampleStore& realTimeStore;
+        SignalTables& tables;
         QMdiArea& area;
     };
     explicit CTesselApp(const Parts& parts);

@@ -17,7 +17,7 @@ CMultiDocTemplate& TraceDocuments::Template() const {
 }
 
 std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTesselDoc* cloneSource) {
-    NewTraceContext context;
+    NewTraceContext context{parts_.tables};
     context.newDocRealTime = isRealTime;
     context.cloneSource = cloneSource;
     context.realTimeStore = &parts_.realTimeStore;

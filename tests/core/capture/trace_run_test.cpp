@@ -68,7 +68,7 @@ protected:
 
 TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
     OpenBoard("PCIKite");
-    DownloadSetup(*link, TraceSetup(), prompts);
+    DownloadSetup(*link, TraceSetup(tables.tables), prompts);
     EXPECT_EQ(Written(420), (Bytes{0, 0, 1})) << "Sync, 50%, 3.75 ns";
     EXPECT_EQ(Written(20), Bytes(240)) << "nothing is compared";
     Bytes control(160);
@@ -84,7 +84,7 @@ TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
 
 TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
     OpenBoard("PCIKite");
-    TraceSetup program;
+    TraceSetup program(tables.tables);
     program.clock = 16;            // 30.72 us
     program.triggerPosition = 1;   // 0%
     program.powerZoomClock = 8;    // 240 ns
@@ -137,9 +137,9 @@ TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
 
 TEST_F(TraceRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     OpenBoard("VMELark");
-    const BoardTables lark("VMELark-1", BusVme);
+    BoardTables lark("VMELark-1", BusVme);
     EXPECT_EQ(EventCount(link->Traits()), 4);
-    TraceSetup program;
+    TraceSetup program(lark.tables);
     for (unsigned event = 0; event < 4; ++event) {
         Expect(program, 0, event, true);
     }
@@ -164,7 +164,7 @@ TEST_F(TraceRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
         // The first frame of a write, whatever it writes.
         return sent.size() == 2 && sent[0] == 4 ? Bytes{} : board.Answer(sent, baud);
     });
-    DownloadSetup(*link, TraceSetup(), prompts);
+    DownloadSetup(*link, TraceSetup(tables.tables), prompts);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("Error sending trace parameter data to analyzer.",
                             "Error sending trace event setup data to analyzer.",
@@ -439,7 +439,7 @@ TEST_F(TraceRunTest, AChosenSetupIsLoadedAndSent) {
     NewDocument();
     SetLive(0x80, 0, 0);
     const TempDir dir;
-    TraceSetup program;
+    TraceSetup program(tables.tables);
     program.name = "mine";
     program.clock = 1;
     ASSERT_TRUE(SaveSetupFile(program, dir.File("mine.tsp"), prompts));
@@ -508,8 +508,8 @@ TEST_F(TraceRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
 }
 
 TEST(TriggerSample, FollowsThePosition) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup program;
+    BoardTables board("PCIKite-1");
+    TraceSetup program(board.tables);
     const std::int64_t expected[] = {0, 0, 256, 512, 768, 1023, 0};
     for (std::int32_t position = 0; position < 7; ++position) {
         program.triggerPosition = position;

@@ -817,9 +817,5 @@ TEST_F(AnalyzerLinkTest, AKeepAliveIsNotForASerialPort) {
     EXPECT_THAT(line->Written(), IsEmpty());
 }
 
-TEST_F(AnalyzerLinkTest, TheInstanceIsTheLinkConstructedLast) {
-    EXPECT_EQ(&CAnalyzerLink::Instance(), link.get());
-}
-
 } // namespace
 } // namespace busquill::test

@@ -97,7 +97,7 @@ protected:
 
     BoardTables board{"PCIKite-1"};
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     std::unique_ptr<CPatternGrid> grid;
     int changes = 0;
 };
@@ -370,7 +370,7 @@ TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
 TEST(PatternGridOnPciX, DecodedNumbersAreEditedAsValues) {
     BoardTables board("PCIKite-1", BusPciX, 1);
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     list.mode = ModeEvents;
     CSignal* tag = list.AddSignal(nullptr, board.tables.decodedSignals.FindByName("TAG(PCI-X)"), 1,
                                   0, 0, 0, Radix::Hex, true);
@@ -407,7 +407,7 @@ TEST(PatternGridOnPciX, DecodedNumbersAreEditedAsValues) {
 TEST(PatternGridOnVme, CommandsHaveNoDualAddress) {
     BoardTables board("VMEKite-1", BusVme, 0);
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     list.mode = ModeEvents;
     ASSERT_NE(list.AddSignal(nullptr, board.tables.decodedSignals.FindByName("COMMAND"), 1, 0, 0, 0,
                              Radix::Hex, true),
@@ -522,7 +522,7 @@ protected:
     }
     BoardTables board{"PCIKite-1"};
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
 };
 
 TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {
