@@ -63,7 +63,7 @@ void UploadBlocks(benchmark::State& state) {
     settings.WriteProfileInt("Setup", "BaudRate", 9600);
     settings.WriteProfileString("Setup", "ComDevice1", board.Terminal());
     CAnalyzerLink link({settings, prompts, clock, mainThread, OpenSerialPort, usb});
-    link.Connect(9600);
+    link.Connect(ReadPortSetting(settings));
     {
         CSampleStore store(CSampleStore::Board{link, mainThread, prompts});
         // The simplest program: everything is stored, the first sample triggers.

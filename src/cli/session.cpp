@@ -13,12 +13,31 @@ namespace busquill::cli {
 
 namespace {
 
-/// A name of the link's own kind for the device of a path.
-constexpr int pathNumber = 99;
-
 bool IsNamedPort(const std::string& port) {
     return port == "USB" || port == "USB2" ||
            (port.size() == 4 && port.starts_with("COM") && port[3] >= '1' && port[3] <= '8');
+}
+
+/// The port that the options name, by a name or by the path of its device.
+PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
+    const std::string name = arguments.Value("port");
+    PortSetting port{PortSetting::Kind::Serial, name, name};
+    std::error_code unknown;
+    if (IsNamedPort(name)) {
+        port = PortNamed(name, settings);
+    } else if (!std::filesystem::exists(name, unknown)) {
+        const bool isPath = name.find('/') != std::string::npos;
+        throw Stop{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
+                   "there is no port " + name +
+                       "; ports are COM1 to COM8, USB and paths of terminal devices"};
+    }
+    const auto baud = arguments.Number("baud").value_or(usualBaudRate);
+    if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
+        WrongUse(Printf("--baud is 9600, 19200, 38400 or 57600; not %lld",
+                        static_cast<long long>(baud)));
+    }
+    port.baud = static_cast<int>(baud);
+    return port;
 }
 
 } // namespace
@@ -34,37 +53,18 @@ Session::Session(const Arguments& arguments)
              *usb_}),
       tables_([this] { return link_.Traits(); }, WorkingDirectory::AtStart()) {
     mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
-    const std::string port = arguments.Value("port");
-    const bool isNamed = IsNamedPort(port);
-    std::error_code unknown;
-    if (!isNamed && !std::filesystem::exists(port, unknown)) {
-        const bool isPath = port.find('/') != std::string::npos;
-        throw Stop{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
-                   "there is no port " + port +
-                       "; ports are COM1 to COM8, USB and paths of terminal devices"};
-    }
-    port_ = port;
-    settings_.WriteProfileString(SettingsSection::setup, "ComPort",
-                                 isNamed ? port : Printf("COM%d", pathNumber));
-    settings_.WriteProfileString(SettingsSection::setup, Printf("ComDevice%d", pathNumber), port);
-    const auto baud = arguments.Number("baud").value_or(usualBaudRate);
-    if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
-        WrongUse(Printf("--baud is 9600, 19200, 38400 or 57600; not %lld",
-                        static_cast<long long>(baud)));
-    }
-    settings_.WriteProfileInt(SettingsSection::setup, SettingsKey::baudRate,
-                              static_cast<int>(baud));
-    link_.Connect(static_cast<int>(baud));
+    const PortSetting port = PortOf(arguments, settings_);
+    link_.Connect(port);
     quiet_.reset();
     if (link_.IsDemoMode()) {
         // What the link says of it is meant for a window.
-        Fail(openError_ == 0       ? "no board answers on " + port
-             : openError_ == EBUSY ? "the port " + port + " is in use"
-                                   : "the port " + port + " cannot be opened: " +
+        Fail(openError_ == 0       ? "no board answers on " + port.name
+             : openError_ == EBUSY ? "the port " + port.name + " is in use"
+                                   : "the port " + port.name + " cannot be opened: " +
                                          (openError_ == ENOTTY ? "it is no terminal device"
                                                                : std::strerror(openError_)));
     }
-    WaitForBoard(port);
+    WaitForBoard(port.name);
     tables_.Load();
     NewTraceContext live{tables_};
     live.realTimeStore = &store_;
@@ -106,12 +106,7 @@ Session::~Session() {
 bool Session::TellMessages() {
     const auto said = prompts_.Take();
     std::string last;
-    for (std::string line : said) {
-        // The user knows the port by the name that he gave.
-        const std::string own = Printf("COM%d", pathNumber);
-        if (const std::size_t at = line.find(own); at != std::string::npos) {
-            line.replace(at, own.size(), port_);
-        }
+    for (const std::string& line : said) {
         if (line != last) {
             Say(line);
         }

@@ -43,7 +43,6 @@ private:
     void WaitForBoard(const std::string& port);
 
     std::optional<NoInterruptsForThreads> quiet_{std::in_place}; // while the link starts its own
-    std::string port_;
     LinePrompts prompts_;
     MainThread mainThread_;
     MemorySettings settings_;

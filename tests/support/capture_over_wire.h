@@ -26,7 +26,7 @@ protected:
     }
     void Connect(std::vector<std::string> options) {
         StartBoard(std::move(options));
-        link.Connect(9600);
+        link.Connect(Port());
         ASSERT_FALSE(link.IsDemoMode());
         document = std::make_unique<CTesselDoc>(context, prompts);
         ASSERT_TRUE(document->OnNewDocument());

@@ -108,10 +108,12 @@ protected:
     void UseSilence() {
         line->SetAnswer([](const Bytes&, int) { return Bytes{}; });
     }
+    /// The port that the settings choose.
+    [[nodiscard]] PortSetting Port() const { return ReadPortSetting(settings); }
     /// An open link whose log begins here, at 9600 baud.
     void OpenLink() {
         settings.WriteProfileInt(setup, "BaudRate", 9600);
-        static_cast<void>(link->Open());
+        static_cast<void>(link->Open(Port()));
         line->ForgetLog();
     }
     /// An open link to a board of a model, known by its identity.
@@ -127,7 +129,7 @@ protected:
     }
     void OpenUsbLink() {
         settings.WriteProfileString(setup, "ComPort", "USB");
-        EXPECT_FALSE(link->Open());
+        EXPECT_FALSE(link->Open(Port()));
         usb.ForgetCalls();
     }
 

@@ -39,6 +39,9 @@ protected:
         settings.WriteProfileString("Setup", "ComDevice3", board->Terminal());
     }
 
+    /// The port that the settings choose.
+    [[nodiscard]] PortSetting Port() const { return ReadPortSetting(settings); }
+
     MemorySettings settings;
     RecordingPrompts prompts;
     ImpatientClock clock;

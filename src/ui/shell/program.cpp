@@ -1,6 +1,6 @@
 #include "ui/shell/program.h"
 
-#include "platform/settings.h"
+#include "link/port_setting.h"
 #include "ui/framework/qt_settings.h"
 
 #include <QCoreApplication>
@@ -61,8 +61,7 @@ void Program::InitInstance() {
     frame_->RefreshStatusPanes();
     frame_->show();
     UpdateWindow(*frame_);
-    link_.Connect(machine_.settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate,
-                                                  usualBaudRate));
+    link_.Connect(ReadPortSetting(machine_.settings));
     frame_->RefreshStatusPanes();
     tables_.Load();
 }

@@ -355,7 +355,7 @@ TEST_F(SampleStoreTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
     store.BeginUpload();
     ASSERT_TRUE(Eventually([&] { return store.HasSample(96); }));
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     ASSERT_TRUE(UploadEnds());
     EXPECT_EQ(store.GetSample(96), RecordAt(-4));
@@ -474,7 +474,7 @@ TEST_F(CaptureRunTest, AnEndOfTheProgramLeavesTheBoardRunning) {
 TEST_F(CaptureRunTest, InDemoModeItEndsAtTheFirstLookWithoutSamples) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     prompts.Forget();
     store.StartCapture();

@@ -229,7 +229,7 @@ TEST_F(TraceRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
     StopRun(*document);
     ASSERT_TRUE(Eventually([&] { return Reads().size() == 4; }));
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(Ends());
     static_cast<void>(Follow());
     EXPECT_TRUE(document->IsValidSample(1000, false));
