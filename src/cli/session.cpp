@@ -43,20 +43,18 @@ PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
 } // namespace
 
 Session::Session(const Arguments& arguments)
-    : usb_(OpenUsbBus()), store_(CSampleStore::Board{link_, mainThread_, mainThread_}),
-      link_({settings_, mainThread_, clock_, mainThread_,
-             [this](const std::string& device) {
-                 auto port = OpenSerialPort(device);
-                 openError_ = port ? 0 : errno;
-                 return port;
-             },
-             *usb_}),
-      tables_([this] { return link_.Traits(); }, WorkingDirectory::AtStart()) {
+    : usb_(OpenUsbBus()), analyzer_({mainThread_, mainThread_, settings_, clock_, *usb_,
+                                     [this](const std::string& device) {
+                                         auto port = OpenSerialPort(device);
+                                         openError_ = port ? 0 : errno;
+                                         return port;
+                                     },
+                                     WorkingDirectory::AtStart()}) {
     mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
     const PortSetting port = PortOf(arguments, settings_);
-    link_.Connect(port);
+    Link().Connect(port);
     quiet_.reset();
-    if (link_.IsDemoMode()) {
+    if (Link().IsDemoMode()) {
         // What the link says of it is meant for a window.
         Fail(openError_ == 0       ? "no board answers on " + port.name
              : openError_ == EBUSY ? "the port " + port.name + " is in use"
@@ -65,9 +63,9 @@ Session::Session(const Arguments& arguments)
                                                                : std::strerror(openError_)));
     }
     WaitForBoard(port.name);
-    tables_.Load();
-    NewTraceContext live{tables_};
-    live.realTimeStore = &store_;
+    analyzer_.Tables().Load();
+    NewTraceContext live{analyzer_.Tables()};
+    live.realTimeStore = &Store();
     live.newDocRealTime = true;
     document_ = std::make_unique<CTesselDoc>(live, mainThread_);
     document_->OnNewDocument();
@@ -78,29 +76,23 @@ Session::Session(const Arguments& arguments)
 void Session::WaitForBoard(const std::string& port) {
     constexpr std::chrono::seconds longest(20); // all tries of a read need fifteen
     const auto end = std::chrono::steady_clock::now() + longest;
-    while (!link_.IsIdle() && std::chrono::steady_clock::now() < end) {
+    while (!Link().IsIdle() && std::chrono::steady_clock::now() < end) {
         if (Interrupted()) {
             Fail("interrupted");
         }
         Wait(std::chrono::milliseconds(50));
     }
-    if (!link_.IsIdle()) {
+    if (!Link().IsIdle()) {
         Fail("the board on " + port + " does not answer any more");
     }
-    link_.WaitIdle(); // until what came last is taken in
-    const bool hasName = !link_.Identity().modelString.starts_with('-');
-    if (!link_.IsIdentified() || !hasName) {
+    Link().WaitIdle(); // until what came last is taken in
+    const bool hasName = !Link().Identity().modelString.starts_with('-');
+    if (!Link().IsIdentified() || !hasName) {
         Fail("the board on " + port + " has not told what it is");
     }
     if (!prompts_.Take().empty()) {
         Fail("the board on " + port + " does not answer any more");
     }
-}
-
-// The monitor of a capture uses the link, and the link's thread may be completing a block.
-Session::~Session() {
-    document_.reset();
-    store_.ShutDown();
 }
 
 bool Session::TellMessages() {

@@ -27,14 +27,10 @@ private:
 class CaptureFixture : public LinkFixture {
 protected:
     CaptureFixture() {
+        analyzer->Tables().Load();
         context.realTimeStore = &store;
         context.newDocRealTime = true;
         board.onSampleRead = [](const WireBoard::SampleRead& read) { return Records(read); };
-    }
-    ~CaptureFixture() override {
-        document.reset();
-        store.ShutDown();
-        link.reset(); // its thread may be completing a block
     }
 
     /// What the wire says of its live status.
@@ -113,9 +109,9 @@ protected:
         return *document;
     }
 
-    CSampleStore store{CSampleStore::Board{*link, mainThread, prompts}};
-    NewTraceContext context{tables.tables};
-    BoardTables tables{"PCIKite-1"};
+    CSampleStore& store = analyzer->Store();
+    SignalTables& tables = analyzer->Tables();
+    NewTraceContext context{tables};
     bool silent = false; // for a test's own answers
     std::unique_ptr<CTesselDoc> document;
 };

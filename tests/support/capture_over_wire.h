@@ -3,7 +3,6 @@
 #include "boardsim/traffic.h"
 #include "capture/trace_document.h"
 #include "capture/trace_run.h"
-#include "support/board_tables.h"
 #include "support/wire_fixture.h"
 
 namespace busquill::test {
@@ -11,23 +10,15 @@ namespace busquill::test {
 /// Captures of the core over a real pseudo terminal.
 class CaptureOverWire : public LinkOverWire {
 protected:
-    explicit CaptureOverWire(const std::string& model = "PCIKite-1", std::int32_t mode = BusPci,
-                             std::int32_t width = 0)
-        : tables(model, mode, width) {
+    CaptureOverWire() {
         context.realTimeStore = &store;
         context.newDocRealTime = true;
-    }
-    ~CaptureOverWire() override {
-        document.reset();
-        store.ShutDown();
-        // The link's thread may be completing a block.
-        store.CancelUpload();
-        link.WaitIdle();
     }
     void Connect(std::vector<std::string> options) {
         StartBoard(std::move(options));
         link.Connect(Port());
         ASSERT_FALSE(link.IsDemoMode());
+        analyzer.Tables().Load();
         document = std::make_unique<CTesselDoc>(context, prompts);
         ASSERT_TRUE(document->OnNewDocument());
     }
@@ -76,9 +67,8 @@ protected:
         return records;
     }
 
-    BoardTables tables;
-    CSampleStore store{CSampleStore::Board{link, mainThread, prompts}};
-    NewTraceContext context{tables.tables};
+    CSampleStore& store = analyzer.Store();
+    NewTraceContext context{analyzer.Tables()};
     std::unique_ptr<CTesselDoc> document;
     RunState last;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/analyzer_link.h"
+#include "capture/analyzer.h"
 #include "platform/clock.h"
 #include "platform/main_thread.h"
 #include "platform/memory_settings.h"
@@ -48,7 +48,9 @@ protected:
     MainThread mainThread;
     ScriptedUsb usb;
     std::unique_ptr<BoardProcess> board;
-    CAnalyzerLink link{{settings, prompts, clock, mainThread, OpenSerialPort, usb}};
+    Analyzer analyzer{{mainThread, prompts, settings, clock, usb, OpenSerialPort,
+                       WorkingDirectory("/nonexistent")}};
+    CAnalyzerLink& link = analyzer.Link();
 };
 
 } // namespace busquill::test

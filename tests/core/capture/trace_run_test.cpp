@@ -68,7 +68,7 @@ protected:
 
 TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
     OpenBoard("PCIKite");
-    DownloadSetup(*link, TraceSetup(tables.tables), prompts);
+    DownloadSetup(*link, TraceSetup(tables), prompts);
     EXPECT_EQ(Written(420), (Bytes{0, 0, 1})) << "Sync, 50%, 3.75 ns";
     EXPECT_EQ(Written(20), Bytes(240)) << "nothing is compared";
     Bytes control(160);
@@ -84,7 +84,7 @@ TEST_F(TraceRunTest, TheDefaultSetupByteForByte) {
 
 TEST_F(TraceRunTest, ASetupOfTwoLevelsByteForByte) {
     OpenBoard("PCIKite");
-    TraceSetup program(tables.tables);
+    TraceSetup program(tables);
     program.clock = 16;            // 30.72 us
     program.triggerPosition = 1;   // 0%
     program.powerZoomClock = 8;    // 240 ns
@@ -164,7 +164,7 @@ TEST_F(TraceRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
         // The first frame of a write, whatever it writes.
         return sent.size() == 2 && sent[0] == 4 ? Bytes{} : board.Answer(sent, baud);
     });
-    DownloadSetup(*link, TraceSetup(tables.tables), prompts);
+    DownloadSetup(*link, TraceSetup(tables), prompts);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("Error sending trace parameter data to analyzer.",
                             "Error sending trace event setup data to analyzer.",
@@ -377,7 +377,7 @@ TEST_F(TraceRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
     document->OnCaptureStopped();
     document->FlushBlockUpdates();
     CSignalList& list = document->stateList;
-    CSignal* added = list.AddSignal(&list[0], tables.tables.busSignals.FindByName("AD"), 1001, 0, 7,
+    CSignal* added = list.AddSignal(&list[0], tables.busSignals.FindByName("AD"), 1001, 0, 7,
                                     0, Radix::Hex, true);
     document->LoadSignal(list, *added, false);
     gate.Open();
@@ -439,7 +439,7 @@ TEST_F(TraceRunTest, AChosenSetupIsLoadedAndSent) {
     NewDocument();
     SetLive(0x80, 0, 0);
     const TempDir dir;
-    TraceSetup program(tables.tables);
+    TraceSetup program(tables);
     program.name = "mine";
     program.clock = 1;
     ASSERT_TRUE(SaveSetupFile(program, dir.File("mine.tsp"), prompts));

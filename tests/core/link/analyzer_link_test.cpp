@@ -577,7 +577,7 @@ TEST_F(AnalyzerLinkTest, WaitIdleWaitsForTheLastCompletionToo) {
 TEST_F(AnalyzerLinkTest, TheDestructorClosesThePort) {
     OpenLink();
     EXPECT_EQ(line->OpenPorts(), 1);
-    link.reset();
+    analyzer.reset();
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
