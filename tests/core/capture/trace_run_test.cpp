@@ -377,8 +377,8 @@ TEST_F(TraceRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
     document->OnCaptureStopped();
     document->FlushBlockUpdates();
     CSignalList& list = document->stateList;
-    CSignal* added = list.AddSignal(&list[0], tables.busSignals.FindByName("AD"), 1001, 0, 7,
-                                    0, Radix::Hex, true);
+    CSignal* added = list.AddSignal(&list[0], tables.busSignals.FindByName("AD"), 1001, 0, 7, 0,
+                                    Radix::Hex, true);
     document->LoadSignal(list, *added, false);
     gate.Open();
     ASSERT_TRUE(Ends());
