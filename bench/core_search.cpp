@@ -1,5 +1,6 @@
 #include "capture/record_pattern.h"
 #include "signals/signal_list.h"
+#include "support/board_tables.h"
 
 #include <benchmark/benchmark.h>
 
@@ -27,7 +28,7 @@ const std::vector<SampleRecord>& Records() {
 
 /// A pattern of one bit.
 CSignalList PatternOf(std::int32_t dataIndex) {
-    CSignalList list;
+    CSignalList list(NoTables());
     CSignal* signal = list.InsertBlank(nullptr);
     signal->dataIndex = dataIndex;
     signal->data = {1};

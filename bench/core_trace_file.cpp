@@ -53,10 +53,10 @@ BENCHMARK(ReadLinesOnly)->Unit(benchmark::kMillisecond);
 
 /// Reading the capture whole: samples, default lists, rows and labels.
 void ReadTraceFile(benchmark::State& state) {
-    const BoardTables board("PCIKite-1");
+    BoardTables board("PCIKite-1");
     RecordingPrompts prompts;
     for (auto _ : state) {
-        NewTraceContext context;
+        NewTraceContext context{board.tables};
         CTesselDoc document(context, prompts);
         benchmark::DoNotOptimize(document.OnOpenDocument(CapturePath()));
     }

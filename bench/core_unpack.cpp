@@ -36,7 +36,7 @@ BoardTraits PciBoard() {
 struct Listing {
     test::TempDir directory;
     SignalTables tables{PciBoard, WorkingDirectory(directory.Path())};
-    CSignalList list;
+    CSignalList list{tables};
     std::vector<SampleRecord> records = RandomRecords();
 
     Listing() {

@@ -1,4 +1,4 @@
-#include "capture/board_capture.h"
+#include "capture/analyzer.h"
 #include "capture/trace_document.h"
 #include "capture/trace_writer.h"
 #include "support/board_tables.h"
@@ -62,34 +62,32 @@ void UploadBlocks(benchmark::State& state) {
     settings.WriteProfileString("Setup", "ComPort", "COM1");
     settings.WriteProfileInt("Setup", "BaudRate", 9600);
     settings.WriteProfileString("Setup", "ComDevice1", board.Terminal());
-    CAnalyzerLink link({settings, prompts, clock, mainThread, OpenSerialPort, usb});
-    link.Connect(9600);
-    {
-        BoardCapture capture(link, mainThread, prompts);
-        // The simplest program: everything is stored, the first sample triggers.
-        std::array<std::uint8_t, 160> control{};
-        std::fill_n(control.begin(), 16, std::uint8_t{0xFF});
-        control[16] = 1;
-        control[18] = 8;
-        if (!link.Exchange(WritePayload(CmdTraceControl, [&] {
-                return std::vector<std::uint8_t>(control.begin(), control.end());
-            }))) {
-            state.SkipWithError("no board");
+    Analyzer analyzer({mainThread, prompts, settings, clock, usb, OpenSerialPort,
+                       WorkingDirectory("/nonexistent")});
+    CAnalyzerLink& link = analyzer.Link();
+    BoardCapture& capture = analyzer.Capture();
+    link.Connect(ReadPortSetting(settings));
+    // The simplest program: everything is stored, the first sample triggers.
+    std::array<std::uint8_t, 160> control{};
+    std::fill_n(control.begin(), 16, std::uint8_t{0xFF});
+    control[16] = 1;
+    control[18] = 8;
+    if (!link.Exchange(WritePayload(CmdTraceControl, [&] {
+            return std::vector<std::uint8_t>(control.begin(), control.end());
+        }))) {
+        state.SkipWithError("no board");
+    }
+    const auto uploaded = [&] { return !capture.IsRunning() && !capture.upload.IsUploading(); };
+    capture.StartCapture();
+    while (!mainThread.WaitUntil(std::chrono::milliseconds(10), uploaded)) {
+    }
+    if (capture.store.GetCount(false) != blocks * 32) {
+        state.SkipWithError("another capture than expected");
+    }
+    for (auto _ : state) {
+        capture.upload.BeginUpload();
+        while (!mainThread.WaitUntil(std::chrono::seconds(10), uploaded)) {
         }
-        const auto uploaded = [&] { return !capture.IsRunning() && !capture.upload.IsUploading(); };
-        capture.StartCapture();
-        while (!mainThread.WaitUntil(std::chrono::milliseconds(10), uploaded)) {
-        }
-        if (capture.store.GetCount(false) != blocks * 32) {
-            state.SkipWithError("another capture than expected");
-        }
-        for (auto _ : state) {
-            capture.upload.BeginUpload();
-            while (!mainThread.WaitUntil(std::chrono::seconds(10), uploaded)) {
-            }
-        }
-        capture.ShutDown();
-        link.WaitIdle();
     }
     CountBlocks(state);
 }
@@ -125,10 +123,10 @@ void WriteBytesOnly(benchmark::State& state) {
 BENCHMARK(WriteBytesOnly)->Unit(benchmark::kMillisecond);
 
 void SaveTraceFile(benchmark::State& state) {
-    const BoardTables board("PCIKite-1");
+    BoardTables board("PCIKite-1");
     const TempDir dir;
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     const auto document = MakeCapture(context, prompts);
     std::int64_t bytes = 0;
     for (auto _ : state) {

@@ -12,6 +12,7 @@ public:
     explicit Bus(const Arguments& arguments);
 
     [[nodiscard]] const BoardTraits& Board() const noexcept { return board_; }
+    [[nodiscard]] SignalTables& Tables() noexcept { return tables_; }
     [[nodiscard]] const SignalTables& Tables() const noexcept { return tables_; }
 
 private:

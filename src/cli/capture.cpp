@@ -45,7 +45,7 @@ struct Wish {
 void CheckSetup(const std::string& path) {
     BoardTraits board;
     SignalTables tables([&board] { return board; }, WorkingDirectory::AtStart());
-    TraceSetup setup;
+    TraceSetup setup(tables);
     LinePrompts prompts;
     TextReader file = OpenInput(path);
     if (!LoadSetupFile(setup, file, prompts)) {

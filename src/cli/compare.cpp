@@ -94,10 +94,10 @@ struct Difference {
 
 class Comparison {
 public:
-    Comparison(const Arguments& arguments, const Bus& bus)
+    Comparison(const Arguments& arguments, Bus& bus)
         : signals_(bus.Tables()),
           byPlace_(arguments.OneOf("align", {"trigger", "start"}) == "start"),
-          a_(arguments.operands[0]), b_(arguments.operands[1]) {
+          a_(arguments.operands[0], bus.Tables()), b_(arguments.operands[1], bus.Tables()) {
         if (arguments.operands[0] == "-" && arguments.operands[1] == "-") {
             WrongUse("only one of the captures can be standard input");
         }
@@ -225,7 +225,7 @@ void WriteJson(Comparison& comparison, const Summary& summary, Output& output) {
 } // namespace
 
 int RunCompare(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     Comparison comparison(arguments, bus);
     const Summary summary = comparison.Sum();
     Output output(arguments.Value("output"));

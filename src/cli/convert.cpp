@@ -293,7 +293,7 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
 } // namespace
 
 int RunConvert(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     const std::string path = arguments.Value("output");
     const std::string format = FormatOf(arguments);
     if (format == "vcd" && ToLower(path).ends_with(".gtkw")) {
@@ -303,7 +303,7 @@ int RunConvert(const Arguments& arguments) {
         WrongUse("--changes is for .csv; a ." + format + " holds " +
                  (format == "vcd" ? "changes in any case" : "all samples"));
     }
-    TraceInput input(arguments.operands[0]);
+    TraceInput input(arguments.operands[0], bus.Tables());
     Source source(arguments, input);
     const bool any = format == "vcd"   ? ToDump(source, bus, arguments)
                      : format == "csv" ? ToTable(source, bus, path, arguments.Has("changes"))

@@ -70,7 +70,7 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
 } // namespace
 
 int RunInfo(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     Output output(arguments.Value("output"));
     const bool json = arguments.Has("json");
     bool first = true;
@@ -78,7 +78,7 @@ int RunInfo(const Arguments& arguments) {
     for (const std::string& path : arguments.operands) {
         std::vector<Fact> facts;
         try {
-            TraceInput input(path);
+            TraceInput input(path, bus.Tables());
             facts = FactsOf(input, bus);
         } catch (const Stop& stop) {
             // The other files are told of all the same.

@@ -60,8 +60,9 @@ TextReader OpenInput(const std::string& path) {
     return reader;
 }
 
-TraceInput::TraceInput(const std::string& path)
-    : name_(path == "-" ? "standard input" : path), file_(OpenInput(path)), stream_(file_) {}
+TraceInput::TraceInput(const std::string& path, SignalTables& tables)
+    : name_(path == "-" ? "standard input" : path), file_(OpenInput(path)), stream_(file_, tables) {
+}
 
 void TraceInput::Check(const std::string& wrong) const {
     if (!wrong.empty()) {

@@ -15,7 +15,8 @@ class Output;
 /// A trace file of the command line. Its functions throw Stop for a file that is no good.
 class TraceInput {
 public:
-    explicit TraceInput(const std::string& path);
+    /// The tables outlive the input.
+    TraceInput(const std::string& path, SignalTables& tables);
 
     [[nodiscard]] TraceStream& Stream() noexcept { return stream_; }
     /// What the file is called in messages.

@@ -193,11 +193,11 @@ std::string FormatOf(const Arguments& arguments) {
 } // namespace
 
 int RunList(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     const NumberRange range = RangeOf(arguments);
     const std::string format = FormatOf(arguments);
     const bool zoom = arguments.Has("zoom");
-    TraceInput input(arguments.operands[0]);
+    TraceInput input(arguments.operands[0], bus.Tables());
     const TraceSurvey survey = input.Survey();
     if (zoom) {
         input.RequireZoom(survey);

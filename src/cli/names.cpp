@@ -32,11 +32,11 @@ std::string AsText(const NamedSignal& signal, const std::vector<std::string>& la
 } // namespace
 
 int RunNames(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     std::optional<TraceInput> input;
-    const CSignalList none; // without a capture
+    const CSignalList none(bus.Tables()); // without a capture
     if (!arguments.operands.empty()) {
-        input.emplace(arguments.operands[0]);
+        input.emplace(arguments.operands[0], bus.Tables());
         input->ReadHead();
     }
     const std::initializer_list<const CSignalList*> lists = {

@@ -92,10 +92,10 @@ private:
 } // namespace
 
 int RunSearch(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     const bool backward = arguments.Has("backward");
     const auto from = arguments.Number("from");
-    TraceInput input(arguments.operands[0]);
+    TraceInput input(arguments.operands[0], bus.Tables());
     input.ReadHead();
     const SearchCondition condition = ConditionOf(arguments, bus, input.Stream());
     Output output(arguments.Value("output"));
@@ -123,8 +123,8 @@ int RunSearch(const Arguments& arguments) {
 }
 
 int RunFilter(const Arguments& arguments) {
-    const Bus bus(arguments);
-    TraceInput input(arguments.operands[0]);
+    Bus bus(arguments);
+    TraceInput input(arguments.operands[0], bus.Tables());
     TraceStream& stream = input.Stream();
     input.ReadHead();
     const SearchCondition condition = ConditionOf(arguments, bus, stream);

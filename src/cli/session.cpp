@@ -13,62 +13,59 @@ namespace busquill::cli {
 
 namespace {
 
-/// A name of the link's own kind for the device of a path.
-constexpr int pathNumber = 99;
-
 bool IsNamedPort(const std::string& port) {
     return port == "USB" || port == "USB2" ||
            (port.size() == 4 && port.starts_with("COM") && port[3] >= '1' && port[3] <= '8');
 }
 
-} // namespace
-
-Session::Session(const Arguments& arguments)
-    : usb_(OpenUsbBus()), capture_(link_, mainThread_, mainThread_),
-      link_({settings_, mainThread_, clock_, mainThread_,
-             [this](const std::string& device) {
-                 auto port = OpenSerialPort(device);
-                 openError_ = port ? 0 : errno;
-                 return port;
-             },
-             *usb_}),
-      tables_([this] { return link_.Traits(); }, WorkingDirectory::AtStart()) {
-    mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
-    const std::string port = arguments.Value("port");
-    const bool isNamed = IsNamedPort(port);
+/// The port that the options name, by a name or by the path of its device.
+PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
+    const std::string name = arguments.Value("port");
+    PortSetting port{PortSetting::Kind::Serial, name, name};
     std::error_code unknown;
-    if (!isNamed && !std::filesystem::exists(port, unknown)) {
-        const bool isPath = port.find('/') != std::string::npos;
+    if (IsNamedPort(name)) {
+        port = PortNamed(name, settings);
+    } else if (!std::filesystem::exists(name, unknown)) {
+        const bool isPath = name.find('/') != std::string::npos;
         throw Stop{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
-                   "there is no port " + port +
+                   "there is no port " + name +
                        "; ports are COM1 to COM8, USB and paths of terminal devices"};
     }
-    port_ = port;
-    settings_.WriteProfileString(SettingsSection::setup, "ComPort",
-                                 isNamed ? port : Printf("COM%d", pathNumber));
-    settings_.WriteProfileString(SettingsSection::setup, Printf("ComDevice%d", pathNumber), port);
     const auto baud = arguments.Number("baud").value_or(usualBaudRate);
     if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
         WrongUse(Printf("--baud is 9600, 19200, 38400 or 57600; not %lld",
                         static_cast<long long>(baud)));
     }
-    settings_.WriteProfileInt(SettingsSection::setup, SettingsKey::baudRate,
-                              static_cast<int>(baud));
-    link_.Connect(static_cast<int>(baud));
+    port.baud = static_cast<int>(baud);
+    return port;
+}
+
+} // namespace
+
+Session::Session(const Arguments& arguments)
+    : usb_(OpenUsbBus()), analyzer_({mainThread_, mainThread_, settings_, clock_, *usb_,
+                                     [this](const std::string& device) {
+                                         auto port = OpenSerialPort(device);
+                                         openError_ = port ? 0 : errno;
+                                         return port;
+                                     },
+                                     WorkingDirectory::AtStart()}) {
+    mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
+    const PortSetting port = PortOf(arguments, settings_);
+    Link().Connect(port);
     quiet_.reset();
-    if (link_.IsDemoMode()) {
+    if (Link().IsDemoMode()) {
         // What the link says of it is meant for a window.
-        Fail(openError_ == 0       ? "no board answers on " + port
-             : openError_ == EBUSY ? "the port " + port + " is in use"
-                                   : "the port " + port + " cannot be opened: " +
+        Fail(openError_ == 0       ? "no board answers on " + port.name
+             : openError_ == EBUSY ? "the port " + port.name + " is in use"
+                                   : "the port " + port.name + " cannot be opened: " +
                                          (openError_ == ENOTTY ? "it is no terminal device"
                                                                : std::strerror(openError_)));
     }
-    WaitForBoard(port);
-    tables_.Load();
-    NewTraceContext live;
-    live.link = &link_;
-    live.boardCapture = &capture_;
+    WaitForBoard(port.name);
+    analyzer_.Tables().Load();
+    NewTraceContext live{analyzer_.Tables()};
+    live.analyzer = &analyzer_;
     live.newDocRealTime = true;
     document_ = std::make_unique<CTesselDoc>(live, mainThread_);
     document_->OnNewDocument();
@@ -79,18 +76,18 @@ Session::Session(const Arguments& arguments)
 void Session::WaitForBoard(const std::string& port) {
     constexpr std::chrono::seconds longest(20); // all tries of a read need fifteen
     const auto end = std::chrono::steady_clock::now() + longest;
-    while (!link_.IsIdle() && std::chrono::steady_clock::now() < end) {
+    while (!Link().IsIdle() && std::chrono::steady_clock::now() < end) {
         if (Interrupted()) {
             Fail("interrupted");
         }
         Wait(std::chrono::milliseconds(50));
     }
-    if (!link_.IsIdle()) {
+    if (!Link().IsIdle()) {
         Fail("the board on " + port + " does not answer any more");
     }
-    link_.WaitIdle(); // until what came last is taken in
-    const bool hasName = !link_.Identity().modelString.starts_with('-');
-    if (!link_.IsIdentified() || !hasName) {
+    Link().WaitIdle(); // until what came last is taken in
+    const bool hasName = !Link().Identity().modelString.starts_with('-');
+    if (!Link().IsIdentified() || !hasName) {
         Fail("the board on " + port + " has not told what it is");
     }
     if (!prompts_.Take().empty()) {
@@ -98,21 +95,10 @@ void Session::WaitForBoard(const std::string& port) {
     }
 }
 
-// The monitor of a capture uses the link, and the link's thread may be completing a block.
-Session::~Session() {
-    document_.reset();
-    capture_.ShutDown();
-}
-
 bool Session::TellMessages() {
     const auto said = prompts_.Take();
     std::string last;
-    for (std::string line : said) {
-        // The user knows the port by the name that he gave.
-        const std::string own = Printf("COM%d", pathNumber);
-        if (const std::size_t at = line.find(own); at != std::string::npos) {
-            line.replace(at, own.size(), port_);
-        }
+    for (const std::string& line : said) {
         if (line != last) {
             Say(line);
         }

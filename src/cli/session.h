@@ -1,16 +1,14 @@
 #pragma once
 
-#include "capture/board_capture.h"
+#include "capture/analyzer.h"
 #include "capture/trace_document.h"
 #include "cli/interrupt.h"
 #include "cli/line_prompts.h"
-#include "link/analyzer_link.h"
 #include "platform/clock.h"
 #include "platform/main_thread.h"
 #include "platform/memory_settings.h"
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
-#include "signals/signal_tables.h"
 
 #include <chrono>
 #include <memory>
@@ -26,13 +24,12 @@ class Session {
 public:
     /// Connects to the board on the port that the options name; throws Stop where none answers.
     explicit Session(const Arguments& arguments);
-    ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    [[nodiscard]] CAnalyzerLink& Link() noexcept { return link_; }
-    [[nodiscard]] BoardCapture& Capture() noexcept { return capture_; }
-    [[nodiscard]] const SignalTables& Tables() const noexcept { return tables_; }
+    [[nodiscard]] CAnalyzerLink& Link() noexcept { return analyzer_.Link(); }
+    [[nodiscard]] BoardCapture& Capture() noexcept { return analyzer_.Capture(); }
+    [[nodiscard]] const SignalTables& Tables() noexcept { return analyzer_.Tables(); }
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
     [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
     /// Tells what the program has to say since the last call; false when it was nothing.
@@ -44,16 +41,13 @@ private:
     void WaitForBoard(const std::string& port);
 
     std::optional<NoInterruptsForThreads> quiet_{std::in_place}; // while the link starts its own
-    std::string port_;
     LinePrompts prompts_;
     MainThread mainThread_;
     MemorySettings settings_;
     SystemClock clock_;
     int openError_ = 0; // why the serial port does not open
     std::unique_ptr<UsbBus> usb_;
-    BoardCapture capture_; // outlives the link's thread
-    CAnalyzerLink link_;
-    SignalTables tables_;
+    Analyzer analyzer_;
     std::unique_ptr<CTesselDoc> document_;
 };
 

@@ -66,10 +66,10 @@ std::string AsJson(const std::vector<Payload>& payloads) {
 } // namespace
 
 int RunSetup(const Arguments& arguments) {
-    const Bus bus(arguments);
+    Bus bus(arguments);
     const std::string& path = arguments.operands[0];
     TextReader file = OpenInput(path);
-    TraceSetup setup;
+    TraceSetup setup(bus.Tables());
     LinePrompts prompts;
     if (!LoadSetupFile(setup, file, prompts)) {
         const auto said = prompts.Take();

@@ -137,8 +137,8 @@ std::string AsJson(const TraceSummary& sum, const FirstNumbers& first) {
 } // namespace
 
 int RunStats(const Arguments& arguments) {
-    const Bus bus(arguments);
-    TraceInput input(arguments.operands[0]);
+    Bus bus(arguments);
+    TraceInput input(arguments.operands[0], bus.Tables());
     input.ReadHead();
     TraceStats stats(bus.Board(), bus.Tables());
     FirstNumbers first;

@@ -8,11 +8,11 @@ using namespace busquill;
 using namespace busquill::test;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const BoardTables board("PCIKite-1");
+    static BoardTables board("PCIKite-1");
     static const TempDir dir;
     const std::string text(reinterpret_cast<const char*>(data), size);
     RecordingPrompts prompts;
-    TraceSetup setup;
+    TraceSetup setup(board.tables);
     static_cast<void>(LoadSetupFile(setup, dir.Write("a.tsp", text), prompts));
     static_cast<void>(BuildTraceControl(setup));
     static_cast<void>(BuildEventRows(setup.events, 8));

@@ -10,7 +10,7 @@ using namespace busquill::test;
 
 /// A capture as a stream: surveyed, listed, and exported with lists as they stand in the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const BoardTables board("PCIKite-1");
+    static BoardTables board("PCIKite-1");
     static const TempDir dir;
     const std::string text(reinterpret_cast<const char*>(data), size);
     TextReader file;
@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             dir.Write("a.tra", "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" + text))) {
         return 0;
     }
-    TraceStream stream(file);
+    TraceStream stream(file, board.tables);
     TraceSurvey survey;
     if (!stream.Survey(survey).empty()) {
         return 0;

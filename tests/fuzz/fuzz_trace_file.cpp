@@ -7,14 +7,14 @@ using namespace busquill;
 using namespace busquill::test;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const BoardTables board("PCIKite-1");
+    static BoardTables board("PCIKite-1");
     static const TempDir dir;
     // A header in front, so that most inputs get beyond it.
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::string path =
         dir.Write("a.tra", "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" + text);
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     CTesselDoc document(context, prompts);
     static_cast<void>(document.OnOpenDocument(path));
     return 0;

@@ -18,4 +18,10 @@ public:
     SignalTables tables;
 };
 
+/// Tables that define nothing, for lists whose signals are made by hand.
+inline SignalTables& NoTables() {
+    static SignalTables none([] { return BoardTraits(); }, WorkingDirectory("/nonexistent"));
+    return none;
+}
+
 } // namespace busquill::test

@@ -27,15 +27,10 @@ private:
 class CaptureFixture : public LinkFixture {
 protected:
     CaptureFixture() {
-        context.link = link.get();
-        context.boardCapture = &capture;
+        analyzer->Tables().Load();
+        context.analyzer = analyzer.get();
         context.newDocRealTime = true;
         board.onSampleRead = [](const WireBoard::SampleRead& read) { return Records(read); };
-    }
-    ~CaptureFixture() override {
-        document.reset();
-        capture.ShutDown();
-        link.reset(); // its thread may be completing a block
     }
 
     /// What the wire says of its live status.
@@ -114,11 +109,11 @@ protected:
         return *document;
     }
 
-    BoardCapture capture{*link, mainThread, prompts};
+    BoardCapture& capture = analyzer->Capture();
     CSampleStore& store = capture.store;
     SampleUpload& upload = capture.upload;
-    NewTraceContext context;
-    BoardTables tables{"PCIKite-1"};
+    SignalTables& tables = analyzer->Tables();
+    NewTraceContext context{tables};
     bool silent = false; // for a test's own answers
     std::unique_ptr<CTesselDoc> document;
 };

@@ -1,9 +1,7 @@
 #pragma once
 
 #include "boardsim/traffic.h"
-#include "capture/board_capture.h"
 #include "capture/trace_document.h"
-#include "support/board_tables.h"
 #include "support/wire_fixture.h"
 
 namespace busquill::test {
@@ -11,24 +9,15 @@ namespace busquill::test {
 /// Captures of the core over a real pseudo terminal.
 class CaptureOverWire : public LinkOverWire {
 protected:
-    explicit CaptureOverWire(const std::string& model = "PCIKite-1", std::int32_t mode = BusPci,
-                             std::int32_t width = 0)
-        : tables(model, mode, width) {
-        context.link = &link;
-        context.boardCapture = &capture;
+    CaptureOverWire() {
+        context.analyzer = &analyzer;
         context.newDocRealTime = true;
-    }
-    ~CaptureOverWire() override {
-        document.reset();
-        capture.ShutDown();
-        // The link's thread may be completing a block.
-        upload.CancelUpload();
-        link.WaitIdle();
     }
     void Connect(std::vector<std::string> options) {
         StartBoard(std::move(options));
-        link.Connect(9600);
+        link.Connect(Port());
         ASSERT_FALSE(link.IsDemoMode());
+        analyzer.Tables().Load();
         document = std::make_unique<CTesselDoc>(context, prompts);
         ASSERT_TRUE(document->OnNewDocument());
     }
@@ -78,11 +67,10 @@ protected:
         return records;
     }
 
-    BoardTables tables;
-    BoardCapture capture{link, mainThread, prompts};
+    BoardCapture& capture = analyzer.Capture();
     CSampleStore& store = capture.store;
     SampleUpload& upload = capture.upload;
-    NewTraceContext context;
+    NewTraceContext context{analyzer.Tables()};
     std::unique_ptr<CTesselDoc> document;
     RunState last;
 };

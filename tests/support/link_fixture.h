@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/analyzer_link.h"
+#include "capture/analyzer.h"
 #include "platform/main_thread.h"
 #include "platform/memory_settings.h"
 #include "support/recording_prompts.h"
@@ -93,13 +93,15 @@ protected:
     /// With boxes of the test's own instead of the recorder.
     explicit LinkFixture(Prompts* boxes)
         : line(std::make_shared<ScriptedLine>(clock)),
-          link(std::make_unique<CAnalyzerLink>(CAnalyzerLink::Services{
-              settings, boxes == nullptr ? prompts : *boxes, clock, mainThread,
-              [this](const std::string& device) { return OpenScripted(device); }, usb})) {
+          analyzer(std::make_unique<Analyzer>(Analyzer::Machine{
+              mainThread, boxes == nullptr ? prompts : *boxes, settings, clock, usb,
+              [this](const std::string& device) { return OpenScripted(device); },
+              WorkingDirectory("/nonexistent")})),
+          link(&analyzer->Link()) {
         settings.WriteProfileString(setup, "ComPort", "COM1");
         UseBoard();
     }
-    ~LinkFixture() override { link.reset(); }
+    ~LinkFixture() override { analyzer.reset(); }
 
     /// The line's far end is the board again, without faults.
     void UseBoard() {
@@ -108,10 +110,12 @@ protected:
     void UseSilence() {
         line->SetAnswer([](const Bytes&, int) { return Bytes{}; });
     }
+    /// The port that the settings choose.
+    [[nodiscard]] PortSetting Port() const { return ReadPortSetting(settings); }
     /// An open link whose log begins here, at 9600 baud.
     void OpenLink() {
         settings.WriteProfileInt(setup, "BaudRate", 9600);
-        static_cast<void>(link->Open());
+        static_cast<void>(link->Open(Port()));
         line->ForgetLog();
     }
     /// An open link to a board of a model, known by its identity.
@@ -127,7 +131,7 @@ protected:
     }
     void OpenUsbLink() {
         settings.WriteProfileString(setup, "ComPort", "USB");
-        EXPECT_FALSE(link->Open());
+        EXPECT_FALSE(link->Open(Port()));
         usb.ForgetCalls();
     }
 
@@ -158,7 +162,8 @@ protected:
     ScriptedUsb usb;
     bool portOpens = true;
     std::vector<std::string> openedDevices;
-    std::unique_ptr<CAnalyzerLink> link; // last: its thread uses the others
+    std::unique_ptr<Analyzer> analyzer; // its threads use the others
+    CAnalyzerLink* link;
 };
 
 } // namespace busquill::test

@@ -94,7 +94,7 @@ protected:
     const TempDir dir;
     RecordingPrompts prompts;
     MemorySettings settings;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     std::unique_ptr<CTesselDoc> document;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/analyzer_link.h"
+#include "capture/analyzer.h"
 #include "platform/clock.h"
 #include "platform/main_thread.h"
 #include "platform/memory_settings.h"
@@ -39,13 +39,18 @@ protected:
         settings.WriteProfileString("Setup", "ComDevice3", board->Terminal());
     }
 
+    /// The port that the settings choose.
+    [[nodiscard]] PortSetting Port() const { return ReadPortSetting(settings); }
+
     MemorySettings settings;
     RecordingPrompts prompts;
     ImpatientClock clock;
     MainThread mainThread;
     ScriptedUsb usb;
     std::unique_ptr<BoardProcess> board;
-    CAnalyzerLink link{{settings, prompts, clock, mainThread, OpenSerialPort, usb}};
+    Analyzer analyzer{{mainThread, prompts, settings, clock, usb, OpenSerialPort,
+                       WorkingDirectory("/nonexistent")}};
+    CAnalyzerLink& link = analyzer.Link();
 };
 
 } // namespace busquill::test

@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 TEST_F(LinkOverWire, FindsTheBoardAndReadsWhatItIs) {
     StartBoard({"--bus-byte", "0x14", "--mhz", "66"});
-    link.Connect(9600);
+    link.Connect(Port());
     EXPECT_FALSE(link.IsDemoMode());
     const BoardIdentity identity = link.Identity();
     EXPECT_EQ(identity.modelString, "PCIKite-3");
@@ -31,7 +31,7 @@ TEST_F(LinkOverWire, MovesABoardFromEveryRateToTheConfiguredOne) {
     for (const int rate : {9600, 19200, 28800, 38400, 57600}) {
         StartBoard({"--baud", std::to_string(rate)});
         settings.WriteProfileInt("Setup", "BaudRate", 38400);
-        link.Connect(38400);
+        link.Connect(Port());
         EXPECT_EQ(link.Identity().modelString, "PCIKite-3") << rate;
         EXPECT_FALSE(link.IsDemoMode()) << rate;
         const auto functions = board->Functions();
@@ -48,7 +48,7 @@ TEST_F(LinkOverWire, MovesABoardFromEveryRateToTheConfiguredOne) {
 TEST_F(LinkOverWire, FindsABoardThatStandsInTheMiddleOfAFrame) {
     StartBoard();
     board->Fault("half-frame");
-    link.Connect(9600);
+    link.Connect(Port());
     EXPECT_EQ(link.Identity().modelString, "PCIKite-3");
 }
 
@@ -56,14 +56,14 @@ TEST_F(LinkOverWire, KnowsEveryModel) {
     for (const char* model : {"PCIKite", "PCIWren", "VMEKite", "VMEWren", "VMELark", "PCFKite",
                               "PCFWren", "PMCKite", "PMCWren", "VSBKite"}) {
         StartBoard({"--model", model, "--suffix", "2"});
-        link.Connect(9600);
+        link.Connect(Port());
         EXPECT_EQ(link.Identity().modelString, std::string(model) + "-2");
     }
 }
 
 TEST_F(LinkOverWire, BusConfigurationGoesThereAndBack) {
     StartBoard();
-    link.Connect(9600);
+    link.Connect(Port());
     link.WriteBusConfig({BusPciX, 1, 1, 133, 1});
     BusConfig read;
     link.ReadBusConfig(read);
@@ -77,7 +77,7 @@ TEST_F(LinkOverWire, SavedBusConfigurationOverridesTheBoard) {
     settings.WriteProfileInt("Setup", "SaveBusConfig", 1);
     settings.WriteProfileInt("Setup", "BusMode", 1);
     settings.WriteProfileInt("Setup", "BusFrequency", 16);
-    link.Connect(9600);
+    link.Connect(Port());
     BusConfig read;
     link.ReadBusConfig(read);
     EXPECT_EQ(read, (BusConfig{BusVme, 0, 0, 16, 0}));
@@ -85,7 +85,7 @@ TEST_F(LinkOverWire, SavedBusConfigurationOverridesTheBoard) {
 
 TEST_F(LinkOverWire, LostAcknowledgementIsRepaired) {
     StartBoard();
-    link.Connect(9600);
+    link.Connect(Port());
     board->Fault("drop-ack 3");
     std::uint8_t name[8] = {};
     EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
@@ -100,7 +100,7 @@ TEST_F(LinkOverWire, LostAcknowledgementIsRepaired) {
 
 TEST_F(LinkOverWire, ShortReplyIsAskedForAgain) {
     StartBoard();
-    link.Connect(9600);
+    link.Connect(Port());
     board->Fault("short-reply 2");
     std::uint8_t name[8] = {};
     EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
@@ -113,7 +113,7 @@ TEST_F(LinkOverWire, ShortReplyIsAskedForAgain) {
 TEST_F(LinkOverWire, SilentBoardLeadsToDemoMode) {
     StartBoard({"--fault", "silence"});
     clock.patient = true;
-    link.Connect(9600);
+    link.Connect(Port());
     EXPECT_TRUE(link.IsDemoMode());
     EXPECT_EQ(link.Identity().modelString, "Demo Mode");
     ASSERT_EQ(prompts.Boxes().size(), 1U);
@@ -123,26 +123,26 @@ TEST_F(LinkOverWire, SilentBoardLeadsToDemoMode) {
 TEST_F(LinkOverWire, NoDeviceLeadsToDemoMode) {
     settings.WriteProfileString("Setup", "ComPort", "COM1");
     settings.WriteProfileString("Setup", "ComDevice1", "/nonexistent/tty");
-    link.Connect(9600);
+    link.Connect(Port());
     EXPECT_TRUE(link.IsDemoMode());
     EXPECT_EQ(prompts.Boxes().size(), 1U);
 }
 
 TEST_F(LinkOverWire, PortThatGoesAwayFailsTheRequestAndTheProgramGoesOn) {
     StartBoard();
-    link.Connect(9600);
+    link.Connect(Port());
     board->Fault("go-away");
     std::uint8_t byte = 0;
     EXPECT_FALSE(link.Exchange(ReadRegisters(0, {&byte, 1})));
     StartBoard();
-    link.Connect(9600);
+    link.Connect(Port());
     EXPECT_TRUE(link.Exchange(ReadRegisters(0, {&byte, 1})));
     EXPECT_EQ(byte, 'P');
 }
 
 TEST_F(LinkOverWire, SamplesComeByTheirDistanceFromTheTrigger) {
     StartBoard({"--samples", "256"});
-    link.Connect(9600);
+    link.Connect(Port());
     std::vector<std::uint8_t> before(64 * 18);
     std::vector<std::uint8_t> after(32 * 18);
     ASSERT_TRUE(link.Exchange(ReadSamples(CmdReadSamplesBefore, 32, before)));
@@ -153,7 +153,7 @@ TEST_F(LinkOverWire, SamplesComeByTheirDistanceFromTheTrigger) {
 
 TEST_F(LinkOverWire, RequestsOfTwoThreadsAllComeBack) {
     StartBoard();
-    link.Connect(9600);
+    link.Connect(Port());
     std::atomic<int> good = 0;
     std::thread other([&] {
         for (int i = 0; i < 50; ++i) {

@@ -285,6 +285,8 @@ TEST_F(TraceProgramEnd, LostLinkLeavesTheTargetAsItWas) {
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err,
                 EndsWith(Line("the board does not answer any more; nothing has been fetched")));
+    EXPECT_THAT(run.err, HasSubstr("Error writing to " + board->Terminal() + ", err "))
+        << "the port by the name that the user gave";
     EXPECT_EQ(ReadWholeFile(target), "an older capture\n");
     EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
 }

@@ -53,10 +53,10 @@ class WizardOverWire : public CaptureOverWire {
 protected:
     static constexpr std::size_t half = 512; // of the board's memory
 
-    using CaptureOverWire::CaptureOverWire;
-
-    void Start(const std::string& model, const std::string& familyName, Family family) {
-        Connect({"--model", model, "--family", familyName, "--buffer", "1", "--seed", "3"});
+    void Start(const std::string& model, const std::string& familyName, Family family,
+               int busByte = 0) {
+        Connect({"--model", model, "--bus-byte", std::to_string(busByte), "--family", familyName,
+                 "--buffer", "1", "--seed", "3"});
         traffic = boardsim::MakeRecords(family, 3, 1500000);
     }
     WizardAnswer Answer(const Question& question) {
@@ -126,11 +126,11 @@ protected:
 /// A bus on which a transfer has its address first and its data later.
 class PciWizard : public WizardOverWire {
 protected:
-    explicit PciWizard(std::int32_t mode = BusPci, std::int32_t width = 0, int bits = 32)
-        : WizardOverWire("PCIKite-1", mode, width), busBits(bits) {}
+    explicit PciWizard(int configuration = 0, int bits = 32)
+        : busByte(configuration), busBits(bits) {}
 
     void StartPci(const std::string& familyName, Family family) {
-        Start("PCIKite", familyName, family);
+        Start("PCIKite", familyName, family, busByte);
         std::optional<std::uint64_t> current;
         for (const Record& record : traffic) {
             if (IsAddress(record)) {
@@ -192,7 +192,8 @@ protected:
         return Of(WizardCycle::All, WizardDirection::Both, std::move(address), std::move(data));
     }
 
-    int busBits;
+    const int busByte;
+    const int busBits;
     bool isPciX = false;
     std::vector<std::optional<std::uint64_t>> commands; // of the transfer that each sample is in
 };
@@ -225,7 +226,7 @@ TEST_F(PciWizard, TriggersAndStoresAsAsked) {
 
 class Pci64Wizard : public PciWizard {
 protected:
-    Pci64Wizard() : PciWizard(BusPci, 1, 64) {}
+    Pci64Wizard() : PciWizard(0x04, 64) {}
 };
 
 TEST_F(Pci64Wizard, ComparesTheWholeBus) {
@@ -237,7 +238,7 @@ TEST_F(Pci64Wizard, ComparesTheWholeBus) {
 
 class PciXWizard : public PciWizard {
 protected:
-    PciXWizard() : PciWizard(BusPciX, 0, 64) { isPciX = true; }
+    PciXWizard() : PciWizard(0x01, 64) { isPciX = true; }
 };
 
 TEST_F(PciXWizard, KnowsAttributesAndCommandsOfItsOwn) {
@@ -252,8 +253,6 @@ TEST_F(PciXWizard, KnowsAttributesAndCommandsOfItsOwn) {
 /// A bus whose cycles have address and data at once.
 class VmeWizard : public WizardOverWire {
 protected:
-    explicit VmeWizard(const std::string& model = "VMEKite") : WizardOverWire(model, BusVme) {}
-
     bool Holds(const Question& asked, std::size_t at) const {
         const Record& record = traffic[at];
         return asked.command(GetField(record, writeBit, 1) |
@@ -313,7 +312,7 @@ TEST_F(VmeWizard, TriggersAndStoresAsAsked) {
 
 class LarkWizard : public VmeWizard {
 protected:
-    LarkWizard() : VmeWizard("VMELark") {
+    LarkWizard() {
         writeBit = 97;
         interruptBit = 0; // the board does not look at it
     }

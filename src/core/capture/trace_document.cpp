@@ -1,6 +1,6 @@
 #include "capture/trace_document.h"
 
-#include "capture/board_capture.h"
+#include "capture/analyzer.h"
 #include "capture/record_pattern.h"
 #include "capture/trace_file.h"
 #include "platform/working_directory.h"
@@ -18,14 +18,18 @@ constexpr std::int64_t zoomTrigger = 255;
 } // namespace
 
 CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
-    : prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
-      boardCapture_(context.boardCapture), saveTrace_(context.saveTrace) {
+    : waveformList(context.tables), stateList(context.tables), zoomList(context.tables),
+      searchPattern(context.tables), filterPattern(context.tables), setup(context.tables),
+      prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
+      boardCapture_(context.analyzer == nullptr ? nullptr : &context.analyzer->Capture()),
+      saveTrace_(context.saveTrace) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
     if (isRealTime_ && boardCapture_ != nullptr) {
         auto timer = context.makeTimer ? context.makeTimer() : nullptr;
         run_ = std::make_unique<CaptureRun>(
-            BoardRun::Parts{*context.link, prompts, std::move(timer)}, *boardCapture_, *this);
+            BoardRun::Parts{context.analyzer->Link(), prompts, std::move(timer)}, *boardCapture_,
+            *this);
     }
 }
 

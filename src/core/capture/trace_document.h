@@ -21,6 +21,7 @@
 
 namespace busquill {
 
+class Analyzer;
 class BoardCapture;
 class CSignal;
 class Prompts;
@@ -61,15 +62,15 @@ class CTesselDoc;
 
 /// What a trace document is made with.
 struct NewTraceContext {
+    SignalTables& tables; // by which its samples are read; they outlive it
     bool newDocRealTime = false;
     /// A new document takes lists and setup from it.
     const CTesselDoc* cloneSource = nullptr;
-    CAnalyzerLink* link = nullptr;
-    BoardCapture* boardCapture = nullptr; // for the one document that is bound to the board
+    Analyzer* analyzer = nullptr; // whose capture the real-time document shows
     /// By which that one looks at its capture; without one, whoever has it calls Look of its run.
-    std::function<std::unique_ptr<RepeatingTimer>()> makeTimer;
+    std::function<std::unique_ptr<RepeatingTimer>()> makeTimer = nullptr;
     /// Asks for a range and saves it; false when the user cancels.
-    std::function<bool(CTesselDoc&, const std::string& path)> saveTrace;
+    std::function<bool(CTesselDoc&, const std::string& path)> saveTrace = nullptr;
 };
 
 /// A captured trace: its samples, the signal lists through which they are seen, the setup that

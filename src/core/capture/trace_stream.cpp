@@ -22,7 +22,8 @@ constexpr const char* hasChanged = "it has changed while it was read";
 
 } // namespace
 
-TraceStream::TraceStream(TextReader& file) : file_(file) {
+TraceStream::TraceStream(TextReader& file, SignalTables& tables)
+    : setup(tables), stateList(tables), waveformList(tables), zoomList(tables), file_(file) {
     Restart();
 }
 

@@ -39,8 +39,8 @@ struct TraceSurvey {
 /// the file, or nothing.
 class TraceStream {
 public:
-    /// The reader must be open, and outlive the stream.
-    explicit TraceStream(TextReader& file);
+    /// The reader must be open; it and the tables outlive the stream.
+    TraceStream(TextReader& file, SignalTables& tables);
 
     /// Reads what stands before the samples.
     [[nodiscard]] std::string ReadHead();

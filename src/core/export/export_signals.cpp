@@ -34,8 +34,9 @@ std::vector<ExportSignal> ExportSignals(const CSignalList& list, ListUse use) {
     return signals;
 }
 
-DecodedText::DecodedText(const BoardTraits& board, const ExportSignal& signal, bool zoom)
-    : board_(board), field_(signal.field), zoom_(zoom), value_(field_.Bytes()),
+DecodedText::DecodedText(SignalTables& tables, const BoardTraits& board, const ExportSignal& signal,
+                         bool zoom)
+    : board_(board), field_(signal.field), zoom_(zoom), list_(tables), value_(field_.Bytes()),
       next_(field_.Bytes()) {
     list_.AddSignal(nullptr, signal.signal->decoded, 1, 0, 0, 0, signal.signal->radix, true);
     hasLabels_ = signal.signal->decoded->ReadsAsLabel();

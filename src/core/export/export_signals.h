@@ -31,7 +31,8 @@ struct ExportSignal {
 /// and what stands around it come again, which they mostly do.
 class DecodedText {
 public:
-    DecodedText(const BoardTraits& board, const ExportSignal& signal, bool zoom);
+    DecodedText(SignalTables& tables, const BoardTraits& board, const ExportSignal& signal,
+                bool zoom);
 
     [[nodiscard]] const std::string& Of(const SampleRecord& record);
     /// Which digits of the value the listing shows, bit 0 the last one: some are blank where byte

@@ -80,7 +80,7 @@ ValueDump::ValueDump(const CSignalList& list, ListUse use, Capture capture)
         Item item = NewItem(signal.name, std::max<std::size_t>(1, signal.field.Width()), isVector);
         Value value{std::move(signal), std::move(item), {}, {}};
         if (value.signal.IsDecoded()) {
-            value.text.emplace(capture_.board, value.signal, capture_.zoom);
+            value.text.emplace(list.Tables(), capture_.board, value.signal, capture_.zoom);
             value.textItem = NewItem(value.item.name + "_text", 8 * value.text->Longest(), true);
         }
         values_.push_back(std::move(value));

@@ -57,7 +57,7 @@ ValueTable::ValueTable(const CSignalList& list, ListUse use, const Capture& capt
         column.isLabel = column.signal.IsDecoded() && column.signal.signal->decoded->ReadsAsLabel();
         column.isTime = IsTime(column.signal);
         if (column.signal.IsDecoded() && !column.isTime) {
-            column.text.emplace_back(capture.board, column.signal, capture.zoom);
+            column.text.emplace_back(list.Tables(), capture.board, column.signal, capture.zoom);
         }
         column.value.resize(column.signal.field.Bytes());
         columns_.push_back(std::move(column));

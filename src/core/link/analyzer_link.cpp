@@ -7,13 +7,10 @@
 #include "platform/clock.h"
 #include "platform/main_thread.h"
 #include "platform/prompts.h"
-#include "platform/settings.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <cassert>
-#include <cstdlib>
-#include <string_view>
 
 namespace busquill {
 
@@ -34,24 +31,6 @@ constexpr const char* communicationsError =
 constexpr const char* noIdentity =
     "The analyzer has not told what it is. Check its connections and accept the\n"
     "Utilities/Setup dialog to connect again.";
-
-/// The device of a port name that begins with "COM". A name without a number from 1 up is
-/// taken as it stands, and fails to open.
-std::string DeviceOf(const std::string& portName, const Settings& settings) {
-    const int number = ParseInt(std::string_view(portName).substr(3));
-    if (number < 1) {
-        return portName;
-    }
-    if (const char* device = std::getenv(Printf("BUSQUILL_COM%d", number).c_str())) {
-        return device;
-    }
-#if defined(_WIN32)
-    const std::string usual = portName;
-#else
-    const std::string usual = Printf("/dev/ttyS%d", number - 1);
-#endif
-    return settings.GetProfileString(SettingsSection::setup, Printf("ComDevice%d", number), usual);
-}
 
 } // namespace
 
@@ -111,12 +90,7 @@ std::time_t CAnalyzerLink::Time() const {
     return services_.clock.Time();
 }
 
-bool CAnalyzerLink::Open() {
-    const Settings& settings = services_.settings;
-    const std::string portName =
-        settings.GetProfileString(SettingsSection::setup, "ComPort", "USB");
-    const int configuredBaud =
-        settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate, usualBaudRate);
+bool CAnalyzerLink::Open(const PortSetting& port) {
     ClosePort();
     board_.ForgetBoard();
     conditions_.actualBaud = 0;
@@ -124,12 +98,16 @@ bool CAnalyzerLink::Open() {
     queue_->Clear(liveBlock_);
     queue_->Clear(busBlock_);
 
-    if (portName == "USB" || portName == "USB2") {
-        OpenUsb();
-    } else if (portName.size() >= 4 && portName.starts_with("COM")) {
-        OpenSerial(portName, configuredBaud);
+    switch (port.kind) {
+    case PortSetting::Kind::Usb:
+        OpenUsb(port);
+        break;
+    case PortSetting::Kind::Serial:
+        OpenSerial(port);
+        break;
+    case PortSetting::Kind::None: // which is wanted so, and no failure
+        break;
     }
-    // Any other name means that no port is wanted, and is no failure.
 
     if (queue_->Port() == nullptr) {
         queue_->FailAll();
@@ -137,7 +115,7 @@ bool CAnalyzerLink::Open() {
         queue_->RestartHead();
     }
     const int actualBaud = conditions_.actualBaud;
-    return actualBaud != 0 && actualBaud != configuredBaud;
+    return actualBaud != 0 && actualBaud != port.baud;
 }
 
 void CAnalyzerLink::Close() {
@@ -166,24 +144,22 @@ void CAnalyzerLink::ClosePort() {
     std::erase_if(threads_, [](const auto& thread) { return !thread->Running(); });
 }
 
-void CAnalyzerLink::OpenSerial(const std::string& portName, int configuredBaud) {
-    std::shared_ptr<SerialPort> device =
-        services_.openSerial(DeviceOf(portName, services_.settings));
+void CAnalyzerLink::OpenSerial(const PortSetting& setting) {
+    std::shared_ptr<SerialPort> device = services_.openSerial(setting.device);
     if (device == nullptr) {
         FallIntoDemoMode();
         return;
     }
-    auto port = std::make_shared<SerialLinkPort>(std::move(device), portName, services_.prompts);
-    port->Configure(configuredBaud);
+    auto port =
+        std::make_shared<SerialLinkPort>(std::move(device), setting.name, services_.prompts);
+    port->Configure(setting.baud);
     conditions_.actualBaud = port->NegotiateBaud();
     port->SetReadTimeout();
     StartThread(port);
 }
 
-void CAnalyzerLink::OpenUsb() {
-    auto port = std::make_shared<UsbLinkPort>(
-        services_.usb, services_.settings.GetProfileString(SettingsSection::setup, "UsbDevice", ""),
-        services_.prompts);
+void CAnalyzerLink::OpenUsb(const PortSetting& setting) {
+    auto port = std::make_shared<UsbLinkPort>(services_.usb, setting.device, services_.prompts);
     if (port->Open([this] { FallIntoDemoMode(); })) {
         StartThread(port);
     }
@@ -218,12 +194,12 @@ void CAnalyzerLink::FallIntoDemoMode() {
     }
 }
 
-void CAnalyzerLink::Connect(int targetBaud) {
-    const bool atAnotherRate = Open();
+void CAnalyzerLink::Connect(const PortSetting& port) {
+    const bool atAnotherRate = Open(port);
     ReadIdentity();
     if (atAnotherRate) {
         queue_->WaitIdle();
-        SetBaudRate(targetBaud);
+        SetBaudRate(port.baud);
     }
     queue_->WaitIdle();
     services_.clock.Sleep(settlingTime);

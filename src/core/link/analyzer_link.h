@@ -4,6 +4,7 @@
 #include "link/board_state.h"
 #include "link/link_conditions.h"
 #include "link/link_request.h"
+#include "link/port_setting.h"
 
 #include <array>
 #include <atomic>
@@ -68,16 +69,16 @@ public:
     using GiveUp = std::function<bool(std::chrono::milliseconds waited)>;
     void SetGiveUp(GiveUp giveUp);
 
-    /// Opens the port that the settings name. True when the board answered at another rate than
-    /// the configured one.
-    bool Open();
+    /// Opens a port, in place of the one that is open. True when the board answered at another
+    /// rate than that of the setting.
+    bool Open(const PortSetting& port);
     /// Leaves the port for none. Requests that have not ended do so as LinkTransferFailed.
     void Close();
     void ReadIdentity();
     void SetBaudRate(int rate);
-    /// The connection sequence, from Open to LoadBusConfig. `targetBaud` is the rate to which a
-    /// board that answered at another one is moved.
-    void Connect(int targetBaud);
+    /// The connection sequence, from Open to LoadBusConfig. A board that answered at another rate
+    /// than that of the setting is moved to it.
+    void Connect(const PortSetting& port);
 
     void ReadBusConfig(BusConfig& out);
     void WriteBusConfig(const BusConfig& in);
@@ -115,8 +116,8 @@ public:
 
 private:
     void ClosePort();
-    void OpenSerial(const std::string& portName, int configuredBaud);
-    void OpenUsb();
+    void OpenSerial(const PortSetting& setting);
+    void OpenUsb(const PortSetting& setting);
     void StartThread(std::shared_ptr<LinkPort> port);
     void FallIntoDemoMode();
 

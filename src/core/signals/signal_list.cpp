@@ -129,6 +129,7 @@ std::optional<std::int64_t> CSignalList::TimeFrom(std::int64_t a, std::int64_t b
 
 void CSignalList::CopyFrom(const CSignalList& other) {
     mode = other.mode;
+    tables_ = other.tables_;
     Signals copies;
     copies.reserve(other.Size());
     for (const auto& signal : other.signals_) {
@@ -146,12 +147,11 @@ void CSignalList::RemoveAllSignals() {
 void CSignalList::BuildFromTables(std::uint32_t numSamples, std::uint32_t forMode) {
     mode = forMode;
     RemoveAllSignals();
-    const SignalTables& tables = SignalTables::Current();
-    for (const auto& def : tables.busSignals.Defs()) {
+    for (const auto& def : tables_->busSignals.Defs()) {
         AddDefaultBusSignals(*def, numSamples);
     }
-    const BoardTraits board = tables.Board();
-    for (const auto& def : tables.decodedSignals.Defs()) {
+    const BoardTraits board = tables_->Board();
+    for (const auto& def : tables_->decodedSignals.Defs()) {
         if (SignalTables::Applies(def->condition, board)) {
             AddDefaultDecodedSignal(def, numSamples);
         }
@@ -245,7 +245,7 @@ CSignal* CSignalList::AddDecodedSignal(const CSignal* before,
                                        std::int32_t radix, bool showValue) {
     Signals added;
     for (const int position : def->Positions()) {
-        const auto bus = SignalTables::Current().FindBusDefByDataIndex(position);
+        const auto bus = tables_->FindBusDefByDataIndex(position);
         if (!bus) {
             continue;
         }

@@ -15,7 +15,8 @@ namespace busquill {
 class TextReader;
 class TextWriter;
 
-/// Signals in the order in which they are shown and filed. The list owns them.
+/// Signals in the order in which they are shown and filed, of the board of its tables. The list
+/// owns them.
 ///
 /// A group is a run of neighbours from a Start member to the next End member; a group that has
 /// lost its End runs to the end of the list. Belongs to no thread; its owner guards it.
@@ -33,13 +34,15 @@ public:
 
     std::uint32_t mode = ModeState;
 
-    CSignalList() = default;
+    /// The tables outlive the list and its copies.
+    explicit CSignalList(SignalTables& tables) noexcept : tables_(&tables) {}
     CSignalList(const CSignalList&) = delete; // CopyFrom says it where it is wanted
     CSignalList& operator=(const CSignalList&) = delete;
     CSignalList(CSignalList&&) noexcept = default;
     CSignalList& operator=(CSignalList&&) noexcept = default;
     ~CSignalList() = default;
 
+    [[nodiscard]] SignalTables& Tables() const noexcept { return *tables_; }
     [[nodiscard]] const Signals& All() const noexcept { return signals_; }
     [[nodiscard]] std::size_t Size() const noexcept { return signals_.size(); }
     [[nodiscard]] bool Empty() const noexcept { return signals_.empty(); }
@@ -56,9 +59,10 @@ public:
     /// -1 or the list has no permanent TIME.
     [[nodiscard]] std::optional<std::int64_t> TimeFrom(std::int64_t a, std::int64_t b) const;
 
+    /// The tables too, since its signals are theirs.
     void CopyFrom(const CSignalList& other);
     void RemoveAllSignals();
-    /// Fills the list with the default signals of a mode from the tables at hand. The signals get
+    /// Fills the list with the default signals of a mode from its tables. The signals get
     /// whole words of samples: a list built with 5 samples has 32.
     void BuildFromTables(std::uint32_t numSamples, std::uint32_t forMode);
     /// Adds the signals of one definition before `before`, or at the tail when it is null;
@@ -143,6 +147,7 @@ private:
     void LabelRange(std::size_t begin, std::size_t end, std::size_t first, std::size_t count);
     void UnpackRows(const CSignal& group, const std::vector<int>& dataIndexes);
 
+    SignalTables* tables_;
     Signals signals_;
     mutable TimeIndex times_;   // forgets where group rows are made or filled
     std::size_t fileWords_ = 0; // of samples, that the records of a file have taken

@@ -87,10 +87,10 @@ void CSignalList::SetSelectedColor(std::uint32_t color) {
     }
     // Each name once: a colour writes the whole colour file, and a bus has one name for all bits.
     for (const std::string& name : decodedNames) {
-        SignalTables::Current().decodedSignals.SetColor(name, color);
+        tables_->decodedSignals.SetColor(name, color);
     }
     for (const std::string& name : busNames) {
-        SignalTables::Current().busSignals.SetColor(name, color);
+        tables_->busSignals.SetColor(name, color);
     }
 }
 

@@ -8,8 +8,6 @@ namespace busquill {
 
 namespace {
 
-SignalTables* currentTables = nullptr;
-
 FamilyTables TablesOf(const BoardTraits& board) {
     if (board.IsVmeLark()) {
         return LarkTables();
@@ -87,19 +85,7 @@ std::shared_ptr<CDecodedSignalDef> MakeDecodedDef(const DecodedRow& row) {
 
 SignalTables::SignalTables(std::function<BoardTraits()> board, const WorkingDirectory& directory)
     : busSignals(directory.FilePath("BusSignalColors.dat")),
-      decodedSignals(directory.FilePath("DecodedSignalColors.dat")), board_(std::move(board)) {
-    currentTables = this;
-}
-
-SignalTables::~SignalTables() {
-    if (currentTables == this) {
-        currentTables = nullptr;
-    }
-}
-
-SignalTables& SignalTables::Current() {
-    return *currentTables;
-}
+      decodedSignals(directory.FilePath("DecodedSignalColors.dat")), board_(std::move(board)) {}
 
 void SignalTables::Load() {
     const FamilyTables tables = TablesOf(Board());

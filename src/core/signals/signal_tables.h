@@ -34,17 +34,13 @@ private:
     std::vector<std::shared_ptr<Def>> defs_;
 };
 
-/// The tables of the board at hand. Main thread.
+/// The tables of one board. Main thread.
 class SignalTables {
 public:
     /// `board` tells what is connected, at each call.
     SignalTables(std::function<BoardTraits()> board, const WorkingDirectory& directory);
-    ~SignalTables();
     SignalTables(const SignalTables&) = delete;
     SignalTables& operator=(const SignalTables&) = delete;
-
-    /// The tables constructed last.
-    [[nodiscard]] static SignalTables& Current();
 
     /// Loads both tables for the board, the bus table first.
     void Load();

@@ -172,7 +172,7 @@ std::uint8_t ParseAttributes(const std::string& text) {
     return attributes;
 }
 
-void ReadFields(const RecordFields& fields, CSignal& signal) {
+void ReadFields(const RecordFields& fields, const SignalTables& tables, CSignal& signal) {
     signal.name = fields.Text(FieldName);
     signal.baseName = fields.Text(FieldBaseName);
     signal.grouped = fields.Is(FieldGrouped, "Grouped");
@@ -191,7 +191,7 @@ void ReadFields(const RecordFields& fields, CSignal& signal) {
         }
     }
     if (const std::string name = fields.Text(FieldDecoded); !name.empty()) {
-        signal.decoded = SignalTables::Current().decodedSignals.FindByName(name);
+        signal.decoded = tables.decodedSignals.FindByName(name);
     }
     signal.hidden = fields.Is(FieldHidden, "Hidden");
     signal.permanent = fields.Is(FieldPermanent, "Permanent");
@@ -236,7 +236,7 @@ void CSignalList::WriteSignals(TextWriter& file, bool withData) const {
 void CSignalList::ReadSignal(const std::vector<std::string>& tokens, TextReader& file) {
     auto signal = std::make_unique<CSignal>();
     const RecordFields fields(tokens);
-    ReadFields(fields, *signal);
+    ReadFields(fields, *tables_, *signal);
     const std::size_t most =
         std::min(WordsFor(maxFileSamples), maxFileWords - std::min(maxFileWords, fileWords_));
     fileWords_ += ReadSamples(file, fields.Is(FieldMasked, "Masked"), most, *signal);

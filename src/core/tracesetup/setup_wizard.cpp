@@ -139,7 +139,7 @@ public:
                                             values.begin());
         };
         std::size_t index = place([&](std::string_view each) { return each == label; });
-        if (index == values.size() && SignalTables::Current().Board().IsPciXMode()) {
+        if (index == values.size() && list_.Tables().Board().IsPciXMode()) {
             index = place([&](std::string_view each) { return each.starts_with(label); });
         }
         if (index != values.size()) {
@@ -310,10 +310,11 @@ std::optional<WizardValue> ParseWizardValue(std::string_view text, Prompts& prom
 }
 
 void BuildWizardSetup(TraceSetup& setup, const WizardAnswer& trigger, const WizardAnswer& store) {
-    setup.CopyFrom(TraceSetup());
+    SignalTables& tables = setup.events.Tables();
+    setup.CopyFrom(TraceSetup(tables));
     std::size_t levels = 1;
     std::string stored;
-    if (SignalTables::Current().Board().IsVmeFamily()) {
+    if (tables.Board().IsVmeFamily()) {
         setup.levels[0].ifExpr = ParseExpression(ConditionVme(trigger, "E1", "E2"));
         stored = ConditionVme(store, "E3", "E4");
         const VmeEvents events(setup.events);

@@ -46,8 +46,7 @@ struct WizardAnswer {
     WizardValue data;
 };
 
-/// Replaces the setup, its name included, by the program that the answers ask for on the board at
-/// hand.
+/// Replaces the setup, its name included, by the program that the answers ask for on its board.
 void BuildWizardSetup(TraceSetup& setup, const WizardAnswer& trigger, const WizardAnswer& store);
 
 } // namespace busquill

@@ -56,7 +56,7 @@ void TraceSetup::Reset() {
     levels[0].ifExpr = expressionAll;
     levels[0].thenTrigger = true;
     levels[0].stimulus = 1;
-    const int count = EventCount(SignalTables::Current().Board());
+    const int count = EventCount(events.Tables().Board());
     events.BuildFromTables(static_cast<std::uint32_t>(count), ModeEvents);
 }
 

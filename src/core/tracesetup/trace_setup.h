@@ -65,7 +65,8 @@ struct TraceLevel {
 /// uses more of its levels and other fields.
 class TraceSetup {
 public:
-    TraceSetup() { Reset(); }
+    /// A setup of defaults for the board of the tables, which outlive it and its copies.
+    explicit TraceSetup(SignalTables& tables) : events(tables) { Reset(); }
 
     std::string fileType; // as read from a file
     std::string version;

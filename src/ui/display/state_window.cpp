@@ -86,9 +86,8 @@ void CStateWnd::RenderNames() {
 }
 
 StateFrame CStateWnd::Frame() {
-    return {*document_,     *list_, isZoom_,          SignalTables::Current().Board(),
-            Colors(),       size(), header_.fixedEnd, topRow_,
-            header_.offset, fonts_};
+    return {*document_, *list_,           isZoom_, list_->Tables().Board(), Colors(),
+            size(),     header_.fixedEnd, topRow_, header_.offset,          fonts_};
 }
 
 void CStateWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

@@ -166,7 +166,7 @@ void CWaveformWnd::MoveSignalsTo(int position) {
 // Drawing.
 
 WaveFrame CWaveformWnd::Frame() {
-    return {*document_, *list_,       isZoom_,    SignalTables::Current().Board(),
+    return {*document_, *list_,       isZoom_,    list_->Tables().Board(),
             Colors(),   size(),       nameWidth_, valueWidth_,
             zoom_,      place_,       top_,       fonts_.body,
             titleFont_, fonts_.header};

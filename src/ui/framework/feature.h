@@ -10,8 +10,7 @@ class QMdiArea;
 
 namespace busquill {
 
-class BoardCapture;
-class CAnalyzerLink;
+class Analyzer;
 class CWinApp;
 class MainThread;
 class Prompts;
@@ -21,12 +20,11 @@ class WorkingDirectory;
 /// What a function of the board works with; all outlive it.
 struct FeatureParts {
     CWinApp& app;
-    CAnalyzerLink& link;
+    Analyzer& analyzer;
     Settings& settings;
     Prompts& prompts;
     const MainThread& mainThread;
     const WorkingDirectory& directory;
-    BoardCapture& boardCapture;
     QMdiArea& area; // where its windows lie
 };
 

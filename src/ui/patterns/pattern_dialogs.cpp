@@ -16,7 +16,7 @@ constexpr QSize usualSize(640, 160);
 
 PatternDialog::PatternDialog(QWidget* parent, const char* caption, CSignalList& list,
                              Prompts& prompts)
-    : QDialog(parent), list_(list), table_(new CPatternTable(1, prompts)) {
+    : QDialog(parent), list_(list), copy_(list.Tables()), table_(new CPatternTable(1, prompts)) {
     setWindowTitle(caption);
     copy_.CopyFrom(list);
     Grid().ShowLabels(false);

@@ -173,7 +173,7 @@ bool CPatternGrid::EditCommand(CSignal& signal, int row) {
     const std::size_t label = at < signal.labelTable.size() ? signal.labelTable[at] : 0;
     CCommandDialog dialog(this, *signal.decoded,
                           label == 0 ? std::nullopt : std::optional(label - 1),
-                          !SignalTables::Current().Board().IsVmeFamily());
+                          !list_->Tables().Board().IsVmeFamily());
     if (dialog.exec() != QDialog::Accepted || !dialog.Chosen()) {
         return false;
     }

@@ -90,7 +90,7 @@ private:
     }
 
     void Change() {
-        CChangeSignalDialog dialog(&parent_, &signal_, host_.OfferMode(), prompts_);
+        CChangeSignalDialog dialog(&parent_, list_.Tables(), &signal_, host_.OfferMode(), prompts_);
         const std::int32_t radix = signal_.radix;
         if (dialog.exec() != QDialog::Accepted) {
             return;
@@ -111,7 +111,7 @@ private:
     }
 
     void Insert() {
-        CChangeSignalDialog dialog(&parent_, nullptr, host_.OfferMode(), prompts_);
+        CChangeSignalDialog dialog(&parent_, list_.Tables(), nullptr, host_.OfferMode(), prompts_);
         if (dialog.exec() == QDialog::Accepted && dialog.chosenDef != nullptr) {
             Add(&signal_, dialog);
             host_.SignalsChanged();

@@ -65,8 +65,9 @@ const CommandMap* WhoCanDo(CommandId id, const std::vector<const CommandMap*>& t
 
 } // namespace
 
-CMainFrame::CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread)
-    : link_(link), settings_(settings), area_(new QMdiArea) {
+CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings& settings,
+                       const MainThread& mainThread)
+    : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea) {
     RegisterResources();
     setWindowTitle(stockName);
     KeepTitlesWhole(*this);
@@ -271,7 +272,7 @@ void CMainFrame::MakeCommands() {
     commands_.On(CommandId::ViewStatusBar, [this] {
         statusBar()->setVisible(actions_[CommandId::ViewStatusBar]->isChecked());
     });
-    commands_.On(CommandId::DefineSignals, [this] { CDefineSignalDialog(this).exec(); });
+    commands_.On(CommandId::DefineSignals, [this] { CDefineSignalDialog(this, tables_).exec(); });
     commands_.On(CommandId::BoardInfo, [this] { CBoardInfoDialog(this, link_).exec(); });
     commands_.On(CommandId::BusConfiguration, [this] { ShowBusConfiguration(); });
     const auto hasWindows = [this] { return !area_->subWindowList().isEmpty(); };

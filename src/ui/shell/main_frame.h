@@ -20,12 +20,14 @@ class CTesselApp;
 class HelpWindow;
 class MainThread;
 class Settings;
+class SignalTables;
 
 /// The program's main window: menus, tool bar, and a status bar that shows what is connected.
 class CMainFrame final : public QMainWindow {
     Q_OBJECT
 public:
-    CMainFrame(CAnalyzerLink& link, Settings& settings, const MainThread& mainThread);
+    CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings& settings,
+               const MainThread& mainThread);
 
     [[nodiscard]] QMdiArea& Area() const noexcept { return *area_; }
     /// The documents that the menus open; it goes before the window does.
@@ -59,6 +61,7 @@ private:
     void OnTimer();
 
     CAnalyzerLink& link_;
+    const SignalTables& tables_;
     Settings& settings_;
     CTesselApp* app_ = nullptr;
     QMdiArea* area_;

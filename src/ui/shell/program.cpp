@@ -1,6 +1,6 @@
 #include "ui/shell/program.h"
 
-#include "platform/settings.h"
+#include "link/port_setting.h"
 #include "ui/framework/qt_settings.h"
 
 #include <QCoreApplication>
@@ -32,38 +32,29 @@ void NameApplication(const std::string& name) {
     QCoreApplication::setApplicationName(QString::fromStdString(name));
 }
 
-Program::Program(Machine machine)
-    : machine_(std::move(machine)), boardCapture_(link_, machine_.mainThread, machine_.prompts),
-      link_({machine_.settings, machine_.prompts, machine_.clock, machine_.mainThread,
-             machine_.openSerial, machine_.usb}),
-      tables_([this] { return link_.Traits(); }, machine_.directory) {
-    // In Demo Mode the bus mode alone decides which signals there are.
-    link_.SetFamilyListener([this] { tables_.Load(); });
-}
+Program::Program(Machine machine) : machine_(std::move(machine)), analyzer_(machine_) {}
 
-// The monitor of a capture uses the link, and the link's thread may be completing a block.
+// Documents and windows use the analyzer.
 Program::~Program() {
     if (frame_) {
         frame_->SetApplication(nullptr);
     }
     app_.reset();
     frame_.reset();
-    boardCapture_.ShutDown();
 }
 
 void Program::InitInstance() {
-    frame_ = std::make_unique<CMainFrame>(link_, machine_.settings, machine_.mainThread);
-    app_ = std::make_unique<CTesselApp>(
-        CTesselApp::Parts{machine_.settings, machine_.prompts, link_, machine_.mainThread,
-                          machine_.directory, boardCapture_, frame_->Area()});
+    frame_ = std::make_unique<CMainFrame>(Link(), Tables(), machine_.settings, machine_.mainThread);
+    app_ = std::make_unique<CTesselApp>(CTesselApp::Parts{machine_.settings, machine_.prompts,
+                                                          machine_.mainThread, machine_.directory,
+                                                          analyzer_, frame_->Area()});
     frame_->SetApplication(app_.get());
     frame_->RefreshStatusPanes();
     frame_->show();
     UpdateWindow(*frame_);
-    link_.Connect(machine_.settings.GetProfileInt(SettingsSection::setup, SettingsKey::baudRate,
-                                                  usualBaudRate));
+    Link().Connect(ReadPortSetting(machine_.settings));
     frame_->RefreshStatusPanes();
-    tables_.Load();
+    Tables().Load();
 }
 
 } // namespace busquill

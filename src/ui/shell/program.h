@@ -1,10 +1,7 @@
 #pragma once
 
-#include "capture/board_capture.h"
-#include "link/analyzer_link.h"
+#include "capture/analyzer.h"
 #include "platform/main_thread.h"
-#include "platform/working_directory.h"
-#include "signals/signal_tables.h"
 #include "ui/shell/main_frame.h"
 #include "ui/shell/tessel_app.h"
 
@@ -18,15 +15,7 @@ void NameApplication(const std::string& name);
 class Program {
 public:
     /// What differs between the program, a tour of it and a test. All outlive the program.
-    struct Machine {
-        MainThread& mainThread;
-        Prompts& prompts;
-        Settings& settings;
-        Clock& clock;
-        UsbBus& usb;
-        std::function<std::unique_ptr<SerialPort>(const std::string&)> openSerial;
-        WorkingDirectory directory;
-    };
+    using Machine = Analyzer::Machine;
 
     explicit Program(Machine machine);
     ~Program();
@@ -38,14 +27,12 @@ public:
 
     [[nodiscard]] CMainFrame& Frame() noexcept { return *frame_; }
     [[nodiscard]] CTesselApp& App() noexcept { return *app_; }
-    [[nodiscard]] CAnalyzerLink& Link() noexcept { return link_; }
-    [[nodiscard]] SignalTables& Tables() noexcept { return tables_; }
+    [[nodiscard]] CAnalyzerLink& Link() noexcept { return analyzer_.Link(); }
+    [[nodiscard]] SignalTables& Tables() noexcept { return analyzer_.Tables(); }
 
 private:
     Machine machine_;
-    BoardCapture boardCapture_; // outlives the link's thread
-    CAnalyzerLink link_;
-    SignalTables tables_;
+    Analyzer analyzer_;
     std::unique_ptr<CMainFrame> frame_;
     std::unique_ptr<CTesselApp> app_;
 };

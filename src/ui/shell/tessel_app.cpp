@@ -12,9 +12,8 @@ namespace busquill {
 
 CTesselApp::CTesselApp(const Parts& parts) : CWinApp(parts.settings, parts.prompts) {
     commands.On(CommandId::FileOpen, [this, &area = parts.area] { OnFileOpen(area.window()); });
-    for (Feature& feature :
-         MakeFeatures({*this, parts.link, parts.settings, parts.prompts, parts.mainThread,
-                       parts.directory, parts.boardCapture, parts.area})) {
+    for (Feature& feature : MakeFeatures({*this, parts.analyzer, parts.settings, parts.prompts,
+                                          parts.mainThread, parts.directory, parts.area})) {
         AddDocTemplate(std::make_unique<CMultiDocTemplate>(
             feature.docString, std::move(feature.factories), parts.area, prompts_));
         commands.Add(feature.commands);

@@ -14,10 +14,9 @@ public:
     struct Parts {
         Settings& settings;
         Prompts& prompts;
-        CAnalyzerLink& link;
         const MainThread& mainThread;
         const WorkingDirectory& directory;
-        BoardCapture& boardCapture;
+        Analyzer& analyzer;
         QMdiArea& area;
     };
     explicit CTesselApp(const Parts& parts);

@@ -63,12 +63,12 @@ private:
     int last_ = 0;
 };
 
-CChangeSignalDialog::CChangeSignalDialog(QWidget* parent, CSignal* signal, std::uint32_t mode,
-                                         Prompts& prompts)
-    : QDialog(parent), signal_(signal), mode_(mode), prompts_(prompts), type_(new QComboBox),
-      name_(new QComboBox), high_(new RangeField("High")), low_(new RangeField("Low")),
-      radix_(new QComboBox), showValue_(new QCheckBox("Show Trace Values")),
-      color_(new ColorButton) {
+CChangeSignalDialog::CChangeSignalDialog(QWidget* parent, SignalTables& tables, CSignal* signal,
+                                         std::uint32_t mode, Prompts& prompts)
+    : QDialog(parent), tables_(tables), signal_(signal), mode_(mode), prompts_(prompts),
+      type_(new QComboBox), name_(new QComboBox), high_(new RangeField("High")),
+      low_(new RangeField("Low")), radix_(new QComboBox),
+      showValue_(new QCheckBox("Show Trace Values")), color_(new ColorButton) {
     setWindowTitle("Change Signal");
     if (signal_ != nullptr) {
         radix = signal_->radix;
@@ -164,10 +164,10 @@ void CChangeSignalDialog::FillNames() {
     };
     const int type = type_->currentIndex();
     if (type == TypeAll || type == TypeBus) {
-        offer(SignalTables::Current().busSignals.Defs());
+        offer(tables_.busSignals.Defs());
     }
     if (type == TypeAll || type == TypeDecoded) {
-        offer(SignalTables::Current().decodedSignals.Defs());
+        offer(tables_.decodedSignals.Defs());
     }
     if (!offered_.empty()) {
         name_->setCurrentIndex(current);
@@ -195,9 +195,8 @@ void CChangeSignalDialog::accept() {
     std::string currentName;
     if (signal_ != nullptr) {
         signal_->color = color;
-        SignalTables& tables = SignalTables::Current();
-        signal_->decoded ? tables.decodedSignals.SetColor(signal_->decoded->name, color)
-                         : tables.busSignals.SetColor(signal_->baseName, color);
+        signal_->decoded ? tables_.decodedSignals.SetColor(signal_->decoded->name, color)
+                         : tables_.busSignals.SetColor(signal_->baseName, color);
         signal_->radix = radix;
         signal_->showValue = showValue;
         currentName = signal_->RowName();

@@ -21,8 +21,10 @@ class Prompts;
 class CChangeSignalDialog final : public QDialog {
     Q_OBJECT
 public:
-    /// `mode` picks the flags by which definitions are offered.
-    CChangeSignalDialog(QWidget* parent, CSignal* signal, std::uint32_t mode, Prompts& prompts);
+    /// Offers what the tables hold; `mode` picks the flags by which they do. The signal's new
+    /// colour is theirs too.
+    CChangeSignalDialog(QWidget* parent, SignalTables& tables, CSignal* signal, std::uint32_t mode,
+                        Prompts& prompts);
     ~CChangeSignalDialog() override;
 
     void accept() override;
@@ -44,6 +46,7 @@ private:
     void NameSelected();
     [[nodiscard]] bool ChooseBus(const CBusSignalDef& def, const std::string& currentName);
 
+    SignalTables& tables_;
     CSignal* signal_;
     std::uint32_t mode_;
     Prompts& prompts_;

@@ -43,12 +43,11 @@ std::vector<LayoutColumn> LayoutColumns(std::span<const std::shared_ptr<CBusSign
     return columns;
 }
 
-LayoutTable::LayoutTable(QWidget* parent)
-    : QWidget(parent),
-      textFont_(FontOfCellHeight(rowHeight, QFont::Normal, FontFace::Proportional)),
+LayoutTable::LayoutTable(const SignalTables& tables)
+    : textFont_(FontOfCellHeight(rowHeight, QFont::Normal, FontFace::Proportional)),
       rowFont_("MS Sans Serif"),
-      columns_(LayoutColumns(SignalTables::Current().busSignals.Defs(),
-                             QFontMetrics(textFont_).averageCharWidth())) {
+      columns_(
+          LayoutColumns(tables.busSignals.Defs(), QFontMetrics(textFont_).averageCharWidth())) {
     rowFont_.setStyleHint(QFont::SansSerif);
     rowFont_.setPixelSize(10);
     const LayoutColumn& last = columns_.back();
@@ -99,13 +98,13 @@ void LayoutTable::DrawTitle(QPainter& painter, const LayoutColumn& column) const
     painter.restore();
 }
 
-CDefineSignalDialog::CDefineSignalDialog(QWidget* parent)
+CDefineSignalDialog::CDefineSignalDialog(QWidget* parent, const SignalTables& tables)
     : QDialog(parent), rows_(new QScrollBar(Qt::Vertical)) {
     setWindowTitle("Define Signal");
     auto* names = new QListWidget;
     names->addItem("<New Signal>");
     names->setMaximumWidth(names->fontMetrics().averageCharWidth() * 20);
-    auto* table = new LayoutTable;
+    auto* table = new LayoutTable(tables);
     auto* area = new QScrollArea;
     area->setWidget(table);
     area->setWidgetResizable(true);

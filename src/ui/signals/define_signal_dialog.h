@@ -28,11 +28,11 @@ struct LayoutColumn {
 [[nodiscard]] std::vector<LayoutColumn>
 LayoutColumns(std::span<const std::shared_ptr<CBusSignalDef>> defs, int characterWidth);
 
-/// The bit layout of the bus at hand as a table. There is nothing to edit yet: OK only closes it.
+/// The bit layout of a board's bus as a table. There is nothing to edit yet: OK only closes it.
 class CDefineSignalDialog final : public QDialog {
     Q_OBJECT
 public:
-    explicit CDefineSignalDialog(QWidget* parent);
+    CDefineSignalDialog(QWidget* parent, const SignalTables& tables);
 
 protected:
     /// The wheel over the table.
@@ -48,7 +48,7 @@ private:
 class LayoutTable final : public QWidget {
     Q_OBJECT
 public:
-    explicit LayoutTable(QWidget* parent = nullptr);
+    explicit LayoutTable(const SignalTables& tables);
     /// The first row that shows, from 0.
     void SetTopRow(int row);
     [[nodiscard]] int TopRow() const noexcept { return topRow_; }

@@ -1,6 +1,6 @@
 #include "ui/trace/child_frame.h"
 
-#include "link/analyzer_link.h"
+#include "capture/analyzer.h"
 #include "platform/settings.h"
 #include "platform/working_directory.h"
 #include "tracesetup/setup_file.h"
@@ -45,8 +45,8 @@ CChildFrame::CChildFrame(const FeatureParts& parts, TraceActions actions, CTesse
 }
 
 CTraceView* CChildFrame::MakeView() {
-    auto* view =
-        new CTraceView(this, isState_, isZoom_, {parts_.settings, &parts_.link, &parts_.prompts});
+    auto* view = new CTraceView(this, isState_, isZoom_,
+                                {parts_.settings, &parts_.analyzer.Link(), &parts_.prompts});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
     return view;
@@ -66,7 +66,7 @@ void CChildFrame::MakeBar() {
     if (isZoom_) {
         bar_->HideRunControls();
     }
-    const BoardTraits board = parts_.link.Traits();
+    const BoardTraits board = parts_.analyzer.Link().Traits();
     if (!board.HasPowerZoom()) {
         bar_->HideZoomButton();
     }
@@ -170,7 +170,7 @@ void CChildFrame::SetupChosen() {
         EditSetup("");
     } else {
         static_cast<void>(LoadSetupFile(document.setup, path, parts_.prompts)); // it has told
-        DownloadSetup(parts_.link, document.setup, parts_.prompts);
+        DownloadSetup(parts_.analyzer.Link(), document.setup, parts_.prompts);
     }
     FocusView();
 }
@@ -188,7 +188,7 @@ void CChildFrame::EditSetup(const std::string& path) {
             document.ClearData();
         }
         document.SetModifiedFlag();
-        DownloadSetup(parts_.link, document.setup, parts_.prompts);
+        DownloadSetup(parts_.analyzer.Link(), document.setup, parts_.prompts);
         RememberSetupFile(dialog.Path());
     }
     FillSetupBox();

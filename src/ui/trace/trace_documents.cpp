@@ -1,7 +1,7 @@
 #include "ui/trace/trace_documents.h"
 
+#include "capture/analyzer.h"
 #include "capture/trace_document.h"
-#include "link/analyzer_link.h"
 #include "platform/prompts.h"
 #include "platform/working_directory.h"
 #include "ui/capture/save_trace_dialog.h"
@@ -18,11 +18,10 @@ CMultiDocTemplate& TraceDocuments::Template() const {
 }
 
 std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTesselDoc* cloneSource) {
-    NewTraceContext context;
+    NewTraceContext context{parts_.analyzer.Tables()};
     context.newDocRealTime = isRealTime;
     context.cloneSource = cloneSource;
-    context.link = &parts_.link;
-    context.boardCapture = &parts_.boardCapture;
+    context.analyzer = &parts_.analyzer;
     context.makeTimer = [this] {
         return std::make_unique<WindowTimer>(nullptr, parts_.mainThread);
     };
@@ -119,7 +118,7 @@ bool TraceDocuments::OpenStoredCapture(TraceViewKind kind) {
 void TraceDocuments::NewTrace(TraceViewKind kind, CTesselDoc* cloneSource) {
     const bool cloning = cloneSource != nullptr;
     // Without a board, a stored capture is what there is to work with.
-    if (parts_.link.IsDemoMode() && !cloning && OpenStoredCapture(kind)) {
+    if (parts_.analyzer.Link().IsDemoMode() && !cloning && OpenStoredCapture(kind)) {
         return;
     }
     CTesselDoc* const document = RealTimeDocument();

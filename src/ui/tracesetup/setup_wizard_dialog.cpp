@@ -43,7 +43,7 @@ QLineEdit* AddValue(QFormLayout& form, const QString& label) {
 CSetupWizardDialog::CSetupWizardDialog(QWidget* parent, TraceSetup& setup, Prompts& prompts,
                                        const std::function<void()>& showHelp)
     : QDialog(parent), setup_(setup), prompts_(prompts),
-      isVme_(SignalTables::Current().Board().IsVmeFamily()) {
+      isVme_(setup.events.Tables().Board().IsVmeFamily()) {
     setWindowTitle("Setup WIzard - Trace"); // so it is spelled
     auto* hint = new QLabel("You can specify an address or data range as follows: 100 to 200");
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |

@@ -67,8 +67,8 @@ FileQuestion QuestionFor(FileUse use, std::string folder, std::string name = "")
 
 CTraceSetupDialog::CTraceSetupDialog(QWidget* parent, TraceSetup& setup, std::string path,
                                      Parts parts)
-    : QDialog(parent), setup_(setup), path_(std::move(path)), parts_(std::move(parts)),
-      inFile_(!path_.empty()) {
+    : QDialog(parent), setup_(setup), kept_(setup.events.Tables()), path_(std::move(path)),
+      parts_(std::move(parts)), inFile_(!path_.empty()) {
     kept_.CopyFrom(setup);
     setWindowTitle("Trace Setup");
 
@@ -132,7 +132,7 @@ QGroupBox* CTraceSetupDialog::MakeSetupGroup() {
 
 QGroupBox* CTraceSetupDialog::MakeEventGroup() {
     auto* group = new QGroupBox("Events");
-    events_ = new CPatternTable(EventCount(SignalTables::Current().Board()), parts_.prompts);
+    events_ = new CPatternTable(EventCount(setup_.events.Tables().Board()), parts_.prompts);
     events_->Grid().SetText("EVENT", "E%d:");
     events_->Grid().SetOwner([this] { Modify(); });
     auto* layout = new QVBoxLayout(group);
@@ -148,7 +148,7 @@ QGroupBox* CTraceSetupDialog::MakeControlGroup() {
     clock_ = MakeList("Sample Clock", clockCount, ClockText);
     triggerPosition_ = MakeList("Trigger Position", triggerCount, TriggerText);
     powerZoomClock_ = MakeList("Power Zoom Sample Clock", powerZoomCount, PowerZoomText);
-    const BoardTraits board = SignalTables::Current().Board();
+    const BoardTraits board = setup_.events.Tables().Board();
     powerZoomClock_->setEnabled(board.HasPowerZoom());
     for (QComboBox* list : {clock_, triggerPosition_, powerZoomClock_}) {
         connect(list, &QComboBox::currentIndexChanged, this, &CTraceSetupDialog::Modify);
@@ -212,7 +212,7 @@ void CTraceSetupDialog::Modify() {
 }
 
 void CTraceSetupDialog::CheckClock() {
-    const BoardTraits board = SignalTables::Current().Board();
+    const BoardTraits board = setup_.events.Tables().Board();
     if (clock_->currentIndex() + 1 == clock133MHz && board.IsWrenBoard()) {
         parts_.prompts.Message(
             Printf("%s model does not support 133 MHz sample clock.", board.modelString.c_str()));

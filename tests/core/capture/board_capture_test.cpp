@@ -188,7 +188,7 @@ TEST_F(BoardCaptureTest, AnEndOfTheProgramLeavesTheBoardRunning) {
 TEST_F(BoardCaptureTest, InDemoModeItEndsAtTheFirstLookWithoutSamples) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     prompts.Forget();
     capture.StartCapture();

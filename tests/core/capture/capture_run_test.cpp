@@ -74,7 +74,7 @@ protected:
 
 TEST_F(CaptureRunTest, TheDefaultSetupByteForByte) {
     OpenBoard("PCIKite");
-    DownloadSetup(*link, TraceSetup(), prompts);
+    DownloadSetup(*link, TraceSetup(tables), prompts);
     EXPECT_EQ(Written(420), (Bytes{0, 0, 1})) << "Sync, 50%, 3.75 ns";
     EXPECT_EQ(Written(20), Bytes(240)) << "nothing is compared";
     Bytes control(160);
@@ -90,7 +90,7 @@ TEST_F(CaptureRunTest, TheDefaultSetupByteForByte) {
 
 TEST_F(CaptureRunTest, ASetupOfTwoLevelsByteForByte) {
     OpenBoard("PCIKite");
-    TraceSetup program;
+    TraceSetup program(tables);
     program.clock = 16;            // 30.72 us
     program.triggerPosition = 1;   // 0%
     program.powerZoomClock = 8;    // 240 ns
@@ -143,9 +143,9 @@ TEST_F(CaptureRunTest, ASetupOfTwoLevelsByteForByte) {
 
 TEST_F(CaptureRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     OpenBoard("VMELark");
-    const BoardTables lark("VMELark-1", BusVme);
+    BoardTables lark("VMELark-1", BusVme);
     EXPECT_EQ(EventCount(link->Traits()), 4);
-    TraceSetup program;
+    TraceSetup program(lark.tables);
     for (unsigned event = 0; event < 4; ++event) {
         Expect(program, 0, event, true);
     }
@@ -170,7 +170,7 @@ TEST_F(CaptureRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
         // The first frame of a write, whatever it writes.
         return sent.size() == 2 && sent[0] == 4 ? Bytes{} : board.Answer(sent, baud);
     });
-    DownloadSetup(*link, TraceSetup(), prompts);
+    DownloadSetup(*link, TraceSetup(tables), prompts);
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("Error sending trace parameter data to analyzer.",
                             "Error sending trace event setup data to analyzer.",
@@ -235,7 +235,7 @@ TEST_F(CaptureRunTest, LeavingTheBoardDuringTheUploadInventsNoSamples) {
     document->Run().Stop();
     ASSERT_TRUE(Eventually([&] { return Reads().size() == 4; }));
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(Ends());
     static_cast<void>(Follow());
     EXPECT_TRUE(document->IsValidSample(1000, false));
@@ -414,8 +414,8 @@ TEST_F(CaptureRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
     document->OnCaptureStopped();
     document->FlushBlockUpdates();
     CSignalList& list = document->stateList;
-    CSignal* added = list.AddSignal(&list[0], tables.tables.busSignals.FindByName("AD"), 1001, 0, 7,
-                                    0, Radix::Hex, true);
+    CSignal* added = list.AddSignal(&list[0], tables.busSignals.FindByName("AD"), 1001, 0, 7, 0,
+                                    Radix::Hex, true);
     document->LoadSignal(list, *added, false);
     gate.Open();
     ASSERT_TRUE(Ends());
@@ -476,7 +476,7 @@ TEST_F(CaptureRunTest, AChosenSetupIsLoadedAndSent) {
     NewDocument();
     SetLive(0x80, 0, 0);
     const TempDir dir;
-    TraceSetup program;
+    TraceSetup program(tables);
     program.name = "mine";
     program.clock = 1;
     ASSERT_TRUE(SaveSetupFile(program, dir.File("mine.tsp"), prompts));
@@ -545,8 +545,8 @@ TEST_F(CaptureRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
 }
 
 TEST(TriggerSample, FollowsThePosition) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup program;
+    BoardTables board("PCIKite-1");
+    TraceSetup program(board.tables);
     const std::int64_t expected[] = {0, 0, 256, 512, 768, 1023, 0};
     for (std::int32_t position = 0; position < 7; ++position) {
         program.triggerPosition = position;

@@ -403,7 +403,7 @@ TEST_F(SampleUploadTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
     upload.BeginUpload();
     ASSERT_TRUE(Eventually([&] { return store.HasSample(96); }));
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     ASSERT_TRUE(UploadEnds());
     EXPECT_EQ(store.GetSample(96), RecordAt(-4));

@@ -32,10 +32,10 @@ protected:
         ASSERT_TRUE(document.OnOpenDocument(dir.Write("a.tra", text)));
     }
 
-    const BoardTables board{"PCIKite-1"};
+    BoardTables board{"PCIKite-1"};
     const TempDir dir;
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     CTesselDoc document{context, prompts};
     RecordingView view;
 };

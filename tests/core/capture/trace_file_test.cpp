@@ -55,10 +55,10 @@ protected:
         throw std::runtime_error("no row " + name);
     }
 
-    const BoardTables board{"PCIKite-1"};
+    BoardTables board{"PCIKite-1"};
     const TempDir dir;
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     std::unique_ptr<CTesselDoc> document;
 };
 

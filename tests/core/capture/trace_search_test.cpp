@@ -25,7 +25,7 @@ void Want(CSignalList& pattern, std::int32_t dataIndex, bool value) {
 
 /// One signal for each of the bits that a pattern can compare.
 CSignalList EmptyPattern() {
-    CSignalList list;
+    CSignalList list(NoTables());
     for (std::int32_t bit = 0; bit < 144; ++bit) {
         CSignal* signal = list.InsertBlank(nullptr);
         signal->dataIndex = bit;
@@ -169,7 +169,7 @@ protected:
     BoardTables board{"PCIKite-1"};
     const TempDir dir;
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     RecordingView view;
     std::unique_ptr<CTesselDoc> document;
 };

@@ -18,7 +18,7 @@ class TraceStreams : public testing::Test {
 protected:
     TraceStream& Open(const std::string& text) {
         EXPECT_TRUE(file.Open(dir.Write("a.tra", text)));
-        stream = std::make_unique<TraceStream>(file);
+        stream = std::make_unique<TraceStream>(file, board.tables);
         return *stream;
     }
     std::vector<std::int32_t> AllNumbers() {
@@ -133,7 +133,7 @@ TEST_F(TraceStreams, AWindowSeesTheSameOfAFileInAnyOrder) {
     const std::string text = "\"Trace Data\",0,9\n" + Marked(2, 1) + Marked(0, 2) + zoom +
                              "\"Trace Data\",-3,5\n" + Marked(5, 3) + Marked(-1, 4) + Marked(5, 5) +
                              "\"End of Trace Data\"\n" + header;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
     RecordingPrompts prompts;
     CTesselDoc window(context, prompts);
     ASSERT_TRUE(window.OnOpenDocument(dir.Write("a.tra", text)));

@@ -42,7 +42,7 @@ protected:
     }
 
     BoardTables board{"PCIKite-1"};
-    CSignalList list;
+    CSignalList list{board.tables};
     bool zoom = false;
     std::string description;
     std::string viewer;

@@ -45,7 +45,7 @@ protected:
     }
 
     BoardTables board{"PCIKite-1"};
-    CSignalList list;
+    CSignalList list{board.tables};
     bool zoom = false;
     bool changes = false;
     std::string text;
@@ -146,6 +146,7 @@ TEST_F(Tables, DigitsThatAreNotShownHaveNotChanged) {
 TEST_F(Tables, AddressesHaveTheDigitsOfTheirWidth) {
     BoardTables vme("VMEKite-1", BusVme);
     board.board = vme.board;
+    list = CSignalList(vme.tables);
     list.BuildFromTables(0, ModeState);
     SampleRecord record;
     record.bytes = {0x56, 0x34, 0x12, 0xFF};

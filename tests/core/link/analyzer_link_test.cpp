@@ -43,7 +43,7 @@ TEST_F(AnalyzerLinkTest, BeforeTheFirstOpenEveryRequestSucceedsAtOnce) {
 
 TEST_F(AnalyzerLinkTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    link->Connect(57600);
+    link->Connect(Port());
     EXPECT_THAT(prompts.Texts(), IsEmpty());
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_EQ(link->Identity().modelString, "-0");
@@ -54,7 +54,7 @@ TEST_F(AnalyzerLinkTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
 TEST_F(AnalyzerLinkTest, NamesThatAreNoPortAreSilentToo) {
     for (const char* name : {"", "COM", "com1", "LPT1", "USB1", "usb", "XCOM1"}) {
         settings.WriteProfileString(setup, "ComPort", name);
-        EXPECT_FALSE(link->Open());
+        EXPECT_FALSE(link->Open(Port()));
         EXPECT_FALSE(link->IsDemoMode()) << name;
     }
     EXPECT_THAT(openedDevices, IsEmpty());
@@ -65,7 +65,7 @@ TEST_F(AnalyzerLinkTest, NamesThatAreNoPortAreSilentToo) {
 TEST_F(AnalyzerLinkTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
     OpenBoard("PCIKite");
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    link->Connect(57600);
+    link->Connect(Port());
     EXPECT_EQ(link->Identity().modelString, "-0");
     EXPECT_EQ(link->Identity().modelId, ModelPciKite) << "no known name, so the id stays";
     EXPECT_EQ(line->OpenPorts(), 0);
@@ -78,27 +78,37 @@ TEST_F(AnalyzerLinkTest, AfterABoardNoPortHasTheBusOfAZeroBlock) {
     link->ReadBusConfig(bus);
     ASSERT_EQ(bus, (BusConfig{1, 1, 1, 66, 1}));
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    link->Connect(57600);
+    link->Connect(Port());
     EXPECT_EQ(link->Traits().bus, BusConfig{});
 }
 
 TEST_F(AnalyzerLinkTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable) {
     portOpens = false;
     settings.WriteProfileString(setup, "ComPort", "COM3");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     settings.WriteProfileString(setup, "ComDevice3", "/dev/pts/7");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ::setenv("BUSQUILL_COM3", "/tmp/board", 1);
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ::unsetenv("BUSQUILL_COM3");
     settings.WriteProfileString(setup, "ComPort", "COMX");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_THAT(openedDevices, ElementsAre("/dev/ttyS2", "/dev/pts/7", "/tmp/board", "COMX"));
+}
+
+TEST_F(AnalyzerLinkTest, APortNeedsNoSettingAndIsCalledByItsName) {
+    const PortSetting port{PortSetting::Kind::Serial, "the left one", "/dev/pts/9", 9600};
+    static_cast<void>(link->Open(port));
+    EXPECT_THAT(openedDevices, ElementsAre("/dev/pts/9"));
+    EXPECT_FALSE(link->IsDemoMode());
+    line->SetErrors({.write = 5});
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
+    EXPECT_EQ(prompts.Texts().front(), "Error writing to the left one, err 5");
 }
 
 TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
     portOpens = false;
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
     EXPECT_TRUE(prompts.Boxes().front().topmost);
     EXPECT_TRUE(link->IsDemoMode());
@@ -113,7 +123,7 @@ TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
 
 TEST_F(AnalyzerLinkTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
     line->SetErrors({.readConfiguration = 3, .configure = 4, .setTimeout = 5});
-    EXPECT_TRUE(link->Open()) << "the board answers at what was taken for 9600 baud";
+    EXPECT_TRUE(link->Open(Port())) << "the board answers at what was taken for 9600 baud";
     // The read limit is set before the negotiation and after it.
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading COM1 configuration, err 3",
                                              "Error setting COM1 configuration, err 4",
@@ -130,7 +140,7 @@ TEST_F(AnalyzerLinkTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
 
 TEST_F(AnalyzerLinkTest, NegotiationProbesTheFiveRatesUpwards) {
     board.baud = 57600;
-    EXPECT_FALSE(link->Open()) << "the configured rate";
+    EXPECT_FALSE(link->Open(Port())) << "the configured rate";
     EXPECT_THAT(line->Rates(), ElementsAre(57600, 9600, 19200, 28800, 38400, 57600));
     for (const int rate : {9600, 19200, 28800, 38400}) {
         EXPECT_EQ(WrittenAt(rate), (Bytes{0x0A, 0, 0x0A, 0, 0x0A, 0})) << rate;
@@ -140,14 +150,14 @@ TEST_F(AnalyzerLinkTest, NegotiationProbesTheFiveRatesUpwards) {
 
 TEST_F(AnalyzerLinkTest, OpenIsTrueWhenTheBoardAnswersAtAnotherRate) {
     board.baud = 19200;
-    EXPECT_TRUE(link->Open());
+    EXPECT_TRUE(link->Open(Port()));
     EXPECT_THAT(line->Rates(), ElementsAre(57600, 9600, 19200));
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "at the rate that was found";
 }
 
 TEST_F(AnalyzerLinkTest, AProbeWaitsATenthOfASecondForItsAnswer) {
     UseSilence();
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     const auto log = line->Log();
     ASSERT_EQ(log.size(), 30U);
     for (std::size_t probe = 0; probe < log.size(); ++probe) {
@@ -157,14 +167,14 @@ TEST_F(AnalyzerLinkTest, AProbeWaitsATenthOfASecondForItsAnswer) {
 
 TEST_F(AnalyzerLinkTest, OpenIsFalseWhenNothingAnswers) {
     UseSilence();
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_EQ(line->Written().size(), 30U);
     EXPECT_FALSE(link->IsDemoMode()) << "the identity read decides that";
 }
 
 TEST_F(AnalyzerLinkTest, ABoardInTheMiddleOfAFrameIsRealigned) {
     static_cast<void>(board.Answer({4}, 0)); // half a frame has reached the board
-    EXPECT_TRUE(link->Open());
+    EXPECT_TRUE(link->Open(Port()));
     EXPECT_EQ(WrittenAt(9600), (Bytes{0x0A}));
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
@@ -173,7 +183,7 @@ TEST_F(AnalyzerLinkTest, OnlyASingleAcknowledgementIsAnAnswer) {
     line->SetAnswer([](const Bytes&, int baud) {
         return baud == 9600 ? Bytes{'*', '*'} : baud == 19200 ? Bytes{'?'} : Bytes{};
     });
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_EQ(line->Rates().size(), 6U);
 }
 
@@ -184,7 +194,7 @@ TEST_F(AnalyzerLinkTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
     board.baud = 57600;
     board.contents[18] = {0x95, 66};
     const auto begin = clock.Elapsed();
-    link->Connect(57600);
+    link->Connect(Port());
     EXPECT_EQ(link->Identity().modelString, "PCIKite-0");
     EXPECT_EQ(link->Traits().bus, (BusConfig{1, 1, 1, 66, 1}));
     EXPECT_GE(clock.Elapsed() - begin, 2000ms);
@@ -195,7 +205,7 @@ TEST_F(AnalyzerLinkTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
 TEST_F(AnalyzerLinkTest, TheBusIsReadTwoSecondsAfterTheIdentity) {
     settings.WriteProfileInt(setup, "BaudRate", 9600);
     line->SetClockRuns(false); // so that pauses alone move it
-    link->Connect(9600);
+    link->Connect(Port());
     const auto log = line->Log();
     const auto bus = std::ranges::find(log, Bytes{4, 18}, &ScriptedLine::Sent::bytes);
     ASSERT_NE(bus, log.end());
@@ -213,7 +223,8 @@ TEST_F(AnalyzerLinkTest, ConnectMovesABoardThatAnsweredAtAnotherRate) {
         }
         return answer;
     });
-    link->Connect(19200);
+    settings.WriteProfileInt(setup, "BaudRate", 19200);
+    link->Connect(Port());
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{15, {1}}));
     EXPECT_EQ(line->Rates().back(), 19200);
     EXPECT_EQ(link->Identity().modelId, ModelPciWren);
@@ -316,7 +327,7 @@ TEST_F(AnalyzerLinkTest, TheNumberOfTriesDependsOnTheLastLinkOperation) {
 
 TEST_F(AnalyzerLinkTest, NoIdentityIsTakenInDemoMode) {
     portOpens = false;
-    link->Connect(57600); // asks for it like any other
+    link->Connect(Port()); // asks for it like any other
     EXPECT_EQ(link->Identity().modelString, "Demo Mode");
     EXPECT_EQ(link->Identity().firmwareRevision, "");
 }
@@ -324,7 +335,7 @@ TEST_F(AnalyzerLinkTest, NoIdentityIsTakenInDemoMode) {
 // Seen by the number of tries, which follows the last operation of the link that did.
 TEST_F(AnalyzerLinkTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     link->ReadIdentity();
     link->WriteBusConfig({.busMode = BusVme});
     BusConfig bus;
@@ -338,10 +349,10 @@ TEST_F(AnalyzerLinkTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
 
 TEST_F(AnalyzerLinkTest, OpenLeavesDemoMode) {
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     portOpens = true;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_THAT(board.functions, ElementsAre(11));
@@ -353,7 +364,7 @@ TEST_F(AnalyzerLinkTest, OpenAfterAFallOnTheLinksThreadWorks) {
     link->ReadIdentity();
     ASSERT_TRUE(Eventually([&] { return link->IsDemoMode(); }));
     UseBoard();
-    link->Connect(9600);
+    link->Connect(Port());
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_EQ(line->OpenPorts(), 1);
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
@@ -363,7 +374,7 @@ TEST_F(AnalyzerLinkTest, OpenWorksOverALivePort) {
     OpenLink();
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     for (int i = 0; i < 3; ++i) {
-        static_cast<void>(link->Open());
+        static_cast<void>(link->Open(Port()));
         EXPECT_EQ(line->OpenPorts(), 1);
         EXPECT_TRUE(link->Exchange(RunCommand(CmdStopTrace)));
     }
@@ -378,7 +389,7 @@ TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
     auto waiting = Start(RunCommand(CmdStopTrace));
     UseBoard();
     line->SetClockRuns(true);
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_EQ(running.get().result, LinkOk);
     EXPECT_EQ(waiting.get().result, LinkOk);
 }
@@ -405,7 +416,7 @@ protected:
 
 TEST_F(LeavingTest, ForNoPortEndsNothingAsGood) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ExpectFailed();
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted with no port";
     EXPECT_THAT(prompts.Texts(), IsEmpty());
@@ -413,7 +424,7 @@ TEST_F(LeavingTest, ForNoPortEndsNothingAsGood) {
 
 TEST_F(LeavingTest, ForAPortThatDoesNotOpenEndsNothingAsGood) {
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ExpectFailed();
     EXPECT_TRUE(link->IsDemoMode());
 }
@@ -424,7 +435,7 @@ TEST_F(LeavingTest, ByClosingEndsNothingAsGood) {
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace))) << "submitted with no port";
     link->Close();
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_EQ(line->OpenPorts(), 1);
 }
 
@@ -434,7 +445,7 @@ TEST_F(AnalyzerLinkTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMo
     UseSilence();
     link->ReadIdentity();
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_EQ(link->Identity().modelString, "");
     EXPECT_THAT(prompts.Texts(), IsEmpty());
@@ -447,7 +458,7 @@ TEST_F(AnalyzerLinkTest, ABusThatIsOwedWhenTheLinkLeavesIsNoNews) {
     BusConfig bus;
     link->ReadBusConfig(bus); // waits in vain
     settings.WriteProfileString(setup, "ComPort", "<None>");
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
@@ -491,7 +502,7 @@ TEST_F(AnalyzerLinkTest, TheBoardIsIdentifiedUntilTheNextOpen) {
     EXPECT_FALSE(link->IsIdentified());
     OpenBoard("PCIKite");
     EXPECT_TRUE(link->IsIdentified());
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_FALSE(link->IsIdentified()) << "it may be another board";
 }
 
@@ -514,7 +525,7 @@ TEST_F(AnalyzerLinkTest, AnIdentityThatComesTooLateIsMissed) {
         std::this_thread::sleep_for(300ms);
         line->Arrive(owed);
     });
-    link->Connect(57600);
+    link->Connect(Port());
     late.join();
     EXPECT_FALSE(link->IsIdentified());
     EXPECT_THAT(prompts.Texts(),
@@ -525,7 +536,7 @@ TEST_F(AnalyzerLinkTest, AnIdentityThatComesTooLateIsMissed) {
 TEST_F(AnalyzerLinkTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
     settings.WriteProfileInt(setup, "BaudRate", 9600);
     line->Arrive({'*'});
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartSearch)));
     EXPECT_THAT(board.functions, ElementsAre(13));
 }
@@ -541,7 +552,7 @@ TEST_F(AnalyzerLinkTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
     held.AwaitStart();
     UseBoard();
     line->SetClockRuns(true);
-    static_cast<void>(link->Open()); // the old thread cannot end
+    static_cast<void>(link->Open(Port())); // the old thread cannot end
     EXPECT_EQ(line->OpenPorts(), 1) << "the old port is closed all the same";
     EXPECT_EQ(second.get().result, LinkOk);
     held.Release();
@@ -566,7 +577,7 @@ TEST_F(AnalyzerLinkTest, WaitIdleWaitsForTheLastCompletionToo) {
 TEST_F(AnalyzerLinkTest, TheDestructorClosesThePort) {
     OpenLink();
     EXPECT_EQ(line->OpenPorts(), 1);
-    link.reset();
+    analyzer.reset();
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
@@ -675,7 +686,7 @@ TEST_F(AnalyzerLinkTest, AFailedChangeOfRateIsReported) {
 
 TEST_F(AnalyzerLinkTest, InDemoModeTheBusConfigIsWhatWasWrittenLastAndDecidesTheFamily) {
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     int changes = 0;
     link->SetFamilyListener([&] { ++changes; });
     EXPECT_FALSE(link->Traits().IsVmeFamily());
@@ -783,7 +794,7 @@ TEST_F(AnalyzerLinkTest, TheFallIntoDemoModeClearsTheLiveStatus) {
     link->PollLiveStatus();
     ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     std::int32_t before = 1;
     std::int32_t after = 1;
@@ -799,7 +810,7 @@ TEST_F(AnalyzerLinkTest, InDemoModeTheLiveStatusReadsAsZero) {
     link->PollLiveStatus();
     ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     link->PollLiveStatus();
     std::int32_t before = 1;

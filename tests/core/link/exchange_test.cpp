@@ -73,7 +73,7 @@ TEST_F(Exchanges, AStatusIsReadWithWhatStandsAfterIt) {
 TEST_F(Exchanges, WithoutABoardEachLookFindsThePreset) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     portOpens = false;
-    static_cast<void>(link->Open());
+    static_cast<void>(link->Open(Port()));
     ASSERT_TRUE(link->IsDemoMode());
     prompts.Forget();
     const StatusRegister from{801, 1, std::chrono::milliseconds(200), "no status"};

@@ -31,7 +31,7 @@ protected:
                 return Answer::Ok;
             },
             [this] { ++arrived; });
-        static_cast<void>(link->Open());
+        static_cast<void>(link->Open(ReadPortSetting(settings)));
     }
     ~LinkBoxesTest() override { link.reset(); }
 
@@ -86,7 +86,7 @@ TEST_F(LinkBoxesTest, TheDemoModeBoxIsAnsweredWhileTheLinkIsOpenedAgain) {
     link->ReadIdentity();
     ASSERT_TRUE(Eventually([&] { return arrived == 1; }));
     line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
-    link->Connect(9600);
+    link->Connect(ReadPortSetting(settings));
     EXPECT_THAT(shown, ElementsAre(demoModeMessage));
     EXPECT_FALSE(link->IsDemoMode()) << "the fall was that of the port before";
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));

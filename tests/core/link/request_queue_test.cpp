@@ -566,7 +566,7 @@ TEST_F(RequestQueueTest, RequestsThatWaitAtTheEndAreDropped) {
     for (int i = 0; i < 3; ++i) {
         link->Submit(NewRequest(CmdStartTrace, [&](const LinkRequestPtr&) { ++completions; }));
     }
-    link.reset();
+    analyzer.reset();
     EXPECT_EQ(completions, 0);
     EXPECT_EQ(line->OpenPorts(), 0);
 }

@@ -22,7 +22,7 @@ protected:
 
 TEST_F(UsbLinkTest, OpensTheDeviceInOrder) {
     settings.WriteProfileString(setup, "UsbDevice", "04b4:1002");
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(usb.Calls(),
                 ElementsAre("find 04b4:1002", "open usb-path", "select", "reset 2", "reset 130"));
     EXPECT_FALSE(link->IsDemoMode());
@@ -31,26 +31,26 @@ TEST_F(UsbLinkTest, OpensTheDeviceInOrder) {
 
 TEST_F(UsbLinkTest, TheSecondNameIsTheSamePortAndUsbIsTheDefault) {
     settings.WriteProfileString(setup, "ComPort", "USB2");
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_EQ(usb.OpenDevices(), 1);
     MemorySettings empty;
     CAnalyzerLink second({empty, prompts, clock, mainThread,
                           [](const std::string&) { return std::unique_ptr<SerialPort>(); }, usb});
-    EXPECT_FALSE(second.Open());
+    EXPECT_FALSE(second.Open(ReadPortSetting(empty)));
     EXPECT_EQ(usb.OpenDevices(), 2);
 }
 
 TEST_F(UsbLinkTest, TheRateOfASerialLineBeforeIsForgotten) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     board.baud = 19200;
-    EXPECT_TRUE(link->Open()) << "at another rate than the configured one";
+    EXPECT_TRUE(link->Open(Port())) << "at another rate than the configured one";
     settings.WriteProfileString(setup, "ComPort", "USB");
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
 }
 
 TEST_F(UsbLinkTest, NoDeviceIsTheFallIntoDemoMode) {
     usb.Set({.search = {UsbSearch::Outcome::NotFound, 0, ""}});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
     EXPECT_TRUE(link->IsDemoMode());
     EXPECT_THAT(usb.Calls(), ElementsAre("find "));
@@ -58,7 +58,7 @@ TEST_F(UsbLinkTest, NoDeviceIsTheFallIntoDemoMode) {
 
 TEST_F(UsbLinkTest, AFailedDetailIsReportedBeforeTheFall) {
     usb.Set({.search = {UsbSearch::Outcome::DetailFailed, 87, ""}});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("Error from SetupDiGetInterfaceDeviceDetail, err 87", demoModeMessage));
     EXPECT_FALSE(prompts.Boxes()[0].topmost);
@@ -68,7 +68,7 @@ TEST_F(UsbLinkTest, AFailedDetailIsReportedBeforeTheFall) {
 
 TEST_F(UsbLinkTest, AfterAFailedOpenTheOtherStepsStillRunAndReport) {
     usb.Set({.opens = false});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(openFailed, demoModeMessage, selectFailed,
                                              demoModeMessage, resetFailed, resetFailed));
     EXPECT_TRUE(link->IsDemoMode());
@@ -77,7 +77,7 @@ TEST_F(UsbLinkTest, AfterAFailedOpenTheOtherStepsStillRunAndReport) {
 
 TEST_F(UsbLinkTest, AFailedSelectionClosesTheDeviceAndBothResetsReport) {
     usb.Set({.selects = false});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre(selectFailed, demoModeMessage, resetFailed, resetFailed));
     EXPECT_FALSE(prompts.Boxes()[0].topmost);
@@ -88,7 +88,7 @@ TEST_F(UsbLinkTest, AFailedSelectionClosesTheDeviceAndBothResetsReport) {
 
 TEST_F(UsbLinkTest, AFailedResetIsReportedAndIgnored) {
     usb.Set({.resets = false});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(resetFailed, resetFailed));
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
@@ -96,10 +96,10 @@ TEST_F(UsbLinkTest, AFailedResetIsReportedAndIgnored) {
 
 TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
     usb.Set({.opens = false});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     usb.Set({});
     const auto begin = std::chrono::steady_clock::now();
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_LT(std::chrono::steady_clock::now() - begin, 1s);
     EXPECT_FALSE(link->IsDemoMode());
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
@@ -107,7 +107,7 @@ TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
 
 TEST_F(UsbLinkTest, OpenWorksOverALiveDevice) {
     for (int i = 0; i < 3; ++i) {
-        EXPECT_FALSE(link->Open());
+        EXPECT_FALSE(link->Open(Port()));
         EXPECT_EQ(usb.OpenDevices(), 1);
         EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     }
@@ -239,7 +239,7 @@ TEST_F(UsbLinkTest, ConnectReadsIdentityAndBus) {
         far.contents[0] = {'V', 'S', 'B', 'K', 'i', 't', 'e', ' ', 1};
         far.contents[18] = {0, 5};
     });
-    link->Connect(57600);
+    link->Connect(Port());
     EXPECT_EQ(link->Identity().modelString, "VSBKite-1");
     EXPECT_EQ(link->Traits().bus, (BusConfig{BusVsb, 0, 0, 5, 0}));
 }
@@ -271,7 +271,7 @@ TEST_F(UsbLinkTest, ABoardThatIsGoneIsToldOnceAndKeptAliveNoMore) {
     EXPECT_EQ(prompts.Texts().size(), 1U);
     EXPECT_EQ(usb.Calls().size(), 1U);
     usb.Set({});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_FALSE(link->IsBoardGone());
     usb.ForgetCalls();
     link->SendKeepAlive();
@@ -281,7 +281,7 @@ TEST_F(UsbLinkTest, ABoardThatIsGoneIsToldOnceAndKeptAliveNoMore) {
 
 TEST_F(UsbLinkTest, NoKeepAliveGoesOutInDemoMode) {
     usb.Set({.opens = false});
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     usb.ForgetCalls();
     link->SendKeepAlive();
     EXPECT_THAT(usb.Calls(), IsEmpty());
@@ -302,7 +302,7 @@ TEST_F(UsbLinkTest, ARequestThatWaitsWhileTheDeviceIsOpenedAgainGoesOnThere) {
     link->Submit(held.Request(CmdStartTrace));
     auto second = Start(RunCommand(CmdStopTrace));
     held.AwaitStart();
-    EXPECT_FALSE(link->Open());
+    EXPECT_FALSE(link->Open(Port()));
     EXPECT_EQ(second.get().result, LinkOk);
     held.Release();
 }

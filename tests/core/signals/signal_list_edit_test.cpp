@@ -28,7 +28,7 @@ protected:
         }
     }
     HandMadeTables tables_;
-    CSignalList list_;
+    CSignalList list_{tables_.Tables()};
 };
 
 TEST_F(SignalListEdit, SelectsAGroupThroughItsLastMember) {

@@ -32,11 +32,12 @@ public:
     }
     [[nodiscard]] CSignal& Row(const char* name) const { return *FindRow(list, name); }
 
-    CSignalList list;
-
 private:
     TempDir directory_;
     SignalTables tables_;
+
+public:
+    CSignalList list{tables_};
 };
 
 struct FamilyCase {

@@ -42,7 +42,7 @@ protected:
         list_.RebuildLabels(sample, 1);
     }
     HandMadeTables tables_;
-    CSignalList list_;
+    CSignalList list_{tables_.Tables()};
 };
 
 TEST_F(LabelsTest, TakeTheFirstValueThatMatches) {
@@ -125,7 +125,7 @@ protected:
         return label != nullptr ? label : "-";
     }
     HandMadeTables tables_;
-    CSignalList list_;
+    CSignalList list_{tables_.Tables()};
     CSignal* bit_ = nullptr;
 };
 

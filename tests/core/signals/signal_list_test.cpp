@@ -1,4 +1,5 @@
 #include "signals/signal_list.h"
+#include "support/board_tables.h"
 #include "support/signal_definitions.h"
 
 #include <gmock/gmock.h>
@@ -19,7 +20,7 @@ TEST(SignalList, BuildsAGroupOfEachBusAndASignalOfEachLine) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 2, 8)->color = 0x123456;
     tables.Bus("FRAME", 0, 0, 72);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(0, ModeState);
 
     ASSERT_EQ(SignalNames(list), (std::vector<std::string>{"AD[0]", "AD[1]", "AD[2]", "FRAME"}));
@@ -43,7 +44,7 @@ TEST(SignalList, BuildsAGroupOfEachBusAndASignalOfEachLine) {
 TEST(SignalList, GivesALineOfOneBitNoIndexNoBracketsAndNoRows) {
     HandMadeTables tables;
     tables.Bus("FRAME", 0, 0, 72);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(8, ModeState);
     ASSERT_EQ(list.Size(), 1U);
     EXPECT_EQ(list[0].name, "FRAME");
@@ -56,7 +57,7 @@ TEST(SignalList, GivesALineOfOneBitNoIndexNoBracketsAndNoRows) {
 TEST(SignalList, ReversesABusWhoseFirstPositionIsAboveItsLast) {
     HandMadeTables tables;
     tables.Bus("BG", 3, 0, 80);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(0, ModeState);
     ASSERT_EQ(list.Size(), 4U);
     for (std::int32_t i = 0; i < 4; ++i) {
@@ -75,7 +76,7 @@ TEST(SignalList, MakesPermanentSignalsHiddenUnlessTheyAreShown) {
     tables.Bus("TIME", 0, 17, 110, flagPermanent | flagNotOffered);
     tables.Bus("BOTH", 0, 0, 3, flagPermanent | flagShown);
     tables.Bus("SHOWN", 0, 0, 4, flagShown);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(0, ModeState);
     ASSERT_EQ(RowNames(list), (std::vector<std::string>{"TIME[17:0]", "BOTH", "SHOWN"}));
     EXPECT_TRUE(list[0].permanent);
@@ -91,7 +92,7 @@ TEST(SignalList, MakesPermanentSignalsHiddenUnlessTheyAreShown) {
 TEST(SignalList, PrintsTheTimeBusAsATime) {
     HandMadeTables tables;
     tables.Bus("TIME", 0, 17, 110);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(0, ModeState);
     EXPECT_EQ(list[0].radix, Radix::Time);
     EXPECT_EQ(list[1].radix, Radix::Hex);
@@ -100,7 +101,7 @@ TEST(SignalList, PrintsTheTimeBusAsATime) {
 TEST(SignalList, GivesSamplesByWholeWords) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     const std::vector<std::pair<std::uint32_t, std::uint32_t>> sizes = {
         {0, 0}, {1, 32}, {5, 32}, {32, 32}, {33, 64}};
     for (const auto& [asked, given] : sizes) {
@@ -115,7 +116,7 @@ TEST(SignalList, GivesSamplesByWholeWords) {
 TEST(SignalList, MasksAreMadeInPatternModesOnly) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     for (const std::uint32_t mode : {ModeState, ModeWaveform, ModeEvents, ModeStimulus}) {
         list.BuildFromTables(15, mode);
         const bool masked = mode == ModeEvents || mode == ModeStimulus;
@@ -132,7 +133,7 @@ TEST(SignalList, ADecodedDefinitionIsAGroupOfTheBitsOfItsFirstValue) {
     tables.Bus("IRQ", 0, 6, 88);
     const auto def = tables.Decoded("COMMAND", {78, 90, 140}, {{"Read", "011"}}, "WRITE");
     def->color = 0xFF;
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(5, ModeState);
 
     ASSERT_EQ(RowNames(list), (std::vector<std::string>{"CLK", "COMMAND", "WRITE", "IRQ[6:0]"}));
@@ -161,7 +162,7 @@ TEST(SignalList, ADecodedDefinitionOfOneBitIsASignalOfItsName) {
     HandMadeTables tables;
     tables.Bus("LINES", 0, 7, 88);
     tables.Decoded("ANOMALY", {94}, {{"None", "X"}, {"Use Checklist", "1"}}, "LINES[7:0]");
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(1, ModeState);
     EXPECT_EQ(list[0].name, "ANOMALY");
     EXPECT_EQ(list[0].baseName, "LINES");
@@ -179,7 +180,7 @@ TEST(SignalList, DropsADecodedDefinitionThatHasNoPlace) {
     tables.Decoded("LOST", {96, 97}, {{"DUMMY", "XX"}}, "AD[63:0]");
     tables.Decoded("UNCOVERED", {5, 6}, {{"DUMMY", "XX"}}, "CLK");
     tables.Decoded("EMPTY", {}, {}, "CLK");
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(1, ModeState);
     EXPECT_EQ(RowNames(list), (std::vector<std::string>{"CLK", "EXT[1:0]"}));
 }
@@ -189,7 +190,7 @@ TEST(SignalList, PlacesADecodedSignalBeforeAnother) {
     tables.Bus("AD", 0, 7, 0);
     tables.Decoded("DATA", {0, 1}, {{"00", "XX"}}, "AD[7:0]");
     tables.Decoded("=<>", {2, 3}, {{"=", "00"}}, "DATA");
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(1, ModeState);
     EXPECT_EQ(RowNames(list), (std::vector<std::string>{"=<>", "DATA", "AD[7:0]"}));
 }
@@ -211,7 +212,7 @@ TEST(SignalList, AddsDecodedDefinitionsWhoseConditionHolds) {
         add("64", DefCondition::Pci64);
         add("X", DefCondition::PciX);
         add("NOT X", DefCondition::NotPciX);
-        CSignalList list;
+        CSignalList list(tables.Tables());
         list.BuildFromTables(0, ModeState);
         EXPECT_EQ(RowNames(list), names);
     }
@@ -222,7 +223,7 @@ TEST(SignalList, AStimulusHasNoAnomalyRow) {
     tables.Bus("CLK", 0, 0, 109);
     tables.Bus("LINE", 0, 0, 94, flagNotOffered);
     tables.Decoded("ANOMALY", {94}, {{"None", "X"}}, "CLK");
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(15, ModeStimulus);
     EXPECT_EQ(RowNames(list), std::vector<std::string>{"CLK"});
     list.BuildFromTables(8, ModeEvents);
@@ -233,7 +234,7 @@ TEST(SignalList, AddsAPieceOfABus) {
     HandMadeTables tables;
     const auto ad = tables.Bus("AD", 0, 31, 0);
     const auto clk = tables.Bus("CLK", 0, 0, 109);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     const CSignal* line = list.AddSignal(nullptr, clk, 5, 0, 0, 0x11, Radix::Hex, false);
     const CSignal* group = list.AddSignal(line, ad, 5, 4, 6, 0x22, Radix::Octal, true);
     const CSignal* bit = list.AddSignal(nullptr, ad, 5, 9, 9, 0x33, Radix::Binary, true);
@@ -258,7 +259,7 @@ TEST(SignalList, AddsAPieceOfABus) {
 TEST(SignalList, AddsNothingOfABusOutsideItsPositions) {
     HandMadeTables tables;
     const auto ad = tables.Bus("AD", 0, 7, 0);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     EXPECT_EQ(list.AddSignal(nullptr, ad, 1, 5, 4, 0, 1, true), nullptr);
     EXPECT_EQ(list.AddSignal(nullptr, ad, 1, 8, 2000000000, 0, 1, true), nullptr);
     EXPECT_EQ(list.AddSignal(nullptr, nullptr, 1, 0, 0, 0, 1, true), nullptr);
@@ -273,7 +274,7 @@ struct Member {
 };
 
 std::string GroupName(const std::vector<Member>& members) {
-    CSignalList list;
+    CSignalList list(NoTables());
     for (const Member& member : members) {
         CSignal* signal = list.InsertBlank(nullptr);
         signal->baseName = member.baseName;
@@ -313,7 +314,7 @@ void FillThree(CSignalList& list, std::uint32_t numSamples) {
 }
 
 TEST(BuildGroup, PacksARowForEachSample) {
-    CSignalList list;
+    CSignalList list(NoTables());
     FillThree(list, 34);
     list[0].data = {0x1, 0x2};
     list[1].data = {0x3, 0x0};
@@ -331,7 +332,7 @@ TEST(BuildGroup, PacksARowForEachSample) {
 }
 
 TEST(BuildGroup, PutsTheNinthMemberIntoASecondByte) {
-    CSignalList list;
+    CSignalList list(NoTables());
     for (int i = 0; i < 9; ++i) {
         SetSamples(*list.InsertBlank(nullptr), Words{i == 8 || i == 0 ? 1U : 2U}, 2);
     }
@@ -340,7 +341,7 @@ TEST(BuildGroup, PutsTheNinthMemberIntoASecondByte) {
 }
 
 TEST(BuildGroup, MakesMaskRowsOnlyIfEveryMemberHasAMask) {
-    CSignalList list;
+    CSignalList list(NoTables());
     FillThree(list, 2);
     for (const auto& signal : list.All()) {
         signal->mask = {0x1};
@@ -353,7 +354,7 @@ TEST(BuildGroup, MakesMaskRowsOnlyIfEveryMemberHasAMask) {
 }
 
 TEST(BuildGroup, TakesTheNumberOfSamplesFromTheLastMember) {
-    CSignalList list;
+    CSignalList list(NoTables());
     FillThree(list, 40);
     list[0].data = {1, 1};
     SetSamples(list[2], Words{2}, 2);
@@ -373,7 +374,7 @@ TEST(BuildGroup, RunsToTheEndOfTheListWhenTheLastMemberIsGone) {
     tables.Bus("AD", 0, 2, 0);
     tables.Bus("FRAME", 0, 0, 72);
     tables.Bus("IRDY", 0, 0, 74);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(1, ModeState);
     list[2].selected = true;
     list.DeleteSelected();
@@ -384,7 +385,7 @@ TEST(BuildGroup, RunsToTheEndOfTheListWhenTheLastMemberIsGone) {
 }
 
 TEST(BuildGroup, DoesNothingForASignalOfAnotherList) {
-    CSignalList list;
+    CSignalList list(NoTables());
     FillThree(list, 1);
     CSignal stranger;
     list.BuildGroup(&stranger);
@@ -395,9 +396,9 @@ TEST(BuildGroup, DoesNothingForASignalOfAnotherList) {
 TEST(SignalList, CopiesSignalsWithTheirModeAndSamples) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(8, ModeEvents);
-    CSignalList copy;
+    CSignalList copy(tables.Tables());
     copy.InsertBlank(nullptr);
     copy.CopyFrom(list);
     list[0].data[0] = 0xFF;
@@ -414,10 +415,28 @@ TEST(SignalList, KeepsTheDefinitionOfASignalThroughARebuildOfTheTables) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
     tables.Decoded("KIND", {0, 1}, {{"Zero", "00"}}, "AD[1:0]");
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(1, ModeState);
     tables.Tables().decodedSignals.Replace({});
     EXPECT_STREQ(list[0].Label(0), "Zero");
+}
+
+TEST(SignalList, CannotBeMadeWithoutTables) {
+    static_assert(!std::is_default_constructible_v<CSignalList>);
+}
+
+TEST(SignalList, OfTablesThatDefineNothingIsEmptyAndCanBeFilledByHand) {
+    HandMadeTables tables;
+    auto def = tables.Decoded("COMMAND", {64, 65}, {{"Read", "01"}});
+    CSignalList list(NoTables());
+    list.BuildFromTables(8, ModeState);
+    EXPECT_TRUE(list.Empty());
+    EXPECT_EQ(list.AddSignal(nullptr, def, 8, 0, 0, 0, Radix::Hex, true), nullptr)
+        << "no bus has its bits";
+    CSignal& blank = *list.InsertBlank(nullptr);
+    blank.selected = true;
+    list.SetSelectedColor(0x10);
+    EXPECT_EQ(blank.color, 0x10U);
 }
 
 } // namespace

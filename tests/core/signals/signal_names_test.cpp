@@ -89,8 +89,8 @@ TEST(SignalNames, LabelsAreThoseThatAListingShows) {
 }
 
 TEST(SignalNames, RowsOfAListComeFirst) {
-    const BoardTables board("PCIKite-1");
-    CSignalList list;
+    BoardTables board("PCIKite-1");
+    CSignalList list(board.tables);
     for (const int position : {72, 74}) {
         CSignal* line = list.InsertBlank(nullptr);
         line->name = line->baseName = "AD";
@@ -164,8 +164,8 @@ TEST(RecordFields, TakeBitsInAnyOrderAndNoneOutside) {
 }
 
 TEST(RecordFields, NoTimeWhereTheListHasNone) {
-    const BoardTables board("PCIKite-1");
-    CSignalList list;
+    BoardTables board("PCIKite-1");
+    CSignalList list(board.tables);
     EXPECT_FALSE(SampleTime(list).Known());
     list.BuildFromTables(0, ModeState);
     const SampleTime time(list);

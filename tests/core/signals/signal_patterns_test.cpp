@@ -27,7 +27,7 @@ protected:
         return list_[list_.IndexOf(FindRow(list_, name)) + k];
     }
     HandMadeTables tables_;
-    CSignalList list_;
+    CSignalList list_{tables_.Tables()};
 };
 
 TEST_F(PatternTest, WritesTheRowsOfAGroupBackToEverySignalOverItsBits) {

@@ -1,4 +1,5 @@
 #include "signals/signal_list.h"
+#include "support/board_tables.h"
 #include "support/capture_builder.h"
 #include "support/signal_definitions.h"
 
@@ -41,7 +42,7 @@ protected:
         return {row.begin(), row.end()};
     }
     HandMadeTables tables_;
-    CSignalList list_;
+    CSignalList list_{tables_.Tables()};
 };
 
 TEST_F(LoadSamplesTest, UnpacksACaptureIntoRowsBitsAndLabels) {
@@ -95,7 +96,7 @@ TEST_F(LoadSamplesTest, LeavesOutLongRunsOfSamplesThatAreAbsent) {
     absent[1] = 0xFF;
     list_.ResizeSamples(static_cast<std::uint32_t>(records.size()));
     list_.LoadSamples(0, records, absent);
-    CSignalList whole;
+    CSignalList whole(tables_.Tables());
     whole.BuildFromTables(0, ModeState);
     whole.ResizeSamples(static_cast<std::uint32_t>(records.size()));
     whole.LoadSamples(0, records);
@@ -117,7 +118,7 @@ TEST_F(LoadSamplesTest, DoesNothingInAListWithoutSamples) {
     list_.LoadSamples(0, CaptureBuilder().Write(0x100, 1).Records());
     EXPECT_TRUE(Row("FRAME").data.empty());
     EXPECT_TRUE(Row("ADDRESS32").groupData.empty());
-    CSignalList none;
+    CSignalList none(tables_.Tables());
     none.LoadSamples(0, CaptureBuilder().Idle().Records());
     EXPECT_TRUE(none.Empty());
 }
@@ -293,7 +294,7 @@ TEST_P(RandomLists, LoadLikeTheLoopOverSingleBits) {
     const unsigned seed = GetParam();
     SCOPED_TRACE("seed " + std::to_string(seed));
     Random random(seed);
-    CSignalList list;
+    CSignalList list(NoTables());
     for (int i = Pick(random, 1, 8); i > 0; --i) {
         if (Pick(random, 0, 2) == 0) {
             list.InsertBlank(nullptr)->dataIndex = Pick(random, -2, 150);
@@ -308,7 +309,7 @@ TEST_P(RandomLists, LoadLikeTheLoopOverSingleBits) {
             signal->ResizeSamples(static_cast<std::uint32_t>(Pick(random, 0, numSamples)));
         }
     }
-    CSignalList plain;
+    CSignalList plain(NoTables());
     plain.CopyFrom(list);
     for (int round = 0; round < 3; ++round) {
         const int first = Pick(random, 0, numSamples + 10);
@@ -328,7 +329,7 @@ TEST(LoadSamples, UnpacksAGroupOfAnyWidthAnywhereInTheRecord) {
     const auto records = RandomRecords(random, 3);
     for (int width : {1, 7, 8, 9, 16, 18, 31, 32, 33, 55, 56, 57, 58, 63, 64, 65, 72, 144}) {
         for (int first = 0; first + width <= 144; ++first) {
-            CSignalList list;
+            CSignalList list(NoTables());
             for (int k = 0; k < width; ++k) {
                 CSignal* signal = list.InsertBlank(nullptr);
                 signal->dataIndex = first + k;
@@ -337,7 +338,7 @@ TEST(LoadSamples, UnpacksAGroupOfAnyWidthAnywhereInTheRecord) {
             list[0].groupAttribute = GroupAttribute::Start;
             list.BuildGroup(&list[0]);
             list.ResizeSamples(3);
-            CSignalList plain;
+            CSignalList plain(NoTables());
             plain.CopyFrom(list);
             list.LoadSamples(0, records);
             ExpectAsIfLoadedPlainly(list, plain, 0, records);

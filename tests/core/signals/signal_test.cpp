@@ -1,4 +1,5 @@
 #include "signals/signal.h"
+#include "support/board_tables.h"
 #include "support/signal_definitions.h"
 
 #include <gtest/gtest.h>
@@ -103,7 +104,7 @@ struct Loaded {
 };
 ZeroedArray<std::uint32_t> LoadedWords(std::int32_t dataIndex, std::uint32_t numSamples,
                                        const std::vector<Loaded>& runs) {
-    CSignalList list;
+    CSignalList list(NoTables());
     CSignal& signal = *list.InsertBlank(nullptr);
     signal.dataIndex = dataIndex;
     signal.ResizeSamples(numSamples);

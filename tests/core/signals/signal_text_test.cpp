@@ -1,6 +1,7 @@
 #include "document/csv_line.h"
 #include "platform/text_file.h"
 #include "signals/signal_list.h"
+#include "support/board_tables.h"
 #include "support/signal_definitions.h"
 
 #include <gmock/gmock.h>
@@ -59,11 +60,11 @@ CSignal& AddPlain(CSignalList& list, const char* name, std::uint32_t numSamples)
 }
 
 TEST_F(SignalText, WritesTheHeaderRowWithoutItsLastComma) {
-    EXPECT_EQ(Written(CSignalList(), true), headerRow);
+    EXPECT_EQ(Written(CSignalList(NoTables()), true), headerRow);
 }
 
 TEST_F(SignalText, WritesARecordForEachSignal) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     AddPlain(list, "FRAME", 0);
     EXPECT_EQ(Written(list, true),
               headerRow + "\"Signal\",\"FRAME\",\"FRAME\",\"\",\"\",\"\",-1,72,0,20,30,0,\"\","
@@ -72,7 +73,7 @@ TEST_F(SignalText, WritesARecordForEachSignal) {
 
 TEST_F(SignalText, WritesEveryFieldThatIsSet) {
     tables_.Bus("BG", 3, 0, 80);
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     list.mode = ModeEvents;
     const auto def = tables_.Decoded("KIND", {80, 81}, {{"Zero", "00"}});
     CSignal* first = list.AddSignal(nullptr, def, 8, 0, 0, 0x0000FF, Radix::Time, true);
@@ -92,14 +93,14 @@ TEST_F(SignalText, WritesTheRadixByItsWordAndOthersAsNothing) {
     const std::vector<std::pair<std::int32_t, std::string>> words = {
         {0, "Binary"}, {1, "Hex"}, {2, "Octal"}, {3, "Time"}, {4, ""}, {-1, ""}};
     for (const auto& [radix, word] : words) {
-        CSignalList list;
+        CSignalList list(tables_.Tables());
         AddPlain(list, "FRAME", 0).radix = radix;
         EXPECT_THAT(Written(list, false), testing::HasSubstr("0,\"\",\"" + word + "\",\"\","));
     }
 }
 
 TEST_F(SignalText, WritesDataAndMaskLinesBehindTheRecord) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     CSignal& signal = AddPlain(list, "FRAME", 4);
     signal.data = {0b0101};
     signal.mask = {0b0011};
@@ -123,7 +124,7 @@ std::string LinesOf(const std::string& text) {
 }
 
 TEST_F(SignalText, RepeatsTheFirstBitsOnEachFurtherLine) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     CSignal& signal = AddPlain(list, "FRAME", 34);
     signal.data = {0xFFFFFFFF, 0b10};
     EXPECT_EQ(LinesOf(Written(list, true)),
@@ -136,9 +137,9 @@ TEST_F(SignalText, RepeatsTheFirstBitsOnEachFurtherLine) {
 }
 
 TEST_F(SignalText, OnlyTheFirstThirtyTwoSamplesSurvive) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     AddPlain(list, "FRAME", 64).data = {0x12345678, 0x9ABCDEF0};
-    CSignalList copy;
+    CSignalList copy(tables_.Tables());
     Read(Written(list, true), copy);
     ASSERT_EQ(copy.Size(), 1U);
     EXPECT_EQ(copy[0].numSamples, 64U);
@@ -151,7 +152,7 @@ TEST_F(SignalText, ASetupComesBackAsItWas) {
     tables_.Bus("FRAME", 0, 0, 72);
     tables_.Decoded("KIND", {0, 1}, {{"All", "XX", 3}, {"Zero", "00"}}, "AD[7:0]");
     tables_.Decoded("ONE", {72}, {{"Any", "X"}, {"High", "1"}}, "FRAME");
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     for (const std::uint32_t numSamples : {1U, 4U, 8U, 15U}) {
         list.BuildFromTables(numSamples, ModeEvents);
         list.ApplyDecodedValue(FindRow(list, "KIND"), 0, 1);
@@ -160,7 +161,7 @@ TEST_F(SignalText, ASetupComesBackAsItWas) {
         FindRow(list, "BG[3:0]")->groupMask[0] = 0b1110;
         list.UnpackGroup(FindRow(list, "BG[3:0]"));
 
-        CSignalList copy;
+        CSignalList copy(tables_.Tables());
         copy.mode = ModeEvents;
         Read(Written(list, true), copy);
         EXPECT_EQ(Written(copy, true), Written(list, true));
@@ -179,12 +180,12 @@ TEST_F(SignalText, ASetupComesBackAsItWas) {
 
 TEST_F(SignalText, WithoutDataARecordStandsAloneEvenIfItSaysMasked) {
     tables_.Bus("AD", 0, 1, 0);
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     list.BuildFromTables(8, ModeEvents);
     const std::string text = Written(list, false);
     EXPECT_THAT(text, testing::HasSubstr("\"Masked\""));
     EXPECT_THAT(text, testing::Not(testing::HasSubstr("\"Mask\"")));
-    CSignalList copy;
+    CSignalList copy(tables_.Tables());
     Read(text, copy);
     EXPECT_EQ(RowNames(copy), std::vector<std::string>{"AD[1:0]"});
     EXPECT_EQ(copy[0].numSamples, 0U);
@@ -193,7 +194,7 @@ TEST_F(SignalText, WithoutDataARecordStandsAloneEvenIfItSaysMasked) {
 }
 
 TEST_F(SignalText, ARowWithThirteenFieldsKeepsTheDefaultRadix) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read("\"Signal\",\"FRAME\",\"FRAME\",\"\",\"\",\"\",-1,72,0,24,60,255,\"Show\"\n", list);
     ASSERT_EQ(list.Size(), 1U);
     EXPECT_EQ(list[0].name, "FRAME");
@@ -207,7 +208,7 @@ TEST_F(SignalText, ARowWithThirteenFieldsKeepsTheDefaultRadix) {
 }
 
 TEST_F(SignalText, ARowThatEndsEarlyLeavesTheDefaults) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read("\"Signal\"\n\"Signal\",\"X\"\n\"Signal\",\"Y\",\"B\",\"Grouped\"\n", list);
     // A row of the keyword alone has no field that tells it from a header.
     ASSERT_EQ(list.Size(), 2U);
@@ -221,7 +222,7 @@ TEST_F(SignalText, ARowThatEndsEarlyLeavesTheDefaults) {
 }
 
 TEST_F(SignalText, ReadsWordsOnlyWhereTheyMatch) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read("\"Signal\",\"N\",\"B\",\"grouped\",\"G\",\"xEndStarty\",-1,5,0,x,7z,-1,\"show\","
          "\"Decimal\",\"\",\"NoSuchDefinition\",\"Hid\",\"permanent\",\"bitreverse\"\n",
          list);
@@ -240,7 +241,7 @@ TEST_F(SignalText, ReadsWordsOnlyWhereTheyMatch) {
 }
 
 TEST_F(SignalText, ReadsEachPartOfAGroupAttribute) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read("\"Signal\",\"A\",\"A\",\"Grouped\",\"\",\"Start+End+NoUngroup\"\n", list);
     EXPECT_EQ(list[0].groupAttribute, 7);
     EXPECT_EQ(list[0].groupWidth, 1U);
@@ -251,14 +252,14 @@ const std::string fourSamples =
     "\"\",\"\",\"\",\"\"\n";
 
 TEST_F(SignalText, ABitIsSetByAFieldThatBeginsWithOne) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read(fourSamples + "\"Data\",1,0,\"10\",x\n\"Mask\",2,1,1\n", list);
     EXPECT_EQ(list[0].data, Words{0b0101});
     EXPECT_EQ(list[0].mask, Words{0b0110});
 }
 
 TEST_F(SignalText, ALineOfAnotherKindEndsTheDataAndIsLost) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     std::vector<std::string> rest;
     Read(fourSamples + "\"Mask\",1,1,1,1\n\"Lost\",1\n\"Event Names\"\n", list, &rest);
     EXPECT_EQ(list[0].data, Words{0});
@@ -266,14 +267,14 @@ TEST_F(SignalText, ALineOfAnotherKindEndsTheDataAndIsLost) {
     EXPECT_EQ(list[0].numSamples, 4U);
     EXPECT_EQ(rest, std::vector<std::string>{"Event Names"});
 
-    CSignalList empty;
+    CSignalList empty(tables_.Tables());
     Read(fourSamples + "\n\"Mask\",1,1,1,1\n", empty);
     EXPECT_EQ(empty[0].data, Words{0});
     EXPECT_EQ(empty[0].mask, Words{0xF});
 }
 
 TEST_F(SignalText, AFileThatEndsInTheDataLoadsWhatItHas) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read(fourSamples, list);
     EXPECT_EQ(list[0].data, Words{0});
     EXPECT_EQ(list[0].mask, Words{0});
@@ -282,7 +283,7 @@ TEST_F(SignalText, AFileThatEndsInTheDataLoadsWhatItHas) {
 TEST_F(SignalText, ADecodedSignalTakesTheCurrentNameAndLabels) {
     tables_.Bus("AD", 0, 7, 0);
     tables_.Decoded("KIND", {0, 1}, {{"Zero", "00"}});
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read("\"Signal\",\"A\",\"AD\",\"Grouped\",\"OLD\",\"Start\",0,0,0,20,30,0,\"\",\"Hex\",\"\","
          "\"KIND\"\n"
          "\"Signal\",\"B\",\"AD\",\"Grouped\",\"\",\"End\",1,1\n"
@@ -314,12 +315,12 @@ TEST_F(SignalText, AnAnnouncementOfBillionsOfSamplesTakesLittleMemory) {
         text += "\"Signal\",\"A\",\"AD\",\"Grouped\",\"\",\"Start\",0,0,2147483647,20,30,0,\"\","
                 "\"Hex\",\"Masked\",\"KIND\"\n\"Data\",1,1\n";
     }
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read(text, list);
     EXPECT_EQ(list[0].numSamples, 2147483647U);
     EXPECT_LT(MemoryOf(list), 1U << 20);
     // One announced size for each sign.
-    CSignalList negative;
+    CSignalList negative(tables_.Tables());
     Read("\"Signal\",\"A\",\"A\",\"\",\"\",\"\",0,0,-1\n", negative);
     EXPECT_EQ(negative[0].numSamples, 0xFFFFFFFFU);
     EXPECT_LT(MemoryOf(negative), 100U);
@@ -332,14 +333,14 @@ TEST_F(SignalText, ManySignalsThatAnnounceWhatAFewMayHaveTakeLittleMemory) {
         text += "\"Signal\",\"A\",\"AD\",\"\",\"\",\"\",0,0,4096,20,30,0,\"\",\"Hex\",\"\","
                 "\"KIND\"\n\n";
     }
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read(text, list);
     EXPECT_EQ(list[9999].numSamples, 4096U);
     EXPECT_LT(MemoryOf(list), 8U << 20);
 }
 
 TEST_F(SignalText, BehindItsLinesASignalHasZeros) {
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read("\"Signal\",\"A\",\"A\",\"Grouped\",\"\",\"Start\",0,0,1000,20,30,0,\"\",\"Hex\","
          "\"Masked\"\n"
          "\"Data\",1,1\n\"Data\",0,1\n\n\"Mask\",0,1\n\n"
@@ -372,7 +373,7 @@ TEST_F(SignalText, ALongListKeepsItsTail) {
         text += "\"Signal\",\"L\",\"L\",\"Grouped\",\"\",\"" + at + "\"," + std::to_string(i % 3) +
                 "," + std::to_string(i % 144) + "\n";
     }
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read(text, list);
     ASSERT_EQ(list.Size(), 9000U);
     EXPECT_EQ(list[8997].RowName(), "L[2:0]");
@@ -390,7 +391,7 @@ TEST_F(SignalText, EndlessGroupsAndLinesTakeLittleMemory) {
     for (int i = 0; i < 20000; ++i) {
         text += "\"Signal\",\"A\",\"A\",\"Grouped\",\"\",\"Start\",0,0,0\n";
     }
-    CSignalList list;
+    CSignalList list(tables_.Tables());
     Read(text, list);
     EXPECT_EQ(list[0].numSamples, 2000000000U);
     EXPECT_EQ(list[0].data.size(), 5000U); // for which there are lines

@@ -255,7 +255,7 @@ protected:
         list_.LoadSamples(0, records);
     }
     HandMadeTables tables_;
-    CSignalList list_;
+    CSignalList list_{tables_.Tables()};
 };
 
 TEST_F(TimeBetweenTest, SumsTheTimesAfterTheEarlierSample) {
@@ -275,7 +275,7 @@ TEST_F(TimeBetweenTest, SumsBeyondThirtyTwoBits) {
 TEST_F(TimeBetweenTest, StaysAtTheLongestTimeWhereAFileIsDamaged) {
     HandMadeTables tables;
     tables.Bus("TIME", 0, 29, 96, flagPermanent);
-    CSignalList list;
+    CSignalList list(tables.Tables());
     list.BuildFromTables(0, ModeState);
     SampleRecord longest; // 2^28 - 1 seconds
     std::fill_n(longest.bytes.begin() + 12, 4, std::uint8_t{0xFF});
@@ -351,7 +351,7 @@ TEST_F(TimeBetweenTest, FollowsTheListWhoseTimeIsReplaced) {
     EXPECT_EQ(TimeBetween(0, 199, list_, false), "1.990us");
     Load(std::vector<int>(200, 20));
     EXPECT_EQ(TimeBetween(0, 199, list_, false), "3.980us");
-    CSignalList copy;
+    CSignalList copy(tables_.Tables());
     copy.CopyFrom(list_);
     list_.RemoveAllSignals();
     list_.BuildFromTables(0, ModeState);

@@ -10,7 +10,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 /// A list with one signal at a data index.
 CSignalList ListOf(std::int32_t dataIndex, std::uint32_t data, std::uint32_t mask, bool masked) {
-    CSignalList list;
+    CSignalList list(NoTables());
     list.mode = ModeEvents;
     CSignal* signal = list.InsertBlank(nullptr);
     signal->dataIndex = dataIndex;
@@ -54,8 +54,8 @@ TEST(EventRows, EachColumnHasItsRow) {
 }
 
 TEST(TraceControl, RowsOfTwentyBytes) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup setup;
+    BoardTables board("PCIKite-1");
+    TraceSetup setup(board.tables);
     setup.levels[1].ifExpr = {1, 2, 3, 4, 5, 6, 7, 8};
     setup.levels[1].storeExpr = {11, 12, 13, 14, 15, 16, 17, 18};
     setup.levels[1].occurs = 0x1234;
@@ -75,8 +75,8 @@ TEST(TraceControl, RowsOfTwentyBytes) {
 }
 
 TEST(TraceControl, CountsAndLevelsLoseWhatDoesNotFit) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup setup;
+    BoardTables board("PCIKite-1");
+    TraceSetup setup(board.tables);
     setup.levels[0].occurs = 65536;
     setup.levels[0].thenGoto = 9;
     const Bytes bytes = BuildTraceControl(setup);
@@ -85,8 +85,9 @@ TEST(TraceControl, CountsAndLevelsLoseWhatDoesNotFit) {
     EXPECT_EQ(bytes[18], 0x09);
 }
 
-TraceSetup SetupWith(std::int32_t clock, std::int32_t triggerPosition, std::int32_t zoomClock) {
-    TraceSetup setup;
+TraceSetup SetupWith(SignalTables& tables, std::int32_t clock, std::int32_t triggerPosition,
+                     std::int32_t zoomClock) {
+    TraceSetup setup(tables);
     setup.clock = clock;
     setup.triggerPosition = triggerPosition;
     setup.powerZoomClock = zoomClock;
@@ -94,39 +95,39 @@ TraceSetup SetupWith(std::int32_t clock, std::int32_t triggerPosition, std::int3
 }
 
 TEST(TraceParams, TheClockSwapsTheFirstTwoStepsOfItsScale) {
-    const BoardTables board("PCIKite-1");
+    BoardTables board("PCIKite-1");
     const std::array<std::uint8_t, 19> codes{0, 2,  0,  1,  3,  4,  5,  6, 7, 8,
                                              9, 10, 11, 12, 13, 14, 15, 0, 0};
     for (std::size_t value = 0; value < codes.size(); ++value) {
-        EXPECT_EQ(BuildTraceParams(SetupWith(static_cast<std::int32_t>(value), 0, 0)),
+        EXPECT_EQ(BuildTraceParams(SetupWith(board.tables, static_cast<std::int32_t>(value), 0, 0)),
                   (Bytes{codes[value], 0, 0}))
             << value;
     }
 }
 
 TEST(TraceParams, TheTriggerPositionHasItsOwnScale) {
-    const BoardTables board("PCIKite-1");
+    BoardTables board("PCIKite-1");
     const std::array<std::uint8_t, 8> codes{0, 3, 4, 0, 1, 2, 0, 0};
     for (std::size_t value = 0; value < codes.size(); ++value) {
-        EXPECT_EQ(BuildTraceParams(SetupWith(0, static_cast<std::int32_t>(value), 0)),
+        EXPECT_EQ(BuildTraceParams(SetupWith(board.tables, 0, static_cast<std::int32_t>(value), 0)),
                   (Bytes{0, codes[value], 0}))
             << value;
     }
 }
 
 TEST(TraceParams, TheZoomClockCountsFromOneToEight) {
-    const BoardTables board("PCIKite-1");
+    BoardTables board("PCIKite-1");
     const std::array<std::uint8_t, 11> codes{0, 0, 1, 2, 3, 4, 5, 6, 7, 0, 0};
     for (std::size_t value = 0; value < codes.size(); ++value) {
-        EXPECT_EQ(BuildTraceParams(SetupWith(0, 0, static_cast<std::int32_t>(value))),
+        EXPECT_EQ(BuildTraceParams(SetupWith(board.tables, 0, 0, static_cast<std::int32_t>(value))),
                   (Bytes{0, 0, codes[value]}))
             << value;
     }
 }
 
 TEST(TraceParams, NegativeIndicesAreCodeZero) {
-    const BoardTables board("PCIKite-1");
-    EXPECT_EQ(BuildTraceParams(SetupWith(-1, -1, -1)), (Bytes{0, 0, 0}));
+    BoardTables board("PCIKite-1");
+    EXPECT_EQ(BuildTraceParams(SetupWith(board.tables, -1, -1, -1)), (Bytes{0, 0, 0}));
 }
 
 TEST(SearchControl, IsTwiceTheSideAndTheLowBytesOfTheDistance) {

@@ -22,10 +22,10 @@ protected:
         return "\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n" + body;
     }
 
-    const BoardTables board{"PCIKite-1"};
+    BoardTables board{"PCIKite-1"};
     const TempDir dir;
     RecordingPrompts prompts;
-    TraceSetup setup;
+    TraceSetup setup{board.tables};
 };
 
 TEST_F(SetupFile, WrittenSetupIsReadBackEqual) {
@@ -42,7 +42,7 @@ TEST_F(SetupFile, WrittenSetupIsReadBackEqual) {
     const std::string path = dir.File("b.tsp");
     ASSERT_TRUE(SaveSetupFile(setup, path, prompts));
 
-    TraceSetup read;
+    TraceSetup read(board.tables);
     ASSERT_TRUE(LoadSetupFile(read, path, prompts));
     EXPECT_EQ(read.name, "My setup");
     EXPECT_EQ(read.description, "line one\r\nline two");
@@ -168,8 +168,8 @@ TEST_F(SetupFile, DataIndexesAreKeptWhateverTheBoard) {
 }
 
 TEST(ParseLevelRow, StimulusRowsHaveTheirOwnForms) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup setup;
+    BoardTables board("PCIKite-1");
+    TraceSetup setup{board.tables};
     ParseLevelRow(setup, {"Control", "15", "E1", "3", "STOP, Dur 4", "Goto SL2, Wait 6", "S7"},
                   true);
     const TraceLevel& level = setup.levels[14];
@@ -184,7 +184,7 @@ TEST(ParseLevelRow, StimulusRowsHaveTheirOwnForms) {
 
 TEST_F(SetupFile, AreFoundByTheirNames) {
     for (const char* file : {"b.tsp", "a.tsp"}) {
-        TraceSetup each;
+        TraceSetup each(board.tables);
         each.name = std::string("setup of ") + file;
         ASSERT_TRUE(SaveSetupFile(each, dir.File(file), prompts));
     }

@@ -151,7 +151,7 @@ public:
     }
 
     BoardTables board;
-    TraceSetup setup;
+    TraceSetup setup{board.tables};
     WizardAnswer trigger;
     WizardAnswer store;
 };

@@ -7,8 +7,8 @@ namespace busquill::test {
 namespace {
 
 TEST(TraceSetup, DefaultsTriggerAtOnceAndStoreEverything) {
-    const BoardTables board("PCIKite-1");
-    const TraceSetup setup;
+    BoardTables board("PCIKite-1");
+    const TraceSetup setup(board.tables);
     EXPECT_EQ(ClockText(setup.clock), "Sync");
     EXPECT_EQ(PowerZoomText(setup.powerZoomClock), "3.75 ns");
     EXPECT_EQ(TriggerText(setup.triggerPosition), "50%");
@@ -25,8 +25,8 @@ TEST(TraceSetup, DefaultsTriggerAtOnceAndStoreEverything) {
 }
 
 TEST(TraceSetup, ResetKeepsTypeAndVersion) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup setup;
+    BoardTables board("PCIKite-1");
+    TraceSetup setup(board.tables);
     setup.fileType = "type";
     setup.version = "2";
     setup.name = "name";
@@ -39,12 +39,12 @@ TEST(TraceSetup, ResetKeepsTypeAndVersion) {
 }
 
 TEST(TraceSetup, CopyTakesTheNameAsDescription) {
-    const BoardTables board("PCIKite-1");
-    TraceSetup source;
+    BoardTables board("PCIKite-1");
+    TraceSetup source(board.tables);
     source.name = "name";
     source.description = "description";
     source.levels[2].occurs = 7;
-    TraceSetup copy;
+    TraceSetup copy(board.tables);
     copy.CopyFrom(source);
     EXPECT_EQ(copy.description, "name");
     EXPECT_EQ(copy.name, "name");

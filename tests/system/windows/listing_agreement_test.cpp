@@ -142,8 +142,8 @@ protected:
 
     /// The default list with all that a listing can hold besides: computed columns, a blank one, a
     /// hidden one, an expanded bus, other radixes.
-    std::string RichList(const std::string& section = "State") const {
-        CSignalList list;
+    std::string RichList(const std::string& section = "State") {
+        CSignalList list(board.tables);
         list.BuildFromTables(0, ModeState);
         for (const char* name : {"TIME", "ACCUM", "DELTA", "SAMPLE", "RULE CHECK", "ANOMALY"}) {
             if (const auto def = board.tables.decodedSignals.FindByName(name)) {
@@ -178,7 +178,7 @@ protected:
     const TempDir dir;
     std::string path;
     RecordingPrompts prompts;
-    NewTraceContext context;
+    NewTraceContext context{board.tables};
 };
 
 TEST_P(ListingAgreement, WithTheDefaultList) {

@@ -409,7 +409,7 @@ TEST_F(LiveSetup, ASaveWithoutAChangeKeepsTheCapture) {
 TEST_F(LiveSetup, ASmallBoardGetsTheClockThatItCanDo) {
     Connect({"--model", "PCIWren", "--buffer", "1"});
     OpenFrame("State");
-    TraceSetup fast;
+    TraceSetup fast(program->Tables());
     fast.clock = 4;
     ASSERT_TRUE(SaveSetupFile(fast, dir.File("fast.tsp"), prompts));
     EditSetup([&](CTraceSetupDialog& dialog) {

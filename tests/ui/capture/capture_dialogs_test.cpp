@@ -48,7 +48,7 @@ protected:
     }
 
     BoardTables board{"PCIKite-1"};
-    TraceSetup setup;
+    TraceSetup setup{board.tables};
     CTraceStatusDialog dialog{nullptr, setup};
 };
 

@@ -1,4 +1,5 @@
 #include "signals/signal_list.h"
+#include "support/board_tables.h"
 #include "ui/patterns/header_control.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ protected:
         EXPECT_EQ(header.Release(place), Redraw::Nothing);
     }
 
-    CSignalList list;
+    CSignalList list{NoTables()};
     HeaderControl header{HeaderControl::Layout{
         .extent = &CSignal::width, .visible = &CSignal::VisibleWidth, .smallest = 21}};
 };

@@ -87,7 +87,7 @@ protected:
 
     BoardTables board{"PCIKite-1"};
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     std::unique_ptr<CPatternGrid> grid;
     int changes = 0;
 };
@@ -270,7 +270,7 @@ TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
 }
 
 TEST_F(PatternGrid, OneGridSinksNoCellOfAnother) {
-    CSignalList others;
+    CSignalList others(list.Tables());
     others.BuildFromTables(2, ModeEvents);
     CPatternGrid other(nullptr, prompts);
     other.SetRowCount(2);
@@ -408,7 +408,7 @@ TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
 TEST(PatternGridOnPciX, DecodedNumbersAreEditedAsValues) {
     BoardTables board("PCIKite-1", BusPciX, 1);
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     list.mode = ModeEvents;
     CSignal* tag = list.AddSignal(nullptr, board.tables.decodedSignals.FindByName("TAG(PCI-X)"), 1,
                                   0, 0, 0, Radix::Hex, true);
@@ -445,7 +445,7 @@ TEST(PatternGridOnPciX, DecodedNumbersAreEditedAsValues) {
 TEST(PatternGridOnVme, CommandsHaveNoDualAddress) {
     BoardTables board("VMEKite-1", BusVme, 0);
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     list.mode = ModeEvents;
     ASSERT_NE(list.AddSignal(nullptr, board.tables.decodedSignals.FindByName("COMMAND"), 1, 0, 0, 0,
                              Radix::Hex, true),
@@ -560,7 +560,7 @@ protected:
     }
     BoardTables board{"PCIKite-1"};
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
 };
 
 TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {

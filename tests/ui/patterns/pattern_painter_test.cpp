@@ -52,7 +52,7 @@ protected:
     }
 
     BoardTables board{"PCIKite-1"};
-    CSignalList list;
+    CSignalList list{board.tables};
     int labels = 63;
     int offset = 0;
     int topRow = 0;

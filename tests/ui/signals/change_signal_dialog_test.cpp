@@ -20,13 +20,18 @@ using testing::IsEmpty;
 
 class ChangeSignal : public testing::Test {
 protected:
-    ChangeSignal() { list.BuildFromTables(32, ModeState); }
+    explicit ChangeSignal(const std::string& model = "PCIKite-1")
+        : board(model, BusPci, 0, dir.Path()) {
+        list.BuildFromTables(32, ModeState);
+    }
 
     /// As a user who chose "ALL" the last time.
     void Open(CSignal* signal, std::uint32_t mode = ModeWaveform) {
-        dialog = std::make_unique<CChangeSignalDialog>(nullptr, nullptr, mode, prompts);
+        dialog =
+            std::make_unique<CChangeSignalDialog>(nullptr, board.tables, nullptr, mode, prompts);
         SetType("ALL");
-        dialog = std::make_unique<CChangeSignalDialog>(nullptr, signal, mode, prompts);
+        dialog =
+            std::make_unique<CChangeSignalDialog>(nullptr, board.tables, signal, mode, prompts);
         dialog->show();
     }
     CSignal& Signal(const std::string& rowName) {
@@ -53,9 +58,9 @@ protected:
     }
 
     const TempDir dir;
-    BoardTables board{"PCIKite-1", BusPci, 0, dir.Path()};
+    BoardTables board;
     RecordingPrompts prompts;
-    CSignalList list;
+    CSignalList list{board.tables};
     std::unique_ptr<CChangeSignalDialog> dialog;
 };
 
@@ -86,7 +91,7 @@ TEST_F(ChangeSignal, DefinedIsEmptyAndChangesNothing) {
 TEST_F(ChangeSignal, TheTypeIsRemembered) {
     Open(nullptr);
     SetType("DECODED");
-    CChangeSignalDialog second(nullptr, nullptr, ModeWaveform, prompts);
+    CChangeSignalDialog second(nullptr, board.tables, nullptr, ModeWaveform, prompts);
     EXPECT_EQ(second.findChild<QComboBox*>("Type")->currentText(), "DECODED");
 }
 
@@ -231,7 +236,7 @@ TEST_F(ChangeSignal, ARowThatNoEntryStandsForIsKept) {
     EXPECT_FALSE(blank->showValue);
     // Nor is a row whose entry the type leaves out.
     SetType("BUS");
-    CChangeSignalDialog second(nullptr, &Signal("COMMAND"), ModeWaveform, prompts);
+    CChangeSignalDialog second(nullptr, board.tables, &Signal("COMMAND"), ModeWaveform, prompts);
     EXPECT_EQ(second.findChild<QComboBox*>("Name")->currentText(), "C/BE") << "its lines";
     second.accept();
     EXPECT_EQ(second.chosenDef, nullptr);
@@ -283,12 +288,7 @@ TEST_F(ChangeSignal, ADecodedLineWhoseNameIsThatOfItsLineOpensOnItself) {
 /// A line on which something is decoded.
 class ChangeSignalOnLark : public ChangeSignal {
 protected:
-    ChangeSignalOnLark() {
-        tables = std::make_unique<BoardTables>("VMELark");
-        list.BuildFromTables(32, ModeState);
-    }
-
-    std::unique_ptr<BoardTables> tables;
+    ChangeSignalOnLark() : ChangeSignal("VMELark") {}
 };
 
 TEST_F(ChangeSignalOnLark, ADecodedLineOpensOnItsLineAndOkKeepsTheRow) {
@@ -302,7 +302,7 @@ TEST_F(ChangeSignalOnLark, ADecodedLineOpensOnItsLineAndOkKeepsTheRow) {
     EXPECT_EQ(dialog->chosenDef, nullptr);
     EXPECT_TRUE(command.showValue);
     EXPECT_EQ(command.color, 0x00FF00U);
-    EXPECT_EQ(tables->tables.decodedSignals.FindByName("COMMAND")->color, 0x00FF00U);
+    EXPECT_EQ(board.tables.decodedSignals.FindByName("COMMAND")->color, 0x00FF00U);
 }
 
 TEST_F(ChangeSignalOnLark, TheLineOfADecodedRowCanBeChosen) {

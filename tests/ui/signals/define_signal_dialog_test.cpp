@@ -13,7 +13,7 @@ namespace {
 
 class DefineSignal : public testing::Test {
 protected:
-    const BoardTables board{"PCIKite-1"};
+    BoardTables board{"PCIKite-1"};
 };
 
 TEST_F(DefineSignal, HasAColumnForEachBusDefinition) {
@@ -51,7 +51,7 @@ TEST_F(DefineSignal, FifteenBitsTakeFifteenCharactersAndSixteenTakeFour) {
 }
 
 TEST_F(DefineSignal, ScrollsFromTheFirstToTheLastRow) {
-    CDefineSignalDialog dialog(nullptr);
+    CDefineSignalDialog dialog(nullptr, board.tables);
     EXPECT_EQ(dialog.windowTitle(), "Define Signal");
     EXPECT_EQ(dialog.findChild<QListWidget*>()->count(), 1);
     EXPECT_EQ(dialog.findChild<QListWidget*>()->item(0)->text(), "<New Signal>");
@@ -73,7 +73,7 @@ TEST_F(DefineSignal, ScrollsFromTheFirstToTheLastRow) {
 }
 
 TEST_F(DefineSignal, TheWheelMovesTheRowsAndWithShiftTheColumns) {
-    CDefineSignalDialog dialog(nullptr);
+    CDefineSignalDialog dialog(nullptr, board.tables);
     dialog.resize(500, 380);
     dialog.show();
     auto& table = *dialog.findChild<LayoutTable*>();
@@ -89,7 +89,7 @@ TEST_F(DefineSignal, TheWheelMovesTheRowsAndWithShiftTheColumns) {
 }
 
 TEST_F(DefineSignal, OkOnlyClosesIt) {
-    CDefineSignalDialog dialog(nullptr);
+    CDefineSignalDialog dialog(nullptr, board.tables);
     dialog.show();
     for (auto* button : dialog.findChildren<QAbstractButton*>()) {
         if (button->text().remove('&') == "Ok") {

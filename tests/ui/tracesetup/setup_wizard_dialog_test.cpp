@@ -18,7 +18,7 @@ class SetupWizardDialog : public testing::Test {
 protected:
     void Open(const std::string& model, std::int32_t mode = BusPci) {
         board = std::make_unique<BoardTables>(model, mode);
-        setup = std::make_unique<TraceSetup>();
+        setup = std::make_unique<TraceSetup>(board->tables);
         setup->name = "as before";
         dialog =
             std::make_unique<CSetupWizardDialog>(nullptr, *setup, prompts, [this] { ++helpShown; });

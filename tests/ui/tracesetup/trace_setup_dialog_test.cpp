@@ -41,9 +41,9 @@ using testing::IsEmpty;
 class TraceSetupDialog : public testing::Test {
 protected:
     void UseBoard(const std::string& model, std::int32_t mode = BusPci) {
-        board.reset(); // the tables that were made last are those in force
+        dialog.reset();
         board = std::make_unique<BoardTables>(model, mode);
-        setup.Reset();
+        setup = TraceSetup(board->tables);
     }
     void Open(const std::string& path = "") {
         dialog = std::make_unique<CTraceSetupDialog>(
@@ -107,7 +107,7 @@ protected:
     }
     /// A setup that differs from the default one everywhere.
     TraceSetup Other() {
-        TraceSetup other;
+        TraceSetup other(board->tables);
         other.name = "Other";
         other.description = "two\r\nlines";
         other.clock = 5;
@@ -127,7 +127,7 @@ protected:
     RecordingPrompts prompts;
     MemorySettings settings;
     std::unique_ptr<BoardTables> board = std::make_unique<BoardTables>("PCIKite-1");
-    TraceSetup setup;
+    TraceSetup setup{board->tables};
     std::unique_ptr<CTraceSetupDialog> dialog;
     bool isLive = true;
     bool isRunning = false;
@@ -378,7 +378,7 @@ TEST_F(TraceSetupDialog, SmallBoardsCannotSampleAt133MHz) {
                 ElementsAre("PCIWren-2 model does not support 133 MHz sample clock."));
     EXPECT_EQ(List("Sample Clock").currentText(), "15 ns");
     prompts.Forget();
-    TraceSetup fast;
+    TraceSetup fast(board->tables);
     fast.clock = 4;
     ChooseFile("Open", SetupFile("fast.tsp", fast));
     EXPECT_THAT(prompts.Texts(),
@@ -427,7 +427,7 @@ TEST_F(TraceSetupDialog, SavesUnderTheFilesName) {
     EXPECT_EQ(dialog->Path(), dir.File("Final.tsp"));
     EXPECT_TRUE(dialog->IsInFile());
     EXPECT_EQ(Name().text(), "Final");
-    TraceSetup saved;
+    TraceSetup saved(board->tables);
     ASSERT_TRUE(LoadSetupFile(saved, dir.File("Final.tsp"), prompts));
     EXPECT_EQ(saved.name, "Final");
     EXPECT_EQ(FormatExpression(saved.levels[0].ifExpr), "E1");

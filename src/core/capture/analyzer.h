@@ -1,0 +1,49 @@
+#pragma once
+
+#include "capture/board_capture.h"
+#include "link/analyzer_link.h"
+#include "platform/working_directory.h"
+#include "signals/signal_tables.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace busquill {
+
+/// A board as a program knows it: its capture, the link to it and the tables of its signals. This
+/// is the one place that puts them together. Main thread.
+///
+/// Documents and windows of the board go before it.
+class Analyzer {
+public:
+    /// What they ask of the machine. All but the directory, which is copied, outlive the analyzer.
+    struct Machine {
+        MainThread& mainThread;
+        Prompts& prompts;
+        Settings& settings;
+        Clock& clock;
+        UsbBus& usb;
+        /// Opens a device path; null when it cannot be opened.
+        std::function<std::unique_ptr<SerialPort>(const std::string& device)> openSerial;
+        WorkingDirectory directory; // of the colour files
+    };
+
+    /// Nothing is connected yet, and the tables are empty.
+    explicit Analyzer(const Machine& machine);
+    ~Analyzer();
+    Analyzer(const Analyzer&) = delete;
+    Analyzer& operator=(const Analyzer&) = delete;
+
+    [[nodiscard]] BoardCapture& Capture() noexcept { return capture_; }
+    [[nodiscard]] CAnalyzerLink& Link() noexcept { return link_; }
+    [[nodiscard]] SignalTables& Tables() noexcept { return tables_; }
+
+private:
+    // In the order of their lives, so that ends come in reverse.
+    BoardCapture capture_; // the link's thread may be completing a block for it
+    CAnalyzerLink link_;
+    SignalTables tables_; // which ask the link what the board is
+};
+
+} // namespace busquill
