@@ -112,7 +112,7 @@ public:
         triggered_ = false;
         Time::time_point heard = Time::now();
         while (true) {
-            document.Run().Look();
+            document.Run().Poll();
             const RunState& state = document.Run().State();
             triggered_ = triggered_ || state.triggered;
             if (state.indicator != RunIndicator::Running) {
@@ -196,7 +196,7 @@ private:
         std::int64_t last = -1;
         Time::time_point heard = Time::now();
         while (true) {
-            document.Run().Look();
+            document.Run().Poll();
             if (document.Run().State().indicator != RunIndicator::Uploading) {
                 break;
             }

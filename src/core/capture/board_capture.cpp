@@ -35,9 +35,9 @@ void BoardCapture::StartCapture() {
     monitorEnds_ = false;
     monitorDone_ = false;
     monitor_ = std::thread([this] {
-        bool firstLook = true;
+        bool firstPoll = true;
         while (running_ && !monitorEnds_) {
-            Monitor(firstLook);
+            Monitor(firstPoll);
         }
         monitorDone_ = true;
         mainThread_.Wake();
@@ -45,18 +45,18 @@ void BoardCapture::StartCapture() {
 }
 
 /// One look at the board.
-void BoardCapture::Monitor(bool& firstLook) {
+void BoardCapture::Monitor(bool& firstPoll) {
     if (link_.CommLost()) {
         running_ = false;
         return;
     }
     // A board that does not answer keeps a poll for seconds; a second one in the queue is no use.
-    if (firstLook || link_.IsIdle()) {
+    if (firstPoll || link_.IsIdle()) {
         link_.PollLiveStatus();
     }
-    if (firstLook) {
+    if (firstPoll) {
         link_.WaitIdle();
-        firstLook = false;
+        firstPoll = false;
     }
     std::int32_t before = 0;
     std::int32_t after = 0;

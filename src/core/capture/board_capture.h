@@ -40,7 +40,7 @@ public:
     SampleUpload upload;
 
 private:
-    void Monitor(bool& firstLook);
+    void Monitor(bool& firstPoll);
     void EndMonitor();
 
     CAnalyzerLink& link_;

@@ -64,7 +64,7 @@ public:
     /// Ends the capture; does nothing when none is active.
     void Stop() override;
     /// Tells the observer how the capture stands, and that it has ended if so.
-    void Look() override;
+    void Poll() override;
 
     /// As it was at the last look.
     [[nodiscard]] const RunState& State() const noexcept { return state_; }

@@ -147,7 +147,7 @@ void CTesselDoc::OnCaptureStopped() {
 
 void CTesselDoc::OnLook(const RunState& /*state*/) {
     FlushBlockUpdates();
-    UpdateAllViews(nullptr, HintLook);
+    UpdateAllViews(nullptr, HintPolled);
 }
 
 void CTesselDoc::ClearData() {

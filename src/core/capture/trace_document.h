@@ -41,7 +41,7 @@ enum TraceHint : int {
     HintNameChanged = 10,
     HintSetupNameChanged = 11,
     HintFilterChanged = 12,
-    HintLook = 13, // a look at the capture has been taken; its blocks have been told before
+    HintPolled = 13, // a look at the capture has been taken; its blocks have been told before
 };
 
 /// With HintBlockArrived: the samples that have come.

@@ -6,9 +6,9 @@ BoardRun::BoardRun(Parts parts) : parts_(std::move(parts)) {}
 
 BoardRun::~BoardRun() = default;
 
-void BoardRun::LookEvery(std::chrono::milliseconds period) {
+void BoardRun::PollEvery(std::chrono::milliseconds period) {
     if (parts_.timer) {
-        parts_.timer->Start(period, [this] { Look(); });
+        parts_.timer->Start(period, [this] { Poll(); });
     }
 }
 

@@ -30,12 +30,12 @@ public:
     BoardRun& operator=(const BoardRun&) = delete;
 
     /// One look at what runs, and all that follows from it.
-    virtual void Look() = 0;
+    virtual void Poll() = 0;
     virtual void Stop() = 0;
 
 protected:
     /// From one period on.
-    void LookEvery(std::chrono::milliseconds period);
+    void PollEvery(std::chrono::milliseconds period);
     void LookNoMore();
 
     [[nodiscard]] CAnalyzerLink& Link() const noexcept { return parts_.link; }
