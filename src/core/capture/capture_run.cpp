@@ -86,7 +86,7 @@ void CaptureRun::Poll() {
             observer_.OnCaptureStopped();
         }
     }
-    observer_.OnLook(state_);
+    observer_.OnPolled(state_);
 }
 
 } // namespace busquill

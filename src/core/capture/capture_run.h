@@ -46,7 +46,7 @@ public:
     virtual void OnCaptureStarted() = 0;
     /// The counts of the samples are known; blocks come from here on.
     virtual void OnCaptureStopped() = 0;
-    virtual void OnLook(const RunState& state) = 0;
+    virtual void OnPolled(const RunState& state) = 0;
 };
 
 /// The run of a capture: the board's own goes on when this one ends with its document, and is

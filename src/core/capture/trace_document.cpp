@@ -145,7 +145,7 @@ void CTesselDoc::OnCaptureStopped() {
     captureActive_ = false;
 }
 
-void CTesselDoc::OnLook(const RunState& /*state*/) {
+void CTesselDoc::OnPolled(const RunState& /*state*/) {
     FlushBlockUpdates();
     UpdateAllViews(nullptr, HintPolled);
 }

@@ -125,7 +125,7 @@ public:
     void OnCaptureStarted() override;
     /// The capture has ended, and its counts are known; samples come from here on.
     void OnCaptureStopped() override;
-    void OnLook(const RunState& state) override;
+    void OnPolled(const RunState& state) override;
     /// Forgets the samples of the last capture, which has ended; an upload is given up.
     void ClearData();
     /// Between start and stop.

@@ -12,7 +12,7 @@ void BoardRun::PollEvery(std::chrono::milliseconds period) {
     }
 }
 
-void BoardRun::LookNoMore() {
+void BoardRun::StopPolling() {
     if (parts_.timer) {
         parts_.timer->Stop();
     }

@@ -36,7 +36,7 @@ public:
 protected:
     /// From one period on.
     void PollEvery(std::chrono::milliseconds period);
-    void LookNoMore();
+    void StopPolling();
 
     [[nodiscard]] CAnalyzerLink& Link() const noexcept { return parts_.link; }
     [[nodiscard]] Prompts& Boxes() const noexcept { return parts_.prompts; }
