@@ -1,7 +1,7 @@
 #include "cli/arguments.h"
 
 #include "cli/commands.h"
-#include "cli/stop.h"
+#include "cli/exit_request.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 

@@ -34,14 +34,14 @@ struct Arguments {
     /// The last value that was given; empty when there is none.
     [[nodiscard]] std::string Value(std::string_view option) const;
     [[nodiscard]] const std::vector<std::string>& All(std::string_view option) const;
-    /// A whole number; throws Stop for anything else.
+    /// A whole number; throws ExitRequest for anything else.
     [[nodiscard]] std::optional<std::int64_t> Number(std::string_view option) const;
-    /// One of some words, the first when the option is not there; throws Stop for any other.
+    /// One of some words, the first when the option is not there; throws ExitRequest for any other.
     [[nodiscard]] std::string OneOf(std::string_view option,
                                     std::initializer_list<const char*> words) const;
 };
 
-/// Throws Stop for what it does not understand.
+/// Throws ExitRequest for what it does not understand.
 [[nodiscard]] Arguments ParseArguments(std::span<const std::string> texts);
 
 /// What "-h" prints, of the whole program or of one command.

@@ -2,11 +2,11 @@
 #include "capture/trace_writer.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/session.h"
-#include "cli/stop.h"
 #include "cli/temporary_file.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
@@ -31,10 +31,10 @@ constexpr std::chrono::seconds patience(30);
 constexpr const char* boardIsLost = "the board does not answer any more; nothing has been fetched";
 
 /// Why a run ended.
-enum class RunEnd { ByItself, Timeout, Interrupt, BoardLost };
+enum class RunEnd { Finished, Timeout, Interrupt, BoardLost };
 
 /// What the user has asked for.
-struct Wish {
+struct Options {
     std::string path;
     std::int64_t runs = 1; // 0: without end
     std::optional<Time::time_point> deadline;
@@ -54,14 +54,14 @@ void CheckSetup(const std::string& path) {
     }
 }
 
-Wish WishOf(const Arguments& arguments) {
-    Wish wish;
-    wish.path = arguments.Value("output");
-    wish.runs = arguments.Number("repeat").value_or(1);
-    if (wish.runs < 0) {
+Options OptionsOf(const Arguments& arguments) {
+    Options options;
+    options.path = arguments.Value("output");
+    options.runs = arguments.Number("repeat").value_or(1);
+    if (options.runs < 0) {
         WrongUse("--repeat is a number of runs, or 0 for runs without end");
     }
-    if (arguments.Has("repeat") && wish.path == "-") {
+    if (arguments.Has("repeat") && options.path == "-") {
         WrongUse("repeated runs make several files; -o names them");
     }
     if (const auto seconds = arguments.Number("timeout")) {
@@ -69,28 +69,29 @@ Wish WishOf(const Arguments& arguments) {
         if (*seconds < 1 || *seconds > longest) {
             WrongUse("--timeout is a number of seconds from 1 up");
         }
-        wish.deadline = Time::now() + std::chrono::seconds(*seconds);
+        options.deadline = Time::now() + std::chrono::seconds(*seconds);
     }
     CheckSetup(arguments.Value("setup"));
     // Before samples are fetched that would have no place.
-    const std::string folder = wish.path.substr(0, wish.path.size() - FileNameOf(wish.path).size());
+    const std::string folder =
+        options.path.substr(0, options.path.size() - FileNameOf(options.path).size());
     std::error_code unknown;
     if (!folder.empty() && !std::filesystem::is_directory(folder, unknown)) {
-        Fail(Printf("Error creating file %s.", wish.path.c_str()));
+        Fail(Printf("Error creating file %s.", options.path.c_str()));
     }
-    return wish;
+    return options;
 }
 
 /// One run of the board after the other, into the session's document.
 class Runner {
 public:
-    Runner(Session& session, const Wish& wish) : session_(session), wish_(wish) {
+    Runner(Session& session, const Options& options) : session_(session), options_(options) {
         session_.Link().SetGiveUp([this](milliseconds waited) { return GivesUp(waited); });
     }
 
     void LoadSetup(const std::string& path) {
         if (!LoadSetupFile(session_.Document().setup, path, session_.Prompts())) {
-            session_.TellMessages();
+            session_.PrintMessages();
             Fail(path + " is not used");
         }
     }
@@ -100,15 +101,15 @@ public:
         CTesselDoc& document = session_.Document();
         if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts()) ||
             !givenUp_.empty()) {
-            session_.TellMessages();
+            session_.PrintMessages();
             Fail(givenUp_ + "the board has not taken the setup");
         }
         {
             const NoInterruptsForThreads quiet; // the run has a thread of its own
             document.Run().Start();
         }
-        session_.TellMessages();
-        RunEnd end = RunEnd::ByItself;
+        session_.PrintMessages();
+        RunEnd end = RunEnd::Finished;
         triggered_ = false;
         Time::time_point heard = Time::now();
         while (true) {
@@ -118,7 +119,7 @@ public:
             if (state.indicator != RunIndicator::Running) {
                 break;
             }
-            if (const RunEnd asked = EndAsked(); asked != RunEnd::ByItself) {
+            if (const RunEnd asked = EndAsked(); asked != RunEnd::Finished) {
                 end = asked;
                 document.Run().Stop();
                 break;
@@ -132,11 +133,11 @@ public:
             session_.Wait(lookEvery);
         }
         if (session_.Link().CommLost()) {
-            session_.TellMessages();
+            session_.PrintMessages();
             Fail(boardIsLost);
         }
         const RunEnd uploadEnd = Upload();
-        return uploadEnd == RunEnd::ByItself ? end : uploadEnd;
+        return uploadEnd == RunEnd::Finished ? end : uploadEnd;
     }
 
     /// Whether the board has seen its trigger in the last run.
@@ -173,7 +174,7 @@ private:
     [[nodiscard]] bool GivesUp(milliseconds waited) {
         if (Interrupted()) {
             givenUp_ = "interrupted; ";
-        } else if (wish_.deadline && Time::now() >= *wish_.deadline) {
+        } else if (options_.deadline && Time::now() >= *options_.deadline) {
             givenUp_ = "the time is over; ";
         } else if (waited >= patience) {
             givenUp_ = Printf("no end after %d seconds; ", static_cast<int>(patience.count()));
@@ -185,8 +186,8 @@ private:
             Say("interrupted; what the board has is fetched");
             return RunEnd::Interrupt;
         }
-        return wish_.deadline && Time::now() >= *wish_.deadline ? RunEnd::Timeout
-                                                                : RunEnd::ByItself;
+        return options_.deadline && Time::now() >= *options_.deadline ? RunEnd::Timeout
+                                                                      : RunEnd::Finished;
     }
 
     RunEnd Upload() {
@@ -220,8 +221,8 @@ private:
             progress.At(std::min(come, document.SampleCount(false)));
             session_.Wait(lookEvery);
         }
-        session_.TellMessages();
-        return RunEnd::ByItself;
+        session_.PrintMessages();
+        return RunEnd::Finished;
     }
 
     /// A block that the board owes without end is given up with the board.
@@ -229,11 +230,11 @@ private:
         if (session_.Document().IsUploading()) {
             session_.Link().Close();
         }
-        session_.TellMessages();
+        session_.PrintMessages();
     }
 
     Session& session_;
-    const Wish& wish_;
+    const Options& options_;
     std::string givenUp_; // why the board was, with what leads on
     bool triggered_ = false;
 };
@@ -306,7 +307,7 @@ bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t
 } // namespace
 
 int RunCapture(const Arguments& arguments) {
-    const Wish wish = WishOf(arguments);
+    const Options options = OptionsOf(arguments);
     Session session(arguments);
     if (Interrupted()) {
         Fail("interrupted");
@@ -317,12 +318,12 @@ int RunCapture(const Arguments& arguments) {
             WrongUse(wrong);
         }
     }
-    Runner runner(session, wish);
+    Runner runner(session, options);
     runner.LoadSetup(arguments.Value("setup"));
     CTesselDoc& document = session.Document();
     bool complete = true;
     bool any = false;
-    for (std::int64_t run = 1; wish.runs == 0 || run <= wish.runs; ++run) {
+    for (std::int64_t run = 1; options.runs == 0 || run <= options.runs; ++run) {
         if (run > 1 && Interrupted()) {
             break; // it came while the last run was saved
         }
@@ -332,7 +333,7 @@ int RunCapture(const Arguments& arguments) {
         if (Report(document, runner, end, held)) {
             any = true;
             const std::string path =
-                arguments.Has("repeat") ? NumberedPath(wish.path, run) : wish.path;
+                arguments.Has("repeat") ? NumberedPath(options.path, run) : options.path;
             SaveTo(runner, path);
             Say(Printf("%s: %lld samples", path == "-" ? "standard output" : path.c_str(),
                        static_cast<long long>(held)));
@@ -346,7 +347,7 @@ int RunCapture(const Arguments& arguments) {
         if (end == RunEnd::Timeout && !runner.Triggered()) {
             return ExitStatus::NothingFound;
         }
-        if (end != RunEnd::ByItself || (wish.deadline && Time::now() >= *wish.deadline)) {
+        if (end != RunEnd::Finished || (options.deadline && Time::now() >= *options.deadline)) {
             break;
         }
     }

@@ -2,10 +2,10 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -17,9 +17,9 @@ namespace busquill::cli {
 namespace {
 
 /// The samples of a capture, one after the other.
-class Walk {
+class SampleCursor {
 public:
-    Walk(TraceInput& input, bool byPlace) : input_(input), byPlace_(byPlace) {
+    SampleCursor(TraceInput& input, bool byPlace) : input_(input), byPlace_(byPlace) {
         input.ReadHead();
         Load();
     }
@@ -59,8 +59,8 @@ struct Pair {
 /// Calls `take` for each pair, in order.
 template <typename Take>
 void ForEachPair(TraceInput& inputA, TraceInput& inputB, bool byPlace, Take take) {
-    Walk a(inputA, byPlace);
-    Walk b(inputB, byPlace);
+    SampleCursor a(inputA, byPlace);
+    SampleCursor b(inputB, byPlace);
     while (!a.AtEnd() || !b.AtEnd()) {
         const bool hasA = !a.AtEnd() && (b.AtEnd() || a.Key() <= b.Key());
         const bool hasB = !b.AtEnd() && (a.AtEnd() || b.Key() <= a.Key());

@@ -1,10 +1,10 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/range.h"
-#include "cli/stop.h"
 #include "export/session_file.h"
 #include "export/value_dump.h"
 #include "export/value_table.h"
@@ -185,27 +185,27 @@ bool ToTable(Source& source, const Bus& bus, const std::string& path, bool chang
 }
 
 /// Whether samples follow one another in the clock's own time.
-class Evenness {
+class PeriodCheck {
 public:
-    Evenness(std::optional<std::int64_t> period, bool zoom)
+    PeriodCheck(std::optional<std::int64_t> period, bool zoom)
         : period_(period.value_or(0)), unit_(zoom ? 1 : 1000) {}
 
     void Take(const SampleRows& rows) {
         for (const SampleRecord& record : rows.records) {
             // TIME has whole nanoseconds, which half a period of the fastest clocks is not.
             const std::int64_t time = time_.Of(record) * unit_;
-            even_ = even_ && (first_ || std::abs(time - period_) < unit_);
+            holds_ = holds_ && (first_ || std::abs(time - period_) < unit_);
             first_ = false;
         }
     }
-    [[nodiscard]] bool IsEven() const noexcept { return even_; }
+    [[nodiscard]] bool Holds() const noexcept { return holds_; }
 
 private:
     const std::int64_t period_; // picoseconds
     const std::int64_t unit_;
     SampleTime time_;
     bool first_ = true;
-    bool even_ = true;
+    bool holds_ = true;
 };
 
 /// The time from each sample to the next in picoseconds, where it is the same for all.
@@ -256,29 +256,29 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     }
     Output output(path);
     // The library between the two knows no exceptions.
-    std::optional<Stop> failure;
+    std::optional<ExitRequest> failure;
     SessionFile session(capture, [&](std::string_view bytes) {
         try {
             output.Write(bytes);
-        } catch (const Stop& stop) {
-            failure = stop;
+        } catch (const ExitRequest& request) {
+            failure = request;
         }
         return !failure;
     });
     bool good = true;
-    Evenness even(period, source.IsZoom());
+    PeriodCheck steady(period, source.IsZoom());
     const bool any = source.ForEach([&](const SampleRows& rows) {
         good = good && session.Add(rows);
-        even.Take(rows);
+        steady.Take(rows);
     });
     if (!any) {
         return false;
     }
     if (!good || !session.End()) {
-        throw failure.value_or(Stop{ExitStatus::Failure, "the session file cannot be made"});
+        throw failure.value_or(ExitRequest{ExitStatus::Failure, "the session file cannot be made"});
     }
     output.Close();
-    if (period && !even.IsEven()) {
+    if (period && !steady.Holds()) {
         Say("the samples are not evenly spaced; a session file knows one rate only, so it shows "
             "samples, not time");
     }

@@ -1,10 +1,10 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "cli/words.h"
 #include "platform/text.h"
 
@@ -80,10 +80,10 @@ int RunInfo(const Arguments& arguments) {
         try {
             TraceInput input(path, bus.Tables());
             facts = FactsOf(input, bus);
-        } catch (const Stop& stop) {
+        } catch (const ExitRequest& request) {
             // The other files are told of all the same.
-            Say(stop.message);
-            status = stop.status;
+            Say(request.message);
+            status = request.status;
             continue;
         }
         output.Write(json ? (first ? "[" : ",\n ") + FactsAsJson(facts)

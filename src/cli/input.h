@@ -9,10 +9,10 @@ namespace busquill::cli {
 class Output;
 
 /// Opens a file; "-" is standard input, which is copied to a nameless file, since captures are read
-/// more than once. Throws Stop when it cannot be opened.
+/// more than once. Throws ExitRequest when it cannot be opened.
 [[nodiscard]] TextReader OpenInput(const std::string& path);
 
-/// A trace file of the command line. Its functions throw Stop for a file that is no good.
+/// A trace file of the command line. Its functions throw ExitRequest for a file that is no good.
 class TraceInput {
 public:
     /// The tables outlive the input.
@@ -32,12 +32,12 @@ public:
 
 private:
     void Check(const std::string& wrong) const;
-    void TellIfCutOff(bool isCutOff);
+    void WarnIfCutOff(bool isCutOff);
 
     std::string name_;
     TextReader file_;
     TraceStream stream_;
-    bool cutOffTold_ = false;
+    bool cutOffReported_ = false;
 };
 
 /// What to tell where samples of a capture are missing and the times of the others are added up.

@@ -1,9 +1,9 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 

@@ -11,7 +11,7 @@ namespace busquill::cli {
 struct Arguments;
 
 /// Where a command's data go: standard output, or a file that is in its place only when it is
-/// whole. Throws Stop when they cannot be written; quietly where nobody reads any more.
+/// whole. Throws ExitRequest when they cannot be written; quietly where nobody reads any more.
 class Output {
 public:
     /// An empty path and "-" are standard output.
@@ -31,8 +31,8 @@ private:
     std::string buffer_;
 };
 
-/// Throws Stop where a target is one of the files that the command reads, unless the user allows
-/// that. A pipe or a device may be both.
+/// Throws ExitRequest where a target is one of the files that the command reads, unless the user
+/// allows that. A pipe or a device may be both.
 void CheckTarget(const Arguments& arguments, const std::string& path);
 
 /// How far a long command is, in hundredths, on standard error while that is a terminal. The line

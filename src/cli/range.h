@@ -17,7 +17,7 @@ struct NumberRange {
     }
 };
 
-/// Throws Stop when it ends before it begins.
+/// Throws ExitRequest when it ends before it begins.
 [[nodiscard]] NumberRange RangeOf(const Arguments& arguments);
 
 } // namespace busquill::cli

@@ -1,8 +1,8 @@
 #include "cli/session.h"
 
 #include "cli/arguments.h"
+#include "cli/exit_request.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 
 #include <cerrno>
@@ -27,9 +27,9 @@ PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
         port = PortNamed(name, settings);
     } else if (!std::filesystem::exists(name, unknown)) {
         const bool isPath = name.find('/') != std::string::npos;
-        throw Stop{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
-                   "there is no port " + name +
-                       "; ports are COM1 to COM8, USB and paths of terminal devices"};
+        throw ExitRequest{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
+                          "there is no port " + name +
+                              "; ports are COM1 to COM8, USB and paths of terminal devices"};
     }
     const auto baud = arguments.Number("baud").value_or(usualBaudRate);
     if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
@@ -95,7 +95,7 @@ void Session::WaitForBoard(const std::string& port) {
     }
 }
 
-bool Session::TellMessages() {
+bool Session::PrintMessages() {
     const auto said = prompts_.Take();
     std::string last;
     for (const std::string& line : said) {

@@ -22,7 +22,8 @@ struct Arguments;
 /// A connected board, and what lives as long as the connection.
 class Session {
 public:
-    /// Connects to the board on the port that the options name; throws Stop where none answers.
+    /// Connects to the board on the port that the options name; throws ExitRequest where none
+    /// answers.
     explicit Session(const Arguments& arguments);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -33,7 +34,7 @@ public:
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
     [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
     /// Tells what the program has to say since the last call; false when it was nothing.
-    bool TellMessages();
+    bool PrintMessages();
     /// Lets time pass, in which other threads may say something.
     void Wait(std::chrono::milliseconds time);
 

@@ -1,6 +1,6 @@
 #include "cli/temporary_file.h"
 
-#include "cli/stop.h"
+#include "cli/exit_request.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -6,8 +6,8 @@
 
 namespace busquill::cli {
 
-/// A file in the system's temporary folder that goes with the object. Throws Stop when it cannot be
-/// made.
+/// A file in the system's temporary folder that goes with the object. Throws ExitRequest when it
+/// cannot be made.
 class TemporaryFile {
 public:
     /// `ending` begins with its point.
