@@ -68,7 +68,7 @@ std::string TraceStream::BeginSamples() {
 }
 
 /// Finds out, once, whether the file can be read in one go; most can.
-std::string TraceStream::LookThrough() {
+std::string TraceStream::Inspect() {
     Restart(TraceParser::Use::Skim);
     int blocks = 0;
     bool headerFirst = true;
@@ -147,12 +147,12 @@ std::span<const TraceFileReader::Block> TraceStream::BlocksBefore() const noexce
 }
 
 std::string TraceStream::ReadHead() {
-    if (!lookedThrough_) {
-        lookedThrough_ = true;
-        noGood_ = LookThrough();
+    if (!inspected_) {
+        inspected_ = true;
+        defect_ = Inspect();
     }
-    if (!noGood_.empty()) {
-        return noGood_;
+    if (!defect_.empty()) {
+        return defect_;
     }
     if (held_) {
         ReadHeldHead();

@@ -84,7 +84,7 @@ private:
     };
 
     void Restart(TraceParser::Use use = TraceParser::Use::Read);
-    [[nodiscard]] std::string LookThrough();
+    [[nodiscard]] std::string Inspect();
     [[nodiscard]] std::string Hold();
     void ReadHeldHead();
     [[nodiscard]] const SampleRows* NextHeldRows();
@@ -95,8 +95,8 @@ private:
 
     TextReader& file_;
     std::unique_ptr<TraceParser> parser_;
-    bool lookedThrough_ = false;
-    std::string noGood_; // what was found wrong with the file then
+    bool inspected_ = false;
+    std::string defect_; // what was found wrong with the file then
     std::unique_ptr<Held> held_;
     std::string wrong_;
     bool hasSamples_ = false;

@@ -14,12 +14,13 @@ class Prompts;
 
 /// Sends a request and waits for its end. A failure is told above all windows, in the words of the
 /// feature, and returned for those that must not go on.
-bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
-                    const char* failure);
+bool ExchangeOrReport(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
+                      const char* failure);
 
 /// Reads the board's memory from a register on. Without a board the bytes stay as they were.
-[[nodiscard]] bool ReadOrTell(CAnalyzerLink& link, std::uint32_t address,
-                              std::span<std::uint8_t> bytes, Prompts& prompts, const char* failure);
+[[nodiscard]] bool ReadOrReport(CAnalyzerLink& link, std::uint32_t address,
+                                std::span<std::uint8_t> bytes, Prompts& prompts,
+                                const char* failure);
 
 /// What follows when the board does not take a step.
 enum class IfRefused { GoOn, End };

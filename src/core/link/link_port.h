@@ -21,7 +21,7 @@ class ReplyRing;
 struct LinkRequest;
 
 /// What a port finds of the reply to the running request.
-struct ReplyLook {
+struct ReplyState {
     std::int32_t count = 0; // bytes that lie in the ring
     /// A transfer has failed: the request ends with that and is not tried again.
     bool failed = false;
@@ -51,7 +51,7 @@ public:
     /// bytes that arrive in the ring, `wanted` at most.
     virtual void AwaitStep(ReplyRing& ring, std::size_t wanted) = 0;
     /// Link's thread: the reply to the running request, as far as it has come.
-    [[nodiscard]] virtual ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) = 0;
+    [[nodiscard]] virtual ReplyState PollReply(LinkRequest& running, ReplyRing& ring) = 0;
     /// Ends an AwaitStep that has no limit of its own.
     virtual void Wake() {}
     virtual void Close() = 0;
@@ -77,7 +77,7 @@ public:
     [[nodiscard]] std::uint32_t ClearErrors() override;
     bool Send(std::span<const std::uint8_t> bytes) override;
     void AwaitStep(ReplyRing& ring, std::size_t wanted) override;
-    [[nodiscard]] ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) override;
+    [[nodiscard]] ReplyState PollReply(LinkRequest& running, ReplyRing& ring) override;
     void Close() override;
 
 private:
@@ -123,7 +123,7 @@ public:
     void AwaitStep(ReplyRing& ring, std::size_t wanted) override;
     /// Reads what the board owes to the request. The acknowledgements that a serial port would
     /// bring are put in, so that the states see the same reply.
-    [[nodiscard]] ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) override;
+    [[nodiscard]] ReplyState PollReply(LinkRequest& running, ReplyRing& ring) override;
     void Wake() override;
     void Close() override;
 

@@ -308,7 +308,7 @@ std::size_t RequestQueue::BytesLacking() const {
 /// One look at the running request. Returns it, removed from the queue, when it is finished.
 LinkRequestPtr RequestQueue::StepHead(LinkPort& port) {
     LinkRequest& head = *requestQueue_.front();
-    const ReplyLook look = port.LookForReply(head, ring_);
+    const ReplyState reply = port.PollReply(head, ring_);
     if (look.failed) {
         head.result = LinkTransferFailed;
         head.retries = tryLimit; // a failed transfer is not tried again

@@ -131,7 +131,7 @@ void SerialLinkPort::AwaitStep(ReplyRing& ring, std::size_t wanted) {
     inputNext_ += count;
 }
 
-ReplyLook SerialLinkPort::LookForReply(LinkRequest& running, ReplyRing& ring) {
+ReplyState SerialLinkPort::PollReply(LinkRequest& running, ReplyRing& ring) {
     running.bytesSeen = ring.Unread();
     running.ringReadAtFail = ring.ReadIndex();
     running.ringWriteAtFail = ring.WriteIndex();

@@ -128,7 +128,7 @@ int UsbLinkPort::ChangeBaud(int /*rate*/) {
     return ENOTTY;
 }
 
-ReplyLook UsbLinkPort::LookForReply(LinkRequest& running, ReplyRing& ring) {
+ReplyState UsbLinkPort::PollReply(LinkRequest& running, ReplyRing& ring) {
     if (running.result == LinkTransferFailed) { // the frame did not go out
         return {.failed = true};
     }

@@ -164,13 +164,13 @@ public:
     void Reset(std::size_t size, bool value = false) {
         words_.assign(WordsFor(size), value ? ~0U : 0U);
         size_ = size;
-        EndWithZeros();
+        ClearBitsPastSize();
     }
     /// Keeps those that there are; further ones are unset.
     void Resize(std::size_t size) {
         words_.resize(WordsFor(size));
         size_ = size;
-        EndWithZeros();
+        ClearBitsPastSize();
     }
 
     [[nodiscard]] std::size_t Size() const noexcept { return size_; }
@@ -228,7 +228,7 @@ private:
                            ~LowBits<std::uint32_t>(at % wordBits));
         }
     }
-    void EndWithZeros() noexcept {
+    void ClearBitsPastSize() noexcept {
         if (size_ % wordBits != 0) {
             words_.back() &= LowBits<std::uint32_t>(size_ % wordBits);
         }

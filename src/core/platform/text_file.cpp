@@ -25,7 +25,7 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
 
 /// Where a path leads: a link stays a link, and what it names is written, there or not. Empty for
 /// links that go round in a circle.
-std::string BehindLinks(std::filesystem::path path) {
+std::string TargetOfLinks(std::filesystem::path path) {
     constexpr int most = 40;
     std::error_code unknown;
     for (int i = 0; i < most; ++i) {
@@ -150,7 +150,7 @@ bool TextWriter::Create(const std::string& path) {
 }
 
 bool TextWriter::CreateBeside(const std::string& path) {
-    const std::string target = BehindLinks(path);
+    const std::string target = TargetOfLinks(path);
     std::error_code unknown;
     const auto present = std::filesystem::status(target, unknown);
     const bool exists = std::filesystem::exists(present);

@@ -20,7 +20,7 @@ constexpr std::size_t tileWords = 16;
 using Tile = std::array<std::array<std::uint32_t, tileWords>, SampleRecord::bitCount>;
 
 /// Turns 32 records into word `word` of the tile.
-void TurnBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
+void TransposeBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
     for (std::size_t byte = 0; byte < recordBytes; ++byte) {
         std::array<std::uint32_t, 8> bits{};
         for (std::size_t part = 0; part < 4; ++part) {
@@ -49,11 +49,11 @@ struct Run {
 
 /// Turns the records whose samples lie in the words `firstWord` to `endWord - 1`. Samples outside
 /// the run are 0.
-void TurnTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& tile) {
+void TransposeTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& tile) {
     for (std::size_t word = firstWord; word < endWord; ++word) {
         const std::size_t begin = word * wordBits;
         if (begin >= run.first && begin + wordBits <= run.End()) {
-            TurnBlock(&run.records[begin - run.first], tile, word - firstWord);
+            TransposeBlock(&run.records[begin - run.first], tile, word - firstWord);
             continue;
         }
         std::array<SampleRecord, wordBits> block{};
@@ -61,7 +61,7 @@ void TurnTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& 
         const std::size_t to = std::min(begin + wordBits, run.End());
         std::copy_n(run.records.begin() + static_cast<std::ptrdiff_t>(from - run.first), to - from,
                     block.begin() + static_cast<std::ptrdiff_t>(from - begin));
-        TurnBlock(block.data(), tile, word - firstWord);
+        TransposeBlock(block.data(), tile, word - firstWord);
     }
 }
 
@@ -244,7 +244,7 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
             labelled = std::max(labelled, endWord * wordBits);
             continue;
         }
-        TurnTile(run, word, endWord, *tile);
+        TransposeTile(run, word, endWord, *tile);
         for (std::size_t i = begin; i < end; ++i) {
             TakeWords(*signals_[i], *tile, word, endWord);
         }
