@@ -309,10 +309,10 @@ std::size_t RequestQueue::BytesLacking() const {
 LinkRequestPtr RequestQueue::StepHead(LinkPort& port) {
     LinkRequest& head = *requestQueue_.front();
     const ReplyState reply = port.PollReply(head, ring_);
-    if (look.failed) {
+    if (reply.failed) {
         head.result = LinkTransferFailed;
         head.retries = tryLimit; // a failed transfer is not tried again
-    } else if (look.count >= head.replyLength) {
+    } else if (reply.count >= head.replyLength) {
         if (TakeReply(head)) {
             return nullptr;
         }
