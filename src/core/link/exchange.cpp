@@ -26,7 +26,7 @@ Sent SendSteps(CAnalyzerLink& link, std::vector<RunStep> steps, Prompts& prompts
         if (ExchangeOrReport(link, std::move(step.request), prompts, step.failure)) {
             continue;
         }
-        // A board that is gone would refuse the others with the same words.
+        // With the board gone, the other steps would fail with the same messages.
         if (step.then == IfRefused::End || link.IsBoardGone()) {
             return Sent::Ended;
         }
