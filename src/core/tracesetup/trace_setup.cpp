@@ -32,7 +32,7 @@ std::string_view TextAt(std::span<const std::string_view> texts, std::int32_t in
                : std::string_view();
 }
 
-/// The text behind the first occurrence of `key`, or nothing.
+/// The text after the first occurrence of `key`, or nothing.
 std::optional<std::string_view> TextAfter(std::string_view text, std::string_view key) noexcept {
     const auto at = text.find(key);
     return at == std::string_view::npos ? std::nullopt
@@ -77,7 +77,7 @@ std::string_view ClockText(std::int32_t index) noexcept {
 }
 
 std::optional<std::int64_t> ClockPeriod(std::int32_t index) noexcept {
-    constexpr std::int64_t fastest = 7500; // each of the others is twice the one before
+    constexpr std::int64_t fastest = 7500; // each further period is twice the one before
     const std::int32_t step = index - clock133MHz;
     return step >= 0 && index < clockCount ? std::optional(fastest << step) : std::nullopt;
 }
