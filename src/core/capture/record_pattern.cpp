@@ -14,7 +14,7 @@ namespace {
 
 using Words = std::array<std::uint64_t, 3>;
 
-/// The processor foresees a walk upward by itself; that of a backward search it does not.
+/// Prefetches records for a backward search; hardware prefetch follows forward walks only.
 void Prefetch(std::span<const SampleRecord> records, std::size_t before) noexcept {
     constexpr std::size_t line = 64;
     constexpr std::size_t ahead = 8 * RecordPattern::blockSize;
