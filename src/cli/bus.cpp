@@ -22,7 +22,8 @@ std::int32_t BusModeOf(const std::string& name) {
     return static_cast<std::int32_t>(found - names.begin());
 }
 
-/// Without a model, the connectors have one of their own; all else goes by the bus alone.
+/// The model to assume if none is given: connectors have specific models, for all others the bus is
+/// enough.
 const char* ModelOf(std::int32_t busMode) {
     switch (busMode) {
     case BusVmeP2:

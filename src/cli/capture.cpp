@@ -24,8 +24,7 @@ using std::chrono::milliseconds;
 using Time = std::chrono::steady_clock;
 
 constexpr milliseconds lookEvery(50);
-/// A board that is heard no more is given up after this time, which is longer than all tries of a
-/// command.
+/// A silent board is given up after this time, which is longer than all tries of a command.
 constexpr std::chrono::seconds patience(30);
 
 constexpr const char* boardIsLost = "the board does not answer any more; nothing has been fetched";
@@ -33,15 +32,15 @@ constexpr const char* boardIsLost = "the board does not answer any more; nothing
 /// Why a run ended.
 enum class RunEnd { Finished, Timeout, Interrupt, BoardLost };
 
-/// What the user has asked for.
+/// The options of a capture.
 struct Options {
     std::string path;
-    std::int64_t runs = 1; // 0: without end
+    std::int64_t runs = 1; // 0: unlimited
     std::optional<Time::time_point> deadline;
 };
 
-/// Ends the program for a file that is no setup, before the board is looked for. What its events
-/// compare hangs on the board, so the file is read again then.
+/// Ends the program if a file is not a setup, before connecting to the board. The meaning of its
+/// events depends on the board, so the file is read again later.
 void CheckSetup(const std::string& path) {
     BoardTraits board;
     SignalTables tables([&board] { return board; }, WorkingDirectory::AtStart());
@@ -72,7 +71,7 @@ Options OptionsOf(const Arguments& arguments) {
         options.deadline = Time::now() + std::chrono::seconds(*seconds);
     }
     CheckSetup(arguments.Value("setup"));
-    // Before samples are fetched that would have no place.
+    // Checked now, before samples are fetched that could not be saved.
     const std::string folder =
         options.path.substr(0, options.path.size() - FileNameOf(options.path).size());
     std::error_code unknown;
@@ -82,7 +81,7 @@ Options OptionsOf(const Arguments& arguments) {
     return options;
 }
 
-/// One run of the board after the other, into the session's document.
+/// Runs the board, again and again, into the session's document.
 class Runner {
 public:
     Runner(Session& session, const Options& options) : session_(session), options_(options) {
@@ -96,7 +95,7 @@ public:
         }
     }
 
-    /// Starts the board, follows it to its end and fetches what it has.
+    /// Starts the board, follows the capture to its end and fetches its samples.
     RunEnd Run() {
         CTesselDoc& document = session_.Document();
         if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts()) ||
@@ -105,7 +104,7 @@ public:
             Fail(givenUp_ + "the board has not taken the setup");
         }
         {
-            const NoInterruptsForThreads quiet; // the run has a thread of its own
+            const NoInterruptsForThreads quiet; // the run starts a thread
             document.Run().Start();
         }
         session_.PrintMessages();
@@ -125,7 +124,7 @@ public:
                 break;
             }
             if (session_.Link().IsIdle()) {
-                heard = Time::now(); // no look at its status is under way
+                heard = Time::now(); // no poll of its status is pending
             } else if (Time::now() - heard >= patience) {
                 session_.Link().Close();
                 Fail(boardIsLost);
@@ -140,10 +139,10 @@ public:
         return uploadEnd == RunEnd::Finished ? end : uploadEnd;
     }
 
-    /// Whether the board has seen its trigger in the last run.
+    /// Whether the last run has triggered.
     [[nodiscard]] bool Triggered() const noexcept { return triggered_; }
 
-    /// Writes what has come. Samples that have not are left out.
+    /// Saves the samples that have arrived and leaves out the others.
     void Save(const std::string& path) {
         CTesselDoc& document = session_.Document();
         TraceFileWriter writer(document);
@@ -170,7 +169,7 @@ public:
     }
 
 private:
-    /// Asked while the board takes the setup.
+    /// Called while the setup is sent to the board.
     [[nodiscard]] bool GivesUp(milliseconds waited) {
         if (Interrupted()) {
             givenUp_ = "interrupted; ";
@@ -225,7 +224,7 @@ private:
         return RunEnd::Finished;
     }
 
-    /// A block that the board owes without end is given up with the board.
+    /// If a block never arrives, the board is given up.
     void EndUpload() {
         if (session_.Document().IsUploading()) {
             session_.Link().Close();
@@ -235,7 +234,7 @@ private:
 
     Session& session_;
     const Options& options_;
-    std::string givenUp_; // why the board was, with what leads on
+    std::string givenUp_; // why the board was given up, and what to do
     bool triggered_ = false;
 };
 
@@ -251,7 +250,7 @@ std::string NumberedPath(const std::string& path, std::int64_t run) {
                   stamp.data(), path.substr(point).c_str());
 }
 
-/// The first sample that matches, by its number.
+/// The number of the first sample that matches.
 std::optional<std::int64_t> FindIn(CTesselDoc& document, const SearchCondition& condition) {
     constexpr std::size_t block = RecordPattern::blockSize;
     std::array<SampleRecord, block> records;
@@ -290,7 +289,7 @@ void SaveTo(Runner& runner, const std::string& path) {
     output.Close();
 }
 
-/// Says what a run has brought; whether there is anything.
+/// Reports the result of a run; returns whether there are samples.
 bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t held) {
     if (end == RunEnd::Timeout) {
         Say(runner.Triggered() ? "the time is over" : "the time is over, and there was no trigger");
@@ -325,7 +324,7 @@ int RunCapture(const Arguments& arguments) {
     bool any = false;
     for (std::int64_t run = 1; options.runs == 0 || run <= options.runs; ++run) {
         if (run > 1 && Interrupted()) {
-            break; // it came while the last run was saved
+            break; // interrupted while the last run was saved
         }
         const RunEnd end = runner.Run();
         const std::int64_t held = CountHeld(document);

@@ -16,7 +16,7 @@ namespace busquill::cli {
 
 namespace {
 
-/// The samples of a capture, one after the other.
+/// Iterates over the samples of a capture.
 class SampleCursor {
 public:
     SampleCursor(TraceInput& input, bool byPlace) : input_(input), byPlace_(byPlace) {
@@ -25,7 +25,7 @@ public:
     }
 
     [[nodiscard]] bool AtEnd() const noexcept { return rows_ == nullptr; }
-    /// By which samples of two captures belong together.
+    /// Samples of two captures with the same key belong together.
     [[nodiscard]] std::int64_t Key() const {
         return Number() - (byPlace_ ? input_.Stream().First() : 0);
     }
@@ -49,7 +49,7 @@ private:
     std::size_t row_ = 0;
 };
 
-/// Samples that belong together; null for one that a capture lacks.
+/// Samples that belong together; null for a sample that a capture lacks.
 struct Pair {
     std::int64_t number = 0;
     const SampleRecord* a = nullptr;
@@ -76,12 +76,12 @@ void ForEachPair(TraceInput& inputA, TraceInput& inputB, bool byPlace, Take take
 }
 
 struct Summary {
-    std::int64_t samples = 0; // pairs, those that lack one included
+    std::int64_t samples = 0; // pairs, including incomplete ones
     std::int64_t differing = 0;
     std::int64_t onlyA = 0;
     std::int64_t onlyB = 0;
     std::optional<std::int64_t> first;
-    std::map<std::size_t, std::int64_t> signals; // how often each differs
+    std::map<std::size_t, std::int64_t> signals; // how often each differs, by index
 };
 
 /// One line of the table of differences.

@@ -4,12 +4,12 @@
 
 namespace busquill::cli {
 
-/// What the program tells whoever called it.
+/// Exit statuses of the program.
 namespace ExitStatus {
 enum : int { Done = 0, NothingFound = 1, WrongUse = 2, Failure = 3 };
 }
 
-/// Thrown to end the program: with a line for the user, or quietly where it is empty. The one
+/// Thrown to end the program, with a line for the user unless the message is empty. The only
 /// exception of the program; it does not leave this room.
 struct ExitRequest {
     int status = ExitStatus::Failure;

@@ -30,7 +30,7 @@ std::string ListWords(const TraceStream& stream) {
     return text.empty() ? "none, so the default ones" : text;
 }
 
-/// Where the trigger is marked, which is beside sample 0 where there is nothing after it.
+/// Where the trigger is marked: not on sample 0 if no samples follow it.
 std::string TriggerWords(const TraceSurvey& survey, const TraceStream& stream) {
     const std::int64_t marked = stream.TriggerNumber();
     const auto before = static_cast<long long>(marked - survey.first);
@@ -81,7 +81,7 @@ int RunInfo(const Arguments& arguments) {
             TraceInput input(path, bus.Tables());
             facts = FactsOf(input, bus);
         } catch (const ExitRequest& request) {
-            // The other files are told of all the same.
+            // Continues with the other files.
             Say(request.message);
             status = request.status;
             continue;

@@ -49,7 +49,7 @@ TextReader OpenInput(const std::string& path) {
     FileHandle file(std::fopen(path.c_str(), "rb"));
     std::error_code unknown;
     if (file && std::filesystem::is_directory(path, unknown)) {
-        file.reset(); // it opens, but holds no text
+        file.reset(); // opens, but cannot be read
         errno = EISDIR;
     }
     if (!file) {

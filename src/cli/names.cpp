@@ -20,7 +20,7 @@ std::string AsJson(const NamedSignal& signal, const std::vector<std::string>& la
                   signal.positions.size(), values.c_str());
 }
 
-/// A line for the name, and one for each label: a pattern as it is typed.
+/// A line for the name, and one for each label, as a pattern to be typed.
 std::string AsText(const NamedSignal& signal, const std::vector<std::string>& labels) {
     std::string text = signal.name + "\n";
     for (const std::string& label : labels) {

@@ -39,7 +39,7 @@ void Output::Flush() {
     if (!path_.empty()) {
         file_.Write(buffer_);
     } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) {
-        // A reader that has seen enough is no failure.
+        // A reader that closes the pipe early does not count as a failure.
         throw ExitRequest{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
                           errno == EPIPE ? "" : "standard output cannot be written"};
     }
@@ -58,8 +58,8 @@ void Output::Close() {
     }
 }
 
-void Output::CloseUnlessNothing(bool isSomething) {
-    if (isSomething || path_.empty()) {
+void Output::CloseOrDiscard(bool keep) {
+    if (keep || path_.empty()) {
         Close();
     }
 }

@@ -17,7 +17,7 @@ namespace busquill::cli {
 
 namespace {
 
-/// What goes to the board in one command.
+/// The payload of one command.
 struct Payload {
     std::string command;
     int address;
@@ -28,7 +28,7 @@ std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& boar
     std::vector<Payload> payloads;
     for (const RunStep& step : SetupSteps(setup, board)) {
         LinkRequest& request = *step.request;
-        static_cast<void>(PreparePayload(request)); // as the link does before it sends
+        static_cast<void>(PreparePayload(request)); // as the link does before sending
         payloads.push_back({std::string(LinkCommandName(request.command)),
                             static_cast<int>(request.address), std::move(request.payload)});
     }
