@@ -1,7 +1,7 @@
 #include "cli/arguments.h"
 
 #include "cli/commands.h"
-#include "cli/stop.h"
+#include "cli/exit_request.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 
@@ -18,7 +18,7 @@ namespace {
 struct OptionRow {
     char letter;          // 0: none
     const char* name;     // without its dashes
-    const char* argument; // what it takes; null for a flag
+    const char* argument; // of its value; null for a flag
     const char* help;
 };
 
@@ -103,7 +103,7 @@ const OptionRow* FindLetter(char letter) {
     return row == std::end(optionRows) ? nullptr : row;
 }
 
-/// The options that these names, separated by blanks, stand for.
+/// The options with these names, which are separated by blanks.
 std::vector<const OptionRow*> OptionsOf(std::string_view names) {
     std::vector<const OptionRow*> options;
     std::istringstream words{std::string(names)};
@@ -121,7 +121,7 @@ bool Takes(const CommandRow& command, std::string_view option) {
     return option == "help" || option == "version" || has(command.needed) || has(command.options);
 }
 
-/// As it is typed: "-o FILE", "--port PORT".
+/// As on the command line: "-o FILE", "--port PORT".
 std::string Typed(const OptionRow& option) {
     return (option.letter != 0 ? Printf("-%c", option.letter) : Printf("--%s", option.name)) +
            (option.argument != nullptr ? std::string(" ") + option.argument : "");

@@ -1,9 +1,9 @@
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/output.h"
 #include "cli/session.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 
 namespace busquill::cli {

@@ -1,7 +1,7 @@
 #include "cli/bus.h"
 
 #include "cli/arguments.h"
-#include "cli/stop.h"
+#include "cli/exit_request.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 
@@ -22,7 +22,8 @@ std::int32_t BusModeOf(const std::string& name) {
     return static_cast<std::int32_t>(found - names.begin());
 }
 
-/// Without a model, the connectors have one of their own; all else goes by the bus alone.
+/// The model to assume if none is given: connectors have specific models, for all others the bus is
+/// enough.
 const char* ModelOf(std::int32_t busMode) {
     switch (busMode) {
     case BusVmeP2:

@@ -2,11 +2,11 @@
 #include "capture/trace_writer.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
 #include "cli/session.h"
-#include "cli/stop.h"
 #include "cli/temporary_file.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
@@ -24,24 +24,23 @@ using std::chrono::milliseconds;
 using Time = std::chrono::steady_clock;
 
 constexpr milliseconds lookEvery(50);
-/// A board that is heard no more is given up after this time, which is longer than all tries of a
-/// command.
+/// A silent board is given up after this time, which is longer than all tries of a command.
 constexpr std::chrono::seconds patience(30);
 
 constexpr const char* boardIsLost = "the board does not answer any more; nothing has been fetched";
 
 /// Why a run ended.
-enum class RunEnd { ByItself, Timeout, Interrupt, BoardLost };
+enum class RunEnd { Finished, Timeout, Interrupt, BoardLost };
 
-/// What the user has asked for.
-struct Wish {
+/// The options of a capture.
+struct Options {
     std::string path;
-    std::int64_t runs = 1; // 0: without end
+    std::int64_t runs = 1; // 0: unlimited
     std::optional<Time::time_point> deadline;
 };
 
-/// Ends the program for a file that is no setup, before the board is looked for. What its events
-/// compare hangs on the board, so the file is read again then.
+/// Ends the program if a file is not a setup, before connecting to the board. The meaning of its
+/// events depends on the board, so the file is read again later.
 void CheckSetup(const std::string& path) {
     BoardTraits board;
     SignalTables tables([&board] { return board; }, WorkingDirectory::AtStart());
@@ -54,14 +53,14 @@ void CheckSetup(const std::string& path) {
     }
 }
 
-Wish WishOf(const Arguments& arguments) {
-    Wish wish;
-    wish.path = arguments.Value("output");
-    wish.runs = arguments.Number("repeat").value_or(1);
-    if (wish.runs < 0) {
+Options OptionsOf(const Arguments& arguments) {
+    Options options;
+    options.path = arguments.Value("output");
+    options.runs = arguments.Number("repeat").value_or(1);
+    if (options.runs < 0) {
         WrongUse("--repeat is a number of runs, or 0 for runs without end");
     }
-    if (arguments.Has("repeat") && wish.path == "-") {
+    if (arguments.Has("repeat") && options.path == "-") {
         WrongUse("repeated runs make several files; -o names them");
     }
     if (const auto seconds = arguments.Number("timeout")) {
@@ -69,62 +68,63 @@ Wish WishOf(const Arguments& arguments) {
         if (*seconds < 1 || *seconds > longest) {
             WrongUse("--timeout is a number of seconds from 1 up");
         }
-        wish.deadline = Time::now() + std::chrono::seconds(*seconds);
+        options.deadline = Time::now() + std::chrono::seconds(*seconds);
     }
     CheckSetup(arguments.Value("setup"));
-    // Before samples are fetched that would have no place.
-    const std::string folder = wish.path.substr(0, wish.path.size() - FileNameOf(wish.path).size());
+    // Checked now, before samples are fetched that could not be saved.
+    const std::string folder =
+        options.path.substr(0, options.path.size() - FileNameOf(options.path).size());
     std::error_code unknown;
     if (!folder.empty() && !std::filesystem::is_directory(folder, unknown)) {
-        Fail(Printf("Error creating file %s.", wish.path.c_str()));
+        Fail(Printf("Error creating file %s.", options.path.c_str()));
     }
-    return wish;
+    return options;
 }
 
-/// One run of the board after the other, into the session's document.
+/// Runs the board, again and again, into the session's document.
 class Runner {
 public:
-    Runner(Session& session, const Wish& wish) : session_(session), wish_(wish) {
+    Runner(Session& session, const Options& options) : session_(session), options_(options) {
         session_.Link().SetGiveUp([this](milliseconds waited) { return GivesUp(waited); });
     }
 
     void LoadSetup(const std::string& path) {
         if (!LoadSetupFile(session_.Document().setup, path, session_.Prompts())) {
-            session_.TellMessages();
+            session_.PrintMessages();
             Fail(path + " is not used");
         }
     }
 
-    /// Starts the board, follows it to its end and fetches what it has.
+    /// Starts the board, follows the capture to its end and fetches its samples.
     RunEnd Run() {
         CTesselDoc& document = session_.Document();
         if (!DownloadSetup(session_.Link(), document.setup, session_.Prompts()) ||
             !givenUp_.empty()) {
-            session_.TellMessages();
+            session_.PrintMessages();
             Fail(givenUp_ + "the board has not taken the setup");
         }
         {
-            const NoInterruptsForThreads quiet; // the run has a thread of its own
+            const NoInterruptsForThreads quiet; // the run starts a thread
             document.Run().Start();
         }
-        session_.TellMessages();
-        RunEnd end = RunEnd::ByItself;
+        session_.PrintMessages();
+        RunEnd end = RunEnd::Finished;
         triggered_ = false;
         Time::time_point heard = Time::now();
         while (true) {
-            document.Run().Look();
+            document.Run().Poll();
             const RunState& state = document.Run().State();
             triggered_ = triggered_ || state.triggered;
             if (state.indicator != RunIndicator::Running) {
                 break;
             }
-            if (const RunEnd asked = EndAsked(); asked != RunEnd::ByItself) {
+            if (const RunEnd asked = EndAsked(); asked != RunEnd::Finished) {
                 end = asked;
                 document.Run().Stop();
                 break;
             }
             if (session_.Link().IsIdle()) {
-                heard = Time::now(); // no look at its status is under way
+                heard = Time::now(); // no poll of its status is pending
             } else if (Time::now() - heard >= patience) {
                 session_.Link().Close();
                 Fail(boardIsLost);
@@ -132,17 +132,17 @@ public:
             session_.Wait(lookEvery);
         }
         if (session_.Link().CommLost()) {
-            session_.TellMessages();
+            session_.PrintMessages();
             Fail(boardIsLost);
         }
         const RunEnd uploadEnd = Upload();
-        return uploadEnd == RunEnd::ByItself ? end : uploadEnd;
+        return uploadEnd == RunEnd::Finished ? end : uploadEnd;
     }
 
-    /// Whether the board has seen its trigger in the last run.
+    /// Whether the last run has triggered.
     [[nodiscard]] bool Triggered() const noexcept { return triggered_; }
 
-    /// Writes what has come. Samples that have not are left out.
+    /// Saves the samples that have arrived and leaves out the others.
     void Save(const std::string& path) {
         CTesselDoc& document = session_.Document();
         TraceFileWriter writer(document);
@@ -169,11 +169,11 @@ public:
     }
 
 private:
-    /// Asked while the board takes the setup.
+    /// Called while the setup is sent to the board.
     [[nodiscard]] bool GivesUp(milliseconds waited) {
         if (Interrupted()) {
             givenUp_ = "interrupted; ";
-        } else if (wish_.deadline && Time::now() >= *wish_.deadline) {
+        } else if (options_.deadline && Time::now() >= *options_.deadline) {
             givenUp_ = "the time is over; ";
         } else if (waited >= patience) {
             givenUp_ = Printf("no end after %d seconds; ", static_cast<int>(patience.count()));
@@ -185,8 +185,8 @@ private:
             Say("interrupted; what the board has is fetched");
             return RunEnd::Interrupt;
         }
-        return wish_.deadline && Time::now() >= *wish_.deadline ? RunEnd::Timeout
-                                                                : RunEnd::ByItself;
+        return options_.deadline && Time::now() >= *options_.deadline ? RunEnd::Timeout
+                                                                      : RunEnd::Finished;
     }
 
     RunEnd Upload() {
@@ -196,7 +196,7 @@ private:
         std::int64_t last = -1;
         Time::time_point heard = Time::now();
         while (true) {
-            document.Run().Look();
+            document.Run().Poll();
             if (document.Run().State().indicator != RunIndicator::Uploading) {
                 break;
             }
@@ -220,21 +220,21 @@ private:
             progress.At(std::min(come, document.SampleCount(false)));
             session_.Wait(lookEvery);
         }
-        session_.TellMessages();
-        return RunEnd::ByItself;
+        session_.PrintMessages();
+        return RunEnd::Finished;
     }
 
-    /// A block that the board owes without end is given up with the board.
+    /// If a block never arrives, the board is given up.
     void EndUpload() {
         if (session_.Document().IsUploading()) {
             session_.Link().Close();
         }
-        session_.TellMessages();
+        session_.PrintMessages();
     }
 
     Session& session_;
-    const Wish& wish_;
-    std::string givenUp_; // why the board was, with what leads on
+    const Options& options_;
+    std::string givenUp_; // why the board was given up, and what to do
     bool triggered_ = false;
 };
 
@@ -250,7 +250,7 @@ std::string NumberedPath(const std::string& path, std::int64_t run) {
                   stamp.data(), path.substr(point).c_str());
 }
 
-/// The first sample that matches, by its number.
+/// The number of the first sample that matches.
 std::optional<std::int64_t> FindIn(CTesselDoc& document, const SearchCondition& condition) {
     constexpr std::size_t block = RecordPattern::blockSize;
     std::array<SampleRecord, block> records;
@@ -289,7 +289,7 @@ void SaveTo(Runner& runner, const std::string& path) {
     output.Close();
 }
 
-/// Says what a run has brought; whether there is anything.
+/// Reports the result of a run; returns whether there are samples.
 bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t held) {
     if (end == RunEnd::Timeout) {
         Say(runner.Triggered() ? "the time is over" : "the time is over, and there was no trigger");
@@ -306,7 +306,7 @@ bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t
 } // namespace
 
 int RunCapture(const Arguments& arguments) {
-    const Wish wish = WishOf(arguments);
+    const Options options = OptionsOf(arguments);
     Session session(arguments);
     if (Interrupted()) {
         Fail("interrupted");
@@ -317,14 +317,14 @@ int RunCapture(const Arguments& arguments) {
             WrongUse(wrong);
         }
     }
-    Runner runner(session, wish);
+    Runner runner(session, options);
     runner.LoadSetup(arguments.Value("setup"));
     CTesselDoc& document = session.Document();
     bool complete = true;
     bool any = false;
-    for (std::int64_t run = 1; wish.runs == 0 || run <= wish.runs; ++run) {
+    for (std::int64_t run = 1; options.runs == 0 || run <= options.runs; ++run) {
         if (run > 1 && Interrupted()) {
-            break; // it came while the last run was saved
+            break; // interrupted while the last run was saved
         }
         const RunEnd end = runner.Run();
         const std::int64_t held = CountHeld(document);
@@ -332,7 +332,7 @@ int RunCapture(const Arguments& arguments) {
         if (Report(document, runner, end, held)) {
             any = true;
             const std::string path =
-                arguments.Has("repeat") ? NumberedPath(wish.path, run) : wish.path;
+                arguments.Has("repeat") ? NumberedPath(options.path, run) : options.path;
             SaveTo(runner, path);
             Say(Printf("%s: %lld samples", path == "-" ? "standard output" : path.c_str(),
                        static_cast<long long>(held)));
@@ -346,7 +346,7 @@ int RunCapture(const Arguments& arguments) {
         if (end == RunEnd::Timeout && !runner.Triggered()) {
             return ExitStatus::NothingFound;
         }
-        if (end != RunEnd::ByItself || (wish.deadline && Time::now() >= *wish.deadline)) {
+        if (end != RunEnd::Finished || (options.deadline && Time::now() >= *options.deadline)) {
             break;
         }
     }

@@ -1,5 +1,5 @@
-/// The commands of busquill-trace. Each returns the exit status, and throws Stop where it cannot go
-/// on.
+/// The commands of busquill-trace. Each returns the exit status, and throws ExitRequest when it
+/// cannot continue.
 #pragma once
 
 namespace busquill::cli {

@@ -2,10 +2,10 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -16,16 +16,16 @@ namespace busquill::cli {
 
 namespace {
 
-/// The samples of a capture, one after the other.
-class Walk {
+/// Iterates over the samples of a capture.
+class SampleCursor {
 public:
-    Walk(TraceInput& input, bool byPlace) : input_(input), byPlace_(byPlace) {
+    SampleCursor(TraceInput& input, bool byPlace) : input_(input), byPlace_(byPlace) {
         input.ReadHead();
         Load();
     }
 
     [[nodiscard]] bool AtEnd() const noexcept { return rows_ == nullptr; }
-    /// By which samples of two captures belong together.
+    /// Samples of two captures with the same key belong together.
     [[nodiscard]] std::int64_t Key() const {
         return Number() - (byPlace_ ? input_.Stream().First() : 0);
     }
@@ -49,7 +49,7 @@ private:
     std::size_t row_ = 0;
 };
 
-/// Samples that belong together; null for one that a capture lacks.
+/// Samples that belong together; null for a sample that a capture lacks.
 struct Pair {
     std::int64_t number = 0;
     const SampleRecord* a = nullptr;
@@ -59,8 +59,8 @@ struct Pair {
 /// Calls `take` for each pair, in order.
 template <typename Take>
 void ForEachPair(TraceInput& inputA, TraceInput& inputB, bool byPlace, Take take) {
-    Walk a(inputA, byPlace);
-    Walk b(inputB, byPlace);
+    SampleCursor a(inputA, byPlace);
+    SampleCursor b(inputB, byPlace);
     while (!a.AtEnd() || !b.AtEnd()) {
         const bool hasA = !a.AtEnd() && (b.AtEnd() || a.Key() <= b.Key());
         const bool hasB = !b.AtEnd() && (a.AtEnd() || b.Key() <= a.Key());
@@ -76,12 +76,12 @@ void ForEachPair(TraceInput& inputA, TraceInput& inputB, bool byPlace, Take take
 }
 
 struct Summary {
-    std::int64_t samples = 0; // pairs, those that lack one included
+    std::int64_t samples = 0; // pairs, including incomplete ones
     std::int64_t differing = 0;
     std::int64_t onlyA = 0;
     std::int64_t onlyB = 0;
     std::optional<std::int64_t> first;
-    std::map<std::size_t, std::int64_t> signals; // how often each differs
+    std::map<std::size_t, std::int64_t> signals; // how often each differs, by index
 };
 
 /// One line of the table of differences.

@@ -1,10 +1,10 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/range.h"
-#include "cli/stop.h"
 #include "export/session_file.h"
 #include "export/value_dump.h"
 #include "export/value_table.h"
@@ -19,7 +19,7 @@ namespace busquill::cli {
 
 namespace {
 
-/// What a conversion takes: samples in order, from where they are.
+/// The input of a conversion: samples in order.
 class Source {
 public:
     Source(const Arguments& arguments, TraceInput& input)
@@ -35,8 +35,8 @@ public:
 
     [[nodiscard]] bool IsZoom() const noexcept { return zoom_; }
     [[nodiscard]] TraceStream& Stream() const { return input_.Stream(); }
-    /// The list whose signals are exported: the waveforms', the listing's where the file has only
-    /// that, or that of the Power Zoom.
+    /// The list whose signals are exported: that of the waveforms, of the listing if the file has
+    /// only that, or of the Power Zoom.
     [[nodiscard]] const CSignalList& List() const {
         return zoom_                     ? Stream().zoomList
                : Use() == ListUse::State ? Stream().stateList
@@ -48,7 +48,7 @@ public:
         return onlyState && !zoom_ ? ListUse::State : ListUse::Wave;
     }
 
-    /// Calls `take` for each piece of the samples; true when there are any.
+    /// Calls `take` for each piece of the samples. Returns whether there are any.
     template <typename Take>
     [[nodiscard]] bool ForEach(Take take) {
         bool any = false;
@@ -69,7 +69,7 @@ public:
         return any;
     }
 
-    /// Whether samples are missing between those that ForEach has given.
+    /// Whether samples are missing between those that ForEach has passed on.
     [[nodiscard]] bool HasGaps() const noexcept { return hasGaps_; }
     [[nodiscard]] const std::string& Name() const noexcept { return input_.Name(); }
     /// Back to the first sample.
@@ -112,7 +112,7 @@ private:
     const NumberRange range_;
     const bool zoom_;
     SampleRows zoomRows_;
-    std::optional<std::int64_t> last_; // the number that ForEach has given last
+    std::optional<std::int64_t> last_; // the last number that ForEach has passed on
     bool hasGaps_ = false;
 };
 
@@ -184,35 +184,35 @@ bool ToTable(Source& source, const Bus& bus, const std::string& path, bool chang
     return any;
 }
 
-/// Whether samples follow one another in the clock's own time.
-class Evenness {
+/// Checks whether all samples are one clock period apart.
+class PeriodCheck {
 public:
-    Evenness(std::optional<std::int64_t> period, bool zoom)
+    PeriodCheck(std::optional<std::int64_t> period, bool zoom)
         : period_(period.value_or(0)), unit_(zoom ? 1 : 1000) {}
 
     void Take(const SampleRows& rows) {
         for (const SampleRecord& record : rows.records) {
-            // TIME has whole nanoseconds, which half a period of the fastest clocks is not.
+            // TIME is in whole nanoseconds; the periods of the fastest clocks are not.
             const std::int64_t time = time_.Of(record) * unit_;
-            even_ = even_ && (first_ || std::abs(time - period_) < unit_);
+            holds_ = holds_ && (first_ || std::abs(time - period_) < unit_);
             first_ = false;
         }
     }
-    [[nodiscard]] bool IsEven() const noexcept { return even_; }
+    [[nodiscard]] bool Holds() const noexcept { return holds_; }
 
 private:
     const std::int64_t period_; // picoseconds
     const std::int64_t unit_;
     SampleTime time_;
     bool first_ = true;
-    bool even_ = true;
+    bool holds_ = true;
 };
 
-/// The time from each sample to the next in picoseconds, where it is the same for all.
+/// The time between samples in picoseconds, if it is the same for all.
 std::optional<std::int64_t> SteadyPeriod(Source& source) {
     const SampleTime time;
     std::optional<std::int64_t> period;
-    bool isFirst = true; // whose time is that before it
+    bool isFirst = true; // its TIME is the time before the capture
     bool isSteady = true;
     const bool any = source.ForEach([&](const SampleRows& rows) {
         for (const SampleRecord& record : rows.records) {
@@ -248,37 +248,37 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     auto period =
         source.IsZoom() ? PowerZoomPeriod(setup.powerZoomClock) : ClockPeriod(setup.clock);
     if (!period && !source.IsZoom()) {
-        period = SteadyPeriod(source); // the bus's own, where it goes on without a pause
+        period = SteadyPeriod(source); // that of the bus clock, if it runs without a pause
     }
     if (period) {
         constexpr std::int64_t second = 1'000'000'000'000;
         capture.sampleRate = static_cast<std::uint64_t>((second + *period / 2) / *period);
     }
     Output output(path);
-    // The library between the two knows no exceptions.
-    std::optional<Stop> failure;
+    // An exception must not pass through the library.
+    std::optional<ExitRequest> failure;
     SessionFile session(capture, [&](std::string_view bytes) {
         try {
             output.Write(bytes);
-        } catch (const Stop& stop) {
-            failure = stop;
+        } catch (const ExitRequest& request) {
+            failure = request;
         }
         return !failure;
     });
     bool good = true;
-    Evenness even(period, source.IsZoom());
+    PeriodCheck steady(period, source.IsZoom());
     const bool any = source.ForEach([&](const SampleRows& rows) {
         good = good && session.Add(rows);
-        even.Take(rows);
+        steady.Take(rows);
     });
     if (!any) {
         return false;
     }
     if (!good || !session.End()) {
-        throw failure.value_or(Stop{ExitStatus::Failure, "the session file cannot be made"});
+        throw failure.value_or(ExitRequest{ExitStatus::Failure, "the session file cannot be made"});
     }
     output.Close();
-    if (period && !even.IsEven()) {
+    if (period && !steady.Holds()) {
         Say("the samples are not evenly spaced; a session file knows one rate only, so it shows "
             "samples, not time");
     }

@@ -7,7 +7,7 @@ namespace busquill::cli {
 
 namespace {
 
-/// The texts, those of several lines taken apart.
+/// The texts of a fact, split into lines.
 std::vector<std::string> LinesOf(const Fact& fact) {
     std::vector<std::string> lines;
     for (const std::string& text : fact.texts) {

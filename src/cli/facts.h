@@ -1,4 +1,4 @@
-/// What is told of one thing, line by line.
+/// Facts about a file, a setup or a board, printed line by line.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,8 @@
 
 namespace busquill::cli {
 
-/// A name for people, one for programs, and what it is. Several texts are lines below one another.
+/// A title for people, a key for programs, and the value. Several texts are printed below one
+/// another.
 struct Fact {
     const char* title;
     const char* key;
@@ -21,7 +22,7 @@ struct Fact {
 [[nodiscard]] Fact ListFact(const char* title, const char* key, std::vector<std::string> texts);
 
 [[nodiscard]] std::string FactsAsText(const std::vector<Fact>& facts);
-/// One object, without a line end.
+/// A JSON object without a line end.
 [[nodiscard]] std::string FactsAsJson(const std::vector<Fact>& facts);
 
 } // namespace busquill::cli

@@ -1,10 +1,10 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "cli/words.h"
 #include "platform/text.h"
 
@@ -30,7 +30,7 @@ std::string ListWords(const TraceStream& stream) {
     return text.empty() ? "none, so the default ones" : text;
 }
 
-/// Where the trigger is marked, which is beside sample 0 where there is nothing after it.
+/// Where the trigger is marked: not on sample 0 if no samples follow it.
 std::string TriggerWords(const TraceSurvey& survey, const TraceStream& stream) {
     const std::int64_t marked = stream.TriggerNumber();
     const auto before = static_cast<long long>(marked - survey.first);
@@ -80,10 +80,10 @@ int RunInfo(const Arguments& arguments) {
         try {
             TraceInput input(path, bus.Tables());
             facts = FactsOf(input, bus);
-        } catch (const Stop& stop) {
-            // The other files are told of all the same.
-            Say(stop.message);
-            status = stop.status;
+        } catch (const ExitRequest& request) {
+            // Continues with the other files.
+            Say(request.message);
+            status = request.status;
             continue;
         }
         output.Write(json ? (first ? "[" : ",\n ") + FactsAsJson(facts)

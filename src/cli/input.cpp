@@ -1,8 +1,8 @@
 #include "cli/input.h"
 
+#include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "cli/temporary_file.h"
 #include "platform/text.h"
 
@@ -49,7 +49,7 @@ TextReader OpenInput(const std::string& path) {
     FileHandle file(std::fopen(path.c_str(), "rb"));
     std::error_code unknown;
     if (file && std::filesystem::is_directory(path, unknown)) {
-        file.reset(); // it opens, but holds no text
+        file.reset(); // opens, but cannot be read
         errno = EISDIR;
     }
     if (!file) {
@@ -74,9 +74,9 @@ void TraceInput::ReadHead() {
     Check(stream_.ReadHead());
 }
 
-void TraceInput::TellIfCutOff(bool isCutOff) {
-    if (isCutOff && !cutOffTold_) {
-        cutOffTold_ = true;
+void TraceInput::WarnIfCutOff(bool isCutOff) {
+    if (isCutOff && !cutOffReported_) {
+        cutOffReported_ = true;
         Say(name_ + " ends before its samples do");
     }
 }
@@ -84,7 +84,7 @@ void TraceInput::TellIfCutOff(bool isCutOff) {
 TraceSurvey TraceInput::Survey() {
     TraceSurvey survey;
     Check(stream_.Survey(survey));
-    TellIfCutOff(survey.cutOff);
+    WarnIfCutOff(survey.cutOff);
     return survey;
 }
 
@@ -93,14 +93,14 @@ const SampleRows* TraceInput::NextRows() {
         Fail("interrupted");
     }
     const SampleRows* rows = stream_.NextRows();
-    TellIfCutOff(stream_.CutOff());
+    WarnIfCutOff(stream_.CutOff());
     Check(stream_.Wrong());
     return rows;
 }
 
 void TraceInput::RequireZoom(const TraceSurvey& survey) const {
     if (!survey.hasZoom) {
-        throw Stop{ExitStatus::NothingFound, name_ + " has no Power Zoom samples"};
+        throw ExitRequest{ExitStatus::NothingFound, name_ + " has no Power Zoom samples"};
     }
 }
 

@@ -8,39 +8,39 @@ namespace busquill::cli {
 
 class Output;
 
-/// Opens a file; "-" is standard input, which is copied to a nameless file, since captures are read
-/// more than once. Throws Stop when it cannot be opened.
+/// Opens a file; "-" is standard input, which is copied to an unnamed file, since captures are read
+/// more than once. Throws ExitRequest when it cannot be opened.
 [[nodiscard]] TextReader OpenInput(const std::string& path);
 
-/// A trace file of the command line. Its functions throw Stop for a file that is no good.
+/// A trace file of the command line. Its functions throw ExitRequest for an invalid file.
 class TraceInput {
 public:
     /// The tables outlive the input.
     TraceInput(const std::string& path, SignalTables& tables);
 
     [[nodiscard]] TraceStream& Stream() noexcept { return stream_; }
-    /// What the file is called in messages.
+    /// The name of the file in messages.
     [[nodiscard]] const std::string& Name() const noexcept { return name_; }
     void ReadHead();
     [[nodiscard]] TraceSurvey Survey();
-    /// Ends the program where nothing is found without Power Zoom samples.
+    /// Throws ExitRequest if there are no Power Zoom samples.
     void RequireZoom(const TraceSurvey& survey) const;
     [[nodiscard]] const SampleRows* NextRows();
-    /// Copies the file's bytes from one place to another, at most to its end; returns how many.
-    /// The stream then stands nowhere: ReadHead comes next.
+    /// Copies the file's bytes from one offset to another, at most to its end; returns how many.
+    /// Afterwards the stream has no position: call ReadHead next.
     std::uint64_t CopyBytes(std::uint64_t from, std::uint64_t to, Output& output);
 
 private:
     void Check(const std::string& wrong) const;
-    void TellIfCutOff(bool isCutOff);
+    void WarnIfCutOff(bool isCutOff);
 
     std::string name_;
     TextReader file_;
     TraceStream stream_;
-    bool cutOffTold_ = false;
+    bool cutOffReported_ = false;
 };
 
-/// What to tell where samples of a capture are missing and the times of the others are added up.
+/// The warning that summed times are too short because samples are missing.
 [[nodiscard]] std::string TimesAreShort(const std::string& name);
 
 /// The Power Zoom samples with their numbers.

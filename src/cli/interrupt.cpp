@@ -24,13 +24,13 @@ sigset_t Signals() {
 void NoticeInterrupts() {
     struct sigaction action {};
     action.sa_handler = [](int signal) {
-        // Who asks again before the first has been noticed means it.
+        // After two requests without an effect, the third one ends the program.
         if (interrupted.exchange(true)) {
             std::signal(signal, SIG_DFL);
         }
     };
     sigemptyset(&action.sa_mask);
-    action.sa_flags = 0; // a read that waits ends
+    action.sa_flags = 0; // a waiting read is interrupted
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
     sigaction(SIGHUP, &action, nullptr);

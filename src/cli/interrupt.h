@@ -2,15 +2,14 @@
 
 namespace busquill::cli {
 
-/// From here on an interrupt or a request to end does not end the program but is noticed by
-/// `Interrupted`; what is being written can then be taken away again. A third one in vain ends it.
+/// From now on SIGINT and the like do not end the program but make `Interrupted` return true, so
+/// that unfinished files can be removed. After two without an effect, the third one ends it.
 void NoticeInterrupts();
 
-/// Whether there has been one since the last call.
+/// Whether there was an interrupt since the last call.
 [[nodiscard]] bool Interrupted() noexcept;
 
-/// Keeps the signals from other threads, whose waiting they would disturb: threads that are started
-/// while it lives never see them.
+/// Threads started during its lifetime never get these signals, which would interrupt their waits.
 class NoInterruptsForThreads {
 public:
     NoInterruptsForThreads();

@@ -7,12 +7,12 @@
 
 namespace busquill::cli {
 
-/// Message boxes where there are no windows: their texts are kept, and questions answered with no.
+/// Message boxes without windows: their texts are collected, and questions are answered with no.
 class LinePrompts final : public Prompts {
 public:
     Answer Show(const Box& box) override;
 
-    /// What has been said since the last call, each on one line.
+    /// The texts since the last call, each on one line.
     [[nodiscard]] std::vector<std::string> Take();
 
 private:

@@ -2,11 +2,11 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
 #include "cli/range.h"
-#include "cli/stop.h"
 #include "document/csv_line.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
@@ -19,7 +19,7 @@ namespace busquill::cli {
 
 namespace {
 
-/// The first row of the list that is called so; with `base`, whose bus is.
+/// The first row of the list with this name; with `base`, the first whose bus has it.
 CSignal* FindColumn(const CSignalList& list, const std::string& name, bool base) {
     for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
         const std::string& own = base ? list[i].baseName : list[i].RowName();
@@ -57,7 +57,7 @@ CSignal* AddLines(CSignalList& list, const std::string& name, const SignalTables
                : list.AddSignal(nullptr, def, 0, first, last, def->color, Radix::Hex, true);
 }
 
-/// A row of the list, or what the tables have of that name.
+/// The row of that name in the list, or one added from the tables.
 CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables& tables) {
     CSignal* column = FindColumn(list, name, false);
     column = column != nullptr ? column : AddDecoded(list, name, tables);
@@ -65,7 +65,7 @@ CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables
     return column != nullptr ? column : AddLines(list, name, tables);
 }
 
-/// What to tell of a name that is no column's.
+/// The error message for a name that is not a column's.
 std::string UnknownColumn(const std::string& name, const CSignalList& list,
                           const SignalTables& tables) {
     std::vector<std::string> names;
@@ -77,7 +77,7 @@ std::string UnknownColumn(const std::string& name, const CSignalList& list,
     for (const NamedSignal& signal : AllSignals(tables, {&list})) {
         add(signal.name);
     }
-    // Those that are no bits of a sample too, such as ACCUM.
+    // Also those that are not bits of a sample, such as ACCUM.
     for (const auto& def : tables.decodedSignals.Defs()) {
         if (SignalTables::Applies(def->condition, tables.Board())) {
             add(def->name);
@@ -87,13 +87,13 @@ std::string UnknownColumn(const std::string& name, const CSignalList& list,
                   ListNearest(name, std::move(names)).c_str());
 }
 
-/// Leaves the named columns alone to be seen, in the order of their names.
+/// Shows only the named columns, in the order given.
 void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
                  const SignalTables& tables) {
     std::vector<CSignal*> shown;
     for (const std::string& name : names) {
         if (name.empty() || EqualIgnoringCase(name, "SAMPLE")) {
-            continue; // the first column in any case
+            continue; // always the first column
         }
         CSignal* column = ColumnOf(list, name, tables);
         if (column == nullptr) {
@@ -251,7 +251,7 @@ int RunList(const Arguments& arguments) {
         }
     }
     writer.End();
-    output.CloseUnlessNothing(writer.Any());
+    output.CloseOrDiscard(writer.Any());
     if (!writer.Any()) {
         Say("there are no such samples");
     }

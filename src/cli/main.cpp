@@ -5,7 +5,7 @@
 #include <vector>
 
 int main(int argc, char** argv) {
-    // A pipe that nobody reads shows as a failed write.
+    // Writing to a pipe without a reader then fails with an error instead.
     std::signal(SIGPIPE, SIG_IGN);
     const std::vector<std::string> texts(argv + 1, argv + argc);
     return busquill::cli::Run(texts);

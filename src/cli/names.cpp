@@ -1,9 +1,9 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -20,7 +20,7 @@ std::string AsJson(const NamedSignal& signal, const std::vector<std::string>& la
                   signal.positions.size(), values.c_str());
 }
 
-/// A line for the name, and one for each label: a pattern as it is typed.
+/// A line for the name, and one for each label, as a pattern to be typed.
 std::string AsText(const NamedSignal& signal, const std::vector<std::string>& labels) {
     std::string text = signal.name + "\n";
     for (const std::string& label : labels) {

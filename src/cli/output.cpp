@@ -1,8 +1,8 @@
 #include "cli/output.h"
 
 #include "cli/arguments.h"
+#include "cli/exit_request.h"
 #include "cli/interrupt.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -39,9 +39,9 @@ void Output::Flush() {
     if (!path_.empty()) {
         file_.Write(buffer_);
     } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) {
-        // A reader that has seen enough is no failure.
-        throw Stop{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
-                   errno == EPIPE ? "" : "standard output cannot be written"};
+        // A reader that closes the pipe early does not count as a failure.
+        throw ExitRequest{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
+                          errno == EPIPE ? "" : "standard output cannot be written"};
     }
     buffer_.clear();
 }
@@ -53,13 +53,13 @@ void Output::Close() {
             Fail(Printf("Error writing file %s.", path_.c_str()));
         }
     } else if (std::fflush(stdout) != 0) {
-        throw Stop{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
-                   errno == EPIPE ? "" : "standard output cannot be written"};
+        throw ExitRequest{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
+                          errno == EPIPE ? "" : "standard output cannot be written"};
     }
 }
 
-void Output::CloseUnlessNothing(bool isSomething) {
-    if (isSomething || path_.empty()) {
+void Output::CloseOrDiscard(bool keep) {
+    if (keep || path_.empty()) {
         Close();
     }
 }

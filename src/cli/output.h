@@ -10,18 +10,19 @@ namespace busquill::cli {
 
 struct Arguments;
 
-/// Where a command's data go: standard output, or a file that is in its place only when it is
-/// whole. Throws Stop when they cannot be written; quietly where nobody reads any more.
+/// Where a command's data go: standard output, or a file that replaces the old one only when it is
+/// complete. Throws ExitRequest when they cannot be written, without a message if the reader has
+/// closed the pipe.
 class Output {
 public:
-    /// An empty path and "-" are standard output.
+    /// An empty path and "-" mean standard output.
     explicit Output(const std::string& path);
 
     void Write(std::string_view text);
-    /// Everything is out, and the file in its place.
+    /// Writes what is left and puts the file in its place.
     void Close();
-    /// The same, but a file of nothing is none: it does not come into its place.
-    void CloseUnlessNothing(bool isSomething);
+    /// The same if `keep`; otherwise the file is discarded.
+    void CloseOrDiscard(bool keep);
 
 private:
     void Flush();
@@ -31,12 +32,12 @@ private:
     std::string buffer_;
 };
 
-/// Throws Stop where a target is one of the files that the command reads, unless the user allows
-/// that. A pipe or a device may be both.
+/// Throws ExitRequest if the target is one of the files that the command reads, unless the user
+/// allows overwriting. A pipe or a device may be both.
 void CheckTarget(const Arguments& arguments, const std::string& path);
 
-/// How far a long command is, in hundredths, on standard error while that is a terminal. The line
-/// goes with the object.
+/// Shows the progress of a long command in percent on standard error, if that is a terminal. The
+/// destructor erases the line.
 class Progress {
 public:
     Progress(const char* what, std::int64_t total);
@@ -54,9 +55,9 @@ private:
     const bool terminal_;
 };
 
-/// A line for the user on standard error.
+/// Prints a line for the user on standard error.
 void Say(const std::string& text);
 
-/// Text in quotes, as JSON has it.
+/// The text as a JSON string, in quotes.
 [[nodiscard]] std::string JsonText(std::string_view text);
 } // namespace busquill::cli

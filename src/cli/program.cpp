@@ -1,9 +1,9 @@
 #include "cli/program.h"
 
 #include "cli/arguments.h"
+#include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 
 #include <new>
 
@@ -22,11 +22,11 @@ int Run(std::span<const std::string> texts) {
         }
         CheckTarget(arguments, arguments.Value("output"));
         return arguments.command->run(arguments);
-    } catch (const Stop& stop) {
-        if (!stop.message.empty()) {
-            Say(stop.message);
+    } catch (const ExitRequest& request) {
+        if (!request.message.empty()) {
+            Say(request.message);
         }
-        return stop.status;
+        return request.status;
     } catch (const std::bad_alloc&) {
         Say("there is not enough memory");
         return ExitStatus::Failure;

@@ -5,7 +5,7 @@
 
 namespace busquill::cli {
 
-/// The whole program, from the texts behind its name to the exit status.
+/// Runs the program with its arguments (without the program's name); returns the exit status.
 [[nodiscard]] int Run(std::span<const std::string> texts);
 
 } // namespace busquill::cli

@@ -1,7 +1,7 @@
 #include "cli/range.h"
 
 #include "cli/arguments.h"
-#include "cli/stop.h"
+#include "cli/exit_request.h"
 #include "platform/text.h"
 
 namespace busquill::cli {

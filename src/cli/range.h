@@ -7,7 +7,7 @@ namespace busquill::cli {
 
 struct Arguments;
 
-/// The sample numbers that --from and --to let through.
+/// The sample numbers selected by --from and --to.
 struct NumberRange {
     std::int64_t from = std::numeric_limits<std::int64_t>::min();
     std::int64_t to = std::numeric_limits<std::int64_t>::max();
@@ -17,7 +17,7 @@ struct NumberRange {
     }
 };
 
-/// Throws Stop when it ends before it begins.
+/// Throws ExitRequest for a range that ends before it begins.
 [[nodiscard]] NumberRange RangeOf(const Arguments& arguments);
 
 } // namespace busquill::cli

@@ -2,9 +2,9 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -46,14 +46,14 @@ bool TakeMatches(const SampleRows& rows, const SearchCondition& condition, Take 
     return true;
 }
 
-/// Matches as they come, or kept until the end of a search backward.
+/// Prints matches as they are found, or keeps them until the end of a backward search.
 class Matches {
 public:
     Matches(const Arguments& arguments, Output& output)
         : output_(output), json_(arguments.Has("json")), all_(arguments.Has("all")),
           backward_(arguments.Has("backward")) {}
 
-    /// False when no more are wanted.
+    /// Returns false when no more matches are wanted.
     bool Add(std::int32_t number) {
         if (!backward_) {
             Print(number);
@@ -115,7 +115,7 @@ int RunSearch(const Arguments& arguments) {
         });
     }
     const bool found = matches.End();
-    output.CloseUnlessNothing(found);
+    output.CloseOrDiscard(found);
     if (!found) {
         Say(noMatch);
     }
@@ -140,7 +140,7 @@ int RunFilter(const Arguments& arguments) {
         Say(Printf("%s %s is not written.", noMatch, arguments.Value("output").c_str()));
         return ExitStatus::NothingFound;
     }
-    // What stands around the rows stays as it is, known to this program or not.
+    // Everything around the rows is copied unchanged, whether this program knows it or not.
     Output output(arguments.Value("output"));
     std::uint64_t from = 0;
     for (const TraceFileReader::Block& block : stream.BlocksBefore()) {
@@ -162,7 +162,7 @@ int RunFilter(const Arguments& arguments) {
     });
     constexpr std::uint64_t end = std::numeric_limits<std::uint64_t>::max();
     if (input.CopyBytes(stream.BlockEnd(), end, output) == 0) {
-        output.Write("\"End of Trace Data\"\n"); // of a file that was cut off
+        output.Write("\"End of Trace Data\"\n"); // missing in a file that was cut off
     }
     output.Close();
     return ExitStatus::Done;

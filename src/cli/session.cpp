@@ -1,8 +1,8 @@
 #include "cli/session.h"
 
 #include "cli/arguments.h"
+#include "cli/exit_request.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 
 #include <cerrno>
@@ -18,7 +18,7 @@ bool IsNamedPort(const std::string& port) {
            (port.size() == 4 && port.starts_with("COM") && port[3] >= '1' && port[3] <= '8');
 }
 
-/// The port that the options name, by a name or by the path of its device.
+/// The port of the options, given by name or by the path of its device.
 PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
     const std::string name = arguments.Value("port");
     PortSetting port{PortSetting::Kind::Serial, name, name};
@@ -27,9 +27,9 @@ PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
         port = PortNamed(name, settings);
     } else if (!std::filesystem::exists(name, unknown)) {
         const bool isPath = name.find('/') != std::string::npos;
-        throw Stop{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
-                   "there is no port " + name +
-                       "; ports are COM1 to COM8, USB and paths of terminal devices"};
+        throw ExitRequest{isPath ? ExitStatus::Failure : ExitStatus::WrongUse,
+                          "there is no port " + name +
+                              "; ports are COM1 to COM8, USB and paths of terminal devices"};
     }
     const auto baud = arguments.Number("baud").value_or(usualBaudRate);
     if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
@@ -55,7 +55,7 @@ Session::Session(const Arguments& arguments)
     Link().Connect(port);
     quiet_.reset();
     if (Link().IsDemoMode()) {
-        // What the link says of it is meant for a window.
+        // The link's own messages about it are meant for windows.
         Fail(openError_ == 0       ? "no board answers on " + port.name
              : openError_ == EBUSY ? "the port " + port.name + " is in use"
                                    : "the port " + port.name + " cannot be opened: " +
@@ -71,10 +71,10 @@ Session::Session(const Arguments& arguments)
     document_->OnNewDocument();
 }
 
-/// The connection goes on without the identity and the bus when they do not come soon, and a board
-/// of which nobody knows what it is is no use here.
+/// Connect goes on without identity and bus configuration if they do not arrive soon, but an
+/// unidentified board is useless here.
 void Session::WaitForBoard(const std::string& port) {
-    constexpr std::chrono::seconds longest(20); // all tries of a read need fifteen
+    constexpr std::chrono::seconds longest(20); // all tries of a read take fifteen
     const auto end = std::chrono::steady_clock::now() + longest;
     while (!Link().IsIdle() && std::chrono::steady_clock::now() < end) {
         if (Interrupted()) {
@@ -85,7 +85,7 @@ void Session::WaitForBoard(const std::string& port) {
     if (!Link().IsIdle()) {
         Fail("the board on " + port + " does not answer any more");
     }
-    Link().WaitIdle(); // until what came last is taken in
+    Link().WaitIdle(); // until the last reply is processed
     const bool hasName = !Link().Identity().modelString.starts_with('-');
     if (!Link().IsIdentified() || !hasName) {
         Fail("the board on " + port + " has not told what it is");
@@ -95,7 +95,7 @@ void Session::WaitForBoard(const std::string& port) {
     }
 }
 
-bool Session::TellMessages() {
+bool Session::PrintMessages() {
     const auto said = prompts_.Take();
     std::string last;
     for (const std::string& line : said) {

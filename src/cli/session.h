@@ -19,10 +19,10 @@ namespace busquill::cli {
 
 struct Arguments;
 
-/// A connected board, and what lives as long as the connection.
+/// A connected board with the objects that exist for the connection.
 class Session {
 public:
-    /// Connects to the board on the port that the options name; throws Stop where none answers.
+    /// Connects to the board on the port of the options; throws ExitRequest when no board answers.
     explicit Session(const Arguments& arguments);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -32,20 +32,21 @@ public:
     [[nodiscard]] const SignalTables& Tables() noexcept { return analyzer_.Tables(); }
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
     [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
-    /// Tells what the program has to say since the last call; false when it was nothing.
-    bool TellMessages();
-    /// Lets time pass, in which other threads may say something.
+    /// Prints the messages since the last call; returns whether there were any.
+    bool PrintMessages();
+    /// Waits, while other threads may show messages.
     void Wait(std::chrono::milliseconds time);
 
 private:
     void WaitForBoard(const std::string& port);
 
-    std::optional<NoInterruptsForThreads> quiet_{std::in_place}; // while the link starts its own
+    std::optional<NoInterruptsForThreads> quiet_{
+        std::in_place}; // until the link has started its thread
     LinePrompts prompts_;
     MainThread mainThread_;
     MemorySettings settings_;
     SystemClock clock_;
-    int openError_ = 0; // why the serial port does not open
+    int openError_ = 0; // errno of a failed open of the serial port
     std::unique_ptr<UsbBus> usb_;
     Analyzer analyzer_;
     std::unique_ptr<CTesselDoc> document_;

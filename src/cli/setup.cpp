@@ -2,11 +2,11 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
 #include "cli/line_prompts.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "cli/words.h"
 #include "link/command_rows.h"
 #include "platform/text.h"
@@ -17,7 +17,7 @@ namespace busquill::cli {
 
 namespace {
 
-/// What goes to the board in one command.
+/// The payload of one command.
 struct Payload {
     std::string command;
     int address;
@@ -28,7 +28,7 @@ std::vector<Payload> PayloadsOf(const TraceSetup& setup, const BoardTraits& boar
     std::vector<Payload> payloads;
     for (const RunStep& step : SetupSteps(setup, board)) {
         LinkRequest& request = *step.request;
-        static_cast<void>(PreparePayload(request)); // as the link does before it sends
+        static_cast<void>(PreparePayload(request)); // as the link does before sending
         payloads.push_back({std::string(LinkCommandName(request.command)),
                             static_cast<int>(request.address), std::move(request.payload)});
     }

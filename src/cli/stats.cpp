@@ -2,9 +2,9 @@
 #include "cli/arguments.h"
 #include "cli/bus.h"
 #include "cli/commands.h"
+#include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
-#include "cli/stop.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
 
@@ -25,7 +25,7 @@ double Share(std::int64_t part, std::int64_t whole) {
     return whole > 0 ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0.0;
 }
 
-/// A line of a plain number: a title for people, a key for programs.
+/// A line with a number: a title for people, a key for programs.
 struct Line {
     const char* title;
     const char* key;
@@ -34,7 +34,7 @@ struct Line {
 
 std::vector<Line> LinesOf(const TraceSummary& sum) {
     if (!sum.waitStates && !sum.acknowledgeTime) {
-        return {}; // a connector has no transactions
+        return {}; // connectors have no transactions
     }
     std::uint64_t transactions = 0;
     for (const CommandCount& command : sum.commands) {

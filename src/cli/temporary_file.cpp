@@ -1,13 +1,13 @@
 #include "cli/temporary_file.h"
 
-#include "cli/stop.h"
+#include "cli/exit_request.h"
 
 #include <cstdlib>
 #include <filesystem>
 
 namespace busquill::cli {
 
-// In a folder of its own, which nobody else can put anything into.
+// In a private folder, so that nobody else can put a file in its place.
 TemporaryFile::TemporaryFile(const std::string& ending) {
     std::error_code wrong;
     folder_ = (std::filesystem::temp_directory_path(wrong) / "busquill-XXXXXX").string();

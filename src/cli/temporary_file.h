@@ -6,11 +6,11 @@
 
 namespace busquill::cli {
 
-/// A file in the system's temporary folder that goes with the object. Throws Stop when it cannot be
-/// made.
+/// A file in the system's temporary folder, removed by the destructor. Throws ExitRequest when it
+/// cannot be created.
 class TemporaryFile {
 public:
-    /// `ending` begins with its point.
+    /// `ending` begins with a dot.
     explicit TemporaryFile(const std::string& ending);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
@@ -18,7 +18,8 @@ public:
 
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
     [[nodiscard]] TextReader Open() const;
-    /// Empty, to be written and read; it goes when the handle goes, whatever becomes of the object.
+    /// Creates the empty file for writing and reading. The handle stays usable after this object is
+    /// destroyed.
     [[nodiscard]] FileHandle Create() const;
 
 private:

@@ -29,7 +29,7 @@ std::string ValueWords(const CSignal& signal, unsigned event) {
     return signal.Bit(event) ? "1" : "0";
 }
 
-/// "1st", "2nd", "3rd", "4th"; the numbers from 11 to 13 are like 4.
+/// "1st", "2nd", "3rd", "4th"; 11 to 13 end in "th" too.
 std::string Ordinal(int number) {
     const int last = number / 10 % 10 == 1 ? 0 : number % 10;
     const char* ending = last == 1 ? "st" : last == 2 ? "nd" : last == 3 ? "rd" : "th";
@@ -73,7 +73,7 @@ std::string EventWords(const CSignalList& events, unsigned event) {
         if (!Compares(events, i, event)) {
             continue;
         }
-        // Several rows may look at the same bits; the first tells them.
+        // Several rows may have the same bits; the first describes them.
         bool isNew = false;
         for (std::size_t member = i; member < events.GroupEnd(i); ++member) {
             const int position = events[member].dataIndex;
@@ -103,7 +103,7 @@ std::vector<std::string> SetupWords(const TraceSetup& setup, const BoardTraits& 
             lines.push_back(Printf("E%u: %s", event + 1, words.c_str()));
         }
     }
-    // Levels behind the last one that can be reached say nothing.
+    // Only levels that can be reached are described.
     std::vector<bool> reached(traceLevels);
     std::vector<int> waiting = {0};
     while (!waiting.empty()) {

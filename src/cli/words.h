@@ -12,7 +12,7 @@ struct BoardTraits;
 
 namespace cli {
 
-/// One line for each thing that a setup says, without its name.
+/// The setup in plain words, a line for each event, level and setting, without its name.
 [[nodiscard]] std::vector<std::string> SetupWords(const TraceSetup& setup,
                                                   const BoardTraits& board);
 

@@ -36,7 +36,7 @@ protected:
     template <typename Condition>
     bool FollowUntil(Condition holds) {
         for (int i = 0; i < 3000; ++i) {
-            document->Run().Look();
+            document->Run().Poll();
             last = document->Run().State();
             if (holds()) {
                 return true;

@@ -3,7 +3,7 @@
 namespace busquill {
 
 std::unique_ptr<BusTraffic> MakeBusTraffic(const BoardTraits& board, const SignalTables& tables) {
-    // The tables decide, as they do for the listing; no two buses share these names.
+    // The names in the tables decide, as for the listing; no two buses share these names.
     const auto has = [&](const char* name) {
         return tables.busSignals.FindByName(name) != nullptr;
     };

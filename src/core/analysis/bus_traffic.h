@@ -15,15 +15,15 @@ class BusTraffic {
 public:
     virtual ~BusTraffic() = default;
 
-    /// Nobody uses the bus.
+    /// Whether the bus is idle in a sample.
     [[nodiscard]] virtual bool IsIdle(const SampleRecord& record) const = 0;
-    /// The next sample, so many nanoseconds after the one before.
+    /// Adds the next sample, `elapsed` nanoseconds after the one before.
     virtual void Take(const SampleRecord& record, std::int64_t elapsed) = 0;
-    /// Fills in what was counted, with the transaction that is under way.
+    /// Fills in the counts, including the transaction in progress.
     virtual void Report(TraceSummary& summary) const = 0;
 };
 
-/// Null where the tables name no bus, only pins.
+/// Null for a connector, whose tables name only pins.
 [[nodiscard]] std::unique_ptr<BusTraffic> MakeBusTraffic(const BoardTraits& board,
                                                          const SignalTables& tables);
 

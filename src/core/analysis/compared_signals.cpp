@@ -29,7 +29,7 @@ ComparedSignals::ComparedSignals(const SignalTables& tables) {
     const auto add = [&](const CBusSignalDef& def) {
         std::vector<int> positions = PositionsOf(def);
         const auto isNamed = [&](int position) { return named.Bit(position); };
-        // Two definitions may share bits; the second is for patterns then.
+        // Two definitions may share bits; the second one is then for patterns only.
         if (std::ranges::none_of(positions, isNamed)) {
             for (const int position : positions) {
                 named.SetBit(position);

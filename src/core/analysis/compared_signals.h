@@ -8,7 +8,7 @@
 
 namespace busquill {
 
-/// The signals by which two captures are compared: each bit of the record in one of them.
+/// The signals by which two captures are compared. Each bit of the record is in exactly one.
 class ComparedSignals {
 public:
     struct Signal {
@@ -16,18 +16,18 @@ public:
         RecordField field;
     };
 
-    /// Every bus of the tables, then the bits that none of them names.
+    /// Every bus of the tables, then the bits that belong to none.
     explicit ComparedSignals(const SignalTables& tables);
 
-    /// Bits that are not compared from now on.
+    /// Excludes bits from the comparison.
     void Ignore(const std::vector<int>& positions);
 
     [[nodiscard]] const std::vector<Signal>& All() const noexcept { return signals_; }
     [[nodiscard]] bool Differ(const SampleRecord& a, const SampleRecord& b) const noexcept;
-    /// The places of the signals that differ.
+    /// Sets `places` to the indexes of the signals that differ.
     void Differing(const SampleRecord& a, const SampleRecord& b,
                    std::vector<std::size_t>& places) const;
-    /// The value of a signal, in hexadecimal, or as a time.
+    /// The value of a signal as hexadecimal digits or a time.
     [[nodiscard]] std::string Text(std::size_t place, const SampleRecord& record) const;
 
 private:

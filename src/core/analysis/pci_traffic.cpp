@@ -47,7 +47,7 @@ void PciTraffic::TakeAddress(const SampleRecord& record) {
     const std::uint32_t code = enables_.Value(record);
     const std::uint32_t command = code & 0xF;
     if (open_ && open_->secondAddressDue) {
-        // Only here a 32-bit initiator tells the command: it does not drive C/BE[7:4].
+        // A 32-bit initiator gives the command only here: it does not drive C/BE[7:4].
         open_->sum.command = command << 4 | dualAddress;
         open_->secondAddressDue = false;
         return;
@@ -79,7 +79,7 @@ void PciTraffic::TakeClock(const SampleRecord& record) {
 
 bool PciTraffic::CarriesData(PciAnswer answer) const {
     if (answer == PciAnswer::SplitResponse) {
-        // What was read comes with the split completion.
+        // Data that are read come with the split completion.
         return IsWrite(CommandOf(open_->sum.command));
     }
     return answer == PciAnswer::Data || answer == PciAnswer::LastData;
@@ -102,7 +102,7 @@ void PciTraffic::Close() {
         return;
     }
     tally_.Add(open_->sum);
-    // Where only address phases were stored nothing tells whether anybody answered.
+    // If only address phases were stored, it is unknown whether a target answered.
     const bool unanswered =
         open_->clocked && !open_->claimed && !open_->stopped && open_->sum.dataPhases == 0;
     if (unanswered && CommandOf(open_->sum.command) != specialCycle) {

@@ -10,7 +10,7 @@
 
 namespace busquill {
 
-/// What the lines say in a clock behind the address phase.
+/// The control lines in a clock after the address phase.
 struct PciClock {
     bool frame = false;
     bool irdy = false;
@@ -18,26 +18,26 @@ struct PciClock {
     bool stop = false;
     bool devsel = false;
     bool ack64 = false;
-    std::uint32_t enables = 0; // a bit for each byte lane that is enabled, of all eight
+    std::uint32_t enables = 0; // a bit for each of the eight byte lanes, set if enabled
 };
 
-/// What the target does in a clock; Over when it is done and the initiator is not yet.
+/// The target's response in a clock; Over when the target is done and the initiator is not yet.
 enum class PciAnswer { Wait, Data, LastData, Retry, Disconnect, TargetAbort, SplitResponse, Over };
 
-/// What is known of the transaction under way.
+/// The transaction in progress.
 struct PciTransaction {
     Transaction sum;
     bool req64 = false;
     bool secondAddressDue = false;
-    bool clocked = false; // a clock behind the address phase was there
+    bool clocked = false; // there was a clock after the address phase
     bool claimed = false; // DEVSEL was asserted
     bool stopped = false; // STOP was asserted
-    // PCI-X, once there was an attribute phase.
+    // PCI-X only, after an attribute phase.
     std::optional<std::uint32_t> attributeEnables;
-    std::optional<std::uint32_t> bytesAnnounced; // that have not come yet
+    std::optional<std::uint32_t> bytesAnnounced; // not transferred yet
 };
 
-/// PCI: an address phase, or two with a dual address cycle, then clocks in which both sides say
+/// PCI: an address phase, or two with a dual address cycle, then clocks in which both sides signal
 /// whether they are ready.
 class PciTraffic : public BusTraffic {
 public:
@@ -51,19 +51,19 @@ protected:
     PciTraffic(const SignalTables& tables, std::string_view commandTable);
 
     [[nodiscard]] virtual bool IsAddressPhase(const SampleRecord& record) const;
-    /// Whether the sample is the attribute phase of the transaction, which then knows it.
+    /// Whether the sample is the attribute phase of the transaction; then stores it there.
     virtual bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const;
     [[nodiscard]] virtual PciAnswer AnswerOf(const PciClock& clock,
                                              const PciTransaction& open) const;
-    /// Of a data phase.
+    /// The number of bytes moved in a data phase.
     [[nodiscard]] virtual std::uint32_t TakeBytes(const PciClock& clock,
                                                   PciTransaction& open) const;
-    /// Whether no data can follow this clock.
+    /// Whether this clock is the last that can move data.
     [[nodiscard]] virtual bool IsLast(const PciClock& clock) const;
 
-    /// The command itself, of a dual address cycle too.
+    /// The command of a code; for a dual address cycle, the command that it carries.
     [[nodiscard]] static std::uint32_t CommandOf(std::uint32_t code) noexcept;
-    /// Lanes that take part.
+    /// The byte lanes of the current width.
     [[nodiscard]] static std::uint32_t Width(const PciClock& clock,
                                              const PciTransaction& open) noexcept;
 

@@ -9,16 +9,17 @@ namespace busquill {
 namespace {
 
 constexpr std::uint32_t memoryWrite = 0x7;
-constexpr std::uint32_t fullByteCount = 4096; // announced as 0
+constexpr std::uint32_t fullByteCount = 4096; // encoded as 0
 
-/// Commands of which C/BE tells nothing in data phases: the attributes announce the bytes.
+/// Commands whose C/BE lines carry no byte enables in data phases: the attributes give the byte
+/// count.
 bool AnnouncesBytes(std::uint32_t command) {
     constexpr std::array<std::uint32_t, 5> block = {0x8, 0x9, 0xC, 0xE, 0xF};
     return std::find(block.begin(), block.end(), command) != block.end();
 }
 
-/// PCI-X: an attribute phase behind the address, more answers of a target, and a FRAME that
-/// is deasserted before the last data.
+/// PCI-X: an attribute phase after the address, more target responses, and a FRAME that is
+/// deasserted before the last data.
 class PciXTraffic final : public PciTraffic {
 public:
     explicit PciXTraffic(const SignalTables& tables)
@@ -63,7 +64,8 @@ private:
         return static_cast<std::uint32_t>(std::popcount(*open.attributeEnables));
     }
 
-    /// All lanes, but no more than was announced; without an attribute phase nothing was.
+    /// All lanes, up to the bytes left of the announced count. Without an attribute phase there is
+    /// no count.
     static std::uint32_t TakeAnnouncedBytes(std::uint32_t lanes, PciTransaction& open) {
         const std::uint32_t bytes = std::min(lanes, open.bytesAnnounced.value_or(lanes));
         if (open.bytesAnnounced) {

@@ -25,7 +25,7 @@ public:
     [[nodiscard]] std::uint32_t Value(const SampleRecord& record) const noexcept {
         return static_cast<std::uint32_t>(field_.Word(record));
     }
-    /// A bit for each line of the group that is asserted.
+    /// A bit for each line of the group, set if the line is asserted.
     [[nodiscard]] std::uint32_t Asserted(const SampleRecord& record) const noexcept {
         return ~Value(record) & ((std::uint32_t{1} << field_.Width()) - 1);
     }

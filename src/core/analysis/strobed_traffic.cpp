@@ -40,7 +40,7 @@ void StrobedTraffic::TakeStrobe(const SampleRecord& record, const Lines& lines,
     if (!lines.data) {
         return;
     }
-    // A strobe that was there before the address strobe belongs to the transaction before.
+    // A strobe already asserted before the address strobe belongs to the previous transaction.
     if (!before_.data) {
         waiting_ = true;
         waited_ = 0;

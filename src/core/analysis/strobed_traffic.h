@@ -9,14 +9,14 @@
 
 namespace busquill {
 
-/// What is known of the transaction under way.
+/// The transaction in progress.
 struct StrobedTransaction {
     Transaction sum;
     bool strobed = false;    // there was a data strobe
     bool addressDue = false; // the next answered strobe carries an address
 };
 
-/// A bus without a clock: an address strobe holds a transaction open, and in it each data strobe is
+/// A bus without a clock: an address strobe frames a transaction, in which each data strobe is
 /// answered by an acknowledge or an error.
 ///
 ///   address strobe  ~~\___________________________/~~
@@ -36,12 +36,12 @@ protected:
 
     StrobedTraffic(const SignalTables& tables, const Names& names);
 
-    /// The command that the lines tell at the address strobe.
+    /// The command on the lines at the address strobe.
     [[nodiscard]] virtual std::uint32_t CommandAt(const SampleRecord& record) const = 0;
-    /// The same, once the first data strobe is there too.
+    /// The same at the first data strobe.
     [[nodiscard]] virtual std::uint32_t CommandAtStrobe(std::uint32_t command,
                                                         const SampleRecord& record) const = 0;
-    /// The first strobe that is acknowledged carries an address, not data.
+    /// Whether the first acknowledged strobe carries an address, not data.
     [[nodiscard]] virtual bool FirstStrobeIsAddress(std::uint32_t command) const = 0;
     [[nodiscard]] virtual bool CarriesData(std::uint32_t command) const = 0;
     [[nodiscard]] virtual std::uint32_t BytesOf(std::uint32_t command,
@@ -53,7 +53,7 @@ protected:
     SignalLine dataStrobes_;
 
 private:
-    /// What is asserted.
+    /// Which lines are asserted.
     struct Lines {
         bool address = false;
         bool data = false;
@@ -71,7 +71,7 @@ private:
 
     TransactionTally tally_;
     std::optional<StrobedTransaction> open_;
-    /// Of the sample before. Ahead of the first, anything may be under way.
+    /// Of the previous sample. Before the first one, any transaction may be in progress.
     Lines before_{true, true, true, true};
     bool waiting_ = false; // for the answer to a strobe of the open transaction
     std::int64_t waited_ = 0;

@@ -11,8 +11,8 @@ namespace busquill {
 
 namespace {
 
-/// The definition, if no other signal has its bit: on VME the anomaly of a pattern lies on the
-/// clock, and a sample holds the clock there.
+/// The definition, if no other signal has its bit: on VME, the anomaly bit exists only in patterns;
+/// in a sample that bit is the clock.
 std::shared_ptr<const CBusSignalDef> UnsharedLine(const SignalTables& tables,
                                                   std::string_view name) {
     const auto def = tables.busSignals.FindByName(name);
@@ -49,7 +49,7 @@ void TraceStats::Add(std::span<const SampleRecord> records) {
 }
 
 void TraceStats::AddSample(const SampleRecord& record) {
-    // What lies before the first sample is not part of the capture.
+    // The time before the first sample is not part of the capture.
     const std::int64_t elapsed = samples_ == 0 || !sampleTime_ ? 0 : sampleTime_->Of(record);
     time_ = AddTimes(time_, elapsed);
     idleTime_ = AddTimes(idleTime_, idle_ ? elapsed : 0);
@@ -77,7 +77,7 @@ void TraceStats::AddFinding(const SampleRecord& record) {
 
 std::vector<FindingCount> TraceStats::Findings() const {
     std::vector<FindingCount> found;
-    // Code 0 is no finding.
+    // Code 0 means no finding.
     for (std::uint32_t code = 1; code < findings_.size(); ++code) {
         const Finding& finding = findings_[code];
         if (finding.count == 0) {

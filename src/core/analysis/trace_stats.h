@@ -16,9 +16,9 @@ namespace busquill {
 
 class BusTraffic;
 
-/// Adds up a capture's traffic. Samples are given in order, in pieces of any size; the result does
-/// not depend on how they are cut. A transaction that began before the first sample counts for
-/// nothing but time. Knows no thread.
+/// Adds up a capture's traffic. Samples are added in order, in pieces of any size, which do not
+/// affect the result. A transaction that began before the first sample counts only for times. One
+/// thread at a time.
 class TraceStats {
 public:
     TraceStats(const BoardTraits& board, const SignalTables& tables);
@@ -27,7 +27,7 @@ public:
     TraceStats& operator=(TraceStats&&) noexcept;
 
     void Add(std::span<const SampleRecord> records);
-    /// Of all samples so far; more may be added afterwards.
+    /// The summary of all samples so far; more may be added afterwards.
     [[nodiscard]] TraceSummary Summary() const;
 
 private:
@@ -41,8 +41,8 @@ private:
     [[nodiscard]] std::vector<FindingCount> Findings() const;
 
     std::optional<SampleTime> sampleTime_;
-    std::optional<RecordField> ruleCheck_;         // nothing: the board checks no rules
-    std::shared_ptr<const CBusSignalDef> anomaly_; // null: samples do not tell
+    std::optional<RecordField> ruleCheck_;         // nothing: the board does not check rules
+    std::shared_ptr<const CBusSignalDef> anomaly_; // null: not recorded in samples
     std::shared_ptr<const CDecodedSignalDef> ruleLabels_;
     std::unique_ptr<BusTraffic> traffic_; // null: pins without a protocol
 
@@ -50,7 +50,7 @@ private:
     std::uint64_t idleSamples_ = 0;
     std::int64_t time_ = 0;
     std::int64_t idleTime_ = 0;
-    bool idle_ = false; // the sample before
+    bool idle_ = false; // of the previous sample
     std::uint64_t anomalies_ = 0;
     std::array<Finding, 256> findings_{}; // by code
 };

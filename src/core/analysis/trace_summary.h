@@ -11,10 +11,10 @@ namespace busquill {
 
 /// The transactions of one command.
 struct CommandCount {
-    /// As the listing prints it; of a command that the table does not know, its code.
+    /// As in the listing; the code of a command that the table does not have.
     std::string label;
     std::uint64_t transactions = 0;
-    std::uint64_t dataPhases = 0; // transfers, on a bus without a clock
+    std::uint64_t dataPhases = 0; // on a bus without a clock: transfers
     std::uint64_t bytes = 0;
 
     friend bool operator==(const CommandCount&, const CommandCount&) = default;
@@ -29,7 +29,7 @@ struct FindingCount {
     friend bool operator==(const FindingCount&, const FindingCount&) = default;
 };
 
-/// Clocks behind the address phase in which a side was not ready.
+/// Clocks after the address phase in which a side was not ready.
 struct WaitStates {
     std::uint64_t initiator = 0;
     std::uint64_t target = 0;
@@ -49,25 +49,25 @@ struct TraceSummary {
     std::uint64_t samples = 0;
     std::uint64_t idleSamples = 0;
     std::int64_t time = 0;     // ns, from the first sample to the last
-    std::int64_t idleTime = 0; // ns, from idle samples to the sample behind them
+    std::int64_t idleTime = 0; // ns, from each idle sample to the next sample
 
-    /// In the order of the table, without those that do not occur.
+    /// In the order of the table; only commands that occur.
     std::vector<CommandCount> commands;
-    /// From data phases in a transaction to the number of such transactions.
+    /// The number of transactions by their number of data phases.
     std::map<std::uint64_t, std::uint64_t> burstLengths;
     std::uint64_t bytes = 0;
-    /// Transactions under way at the last sample: 0 or 1. Counted above with what they have.
+    /// Transactions in progress at the last sample: 0 or 1. Included above as far as they went.
     std::uint64_t unfinished = 0;
 
-    // How transactions ended, other than well.
+    // How transactions ended, other than normally.
     std::uint64_t retries = 0;
     std::uint64_t disconnects = 0;
     std::uint64_t targetAborts = 0;
     std::uint64_t masterAborts = 0;
-    std::uint64_t splitResponses = 0; // PCI-X: the answer comes in a transaction of its own
+    std::uint64_t splitResponses = 0; // PCI-X: the data come in a separate transaction
     std::uint64_t busErrors = 0;
 
-    // Empty on a bus that has no such thing.
+    // Empty where the bus does not have them.
     std::optional<WaitStates> waitStates;
     std::optional<AcknowledgeTime> acknowledgeTime;
     std::optional<std::uint64_t> anomalies;            // samples

@@ -11,14 +11,14 @@
 
 namespace busquill {
 
-/// A transaction, or many of one command added up.
+/// A transaction, or the sum of several with the same command.
 struct Transaction {
-    std::uint32_t command = 0; // a number of the bus's own
+    std::uint32_t command = 0; // a code specific to the bus
     std::uint64_t dataPhases = 0;
     std::uint64_t bytes = 0;
 };
 
-/// What a command is called, and its place among the others.
+/// The name of a command, and its position in the order of commands.
 struct CommandName {
     std::size_t place = 0;
     std::string label;
@@ -32,7 +32,7 @@ struct CommandName {
 class TransactionTally {
 public:
     void Add(const Transaction& transaction);
-    /// Fills in commands, lengths and bytes; commands of one name count as one.
+    /// Fills in commands, lengths and bytes; commands with the same name are added up.
     void Report(TraceSummary& summary,
                 const std::function<CommandName(std::uint32_t)>& nameOf) const;
 

@@ -10,7 +10,7 @@
 namespace busquill {
 
 struct ValueLabel {
-    std::size_t row = 0; // of the first value that bears the label
+    std::size_t row = 0; // of the first value with that label
     std::string text;
 };
 

@@ -24,7 +24,7 @@ bool IsWideBlock(std::uint32_t modifier) {
     return IsOneOf(modifier, {0x00, 0x08, 0x0C, 0x38, 0x3C});
 }
 
-/// Addresses that take the data lines too, and so a strobe of their own.
+/// Addresses that also use the data lines, and so have their own strobe.
 bool IsWideAddress(std::uint32_t modifier) {
     return IsOneOf(modifier, {0x00, 0x01, 0x03, 0x34, 0x37});
 }
@@ -52,11 +52,11 @@ public:
 
 private:
     std::uint32_t CommandAt(const SampleRecord& record) const override {
-        // Of an interrupt's acknowledge neither modifier nor direction is a part of the command.
+        // For an interrupt acknowledge, neither modifier nor direction is part of the command.
         return interrupt_.IsAsserted(record) ? interruptBit
                                              : CommandAtStrobe(modifier_.Value(record), record);
     }
-    /// The direction need not be there before the data strobe.
+    /// The direction need not be valid before the data strobe.
     std::uint32_t CommandAtStrobe(std::uint32_t command,
                                   const SampleRecord& record) const override {
         if ((command & interruptBit) != 0) {
@@ -85,7 +85,7 @@ private:
             return 3; // unaligned
         }
         const bool a1 = record.Bit(address_.DataIndex() + 1);
-        return a1 ? 2 : 4; // the two bytes in the middle, or all
+        return a1 ? 2 : 4; // the two middle bytes, or all
     }
 
     void TakeError(const SampleRecord& record) override {
@@ -101,10 +101,10 @@ private:
         const auto label = FindLabel(*modifiers_, modifier);
         const std::string text = label ? label->text : Printf("AM %02X", modifier);
         const std::size_t row = label ? label->row : modifiers_->values.size() + modifier;
-        return {row, text + (read ? " Rd" : " Wr")}; // reads first, by their label
+        return {row, text + (read ? " Rd" : " Wr")}; // the label of reads comes first
     }
 
-    /// The table's, if its commands look at the line at all.
+    /// The table's label, if its commands use the line at all.
     [[nodiscard]] std::string InterruptLabel() const {
         const std::vector<int> positions = commands_->Positions();
         const auto at = std::find(positions.begin(), positions.end(), interrupt_.DataIndex());

@@ -7,11 +7,11 @@ Analyzer::Analyzer(const Machine& machine)
       link_({machine.settings, machine.prompts, machine.clock, machine.mainThread,
              machine.openSerial, machine.usb}),
       tables_([this] { return link_.Traits(); }, machine.directory) {
-    // In Demo Mode the bus mode alone decides which signals there are.
+    // In Demo Mode the bus mode alone determines the signals.
     link_.SetFamilyListener([this] { tables_.Load(); });
 }
 
-// The monitor of a capture uses the link, so it ends before the link does.
+// A capture's monitor thread uses the link, so it must end before the link is destroyed.
 Analyzer::~Analyzer() {
     capture_.ShutDown();
 }

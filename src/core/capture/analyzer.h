@@ -11,13 +11,13 @@
 
 namespace busquill {
 
-/// A board as a program knows it: its capture, the link to it and the tables of its signals. This
-/// is the one place that puts them together. Main thread.
+/// A board: its capture, the link to it and the tables of its signals. Only this class puts them
+/// together. Main thread.
 ///
-/// Documents and windows of the board go before it.
+/// Documents and windows of the board are destroyed before it.
 class Analyzer {
 public:
-    /// What they ask of the machine. All but the directory, which is copied, outlive the analyzer.
+    /// Services that they use. All outlive the analyzer, except the directory, which is copied.
     struct Machine {
         MainThread& mainThread;
         Prompts& prompts;
@@ -26,7 +26,7 @@ public:
         UsbBus& usb;
         /// Opens a device path; null when it cannot be opened.
         std::function<std::unique_ptr<SerialPort>(const std::string& device)> openSerial;
-        WorkingDirectory directory; // of the colour files
+        WorkingDirectory directory; // holds the colour files
     };
 
     /// Nothing is connected yet, and the tables are empty.
@@ -40,10 +40,10 @@ public:
     [[nodiscard]] SignalTables& Tables() noexcept { return tables_; }
 
 private:
-    // In the order of their lives, so that ends come in reverse.
-    BoardCapture capture_; // the link's thread may be completing a block for it
+    // In the order of construction; destruction is in reverse.
+    BoardCapture capture_; // outlives the link, whose thread may be completing a block for it
     CAnalyzerLink link_;
-    SignalTables tables_; // which ask the link what the board is
+    SignalTables tables_; // asks the link for the board
 };
 
 } // namespace busquill

@@ -21,7 +21,7 @@ BoardCapture::~BoardCapture() {
 }
 
 void BoardCapture::StartCapture() {
-    EndMonitor(); // which may be about to begin an upload
+    EndMonitor(); // the monitor may be about to begin an upload
     upload.CancelUpload();
     store.ForgetTrigger();
     {
@@ -35,28 +35,28 @@ void BoardCapture::StartCapture() {
     monitorEnds_ = false;
     monitorDone_ = false;
     monitor_ = std::thread([this] {
-        bool firstLook = true;
+        bool firstPoll = true;
         while (running_ && !monitorEnds_) {
-            Monitor(firstLook);
+            Monitor(firstPoll);
         }
         monitorDone_ = true;
         mainThread_.Wake();
     });
 }
 
-/// One look at the board.
-void BoardCapture::Monitor(bool& firstLook) {
+/// Polls the board once.
+void BoardCapture::Monitor(bool& firstPoll) {
     if (link_.CommLost()) {
         running_ = false;
         return;
     }
-    // A board that does not answer keeps a poll for seconds; a second one in the queue is no use.
-    if (firstLook || link_.IsIdle()) {
+    // A board that does not answer blocks a poll for seconds; queueing a second one is useless.
+    if (firstPoll || link_.IsIdle()) {
         link_.PollLiveStatus();
     }
-    if (firstLook) {
+    if (firstPoll) {
         link_.WaitIdle();
-        firstLook = false;
+        firstPoll = false;
     }
     std::int32_t before = 0;
     std::int32_t after = 0;
@@ -79,7 +79,7 @@ void BoardCapture::StopCapture() {
     running_ = false;
 }
 
-// The monitor may be waiting for the link, and the link for a box to be answered.
+// The monitor may be waiting for the link, and the link for the answer to a box.
 void BoardCapture::EndMonitor() {
     if (!monitor_.joinable()) {
         return;

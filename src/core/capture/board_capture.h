@@ -12,15 +12,16 @@ class CAnalyzerLink;
 class MainThread;
 class Prompts;
 
-/// The board's one capture, which goes on while no document shows it.
+/// The board's capture, which continues while no document shows it.
 ///
-///   StartCapture: monitor thread, a look at the board every 200 ms
+///   StartCapture: monitor thread, polls the board every 200 ms
 ///       |  buffer full, inactive, or StopCapture
 ///       v
 ///   BeginUpload
 ///
-/// StartCapture and ShutDown belong to the main thread, all others to any. The capture outlives the
-/// link, and the link the capture's monitor: ShutDown, then the link goes, then the capture.
+/// StartCapture and ShutDown are called on the main thread, all others on any. The capture outlives
+/// the link, and the link the capture's monitor: call ShutDown, then destroy the link, then the
+/// capture.
 class BoardCapture {
 public:
     BoardCapture(CAnalyzerLink& link, MainThread& mainThread, Prompts& prompts);
@@ -28,25 +29,25 @@ public:
     BoardCapture(const BoardCapture&) = delete;
     BoardCapture& operator=(const BoardCapture&) = delete;
 
-    /// Ends an upload under way, starts the board and the thread that watches it.
+    /// Cancels an upload in progress, starts the board and its monitor thread.
     void StartCapture();
-    /// Stops the board and, once for each capture, begins the upload.
+    /// Stops the board and begins the upload, once for each capture.
     void StopCapture();
     [[nodiscard]] bool IsRunning() const noexcept { return running_; }
-    /// Ends the monitor thread. The board goes on with its capture.
+    /// Ends the monitor thread. The board continues its capture.
     void ShutDown();
 
     CSampleStore store;
     SampleUpload upload;
 
 private:
-    void Monitor(bool& firstLook);
+    void Monitor(bool& firstPoll);
     void EndMonitor();
 
     CAnalyzerLink& link_;
     MainThread& mainThread_;
 
-    Mutex stopLock_; // taken before the upload's; the buffer may fill as the user stops
+    Mutex stopLock_; // taken before the upload's; the buffer may fill just as the user stops
     bool uploadBegun_ BUSQUILL_GUARDED_BY(stopLock_) = false; // of this capture
 
     std::atomic<bool> running_ = false;

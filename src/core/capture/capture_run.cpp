@@ -8,7 +8,7 @@ namespace busquill {
 
 namespace {
 
-constexpr std::chrono::milliseconds lookPeriod(200);
+constexpr std::chrono::milliseconds pollPeriod(200);
 
 } // namespace
 
@@ -47,7 +47,7 @@ std::int64_t TriggerSampleOf(const TraceSetup& setup, std::int64_t total) noexce
 
 CaptureRun::CaptureRun(Parts parts, BoardCapture& capture, CaptureObserver& observer)
     : BoardRun(std::move(parts)), capture_(capture), observer_(observer) {
-    LookEvery(lookPeriod);
+    PollEvery(pollPeriod);
 }
 
 void CaptureRun::Go(TraceSetup& setup, const std::string& path) {
@@ -71,7 +71,7 @@ void CaptureRun::Stop() {
     }
 }
 
-void CaptureRun::Look() {
+void CaptureRun::Poll() {
     const std::uint8_t status = Link().GetLiveStatus(state_.before, state_.after);
     state_.occurrences = Link().GetEventOccurrences();
     state_.level = status & liveLevelMask;
@@ -86,7 +86,7 @@ void CaptureRun::Look() {
             observer_.OnCaptureStopped();
         }
     }
-    observer_.OnLook(state_);
+    observer_.OnPolled(state_);
 }
 
 } // namespace busquill

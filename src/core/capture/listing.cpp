@@ -19,7 +19,7 @@ TraceListing::TraceListing(CSignalList& list, Capture capture)
 }
 
 std::size_t TraceListing::WidthOf(const CSignal& column) {
-    constexpr std::size_t longestTime = 10; // but for hours, which shift their row
+    constexpr std::size_t longestTime = 10; // longer times, in hours, shift their row
     const bool isTime = column.decoded && (column.decoded->decodeKind == DecodeKind::Time ||
                                            column.decoded->decodeKind == DecodeKind::Accum);
     const std::size_t digits = isTime           ? longestTime
@@ -40,7 +40,7 @@ void TraceListing::Load(const SampleRows& rows) {
         time_.Add(rows.records[i]);
         sums_.push_back(time_.Sum());
         if (rows.numbers[i] == capture_.first) {
-            sumAbove_ = time_.Sum(); // the first row counts from the first place
+            sumAbove_ = time_.Sum(); // the first row counts from the first sample
         }
     }
 }

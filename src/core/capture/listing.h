@@ -12,32 +12,33 @@
 
 namespace busquill {
 
-/// The listing of a capture as text, cell for cell as the State window shows it when its first row
-/// is the first that is asked for. Samples are given in pieces, and rows asked for in order.
+/// The listing of a capture as text, with the same cells as in the State window if that begins with
+/// the first row requested here. Samples are loaded in pieces; rows are requested in order.
 class TraceListing {
 public:
     struct Capture {
         BoardTraits board;
         bool zoom = false;
         bool hasGaps = false;   // samples of its range are missing
-        std::int64_t first = 0; // number of the sample in the first place
+        std::int64_t first = 0; // number of the first sample
         std::int64_t trigger = 0;
-        std::int64_t timeToTrigger = 0; // the sum of TIME from the first place up to it
+        std::int64_t timeToTrigger = 0; // the sum of TIME from the first sample to the trigger
     };
 
-    /// The list's signals are filled with each piece; it must outlive the listing.
+    /// Each piece is unpacked into the list's signals; the list outlives the listing.
     TraceListing(CSignalList& list, Capture capture);
 
-    /// The signals that take a column, in their order.
+    /// The signals that have a column, in order.
     [[nodiscard]] const std::vector<const CSignal*>& Columns() const noexcept { return columns_; }
-    /// Whether a column holds times, which are short where samples are missing.
+    /// Whether a column shows times, which are too short where samples are missing.
     [[nodiscard]] bool ShowsTime() const noexcept { return showsTime_ || showsAccum_; }
-    /// Characters that a column takes: its title or its values.
+    /// Width of a column in characters, the wider of its title and its values.
     [[nodiscard]] static std::size_t WidthOf(const CSignal& column);
 
-    /// The next samples, which must live until the next call. Rows of the piece before are gone.
+    /// Loads the next samples, which must live until the next call. Rows of the piece before are
+    /// lost.
     void Load(const SampleRows& rows);
-    /// The texts of a row of the piece, without its number.
+    /// The texts of a row of the current piece, without its number.
     void Cells(std::size_t row, std::vector<std::string>& cells);
 
 private:
@@ -50,7 +51,7 @@ private:
     bool showsTime_ = false;
     bool showsAccum_ = false;
     const SampleRows* rows_ = nullptr;
-    bool unpacked_ = false;          // the piece, into the list
+    bool unpacked_ = false;          // whether the piece is in the list
     std::vector<std::int64_t> sums_; // of TIME, up to each row of the piece
     std::int64_t sumAbove_ = 0;      // up to the row that was listed last
 };

@@ -14,8 +14,8 @@ namespace {
 
 using Words = std::array<std::uint64_t, 3>;
 
-/// The processor foresees a walk upward by itself; that of a backward search it does not.
-void FetchAhead(std::span<const SampleRecord> records, std::size_t before) noexcept {
+/// Prefetches records for a backward search; hardware prefetch follows forward walks only.
+void Prefetch(std::span<const SampleRecord> records, std::size_t before) noexcept {
     constexpr std::size_t line = 64;
     constexpr std::size_t ahead = 8 * RecordPattern::blockSize;
     if (before >= ahead) {
@@ -134,7 +134,7 @@ std::optional<std::int64_t> FindBackward(std::span<const SampleRecord> records,
     while (end > 1) {
         const std::size_t first =
             end > RecordPattern::blockSize ? end - RecordPattern::blockSize : 1;
-        FetchAhead(records, first);
+        Prefetch(records, first);
         const std::uint32_t matches = pattern.MatchesOf(records.subspan(first, end - first));
         if (matches != 0) {
             return static_cast<std::int64_t>(first) + std::bit_width(matches) - 1;

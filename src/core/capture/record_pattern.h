@@ -1,4 +1,4 @@
-/// Finding samples by pattern in the records of a capture.
+/// Finds samples by pattern in the records of a capture.
 #pragma once
 
 #include "signals/signal.h"
@@ -13,11 +13,11 @@ namespace busquill {
 
 class CSignalList;
 
-/// What a sample is compared with: the bits of one record and those of them that count.
+/// What samples are compared with: the bits of a record, and which of them are compared.
 class RecordPattern {
 public:
-    /// From the first column of a pattern list. Bits of the record past the first 120 are never
-    /// compared, since the board compares no more.
+    /// Takes the first column of a pattern list. Bits of the record past the first 120 are never
+    /// compared, since the board cannot compare them either.
     explicit RecordPattern(const CSignalList& list);
     RecordPattern(const SampleRecord& value, const SampleRecord& care);
 
@@ -32,7 +32,7 @@ private:
     template <bool Low, bool High, bool Top>
     [[nodiscard]] std::uint32_t MatchesBy(std::span<const SampleRecord> records) const noexcept;
 
-    // The first and the second eight bytes of a record, and the two after them.
+    // Bytes 0 to 7, 8 to 15, and 16 and 17 of the record.
     std::array<std::uint64_t, 3> value_{};
     std::array<std::uint64_t, 3> care_{};
 };
@@ -41,13 +41,13 @@ private:
 [[nodiscard]] std::optional<std::int64_t> FindForward(std::span<const SampleRecord> records,
                                                       const RecordPattern& pattern,
                                                       std::int64_t start) noexcept;
-/// The last match at or before `start`. Sample 0 is not looked at, which users know.
+/// The last match at or before `start`. Sample 0 is never found; users are used to that.
 [[nodiscard]] std::optional<std::int64_t> FindBackward(std::span<const SampleRecord> records,
                                                        const RecordPattern& pattern,
                                                        std::int64_t start) noexcept;
 
-/// The matching samples in ascending order, and a bit for each record that is set for those. Sets
-/// bits of `excluded` are left out; empty means none.
+/// Sets `samples` to the matching samples in ascending order, and the bits of these samples in
+/// `bits`. Samples whose bit in `excluded` is set are left out; it may be empty.
 void FindAll(std::span<const SampleRecord> records, const RecordPattern& pattern,
              std::span<const std::uint32_t> excluded, std::vector<std::uint32_t>& samples,
              std::vector<std::uint32_t>& bits);

@@ -9,15 +9,15 @@ namespace busquill {
 class RecordPattern;
 struct SampleRecord;
 
-/// Which sample a row of a listing shows, and the other way round: the samples that a file holds
-/// and a filter lets through.
+/// Maps rows of a listing to samples and back. Rows exist for the samples that a file holds and a
+/// filter passes.
 class RowMap {
 public:
-    /// So many samples, the first of that number, a row for each but the excluded ones: a bit for
-    /// each sample, empty for none.
+    /// Sets up `samples` samples, numbered from `firstNumber`, with a row for each except those
+    /// whose bit in `excluded` is set; it may be empty.
     void Reset(std::int64_t samples, std::int64_t firstNumber,
                std::span<const std::uint32_t> excluded);
-    /// Keeps the rows of the samples that match. Not more records than samples.
+    /// Keeps the rows of the samples that match. There must not be more records than samples.
     void Filter(std::span<const SampleRecord> records, const RecordPattern& pattern,
                 std::span<const std::uint32_t> excluded);
 
@@ -26,9 +26,9 @@ public:
     }
     [[nodiscard]] std::int64_t SampleCount() const noexcept { return sampleCount_; }
     [[nodiscard]] std::int64_t FirstSampleNumber() const noexcept { return firstSampleNumber_; }
-    /// -1 for a row outside; 0 when there are no rows at all.
+    /// -1 for a row out of range; 0 when there are no rows at all.
     [[nodiscard]] std::int64_t RowToSample(std::int64_t row) const noexcept;
-    /// For a sample without a row that of the last one before it, or 0.
+    /// For a sample without a row, the row of the last sample before it that has one, or 0.
     [[nodiscard]] std::int64_t SampleToRow(std::int64_t sample) const noexcept;
     [[nodiscard]] bool IsRowSample(std::int64_t sample) const noexcept;
 

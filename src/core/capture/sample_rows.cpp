@@ -35,7 +35,7 @@ private:
 
 #if defined(__SSE2__)
 
-/// What the first 96 bytes of a row are, a bit for each.
+/// The kinds of the first 96 bytes of a row, a bit for each byte.
 struct RowMasks {
     std::uint64_t commas[2] = {};
     std::uint64_t feeds[2] = {};
@@ -52,7 +52,7 @@ RowMasks MasksOf(const char* text) noexcept {
             return static_cast<std::uint64_t>(static_cast<unsigned>(_mm_movemask_epi8(found)));
         };
         const std::uint64_t comma = bits(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(',')));
-        // Bytes above 127 are negative, so they are no digits either.
+        // Bytes above 127 are negative, so they do not count as digits.
         const std::uint64_t digit = bits(_mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('/')),
                                                        _mm_cmplt_epi8(bytes, _mm_set1_epi8(':'))));
         const int half = piece / 4;
@@ -64,18 +64,19 @@ RowMasks MasksOf(const char* text) noexcept {
     return masks;
 }
 
-/// A record's byte, of one to three digits that end before `end`; what is above 255 is cut off.
+/// A byte of the record from one to three digits that end before `end`; values above 255 wrap.
 std::uint8_t ByteBefore(const char* end, unsigned digits) noexcept {
     constexpr std::uint32_t kept[4] = {0, 0x0F000000, 0x0F0F0000, 0x0F0F0F00};
     std::uint32_t word = 0;
     std::memcpy(&word, end - sizeof word, sizeof word);
     word &= kept[digits];
-    constexpr std::uint32_t weights = 1U | 10U << 8 | 100U << 16; // of the last digit and so on
+    constexpr std::uint32_t weights =
+        1U | 10U << 8 | 100U << 16; // of the last digit, the one before it, and so on
     return static_cast<std::uint8_t>((word * weights) >> 24);
 }
 
-/// A row at the beginning of `text`, which has `length` bytes; returns its bytes with the line end,
-/// or 0 when it is not plain.
+/// Parses a row at the beginning of `text`, which has `length` bytes. Returns the length of the row
+/// with its line end, or 0 when it is not plain.
 std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& rows) {
     RowMasks masks = MasksOf(text);
     const bool endsEarly = masks.feeds[0] != 0;
@@ -94,7 +95,7 @@ std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& ro
         (masks.others[1] & inRow[1]) != 0) {
         return 0;
     }
-    std::array<unsigned, rowFields + 96> ends; // of the fields; more than there can be
+    std::array<unsigned, rowFields + 96> ends; // of the fields; enough for any row
     std::size_t fields = 0;
     for (const std::size_t comma : EachSetBit(masks.commas[0] & inRow[0])) {
         ends[fields++] = static_cast<unsigned>(comma);
@@ -104,7 +105,7 @@ std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& ro
     }
     ends[fields++] = end;
     const unsigned digits = ends[0] - (negative ? 1U : 0U);
-    // The first byte is read by the four characters that end with it.
+    // ByteBefore reads the four characters up to the field's end.
     if (fields != rowFields || digits - 1 >= maxNumberDigits || ends[1] < sizeof(std::uint32_t)) {
         return 0;
     }
@@ -150,7 +151,7 @@ std::size_t ParsePlainRows(std::string_view text, std::size_t limit, SampleRows&
 }
 
 std::size_t SkipAscendingRows(std::string_view text, std::int64_t& last) noexcept {
-    text = text.substr(0, text.find('"')); // which may carry a value over the end of a line
+    text = text.substr(0, text.find('"')); // a quoted value may span lines
     std::size_t taken = 0;
     while (taken < text.size()) {
         std::size_t at = taken;

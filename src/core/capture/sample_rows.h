@@ -10,7 +10,7 @@
 
 namespace busquill {
 
-/// Rows as they stand in a file, numbers and records in step.
+/// Rows as they are in a file; numbers[i] belongs to records[i].
 struct SampleRows {
     std::vector<std::int32_t> numbers;
     std::vector<SampleRecord> records;
@@ -27,23 +27,23 @@ struct SampleRows {
     }
 };
 
-/// The fast way for what nearly every line of a trace is: nothing but numbers and commas, as many
-/// as a row has. Takes rows from the beginning of `text`, until there are `limit` rows in all or
-/// until something else comes, the piece of a line included. Returns how many bytes it took. As
-/// many bytes as `TextReader::readable` behind the text must be readable.
+/// Fast parser for plain rows: nothing but the right number of decimal numbers and commas, like
+/// nearly all lines of a trace. Parses rows from the beginning of `text` until there are `limit`
+/// rows in all or until anything else, such as an incomplete line. Returns the number of bytes
+/// parsed. `TextReader::readable` bytes after the text must be readable.
 [[nodiscard]] std::size_t ParsePlainRows(std::string_view text, std::size_t limit,
                                          SampleRows& rows);
 
-/// Takes whole rows that ascend from the beginning of `text`, and looks at their numbers only;
-/// `last` is the number of the row before, and becomes that of the last one taken. Stops where
-/// anything else comes. Returns how many bytes it took.
+/// Skips complete rows with ascending numbers at the beginning of `text`, parsing only the numbers.
+/// `last` is the number of the row before and becomes that of the last row skipped. Stops at
+/// anything else. Returns the number of bytes skipped.
 [[nodiscard]] std::size_t SkipAscendingRows(std::string_view text, std::int64_t& last) noexcept;
 
-/// As ParsePlainRows for one line without its end, a byte at a time. False when the line is
-/// anything else.
+/// Like ParsePlainRows for one line without its end, byte by byte. False when the line is not a
+/// plain row.
 [[nodiscard]] bool ParsePlainRow(std::string_view line, SampleRows& rows);
 
-/// The same for the fields of any line: numbers as the C library reads them.
+/// The same for the fields of any line, with numbers parsed as by the C library.
 [[nodiscard]] bool ParseRow(const std::vector<std::string>& fields, SampleRows& rows);
 
 /// Appends a row with its line end.

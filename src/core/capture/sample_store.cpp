@@ -18,7 +18,7 @@ std::optional<SampleCounts> CountsOfRange(std::int64_t first, std::int64_t last)
     return SampleCounts{0, static_cast<std::int32_t>(count)};
 }
 
-// What is there.
+// Queries.
 
 std::uint32_t CSampleStore::GetCount(bool zoom) const {
     const MutexLock lock(storeLock_);
@@ -97,7 +97,7 @@ std::int32_t CSampleStore::FirstNumber() const {
     return firstNumber_;
 }
 
-// Filling it.
+// Filling the store.
 
 void CSampleStore::Allocate(std::size_t count) {
     samples_.Reset(count);
@@ -146,7 +146,7 @@ void CSampleStore::ForgetTrigger() {
 
 bool CSampleStore::AllocateForFile(std::int64_t first, std::int64_t last) {
     const MutexLock lock(storeLock_);
-    Allocate(0); // Power Zoom samples may have come before
+    Allocate(0); // Power Zoom samples may have arrived before
     const auto counts = CountsOfRange(first, last);
     if (!counts) {
         return false;

@@ -12,10 +12,10 @@
 
 namespace busquill {
 
-constexpr std::uint32_t zoomSampleCount = 511; // 255 before the trigger, then 256 from it on
+constexpr std::uint32_t zoomSampleCount = 511; // 255 before the trigger, 256 from it on
 constexpr std::uint32_t zoomSamplesBefore = 255;
 constexpr std::uint32_t blockSamples = 32;
-/// The board counts samples in 24 bits on each side of the trigger; no file can hold more.
+/// The board counts samples in 24 bits on each side of the trigger, so files cannot hold more.
 constexpr std::int64_t maxSamples = std::int64_t{2} << 24;
 
 /// Samples on the two sides of the trigger.
@@ -23,7 +23,7 @@ struct SampleCounts {
     std::int32_t before = 0;
     std::int32_t after = 0;
 };
-/// As a file's range of sample numbers tells them; nothing when no capture has so many samples.
+/// The counts for a file's range of sample numbers; nothing when no capture can have that range.
 [[nodiscard]] std::optional<SampleCounts> CountsOfRange(std::int64_t first,
                                                         std::int64_t last) noexcept;
 /// The index at which the trigger is marked.
@@ -43,11 +43,13 @@ public:
     [[nodiscard]] std::uint32_t GetCount(bool zoom) const;
     /// The record at an index, arrived or not; nothing past the end.
     [[nodiscard]] std::optional<SampleRecord> GetSample(std::uint32_t index) const;
-    /// The records where they lie; empty when there are none. They stay there until the store is
-    /// filled anew or freed; those that have arrived do not change. The main thread alone frees a
-    /// store or begins a capture that does, so it may hold on to them in between.
+    /// The records where they lie; empty when there are none. They are valid until the store is
+    /// filled again or freed; those that have arrived do not change. Only the main thread frees a
+    /// store or begins a capture, which frees it too, so the main thread may keep the span in
+    /// between.
     [[nodiscard]] std::span<const SampleRecord> GetData(bool zoom) const;
-    /// Copies the samples from an index on, as far as they have arrived, and returns their number.
+    /// Copies the samples from `first` on, up to the first that has not arrived, and returns their
+    /// number.
     [[nodiscard]] std::size_t CopySamples(std::uint32_t first, std::span<SampleRecord> into) const;
     /// A copy of all records, those that have not arrived as zeros.
     [[nodiscard]] std::vector<SampleRecord> AllSamples(bool zoom) const;
@@ -56,7 +58,7 @@ public:
     /// The first sample of the first block that has not arrived; nothing when all have.
     [[nodiscard]] std::optional<std::uint32_t> FirstMissing() const;
     [[nodiscard]] bool HasZoom() const;
-    /// How many Power Zoom samples have arrived, from the first on.
+    /// Number of Power Zoom samples that have arrived, counted from the first.
     [[nodiscard]] std::uint32_t ZoomArrived() const;
     [[nodiscard]] std::optional<SampleRecord> GetZoomSample(std::uint32_t index) const;
     [[nodiscard]] std::int32_t SamplesBefore() const;
@@ -64,21 +66,21 @@ public:
     /// The number of sample index 0, for file data.
     [[nodiscard]] std::int32_t FirstNumber() const;
 
-    // From the board.
+    // Filling from the board.
 
-    /// Makes room for a capture with so many samples around its trigger sample.
+    /// Makes room for a capture with `counts` samples around its trigger.
     void AllocateForUpload(const SampleCounts& counts);
-    /// Takes the samples of a block, and returns them where they lie. A block that has arrived
-    /// before stays as it is, since somebody may be reading it.
+    /// Stores the samples of a block, and returns the stored samples. A block that has already
+    /// arrived is not overwritten, since it may be being read.
     std::span<const SampleRecord> PutBlock(std::uint32_t first,
                                            std::span<const SampleRecord> records);
-    /// Takes the Power Zoom samples that follow those that have arrived; the same otherwise.
+    /// The same for the Power Zoom samples that follow those that have arrived.
     std::span<const SampleRecord> PutZoomPart(std::span<const SampleRecord> records);
-    /// Forgets the Power Zoom samples and where the trigger lies; the samples stay to be read until
-    /// the next upload.
+    /// Forgets the Power Zoom samples and the trigger; the samples can be read until the next
+    /// upload.
     void ForgetTrigger();
 
-    // From a file.
+    // Filling from a file.
 
     /// Sizes the store for a file's range of sample numbers. False when the range is larger than
     /// any capture; the store is then empty.

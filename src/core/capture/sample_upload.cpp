@@ -26,7 +26,7 @@ SampleUpload::SampleUpload(CAnalyzerLink& link, MainThread& mainThread, Prompts&
 void SampleUpload::BeginUpload() {
     const bool hasBoard = !link_.IsDemoMode() && !link_.IsBoardGone();
     if (hasBoard) {
-        link_.PollLiveStatus(); // the counts of a board that has stopped
+        link_.PollLiveStatus(); // for the final counts
         link_.WaitIdle();
     }
     LinkRequestPtr first;
@@ -52,12 +52,12 @@ void SampleUpload::BeginUpload() {
         abortRequested_ = false;
         first = BlockRequest(forwardIndex_);
     }
-    // Not under the lock: with no port the completion runs before this returns.
+    // Without the lock: with no port the completion runs before this returns.
     link_.Submit(std::move(first));
 }
 
-/// The board finds samples by their distance from the trigger; it alone knows where its memory
-/// begins.
+/// The board addresses samples by their distance from the trigger; only the board knows where its
+/// memory begins.
 LinkRequestPtr SampleUpload::BlockRequest(std::int64_t index) {
     const std::uint32_t zoomArrived = store_.ZoomArrived();
     if (fetchesZoom_ && zoomArrived == 0) {
@@ -92,7 +92,7 @@ void SampleUpload::BlockDone(const LinkRequest& request) {
     }
 }
 
-/// Keeps what has come and returns the request for more, or null when the upload is over.
+/// Stores the block that has arrived and returns the next request, or null when the upload is over.
 LinkRequestPtr SampleUpload::TakeBlock(const LinkRequest& request) {
     const MutexLock lock(uploadLock_);
     if (abortRequested_ || forwardIndex_ == -1) {
@@ -195,7 +195,7 @@ void SampleUpload::SetPriorityIndex(std::uint32_t index) {
     }
 }
 
-// A complete Power Zoom is replayed with both parts at 0, so that the second lies over the first.
+// A complete Power Zoom is replayed with both parts at 0, so the second overwrites the first.
 void SampleUpload::SetObserver(BlockObserver* observer) {
     const MutexLock lock(uploadLock_);
     if (observer_ == observer) {

@@ -11,13 +11,13 @@ namespace busquill {
 namespace {
 
 constexpr int digitBits = 4;
-// Where a PCI sample says in which phase it was taken.
+// Bits of a PCI sample that mark its phase.
 constexpr int attributeBit = 93;
 constexpr int addressBit = 95;
 constexpr int commandBit = 64;
 constexpr unsigned splitCompletion = 12;
 
-/// The phase in which a decoded value is shown on PCI.
+/// The PCI phase in which a decoded value is shown.
 enum class Phase { Any, Address, Data, AttributeOrSplit };
 
 Phase PhaseOf(const NamedSignal& signal, const BoardTraits& board) {
@@ -45,8 +45,8 @@ std::size_t DigitCount(const NamedSignal& signal) {
     return (signal.positions.size() - 1) / digitBits + 1;
 }
 
-/// The text without the blanks that listings put between digits, and without "0x" in front, unless
-/// that is part of a value that has all its digits.
+/// The text without the blanks that listings put between digits, and without a leading "0x", unless
+/// the "0x" is part of a value with all its digits.
 std::string DigitsOf(std::string_view text, std::size_t digits) {
     std::string found;
     for (const char c : text) {
@@ -57,8 +57,8 @@ std::string DigitsOf(std::string_view text, std::size_t digits) {
     return found.size() != digits && found.starts_with("0x") ? found.substr(2) : found;
 }
 
-/// Whether a line belongs to the upper half of a bus that has none: the board leaves it high, and
-/// nobody means it who does not name it.
+/// Whether a line belongs to the upper half of a bus that has only the lower: the board leaves it
+/// high, and a condition means it only by naming it.
 bool IsBeyondBus(int position, const BoardTraits& board) {
     constexpr int upperData = 32;
     constexpr int upperEnables = 68;

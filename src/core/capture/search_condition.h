@@ -9,14 +9,14 @@
 
 namespace busquill {
 
-/// What samples are looked for, put together from texts such as "AD[31:0]=FEBF00xx" or
-/// "COMMAND=Mem Rd". All of them must hold.
+/// A search condition built from texts such as "AD[31:0]=FEBF00xx" or "COMMAND=Mem Rd", all of
+/// which must hold.
 class SearchCondition {
 public:
-    /// A value is in hexadecimal, with an x for a digit that may be anything; on a decoded signal
-    /// it may also be a label. A decoded value that shows in one phase of a transfer only is looked
-    /// for in that phase. Returns what is wrong with the text, or nothing; the condition is then as
-    /// it was.
+    /// Adds a condition. A value is in hexadecimal, with x for any digit; for a decoded signal it
+    /// may also be a label. A decoded value that is shown in only one phase of a transfer is
+    /// searched for in that phase. Returns an error message, with the condition unchanged, or an
+    /// empty text.
     [[nodiscard]] std::string Add(std::string_view text, const SignalTables& tables,
                                   std::initializer_list<const CSignalList*> lists);
 
@@ -25,26 +25,26 @@ public:
     [[nodiscard]] std::uint32_t MatchesOf(std::span<const SampleRecord> records) const noexcept;
 
 private:
-    /// Bits that count, and what they must be.
+    /// The bits that are compared, and their values.
     struct Bits {
         SampleRecord value;
         SampleRecord care;
 
         void Set(int position, bool bit) noexcept;
-        /// Adds the other's; false when the two contradict each other.
+        /// Adds the bits of the other; false when they contradict each other.
         [[nodiscard]] bool Join(const Bits& other) noexcept;
     };
 
     static std::string ParseValue(std::string_view text, const NamedSignal& signal,
                                   const BoardTraits& board, std::vector<Bits>& ways);
-    /// The ways, each in the phase in which the value shows.
+    /// The alternatives, each limited to the phase in which the value is shown.
     static std::vector<Bits> InPhase(const std::vector<Bits>& ways, const NamedSignal& signal,
                                      const BoardTraits& board);
     static std::string ParseDigits(std::string_view text, const NamedSignal& signal,
                                    const BoardTraits& board, Bits& bits);
 
     bool added_ = false;
-    std::vector<Bits> ways_ = {Bits()}; // one of them must match
+    std::vector<Bits> ways_ = {Bits()}; // alternatives, one of which must match
     std::vector<RecordPattern> patterns_;
 };
 

@@ -33,7 +33,7 @@ CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
     }
 }
 
-// Any trace that goes ends the upload, the one of a file too.
+// Closing any trace ends the upload, even one from a file.
 CTesselDoc::~CTesselDoc() {
     if (boardCapture_ != nullptr) {
         boardCapture_->upload.CancelUpload();
@@ -121,7 +121,7 @@ std::optional<SampleRecord> CTesselDoc::GetSample(std::int64_t index, bool zoom)
     return zoom ? GetStore().GetZoomSample(i) : GetStore().GetSample(i);
 }
 
-/// What is captured next belongs into another file.
+/// The next capture is saved to another file.
 void CTesselDoc::ForgetSamples() {
     filterPattern.BuildFromTables(1, ModeEvents);
     RebuildMaps(0, 0);
@@ -145,16 +145,16 @@ void CTesselDoc::OnCaptureStopped() {
     captureActive_ = false;
 }
 
-void CTesselDoc::OnLook(const RunState& /*state*/) {
+void CTesselDoc::OnPolled(const RunState& /*state*/) {
     FlushBlockUpdates();
-    UpdateAllViews(nullptr, HintLook);
+    UpdateAllViews(nullptr, HintPolled);
 }
 
 void CTesselDoc::ClearData() {
     boardCapture_->upload.CancelUpload();
     boardCapture_->upload.FreeSamples();
     ForgetSamples();
-    captureActive_ = false; // nobody may have looked since the capture ended
+    captureActive_ = false; // the capture may have ended since the last poll
     hasData_ = false;
     // The same as after a capture that ended without samples.
     UpdateAllViews(nullptr, HintCaptureStarted);
@@ -162,7 +162,7 @@ void CTesselDoc::ClearData() {
 }
 
 void CTesselDoc::LoadSignal(CSignalList& list, CSignal& signal, bool zoom) {
-    // A capture that runs has samples in the store that belong to the one before.
+    // During a capture, the store still holds the samples of the one before.
     const bool shown = zoom || rows_.SampleCount() > 0;
     if (!shown) {
         list.LoadSignal(&signal, 0, {});
@@ -308,7 +308,7 @@ void CTesselDoc::PlaceTrigger(const SampleCounts& counts) {
 void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {
     {
         const MutexLock lock(docLock_);
-        pendingUpdates_.clear(); // of the samples that were there before
+        pendingUpdates_.clear(); // they belong to the samples before
     }
     const std::int64_t total = before <= 0 && after <= 0 ? 0 : std::int64_t{before} + after + 1;
     ResetMaps(total, -std::int64_t{before}, false);

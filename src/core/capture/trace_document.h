@@ -26,7 +26,7 @@ class BoardCapture;
 class CSignal;
 class Prompts;
 
-/// The hints by which a trace document tells its views what changed.
+/// The hints with which a trace document notifies its views of changes.
 enum TraceHint : int {
     HintRedraw = 0,
     HintMarker1 = 1,
@@ -41,10 +41,10 @@ enum TraceHint : int {
     HintNameChanged = 10,
     HintSetupNameChanged = 11,
     HintFilterChanged = 12,
-    HintLook = 13, // a look at the capture has been taken; its blocks have been told before
+    HintPolled = 13, // the capture was polled; hints for its blocks came before
 };
 
-/// With HintBlockArrived: the samples that have come.
+/// With HintBlockArrived: the samples that have arrived.
 struct CBlockUpdate final : HintObject {
     std::uint32_t first = 0;
     std::uint32_t count = 0;
@@ -60,21 +60,22 @@ struct GoToSampleHint final : HintObject {
 
 class CTesselDoc;
 
-/// What a trace document is made with.
+/// What a new trace document needs.
 struct NewTraceContext {
-    SignalTables& tables; // by which its samples are read; they outlive it
+    SignalTables& tables; // decode its samples; outlive it
     bool newDocRealTime = false;
-    /// A new document takes lists and setup from it.
+    /// The new document copies lists and setup from it.
     const CTesselDoc* cloneSource = nullptr;
     Analyzer* analyzer = nullptr; // whose capture the real-time document shows
-    /// By which that one looks at its capture; without one, whoever has it calls Look of its run.
+    /// Makes the timer that polls the real-time document's capture; without it, the owner calls
+    /// Poll of the run.
     std::function<std::unique_ptr<RepeatingTimer>()> makeTimer = nullptr;
     /// Asks for a range and saves it; false when the user cancels.
     std::function<bool(CTesselDoc&, const std::string& path)> saveTrace = nullptr;
 };
 
-/// A captured trace: its samples, the signal lists through which they are seen, the setup that
-/// made them, markers, and the maps from rows to samples.
+/// A captured trace: its samples, the signal lists that show them, the setup of the capture,
+/// markers, and the maps from rows to samples.
 class CTesselDoc : public CDocument, public CaptureObserver {
 public:
     CTesselDoc(const NewTraceContext& context, Prompts& prompts);
@@ -83,9 +84,9 @@ public:
     bool OnNewDocument() override;
     bool OnOpenDocument(const std::string& path) override;
     bool OnSaveDocument(const std::string& path) override;
-    /// What is saved of a file is a copy, perhaps of a part: the document stays that of its file.
+    /// Saving a trace from a file makes a copy, perhaps of a part; the document keeps its file.
     void OnSaved(const std::string& path) override;
-    /// A live trace goes on; what has been saved of it is a file like any other.
+    /// A live trace continues, so a file saved from it is opened like any other.
     [[nodiscard]] bool ShowsItsFile() const override { return !isRealTime_; }
 
     [[nodiscard]] bool IsRealTime() const noexcept { return isRealTime_; }
@@ -94,23 +95,23 @@ public:
     [[nodiscard]] bool HasStateList() const noexcept { return hasStateList_; }
     /// Whether the file that was opened has Power Zoom samples.
     [[nodiscard]] bool HasZoomSamples() const noexcept { return hasZoomSamples_; }
-    /// The run of the real-time document; no other has one.
+    /// The run of the real-time document; other documents have none.
     [[nodiscard]] CaptureRun& Run() const noexcept;
-    /// Whether the board's capture runs, or hands over its samples. Never of a file.
+    /// Whether the board's capture or its upload is in progress. False for a file.
     [[nodiscard]] bool IsRunning() const noexcept;
     [[nodiscard]] bool IsUploading() const;
-    /// A sample that has not arrived is to be the next that comes, if any still come.
+    /// Asks for a sample that has not arrived to be fetched next, if an upload is in progress.
     void FetchNext(std::int64_t sample);
     /// The board's samples for the real-time document, else the file's.
     [[nodiscard]] CSampleStore& GetStore() noexcept;
     [[nodiscard]] const CSampleStore& GetStore() const noexcept;
-    /// The record at an index; nothing when there are no data or the index is past them.
+    /// The record at an index; nothing when there is no data or the index is past its end.
     [[nodiscard]] std::optional<SampleRecord> GetSample(std::int64_t index, bool zoom) const;
 
     CSignalList waveformList;
     CSignalList stateList;
     CSignalList zoomList;
-    /// One sample each: what a search looks for, and what the filter lets through.
+    /// Patterns of one sample: of the search, and of the filter.
     CSignalList searchPattern;
     CSignalList filterPattern;
     TraceSetup setup;
@@ -121,26 +122,26 @@ public:
     std::int32_t clockCode = 2;
     CSampleStore store; // of a file
 
-    /// A capture of the board into this document begins: it shows nothing until it has ended.
+    /// A capture into this document begins, which shows nothing until the capture has ended.
     void OnCaptureStarted() override;
-    /// The capture has ended, and its counts are known; samples come from here on.
+    /// The capture has ended and its counts are known; samples arrive from now on.
     void OnCaptureStopped() override;
-    void OnLook(const RunState& state) override;
-    /// Forgets the samples of the last capture, which has ended; an upload is given up.
+    void OnPolled(const RunState& state) override;
+    /// Forgets the samples of the last capture, which has ended; cancels an upload.
     void ClearData();
-    /// Between start and stop.
+    /// Whether a capture was started and has not stopped yet.
     [[nodiscard]] bool CaptureActive() const override { return captureActive_; }
-    /// Whether a capture has been started, and not been cleared since.
+    /// Whether a capture was started and has not been cleared since.
     [[nodiscard]] bool HasData() const noexcept { return hasData_; }
-    /// Fills a signal that is new in one of the lists with the samples that have come.
+    /// Loads the samples that have arrived into a signal that is new in one of the lists.
     void LoadSignal(CSignalList& list, CSignal& signal, bool zoom);
     void SetSetupName(const std::string& path, const std::string& name);
 
-    /// Maps; with `zoom` those of the Power Zoom samples, which have no filter.
+    /// Row maps; with `zoom` those of the Power Zoom samples, which have no filter.
     [[nodiscard]] std::int64_t RowCount(bool zoom) const noexcept;
     [[nodiscard]] std::int64_t SampleCount(bool zoom) const noexcept;
     [[nodiscard]] std::int64_t FirstSampleNumber(bool zoom) const noexcept;
-    /// -1 for a row outside; 0 when there are no rows at all.
+    /// -1 for a row out of range; 0 when there are no rows at all.
     [[nodiscard]] std::int64_t RowToSample(std::int64_t row, bool zoom) const noexcept;
     [[nodiscard]] std::int64_t SampleToRow(std::int64_t sample, bool zoom) const noexcept;
     [[nodiscard]] bool IsRowSample(std::int64_t sample, bool zoom) const noexcept;
@@ -155,23 +156,25 @@ public:
     void SetMarker(int which, std::int64_t index);
     /// Takes the views to a sample.
     void GoToSample(std::int64_t sample, bool zoom);
-    /// Keeps the rows that match the filter pattern, and `topSample` in sight or the row before it.
-    /// A pattern that compares nothing brings all rows back.
+    /// Keeps the rows that match the filter pattern, and keeps `topSample` or the row before it
+    /// visible. A pattern that compares nothing restores all rows.
     void ApplyFilter(std::int64_t topSample);
     void SetZoomMarker(int which, std::int64_t index);
-    /// Sets a marker on a sample, or clears it where it stands already; a negative sample is none.
+    /// Sets a marker to a sample, or clears it if it is already there; a negative sample means
+    /// none.
     void ToggleMarker(int which, std::int64_t sample, bool zoom);
 
-    /// Any thread: keeps the news of a block until FlushBlockUpdates.
+    /// Any thread: queues the block for FlushBlockUpdates.
     void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;
-    /// Unpacks the blocks that have come into the lists and tells the views.
+    /// Unpacks the queued blocks into the lists and updates the views.
     void FlushBlockUpdates();
     void RebuildMapsFromFile();
-    /// Maps for so many samples on both sides of the trigger, none of which has come.
+    /// Resets the maps for `before` and `after` samples around the trigger, none of which has
+    /// arrived.
     void RebuildMaps(std::int32_t before, std::int32_t after);
 
-    /// One bit for each sample, set for those that a file never mentioned; the loader fills it,
-    /// empty means none.
+    /// One bit for each sample, set for those that a file does not contain; set by the loader, may
+    /// be empty.
     std::vector<std::uint32_t> excludedBits;
 
 private:
@@ -184,7 +187,7 @@ private:
 
     Prompts& prompts_;
     const bool isRealTime_;
-    const CTesselDoc* cloneSource_; // until the document is new
+    const CTesselDoc* cloneSource_; // until OnNewDocument
     BoardCapture* const boardCapture_;
     const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
     bool loadedFromFile_ = false;
@@ -198,7 +201,7 @@ private:
     TraceMarkers zoomMarkers_;
     Mutex docLock_;
     std::vector<CBlockUpdate> pendingUpdates_ BUSQUILL_GUARDED_BY(docLock_);
-    std::unique_ptr<CaptureRun> run_; // ends before all that it tells
+    std::unique_ptr<CaptureRun> run_; // last: destroyed before all that it notifies
 };
 
 } // namespace busquill

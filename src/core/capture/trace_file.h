@@ -11,29 +11,29 @@ namespace busquill {
 class CSampleStore;
 class Prompts;
 
-/// Reads all of a trace file into memory, in whatever order it stands there: of samples with the
-/// same number, and of several blocks, the last counts.
+/// Reads a whole trace file into memory, in any order: of samples with the same number, and of
+/// several blocks, the last one counts.
 class TraceFileReader {
 public:
-    /// Bytes of the file, from the first to before the end.
+    /// A range of bytes of the file; `end` is one past the last.
     struct Block {
         std::uint64_t begin = 0;
         std::uint64_t end = 0;
     };
 
-    /// The file's samples go into the store. `absent` gets a bit for each sample of their range,
-    /// set for those that the file does not mention.
+    /// Samples go to the store. `absent` gets a bit for each sample of the file's range, set for
+    /// those that the file does not contain.
     TraceFileReader(const TraceParser::Parts& parts, TraceParser& parser, CSampleStore& store,
                     std::vector<std::uint32_t>& absent)
         : parts_(parts), parser_(parser), store_(store), absent_(absent) {}
 
-    /// False when the file's range of samples is larger than any capture. `fillLists`: the signals
-    /// get the samples too.
+    /// False when the file's range of samples is larger than any capture. `fillLists` also loads
+    /// the samples into the signals.
     [[nodiscard]] bool Read(bool fillLists);
 
-    /// The blocks of samples, of which the last has been kept.
+    /// The blocks of samples, the last of which was kept.
     [[nodiscard]] const std::vector<Block>& Blocks() const noexcept { return blocks_; }
-    /// Whether the file has ended in the middle of them.
+    /// Whether the file ends inside a block.
     [[nodiscard]] bool CutOff() const noexcept { return cutOff_; }
 
 private:
@@ -61,15 +61,15 @@ struct TraceFileContents {
     bool zoomSamples = false; // and for a Power Zoom window
 };
 
-/// Reads a trace file into the parts of a new document, its samples into the store. `absent` as
-/// for TraceFileReader. Reports in its own words and loads nothing when the file cannot be opened,
-/// is of another type or version, or holds a range that no capture has. A file that ends early
-/// keeps the samples that it has.
+/// Reads a trace file into the parts of a new document, its samples into the store. `absent` as for
+/// TraceFileReader. When the file cannot be opened, is of another type or version, or has a range
+/// that no capture can have, reports that to the user and loads nothing. Of a file that ends early,
+/// the samples read are kept.
 [[nodiscard]] TraceFileContents ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& store,
                                               std::vector<std::uint32_t>& absent,
                                               const std::string& path, Prompts& prompts);
 
-/// Makes what a file does not hold of a list that it has, or the default list where it has none.
+/// Builds what a file does not store of a list, or the default list if the file has none.
 void CompleteList(CSignalList& list, bool present, std::uint32_t mode);
 /// The same for the Power Zoom list, whose default begins with the clock.
 void CompleteZoomList(CSignalList& list, bool present);

@@ -6,7 +6,7 @@
 
 namespace busquill {
 
-/// Where the trigger (0) and the two markers (1, 2) stand: indexes of samples, -1 for not set.
+/// The positions of the trigger (0) and the two markers (1, 2): sample indexes, -1 when not set.
 class TraceMarkers {
 public:
     static constexpr std::int64_t notSet = -1;
@@ -14,7 +14,8 @@ public:
     [[nodiscard]] std::int64_t operator[](int which) const noexcept {
         return at_[static_cast<std::size_t>(which)];
     }
-    /// Ignores a marker that there is not, and a sample at or past `limit`. Whether it has moved.
+    /// Moves a marker and returns whether its position changed. Ignores an unknown marker, and a
+    /// sample at or past `limit`.
     bool Set(int which, std::int64_t sample, std::int64_t limit) noexcept {
         if (sample >= limit || which < 0 || which >= static_cast<int>(at_.size())) {
             return false;

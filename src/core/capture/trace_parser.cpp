@@ -45,7 +45,7 @@ TraceParser::Event TraceParser::Next() {
         return Event::Rows;
     }
     const Event event = waiting_.front();
-    if (event != Event::End) { // which comes again
+    if (event != Event::End) { // Next returns End repeatedly
         waiting_.pop_front();
     }
     return event;
@@ -69,11 +69,11 @@ void TraceParser::Dispatch(const Fields& fields) {
         hasEndOfBlock_ = true;
         EndBlock();
     } else if (inBlock_) {
-        static_cast<void>(ParseRow(fields, rows_)); // anything else is nothing
+        static_cast<void>(ParseRow(fields, rows_)); // other lines are ignored
     }
 }
 
-/// False for a line that belongs to the samples or to nothing.
+/// Handles a line outside the samples; false for lines of samples and unknown lines.
 bool TraceParser::TakePart(const Fields& fields) {
     const std::string& key = fields[0];
     const bool hasValue = fields.size() > 1;
@@ -97,7 +97,7 @@ bool TraceParser::TakePart(const Fields& fields) {
     } else if (key == "Power Zoom Signals") {
         beginList(parts_.zoomList, ModeState, hasZoom_);
     } else if (key == "Signal") {
-        // A title row is told by its second field, wherever it stands.
+        // A title row is recognized by its second field, wherever it is.
         if (list_ != nullptr && hasValue && fields[1] != "Name") {
             list_->ReadSignal(fields, file_);
         }
@@ -107,7 +107,7 @@ bool TraceParser::TakePart(const Fields& fields) {
     return true;
 }
 
-/// Keeps of the rows only whether they ascend.
+/// Skips rows, checking only whether they ascend.
 void TraceParser::SkimRows() {
     for (const std::int32_t number : rows_.numbers) {
         ascends_ = ascends_ && (inZoom_ || number > lastNumber_);

@@ -13,11 +13,11 @@ class TraceSetup;
 
 constexpr auto traceFileType = "Trace Data File";
 
-/// Reads a trace file piece by piece: what stands before the samples goes where it is told, the
-/// samples come in rows.
+/// Reads a trace file piece by piece: what precedes the samples is stored in the given parts,
+/// samples are returned in rows.
 class TraceParser {
 public:
-    /// Where the rest goes. The lists get their signals as they stand in the file.
+    /// Targets for the rest of the file. Lists get their signals as they are in the file.
     struct Parts {
         std::string& comment;
         TraceSetup& setup;
@@ -30,11 +30,11 @@ public:
         Zoom,    // a block of Power Zoom samples begins
         Rows,    // some rows of the block: Rows
         EndOfBlock,
-        End, // of the file; a block that it cuts off has ended before
+        End, // of the file; EndOfBlock comes before it, even for a block that is cut off
     };
     static constexpr std::size_t rowsAtOnce = 4096;
 
-    /// What is wanted of the rows: themselves, or only whether they ascend.
+    /// Read returns the rows, Skim only checks whether they ascend.
     enum class Use { Read, Skim };
 
     TraceParser(const Parts& parts, TextReader& file, Use use = Use::Read)
@@ -43,21 +43,21 @@ public:
     /// Reads up to the next event.
     [[nodiscard]] Event Next();
 
-    /// The block's numbers, as it announces them.
+    /// The block's range of numbers, as announced in the file.
     [[nodiscard]] std::int64_t First() const noexcept { return first_; }
     [[nodiscard]] std::int64_t Last() const noexcept { return last_; }
-    /// Whatever stands in the file, inside the block's range or not. Valid until the next event.
+    /// The rows as they are in the file, inside the block's range or not. Valid until the next
+    /// event.
     [[nodiscard]] const SampleRows& Rows() const noexcept { return rows_; }
-    /// Where in the file the line begins that began or ended the block.
+    /// The file offset of the line that began or ended the block.
     [[nodiscard]] std::uint64_t BlockLine() const noexcept { return blockLine_; }
 
-    /// Whether a line ended the block that ended last, and not the file.
+    /// Whether the last block was ended by its end line, not by the end of the file.
     [[nodiscard]] bool HasEndOfBlock() const noexcept { return hasEndOfBlock_; }
 
-    /// Whether the rows of samples that were skimmed ascend.
+    /// Whether the skimmed rows of samples ascend.
     [[nodiscard]] bool Ascends() const noexcept { return ascends_; }
-    /// Whether some of what else a file holds, but Power Zoom samples, came after a block of
-    /// samples.
+    /// Whether other parts of the file, except Power Zoom samples, came after a block of samples.
     [[nodiscard]] bool HasPartsAfterSamples() const noexcept { return partsAfter_; }
 
     [[nodiscard]] const std::string& FileType() const noexcept { return fileType_; }
@@ -79,7 +79,7 @@ private:
     TextReader& file_;
     bool skims_;
     bool ascends_ = true;
-    std::int64_t lastNumber_ = 0; // of the rows that are skimmed
+    std::int64_t lastNumber_ = 0; // of the skimmed rows
     bool hadSamples_ = false;
     bool inZoom_ = false;
     bool partsAfter_ = false;
@@ -96,7 +96,7 @@ private:
     std::uint64_t blockLine_ = 0;
     SampleRows rows_;
     Fields fields_;
-    std::deque<Event> waiting_; // behind the rows that were read before them
+    std::deque<Event> waiting_; // events to return after the rows read before them
 };
 
 } // namespace busquill

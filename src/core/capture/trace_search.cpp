@@ -15,10 +15,10 @@ namespace {
 constexpr const char* noMatch = "No match found.";
 constexpr std::time_t searchLimit = 6; // seconds
 
-// Of the first byte of the search status.
+// Bits of the first byte of the search status.
 constexpr std::uint8_t searchHit = 0x01;
-constexpr std::uint8_t searchHitAfter = 0x02; // on the trigger or after it
-/// Looked at without a pause: the user waits.
+constexpr std::uint8_t searchHitAfter = 0x02; // at or after the trigger
+/// Polled without a pause: the user is waiting.
 constexpr StatusRegister searchStatus{RegisterSearchControl, 0, std::chrono::milliseconds(0),
                                       "Error getting search status from analyzer."};
 
@@ -95,7 +95,7 @@ void SearchOnAnalyzer(CAnalyzerLink& link, CTesselDoc& document, SearchDirection
     }
     const std::int64_t away = status[1] | status[2] << 8 | status[3] << 16;
     const std::int64_t hit = (status[0] & searchHitAfter) != 0 ? before + away : before - away;
-    if (hit >= 0) { // a place that the capture does not have is no hit
+    if (hit >= 0) { // a position outside the capture does not count as a hit
         document.SetMarker(1, hit);
     }
 }

@@ -54,7 +54,7 @@ std::string TraceStream::CheckHeader() const {
 
 std::string TraceStream::BeginSamples() {
     if (hasSamples_) {
-        return hasChanged; // since it was looked through
+        return hasChanged; // the file has changed since Inspect
     }
     first_ = parser_->First();
     last_ = parser_->Last();
@@ -67,8 +67,8 @@ std::string TraceStream::BeginSamples() {
     return {};
 }
 
-/// Finds out, once, whether the file can be read in one go; most can.
-std::string TraceStream::LookThrough() {
+/// Determines, once, whether the file can be read in one pass; most can.
+std::string TraceStream::Inspect() {
     Restart(TraceParser::Use::Skim);
     int blocks = 0;
     bool headerFirst = true;
@@ -147,12 +147,12 @@ std::span<const TraceFileReader::Block> TraceStream::BlocksBefore() const noexce
 }
 
 std::string TraceStream::ReadHead() {
-    if (!lookedThrough_) {
-        lookedThrough_ = true;
-        noGood_ = LookThrough();
+    if (!inspected_) {
+        inspected_ = true;
+        defect_ = Inspect();
     }
-    if (!noGood_.empty()) {
-        return noGood_;
+    if (!defect_.empty()) {
+        return defect_;
     }
     if (held_) {
         ReadHeldHead();
@@ -162,11 +162,11 @@ std::string TraceStream::ReadHead() {
     while (true) {
         const TraceParser::Event event = parser_->Next();
         const bool isEnd = event == TraceParser::Event::End;
-        TakeZoom(event); // which may come first
+        TakeZoom(event); // Power Zoom samples may come first
         if (event != TraceParser::Event::Samples && !isEnd) {
             continue;
         }
-        // The two lines come first, in any file that the program has written.
+        // In files written by the program, type and version come first.
         if (std::string wrong = CheckHeader(); !wrong.empty()) {
             return wrong;
         }
@@ -215,10 +215,10 @@ const SampleRows* TraceStream::NextRows() {
         case TraceParser::Event::EndOfBlock:
             EndSamples();
             break;
-        case TraceParser::Event::End: // which a block ends before
+        case TraceParser::Event::End: // comes after the end of a block
         case TraceParser::Event::Samples:
         case TraceParser::Event::Zoom:
-            break; // a block ends before another begins
+            break; // a block ends before the next begins
         }
     }
     if (wrong_.empty() && file_.Failed()) {
@@ -227,7 +227,7 @@ const SampleRows* TraceStream::NextRows() {
     return nullptr;
 }
 
-/// Also reads what stands behind the samples, which may be more samples.
+/// Also reads what follows the samples, which may be more samples.
 void TraceStream::EndSamples() {
     blockEnd_ = parser_->BlockLine();
     inSamples_ = false;

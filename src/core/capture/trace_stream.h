@@ -14,67 +14,66 @@
 
 namespace busquill {
 
-/// What a pass over a whole trace file has found.
+/// The result of a pass over a whole trace file.
 struct TraceSurvey {
     bool hasSamples = false;
-    std::int64_t first = 0; // numbers, as the file announces them
+    std::int64_t first = 0; // sample numbers, as announced in the file
     std::int64_t last = 0;
-    std::int64_t rows = 0; // samples that it holds
-    bool cutOff = false;   // the file ends in the middle of them
+    std::int64_t rows = 0; // samples in the file
+    bool cutOff = false;   // the file ends inside the samples
     bool hasZoom = false;
-    /// Power Zoom samples by their place, those that the file does not mention as zeros.
+    /// Power Zoom samples by index; zeros for those that the file does not contain.
     std::vector<SampleRecord> zoom;
-    /// The sum of TIME up to the place at which the trigger is marked; only with a list that has
-    /// it.
+    /// The sum of TIME up to the trigger; only if a list has TIME.
     std::int64_t timeToTrigger = 0;
 
     /// Whether samples of the announced range are missing.
     [[nodiscard]] bool HasGaps() const noexcept { return rows != last - first + 1; }
 };
 
-/// A trace file that is read from its beginning to its end, in memory that does not grow with it. A
-/// file whose samples do not ascend, or do not stand after all else in one block, is held in
-/// memory, and its samples are given as a window shows them: in order, and of several with the same
-/// number, or of several blocks, the last. The functions that return a text say what is wrong with
-/// the file, or nothing.
+/// Reads a trace file sequentially, in memory that does not grow with the file. A file whose
+/// samples do not ascend, or are not in one block after everything else, is held in memory; its
+/// samples are then returned as a window shows them: in order, and of several with the same number,
+/// or of several blocks, the last. Functions that return a text return an error message, empty on
+/// success.
 class TraceStream {
 public:
     /// The reader must be open; it and the tables outlive the stream.
     TraceStream(TextReader& file, SignalTables& tables);
 
-    /// Reads what stands before the samples.
+    /// Reads what precedes the samples.
     [[nodiscard]] std::string ReadHead();
-    /// The next samples in ascending order, those outside the announced range left out. Null at the
-    /// end, and when something is wrong, which `Wrong` then tells.
+    /// The next samples in ascending order, without those outside the announced range. Null at the
+    /// end and on an error, see `Wrong`.
     [[nodiscard]] const SampleRows* NextRows();
     [[nodiscard]] const std::string& Wrong() const noexcept { return wrong_; }
-    /// A pass over the whole file; afterwards the stream stands where ReadHead left it.
+    /// Passes over the whole file; afterwards the stream is where ReadHead left it.
     [[nodiscard]] std::string Survey(TraceSurvey& survey);
 
     [[nodiscard]] bool HasSamples() const noexcept { return hasSamples_; }
-    /// Numbers, as the file announces them.
+    /// The range of sample numbers, as announced in the file.
     [[nodiscard]] std::int64_t First() const noexcept { return first_; }
     [[nodiscard]] std::int64_t Last() const noexcept { return last_; }
     /// The number of the sample at which the trigger is marked.
     [[nodiscard]] std::int64_t TriggerNumber() const noexcept;
     [[nodiscard]] const TraceParser& Parser() const noexcept { return *parser_; }
-    /// Whether the file has ended in the middle of the samples. Known at their end.
+    /// Whether the file ends inside the samples. Known once they have all been read.
     [[nodiscard]] bool CutOff() const noexcept { return cutOff_; }
-    /// Blocks of samples before the one that counts.
+    /// Earlier blocks of samples, which the last block replaces.
     [[nodiscard]] std::span<const TraceFileReader::Block> BlocksBefore() const noexcept;
-    /// Where the rows of the samples begin and end, lines and all.
+    /// File offsets where the block of samples begins and ends, its first and last lines included.
     [[nodiscard]] std::uint64_t BlockBegin() const noexcept { return blockBegin_; }
     [[nodiscard]] std::uint64_t BlockEnd() const noexcept { return blockEnd_; }
 
     std::string comment;
     TraceSetup setup;
-    /// As a trace window shows them: the file's, or the default ones.
+    /// As in a trace window: the file's lists, or default ones.
     CSignalList stateList;
     CSignalList waveformList;
     CSignalList zoomList;
 
 private:
-    /// What a file holds that cannot be read in one go.
+    /// The content of a file that cannot be read in one pass.
     struct Held {
         CSampleStore store;
         std::vector<std::uint32_t> absent;
@@ -84,7 +83,7 @@ private:
     };
 
     void Restart(TraceParser::Use use = TraceParser::Use::Read);
-    [[nodiscard]] std::string LookThrough();
+    [[nodiscard]] std::string Inspect();
     [[nodiscard]] std::string Hold();
     void ReadHeldHead();
     [[nodiscard]] const SampleRows* NextHeldRows();
@@ -95,8 +94,8 @@ private:
 
     TextReader& file_;
     std::unique_ptr<TraceParser> parser_;
-    bool lookedThrough_ = false;
-    std::string noGood_; // what was found wrong with the file then
+    bool inspected_ = false;
+    std::string defect_; // error message found by Inspect
     std::unique_ptr<Held> held_;
     std::string wrong_;
     bool hasSamples_ = false;
@@ -104,11 +103,11 @@ private:
     bool cutOff_ = false;
     std::int64_t first_ = 0;
     std::int64_t last_ = -1;
-    std::int64_t lastNumber_ = 0; // of the row before
+    std::int64_t lastNumber_ = 0; // of the previous row
     std::uint64_t blockBegin_ = 0;
     std::uint64_t blockEnd_ = 0;
     SampleRows inRange_;
-    std::vector<SampleRecord> zoom_; // by place, those not mentioned as zeros; empty for none
+    std::vector<SampleRecord> zoom_; // by index, zeros where missing; may be empty
 };
 
 } // namespace busquill

@@ -61,7 +61,7 @@ bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::in
     WriteSetupBody(document_.setup, file_);
     WriteList(file_, document_.waveformList, "Waveform Signals", "End of Wave Signals");
     WriteList(file_, document_.stateList, "State Signals", "End of State Signals");
-    // Only a capture with Power Zoom samples has this one.
+    // Only a capture with Power Zoom samples has this list.
     if (!document_.zoomList.Empty() || store_.HasZoom()) {
         WriteList(file_, document_.zoomList, "Power Zoom Signals", "End of Power Zoom Signals");
     }
@@ -84,13 +84,13 @@ TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
             return Step::More;
         }
         const auto sample = static_cast<std::uint32_t>(next_);
-        const std::size_t come = store_.CopySamples(sample, std::span(records).first(wanted));
-        if (come == 0) {
+        const std::size_t copied = store_.CopySamples(sample, std::span(records).first(wanted));
+        if (copied == 0) {
             if (document_.LoadedFromFile()) {
-                next_ = (next_ / blockSamples + 1) * blockSamples; // a gap, which nothing fills
+                next_ = (next_ / blockSamples + 1) * blockSamples; // nothing fills this gap
                 continue;
             }
-            // In this order, so that the last block of an upload is not taken for missing.
+            // Checked before HasSample, or the last block of an upload might be taken for missing.
             const bool mayCome = document_.IsUploading();
             if (store_.HasSample(sample)) {
                 continue;
@@ -99,13 +99,13 @@ TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
             return mayCome ? Step::Waiting : Step::Missing;
         }
         text.clear();
-        for (std::size_t i = 0; i < come; ++i, ++next_) {
+        for (std::size_t i = 0; i < copied; ++i, ++next_) {
             if (document_.IsRowSample(next_, false)) {
                 AppendRow(text, next_ - before_, records[i]);
             }
         }
         file_.Write(text);
-        rows -= come;
+        rows -= copied;
     }
     return Finish();
 }
@@ -127,7 +127,7 @@ TraceFileWriter::Step TraceFileWriter::Finish() {
 }
 
 void TraceFileWriter::Abort() {
-    static_cast<void>(file_.Close()); // it was given up already
+    static_cast<void>(file_.Close()); // the file is abandoned anyway
 }
 
 int TraceFileWriter::Progress() const noexcept {

@@ -11,42 +11,42 @@ namespace busquill {
 
 class CTesselDoc;
 
-/// What is wrong with a range of sample numbers that is to be saved; nothing when it is good.
-/// `before` and `after` are the counts on the two sides of the trigger.
+/// An error message for a range of sample numbers to be saved; nothing when it is valid. `before`
+/// and `after` are the counts on the two sides of the trigger.
 [[nodiscard]] std::optional<std::string> CheckSaveRange(std::int64_t first, std::int64_t last,
                                                         std::int64_t before, std::int64_t after);
 
-/// Writes a trace file piece by piece, while samples may still come from the board. The file comes
-/// into its place when it is whole. Main thread; the document outlives the writer.
+/// Writes a trace file piece by piece, while samples may still be arriving from the board. The old
+/// file is replaced when the new one is complete. Main thread; the document outlives the writer.
 class TraceFileWriter {
 public:
     enum class Step {
-        More,    // wrote as many rows as it was asked for
+        More,    // wrote as many rows as requested
         Waiting, // the next sample has not arrived
-        Done,    // the file is whole and in its place
+        Done,    // the file is complete and in its place
         Failed,  // the file could not be written
         Missing, // the next sample will not arrive
     };
 
     explicit TraceFileWriter(CTesselDoc& document);
 
-    /// The counts on the two sides of the trigger, as they were when the writer was made. One is
-    /// negative for a file that does not reach to its trigger: samples keep their numbers.
+    /// The counts on both sides of the trigger when the writer was created. One is negative for a
+    /// file that does not include its trigger: samples keep their numbers.
     [[nodiscard]] std::int64_t Before() const noexcept { return before_; }
     [[nodiscard]] std::int64_t After() const noexcept { return after_; }
     [[nodiscard]] bool HasSamples() const noexcept { return hasSamples_; }
 
-    /// Creates the file and writes all that stands before the samples of a range of numbers. False
-    /// when it cannot be created.
+    /// Creates a file for the samples of a range of numbers and writes all that precedes them.
+    /// False when it cannot be created.
     [[nodiscard]] bool Begin(const std::string& path, std::int64_t first, std::int64_t last);
-    /// Writes at most so many rows, and what follows the last. A sample that has not arrived is
-    /// asked for.
+    /// Writes at most `rows` rows, and what follows the last. Asks for a sample that has not
+    /// arrived.
     [[nodiscard]] Step Write(std::size_t rows);
-    /// Leaves the next sample out, which is Missing.
+    /// Leaves out the next sample, which is Missing.
     void Skip() noexcept { ++next_; }
-    /// Ends in the middle: the file stays as far as it was written.
+    /// Abandons the save: the file stays as far as it was written.
     void Abort();
-    /// Of the range, in hundredths.
+    /// Progress through the range, in percent.
     [[nodiscard]] int Progress() const noexcept;
     /// The number of the next sample.
     [[nodiscard]] std::int64_t NextNumber() const noexcept { return next_ - before_; }

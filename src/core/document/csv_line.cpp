@@ -12,7 +12,7 @@ bool IsBareNumber(std::string_view text) {
     if (text.empty()) {
         return false;
     }
-    // A lone "-" counts as one.
+    // A lone "-" counts as a number.
     const std::string_view digits = text.substr(text.front() == '-' ? 1 : 0);
     return std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
@@ -92,11 +92,11 @@ void SplitCsvRecord(std::string_view first, TextReader& file, std::vector<std::s
         if (!line) {
             break;
         }
-        text += line->size() + 2; // the line end counts as carriage return and line feed
+        text += line->size() + 2; // two bytes for the line end
         if (text + fields.size() * sizeof(std::string) <= maxCsvRecord) {
             goesOn = CsvSplitLine(*line, fields);
         } else {
-            // Only the end of the record is looked for; its text goes nowhere.
+            // Only the end of the record is needed; its text is dropped.
             std::vector<std::string> dropped(1);
             goesOn = CsvSplitLine(*line, dropped);
         }

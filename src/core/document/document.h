@@ -8,7 +8,7 @@ namespace busquill {
 
 class CDocument;
 
-/// What a document hands its views beside a hint's number; a hint says which type it is.
+/// Data that a document passes to its views with a hint; the hint determines its type.
 struct HintObject {
     virtual ~HintObject() = default;
 };
@@ -37,24 +37,25 @@ public:
 
     [[nodiscard]] const std::string& GetPathName() const noexcept { return path_; }
     void SetPathName(std::string path) { path_ = std::move(path); }
-    /// What the document is called while it has no path.
+    /// The document's name while it has no path.
     [[nodiscard]] const std::string& GetTitle() const noexcept { return title_; }
     void SetTitle(std::string title) { title_ = std::move(title); }
     [[nodiscard]] bool IsModified() const noexcept { return modified_; }
     void SetModifiedFlag(bool modified = true) noexcept { modified_ = modified; }
 
-    /// A document without a file. False when it cannot be made.
+    /// Initializes a document without a file. False on failure.
     virtual bool OnNewDocument() { return true; }
-    /// Reads the file; reports in its own words and returns false when it cannot.
+    /// Reads the file. On failure reports the error to the user and returns false.
     virtual bool OnOpenDocument(const std::string& path) = 0;
-    /// Writes the file; reports in its own words and returns false when it cannot.
+    /// Writes the file. On failure reports the error to the user and returns false.
     virtual bool OnSaveDocument(const std::string& path) = 0;
-    /// The file has been written: it is the document's from here on.
+    /// Called after the file has been written, which is now the document's file.
     virtual void OnSaved(const std::string& path) {
         SetPathName(path);
         SetModifiedFlag(false);
     }
-    /// Whether the document is what its file holds, so that to open the file is to look at it.
+    /// Whether the document shows the content of its file, so that opening that file again may
+    /// activate this document.
     [[nodiscard]] virtual bool ShowsItsFile() const { return true; }
 
 private:

@@ -14,7 +14,7 @@ constexpr std::string_view version = "1.0";
 
 using Fields = std::vector<std::string>;
 
-/// False at the end of the file.
+/// Reads one record into `fields`. False at the end of the file.
 bool ReadRecord(TextReader& file, OpenQuote openQuote, Fields& fields) {
     if (openQuote == OpenQuote::GoesOn) {
         return ReadCsvRecord(file, fields);

@@ -16,30 +16,30 @@ class Prompts;
 class TextReader;
 class TextWriter;
 
-/// How the files of a document type begin, and what messages call them.
+/// The type line of a document type's files, and the name that messages use for them.
 struct RecordFileKind {
     std::string_view fileType; // "Master File"
     std::string_view name;     // "master"
 };
 
-/// What a reader does with a line that ends inside a quoted value.
+/// How a reader treats a line that ends inside a quoted value.
 enum class OpenQuote {
-    GoesOn, // the value goes on in the next line
-    /// The value ends there with the line end, and the next line is lost. Where none follows, the
-    /// line is split once more behind its own fields.
+    GoesOn, // the value continues in the next line
+    /// The value ends there with the line end, and the next line is lost. If no line follows, the
+    /// line is split once more and its fields are appended again.
     DropsNextLine,
 };
 
 class RecordWriter {
 public:
     explicit RecordWriter(TextWriter& file) : file_(file) {}
-    /// Values of digits alone go out bare, others in double quotes.
+    /// Values of digits alone are written without quotes, others in double quotes.
     void Write(std::span<const std::string_view> fields);
     void Write(std::initializer_list<std::string_view> fields) {
         Write(std::span(fields.begin(), fields.size()));
     }
     void WriteEmptyLine();
-    /// For what is written in a form of its own.
+    /// For content in another form.
     [[nodiscard]] TextWriter& File() const noexcept { return file_; }
 
 private:
@@ -51,22 +51,23 @@ public:
     RecordDocument(RecordFileKind kind, OpenQuote openQuote, Prompts& prompts)
         : kind_(kind), openQuote_(openQuote), prompts_(prompts) {}
 
-    /// Refuses, in the words of its kind, a file of another type or version.
+    /// Rejects a file of another type or version with a message that names this kind of file.
     bool OnOpenDocument(const std::string& path) override;
-    /// The file comes into its place when it is whole.
+    /// The old file is replaced only when the new one is complete.
     bool OnSaveDocument(const std::string& path) override;
 
 protected:
     [[nodiscard]] Prompts& Messages() const noexcept { return prompts_; }
 
-    /// Before the first record of a file.
+    /// Called before the first record of a file.
     virtual void BeginReading() {}
-    /// A record, which begins with its key; the type and the version are not among them. It is kept
-    /// aside: whether the file is of the right kind is known at its end.
+    /// Called for each record, which begins with its key, except type and version. Derived classes
+    /// keep it aside: whether the file is of the right kind is known only at its end.
     virtual void TakeRecord(const std::vector<std::string>& fields, TextReader& file) = 0;
-    /// After the last record, when type and version are right: what was kept aside is taken over.
+    /// Called after the last record if type and version are right: the records kept aside are taken
+    /// over.
     virtual void EndReading() = 0;
-    /// All records but the type and the version.
+    /// Writes all records except type and version.
     virtual void WriteRecords(RecordWriter& writer) const = 0;
 
 private:

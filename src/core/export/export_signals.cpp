@@ -11,7 +11,7 @@ namespace busquill {
 
 namespace {
 
-/// Columns that stand for something else than bits of the sample.
+/// Columns that do not show bits of the sample.
 bool IsPlaceholder(const CSignal& signal) {
     if (!signal.decoded) {
         return signal.IsBlank();
@@ -48,7 +48,7 @@ std::string DecodedText::Read(const SampleRecord& record) {
     }
     CSignal& signal = list_[0];
     if (signal.groupWidth != 0) {
-        signal.groupData = value_; // whose bits stand in the order of the members
+        signal.groupData = value_; // bits in the order of the members
     } else {
         signal.data[0] = value_[0];
     }

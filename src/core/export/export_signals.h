@@ -12,7 +12,8 @@
 
 namespace busquill {
 
-/// Which rows of a list are seen: those of a listing by their width, waves by their height.
+/// Which rows of a list are visible: in a listing those with a width, among waves those with a
+/// height.
 enum class ListUse { State, Wave };
 
 /// A signal that is exported: a bit, a bus, or a decoded value.
@@ -24,24 +25,24 @@ struct ExportSignal {
     [[nodiscard]] bool IsDecoded() const noexcept { return signal->decoded != nullptr; }
 };
 
-/// The signals of a list that are seen and stand for bits, in their order.
+/// The visible signals of a list that show bits, in order.
 [[nodiscard]] std::vector<ExportSignal> ExportSignals(const CSignalList& list, ListUse use);
 
-/// What a decoded signal reads for a sample, as the listing has it. Texts are kept while the value
-/// and what stands around it come again, which they mostly do.
+/// The text of a decoded signal in a sample, as in the listing. Texts are cached by the value and
+/// its surroundings, which mostly repeat.
 class DecodedText {
 public:
     DecodedText(SignalTables& tables, const BoardTraits& board, const ExportSignal& signal,
                 bool zoom);
 
     [[nodiscard]] const std::string& Of(const SampleRecord& record);
-    /// Which digits of the value the listing shows, bit 0 the last one: some are blank where byte
-    /// lanes are off, all of them in another phase of the bus. All where it shows something else
-    /// than hexadecimal digits.
+    /// Which digits of the value the listing shows; bit 0 is the last digit. Digits of disabled
+    /// byte lanes are blank, and all digits in another phase of the bus. allDigits where the
+    /// listing shows something other than hexadecimal digits.
     [[nodiscard]] std::uint64_t ShownDigits(const SampleRecord& record);
     static constexpr std::uint64_t allDigits = ~std::uint64_t{0};
     static constexpr std::size_t digitBits = 4;
-    /// Characters of the longest text that there can be.
+    /// Length of the longest possible text in characters.
     [[nodiscard]] std::size_t Longest() const;
 
 private:
@@ -56,14 +57,14 @@ private:
     std::vector<std::uint8_t> next_;
     std::uint16_t surroundings_ = 0;
     bool hasLabels_ = false;
-    std::unordered_map<std::uint16_t, std::uint64_t> shown_; // by what stands around the value
+    std::unordered_map<std::uint16_t, std::uint64_t> shown_; // by the value's surroundings
     std::unordered_map<std::uint64_t, std::string> kept_;
-    const std::string* text_ = nullptr; // of the sample before
+    const std::string* text_ = nullptr; // of the previous sample
 };
 
-/// The time of each sample: the running sum of TIME, from 0 for the first on, so that gaps between
-/// samples stay true. Nanoseconds, or picoseconds for Power Zoom samples. Records hold it whether a
-/// list shows it or not.
+/// The time of each sample: the running sum of TIME, starting with 0 at the first sample, which
+/// keeps gaps between samples. Nanoseconds, or picoseconds for Power Zoom samples. Taken from the
+/// records, so no list needs to show TIME.
 class ExportTime {
 public:
     [[nodiscard]] std::int64_t Next(const SampleRecord& record) noexcept {

@@ -10,7 +10,7 @@ namespace busquill {
 namespace {
 
 constexpr std::size_t chunkSamples = std::size_t{1} << 18; // 4.5 MB
-// Records of a bus repeat themselves so much that more effort gains little.
+// Records of a bus are so repetitive that more effort gains little.
 constexpr const char* effort = "3";
 
 std::string Metadata(const SessionFile::Capture& capture) {

@@ -10,15 +10,15 @@
 
 namespace busquill {
 
-/// A capture as a session of the open logic analyzer programs: a zip archive of the raw records,
-/// 144 channels of which each has a name. It is written piece by piece.
+/// A capture as a session file of the open logic analyzer programs: a zip archive of the raw
+/// records, with 144 named channels. Written piece by piece.
 class SessionFile {
 public:
     struct Capture {
-        std::vector<std::string> channels; // one for each bit of the record
-        std::uint64_t sampleRate = 1;      // samples a second; 1 where the samples have no rate
+        std::vector<std::string> channels; // names, one for each bit of the record
+        std::uint64_t sampleRate = 1;      // samples per second; 1 if unknown
     };
-    /// Takes bytes of the archive; false when they cannot be written.
+    /// Writes bytes of the archive; false on failure.
     using Sink = std::function<bool(std::string_view)>;
 
     SessionFile(const Capture& capture, Sink sink);
@@ -26,7 +26,7 @@ public:
     SessionFile(const SessionFile&) = delete;
     SessionFile& operator=(const SessionFile&) = delete;
 
-    /// Each returns false when something could not be written.
+    /// Each returns false on failure.
     [[nodiscard]] bool Add(const SampleRows& rows);
     [[nodiscard]] bool End();
 
@@ -35,7 +35,7 @@ private:
     [[nodiscard]] bool WriteChunk();
 
     std::unique_ptr<Archive> archive_;
-    std::string chunk_; // records that wait
+    std::string chunk_; // records not written yet
     int chunks_ = 0;
     bool good_ = true;
 };

@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* scope = "capture";
 
-/// Of as many printable characters as needed.
+/// An identifier of as many printable characters as needed.
 std::string IdentifierOf(std::size_t number) {
     constexpr std::size_t characters = 94; // '!' to '~'
     std::string id;
@@ -28,7 +28,7 @@ std::string IdentifierOf(std::size_t number) {
 std::string WithoutBlanks(std::string_view text) {
     std::string name;
     for (const char c : text) {
-        // A point would stand between the names of two scopes.
+        // A dot would separate the names of two scopes.
         const bool plain = std::isgraph(static_cast<unsigned char>(c)) != 0 && c != '.';
         name += plain ? c : '_';
     }
@@ -43,7 +43,7 @@ std::pair<std::string, std::string> SplitRange(const std::string& name) {
     return ends ? std::pair(name.substr(0, bracket), name.substr(bracket)) : std::pair(name, "");
 }
 
-/// The viewer's numbers of the colours of the rainbow; 0 is its usual one.
+/// The viewer's number for the nearest rainbow colour; 0 is its default colour.
 int ViewerColor(std::uint32_t color) {
     struct Shade {
         int number;
@@ -60,7 +60,7 @@ int ViewerColor(std::uint32_t color) {
     const int green = static_cast<int>(color >> 8 & 0xFF);
     const int blue = static_cast<int>(color >> 16 & 0xFF);
     const auto [least, most] = std::minmax({red, green, blue});
-    constexpr int gray = 48; // colours with less difference than this
+    constexpr int gray = 48; // colours with less difference are gray
     if (most - least < gray) {
         return 0;
     }
@@ -109,7 +109,7 @@ void ValueDump::Begin(std::string& out) const {
     out += "$version\nBusquill!\n$end\n";
     if (!capture_.description.empty()) {
         std::string text = capture_.description;
-        std::ranges::replace(text, '$', '_'); // which would begin a word of the dump
+        std::ranges::replace(text, '$', '_'); // '$' begins a keyword of the dump
         std::erase(text, '\r');
         std::ranges::replace(text, '\n', ' ');
         out += "$comment\n" + text + "\n$end\n";
@@ -150,7 +150,7 @@ void ValueDump::Changes(const SampleRecord& record, bool isTrigger, std::string&
         }
         Change(value.item, bits_, out);
         if (value.textItem) {
-            // Right-aligned, as the languages of hardware keep texts in vectors.
+            // Right-aligned, as hardware description languages store texts in vectors.
             const std::string& text = value.text->Of(record);
             const std::size_t room = value.textItem->width / 8;
             const std::size_t length = std::min(text.size(), room);
@@ -169,10 +169,10 @@ void ValueDump::Changes(const SampleRecord& record, bool isTrigger, std::string&
 void ValueDump::Add(const SampleRows& rows, std::string& out) {
     for (std::size_t i = 0; i < rows.Size(); ++i) {
         const bool isFirst = now_ < 0;
-        // Two samples of one time would hide one another.
+        // Two samples at the same time would hide one another.
         const std::int64_t sum = time_.Next(rows.records[i]);
         now_ = std::max(AddTimes(now_, 1), sum);
-        // The sums do not count the time before the first sample.
+        // The sums do not include the time before the first sample.
         const std::int64_t step = isFirst ? SampleTime().Of(rows.records[i]) : sum - sum_;
         if (step > 0 && (narrowest_ == 0 || step < narrowest_)) {
             narrowest_ = step;
@@ -196,21 +196,21 @@ void ValueDump::Add(const SampleRows& rows, std::string& out) {
 
 void ValueDump::End(std::string& out) const {
     if (now_ >= 0) {
-        // Nobody knows how long the last sample lasts. Without an end it would not be seen.
+        // The duration of the last sample is unknown. Without an end it would not be visible.
         const std::int64_t end = AddTimes(now_, std::max<std::int64_t>(narrowest_, 1));
         out += Printf("#%lld\n", static_cast<long long>(end));
     }
 }
 
 std::string ValueDump::ViewerFile(std::string_view dumpPath, std::string_view viewerPath) const {
-    // How the viewer shows a value: right-aligned, in a base.
+    // The viewer's display flags of a value: alignment and radix.
     constexpr unsigned rightAligned = 0x20;
     constexpr unsigned hexadecimal = 0x02;
     constexpr unsigned decimal = 0x04;
     constexpr unsigned binary = 0x08;
     constexpr unsigned octal = 0x10;
     constexpr unsigned characters = 0x800;
-    // By which power of two 200 pixels are wide, in the units of the dump.
+    // 200 pixels are two to this power wide, in the dump's time units.
     const int zoom = capture_.zoom ? 16 : 12;
     std::string text = "[dumpfile] \"" + std::string(dumpPath) + "\"\n[savefile] \"" +
                        std::string(viewerPath) + "\"\n";

@@ -11,9 +11,8 @@
 
 namespace busquill {
 
-/// A capture as a value change dump, which viewers of waveforms read. Buses are vectors, the
-/// trigger is a signal of one bit, and each decoded signal has beside its bits a text, as a vector
-/// of characters.
+/// A capture as a value change dump for waveform viewers. Buses are vectors, the trigger is a
+/// one-bit signal, and each decoded signal has a text, as a vector of characters, beside its bits.
 class ValueDump {
 public:
     struct Capture {
@@ -25,26 +24,25 @@ public:
     /// The list must outlive the dump.
     ValueDump(const CSignalList& list, ListUse use, Capture capture);
 
-    /// Each appends to a text: what stands before the values, the values of the next samples, and
-    /// what ends them.
+    /// Each appends to a text: the header, the values of the next samples, and the end.
     void Begin(std::string& out) const;
     void Add(const SampleRows& rows, std::string& out);
     void End(std::string& out) const;
 
-    /// For the viewer: which signals to show, in the order, the radix and the colours of the list,
-    /// with the trigger in sight. With the whole paths of the dump and of the file itself the
-    /// viewer finds the one by the other, wherever it is started and both are moved.
+    /// The viewer's save file: the signals to show, with the order, radix and colours of the list,
+    /// and the trigger in view. Given the full paths of the dump and of this file, the viewer finds
+    /// the dump wherever it is started, and even after both were moved together.
     [[nodiscard]] std::string ViewerFile(std::string_view dumpPath,
                                          std::string_view viewerPath) const;
 
 private:
-    /// What stands in the dump under one identifier.
+    /// What the dump has under one identifier.
     struct Item {
         std::string name;
         std::string range; // "[31:0]", empty for a single bit
         std::string id;
         std::size_t width = 1;
-        std::string last; // the bits that were written last; empty at first
+        std::string last; // the bits written last; initially empty
     };
     struct Value {
         ExportSignal signal;
@@ -60,13 +58,13 @@ private:
 
     const CSignalList& list_;
     Capture capture_;
-    std::unordered_set<std::string> names_; // that are taken
+    std::unordered_set<std::string> names_; // names in use
     std::vector<Value> values_;
     Item trigger_;
     ExportTime time_;
     std::int64_t now_ = -1;
-    std::int64_t sum_ = 0;       // of TIME, up to the sample before
-    std::int64_t narrowest_ = 0; // time from a sample to the next; 0: none yet
+    std::int64_t sum_ = 0;       // of TIME, up to the previous sample
+    std::int64_t narrowest_ = 0; // shortest time between samples; 0: none yet
     std::optional<std::int64_t> triggerTime_;
     std::string bits_;
     std::string changes_;

@@ -18,7 +18,7 @@ bool IsTime(const ExportSignal& signal) {
            (signal.IsDecoded() && signal.signal->decoded->decodeKind == DecodeKind::Time);
 }
 
-/// The digits of a value, those that are not shown as blanks, as AppendCsvCell would have them.
+/// Appends the digits of a value as AppendCsvCell would, with blanks for those not shown.
 void AppendHex(std::string& out, std::span<const std::uint8_t> value, unsigned width,
                std::uint64_t shown) {
     const unsigned count = (width - 1) / 4 + 1;
@@ -37,7 +37,7 @@ void AppendNumber(std::string& out, std::int64_t number) {
                std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr);
 }
 
-/// Nanoseconds, with the picoseconds of Power Zoom samples behind the point.
+/// Nanoseconds, with the picoseconds of Power Zoom samples after the point.
 void AppendTime(std::string& out, std::int64_t time, bool zoom) {
     if (!zoom) {
         AppendNumber(out, time);
@@ -80,7 +80,7 @@ void ValueTable::AppendValue(const Column& column, std::string& cell) const {
     } else if (width == 1) {
         cell += column.value[0] != 0 ? '1' : '0';
     } else if (column.signal.signal->radix == Radix::Hex) {
-        // Nearly all values are such, and there are many: the same digits, in a straight line.
+        // Fast path for hexadecimal digits: nearly all values are such, and there are many.
         AppendHex(cell, column.value, width, column.digits);
     } else {
         std::string text = FormatValue(column.value, width, column.signal.signal->radix, {}, false);
@@ -123,7 +123,7 @@ bool ValueTable::Update(Column& column, const SampleRecord& record) {
     if (digits != 0) {
         AppendValue(column, cell_);
     }
-    // What is not shown has not changed.
+    // A value that is not shown does not count as a change.
     changed = !any_ || cell_ != column.cell;
     column.cell.swap(cell_);
     return changed;

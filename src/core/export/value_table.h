@@ -21,22 +21,22 @@ public:
     /// The list must outlive the table.
     ValueTable(const CSignalList& list, ListUse use, const Capture& capture);
 
-    /// Each appends to a text.
+    /// Each appends to `out`.
     void Begin(std::string& out) const;
     void Add(const SampleRows& rows, std::string& out);
 
 private:
     struct Column {
         ExportSignal signal;
-        std::vector<DecodedText> text; // one for a decoded value, else none
-        bool isLabel = false;          // the text is what is written, else the value while it shows
+        std::vector<DecodedText> text; // one for a decoded value, else empty
+        bool isLabel = false;          // write the text; else the value, while it is shown
         bool isTime = false;
-        // Of the sample before:
+        // Of the previous sample:
         std::vector<std::uint8_t> value;
         std::uint64_t word = 0;
         std::string label;
-        std::uint64_t digits = 0; // that are shown
-        std::string cell;         // with its comma
+        std::uint64_t digits = 0; // digits shown
+        std::string cell;         // including its comma
     };
 
     [[nodiscard]] bool Update(Column& column, const SampleRecord& record);

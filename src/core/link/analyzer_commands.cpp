@@ -10,7 +10,7 @@ namespace {
 constexpr FunctionCode noFunction{};
 constexpr std::int32_t lastSendingState = 38;
 
-// States 14 and 16, and 15 and 17, do the same thing: two rows of the board's own table.
+// States 14 and 16, and 15 and 17, do the same; the board's table lists both.
 // clang-format off
 constexpr std::array<StateRow, lastSendingState> stateRows{{
     { 1, StateSends::AddressLow,    noFunction,               StateReply::Acknowledgement},
@@ -61,7 +61,7 @@ constexpr bool StateRowsAreInOrder() {
 }
 static_assert(StateRowsAreInOrder());
 
-/// A run of states, which the commands behind it share. Unused places are 0.
+/// A sequence of states, and the commands that use it. Unused entries are 0.
 struct Sequence {
     bool setsRegisters; // states 1 to 5 come first
     std::array<std::int32_t, 4> states;
@@ -102,7 +102,7 @@ constexpr std::array sequences{
 };
 // clang-format on
 
-/// Hands out the rows of all sequences, one after the other.
+/// Calls `take` with each row of all sequences, in order.
 template <typename Take>
 constexpr void ForEachRow(Take take) {
     constexpr std::int32_t registerStates = 5;

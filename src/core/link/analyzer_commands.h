@@ -68,7 +68,7 @@ constexpr std::int32_t linkCommandCount = 52;
 constexpr std::int32_t finalState = 39;
 constexpr std::size_t sampleRecordSize = 18;
 
-/// First byte of a frame: what its second byte, the parameter, means.
+/// First byte of a frame: the meaning of its second byte, the parameter.
 enum FrameOpcode : std::uint8_t {
     FrameFunction = 2,
     FrameAddressLow = 4,
@@ -109,9 +109,9 @@ enum FunctionCode : std::uint8_t {
     FunctionStopBackplane = 40,
 };
 
-/// What the board sends for a good frame or payload, and before and after its data.
+/// The board sends this for a good frame or payload, and before and after its data.
 constexpr std::uint8_t acknowledgement = '*';
-constexpr std::int32_t framingBytes = 2; // the acknowledgements around data
+constexpr std::int32_t framingBytes = 2; // the two acknowledgements around data
 
 /// The board's registers, by address.
 enum BoardRegister : std::uint32_t {
@@ -153,7 +153,7 @@ enum BoardRegister : std::uint32_t {
     RegisterStimulusEvents = 1600,
 };
 
-/// What goes out in a state.
+/// What is sent in a state.
 enum class StateSends : std::uint8_t {
     AddressLow,
     AddressMiddle,
@@ -161,16 +161,16 @@ enum class StateSends : std::uint8_t {
     LengthLow,
     LengthHigh,
     Function,
-    Payload, // what preparation made, which is dropped then
+    Payload, // the prepared payload, which is then dropped
 };
 
-/// What comes back: an acknowledgement, or data between two of them.
+/// What the board replies: an acknowledgement, or data between two of them.
 enum class StateReply : std::uint8_t { Acknowledgement, Bytes, Samples };
 
 struct StateRow {
     std::int32_t state;
     StateSends sends;
-    FunctionCode function; // where a function is sent
+    FunctionCode function; // only with StateSends::Function
     StateReply reply;
 };
 

@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The board needs it after a change of rate, and the program after the identity read.
+/// The board needs this pause after a change of rate, the program after reading the identity.
 constexpr auto settlingTime = 2000ms;
 
 constexpr const char* demoModeMessage =
@@ -27,7 +27,7 @@ constexpr const char* demoModeMessage =
     "restart the program. Program will run in DEMO mode.";
 constexpr const char* communicationsError =
     "Communications error with analyzer. Check serial port connections.";
-/// An identity that comes after the connection sequence is not taken any more.
+/// An identity that arrives after the connection sequence is ignored.
 constexpr const char* noIdentity =
     "The analyzer has not told what it is. Check its connections and accept the\n"
     "Utilities/Setup dialog to connect again.";
@@ -40,7 +40,7 @@ CAnalyzerLink::CAnalyzerLink(Services services)
                                             services_.mainThread)) {}
 
 CAnalyzerLink::~CAnalyzerLink() {
-    // Completions that still run may use the link.
+    // Completions that are still running may use the link.
     ClosePort();
     threads_.clear();
 }
@@ -69,7 +69,7 @@ bool CAnalyzerLink::Exchange(LinkRequestPtr request) {
         MainThread& mainThread = waiting->mainThread;
         waiting->failed = done->result != LinkOk;
         done.reset();
-        waiting->busy = false; // the waiting frame may be gone from here on
+        waiting->busy = false; // from here on, the waiting function may have returned
         mainThread.Wake();
     };
     queue_->Submit(std::move(request));
@@ -105,7 +105,7 @@ bool CAnalyzerLink::Open(const PortSetting& port) {
     case PortSetting::Kind::Serial:
         OpenSerial(port);
         break;
-    case PortSetting::Kind::None: // which is wanted so, and no failure
+    case PortSetting::Kind::None: // chosen by the user, not a failure
         break;
     }
 
@@ -165,7 +165,7 @@ void CAnalyzerLink::OpenUsb(const PortSetting& setting) {
     }
 }
 
-// The thread of a USB board is started even when the board could not be opened: it waits.
+// For USB, the thread is started even when the board could not be opened: it then waits.
 void CAnalyzerLink::StartThread(std::shared_ptr<LinkPort> port) {
     queue_->Ring().Reset();
     if (port->IsOpen()) {
@@ -177,8 +177,8 @@ void CAnalyzerLink::StartThread(std::shared_ptr<LinkPort> port) {
     currentThread_ = threads_.back().get();
 }
 
-// After a failed identity read this runs on the link's thread, which cannot see its own end: it
-// waits the whole time and ends afterwards.
+// After a failed identity read this runs on the link's thread, which cannot wait for itself: the
+// wait times out, and the thread ends afterwards.
 void CAnalyzerLink::FallIntoDemoMode() {
     LinkThread* own = LinkThread::OnThisThread();
     const auto port = own != nullptr ? own->Port() : queue_->Port();
@@ -188,7 +188,7 @@ void CAnalyzerLink::FallIntoDemoMode() {
             thread->Stop();
         }
     }
-    // When the port has been opened again meanwhile, this is news of the old one.
+    // If the port has been opened again meanwhile, this failure concerns the old one.
     if (queue_->FallFrom(port, [this] { board_.EnterDemoMode(); }) && port != nullptr) {
         port->Close();
     }
@@ -229,7 +229,7 @@ void CAnalyzerLink::OnLinkOperationDone(std::int32_t result) {
         ClearLiveStatus();
         board_.SetCommLost(true);
     } else if (queue_->Port() == nullptr) {
-        // The link has left that board; what it owes is no news.
+        // The link has left that board, so its failures are not reported.
     } else if (phase == PhaseIdentify) {
         FallIntoDemoMode();
     } else {
@@ -241,7 +241,7 @@ void CAnalyzerLink::ReadIdentity() {
     Issue(PhaseIdentify, ReadRegisters(RegisterStatusBlock, statusBlock_));
 }
 
-// The time-out rule goes on with the rate of the negotiation until the next Open.
+// Time-outs are computed from the negotiated rate until the next Open.
 void CAnalyzerLink::SetBaudRate(int rate) {
     const auto port = queue_->Port();
     if (port == nullptr) {
@@ -278,7 +278,7 @@ void CAnalyzerLink::WriteBusConfig(const BusConfig& in) {
     queue_->WaitIdle();
 }
 
-// A saved configuration overrides what the board holds and clears the master lock.
+// A saved configuration overrides that of the board and clears the master lock.
 void CAnalyzerLink::LoadBusConfig() {
     auto saved = LoadSavedBusConfig(services_.settings);
     if (!saved) {
@@ -317,7 +317,7 @@ std::vector<std::uint8_t> CAnalyzerLink::ReadRingRaw() {
 
 void CAnalyzerLink::SendRaw(std::span<const std::uint8_t> bytes) {
     if (const auto port = queue_->Port()) {
-        // There is no request that could note a failure; the port has reported it.
+        // No request records the failure; the port has reported it.
         static_cast<void>(port->Send(bytes));
     }
 }

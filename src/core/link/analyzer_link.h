@@ -29,14 +29,14 @@ class SerialPort;
 class Settings;
 class UsbBus;
 
-/// The one connection to the board. Everything speaks to the board by a LinkRequest.
+/// The connection to the board. Everything talks to the board by LinkRequests.
 ///
-/// Threads: the public functions are called on the main thread, Submit, WaitIdle and the live
-/// status also on others. Completions run on the link's thread; in Demo Mode and with no port, on
-/// the caller's, inside Submit.
+/// Threads: the public functions are called on the main thread; Submit, WaitIdle and the live
+/// status may be called on others too. Completions run on the link's thread; in Demo Mode and with
+/// no port, on the caller's, inside Submit.
 class CAnalyzerLink {
 public:
-    /// What the link asks of the machine. All outlive the link.
+    /// Services that the link uses. All outlive the link.
     struct Services {
         Settings& settings;
         Prompts& prompts;
@@ -48,7 +48,7 @@ public:
     };
 
     explicit CAnalyzerLink(Services services);
-    /// Closes the port and waits for the link's thread. Requests that wait stay unfinished.
+    /// Closes the port and waits for the link's thread. Queued requests are not completed.
     ~CAnalyzerLink();
     CAnalyzerLink(const CAnalyzerLink&) = delete;
     CAnalyzerLink& operator=(const CAnalyzerLink&) = delete;
@@ -56,62 +56,63 @@ public:
     void Submit(LinkRequestPtr request);
     /// Waits until the queue is empty, at most 5 seconds.
     void WaitIdle();
-    /// Whether no request waits or runs.
+    /// Whether no request is queued or running.
     [[nodiscard]] bool IsIdle() const;
-    /// The request idiom: submits one request, which has no completion of its own, and waits,
-    /// without bound, until it has ended. Whether the result was LinkOk. What to say about a
-    /// failure is the caller's.
+    /// Submits a request without a completion and waits, without limit, until it is done. Returns
+    /// whether the result was LinkOk; the caller reports a failure.
     [[nodiscard]] bool Exchange(LinkRequestPtr request);
 
-    /// Asked now and then while the main thread waits in an Exchange, with the time that it has
-    /// waited. When it is true the link is closed, which ends the exchange as failed; nothing else
-    /// does, while a board only answers the first frame of a command again and again.
+    /// Called periodically while the main thread waits in an Exchange, with the time waited so far.
+    /// Returning true closes the link and so fails the exchange. Nothing else ends it while a board
+    /// keeps answering only the first frame of a command.
     using GiveUp = std::function<bool(std::chrono::milliseconds waited)>;
     void SetGiveUp(GiveUp giveUp);
 
-    /// Opens a port, in place of the one that is open. True when the board answered at another
-    /// rate than that of the setting.
+    /// Opens a port, replacing the open one. True when the board answered at another rate than the
+    /// setting's.
     bool Open(const PortSetting& port);
-    /// Leaves the port for none. Requests that have not ended do so as LinkTransferFailed.
+    /// Closes the port. Unfinished requests complete as LinkTransferFailed.
     void Close();
     void ReadIdentity();
     void SetBaudRate(int rate);
     /// The connection sequence, from Open to LoadBusConfig. A board that answered at another rate
-    /// than that of the setting is moved to it.
+    /// is set to the setting's rate.
     void Connect(const PortSetting& port);
 
     void ReadBusConfig(BusConfig& out);
     void WriteBusConfig(const BusConfig& in);
     void LoadBusConfig();
-    /// Called in Demo Mode after a change of the bus configuration, which decides the family.
+    /// The listener is called in Demo Mode after a change of the bus configuration, which
+    /// determines the family.
     void SetFamilyListener(std::function<void()> listener);
 
     void PollLiveStatus();
     void ClearLiveStatus();
-    /// The status byte, and the counts of samples before and after the trigger.
+    /// Returns the status byte; sets the counts of samples before and after the trigger.
     std::uint8_t GetLiveStatus(std::int32_t& before, std::int32_t& after);
     [[nodiscard]] std::int32_t GetEventOccurrences() const noexcept {
         return board_.EventOccurrences();
     }
-    /// Whether the last live status read has failed for good.
+    /// Whether the last read of the live status failed after all its tries.
     [[nodiscard]] bool CommLost() const noexcept { return board_.CommLost(); }
 
-    /// Drains all unread bytes, and writes bytes past the queue: for the serial test.
+    /// For the serial test: drains all unread bytes, and writes bytes bypassing the queue.
     [[nodiscard]] std::vector<std::uint8_t> ReadRingRaw();
     void SendRaw(std::span<const std::uint8_t> bytes);
-    /// One keep-alive on a port that needs it; otherwise nothing.
+    /// Sends one keep-alive on a port that needs it; otherwise does nothing.
     void SendKeepAlive();
 
-    /// The time by which the link waits. Any thread.
+    /// The clock of the link's time-outs. Any thread.
     [[nodiscard]] std::time_t Time() const;
     [[nodiscard]] bool IsDemoMode() const noexcept { return board_.IsDemoMode(); }
     [[nodiscard]] BoardIdentity Identity() const { return board_.Identity(); }
-    /// Whether the board's identity has come since the last Open. Any thread.
+    /// Whether the board's identity has been read since the last Open. Any thread.
     [[nodiscard]] bool IsIdentified() const noexcept { return board_.IsIdentified(); }
-    /// Whether the board's device has been taken away, which failed requests have told. A feature
-    /// of several exchanges ends then at the first: the next ones would say the same. Any thread.
+    /// Whether the board's device has been unplugged, which failed requests have already reported.
+    /// A feature of several exchanges then stops at the first failure: the others would report the
+    /// same. Any thread.
     [[nodiscard]] bool IsBoardGone() const;
-    /// What decides the board's family now. Any thread.
+    /// What currently determines the board's family. Any thread.
     [[nodiscard]] BoardTraits Traits() const { return board_.Traits(); }
 
 private:
@@ -130,16 +131,16 @@ private:
     std::function<void()> familyListener_; // main thread
     GiveUp giveUp_;                        // main thread
 
-    // What the link's own reads fill: written by the queue under its lock.
+    // Buffers of the link's own reads; the queue writes them under its lock.
     std::array<std::uint8_t, statusBlockSize> statusBlock_{};
     std::array<std::uint8_t, liveBlockSize> liveBlock_{};
     std::array<std::uint8_t, busBlockSize> busBlock_{};
 
     const std::unique_ptr<RequestQueue> queue_;
 
-    /// The thread of the present connection. Main thread changes it.
+    /// The thread of the current connection. Set on the main thread only.
     std::atomic<LinkThread*> currentThread_ = nullptr;
-    /// Main thread. A thread that did not end in time is kept here until it has.
+    /// Main thread only. A thread that did not end in time is kept here until it does.
     std::vector<std::unique_ptr<LinkThread>> threads_;
 };
 

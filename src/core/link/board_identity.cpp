@@ -79,7 +79,7 @@ constexpr std::array<std::string_view, 10> busModeNames{
     "PCI", "PCI-X", "VME", "2eVME", "2eSST", "PC/104", "PC/104+", "VMEP2", "VMEP0", "VSB",
 };
 
-/// Null for an unknown name.
+/// Returns null for an unknown name.
 const Model* FindModel(std::string_view name) noexcept {
     const auto* model = std::ranges::find_if(
         models, [&](const Model& row) { return EqualIgnoringCase(row.name, name); });
@@ -116,7 +116,7 @@ std::int32_t BusModeFromCode(unsigned code, std::int32_t modelId) noexcept {
     case ModelVmeKite:
         return code == 1 ? Bus2eVme : code == 2 ? Bus2eSst : BusVme;
     default:
-        return CorrectBusMode(BusPci, modelId); // others have one mode
+        return CorrectBusMode(BusPci, modelId); // the other models have one mode
     }
 }
 

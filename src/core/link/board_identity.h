@@ -1,4 +1,4 @@
-/// Which board is connected, how it sees its bus, and what a capture is doing on it.
+/// The connected board: its model, its bus configuration, and the status of its capture.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@
 
 namespace busquill {
 
-/// Model ids. A name that is not known leaves the id as it was.
+/// Model ids. An unknown model name leaves the id unchanged.
 enum ModelId : std::int32_t {
     ModelDemo = 1,
     ModelPciKite,
@@ -41,7 +41,7 @@ enum BusMode : std::int32_t {
     BusVsb,
 };
 
-/// How the board is to see its bus.
+/// The bus that the board is set up for.
 struct BusConfig {
     std::int32_t busMode = 0;
     std::int32_t busWidth = 0;     // 0: 32 bit, 1: 64 bit
@@ -61,7 +61,8 @@ struct BoardIdentity {
     std::string hardwareRevision;
 };
 
-/// What the rest of the program asks about the board: a copy of what decides its family.
+/// What the rest of the program needs to know about the board: a copy of what determines its
+/// family.
 struct BoardTraits {
     std::string modelString;
     bool demoMode = false;
@@ -101,7 +102,7 @@ struct LiveStatus {
 [[nodiscard]] std::span<const std::string_view> BusModeNames() noexcept;
 /// The names of all models, Demo Mode first.
 [[nodiscard]] std::vector<std::string_view> ModelNames();
-/// A board that is only named, in the first of its bus modes; nothing for an unknown model.
+/// The traits of a model by its name, in its first bus mode; nothing for an unknown model.
 [[nodiscard]] std::optional<BoardTraits> TraitsOfModel(std::string_view name);
 
 /// The bus modes of a model by its name; those of Demo Mode for an unknown one.
@@ -110,10 +111,10 @@ struct LiveStatus {
 /// The display name of a bus mode; any other number is shown as "PCI".
 [[nodiscard]] std::string_view BusModeName(std::int32_t busMode) noexcept;
 
-/// The bus modes that a model offers; an unknown model is served as Demo Mode.
+/// The bus modes that a model offers; an unknown model is treated as Demo Mode.
 [[nodiscard]] std::span<const std::int32_t> BusModesOf(std::int32_t modelId) noexcept;
 
-/// Reads the status block; a model name that is not known keeps `previous.modelId`.
+/// Parses the status block; an unknown model name keeps `previous.modelId`.
 [[nodiscard]] BoardIdentity ParseIdentity(std::span<const std::uint8_t, statusBlockSize> block,
                                           const BoardIdentity& previous);
 [[nodiscard]] BusConfig ParseBusConfig(std::span<const std::uint8_t, busBlockSize> block,
@@ -122,7 +123,7 @@ struct LiveStatus {
 EncodeBusConfig(const BusConfig& config) noexcept;
 [[nodiscard]] LiveStatus
 ParseLiveStatus(std::span<const std::uint8_t, liveBlockSize> block) noexcept;
-/// A stored bus mode, corrected to one that the model has.
+/// A stored bus mode, corrected to one that the model supports.
 [[nodiscard]] std::int32_t CorrectBusMode(std::int32_t busMode, std::int32_t modelId) noexcept;
 
 } // namespace busquill

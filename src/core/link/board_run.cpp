@@ -6,13 +6,13 @@ BoardRun::BoardRun(Parts parts) : parts_(std::move(parts)) {}
 
 BoardRun::~BoardRun() = default;
 
-void BoardRun::LookEvery(std::chrono::milliseconds period) {
+void BoardRun::PollEvery(std::chrono::milliseconds period) {
     if (parts_.timer) {
-        parts_.timer->Start(period, [this] { Look(); });
+        parts_.timer->Start(period, [this] { Poll(); });
     }
 }
 
-void BoardRun::LookNoMore() {
+void BoardRun::StopPolling() {
     if (parts_.timer) {
         parts_.timer->Stop();
     }

@@ -10,33 +10,33 @@ namespace busquill {
 class CAnalyzerLink;
 class Prompts;
 
-/// Something that runs on the board: its steps are sent (SendSteps), it is looked at every so often
-/// (ReadStatus), and it ends by itself or by Stop. A derived class is given values, these parts and
-/// whom to tell, and so runs in a window, on the command line and in a test alike. Everything
-/// happens on the main thread, which waits for each exchange.
+/// A run of a function on the board: its steps are sent (SendSteps), its status is polled
+/// (ReadStatus), and it ends when the board has finished or on Stop. A derived class takes its
+/// values, these parts and an observer, so it works in a window, on the command line and in a test.
+/// Main thread, which waits for each exchange.
 class BoardRun {
 public:
     struct Parts {
         CAnalyzerLink& link;
         Prompts& prompts;
-        /// Null where whoever owns the run calls Look.
+        /// Null where the owner of the run calls Poll.
         std::unique_ptr<RepeatingTimer> timer = nullptr;
     };
 
     explicit BoardRun(Parts parts);
-    /// Nobody looks any more; nothing goes to the board.
+    /// Polling ends; nothing is sent to the board.
     virtual ~BoardRun();
     BoardRun(const BoardRun&) = delete;
     BoardRun& operator=(const BoardRun&) = delete;
 
-    /// One look at what runs, and all that follows from it.
-    virtual void Look() = 0;
+    /// Reads the status of the run and acts on it.
+    virtual void Poll() = 0;
     virtual void Stop() = 0;
 
 protected:
-    /// From one period on.
-    void LookEvery(std::chrono::milliseconds period);
-    void LookNoMore();
+    /// Starts polling; the first poll comes after one period.
+    void PollEvery(std::chrono::milliseconds period);
+    void StopPolling();
 
     [[nodiscard]] CAnalyzerLink& Link() const noexcept { return parts_.link; }
     [[nodiscard]] Prompts& Boxes() const noexcept { return parts_.prompts; }

@@ -7,19 +7,20 @@
 
 namespace busquill {
 
-/// What is known about the board: identity, bus configuration, live status. Any thread; texts and
-/// records are copied under a lock.
+/// What is known about the board: identity, bus configuration, live status. Any thread; values are
+/// copied under a lock.
 class BoardState {
 public:
     [[nodiscard]] bool IsDemoMode() const noexcept { return demoMode_; }
     [[nodiscard]] bool IsVmeFamily() const;
     [[nodiscard]] BoardIdentity Identity() const;
-    /// Whether an identity has come since ForgetBoard.
+    /// Whether an identity has been set since ForgetBoard.
     [[nodiscard]] bool IsIdentified() const noexcept { return identified_; }
     [[nodiscard]] BoardTraits Traits() const;
     [[nodiscard]] BusConfig Bus() const;
 
-    /// Another board may be there now. What was known of the last one stays until it is told.
+    /// Another board may be connected now. What is known of the last one is kept until it is
+    /// replaced.
     void ForgetBoard() noexcept {
         demoMode_ = false;
         identified_ = false;
@@ -34,7 +35,7 @@ public:
     [[nodiscard]] bool CommLost() const noexcept { return commLost_; }
     void SetCommLost(bool lost) noexcept { commLost_ = lost; }
     void SetLive(const LiveStatus& live);
-    /// The status byte and the two counts; the occurrences stay.
+    /// Clears the status byte and the two counts; the occurrences stay.
     void ClearLive();
 
 private:

@@ -1,5 +1,5 @@
-/// The commands as the board's manual lists them, where the compiler can hold a call against them:
-/// what each takes along and brings back.
+/// The commands as the board's manual lists them, with what each sends and returns. The compiler
+/// checks calls against this table.
 #pragma once
 
 #include "link/analyzer_commands.h"
@@ -11,13 +11,13 @@
 
 namespace busquill {
 
-/// What a command takes along and brings back.
+/// What a command sends and returns.
 enum class CommandKind : std::uint8_t {
     Function, // nothing: no address, no length
     Register, // writes a payload of fixed size to a register
     Memory,   // writes a payload to an address
-    Bytes,    // reads bytes from an address on
-    Samples,  // reads samples from a distance to the trigger on
+    Bytes,    // reads bytes from an address
+    Samples,  // reads samples from a distance to the trigger
 };
 
 struct CommandRow {
@@ -25,10 +25,10 @@ struct CommandRow {
     std::string_view name;
     CommandKind kind;
     std::uint32_t address; // of the register
-    std::uint32_t bytes;   // that go there, whatever the payload's maker gives
+    std::uint32_t bytes;   // written there, whatever the size of the payload
 };
 
-/// The row of a command; null for a number that is no command.
+/// The row of a command; null for a number that is not a command.
 [[nodiscard]] const CommandRow* FindCommand(std::int32_t command) noexcept;
 
 /// The command's readable name, for logs and failed tests.

@@ -6,8 +6,8 @@
 
 namespace busquill {
 
-bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
-                    const char* failure) {
+bool ExchangeOrReport(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
+                      const char* failure) {
     const bool succeeded = link.Exchange(std::move(request));
     if (!succeeded) {
         prompts.TopmostMessage(failure);
@@ -15,18 +15,18 @@ bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompt
     return succeeded;
 }
 
-bool ReadOrTell(CAnalyzerLink& link, std::uint32_t address, std::span<std::uint8_t> bytes,
-                Prompts& prompts, const char* failure) {
-    return ExchangeOrTell(link, ReadRegisters(address, bytes), prompts, failure);
+bool ReadOrReport(CAnalyzerLink& link, std::uint32_t address, std::span<std::uint8_t> bytes,
+                  Prompts& prompts, const char* failure) {
+    return ExchangeOrReport(link, ReadRegisters(address, bytes), prompts, failure);
 }
 
 Sent SendSteps(CAnalyzerLink& link, std::vector<RunStep> steps, Prompts& prompts) {
     Sent sent = Sent::All;
     for (RunStep& step : steps) {
-        if (ExchangeOrTell(link, std::move(step.request), prompts, step.failure)) {
+        if (ExchangeOrReport(link, std::move(step.request), prompts, step.failure)) {
             continue;
         }
-        // A board that is gone would refuse the others with the same words.
+        // With the board gone, the other steps would fail with the same messages.
         if (step.then == IfRefused::End || link.IsBoardGone()) {
             return Sent::Ended;
         }
@@ -38,7 +38,7 @@ Sent SendSteps(CAnalyzerLink& link, std::vector<RunStep> steps, Prompts& prompts
 bool ReadStatus(CAnalyzerLink& link, const StatusRegister& from, std::span<std::uint8_t> status,
                 Prompts& prompts) {
     std::fill(status.begin(), status.end(), from.preset);
-    return ReadOrTell(link, from.address, status, prompts, from.failure);
+    return ReadOrReport(link, from.address, status, prompts, from.failure);
 }
 
 } // namespace busquill

@@ -1,4 +1,5 @@
-/// Exchanges with the board whose failure the user must hear of. Main thread, which waits for each.
+/// Exchanges with the board whose failures are reported to the user. Main thread, which waits for
+/// each.
 #pragma once
 
 #include "link/analyzer_link.h"
@@ -12,47 +13,48 @@ namespace busquill {
 
 class Prompts;
 
-/// Sends a request and waits for its end. A failure is told above all windows, in the words of the
-/// feature, and returned for those that must not go on.
-bool ExchangeOrTell(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
-                    const char* failure);
+/// Sends a request and waits until it is done. Shows `failure` above all windows when it fails, and
+/// returns whether it succeeded.
+bool ExchangeOrReport(CAnalyzerLink& link, LinkRequestPtr request, Prompts& prompts,
+                      const char* failure);
 
-/// Reads the board's memory from a register on. Without a board the bytes stay as they were.
-[[nodiscard]] bool ReadOrTell(CAnalyzerLink& link, std::uint32_t address,
-                              std::span<std::uint8_t> bytes, Prompts& prompts, const char* failure);
+/// Reads the board's memory starting at a register. Without a board the bytes are unchanged.
+[[nodiscard]] bool ReadOrReport(CAnalyzerLink& link, std::uint32_t address,
+                                std::span<std::uint8_t> bytes, Prompts& prompts,
+                                const char* failure);
 
-/// What follows when the board does not take a step.
+/// What to do when a step fails.
 enum class IfRefused { GoOn, End };
 
-/// One of several commands that go to the board in their order.
+/// One of several commands that are sent to the board in order.
 struct RunStep {
     LinkRequestPtr request;
     const char* failure;
     IfRefused then = IfRefused::GoOn;
 };
 
-/// How far steps have gone.
+/// Which steps were sent.
 enum class Sent {
-    All,  // the board has taken each
-    Some, // some were refused, which the user has heard, and the others have gone all the same
-    Ended // a step was refused that ends the row, or the board is gone
+    All,  // all succeeded
+    Some, // some failed, which was reported, and the others were sent all the same
+    Ended // a step that must succeed failed, or the board is gone
 };
 Sent SendSteps(CAnalyzerLink& link, std::vector<RunStep> steps, Prompts& prompts);
 
-/// Where the board tells how far something has come.
+/// Where the board reports the progress of a function.
 struct StatusRegister {
     std::uint32_t address;
-    /// What the status is where there is no board: no look reads anything then.
+    /// The status to assume without a board, when nothing is read.
     std::uint8_t preset;
-    /// Between two looks.
+    /// Between two polls.
     std::chrono::milliseconds period;
     const char* failure;
 };
 
-/// Of every status byte that a function of the board has: it is still running.
+/// Set in the status byte of every function of the board while it is running.
 constexpr std::uint8_t statusRunning = 0x80;
 
-/// One look at a status, which may have more bytes after the first. False when it cannot be read.
+/// Reads a status, which may have more bytes after the first. Reports a failure and returns false.
 [[nodiscard]] bool ReadStatus(CAnalyzerLink& link, const StatusRegister& from,
                               std::span<std::uint8_t> status, Prompts& prompts);
 

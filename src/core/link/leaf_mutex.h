@@ -6,8 +6,8 @@
 
 namespace busquill {
 
-/// A lock for words that are only copied in and out. Nothing is called while it is held, so a
-/// thread that waits for it waits for a moment and need not show message boxes meanwhile.
+/// A lock for values that are only copied in and out. Nothing is called while it is held, so waits
+/// are short and need not show message boxes.
 class BUSQUILL_CAPABILITY("mutex") LeafMutex {
 public:
     void Lock() BUSQUILL_ACQUIRE() BUSQUILL_UNCHECKED { mutex_.lock(); }

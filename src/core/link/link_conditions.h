@@ -5,7 +5,7 @@
 
 namespace busquill {
 
-/// What the link itself waits for; decides the number of tries and what a reply means.
+/// The link's own operation in progress; decides the number of tries and what a reply means.
 enum LinkPhase : std::int32_t {
     PhaseNone = 0,
     PhaseIdentify,
@@ -15,10 +15,10 @@ enum LinkPhase : std::int32_t {
     PhaseReadBus,
 };
 
-/// What the link is doing, read by the rules for retries and time-outs. Any thread.
+/// The link's state, as used by the rules for retries and time-outs. Any thread.
 struct LinkConditions {
     std::atomic<LinkPhase> linkPhase = PhaseNone;
-    /// The rate at which the board answered; 0 on USB and when it answered at none.
+    /// The rate at which the board answered; 0 on USB and when it answered at no rate.
     std::atomic<std::int32_t> actualBaud = 0;
 };
 

@@ -20,39 +20,39 @@ class Prompts;
 class ReplyRing;
 struct LinkRequest;
 
-/// What a port finds of the reply to the running request.
-struct ReplyLook {
-    std::int32_t count = 0; // bytes that lie in the ring
-    /// A transfer has failed: the request ends with that and is not tried again.
+/// How much of the reply to the running request has arrived.
+struct ReplyState {
+    std::int32_t count = 0; // bytes in the ring
+    /// A transfer failed: the request ends and is not retried.
     bool failed = false;
 };
 
-/// An open way to the board. Failures are reported here, in the port's own words.
+/// An open connection to the board. The port reports its failures to the user itself.
 ///
 /// Any thread sends; the link's thread receives. Each use holds the device by a shared pointer, so
-/// Close is safe while a read is under way: the device goes with its last use.
+/// Close is safe while a read is under way: the device is released after its last use.
 class LinkPort {
 public:
     virtual ~LinkPort() = default;
 
     [[nodiscard]] virtual bool IsOpen() const = 0;
-    /// Whether the device has been taken away: nothing that is sent will ever be answered.
+    /// Whether the device has been unplugged: nothing will be answered any more.
     [[nodiscard]] virtual bool IsGone() const noexcept { return false; }
-    /// Whether a board that hears nothing for long must be told that the program is there.
+    /// Whether an idle board must be told regularly that the program is still there.
     [[nodiscard]] virtual bool NeedsKeepAlive() const noexcept = 0;
-    /// Moves the line to another rate; the error number of the step that failed.
+    /// Changes the line's rate. Returns 0 or the error number of the step that failed.
     [[nodiscard]] virtual int ChangeBaud(int rate) = 0;
-    /// The kinds of line errors since the last call.
+    /// The kinds of line errors since the last call, see LineErrorWord.
     [[nodiscard]] virtual std::uint32_t ClearErrors() { return 0; }
-    /// Writes the bytes. False when the request that they belong to has failed with that; a
-    /// serial port's requests go on to their time-out instead.
+    /// Writes the bytes. False when their request has thereby failed; on a serial port it runs into
+    /// its time-out instead.
     [[nodiscard]] virtual bool Send(std::span<const std::uint8_t> bytes) = 0;
-    /// Link's thread: waits for what makes a look at the running request worth while, and puts
-    /// bytes that arrive in the ring, `wanted` at most.
+    /// Link's thread: waits until the running request may be able to proceed, and puts arriving
+    /// bytes in the ring, at most `wanted`.
     virtual void AwaitStep(ReplyRing& ring, std::size_t wanted) = 0;
-    /// Link's thread: the reply to the running request, as far as it has come.
-    [[nodiscard]] virtual ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) = 0;
-    /// Ends an AwaitStep that has no limit of its own.
+    /// Link's thread: the reply to the running request, as far as it has arrived.
+    [[nodiscard]] virtual ReplyState PollReply(LinkRequest& running, ReplyRing& ring) = 0;
+    /// Wakes an AwaitStep that waits without a limit.
     virtual void Wake() {}
     virtual void Close() = 0;
 };
@@ -66,8 +66,8 @@ public:
     void Configure(int baud);
     /// Sets the limit of a read; a failure is reported and ignored.
     void SetReadTimeout();
-    /// The rate at which the board answers, 0 when it answers at none. The line is left at the
-    /// rate that was tried last.
+    /// Finds the rate at which the board answers; 0 when it answers at none. The line is left at
+    /// the last rate tried.
     [[nodiscard]] int NegotiateBaud();
 
     [[nodiscard]] bool IsOpen() const override { return Port() != nullptr; }
@@ -77,7 +77,7 @@ public:
     [[nodiscard]] std::uint32_t ClearErrors() override;
     bool Send(std::span<const std::uint8_t> bytes) override;
     void AwaitStep(ReplyRing& ring, std::size_t wanted) override;
-    [[nodiscard]] ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) override;
+    [[nodiscard]] ReplyState PollReply(LinkRequest& running, ReplyRing& ring) override;
     void Close() override;
 
 private:
@@ -88,15 +88,15 @@ private:
     Prompts& prompts_;
     mutable LeafMutex portLock_;
     std::shared_ptr<SerialPort> port_ BUSQUILL_GUARDED_BY(portLock_);
-    Mutex writeLock_; // one writer or change of rate at a time
-    // Of the link's thread: bytes that have been read and that no request has wanted yet.
+    Mutex writeLock_; // one write or rate change at a time
+    // Link's thread only: bytes read that no request has wanted yet.
     std::array<std::uint8_t, 1024> input_{};
     std::size_t inputNext_ = 0;
     std::size_t inputEnd_ = 0;
-    std::atomic<bool> readFailed_ = false; // any thread reads it
+    std::atomic<bool> readFailed_ = false; // read by any thread
 };
 
-/// A board on USB. Acknowledgements do not exist there; data come alone on the input pipe.
+/// A board on USB. There are no acknowledgements; only data arrive on the input pipe.
 class UsbLinkPort final : public LinkPort {
 public:
     enum class Device { Closed, Open, ReopenAtSend };
@@ -104,31 +104,31 @@ public:
     static constexpr std::uint8_t outputPipe = 0x02;
     static constexpr std::uint8_t inputPipe = 0x82;
 
-    /// `wanted` names the device as UsbBus::Find takes it. Nothing asks for ReopenAtSend yet: it
-    /// is for a device that was closed and is to be opened again by the next send.
+    /// `wanted` names the device as UsbBus::Find takes it. ReopenAtSend is for a device that was
+    /// closed and is to be opened again by the next send; nothing uses it yet.
     UsbLinkPort(UsbBus& bus, std::string wanted, Prompts& prompts, Device device = Device::Closed);
 
     /// Finds and opens the device and makes it ready. `fallIntoDemoMode` is called at each failure
-    /// that ends in Demo Mode. False when no device was found; a failure behind that is followed
-    /// by the remaining steps, which then report theirs.
+    /// that leads to Demo Mode. False when no device was found; after a later failure the remaining
+    /// steps still run and report theirs.
     bool Open(const std::function<void()>& fallIntoDemoMode);
     [[nodiscard]] Device State() const;
 
     [[nodiscard]] bool IsOpen() const override { return State() != Device::Closed; }
     [[nodiscard]] bool IsGone() const noexcept override { return gone_; }
     [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return true; }
-    /// There is no rate here.
+    /// USB has no rate.
     [[nodiscard]] int ChangeBaud(int rate) override;
     bool Send(std::span<const std::uint8_t> bytes) override;
     void AwaitStep(ReplyRing& ring, std::size_t wanted) override;
-    /// Reads what the board owes to the request. The acknowledgements that a serial port would
-    /// bring are put in, so that the states see the same reply.
-    [[nodiscard]] ReplyLook LookForReply(LinkRequest& running, ReplyRing& ring) override;
+    /// Reads the request's missing bytes. The acknowledgements that a serial port would deliver are
+    /// inserted, so that the states see the same reply.
+    [[nodiscard]] ReplyState PollReply(LinkRequest& running, ReplyRing& ring) override;
     void Wake() override;
     void Close() override;
 
 private:
-    /// Reads exactly the span's bytes; false when that failed.
+    /// Fills the whole span; false when that fails.
     [[nodiscard]] bool ReadPipe(std::span<std::uint8_t> into);
     [[nodiscard]] bool Failed(const UsbDevice::Transfer& transfer);
     [[nodiscard]] bool ReopenUsb();
@@ -144,7 +144,7 @@ private:
     Mutex transferLock_; // one transfer at a time
     std::atomic<bool> gone_ = false;
 
-    // The pump's event: set by each send, cleared by the wait that it ends.
+    // The pump's event: set by each send, cleared when it ends a wait.
     std::mutex eventMutex_;
     std::condition_variable eventSet_;
     bool event_ = false; // under eventMutex_

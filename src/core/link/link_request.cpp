@@ -83,7 +83,7 @@ bool PreparePayload(LinkRequest& request) {
     request.payload = request.makePayload();
     if (row->kind == CommandKind::Register) {
         request.address = row->address;
-        // The board takes a fixed count, also where fewer rows are in use.
+        // The board expects a fixed number of bytes, even where fewer rows are in use.
         request.payload.resize(row->bytes);
     }
     request.length = static_cast<std::uint32_t>(request.payload.size());

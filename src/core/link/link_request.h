@@ -1,4 +1,4 @@
-/// One command for the board, and the verbs that make one: run, write, read.
+/// One command for the board, and the verbs that create one: run, write, read.
 #pragma once
 
 #include "link/command_rows.h"
@@ -40,48 +40,48 @@ struct LinkRequest {
 
     std::uint32_t address = 0; // or the distance from the trigger
     std::uint32_t length = 0;  // bytes or samples
-    /// Where data go; the caller's, and outlives the request.
+    /// Where data go. Owned by the caller; outlives the request.
     std::span<std::uint8_t> reply;
-    /// Called at each start and restart, on the thread that starts; what it looks at outlives the
-    /// request.
+    /// Called at each start and restart, on the thread that starts the request. What it refers to
+    /// outlives the request.
     PayloadMaker makePayload;
-    /// What it made at the last start.
+    /// Made by `makePayload` at the last start.
     std::vector<std::uint8_t> payload;
-    /// Runs on the link's thread, with no port on the caller's. Null: nobody asks.
+    /// Runs on the link's thread; with no port, on the caller's. May be null.
     Completion completion;
 };
 using LinkRequestPtr = std::unique_ptr<LinkRequest>;
 
-/// The plain maker beneath the verbs: everything else is zero.
+/// A request whose other fields are zero. The verbs below use it.
 [[nodiscard]] LinkRequestPtr NewRequest(std::int32_t command,
                                         LinkRequest::Completion completion = nullptr);
 
-/// A function of the board alone.
+/// Runs a function of the board, without data.
 [[nodiscard]] LinkRequestPtr RunCommand(FunctionCommand command);
 
-/// Writes to the command's register. What the maker gives is cut or filled with zeros to the size
-/// that the board takes there.
+/// Writes to the command's register. The payload is cut or padded with zeros to the size that the
+/// board expects there.
 [[nodiscard]] LinkRequestPtr WritePayload(RegisterCommand command, LinkRequest::PayloadMaker make);
-/// Writes all that the maker gives from an address on.
+/// Writes the whole payload, starting at an address.
 [[nodiscard]] LinkRequestPtr WriteMemory(MemoryCommand command, std::uint32_t address,
                                          LinkRequest::PayloadMaker make);
 
-/// Fills the span with the board's memory from a register on.
+/// Fills the span with the board's memory, starting at a register.
 [[nodiscard]] LinkRequestPtr ReadRegisters(std::uint32_t address, std::span<std::uint8_t> into);
 /// The same from the target's memory.
 [[nodiscard]] LinkRequestPtr ReadTarget(std::uint32_t address, std::span<std::uint8_t> into);
-/// As many samples as the span has room for, the first at a distance from the trigger.
+/// Reads as many samples as the span has room for, the first at a distance from the trigger.
 [[nodiscard]] LinkRequestPtr ReadSamples(SampleCommand command, std::uint32_t distance,
                                          std::span<std::uint8_t> into);
 
 /// The maker of a payload of one byte.
 [[nodiscard]] LinkRequest::PayloadMaker OneByte(std::uint8_t value);
 
-/// The board's code of a rate in bits per second; 0 for one that it does not know, and for 9600.
+/// The board's code for a rate in bits per second; 0 for an unknown rate, and for 9600.
 [[nodiscard]] std::uint8_t BaudCode(std::int32_t rate) noexcept;
 
-/// Makes the payload of a request that starts; a register's address and size come from its row.
-/// False for a writing command without a maker, which must not go out.
+/// Makes the payload of a request that is about to start; a register's address and size come from
+/// its row. False for a writing command without a maker, which must not be sent.
 [[nodiscard]] bool PreparePayload(LinkRequest& request);
 
 } // namespace busquill

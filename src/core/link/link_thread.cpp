@@ -22,7 +22,7 @@ LinkThread::LinkThread(std::shared_ptr<LinkPort> port, ReplyRing& ring, Step ste
       thread_([this] { Run(); }) {}
 
 LinkThread::~LinkThread() {
-    // The thread may be waiting for the user to answer a box, which this wait shows.
+    // The thread may be waiting for the answer to a box, which Stop shows while it waits.
     while (!Stop()) {
     }
     thread_.join();

@@ -15,12 +15,12 @@ class ReplyRing;
 /// of USB. Its priority is below normal, so that a flood of bytes does not slow the windows.
 class LinkThread {
 public:
-    /// Looks at the running request and returns how many bytes it lacks.
+    /// Runs the queue and returns how many bytes the running request lacks.
     using Step = std::function<std::size_t(LinkPort&)>;
 
-    /// Starts at once. Calls `step` after each wait of the port, until it is told to stop.
+    /// Starts the thread. It calls `step` after each wait of the port, until it is stopped.
     LinkThread(std::shared_ptr<LinkPort> port, ReplyRing& ring, Step step, MainThread& mainThread);
-    /// Waits for the thread's end, however long that takes.
+    /// Waits until the thread has ended, however long that takes.
     ~LinkThread();
     LinkThread(const LinkThread&) = delete;
     LinkThread& operator=(const LinkThread&) = delete;
@@ -29,8 +29,8 @@ public:
     [[nodiscard]] static LinkThread* OnThisThread() noexcept;
 
     [[nodiscard]] const std::shared_ptr<LinkPort>& Port() const noexcept { return port_; }
-    /// Tells the thread to end and gives it 1.1 seconds; whether it has ended. Called on the
-    /// thread itself, that takes the whole time, and the thread ends later.
+    /// Asks the thread to end and waits up to 1.1 seconds; returns whether it has ended. On the
+    /// thread itself this takes the whole time, and the thread ends later.
     bool Stop();
     [[nodiscard]] bool Stopping() const noexcept { return stopFlag_; }
     [[nodiscard]] bool Running() const noexcept { return threadRunning_; }
@@ -44,7 +44,7 @@ private:
     MainThread& mainThread_;
     std::atomic<bool> stopFlag_ = false;
     std::atomic<bool> threadRunning_ = true;
-    std::thread thread_; // last: it uses all of the above
+    std::thread thread_; // last member: it uses all of the above
 };
 
 } // namespace busquill

@@ -9,8 +9,8 @@ namespace busquill {
 
 namespace {
 
-/// The device of a port whose name begins with "COM". A name without a number from 1 up is taken
-/// as it stands, and fails to open.
+/// The device of a port whose name begins with "COM". A name without a number from 1 up is used as
+/// it is, and fails to open.
 std::string DeviceOf(const std::string& name, const Settings& settings) {
     const int number = ParseInt(std::string_view(name).substr(3));
     if (number < 1) {

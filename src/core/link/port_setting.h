@@ -6,18 +6,18 @@
 
 namespace busquill {
 
-/// Where the board is. A value: whoever connects makes one, and edits it, as he likes.
+/// Where the board is. A plain value: the caller of Open or Connect creates it and may change it.
 struct PortSetting {
     enum class Kind { None, Serial, Usb };
 
     Kind kind = Kind::None;
-    std::string name;   // as the user knows the port, and messages call it
-    std::string device; // the path of a serial port; of USB what UsbBus::Find takes
+    std::string name;   // as shown to the user and in messages
+    std::string device; // the path of a serial port; for USB the argument of UsbBus::Find
     int baud = usualBaudRate;
 };
 
-/// The port of a name, with the device and the rate that the settings give it: "COM1" and so on,
-/// "USB" and "USB2", which are the same. No other name is a port.
+/// The port of a name, with its device and rate from the settings: "COM1" and so on, or "USB" and
+/// "USB2", which are the same. Any other name gives no port.
 [[nodiscard]] PortSetting PortNamed(const std::string& name, const Settings& settings);
 
 /// The port that the settings choose.

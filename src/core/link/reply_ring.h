@@ -9,11 +9,11 @@
 
 namespace busquill {
 
-/// The bytes that have come from the board and are not consumed yet.
+/// The bytes that have arrived from the board and are not consumed yet.
 ///
 /// One thread puts bytes in; the unread ones are taken by whoever holds the queue lock, and by the
-/// serial test without it. There is no overflow check: a writer that laps the reader destroys
-/// data, which the counts of a request then show.
+/// serial test without it. There is no overflow check: a writer that laps the reader overwrites
+/// data, and the byte counts of a request then show it.
 class ReplyRing {
 public:
     static constexpr std::int32_t size = 100000;
@@ -25,7 +25,7 @@ public:
         const std::int32_t write = write_;
         return write - read + (read > write ? size : 0);
     }
-    /// The byte at an index from 0 to `size`; the last lies behind the ring and is always 0.
+    /// The byte at an index from 0 to `size`; the last is one past the ring and always 0.
     [[nodiscard]] std::uint8_t At(std::int32_t index) const noexcept {
         return bytes_[static_cast<std::size_t>(index)].load(std::memory_order_relaxed);
     }

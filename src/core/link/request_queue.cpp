@@ -25,7 +25,7 @@ constexpr auto idleLimit = 5s;
 constexpr std::int32_t tryLimit = 4;
 constexpr std::int32_t tryLimitIdentify = 1;
 
-// Milliseconds that a board has for its answer.
+// Milliseconds that a board has to answer.
 constexpr std::int64_t answerTime = 2000;
 constexpr std::int64_t answerTimeVme = 4000;
 constexpr std::int64_t answerTimeSearch = 60000;
@@ -44,8 +44,8 @@ std::int32_t ReplyLength(const StateRow& state, std::uint32_t length) noexcept {
     return 1;
 }
 
-/// Completions that a thread owes to requests submitted with no port. A completion may submit the
-/// next request of a chain, so they are run by a loop and not inside one another.
+/// Completions that a thread has yet to run for requests submitted with no port. A completion may
+/// submit the next request of a chain, so a loop runs them instead of nesting.
 struct OwedCompletions {
     std::deque<LinkRequestPtr> requests;
     bool running = false;
@@ -87,7 +87,8 @@ bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
                             const std::function<void()>& fallen) {
     std::deque<LinkRequestPtr> waiting;
     {
-        // One step, lest a port that is opened at this moment lose its requests or be forgotten.
+        // All under one lock, or a port that is opened at this moment might lose its requests or be
+        // dropped.
         const MutexLock lock(queueLock_);
         if (port != nullptr && !LeavePort(port)) {
             return false;
@@ -116,7 +117,7 @@ void RequestQueue::Submit(LinkRequestPtr request) {
 }
 
 void RequestQueue::Complete(LinkRequestPtr request) {
-    // Taken out of the request, which may end before the completion does.
+    // Moved out of the request, which may be destroyed before the completion returns.
     const auto completion = std::exchange(request->completion, nullptr);
     if (completion) {
         completion(std::move(request));
@@ -165,8 +166,8 @@ void RequestQueue::FailAll() {
     Fail(std::move(waiting));
 }
 
-// Only what is submitted with no port ends as good: of these, somebody may take the buffer for what
-// the board has answered.
+// Only requests submitted with no port complete as LinkOk: the callers of these might take the
+// unread buffer for the board's answer.
 void RequestQueue::Fail(std::deque<LinkRequestPtr> waiting) {
     for (LinkRequestPtr& request : waiting) {
         CompleteAtOnce(std::move(request), LinkTransferFailed);
@@ -174,7 +175,7 @@ void RequestQueue::Fail(std::deque<LinkRequestPtr> waiting) {
     mainThread_.Wake();
 }
 
-// retries and ringWriteAtFail stay: they tell of the command, not of one try.
+// retries and ringWriteAtFail stay: they belong to the command, not to one try.
 void RequestQueue::Prepare(LinkRequest& request) {
     request.state = 0;
     request.replyLength = 0;
@@ -191,7 +192,7 @@ void RequestQueue::Prepare(LinkRequest& request) {
             Printf("Error finding initial state for serial command %d.", request.command));
     }
     if (!PreparePayload(request)) {
-        // Zeros in the place of a payload would change the board.
+        // Zeros in place of a payload would change the board.
         assert(false && "a writing command has no maker of its payload");
         request.state = 0;
     }
@@ -218,7 +219,7 @@ void RequestQueue::StartHead() {
     LinkRequest& head = *requestQueue_.front();
     const StateRow* state = FindState(head.state);
     if (state == nullptr) {
-        // Nothing goes out, so nothing would make the USB thread look at this request.
+        // Nothing is sent, so nothing else would wake the USB thread for this request.
         if (const auto port = Port()) {
             port->Wake();
         }
@@ -287,14 +288,14 @@ std::size_t RequestQueue::Step(LinkPort& port) {
     {
         const MutexLock lock(queueLock_);
         --completing_;
-        // A port that was opened meanwhile has begun with the waiting request itself.
+        // A port that was opened meanwhile has already started the waiting request.
         if (anotherWaits && Port().get() == &port) {
             StartHead();
         }
         lacking = BytesLacking();
         idle = requestQueue_.empty();
     }
-    if (idle) { // an upload, which submits the next request in each completion, wakes nobody
+    if (idle) { // not during an upload, which submits the next request in each completion
         mainThread_.Wake();
     }
     return lacking;
@@ -305,14 +306,14 @@ std::size_t RequestQueue::BytesLacking() const {
     return static_cast<std::size_t>(std::max(reply - ring_.Unread(), 1));
 }
 
-/// One look at the running request. Returns it, removed from the queue, when it is finished.
+/// Advances the running request. Returns it, removed from the queue, when it is finished.
 LinkRequestPtr RequestQueue::StepHead(LinkPort& port) {
     LinkRequest& head = *requestQueue_.front();
-    const ReplyLook look = port.LookForReply(head, ring_);
-    if (look.failed) {
+    const ReplyState reply = port.PollReply(head, ring_);
+    if (reply.failed) {
         head.result = LinkTransferFailed;
         head.retries = tryLimit; // a failed transfer is not tried again
-    } else if (look.count >= head.replyLength) {
+    } else if (reply.count >= head.replyLength) {
         if (TakeReply(head)) {
             return nullptr;
         }
@@ -330,7 +331,7 @@ LinkRequestPtr RequestQueue::StepHead(LinkPort& port) {
     return finished;
 }
 
-/// Checks the reply and goes on to the next state; true while the request goes on.
+/// Checks the reply and goes to the next state; true while the request continues.
 bool RequestQueue::TakeReply(LinkRequest& head) {
     const StateRow* state = FindState(head.state);
     if (state == nullptr) {
@@ -359,7 +360,7 @@ bool RequestQueue::TakeReply(LinkRequest& head) {
 }
 
 /// Consumes the reply. A wrong first byte leaves the rest in the ring; a wrong last byte is found
-/// after the data have been handed out.
+/// only after the data have been copied out.
 bool RequestQueue::ReplyIsGood(LinkRequest& head, const StateRow& state) {
     if (ring_.Unread() == 0 || ring_.Take() != acknowledgement) {
         return false;
@@ -395,8 +396,8 @@ void RequestQueue::NoteTimeout(LinkRequest& head, LinkPort& port) {
     head.firstByte = ring_.At(first);
     if (head.bytesSeen > 0) {
         std::int32_t last = first + head.bytesSeen - 1;
-        // One off from every other wrap, and kept: an index of exactly the size reads the byte
-        // behind the ring.
+        // Differs by one from every other wrap on purpose: an index equal to the size reads the
+        // byte past the ring.
         if (last > ReplyRing::size) {
             last -= ReplyRing::size;
         }
@@ -404,8 +405,8 @@ void RequestQueue::NoteTimeout(LinkRequest& head, LinkPort& port) {
     }
 }
 
-/// Begins the command again from its first state while tries are left. Every good step gives all
-/// tries back, so a command that always fails at a later state goes on until the board recovers.
+/// Restarts the command from its first state while tries are left. Every good step resets the
+/// count, so a command that always fails at a later state continues until the board recovers.
 bool RequestQueue::Retry(LinkRequest& head) {
     const std::int32_t limit = conditions_.linkPhase == PhaseIdentify ? tryLimitIdentify : tryLimit;
     if (head.result == LinkOk || head.retries >= limit) {

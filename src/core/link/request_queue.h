@@ -28,46 +28,47 @@ struct LinkConditions;
 ///                                               completion, with no lock held
 ///
 /// queueLock_ is held while a request is prepared and sent and while USB is read, so a message box
-/// of the machine is open with it held. It is not held during a completion, which may submit.
+/// about a failure is open with the lock held. It is not held during a completion, which may
+/// submit.
 class RequestQueue {
 public:
-    /// Requests that still wait at its end are dropped; their completions do not run.
+    /// Requests still queued at destruction are dropped; their completions do not run.
     RequestQueue(const BoardState& board, const LinkConditions& conditions, Prompts& prompts,
                  Clock& clock, MainThread& mainThread);
     RequestQueue(const RequestQueue&) = delete;
     RequestQueue& operator=(const RequestQueue&) = delete;
 
-    /// With no port, the completion has run when the outermost Submit of the thread returns.
+    /// With no port, the completion has run by the time the thread's outermost Submit returns.
     void Submit(LinkRequestPtr request);
     /// Waits until nothing is queued and the last completion has returned, at most 5 seconds. On
-    /// the link's thread, which is inside a completion itself, only until nothing is queued.
+    /// the link's thread, which is itself inside a completion, only until nothing is queued.
     void WaitIdle();
     [[nodiscard]] bool IsIdle();
-    /// Runs the completions that this thread owes to requests it submitted with no port, when it
-    /// must wait for one inside another.
+    /// Runs the pending completions of requests that this thread submitted with no port. For a wait
+    /// inside a completion, which would otherwise never end.
     static void RunOwedCompletions();
 
-    /// Link's thread: looks at the running request of that port. Returns how many bytes must come
-    /// before another look finds more, which is 1 when that is not known. No more of them are to be
-    /// put in the ring until then: what lies there when a command begins again is discarded.
+    /// Link's thread: advances the running request of that port. Returns how many bytes must arrive
+    /// before another step can advance it, or 1 when that is not known. No more than these may be
+    /// put in the ring until then: unread bytes are discarded when a command is restarted.
     std::size_t Step(LinkPort& port);
 
     /// The port that requests go to; null when there is none.
     [[nodiscard]] std::shared_ptr<LinkPort> Port() const;
     void SetPort(std::shared_ptr<LinkPort> port);
-    /// Leaves that port; false when it is not the one in use (any more).
+    /// Stops using that port; false when it is not, or no longer, the one in use.
     bool ReleasePort(const std::shared_ptr<LinkPort>& port);
-    /// Leaves that port for none: `fallen` runs before another can take its place, and the requests
-    /// that wait fail. False, and nothing happens, when it is not the one in use (any
-    /// more). Null stands for a port that could not be opened.
+    /// Stops using that port because it failed: `fallen` runs before another port can replace it,
+    /// and all queued requests fail. Does nothing and returns false when it is not, or no longer,
+    /// the one in use. Null means a port that could not be opened.
     bool FallFrom(const std::shared_ptr<LinkPort>& port, const std::function<void()>& fallen);
-    /// Begins the running request again, on a port that has just been opened.
+    /// Restarts the running request on a port that has just been opened.
     void RestartHead();
-    /// Finishes all requests as failed: their board is not asked any more.
+    /// Completes all requests as failed; nothing more is sent to their board.
     void FailAll();
     [[nodiscard]] ReplyRing& Ring() noexcept { return ring_; }
 
-    /// Copies what requests have read, in one piece.
+    /// Copies a block that requests have read, under the lock.
     template <typename Block>
     [[nodiscard]] Block CopyOf(const Block& block) {
         const MutexLock lock(queueLock_);
@@ -113,7 +114,7 @@ private:
 
     Mutex queueLock_;
     std::deque<LinkRequestPtr> requestQueue_ BUSQUILL_GUARDED_BY(queueLock_);
-    /// Completions that run on a thread of the link.
+    /// Number of completions running on a thread of the link.
     int completing_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     std::time_t lastSendTime_ BUSQUILL_GUARDED_BY(queueLock_) = 0;
     ReplyRing ring_;

@@ -8,10 +8,11 @@ namespace busquill {
 
 class Settings;
 
-/// The bus configuration that the user has saved; nothing when a board's own is to be used.
+/// The bus configuration that the user has saved; nothing when the board's own is to be used.
 [[nodiscard]] std::optional<BusConfig> LoadSavedBusConfig(const Settings& settings);
 
-/// Saves a configuration, or that a board's own is to be used; what was saved before then stays.
+/// Saves a configuration, or with none the choice to use the board's own; the values saved before
+/// are kept then.
 void SaveBusConfig(Settings& settings, const std::optional<BusConfig>& config);
 
 } // namespace busquill

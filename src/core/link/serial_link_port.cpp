@@ -20,7 +20,7 @@ constexpr std::array probedRates{9600, 19200, 28800, 38400, 57600};
 constexpr int probesPerRate = 6;
 
 /// The frame that clears the low byte of the length register, sent a byte at a time: the board
-/// does nothing at the first byte and acknowledges the second, wherever in a frame it stood.
+/// ignores the first byte and acknowledges the second, whatever part of a frame it was expecting.
 constexpr std::array<std::uint8_t, 2> probeBytes{FrameLengthLow, 0};
 
 } // namespace
@@ -58,7 +58,7 @@ void SerialLinkPort::SetReadTimeout() {
 
 int SerialLinkPort::NegotiateBaud() {
     const auto port = Port();
-    // What an earlier connection has left unread must not pass for an answer to the probe.
+    // Bytes left unread by an earlier connection must not be taken for an answer to the probe.
     std::array<std::uint8_t, 64> stale{};
     while (port->Read(stale) == stale.size()) {
     }
@@ -112,8 +112,8 @@ bool SerialLinkPort::Send(std::span<const std::uint8_t> bytes) {
     return true;
 }
 
-// A port that has failed is not read again. The link's thread goes on looking at the running
-// request, so that it ends in its time-out and nobody waits for it for ever.
+// A failed port is not read again. The link's thread keeps stepping the running request, so that it
+// times out and nobody waits for it for ever.
 void SerialLinkPort::AwaitStep(ReplyRing& ring, std::size_t wanted) {
     const auto port = Port();
     if (port == nullptr || readFailed_) {
@@ -131,7 +131,7 @@ void SerialLinkPort::AwaitStep(ReplyRing& ring, std::size_t wanted) {
     inputNext_ += count;
 }
 
-ReplyLook SerialLinkPort::LookForReply(LinkRequest& running, ReplyRing& ring) {
+ReplyState SerialLinkPort::PollReply(LinkRequest& running, ReplyRing& ring) {
     running.bytesSeen = ring.Unread();
     running.ringReadAtFail = ring.ReadIndex();
     running.ringWriteAtFail = ring.WriteIndex();

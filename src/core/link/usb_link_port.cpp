@@ -53,8 +53,8 @@ bool UsbLinkPort::Open(const std::function<void()>& fallIntoDemoMode) {
     return true;
 }
 
-// Its result is never true, so the send that had to reopen counts as failed; the next one goes
-// out on the device that was opened here.
+// Never returns true, so the send that had to reopen counts as failed; the next one uses the device
+// opened here.
 bool UsbLinkPort::ReopenUsb() {
     Open([] {});
     return false;
@@ -128,8 +128,8 @@ int UsbLinkPort::ChangeBaud(int /*rate*/) {
     return ENOTTY;
 }
 
-ReplyLook UsbLinkPort::LookForReply(LinkRequest& running, ReplyRing& ring) {
-    if (running.result == LinkTransferFailed) { // the frame did not go out
+ReplyState UsbLinkPort::PollReply(LinkRequest& running, ReplyRing& ring) {
+    if (running.result == LinkTransferFailed) { // the frame was not sent
         return {.failed = true};
     }
     if (running.replyLength < 1) {

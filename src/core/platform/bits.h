@@ -16,20 +16,20 @@
 
 namespace busquill {
 
-/// Bits of the words in which rows of bits are kept.
+/// Bits in a word of a row of bits.
 constexpr std::size_t wordBits = 32;
 
-/// Words that hold so many bits.
+/// Words that hold `bits` bits.
 [[nodiscard]] constexpr std::size_t WordsFor(std::size_t bits) noexcept {
     return bits / wordBits + (bits % wordBits != 0 ? 1 : 0);
 }
 
-/// Bytes that hold so many bits.
+/// Bytes that hold `bits` bits.
 [[nodiscard]] constexpr std::size_t BytesFor(std::size_t bits) noexcept {
     return bits / 8 + (bits % 8 != 0 ? 1 : 0);
 }
 
-/// A word whose lowest bits are set; all of them if it has no more.
+/// A word with its lowest `count` bits set; all bits if it has no more than that.
 template <std::unsigned_integral Word>
 [[nodiscard]] constexpr Word LowBits(std::size_t count) noexcept {
     constexpr std::size_t width = std::numeric_limits<Word>::digits;
@@ -37,7 +37,7 @@ template <std::unsigned_integral Word>
                           : static_cast<Word>((std::uint64_t{1} << count) - 1);
 }
 
-/// The places of a word's set bits, in ascending order: `for (const std::size_t bit :
+/// The numbers of a word's set bits, in ascending order: `for (const std::size_t bit :
 /// EachSetBit(word))`.
 template <std::unsigned_integral Word>
 class EachSetBit {
@@ -68,7 +68,8 @@ private:
     Word word_;
 };
 
-// Words that belong to somebody else. A bit past their end reads as unset and takes no value.
+// Operations on words that the caller owns. A bit past their end reads as unset; writing it does
+// nothing.
 
 template <typename Words>
 concept BitWords = std::ranges::contiguous_range<Words> && std::ranges::sized_range<Words> &&
@@ -141,7 +142,7 @@ constexpr void UnsetBit(Words&& words, std::size_t bit) noexcept {
     return value & LowBits<std::uint64_t>(count);
 }
 
-/// Turns an 8 by 8 matrix of bits over its diagonal: bit j of byte i becomes bit i of byte j.
+/// Transposes an 8 by 8 matrix of bits: bit j of byte i becomes bit i of byte j.
 constexpr std::uint64_t Transpose8(std::uint64_t x) noexcept {
     std::uint64_t t = (x ^ (x >> 7)) & 0x00AA00AA00AA00AAU;
     x ^= t ^ (t << 7);
@@ -154,30 +155,30 @@ static_assert(Transpose8(0xFF) == 0x0101010101010101U);
 static_assert(Transpose8(0x8000000000000000U) == 0x8000000000000000U);
 static_assert(Transpose8(0x80) == 0x0100000000000000U);
 
-/// A row of bits. One past the end reads as unset and takes no value.
+/// A row of bits. A bit past the end reads as unset; writing it does nothing.
 class Bits {
 public:
     Bits() = default;
     explicit Bits(std::size_t size, bool value = false) { Reset(size, value); }
 
-    /// So many bits of one value, in the place of what was there.
+    /// Replaces the content by `size` bits, all of one value.
     void Reset(std::size_t size, bool value = false) {
         words_.assign(WordsFor(size), value ? ~0U : 0U);
         size_ = size;
-        EndWithZeros();
+        ClearBitsPastSize();
     }
-    /// Keeps those that there are; further ones are unset.
+    /// Keeps the bits up to the new size; added bits are unset.
     void Resize(std::size_t size) {
         words_.resize(WordsFor(size));
         size_ = size;
-        EndWithZeros();
+        ClearBitsPastSize();
     }
 
     [[nodiscard]] std::size_t Size() const noexcept { return size_; }
     [[nodiscard]] bool Test(std::size_t bit) const noexcept { return TestBit(words_, bit); }
-    /// How many are set.
+    /// The number of set bits.
     [[nodiscard]] std::size_t Count() const noexcept { return CountBits(words_); }
-    /// How many of the bits `first` to `end - 1` are set.
+    /// The number of set bits among `first` to `end - 1`.
     [[nodiscard]] std::size_t CountIn(std::size_t first, std::size_t end) const noexcept {
         std::size_t count = 0;
         ForEachPart(first, end, [&](std::size_t word, std::uint32_t part) {
@@ -185,11 +186,11 @@ public:
         });
         return count;
     }
-    /// The first unset one at or after `from`; where there is none, Size().
+    /// The first unset bit at or after `from`; where there is none, Size().
     [[nodiscard]] std::size_t FirstUnset(std::size_t from = 0) const noexcept {
         return std::min(busquill::FirstUnset(words_, from), size_);
     }
-    /// Calls `take` with the place of each set bit, in ascending order.
+    /// Calls `take` with the number of each set bit, in ascending order.
     template <typename Take>
     void ForEachSet(Take take) const {
         for (std::size_t word = 0; word < words_.size(); ++word) {
@@ -208,7 +209,7 @@ public:
     }
     void Set(std::size_t bit) noexcept { Assign(bit, true); }
     void Unset(std::size_t bit) noexcept { Assign(bit, false); }
-    /// The bits `first` to `end - 1`.
+    /// Sets the bits `first` to `end - 1` to `value`.
     void AssignIn(std::size_t first, std::size_t end, bool value) noexcept {
         ForEachPart(first, end, [&](std::size_t word, std::uint32_t part) {
             words_[word] = value ? words_[word] | part : words_[word] & ~part;
@@ -218,7 +219,8 @@ public:
     friend bool operator==(const Bits&, const Bits&) = default;
 
 private:
-    /// Each word in which some of the bits `first` to `end - 1` lie, with a mask of those.
+    /// Calls `take` with each word that holds some of the bits `first` to `end - 1`, and a mask of
+    /// those bits.
     template <typename Take>
     void ForEachPart(std::size_t first, std::size_t end, Take take) const {
         end = std::min(end, size_);
@@ -228,7 +230,7 @@ private:
                            ~LowBits<std::uint32_t>(at % wordBits));
         }
     }
-    void EndWithZeros() noexcept {
+    void ClearBitsPastSize() noexcept {
         if (size_ % wordBits != 0) {
             words_.back() &= LowBits<std::uint32_t>(size_ % wordBits);
         }

@@ -10,7 +10,7 @@ class Clock {
 public:
     virtual ~Clock() = default;
     [[nodiscard]] virtual std::time_t Time() const = 0;
-    /// A pause of a fixed length, which nothing ends early. On the main thread, the boxes of other
+    /// Pauses for a fixed time, which nothing cuts short. On the main thread, boxes raised by other
     /// threads are shown meanwhile.
     virtual void Sleep(std::chrono::milliseconds pause) = 0;
 };

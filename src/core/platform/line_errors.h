@@ -4,7 +4,7 @@
 
 namespace busquill {
 
-/// How often a line error of each kind has happened; the counts wrap.
+/// How often each kind of line error has occurred; the counts wrap.
 struct LineErrorCounts {
     std::uint32_t bufferOverrun = 0;
     std::uint32_t overrun = 0;
@@ -13,7 +13,7 @@ struct LineErrorCounts {
     std::uint32_t breaks = 0;
 };
 
-/// The error word for what has happened between two readings of the counts: a bit for each kind.
+/// The error word for the errors between two readings of the counts: one bit for each kind.
 [[nodiscard]] constexpr std::uint32_t LineErrorWord(const LineErrorCounts& before,
                                                     const LineErrorCounts& now) noexcept {
     // clang-format off

@@ -50,7 +50,7 @@ Answer MainThread::Show(const Box& box) {
 
 bool MainThread::WaitUntil(std::chrono::milliseconds limit, const std::function<bool()>& done) {
     const bool serving = std::this_thread::get_id() == thread_;
-    // A wait without a bound is asked for by a limit that a point in time could not hold.
+    // Callers ask for an unbounded wait by a limit that would overflow a time point.
     constexpr std::chrono::milliseconds longest = std::chrono::hours(24 * 365);
     const auto end = std::chrono::steady_clock::now() + std::min(limit, longest);
     std::unique_lock lock(mutex_);

@@ -12,7 +12,7 @@
 
 namespace busquill {
 
-/// The main thread's waiting place, and the way of a message box from another thread to it.
+/// Where the main thread waits, and how message boxes of other threads reach it.
 ///
 ///   link thread                      main thread
 ///   Show(box) -- pending_ -------->  WaitUntil / ServeBoxes
@@ -41,15 +41,15 @@ public:
     /// Any thread. On the main thread the box is shown at once, elsewhere it is handed over.
     Answer Show(const Box& box) override;
 
-    /// Any thread. Waits until `done` holds, at most `limit`, and returns what `done` says then.
-    /// `done` is asked at each Wake. On the main thread, boxes are served meanwhile; the time that
-    /// one is open counts.
+    /// Any thread. Waits until `done` returns true, at most `limit`, and returns its last result.
+    /// `done` is called at each Wake. On the main thread, boxes are served meanwhile; the time
+    /// while one is open counts.
     bool WaitUntil(std::chrono::milliseconds limit, const std::function<bool()>& done);
 
-    /// Any thread: something that a WaitUntil waits for may hold now.
+    /// Any thread: the condition of a WaitUntil may hold now.
     void Wake();
 
-    /// Main thread: shows the boxes that wait. Does nothing while one is being shown.
+    /// Main thread: shows the pending boxes. Does nothing while one is being shown.
     void ServeBoxes();
 
     /// Whether a handed-over box is being shown; timers hold their ticks meanwhile. Any thread.

@@ -8,7 +8,7 @@
 
 namespace busquill {
 
-/// Settings that live as long as the object.
+/// Settings that are kept in memory only.
 class MemorySettings final : public Settings {
 public:
     [[nodiscard]] int GetProfileInt(const std::string& section, const std::string& key,

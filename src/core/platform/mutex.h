@@ -33,7 +33,7 @@ public:
         held_ = true;
     }
     void Unlock() BUSQUILL_RELEASE() BUSQUILL_UNCHECKED {
-        // Told under the lock: whoever takes the mutex next may be about to destroy it.
+        // Notified under the lock: whoever takes the mutex next may be about to destroy it.
         const std::lock_guard lock(state_);
         held_ = false;
         freed_.notify_one();

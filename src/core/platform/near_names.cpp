@@ -11,12 +11,12 @@ namespace {
 
 constexpr int far = 1000;
 
-/// What is compared: without a range or the like in brackets, in lower case.
+/// The part of a name that is compared: without a range or other suffix in brackets, in lower case.
 std::string StemOf(std::string_view name) {
     return ToLower(Trim(name.substr(0, name.find_first_of("[("))));
 }
 
-/// How many letters must be put in, left out or changed to make one of the other.
+/// The number of letters to insert, delete or change to turn one into the other.
 int EditsBetween(std::string_view a, std::string_view b) {
     std::vector<int> row(b.size() + 1);
     std::iota(row.begin(), row.end(), 0);
@@ -31,12 +31,12 @@ int EditsBetween(std::string_view a, std::string_view b) {
     return row.back();
 }
 
-/// The less, the nearer; `far` for names that have nothing to do with the word.
+/// Smaller is nearer; `far` for names unrelated to the word.
 int DistanceOf(const std::string& name, const std::string& word) {
     if (name == word) {
         return 0;
     }
-    constexpr std::size_t least = 2; // letters that say something
+    constexpr std::size_t least = 2; // shorter words match by chance
     if (word.size() >= least && name.size() >= least) {
         if (name.starts_with(word) || word.starts_with(name)) {
             return 1;

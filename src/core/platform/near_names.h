@@ -6,9 +6,8 @@
 
 namespace busquill {
 
-/// Names for a message that tells what would have been right: with commas between them, those that
-/// are nearest to the word that was given first, the others in their order. A list that would be
-/// too long for a message ends in "...".
+/// A list of valid names for an error message, separated by commas: first those nearest to `word`,
+/// then the others in their order. A list too long for a message ends in "...".
 [[nodiscard]] std::string ListNearest(std::string_view word, std::vector<std::string> names);
 
 } // namespace busquill

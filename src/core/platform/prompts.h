@@ -7,7 +7,7 @@ namespace busquill {
 enum class BoxButtons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Answer { Ok, Cancel, Yes, No };
 
-/// A message box: its text, whether it stands above all windows, and what can be answered.
+/// A message box: its text, whether it stays above all windows, and its possible answers.
 struct Box {
     std::string text;
     bool topmost = false;

@@ -5,13 +5,15 @@
 
 namespace busquill {
 
-/// Calls a function again and again until it is stopped or goes. A timer that calls on the thread
-/// that has started it waits while that thread is busy; it never catches up on missed calls.
+/// Calls a function periodically until it is stopped or destroyed. Where the calls run on the
+/// thread that started the timer, they wait while that thread is busy; missed calls are not made
+/// up.
 class RepeatingTimer {
 public:
     virtual ~RepeatingTimer() = default;
 
-    /// The first call comes after one period. A timer that runs goes on with the new ones.
+    /// The first call comes after one period. A running timer is restarted with the new period and
+    /// function.
     virtual void Start(std::chrono::milliseconds period, std::function<void()> tick) = 0;
     virtual void Stop() = 0;
 };

@@ -27,8 +27,8 @@ int MillisecondsUntil(SteadyTime end) {
     return left.count() > 0 ? static_cast<int>(left.count()) : 0;
 }
 
-/// Waits for an event on the line; the events that are there, 0 at the end of the time, and
-/// POLLERR when the wait itself fails.
+/// Waits for an event on the line. Returns the pending events, 0 after a time-out, and POLLERR when
+/// the wait itself fails.
 short AwaitEvent(int handle, short wanted, SteadyTime end) {
     while (true) {
         pollfd waiting{handle, wanted, 0};
@@ -50,7 +50,7 @@ void MakeRaw(termios2& settings, int baud) {
     settings.c_lflag = 0;
     settings.c_cflag &= ~static_cast<tcflag_t>(CBAUD | (CBAUD << IBSHIFT) | CSIZE | PARENB |
                                                PARODD | CMSPAR | CSTOPB | CRTSCTS);
-    // With BOTHER the rate is the number itself, so that a rate without a code of its own serves.
+    // With BOTHER the rate is the number itself, so rates without a termios code work too.
     settings.c_cflag |= CS8 | CREAD | CLOCAL | BOTHER | (BOTHER << IBSHIFT);
     settings.c_ispeed = static_cast<speed_t>(baud);
     settings.c_ospeed = static_cast<speed_t>(baud);
@@ -58,8 +58,8 @@ void MakeRaw(termios2& settings, int baud) {
     settings.c_cc[VTIME] = 0;
 }
 
-/// Whether a line at the one rate can talk to one at the other: a receiver samples a byte's last
-/// bit correctly up to about 5 percent, shared by both ends.
+/// Whether lines at these two rates understand each other: a receiver samples a byte's last bit
+/// correctly up to about 5 percent, shared by both ends.
 bool RatesAgree(long asked, long given) {
     return std::labs(asked - given) * 40 <= asked;
 }
@@ -93,9 +93,9 @@ private:
     bool ErrorCounts(LineErrorCounts& counts) const;
     std::optional<std::size_t> ReadAtLeast(std::size_t wanted, std::span<std::uint8_t> into);
 
-    const int handle_; // without blocking: every wait is a bounded poll
+    const int handle_; // non-blocking: every wait is a bounded poll
     std::atomic<milliseconds> readTimeout_ = milliseconds{0};
-    LineErrorCounts errorsSeen_; // of the reading thread
+    LineErrorCounts errorsSeen_; // reading thread only
 };
 
 int PosixSerialPort::Configure(int baud) {
@@ -107,15 +107,15 @@ int PosixSerialPort::Configure(int baud) {
         return error;
     }
     MakeRaw(settings, baud);
-    // What was written goes out at the old rate first.
+    // Pending output is sent at the old rate first.
     if (::ioctl(handle_, TCSETSW2, &settings) != 0) {
         return errno;
     }
-    // The request line rests when it does not control the flow. Not every device has one.
+    // RTS stays inactive without flow control. Not every device has it.
     const int requestToSend = TIOCM_RTS;
     static_cast<void>(::ioctl(handle_, TIOCMBIC, &requestToSend));
 
-    // A driver takes a rate it does not have without complaint and stays at another one.
+    // A driver accepts an unsupported rate without an error and stays at another one.
     if (const int error = ReadSettings(settings); error != 0) {
         return error;
     }
@@ -134,7 +134,7 @@ std::optional<std::size_t> PosixSerialPort::ReadAtLeast(std::size_t wanted,
                                                         std::span<std::uint8_t> into) {
     const SteadyTime end = std::chrono::steady_clock::now() + readTimeout_.load();
     std::size_t count = 0;
-    // The bytes that came before a failure are still handed out; the next call tells of it.
+    // Bytes received before a failure are still returned; the next call reports the failure.
     const auto failed = [&] { return count == 0 ? std::nullopt : std::optional(count); };
     while (count < wanted) {
         const short events = AwaitEvent(handle_, POLLIN, end);
@@ -205,14 +205,13 @@ std::uint32_t PosixSerialPort::ClearErrors() {
 } // namespace
 
 std::unique_ptr<SerialPort> OpenSerialPort(const std::string& device) {
-    // Without O_NONBLOCK the open itself waits for a modem's carrier.
+    // Without O_NONBLOCK, open waits for a modem's carrier.
     const int handle = ::open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     if (handle < 0) {
         return nullptr;
     }
-    // A file lock keeps a second opener out whoever it is, and ends with a crashed program. The
-    // terminal's own exclusive mode lets the superuser in and outlives a crash on a pseudo
-    // terminal.
+    // A file lock keeps out any second opener and is released when the program crashes. The
+    // terminal's exclusive mode lets the superuser in and outlives a crash on a pseudo terminal.
     const bool isTerminal = ::isatty(handle) != 0;
     if (!isTerminal || ::flock(handle, LOCK_EX | LOCK_NB) != 0) {
         const int reason = !isTerminal ? ENOTTY : errno == EWOULDBLOCK ? EBUSY : errno;

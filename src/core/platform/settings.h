@@ -22,7 +22,7 @@ class Settings {
 public:
     virtual ~Settings() = default;
 
-    /// The stored number, or `fallback` when there is none or it is no number.
+    /// The stored number; `fallback` when nothing is stored or it is not a number.
     [[nodiscard]] virtual int GetProfileInt(const std::string& section, const std::string& key,
                                             int fallback) const = 0;
     [[nodiscard]] virtual std::string GetProfileString(const std::string& section,

@@ -17,7 +17,7 @@ bool IsSpace(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// Bytes of a character by its first one; 0 for one that begins none.
+/// Length in bytes of a character by its first byte; 0 for a byte that begins no character.
 std::size_t CharacterLength(unsigned char first) noexcept {
     return first < 0x80                    ? 1
            : first >= 0xC2 && first < 0xE0 ? 2
@@ -38,7 +38,7 @@ bool IsUtf8(std::string_view text) noexcept {
                 return false;
             }
         }
-        // Longer than needed, halves of a pair, and what lies behind the last character.
+        // Overlong forms, surrogate halves, and values after the last character.
         const auto second = static_cast<unsigned char>(length > 1 ? text[1] : 0);
         if ((first == 0xE0 && second < 0xA0) || (first == 0xED && second >= 0xA0) ||
             (first == 0xF0 && second < 0x90) || (first == 0xF4 && second >= 0x90)) {

@@ -1,4 +1,4 @@
-/// Texts of the program: printf-like composition and what the C library does with them.
+/// Text helpers: printf-like formatting, and parsing and case as in the C library.
 #pragma once
 
 #include <string>
@@ -16,7 +16,7 @@ namespace busquill {
 /// The text in lower case; only the letters A to Z change.
 [[nodiscard]] std::string ToLower(std::string_view text);
 
-/// The text as UTF-8: bytes of a text that is none are taken for Latin-1.
+/// The text as UTF-8; text that is not valid UTF-8 is taken as Latin-1.
 [[nodiscard]] std::string ToUtf8(std::string_view text);
 
 /// Whether two texts are equal without regard to the case of A to Z.

@@ -23,9 +23,9 @@ std::string_view WithoutCarriageReturn(std::string_view line) {
     return line;
 }
 
-/// Where a path leads: a link stays a link, and what it names is written, there or not. Empty for
-/// links that go round in a circle.
-std::string BehindLinks(std::filesystem::path path) {
+/// The file that a path leads to after all symbolic links, whether it exists or not; writing it
+/// keeps the links. Empty for a cycle of links.
+std::string TargetOfLinks(std::filesystem::path path) {
     constexpr int most = 40;
     std::error_code unknown;
     for (int i = 0; i < most; ++i) {
@@ -38,12 +38,12 @@ std::string BehindLinks(std::filesystem::path path) {
     return {};
 }
 
-/// Whether a file that is there may be written; it stays as it is.
+/// Whether an existing file may be written. Does not change it.
 bool MayWrite(const std::string& path) {
     return FileHandle(std::fopen(path.c_str(), "ab")) != nullptr;
 }
 
-/// Makes a file that was not there, under the target's name and more. Null when it cannot be made.
+/// Creates a new file with the target's name and a suffix, and sets `name`. Null on failure.
 std::FILE* MakeBeside(const std::string& target, std::string& name) {
     constexpr int tries = 100;
     std::random_device random;
@@ -59,7 +59,8 @@ std::FILE* MakeBeside(const std::string& target, std::string& name) {
     return nullptr;
 }
 
-/// Hands the file to the disk. Some file systems have nothing to hand over, which is no failure.
+/// Syncs the file to the disk. Some file systems do not support that, which does not count as a
+/// failure.
 bool ReachesDisk(std::FILE* file) {
     return std::fflush(file) == 0 && (::fsync(::fileno(file)) == 0 || errno == EINVAL);
 }
@@ -83,7 +84,7 @@ bool TextReader::Open(const std::string& path) {
 
 void TextReader::Take(FileHandle file) {
     file_ = std::move(file);
-    std::setvbuf(file_.get(), nullptr, _IONBF, 0); // the buffer is here
+    std::setvbuf(file_.get(), nullptr, _IONBF, 0); // we buffer ourselves
     buffer_.resize(bufferSize + readable);
     Rewind();
 }
@@ -150,7 +151,7 @@ bool TextWriter::Create(const std::string& path) {
 }
 
 bool TextWriter::CreateBeside(const std::string& path) {
-    const std::string target = BehindLinks(path);
+    const std::string target = TargetOfLinks(path);
     std::error_code unknown;
     const auto present = std::filesystem::status(target, unknown);
     const bool exists = std::filesystem::exists(present);
@@ -165,7 +166,7 @@ bool TextWriter::CreateBeside(const std::string& path) {
     }
     Discard();
     failed_ = false;
-    file_.reset(MakeBeside(target, temporary_)); // its own, whoever else writes to the target
+    file_.reset(MakeBeside(target, temporary_)); // unique, in case others write to the target too
     if (!file_) {
         temporary_.clear();
         return false;
@@ -184,7 +185,7 @@ void TextWriter::Write(std::string_view text) {
 
 bool TextWriter::Close() {
     bool whole = file_ && !failed_;
-    // A power cut soon after might else leave neither the old file nor the new one.
+    // Otherwise a power cut soon afterwards might leave neither the old file nor the new one.
     whole = whole && (target_.empty() || ReachesDisk(file_.get()));
     whole = file_ && std::fclose(file_.release()) == 0 && whole;
     if (whole && !target_.empty()) {

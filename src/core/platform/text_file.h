@@ -19,28 +19,28 @@ using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
 /// before it, or at the end of the file.
 class TextReader {
 public:
-    /// Lines longer than this are cut: no file of the program has one, and a file that is no text
-    /// must not take memory by its size.
+    /// Longer lines are cut. None of the program's files has one, and a binary file must not take
+    /// memory according to its size.
     static constexpr std::size_t maxLine = std::size_t{1} << 20;
 
     /// Opens a regular file; false for anything else, and when it cannot be read.
     [[nodiscard]] bool Open(const std::string& path);
-    /// Reads on in a file that is open already, from its beginning.
+    /// Reads a file that is already open, from its beginning.
     void Take(FileHandle file);
-    /// To the beginning again.
+    /// Goes back to the beginning.
     void Rewind();
     /// The next line without its end; valid until the next call. Nothing at the end of the file.
     [[nodiscard]] std::optional<std::string_view> ReadLine();
     /// Where in the file the last line that was read begins.
     [[nodiscard]] std::uint64_t LineStart() const noexcept { return lineStart_; }
-    /// Whether reading has failed since the file was opened; its lines then ended early.
+    /// Whether a read has failed since the file was opened; its lines then ended early.
     [[nodiscard]] bool Failed() const noexcept;
 
-    /// The bytes that are at hand without another read, many lines or the piece of one; empty at
-    /// the end of the file. `readable` more bytes behind them can be read, whatever they hold.
+    /// The buffered bytes, many lines or part of one; empty at the end of the file. `readable` more
+    /// bytes after them may be accessed; their content is undefined.
     [[nodiscard]] std::string_view AtHand();
     static constexpr std::size_t readable = 128;
-    /// Takes bytes that AtHand gave, which end with a line.
+    /// Consumes bytes returned by AtHand, up to the end of a line.
     void Skip(std::size_t count) noexcept { next_ += count; }
 
 private:
@@ -49,37 +49,38 @@ private:
     FileHandle file_;
     std::uint64_t bufferStart_ = 0; // where in the file the buffer begins
     std::uint64_t lineStart_ = 0;
-    std::vector<char> buffer_; // `readable` bytes longer than what is read into it
+    std::vector<char> buffer_; // `readable` bytes longer than its content
     std::size_t next_ = 0;     // unread bytes are buffer_[next_] to buffer_[end_ - 1]
     std::size_t end_ = 0;
-    std::string joined_; // a line that lay across two fillings of the buffer
+    std::string joined_; // a line split across two fills of the buffer
 };
 
-/// Writes a text file. Failures are remembered until Close. Without a Close the file is closed by
-/// the destructor, and nobody hears of a failure.
+/// Writes a text file. Failures are reported by Close. Without a Close, the destructor closes the
+/// file and failures go unreported.
 class TextWriter {
 public:
     TextWriter() = default;
-    /// A file beside its target that was not closed is removed.
+    /// Removes a file made by CreateBeside that was not closed.
     ~TextWriter();
     TextWriter(const TextWriter&) = delete;
     TextWriter& operator=(const TextWriter&) = delete;
 
-    /// Creates the file anew.
+    /// Creates the file, replacing an old one. False on failure.
     [[nodiscard]] bool Create(const std::string& path);
-    /// Creates a file beside the target; Close puts it in the target's place when it is whole and
-    /// on the disk, with the rights of the file that was there. A target that may not be written is
-    /// none; a link stays a link; a device or a pipe is written directly.
+    /// Creates a temporary file beside the target. Close puts it in the target's place when it is
+    /// complete and on the disk, with the permissions of the old file. Links are kept; a device or
+    /// a pipe is written directly. False when the target may not be written or the file cannot be
+    /// created.
     [[nodiscard]] bool CreateBeside(const std::string& path);
     void Write(std::string_view text);
-    /// Whether everything has reached the file, and the file its place.
+    /// Closes the file. Returns whether everything was written and the file is in its place.
     [[nodiscard]] bool Close();
 
 private:
     void Discard();
 
     FileHandle file_;
-    std::string target_;    // empty unless the file is written beside it
+    std::string target_;    // empty unless created by CreateBeside
     std::string temporary_; // the file beside the target
     bool failed_ = false;
 };

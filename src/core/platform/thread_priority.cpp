@@ -11,7 +11,7 @@ namespace busquill {
 
 void LowerThreadPriority() noexcept {
 #if defined(__linux__)
-    // Linux keeps the nice value for each thread, by its thread id.
+    // Linux keeps a nice value for each thread, by its thread id.
     const auto self = static_cast<id_t>(::syscall(SYS_gettid));
     errno = 0;
     const int nice = ::getpriority(PRIO_PROCESS, self);

@@ -2,7 +2,7 @@
 
 namespace busquill {
 
-/// Puts the calling thread a little below the others; a system that refuses leaves it as it is.
+/// Lowers the calling thread's priority a little; no effect where the system refuses.
 void LowerThreadPriority() noexcept;
 
 } // namespace busquill

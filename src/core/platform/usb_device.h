@@ -14,13 +14,13 @@ public:
     virtual ~UsbDevice() = default;
 
     struct Transfer {
-        bool ok = false;       // false: the transfer itself was refused
-        int error = 0;         // the platform's error number when it failed on the way
+        bool ok = false;       // false: the transfer was rejected
+        int error = 0;         // the platform's error number when the transfer failed
         std::size_t count = 0; // bytes moved
-        bool gone = false;     // failed because the device is not there any more
+        bool gone = false;     // failed because the device was unplugged
     };
 
-    /// Selects the interface with the bulk endpoints; false when the device refuses.
+    /// Claims the interface with the bulk endpoints; false when that fails.
     virtual bool SelectInterface() = 0;
     virtual bool ResetPipe(std::uint8_t endpoint) = 0;
     /// One bulk transfer to an endpoint; blocks until it is done.
@@ -28,7 +28,7 @@ public:
     virtual Transfer Read(std::uint8_t endpoint, std::span<std::uint8_t> into) = 0;
 };
 
-/// What a search for a board on USB found.
+/// Result of a search for a board on USB.
 struct UsbSearch {
     enum class Outcome { NotFound, DetailFailed, Found };
     Outcome outcome = Outcome::NotFound;

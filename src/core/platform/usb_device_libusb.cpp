@@ -9,8 +9,8 @@ namespace busquill {
 
 namespace {
 
-// The link's own time-outs do not reach into a transfer, and its lock is held during one. So a
-// board that stays silent must not block for ever; its longest work, a search, takes a minute.
+// The link's time-outs cannot end a transfer, and its lock is held during one, so a silent board
+// must not block for ever. The board's longest operation, a search, takes a minute.
 constexpr unsigned transferLimitMs = 75'000;
 
 struct ContextCloser {
@@ -54,7 +54,7 @@ private:
     std::span<libusb_device*> devices_;
 };
 
-/// The place of a device that is present: it changes with every plugging in.
+/// The path of a connected device; it changes each time the device is plugged in.
 std::string PathOf(libusb_device* device) {
     return Printf("usb:%03d:%03d", libusb_get_bus_number(device),
                   libusb_get_device_address(device));
@@ -74,7 +74,7 @@ UsbInterface DescribeSetting(const libusb_interface_descriptor& descriptor) {
     return setting;
 }
 
-/// All settings of all interfaces; the result is the library's error number.
+/// All alternate settings of all interfaces. Returns the library's error number.
 int ReadInterfaces(libusb_device* device, std::vector<UsbInterface>& interfaces) {
     libusb_config_descriptor* raw = nullptr;
     int error = libusb_get_active_config_descriptor(device, &raw);
@@ -109,7 +109,7 @@ class LibusbDevice final : public UsbDevice {
 public:
     LibusbDevice(Context context, Handle handle)
         : context_(std::move(context)), handle_(std::move(handle)) {
-        // A driver of the system that holds the interface makes way, and gets it back afterwards.
+        // A kernel driver that holds the interface is detached, and attached again afterwards.
         libusb_set_auto_detach_kernel_driver(handle_.get(), 1);
     }
     ~LibusbDevice() override { ReleaseInterface(); }
@@ -121,7 +121,8 @@ public:
         return libusb_clear_halt(handle_.get(), endpoint) == 0;
     }
     Transfer Write(std::uint8_t endpoint, std::span<const std::uint8_t> bytes) override {
-        // The library takes one pointer for both directions, and only reads when it sends.
+        // The library takes one pointer type for both directions, and only reads from it when
+        // sending.
         return Move(endpoint, const_cast<std::uint8_t*>(bytes.data()), bytes.size());
     }
     Transfer Read(std::uint8_t endpoint, std::span<std::uint8_t> into) override {
@@ -179,7 +180,7 @@ private:
     Context context_;
 };
 
-/// Asked at every use: the machine's USB may come later than the program.
+/// Called at every use: USB may become available after the program has started.
 bool LibusbBus::Ready() {
     libusb_context* context = nullptr;
     if (!context_ && libusb_init(&context) == 0) {

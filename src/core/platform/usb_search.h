@@ -1,5 +1,4 @@
-/// Which device of the USB, and which of its interfaces, is the board: the choice alone, without
-/// access to a device.
+/// Chooses which USB device, and which of its interfaces, is the board. Does not access devices.
 #pragma once
 
 #include "platform/usb_device.h"
@@ -14,7 +13,7 @@ namespace busquill {
 inline constexpr std::uint8_t usbOutEndpoint = 0x02;
 inline constexpr std::uint8_t usbInEndpoint = 0x82;
 
-/// Maker and product number of a device.
+/// Vendor and product number of a device.
 struct UsbId {
     std::uint16_t vendor = 0;
     std::uint16_t product = 0;
@@ -26,7 +25,7 @@ struct UsbEndpoint {
     bool bulk = false;
 };
 
-/// One setting of one interface.
+/// One alternate setting of one interface.
 struct UsbInterface {
     int number = 0;
     int alternate = 0;
@@ -34,7 +33,7 @@ struct UsbInterface {
     std::vector<UsbEndpoint> endpoints;
 };
 
-/// A device as its descriptors tell of it.
+/// A device as its descriptors describe it.
 struct UsbDeviceInfo {
     std::string path; // what UsbBus::Open takes
     UsbId id;
@@ -50,8 +49,8 @@ struct UsbDeviceInfo {
 [[nodiscard]] const UsbInterface* ChooseInterface(const std::vector<UsbInterface>& interfaces,
                                                   bool anyClass) noexcept;
 
-/// The rule of UsbBus::Find over the devices that are present. A named device counts whatever its
-/// interfaces are; a name that is malformed names none.
+/// The rule of UsbBus::Find over the devices that are present. A device given by its numbers is
+/// chosen whatever its interfaces are; a malformed name matches no device.
 [[nodiscard]] UsbSearch ChooseDevice(const std::vector<UsbDeviceInfo>& devices,
                                      std::string_view wanted);
 

@@ -8,7 +8,7 @@ namespace busquill {
 /// The program's folder: the directory in which it was started.
 class WorkingDirectory {
 public:
-    /// The process's current directory at this moment.
+    /// The process's current directory at the time of the call.
     [[nodiscard]] static WorkingDirectory AtStart();
     explicit WorkingDirectory(std::string path) : path_(std::move(path)) {}
 
@@ -27,7 +27,7 @@ private:
 /// The part of a path up to and with its last separator; empty for a bare file name.
 [[nodiscard]] std::string_view FolderOf(std::string_view path) noexcept;
 
-/// The file name up to its last point.
+/// The file name up to its last dot.
 [[nodiscard]] std::string_view BaseNameOf(std::string_view path) noexcept;
 
 } // namespace busquill

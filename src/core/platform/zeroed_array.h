@@ -13,8 +13,8 @@
 
 namespace busquill {
 
-/// An array of plain values that are zero at first. Memory is taken where something is written, not
-/// for its size: a capture's range may be far larger than what there is of it.
+/// An array of plain values, initially zero. Memory is taken only where something is written: a
+/// capture's range may be far larger than the samples that it holds.
 template <typename T>
 class ZeroedArray {
     static_assert(std::is_trivially_copyable_v<T>);
@@ -37,7 +37,7 @@ public:
     }
     ~ZeroedArray() = default;
 
-    /// So many zeros, in the place of what was there.
+    /// Replaces the content by `count` zeros.
     void Reset(std::size_t count) {
         clear();
         if (count > 0) {

@@ -1,4 +1,4 @@
-/// The text of a cell of the listing, which is the same on the screen, in a file and on a terminal.
+/// The text of a cell of the listing: the same on the screen, in a file and on a terminal.
 #pragma once
 
 #include "link/board_identity.h"
@@ -11,31 +11,30 @@ namespace busquill {
 
 class CSignalList;
 
-/// What the time columns of a row show that hangs on other rows than its own. Texts that no column
-/// shows may be left empty.
+/// Content of a row's time columns that depends on other rows. Texts that no column shows may be
+/// left empty.
 struct RowTimes {
-    bool rowsLeftOut = false; // TIME then counts from the row above
+    bool rowsLeftOut = false; // TIME is then the time since the row above
     std::string sinceAbove;
     std::string sinceTrigger;
 };
 
 struct ListedSample {
     std::size_t index = 0;                // in the signals' data
-    std::int64_t number = 0;              // as it is shown
-    const SampleRecord* record = nullptr; // null: not known, decoded values are then empty
+    std::int64_t number = 0;              // as shown to the user
+    const SampleRecord* record = nullptr; // null: unknown, decoded values are then empty
     RowTimes times;
 };
 
-/// The text of a cell, empty where it shows nothing but blanks; DELTA has none, its marks are
-/// drawn.
+/// The text of a cell, empty where it would be all blanks, and for DELTA, whose marks are drawn.
 [[nodiscard]] std::string CellText(const BoardTraits& board, const CSignal& signal,
                                    const ListedSample& sample, bool zoom);
 
-/// A time from the trigger to a sample; with `before`, `t` is negative and the text begins with
-/// "-", whether it is 0 or not.
+/// A time from the trigger to a sample. With `before`, `t` is not positive and the text begins with
+/// "-", even for 0.
 [[nodiscard]] std::string FormatTimeSince(std::int64_t t, bool before, bool zoom);
 
-/// The time between two samples as text, empty where the list does not know it.
+/// The time between two samples as text; empty where the list has no time.
 [[nodiscard]] std::string TimeBetween(std::int64_t a, std::int64_t b, const CSignalList& list,
                                       bool zoom);
 

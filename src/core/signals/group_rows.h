@@ -9,9 +9,9 @@
 
 namespace busquill {
 
-/// Packs the rows, and the mask rows where there are some, of the group that these members make
-/// anew: those of the samples in the words `firstWord` to `endWord - 1`. Rows beyond the end of
-/// the first member's buffers are left out; a member without data for a sample counts as 0.
+/// Packs the rows of the group of these members again, and its mask rows if it has any, for the
+/// samples in the words `firstWord` to `endWord - 1`. Rows past the end of the first member's
+/// buffers are skipped; a member without data for a sample counts as 0.
 void PackGroupRows(std::span<const std::unique_ptr<CSignal>> members, std::size_t firstWord,
                    std::size_t endWord);
 

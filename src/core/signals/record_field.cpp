@@ -92,7 +92,7 @@ SampleTime::SampleTime() : field_(RunOf(110, 18)) {}
 SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, list.TimeGroup())) {}
 
 std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {
-    constexpr std::size_t longest = 4; // wider ones are no time
+    constexpr std::size_t longest = 4; // wider fields do not hold a time
     std::array<std::uint8_t, longest> row{};
     if (field_.Bytes() <= longest) {
         field_.Take(record, row.data());

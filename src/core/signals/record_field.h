@@ -11,34 +11,34 @@ namespace busquill {
 
 class CSignalList;
 
-/// Some bits of the sample record, taken out as a value.
+/// Some bits of the sample record, read as a value.
 class RecordField {
 public:
-    /// Data indexes, least significant first; one outside the record reads 0.
+    /// Data indexes, least significant first; those outside the record read as 0.
     explicit RecordField(std::vector<int> positions);
-    /// The bits of a signal of a list, with all members of its group.
+    /// The bits of a signal in a list, with all members of its group.
     RecordField(const CSignalList& list, const CSignal& signal);
     explicit RecordField(const CBusSignalDef& def);
 
     [[nodiscard]] std::size_t Width() const noexcept { return positions_.size(); }
     [[nodiscard]] std::size_t Bytes() const noexcept { return BytesFor(positions_.size()); }
-    /// The value, bit 0 first, into as many bytes as it has.
+    /// Writes the value to `into`, Bytes() bytes, bit 0 first.
     void Take(const SampleRecord& record, std::uint8_t* into) const noexcept;
-    /// The same as a number, of a value that fits.
+    /// The value as a number; only if FitsWord().
     [[nodiscard]] std::uint64_t Word(const SampleRecord& record) const noexcept;
     [[nodiscard]] bool FitsWord() const noexcept { return positions_.size() <= 64; }
 
 private:
     std::vector<int> positions_;
-    bool isRun_ = false; // ascending without a gap
+    bool isRun_ = false; // ascending without gaps
 };
 
-/// The time from the sample before, as TimeField tells it.
+/// The time since the previous sample, in the units of TimeField.
 class SampleTime {
 public:
-    /// From where records of all boards have it.
+    /// From the place where the records of all boards hold it.
     SampleTime();
-    /// From the bits that a list's own time looks at, if it has one.
+    /// From the bits of a list's TIME group, if it has one.
     explicit SampleTime(const CSignalList& list);
     explicit SampleTime(const CBusSignalDef& def) : field_(def) {}
     /// Whether the list has the time.
@@ -49,7 +49,7 @@ private:
     RecordField field_;
 };
 
-/// The running sum of the times of samples that come one by one.
+/// The running sum of the times of samples that are added one by one.
 class RunningTime {
 public:
     explicit RunningTime(SampleTime time = SampleTime()) : time_(std::move(time)) {}

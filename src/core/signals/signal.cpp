@@ -62,7 +62,7 @@ void CSignal::ResizeSamples(std::uint32_t count) {
     if (IsGroupStart()) {
         groupData.Reset(RowBytes() * count);
     }
-    // A decoded signal of an empty list has its table already, if one of no entries.
+    // A decoded signal of an empty list already has a label table, with no entries.
     if (decoded) {
         labelTable.Reset(count);
     }

@@ -27,7 +27,7 @@ struct SampleRecord {
     void SetBit(int n, bool value = true) noexcept {
         AssignBit(bytes, static_cast<std::size_t>(n), value);
     }
-    /// Neighbouring bits as a number, at most 64.
+    /// At most 64 neighbouring bits as a number.
     [[nodiscard]] std::uint64_t Field(int first, std::size_t width) const noexcept {
         return BitsAt(bytes, static_cast<std::size_t>(first), width);
     }
@@ -35,7 +35,7 @@ struct SampleRecord {
 };
 static_assert(sizeof(SampleRecord) == 18, "records lie 18 bytes apart");
 
-/// How a value is printed; files may hold other numbers, which print nothing.
+/// How a value is printed; files may hold other numbers, for which nothing is printed.
 namespace Radix {
 enum : std::int32_t { Binary = 0, Hex = 1, Octal = 2, Time = 3 };
 }
@@ -53,10 +53,10 @@ public:
     std::string baseName;
     std::string groupName; // on the group's first member
     std::int32_t bitIndex = -1;
-    std::int32_t dataIndex = -1; // -1: no bit, a blank row
+    std::int32_t dataIndex = -1; // -1: a blank row without a bit
     ZeroedArray<std::uint32_t> data;
     ZeroedArray<std::uint32_t> mask; // only in setups; bit 1: compare
-    /// Samples that the signal has. A file may announce more than `data` has room for, see Room.
+    /// Number of samples. A file may announce more than `data` has room for, see Room.
     std::uint32_t numSamples = 0;
     std::int32_t height = 20;
     std::int32_t width = 30;
@@ -67,7 +67,7 @@ public:
     std::uint8_t groupAttribute = 0;
     ZeroedArray<std::uint8_t> groupData; // packed rows, on the Start member
     ZeroedArray<std::uint8_t> groupMask;
-    /// Per sample of a decoded signal: 0, or 1 + the index of the value whose label it bears.
+    /// Per sample of a decoded signal: 0, or 1 + the index of the value whose label it shows.
     ZeroedArray<std::uint8_t> labelTable;
     std::shared_ptr<const CDecodedSignalDef> decoded; // on the Start member
     std::uint32_t groupWidth = 0;                     // on the Start member
@@ -76,19 +76,19 @@ public:
     bool permanent = false;
     bool bitReverse = false;
 
-    /// What the row is called: the group's name for a grouped signal, else its own.
+    /// The name of the row: the group's for a grouped signal, else the signal's.
     [[nodiscard]] const std::string& RowName() const noexcept { return grouped ? groupName : name; }
     /// 0 for a member of a group other than the first, and for a hidden signal.
     [[nodiscard]] std::int32_t VisibleHeight() const noexcept;
     [[nodiscard]] std::int32_t VisibleWidth() const noexcept;
-    /// Whether the row looks at no bit, so that it has nothing to show whatever samples there are.
+    /// Whether the row has no bit, so that it never shows anything.
     [[nodiscard]] bool IsBlank() const noexcept { return !grouped && dataIndex < 0; }
     [[nodiscard]] bool IsGroupStart() const noexcept {
         return grouped && (groupAttribute & GroupAttribute::Start) != 0;
     }
-    /// Samples for which there are data.
+    /// Number of samples that `data` has room for.
     [[nodiscard]] std::uint32_t Room() const noexcept;
-    /// The bit of one sample; false where there are no data.
+    /// The bit of one sample; false where there is no data.
     [[nodiscard]] bool Bit(std::size_t sample) const noexcept;
     /// Whether one sample's bit is compared; true where there is no mask.
     [[nodiscard]] bool MaskBit(std::size_t sample) const noexcept;
@@ -96,15 +96,15 @@ public:
     [[nodiscard]] std::span<const std::uint8_t> GroupRow(std::size_t sample) const noexcept;
     /// The packed mask row of one sample, or empty.
     [[nodiscard]] std::span<const std::uint8_t> GroupMaskRow(std::size_t sample) const noexcept;
-    /// Bytes of one packed row; 0 for a signal that starts no group.
+    /// Bytes of one packed row; 0 for a signal that does not start a group.
     [[nodiscard]] std::size_t RowBytes() const noexcept;
     /// The label of one sample, or null.
     [[nodiscard]] const char* Label(std::size_t sample) const noexcept;
 
-    /// Zeroed data, group rows and labels (where the signal has them) for `count` samples. The
-    /// masks stay as they are.
+    /// Resets data, group rows and labels (where the signal has them) to zeros for `count` samples.
+    /// Masks are unchanged.
     void ResizeSamples(std::uint32_t count);
-    /// A mask that compares nothing, for `count` samples.
+    /// Creates a mask that compares nothing, for `count` samples.
     void AllocateMask(std::uint32_t count);
     void CopyFrom(const CSignal& other) { *this = other; }
 };

@@ -34,9 +34,10 @@ std::size_t NextRowChange(std::span<const std::uint8_t> rows, std::size_t rowByt
     if (from + 1 >= known) {
         return end;
     }
-    // Each byte against the one a row further on: the first that differs tells the row.
+    // Compares each byte with that of the next row: the first difference gives the row.
     const std::uint8_t* const data = rows.data();
-    const std::size_t last = (known - 1) * rowBytes; // bytes that have one a row further on
+    const std::size_t last =
+        (known - 1) * rowBytes; // bytes that have a counterpart in the next row
     std::size_t at = from * rowBytes;
     for (; at + sizeof(std::uint64_t) <= last; at += sizeof(std::uint64_t)) {
         std::uint64_t here = 0;

@@ -22,7 +22,7 @@ void DefinitionTable<Def>::Replace(std::vector<std::shared_ptr<Def>> defs) {
     ApplyColorFile();
 }
 
-// The name of a line ends at its first blank, so a name that holds a blank is never found again.
+// The name in a line ends at its first blank, so a name with a blank in it is never found again.
 template <class Def>
 void DefinitionTable<Def>::ApplyColorFile() {
     TextReader file;
@@ -51,7 +51,7 @@ void DefinitionTable<Def>::SetColor(std::string_view name, std::uint32_t color) 
     }
     TextWriter file;
     if (!file.Create(colorFile_)) {
-        return; // the colour holds for this run
+        return; // the colour lasts until the program ends
     }
     for (const auto& def : defs_) {
         file.Write(Printf("%s %x\n", def->name.c_str(), def->color));

@@ -1,4 +1,4 @@
-/// What signals there are on a board, and how their bits read.
+/// The definitions of a board's signals, and how their bits are decoded.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ enum SignalMode : std::uint32_t {
 /// Bits of a definition's flags.
 constexpr std::uint32_t flagShown = 1;      // a signal is added by default
 constexpr std::uint32_t flagNotOffered = 2; // not offered to the user
-constexpr std::uint32_t flagPermanent = 4;  // made, hidden unless shown, cannot be removed
+constexpr std::uint32_t flagPermanent = 4; // always created, hidden unless shown, cannot be removed
 
 /// When a decoded definition applies.
 enum class DefCondition : std::uint32_t { Always, Pci32, Pci64, PciX, NotPciX };
@@ -27,7 +27,7 @@ enum class DefCondition : std::uint32_t { Always, Pci32, Pci64, PciX, NotPciX };
 /// Positions of a pattern table; a sample record has 144.
 constexpr int patternPositions = 148;
 
-/// Codes of a pattern.
+/// Codes in a pattern.
 enum PatternCode : std::uint8_t { CodeZero = 0, CodeOne = 1, CodeUnused = 2, CodeAny = 3 };
 
 /// How a decoded cell is printed.
@@ -64,7 +64,7 @@ public:
     std::uint32_t color = 0; // 0x00BBGGRR
     DefCondition condition = DefCondition::Always;
 
-    /// The flags for a mode; the two pattern modes share theirs; 0 for anything else.
+    /// The flags for a mode; both pattern modes use the same flags; 0 for other values.
     [[nodiscard]] std::uint32_t FlagsFor(std::uint32_t mode) const noexcept;
 };
 
@@ -81,20 +81,20 @@ public:
 struct CDecodedValue {
     const char* label = nullptr; // table text
     std::array<std::uint8_t, patternPositions> pattern{};
-    std::uint32_t skipModes = 0; // modes in which the value is not tried
+    std::uint32_t skipModes = 0; // modes in which the value is not matched
 };
 
 class CDecodedSignalDef final : public CSignalDef {
 public:
     std::vector<CDecodedValue> values; // in table order
     std::uint32_t labelWidth = 0;      // characters of the longest label
-    std::string insertBefore;          // row before which it is placed; empty for none
+    std::string insertBefore;          // row before which it is inserted; empty for none
     DecodeKind decodeKind = DecodeKind::Label;
 
     /// Positions of the first value's pattern that are part of the signal, ascending.
     [[nodiscard]] std::vector<int> Positions() const;
-    /// Whether a cell shows labels. Other values are shown as such, and the label of their
-    /// definition is only a picture of the field.
+    /// Whether a cell shows labels. Otherwise it shows the value itself, and the definition's label
+    /// is only a template of its digits.
     [[nodiscard]] bool ReadsAsLabel() const noexcept {
         return decodeKind == DecodeKind::Label || decodeKind == DecodeKind::Command;
     }

@@ -48,7 +48,7 @@ void MarkAsGroup(const CSignalList::Signals& members) {
     members.back()->groupAttribute |= GroupAttribute::End;
 }
 
-/// Closes a run of indices of one bus that began at `start`: "7:4" or "4".
+/// The text of a run of indexes of one bus, from `start` to `last`: "7:4" or "4".
 std::string Run(std::int32_t last, std::int32_t start) {
     return last == start ? Printf("%d", start) : Printf("%d:%d", last, start);
 }
@@ -249,7 +249,7 @@ CSignal* CSignalList::AddDecodedSignal(const CSignal* before,
         if (!bus) {
             continue;
         }
-        // The index counts from the definition's first bit, also on a bit-reversed bus.
+        // The index counts from the definition's first bit, even on a bit-reversed bus.
         auto signal = MakeSignal(*bus, position - bus->dataIndex);
         signal->bitIndex = position - bus->dataIndex;
         signal->dataIndex = position;

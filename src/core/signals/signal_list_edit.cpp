@@ -41,7 +41,7 @@ void CSignalList::CollapseSelected() {
     if (first == signals_.end()) {
         return;
     }
-    // The later ones move up to the first, past the unselected signals that stand between.
+    // The later ones move up to the first, past the unselected signals in between.
     const auto end = std::stable_partition(first, signals_.end(), isSelected);
     for (auto member = first; member != end; ++member) {
         (*member)->grouped = true;
@@ -85,7 +85,8 @@ void CSignalList::SetSelectedColor(std::uint32_t color) {
             }
         }
     }
-    // Each name once: a colour writes the whole colour file, and a bus has one name for all bits.
+    // Each name once: setting a colour writes the whole colour file, and all bits of a bus have one
+    // name.
     for (const std::string& name : decodedNames) {
         tables_->decodedSignals.SetColor(name, color);
     }

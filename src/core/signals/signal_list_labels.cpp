@@ -10,7 +10,7 @@ namespace busquill {
 
 namespace {
 
-/// The bits of a packed row; no pattern has more positions than these hold.
+/// The bits of a packed row, enough for the positions of any pattern.
 struct RowBits {
     static constexpr std::size_t capacity = 192;
     static_assert(capacity >= patternPositions);
@@ -77,12 +77,12 @@ public:
         }
     }
 
-    /// A definition that is new to a signal gives no label by a value that compares nothing.
+    /// A signal that gets a new definition takes no label from a value that compares nothing.
     void DropAllAny() {
         std::erase_if(values_, [](const RowValue& value) { return value.comparesNothing; });
     }
 
-    /// Makes a table of the labels of all rows of one byte.
+    /// Builds a table of the labels of all one-byte rows.
     void Tabulate() {
         for (unsigned row = 0; row < table_.size(); ++row) {
             const auto byte = static_cast<std::uint8_t>(row);
@@ -103,7 +103,8 @@ public:
         });
         return found == values_.end() ? 0 : found->label;
     }
-    /// The label where a mask says which bits are known: exactly those that the value compares.
+    /// The label of a row with a mask: the mask must select exactly the bits that the value
+    /// compares.
     [[nodiscard]] std::uint8_t Find(const RowBits& row, const RowBits& mask) const noexcept {
         const auto found = std::find_if(values_.begin(), values_.end(), [&](const RowValue& each) {
             return (row & each.compare) == each.value && (mask & each.used) == each.compare;
@@ -118,7 +119,7 @@ private:
     std::array<std::uint8_t, 256> table_{};
 };
 
-/// Samples from which on a table of all rows costs less than looking at each.
+/// Number of samples from which a table of all rows is cheaper than looking up each row.
 constexpr std::size_t worthTabulating = 256;
 
 void LabelRows(CSignal& signal, RowLabels& labels, std::size_t first, std::size_t end) {
@@ -142,7 +143,7 @@ void LabelRows(CSignal& signal, RowLabels& labels, std::size_t first, std::size_
     }
 }
 
-/// A single bit has a label for each of its states: the last value that has the state's code.
+/// A single bit has a label for each of its states: that of the last value with the state's code.
 void LabelBits(CSignal& signal, std::size_t first, std::size_t end) {
     std::array<std::uint8_t, 4> labelOfCode{};
     const auto& values = signal.decoded->values;
@@ -164,7 +165,7 @@ void LabelSamples(CSignal& signal, RowLabels&& labels, std::size_t first, std::s
         LabelBits(signal, first, end);
         return;
     }
-    // Samples without a row bear no label.
+    // Samples without a row have no label.
     const std::size_t rows = signal.groupData.size() / signal.RowBytes();
     LabelRows(signal, labels, std::min(first, rows), std::min(end, rows));
 }

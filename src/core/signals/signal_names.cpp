@@ -11,7 +11,7 @@ namespace busquill {
 
 namespace {
 
-/// The row that begins at a place of the list, with no positions where it has no bits.
+/// The row that begins at an index of the list, without positions where it has no bits.
 NamedSignal RowAt(const CSignalList& list, std::size_t first) {
     NamedSignal row{list[first].RowName(), {}, list[first].decoded};
     for (std::size_t member = first; member < list.GroupEnd(first); ++member) {
@@ -35,7 +35,7 @@ std::optional<NamedSignal> FindRow(std::string_view name, const CSignalList& lis
     return std::nullopt;
 }
 
-/// Placeholders, and comparisons that only the board makes, are no bits of a sample.
+/// Placeholders, and comparisons that only the board makes, do not stand for bits of a sample.
 bool IsValue(const CDecodedSignalDef& def, const std::vector<int>& positions,
              const SignalTables& tables) {
     return def.decodeKind != DecodeKind::Delta && def.decodeKind != DecodeKind::Accum &&
@@ -92,7 +92,7 @@ std::optional<std::pair<int, int>> ParseRange(std::string_view text) {
     return std::pair(std::min(*low, *high), std::max(*low, *high));
 }
 
-/// Lines of a bus, from one to another.
+/// A range of lines of a bus.
 NamedSignal LinesOf(const CBusSignalDef& def, const std::string& range, int first, int last) {
     NamedSignal lines{def.name + range, {}, nullptr};
     for (int p = first; p <= last; ++p) {
@@ -120,7 +120,7 @@ std::optional<NamedSignal> FindBus(std::string_view name, const SignalTables& ta
 
 constexpr const char* timeName = "TIME";
 
-/// In a sample, the bits that patterns use for ranges are those of the time.
+/// Patterns use some bits for ranges; in a sample these hold the time.
 bool IsInTime(const SignalTables& tables, int position) {
     const auto time = tables.busSignals.FindByName(timeName);
     return time && position >= time->dataIndex && position < time->dataIndex + time->Width();
@@ -171,7 +171,7 @@ std::vector<NamedSignal> AllSignals(const SignalTables& tables,
         }
     }
     for (const auto& def : tables.busSignals.Defs()) {
-        // What patterns of the board have where samples have their time is no name of theirs.
+        // Bits that mean something only in patterns, where samples hold their time, are left out.
         if (def->name == timeName || !IsInTime(tables, def->dataIndex)) {
             const int last = def->Width() - 1;
             add(LinesOf(*def, last == 0 ? "" : Printf("[%d:0]", last), 0, last));
@@ -182,7 +182,7 @@ std::vector<NamedSignal> AllSignals(const SignalTables& tables,
 
 std::vector<std::string> LabelsOf(const CDecodedSignalDef& def) {
     std::vector<std::string> labels;
-    // A field that is shown as a number has a picture of its digits in place of labels.
+    // A field that is shown as a number has a template of its digits instead of labels.
     if (!def.ReadsAsLabel()) {
         return labels;
     }

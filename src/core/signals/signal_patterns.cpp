@@ -1,4 +1,4 @@
-/// Writing patterns: what is changed in one row of a pattern table shows in every row over the same
+/// Writing patterns: a change in one row of a pattern table is copied to every row of the same
 /// bits.
 #include "signals/signal_list.h"
 
@@ -26,7 +26,7 @@ void CSignalList::UnpackRows(const CSignal& group, const std::vector<int>& dataI
     const std::size_t count = std::min<std::size_t>(dataIndexes.size(), group.groupWidth);
     for (std::size_t k = 0; k < count; ++k) {
         for (const auto& signal : signals_) {
-            // A blank row looks at no bit.
+            // A blank row has no bit.
             if (dataIndexes[k] < 0 || signal->dataIndex != dataIndexes[k]) {
                 continue;
             }

@@ -1,6 +1,6 @@
-/// Records come one sample at a time, signals keep one bit of many samples to a word. So records
-/// are turned by blocks of 32 into a word for each bit of the record, once for all signals that
-/// look at it, and signals take whole words.
+/// Unpacks records into signals. A record holds all bits of one sample, a word of a signal one bit
+/// of 32 samples. So blocks of 32 records are transposed into a word for each bit of the record,
+/// once for all signals, and signals copy whole words.
 #include "signals/group_rows.h"
 #include "signals/signal_list.h"
 
@@ -14,13 +14,13 @@ namespace busquill {
 namespace {
 
 constexpr std::size_t recordBytes = sizeof(SampleRecord);
-/// Words of each record bit that are turned at a time: a cache line of every signal's data.
+/// Words of each record bit that are transposed at a time: a cache line of every signal's data.
 constexpr std::size_t tileWords = 16;
 
 using Tile = std::array<std::array<std::uint32_t, tileWords>, SampleRecord::bitCount>;
 
-/// Turns 32 records into word `word` of the tile.
-void TurnBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
+/// Transposes 32 records into word `word` of the tile.
+void TransposeBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
     for (std::size_t byte = 0; byte < recordBytes; ++byte) {
         std::array<std::uint32_t, 8> bits{};
         for (std::size_t part = 0; part < 4; ++part) {
@@ -39,7 +39,7 @@ void TurnBlock(const SampleRecord* block, Tile& tile, std::size_t word) {
     }
 }
 
-/// A run of records that lies anywhere in the samples.
+/// Consecutive records, the first of which is sample `first`.
 struct Run {
     std::size_t first = 0;
     std::span<const SampleRecord> records;
@@ -47,13 +47,13 @@ struct Run {
     [[nodiscard]] std::size_t End() const noexcept { return first + records.size(); }
 };
 
-/// Turns the records whose samples lie in the words `firstWord` to `endWord - 1`. Samples outside
+/// Transposes the records of the samples in the words `firstWord` to `endWord - 1`. Samples outside
 /// the run are 0.
-void TurnTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& tile) {
+void TransposeTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& tile) {
     for (std::size_t word = firstWord; word < endWord; ++word) {
         const std::size_t begin = word * wordBits;
         if (begin >= run.first && begin + wordBits <= run.End()) {
-            TurnBlock(&run.records[begin - run.first], tile, word - firstWord);
+            TransposeBlock(&run.records[begin - run.first], tile, word - firstWord);
             continue;
         }
         std::array<SampleRecord, wordBits> block{};
@@ -61,7 +61,7 @@ void TurnTile(const Run& run, std::size_t firstWord, std::size_t endWord, Tile& 
         const std::size_t to = std::min(begin + wordBits, run.End());
         std::copy_n(run.records.begin() + static_cast<std::ptrdiff_t>(from - run.first), to - from,
                     block.begin() + static_cast<std::ptrdiff_t>(from - begin));
-        TurnBlock(block.data(), tile, word - firstWord);
+        TransposeBlock(block.data(), tile, word - firstWord);
     }
 }
 
@@ -92,7 +92,7 @@ void TakeWords(CSignal& signal, const Tile& tile, std::size_t firstWord, std::si
     }
 }
 
-/// Whether the group's rows are a piece of the record: its members look at neighbouring bits in
+/// Whether the group's rows are a part of the record: its members have neighbouring bits in
 /// ascending order, and data and rows have the same room.
 bool LiesInRecord(std::span<const std::unique_ptr<CSignal>> members) {
     const CSignal& start = *members.front();
@@ -119,12 +119,13 @@ std::uint64_t EightBytes(const std::uint8_t* bytes) noexcept {
     return value;
 }
 
-/// Rows of up to eight bytes: `records` are those of the samples from the first row on. The size
-/// is a constant of the loop: a RecordField for each row would take its place and width anew.
+/// Copies rows of up to eight bytes; `records` begins with the sample of the first row. The row
+/// size is a template parameter because a RecordField would work out offset and width again for
+/// each row.
 template <std::size_t rowBytes>
 void CopyShortRows(std::span<const SampleRecord> records, std::size_t dataIndex, unsigned width,
                    std::uint8_t* row) {
-    // The eight bytes end with the record where the group is near its end.
+    // Near the end of the record, the eight bytes read end with it.
     const std::size_t byte = std::min(dataIndex / 8, recordBytes - 8);
     const std::size_t shift = dataIndex - byte * 8;
     const auto mask = LowBits<std::uint64_t>(width);
@@ -146,7 +147,7 @@ constexpr std::array<CopyShort, 8> copyShortRows = {
     CopyShortRows<5>, CopyShortRows<6>, CopyShortRows<7>, CopyShortRows<8>,
 };
 
-/// Whether eight bytes of the record hold the whole group.
+/// Whether eight bytes of the record contain the whole group.
 bool IsShort(std::size_t dataIndex, std::size_t width) noexcept {
     return dataIndex - std::min(dataIndex / 8, recordBytes - 8) * 8 + width <= 64;
 }
@@ -163,8 +164,8 @@ void CopyLongRows(std::span<const SampleRecord> records, std::size_t dataIndex, 
     }
 }
 
-/// Sets the bits of the rows of a group that lies in the record, for those of the samples `begin`
-/// to `end - 1` that the run brings.
+/// Sets the bits in the rows of a group that lies in the record, for those of the samples `begin`
+/// to `end - 1` that are in the run.
 void CopyRows(CSignal& start, const Run& run, std::size_t begin, std::size_t end) {
     begin = std::max(begin, run.first);
     end = std::min({end, run.End(), std::size_t{start.numSamples}});
@@ -244,7 +245,7 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
             labelled = std::max(labelled, endWord * wordBits);
             continue;
         }
-        TurnTile(run, word, endWord, *tile);
+        TransposeTile(run, word, endWord, *tile);
         for (std::size_t i = begin; i < end; ++i) {
             TakeWords(*signals_[i], *tile, word, endWord);
         }
@@ -261,7 +262,7 @@ void CSignalList::LoadRange(std::size_t begin, std::size_t end, std::uint32_t fi
 
 void CSignalList::RebuildGroupRows(std::uint32_t first, std::uint32_t count) {
     const std::size_t end = std::size_t{first} + count;
-    times_.Forget(); // rows are packed by whole words
+    times_.Forget(); // whole words of rows were packed
     for (std::size_t i = 0; i < signals_.size() && count != 0; ++i) {
         if (signals_[i]->IsGroupStart()) {
             PackGroupRows(Members(i), first / wordBits, WordsFor(end));

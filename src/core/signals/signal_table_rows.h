@@ -59,7 +59,7 @@ struct FamilyTables {
 [[nodiscard]] FamilyTables ConnectorP2Tables() noexcept;
 [[nodiscard]] FamilyTables ConnectorP0Tables() noexcept;
 
-// What must hold in every table, checked where it is written.
+// Checks for static_asserts below each table.
 
 [[nodiscard]] constexpr int BitCount(std::span<const BusRow> rows) {
     int bits = 0;

@@ -75,7 +75,7 @@ std::shared_ptr<CDecodedSignalDef> MakeDecodedDef(const DecodedRow& row) {
         def->labelWidth = std::max(def->labelWidth, length);
     }
     if (def->name == "RULE CHECK") {
-        // Findings are long sentences; a column takes their beginning.
+        // Findings are long sentences; a column shows only their beginning.
         def->labelWidth = 20;
     }
     return def;

@@ -1,4 +1,4 @@
-/// What the 144 bits of a sample record mean on the board at hand.
+/// What the 144 bits of a sample record mean on the connected board.
 #pragma once
 
 #include "link/board_identity.h"
@@ -26,7 +26,7 @@ public:
     /// Replaces the definitions and applies the colour file. Signals keep the old ones alive.
     void Replace(std::vector<std::shared_ptr<Def>> defs);
     void ApplyColorFile();
-    /// Colours the first definition of exactly this name and writes the whole colour file anew.
+    /// Colours the first definition of exactly this name and rewrites the whole colour file.
     void SetColor(std::string_view name, std::uint32_t color);
 
 private:
@@ -37,7 +37,7 @@ private:
 /// The tables of one board. Main thread.
 class SignalTables {
 public:
-    /// `board` tells what is connected, at each call.
+    /// `board` returns the traits of the board that is connected at the time of the call.
     SignalTables(std::function<BoardTraits()> board, const WorkingDirectory& directory);
     SignalTables(const SignalTables&) = delete;
     SignalTables& operator=(const SignalTables&) = delete;
@@ -51,7 +51,7 @@ public:
 
     /// The first bus definition whose positions cover the data index, or null.
     [[nodiscard]] std::shared_ptr<CBusSignalDef> FindBusDefByDataIndex(int index) const;
-    /// Whether the definition's condition holds on the board at hand.
+    /// Whether the definition's condition holds on this board.
     [[nodiscard]] static bool Applies(DefCondition condition, const BoardTraits& board) noexcept;
 
 private:

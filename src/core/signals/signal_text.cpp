@@ -10,7 +10,7 @@ namespace busquill {
 
 namespace {
 
-/// Fields of a record row, in their order.
+/// Fields of a record row, in order.
 enum Field : std::size_t {
     FieldSignal,
     FieldName,
@@ -34,7 +34,7 @@ enum Field : std::size_t {
     FieldCount
 };
 
-// Readers skip this row. The missing comma at its end is in all existing files.
+// Readers skip this row. All existing files lack the comma at its end.
 constexpr std::string_view headerRow =
     R"("Signal","Name","BaseName","Grouped","GroupName","GroupAttribute","BitIndex","DataIndex",)"
     R"("NumSamples","Height","Width","Color","ShowValue","Radix","Masked","Decoded","Hidden",)"
@@ -104,9 +104,9 @@ std::string RecordRow(const CSignal& signal, bool withData) {
     return row;
 }
 
-/// Writes sample bits, 32 to a line. A further line begins with the bits of those before it, and
-/// readers take the first 32 of each, so that only the first 32 samples survive. Existing readers
-/// expect it, and no setup has more.
+/// Writes sample bits, 32 to a line. Each further line repeats the bits of the lines before it, and
+/// readers take the first 32 of each line, so only the first 32 samples survive. Existing readers
+/// expect this, and no setup has more samples.
 void WriteBits(TextWriter& file, std::string_view word, std::span<const std::uint32_t> words,
                std::uint32_t numSamples) {
     const std::size_t count = std::min<std::size_t>(numSamples, words.size() * wordBits);
@@ -120,8 +120,8 @@ void WriteBits(TextWriter& file, std::string_view word, std::span<const std::uin
     }
 }
 
-/// Reads up to `lines` lines of bits, a word from each, until one is not of this kind; that line
-/// is lost.
+/// Reads up to `lines` lines of bits, a word from each, up to the first line of another kind; that
+/// line is lost.
 std::vector<std::uint32_t> ReadBits(TextReader& file, std::string_view word, std::size_t lines) {
     std::vector<std::uint32_t> words;
     std::vector<std::string> fields;
@@ -142,7 +142,7 @@ std::vector<std::uint32_t> ReadBits(TextReader& file, std::string_view word, std
     return words;
 }
 
-/// The fields of a record row by their places; nothing beyond the row's end.
+/// The fields of a record row by index; empty past the row's end.
 class RecordFields {
 public:
     explicit RecordFields(const std::vector<std::string>& tokens) : tokens_(tokens) {}
@@ -198,8 +198,8 @@ void ReadFields(const RecordFields& fields, const SignalTables& tables, CSignal&
     signal.bitReverse = fields.Is(FieldBitReverse, "BitReverse");
 }
 
-/// Reads the lines of bits that follow a record. Zeros follow them, in `most` words where
-/// all samples fit those. Returns the words that the signal has taken.
+/// Reads the lines of bits that follow a record. They are padded with zeros if all samples fit in
+/// `most` words. Returns the number of words that the signal takes.
 std::size_t ReadSamples(TextReader& file, bool masked, std::size_t most, CSignal& signal) {
     const std::size_t announced = WordsFor(signal.numSamples);
     if (announced == 0) {

@@ -1,4 +1,4 @@
-/// Positions and values that several families have in common.
+/// Positions and values that several families share.
 #pragma once
 
 #include "signals/signal_table_rows.h"
@@ -28,7 +28,7 @@ inline constexpr auto ruleBits = Positions<128, 135>;
 
 // clang-format off
 
-// Fields that are printed as values; the label is a picture of the field.
+// Fields that are printed as values; the label is a template of their digits.
 inline constexpr ValueRow field32[]    = {{"00000000",          "", 0}};
 inline constexpr ValueRow field64[]    = {{"00000000 00000000", "", 0}};
 inline constexpr ValueRow fieldTwo[]   = {{"00",                "", 0}};

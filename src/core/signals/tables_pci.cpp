@@ -93,7 +93,7 @@ constexpr ValueRow commands[] = {
 };
 static_assert(std::size(commands) == 28);
 
-// "Mem Rd Blk" and "Mem Wr Blk" stand twice, with two codes.
+// "Mem Rd Blk" and "Mem Wr Blk" have two codes each.
 constexpr ValueRow commandsPciX[] = {
     {"All",            "XXXXXXXX", 3},
     {"Int Ack",        "XXXX0000", 0},

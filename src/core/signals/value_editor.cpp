@@ -95,7 +95,7 @@ bool ValueEditor::Type(char typed) {
             SetBit(place - 1, typed);
         } else if (radix_ == Radix::Hex) {
             SetNibble(place - 1, typed);
-        } // octal digits show a value; only the caret goes over them
+        } // octal digits cannot be edited; only the caret moves
     }
     Refresh();
     Right();
@@ -107,7 +107,7 @@ void ValueEditor::SetBit(std::size_t bit, char typed) {
     AssignBit(mask_, bit, !IsX(typed));
 }
 
-// The highest digit may stand for fewer than four bits, and still sets as many in its byte.
+// The highest digit may have fewer than four bits, but still sets four in its byte.
 void ValueEditor::SetNibble(std::size_t nibble, char typed) {
     const unsigned shift = nibble % 2 == 0 ? 0 : 4;
     const unsigned keep = 0xF0U >> shift;

@@ -6,7 +6,7 @@
 
 namespace busquill {
 
-/// A wide value that is edited digit by digit, with digits that may be anything. Knows no window.
+/// Edits a wide value digit by digit; digits may be "any" (X). Independent of windows.
 class ValueEditor {
 public:
     /// Value and mask are little-endian, bit 0 first, of BytesFor(width) bytes. Without a mask
@@ -14,23 +14,23 @@ public:
     ValueEditor(std::vector<std::uint8_t> value, std::vector<std::uint8_t> mask, unsigned width,
                 std::int32_t radix);
 
-    /// The digits, grouped by blanks.
+    /// The digits, in groups separated by blanks.
     [[nodiscard]] const std::string& Text() const noexcept { return text_; }
-    /// Before which character the next digit goes.
+    /// The index of the character that the next digit replaces.
     [[nodiscard]] std::size_t Caret() const noexcept { return caret_; }
     [[nodiscard]] std::int32_t Radix() const noexcept { return radix_; }
     [[nodiscard]] const std::vector<std::uint8_t>& Value() const noexcept { return value_; }
     [[nodiscard]] const std::vector<std::uint8_t>& Mask() const noexcept { return mask_; }
 
     void SetRadix(std::int32_t radix);
-    /// The value becomes 0, and all of it may be anything.
+    /// The value becomes 0, and all its digits "any".
     void Clear();
     void Left();
     void Right();
     void Home() { caret_ = 0; }
     void End() { caret_ = text_.size(); }
     void PlaceCaret(std::size_t at);
-    /// Takes a digit of the radix, or an X for one that may be anything; false for anything else.
+    /// Types a digit of the radix, or X for "any"; false for other characters.
     bool Type(char typed);
 
 private:

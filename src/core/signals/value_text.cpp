@@ -45,7 +45,7 @@ std::string WithBlanks(const std::string& digits) {
     return text;
 }
 
-/// A whole and its thousandths with three decimals up to 9, two up to 99, then one.
+/// A whole number and its thousandths: three decimals up to 9, two up to 99, then one.
 std::string Scaled(std::int64_t whole, std::int64_t thousandths, const char* unit) {
     const auto w = static_cast<long long>(whole);
     const auto t = static_cast<long long>(thousandths);
@@ -72,7 +72,7 @@ std::string FormatZoomTime(std::int64_t t) {
 constexpr int attributeBit = 93;
 constexpr int addressBit = 95;
 constexpr int byteEnableBit = 64;
-constexpr int commandBit = 64;  // the same lines at another time
+constexpr int commandBit = 64;  // the same lines in another phase
 constexpr int modifierBit = 64; // as well
 constexpr int modifierBitOfLark = 88;
 constexpr unsigned splitCompletion = 12;
@@ -136,7 +136,7 @@ int VmeAddressWidth(std::uint64_t addressModifier) noexcept {
     return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
 }
 
-/// Blanks the leading digits that an address of this width does not have.
+/// Blanks the leading digits beyond an address of this width.
 void BlankBeyondAddress(std::string& text, int addressWidth) {
     constexpr std::size_t longText = 9;
     int blanks = std::max(0, (32 - addressWidth) / 4);
@@ -217,7 +217,7 @@ std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexc
     if (width > maxWidth) {
         return 0;
     }
-    // One bit more than the field has: recorded captures rely on it.
+    // One bit more than the field has; existing captures depend on it.
     const auto bits = static_cast<std::uint32_t>(BitsAt(data, 0, std::min(width + 1, maxWidth)));
     const auto count = static_cast<std::int32_t>(bits) >> 2;
     return count * units[bits & 3];

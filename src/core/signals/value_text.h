@@ -20,8 +20,8 @@ namespace busquill {
 /// A TIME field as a number: nanoseconds, or picoseconds for Power Zoom data.
 [[nodiscard]] std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept;
 
-/// The sum of two times. A sum that no number holds stays at the longest one: fields of a damaged
-/// file may add up to centuries.
+/// The sum of two times. Overflows give the longest time: the fields of a damaged file may add up
+/// to centuries.
 [[nodiscard]] constexpr std::int64_t AddTimes(std::int64_t a, std::int64_t b) noexcept {
     constexpr std::int64_t longest = std::numeric_limits<std::int64_t>::max();
     if (b > 0 && a > longest - b) {
@@ -30,7 +30,8 @@ namespace busquill {
     return b < 0 && a < -longest - b ? -longest : a + b;
 }
 
-/// A time with three significant digits or so; nanoseconds, or picoseconds with `zoom`.
+/// The text of a time with about three significant digits; `t` is in nanoseconds, or picoseconds
+/// with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
 
 /// The text of one cell of a decoded signal. `label` may be null.
@@ -39,11 +40,11 @@ namespace busquill {
                                              const CDecodedSignalDef& def, const char* label,
                                              const SampleRecord& record, bool zoom);
 
-/// What FormatDecodedValue looks at besides the value's own bits, its label and its number: with
-/// the same surroundings the same value reads the same.
+/// The other bits of a record on which FormatDecodedValue depends: with equal surroundings, equal
+/// values give equal text.
 [[nodiscard]] std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept;
 
-/// Characters that a value of `width` bits takes in a radix, with its blanks; 0 for time.
+/// Number of characters of a value of `width` bits in a radix, blanks included; 0 for times.
 [[nodiscard]] unsigned DigitsFor(unsigned width, std::int32_t radix) noexcept;
 
 } // namespace busquill

@@ -4,8 +4,8 @@
 
 namespace busquill {
 
-/// An expression as buttons build it, one token after the other, so that only well-formed
-/// sequences come out; brackets are not counted.
+/// An expression that is built by buttons, token by token. Operands and operators alternate
+/// correctly; brackets are not balanced.
 class ExpressionEditor {
 public:
     explicit ExpressionEditor(const Expression& bytes) noexcept;
@@ -17,7 +17,7 @@ public:
     [[nodiscard]] bool TakesOperator() const noexcept;
     [[nodiscard]] bool CanErase() const noexcept;
 
-    /// Nothing happens when all 16 places are taken. Over "All" it begins anew.
+    /// Appends a token; does nothing when all 16 places are taken. Replaces "All".
     void Add(std::uint8_t token) noexcept;
     void Clear() noexcept;
     void SetAll() noexcept;
@@ -28,7 +28,7 @@ private:
     [[nodiscard]] std::uint8_t LastToken() const noexcept;
 
     Expression bytes_;
-    int position_; // the nibble that the next token takes; -1: there is no room
+    int position_; // the nibble of the next token; -1: full
 };
 
 } // namespace busquill

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint8_t gotoMask = 0x07;
 constexpr std::uint8_t triggerBit = 0x08;
 
-// Codes by the setup's index. The first two steps of the clock's scale are swapped.
+// Codes by the setup's index. The codes of the first two clock rates are swapped.
 // clang-format off
 constexpr std::array<std::uint8_t, 17> clockCodes{0, 2, 0, 1, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
 constexpr std::array<std::uint8_t, 6> positionCodes{0, 3, 4, 0, 1, 2};

@@ -15,7 +15,7 @@ namespace {
 
 using Fields = std::vector<std::string>;
 
-/// The index whose text it is; the old index where no text fits.
+/// The index of a text; the old index where no text matches.
 std::int32_t IndexOfText(std::string_view (*textOf)(std::int32_t), std::int32_t count,
                          const std::string& text, std::int32_t old) {
     for (std::int32_t i = 0; i < count; ++i) {
@@ -144,7 +144,7 @@ void WriteSetupBody(const TraceSetup& setup, TextWriter& file) {
 }
 
 std::string SetupNameOf(const std::string& path) {
-    TextReader file; // the name stands near its top; the rest is not read
+    TextReader file; // only the beginning is read, which holds the name
     Fields fields;
     if (file.Open(path)) {
         while (ReadCsvRecord(file, fields)) {
@@ -187,7 +187,7 @@ bool LoadSetupFile(TraceSetup& setup, const std::string& path, Prompts& prompts)
 bool LoadSetupFile(TraceSetup& setup, TextReader& file, Prompts& prompts) {
     setup.fileType.clear();
     setup.version.clear();
-    // The checks come after reading: a caller that needs the old setup keeps a copy.
+    // Checks follow the reading, so a caller that needs the old setup must keep a copy.
     ReadSetupBody(setup, file);
     if (setup.fileType != setupFileType) {
         prompts.Message(Printf(fileTypeMissing, setupFileType));

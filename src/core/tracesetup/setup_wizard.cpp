@@ -26,7 +26,7 @@ std::optional<unsigned> DigitOf(char c) noexcept {
     return std::nullopt;
 }
 
-/// Digits that are not given are zeros, and are compared. False for a character that is no digit.
+/// Missing digits are zeros and are compared. False for a character that is not a digit.
 bool ParseDigits(std::string_view text, WizardValue::Bytes& value, WizardValue::Bytes& mask) {
     value.fill(0);
     mask.fill(0xFF);
@@ -47,12 +47,12 @@ bool ParseDigits(std::string_view text, WizardValue::Bytes& value, WizardValue::
 
 // Levels
 
-/// An address or a data word as a condition: its event, or both ends of its range.
+/// An address or data value as a condition: its event, or the events of both ends of its range.
 std::string Condition(const WizardValue& value, const char* event, const char* otherEnd) {
     return value.range ? Printf("%s.%s", event, otherEnd) : event;
 }
 
-/// The address and the data of a PCI transfer come one after the other. The levels used.
+/// Address and data of a PCI transfer follow one another. Returns the number of levels used.
 std::size_t BuildLevelsPci(TraceSetup& setup, const WizardAnswer& trigger) {
     const std::string address = Condition(trigger.address, "E1", "E2");
     const std::string data = Condition(trigger.data, "E3", "E4");
@@ -124,7 +124,7 @@ public:
             list_.ApplyDecodedValue(row, column, value);
         }
     }
-    /// By its label. PCI-X has names of its own for some commands, which begin with those of PCI.
+    /// By its label. PCI-X has other names for some commands, which begin with those of PCI.
     void Set(CSignal* row, std::uint32_t column, std::string_view label) const {
         if (row == nullptr) {
             return;
@@ -259,7 +259,7 @@ public:
 private:
     enum Half : std::size_t { address, data };
 
-    /// A single value stands in the second column too where the other half is a range.
+    /// A single value is also written to the second column if the other half is a range.
     void FillHalf(Half half, const WizardValue& value, std::uint32_t column, bool both) const {
         if (value.IsGiven()) {
             FillEnd(half, column, value.range ? above : equal, value.low, value.lowMask);

@@ -32,8 +32,8 @@ std::string_view TextAt(std::span<const std::string_view> texts, std::int32_t in
                : std::string_view();
 }
 
-/// The text behind the first occurrence of `key`, or nothing.
-std::optional<std::string_view> Behind(std::string_view text, std::string_view key) noexcept {
+/// The text after the first occurrence of `key`, or nothing.
+std::optional<std::string_view> TextAfter(std::string_view text, std::string_view key) noexcept {
     const auto at = text.find(key);
     return at == std::string_view::npos ? std::nullopt
                                         : std::optional(text.substr(at + key.size()));
@@ -77,7 +77,7 @@ std::string_view ClockText(std::int32_t index) noexcept {
 }
 
 std::optional<std::int64_t> ClockPeriod(std::int32_t index) noexcept {
-    constexpr std::int64_t fastest = 7500; // each of the others is twice the one before
+    constexpr std::int64_t fastest = 7500; // each further period is twice the one before
     const std::int32_t step = index - clock133MHz;
     return step >= 0 && index < clockCount ? std::optional(fastest << step) : std::nullopt;
 }
@@ -153,7 +153,7 @@ std::string FormatTraceGoto(std::int32_t level, bool trigger) {
 
 void ParseTraceGoto(std::string_view text, std::int32_t& level, bool& trigger) noexcept {
     trigger = text.find("Trigger") != std::string_view::npos;
-    const auto number = Behind(text, "Goto L");
+    const auto number = TextAfter(text, "Goto L");
     if (number && !number->empty() && IsEventDigit(number->front())) {
         level = number->front() - '1';
     }
@@ -177,14 +177,14 @@ void ParseStimulusGoto(std::string_view text, std::int32_t& level, std::int32_t&
     wait = 1;
     if (text.find("STOP") != std::string_view::npos) {
         level = stimulusStop;
-    } else if (const auto number = Behind(text, "Goto SL")) {
+    } else if (const auto number = TextAfter(text, "Goto SL")) {
         const int value = ParseInt(*number);
         level = value >= 1 && value <= stimulusLevels ? value - 1 : 0;
     }
-    if (const auto number = Behind(text, "Dur ")) {
+    if (const auto number = TextAfter(text, "Dur ")) {
         duration = ParseInt(*number);
     }
-    if (const auto number = Behind(text, "Wait ")) {
+    if (const auto number = TextAfter(text, "Wait ")) {
         wait = ParseInt(*number);
     }
 }

@@ -16,7 +16,7 @@ using Expression = std::array<std::uint8_t, 8>;
 constexpr Expression expressionAll = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 constexpr Expression expressionNone = {};
 
-/// What a nibble of an expression says.
+/// The meaning of a nibble of an expression.
 enum ExpressionToken : std::uint8_t {
     TokenEmpty = 0,
     TokenFirstEvent = 1,
@@ -32,7 +32,7 @@ constexpr int expressionTokens = 16;
 [[nodiscard]] std::uint8_t TokenAt(const Expression& bytes, int nibble) noexcept;
 void SetTokenAt(Expression& bytes, int nibble, std::uint8_t token) noexcept;
 
-/// Events that the sequencer of a board knows: E1 to E8, or to E4.
+/// Number of events of a board's sequencer: E1 to E8, or to E4.
 [[nodiscard]] inline int EventCount(const BoardTraits& board) noexcept {
     return board.IsVmeLark() ? 4 : 8;
 }
@@ -41,7 +41,7 @@ constexpr int levelRecords = 16;
 constexpr int traceLevels = 8;     // L1 to L8
 constexpr int stimulusLevels = 15; // SL1 to SL15
 constexpr std::int32_t stimulusStop = 15;
-constexpr std::uint32_t traceOccurrences = 65535; // as many as two bytes on the wire hold
+constexpr std::uint32_t traceOccurrences = 65535; // limit of two bytes on the wire
 
 /// One level of the sequencer.
 struct TraceLevel {
@@ -65,7 +65,7 @@ struct TraceLevel {
 /// uses more of its levels and other fields.
 class TraceSetup {
 public:
-    /// A setup of defaults for the board of the tables, which outlive it and its copies.
+    /// A default setup for the board of the tables, which outlive it and its copies.
     explicit TraceSetup(SignalTables& tables) : events(tables) { Reset(); }
 
     std::string fileType; // as read from a file
@@ -78,7 +78,7 @@ public:
     CSignalList events;
     std::array<TraceLevel, levelRecords> levels; // level n is levels[n - 1]
 
-    /// All defaults again; `fileType` and `version` stay.
+    /// Restores all defaults; `fileType` and `version` stay.
     void Reset();
     /// Copies everything, but `description` becomes the other's name: callers that restore a
     /// setup rely on this.
@@ -89,11 +89,11 @@ public:
 [[nodiscard]] std::string_view ClockText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view PowerZoomText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view TriggerText(std::int32_t index) noexcept;
-/// The time from sample to sample, in picoseconds; nothing where the bus gives the clock.
+/// The time between samples in picoseconds; nothing for the bus clock.
 [[nodiscard]] std::optional<std::int64_t> ClockPeriod(std::int32_t index) noexcept;
 [[nodiscard]] std::optional<std::int64_t> PowerZoomPeriod(std::int32_t index) noexcept;
 constexpr std::int32_t clockCount = 17;
-constexpr std::int32_t clock133MHz = 4; // which boards of the small tier do not have
+constexpr std::int32_t clock133MHz = 4; // not on boards of the small tier
 constexpr std::int32_t powerZoomCount = 9;
 constexpr std::int32_t triggerCount = 6;
 
@@ -101,7 +101,7 @@ constexpr std::int32_t triggerCount = 6;
 [[nodiscard]] Expression ParseExpression(std::string_view text) noexcept;
 
 [[nodiscard]] std::string FormatTraceGoto(std::int32_t level, bool trigger);
-/// The level keeps its value where the text names none from 1 to 8.
+/// `level` is unchanged unless the text names a level from 1 to 8.
 void ParseTraceGoto(std::string_view text, std::int32_t& level, bool& trigger) noexcept;
 [[nodiscard]] std::string FormatStimulusGoto(std::int32_t level, std::int32_t duration,
                                              std::int32_t wait);

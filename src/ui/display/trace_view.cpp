@@ -310,7 +310,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         SetScrollBars();
         display_->Render();
         break;
-    case HintLook:
+    case HintPolled:
         ShowRun();
         break;
     default:

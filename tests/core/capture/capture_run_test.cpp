@@ -17,7 +17,7 @@ using testing::IsEmpty;
 class RecordingView final : public DocumentView {
 public:
     void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
-        if (hint != HintLook) { // those come with every look
+        if (hint != HintPolled) { // those come with every poll
             hints.push_back(hint);
         }
     }
@@ -50,7 +50,7 @@ protected:
         FAIL() << "no signal looks at " << dataIndex;
     }
     RunState Follow() {
-        document->Run().Look();
+        document->Run().Poll();
         return document->Run().State();
     }
     /// From here on the port is gone and its writes fail; time passes all the same.
@@ -271,7 +271,7 @@ TEST_F(CaptureRunTest, ARunGoesFromSetupToSamples) {
 
     SetLive(0x20, 40, 30);
     ASSERT_TRUE(Ends());
-    EXPECT_TRUE(document->CaptureActive()) << "until somebody looks";
+    EXPECT_TRUE(document->CaptureActive()) << "until it is polled";
     view.hints.clear();
     EXPECT_EQ(Follow().indicator, RunIndicator::Idle);
     EXPECT_FALSE(document->CaptureActive());
@@ -302,15 +302,15 @@ TEST_F(CaptureRunTest, TheDocumentLetsItTickWithAndWithoutViews) {
 
     struct LookedAt final : DocumentView {
         void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
-            looks += hint == HintLook ? 1 : 0;
+            polls += hint == HintPolled ? 1 : 0;
         }
-        int looks = 0;
+        int polls = 0;
     } first, second;
     document->AddView(&first);
     document->AddView(&second);
     timer->tick();
-    EXPECT_EQ(first.looks, 1);
-    EXPECT_EQ(second.looks, 1) << "one look for all views";
+    EXPECT_EQ(first.polls, 1);
+    EXPECT_EQ(second.polls, 1) << "one poll for all views";
     document->RemoveView(&first);
     document->RemoveView(&second);
     document.reset();

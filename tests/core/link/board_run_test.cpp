@@ -12,11 +12,11 @@ using namespace std::chrono_literals;
 class CountedRun final : public BoardRun {
 public:
     using BoardRun::BoardRun;
-    void Start() { LookEvery(200ms); }
-    void Look() override { ++looks; }
-    void Stop() override { LookNoMore(); }
+    void Start() { PollEvery(200ms); }
+    void Poll() override { ++polls; }
+    void Stop() override { StopPolling(); }
 
-    int looks = 0;
+    int polls = 0;
 };
 
 class BoardRuns : public LinkFixture {
@@ -26,7 +26,7 @@ protected:
     std::shared_ptr<TimerState> timer = std::make_shared<TimerState>();
 };
 
-TEST_F(BoardRuns, LookFromStartToStop) {
+TEST_F(BoardRuns, PollFromStartToStop) {
     CountedRun run(Parts());
     EXPECT_FALSE(timer->runs);
     run.Start();
@@ -34,12 +34,12 @@ TEST_F(BoardRuns, LookFromStartToStop) {
     EXPECT_EQ(timer->period, 200ms);
     timer->tick();
     timer->tick();
-    EXPECT_EQ(run.looks, 2);
+    EXPECT_EQ(run.polls, 2);
     run.Stop();
     EXPECT_FALSE(timer->runs);
 }
 
-TEST_F(BoardRuns, LookNoMoreWhenTheyAreGone) {
+TEST_F(BoardRuns, PollNoMoreOnceDestroyed) {
     {
         CountedRun run(Parts());
         run.Start();
@@ -50,9 +50,9 @@ TEST_F(BoardRuns, LookNoMoreWhenTheyAreGone) {
 TEST_F(BoardRuns, RunWithoutATimerToo) {
     CountedRun run({*link, prompts, nullptr});
     run.Start();
-    run.Look();
+    run.Poll();
     run.Stop();
-    EXPECT_EQ(run.looks, 1);
+    EXPECT_EQ(run.polls, 1);
 }
 
 } // namespace

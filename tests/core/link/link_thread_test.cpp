@@ -24,7 +24,7 @@ public:
         waits.set_value();
         mayGo.get_future().wait();
     }
-    [[nodiscard]] ReplyLook LookForReply(LinkRequest& /*running*/, ReplyRing& /*ring*/) override {
+    [[nodiscard]] ReplyState PollReply(LinkRequest& /*running*/, ReplyRing& /*ring*/) override {
         return {};
     }
     void Close() override {}

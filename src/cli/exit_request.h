@@ -4,23 +4,23 @@
 
 namespace busquill::cli {
 
-/// What the program tells whoever called it.
+/// Exit statuses of the program.
 namespace ExitStatus {
 enum : int { Done = 0, NothingFound = 1, WrongUse = 2, Failure = 3 };
 }
 
-/// Thrown to end the program: with a line for the user, or quietly where it is empty. The one
+/// Thrown to end the program, with a line for the user unless the message is empty. The only
 /// exception of the program; it does not leave this room.
-struct Stop {
+struct ExitRequest {
     int status = ExitStatus::Failure;
     std::string message;
 };
 
 [[noreturn]] inline void WrongUse(const std::string& message) {
-    throw Stop{ExitStatus::WrongUse, message};
+    throw ExitRequest{ExitStatus::WrongUse, message};
 }
 [[noreturn]] inline void Fail(const std::string& message) {
-    throw Stop{ExitStatus::Failure, message};
+    throw ExitRequest{ExitStatus::Failure, message};
 }
 
 } // namespace busquill::cli
