@@ -6,7 +6,7 @@ namespace busquill {
 
 namespace {
 
-/// A function without a room yet. Nobody makes its documents, so its commands stay disabled.
+/// A function that is not implemented yet. It has no factories, so its commands stay disabled.
 Feature ToCome(const char* docString) {
     return {docString, {}, {}, {}};
 }
