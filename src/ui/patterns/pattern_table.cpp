@@ -42,7 +42,7 @@ void CPatternTable::showEvent(QShowEvent* event) {
 
 bool CPatternTable::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Wheel) {
-        return QCoreApplication::sendEvent(grid_, event); // the same over the bar as over the grid
+        return QCoreApplication::sendEvent(grid_, event); // works over the bar as over the grid
     }
     return QWidget::eventFilter(watched, event);
 }
