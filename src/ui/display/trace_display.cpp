@@ -57,7 +57,7 @@ void TraceDisplay::SignalAdded(CSignal& signal) {
 
 void TraceDisplay::SignalsChanged() {
     KeepOffset();
-    document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
+    document_->UpdateAllViews(nullptr, HintRedraw); // other windows may show the same list
     emit LayoutChanged();
 }
 

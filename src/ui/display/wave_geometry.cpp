@@ -12,7 +12,7 @@ namespace {
 constexpr int smallestPage = 250;
 constexpr int bandGap = 1;
 
-/// The first signal with a band at or behind an index; their number when there is none.
+/// The first signal at or after an index that has a band; the number of signals when there is none.
 std::int64_t NextBand(std::span<const int> heights, std::int64_t index) noexcept {
     const auto count = static_cast<std::int64_t>(heights.size());
     while (index < count && heights[static_cast<std::size_t>(index)] < 1) {
@@ -21,7 +21,7 @@ std::int64_t NextBand(std::span<const int> heights, std::int64_t index) noexcept
     return index;
 }
 
-/// The last signal with a band at or before an index; -1 when there is none.
+/// The last signal at or before an index that has a band; -1 when there is none.
 std::int64_t PreviousBand(std::span<const int> heights, std::int64_t index) noexcept {
     while (index >= 0 && heights[static_cast<std::size_t>(index)] < 1) {
         --index;
@@ -29,7 +29,7 @@ std::int64_t PreviousBand(std::span<const int> heights, std::int64_t index) noex
     return index;
 }
 
-/// Whether the bands from a place on are higher than the page.
+/// Whether the bands from a place on do not fit in the page.
 bool GoPastBottom(std::span<const int> heights, BandPlace place, int page) noexcept {
     const auto first = static_cast<std::size_t>(std::max<std::int64_t>(place.signal, 0));
     return BandsHeight(heights.subspan(std::min(first, heights.size()))) - place.offset > page;
