@@ -77,7 +77,7 @@ void CStateWnd::MoveSamplesTo(int position) {
 }
 
 void CStateWnd::DrawFrame(QPainter& painter) {
-    Report(DrawState(painter, Frame()));
+    ReportMissing(DrawState(painter, Frame()));
 }
 
 void CStateWnd::RenderNames() {

@@ -62,7 +62,7 @@ protected:
     virtual void DrawFrame(QPainter& painter) = 0;
     [[nodiscard]] const DisplayColors& Colors() const noexcept { return colors_; }
     /// Emits SampleMissing if a sample was missing.
-    void Report(std::optional<std::int64_t> missing);
+    void ReportMissing(std::optional<std::int64_t> missing);
 
     [[nodiscard]] std::int64_t RowCount() const;
     /// The sample of a row, or of the last row if there are fewer.
@@ -71,7 +71,7 @@ protected:
     /// A double click must not clear the marker that its first click has just set.
     void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
 
-    [[nodiscard]] std::uint32_t SampleRoom() const override;
+    [[nodiscard]] std::uint32_t SampleCapacity() const override;
     void SignalAdded(CSignal& signal) override;
     void SignalsChanged() override;
 

@@ -467,7 +467,7 @@ void CTraceView::SetSamplePosition() {
 }
 
 void CTraceView::SampleAction(int action) {
-    TakeScrollAction(
+    ApplyScrollAction(
         isState_ ? *vScroll_ : *hScroll_, action,
         [this](bool forward) { display_->StepSamples(forward); },
         [this](bool forward) { display_->PageSamples(forward); },
@@ -477,7 +477,7 @@ void CTraceView::SampleAction(int action) {
 }
 
 void CTraceView::SignalAction(int action) {
-    TakeScrollAction(
+    ApplyScrollAction(
         isState_ ? *hScroll_ : *vScroll_, action,
         [this](bool forward) { display_->StepSignals(forward); },
         [this](bool forward) { display_->PageSignals(forward); },
@@ -505,7 +505,7 @@ void CTraceView::PageSamples(bool forward) {
 // The scale follows the thumb; everything else that depends on it is updated when the thumb is
 // released.
 void CTraceView::ZoomAction(int action) {
-    const bool stepped = TakeScrollAction(
+    const bool stepped = ApplyScrollAction(
         *zoomScroll_, action, [this](bool in) { wave_->SetZoom(ZoomAfterLine(wave_->Zoom(), in)); },
         [this](bool in) { wave_->SetZoom(ZoomAfterPage(wave_->Zoom(), in)); },
         [this](int thumb) { wave_->SetZoom(ZoomOfThumb(thumb)); },

@@ -179,7 +179,7 @@ void CWaveformWnd::NoteFirstSample() {
 
 void CWaveformWnd::DrawFrame(QPainter& painter) {
     NoteFirstSample();
-    Report(DrawWaveFrame(painter, Frame()));
+    ReportMissing(DrawWaveFrame(painter, Frame()));
 }
 
 void CWaveformWnd::RenderWaves() {
@@ -189,7 +189,7 @@ void CWaveformWnd::RenderWaves() {
     const int left = nameWidth_ + valueWidth_ + 1;
     RenderPart({left, 0, width() - left, height()}, [&](QPainter& painter) {
         NoteFirstSample();
-        Report(DrawWaves(painter, Frame()));
+        ReportMissing(DrawWaves(painter, Frame()));
     });
 }
 

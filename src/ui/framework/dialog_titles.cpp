@@ -53,7 +53,7 @@ public:
 
 } // namespace
 
-void KeepTitlesWhole(QObject& owner) {
+void WidenDialogsToTitles(QObject& owner) {
     qApp->installEventFilter(new TitleWatch(&owner));
 }
 

@@ -5,6 +5,6 @@ class QObject;
 namespace busquill {
 
 /// Makes every dialog open at least as wide as its title, as long as `owner` lives.
-void KeepTitlesWhole(QObject& owner);
+void WidenDialogsToTitles(QObject& owner);
 
 } // namespace busquill

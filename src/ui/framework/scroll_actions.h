@@ -19,8 +19,8 @@ inline void SetBarState(QScrollBar& bar, const BarState& state) {
 /// the thumb to `position()`. While the user drags the thumb it stays where it is, and false is
 /// returned.
 template <typename Step, typename Page, typename MoveTo, typename Position>
-bool TakeScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo moveTo,
-                      Position position) {
+bool ApplyScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo moveTo,
+                       Position position) {
     switch (action) {
     case QAbstractSlider::SliderSingleStepAdd:
     case QAbstractSlider::SliderSingleStepSub:

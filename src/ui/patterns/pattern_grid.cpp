@@ -212,7 +212,7 @@ bool CPatternGrid::EditNumber(CSignal& signal, int row) {
 
 // The menu on a column.
 
-std::uint32_t CPatternGrid::SampleRoom() const {
+std::uint32_t CPatternGrid::SampleCapacity() const {
     return static_cast<std::uint32_t>(rowCount_);
 }
 

@@ -47,7 +47,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
     [[nodiscard]] std::uint32_t OfferMode() const override { return mode_; }
-    [[nodiscard]] std::uint32_t SampleRoom() const override;
+    [[nodiscard]] std::uint32_t SampleCapacity() const override;
     void SignalsChanged() override;
 
 private:

@@ -54,7 +54,7 @@ void CPatternTable::SetBar() {
 }
 
 void CPatternTable::Scrolled(int action) {
-    TakeScrollAction(
+    ApplyScrollAction(
         *bar_, action, [this](bool right) { grid_->StepSignals(right); },
         [this](bool right) { grid_->PageSignals(right); },
         [this](int offset) { grid_->MoveSignalsTo(offset); }, [this] { return grid_->Offset(); });

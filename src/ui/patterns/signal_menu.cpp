@@ -120,7 +120,7 @@ private:
 
     CSignal* Add(const CSignal* before, const CChangeSignalDialog& dialog) {
         CSignal* added =
-            list_.AddSignal(before, dialog.chosenDef, host_.SampleRoom(), dialog.firstBit,
+            list_.AddSignal(before, dialog.chosenDef, host_.SampleCapacity(), dialog.firstBit,
                             dialog.lastBit, dialog.color, dialog.radix, dialog.showValue);
         if (added != nullptr) {
             host_.SignalAdded(*added);

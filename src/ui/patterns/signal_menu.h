@@ -22,7 +22,7 @@ public:
     /// The mode whose flags select the definitions that are offered.
     [[nodiscard]] virtual std::uint32_t OfferMode() const = 0;
     /// The number of samples that a new signal is to hold.
-    [[nodiscard]] virtual std::uint32_t SampleRoom() const = 0;
+    [[nodiscard]] virtual std::uint32_t SampleCapacity() const = 0;
     /// A signal has been added to the list: load its samples and measure its column.
     virtual void SignalAdded(CSignal& signal) = 0;
     /// A signal now shows other values, or another number of digits.

@@ -51,8 +51,8 @@ CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
 
 /// The target that can carry the command out now, or null. The first target that has the command
 /// decides.
-const CommandMap* WhoCanDo(CommandId id, const std::vector<const CommandMap*>& targets,
-                           const BoardTraits& board) {
+const CommandMap* EnabledTarget(CommandId id, const std::vector<const CommandMap*>& targets,
+                                const BoardTraits& board) {
     if (!CommandOf(id).onBoard(board)) {
         return nullptr;
     }
@@ -71,7 +71,7 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings
     : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea) {
     RegisterResources();
     setWindowTitle(stockName);
-    KeepTitlesWhole(*this);
+    WidenDialogsToTitles(*this);
     setWindowIcon(QIcon(":/icons/busquill.svg"));
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -222,7 +222,7 @@ void CMainFrame::RefreshCommands() {
     const std::vector<const CommandMap*> targets = Targets();
     const BoardTraits board = link_.Traits();
     for (const auto& [id, action] : actions_) {
-        action->setEnabled(WhoCanDo(id, targets, board) != nullptr);
+        action->setEnabled(EnabledTarget(id, targets, board) != nullptr);
     }
 }
 
@@ -259,7 +259,7 @@ void CMainFrame::FillDynamicEntries() {
 }
 
 void CMainFrame::Run(CommandId id) {
-    if (const CommandMap* target = WhoCanDo(id, Targets(), link_.Traits())) {
+    if (const CommandMap* target = EnabledTarget(id, Targets(), link_.Traits())) {
         target->Do(id);
     }
     RefreshCommands();

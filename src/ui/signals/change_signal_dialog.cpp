@@ -138,7 +138,7 @@ const CSignalDef* CChangeSignalDialog::Selected() const {
 
 /// Whether the definition is the one to preselect: the row's own, or the bus whose lines it
 /// decodes.
-bool CChangeSignalDialog::OpensOn(const CSignalDef& def) const {
+bool CChangeSignalDialog::IsPreselected(const CSignalDef& def) const {
     if (signal_ == nullptr) {
         return false;
     }
@@ -156,7 +156,7 @@ void CChangeSignalDialog::FillNames() {
     const auto offer = [&](const auto& defs) {
         for (const auto& def : defs) {
             if ((def->FlagsFor(mode_) & flagNotOffered) == 0) {
-                current = OpensOn(*def) ? name_->count() : current;
+                current = IsPreselected(*def) ? name_->count() : current;
                 name_->addItem(QString::fromStdString(def->name));
                 offered_.push_back(def);
             }

@@ -41,7 +41,7 @@ private:
     class RangeField;
 
     [[nodiscard]] const CSignalDef* Selected() const;
-    [[nodiscard]] bool OpensOn(const CSignalDef& def) const;
+    [[nodiscard]] bool IsPreselected(const CSignalDef& def) const;
     void FillNames();
     void NameSelected();
     [[nodiscard]] bool ChooseBus(const CBusSignalDef& def, const std::string& currentName);

@@ -169,7 +169,7 @@ void CChildFrame::SetupChosen() {
         document.setup.Reset();
         EditSetup("");
     } else {
-        // A failure has been reported, and the board runs with what could be read.
+        // A failure has been reported; what could be read is sent all the same.
         static_cast<void>(LoadSetupFile(document.setup, path, parts_.prompts));
         DownloadSetup(parts_.analyzer.Link(), document.setup, parts_.prompts);
     }

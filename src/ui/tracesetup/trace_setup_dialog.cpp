@@ -36,7 +36,7 @@ QString Shown(const std::string& text) {
 
 /// The text of a field. If it still shows the old text, that is returned unchanged, since a field
 /// cannot show every byte of a file.
-std::string Taken(const QString& shown, const std::string& old) {
+std::string FieldText(const QString& shown, const std::string& old) {
     return shown == Shown(old) ? old : QString(shown).replace("\n", "\r\n").toStdString();
 }
 
@@ -193,9 +193,9 @@ void CTraceSetupDialog::ShowIndexes() {
     powerZoomClock_->setCurrentIndex(setup_.powerZoomClock - 1);
 }
 
-void CTraceSetupDialog::TakeFields() {
-    setup_.name = Taken(name_->text(), setup_.name);
-    setup_.description = Taken(description_->toPlainText(), setup_.description);
+void CTraceSetupDialog::ReadFields() {
+    setup_.name = FieldText(name_->text(), setup_.name);
+    setup_.description = FieldText(description_->toPlainText(), setup_.description);
     setup_.clock = clock_->currentIndex() + 1;
     setup_.triggerPosition = triggerPosition_->currentIndex() + 1;
     setup_.powerZoomClock = powerZoomClock_->currentIndex() + 1;
@@ -241,7 +241,7 @@ void CTraceSetupDialog::OnOpen() {
 }
 
 void CTraceSetupDialog::OnSave() {
-    TakeFields();
+    ReadFields();
     const FileQuestion question = path_.empty()
                                       ? QuestionFor(FileUse::Save, LastFolder(), setup_.name)
                                       : QuestionFor(FileUse::Save, std::string(FolderOf(path_)),
@@ -298,7 +298,7 @@ void CTraceSetupDialog::accept() {
     }
     const std::string name = setup_.name;
     const std::string description = setup_.description;
-    TakeFields();
+    ReadFields();
     inFile_ = inFile_ && setup_.name == name && setup_.description == description;
     parts_.settings.WriteProfileInt(SettingsSection::display, SettingsKey::showTraceStatus,
                                     traceStatus_->isChecked() ? 1 : 0);

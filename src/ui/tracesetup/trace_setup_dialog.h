@@ -59,7 +59,7 @@ private:
     void ShowFields();
     void ShowProgram();
     void ShowIndexes();
-    void TakeFields();
+    void ReadFields();
     void Modify();
     void CheckClock();
     [[nodiscard]] std::string LastFolder() const;
