@@ -29,8 +29,8 @@ struct DocStrings {
 /// Splits a doc string at its line feeds.
 [[nodiscard]] DocStrings ParseDocString(std::string_view text);
 
-/// One kind of document: how its documents and frames are made. Owns its documents; the last
-/// frame that closes takes the document with it.
+/// One kind of document: how its documents and frames are created. Owns its documents; a document
+/// is destroyed when its last frame closes.
 class CMultiDocTemplate {
 public:
     /// A frame with its view; the frame belongs to the caller.

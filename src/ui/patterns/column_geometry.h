@@ -36,7 +36,7 @@ struct TableColumn {
 ///   0           fixedColumn                clientWidth
 struct TableColumns {
     std::vector<int> widths; // a column narrower than 1 is not drawn
-    int fixedColumn = 0;     // 0 where there is none
+    int fixedColumn = 0;     // 0: none
     int offset = 0;
     int clientWidth = 0;
 

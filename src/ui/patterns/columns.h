@@ -1,4 +1,4 @@
-/// What the columns of table windows look like.
+/// Fonts, widths and header of the columns of table windows.
 #pragma once
 
 #include "ui/patterns/column_geometry.h"
