@@ -8,8 +8,8 @@ namespace busquill {
 
 class Settings;
 
-/// Asks whether the other display of a trace replaces the one in the window or gets its own. The
-/// answer is kept for the next time.
+/// Asks whether the other display of a trace replaces the one in the window or opens in a new
+/// window. The answer is saved for the next time.
 class CNewWindowDialog final : public QDialog {
     Q_OBJECT
 public:

@@ -20,7 +20,7 @@ constexpr int smallestWindow = 3;
 
 } // namespace
 
-// Places are counted from the window's left edge, one pixel left of the rectangle.
+// Positions are relative to the window's left edge, which is one pixel left of the rectangle.
 std::vector<GaugeBar> GaugeBars(const GaugeState& state, int left, int right) {
     std::vector<GaugeBar> bars;
     if (state.total <= 0 || right <= left) {

@@ -9,7 +9,7 @@ namespace busquill {
 
 /// What the gauge shows of a capture; -1 means unset.
 struct GaugeState {
-    std::int64_t total = -1; // samples that the whole width stands for
+    std::int64_t total = -1; // samples that the whole width represents
     std::int64_t trigger = -1;
     std::int64_t marker1 = -1;
     std::int64_t marker2 = -1;
@@ -19,19 +19,20 @@ struct GaugeState {
     std::int64_t after = -1;
 };
 
-/// A filled stretch of the gauge, over its full height; a line is one pixel wide.
+/// A filled part of the gauge, over its full height; a line is a bar one pixel wide.
 struct GaugeBar {
     int left = 0;
-    int right = 0; // the first pixel behind it
+    int right = 0; // the first pixel after it
     std::uint32_t color = 0;
     friend bool operator==(const GaugeBar&, const GaugeBar&) = default;
 };
 
-/// The bars in a rectangle from `left` to `right`, in the order of drawing, over its ground.
+/// The bars in a rectangle from `left` to `right`, in the order in which they are drawn over the
+/// background.
 [[nodiscard]] std::vector<GaugeBar> GaugeBars(const GaugeState& state, int left, int right);
 
-/// Where a view stands in a capture, where trigger and markers are, and how far the board's memory
-/// has filled.
+/// Shows which part of a capture a view shows, where trigger and markers are, and how far the
+/// board's memory has filled.
 class CPositionGauge final : public QWidget {
     Q_OBJECT
 public:

@@ -19,8 +19,8 @@ namespace busquill {
 
 namespace {
 
-constexpr int period = 500; // milliseconds between looks for samples that are on their way
-/// Rows that are written before the windows get their turn.
+constexpr int period = 500; // milliseconds between checks for samples that are still being fetched
+/// Rows that are written before events are handled again.
 constexpr std::size_t rowsAtOnce = 50000;
 
 } // namespace
@@ -129,7 +129,7 @@ void CSaveTraceDialog::Tick() {
     percent_->setText(QString("%1%").arg(writer_->Progress()));
 }
 
-/// Says what went wrong and lets the user try another range.
+/// Reports what went wrong and lets the user try another range.
 void CSaveTraceDialog::Fail(const std::string& message) {
     timer_->stop();
     saving_ = false;

@@ -19,7 +19,7 @@ class MainThread;
 class Prompts;
 class WindowTimer;
 
-/// Asks for the range of samples and saves it, while missing ones are fetched from the board.
+/// Asks for a range of samples and saves it; missing samples are fetched from the board meanwhile.
 class CSaveTraceDialog final : public QDialog {
     Q_OBJECT
 public:
@@ -39,7 +39,7 @@ private:
     CTesselDoc& document_;
     const std::string path_;
     Prompts& prompts_;
-    std::unique_ptr<TraceFileWriter> writer_; // anew for each attempt
+    std::unique_ptr<TraceFileWriter> writer_; // a new one for each attempt
     bool saving_ = false;
     QLineEdit* start_;
     QLineEdit* end_;

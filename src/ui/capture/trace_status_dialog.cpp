@@ -44,7 +44,7 @@ CTraceStatusDialog::CTraceStatusDialog(QWidget* parent, const TraceSetup& setup)
     layout->addLayout(rows);
     layout->addWidget(level);
     layout->setSizeConstraint(QLayout::SetFixedSize);
-    SetLamp(Active, true); // for as long as the dialog lives
+    SetLamp(Active, true); // it stays lit as long as the dialog is open
 }
 
 QLabel* CTraceStatusDialog::AddField(Field field, const char* name) {

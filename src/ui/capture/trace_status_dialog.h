@@ -13,8 +13,8 @@ namespace busquill {
 
 class TraceSetup;
 
-/// Follows a capture beside the windows while it runs: counts, indicators, and the program's
-/// active level. Writes a field only when it has changed.
+/// Shows the state of a running capture: counts, indicators, and the program's active level.
+/// Updates a field only when its value has changed.
 class CTraceStatusDialog final : public QDialog {
     Q_OBJECT
 public:

@@ -15,15 +15,14 @@ struct CheckRow {
     std::string text;
 };
 
-/// A tree of check boxes in the order of its rows. A group or a subgroup whose box the user changes
-/// hands its state down to all below it; a check follows its own box. What stands above is left as
-/// it is.
+/// A tree of check boxes in the order of its rows. When the user changes the box of a group or a
+/// subgroup, all boxes below it take its state; boxes above stay as they are.
 class CCheckTree final : public QTreeWidget {
     Q_OBJECT
 public:
     explicit CCheckTree(QWidget* parent = nullptr);
 
-    /// All rows, expanded and without a tick. A row that has no group above it is a root.
+    /// Sets all rows, expanded and unticked. A row without a group above it is a root.
     void SetRows(std::span<const CheckRow> rows);
     [[nodiscard]] int RowCount() const noexcept { return static_cast<int>(items_.size()); }
     /// The item of a row; it belongs to the tree. Its text and colours may be changed.
@@ -32,18 +31,18 @@ public:
     }
 
     [[nodiscard]] bool IsChecked(int row) const;
-    /// Sets boxes without handing anything down and without a signal.
+    /// Sets each row's box alone, and emits no signal.
     void SetChecked(const std::function<bool(int row)>& isChecked);
 
 signals:
-    /// The user has changed boxes; all below have followed.
+    /// The user has changed a box; the boxes below it have been changed too.
     void ChecksChanged();
 
 private:
     void Changed(const QModelIndex& index);
 
     std::vector<QTreeWidgetItem*> items_; // by row
-    bool setting_ = false;                // boxes change, but not by the user
+    bool setting_ = false;                // boxes are being changed by the program
 };
 
 } // namespace busquill

@@ -7,7 +7,7 @@
 
 namespace busquill {
 
-/// A button that shows a colour; pressed, it asks for another one.
+/// A button that shows a colour; a click on it asks for another one.
 class ColorButton final : public QPushButton {
     Q_OBJECT
 public:
@@ -28,7 +28,7 @@ private:
     std::uint32_t color_ = 0;
 };
 
-/// Asks for a colour, beginning with one; nothing when the user cancels.
+/// Asks for a colour, starting from `color`; nothing when the user cancels.
 [[nodiscard]] std::optional<std::uint32_t> AskColor(QWidget* parent, std::uint32_t color);
 
 } // namespace busquill

@@ -4,8 +4,8 @@
 
 namespace busquill {
 
-/// A signed number with arrows, which takes whatever is typed. An empty field is 0, not the number
-/// that stood in it before.
+/// A signed number with arrows. Anything can be typed; an empty field counts as 0, not as the
+/// number that was in it before.
 class NumberField : public QSpinBox {
     Q_OBJECT
 public:

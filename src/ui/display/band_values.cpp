@@ -17,7 +17,7 @@ bool SameBytes(const CSignal& signal, std::size_t a, std::size_t b) {
     return std::equal(rowA.begin(), rowA.end(), rowB.begin(), rowB.end());
 }
 
-/// Two values of a definition may bear the same label.
+/// Two values of a definition may have the same label.
 bool SameLabel(const CSignal& signal, std::size_t a, std::size_t b) {
     const char* const labelA = signal.Label(a);
     const char* const labelB = signal.Label(b);
@@ -171,7 +171,7 @@ std::string BandText(const BandSamples& samples, const BoardTraits& board, const
         return label == nullptr ? "" : label;
     case DecodeKind::Delta:
     case DecodeKind::Accum:
-        return {}; // only the listing computes these; what they hold is no value
+        return {}; // computed in the listing only; their bits are not a value
     default:
         break;
     }

@@ -1,4 +1,4 @@
-/// The values of a signal along the samples that the waveforms draw.
+/// The values of a signal in the samples that the waveforms draw.
 #pragma once
 
 #include "link/board_identity.h"
@@ -14,7 +14,8 @@ namespace busquill {
 class CSignal;
 class CTesselDoc;
 
-/// The samples of a frame, from the one at the left edge: those of `count` rows.
+/// The samples of a frame: those of `count` rows, from the one at the left edge. `k` counts them
+/// from 0.
 class BandSamples {
 public:
     BandSamples(CTesselDoc& ofDocument, bool zoom, std::int64_t row, std::int64_t howMany)
@@ -27,29 +28,29 @@ public:
 
     [[nodiscard]] std::int64_t SampleOf(std::int64_t k) const;
     [[nodiscard]] std::int64_t RowCount() const;
-    /// Whether each sample is the one behind its predecessor.
+    /// Whether the samples have consecutive indexes.
     [[nodiscard]] bool AreContiguous() const;
-    /// The first that has not come yet.
+    /// The first one that has not arrived yet.
     [[nodiscard]] std::optional<std::int64_t> FirstMissing() const;
-    /// What decoded values tell of besides their own bits, for each sample.
+    /// For each sample, the bits outside a decoded signal that its text may depend on.
     [[nodiscard]] std::span<const std::uint16_t> Surroundings() const;
 
 private:
-    mutable std::vector<std::uint16_t> surroundings_; // made when first asked for
+    mutable std::vector<std::uint16_t> surroundings_; // computed when first needed
 };
 
-/// What changes from sample to sample, and where. Samples count from the left edge. Both outlive
-/// it.
+/// Finds where a signal's value changes. `k` counts samples from the left edge. Samples and signal
+/// outlive the object.
 class BandValues {
 public:
     enum class Kind {
         Bit,   // of a single line
         Bytes, // of a bus
-        Label, // of a decoded signal that has no more than that
-        Text,  // of a decoded signal: it tells of other bits too
-        Each,  // every sample is another
+        Label, // of a decoded signal without any other value
+        Text,  // of a decoded signal whose text depends on other bits too
+        Each,  // differs in every sample
     };
-    /// How the runs of a signal are told apart.
+    /// By what the values of a signal are compared.
     [[nodiscard]] static Kind KindOf(const CSignal& signal);
 
     BandValues(const BandSamples& samples, const BoardTraits& board, const CSignal& signal,
@@ -58,16 +59,17 @@ public:
           contiguous_(samples.AreContiguous()) {}
 
     [[nodiscard]] bool Bit(std::int64_t k) const;
-    /// The first sample behind `k` that differs from its predecessor; the count when there is none.
+    /// The first sample after `k` that differs from its predecessor; the number of samples when
+    /// there is none.
     [[nodiscard]] std::int64_t NextChange(std::int64_t k) const;
-    /// The last such sample behind `k` up to `last`; `k` when there is none.
+    /// The last such sample after `k`, up to and including `last`; `k` when there is none.
     [[nodiscard]] std::int64_t LastChange(std::int64_t k, std::int64_t last) const;
 
 private:
     /// Whether a sample differs from its predecessor.
     [[nodiscard]] bool Changes(std::int64_t k) const;
-    /// The first sample behind `k` that may differ from its predecessor, a word at a time; nothing
-    /// where that cannot be told.
+    /// The first sample after `k` that may differ from its predecessor, found by comparing whole
+    /// words; nothing if the samples have to be compared one by one.
     [[nodiscard]] std::optional<std::int64_t> NextCandidate(std::int64_t k) const;
 
     const BandSamples& samples_;
@@ -77,7 +79,7 @@ private:
     const bool contiguous_;
 };
 
-/// The text of a value.
+/// The text of the value in a sample of the document.
 [[nodiscard]] std::string BandText(const BandSamples& samples, const BoardTraits& board,
                                    const CSignal& signal, std::int64_t sample);
 

@@ -14,7 +14,7 @@ struct DisplayColors {
     std::uint32_t marker1 = 0;
     std::uint32_t marker2 = 0;
 
-    /// That of the trigger (0) or of a marker.
+    /// The colour of the trigger (0) or of a marker (1 or 2).
     [[nodiscard]] std::uint32_t Mark(int which) const noexcept {
         return which == 0 ? trigger : which == 1 ? marker1 : marker2;
     }
@@ -24,7 +24,8 @@ struct DisplayColors {
 constexpr const char* stateDisplay = "State";
 constexpr const char* waveformDisplay = "Waveform";
 
-/// The user's colours for a display; the alternate one is the background while alternation is off.
+/// The user's colours for a display; while alternation is off, the alternate colour is the
+/// background.
 [[nodiscard]] DisplayColors LoadDisplayColors(const Settings& settings, const char* display);
 
 } // namespace busquill

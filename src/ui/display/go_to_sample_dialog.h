@@ -20,7 +20,7 @@ private:
     QSpinBox* number_;
 };
 
-/// The sample with a number, or the nearest one that there is; -1 in an empty capture.
+/// The index of the sample with a number, or of the nearest one; -1 in an empty capture.
 [[nodiscard]] std::int64_t SampleOfNumber(std::int64_t number, std::int64_t firstNumber,
                                           std::int64_t count) noexcept;
 

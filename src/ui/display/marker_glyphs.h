@@ -1,4 +1,4 @@
-/// The small marks of trigger and markers.
+/// The symbols of trigger and markers.
 #pragma once
 
 class QPainter;
@@ -7,8 +7,8 @@ namespace busquill {
 
 constexpr int glyphHalf = 3; // pixels from the middle of a mark to its edge
 
-/// A mark whose stem, square or triangle begins at `top`, about the pixel `x`: 0 is the trigger, 1
-/// and 2 are the markers.
+/// Draws the symbol of the trigger (0) or of a marker (1 or 2), centred at the pixel `x`, from
+/// `top` down.
 void DrawMarkerGlyph(QPainter& painter, int which, int x, int top);
 
 } // namespace busquill

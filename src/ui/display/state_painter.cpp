@@ -88,8 +88,8 @@ private:
 
     [[nodiscard]] std::int64_t RowCount() const { return frame_.document.RowCount(frame_.zoom); }
 
-    /// The colour of a row's stripe, if it has one. Stripes go by sample, so that they stay with
-    /// their samples under a filter.
+    /// The colour of a row's stripe, if it has one. It depends on the sample, so that a filter does
+    /// not change it.
     [[nodiscard]] std::optional<std::uint32_t> RowColor(std::int64_t sample) const {
         for (int which = 0; which < 3; ++which) {
             if (frame_.document.Marker(which, frame_.zoom) == sample) {
@@ -131,7 +131,7 @@ private:
                   const ListedSample& listed) {
         painter_.setPen(ColorOf(signal.color));
         const std::string text = CellText(frame_.board, signal, listed, frame_.zoom);
-        // A value that lost its sign or its first digits would read as another one.
+        // A value without its sign or its first digits could be mistaken for another one.
         DrawCellText(painter_, cell.adjusted(2, 0, -2, 0), ToQt(text),
                      IsLeftAligned(signal) ? CellAlign::Left : CellAlign::Center, true);
         if (IsKind(signal, DecodeKind::Delta)) {
@@ -139,7 +139,8 @@ private:
         }
     }
 
-    /// Marks of trigger and markers in the DELTA column, and the span between the markers.
+    /// Draws the symbols of trigger and markers in the DELTA column, and the span between the
+    /// markers.
     void DrawDelta(const QRect& cell, std::int64_t row, std::int64_t sample) {
         const auto marker = [&](int which) { return frame_.document.Marker(which, frame_.zoom); };
         const int cy = cell.top() + cell.height() / 2;
@@ -174,7 +175,7 @@ private:
             DrawCellText(painter_, cell, ToQt(TimeBetween(first, second, frame_.list, frame_.zoom)),
                          CellAlign::Center, true);
         } else if (sample > std::min(first, second) && sample < std::max(first, second)) {
-            Line(cell.center().x(), cell.top(), 1, stateRowPitch); // meets that of the next row
+            Line(cell.center().x(), cell.top(), 1, stateRowPitch); // joins the line of the next row
         }
     }
 

@@ -31,11 +31,10 @@ struct StateFrame {
     TableFonts fonts;
 };
 
-/// What the time columns of a frame show, row by row. Only what a column of the list shows is
-/// worked out.
+/// The times in the rows of a frame. Only times that a visible column shows are computed.
 class FrameTimes {
 public:
-    /// The frame must outlive it.
+    /// The frame outlives the object.
     explicit FrameTimes(const StateFrame& frame);
     FrameTimes(const FrameTimes&) = delete;
     FrameTimes& operator=(const FrameTimes&) = delete;
@@ -50,11 +49,11 @@ private:
     bool showsTime_ = false;
 };
 
-/// Draws the header alone.
+/// Draws only the header.
 void DrawStateHeader(QPainter& painter, const StateFrame& frame);
 
 /// Draws a frame: background, header and the rows that fit. Returns the first of its samples that
-/// has not arrived yet, which is the one to fetch next.
+/// has not arrived yet and is to be fetched next.
 std::optional<std::int64_t> DrawState(QPainter& painter, const StateFrame& frame);
 
 } // namespace busquill

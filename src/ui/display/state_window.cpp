@@ -77,7 +77,7 @@ void CStateWnd::MoveSamplesTo(int position) {
 }
 
 void CStateWnd::DrawFrame(QPainter& painter) {
-    Report(DrawState(painter, Frame()));
+    ReportMissing(DrawState(painter, Frame()));
 }
 
 void CStateWnd::RenderNames() {
@@ -97,8 +97,8 @@ void CStateWnd::PressCell(const QPoint& place, Qt::MouseButton button) {
     }
 }
 
-// What the listing is offered stands under the waveform's flags: only there are the columns that
-// are computed for a listing free to choose.
+// The listing uses the waveform's flags: only these offer the columns that are computed for a
+// listing.
 std::uint32_t CStateWnd::OfferMode() const {
     return ModeWaveform;
 }

@@ -12,7 +12,7 @@ public:
     /// Without prompts there is no menu on the columns.
     CStateWnd(QWidget* parent, const Settings& settings, Prompts* prompts = nullptr);
 
-    /// Gives every column the width that its texts need.
+    /// Also fits every column to its texts.
     void Attach(CTesselDoc& document, CSignalList& list, bool zoom) override;
 
     [[nodiscard]] int VisibleRowCount() const;
@@ -38,12 +38,12 @@ public:
 protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
-    /// Sets a marker on the row at a place, or clears it where it stands already.
+    /// Sets a marker on the row at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     [[nodiscard]] std::uint32_t OfferMode() const override;
 
 private:
-    /// The row at a height below the header.
+    /// The row at a height in the window, below the header.
     [[nodiscard]] std::int64_t RowAt(int y) const;
     void SetTopRow(std::int64_t row);
     void StepRows(std::int64_t rows);

@@ -31,7 +31,7 @@ bool TraceDisplay::IsOutdated() const {
     return LoadDisplayColors(settings_, name_) != colors_;
 }
 
-void TraceDisplay::Report(std::optional<std::int64_t> missing) {
+void TraceDisplay::ReportMissing(std::optional<std::int64_t> missing) {
     if (missing) {
         emit SampleMissing(*missing);
     }
@@ -46,7 +46,7 @@ std::int64_t TraceDisplay::SampleOfRow(std::int64_t row) const {
                                 : document_->RowToSample(std::min(row, RowCount() - 1), isZoom_);
 }
 
-std::uint32_t TraceDisplay::SampleRoom() const {
+std::uint32_t TraceDisplay::SampleCapacity() const {
     return static_cast<std::uint32_t>(document_->SampleCount(isZoom_));
 }
 
@@ -57,7 +57,7 @@ void TraceDisplay::SignalAdded(CSignal& signal) {
 
 void TraceDisplay::SignalsChanged() {
     KeepOffset();
-    document_->UpdateAllViews(nullptr, HintRedraw); // another window may show the same list
+    document_->UpdateAllViews(nullptr, HintRedraw); // other windows may show the same list
     emit LayoutChanged();
 }
 

@@ -68,7 +68,7 @@ CTraceView::CTraceView(QWidget* parent, bool isState, bool isZoom, const TraceVi
     connect(samples, &QScrollBar::sliderReleased, this, &CTraceView::SetSamplePosition);
     connect(signalBar, &QScrollBar::actionTriggered, this, &CTraceView::SignalAction);
     connect(display_, &TraceDisplay::LayoutChanged, this, &CTraceView::SetScrollBars);
-    // Power Zoom samples come before all others in any case.
+    // Power Zoom samples are always fetched before all others.
     connect(display_, &TraceDisplay::SampleMissing, this, [this](std::int64_t sample) {
         if (!isZoom_) {
             Trace().FetchNext(sample);
@@ -218,11 +218,11 @@ void CTraceView::Filter() {
 
 void CTraceView::OnInitialUpdate() {
     const std::int64_t trigger = Trace().Marker(0, isZoom_);
-    // A capture of no samples has a trigger all the same.
+    // Even a capture without samples has a trigger.
     const bool set = trigger != -1 && Trace().SampleCount(isZoom_) > 0;
     ShowCounts(set ? trigger : 0, set ? Trace().SampleCount(isZoom_) - trigger - 1 : 0);
     RefreshFrameName();
-    LayOut(); // no size event comes before the view is shown
+    LayOut(); // there is no resize event until the view is shown
     if (Trace().IsRealTime() && parts_.link != nullptr) {
         showStatus_ = parts_.settings.GetProfileInt(SettingsSection::display,
                                                     SettingsKey::showTraceStatus, 0) != 0;
@@ -255,13 +255,13 @@ void CTraceView::OnInitialUpdate() {
     }
     ShowTimes();
     if (Trace().CaptureActive()) {
-        ShowRun(); // as far as it is
+        ShowRun(); // its present state
     }
 }
 
 void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* object) {
     if (hint != HintBlockArrived) {
-        ShowTimes(); // else when all blocks of the look are in
+        ShowTimes(); // for blocks: once, after all that have arrived together
     }
     if (hint == HintRedraw || (hint >= HintCaptureStarted && hint <= HintBlockArrived)) {
         display_->SamplesChanged();
@@ -286,7 +286,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintDataComplete:
         SetScrollBars();
         ShowSample(Trace().Marker(0, isZoom_));
-        display_->Render(); // also where that has not moved
+        display_->Render(); // even if the view has not moved
         if (isZoom_ && hint == HintDataComplete) {
             ShowCounts(zoomSamplesBefore, zoomSamplesBefore);
         }
@@ -306,7 +306,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
         RefreshFrameName();
         break;
     case HintFilterChanged:
-        ScrollToSample(TopSample()); // its row is another one now
+        ScrollToSample(TopSample()); // its row has changed
         SetScrollBars();
         display_->Render();
         break;
@@ -324,7 +324,7 @@ void CTraceView::MarkerChanged(int which) {
     if (marker != -1 && (marker < first || marker > display_->LastClickableSample())) {
         ShowSample(marker);
     }
-    if (TopSample() == first) { // else it has just been drawn
+    if (TopSample() == first) { // otherwise it has just been drawn
         display_->RenderMarkers();
     }
     if (frame_ != nullptr) {
@@ -381,7 +381,7 @@ void CTraceView::ReportWindow() {
     frame_->GetGauge().SetWindow(shown ? TopSample() : -1, shown ? display_->LastSample() : -1);
 }
 
-/// The room of Power Zoom samples is always full.
+/// Power Zoom always has the same number of samples.
 void CTraceView::ShowCounts(std::int64_t before, std::int64_t after) {
     if (frame_ != nullptr) {
         isZoom_ ? frame_->SetCounters(zoomSamplesBefore, zoomSamplesBefore)
@@ -454,7 +454,7 @@ void CTraceView::SetScrollBars() {
     }
     const auto show = [](QScrollBar& bar, const BarState& state) {
         SetBarState(bar, state);
-        bar.setEnabled(bar.isEnabled() || state.needed); // once enabled, it stays so
+        bar.setEnabled(bar.isEnabled() || state.needed); // once enabled, it stays enabled
     };
     show(isState_ ? *vScroll_ : *hScroll_, display_->SampleBar());
     show(isState_ ? *hScroll_ : *vScroll_, display_->SignalBar());
@@ -467,7 +467,7 @@ void CTraceView::SetSamplePosition() {
 }
 
 void CTraceView::SampleAction(int action) {
-    TakeScrollAction(
+    ApplyScrollAction(
         isState_ ? *vScroll_ : *hScroll_, action,
         [this](bool forward) { display_->StepSamples(forward); },
         [this](bool forward) { display_->PageSamples(forward); },
@@ -477,7 +477,7 @@ void CTraceView::SampleAction(int action) {
 }
 
 void CTraceView::SignalAction(int action) {
-    TakeScrollAction(
+    ApplyScrollAction(
         isState_ ? *hScroll_ : *vScroll_, action,
         [this](bool forward) { display_->StepSignals(forward); },
         [this](bool forward) { display_->PageSignals(forward); },
@@ -502,9 +502,10 @@ void CTraceView::PageSamples(bool forward) {
     Synchronise();
 }
 
-// The scale follows the thumb; what depends on it waits until the thumb is let go.
+// The scale follows the thumb; everything else that depends on it is updated when the thumb is
+// released.
 void CTraceView::ZoomAction(int action) {
-    const bool stepped = TakeScrollAction(
+    const bool stepped = ApplyScrollAction(
         *zoomScroll_, action, [this](bool in) { wave_->SetZoom(ZoomAfterLine(wave_->Zoom(), in)); },
         [this](bool in) { wave_->SetZoom(ZoomAfterPage(wave_->Zoom(), in)); },
         [this](int thumb) { wave_->SetZoom(ZoomOfThumb(thumb)); },
@@ -583,14 +584,15 @@ void CTraceView::wheelEvent(QWheelEvent* event) {
         MoveColumns(notches);
         return;
     }
-    for (int i = 0; i < std::abs(notches); ++i) { // samples of waveforms lie sideways in any case
+    // In waveforms, too, a sideways turn moves the samples.
+    for (int i = 0; i < std::abs(notches); ++i) {
         StepSamples(notches > 0);
     }
 }
 
 bool CTraceView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Wheel) {
-        wheelEvent(static_cast<QWheelEvent*>(event)); // the same over a bar as over the listing
+        wheelEvent(static_cast<QWheelEvent*>(event)); // works over a bar as over the display
         return true;
     }
     return CView::eventFilter(watched, event);

@@ -26,7 +26,7 @@ struct RunState;
 enum class SearchDirection;
 enum class GoToTarget { Trigger, Marker1, Marker2, Start, End };
 
-/// What a trace view works with. They outlive it. A view of a file needs the settings only.
+/// What a trace view works with; all outlive it. A view of a file needs only the settings.
 struct TraceViewParts {
     const Settings& settings;
     CAnalyzerLink* link = nullptr;
@@ -55,20 +55,20 @@ public:
     void ScrollToSample(std::int64_t sample);
 
     [[nodiscard]] bool CanGoTo(GoToTarget target) const;
-    /// Takes every view of the same samples to the target.
+    /// Moves every view of the same samples to the target.
     void GoTo(GoToTarget target);
 
     [[nodiscard]] bool CanSearchSamples() const;
     [[nodiscard]] bool CanFilterSamples() const;
     /// Asks for the number of a sample and goes there.
     void GoToNumber();
-    /// Asks for the pattern of further searches.
+    /// Asks for the pattern that Find looks for.
     void FindPattern();
-    /// Sets marker 1 to the next match, or says that there is none.
+    /// Sets marker 1 to the next match, or reports that there is none.
     void Find(SearchDirection direction);
     void Filter();
 
-    /// Only waveforms can be zoomed, and only so far.
+    /// Only waveforms can be zoomed, within limits.
     [[nodiscard]] bool CanZoom(bool in) const;
     void Zoom(bool in);
 
@@ -117,8 +117,8 @@ private:
     TraceFrame* frame_ = nullptr;
     QScrollBar* vScroll_;
     QScrollBar* hScroll_;
-    QScrollBar* zoomScroll_ = nullptr; // of waveforms
-    CWaveformWnd* wave_ = nullptr;     // likewise
+    QScrollBar* zoomScroll_ = nullptr; // null in a listing
+    CWaveformWnd* wave_ = nullptr;     // null in a listing
     TraceDisplay* display_;
     WheelTurns wheel_;
     std::unique_ptr<CTraceStatusDialog> statusDialog_;

@@ -12,7 +12,7 @@ namespace {
 constexpr int smallestPage = 250;
 constexpr int bandGap = 1;
 
-/// The first signal with a band at or behind an index; their number when there is none.
+/// The first signal at or after an index that has a band; the number of signals when there is none.
 std::int64_t NextBand(std::span<const int> heights, std::int64_t index) noexcept {
     const auto count = static_cast<std::int64_t>(heights.size());
     while (index < count && heights[static_cast<std::size_t>(index)] < 1) {
@@ -21,7 +21,7 @@ std::int64_t NextBand(std::span<const int> heights, std::int64_t index) noexcept
     return index;
 }
 
-/// The last signal with a band at or before an index; -1 when there is none.
+/// The last signal at or before an index that has a band; -1 when there is none.
 std::int64_t PreviousBand(std::span<const int> heights, std::int64_t index) noexcept {
     while (index >= 0 && heights[static_cast<std::size_t>(index)] < 1) {
         --index;
@@ -29,8 +29,8 @@ std::int64_t PreviousBand(std::span<const int> heights, std::int64_t index) noex
     return index;
 }
 
-/// Whether the bands from a place on are higher than the page.
-bool GoPastBottom(std::span<const int> heights, BandPlace place, int page) noexcept {
+/// Whether the bands from a place on do not fit in the page.
+bool ExceedPage(std::span<const int> heights, BandPlace place, int page) noexcept {
     const auto first = static_cast<std::size_t>(std::max<std::int64_t>(place.signal, 0));
     return BandsHeight(heights.subspan(std::min(first, heights.size()))) - place.offset > page;
 }
@@ -231,7 +231,7 @@ BandPlace StepBands(std::span<const int> heights, BandPlace place, bool down, in
         return previous < 0 ? place
                             : BandPlace{previous, heights[static_cast<std::size_t>(previous)] - 1};
     }
-    if (!GoPastBottom(heights, place, page)) {
+    if (!ExceedPage(heights, place, page)) {
         return place;
     }
     if (place.offset + 1 < height) {
@@ -244,8 +244,7 @@ BandPlace StepBands(std::span<const int> heights, BandPlace place, bool down, in
 BandPlace PageBands(std::span<const int> heights, BandPlace place, bool down, int page) noexcept {
     if (down) {
         const bool hasNext = place.signal + 1 < static_cast<std::int64_t>(heights.size());
-        return hasNext && GoPastBottom(heights, place, page) ? BandPlace{place.signal + 1, 0}
-                                                             : place;
+        return hasNext && ExceedPage(heights, place, page) ? BandPlace{place.signal + 1, 0} : place;
     }
     const bool canGoUp = place.signal > 0 || (place.signal == 0 && place.offset > 0);
     return canGoUp ? BandPlace{place.signal - 1, 0} : place;

@@ -17,12 +17,12 @@ namespace {
 
 constexpr int railInset = 2; // pixels from a band's edges to its high and low level
 constexpr int tickHeight = 7;
-constexpr int spanMargin = 10; // pixels that a text between the markers leaves free
+constexpr int spanMargin = 10; // free pixels around the text between the markers
 constexpr int glyphTop = waveHeaderLine / 2 - glyphHalf;
 const QColor lineColor(0, 0, 0);
 
-/// Rectangles of one colour, drawn at once. A rectangle that continues the last one to the right is
-/// joined to it, so that busy lines cost no more than a block.
+/// Rectangles of one colour, drawn in one call. A rectangle that continues the previous one to the
+/// right is merged with it, so that a busy line costs no more than a block.
 class Strokes {
 public:
     void Add(int x, int y, int width, int height) {
@@ -58,14 +58,15 @@ QRect LineInBand(const QRect& band, int lineHeight) {
     return {band.left(), band.top() + (band.height() - lineHeight) / 2, band.width(), lineHeight};
 }
 
-/// Texts in the runs of a band, in a font of fixed pitch: how much of one fits is a division.
+/// Texts in the runs of a band. The font has a fixed pitch, so the number of characters that fit is
+/// found by a division.
 class RunTexts {
 public:
     RunTexts(QPainter& painter, const QFont& font)
         : painter_(painter), metrics_(font),
           pitch_(QFontMetricsF(font).horizontalAdvance("0000000000") / 10) {}
 
-    /// Whether a run of so many pixels shows anything of a text.
+    /// Whether anything of a text shows in a run of `width` pixels.
     [[nodiscard]] bool ShowsAnything(int width) const { return width >= pitch_; }
     [[nodiscard]] int SmallestWidth() const { return static_cast<int>(std::ceil(pitch_)); }
 
@@ -178,7 +179,7 @@ public:
 private:
     [[nodiscard]] QColor Background() const { return ColorOf(frame_.colors.background); }
 
-    /// The lines at the right and the bottom of the window.
+    /// Draws the lines at the right and the bottom of the window.
     void Frame() {
         const int right = frame_.size.width() - 1;
         const int bottom = frame_.size.height() - 1;
@@ -186,7 +187,7 @@ private:
         painter_.fillRect(0, bottom, right + 1, 1, lineColor);
     }
 
-    /// Stripes go by signal, so that they stay with their signals when these scroll.
+    /// Stripes depend on the signal, so that they scroll with it.
     void FillBand(const WaveBand& band, int left, int width) {
         if (band.signal % 2 != 0) {
             painter_.fillRect(left, band.top, width, band.height, ColorOf(frame_.colors.alternate));
@@ -219,7 +220,7 @@ private:
         return isSample ? BandValues::Kind::Each : BandValues::Kind::Bytes;
     }
 
-    /// Two rails, and a tick between them where the value changes.
+    /// Draws two rails, and a tick between them where the value changes.
     void DrawBus(const CSignal& signal, const WaveBand& band) {
         const int high = band.top + railInset;
         const int low = band.top + band.height - railInset;
@@ -231,12 +232,12 @@ private:
         while (k < samples_.count) {
             const int x = scale_.XOf(k);
             strokes_.Add(x, high, 1, low - high + 1);
-            // Further changes in the same pixel are the same tick.
+            // Skips further changes in the same pixel: the tick is already there.
             k = values.NextChange(std::max(k, scale_.FirstAfter(x) - 1));
         }
     }
 
-    /// The level runs to a change, where an edge leads to the other level.
+    /// Draws a level up to each change, and an edge to the other level there.
     void DrawBit(const CSignal& signal, const WaveBand& band) {
         const int high = band.top + railInset;
         const int low = band.top + band.height - railInset;
@@ -255,20 +256,21 @@ private:
                 return;
             }
             strokes_.Add(next, high, 1, low - high + 1);
-            // Further edges in the same pixel are the same line: what counts is where they end.
+            // Further edges in the same pixel fall on the same line: only the level after them
+            // counts.
             k = std::clamp(scale_.FirstAfter(next) - 1, k, samples_.count - 1);
             x = next;
         }
     }
 
-    /// The values in the runs of equal samples.
+    /// Draws the values in the runs of equal samples.
     void DrawRuns(const CSignal& signal, const WaveBand& band) {
         painter_.setFont(frame_.bodyFont);
         painter_.setPen(ColorOf(signal.color));
         RunTexts texts(painter_, frame_.bodyFont);
         const BandValues values(samples_, frame_.board, signal, BandValues::KindOf(signal));
         const QRect line = LineInBand(QRect(0, band.top, 1, band.height), bodyHeight_);
-        // No shorter run shows anything, so those that share a pixel need not be looked for.
+        // Shorter runs show no text, so runs that share a pixel are skipped.
         const std::int64_t shortest =
             scale_.zoom < 0 ? std::int64_t{texts.SmallestWidth()} * -scale_.zoom : 1;
         for (std::int64_t k = 0; k < samples_.count;) {
@@ -318,7 +320,7 @@ private:
         return frame_.document.RowToSample(lastRow_, frame_.isZoom);
     }
 
-    /// Where a sample that lies among the displayed ones has its mark.
+    /// The pixel at which a sample among those displayed has its mark.
     [[nodiscard]] int XOfMark(std::int64_t sample) const {
         std::int64_t row = frame_.place.row;
         while (row < lastRow_ && frame_.document.RowToSample(row, frame_.isZoom) < sample) {
@@ -355,7 +357,8 @@ private:
                                      : std::max(XOfMark(sample), scale_.left);
     }
 
-    /// A line between the markers, up to the edges for those that lie further off, with their time.
+    /// Draws a line between the markers with the time between them; a marker outside the window
+    /// counts as at the edge.
     void DrawSpan() {
         const std::int64_t first = Mark(1);
         const std::int64_t second = Mark(2);
@@ -389,7 +392,7 @@ private:
     const std::vector<WaveBand> bands_;
     const BandSamples samples_;
     const int bodyHeight_;
-    std::int64_t lastRow_ = 0; // that the ticks tell of
+    std::int64_t lastRow_ = 0; // the last row that the ticks cover
     Strokes strokes_;
 };
 

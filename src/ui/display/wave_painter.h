@@ -40,14 +40,14 @@ struct WaveFrame {
     [[nodiscard]] WaveScale Scale() const noexcept {
         return {zoom, place.subPixel, WaveLeft(), size.width()};
     }
-    /// Samples that count as visible, and those that are drawn.
+    /// The number of samples that count as visible, and of those that are drawn.
     [[nodiscard]] std::int64_t Visible() const noexcept {
         return VisibleSamples(size.width() - nameWidth - valueWidth, zoom);
     }
     [[nodiscard]] std::int64_t DrawnSamples() const;
 };
 
-/// The height of each signal's band; 0 for one that has none.
+/// The height of each signal's band; 0 for a signal without one.
 [[nodiscard]] std::vector<int> BandHeights(const CSignalList& list);
 
 // Each draws one part of the frame and its background.
@@ -55,10 +55,10 @@ struct WaveFrame {
 void DrawWaveTitles(QPainter& painter, const WaveFrame& frame);
 void DrawWaveNames(QPainter& painter, const WaveFrame& frame);
 void DrawWaveValues(QPainter& painter, const WaveFrame& frame);
-/// The wave area with its header. While a sample that shows has not come, the area stays empty and
-/// the first such sample is returned, which is the one to fetch next.
+/// The wave area with its header. If samples in it have not arrived yet, it stays empty and the
+/// first of them is returned, which is to be fetched next.
 std::optional<std::int64_t> DrawWaves(QPainter& painter, const WaveFrame& frame);
-/// All of them.
+/// All four parts; returns what DrawWaves returns.
 std::optional<std::int64_t> DrawWaveFrame(QPainter& painter, const WaveFrame& frame);
 
 } // namespace busquill

@@ -16,7 +16,7 @@ namespace {
 constexpr int smallestBand = 20;
 constexpr int smallestColumnDigits = 3;
 constexpr int edgeReach = 2;      // pixels on both sides of the name column's edge
-constexpr int valueEdgeReach = 4; // pixels left of the value column's, whose right is the waves'
+constexpr int valueEdgeReach = 4; // pixels left of the value column's edge; right are the waves
 constexpr int stepsOfALine = 4;
 
 } // namespace
@@ -85,7 +85,7 @@ void CWaveformWnd::ScrollToSample(std::int64_t sample) {
     const bool moves = first != firstSample_;
     place_ = {row, moves ? 0 : place_.subPixel};
     if (moves) {
-        RenderMarkers(); // one that was set out of sight may be why
+        RenderMarkers(); // a marker outside the window may be the reason
     }
 }
 
@@ -98,7 +98,7 @@ BarState CWaveformWnd::SampleBar() const {
 }
 
 void CWaveformWnd::StepSamples(bool forward) {
-    const bool drawsNothing = !forward && zoom_ < 0; // until something else does
+    const bool drawsNothing = !forward && zoom_ < 0; // the step shows with the next redraw
     WavePlace place = place_;
     for (int i = 0; i < stepsOfALine; ++i) {
         place = forward ? StepForward(place, zoom_, VisibleSampleCount(), RowCount())
@@ -172,14 +172,14 @@ WaveFrame CWaveformWnd::Frame() {
             titleFont_, fonts_.header};
 }
 
-/// The first sample that shows stays the one to come back to.
+/// Remembers the first sample shown, so that a change of the rows can return to it.
 void CWaveformWnd::NoteFirstSample() {
     firstSample_ = std::max<std::int64_t>(document_->RowToSample(place_.row, isZoom_), 0);
 }
 
 void CWaveformWnd::DrawFrame(QPainter& painter) {
     NoteFirstSample();
-    Report(DrawWaveFrame(painter, Frame()));
+    ReportMissing(DrawWaveFrame(painter, Frame()));
 }
 
 void CWaveformWnd::RenderWaves() {
@@ -189,7 +189,7 @@ void CWaveformWnd::RenderWaves() {
     const int left = nameWidth_ + valueWidth_ + 1;
     RenderPart({left, 0, width() - left, height()}, [&](QPainter& painter) {
         NoteFirstSample();
-        Report(DrawWaves(painter, Frame()));
+        ReportMissing(DrawWaves(painter, Frame()));
     });
 }
 
@@ -210,7 +210,7 @@ void CWaveformWnd::RenderValues() {
     }
 }
 
-/// The sample of marker 1 may have come though none that shows has.
+/// The sample of marker 1 may have arrived although none in the window has.
 void CWaveformWnd::SamplesChanged() {
     if (document_ != nullptr && document_->Marker(1, isZoom_) != -1) {
         RenderValues();
@@ -227,7 +227,7 @@ CWaveformWnd::Resizing CWaveformWnd::EdgeAt(int x) const {
     return x >= edge - valueEdgeReach && x <= edge ? Resizing::Value : Resizing::Nothing;
 }
 
-/// A change that would leave the waves no room is refused.
+/// Ignores a change that would leave no room for the waves.
 void CWaveformWnd::ResizeColumn(int x) {
     const bool isName = resizing_ == Resizing::Name;
     int& column = isName ? nameWidth_ : valueWidth_;
@@ -257,7 +257,7 @@ void CWaveformWnd::PressCell(const QPoint& place, Qt::MouseButton button) {
     const std::int64_t row = RowAt(place.x());
     std::int64_t sample = document_->RowToSample(row, isZoom_);
     if (Scale().Skipped() > 0 && sample == firstSample_) {
-        sample = document_->RowToSample(row + 1, isZoom_); // the first begins out of sight
+        sample = document_->RowToSample(row + 1, isZoom_); // the first begins left of the edge
     }
     document_->ToggleMarker(button == Qt::LeftButton ? 1 : 2, sample, isZoom_);
 }

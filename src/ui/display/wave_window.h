@@ -15,11 +15,11 @@ public:
     /// Without prompts there is no menu on the bands.
     CWaveformWnd(QWidget* parent, const Settings& settings, Prompts* prompts = nullptr);
 
-    /// The bands keep the heights of their signals.
+    /// The bands take the heights of their signals.
     void Attach(CTesselDoc& document, CSignalList& list, bool zoom) override;
 
     [[nodiscard]] int Zoom() const noexcept { return zoom_; }
-    /// The first sample stays where it is.
+    /// Keeps the first sample at the left edge.
     void SetZoom(int zoom);
     [[nodiscard]] const WavePlace& Place() const noexcept { return place_; }
     [[nodiscard]] const BandPlace& Top() const noexcept { return top_; }
@@ -48,13 +48,13 @@ protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
     [[nodiscard]] bool AimAtNames(const QPoint& place) override;
-    /// Sets a marker on the sample at a place, or clears it where it stands already.
+    /// Sets a marker on the sample at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     void ShowCursor(const QPoint& place) override;
-    /// Bands are kept in place as they are scrolled.
+    /// Nothing to do: the bands' position is limited when they are scrolled.
     void KeepOffset() override {}
     [[nodiscard]] std::uint32_t OfferMode() const override;
-    /// A band keeps its height whatever it shows.
+    /// Nothing to do: a band keeps its height whatever it shows.
     void SignalReshaped(CSignal& /*signal*/) override {}
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -64,7 +64,7 @@ private:
     enum class Resizing { Nothing, Name, Value };
 
     [[nodiscard]] WaveScale Scale() const;
-    /// The row that a place in the waves means.
+    /// The row for a click at `x` in the waves.
     [[nodiscard]] std::int64_t RowAt(int x) const;
     [[nodiscard]] int BandsRoom() const;
     [[nodiscard]] WaveFrame Frame();

@@ -15,7 +15,8 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
     dialog.setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(saves ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (saves) {
-        dialog.setDefaultSuffix(extension.mid(1)); // elsewhere it would be added to what is typed
+        // Only when saving: otherwise it would be appended to the name of the file to open.
+        dialog.setDefaultSuffix(extension.mid(1));
     }
     if (question.use == FileUse::Delete) {
         dialog.setLabelText(QFileDialog::Accept, "&Delete");
@@ -24,7 +25,7 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
         dialog.setDirectory(QString::fromStdString(question.folder));
     }
     if (!question.name.empty()) {
-        // A name may hold what a file's name cannot.
+        // The name may contain characters that a file name cannot.
         dialog.selectFile(
             QString::fromStdString(question.name).replace('/', '-').replace('\\', '-'));
     }
@@ -33,8 +34,8 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
     }
     QString path = dialog.selectedFiles().first();
     if (saves && !path.endsWith(extension, Qt::CaseInsensitive)) {
-        path +=
-            extension; // such as to a name with a point, of which the dialog has asked as it was
+        // The dialog adds no extension to a name that contains a dot, and has checked that name.
+        path += extension;
         if (QFile::exists(path) && !prompts.AskYesNo("File already exists. Overwrite?")) {
             return "";
         }

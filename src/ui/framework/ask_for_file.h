@@ -15,13 +15,13 @@ struct FileQuestion {
     FileUse use = FileUse::Open;
     std::string title;
     std::string filter;    // "Setups (*.tsp)"
-    std::string extension; // ".tsp"; a name that is saved gets it where it is missing
-    std::string folder;    // empty: the program's own
+    std::string extension; // ".tsp"; appended to a name to save that lacks it
+    std::string folder;    // empty: the dialog's default
     std::string name;      // suggested
 };
 
-/// The path that the user chooses, or nothing. An existing file is overwritten only when the user
-/// says so.
+/// Returns the chosen path, empty when the user cancels. Before an existing file is overwritten,
+/// the user is asked.
 [[nodiscard]] std::string AskForFile(QWidget* parent, const FileQuestion& question,
                                      Prompts& prompts);
 

@@ -2,7 +2,7 @@
 
 namespace busquill {
 
-/// How a scroll bar stands to its content.
+/// Range, page and position of a scroll bar.
 struct BarState {
     int maximum = 0; // the last position
     int page = 0;

@@ -15,14 +15,14 @@ public:
     void On(
         CommandId id, std::function<void()> run,
         std::function<bool()> enabled = [] { return true; });
-    /// Disables a command that another one carries out, as long as `when` holds.
+    /// While `when` holds, disables a command that another map carries out.
     void Forbid(CommandId id, std::function<bool()> when);
-    /// Takes up the commands of another one.
+    /// Adds the commands of another map.
     void Add(const CommandMap& other);
 
-    /// Whether the command can be carried out now; nothing when it is not known here.
+    /// Whether the command can be carried out now; nothing when this map does not have it.
     [[nodiscard]] std::optional<bool> CanDo(CommandId id) const;
-    /// Carries it out, if it can be now. The map may be gone afterwards.
+    /// Carries the command out if it is enabled. The map may be destroyed by that.
     void Do(CommandId id) const;
 
 private:

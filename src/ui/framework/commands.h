@@ -78,8 +78,9 @@ struct Command {
     const char* text;     // with its mnemonic
     const char* tip;      // for the message line
     const char* icon;     // file name in the resources, or empty
-    const char* shortcut; // portable, or empty; several stand behind one another with "; "
-    /// Which boards have it. Whether it can be carried out now is a matter of who does so.
+    const char* shortcut; // portable, or empty; several are separated by "; "
+    /// Which boards have it. Whether it can be carried out now is decided by the CommandMap that
+    /// has it.
     bool (*onBoard)(const BoardTraits&) = [](const BoardTraits&) { return true; };
 };
 

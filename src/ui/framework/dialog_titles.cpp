@@ -15,7 +15,7 @@ namespace {
 
 constexpr int titleButtons = 130; // pixels for the picture and the buttons beside a title
 
-/// What the title takes in the font of titles, which is bold with most window managers.
+/// The title's width in the title font, which is bold with most window managers.
 int TitleWidth(const QString& title) {
     QFont font = QFontDatabase::systemFont(QFontDatabase::TitleFont);
     font.setBold(true);
@@ -53,7 +53,7 @@ public:
 
 } // namespace
 
-void KeepTitlesWhole(QObject& owner) {
+void WidenDialogsToTitles(QObject& owner) {
     qApp->installEventFilter(new TitleWatch(&owner));
 }
 

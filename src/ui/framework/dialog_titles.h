@@ -4,7 +4,7 @@ class QObject;
 
 namespace busquill {
 
-/// From here on every dialog opens at least as wide as its title, as long as `owner` lives.
-void KeepTitlesWhole(QObject& owner);
+/// Makes every dialog open at least as wide as its title, as long as `owner` lives.
+void WidenDialogsToTitles(QObject& owner);
 
 } // namespace busquill

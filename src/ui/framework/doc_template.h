@@ -21,7 +21,7 @@ struct DocStrings {
     std::string documentName;
     std::string fileNewName;
     std::string filterName;
-    std::string extension; // with its point
+    std::string extension; // with its dot
     std::string fileTypeId;
     std::string fileTypeName;
 };
@@ -29,8 +29,8 @@ struct DocStrings {
 /// Splits a doc string at its line feeds.
 [[nodiscard]] DocStrings ParseDocString(std::string_view text);
 
-/// One kind of document: how its documents and frames are made. Owns its documents; the last
-/// frame that closes takes the document with it.
+/// One kind of document: how its documents and frames are created. Owns its documents; a document
+/// is destroyed when its last frame closes.
 class CMultiDocTemplate {
 public:
     /// A frame with its view; the frame belongs to the caller.
@@ -38,7 +38,7 @@ public:
     struct Factories {
         std::function<std::unique_ptr<CDocument>()> makeDocument;
         MakeFrame makeFrame;
-        /// What is left to do for a file that has been opened.
+        /// Called after a file has been opened.
         std::function<void(CDocument&)> fileOpened = [](CDocument&) {};
     };
 
@@ -49,21 +49,21 @@ public:
     CMultiDocTemplate& operator=(const CMultiDocTemplate&) = delete;
 
     [[nodiscard]] const DocStrings& Strings() const noexcept { return strings_; }
-    /// Whether documents of this kind can be made at all.
+    /// Whether documents of this kind can be created at all.
     [[nodiscard]] bool IsAvailable() const noexcept { return factories_.makeDocument != nullptr; }
     [[nodiscard]] const std::vector<std::unique_ptr<CDocument>>& Documents() const noexcept {
         return documents_;
     }
     [[nodiscard]] const std::vector<CMDIChildWnd*>& Frames() const noexcept { return frames_; }
 
-    /// Opens a file, or a new document without one, always anew. Null when it cannot be opened;
-    /// the document has then said why.
+    /// Opens a file, or a new document without a path; never returns one that is already open. Null
+    /// when the file cannot be opened; the document has then reported why.
     CDocument* OpenDocumentFile(const std::optional<std::string>& path);
-    /// The same with a document and a frame other than the usual ones.
+    /// The same with a document and a frame that the caller chooses.
     CDocument* OpenDocument(std::unique_ptr<CDocument> made, const std::optional<std::string>& path,
                             const MakeFrame& makeFrame);
     CMDIChildWnd* CreateNewFrame(CDocument& document, const MakeFrame& makeFrame);
-    /// Shows the frame and lets its view begin.
+    /// Shows the frame and calls its view's OnInitialUpdate.
     void InitialUpdateFrame(CMDIChildWnd& frame);
 
     /// Asks whether changes are to be saved. False when the user cancels or saving fails.
@@ -71,7 +71,7 @@ public:
     /// Saves under the document's path, or asks for one.
     bool DoSave(CDocument& document, bool askForPath);
 
-    /// Set by the application: told of a file that has been written.
+    /// Set by the application; called after a file has been written.
     std::function<void(const std::string& path)> saved = [](const std::string&) {};
 
 private:

@@ -34,11 +34,11 @@ struct HelpTopicPage {
     const char* page;
 };
 
-/// A function of the board: what its room hands to the program, which knows no more of it.
+/// A function of the board, as its room presents it to the program.
 struct Feature {
     std::string_view docString; // of its template
     CMultiDocTemplate::Factories factories;
-    /// What the application carries out for it; new documents in the first place.
+    /// What the application carries out for it, such as creating new documents.
     CommandMap commands;
     std::vector<HelpTopicPage> help;
 };

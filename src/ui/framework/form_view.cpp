@@ -12,7 +12,7 @@ constexpr QSize buttonSize(70, 25);
 constexpr int buttonBottom = 5; // below the buttons
 constexpr int rowPitch = 25;
 constexpr int rowHeight = 20;
-constexpr int firstRow = 45; // from the bottom of the view to that of row 0
+constexpr int firstRow = 45; // from the bottom of the view to the bottom of row 0
 
 } // namespace
 
@@ -33,7 +33,7 @@ QPushButton& CFormView::AddButton(const QString& text, int left, std::function<v
     connect(button, &QPushButton::clicked, this, std::move(act));
     button->setGeometry(Form::ButtonPlace(left, height()));
     if (isVisible()) {
-        button->show(); // else it comes with the view
+        button->show(); // otherwise it is shown with the view
     }
     buttons_.push_back({button, left});
     return *button;

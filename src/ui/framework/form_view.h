@@ -11,7 +11,7 @@ class QPushButton;
 
 namespace busquill {
 
-/// Where the parts of a form stand, in pixels; rows are counted from the bottom of the view.
+/// Layout of a form, in pixels; rows are counted from the bottom of the view.
 namespace Form {
 constexpr int margin = 10;
 constexpr int buttonPitch = 80;
@@ -22,15 +22,14 @@ constexpr int buttonPitch = 80;
 [[nodiscard]] constexpr int SlotLeft(int slot) noexcept {
     return margin + slot * buttonPitch;
 }
-/// A field of row `row`, from `left` on.
+/// A field in row `row` whose left edge is at `left`.
 [[nodiscard]] QRect FieldPlace(int row, int left, int width, int viewHeight) noexcept;
 /// A group box between two distances from the bottom.
 [[nodiscard]] QRect GroupPlace(int left, int width, int top, int bottom, int viewHeight) noexcept;
 } // namespace Form
 
-/// A view with buttons along its bottom and fields whose labels it draws itself. Derived views say
-/// where their fields stand each time that the form is laid out: when the size changes, and when
-/// they ask for it.
+/// A view with buttons along its bottom and fields whose labels it draws itself. Derived views
+/// place their fields in LayOut, which is called when the size changes and by LayOutAgain.
 class CFormView : public CView {
     Q_OBJECT
 public:
@@ -38,15 +37,15 @@ public:
 
 protected:
     QPushButton& AddButton(const QString& text, int left, std::function<void()> act);
-    /// Lays the form out anew: some fields show now and others do not.
+    /// Lays the form out again, after fields have been shown or hidden.
     void LayOutAgain();
 
-    // Within LayOut:
+    // Called from LayOut:
 
     /// A label in front of a field; drawn while the field shows.
     void AddLabel(const QString& text, const QWidget& field, const QRect& place);
     void AddGroup(const QString& title, const QRect& place);
-    /// Where everything but the buttons stands now.
+    /// Places everything but the buttons.
     virtual void LayOut() = 0;
 
     void resizeEvent(QResizeEvent* event) override;

@@ -32,7 +32,7 @@ CGoStopChild::CGoStopChild(CDocument& document, const QString& title, const QStr
     auto* layout = new QHBoxLayout(bar);
     layout->setContentsMargins(5, 3, 5, 3);
     layout->setSpacing(3);
-    layout->addStretch(); // the three stand at the right edge
+    layout->addStretch(); // aligns the three at the right edge
     layout->addWidget(status_);
     layout->addWidget(AddButton(*bar, "Go", &CGoStopChild::go));
     layout->addWidget(AddButton(*bar, "Stop", &CGoStopChild::stop));
@@ -51,7 +51,7 @@ QToolButton* CGoStopChild::AddButton(QWidget& bar, const char* name,
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
     connect(button, &QToolButton::clicked, this, [this, act] {
-        const QPointer<CGoStopChild> self = this; // a box may end with the window closed
+        const QPointer<CGoStopChild> self = this; // the window may be closed while a box is open
         (this->*act)();
         if (!self) {
             return;

@@ -9,18 +9,19 @@ class QToolButton;
 
 namespace busquill {
 
-/// What the window of a function shows of its run; a loaded result is one that was not run here.
+/// The state of a run that the window shows; Loaded: the result came from a file.
 enum class RunPicture { Stopped = 0, Running = 1, Loaded = 2 };
 
-/// The window of a function that runs on the board: a bar with Go, Stop and a picture above the
-/// view, which starts and stops it.
+/// The window of a function that runs on the board. A bar above the view has Go, Stop and a picture
+/// of the run's state.
 class CGoStopChild final : public CMDIChildWnd {
     Q_OBJECT
 public:
-    /// `icon` is the name of a picture among the resources, without its ending.
+    /// `icon` names a picture in the resources, without its extension.
     CGoStopChild(CDocument& document, const QString& title, const QString& icon, QSize size);
 
-    /// Set by who makes the view; the view has the focus again afterwards.
+    /// Called by the buttons; set by the creator of the view. Afterwards the view has the focus
+    /// again.
     std::function<void()> go = [] {};
     std::function<void()> stop = [] {};
 

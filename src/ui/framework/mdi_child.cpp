@@ -24,7 +24,7 @@ CMDIChildWnd::CMDIChildWnd(CDocument& document) : document_(document) {
 }
 
 CMDIChildWnd::~CMDIChildWnd() {
-    // The view takes leave of the document, which may go with this window.
+    // The view must leave the document first, since the document may be destroyed with this window.
     delete std::exchange(view_, nullptr);
     closed();
 }
@@ -58,8 +58,8 @@ void CMDIChildWnd::closeEvent(QCloseEvent* event) {
     }
 }
 
-// What nothing in the window has a use for ends here: the workspace would scroll by it and slide a
-// window away that reaches past it.
+// Key and wheel events that nothing in the window uses stop here. The workspace would scroll on
+// them, and move the windows when one extends beyond its edge.
 
 void CMDIChildWnd::keyPressEvent(QKeyEvent* event) {
     QMdiSubWindow::keyPressEvent(event);

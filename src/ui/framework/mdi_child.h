@@ -23,14 +23,15 @@ public:
 
     [[nodiscard]] CDocument& GetDocument() const noexcept { return document_; }
     [[nodiscard]] CView* GetActiveView() const noexcept { return view_; }
-    /// The window that a widget lies in, or null.
+    /// The window that contains a widget, or null.
     [[nodiscard]] static CMDIChildWnd* FrameOf(QWidget& widget);
     /// Puts a bar above the view.
     void SetBar(QWidget* bar);
-    /// Puts a view into the window, in place of the one that was there, which is destroyed.
+    /// Replaces the window's view by another one; destroys the old one.
     void SetView(CView* view);
 
-    /// Set by the template: asked before the window closes, told when it is gone.
+    /// Set by the template: `mayClose` is asked before the window closes, `closed` is called when
+    /// it is destroyed.
     std::function<bool()> mayClose = [] { return true; };
     std::function<void()> closed = [] {};
     /// What the window carries out while it is the active one: Close, and what its template adds.

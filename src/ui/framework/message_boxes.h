@@ -7,7 +7,7 @@ class QWidget;
 namespace busquill {
 
 /// Shows the boxes of all threads as the system's message boxes, and lets an idle event loop serve
-/// those that other threads hand over. Called once, on the main thread, when a QApplication exists.
+/// those from other threads. Call it once, on the main thread, after creating the QApplication.
 void ShowBoxesAsWindows(MainThread& mainThread);
 
 } // namespace busquill

@@ -38,7 +38,7 @@ void PaintedWindow::MakeBitmap() {
 
 void PaintedWindow::paintEvent(QPaintEvent* /*event*/) {
     if (bitmap_.devicePixelRatio() != devicePixelRatioF()) {
-        MakeBitmap(); // the window has come to another screen
+        MakeBitmap(); // the window has moved to another screen
     } else if (IsOutdated()) {
         DrawAll();
     }

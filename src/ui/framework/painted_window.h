@@ -9,23 +9,23 @@ class QPainter;
 
 namespace busquill {
 
-/// A window that is drawn into a bitmap, which goes to the screen as it is. The bitmap follows the
-/// window's size and its screen. Main thread.
+/// A window that is drawn into a bitmap, from which paint events copy. The bitmap is drawn again
+/// when the window's size or screen changes. Main thread.
 class PaintedWindow : public QWidget {
     Q_OBJECT
 public:
     explicit PaintedWindow(QWidget* parent);
 
-    /// Draws all of it into the bitmap and brings it to the screen.
+    /// Draws the whole window into the bitmap and updates the screen.
     void Render();
 
 protected:
-    /// Draws all of it, its background too.
+    /// Draws the whole window, including its background.
     virtual void Draw(QPainter& painter) = 0;
-    /// Whether the bitmap shows what is no longer so, though nobody has asked for a frame.
+    /// Whether the bitmap is out of date although nobody has called Render.
     [[nodiscard]] virtual bool IsOutdated() const { return false; }
 
-    /// Draws a part into the bitmap and brings it to the screen.
+    /// Draws a part into the bitmap and updates the screen.
     void RenderPart(const QRect& part, const std::function<void(QPainter&)>& draw);
 
     void paintEvent(QPaintEvent* event) override;

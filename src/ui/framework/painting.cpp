@@ -41,7 +41,7 @@ QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face) {
         font.setStyleHint(QFont::SansSerif);
     }
     font.setWeight(weight);
-    // The largest size whose cell is not higher.
+    // The largest size whose cell does not exceed the height.
     for (int size = cellHeight; size > 1; --size) {
         font.setPixelSize(size);
         const QFontMetrics metrics(font);
@@ -69,7 +69,7 @@ void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, Cel
         shown = metrics.elidedText(text, Qt::ElideRight, cell.width());
         width = metrics.horizontalAdvance(shown);
     }
-    // Text that does not fit keeps its middle when it is centred.
+    // Of centred text that does not fit, the middle shows.
     const int x = align == CellAlign::Left ? cell.left() : cell.left() + (cell.width() - width) / 2;
     const int baseline = cell.bottom() + 1 - metrics.descent();
     if (width <= cell.width()) {

@@ -27,13 +27,14 @@ enum class FontFace { Proportional, Fixed };
 /// A font whose cell (ascent and descent) is `cellHeight` pixels high.
 [[nodiscard]] QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face);
 
-/// Pixels of so many dialog units: a quarter of the widget's average character across, an eighth
-/// of its font's height down.
+/// The size in pixels of `across` by `down` dialog units. A unit is a quarter of the widget's
+/// average character width across, an eighth of its font's height down.
 [[nodiscard]] QSize DialogUnits(const QWidget& widget, int across, int down);
 
 enum class CellAlign { Left, Center };
 
-/// One line at the bottom of a cell, cut to the cell's width; `ellipsis` marks the cut.
+/// Draws one line at the bottom of a cell, cut to the cell's width; with `ellipsis`, a cut text
+/// ends in one.
 void DrawCellText(QPainter& painter, const QRect& cell, const QString& text, CellAlign align,
                   bool ellipsis);
 

@@ -13,7 +13,7 @@ class QtSettings final : public Settings {
 public:
     explicit QtSettings(const std::string& applicationName)
         : store_(QString(organisation), QString::fromStdString(applicationName)) {}
-    /// A store in a file of its own.
+    /// Settings in a given file.
     QtSettings(const QString& file, QSettings::Format format) : store_(file, format) {}
 
     [[nodiscard]] int GetProfileInt(const std::string& section, const std::string& key,

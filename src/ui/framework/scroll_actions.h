@@ -12,13 +12,15 @@ inline void SetBarState(QScrollBar& bar, const BarState& state) {
     bar.setValue(state.position);
 }
 
-/// Lines and pages have lengths of their own, and the bar follows them.
+/// For bars whose steps are not counted in positions of the bar: the window moves, and the bar
+/// follows.
 ///
-/// Turns an action of a bar into `step(forward)`, `page(forward)` or `moveTo(position)`, and puts
-/// the thumb where `position()` says, unless the user is moving it; true if not.
+/// Turns an action of a bar into `step(forward)`, `page(forward)` or `moveTo(position)`, and moves
+/// the thumb to `position()`. While the user drags the thumb it stays where it is, and false is
+/// returned.
 template <typename Step, typename Page, typename MoveTo, typename Position>
-bool TakeScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo moveTo,
-                      Position position) {
+bool ApplyScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo moveTo,
+                       Position position) {
     switch (action) {
     case QAbstractSlider::SliderSingleStepAdd:
     case QAbstractSlider::SliderSingleStepSub:
@@ -31,7 +33,7 @@ bool TakeScrollAction(QScrollBar& bar, int action, Step step, Page page, MoveTo 
     case QAbstractSlider::SliderMove:
         moveTo(bar.sliderPosition());
         return false; // the thumb stays under the pointer
-    default:          // an end of the bar
+    default:          // to one end of the bar
         moveTo(bar.sliderPosition());
     }
     bar.setSliderPosition(position());

@@ -7,8 +7,8 @@
 
 namespace busquill {
 
-/// A window that shows a document, inside a child frame. Owned by its parent widget; takes itself
-/// from its document's list when it goes.
+/// A window that shows a document, inside a child frame. Owned by its parent widget; removes itself
+/// from its document's list of views when it is destroyed.
 class CView : public QWidget, public DocumentView {
     Q_OBJECT
 public:
@@ -24,7 +24,7 @@ public:
         document_ = document;
         document->AddView(this);
     }
-    /// Called once, when frame, view and document stand.
+    /// Called once, when frame, view and document exist.
     virtual void OnInitialUpdate() { OnUpdate(nullptr, 0, nullptr); }
     void OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) override {
         update();

@@ -4,7 +4,7 @@
 
 namespace busquill {
 
-/// Shows that the program works as long as it lives. Main thread.
+/// Shows the wait cursor during its lifetime. Main thread.
 class WaitCursor {
 public:
     WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }

@@ -8,13 +8,13 @@ namespace busquill {
 
 constexpr int wheelColumnStep = 48; // pixels that a notch moves the columns of a table
 
-/// Makes notches of the turns of a mouse wheel. A fine wheel turns by parts of a notch; one that is
-/// turned with Shift held, or pushed aside, goes sideways.
+/// Counts the notches of a mouse wheel. High-resolution wheels report fractions of a notch, which
+/// are added up. With Shift held, or when the wheel is tilted, the turn is sideways.
 class WheelTurns {
 public:
     struct Turn {
         bool sideways = false;
-        int notches = 0; // above 0 towards the end, which is down or right
+        int notches = 0; // positive: towards the end, which is down or right
     };
 
     [[nodiscard]] Turn Take(const QWheelEvent& event) {
@@ -27,7 +27,7 @@ public:
             return {};
         }
         if (sideways != sideways_ || (turned > 0) != (rest_ > 0)) {
-            rest_ = 0; // turned another way: a new notch begins
+            rest_ = 0; // the direction has changed: a new notch begins
         }
         sideways_ = sideways;
         rest_ += turned;

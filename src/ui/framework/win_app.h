@@ -17,9 +17,9 @@ namespace busquill {
 
 class Settings;
 
-/// A name as the text of a menu's entry, without a mnemonic.
+/// A name as the text of a menu entry, without a mnemonic.
 [[nodiscard]] QString MenuText(QString name);
-/// The files' names for a menu, with the folder where several have the same name.
+/// The files' names for a menu; files of the same name are shown with their folders.
 [[nodiscard]] QStringList MenuNamesOf(const QStringList& paths);
 
 /// The application's templates and files. Main thread.
@@ -39,8 +39,8 @@ public:
     /// The template whose documents have that name, or null.
     [[nodiscard]] CMultiDocTemplate* TemplateNamed(std::string_view documentName) const;
 
-    /// Opens a file by its extension; one that is open already comes to the front. Null when it
-    /// cannot be opened, which has then been said.
+    /// Opens a file by its extension, or brings its window to the front if it is open already. Null
+    /// when it cannot be opened; the user has then been told.
     CDocument* OpenDocumentFile(const std::string& path);
     /// Asks for a file and opens it.
     void OnFileOpen(QWidget* parent);
@@ -54,7 +54,7 @@ public:
     void ShowHelp(int topic) { showHelp(topic); }
     /// Set by the main window, which shows it.
     std::function<void(int topic)> showHelp = [](int) {};
-    /// What the application carries out, whatever is active.
+    /// What the application carries out, whichever window is active.
     CommandMap commands;
 
 protected:

@@ -10,9 +10,9 @@
 
 namespace busquill {
 
-/// The timer of a window or of a run. It holds its ticks while a box of another thread is open,
-/// since the main thread may then stand in the middle of an exchange, and while a tick shows a box
-/// of its own.
+/// The timer of a window or of a run. It skips its ticks while a box of another thread is open,
+/// since the main thread may then be in the middle of an exchange, and while an earlier tick is
+/// still running because it shows a box.
 class WindowTimer final : public QTimer, public RepeatingTimer {
 public:
     explicit WindowTimer(QObject* parent, const MainThread& mainThread,
@@ -33,7 +33,7 @@ private:
             return;
         }
         const QPointer<WindowTimer> self = this; // a tick may close the window
-        const auto tick = tick_;                 // or start the timer with another one
+        const auto tick = tick_;                 // or replace `tick_`
         ticking_ = true;
         tick();
         if (self) {

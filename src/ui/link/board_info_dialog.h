@@ -6,7 +6,7 @@ namespace busquill {
 
 class CAnalyzerLink;
 
-/// Shows what the connected board says of itself. Read-only.
+/// Shows the connected board's identity. Read-only.
 class CBoardInfoDialog final : public QDialog {
     Q_OBJECT
 public:

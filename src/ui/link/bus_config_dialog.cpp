@@ -21,7 +21,7 @@ namespace busquill {
 
 namespace {
 
-/// Selects by value; a value that the box does not have leaves it without a selection.
+/// Selects by value; with a value that the box does not have, nothing is selected.
 void Select(QComboBox* box, std::int32_t value) {
     box->setCurrentIndex(value == 0 || value == 1 ? value : -1);
 }

@@ -13,7 +13,7 @@ namespace busquill {
 class CAnalyzerLink;
 class Settings;
 
-/// How the board is to see its bus: shown, changed, and kept for the next start.
+/// Shows and changes the board's bus configuration, and saves it for the next start.
 class CBusConfigDialog final : public QDialog {
     Q_OBJECT
 public:

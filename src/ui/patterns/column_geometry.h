@@ -16,15 +16,15 @@ constexpr int tableFirstRow = 19;   // y of the first row
 /// Whole rows that fit below the header.
 [[nodiscard]] int RowsThatFit(int clientHeight, int rowPitch) noexcept;
 
-/// A column of which something shows right of the fixed column.
+/// A column that shows at least partly, right of the fixed column.
 struct TableColumn {
-    std::size_t signal = 0; // place in the list of widths
-    int left = 0;           // x of the line at its left edge; may lie left of what shows
+    std::size_t signal = 0; // index in the list of widths
+    int left = 0;           // x of the line at its left edge; may lie left of the visible part
     int width = 0;
 
-    /// Where its title stands.
+    /// The rectangle of its title.
     [[nodiscard]] QRect Title() const noexcept;
-    /// What is right of its line in a row.
+    /// Its cell in a row, without the line at the left.
     [[nodiscard]] QRect Cell(int top, int height) const noexcept;
 
     friend bool operator==(const TableColumn&, const TableColumn&) = default;
@@ -35,25 +35,25 @@ struct TableColumn {
 ///   |  fixed column  | column | column | ...
 ///   0           fixedColumn                clientWidth
 struct TableColumns {
-    std::vector<int> widths; // below 1 takes no room
-    int fixedColumn = 0;     // 0 where there is none
+    std::vector<int> widths; // a column narrower than 1 is not drawn
+    int fixedColumn = 0;     // 0: none
     int offset = 0;
     int clientWidth = 0;
 
-    /// Those that show, from the left.
+    /// The columns that show, from the left.
     [[nodiscard]] std::vector<TableColumn> Visible() const;
-    /// One by its place, also where it does not show.
+    /// The column at an index, even if it does not show.
     [[nodiscard]] TableColumn At(std::size_t place) const;
-    /// Where the title of the fixed column stands.
+    /// The rectangle of the fixed column's title.
     [[nodiscard]] QRect FixedTitle() const noexcept;
 
     /// Width of all columns together.
     [[nodiscard]] int TotalWidth() const noexcept;
-    /// The width in which they show.
+    /// The width available to them.
     [[nodiscard]] int Room() const noexcept { return clientWidth - fixedColumn - 1; }
     /// The largest offset.
     [[nodiscard]] int Limit() const noexcept;
-    /// The bar that moves them.
+    /// The state of the bar that scrolls them.
     [[nodiscard]] BarState Bar() const noexcept;
     /// The offset after a step, to the left when negative.
     [[nodiscard]] int Stepped(int pixels) const noexcept;

@@ -14,7 +14,7 @@ namespace busquill {
 namespace {
 
 constexpr int leastStretch = 60;           // percent
-constexpr std::size_t longestTitle = 1000; // characters; none is wider
+constexpr std::size_t longestTitle = 1000; // characters; longer titles are cut
 constexpr int widestTitle = 1000;          // pixels
 constexpr int marginDigits = 2;
 
@@ -22,7 +22,7 @@ QString ColumnTitle(const CSignal& signal) {
     return QString::fromStdString(signal.RowName().substr(0, longestTitle));
 }
 
-/// At the bottom centre of its cell, squeezed where that is narrower.
+/// Draws at the bottom centre of the cell, condensed if the cell is narrower than the text.
 void DrawTitle(QPainter& painter, const QRect& whole, const QString& text) {
     const QRect cell = whole.adjusted(2, 0, -2, -1);
     const QFont font = painter.font();

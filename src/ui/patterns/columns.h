@@ -1,4 +1,4 @@
-/// What the columns of table windows look like.
+/// Fonts, widths and header of the columns of table windows.
 #pragma once
 
 #include "ui/patterns/column_geometry.h"
@@ -20,13 +20,13 @@ struct TableFonts {
     QFont body; // fixed pitch
     QFont header;
 
-    /// Of the body.
+    /// Of the body font.
     [[nodiscard]] int DigitWidth() const;
 };
 
 [[nodiscard]] TableFonts ScreenFonts();
 
-/// The width of each signal's column; 0 for one that takes none.
+/// The width of each signal's column; 0 for a signal without one.
 [[nodiscard]] std::vector<int> ColumnWidths(const CSignalList& list);
 /// The width that a signal's title and values need.
 [[nodiscard]] int NeededWidth(const CSignal& signal, const QFont& bodyFont);
@@ -41,8 +41,8 @@ struct TableHeader {
     QColor background;
 };
 
-/// Draws the header where the background is, and the lines between the columns over the whole
-/// table. Leaves the painter clipped to the columns, its pen black.
+/// Draws the header on the background that is there, and the lines between the columns over the
+/// whole height of the table. Leaves the painter clipped to the columns, with a black pen.
 void DrawTableHeader(QPainter& painter, const TableHeader& header);
 
 } // namespace busquill

@@ -16,8 +16,8 @@ namespace {
 
 using Codes = std::array<std::uint8_t, 4>;
 
-constexpr std::size_t commandBits = 64; // C/BE[3:0], with the second command above it
-constexpr Codes dualAddress = {CodeOne, CodeZero, CodeOne, CodeOne}; // 13, from its lowest bit
+constexpr std::size_t commandBits = 64; // C/BE[3:0] begins here; the second command follows it
+constexpr Codes dualAddress = {CodeOne, CodeZero, CodeOne, CodeOne}; // 13, lowest bit first
 
 Codes CodesAt(const CDecodedValue& value, std::size_t first) {
     Codes codes{};
@@ -42,7 +42,7 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
                                std::optional<std::size_t> shown, bool hasDualAddress)
     : QDialog(parent), def_(def), values_(new QComboBox), dac_(new QCheckBox("DAC")) {
     setWindowTitle("Command");
-    int selected = -1; // a cell without a label asks for no value of the list
+    int selected = -1; // the bits of a cell may match no value of the list
     const bool isDual = hasDualAddress && shown && IsDual(def.values[*shown]);
     for (std::size_t i = 0; i < def.values.size(); ++i) {
         const CDecodedValue& value = def.values[i];
@@ -63,7 +63,7 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
     layout->addWidget(dac_);
     layout->addWidget(buttons);
     dac_->setVisible(hasDualAddress);
-    // Not every command has such a form.
+    // Not every command has a form with a dual address cycle.
     const auto offerDual = [this] { dac_->setEnabled(Dual().has_value()); };
     offerDual();
     connect(values_, &QComboBox::currentIndexChanged, this, offerDual);

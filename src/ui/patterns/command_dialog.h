@@ -12,16 +12,17 @@ namespace busquill {
 
 class CDecodedSignalDef;
 
-/// The command that a pattern asks for. On PCI a tick chooses its form with a dual address cycle.
+/// Asks for the command of a pattern. On PCI a check box chooses its form with a dual address
+/// cycle.
 class CCommandDialog final : public QDialog {
     Q_OBJECT
 public:
-    /// `shown` is the index of the value that the cell shows now, if it shows one. The definition
-    /// outlives the dialog.
+    /// `shown` is the index of the value that the cell shows now, if any. The definition outlives
+    /// the dialog.
     CCommandDialog(QWidget* parent, const CDecodedSignalDef& def, std::optional<std::size_t> shown,
                    bool hasDualAddress);
 
-    /// Index of the chosen value in the definition; nothing where there is none.
+    /// Index of the chosen value in the definition; nothing if no value is chosen.
     [[nodiscard]] std::optional<std::size_t> Chosen() const;
 
 private:

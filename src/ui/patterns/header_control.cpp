@@ -96,7 +96,7 @@ HeaderControl::Redraw HeaderControl::Release(int place) {
 }
 
 HeaderControl::Redraw HeaderControl::SelectForMenu(int place) {
-    action_ = Action::None; // the menu may take away what is dragged
+    action_ = Action::None; // the menu may delete the dragged signal
     CSignal* const signal = HitColumn(place).signal;
     if (signal == nullptr || signal->selected) {
         return Redraw::Nothing;

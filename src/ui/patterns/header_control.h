@@ -11,9 +11,8 @@ namespace busquill {
 
 class CSignalList;
 
-/// Selecting, resizing and moving the signals of a table window by the mouse where their names are.
-/// Places are pixels along the axis in which the signals follow one another, from the window's
-/// edge.
+/// Selects, resizes and moves the signals of a table window with the mouse on their names. Places
+/// are in pixels from the window's edge, along the axis on which the signals are arranged.
 ///
 ///   |  fixed column  | signal | signal | ...      the signals scroll by `offset`
 ///   0             fixedEnd
@@ -21,24 +20,24 @@ class CSignalList;
 /// Main thread; the list outlives the object.
 class HeaderControl {
 public:
-    /// What a step has changed.
+    /// What has to be drawn again.
     enum class Redraw { Nothing, Header, All };
 
     struct Hit {
         CSignal* signal = nullptr;
-        int start = 0;     // where it begins
-        bool edge = false; // the place is at its end
+        int start = 0;     // place where the signal begins
+        bool edge = false; // the place is on the edge at its end
     };
 
-    /// How the signals of a window lie.
+    /// How a window arranges its signals.
     struct Layout {
         std::int32_t CSignal::*extent;                     // the size that resizing changes
-        std::int32_t (CSignal::*visible)() const noexcept; // the room that a signal takes
-        int smallest;                                      // that resizing leaves
+        std::int32_t (CSignal::*visible)() const noexcept; // the size at which it shows
+        int smallest;                                      // size that resizing allows
         int gap = 0;                                       // between two signals
-        bool fixedResizes = true;                          // the fixed column's edge too
-        bool anyClickDrags = true;                         // not only one without a key
-        Qt::Orientation axis = Qt::Horizontal;             // in which they follow one another
+        bool fixedResizes = true;                          // the fixed column can be resized
+        bool anyClickDrags = true;                         // clicks with Ctrl or Shift too
+        Qt::Orientation axis = Qt::Horizontal;             // along which they are arranged
     };
 
     explicit HeaderControl(const Layout& layout) : layout_(layout) {}
@@ -46,26 +45,26 @@ public:
     void Attach(CSignalList& list);
     void SetFixedResizes(bool resizes) { layout_.fixedResizes = resizes; }
 
-    /// Where the fixed column ends, which resizing changes too.
+    /// The end of the fixed column; changed by resizing.
     int fixedEnd = 0;
     int offset = 0;
 
-    /// The part of a point that counts.
+    /// The coordinate of a point along the axis.
     [[nodiscard]] int Along(const QPoint& point) const noexcept {
         return layout_.axis == Qt::Horizontal ? point.x() : point.y();
     }
     [[nodiscard]] Hit HitColumn(int place) const;
-    /// The left button goes down in the header.
+    /// The left button is pressed in the header.
     Redraw Press(int place, Qt::KeyboardModifiers keys);
     Redraw Move(int place);
     Redraw Release(int place);
-    /// The right button goes down in the header: an unselected signal is selected.
+    /// The right button is pressed in the header: selects the signal unless it is selected already.
     Redraw SelectForMenu(int place);
-    /// Whether a press has begun something that the release ends.
+    /// Whether a resize or a drag is under way.
     [[nodiscard]] bool IsActive() const noexcept { return action_ != Action::None; }
     [[nodiscard]] Qt::CursorShape CursorAt(int place) const;
 
-    /// A signal has taken another's place in the list.
+    /// A signal has been replaced by another one in the list.
     void Replace(const CSignal* old, CSignal* by);
     /// Selects one signal alone.
     void SelectOnly(CSignal* signal);
@@ -81,8 +80,8 @@ private:
     CSignalList* list_ = nullptr;
     CSignal* lastSelected_ = nullptr; // may have left the list
     Action action_ = Action::None;
-    CSignal* target_ = nullptr; // that is resized or dragged
-    int start_ = 0;             // of the one that is resized
+    CSignal* target_ = nullptr; // the signal being resized or dragged
+    int start_ = 0;             // where the resized signal begins
 };
 
 } // namespace busquill

@@ -1,4 +1,4 @@
-/// What a cell of a pattern is, says and becomes by a click. Cells are rows, from 0, of a signal.
+/// The kind of a pattern cell, its text, and what a click makes of it. Rows count from 0.
 #pragma once
 
 #include <string>
@@ -9,16 +9,16 @@ class CSignal;
 class CSignalList;
 
 enum class PatternKind {
-    Command, // of a bus, with its dual-address form
+    Command, // of the bus, chosen with its dual-address form
     Label,   // one of a decoded signal's values
-    Number,  // of several bits
+    Number,  // several bits
     Bit,
 };
 
 [[nodiscard]] PatternKind KindOfPattern(const CSignal& signal);
-/// Empty where the signal holds no patterns.
+/// Empty if the signal holds no patterns.
 [[nodiscard]] std::string PatternText(const CSignal& signal, int row);
-/// Anything, 0, 1, and again anything; false where the signal holds no patterns.
+/// Goes on from "anything" to 0, to 1, and back; false if the signal holds no patterns.
 [[nodiscard]] bool CycleBit(CSignalList& list, CSignal& signal, int row);
 
 } // namespace busquill

@@ -9,7 +9,7 @@ namespace busquill {
 
 class Prompts;
 
-/// A pattern of one row, edited in a copy of the list that OK puts in its place.
+/// Edits a pattern of one row in a copy of the list, which replaces the list on OK.
 class PatternDialog : public QDialog {
     Q_OBJECT
 public:

@@ -7,8 +7,8 @@
 
 namespace busquill {
 
-/// A value of up to 64 bits, shown in hex. A press of the left button opens the dialog that
-/// changes it. Every bit is known.
+/// A value of up to 64 known bits, shown in hex. Pressing the left button opens the dialog that
+/// changes it.
 class CPatternEdit final : public QLineEdit {
     Q_OBJECT
 public:
@@ -21,7 +21,7 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
-    /// Opens nothing: the first press has.
+    /// Ignored: the first press has already opened the dialog.
     void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
 
 private:

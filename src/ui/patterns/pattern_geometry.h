@@ -13,10 +13,10 @@ namespace busquill {
 
 constexpr int patternRowPitch = 21;
 
-/// The height that shows so many rows.
+/// The height that shows `rows` rows.
 [[nodiscard]] int HeightOfPatterns(int rows) noexcept;
 
-/// A pattern, from 0, and the place of a signal in its list.
+/// A cell: the row of a pattern, from 0, and the index of a signal in its list.
 struct PatternCell {
     int row = 0;
     std::size_t column = 0;
@@ -26,7 +26,7 @@ struct PatternCell {
 struct PatternGeometry {
     TableColumns columns;
     int rows = 0;
-    int topRow = 0; // the first that shows
+    int topRow = 0; // the first one that shows
     int clientHeight = 0;
 
     [[nodiscard]] int VisibleRows() const noexcept;
@@ -37,9 +37,9 @@ struct PatternGeometry {
 
     /// The cell that a click means. A line belongs to the cell at its right.
     [[nodiscard]] std::optional<PatternCell> CellAt(const QPoint& place) const;
-    /// What is right of the line at the cell's left, also where it does not show.
+    /// The cell without the line at its left, even if it does not show.
     [[nodiscard]] QRect CellRect(const PatternCell& cell) const;
-    /// The number of a row, in the fixed column.
+    /// The rectangle of a row's number in the fixed column.
     [[nodiscard]] QRect LabelRect(int row) const noexcept;
     [[nodiscard]] int RowTop(int row) const noexcept;
 };

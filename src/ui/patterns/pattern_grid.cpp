@@ -19,7 +19,7 @@ namespace {
 constexpr int labelDigits = 9;
 constexpr std::uint32_t background = 0xD0D0D0;
 
-/// One packed row that can be written; empty where there is none.
+/// One packed row, writable; empty if there is none.
 std::span<std::uint8_t> RowOf(std::span<std::uint8_t> rows, const CSignal& signal, int row) {
     const std::size_t bytes = signal.RowBytes();
     const std::size_t first = bytes * static_cast<std::size_t>(row);
@@ -131,7 +131,7 @@ void CPatternGrid::mouseReleaseEvent(QMouseEvent* event) {
     }
 }
 
-/// Where all rows show, the wheel moves the columns without Shift too.
+/// If all rows show, the wheel scrolls the columns even without Shift.
 void CPatternGrid::wheelEvent(QWheelEvent* event) {
     event->accept();
     const auto [sideways, notches] = wheel_.Take(*event);
@@ -212,7 +212,7 @@ bool CPatternGrid::EditNumber(CSignal& signal, int row) {
 
 // The menu on a column.
 
-std::uint32_t CPatternGrid::SampleRoom() const {
+std::uint32_t CPatternGrid::SampleCapacity() const {
     return static_cast<std::uint32_t>(rowCount_);
 }
 

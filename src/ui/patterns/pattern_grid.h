@@ -19,14 +19,16 @@ class CPatternGrid final : public TableWindow {
 public:
     CPatternGrid(QWidget* parent, Prompts& prompts);
 
-    // Set before it is shown.
+    // Call these before the grid is shown.
     void SetRowCount(int count) { rowCount_ = count; }
     void ShowLabels(bool show);
-    /// The title of the label column, and a label with one %d for the row's number from 1.
+    /// The title of the label column, and the format of a label, with one %d for the row's number
+    /// from 1.
     void SetText(const char* heading, const char* rowFormat);
-    /// Gives every column the width that its texts need. `mode` says which definitions are offered.
+    /// Sets the list and fits the columns to their texts. `mode` selects the definitions that are
+    /// offered.
     void SetList(CSignalList& list, std::uint32_t mode = ModeEvents);
-    /// Called after a signal of the list has been changed.
+    /// Sets a function that is called after a signal of the list has been changed.
     void SetOwner(std::function<void()> modified) { modified_ = std::move(modified); }
 
     /// Where its cells are.
@@ -45,7 +47,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
     [[nodiscard]] std::uint32_t OfferMode() const override { return mode_; }
-    [[nodiscard]] std::uint32_t SampleRoom() const override;
+    [[nodiscard]] std::uint32_t SampleCapacity() const override;
     void SignalsChanged() override;
 
 private:
@@ -54,8 +56,8 @@ private:
         const CSignal* signal = nullptr; // may have left the list
         friend bool operator==(const Cell&, const Cell&) = default;
     };
-    /// Of the whole program, since only one cell can be pressed at a time. A signal stands in one
-    /// list, so a grid knows its own.
+    /// Shared by all grids, since only one cell can be pressed at a time. A signal is in one list
+    /// only, so each grid recognises its own cell.
     static Cell hot;
     static Cell pressed;
 

@@ -52,7 +52,7 @@ void DrawPatterns(QPainter& painter, const PatternFrame& frame) {
     for (int row = geometry.topRow; shows(row); ++row) {
         DrawLabel(painter, frame, row);
     }
-    painter.setClipping(true); // again to the columns
+    painter.setClipping(true); // clip to the columns again
     for (const TableColumn& column : geometry.columns.Visible()) {
         for (int row = geometry.topRow; shows(row); ++row) {
             const QRect cell = column.Cell(geometry.RowTop(row), patternRowPitch);

@@ -26,7 +26,7 @@ struct PatternFrame {
     PatternStyle style;
     std::string heading;            // of the fixed column
     std::string rowFormat;          // with one %d for the row's number from 1
-    std::optional<PatternCell> hot; // which is sunken
+    std::optional<PatternCell> hot; // drawn sunken
 };
 
 /// Draws the header alone.

@@ -42,7 +42,7 @@ void CPatternTable::showEvent(QShowEvent* event) {
 
 bool CPatternTable::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Wheel) {
-        return QCoreApplication::sendEvent(grid_, event); // the same over the bar as over the grid
+        return QCoreApplication::sendEvent(grid_, event); // works over the bar as over the grid
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -54,7 +54,7 @@ void CPatternTable::SetBar() {
 }
 
 void CPatternTable::Scrolled(int action) {
-    TakeScrollAction(
+    ApplyScrollAction(
         *bar_, action, [this](bool right) { grid_->StepSignals(right); },
         [this](bool right) { grid_->PageSignals(right); },
         [this](int offset) { grid_->MoveSignalsTo(offset); }, [this] { return grid_->Offset(); });

@@ -10,14 +10,14 @@ class CPatternGrid;
 class CSignalList;
 class Prompts;
 
-/// A table of patterns that shows all its rows, with the bar that moves it sideways.
+/// A pattern grid that shows all its rows, with a horizontal scroll bar.
 class CPatternTable final : public QWidget {
     Q_OBJECT
 public:
     CPatternTable(int rows, Prompts& prompts);
 
     [[nodiscard]] CPatternGrid& Grid() const noexcept { return *grid_; }
-    /// The list outlives the table, or another one follows it.
+    /// The list outlives the table or is replaced before it is destroyed.
     void SetList(CSignalList& list);
 
 protected:

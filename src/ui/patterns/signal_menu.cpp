@@ -16,7 +16,7 @@ namespace busquill {
 
 namespace {
 
-/// Columns that are selected; a bus counts once.
+/// The number of selected columns; a bus counts once.
 std::ptrdiff_t SelectedColumns(const CSignalList& list) {
     return std::count_if(list.All().begin(), list.All().end(), [](const auto& signal) {
         return signal->selected && signal->VisibleWidth() > 0;
@@ -62,7 +62,7 @@ public:
     }
 
 private:
-    /// What decides how much room a signal's values need.
+    /// Everything that determines the width of a signal's values.
     struct Shape {
         bool visible = false;
         std::uint32_t bits = 0;
@@ -99,7 +99,7 @@ private:
             const std::size_t end = list_.GroupEnd(list_.IndexOf(&signal_));
             const CSignal* next = end < list_.Size() ? &list_[end] : nullptr;
             const CSignal* old = &signal_;
-            list_.RemoveGroup(&signal_); // which goes with it
+            list_.RemoveGroup(&signal_); // destroys `signal_` too
             if (CSignal* added = Add(next, dialog)) {
                 list_.SetGroupSelected(added, true);
                 host_.MenuHeader().Replace(old, added);
@@ -120,7 +120,7 @@ private:
 
     CSignal* Add(const CSignal* before, const CChangeSignalDialog& dialog) {
         CSignal* added =
-            list_.AddSignal(before, dialog.chosenDef, host_.SampleRoom(), dialog.firstBit,
+            list_.AddSignal(before, dialog.chosenDef, host_.SampleCapacity(), dialog.firstBit,
                             dialog.lastBit, dialog.color, dialog.radix, dialog.showValue);
         if (added != nullptr) {
             host_.SignalAdded(*added);

@@ -19,19 +19,19 @@ public:
     virtual ~SignalMenuHost() = default;
     [[nodiscard]] virtual CSignalList& MenuList() = 0;
     [[nodiscard]] virtual HeaderControl& MenuHeader() = 0;
-    /// Whose flags say which definitions are offered.
+    /// The mode whose flags select the definitions that are offered.
     [[nodiscard]] virtual std::uint32_t OfferMode() const = 0;
-    /// Samples that a new signal is to hold.
-    [[nodiscard]] virtual std::uint32_t SampleRoom() const = 0;
-    /// A signal is new in the list: its samples are to be loaded and its column measured.
+    /// The number of samples that a new signal is to hold.
+    [[nodiscard]] virtual std::uint32_t SampleCapacity() const = 0;
+    /// A signal has been added to the list: load its samples and measure its column.
     virtual void SignalAdded(CSignal& signal) = 0;
-    /// A signal shows other values than before, or more or fewer digits of them.
+    /// A signal now shows other values, or another number of digits.
     virtual void SignalReshaped(CSignal& signal) = 0;
-    /// Something has changed.
+    /// Called after every change.
     virtual void SignalsChanged() = 0;
 };
 
-/// Opens the menu on a signal at a place on the screen and does what is chosen.
+/// Opens the menu on a signal at a place on the screen and carries out the choice.
 void ShowSignalMenu(QWidget& parent, const QPoint& place, CSignal& signal, SignalMenuHost& host,
                     Prompts& prompts);
 

@@ -8,12 +8,12 @@
 
 namespace busquill {
 
-/// How signals lie that are columns, whose edges can be dragged.
+/// The arrangement of signals as columns, whose edges can be dragged.
 [[nodiscard]] HeaderControl::Layout ColumnLayout();
 
-/// What the windows have in common that show signals side by side: a bitmap, the signals' names
-/// under the mouse, and the menu on them. The signals are columns that scroll by pixels, unless a
-/// window says otherwise. Without a list there is nothing under the mouse. Main thread.
+/// The base of the windows that show signals side by side: it has a bitmap, handles the mouse on
+/// the signals' names, and opens the menu on them. The signals are columns that scroll by pixels,
+/// unless a derived window overrides that. Without a list the mouse does nothing. Main thread.
 class TableWindow : public PaintedWindow, protected SignalMenuHost {
     Q_OBJECT
 public:
@@ -23,34 +23,35 @@ public:
     /// The pixels by which the signals are scrolled.
     [[nodiscard]] int Offset() const noexcept { return header_.offset; }
 
-    /// The bar along the signals, and what its lines, pages and thumb do.
+    /// The scroll bar along the signals, and what its steps, pages and thumb do.
     [[nodiscard]] virtual BarState SignalBar() const;
     virtual void StepSignals(bool forward);
     virtual void PageSignals(bool forward);
-    /// As far as they go.
+    /// Limited to the range in which they can be scrolled.
     virtual void MoveSignalsTo(int position);
-    /// What the wheel does along the signals.
+    /// Scrolls along the signals by notches of the wheel.
     void TurnSignals(int notches);
 
 signals:
-    /// Signals take another room, order or place.
+    /// The size, order or position of signals has changed.
     void LayoutChanged();
 
 protected:
-    /// The list outlives the window, or another one follows it.
+    /// The list outlives the window or is replaced before it is destroyed.
     void AttachList(CSignalList& list);
-    /// Gives every column the width that its texts need.
+    /// Fits every column to its texts.
     void MeasureColumns();
     [[nodiscard]] TableColumns Columns() const;
 
-    /// Whether a place is among the names, which the header control is then aimed at.
+    /// Whether a place is on the names; if so, the header control's offset is set for them.
     [[nodiscard]] virtual bool AimAtNames(const QPoint& place);
-    /// A button, left or right, goes down elsewhere.
+    /// The left or right button is pressed outside the names.
     virtual void PressCell(const QPoint& place, Qt::MouseButton button) = 0;
     virtual void ShowCursor(const QPoint& place);
-    /// Draws the names alone.
+    /// Draws only the names.
     virtual void RenderNames() = 0;
-    /// Columns that have become fewer or a window that has become wider leave no room behind them.
+    /// Limits the offset after columns were removed or the window was widened, so that no empty
+    /// space shows after the last column.
     virtual void KeepOffset();
 
     void resizeEvent(QResizeEvent* event) override;

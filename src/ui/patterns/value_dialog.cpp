@@ -46,7 +46,7 @@ void CBitEditWnd::paintEvent(QPaintEvent* /*event*/) {
     painter.setFont(font_);
     painter.setPen(Qt::black);
     painter.setClipRect(rect().adjusted(2, 2, -2, -2));
-    // A digit at a time, so that each stands where a click on it is looked for.
+    // Drawn digit by digit, so that each is exactly where a click on it is expected.
     const QRect inside = rect().adjusted(marginX, marginY, -marginX, -marginY);
     const std::string& text = editor_.Text();
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -83,7 +83,7 @@ void CBitEditWnd::keyPressEvent(QKeyEvent* event) {
         break;
     default:
         if (text.size() != 1 || !editor_.Type(text.front().toLatin1())) {
-            event->ignore(); // the dialog's: Enter, Escape, Tab
+            event->ignore(); // for the dialog: Enter, Escape, Tab
             return;
         }
     }

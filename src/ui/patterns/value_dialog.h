@@ -11,7 +11,7 @@ class QRadioButton;
 
 namespace busquill {
 
-/// Shows the digits of an editor and takes the keys that change them.
+/// Shows the digits of an editor and handles the keys that change them.
 class CBitEditWnd final : public QWidget {
     Q_OBJECT
 public:
@@ -32,7 +32,7 @@ private:
     const int digitWidth_;
 };
 
-/// One wide value, edited digit by digit. OK writes it back into the caller's bytes.
+/// Edits a wide value digit by digit. OK writes it to the caller's bytes.
 class CValueDlg final : public QDialog {
     Q_OBJECT
 public:

@@ -8,8 +8,8 @@ namespace busquill {
 constexpr auto stockName = "Busquill!";
 
 /// The last switch of a command line, without its "-" or "/"; empty when there is none. File names
-/// are ignored. Since paths begin with "/" on some systems, an argument that begins with it is a
-/// switch only if it holds no other.
+/// are ignored. Since paths may begin with "/", an argument that begins with "/" is a switch only
+/// if it contains no second one.
 [[nodiscard]] std::string CommandLineSwitch(const std::vector<std::string>& arguments);
 
 /// The name of the application, and so of its settings, under a switch.

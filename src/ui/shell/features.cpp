@@ -6,8 +6,8 @@ namespace busquill {
 
 namespace {
 
-/// A function without a room yet. Nobody makes its documents, so its commands stay disabled.
-Feature ToCome(const char* docString) {
+/// A function that is not implemented yet. It has no factories, so its commands stay disabled.
+Feature Planned(const char* docString) {
     return {docString, {}, {}, {}};
 }
 
@@ -17,18 +17,18 @@ Feature ToCome(const char* docString) {
 std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
     return {
         TraceFeature(parts),
-        ToCome("\nPerformance\nPerformance\nPerformance (*.per)\n.per\nTessel.Performance\n"
-               "Tessel Performance"),
-        ToCome("\nMaster\nMaster\nMaster (*.mst)\n.mst\nTessel.Master\nTessel Master"),
-        ToCome("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
-        ToCome("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
-               "Tessel Compliance"),
-        ToCome("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
-               "Tessel Anomaly Detection"),
-        ToCome("\nTarget\nTarget\nTarget (*.tgt)\n.tgt\nTessel.Target\nTessel Target"),
-        ToCome("\nStimulus\nStimulus\nStimulus (*.stm)\n.stm\nTessel.Stimulus\nTessel Stimulus"),
-        ToCome("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
-               "Tessel.BackplaneTest\nTessel Backplane Test"),
+        Planned("\nPerformance\nPerformance\nPerformance (*.per)\n.per\nTessel.Performance\n"
+                "Tessel Performance"),
+        Planned("\nMaster\nMaster\nMaster (*.mst)\n.mst\nTessel.Master\nTessel Master"),
+        Planned("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
+        Planned("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
+                "Tessel Compliance"),
+        Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
+                "Tessel Anomaly Detection"),
+        Planned("\nTarget\nTarget\nTarget (*.tgt)\n.tgt\nTessel.Target\nTessel Target"),
+        Planned("\nStimulus\nStimulus\nStimulus (*.stm)\n.stm\nTessel.Stimulus\nTessel Stimulus"),
+        Planned("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
+                "Tessel.BackplaneTest\nTessel Backplane Test"),
     };
 }
 

@@ -14,7 +14,7 @@ namespace HelpTopic {
 enum : int { Contents = 11 };
 }
 
-/// The manual's page for a topic; the contents for a topic that has none.
+/// The manual's page for a topic; the contents page for a topic without one.
 [[nodiscard]] QString HelpPage(const std::vector<HelpTopicPage>& topics, int topic);
 
 /// Shows the manual's pages.

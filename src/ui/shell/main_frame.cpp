@@ -28,8 +28,8 @@
 
 #include <optional>
 
-// The resources lie in a library, which registers them only when it is asked to; the macro must
-// stand outside every namespace.
+// The resources are in a static library, so they must be registered explicitly. The macro must be
+// used outside every namespace.
 static void RegisterResources() {
     Q_INIT_RESOURCE(busquill);
 }
@@ -42,16 +42,17 @@ constexpr QSize usualSize(900, 600);
 constexpr int timerPeriod = 1000;
 constexpr QSize toolIconSize(18, 18);
 
-/// The texts that give the panes their widths.
+/// Sample texts, from which the panes get their widths.
 constexpr const char* paneWidths[] = {"MODEL000-0", "MODE", "FREQ MHz", "Master Lock"};
 
 CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
     return dynamic_cast<CMDIChildWnd*>(area.activeSubWindow());
 }
 
-/// The target that carries the command out now, or null; the first one that knows it decides.
-const CommandMap* WhoCanDo(CommandId id, const std::vector<const CommandMap*>& targets,
-                           const BoardTraits& board) {
+/// The target that can carry the command out now, or null. The first target that has the command
+/// decides.
+const CommandMap* EnabledTarget(CommandId id, const std::vector<const CommandMap*>& targets,
+                                const BoardTraits& board) {
     if (!CommandOf(id).onBoard(board)) {
         return nullptr;
     }
@@ -70,7 +71,7 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings
     : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea) {
     RegisterResources();
     setWindowTitle(stockName);
-    KeepTitlesWhole(*this);
+    WidenDialogsToTitles(*this);
     setWindowIcon(QIcon(":/icons/busquill.svg"));
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -85,7 +86,7 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings
     MakeToolbar();
     MakeStatusBar();
     connect(area_, &QMdiArea::subWindowActivated, this, [this] { RefreshCommands(); });
-    // Whatever has happened, buttons and shortcuts follow it before the next event.
+    // Updates buttons and shortcuts after whatever has happened, before the next event.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             [this] { RefreshCommands(); });
     auto* timer = new WindowTimer(this, mainThread, [this] { OnTimer(); });
@@ -148,7 +149,7 @@ void CMainFrame::MakeMenus() {
             menu->addAction(actions_[command.id]);
         }
     }
-    // Where the recent files and the open windows are listed.
+    // Hidden entries that mark where the recent files and the open windows are listed.
     recentMark_ = actions_[CommandId::RecentFile];
     windowMark_ = actions_[CommandId::WindowList];
     recentMark_->setVisible(false);
@@ -178,7 +179,7 @@ void CMainFrame::MakeToolbar() {
     }
 }
 
-// The layout of the window gives the panes their places at every resize.
+// The window's layout positions the panes at every resize.
 void CMainFrame::MakeStatusBar() {
     for (std::size_t i = 0; i < std::size(paneWidths); ++i) {
         panes_[i] = new QLabel;
@@ -221,7 +222,7 @@ void CMainFrame::RefreshCommands() {
     const std::vector<const CommandMap*> targets = Targets();
     const BoardTraits board = link_.Traits();
     for (const auto& [id, action] : actions_) {
-        action->setEnabled(WhoCanDo(id, targets, board) != nullptr);
+        action->setEnabled(EnabledTarget(id, targets, board) != nullptr);
     }
 }
 
@@ -258,7 +259,7 @@ void CMainFrame::FillDynamicEntries() {
 }
 
 void CMainFrame::Run(CommandId id) {
-    if (const CommandMap* target = WhoCanDo(id, Targets(), link_.Traits())) {
+    if (const CommandMap* target = EnabledTarget(id, Targets(), link_.Traits())) {
         target->Do(id);
     }
     RefreshCommands();
@@ -301,7 +302,7 @@ void CMainFrame::ShowHelp(int topic) {
     help_->ShowTopic(topic);
 }
 
-/// A modal dialog lets the user into no window but those that belong to it.
+/// While a modal dialog is open, the user can reach only windows that belong to it.
 void CMainFrame::PlaceHelp() {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     QWidget* owner = dialog != nullptr ? static_cast<QWidget*>(dialog) : this;
@@ -333,7 +334,7 @@ void CMainFrame::OnTimer() {
     }
 }
 
-/// A maximised child would put its own title behind this one.
+/// Qt would append the title of a maximised child to this one.
 void CMainFrame::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
     if (event->type() == QEvent::WindowTitleChange && windowTitle() != stockName) {

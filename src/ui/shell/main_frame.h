@@ -30,13 +30,14 @@ public:
                const MainThread& mainThread);
 
     [[nodiscard]] QMdiArea& Area() const noexcept { return *area_; }
-    /// The documents that the menus open; it goes before the window does.
+    /// Sets the application, whose documents the menus open; null before it is destroyed, which is
+    /// before the window is.
     void SetApplication(CTesselApp* app);
     /// Reads the bus configuration and shows model, mode, frequency and master lock.
     void RefreshStatusPanes();
     /// The text of a status pane, 1 to 4.
     [[nodiscard]] QString PaneText(int pane) const;
-    /// Brings menus and tool bar into line with what is there now.
+    /// Updates which entries of menus and tool bar are enabled.
     void RefreshCommands();
 
 protected:
@@ -50,7 +51,7 @@ private:
     void MakeStatusBar();
     [[nodiscard]] QMenu* MenuAt(const QString& path);
     void MakeCommands();
-    /// Who is asked for a command, in that order.
+    /// The command maps that are asked for a command, in order.
     [[nodiscard]] std::vector<const CommandMap*> Targets() const;
     void Run(CommandId id);
     void FillDynamicEntries();
@@ -68,7 +69,7 @@ private:
     CommandMap commands_;
     QToolBar* toolBar_ = nullptr;
     QLabel* panes_[4] = {};
-    QPointer<HelpWindow> help_; // once it has been asked for
+    QPointer<HelpWindow> help_; // null until help is first asked for
     std::map<CommandId, QAction*> actions_;
     std::map<QString, QMenu*> menus_;
     QList<QAction*> dynamicActions_; // recent files and windows

@@ -12,10 +12,9 @@ namespace busquill {
 
 namespace {
 
-constexpr int longestPaint = 1000; // milliseconds; a window that starts as an icon is not painted
+constexpr int longestPaint = 1000; // milliseconds; a window that starts minimised is never painted
 
-/// Returns when a window that was shown has been painted on the screen. What the user does
-/// meanwhile waits.
+/// Returns when a shown window has been painted. User input in the meantime waits.
 void UpdateWindow(const QWidget& window) {
     QElapsedTimer waited;
     waited.start();
@@ -34,7 +33,7 @@ void NameApplication(const std::string& name) {
 
 Program::Program(Machine machine) : machine_(std::move(machine)), analyzer_(machine_) {}
 
-// Documents and windows use the analyzer.
+// Documents and windows use the analyzer, so they are destroyed first.
 Program::~Program() {
     if (frame_) {
         frame_->SetApplication(nullptr);

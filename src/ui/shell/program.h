@@ -7,14 +7,16 @@
 
 namespace busquill {
 
-/// Gives the application its name, which is that of its settings too. It has none for display: that
-/// would be added to the title of every window.
+/// Sets the application's name, under which its settings are stored. The display name is left
+/// empty, since Qt would add it to the title of every window.
 void NameApplication(const std::string& name);
 
-/// The whole program: what lives as long as it, built in order and taken down in reverse.
+/// The whole program: everything that lives as long as it does, created in order and destroyed in
+/// reverse.
 class Program {
 public:
-    /// What differs between the program, a tour of it and a test. All outlive the program.
+    /// What differs between the program itself, the screenshot tour and tests. All outlive the
+    /// program.
     using Machine = Analyzer::Machine;
 
     explicit Program(Machine machine);

@@ -7,8 +7,7 @@
 
 namespace busquill {
 
-/// The program's application object: the functions of the board, with a template for each, and what
-/// they share.
+/// The application object: a template, commands and help pages for each function of the board.
 class CTesselApp final : public CWinApp {
 public:
     struct Parts {
@@ -23,7 +22,7 @@ public:
 
     /// Redraws every document's views.
     void DocumentChanged();
-    /// The pages of the manual that the functions know.
+    /// The pages of the manual from all functions.
     [[nodiscard]] const std::vector<HelpTopicPage>& HelpTopics() const noexcept {
         return helpTopics_;
     }

@@ -22,7 +22,7 @@ namespace busquill {
 namespace {
 
 enum Type { TypeAll, TypeBus, TypeDecoded, TypeDefined };
-/// The choice of the last opening.
+/// The type chosen last; it is kept for the next dialog.
 int lastType = TypeAll; // main thread
 
 constexpr int nameCharacters = 20;
@@ -48,7 +48,7 @@ public:
         setValue(present);
     }
     void Clear() {
-        // The smallest value stands for none.
+        // The smallest value means "no number".
         setSpecialValueText(" ");
         setValue(minimum());
         setEnabled(false);
@@ -111,8 +111,8 @@ CChangeSignalDialog::CChangeSignalDialog(QWidget* parent, SignalTables& tables, 
     if (signal_ != nullptr) {
         showValue_->setChecked(showValue);
     }
-    // Not every row is one of the entries with its full range: what the dialog opens on must not
-    // replace it unasked.
+    // A row may be none of the entries, or only a part of one. OK must not replace it by the
+    // preselected entry unless the user has chosen that.
     chosen_ = signal_ == nullptr;
     const auto choose = [this] { chosen_ = true; };
     connect(type_, &QComboBox::activated, this, [this](int index) {
@@ -124,7 +124,7 @@ CChangeSignalDialog::CChangeSignalDialog(QWidget* parent, SignalTables& tables, 
     });
     connect(name_, &QComboBox::currentIndexChanged, this, &CChangeSignalDialog::NameSelected);
     connect(name_, &QComboBox::currentIndexChanged, this, choose);
-    connect(name_, &QComboBox::activated, this, choose); // the same one, too
+    connect(name_, &QComboBox::activated, this, choose); // choosing the same name counts too
     connect(high_, &QSpinBox::valueChanged, this, choose);
     connect(low_, &QSpinBox::valueChanged, this, choose);
 }
@@ -136,9 +136,9 @@ const CSignalDef* CChangeSignalDialog::Selected() const {
     return index < offered_.size() ? offered_[index].get() : nullptr;
 }
 
-/// Whether the entry of a definition is the one to begin with: the row's own, or the bus whose
-/// lines it decodes.
-bool CChangeSignalDialog::OpensOn(const CSignalDef& def) const {
+/// Whether the definition is the one to preselect: the row's own, or the bus whose lines it
+/// decodes.
+bool CChangeSignalDialog::IsPreselected(const CSignalDef& def) const {
     if (signal_ == nullptr) {
         return false;
     }
@@ -156,7 +156,7 @@ void CChangeSignalDialog::FillNames() {
     const auto offer = [&](const auto& defs) {
         for (const auto& def : defs) {
             if ((def->FlagsFor(mode_) & flagNotOffered) == 0) {
-                current = OpensOn(*def) ? name_->count() : current;
+                current = IsPreselected(*def) ? name_->count() : current;
                 name_->addItem(QString::fromStdString(def->name));
                 offered_.push_back(def);
             }
@@ -212,7 +212,7 @@ void CChangeSignalDialog::accept() {
     QDialog::accept();
 }
 
-/// False when the range is wrong, which has been said.
+/// False when the range is wrong; the user has then been told.
 bool CChangeSignalDialog::ChooseBus(const CBusSignalDef& def, const std::string& currentName) {
     const bool hasRange = def.Width() > 1;
     firstBit = hasRange ? low_->value() : def.firstPosition;

@@ -16,20 +16,20 @@ class ColorButton;
 class CSignal;
 class Prompts;
 
-/// Asks which signal a row is to show, and how. With a signal, OK gives it colour, radix and value
-/// at once; without one, the row is to be a new one.
+/// Asks which signal a row is to show, and how. With a signal, OK sets its colour, radix and value
+/// display at once; with null, the choice is for a new row.
 class CChangeSignalDialog final : public QDialog {
     Q_OBJECT
 public:
-    /// Offers what the tables hold; `mode` picks the flags by which they do. The signal's new
-    /// colour is theirs too.
+    /// Offers the definitions whose flags for `mode` allow it. A new colour of the signal is also
+    /// set in the tables.
     CChangeSignalDialog(QWidget* parent, SignalTables& tables, CSignal* signal, std::uint32_t mode,
                         Prompts& prompts);
     ~CChangeSignalDialog() override;
 
     void accept() override;
 
-    /// After OK: what the row is to show, or null when it stays as it is.
+    /// After OK: the definition that the row is to show, or null to keep the present one.
     std::shared_ptr<const CSignalDef> chosenDef;
     std::int32_t radix = 1;
     bool showValue = false;
@@ -41,7 +41,7 @@ private:
     class RangeField;
 
     [[nodiscard]] const CSignalDef* Selected() const;
-    [[nodiscard]] bool OpensOn(const CSignalDef& def) const;
+    [[nodiscard]] bool IsPreselected(const CSignalDef& def) const;
     void FillNames();
     void NameSelected();
     [[nodiscard]] bool ChooseBus(const CBusSignalDef& def, const std::string& currentName);
@@ -50,7 +50,7 @@ private:
     CSignal* signal_;
     std::uint32_t mode_;
     Prompts& prompts_;
-    std::vector<std::shared_ptr<const CSignalDef>> offered_; // beside the names
+    std::vector<std::shared_ptr<const CSignalDef>> offered_; // parallel to the names
     QComboBox* type_;
     QComboBox* name_;
     RangeField* high_;
@@ -58,7 +58,7 @@ private:
     QComboBox* radix_;
     QCheckBox* showValue_;
     ColorButton* color_;
-    bool chosen_ = false; // by the user; not just what the dialog has opened on
+    bool chosen_ = false; // by the user, rather than preselected
 };
 
 } // namespace busquill

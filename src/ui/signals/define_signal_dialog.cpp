@@ -22,7 +22,7 @@ constexpr int columnGap = 3;
 constexpr int rowHeight = 14;
 constexpr int rowCount = 128;
 constexpr int pageStep = 10;
-constexpr std::int32_t wideDefinition = 16; // bits from which four share a character
+constexpr std::int32_t wideDefinition = 16; // bits; from this width on, four share a character
 constexpr int shownRows = 16;
 
 } // namespace
@@ -81,7 +81,7 @@ void LayoutTable::paintEvent(QPaintEvent* /*event*/) {
     }
 }
 
-/// Upright where it fits, else turned, with its end at the top.
+/// Horizontal where it fits, otherwise rotated to read upward.
 void LayoutTable::DrawTitle(QPainter& painter, const LayoutColumn& column) const {
     painter.setFont(textFont_);
     const QString text = QString::fromStdString(column.text);

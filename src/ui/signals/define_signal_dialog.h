@@ -15,7 +15,7 @@ class QScrollBar;
 
 namespace busquill {
 
-/// A column of the bit layout: one for each bus definition, behind the mnemonic's.
+/// A column of the bit layout: the mnemonic's, then one for each bus definition.
 struct LayoutColumn {
     std::string text;
     int left = 0;
@@ -23,8 +23,8 @@ struct LayoutColumn {
     friend bool operator==(const LayoutColumn&, const LayoutColumn&) = default;
 };
 
-/// The columns for characters of a width. A bit takes a character, and in a definition of 16 bits
-/// and more four bits take one.
+/// The columns for a given character width. A bit takes one character; in definitions of 16 bits or
+/// more, four bits share one.
 [[nodiscard]] std::vector<LayoutColumn>
 LayoutColumns(std::span<const std::shared_ptr<CBusSignalDef>> defs, int characterWidth);
 
@@ -35,7 +35,7 @@ public:
     CDefineSignalDialog(QWidget* parent, const SignalTables& tables);
 
 protected:
-    /// The wheel over the table.
+    /// Handles the wheel over the table.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -44,7 +44,7 @@ private:
     WheelTurns wheel_;
 };
 
-/// The table: a header over rows that are numbered from 1.
+/// The table: a header above rows numbered from 1.
 class LayoutTable final : public QWidget {
     Q_OBJECT
 public:

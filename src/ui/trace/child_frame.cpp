@@ -86,7 +86,7 @@ void CChildFrame::FocusView() {
     GetActiveView()->setFocus();
 }
 
-// What the view tells.
+// What the view shows in the frame.
 
 void CChildFrame::SetTitleName(const std::string& name) {
     titleName_ = QString::fromStdString(name);
@@ -94,7 +94,7 @@ void CChildFrame::SetTitleName(const std::string& name) {
 }
 
 void CChildFrame::SetComment(const std::string& text) {
-    // A title has one line; a description may have several.
+    // A title is one line; a description may have several.
     titleComment_ = QString::fromStdString(text).replace("\r\n", " ").replace('\n', ' ');
     UpdateTitle();
 }
@@ -126,7 +126,7 @@ void CChildFrame::FillSetupBox() {
     QComboBox& box = bar_->SetupBox();
     box.clear();
     if (!Trace().IsRealTime()) {
-        return; // a file has its own setup and no other
+        return; // the setup of a saved trace cannot be exchanged
     }
     box.addItem(newSetup, QString());
     const std::string directory = parts_.settings.GetProfileString(
@@ -147,9 +147,9 @@ void CChildFrame::ShowSetupName() {
             return own >= 0 && box.itemText(own) == name;
         };
         if (!path.isEmpty() && !isIn()) {
-            FillSetupBox(); // another frame has gone to another folder, or written the file
+            FillSetupBox(); // another frame has changed the folder or written the file
         }
-        // Of two setups of the same name, the document's own.
+        // If two setups have the same name, the document's own is chosen.
         box.setCurrentIndex(isIn() ? box.findData(path) : box.findText(name));
     } else {
         box.clear();
@@ -169,7 +169,8 @@ void CChildFrame::SetupChosen() {
         document.setup.Reset();
         EditSetup("");
     } else {
-        static_cast<void>(LoadSetupFile(document.setup, path, parts_.prompts)); // it has told
+        // A failure has been reported; what could be read is sent all the same.
+        static_cast<void>(LoadSetupFile(document.setup, path, parts_.prompts));
         DownloadSetup(parts_.analyzer.Link(), document.setup, parts_.prompts);
     }
     FocusView();
@@ -195,9 +196,10 @@ void CChildFrame::EditSetup(const std::string& path) {
     if (!document.IsRealTime()) {
         ShowSetupName();
     } else if (!accepted) {
-        ChooseSetupFile(document.setupPath); // which may have been written or deleted
+        ChooseSetupFile(document.setupPath); // the file may have been written or deleted
     } else {
-        // Go reads the chosen file again: one that does not hold the setup must not stay chosen.
+        // Go reads the chosen file again, so a file that does not hold this setup must not stay
+        // chosen.
         ChooseSetupFile(dialog.IsInFile() ? dialog.Path() : "");
     }
     FocusView();
@@ -254,7 +256,7 @@ void CChildFrame::OnDisplay() {
     }
 }
 
-/// The new window is in front, where it can be seen, and the focus stays here.
+/// The new window comes to the front, but the focus stays here.
 void CChildFrame::OnPowerZoom() {
     CMDIChildWnd& added = actions_.addFrame(Trace(), TraceViewKind::PowerZoom);
     parts_.area.setActiveSubWindow(this);

@@ -15,16 +15,16 @@ class CTraceView;
 /// What a trace frame shows.
 enum class TraceViewKind { Waveform, State, PowerZoom };
 
-/// What a frame asks of the program's traces.
+/// What a frame needs from the program's traces.
 struct TraceActions {
-    /// A real-time trace with the lists and the setup of this one.
+    /// Opens a real-time trace with the lists and the setup of this document.
     std::function<void(CTesselDoc&, TraceViewKind)> clone;
-    /// One more frame for a document.
+    /// Opens one more frame for a document.
     std::function<CMDIChildWnd&(CTesselDoc&, TraceViewKind)> addFrame;
 };
 
-/// The window around one view of a trace: a State, Waveform or Power Zoom frame, as it was made.
-/// Its bar runs the capture.
+/// The window around one view of a trace: a State, Waveform or Power Zoom frame. Its bar runs the
+/// capture.
 class CChildFrame final : public CMDIChildWnd, public TraceFrame {
     Q_OBJECT
 public:
@@ -46,7 +46,7 @@ public:
     void SetTimes(const std::array<std::string, 3>& times) override;
     [[nodiscard]] CPositionGauge& GetGauge() override;
 
-    /// Replaces the view by one of the other kind that has the same sample in its centre.
+    /// Replaces the view by one of the other kind, with the same sample at its centre.
     void SwitchDisplay(bool toState);
 
 private:
@@ -55,9 +55,9 @@ private:
     void UpdateTitle();
     void FillSetupBox();
     void SetupChosen();
-    /// The dialog, on the document's setup, which came from a file or from none.
+    /// Opens the dialog for the document's setup. `path` is the file it came from, or empty.
     void EditSetup(const std::string& path);
-    /// The file that Go reads; none, where it does not exist.
+    /// Sets the file that Go reads; none if it does not exist.
     void ChooseSetupFile(const std::string& path);
     void RememberSetupFile(const std::string& path);
     void OnGo();

@@ -151,7 +151,7 @@ void CTraceBar::resizeEvent(QResizeEvent* /*event*/) {
     PlaceParts();
 }
 
-/// A choice sends a setup to the board, so the wheel makes none that is not meant.
+/// A choice sends a setup to the board, so the wheel changes it only while the box has the focus.
 bool CTraceBar::eventFilter(QObject* watched, QEvent* event) {
     return (event->type() == QEvent::Wheel && !setupBox_->hasFocus()) ||
            QWidget::eventFilter(watched, event);

@@ -16,7 +16,7 @@ namespace busquill {
 class CPositionGauge;
 
 /// The bar of a trace window: run buttons, setup box, counters, position gauge and the times
-/// between the markers. The times stand at the left; those that find no room beside the rest are
+/// between the markers. The times are at the left; those that do not fit beside the rest are
 /// hidden.
 class CTraceBar final : public QWidget {
     Q_OBJECT
@@ -26,9 +26,9 @@ public:
     void SetCounters(std::int64_t before, std::int64_t after);
     void SetIndicator(RunIndicator indicator, int level);
     void SetTimes(const std::array<std::string, 3>& times);
-    /// The picture of the button that leads to the other display.
+    /// Sets the picture of the button that leads to the other display.
     void ShowStateButton(bool leadsToState);
-    /// Leaves only what a Power Zoom frame has.
+    /// Hides everything that a Power Zoom frame does not have.
     void HideRunControls();
     void HideZoomButton();
 
@@ -58,7 +58,7 @@ private:
     void MakeTimes();
     void PlaceParts();
 
-    QWidget* group_; // all but the times
+    QWidget* group_; // everything but the times
     QToolButton* go_;
     QToolButton* stop_;
     QToolButton* setup_;

@@ -58,8 +58,8 @@ void TraceDocuments::FileOpened(CDocument& document) {
     OpenZoomFrame(trace);
 }
 
-/// The window of the Power Zoom samples, where a file that has just been opened holds some. The
-/// capture's own window stays the active one.
+/// Opens a window for the Power Zoom samples of a file, if it has any. The capture's own window
+/// stays active.
 void TraceDocuments::OpenZoomFrame(CTesselDoc& document) {
     if (!document.HasZoomSamples()) {
         return;
@@ -117,7 +117,7 @@ bool TraceDocuments::OpenStoredCapture(TraceViewKind kind) {
 
 void TraceDocuments::NewTrace(TraceViewKind kind, CTesselDoc* cloneSource) {
     const bool cloning = cloneSource != nullptr;
-    // Without a board, a stored capture is what there is to work with.
+    // Without a board, a stored capture is opened instead.
     if (parts_.analyzer.Link().IsDemoMode() && !cloning && OpenStoredCapture(kind)) {
         return;
     }

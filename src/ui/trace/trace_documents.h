@@ -14,8 +14,8 @@ class CMultiDocTemplate;
 class CTesselDoc;
 class CTraceView;
 
-/// The program's traces: how their documents and windows are opened, and the rule that there is at
-/// most one real-time trace.
+/// Opens the documents and windows of traces, and ensures that there is at most one real-time
+/// trace.
 class TraceDocuments {
 public:
     static constexpr auto docString =
@@ -27,7 +27,7 @@ public:
 
     void NewStateTrace() { NewTrace(TraceViewKind::State, nullptr); }
     void NewWaveformTrace() { NewTrace(TraceViewKind::Waveform, nullptr); }
-    /// The first view of a real-time trace of that kind, or null. A Power Zoom view counts as
+    /// The first view of that kind of a real-time trace, or null. A Power Zoom view counts as
     /// Waveform.
     [[nodiscard]] CTraceView* FindRealTimeView(TraceViewKind kind) const;
 
@@ -35,17 +35,16 @@ public:
 
     [[nodiscard]] std::unique_ptr<CDocument> MakeFileDocument();
     [[nodiscard]] CMDIChildWnd* MakeFrame(CDocument& document, TraceViewKind kind);
-    /// A file with a state list is shown as State; one with Power Zoom samples has a window of them
-    /// too.
+    /// Shows a file with a state list as State, and opens another window for Power Zoom samples.
     void FileOpened(CDocument& document);
 
 private:
     void NewTrace(TraceViewKind kind, CTesselDoc* cloneSource);
-    /// One more frame for a document that has one.
+    /// Opens another frame for a document that already has one.
     CMDIChildWnd& AddTraceFrame(CTesselDoc& document, TraceViewKind kind);
     [[nodiscard]] bool OpenStoredCapture(TraceViewKind kind);
     [[nodiscard]] std::unique_ptr<CDocument> MakeDocument(bool isRealTime, CTesselDoc* cloneSource);
-    /// The template's way to make a frame of one kind.
+    /// A function for the template that makes frames of one kind.
     [[nodiscard]] CMultiDocTemplate::MakeFrame FramesOf(TraceViewKind kind);
     [[nodiscard]] CTesselDoc* RealTimeDocument() const;
     [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);

@@ -9,7 +9,7 @@ class QComboBox;
 
 namespace busquill {
 
-/// Where a level leads, and whether it triggers on the way.
+/// Asks to which level THEN or ELSE leads, and whether it triggers.
 class CTraceConditionDialog final : public QDialog {
     Q_OBJECT
 public:

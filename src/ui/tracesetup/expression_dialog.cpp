@@ -10,7 +10,7 @@ namespace busquill {
 
 namespace {
 
-constexpr int textCharacters = 32; // sixteen tokens, each an event
+constexpr int textCharacters = 32; // sixteen tokens, events throughout
 
 } // namespace
 

@@ -12,7 +12,7 @@ class QPushButton;
 
 namespace busquill {
 
-/// One expression, put together by buttons, each of which stands for a token.
+/// Edits an expression with buttons, one for each token.
 class CTraceExpressionDialog final : public QDialog {
     Q_OBJECT
 public:

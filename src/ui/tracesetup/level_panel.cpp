@@ -17,7 +17,7 @@ namespace {
 // In dialog units.
 constexpr int lineHeight = 14;
 constexpr int buttonHeight = 13;
-constexpr int levelHeight = 42; // two lines and the space to the next level
+constexpr int levelHeight = 42; // two lines and the gap to the next level
 constexpr int shownLevels = 3;
 
 constexpr std::uint32_t background = 0xD0D0D0;
@@ -149,7 +149,7 @@ void CLevelPanel::Refresh() {
     FitWidth();
 }
 
-/// All columns stay in sight: there is no bar to move them.
+/// All columns must show, since the panel has no horizontal scroll bar.
 void CLevelPanel::FitWidth() {
     widget()->layout()->activate();
     setMinimumWidth(widget()->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width() +

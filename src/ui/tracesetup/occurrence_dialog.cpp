@@ -30,7 +30,7 @@ COccurrenceCountDialog::COccurrenceCountDialog(QWidget* parent, std::int32_t cou
 }
 
 void COccurrenceCountDialog::accept() {
-    const std::uint32_t count = edit_->text().trimmed().toUInt(); // 0 where that is no number
+    const std::uint32_t count = edit_->text().trimmed().toUInt(); // 0 if it is not a number
     if (count < 1 || count > limit_) {
         prompts_.Message(Printf("Occurence value must be between 1 and %u.", limit_));
         edit_->setFocus();

@@ -10,7 +10,7 @@ namespace busquill {
 
 class Prompts;
 
-/// How many times a level's condition must hold.
+/// Asks how many times a level's condition must hold.
 class COccurrenceCountDialog final : public QDialog {
     Q_OBJECT
 public:
@@ -19,7 +19,7 @@ public:
 
     [[nodiscard]] std::int32_t Count() const noexcept { return count_; }
 
-    /// Refuses, in its own words, what is no number from 1 to the limit.
+    /// Refuses anything but a number from 1 to the limit, with a message.
     void accept() override;
 
 private:

@@ -14,9 +14,9 @@ namespace busquill {
 
 namespace {
 
-constexpr int valueCharacters = 40; // two words of 16 digits and what stands between them
+constexpr int valueCharacters = 40; // two numbers of 16 digits and " to " between them
 
-/// Radio buttons in a row; their ids are their places. The last one is chosen.
+/// Radio buttons in a row, with their positions as ids. The last one is preselected.
 QButtonGroup* AddChoice(QFormLayout& form, const QString& label, const QStringList& choices) {
     auto* row = new QHBoxLayout;
     auto* group = new QButtonGroup(&form);
@@ -44,7 +44,7 @@ CSetupWizardDialog::CSetupWizardDialog(QWidget* parent, TraceSetup& setup, Promp
                                        const std::function<void()>& showHelp)
     : QDialog(parent), setup_(setup), prompts_(prompts),
       isVme_(setup.events.Tables().Board().IsVmeFamily()) {
-    setWindowTitle("Setup WIzard - Trace"); // so it is spelled
+    setWindowTitle("Setup WIzard - Trace"); // this spelling is intended
     auto* hint = new QLabel("You can specify an address or data range as follows: 100 to 200");
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
                                          QDialogButtonBox::Help);

@@ -12,11 +12,12 @@ class QLineEdit;
 
 namespace busquill {
 
-/// Asks what to trigger on and what to store, and replaces a setup by the program for it.
+/// Asks what to trigger on and what to store, and replaces the setup's program by one that does so.
 class CSetupWizardDialog final : public QDialog {
     Q_OBJECT
 public:
-    /// The setup outlives the dialog; it is not touched before all answers can be read.
+    /// The setup outlives the dialog; it is not changed until all answers have been read without
+    /// error.
     CSetupWizardDialog(QWidget* parent, TraceSetup& setup, Prompts& prompts,
                        const std::function<void()>& showHelp);
 
@@ -31,7 +32,7 @@ private:
     };
 
     QGroupBox* AddQuestion(const QString& question, Fields& fields);
-    /// False when one of the texts cannot be read, which has been said.
+    /// False when one of the texts cannot be read; the user has then been told.
     [[nodiscard]] bool Read(const Fields& fields, WizardAnswer& answer);
     [[nodiscard]] bool ReadValue(QLineEdit& edit, WizardValue& value);
 

@@ -34,13 +34,13 @@ QString Shown(const std::string& text) {
     return QString::fromStdString(text).replace("\r\n", "\n");
 }
 
-/// What a field holds; the old text itself where the field shows it still, since not all bytes of
-/// a file can be shown.
-std::string Taken(const QString& shown, const std::string& old) {
+/// The text of a field. If it still shows the old text, that is returned unchanged, since a field
+/// cannot show every byte of a file.
+std::string FieldText(const QString& shown, const std::string& old) {
     return shown == Shown(old) ? old : QString(shown).replace("\n", "\r\n").toStdString();
 }
 
-/// The first text of a table is that of an unknown index, which is not offered.
+/// The first text of a table is for an unknown index and is not offered.
 QComboBox* MakeList(const char* name, std::int32_t count,
                     std::string_view (*text)(std::int32_t) noexcept) {
     auto* list = new QComboBox;
@@ -173,7 +173,7 @@ QGroupBox* CTraceSetupDialog::MakeControlGroup() {
     return group;
 }
 
-// Showing and taking.
+// Showing and reading the fields.
 
 void CTraceSetupDialog::ShowFields() {
     name_->setText(Shown(setup_.name));
@@ -193,9 +193,9 @@ void CTraceSetupDialog::ShowIndexes() {
     powerZoomClock_->setCurrentIndex(setup_.powerZoomClock - 1);
 }
 
-void CTraceSetupDialog::TakeFields() {
-    setup_.name = Taken(name_->text(), setup_.name);
-    setup_.description = Taken(description_->toPlainText(), setup_.description);
+void CTraceSetupDialog::ReadFields() {
+    setup_.name = FieldText(name_->text(), setup_.name);
+    setup_.description = FieldText(description_->toPlainText(), setup_.description);
     setup_.clock = clock_->currentIndex() + 1;
     setup_.triggerPosition = triggerPosition_->currentIndex() + 1;
     setup_.powerZoomClock = powerZoomClock_->currentIndex() + 1;
@@ -216,7 +216,7 @@ void CTraceSetupDialog::CheckClock() {
     if (clock_->currentIndex() + 1 == clock133MHz && board.IsWrenBoard()) {
         parts_.prompts.Message(
             Printf("%s model does not support 133 MHz sample clock.", board.modelString.c_str()));
-        clock_->setCurrentIndex(clock_->currentIndex() + 1); // which is a change
+        clock_->setCurrentIndex(clock_->currentIndex() + 1); // this counts as a change by the user
     }
 }
 
@@ -229,7 +229,7 @@ void CTraceSetupDialog::OnOpen() {
         return;
     }
     Modify();
-    // A file that is refused has replaced the setup all the same; Cancel brings it back.
+    // Even a refused file has replaced the setup; Cancel restores it.
     if (LoadSetupFile(setup_, path, parts_.prompts)) {
         path_ = path;
         inFile_ = true;
@@ -241,7 +241,7 @@ void CTraceSetupDialog::OnOpen() {
 }
 
 void CTraceSetupDialog::OnSave() {
-    TakeFields();
+    ReadFields();
     const FileQuestion question = path_.empty()
                                       ? QuestionFor(FileUse::Save, LastFolder(), setup_.name)
                                       : QuestionFor(FileUse::Save, std::string(FolderOf(path_)),
@@ -298,14 +298,14 @@ void CTraceSetupDialog::accept() {
     }
     const std::string name = setup_.name;
     const std::string description = setup_.description;
-    TakeFields();
+    ReadFields();
     inFile_ = inFile_ && setup_.name == name && setup_.description == description;
     parts_.settings.WriteProfileInt(SettingsSection::display, SettingsKey::showTraceStatus,
                                     traceStatus_->isChecked() ? 1 : 0);
     QDialog::accept();
 }
 
-// The description comes back as the name, as it does from every copy of a setup.
+// Copying a setup sets its description to its name, so Cancel does so too.
 void CTraceSetupDialog::reject() {
     setup_.CopyFrom(kept_);
     QDialog::reject();

@@ -21,8 +21,8 @@ class Prompts;
 class Settings;
 class WorkingDirectory;
 
-/// The setup of a trace: its name, events, levels and clocks. Edits it in place; Cancel brings the
-/// old one back.
+/// Edits the setup of a trace in place: its name, events, levels and clocks. Cancel restores the
+/// old one.
 class CTraceSetupDialog final : public QDialog {
     Q_OBJECT
 public:
@@ -31,7 +31,7 @@ public:
         Settings& settings;
         Prompts& prompts;
         const WorkingDirectory& directory;
-        bool isLive; // a saved trace keeps the setup that it was made with
+        bool isLive; // a saved trace keeps the setup that it was captured with
         std::function<bool()> isRunning;
         std::function<void()> showHelp;
         std::function<void()> showWizardHelp;
@@ -42,11 +42,11 @@ public:
 
     /// Whether events, levels or clocks have been changed.
     [[nodiscard]] bool IsModified() const noexcept { return modified_; }
-    /// Whether the file at Path holds the setup as it is, name and description included.
+    /// Whether the file at Path holds exactly this setup, including name and description.
     [[nodiscard]] bool IsInFile() const noexcept { return inFile_; }
     /// Whether a file has been written.
     [[nodiscard]] bool IsSaved() const noexcept { return saved_; }
-    /// The file that the setup was last saved to or read from, or the one given.
+    /// The file that the setup was last saved to or read from, initially the one given.
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
 
     void accept() override;
@@ -59,7 +59,7 @@ private:
     void ShowFields();
     void ShowProgram();
     void ShowIndexes();
-    void TakeFields();
+    void ReadFields();
     void Modify();
     void CheckClock();
     [[nodiscard]] std::string LastFolder() const;
