@@ -49,7 +49,7 @@ protected:
     RecordingView third;
 };
 
-TEST_F(DocumentViews, AreAllToldWhenNoneIsTheSender) {
+TEST_F(DocumentViews, AreAllNotifiedWithoutASender) {
     const HintObject object;
     doc.UpdateAllViews(nullptr, 8, &object);
     EXPECT_THAT(first.told, ElementsAre(Told{nullptr, 8, &object}));
@@ -57,19 +57,19 @@ TEST_F(DocumentViews, AreAllToldWhenNoneIsTheSender) {
     EXPECT_THAT(third.told, ElementsAre(Told{nullptr, 8, &object}));
 }
 
-TEST_F(DocumentViews, AreToldButTheSender) {
+TEST_F(DocumentViews, AreNotifiedExceptTheSender) {
     doc.UpdateAllViews(&second, 3);
     EXPECT_THAT(first.told, ElementsAre(Told{&second, 3, nullptr}));
     EXPECT_THAT(second.told, IsEmpty());
     EXPECT_THAT(third.told, ElementsAre(Told{&second, 3, nullptr}));
 }
 
-TEST_F(DocumentViews, AreToldHintZeroWithoutAnObjectByDefault) {
+TEST_F(DocumentViews, ReceiveHintZeroWithoutAnObjectByDefault) {
     doc.UpdateAllViews(nullptr);
     EXPECT_THAT(first.told, ElementsAre(Told{nullptr, 0, nullptr}));
 }
 
-TEST_F(DocumentViews, AreToldInTheOrderInWhichTheyCame) {
+TEST_F(DocumentViews, AreNotifiedInTheOrderInWhichTheyWereAdded) {
     std::string order;
     first.whenTold = [&] { order += '1'; };
     second.whenTold = [&] { order += '2'; };
@@ -78,7 +78,7 @@ TEST_F(DocumentViews, AreToldInTheOrderInWhichTheyCame) {
     EXPECT_EQ(order, "123");
 }
 
-TEST_F(DocumentViews, ThatWereRemovedAreNotTold) {
+TEST_F(DocumentViews, AreNotNotifiedAfterTheirRemoval) {
     doc.RemoveView(&second);
     doc.RemoveView(&second);
     doc.UpdateAllViews(nullptr);
@@ -86,21 +86,21 @@ TEST_F(DocumentViews, ThatWereRemovedAreNotTold) {
     EXPECT_THAT(doc.Views(), ElementsAre(&first, &third));
 }
 
-TEST_F(DocumentViews, MayRemoveAnotherWhileTheyAreTold) {
+TEST_F(DocumentViews, MayRemoveAnotherDuringANotification) {
     first.whenTold = [&] { doc.RemoveView(&second); };
     doc.UpdateAllViews(nullptr);
     EXPECT_THAT(second.told, IsEmpty());
     EXPECT_EQ(third.told.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayRemoveAnEarlierOneWhileTheyAreToldAndNoneIsLeftOut) {
+TEST_F(DocumentViews, MayRemoveAnEarlierOneDuringANotificationAndNoneIsSkipped) {
     second.whenTold = [&] { doc.RemoveView(&first); };
     doc.UpdateAllViews(nullptr);
     EXPECT_EQ(first.told.size(), 1U);
     EXPECT_EQ(third.told.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayDeleteAnotherWhileTheyAreTold) {
+TEST_F(DocumentViews, MayDeleteAnotherDuringANotification) {
     auto closing = std::make_unique<RecordingView>();
     doc.AddView(closing.get());
     first.whenTold = [&] {
@@ -111,7 +111,7 @@ TEST_F(DocumentViews, MayDeleteAnotherWhileTheyAreTold) {
     EXPECT_EQ(third.told.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayRemoveThemselvesWhileTheyAreTold) {
+TEST_F(DocumentViews, MayRemoveThemselvesDuringANotification) {
     first.whenTold = [&] { doc.RemoveView(&first); };
     doc.UpdateAllViews(nullptr);
     doc.UpdateAllViews(nullptr);
@@ -119,7 +119,7 @@ TEST_F(DocumentViews, MayRemoveThemselvesWhileTheyAreTold) {
     EXPECT_EQ(second.told.size(), 2U);
 }
 
-TEST_F(DocumentViews, ThatAreAddedWhileOthersAreToldHearOfTheNextUpdate) {
+TEST_F(DocumentViews, AddedDuringANotificationReceiveTheNextOne) {
     RecordingView late;
     bool added = false;
     first.whenTold = [&] {
@@ -134,7 +134,7 @@ TEST_F(DocumentViews, ThatAreAddedWhileOthersAreToldHearOfTheNextUpdate) {
     EXPECT_EQ(late.told.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayUpdateTheOthersWhileTheyAreTold) {
+TEST_F(DocumentViews, MayNotifyTheOthersDuringANotification) {
     first.whenTold = [&] { doc.UpdateAllViews(&first, 2); };
     doc.UpdateAllViews(nullptr, 1);
     EXPECT_THAT(second.told, ElementsAre(Told{&first, 2, nullptr}, Told{nullptr, 1, nullptr}));
@@ -160,7 +160,7 @@ TEST(Document, KeepsPathTitleAndModifiedFlag) {
     EXPECT_FALSE(doc.IsModified());
 }
 
-TEST(Document, CanBeMadeWithoutAFile) {
+TEST(Document, CanBeCreatedWithoutAFile) {
     EXPECT_TRUE(TestDoc().OnNewDocument());
 }
 

@@ -26,7 +26,7 @@ protected:
     std::shared_ptr<TimerState> timer = std::make_shared<TimerState>();
 };
 
-TEST_F(BoardRuns, LookFromStartToStop) {
+TEST_F(BoardRuns, PollFromStartToStop) {
     CountedRun run(Parts());
     EXPECT_FALSE(timer->runs);
     run.Start();
@@ -39,7 +39,7 @@ TEST_F(BoardRuns, LookFromStartToStop) {
     EXPECT_FALSE(timer->runs);
 }
 
-TEST_F(BoardRuns, LookNoMoreWhenTheyAreGone) {
+TEST_F(BoardRuns, StopPollingWhenTheyAreDestroyed) {
     {
         CountedRun run(Parts());
         run.Start();
