@@ -140,7 +140,7 @@ TEST_F(SequencerTest, ThePositionDividesTheMemory) {
     }
 }
 
-TEST_F(SequencerTest, StoresWhatTheLevelAsksForAndAlwaysTheTrigger) {
+TEST_F(SequencerTest, StoresTheSamplesOfTheLevelAndAlwaysTheTrigger) {
     SetLevel(0, {.condition = {1}, .onSuccess = 8, .store = {2}});
     Start(16);
     Feed({2, 4, 2, 8, 1, 4, 2});

@@ -163,7 +163,7 @@ TEST(CommandLine, VersionIsOneLine) {
     EXPECT_THAT(run.out, testing::MatchesRegex("busquill-trace [0-9.]+\n"));
 }
 
-TEST(CommandLine, OptionsMayStandAnywhereAndJoinTheirValues) {
+TEST(CommandLine, OptionsMayBeAnywhereAndJoinedToTheirValues) {
     const ProgramRun apart = RunTrace({"list", "--from", "0", "--to", "2", demo});
     EXPECT_EQ(apart.status, 0);
     EXPECT_EQ(RunTrace({"--from=0", "list", demo, "--to=2"}).out, apart.out);

@@ -80,11 +80,11 @@ TEST_F(TraceCommands, InfoOfAFileWithoutSamples) {
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.out, HasSubstr("Samples:           0\n"));
     EXPECT_THAT(run.out, Not(HasSubstr("Trigger:")));
-    dir.Write("behind.tra", header + "\"Trace Data\",5,6\n" + Row(5, 0, 255, false));
-    const ProgramRun behind = Run({"info", "behind.tra"});
-    EXPECT_THAT(behind.out,
+    dir.Write("past.tra", header + "\"Trace Data\",5,6\n" + Row(5, 0, 255, false));
+    const ProgramRun past = Run({"info", "past.tra"});
+    EXPECT_THAT(past.out,
                 HasSubstr("Trigger:           not among the samples; marked at sample 5\n"));
-    EXPECT_THAT(behind.out, HasSubstr("Left out:          1\n"));
+    EXPECT_THAT(past.out, HasSubstr("Left out:          1\n"));
 }
 
 TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
@@ -96,7 +96,7 @@ TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
         dir.Write("a.tra", header + "\"Trace Data\"," + std::to_string(first) + "," +
                                std::to_string(last) + "\n" + rows);
     };
-    const auto told = [this] {
+    const auto reported = [this] {
         const std::string out = Run({"info", "a.tra"}).out;
         const auto at = out.find("Trigger:") + 19;
         return out.substr(at, out.find('\n', at) - at);
@@ -110,19 +110,19 @@ TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
     };
     capture(-3, 2);
     EXPECT_EQ(listed(), "0");
-    EXPECT_EQ(told(), "sample 0, 3 samples before it");
+    EXPECT_EQ(reported(), "sample 0, 3 samples before it");
     capture(-3, 0); // no sample after it: like the window, the trigger marker is one before
     EXPECT_EQ(listed(), "-1");
-    EXPECT_EQ(told(), "marked at sample -1, 2 samples before it");
+    EXPECT_EQ(reported(), "marked at sample -1, 2 samples before it");
     capture(0, 0);
     EXPECT_EQ(listed(), "0");
-    EXPECT_EQ(told(), "sample 0, 0 samples before it");
+    EXPECT_EQ(reported(), "sample 0, 0 samples before it");
     capture(5, 9);
     EXPECT_EQ(listed(), "5");
-    EXPECT_EQ(told(), "not among the samples; marked at sample 5");
+    EXPECT_EQ(reported(), "not among the samples; marked at sample 5");
     capture(-9, -5);
     EXPECT_EQ(listed(), "-5");
-    EXPECT_EQ(told(), "not among the samples; marked at sample -5");
+    EXPECT_EQ(reported(), "not among the samples; marked at sample -5");
 }
 
 TEST_F(TraceCommands, TimesOfAFilteredCaptureAreReportedAsShort) {
@@ -266,9 +266,9 @@ TEST_F(TraceCommands, ListUsesTheListOfTheFile) {
 
 TEST_F(TraceCommands, ListOfAnEmptyCapture) {
     SmallCapture();
-    const ProgramRun behind = Run({"list", "small.tra", "--from", "5", "-o", "out"});
-    EXPECT_EQ(behind.status, 1);
-    EXPECT_EQ(behind.err, "busquill-trace: there are no such samples\n");
+    const ProgramRun past = Run({"list", "small.tra", "--from", "5", "-o", "out"});
+    EXPECT_EQ(past.status, 1);
+    EXPECT_EQ(past.err, "busquill-trace: there are no such samples\n");
     EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
     const ProgramRun zoom = Run({"list", "small.tra", "--zoom"});
     EXPECT_EQ(zoom.status, 1);

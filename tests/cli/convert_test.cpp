@@ -319,17 +319,17 @@ TEST_F(ConvertCommand, TheViewerFindsTheDumpFromAnywhereAndShowsTheTrigger) {
     const auto shown = [&](const std::string& folder) {
         const std::string command = "cd / && HOME='" + dir.Path() + "' xvfb-run -a gtkwave '" +
                                     folder + "/a.gtkw' --script '" + dir.File("ask.tcl") + "' > '" +
-                                    dir.File("told") + "' 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0) << ReadWholeFile(dir.File("told"));
-        std::map<std::string, std::int64_t> told;
-        std::ifstream lines(dir.File("told"));
+                                    dir.File("output") + "' 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << ReadWholeFile(dir.File("output"));
+        std::map<std::string, std::int64_t> viewer;
+        std::ifstream lines(dir.File("output"));
         for (std::string line; std::getline(lines, line);) {
             const auto blank = line.find(' ');
             if (blank != std::string::npos) {
-                told[line.substr(0, blank)] = std::atoll(line.c_str() + blank);
+                viewer[line.substr(0, blank)] = std::atoll(line.c_str() + blank);
             }
         }
-        return told;
+        return viewer;
     };
     for (const bool zoom : {false, true}) {
         const std::string folder = dir.File(zoom ? "zoom" : "whole");
@@ -339,15 +339,15 @@ TEST_F(ConvertCommand, TheViewerFindsTheDumpFromAnywhereAndShowsTheTrigger) {
                                               target};
         arguments.insert(arguments.end(), zoom ? 1 : 0, "--zoom");
         ASSERT_EQ(Run(arguments).status, 0);
-        auto told = shown(folder);
-        EXPECT_GT(told["signals"], 30);
-        EXPECT_GT(told["marker"], 0);
-        EXPECT_GT(told["from"], 0);
-        EXPECT_LT(told["from"], told["marker"]);
-        EXPECT_GT(told["to"], told["marker"]);
+        auto viewer = shown(folder);
+        EXPECT_GT(viewer["signals"], 30);
+        EXPECT_GT(viewer["marker"], 0);
+        EXPECT_GT(viewer["from"], 0);
+        EXPECT_LT(viewer["from"], viewer["marker"]);
+        EXPECT_GT(viewer["to"], viewer["marker"]);
         if (!zoom) { // both files may be moved together
             std::filesystem::rename(folder, dir.File("moved"));
-            EXPECT_EQ(shown(dir.File("moved")), told);
+            EXPECT_EQ(shown(dir.File("moved")), viewer);
         }
     }
 }

@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(
                                               Sample(4, 5) + Sample(1, 7) + endOfData},
                     OddFile{"Repeated", header + "\"Trace Data\",0,9\n" + Sample(1, 7) +
                                             Sample(4, 5) + Sample(5, 1) + Sample(5, 6) + endOfData},
-                    OddFile{"HeaderBehind", inOrder + endOfData + header},
+                    OddFile{"HeaderAfterTheSamples", inOrder + endOfData + header},
                     OddFile{"TwoBlocks", header + "\"Trace Data\",0,2\n" + Sample(0, 1) +
                                              Sample(2, 5) + endOfData + inOrder + endOfData}),
     [](const auto& file) { return file.param.name; });

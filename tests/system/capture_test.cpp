@@ -42,7 +42,7 @@ TEST_F(CaptureOverWire, TriggersWhereAScanOfTheTrafficDoes) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(CaptureOverWire, StoresOnlyWhatTheSetupAsksFor) {
+TEST_F(CaptureOverWire, StoresOnlyTheSamplesOfTheSetup) {
     Connect({"--buffer", "2", "--seed", "9", "--model", "PCIWren"});
     Expect(0, 95, 1, 1);
     Expect(1, 64, 4, 7);

@@ -31,7 +31,7 @@ std::string Row(int number, const std::string& rest = "") {
     return row + rest + "\n";
 }
 
-TEST(SampleRowsFastWay, TakesRowsUntilAnotherKindOfLine) {
+TEST(PlainRows, TakesRowsUntilAnotherKindOfLine) {
     const std::string two = Row(-12) + Row(345678);
     const Taken taken = Take(two + "\"End of Trace Data\"\n");
     EXPECT_EQ(taken.bytes, two.size());
@@ -40,13 +40,13 @@ TEST(SampleRowsFastWay, TakesRowsUntilAnotherKindOfLine) {
     EXPECT_EQ(taken.rows.records[1].bytes[17], static_cast<std::uint8_t>(345678 * 7 + 17 * 31));
 }
 
-TEST(SampleRowsFastWay, TakesNoMoreRowsThanTheLimit) {
+TEST(PlainRows, TakesNoMoreRowsThanTheLimit) {
     const Taken taken = Take(Row(1000) + Row(1001) + Row(1002), 2);
     EXPECT_EQ(taken.rows.Size(), 2U);
     EXPECT_EQ(taken.bytes, (Row(1000) + Row(1001)).size());
 }
 
-TEST(SampleRowsFastWay, LeavesAnIncompleteLine) {
+TEST(PlainRows, LeavesAnIncompleteLine) {
     const std::string row = Row(1000);
     for (std::size_t cut = 0; cut < row.size(); ++cut) {
         EXPECT_EQ(Take(row.substr(0, cut)).bytes, 0U) << cut;
@@ -54,12 +54,12 @@ TEST(SampleRowsFastWay, LeavesAnIncompleteLine) {
     EXPECT_EQ(Take(row).bytes, row.size());
 }
 
-TEST(SampleRowsFastWay, ReadsNothingBeforeTheText) {
+TEST(PlainRows, ReadsNothingBeforeTheText) {
     // The first byte value is read from four characters, one of which would lie before the text.
     EXPECT_EQ(Take("0,5,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n").bytes, 0U);
 }
 
-TEST(SampleRowsFastWay, CutsValuesToAByte) {
+TEST(PlainRows, CutsValuesToAByte) {
     EXPECT_EQ(Take("10,256,999,300,0,0,0,0,0,0,0,0,0,0,0,0,0,0,255\n").rows.records.at(0).bytes,
               (SampleRecord{{0, 231, 44, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255}}.bytes));
 }
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
                     OddRow{"Empty", "\n"}),
     [](const auto& row) { return row.param.name; });
 
-TEST(SampleRowsFastWay, AgreesWithParsingLineByLine) {
+TEST(PlainRows, AgreesWithParsingLineByLine) {
     constexpr unsigned seed = 20261;
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);

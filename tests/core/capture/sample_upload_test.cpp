@@ -152,7 +152,7 @@ TEST_F(SampleUploadTest, AMultipleOf1024SamplesFillsTheLastWordOfBlocks) {
     EXPECT_EQ(Reads().back().length, 1U);
 }
 
-TEST_F(SampleUploadTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere) {
+TEST_F(SampleUploadTest, TheBlockOfARequestedSampleIsNextAndTheUploadContinuesThere) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;

@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 /// Sets a bit of a pattern: its value and its compare bit.
-void Want(CSignalList& pattern, std::int32_t dataIndex, bool value) {
+void Require(CSignalList& pattern, std::int32_t dataIndex, bool value) {
     for (const auto& signal : pattern.All()) {
         if (signal->dataIndex == dataIndex) {
             signal->data[0] = value ? 1 : 0;
@@ -69,7 +69,7 @@ TEST(Search, AgreesWithALoopOverBytes) {
         }
         CSignalList list = EmptyPattern();
         for (std::uint32_t n = random() % 4; n > 0; --n) {
-            Want(list, static_cast<std::int32_t>(random() % 144), random() % 2 != 0);
+            Require(list, static_cast<std::int32_t>(random() % 144), random() % 2 != 0);
         }
         list[random() % 120].data[0] ^= 1; // a value without its compare bit does not matter
         std::vector<std::uint32_t> excluded;
@@ -119,9 +119,9 @@ TEST(Search, AgreesWithALoopOverBytes) {
 
 TEST(Search, BitsPastTheHundredAndTwentiethAreNotCompared) {
     CSignalList list = EmptyPattern();
-    Want(list, 120, true);
+    Require(list, 120, true);
     EXPECT_TRUE(RecordPattern(list).Matches(SampleRecord()));
-    Want(list, 119, true);
+    Require(list, 119, true);
     EXPECT_FALSE(RecordPattern(list).Matches(SampleRecord()));
 }
 
@@ -153,9 +153,9 @@ protected:
     }
     ~SearchOfAFile() override { document->RemoveView(&view); }
     /// A pattern that only the sample with this index matches.
-    static void WantSample(CSignalList& pattern, int sample) {
+    static void RequireSample(CSignalList& pattern, int sample) {
         for (int bit = 0; bit < 10; ++bit) {
-            Want(pattern, bit, (sample >> bit & 1) != 0);
+            Require(pattern, bit, (sample >> bit & 1) != 0);
         }
     }
     std::int64_t Start(SearchDirection direction, std::int64_t firstShown = 40) {
@@ -187,7 +187,7 @@ TEST_F(SearchOfAFile, BeginsNextToMarker1OrAtTheFirstVisibleSample) {
 
 TEST_F(SearchOfAFile, SetsMarker1ToTheHit) {
     document->SetMarker(2, 3);
-    Want(document->searchPattern, 7, true); // bit 7 is set in samples 128 to 255, and so on
+    Require(document->searchPattern, 7, true); // bit 7 is set in samples 128 to 255, and so on
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 128);
     Search(SearchDirection::Forward);
@@ -204,13 +204,13 @@ TEST_F(SearchOfAFile, SetsMarker1ToTheHit) {
 }
 
 TEST_F(SearchOfAFile, WithoutMarker1TheFirstVisibleSampleCanMatch) {
-    WantSample(document->searchPattern, 40);
+    RequireSample(document->searchPattern, 40);
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 40);
 }
 
 TEST_F(SearchOfAFile, ReportsThatThereIsNoMatch) {
-    WantSample(document->searchPattern, 300);
+    RequireSample(document->searchPattern, 300);
     document->SetMarker(1, 300);
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 300) << "unchanged";
@@ -230,7 +230,7 @@ TEST_F(SearchOfAFile, BackwardDoesNotReachSample0) {
 }
 
 TEST_F(SearchOfAFile, TheFilterKeepsWhatMatchesAndTheTopSample) {
-    Want(document->filterPattern, 0, true);
+    Require(document->filterPattern, 0, true);
     document->ApplyFilter(100);
     EXPECT_EQ(document->RowCount(false), 500);
     EXPECT_TRUE(document->IsFiltered());
@@ -244,7 +244,7 @@ TEST_F(SearchOfAFile, TheFilterKeepsWhatMatchesAndTheTopSample) {
 }
 
 TEST_F(SearchOfAFile, AFilterWithoutAMatchShowsNoRowsAndTheNextRestoresAll) {
-    Want(document->filterPattern, 11, true);
+    Require(document->filterPattern, 11, true);
     document->ApplyFilter(100);
     EXPECT_EQ(document->RowCount(false), 0);
     EXPECT_EQ(document->RowToSample(5, false), 0);
@@ -263,9 +263,9 @@ TEST_F(SearchOfAFile, AFilterFromOutsideTheCaptureLeavesTheViewInPlace) {
 }
 
 TEST_F(SearchOfAFile, ASearchFindsHiddenSamples) {
-    Want(document->filterPattern, 0, true);
+    Require(document->filterPattern, 0, true);
     document->ApplyFilter(0);
-    WantSample(document->searchPattern, 300);
+    RequireSample(document->searchPattern, 300);
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 300);
 }
@@ -316,8 +316,8 @@ protected:
 TEST_F(SearchByTheBoard, IsSentByteForByte) {
     Open();
     SetStatus({{0x03, 7, 0, 0}});
-    Want(document->searchPattern, 9, true);   // AD[9]
-    Want(document->searchPattern, 72, false); // FRAME
+    Require(document->searchPattern, 9, true);   // AD[9]
+    Require(document->searchPattern, 72, false); // FRAME
     Search(SearchDirection::Forward, 40);
     Bytes pattern(30);
     pattern[2] = 0x02; // bits 8 to 15: the value, then the compare bits
@@ -416,8 +416,8 @@ TEST_F(SearchByTheBoard, IsNotAvailableWhileACaptureRuns) {
     NewDocument();
     EXPECT_TRUE(CanSearch(*document));
     EXPECT_TRUE(CanFilter(*document));
-    Want(document->filterPattern, 72, false);
-    Want(document->searchPattern, 72, false);
+    Require(document->filterPattern, 72, false);
+    Require(document->searchPattern, 72, false);
     document->OnCaptureStarted();
     SampleRecord high;
     high.bytes[9] = 1;

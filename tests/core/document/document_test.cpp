@@ -17,21 +17,21 @@ public:
     bool OnSaveDocument(const std::string&) override { return true; }
 };
 
-struct Told {
+struct Notification {
     DocumentView* sender;
     int hint;
     const HintObject* object;
-    bool operator==(const Told&) const = default;
+    bool operator==(const Notification&) const = default;
 };
 
 struct RecordingView final : DocumentView {
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override {
-        told.push_back({sender, hint, object});
+        received.push_back({sender, hint, object});
         if (whenTold) {
             whenTold();
         }
     }
-    std::vector<Told> told;
+    std::vector<Notification> received;
     std::function<void()> whenTold;
 };
 
@@ -52,21 +52,21 @@ protected:
 TEST_F(DocumentViews, AreAllNotifiedWithoutASender) {
     const HintObject object;
     doc.UpdateAllViews(nullptr, 8, &object);
-    EXPECT_THAT(first.told, ElementsAre(Told{nullptr, 8, &object}));
-    EXPECT_THAT(second.told, ElementsAre(Told{nullptr, 8, &object}));
-    EXPECT_THAT(third.told, ElementsAre(Told{nullptr, 8, &object}));
+    EXPECT_THAT(first.received, ElementsAre(Notification{nullptr, 8, &object}));
+    EXPECT_THAT(second.received, ElementsAre(Notification{nullptr, 8, &object}));
+    EXPECT_THAT(third.received, ElementsAre(Notification{nullptr, 8, &object}));
 }
 
 TEST_F(DocumentViews, AreNotifiedExceptTheSender) {
     doc.UpdateAllViews(&second, 3);
-    EXPECT_THAT(first.told, ElementsAre(Told{&second, 3, nullptr}));
-    EXPECT_THAT(second.told, IsEmpty());
-    EXPECT_THAT(third.told, ElementsAre(Told{&second, 3, nullptr}));
+    EXPECT_THAT(first.received, ElementsAre(Notification{&second, 3, nullptr}));
+    EXPECT_THAT(second.received, IsEmpty());
+    EXPECT_THAT(third.received, ElementsAre(Notification{&second, 3, nullptr}));
 }
 
 TEST_F(DocumentViews, ReceiveHintZeroWithoutAnObjectByDefault) {
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(first.told, ElementsAre(Told{nullptr, 0, nullptr}));
+    EXPECT_THAT(first.received, ElementsAre(Notification{nullptr, 0, nullptr}));
 }
 
 TEST_F(DocumentViews, AreNotifiedInTheOrderInWhichTheyWereAdded) {
@@ -82,22 +82,22 @@ TEST_F(DocumentViews, AreNotNotifiedAfterTheirRemoval) {
     doc.RemoveView(&second);
     doc.RemoveView(&second);
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(second.told, IsEmpty());
+    EXPECT_THAT(second.received, IsEmpty());
     EXPECT_THAT(doc.Views(), ElementsAre(&first, &third));
 }
 
 TEST_F(DocumentViews, MayRemoveAnotherDuringANotification) {
     first.whenTold = [&] { doc.RemoveView(&second); };
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(second.told, IsEmpty());
-    EXPECT_EQ(third.told.size(), 1U);
+    EXPECT_THAT(second.received, IsEmpty());
+    EXPECT_EQ(third.received.size(), 1U);
 }
 
 TEST_F(DocumentViews, MayRemoveAnEarlierOneDuringANotificationAndNoneIsSkipped) {
     second.whenTold = [&] { doc.RemoveView(&first); };
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(first.told.size(), 1U);
-    EXPECT_EQ(third.told.size(), 1U);
+    EXPECT_EQ(first.received.size(), 1U);
+    EXPECT_EQ(third.received.size(), 1U);
 }
 
 TEST_F(DocumentViews, MayDeleteAnotherDuringANotification) {
@@ -108,15 +108,15 @@ TEST_F(DocumentViews, MayDeleteAnotherDuringANotification) {
         closing.reset();
     };
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(third.told.size(), 1U);
+    EXPECT_EQ(third.received.size(), 1U);
 }
 
 TEST_F(DocumentViews, MayRemoveThemselvesDuringANotification) {
     first.whenTold = [&] { doc.RemoveView(&first); };
     doc.UpdateAllViews(nullptr);
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(first.told.size(), 1U);
-    EXPECT_EQ(second.told.size(), 2U);
+    EXPECT_EQ(first.received.size(), 1U);
+    EXPECT_EQ(second.received.size(), 2U);
 }
 
 TEST_F(DocumentViews, AddedDuringANotificationReceiveTheNextOne) {
@@ -129,15 +129,16 @@ TEST_F(DocumentViews, AddedDuringANotificationReceiveTheNextOne) {
         }
     };
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(late.told, IsEmpty());
+    EXPECT_THAT(late.received, IsEmpty());
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(late.told.size(), 1U);
+    EXPECT_EQ(late.received.size(), 1U);
 }
 
 TEST_F(DocumentViews, MayNotifyTheOthersDuringANotification) {
     first.whenTold = [&] { doc.UpdateAllViews(&first, 2); };
     doc.UpdateAllViews(nullptr, 1);
-    EXPECT_THAT(second.told, ElementsAre(Told{&first, 2, nullptr}, Told{nullptr, 1, nullptr}));
+    EXPECT_THAT(second.received,
+                ElementsAre(Notification{&first, 2, nullptr}, Notification{nullptr, 1, nullptr}));
 }
 
 TEST(Document, StartsWithoutPathTitleOrChanges) {

@@ -180,7 +180,7 @@ TEST_F(LiveSearch, GoesToASampleByItsNumber) {
     EXPECT_GT(frame->TraceView().CenterSample(), Trace().SampleCount(false) - 100);
 }
 
-TEST_F(LiveSearch, NoneOfThemIsAvailableDuringACapture) {
+TEST_F(LiveSearch, SearchesAreUnavailableDuringACapture) {
     Connect({"--buffer", "1024", "--rate", "1000"});
     OpenFrame("State");
     Go();

@@ -86,21 +86,21 @@ TEST_F(CheckTree, ACheckFollowsItsBox) {
 }
 
 TEST_F(CheckTree, ReportsEachChangeByTheUserOnce) {
-    const QSignalSpy told(&tree, &CCheckTree::ChecksChanged);
+    const QSignalSpy changes(&tree, &CCheckTree::ChecksChanged);
     tree.SetChecked([](int row) { return row % 2 == 0; });
     EXPECT_EQ(Checks(), "x.x.x.x.x");
-    EXPECT_EQ(told.count(), 0);
+    EXPECT_EQ(changes.count(), 0);
     Click(6);
-    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(changes.count(), 1);
     EXPECT_EQ(Checks(), "x.x.x....");
 }
 
 TEST_F(CheckTree, ATextOrAColourIsNotAChange) {
     Click(2);
-    const QSignalSpy told(&tree, &CCheckTree::ChecksChanged);
+    const QSignalSpy changes(&tree, &CCheckTree::ChecksChanged);
     tree.Item(0).setForeground(0, Qt::red);
     tree.Item(0).setText(0, "Timing, failed");
-    EXPECT_EQ(told.count(), 0);
+    EXPECT_EQ(changes.count(), 0);
     EXPECT_EQ(Checks(), "..x......");
 }
 

@@ -178,7 +178,7 @@ TEST_F(WavePainter, RailsStopWhereTheDataEnd) {
     EXPECT_THAT(Strokes(Record()), ElementsAre(QRect(left, 36, 200, 1)));
 }
 
-TEST_F(WavePainter, AtANegativeZoomAPixelHasOneSampleMoreThanTheZoomSays) {
+TEST_F(WavePainter, AtANegativeZoomAPixelHasOneSampleMoreThanTheZoom) {
     Open();
     zoom = -3;
     AddLine(4); // an edge every 16 samples, which are 4 pixels

@@ -27,7 +27,7 @@ protected:
         header.fixedEnd = 50;
     }
     /// The middles of the columns A, B, D and E.
-    enum Place { OnA = 71, OnB = 111, OnD = 151, OnE = 191, Behind = 300 };
+    enum Place { OnA = 71, OnB = 111, OnD = 151, OnE = 191, PastEnd = 300 };
 
     std::string Selected() const {
         std::string names;
@@ -63,7 +63,7 @@ TEST_F(Header, HitsColumnsAndTheirEdges) {
     }
     EXPECT_EQ(header.HitColumn(94).signal, &list[1]);
     EXPECT_EQ(header.HitColumn(OnD).signal, &list[4]) << "a hidden one takes no space";
-    EXPECT_EQ(header.HitColumn(Behind).signal, nullptr);
+    EXPECT_EQ(header.HitColumn(PastEnd).signal, nullptr);
     header.offset = 40;
     EXPECT_EQ(header.HitColumn(OnA).signal, &list[1]);
     EXPECT_EQ(header.HitColumn(OnA).start, 51);
@@ -146,7 +146,7 @@ TEST_F(Header, ADragToTheLeftMovesTheColumnBeforeTheTarget) {
     EXPECT_EQ(header.Release(OnA), Redraw::All);
     EXPECT_EQ(Order(), "E A B1 B0 C D ");
     header.Press(OnA, Qt::NoModifier); // E is there now
-    EXPECT_EQ(header.Release(Behind), Redraw::Nothing);
+    EXPECT_EQ(header.Release(PastEnd), Redraw::Nothing);
     EXPECT_EQ(Order(), "E A B1 B0 C D ");
 }
 
@@ -169,7 +169,7 @@ TEST_F(Header, ThePressThatOpensTheMenuSelectsAnUnselectedColumn) {
     EXPECT_EQ(Selected(), "A D ");
     EXPECT_EQ(header.SelectForMenu(OnE), Redraw::Header);
     EXPECT_EQ(Selected(), "E ");
-    EXPECT_EQ(header.SelectForMenu(Behind), Redraw::Nothing);
+    EXPECT_EQ(header.SelectForMenu(PastEnd), Redraw::Nothing);
 }
 
 TEST_F(Header, BandsHaveGapsAFixedStripAndDragWithoutModifiers) {
