@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Times busquill-trace against the field's own tools over the same samples, in turn, and prints how
-many times as long it takes as they do (medians).
+"""Times busquill-trace and the field's own tools on the same samples, in turn, and prints the ratio of
+the medians.
 
     command_line.py BUSQUILL-TRACE BOARDSIM [SAMPLES]
 
@@ -26,7 +26,7 @@ def seconds(command, folder):
 
 
 def compare(title, ours, theirs, folder):
-    """Both in turn, so that the machine's moods meet both."""
+    """Runs both in turn, so that other load on the machine affects both."""
     pairs = [(seconds(ours, folder), seconds(theirs, folder)) for _ in range(ROUNDS)]
     mine, other = (statistics.median(times) for times in zip(*pairs))
     print(f"{title:<42} {mine * 1e3:9.1f} ms {other * 1e3:9.1f} ms {mine / other:8.3f}")
@@ -45,7 +45,7 @@ def main():
                 ["sigrok-cli", "-i", "a.sr", "-O", "csv", "-o", "b.csv"], folder)
         compare("convert to a session / sigrok-cli", [trace, "convert", "a.tra", "-o", "b.sr"],
                 ["sigrok-cli", "-i", "a.sr", "-O", "srzip", "-o", "c.sr"], folder)
-        # A command in the record's ninth byte, whatever stands before it.
+        # A command in the low nibble of the record's ninth byte.
         search = [trace, "search", "a.tra", "--all", "-p", "C/BE[3:0]=7"]
         compare("search a capture / wc -l", search, ["wc", "-l", "a.tra"], folder)
         compare("search a capture / rg", search,

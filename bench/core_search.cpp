@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t recordCount = 10'000'000;
 
-/// Records whose first byte counts; no second byte has its highest bit set.
+/// Records whose first byte counts up; the top bit of the second byte is always clear.
 const std::vector<SampleRecord>& Records() {
     static const std::vector<SampleRecord> records = [] {
         std::vector<SampleRecord> made(recordCount);
@@ -41,7 +41,7 @@ void SetBytes(benchmark::State& state) {
                             static_cast<std::int64_t>(recordCount * sizeof(SampleRecord)));
 }
 
-/// How fast this machine reads the same memory.
+/// Baseline: how fast this machine reads the same memory.
 void ReadMemory(benchmark::State& state) {
     const auto& records = Records();
     const auto* words = reinterpret_cast<const std::uint64_t*>(records.data());
@@ -95,7 +95,7 @@ void SearchByBytes(benchmark::State& state) {
 }
 BENCHMARK(SearchByBytes)->Unit(benchmark::kMillisecond);
 
-/// A filter that lets through nothing, every second sample, or half of them in long runs.
+/// A filter that keeps nothing, every second sample, or half of the samples in long runs.
 void Filter(benchmark::State& state) {
     const auto& records = Records();
     const RecordPattern pattern(PatternOf(static_cast<std::int32_t>(state.range(0))));

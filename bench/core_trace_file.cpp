@@ -13,7 +13,7 @@ namespace {
 
 constexpr int samples = 200'000;
 
-/// A capture on disk, made once.
+/// A capture on disk, written once.
 const std::string& CapturePath() {
     static const TempDir dir;
     static const std::string path = [] {
@@ -37,7 +37,7 @@ void CountBytes(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * bytes);
 }
 
-/// The yardstick: the same file by the standard library's lines, and nothing done with them.
+/// Baseline: reads the lines of the same file with the standard library and ignores them.
 void ReadLinesOnly(benchmark::State& state) {
     for (auto _ : state) {
         std::ifstream file(CapturePath());
@@ -51,7 +51,7 @@ void ReadLinesOnly(benchmark::State& state) {
 }
 BENCHMARK(ReadLinesOnly)->Unit(benchmark::kMillisecond);
 
-/// Reading the capture whole: samples, default lists, rows and labels.
+/// Loads the whole capture: samples, default lists, rows and labels.
 void ReadTraceFile(benchmark::State& state) {
     BoardTables board("PCIKite-1");
     RecordingPrompts prompts;

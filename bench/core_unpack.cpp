@@ -1,4 +1,5 @@
-/// Unpacking a capture into the rows of a PCI state listing, beside a plain copy of its records.
+/// Unpacking a capture into the rows of a PCI state listing, compared with a plain copy of its
+/// records.
 #include "signals/signal_list.h"
 #include "support/temp_dir.h"
 
@@ -53,7 +54,7 @@ double Seconds(Work&& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// `times_copy` tells how much longer unpacking takes than copying the records, measured in turn.
+/// `times_copy`: the time of unpacking divided by that of copying the records, measured in turn.
 void UnpackIntoStateList(benchmark::State& state) {
     Listing listing;
     std::vector<SampleRecord> copy(sampleCount);
@@ -75,7 +76,7 @@ void UnpackIntoStateList(benchmark::State& state) {
 }
 BENCHMARK(UnpackIntoStateList)->Unit(benchmark::kMillisecond);
 
-/// The same in blocks of 32 samples, as an upload brings them.
+/// The same in blocks of 32 samples, as an upload delivers them.
 void UnpackBlocks(benchmark::State& state) {
     Listing listing;
     const std::span<const SampleRecord> records(listing.records);
@@ -88,7 +89,7 @@ void UnpackBlocks(benchmark::State& state) {
 }
 BENCHMARK(UnpackBlocks)->Unit(benchmark::kMillisecond);
 
-/// The rows of all groups packed anew from the bits of their members.
+/// Repacks the rows of all groups from the bits of their members.
 void RebuildAllRows(benchmark::State& state) {
     Listing listing;
     listing.list.LoadSamples(0, listing.records);

@@ -21,7 +21,7 @@ void CountBlocks(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * blocks);
 }
 
-/// The yardstick: the same frames and replies by a loop over the bare port.
+/// Baseline: the same frames and replies, exchanged by a loop over the bare port.
 void ExchangeBlocksOnly(benchmark::State& state) {
     const BoardProcess board({"--baud", "9600", "--samples", "8192"});
     const auto port = OpenSerialPort(board.Terminal());
@@ -95,7 +95,7 @@ BENCHMARK(UploadBlocks)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 constexpr int savedSamples = 1'000'000;
 
-/// A capture in memory, as from a file.
+/// A capture in memory, as if loaded from a file.
 std::unique_ptr<CTesselDoc> MakeCapture(NewTraceContext& context, Prompts& prompts) {
     auto document = std::make_unique<CTesselDoc>(context, prompts);
     static_cast<void>(document->store.AllocateForFile(-savedSamples / 2, savedSamples / 2 - 1));
@@ -110,7 +110,7 @@ std::unique_ptr<CTesselDoc> MakeCapture(NewTraceContext& context, Prompts& promp
     return document;
 }
 
-/// The yardstick: as many bytes, ready made.
+/// Baseline: writes the same number of bytes, already prepared.
 void WriteBytesOnly(benchmark::State& state) {
     const TempDir dir;
     std::string text(static_cast<std::size_t>(savedSamples) * 73, '1');

@@ -7,10 +7,10 @@
 
 namespace busquill::test {
 
-/// What benchmarks share; it goes before the application does.
+/// What the benchmarks share. Cleared before the application object is destroyed.
 inline std::vector<std::shared_ptr<void>> keptUntilTheEnd;
 
-/// A capture of made-up samples, all alike when the bus is idle.
+/// A capture of made-up samples; with `idle`, all samples are the same.
 class LongCapture : public TraceFixture {
 public:
     explicit LongCapture(int samples, bool idle = false) {

@@ -20,7 +20,7 @@ public:
         window = view->findChild<CStateWnd*>();
     }
 
-    /// Puts a column with the time since the trigger before all others.
+    /// Inserts a column with the time since the trigger before all others.
     void ShowAccumulatedTime() {
         CSignalList& list = document->stateList;
         const auto count = static_cast<std::uint32_t>(document->SampleCount(false));
@@ -31,13 +31,13 @@ public:
         };
         const CSignal* accum = add(board.tables.decodedSignals.FindByName("ACCUM"));
         list[list.IndexOf(accum)].width = 80;
-        // The field that the times are summed from.
+        // The field from which times are summed.
         add(board.tables.busSignals.FindByName("TIME"))->permanent = true;
         document->SetMarker(0, 0);
     }
 
-    /// Puts a column with the time since the row above before all others, keeps every hundredth
-    /// row, and sets the markers to both ends.
+    /// Inserts a column with the time since the row above before all others, filters to every
+    /// hundredth sample, and sets the markers to both ends.
     void ShowTimesUnderAFilter() {
         CSignalList& list = document->stateList;
         const std::int64_t count = document->SampleCount(false);
@@ -82,7 +82,7 @@ Listing& AccumulatingListing() {
     return *listing;
 }
 
-/// A frame at a place of the capture, given in hundredths of its length.
+/// A frame at a place in the capture, given in percent of its length.
 void Frame(benchmark::State& state) {
     Listing* listing = &ListingOf(state.range(0));
     listing->view->ScrollToSample(state.range(0) * state.range(1) / 100);
@@ -95,8 +95,8 @@ BENCHMARK(Frame)
     ->ArgsProduct({{10'000, 10'000'000}, {0, 50, 100}})
     ->Unit(benchmark::kMicrosecond);
 
-/// A frame near the end of a capture with a filter on and a marker at either end, which shows times
-/// over all of it.
+/// A frame near the end of a filtered capture with a marker at either end, so that the times that
+/// it shows span the whole capture.
 void FrameOfFarTimes(benchmark::State& state) {
     const std::int64_t samples = state.range(0);
     static std::weak_ptr<Listing> made;
@@ -119,7 +119,7 @@ BENCHMARK(FrameOfFarTimes)
     ->Arg(4'000'000)
     ->Unit(benchmark::kMicrosecond);
 
-/// What a held arrow key costs: a step of a row and the frame, events included.
+/// The cost of a held arrow key: a step of one row and the frame, events included.
 void StepByKey(benchmark::State& state) {
     Listing& listing = ListingOf(state.range(0));
     listing.view->ScrollToSample(0);
@@ -134,8 +134,8 @@ BENCHMARK(StepByKey)
     ->Arg(10'000'000)
     ->Unit(benchmark::kMicrosecond);
 
-/// A frame with a column of times since the trigger, which is at the start: the first frame at
-/// a place walks there, the others go on from kept sums.
+/// A frame with a column of times since the trigger, which is at the start: the first frame at a
+/// place sums up to there, later frames use the sums that were kept.
 void FrameWithAccumulatedTime(benchmark::State& state) {
     Listing& listing = AccumulatingListing();
     listing.view->ScrollToSample(state.range(0) * 100'000);

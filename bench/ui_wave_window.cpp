@@ -14,7 +14,7 @@ constexpr int longCapture = 10'000'000;
 
 enum Kind : std::int64_t { LinesAndBuses, BusesOnly, DecodedOnly, DecodedIdle };
 
-/// Waveforms with 60 bands at 1600 x 1000. Almost every line and bus changes from sample to sample.
+/// Waveforms with 60 bands at 1600 x 1000. Almost every line and bus changes at every sample.
 class Waveforms : public LongCapture {
 public:
     Waveforms(int samples, Kind kind) : LongCapture(samples, kind == DecodedIdle) {
@@ -52,7 +52,7 @@ Waveforms& WaveformsOf(std::int64_t samples, std::int64_t kind) {
     auto& known = made[{samples, kind}];
     auto waveforms = known.lock();
     if (!waveforms) {
-        keptUntilTheEnd.clear(); // several of ten million samples would not fit
+        keptUntilTheEnd.clear(); // several captures of ten million samples would not fit
         waveforms = std::make_shared<Waveforms>(static_cast<int>(samples), static_cast<Kind>(kind));
         known = waveforms;
         keptUntilTheEnd.push_back(waveforms);
@@ -60,7 +60,7 @@ Waveforms& WaveformsOf(std::int64_t samples, std::int64_t kind) {
     return *waveforms;
 }
 
-/// A frame at a place of the capture, given in hundredths of its length.
+/// A frame at a place in the capture, given in percent of its length.
 void WaveFrame(benchmark::State& state) {
     Waveforms& waveforms = WaveformsOf(state.range(0), state.range(1));
     waveforms.window->SetZoom(static_cast<int>(state.range(2)));
@@ -82,7 +82,7 @@ void WaveFrameBetweenMarkers(benchmark::State& state) {
     Waveforms& waveforms = WaveformsOf(state.range(0), LinesAndBuses);
     const std::int64_t count = waveforms.document->SampleCount(false);
     for (const auto& signal : waveforms.document->waveformList.All()) {
-        signal->permanent = signal->baseName == "TIME"; // the field that the times are summed from
+        signal->permanent = signal->baseName == "TIME"; // the field from which times are summed
     }
     waveforms.window->SetZoom(20);
     waveforms.document->SetMarker(1, 0);
@@ -100,7 +100,7 @@ BENCHMARK(WaveFrameBetweenMarkers)
     ->Arg(4'000'000)
     ->Unit(benchmark::kMicrosecond);
 
-/// What a held arrow key costs: four steps of a pixel and the frame, events included.
+/// The cost of a held arrow key: four steps of one pixel and the frame, events included.
 void WaveStepByKey(benchmark::State& state) {
     Waveforms& waveforms = WaveformsOf(state.range(0), LinesAndBuses);
     waveforms.window->SetZoom(20);

@@ -39,7 +39,7 @@ TEST_F(BoardTest, AnswersTheSecondByteOfAFrame) {
     EXPECT_EQ(Send({0}), Bytes{'*'});
 }
 
-TEST_F(BoardTest, StatusBlockSaysWhatItIs) {
+TEST_F(BoardTest, StatusBlockHasTheIdentity) {
     Registers(0, 18);
     EXPECT_EQ(Send({2, 1}), (Bytes{'*',  'P',  'C', 'I', 'K', 'i', 't', 'e',  ' ',  3,
                                    0x00, 0x04, 17,  10,  0,   0,   0,   0x34, 0x12, '*'}));
@@ -53,12 +53,12 @@ TEST_F(BoardTest, MemoryIsWrittenAndReadBack) {
     EXPECT_EQ(Send({2, 1}), (Bytes{'*', 8, 9, 0, '*'}));
 }
 
-TEST_F(BoardTest, ReadOfNothingIsTwoStars) {
+TEST_F(BoardTest, ReadOfNoBytesIsTwoStars) {
     Registers(0, 0);
     EXPECT_EQ(Send({2, 1}), (Bytes{'*', '*'}));
 }
 
-TEST_F(BoardTest, NewRateHoldsFromTheAnswerOn) {
+TEST_F(BoardTest, NewRateAppliesAfterTheAnswer) {
     Registers(15, 1);
     Send({2, 2});
     Send({4});
@@ -67,7 +67,7 @@ TEST_F(BoardTest, NewRateHoldsFromTheAnswerOn) {
     EXPECT_EQ(board.Baud(), 57600);
 }
 
-TEST_F(BoardTest, SamplesGoByDistanceFromTheTrigger) {
+TEST_F(BoardTest, SamplesAreAddressedByDistanceFromTheTrigger) {
     Registers(2, 3);
     const Bytes reply = Send({2, 3});
     ASSERT_EQ(reply.size(), 56U);
@@ -81,7 +81,7 @@ TEST_F(BoardTest, UnknownFunctionsGetNoAnswer) {
     EXPECT_EQ(Send({2, 99}), Bytes());
 }
 
-TEST_F(BoardTest, FaultsHitTheReplyTheyName) {
+TEST_F(BoardTest, FaultsHitTheReplyThatTheyCount) {
     board.faults.dropAcknowledge = 2;
     EXPECT_EQ(Send({10, 2, 12, 0, 4, 0}), (Bytes{'*', '*'}));
     board.faults.wrongAcknowledge = 1;
@@ -114,7 +114,7 @@ TEST(Traffic, SameSeedGivesTheSameSamples) {
     }
 }
 
-TEST(Traffic, PciParityCoversTheClockBefore) {
+TEST(Traffic, PciParityCoversThePreviousClock) {
     const auto records = MakeRecords(Family::Pci32, 3, 3000);
     for (std::size_t i = 1; i < records.size(); ++i) {
         const auto covered = std::popcount(GetField(records[i - 1], 0, 32)) +
@@ -123,7 +123,7 @@ TEST(Traffic, PciParityCoversTheClockBefore) {
     }
 }
 
-TEST(Traffic, PciDataFollowAnAddressAndHaveAllTheirSignals) {
+TEST(Traffic, PciDataFollowAnAddressWithAllTheirSignals) {
     const auto records = MakeRecords(Family::Pci32, 3, 5000);
     bool addressed = false;
     std::set<std::uint64_t> commands;
@@ -165,7 +165,7 @@ TEST(Traffic, VmeAcknowledgesOnlyStrobedData) {
     }
 }
 
-TEST(Zoom, HasItsSamplesAroundTheTrigger) {
+TEST(Zoom, HasSamplesAroundTheTrigger) {
     const auto records = MakeRecords(Family::Pci32, 1, 200);
     const auto zoom = MakeZoom(records, 100);
     ASSERT_EQ(zoom.size(), 511U);

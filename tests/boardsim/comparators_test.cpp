@@ -42,7 +42,7 @@ TEST_F(ComparatorsTest, ComparesBitByBit) {
     EXPECT_TRUE(MatchesBus(0x10));
     EXPECT_TRUE(MatchesBus(0xF7));
     EXPECT_FALSE(MatchesBus(0x18));
-    EXPECT_EQ(comparators.Matches(Record{}), 0xFEU) << "seven events that compare nothing";
+    EXPECT_EQ(comparators.Matches(Record{}), 0xFEU) << "seven events without compare bits";
 }
 
 TEST_F(ComparatorsTest, ComparesAFieldAsANumber) {
@@ -63,7 +63,7 @@ TEST_F(ComparatorsTest, ComparesAFieldAsANumber) {
     }
 }
 
-TEST_F(ComparatorsTest, ComparesOnlyTheBitsThatAreCompared) {
+TEST_F(ComparatorsTest, ARangeUsesOnlyTheComparedBits) {
     Use(Family::Pci64);
     Compare(8, 56, 0x1); // 01xx
     Compare(range, 2, above);
@@ -72,7 +72,7 @@ TEST_F(ComparatorsTest, ComparesOnlyTheBitsThatAreCompared) {
     EXPECT_TRUE(MatchesBus(0x200));
 }
 
-TEST_F(ComparatorsTest, TheBitsOfTheOrderAreNotThoseOfTheTime) {
+TEST_F(ComparatorsTest, TheRangeBitsAreNotComparedWithTheTime) {
     Use(Family::Pci32);
     Compare(range, 2, 0);
     Load();
@@ -89,7 +89,7 @@ TEST_F(ComparatorsTest, ABusOf32BitsHasNoUpperHalf) {
     EXPECT_FALSE(MatchesBus(0x101));
 }
 
-TEST_F(ComparatorsTest, VmeHasAnOrderForTheAddressAndOneForTheData) {
+TEST_F(ComparatorsTest, VmeHasARangeForTheAddressAndOneForTheData) {
     Use(Family::Vme);
     Compare(0, 32, 0x100);
     Compare(32, 32, 0x20);
@@ -111,7 +111,7 @@ Record Clock(std::uint64_t command, bool address, bool busy = true) {
     return record;
 }
 
-TEST_F(ComparatorsTest, DataHaveTheCommandOfTheirTransfer) {
+TEST_F(ComparatorsTest, DataAreComparedWithTheCommandOfTheirTransfer) {
     Use(Family::Pci32);
     Compare(64, 4, 7);
     Compare(95, 1, 0);
@@ -128,7 +128,7 @@ TEST_F(ComparatorsTest, DataHaveTheCommandOfTheirTransfer) {
     EXPECT_FALSE(Matches(Clock(0, false)));
 }
 
-TEST_F(ComparatorsTest, AnAddressHasItsOwnCommand) {
+TEST_F(ComparatorsTest, AnAddressIsComparedWithItsOwnCommand) {
     Use(Family::Pci32);
     Compare(64, 4, 7);
     Compare(95, 1, 1);
@@ -137,7 +137,7 @@ TEST_F(ComparatorsTest, AnAddressHasItsOwnCommand) {
     EXPECT_FALSE(Matches(Clock(0, false)));
 }
 
-TEST_F(ComparatorsTest, ByteEnablesAreSeenWhereThePhaseIsNotAskedFor) {
+TEST_F(ComparatorsTest, ByteEnablesAreComparedWhereThePhaseIsNot) {
     Use(Family::Pci32);
     Compare(64, 4, 3);
     Load();

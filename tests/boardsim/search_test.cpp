@@ -5,7 +5,7 @@
 namespace boardsim {
 namespace {
 
-/// A board whose samples tell their distance from the trigger: 10 lie before it, 20 behind it.
+/// A board whose samples hold their position: 10 lie before the trigger, 20 after it.
 class BoardSearch : public testing::Test {
 protected:
     static std::vector<Record> Samples() {
@@ -36,7 +36,7 @@ protected:
         Frame(opFunction, fnReadMemory);
         return {reply.begin() + 1, reply.end() - 1};
     }
-    /// The state after a search for a first byte from a distance on.
+    /// The state after a search for a first byte, starting at a distance.
     std::vector<std::uint8_t> Search(int first, int distance, bool forward) {
         const bool after = distance >= 0;
         Write(regSearch, {static_cast<std::uint8_t>(after ? 2 : 0),
@@ -62,13 +62,13 @@ TEST_F(BoardSearch, FindsOnBothSidesOfTheTrigger) {
     EXPECT_EQ(Search(0, 3, false), (State4{1, 10, 0, 0})) << "the first sample";
 }
 
-TEST_F(BoardSearch, SaysWhenNothingFits) {
+TEST_F(BoardSearch, ReportsThatNothingMatches) {
     EXPECT_EQ(Search(25, 16, true)[0], 0);
     EXPECT_EQ(Search(25, 14, false)[0], 0);
-    EXPECT_EQ(Search(0, 21, true)[0], 0) << "from behind the last sample";
+    EXPECT_EQ(Search(0, 21, true)[0], 0) << "from after the last sample";
 }
 
-TEST_F(BoardSearch, CanBeLookedAtWhileItGoesOn) {
+TEST_F(BoardSearch, CanBePolledWhileItRuns) {
     board.faults.searchBusy = 2;
     EXPECT_EQ(Search(25, 0, true)[0], 0x80);
     EXPECT_EQ(State()[0], 0x80);

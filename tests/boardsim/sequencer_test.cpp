@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::uint8_t allSamples = 0xFF;
 
-/// A program written out in the bytes of its registers. Event n looks for bit n - 1 of a sample,
-/// so a sample's first byte says which events it matches.
+/// A program written out as the bytes of its registers. Event n looks for bit n - 1 of a sample, so
+/// the first byte of a sample determines which events it matches.
 class SequencerTest : public testing::Test {
 protected:
     struct Row {
@@ -91,7 +91,7 @@ protected:
     Sequencer sequencer{{}, 0, {}};
 };
 
-TEST_F(SequencerTest, TheMemoryThatItIsGivenIsReadByDistance) {
+TEST_F(SequencerTest, AGivenMemoryIsReadByDistance) {
     Record old{}, trigger{};
     old[0] = 1;
     trigger[0] = 2;
@@ -100,14 +100,14 @@ TEST_F(SequencerTest, TheMemoryThatItIsGivenIsReadByDistance) {
     EXPECT_EQ(At(0), 2);
     EXPECT_EQ(At(1), 0) << "nothing is held there";
     EXPECT_EQ(At(-2), 0);
-    EXPECT_EQ(Before(), 0) << "no run has counted them";
+    EXPECT_EQ(Before(), 0) << "no run has counted samples";
 }
 
 TEST_F(SequencerTest, TriggersAtAnEventAndFillsTheMemory) {
     SetLevel(0, {.condition = {1}, .onSuccess = 8});
     Start(8); // half before the trigger
     Feed({2, 4, 6, 8, 10, 12});
-    EXPECT_EQ(Before(), 4) << "the oldest are given up";
+    EXPECT_EQ(Before(), 4) << "the oldest are dropped";
     EXPECT_EQ(Status(), 0x80);
     Feed({1, 20});
     EXPECT_EQ(Status(), 0xA0);
@@ -140,7 +140,7 @@ TEST_F(SequencerTest, ThePositionDividesTheMemory) {
     }
 }
 
-TEST_F(SequencerTest, StoresWhatTheLevelAsksForAndTheTriggerInAnyCase) {
+TEST_F(SequencerTest, StoresTheSamplesOfTheLevelAndAlwaysTheTrigger) {
     SetLevel(0, {.condition = {1}, .onSuccess = 8, .store = {2}});
     Start(16);
     Feed({2, 4, 2, 8, 1, 4, 2});
@@ -158,7 +158,7 @@ TEST_F(SequencerTest, CountsOccurrencesAndGoesOn) {
     Start(64);
     Feed({1, 4, 1});
     EXPECT_EQ(Status(), 0x80);
-    EXPECT_EQ(Occurrences(), 2) << "a sample between them takes nothing away";
+    EXPECT_EQ(Occurrences(), 2) << "a sample between them does not reset the count";
     Feed({1});
     EXPECT_EQ(Status(), 0x81) << "in the second level";
     EXPECT_EQ(Occurrences(), 0);
@@ -169,7 +169,7 @@ TEST_F(SequencerTest, CountsOccurrencesAndGoesOn) {
     EXPECT_EQ(Before(), 6);
 }
 
-TEST_F(SequencerTest, ElseLeadsElsewhereAndForgetsTheCount) {
+TEST_F(SequencerTest, ElseGoesToItsLevelAndResetsTheCount) {
     SetLevel(0, {.condition = {1}, .occurs = 2, .onSuccess = 8, .onFailure = 2});
     SetLevel(2, {.condition = {2}, .onSuccess = 0, .onFailure = 8 | 2});
     Start(64);
@@ -192,7 +192,7 @@ TEST_F(SequencerTest, TriggersOnce) {
     EXPECT_EQ(At(0), 1);
 }
 
-TEST_F(SequencerTest, NoneNeverHolds) {
+TEST_F(SequencerTest, AnExpressionOfNoneNeverHolds) {
     SetLevel(0, {.condition = {}, .onSuccess = 8, .store = {}});
     Start(16);
     Feed({1, 255});
@@ -200,7 +200,7 @@ TEST_F(SequencerTest, NoneNeverHolds) {
     EXPECT_EQ(Before(), 0);
 }
 
-TEST_F(SequencerTest, OperatorsBindAsTheyShould) {
+TEST_F(SequencerTest, OperatorsHaveTheirPrecedence) {
     constexpr std::uint8_t And = 9, Or = 10, Not = 11, Xor = 12, open = 13, close = 14;
     EXPECT_TRUE(Holds({1, Or, 2, And, 3}, 0b001));
     EXPECT_FALSE(Holds({open, 1, Or, 2, close, And, 3}, 0b001));
@@ -215,7 +215,7 @@ TEST_F(SequencerTest, OperatorsBindAsTheyShould) {
     EXPECT_TRUE(Holds({Not, Not, 8}, 0x80));
 }
 
-TEST_F(SequencerTest, TokensThatMakeNoExpressionNeverHold) {
+TEST_F(SequencerTest, InvalidTokenSequencesNeverHold) {
     constexpr std::uint8_t And = 9, open = 13, close = 14;
     EXPECT_FALSE(Holds({1, And}, 0xFF));
     EXPECT_FALSE(Holds({open, 1}, 0xFF));
@@ -223,7 +223,7 @@ TEST_F(SequencerTest, TokensThatMakeNoExpressionNeverHold) {
     EXPECT_FALSE(Holds({1, 2}, 0xFF));
 }
 
-TEST_F(SequencerTest, AnEventComparesOnlyTheBitsThatItNames) {
+TEST_F(SequencerTest, AnEventComparesOnlyItsCompareBits) {
     events.fill(0);
     events[2 * 14] = 0x80; // bit 119
     events[2 * 14 + 1] = 0x80;
@@ -238,11 +238,11 @@ TEST_F(SequencerTest, AnEventComparesOnlyTheBitsThatItNames) {
     EXPECT_EQ(Status(), 0xA0);
 }
 
-TEST_F(SequencerTest, ZoomLooksAtTheBusAroundTheTrigger) {
+TEST_F(SequencerTest, ZoomHoldsTheBusAroundTheTrigger) {
     SetLevel(0, {.condition = {1}, .onSuccess = 8, .store = {}});
     Start(16, 0, true);
     Feed({2, 4, 1, 8, 16});
-    EXPECT_EQ(sequencer.ZoomAt(0)[0], 0) << "there is none before the end of the run";
+    EXPECT_EQ(sequencer.ZoomAt(0)[0], 0) << "the zoom memory is empty until the run ends";
     sequencer.Stop();
     EXPECT_EQ(sequencer.ZoomAt(0)[0], 1);
     EXPECT_EQ(sequencer.ZoomAt(7)[0], 1) << "30 ns are 8 steps of 3.75 ns";
@@ -252,7 +252,7 @@ TEST_F(SequencerTest, ZoomLooksAtTheBusAroundTheTrigger) {
     EXPECT_EQ(sequencer.ZoomAt(256)[0], 0);
 }
 
-TEST_F(SequencerTest, ARunThatIsStoppedKeepsWhatItHas) {
+TEST_F(SequencerTest, AStoppedRunKeepsItsSamples) {
     SetLevel(0, {.condition = {1}, .onSuccess = 8});
     Start(16);
     Feed({2, 4});
@@ -262,7 +262,7 @@ TEST_F(SequencerTest, ARunThatIsStoppedKeepsWhatItHas) {
     EXPECT_EQ(Before(), 2);
     EXPECT_EQ(After(), 0);
     EXPECT_EQ(At(-1), 4);
-    EXPECT_EQ(At(0), 0) << "no trigger has come";
+    EXPECT_EQ(At(0), 0) << "there was no trigger";
 }
 
 } // namespace

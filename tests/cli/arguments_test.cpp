@@ -19,7 +19,7 @@ struct WrongUse {
 
 class UsedWrongly : public testing::TestWithParam<WrongUse> {};
 
-TEST_P(UsedWrongly, EndsWithTwoAndOneLineThatSaysWhatWouldBeRight) {
+TEST_P(UsedWrongly, ExitsWithTwoAndOneLineThatSaysWhatIsValid) {
     const ProgramRun run = RunTrace(GetParam().arguments);
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& use) { return use.param.name; });
 // clang-format on
 
-TEST(CommandLine, HelpListsTheCommandsAndThoseOfOneItsOptions) {
+TEST(CommandLine, HelpListsCommandsAndTheOptionsOfACommand) {
     const ProgramRun all = RunTrace({"-h"});
     EXPECT_EQ(all.status, 0);
     EXPECT_EQ(all.err, "");
@@ -95,7 +95,7 @@ TEST(CommandLine, HelpListsTheCommandsAndThoseOfOneItsOptions) {
     }
 }
 
-TEST(CommandLine, UsageNamesWhatACommandCannotDoWithout) {
+TEST(CommandLine, UsageNamesTheRequiredArguments) {
     const auto usage = [](const char* command) {
         const std::string help = RunTrace({command, "-h"}).out;
         return help.substr(0, help.find('\n'));
@@ -112,7 +112,7 @@ TEST(CommandLine, UsageNamesWhatACommandCannotDoWithout) {
     EXPECT_EQ(usage("names"), "Usage: busquill-trace names [OPTION...] [FILE]");
 }
 
-TEST(CommandLine, ListsOfNamesBeginWithTheNearest) {
+TEST(CommandLine, ListsOfNamesBeginWithTheClosest) {
     const auto says = [](const std::vector<std::string>& arguments) {
         return RunTrace(arguments).err;
     };
@@ -130,7 +130,7 @@ TEST(CommandLine, ListsOfNamesBeginWithTheNearest) {
                 HasSubstr("or a label: Target Retry, "));
 }
 
-TEST(CommandLine, ListsOfNamesAreWholeOrSayThatTheyAreNot) {
+TEST(CommandLine, ListsOfNamesAreCompleteOrMarkedAsCut) {
     const std::string names = RunTrace({"names"}).out + "ACCUM\nDELTA\nSAMPLE\n=<>\n";
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"search", demo, "-p", "NOPE=1"},
@@ -163,13 +163,13 @@ TEST(CommandLine, VersionIsOneLine) {
     EXPECT_THAT(run.out, testing::MatchesRegex("busquill-trace [0-9.]+\n"));
 }
 
-TEST(CommandLine, OptionsMayStandAnywhereAndJoinTheirValues) {
+TEST(CommandLine, OptionsMayBeAnywhereAndJoinedToTheirValues) {
     const ProgramRun apart = RunTrace({"list", "--from", "0", "--to", "2", demo});
     EXPECT_EQ(apart.status, 0);
     EXPECT_EQ(RunTrace({"--from=0", "list", demo, "--to=2"}).out, apart.out);
     EXPECT_EQ(RunTrace({"search", "-pCOMMAND=Mem Wr", demo}).out,
               RunTrace({"search", demo, "--pattern", "COMMAND=Mem Wr"}).out);
-    // Behind "--" there are only files.
+    // After "--" there are only files.
     EXPECT_THAT(RunTrace({"info", "--", "-V"}).err, HasSubstr("Error opening file -V."));
 }
 

@@ -15,7 +15,7 @@ using testing::StartsWith;
 const std::string data = SourceFile("data/");
 const std::string header = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n";
 
-/// A row of a PCI sample: address lines, C/BE, FRAME and phase; all else as on a quiet bus.
+/// A row of a PCI sample: address lines, C/BE, FRAME and phase; everything else is idle.
 std::string Row(int number, int address, int enables, bool isAddress) {
     return std::to_string(number) + "," + std::to_string(address & 255) + "," +
            std::to_string(address >> 8 & 255) + ",0,0,0,0,0,0," + std::to_string(enables) + "," +
@@ -25,7 +25,8 @@ std::string Row(int number, int address, int enables, bool isAddress) {
 
 class TraceCommands : public testing::Test {
 protected:
-    /// Write to 0x10 at the trigger, a read from 0x20, idle clocks around and between them.
+    /// A write to 0x10 at the trigger and a read from 0x20, with idle clocks around and between
+    /// them.
     std::string SmallCapture(const std::string& lists = "") {
         std::string rows;
         for (int i = -3; i <= 4; ++i) {
@@ -44,7 +45,7 @@ protected:
     const TempDir dir;
 };
 
-TEST_F(TraceCommands, InfoTellsWhatIsInAFile) {
+TEST_F(TraceCommands, InfoDescribesAFile) {
     const ProgramRun run = Run({"info", data + "Trigger1.tra"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "");
@@ -79,11 +80,11 @@ TEST_F(TraceCommands, InfoOfAFileWithoutSamples) {
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.out, HasSubstr("Samples:           0\n"));
     EXPECT_THAT(run.out, Not(HasSubstr("Trigger:")));
-    dir.Write("behind.tra", header + "\"Trace Data\",5,6\n" + Row(5, 0, 255, false));
-    const ProgramRun behind = Run({"info", "behind.tra"});
-    EXPECT_THAT(behind.out,
+    dir.Write("past.tra", header + "\"Trace Data\",5,6\n" + Row(5, 0, 255, false));
+    const ProgramRun past = Run({"info", "past.tra"});
+    EXPECT_THAT(past.out,
                 HasSubstr("Trigger:           not among the samples; marked at sample 5\n"));
-    EXPECT_THAT(behind.out, HasSubstr("Left out:          1\n"));
+    EXPECT_THAT(past.out, HasSubstr("Left out:          1\n"));
 }
 
 TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
@@ -95,7 +96,7 @@ TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
         dir.Write("a.tra", header + "\"Trace Data\"," + std::to_string(first) + "," +
                                std::to_string(last) + "\n" + rows);
     };
-    const auto told = [this] {
+    const auto reported = [this] {
         const std::string out = Run({"info", "a.tra"}).out;
         const auto at = out.find("Trigger:") + 19;
         return out.substr(at, out.find('\n', at) - at);
@@ -109,22 +110,22 @@ TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
     };
     capture(-3, 2);
     EXPECT_EQ(listed(), "0");
-    EXPECT_EQ(told(), "sample 0, 3 samples before it");
-    capture(-3, 0); // nothing after it: the window marks the one before
+    EXPECT_EQ(reported(), "sample 0, 3 samples before it");
+    capture(-3, 0); // no sample after it: like the window, the trigger marker is one before
     EXPECT_EQ(listed(), "-1");
-    EXPECT_EQ(told(), "marked at sample -1, 2 samples before it");
+    EXPECT_EQ(reported(), "marked at sample -1, 2 samples before it");
     capture(0, 0);
     EXPECT_EQ(listed(), "0");
-    EXPECT_EQ(told(), "sample 0, 0 samples before it");
+    EXPECT_EQ(reported(), "sample 0, 0 samples before it");
     capture(5, 9);
     EXPECT_EQ(listed(), "5");
-    EXPECT_EQ(told(), "not among the samples; marked at sample 5");
+    EXPECT_EQ(reported(), "not among the samples; marked at sample 5");
     capture(-9, -5);
     EXPECT_EQ(listed(), "-5");
-    EXPECT_EQ(told(), "not among the samples; marked at sample -5");
+    EXPECT_EQ(reported(), "not among the samples; marked at sample -5");
 }
 
-TEST_F(TraceCommands, TimesOfAFilteredCaptureAreSaidToBeShort) {
+TEST_F(TraceCommands, TimesOfAFilteredCaptureAreReportedAsShort) {
     dir.Write("gaps.tra", header + "\"Trace Data\",0,5\n" + Row(0, 0, 0xFF, false) +
                               Row(1, 0, 0xFF, false) + Row(4, 0, 0xFF, false) +
                               Row(5, 0, 0xFF, false) + "\"End of Trace Data\"\n");
@@ -141,14 +142,14 @@ TEST_F(TraceCommands, TimesOfAFilteredCaptureAreSaidToBeShort) {
     EXPECT_EQ(Run({"stats", "gaps.tra"}).err,
               "busquill-trace: gaps.tra: samples of the capture are missing; what went on in them "
               "is not counted, nor is their time\n");
-    // Where no time is wrong there is nothing to say.
+    // No report where no time is wrong.
     EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "FRAME"}).err, "");
     EXPECT_EQ(Run({"list", "small.tra", "--columns", "TIME,ACCUM"}).err, "");
     EXPECT_EQ(Run({"convert", "gaps.tra", "-o", "a.csv", "--from", "4"}).err, "");
     EXPECT_EQ(Run({"convert", "small.tra", "-o", "a.csv"}).err, "");
 }
 
-TEST_F(TraceCommands, NamesAreThoseThatPatternsTake) {
+TEST_F(TraceCommands, NamesAreValidInPatterns) {
     const ProgramRun pci = Run({"names"});
     EXPECT_EQ(pci.status, 0);
     EXPECT_EQ(pci.err, "");
@@ -175,7 +176,7 @@ TEST_F(TraceCommands, NamesAreThoseThatPatternsTake) {
                 HasSubstr("{\"name\": \"AD[63:0]\", \"bits\": 64, \"labels\": []}"));
 }
 
-TEST_F(TraceCommands, NamesOfACaptureAreThoseOfItsRowsToo) {
+TEST_F(TraceCommands, NamesOfACaptureIncludeItsRows) {
     SmallCapture("\"State Signals\"\n"
                  "\"Signal\",\"MINE\",\"FRAME\",\"\",\"\",\"\",-1,72,0,20,30,0,\"Show\","
                  "\"Hex\"\n\"End of State Signals\"\n");
@@ -198,8 +199,8 @@ TEST_F(TraceCommands, LinesThatTheBusDoesNotHaveAreNotCompared) {
     };
     EXPECT_EQ(found({"-p", "AD=FEBF0380"}), "0\n1\n");
     EXPECT_EQ(found({"-p", "AD[63:0]=FEBF0380"}), "0\n1\n");
-    EXPECT_EQ(found({"-p", "AD=BF0380"}), "");              // digits of the bus itself are padded
-    EXPECT_EQ(found({"-p", "AD=00000000FEBF0380"}), "1\n"); // all that is given is compared
+    EXPECT_EQ(found({"-p", "AD=BF0380"}), ""); // digits are padded up to the width of the bus
+    EXPECT_EQ(found({"-p", "AD=00000000FEBF0380"}), "1\n"); // all given digits are compared
     EXPECT_EQ(found({"-p", "C/BE=7"}), "0\n1\n");
     EXPECT_EQ(found({"-p", "C/BE=F7"}), "0\n");
     EXPECT_EQ(found({"-p", "AD[63:32]=0"}), "1\n");
@@ -230,8 +231,8 @@ TEST_F(TraceCommands, ListAsTableForPrograms) {
                         "[1, \"\"]\n]}\n");
 }
 
-TEST_F(TraceCommands, ACellThatShowsBlanksIsEmpty) {
-    // Idle clocks have all byte lanes off; the second sample has one of them on.
+TEST_F(TraceCommands, ACellOfBlanksIsEmpty) {
+    // Idle clocks have all byte lanes disabled; the second sample has one of them enabled.
     dir.Write("a.tra", header + "\"Trace Data\",0,1\n" + Row(0, 0x1234, 0xFF, false) +
                            Row(1, 0x1234, 0xFE, false));
     EXPECT_EQ(Run({"list", "a.tra", "--columns", "DATA32", "--format", "csv"}).out,
@@ -243,7 +244,7 @@ TEST_F(TraceCommands, ACellThatShowsBlanksIsEmpty) {
               "SAMPLE  DATA32    FRAME\n     0            1\n     1        34  1\n");
 }
 
-TEST_F(TraceCommands, ListShowsLinesOfABusAndSignalsThatNoListHas) {
+TEST_F(TraceCommands, ListShowsSingleLinesAndSignalsThatAreInNoList) {
     SmallCapture();
     const ProgramRun run = Run({"list", "small.tra", "--columns", "AD[5],AD[7:4],RULE CHECK,SBO",
                                 "--from", "2", "--to", "2", "--format", "csv"});
@@ -263,11 +264,11 @@ TEST_F(TraceCommands, ListUsesTheListOfTheFile) {
         StartsWith("SAMPLE,\"MINE, OWN\",GONE\n-3,1,1\n"));
 }
 
-TEST_F(TraceCommands, ListOfNothing) {
+TEST_F(TraceCommands, ListOfAnEmptyCapture) {
     SmallCapture();
-    const ProgramRun behind = Run({"list", "small.tra", "--from", "5", "-o", "out"});
-    EXPECT_EQ(behind.status, 1);
-    EXPECT_EQ(behind.err, "busquill-trace: there are no such samples\n");
+    const ProgramRun past = Run({"list", "small.tra", "--from", "5", "-o", "out"});
+    EXPECT_EQ(past.status, 1);
+    EXPECT_EQ(past.err, "busquill-trace: there are no such samples\n");
     EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
     const ProgramRun zoom = Run({"list", "small.tra", "--zoom"});
     EXPECT_EQ(zoom.status, 1);
@@ -292,7 +293,7 @@ TEST_F(TraceCommands, SearchBackward) {
     EXPECT_EQ(Run({"search", "small.tra", "-p", "FRAME=0", "--backward", "--from", "1"}).out,
               "0\n");
     EXPECT_EQ(Run({"search", "small.tra", "-p", "FRAME=0", "--backward", "--all"}).out, "2\n0\n");
-    // The first sample is a sample too.
+    // A backward search reaches the first sample too.
     EXPECT_EQ(Run({"search", "small.tra", "-p", "FRAME=1", "--backward", "--from", "-3"}).out,
               "-3\n");
 }
@@ -308,7 +309,7 @@ TEST_F(TraceCommands, SearchWithoutAMatch) {
     EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
 }
 
-TEST_F(TraceCommands, SearchAndFilterTakeZerosForAValue) {
+TEST_F(TraceCommands, SearchAndFilterTreatZerosAsAValue) {
     // A few of the thousands of samples outside address phases have zeros on the lower lines.
     const std::string all =
         Run({"search", data + "Trigger2.tra", "-p", "DATA32=00000000", "--all"}).out;
@@ -332,7 +333,7 @@ TEST_F(TraceCommands, SearchDoesNotFindSamplesThatTheFileLacks) {
     EXPECT_EQ(Run({"search", "gaps.tra", "-p", "AD=xxxxxxxxxxxxxxx0", "--all"}).out, "7\n");
 }
 
-TEST_F(TraceCommands, FilterKeepsWhatStandsAroundTheSamples) {
+TEST_F(TraceCommands, FilterKeepsTheContextOfTheSamples) {
     const std::string odd = "\"Unknown Key\",\"of a later version\"\r\n"
                             "\"Description\",\"two\r\nlines\"\n";
     const std::string zoom = "\n\"Power Zoom Data\",255,256\n0,1,2,3\n\"End of Power Zoom Data\"\n";
@@ -347,13 +348,13 @@ TEST_F(TraceCommands, FilterKeepsWhatStandsAroundTheSamples) {
               ReadWholeFile(dir.File("out.tra")));
 }
 
-TEST_F(TraceCommands, FilterOfAFileThatIsCutOffEndsItsBlock) {
+TEST_F(TraceCommands, FilterOfATruncatedFileEndsItsBlock) {
     dir.Write("cut.tra", header + "\"Trace Data\",0,9\n" + Row(0, 5, 0xFF, false) + "1,2");
     EXPECT_EQ(Run({"filter", "cut.tra", "-p", "FRAME=1", "-o", "-"}).out,
               header + "\"Trace Data\",0,9\n" + Row(0, 5, 0xFF, false) + "\"End of Trace Data\"\n");
 }
 
-TEST_F(TraceCommands, FilterThatFindsNothingWritesNothing) {
+TEST_F(TraceCommands, FilterWithoutAMatchWritesNothing) {
     SmallCapture();
     const ProgramRun run = Run({"filter", "small.tra", "-p", "AD=999", "-o", "out.tra"});
     EXPECT_EQ(run.status, 1);
@@ -370,7 +371,7 @@ TEST_F(TraceCommands, CompareOfEqualCaptures) {
                 StartsWith("{\"same\": true, \"first\": null, \"samples\": 8, \"differing\": 0"));
 }
 
-TEST_F(TraceCommands, CompareTellsWhatDiffersWhereAndHowOften) {
+TEST_F(TraceCommands, CompareReportsWhatDiffersWhereAndHowOften) {
     SmallCapture();
     dir.Write("other.tra", header + "\"Trace Data\",-3,4\n" + Row(-3, 0, 0xFF, false) +
                                Row(-1, 0, 0xFF, false) + Row(0, 0x11, 0xF6, true) +
@@ -392,7 +393,7 @@ TEST_F(TraceCommands, CompareTellsWhatDiffersWhereAndHowOften) {
                                     "\"b\": \"F7\"}"));
 }
 
-TEST_F(TraceCommands, CompareWithoutSomeSignals) {
+TEST_F(TraceCommands, CompareIgnoresSomeSignals) {
     SmallCapture();
     std::string rows;
     for (int i = -3; i <= 4; ++i) {
@@ -407,7 +408,7 @@ TEST_F(TraceCommands, CompareWithoutSomeSignals) {
     EXPECT_EQ(Run({"compare", "small.tra", "other.tra", "--ignore", "AD[2:0]"}).status, 1);
 }
 
-TEST_F(TraceCommands, CompareByNumberOrByPlace) {
+TEST_F(TraceCommands, CompareByNumberOrByPosition) {
     dir.Write("a.tra", header + "\"Trace Data\",-1,1\n" + Row(-1, 1, 0xFF, false) +
                            Row(0, 2, 0xFF, false) + Row(1, 3, 0xFF, false));
     dir.Write("b.tra", header + "\"Trace Data\",0,2\n" + Row(0, 1, 0xFF, false) +
@@ -434,7 +435,7 @@ TEST_F(TraceCommands, StatsAddUpTheTraffic) {
                 HasSubstr("\"commands\": [{\"command\": \"Int Ack\", \"transactions\": "));
 }
 
-TEST_F(TraceCommands, StatsTellTheNumberOfTheFirstSampleOfAFinding) {
+TEST_F(TraceCommands, StatsReportTheFirstSampleOfAFinding) {
     const auto finding = [](int number, int code) {
         return std::to_string(number) + ",0,0,0,0,0,0,0,0,255,223,63,15,0,0,30,0," +
                std::to_string(code) + ",0\n";
@@ -447,7 +448,7 @@ TEST_F(TraceCommands, StatsTellTheNumberOfTheFirstSampleOfAFinding) {
     EXPECT_THAT(run.err, HasSubstr("samples of the capture are missing"));
 }
 
-TEST_F(TraceCommands, SetupInWordsAndBytes) {
+TEST_F(TraceCommands, SetupAsTextAndBytes) {
     const ProgramRun words = Run({"setup", data + "ReadAfterWrites.tsp"});
     EXPECT_EQ(words.status, 0);
     EXPECT_THAT(words.out, StartsWith("Name:              Read after 100 writes\n"));
@@ -476,7 +477,7 @@ TEST_F(TraceCommands, SetupInWordsAndBytes) {
         Run({"setup", data + "ReadAfterWrites.tsp", "--payload", "--model", "VMELark", "--json"});
     EXPECT_THAT(lark.out, HasSubstr("{\"command\": \"CmdTraceParams\", \"register\": 420, "
                                     "\"bytes\": \"00 01 01\"}"));
-    // Four events of 30 bytes, and the zeros that go out with them.
+    // Four events of 30 bytes, padded with zeros.
     std::string zeros;
     for (int i = 0; i < 120; ++i) {
         zeros += " 00";
@@ -487,7 +488,7 @@ TEST_F(TraceCommands, SetupInWordsAndBytes) {
     EXPECT_EQ(Run({"setup", "-"}, ReadWholeFile(data + "ReadAfterWrites.tsp")).out, words.out);
 }
 
-TEST_F(TraceCommands, SetupCountsInOrdinals) {
+TEST_F(TraceCommands, SetupPrintsOrdinals) {
     const std::string setup = ReadWholeFile(data + "ReadAfterWrites.tsp");
     const std::string hundred = "\"E1\",100,";
     const auto at = setup.find(hundred);
@@ -510,7 +511,7 @@ TEST_F(TraceCommands, SetupCountsInOrdinals) {
     }
 }
 
-TEST_F(TraceCommands, SetupThatIsNone) {
+TEST_F(TraceCommands, SetupThatIsNotASetupFile) {
     const ProgramRun run = Run({"setup", data + "Trigger1.tra"});
     EXPECT_EQ(run.status, 3);
     EXPECT_THAT(run.err, HasSubstr("Error: File type of 'Trace Setup File' not found."));

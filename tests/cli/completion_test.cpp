@@ -16,8 +16,8 @@ using testing::Not;
 
 class BashCompletion : public testing::Test {
 protected:
-    /// What is offered for the last of some words, which stand here as bash takes a line apart: "="
-    /// and ":" are words of their own.
+    /// The completions of the last of some words. The words are split as bash does it: "=" and ":"
+    /// are separate words.
     std::vector<std::string> Offered(const std::vector<std::string>& words) const {
         const std::string program = TraceProgramPath();
         std::string script = "PATH=" + program.substr(0, program.rfind('/')) + ":$PATH\nsource '" +
@@ -59,7 +59,7 @@ TEST_F(BashCompletion, OffersNamesAndLabelsToAPattern) {
     EXPECT_THAT(Offered({"busquill-trace", "search", "-p", "NOPE"}), IsEmpty());
 }
 
-TEST_F(BashCompletion, OffersTheNamesOfTheBusThatTheLineTells) {
+TEST_F(BashCompletion, OffersTheNamesOfTheBusOnTheLine) {
     const auto vme = Offered({"busquill-trace", "search", "--bus", "VME", "-p", ""});
     EXPECT_THAT(vme, Contains("AS="));
     EXPECT_THAT(vme, Not(Contains("FRAME=")));
@@ -68,7 +68,7 @@ TEST_F(BashCompletion, OffersTheNamesOfTheBusThatTheLineTells) {
     EXPECT_THAT(Offered({"busquill-trace", "search", "--bus", "VME", "-p", "FRAM"}), IsEmpty());
 }
 
-TEST_F(BashCompletion, OffersNamesToListsOfThem) {
+TEST_F(BashCompletion, OffersNamesInLists) {
     EXPECT_THAT(Offered({"busquill-trace", "list", "--columns", "COMM"}), ElementsAre("COMMAND"));
     EXPECT_THAT(Offered({"busquill-trace", "list", "--columns", "COMMAND,FRA"}),
                 ElementsAre("COMMAND,FRAME"));

@@ -27,7 +27,7 @@ struct FamilyCase {
     std::vector<std::string> options;
 };
 
-/// Captures that go out, and are read back by the tools that they are for.
+/// Captures that are converted, and read back with the tools that the formats are for.
 class Conversion : public testing::TestWithParam<FamilyCase> {
 protected:
     static constexpr int samples = 700;
@@ -53,14 +53,14 @@ protected:
         EXPECT_EQ(run.status, 0) << run.err;
         said = run.err;
     }
-    /// Runs one of the field's tools in the folder; whether it ended well.
+    /// Runs one of the field's tools in the folder; true if it succeeded.
     bool Tool(const std::string& command) const {
         return std::system(
                    ("cd '" + dir.Path() + "' && " + command + " > tool.out 2> tool.err").c_str()) ==
                0;
     }
-    /// Holds all single bits and buses of a dump, whose names say where they lie, against the
-    /// records.
+    /// Compares all single bits and buses of a dump with the records; their names give their
+    /// position.
     static void ExpectValues(const ParsedDump& dump,
                              const std::vector<boardsim::Record>& captured) {
         std::int64_t time = 0;
@@ -98,7 +98,7 @@ TEST_P(Conversion, ADumpHoldsTheSamplesAtTheirTimes) {
     EXPECT_TRUE(std::filesystem::exists(dir.File("a.gtkw")));
 }
 
-TEST_P(Conversion, ADumpComesBackFromTheViewersOwnFormat) {
+TEST_P(Conversion, ADumpSurvivesTheViewersOwnFormat) {
     Convert({"-o", "a.vcd"});
     ASSERT_TRUE(Tool("vcd2fst a.vcd a.fst && fst2vcd a.fst -o back.vcd"))
         << ReadWholeFile(dir.File("tool.err"));
@@ -152,7 +152,7 @@ TEST_P(Conversion, ATableHasARowForEachSample) {
     EXPECT_THAT(table, HasSubstr("\n-5,0,"));
 }
 
-/// The rows of a table as cells, blanks left out.
+/// The rows of a table as cells, without blanks.
 std::vector<std::vector<std::string>> CellsOf(const std::string& table) {
     std::vector<std::vector<std::string>> rows(1, std::vector<std::string>(1));
     bool quoted = false;
@@ -254,7 +254,7 @@ protected:
     const TempDir dir;
 };
 
-TEST_F(ConvertCommand, ASessionFileOfASampledClockHasItsRate) {
+TEST_F(ConvertCommand, ASessionOfASampledClockHasItsRate) {
     dir.Write("a.tra", Capture("15 ns"));
     const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
     EXPECT_EQ(run.status, 0);
@@ -262,13 +262,13 @@ TEST_F(ConvertCommand, ASessionFileOfASampledClockHasItsRate) {
     EXPECT_THAT(Shown("a.sr"), HasSubstr("Samplerate: 66666667\n"));
 }
 
-TEST_F(ConvertCommand, ASessionOfTheBussClockHasItsRateWhereThatIsSteady) {
+TEST_F(ConvertCommand, ASessionOfTheBusClockHasARateWhereItIsSteady) {
     dir.Write("a.tra", Capture("Sync"));
     const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "");
     EXPECT_THAT(Shown("a.sr"), HasSubstr("Samplerate: 66666667\n"));
-    // One time that differs, and it is no rate; in a part without it, it is one.
+    // One time differs, so there is no rate; a range without that sample has one.
     std::string text = Capture("Sync", 4);
     const auto row = text.find("\n3,") + 1;
     text.replace(text.find(",15,", row), 4, ",30,");
@@ -278,8 +278,8 @@ TEST_F(ConvertCommand, ASessionOfTheBussClockHasItsRateWhereThatIsSteady) {
     EXPECT_EQ(Run({"convert", "b.tra", "-o", "b.sr", "--to", "2"}).err, "");
     EXPECT_THAT(Shown("b.sr"), HasSubstr("Samplerate: 66666667\n"));
     EXPECT_EQ(Run({"convert", "b.tra", "-o", "b.sr", "--from", "3"}).status, 0);
-    EXPECT_THAT(Shown("b.sr"), HasSubstr("Samplerate: 1\n")); // a single sample has none
-    // Nor is it one where samples between are missing.
+    EXPECT_THAT(Shown("b.sr"), HasSubstr("Samplerate: 1\n")); // a single sample has no rate
+    // Nor is there a rate where samples in between are missing.
     dir.Write(
         "c.tra",
         text.erase(row - 1, 0).erase(text.find("\n1,") + 1, text.find("\n2,") - text.find("\n1,")));
@@ -287,14 +287,14 @@ TEST_F(ConvertCommand, ASessionOfTheBussClockHasItsRateWhereThatIsSteady) {
     EXPECT_THAT(Shown("c.sr"), HasSubstr("Samplerate: 1\n"));
 }
 
-TEST_F(ConvertCommand, ASessionSaysWhenItsSamplesAreNotEvenlySpaced) {
-    dir.Write("a.tra", Capture("30 ns")); // whose samples are 15 ns apart
+TEST_F(ConvertCommand, ASessionReportsUnevenSpacing) {
+    dir.Write("a.tra", Capture("30 ns")); // the samples are 15 ns apart
     const ProgramRun run = Run({"convert", "a.tra", "-o", "a.sr"});
     EXPECT_EQ(run.status, 0);
     EXPECT_THAT(run.err, HasSubstr("the samples are not evenly spaced"));
 }
 
-TEST_F(ConvertCommand, TimesDoNotHangOnWhatAListShows) {
+TEST_F(ConvertCommand, TimesDoNotDependOnTheList) {
     std::string text = Capture("Sync");
     text.insert(
         text.find("\"Trace Data\""),
@@ -304,13 +304,13 @@ TEST_F(ConvertCommand, TimesDoNotHangOnWhatAListShows) {
     EXPECT_EQ(Run({"convert", "a.tra", "-o", "-", "--format", "csv"}).out,
               "SAMPLE,Time [ns],A.B\n0,0,0\n1,15,1\n2,30,0\n");
     const std::string dump = Run({"convert", "a.tra", "-o", "-", "--format", "vcd"}).out;
-    EXPECT_THAT(dump, HasSubstr(" A_B $end\n")); // a point would part two scopes
+    EXPECT_THAT(dump, HasSubstr(" A_B $end\n")); // a dot would separate two scopes
     EXPECT_THAT(dump, HasSubstr("\n#30\n"));
     EXPECT_THAT(dump, testing::EndsWith("\n#45\n"));
 }
 
 TEST_F(ConvertCommand, TheViewerFindsTheDumpFromAnywhereAndShowsTheTrigger) {
-    // The viewer itself tells what it shows.
+    // The viewer itself reports what it shows.
     dir.Write("ask.tcl", "puts \"signals [gtkwave::getNumFacs]\"\n"
                          "puts \"marker [gtkwave::getMarker]\"\n"
                          "puts \"from [gtkwave::getWindowStartTime]\"\n"
@@ -319,17 +319,17 @@ TEST_F(ConvertCommand, TheViewerFindsTheDumpFromAnywhereAndShowsTheTrigger) {
     const auto shown = [&](const std::string& folder) {
         const std::string command = "cd / && HOME='" + dir.Path() + "' xvfb-run -a gtkwave '" +
                                     folder + "/a.gtkw' --script '" + dir.File("ask.tcl") + "' > '" +
-                                    dir.File("told") + "' 2>&1";
-        EXPECT_EQ(std::system(command.c_str()), 0) << ReadWholeFile(dir.File("told"));
-        std::map<std::string, std::int64_t> told;
-        std::ifstream lines(dir.File("told"));
+                                    dir.File("output") + "' 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0) << ReadWholeFile(dir.File("output"));
+        std::map<std::string, std::int64_t> viewer;
+        std::ifstream lines(dir.File("output"));
         for (std::string line; std::getline(lines, line);) {
             const auto blank = line.find(' ');
             if (blank != std::string::npos) {
-                told[line.substr(0, blank)] = std::atoll(line.c_str() + blank);
+                viewer[line.substr(0, blank)] = std::atoll(line.c_str() + blank);
             }
         }
-        return told;
+        return viewer;
     };
     for (const bool zoom : {false, true}) {
         const std::string folder = dir.File(zoom ? "zoom" : "whole");
@@ -339,20 +339,20 @@ TEST_F(ConvertCommand, TheViewerFindsTheDumpFromAnywhereAndShowsTheTrigger) {
                                               target};
         arguments.insert(arguments.end(), zoom ? 1 : 0, "--zoom");
         ASSERT_EQ(Run(arguments).status, 0);
-        auto told = shown(folder);
-        EXPECT_GT(told["signals"], 30);
-        EXPECT_GT(told["marker"], 0);
-        EXPECT_GT(told["from"], 0);
-        EXPECT_LT(told["from"], told["marker"]);
-        EXPECT_GT(told["to"], told["marker"]);
-        if (!zoom) { // both files together may go somewhere else
+        auto viewer = shown(folder);
+        EXPECT_GT(viewer["signals"], 30);
+        EXPECT_GT(viewer["marker"], 0);
+        EXPECT_GT(viewer["from"], 0);
+        EXPECT_LT(viewer["from"], viewer["marker"]);
+        EXPECT_GT(viewer["to"], viewer["marker"]);
+        if (!zoom) { // both files may be moved together
             std::filesystem::rename(folder, dir.File("moved"));
-            EXPECT_EQ(shown(dir.File("moved")), told);
+            EXPECT_EQ(shown(dir.File("moved")), viewer);
         }
     }
 }
 
-TEST_F(ConvertCommand, ALongSessionIsInSeveralPieces) {
+TEST_F(ConvertCommand, ALongSessionHasSeveralPieces) {
     constexpr int samples = 300'000;
     dir.Write("a.tra", Capture("Sync", samples));
     ASSERT_EQ(Run({"convert", "a.tra", "-o", "a.sr"}).status, 0);
@@ -367,7 +367,7 @@ TEST_F(ConvertCommand, ALongSessionIsInSeveralPieces) {
     }
 }
 
-TEST_F(ConvertCommand, TheEndingOrAnOptionTellsTheFormat) {
+TEST_F(ConvertCommand, TheExtensionOrAnOptionChoosesTheFormat) {
     dir.Write("a.tra", Capture("Sync"));
     EXPECT_EQ(Run({"convert", "a.tra", "-o", "A.CSV"}).status, 0);
     EXPECT_THAT(ReadWholeFile(dir.File("A.CSV")), testing::StartsWith("SAMPLE,"));
@@ -401,7 +401,7 @@ TEST_F(ConvertCommand, ChangesOnlyAreFewerRows) {
     EXPECT_THAT(changes, HasSubstr("\n2,30,"));
 }
 
-TEST_F(ConvertCommand, NothingToConvertLeavesNothingBehind) {
+TEST_F(ConvertCommand, AnEmptyRangeLeavesNoFile) {
     dir.Write("a.tra", Capture("Sync"));
     for (const char* file : {"a.vcd", "a.csv", "a.sr"}) {
         const ProgramRun run = Run({"convert", "a.tra", "-o", file, "--from", "7"});

@@ -24,7 +24,7 @@ protected:
     ProgramRun Run(const std::vector<std::string>& arguments, const std::string& in = "") {
         return RunTrace(arguments, {.folder = dir.Path(), .standardInput = in});
     }
-    /// What is in the folder, hidden or not.
+    /// The names in the folder, hidden ones included.
     std::set<std::string> Names() const {
         std::set<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(dir.Path())) {
@@ -41,7 +41,7 @@ protected:
     const TempDir dir;
 };
 
-TEST_F(TraceFiles, EveryCommandSaysWhichFileCannotBeRead) {
+TEST_F(TraceFiles, EveryCommandReportsAFileThatCannotBeRead) {
     for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
              {"info", "gone.tra"},
              {"list", "gone.tra"},
@@ -67,7 +67,7 @@ struct BadFile {
 };
 class BadFiles : public TraceFiles, public testing::WithParamInterface<BadFile> {};
 
-TEST_P(BadFiles, GetOneLineAndLeaveNothingBehind) {
+TEST_P(BadFiles, GetOneLineAndLeaveNoFile) {
     dir.Write("bad.tra", GetParam().content);
     for (const std::vector<std::string>& command :
          std::vector<std::vector<std::string>>{{"info", "bad.tra"},
@@ -103,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
                             "no capture has so many samples"}),
     [](const auto& file) { return file.param.name; });
 
-/// Files that hold the same in another order than the program writes it.
+/// Files with the same content in another order than the program writes it.
 struct OddFile {
     const char* name;
     std::string content;
@@ -116,7 +116,7 @@ std::string Sample(int number, int byte) {
 const std::string endOfData = "\"End of Trace Data\"\n";
 const std::string inOrder = "\"Trace Data\",0,9\n" + Sample(1, 7) + Sample(4, 5) + Sample(5, 6);
 
-TEST_P(OddFiles, AreReadAsAWindowDoes) {
+TEST_P(OddFiles, AreReadLikeInAWindow) {
     dir.Write("good.tra", header + inOrder + endOfData);
     dir.Write("odd.tra", GetParam().content);
     for (const std::vector<std::string>& command :
@@ -136,7 +136,7 @@ TEST_P(OddFiles, AreReadAsAWindowDoes) {
     }
     EXPECT_EQ(Run({"compare", "good.tra", "odd.tra"}).status, 0);
     EXPECT_THAT(Run({"info", "odd.tra"}).out, HasSubstr("Samples:           3\n"));
-    // What the filter leaves is such a file too, without a block that does not count.
+    // The filter of such a file works too, and does not copy the block that does not count.
     EXPECT_EQ(Run({"filter", "odd.tra", "-p", "AD[7:0]=05", "-o", "out.tra"}).status, 0);
     EXPECT_EQ(Run({"search", "out.tra", "-p", "AD[7:0]=xx", "--all"}).out, "4\n");
     EXPECT_THAT(ReadWholeFile(dir.File("out.tra")), testing::Not(HasSubstr("\n2,")));
@@ -148,12 +148,12 @@ INSTANTIATE_TEST_SUITE_P(
                                               Sample(4, 5) + Sample(1, 7) + endOfData},
                     OddFile{"Repeated", header + "\"Trace Data\",0,9\n" + Sample(1, 7) +
                                             Sample(4, 5) + Sample(5, 1) + Sample(5, 6) + endOfData},
-                    OddFile{"HeaderBehind", inOrder + endOfData + header},
+                    OddFile{"HeaderAfterTheSamples", inOrder + endOfData + header},
                     OddFile{"TwoBlocks", header + "\"Trace Data\",0,2\n" + Sample(0, 1) +
                                              Sample(2, 5) + endOfData + inOrder + endOfData}),
     [](const auto& file) { return file.param.name; });
 
-TEST_F(TraceFiles, WhatTheMemoryCannotHoldIsSaidWithAWayOut) {
+TEST_F(TraceFiles, ACaptureThatExceedsTheMemoryIsReportedWithAdvice) {
     dir.Write("a.tra", header + "\"Trace Data\",-16000000,16000000\n5" + zeros + "4" + zeros);
     const ProgramRun run =
         RunTrace({"list", "a.tra"}, {.folder = dir.Path(), .memoryBytes = std::size_t{256} << 20});
@@ -206,14 +206,14 @@ TEST_F(TraceFiles, EveryCommandWritesToAFile) {
     }
 }
 
-TEST_F(TraceFiles, TargetsThatCannotBeMade) {
+TEST_F(TraceFiles, TargetsThatCannotBeCreated) {
     ExpectFailure({"list", demo, "-o", "no/such/out"}, "Error creating file no/such/out.");
     ExpectFailure({"convert", demo, "-o", "no/out.sr"}, "Error creating file no/out.sr.");
     std::filesystem::create_directory(dir.File("folder"));
     ExpectFailure({"list", demo, "-o", "folder"}, "Error creating file folder.");
 }
 
-TEST_F(TraceFiles, ADiskThatIsFull) {
+TEST_F(TraceFiles, AFullDiskIsReported) {
     dir.Write("out.csv", "precious");
     for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
              {"list", demo, "-o", "out.csv"},
@@ -228,7 +228,7 @@ TEST_F(TraceFiles, ADiskThatIsFull) {
     EXPECT_THAT(Names(), ElementsAre("out.csv"));
 }
 
-/// A pipe by its name, and who reads it.
+/// A named pipe and its reader.
 class NamedPipe {
 public:
     explicit NamedPipe(const std::string& path) {
@@ -239,7 +239,7 @@ public:
     NamedPipe(const NamedPipe&) = delete;
     NamedPipe& operator=(const NamedPipe&) = delete;
 
-    /// What has come, when its writer is done.
+    /// What has arrived when its writer is done.
     std::string Text() {
         if (reader_.joinable()) {
             reader_.join();
@@ -256,13 +256,13 @@ TEST_F(TraceFiles, APipeIsWrittenAndNotReplaced) {
     NamedPipe pipe(dir.File("pipe"));
     EXPECT_EQ(Run({"convert", demo, "--format", "vcd", "-o", "pipe"}).status, 0);
     EXPECT_TRUE(std::filesystem::is_fifo(dir.File("pipe")));
-    EXPECT_THAT(Names(), ElementsAre("pipe")); // and nothing for the viewer
+    EXPECT_THAT(Names(), ElementsAre("pipe")); // and no file for the viewer
     if (std::filesystem::is_fifo(dir.File("pipe"))) {
         EXPECT_EQ(pipe.Text(), Run({"convert", demo, "--format", "vcd", "-o", "-"}).out);
     }
 }
 
-TEST_F(TraceFiles, AnExistingFileStaysAsItIsWhenTheCommandFails) {
+TEST_F(TraceFiles, AnExistingFileIsUnchangedWhenTheCommandFails) {
     dir.Write("out.csv", "precious");
     dir.Write("a.tra", header + "\"Trace Data\",-2000000000,2000000000\n5" + zeros);
     EXPECT_EQ(Run({"convert", "a.tra", "-o", "out.csv"}).status, 3);
@@ -272,7 +272,7 @@ TEST_F(TraceFiles, AnExistingFileStaysAsItIsWhenTheCommandFails) {
     EXPECT_THAT(ReadWholeFile(dir.File("out.csv")), testing::StartsWith("SAMPLE,"));
 }
 
-TEST_F(TraceFiles, ALinkStaysALink) {
+TEST_F(TraceFiles, ASymbolicLinkRemainsALink) {
     dir.Write("real", "old");
     std::filesystem::create_symlink("real", dir.File("link"));
     EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "link"}).status, 0);
@@ -280,7 +280,7 @@ TEST_F(TraceFiles, ALinkStaysALink) {
     EXPECT_EQ(ReadWholeFile(dir.File("real")), Run({"search", demo, "-p", "FRAME=0"}).out);
 }
 
-TEST_F(TraceFiles, ALinkToNothingMakesWhatItNames) {
+TEST_F(TraceFiles, ADanglingLinkCreatesItsTarget) {
     std::filesystem::create_symlink("real", dir.File("link"));
     EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "link"}).status, 0);
     EXPECT_TRUE(std::filesystem::is_symlink(dir.File("link")));
@@ -289,7 +289,7 @@ TEST_F(TraceFiles, ALinkToNothingMakesWhatItNames) {
     EXPECT_EQ(Run({"search", demo, "-p", "FRAME=0", "-o", "round"}).status, 3);
 }
 
-TEST_F(TraceFiles, AFileKeepsItsRightsAndThoseBesideItAreLeftAlone) {
+TEST_F(TraceFiles, AFileKeepsItsPermissionsAndItsNeighboursAreUntouched) {
     dir.Write("out", "old");
     dir.Write("out.part", "precious");
     std::filesystem::permissions(dir.File("out"), std::filesystem::perms::owner_read |
@@ -307,7 +307,7 @@ TEST_F(TraceFiles, TheViewersFileDoesNotReplaceTheDump) {
     EXPECT_TRUE(Names().empty());
 }
 
-TEST_F(TraceFiles, InfoTellsOfTheOthersWhenOneIsBad) {
+TEST_F(TraceFiles, InfoReportsTheOtherFilesWhenOneIsBad) {
     dir.Write("bad.tra", "");
     const ProgramRun run = Run({"info", "bad.tra", demo, "gone.tra"});
     EXPECT_EQ(run.status, 3);
@@ -317,7 +317,7 @@ TEST_F(TraceFiles, InfoTellsOfTheOthersWhenOneIsBad) {
     EXPECT_EQ(Run({"info", "--json", "bad.tra"}).out, "[]\n");
 }
 
-TEST_F(TraceFiles, AFileThatIsCutOffIsReadAndSaidToBe) {
+TEST_F(TraceFiles, ATruncatedFileIsReadAndReported) {
     dir.Write("cut.tra", header + "\"Trace Data\",0,9\n0" + zeros + "1" + zeros + "2,0,0");
     for (const std::vector<std::string>& command :
          std::vector<std::vector<std::string>>{{"info", "cut.tra"},
@@ -345,7 +345,7 @@ TEST_F(TraceFiles, APipeIsReadLikeStandardInput) {
     EXPECT_EQ(reader.out, Run({"stats", demo}).out);
 }
 
-TEST_F(TraceFiles, WhatIsReadIsNotReplaced) {
+TEST_F(TraceFiles, AnInputFileIsNotOverwritten) {
     const std::string capture = ReadWholeFile(demo);
     const std::string setup = ReadWholeFile(SourceFile("data/MemoryWrite.tsp"));
     dir.Write("a.tra", capture);
@@ -371,7 +371,7 @@ TEST_F(TraceFiles, WhatIsReadIsNotReplaced) {
         EXPECT_EQ(run.err, "busquill-trace: " + command.back() +
                                " is read, and would be replaced; --overwrite allows that\n");
     }
-    // Nor by what goes beside the target.
+    // Nor by the file that is written beside the target.
     EXPECT_EQ(Run({"convert", "dump.gtkw", "-o", "dump.vcd"}).status, 2);
     EXPECT_EQ(ReadWholeFile(dir.File("dump.gtkw")), capture);
     EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), capture);
@@ -379,7 +379,7 @@ TEST_F(TraceFiles, WhatIsReadIsNotReplaced) {
     EXPECT_EQ(Names(), before);
 }
 
-TEST_F(TraceFiles, StandardInputIsNotReplacedEither) {
+TEST_F(TraceFiles, StandardInputIsNotOverwrittenEither) {
     dir.Write("a.tra", ReadWholeFile(demo));
     const std::string command = "cd '" + dir.Path() + "' && '" + TraceProgramPath() +
                                 "' filter - -p FRAME=0 -o a.tra <a.tra 2>said";
@@ -396,7 +396,7 @@ TEST_F(TraceFiles, ACaptureCanBeFilteredInPlace) {
     EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), ReadWholeFile(dir.File("b.tra")));
 }
 
-TEST_F(TraceFiles, APipeThatNobodyReadsEndsQuietly) {
+TEST_F(TraceFiles, AClosedPipeEndsTheCommandQuietly) {
     const ProgramRun run =
         RunTrace({"list", demo, "--format", "csv"}, {.folder = dir.Path(), .readAtMost = 1000});
     EXPECT_EQ(run.err, "");
@@ -408,7 +408,7 @@ TEST_F(TraceFiles, APipeThatNobodyReadsEndsQuietly) {
     EXPECT_EQ(session.status, 0);
 }
 
-TEST_F(TraceFiles, TextsThatAreNoUnicodeComeOutAsUnicodeInJson) {
+TEST_F(TraceFiles, TextsThatAreNotUnicodeBecomeUnicodeInJson) {
     dir.Write("a.tra", header + "\"Description\",\"5 \xB5s \\ \"\n\"Trace Data\",0,0\n0" + zeros);
     EXPECT_THAT(Run({"info", "--json", "a.tra"}).out,
                 HasSubstr("\"description\": \"5 \xC2\xB5s \\\\ \""));

@@ -8,7 +8,7 @@
 using namespace busquill;
 using namespace busquill::test;
 
-/// A capture as a stream: surveyed, listed, and exported with lists as they stand in the file.
+/// A capture as a stream: surveyed, listed, and exported with the lists of the file.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static BoardTables board("PCIKite-1");
     static const TempDir dir;

@@ -9,7 +9,7 @@ using namespace busquill::test;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static BoardTables board("PCIKite-1");
     static const TempDir dir;
-    // A header in front, so that most inputs get beyond it.
+    // A header first, so that most inputs are parsed further.
     const std::string text(reinterpret_cast<const char*>(data), size);
     const std::string path =
         dir.Write("a.tra", "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" + text);

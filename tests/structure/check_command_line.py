@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Holds what is written about busquill-trace against what the program says of itself: the man page,
-the completions of three shells and the chapter of the manual must know every command and option,
-and none that there is not.
+"""Compares the documentation of busquill-trace with the program's own help: the man page, the
+completions of three shells and the chapter of the manual must name every command and option, and no
+others.
 
-    check_command_line.py PROGRAM REPOSITORY    exits 1 and says what is wrong, if anything is
+    check_command_line.py PROGRAM REPOSITORY    exits 1 and prints what is wrong, if anything is
 """
 
 import re
@@ -11,20 +11,20 @@ import subprocess
 import sys
 from pathlib import Path
 
-# On a line with one of these names the manual speaks of that program's options.
+# On a line with one of these names the manual describes options of that program.
 OTHER_PROGRAMS = re.compile(r"\b(boardsim|sigrok-cli|gtkwave|vcd2fst)\b")
 ALWAYS = {"help", "version"}
 OPTION = re.compile(r"(?<![\w-])--([a-z][a-z-]*)")
 
 
 def ask(program, *arguments):
-    """What the program prints, on either output."""
+    """What the program prints to standard output and standard error."""
     run = subprocess.run([program, *arguments], capture_output=True, text=True, timeout=20)
     return run.stdout + run.stderr
 
 
 def commands_of(program):
-    """The options of each command, and the letter of each option that has one."""
+    """The options of each command, and the letters of the options that have one."""
     names = re.findall(r"^  ([a-z]+) ", ask(program, "-h"), re.MULTILINE)
     commands, letters = {}, {}
     for name in names:
@@ -35,7 +35,7 @@ def commands_of(program):
 
 
 def needed_by(program, commands):
-    """The options that each command cannot do without, by its line of usage."""
+    """The required options of each command, from its usage line."""
     needed = {}
     for name in commands:
         said = ask(program, name, "-h")
@@ -47,7 +47,7 @@ def needed_by(program, commands):
 
 
 def values_of(program):
-    """Values by option, of those whose values the program tells when it gets another one."""
+    """Values by option, for options whose values the program lists when it is given an invalid one."""
     values = {}
     for option, command in (("model", "info"), ("bus", "info"), ("width", "info"),
                             ("align", "compare"), ("format", "list"), ("format", "convert")):
@@ -55,14 +55,14 @@ def values_of(program):
         said = ask(program, command, f"--{option}", "?", "-o", "/nowhere/x", *files)
         listed = re.search(r"(?:there are|is one of) ([^;\n]+)", said)
         if listed is None:
-            raise SystemExit(f"{command} does not tell the values of --{option}: {said}")
+            raise SystemExit(f"{command} does not list the values of --{option}: {said}")
         values.setdefault(option, set()).update(listed.group(1).split(", "))
     return values
 
 
 def man_page(text):
-    """The options of each command, by their sections, those that stand without brackets, and all
-    options with their letters."""
+    """The options in the section of each command, those without brackets, and all options with their
+    letters."""
     text = text.replace("\\-", "-").replace("\\(hy", "-")
     body = text[text.index(".SH COMMANDS"):text.index(".SH PATTERNS")]
     sections = re.split(r"^\.SS (\w+)$", body, flags=re.MULTILINE)[1:]
@@ -83,7 +83,7 @@ def man_page(text):
 
 
 def arms(text):
-    """The options of each command in a completion that keeps them as `info) options=...`."""
+    """The options of each command in a completion that has them as `info) options=...`."""
     found = re.findall(r"^\s*(\w+)\) options=[\"(]([^\")]*)[\")]", text, re.MULTILINE)
     return {name: set(options.split()) for name, options in found}
 
@@ -96,7 +96,7 @@ def fish(text):
     return commands
 
 
-# How a completion offers the commands themselves.
+# The commands that each completion offers.
 def offered_by_bash(text):
     return set(re.search(r'commands="([^"]*)"', text).group(1).split())
 
@@ -111,7 +111,7 @@ def offered_by_fish(text):
 
 
 def manual(text):
-    """The options that a chapter names, by the commands of its headings."""
+    """The commands in the headings of a chapter, and the options that it names."""
     lines = [line for line in text.splitlines() if not OTHER_PROGRAMS.search(line)]
     headings = re.findall(r"^#+ `?([a-z]+)`?(?:$|:)", "\n".join(lines), re.MULTILINE)
     return set(headings), set(OPTION.findall("\n".join(lines)))
@@ -120,7 +120,7 @@ def manual(text):
 def differences(where, expected, found, what):
     lacking, extra = sorted(expected - found), sorted(found - expected)
     return ([f"{where}: lacks {what}{name}" for name in lacking] +
-            [f"{where}: names {what}{name}, which there is not" for name in extra])
+            [f"{where}: names {what}{name}, which does not exist" for name in extra])
 
 
 def by_command(where, commands, found):
@@ -160,10 +160,10 @@ def main():
         complaints += by_command(f"completion of {shell}", commands, read(text))
         texts[f"completion of {shell}"] = text.replace("\\ ", " ").replace("\\n", "\n")
         if not re.search(r"^[^#\n]*busquill-trace names", text, re.MULTILINE):
-            complaints.append(f"completion of {shell}: does not ask for the names of a bus")
+            complaints.append(f"completion of {shell}: does not query the names of a bus")
         complaints += [f"completion of {shell}: lacks --{option}" for option in sorted(ALWAYS)
                        if not re.search(rf"\b{option}\b", text)]
-    # What the arms name, zsh must also describe.
+    # The options in the arms also need descriptions in zsh.
     described = set(OPTION.findall(texts["completion of zsh"]))
     complaints += differences("completion of zsh, descriptions", options, described, "--")
 
@@ -177,7 +177,7 @@ def main():
     complaints += [f"manual: lacks a heading for {name}" for name in lacking]
     complaints += differences("manual", options, named, "--")
 
-    print("\n".join(complaints) or f"{len(commands)} commands, {len(options)} options, told alike")
+    print("\n".join(complaints) or f"{len(commands)} commands, {len(options)} options, documented alike")
     return 1 if complaints else 0
 
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Holds the includes of src/ against the order of the rooms and against circles of modules, and the
-drawing of the rooms in docs/architecture.md against the includes. A module is a header with the
-source of its name.
+"""Checks that the includes of src/ follow the order of the rooms and that no modules include one another
+in a circle, and that the drawing of the rooms in docs/architecture.md shows the includes. A module is a
+header with the source of the same name.
 
-    check_includes.py SRC DOCUMENT           exits 1 and says what is wrong, if anything is
-    check_includes.py SRC DOCUMENT --draw    puts the drawing as it is now into the document
+    check_includes.py SRC DOCUMENT           exits 1 and prints what is wrong, if anything is
+    check_includes.py SRC DOCUMENT --draw    writes the current drawing into the document
 """
 
 import re
@@ -47,7 +47,7 @@ def allowed(user, used):
 
 
 def modules(graph):
-    """What each module includes of others, whether its header does so or its source."""
+    """The other modules that each module includes, in its header or in its source."""
     joined = {}
     for file, targets in graph.items():
         module = file.with_suffix("")
@@ -135,7 +135,7 @@ def main():
                 continue
             target = Path("core") / name if (source / "core" / name).exists() else Path(name)
             if not (source / target).exists():
-                complaints.append(f'{path}: "{name}" is not named from the source folder')
+                complaints.append(f'{path}: "{name}" is not given from the source folder')
                 continue
             graph.setdefault(path, []).append(target)
             if not allowed(user, room_of(target)):
@@ -148,7 +148,7 @@ def main():
     if "--draw" in sys.argv:
         document.write_text(text[:start] + drawing(graph) + text[end:])
     elif text[start:end] != drawing(graph):
-        complaints.append(f"{document.name}: the drawing is old; make it anew with --draw")
+        complaints.append(f"{document.name}: the drawing is outdated; update it with --draw")
     print("\n".join(complaints) or f"{len(files)} files, no arrow against the direction")
     return 1 if complaints else 0
 

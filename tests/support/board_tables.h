@@ -4,7 +4,7 @@
 
 namespace busquill::test {
 
-/// The signal tables of a board that is only named.
+/// The signal tables of a board, given by its model.
 class BoardTables {
 public:
     explicit BoardTables(const std::string& model, std::int32_t mode = BusPci,
@@ -18,7 +18,7 @@ public:
     SignalTables tables;
 };
 
-/// Tables that define nothing, for lists whose signals are made by hand.
+/// Tables without definitions, for lists whose signals are added by hand.
 inline SignalTables& NoTables() {
     static SignalTables none([] { return BoardTraits(); }, WorkingDirectory("/nonexistent"));
     return none;

@@ -21,9 +21,9 @@ enum : std::uint8_t {
 };
 }
 
-/// Builds the sample records of 32-bit PCI traffic, one a clock, in a readable line:
+/// Builds the sample records of 32-bit PCI traffic, one per clock, in a readable line:
 /// `CaptureBuilder().Read(0x1000).Idle(3).Write(0x2000, 0xAB).Records()`. Control lines are active
-/// low, as on the bus; each sample comes 30 ns after the one before it.
+/// low, as on the bus; each sample is 30 ns after the previous one.
 class CaptureBuilder {
 public:
     /// Data index of single lines of the PCI table.
@@ -52,7 +52,7 @@ public:
     CaptureBuilder& IoWrite(std::uint32_t address, std::uint32_t data) {
         return Address(address, PciCommand::IoWrite).Data(data);
     }
-    /// Clocks with nobody on the bus.
+    /// Idle clocks.
     CaptureBuilder& Idle(int clocks = 1) {
         for (int i = 0; i < clocks; ++i) {
             Add();
@@ -63,14 +63,14 @@ public:
     CaptureBuilder& Address(std::uint32_t address, std::uint8_t command) {
         SampleRecord& record = Add();
         SetAd(record, address);
-        // The upper half is not in use: its byte enables are off.
+        // The upper half is not in use: its byte enables are inactive.
         record.bytes[8] = static_cast<std::uint8_t>(0xF0U | command);
         SetBit(record, Frame, false);
         SetBit(record, AddressPhase, true);
         SetParity(record);
         return *this;
     }
-    /// Clocks in which the target lets the initiator wait.
+    /// Wait states of the target.
     CaptureBuilder& Wait(int clocks = 1) {
         for (int i = 0; i < clocks; ++i) {
             SampleRecord& record = Add();
@@ -80,7 +80,7 @@ public:
         }
         return *this;
     }
-    /// The last data phase; a bit of `disabledLanes` set is a byte enable that is off.
+    /// The last data phase; a bit set in `disabledLanes` disables that byte lane.
     CaptureBuilder& Data(std::uint32_t data, std::uint8_t disabledLanes = 0) {
         SampleRecord& record = Add();
         SetAd(record, data);
@@ -91,18 +91,18 @@ public:
         SetParity(record);
         return *this;
     }
-    /// The checker's finding on the last sample.
+    /// Sets the checker's finding on the last sample.
     CaptureBuilder& Finding(std::uint8_t code) {
         records_.back().bytes[16] = code;
         return *this;
     }
-    /// Any bit of the last sample.
+    /// Sets any bit of the last sample.
     CaptureBuilder& With(int dataIndex, bool value) {
         SetBit(records_.back(), dataIndex, value);
         return *this;
     }
-    /// The last sample's time since the one before it: a 16-bit count and a unit (0 ns, 1 us,
-    /// 2 ms, 3 s), in the 18 bits of TIME from bit 110 on.
+    /// Sets the time of the last sample since the previous one: a 16-bit count and a unit (0 ns, 1
+    /// us, 2 ms, 3 s), in the 18 bits of TIME from bit 110 on.
     CaptureBuilder& After(std::uint16_t count, unsigned unit = 0) {
         SetTime(records_.back(), count, unit);
         return *this;

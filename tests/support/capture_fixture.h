@@ -7,7 +7,7 @@
 
 namespace busquill::test {
 
-/// A read of samples at which the board stands still until it is let go.
+/// Holds up the board at a read of samples until it is opened.
 class Gate {
 public:
     void AwaitReached() { reached_.get_future().wait(); }
@@ -22,8 +22,8 @@ private:
     std::promise<void> open_;
 };
 
-/// A board's store on a scripted wire. The wire's samples tell where they stand: the first two
-/// bytes of a record hold its distance from the trigger.
+/// A board's store on a scripted wire. The samples on the wire hold their position: the first two
+/// bytes of a record are its distance from the trigger.
 class CaptureFixture : public LinkFixture {
 protected:
     CaptureFixture() {
@@ -33,7 +33,7 @@ protected:
         board.onSampleRead = [](const WireBoard::SampleRead& read) { return Records(read); };
     }
 
-    /// What the wire says of its live status.
+    /// Sets the live status that the wire returns.
     void SetLive(int status, std::uint32_t before, std::uint32_t after, int occurrences = 0) {
         const auto byte = [](std::uint32_t value, int shift) {
             return static_cast<std::uint8_t>(value >> shift);
@@ -69,7 +69,7 @@ protected:
         return record;
     }
 
-    /// The first read of samples, or the first of that kind, stops at the gate.
+    /// The first read of samples, or the first read equal to `at`, stops at the gate.
     void StopAt(Gate& gate, std::optional<WireBoard::SampleRead> at = std::nullopt) {
         line->Do([&] {
             board.onSampleRead = [&gate, at, passed = false](const auto& read) mutable {
@@ -81,7 +81,7 @@ protected:
             };
         });
     }
-    /// The capture that the wire holds is fetched to its end.
+    /// Uploads the whole capture from the wire.
     void Upload() {
         upload.BeginUpload();
         EXPECT_TRUE(Eventually([&] { return !upload.IsUploading(); }));
@@ -91,7 +91,7 @@ protected:
         line->Do([&] { reads = board.sampleReads; });
         return reads;
     }
-    /// The blocks that were asked for, by the index of their first sample.
+    /// The requested blocks, by the index of their first sample.
     std::vector<int> BlockOrder() {
         std::vector<int> order;
         const int before = store.SamplesBefore();
@@ -114,7 +114,7 @@ protected:
     SampleUpload& upload = capture.upload;
     SignalTables& tables = analyzer->Tables();
     NewTraceContext context{tables};
-    bool silent = false; // for a test's own answers
+    bool silent = false; // the test sets the answers itself
     std::unique_ptr<CTesselDoc> document;
 };
 

@@ -21,7 +21,7 @@ protected:
         document = std::make_unique<CTesselDoc>(context, prompts);
         ASSERT_TRUE(document->OnNewDocument());
     }
-    /// Sets an event of the setup to a value at some bits.
+    /// Sets the bits of an event in the setup to a value, with their compare bits.
     void Expect(unsigned event, std::int32_t first, unsigned width, unsigned value) {
         for (const auto& signal : document->setup.events.All()) {
             const std::int32_t bit = signal->dataIndex - first;
@@ -32,7 +32,7 @@ protected:
         }
     }
     void Go() { document->Run().Go(document->setup, ""); }
-    /// Follows the run as a window does.
+    /// Polls the run as a window does.
     template <typename Condition>
     bool FollowUntil(Condition holds) {
         for (int i = 0; i < 3000; ++i) {

@@ -17,7 +17,7 @@ int WatchedSync(int descriptor) {
 
 namespace busquill::test {
 
-// Out of line, so that a test which uses it brings WatchedSync along.
+// Out of line, so that a test that uses it links WatchedSync too.
 DiskSync::DiskSync(int error) : error_(error) {
     watcher = this;
 }

@@ -4,17 +4,17 @@
 
 namespace busquill::test {
 
-/// Stands between a program that is linked with --wrap=fsync and the disk, from where it is made to
-/// its end.
+/// Intercepts every fsync of a program that is linked with --wrap=fsync, as long as the object
+/// lives.
 class DiskSync {
 public:
-    /// `error`: what every synchronisation fails with; 0 when it goes to the disk.
+    /// `error`: the error of every synchronisation; 0 passes it on to the disk.
     explicit DiskSync(int error = 0);
     ~DiskSync();
     DiskSync(const DiskSync&) = delete;
     DiskSync& operator=(const DiskSync&) = delete;
 
-    std::function<void(int descriptor)> before; // each one
+    std::function<void(int descriptor)> before; // called before each one
     [[nodiscard]] int Count() const noexcept { return count_; }
 
     int Synchronise(int descriptor);

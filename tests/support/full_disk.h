@@ -5,7 +5,7 @@
 
 namespace busquill::test {
 
-/// While it lives, no file of this process grows beyond so many bytes, as on a disk that is full.
+/// While it lives, no file of this process can grow beyond `bytes`, as on a full disk.
 class FullDisk {
 public:
     explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {

@@ -34,8 +34,8 @@ template <typename Condition>
     return condition();
 }
 
-/// How long something takes that should take this long. A busy machine makes it longer now and
-/// then, so it may be tried three times.
+/// The shortest time of up to three runs of an action that should take `expected`: a busy machine
+/// delays it now and then.
 template <typename Action>
 [[nodiscard]] std::chrono::nanoseconds ShortestTimeOf(Action action,
                                                       std::chrono::milliseconds expected) {
@@ -49,7 +49,7 @@ template <typename Action>
     return shortest;
 }
 
-/// A request whose completion stays in its function until it is released. Outlives the request.
+/// A request whose completion blocks until it is released. Must outlive the request.
 class HeldCompletion {
 public:
     [[nodiscard]] LinkRequestPtr Request(std::int32_t command) {
@@ -90,7 +90,7 @@ protected:
     static constexpr const char* setup = "Setup";
 
     LinkFixture() : LinkFixture(nullptr) {}
-    /// With boxes of the test's own instead of the recorder.
+    /// With the test's own prompts instead of the recorder.
     explicit LinkFixture(Prompts* boxes)
         : line(std::make_shared<ScriptedLine>(clock)),
           analyzer(std::make_unique<Analyzer>(Analyzer::Machine{
@@ -103,22 +103,22 @@ protected:
     }
     ~LinkFixture() override { analyzer.reset(); }
 
-    /// The line's far end is the board again, without faults.
+    /// The far end of the line is the board again, without faults.
     void UseBoard() {
         line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
     }
     void UseSilence() {
         line->SetAnswer([](const Bytes&, int) { return Bytes{}; });
     }
-    /// The port that the settings choose.
+    /// The port that the settings select.
     [[nodiscard]] PortSetting Port() const { return ReadPortSetting(settings); }
-    /// An open link whose log begins here, at 9600 baud.
+    /// Opens the link at 9600 baud and clears the log.
     void OpenLink() {
         settings.WriteProfileInt(setup, "BaudRate", 9600);
         static_cast<void>(link->Open(Port()));
         line->ForgetLog();
     }
-    /// An open link to a board of a model, known by its identity.
+    /// Opens the link to a board of a model and reads its identity.
     void OpenBoard(const std::string& model) {
         Bytes block(model.begin(), model.end());
         block.resize(18);
@@ -135,7 +135,7 @@ protected:
         usb.ForgetCalls();
     }
 
-    /// Runs one request and returns it as its completion found it.
+    /// Runs one request and returns it as it was in its completion.
     LinkRequest Run(LinkRequestPtr request) { return Start(std::move(request)).get(); }
     std::future<LinkRequest> Start(LinkRequestPtr request) {
         auto promise = std::make_shared<std::promise<LinkRequest>>();
@@ -162,7 +162,7 @@ protected:
     ScriptedUsb usb;
     bool portOpens = true;
     std::vector<std::string> openedDevices;
-    std::unique_ptr<Analyzer> analyzer; // its threads use the others
+    std::unique_ptr<Analyzer> analyzer; // destroyed first: its threads use the others
     CAnalyzerLink* link;
 };
 

@@ -14,8 +14,8 @@
 
 namespace busquill::test {
 
-/// One trace frame of the program against the simulated board, with the setups that come with the
-/// program.
+/// One trace frame of the program against the simulated board, with the setups that are shipped
+/// with the program.
 class LiveFrameFixture : public BoardProgramFixture {
 protected:
     LiveFrameFixture() {
@@ -39,8 +39,8 @@ protected:
     }
     void Go() { QTest::mouseClick(&Bar().GoButton(), Qt::LeftButton); }
     void Stop() { QTest::mouseClick(&Bar().StopButton(), Qt::LeftButton); }
-    /// A capture of many blocks that the board is in no hurry to hand over. Needs a board with a
-    /// large buffer that does not fill at once.
+    /// A capture of many blocks that the board delivers slowly. Needs a board with a large buffer
+    /// that does not fill at once.
     void StopALongRun() {
         Go(); // the default setup triggers at once
         ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20000; }));
@@ -54,7 +54,7 @@ protected:
     }
     bool Complete() {
         return RunUntil([&] { return !Running() && !Trace().IsUploading(); }) &&
-               (QTest::qWait(450), true); // and the timer has looked
+               (QTest::qWait(450), true); // and the timer has polled
     }
     QString Text(const char* name) { return Bar().findChild<QLabel*>(name)->text(); }
 

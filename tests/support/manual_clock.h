@@ -6,7 +6,7 @@
 
 namespace busquill::test {
 
-/// A clock that moves only when it is told to, or by its own pauses. Any thread.
+/// A clock that moves only when a test sets it, or by its own pauses. Any thread.
 class ManualClock final : public Clock {
 public:
     [[nodiscard]] std::time_t Time() const override {

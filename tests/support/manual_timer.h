@@ -6,7 +6,7 @@
 
 namespace busquill::test {
 
-/// What a run has told its timer. A test ticks.
+/// What a run has set in its timer. The test ticks.
 struct TimerState {
     bool runs = false;
     std::chrono::milliseconds period{0};

@@ -16,7 +16,7 @@
 
 namespace busquill::test {
 
-/// Does something that opens a dialog, and something in the dialog. A dialog that then stands open
+/// Calls `open`, which opens a dialog, and `act` on that dialog. A dialog that is still open then
 /// is cancelled.
 template <class Dialog>
 void AnswerDialog(const std::function<void()>& open, const std::function<void(Dialog&)>& act) {
@@ -35,7 +35,7 @@ void AnswerDialog(const std::function<void()>& open, const std::function<void(Di
     EXPECT_TRUE(met) << "no such dialog has opened";
 }
 
-/// The button of a text, without its mnemonic, or of an object name.
+/// The button with a text, without its mnemonic, or with an object name.
 inline QAbstractButton& ButtonOf(const QWidget& window, const QString& text) {
     for (auto* button : window.findChildren<QAbstractButton*>()) {
         if (button->text().remove('&') == text || button->objectName() == text) {
@@ -51,22 +51,22 @@ inline void Press(const QWidget& window, const QString& text) {
     QTest::mouseClick(&button, Qt::LeftButton);
 }
 
-/// A radio button or a check box, on its picture.
+/// Clicks a radio button or a check box on its indicator.
 inline void Tick(const QWidget& window, const QString& text) {
     QAbstractButton& button = ButtonOf(window, text);
     QTest::mouseClick(&button, Qt::LeftButton, {}, {8, button.height() / 2});
 }
 
-/// Pastes a name into a file dialog, which would complete what is typed, and accepts it.
+/// Pastes a name into a file dialog, which would complete typed text, and accepts it.
 inline void GiveFileName(QFileDialog& files, const std::string& name) {
     auto* edit = files.findChild<QLineEdit*>("fileNameEdit");
     files.activateWindow();
     QApplication::processEvents();
-    QTest::mouseClick(edit, Qt::LeftButton); // without the focus, its text would not count
+    QTest::mouseClick(edit, Qt::LeftButton); // without the focus, its text would be ignored
     edit->selectAll();
     QApplication::clipboard()->setText(QString::fromStdString(name));
     QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-    // The list of names that fit may stand open and take the Enter key.
+    // The list of matching names may be open and take the Enter key.
     for (QAbstractButton* button : files.findChild<QDialogButtonBox*>("buttonBox")->buttons()) {
         if (!button->text().contains("Cancel")) {
             QTest::mouseClick(button, Qt::LeftButton);
@@ -74,7 +74,7 @@ inline void GiveFileName(QFileDialog& files, const std::string& name) {
     }
 }
 
-/// The same with the name of a file that is there: asked, it is to be replaced.
+/// The same with the name of an existing file: the question whether to replace it is answered yes.
 inline void ReplaceFile(QFileDialog& files, const std::string& name) {
     auto* timer = new QTimer(&files);
     QObject::connect(timer, &QTimer::timeout, timer, [timer] {

@@ -2,13 +2,13 @@
 
 #include <string>
 
-// Where the tests find what the build has made and what the tree ships.
+// Where the tests find built programs and files of the source tree.
 
 namespace busquill::test {
 
-/// A file of the tree, by its path from the top: SourceFile("data/Trigger1.tra").
+/// A file of the source tree, by its path from the top: SourceFile("data/Trigger1.tra").
 std::string SourceFile(const std::string& path);
-/// The simulated board, a program.
+/// The program of the simulated board.
 std::string BoardSimulator();
 /// `busquill-trace`.
 std::string TraceProgramPath();

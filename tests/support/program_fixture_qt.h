@@ -45,8 +45,8 @@ inline QAction* FindEntry(const QMainWindow& window, const QString& path) {
     return found;
 }
 
-/// The whole program in its windows, with a working directory of its own that holds the stored
-/// captures. In Demo Mode unless a test connects a board.
+/// The whole program in its windows, with its own working directory that holds the stored captures.
+/// In Demo Mode unless a test connects a board.
 class ProgramFixture : public testing::Test {
 protected:
     ProgramFixture() {
@@ -84,7 +84,7 @@ protected:
         action.trigger();
         QApplication::processEvents();
     }
-    /// Chooses an entry that opens a dialog and does something with it.
+    /// Chooses an entry that opens a dialog and calls `act` on the dialog.
     template <class Dialog>
     void ChooseDialog(const QString& path, std::function<void(Dialog&)> act) {
         AnswerDialog<Dialog>([&] { Choose(path); }, act);

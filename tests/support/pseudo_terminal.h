@@ -36,7 +36,7 @@ public:
     [[nodiscard]] const std::string& Path() const noexcept { return path_; }
     [[nodiscard]] int Master() const noexcept { return master_; }
 
-    /// The line's settings as they are now; all zero when the terminal is closed.
+    /// The current settings of the line; all zero when the terminal is closed.
     [[nodiscard]] termios2 Settings() const {
         termios2 settings{};
         return ::ioctl(master_, TCGETS2, &settings) == 0 ? settings : termios2{};
@@ -49,7 +49,8 @@ public:
         return ::write(master_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size());
     }
 
-    /// What the near end has sent: waits until `count` bytes are there or `limit` has passed.
+    /// The bytes that the near end has sent: waits until there are `count` bytes or `limit` has
+    /// passed.
     [[nodiscard]] std::vector<std::uint8_t>
     Receive(std::size_t count,
             std::chrono::milliseconds limit = std::chrono::milliseconds(2000)) const {
@@ -73,7 +74,7 @@ public:
         return received;
     }
 
-    /// Hangs up: the near end's port has failed from now on.
+    /// Hangs up: the near end's port fails from now on.
     void Close() noexcept {
         if (master_ >= 0) {
             ::close(master_);

@@ -12,8 +12,8 @@
 
 namespace busquill::test {
 
-/// What a painter did to a sheet. Coordinates are those of the sheet; `visible` is what clipping
-/// and the sheet's edges leave of a thing.
+/// What was painted. Coordinates are those of the device; `visible` is the part of an item that
+/// remains after clipping to the clip region and the device.
 struct Recording {
     struct Fill {
         QRect rect;
@@ -46,13 +46,13 @@ struct Recording {
     [[nodiscard]] std::size_t Calls() const noexcept;
     [[nodiscard]] int FillsOf(const QColor& color) const;
     [[nodiscard]] int LinesOf(const QColor& color) const;
-    /// The colour that the last fill over a point left there; invalid where there was none.
+    /// The colour of the last fill over a point; invalid where there is none.
     [[nodiscard]] QColor ColorAt(QPoint point) const;
-    /// The texts whose middle lies between two lines of pixels, from left to right.
+    /// The texts whose middle lies between two rows of pixels, from left to right.
     [[nodiscard]] std::vector<Text> TextsBetween(int top, int bottom) const;
 };
 
-/// A sheet that remembers what is drawn instead of showing it.
+/// A paint device that records what is drawn instead of showing it.
 class RecordingPaintDevice final : public QPaintDevice {
 public:
     explicit RecordingPaintDevice(QSize size);

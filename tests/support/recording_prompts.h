@@ -9,7 +9,7 @@
 
 namespace busquill::test {
 
-/// Remembers every box and gives scripted answers; without a script, the first button's.
+/// Records every box and gives scripted answers; without a script, the first button's.
 class RecordingPrompts final : public Prompts {
 public:
     Answer Show(const Box& box) override {

@@ -8,8 +8,8 @@
 
 namespace busquill::test {
 
-/// Whether the program is built with a sanitizer that lives on addresses: its memory cannot be
-/// bounded.
+/// Whether the program is built with a sanitizer that needs a huge address space, so that its
+/// memory cannot be limited.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) ||                               \
     BUSQUILL_HAS_FEATURE(address_sanitizer) || BUSQUILL_HAS_FEATURE(thread_sanitizer)
 constexpr bool livesOnAddresses = true;

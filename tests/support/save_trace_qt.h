@@ -11,8 +11,8 @@ inline void SetSaveRange(const CSaveTraceDialog& dialog, const QString& start, c
     dialog.findChild<QLineEdit*>("End")->setText(end);
 }
 
-/// Gives a path in the file dialog that `choose` opens, does something in Save Trace, which opens
-/// then, and presses its OK. Returns the name that the file dialog proposed.
+/// Enters a path in the file dialog that `choose` opens, calls `act` on Save Trace, which opens
+/// next, and presses its OK. Returns the name that the file dialog proposed.
 inline std::string SaveTraceUnder(
     const std::string& path, const std::function<void()>& choose,
     const std::function<void(CSaveTraceDialog&)>& act = [](CSaveTraceDialog&) {}) {

@@ -14,8 +14,9 @@ namespace busquill::test {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// A serial line with a scripted far end. It outlives the ports that are opened on it. A read that
-/// finds nothing returns at once and moves the clock by what it should have waited. Any thread.
+/// A serial line with a scripted far end. Outlives the ports that are opened on it. A read that
+/// finds nothing returns at once and advances the clock by the time that it should have waited. Any
+/// thread.
 class ScriptedLine {
 public:
     struct Sent {
@@ -23,7 +24,7 @@ public:
         int baud = 0;
         std::time_t time = 0;
     };
-    /// What the far end sends back for one write at a rate.
+    /// What the far end answers to one write at a rate.
     using Answer = std::function<Bytes(const Bytes& sent, int baud)>;
     /// Error numbers that the port reports; 0 is success.
     struct Errors {
@@ -47,28 +48,28 @@ public:
         const std::lock_guard lock(mutex_);
         lineErrors_ = word;
     }
-    /// Called on the link's thread when a request's time is over, before that is dealt with.
+    /// Called on the link's thread when a request has timed out, before the time-out is handled.
     void OnClearErrors(std::function<void()> called) {
         const std::lock_guard lock(mutex_);
         onClearErrors_ = std::move(called);
     }
-    /// Whether reads that find nothing move the clock.
+    /// Whether reads that find nothing advance the clock.
     void SetClockRuns(bool runs) {
         const std::lock_guard lock(mutex_);
         clockRuns_ = runs;
     }
-    /// From now on a read finds the port gone.
+    /// From now on reads fail as if the port had been unplugged.
     void Unplug() {
         const std::lock_guard lock(mutex_);
         unplugged_ = true;
     }
-    /// Runs something while nothing is written or read.
+    /// Runs `action` while nothing is written or read.
     template <typename Action>
     void Do(Action action) {
         const std::lock_guard lock(mutex_);
         action();
     }
-    /// Bytes that come unasked.
+    /// Unrequested bytes from the far end.
     void Arrive(const Bytes& bytes) {
         const std::lock_guard lock(mutex_);
         input_.insert(input_.end(), bytes.begin(), bytes.end());
@@ -96,7 +97,7 @@ public:
         log_.clear();
         rates_.clear();
     }
-    /// Whether the reader has taken all bytes and has asked for more.
+    /// Whether the reader has taken all bytes and has tried to read more.
     [[nodiscard]] bool AllTaken() const {
         const std::lock_guard lock(mutex_);
         return input_.empty() && idleReads_ > 0;

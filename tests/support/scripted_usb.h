@@ -7,8 +7,7 @@
 
 namespace busquill::test {
 
-/// A machine with one USB board, each step of which can be made to fail. It outlives its devices.
-/// Any thread.
+/// A machine with one USB board; each step can be made to fail. Outlives its devices. Any thread.
 class ScriptedUsb final : public UsbBus {
 public:
     struct Script {
@@ -17,10 +16,10 @@ public:
         bool selects = true;
         bool resets = true;
         bool writes = true;
-        bool present = true; // false: it has been taken away since it was opened
-        /// What a read gives in place of the board's data.
+        bool present = true; // false: it has been unplugged since it was opened
+        /// The result of a read instead of the board's data.
         std::optional<UsbDevice::Transfer> read = std::nullopt;
-        std::size_t failingRead = 0; // reads of so many bytes fail
+        std::size_t failingRead = 0; // reads of this many bytes fail
     };
 
     void Set(Script script) {
@@ -60,7 +59,7 @@ private:
     mutable std::mutex mutex_;
     Script script_;
     WireBoard board_;
-    Bytes data_; // waits on the input pipe
+    Bytes data_; // waiting on the input pipe
     std::vector<std::string> calls_;
     int openDevices_ = 0;
 };
@@ -96,7 +95,7 @@ public:
         if (!bus_.script_.writes) {
             return {false, 31, 0};
         }
-        // Acknowledgements do not exist on this wire: only what stands between two goes back.
+        // There are no acknowledgements on this wire: only the data between the two are returned.
         const Bytes answer = bus_.board_.Answer({bytes.begin(), bytes.end()}, 0);
         if (answer.size() > 2) {
             bus_.data_.assign(answer.begin() + 1, answer.end() - 1);

@@ -10,8 +10,8 @@
 
 namespace busquill::test {
 
-/// Turns the wheel over a window, in eighths of a degree: 120 are a notch. As the system sends it:
-/// to the window under the pointer, which passes it on.
+/// Turns the wheel over a window, in eighths of a degree: 120 are a notch. Like the system, it
+/// sends the event to the window under the pointer, which passes it on.
 inline void TurnWheel(QWidget& window, QPoint delta, Qt::KeyboardModifiers keys = {}) {
     const QPointF at = window.rect().center();
     QWheelEvent event(at, window.mapToGlobal(at), {}, delta, Qt::NoButton, keys, Qt::NoScrollPhase,
@@ -20,7 +20,7 @@ inline void TurnWheel(QWidget& window, QPoint delta, Qt::KeyboardModifiers keys 
     qApp->notify(&window, &event);
 }
 
-/// Where a part of a scroll bar is.
+/// The rectangle of a part of a scroll bar.
 inline QRect PartOf(QScrollBar& bar, QStyle::SubControl part) {
     QStyleOptionSlider option;
     option.initFrom(&bar);

@@ -15,14 +15,14 @@
 
 namespace busquill::test {
 
-/// Gives a signal these samples.
+/// Replaces the samples of a signal.
 inline void SetSamples(CSignal& signal, const std::vector<std::uint32_t>& words,
                        std::uint32_t count) {
     signal.data = words;
     signal.numSamples = count;
 }
 
-/// Boards by the bus that they are on.
+/// Boards by their bus.
 namespace Board {
 inline BoardTraits OnBus(BusMode mode, std::int32_t width = 0) {
     BoardTraits board;
@@ -71,7 +71,7 @@ struct ValueRow {
     std::uint32_t skipModes = 0;
 };
 
-/// Definitions made by hand, in force while the object lives. Its colour files lie in a directory
+/// Definitions made by hand, in force while the object lives. Its colour files are in a directory
 /// of its own.
 class HandMadeTables {
 public:
@@ -79,7 +79,7 @@ public:
         : tables_([board] { return board; }, WorkingDirectory(directory_.Path())) {}
 
     /// A bus of the positions `first` to `last` from data index `bit` on; `first` above `last`
-    /// makes it bit-reversed. The flags are those of all modes.
+    /// makes it bit-reversed. The flags apply to all modes.
     std::shared_ptr<CBusSignalDef> Bus(const char* name, std::int32_t first, std::int32_t last,
                                        std::int32_t bit, std::uint32_t flags = flagShown) {
         auto def = std::make_shared<CBusSignalDef>();
@@ -180,7 +180,7 @@ inline CSignal* FindRow(const CSignalList& list, std::string_view name) {
     return nullptr;
 }
 
-/// A record in which these bits are set.
+/// A record with these bits set.
 inline SampleRecord RecordOf(std::initializer_list<int> bits) {
     SampleRecord record;
     for (const int bit : bits) {

@@ -8,7 +8,7 @@
 
 namespace busquill::test {
 
-/// A directory of its own for a test, removed with the object.
+/// A temporary directory, removed with the object.
 class TempDir {
 public:
     TempDir() {
@@ -24,7 +24,7 @@ public:
 
     [[nodiscard]] std::string Path() const { return path_; }
     [[nodiscard]] std::string File(const std::string& name) const { return path_ + "/" + name; }
-    /// Writes a file of that content and returns its path.
+    /// Writes a file with this content and returns its path.
     std::string Write(const std::string& name, std::string_view content) const {
         std::ofstream(File(name), std::ios::binary) << content;
         return File(name);

@@ -18,7 +18,7 @@
 
 namespace busquill::test {
 
-/// What a view tells the window around it.
+/// Records what a view shows in its frame.
 class RecordingFrame final : public TraceFrame {
 public:
     void SetTitleName(const std::string& text) override { name = text; }
@@ -49,8 +49,8 @@ class TraceFixture : public testing::Test {
 protected:
     explicit TraceFixture(const std::string& model = "PCIKite-1") : board(model) {}
 
-    /// Samples from `first` to `last`, each numbered in its data lines; `keep` says which are in
-    /// the file, `extra` what stands in it before the samples.
+    /// Samples from `first` to `last`, each with its index in its data lines; `keep` selects the
+    /// samples that are in the file, `extra` precedes them.
     void Load(
         int first, int last, const std::string& extra = "",
         const std::function<bool(int)>& keep = [](int) { return true; }) {

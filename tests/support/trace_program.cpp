@@ -74,7 +74,7 @@ struct Pipe {
     std::_Exit(127);
 }
 
-/// Reads what is there; false at the end.
+/// Reads the available bytes; false at the end of the file.
 bool ReadInto(std::string& text, int from) {
     std::array<char, 65536> bytes;
     const ssize_t count = ::read(from, bytes.data(), bytes.size());
@@ -87,7 +87,7 @@ bool ReadInto(std::string& text, int from) {
 } // namespace
 
 ProgramRun RunTrace(const std::vector<std::string>& arguments, const ProgramInput& input) {
-    std::signal(SIGPIPE, SIG_IGN); // the program may not read what it is given
+    std::signal(SIGPIPE, SIG_IGN); // the program may close its standard input early
     Pipe in;
     Pipe out;
     Pipe err;

@@ -6,26 +6,26 @@
 
 namespace busquill::test {
 
-/// What a run of busquill-trace has left behind.
+/// The result of a run of busquill-trace.
 struct ProgramRun {
-    int status = -1; // -1: it ended by a signal, or did not end in time
+    int status = -1; // -1: ended by a signal, or not in time
     std::string out;
     std::string err;
 };
 
 struct ProgramInput {
-    std::string folder = {}; // in which it runs; the test's own where it is empty
+    std::string folder = {}; // working directory; if empty, that of the test
     std::string standardInput = {};
-    std::string temporaryFolder = {};     // for its temporary files; the usual where it is empty
-    std::function<void()> meanwhile = {}; // called again and again while it runs
-    std::function<bool()> interruptWhen =
-        {};                      // the same; where it is true first, an interrupt is sent
-    std::size_t memoryBytes = 0; // of addresses that it gets; 0: any number
-    std::size_t diskBytes = 0;   // that a file can have before its disk is full; 0: any number
+    std::string temporaryFolder = {};     // for its temporary files; if empty, the default
+    std::function<void()> meanwhile = {}; // called repeatedly while it runs
+    /// Called repeatedly while it runs; the first time that it returns true, an interrupt is sent.
+    std::function<bool()> interruptWhen = {};
+    std::size_t memoryBytes = 0; // limit of its address space; 0: none
+    std::size_t diskBytes = 0;   // limit of a file's size, as on a full disk; 0: none
     std::size_t readAtMost = 0;  // of its standard output, which is then closed; 0: all
 };
 
-/// Runs busquill-trace as a process of its own, for at most a minute.
+/// Runs busquill-trace as a separate process, for at most a minute.
 [[nodiscard]] ProgramRun RunTrace(const std::vector<std::string>& arguments,
                                   const ProgramInput& input = {});
 

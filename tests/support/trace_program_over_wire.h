@@ -17,13 +17,13 @@
 
 namespace busquill::test {
 
-/// The samples that stand in a trace file, and the numbers that it gives them.
+/// The samples in a trace file, and their numbers.
 struct TraceRows {
     std::vector<int> numbers;
     std::vector<boardsim::Record> records;
 };
 
-/// Reads them from the file's text, a row at a time: "number,byte,byte,...".
+/// Reads them from the text of the file, row by row: "number,byte,byte,...".
 [[nodiscard]] inline TraceRows RowsOf(const std::string& text) {
     TraceRows rows;
     std::istringstream lines(text.substr(std::min(text.find("\"Trace Data\""), text.size())));
@@ -64,7 +64,7 @@ protected:
         more.insert(more.begin(), {"capture", "--setup", setup, "-o", target});
         return Run(std::move(more), std::move(input));
     }
-    /// data/MemoryWrite.tsp with another text in one place.
+    /// A copy of data/MemoryWrite.tsp in which the text `old` is replaced.
     std::string Setup(const std::string& name, const std::string& old = "",
                       const std::string& instead = "") const {
         std::string text = ReadWholeFile(SourceFile("data/MemoryWrite.tsp"));
@@ -72,11 +72,11 @@ protected:
         EXPECT_NE(at, std::string::npos) << old;
         return setups.Write(name, text.replace(at, old.size(), instead));
     }
-    /// A memory write, so many times.
+    /// A setup that triggers at the `count`th memory write.
     std::string Writes(int count) const {
         return Setup("writes.tsp", "\"E1\",1,", "\"E1\"," + std::to_string(count) + ",");
     }
-    /// A command that no bus cycle has: 1000 is reserved.
+    /// A setup that never triggers, as no bus cycle has its command: 1000 is reserved.
     std::string Never(const std::string& stored = "All") const {
         std::string text = ReadWholeFile(
             Setup("never.tsp", R"("Goto L1","All")", R"("Goto L1",")" + stored + "\""));
@@ -97,7 +97,7 @@ protected:
         std::ranges::sort(names);
         return names;
     }
-    /// How often the board was asked for a function whose line holds these words.
+    /// The number of logged functions whose line contains `words`.
     [[nodiscard]] std::ptrdiff_t Asked(const std::string& words) const {
         const auto functions = board->Functions();
         return std::ranges::count_if(functions, [&](const std::string& line) {
@@ -107,8 +107,8 @@ protected:
 
     std::unique_ptr<BoardProcess> board;
     TempDir setups;
-    TempDir temporary; // where the program has its temporary files
-    TempDir folder;    // where it is to put captures
+    TempDir temporary; // for the temporary files of the program
+    TempDir folder;    // for the captures
     std::string target = folder.File("out.tra");
     const std::string memoryWrite = SourceFile("data/MemoryWrite.tsp");
 };

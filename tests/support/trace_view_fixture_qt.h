@@ -9,7 +9,7 @@
 
 namespace busquill::test {
 
-/// Views of a trace and what a user does to them.
+/// Views of a trace and what a user does with them.
 class TraceViewFixture : public TraceFixture {
 protected:
     using TraceFixture::TraceFixture;
@@ -17,12 +17,12 @@ protected:
     static int Rows(CTraceView& view) {
         return static_cast<int>(view.findChild<TraceDisplay*>()->VisibleSampleCount());
     }
-    /// As the system sends it: to the window under the pointer, which passes it on.
+    /// Like the system, it sends the event to the window under the pointer, which passes it on.
     static void Wheel(CTraceView& view, QPoint delta, Qt::KeyboardModifiers keys = {}) {
         TurnWheel(*view.findChild<TraceDisplay*>(), delta, keys);
     }
     static void Wheel(CTraceView& view, int delta) { Wheel(view, QPoint(0, delta)); }
-    /// Takes the thumb with the mouse and moves it by some pixels.
+    /// Drags the thumb with the mouse.
     static void Drag(QScrollBar& bar, QPoint way, bool release = true) {
         const QPoint from = PartOf(bar, QStyle::SC_ScrollBarSlider).center();
         QTest::mousePress(&bar, Qt::LeftButton, {}, from);
@@ -35,8 +35,7 @@ protected:
             QTest::mouseRelease(&bar, Qt::LeftButton, {}, from + way);
         }
     }
-    /// Leaves the document with the rows of the samples that are to be kept, as a filter does,
-    /// while the view looks away.
+    /// Filters the document to the samples that `keep` selects. The view is detached meanwhile.
     void Filter(CTraceView& view, const std::function<bool(std::uint32_t)>& keep) {
         document->RemoveView(&view);
         const auto count = static_cast<std::uint32_t>(document->SampleCount(false));
@@ -50,16 +49,16 @@ protected:
         document->AddView(&view);
         document->UpdateAllViews(nullptr, HintFilterChanged);
     }
-    /// Whether the listing looks different after something was done.
+    /// Whether `act` changes the picture of the listing.
     static bool Repaints(CTraceView& view, const std::function<void()>& act) {
         auto& window = *view.findChild<TraceDisplay*>();
         const QImage before = window.grab().toImage();
         act();
         return window.grab().toImage() != before;
     }
-    /// Whether a listing is drawn at the news of a block.
+    /// Whether a listing repaints when a block arrives.
     bool DrawsBlock(CTraceView& view, CSignalList& list, std::uint32_t first, bool zoom) {
-        list[0].selected = !list[0].selected; // would be seen
+        list[0].selected = !list[0].selected; // visible in the next paint
         const bool drawn = Repaints(view, [&] {
             CBlockUpdate block;
             block.first = first;
@@ -67,7 +66,7 @@ protected:
             block.zoom = zoom;
             document->UpdateAllViews(nullptr, HintBlockArrived, &block);
         });
-        list[0].selected = drawn == list[0].selected; // as the listing has it
+        list[0].selected = drawn == list[0].selected; // as the listing shows it
         return drawn;
     }
 };

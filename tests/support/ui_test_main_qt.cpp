@@ -3,7 +3,7 @@
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    // Tests need no screen; one that is asked for by the environment is used.
+    // Tests need no screen; one that is set in the environment is used.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

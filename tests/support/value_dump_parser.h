@@ -9,19 +9,19 @@
 
 namespace busquill::test {
 
-/// A value change dump, read by the plain rules of the format and nothing else.
+/// A value change dump, parsed by the plain rules of the format.
 struct ParsedDump {
     struct Variable {
         std::string type;
         std::size_t width = 0;
-        std::string name; // with its range, without a blank
+        std::string name; // with its range, without blanks
     };
     std::string timescale;
     std::map<std::string, Variable> variables; // by identifier
     std::vector<std::string> order;            // of the names
-    /// The values at each time at which something changed, by name, all bits of a vector.
+    /// The values by time and name, at each time at which something changed; all bits of a vector.
     std::map<std::int64_t, std::map<std::string, std::string>> values;
-    std::size_t initial = 0; // values that stand in $dumpvars
+    std::size_t initial = 0; // values in $dumpvars
 
     [[nodiscard]] std::string At(std::int64_t time, const std::string& name) const {
         auto found = values.upper_bound(time);

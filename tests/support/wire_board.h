@@ -7,8 +7,8 @@
 
 namespace busquill::test {
 
-/// The far end of a wire as a board without faults keeps it: it acknowledges frames and payloads,
-/// remembers what is written and reads back what a test has put at an address.
+/// The far end of a wire: a board without faults. It acknowledges frames and payloads, records what
+/// is written, and reads return what a test has put at an address.
 class WireBoard {
 public:
     struct Write {
@@ -25,13 +25,13 @@ public:
         bool operator==(const SampleRead&) const = default;
     };
 
-    /// Bytes that a read of memory, target or samples at an address gives; others read as 0.
+    /// The bytes that a read of memory, target or samples returns, by address; others are 0.
     std::map<std::uint32_t, Bytes> contents;
     std::vector<Write> writes;
     std::vector<int> functions;
     std::vector<SampleRead> sampleReads;
-    /// Called with each read of samples, before it is answered; what it returns is the answer.
-    /// Without it the read takes `contents`.
+    /// Called for each read of samples before it is answered; returns the answer. If it is not set,
+    /// the read returns `contents`.
     std::function<Bytes(const SampleRead&)> onSampleRead;
     /// Called before the memory at an address is read.
     std::function<void(std::uint32_t address)> onMemoryRead;

@@ -15,7 +15,7 @@
 
 namespace busquill::test {
 
-/// Real time, but without the pauses in which a board settles.
+/// Real time, but without the pauses that let a board settle.
 class ImpatientClock final : public Clock {
 public:
     [[nodiscard]] std::time_t Time() const override { return std::time(nullptr); }
@@ -30,7 +30,7 @@ public:
 class LinkOverWire : public testing::Test {
 protected:
     void StartBoard(std::vector<std::string> options = {}) {
-        // The first rate that is probed, unless a test says otherwise.
+        // The first rate that is probed, unless a test sets another.
         options.insert(options.begin(), {"--baud", "9600"});
         board = std::make_unique<BoardProcess>(std::move(options));
         ASSERT_FALSE(board->Terminal().empty());
@@ -39,7 +39,7 @@ protected:
         settings.WriteProfileString("Setup", "ComDevice3", board->Terminal());
     }
 
-    /// The port that the settings choose.
+    /// The port that the settings select.
     [[nodiscard]] PortSetting Port() const { return ReadPortSetting(settings); }
 
     MemorySettings settings;

@@ -1,4 +1,4 @@
-// Captures over a real pseudo terminal, held against the traffic that the board has seen.
+// Captures over a real pseudo terminal, compared with the traffic that the board has seen.
 
 #include "support/capture_over_wire.h"
 
@@ -42,7 +42,7 @@ TEST_F(CaptureOverWire, TriggersWhereAScanOfTheTrafficDoes) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(CaptureOverWire, StoresOnlyWhatTheSetupAsksFor) {
+TEST_F(CaptureOverWire, StoresOnlyTheSamplesOfTheSetup) {
     Connect({"--buffer", "2", "--seed", "9", "--model", "PCIWren"});
     Expect(0, 95, 1, 1);
     Expect(1, 64, 4, 7);
@@ -74,11 +74,11 @@ TEST_F(CaptureOverWire, StoresOnlyWhatTheSetupAsksFor) {
     }
 }
 
-TEST_F(CaptureOverWire, SamplesAreReadWhileMoreCome) {
+TEST_F(CaptureOverWire, SamplesAreReadWhileMoreArrive) {
     Connect({"--buffer", "16"});
     Go();
     ASSERT_TRUE(FollowUntil([&] { return !document->CaptureActive(); }));
-    // As two windows that scroll about: each wants what it does not have.
+    // Like two windows that scroll about: each requests the samples that it lacks.
     const auto total = static_cast<std::uint32_t>(document->SampleCount(false));
     std::uint32_t wanted = 0;
     std::size_t values = 0;
@@ -97,7 +97,7 @@ TEST_F(CaptureOverWire, SamplesAreReadWhileMoreCome) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(CaptureOverWire, StopAsTheBufferFills) {
+TEST_F(CaptureOverWire, StopWhenTheBufferIsAboutToFill) {
     Connect({"--buffer", "1"});
     for (int i = 0; i < 3; ++i) {
         Go();
@@ -107,7 +107,7 @@ TEST_F(CaptureOverWire, StopAsTheBufferFills) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(CaptureOverWire, ADocumentThatGoesDuringTheUpload) {
+TEST_F(CaptureOverWire, ADocumentClosedDuringTheUpload) {
     Connect({"--buffer", "64"});
     Go();
     ASSERT_TRUE(FollowUntil([&] { return last.indicator == RunIndicator::Uploading; }));
@@ -117,7 +117,7 @@ TEST_F(CaptureOverWire, ADocumentThatGoesDuringTheUpload) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
 }
 
-TEST_F(CaptureOverWire, GoAgainAndAgain) {
+TEST_F(CaptureOverWire, RepeatedRuns) {
     Connect({"--buffer", "64"});
     for (int i = 0; i < 3; ++i) {
         Go();

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST_F(LinkOverWire, FindsTheBoardAndReadsWhatItIs) {
+TEST_F(LinkOverWire, FindsTheBoardAndReadsItsIdentity) {
     StartBoard({"--bus-byte", "0x14", "--mhz", "66"});
     link.Connect(Port());
     EXPECT_FALSE(link.IsDemoMode());
@@ -45,7 +45,7 @@ TEST_F(LinkOverWire, MovesABoardFromEveryRateToTheConfiguredOne) {
     }
 }
 
-TEST_F(LinkOverWire, FindsABoardThatStandsInTheMiddleOfAFrame) {
+TEST_F(LinkOverWire, FindsABoardInTheMiddleOfAFrame) {
     StartBoard();
     board->Fault("half-frame");
     link.Connect(Port());
@@ -61,7 +61,7 @@ TEST_F(LinkOverWire, KnowsEveryModel) {
     }
 }
 
-TEST_F(LinkOverWire, BusConfigurationGoesThereAndBack) {
+TEST_F(LinkOverWire, BusConfigurationIsWrittenAndReadBack) {
     StartBoard();
     link.Connect(Port());
     link.WriteBusConfig({BusPciX, 1, 1, 133, 1});
@@ -83,7 +83,7 @@ TEST_F(LinkOverWire, SavedBusConfigurationOverridesTheBoard) {
     EXPECT_EQ(read, (BusConfig{BusVme, 0, 0, 16, 0}));
 }
 
-TEST_F(LinkOverWire, LostAcknowledgementIsRepaired) {
+TEST_F(LinkOverWire, ALostAcknowledgementIsRecovered) {
     StartBoard();
     link.Connect(Port());
     board->Fault("drop-ack 3");
@@ -98,7 +98,7 @@ TEST_F(LinkOverWire, LostAcknowledgementIsRepaired) {
     EXPECT_TRUE(link.Exchange(ReadRegisters(0, name)));
 }
 
-TEST_F(LinkOverWire, ShortReplyIsAskedForAgain) {
+TEST_F(LinkOverWire, AShortReplyIsRequestedAgain) {
     StartBoard();
     link.Connect(Port());
     board->Fault("short-reply 2");
@@ -128,7 +128,7 @@ TEST_F(LinkOverWire, NoDeviceLeadsToDemoMode) {
     EXPECT_EQ(prompts.Boxes().size(), 1U);
 }
 
-TEST_F(LinkOverWire, PortThatGoesAwayFailsTheRequestAndTheProgramGoesOn) {
+TEST_F(LinkOverWire, APortThatDisappearsFailsTheRequestAndTheProgramGoesOn) {
     StartBoard();
     link.Connect(Port());
     board->Fault("go-away");
@@ -140,18 +140,18 @@ TEST_F(LinkOverWire, PortThatGoesAwayFailsTheRequestAndTheProgramGoesOn) {
     EXPECT_EQ(byte, 'P');
 }
 
-TEST_F(LinkOverWire, SamplesComeByTheirDistanceFromTheTrigger) {
+TEST_F(LinkOverWire, SamplesAreAddressedByTheirDistanceFromTheTrigger) {
     StartBoard({"--samples", "256"});
     link.Connect(Port());
     std::vector<std::uint8_t> before(64 * 18);
     std::vector<std::uint8_t> after(32 * 18);
     ASSERT_TRUE(link.Exchange(ReadSamples(CmdReadSamplesBefore, 32, before)));
     ASSERT_TRUE(link.Exchange(ReadSamples(CmdReadSamplesAfter, 0, after)));
-    // 32 before the trigger and on: the second half is what follows the trigger.
+    // From 32 before the trigger on: the second half begins at the trigger.
     EXPECT_TRUE(std::equal(after.begin(), after.end(), before.begin() + 32 * 18));
 }
 
-TEST_F(LinkOverWire, RequestsOfTwoThreadsAllComeBack) {
+TEST_F(LinkOverWire, RequestsOfTwoThreadsAllComplete) {
     StartBoard();
     link.Connect(Port());
     std::atomic<int> good = 0;

@@ -1,4 +1,4 @@
-// busquill-trace with a board when things do not go to their end: interrupts and failures.
+// busquill-trace with a board when a run does not end normally: interrupts and failures.
 
 #include "platform/serial_port.h"
 #include "support/paths.h"
@@ -17,11 +17,11 @@ using testing::MatchesRegex;
 
 class TraceProgramEnd : public TraceProgram {
 protected:
-    /// The condition that the board has been asked for this, so many times.
+    /// The condition that the board has logged such functions at least `times` times.
     std::function<bool()> Has(const std::string& words, std::ptrdiff_t times = 1) const {
         return [this, words, times] { return Asked(words) >= times; };
     }
-    /// Makes something go wrong at the board, once it has been asked for this.
+    /// Sets a fault of the board once it has logged such a function.
     std::function<void()> FaultAfter(const std::string& words, const std::string& fault) {
         return [this, words, fault] {
             if (!faulty && Asked(words) > 0) {
@@ -45,12 +45,12 @@ protected:
 
     bool faulty = false;
     static constexpr auto live = "address 425";
-    static constexpr auto muteWrites = "mute 2"; // the function by which a setup is written
+    static constexpr auto muteWrites = "mute 2"; // the function that writes a setup
 };
 
 // Interrupts.
 
-TEST_F(TraceProgramEnd, InterruptedRunIsStoppedAndSaved) {
+TEST_F(TraceProgramEnd, AnInterruptedRunIsStoppedAndSaved) {
     // At this rate the memory takes a minute after the trigger.
     StartBoard({"--buffer", "64", "--rate", "500"});
     const ProgramRun run = Capture(memoryWrite, {}, {.interruptWhen = Has(live, 4)});
@@ -64,8 +64,8 @@ TEST_F(TraceProgramEnd, InterruptedRunIsStoppedAndSaved) {
     EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
 }
 
-TEST_F(TraceProgramEnd, InterruptedUploadIsSavedAsFarAsItHasCome) {
-    // Six answers for each block of 32 samples: more than ten seconds for all.
+TEST_F(TraceProgramEnd, AnInterruptedUploadKeepsTheSamplesThatArrived) {
+    // Six answers for each block of 32 samples: more than ten seconds for all of them.
     StartBoard({"--buffer", "1", "--fault", "delay 50"});
     const ProgramRun run =
         Capture(Writes(40), {}, {.interruptWhen = Has("read samples after the trigger", 3)});
@@ -79,7 +79,7 @@ TEST_F(TraceProgramEnd, InterruptedUploadIsSavedAsFarAsItHasCome) {
     EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
 }
 
-TEST_F(TraceProgramEnd, InterruptEndsRunsWithoutEnd) {
+TEST_F(TraceProgramEnd, AnInterruptEndsEndlessRuns) {
     StartBoard({"--buffer", "1"});
     const ProgramRun run =
         Capture(memoryWrite, {"--repeat", "0"}, {.interruptWhen = Has("start trace", 3)});
@@ -87,7 +87,7 @@ TEST_F(TraceProgramEnd, InterruptEndsRunsWithoutEnd) {
     EXPECT_GE(FilesIn(folder).size(), 2U);
 }
 
-TEST_F(TraceProgramEnd, InterruptedRunWithoutSamplesMakesNoFile) {
+TEST_F(TraceProgramEnd, AnInterruptedRunWithoutSamplesWritesNoFile) {
     StartBoard({"--buffer", "1"});
     const ProgramRun run = Capture(Never("None"), {}, {.interruptWhen = Has(live, 2)});
     EXPECT_EQ(run.status, 1);
@@ -96,7 +96,7 @@ TEST_F(TraceProgramEnd, InterruptedRunWithoutSamplesMakesNoFile) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, InterruptWhileConnectingStartsNoRun) {
+TEST_F(TraceProgramEnd, AnInterruptWhileConnectingStartsNoRun) {
     StartBoard({"--buffer", "1"});
     // The board then has two seconds to settle.
     const ProgramRun run = Capture(memoryWrite, {}, {.interruptWhen = Has("address 0 length 18")});
@@ -109,7 +109,7 @@ TEST_F(TraceProgramEnd, InterruptWhileConnectingStartsNoRun) {
 
 // No board.
 
-TEST_F(TraceProgramEnd, PortsThatAreNone) {
+TEST_F(TraceProgramEnd, InvalidPortsAreReported) {
     const TempDir files;
     for (const std::string& port :
          {std::string("/dev/null"), files.Write("port", "no terminal\n")}) {
@@ -126,7 +126,7 @@ TEST_F(TraceProgramEnd, PortsThatAreNone) {
                             "paths of terminal devices"));
 }
 
-TEST_F(TraceProgramEnd, PortInUseIsSaidToBe) {
+TEST_F(TraceProgramEnd, APortInUseIsReported) {
     StartBoard();
     auto other = OpenSerialPort(board->Terminal());
     ASSERT_NE(other, nullptr);
@@ -138,7 +138,7 @@ TEST_F(TraceProgramEnd, PortInUseIsSaidToBe) {
     EXPECT_EQ(Run({"board"}).status, 0);
 }
 
-TEST_F(TraceProgramEnd, SilentBoardIsNoBoard) {
+TEST_F(TraceProgramEnd, ASilentBoardIsNotABoard) {
     StartBoard({"--fault", "silence"});
     const ProgramRun run = Run({"board"});
     EXPECT_EQ(run.status, 3);
@@ -146,7 +146,7 @@ TEST_F(TraceProgramEnd, SilentBoardIsNoBoard) {
     EXPECT_EQ(run.err, Line("no board answers on " + board->Terminal()));
 }
 
-TEST_F(TraceProgramEnd, BoardThatFallsSilentBehindItsIdentityIsNotTold) {
+TEST_F(TraceProgramEnd, ABoardThatFallsSilentAfterItsIdentityIsNotShown) {
     StartBoard();
     const ProgramRun run =
         Run({"board"}, {.meanwhile = FaultAfter("address 0 length 18", "silence")});
@@ -155,7 +155,7 @@ TEST_F(TraceProgramEnd, BoardThatFallsSilentBehindItsIdentityIsNotTold) {
     EXPECT_EQ(run.err, Line("the board on " + board->Terminal() + " does not answer any more"));
 }
 
-TEST_F(TraceProgramEnd, BoardThatDoesNotTellItsBusIsNotTold) {
+TEST_F(TraceProgramEnd, ABoardThatDoesNotReturnItsBusIsNotShown) {
     // One acknowledgement for the search for its rate, five for the identity.
     StartBoard({"--fault", "refuse 7"});
     const ProgramRun run = Run({"board", "--json"});
@@ -165,8 +165,8 @@ TEST_F(TraceProgramEnd, BoardThatDoesNotTellItsBusIsNotTold) {
     EXPECT_EQ(Asked("address 0 length 18"), 1);
 }
 
-TEST_F(TraceProgramEnd, BoardWhoseIdentityComesTooLateIsNotTakenForOneWithoutAName) {
-    // Three answers too short take nine seconds; by then the program asks for the bus.
+TEST_F(TraceProgramEnd, ABoardWhoseIdentityArrivesTooLateIsNotShownWithoutAName) {
+    // Three short replies take nine seconds; by then the program requests the bus.
     StartBoard({"--fault", "short-reply 2"});
     std::ptrdiff_t short_ = 1;
     const ProgramRun run = Run({"board"}, {.meanwhile = [&] {
@@ -178,12 +178,12 @@ TEST_F(TraceProgramEnd, BoardWhoseIdentityComesTooLateIsNotTakenForOneWithoutANa
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.out, "");
     EXPECT_EQ(run.err, Line("the board on " + board->Terminal() + " has not told what it is"));
-    EXPECT_EQ(Asked("address 18 length 2"), 1) << "the board is there again";
+    EXPECT_EQ(Asked("address 18 length 2"), 1) << "the board answers again";
 }
 
-// A board that stops in the middle of commands, which the link asks again without end.
+// A board that stops in the middle of a command, which the link repeats without end.
 
-TEST_F(TraceProgramEnd, InterruptEndsASetupThatTheBoardNeverTakes) {
+TEST_F(TraceProgramEnd, AnInterruptEndsASetupThatTheBoardNeverAccepts) {
     StartBoard({"--buffer", "1", "--fault", muteWrites});
     const ProgramRun run = Capture(memoryWrite, {}, {.interruptWhen = Has("write memory", 2)});
     EXPECT_EQ(run.status, 3);
@@ -193,7 +193,7 @@ TEST_F(TraceProgramEnd, InterruptEndsASetupThatTheBoardNeverTakes) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, TimeoutEndsASetupThatTheBoardNeverTakes) {
+TEST_F(TraceProgramEnd, ATimeoutEndsASetupThatTheBoardNeverAccepts) {
     StartBoard({"--buffer", "1", "--fault", muteWrites});
     const ProgramRun run = Capture(memoryWrite, {"--timeout", "8"});
     EXPECT_EQ(run.status, 3);
@@ -202,7 +202,7 @@ TEST_F(TraceProgramEnd, TimeoutEndsASetupThatTheBoardNeverTakes) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, SetupThatTheBoardNeverTakesIsGivenUp) {
+TEST_F(TraceProgramEnd, ASetupThatTheBoardNeverAcceptsIsGivenUp) {
     StartBoard({"--buffer", "1", "--fault", muteWrites});
     const ProgramRun run = Capture(memoryWrite);
     EXPECT_EQ(run.status, 3);
@@ -212,7 +212,7 @@ TEST_F(TraceProgramEnd, SetupThatTheBoardNeverTakesIsGivenUp) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, InterruptEndsAnUploadThatStandsStill) {
+TEST_F(TraceProgramEnd, AnInterruptEndsAnUploadThatStalls) {
     StartBoard({"--buffer", "1", "--fault", "delay 50"});
     const ProgramRun run =
         Capture(Writes(40), {},
@@ -224,7 +224,7 @@ TEST_F(TraceProgramEnd, InterruptEndsAnUploadThatStandsStill) {
     EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
 }
 
-TEST_F(TraceProgramEnd, UploadThatStandsStillIsGivenUp) {
+TEST_F(TraceProgramEnd, AnUploadThatStallsIsGivenUp) {
     StartBoard({"--buffer", "1", "--fault", "delay 50"});
     const ProgramRun run = Capture(
         Writes(40), {}, {.meanwhile = FaultAfter("read samples after the trigger", "mute 5")});
@@ -233,7 +233,7 @@ TEST_F(TraceProgramEnd, UploadThatStandsStillIsGivenUp) {
     EXPECT_GT(SamplesInTarget(), 0);
 }
 
-TEST_F(TraceProgramEnd, RunWhoseStatusIsNeverToldIsGivenUp) {
+TEST_F(TraceProgramEnd, ARunWithoutAStatusIsGivenUp) {
     StartBoard({"--buffer", "64", "--rate", "500"});
     const ProgramRun run = Capture(memoryWrite, {}, {.meanwhile = FaultAfter(live, "mute 1")});
     EXPECT_EQ(run.status, 3);
@@ -243,7 +243,7 @@ TEST_F(TraceProgramEnd, RunWhoseStatusIsNeverToldIsGivenUp) {
 
 // Captures that fail.
 
-TEST_F(TraceProgramEnd, SetupThatIsNoSetupIsNotSent) {
+TEST_F(TraceProgramEnd, AFileThatIsNotASetupIsNotSent) {
     StartBoard({"--buffer", "1"});
     const std::string missing = setups.File("none.tsp");
     const ProgramRun none = Capture(missing);
@@ -259,7 +259,7 @@ TEST_F(TraceProgramEnd, SetupThatIsNoSetupIsNotSent) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, BoardThatDoesNotTakeTheSetupIsNotStarted) {
+TEST_F(TraceProgramEnd, ABoardThatDoesNotAcceptTheSetupIsNotStarted) {
     // One acknowledgement for the search for its rate, five each for the identity and the bus.
     StartBoard({"--buffer", "1", "--fault", "refuse 12"});
     const ProgramRun run = Capture(memoryWrite);
@@ -270,7 +270,7 @@ TEST_F(TraceProgramEnd, BoardThatDoesNotTakeTheSetupIsNotStarted) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, LostAnswersToTheSetupAreAskedForAgain) {
+TEST_F(TraceProgramEnd, LostAnswersToTheSetupAreRequestedAgain) {
     StartBoard({"--buffer", "1", "--fault", "wrong-ack 14,drop-ack 16"});
     const ProgramRun run = Capture(memoryWrite);
     EXPECT_EQ(run.status, 0) << run.err;
@@ -278,7 +278,7 @@ TEST_F(TraceProgramEnd, LostAnswersToTheSetupAreAskedForAgain) {
     EXPECT_GT(SamplesInTarget(), 512);
 }
 
-TEST_F(TraceProgramEnd, LostLinkLeavesTheTargetAsItWas) {
+TEST_F(TraceProgramEnd, ALostLinkLeavesTheTargetUnchanged) {
     StartBoard({"--buffer", "64", "--rate", "500"});
     folder.Write("out.tra", "an older capture\n");
     const ProgramRun run = Capture(memoryWrite, {}, {.meanwhile = FaultAfter(live, "go-away")});
@@ -291,7 +291,7 @@ TEST_F(TraceProgramEnd, LostLinkLeavesTheTargetAsItWas) {
     EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
 }
 
-TEST_F(TraceProgramEnd, BoardThatFallsSilentDuringTheRunLeavesNoFile) {
+TEST_F(TraceProgramEnd, ABoardThatFallsSilentDuringTheRunLeavesNoFile) {
     StartBoard({"--buffer", "64", "--rate", "500"});
     const ProgramRun run = Capture(memoryWrite, {}, {.meanwhile = FaultAfter(live, "silence")});
     EXPECT_EQ(run.status, 3);
@@ -299,7 +299,7 @@ TEST_F(TraceProgramEnd, BoardThatFallsSilentDuringTheRunLeavesNoFile) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, LinkLostDuringTheUploadKeepsWhatHasComeAndFails) {
+TEST_F(TraceProgramEnd, ALinkLostDuringTheUploadKeepsTheSamplesThatArrivedAndFails) {
     StartBoard({"--buffer", "1", "--fault", "delay 50"});
     const ProgramRun run = Capture(
         Writes(40), {}, {.meanwhile = FaultAfter("read samples before the trigger", "go-away")});
@@ -310,7 +310,7 @@ TEST_F(TraceProgramEnd, LinkLostDuringTheUploadKeepsWhatHasComeAndFails) {
     EXPECT_LT(samples, 1024);
 }
 
-TEST_F(TraceProgramEnd, TargetThatCannotBeMade) {
+TEST_F(TraceProgramEnd, ATargetThatCannotBeCreated) {
     StartBoard({"--buffer", "1"});
     target = folder.File("none/out.tra");
     const ProgramRun run = Capture(memoryWrite);
@@ -320,7 +320,7 @@ TEST_F(TraceProgramEnd, TargetThatCannotBeMade) {
     ExpectNothingLeft();
 }
 
-TEST_F(TraceProgramEnd, NewCaptureTakesTheOldOnesPlace) {
+TEST_F(TraceProgramEnd, ANewCaptureReplacesTheOldOne) {
     StartBoard({"--buffer", "1"});
     folder.Write("out.tra", "an older capture\n");
     ASSERT_EQ(Capture(memoryWrite).status, 0);

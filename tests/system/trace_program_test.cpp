@@ -1,4 +1,5 @@
-// busquill-trace with a board: what it tells of it, and captures held against the board's traffic.
+// busquill-trace with a board: what it reports about the board, and captures compared with the
+// board's traffic.
 
 #include "support/trace_program_over_wire.h"
 
@@ -32,7 +33,7 @@ void PrintTo(const BoardCase& board, std::ostream* out) {
 
 class TraceProgramBoard : public TraceProgram, public testing::WithParamInterface<BoardCase> {};
 
-TEST_P(TraceProgramBoard, IsTold) {
+TEST_P(TraceProgramBoard, IsReported) {
     StartBoard(GetParam().options);
     const ProgramRun text = Run({"board"});
     EXPECT_EQ(text.status, 0);
@@ -105,8 +106,8 @@ bool IsWrite(const Record& record) {
     return GetBit(record, 95) && GetField(record, 64, 4) == 7;
 }
 
-/// Where a run that triggers at so many memory writes has its samples in the traffic, when it looks
-/// at it from `from` on with a memory of 1024.
+/// Where in the traffic the samples of a run lie that triggers at the `writes`th memory write, if
+/// the run sees the traffic from `from` on with a memory of 1024 samples.
 struct Window {
     Window(const std::vector<Record>& traffic, std::size_t from, int writes) {
         trigger = from;
@@ -116,7 +117,7 @@ struct Window {
         first = trigger - std::min<std::size_t>(trigger - from, 512);
         end = trigger + 512;
     }
-    /// All but the times, which begin anew with each run.
+    /// A record without its time, which starts again with each run.
     [[nodiscard]] static Record Untimed(Record record) {
         boardsim::SetField(record, boardsim::bitTime, boardsim::timeBits, 0);
         return record;
@@ -137,7 +138,7 @@ struct Window {
 class TraceProgramCapture : public TraceProgram {
 protected:
     void StartSeeded() { StartBoard({"--buffer", "1", "--seed", "5"}); }
-    /// What the board was asked for, each thing once where it comes several times.
+    /// The functions that the board was asked for, without repetitions.
     std::vector<std::string> Steps() const {
         std::vector<std::string> steps;
         for (const std::string& line : board->Functions()) {
@@ -186,7 +187,7 @@ TEST_F(TraceProgramCapture, SendsTheSetupThenStartsThenStopsThenReads) {
                                      "read zoom samples after the trigger", "read samples"));
 }
 
-TEST_F(TraceProgramCapture, IsReadAsAFileOfTheProgram) {
+TEST_F(TraceProgramCapture, IsReadLikeAFileOfTheProgram) {
     StartSeeded();
     ASSERT_EQ(Capture(memoryWrite).status, 0);
     const Window window(traffic, 0, 1);
@@ -199,7 +200,7 @@ TEST_F(TraceProgramCapture, IsReadAsAFileOfTheProgram) {
     EXPECT_THAT(search.out, StartsWith("0\n"));
 }
 
-TEST_F(TraceProgramCapture, GoesToStandardOutputAndOnIntoAnotherCommand) {
+TEST_F(TraceProgramCapture, GoesToStandardOutputAndIntoAnotherCommand) {
     StartSeeded();
     const ProgramRun run = Run({"capture", "--setup", Writes(40), "-o", "-"});
     EXPECT_EQ(run.status, 0);
@@ -237,7 +238,7 @@ TEST_F(TraceProgramCapture, RepeatedGoesIntoNumberedFilesWithTheirTimes) {
     EXPECT_EQ(Asked("start trace"), 2);
 }
 
-TEST_F(TraceProgramCapture, RunsEndWithTheFirstThatHoldsWhatIsLookedFor) {
+TEST_F(TraceProgramCapture, RunsEndWithTheFirstMatch) {
     StartSeeded();
     const Window first(traffic, 0, 40);
     const Window second(traffic, first.end, 40);
@@ -266,9 +267,9 @@ TEST_F(TraceProgramCapture, RunsEndWithTheFirstThatHoldsWhatIsLookedFor) {
     EXPECT_THAT(run.err, HasSubstr("found at sample " + std::to_string(number) + "\n"));
 }
 
-TEST_F(TraceProgramCapture, NothingIsFoundWhenNoRunHoldsIt) {
+TEST_F(TraceProgramCapture, NoMatchIsReported) {
     StartSeeded();
-    // No command is two at once.
+    // A command never has two codes at once.
     const ProgramRun run =
         Capture(memoryWrite, {"--repeat", "2", "--stop-if-found", "COMMAND=Mem Wr",
                               "--stop-if-found", "COMMAND=Int Ack"});
@@ -277,7 +278,7 @@ TEST_F(TraceProgramCapture, NothingIsFoundWhenNoRunHoldsIt) {
     EXPECT_THAT(run.err, Not(HasSubstr("found")));
 }
 
-TEST_F(TraceProgramCapture, ZerosAreFoundWhereTheyAre) {
+TEST_F(TraceProgramCapture, ZerosAreFound) {
     StartSeeded();
     const ProgramRun run = Capture(Writes(40), {"--stop-if-found", "ADDRESS32=00000000"});
     const TraceRows rows = Captured();
@@ -293,7 +294,7 @@ TEST_F(TraceProgramCapture, ZerosAreFoundWhereTheyAre) {
     EXPECT_THAT(run.err, HasSubstr("found at sample " + std::to_string(number) + "\n"));
 }
 
-TEST_F(TraceProgramCapture, WithoutATriggerEndsWithItsTimeAndKeepsWhatHasCome) {
+TEST_F(TraceProgramCapture, WithoutATriggerItEndsWithItsTimeAndKeepsTheSamples) {
     StartSeeded();
     const ProgramRun run = Capture(Never(), {"--timeout", "4"});
     EXPECT_EQ(run.status, 1);
@@ -301,7 +302,7 @@ TEST_F(TraceProgramCapture, WithoutATriggerEndsWithItsTimeAndKeepsWhatHasCome) {
                 StartsWith("busquill-trace: the time is over, and there was no trigger\n"));
     EXPECT_GE(Asked("stop trace"), 1);
     const TraceRows rows = Captured();
-    ASSERT_GT(rows.records.size(), 500U); // half of the memory lies before a trigger
+    ASSERT_GT(rows.records.size(), 500U); // half of the memory is before a trigger
     EXPECT_EQ(rows.numbers.front(), -512);
     const ProgramRun info = RunTrace({"info", target});
     EXPECT_EQ(info.status, 0);

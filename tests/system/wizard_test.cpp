@@ -1,4 +1,4 @@
-// Programs of the wizard on the board, held against a scan of the traffic that the board has seen.
+// Programs of the wizard on the board, compared with a scan of the traffic that the board has seen.
 
 #include "support/capture_over_wire.h"
 #include "tracesetup/setup_wizard.h"
@@ -17,34 +17,34 @@ using boardsim::GetField;
 using boardsim::Record;
 using testing::IsEmpty;
 
-/// A value as it is typed, and when a number is meant by it.
-struct Word {
+/// A value as it is typed, and the condition on a number that it stands for.
+struct TypedValue {
     const char* text = "";
     std::function<bool(std::uint64_t)> holds;
 };
-Word Any() {
+TypedValue Any() {
     return {};
 }
-Word Is(const char* text, std::uint64_t value, std::uint64_t mask = ~std::uint64_t{0}) {
+TypedValue Is(const char* text, std::uint64_t value, std::uint64_t mask = ~std::uint64_t{0}) {
     return {text, [=](std::uint64_t found) { return (found & mask) == value; }};
 }
-Word Between(const char* text, std::uint64_t low, std::uint64_t high) {
+TypedValue Between(const char* text, std::uint64_t low, std::uint64_t high) {
     return {text, [=](std::uint64_t found) { return found > low && found < high; }};
 }
 
 struct Question {
     WizardCycle cycle;
     std::size_t direction;
-    Word address = {};
-    Word data = {};
-    /// Whether these are the command lines of such a cycle.
+    TypedValue address = {};
+    TypedValue data = {};
+    /// Whether these command lines belong to such a cycle.
     std::function<bool(std::uint64_t)> command = {};
 };
 
-/// What a run must have captured, and where it has ended in the traffic.
+/// The samples of a run, as indexes of the traffic, and where the run ends in the traffic.
 struct Expected {
     std::size_t trigger = 0;
-    std::vector<std::size_t> before; // samples of the traffic
+    std::vector<std::size_t> before; // the trigger, the oldest first
     std::vector<std::size_t> after;
     std::size_t end = 0;
 };
@@ -65,7 +65,7 @@ protected:
         answer.data = *ParseWizardValue(question.data.text, prompts);
         return answer;
     }
-    /// Looks for the trigger by conditions that follow one another, from where the last run ended.
+    /// Finds the trigger by successive conditions, from where the last run ended.
     template <typename Store>
     Expected Scan(const std::vector<std::function<bool(std::size_t)>>& conditions, Store stores) {
         Expected expected;
@@ -92,7 +92,7 @@ protected:
         expected.end = at;
         return expected;
     }
-    /// Builds and runs the program, and holds what has come against the scan.
+    /// Builds and runs the program, and compares its capture with the scan.
     void Run(const Question& trigger, const Question& kept, const Expected& expected) {
         ASSERT_LT(expected.end, traffic.size()) << "the test needs more traffic";
         BuildWizardSetup(document->setup, Answer(trigger), Answer(kept));
@@ -112,7 +112,7 @@ protected:
         position = expected.end;
         EXPECT_THAT(prompts.Texts(), IsEmpty());
     }
-    /// All but the time, which is that since the sample stored before.
+    /// Compares all but the time, which counts from the previously stored sample.
     static bool SameLines(Record a, Record b) {
         boardsim::SetField(a, boardsim::bitTime, boardsim::timeBits, 0);
         boardsim::SetField(b, boardsim::bitTime, boardsim::timeBits, 0);
@@ -123,7 +123,7 @@ protected:
     std::size_t position = 0;
 };
 
-/// A bus on which a transfer has its address first and its data later.
+/// A bus whose transfers have their address first and their data later.
 class PciWizard : public WizardOverWire {
 protected:
     explicit PciWizard(int configuration = 0, int bits = 32)
@@ -136,7 +136,7 @@ protected:
             if (IsAddress(record)) {
                 current = GetField(record, 64, 4);
             } else if (GetBit(record, 72) && GetBit(record, 74)) {
-                current.reset(); // FRAME and IRDY are off: the bus is idle
+                current.reset(); // FRAME and IRDY are inactive: the bus is idle
             }
             commands.push_back(current);
         }
@@ -176,8 +176,8 @@ protected:
         Run(trigger, kept, Scan(conditions, [&](std::size_t at) { return Stores(kept, at); }));
     }
 
-    static Question Of(WizardCycle cycle, std::size_t direction, Word address = {},
-                       Word data = {}) {
+    static Question Of(WizardCycle cycle, std::size_t direction, TypedValue address = {},
+                       TypedValue data = {}) {
         // Bit 0 is a write; the three bits above are 1 for I/O, 3 for memory, 5 for configuration.
         const std::uint64_t kind = cycle == WizardCycle::Memory ? 3
                                    : cycle == WizardCycle::Io   ? 1
@@ -188,14 +188,15 @@ protected:
                             (direction == WizardDirection::Both || (lines & 1) == direction));
                 }};
     }
-    static Question All(Word address = {}, Word data = {}) {
+    static Question All(TypedValue address = {}, TypedValue data = {}) {
         return Of(WizardCycle::All, WizardDirection::Both, std::move(address), std::move(data));
     }
 
     const int busByte;
     const int busBits;
     bool isPciX = false;
-    std::vector<std::optional<std::uint64_t>> commands; // of the transfer that each sample is in
+    std::vector<std::optional<std::uint64_t>>
+        commands; // of the transfer to which each sample belongs
 };
 
 using enum WizardCycle;
@@ -203,12 +204,12 @@ constexpr std::size_t read = WizardDirection::Read;
 constexpr std::size_t write = WizardDirection::Write;
 constexpr std::size_t both = WizardDirection::Both;
 
-TEST_F(PciWizard, TriggersAndStoresAsAsked) {
+TEST_F(PciWizard, TriggersAndStoresAsChosen) {
     StartPci("pci32", Family::Pci32);
-    const Word buffer = Between("1F40000 to 1F40200", 0x1F40000, 0x1F40200);
-    const Word device = Is("FEBF0xx0", 0xFEBF0000, 0xFFFFF00F);
-    const Word five = Is("xxxxxxx5", 5, 15);
-    const Word low = Between("0 to 40000000", 0, 0x40000000);
+    const TypedValue buffer = Between("1F40000 to 1F40200", 0x1F40000, 0x1F40200);
+    const TypedValue device = Is("FEBF0xx0", 0xFEBF0000, 0xFFFFF00F);
+    const TypedValue five = Is("xxxxxxx5", 5, 15);
+    const TypedValue low = Between("0 to 40000000", 0, 0x40000000);
     Check(All(), All());
     Check(Of(Memory, write), Of(Memory, both));
     Check(Of(Memory, read, Is("100100", 0x100100)), All());
@@ -241,7 +242,7 @@ protected:
     PciXWizard() : PciWizard(0x01, 64) { isPciX = true; }
 };
 
-TEST_F(PciXWizard, KnowsAttributesAndCommandsOfItsOwn) {
+TEST_F(PciXWizard, UsesAttributesAndCommandsOfPciX) {
     StartPci("pcix", Family::PciX);
     Check(Of(Memory, read), Of(Memory, write));
     Check(Of(Memory, write, Between("1F40000 to 1F40200", 0x1F40000, 0x1F40200)), All());
@@ -250,7 +251,7 @@ TEST_F(PciXWizard, KnowsAttributesAndCommandsOfItsOwn) {
           Of(Memory, both, Any(), Is("xxxxxxxxxxxxxxx5", 5, 15)));
 }
 
-/// A bus whose cycles have address and data at once.
+/// A bus whose cycles have address and data at the same time.
 class VmeWizard : public WizardOverWire {
 protected:
     bool Holds(const Question& asked, std::size_t at) const {
@@ -267,8 +268,8 @@ protected:
             Scan({[&](std::size_t at) { return Holds(trigger, at); }},
                  [&](std::size_t at) { return Holds(kept, at); }));
     }
-    /// Lines: WRITE, and above it IACK; both are off when 1.
-    static Question Of(std::size_t direction, Word address = {}, Word data = {}) {
+    /// Lines: WRITE, and above it IACK; both are inactive when 1.
+    static Question Of(std::size_t direction, TypedValue address = {}, TypedValue data = {}) {
         return {WizardCycle::Memory, direction, std::move(address), std::move(data),
                 [=](std::uint64_t lines) {
                     switch (direction) {
@@ -291,12 +292,12 @@ protected:
 constexpr std::size_t interrupt = WizardDirection::VmeInterrupt;
 constexpr std::size_t all = WizardDirection::VmeAll;
 
-TEST_F(VmeWizard, TriggersAndStoresAsAsked) {
+TEST_F(VmeWizard, TriggersAndStoresAsChosen) {
     Start("VMEKite", "vme", Family::Vme);
-    const Word region = Between("8000000 to 8002000", 0x8000000, 0x8002000);
-    const Word block = Is("FF2003xx", 0xFF200300, 0xFFFFFF00);
-    const Word kite = Is("4b495445", 0x4B495445);
-    const Word low = Between("0 to 80000000", 0, 0x80000000);
+    const TypedValue region = Between("8000000 to 8002000", 0x8000000, 0x8002000);
+    const TypedValue block = Is("FF2003xx", 0xFF200300, 0xFFFFFF00);
+    const TypedValue kite = Is("4b495445", 0x4B495445);
+    const TypedValue low = Between("0 to 80000000", 0, 0x80000000);
     Check(Of(all), Of(all));
     Check(Of(interrupt), Of(write));
     Check(Of(write, region), Of(read));
@@ -314,7 +315,7 @@ class LarkWizard : public VmeWizard {
 protected:
     LarkWizard() {
         writeBit = 97;
-        interruptBit = 0; // the board does not look at it
+        interruptBit = 0; // the board does not compare it
     }
 };
 

@@ -11,7 +11,7 @@ constexpr std::size_t nameLength = 8;
 
 constexpr std::uint8_t searching = 0x80;
 
-/// The models of the two smaller tiers have no Power Zoom memory.
+/// Models of the two smaller tiers have no Power Zoom memory.
 bool HasZoom(const std::string& model) {
     return model.find("Wren") == std::string::npos && model.find("Lark") == std::string::npos;
 }
@@ -199,7 +199,7 @@ Board::Bytes Board::Run(std::uint8_t function) {
         return reply;
     }
     default:
-        // A function that the board does not know gets no answer.
+        // Functions that the board does not know get no answer.
         return FunctionName(function).empty() ? Bytes() : Acknowledge();
     }
 }
@@ -258,8 +258,8 @@ void Board::StartTrace() {
                      memory.subspan(regParams, 3), bufferSamples_, hasZoom_);
 }
 
-/// Looks through the sample memory from the place in the search registers on, in the direction that
-/// they say, and leaves the place of the first sample that fits.
+/// Searches the sample memory from the position in the search registers on, in the direction that
+/// they give, and stores the position of the first matching sample.
 void Board::Search() {
     constexpr std::uint8_t hit = 0x01;
     constexpr std::uint8_t onTriggerOrAfter = 0x02;

@@ -13,7 +13,7 @@
 
 namespace boardsim {
 
-/// What a board says of itself.
+/// The identity of a board.
 struct Identity {
     std::string model = "PCIKite"; // the wire carries its first 8 characters
     std::uint8_t suffix = 3;
@@ -25,36 +25,37 @@ struct Identity {
     std::uint8_t megahertz = 33;
 };
 
-/// What can be made to go wrong. Counts of replies run down to the one that is hit.
+/// Faults. Counts of replies run down to the one that is affected.
 struct Faults {
     bool silence = false;
-    int dropAcknowledge = 0;  // the Nth acknowledgement from now is left out
-    int wrongAcknowledge = 0; // or is another byte
-    int refuse = 0;           // it and all that follow are another byte
+    int dropAcknowledge = 0;  // the Nth acknowledgement from now is omitted
+    int wrongAcknowledge = 0; // the Nth acknowledgement from now is another byte
+    int refuse = 0;           // the Nth and all later acknowledgements are another byte
     bool wrongClose = false;  // the next data reply ends in another byte
-    int shortReply = 0;       // the next data reply lacks so many bytes at its end
+    int shortReply = 0;       // number of bytes that the next data reply lacks at its end
     int mute = 0;             // this function gets no answer any more
-    int searchBusy = 0;       // so many looks at a search find it still going on
+    int searchBusy = 0;       // number of polls of a search that find it busy
 };
 
-/// The board's side of the wire, a byte at a time, with no line behind it.
+/// The board's side of the wire, byte by byte, without a line.
 class Board {
 public:
-    /// A board whose memory holds samples; the traffic is what a run sees.
+    /// A board whose memory holds samples; a run samples the traffic.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
           std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr,
           Comparators comparators = {});
 
-    /// Takes one byte from the host and returns what the board answers.
+    /// Takes one byte from the host and returns the board's answer.
     [[nodiscard]] std::vector<std::uint8_t> Receive(std::uint8_t byte);
 
-    /// The rate at which the board listens. Changes after the reply to the command that asks.
+    /// The rate at which the board listens. Changes after the reply to the command that requests
+    /// it.
     [[nodiscard]] int Baud() const noexcept { return baud_; }
     [[nodiscard]] std::uint8_t Memory(std::uint32_t address) const { return memory_[address]; }
-    /// Whether a run is active that wants samples of the bus, and so many of them.
+    /// Whether an active run needs samples of the bus, and how many.
     [[nodiscard]] bool Sampling() const noexcept { return sequencer_.WantsSamples(); }
     void SampleBus(std::size_t count);
-    /// As if the first byte of a frame had come.
+    /// Behaves as if the first byte of a frame had arrived.
     void StandInFrame() { opcode_ = opLength0; }
 
     Faults faults;
@@ -87,7 +88,7 @@ private:
     std::uint32_t length_ = 0;
     std::uint8_t searchState_ = 0;                // as the host reads it at the end
     std::optional<std::uint8_t> opcode_;          // first byte of a frame
-    std::optional<std::uint8_t> payloadFunction_; // a payload is awaited for it
+    std::optional<std::uint8_t> payloadFunction_; // the function whose payload is expected
     Bytes payload_;
 };
 

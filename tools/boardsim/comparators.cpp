@@ -5,7 +5,7 @@ namespace boardsim {
 namespace {
 
 constexpr std::size_t eventRow = 30;
-constexpr int busRange = 110;  // chooses how AD, or the address of a VME bus, is compared
+constexpr int busRange = 110;  // selects how AD, or the address of a VME bus, is compared
 constexpr int dataRange = 118; // the same for the data of a VME bus
 constexpr int halfWidth = 32;
 

@@ -62,7 +62,7 @@ private:
     bool good_ = true;
 };
 
-/// The first memory write at or behind a place; the place itself where none follows.
+/// The first memory write at or after a position; the position itself if none follows.
 std::size_t FindWrite(const std::vector<Record>& records, std::size_t from) {
     for (std::size_t i = from; i < records.size(); ++i) {
         if (GetBit(records[i], writeEvent.addressBit) &&
@@ -110,7 +110,7 @@ int RecordFile(const Options& options) {
     return 0;
 }
 
-/// A board on a pseudo terminal, until it is told to stop.
+/// A board on a pseudo terminal, until it is stopped.
 class Bench {
 public:
     Bench(const Options& options, Board& board)
@@ -172,7 +172,7 @@ private:
         }
     }
 
-    /// The samples of the time that has passed, or a handful where no rate is asked for.
+    /// Takes the samples of the time that has passed, or a fixed number if no rate is given.
     void SampleBus() {
         constexpr std::size_t handful = 4096;
         if (rate_ <= 0) {
@@ -260,7 +260,7 @@ private:
     }
 
     Board& board_;
-    long rate_; // samples of the bus each second; 0: as many as can be made
+    long rate_; // samples of the bus per second; 0: as many as possible
     double owedSamples_ = 0;
     std::chrono::steady_clock::time_point sampledUpTo_ = std::chrono::steady_clock::now();
     PseudoTerminal line_;
@@ -271,7 +271,7 @@ private:
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
 };
 
-/// The traffic that a model sees, unless another is asked for.
+/// The default traffic of a model.
 std::string FamilyOfModel(const std::string& model) {
     if (model.starts_with("VSB")) {
         return "vsb";

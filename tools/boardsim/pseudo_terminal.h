@@ -25,7 +25,7 @@ public:
 
 private:
     int board_ = -1;
-    int keeper_ = -1; // holds the host's end, so that the line outlives a host
+    int keeper_ = -1; // keeps the host's end open when a host leaves
     std::string path_;
 };
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t levelRow = 20;
 constexpr int zoomTrigger = 255;
-/// Samples of the bus on each side of the trigger that the finest zoom memory can span.
+/// Samples of the bus on each side of the trigger that the finest zoom clock can span.
 constexpr std::size_t zoomSpan = 2100;
 
 enum Token : unsigned { And = 9, Or = 10, Not = 11, Xor = 12, Open = 13, Close = 14 };
@@ -22,7 +22,7 @@ public:
     Evaluator(std::span<const unsigned> tokens, unsigned events)
         : tokens_(tokens), events_(events) {}
 
-    /// Nothing for tokens that make no expression.
+    /// Empty for tokens that are not an expression.
     std::optional<bool> Run() {
         const bool value = Binary(Or);
         return broken_ || at_ != tokens_.size() ? std::nullopt : std::optional(value);
@@ -179,7 +179,7 @@ void Sequencer::Feed(const Record& record) {
         occurrences_ = 0;
         Take(level.onSuccess, timed);
     }
-    const bool triggeredHere = triggered_ && !wasTriggered; // which has stored it
+    const bool triggeredHere = triggered_ && !wasTriggered; // then the sample is already stored
     if (stored && !triggeredHere) {
         Store(timed);
     }
@@ -231,7 +231,7 @@ void Sequencer::NoteForZoom(const Record& record) {
 std::array<std::uint8_t, 9> Sequencer::LiveStatus() const {
     std::array<std::uint8_t, 9> status{};
     if (levels_.empty()) {
-        return status; // what the memory holds was put there
+        return status; // the memory was given at construction
     }
     status[0] = static_cast<std::uint8_t>(level_ | (full_ ? 0x10 : 0) | (triggered_ ? 0x20 : 0) |
                                           (active_ ? 0x80 : 0));

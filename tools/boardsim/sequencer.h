@@ -11,7 +11,7 @@
 
 namespace boardsim {
 
-/// The board's trigger sequencer with its sample memory: runs a downloaded program over traffic.
+/// The board's trigger sequencer and its sample memory: runs a downloaded program over traffic.
 ///
 ///   for each sample, in the level that is active:
 ///     stored when the level's store expression holds, and always when the trigger falls on it
@@ -22,17 +22,18 @@ namespace boardsim {
 /// An operator binds in the order NOT, AND, XOR, OR.
 class Sequencer {
 public:
-    /// A memory that holds samples already, as after a run.
+    /// A memory that already holds samples, as after a run.
     Sequencer(std::vector<Record> samples, std::size_t trigger, std::vector<Record> zoom,
               Comparators comparators = {});
 
     /// Takes the program from the bytes of its registers: event rows, level rows, parameters.
-    /// `bufferSamples` is the size of the sample memory; a board without Power Zoom keeps none.
+    /// `bufferSamples` is the size of the sample memory; a board without Power Zoom has no zoom
+    /// memory.
     void Start(std::span<const std::uint8_t> events, std::span<const std::uint8_t> control,
                std::span<const std::uint8_t> parameters, std::size_t bufferSamples, bool hasZoom);
     void Stop();
 
-    /// One sample of the bus, in turn. Ignored when no run is active or the memory is full.
+    /// One sample of the bus, in order. Ignored if no run is active or the memory is full.
     void Feed(const Record& record);
     [[nodiscard]] bool WantsSamples() const noexcept { return active_ && !full_; }
 
@@ -40,14 +41,14 @@ public:
     [[nodiscard]] std::array<std::uint8_t, 9> LiveStatus() const;
 
     /// The sample at a distance from the trigger, and that of the zoom memory; all zeros where
-    /// nothing is held.
+    /// there is none.
     [[nodiscard]] Record At(std::int64_t distance) const;
-    /// The distances of the first and the last sample that are held.
+    /// The distances of the first and the last stored sample.
     [[nodiscard]] std::pair<std::int64_t, std::int64_t> Range() const;
     [[nodiscard]] Record ZoomAt(std::int64_t distance) const;
 
 private:
-    /// What an expression says for each set of events that a sample matches.
+    /// The result of an expression for each set of events that a sample matches.
     using Truth = std::bitset<256>;
     struct Branch {
         int level = 0;
@@ -81,7 +82,7 @@ private:
     std::deque<Record> before_; // the oldest first
     std::vector<Record> after_; // the trigger's sample first
 
-    std::deque<Record> recent_; // of the bus around the trigger, for the zoom memory
+    std::deque<Record> recent_; // samples of the bus around the trigger, for the zoom memory
     std::size_t recentTrigger_ = 0;
     unsigned zoomPicoseconds_ = 0; // 0: the board has none
     std::vector<Record> zoom_;

@@ -29,10 +29,10 @@ constexpr Bus pciBuses[] = {
 
 constexpr Bus timeBus = {"TIME", 18, 110};
 
-/// How a group of bits is shown: under a name of its own when it is decoded.
+/// How a group of bits is shown: a decoded one has its own name.
 struct Row {
     Bus bus;
-    std::string_view decoded = {}; // decoded definition, whose name the row then bears
+    std::string_view decoded = {}; // decoded definition, which gives the row its name
     unsigned color = 0;
     bool hiddenTime = false; // the field from which times between samples are summed
 };

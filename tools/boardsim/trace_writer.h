@@ -7,7 +7,7 @@
 
 namespace boardsim {
 
-/// What a recorded setup of the PCI family triggers on.
+/// The trigger of a recorded setup of the PCI family.
 struct WriteEvent {
     int addressBit = 95; // set in an address phase
     int commandBit = 64; // four bits
@@ -15,7 +15,7 @@ struct WriteEvent {
 };
 constexpr WriteEvent writeEvent;
 
-/// What goes into a trace file.
+/// The content of a trace file.
 struct Recording {
     std::string name;
     std::string description;

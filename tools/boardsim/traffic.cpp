@@ -6,7 +6,7 @@ namespace boardsim {
 
 namespace {
 
-/// Of the unit codes.
+/// Nanoseconds, by unit code.
 constexpr std::uint64_t timeUnits[] = {1, 1000, 1000000, 1000000000};
 constexpr std::uint64_t largestCount = 0x7FFF;
 

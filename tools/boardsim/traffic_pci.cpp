@@ -123,12 +123,12 @@ private:
     }
 
     std::uint32_t MemoryAddress() {
-        // A few buffers in memory and a device's registers, as a driver touches them.
+        // A few buffers in memory and the registers of a device, as a driver uses them.
         constexpr std::uint32_t regions[] = {0x00100000, 0x01F40000, 0xFEBF0000};
         return regions[Pick(3)] + Pick(64) * 16;
     }
 
-    /// Puts a clock; parity follows one clock behind what it covers.
+    /// Puts a clock; parity is one clock later than what it covers.
     void Clock(Record record, unsigned rule = 0) {
         SetBit(record, bitPar, Odd(GetField(last_, bitAd, 32)) != Odd(GetField(last_, bitCbe, 4)));
         if (wide_) {
@@ -148,7 +148,8 @@ private:
         }
     }
 
-    /// Arbitration, address phase and, on PCI-X, the attributes. The record of the clock after.
+    /// Arbitration, address phase and, on PCI-X, the attributes. Returns the record of the next
+    /// clock.
     Record Begin(const Access& access) {
         Record request = idle_;
         SetBit(request, bitReq, false);
@@ -225,7 +226,7 @@ private:
         }
     }
 
-    /// A target that asks for another try, or breaks off.
+    /// A target that requests a retry, or disconnects.
     void Refused(const Access& access, bool retry) {
         Record data = Begin(access);
         Clock(data);
@@ -258,7 +259,7 @@ private:
         Idle(3);
     }
 
-    /// Nobody answers a message to all; the master ends it.
+    /// A special cycle: no target answers, and the master ends it.
     void SpecialCycle() {
         Record data = Begin({cmdSpecial, 0, 1, 0});
         SetField(data, bitAd, 32, 0x00000001);

@@ -4,7 +4,7 @@ namespace boardsim {
 
 namespace {
 
-// Address and data share the lines below; levels: 0 is asserted.
+// Address and data share the lower lines; levels: 0 is asserted.
 enum VsbBit : int {
     bitAd = 0,
     bitSpace = 64,

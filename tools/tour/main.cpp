@@ -1,4 +1,4 @@
-// Goes through the program's windows and leaves a picture of each.
+// Opens the program's windows one by one and saves a picture of each.
 
 #include "platform/clock.h"
 #include "platform/serial_port.h"
@@ -67,7 +67,8 @@ public:
         return found;
     }
 
-    /// Chooses an entry; a dialog that it opens is pictured under `name` and closed.
+    /// Chooses an entry; saves a picture of a dialog that it opens under `name`, and closes the
+    /// dialog.
     void Choose(CMainFrame& frame, const QString& path, const QString& name) {
         QAction* action = Find(*frame.menuBar(), path);
         if (action == nullptr) {
@@ -80,8 +81,9 @@ public:
         QApplication::processEvents();
     }
 
-    /// Clicks a button; a dialog that it opens is pictured under `name`, with those that its own
-    /// buttons open (their object names or texts, and the names of the pictures), and closed.
+    /// Clicks a button; saves a picture of a dialog that it opens under `name`, and of the dialogs
+    /// that its buttons open in turn (`inside`: their object names or texts, and the names of the
+    /// pictures), and closes them.
     void Click(QAbstractButton& button, const QString& name,
                const std::map<QString, QString>& inside = {}) {
         modalName_ = name;
@@ -90,7 +92,7 @@ public:
         QApplication::processEvents();
     }
 
-    /// Pictures a modal window that stands open, and closes it.
+    /// Saves a picture of an open modal window, and closes it.
     void WatchModal() {
         QWidget* modal = QApplication::activeModalWidget();
         if (modal == nullptr || !modal->isVisible()) {
@@ -106,7 +108,7 @@ public:
             if (found != inside_.end()) {
                 modalName_ = found->second;
                 inside_.erase(found);
-                pictured_ = modal; // it stands open longer
+                pictured_ = modal; // it remains open
                 QTimer::singleShot(0, button, &QAbstractButton::click);
                 return;
             }
@@ -132,7 +134,7 @@ private:
     bool failed_ = false;
 };
 
-/// Runs the program's windows until something holds, at most so many milliseconds.
+/// Runs the event loop until a condition holds, at most `limit` milliseconds.
 template <typename Condition>
 bool WaitFor(Condition holds, int limit) {
     QElapsedTimer time;
@@ -240,7 +242,7 @@ int main(int argc, char** argv) {
     const WorkingDirectory directory = WorkingDirectory::AtStart();
     const std::string name = ApplicationName(CommandLineSwitch({argv[3]}));
     QApplication application(argc, argv);
-    QApplication::setApplicationName(stockName); // it stands in the titles of boxes
+    QApplication::setApplicationName(stockName); // it is shown in the titles of boxes
     Tour tour(QString("%1/%2").arg(argv[2], argv[1]));
 
     MainThread mainThread;

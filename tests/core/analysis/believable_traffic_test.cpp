@@ -1,5 +1,5 @@
-/// Long traffic of each family, held against what its samples tell on their own: findings that the
-/// board marked, and edges of single lines.
+/// Long traffic of each family, compared with what its samples show independently: findings that
+/// the board marked, and edges of single lines.
 #include "analysis/trace_stats.h"
 #include "boardsim/traffic.h"
 #include "support/board_tables.h"
@@ -95,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Families, BelievableStrobes, testing::Values(vme, lark,
 
 } // namespace
 
-TEST_P(BelievableTraffic, AddsUpTheSameHoweverItIsCut) {
+TEST_P(BelievableTraffic, AddsUpTheSameInPiecesOfAnySize) {
     const auto records = Records(GetParam());
     const TraceSummary whole = SummaryOf(GetParam(), records, records.size());
     EXPECT_EQ(SummaryOf(GetParam(), records, 1), whole);
@@ -104,7 +104,7 @@ TEST_P(BelievableTraffic, AddsUpTheSameHoweverItIsCut) {
     EXPECT_LT(whole.idleTime, whole.time);
 }
 
-TEST_P(BelievablePci, EndsAsTheFindingsTell) {
+TEST_P(BelievablePci, EndsAsTheFindingsReport) {
     const TraceSummary summary = SummaryOf(GetParam(), Records(GetParam()), sampleCount);
     EXPECT_EQ(summary.retries, FindingsOf(summary, 112));
     EXPECT_EQ(summary.disconnects, FindingsOf(summary, 113));
@@ -112,7 +112,7 @@ TEST_P(BelievablePci, EndsAsTheFindingsTell) {
     EXPECT_GT(summary.retries, 0U);
     EXPECT_GT(summary.disconnects, 0U);
     EXPECT_GT(summary.targetAborts, 0U);
-    EXPECT_EQ(summary.masterAborts, 0U); // but for special cycles everybody is answered
+    EXPECT_EQ(summary.masterAborts, 0U); // every transaction is claimed, except special cycles
 }
 
 TEST_P(BelievablePci, HasATransactionForEachAddressPhase) {

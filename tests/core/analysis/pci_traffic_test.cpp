@@ -52,7 +52,7 @@ TEST_F(PciStats, CountTransactionsByCommandInTheOrderOfTheTable) {
     EXPECT_EQ(summary.masterAborts, 0U);
 }
 
-TEST_F(PciStats, NameACommandThatTheTableDoesNotKnowByItsCode) {
+TEST_F(PciStats, NameACommandThatIsNotInTheTableByItsCode) {
     const TraceSummary summary = Of(CaptureBuilder().Address(0, 0x4).Data(0).Idle().Read(0).Idle());
     EXPECT_EQ(Labels(summary), (std::vector<std::string>{"Mem Rd", "C/BE 4"}));
 }
@@ -107,7 +107,7 @@ TEST_F(PciStats, CountWaitStatesOfEachSide) {
 }
 
 TEST_F(PciStats, EndWithTheDataPhaseInWhichFrameIsDeasserted) {
-    // Sample 3 follows the end, whatever its lines say.
+    // Sample 3 follows the end and does not count, whatever its lines are.
     const TraceSummary summary = Transaction("~_~~~")
                                      .Line("IRDY", "~~__~")
                                      .Line("TRDY", "~~__~")
@@ -168,12 +168,12 @@ TEST_F(PciStats, TakeTheCommandOfADualAddressCycleFromItsUpperHalf) {
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"DAC-Mem Wr"});
 }
 
-TEST_F(PciStats, NameADualAddressCycleWithoutARowAfterTheCommand) {
+TEST_F(PciStats, NameADualAddressCycleThatIsNotInTheTableByItsCommand) {
     const TraceSummary summary = AddressAndClocks("~_~~").At(1, "C/BE", 0xED).Summary();
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"DAC-Mem Rd Line"});
 }
 
-TEST_F(PciStats, TakeAnAddressPhaseBehindAClockForANewTransaction) {
+TEST_F(PciStats, TreatAnAddressPhaseAfterAnotherClockAsANewTransaction) {
     const TraceSummary summary = AddressAndClocks("~___~")
                                      .Line("DEVSEL", "~~_~~")
                                      .At(1, "C/BE", 0x6D)
@@ -183,7 +183,7 @@ TEST_F(PciStats, TakeAnAddressPhaseBehindAClockForANewTransaction) {
     EXPECT_EQ(Labels(summary), (std::vector<std::string>{"Mem Wr", "DAC-Mem Rd"}));
 }
 
-TEST_F(PciStats, TakeAddressPhasesAloneForTransactionsThatNothingIsKnownOf) {
+TEST_F(PciStats, TreatAddressPhasesAloneAsTransactions) {
     const TraceSummary summary = Of(CaptureBuilder()
                                         .Address(0, PciCommand::MemoryRead)
                                         .Address(4, PciCommand::MemoryRead)
@@ -205,10 +205,11 @@ TEST_F(PciStats, CallStopWithoutDataARetry) {
     EXPECT_EQ(summary.disconnects, 0U);
     EXPECT_EQ(summary.masterAborts, 0U);
     EXPECT_EQ(summary.burstLengths, (Lengths{{0, 1}}));
-    EXPECT_EQ(summary.waitStates, (WaitStates{0, 1})); // a target that stops does not wait
+    EXPECT_EQ(summary.waitStates,
+              (WaitStates{0, 1})); // a target that stops does not insert wait states
 }
 
-TEST_F(PciStats, CallStopBehindDataADisconnect) {
+TEST_F(PciStats, CallStopAfterDataADisconnect) {
     const TraceSummary summary = Transaction("~___~~")
                                      .Line("IRDY", "~~___~")
                                      .Line("TRDY", "~~_~~~")
@@ -288,7 +289,7 @@ TEST_F(PciStats, DoNotCallASpecialCycleAMasterAbort) {
     EXPECT_EQ(summary(0xF2).masterAborts, 1U);
 }
 
-TEST_F(PciStats, CountNothingOfATransactionWhoseAddressPhaseIsMissing) {
+TEST_F(PciStats, IgnoreATransactionWhoseAddressPhaseIsMissing) {
     const TraceSummary summary = Of(CaptureBuilder().Wait(2).Data(1).Idle(2));
     EXPECT_EQ(summary.samples, 5U);
     EXPECT_EQ(summary.idleSamples, 2U);
@@ -299,7 +300,7 @@ TEST_F(PciStats, CountNothingOfATransactionWhoseAddressPhaseIsMissing) {
     EXPECT_EQ(summary.waitStates, WaitStates{});
 }
 
-TEST_F(PciStats, CountAnOpenTransactionWithWhatItHas) {
+TEST_F(PciStats, CountAnOpenTransactionAsFarAsItIsCaptured) {
     const TraceSummary summary = Transaction("~____")
                                      .Line("IRDY", "~~___")
                                      .Line("TRDY", "~~~__")
@@ -322,8 +323,8 @@ TEST_F(PciStats, CallTheBusIdleWithoutFrameAndIrdy) {
     EXPECT_EQ(summary.idleSamples, 2U);
 }
 
-TEST_F(PciStats, TakeNothingForAnAttributePhase) {
-    // Where PCI-X marks its attributes lies another line.
+TEST_F(PciStats, HaveNoAttributePhase) {
+    // Another line lies where PCI-X marks its attribute phase.
     const TraceSummary summary = Transaction("~_~~")
                                      .Line("IRDY", "~~_~")
                                      .Line("TRDY", "~~_~")

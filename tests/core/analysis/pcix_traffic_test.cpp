@@ -17,8 +17,8 @@ constexpr std::uint32_t memoryReadBlock = 0xE;
 
 class PciXStats : public testing::Test {
 protected:
-    /// Sample 1 is the address phase, 2 the attribute phase; C/BE is high behind them. Both sides
-    /// are ready in samples 4 to 6, the last two behind FRAME.
+    /// Sample 1 is the address phase, 2 the attribute phase; C/BE is high after them. Both sides
+    /// are ready in samples 4 to 6; the last two follow the end of FRAME.
     Waves ThreeDataPhases(std::uint32_t command) {
         return Begun("~____~~~", command)
             .Line("IRDY", "~~~____~")
@@ -37,7 +37,7 @@ protected:
 
 } // namespace
 
-TEST_F(PciXStats, GoOnBehindFrame) {
+TEST_F(PciXStats, GoOnAfterFrame) {
     Waves waves = ThreeDataPhases(memoryWrite);
     waves.At(4, "C/BE", 0xFC).At(5, "C/BE", 0xF0).At(6, "C/BE", 0xF7);
     const TraceSummary summary = waves.Summary();
@@ -46,7 +46,7 @@ TEST_F(PciXStats, GoOnBehindFrame) {
     EXPECT_EQ(summary.unfinished, 0U);
 }
 
-TEST_F(PciXStats, CountNoWaitInTheAttributePhase) {
+TEST_F(PciXStats, CountNoWaitStateInTheAttributePhase) {
     EXPECT_EQ(ThreeDataPhases(memoryWrite).Summary().waitStates, (WaitStates{0, 1}));
 }
 
@@ -100,7 +100,7 @@ TEST_F(PciXStats, TakeTheLanesOfOneWordFromItsDataWithoutAttributes) {
     EXPECT_EQ(summary.bytes, 2U);
 }
 
-TEST_F(PciXStats, TakeASampleWithBothMarksForAnAttributePhase) {
+TEST_F(PciXStats, TakeASampleWithBothMarksAsAnAttributePhase) {
     const TraceSummary summary =
         ThreeDataPhases(memoryReadBlock).At(2, "ADR/DATA", 1).At(2, "AD", 8).Summary();
     const std::vector<CommandCount> expected = {{"Mem Rd Blk", 1, 3, 8}};
@@ -131,11 +131,11 @@ TEST_F(PciXStats, CountNoDataInTheSplitResponseToARead) {
     EXPECT_EQ(summary(memoryReadDword).masterAborts, 0U);
     EXPECT_EQ(summary(ioWrite).splitResponses, 1U);
     EXPECT_EQ(Command(summary(ioWrite), "I/O Wr").dataPhases, 1U);
-    // The target is done in sample 5.
+    // The target ends in sample 5.
     EXPECT_EQ(summary(ioWrite).waitStates, (WaitStates{0, 1}));
 }
 
-TEST_F(PciXStats, TellADisconnectFromATargetAbortByTrdy) {
+TEST_F(PciXStats, DistinguishADisconnectFromATargetAbortByTrdy) {
     const auto summary = [&](const char* trdy) {
         return Begun("~___~~~", memoryWrite)
             .Line("IRDY", "~~~___~")
@@ -151,7 +151,7 @@ TEST_F(PciXStats, TellADisconnectFromATargetAbortByTrdy) {
     EXPECT_EQ(summary("~~~~~~~").targetAborts, 1U);
 }
 
-TEST_F(PciXStats, CountARetryOfWhichTheTargetIsDoneAtOnce) {
+TEST_F(PciXStats, CountARetryThatTheTargetEndsAtOnce) {
     const TraceSummary summary = Begun("~____~~~", memoryWrite)
                                      .Line("IRDY", "~~~____~")
                                      .Line("DEVSEL", "~~~__~~~")

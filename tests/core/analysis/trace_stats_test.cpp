@@ -64,13 +64,13 @@ TEST(TraceStats, AddUpTheTimesOfAllSamplesButTheFirst) {
     EXPECT_EQ(SummaryOf(BoardTables("PCIKite"), capture).time, 6'005'004'030);
 }
 
-TEST(TraceStats, KeepAFindingOutOfTheTime) {
+TEST(TraceStats, KeepTheBitsOfAFindingOutOfTheTime) {
     // The finding's lowest bit lies directly above the field.
     const CaptureBuilder capture = CaptureBuilder().Idle().Idle().Finding(0xFF);
     EXPECT_EQ(SummaryOf(BoardTables("PCIKite"), capture).time, 30);
 }
 
-TEST(TraceStats, CallTimeIdleFromAnIdleSampleToTheNext) {
+TEST(TraceStats, CountTimeAsIdleFromAnIdleSampleToTheNext) {
     const CaptureBuilder capture = CaptureBuilder()
                                        .Idle()
                                        .Write(0x1000, 1) // address and data
@@ -93,7 +93,7 @@ TEST(TraceStats, CountFindingsByCodeWithTheFirstSample) {
     EXPECT_EQ(SummaryOf(BoardTables("PCIKite"), capture).findings, expected);
 }
 
-TEST(TraceStats, NameAFindingBeyondTheTableByItsCodeAlone) {
+TEST(TraceStats, NameAFindingThatIsNotInTheTableByItsCode) {
     const std::vector<FindingCount> expected = {{200, "", 1, 0}};
     EXPECT_EQ(SummaryOf(BoardTables("PCIKite"), CaptureBuilder().Idle().Finding(200)).findings,
               expected);
@@ -106,12 +106,12 @@ TEST(TraceStats, CountAnomalySamples) {
     EXPECT_EQ(SummaryOf(BoardTables("PCIKite"), capture).anomalies, 2U);
 }
 
-TEST(TraceStats, LeaveOutAnAnomalyThatLiesOnTheClock) {
+TEST(TraceStats, IgnoreAnAnomalyBitThatIsTheClock) {
     const BoardTables bus("VMEKite");
     EXPECT_EQ(Waves(bus).Line("CLK", "~~~").Summary().anomalies, std::nullopt);
 }
 
-TEST(TraceStats, NameFindingsInTheWordsOfTheBus) {
+TEST(TraceStats, NameFindingsWithTheTextsOfTheBus) {
     const BoardTables bus("VMEKite");
     const std::vector<FindingCount> expected = {{67, "No data acknowledge", 1, 1}};
     EXPECT_EQ(Waves(bus).Line("AS", "~~").At(1, "RULE CHECK", 67).Summary().findings, expected);
@@ -123,7 +123,7 @@ TEST(TraceStats, HaveNoFindingsWhereTheBoardChecksNoRules) {
         Waves waves(bus);
         waves.Line("CLK", "~~");
         SampleRecord record = waves.Records().front();
-        record.bytes[16] = 2; // where others have RULE CHECK
+        record.bytes[16] = 2; // RULE CHECK of other boards
         TraceStats stats(bus.board, bus.tables);
         stats.Add({&record, 1});
         EXPECT_EQ(stats.Summary().findings, std::nullopt) << model;
@@ -141,7 +141,7 @@ TEST(TraceStats, CountSamplesTimeAndFindingsOfAConnector) {
     }
 }
 
-TEST(TraceStats, DoNotDependOnHowSamplesAreCut) {
+TEST(TraceStats, DoNotDependOnTheSizeOfThePieces) {
     const BoardTables bus("PCIKite");
     const CaptureBuilder capture = SomeTraffic();
     const TraceSummary whole = SummaryOf(bus, capture);

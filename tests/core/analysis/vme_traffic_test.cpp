@@ -18,7 +18,7 @@ constexpr std::uint32_t amA24Block = 0x3B;
 constexpr std::uint32_t amTwoEdge = 0x20;
 constexpr std::uint32_t amReserved = 0x2E;
 
-/// On the tiers of the family, which record the same lines at different places.
+/// On the tiers of the family, which record the same lines at different bits.
 class VmeStats : public testing::TestWithParam<const char*> {
 protected:
     Waves Access(std::string_view as, std::string_view ds, std::string_view dtack,
@@ -67,7 +67,7 @@ TEST_P(VmeStats, KeepTheDirectionOfTheFirstDataStrobe) {
     EXPECT_EQ(summary.commands, expected);
 }
 
-TEST_P(VmeStats, NameAModifierThatTheTableDoesNotKnowByItsCode) {
+TEST_P(VmeStats, NameAModifierThatIsNotInTheTableByItsCode) {
     const TraceSummary summary = TwoStrobes(amReserved).Summary();
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"AM 2E Rd"});
 }
@@ -81,7 +81,7 @@ TEST_P(VmeStats, CountATransferForEachAnsweredStrobe) {
 
 TEST_P(VmeStats, CountAnAcknowledgeOnceHoweverLongItStays) {
     EXPECT_EQ(Access("~______~", "~~_____~", "~~~____~").Summary().burstLengths, (Lengths{{1, 1}}));
-    // Still there at the next strobe, which it does not answer.
+    // It is still asserted at the next strobe, which it does not answer.
     EXPECT_EQ(Access("~_______~", "~~__~__~~", "~~~____~~").Summary().burstLengths,
               (Lengths{{1, 1}}));
     // Twice within one strobe.
@@ -89,7 +89,7 @@ TEST_P(VmeStats, CountAnAcknowledgeOnceHoweverLongItStays) {
               (Lengths{{1, 1}}));
 }
 
-TEST_P(VmeStats, CountNoAcknowledgeWithoutStrobe) {
+TEST_P(VmeStats, IgnoreAnAcknowledgeWithoutAStrobe) {
     EXPECT_EQ(Access("~____~", "~~~~~~", "~~_~~~").Summary().burstLengths, (Lengths{{0, 1}}));
 }
 
@@ -117,16 +117,16 @@ TEST_P(VmeStats, CountBytesByStrobesAndLongWord) {
     }
 }
 
-TEST_P(VmeStats, CountStrobesThatDoNotFallTogetherAsOneTransfer) {
+TEST_P(VmeStats, CountStrobesThatAreSkewedAsOneTransfer) {
     const TraceSummary summary =
         Access("~____~", "~~___~", "~~~~_~").Line("DS", "~~~__~", 1).Summary();
     const std::vector<CommandCount> expected = {{"A32 NON PRVL DATA Rd", 1, 1, 4}};
     EXPECT_EQ(summary.commands, expected);
 }
 
-TEST_P(VmeStats, TakeTheFirstStrobeOfAWideBlockForItsAddress) {
+TEST_P(VmeStats, TakeTheFirstStrobeOfAWideBlockAsItsAddress) {
     for (const std::uint32_t modifier : {amA32Block64, amA64Block64, 0x0CU, 0x38U, 0x3CU}) {
-        // LWORD is a data line there.
+        // LWORD is a data line in such a block.
         const TraceSummary summary = TwoStrobes(modifier).Set("LWORD", 1).Summary();
         EXPECT_EQ(summary.burstLengths, (Lengths{{1, 1}})) << modifier;
         EXPECT_EQ(summary.bytes, 8U) << modifier;
@@ -134,7 +134,7 @@ TEST_P(VmeStats, TakeTheFirstStrobeOfAWideBlockForItsAddress) {
     }
 }
 
-TEST_P(VmeStats, TakeTheFirstStrobeOfAWideAddressForItsRest) {
+TEST_P(VmeStats, TakeTheFirstStrobeOfAWideAddressAsItsUpperPart) {
     for (const std::uint32_t modifier : {amA64, 0x03U, 0x34U, 0x37U}) {
         const TraceSummary summary = TwoStrobes(modifier).Summary();
         EXPECT_EQ(summary.burstLengths, (Lengths{{1, 1}})) << modifier;
@@ -142,7 +142,7 @@ TEST_P(VmeStats, TakeTheFirstStrobeOfAWideAddressForItsRest) {
     }
 }
 
-TEST_P(VmeStats, CountNoDataOfLocksAndTwoEdgeTransfers) {
+TEST_P(VmeStats, CountNoDataInLocksAndTwoEdgeTransfers) {
     for (const std::uint32_t modifier : {amA32Lock, amTwoEdge, 0x04U, 0x21U, 0x2CU, 0x32U, 0x35U}) {
         const TraceSummary summary = TwoStrobes(modifier).Summary();
         EXPECT_EQ(summary.burstLengths, (Lengths{{0, 1}})) << modifier;
@@ -159,7 +159,7 @@ TEST_P(VmeStats, CountBusErrors) {
     EXPECT_EQ(summary.acknowledgeTime, AcknowledgeTime{});
 }
 
-TEST_P(VmeStats, TakeNoSecondAnswerToAStrobe) {
+TEST_P(VmeStats, IgnoreASecondAnswerToAStrobe) {
     const TraceSummary summary =
         Access("~______~", "~~_____~", "~~~~~_~~").Line("BERR", "~~~_~~_~").Summary();
     EXPECT_EQ(summary.busErrors, 1U);
@@ -181,7 +181,7 @@ TEST_P(VmeStats, AddUpTheTimeFromStrobeToAcknowledge) {
     EXPECT_EQ(summary.acknowledgeTime, (AcknowledgeTime{30, 2}));
 }
 
-TEST_P(VmeStats, CountNothingOfATransactionThatBeganBefore) {
+TEST_P(VmeStats, IgnoreATransactionThatBeganBefore) {
     const TraceSummary summary = Access("______~~", "~~__~~~~", "~~~_~~~~").Summary();
     EXPECT_TRUE(summary.commands.empty());
     EXPECT_TRUE(summary.burstLengths.empty());
@@ -190,21 +190,21 @@ TEST_P(VmeStats, CountNothingOfATransactionThatBeganBefore) {
     EXPECT_EQ(summary.idleSamples, 2U);
 }
 
-TEST_P(VmeStats, CountAnOpenTransactionWithWhatItHas) {
+TEST_P(VmeStats, CountAnOpenTransactionAsFarAsItIsCaptured) {
     const TraceSummary summary = Access("~_____", "~~__~_", "~~~_~~").Summary();
     const std::vector<CommandCount> expected = {{"A32 NON PRVL DATA Rd", 1, 1, 4}};
     EXPECT_EQ(summary.commands, expected);
     EXPECT_EQ(summary.unfinished, 1U);
 }
 
-TEST_P(VmeStats, LeaveAStrobeToTheTransactionThatItBeganIn) {
-    // The next address comes while the data strobe is still there; DTACK falls once more.
+TEST_P(VmeStats, AttributeAStrobeToTheTransactionInWhichItBegan) {
+    // The next address arrives while the data strobe is still asserted; DTACK falls once more.
     const TraceSummary summary = Access("~___~______~", "~~_____~~__~", "~~~_~_~~~~_~").Summary();
     EXPECT_EQ(summary.burstLengths, (Lengths{{1, 2}}));
     EXPECT_EQ(summary.acknowledgeTime, (AcknowledgeTime{20, 2}));
 }
 
-TEST_P(VmeStats, LeaveAnAnswerThatComesTooLateToNobody) {
+TEST_P(VmeStats, IgnoreAnAnswerThatArrivesTooLate) {
     const TraceSummary summary = Access("~___~_____~", "~~________~", "~~~~~~~__~~").Summary();
     EXPECT_EQ(summary.burstLengths, (Lengths{{0, 2}}));
 }
@@ -217,7 +217,7 @@ TEST_P(VmeStats, CallTheBusIdleWithoutAnyStrobe) {
     EXPECT_EQ(oneStrobe.Line("DS", "~~~", 1).Summary().idleSamples, 2U);
 }
 
-TEST(VmeInterrupts, AreNamedAsTheTableDoes) {
+TEST(VmeInterrupts, HaveTheNamesOfTheTable) {
     for (const auto& [model, label] :
          {std::pair{"VMEKite", "Interrupt"}, {"VMEWren", "Interrupt"}, {"VMELark", "IACK"}}) {
         const BoardTables bus(model);
@@ -225,7 +225,7 @@ TEST(VmeInterrupts, AreNamedAsTheTableDoes) {
         waves.Line("AS", "~___~___~").Line("DS", "~~__~~__~").Line("DTACK", "~~~_~~~_~");
         waves.Line("IACK", "~___~~~~~").Set("AM", amA64Block64);
         const TraceSummary summary = waves.Summary();
-        // Behind the modifiers; the modifier of the acknowledge tells nothing.
+        // Listed after the modifiers; the modifier of an acknowledge carries no information.
         EXPECT_EQ(Labels(summary), (std::vector<std::string>{"A64 MBLT Rd", label}));
         EXPECT_EQ(Command(summary, label).dataPhases, 1U) << model;
         EXPECT_EQ(Command(summary, label).bytes, 1U) << model;

@@ -35,7 +35,7 @@ TEST_F(VsbStats, CountTransactionsBySpaceAndDirection) {
     EXPECT_EQ(waves.Summary().commands, expected);
 }
 
-TEST_F(VsbStats, NameASpaceThatTheTableDoesNotKnowByItsCode) {
+TEST_F(VsbStats, NameASpaceThatIsNotInTheTableByItsCode) {
     const TraceSummary summary = Access("~___~", "~~__~", "~~~_~").Set("SPACE", 0).Summary();
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"SPACE 0 Rd"});
 }
@@ -62,13 +62,13 @@ TEST_F(VsbStats, CountBusErrors) {
     EXPECT_EQ(summary.burstLengths, (Lengths{{0, 1}}));
 }
 
-TEST_F(VsbStats, CountNothingOfATransactionThatBeganBefore) {
+TEST_F(VsbStats, IgnoreATransactionThatBeganBefore) {
     const TraceSummary summary = Access("____~~", "~__~~~", "~~_~~~").Summary();
     EXPECT_TRUE(summary.commands.empty());
     EXPECT_EQ(summary.idleSamples, 2U);
 }
 
-TEST_F(VsbStats, CountAnOpenTransactionWithWhatItHas) {
+TEST_F(VsbStats, CountAnOpenTransactionAsFarAsItIsCaptured) {
     const TraceSummary summary = Access("~___", "~~__", "~~~_").Summary();
     const std::vector<CommandCount> expected = {{"Sys Rd", 1, 1, 4}};
     EXPECT_EQ(summary.commands, expected);

@@ -10,7 +10,7 @@
 
 namespace busquill {
 
-// How a failed test shows them.
+// How a failed test prints them.
 inline void PrintTo(const CommandCount& count, std::ostream* out) {
     *out << count.label << " " << count.transactions << " x, " << count.dataPhases << " phases, "
          << count.bytes << " bytes";
@@ -30,9 +30,9 @@ inline void PrintTo(const AcknowledgeTime& time, std::ostream* out) {
 
 namespace busquill::test {
 
-/// A capture drawn as waves, a character a sample: `Waves(bus).Line("AS", "~~___~~")`. Lines that
-/// are not drawn are high, what marks a sample (address phase, anomaly, finding) is 0; each sample
-/// comes 10 ns after the one before it.
+/// A capture drawn as waves, one character per sample: `Waves(bus).Line("AS", "~~___~~")`. Lines
+/// that are not drawn are high; marks of a sample (address phase, anomaly, finding) are 0. Each
+/// sample is 10 ns after the previous one.
 class Waves {
 public:
     explicit Waves(const BoardTables& bus) : bus_(bus) {}
@@ -45,14 +45,14 @@ public:
         }
         return *this;
     }
-    /// A group's value in all samples so far.
+    /// Sets the value of a group in all samples so far.
     Waves& Set(std::string_view name, std::uint32_t value) {
         for (std::size_t i = 0; i < records_.size(); ++i) {
             At(i, name, value);
         }
         return *this;
     }
-    /// A group's value in one sample.
+    /// Sets the value of a group in one sample.
     Waves& At(std::size_t sample, std::string_view name, std::uint32_t value) {
         const auto def = bus_.tables.busSignals.FindByName(name);
         for (int bit = 0; bit < def->Width(); ++bit) {
@@ -101,7 +101,7 @@ private:
     std::vector<SampleRecord> records_;
 };
 
-/// The row of a command; a row of nothing when it did not occur.
+/// The count of a command; zeros when it did not occur.
 [[nodiscard]] inline CommandCount Command(const TraceSummary& summary, std::string_view label) {
     for (const CommandCount& command : summary.commands) {
         if (command.label == label) {

@@ -19,7 +19,7 @@ TEST_F(AnalyzerTest, InDemoModeItsTablesFollowTheBus) {
     EXPECT_EQ(tables.busSignals.FindByName("FRAME"), nullptr);
 }
 
-TEST_F(AnalyzerTest, EndsWhileACaptureRuns) {
+TEST_F(AnalyzerTest, CanBeDestroyedDuringACapture) {
     OpenBoard("PCIKite");
     SetLive(0x80, 0, 0);
     capture.StartCapture();
@@ -28,7 +28,7 @@ TEST_F(AnalyzerTest, EndsWhileACaptureRuns) {
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
-TEST_F(AnalyzerTest, EndsWhileABlockIsUnderWay) {
+TEST_F(AnalyzerTest, CanBeDestroyedWhileABlockIsUnderWay) {
     OpenBoard("PCIKite");
     SetLive(0x20, 100, 120);
     Gate gate;

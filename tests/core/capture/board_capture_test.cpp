@@ -31,7 +31,7 @@ protected:
     }
 };
 
-TEST_F(BoardCaptureTest, EndsByItselfWhenTheBoardIsNoLongerActive) {
+TEST_F(BoardCaptureTest, EndsWhenTheBoardIsNoLongerActive) {
     OpenBoard("PCIWren");
     SetLive(0x80, 3, 0);
     capture.StartCapture();
@@ -48,7 +48,7 @@ TEST_F(BoardCaptureTest, EndsByItselfWhenTheBoardIsNoLongerActive) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(BoardCaptureTest, AFullBufferEndsItThoughTheBoardIsActive) {
+TEST_F(BoardCaptureTest, AFullBufferEndsItEvenIfTheBoardIsActive) {
     OpenBoard("PCIWren");
     SetLive(0xB0, 10, 10);
     capture.StartCapture();
@@ -72,7 +72,7 @@ TEST_F(BoardCaptureTest, GoesOnWhileTheBoardIsActive) {
     EXPECT_EQ(store.GetCount(false), 6U);
 }
 
-TEST_F(BoardCaptureTest, ALostLinkEndsItWithoutAWord) {
+TEST_F(BoardCaptureTest, ALostLinkEndsItWithoutAMessage) {
     OpenBoard("PCIWren");
     SetLive(0x80, 5, 0);
     capture.StartCapture();
@@ -113,7 +113,7 @@ TEST_F(BoardCaptureTest, ASecondStartCancelsTheUpload) {
     EXPECT_EQ(store.GetCount(false), 4U);
 }
 
-TEST_F(BoardCaptureTest, ASecondStartWaitsForTheBlockOnItsWayAndAsksForNoMore) {
+TEST_F(BoardCaptureTest, ASecondStartWaitsForThePendingBlockAndRequestsNoMore) {
     OpenBoard("PCIWren");
     SetLive(0xB0, 100000, 100000);
     Gate gate;
@@ -140,29 +140,29 @@ TEST_F(BoardCaptureTest, ASecondStartWaitsForTheBlockOnItsWayAndAsksForNoMore) {
     EXPECT_EQ(store.GetCount(false), 4U);
 }
 
-TEST_F(BoardCaptureTest, ABoardThatOwesALookIsNotAskedForAnother) {
+TEST_F(BoardCaptureTest, NoPollIsSentWhileOneIsUnanswered) {
     OpenBoard("PCIWren");
     SetLive(0x80, 5, 0);
     capture.StartCapture();
-    ASSERT_TRUE(Eventually([&] { return Count(1) >= 2; })); // the first look waits for its answer
-    line->SetClockRuns(false); // the link waits for its answer as long as it takes
+    ASSERT_TRUE(Eventually([&] { return Count(1) >= 2; })); // the first poll waits for its answer
+    line->SetClockRuns(false);                              // so that the request does not time out
     Bytes owed;
     line->SetAnswer([this, &owed](const Bytes& sent, int baud) {
         owed = board.Answer(sent, baud);
         return Bytes{};
     });
     ASSERT_TRUE(Eventually([&] { return !link->IsIdle(); }));
-    std::this_thread::sleep_for(1s); // the time of five looks
+    std::this_thread::sleep_for(1s); // the time of five polls
     const long before = Count(1);
     line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
     line->Arrive(owed);
     ASSERT_TRUE(Eventually([&] { return Count(1) > before; }));
     std::this_thread::sleep_for(100ms);
-    EXPECT_LE(Count(1), before + 2) << "the one that was owed, and the next in its time";
+    EXPECT_LE(Count(1), before + 2) << "the unanswered one, and the next in its time";
     capture.ShutDown();
 }
 
-TEST_F(BoardCaptureTest, ACaptureIsFetchedOnceHoweverOftenItIsStopped) {
+TEST_F(BoardCaptureTest, SamplesAreFetchedOnceEvenIfItIsStoppedAgain) {
     OpenBoard("PCIWren");
     SetLive(0x80, 10, 10);
     capture.StartCapture();
@@ -173,10 +173,10 @@ TEST_F(BoardCaptureTest, ACaptureIsFetchedOnceHoweverOftenItIsStopped) {
     ASSERT_TRUE(UploadEnds());
     EXPECT_EQ(Count(12), 2);
     EXPECT_EQ(Reads().size(), 1U);
-    EXPECT_EQ(store.GetData(false).data(), samples.data()) << "somebody may be reading them";
+    EXPECT_EQ(store.GetData(false).data(), samples.data()) << "another thread may be reading them";
 }
 
-TEST_F(BoardCaptureTest, AnEndOfTheProgramLeavesTheBoardRunning) {
+TEST_F(BoardCaptureTest, ShuttingDownLeavesTheBoardRunning) {
     OpenBoard("PCIWren");
     SetLive(0x80, 5, 0);
     capture.StartCapture();
@@ -185,7 +185,7 @@ TEST_F(BoardCaptureTest, AnEndOfTheProgramLeavesTheBoardRunning) {
     EXPECT_EQ(Count(12), 0);
 }
 
-TEST_F(BoardCaptureTest, InDemoModeItEndsAtTheFirstLookWithoutSamples) {
+TEST_F(BoardCaptureTest, InDemoModeItEndsAtTheFirstPollWithoutSamples) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     portOpens = false;
     static_cast<void>(link->Open(Port()));

@@ -26,7 +26,7 @@ public:
 
 class CaptureRunTest : public CaptureFixture {
 protected:
-    /// The payload that was written at a register last.
+    /// The payload that was last written at a register.
     Bytes Written(std::uint32_t address) {
         Bytes bytes;
         line->Do([&] {
@@ -38,7 +38,7 @@ protected:
         });
         return bytes;
     }
-    /// Sets one bit of an event, and that it is compared.
+    /// Sets one bit of an event and its compare bit.
     static void Expect(TraceSetup& in, std::int32_t dataIndex, unsigned event, bool value) {
         for (const auto& signal : in.events.All()) {
             if (signal->dataIndex == dataIndex) {
@@ -47,13 +47,13 @@ protected:
                 return;
             }
         }
-        FAIL() << "no signal looks at " << dataIndex;
+        FAIL() << "no signal at data index " << dataIndex;
     }
     RunState Follow() {
         document->Run().Poll();
         return document->Run().State();
     }
-    /// From here on the port is gone and its writes fail; time passes all the same.
+    /// From here on the port is gone and its writes fail; time still passes.
     void TakeTheBoardAway() {
         line->Unplug();
         ASSERT_TRUE(Eventually([&] { return link->IsBoardGone(); }));
@@ -72,7 +72,7 @@ protected:
     }
 };
 
-TEST_F(CaptureRunTest, TheDefaultSetupByteForByte) {
+TEST_F(CaptureRunTest, SendsTheDefaultSetupByteForByte) {
     OpenBoard("PCIKite");
     DownloadSetup(*link, TraceSetup(tables), prompts);
     EXPECT_EQ(Written(420), (Bytes{0, 0, 1})) << "Sync, 50%, 3.75 ns";
@@ -88,7 +88,7 @@ TEST_F(CaptureRunTest, TheDefaultSetupByteForByte) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(CaptureRunTest, ASetupOfTwoLevelsByteForByte) {
+TEST_F(CaptureRunTest, SendsASetupOfTwoLevelsByteForByte) {
     OpenBoard("PCIKite");
     TraceSetup program(tables);
     program.clock = 16;            // 30.72 us
@@ -123,7 +123,7 @@ TEST_F(CaptureRunTest, ASetupOfTwoLevelsByteForByte) {
     // "E1.~E8": 1 9 11 8 from the highest nibble down.
     control[7] = 0x19;
     control[6] = 0xB8;
-    control[16] = 0x45; // of 0x12345 the low two bytes
+    control[16] = 0x45; // the low two bytes of 0x12345
     control[17] = 0x23;
     control[18] = 0x01;
     // "(E1xE8)+E2": 13 1 12 8 14 10 2.
@@ -149,7 +149,7 @@ TEST_F(CaptureRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     for (unsigned event = 0; event < 4; ++event) {
         Expect(program, 0, event, true);
     }
-    // As a file from another board may bring it.
+    // As in a file from another board.
     program.events.All().front()->data[0] |= 0xF0;
     program.events.All().front()->mask[0] |= 0xF0;
     DownloadSetup(*link, program, prompts);
@@ -164,7 +164,7 @@ TEST_F(CaptureRunTest, ABoardWithFourEventsGetsFourRowsAndZeros) {
     EXPECT_EQ(Bytes(events.begin() + 120, events.end()), Bytes(120));
 }
 
-TEST_F(CaptureRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
+TEST_F(CaptureRunTest, EveryFailedStepIsReportedAndTheNextFollows) {
     OpenBoard("PCIKite");
     line->SetAnswer([this](const Bytes& sent, int baud) {
         // The first frame of a write, whatever it writes.
@@ -180,7 +180,7 @@ TEST_F(CaptureRunTest, EveryFailedStepSaysSoAndTheNextFollows) {
     }
 }
 
-TEST_F(CaptureRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
+TEST_F(CaptureRunTest, NothingMoreIsSentToALostBoardAndTheCaptureStays) {
     OpenBoard("PCIWren");
     SetLive(0x20, 10, 10);
     Upload();
@@ -190,7 +190,7 @@ TEST_F(CaptureRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
     ASSERT_EQ(document->SampleCount(false), 21);
     TakeTheBoardAway();
     document->Run().Go(document->setup, "");
-    // Each try of the first command is a word of the link.
+    // The link reports each try of the first command.
     const auto texts = prompts.Texts();
     ASSERT_FALSE(texts.empty());
     EXPECT_EQ(texts.back(), "Error sending trace parameter data to analyzer.");
@@ -203,12 +203,12 @@ TEST_F(CaptureRunTest, ABoardThatIsGoneGetsNothingMoreAndTheCaptureStays) {
     EXPECT_EQ(document->SampleCount(false), 21);
 }
 
-TEST_F(CaptureRunTest, AStopAsksABoardThatIsGoneForNothingMore) {
+TEST_F(CaptureRunTest, AStopSendsNothingMoreToALostBoard) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0x80, 0, 0);
     document->Run().Go(document->setup, "");
-    capture.ShutDown(); // the monitor's look would end the run
+    capture.ShutDown(); // the monitor's poll would end the run
     link->WaitIdle();
     document->OnCaptureStarted();
     TakeTheBoardAway();
@@ -286,7 +286,7 @@ TEST_F(CaptureRunTest, ARunGoesFromSetupToSamples) {
     document->RemoveView(&view);
 }
 
-TEST_F(CaptureRunTest, TheDocumentLetsItTickWithAndWithoutViews) {
+TEST_F(CaptureRunTest, TheDocumentPollsItWithAndWithoutViews) {
     OpenBoard("PCIWren");
     const auto timer = std::make_shared<TimerState>();
     context.makeTimer = [&] { return std::make_unique<ManualTimer>(timer); };
@@ -298,7 +298,7 @@ TEST_F(CaptureRunTest, TheDocumentLetsItTickWithAndWithoutViews) {
     document->Run().Stop();
     ASSERT_TRUE(Ends());
     timer->tick();
-    EXPECT_TRUE(document->IsValidSample(70, false)) << "though nobody shows it";
+    EXPECT_TRUE(document->IsValidSample(70, false)) << "even if no window shows it";
 
     struct LookedAt final : DocumentView {
         void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
@@ -317,7 +317,7 @@ TEST_F(CaptureRunTest, TheDocumentLetsItTickWithAndWithoutViews) {
     EXPECT_FALSE(timer->runs);
 }
 
-TEST_F(CaptureRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
+TEST_F(CaptureRunTest, BlocksThatArriveLaterAreUnpackedAtTheNextPoll) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0xA0, 3000, 3000);
@@ -340,7 +340,7 @@ TEST_F(CaptureRunTest, BlocksThatComeLaterAreUnpackedAtTheNextLook) {
     EXPECT_FALSE((*ad0)->Bit(3002));
 }
 
-TEST_F(CaptureRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
+TEST_F(CaptureRunTest, ZoomBlocksThatAreDeliveredAgainOverlapAtTheStart) {
     OpenBoard("PCIKite");
     SetLive(0x20, 10, 10);
     Upload();
@@ -353,11 +353,11 @@ TEST_F(CaptureRunTest, ZoomThatIsHandedOutAgainLiesOverItsOwnStart) {
     ASSERT_NE(ad0, all.end());
     EXPECT_TRUE((*ad0)->Bit(0)) << "-255 is odd";
     EXPECT_TRUE((*ad0)->Bit(1)) << "the first part's 0 and the second part's 1";
-    EXPECT_FALSE((*ad0)->Bit(257)) << "nothing was put there";
+    EXPECT_FALSE((*ad0)->Bit(257)) << "not loaded";
     EXPECT_EQ(document->GetSample(257, true), RecordAt(2)) << "the records are right";
 }
 
-TEST_F(CaptureRunTest, BlocksOfTheCaptureBeforeAreForgottenAtTheStart) {
+TEST_F(CaptureRunTest, BlocksOfThePreviousCaptureAreForgottenAtTheStart) {
     OpenBoard("PCIWren");
     NewDocument();
     const std::vector<SampleRecord> old(32, RecordAt(-1));
@@ -379,7 +379,7 @@ TEST_F(CaptureRunTest, AClearedTraceStaysEmpty) {
     ASSERT_TRUE(document->IsValidSample(500, false));
     document->SetMarker(1, 3);
     document->SetMarker(2, 4);
-    document->OnCaptureStarted(); // another run, whose end nobody has seen yet
+    document->OnCaptureStarted(); // another run, whose end has not been polled yet
     document->filterPattern.RemoveAllSignals();
     struct View final : DocumentView {
         void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
@@ -403,7 +403,7 @@ TEST_F(CaptureRunTest, AClearedTraceStaysEmpty) {
     EXPECT_EQ(document->SampleCount(false), 0);
 }
 
-TEST_F(CaptureRunTest, ASignalThatIsAddedDuringTheUploadGetsAllSamples) {
+TEST_F(CaptureRunTest, ASignalAddedDuringTheUploadGetsAllSamples) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
@@ -439,7 +439,7 @@ TEST_F(CaptureRunTest, ARunWithoutSamplesEndsIdle) {
     EXPECT_TRUE(document->IsModified());
 }
 
-TEST_F(CaptureRunTest, AfterARunWithoutSamplesTheFilterFindsNone) {
+TEST_F(CaptureRunTest, AfterARunWithoutSamplesTheFilterFindsNothing) {
     OpenBoard("PCIKite");
     NewDocument();
     SetLive(0x20, 40, 20);
@@ -450,17 +450,17 @@ TEST_F(CaptureRunTest, AfterARunWithoutSamplesTheFilterFindsNone) {
     ASSERT_EQ(document->RowCount(false), 61);
     SetLive(0x80, 0, 0);
     document->Run().Go(document->setup, "");
-    ASSERT_TRUE(Eventually([&] { // so that no look was in vain yet
+    ASSERT_TRUE(Eventually([&] { // so no poll has failed yet
         std::int32_t before = 0;
         std::int32_t after = 0;
         return link->GetLiveStatus(before, after) == 0x80;
     }));
-    line->SetAnswer([](const Bytes&, int) { return Bytes{}; }); // the board goes
+    line->SetAnswer([](const Bytes&, int) { return Bytes{}; }); // the board disappears
     ASSERT_TRUE(Ends());
     Follow();
     ASSERT_EQ(document->SampleCount(false), 0);
     document->ApplyFilter(0);
-    EXPECT_EQ(document->RowCount(false), 0) << "the capture before is gone";
+    EXPECT_EQ(document->RowCount(false), 0) << "the previous capture is gone";
     EXPECT_FALSE(document->IsFiltered());
 }
 
@@ -486,7 +486,7 @@ TEST_F(CaptureRunTest, AChosenSetupIsLoadedAndSent) {
     document->Run().Stop();
 }
 
-TEST_F(CaptureRunTest, ASetupThatCannotBeReadLeavesTheBoardItsOwn) {
+TEST_F(CaptureRunTest, AnUnreadableSetupLeavesTheBoardItsOwn) {
     OpenBoard("PCIKite");
     NewDocument();
     SetLive(0x80, 0, 0);
@@ -497,17 +497,17 @@ TEST_F(CaptureRunTest, ASetupThatCannotBeReadLeavesTheBoardItsOwn) {
     document->Run().Stop();
 }
 
-TEST_F(CaptureRunTest, ATraceThatIsClosedEndsTheUploadOfTheBoard) {
+TEST_F(CaptureRunTest, ClosingATraceEndsTheUploadOfTheBoard) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100000, 100000);
     upload.BeginUpload();
     context.newDocRealTime = false;
     NewDocument();
-    document.reset(); // a file's
+    document.reset(); // the document of a file
     EXPECT_FALSE(upload.IsUploading());
 }
 
-TEST_F(CaptureRunTest, ADocumentClosedDuringTheRunLeavesTheBoardToItself) {
+TEST_F(CaptureRunTest, ADocumentClosedDuringTheRunLeavesTheBoardRunning) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0x80, 0, 0);
@@ -519,7 +519,7 @@ TEST_F(CaptureRunTest, ADocumentClosedDuringTheRunLeavesTheBoardToItself) {
     EXPECT_EQ(store.GetCount(false), 21U);
 }
 
-TEST_F(CaptureRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
+TEST_F(CaptureRunTest, ALinkLostDuringTheUploadKeepsTheSamplesThatArrived) {
     OpenBoard("PCIWren");
     NewDocument();
     SetLive(0xA0, 1000, 1000);
@@ -544,7 +544,7 @@ TEST_F(CaptureRunTest, ALinkThatDiesDuringTheUploadLeavesWhatHasCome) {
     EXPECT_EQ(document->SampleCount(false), 2001);
 }
 
-TEST(TriggerSample, FollowsThePosition) {
+TEST(TriggerSample, FollowsTheTriggerPosition) {
     BoardTables board("PCIKite-1");
     TraceSetup program(board.tables);
     const std::int64_t expected[] = {0, 0, 256, 512, 768, 1023, 0};
@@ -553,7 +553,7 @@ TEST(TriggerSample, FollowsThePosition) {
         EXPECT_EQ(TriggerSampleOf(program, 1024), expected[position]) << position;
     }
     program.triggerPosition = 4;
-    EXPECT_EQ(TriggerSampleOf(program, 1023), 767) << "times three first";
+    EXPECT_EQ(TriggerSampleOf(program, 1023), 767) << "multiplied by three first";
 }
 
 } // namespace

@@ -39,7 +39,7 @@ TEST(RowMap, ExcludedSamplesHaveNoRow) {
     EXPECT_EQ(rows.RowToSample(0), 2);
     EXPECT_EQ(rows.RowToSample(30), 33);
     EXPECT_FALSE(rows.IsRowSample(32));
-    EXPECT_EQ(rows.SampleToRow(0), 0) << "the first row, where none stands before";
+    EXPECT_EQ(rows.SampleToRow(0), 0) << "the first row, as there is none before it";
     EXPECT_EQ(rows.SampleToRow(32), 29) << "the row before";
     EXPECT_EQ(rows.SampleToRow(33), 30);
 }

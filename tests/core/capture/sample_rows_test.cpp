@@ -8,7 +8,7 @@
 namespace busquill::test {
 namespace {
 
-/// Rows as the fast way takes them, and how many bytes it took.
+/// Rows as the fast parser takes them, and the number of bytes that it consumed.
 struct Taken {
     SampleRows rows;
     std::size_t bytes = 0;
@@ -16,7 +16,7 @@ struct Taken {
 
 Taken Take(const std::string& text, std::size_t limit = 100) {
     Taken taken;
-    // What stands behind the text must not be taken for part of it.
+    // The text that follows must not be parsed as part of it.
     const std::string padded = text + "7\n" + std::string(TextReader::readable, '7');
     taken.bytes =
         ParsePlainRows(std::string_view(padded).substr(0, text.size()), limit, taken.rows);
@@ -31,7 +31,7 @@ std::string Row(int number, const std::string& rest = "") {
     return row + rest + "\n";
 }
 
-TEST(SampleRowsFastWay, TakesRowsUntilSomethingElseComes) {
+TEST(PlainRows, TakesRowsUntilAnotherKindOfLine) {
     const std::string two = Row(-12) + Row(345678);
     const Taken taken = Take(two + "\"End of Trace Data\"\n");
     EXPECT_EQ(taken.bytes, two.size());
@@ -40,13 +40,13 @@ TEST(SampleRowsFastWay, TakesRowsUntilSomethingElseComes) {
     EXPECT_EQ(taken.rows.records[1].bytes[17], static_cast<std::uint8_t>(345678 * 7 + 17 * 31));
 }
 
-TEST(SampleRowsFastWay, TakesNoMoreThanItIsAskedFor) {
+TEST(PlainRows, TakesNoMoreRowsThanTheLimit) {
     const Taken taken = Take(Row(1000) + Row(1001) + Row(1002), 2);
     EXPECT_EQ(taken.rows.Size(), 2U);
     EXPECT_EQ(taken.bytes, (Row(1000) + Row(1001)).size());
 }
 
-TEST(SampleRowsFastWay, LeavesThePieceOfALineAlone) {
+TEST(PlainRows, LeavesAnIncompleteLine) {
     const std::string row = Row(1000);
     for (std::size_t cut = 0; cut < row.size(); ++cut) {
         EXPECT_EQ(Take(row.substr(0, cut)).bytes, 0U) << cut;
@@ -54,12 +54,12 @@ TEST(SampleRowsFastWay, LeavesThePieceOfALineAlone) {
     EXPECT_EQ(Take(row).bytes, row.size());
 }
 
-TEST(SampleRowsFastWay, LooksAtNothingBeforeTheText) {
-    // The first byte of such a row is read by four characters, one of which would stand before it.
+TEST(PlainRows, ReadsNothingBeforeTheText) {
+    // The first byte value is read from four characters, one of which would lie before the text.
     EXPECT_EQ(Take("0,5,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n").bytes, 0U);
 }
 
-TEST(SampleRowsFastWay, CutsValuesToAByte) {
+TEST(PlainRows, CutsValuesToAByte) {
     EXPECT_EQ(Take("10,256,999,300,0,0,0,0,0,0,0,0,0,0,0,0,0,0,255\n").rows.records.at(0).bytes,
               (SampleRecord{{0, 231, 44, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255}}.bytes));
 }
@@ -70,7 +70,7 @@ struct OddRow {
 };
 class NotPlain : public testing::TestWithParam<OddRow> {};
 
-TEST_P(NotPlain, IsLeftToTheGeneralWay) {
+TEST_P(NotPlain, IsLeftToTheGeneralParser) {
     EXPECT_EQ(Take(GetParam().text).bytes, 0U);
 }
 
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(
                     OddRow{"Empty", "\n"}),
     [](const auto& row) { return row.param.name; });
 
-TEST(SampleRowsFastWay, GivesWhatALineAtATimeGives) {
+TEST(PlainRows, AgreesWithParsingLineByLine) {
     constexpr unsigned seed = 20261;
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
@@ -112,7 +112,7 @@ TEST(SampleRowsFastWay, GivesWhatALineAtATimeGives) {
         const bool isPlain = ParsePlainRow(line, slow);
         const Taken fast = Take(line + "\n");
         if (fast.bytes == 0) {
-            continue; // the general way takes it
+            continue; // the general parser takes it
         }
         ++plain;
         ASSERT_TRUE(isPlain) << line;
@@ -126,11 +126,11 @@ TEST(SampleRowsFastWay, GivesWhatALineAtATimeGives) {
 struct Skip {
     const char* name;
     std::string text;
-    std::size_t rows; // of `text` that are skipped
+    std::size_t rows; // rows of `text` to skip
 };
 class SkippedRows : public testing::TestWithParam<Skip> {};
 
-TEST_P(SkippedRows, EndWhereSomethingElseComes) {
+TEST_P(SkippedRows, EndAtAnotherKindOfLine) {
     std::int64_t last = -100;
     std::size_t begin = 0;
     std::size_t end = 0;

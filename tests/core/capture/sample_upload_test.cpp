@@ -14,7 +14,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Read = WireBoard::SampleRead;
 
-/// Remembers the blocks that it is handed.
+/// Records the blocks that it receives.
 class Observer final : public BlockObserver {
 public:
     struct Block {
@@ -57,13 +57,14 @@ protected:
     Observer observer;
 };
 
-TEST_F(SampleUploadTest, BlocksComeFromTheTriggerOutward) {
+TEST_F(SampleUploadTest, BlocksArriveFromTheTriggerOutward) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Upload();
     // The trigger is sample 100, in the block of 96.
     EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
-    EXPECT_EQ(Reads().front(), (Read{3, 4, 32})) << "4 before the trigger, and on over it";
+    EXPECT_EQ(Reads().front(), (Read{3, 4, 32}))
+        << "the block reaches from 4 before the trigger past it";
     EXPECT_EQ(Reads()[2], (Read{5, 28, 32}));
     EXPECT_EQ(Reads().back(), (Read{5, 92, 29})) << "221 samples: the last block is short";
     for (std::uint32_t i = 0; i < 221; ++i) {
@@ -91,7 +92,7 @@ TEST_F(SampleUploadTest, ALarkBoardHasNoZoom) {
     EXPECT_THAT(Reads(), ElementsAre(Read{3, 10, 21}));
 }
 
-TEST_F(SampleUploadTest, ZoomComesFirstAndThenTheBlockAfterTheTriggers) {
+TEST_F(SampleUploadTest, ZoomIsReadFirstAndThenTheBlockAfterTheTriggers) {
     OpenBoard("PCIKite");
     SetLive(0x20, 100, 120);
     Upload();
@@ -99,7 +100,7 @@ TEST_F(SampleUploadTest, ZoomComesFirstAndThenTheBlockAfterTheTriggers) {
     EXPECT_EQ(Reads()[0], (Read{35, 255, 255}));
     EXPECT_EQ(Reads()[1], (Read{36, 0, 256}));
     EXPECT_THAT(BlockOrder(), ElementsAre(128, 64, 160, 32, 192, 0, 96))
-        << "the trigger's own block comes last, by the search";
+        << "the trigger's own block is found last, by the search";
     EXPECT_TRUE(store.HasZoom());
     EXPECT_EQ(store.GetZoomSample(0), RecordAt(-255));
     EXPECT_EQ(store.GetZoomSample(255), RecordAt(0));
@@ -121,7 +122,7 @@ TEST_F(SampleUploadTest, ACaptureWithoutSamplesUploadsNothing) {
     Upload();
     SetLive(0, 0, 0);
     Upload();
-    EXPECT_EQ(store.GetCount(false), 0U) << "the samples of the capture before are gone";
+    EXPECT_EQ(store.GetCount(false), 0U) << "the samples of the previous capture are gone";
     EXPECT_EQ(Reads().size(), 3U);
     EXPECT_FALSE(store.HasZoom());
 }
@@ -131,7 +132,7 @@ TEST_F(SampleUploadTest, ATriggerInTheFirstBlockGoesForwardOnly) {
     SetLive(0x20, 0, 100);
     Upload();
     EXPECT_THAT(BlockOrder(), ElementsAre(0, 32, 64, 96))
-        << "what lies before the start is made up for by the first missing block";
+        << "the step before the start becomes the first missing block";
     EXPECT_EQ(Reads().front(), (Read{5, 0, 32}));
 }
 
@@ -151,7 +152,7 @@ TEST_F(SampleUploadTest, AMultipleOf1024SamplesFillsTheLastWordOfBlocks) {
     EXPECT_EQ(Reads().back().length, 1U);
 }
 
-TEST_F(SampleUploadTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere) {
+TEST_F(SampleUploadTest, TheBlockOfARequestedSampleIsNextAndTheUploadContinuesThere) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
@@ -170,7 +171,7 @@ TEST_F(SampleUploadTest, AWantedSamplesBlockComesNextAndTheUploadGoesOnFromThere
     EXPECT_EQ(std::set<int>(order.begin(), order.end()).size(), 32U);
 }
 
-TEST_F(SampleUploadTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
+TEST_F(SampleUploadTest, ABlockThatHasArrivedIsFetchedAgainOnRequest) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
@@ -181,7 +182,7 @@ TEST_F(SampleUploadTest, ABlockThatHasArrivedIsFetchedAgainWhenItIsWanted) {
     gate.Open();
     ASSERT_TRUE(UploadEnds());
     EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 96, 0, 128, 32, 160, 192))
-        << "the block before the backward cursor is there: the first missing one is 0";
+        << "the block before the backward cursor has arrived: the first missing one is 0";
 }
 
 TEST_F(SampleUploadTest, ASampleThatHasArrivedIsNeverWrittenAgain) {
@@ -190,7 +191,7 @@ TEST_F(SampleUploadTest, ASampleThatHasArrivedIsNeverWrittenAgain) {
     upload.SetObserver(&observer);
     Gate gate;
     line->Do([&] {
-        // The board holds the second read, and has other samples after that.
+        // The board delivers the second read late, and other samples after it.
         board.onSampleRead = [&gate, reads = 0](const Read& read) mutable {
             if (++reads == 2) {
                 gate.Pass();
@@ -209,7 +210,7 @@ TEST_F(SampleUploadTest, ASampleThatHasArrivedIsNeverWrittenAgain) {
     EXPECT_THAT(observer.Blocks(), testing::Contains(Observer::Block{96, 32, false}).Times(2));
 }
 
-TEST_F(SampleUploadTest, OneThatIsUnderWayIsNotBegunAnew) {
+TEST_F(SampleUploadTest, ARunningUploadIsNotRestarted) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     line->SetClockRuns(false);
@@ -224,15 +225,15 @@ TEST_F(SampleUploadTest, OneThatIsUnderWayIsNotBegunAnew) {
     });
     upload.BeginUpload();
     ASSERT_TRUE(Eventually([&] { return store.HasSample(96); }));
-    upload.BeginUpload(); // returns when it has waited five seconds for the link
-    EXPECT_TRUE(store.HasSample(96)) << "what has come stays";
+    upload.BeginUpload(); // returns after waiting five seconds for the link
+    EXPECT_TRUE(store.HasSample(96)) << "samples that have arrived stay";
     line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
     line->Arrive(owed);
     ASSERT_TRUE(UploadEnds());
     EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
 }
 
-TEST_F(SampleUploadTest, ASampleAfterTheCaptureIsNotAskedFor) {
+TEST_F(SampleUploadTest, ASampleAfterTheCaptureIsNotRequested) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
@@ -245,7 +246,7 @@ TEST_F(SampleUploadTest, ASampleAfterTheCaptureIsNotAskedFor) {
     EXPECT_THAT(BlockOrder(), ElementsAre(96, 64, 128, 32, 160, 0, 192));
 }
 
-TEST_F(SampleUploadTest, ACancelledUploadDropsTheBlockOnItsWay) {
+TEST_F(SampleUploadTest, ACancelledUploadDropsThePendingBlock) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     upload.SetObserver(&observer);
@@ -260,11 +261,11 @@ TEST_F(SampleUploadTest, ACancelledUploadDropsTheBlockOnItsWay) {
     upload.CancelUpload();
     opener.join();
     EXPECT_FALSE(upload.IsUploading());
-    EXPECT_TRUE(store.HasSample(500)) << "what has come stays";
+    EXPECT_TRUE(store.HasSample(500)) << "samples that have arrived stay";
     EXPECT_FALSE(store.HasSample(448));
     link->WaitIdle();
     EXPECT_EQ(Reads().size(), 2U);
-    EXPECT_EQ(observer.Blocks().size(), 1U) << "nobody hears of it any more";
+    EXPECT_EQ(observer.Blocks().size(), 1U) << "the observer is detached";
     // The next upload begins from the trigger again.
     Upload();
     EXPECT_EQ(BlockOrder().size(), 2U + 32U);
@@ -278,7 +279,7 @@ TEST_F(SampleUploadTest, CancellingWaitsASecondAtMost) {
     StopAt(gate, Read{3, 20, 32});
     upload.BeginUpload();
     gate.AwaitReached();
-    upload.CancelUpload(); // returns though the board stands still
+    upload.CancelUpload(); // returns although the board does not answer
     EXPECT_TRUE(upload.IsUploading());
     gate.Open();
     EXPECT_TRUE(UploadEnds());
@@ -295,7 +296,7 @@ TEST_F(SampleUploadTest, CancellingDetachesTheObserverInAnyCase) {
     EXPECT_THAT(observer.Blocks(), IsEmpty());
 }
 
-TEST_F(SampleUploadTest, AFailedBlockTellsAllAboutItAndEndsTheUpload) {
+TEST_F(SampleUploadTest, AFailedBlockIsReportedAndEndsTheUpload) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     line->SetLineErrors(0x12);
@@ -312,10 +313,10 @@ TEST_F(SampleUploadTest, AFailedBlockTellsAllAboutItAndEndsTheUpload) {
                     "Read Index ([0-9]+) Write Index [0-9]+ First 0x[0-9a-f]+ Last 0x0\\."));
     EXPECT_TRUE(store.HasSample(100));
     EXPECT_FALSE(store.HasSample(64));
-    EXPECT_EQ(store.GetCount(false), 221U) << "what has not come stays missing";
+    EXPECT_EQ(store.GetCount(false), 221U) << "samples that have not arrived stay missing";
 }
 
-TEST_F(SampleUploadTest, AFailedTransferHasHadItsBox) {
+TEST_F(SampleUploadTest, AFailedTransferIsNotReportedTwice) {
     OpenUsbLink();
     usb.WithBoard([](WireBoard& on) {
         on.contents[0] = {'P', 'C', 'I', 'W', 'r', 'e', 'n'};
@@ -334,7 +335,7 @@ TEST_F(SampleUploadTest, AFailedTransferHasHadItsBox) {
     EXPECT_THAT(boxes, testing::Each(testing::Not(testing::HasSubstr("trace data"))));
 }
 
-TEST_F(SampleUploadTest, AnObserverHearsOfEveryBlockAsItComes) {
+TEST_F(SampleUploadTest, AnObserverReceivesEveryBlockAsItArrives) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
     upload.SetObserver(&observer);
@@ -346,7 +347,7 @@ TEST_F(SampleUploadTest, AnObserverHearsOfEveryBlockAsItComes) {
     EXPECT_EQ(observer.LastRecords()[8], RecordAt(0));
 }
 
-TEST_F(SampleUploadTest, ANewObserverIsHandedWhatIsThere) {
+TEST_F(SampleUploadTest, ANewObserverReceivesTheBlocksThatHaveArrived) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
     Upload();
@@ -355,13 +356,13 @@ TEST_F(SampleUploadTest, ANewObserverIsHandedWhatIsThere) {
     EXPECT_THAT(observer.Blocks(),
                 ElementsAre(Block{0, 255, true}, Block{0, 256, true}, Block{0, 32, false},
                             Block{32, 32, false}, Block{64, 7, false}))
-        << "the second part of the zoom is handed out at 0";
+        << "the second part of the zoom is delivered at 0";
     EXPECT_EQ(observer.LastRecords()[0], RecordAt(24));
     upload.SetObserver(&observer);
     EXPECT_EQ(observer.Blocks().size(), 5U) << "the same one again";
 }
 
-TEST_F(SampleUploadTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
+TEST_F(SampleUploadTest, AnObserverReceivesTheZoomAsFarAsItHasArrived) {
     OpenBoard("PCIKite");
     SetLive(0x20, 40, 30);
     Gate gate;
@@ -376,7 +377,7 @@ TEST_F(SampleUploadTest, AnObserverInTheMiddleIsHandedTheZoomAsFarAsItHasCome) {
     EXPECT_EQ(observer.Blocks().size(), 5U);
 }
 
-TEST_F(SampleUploadTest, CopiesAsFarAsSamplesHaveArrived) {
+TEST_F(SampleUploadTest, CopiesSamplesUpToTheFirstMissingOne) {
     OpenBoard("PCIWren");
     SetLive(0x20, 100, 120);
     Gate gate;
@@ -407,7 +408,7 @@ TEST_F(SampleUploadTest, AnUploadThatLosesItsPortEndsWithEmptySamples) {
     ASSERT_TRUE(link->IsDemoMode());
     ASSERT_TRUE(UploadEnds());
     EXPECT_EQ(store.GetSample(96), RecordAt(-4));
-    EXPECT_EQ(store.GetSample(64), SampleRecord()) << "not what another block has left behind";
+    EXPECT_EQ(store.GetSample(64), SampleRecord()) << "not the data of another block";
 }
 
 } // namespace

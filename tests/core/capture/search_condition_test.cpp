@@ -13,7 +13,7 @@ using testing::IsEmpty;
 
 class Conditions : public testing::Test {
 protected:
-    /// The places of the records that match all patterns.
+    /// The indexes of the records that match all patterns.
     std::vector<int> Matches(const std::vector<SampleRecord>& records,
                              std::initializer_list<const char*> patterns) {
         SearchCondition condition;
@@ -47,7 +47,7 @@ protected:
     BoardTables board{"PCIKite-1"};
 };
 
-TEST_F(Conditions, ValuesAreHexadecimalWithAnyDigits) {
+TEST_F(Conditions, ValuesAreHexadecimalAndAnXIsAnyDigit) {
     const auto records = CaptureBuilder()
                              .Write(0xFEBF0010, 0x12345678)
                              .Write(0xFEBF00A0, 0x12345678)
@@ -66,18 +66,18 @@ TEST_F(Conditions, MissingDigitsAreZeros) {
     const auto records = CaptureBuilder().Write(0x10, 0xF0000010).Records();
     EXPECT_THAT(Matches(records, {"AD[31:0]=10"}), ElementsAre(0));
     EXPECT_THAT(Matches(records, {"AD[31:0]=0x10"}), ElementsAre(0));
-    // With all digits there, the second one is any.
+    // With all digits given, the x is any digit.
     EXPECT_THAT(Matches(CaptureBuilder().Write(0x0A000010, 0x10).Records(), {"AD[31:0]=0x000010"}),
                 ElementsAre(0, 1));
 }
 
-TEST_F(Conditions, MissingDigitsOfLinesThatTheBusDoesNotHaveAreAny) {
+TEST_F(Conditions, MissingDigitsOfAbsentLinesAreAny) {
     auto records = CaptureBuilder().Write(0x10, 0xAB).Records();
     records[0].bytes[4] = 0xFF; // AD[39:32]
     EXPECT_THAT(Matches(records, {"AD=10"}), ElementsAre(0));
     EXPECT_THAT(Matches(records, {"AD[39:0]=10"}), ElementsAre(0));
     EXPECT_THAT(Matches(records, {"AD[39:0]=0000000010"}), IsEmpty());
-    EXPECT_THAT(Matches(records, {"C/BE=7"}), ElementsAre(0)); // of which the upper half is F
+    EXPECT_THAT(Matches(records, {"C/BE=7"}), ElementsAre(0)); // the upper half is F
     EXPECT_THAT(Matches(records, {"C/BE=07"}), IsEmpty());
     for (const std::int32_t mode : {BusPci, BusPciX}) {
         board.board.bus = {mode, 1, 0, 0, 0};
@@ -85,7 +85,7 @@ TEST_F(Conditions, MissingDigitsOfLinesThatTheBusDoesNotHaveAreAny) {
         board.board.bus = {mode, 0, 0, 0, 0};
         EXPECT_THAT(Matches(records, {"AD=10"}), ElementsAre(0));
     }
-    // The same bits are others elsewhere.
+    // On another bus the same bits have another meaning.
     BoardTables vme("VMEKite-1", BusVme);
     SearchCondition condition;
     EXPECT_EQ(condition.Add("bit 40=1", vme.tables, {}), "");
@@ -99,9 +99,9 @@ TEST_F(Conditions, AllPatternsMustHold) {
     EXPECT_THAT(Matches(records, {"FRAME=0", "FRAME=1"}), IsEmpty());
 }
 
-TEST_F(Conditions, LabelsOfDecodedSignalsAreFoundInTheirPhase) {
-    // Data with all lanes on have the code of an interrupt acknowledge, idle clocks that of
-    // "Mem Wr & Inv"; neither is a command.
+TEST_F(Conditions, LabelsOfDecodedSignalsMatchInTheirPhaseOnly) {
+    // In data phases with all lanes enabled, C/BE has the code of an interrupt acknowledge; in idle
+    // clocks that of "Mem Wr & Inv". Neither is a command.
     const auto records =
         CaptureBuilder().Read(0x10).Idle().Address(0, PciCommand::InterruptAcknowledge).Records();
     EXPECT_THAT(Matches(records, {"COMMAND=Mem Rd"}), ElementsAre(0));
@@ -114,21 +114,21 @@ TEST_F(Conditions, LabelsOfDecodedSignalsAreFoundInTheirPhase) {
     EXPECT_THAT(Matches(records, {"ADR/DATA=Address"}), ElementsAre(0, 4));
 }
 
-TEST_F(Conditions, DataAreNotAddresses) {
+TEST_F(Conditions, DataDoNotMatchAsAddresses) {
     const auto records = CaptureBuilder().Write(0x10, 0x10).Records();
     EXPECT_THAT(Matches(records, {"DATA32=10"}), ElementsAre(1));
     EXPECT_THAT(Matches(records, {"ADDRESS32=10"}), ElementsAre(0));
     EXPECT_THAT(Matches(records, {"AD[31:0]=10"}), ElementsAre(0, 1));
 }
 
-TEST_F(Conditions, FindingsAndTimesCanBeFoundThoughTheBoardCannotCompareThem) {
+TEST_F(Conditions, FindingsAndTimesAreFoundAlthoughTheBoardCannotCompareThem) {
     const auto records = CaptureBuilder().Idle().Finding(112).Idle(2).After(55).Records();
     EXPECT_THAT(Matches(records, {"RULE CHECK=Target Retry"}), ElementsAre(0));
     EXPECT_THAT(Matches(records, {"RULE CHECK=70"}), ElementsAre(0));
     EXPECT_THAT(Matches(records, {"TIME=000DC"}), ElementsAre(2)); // 55 ns: count 55, unit 0
 }
 
-TEST_F(Conditions, AValueOfZerosIsAValueLikeAnyOther) {
+TEST_F(Conditions, AValueOfZerosIsCompared) {
     const auto records =
         CaptureBuilder().Write(0, 0).Write(0x10, 0xFF).Idle().After(0).Idle().Records();
     EXPECT_THAT(Matches(records, {"ADDRESS32=00000000"}), ElementsAre(0));
@@ -152,7 +152,7 @@ TEST_F(Conditions, AFieldOfPciXCanBeZero) {
     EXPECT_EQ(Wrong("TAG=here"), "TAG(PCI-X) takes 2 hexadecimal digits, x for any; not \"here\"");
 }
 
-TEST_F(Conditions, OneLabelWithSeveralCodesMatchesEach) {
+TEST_F(Conditions, ALabelWithSeveralCodesMatchesEach) {
     board.board.bus = {BusPciX, 1, 0, 0, 0};
     const std::vector<SampleRecord> records = {With({95, 67}),             // 1000
                                                With({95, 65, 66, 67}),     // 1110
@@ -163,18 +163,18 @@ TEST_F(Conditions, OneLabelWithSeveralCodesMatchesEach) {
     EXPECT_THAT(Matches(records, {"COMMAND=Mem Rd Blk", "C/BE=x8"}), ElementsAre(0));
 }
 
-TEST_F(Conditions, AttributesOfPciXAreFoundWhereTheyShow) {
+TEST_F(Conditions, AttributesOfPciXMatchWhereTheyAreShown) {
     board.board.bus = {BusPciX, 1, 0, 0, 0};
     const std::vector<SampleRecord> records = {With({93, 24}),         // attribute, tag 1
                                                With({95, 24, 66, 67}), // split completion
                                                With({95, 24, 65, 66}), // another address
                                                With({24}),             // data
-                                               With({24, 66, 67})};    // with lanes off
+                                               With({24, 66, 67})};    // with lanes disabled
     EXPECT_THAT(Matches(records, {"TAG=01"}), ElementsAre(0, 1));
     EXPECT_THAT(Matches(records, {"ATTRIBUTE=01000000"}), ElementsAre(0, 1));
 }
 
-TEST_F(Conditions, BitsThatRunAgainstTheRecord) {
+TEST_F(Conditions, BitReversedBuses) {
     BoardTables lark("VMELark-1", BusVme);
     SearchCondition condition;
     ASSERT_EQ(condition.Add("BG=1", lark.tables, {}), "");
@@ -182,7 +182,7 @@ TEST_F(Conditions, BitsThatRunAgainstTheRecord) {
     EXPECT_EQ(condition.MatchesOf(records), 2U);
 }
 
-TEST_F(Conditions, SayWhatWouldBeRight) {
+TEST_F(Conditions, ErrorsSayWhatIsValid) {
     EXPECT_THAT(Wrong("FRAME"), HasSubstr("NAME=VALUE"));
     EXPECT_THAT(Wrong("NOPE=1"),
                 HasSubstr("no signal \"NOPE\" on this bus; there are COMMAND, ADDRESS32"));

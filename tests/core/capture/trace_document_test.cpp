@@ -62,21 +62,21 @@ TEST_F(TraceDocument, CloneTakesListsAndSetupAndForgetsTheSource) {
     EXPECT_TRUE(clone.IsRealTime());
     EXPECT_EQ(clone.stateList[clone.stateList.Size() - 1].name, "mine");
     EXPECT_EQ(clone.setup.name, "setup");
-    ASSERT_TRUE(clone.OnNewDocument()); // of nobody's now
+    ASSERT_TRUE(clone.OnNewDocument()); // the link to the source is gone
     EXPECT_NE(clone.stateList[clone.stateList.Size() - 1].name, "mine");
 }
 
-TEST_F(TraceDocument, TriggerStandsOneBeforeWhereNothingFollowsIt) {
+TEST_F(TraceDocument, TheTriggerMarkerIsOneBeforeWhereNoSampleFollowsIt) {
     LoadSamples(-10, 0);
     EXPECT_EQ(document.Marker(0, false), 9);
 }
 
-TEST_F(TraceDocument, TriggerOfSamplesBeforeItOnlyIsTheLast) {
+TEST_F(TraceDocument, TheTriggerMarkerIsTheLastSampleWhereAllLieBeforeIt) {
     LoadSamples(-20, -10);
     EXPECT_EQ(document.Marker(0, false), 10);
 }
 
-TEST_F(TraceDocument, MarkersBehindTheCaptureAreIgnored) {
+TEST_F(TraceDocument, MarkersAfterTheCaptureAreIgnored) {
     LoadSamples(-5, 5);
     document.AddView(&view);
     document.SetMarker(1, 11);
@@ -102,7 +102,7 @@ TEST_F(TraceDocument, TriggerMarkerSendsNoHint) {
     document.RemoveView(&view);
 }
 
-TEST_F(TraceDocument, BlocksAreToldWhenTheyAreFlushed) {
+TEST_F(TraceDocument, BlocksAreReportedWhenTheyAreFlushed) {
     LoadSamples(-32, 32);
     document.AddView(&view);
     const std::vector<SampleRecord> records(32);
@@ -118,7 +118,7 @@ TEST_F(TraceDocument, BlocksAreToldWhenTheyAreFlushed) {
     document.RemoveView(&view);
 }
 
-TEST_F(TraceDocument, LoadingTellsTheViewsThatDataAreComplete) {
+TEST_F(TraceDocument, LoadingReportsToTheViewsThatDataAreComplete) {
     document.AddView(&view);
     LoadSamples(0, 3);
     EXPECT_EQ(view.hints, std::vector<int>{HintDataComplete});

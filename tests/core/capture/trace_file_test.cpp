@@ -45,7 +45,7 @@ protected:
         return numbers;
     }
 
-    /// The state list's row of a line's own, not of a decoded column.
+    /// The state list's row of a single line, not of a decoded column.
     const CSignal& Row(const std::string& name) const {
         for (const auto& signal : document->stateList.All()) {
             if (signal->name == name && signal->bitIndex == -1) {
@@ -105,7 +105,7 @@ TEST_F(TraceFile, TakesNameAndDescription) {
     EXPECT_TRUE(document->LoadedFromFile());
 }
 
-TEST_F(TraceFile, StartAndEndBothZeroIsOneSample) {
+TEST_F(TraceFile, StartAndEndBothZeroAreOneSample) {
     ASSERT_TRUE(Load(header + Data(0, 0, Sample(0, 7))));
     EXPECT_EQ(RowNumbers(), std::vector<std::int64_t>{0});
     EXPECT_EQ(document->Marker(0, false), 0);
@@ -118,7 +118,7 @@ TEST_F(TraceFile, DataLineWithoutSamplesIsAnEmptyTrace) {
     EXPECT_EQ(document->RowToSample(3, false), 0);
 }
 
-TEST_F(TraceFile, SamplesThatAFilterLeftOutStayOut) {
+TEST_F(TraceFile, SamplesThatAFilterRemovedStayOut) {
     ASSERT_TRUE(Load(header + Data(-3, 3, Sample(-3, 1) + Sample(0, 2) + Sample(3, 3))));
     EXPECT_EQ(RowNumbers(), (std::vector<std::int64_t>{-3, 0, 3}));
     EXPECT_TRUE(document->IsFiltered());
@@ -158,7 +158,7 @@ TEST_F(TraceFile, ValuesAreCutToAByte) {
     EXPECT_EQ(document->GetSample(1, false)->bytes[0], 0xFF);
 }
 
-TEST_F(TraceFile, TruncatedFileKeepsWhatItHas) {
+TEST_F(TraceFile, TruncatedFileKeepsItsCompleteRows) {
     ASSERT_TRUE(Load(header + std::string("\"Trace Data\",-2,5\n") + Sample(-2, 1) + Sample(-1, 3) +
                      "0,1,2,3"));
     EXPECT_EQ(RowNumbers(), (std::vector<std::int64_t>{-2, -1}));
@@ -180,7 +180,7 @@ TEST_F(TraceFile, PowerZoomBlockFillsItsOwnList) {
     EXPECT_EQ(document->Marker(0, true), 255);
 }
 
-TEST_F(TraceFile, PowerZoomMayStandBeforeTheSamples) {
+TEST_F(TraceFile, PowerZoomMayPrecedeTheSamples) {
     ASSERT_TRUE(Load(header + std::string("\"Power Zoom Data\",255,256\n") + Sample(0, 8) +
                      "\"End of Power Zoom Data\"\n" + Data(0, 0, Sample(0, 1))));
     ASSERT_TRUE(document->store.HasZoom());
@@ -202,7 +202,7 @@ TEST_F(TraceFile, MissingFileIsOneMessage) {
     EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error opening file /nonexistent/a.tra."});
 }
 
-TEST_F(TraceFile, NoTextAtAllIsOneMessage) {
+TEST_F(TraceFile, ABinaryFileIsOneMessage) {
     std::mt19937 random(7);
     std::string noise(200'000, '\0');
     for (char& c : noise) {
@@ -224,7 +224,7 @@ TEST_F(TraceFile, RangeOfBillionsIsOneMessage) {
     }
 }
 
-/// Bytes of memory that this process has touched.
+/// The resident memory of this process in bytes.
 std::int64_t MemoryInUse() {
     std::ifstream file("/proc/self/statm");
     std::int64_t pages = 0;
@@ -232,8 +232,8 @@ std::int64_t MemoryInUse() {
     return pages * ::sysconf(_SC_PAGESIZE);
 }
 
-TEST_F(TraceFile, ARangeThatNoCaptureFillsTakesMemoryAsSamplesCome) {
-    // A sanitizer's shadows count too, and are several times as large.
+TEST_F(TraceFile, ASparseRangeTakesMemoryForItsSamplesOnly) {
+    // The shadow memory of a sanitizer counts too, and is several times as large.
     constexpr std::int64_t most = std::int64_t{livesOnAddresses ? 16'384 : 200} << 20;
     // In all lists together this would be more than 4 GB.
     constexpr int before = 16'000'000;
@@ -255,7 +255,7 @@ TEST_F(TraceFile, ARangeThatNoCaptureFillsTakesMemoryAsSamplesCome) {
             EXPECT_STREQ(signal->Label(before + after), "Int Ack");
         }
     }
-    // A column that is new, and a filter.
+    // A new column and a filter.
     for (const auto& def : board.tables.decodedSignals.Defs()) {
         if (def->name == "DATA32") {
             CSignal* added =
@@ -286,7 +286,7 @@ TEST_F(TraceFile, NumSamplesOfBillionsTakesNoMemory) {
     }
 }
 
-TEST_F(TraceFile, PlainRowsAndQuotedOnesReadTheSame) {
+TEST_F(TraceFile, PlainRowsAndQuotedRowsReadTheSame) {
     std::mt19937 random(20240607);
     std::string plain;
     std::string quoted;
@@ -345,7 +345,7 @@ TEST(AllocateForFile, SplitsTheRangeAtTheTrigger) {
     EXPECT_EQ(store.GetCount(true), 511U);
 }
 
-TEST(PutZoomSample, WorksOnlyWhenThereIsZoomData) {
+TEST(PutZoomSample, WorksOnlyIfThereIsZoomData) {
     CSampleStore store;
     SampleRecord record;
     record.bytes[0] = 1;

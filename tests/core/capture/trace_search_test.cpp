@@ -13,8 +13,8 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Sets a bit of a pattern: what it must be, and that it counts.
-void Want(CSignalList& pattern, std::int32_t dataIndex, bool value) {
+/// Sets a bit of a pattern: its value and its compare bit.
+void Require(CSignalList& pattern, std::int32_t dataIndex, bool value) {
     for (const auto& signal : pattern.All()) {
         if (signal->dataIndex == dataIndex) {
             signal->data[0] = value ? 1 : 0;
@@ -35,7 +35,7 @@ CSignalList EmptyPattern() {
     return list;
 }
 
-/// The loop over bytes that defines a match.
+/// The byte by byte loop that defines a match.
 bool SlowMatch(const SampleRecord& record, const CSignalList& list) {
     const auto row = [&] {
         std::array<std::uint8_t, 30> pairs{};
@@ -69,9 +69,9 @@ TEST(Search, AgreesWithALoopOverBytes) {
         }
         CSignalList list = EmptyPattern();
         for (std::uint32_t n = random() % 4; n > 0; --n) {
-            Want(list, static_cast<std::int32_t>(random() % 144), random() % 2 != 0);
+            Require(list, static_cast<std::int32_t>(random() % 144), random() % 2 != 0);
         }
-        list[random() % 120].data[0] ^= 1; // a value does not make a bit count
+        list[random() % 120].data[0] ^= 1; // a value without its compare bit does not matter
         std::vector<std::uint32_t> excluded;
         if (round % 2 != 0) {
             excluded.resize((records.size() + 31) / 32);
@@ -119,9 +119,9 @@ TEST(Search, AgreesWithALoopOverBytes) {
 
 TEST(Search, BitsPastTheHundredAndTwentiethAreNotCompared) {
     CSignalList list = EmptyPattern();
-    Want(list, 120, true);
+    Require(list, 120, true);
     EXPECT_TRUE(RecordPattern(list).Matches(SampleRecord()));
-    Want(list, 119, true);
+    Require(list, 119, true);
     EXPECT_FALSE(RecordPattern(list).Matches(SampleRecord()));
 }
 
@@ -137,7 +137,7 @@ public:
     std::int64_t sample = -1;
 };
 
-/// A stored capture of 1000 samples whose data lines count; the trigger is sample 500.
+/// A stored capture of 1000 samples with counting data lines; the trigger is sample 500.
 class SearchOfAFile : public testing::Test {
 protected:
     SearchOfAFile() {
@@ -153,9 +153,9 @@ protected:
     }
     ~SearchOfAFile() override { document->RemoveView(&view); }
     /// A pattern that only the sample with this index matches.
-    static void WantSample(CSignalList& pattern, int sample) {
+    static void RequireSample(CSignalList& pattern, int sample) {
         for (int bit = 0; bit < 10; ++bit) {
-            Want(pattern, bit, (sample >> bit & 1) != 0);
+            Require(pattern, bit, (sample >> bit & 1) != 0);
         }
     }
     std::int64_t Start(SearchDirection direction, std::int64_t firstShown = 40) {
@@ -174,7 +174,7 @@ protected:
     std::unique_ptr<CTesselDoc> document;
 };
 
-TEST_F(SearchOfAFile, BeginsNextToMarker1OrAtTheFirstSampleThatShows) {
+TEST_F(SearchOfAFile, BeginsNextToMarker1OrAtTheFirstVisibleSample) {
     EXPECT_EQ(Start(SearchDirection::Forward), 40);
     EXPECT_EQ(Start(SearchDirection::Backward), 40);
     document->SetMarker(1, 7);
@@ -187,7 +187,7 @@ TEST_F(SearchOfAFile, BeginsNextToMarker1OrAtTheFirstSampleThatShows) {
 
 TEST_F(SearchOfAFile, SetsMarker1ToTheHit) {
     document->SetMarker(2, 3);
-    Want(document->searchPattern, 7, true); // of the low byte: 128 to 255 and so on
+    Require(document->searchPattern, 7, true); // bit 7 is set in samples 128 to 255, and so on
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 128);
     Search(SearchDirection::Forward);
@@ -203,23 +203,23 @@ TEST_F(SearchOfAFile, SetsMarker1ToTheHit) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(SearchOfAFile, WithoutMarker1TheFirstSampleThatShowsIsLookedAtItself) {
-    WantSample(document->searchPattern, 40);
+TEST_F(SearchOfAFile, WithoutMarker1TheFirstVisibleSampleCanMatch) {
+    RequireSample(document->searchPattern, 40);
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 40);
 }
 
-TEST_F(SearchOfAFile, SaysThatThereIsNoMatch) {
-    WantSample(document->searchPattern, 300);
+TEST_F(SearchOfAFile, ReportsThatThereIsNoMatch) {
+    RequireSample(document->searchPattern, 300);
     document->SetMarker(1, 300);
     Search(SearchDirection::Forward);
-    EXPECT_EQ(Hit(), 300) << "stays";
+    EXPECT_EQ(Hit(), 300) << "unchanged";
     document->SetMarker(1, 999);
     Search(SearchDirection::Forward);
     EXPECT_THAT(prompts.Texts(), ElementsAre("No match found.", "No match found."));
 }
 
-TEST_F(SearchOfAFile, BackwardDoesNotLookAtSample0) {
+TEST_F(SearchOfAFile, BackwardDoesNotReachSample0) {
     document->SetMarker(1, 1); // an empty pattern matches every sample
     Search(SearchDirection::Backward);
     EXPECT_THAT(prompts.Texts(), ElementsAre("No match found."));
@@ -230,7 +230,7 @@ TEST_F(SearchOfAFile, BackwardDoesNotLookAtSample0) {
 }
 
 TEST_F(SearchOfAFile, TheFilterKeepsWhatMatchesAndTheTopSample) {
-    Want(document->filterPattern, 0, true);
+    Require(document->filterPattern, 0, true);
     document->ApplyFilter(100);
     EXPECT_EQ(document->RowCount(false), 500);
     EXPECT_TRUE(document->IsFiltered());
@@ -243,8 +243,8 @@ TEST_F(SearchOfAFile, TheFilterKeepsWhatMatchesAndTheTopSample) {
     EXPECT_EQ(view.sample, 101);
 }
 
-TEST_F(SearchOfAFile, AFilterThatMatchesNothingListsNothingAndTheNextRestoresAll) {
-    Want(document->filterPattern, 11, true);
+TEST_F(SearchOfAFile, AFilterWithoutAMatchShowsNoRowsAndTheNextRestoresAll) {
+    Require(document->filterPattern, 11, true);
     document->ApplyFilter(100);
     EXPECT_EQ(document->RowCount(false), 0);
     EXPECT_EQ(document->RowToSample(5, false), 0);
@@ -257,20 +257,20 @@ TEST_F(SearchOfAFile, AFilterThatMatchesNothingListsNothingAndTheNextRestoresAll
     EXPECT_TRUE(document->IsRowSample(999, false));
 }
 
-TEST_F(SearchOfAFile, AFilterGoesNowhereFromOutsideTheCapture) {
+TEST_F(SearchOfAFile, AFilterFromOutsideTheCaptureLeavesTheViewInPlace) {
     document->ApplyFilter(5000);
     EXPECT_THAT(view.hints, ElementsAre(HintFilterChanged));
 }
 
-TEST_F(SearchOfAFile, ASearchFindsWhatTheFilterHides) {
-    Want(document->filterPattern, 0, true);
+TEST_F(SearchOfAFile, ASearchFindsHiddenSamples) {
+    Require(document->filterPattern, 0, true);
     document->ApplyFilter(0);
-    WantSample(document->searchPattern, 300);
+    RequireSample(document->searchPattern, 300);
     Search(SearchDirection::Forward);
     EXPECT_EQ(Hit(), 300);
 }
 
-TEST_F(SearchOfAFile, SamplesThatTheFileLeftOutStayHidden) {
+TEST_F(SearchOfAFile, SamplesThatAreMissingInTheFileStayHidden) {
     document->excludedBits.assign(32, 0);
     document->excludedBits[0] = 0xFF;
     document->ApplyFilter(0);
@@ -278,7 +278,7 @@ TEST_F(SearchOfAFile, SamplesThatTheFileLeftOutStayHidden) {
     EXPECT_EQ(document->RowToSample(0, false), 8);
 }
 
-/// The board's search on a scripted wire; 100 samples lie before the trigger, 49 behind it.
+/// The board's search on a scripted wire; 100 samples lie before the trigger, 49 after it.
 class SearchByTheBoard : public CaptureFixture {
 protected:
     void Open() {
@@ -295,7 +295,7 @@ protected:
         });
         SearchOnAnalyzer(*link, *document, direction, start, prompts);
     }
-    /// What the status reads as, one after the other; the last one stays.
+    /// The successive values of the status; the last one repeats.
     void SetStatus(std::vector<Bytes> answers) {
         line->Do([&] {
             board.onMemoryRead = [this, answers, next = std::size_t{0}](std::uint32_t at) mutable {
@@ -305,7 +305,7 @@ protected:
             };
         });
     }
-    /// The bytes that were written at a register last.
+    /// The bytes that were last written at a register.
     std::vector<WireBoard::Write> Writes() {
         std::vector<WireBoard::Write> writes;
         line->Do([&] { writes = board.writes; });
@@ -313,14 +313,14 @@ protected:
     }
 };
 
-TEST_F(SearchByTheBoard, GoesOutByteForByte) {
+TEST_F(SearchByTheBoard, IsSentByteForByte) {
     Open();
     SetStatus({{0x03, 7, 0, 0}});
-    Want(document->searchPattern, 9, true);   // AD[9]
-    Want(document->searchPattern, 72, false); // FRAME
+    Require(document->searchPattern, 9, true);   // AD[9]
+    Require(document->searchPattern, 72, false); // FRAME
     Search(SearchDirection::Forward, 40);
     Bytes pattern(30);
-    pattern[2] = 0x02; // bits 8 to 15: the value, then what counts
+    pattern[2] = 0x02; // bits 8 to 15: the value, then the compare bits
     pattern[3] = 0x02;
     pattern[19] = 0x01; // bits 72 to 79
     EXPECT_THAT(Writes(), ElementsAre(WireBoard::Write{441, {0, 60, 0, 0}},
@@ -330,7 +330,7 @@ TEST_F(SearchByTheBoard, GoesOutByteForByte) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(SearchByTheBoard, FromTheTriggerOnTheOtherSideIsMeant) {
+TEST_F(SearchByTheBoard, FromTheTriggerTheDistanceIsOnTheOtherSide) {
     Open();
     SetStatus({{0x01, 30, 0, 0}});
     Search(SearchDirection::Backward, 100);
@@ -350,7 +350,7 @@ TEST_F(SearchByTheBoard, DistancesHaveThreeBytes) {
     EXPECT_EQ(document->Marker(1, false), -1);
 }
 
-TEST_F(SearchByTheBoard, APlaceOutsideTheCaptureIsNoHit) {
+TEST_F(SearchByTheBoard, APositionOutsideTheCaptureIsNotAHit) {
     Open();
     document->SetMarker(1, 5);
     for (const Bytes& status : {Bytes{0x01, 101, 0, 0}, Bytes{0x03, 50, 0, 0}}) {
@@ -360,7 +360,7 @@ TEST_F(SearchByTheBoard, APlaceOutsideTheCaptureIsNoHit) {
     }
 }
 
-TEST_F(SearchByTheBoard, IsAskedAgainAsLongAsItGoesOn) {
+TEST_F(SearchByTheBoard, IsPolledUntilItEnds) {
     Open();
     line->SetClockRuns(false);
     SetStatus({{0x80, 0, 0, 0}, {0xFF, 9, 9, 9}, {0x80, 0, 0, 0}, {0x03, 2, 0, 0}});
@@ -386,7 +386,7 @@ TEST_F(SearchByTheBoard, GivesUpAfterSixSeconds) {
     EXPECT_EQ(document->Marker(1, false), -1);
 }
 
-TEST_F(SearchByTheBoard, EveryFailedStepSaysSoAndOnlyTheStatusEndsIt) {
+TEST_F(SearchByTheBoard, EveryFailedStepIsReportedAndOnlyTheStatusEndsIt) {
     Open();
     SetStatus({{0x03, 2, 0, 0}});
     line->SetAnswer([this](const Bytes& sent, int baud) {
@@ -410,19 +410,19 @@ TEST_F(SearchByTheBoard, EveryFailedStepSaysSoAndOnlyTheStatusEndsIt) {
     }
 }
 
-TEST_F(SearchByTheBoard, IsNotForACaptureThatRuns) {
+TEST_F(SearchByTheBoard, IsNotAvailableWhileACaptureRuns) {
     OpenBoard("PCIKite");
     SetLive(0x80, 0, 0);
     NewDocument();
     EXPECT_TRUE(CanSearch(*document));
     EXPECT_TRUE(CanFilter(*document));
-    Want(document->filterPattern, 72, false);
-    Want(document->searchPattern, 72, false);
+    Require(document->filterPattern, 72, false);
+    Require(document->searchPattern, 72, false);
     document->OnCaptureStarted();
     SampleRecord high;
     high.bytes[9] = 1;
-    EXPECT_TRUE(RecordPattern(document->filterPattern).Matches(high)) << "begins anew";
-    EXPECT_FALSE(RecordPattern(document->searchPattern).Matches(high)) << "stays";
+    EXPECT_TRUE(RecordPattern(document->filterPattern).Matches(high)) << "reset";
+    EXPECT_FALSE(RecordPattern(document->searchPattern).Matches(high)) << "kept";
     EXPECT_FALSE(CanSearch(*document));
     EXPECT_FALSE(CanFilter(*document));
 }

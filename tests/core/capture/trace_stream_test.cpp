@@ -28,7 +28,7 @@ protected:
         }
         return numbers;
     }
-    /// The numbers of a block; what is wrong is in `wrong`.
+    /// The numbers of a block; an error goes to `wrong`.
     std::vector<std::int32_t> NumbersOf(const std::string& rows, int first = -2, int last = 5) {
         Open(header + "\"Trace Data\"," + std::to_string(first) + "," + std::to_string(last) +
              "\n" + rows);
@@ -51,7 +51,7 @@ TEST_F(TraceStreams, GiveRowsInPiecesWithoutThoseOutsideTheRange) {
     EXPECT_EQ(wrong, "");
 }
 
-TEST_F(TraceStreams, GiveMoreRowsThanOnePieceHolds) {
+TEST_F(TraceStreams, GiveMoreRowsThanFitIntoOnePiece) {
     std::string rows;
     const int count = 3 * static_cast<int>(TraceParser::rowsAtOnce) + 7;
     for (int i = 0; i < count; ++i) {
@@ -71,12 +71,12 @@ TEST_F(TraceStreams, ReadRowsOfEveryForm) {
                 ElementsAre(-2, 0, 3));
 }
 
-/// A row whose first byte tells it from others of its number.
+/// A row whose first byte distinguishes it from others with the same number.
 std::string Marked(int number, int byte) {
     return std::to_string(number) + "," + std::to_string(byte) + zeros.substr(2);
 }
 
-TEST_F(TraceStreams, GiveSamplesInOrderWhereverTheyStand) {
+TEST_F(TraceStreams, GiveSamplesInOrderWhereverTheyAreInTheFile) {
     EXPECT_THAT(NumbersOf(Row(3) + Row(9) + Row(-2) + Row(1) + Row(-7)), ElementsAre(-2, 1, 3));
     EXPECT_EQ(wrong, "");
     const std::string text = ReadWholeFile(dir.File("a.tra"));
@@ -87,7 +87,7 @@ TEST_F(TraceStreams, GiveSamplesInOrderWhereverTheyStand) {
     EXPECT_THAT(AllNumbers(), ElementsAre(-2, 1, 3));
 }
 
-TEST_F(TraceStreams, GiveOfSamplesWithOneNumberTheLast) {
+TEST_F(TraceStreams, GiveTheLastOfSamplesWithOneNumber) {
     Open(header + "\"Trace Data\",0,40\n" + Marked(3, 1) + Marked(3, 2) + Marked(40, 3) +
          Marked(3, 4) + "\"End of Trace Data\"\n");
     ASSERT_EQ(stream->ReadHead(), "");
@@ -100,7 +100,7 @@ TEST_F(TraceStreams, GiveOfSamplesWithOneNumberTheLast) {
     EXPECT_FALSE(stream->CutOff());
 }
 
-TEST_F(TraceStreams, GiveManySamplesOutOfOrderInPieces) {
+TEST_F(TraceStreams, GiveManyUnorderedSamplesInPieces) {
     std::string rows;
     const int count = 2 * static_cast<int>(TraceParser::rowsAtOnce) + 5;
     for (int i = count; i-- > 0;) {
@@ -113,7 +113,7 @@ TEST_F(TraceStreams, GiveManySamplesOutOfOrderInPieces) {
     }
 }
 
-TEST_F(TraceStreams, TakeAHeaderThatStandsBehindTheSamples) {
+TEST_F(TraceStreams, AcceptAHeaderAfterTheSamples) {
     Open("\"Trace Data\",0,1\n" + Row(0) + Row(1) + "\"End of Trace Data\"\n" + header +
          "\"Description\",\"late\"\n");
     ASSERT_EQ(stream->ReadHead(), "");
@@ -121,14 +121,14 @@ TEST_F(TraceStreams, TakeAHeaderThatStandsBehindTheSamples) {
     EXPECT_THAT(AllNumbers(), ElementsAre(0, 1));
 }
 
-TEST_F(TraceStreams, TakeADescriptionThatStandsBehindTheSamples) {
+TEST_F(TraceStreams, AcceptADescriptionAfterTheSamples) {
     Open(header + "\"Trace Data\",0,1\n" + Row(0) + Row(1) + "\"End of Trace Data\"\n" +
          "\"Description\",\"late\"\n");
     ASSERT_EQ(stream->ReadHead(), "");
     EXPECT_EQ(stream->comment, "late");
 }
 
-TEST_F(TraceStreams, AWindowSeesTheSameOfAFileInAnyOrder) {
+TEST_F(TraceStreams, AgreeWithAWindowInAnyOrderOfTheFile) {
     const std::string zoom = "\"Power Zoom Data\",255,256\n0,9" + zeros.substr(2);
     const std::string text = "\"Trace Data\",0,9\n" + Marked(2, 1) + Marked(0, 2) + zoom +
                              "\"Trace Data\",-3,5\n" + Marked(5, 3) + Marked(-1, 4) + Marked(5, 5) +
@@ -162,7 +162,7 @@ TEST_F(TraceStreams, EndWithTheirBlock) {
     EXPECT_EQ(text.substr(stream->BlockEnd(), 19), "\"End of Trace Data\"");
 }
 
-TEST_F(TraceStreams, AFileThatIsCutOffEndsWithItself) {
+TEST_F(TraceStreams, ReportATruncatedFile) {
     EXPECT_THAT(NumbersOf(Row(0) + "\"End of Trace Data\"\n"), ElementsAre(0));
     EXPECT_FALSE(stream->CutOff());
     EXPECT_THAT(NumbersOf(Row(0) + "1,2,3"), ElementsAre(0));
@@ -170,7 +170,7 @@ TEST_F(TraceStreams, AFileThatIsCutOffEndsWithItself) {
     EXPECT_EQ(stream->BlockEnd(), ReadWholeFile(dir.File("a.tra")).size());
 }
 
-TEST_F(TraceStreams, RefuseWhatIsNoTraceOfThisVersion) {
+TEST_F(TraceStreams, RefuseFilesOfAnotherTypeOrVersion) {
     EXPECT_EQ(Open("").ReadHead(), "Error: File type of 'Trace Data File' not found.");
     EXPECT_EQ(Open("\"FileType\",\"Trace Setup File\"\n\"Version\",\"1.0\"\n").ReadHead(),
               "Error: File type of 'Trace Data File' not found.");
@@ -190,7 +190,7 @@ TEST_F(TraceStreams, HaveDefaultListsWhereTheFileHasNone) {
     EXPECT_EQ(stream->NextRows(), nullptr);
 }
 
-TEST_F(TraceStreams, SurveyTellsOfTheWholeFileAndGoesBack) {
+TEST_F(TraceStreams, ASurveyCoversTheWholeFileAndRewinds) {
     Open(header + "\"Trace Data\",-2,5\n" + Row(-1) + Row(0) + Row(4) +
          "\"End of Trace Data\"\n\"Power Zoom Data\",255,256\n-255,7" + zeros.substr(2) + "300" +
          zeros + "\"End of Power Zoom Data\"\n");
@@ -206,7 +206,7 @@ TEST_F(TraceStreams, SurveyTellsOfTheWholeFileAndGoesBack) {
     EXPECT_THAT(AllNumbers(), ElementsAre(-1, 0, 4));
 }
 
-TEST_F(TraceStreams, PowerZoomMayStandBeforeTheSamples) {
+TEST_F(TraceStreams, PowerZoomMayPrecedeTheSamples) {
     Open(header + "\"Power Zoom Data\",255,256\n0,9" + zeros.substr(2) +
          "\"End of Power Zoom Data\"\n\"Trace Data\",0,0\n" + Row(0));
     TraceSurvey survey;
@@ -231,8 +231,8 @@ TEST_F(TraceStreams, GiveTheLastOfSeveralBlocks) {
     EXPECT_EQ(ReadWholeFile(dir.File("a.tra")).substr(stream->BlockBegin(), second.size()), second);
 }
 
-TEST_F(TraceStreams, TimeToTheTriggerCountsUpToItsSample) {
-    // TIME is a count above two bits of a unit, from bit 110 on: byte 13 bit 6.
+TEST_F(TraceStreams, TimeToTheTriggerIsSummedUpToItsSample) {
+    // TIME is a count above two unit bits, from bit 110 on: byte 13 bit 6.
     const auto timed = [](int number, int count) {
         const int field = count << 2;
         return std::to_string(number) + ",0,0,0,0,0,0,0,0,0,0,0,0,0," +
@@ -252,7 +252,7 @@ struct RangeCase {
 };
 class Ranges : public testing::TestWithParam<RangeCase> {};
 
-TEST_P(Ranges, TellWhereTheTriggerIs) {
+TEST_P(Ranges, DetermineTheTriggerSample) {
     const auto counts = CountsOfRange(GetParam().first, GetParam().last);
     ASSERT_TRUE(counts);
     EXPECT_EQ(counts->before, GetParam().before);

@@ -26,7 +26,7 @@ std::string ListText(const CSignalList& list, const TempDir& dir) {
 
 class TraceWriterTest : public CaptureFixture {
 protected:
-    /// A document that holds a capture, all of it uploaded.
+    /// A document with a complete capture.
     void Capture(const char* model, std::uint32_t before, std::uint32_t after) {
         OpenBoard(model);
         SetLive(0x20, before, after);
@@ -51,7 +51,7 @@ protected:
     const TempDir dir;
 };
 
-TEST(SaveRange, MustLieInTheCapture) {
+TEST(SaveRange, MustLieWithinTheCapture) {
     EXPECT_EQ(CheckSaveRange(-100, 120, 100, 120), std::nullopt);
     EXPECT_EQ(CheckSaveRange(0, 0, 100, 120), std::nullopt);
     EXPECT_THAT(CheckSaveRange(-101, 0, 100, 120),
@@ -66,7 +66,7 @@ TEST(SaveRange, MustLieInTheCapture) {
                 Optional(std::string("End sample must be >= start sample.")));
 }
 
-TEST_F(TraceWriterTest, ACaptureComesBackEqual) {
+TEST_F(TraceWriterTest, ACaptureIsReadBackEqual) {
     Capture("PCIKite", 100, 120);
     document->comment = "two\r\nlines";
     document->setup.name = "my setup";
@@ -110,7 +110,8 @@ TEST_F(TraceWriterTest, TheFileLineByLine) {
                 HasSubstr("\"End of Setup Data\"\n\n\"Waveform Signals\"\n\"Signal\",\"Name\","));
     EXPECT_THAT(text, HasSubstr("\"Permanent\"\"BitReverse\"\n\"End of Wave Signals\"\n\n"
                                 "\"State Signals\"\n\"Signal\",\"Name\","));
-    EXPECT_THAT(text, Not(HasSubstr("Power Zoom Signals"))) << "a list that is not there";
+    EXPECT_THAT(text, Not(HasSubstr("Power Zoom Signals")))
+        << "no entry for a list that does not exist";
     EXPECT_THAT(text, testing::EndsWith("\"End of State Signals\"\n\n\"Trace Data\",-1,1\n"
                                         "-1,255,255,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
                                         "0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n"
@@ -118,7 +119,7 @@ TEST_F(TraceWriterTest, TheFileLineByLine) {
                                         "\"End of Trace Data\"\n"));
 }
 
-TEST_F(TraceWriterTest, AListWithoutSignalsComesBackWithoutSignals) {
+TEST_F(TraceWriterTest, AListWithoutSignalsIsReadBackWithoutSignals) {
     Capture("PCIKite", 2, 1);
     document->waveformList.RemoveAllSignals();
     document->stateList.RemoveAllSignals();
@@ -161,7 +162,7 @@ TEST_F(TraceWriterTest, WithoutSamplesTheFileHasNone) {
     EXPECT_EQ(Load()->SampleCount(false), 0);
 }
 
-TEST_F(TraceWriterTest, AFileThatWasFilteredKeepsItsGapsAndNumbers) {
+TEST_F(TraceWriterTest, AFilteredFileKeepsItsGapsAndNumbers) {
     context.newDocRealTime = false;
     NewDocument();
     std::string rows;
@@ -187,7 +188,7 @@ TEST_F(TraceWriterTest, ACaptureFromAFileKeepsItsNumbersWhereverTheTriggerIs) {
     const std::pair<int, int> ranges[] = {{0, 0}, {-20, -10}, {10, 20}, {-3, 90}};
     for (const auto& [first, last] : ranges) {
         NewDocument();
-        // Only the ends: where a file has gaps, nothing is still to come.
+        // Only the ends: gaps in a file are not samples that are still to arrive.
         std::string rows = std::to_string(first) + ",7,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
         if (first != last) {
             rows += std::to_string(last) + ",9,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n";
@@ -222,7 +223,7 @@ TEST_F(TraceWriterTest, AFileWithoutSamplesCanBeCopied) {
     }
 }
 
-TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
+TEST_F(TraceWriterTest, WaitsForMissingSamplesAndRequestsThem) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     Gate gate;
@@ -244,7 +245,7 @@ TEST_F(TraceWriterTest, WaitsForSamplesAndAsksForThem) {
     EXPECT_EQ(Load()->SampleCount(false), 1001);
 }
 
-TEST_F(TraceWriterTest, SamplesThatWillNotComeAreTold) {
+TEST_F(TraceWriterTest, SamplesThatCannotArriveAreReported) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     line->SetAnswer([this](const Bytes& sent, int baud) {
@@ -257,12 +258,12 @@ TEST_F(TraceWriterTest, SamplesThatWillNotComeAreTold) {
     ASSERT_TRUE(writer.Begin(Path(), -500, 500));
     EXPECT_EQ(writer.Write(1000), Step::Missing);
     EXPECT_EQ(writer.NextNumber(), -500);
-    // What has come can be saved.
+    // The samples that have arrived can be saved.
     ASSERT_EQ(Save(-52, 11), Step::Done);
     EXPECT_EQ(Load()->SampleCount(false), 64);
 }
 
-TEST_F(TraceWriterTest, AFileThatIsGivenUpStaysAsFarAsItWasWritten) {
+TEST_F(TraceWriterTest, ACancelledFileKeepsTheRowsWrittenSoFar) {
     Capture("PCIWren", 500, 500);
     {
         TraceFileWriter writer(*document);
@@ -274,7 +275,7 @@ TEST_F(TraceWriterTest, AFileThatIsGivenUpStaysAsFarAsItWasWritten) {
     EXPECT_EQ(loaded->RowCount(false), 10);
 }
 
-TEST_F(TraceWriterTest, AWriterThatGoesLeavesTheOldFile) {
+TEST_F(TraceWriterTest, AnAbandonedWriterLeavesTheOldFile) {
     Capture("PCIWren", 5, 5);
     dir.Write("a.tra", "old");
     {
@@ -286,10 +287,10 @@ TEST_F(TraceWriterTest, AWriterThatGoesLeavesTheOldFile) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()),
                             std::filesystem::directory_iterator()),
               1)
-        << "and nothing beside it";
+        << "and no temporary file";
 }
 
-TEST_F(TraceWriterTest, AFileThatCannotBeCreatedOrFinishedIsTold) {
+TEST_F(TraceWriterTest, AFileThatCannotBeCreatedOrCompletedIsReported) {
     Capture("PCIWren", 5, 5);
     TraceFileWriter nowhere(*document);
     EXPECT_FALSE(nowhere.Begin("/nonexistent/a.tra", -5, 5));

@@ -39,7 +39,7 @@ public:
         EXPECT_EQ(writer.Write(1), TraceFileWriter::Step::Done);
         return dir.File("saved.tra");
     }
-    /// Whether a colour has been filed.
+    /// Whether a colour has been saved.
     bool HasColorFile() const {
         return std::filesystem::exists(dir.File("DecodedSignalColors.dat"));
     }
@@ -50,7 +50,7 @@ public:
     CTesselDoc document;
 };
 
-/// Captures of two boards side by side, whichever was made last.
+/// Captures of two boards side by side, created in either order.
 class TwoBoards : public testing::TestWithParam<bool> {
 protected:
     TwoBoards() {
@@ -98,7 +98,7 @@ TEST_P(TwoBoards, ASignalIsAddedFromItsOwnBus) {
     }
 }
 
-TEST_P(TwoBoards, AColourIsThatOfItsOwnBoard) {
+TEST_P(TwoBoards, AColourIsThatOfItsBoard) {
     const std::uint32_t before = lark->ColorOf("COMMAND");
     pci->document.stateList.SetGroupSelected(&pci->Row("COMMAND"), true);
     pci->document.stateList.SetSelectedColor(0x123456);
@@ -129,7 +129,7 @@ TEST_P(TwoBoards, EachIsSavedAndReadAgainByItsOwnTables) {
     }
 }
 
-TEST_P(TwoBoards, TheWizardAsksForTheProgramOfTheSetupsBoard) {
+TEST_P(TwoBoards, TheWizardOffersTheProgramOfTheSetupsBoard) {
     const WizardAnswer any{WizardCycle::Memory, WizardDirection::Write, {}, {}};
     BuildWizardSetup(pci->document.setup, any, any);
     BuildWizardSetup(lark->document.setup, any, any);
@@ -138,7 +138,7 @@ TEST_P(TwoBoards, TheWizardAsksForTheProgramOfTheSetupsBoard) {
     EXPECT_EQ(lark->document.setup.events.Tables().Board().modelString, "VMELark-1");
 }
 
-TEST_P(TwoBoards, ACopyIsOfTheBoardThatItWasCopiedFrom) {
+TEST_P(TwoBoards, ACopyBelongsToTheSameBoard) {
     CSignalList copy(lark->board.tables);
     copy.CopyFrom(pci->document.stateList);
     EXPECT_EQ(&copy.Tables(), &pci->board.tables);

@@ -87,7 +87,7 @@ TEST(CsvSplitLine, SplitsBareNumbers) {
     EXPECT_THAT(Whole("\"Trace Data\",-5,10"), ElementsAre("Trace Data", "-5", "10"));
 }
 
-TEST(CsvSplitLine, AnEmptyLineHasNoField) {
+TEST(CsvSplitLine, AnEmptyLineHasNoFields) {
     EXPECT_THAT(Whole(""), IsEmpty());
     EXPECT_THAT(Whole(" \t, ,\t"), IsEmpty());
 }
@@ -121,17 +121,17 @@ TEST(CsvSplitLine, TheClosingQuoteEndsTheFieldAndTheRestStartsAnother) {
     EXPECT_THAT(Whole("\"a\" b"), ElementsAre("a", "b"));
 }
 
-TEST(CsvSplitLine, ADoubledQuoteIsNoEscape) {
+TEST(CsvSplitLine, ADoubledQuoteIsNotAnEscape) {
     EXPECT_THAT(Whole("\"a\"\"b\""), ElementsAre("a", "b"));
 }
 
-TEST(CsvSplitLine, AQuoteInsideAWrittenValueTearsIt) {
+TEST(CsvSplitLine, AQuoteInsideAWrittenValueSplitsIt) {
     const SplitLine split = Split(CsvQuote("a\"b"));
     EXPECT_THAT(split.fields, ElementsAre("a", "b"));
     EXPECT_FALSE(split.goesOn);
 }
 
-TEST(CsvSplitLine, KeepsBytesThatAreNoText) {
+TEST(CsvSplitLine, KeepsBytesThatAreNotText) {
     EXPECT_THAT(Whole(std::string_view("a\0b,\xFF", 5)),
                 ElementsAre(std::string("a\0b", 3), "\xFF"));
 }
@@ -148,13 +148,13 @@ TEST(CsvSplitLine, AnOpeningQuoteAtTheLineEndStartsAValue) {
     EXPECT_THAT(split.fields, ElementsAre("1", "\r\n"));
 }
 
-TEST(CsvSplitLine, GoesOnWithTheLastField) {
+TEST(CsvSplitLine, ContinuesTheLastField) {
     const SplitLine split = Split("second\",3", {"Description", "first\r\n"});
     EXPECT_FALSE(split.goesOn);
     EXPECT_THAT(split.fields, ElementsAre("Description", "first\r\nsecond", "3"));
 }
 
-TEST(CsvSplitLine, GoesOnInQuotesSoThatCommasBelongToTheValue) {
+TEST(CsvSplitLine, ContinuesInQuotesSoThatCommasBelongToTheValue) {
     const SplitLine split = Split(" a, b", {"x\r\n"});
     EXPECT_TRUE(split.goesOn);
     EXPECT_THAT(split.fields, ElementsAre("x\r\n a, b\r\n"));
@@ -190,24 +190,24 @@ TEST(ReadCsvRecord, JoinsTheLinesOfAValue) {
         ElementsAre(ElementsAre("Description", "one\r\ntwo\r\n\r\nfour", "5"), ElementsAre("6")));
 }
 
-TEST(ReadCsvRecord, AValueWithLineBreaksComesBackWithCarriageReturnsAndLineFeeds) {
+TEST(ReadCsvRecord, AValueWithLineBreaksIsReadBackWithCarriageReturnsAndLineFeeds) {
     const TempDir dir;
     const std::string path = dir.Write("a.tra", CsvQuote("one\ntwo") + "\n");
     EXPECT_THAT(ReadAll(path), ElementsAre(ElementsAre("one\r\ntwo")));
 }
 
-TEST(ReadCsvRecord, AValueOpenAtTheFilesEndCountsAsItStands) {
+TEST(ReadCsvRecord, AValueOpenAtTheEndOfTheFileIsKept) {
     const TempDir dir;
     EXPECT_THAT(ReadAll(dir.Write("a.tra", "1,\"open\nstill")),
                 ElementsAre(ElementsAre("1", "open\r\nstill\r\n")));
 }
 
-TEST(ReadCsvRecord, AnEmptyFileHasNoRecord) {
+TEST(ReadCsvRecord, AnEmptyFileHasNoRecords) {
     const TempDir dir;
     EXPECT_THAT(ReadAll(dir.Write("a.tra", "")), IsEmpty());
 }
 
-/// A value that a quote has opened, over 20 MiB of lines of 1023 characters.
+/// A value with an opening quote and more than 20 MiB of lines of 1023 characters.
 void WriteHugeValue(const std::string& path, std::string_view end) {
     std::ofstream file(path, std::ios::binary);
     file << "\"Description\",\"";
@@ -242,7 +242,7 @@ TEST(ReadCsvRecord, ADroppedRecordMayOpenFurtherValuesWithoutGrowing) {
     EXPECT_THAT(records[1], ElementsAre("4"));
 }
 
-TEST(ReadCsvRecord, ManySmallFieldsCountByTheirRoomInMemory) {
+TEST(ReadCsvRecord, ManySmallFieldsCountWithTheMemoryThatTheyTake) {
     const TempDir dir;
     const std::string path = dir.File("fields.tra");
     {

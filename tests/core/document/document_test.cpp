@@ -17,21 +17,21 @@ public:
     bool OnSaveDocument(const std::string&) override { return true; }
 };
 
-struct Told {
+struct Notification {
     DocumentView* sender;
     int hint;
     const HintObject* object;
-    bool operator==(const Told&) const = default;
+    bool operator==(const Notification&) const = default;
 };
 
 struct RecordingView final : DocumentView {
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override {
-        told.push_back({sender, hint, object});
+        received.push_back({sender, hint, object});
         if (whenTold) {
             whenTold();
         }
     }
-    std::vector<Told> told;
+    std::vector<Notification> received;
     std::function<void()> whenTold;
 };
 
@@ -49,27 +49,27 @@ protected:
     RecordingView third;
 };
 
-TEST_F(DocumentViews, AreAllToldWhenNoneIsTheSender) {
+TEST_F(DocumentViews, AreAllNotifiedWithoutASender) {
     const HintObject object;
     doc.UpdateAllViews(nullptr, 8, &object);
-    EXPECT_THAT(first.told, ElementsAre(Told{nullptr, 8, &object}));
-    EXPECT_THAT(second.told, ElementsAre(Told{nullptr, 8, &object}));
-    EXPECT_THAT(third.told, ElementsAre(Told{nullptr, 8, &object}));
+    EXPECT_THAT(first.received, ElementsAre(Notification{nullptr, 8, &object}));
+    EXPECT_THAT(second.received, ElementsAre(Notification{nullptr, 8, &object}));
+    EXPECT_THAT(third.received, ElementsAre(Notification{nullptr, 8, &object}));
 }
 
-TEST_F(DocumentViews, AreToldButTheSender) {
+TEST_F(DocumentViews, AreNotifiedExceptTheSender) {
     doc.UpdateAllViews(&second, 3);
-    EXPECT_THAT(first.told, ElementsAre(Told{&second, 3, nullptr}));
-    EXPECT_THAT(second.told, IsEmpty());
-    EXPECT_THAT(third.told, ElementsAre(Told{&second, 3, nullptr}));
+    EXPECT_THAT(first.received, ElementsAre(Notification{&second, 3, nullptr}));
+    EXPECT_THAT(second.received, IsEmpty());
+    EXPECT_THAT(third.received, ElementsAre(Notification{&second, 3, nullptr}));
 }
 
-TEST_F(DocumentViews, AreToldHintZeroWithoutAnObjectByDefault) {
+TEST_F(DocumentViews, ReceiveHintZeroWithoutAnObjectByDefault) {
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(first.told, ElementsAre(Told{nullptr, 0, nullptr}));
+    EXPECT_THAT(first.received, ElementsAre(Notification{nullptr, 0, nullptr}));
 }
 
-TEST_F(DocumentViews, AreToldInTheOrderInWhichTheyCame) {
+TEST_F(DocumentViews, AreNotifiedInTheOrderInWhichTheyWereAdded) {
     std::string order;
     first.whenTold = [&] { order += '1'; };
     second.whenTold = [&] { order += '2'; };
@@ -78,29 +78,29 @@ TEST_F(DocumentViews, AreToldInTheOrderInWhichTheyCame) {
     EXPECT_EQ(order, "123");
 }
 
-TEST_F(DocumentViews, ThatWereRemovedAreNotTold) {
+TEST_F(DocumentViews, AreNotNotifiedAfterTheirRemoval) {
     doc.RemoveView(&second);
     doc.RemoveView(&second);
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(second.told, IsEmpty());
+    EXPECT_THAT(second.received, IsEmpty());
     EXPECT_THAT(doc.Views(), ElementsAre(&first, &third));
 }
 
-TEST_F(DocumentViews, MayRemoveAnotherWhileTheyAreTold) {
+TEST_F(DocumentViews, MayRemoveAnotherDuringANotification) {
     first.whenTold = [&] { doc.RemoveView(&second); };
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(second.told, IsEmpty());
-    EXPECT_EQ(third.told.size(), 1U);
+    EXPECT_THAT(second.received, IsEmpty());
+    EXPECT_EQ(third.received.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayRemoveAnEarlierOneWhileTheyAreToldAndNoneIsLeftOut) {
+TEST_F(DocumentViews, MayRemoveAnEarlierOneDuringANotificationAndNoneIsSkipped) {
     second.whenTold = [&] { doc.RemoveView(&first); };
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(first.told.size(), 1U);
-    EXPECT_EQ(third.told.size(), 1U);
+    EXPECT_EQ(first.received.size(), 1U);
+    EXPECT_EQ(third.received.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayDeleteAnotherWhileTheyAreTold) {
+TEST_F(DocumentViews, MayDeleteAnotherDuringANotification) {
     auto closing = std::make_unique<RecordingView>();
     doc.AddView(closing.get());
     first.whenTold = [&] {
@@ -108,18 +108,18 @@ TEST_F(DocumentViews, MayDeleteAnotherWhileTheyAreTold) {
         closing.reset();
     };
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(third.told.size(), 1U);
+    EXPECT_EQ(third.received.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayRemoveThemselvesWhileTheyAreTold) {
+TEST_F(DocumentViews, MayRemoveThemselvesDuringANotification) {
     first.whenTold = [&] { doc.RemoveView(&first); };
     doc.UpdateAllViews(nullptr);
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(first.told.size(), 1U);
-    EXPECT_EQ(second.told.size(), 2U);
+    EXPECT_EQ(first.received.size(), 1U);
+    EXPECT_EQ(second.received.size(), 2U);
 }
 
-TEST_F(DocumentViews, ThatAreAddedWhileOthersAreToldHearOfTheNextUpdate) {
+TEST_F(DocumentViews, AddedDuringANotificationReceiveTheNextOne) {
     RecordingView late;
     bool added = false;
     first.whenTold = [&] {
@@ -129,15 +129,16 @@ TEST_F(DocumentViews, ThatAreAddedWhileOthersAreToldHearOfTheNextUpdate) {
         }
     };
     doc.UpdateAllViews(nullptr);
-    EXPECT_THAT(late.told, IsEmpty());
+    EXPECT_THAT(late.received, IsEmpty());
     doc.UpdateAllViews(nullptr);
-    EXPECT_EQ(late.told.size(), 1U);
+    EXPECT_EQ(late.received.size(), 1U);
 }
 
-TEST_F(DocumentViews, MayUpdateTheOthersWhileTheyAreTold) {
+TEST_F(DocumentViews, MayNotifyTheOthersDuringANotification) {
     first.whenTold = [&] { doc.UpdateAllViews(&first, 2); };
     doc.UpdateAllViews(nullptr, 1);
-    EXPECT_THAT(second.told, ElementsAre(Told{&first, 2, nullptr}, Told{nullptr, 1, nullptr}));
+    EXPECT_THAT(second.received,
+                ElementsAre(Notification{&first, 2, nullptr}, Notification{nullptr, 1, nullptr}));
 }
 
 TEST(Document, StartsWithoutPathTitleOrChanges) {
@@ -160,7 +161,7 @@ TEST(Document, KeepsPathTitleAndModifiedFlag) {
     EXPECT_FALSE(doc.IsModified());
 }
 
-TEST(Document, CanBeMadeWithoutAFile) {
+TEST(Document, CanBeCreatedWithoutAFile) {
     EXPECT_TRUE(TestDoc().OnNewDocument());
 }
 

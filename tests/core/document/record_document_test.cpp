@@ -14,7 +14,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Keeps its records as they come.
+/// Keeps its records as they are read.
 class Notes final : public RecordDocument {
 public:
     explicit Notes(Prompts& prompts, OpenQuote openQuote = OpenQuote::GoesOn)
@@ -94,14 +94,14 @@ TEST_F(RecordDocumentTest, RefusesOtherTypesAndVersions) {
     }
 }
 
-TEST_F(RecordDocumentTest, TypeAndVersionMayStandAnywhere) {
+TEST_F(RecordDocumentTest, TypeAndVersionMayBeAnywhere) {
     Notes notes(prompts);
     EXPECT_TRUE(notes.OnOpenDocument(
         dir.Write("x.note", "\"Name\",\"x\"\n\"Version\",\"1.0\"\n\"FileType\",\"Note File\"\n")));
     EXPECT_THAT(notes.notes, ElementsAre(ElementsAre("Name", "x")));
 }
 
-TEST_F(RecordDocumentTest, AnOpenQuoteGoesOnOrDropsTheNextLine) {
+TEST_F(RecordDocumentTest, AnOpenQuoteContinuesOnOrDropsTheNextLine) {
     const std::string path =
         dir.Write("x.note", std::string(head) + "\"A\",\"one\ntwo\"\n\"B\",\"three\"\n\"C\",\"end");
     Notes goesOn(prompts);
@@ -116,7 +116,7 @@ TEST_F(RecordDocumentTest, AnOpenQuoteGoesOnOrDropsTheNextLine) {
     EXPECT_THAT(drops.notes[2], ElementsAre("C", "end\r\n", "C", "end\r\n"));
 }
 
-TEST_F(RecordDocumentTest, SaysWhichFileItCannotReadOrWrite) {
+TEST_F(RecordDocumentTest, ReportsWhichFileItCannotReadOrWrite) {
     Notes notes(prompts);
     EXPECT_FALSE(notes.OnOpenDocument("/nonexistent/x.note"));
     EXPECT_FALSE(notes.OnSaveDocument("/nonexistent/x.note"));

@@ -24,7 +24,7 @@ class Dumps : public testing::Test {
 protected:
     Dumps() { list.BuildFromTables(0, ModeWaveform); }
 
-    /// The whole dump, in pieces of so many samples.
+    /// The whole dump, written in pieces of `piece` samples.
     std::string Dump(const SampleRows& rows, std::size_t piece = 1000) {
         ValueDump dump(list, ListUse::Wave, {board.board, zoom, description});
         std::string text;
@@ -54,11 +54,11 @@ TEST_F(Dumps, ShowEverySignalAtTheTimeOfItsSample) {
                              .Address(0xFEBF0010, PciCommand::MemoryWrite)
                              .After(30)
                              .Data(0x12345678)
-                             .After(5, 1) // 5 us: nothing moved
+                             .After(5, 1) // 5 us: nothing changed
                              .Records();
     const ParsedDump dump = ParseDump(Dump(RowsOf(records, -1)));
     EXPECT_EQ(dump.timescale, "1ns");
-    EXPECT_EQ(dump.values.size(), 4U); // the last is the end
+    EXPECT_EQ(dump.values.size(), 4U); // the last one is the end
     EXPECT_EQ(dump.At(0, "FRAME"), "1");
     EXPECT_EQ(dump.At(30, "FRAME"), "0");
     EXPECT_EQ(dump.At(29, "FRAME"), "1");
@@ -71,19 +71,19 @@ TEST_F(Dumps, ShowEverySignalAtTheTimeOfItsSample) {
     }
 }
 
-TEST_F(Dumps, FirstValuesStandTogetherAndLaterOnesOnlyWhereTheyChange) {
+TEST_F(Dumps, FirstValuesAreTogetherAndLaterOnesOnlyWhereTheyChange) {
     const auto records = CaptureBuilder().Idle(3).Records();
     const std::string text = Dump(RowsOf(records));
     const ParsedDump dump = ParseDump(text);
     EXPECT_EQ(dump.initial, dump.variables.size());
     EXPECT_THAT(text, HasSubstr("#0\n$dumpvars\n"));
-    // The trigger falls, TIME was that of the others all along; then nothing but the time.
+    // The trigger falls, and TIME already has the value of the others; then only the time passes.
     const std::string rest = text.substr(text.rfind("$end\n") + 5);
     EXPECT_EQ(std::count(rest.begin(), rest.end(), '\n'), 3) << rest;
     EXPECT_THAT(rest, testing::EndsWith("#90\n"));
 }
 
-TEST_F(Dumps, EachItemHasALineOfItsOwn) {
+TEST_F(Dumps, EachItemHasItsOwnLine) {
     const std::string text = Dump(RowsOf(CaptureBuilder().Read(0x10).Records()));
     std::istringstream in(text.substr(text.find("$dumpvars")));
     for (std::string line; std::getline(in, line);) {
@@ -92,7 +92,7 @@ TEST_F(Dumps, EachItemHasALineOfItsOwn) {
     }
 }
 
-TEST_F(Dumps, TextsOfDecodedSignalsAreThoseOfTheListing) {
+TEST_F(Dumps, TextsOfDecodedSignalsMatchTheListing) {
     const auto records = CaptureBuilder().Write(0x10, 0xAB).Finding(112).Idle().Records();
     const ParsedDump dump = ParseDump(Dump(RowsOf(records)));
     EXPECT_EQ(TextOfBits(dump.At(0, "COMMAND_text[127:0]")), "Mem Wr");
@@ -132,13 +132,13 @@ TEST_F(Dumps, WhereNothingIsDecodedTheBitsAreUnknown) {
     EXPECT_EQ(dump.At(30, "COMMAND[7:0]"), "xxxxxxxx");
     EXPECT_EQ(dump.At(30, "ADDRESS32[31:0]"), unknown);
     EXPECT_EQ(dump.At(30, "DATA32[31:0]"), "00010010001101000101011001111000");
-    // The lanes in the middle are off.
+    // The lanes in the middle are disabled.
     EXPECT_EQ(dump.At(60, "DATA32[31:0]"), "00010010xxxxxxxxxxxxxxxx01111000");
     EXPECT_EQ(TextOfBits(dump.At(60, "DATA32_text[63:0]")), "12    78");
     EXPECT_EQ(dump.At(90, "DATA32[31:0]"), unknown);
     EXPECT_EQ(TextOfBits(dump.At(90, "DATA32_text[63:0]")), "");
     EXPECT_EQ(dump.At(90, "TIME[17:0]"), "000000000001111000");
-    EXPECT_EQ(dump.At(90, "C/BE[7:0]"), "11111111"); // lines are what they are
+    EXPECT_EQ(dump.At(90, "C/BE[7:0]"), "11111111"); // lines are shown as they are
 }
 
 TEST_F(Dumps, NamesHaveNoBlanksAndAreUnique) {
@@ -160,7 +160,7 @@ TEST_F(Dumps, NamesHaveNoBlanksAndAreUnique) {
     EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
 }
 
-TEST_F(Dumps, ABusIsOneVectorAndAnExpandedOneSingleLines) {
+TEST_F(Dumps, ABusIsOneVectorAndAnExpandedOneIsSingleLines) {
     for (const auto& signal : list.All()) {
         signal->selected = signal->baseName == "EXT";
     }
@@ -173,17 +173,17 @@ TEST_F(Dumps, ABusIsOneVectorAndAnExpandedOneSingleLines) {
     EXPECT_EQ(dump.At(0, "EXT[3]"), "1");
     EXPECT_EQ(dump.At(0, "EXT[4]"), "0");
     EXPECT_THAT(dump.order, Not(Contains("EXT[7:0]")));
-    EXPECT_THAT(dump.order, Not(Contains("TIME[17:0]_2"))); // the hidden one takes no room
+    EXPECT_THAT(dump.order, Not(Contains("TIME[17:0]_2"))); // the hidden one takes no space
 }
 
-TEST_F(Dumps, MoreSignalsThanThereAreCharacters) {
+TEST_F(Dumps, HaveUniqueIdentifiersBeyondOneCharacter) {
     for (int i = 0; i < 94 * 95; ++i) {
         CSignal* line = list.InsertBlank(nullptr);
         line->name = "L" + std::to_string(i);
         line->dataIndex = i % 144;
     }
     const auto records = CaptureBuilder().Read(0x12345678, 0x9ABCDEF0).Records();
-    const ParsedDump dump = ParseDump(Dump(RowsOf(records))); // which knows each identifier once
+    const ParsedDump dump = ParseDump(Dump(RowsOf(records))); // fails if an identifier occurs twice
     EXPECT_GT(dump.variables.size(), 94U * 95U);
     for (int i = 0; i < 94 * 95; i += 97) {
         EXPECT_EQ(dump.At(60, "L" + std::to_string(i)), records[2].Bit(i % 144) ? "1" : "0") << i;
@@ -193,18 +193,19 @@ TEST_F(Dumps, MoreSignalsThanThereAreCharacters) {
     }
 }
 
-TEST_F(Dumps, SamplesOfOneTimeDoNotHideOneAnother) {
+TEST_F(Dumps, SamplesWithTheSameTimeAreAllKept) {
     const auto records = CaptureBuilder().Idle().Address(0, 6).After(0).Idle().After(0).Records();
     const ParsedDump dump = ParseDump(Dump(RowsOf(records)));
     EXPECT_EQ(dump.At(0, "FRAME") + dump.At(1, "FRAME") + dump.At(2, "FRAME"), "101");
 }
 
-TEST_F(Dumps, TheLastSampleIsAsWideAsTheNarrowestBeforeIt) {
+TEST_F(Dumps, TheLastSampleLastsAsLongAsTheShortestBeforeIt) {
     const auto end = [this](const CaptureBuilder& capture) {
         return ParseDump(Dump(RowsOf(capture.Records()))).values.rbegin()->first;
     };
     EXPECT_EQ(end(CaptureBuilder().Idle().Idle().After(30).Read(1).After(5, 1)), 5090 + 30);
-    EXPECT_EQ(end(CaptureBuilder().Idle().After(15)), 15); // the first: by the time before it
+    EXPECT_EQ(end(CaptureBuilder().Idle().After(15)),
+              15); // the first sample: by the time before it
     EXPECT_EQ(end(CaptureBuilder().Idle().After(0)), 1);
     EXPECT_EQ(end(CaptureBuilder().Idle().After(0).Idle().After(0)), 2);
 }
@@ -218,7 +219,7 @@ TEST_F(Dumps, PowerZoomIsInPicoseconds) {
     EXPECT_EQ(dump.values.rbegin()->first, 7500);
 }
 
-TEST_F(Dumps, PiecesMakeNoDifference) {
+TEST_F(Dumps, DoNotDependOnTheSizeOfThePieces) {
     const auto rows =
         RowsOf(CaptureBuilder().Read(1).Idle(3).Write(2, 3).Idle().Read(4, 5).Records(), -3);
     EXPECT_EQ(Dump(rows, 1), Dump(rows));
@@ -242,7 +243,7 @@ TEST_F(Dumps, TheViewerBeginsALittleBeforeTheTrigger) {
     Dump(RowsOf(CaptureBuilder().Idle(1000).Records(), -900));
     EXPECT_THAT(viewer, HasSubstr("[timestart] 24952\n*-12.000000 27000 -1")); // 2,048 ns before
     Dump(RowsOf(CaptureBuilder().Idle(1000).Records(), 1));
-    EXPECT_THAT(viewer, HasSubstr("[timestart] 0\n@")); // none, no mark
+    EXPECT_THAT(viewer, HasSubstr("[timestart] 0\n@")); // no trigger, no mark
     zoom = true;
     Dump(RowsOf(CaptureBuilder().Idle(2000).After(50000, 0).Records(), -1999));
     EXPECT_THAT(viewer, HasSubstr("[timestart] 77172\n*-16.000000 109940 -1"));

@@ -29,7 +29,8 @@ protected:
             const std::string line = text.substr(at, text.find('\n', at) - at);
             std::vector<std::string> cells(1);
             for (const char c : line) {
-                c == ',' ? cells.emplace_back() : cells.back() += c; // no value here has one
+                c == ',' ? cells.emplace_back()
+                         : cells.back() += c; // no value here contains a comma
             }
             if (titles.empty()) {
                 titles = cells;
@@ -71,12 +72,12 @@ TEST_F(Tables, HaveARowForEachSampleWithPlainValues) {
     EXPECT_EQ(rows[2].at("AD[63:0]"), "0000000000000000");
 }
 
-TEST_F(Tables, ATimeThatNoNumberHoldsIsTheLongest) {
+TEST_F(Tables, ATimeThatOverflowsIsTheLongestTime) {
     list.RemoveAllSignals();
     list.AddSignal(nullptr, board.tables.busSignals.FindByName("FRAME"), 0, 0, 0, 0, Radix::Hex,
                    false);
     changes = true;
-    SampleRecord record; // 65535 s after the one before
+    SampleRecord record; // 65535 s after the previous one
     record.bytes[13] = 0xC0;
     record.bytes[14] = record.bytes[15] = 0xFF;
     std::vector<SampleRecord> records(141'000, record);
@@ -103,7 +104,7 @@ TEST_F(Tables, DisabledByteLanesAreBlankAndACellOfBlanksIsEmpty) {
     EXPECT_EQ(rows.at(5).at("AD[63:0]"), "0000000000000000");
 }
 
-TEST_F(Tables, LanesAreDisabledInHexadecimalOnly) {
+TEST_F(Tables, LanesAreBlankedInHexadecimalOnly) {
     for (const auto& signal : list.All()) {
         if (signal->RowName() == "DATA32") {
             signal->radix = Radix::Octal;
@@ -113,15 +114,15 @@ TEST_F(Tables, LanesAreDisabledInHexadecimalOnly) {
     EXPECT_EQ(rows.at(0).at("DATA32"), "02215053170");
 }
 
-TEST_F(Tables, WideDataHaveTheirDigitsInTheirPlaces) {
+TEST_F(Tables, WideDataKeepTheirDigitsInPlace) {
     board.board.bus.busWidth = 1;
     list.BuildFromTables(0, ModeState);
     const auto rows = Export(CaptureBuilder().Data(0x12345678).Data(0x1234, 0b1100).Records());
-    EXPECT_EQ(rows.at(0).at("DATA64"), "\"        12345678\""); // its upper lanes are off
+    EXPECT_EQ(rows.at(0).at("DATA64"), "\"        12345678\""); // the upper lanes are disabled
     EXPECT_EQ(rows.at(1).at("DATA64"), "\"            1234\"");
 }
 
-TEST_F(Tables, DigitsThatAreNotShownHaveNotChanged) {
+TEST_F(Tables, DigitsThatAreNotShownDoNotCountAsChanged) {
     changes = true;
     list.RemoveAllSignals();
     for (const auto& def : board.tables.decodedSignals.Defs()) {
@@ -155,7 +156,7 @@ TEST_F(Tables, AddressesHaveTheDigitsOfTheirWidth) {
     EXPECT_EQ(rows.at(0).at("ADDRESS32"), "\"  123456\"");
 }
 
-TEST_F(Tables, ByChangeLeaveOutRowsInWhichNothingMoved) {
+TEST_F(Tables, ByChangeOmitRowsInWhichNothingChanged) {
     changes = true;
     const auto rows = Export(CaptureBuilder().Idle(3).Read(0x10).Idle(2).Records());
     std::vector<std::string> numbers;
@@ -195,7 +196,7 @@ TEST_F(Tables, NamesWithCommasAndQuotesAreQuoted) {
     EXPECT_THAT(text, testing::EndsWith(",\"A \"\"B\"\", C\"\n"));
 }
 
-TEST_F(Tables, WideGroupsAreWholeValues) {
+TEST_F(Tables, WideGroupsArePrintedInFull) {
     list.RemoveAllSignals();
     for (int i = 0; i < 72; ++i) {
         CSignal* line = list.InsertBlank(nullptr);

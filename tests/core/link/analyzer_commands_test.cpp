@@ -89,7 +89,7 @@ TEST(CommandStateTableTest, RunsEveryCommandThroughItsStates) {
     }
 }
 
-TEST(CommandStateTableTest, HoldsNoRowBeyondTheSequencesAndEndsWithCommandZero) {
+TEST(CommandStateTableTest, HasNoOtherRowsAndEndsWithCommandZero) {
     std::size_t rows = 0;
     for (const auto& [command, states] : ExpectedSequences()) {
         rows += states.size();
@@ -101,7 +101,7 @@ TEST(CommandStateTableTest, HoldsNoRowBeyondTheSequencesAndEndsWithCommandZero) 
     }
 }
 
-TEST(CommandStateTableTest, HasNoNextStateForWhatItDoesNotHold) {
+TEST(CommandStateTableTest, HasNoNextStateForUnknownStates) {
     EXPECT_EQ(NextState(0, 0), 0);
     EXPECT_EQ(NextState(53, 0), 0);
     EXPECT_EQ(NextState(-1, 0), 0);
@@ -122,7 +122,7 @@ TEST(LinkStates, DownloadAndBaudSendAPayloadToo) {
     EXPECT_EQ(FindState(17)->sends, StateSends::Payload);
 }
 
-TEST(LinkStates, OnlyTheSixDataStatesBringData) {
+TEST(LinkStates, OnlyTheSixDataStatesReceiveData) {
     const std::map<std::int32_t, StateReply> dataStates{
         {11, StateReply::Bytes},   {12, StateReply::Samples}, {13, StateReply::Samples},
         {33, StateReply::Samples}, {34, StateReply::Samples}, {35, StateReply::Bytes},
@@ -152,7 +152,7 @@ TEST(LinkStates, SendTheFunctionCodeOfTheirRow) {
     }
 }
 
-TEST(LinkStates, AreOneToThirtyEight) {
+TEST(LinkStates, AreNumberedOneToThirtyEight) {
     EXPECT_EQ(FindState(0), nullptr);
     EXPECT_EQ(FindState(-1), nullptr);
     EXPECT_EQ(FindState(39), nullptr);

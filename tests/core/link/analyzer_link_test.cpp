@@ -33,7 +33,7 @@ protected:
     }
 };
 
-// What opens.
+// Opening.
 
 TEST_F(AnalyzerLinkTest, BeforeTheFirstOpenEveryRequestSucceedsAtOnce) {
     EXPECT_FALSE(link->IsDemoMode());
@@ -41,7 +41,7 @@ TEST_F(AnalyzerLinkTest, BeforeTheFirstOpenEveryRequestSucceedsAtOnce) {
     EXPECT_THAT(line->Written(), IsEmpty());
 }
 
-TEST_F(AnalyzerLinkTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
+TEST_F(AnalyzerLinkTest, NoPortShowsNoMessageAndTheModelIsThatOfAZeroBlock) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
     link->Connect(Port());
     EXPECT_THAT(prompts.Texts(), IsEmpty());
@@ -51,7 +51,7 @@ TEST_F(AnalyzerLinkTest, NoPortIsSilentAndReadsTheModelOfAZeroBlock) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(AnalyzerLinkTest, NamesThatAreNoPortAreSilentToo) {
+TEST_F(AnalyzerLinkTest, InvalidPortNamesShowNoMessageEither) {
     for (const char* name : {"", "COM", "com1", "LPT1", "USB1", "usb", "XCOM1"}) {
         settings.WriteProfileString(setup, "ComPort", name);
         EXPECT_FALSE(link->Open(Port()));
@@ -67,7 +67,7 @@ TEST_F(AnalyzerLinkTest, AfterABoardNoPortReadsTheZeroBlockAgain) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
     link->Connect(Port());
     EXPECT_EQ(link->Identity().modelString, "-0");
-    EXPECT_EQ(link->Identity().modelId, ModelPciKite) << "no known name, so the id stays";
+    EXPECT_EQ(link->Identity().modelId, ModelPciKite) << "an unknown name, so the id stays";
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
@@ -96,7 +96,7 @@ TEST_F(AnalyzerLinkTest, APortHasADefaultDeviceASettingAndAnEnvironmentVariable)
     EXPECT_THAT(openedDevices, ElementsAre("/dev/ttyS2", "/dev/pts/7", "/tmp/board", "COMX"));
 }
 
-TEST_F(AnalyzerLinkTest, APortNeedsNoSettingAndIsCalledByItsName) {
+TEST_F(AnalyzerLinkTest, AnUnknownPortNeedsNoSettingAndIsCalledByItsName) {
     const PortSetting port{PortSetting::Kind::Serial, "the left one", "/dev/pts/9", 9600};
     static_cast<void>(link->Open(port));
     EXPECT_THAT(openedDevices, ElementsAre("/dev/pts/9"));
@@ -106,7 +106,7 @@ TEST_F(AnalyzerLinkTest, APortNeedsNoSettingAndIsCalledByItsName) {
     EXPECT_EQ(prompts.Texts().front(), "Error writing to the left one, err 5");
 }
 
-TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
+TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedLeadsToDemoMode) {
     portOpens = false;
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
@@ -121,9 +121,9 @@ TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedIsTheFallIntoDemoMode) {
     EXPECT_EQ(identity.hardwareRevision, "");
 }
 
-TEST_F(AnalyzerLinkTest, FailuresOfTheLinesSettingsAreReportedAndIgnored) {
+TEST_F(AnalyzerLinkTest, FailuresOfTheLineSettingsAreReportedAndIgnored) {
     line->SetErrors({.readConfiguration = 3, .configure = 4, .setTimeout = 5});
-    EXPECT_TRUE(link->Open(Port())) << "the board answers at what was taken for 9600 baud";
+    EXPECT_TRUE(link->Open(Port())) << "the board answers at the supposed 9600 baud";
     // The read limit is set before the negotiation and after it.
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading COM1 configuration, err 3",
                                              "Error setting COM1 configuration, err 4",
@@ -204,7 +204,7 @@ TEST_F(AnalyzerLinkTest, ConnectIdentifiesTheBoardAndReadsItsBus) {
 
 TEST_F(AnalyzerLinkTest, TheBusIsReadTwoSecondsAfterTheIdentity) {
     settings.WriteProfileInt(setup, "BaudRate", 9600);
-    line->SetClockRuns(false); // so that pauses alone move it
+    line->SetClockRuns(false); // so that only pauses move it
     link->Connect(Port());
     const auto log = line->Log();
     const auto bus = std::ranges::find(log, Bytes{4, 18}, &ScriptedLine::Sent::bytes);
@@ -261,7 +261,7 @@ TEST_F(AnalyzerLinkTest, SetBaudRateWithoutAPortDoesNothing) {
 }
 
 // 4000 bytes take 4584 ms at 9600 baud and 764 ms at 57600: limits of 7 and 3 seconds.
-TEST_F(AnalyzerLinkTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
+TEST_F(AnalyzerLinkTest, TheTimeOfAByteRemainsThatOfTheNegotiatedRate) {
     OpenLink();
     link->SetBaudRate(57600);
     line->ForgetLog();
@@ -279,7 +279,7 @@ TEST_F(AnalyzerLinkTest, TheTimeOfAByteStaysThatOfTheNegotiatedRate) {
 
 // Identity and Demo Mode.
 
-TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode) {
+TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndThenItIsDemoMode) {
     UseSilence();
     OpenLink();
     link->ReadIdentity();
@@ -293,7 +293,7 @@ TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndLeavesDemoMode
     EXPECT_EQ(line->Written().size(), 2U) << "no frame is sent in Demo Mode";
 }
 
-TEST_F(AnalyzerLinkTest, RequestsThatWaitAtTheFallDoNotEndAsGood) {
+TEST_F(AnalyzerLinkTest, RequestsThatWaitWhenDemoModeBeginsFail) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -325,15 +325,15 @@ TEST_F(AnalyzerLinkTest, TheNumberOfTriesDependsOnTheLastLinkOperation) {
     EXPECT_EQ(line->Written().size(), 5U);
 }
 
-TEST_F(AnalyzerLinkTest, NoIdentityIsTakenInDemoMode) {
+TEST_F(AnalyzerLinkTest, NoIdentityIsReadInDemoMode) {
     portOpens = false;
-    link->Connect(Port()); // asks for it like any other
+    link->Connect(Port()); // requests it as always
     EXPECT_EQ(link->Identity().modelString, "Demo Mode");
     EXPECT_EQ(link->Identity().firmwareRevision, "");
 }
 
-// Seen by the number of tries, which follows the last operation of the link that did.
-TEST_F(AnalyzerLinkTest, TheBusConfigurationOfDemoModeIsNoOperationOfTheLink) {
+// Observed by the number of tries, which depends on the last operation of the link.
+TEST_F(AnalyzerLinkTest, TheBusConfigurationOfDemoModeIsNotAnOperationOfTheLink) {
     portOpens = false;
     static_cast<void>(link->Open(Port()));
     link->ReadIdentity();
@@ -358,7 +358,7 @@ TEST_F(AnalyzerLinkTest, OpenLeavesDemoMode) {
     EXPECT_THAT(board.functions, ElementsAre(11));
 }
 
-TEST_F(AnalyzerLinkTest, OpenAfterAFallOnTheLinksThreadWorks) {
+TEST_F(AnalyzerLinkTest, OpenAfterDemoModeBeganOnTheLinksThreadWorks) {
     UseSilence();
     OpenLink();
     link->ReadIdentity();
@@ -370,7 +370,7 @@ TEST_F(AnalyzerLinkTest, OpenAfterAFallOnTheLinksThreadWorks) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(AnalyzerLinkTest, OpenWorksOverALivePort) {
+TEST_F(AnalyzerLinkTest, OpenReplacesAnOpenPort) {
     OpenLink();
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     for (int i = 0; i < 3; ++i) {
@@ -381,7 +381,7 @@ TEST_F(AnalyzerLinkTest, OpenWorksOverALivePort) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
+TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsReopenedContinuesThere) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -394,7 +394,7 @@ TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsOpenedAgainGoesOnThere) {
     EXPECT_EQ(waiting.get().result, LinkOk);
 }
 
-/// A read that the board owes, and another that waits after it, when the link leaves.
+/// An unanswered read, and another that waits for it, when the link leaves the port.
 class LeavingTest : public AnalyzerLinkTest {
 protected:
     void SetUp() override {
@@ -414,7 +414,7 @@ protected:
     std::future<LinkRequest> waiting;
 };
 
-TEST_F(LeavingTest, ForNoPortEndsNothingAsGood) {
+TEST_F(LeavingTest, ForNoPortFailsAllRequests) {
     settings.WriteProfileString(setup, "ComPort", "<None>");
     static_cast<void>(link->Open(Port()));
     ExpectFailed();
@@ -422,14 +422,14 @@ TEST_F(LeavingTest, ForNoPortEndsNothingAsGood) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(LeavingTest, ForAPortThatDoesNotOpenEndsNothingAsGood) {
+TEST_F(LeavingTest, ForAPortThatDoesNotOpenFailsAllRequests) {
     portOpens = false;
     static_cast<void>(link->Open(Port()));
     ExpectFailed();
     EXPECT_TRUE(link->IsDemoMode());
 }
 
-TEST_F(LeavingTest, ByClosingEndsNothingAsGood) {
+TEST_F(LeavingTest, ByClosingFailsAllRequests) {
     link->Close();
     ExpectFailed();
     EXPECT_FALSE(link->IsDemoMode());
@@ -439,7 +439,7 @@ TEST_F(LeavingTest, ByClosingEndsNothingAsGood) {
     EXPECT_EQ(line->OpenPorts(), 1);
 }
 
-TEST_F(AnalyzerLinkTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMode) {
+TEST_F(AnalyzerLinkTest, AnIdentityThatIsPendingWhenTheLinkLeavesDoesNotLeadToDemoMode) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -451,18 +451,18 @@ TEST_F(AnalyzerLinkTest, AnIdentityThatIsOwedWhenTheLinkLeavesIsNoFallIntoDemoMo
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(AnalyzerLinkTest, ABusThatIsOwedWhenTheLinkLeavesIsNoNews) {
+TEST_F(AnalyzerLinkTest, ABusThatIsPendingWhenTheLinkLeavesIsNotReported) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
     BusConfig bus;
-    link->ReadBusConfig(bus); // waits in vain
+    link->ReadBusConfig(bus); // gets no answer
     settings.WriteProfileString(setup, "ComPort", "<None>");
     static_cast<void>(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(AnalyzerLinkTest, ALiveStatusThatIsOwedWhenTheLinkLeavesIsLost) {
+TEST_F(AnalyzerLinkTest, ALiveStatusThatIsPendingWhenTheLinkLeavesIsLost) {
     OpenLink();
     line->SetClockRuns(false);
     UseSilence();
@@ -471,9 +471,9 @@ TEST_F(AnalyzerLinkTest, ALiveStatusThatIsOwedWhenTheLinkLeavesIsLost) {
     EXPECT_TRUE(link->CommLost());
 }
 
-// Giving up.
+// Shutting down.
 
-TEST_F(AnalyzerLinkTest, AnExchangeEndsWhenTheProgramGivesUp) {
+TEST_F(AnalyzerLinkTest, AnExchangeEndsWhenTheProgramShutsDown) {
     OpenLink();
     // The board acknowledges the first frame of the command and no other.
     line->SetAnswer([](const Bytes& sent, int) {
@@ -506,7 +506,7 @@ TEST_F(AnalyzerLinkTest, TheBoardIsIdentifiedUntilTheNextOpen) {
     EXPECT_FALSE(link->IsIdentified()) << "it may be another board";
 }
 
-TEST_F(AnalyzerLinkTest, AnIdentityThatComesTooLateIsMissed) {
+TEST_F(AnalyzerLinkTest, AnIdentityThatArrivesTooLateIsIgnored) {
     SetModel("PCIKite");
     line->SetClockRuns(false);
     Bytes owed;
@@ -533,7 +533,7 @@ TEST_F(AnalyzerLinkTest, AnIdentityThatComesTooLateIsMissed) {
                             "accept the\nUtilities/Setup dialog to connect again."));
 }
 
-TEST_F(AnalyzerLinkTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
+TEST_F(AnalyzerLinkTest, UnreadBytesAreNotTakenAsAnAnswerToTheProbe) {
     settings.WriteProfileInt(setup, "BaudRate", 9600);
     line->Arrive({'*'});
     static_cast<void>(link->Open(Port()));
@@ -541,7 +541,7 @@ TEST_F(AnalyzerLinkTest, BytesLeftUnreadDoNotPassForAnAnswerToTheProbe) {
     EXPECT_THAT(board.functions, ElementsAre(13));
 }
 
-TEST_F(AnalyzerLinkTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
+TEST_F(AnalyzerLinkTest, ACompletionThatOutlivesItsPortDoesNotAffectTheNextOne) {
     OpenLink();
     HeldCompletion held;
     UseSilence();
@@ -553,7 +553,7 @@ TEST_F(AnalyzerLinkTest, ACompletionThatOutlivesItsPortDoesNotTouchTheNextOne) {
     UseBoard();
     line->SetClockRuns(true);
     static_cast<void>(link->Open(Port())); // the old thread cannot end
-    EXPECT_EQ(line->OpenPorts(), 1) << "the old port is closed all the same";
+    EXPECT_EQ(line->OpenPorts(), 1) << "the old port is closed even so";
     EXPECT_EQ(second.get().result, LinkOk);
     held.Release();
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartSearch)));
@@ -651,7 +651,7 @@ TEST_F(AnalyzerLinkTest, WriteBusConfigSendsTwoBytesToRegister18) {
     EXPECT_EQ(link->Traits().bus, (BusConfig{1, 1, 0, 133, 1}));
 }
 
-TEST_F(AnalyzerLinkTest, ABusConfigRecordOfACallerIsEncodedFromItsData) {
+TEST_F(AnalyzerLinkTest, ABusConfigRecordIsEncodedFromItsData) {
     OpenLink();
     const BusConfig bus{4, 0, 1, 300, 0};
     EXPECT_TRUE(link->Exchange(WritePayload(CmdSetBusConfig, [&] {
@@ -684,7 +684,7 @@ TEST_F(AnalyzerLinkTest, AFailedChangeOfRateIsReported) {
     EXPECT_THAT(prompts.Texts(), ElementsAre(communicationsError));
 }
 
-TEST_F(AnalyzerLinkTest, InDemoModeTheBusConfigIsWhatWasWrittenLastAndDecidesTheFamily) {
+TEST_F(AnalyzerLinkTest, InDemoModeTheBusConfigIsTheLastOneWrittenAndDecidesTheFamily) {
     portOpens = false;
     static_cast<void>(link->Open(Port()));
     int changes = 0;
@@ -722,7 +722,7 @@ TEST_F(AnalyzerLinkTest, ASavedBusConfigIsCorrectedByTheModelAndClearsTheMasterL
     EXPECT_THAT(board.writes, ElementsAre(WireBoard::Write{18, {0x14, 40}}));
 }
 
-TEST_F(AnalyzerLinkTest, ASavedBusConfigHasZerosForWhatIsNotStored) {
+TEST_F(AnalyzerLinkTest, ASavedBusConfigHasZerosForMissingEntries) {
     OpenBoard("PCIKite");
     settings.WriteProfileInt(setup, "SaveBusConfig", 1);
     link->LoadBusConfig();
@@ -821,7 +821,7 @@ TEST_F(AnalyzerLinkTest, InDemoModeTheLiveStatusReadsAsZero) {
     EXPECT_EQ(link->GetEventOccurrences(), 0);
 }
 
-TEST_F(AnalyzerLinkTest, AKeepAliveIsNotForASerialPort) {
+TEST_F(AnalyzerLinkTest, ASerialPortNeedsNoKeepAlive) {
     OpenLink();
     link->SendKeepAlive();
     link->WaitIdle();

@@ -64,7 +64,7 @@ TEST(ParseIdentityTest, KnowsEveryModelWhoseNameFitsTheBlock) {
 }
 
 // The names of models 1, 11 and 12 have nine characters; the block holds eight.
-TEST(ParseIdentityTest, ANameOfEightCharactersNeedsNoEnd) {
+TEST(ParseIdentityTest, ANameOfEightCharactersNeedsNoTerminator) {
     const BoardIdentity identity = ParseIdentity(BlockOf("VMEKiteP2", 200), WithId(11));
     EXPECT_EQ(identity.modelString, "VMEKiteP-200");
     EXPECT_EQ(identity.modelId, 11) << "not in the table, so the old id stays";
@@ -96,7 +96,7 @@ TEST(ParseIdentityTest, FieldsAreUnsigned) {
     EXPECT_EQ(identity.modelString, "-255");
     EXPECT_EQ(identity.bufferSizeK, 65535);
     EXPECT_EQ(identity.firmwareRevision, "25.5");
-    EXPECT_EQ(identity.serialNumber, 16665) << "digits of 15 carry on";
+    EXPECT_EQ(identity.serialNumber, 16665) << "digits of 15 carry over";
 }
 
 TEST(BusModes, HaveTheirDisplayNames) {
@@ -199,7 +199,7 @@ TEST(ParseLiveStatusTest, ReadsTheFourFields) {
 
 TEST(CorrectBusModeTest, LeavesAModelTheModesThatItHas) {
     const std::vector<std::array<std::int32_t, 10>> corrected{
-        {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, // 0: the stored value stands
+        {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, // 0: the stored value remains
         {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, // 1: Demo Mode too
         {0, 1, 0, 0, 0, 0, 0, 0, 0, 0}, // 2
         {0, 0, 0, 0, 0, 0, 0, 0, 0, 0}, // 3
@@ -223,7 +223,7 @@ TEST(CorrectBusModeTest, LeavesAModelTheModesThatItHas) {
     }
 }
 
-TEST(BoardTraitsTest, FamiliesAreToldByPartsOfTheModelString) {
+TEST(BoardTraitsTest, FamiliesAreRecognizedByPartsOfTheModelString) {
     EXPECT_TRUE(Board("PCIWren-1").IsWrenBoard());
     EXPECT_FALSE(Board("PCIKite-1").IsWrenBoard());
     EXPECT_TRUE(Board("VMEKite-1").IsVmeFamily());
@@ -235,7 +235,7 @@ TEST(BoardTraitsTest, FamiliesAreToldByPartsOfTheModelString) {
     EXPECT_FALSE(Board("VMEKiteP2-1").IsVmeKiteP0());
     EXPECT_TRUE(Board("VMEKiteP0-1").IsVmeKiteP0());
     EXPECT_TRUE(Board("VMEKiteP0-1").IsVmeFamily());
-    EXPECT_FALSE(Board("vmekite-1").IsVmeFamily()) << "the case counts here";
+    EXPECT_FALSE(Board("vmekite-1").IsVmeFamily()) << "the case matters here";
 }
 
 TEST(BoardTraitsTest, TheBusModeDecidesTheFamilyInDemoModeOnly) {
@@ -247,7 +247,7 @@ TEST(BoardTraitsTest, TheBusModeDecidesTheFamilyInDemoModeOnly) {
     }
 }
 
-TEST(BoardTraitsTest, PciIsToldByModeAndWidth) {
+TEST(BoardTraitsTest, PciIsRecognizedByModeAndWidth) {
     EXPECT_TRUE(Board("PCIKite-1", 0, 0).IsPci32());
     EXPECT_FALSE(Board("PCIKite-1", 0, 1).IsPci32());
     EXPECT_TRUE(Board("PCIKite-1", 0, 1).IsPci64());

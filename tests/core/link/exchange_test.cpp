@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 class Exchanges : public LinkFixture {
 protected:
-    /// The board does not take the commands of these functions.
+    /// The board does not acknowledge the commands of these functions.
     void Refuse(std::vector<std::uint8_t> functions) {
         line->SetAnswer([this, functions](const Bytes& sent, int baud) {
             const bool refused = sent.size() == 2 && sent[0] == 2 &&
@@ -34,7 +34,7 @@ protected:
     }
 };
 
-TEST_F(Exchanges, StepsGoInTheirOrder) {
+TEST_F(Exchanges, StepsAreSentInOrder) {
     OpenBoard("PCIKite");
     line->Do([&] { board.functions.clear(); });
     EXPECT_EQ(SendSteps(*link, Steps(IfRefused::End), prompts), Sent::All);
@@ -42,7 +42,7 @@ TEST_F(Exchanges, StepsGoInTheirOrder) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(Exchanges, ARefusedStepIsToldAndTheOthersFollow) {
+TEST_F(Exchanges, ARefusedStepIsReportedAndTheOthersFollow) {
     OpenBoard("PCIKite");
     line->Do([&] { board.functions.clear(); });
     Refuse({12});
@@ -52,7 +52,7 @@ TEST_F(Exchanges, ARefusedStepIsToldAndTheOthersFollow) {
     EXPECT_TRUE(prompts.Boxes()[0].topmost);
 }
 
-TEST_F(Exchanges, ARefusedStepMayEndTheRow) {
+TEST_F(Exchanges, ARefusedStepMayEndTheSequence) {
     OpenBoard("PCIKite");
     line->Do([&] { board.functions.clear(); });
     Refuse({12});
@@ -61,7 +61,7 @@ TEST_F(Exchanges, ARefusedStepMayEndTheRow) {
     EXPECT_THAT(prompts.Texts(), ElementsAre("second"));
 }
 
-TEST_F(Exchanges, AStatusIsReadWithWhatStandsAfterIt) {
+TEST_F(Exchanges, AStatusIsReadWithTheBytesAfterIt) {
     OpenBoard("PCIKite");
     line->Do([&] { board.contents[801] = {0x82, 7}; });
     std::array<std::uint8_t, 2> status{};
@@ -70,7 +70,7 @@ TEST_F(Exchanges, AStatusIsReadWithWhatStandsAfterIt) {
     EXPECT_THAT(status, ElementsAre(0x82, 7));
 }
 
-TEST_F(Exchanges, WithoutABoardEachLookFindsThePreset) {
+TEST_F(Exchanges, WithoutABoardEachPollReadsThePreset) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     portOpens = false;
     static_cast<void>(link->Open(Port()));
@@ -82,7 +82,7 @@ TEST_F(Exchanges, WithoutABoardEachLookFindsThePreset) {
     EXPECT_EQ(status[0], 1);
 }
 
-TEST_F(Exchanges, AStatusThatCannotBeReadIsTold) {
+TEST_F(Exchanges, AStatusThatCannotBeReadIsReported) {
     OpenBoard("PCIKite");
     UseSilence();
     const StatusRegister from{801, 1, std::chrono::milliseconds(200), "no status"};

@@ -8,8 +8,8 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 
-/// Boxes of the link's thread, which holds the queue lock, while the main thread waits. The
-/// prompts are the main thread's own, and a presenter stands in for the user.
+/// Message boxes of the link's thread, which holds the queue lock, while the main thread waits. The
+/// prompts are those of the main thread; a presenter stands in for the user.
 class LinkBoxesTest : public testing::Test {
 protected:
     LinkBoxesTest()
@@ -50,7 +50,7 @@ protected:
 
 TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForAnExchange) {
     line->SetErrors({.write = 5});
-    // The first try is written by the main thread itself, the other four by the link's.
+    // The main thread writes the first try, the link's thread the other four.
     EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_THAT(shown,
                 testing::AllOf(testing::SizeIs(5), testing::Each("Error writing to COM1, err 5")));
@@ -72,7 +72,7 @@ TEST_F(LinkBoxesTest, ABoxIsAnsweredWhileTheMainThreadWaitsForTheQueueLock) {
     link->Submit(RunCommand(CmdStartTrace));
     // The link's thread now waits for its answer with the lock held.
     ASSERT_TRUE(Eventually([&] { return arrived == 1; }));
-    EXPECT_EQ(shown.size(), 1U) << "the main thread's own";
+    EXPECT_EQ(shown.size(), 1U) << "the box of the main thread";
     onBox = [&] { line->SetErrors({}); };
     std::atomic<bool> done = false;
     link->Submit(NewRequest(CmdStopTrace, [&](const LinkRequestPtr&) { done = true; }));
@@ -88,7 +88,7 @@ TEST_F(LinkBoxesTest, TheDemoModeBoxIsAnsweredWhileTheLinkIsOpenedAgain) {
     line->SetAnswer([this](const Bytes& sent, int baud) { return board.Answer(sent, baud); });
     link->Connect(ReadPortSetting(settings));
     EXPECT_THAT(shown, ElementsAre(demoModeMessage));
-    EXPECT_FALSE(link->IsDemoMode()) << "the fall was that of the port before";
+    EXPECT_FALSE(link->IsDemoMode()) << "Demo Mode belonged to the previous port";
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 

@@ -70,7 +70,7 @@ constexpr std::array<RegisterRow, 26> registerRows{{
     {CmdBackplaneSensitivity, 1550, 1},
 }};
 
-TEST(Payloads, GoOutAtTheirRegisterInItsSize) {
+TEST(Payloads, AreSentAtTheirRegisterInItsSize) {
     for (const auto& [command, address, bytes] : registerRows) {
         Bytes record(bytes);
         std::iota(record.begin(), record.end(), std::uint8_t{1});
@@ -89,7 +89,7 @@ TEST(Payloads, AreCutToTheSizeOfTheirRegister) {
     }
 }
 
-TEST(Payloads, FourEventRowsGoOutAsEightWithZerosBehind) {
+TEST(Payloads, FourEventRowsAreSentAsEightPaddedWithZeros) {
     Bytes expected(240);
     std::fill_n(expected.begin(), 120, std::uint8_t{0x11});
     EXPECT_EQ(Prepared(WritePayload(CmdTraceEvents, [] { return Bytes(120, 0x11); })).payload,
@@ -103,7 +103,7 @@ TEST(Payloads, FifteenStimulusConditionRowsArePaddedByThirtyZeros) {
               expected);
 }
 
-TEST(Payloads, ForTheCallersMemoryGoOutWhole) {
+TEST(Payloads, ForTheCallersMemoryAreSentInFull) {
     for (const MemoryCommand command :
          {MemoryCommand(CmdDownloadRecord), MemoryCommand(CmdTargetData)}) {
         const LinkRequest request = Prepared(WriteMemory(command, 77, [] {
@@ -115,7 +115,7 @@ TEST(Payloads, ForTheCallersMemoryGoOutWhole) {
     }
 }
 
-TEST(Payloads, AreMadeAnewEachTime) {
+TEST(Payloads, AreCreatedAgainForEachTry) {
     std::uint8_t record = 1;
     const LinkRequestPtr request = WriteMemory(CmdTargetData, 0x40, [&] { return Bytes{record}; });
     EXPECT_TRUE(PreparePayload(*request));
@@ -126,7 +126,7 @@ TEST(Payloads, AreMadeAnewEachTime) {
     EXPECT_EQ(request->address, 0x40U);
 }
 
-TEST(Payloads, AWritingCommandWithoutAMakerIsRefused) {
+TEST(Payloads, AWriteCommandWithoutAPayloadMakerIsRefused) {
     for (std::int32_t command = 1; command <= linkCommandCount; ++command) {
         const CommandKind kind = FindCommand(command)->kind;
         const bool writes = kind == CommandKind::Register || kind == CommandKind::Memory;
@@ -150,7 +150,7 @@ TEST(Payloads, ReadsAndFunctionsKeepTheirAddressAndLength) {
     }
 }
 
-TEST(Payloads, ANumberThatIsNoCommandIsLeftAlone) {
+TEST(Payloads, AnUnknownCommandIsLeftAlone) {
     LinkRequestPtr request = NewRequest(99);
     request->address = 7;
     const LinkRequest prepared = Prepared(std::move(request));

@@ -13,7 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A port whose reader waits until it is let go, whoever wakes it.
+/// A port whose reader waits until the test releases it, whoever wakes it.
 class StuckPort final : public LinkPort {
 public:
     [[nodiscard]] bool IsOpen() const override { return true; }
@@ -33,7 +33,7 @@ public:
     std::promise<void> mayGo;
 };
 
-TEST(LinkThreadTest, AThreadThatIsBusyIsGivenElevenTenthsOfASecond) {
+TEST(LinkThreadTest, ABusyThreadIsGivenElevenTenthsOfASecond) {
     MainThread mainThread;
     const auto ring = std::make_unique<ReplyRing>();
     const auto port = std::make_shared<StuckPort>();
@@ -49,7 +49,7 @@ TEST(LinkThreadTest, AThreadThatIsBusyIsGivenElevenTenthsOfASecond) {
 }
 
 #if defined(__linux__)
-TEST_F(LinkFixture, TheLinksThreadRunsBelowTheOthers) {
+TEST_F(LinkFixture, TheLinksThreadHasLowerPriority) {
     OpenLink();
     std::promise<int> nice;
     link->Submit(NewRequest(CmdStartTrace, [&](const LinkRequestPtr&) {

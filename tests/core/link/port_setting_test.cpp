@@ -30,7 +30,7 @@ TEST(PortSetting, HasTheDeviceAndTheRateOfTheSettings) {
     EXPECT_EQ(PortNamed("USB2", settings).device, "04b4:1002");
 }
 
-TEST(PortSetting, NamesSayWhatKindOfPortItIs) {
+TEST(PortSetting, NamesDetermineTheKindOfPort) {
     const MemorySettings settings;
     const std::pair<const char*, Kind> names[] = {
         {"USB", Kind::Usb},     {"USB2", Kind::Usb},   {"USB1", Kind::None}, {"usb", Kind::None},

@@ -11,7 +11,7 @@ using Bytes = std::vector<std::uint8_t>;
 
 class ReplyRingTest : public testing::Test {
 protected:
-    /// Moves both indexes to a place.
+    /// Moves both indexes to `place`.
     void GoTo(std::int32_t index) {
         while (ring->WriteIndex() != index) {
             ring->Put(0x55);
@@ -71,21 +71,21 @@ TEST_F(ReplyRingTest, AWriterThatLapsTheReaderDestroysData) {
     EXPECT_EQ(ring->Unread(), 3);
 }
 
-TEST_F(ReplyRingTest, DiscardsWhatIsUnreadAndKeepsItsPlace) {
+TEST_F(ReplyRingTest, DiscardsUnreadBytesAndKeepsItsPosition) {
     ring->Put(1);
     ring->Discard();
     EXPECT_EQ(ring->Unread(), 0);
     EXPECT_EQ(ring->ReadIndex(), 1);
 }
 
-TEST_F(ReplyRingTest, BeginsAgainAtZero) {
+TEST_F(ReplyRingTest, RestartsAtZero) {
     ring->Put(1);
     ring->Reset();
     EXPECT_EQ(ring->ReadIndex(), 0);
     EXPECT_EQ(ring->WriteIndex(), 0);
 }
 
-TEST_F(ReplyRingTest, TheByteBehindTheRingIsZero) {
+TEST_F(ReplyRingTest, TheByteAfterTheRingIsZero) {
     GoTo(99999);
     ring->Put(9);
     EXPECT_EQ(ring->At(99999), 9);

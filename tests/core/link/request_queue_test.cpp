@@ -20,14 +20,14 @@ protected:
         board.baud = 0;
     }
 
-    /// The board's answer, but for one frame.
+    /// The board's answers, except for one frame.
     void AnswerFrame(const Bytes& frame, const Bytes& answer) {
         line->SetAnswer([this, frame, answer](const Bytes& sent, int baud) {
             return sent == frame ? answer : board.Answer(sent, baud);
         });
     }
-    /// Seconds between the sends of a request that nobody answers. The first is left out: the
-    /// clock may move between the main thread's look at it and the log's.
+    /// Seconds between the sends of a request that nobody answers. The first is left out: the clock
+    /// may move between the moment at which the main thread reads it and the moment of the log.
     std::vector<std::time_t> SecondsBetweenTries() const {
         std::vector<std::time_t> seconds;
         const auto log = line->Log();
@@ -53,7 +53,7 @@ protected:
     }
 };
 
-TEST_F(RequestQueueTest, TraceParametersGoOutInSixFramesAndThreeBytes) {
+TEST_F(RequestQueueTest, TraceParametersAreSentInSixFramesAndThreeBytes) {
     EXPECT_TRUE(link->Exchange(WritePayload(CmdTraceParams, [] { return Bytes{3, 3, 1}; })));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0xA4}, Bytes{6, 1}, Bytes{8, 0}, Bytes{10, 3},
                                              Bytes{12, 0}, Bytes{2, 2}, Bytes{3, 3, 1}));
@@ -119,7 +119,7 @@ TEST_F(RequestQueueTest, EveryReadCommandSendsItsFunctionAndFillsItsBuffer) {
     }
 }
 
-TEST_F(RequestQueueTest, FunctionsAloneGoOutInOneFrame) {
+TEST_F(RequestQueueTest, FunctionsWithoutDataAreOneFrame) {
     struct Row {
         FunctionCommand command;
         std::uint8_t function;
@@ -138,18 +138,18 @@ TEST_F(RequestQueueTest, FunctionsAloneGoOutInOneFrame) {
     }
 }
 
-TEST_F(RequestQueueTest, AFirmwareRecordGoesOutByItsOwnFunction) {
+TEST_F(RequestQueueTest, AFirmwareRecordIsSentByItsFunction) {
     const Bytes record{0xDE, 0xAD, 0xBE};
     EXPECT_TRUE(link->Exchange(WriteMemory(CmdDownloadRecord, 0x10203, [&] { return record; })));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 3}, Bytes{6, 2}, Bytes{8, 1}, Bytes{10, 3},
                                              Bytes{12, 0}, Bytes{2, 30}, Bytes{0xDE, 0xAD, 0xBE}));
 }
 
-TEST_F(RequestQueueTest, TargetDataGoesOutByItsOwnFunction) {
+TEST_F(RequestQueueTest, TargetDataAreSentByTheirFunction) {
     const Bytes data{1, 2};
     const LinkRequest done = Run(WriteMemory(CmdTargetData, 0x40, [&] { return data; }));
     EXPECT_EQ(done.result, LinkOk);
-    EXPECT_TRUE(done.payload.empty()) << "the copy is dropped when it is sent";
+    EXPECT_TRUE(done.payload.empty()) << "the copy is dropped once it is sent";
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0x40}, Bytes{6, 0}, Bytes{8, 0}, Bytes{10, 2},
                                              Bytes{12, 0}, Bytes{2, 10}, Bytes{1, 2}));
 }
@@ -172,20 +172,20 @@ TEST_F(RequestQueueTest, AReadOfNoBytesExpectsTheTwoAcknowledgements) {
     EXPECT_EQ(done.replyLength, 2);
 }
 
-TEST_F(RequestQueueTest, BytesThatCameUnaskedAreDiscardedAtTheStart) {
+TEST_F(RequestQueueTest, UnexpectedBytesAreDiscardedAtTheStart) {
     line->Arrive({'x', '?', 0});
     ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
     EXPECT_EQ(CountOf({2, 11}), 1U);
 }
 
-TEST_F(RequestQueueTest, ARequestWithoutCompletionEndsInTheLink) {
+TEST_F(RequestQueueTest, ARequestWithoutACompletionEndsInTheLink) {
     link->Submit(RunCommand(CmdStartTrace));
     link->WaitIdle();
     EXPECT_THAT(board.functions, ElementsAre(11));
 }
 
-TEST_F(RequestQueueTest, NewRequestIsAllZeroButForWhatItIsGiven) {
+TEST_F(RequestQueueTest, NewRequestIsZeroExceptForItsArguments) {
     const LinkRequestPtr request = NewRequest(CmdReadMemory);
     EXPECT_EQ(request->command, 3);
     EXPECT_EQ(request->completion, nullptr);
@@ -204,7 +204,7 @@ TEST_F(RequestQueueTest, ASilentBoardGetsACommandFiveTimes) {
     EXPECT_EQ(done.retries, 4);
     EXPECT_EQ(done.bytesSeen, 0);
     EXPECT_EQ(CountOf({2, 11}), 5U);
-    EXPECT_THAT(prompts.Texts(), IsEmpty()) << "what to say is the feature's";
+    EXPECT_THAT(prompts.Texts(), IsEmpty()) << "the feature reports it";
 }
 
 TEST_F(RequestQueueTest, MoreThanTwoSecondsMustPass) {
@@ -219,7 +219,7 @@ TEST_F(RequestQueueTest, ASearchHasAMinute) {
     EXPECT_THAT(SecondsBetweenTries(), ElementsAre(61, 61, 61));
 }
 
-TEST_F(RequestQueueTest, AnUnknownRateGivesASearchNoMinute) {
+TEST_F(RequestQueueTest, AtAnUnknownRateASearchDoesNotHaveAMinute) {
     board.baud = 1;
     OpenLink();
     UseSilence();
@@ -257,7 +257,7 @@ TEST_F(RequestQueueTest, BytesTakeNoTimeWhenTheRateIsUnknown) {
     EXPECT_EQ(SecondsUntilRestart(buffer, {2, 1}), 3);
 }
 
-TEST_F(RequestQueueTest, ACommandThatFailsAtALaterStateIsRestartedWithoutEnd) {
+TEST_F(RequestQueueTest, ACommandThatFailsAtALaterStateIsRestartedIndefinitely) {
     AnswerFrame({2, 1}, {});
     Bytes buffer(4);
     auto done = Start(ReadRegisters(0x10, buffer));
@@ -267,7 +267,7 @@ TEST_F(RequestQueueTest, ACommandThatFailsAtALaterStateIsRestartedWithoutEnd) {
     EXPECT_EQ(done.get().result, LinkOk);
 }
 
-TEST_F(RequestQueueTest, ARestartBeginsWithTheFirstFrameAndMakesThePayloadAgain) {
+TEST_F(RequestQueueTest, ARestartBeginsWithTheFirstFrameAndCreatesThePayloadAgain) {
     int makes = 0;
     line->SetAnswer([&, dropped = false](const Bytes& sent, int baud) mutable {
         const bool drop = sent.size() == 240 && !dropped;
@@ -289,7 +289,7 @@ TEST_F(RequestQueueTest, AWrongByteIsABadReplyAtOnce) {
     EXPECT_THAT(SecondsBetweenTries(), Each(testing::Le(1)));
 }
 
-TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsWhole) {
+TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsComplete) {
     Bytes buffer(2);
     line->SetClockRuns(false);
     AnswerFrame({2, 1}, {'?', 1, 2});
@@ -302,9 +302,9 @@ TEST_F(RequestQueueTest, AWrongFirstByteIsFoundWhenTheReplyIsWhole) {
     EXPECT_EQ(CountOf({4, 0}), 2U) << "the restart discards the rest of the bad reply";
 }
 
-// Bytes that come together are looked at as if each had come alone: what a restart discards is the
-// reply that was wrong, and not what follows it.
-TEST_F(RequestQueueTest, BytesBehindAReplyInTheSameReadBelongToTheNextOne) {
+// Bytes that arrive together are checked as if each had arrived alone: a restart discards the reply
+// that was wrong, and not what follows it.
+TEST_F(RequestQueueTest, BytesAfterAReplyInTheSameReadBelongToTheNextOne) {
     line->SetClockRuns(false);
     AnswerFrame({2, 11}, {'?', '*'});
     const LinkRequest done = Run(RunCommand(CmdStartTrace));
@@ -312,7 +312,7 @@ TEST_F(RequestQueueTest, BytesBehindAReplyInTheSameReadBelongToTheNextOne) {
     EXPECT_EQ(CountOf({2, 11}), 2U);
 }
 
-TEST_F(RequestQueueTest, AcknowledgementsThatComeTogetherMoveTheRequestOnOneByOne) {
+TEST_F(RequestQueueTest, AcknowledgementsThatArriveTogetherAdvanceTheRequestOneByOne) {
     Bytes buffer(2);
     line->SetClockRuns(false);
     line->SetAnswer([&](const Bytes& sent, int) {
@@ -326,7 +326,7 @@ TEST_F(RequestQueueTest, AcknowledgementsThatComeTogetherMoveTheRequestOnOneByOn
                                              Bytes{12, 0}, Bytes{2, 1}));
 }
 
-TEST_F(RequestQueueTest, AReplyInPiecesIsWhole) {
+TEST_F(RequestQueueTest, AReplyInPiecesIsJoined) {
     Bytes buffer(4);
     line->SetClockRuns(false);
     AnswerFrame({2, 1}, {'*', 1});
@@ -339,7 +339,7 @@ TEST_F(RequestQueueTest, AReplyInPiecesIsWhole) {
     EXPECT_EQ(buffer, (Bytes{1, 2, 3, 4}));
 }
 
-TEST_F(RequestQueueTest, AReplyLongerThanItsSpanLeavesTheRestToNobody) {
+TEST_F(RequestQueueTest, TheExcessOfAReplyLongerThanItsSpanIsDropped) {
     board.contents[0] = {1, 2, 3, 4};
     Bytes buffer(4, 0x77);
     LinkRequestPtr request = ReadRegisters(0, std::span(buffer).first(2));
@@ -348,7 +348,7 @@ TEST_F(RequestQueueTest, AReplyLongerThanItsSpanLeavesTheRestToNobody) {
     EXPECT_EQ(buffer, (Bytes{1, 2, 0x77, 0x77}));
 }
 
-TEST_F(RequestQueueTest, AWrongLastByteComesAfterTheDataAreHandedOut) {
+TEST_F(RequestQueueTest, AWrongLastByteIsFoundAfterTheDataAreStored) {
     Bytes buffer(2);
     Bytes atRestart;
     int reads = 0;
@@ -368,8 +368,8 @@ TEST_F(RequestQueueTest, AWrongLastByteComesAfterTheDataAreHandedOut) {
     EXPECT_EQ(buffer, (Bytes{0, 0}));
 }
 
-/// A data state that fails is restarted for ever, so the counters of its time-out are seen by
-/// taking the tries away at that moment.
+/// A data state that fails is restarted indefinitely, so the counters of its time-out are observed
+/// by using up the tries at that moment.
 class TimeoutDetailTest : public RequestQueueTest {
 protected:
     LinkRequest TimeOutWith(const Bytes& reply, std::size_t length) {
@@ -382,7 +382,7 @@ protected:
         line->OnClearErrors(nullptr);
         return result;
     }
-    /// Moves the ring's indexes to a place.
+    /// Moves the ring's indexes to `place`.
     void MoveRing(std::size_t place) {
         line->Arrive(Bytes(place - link->ReadRingRaw().size(), 0x55));
         ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
@@ -392,7 +392,7 @@ private:
     Bytes buffer_;
 };
 
-TEST_F(TimeoutDetailTest, AReplyOneByteShortTellsWhatHadArrived) {
+TEST_F(TimeoutDetailTest, AReplyOneByteShortReportsWhatHadArrived) {
     const LinkRequest done = TimeOutWith({'*', 1, 2, 3}, 3);
     EXPECT_EQ(done.result, LinkTimeout);
     EXPECT_EQ(done.state, 11);
@@ -401,7 +401,7 @@ TEST_F(TimeoutDetailTest, AReplyOneByteShortTellsWhatHadArrived) {
     EXPECT_EQ(done.firstByte, '*');
     EXPECT_EQ(done.lastByte, 3);
     EXPECT_EQ(done.commErrors, 0x1AU);
-    EXPECT_EQ(done.ringReadAtFail, 5) << "behind five acknowledgements";
+    EXPECT_EQ(done.ringReadAtFail, 5) << "after five acknowledgements";
     EXPECT_EQ(done.ringWriteAtFail, 9);
 }
 
@@ -412,7 +412,7 @@ TEST_F(TimeoutDetailTest, NothingArrivedLeavesTheLastByteAtZero) {
     EXPECT_EQ(done.ringReadAtFail, done.ringWriteAtFail);
 }
 
-TEST_F(TimeoutDetailTest, TheLastByteBehindTheWrapIsFound) {
+TEST_F(TimeoutDetailTest, TheLastByteAfterTheWrapIsFound) {
     MoveRing(99990);
     // Read index 99995; seven bytes end at 100001, which is index 1.
     const LinkRequest done = TimeOutWith({'*', 1, 2, 3, 4, 5, 6}, 20);
@@ -422,14 +422,14 @@ TEST_F(TimeoutDetailTest, TheLastByteBehindTheWrapIsFound) {
     EXPECT_EQ(done.lastByte, 6);
 }
 
-TEST_F(TimeoutDetailTest, TheLastByteAtExactlyTheWrapIsTheByteBehindTheRing) {
+TEST_F(TimeoutDetailTest, TheLastByteExactlyAtTheWrapIsTheByteAfterTheRing) {
     MoveRing(99990);
     const LinkRequest done = TimeOutWith({'*', 1, 2, 3, 4, 5}, 20);
     EXPECT_EQ(done.bytesSeen, 6);
     EXPECT_EQ(done.lastByte, 0);
 }
 
-TEST_F(RequestQueueTest, AReplyAcrossTheWrapIsWhole) {
+TEST_F(RequestQueueTest, AReplyAcrossTheWrapIsComplete) {
     line->Arrive(Bytes(99990, 0x55));
     ASSERT_TRUE(Eventually([&] { return line->AllTaken(); }));
     board.contents[0] = {1, 2, 3, 4, 5, 6, 7, 8};
@@ -438,7 +438,7 @@ TEST_F(RequestQueueTest, AReplyAcrossTheWrapIsWhole) {
     EXPECT_EQ(buffer, (Bytes{1, 2, 3, 4, 5, 6, 7, 8}));
 }
 
-TEST_F(RequestQueueTest, ANumberThatIsNoCommandIsReportedAtEachTryAndEndsInABadState) {
+TEST_F(RequestQueueTest, AnUnknownCommandIsReportedAtEachTryAndEndsInABadState) {
     const LinkRequest done = Run(NewRequest(99));
     EXPECT_EQ(done.result, LinkBadState);
     EXPECT_EQ(done.state, 0);
@@ -451,7 +451,7 @@ TEST_F(RequestQueueTest, ANumberThatIsNoCommandIsReportedAtEachTryAndEndsInABadS
 
 using PayloadDeathTest = RequestQueueTest;
 
-TEST_F(PayloadDeathTest, AWritingCommandWithoutAMakerStopsTheProgramOrNeverGoesOut) {
+TEST_F(PayloadDeathTest, AWriteCommandWithoutAPayloadMakerStopsTheProgramOrIsNeverSent) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     LinkResult result = LinkBadState;
     EXPECT_DEBUG_DEATH(
@@ -467,7 +467,7 @@ TEST_F(RequestQueueTest, AStateWithoutARowIsReportedAndRunsIntoItsTimeout) {
     LinkRequestPtr request = RunCommand(CmdStartTrace);
     LinkRequest* running = request.get();
     auto done = Start(std::move(request));
-    running->state = 10; // no state of this command
+    running->state = 10; // not a state of this command
     line->Arrive({'*'});
     ASSERT_TRUE(Eventually([&] { return !prompts.Boxes().empty(); }));
     EXPECT_THAT(prompts.Texts(),
@@ -480,7 +480,7 @@ TEST_F(RequestQueueTest, AStateWithoutARowIsReportedAndRunsIntoItsTimeout) {
     EXPECT_EQ(CountOf({2, 11}), 2U);
 }
 
-TEST_F(RequestQueueTest, AFailedWriteIsReportedAndRetriedThroughItsTimeouts) {
+TEST_F(RequestQueueTest, AFailedWriteIsReportedAndRetriedAfterItsTimeouts) {
     line->SetErrors({.write = 5});
     const LinkRequest done = Run(RunCommand(CmdStartTrace));
     EXPECT_EQ(done.result, LinkTimeout);
@@ -491,7 +491,7 @@ TEST_F(RequestQueueTest, AFailedWriteIsReportedAndRetriedThroughItsTimeouts) {
     EXPECT_TRUE(prompts.Boxes().front().topmost);
 }
 
-TEST_F(RequestQueueTest, ASecondRequestGoesOutAfterTheCompletionOfTheFirst) {
+TEST_F(RequestQueueTest, ASecondRequestIsSentAfterTheCompletionOfTheFirst) {
     std::promise<std::vector<Bytes>> inCompletion;
     line->SetClockRuns(false);
     UseSilence();
@@ -559,7 +559,7 @@ TEST_F(RequestQueueTest, AnExchangeReportsFailure) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(RequestQueueTest, RequestsThatWaitAtTheEndAreDropped) {
+TEST_F(RequestQueueTest, RequestsThatWaitWhenTheLinkIsDestroyedAreDropped) {
     line->SetClockRuns(false);
     UseSilence();
     std::atomic<int> completions = 0;
@@ -571,7 +571,7 @@ TEST_F(RequestQueueTest, RequestsThatWaitAtTheEndAreDropped) {
     EXPECT_EQ(line->OpenPorts(), 0);
 }
 
-TEST_F(RequestQueueTest, APortThatGoesAwayIsReadNoMoreAndRequestsStillTimeOut) {
+TEST_F(RequestQueueTest, APortThatDisappearsIsNotReadAnyMoreAndRequestsTimeOut) {
     line->Unplug();
     ASSERT_TRUE(Eventually([&] { return line->ReadsAfterUnplug() == 1; }));
     line->SetErrors({.write = 5});
@@ -584,7 +584,7 @@ TEST_F(RequestQueueTest, APortThatGoesAwayIsReadNoMoreAndRequestsStillTimeOut) {
     EXPECT_TRUE(link->IsBoardGone());
 }
 
-TEST_F(RequestQueueTest, RawBytesPassTheQueueAndTheRingIsDrainedAsItStands) {
+TEST_F(RequestQueueTest, RawBytesBypassTheQueueAndTheRingIsDrainedAsItIs) {
     UseSilence();
     link->SendRaw(Bytes{0x2A, 0x00, 0xFF});
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{0x2A, 0x00, 0xFF}));

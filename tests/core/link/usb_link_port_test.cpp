@@ -40,15 +40,15 @@ TEST_F(UsbLinkTest, TheSecondNameIsTheSamePortAndUsbIsTheDefault) {
     EXPECT_EQ(usb.OpenDevices(), 2);
 }
 
-TEST_F(UsbLinkTest, TheRateOfASerialLineBeforeIsForgotten) {
+TEST_F(UsbLinkTest, TheRateOfAnEarlierSerialLineIsForgotten) {
     settings.WriteProfileString(setup, "ComPort", "COM1");
     board.baud = 19200;
-    EXPECT_TRUE(link->Open(Port())) << "at another rate than the configured one";
+    EXPECT_TRUE(link->Open(Port())) << "although the configured rate differs";
     settings.WriteProfileString(setup, "ComPort", "USB");
     EXPECT_FALSE(link->Open(Port()));
 }
 
-TEST_F(UsbLinkTest, NoDeviceIsTheFallIntoDemoMode) {
+TEST_F(UsbLinkTest, WithoutADeviceItIsDemoMode) {
     usb.Set({.search = {UsbSearch::Outcome::NotFound, 0, ""}});
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
@@ -56,7 +56,7 @@ TEST_F(UsbLinkTest, NoDeviceIsTheFallIntoDemoMode) {
     EXPECT_THAT(usb.Calls(), ElementsAre("find "));
 }
 
-TEST_F(UsbLinkTest, AFailedDetailIsReportedBeforeTheFall) {
+TEST_F(UsbLinkTest, AFailedDetailIsReportedBeforeDemoMode) {
     usb.Set({.search = {UsbSearch::Outcome::DetailFailed, 87, ""}});
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(),
@@ -94,7 +94,7 @@ TEST_F(UsbLinkTest, AFailedResetIsReportedAndIgnored) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
+TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhoseReaderWaits) {
     usb.Set({.opens = false});
     EXPECT_FALSE(link->Open(Port()));
     usb.Set({});
@@ -105,7 +105,7 @@ TEST_F(UsbLinkTest, OpenWorksAfterAFailedOpenWhosePumpWaits) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(UsbLinkTest, OpenWorksOverALiveDevice) {
+TEST_F(UsbLinkTest, OpenReplacesAnOpenDevice) {
     for (int i = 0; i < 3; ++i) {
         EXPECT_FALSE(link->Open(Port()));
         EXPECT_EQ(usb.OpenDevices(), 1);
@@ -113,7 +113,7 @@ TEST_F(UsbLinkTest, OpenWorksOverALiveDevice) {
     }
 }
 
-TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
+TEST_F(UsbLinkTest, DataArriveAloneAndFramesAreNotAcknowledged) {
     OpenUsbLink();
     usb.WithBoard([](WireBoard& far) { far.contents[0x30] = {7, 8, 9}; });
     Bytes buffer(3);
@@ -128,7 +128,7 @@ TEST_F(UsbLinkTest, DataComeAloneAndFramesAreNotAcknowledged) {
 }
 
 // On USB nothing else writes the counters of a serial port.
-TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnotherTime) {
+TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnEarlierTry) {
     OpenUsbLink();
     LinkRequestPtr request = RunCommand(CmdStartTrace);
     request->state = 7;
@@ -153,7 +153,7 @@ TEST_F(UsbLinkTest, ARequestIsPreparedWithoutTheCountersOfAnotherTime) {
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 2 11"));
 }
 
-TEST_F(UsbLinkTest, ANumberThatIsNoCommandIsPreparedWithoutAReply) {
+TEST_F(UsbLinkTest, AnUnknownCommandIsPreparedWithoutAReply) {
     OpenUsbLink();
     LinkRequestPtr request = NewRequest(99);
     request->replyLength = 9;
@@ -174,7 +174,7 @@ TEST_F(UsbLinkTest, AReadOfNoBytesEnds) {
     EXPECT_TRUE(link->Exchange(ReadRegisters(1, {})));
 }
 
-TEST_F(UsbLinkTest, AFailedWriteIsNotTriedAgain) {
+TEST_F(UsbLinkTest, AFailedWriteIsNotRetried) {
     OpenUsbLink();
     usb.Set({.writes = false});
     const LinkRequest done = Run(RunCommand(CmdStartTrace));
@@ -187,7 +187,7 @@ TEST_F(UsbLinkTest, AFailedWriteIsNotTriedAgain) {
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
 
-TEST_F(UsbLinkTest, AFailedReadShowsTwoBoxesAndIsNotTriedAgain) {
+TEST_F(UsbLinkTest, AFailedReadShowsTwoBoxesAndIsNotRetried) {
     OpenUsbLink();
     usb.Set({.read = UsbDevice::Transfer{false, 31, 0}});
     Bytes buffer(3);
@@ -225,7 +225,7 @@ TEST_F(UsbLinkTest, AnUnknownCommandEndsInABadState) {
     EXPECT_EQ(prompts.Texts().size(), 5U);
 }
 
-TEST_F(UsbLinkTest, AFailedIdentityReadIsTheFallIntoDemoMode) {
+TEST_F(UsbLinkTest, AFailedIdentityReadLeadsToDemoMode) {
     OpenUsbLink();
     usb.Set({.writes = false});
     link->ReadIdentity();
@@ -259,7 +259,7 @@ TEST_F(UsbLinkTest, AKeepAliveIsOneFrame) {
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 4 0"));
 }
 
-TEST_F(UsbLinkTest, ABoardThatIsGoneIsToldOnceAndKeptAliveNoMore) {
+TEST_F(UsbLinkTest, ALostBoardIsReportedOnceAndKeptAliveNoMore) {
     OpenUsbLink();
     usb.Set({.present = false});
     link->SendKeepAlive();
@@ -279,7 +279,7 @@ TEST_F(UsbLinkTest, ABoardThatIsGoneIsToldOnceAndKeptAliveNoMore) {
     EXPECT_THAT(usb.Calls(), ElementsAre("write 2: 4 0"));
 }
 
-TEST_F(UsbLinkTest, NoKeepAliveGoesOutInDemoMode) {
+TEST_F(UsbLinkTest, NoKeepAliveIsSentInDemoMode) {
     usb.Set({.opens = false});
     EXPECT_FALSE(link->Open(Port()));
     usb.ForgetCalls();
@@ -296,7 +296,7 @@ TEST_F(UsbLinkTest, RawBytesAreATransferThatReportsItsFailure) {
     EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed));
 }
 
-TEST_F(UsbLinkTest, ARequestThatWaitsWhileTheDeviceIsOpenedAgainGoesOnThere) {
+TEST_F(UsbLinkTest, ARequestThatWaitsWhileTheDeviceIsReopenedContinuesThere) {
     OpenUsbLink();
     HeldCompletion held;
     link->Submit(held.Request(CmdStartTrace));
@@ -307,7 +307,7 @@ TEST_F(UsbLinkTest, ARequestThatWaitsWhileTheDeviceIsOpenedAgainGoesOnThere) {
     held.Release();
 }
 
-TEST(UsbLinkPortTest, ASendThatHasToReopenCountsAsFailedAndTheNextGoesOut) {
+TEST(UsbLinkPortTest, ASendThatHasToReopenFailsAndTheNextIsSent) {
     ScriptedUsb usb;
     RecordingPrompts prompts;
     UsbLinkPort port(usb, "", prompts, UsbLinkPort::Device::ReopenAtSend);
@@ -322,14 +322,14 @@ TEST(UsbLinkPortTest, ASendThatHasToReopenCountsAsFailedAndTheNextGoesOut) {
     EXPECT_EQ(usb.Calls().back(), "write 2: 2 11");
 }
 
-TEST(UsbLinkPortTest, AReopenThatFindsNothingStaysToBeReopened) {
+TEST(UsbLinkPortTest, AReopenThatFindsNoDeviceIsTriedAgain) {
     ScriptedUsb usb;
     usb.Set({.search = {UsbSearch::Outcome::NotFound, 0, ""}});
     RecordingPrompts prompts;
     UsbLinkPort port(usb, "", prompts, UsbLinkPort::Device::ReopenAtSend);
     EXPECT_FALSE(port.Send(Bytes{2, 11}));
     EXPECT_EQ(port.State(), UsbLinkPort::Device::ReopenAtSend);
-    EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed)) << "no word of Demo Mode";
+    EXPECT_THAT(prompts.Texts(), ElementsAre(transferFailed)) << "Demo Mode is not mentioned";
 }
 
 } // namespace

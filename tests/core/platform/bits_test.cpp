@@ -25,7 +25,7 @@ std::vector<std::size_t> PlacesIn(const Bits& bits) {
 using Places = std::vector<std::size_t>;
 using Words = std::vector<std::uint32_t>;
 
-TEST(WordBits, WordsAndBytesHoldAllBitsAndNoMore) {
+TEST(WordBits, WordsAndBytesAreJustEnoughForTheBits) {
     EXPECT_EQ(WordsFor(0), 0U);
     EXPECT_EQ(WordsFor(1), 1U);
     EXPECT_EQ(WordsFor(32), 1U);
@@ -37,7 +37,7 @@ TEST(WordBits, WordsAndBytesHoldAllBitsAndNoMore) {
     EXPECT_EQ(BytesFor(9), 2U);
 }
 
-TEST(WordBits, ABitLiesInItsWordWhateverTheWordsWidth) {
+TEST(WordBits, ABitIsFoundInWordsOfAnyWidth) {
     const std::array<std::uint8_t, 2> bytes = {0x80, 0x01};
     EXPECT_FALSE(TestBit(bytes, 6));
     EXPECT_TRUE(TestBit(bytes, 7));
@@ -54,7 +54,7 @@ TEST(WordBits, ABitLiesInItsWordWhateverTheWordsWidth) {
     EXPECT_FALSE(TestBit(wide, 65));
 }
 
-TEST(WordBits, ABitIsSetAndUnsetWithoutItsNeighbours) {
+TEST(WordBits, SettingAndClearingABitLeavesItsNeighbours) {
     Words words = {0, 0};
     SetBit(words, 31);
     SetBit(words, 32);
@@ -72,7 +72,7 @@ TEST(WordBits, ABitIsSetAndUnsetWithoutItsNeighbours) {
     EXPECT_EQ(bytes, (std::array<std::uint8_t, 2>{0x00, 0x80}));
 }
 
-TEST(WordBits, PastTheEndABitIsUnsetAndTakesNoValue) {
+TEST(WordBits, AfterTheEndABitIsUnsetAndCannotBeSet) {
     Words words = {~0U, ~0U};
     EXPECT_FALSE(TestBit(words, 64));
     EXPECT_FALSE(TestBit(words, static_cast<std::size_t>(-1)));
@@ -82,7 +82,7 @@ TEST(WordBits, PastTheEndABitIsUnsetAndTakesNoValue) {
     EXPECT_EQ(words, (Words{~0U, ~0U}));
 }
 
-TEST(WordBits, LowBitsAreOfTheWordsWidth) {
+TEST(WordBits, LowBitsHaveTheWidthOfTheWord) {
     EXPECT_EQ(LowBits<std::uint32_t>(0), 0U);
     EXPECT_EQ(LowBits<std::uint32_t>(31), 0x7FFFFFFFU);
     EXPECT_EQ(LowBits<std::uint32_t>(32), 0xFFFFFFFFU);
@@ -93,14 +93,14 @@ TEST(WordBits, LowBitsAreOfTheWordsWidth) {
     EXPECT_EQ(LowBits<std::uint64_t>(64), 0xFFFFFFFFFFFFFFFFU);
 }
 
-TEST(WordBits, SetBitsComeInAscendingOrder) {
+TEST(WordBits, SetBitsAreVisitedInAscendingOrder) {
     EXPECT_EQ(PlacesIn(0U), Places());
     EXPECT_EQ(PlacesIn(0x80000001U), (Places{0, 31}));
     EXPECT_EQ(PlacesIn(std::uint8_t{0x82}), (Places{1, 7}));
     EXPECT_EQ(PlacesIn(std::uint64_t{0x8000000100000000}), (Places{32, 63}));
 }
 
-TEST(WordBits, FirstUnsetLooksFromABitOn) {
+TEST(WordBits, FirstUnsetBeginsAtAGivenBit) {
     const Words words = {0xFFFFFFFF, 0x00000003};
     EXPECT_EQ(FirstUnset(words), 34U);
     EXPECT_EQ(FirstUnset(words, 33), 34U);
@@ -117,7 +117,7 @@ TEST(WordBits, BitsAreCountedOverAllWords) {
     EXPECT_EQ(CountBits(Words{0x80000001, 0, ~0U}), 34U);
 }
 
-TEST(WordBits, ANumberIsTakenFromAnyPlaceOfBytes) {
+TEST(WordBits, ANumberIsReadFromAnyPositionInBytes) {
     const std::array<std::uint8_t, 10> bytes = {0x21, 0x43, 0x65, 0x87, 0xA9,
                                                 0xCB, 0xED, 0x0F, 0x32, 0x54};
     EXPECT_EQ(BitsAt(bytes, 0, 4), 0x1U);
@@ -129,14 +129,14 @@ TEST(WordBits, ANumberIsTakenFromAnyPlaceOfBytes) {
     EXPECT_EQ(BitsAt(bytes, 3, 0), 0U);
 }
 
-TEST(WordBits, BitsOfANumberPastTheEndAreZero) {
+TEST(WordBits, BitsOfANumberAfterTheEndAreZero) {
     const std::array<std::uint8_t, 2> bytes = {0xFF, 0xFF};
     EXPECT_EQ(BitsAt(bytes, 12, 8), 0xFU);
     EXPECT_EQ(BitsAt(bytes, 16, 8), 0U);
     EXPECT_EQ(BitsAt({}, 0, 8), 0U);
 }
 
-TEST(Bits, AreOfOneValueAtFirst) {
+TEST(Bits, HaveOneValueAtFirst) {
     EXPECT_EQ(Bits().Size(), 0U);
     EXPECT_EQ(Bits(40).Count(), 0U);
     EXPECT_EQ(Bits(40, true).Count(), 40U);
@@ -156,7 +156,7 @@ TEST(Bits, AreSetAndUnsetOneByOne) {
     EXPECT_EQ(PlacesIn(bits), (Places{0, 32}));
 }
 
-TEST(Bits, PastTheEndAreUnsetAndTakeNoValue) {
+TEST(Bits, AfterTheEndAreUnsetAndCannotBeSet) {
     Bits bits(33, true);
     EXPECT_FALSE(bits.Test(33));
     EXPECT_FALSE(bits.Test(1000));
@@ -196,7 +196,7 @@ TEST(Bits, FirstUnsetIsTheSizeWhereAllAreSet) {
     EXPECT_EQ(Bits().FirstUnset(), 0U);
 }
 
-TEST(Bits, AnotherSizeKeepsWhatThereIsRoomFor) {
+TEST(Bits, ResizingKeepsTheBitsThatFit) {
     Bits bits(40, true);
     bits.Resize(33);
     bits.Resize(70);

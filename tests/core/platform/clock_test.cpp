@@ -7,7 +7,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-TEST(SystemClock, TellsTheTimeOfDayInSeconds) {
+TEST(SystemClock, GivesTheTimeOfDayInSeconds) {
     const std::time_t before = std::time(nullptr);
     const std::time_t now = SystemClock().Time();
     EXPECT_GE(now, before);

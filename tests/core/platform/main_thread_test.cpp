@@ -19,10 +19,10 @@ using testing::UnorderedElementsAre;
 
 using SteadyClock = std::chrono::steady_clock;
 
-constexpr auto longWait = 30s; // a test that needs it fails
+constexpr auto longWait = 30s; // reached only by a test that fails
 constexpr auto muchTime = 10s;
 
-/// The test's thread is the main thread; it remembers what it shows and answers yes.
+/// The test's thread is the main thread; it records what it shows and answers yes.
 class MainThreadTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -39,7 +39,7 @@ protected:
         return Answer::Yes;
     }
 
-    /// Raises a box on a thread of its own.
+    /// Raises a box on another thread.
     std::future<Answer> Raise(const std::string& text) {
         return std::async(std::launch::async, [this, text] {
             return mainThread.Show({text, false, BoxButtons::YesNo});
@@ -50,7 +50,8 @@ protected:
     MainThread mainThread;
     std::vector<std::string> shown;
     std::function<void()> whileShown;
-    std::counting_semaphore<> arrived{0}; // one for each box that another thread has raised
+    std::counting_semaphore<> arrived{
+        0}; // released once for each box that another thread has raised
 };
 
 TEST_F(MainThreadTest, ShowsItsOwnBoxAtOnce) {
@@ -64,7 +65,7 @@ TEST_F(MainThreadTest, ItsOwnBoxDoesNotCountAsHandedOver) {
     EXPECT_THAT(shown, ElementsAre("own"));
 }
 
-TEST_F(MainThreadTest, HandsTheWholeBoxOver) {
+TEST_F(MainThreadTest, PassesOnAllFieldsOfABox) {
     Box seen;
     mainThread.SetPresenter(
         [&](const Box& box) {
@@ -112,7 +113,7 @@ TEST_F(MainThreadTest, ShowsABoxOfAnotherThreadWhileItWaitsForALockThatOneHolds)
     other.join();
 }
 
-TEST_F(MainThreadTest, ShowsABoxOfAnotherThreadWhenToldToServe) {
+TEST_F(MainThreadTest, ShowsABoxOfAnotherThreadWhenAskedToServe) {
     std::future<Answer> answer = Raise("idle");
     arrived.acquire();
     EXPECT_THAT(shown, IsEmpty());
@@ -121,7 +122,7 @@ TEST_F(MainThreadTest, ShowsABoxOfAnotherThreadWhenToldToServe) {
     EXPECT_EQ(answer.get(), Answer::Yes);
 }
 
-TEST_F(MainThreadTest, ShowsAWaitingBoxEvenWhenTheConditionHoldsAlready) {
+TEST_F(MainThreadTest, ShowsAWaitingBoxEvenIfTheConditionHoldsAlready) {
     std::future<Answer> answer = Raise("waiting");
     arrived.acquire();
     EXPECT_TRUE(mainThread.WaitUntil(0ms, [] { return true; }));
@@ -143,7 +144,7 @@ TEST_F(MainThreadTest, ShowsBoxesOfTwoThreadsOneAfterTheOther) {
             arrived.acquire();
             ++arrivals;
         }
-        // What an event loop under the open box does when it hears of the other one.
+        // What an event loop under the open box does when the other box arrives.
         mainThread.ServeBoxes();
         EXPECT_FALSE(mainThread.WaitUntil(20ms, [] { return false; }));
         --open;
@@ -208,7 +209,7 @@ TEST_F(MainThreadTest, AWakeEndsAWaitEarly) {
     other.join();
 }
 
-TEST_F(MainThreadTest, AWakeForSomethingElseDoesNotEndAWait) {
+TEST_F(MainThreadTest, AWakeForAnotherReasonDoesNotEndAWait) {
     std::atomic<bool> stop = false;
     std::thread other([&] {
         while (!stop) {
@@ -223,25 +224,25 @@ TEST_F(MainThreadTest, AWakeForSomethingElseDoesNotEndAWait) {
     other.join();
 }
 
-TEST_F(MainThreadTest, AWaitForWhatNeverHoldsEndsAtItsLimit) {
+TEST_F(MainThreadTest, AWaitForAConditionThatNeverHoldsEndsAtItsLimit) {
     const auto start = SteadyClock::now();
     EXPECT_FALSE(mainThread.WaitUntil(50ms, [] { return false; }));
     EXPECT_GE(SteadyClock::now() - start, 50ms);
     EXPECT_LT(SteadyClock::now() - start, muchTime);
 }
 
-TEST_F(MainThreadTest, AWaitForWhatHoldsAlreadyDoesNotWait) {
+TEST_F(MainThreadTest, AWaitForAConditionThatHoldsReturnsAtOnce) {
     const auto start = SteadyClock::now();
     EXPECT_TRUE(mainThread.WaitUntil(longWait, [] { return true; }));
     EXPECT_LT(SteadyClock::now() - start, muchTime);
 }
 
-TEST_F(MainThreadTest, AWaitAsksOnceMoreAtItsLimit) {
+TEST_F(MainThreadTest, AWaitChecksOnceMoreAtItsLimit) {
     int asked = 0;
     EXPECT_TRUE(mainThread.WaitUntil(20ms, [&] { return ++asked == 2; }));
 }
 
-TEST_F(MainThreadTest, AWaitMayHaveNoBound) {
+TEST_F(MainThreadTest, AWaitMayHaveNoLimit) {
     std::atomic<bool> done = false;
     std::thread other([&] {
         std::this_thread::sleep_for(30ms);
@@ -289,13 +290,13 @@ TEST_F(MainThreadTest, AnotherThreadsWaitIsWokenToo) {
     EXPECT_LT(SteadyClock::now() - start, muchTime);
 }
 
-TEST_F(MainThreadTest, IsKnownOnItsOwnThreadOnly) {
+TEST_F(MainThreadTest, IsRecognizedOnItsOwnThreadOnly) {
     EXPECT_EQ(MainThread::OnThisThread(), &mainThread);
     std::thread other([] { EXPECT_EQ(MainThread::OnThisThread(), nullptr); });
     other.join();
 }
 
-TEST(MainThread, IsNotKnownBeforeAndAfterItsLife) {
+TEST(MainThread, IsUnknownBeforeAndAfterItsLifetime) {
     EXPECT_EQ(MainThread::OnThisThread(), nullptr);
     { const MainThread mainThread; }
     EXPECT_EQ(MainThread::OnThisThread(), nullptr);

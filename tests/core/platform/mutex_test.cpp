@@ -42,7 +42,7 @@ TEST(Mutex, LetsOneThreadInAtATime) {
     EXPECT_EQ(counter.Value(), 8000);
 }
 
-TEST(Mutex, ServesWithoutAMainThread) {
+TEST(Mutex, WorksWithoutAMainThread) {
     Counter counter;
     std::thread other([&] { counter.Add(1000); });
     counter.Add(1000);
@@ -69,7 +69,7 @@ TEST(Mutex, KeepsTheMainThreadWaitingUntilItIsFree) {
     other.join();
 }
 
-TEST(MutexLock, CanBeReleasedAndTakenAgain) {
+TEST(MutexLock, CanBeReleasedAndLockedAgain) {
     Mutex mutex;
     MutexLock lock(mutex);
     lock.Release();

@@ -5,13 +5,13 @@
 namespace busquill::test {
 namespace {
 
-TEST(NearNames, KeepTheirOrderWhereNoneIsNear) {
+TEST(NearNames, KeepTheirOrderWhereNoneIsSimilar) {
     EXPECT_EQ(ListNearest("ISA", {"PCI", "VME", "VSB"}), "PCI, VME, VSB");
     EXPECT_EQ(ListNearest("", {"A", "B"}), "A, B");
     EXPECT_EQ(ListNearest("A", {}), "");
 }
 
-TEST(NearNames, TheNearestComeFirst) {
+TEST(NearNames, TheMostSimilarAreFirst) {
     const std::vector<std::string> names = {"CLK", "AD[63:0]", "ADDRESS32", "COMMAND(PCI-X)",
                                             "FRAME"};
     EXPECT_EQ(ListNearest("ad", names), "AD[63:0], ADDRESS32, CLK, COMMAND(PCI-X), FRAME");
@@ -24,7 +24,7 @@ TEST(NearNames, TheNearestComeFirst) {
     EXPECT_EQ(ListNearest("Abort", {"Retry", "Target Abort"}), "Target Abort, Retry");
 }
 
-TEST(NearNames, AListThatIsTooLongSaysSo) {
+TEST(NearNames, AListThatIsCutSaysSo) {
     const std::vector<std::string> names(100, "NAME");
     const std::string list = ListNearest("X", names);
     EXPECT_LE(list.size(), 500U);

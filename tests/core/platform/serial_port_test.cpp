@@ -50,7 +50,7 @@ protected:
 
 class SerialPortRate : public testing::TestWithParam<int> {};
 
-TEST_P(SerialPortRate, IsTheOneThatTheFarEndSeesAndBytesPassBothWays) {
+TEST_P(SerialPortRate, IsWhatTheFarEndSeesAndBytesPassBothWays) {
     const PseudoTerminal farEnd;
     const auto port = OpenSerialPort(farEnd.Path());
     ASSERT_NE(port, nullptr);
@@ -87,7 +87,7 @@ TEST_F(SerialPortTest, PassesEveryByteOutwardUnchanged) {
     EXPECT_EQ(farEnd.Receive(256), EveryByte());
 }
 
-TEST_F(SerialPortTest, PassesEveryByteInwardUnchangedAndEchoesNone) {
+TEST_F(SerialPortTest, PassesEveryByteInwardUnchangedWithoutEcho) {
     ASSERT_EQ(port->SetReadTimeout(2s), 0);
     ASSERT_TRUE(farEnd.Send(EveryByte()));
     Bytes received(256);
@@ -96,7 +96,7 @@ TEST_F(SerialPortTest, PassesEveryByteInwardUnchangedAndEchoesNone) {
     EXPECT_TRUE(farEnd.Receive(1, 50ms).empty());
 }
 
-TEST_F(SerialPortTest, ReadWaitsItsTimeAndReturnsNoByteFromASilentLine) {
+TEST_F(SerialPortTest, ReadFromASilentLineTimesOutWithoutBytes) {
     Bytes buffer(1);
     const Stopwatch watch;
     EXPECT_EQ(port->Read(buffer), 0U);
@@ -104,7 +104,7 @@ TEST_F(SerialPortTest, ReadWaitsItsTimeAndReturnsNoByteFromASilentLine) {
     EXPECT_LT(watch.Elapsed(), 2s);
 }
 
-TEST_F(SerialPortTest, ReadReturnsWhatCameWhenTheTimeHasPassed) {
+TEST_F(SerialPortTest, ReadReturnsTheBytesThatArrivedWhenTheTimeHasPassed) {
     ASSERT_TRUE(farEnd.Send(Bytes{1, 2, 3}));
     Bytes buffer(10, 0xEE);
     const Stopwatch watch;
@@ -113,7 +113,7 @@ TEST_F(SerialPortTest, ReadReturnsWhatCameWhenTheTimeHasPassed) {
     EXPECT_EQ(buffer, (Bytes{1, 2, 3, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE, 0xEE}));
 }
 
-TEST_F(SerialPortTest, ReadSomeTakesWhatIsThereAndWaitsForNoMore) {
+TEST_F(SerialPortTest, ReadSomeReturnsAvailableBytesWithoutWaiting) {
     ASSERT_EQ(port->SetReadTimeout(10s), 0);
     ASSERT_TRUE(farEnd.Send(Bytes{1, 2, 3}));
     Bytes buffer(10, 0xEE);
@@ -127,7 +127,7 @@ TEST_F(SerialPortTest, ReadSomeTakesWhatIsThereAndWaitsForNoMore) {
     EXPECT_EQ(port->ReadSome(buffer), std::nullopt);
 }
 
-TEST_F(SerialPortTest, ReadGathersPiecesAndEndsWhenTheBufferIsFull) {
+TEST_F(SerialPortTest, ReadJoinsPiecesAndEndsWhenTheBufferIsFull) {
     ASSERT_EQ(port->SetReadTimeout(10s), 0);
     std::thread sender([this] {
         for (std::uint8_t i = 0; i < 4; ++i) {
@@ -162,7 +162,7 @@ TEST_F(SerialPortTest, PiecesDoNotProlongTheReadTime) {
     EXPECT_LT(*count, 4000U);
 }
 
-TEST_F(SerialPortTest, ReadWithoutATimeTakesWhatIsThere) {
+TEST_F(SerialPortTest, ReadWithoutATimeReturnsAvailableBytes) {
     ASSERT_EQ(port->SetReadTimeout(0ms), 0);
     Bytes buffer(2);
     EXPECT_EQ(port->Read(buffer), 0U);
@@ -176,7 +176,7 @@ TEST_F(SerialPortTest, RefusesANegativeReadTime) {
     EXPECT_EQ(port->SetReadTimeout(-1ms), EINVAL);
 }
 
-TEST_F(SerialPortTest, RefusesARateOfNothingAndKeepsTheOldOne) {
+TEST_F(SerialPortTest, RefusesARateOfZeroAndKeepsTheOldOne) {
     EXPECT_EQ(port->Configure(0), EINVAL);
     EXPECT_EQ(port->Configure(-9600), EINVAL);
     EXPECT_EQ(farEnd.Rate(), 57600);
@@ -202,14 +202,14 @@ TEST_F(SerialPortTest, ChangesItsRateWhileAnotherThreadReads) {
     EXPECT_EQ(farEnd.Receive(3), (Bytes{0x0A, 0x0A, 0x0A}));
 }
 
-TEST_F(SerialPortTest, KeepsASecondOpenerOutUntilItIsClosed) {
+TEST_F(SerialPortTest, CannotBeOpenedTwiceAtATime) {
     EXPECT_EQ(OpenSerialPort(farEnd.Path()), nullptr);
     EXPECT_EQ(errno, EBUSY);
     port.reset();
     EXPECT_NE(OpenSerialPort(farEnd.Path()), nullptr);
 }
 
-TEST_F(SerialPortTest, IsOneDeviceUnderTwoNames) {
+TEST_F(SerialPortTest, IsLockedUnderEveryName) {
     const TempDir dir;
     std::filesystem::create_symlink(farEnd.Path(), dir.File("board"));
     EXPECT_EQ(OpenSerialPort(dir.File("board")), nullptr);
@@ -217,7 +217,7 @@ TEST_F(SerialPortTest, IsOneDeviceUnderTwoNames) {
     EXPECT_NE(OpenSerialPort(dir.File("board")), nullptr);
 }
 
-TEST_F(SerialPortTest, IsNotPassedOnToStartedPrograms) {
+TEST_F(SerialPortTest, IsNotInheritedByStartedPrograms) {
     int found = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         std::error_code gone;
@@ -243,7 +243,7 @@ TEST(SerialPort, DoesNotBecomeTheControllingTerminal) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(SerialPort, OpensNothingButATerminal) {
+TEST(SerialPort, OpensOnlyTerminals) {
     const TempDir dir;
     EXPECT_EQ(OpenSerialPort(""), nullptr);
     EXPECT_EQ(OpenSerialPort(dir.File("absent")), nullptr);
@@ -254,7 +254,7 @@ TEST(SerialPort, OpensNothingButATerminal) {
     EXPECT_EQ(OpenSerialPort("/dev/null"), nullptr);
 }
 
-TEST_F(SerialPortTest, FailsInEveryCallOnceTheFarEndHasHungUp) {
+TEST_F(SerialPortTest, FailsInEveryCallAfterTheFarEndHasHungUp) {
     farEnd.Close();
     Bytes buffer(1);
     EXPECT_EQ(port->Read(buffer), std::nullopt);
@@ -298,11 +298,11 @@ TEST_F(SerialPortTest, WriteGivesUpOnALineThatStaysFull) {
     EXPECT_LT(watch.Elapsed(), 10s);
 }
 
-TEST_F(SerialPortTest, CountsNoErrorsWhereTheDeviceHasNone) {
+TEST_F(SerialPortTest, CountsNoErrorsIfTheDeviceHasNoCounters) {
     EXPECT_EQ(port->ClearErrors(), 0U);
 }
 
-TEST(LineErrors, HaveABitForEachKindThatHappenedSince) {
+TEST(LineErrors, HaveABitForEachKindOfErrorSinceTheLastCall) {
     const LineErrorCounts before{5, 5, 5, 5, 5};
     EXPECT_EQ(LineErrorWord(before, before), 0x00U);
     EXPECT_EQ(LineErrorWord(before, {6, 5, 5, 5, 5}), 0x01U);

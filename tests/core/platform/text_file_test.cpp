@@ -32,7 +32,7 @@ TEST(TextReader, EndsALineAtALineFeed) {
     EXPECT_THAT(LinesOf("one\ntwo\n"), ElementsAre("one", "two"));
 }
 
-TEST(TextReader, TakesACarriageReturnBeforeTheLineFeedAway) {
+TEST(TextReader, RemovesACarriageReturnBeforeTheLineFeed) {
     EXPECT_THAT(LinesOf("one\r\ntwo\r\n"), ElementsAre("one", "two"));
 }
 
@@ -40,12 +40,12 @@ TEST(TextReader, KeepsACarriageReturnInsideALine) {
     EXPECT_THAT(LinesOf("a\rb\r\r\n"), ElementsAre("a\rb\r"));
 }
 
-TEST(TextReader, ReadsALastLineWithoutAnEnd) {
+TEST(TextReader, ReadsALastLineWithoutALineFeed) {
     EXPECT_THAT(LinesOf("one\ntwo"), ElementsAre("one", "two"));
     EXPECT_THAT(LinesOf("one\ntwo\r"), ElementsAre("one", "two"));
 }
 
-TEST(TextReader, AnEmptyFileHasNoLine) {
+TEST(TextReader, AnEmptyFileHasNoLines) {
     EXPECT_THAT(LinesOf(""), IsEmpty());
 }
 
@@ -58,23 +58,23 @@ TEST(TextReader, KeepsNulBytes) {
                 ElementsAre(std::string("a\0b", 3), std::string(1, '\0')));
 }
 
-TEST(TextReader, KeepsBytesThatAreNoUtf8) {
+TEST(TextReader, KeepsBytesThatAreNotUtf8) {
     EXPECT_THAT(LinesOf("\xFF\xFE\n"), ElementsAre("\xFF\xFE"));
 }
 
-TEST(TextReader, ReadsALineAcrossTheBuffersBorder) {
+TEST(TextReader, ReadsALineAcrossTheEndOfTheBuffer) {
     const std::string before(bufferSize - 3, 'x');
     EXPECT_THAT(LinesOf(before + "\nacross\nafter\n"), ElementsAre(before, "across", "after"));
 }
 
-TEST(TextReader, ALineMayEndOnEitherSideOfTheBuffersBorder) {
+TEST(TextReader, ALineMayEndOnEitherSideOfTheEndOfTheBuffer) {
     const std::string last(bufferSize - 1, 'x');
     EXPECT_THAT(LinesOf(last + "\nnext"), ElementsAre(last, "next"));
     const std::string full(bufferSize, 'x');
     EXPECT_THAT(LinesOf(full + "\nnext"), ElementsAre(full, "next"));
 }
 
-TEST(TextReader, ALineEndMayLieAcrossTheBuffersBorder) {
+TEST(TextReader, ALineEndMayLieAcrossTheEndOfTheBuffer) {
     const std::string last(bufferSize - 1, 'x');
     EXPECT_THAT(LinesOf(last + "\r\nnext"), ElementsAre(last, "next"));
 }
@@ -88,7 +88,7 @@ TEST(TextReader, CutsALineThatIsTooLongAndGoesOnWithTheNext) {
     EXPECT_THAT(LinesOf(longest + longest), ElementsAre(longest));
 }
 
-TEST(TextReader, OpensNoFileThatIsNotThere) {
+TEST(TextReader, DoesNotOpenAMissingFile) {
     const TempDir dir;
     TextReader file;
     EXPECT_FALSE(file.Open(dir.File("absent")));
@@ -96,14 +96,14 @@ TEST(TextReader, OpensNoFileThatIsNotThere) {
     EXPECT_EQ(file.ReadLine(), std::nullopt);
 }
 
-TEST(TextReader, OpensNoDirectory) {
+TEST(TextReader, DoesNotOpenADirectory) {
     const TempDir dir;
     TextReader file;
     EXPECT_FALSE(file.Open(dir.Path()));
     EXPECT_EQ(file.ReadLine(), std::nullopt);
 }
 
-TEST(TextReader, OpensNothingThatMayHaveNoEnd) {
+TEST(TextReader, DoesNotOpenEndlessFiles) {
     const TempDir dir;
     ASSERT_EQ(::mkfifo(dir.File("pipe").c_str(), 0600), 0);
     TextReader file;
@@ -124,7 +124,7 @@ TEST(TextReader, StaysAtTheEnd) {
     EXPECT_EQ(file.ReadLine(), std::nullopt);
 }
 
-TEST(TextReader, StartsAnewWithAnotherFile) {
+TEST(TextReader, RestartsWithAnotherFile) {
     const TempDir dir;
     TextReader file;
     ASSERT_TRUE(file.Open(dir.Write("first", "one\ntwo\n")));
@@ -146,7 +146,7 @@ TEST(TextWriter, WritesBytesAsTheyAre) {
     EXPECT_EQ(ReadWholeFile(dir.File("text")), std::string("one\r\n\0\xFF\n", 8));
 }
 
-TEST(TextWriter, CreatesTheFileAnew) {
+TEST(TextWriter, ReplacesAnExistingFile) {
     const TempDir dir;
     const std::string path = dir.Write("text", "a long text from before");
     TextWriter file;
@@ -156,7 +156,7 @@ TEST(TextWriter, CreatesTheFileAnew) {
     EXPECT_EQ(ReadWholeFile(path), "new");
 }
 
-TEST(TextWriter, CreatesNoFileWhereItCannot) {
+TEST(TextWriter, ReportsThatAFileCannotBeCreated) {
     const TempDir dir;
     TextWriter file;
     EXPECT_FALSE(file.Create(dir.File("absent/text")));
@@ -168,7 +168,7 @@ TEST(TextWriter, CreatesNoFileWhereItCannot) {
 TEST(TextWriter, RemembersAFailureUntilItIsClosed) {
     TextWriter file;
     ASSERT_TRUE(file.Create("/dev/full"));
-    file.Write("short"); // stays in the buffer, so only Close finds out
+    file.Write("short"); // stays in the buffer, so only Close detects it
     EXPECT_FALSE(file.Close());
 
     ASSERT_TRUE(file.Create("/dev/full"));
@@ -194,14 +194,14 @@ std::size_t FilesIn(const TempDir& dir) {
         std::distance(std::filesystem::directory_iterator(dir.Path()), {}));
 }
 
-TEST(TextWriter, IsOnTheDiskBeforeItTakesTheOldOnesPlace) {
+TEST(TextWriter, IsOnTheDiskBeforeItReplacesTheOldFile) {
     const TempDir dir;
     const std::string path = dir.Write("text", "old");
     DiskSync disk;
     disk.before = [&](int descriptor) {
         struct stat written {};
         ASSERT_EQ(fstat(descriptor, &written), 0);
-        EXPECT_EQ(written.st_size, 3) << "the rest is still in the program";
+        EXPECT_EQ(written.st_size, 3) << "the rest is still in the buffer";
         EXPECT_EQ(ReadWholeFile(path), "old");
     };
     TextWriter file;
@@ -212,7 +212,7 @@ TEST(TextWriter, IsOnTheDiskBeforeItTakesTheOldOnesPlace) {
     EXPECT_EQ(ReadWholeFile(path), "new");
 }
 
-TEST(TextWriter, KeepsTheOldFileWhereTheDiskFails) {
+TEST(TextWriter, KeepsTheOldFileIfTheDiskFails) {
     const TempDir dir;
     const std::string path = dir.Write("text", "old");
     const DiskSync disk(EIO);
@@ -221,10 +221,10 @@ TEST(TextWriter, KeepsTheOldFileWhereTheDiskFails) {
     file.Write("new");
     EXPECT_FALSE(file.Close());
     EXPECT_EQ(ReadWholeFile(path), "old");
-    EXPECT_EQ(FilesIn(dir), 1U) << "nothing is left beside it";
+    EXPECT_EQ(FilesIn(dir), 1U) << "no temporary file is left";
 }
 
-TEST(TextWriter, TakesAFileThatCannotBeSynchronisedAsItIs) {
+TEST(TextWriter, AcceptsAFileThatCannotBeSynchronised) {
     const TempDir dir;
     const std::string path = dir.Write("text", "old");
     const DiskSync disk(EINVAL);

@@ -7,7 +7,7 @@
 namespace busquill::test {
 namespace {
 
-TEST(Printf, ComposesWhatPrintfPrints) {
+TEST(Printf, FormatsLikePrintf) {
     EXPECT_EQ(Printf("Error writing to %s, err %d", "COM1", 5), "Error writing to COM1, err 5");
     EXPECT_EQ(Printf("%02x ", 0x2A), "2a ");
     EXPECT_EQ(Printf("%d%%", 100), "100%");
@@ -45,7 +45,7 @@ TEST(ParseInt, ANumberOutOfRangeBecomesTheNearestLimit) {
     EXPECT_EQ(ParseInt("-99999999999999999999999999"), lowest);
 }
 
-TEST(ParseInt, ReadsNoFurtherThanTheTextGoes) {
+TEST(ParseInt, ReadsNoFurtherThanTheText) {
     EXPECT_EQ(ParseInt(std::string_view("12345").substr(0, 2)), 12);
     EXPECT_EQ(ParseInt(std::string_view("1\0002", 3)), 1);
 }
@@ -63,7 +63,7 @@ TEST(EqualIgnoringCase, ComparesWithoutRegardToCase) {
     EXPECT_FALSE(EqualIgnoringCase("[", "{"));
 }
 
-TEST(TrimRight, TakesWhiteSpaceOffTheEndOnly) {
+TEST(TrimRight, RemovesWhiteSpaceAtTheEndOnly) {
     EXPECT_EQ(TrimRight(" a b \t\r\n"), " a b");
     EXPECT_EQ(TrimRight(" \n"), "");
     EXPECT_EQ(TrimRight(""), "");
@@ -80,9 +80,9 @@ TEST(Utf8, AnythingElseIsTakenForLatin1) {
     EXPECT_EQ(ToUtf8("5 \xB5s"), "5 \xC2\xB5s");
     EXPECT_EQ(ToUtf8("\xFF"), "\xC3\xBF");
     EXPECT_EQ(ToUtf8("\xC2"), "\xC3\x82");             // cut off
-    EXPECT_EQ(ToUtf8("\xC0\x80"), "\xC3\x80\xC2\x80"); // longer than needed
+    EXPECT_EQ(ToUtf8("\xC0\x80"), "\xC3\x80\xC2\x80"); // longer than necessary
     EXPECT_EQ(ToUtf8("\xE0\x80\x80").size(), 6U);
-    EXPECT_EQ(ToUtf8("\xED\xA0\x80").size(), 6U); // half of a pair
+    EXPECT_EQ(ToUtf8("\xED\xA0\x80").size(), 6U); // half of a surrogate pair
     EXPECT_EQ(ToUtf8("\xF4\x90\x80\x80").size(), 8U);
     EXPECT_EQ(ToUtf8("\xC3\x41"), "\xC3\x83\x41");
 }

@@ -5,9 +5,9 @@
 namespace busquill::test {
 namespace {
 
-// No device has the number FFFF:FFFF, so these hold on every machine, with USB and without.
+// No device has the id FFFF:FFFF, so these tests work on every machine, with USB and without.
 
-TEST(UsbBus, FindsNoDeviceThatIsNotThere) {
+TEST(UsbBus, DoesNotFindAMissingDevice) {
     const auto bus = OpenUsbBus();
     ASSERT_NE(bus, nullptr);
     const UsbSearch search = bus->Find("ffff:ffff");
@@ -20,21 +20,21 @@ TEST(UsbBus, FindsNothingForAMalformedName) {
     EXPECT_EQ(OpenUsbBus()->Find("any").outcome, UsbSearch::Outcome::NotFound);
 }
 
-TEST(UsbBus, CanBeAskedAgain) {
+TEST(UsbBus, CanBeUsedRepeatedly) {
     const auto bus = OpenUsbBus();
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(bus->Find("ffff:ffff").outcome, UsbSearch::Outcome::NotFound);
     }
 }
 
-TEST(UsbBus, OpensNoPathThatIsNotADevice) {
+TEST(UsbBus, DoesNotOpenAPathThatIsNotADevice) {
     const auto bus = OpenUsbBus();
     EXPECT_EQ(bus->Open(""), nullptr);
     EXPECT_EQ(bus->Open("usb:999:999"), nullptr);
     EXPECT_EQ(bus->Open("/dev/null"), nullptr);
 }
 
-TEST(UsbBus, TwoBusesLiveSideBySide) {
+TEST(UsbBus, TwoBusesCanExistSideBySide) {
     const auto first = OpenUsbBus();
     auto second = OpenUsbBus();
     EXPECT_EQ(first->Find("ffff:ffff").outcome, UsbSearch::Outcome::NotFound);

@@ -24,7 +24,7 @@ TEST(UsbId, IsTwoHexadecimalNumbersOfFourDigits) {
     EXPECT_EQ(ParseUsbId("0000:0000"), (UsbId{0, 0}));
 }
 
-TEST(UsbId, IsNothingForAnyOtherText) {
+TEST(UsbId, IsInvalidForAnyOtherText) {
     for (const char* text :
          {"",           ":",          "1234",       "1234:",     ":abcd",     "1234:abc",
           "123:abcd",   "1234:abcde", "12345:abcd", "1234-abcd", "1234abcd:", "0x12:0x34",
@@ -50,21 +50,21 @@ TEST(UsbInterfaceChoice, TakesTheVendorSpecificSettingThatHasBothBulkEndpoints) 
     EXPECT_EQ(ChooseInterface(interfaces, true), chosen);
 }
 
-TEST(UsbInterfaceChoice, EndpointsOfAnotherKindOrDirectionDoNotServe) {
+TEST(UsbInterfaceChoice, EndpointsOfAnotherKindOrDirectionDoNotFit) {
     EXPECT_EQ(ChooseInterface({{0, 0, vendorClass, {{0x02, false}, {0x82, true}}}}, true), nullptr);
     EXPECT_EQ(ChooseInterface({{0, 0, vendorClass, {{0x02, true}, {0x82, false}}}}, true), nullptr);
     EXPECT_EQ(ChooseInterface({{0, 0, vendorClass, {{0x82, true}}}}, true), nullptr);
     EXPECT_EQ(ChooseInterface({{0, 0, vendorClass, {{0x02, true}, {0x02, true}}}}, true), nullptr);
 }
 
-TEST(UsbInterfaceChoice, AnotherClassServesOnlyWhereItIsAllowed) {
+TEST(UsbInterfaceChoice, AnotherClassFitsOnlyIfItIsAllowed) {
     const std::vector<UsbInterface> interfaces = {{3, 0, hidClass, boardEndpoints}};
     EXPECT_EQ(ChooseInterface(interfaces, false), nullptr);
     ASSERT_NE(ChooseInterface(interfaces, true), nullptr);
     EXPECT_EQ(ChooseInterface(interfaces, true)->number, 3);
 }
 
-TEST(UsbInterfaceChoice, ThereIsNoneInADeviceWithoutInterfaces) {
+TEST(UsbInterfaceChoice, ADeviceWithoutInterfacesHasNone) {
     EXPECT_EQ(ChooseInterface({}, true), nullptr);
 }
 
@@ -105,7 +105,7 @@ TEST(UsbDeviceChoice, ANamedDeviceWhoseDescriptorsCannotBeReadIsAnError) {
     EXPECT_EQ(search.error, -3);
 }
 
-TEST(UsbDeviceChoice, WithoutANameADeviceThatCannotBeReadIsPassedOver) {
+TEST(UsbDeviceChoice, WithoutANameAnUnreadableDeviceIsSkipped) {
     UsbDeviceInfo broken = Keyboard();
     broken.error = -3;
     broken.interfaces.clear();

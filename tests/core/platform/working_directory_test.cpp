@@ -7,11 +7,11 @@
 namespace busquill::test {
 namespace {
 
-TEST(WorkingDirectory, AtStartIsTheProcessesOwn) {
+TEST(WorkingDirectory, AtStartIsThatOfTheProcess) {
     EXPECT_EQ(WorkingDirectory::AtStart().Path(), std::filesystem::current_path().string());
 }
 
-TEST(WorkingDirectory, AddsASeparatorWhereThereIsNone) {
+TEST(WorkingDirectory, AddsAMissingSeparator) {
     EXPECT_EQ(WorkingDirectory("/data").FilePath("Trigger1.tra"), "/data/Trigger1.tra");
     EXPECT_EQ(WorkingDirectory("/data/").FilePath("Trigger1.tra"), "/data/Trigger1.tra");
     EXPECT_EQ(WorkingDirectory("C:\\data\\").FilePath("a"), "C:\\data\\a");
@@ -22,7 +22,7 @@ TEST(WorkingDirectory, AnEmptyOneIsNotTheRoot) {
     EXPECT_EQ(WorkingDirectory("").FilePath("a"), "a");
 }
 
-TEST(FileName, IsWhatStandsAfterTheLastSeparatorOfEitherKind) {
+TEST(FileName, IsThePartAfterTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(FileNameOf("/data/a.tra"), "a.tra");
     EXPECT_EQ(FileNameOf("C:\\data\\a.tra"), "a.tra");
     EXPECT_EQ(FileNameOf("C:\\data/a.tra"), "a.tra");
@@ -31,14 +31,14 @@ TEST(FileName, IsWhatStandsAfterTheLastSeparatorOfEitherKind) {
     EXPECT_EQ(FileNameOf(""), "");
 }
 
-TEST(Folder, IsWhatStandsUpToTheLastSeparator) {
+TEST(Folder, IsThePartUpToTheLastSeparator) {
     EXPECT_EQ(FolderOf("/data/a.tra"), "/data/");
     EXPECT_EQ(FolderOf("C:\\data\\a.tra"), "C:\\data\\");
     EXPECT_EQ(FolderOf("a.tra"), "");
     EXPECT_EQ(FolderOf(""), "");
 }
 
-TEST(BaseName, IsTheFileNameUpToItsLastPoint) {
+TEST(BaseName, IsTheFileNameUpToItsLastDot) {
     EXPECT_EQ(BaseNameOf("/data/a.b.tra"), "a.b");
     EXPECT_EQ(BaseNameOf("/data.d/a"), "a");
     EXPECT_EQ(BaseNameOf(".tra"), "");

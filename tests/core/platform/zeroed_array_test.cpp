@@ -23,7 +23,7 @@ TEST(ZeroedArrays, BeginWithZeros) {
     EXPECT_EQ(words, Words());
 }
 
-TEST(ZeroedArrays, AreValues) {
+TEST(ZeroedArrays, HaveValueSemantics) {
     Words words = std::vector<std::uint32_t>{1, 2, 3};
     Words copy = words;
     copy[0] = 9;

@@ -9,11 +9,11 @@
 namespace busquill::test {
 namespace {
 
-TEST(NextBitChange, FindsTheNextOtherBit) {
+TEST(NextBitChange, FindsTheNextDifferentBit) {
     const std::vector<std::uint32_t> words = {0x0000'00F0, 0, 0xFFFF'FFFF, 0x8000'0000};
     EXPECT_EQ(NextBitChange(words, 0, 128), 4U);
     EXPECT_EQ(NextBitChange(words, 4, 128), 8U);
-    EXPECT_EQ(NextBitChange(words, 8, 128), 64U) << "over a word that is all the same";
+    EXPECT_EQ(NextBitChange(words, 8, 128), 64U) << "skips a word of equal bits";
     EXPECT_EQ(NextBitChange(words, 64, 128), 96U);
     EXPECT_EQ(NextBitChange(words, 96, 128), 127U);
     EXPECT_EQ(NextBitChange(words, 127, 128), 128U);
@@ -24,21 +24,21 @@ TEST(NextBitChange, StopsAtTheEnd) {
     EXPECT_EQ(NextBitChange(words, 0, 4), 4U);
     EXPECT_EQ(NextBitChange(words, 0, 3), 3U);
     EXPECT_EQ(NextBitChange(words, 8, 64), 64U);
-    EXPECT_EQ(NextBitChange(words, 8, 100), 100U) << "beyond the words nothing changes";
+    EXPECT_EQ(NextBitChange(words, 8, 100), 100U) << "after the words nothing changes";
     EXPECT_EQ(NextBitChange({}, 0, 10), 10U);
 }
 
-TEST(NextRowChange, FindsTheNextOtherValue) {
+TEST(NextRowChange, FindsTheNextDifferentValue) {
     const std::vector<std::uint8_t> rows = {1, 2, 3, 1, 2, 3, 1, 2, 3, 1, 9, 3, 1, 9, 3};
     EXPECT_EQ(NextRowChange(rows, 3, 0, 5), 3U);
     EXPECT_EQ(NextRowChange(rows, 3, 3, 5), 5U);
     EXPECT_EQ(NextRowChange(rows, 3, 0, 3), 3U);
     EXPECT_EQ(NextRowChange(rows, 3, 0, 2), 2U);
-    EXPECT_EQ(NextRowChange(rows, 3, 4, 9), 9U) << "beyond the rows nothing changes";
+    EXPECT_EQ(NextRowChange(rows, 3, 4, 9), 9U) << "after the rows nothing changes";
     EXPECT_EQ(NextRowChange(rows, 0, 0, 9), 9U) << "a signal without values";
 }
 
-TEST(SignalChanges, AgreeWithAWalkOverAllSamples) {
+TEST(SignalChanges, AgreeWithALoopOverAllSamples) {
     constexpr unsigned seed = 20;
     std::mt19937 random(seed);
     for (int round = 0; round < 200; ++round) {

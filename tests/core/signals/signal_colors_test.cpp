@@ -6,7 +6,7 @@
 namespace busquill::test {
 namespace {
 
-TEST(ColorFile, MissingOrEmptyFileLeavesTheTablesColours) {
+TEST(ColorFile, AMissingOrEmptyFileLeavesTheColoursOfTheTables) {
     const TempDir dir;
     EXPECT_EQ(BoardTables("PCIKite-1", 0, 0, dir.Path()).tables.busSignals.FindByName("AD")->color,
               0U);
@@ -16,7 +16,7 @@ TEST(ColorFile, MissingOrEmptyFileLeavesTheTablesColours) {
         0x00FF00U);
 }
 
-TEST(ColorFile, ChosenColourHoldsForTheNextStart) {
+TEST(ColorFile, AChosenColourIsUsedAtTheNextStart) {
     const TempDir dir;
     {
         BoardTables board("PCIKite-1", 0, 0, dir.Path());
@@ -29,7 +29,7 @@ TEST(ColorFile, ChosenColourHoldsForTheNextStart) {
     EXPECT_EQ(again.tables.decodedSignals.FindByName("COMMAND")->color, 0xABCDEFU);
 }
 
-TEST(ColorFile, HoldsALineForEachDefinitionInOrder) {
+TEST(ColorFile, HasALineForEachDefinitionInOrder) {
     const TempDir dir;
     BoardTables board("VSBKite-1", BusVsb, 0, dir.Path());
     board.tables.decodedSignals.SetColor("DATA32", 0x10);
@@ -38,7 +38,7 @@ TEST(ColorFile, HoldsALineForEachDefinitionInOrder) {
               "SAMPLE ff0000\n");
 }
 
-TEST(ColorFile, NameWithABlankIsWrittenButNotFoundAgain) {
+TEST(ColorFile, ANameWithABlankIsWrittenButNotFoundAgain) {
     const TempDir dir;
     BoardTables(std::string("PCIKite-1"), 0, 0, dir.Path())
         .tables.decodedSignals.SetColor("RULE CHECK", 0x00FFFF);
@@ -57,7 +57,7 @@ TEST(ColorFile, ReadingIgnoresCaseAndWritingDoesNot) {
     EXPECT_EQ(board.tables.busSignals.FindByName("IRDY")->color, 0xFFU);
 }
 
-TEST(ColorFile, NamesOfAnotherFamilyAreWithoutEffectAndAreDroppedWhenWritten) {
+TEST(ColorFile, NamesOfAnotherFamilyAreIgnoredAndDroppedWhenWritten) {
     const TempDir dir;
     dir.Write("BusSignalColors.dat", "DTACK ff\nIRDY 11\n");
     BoardTables board("PCIKite-1", 0, 0, dir.Path());
@@ -66,7 +66,7 @@ TEST(ColorFile, NamesOfAnotherFamilyAreWithoutEffectAndAreDroppedWhenWritten) {
     EXPECT_EQ(ReadWholeFile(dir.File("BusSignalColors.dat")).find("DTACK"), std::string::npos);
 }
 
-TEST(ColorFile, ColourHoldsForThisRunWhereTheFileCannotBeWritten) {
+TEST(ColorFile, AColourIsUsedInThisRunEvenIfTheFileCannotBeWritten) {
     BoardTables board("PCIKite-1");
     board.tables.busSignals.SetColor("IRDY", 0x55);
     EXPECT_EQ(board.tables.busSignals.FindByName("IRDY")->color, 0x55U);

@@ -60,7 +60,7 @@ TEST_F(SignalListEdit, UngroupsTheSelectedSignals) {
         EXPECT_THAT(list_[i].groupData, IsEmpty());
         EXPECT_THAT(list_[i].groupMask, IsEmpty());
     }
-    EXPECT_TRUE(list_[3].showValue) << "it was in no group";
+    EXPECT_TRUE(list_[3].showValue) << "it was not in a group";
     EXPECT_EQ(Row("EXT[1:0]")->groupWidth, 2U);
 }
 
@@ -81,7 +81,7 @@ TEST_F(SignalListEdit, CollapsesToTheFirstSelectedSignal) {
     EXPECT_THAT(list_[5].groupData, IsEmpty());
 }
 
-TEST_F(SignalListEdit, MovesEachLaterSignalInFrontOfTheFirstUnselectedOne) {
+TEST_F(SignalListEdit, MovesEachLaterSignalBeforeTheFirstUnselectedOne) {
     for (const char* name : {"FRAME", "TRDY"}) {
         Row(name)->selected = true;
     }
@@ -157,11 +157,11 @@ TEST_F(SignalListEdit, ColoursTheSelectedSignalsAndTheirDefinitions) {
 
 struct Move {
     const char* group;
-    const char* target; // null for the tail
+    const char* target; // null for the end of the list
     Names rows;
 };
 
-TEST_F(SignalListEdit, MovesAGroupBehindALowerTargetAndBeforeAHigherOne) {
+TEST_F(SignalListEdit, MovesAGroupAfterALaterTargetAndBeforeAnEarlierOne) {
     const std::vector<Move> moves = {
         {"AD[2:0]", "FRAME", {"FRAME", "AD[2:0]", "IRDY", "TRDY", "EXT[1:0]"}},
         {"AD[2:0]", "EXT[1:0]", {"FRAME", "IRDY", "TRDY", "EXT[1:0]", "AD[2:0]"}},
@@ -181,7 +181,7 @@ TEST_F(SignalListEdit, MovesAGroupBehindALowerTargetAndBeforeAHigherOne) {
     }
 }
 
-TEST_F(SignalListEdit, StaysWhenAGroupIsMovedIntoItself) {
+TEST_F(SignalListEdit, IsUnchangedWhenAGroupIsMovedIntoItself) {
     const Names before = SignalNames(list_);
     list_.MoveGroup(&list_[0], &list_[1]);
     list_.MoveGroup(&list_[0], &list_[2]);
@@ -203,7 +203,7 @@ TEST_F(SignalListEdit, AMixedGroupKeepsTheOrderOfItsMembersWhenMoved) {
     EXPECT_EQ(list_[2].groupAttribute, GroupAttribute::End);
 }
 
-TEST_F(SignalListEdit, AGroupThatLostItsEndTakesTheRestOfTheList) {
+TEST_F(SignalListEdit, AGroupWithoutItsEndIncludesTheRestOfTheList) {
     list_.RemoveGroup(Row("EXT[1:0]"));
     list_[2].selected = true;
     list_.DeleteSelected();

@@ -9,7 +9,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// The lists that the tables of a board make.
+/// The lists that are built from the tables of a board.
 class FamilyList {
 public:
     FamilyList(const BoardTraits& board, std::uint32_t mode, std::uint32_t numSamples = 0)
@@ -155,7 +155,7 @@ TEST(FamilyLists, TimeIsHiddenAndPermanentInListings) {
     }
 }
 
-TEST(FamilyLists, TheAnomalyRowOfVmeLooksAtTheClocksBit) {
+TEST(FamilyLists, TheAnomalyRowOfVmeShowsTheClocksBit) {
     const FamilyList events(Board::Vme(), ModeEvents, 8);
     const CSignal& anomaly = events.Row("ANOMALY");
     EXPECT_EQ(anomaly.dataIndex, 109);
@@ -163,13 +163,13 @@ TEST(FamilyLists, TheAnomalyRowOfVmeLooksAtTheClocksBit) {
     EXPECT_STREQ(anomaly.Label(0), "None");
 }
 
-TEST(FamilyLists, TheBusGrantsOfTheLarkRunAgainstTheRecord) {
+TEST(FamilyLists, TheBusGrantsOfTheLarkAreBitReversed) {
     const FamilyList state(Board::VmeLark(), ModeState);
     EXPECT_EQ(state.Row("BG[3:0]").dataIndex, 83);
     EXPECT_TRUE(state.Row("BG[3:0]").bitReverse);
 }
 
-TEST(FamilyLists, ACaptureReadsAsWhatItIs) {
+TEST(FamilyLists, ACaptureIsLoadedAndLabelled) {
     FamilyList state(Board::Pci32(), ModeState);
     const auto records =
         CaptureBuilder().Idle().Write(0x2000, 0xAB).Idle(3).IoRead(0x1F0, 0x50).Records();
@@ -183,7 +183,7 @@ TEST(FamilyLists, ACaptureReadsAsWhatItIs) {
     EXPECT_EQ(state.Row("FRAME").data, std::vector<std::uint32_t>{0b110111101});
 }
 
-TEST(FamilyLists, AFindingShowsItsTextReservedCodesIncluded) {
+TEST(FamilyLists, AFindingShowsItsTextIncludingReservedCodes) {
     FamilyList waves(Board::Pci32(), ModeWaveform);
     const auto records = CaptureBuilder().Idle().Idle().Finding(102).Idle().Finding(114).Records();
     waves.list.ResizeSamples(3);

@@ -8,7 +8,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// Two bits with a definition before them, as the first row of a list.
+/// Two bits, with a decoded definition over them as the first row of a list.
 class LabelsTest : public testing::Test {
 protected:
     void Build(const std::vector<ValueRow>& rows, std::uint32_t mode, std::uint32_t samples = 4) {
@@ -50,7 +50,7 @@ TEST_F(LabelsTest, TakeTheFirstValueThatMatches) {
     EXPECT_EQ(LabelsOfCounting(), (Texts{"Zero", "Odd", "-", "Odd"}));
 }
 
-TEST_F(LabelsTest, LeaveOutValuesOfOtherModes) {
+TEST_F(LabelsTest, SkipValuesOfOtherModes) {
     Build({{"All", "XX", 3}, {"Odd", "X1"}}, ModeState);
     EXPECT_EQ(LabelsOfCounting(), (Texts{"-", "Odd", "-", "Odd"}));
     list_.BuildFromTables(4, ModeWaveform);
@@ -62,14 +62,14 @@ TEST_F(LabelsTest, AnyMatchesEverySampleOfACapture) {
     EXPECT_EQ(LabelsOfCounting(), (Texts{"Zero", "Any", "Any", "Any"}));
 }
 
-TEST_F(LabelsTest, AnyIsNoLabelWhenTheDefinitionIsNewToASignal) {
+TEST_F(LabelsTest, AnyIsNotALabelWhenASignalGetsTheDefinition) {
     Build({{"Any", "XX"}, {"Zero", "00"}}, ModeState);
     EXPECT_EQ(FirstLabels(2), (Texts{"Zero", "Zero"}));
     list_.RebuildLabels(1, 1);
     EXPECT_EQ(FirstLabels(3), (Texts{"Zero", "Any", "Zero"}));
 }
 
-TEST_F(LabelsTest, OfAPatternTellKnownBitsFromUnknownOnes) {
+TEST_F(LabelsTest, OfAPatternDistinguishKnownFromUnknownBits) {
     Build({{"All", "XX", 3}, {"Zero", "00"}, {"Odd", "X1"}, {"Three", "11"}}, ModeEvents);
     EXPECT_EQ(list_[0].labelTable.size(), 32U);
     EXPECT_STREQ(list_[0].Label(0), "All") << "a new pattern compares nothing";
@@ -83,7 +83,7 @@ TEST_F(LabelsTest, OfAPatternTellKnownBitsFromUnknownOnes) {
     EXPECT_EQ(FirstLabels(2), (Texts{"-", "All"}));
 }
 
-TEST_F(LabelsTest, AreLookedUpTheSameWayFromATableOfAllRows) {
+TEST_F(LabelsTest, AreTheSameFromATableOfAllRows) {
     Build({{"All", "XX", 3}, {"Zero", "00"}, {"Odd", "X1"}}, ModeState, 1000);
     std::vector<SampleRecord> records(1000);
     records[500] = RecordOf({0, 1});
@@ -94,13 +94,13 @@ TEST_F(LabelsTest, AreLookedUpTheSameWayFromATableOfAllRows) {
     EXPECT_EQ(list_[0].Label(999), nullptr);
 }
 
-TEST_F(LabelsTest, OfFullPatternModesSkipWhatTheModeLeavesOut) {
+TEST_F(LabelsTest, OfFullPatternModesSkipValuesThatTheModeExcludes) {
     Build({{"Not in events", "00", ModeEvents}, {"Zero", "00"}}, ModeEvents);
     SetColumn(0, "00");
     EXPECT_STREQ(list_[0].Label(0), "Zero");
 }
 
-TEST_F(LabelsTest, BeyondTheFirstSampleRangeStayAsTheyWere) {
+TEST_F(LabelsTest, OutsideTheGivenSamplesAreUnchanged) {
     Build({{"Zero", "00"}, {"Odd", "X1"}}, ModeState);
     LabelsOfCounting();
     list_[0].groupData = {1, 1, 1, 1};
@@ -111,7 +111,7 @@ TEST_F(LabelsTest, BeyondTheFirstSampleRangeStayAsTheyWere) {
     list_.RebuildLabels(0xFFFFFFFF, 0xFFFFFFFF);
 }
 
-/// A decoded signal of one bit, the only row.
+/// A decoded signal of one bit, which is the only row.
 class BitLabelsTest : public testing::Test {
 protected:
     void Build(const std::vector<ValueRow>& rows, std::uint32_t mode) {
@@ -131,7 +131,7 @@ protected:
 
 TEST_F(BitLabelsTest, TakeTheLastValueOfEachState) {
     Build({{"Low", "0"}, {"None", "X"}, {"High", "1"}, {"Still low", "0"}}, ModeState);
-    EXPECT_EQ(Label(0), "Still low") << "labels are there at once";
+    EXPECT_EQ(Label(0), "Still low") << "labels exist at once";
     list_.LoadSamples(0, std::vector{RecordOf({}), RecordOf({94})});
     EXPECT_EQ(Label(0), "Still low");
     EXPECT_EQ(Label(1), "High");

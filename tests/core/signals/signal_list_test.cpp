@@ -41,7 +41,7 @@ TEST(SignalList, BuildsAGroupOfEachBusAndASignalOfEachLine) {
     EXPECT_EQ(list.mode, ModeState);
 }
 
-TEST(SignalList, GivesALineOfOneBitNoIndexNoBracketsAndNoRows) {
+TEST(SignalList, ALineOfOneBitHasNoIndexNoBracketsAndNoRows) {
     HandMadeTables tables;
     tables.Bus("FRAME", 0, 0, 72);
     CSignalList list(tables.Tables());
@@ -69,7 +69,7 @@ TEST(SignalList, ReversesABusWhoseFirstPositionIsAboveItsLast) {
     EXPECT_EQ(list[0].groupName, "BG[3:0]");
 }
 
-TEST(SignalList, MakesPermanentSignalsHiddenUnlessTheyAreShown) {
+TEST(SignalList, HidesPermanentSignalsUnlessTheyAreShown) {
     HandMadeTables tables;
     tables.Bus("OFF", 0, 0, 1, 0);
     tables.Bus("NOT OFFERED", 0, 0, 2, flagNotOffered);
@@ -98,7 +98,7 @@ TEST(SignalList, PrintsTheTimeBusAsATime) {
     EXPECT_EQ(list[1].radix, Radix::Hex);
 }
 
-TEST(SignalList, GivesSamplesByWholeWords) {
+TEST(SignalList, AllocatesSamplesInWholeWords) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
     CSignalList list(tables.Tables());
@@ -113,7 +113,7 @@ TEST(SignalList, GivesSamplesByWholeWords) {
     }
 }
 
-TEST(SignalList, MasksAreMadeInPatternModesOnly) {
+TEST(SignalList, CreatesMasksInPatternModesOnly) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
     CSignalList list(tables.Tables());
@@ -158,7 +158,7 @@ TEST(SignalList, ADecodedDefinitionIsAGroupOfTheBitsOfItsFirstValue) {
     EXPECT_EQ(last.decoded, nullptr);
 }
 
-TEST(SignalList, ADecodedDefinitionOfOneBitIsASignalOfItsName) {
+TEST(SignalList, ADecodedDefinitionOfOneBitIsASignalOfThatName) {
     HandMadeTables tables;
     tables.Bus("LINES", 0, 7, 88);
     tables.Decoded("ANOMALY", {94}, {{"None", "X"}, {"Use Checklist", "1"}}, "LINES[7:0]");
@@ -172,7 +172,7 @@ TEST(SignalList, ADecodedDefinitionOfOneBitIsASignalOfItsName) {
     EXPECT_THAT(list[0].groupData, IsEmpty());
 }
 
-TEST(SignalList, DropsADecodedDefinitionThatHasNoPlace) {
+TEST(SignalList, DropsADecodedDefinitionWithoutAPlace) {
     HandMadeTables tables;
     tables.Bus("CLK", 0, 0, 109);
     tables.Bus("EXT", 0, 1, 96);
@@ -230,7 +230,7 @@ TEST(SignalList, AStimulusHasNoAnomalyRow) {
     EXPECT_EQ(RowNames(list), (std::vector<std::string>{"ANOMALY", "CLK"}));
 }
 
-TEST(SignalList, AddsAPieceOfABus) {
+TEST(SignalList, AddsAPartOfABus) {
     HandMadeTables tables;
     const auto ad = tables.Bus("AD", 0, 31, 0);
     const auto clk = tables.Bus("CLK", 0, 0, 109);
@@ -256,7 +256,7 @@ TEST(SignalList, AddsAPieceOfABus) {
     EXPECT_EQ(bit->radix, Radix::Binary);
 }
 
-TEST(SignalList, AddsNothingOfABusOutsideItsPositions) {
+TEST(SignalList, AddsNoPositionsOutsideABus) {
     HandMadeTables tables;
     const auto ad = tables.Bus("AD", 0, 7, 0);
     CSignalList list(tables.Tables());
@@ -299,11 +299,11 @@ TEST(GroupName, ShowsSeveralBusesWithCommas) {
     EXPECT_EQ(GroupName({{"IRDY", -1}, {"TRDY", -1}}), "IRDY,TRDY");
     EXPECT_EQ(GroupName({{"IRDY", -1}, {"AD", 0}, {"AD", 1}}), "IRDY,AD[1:0]");
     EXPECT_EQ(GroupName({{"AD", 0}, {"AD", 1}, {"IRDY", -1}}), "AD[1:0],IRDY");
-    // Two signals of one bus without an index, as two blank rows are, show where a run would end.
+    // Two signals of one bus without an index, such as two blank rows, show where a run would end.
     EXPECT_EQ(GroupName({{"CLK", -1}, {"CLK", -1}}), "CLK-1,");
 }
 
-/// Three signals of a bus with samples of their own.
+/// Three signals of a bus, each with different samples.
 void FillThree(CSignalList& list, std::uint32_t numSamples) {
     for (std::uint32_t i = 0; i < 3; ++i) {
         CSignal* signal = list.InsertBlank(nullptr);
@@ -340,7 +340,7 @@ TEST(BuildGroup, PutsTheNinthMemberIntoASecondByte) {
     EXPECT_EQ(list[0].groupData, (Bytes{0x01, 0x01, 0xFE, 0x00}));
 }
 
-TEST(BuildGroup, MakesMaskRowsOnlyIfEveryMemberHasAMask) {
+TEST(BuildGroup, CreatesMaskRowsOnlyIfEveryMemberHasAMask) {
     CSignalList list(NoTables());
     FillThree(list, 2);
     for (const auto& signal : list.All()) {
@@ -361,7 +361,7 @@ TEST(BuildGroup, TakesTheNumberOfSamplesFromTheLastMember) {
     list.BuildGroup(&list[0]);
     EXPECT_EQ(list[0].groupData, (Bytes{0x1, 0x4}));
 
-    // Members that have fewer samples than the last one count as 0.
+    // Members with fewer samples than the last one count as 0.
     SetSamples(list[2], Words{2, 0, 2}, 96);
     list.BuildGroup(&list[0]);
     EXPECT_EQ(list[0].groupData.size(), 96U);
@@ -369,7 +369,7 @@ TEST(BuildGroup, TakesTheNumberOfSamplesFromTheLastMember) {
     EXPECT_EQ(list[0].groupData[65], 0x4);
 }
 
-TEST(BuildGroup, RunsToTheEndOfTheListWhenTheLastMemberIsGone) {
+TEST(BuildGroup, ExtendsToTheEndOfTheListWhenTheLastMemberIsMissing) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 2, 0);
     tables.Bus("FRAME", 0, 0, 72);
@@ -411,7 +411,7 @@ TEST(SignalList, CopiesSignalsWithTheirModeAndSamples) {
     EXPECT_EQ(copy.Size(), 2U);
 }
 
-TEST(SignalList, KeepsTheDefinitionOfASignalThroughARebuildOfTheTables) {
+TEST(SignalList, KeepsTheDefinitionOfASignalWhenTheTablesAreRebuilt) {
     HandMadeTables tables;
     tables.Bus("AD", 0, 1, 0);
     tables.Decoded("KIND", {0, 1}, {{"Zero", "00"}}, "AD[1:0]");
@@ -421,11 +421,11 @@ TEST(SignalList, KeepsTheDefinitionOfASignalThroughARebuildOfTheTables) {
     EXPECT_STREQ(list[0].Label(0), "Zero");
 }
 
-TEST(SignalList, CannotBeMadeWithoutTables) {
+TEST(SignalList, CannotBeConstructedWithoutTables) {
     static_assert(!std::is_default_constructible_v<CSignalList>);
 }
 
-TEST(SignalList, OfTablesThatDefineNothingIsEmptyAndCanBeFilledByHand) {
+TEST(SignalList, OfEmptyTablesIsEmptyAndCanBeFilledByHand) {
     HandMadeTables tables;
     auto def = tables.Decoded("COMMAND", {64, 65}, {{"Read", "01"}});
     CSignalList list(NoTables());

@@ -30,7 +30,7 @@ TEST(SignalNames, ABusItsLinesAndPartsOfIt) {
     }
 }
 
-TEST(SignalNames, ABusThatRunsAgainstTheRecord) {
+TEST(SignalNames, ABitReversedBus) {
     const BoardTables board("VMELark-1", BusVme);
     EXPECT_THAT(PositionsOf(board, "BG"), ElementsAre(83, 82, 81, 80));
     EXPECT_THAT(PositionsOf(board, "BG[0]"), ElementsAre(83));
@@ -38,7 +38,7 @@ TEST(SignalNames, ABusThatRunsAgainstTheRecord) {
     EXPECT_EQ(BitName(board.tables, 80), "BG[3]");
 }
 
-TEST(SignalNames, DecodedSignalsOfTheBusAtHand) {
+TEST(SignalNames, DecodedSignalsOfTheCurrentBus) {
     const BoardTables pci("PCIKite-1");
     const auto command = FindSignal("Command", pci.tables, {});
     ASSERT_TRUE(command);
@@ -50,14 +50,14 @@ TEST(SignalNames, DecodedSignalsOfTheBusAtHand) {
     EXPECT_FALSE(FindSignal("TAG", pci.tables, {}));
 }
 
-TEST(SignalNames, PlaceholdersAndComparisonsOfTheBoardAreNoSignals) {
+TEST(SignalNames, PlaceholdersAndComparisonsOfTheBoardAreNotSignals) {
     const BoardTables board("PCIKite-1");
     for (const char* name : {"DELTA", "ACCUM", "SAMPLE", "=<>"}) {
         EXPECT_FALSE(FindSignal(name, board.tables, {})) << name;
     }
 }
 
-TEST(SignalNames, AllThatThereAreAreFoundByTheirNames) {
+TEST(SignalNames, AllSignalsAreFoundByTheirNames) {
     for (const auto& [model, mode] :
          std::initializer_list<std::pair<const char*, std::int32_t>>{{"PCIKite-1", BusPci},
                                                                      {"PCIKite-1", BusPciX},
@@ -78,7 +78,7 @@ TEST(SignalNames, AllThatThereAreAreFoundByTheirNames) {
     }
 }
 
-TEST(SignalNames, LabelsAreThoseThatAListingShows) {
+TEST(SignalNames, LabelsAreThoseOfAListing) {
     const BoardTables board("PCIKite-1");
     const auto labels = [&](const char* name) {
         return LabelsOf(*FindSignal(name, board.tables, {})->decoded);
@@ -88,7 +88,7 @@ TEST(SignalNames, LabelsAreThoseThatAListingShows) {
     EXPECT_THAT(labels("TIME"), testing::IsEmpty());
 }
 
-TEST(SignalNames, RowsOfAListComeFirst) {
+TEST(SignalNames, RowsOfAListTakePrecedence) {
     BoardTables board("PCIKite-1");
     CSignalList list(board.tables);
     for (const int position : {72, 74}) {
@@ -120,7 +120,7 @@ SampleRecord RandomRecord(std::mt19937& random) {
     return record;
 }
 
-TEST(RecordFields, TakeTheirBitsWhereverTheyLie) {
+TEST(RecordFields, CollectTheirBitsFromAnyPosition) {
     constexpr unsigned seed = 77;
     std::mt19937 random(seed);
     for (int first = 0; first < SampleRecord::bitCount; ++first) {
@@ -144,12 +144,12 @@ TEST(RecordFields, TakeTheirBitsWhereverTheyLie) {
                     ASSERT_EQ((field.Word(record) >> i & 1) != 0, bit) << first << " " << width;
                 }
             }
-            ASSERT_EQ(value.back(), 0xEE); // nothing is written behind the value
+            ASSERT_EQ(value.back(), 0xEE); // nothing is written after the value
         }
     }
 }
 
-TEST(RecordFields, TakeBitsInAnyOrderAndNoneOutside) {
+TEST(RecordFields, CollectBitsInAnyOrderAndIgnoreOthers) {
     std::mt19937 random(78);
     const SampleRecord record = RandomRecord(random);
     const RecordField field({143, 0, 71, -1, 500, 9, 8, 7, 6});
@@ -163,7 +163,7 @@ TEST(RecordFields, TakeBitsInAnyOrderAndNoneOutside) {
     }
 }
 
-TEST(RecordFields, NoTimeWhereTheListHasNone) {
+TEST(RecordFields, HaveNoTimeIfTheListHasNone) {
     BoardTables board("PCIKite-1");
     CSignalList list(board.tables);
     EXPECT_FALSE(SampleTime(list).Known());

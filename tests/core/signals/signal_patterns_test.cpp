@@ -22,7 +22,7 @@ protected:
         list_.AddSignal(nullptr, frame, 8, 0, 0, 0, Radix::Hex, false);
     }
     CSignal& Row(const char* name) { return *FindRow(list_, name); }
-    /// The member of a row.
+    /// The `k`th member of a row.
     CSignal& Member(const char* name, std::size_t k) {
         return list_[list_.IndexOf(FindRow(list_, name)) + k];
     }
@@ -30,7 +30,7 @@ protected:
     CSignalList list_{tables_.Tables()};
 };
 
-TEST_F(PatternTest, WritesTheRowsOfAGroupBackToEverySignalOverItsBits) {
+TEST_F(PatternTest, CopiesTheRowsOfAGroupToEverySignalWithItsBits) {
     CSignal& ad = Row("AD[3:0]");
     ad.groupData[0] = 0b0101;
     ad.groupMask[0] = 0b0111;
@@ -49,7 +49,7 @@ TEST_F(PatternTest, WritesTheRowsOfAGroupBackToEverySignalOverItsBits) {
     EXPECT_STREQ(Row("KIND").Label(7), "All");
 }
 
-TEST_F(PatternTest, ClearsOldBitsWhenRowsAreWrittenBack) {
+TEST_F(PatternTest, ClearsOldBitsWhenRowsAreCopied) {
     CSignal& ad = Row("AD[3:0]");
     ad.groupData[3] = ad.groupMask[3] = 0b1111;
     list_.UnpackGroup(&ad);
@@ -62,7 +62,7 @@ TEST_F(PatternTest, ClearsOldBitsWhenRowsAreWrittenBack) {
     EXPECT_EQ(Row("KIND").groupMask[3], 0b01);
 }
 
-TEST_F(PatternTest, ClearsTheColumnsThatTheRowsDoNotReach) {
+TEST_F(PatternTest, ClearsTheColumnsAfterTheRows) {
     CSignal& other = list_[list_.Size() - 1];
     other.dataIndex = 1;
     SetSamples(other, Words{0xFFFFFFFF, 0xFFFFFFFF}, 64);
@@ -70,7 +70,7 @@ TEST_F(PatternTest, ClearsTheColumnsThatTheRowsDoNotReach) {
     EXPECT_EQ(other.data, (Words{0, 0}));
 }
 
-TEST_F(PatternTest, WritesAReversedBusDownward) {
+TEST_F(PatternTest, CopiesAReversedBusDownward) {
     CSignal& bg = Row("BG[3:0]");
     ASSERT_EQ(bg.dataIndex, 83);
     bg.groupData[1] = 0b0011;
@@ -83,7 +83,7 @@ TEST_F(PatternTest, WritesAReversedBusDownward) {
     EXPECT_EQ(bg.groupMask[1], 0b1111);
 }
 
-TEST_F(PatternTest, WritesADecodedGroupByThePositionsOfItsDefinition) {
+TEST_F(PatternTest, CopiesADecodedGroupByThePositionsOfItsDefinition) {
     CSignal& kind = Row("KIND");
     kind.groupData[2] = 0b10;
     kind.groupMask[2] = 0b11;
@@ -96,7 +96,7 @@ TEST_F(PatternTest, WritesADecodedGroupByThePositionsOfItsDefinition) {
     EXPECT_STREQ(kind.Label(2), "Two");
 }
 
-TEST_F(PatternTest, WritesNothingForABlankOrASingleSignal) {
+TEST_F(PatternTest, CopiesNothingForABlankOrASingleSignal) {
     CSignal* blank = list_.InsertBlank(nullptr);
     blank->groupWidth = 2;
     blank->groupData = {3};
@@ -136,7 +136,7 @@ TEST_F(PatternTest, AppliesNothingOutsideTheColumnsOrWithoutADefinition) {
     EXPECT_EQ(Member("AD[3:0]", 2).data, Words{0});
 }
 
-TEST_F(PatternTest, SpreadsABitToTheOtherSignalsOverIt) {
+TEST_F(PatternTest, CopiesABitToTheOtherSignalsWithIt) {
     CSignal& bit = Member("AD[3:0]", 2);
     bit.data[0] = bit.mask[0] = 0x21;
     list_.SpreadBit(&bit, 5);
@@ -155,7 +155,7 @@ TEST_F(PatternTest, SpreadsABitToTheOtherSignalsOverIt) {
     EXPECT_EQ(second.data, Words{0xFD});
 }
 
-TEST_F(PatternTest, SpreadsNoBlankRow) {
+TEST_F(PatternTest, DoesNotCopyABlankRow) {
     CSignal* blank = list_.InsertBlank(nullptr);
     CSignal* other = list_.InsertBlank(nullptr);
     SetSamples(*blank, Words{1}, 8);

@@ -61,7 +61,7 @@ TEST_F(LoadSamplesTest, UnpacksACaptureIntoRowsBitsAndLabels) {
     EXPECT_STREQ(Row("ADDRESS32").Label(0), "00000000");
 }
 
-TEST_F(LoadSamplesTest, AddsABlockToTheSamplesBeforeIt) {
+TEST_F(LoadSamplesTest, AddsABlockToEarlierSamples) {
     const auto records = CaptureBuilder().Write(0x100, 1).Idle(60).Write(0x200, 2).Records();
     list_.ResizeSamples(static_cast<std::uint32_t>(records.size()));
     const std::span all(records);
@@ -73,7 +73,7 @@ TEST_F(LoadSamplesTest, AddsABlockToTheSamplesBeforeIt) {
     EXPECT_STREQ(Row("COMMAND").Label(62), "Mem Wr");
 }
 
-TEST_F(LoadSamplesTest, LeavesOutWhatLiesBeyondTheSamples) {
+TEST_F(LoadSamplesTest, IgnoresRecordsAfterTheSamples) {
     const auto records = CaptureBuilder().Write(0x100, 1).Idle(98).Records();
     list_.ResizeSamples(3);
     list_.LoadSamples(0, records);
@@ -86,8 +86,8 @@ TEST_F(LoadSamplesTest, LeavesOutWhatLiesBeyondTheSamples) {
     EXPECT_EQ(Row("FRAME").data, std::vector<std::uint32_t>{0b110});
 }
 
-TEST_F(LoadSamplesTest, LeavesOutLongRunsOfSamplesThatAreAbsent) {
-    // Samples 600 to 1799 are absent; some that are absent stand among others.
+TEST_F(LoadSamplesTest, SkipsLongRunsOfAbsentSamples) {
+    // Samples 600 to 1799 are absent; other absent samples lie between present ones.
     const auto records = CaptureBuilder().Write(0x100, 1).Idle(1997).Read(0x200).Records();
     std::vector<std::uint32_t> absent(WordsFor(static_cast<std::uint32_t>(records.size())), 0);
     for (std::size_t sample = 600; sample < 1800; ++sample) {
@@ -110,7 +110,8 @@ TEST_F(LoadSamplesTest, LeavesOutLongRunsOfSamplesThatAreAbsent) {
             ASSERT_TRUE(std::ranges::equal(list_[i].GroupRow(sample), whole[i].GroupRow(sample)));
         }
     }
-    EXPECT_EQ(RowOf("C/BE[7:0]", 1200), Bytes{0}); // idle, had it been there
+    EXPECT_EQ(RowOf("C/BE[7:0]", 1200),
+              Bytes{0}); // the value of an idle clock, had the sample been present
     EXPECT_EQ(RowOf("C/BE[7:0]", 1900), Bytes{0xFF});
 }
 
@@ -123,7 +124,7 @@ TEST_F(LoadSamplesTest, DoesNothingInAListWithoutSamples) {
     EXPECT_TRUE(none.Empty());
 }
 
-TEST_F(LoadSamplesTest, LoadsOneGroupAnew) {
+TEST_F(LoadSamplesTest, ReloadsOneGroup) {
     const auto records = CaptureBuilder().Write(0x100, 1).Idle(98).Records();
     Load(records);
     const auto ad = tables_.Tables().busSignals.FindByName("AD");
@@ -133,15 +134,15 @@ TEST_F(LoadSamplesTest, LoadsOneGroupAnew) {
     EXPECT_EQ(group->numSamples, 100U);
     EXPECT_EQ(group->groupData.size(), 100U);
     EXPECT_EQ(group->groupData[0], 0x01);
-    EXPECT_EQ(Row("FRAME").data[0], 0x5U) << "no other row is touched";
+    EXPECT_EQ(Row("FRAME").data[0], 0x5U) << "no other row is changed";
 
     list_.LoadSignal(group, 0, std::vector{RecordOf({8, 15})});
-    EXPECT_EQ(group->groupData[0], 0x81) << "old bits are gone";
+    EXPECT_EQ(group->groupData[0], 0x81) << "old bits are cleared";
     EXPECT_EQ(group->numSamples, 100U);
     list_.LoadSignal(nullptr, 0, records);
 }
 
-TEST_F(LoadSamplesTest, LoadsOneDecodedSignalWithItsLabels) {
+TEST_F(LoadSamplesTest, ReloadsOneDecodedSignalWithItsLabels) {
     const auto records = CaptureBuilder().Idle().Write(0x100, 1).Records();
     Load(records);
     const auto def = tables_.Tables().decodedSignals.FindByName("COMMAND");
@@ -168,7 +169,7 @@ TEST_F(LoadSamplesTest, RebuildsTheRowsOfWholeWordsFromTheMembers) {
     EXPECT_EQ(RowOf("AD[63:0]", 99)[1], 0x02);
 }
 
-// The same by single bits, as slowly and plainly as can be.
+// The same bit by bit, as simply as possible.
 
 void LoadPlainly(CSignal& signal, std::size_t first, std::span<const SampleRecord> records) {
     for (std::size_t i = 0; i < records.size(); ++i) {
@@ -254,7 +255,7 @@ std::shared_ptr<CDecodedSignalDef> RandomDefinition(Random& random, int firstPos
         value.skipModes = Pick(random, 0, 4) == 0 ? ModeState : 0U;
         value.pattern.fill(CodeUnused);
         for (int k = 0; k < width; ++k) {
-            // Mostly any, so that wide patterns match at times.
+            // Mostly any, so that wide patterns match sometimes.
             constexpr std::array<std::uint8_t, 6> codes = {0, 1, 3, 3, 3, 3};
             value.pattern.at(static_cast<unsigned>(firstPosition + k)) =
                 codes.at(static_cast<unsigned>(Pick(random, 0, 5)));
@@ -264,7 +265,7 @@ std::shared_ptr<CDecodedSignalDef> RandomDefinition(Random& random, int firstPos
     return def;
 }
 
-/// A group that lies in the record anywhere, or is reversed, or of any bits with blanks among them.
+/// A group anywhere in the record; or a reversed one; or one of any bits with blanks among them.
 void AddRandomGroup(CSignalList& list, Random& random) {
     const int kind = Pick(random, 0, 3);
     const int width = Pick(random, 1, kind == 0 ? 18 : 70);
@@ -290,7 +291,7 @@ void AddRandomGroup(CSignalList& list, Random& random) {
 
 class RandomLists : public testing::TestWithParam<unsigned> {};
 
-TEST_P(RandomLists, LoadLikeTheLoopOverSingleBits) {
+TEST_P(RandomLists, LoadLikeALoopOverSingleBits) {
     const unsigned seed = GetParam();
     SCOPED_TRACE("seed " + std::to_string(seed));
     Random random(seed);

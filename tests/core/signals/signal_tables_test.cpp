@@ -8,7 +8,7 @@
 namespace busquill::test {
 namespace {
 
-/// A value's pattern over a definition's positions, the most significant first.
+/// A value's pattern over the positions of its definition, the most significant first.
 std::string PatternOf(const CDecodedSignalDef& def, const CDecodedValue& value) {
     std::string text;
     for (const int p : def.Positions()) {
@@ -43,7 +43,7 @@ struct Count {
     std::size_t decoded;
 };
 
-TEST(SignalTables, HaveTheirRowsBitsAndShownBits) {
+TEST(SignalTables, HaveTheirNumbersOfRowsBitsAndShownBits) {
     const Count counts[] = {{"PCIKite-1", 36, 138, 106, 23},  {"VMEKite-1", 27, 141, 46, 14},
                             {"VSBKite-1", 30, 130, 45, 8},    {"VMELark-1", 25, 128, 106, 12},
                             {"VMEKiteP2-1", 99, 131, 103, 4}, {"VMEKiteP0-1", 100, 132, 104, 4}};
@@ -64,7 +64,7 @@ TEST(SignalTables, HaveTheirRowsBitsAndShownBits) {
 }
 
 TEST(SignalTables, AreChosenByTheModel) {
-    // A row that only one family's table begins or ends with tells them apart.
+    // A row that begins or ends the table of one family only distinguishes the tables.
     const std::pair<const char*, const char*> second[] = {
         {"PCIKite-1", "C/BE"}, {"PCIWren-1", "C/BE"}, {"PCFKite-1", "C/BE"},
         {"PCFWren-1", "C/BE"}, {"PMCKite-1", "C/BE"}, {"PMCWren-1", "C/BE"},
@@ -77,7 +77,7 @@ TEST(SignalTables, AreChosenByTheModel) {
     EXPECT_EQ(BoardTables("VMEKiteP0-1").tables.busSignals.Defs()[0]->dataIndex, 71);
 }
 
-TEST(SignalTables, LarkTakesItsOwnTableBeforeThatOfItsFamily) {
+TEST(SignalTables, LarkUsesItsOwnTableAndNotThatOfItsFamily) {
     EXPECT_EQ(BoardTables("VMELark-1").tables.busSignals.FindByName("AM")->dataIndex, 88);
     EXPECT_EQ(BoardTables("VMEKite-1").tables.busSignals.FindByName("AM")->dataIndex, 64);
 }
@@ -91,7 +91,7 @@ TEST(SignalTables, FollowTheBusModeInDemoMode) {
     }
 }
 
-TEST(SignalTables, BusGrantOfLarkRunsAgainstTheRecord) {
+TEST(SignalTables, BusGrantOfLarkIsBitReversed) {
     const BoardTables lark("VMELark-1");
     const auto grant = lark.tables.busSignals.FindByName("BG");
     EXPECT_TRUE(grant->bitReverse);
@@ -103,7 +103,7 @@ TEST(SignalTables, BusGrantOfLarkRunsAgainstTheRecord) {
     }
 }
 
-TEST(SignalTables, ReloadLeavesTheOldDefinitionsToWhoeverHoldsThem) {
+TEST(SignalTables, ReloadKeepsDefinitionsThatAreStillInUse) {
     BoardTables board("PCIKite-1");
     const auto old = board.tables.decodedSignals.FindByName("COMMAND");
     board.board.modelString = "VSBKite-1";
@@ -149,7 +149,7 @@ TEST(Applies, ConditionsFollowTheBus) {
     }
 }
 
-TEST(DecodedDefinitions, FieldsLieWhereTheirFamilyHasThem) {
+TEST(DecodedDefinitions, FieldsAreAtThePositionsOfTheirFamily) {
     const BoardTables pci("PCIKite-1");
     const BoardTables vme("VMEKite-1");
     const BoardTables vsb("VSBKite-1");
@@ -247,7 +247,7 @@ TEST(DecodedDefinitions, RangesAndAnomalies) {
     EXPECT_EQ(Decoded(BoardTables("PCIKite-1"), "ANOMALY").Positions(), Range(94, 94));
 }
 
-TEST(RuleChecks, EveryCodeHasItsOwnRow) {
+TEST(RuleChecks, EveryCodeHasARow) {
     const std::pair<const char*, std::size_t> families[] = {{"PCIKite-1", 114}, {"VMEKite-1", 67}};
     for (const auto& [model, count] : families) {
         const BoardTables board(model);
@@ -266,7 +266,7 @@ TEST(RuleChecks, EveryCodeHasItsOwnRow) {
     }
 }
 
-TEST(RuleChecks, TextsAreTheBoardsOwn) {
+TEST(RuleChecks, TextsAreThoseOfTheBoard) {
     const BoardTables pci("PCIKite-1");
     const BoardTables vme("VMEKite-1");
     const auto text = [](const BoardTables& board, std::size_t code) {

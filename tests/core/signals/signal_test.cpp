@@ -36,7 +36,7 @@ TEST(Signal, HasTheDefaultsOfABlankRow) {
     EXPECT_TRUE(signal.data.empty());
 }
 
-TEST(Signal, ShowsItsSizeUnlessHiddenOrALaterMember) {
+TEST(Signal, ShowsItsHeightUnlessHiddenOrALaterMember) {
     CSignal signal;
     signal.height = 24;
     signal.width = 60;
@@ -56,7 +56,7 @@ TEST(Signal, ShowsItsSizeUnlessHiddenOrALaterMember) {
     EXPECT_EQ(signal.VisibleWidth(), 0);
 }
 
-TEST(Signal, HasNoBitWhereItHasNoData) {
+TEST(Signal, HasNoBitWithoutData) {
     CSignal signal;
     signal.numSamples = 7;
     EXPECT_FALSE(signal.Bit(0));
@@ -73,7 +73,7 @@ TEST(Signal, ResizesToZeroedWords) {
     EXPECT_TRUE(signal.data.empty());
 }
 
-TEST(Signal, ResizesTheRowsOfAGroupAndTheLabelsButNoMask) {
+TEST(Signal, ResizesTheRowsOfAGroupAndTheLabelsButNotTheMask) {
     CSignal signal;
     signal.grouped = true;
     signal.groupAttribute = GroupAttribute::Start;
@@ -88,7 +88,7 @@ TEST(Signal, ResizesTheRowsOfAGroupAndTheLabelsButNoMask) {
     EXPECT_EQ(signal.mask, Words{0x3});
 }
 
-TEST(Signal, ResizesNoRowsOfALaterMember) {
+TEST(Signal, DoesNotResizeRowsOfALaterMember) {
     CSignal signal;
     signal.grouped = true;
     signal.groupWidth = 9;
@@ -96,8 +96,7 @@ TEST(Signal, ResizesNoRowsOfALaterMember) {
     EXPECT_TRUE(signal.groupData.empty());
 }
 
-/// The words of a signal by itself, after each run of records has been loaded behind its first
-/// sample.
+/// The words of a lone signal after each run of records has been loaded at its first sample.
 struct Loaded {
     std::uint32_t first;
     std::vector<SampleRecord> records;
@@ -124,20 +123,20 @@ TEST(LoadedSignal, OnlySetsBits) {
     EXPECT_EQ(LoadedWords(0, 32, {{3, {RecordOf({0})}}, {3, {RecordOf({1})}}}), Words{0x8});
 }
 
-TEST(LoadedSignal, TakesNothingWithoutDataBitCountOrRoom) {
+TEST(LoadedSignal, LoadsNothingWithoutADataIndexOrSamples) {
     const std::vector<SampleRecord> records = {RecordOf({0})};
     EXPECT_TRUE(LoadedWords(0, 0, {{0, records}}).empty());
     EXPECT_EQ(LoadedWords(-1, 32, {{0, records}}), Words{0});
     EXPECT_EQ(LoadedWords(0, 32, {{0, {}}, {32, records}, {0xFFFFFFFF, records}}), Words{0});
 }
 
-TEST(LoadedSignal, TakesNothingForABitThatNoRecordHas) {
+TEST(LoadedSignal, LoadsNothingForABitOutsideTheRecord) {
     for (const std::int32_t index : {144, 147, 100000, -2}) {
         EXPECT_EQ(LoadedWords(index, 32, {{0, {RecordOf({0, 143})}}}), Words{0}) << index;
     }
 }
 
-TEST(LoadedSignal, LeavesOutRecordsBeyondItsSamples) {
+TEST(LoadedSignal, IgnoresRecordsAfterItsSamples) {
     const std::vector<SampleRecord> records(50, RecordOf({0}));
     EXPECT_EQ(LoadedWords(0, 3, {{1, records}}), Words{0x6});
 }
@@ -163,7 +162,7 @@ TEST(Signal, CopiesItsBuffersAndSharesItsDefinition) {
     EXPECT_EQ(copy.decoded, signal.decoded);
 }
 
-TEST(Signal, GivesNoRowAndNoLabelOutsideItsSamples) {
+TEST(Signal, HasNoRowAndNoLabelOutsideItsSamples) {
     CSignal signal;
     signal.grouped = true;
     signal.groupAttribute = GroupAttribute::Start;
@@ -176,7 +175,7 @@ TEST(Signal, GivesNoRowAndNoLabelOutsideItsSamples) {
     EXPECT_EQ(signal.Label(5), nullptr);
 }
 
-TEST(Signal, TakesTheGroupsNameForItsRow) {
+TEST(Signal, UsesTheGroupsNameForItsRow) {
     CSignal signal;
     signal.name = "AD[0]";
     signal.groupName = "AD[31:0]";

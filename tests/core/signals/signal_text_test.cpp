@@ -29,8 +29,7 @@ protected:
         EXPECT_TRUE(writer.Close());
         return ReadWholeFile(path);
     }
-    /// Reads records into a list as the readers of documents do; what follows the records is
-    /// appended to `rest`.
+    /// Reads records into a list as documents do; the records that follow are appended to `rest`.
     void Read(const std::string& text, CSignalList& list,
               std::vector<std::string>* rest = nullptr) {
         TextReader reader;
@@ -89,7 +88,7 @@ TEST_F(SignalText, WritesEveryFieldThatIsSet) {
                           "\"\",\"BitReverse\"\n");
 }
 
-TEST_F(SignalText, WritesTheRadixByItsWordAndOthersAsNothing) {
+TEST_F(SignalText, WritesTheRadixAsAWordAndUnknownOnesAsNothing) {
     const std::vector<std::pair<std::int32_t, std::string>> words = {
         {0, "Binary"}, {1, "Hex"}, {2, "Octal"}, {3, "Time"}, {4, ""}, {-1, ""}};
     for (const auto& [radix, word] : words) {
@@ -99,7 +98,7 @@ TEST_F(SignalText, WritesTheRadixByItsWordAndOthersAsNothing) {
     }
 }
 
-TEST_F(SignalText, WritesDataAndMaskLinesBehindTheRecord) {
+TEST_F(SignalText, WritesDataAndMaskLinesAfterTheRecord) {
     CSignalList list(tables_.Tables());
     CSignal& signal = AddPlain(list, "FRAME", 4);
     signal.data = {0b0101};
@@ -136,7 +135,7 @@ TEST_F(SignalText, RepeatsTheFirstBitsOnEachFurtherLine) {
     EXPECT_EQ(LinesOf(Written(list, true)), "\"Data\"" + Repeated(",1", 32) + "\n");
 }
 
-TEST_F(SignalText, OnlyTheFirstThirtyTwoSamplesSurvive) {
+TEST_F(SignalText, OnlyTheFirstThirtyTwoSamplesAreKept) {
     CSignalList list(tables_.Tables());
     AddPlain(list, "FRAME", 64).data = {0x12345678, 0x9ABCDEF0};
     CSignalList copy(tables_.Tables());
@@ -146,7 +145,7 @@ TEST_F(SignalText, OnlyTheFirstThirtyTwoSamplesSurvive) {
     EXPECT_EQ(copy[0].data, (Words{0x12345678, 0x12345678}));
 }
 
-TEST_F(SignalText, ASetupComesBackAsItWas) {
+TEST_F(SignalText, ASetupIsReadBackEqual) {
     tables_.Bus("AD", 0, 7, 0);
     tables_.Bus("BG", 3, 0, 80);
     tables_.Bus("FRAME", 0, 0, 72);
@@ -207,10 +206,10 @@ TEST_F(SignalText, ARowWithThirteenFieldsKeepsTheDefaultRadix) {
     EXPECT_FALSE(list[0].hidden);
 }
 
-TEST_F(SignalText, ARowThatEndsEarlyLeavesTheDefaults) {
+TEST_F(SignalText, ATruncatedRowLeavesTheDefaults) {
     CSignalList list(tables_.Tables());
     Read("\"Signal\"\n\"Signal\",\"X\"\n\"Signal\",\"Y\",\"B\",\"Grouped\"\n", list);
-    // A row of the keyword alone has no field that tells it from a header.
+    // A row of the keyword alone cannot be distinguished from a header.
     ASSERT_EQ(list.Size(), 2U);
     EXPECT_EQ(list[0].name, "X");
     EXPECT_EQ(list[0].bitIndex, -1);
@@ -221,7 +220,7 @@ TEST_F(SignalText, ARowThatEndsEarlyLeavesTheDefaults) {
     EXPECT_EQ(list[1].groupAttribute, 0);
 }
 
-TEST_F(SignalText, ReadsWordsOnlyWhereTheyMatch) {
+TEST_F(SignalText, ReadsWordsOnlyIfTheyMatch) {
     CSignalList list(tables_.Tables());
     Read("\"Signal\",\"N\",\"B\",\"grouped\",\"G\",\"xEndStarty\",-1,5,0,x,7z,-1,\"show\","
          "\"Decimal\",\"\",\"NoSuchDefinition\",\"Hid\",\"permanent\",\"bitreverse\"\n",
@@ -273,7 +272,7 @@ TEST_F(SignalText, ALineOfAnotherKindEndsTheDataAndIsLost) {
     EXPECT_EQ(empty[0].mask, Words{0xF});
 }
 
-TEST_F(SignalText, AFileThatEndsInTheDataLoadsWhatItHas) {
+TEST_F(SignalText, AFileThatEndsInTheDataLoadsTheBitsRead) {
     CSignalList list(tables_.Tables());
     Read(fourSamples, list);
     EXPECT_EQ(list[0].data, Words{0});
@@ -296,7 +295,8 @@ TEST_F(SignalText, ADecodedSignalTakesTheCurrentNameAndLabels) {
     list.ResizeSamples(1);
     list.LoadSamples(0, std::vector{RecordOf({})});
     EXPECT_STREQ(list[0].Label(0), "Zero");
-    EXPECT_EQ(list[3].Label(0), nullptr) << "a lost definition leaves a plain group";
+    EXPECT_EQ(list[3].Label(0), nullptr)
+        << "without its definition a decoded signal is a plain group";
 }
 
 std::size_t MemoryOf(const CSignalList& list) {
@@ -308,7 +308,7 @@ std::size_t MemoryOf(const CSignalList& list) {
     return bytes;
 }
 
-TEST_F(SignalText, AnAnnouncementOfBillionsOfSamplesTakesLittleMemory) {
+TEST_F(SignalText, AnnouncingBillionsOfSamplesTakesLittleMemory) {
     tables_.Decoded("KIND", {0, 1}, {{"Zero", "00"}});
     std::string text;
     for (int i = 0; i < 300; ++i) {
@@ -319,14 +319,14 @@ TEST_F(SignalText, AnAnnouncementOfBillionsOfSamplesTakesLittleMemory) {
     Read(text, list);
     EXPECT_EQ(list[0].numSamples, 2147483647U);
     EXPECT_LT(MemoryOf(list), 1U << 20);
-    // One announced size for each sign.
+    // One announced number for each sign.
     CSignalList negative(tables_.Tables());
     Read("\"Signal\",\"A\",\"A\",\"\",\"\",\"\",0,0,-1\n", negative);
     EXPECT_EQ(negative[0].numSamples, 0xFFFFFFFFU);
     EXPECT_LT(MemoryOf(negative), 100U);
 }
 
-TEST_F(SignalText, ManySignalsThatAnnounceWhatAFewMayHaveTakeLittleMemory) {
+TEST_F(SignalText, ManySignalsWithAPlausibleNumberOfSamplesTakeLittleMemory) {
     tables_.Decoded("KIND", {0, 1}, {{"Zero", "00"}});
     std::string text;
     for (int i = 0; i < 10000; ++i) {
@@ -339,7 +339,7 @@ TEST_F(SignalText, ManySignalsThatAnnounceWhatAFewMayHaveTakeLittleMemory) {
     EXPECT_LT(MemoryOf(list), 8U << 20);
 }
 
-TEST_F(SignalText, BehindItsLinesASignalHasZeros) {
+TEST_F(SignalText, AfterItsLinesASignalHasZeros) {
     CSignalList list(tables_.Tables());
     Read("\"Signal\",\"A\",\"A\",\"Grouped\",\"\",\"Start\",0,0,1000,20,30,0,\"\",\"Hex\","
          "\"Masked\"\n"
@@ -382,7 +382,7 @@ TEST_F(SignalText, ALongListKeepsItsTail) {
     EXPECT_EQ(list[8997].GroupRow(0)[0], 0b010);
 }
 
-TEST_F(SignalText, EndlessGroupsAndLinesTakeLittleMemory) {
+TEST_F(SignalText, ManyGroupsAndLinesTakeLittleMemory) {
     std::string text = "\"Signal\",\"A\",\"A\",\"\",\"\",\"\",0,0,2000000000\n";
     for (int i = 0; i < 5000; ++i) {
         text += "\"Data\",1\n";
@@ -394,7 +394,7 @@ TEST_F(SignalText, EndlessGroupsAndLinesTakeLittleMemory) {
     CSignalList list(tables_.Tables());
     Read(text, list);
     EXPECT_EQ(list[0].numSamples, 2000000000U);
-    EXPECT_EQ(list[0].data.size(), 5000U); // for which there are lines
+    EXPECT_EQ(list[0].data.size(), 5000U); // one for each line
     EXPECT_EQ(list.Size(), 20001U);
     list.ResizeSamples(1000);
     EXPECT_LT(MemoryOf(list), 8U << 20);

@@ -14,7 +14,7 @@ void Type(ValueEditor& editor, const std::string& text) {
     }
 }
 
-TEST(ValueEditor, HexDigitsGoWhereTheCaretStands) {
+TEST(ValueEditor, HexDigitsAreTypedAtTheCaret) {
     ValueEditor editor({0x34, 0x12}, {0xFF, 0xFF}, 16, Radix::Hex);
     EXPECT_EQ(editor.Text(), "1234");
     Type(editor, "aB");
@@ -27,7 +27,7 @@ TEST(ValueEditor, HexDigitsGoWhereTheCaretStands) {
     EXPECT_EQ(editor.Mask(), (Bytes{0x0F, 0xFF}));
     EXPECT_EQ(editor.Caret(), 4U);
     Type(editor, "5");
-    EXPECT_EQ(editor.Text(), "ABX7") << "behind the last digit there is none";
+    EXPECT_EQ(editor.Text(), "ABX7") << "there is no digit after the last";
 }
 
 TEST(ValueEditor, BinaryDigitsSetBits) {
@@ -52,7 +52,7 @@ TEST(ValueEditor, OctalDigitsOnlyMoveTheCaret) {
     EXPECT_FALSE(editor.Type('8'));
 }
 
-TEST(ValueEditor, OtherKeysAreNotTaken) {
+TEST(ValueEditor, OtherKeysAreIgnored) {
     ValueEditor editor({0}, {}, 8, Radix::Hex);
     EXPECT_FALSE(editor.Type('g'));
     EXPECT_FALSE(editor.Type('\r'));
@@ -62,7 +62,7 @@ TEST(ValueEditor, OtherKeysAreNotTaken) {
     EXPECT_EQ(editor.Caret(), 0U);
 }
 
-TEST(ValueEditor, TheCaretStepsOverBlanks) {
+TEST(ValueEditor, TheCaretSkipsBlanks) {
     ValueEditor editor(Bytes(8), Bytes(8, 0xFF), 64, Radix::Hex);
     EXPECT_EQ(editor.Text(), "00000000 00000000");
     editor.PlaceCaret(7);
@@ -92,14 +92,14 @@ TEST(ValueEditor, ADigitOverAPartlyKnownOneMakesItKnown) {
     EXPECT_EQ(editor.Mask(), Bytes{0x0F});
 }
 
-TEST(ValueEditor, TheTopDigitSetsFourBitsWhateverTheWidth) {
+TEST(ValueEditor, TheTopDigitSetsFourBitsAtAnyWidth) {
     ValueEditor editor({0x00}, {0x00}, 6, Radix::Hex);
     Type(editor, "F");
     EXPECT_EQ(editor.Value(), Bytes{0xF0});
     EXPECT_EQ(editor.Mask(), Bytes{0xF0});
 }
 
-TEST(ValueEditor, ClearMakesAllOfItAnything) {
+TEST(ValueEditor, ClearMakesEveryDigitUnknown) {
     ValueEditor masked({0x12}, {0xFF}, 8, Radix::Hex);
     masked.Clear();
     EXPECT_EQ(masked.Text(), "XX");
@@ -107,11 +107,11 @@ TEST(ValueEditor, ClearMakesAllOfItAnything) {
     known.Clear();
     EXPECT_EQ(known.Text(), "00");
     Type(known, "X");
-    EXPECT_EQ(known.Text(), "X0") << "which is not handed back";
+    EXPECT_EQ(known.Text(), "X0") << "shown, but not in the value";
     EXPECT_EQ(known.Value(), Bytes{0x00});
 }
 
-TEST(ValueEditor, AnotherRadixBeginsAtTheLeft) {
+TEST(ValueEditor, AnotherRadixMovesTheCaretToTheLeft) {
     ValueEditor editor({0x5A}, {}, 8, Radix::Hex);
     editor.End();
     editor.SetRadix(Radix::Binary);

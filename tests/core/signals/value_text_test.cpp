@@ -92,14 +92,14 @@ TEST(FormatValue, PrintsXForUnknownAndQuestionMarkForPartlyKnownDigits) {
     }
 }
 
-TEST(FormatValue, PrintsNothingInAnotherRadixOrWithoutBits) {
+TEST(FormatValue, PrintsNothingInAnUnknownRadixOrWithoutBits) {
     EXPECT_EQ(Text({0xFF}, 8, 4), "");
     EXPECT_EQ(Text({0xFF}, 8, -1), "");
     EXPECT_EQ(Text({0xFF}, 0, Radix::Hex), "");
     EXPECT_EQ(Text({0xFF}, 0, Radix::Binary), "");
 }
 
-TEST(FormatValue, TakesBitsBeyondTheBytesAsZero) {
+TEST(FormatValue, TreatsBitsAfterTheBytesAsZero) {
     EXPECT_EQ(Text({0xFF}, 16, Radix::Hex), "00FF");
     EXPECT_EQ(Text({0xFF}, 16, Radix::Hex, {0xFF}), "XXFF");
 }
@@ -110,7 +110,7 @@ TEST(FormatValue, PrintsATimeFieldInItsScale) {
     EXPECT_EQ(FormatValue(thirty, 18, Radix::Time, {}, true), "0.030ns");
 }
 
-TEST(FormatValue, FillsAsManyPlacesAsDigitsForSays) {
+TEST(FormatValue, FillsTheNumberOfPlacesThatDigitsForGives) {
     for (const unsigned width : {1U, 7U, 8U, 9U, 12U, 31U, 32U, 36U, 64U}) {
         EXPECT_EQ(Text(counting, width, Radix::Octal).size(), DigitsFor(width, Radix::Octal));
     }
@@ -144,7 +144,7 @@ TEST(TimeField, MultipliesTheCountByItsUnit) {
     }
 }
 
-TEST(TimeField, TakesOneBitMoreThanTheFieldHas) {
+TEST(TimeField, UsesOneBitMoreThanTheFieldHas) {
     EXPECT_EQ(TimeField(Bytes{0x00, 0x00, 0x04}, 18), 0x10000);
     EXPECT_EQ(TimeField(Bytes{0x00, 0x00, 0x08}, 18), 0);
     EXPECT_EQ(TimeField(Bytes{0x04}, 2), 1);
@@ -158,7 +158,7 @@ TEST(TimeField, ShiftsTheCountArithmetically) {
     EXPECT_EQ(TimeField(Bytes{0xFC, 0xFF, 0xFF, 0xFF}, 30), 0x1FFFFFFF);
 }
 
-TEST(TimeField, GivesNothingForAFieldWiderThanAWord) {
+TEST(TimeField, IsEmptyForAFieldWiderThanAWord) {
     EXPECT_EQ(TimeField(Bytes{0xFC, 0xFF, 0xFF, 0xFF, 0xFF}, 33), 0);
     EXPECT_EQ(TimeField({}, 18), 0);
 }
@@ -272,7 +272,7 @@ TEST_F(TimeBetweenTest, SumsBeyondThirtyTwoBits) {
     EXPECT_EQ(TimeBetween(0, 99, list_, false), "6487965s");
 }
 
-TEST_F(TimeBetweenTest, StaysAtTheLongestTimeWhereAFileIsDamaged) {
+TEST_F(TimeBetweenTest, StaysAtTheLongestTimeIfAFileIsDamaged) {
     HandMadeTables tables;
     tables.Bus("TIME", 0, 29, 96, flagPermanent);
     CSignalList list(tables.Tables());
@@ -285,8 +285,7 @@ TEST_F(TimeBetweenTest, StaysAtTheLongestTimeWhereAFileIsDamaged) {
     EXPECT_EQ(TimeBetween(0, 34, list, false), "9126805470s");
     EXPECT_EQ(TimeBetween(0, 35, list, false), "9223372036s");
     EXPECT_EQ(TimeBetween(99, 0, list, false), "9223372036s");
-    EXPECT_EQ(TimeBetween(98, 99, list, false), "268435455s")
-        << "behind a sum that no number holds";
+    EXPECT_EQ(TimeBetween(98, 99, list, false), "268435455s") << "after an overflowing sum";
     EXPECT_EQ(TimeBetween(65, 99, list, false), "9126805470s");
     const std::int64_t all = list.TimeFrom(0, 99).value();
     EXPECT_EQ(list.TimeFrom(99, 0), -all);
@@ -300,18 +299,18 @@ TEST(AddTimes, StaysAtTheLongestTimeOfEitherSign) {
     EXPECT_EQ(AddTimes(40, -42), -2);
     EXPECT_EQ(AddTimes(longest - 1, 1), longest);
     EXPECT_EQ(AddTimes(longest - 1, 2), longest);
-    EXPECT_EQ(AddTimes(-longest, -1), -longest) << "whose negation is a number too";
+    EXPECT_EQ(AddTimes(-longest, -1), -longest) << "the negation of this minimum does not overflow";
     EXPECT_EQ(AddTimes(-longest, longest), 0);
 }
 
-TEST_F(TimeBetweenTest, CountsNothingForSamplesThatAreNotThere) {
+TEST_F(TimeBetweenTest, MissingSamplesCountAsZero) {
     Load({5, 10});
     EXPECT_EQ(TimeBetween(0, 1000000000000, list_, false), "10ns");
     EXPECT_EQ(TimeBetween(50, 60, list_, false), "0ns");
 }
 
-/// Against a walk over all between, however samples come and go.
-TEST_F(TimeBetweenTest, IsTheSumOverAllBetweenWheneverSamplesCome) {
+/// Compares with a sum over all samples in between, in any order of loading.
+TEST_F(TimeBetweenTest, IsTheSumOverAllSamplesInBetweenInAnyOrderOfLoading) {
     constexpr std::uint32_t seed = 5;
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
@@ -323,7 +322,7 @@ TEST_F(TimeBetweenTest, IsTheSumOverAllBetweenWheneverSamplesCome) {
         const std::size_t first = place();
         std::vector<SampleRecord> records(std::min<std::size_t>(random() % 90, count - first));
         for (std::size_t i = 0; i < records.size(); ++i) {
-            if (times[first + i] == 0) { // samples come once
+            if (times[first + i] == 0) { // samples arrive once
                 times[first + i] = static_cast<std::int64_t>(random() % 256);
                 records[i].bytes[14] = static_cast<std::uint8_t>(times[first + i]); // bits 112 on
             }
@@ -346,7 +345,7 @@ TEST_F(TimeBetweenTest, IsTheSumOverAllBetweenWheneverSamplesCome) {
     }
 }
 
-TEST_F(TimeBetweenTest, FollowsTheListWhoseTimeIsReplaced) {
+TEST_F(TimeBetweenTest, FollowsAListWhoseTimeIsReplaced) {
     Load(std::vector<int>(200, 10));
     EXPECT_EQ(TimeBetween(0, 199, list_, false), "1.990us");
     Load(std::vector<int>(200, 20));
@@ -364,7 +363,7 @@ TEST_F(TimeBetweenTest, FollowsTheListWhoseTimeIsReplaced) {
         signal->data[0] = signal->data[1] = 0;
     }
     list_.RebuildGroupRows(0, 64);
-    EXPECT_EQ(TimeBetween(0, 199, list_, false), "4.080us") << "64 samples of no time";
+    EXPECT_EQ(TimeBetween(0, 199, list_, false), "4.080us") << "64 samples without time";
 }
 
 TEST_F(TimeBetweenTest, IsEmptyWithoutAMarkerOrATime) {
@@ -383,7 +382,7 @@ TEST_F(TimeBetweenTest, IsEmptyWithoutAMarkerOrATime) {
 /// A decoded group of 32 or more bits in a listing of one sample.
 class DecodedTextTest : public testing::Test {
 protected:
-    /// The text of a cell with this value in a group of that width.
+    /// The text of a cell with this value in a group of this width.
     std::string Cell(const BoardTraits& board, DecodeKind kind, const Bytes& value, unsigned width,
                      const SampleRecord& record, const char* label = nullptr) {
         CSignal signal;
@@ -406,10 +405,10 @@ const SampleRecord dataPhase;
 const SampleRecord addressPhase = RecordOf({95});
 const SampleRecord attributePhase = RecordOf({93});
 
-TEST_F(DecodedTextTest, PciDataShowsOnlyInDataPhases) {
+TEST_F(DecodedTextTest, PciDataIsShownInDataPhasesOnly) {
     EXPECT_EQ(Cell(Board::Pci32(), DecodeKind::Data, word, 32, dataPhase), "12345678");
     EXPECT_EQ(Cell(Board::Pci32(), DecodeKind::Data, word, 32, addressPhase), "");
-    // Bit 93 is another line outside PCI-X.
+    // Outside PCI-X, bit 93 is another line.
     EXPECT_EQ(Cell(Board::Pci32(), DecodeKind::Data, word, 32, attributePhase), "12345678");
     EXPECT_EQ(Cell(Board::PciX(), DecodeKind::Data, word, 32, attributePhase), "");
 }
@@ -418,7 +417,7 @@ TEST_F(DecodedTextTest, PciDataBlanksTheDigitsOfDisabledLanes) {
     const auto board = Board::Pci64();
     EXPECT_EQ(Cell(board, DecodeKind::Data, word, 32, RecordOf({64})), "123456  ");
     EXPECT_EQ(Cell(board, DecodeKind::Data, word, 32, RecordOf({65, 67})), "  34  78");
-    // The blank between the halves is not a digit: C/BE[4] is the lane left of it.
+    // The blank between the halves is not a digit: C/BE[4] is the lane to its left.
     EXPECT_EQ(Cell(board, DecodeKind::Data, longWord, 64, RecordOf({68, 64})), "123456   90ABCD  ");
     EXPECT_EQ(Cell(board, DecodeKind::Data, longWord, 64, RecordOf({71})), "  345678 90ABCDEF");
     radix_ = Radix::Octal;
@@ -432,7 +431,7 @@ TEST_F(DecodedTextTest, VmeAndVsbDataIsPlain) {
     EXPECT_EQ(Cell(Board::Vsb(), DecodeKind::DataVsb, word, 32, anyLanes), "12345678");
 }
 
-TEST_F(DecodedTextTest, PciAddressShowsOnlyInAddressPhases) {
+TEST_F(DecodedTextTest, PciAddressIsShownInAddressPhasesOnly) {
     EXPECT_EQ(Cell(Board::Pci32(), DecodeKind::Address, word, 32, addressPhase), "12345678");
     EXPECT_EQ(Cell(Board::Pci32(), DecodeKind::Address, word, 32, dataPhase), "");
     EXPECT_EQ(Cell(Board::PciX(), DecodeKind::Address, word, 32, addressPhase), "12345678");
@@ -444,7 +443,7 @@ std::string Blanked(unsigned blanks) {
     return std::string(blanks, ' ') + std::string("12345678").substr(blanks);
 }
 
-TEST_F(DecodedTextTest, VmeAddressBlanksTheDigitsThatItsModifierLeavesOut) {
+TEST_F(DecodedTextTest, VmeAddressBlanksTheDigitsThatItsModifierExcludes) {
     const auto blanksOf = [](unsigned modifier) -> unsigned {
         switch (modifier) {
         case 0x29:
@@ -516,9 +515,9 @@ TEST_F(DecodedTextTest, SampleIsItsNumberFromTheTrigger) {
     EXPECT_EQ(Cell(Board::Pci32(), DecodeKind::Sample, {0}, 2, dataPhase), "7");
 }
 
-TEST_F(DecodedTextTest, AttributeFieldsShowInAttributeAndSplitPhases) {
+TEST_F(DecodedTextTest, AttributeFieldsAreShownInAttributeAndSplitPhases) {
     SampleRecord split = RecordOf({95});
-    split.bytes[8] = 0xAC; // only the low nibble counts
+    split.bytes[8] = 0xAC; // only the low nibble matters
     SampleRecord splitWithoutAddress;
     splitWithoutAddress.bytes[8] = 0x0C;
     for (const DecodeKind kind :

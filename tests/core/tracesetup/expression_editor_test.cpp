@@ -22,14 +22,14 @@ TEST(ExpressionEditor, AddsTokensFromTheHighestNibbleDown) {
     EXPECT_EQ(Text(editor), "E1.~E8");
 }
 
-TEST(ExpressionEditor, GoesOnBehindWhatIsThere) {
+TEST(ExpressionEditor, ContinuesAfterExistingTokens) {
     ExpressionEditor editor = Editor("E1+E2");
     editor.Add(TokenXor);
     editor.Add(3);
     EXPECT_EQ(Text(editor), "E1+E2xE3");
 }
 
-TEST(ExpressionEditor, OffersWhatMayFollow) {
+TEST(ExpressionEditor, OffersTheTokensThatMayFollow) {
     struct Row {
         const char* text;
         bool operand;
@@ -38,8 +38,7 @@ TEST(ExpressionEditor, OffersWhatMayFollow) {
     const Row rows[] = {
         {"None", true, false}, {"E1", false, true},  {"E8", false, true},  {"E1.", true, false},
         {"E1+", true, false},  {"~", true, false},   {"E1x", true, false}, {"(", true, false},
-        {"(E1)", false, true}, {"All", true, false}, {"E1)", false, true}, // brackets are not
-                                                                           // counted
+        {"(E1)", false, true}, {"All", true, false}, {"E1)", false, true}, // no bracket count
     };
     for (const Row& row : rows) {
         const ExpressionEditor editor = Editor(row.text);
@@ -48,12 +47,12 @@ TEST(ExpressionEditor, OffersWhatMayFollow) {
     }
 }
 
-TEST(ExpressionEditor, SixteenTokensAreAll) {
+TEST(ExpressionEditor, SixteenTokensAreTheLimit) {
     ExpressionEditor editor = Editor("~~~~~~~~~~~~~~~");
     editor.Add(1);
     const Expression full = editor.Bytes();
     EXPECT_EQ(Text(editor), "~~~~~~~~~~~~~~~E1");
-    EXPECT_TRUE(editor.TakesOperator()); // which does nothing
+    EXPECT_TRUE(editor.TakesOperator()); // has no effect
     editor.Add(TokenAnd);
     editor.Add(2);
     EXPECT_EQ(editor.Bytes(), full);
@@ -63,7 +62,7 @@ TEST(ExpressionEditor, SixteenTokensAreAll) {
     EXPECT_TRUE(editor.TakesOperand());
 }
 
-TEST(ExpressionEditor, FillsAGapAndKnowsAFullExpression) {
+TEST(ExpressionEditor, FillsAGapAndRecognizesAFullExpression) {
     ExpressionEditor editor(Expression{0, 0, 0, 0, 0, 0, 0x09, 0x10}); // E1, nothing, AND
     EXPECT_TRUE(editor.TakesOperator());
     editor.Add(TokenOr);
@@ -76,7 +75,7 @@ TEST(ExpressionEditor, FillsAGapAndKnowsAFullExpression) {
     EXPECT_EQ(full.Bytes()[0], 0x10);
 }
 
-TEST(ExpressionEditor, AnEventOverAllBeginsAnew) {
+TEST(ExpressionEditor, AnEventReplacesAll) {
     ExpressionEditor editor = Editor("E2");
     editor.SetAll();
     EXPECT_TRUE(editor.CanErase());
@@ -85,14 +84,14 @@ TEST(ExpressionEditor, AnEventOverAllBeginsAnew) {
     EXPECT_EQ(Text(editor), "E1");
 }
 
-TEST(ExpressionEditor, ClearsAndTakesBack) {
+TEST(ExpressionEditor, ClearsAndRemovesTheLastToken) {
     ExpressionEditor editor = Editor("E1+E2");
     editor.Backspace();
     EXPECT_EQ(Text(editor), "E1+");
     editor.Clear();
     EXPECT_EQ(editor.Bytes(), expressionNone);
     EXPECT_FALSE(editor.CanErase());
-    editor.Backspace(); // nothing to take back
+    editor.Backspace(); // nothing to remove
     EXPECT_EQ(editor.Bytes(), expressionNone);
     editor.Add(5);
     EXPECT_EQ(Text(editor), "E5");

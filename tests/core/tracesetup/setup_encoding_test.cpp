@@ -22,7 +22,7 @@ CSignalList ListOf(std::int32_t dataIndex, std::uint32_t data, std::uint32_t mas
     return list;
 }
 
-TEST(EventRows, HighestBitLandsInTheLastPair) {
+TEST(EventRows, TheHighestBitIsInTheLastPair) {
     const Bytes row = BuildEventRows(ListOf(119, 1, 1, true), 1);
     Bytes expected(30);
     expected[28] = 0x80;
@@ -30,14 +30,14 @@ TEST(EventRows, HighestBitLandsInTheLastPair) {
     EXPECT_EQ(row, expected);
 }
 
-TEST(EventRows, BitsBehindTheRowAreNotSent) {
-    // Two rows, so that what a first one wrote behind its end would be seen.
+TEST(EventRows, BitsAfterTheRowAreNotSent) {
+    // Two rows, so that a write past the end of the first would be visible.
     EXPECT_EQ(BuildEventRows(ListOf(120, 1, 1, true), 2), Bytes(60));
     EXPECT_EQ(BuildEventRows(ListOf(143, 1, 1, true), 2), Bytes(60));
     EXPECT_EQ(BuildEventRows(ListOf(-1, 1, 1, true), 1), Bytes(30));
 }
 
-TEST(EventRows, SignalWithoutAMaskSetsNoCompareBits) {
+TEST(EventRows, ASignalWithoutAMaskSetsNoCompareBits) {
     Bytes expected(30);
     expected[2] = 0x04;
     EXPECT_EQ(BuildEventRows(ListOf(10, 1, 0, false), 1), expected);
@@ -74,7 +74,7 @@ TEST(TraceControl, RowsOfTwentyBytes) {
     EXPECT_EQ(Bytes(bytes.begin() + 20, bytes.begin() + 40), second);
 }
 
-TEST(TraceControl, CountsAndLevelsLoseWhatDoesNotFit) {
+TEST(TraceControl, CountsAndLevelsAreCutToTheirFields) {
     BoardTables board("PCIKite-1");
     TraceSetup setup(board.tables);
     setup.levels[0].occurs = 65536;

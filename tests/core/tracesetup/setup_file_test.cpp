@@ -28,7 +28,7 @@ protected:
     TraceSetup setup{board.tables};
 };
 
-TEST_F(SetupFile, WrittenSetupIsReadBackEqual) {
+TEST_F(SetupFile, AWrittenSetupIsReadBackEqual) {
     setup.name = "My setup";
     setup.description = "line one\r\nline two";
     setup.clock = 7;
@@ -59,7 +59,7 @@ TEST_F(SetupFile, WrittenSetupIsReadBackEqual) {
     EXPECT_TRUE(prompts.Boxes().empty());
 }
 
-TEST_F(SetupFile, BeginsAndEndsAsSetupFilesDo) {
+TEST_F(SetupFile, BeginsAndEndsAsASetupFile) {
     setup.name = "N";
     setup.events.RemoveAllSignals();
     const std::string path = dir.File("b.tsp");
@@ -85,41 +85,41 @@ TEST_F(SetupFile, BeginsAndEndsAsSetupFilesDo) {
               "\"End of Setup Data\"\n");
 }
 
-TEST_F(SetupFile, HeaderAloneIsTheDefaultSetupWithoutSignals) {
+TEST_F(SetupFile, AHeaderAloneIsTheDefaultSetupWithoutSignals) {
     ASSERT_TRUE(Load(File("")));
     EXPECT_TRUE(setup.events.Empty());
     EXPECT_EQ(setup.levels[0].ifExpr, expressionAll);
 }
 
-TEST_F(SetupFile, QuoteInADescriptionEndsIt) {
+TEST_F(SetupFile, AQuoteInADescriptionEndsIt) {
     ASSERT_TRUE(Load(File("\"Description\",\"say \"hello\" twice\"\n")));
     EXPECT_EQ(setup.description, "say ");
 }
 
-TEST_F(SetupFile, WrongVersionSaysSoAfterItHasReplacedTheSetup) {
+TEST_F(SetupFile, AWrongVersionIsReportedAfterItHasReplacedTheSetup) {
     EXPECT_FALSE(
         Load("\"FileType\",\"Trace Setup File\"\n\"Version\",\"2.0\"\n\"Name\",\"new\"\n"));
     EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error: File version of 1.0 not found."});
     EXPECT_EQ(setup.name, "new");
 }
 
-TEST_F(SetupFile, WrongTypeSaysSo) {
+TEST_F(SetupFile, AWrongTypeIsReported) {
     EXPECT_FALSE(Load("\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n"));
     EXPECT_EQ(prompts.Texts(),
               std::vector<std::string>{"Error: File type of 'Trace Setup File' not found."});
 }
 
-TEST_F(SetupFile, MissingFileSaysSo) {
+TEST_F(SetupFile, AMissingFileIsReported) {
     EXPECT_FALSE(LoadSetupFile(setup, "/nonexistent/x.tsp", prompts));
     EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error opening file /nonexistent/x.tsp."});
 }
 
-TEST_F(SetupFile, FileThatCannotBeCreatedSaysSo) {
+TEST_F(SetupFile, AFileThatCannotBeCreatedIsReported) {
     EXPECT_FALSE(SaveSetupFile(setup, "/nonexistent/x.tsp", prompts));
     EXPECT_EQ(prompts.Texts(), std::vector<std::string>{"Error creating file /nonexistent/x.tsp."});
 }
 
-TEST_F(SetupFile, FullDiskSaysSoAndTheOldFileStays) {
+TEST_F(SetupFile, AFullDiskIsReportedAndTheOldFileStays) {
     const std::string path = dir.Write("old.tsp", "old");
     {
         const FullDisk disk(100);
@@ -129,7 +129,7 @@ TEST_F(SetupFile, FullDiskSaysSoAndTheOldFileStays) {
     EXPECT_EQ(ReadWholeFile(path), "old");
 }
 
-TEST_F(SetupFile, ADiskThatFailsAtTheEndSaysSoAndTheOldFileStays) {
+TEST_F(SetupFile, ADiskThatFailsAtTheEndIsReportedAndTheOldFileStays) {
     const std::string path = dir.Write("old.tsp", "old");
     const DiskSync disk(EIO);
     EXPECT_FALSE(SaveSetupFile(setup, path, prompts));
@@ -137,13 +137,13 @@ TEST_F(SetupFile, ADiskThatFailsAtTheEndSaysSoAndTheOldFileStays) {
     EXPECT_EQ(ReadWholeFile(path), "old");
 }
 
-TEST_F(SetupFile, UnknownClockSetsIndexZeroAndStrangeTextKeepsTheDefault) {
+TEST_F(SetupFile, AnUnknownClockSetsIndexZeroAndAnUnknownTextKeepsTheDefault) {
     ASSERT_TRUE(Load(File("\"Clock\",\"Unknown\"\n\"Trigger\",\"33%\"\n")));
     EXPECT_EQ(setup.clock, 0);
     EXPECT_EQ(setup.triggerPosition, 3);
 }
 
-TEST_F(SetupFile, LevelsOutsideAreIgnored) {
+TEST_F(SetupFile, InvalidLevelsAreIgnored) {
     ASSERT_TRUE(Load(File("\"Control\",9,\"E1\",5,\"Goto L2\",\"Goto L3\",\"E2\"\n"
                           "\"Control\",0,\"E1\",5,\"Goto L2\",\"Goto L3\",\"E2\"\n"
                           "\"Control\",\"Level\",\"If\"\n\"Control\"\n")));
@@ -151,20 +151,20 @@ TEST_F(SetupFile, LevelsOutsideAreIgnored) {
     EXPECT_EQ(setup.levels[8].occurs, 1);
 }
 
-TEST_F(SetupFile, ShortLevelRowLeavesTheRest) {
+TEST_F(SetupFile, AShortLevelRowKeepsTheOtherValues) {
     ASSERT_TRUE(Load(File("\"Control\",2,\"E5\",65536\n")));
     EXPECT_EQ(FormatExpression(setup.levels[1].ifExpr), "E5");
     EXPECT_EQ(setup.levels[1].occurs, 65536);
     EXPECT_EQ(setup.levels[1].storeExpr, expressionNone);
 }
 
-TEST_F(SetupFile, DataIndexesAreKeptWhateverTheBoard) {
+TEST_F(SetupFile, DataIndexesAreKeptForAnyBoard) {
     ASSERT_TRUE(Load(File("\"Signal\",\"DTACK\",\"DTACK\",\"\",\"\",\"\",-1,75,32,20,30,0\n"
                           "\"Data\",1,0,1\n\"End of Setup Data\"\n\"Name\",\"late\"\n")));
     ASSERT_EQ(setup.events.Size(), 1U);
     EXPECT_EQ(setup.events[0].dataIndex, 75);
     EXPECT_EQ(setup.events[0].data[0], 5U);
-    EXPECT_EQ(setup.name, ""); // behind the end
+    EXPECT_EQ(setup.name, ""); // it is after the end
 }
 
 TEST(ParseLevelRow, StimulusRowsHaveTheirOwnForms) {
@@ -182,7 +182,7 @@ TEST(ParseLevelRow, StimulusRowsHaveTheirOwnForms) {
               "\"Control\",15,\"E1\",3,\"STOP, Dur 4\",\"Goto SL2, Wait 6\",\"S7\"\n");
 }
 
-TEST_F(SetupFile, AreFoundByTheirNames) {
+TEST_F(SetupFile, SetupsAreFoundByTheirNames) {
     for (const char* file : {"b.tsp", "a.tsp"}) {
         TraceSetup each(board.tables);
         each.name = std::string("setup of ") + file;
@@ -196,7 +196,7 @@ TEST_F(SetupFile, AreFoundByTheirNames) {
     EXPECT_EQ(found[0].path, dir.File("a.tsp"));
     EXPECT_EQ(found[0].name, "setup of a.tsp");
     EXPECT_EQ(found[1].name, "setup of b.tsp");
-    EXPECT_EQ(found[2].name, "c") << "a file that gives no name";
+    EXPECT_EQ(found[2].name, "c") << "a file without a name in it";
     EXPECT_TRUE(FindSetupFiles(dir.File("nowhere")).empty());
     dir.Write("UPPER.TSP", "\"Name\",\"loud\"\n");
     EXPECT_EQ(FindSetupFiles(dir.Path()).front().name, "loud");

@@ -22,7 +22,7 @@ WizardValue Value(std::string_view text) {
     return value.value_or(WizardValue());
 }
 
-TEST(WizardValue, ReadsNothing) {
+TEST(WizardValue, AcceptsNoText) {
     EXPECT_EQ(Value(""), WizardValue());
     EXPECT_EQ(Value("  \t"), WizardValue());
 }
@@ -54,7 +54,7 @@ TEST(WizardValue, ReadsRanges) {
     }
 }
 
-TEST(WizardValue, TakesTwoEmptyEndsAsARange) {
+TEST(WizardValue, AcceptsTwoEmptyEndsAsARange) {
     const WizardValue value = Value("to");
     EXPECT_TRUE(value.range);
     EXPECT_EQ(value.low, Bytes());
@@ -70,7 +70,7 @@ TEST(WizardValue, UsesTheLastSixteenDigits) {
               (Bytes{0xEF, 0xCD, 0xAB, 0x89, 0x67, 0x45, 0x23, 0x01}));
 }
 
-TEST(WizardValue, SaysWhatItCannotRead) {
+TEST(WizardValue, ReportsWhatItCannotRead) {
     const std::pair<const char*, const char*> rows[] = {
         {" 12G4", "12g4"},          {"1 2", "1 2"},       {"-1", "-1"},
         {"100 to 2h", "100 to 2h"}, {"q to 5", "q to 5"}, {"1 to 2 to 3", "1 to 2 to 3"},
@@ -84,7 +84,7 @@ TEST(WizardValue, SaysWhatItCannotRead) {
     }
 }
 
-/// What the wizard makes for a board of its own.
+/// The program that the wizard creates for a board.
 class Wizard {
 public:
     explicit Wizard(const std::string& model, std::int32_t mode = BusPci, std::int32_t width = 0)
@@ -266,7 +266,7 @@ TEST(SetupWizard, NamesTheCommandsOfPciX) {
     EXPECT_THAT(wizard.Labels("COMMAND(PCI-X)", 0), Each("Mem Wr"));
 }
 
-TEST(SetupWizard, WithoutAddressAndDataTakesAddressPhases) {
+TEST(SetupWizard, WithoutAddressAndDataUsesAddressPhases) {
     Wizard wizard("PCIKite-1");
     wizard.store.cycle = WizardCycle::Memory;
     wizard.Build(none, none);
@@ -276,7 +276,7 @@ TEST(SetupWizard, WithoutAddressAndDataTakesAddressPhases) {
     wizard.trigger.cycle = WizardCycle::Io;
     wizard.Build(none, none);
     EXPECT_EQ(wizard.Label("ADR/DATA", 0), "Address");
-    EXPECT_EQ(wizard.Label("ADR/DATA", 4), "Both"); // of all commands, everything
+    EXPECT_EQ(wizard.Label("ADR/DATA", 4), "Both"); // everything, since all commands are chosen
     EXPECT_EQ(wizard.Label("ADR/DATA", 1), "Both");
     EXPECT_EQ(wizard.Label("=<>", 0), "Any");
     for (std::size_t column = 0; column < 8; ++column) {
@@ -291,7 +291,7 @@ TEST(SetupWizard, EverythingTriggersOnTheFirstEvent) {
     EXPECT_THAT(BuildEventRows(wizard.setup.events, 8), Each(0)); // no bit is compared
 }
 
-TEST(SetupWizard, FillsSinglesOfPci) {
+TEST(SetupWizard, FillsInSinglesOfPci) {
     Wizard wizard("PCIKite-1");
     wizard.Build("12345678", "xAB", "FEDCBA9876543210", "0");
     EXPECT_EQ(wizard.Bus(0), "0000000012345678/FFFFFFFFFFFFFFFF");
@@ -305,7 +305,7 @@ TEST(SetupWizard, FillsSinglesOfPci) {
     EXPECT_THAT(wizard.Labels("=<>", 4), ElementsAre("=", "Any", "=", "Any"));
 }
 
-TEST(SetupWizard, FillsRangesOfPci) {
+TEST(SetupWizard, FillsInRangesOfPci) {
     Wizard wizard("PCIKite-1", BusPci, 1);
     wizard.Build("100 to 200", "5 to 1x", "300 to 400", "0 to F");
     EXPECT_EQ(wizard.Bus(0), "0000000000000100/FFFFFFFFFFFFFFFF");
@@ -321,7 +321,7 @@ TEST(SetupWizard, FillsRangesOfPci) {
     }
 }
 
-TEST(SetupWizard, FillsTheAttributesOfPciX) {
+TEST(SetupWizard, FillsInTheAttributesOfPciX) {
     Wizard wizard("PCIKite-1", BusPciX);
     wizard.trigger.cycle = WizardCycle::Memory;
     wizard.Build("100 to 200", "5");
@@ -332,7 +332,7 @@ TEST(SetupWizard, FillsTheAttributesOfPciX) {
     EXPECT_EQ(wizard.Label("ADR/ATR/DATA", 0), "Address");
 }
 
-TEST(SetupWizard, SendsARangeAsTheBoardTakesIt) {
+TEST(SetupWizard, SendsARangeAsTheBoardExpectsIt) {
     Wizard wizard("PCIKite-1");
     wizard.trigger = {WizardCycle::Memory, WizardDirection::Write, {}, {}};
     wizard.Build("100 to 200", none);
@@ -386,7 +386,7 @@ TEST(SetupWizard, BuildsOneLevelOnVme) {
     }
 }
 
-TEST(SetupWizard, TakesTheDirectionOfVmeByItsPlace) {
+TEST(SetupWizard, TakesTheDirectionOfVmeByItsIndex) {
     Wizard wizard("VMEKite", BusVme);
     const char* const labels[] = {"Read", "Write", "Interrupt", "All"};
     for (std::size_t direction = 0; direction < 4; ++direction) {
@@ -398,13 +398,13 @@ TEST(SetupWizard, TakesTheDirectionOfVmeByItsPlace) {
         EXPECT_EQ(wizard.Label("COMMAND", 2), labels[3 - direction]);
         EXPECT_EQ(wizard.Label("COMMAND", 3), labels[3 - direction]);
     }
-    Wizard small("VMELark", BusVme); // which has no word for interrupts
+    Wizard small("VMELark", BusVme); // it has no label for interrupts
     small.trigger.direction = WizardDirection::VmeInterrupt;
     small.Build();
     EXPECT_EQ(small.Label("COMMAND", 0), "All");
 }
 
-TEST(SetupWizard, FillsBothHalvesOnVme) {
+TEST(SetupWizard, FillsInBothHalvesOnVme) {
     struct Row {
         const char* address;
         const char* data;
@@ -463,7 +463,7 @@ TEST(SetupWizard, SkipsRowsThatABoardDoesNotHave) {
     EXPECT_EQ(wizard.Label("COMMAND", 0), "I/O Rd");
 }
 
-TEST(SetupWizard, ReplacesWhatStoodThere) {
+TEST(SetupWizard, ReplacesEarlierValues) {
     Wizard wizard("PCIKite-1");
     wizard.setup.name = "name";
     wizard.setup.description = "text";

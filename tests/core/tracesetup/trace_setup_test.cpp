@@ -6,7 +6,7 @@
 namespace busquill::test {
 namespace {
 
-TEST(TraceSetup, DefaultsTriggerAtOnceAndStoreEverything) {
+TEST(TraceSetup, TheDefaultTriggersAtOnceAndStoresEverything) {
     BoardTables board("PCIKite-1");
     const TraceSetup setup(board.tables);
     EXPECT_EQ(ClockText(setup.clock), "Sync");
@@ -38,7 +38,7 @@ TEST(TraceSetup, ResetKeepsTypeAndVersion) {
     EXPECT_EQ(setup.levels[3], TraceLevel());
 }
 
-TEST(TraceSetup, CopyTakesTheNameAsDescription) {
+TEST(TraceSetup, ACopyTakesTheNameAsDescription) {
     BoardTables board("PCIKite-1");
     TraceSetup source(board.tables);
     source.name = "name";
@@ -64,7 +64,7 @@ TEST(Texts, OfClocksAndTriggerPositions) {
     EXPECT_EQ(TriggerText(-1), "");
 }
 
-TEST(Expression, FirstTokenStandsInTheHighestNibble) {
+TEST(Expression, TheFirstTokenIsInTheHighestNibble) {
     EXPECT_EQ(ParseExpression("E1.E2+~E3"), (Expression{0, 0, 0, 0, 0, 0xB3, 0x2A, 0x19}));
     EXPECT_EQ(FormatExpression({0, 0, 0, 0, 0, 0xB3, 0x2A, 0x19}), "E1.E2+~E3");
 }
@@ -77,7 +77,7 @@ TEST(Expression, AllAndNoneAreExact) {
     EXPECT_EQ(ParseExpression("all"), expressionNone);
 }
 
-TEST(Expression, OneChangedNibbleOfAllPrintsItsTokenOnly) {
+TEST(Expression, AllWithOneNibbleChangedPrintsItsTokenOnly) {
     Expression bytes = expressionAll;
     bytes[3] = 0xF5;
     EXPECT_EQ(FormatExpression(bytes), "E5");
@@ -89,7 +89,7 @@ TEST(Expression, UnknownEventsAndCharactersAreDropped) {
     EXPECT_EQ(FormatExpression(ParseExpression(" ( E8 x E1 ) ")), "(E8xE1)");
 }
 
-TEST(Expression, SeventeenthTokenIsDropped) {
+TEST(Expression, TheSeventeenthTokenIsDropped) {
     EXPECT_EQ(FormatExpression(ParseExpression("E1+E1+E1+E1+E1+E1+E1+E1+E2")),
               "E1+E1+E1+E1+E1+E1+E1+E1+");
 }
@@ -104,7 +104,7 @@ TEST(TraceGoto, TextAndBack) {
     EXPECT_TRUE(trigger);
 }
 
-TEST(TraceGoto, LevelOutsideKeepsItsOldValue) {
+TEST(TraceGoto, AnInvalidLevelKeepsItsOldValue) {
     std::int32_t level = 4;
     bool trigger = true;
     ParseTraceGoto("Goto L9", level, trigger);
@@ -131,7 +131,7 @@ TEST(StimulusGoto, TextAndBack) {
     EXPECT_EQ(wait, 1);
 }
 
-TEST(StimulusGoto, StopWinsOverAGoto) {
+TEST(StimulusGoto, StopTakesPrecedenceOverAGoto) {
     std::int32_t level = 0;
     std::int32_t duration = 0;
     std::int32_t wait = 0;

@@ -25,7 +25,7 @@ protected:
     void OpenState() { OpenFrame("State"); }
     void Close() {
         frame->close();
-        QTest::qWait(10); // until it is gone
+        QTest::qWait(10); // until it is closed
     }
     std::vector<std::string> Functions() { return board->Functions(); }
     /// The names of the functions that the board was asked for, without the polls of its status.
@@ -71,7 +71,7 @@ TEST_F(LiveCapture, FromGoToASavedFile) {
     EXPECT_EQ(StatusDialog()->findChild<QLabel*>("If Event")->text(), "E2");
     EXPECT_EQ(Text("Level"), "L2");
     EXPECT_GT(gauge.before, 0);
-    ASSERT_TRUE(Complete()); // by itself, on a full buffer
+    ASSERT_TRUE(Complete()); // the run ends with a full buffer
     EXPECT_EQ(StatusDialog(), nullptr);
 
     const CSampleStore& store = Trace().GetStore();
@@ -86,7 +86,7 @@ TEST_F(LiveCapture, FromGoToASavedFile) {
     for (std::int64_t i = 0; i < Trace().SampleCount(false); ++i) {
         ASSERT_TRUE(Trace().IsValidSample(i, false)) << i;
     }
-    // The trigger is the first read behind the hundredth write: command 6 in an address phase.
+    // The trigger is the first read after the hundredth write: command 6 in an address phase.
     const SampleRecord trigger = *Trace().GetSample(Trace().Marker(0, false), false);
     EXPECT_EQ(trigger.bytes[8] & 0x0F, 6);
     EXPECT_TRUE(trigger.Bit(95));
@@ -106,7 +106,8 @@ TEST_F(LiveCapture, FromGoToASavedFile) {
     const auto blocks = static_cast<std::size_t>((Trace().SampleCount(false) + 31) / 32);
     const std::set<std::string> read(after.begin() + 3, after.end());
     EXPECT_EQ(read.size(), blocks);
-    EXPECT_LE(after.size(), 3 + blocks + 10) << "but for those that the view wanted, once each";
+    EXPECT_LE(after.size(), 3 + blocks + 10)
+        << "except for those that the view requested, once each";
 
     // The file.
     Trace().SetPathName(dir.File("saved.tra"));
@@ -120,7 +121,7 @@ TEST_F(LiveCapture, FromGoToASavedFile) {
         EXPECT_TRUE(RunUntil([&] { return !dialog.isVisible(); }));
     });
     EXPECT_FALSE(Trace().IsModified());
-    // Under another name, since an open file would come to the front.
+    // Under another name, since an open file would be raised.
     std::filesystem::copy(dir.File("saved.tra"), dir.File("copy.tra"));
     auto* loaded = dynamic_cast<CTesselDoc*>(program->App().OpenDocumentFile(dir.File("copy.tra")));
     ASSERT_NE(loaded, nullptr);
@@ -136,7 +137,7 @@ TEST_F(LiveCapture, FromGoToASavedFile) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(LiveCapture, StopEndsItAndAViewsSamplesComeFirst) {
+TEST_F(LiveCapture, StopEndsItAndTheSamplesOfAViewAreReadFirst) {
     Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
     StopALongRun();
@@ -184,13 +185,13 @@ TEST_F(LiveCapture, TwoFramesAndAZoomFrameShowOneCapture) {
     EXPECT_EQ(Frame().Area().activeSubWindow(), frame);
     EXPECT_TRUE(frame->TraceView().hasFocus());
     EXPECT_EQ(Frame().Area().subWindowList(QMdiArea::StackingOrder).last(), &zoom)
-        << "or nobody would see it";
+        << "otherwise nobody would see it";
     EXPECT_EQ(zoom.windowTitle(), "Power Zoom - New");
     EXPECT_FALSE(zoom.Bar().GoButton().isVisible());
     EXPECT_FALSE(zoom.Bar().SetupBox().isVisible());
     EXPECT_EQ(zoom.Bar().findChild<QLabel*>("Before")->text(), "0000255");
     EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
-    // A frame that goes during a run leaves the others theirs.
+    // A frame that closes during a run does not affect the others.
     Go();
     EXPECT_EQ(zoom.Bar().findChild<QLabel*>("Before")->text(), "0000255");
     EXPECT_EQ(zoom.Bar().findChild<QLabel*>("After")->text(), "0000255");
@@ -241,7 +242,7 @@ TEST_F(LiveCapture, ADisplaySwitchedDuringTheRunKeepsTheGauge) {
     EXPECT_EQ(second.Bar().Gauge().State().after, -1);
 }
 
-TEST_F(LiveCapture, ANewRunForgetsTheFileOfTheOneBefore) {
+TEST_F(LiveCapture, ANewRunForgetsTheFileOfThePreviousOne) {
     Connect({"--buffer", "1"});
     OpenState();
     Go();
@@ -250,7 +251,7 @@ TEST_F(LiveCapture, ANewRunForgetsTheFileOfTheOneBefore) {
     EXPECT_EQ(SaveTraceUnder(path, [&] { Choose("File/Save"); }), "Trace.tra");
     EXPECT_NE(FindEntry(Frame(), "File/1 first.tra"), nullptr) << "among the recent files";
     EXPECT_EQ(Trace().GetPathName(), path);
-    // Save again needs no name.
+    // Saving again needs no name.
     AnswerDialog<CSaveTraceDialog>([&] { Choose("File/Save"); }, [](CSaveTraceDialog&) {});
 
     Go();
@@ -258,9 +259,9 @@ TEST_F(LiveCapture, ANewRunForgetsTheFileOfTheOneBefore) {
     const std::string saved = ReadWholeFile(path);
     const std::string second = dir.File("second.tra");
     EXPECT_EQ(SaveTraceUnder(second, [&] { Choose("File/Save"); }), "Trace.tra");
-    EXPECT_TRUE(ReadWholeFile(path) == saved) << "the first run is gone";
+    EXPECT_TRUE(ReadWholeFile(path) == saved) << "the first run is replaced";
     EXPECT_TRUE(std::filesystem::exists(second));
-    // So does a setup that empties the trace.
+    // The same holds for a setup that empties the trace.
     AnswerDialog<CTraceSetupDialog>(
         [&] { QTest::mouseClick(&Bar().SetupButton(), Qt::LeftButton); },
         [](CTraceSetupDialog& dialog) {
@@ -288,7 +289,7 @@ TEST_F(LiveCapture, ASavedCaptureIsOpenedBesideTheLiveOne) {
     EXPECT_EQ(opened->SampleCount(false), Trace().SampleCount(false));
 }
 
-TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadLeavesTheProgramInOrder) {
+TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadDoesNoHarm) {
     Connect({"--buffer", "64", "--rate", "20000"});
     prompts.AnswerNext(Answer::No); // changes are not saved
     OpenState();
@@ -306,7 +307,7 @@ TEST_F(LiveCapture, ADocumentClosedDuringRunAndUploadLeavesTheProgramInOrder) {
     EXPECT_EQ(Frame().PaneText(1), "PCIKite-3");
 }
 
-TEST_F(LiveCapture, GoOnAFileMakesALiveTraceOfItsListsAndSetup) {
+TEST_F(LiveCapture, GoOnAFileStartsALiveTraceWithItsListsAndSetup) {
     Connect();
     ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);
     frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
@@ -331,7 +332,7 @@ TEST_F(LiveCapture, GoOnAFileMakesALiveTraceOfItsListsAndSetup) {
                                      "before creating a new one."));
     EXPECT_EQ(Windows().size(), 2);
     EXPECT_THAT(Run(), testing::Not(Contains(HasSubstr("start trace"))));
-    // What is opened next is no clone.
+    // The document that is opened next is not a clone.
     Choose("Window/2 " + Windows()[1]->windowTitle());
     Choose("File/Close");
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -365,7 +366,8 @@ TEST_F(LiveCapture, TheDisplayButtonSwitchesOpensOrActivates) {
     auto& second = dynamic_cast<CChildFrame&>(*Windows().last());
     EXPECT_TRUE(second.IsStateFrame());
     Frame().Area().setActiveSubWindow(frame);
-    QTest::mouseClick(&Bar().DisplayButton(), Qt::LeftButton); // no dialog: there is one
+    QTest::mouseClick(&Bar().DisplayButton(),
+                      Qt::LeftButton); // no dialog, since there is already a window
     EXPECT_EQ(Frame().Area().activeSubWindow(), &second);
     EXPECT_EQ(Windows().size(), 2);
 }
@@ -390,7 +392,7 @@ TEST_F(LiveCapture, BoardsWithoutPowerZoomHaveNoButtonForIt) {
     EXPECT_TRUE(Bar().GoButton().isVisible());
 }
 
-TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheRunEndsItWithoutSamples) {
+TEST_F(LiveCapture, ABoardThatDisappearsDuringTheRunEndsItWithoutSamples) {
     Connect({"--buffer", "64", "--rate", "1000"});
     OpenState();
     Go();
@@ -402,7 +404,7 @@ TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheRunEndsItWithoutSamples) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheUploadLeavesWhatHasCome) {
+TEST_F(LiveCapture, ABoardThatDisappearsDuringTheUploadKeepsTheSamplesThatArrived) {
     Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
     StopALongRun();
@@ -415,7 +417,7 @@ TEST_F(LiveCapture, ABoardThatGoesAwayDuringTheUploadLeavesWhatHasCome) {
     frame->TraceView().ShowSample(0);
 }
 
-TEST_F(LiveCapture, GoOnABoardThatIsGoneEndsAtTheFirstCommand) {
+TEST_F(LiveCapture, GoOnALostBoardEndsAtTheFirstCommand) {
     Connect({"--buffer", "2"});
     OpenState();
     Go();
@@ -431,7 +433,7 @@ TEST_F(LiveCapture, GoOnABoardThatIsGoneEndsAtTheFirstCommand) {
     EXPECT_THAT(texts, testing::Each(testing::StartsWith("Error writing to COM1, err ")));
     EXPECT_LE(texts.size(), 5U) << "the tries of one command";
     EXPECT_FALSE(Running());
-    EXPECT_EQ(Trace().SampleCount(false), samples) << "nothing takes their place";
+    EXPECT_EQ(Trace().SampleCount(false), samples) << "no samples replace them";
     QTest::qWait(500);
     EXPECT_EQ(prompts.Texts().size(), texts.size() + 1);
 }

@@ -23,12 +23,12 @@ struct FamilyCase {
     const char* model;
     std::int32_t mode;
     std::int32_t width;
-    std::vector<std::string> options; // that name the same board to the program
+    std::vector<std::string> options; // that select the same board on the command line
 };
 
 using Table = std::vector<std::vector<std::string>>;
 
-/// Values separated by commas, with quotes where they are needed.
+/// Comma-separated values, with quotes where necessary.
 Table ParseCsv(const std::string& text) {
     Table table(1, {""});
     bool quoted = false;
@@ -55,14 +55,14 @@ class ListingAgreement : public testing::TestWithParam<FamilyCase> {
 protected:
     static constexpr int samples = 400;
     static constexpr int first = -150;
-    static constexpr int columnWidth = 700; // for the longest finding
+    static constexpr int columnWidth = 700; // fits the longest finding
     static constexpr int sampleColumn = 80;
 
     ListingAgreement()
         : board(GetParam().model, GetParam().mode, GetParam().width),
           records(boardsim::MakeRecords(GetParam().family, 5, samples)) {}
 
-    /// Writes the capture; `lists` stand before the samples, of which `keep` says which there are.
+    /// Writes the capture; `lists` precede the samples, and `keep` selects the samples.
     void WriteCapture(const std::string& lists, bool (*keep)(int), bool zoom) {
         std::string text = "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n" + lists +
                            "\n\"Trace Data\"," + std::to_string(first) + "," +
@@ -84,7 +84,7 @@ protected:
         path = dir.Write("capture.tra", text);
     }
 
-    /// What the window paints from a row on, titles first; columns made wide.
+    /// What the window paints from a row on, the titles first, with wide columns.
     Table Painted(std::int64_t topRow, bool zoom) {
         CTesselDoc document(context, prompts);
         EXPECT_TRUE(document.OnOpenDocument(path));
@@ -140,8 +140,8 @@ protected:
         }
     }
 
-    /// The default list with all that a listing can hold besides: computed columns, a blank one, a
-    /// hidden one, an expanded bus, other radixes.
+    /// The default list with everything else that a listing can show: computed columns, a blank
+    /// one, a hidden one, an expanded bus, other radixes.
     std::string RichList(const std::string& section = "State") {
         CSignalList list(board.tables);
         list.BuildFromTables(0, ModeState);
@@ -204,7 +204,7 @@ TEST_P(ListingAgreement, WithSamplesLeftOut) {
 TEST_P(ListingAgreement, FromAnyRowOn) {
     WriteCapture(
         RichList(), [](int i) { return i % 3 != 1; }, false);
-    const Table painted = Painted(200, false); // which is not the sample's place
+    const Table painted = Painted(200, false); // not the number of the sample
     ExpectSame(Printed({"--from", painted[1][0]}), painted);
 }
 
@@ -216,7 +216,7 @@ TEST_P(ListingAgreement, OfThePowerZoom) {
     ExpectSame(Printed({"--zoom"}), painted);
 }
 
-TEST_P(ListingAgreement, OfThePowerZoomBesideSamplesThatAreLeftOut) {
+TEST_P(ListingAgreement, OfThePowerZoomBesideFilteredSamples) {
     WriteCapture(
         RichList("Power Zoom"), [](int i) { return i % 3 != 1; }, true);
     ExpectSame(Printed({"--zoom"}), Painted(0, true));

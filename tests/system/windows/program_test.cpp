@@ -67,7 +67,7 @@ TEST_F(WithBoard, BusConfigurationReachesTheBoardAndTheStatusBar) {
 TEST_F(WithBoard, SavedBusConfigurationIsRestoredAtTheNextStart) {
     Connect();
     ConfigureBus("PCI-X", "100", true);
-    Connect(); // a board that has forgotten
+    Connect(); // a board without the earlier configuration
     EXPECT_EQ(Frame().PaneText(2), "PCI-X");
     EXPECT_EQ(Frame().PaneText(3), "100 MHz");
 }

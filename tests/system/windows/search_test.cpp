@@ -30,7 +30,7 @@ protected:
         ASSERT_TRUE(Complete());
         ASSERT_GT(Trace().SampleCount(false), 500);
     }
-    /// Clicks a line's cell in the dialog of an entry until it shows a text.
+    /// Clicks a line's cell in the dialog of an entry until it shows `text`.
     template <class Dialog>
     void SetCell(const QString& entry, const std::string& line, const std::string& text) {
         ChooseDialog<Dialog>(entry, [&](Dialog& dialog) {
@@ -60,7 +60,7 @@ protected:
     }
 };
 
-TEST_F(LiveSearch, TheBoardFindsWhatIsLookedFor) {
+TEST_F(LiveSearch, TheBoardFindsTheSearchPattern) {
     Connect({"--buffer", "4", "--rate", "20000"});
     Capture();
     SetCell<CSearchPatternDlg>("Search/Find Pattern", "FRAME", "0");
@@ -81,7 +81,7 @@ TEST_F(LiveSearch, TheBoardFindsWhatIsLookedFor) {
     }
     Choose("Search/Find Previous");
     EXPECT_EQ(Hit(), expected);
-    // From before the trigger over it.
+    // From before the trigger to after it.
     const std::int64_t trigger = Trace().Marker(0, false);
     Trace().SetMarker(1, trigger - 1);
     Choose("Search/Find Next");
@@ -119,7 +119,7 @@ TEST_F(LiveSearch, TheFilterHidesAndTheFilteredCaptureCanBeSaved) {
     auto* loaded = dynamic_cast<CTesselDoc*>(program->App().OpenDocumentFile(dir.File("copy.tra")));
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->RowCount(false), low);
-    // All of it again.
+    // All rows are shown again.
     Frame().Area().setActiveSubWindow(frame);
     SetCell<CFilterPatternDlg>("Search/Filter", "FRAME", "X");
     EXPECT_EQ(Trace().RowCount(false), all);
@@ -134,7 +134,7 @@ TEST_F(LiveSearch, AfterARunWithoutSamplesTheFilterHasNothingToShow) {
     ASSERT_TRUE(RunUntil([&] { return !Running(); }));
     ASSERT_EQ(Trace().SampleCount(false), 0);
     SetCell<CFilterPatternDlg>("Search/Filter", "FRAME", "0");
-    EXPECT_EQ(Trace().RowCount(false), 0) << "those of the capture before are not its own";
+    EXPECT_EQ(Trace().RowCount(false), 0) << "the samples of the previous capture are gone";
     EXPECT_FALSE(Trace().IsFiltered());
 }
 
@@ -172,14 +172,15 @@ TEST_F(LiveSearch, GoesToASampleByItsNumber) {
         QTest::keyClick(&field, Qt::Key_Delete);
         dialog.accept();
     });
-    EXPECT_EQ(frame->TraceView().CenterSample(), Trace().Marker(0, false)) << "no number is 0";
+    EXPECT_EQ(frame->TraceView().CenterSample(), Trace().Marker(0, false))
+        << "an empty number is 0";
     go(-1000000);
     EXPECT_EQ(frame->TraceView().TopSample(), 0);
     go(1000000);
     EXPECT_GT(frame->TraceView().CenterSample(), Trace().SampleCount(false) - 100);
 }
 
-TEST_F(LiveSearch, WhileACaptureRunsThereIsNone) {
+TEST_F(LiveSearch, SearchesAreUnavailableDuringACapture) {
     Connect({"--buffer", "1024", "--rate", "1000"});
     OpenFrame("State");
     Go();

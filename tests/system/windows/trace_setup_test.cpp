@@ -1,4 +1,4 @@
-// Trigger programs made in the windows, run on the simulated board.
+// Trigger programs created in the windows, run on the simulated board.
 
 #include "boardsim/traffic.h"
 #include "support/live_frame_fixture_qt.h"
@@ -28,7 +28,7 @@ using testing::IsEmpty;
 
 class LiveSetup : public LiveFrameFixture {
 protected:
-    /// Opens the dialog by the bar's button and does something in it.
+    /// Opens the dialog by the bar's button and calls `act` on it.
     void EditSetup(const std::function<void(CTraceSetupDialog&)>& act) {
         AnswerDialog<CTraceSetupDialog>(
             [&] { QTest::mouseClick(&Bar().SetupButton(), Qt::LeftButton); }, act);
@@ -46,7 +46,7 @@ protected:
         AnswerDialog<QFileDialog>([&] { Press(dialog, button); },
                                   [&](QFileDialog& files) { GiveFileName(files, name); });
     }
-    /// Saves over a file that is there.
+    /// Saves over an existing file.
     static void SaveOver(CTraceSetupDialog& dialog, const std::string& path) {
         AnswerDialog<QFileDialog>([&] { Press(dialog, "Save"); },
                                   [&](QFileDialog& files) { ReplaceFile(files, path); });
@@ -57,7 +57,7 @@ protected:
                           Qt::NoScrollPhase, false);
         QApplication::sendEvent(&over, &event);
     }
-    /// Commands since a place in the board's log.
+    /// The commands after a position in the board's log.
     std::vector<std::string> Sent(std::size_t since) {
         auto functions = board->Functions();
         functions.erase(functions.begin(), functions.begin() + static_cast<std::ptrdiff_t>(since));
@@ -73,7 +73,7 @@ protected:
     }
 };
 
-TEST_F(LiveSetup, TheWizardsProgramTriggersOnWhatWasAskedFor) {
+TEST_F(LiveSetup, TheWizardsProgramTriggersOnTheChosenCycle) {
     Connect({"--buffer", "1", "--seed", "6"});
     OpenFrame("State");
     EditSetup([](CTraceSetupDialog& dialog) {
@@ -158,7 +158,7 @@ TEST_F(LiveSetup, AnEditedSetupGoesToTheBoardAtOnce) {
         SetExpression(dialog, "If1", {"ALL", "OK"});
         Press(dialog, "OK");
     });
-    // Three payloads, and the capture of the old program is gone.
+    // Three payloads, and the capture of the old program is cleared.
     const auto now = Sent(sent);
     EXPECT_EQ(std::count_if(now.begin(), now.end(),
                             [](const std::string& line) {
@@ -175,7 +175,7 @@ TEST_F(LiveSetup, AnEditedSetupGoesToTheBoardAtOnce) {
         ASSERT_EQ(gauge.pixelColor(x, gauge.height() / 2), QColor(0xC0, 0xC0, 0xC0)) << x;
     }
     EXPECT_TRUE(Trace().IsModified());
-    // Go would read the file again, which has not changed.
+    // Go would read the file again, which is unchanged.
     EXPECT_EQ(Chosen(), "<New>");
     EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), dir.File("MemoryWrite.tsp"));
     EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupDir", ""), dir.Path() + "/");
@@ -231,7 +231,7 @@ TEST_F(LiveSetup, ASavedSetupIsInTheBoxOfEachFrame) {
         EXPECT_EQ(box.currentData().toString().toStdString(), path);
         EXPECT_EQ(box.count(), 2); // and "<New>"
     }
-    // It opens on that file.
+    // The dialog opens with that file.
     EditSetup([&](CTraceSetupDialog& dialog) { EXPECT_EQ(dialog.Path(), path); });
     EXPECT_EQ(Chosen(), "Mine");
 }
@@ -258,7 +258,7 @@ TEST_F(LiveSetup, ASetupSavedOverItsOwnFileStaysChosen) {
             Press(dialog, "OK");
         });
         EXPECT_EQ(Trace().setupPath, path);
-        EXPECT_EQ(Trace().setupName, file) << "as the file calls it now";
+        EXPECT_EQ(Trace().setupName, file) << "the current name in the file";
         EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), path);
         for (const CChildFrame* each : {frame, waveform}) {
             EXPECT_EQ(each->Bar().SetupBox().currentText(), file);
@@ -282,7 +282,7 @@ TEST_F(LiveSetup, ASetupSavedOverItsOwnFileAndCancelledStaysChosen) {
     EXPECT_EQ(Chosen(), "MemoryWrite");
     EXPECT_EQ(Trace().setupName, "MemoryWrite");
     EXPECT_EQ(FormatExpression(Trace().setup.levels[0].storeExpr), "All");
-    Go(); // reads what the file says now
+    Go(); // reads the current content of the file
     EXPECT_EQ(FormatExpression(Trace().setup.levels[0].storeExpr), "E2");
     Stop();
     ASSERT_TRUE(Complete());
@@ -315,7 +315,7 @@ TEST_F(LiveSetup, TheWheelOverTheSetupBoxChangesNothing) {
     EXPECT_EQ(Chosen(), "Memory write");
     EXPECT_EQ(Trace().setupName, "Memory write");
     EXPECT_THAT(Sent(sent), IsEmpty());
-    // Who has clicked into it turns it on purpose.
+    // After a click into the box the wheel works, since the user means it.
     Bar().SetupBox().setFocus();
     TurnWheel(Bar().SetupBox());
     EXPECT_EQ(Trace().setupName, "Read after 100 writes");
@@ -349,7 +349,7 @@ TEST_F(LiveSetup, ACancelledDialogSendsNothing) {
     EXPECT_EQ(Chosen(), "Memory write");
 }
 
-TEST_F(LiveSetup, ADescriptionThatIsInNoFileIsNotReadOver) {
+TEST_F(LiveSetup, AnUnsavedDescriptionIsNotOverwrittenByTheFile) {
     Connect();
     OpenFrame("State");
     ChooseSetup("Memory write");
@@ -359,7 +359,7 @@ TEST_F(LiveSetup, ADescriptionThatIsInNoFileIsNotReadOver) {
         Press(dialog, "OK");
     });
     EXPECT_EQ(Chosen(), "<New>");
-    EXPECT_THAT(Sent(sent), IsEmpty()) << "the program is as it was";
+    EXPECT_THAT(Sent(sent), IsEmpty()) << "the program is unchanged";
     Go();
     EXPECT_TRUE(Trace().setup.description.starts_with("Mine: "));
     EXPECT_EQ(FormatExpression(Trace().setup.levels[0].ifExpr), "E1");
@@ -367,11 +367,11 @@ TEST_F(LiveSetup, ADescriptionThatIsInNoFileIsNotReadOver) {
     ASSERT_TRUE(Complete());
 }
 
-TEST_F(LiveSetup, ADeletedFileIsChosenNoMore) {
+TEST_F(LiveSetup, ADeletedFileIsNotSelectedAnyMore) {
     Connect();
     OpenFrame("State");
     ChooseSetup("Memory write");
-    // Another file that calls its setup so.
+    // Another file whose setup has the same name.
     std::filesystem::copy(dir.File("MemoryWrite.tsp"), dir.File("Copy.tsp"));
     EditSetup([&](CTraceSetupDialog& dialog) {
         ChooseFile(dialog, "Delete", dir.File("MemoryWrite.tsp"));
@@ -406,7 +406,7 @@ TEST_F(LiveSetup, ASaveWithoutAChangeKeepsTheCapture) {
     EXPECT_EQ(Trace().SampleCount(false), count);
 }
 
-TEST_F(LiveSetup, ASmallBoardGetsTheClockThatItCanDo) {
+TEST_F(LiveSetup, ASmallBoardGetsASupportedClock) {
     Connect({"--model", "PCIWren", "--buffer", "1"});
     OpenFrame("State");
     TraceSetup fast(program->Tables());
@@ -417,13 +417,13 @@ TEST_F(LiveSetup, ASmallBoardGetsTheClockThatItCanDo) {
         Press(dialog, "OK");
     });
     ASSERT_EQ(prompts.Texts().size(), 1U);
-    EXPECT_EQ(Chosen(), "<New>") << "the file would bring the other clock back";
+    EXPECT_EQ(Chosen(), "<New>") << "the file would set the other clock again";
     Go();
     EXPECT_EQ(Trace().setup.clock, 5);
     ASSERT_TRUE(Complete());
 }
 
-TEST_F(LiveSetup, NewBeginsAnewInTheDialog) {
+TEST_F(LiveSetup, NewResetsTheDialog) {
     Connect();
     OpenFrame("State");
     ChooseSetup("Memory write");
@@ -439,7 +439,7 @@ TEST_F(LiveSetup, NewBeginsAnewInTheDialog) {
     EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", "?"), "");
 }
 
-TEST_F(LiveSetup, WhileACaptureRunsTheSetupStays) {
+TEST_F(LiveSetup, TheSetupIsFixedDuringACapture) {
     Connect({"--buffer", "1024", "--rate", "1000"});
     OpenFrame("State");
     Go();
@@ -501,7 +501,7 @@ TEST_F(LiveSetup, TheTraceStatusWindowFollowsItsTick) {
     EXPECT_FALSE(statusShown());
 }
 
-TEST_F(LiveSetup, TheSetupOfAFileIsLookedAt) {
+TEST_F(LiveSetup, TheSetupOfAFileCanBeViewed) {
     Connect();
     ASSERT_NE(program->App().OpenDocumentFile(dir.File("Trigger2.tra")), nullptr);
     frame = &dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
@@ -519,7 +519,7 @@ TEST_F(LiveSetup, TheSetupOfAFileIsLookedAt) {
     EXPECT_THAT(Sent(sent), IsEmpty());
 }
 
-TEST_F(LiveSetup, HelpLeadsToItsPages) {
+TEST_F(LiveSetup, HelpOpensItsPages) {
     Connect();
     OpenFrame("State");
     const auto help = [] {
@@ -531,7 +531,7 @@ TEST_F(LiveSetup, HelpLeadsToItsPages) {
         throw std::runtime_error("no help");
     };
     const auto text = [&] { return help()->findChild<QTextBrowser*>()->toPlainText(); };
-    // A modal dialog lets the user only into windows that belong to it.
+    // A modal dialog allows input only in windows that belong to it.
     EditSetup([&](CTraceSetupDialog& dialog) {
         Press(dialog, "Help");
         EXPECT_TRUE(text().startsWith("Trace Setup"));

@@ -92,7 +92,7 @@ TEST_F(LiveWaveforms, FromGoToPowerZoomAndTheListing) {
     frame->SwitchDisplay(false);
     EXPECT_EQ(frame->TraceView().CenterSample(), trigger);
 
-    // Power Zoom, whose samples the board was asked for before all others.
+    // Power Zoom, whose samples were read before all others.
     QTest::mouseClick(&frame->Bar().ZoomButton(), Qt::LeftButton);
     Take(*Windows().last());
     ASSERT_TRUE(frame->IsZoomFrame());
@@ -102,11 +102,11 @@ TEST_F(LiveWaveforms, FromGoToPowerZoomAndTheListing) {
     ClickSample(252, Qt::RightButton);
     EXPECT_EQ(Trace().Marker(1, true), 250);
     EXPECT_EQ(Trace().Marker(2, true), 252);
-    EXPECT_EQ(Trace().Marker(1, false), first + 3) << "the others stay";
+    EXPECT_EQ(Trace().Marker(1, false), first + 3) << "the other markers are unchanged";
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(LiveWaveforms, AreEmptyUntilTheirSamplesHaveCome) {
+TEST_F(LiveWaveforms, AreEmptyUntilTheirSamplesHaveArrived) {
     Connect({"--buffer", "1024", "--rate", "100000"});
     OpenWaveform();
     StopALongRun();

@@ -184,7 +184,7 @@ TEST_F(SaveTrace, SavesTheRange) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(SaveTrace, AWrongRangeKeepsTheDialogOpen) {
+TEST_F(SaveTrace, AnInvalidRangeKeepsTheDialogOpen) {
     Capture(100, 120);
     Open();
     Enter("-101", "0");
@@ -201,7 +201,7 @@ TEST_F(SaveTrace, AWrongRangeKeepsTheDialogOpen) {
     EXPECT_FALSE(std::filesystem::exists(Path()));
 }
 
-TEST_F(SaveTrace, AFileThatCannotBeMadeKeepsTheDialogOpen) {
+TEST_F(SaveTrace, AFileThatCannotBeCreatedKeepsTheDialogOpen) {
     Capture(10, 10);
     CSaveTraceDialog nowhere(nullptr, *document, "/nonexistent/a.tra", prompts, mainThread);
     nowhere.show();
@@ -211,7 +211,7 @@ TEST_F(SaveTrace, AFileThatCannotBeMadeKeepsTheDialogOpen) {
     EXPECT_TRUE(nowhere.findChild<QLineEdit*>("Start")->isEnabled());
 }
 
-TEST_F(SaveTrace, WithoutSamplesItEndsAtOnce) {
+TEST_F(SaveTrace, WithoutSamplesItClosesAtOnce) {
     OpenBoard("PCIWren");
     NewDocument();
     Open();
@@ -222,7 +222,7 @@ TEST_F(SaveTrace, WithoutSamplesItEndsAtOnce) {
 
 class SaveDuringUpload : public SaveTrace {
 protected:
-    /// An upload that stands still at its first block.
+    /// An upload that stops at its first block.
     void BeginHeldUpload() {
         OpenBoard("PCIWren");
         SetLive(0x20, 500, 500);
@@ -246,11 +246,11 @@ TEST_F(SaveDuringUpload, WaitsForTheSamples) {
     gate.Open();
     ASSERT_TRUE(Ends());
     EXPECT_EQ(dialog->result(), QDialog::Accepted);
-    EXPECT_EQ(BlockOrder()[1], 0) << "the block that it waits for comes next";
+    EXPECT_EQ(BlockOrder()[1], 0) << "the block that it waits for is read next";
     EXPECT_EQ(Load()->SampleCount(false), 1001);
 }
 
-TEST_F(SaveDuringUpload, CancelLeavesTheFileAsFarAsItWasWritten) {
+TEST_F(SaveDuringUpload, CancelKeepsTheRowsWrittenSoFar) {
     BeginHeldUpload();
     Open();
     Click(*dialog, "OK");
@@ -263,7 +263,7 @@ TEST_F(SaveDuringUpload, CancelLeavesTheFileAsFarAsItWasWritten) {
     EXPECT_EQ(Load()->RowCount(false), 0);
 }
 
-TEST_F(SaveTrace, SamplesThatWillNotComeAreToldAndAnotherRangeCanBeTried) {
+TEST_F(SaveTrace, SamplesThatCannotArriveAreReportedAndAnotherRangeCanBeTried) {
     OpenBoard("PCIWren");
     SetLive(0x20, 500, 500);
     line->SetAnswer([this](const Bytes& sent, int baud) {

@@ -23,12 +23,12 @@ constexpr std::uint32_t green = 0x00FF00;
 constexpr std::uint32_t red = 0x0000FF;
 constexpr std::uint32_t black = 0;
 
-/// A gauge of 100 pixels, from 1 on.
+/// A gauge that is 100 pixels wide and begins at 1.
 std::vector<GaugeBar> Bars(const GaugeState& state) {
     return GaugeBars(state, 1, 101);
 }
 
-TEST(Gauge, OfNothingIsItsGround) {
+TEST(Gauge, WithoutSamplesOnlyTheBackgroundShows) {
     EXPECT_THAT(Bars({.total = 0, .trigger = 3}), IsEmpty());
     EXPECT_THAT(Bars({}), IsEmpty());
 }
@@ -37,13 +37,13 @@ TEST(Gauge, ACompleteBufferIsYellow) {
     EXPECT_THAT(Bars({.total = 1000}), ElementsAre(GaugeBar{1, 101, yellow}));
 }
 
-TEST(Gauge, LinesStandInTheirOrder) {
+TEST(Gauge, LinesAreDrawnInTheirOrder) {
     EXPECT_THAT(Bars({.total = 1000, .trigger = 500, .marker1 = 250, .marker2 = 750}),
                 ElementsAre(GaugeBar{1, 101, yellow}, GaugeBar{50, 51, red}, GaugeBar{75, 76, blue},
                             GaugeBar{25, 26, green}));
 }
 
-TEST(Gauge, PlacesAreRoundedDown) {
+TEST(Gauge, PositionsAreRoundedDown) {
     EXPECT_EQ(Bars({.total = 1000, .trigger = 519})[1], (GaugeBar{51, 52, red}));
     EXPECT_EQ(Bars({.total = 1000, .trigger = 0})[1], (GaugeBar{1, 2, red}));
     EXPECT_EQ(Bars({.total = 1000, .trigger = 999})[1], (GaugeBar{99, 100, red}));
@@ -56,7 +56,7 @@ TEST(Gauge, FillsOnBothSidesOfTheTrigger) {
     const GaugeState full{.total = 1000, .trigger = 500, .before = 700, .after = 700};
     EXPECT_THAT(Bars(full),
                 ElementsAre(GaugeBar{1, 50, blue}, GaugeBar{50, 101, blue}, GaugeBar{50, 51, red}))
-        << "no further than the trigger and the right edge";
+        << "only up to the trigger and the right edge";
 }
 
 TEST(Gauge, ATriggerAtAnEndHasOneSideOnly) {
@@ -81,10 +81,10 @@ TEST(Gauge, AWindowIsBlackAndAtLeastThreePixels) {
     state.windowFirst = state.windowLast = 999;
     EXPECT_EQ(Bars(state)[1], (GaugeBar{98, 101, black}));
     state.windowFirst = state.windowLast = 1020;
-    EXPECT_EQ(Bars(state)[1], (GaugeBar{98, 101, black})) << "no further than the right edge";
+    EXPECT_EQ(Bars(state)[1], (GaugeBar{98, 101, black})) << "only up to the right edge";
 }
 
-TEST(Gauge, MillionsDoNotOverflow) {
+TEST(Gauge, MillionsOfSamplesDoNotOverflow) {
     const GaugeState state{.total = 33554433, .trigger = 16777216, .before = 16777216, .after = 0};
     EXPECT_EQ(Bars(state)[0], (GaugeBar{1, 49, blue}));
 }

@@ -20,7 +20,7 @@ protected:
         tree.show();
         QApplication::processEvents();
     }
-    /// A click on a row's box.
+    /// A click on the check box of a row.
     void Click(int row) {
         const QRect place = tree.visualItemRect(&tree.Item(row));
         QStyleOptionViewItem option;
@@ -46,7 +46,7 @@ protected:
     CCheckTree tree;
 };
 
-TEST_F(CheckTree, ShowsItsRowsInTheirOrder) {
+TEST_F(CheckTree, ShowsItsRowsInOrder) {
     ASSERT_EQ(tree.RowCount(), 9);
     EXPECT_EQ(tree.topLevelItemCount(), 2);
     int y = -1;
@@ -59,25 +59,25 @@ TEST_F(CheckTree, ShowsItsRowsInTheirOrder) {
     EXPECT_EQ(Checks(), ".........");
 }
 
-TEST_F(CheckTree, AGroupHandsItsStateDown) {
+TEST_F(CheckTree, AGroupPassesItsStateDown) {
     Click(0);
     EXPECT_EQ(Checks(), "xxxxxx...");
     Click(0);
     EXPECT_EQ(Checks(), ".........");
 }
 
-TEST_F(CheckTree, ASubgroupHandsItsStateDownAlone) {
+TEST_F(CheckTree, ASubgroupPassesItsStateDownOnly) {
     Click(1);
     EXPECT_EQ(Checks(), ".xxx.....");
     Click(0);
     Click(1);
-    EXPECT_EQ(Checks(), "x...xx...") << "what stands above stays";
+    EXPECT_EQ(Checks(), "x...xx...") << "the rows above are unchanged";
     Click(0);
     Click(0);
-    EXPECT_EQ(Checks(), "xxxxxx...") << "and brings all back";
+    EXPECT_EQ(Checks(), "xxxxxx...") << "and checks all of them again";
 }
 
-TEST_F(CheckTree, ACheckFollowsItsOwnBox) {
+TEST_F(CheckTree, ACheckFollowsItsBox) {
     Click(7);
     EXPECT_EQ(Checks(), ".......x.");
     tree.setCurrentItem(&tree.Item(8));
@@ -85,22 +85,22 @@ TEST_F(CheckTree, ACheckFollowsItsOwnBox) {
     EXPECT_EQ(Checks(), ".......xx");
 }
 
-TEST_F(CheckTree, TellsOnceOfEachChangeByTheUser) {
-    const QSignalSpy told(&tree, &CCheckTree::ChecksChanged);
+TEST_F(CheckTree, ReportsEachChangeByTheUserOnce) {
+    const QSignalSpy changes(&tree, &CCheckTree::ChecksChanged);
     tree.SetChecked([](int row) { return row % 2 == 0; });
     EXPECT_EQ(Checks(), "x.x.x.x.x");
-    EXPECT_EQ(told.count(), 0);
+    EXPECT_EQ(changes.count(), 0);
     Click(6);
-    EXPECT_EQ(told.count(), 1);
+    EXPECT_EQ(changes.count(), 1);
     EXPECT_EQ(Checks(), "x.x.x....");
 }
 
-TEST_F(CheckTree, ATextOrAColourIsNoChange) {
+TEST_F(CheckTree, ATextOrAColourIsNotAChange) {
     Click(2);
-    const QSignalSpy told(&tree, &CCheckTree::ChecksChanged);
+    const QSignalSpy changes(&tree, &CCheckTree::ChecksChanged);
     tree.Item(0).setForeground(0, Qt::red);
     tree.Item(0).setText(0, "Timing, failed");
-    EXPECT_EQ(told.count(), 0);
+    EXPECT_EQ(changes.count(), 0);
     EXPECT_EQ(Checks(), "..x......");
 }
 

@@ -1,5 +1,6 @@
-/// What a frame asks of the capture. Strokes say nothing about it: the window bounds them whatever
-/// the drawing reads. The linker leads these two functions here, see CMakeLists.txt.
+/// What a frame reads from the capture. The number of strokes does not show that: the size of the
+/// window limits it, whatever the drawing reads. The linker redirects these two functions here, see
+/// CMakeLists.txt.
 #include "support/trace_fixture_qt.h"
 #include "ui/display/state_window.h"
 #include "ui/display/wave_window.h"
@@ -39,7 +40,7 @@ namespace {
 
 class FrameReads : public TraceFixture {
 protected:
-    /// A capture with a marker at either end; under a filter, with every hundredth of its rows.
+    /// A capture with a marker at either end; with a filter, only every hundredth row is shown.
     void MakeCapture(std::int64_t samples, bool isFiltered) {
         view.reset();
         document = std::make_unique<CTesselDoc>(context, prompts);
@@ -51,7 +52,7 @@ protected:
                 document->excludedBits[i / 32] &= ~(1U << (i % 32));
             }
         }
-        // All that shows sums of times.
+        // All columns that show sums of times.
         CSignalList& list = document->stateList;
         for (const char* name : {"ACCUM", "TIME", "DELTA"}) {
             CSignal* column = list.AddSignal(&list[0], board.tables.decodedSignals.FindByName(name),
@@ -72,7 +73,7 @@ protected:
         document->SetMarker(1, 0);
         document->SetMarker(2, samples - 1);
     }
-    /// What a frame at a sample reads that is not the first one there.
+    /// The reads of a frame at a sample that is not the first frame there.
     std::size_t ReadsAt(std::int64_t sample) {
         view->ScrollToSample(sample);
         reads = 0;
@@ -86,10 +87,10 @@ protected:
 
 constexpr std::int64_t shortCapture = 10'000;
 constexpr std::int64_t longCapture = 1'000'000;
-/// Where times begin and end inside what is summed together differs from frame to frame.
+/// The offset of a time within its block of sums differs from frame to frame.
 constexpr std::size_t perTime = 2 * 64;
 
-TEST_F(FrameReads, AListingReadsAsMuchOfAnyCapture) {
+TEST_F(FrameReads, AListingReadsTheSameAmountInAnyCapture) {
     for (const bool isFiltered : {false, true}) {
         std::vector<std::size_t> counts;
         std::size_t rows = 0;
@@ -108,7 +109,7 @@ TEST_F(FrameReads, AListingReadsAsMuchOfAnyCapture) {
     }
 }
 
-TEST_F(FrameReads, WaveformsReadAsMuchOfAnyCapture) {
+TEST_F(FrameReads, WaveformsReadTheSameAmountInAnyCapture) {
     for (const bool isFiltered : {false, true}) {
         std::vector<std::size_t> counts;
         for (const std::int64_t samples : {shortCapture, longCapture}) {

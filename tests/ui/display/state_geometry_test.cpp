@@ -13,7 +13,7 @@ TEST(VisibleRows, WholeRowsBelowTheHeader) {
     }
 }
 
-TEST(VerticalBar, EveryPositionStandsForARow) {
+TEST(VerticalBar, EveryPositionIsARow) {
     EXPECT_EQ(VerticalMaximum(380000), 0);
     EXPECT_EQ(VerticalMaximum(10000), 0);
     EXPECT_EQ(VerticalMaximum(5000), 5000);
@@ -33,7 +33,7 @@ TEST(VerticalBar, PageIsTheVisibleShareOfTenThousand) {
     EXPECT_EQ(VerticalPage(300'000, 30'000'000'000), 0);
 }
 
-TEST(VerticalBar, PositionsHoldForAnyCapture) {
+TEST(VerticalBar, PositionsAreValidForAnyCapture) {
     const std::int64_t many = 30'000'000'000;
     EXPECT_EQ(VerticalPosition(0, 0), 0);
     EXPECT_EQ(VerticalPosition(many / 2, many), 5000);
@@ -43,7 +43,7 @@ TEST(VerticalBar, PositionsHoldForAnyCapture) {
     EXPECT_EQ(RowOfPosition(10000, 0), 0);
 }
 
-TEST(VerticalBar, EveryPositionComesBack) {
+TEST(VerticalBar, EveryPositionSurvivesARoundTrip) {
     for (const std::int64_t rows : {10'000, 12'345, 1'000'000, 33'554'432}) {
         for (int position = 0; position < 10000; position += 7) {
             const int back = VerticalPosition(RowOfPosition(position, rows), rows);
@@ -74,7 +74,7 @@ TEST(StepTopRow, StopsAtBothEnds) {
     EXPECT_EQ(StepTopRow(0, 1, 10, 10), 0);
 }
 
-TEST(FirstToCenter, KeepsToTheStart) {
+TEST(FirstToCenter, StopsAtTheStart) {
     EXPECT_EQ(FirstToCenter(0, 11), 0);
     EXPECT_EQ(FirstToCenter(5, 11), 0);
     EXPECT_EQ(FirstToCenter(6, 11), 1);

@@ -1,4 +1,4 @@
-// The listing under the mouse, and the menu on its columns.
+// The listing and the mouse, and the menu of its columns.
 
 #include "support/trace_view_fixture_qt.h"
 #include "ui/controls/color_button.h"
@@ -19,7 +19,7 @@
 namespace busquill::test {
 namespace {
 
-/// A listing under the mouse.
+/// A listing that is used with the mouse.
 class Mouse : public TraceViewFixture {
 protected:
     void Open(int first = -500, int last = 499) {
@@ -31,7 +31,7 @@ protected:
                Qt::KeyboardModifiers keys = Qt::NoModifier) {
         QTest::mouseClick(window, button, keys, place);
     }
-    /// A place in the nth row that shows.
+    /// A point in the nth visible row.
     static QPoint Row(int n) { return {100, 19 + 15 * n + 7}; }
     /// The middle of a column's header and its right edge.
     QPoint Column(int n) { return {Start(n) + Visible(n).width / 2, 9}; }
@@ -69,7 +69,7 @@ TEST_F(Mouse, SetsAndClearsMarkers) {
     EXPECT_EQ(document->Marker(2, false), top + 3);
 }
 
-TEST_F(Mouse, BetweenHeaderAndRowsNothingHappens) {
+TEST_F(Mouse, AClickBetweenHeaderAndRowsDoesNothing) {
     Open();
     Click({100, 18});
     EXPECT_EQ(document->Marker(1, false), -1);
@@ -78,9 +78,9 @@ TEST_F(Mouse, BetweenHeaderAndRowsNothingHappens) {
     EXPECT_FALSE(Visible(0).selected || Visible(1).selected);
 }
 
-TEST_F(Mouse, ADoubleClickSetsAMarkerAndLeavesIt) {
+TEST_F(Mouse, ADoubleClickSetsAMarkerAndKeepsIt) {
     Open();
-    // As a screen brings it: the second press of a double click is no press of its own.
+    // As the system sends it: the second press arrives as a double click, not as a press.
     Click(Row(4));
     QMouseEvent twice(QEvent::MouseButtonDblClick, Row(4), window->mapToGlobal(Row(4)),
                       Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
@@ -88,7 +88,7 @@ TEST_F(Mouse, ADoubleClickSetsAMarkerAndLeavesIt) {
     EXPECT_EQ(document->Marker(1, false), view->TopSample() + 4);
 }
 
-TEST_F(Mouse, BelowTheLastRowNothingHappens) {
+TEST_F(Mouse, AClickBelowTheLastRowDoesNothing) {
     Open(0, 4);
     Click(Row(5));
     EXPECT_EQ(document->Marker(1, false), -1);
@@ -120,7 +120,7 @@ TEST_F(Mouse, SelectsColumnsAndRedrawsTheirTitles) {
               after.copy(0, 19, after.width(), after.height() - 19));
 }
 
-TEST_F(Mouse, ASelectionPaintsTheHeaderAlone) {
+TEST_F(Mouse, ASelectionPaintsTheHeaderOnly) {
     Open();
     QApplication::processEvents();
     struct Watch : QObject {
@@ -144,7 +144,7 @@ TEST_F(Mouse, ResizesColumnsAndTheBarFollows) {
     const int limit = Bar(*view, Qt::Horizontal).maximum();
     QTest::mousePress(window, Qt::LeftButton, {}, Edge(1));
     QTest::mouseMove(window, Edge(1) + QPoint(40, 60));
-    EXPECT_EQ(window->cursor().shape(), Qt::SizeHorCursor) << "wherever the mouse goes";
+    EXPECT_EQ(window->cursor().shape(), Qt::SizeHorCursor) << "wherever the mouse moves";
     QTest::mouseRelease(window, Qt::LeftButton, {}, Edge(1));
     EXPECT_EQ(Visible(1).width, width + 40);
     EXPECT_EQ(Bar(*view, Qt::Horizontal).maximum(), limit + 40);
@@ -155,7 +155,7 @@ TEST_F(Mouse, ResizesColumnsAndTheBarFollows) {
     EXPECT_EQ(window->SampleColumnWidth(), sample + 25);
 }
 
-TEST_F(Mouse, DragsAColumnToAnotherPlace) {
+TEST_F(Mouse, DragsAColumnToAnotherPosition) {
     Open();
     const std::string moved = Visible(3).RowName();
     QTest::mousePress(window, Qt::LeftButton, {}, Column(3));
@@ -174,7 +174,7 @@ TEST_F(Mouse, ShowsWhereColumnsCanBeResized) {
     EXPECT_EQ(window->cursor().shape(), Qt::ArrowCursor);
 }
 
-/// The menu on a column, driven by the mouse.
+/// The menu of a column, used with the mouse.
 class Menu : public Mouse {
 protected:
     void Open(int first = -500, int last = 499, bool withPrompts = true) {
@@ -201,7 +201,7 @@ protected:
         }
         return nullptr;
     }
-    /// Opens the menu on the nth column and does something with it.
+    /// Opens the menu of the nth column and calls `act` on it.
     void OnMenu(int column, const std::function<void(QMenu&)>& act) {
         bool met = false;
         QTimer::singleShot(0, [&] {
@@ -222,7 +222,7 @@ protected:
             action->trigger();
         });
     }
-    /// Chooses an entry that opens the dialog and answers that.
+    /// Chooses an entry that opens a dialog and calls `act` on the dialog.
     void ChooseSignal(int column, const QString& entry,
                       const std::function<void(CChangeSignalDialog&)>& answer) {
         QTimer::singleShot(50, [&] {
@@ -253,12 +253,12 @@ TEST_F(Menu, HasItsEntriesInOrder) {
                   "Change Signal...|Insert Signal...|Delete Signal|Insert Blank|-|Change Base|"
                   "Change Color...|-|Expand|Collapse");
         EXPECT_FALSE(Find(menu, "Expand")->isEnabled()) << "a decoded column";
-        EXPECT_FALSE(Find(menu, "Collapse")->isEnabled()) << "one column alone";
+        EXPECT_FALSE(Find(menu, "Collapse")->isEnabled()) << "a single column";
     });
     EXPECT_TRUE(Visible(0).selected);
 }
 
-TEST_F(Menu, BelongsToTheHeaderAlone) {
+TEST_F(Menu, OpensOnTheHeaderOnly) {
     Open();
     bool opened = false;
     QTimer::singleShot(0, [&] {
@@ -273,7 +273,7 @@ TEST_F(Menu, BelongsToTheHeaderAlone) {
     EXPECT_NE(document->Marker(2, false), -1);
 }
 
-TEST_F(Menu, DeletesWhatIsSelectedWhenTheUserSaysSo) {
+TEST_F(Menu, DeletesTheSelectionAfterAConfirmation) {
     Open();
     const std::string second = Visible(1).RowName();
     prompts.AnswerNext(Answer::No);
@@ -305,7 +305,7 @@ TEST_F(Menu, ChangesTheBaseOfOneSignal) {
     EXPECT_EQ(Visible(bus).width, NeededWidth(Visible(bus), ScreenFonts().body));
     const int octal = Visible(bus).width;
     Choose(bus, "Change Base/Binary");
-    EXPECT_GT(Visible(bus).width, 2 * octal) << "or its digits would be cut";
+    EXPECT_GT(Visible(bus).width, 2 * octal) << "otherwise its digits would be cut";
 }
 
 TEST_F(Menu, ExpandsABusAndCollapsesLines) {
@@ -322,10 +322,10 @@ TEST_F(Menu, ExpandsABusAndCollapsesLines) {
     EXPECT_EQ(Visible(bus).groupWidth, 2U);
     EXPECT_EQ(Visible(bus).width, NeededWidth(Visible(bus), ScreenFonts().body));
     EXPECT_EQ(Visible(bus + 1).RowName(), "C/BE[2]");
-    EXPECT_EQ(Visible(bus + 4).width, 99) << "the others keep theirs";
+    EXPECT_EQ(Visible(bus + 4).width, 99) << "the others keep their width";
 }
 
-TEST_F(Menu, ChangesASignalInItsPlace) {
+TEST_F(Menu, ChangesASignalInPlace) {
     Open();
     const int bus = ColumnOf("AD[63:0]");
     ChooseSignal(bus, "Change Signal...", [](CChangeSignalDialog& dialog) {
@@ -344,7 +344,7 @@ TEST_F(Menu, ChangesASignalInItsPlace) {
     const auto row = Visible(bus).GroupRow(300);
     ASSERT_EQ(row.size(), 1U);
     EXPECT_EQ(row[0], 300 & 255) << "with its samples";
-    EXPECT_LT(Visible(bus).width, 120) << "and a width of its own";
+    EXPECT_LT(Visible(bus).width, 120) << "and its own width";
 }
 
 TEST_F(Menu, InsertsASignalBeforeTheColumn) {
@@ -361,15 +361,15 @@ TEST_F(Menu, InsertsASignalBeforeTheColumn) {
               window->ColumnsWidth() - (window->width() - window->SampleColumnWidth() - 1));
 }
 
-TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
+TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyAre) {
     Open(-3000, 2999);
     ChooseSignal(0, "Insert Signal...", [](CChangeSignalDialog& dialog) {
         auto* name = dialog.findChild<QComboBox*>("Name");
         ASSERT_GE(name->findText("ACCUM"), 0);
         name->setCurrentIndex(name->findText("ACCUM"));
     });
-    // Each sample comes 30 ns after the one before it; what a frame shows must not depend on the
-    // frames before it.
+    // Each sample is 30 ns after the previous one; what a frame shows must not depend on earlier
+    // frames.
     const auto picture = [&](std::int64_t sample) {
         view->ScrollToSample(sample);
         return window->grab().toImage();
@@ -386,7 +386,7 @@ TEST_F(Menu, AccumulatedTimesFollowTheSamplesWhereverTheyLie) {
     EXPECT_NE(picture(5500), late) << "with other samples";
 }
 
-TEST_F(Menu, WhatChangesInOneListingChangesInTheOther) {
+TEST_F(Menu, AChangeInOneListingAppearsInTheOther) {
     Open();
     auto other = MakeView();
     const auto picture = [&] { return other->findChild<CStateWnd*>()->grab().toImage(); };
@@ -404,7 +404,7 @@ TEST_F(Menu, ColoursTheSelectedColumnsAndTheirDefinitions) {
     QTimer::singleShot(50, [before] {
         auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
         ASSERT_NE(dialog, nullptr);
-        EXPECT_EQ(dialog->currentColor(), ColorOf(before)) << "begins with its own";
+        EXPECT_EQ(dialog->currentColor(), ColorOf(before)) << "begins with its own colour";
         dialog->setCurrentColor(QColor(0x11, 0x22, 0x33));
         dialog->accept();
     });

@@ -25,8 +25,8 @@ std::string CellText(const StateFrame& frame, const CSignal& signal, std::int64_
                               frame.zoom);
 }
 
-/// The rows of the TIME field: shown as a decoded column, or hidden and permanent, which is what
-/// times between samples are summed from.
+/// The rows of the TIME field: shown as a decoded column; or hidden and permanent, from which the
+/// times between samples are summed.
 std::string TimeRows(bool shown) {
     std::string rows;
     for (int bit = 0; bit < 18; ++bit) {
@@ -39,7 +39,7 @@ std::string TimeRows(bool shown) {
     return rows;
 }
 
-/// A list's section of a single line, FRAME.
+/// A list section with a single line, FRAME.
 std::string OneLine() {
     return "\"Signal\",\"FRAME\",\"FRAME\",\"\",\"\",\"\",-1,72,0,20,30,0,\"Show\",\"Hex\"\n";
 }
@@ -66,7 +66,7 @@ protected:
         missing = DrawState(painter, Frame(size));
         return device.Recorded();
     }
-    /// Gives every column the same width and returns those that show.
+    /// Gives every column the same width and returns the visible ones.
     std::vector<TableColumn> Widen(int width, QSize size = {400, 200}) {
         for (const auto& signal : document->stateList.All()) {
             signal->width = width;
@@ -77,12 +77,12 @@ protected:
         return TableColumns{ColumnWidths(document->stateList), sampleColumn, offset, size.width()}
             .Visible();
     }
-    /// What is written in a row, from left to right, the sample's number first.
+    /// The texts in a row, from left to right, the sample's number first.
     static std::vector<Recording::Text> RowTexts(const Recording& device, int row) {
         const int top = tableFirstRow + row * stateRowPitch;
         return device.TextsBetween(top, top + stateRowPitch - 1);
     }
-    /// Adds a computed column before all others.
+    /// Inserts a computed column before all others.
     CSignal& AddDecoded(const char* name, int width) {
         auto& list = document->stateList;
         CSignal* added = list.AddSignal(&list[0], board.tables.decodedSignals.FindByName(name),
@@ -91,7 +91,7 @@ protected:
         added->width = width;
         return *added;
     }
-    /// The colour between the texts of a row, in the SAMPLE cell.
+    /// The colour of a row, taken between the texts of its SAMPLE cell.
     static QRgb RowColor(const QImage& image, int row) {
         return image.pixel(2, tableFirstRow + row * stateRowPitch + 1) & 0xFFFFFF;
     }
@@ -113,7 +113,7 @@ protected:
     std::optional<std::int64_t> missing;
 };
 
-TEST_F(StatePainter, StripesGoBySample) {
+TEST_F(StatePainter, StripesFollowTheSampleNumber) {
     Load(-4, 20);
     const QImage image = Draw();
     EXPECT_EQ(RowColor(image, 0), 0xC0C0C0U);
@@ -130,7 +130,7 @@ TEST_F(StatePainter, StripesStayWithTheirSamplesUnderAFilter) {
     }
 }
 
-TEST_F(StatePainter, TriggerOutranksMarkersAndMarkersOutrankStripes) {
+TEST_F(StatePainter, TheTriggerHidesMarkersAndMarkersHideStripes) {
     Load(-4, 20);
     document->SetMarker(1, 5);
     document->SetMarker(2, 7);
@@ -154,7 +154,7 @@ TEST_F(StatePainter, EmptyCaptureDrawsOnlyTheHeader) {
     EXPECT_FALSE(missing.has_value());
 }
 
-TEST_F(StatePainter, ColumnsNeverReachIntoTheSampleColumn) {
+TEST_F(StatePainter, ColumnsNeverOverlapTheSampleColumn) {
     Load(0, 99);
     const QImage still = Draw();
     for (const int scrolled : {1, 7, 50, 333}) {
@@ -200,7 +200,7 @@ TEST_F(StatePainter, CellsByKind) {
     EXPECT_EQ(Text("IRDY", 258), "0");
 }
 
-TEST_F(StatePainter, TimeIsThatOfTheSampleOrUnderAFilterThatSinceTheRowAbove) {
+TEST_F(StatePainter, TimeIsThatOfTheSampleOrWithAFilterThatSinceTheRowAbove) {
     const std::string list = "\"State Signals\"\n" + TimeRows(true) + TimeRows(false);
     Load(0, 99, list);
     EXPECT_EQ(Text("TIME", 5), "30ns");
@@ -208,7 +208,7 @@ TEST_F(StatePainter, TimeIsThatOfTheSampleOrUnderAFilterThatSinceTheRowAbove) {
     EXPECT_EQ(CellText(Frame(), Column("TIME"), 20, 10), "60ns");
 }
 
-TEST_F(StatePainter, PowerZoomKnowsNoFilter) {
+TEST_F(StatePainter, PowerZoomIgnoresTheFilter) {
     const std::string list = "\"State Signals\"\n" + TimeRows(true) + TimeRows(false);
     Load(0, 99, list, [](int number) { return number % 5 == 0; });
     StateFrame frame = Frame();
@@ -216,11 +216,11 @@ TEST_F(StatePainter, PowerZoomKnowsNoFilter) {
     EXPECT_EQ(CellText(frame, Column("TIME"), 20, 10), CellText(frame, Column("TIME"), 20, 0));
 }
 
-TEST_F(StatePainter, UnderAFilterTheFirstRowOfAFrameCountsFromSampleZero) {
+TEST_F(StatePainter, WithAFilterTheFirstRowOfAFrameCountsFromSampleZero) {
     const std::string list = "\"State Signals\"\n" + TimeRows(true) + TimeRows(false);
     Load(0, 99, list, [](int number) { return number % 5 == 0; });
     Widen(60);
-    topRow = 4; // samples 20, 25 and so on; two of every ten samples are told of
+    topRow = 4; // samples 20, 25 and so on; the file has two of every ten
     const auto device = Record();
     const auto text = [&](int row) { return RowTexts(device, row).at(1).text; };
     EXPECT_EQ(text(0), "120ns");
@@ -245,7 +245,7 @@ TEST_F(StatePainter, RowsShowTheAccumulatedTimesOfTheirSamples) {
         for (const auto& signal : document->stateList.All()) {
             if (signal->IsGroupStart() && signal->permanent) {
                 for (std::size_t i = 0; i < signal->groupData.size(); i += signal->RowBytes()) {
-                    signal->groupData[i] = static_cast<std::uint8_t>(i * 4); // no two alike
+                    signal->groupData[i] = static_cast<std::uint8_t>(i * 4); // all times differ
                 }
             }
         }
@@ -261,7 +261,7 @@ TEST_F(StatePainter, RowsShowTheAccumulatedTimesOfTheirSamples) {
     }
 }
 
-TEST_F(StatePainter, TimesAreEmptyWithoutATimeColumnOfItsOwn) {
+TEST_F(StatePainter, TimesAreEmptyIfTheListHasNoTimeField) {
     Load(-4, 20, "\"Waveform Signals\"\n" + TimeRows(false) + "\"State Signals\"\n" + OneLine());
     AddDecoded("ACCUM", 80);
     EXPECT_EQ(Text("ACCUM", 0), "");
@@ -275,7 +275,7 @@ TEST_F(StatePainter, BlankAndHiddenColumns) {
     list[0].ResizeSamples(21);
     Widen(40);
     EXPECT_EQ(CellText(Frame(), list[0], 3, 0), "");
-    EXPECT_EQ(Columns().at(1).left, 60 + 1 + 40); // the blank column takes its room
+    EXPECT_EQ(Columns().at(1).left, 60 + 1 + 40); // the blank column takes space
     list[0].hidden = true;
     EXPECT_EQ(Columns().at(0).signal, 1U);
 }
@@ -286,7 +286,7 @@ TEST_F(StatePainter, AValueInAnUnknownRadixIsEmpty) {
     EXPECT_EQ(Text("AD[63:0]", 3), "");
 }
 
-TEST_F(StatePainter, RowsSayWhatTheirCellsSay) {
+TEST_F(StatePainter, RowsShowTheTextsOfTheirCells) {
     Load(-4, 300);
     topRow = 250;
     offset = 130;
@@ -310,7 +310,7 @@ TEST_F(StatePainter, RowsSayWhatTheirCellsSay) {
     }
 }
 
-TEST_F(StatePainter, TextsTakeTheColourOfTheirSignalAndStandInLine) {
+TEST_F(StatePainter, TextsHaveTheColourOfTheirSignalAndAreAligned) {
     Load(0, 99);
     const_cast<CSignal&>(Column("DATA32")).color = 0x0000FF;
     const auto columns = Widen(150, {800, 200});
@@ -332,7 +332,7 @@ TEST_F(StatePainter, TextsTakeTheColourOfTheirSignalAndStandInLine) {
     EXPECT_EQ(columns.size() + 1, device.TextsBetween(0, tableHeaderLine - 1).size());
 }
 
-TEST_F(StatePainter, FindingsAreLeftAlignedAndSayThatTheyAreCut) {
+TEST_F(StatePainter, FindingsAreLeftAlignedAndEndInAnEllipsisIfCut) {
     Load(0, 20);
     CSignal& rule = AddDecoded("RULE CHECK", 50);
     std::fill(rule.labelTable.begin(), rule.labelTable.end(), std::uint8_t{2}); // a long one
@@ -348,7 +348,7 @@ TEST_F(StatePainter, FindingsAreLeftAlignedAndSayThatTheyAreCut) {
     EXPECT_EQ(all.rect.left(), sampleColumn + 1 + 3);
 }
 
-TEST_F(StatePainter, ATextThatDoesNotFitShowsItsBeginningAndThatItIsCut) {
+TEST_F(StatePainter, ATextThatDoesNotFitShowsItsBeginningAndAnEllipsis) {
     Load(-4000, 20, "\"State Signals\"\n" + TimeRows(false));
     const CSignal& accum = AddDecoded("ACCUM", 56);
     for (const std::int64_t sample : {0, 2, 2000}) {
@@ -359,13 +359,13 @@ TEST_F(StatePainter, ATextThatDoesNotFitShowsItsBeginningAndThatItIsCut) {
         const auto cut = RowTexts(Record(), 0).at(1);
         EXPECT_TRUE(cut.text.endsWith(QChar(0x2026))) << cut.text.toStdString();
         EXPECT_EQ(cut.text.chopped(1).toStdString(), whole.substr(0, cut.text.size() - 1));
-        EXPECT_GE(cut.text.size(), 5) << "as much as there is room for";
-        EXPECT_EQ(cut.visible, cut.rect) << "nothing is lost besides";
+        EXPECT_GE(cut.text.size(), 5) << "as much as fits";
+        EXPECT_EQ(cut.visible, cut.rect) << "nothing else is lost";
         EXPECT_LE(cut.rect.right(), sampleColumn + accum.width);
     }
 }
 
-TEST_F(StatePainter, NumbersThatDoNotFitAndTheTimeBetweenTheMarkersToo) {
+TEST_F(StatePainter, NumbersAndTheTimeBetweenTheMarkersAreCutWithAnEllipsisToo) {
     Load(-4, 1020, "\"State Signals\"\n" + TimeRows(false));
     AddDecoded("DELTA", 40);
     document->SetMarker(1, 500);
@@ -385,10 +385,10 @@ TEST_F(StatePainter, NumbersThatDoNotFitAndTheTimeBetweenTheMarkersToo) {
         << texts[1].text.toStdString();
 }
 
-TEST_F(StatePainter, BlanksThatDoNotFitAreNoText) {
+TEST_F(StatePainter, BlanksThatDoNotFitShowNoEllipsis) {
     Load(0, 20);
     const auto& data = Column("DATA32");
-    // All lanes of every sample are off.
+    // All lanes of sample 3 are disabled.
     document->store.PutSample(3, [] {
         SampleRecord record;
         record.bytes[8] = 0xFF;
@@ -421,8 +421,8 @@ TEST_F(StatePainter, RowColoursFillTheCellsOfTheColumns) {
     EXPECT_EQ(device.FillsOf(ColorOf(colors.trigger)), static_cast<int>(columns.size()) + 1);
 }
 
-/// Places are drawn with a seed that is printed with a failure.
-TEST_F(StatePainter, NothingReachesOutOfItsCell) {
+/// The cases are random; a failure prints the seed.
+TEST_F(StatePainter, NothingIsDrawnOutsideItsCell) {
     Load(-50, 950);
     AddDecoded("DELTA", 80);
     document->SetMarker(1, 60);
@@ -471,7 +471,7 @@ TEST_F(StatePainter, ColumnsLeftOfTheViewAreNotDrawn) {
     EXPECT_LE(RowTexts(device, 3).size(), 2U);
 }
 
-TEST_F(StatePainter, AFrameCostsTheSameInAnyCapture) {
+TEST_F(StatePainter, AFrameTakesTheSameEffortInAnyCapture) {
     const auto makeCapture = [this](std::int64_t samples) {
         document = std::make_unique<CTesselDoc>(context, prompts);
         ASSERT_TRUE(document->OnNewDocument());
@@ -501,7 +501,7 @@ TEST_F(StatePainter, EmptyCaptureHasTitlesOnly) {
     EXPECT_GT(device.texts.size(), 1U);
 }
 
-TEST_F(StatePainter, RowsThatHaveNotComeShowTheirNumberAndTheFirstIsWanted) {
+TEST_F(StatePainter, RowsWithoutSamplesShowTheirNumberAndTheFirstIsRequested) {
     Load(-50, 49);
     Widen(60);
     document->RebuildMaps(50, 49);
@@ -527,7 +527,7 @@ TEST_F(StatePainter, RowsStopAtTheLastSample) {
     EXPECT_TRUE(RowTexts(Record(), 0).empty());
 }
 
-/// The DELTA column is 62 pixels wide, so a cell is 61: k sixths lie at 10, 30 and 50.
+/// The DELTA column is 62 pixels wide, so a cell is 61: sixths 1, 3 and 5 lie at 10, 30 and 50.
 class DeltaColumn : public StatePainter {
 protected:
     static constexpr int cellLeft = sampleColumn + 2;
@@ -549,7 +549,7 @@ protected:
     }
 };
 
-TEST_F(DeltaColumn, TriggerIsADoubleBarOnAStem) {
+TEST_F(DeltaColumn, TheTriggerIsADoubleBarOnAStem) {
     Prepare(-1, -1);
     const auto device = Record();
     EXPECT_TRUE(HasFill(device, {middleX - 3, MarkTop(4) - 1, 7, 2}));
@@ -568,8 +568,8 @@ TEST_F(DeltaColumn, Marker1IsASquareAndMarker2ATriangle) {
     EXPECT_EQ(device.polygons[0].color, QColor(Qt::black));
 }
 
-TEST_F(DeltaColumn, MarksOnOneSampleStandBesideOneAnother) {
-    Prepare(4, 4); // the trigger, too
+TEST_F(DeltaColumn, MarksOnOneSampleAreSideBySide) {
+    Prepare(4, 4); // on the trigger, too
     auto device = Record();
     EXPECT_TRUE(HasFill(device, {middleX - 3, MarkTop(4) - 1, 7, 2}));
     EXPECT_TRUE(HasFill(device, {firstX - 3, MarkTop(4), 6, 6}));
@@ -637,13 +637,14 @@ TEST(LoadDisplayColors, EachDisplayHasItsOwn) {
               LoadDisplayColors(MemorySettings(), stateDisplay));
 }
 
-TEST(LoadDisplayColors, DefaultsAndTheUsersOwn) {
+TEST(LoadDisplayColors, DefaultsAndThoseOfTheUser) {
     MemorySettings settings;
     EXPECT_EQ(LoadDisplayColors(settings, stateDisplay),
               (DisplayColors{0xC0C0C0, 0xC0C0C0, 0x0000FF, 0x00FF00, 0xFF0000}));
     settings.WriteProfileInt("Display", "StateBackgroundColor", 0x112233);
     settings.WriteProfileInt("Display", "StateAlternateBackgroundColor", 0x445566);
-    EXPECT_EQ(LoadDisplayColors(settings, stateDisplay).alternate, 0x112233U); // alternation is off
+    EXPECT_EQ(LoadDisplayColors(settings, stateDisplay).alternate,
+              0x112233U); // the alternate colour is switched off
     settings.WriteProfileInt("Display", "StateAlternate", 1);
     EXPECT_EQ(LoadDisplayColors(settings, stateDisplay).alternate, 0x445566U);
 }

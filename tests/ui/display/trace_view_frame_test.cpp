@@ -1,4 +1,4 @@
-// What a trace view tells the window around it.
+// What a trace view shows in its frame.
 
 #include "support/trace_view_fixture_qt.h"
 #include "ui/display/state_window.h"
@@ -9,7 +9,7 @@
 namespace busquill::test {
 namespace {
 
-/// A view inside a frame, which hears what the view tells it.
+/// A view inside a frame that records what the view shows in it.
 class FramedView : public TraceViewFixture {
 protected:
     void Open(bool isState = true, bool isZoom = false) {
@@ -27,7 +27,7 @@ protected:
     std::unique_ptr<CTraceView> view;
 };
 
-TEST_F(FramedView, AFileShowsItsCountsItsGaugeAndThatItIsAFile) {
+TEST_F(FramedView, AFileShowsItsCountsItsGaugeAndItsIndicator) {
     Load(-300, 699);
     document->SetMarker(1, 250);
     Open();
@@ -107,7 +107,7 @@ TEST_F(FramedView, TheGaugeFollowsTheScaleOfWaveforms) {
     zoomBar.setSliderDown(true);
     zoomBar.setSliderPosition(40);
     ASSERT_EQ(window.Zoom(), 40);
-    EXPECT_EQ(Gauge().windowLast, window.LastSample()) << "while the thumb is held";
+    EXPECT_EQ(Gauge().windowLast, window.LastSample()) << "even while the thumb is held";
     zoomBar.setSliderDown(false);
     EXPECT_EQ(Gauge().windowLast, window.LastSample());
 }
@@ -130,7 +130,7 @@ TEST_F(FramedView, MarkersGoToTheGaugeAndTheTimesToTheBar) {
     EXPECT_EQ(Gauge().marker1, -1) << "of the other samples";
 }
 
-TEST_F(FramedView, TwoMarkersOnOneSampleAreNoTimeApart) {
+TEST_F(FramedView, TwoMarkersOnOneSampleAreZeroTimeApart) {
     Load(-500, 499);
     Open();
     document->SetMarker(1, 400);
@@ -139,7 +139,7 @@ TEST_F(FramedView, TwoMarkersOnOneSampleAreNoTimeApart) {
     EXPECT_EQ(frame.times[1], frame.times[2]);
 }
 
-TEST_F(FramedView, TheTimesFollowTheSamplesThatCome) {
+TEST_F(FramedView, TheTimesFollowArrivingSamples) {
     Load(-500, 499);
     Open();
     document->SetMarker(1, 400);
@@ -150,12 +150,12 @@ TEST_F(FramedView, TheTimesFollowTheSamplesThatCome) {
     document->stateList.LoadSamples(401, std::span(&later, 1));
     CBlockUpdate block;
     document->UpdateAllViews(nullptr, HintBlockArrived, &block);
-    EXPECT_EQ(frame.times[0], before) << "when the last block of the moment is in";
+    EXPECT_EQ(frame.times[0], before) << "updated after the last of the pending blocks";
     document->UpdateAllViews(nullptr, HintNameChanged);
     EXPECT_NE(frame.times[0], before);
 }
 
-TEST_F(FramedView, TheTimesGoWithTheirColumn) {
+TEST_F(FramedView, TheTimesAreRemovedWithTheirColumn) {
     Load(-500, 499);
     Open();
     document->SetMarker(1, 400);
@@ -171,7 +171,7 @@ TEST_F(FramedView, TheTimesGoWithTheirColumn) {
     EXPECT_EQ(frame.times, (std::array<std::string, 3>{}));
 }
 
-TEST_F(FramedView, WithoutATimeOfItsOwnAListingHasNoTimes) {
+TEST_F(FramedView, AListingWithoutATimeFieldHasNoTimes) {
     Load(-500, 499);
     for (const auto& signal : document->stateList.All()) {
         if (signal->baseName == "TIME") {
@@ -186,10 +186,10 @@ TEST_F(FramedView, WithoutATimeOfItsOwnAListingHasNoTimes) {
     RecordingFrame other;
     waveform->SetFrame(&other);
     document->SetMarker(2, 411);
-    EXPECT_NE(other.times[0], "") << "whose list has one";
+    EXPECT_NE(other.times[0], "") << "this list has one";
 }
 
-TEST_F(FramedView, AFilterThatMatchesNothingListsNothing) {
+TEST_F(FramedView, AFilterWithoutAMatchShowsNoRows) {
     Load(-500, 499);
     Open();
     Filter(*view, [](std::uint32_t) { return false; });

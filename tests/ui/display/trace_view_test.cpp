@@ -17,7 +17,7 @@ TEST_F(TraceView, OpensWithTheTriggerInItsCentre) {
     EXPECT_EQ(view->CenterSample(), 500);
 }
 
-TEST_F(TraceView, ArrowKeysMoveARowAndPageKeysAWindow) {
+TEST_F(TraceView, ArrowKeysMoveByARowAndPageKeysByAWindow) {
     Load(-500, 499);
     auto view = MakeView();
     view->ScrollToSample(100);
@@ -48,7 +48,7 @@ TEST_F(TraceView, KeysStopAtBothEnds) {
     EXPECT_EQ(view->TopSample(), 0);
 }
 
-TEST_F(TraceView, WheelMovesALineANotch) {
+TEST_F(TraceView, TheWheelMovesARowPerNotch) {
     Load(-500, 499);
     auto view = MakeView();
     view->ScrollToSample(100);
@@ -56,13 +56,13 @@ TEST_F(TraceView, WheelMovesALineANotch) {
     EXPECT_EQ(view->TopSample(), 101);
     Wheel(*view, 240);
     EXPECT_EQ(view->TopSample(), 99);
-    Wheel(*view, -60); // half a notch of a fine wheel
+    Wheel(*view, -60); // half a notch of a high-resolution wheel
     EXPECT_EQ(view->TopSample(), 99);
     Wheel(*view, -60);
     EXPECT_EQ(view->TopSample(), 100);
 }
 
-TEST_F(TraceView, BarsStepByRowAndWindowHoweverLongTheCapture) {
+TEST_F(TraceView, BarsStepByRowAndWindowInAnyCapture) {
     Load(0, 49'999);
     auto view = MakeView();
     view->ScrollToSample(20'000);
@@ -77,7 +77,7 @@ TEST_F(TraceView, BarsStepByRowAndWindowHoweverLongTheCapture) {
     EXPECT_EQ(bar.value(), 4000);
 }
 
-TEST_F(TraceView, ClickBesideTheThumbScrollsAWindow) {
+TEST_F(TraceView, AClickBesideTheThumbScrollsAWindow) {
     Load(0, 999);
     auto view = MakeView();
     view->ScrollToSample(0);
@@ -86,7 +86,7 @@ TEST_F(TraceView, ClickBesideTheThumbScrollsAWindow) {
     EXPECT_EQ(view->TopSample(), Rows(*view));
 }
 
-TEST_F(TraceView, ThumbReachesTheEnd) {
+TEST_F(TraceView, TheThumbReachesTheEnd) {
     Load(0, 49'999);
     auto view = MakeView();
     QScrollBar& bar = Bar(*view, Qt::Vertical);
@@ -105,7 +105,7 @@ TEST_F(TraceView, FewRowsLeaveTheBarDisabledAndTheTopAtZero) {
     EXPECT_EQ(view->TopSample(), 0);
 }
 
-TEST_F(TraceView, BarOnceEnabledStaysSo) {
+TEST_F(TraceView, ABarOnceEnabledStaysSo) {
     Load(0, 49);
     auto view = MakeView(true, false, {800, 300});
     EXPECT_TRUE(Bar(*view, Qt::Vertical).isEnabled());
@@ -139,7 +139,7 @@ TEST_F(TraceView, HorizontalBarMovesTheColumns) {
     EXPECT_EQ(window.Offset(), bar.maximum());
 }
 
-TEST_F(TraceView, TheArrowsOfTheHorizontalBarMoveAPixel) {
+TEST_F(TraceView, TheArrowsOfTheHorizontalBarMoveByAPixel) {
     Load(0, 99);
     auto view = MakeView(true, false, {500, 400});
     auto& window = *view->findChild<CStateWnd*>();
@@ -166,7 +166,7 @@ TEST_F(TraceView, ViewsOfTheSameSamplesMoveTogether) {
     EXPECT_EQ(zoom->TopSample(), zoomTop);
 }
 
-TEST_F(TraceView, NewViewTakesThePlaceOfItsPartner) {
+TEST_F(TraceView, ANewViewStartsAtThePositionOfItsPartner) {
     Load(-500, 499);
     auto first = MakeView();
     first->ScrollToSample(321);
@@ -182,7 +182,7 @@ TEST_F(TraceView, PowerZoomViewBeginsAtItsTrigger) {
     EXPECT_EQ(zoom->TopSample(), 511 - Rows(*zoom));
 }
 
-TEST_F(TraceView, MarkerOutsideTheWindowIsShown) {
+TEST_F(TraceView, AMarkerOutsideTheWindowIsScrolledIntoView) {
     Load(-500, 499);
     auto view = MakeView();
     document->SetMarker(1, 900);
@@ -196,7 +196,7 @@ TEST_F(TraceView, MarkerOutsideTheWindowIsShown) {
     EXPECT_EQ(view->CenterSample(), 100) << "above it too";
 }
 
-TEST_F(TraceView, AClickOnARowThatShowsInPartLeavesTheRowsWhereTheyAre) {
+TEST_F(TraceView, AClickOnAPartlyVisibleRowDoesNotScroll) {
     Load(-500, 499);
     auto view = MakeView();
     auto& window = *view->findChild<CStateWnd*>();
@@ -209,10 +209,10 @@ TEST_F(TraceView, AClickOnARowThatShowsInPartLeavesTheRowsWhereTheyAre) {
     EXPECT_EQ(document->Marker(1, false), 100 + Rows(*view));
     EXPECT_EQ(view->TopSample(), 100);
     document->SetMarker(1, 101 + Rows(*view));
-    EXPECT_EQ(view->CenterSample(), 101 + Rows(*view)) << "of that row nothing shows";
+    EXPECT_EQ(view->CenterSample(), 101 + Rows(*view)) << "no part of that row is visible";
 }
 
-TEST_F(TraceView, ARowBelowAFullWindowIsNotThere) {
+TEST_F(TraceView, ARowBelowAFullWindowCannotBeClicked) {
     Load(-500, 499);
     auto view = MakeView();
     auto& window = *view->findChild<CStateWnd*>();
@@ -237,7 +237,7 @@ TEST_F(TraceView, FilteredCaptureScrollsByRows) {
     EXPECT_EQ(view->TopSample(), 9990 - 10 * (Rows(*view) - 1));
 }
 
-TEST_F(TraceView, TellsItsFrameTheNames) {
+TEST_F(TraceView, ShowsTheNamesInItsFrame) {
     RecordingFrame frame;
     Load(0, 9, "\"Description\",\"What it shows\"\n");
     CTraceView view(nullptr, true, false, TraceViewParts{settings});
@@ -260,7 +260,7 @@ TEST_F(TraceView, LayoutPutsTheBarsAtTheEdges) {
     EXPECT_EQ(horizontal.geometry().bottom(), 479);
 }
 
-TEST_F(TraceView, TurningAFineWheelBackStartsANewNotch) {
+TEST_F(TraceView, AHighResolutionWheelStartsANewNotchWhenItTurnsBack) {
     Load(-500, 499);
     auto view = MakeView();
     view->ScrollToSample(100);
@@ -289,7 +289,7 @@ TEST_F(TraceView, WheelWithShiftMovesTheColumns) {
     const int notch = window.Offset();
     EXPECT_GE(notch, 3 * QFontMetrics(window.font()).horizontalAdvance('0'));
     EXPECT_EQ(bar.value(), notch);
-    Wheel(*view, {-240, 0}); // a wheel that is pushed aside
+    Wheel(*view, {-240, 0}); // a wheel that is tilted
     EXPECT_EQ(window.Offset(), 3 * notch);
     Wheel(*view, {0, 120}, Qt::ShiftModifier);
     EXPECT_EQ(window.Offset(), 2 * notch);
@@ -302,7 +302,7 @@ TEST_F(TraceView, WheelWithShiftMovesTheColumns) {
     EXPECT_EQ(view->TopSample(), 100);
 }
 
-TEST_F(TraceView, HalfANotchSidewaysIsNoneOfTheOtherWay) {
+TEST_F(TraceView, HalfANotchInOneDirectionDoesNotCountInTheOther) {
     Load(-500, 499);
     auto view = MakeView(true, false, {500, 400});
     view->ScrollToSample(100);
@@ -312,7 +312,7 @@ TEST_F(TraceView, HalfANotchSidewaysIsNoneOfTheOtherWay) {
     EXPECT_EQ(view->TopSample(), 100);
 }
 
-TEST_F(TraceView, MouseOnTheThumbScrollsAndLeavesTheThumbAtTheRow) {
+TEST_F(TraceView, TheMouseOnTheThumbScrollsAndLeavesTheThumbAtTheRow) {
     Load(0, 99);
     auto view = MakeView();
     view->ScrollToSample(0);
@@ -331,7 +331,7 @@ TEST_F(TraceView, MouseOnTheThumbScrollsAndLeavesTheThumbAtTheRow) {
     EXPECT_EQ(view->TopSample(), 0);
 }
 
-TEST_F(TraceView, MouseOnTheHorizontalThumbMovesTheColumns) {
+TEST_F(TraceView, TheMouseOnTheHorizontalThumbMovesTheColumns) {
     Load(0, 99);
     auto view = MakeView(true, false, {500, 400});
     auto& window = *view->findChild<CStateWnd*>();
@@ -345,7 +345,7 @@ TEST_F(TraceView, MouseOnTheHorizontalThumbMovesTheColumns) {
     EXPECT_EQ(window.Offset(), 0);
 }
 
-TEST_F(TraceView, GoesToEachPlaceThatThereIs) {
+TEST_F(TraceView, GoesToEachExistingTarget) {
     Load(-500, 499);
     auto view = MakeView();
     auto other = MakeView(false);
@@ -371,7 +371,7 @@ TEST_F(TraceView, GoesToEachPlaceThatThereIs) {
     EXPECT_EQ(view->TopSample(), 1000 - Rows(*view));
 }
 
-TEST_F(TraceView, NowhereToGoInADocumentWithoutSamples) {
+TEST_F(TraceView, WithoutSamplesThereIsNowhereToGo) {
     document = std::make_unique<CTesselDoc>(context, prompts);
     ASSERT_TRUE(document->OnNewDocument());
     auto view = MakeView();
@@ -382,7 +382,7 @@ TEST_F(TraceView, NowhereToGoInADocumentWithoutSamples) {
     }
 }
 
-TEST_F(TraceView, GoToInPowerZoomLeavesTheOthersAlone) {
+TEST_F(TraceView, GoToInPowerZoomDoesNotMoveTheOthers) {
     Load(-500, 499);
     auto main = MakeView();
     auto zoom = MakeView(false, true);
@@ -431,7 +431,7 @@ TEST_F(TraceView, EachKindListsItsOwnSignals) {
     }
 }
 
-TEST_F(TraceView, FilterKeepsThePlaceAndMovesTheBar) {
+TEST_F(TraceView, AFilterKeepsThePositionAndMovesTheBar) {
     Load(0, 9999);
     auto view = MakeView();
     view->ScrollToSample(5000);
@@ -446,7 +446,7 @@ TEST_F(TraceView, FilterKeepsThePlaceAndMovesTheBar) {
     EXPECT_TRUE(Bar(*view, Qt::Vertical).isEnabled());
 }
 
-TEST_F(TraceView, FilterThatMatchesNothingListsNothing) {
+TEST_F(TraceView, AFilterWithoutAMatchShowsNoRows) {
     Load(0, 999);
     auto view = MakeView();
     view->ScrollToSample(500);
@@ -460,7 +460,7 @@ TEST_F(TraceView, FilterThatMatchesNothingListsNothing) {
     EXPECT_EQ(Bar(*view, Qt::Vertical).value(), 0);
 }
 
-TEST_F(TraceView, OnlyABlockThatShowsIsDrawn) {
+TEST_F(TraceView, OnlyAVisibleBlockIsDrawn) {
     Load(0, 999);
     auto view = MakeView();
     CSignalList& list = document->stateList;
@@ -483,7 +483,7 @@ TEST_F(TraceView, APowerZoomBlockIsDrawnInItsOwnView) {
     EXPECT_TRUE(DrawsBlock(*view, document->zoomList, 96, true));
 }
 
-TEST_F(TraceView, NewColoursAreTakenAtTheNextPaint) {
+TEST_F(TraceView, NewColoursAreUsedAtTheNextPaint) {
     Load(0, 999);
     auto view = MakeView();
     EXPECT_TRUE(Repaints(
@@ -522,7 +522,7 @@ TEST_F(TraceView, CentresTheTriggerInAChildFrame) {
     const std::int64_t top = view->TopSample();
     frame->resize(850, 700);
     QApplication::processEvents();
-    EXPECT_EQ(view->TopSample(), top); // a new size leaves the top where it is
+    EXPECT_EQ(view->TopSample(), top); // resizing does not scroll
 }
 
 TEST_F(TraceView, CentresTheTriggerBeforeItIsShown) {
@@ -536,13 +536,13 @@ TEST_F(TraceView, CentresTheTriggerBeforeItIsShown) {
     EXPECT_EQ(view.CenterSample(), 500);
 }
 
-TEST_F(TraceView, ShowsItsGroundBesideTheHeader) {
+TEST_F(TraceView, ShowsItsBackgroundBesideTheHeader) {
     Load(0, 99);
     auto view = MakeView(true, false, {640, 480});
     EXPECT_EQ(view->grab().toImage().pixel(636, 5) & 0xFFFFFF, 0xA0A0A0U);
 }
 
-TEST_F(TraceView, TitlesFromAFileMakeNoColumnOfAnyWidth) {
+TEST_F(TraceView, TitlesFromAFileDoNotMakeColumnsArbitrarilyWide) {
     Load(0, 99);
     document->stateList[0].groupName.assign(1 << 20, 'W');
     document->stateList[0].name.assign(1 << 20, 'W');

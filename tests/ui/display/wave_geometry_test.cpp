@@ -5,7 +5,7 @@
 namespace busquill::test {
 namespace {
 
-TEST(Zoom, InByFiveOverZeroToOne) {
+TEST(Zoom, InByFiveSkipsZero) {
     EXPECT_EQ(ZoomedIn(20), 25);
     EXPECT_EQ(ZoomedIn(-5), 1);
     EXPECT_EQ(ZoomedIn(-7), -2);
@@ -14,7 +14,7 @@ TEST(Zoom, InByFiveOverZeroToOne) {
     EXPECT_EQ(ZoomedIn(400), 400);
 }
 
-TEST(Zoom, OutByFiveOverZeroToMinusOne) {
+TEST(Zoom, OutByFiveSkipsZero) {
     EXPECT_EQ(ZoomedOut(20), 15);
     EXPECT_EQ(ZoomedOut(5), -1);
     EXPECT_EQ(ZoomedOut(3), -2);
@@ -63,7 +63,7 @@ TEST(VisibleSamples, GoByPixelsOrByTheirShare) {
 
 using Place = WavePlace;
 
-TEST(WaveStep, MovesAPixelAndAfterTheZoomARow) {
+TEST(WaveStep, MovesByAPixelAndAfterAWholeSampleToTheNextRow) {
     EXPECT_EQ(StepForward({5, 0}, 20, 10, 1000), (Place{5, 1}));
     EXPECT_EQ(StepForward({5, 19}, 20, 10, 1000), (Place{6, 0}));
     EXPECT_EQ(StepForward({5, 0}, 1, 10, 1000), (Place{6, 0}));
@@ -73,18 +73,18 @@ TEST(WaveStep, MovesAPixelAndAfterTheZoomARow) {
     EXPECT_EQ(StepForward({5, 18}, 10, 10, 1000), (Place{6, 0})) << "after a zoom out";
 }
 
-TEST(WaveStep, AtANegativeZoomMovesTheSamplesOfAPixel) {
+TEST(WaveStep, AtANegativeZoomMovesByTheSamplesOfAPixel) {
     EXPECT_EQ(StepForward({5, 3}, -4, 10, 1000), (Place{9, 0}));
     EXPECT_EQ(StepBackward({5, 3}, -4), (Place{1, 0}));
     EXPECT_EQ(StepBackward({1, 0}, -4), (Place{0, 0}));
 }
 
-TEST(WaveStep, ForwardIsUndoneWhereLessThanAWindowWouldBeLeft) {
+TEST(WaveStep, ForwardStopsWhereLessThanAWindowWouldRemain) {
     EXPECT_EQ(StepForward({989, 0}, 20, 10, 1000), (Place{989, 1}));
     EXPECT_EQ(StepForward({989, 19}, 20, 10, 1000), (Place{989, 19}));
     EXPECT_EQ(StepForward({990, 0}, 20, 10, 1000), (Place{990, 0}));
     EXPECT_EQ(StepForward({986, 0}, -4, 10, 1000), (Place{986, 0}));
-    EXPECT_EQ(StepForward({0, 0}, 20, 10, 5), (Place{0, 0})) << "all of it is there";
+    EXPECT_EQ(StepForward({0, 0}, 20, 10, 5), (Place{0, 0})) << "all samples are visible";
 }
 
 TEST(WavePage, StopsAtBothEnds) {
@@ -97,7 +97,7 @@ TEST(WavePage, StopsAtBothEnds) {
     EXPECT_EQ(Page({0, 0}, true, 10, 5), (Place{0, 0}));
 }
 
-TEST(WaveBar, IsOfTenThousandWithAPageOfTwoHundredAndFifty) {
+TEST(WaveBar, HasARangeOfTenThousandAndAPageOfAtLeastTwoHundredAndFifty) {
     EXPECT_EQ(WavePage(500, 1000), 5000);
     EXPECT_EQ(WavePage(10, 1000), 250);
     EXPECT_EQ(WavePage(500, 100), 10000);
@@ -120,7 +120,7 @@ TEST(WaveScale, PutsSamplesSideBySide) {
     EXPECT_EQ((WaveScale{20, 0, 100, 90}.Count()), 0);
 }
 
-TEST(WaveScale, AtANegativeZoomOneSampleMoreSharesAPixelThanCounts) {
+TEST(WaveScale, AtANegativeZoomAPixelHasOneSampleMoreThanIsCounted) {
     const WaveScale scale{.zoom = -3, .subPixel = 9, .left = 100, .right = 200};
     EXPECT_EQ(scale.XOf(3), 100);
     EXPECT_EQ(scale.XOf(4), 101);
@@ -146,7 +146,7 @@ TEST(WaveScale, PixelsAndSamplesAgree) {
     }
 }
 
-TEST(WaveScale, AClickMeansTheSampleThatBeginsNearest) {
+TEST(WaveScale, AClickSelectsTheSampleThatBeginsNearest) {
     const WaveScale scale{.zoom = 20, .subPixel = 5, .left = 100, .right = 200};
     EXPECT_EQ(scale.RowAt(0), 0);
     EXPECT_EQ(scale.RowAt(4), 0);
@@ -157,7 +157,7 @@ TEST(WaveScale, AClickMeansTheSampleThatBeginsNearest) {
     EXPECT_EQ((WaveScale{-3, 5, 0, 9}.RowAt(7)), 21);
 }
 
-TEST(WaveScale, MarksStandAPixelInsideTheirSample) {
+TEST(WaveScale, MarksAreAPixelInsideTheirSample) {
     EXPECT_EQ((WaveScale{20, 5, 100, 200}.MarkOf(3)), 100 - 5 + 60 + 1);
     EXPECT_EQ((WaveScale{-4, 5, 100, 200}.MarkOf(10)), 100 + 2 + 1);
 }
@@ -170,7 +170,7 @@ TEST(WaveScale, RailsEndWithTheData) {
     EXPECT_EQ((WaveScale{-4, 0, 100, 200}.EndOf(100, 400)), 125);
 }
 
-TEST(WaveScale, TicksStandAtEverySampleOrPixel) {
+TEST(WaveScale, TicksAreAtEverySampleOrPixel) {
     EXPECT_EQ((WaveScale{20, 0, 100, 200}.TickCount()), 5);
     EXPECT_EQ((WaveScale{20, 0, 100, 201}.TickCount()), 6);
     EXPECT_EQ((WaveScale{20, 0, 100, 200}.TickedRows()), 6);
@@ -180,11 +180,11 @@ TEST(WaveScale, TicksStandAtEverySampleOrPixel) {
 
 constexpr int heights[] = {20, 0, 30, 10};
 
-TEST(WaveBands, FollowOneAnotherWithAPixelBetween) {
+TEST(WaveBands, FollowOneAnotherWithAGapOfOnePixel) {
     const auto all = VisibleBands(heights, {0, 0}, 1000);
     ASSERT_EQ(all.size(), 3U);
     EXPECT_EQ(all[0], (WaveBand{0, 18, 20}));
-    EXPECT_EQ(all[1], (WaveBand{2, 39, 30})) << "one without a height takes no room";
+    EXPECT_EQ(all[1], (WaveBand{2, 39, 30})) << "a band without height takes no space";
     EXPECT_EQ(all[2], (WaveBand{3, 70, 10}));
     EXPECT_EQ(VisibleBands(heights, {0, 0}, 70).size(), 2U);
     EXPECT_EQ(VisibleBands(heights, {0, 0}, 71).size(), 3U);
@@ -192,7 +192,7 @@ TEST(WaveBands, FollowOneAnotherWithAPixelBetween) {
     EXPECT_TRUE(VisibleBands(heights, {-1, 0}, 1000).empty());
 }
 
-TEST(WaveBands, ThePositionLeavesOutThePixelsBetween) {
+TEST(WaveBands, ThePositionIgnoresTheGaps) {
     EXPECT_EQ(BandsHeight(heights), 63);
     EXPECT_EQ(PositionOf(heights, {0, 0}), 0);
     EXPECT_EQ(PositionOf(heights, {3, 4}), 54);
@@ -200,7 +200,7 @@ TEST(WaveBands, ThePositionLeavesOutThePixelsBetween) {
     EXPECT_EQ(PlaceOf(heights, 0, 20), (BandPlace{0, 0}));
     EXPECT_EQ(PlaceOf(heights, 20, 20), (BandPlace{0, 20})) << "the pixel below the first";
     EXPECT_EQ(PlaceOf(heights, 21, 20), (BandPlace{2, 0}));
-    EXPECT_EQ(PlaceOf(heights, 99, 20), (BandPlace{2, 22})) << "no further than to the last page";
+    EXPECT_EQ(PlaceOf(heights, 99, 20), (BandPlace{2, 22})) << "only up to the last page";
     EXPECT_EQ(PlaceOf(heights, 99, 100), (BandPlace{0, 0}));
     EXPECT_EQ(PlaceOf({}, 99, 100), (BandPlace{0, 0}));
 }
@@ -210,7 +210,7 @@ TEST(WaveBands, StepByAPixel) {
     EXPECT_EQ(StepBands(heights, {0, 19}, true, 20), (BandPlace{2, 0}));
     EXPECT_EQ(StepBands(heights, {2, 22}, true, 20), (BandPlace{2, 22})) << "the last page";
     EXPECT_EQ(StepBands(heights, {2, 21}, true, 20), (BandPlace{2, 22}));
-    EXPECT_EQ(StepBands(heights, {0, 0}, true, 63), (BandPlace{0, 0})) << "all bands show";
+    EXPECT_EQ(StepBands(heights, {0, 0}, true, 63), (BandPlace{0, 0})) << "all bands are visible";
     EXPECT_EQ(StepBands(heights, {2, 5}, false, 20), (BandPlace{2, 4}));
     EXPECT_EQ(StepBands(heights, {2, 0}, false, 20), (BandPlace{0, 19}));
     EXPECT_EQ(StepBands(heights, {0, 0}, false, 20), (BandPlace{0, 0}));
@@ -218,8 +218,9 @@ TEST(WaveBands, StepByAPixel) {
 
 TEST(WaveBands, PageByASignalAndUpToBeforeTheFirst) {
     EXPECT_EQ(PageBands(heights, {0, 7}, true, 20), (BandPlace{1, 0}));
-    EXPECT_EQ(PageBands(heights, {0, 0}, true, 63), (BandPlace{0, 0})) << "all bands show";
-    EXPECT_EQ(PageBands(heights, {3, 0}, true, 5), (BandPlace{3, 0})) << "there is no further one";
+    EXPECT_EQ(PageBands(heights, {0, 0}, true, 63), (BandPlace{0, 0})) << "all bands are visible";
+    EXPECT_EQ(PageBands(heights, {3, 0}, true, 5), (BandPlace{3, 0}))
+        << "there is none further down";
     EXPECT_EQ(PageBands(heights, {2, 7}, false, 20), (BandPlace{1, 0}));
     EXPECT_EQ(PageBands(heights, {0, 0}, false, 20), (BandPlace{0, 0}));
     const BandPlace before = PageBands(heights, {0, 7}, false, 20);

@@ -21,8 +21,8 @@ using testing::IsEmpty;
 const QColor lineColor(Qt::black);
 constexpr std::uint32_t signalColor = 0x123456;
 
-/// Waveforms over samples whose data lines count: AD[n] changes every 2^n samples. Names and values
-/// take 100 pixels, so the wave area begins at 101.
+/// Waveforms over samples with counting data lines: AD[n] changes every 2^n samples. Names and
+/// values take 100 pixels, so the wave area begins at 101.
 class WavePainter : public TraceFixture {
 protected:
     static constexpr int left = 101;
@@ -55,7 +55,7 @@ protected:
         return Add(board.tables.decodedSignals.FindByName(name), 0, 0, true);
     }
 
-    /// The field that times between samples are summed from; it has no band.
+    /// The field from which the times between samples are summed; it has no band.
     void AddTime() {
         const auto time = board.tables.busSignals.FindByName("TIME");
         CSignal& signal = Add(time, time->firstPosition, time->lastPosition, false);
@@ -91,7 +91,7 @@ protected:
         missing = DrawWaveFrame(painter, Frame(size));
         return device.Recorded();
     }
-    /// The rectangles in which the signals' colour was drawn.
+    /// The rectangles that were drawn in the colour of the signals.
     static std::vector<QRect> Strokes(const Recording& drawn) {
         std::vector<QRect> rects;
         for (const auto& fill : drawn.fills) {
@@ -101,7 +101,7 @@ protected:
         }
         return rects;
     }
-    /// Where the line of a mark stands; nothing when it is not drawn.
+    /// The x position of a mark's line; empty if it is not drawn.
     std::optional<int> MarkAt(const Recording& drawn, int which) {
         for (const auto& fill : drawn.fills) {
             if (fill.color == ColorOf(colors.Mark(which)) && fill.rect.width() == 1) {
@@ -142,7 +142,7 @@ TEST_F(WavePainter, ALineRunsAtItsLevelAndStepsAtItsEdges) {
                                      QRect(left + 80, 36, 20, 1)));
 }
 
-TEST_F(WavePainter, PixelsThatAreScrolledPastAreMissingFromTheFirstSample) {
+TEST_F(WavePainter, ScrolledPixelsAreMissingFromTheFirstSample) {
     Open();
     AddLine(1);
     place = {1, 5};
@@ -154,7 +154,7 @@ TEST_F(WavePainter, PixelsThatAreScrolledPastAreMissingFromTheFirstSample) {
 
 TEST_F(WavePainter, ABusHasRailsAndATickAtEachChange) {
     Open();
-    AddBus(2, 5); // another value every fourth sample
+    AddBus(2, 5); // changes at every fourth sample
     const auto strokes = Strokes(Record({left + 200, 100}));
     EXPECT_THAT(strokes, ElementsAre(QRect(left, 20, 199, 1), QRect(left, 36, 199, 1),
                                      QRect(left + 80, 20, 1, 17), QRect(left + 160, 20, 1, 17)));
@@ -178,7 +178,7 @@ TEST_F(WavePainter, RailsStopWhereTheDataEnd) {
     EXPECT_THAT(Strokes(Record()), ElementsAre(QRect(left, 36, 200, 1)));
 }
 
-TEST_F(WavePainter, AtANegativeZoomOneSampleMoreSharesAPixelThanTheZoomSays) {
+TEST_F(WavePainter, AtANegativeZoomAPixelHasOneSampleMoreThanTheZoom) {
     Open();
     zoom = -3;
     AddLine(4); // an edge every 16 samples, which are 4 pixels
@@ -188,7 +188,7 @@ TEST_F(WavePainter, AtANegativeZoomOneSampleMoreSharesAPixelThanTheZoomSays) {
                                      QRect(left + 8, 36, 2, 1)));
 }
 
-TEST_F(WavePainter, BusyLinesBecomeABlock) {
+TEST_F(WavePainter, BusyLinesAreDrawnAsABlock) {
     Open();
     zoom = -7;
     AddLine(0);
@@ -197,7 +197,7 @@ TEST_F(WavePainter, BusyLinesBecomeABlock) {
     EXPECT_LE(strokes.size(), 8U);
 }
 
-TEST_F(WavePainter, RunsShowTheirValuesAndAnEllipsisWhereTheseDoNotFit) {
+TEST_F(WavePainter, RunsShowTheirValuesOrAnEllipsisWhereTheyDoNotFit) {
     Open();
     CSignal& bus = AddBus(2, 9, true);
     EXPECT_THAT(RunTexts(Record({left + 200, 100})), ElementsAre("00", "01", "02"));
@@ -209,19 +209,19 @@ TEST_F(WavePainter, RunsShowTheirValuesAndAnEllipsisWhereTheseDoNotFit) {
     EXPECT_THAT(RunTexts(Record({left + 200, 100})), IsEmpty());
 }
 
-TEST_F(WavePainter, ABusShowsNoValuesUnlessAsked) {
+TEST_F(WavePainter, ABusShowsNoValuesUnlessRequested) {
     Open();
     AddBus(2, 9);
     EXPECT_THAT(RunTexts(Record()), IsEmpty());
 }
 
-TEST_F(WavePainter, ALineShowsItsValueWhenAsked) {
+TEST_F(WavePainter, ALineShowsItsValueOnRequest) {
     Open();
     AddLine(2).showValue = true;
     EXPECT_THAT(RunTexts(Record({left + 160, 100})), ElementsAre("0", "1"));
 }
 
-TEST_F(WavePainter, DecodedRunsShowWhatTheListingShows) {
+TEST_F(WavePainter, DecodedRunsShowTheTextsOfTheListing) {
     Open();
     zoom = 90;
     AddDecoded("ADDRESS32");
@@ -230,7 +230,7 @@ TEST_F(WavePainter, DecodedRunsShowWhatTheListingShows) {
     EXPECT_THAT(RunTexts(Record({left + 180, 100})), ElementsAre("00000000", "00000001"));
 }
 
-TEST_F(WavePainter, WhatOnlyTheListingComputesShowsNothing) {
+TEST_F(WavePainter, ColumnsThatOnlyTheListingComputesShowNothing) {
     Open();
     AddDecoded("ACCUM");
     AddDecoded("DELTA");
@@ -239,7 +239,7 @@ TEST_F(WavePainter, WhatOnlyTheListingComputesShowsNothing) {
     EXPECT_THAT(Texts(Record(), 60, 100), IsEmpty());
 }
 
-TEST_F(WavePainter, SampleNumbersAreAnotherInEverySample) {
+TEST_F(WavePainter, SampleNumbersChangeAtEverySample) {
     Open();
     CSignal& bus = AddBus(20, 31, true);
     auto numbers = std::make_shared<CDecodedSignalDef>();
@@ -256,7 +256,7 @@ TEST_F(WavePainter, OddBandsAreStriped) {
     AddLine(0);
     AddLine(1);
     AddLine(2);
-    top = {1, 4}; // stripes go with the signals
+    top = {1, 4}; // stripes follow the signals
     const auto drawn = Record();
     EXPECT_EQ(drawn.ColorAt({left + 50, 25}), ColorOf(colors.alternate));
     EXPECT_EQ(drawn.ColorAt({80, 25}), ColorOf(colors.alternate)) << "the values too";
@@ -264,7 +264,7 @@ TEST_F(WavePainter, OddBandsAreStriped) {
     EXPECT_EQ(drawn.ColorAt({left + 50, 100}), ColorOf(colors.background));
 }
 
-TEST_F(WavePainter, NothingIsDrawnWhileASampleThatShowsIsMissing) {
+TEST_F(WavePainter, NothingIsDrawnWhileAVisibleSampleIsMissing) {
     Open(-50, 49);
     AddLine(0);
     AddBus(0, 7, true);
@@ -274,7 +274,7 @@ TEST_F(WavePainter, NothingIsDrawnWhileASampleThatShowsIsMissing) {
     const std::vector<SampleRecord> records(96);
     document->AddBlock(0, std::span(records).first(18), false);
     document->FlushBlockUpdates();
-    auto drawn = Record({left + 400, 100}); // 20 samples show
+    auto drawn = Record({left + 400, 100}); // 20 samples are visible
     EXPECT_EQ(missing, 18);
     document->SetMarker(1, 20);
     EXPECT_THAT(Texts(Record({left + 400, 100}), 60, 100), IsEmpty()) << "no value either";
@@ -282,7 +282,7 @@ TEST_F(WavePainter, NothingIsDrawnWhileASampleThatShowsIsMissing) {
     EXPECT_THAT(Strokes(drawn), IsEmpty());
     EXPECT_THAT(RunTexts(drawn), IsEmpty());
     EXPECT_EQ(drawn.TextsBetween(18, 99).size(), 4U) << "names and values stay";
-    drawn = Record({left + 360, 100}); // 18 samples show
+    drawn = Record({left + 360, 100}); // 18 samples are visible
     EXPECT_EQ(missing, std::nullopt);
     EXPECT_THAT(Strokes(drawn), testing::Not(IsEmpty()));
     zoom = -3;
@@ -290,7 +290,7 @@ TEST_F(WavePainter, NothingIsDrawnWhileASampleThatShowsIsMissing) {
     document->AddBlock(18, std::span(records).first(22), false);
     document->FlushBlockUpdates();
     static_cast<void>(Record({left + 10, 100}));
-    EXPECT_EQ(missing, std::nullopt) << "four samples in each pixel";
+    EXPECT_EQ(missing, std::nullopt) << "four samples per pixel";
     static_cast<void>(Record({left + 11, 100}));
     EXPECT_EQ(missing, 40);
 }
@@ -327,7 +327,7 @@ TEST_F(WavePainter, ABlankRowStaysEmptyWhateverIsLoaded) {
     EXPECT_THAT(RunTexts(drawn), IsEmpty());
 }
 
-TEST_F(WavePainter, ABlankInAGroupIsABitOfIt) {
+TEST_F(WavePainter, ABlankInAGroupIsOneOfItsBits) {
     Open();
     AddLine(1).selected = true;
     document->waveformList.InsertBlank(nullptr)->selected = true;
@@ -341,7 +341,7 @@ TEST_F(WavePainter, ABlankInAGroupIsABitOfIt) {
 
 // Marks.
 
-TEST_F(WavePainter, TicksStandAtEverySample) {
+TEST_F(WavePainter, TicksAreAtEverySample) {
     Open();
     place = {0, 7};
     const auto drawn = Record({left + 50, 100});
@@ -355,7 +355,7 @@ TEST_F(WavePainter, TicksStandAtEverySample) {
                                    QRect(left + 40, 10, 1, 7)));
 }
 
-TEST_F(WavePainter, MarksStandAtTheirSamples) {
+TEST_F(WavePainter, MarksAreAtTheirSamples) {
     Open();
     AddLine(0);
     document->SetMarker(1, 3);
@@ -371,7 +371,7 @@ TEST_F(WavePainter, MarksStandAtTheirSamples) {
     EXPECT_EQ(MarkAt(Record(), 2), left + 12 / 4 + 1);
 }
 
-TEST_F(WavePainter, AMarkOnTheFirstSampleThatShowsIsNotDrawn) {
+TEST_F(WavePainter, AMarkOnTheFirstVisibleSampleIsNotDrawn) {
     Open();
     document->SetMarker(1, 5);
     place = {5, 0};
@@ -386,10 +386,10 @@ TEST_F(WavePainter, MarksRightOfTheAreaAreNotDrawn) {
     document->SetMarker(2, 20);
     const auto drawn = Record({left + 400, 100});
     EXPECT_EQ(MarkAt(drawn, 1), left + 19 * 20 + 1);
-    EXPECT_EQ(MarkAt(drawn, 2), std::nullopt) << "it would stand on the edge";
+    EXPECT_EQ(MarkAt(drawn, 2), std::nullopt) << "it would be on the edge";
 }
 
-TEST_F(WavePainter, UnderAFilterMarksStandAtTheirRows) {
+TEST_F(WavePainter, WithAFilterMarksAreAtTheirRows) {
     Open(0, 999, [](int number) { return number % 5 == 0; });
     AddLine(0);
     ASSERT_TRUE(document->IsFiltered());
@@ -442,7 +442,7 @@ TEST_F(WavePainter, TheTimeNeedsTenPixelsMoreThanItsText) {
     EXPECT_EQ(SpanTexts(Record()).size(), 1U);
 }
 
-TEST_F(WavePainter, MarkersOffTheSpanAreTakenAtItsEdges) {
+TEST_F(WavePainter, MarkersOutsideTheSpanAreDrawnToItsEdges) {
     Open();
     AddTime();
     place = {50, 0};
@@ -456,7 +456,7 @@ TEST_F(WavePainter, MarkersOffTheSpanAreTakenAtItsEdges) {
     EXPECT_EQ(SpanOf(Record()), QRect(left + 81, 5, usual.width() - left - 82, 1));
 }
 
-TEST_F(WavePainter, MarkersOffOnOneSideAreNotJoined) {
+TEST_F(WavePainter, MarkersOutsideOnTheSameSideAreNotJoined) {
     Open();
     AddTime();
     place = {50, 0};
@@ -469,7 +469,7 @@ TEST_F(WavePainter, MarkersOffOnOneSideAreNotJoined) {
     EXPECT_EQ(SpanOf(Record()), std::nullopt);
 }
 
-TEST_F(WavePainter, TwoMarkersOnOneSampleHaveTwoGlyphsAtOnePlace) {
+TEST_F(WavePainter, TwoMarkersOnOneSampleHaveTwoGlyphsInOnePlace) {
     Open();
     document->SetMarker(1, 4);
     document->SetMarker(2, 4);
@@ -480,7 +480,7 @@ TEST_F(WavePainter, TwoMarkersOnOneSampleHaveTwoGlyphsAtOnePlace) {
 
 // Names and values.
 
-TEST_F(WavePainter, TheValueColumnTellsOfMarker1) {
+TEST_F(WavePainter, TheValueColumnShowsTheValuesAtMarker1) {
     Open();
     AddLine(1);
     AddBus(0, 7, true);
@@ -495,11 +495,11 @@ TEST_F(WavePainter, TheValueColumnTellsOfMarker1) {
     EXPECT_LT(wide->visible.right(), 100);
 }
 
-TEST_F(WavePainter, BlanksAreNoValueAndNoRun) {
+TEST_F(WavePainter, BlanksAreNeitherAValueNorARun) {
     Open();
     CSignal& data = AddDecoded("DATA32");
     SampleRecord idle;
-    idle.bytes[8] = 0xFF; // all lanes are off
+    idle.bytes[8] = 0xFF; // all lanes are disabled
     for (std::uint32_t sample = 0; sample < 20; ++sample) {
         document->store.PutSample(sample, idle);
     }
@@ -508,11 +508,11 @@ TEST_F(WavePainter, BlanksAreNoValueAndNoRun) {
     const auto drawn = Record();
     EXPECT_THAT(Texts(drawn, 60, 100), IsEmpty());
     EXPECT_THAT(RunTexts(drawn), IsEmpty());
-    zoom = 2; // a run of blanks that does not fit
+    zoom = 2; // too narrow for a run of blanks
     EXPECT_THAT(RunTexts(Record({left + 40, 100})), IsEmpty());
 }
 
-TEST_F(WavePainter, NamesUseAllOfTheirColumnButAPixelOnEachSide) {
+TEST_F(WavePainter, NamesUseTheirColumnExceptAPixelOnEachSide) {
     Open();
     AddDecoded("COMMAND");
     for (const int width : {75, 60, 40, 20}) {
@@ -552,7 +552,7 @@ TEST_F(WavePainter, BandsBeforeTheFirstShowNothing) {
     EXPECT_THAT(Texts(Record(), 0, 60), IsEmpty());
 }
 
-TEST_F(WavePainter, NothingReachesOutOfItsPart) {
+TEST_F(WavePainter, NothingIsDrawnOutsideItsPart) {
     Open();
     AddBus(0, 31, true);
     AddLine(0);
@@ -576,7 +576,7 @@ TEST_F(WavePainter, NothingReachesOutOfItsPart) {
     }
 }
 
-TEST_F(WavePainter, AFrameCostsTheSameInAnyCapture) {
+TEST_F(WavePainter, AFrameTakesTheSameEffortInAnyCapture) {
     std::vector<std::size_t> calls;
     for (const int samples : {10'000, 100'000}) {
         Open(0, samples - 1);
@@ -588,7 +588,7 @@ TEST_F(WavePainter, AFrameCostsTheSameInAnyCapture) {
     EXPECT_EQ(calls[0], calls[1]);
 }
 
-/// The walk from sample to sample that defines where lines run, in a picture of its own.
+/// The loop over all samples that defines where lines run, drawn as a separate picture.
 class SlowWalk {
 public:
     SlowWalk(QImage& image, const WaveFrame& frame, const WaveBand& band)
@@ -651,7 +651,7 @@ private:
     int x_;
 };
 
-TEST_F(WavePainter, DrawsWhatAWalkOverEverySampleDraws) {
+TEST_F(WavePainter, AgreesWithALoopOverEverySample) {
     constexpr unsigned seed = 7;
     std::mt19937 random(seed);
     for (const bool filtered : {false, true}) {
@@ -695,7 +695,7 @@ TEST_F(WavePainter, DrawsWhatAWalkOverEverySampleDraws) {
     }
 }
 
-TEST_F(WavePainter, RunsAreThoseOfAWalkOverEverySample) {
+TEST_F(WavePainter, RunsAgreeWithALoopOverEverySample) {
     constexpr unsigned seed = 11;
     std::mt19937 random(seed);
     std::string text =

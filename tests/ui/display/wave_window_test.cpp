@@ -18,7 +18,7 @@
 namespace busquill::test {
 namespace {
 
-/// A view of waveforms over samples whose data lines count.
+/// A view of waveforms over samples with counting data lines.
 class Waveforms : public TraceViewFixture {
 protected:
     explicit Waveforms(const std::string& model = "PCIKite-1") : TraceViewFixture(model) {}
@@ -51,7 +51,7 @@ protected:
                Qt::KeyboardModifiers keys = Qt::NoModifier) {
         QTest::mouseClick(window, button, keys, place);
     }
-    /// Chooses an entry of the menu on the nth band's name; `choose` does what may open a dialog.
+    /// Chooses an entry of the menu of the nth band's name; `choose` does what may open a dialog.
     void ChooseOfMenu(
         int n, const QString& entry,
         const std::function<void(QAction&)>& choose = [](QAction& action) { action.trigger(); }) {
@@ -72,7 +72,7 @@ protected:
         QTest::mouseMove(window, to);
         QTest::mouseRelease(window, Qt::LeftButton, {}, to);
     }
-    /// A place in the waves, a number of pixels right of their left edge.
+    /// A point in the waves, a number of pixels right of their left edge.
     [[nodiscard]] QPoint Wave(int d) const {
         return {window->NameWidth() + window->ValueWidth() + d, 100};
     }
@@ -95,7 +95,7 @@ protected:
         return y;
     }
     [[nodiscard]] QImage Picture() { return window->grab().toImage(); }
-    /// The part of the window that is painted when something is done.
+    /// The part of the window that is repainted by an action.
     QRect Painted(const std::function<void()>& act) {
         struct Watch : QObject {
             QRegion painted;
@@ -120,7 +120,7 @@ protected:
 
 // Along the samples.
 
-TEST_F(Waveforms, TheArrowsOfTheHorizontalBarMoveFourPixels) {
+TEST_F(Waveforms, TheArrowsOfTheHorizontalBarMoveByFourPixels) {
     Open();
     const std::int64_t row = window->Place().row;
     for (int i = 1; i <= 4; ++i) {
@@ -133,7 +133,7 @@ TEST_F(Waveforms, TheArrowsOfTheHorizontalBarMoveFourPixels) {
     EXPECT_EQ(value, static_cast<int>(row * 10));
 }
 
-TEST_F(Waveforms, BeginWithTheTriggerInTheMiddleAtTwentyPixelsASample) {
+TEST_F(Waveforms, BeginWithTheTriggerInTheMiddleAtTwentyPixelsPerSample) {
     Open();
     EXPECT_EQ(window->Zoom(), 20);
     EXPECT_EQ(ZoomBar().value(), 20);
@@ -143,7 +143,7 @@ TEST_F(Waveforms, BeginWithTheTriggerInTheMiddleAtTwentyPixelsASample) {
     EXPECT_EQ(window->VisibleSampleCount(), (window->width() - 125) / 20);
 }
 
-TEST_F(Waveforms, ArrowKeysAndTheWheelMoveFourPixels) {
+TEST_F(Waveforms, ArrowKeysAndTheWheelMoveByFourPixels) {
     Open();
     const std::int64_t row = window->Place().row;
     Key(Qt::Key_Right);
@@ -159,10 +159,10 @@ TEST_F(Waveforms, ArrowKeysAndTheWheelMoveFourPixels) {
     const auto place = window->Place();
     Key(Qt::Key_Up);
     Key(Qt::Key_Down);
-    EXPECT_EQ(window->Place(), place) << "those are for listings";
+    EXPECT_EQ(window->Place(), place) << "those keys are for listings";
 }
 
-TEST_F(Waveforms, PageKeysMoveAWindow) {
+TEST_F(Waveforms, PageKeysMoveByAWindow) {
     Open();
     const std::int64_t row = window->Place().row;
     const std::int64_t visible = window->VisibleSampleCount();
@@ -188,7 +188,7 @@ TEST_F(Waveforms, PageKeysMoveAWindow) {
     EXPECT_EQ(window->Place().row, 0);
 }
 
-TEST_F(Waveforms, ABackwardStepAtANegativeZoomShowsAtTheNextRedraw) {
+TEST_F(Waveforms, ABackwardStepAtANegativeZoomAppearsAtTheNextRedraw) {
     Open(-5000, 4999);
     window->SetZoom(-3);
     document->SetMarker(1, 400);
@@ -202,7 +202,7 @@ TEST_F(Waveforms, ABackwardStepAtANegativeZoomShowsAtTheNextRedraw) {
     EXPECT_EQ(view->TopSample(), 288);
     EXPECT_NE(Picture(), before);
     Key(Qt::Key_Right);
-    EXPECT_EQ(view->TopSample(), 300) << "forward at once";
+    EXPECT_EQ(view->TopSample(), 300) << "a forward step appears at once";
 }
 
 TEST_F(Waveforms, TheBarStepsPagesAndDrags) {
@@ -257,13 +257,13 @@ TEST_F(Waveforms, MoveWithTheListingOfTheSameCapture) {
 
 // The zoom.
 
-TEST_F(Waveforms, ZoomByItsBarAndByCommandsEachInItsWayOverZero) {
+TEST_F(Waveforms, ZoomByItsBarAndByCommandsSkipsZero) {
     Open();
     const std::int64_t first = view->TopSample();
     const auto act = [&](QAbstractSlider::SliderAction action) {
         ZoomBar().triggerAction(action);
         EXPECT_EQ(ZoomBar().value(), window->Zoom());
-        EXPECT_EQ(view->TopSample(), first) << "which stays";
+        EXPECT_EQ(view->TopSample(), first) << "unchanged";
         return window->Zoom();
     };
     EXPECT_EQ(act(QAbstractSlider::SliderSingleStepAdd), 21);
@@ -285,7 +285,7 @@ TEST_F(Waveforms, ZoomByItsBarAndByCommandsEachInItsWayOverZero) {
     EXPECT_EQ(window->Zoom(), 1);
 }
 
-TEST_F(Waveforms, ZoomEndsAtFourHundredAndAtMinusSeven) {
+TEST_F(Waveforms, ZoomIsLimitedToFourHundredAndMinusSeven) {
     Open();
     window->SetZoom(400);
     EXPECT_FALSE(view->CanZoom(true));
@@ -301,11 +301,11 @@ TEST_F(Waveforms, ZoomEndsAtFourHundredAndAtMinusSeven) {
     ZoomBar().triggerAction(QAbstractSlider::SliderPageStepSub);
     view->Zoom(false);
     EXPECT_EQ(window->Zoom(), -7);
-    EXPECT_FALSE(MakeView()->CanZoom(true)) << "a listing has none";
+    EXPECT_FALSE(MakeView()->CanZoom(true)) << "a listing has no zoom";
     EXPECT_FALSE(MakeView()->CanZoom(false));
 }
 
-TEST_F(Waveforms, TheScaleFollowsTheThumbAndTheBarsWaitForItsEnd) {
+TEST_F(Waveforms, TheScaleFollowsTheThumbAndTheBarsAreUpdatedOnRelease) {
     Open(-500, 499, false, {1200, 400});
     QScrollBar& bar = ZoomBar();
     QStyleOptionSlider option;
@@ -346,7 +346,7 @@ TEST_F(Waveforms, TheVerticalBarMovesTheBands) {
     EXPECT_EQ(window->Top(), (BandPlace{0, 1}));
     EXPECT_EQ(SignalBar().value(), 1);
     SignalBar().triggerAction(QAbstractSlider::SliderPageStepSub);
-    EXPECT_EQ(window->Top(), (BandPlace{-1, 0})) << "before the first, where nothing shows";
+    EXPECT_EQ(window->Top(), (BandPlace{-1, 0})) << "before the first, where nothing is drawn";
     EXPECT_EQ(SignalBar().value(), 0);
     SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
     EXPECT_EQ(window->Top(), (BandPlace{0, 0}));
@@ -358,14 +358,14 @@ TEST_F(Waveforms, TheVerticalBarMovesTheBands) {
     EXPECT_EQ(last.top + last.height + 1, window->height()) << "the last band is at the bottom";
 }
 
-TEST_F(Waveforms, BandsThatAllFitLeaveTheBarDisabled) {
+TEST_F(Waveforms, BandsThatAllFitDisableTheBar) {
     Open(-5, 4, false, {800, 2000});
     EXPECT_FALSE(SignalBar().isEnabled());
     SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
     EXPECT_EQ(window->Top(), (BandPlace{0, 0}));
 }
 
-TEST_F(Waveforms, TheBarsLieAtTheEdges) {
+TEST_F(Waveforms, TheBarsAreAtTheEdges) {
     Open();
     const int barWidth = SignalBar().width();
     const int barHeight = SampleBar().height();
@@ -401,7 +401,7 @@ TEST_F(Waveforms, AClickOnAMarkersSampleClearsIt) {
     EXPECT_EQ(document->Marker(2, false), -1);
 }
 
-TEST_F(Waveforms, ADoubleClickSetsAMarkerAndLeavesIt) {
+TEST_F(Waveforms, ADoubleClickSetsAMarkerAndKeepsIt) {
     Open();
     Click(Wave(63));
     QMouseEvent twice(QEvent::MouseButtonDblClick, Wave(63), window->mapToGlobal(Wave(63)),
@@ -410,7 +410,7 @@ TEST_F(Waveforms, ADoubleClickSetsAMarkerAndLeavesIt) {
     EXPECT_EQ(document->Marker(1, false), view->TopSample() + 3);
 }
 
-TEST_F(Waveforms, TheFirstSampleIsNotTakenWhenItBeginsOutOfSight) {
+TEST_F(Waveforms, TheFirstSampleIsNotChosenIfItBeginsOutOfSight) {
     Open();
     const std::int64_t first = view->TopSample();
     Click(Wave(3));
@@ -421,7 +421,7 @@ TEST_F(Waveforms, TheFirstSampleIsNotTakenWhenItBeginsOutOfSight) {
     EXPECT_EQ(document->Marker(1, false), first + 1);
 }
 
-TEST_F(Waveforms, AtANegativeZoomAPixelMeansTheSamplesThatItCounts) {
+TEST_F(Waveforms, AtANegativeZoomAPixelSelectsTheSamplesThatItCounts) {
     Open(-5000, 4999);
     window->SetZoom(-3);
     view->ScrollToSample(100);
@@ -429,7 +429,7 @@ TEST_F(Waveforms, AtANegativeZoomAPixelMeansTheSamplesThatItCounts) {
     EXPECT_EQ(document->Marker(1, false), 100 + 21);
 }
 
-TEST_F(Waveforms, AClickAtTheRightEdgeLeavesTheWavesWhereTheyAre) {
+TEST_F(Waveforms, AClickAtTheRightEdgeDoesNotScroll) {
     Open(-5000, 4999);
     for (const int zoom : {20, 30, 47, 1, -1, -7}) {
         window->SetZoom(zoom);
@@ -445,7 +445,7 @@ TEST_F(Waveforms, AClickAtTheRightEdgeLeavesTheWavesWhereTheyAre) {
     }
 }
 
-TEST_F(Waveforms, BehindTheLastSampleNothingIsMarked) {
+TEST_F(Waveforms, AfterTheLastSampleNothingIsMarked) {
     Open(-5, 4);
     Click(Wave(19 * 20));
     EXPECT_EQ(document->Marker(1, false), -1);
@@ -477,7 +477,7 @@ TEST_F(Waveforms, NamesAreSelectedDraggedAndResized) {
     EXPECT_EQ(document->Marker(1, false), -1);
 }
 
-TEST_F(Waveforms, AClickWithAKeyBeginsNoDrag) {
+TEST_F(Waveforms, AClickWithAModifierStartsNoDrag) {
     Open();
     const std::string name = Band(3).RowName();
     QTest::mousePress(window, Qt::LeftButton, Qt::ControlModifier, Name(3));
@@ -485,13 +485,13 @@ TEST_F(Waveforms, AClickWithAKeyBeginsNoDrag) {
     EXPECT_EQ(Band(3).RowName(), name);
 }
 
-TEST_F(Waveforms, BandsUnderTheMouseFollowTheirScrolling) {
+TEST_F(Waveforms, BandsUnderTheMouseFollowTheScrolling) {
     Open();
     for (int i = 0; i < 25; ++i) { // 21 for the first band, 4 of the second
         SignalBar().triggerAction(QAbstractSlider::SliderSingleStepAdd);
     }
     Click({30, 17});
-    EXPECT_FALSE(Band(1).selected) << "the header is no band";
+    EXPECT_FALSE(Band(1).selected) << "the header is not a band";
     Click({30, 18 + 10});
     EXPECT_TRUE(Band(1).selected);
     Click({30, 18 + 16 + 10});
@@ -512,14 +512,14 @@ TEST_F(Waveforms, TheColumnsCanBeMadeWider) {
     EXPECT_EQ(smallest, 3 * QFontMetrics(FontOfCellHeight(14, QFont::Normal, FontFace::Fixed))
                                 .horizontalAdvance('0'));
     Drag({smallest, 5}, {2000, 5});
-    EXPECT_EQ(window->NameWidth(), smallest) << "the waves keep some room";
+    EXPECT_EQ(window->NameWidth(), smallest) << "some space remains for the waves";
     EXPECT_EQ(document->Marker(1, false), -1);
     for (const auto& signal : document->waveformList.All()) {
         EXPECT_FALSE(signal->selected);
     }
 }
 
-TEST_F(Waveforms, TheValueColumnsEdgeReachesToTheLeftOnly) {
+TEST_F(Waveforms, TheEdgeOfTheValueColumnIsHitFromTheLeftOnly) {
     Open();
     Drag({125 - 5, 100}, {150, 100});
     EXPECT_EQ(window->ValueWidth(), 50);
@@ -527,10 +527,10 @@ TEST_F(Waveforms, TheValueColumnsEdgeReachesToTheLeftOnly) {
     EXPECT_EQ(window->ValueWidth(), 75);
     Drag({151, 100}, {160, 100});
     EXPECT_EQ(window->ValueWidth(), 75);
-    EXPECT_NE(document->Marker(1, false), -1) << "that was the waves";
+    EXPECT_NE(document->Marker(1, false), -1) << "the click was in the waves";
 }
 
-TEST_F(Waveforms, TheCursorTellsWhatTheMouseWouldDo) {
+TEST_F(Waveforms, TheCursorShowsWhatTheMouseWouldDo) {
     Open();
     const auto over = [&](QPoint place) {
         QTest::mouseMove(window, place);
@@ -591,8 +591,8 @@ TEST_F(Waveforms, ABlankRowOfTheMenuStaysEmpty) {
     ASSERT_EQ(Band(2).dataIndex, -1);
     Click(Wave(63));
     const auto isEmpty = [this](int band) {
-        // The band's lines of pixels right of its name, each of one colour but for the lines of
-        // marks and columns, which all bands share.
+        // The rows of pixels of the band, right of its name, each of one colour except for the
+        // marks and column lines, which all bands share.
         const QImage picture = Picture();
         const int last = BandTop(band) + Band(band).height - 1;
         for (int x = window->NameWidth() + 1; x < window->width(); ++x) {
@@ -623,7 +623,7 @@ TEST_F(Waveforms, ABlankRowOfTheMenuStaysEmpty) {
 
 // Drawing.
 
-TEST_F(Waveforms, ASelectionPaintsTheNamesAMarkerTheWavesAndValues) {
+TEST_F(Waveforms, ASelectionPaintsTheNamesAndAMarkerTheWavesAndValues) {
     Open();
     EXPECT_EQ(Painted([&] { Click(Name(2)); }), QRect(0, 0, 75, window->height()));
     const QRect marked = Painted([&] { Click(Wave(63)); });
@@ -633,7 +633,7 @@ TEST_F(Waveforms, ASelectionPaintsTheNamesAMarkerTheWavesAndValues) {
     EXPECT_EQ(Painted([&] { view->ScrollToSample(view->TopSample()); }), QRect());
 }
 
-TEST_F(Waveforms, EveryPartialPictureIsAsTheWholeOne) {
+TEST_F(Waveforms, EveryPartialRepaintEqualsTheWholeOne) {
     Open();
     const auto expectWhole = [&](const char* after) {
         const QImage partial = Picture();
@@ -656,7 +656,7 @@ TEST_F(Waveforms, EveryPartialPictureIsAsTheWholeOne) {
     expectWhole("another place");
 }
 
-TEST_F(Waveforms, AMarkerOutsideIsShown) {
+TEST_F(Waveforms, AMarkerOutOfSightIsScrolledIntoView) {
     Open();
     document->SetMarker(1, 900);
     EXPECT_EQ(view->CenterSample(), 900);
@@ -665,7 +665,7 @@ TEST_F(Waveforms, AMarkerOutsideIsShown) {
     EXPECT_EQ(view->TopSample(), first);
 }
 
-TEST_F(Waveforms, TheValuesAreThoseOfAMarkerThatIsFoundOutOfSight) {
+TEST_F(Waveforms, TheValuesFollowAMarkerThatIsScrolledIntoView) {
     Open();
     const auto expectWhole = [&](const char* after) {
         const QImage shown = Picture();
@@ -675,7 +675,7 @@ TEST_F(Waveforms, TheValuesAreThoseOfAMarkerThatIsFoundOutOfSight) {
     Click(Wave(63));
     const QImage before = Picture();
     for (const auto& signal : document->searchPattern.All()) {
-        if (signal->dataIndex >= 0 && signal->dataIndex < 10) { // of the data lines: sample 900
+        if (signal->dataIndex >= 0 && signal->dataIndex < 10) { // the data lines of sample 900
             signal->data[0] |= 900 >> signal->dataIndex & 1;
             signal->mask[0] |= 1;
         }
@@ -695,7 +695,7 @@ TEST_F(Waveforms, TheValuesAreThoseOfAMarkerThatIsFoundOutOfSight) {
     expectWhole("a move of the bands");
 }
 
-TEST_F(Waveforms, TheValuesAreThereWhenTheMarkersSampleHasCome) {
+TEST_F(Waveforms, TheValuesAppearWhenTheMarkersSampleHasArrived) {
     Open(0, 1999);
     document->RebuildMaps(0, 1999);
     document->SetMarker(1, 1000);
@@ -711,14 +711,14 @@ TEST_F(Waveforms, TheValuesAreThereWhenTheMarkersSampleHasCome) {
     EXPECT_EQ(Picture(), shown);
 }
 
-TEST_F(Waveforms, NewColoursAreTakenAtTheNextPaint) {
+TEST_F(Waveforms, NewColoursAreUsedAtTheNextPaint) {
     Open();
     const QImage before = Picture();
     settings.WriteProfileInt("Display", "WaveformBackgroundColor", 0xFFFFFF);
     EXPECT_NE(Picture(), before);
 }
 
-TEST_F(Waveforms, AnArrivingBlockIsDrawnWhereItShows) {
+TEST_F(Waveforms, AnArrivingBlockIsDrawnIfItIsVisible) {
     Open(0, 19999);
     view->ScrollToSample(320);
     const auto draws = [&](std::uint32_t first, bool zoom) {
@@ -735,13 +735,13 @@ TEST_F(Waveforms, AnArrivingBlockIsDrawnWhereItShows) {
     EXPECT_FALSE(draws(320, true));
     const auto visible = static_cast<std::uint32_t>(window->VisibleSampleCount());
     EXPECT_FALSE(draws(320 + visible + 2, false));
-    window->SetZoom(-7); // eight samples a pixel are drawn, though seven count
+    window->SetZoom(-7); // eight samples per pixel are drawn, though seven count
     const auto drawn = static_cast<std::uint32_t>(window->width() - WaveLeft()) * 8;
     EXPECT_TRUE(draws(320 + drawn - 1, false));
     EXPECT_FALSE(draws(320 + drawn, false));
 }
 
-TEST_F(Waveforms, NewDataAreDrawnWhereTheViewIsAlready) {
+TEST_F(Waveforms, NewDataAreDrawnWhereTheViewIs) {
     Open();
     EXPECT_FALSE(Painted([&] { document->UpdateAllViews(nullptr, HintDataComplete); }).isEmpty());
 }
@@ -766,7 +766,7 @@ TEST_F(Waveforms, AFilterIsShownAtOnce) {
 
 // Power Zoom.
 
-TEST_F(Waveforms, PowerZoomHasSamplesMarkersAndPicosecondsOfItsOwn) {
+TEST_F(Waveforms, PowerZoomHasItsOwnSamplesMarkersAndPicoseconds) {
     Open(-500, 499, true);
     EXPECT_EQ(view->CenterSample(), 255);
     EXPECT_EQ(frame.counters, std::make_pair(std::int64_t{255}, std::int64_t{255}));
@@ -784,7 +784,7 @@ TEST_F(Waveforms, PowerZoomHasSamplesMarkersAndPicosecondsOfItsOwn) {
     view->ScrollToSample(100);
     ASSERT_EQ(window->Place().row, 100);
     Key(Qt::Key_Left);
-    EXPECT_EQ(view->TopSample(), 96) << "row and sample are one";
+    EXPECT_EQ(view->TopSample(), 96) << "row and sample are the same";
 }
 
 } // namespace

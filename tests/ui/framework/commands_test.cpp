@@ -61,7 +61,7 @@ TEST(Commands, MasterLockForbidsDrivingTheBus) {
     EXPECT_TRUE(Enabled(CommandId::NewAnomaly, board));
 }
 
-TEST(Commands, EachStandsInTheMenusOnce) {
+TEST(Commands, EachIsInTheMenusOnce) {
     std::set<CommandId> seen;
     for (const Command& command : Commands()) {
         if (command.id != CommandId::None) {
@@ -102,7 +102,7 @@ TEST(Toolbar, HasItsButtonsInOrder) {
     }
 }
 
-TEST(CommandMap, AnswersForItsCommandsAlone) {
+TEST(CommandMap, HandlesItsOwnCommandsOnly) {
     CommandMap map;
     EXPECT_EQ(map.CanDo(CommandId::Filter), std::nullopt);
     bool ready = false;
@@ -111,7 +111,7 @@ TEST(CommandMap, AnswersForItsCommandsAlone) {
         CommandId::Filter, [&] { ++done; }, [&] { return ready; });
     EXPECT_EQ(map.CanDo(CommandId::Filter), std::optional(false));
     map.Do(CommandId::Filter);
-    EXPECT_EQ(done, 0) << "it could not be done";
+    EXPECT_EQ(done, 0) << "it was disabled";
     ready = true;
     EXPECT_EQ(map.CanDo(CommandId::Filter), std::optional(true));
     map.Do(CommandId::Filter);
@@ -119,7 +119,7 @@ TEST(CommandMap, AnswersForItsCommandsAlone) {
     EXPECT_EQ(done, 1);
 }
 
-TEST(CommandMap, ForbidsWhatAnotherOneCarriesOut) {
+TEST(CommandMap, DisablesCommandsThatAnotherMapHandles) {
     CommandMap map;
     bool isFile = true;
     map.Forbid(CommandId::FileSave, [&] { return isFile; });
@@ -128,7 +128,7 @@ TEST(CommandMap, ForbidsWhatAnotherOneCarriesOut) {
     EXPECT_EQ(map.CanDo(CommandId::FileSave), std::nullopt);
 }
 
-TEST(CommandMap, TakesUpTheCommandsOfAnother) {
+TEST(CommandMap, IncludesTheCommandsOfAnother) {
     CommandMap own;
     CommandMap added;
     added.On(CommandId::NewMaster, [] {});
@@ -138,11 +138,11 @@ TEST(CommandMap, TakesUpTheCommandsOfAnother) {
     EXPECT_EQ(own.CanDo(CommandId::NewMaster), std::optional(true));
 }
 
-TEST(CommandMap, MayGoWhileItsCommandIsCarriedOut) {
+TEST(CommandMap, MayBeDestroyedWhileItsCommandRuns) {
     auto map = std::make_unique<CommandMap>();
     bool done = false;
     map->On(CommandId::FileClose, [&map, &done] {
-        bool& after = done; // what the command holds outlives the map
+        bool& after = done; // a capture of the command outlives the map
         map.reset();
         after = true;
     });

@@ -47,14 +47,14 @@ TEST(QtSettings, KeepValuesBySectionAndKey) {
     EXPECT_EQ(settings.GetProfileString("Setup", "Missing", "fallback"), "fallback");
 }
 
-TEST(WindowTimer, ATickThatShowsABoxIsNotEnteredAgain) {
+TEST(WindowTimer, ATickThatShowsABoxIsNotReentered) {
     MainThread mainThread;
     int ticks = 0;
     int inside = 0;
     WindowTimer timer(nullptr, mainThread, [&] {
         ++ticks;
         ++inside;
-        QTest::qWait(30); // as a box of the tick's own
+        QTest::qWait(30); // as long as a message box of the tick is open
         EXPECT_EQ(inside, 1);
         --inside;
     });
@@ -62,7 +62,7 @@ TEST(WindowTimer, ATickThatShowsABoxIsNotEnteredAgain) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return ticks >= 3; }));
 }
 
-TEST(WindowTimer, ATickMayEndItsTimer) {
+TEST(WindowTimer, ATickMayDestroyItsTimer) {
     MainThread mainThread;
     auto* timer = new WindowTimer(nullptr, mainThread, [] {});
     QPointer<WindowTimer> watched = timer;
@@ -87,7 +87,7 @@ TEST(FontOfCellHeight, FillsTheCellAndNoMore) {
     }
 }
 
-/// Presses a button of the box that stands open.
+/// Presses a button of the open box.
 void PressIn(const QString& text, bool& onTop) {
     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
     if (box == nullptr) {
@@ -102,7 +102,7 @@ void PressIn(const QString& text, bool& onTop) {
     }
 }
 
-TEST(MessageBoxes, GiveTheUsersAnswer) {
+TEST(MessageBoxes, ReturnTheUsersAnswer) {
     MainThread mainThread;
     ShowBoxesAsWindows(mainThread);
     bool onTop = true;

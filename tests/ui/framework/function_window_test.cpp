@@ -1,4 +1,4 @@
-// The window that the functions of the board share: its bar, its form.
+// The window that is common to the functions of the board: its bar and its form.
 
 #include "ui/framework/form_view.h"
 #include "ui/framework/go_stop_child.h"
@@ -41,12 +41,12 @@ protected:
     }
 };
 
-TEST(Form, RowsAndButtonsStandOnTheBottom) {
+TEST(Form, RowsAndButtonsAreAtTheBottom) {
     EXPECT_EQ(Form::SlotLeft(0), 10);
     EXPECT_EQ(Form::SlotLeft(6), 490);
     const QRect button = Form::ButtonPlace(90, 400);
     EXPECT_EQ(button, QRect(90, 370, 70, 25)); // 5 above the edge
-    // Row r reaches from 65 + 25r to 45 + 25r above the bottom.
+    // Row r extends from 65 + 25r to 45 + 25r above the bottom.
     EXPECT_EQ(Form::FieldPlace(0, 7, 30, 400), QRect(7, 335, 30, 20));
     EXPECT_EQ(Form::FieldPlace(3, 7, 30, 400), QRect(7, 260, 30, 20));
     EXPECT_EQ(Form::GroupPlace(10, 200, 170, 40, 400), QRect(10, 230, 200, 130));
@@ -71,13 +71,13 @@ TEST(FormView, KeepsItsPartsAtTheBottom) {
     EXPECT_EQ(sheet.loads, 1);
 }
 
-TEST(FormView, DrawsALabelWhileItsFieldShows) {
+TEST(FormView, DrawsALabelWhileItsFieldIsVisible) {
     Sheet sheet;
     sheet.resize(600, 400);
     sheet.show();
     QApplication::processEvents();
     const auto ink = [&] {
-        // Of the label's place, without the field.
+        // The picture of the label's place, without the field.
         const QImage image = sheet.grab(QRect(20, 285, 55, 20)).toImage();
         int dark = 0;
         for (int y = 0; y < image.height(); ++y) {
@@ -134,7 +134,7 @@ TEST(GoStopChild, StartsStopsAndShowsTheRun) {
     EXPECT_NE(status.pixmap().toImage(), stopped);
     child->SetRunState(RunPicture::Stopped);
     EXPECT_EQ(status.pixmap().toImage(), stopped);
-    // The bar's parts keep their distance from the right edge.
+    // The parts of the bar keep their distance from the right edge.
     auto& stop = *child->findChild<QToolButton*>("Stop");
     const int gap = stop.parentWidget()->width() - stop.geometry().right();
     child->resize(700, 400);

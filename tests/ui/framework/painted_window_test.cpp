@@ -29,7 +29,7 @@ QColor At(QWidget& window, QPoint place) {
     return window.grab().toImage().pixelColor(place);
 }
 
-TEST(PaintedWindow, DrawsOnceForASizeAndShowsThat) {
+TEST(PaintedWindow, DrawsOncePerSizeAndReusesTheBitmap) {
     Painted window;
     window.Render();
     EXPECT_EQ(window.drawn, 0) << "without a size there is nothing to draw on";
@@ -39,12 +39,12 @@ TEST(PaintedWindow, DrawsOnceForASizeAndShowsThat) {
     const int drawn = window.drawn;
     window.color = Qt::blue;
     EXPECT_EQ(At(window, {39, 29}), QColor(Qt::red));
-    EXPECT_EQ(window.drawn, drawn) << "comes from the bitmap";
+    EXPECT_EQ(window.drawn, drawn) << "painted from the bitmap";
     window.resize(80, 60);
     EXPECT_EQ(At(window, {79, 59}), QColor(Qt::blue));
 }
 
-TEST(PaintedWindow, RendersOnRequestAndWhereItIsOutdated) {
+TEST(PaintedWindow, RendersOnRequestAndWhenOutdated) {
     Painted window;
     window.resize(40, 30);
     window.show();
@@ -57,7 +57,7 @@ TEST(PaintedWindow, RendersOnRequestAndWhereItIsOutdated) {
     EXPECT_EQ(At(window, {5, 5}), QColor(Qt::green));
 }
 
-TEST(PaintedWindow, APartLeavesTheRest) {
+TEST(PaintedWindow, APartialUpdateLeavesTheRest) {
     Painted window;
     const auto black = [](QPainter& painter) { painter.fillRect(0, 0, 10, 10, Qt::black); };
     window.RenderPart({0, 0, 10, 10}, black);

@@ -9,7 +9,7 @@
 namespace busquill::test {
 namespace {
 
-/// Row by row, a letter for each pixel of a small picture.
+/// A small picture row by row, with a letter for each pixel.
 std::string Letters(const QImage& image) {
     std::string text;
     for (int y = 0; y < image.height(); ++y) {
@@ -54,7 +54,7 @@ TEST(DrawEdge, RaisedIsLitFromTheUpperLeft) {
                                             "DDDDDDD\n");
 }
 
-TEST(DrawEdge, SunkenIsItsOpposite) {
+TEST(DrawEdge, SunkenIsTheOpposite) {
     EXPECT_EQ(EdgeIn({7, 6}, Edge::Sunken), "ssssssW\n"
                                             "sDDDDlW\n"
                                             "sD...lW\n"
@@ -63,7 +63,7 @@ TEST(DrawEdge, SunkenIsItsOpposite) {
                                             "WWWWWWW\n");
 }
 
-TEST(DrawEdge, TooSmallARectangleIsNoHarm) {
+TEST(DrawEdge, ATooSmallRectangleIsHarmless) {
     RecordingPaintDevice sheet({10, 10});
     QPainter painter(&sheet);
     DrawEdge(painter, QRect(3, 3, 0, 0), Edge::Raised);
@@ -98,24 +98,24 @@ protected:
     }
 };
 
-TEST_F(DrawCellTextIn, StandsAtTheBottomCentre) {
+TEST_F(DrawCellTextIn, IsAtTheBottomCentre) {
     const auto text = Draw("1A", CellAlign::Center, false).texts.at(0);
     EXPECT_EQ(text.rect.bottom(), cell.bottom());
     EXPECT_NEAR(text.rect.left() - cell.left(), cell.right() - text.rect.right(), 1);
     EXPECT_EQ(text.visible, text.rect);
 }
 
-TEST_F(DrawCellTextIn, StandsAtTheLeft) {
+TEST_F(DrawCellTextIn, IsAtTheLeft) {
     EXPECT_EQ(Draw("1A", CellAlign::Left, false).texts.at(0).rect.left(), cell.left());
 }
 
-TEST_F(DrawCellTextIn, IsOneLineWithEveryCharacterAsItIs) {
+TEST_F(DrawCellTextIn, IsOneLineWithEveryCharacterUnchanged) {
     const auto drawn = Draw("A&B C", CellAlign::Left, false);
     ASSERT_EQ(drawn.texts.size(), 1U);
     EXPECT_EQ(drawn.texts[0].text, "A&B C");
 }
 
-TEST_F(DrawCellTextIn, TooLongIsCutAtTheCellOrEndsInAnEllipsis) {
+TEST_F(DrawCellTextIn, ATooLongTextIsCutAtTheCellOrEndsInAnEllipsis) {
     const QString text = "0123456789ABCDEF";
     const auto cut = Draw(text, CellAlign::Center, false).texts.at(0);
     EXPECT_EQ(cut.text, text);
@@ -127,7 +127,7 @@ TEST_F(DrawCellTextIn, TooLongIsCutAtTheCellOrEndsInAnEllipsis) {
     EXPECT_LE(elided.rect.right(), cell.right());
 }
 
-TEST_F(DrawCellTextIn, NothingToDraw) {
+TEST_F(DrawCellTextIn, AnEmptyTextDrawsNothing) {
     EXPECT_EQ(Draw("", CellAlign::Center, true).Calls(), 0U);
     EXPECT_EQ(Draw("1", CellAlign::Center, true, {10, 20, 0, 14}).Calls(), 0U);
 }

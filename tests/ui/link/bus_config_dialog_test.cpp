@@ -80,7 +80,7 @@ TEST_F(BusConfiguration, CancelChangesNothing) {
     EXPECT_FALSE(settings.Has("Setup", "SaveBusConfig"));
 }
 
-TEST_F(BusConfiguration, SavedValuesComeBackAndStayWhenTheTickGoes) {
+TEST_F(BusConfiguration, SavedValuesAreRestoredAndStayWhenTheTickIsRemoved) {
     StartDemo();
     Open([](Controls& controls) {
         controls.boxes[0]->setCurrentText("PCI-X");
@@ -110,7 +110,7 @@ TEST_F(BusConfiguration, SavedValuesComeBackAndStayWhenTheTickGoes) {
     EXPECT_EQ(settings.GetProfileInt("Setup", "BusFrequency", 0), 133);
 }
 
-TEST_F(BusConfiguration, ModeThatIsNotOfferedSelectsTheFirst) {
+TEST_F(BusConfiguration, AModeThatIsNotOfferedSelectsTheFirst) {
     settings.WriteProfileInt("Setup", "SaveBusConfig", 1);
     settings.WriteProfileInt("Setup", "BusMode", BusPc104);
     settings.WriteProfileInt("Setup", "BusWidth", 7);

@@ -5,21 +5,21 @@
 namespace busquill {
 namespace {
 
-TEST(VisibleColumns, StandSideBySideRightOfTheSampleColumn) {
+TEST(VisibleColumns, AreSideBySideRightOfTheSampleColumn) {
     const std::vector<int> widths = {40, 50, 60};
     const std::vector<TableColumn> expected = {{0, 57, 40}, {1, 97, 50}, {2, 147, 60}};
     EXPECT_EQ((TableColumns{widths, 56, 0, 800}.Visible()), expected);
     EXPECT_EQ((TableColumns{widths}.TotalWidth()), 150);
 }
 
-TEST(VisibleColumns, ThoseWithoutWidthTakeNoRoom) {
+TEST(VisibleColumns, ColumnsWithoutWidthTakeNoSpace) {
     const std::vector<int> widths = {0, 40, -3, 0, 50, 0};
     const std::vector<TableColumn> expected = {{1, 57, 40}, {4, 97, 50}};
     EXPECT_EQ((TableColumns{widths, 56, 0, 800}.Visible()), expected);
     EXPECT_EQ((TableColumns{widths}.TotalWidth()), 90);
 }
 
-TEST(VisibleColumns, ScrolledColumnsGoAtTheirLastPixel) {
+TEST(VisibleColumns, ScrolledColumnsDisappearAtTheirLastPixel) {
     const std::vector<int> widths = {40, 50};
     const std::vector<TableColumn> both = {{0, 57 - 39, 40}, {1, 97 - 39, 50}};
     const std::vector<TableColumn> second = {{1, 57, 50}};
@@ -43,7 +43,7 @@ TEST(VisibleColumns, HugeWidthsDoNotOverflow) {
     EXPECT_EQ((TableColumns{widths, 56, most, 800}.Visible().size()), 1U);
 }
 
-TEST(TableColumns, AreWhereTheyShowAndAlsoWhereTheyDoNot) {
+TEST(TableColumns, HavePositionsInAndOutOfSight) {
     const TableColumns columns{{40, 0, 50, 60}, 56, 45, 130};
     const std::vector<TableColumn> visible = columns.Visible();
     ASSERT_EQ(visible.size(), 2U);
@@ -63,7 +63,7 @@ TEST(TableColumns, TitlesAndCellsAreRightOfTheLine) {
     EXPECT_TRUE((TableColumns{{40}, 0, 0, 800}.FixedTitle().isEmpty()));
 }
 
-TEST(RowsThatFit, AreWhole) {
+TEST(RowsThatFit, AreWholeRows) {
     const std::pair<int, int> rows[] = {{-5, 0}, {0, 0},  {19, 0}, {39, 0},
                                         {40, 1}, {60, 1}, {61, 2}};
     for (const auto& [height, count] : rows) {
@@ -80,7 +80,7 @@ TEST(HorizontalBar, PageAndLimit) {
     EXPECT_EQ((TableColumns{{844}, 56, 5, 900}.Bar().position), 1) << "as far as it goes";
 }
 
-TEST(HorizontalBar, StepsEndAtTheEnds) {
+TEST(HorizontalBar, StepsStopAtTheEnds) {
     const auto stepped = [](int offset, int pixels) {
         const TableColumns columns{{943}, 56, offset, 900};
         EXPECT_EQ(columns.Limit(), 100);

@@ -9,8 +9,8 @@ namespace {
 
 using Redraw = HeaderControl::Redraw;
 
-/// Five signals: a line, a bus of two bits, a hidden line, and two lines more, each shown one 40
-/// wide behind a fixed column of 50.
+/// Five signals: a line, a bus of two bits, a hidden line, and two more lines, each 40 wide when
+/// visible, after a fixed column of 50.
 class Header : public testing::Test {
 protected:
     Header() {
@@ -27,7 +27,7 @@ protected:
         header.fixedEnd = 50;
     }
     /// The middles of the columns A, B, D and E.
-    enum Place { OnA = 71, OnB = 111, OnD = 151, OnE = 191, Behind = 300 };
+    enum Place { OnA = 71, OnB = 111, OnD = 151, OnE = 191, PastEnd = 300 };
 
     std::string Selected() const {
         std::string names;
@@ -62,21 +62,21 @@ TEST_F(Header, HitsColumnsAndTheirEdges) {
         EXPECT_TRUE(header.HitColumn(place).edge) << place;
     }
     EXPECT_EQ(header.HitColumn(94).signal, &list[1]);
-    EXPECT_EQ(header.HitColumn(OnD).signal, &list[4]) << "a hidden one takes no room";
-    EXPECT_EQ(header.HitColumn(Behind).signal, nullptr);
+    EXPECT_EQ(header.HitColumn(OnD).signal, &list[4]) << "a hidden one takes no space";
+    EXPECT_EQ(header.HitColumn(PastEnd).signal, nullptr);
     header.offset = 40;
     EXPECT_EQ(header.HitColumn(OnA).signal, &list[1]);
     EXPECT_EQ(header.HitColumn(OnA).start, 51);
 }
 
-TEST_F(Header, WhatIsHiddenIsNotHit) {
+TEST_F(Header, HiddenSignalsAreNotHit) {
     list[0].hidden = true;
     const HeaderControl::Hit hit = header.HitColumn(53);
     EXPECT_EQ(hit.signal, &list[1]);
     EXPECT_FALSE(hit.edge);
 }
 
-TEST_F(Header, APlainClickSelectsAColumnAlone) {
+TEST_F(Header, APlainClickSelectsOneColumn) {
     Click(OnA);
     EXPECT_EQ(Selected(), "A ");
     Click(OnB);
@@ -95,7 +95,7 @@ TEST_F(Header, CtrlTogglesAColumn) {
     EXPECT_EQ(Selected(), "A B1 B0 ") << "from the last plain click, which was on A";
 }
 
-TEST_F(Header, ShiftSelectsTheSpanAndNothingElse) {
+TEST_F(Header, ShiftSelectsExactlyTheSpan) {
     Click(OnE);
     Click(OnD);
     Click(OnB, Qt::ShiftModifier);
@@ -104,20 +104,20 @@ TEST_F(Header, ShiftSelectsTheSpanAndNothingElse) {
     EXPECT_EQ(Selected(), "D E ");
 }
 
-TEST_F(Header, ShiftWithoutAnEarlierClickSelectsTheOne) {
+TEST_F(Header, ShiftWithoutAnEarlierClickSelectsOneColumn) {
     Click(OnD, Qt::ShiftModifier);
     Click(OnB, Qt::ShiftModifier);
     EXPECT_EQ(Selected(), "B1 B0 D ");
 }
 
-TEST_F(Header, ShiftAfterTheLastOneHasLeftTheList) {
+TEST_F(Header, ShiftAfterTheLastClickedColumnWasRemoved) {
     Click(OnA);
     list.DeleteSelected();
     Click(OnA, Qt::ShiftModifier);
     EXPECT_EQ(Selected(), "B1 B0 ");
 }
 
-TEST_F(Header, AnEdgeResizesItsColumnDownToTheSmallest) {
+TEST_F(Header, AnEdgeResizesItsColumnDownToTheSmallestWidth) {
     EXPECT_EQ(header.Press(131, Qt::NoModifier), Redraw::Nothing); // B ends there
     EXPECT_TRUE(header.IsActive());
     EXPECT_EQ(header.Move(150), Redraw::All);
@@ -131,7 +131,7 @@ TEST_F(Header, AnEdgeResizesItsColumnDownToTheSmallest) {
     EXPECT_EQ(Selected(), "");
 }
 
-TEST_F(Header, TheFixedColumnsEdgeResizesThat) {
+TEST_F(Header, TheEdgeOfTheFixedColumnResizesIt) {
     EXPECT_EQ(header.Press(52, Qt::NoModifier), Redraw::Nothing);
     EXPECT_EQ(header.Move(80), Redraw::All);
     EXPECT_EQ(header.fixedEnd, 80);
@@ -140,39 +140,39 @@ TEST_F(Header, TheFixedColumnsEdgeResizesThat) {
     header.Release(3);
 }
 
-TEST_F(Header, ADragToTheLeftMovesTheColumnBeforeTheOneItIsDroppedOn) {
+TEST_F(Header, ADragToTheLeftMovesTheColumnBeforeTheTarget) {
     header.Press(OnE, Qt::NoModifier);
     EXPECT_EQ(header.CursorAt(OnA), Qt::ClosedHandCursor);
     EXPECT_EQ(header.Release(OnA), Redraw::All);
     EXPECT_EQ(Order(), "E A B1 B0 C D ");
-    header.Press(OnA, Qt::NoModifier); // E stands there now
-    EXPECT_EQ(header.Release(Behind), Redraw::Nothing);
+    header.Press(OnA, Qt::NoModifier); // E is there now
+    EXPECT_EQ(header.Release(PastEnd), Redraw::Nothing);
     EXPECT_EQ(Order(), "E A B1 B0 C D ");
 }
 
-TEST_F(Header, ADragToTheRightMovesABusAsAWholeBehindItsTarget) {
+TEST_F(Header, ADragToTheRightMovesAWholeBusAfterTheTarget) {
     header.Press(OnB, Qt::NoModifier);
     header.Release(OnE);
     EXPECT_EQ(Order(), "A C D E B1 B0 ");
 }
 
-TEST_F(Header, TheCursorTellsOfEdges) {
+TEST_F(Header, TheCursorShowsEdges) {
     EXPECT_EQ(header.CursorAt(OnA), Qt::ArrowCursor);
     EXPECT_EQ(header.CursorAt(90), Qt::SizeHorCursor);
     EXPECT_EQ(header.CursorAt(49), Qt::SizeHorCursor);
 }
 
-TEST_F(Header, TheMenusPressSelectsWhatIsNotSelected) {
+TEST_F(Header, ThePressThatOpensTheMenuSelectsAnUnselectedColumn) {
     Click(OnA);
     Click(OnD, Qt::ControlModifier);
     EXPECT_EQ(header.SelectForMenu(OnD), Redraw::Nothing);
     EXPECT_EQ(Selected(), "A D ");
     EXPECT_EQ(header.SelectForMenu(OnE), Redraw::Header);
     EXPECT_EQ(Selected(), "E ");
-    EXPECT_EQ(header.SelectForMenu(Behind), Redraw::Nothing);
+    EXPECT_EQ(header.SelectForMenu(PastEnd), Redraw::Nothing);
 }
 
-TEST_F(Header, BandsHaveGapsAFixedStripAndDragWithoutKeys) {
+TEST_F(Header, BandsHaveGapsAFixedStripAndDragWithoutModifiers) {
     HeaderControl bands{HeaderControl::Layout{.extent = &CSignal::height,
                                               .visible = &CSignal::VisibleHeight,
                                               .smallest = 20,
@@ -194,7 +194,7 @@ TEST_F(Header, BandsHaveGapsAFixedStripAndDragWithoutKeys) {
     EXPECT_TRUE(bands.IsActive());
     bands.Release(25);
     bands.Press(38, Qt::NoModifier);
-    EXPECT_EQ(bands.Move(30), Redraw::Nothing) << "as small as it may be";
+    EXPECT_EQ(bands.Move(30), Redraw::Nothing) << "as small as possible";
     EXPECT_EQ(bands.Move(48), Redraw::All);
     EXPECT_EQ(list[0].height, 30);
     EXPECT_EQ(list[0].width, 40);

@@ -13,8 +13,8 @@ static void PrintTo(const PatternCell& cell, std::ostream* out) {
 
 namespace {
 
-/// Three columns of 40, 50 and 60 pixels behind labels of 63, and four rows, all in sight. The
-/// lines are at 64, 104 and 154; the rows begin at 19, 40, 61 and 82.
+/// Three columns of 40, 50 and 60 pixels after labels of 63, and four rows, all visible. The lines
+/// are at 64, 104 and 154; the rows begin at 19, 40, 61 and 82.
 PatternGeometry Labelled() {
     return {{{40, 0, 50, 60}, 63, 0, 300}, 4, 0, 120};
 }
@@ -27,20 +27,20 @@ TEST(PatternGeometry, ACellIsHitFromItsFirstPixelToItsLast) {
          {cell.topLeft(), cell.topRight(), cell.bottomLeft(), cell.bottomRight()}) {
         EXPECT_EQ(grid.CellAt(corner), (PatternCell{2, 2})) << corner.x() << "," << corner.y();
     }
-    EXPECT_EQ(grid.CellAt({104, 61}), (PatternCell{2, 2})) << "the line at its left is its own";
+    EXPECT_EQ(grid.CellAt({104, 61}), (PatternCell{2, 2})) << "the line to its left belongs to it";
     EXPECT_EQ(grid.CellAt({103, 61}), (PatternCell{2, 0}));
     EXPECT_EQ(grid.CellAt({154, 81}), (PatternCell{2, 3}));
     EXPECT_EQ(grid.CellAt({120, 60}), (PatternCell{1, 2}));
     EXPECT_EQ(grid.CellAt({120, 82}), (PatternCell{3, 2}));
 }
 
-TEST(PatternGeometry, HeaderLabelsAndWhatIsBehindTheCellsAreNone) {
+TEST(PatternGeometry, HeaderLabelsAndTheAreaAfterTheCellsHaveNoCell) {
     const PatternGeometry grid = Labelled();
     EXPECT_EQ(grid.CellAt({64, 19}), (PatternCell{0, 0})) << "the first pixel";
     EXPECT_EQ(grid.CellAt({64, 18}), std::nullopt) << "the line below the header";
     EXPECT_EQ(grid.CellAt({64, 0}), std::nullopt);
     EXPECT_EQ(grid.CellAt({64, -30}), std::nullopt);
-    EXPECT_EQ(grid.CellAt({63, 19}), std::nullopt) << "the line behind the labels";
+    EXPECT_EQ(grid.CellAt({63, 19}), std::nullopt) << "the line after the labels";
     EXPECT_EQ(grid.CellAt({0, 19}), std::nullopt);
     EXPECT_EQ(grid.CellAt({213, 102}), (PatternCell{3, 3})) << "the last pixel";
     EXPECT_EQ(grid.CellAt({214, 102}), std::nullopt);
@@ -51,12 +51,12 @@ TEST(PatternGeometry, WithoutLabelsTheCellsBeginAtTheEdge) {
     PatternGeometry grid = Labelled();
     grid.columns.fixedColumn = 0;
     EXPECT_EQ(grid.CellAt({1, 19}), (PatternCell{0, 0}));
-    EXPECT_EQ(grid.CellAt({0, 19}), std::nullopt) << "the edge is no cell";
+    EXPECT_EQ(grid.CellAt({0, 19}), std::nullopt) << "the edge is not in a cell";
     EXPECT_EQ(grid.CellRect({0, 0}), QRect(QPoint(2, 19), QPoint(40, 39)));
     EXPECT_TRUE(grid.LabelRect(0).isEmpty());
 }
 
-TEST(PatternGeometry, LabelsStandInTheirRows) {
+TEST(PatternGeometry, LabelsAreInTheirRows) {
     PatternGeometry grid = Labelled();
     EXPECT_EQ(grid.LabelRect(0), QRect(QPoint(0, 19), QPoint(62, 39)));
     EXPECT_EQ(grid.LabelRect(3), QRect(QPoint(0, 82), QPoint(62, 102)));
@@ -68,13 +68,13 @@ TEST(PatternGeometry, ScrolledCellsMoveUnderHeaderAndLabels) {
     PatternGeometry grid = Labelled();
     grid.topRow = 2;
     grid.columns.offset = 45;
-    EXPECT_EQ(grid.CellAt({64, 19}), (PatternCell{2, 2})) << "the first row and column that show";
+    EXPECT_EQ(grid.CellAt({64, 19}), (PatternCell{2, 2})) << "the first visible row and column";
     EXPECT_EQ(grid.CellRect({2, 2}).topLeft(), QPoint(60, 19)) << "partly under the labels";
-    EXPECT_EQ(grid.CellAt({63, 19}), std::nullopt) << "their line hides the rest";
+    EXPECT_EQ(grid.CellAt({63, 19}), std::nullopt) << "the line of the labels hides the rest";
     EXPECT_EQ(grid.CellRect({1, 2}).bottom(), 18) << "under the header";
     EXPECT_EQ(grid.CellRect({0, 0}), QRect(QPoint(20, -23), QPoint(58, -3)));
     EXPECT_EQ(grid.CellAt({64, 60}), (PatternCell{3, 2}));
-    EXPECT_EQ(grid.CellAt({64, 61}), std::nullopt) << "there is no fifth";
+    EXPECT_EQ(grid.CellAt({64, 61}), std::nullopt) << "there is no fifth row";
 }
 
 TEST(PatternGeometry, NoRowsAndNoColumnsHaveNoCells) {
@@ -92,7 +92,7 @@ TEST(PatternGeometry, NoRowsAndNoColumnsHaveNoCells) {
     EXPECT_EQ(PatternGeometry().CellAt({1, 19}), std::nullopt);
 }
 
-TEST(PatternGeometry, RowsScrollUntilTheLastShowsWhole) {
+TEST(PatternGeometry, RowsScrollUntilTheLastIsWhollyVisible) {
     PatternGeometry grid = Labelled();
     const std::pair<int, int> limits[] = {{0, 4},   {39, 4},  {40, 3}, {60, 3},
                                           {102, 1}, {103, 0}, {900, 0}};
@@ -110,7 +110,7 @@ TEST(PatternGeometry, RowsScrollUntilTheLastShowsWhole) {
     EXPECT_EQ(grid.StepTopRow(1), 2);
 }
 
-TEST(PatternGeometry, TheHeightOfSoManyRowsShowsThem) {
+TEST(PatternGeometry, TheHeightOfANumberOfRowsShowsThem) {
     for (const int rows : {0, 1, 4, 15}) {
         PatternGeometry grid = Labelled();
         grid.clientHeight = HeightOfPatterns(rows);
@@ -120,7 +120,7 @@ TEST(PatternGeometry, TheHeightOfSoManyRowsShowsThem) {
     }
 }
 
-TEST(PatternGeometry, APlaceIsInTheCellThatItHits) {
+TEST(PatternGeometry, APointIsInTheCellThatItHits) {
     const auto seed = std::random_device()();
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);

@@ -59,7 +59,7 @@ protected:
         QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place(name, row));
     }
     std::string Text(const std::string& name, int row) { return PatternText(Column(name), row); }
-    /// Clicks a cell and does something with the dialog that opens.
+    /// Clicks a cell and calls `act` on the dialog that opens.
     template <class Dialog>
     void ClickAndAnswer(const std::string& name, int row,
                         const std::function<void(Dialog&)>& answer) {
@@ -92,11 +92,11 @@ protected:
     int changes = 0;
 };
 
-TEST_F(PatternGrid, BitsCycleFromAnythingOverZeroToOne) {
+TEST_F(PatternGrid, BitsCycleFromAnyToZeroToOne) {
     EXPECT_EQ(Text("FRAME", 1), "X");
     Click("FRAME", 1);
     EXPECT_EQ(Text("FRAME", 1), "0");
-    EXPECT_EQ(Text("FRAME", 0), "X") << "of that row";
+    EXPECT_EQ(Text("FRAME", 0), "X") << "in that row";
     Click("FRAME", 1);
     EXPECT_EQ(Text("FRAME", 1), "1");
     Click("FRAME", 1);
@@ -106,7 +106,7 @@ TEST_F(PatternGrid, BitsCycleFromAnythingOverZeroToOne) {
 }
 
 TEST_F(PatternGrid, ADoubleClickIsTwoClicks) {
-    // As a screen brings it: the second press is a double click.
+    // As the system sends it: the second press arrives as a double click.
     const QPoint place = Place("IRDY", 0);
     Click("IRDY", 0);
     QMouseEvent twice(QEvent::MouseButtonDblClick, place, grid->mapToGlobal(place), Qt::LeftButton,
@@ -116,11 +116,11 @@ TEST_F(PatternGrid, ADoubleClickIsTwoClicks) {
     EXPECT_EQ(Text("IRDY", 0), "1");
 }
 
-TEST_F(PatternGrid, EveryColumnOverABitFollows) {
+TEST_F(PatternGrid, EveryColumnWithABitFollows) {
     list.AddSignal(&list[0], board.tables.busSignals.FindByName("FRAME"), 2, 0, 0, 0, Radix::Hex,
                    true);
     grid->SetList(list);
-    Click("FRAME", 0); // the new one, which comes first
+    Click("FRAME", 0); // the new column, which is first
     int known = 0;
     for (const auto& signal : list.All()) {
         known += signal->name == "FRAME" && signal->MaskBit(0) ? 1 : 0;
@@ -128,7 +128,7 @@ TEST_F(PatternGrid, EveryColumnOverABitFollows) {
     EXPECT_EQ(known, 2);
 }
 
-TEST_F(PatternGrid, AReleaseAloneEditsNothing) {
+TEST_F(PatternGrid, AReleaseWithoutAPressEditsNothing) {
     Click("FRAME", 0);
     QTest::mouseRelease(grid.get(), Qt::LeftButton, {}, Place("IRDY", 0));
     EXPECT_EQ(changes, 1);
@@ -146,7 +146,7 @@ TEST_F(PatternGrid, BusesOpenTheValueDialog) {
     EXPECT_EQ(changes, 1);
     for (const auto& signal : list.All()) {
         if (signal->dataIndex == 67) {
-            EXPECT_FALSE(signal->Bit(0)) << "each signal over the same bit";
+            EXPECT_FALSE(signal->Bit(0)) << "in each signal with the same bit";
             EXPECT_TRUE(signal->MaskBit(0));
         }
     }
@@ -189,7 +189,7 @@ TEST_F(PatternGrid, ACommandWithoutADualAddressFormOffersNone) {
     ClickAndAnswer<CCommandDialog>("COMMAND", 1, [](CCommandDialog& dialog) {
         auto& box = *dialog.findChild<QComboBox*>();
         auto& dac = *dialog.findChild<QCheckBox*>();
-        EXPECT_FALSE(dac.isEnabled()) << "of all commands";
+        EXPECT_FALSE(dac.isEnabled()) << "all commands are chosen";
         box.setCurrentText("Mem Wr");
         EXPECT_TRUE(dac.isEnabled());
         dac.setChecked(true);
@@ -200,7 +200,7 @@ TEST_F(PatternGrid, ACommandWithoutADualAddressFormOffersNone) {
     EXPECT_EQ(Text("COMMAND", 1), "Mem Rd Line");
 }
 
-TEST(CommandDialog, OpensOnTheCodeWhereTwoHaveOneName) {
+TEST(CommandDialog, SelectsTheCodeIfTwoHaveOneName) {
     const BoardTables board("PCIKite-1", BusPciX);
     const auto def = board.tables.decodedSignals.FindByName("COMMAND(PCI-X)");
     std::vector<std::size_t> blocks;
@@ -215,12 +215,12 @@ TEST(CommandDialog, OpensOnTheCodeWhereTwoHaveOneName) {
     }
 }
 
-TEST_F(PatternGrid, ACommandThatHasNoNameIsNoneAndOkKeepsIt) {
+TEST_F(PatternGrid, ACommandWithoutANameSelectsNoneAndOkKeepsIt) {
     ClickAndAnswer<CValueDlg>("C/BE[7:0]", 0, [](CValueDlg& dialog) {
         QTest::keyClicks(dialog.findChild<CBitEditWnd*>(), "12");
         dialog.accept();
     });
-    ASSERT_EQ(Text("COMMAND", 0), "") << "a second command without a dual address";
+    ASSERT_EQ(Text("COMMAND", 0), "") << "a second command without a dual address form";
     ClickAndAnswer<CCommandDialog>("COMMAND", 0, [](CCommandDialog& dialog) {
         EXPECT_EQ(dialog.findChild<QComboBox*>()->currentIndex(), -1);
         EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(), "");
@@ -269,7 +269,7 @@ TEST_F(PatternGrid, TheCellUnderTheMouseIsSunken) {
     EXPECT_NE(grid->grab().toImage(), hot);
 }
 
-TEST_F(PatternGrid, OneGridSinksNoCellOfAnother) {
+TEST_F(PatternGrid, AGridSinksNoCellOfAnother) {
     CSignalList others(list.Tables());
     others.BuildFromTables(2, ModeEvents);
     CPatternGrid other(nullptr, prompts);
@@ -291,7 +291,7 @@ TEST_F(PatternGrid, BelowTheRowsAndInTheLabelsThereAreNoCells) {
     Column("FRAME").width = 150;
     grid->MoveSignalsTo(CellRect(*grid, list, "FRAME", 0).left());
     const QPoint label = grid->Geometry().LabelRect(0).center();
-    ASSERT_TRUE(CellRect(*grid, list, "FRAME", 0).contains(label)) << "reaches under the labels";
+    ASSERT_TRUE(CellRect(*grid, list, "FRAME", 0).contains(label)) << "extends under the labels";
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, label);
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, Place("FRAME", 2));
     QTest::mouseClick(grid.get(), Qt::LeftButton, {}, {Place("FRAME", 0).x(), tableHeaderLine});
@@ -341,11 +341,11 @@ TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
     EXPECT_EQ(grid->Geometry().VisibleRows(), 1);
     grid->StepRows(5);
     EXPECT_EQ(grid->Geometry().topRow, 1);
-    Click("COMMAND", 5); // nowhere
+    Click("COMMAND", 5); // there is no such cell
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(PatternGrid, NarrowedAndDeletedColumnsLeaveNoRoomBehindThem) {
+TEST_F(PatternGrid, NarrowedAndDeletedColumnsLeaveNoSpaceAfterThem) {
     grid->resize(300, 80);
     grid->MoveSignalsTo(1 << 20);
     const int end = grid->Offset();
@@ -385,7 +385,7 @@ TEST_F(PatternGrid, TheWheelMovesTheRowsAndWithShiftTheColumns) {
     EXPECT_EQ(grid->Geometry().topRow, 1);
     const int notch = grid->Offset();
     EXPECT_GT(notch, 20);
-    TurnWheel(*grid, {-60, 0}); // a fine wheel, pushed aside
+    TurnWheel(*grid, {-60, 0}); // a high-resolution wheel, tilted
     TurnWheel(*grid, {-60, 0});
     EXPECT_EQ(grid->Offset(), 2 * notch);
     TurnWheel(*grid, {0, 240}, Qt::ShiftModifier);
@@ -394,14 +394,14 @@ TEST_F(PatternGrid, TheWheelMovesTheRowsAndWithShiftTheColumns) {
     EXPECT_EQ(grid->Geometry().topRow, 0);
 }
 
-TEST_F(PatternGrid, PartlyKnownDigitsAreQuestioned) {
+TEST_F(PatternGrid, PartlyKnownDigitsShowAsQuestionMarks) {
     CSignal& bus = Column("C/BE[7:0]");
     bus.groupMask[0] = 0x13;
     bus.groupData[0] = 0x01;
     EXPECT_EQ(Text("C/BE[7:0]", 0), "??");
     bus.groupData.clear();
     EXPECT_EQ(Text("C/BE[7:0]", 0), "");
-    Click("C/BE[7:0]", 0); // what is not there cannot be edited
+    Click("C/BE[7:0]", 0); // a cell that does not exist cannot be edited
     EXPECT_EQ(changes, 0);
 }
 
@@ -468,7 +468,7 @@ TEST(PatternGridOnVme, CommandsHaveNoDualAddress) {
     QTest::mouseClick(&grid, Qt::LeftButton, {}, FirstCell(grid));
 }
 
-TEST(ValueDialog, WritesBackOnOkAlone) {
+TEST(ValueDialog, WritesBackOnOkOnly) {
     Bytes value = {0x34, 0x12};
     Bytes mask = {0xFF, 0xFF};
     for (const bool ok : {false, true}) {
@@ -504,7 +504,7 @@ TEST(ValueDialog, AClickPlacesTheCaretAndTheRadixCanBeChanged) {
     EXPECT_EQ(value, (Bytes{0x50, 0x80}));
 }
 
-TEST(ValueDialog, ClearMakesTheMaskEmpty) {
+TEST(ValueDialog, ClearEmptiesTheMask) {
     Bytes value = {0x34};
     Bytes mask = {0xFF};
     CValueDlg dialog(nullptr, value, mask, 8, Radix::Hex);
@@ -563,7 +563,7 @@ protected:
     CSignalList list{board.tables};
 };
 
-TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {
+TEST_F(PatternDialogs, EditACopyThatOkApplies) {
     list.RemoveAllSignals();
     list.AddSignal(nullptr, board.tables.busSignals.FindByName("FRAME"), 1, 0, 0, 0, Radix::Hex,
                    true);
@@ -581,7 +581,7 @@ TEST_F(PatternDialogs, EditACopyThatOkPutsInPlace) {
     EXPECT_EQ(filter.windowTitle(), "Filter Pattern");
 }
 
-TEST_F(PatternDialogs, TheWheelMovesColumnsAndBarWhereAllRowsShow) {
+TEST_F(PatternDialogs, TheWheelMovesColumnsAndBarIfAllRowsAreVisible) {
     CSearchPatternDlg dialog(nullptr, list, prompts);
     dialog.show();
     QApplication::processEvents();
@@ -599,7 +599,7 @@ TEST_F(PatternDialogs, TheWheelMovesColumnsAndBarWhereAllRowsShow) {
     EXPECT_EQ(dialog.Grid().Offset(), bar.maximum());
 }
 
-TEST_F(PatternDialogs, ClicksOnTheArrowsOfTheBarMoveAPixel) {
+TEST_F(PatternDialogs, ClicksOnTheArrowsOfTheBarMoveByAPixel) {
     CSearchPatternDlg dialog(nullptr, list, prompts);
     dialog.show();
     QApplication::processEvents();

@@ -59,7 +59,7 @@ protected:
     std::optional<PatternCell> hot;
 };
 
-TEST_F(PatternPainter, WritesWhatTheCellsSayInTheirRows) {
+TEST_F(PatternPainter, DrawsTheTextsOfTheCellsInTheirRows) {
     ASSERT_TRUE(CycleBit(list, list[1], 1));
     const Recording drawn = Draw();
     EXPECT_EQ(Header(drawn), (QStringList{"EVENT", "FRAME", "IRDY", "TRDY"}));
@@ -79,7 +79,7 @@ TEST_F(PatternPainter, BeginsWithTheTopRowAndHasNoLabelsWithoutTheirColumn) {
     EXPECT_EQ(Row(drawn, 3), QStringList());
 }
 
-TEST_F(PatternPainter, CellsNeverReachIntoTheLabels) {
+TEST_F(PatternPainter, CellsNeverOverlapTheLabels) {
     for (offset = 0; offset < 150; offset += 7) {
         const Recording drawn = Draw();
         for (const auto& text : drawn.texts) {
@@ -90,7 +90,7 @@ TEST_F(PatternPainter, CellsNeverReachIntoTheLabels) {
     }
 }
 
-TEST_F(PatternPainter, TheHotCellIsSunkenInsideItself) {
+TEST_F(PatternPainter, TheHotCellIsSunkenWithinItsBounds) {
     const Recording cold = Draw();
     hot = PatternCell{1, 2};
     const Recording drawn = Draw();
@@ -108,7 +108,7 @@ TEST_F(PatternPainter, TheHotCellIsSunkenInsideItself) {
     }
 }
 
-TEST_F(PatternPainter, TheBackgroundIsThatOfTheStyleEverywhere) {
+TEST_F(PatternPainter, TheBackgroundFollowsTheStyleEverywhere) {
     list[0].selected = true;
     const Recording drawn = Draw();
     EXPECT_EQ(drawn.fills.front().rect, QRect(0, 0, 300, 90));
@@ -120,17 +120,17 @@ TEST_F(PatternPainter, TheBackgroundIsThatOfTheStyleEverywhere) {
     EXPECT_EQ(middle(1), QColor(Qt::cyan));
 }
 
-TEST_F(PatternPainter, TheHeaderAloneLeavesTheRows) {
+TEST_F(PatternPainter, PaintingTheHeaderAloneLeavesTheRows) {
     const Recording drawn = Draw(DrawPatternHeader);
     EXPECT_EQ(Header(drawn), Header(Draw()));
     EXPECT_EQ(drawn.texts.size(), 4U);
     for (const auto& fill : drawn.fills) {
         EXPECT_TRUE(fill.rect.bottom() <= tableHeaderLine || fill.rect.width() == 1)
-            << "only the lines go down";
+            << "only the lines extend downwards";
     }
 }
 
-TEST_F(PatternPainter, AListWithoutColumnsHasLabelsAlone) {
+TEST_F(PatternPainter, AListWithoutColumnsShowsLabelsOnly) {
     list.RemoveAllSignals();
     const Recording drawn = Draw();
     EXPECT_EQ(Header(drawn), QStringList{"EVENT"});

@@ -11,13 +11,13 @@ TEST(CommandLineSwitch, LastSwitchCounts) {
     EXPECT_EQ(CommandLineSwitch({"/abc", "-def"}), "def");
 }
 
-TEST(CommandLineSwitch, FileNamesAreNoSwitches) {
+TEST(CommandLineSwitch, FileNamesAreNotSwitches) {
     EXPECT_EQ(CommandLineSwitch({"capture.tra"}), "");
     EXPECT_EQ(CommandLineSwitch({"/tmp/capture.tra", "-x", "other.tra"}), "x");
     EXPECT_EQ(CommandLineSwitch({"-", "/"}), "");
 }
 
-TEST(ApplicationName, TakesTheSwitchBehindAHyphen) {
+TEST(ApplicationName, AppendsTheSwitchAfterAHyphen) {
     EXPECT_EQ(ApplicationName(""), "Busquill!");
     EXPECT_EQ(ApplicationName("abc"), "Busquill!-abc");
 }

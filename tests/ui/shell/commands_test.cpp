@@ -6,14 +6,14 @@
 namespace busquill::test {
 namespace {
 
-/// What the menus enable when.
+/// Which menu entries are enabled in which state.
 class Commands : public ProgramFixture {
 protected:
     Commands() { StartDemo(); }
     CTesselDoc& Trace() {
         return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow()).Trace();
     }
-    /// An empty trace that is bound to the board, where there are no stored captures.
+    /// An empty trace that is connected to the board, without stored captures.
     void OpenLive(const QString& kind) {
         std::filesystem::remove(dir.File("Trigger1.tra"));
         std::filesystem::remove(dir.File("Trigger2.tra"));
@@ -24,7 +24,7 @@ protected:
         ASSERT_NE(program->App().OpenDocumentFile(dir.File(name)), nullptr);
     }
     bool Enabled(const QString& path) { return Entry(path).isEnabled(); }
-    /// Every entry of a menu and of those below it.
+    /// All entries of a menu and its submenus.
     static QList<QAction*> Entries(const QMenu& menu) {
         QList<QAction*> entries;
         for (QAction* action : menu.actions()) {
@@ -104,7 +104,7 @@ TEST_F(Commands, PowerZoomSamplesAreSearchedButNotFiltered) {
     EXPECT_FALSE(Enabled("Search/Filter"));
 }
 
-TEST_F(Commands, ZoomGoesAsFarAsTheWaveformsDo) {
+TEST_F(Commands, ZoomIsEnabledUpToItsLimits) {
     const auto expect = [&](bool in, bool out) {
         EXPECT_EQ(Enabled("View/Zoom In"), in);
         EXPECT_EQ(Enabled("View/Zoom Out"), out);
@@ -121,7 +121,7 @@ TEST_F(Commands, ZoomGoesAsFarAsTheWaveformsDo) {
     expect(false, false);
 }
 
-TEST_F(Commands, UtilitiesThatExistAreAlwaysThere) {
+TEST_F(Commands, AvailableUtilitiesAreAlwaysEnabled) {
     for (const char* path : {"Utilities/Bus Configuration", "Utilities/Board Info", "File/Open...",
                              "Help/Contents", "Help/About Busquill!"}) {
         EXPECT_TRUE(Enabled(path)) << path;
@@ -138,7 +138,7 @@ TEST_F(Commands, AnyDocumentCanBeSavedUnderAnotherName) {
     EXPECT_TRUE(Enabled("File/Save As..."));
 }
 
-TEST_F(Commands, WindowsAreArrangedAndClosedWhereThereAreSome) {
+TEST_F(Commands, WindowsAreArrangedAndClosedIfThereAreAny) {
     const auto expect = [&](bool enabled) {
         for (const char* path : {"File/Close", "Window/Cascade", "Window/Tile"}) {
             EXPECT_EQ(Enabled(path), enabled) << path;

@@ -34,7 +34,7 @@ protected:
     CTesselDoc& Trace() { return Active().TraceView().Trace(); }
 };
 
-TEST(WithoutAPort, NoMessageAppearsAndTheModelIsBare) {
+TEST(WithoutAPort, NoMessageAppearsAndTheModelHasNoSuffix) {
     class NoPort : public ProgramFixture {
     public:
         void TestBody() override {
@@ -60,7 +60,7 @@ TEST(KeepAlive, BeginsOnTheSixthTickOnUsb) {
             QTest::qWait(2000);
             EXPECT_EQ(Frames(), 2);
         }
-        /// Frames (4, 0) that went out.
+        /// The number of frames (4, 0) that were sent.
         std::ptrdiff_t Frames() {
             const auto calls = usb.Calls();
             return std::count(calls.begin(), calls.end(), "write 2: 4 0");
@@ -102,18 +102,18 @@ TEST(ApplicationNames, AddNothingToTitles) {
     EXPECT_EQ(QApplication::applicationName(), "Busquill!-bench2");
     EXPECT_EQ(QApplication::organizationName(), "Tarnlight Labs");
     EXPECT_EQ(QApplication::applicationDisplayName(), QApplication::applicationName())
-        << "a name of its own would stand behind every title";
+        << "the application's name would follow every title";
     QApplication::setOrganizationName(organisationBefore);
     QApplication::setApplicationName(nameBefore);
 }
 
-TEST_F(InDemoMode, AMaximisedCaptureLeavesTheMainTitleAlone) {
+TEST_F(InDemoMode, AMaximisedCaptureDoesNotChangeTheMainTitle) {
     Choose("File/New/Capture/State");
     const QString title = Active().windowTitle();
     Active().showMaximized();
     QApplication::processEvents();
     EXPECT_EQ(Frame().windowTitle(), "Busquill!");
-    Choose("File/New/Capture/Waveform"); // maximised like the one before it
+    Choose("File/New/Capture/Waveform"); // maximised like the previous one
     EXPECT_EQ(Frame().windowTitle(), "Busquill!");
     Active().SetComment("Another comment");
     EXPECT_EQ(Frame().windowTitle(), "Busquill!");
@@ -141,7 +141,7 @@ TEST_F(InDemoMode, DialogsAreAtLeastAsWideAsTheirTitles) {
                           [&](QDialog& dialog) { EXPECT_TRUE(wide(dialog)); });
 }
 
-/// A capture's window that reaches past the workspace on all sides.
+/// A capture's window that extends past the workspace on all sides.
 class AWindowPastTheWorkspace : public InDemoMode {
 protected:
     void Open(const QString& kind) {
@@ -161,19 +161,19 @@ protected:
     QPoint place;
 };
 
-TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatAListingHasNoUseFor) {
+TEST_F(AWindowPastTheWorkspace, StaysInPlaceForKeysThatAListingIgnores) {
     Open("State");
     ExpectThatItStays(Active().TraceView(), {Qt::Key_Right, Qt::Key_Left, Qt::Key_Down, Qt::Key_Up,
                                              Qt::Key_PageDown, Qt::Key_PageUp});
 }
 
-TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatWaveformsHaveNoUseFor) {
+TEST_F(AWindowPastTheWorkspace, StaysInPlaceForKeysThatWaveformsIgnore) {
     Open("Waveform");
     ExpectThatItStays(Active().TraceView(), {Qt::Key_Down, Qt::Key_Up, Qt::Key_Right, Qt::Key_Left,
                                              Qt::Key_PageDown, Qt::Key_PageUp});
 }
 
-TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatItsBarHasNoUseFor) {
+TEST_F(AWindowPastTheWorkspace, StaysInPlaceForKeysThatItsBarIgnores) {
     Open("State");
     ExpectThatItStays(Active().Bar().SetupBox(), {Qt::Key_Right, Qt::Key_Left});
     ExpectThatItStays(Active().Bar().GoButton(), {Qt::Key_PageDown, Qt::Key_PageUp});
@@ -181,14 +181,14 @@ TEST_F(AWindowPastTheWorkspace, StaysUnderTheKeysThatItsBarHasNoUseFor) {
     EXPECT_EQ(Active().pos(), place);
 }
 
-TEST_F(InDemoMode, StatusBarSaysSo) {
+TEST_F(InDemoMode, TheStatusBarShowsIt) {
     EXPECT_EQ(Frame().PaneText(1), "Demo Mode");
     EXPECT_EQ(Frame().PaneText(2), "PCI");
     EXPECT_EQ(Frame().PaneText(3), "0 MHz");
     EXPECT_EQ(Frame().PaneText(4), "");
 }
 
-TEST_F(InDemoMode, MainWindowStandsEmpty) {
+TEST_F(InDemoMode, TheMainWindowIsEmptyAtFirst) {
     EXPECT_TRUE(Windows().isEmpty());
     EXPECT_EQ(Frame().windowTitle(), "Busquill!");
     EXPECT_LE(Frame().width(), 900);
@@ -213,7 +213,7 @@ TEST_F(InDemoMode, WaveformOpensItsStoredCapture) {
 }
 
 TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
-    // Trigger2 has a state list; with Power Zoom samples, it has both.
+    // Trigger2 has a state list; with Power Zoom samples, it has two lists to show.
     const std::string zoom = ReadWholeFile(dir.File("Trigger1.tra"));
     const std::string both = ReadWholeFile(dir.File("Trigger2.tra")) + "\n" +
                              zoom.substr(zoom.find("\"Power Zoom Data\""));
@@ -239,10 +239,10 @@ TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
         EXPECT_EQ(other.Bar().findChild<QLabel*>("Before")->text(), "0000255");
         EXPECT_EQ(other.Bar().findChild<QLabel*>("After")->text(), "0000255");
     }
-    // A file that is open already has its windows.
+    // A file that is already open has its windows.
     program->App().OpenDocumentFile(dir.File("both.tra"));
     EXPECT_EQ(Windows().size(), 6);
-    // The window that is worked in stays as large as it is.
+    // The active window keeps its size.
     Active().showMaximized();
     dir.Write("third.tra", both);
     program->App().OpenDocumentFile(dir.File("third.tra"));
@@ -255,7 +255,7 @@ TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
 TEST_F(InDemoMode, AFileWithoutPowerZoomSamplesHasOneWindow) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     EXPECT_EQ(Windows().size(), 1);
-    // Nor because of an earlier file that could not be read to its end.
+    // Nor because of an earlier file that could not be read completely.
     program->App().OpenDocumentFile(dir.Write("bad.tra", "\"Power Zoom Data\",255,256\n"
                                                          "\"End of Power Zoom Data\"\n"));
     Choose("File/New/Capture/State");
@@ -271,7 +271,7 @@ TEST_F(InDemoMode, ACaptureFromAFileCanBeSavedAsACopy) {
                   copy, [&] { Choose("File/Save As..."); },
                   [](CSaveTraceDialog& dialog) { SetSaveRange(dialog, "10", "60"); }),
               "Trigger2.tra");
-    // The window shows all of the file that it was opened from.
+    // The window shows the whole file that was opened.
     EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger2.tra"));
     EXPECT_EQ(Active().windowTitle(), title);
     CTesselDoc& whole = Trace();
@@ -283,7 +283,7 @@ TEST_F(InDemoMode, ACaptureFromAFileCanBeSavedAsACopy) {
         EXPECT_EQ(Trace().GetSample(i, false),
                   whole.GetSample(whole.Marker(0, false) + 10 + i, false));
     }
-    // A copy of the copy, where not even the trigger is left.
+    // A copy of the copy, in which not even the trigger is left.
     SaveTraceUnder(
         dir.File("again.tra"), [&] { Choose("File/Save As..."); },
         [](CSaveTraceDialog& dialog) {
@@ -295,10 +295,10 @@ TEST_F(InDemoMode, ACaptureFromAFileCanBeSavedAsACopy) {
     EXPECT_TRUE(prompts.Boxes().empty());
 }
 
-TEST_F(InDemoMode, AFilteredCaptureFromAFileIsCopiedAsItShows) {
+TEST_F(InDemoMode, AFilteredCaptureFromAFileIsCopiedAsShown) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     CTesselDoc& whole = Trace();
-    // Only what the pattern of one line lets through.
+    // Only the samples that match the pattern of one line.
     for (const auto& signal : whole.filterPattern.All()) {
         if (signal->RowName() == "FRAME") {
             signal->data[0] = 0;
@@ -324,7 +324,7 @@ TEST_F(InDemoMode, BlanksOfACommentAreKeptInTheTitle) {
     EXPECT_EQ(Active().windowTitle(), "Trace - blanks (two  blanks and a line)");
 }
 
-TEST_F(InDemoMode, TheSameCommandOpensTheCaptureOnceMore) {
+TEST_F(InDemoMode, TheSameCommandOpensTheCaptureAgain) {
     Choose("File/New/Capture/State");
     Choose("File/New/Capture/State");
     EXPECT_EQ(Windows().size(), 2);
@@ -353,7 +353,7 @@ TEST_F(InDemoMode, OneRealTimeTraceHasAFrameOfEachKind) {
     EXPECT_FALSE(Entry("File/New/Capture/Waveform").isEnabled());
 }
 
-TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
+TEST_F(InDemoMode, ACloneBesideARealTimeTraceIsRefused) {
     std::filesystem::remove(dir.File("Trigger2.tra"));
     Choose("File/New/Capture/State");
     Choose("File/New/Capture/Waveform"); // a stored one
@@ -365,7 +365,7 @@ TEST_F(InDemoMode, CloneBesideARealTimeTraceIsRefused) {
                                 "creating a new one.";
     EXPECT_EQ(prompts.Texts(), (std::vector<std::string>{refused, refused}));
     EXPECT_EQ(Windows().size(), 3);      // one is the stored capture's Power Zoom window
-    Choose("File/New/Capture/Waveform"); // no clone is wanted any more
+    Choose("File/New/Capture/Waveform"); // a clone is no longer requested
     EXPECT_EQ(prompts.Texts().size(), 2U);
     EXPECT_EQ(Windows().size(), 5);
 }
@@ -378,7 +378,7 @@ TEST_F(InDemoMode, OpeningAFileShowsItsOwnKind) {
     EXPECT_EQ(Active().TraceView().Trace().GetPathName(), dir.File("Trigger1.tra"));
 }
 
-TEST_F(InDemoMode, OpenFileComesToTheFront) {
+TEST_F(InDemoMode, AnOpenFileIsRaised) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
     const auto windows = Windows().size();
@@ -387,7 +387,7 @@ TEST_F(InDemoMode, OpenFileComesToTheFront) {
     EXPECT_TRUE(Active().windowTitle().startsWith("Trace - Trigger2"));
 }
 
-TEST_F(InDemoMode, FileThatCannotBeReadLeavesTheOthersAlone) {
+TEST_F(InDemoMode, AFileThatCannotBeReadDoesNotAffectTheOthers) {
     program->App().OpenDocumentFile(dir.File("Trigger2.tra"));
     const auto rows = Trace().RowCount(false);
     EXPECT_EQ(program->App().OpenDocumentFile(dir.Write("bad.tra", "no capture")), nullptr);
@@ -402,7 +402,7 @@ TEST_F(InDemoMode, FileOfAnotherKindIsRefusedInOneMessage) {
     EXPECT_EQ(prompts.Boxes().size(), 1U);
 }
 
-TEST_F(InDemoMode, LastFourFilesStandInTheFileMenu) {
+TEST_F(InDemoMode, TheLastFourFilesAreInTheFileMenu) {
     for (const char* name : {"a.tra", "b.tra", "c.tra", "d.tra", "e.tra"}) {
         std::filesystem::copy(dir.File("Trigger2.tra"), dir.File(name));
         program->App().OpenDocumentFile(dir.File(name));
@@ -414,7 +414,7 @@ TEST_F(InDemoMode, LastFourFilesStandInTheFileMenu) {
     EXPECT_NE(FindEntry(Frame(), "File/4 b.tra"), nullptr);
 }
 
-TEST_F(InDemoMode, RecentFilesOfOneNameShowTheirFolders) {
+TEST_F(InDemoMode, RecentFilesWithTheSameNameShowTheirFolders) {
     for (const char* name : {"monday", "tuesday"}) {
         std::filesystem::create_directory(dir.File(name));
         std::filesystem::copy(dir.File("Trigger2.tra"), dir.File(name + std::string("/run.tra")));
@@ -452,7 +452,7 @@ TEST_F(InDemoMode, ClosingTheLastFrameClosesTheDocument) {
 TEST_F(InDemoMode, PowerZoomFrameHasItsSizeAndName) {
     Choose("File/New/Capture/Waveform");
     Active().Bar().ZoomButton().click();
-    ASSERT_EQ(Windows().size(), 3) << "one came with the file";
+    ASSERT_EQ(Windows().size(), 3) << "one was opened with the file";
     const auto& zoom = dynamic_cast<CChildFrame&>(*Windows().last());
     EXPECT_TRUE(zoom.IsZoomFrame());
     EXPECT_TRUE(zoom.windowTitle().startsWith("Power Zoom - Trigger1"));
@@ -495,7 +495,7 @@ TEST_F(InDemoMode, ZoomChangesTheScaleOfWaveforms) {
     EXPECT_FALSE(Entry("View/Zoom to Fit").isEnabled());
 }
 
-TEST_F(InDemoMode, CommandsFollowWhateverHappens) {
+TEST_F(InDemoMode, CommandsFollowEveryChange) {
     Choose("File/New/Capture/State");
     const auto* go = Frame().findChild<QToolBar*>()->actions().value(0);
     for (const QAction* action : Frame().findChild<QToolBar*>()->actions()) {
@@ -525,7 +525,7 @@ TEST_F(InDemoMode, GoToMovesTheView) {
     EXPECT_EQ(Active().TraceView().CenterSample(), 77);
 }
 
-TEST_F(InDemoMode, BoardInfoShowsTheModelAlone) {
+TEST_F(InDemoMode, BoardInfoShowsTheModelOnly) {
     ChooseDialog<QDialog>("Utilities/Board Info", [](QDialog& dialog) {
         EXPECT_EQ(dialog.windowTitle(), " Board Info");
         EXPECT_EQ(dialog.findChild<QLabel*>("Model")->text(), "Demo Mode");
@@ -560,7 +560,7 @@ TEST_F(InDemoMode, AHelpTopicWithoutAPageOpensTheContents) {
     EXPECT_EQ(HelpPage(topics, 999), ":/manual/index.md");
 }
 
-TEST_F(InDemoMode, TemplatesStandInTheirOrder) {
+TEST_F(InDemoMode, TemplatesAreInTheirOrder) {
     std::vector<std::string> names;
     for (const auto& each : program->App().Templates()) {
         names.push_back(each->Strings().documentName);
@@ -572,7 +572,7 @@ TEST_F(InDemoMode, TemplatesStandInTheirOrder) {
     EXPECT_EQ(program->App().TemplateNamed("Other"), nullptr);
 }
 
-TEST_F(InDemoMode, TheWindowMenuShowsAnAmpersandOfAName) {
+TEST_F(InDemoMode, TheWindowMenuShowsAnAmpersandInAName) {
     std::filesystem::copy(dir.File("Trigger2.tra"), dir.File("a&b.tra"));
     program->App().OpenDocumentFile(dir.File("a&b.tra"));
     Entry("Window/Cascade"); // the menu has been opened

@@ -25,7 +25,7 @@ protected:
         list.BuildFromTables(32, ModeState);
     }
 
-    /// As a user who chose "ALL" the last time.
+    /// Like a user who chose "ALL" the last time.
     void Open(CSignal* signal, std::uint32_t mode = ModeWaveform) {
         dialog =
             std::make_unique<CChangeSignalDialog>(nullptr, board.tables, nullptr, mode, prompts);
@@ -95,7 +95,7 @@ TEST_F(ChangeSignal, TheTypeIsRemembered) {
     EXPECT_EQ(second.findChild<QComboBox*>("Type")->currentText(), "DECODED");
 }
 
-TEST_F(ChangeSignal, BeginsWithWhatTheSignalShows) {
+TEST_F(ChangeSignal, BeginsWithTheCurrentSignal) {
     Open(&Signal("C/BE[7:0]"));
     EXPECT_EQ(Box("Name").currentText(), "C/BE");
     EXPECT_EQ(High().value(), 7);
@@ -121,7 +121,7 @@ TEST_F(ChangeSignal, LinesHaveNoRangeAndShowNoValues) {
     EXPECT_TRUE(ShowValues().isChecked());
 }
 
-TEST_F(ChangeSignal, TheArrowsStayInTheRange) {
+TEST_F(ChangeSignal, TheArrowsStayWithinTheRange) {
     Open(nullptr);
     SetName("C/BE");
     High().stepUp();
@@ -132,7 +132,7 @@ TEST_F(ChangeSignal, TheArrowsStayInTheRange) {
     EXPECT_EQ(Low().value(), 1);
 }
 
-TEST_F(ChangeSignal, AWrongRangeKeepsItOpen) {
+TEST_F(ChangeSignal, AnInvalidRangeKeepsTheDialogOpen) {
     Open(nullptr);
     SetName("C/BE");
     Low().setValue(-1);
@@ -153,7 +153,7 @@ TEST_F(ChangeSignal, AWrongRangeKeepsItOpen) {
     EXPECT_EQ(dialog->lastBit, 5);
 }
 
-TEST_F(ChangeSignal, RangesTakeAnyNumberThatIsTyped) {
+TEST_F(ChangeSignal, RangesAcceptAnyTypedNumber) {
     Open(nullptr);
     SetName("C/BE");
     const auto type = [](QSpinBox& field, const QString& text) {
@@ -166,7 +166,7 @@ TEST_F(ChangeSignal, RangesTakeAnyNumberThatIsTyped) {
     EXPECT_EQ(High().value(), 123456);
     Press(*dialog, "OK");
     EXPECT_THAT(prompts.Texts(), ElementsAre("MSB must be <= 7."));
-    // An empty field is 0, not the number that stood in it.
+    // An empty field is 0, not its previous number.
     type(High(), "5");
     type(Low(), "3");
     type(Low(), "");
@@ -182,7 +182,7 @@ TEST_F(ChangeSignal, RangesTakeAnyNumberThatIsTyped) {
     EXPECT_THAT(prompts.Texts(), ElementsAre("MSB must be >= LSB."));
 }
 
-TEST_F(ChangeSignal, TheSameRangeKeepsTheRowButNotItsLooks) {
+TEST_F(ChangeSignal, TheSameRangeKeepsTheRowButNotItsAppearance) {
     CSignal& bus = Signal("C/BE[7:0]");
     Open(&bus);
     Box("Radix").setCurrentText("Octal");
@@ -227,14 +227,14 @@ TEST_F(ChangeSignal, ATimeRadixBecomesHex) {
     EXPECT_EQ(bus.radix, Radix::Hex);
 }
 
-TEST_F(ChangeSignal, ARowThatNoEntryStandsForIsKept) {
+TEST_F(ChangeSignal, ARowWithoutAnEntryIsKept) {
     CSignal* blank = list.InsertBlank(&Signal("FRAME"));
     Open(blank);
     EXPECT_EQ(Box("Name").currentIndex(), 0);
     dialog->accept();
     EXPECT_EQ(dialog->chosenDef, nullptr);
     EXPECT_FALSE(blank->showValue);
-    // Nor is a row whose entry the type leaves out.
+    // The same holds for a row whose entry the type excludes.
     SetType("BUS");
     CChangeSignalDialog second(nullptr, board.tables, &Signal("COMMAND"), ModeWaveform, prompts);
     EXPECT_EQ(second.findChild<QComboBox*>("Name")->currentText(), "C/BE") << "its lines";
@@ -242,7 +242,7 @@ TEST_F(ChangeSignal, ARowThatNoEntryStandsForIsKept) {
     EXPECT_EQ(second.chosenDef, nullptr);
 }
 
-TEST_F(ChangeSignal, NorIsAPartOfABusOrAGroupOfLinesReplacedUnasked) {
+TEST_F(ChangeSignal, APartOfABusAndAGroupOfLinesAreKeptToo) {
     CSignal* part = list.AddSignal(&Signal("FRAME"), board.tables.busSignals.FindByName("AD"), 32,
                                    8, 15, 0, Radix::Hex, true);
     Signal("FRAME").selected = Signal("IRDY").selected = true;
@@ -261,7 +261,7 @@ TEST_F(ChangeSignal, NorIsAPartOfABusOrAGroupOfLinesReplacedUnasked) {
     EXPECT_EQ(dialog->lastBit, 63);
 }
 
-TEST_F(ChangeSignal, WhatIsChosenForSuchARowReplacesIt) {
+TEST_F(ChangeSignal, AChosenEntryReplacesSuchARow) {
     CSignal* blank = list.InsertBlank(&Signal("FRAME"));
     Open(blank);
     High().setValue(7);
@@ -275,7 +275,7 @@ TEST_F(ChangeSignal, WhatIsChosenForSuchARowReplacesIt) {
     EXPECT_NE(dialog->chosenDef, nullptr);
 }
 
-TEST_F(ChangeSignal, ADecodedLineWhoseNameIsThatOfItsLineOpensOnItself) {
+TEST_F(ChangeSignal, ADecodedLineWithTheNameOfItsLineSelectsItself) {
     list.BuildFromTables(1, ModeEvents);
     CSignal& phase = Signal("ADR/DATA");
     ASSERT_FALSE(phase.grouped);
@@ -285,18 +285,18 @@ TEST_F(ChangeSignal, ADecodedLineWhoseNameIsThatOfItsLineOpensOnItself) {
     EXPECT_EQ(dialog->chosenDef, nullptr);
 }
 
-/// A line on which something is decoded.
+/// A line with a decoded signal.
 class ChangeSignalOnLark : public ChangeSignal {
 protected:
     ChangeSignalOnLark() : ChangeSignal("VMELark") {}
 };
 
-TEST_F(ChangeSignalOnLark, ADecodedLineOpensOnItsLineAndOkKeepsTheRow) {
+TEST_F(ChangeSignalOnLark, ADecodedLineSelectsItsLineAndOkKeepsTheRow) {
     CSignal& command = Signal("COMMAND");
     ASSERT_FALSE(command.grouped);
     Open(&command);
     EXPECT_EQ(Box("Name").currentText(), "WRITE");
-    EXPECT_TRUE(ShowValues().isChecked()) << "as the row does";
+    EXPECT_TRUE(ShowValues().isChecked()) << "as for the row";
     dialog->findChild<ColorButton*>()->SetColor(0x00FF00);
     dialog->accept();
     EXPECT_EQ(dialog->chosenDef, nullptr);
@@ -307,7 +307,7 @@ TEST_F(ChangeSignalOnLark, ADecodedLineOpensOnItsLineAndOkKeepsTheRow) {
 
 TEST_F(ChangeSignalOnLark, TheLineOfADecodedRowCanBeChosen) {
     Open(&Signal("COMMAND"));
-    emit Box("Name").activated(Box("Name").currentIndex()); // the one that stands there
+    emit Box("Name").activated(Box("Name").currentIndex()); // the current entry
     dialog->accept();
     ASSERT_NE(dialog->chosenDef, nullptr);
     EXPECT_EQ(dialog->chosenDef->name, "WRITE");

@@ -30,7 +30,7 @@ TEST_F(DefineSignal, HasAColumnForEachBusDefinition) {
         return *std::find_if(columns.begin(), columns.end(),
                              [&](const auto& column) { return column.text == text; });
     };
-    EXPECT_EQ(of("AD[63:0]").width, 16 * 7) << "four bits a character";
+    EXPECT_EQ(of("AD[63:0]").width, 16 * 7) << "four bits per character";
     EXPECT_EQ(of("C/BE[7:0]").width, 8 * 7);
     EXPECT_EQ(of("FRAME").width, 7);
 }
@@ -47,7 +47,7 @@ TEST_F(DefineSignal, FifteenBitsTakeFifteenCharactersAndSixteenTakeFour) {
     EXPECT_EQ(columns[2].width, 40);
     EXPECT_EQ(columns[2].text, "W[15:0]");
     wide->lastPosition = 17;
-    EXPECT_EQ(LayoutColumns(std::array{wide}, 10)[1].width, 50) << "and the last for two bits";
+    EXPECT_EQ(LayoutColumns(std::array{wide}, 10)[1].width, 50) << "and the last one for two bits";
 }
 
 TEST_F(DefineSignal, ScrollsFromTheFirstToTheLastRow) {

@@ -18,7 +18,7 @@ protected:
         QApplication::processEvents();
     }
     QString Text(const char* name) { return bar.findChild<QLabel*>(name)->text(); }
-    /// Which times are shown, from the left.
+    /// The times that are shown, from the left.
     std::string Times() {
         std::string shown;
         for (const char* name : {"time-markers", "time-marker1", "time-marker2"}) {
@@ -47,12 +47,12 @@ TEST_F(TraceBar, IndicatorAndLevel) {
     EXPECT_EQ(Text("Level"), "L4");
     EXPECT_NE(picture(), idle);
     bar.SetIndicator(RunIndicator::Uploading, -1);
-    EXPECT_EQ(Text("Level"), "L4") << "no level is told";
+    EXPECT_EQ(Text("Level"), "L4") << "there is no level";
     bar.SetIndicator(RunIndicator::Idle, -1);
     EXPECT_EQ(picture(), idle);
 }
 
-TEST_F(TraceBar, ANarrowFrameLosesTheTimesFromTheRight) {
+TEST_F(TraceBar, ANarrowFrameHidesTheTimesFromTheRight) {
     Show(1200);
     EXPECT_EQ(Times(), "111");
     std::string last = Times();
@@ -67,7 +67,7 @@ TEST_F(TraceBar, ANarrowFrameLosesTheTimesFromTheRight) {
     EXPECT_EQ(seen, (std::vector<std::string>{"111", "110", "100", "000"}));
 }
 
-TEST_F(TraceBar, TheRestKeepsFivePixelsFromTheRightEdge) {
+TEST_F(TraceBar, TheOtherPartsKeepFivePixelsFromTheRightEdge) {
     for (const int width : {700, 1200}) {
         Show(width);
         const QRect help(bar.HelpButton().mapTo(&bar, QPoint()), bar.HelpButton().size());
@@ -75,7 +75,7 @@ TEST_F(TraceBar, TheRestKeepsFivePixelsFromTheRightEdge) {
     }
 }
 
-TEST_F(TraceBar, TimesAreShownAsTheyCome) {
+TEST_F(TraceBar, TimesAreShownAsGiven) {
     bar.SetTimes({"1.2us", "", "30ns"});
     EXPECT_EQ(Text("time-markers"), "1.2us");
     EXPECT_EQ(Text("time-marker1"), "");

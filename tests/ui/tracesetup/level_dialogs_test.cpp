@@ -31,7 +31,7 @@ protected:
     std::unique_ptr<CTraceExpressionDialog> dialog;
 };
 
-TEST_F(ExpressionDialog, IsPutTogetherByClicks) {
+TEST_F(ExpressionDialog, IsBuiltByClicks) {
     Open("None");
     EXPECT_EQ(dialog->windowTitle(), "Trace Expression");
     EXPECT_EQ(Text(), "None");
@@ -48,7 +48,7 @@ TEST_F(ExpressionDialog, IsPutTogetherByClicks) {
     EXPECT_EQ(FormatExpression(dialog->Result()), "~(E1.E2+E3)xE7");
 }
 
-TEST_F(ExpressionDialog, EnablesWhatMayFollow) {
+TEST_F(ExpressionDialog, EnablesTheTokensThatMayFollow) {
     const std::vector<const char*> operands = {"E1", "E2", "E3", "E4",      "E5",
                                                "E6", "E7", "E8", "~ (NOT)", "("};
     const std::vector<const char*> operators = {". (AND)", "+ (OR)", "x (XOR)", ")"};
@@ -92,7 +92,7 @@ TEST_F(ExpressionDialog, AllAndNone) {
     EXPECT_EQ(Text(), "None");
 }
 
-TEST_F(ExpressionDialog, ASeventeenthTokenIsNotTaken) {
+TEST_F(ExpressionDialog, ASeventeenthTokenIsIgnored) {
     Open("None");
     for (int i = 0; i < 8; ++i) {
         Press("E1");
@@ -113,7 +113,7 @@ TEST_F(ExpressionDialog, MnemonicsAndEnter) {
     dialog->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
     QTest::keyClick(dialog.get(), Qt::Key_3, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "E3"; })); // the button is seen to move
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "E3"; })); // the button is animated
     QTest::keyClick(dialog.get(), Qt::Key_A, Qt::AltModifier);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Text() == "All"; }));
     for (const char* button : {"&ALL", "&NONE", "&Clear", "&Backspace", "E&1", "E&8"}) {
@@ -145,7 +145,7 @@ protected:
     std::unique_ptr<COccurrenceCountDialog> dialog;
 };
 
-TEST_F(OccurrenceDialog, TakesANumberUpToItsLimit) {
+TEST_F(OccurrenceDialog, AcceptsANumberUpToItsLimit) {
     for (const std::uint32_t limit : {65535U, 256U}) {
         Open(7, limit);
         EXPECT_EQ(dialog->windowTitle(), "Occurrence Count");
@@ -162,7 +162,7 @@ TEST_F(OccurrenceDialog, TakesANumberUpToItsLimit) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-TEST_F(OccurrenceDialog, RefusesWhatIsOutside) {
+TEST_F(OccurrenceDialog, RefusesNumbersOutsideItsLimits) {
     for (const char* text : {"0", "65536", "-1", "", "many", "5x", "99999999999999999999"}) {
         Open(7, 65535);
         Type(text);
@@ -171,7 +171,7 @@ TEST_F(OccurrenceDialog, RefusesWhatIsOutside) {
         EXPECT_TRUE(dialog->isVisible());
         EXPECT_EQ(dialog->Count(), 7);
         prompts.Forget();
-        QTest::keyClicks(dialog->findChild<QLineEdit*>(), "8"); // over what was refused
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(), "8"); // replaces the refused number
         Press(*dialog, "OK");
         EXPECT_EQ(dialog->Count(), 8);
     }
@@ -179,7 +179,7 @@ TEST_F(OccurrenceDialog, RefusesWhatIsOutside) {
 
 // Conditions
 
-TEST(ConditionDialog, LeadsToALevel) {
+TEST(ConditionDialog, SelectsALevel) {
     CTraceConditionDialog dialog(nullptr, 2, false);
     dialog.show();
     EXPECT_EQ(dialog.windowTitle(), "Trace Condition");

@@ -40,7 +40,7 @@ protected:
         Field(question, field).selectAll();
         QTest::keyClicks(&Field(question, field), text);
     }
-    /// The command in an event's column.
+    /// The command in the column of an event.
     std::string Command(std::size_t column) {
         for (const auto& signal : setup->events.All()) {
             if (signal->decoded && signal->decoded->name == "COMMAND") {
@@ -59,7 +59,7 @@ protected:
     int helpShown = 0;
 };
 
-TEST_F(SetupWizardDialog, AsksInTheWordsOfPci) {
+TEST_F(SetupWizardDialog, UsesTheTermsOfPci) {
     Open("PCIKite-1");
     EXPECT_EQ(dialog->windowTitle(), "Setup WIzard - Trace");
     EXPECT_EQ(Question(0).title(), "What do you want to trigger on?");
@@ -78,7 +78,7 @@ TEST_F(SetupWizardDialog, AsksInTheWordsOfPci) {
                   QStringList{"You can specify an address or data range as follows: 100 to 200"});
 }
 
-TEST_F(SetupWizardDialog, AsksInTheWordsOfVme) {
+TEST_F(SetupWizardDialog, UsesTheTermsOfVme) {
     Open("VMEKite", BusVme);
     const QStringList choices = {"*Memory", "Read", "Write", "Interrupt", "*All"};
     EXPECT_EQ(Choices(0), choices);
@@ -102,7 +102,7 @@ TEST_F(SetupWizardDialog, WritesTheProgram) {
     EXPECT_EQ(Command(4), "I/O");
 }
 
-TEST_F(SetupWizardDialog, TakesTheChoicesOfVme) {
+TEST_F(SetupWizardDialog, UsesTheChoicesOfVme) {
     Open("VMEKite", BusVme);
     Tick(Question(0), "Interrupt");
     Tick(Question(1), "Write");
@@ -137,8 +137,8 @@ TEST_F(SetupWizardDialog, StopsAtTheFirstTextThatCannotBeRead) {
     EXPECT_EQ(Store(), "E7.E8+E5");
 }
 
-TEST_F(SetupWizardDialog, ReadsTheTextsInTheirOrder) {
-    const char* const bad[] = {"ta", "tb", "tc", "td"}; // "t" is no digit
+TEST_F(SetupWizardDialog, ReadsTheTextsInOrder) {
+    const char* const bad[] = {"ta", "tb", "tc", "td"}; // "t" is not a digit
     Open("PCIKite-1");
     for (int field = 0; field < 4; ++field) {
         Type(field / 2, field % 2, bad[field]);
@@ -154,7 +154,7 @@ TEST_F(SetupWizardDialog, ReadsTheTextsInTheirOrder) {
     EXPECT_FALSE(dialog->isVisible());
 }
 
-TEST_F(SetupWizardDialog, AsksOtherBoardsInTheWordsOfTheirFamily) {
+TEST_F(SetupWizardDialog, UsesTheTermsOfEachFamily) {
     Open("VMELark", BusVme);
     EXPECT_EQ(Choices(0), QStringList({"*Memory", "Read", "Write", "Interrupt", "*All"}));
     Open("VSBKite", BusVsb);

@@ -86,7 +86,7 @@ protected:
                                                  }
                                              });
     }
-    /// Presses a button that asks for a file, and gives a name.
+    /// Presses a button that opens a file dialog, and enters a name.
     void ChooseFile(
         const char* button, const std::string& name,
         const std::function<void(QFileDialog&)>& look = [](QFileDialog&) {}) {
@@ -105,7 +105,7 @@ protected:
         EXPECT_TRUE(SaveSetupFile(contents, dir.File(name), prompts));
         return dir.File(name);
     }
-    /// A setup that differs from the default one everywhere.
+    /// A setup that differs from the default in every value.
     TraceSetup Other() {
         TraceSetup other(board->tables);
         other.name = "Other";
@@ -160,7 +160,7 @@ TEST_F(TraceSetupDialog, ShowsTheSetup) {
     EXPECT_EQ(setup.description, "two\r\nlines");
 }
 
-TEST_F(TraceSetupDialog, SaysWhatIsWhat) {
+TEST_F(TraceSetupDialog, HasItsLabelsAndButtons) {
     settings.WriteProfileInt("Display", "ShowTraceStatus", 1);
     Open();
     EXPECT_TRUE(dialog->findChild<QCheckBox*>()->isChecked());
@@ -206,7 +206,7 @@ TEST_F(TraceSetupDialog, OffersEveryClockAndPosition) {
     }
 }
 
-TEST_F(TraceSetupDialog, AnUnknownClockIsNoSelectionAndStays) {
+TEST_F(TraceSetupDialog, AnUnknownClockIsNotSelectedAndStays) {
     setup.clock = 0;
     Open();
     EXPECT_EQ(List("Sample Clock").currentIndex(), -1);
@@ -214,13 +214,13 @@ TEST_F(TraceSetupDialog, AnUnknownClockIsNoSelectionAndStays) {
     EXPECT_EQ(setup.clock, 0);
 }
 
-TEST_F(TraceSetupDialog, TakesWhatIsEntered) {
+TEST_F(TraceSetupDialog, AcceptsInput) {
     Open();
     QTest::keyClicks(&Name(), "Mine");
     QTest::keyClicks(&Description(), "one");
     QTest::keyClick(&Description(), Qt::Key_Return);
     QTest::keyClicks(&Description(), "two");
-    EXPECT_FALSE(dialog->IsModified()); // the program is as it was
+    EXPECT_FALSE(dialog->IsModified()); // the program is unchanged
     Choose(List("Sample Clock"), "30.72 us");
     Choose(List("Trigger Position"), "100%");
     Choose(List("Power Zoom Sample Clock"), "1.875 ns");
@@ -324,7 +324,7 @@ TEST_F(TraceSetupDialog, AnOccurrenceCountHasTwoBytes) {
     EXPECT_EQ(Cell("Occurs1"), "65535");
 }
 
-TEST_F(TraceSetupDialog, ALongExpressionLeavesTheOtherCellsInSight) {
+TEST_F(TraceSetupDialog, ALongExpressionDoesNotHideTheOtherCells) {
     Open();
     dialog->resize(dialog->minimumSizeHint());
     QApplication::processEvents();
@@ -361,7 +361,7 @@ TEST_F(TraceSetupDialog, TheLevelsScroll) {
     const auto& last = ButtonOf(*dialog, "Else8");
     EXPECT_TRUE(panel.viewport()->rect().contains(
         QRect(last.mapTo(panel.viewport(), QPoint()), last.size())));
-    // 42 dialog units from one level to the next.
+    // 42 dialog units between levels.
     const int pitch = ButtonOf(*dialog, "If2").y() - ButtonOf(*dialog, "If1").y();
     EXPECT_EQ(pitch, DialogUnits(panel, 0, 42).height());
     EXPECT_EQ(ButtonOf(*dialog, "Store1").y() - ButtonOf(*dialog, "If1").y(),
@@ -386,10 +386,10 @@ TEST_F(TraceSetupDialog, SmallBoardsCannotSampleAt133MHz) {
     EXPECT_EQ(List("Sample Clock").currentText(), "15 ns");
     Press("OK");
     EXPECT_EQ(setup.clock, 5);
-    EXPECT_FALSE(dialog->IsInFile()); // which has the other clock still
+    EXPECT_FALSE(dialog->IsInFile()); // the file still has the other clock
 }
 
-TEST_F(TraceSetupDialog, TheSameChoiceAgainIsNoChange) {
+TEST_F(TraceSetupDialog, ChoosingTheSameAgainIsNotAChange) {
     Open();
     auto& list = List("Trigger Position");
     list.showPopup();
@@ -398,7 +398,7 @@ TEST_F(TraceSetupDialog, TheSameChoiceAgainIsNoChange) {
     EXPECT_FALSE(dialog->IsModified());
 }
 
-TEST_F(TraceSetupDialog, OthersCan) {
+TEST_F(TraceSetupDialog, OtherBoardsCan) {
     Open();
     Choose(List("Sample Clock"), "7.5 ns");
     Press("OK");
@@ -413,7 +413,7 @@ TEST_F(TraceSetupDialog, OthersCan) {
 
 // Files
 
-TEST_F(TraceSetupDialog, SavesUnderTheFilesName) {
+TEST_F(TraceSetupDialog, SavesUnderTheNameOfTheFile) {
     Open();
     QTest::keyClicks(&Name(), "Draft");
     SetExpression("If1", {"E1", "OK"});
@@ -439,7 +439,7 @@ TEST_F(TraceSetupDialog, SavesUnderTheFilesName) {
     EXPECT_FALSE(dialog->IsInFile());
 }
 
-TEST_F(TraceSetupDialog, ANameMayHoldWhatAFilesNameCannot) {
+TEST_F(TraceSetupDialog, ANameMayContainCharactersThatAFileNameCannot) {
     Open();
     ChooseFile("Save", "", [&](QFileDialog& files) {
         EXPECT_EQ(files.findChild<QLineEdit*>("fileNameEdit")->text(), "");
@@ -453,7 +453,7 @@ TEST_F(TraceSetupDialog, ANameMayHoldWhatAFilesNameCannot) {
     EXPECT_EQ(dialog->Path(), dir.File("Read-Write 1.5.tsp"));
     EXPECT_EQ(Name().text(), "Read-Write 1.5");
     EXPECT_TRUE(std::filesystem::exists(dialog->Path()));
-    // Behind a point the file dialog adds nothing and does not see that there is such a file.
+    // After a dot the file dialog adds no extension, so it does not see that the file exists.
     prompts.AnswerNext(Answer::No);
     std::filesystem::remove(dialog->Path());
     dir.Write("other 2.0.tsp", "kept");
@@ -462,7 +462,7 @@ TEST_F(TraceSetupDialog, ANameMayHoldWhatAFilesNameCannot) {
     EXPECT_EQ(std::filesystem::file_size(dir.File("other 2.0.tsp")), 4U);
 }
 
-TEST_F(TraceSetupDialog, AnotherNameOrDescriptionIsNotInTheFile) {
+TEST_F(TraceSetupDialog, AChangedNameOrDescriptionIsNotInTheFile) {
     const std::string path = SetupFile("other.tsp", Other());
     ASSERT_TRUE(LoadSetupFile(setup, path, prompts));
     Open(path);
@@ -482,7 +482,7 @@ TEST_F(TraceSetupDialog, AnotherNameOrDescriptionIsNotInTheFile) {
 TEST_F(TraceSetupDialog, AFileThatCannotBeWrittenIsReported) {
     Open();
     const std::string path = dir.Path() + "/none/x.tsp";
-    // The file dialog lets no such folder pass, but a folder may go meanwhile.
+    // The file dialog does not accept such a folder, but a folder may disappear meanwhile.
     std::filesystem::create_directory(dir.Path() + "/none");
     settings.WriteProfileString("Setup", "LastSetupDir", dir.Path() + "/none");
     ChooseFile("Save", "x", [&](QFileDialog& files) {
@@ -522,7 +522,7 @@ TEST_F(TraceSetupDialog, OpensAFile) {
     EXPECT_EQ(setup.clock, 5);
 }
 
-TEST_F(TraceSetupDialog, CancelBringsBackAllButTheDescription) {
+TEST_F(TraceSetupDialog, CancelRestoresAllButTheDescription) {
     const std::string path = SetupFile("other.tsp", Other());
     setup.name = "Before";
     setup.description = "as it was";
@@ -555,7 +555,7 @@ TEST_F(TraceSetupDialog, EscapeIsCancel) {
     EXPECT_EQ(setup.levels[0].occurs, 5);
 }
 
-TEST_F(TraceSetupDialog, ARefusedFileHasReplacedTheSetup) {
+TEST_F(TraceSetupDialog, ARefusedFileHasAlreadyReplacedTheSetup) {
     const std::string path =
         dir.Write("wrong.tsp", "\"FileType\",\"Trace Setup File\"\n\"Version\",\"2.0\"\n"
                                "\"Name\",\"Later\"\n");
@@ -570,7 +570,7 @@ TEST_F(TraceSetupDialog, ARefusedFileHasReplacedTheSetup) {
     EXPECT_FALSE(setup.events.Empty());
 }
 
-TEST_F(TraceSetupDialog, DeletesAFileAfterAQuestion) {
+TEST_F(TraceSetupDialog, DeletesAFileAfterAConfirmation) {
     const std::string path = SetupFile("old.tsp", Other());
     settings.WriteProfileString("Setup", "LastSetupFile", path);
     Open();
@@ -589,7 +589,7 @@ TEST_F(TraceSetupDialog, DeletesAFileAfterAQuestion) {
     EXPECT_FALSE(dialog->IsModified());
 }
 
-TEST_F(TraceSetupDialog, DeletingAnotherFileLeavesTheLastOne) {
+TEST_F(TraceSetupDialog, DeletingAnotherFileKeepsTheLastOne) {
     const std::string path = SetupFile("old.tsp", Other());
     settings.WriteProfileString("Setup", "LastSetupFile", "/other.tsp");
     Open();
@@ -603,7 +603,7 @@ TEST_F(TraceSetupDialog, AFileThatCannotBeDeletedIsReported) {
     settings.WriteProfileString("Setup", "LastSetupFile", path);
     Open(path);
     ChooseFile("Delete", path, [&](QFileDialog& files) {
-        // Gone before the question is answered.
+        // Deleted before the question is answered.
         QObject::connect(&files, &QFileDialog::accepted, [&] { std::filesystem::remove(path); });
     });
     EXPECT_THAT(prompts.Texts(), ElementsAre("Delete setup file " + path + "?",
@@ -611,7 +611,7 @@ TEST_F(TraceSetupDialog, AFileThatCannotBeDeletedIsReported) {
     EXPECT_EQ(settings.GetProfileString("Setup", "LastSetupFile", ""), path);
 }
 
-TEST_F(TraceSetupDialog, ADeletedFileOfItsOwnIsNoFileAnyMore) {
+TEST_F(TraceSetupDialog, AfterItsFileIsDeletedTheSetupIsNotInAFile) {
     const std::string path = SetupFile("old.tsp", Other());
     Open(path);
     prompts.AnswerNext(Answer::Yes);
@@ -629,7 +629,7 @@ TEST_F(TraceSetupDialog, ACancelledFileDialogDoesNothing) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
-// The wizard, and the ends
+// The wizard, and closing the dialog
 
 TEST_F(TraceSetupDialog, TheWizardReplacesTheProgram) {
     setup.triggerPosition = 4;
@@ -654,7 +654,7 @@ TEST_F(TraceSetupDialog, TheWizardReplacesTheProgram) {
     EXPECT_EQ(setup.triggerPosition, 4);
 }
 
-TEST_F(TraceSetupDialog, ACancelledWizardDoesNot) {
+TEST_F(TraceSetupDialog, ACancelledWizardDoesNotReplaceTheProgram) {
     setup.levels[0].occurs = 9;
     Open();
     AnswerDialog<CSetupWizardDialog>(
@@ -674,13 +674,13 @@ TEST_F(TraceSetupDialog, ARunningTraceKeepsItsSetup) {
                 ElementsAre("Setup cannot be modified while trace is in progress."));
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_EQ(settings.GetProfileInt("Display", "ShowTraceStatus", 5), 5);
-    isRunning = false; // the run has ended by itself
+    isRunning = false; // the run has ended
     Press("OK");
     EXPECT_TRUE(Closed(QDialog::Accepted));
     EXPECT_EQ(FormatExpression(setup.levels[0].ifExpr), "E1");
 }
 
-TEST_F(TraceSetupDialog, WithoutAChangeARunIsNoHindrance) {
+TEST_F(TraceSetupDialog, AnUnchangedSetupCanBeConfirmedDuringARun) {
     isRunning = true;
     Open();
     QTest::keyClicks(&Name(), "Mine");
@@ -705,7 +705,7 @@ TEST_F(TraceSetupDialog, ASavedTraceKeepsItsSetup) {
     EXPECT_EQ(FormatExpression(setup.levels[0].ifExpr), "All");
 }
 
-TEST_F(TraceSetupDialog, ASavedTracesSetupCanBeLookedAt) {
+TEST_F(TraceSetupDialog, TheSetupOfASavedTraceCanBeViewed) {
     isLive = false;
     Open();
     Press("Help");
