@@ -99,12 +99,12 @@ constexpr Command commands[] = {
 
     {CommandId::DefineSignals,        "&Utilities",              "&Define Signals",       "Show how signals lie in a sample", "", ""},
     {CommandId::BoardSetup,           "&Utilities",              "Board &Setup",          "Choose port and baud rate", "", ""},
-    {CommandId::BoardInfo,            "&Utilities",              "Board &Info",           "Show what the board says of itself", "", ""},
+    {CommandId::BoardInfo,            "&Utilities",              "Board &Info",           "Show the identity of the board", "", ""},
     {CommandId::DownloadFirmware,     "&Utilities",              "Download &Firmware",    "Replace the board's firmware", "", ""},
     {CommandId::SerialTest,           "&Utilities",              "Serial &Test",          "Talk to the port by hand", "", ""},
-    {CommandId::BusConfiguration,     "&Utilities",              "&Bus Configuration",    "Say how the board is to see its bus", "", ""},
+    {CommandId::BusConfiguration,     "&Utilities",              "&Bus Configuration",    "Set mode and width of the bus", "", ""},
 
-    {CommandId::Cascade,              "&Window",                 "&Cascade",              "Arrange the windows one behind another", "", ""},
+    {CommandId::Cascade,              "&Window",                 "&Cascade",              "Arrange the windows so that they overlap", "", ""},
     {CommandId::Tile,                 "&Window",                 "&Tile",                 "Arrange the windows side by side", "", ""},
     {CommandId::None,                 "&Window",                 "", "", "", ""},
     {CommandId::WindowList,           "&Window",                 "Windows",               "Bring this window to the front", "", ""},
