@@ -1,0 +1,20 @@
+/// Bytes as a user types and reads them who talks to the port by hand.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace busquill {
+
+/// The low bytes of the hexadecimal numbers in the first 256 characters, which blanks separate.
+/// What is no number is 0.
+[[nodiscard]] std::vector<std::uint8_t> ParseRawBytes(std::string_view text);
+/// "2a 00 ".
+[[nodiscard]] std::string FormatRawBytes(std::span<const std::uint8_t> bytes);
+/// Lines of eight bytes, as numbers and as characters; a shorter last one is filled with blanks.
+[[nodiscard]] std::vector<std::string> RawLines(std::span<const std::uint8_t> bytes);
+
+} // namespace busquill
