@@ -704,7 +704,8 @@ TEST_F(Waveforms, TheValuesAppearWhenTheMarkersSampleHasArrived) {
     Key(Qt::Key_PageUp);
     SampleRecord high;
     high.bytes.fill(0xFF);
-    document->AddBlock(992, std::vector<SampleRecord>(32, high), false);
+    const std::vector<SampleRecord> block(32, high);
+    document->AddBlock(992, block, false);
     document->FlushBlockUpdates();
     const QImage shown = Picture();
     window->Render();
