@@ -12,12 +12,12 @@ namespace busquill {
 
 namespace {
 
-/// Far more than any firmware; a file that is none must not take all memory.
+/// Far more than any firmware needs. A larger file must not exhaust the memory.
 constexpr std::size_t largestFile = std::size_t{1} << 28;
 
 } // namespace
 
-/// The part of a download that its requests hold on to. One thread at a time sends records: the
+/// The part of a download that its requests share. One thread at a time sends records: the
 /// main thread the first, then whichever completes one.
 class FirmwareDownload::Chain : public std::enable_shared_from_this<Chain> {
 public:
@@ -37,9 +37,9 @@ public:
     std::atomic<std::uint32_t> count = 0;
 
 private:
-    /// Sends records until one waits for its answer. A record may be complete before Submit
-    /// returns, as without a board every one is: then the loop sends the next, not the completion,
-    /// so that the stack does not grow with the file.
+    /// Sends records until one waits for its answer. Without a board each request completes inside
+    /// Submit; the loop then sends the next record, not the completion, so that the stack does not
+    /// grow with the file.
     void SendRecords() {
         do {
             LinkRequestPtr request = NextRequest();

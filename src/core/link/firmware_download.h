@@ -12,7 +12,7 @@ class Prompts;
 /// Sends the data of an Intel hex file to the board, record by record. Each record's completion
 /// sends the next, so all but the first go out on the link's thread; messages come from there too.
 /// Main thread, unless a function says otherwise. The link outlives the download, which may be
-/// destroyed at any time: what the link still holds lives until the link has done with it.
+/// destroyed at any time: a request that the link still holds keeps what it needs.
 class FirmwareDownload {
 public:
     /// How far a download is. One that ended in an error has said why and can be started again.

@@ -17,8 +17,8 @@ struct HexRecord {
     std::vector<std::uint8_t> data;
 };
 
-/// Walks through the records of an Intel hex file. A record begins at a ":" and its length is what
-/// it says, so line ends do not matter and a ":" among its digits is a digit.
+/// Reads the records of an Intel hex file. A record begins at a ":" and has the length that it
+/// states, so line ends do not matter and a ":" among its digits is a digit.
 class HexRecords {
 public:
     enum class Step { Record, Invalid, EndOfFile };

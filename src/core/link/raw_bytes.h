@@ -1,4 +1,4 @@
-/// Bytes as a user types and reads them who talks to the port by hand.
+/// The text form of bytes that a user sends to the port and receives from it.
 #pragma once
 
 #include <cstdint>
