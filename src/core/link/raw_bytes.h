@@ -9,8 +9,8 @@
 
 namespace busquill {
 
-/// The low bytes of the hexadecimal numbers in the first 256 characters, which blanks separate.
-/// What is no number is 0.
+/// The low bytes of the hexadecimal numbers in the first 256 characters, separated by blanks. A
+/// piece that is not a number is 0.
 [[nodiscard]] std::vector<std::uint8_t> ParseRawBytes(std::string_view text);
 /// "2a 00 ".
 [[nodiscard]] std::string FormatRawBytes(std::span<const std::uint8_t> bytes);
