@@ -3,6 +3,8 @@
 #include "capture/trace_document.h"
 #include "ui/framework/painting.h"
 
+#include <QPainter>
+
 #include <algorithm>
 
 namespace busquill {
