@@ -6,7 +6,6 @@
 #include "platform/text.h"
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 namespace busquill::cli {
@@ -56,11 +55,8 @@ Session::Session(const Arguments& arguments)
     quiet_.reset();
     if (Link().IsDemoMode()) {
         // The link's own messages about it are meant for windows.
-        Fail(openError_ == 0       ? "no board answers on " + port.name
-             : openError_ == EBUSY ? "the port " + port.name + " is in use"
-                                   : "the port " + port.name + " cannot be opened: " +
-                                         (openError_ == ENOTTY ? "it is no terminal device"
-                                                               : std::strerror(openError_)));
+        Fail(openError_ == 0 ? "no board answers on " + port.name
+                             : "the port " + OpenFailure(port, openError_));
     }
     WaitForBoard(port.name);
     analyzer_.Tables().Load();

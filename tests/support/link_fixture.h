@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <future>
 
 namespace busquill::test {
@@ -148,6 +149,7 @@ protected:
     std::unique_ptr<SerialPort> OpenScripted(const std::string& device) {
         openedDevices.push_back(device);
         if (!portOpens) {
+            errno = openError;
             return nullptr;
         }
         return std::make_unique<ScriptedSerialPort>(line);
@@ -161,6 +163,7 @@ protected:
     WireBoard board; // used by the line under its lock
     ScriptedUsb usb;
     bool portOpens = true;
+    int openError = ENOENT; // when it does not open
     std::vector<std::string> openedDevices;
     std::unique_ptr<Analyzer> analyzer; // destroyed first: its threads use the others
     CAnalyzerLink* link;

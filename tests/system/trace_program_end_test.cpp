@@ -117,7 +117,7 @@ TEST_F(TraceProgramEnd, InvalidPortsAreReported) {
         EXPECT_EQ(run.status, 3);
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(run.err,
-                  Line("the port " + port + " cannot be opened: it is no terminal device"));
+                  Line("the port " + port + " is not a serial port"));
     }
     EXPECT_EQ(ReadWholeFile(files.File("port")), "no terminal\n");
     const ProgramRun run = RunTrace({"board", "--port", "/nonexistent/tty"});
@@ -133,7 +133,7 @@ TEST_F(TraceProgramEnd, APortInUseIsReported) {
     const ProgramRun run = Run({"board"});
     EXPECT_EQ(run.status, 3);
     EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err, Line("the port " + board->Terminal() + " is in use"));
+    EXPECT_EQ(run.err, Line("the port " + board->Terminal() + " is in use by another program"));
     other.reset();
     EXPECT_EQ(Run({"board"}).status, 0);
 }

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cerrno>
 
 namespace busquill {
 
@@ -31,6 +32,8 @@ constexpr const char* communicationsError =
 constexpr const char* noIdentity =
     "The analyzer has not told what it is. Check its connections and accept the\n"
     "Utilities/Setup dialog to connect again.";
+
+constexpr const char* noBoardOnUsb = "No board is ready on USB.";
 
 } // namespace
 
@@ -145,13 +148,14 @@ void CAnalyzerLink::ClosePort() {
 }
 
 void CAnalyzerLink::OpenSerial(const PortSetting& setting) {
+    errno = 0;
     std::shared_ptr<SerialPort> device = services_.openSerial(setting.device);
     if (device == nullptr) {
-        FallIntoDemoMode();
+        FallIntoDemoMode("The port " + OpenFailure(setting, errno) +
+                         ". The manual page \"Connecting a board\" tells more.");
         return;
     }
-    auto port =
-        std::make_shared<SerialLinkPort>(std::move(device), setting.name, services_.prompts);
+    auto port = std::make_shared<SerialLinkPort>(std::move(device), setting, services_.prompts);
     port->Configure(setting.baud);
     conditions_.actualBaud = port->NegotiateBaud();
     port->SetReadTimeout();
@@ -160,7 +164,7 @@ void CAnalyzerLink::OpenSerial(const PortSetting& setting) {
 
 void CAnalyzerLink::OpenUsb(const PortSetting& setting) {
     auto port = std::make_shared<UsbLinkPort>(services_.usb, setting.device, services_.prompts);
-    if (port->Open([this] { FallIntoDemoMode(); })) {
+    if (port->Open([this] { FallIntoDemoMode(noBoardOnUsb); })) {
         StartThread(port);
     }
 }
@@ -179,10 +183,10 @@ void CAnalyzerLink::StartThread(std::shared_ptr<LinkPort> port) {
 
 // After a failed identity read this runs on the link's thread, which cannot wait for itself: the
 // wait times out, and the thread ends afterwards.
-void CAnalyzerLink::FallIntoDemoMode() {
+void CAnalyzerLink::FallIntoDemoMode(const std::string& hint) {
     LinkThread* own = LinkThread::OnThisThread();
     const auto port = own != nullptr ? own->Port() : queue_->Port();
-    services_.prompts.TopmostMessage(demoModeMessage);
+    services_.prompts.TopmostMessage(demoModeMessage, hint);
     if (port != nullptr) {
         if (LinkThread* thread = own != nullptr ? own : currentThread_.load()) {
             thread->Stop();
@@ -194,12 +198,12 @@ void CAnalyzerLink::FallIntoDemoMode() {
     }
 }
 
-void CAnalyzerLink::Connect(const PortSetting& port) {
+void CAnalyzerLink::Connect(const PortSetting& port, int targetBaud) {
     const bool atAnotherRate = Open(port);
     ReadIdentity();
     if (atAnotherRate) {
         queue_->WaitIdle();
-        SetBaudRate(port.baud);
+        SetBaudRate(targetBaud);
     }
     queue_->WaitIdle();
     services_.clock.Sleep(settlingTime);
@@ -228,12 +232,13 @@ void CAnalyzerLink::OnLinkOperationDone(std::int32_t result) {
     } else if (phase == PhaseLiveStatus) {
         ClearLiveStatus();
         board_.SetCommLost(true);
-    } else if (queue_->Port() == nullptr) {
+    } else if (const auto port = queue_->Port(); port == nullptr) {
         // The link has left that board, so its failures are not reported.
     } else if (phase == PhaseIdentify) {
-        FallIntoDemoMode();
+        FallIntoDemoMode("No board answers on " + port->Label() +
+                         ". Check its power and its cable.");
     } else {
-        services_.prompts.TopmostMessage(communicationsError);
+        services_.prompts.TopmostMessage(communicationsError, port->UnpluggedHint());
     }
 }
 

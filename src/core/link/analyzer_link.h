@@ -42,7 +42,7 @@ public:
         Prompts& prompts;
         Clock& clock;
         MainThread& mainThread;
-        /// Opens a device path; null when it cannot be opened.
+        /// Opens a device path; null when it cannot be opened, with the reason in errno.
         std::function<std::unique_ptr<SerialPort>(const std::string& device)> openSerial;
         UsbBus& usb;
     };
@@ -77,7 +77,9 @@ public:
     void SetBaudRate(int rate);
     /// The connection sequence, from Open to LoadBusConfig. A board that answered at another rate
     /// is set to the setting's rate.
-    void Connect(const PortSetting& port);
+    void Connect(const PortSetting& port) { Connect(port, port.baud); }
+    /// Moves a board that answers at another rate than the port's to `targetBaud`.
+    void Connect(const PortSetting& port, int targetBaud);
 
     void ReadBusConfig(BusConfig& out);
     void WriteBusConfig(const BusConfig& in);
@@ -120,7 +122,8 @@ private:
     void OpenSerial(const PortSetting& setting);
     void OpenUsb(const PortSetting& setting);
     void StartThread(std::shared_ptr<LinkPort> port);
-    void FallIntoDemoMode();
+    /// `hint` says what failed.
+    void FallIntoDemoMode(const std::string& hint);
 
     void Issue(LinkPhase phase, LinkRequestPtr request);
     void OnLinkOperationDone(std::int32_t result);

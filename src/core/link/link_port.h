@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/leaf_mutex.h"
+#include "link/port_setting.h"
 #include "platform/mutex.h"
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
@@ -35,9 +36,13 @@ class LinkPort {
 public:
     virtual ~LinkPort() = default;
 
+    /// The port in words for the user.
+    [[nodiscard]] virtual std::string Label() const = 0;
     [[nodiscard]] virtual bool IsOpen() const = 0;
     /// Whether the device has been unplugged: nothing will be answered any more.
-    [[nodiscard]] virtual bool IsGone() const noexcept { return false; }
+    [[nodiscard]] virtual bool IsGone() const noexcept = 0;
+    /// Below the message of a failure: that the device was unplugged, if it was.
+    [[nodiscard]] std::string UnpluggedHint() const;
     /// Whether an idle board must be told regularly that the program is still there.
     [[nodiscard]] virtual bool NeedsKeepAlive() const noexcept = 0;
     /// Changes the line's rate. Returns 0 or the error number of the step that failed.
@@ -60,7 +65,7 @@ public:
 /// A board on a serial port.
 class SerialLinkPort final : public LinkPort {
 public:
-    SerialLinkPort(std::shared_ptr<SerialPort> port, std::string name, Prompts& prompts);
+    SerialLinkPort(std::shared_ptr<SerialPort> port, PortSetting setting, Prompts& prompts);
 
     /// Sets the line to `baud`; failures are reported and ignored.
     void Configure(int baud);
@@ -70,6 +75,7 @@ public:
     /// the last rate tried.
     [[nodiscard]] int NegotiateBaud();
 
+    [[nodiscard]] std::string Label() const override { return setting_.Label(); }
     [[nodiscard]] bool IsOpen() const override { return Port() != nullptr; }
     [[nodiscard]] bool IsGone() const noexcept override { return readFailed_; }
     [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return false; }
@@ -84,7 +90,7 @@ private:
     [[nodiscard]] std::shared_ptr<SerialPort> Port() const;
     [[nodiscard]] bool AnswersProbe(SerialPort& port, std::uint8_t probe);
 
-    const std::string name_;
+    const PortSetting setting_;
     Prompts& prompts_;
     mutable LeafMutex portLock_;
     std::shared_ptr<SerialPort> port_ BUSQUILL_GUARDED_BY(portLock_);
@@ -114,6 +120,7 @@ public:
     bool Open(const std::function<void()>& fallIntoDemoMode);
     [[nodiscard]] Device State() const;
 
+    [[nodiscard]] std::string Label() const override { return "USB"; }
     [[nodiscard]] bool IsOpen() const override { return State() != Device::Closed; }
     [[nodiscard]] bool IsGone() const noexcept override { return gone_; }
     [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return true; }

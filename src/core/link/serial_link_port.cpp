@@ -25,8 +25,15 @@ constexpr std::array<std::uint8_t, 2> probeBytes{FrameLengthLow, 0};
 
 } // namespace
 
-SerialLinkPort::SerialLinkPort(std::shared_ptr<SerialPort> port, std::string name, Prompts& prompts)
-    : name_(std::move(name)), prompts_(prompts), port_(std::move(port)) {}
+std::string LinkPort::UnpluggedHint() const {
+    return IsGone() ? Label() + " was unplugged. Plug it in again and accept the Utilities/Setup "
+                                "dialog to connect again."
+                    : "";
+}
+
+SerialLinkPort::SerialLinkPort(std::shared_ptr<SerialPort> port, PortSetting setting,
+                               Prompts& prompts)
+    : setting_(std::move(setting)), prompts_(prompts), port_(std::move(port)) {}
 
 std::shared_ptr<SerialPort> SerialLinkPort::Port() const {
     const LeafLock lock(portLock_);
@@ -42,17 +49,18 @@ void SerialLinkPort::Configure(int baud) {
     const auto port = Port();
     if (const int error = port->ReadConfiguration(); error != 0) {
         prompts_.TopmostMessage(
-            Printf("Error reading %s configuration, err %d", name_.c_str(), error));
+            Printf("Error reading %s configuration, err %d", setting_.name.c_str(), error));
     }
     if (const int error = port->Configure(baud); error != 0) {
         prompts_.TopmostMessage(
-            Printf("Error setting %s configuration, err %d", name_.c_str(), error));
+            Printf("Error setting %s configuration, err %d", setting_.name.c_str(), error));
     }
 }
 
 void SerialLinkPort::SetReadTimeout() {
     if (const int error = Port()->SetReadTimeout(readTimeout); error != 0) {
-        prompts_.TopmostMessage(Printf("Error setting %s timeouts, err %d", name_.c_str(), error));
+        prompts_.TopmostMessage(
+            Printf("Error setting %s timeouts, err %d", setting_.name.c_str(), error));
     }
 }
 
@@ -107,7 +115,8 @@ bool SerialLinkPort::Send(std::span<const std::uint8_t> bytes) {
         error = port->Write(bytes);
     }
     if (error != 0) {
-        prompts_.TopmostMessage(Printf("Error writing to %s, err %d", name_.c_str(), error));
+        prompts_.TopmostMessage(Printf("Error writing to %s, err %d", setting_.name.c_str(), error),
+                                UnpluggedHint());
     }
     return true;
 }

@@ -36,7 +36,9 @@ bool UsbLinkPort::Open(const std::function<void()>& fallIntoDemoMode) {
 
     std::shared_ptr<UsbDevice> device = bus_.Open(search.path);
     if (device == nullptr) {
-        prompts_.Message(Printf("Error opening usb device, path %s", search.path.c_str()));
+        prompts_.Message(Printf("Error opening usb device, path %s", search.path.c_str()),
+                         "You may lack the permission to use the device, or another program uses "
+                         "it. The manual page \"Connecting a board\" tells more.");
         fallIntoDemoMode();
     }
     if (device == nullptr || !device->SelectInterface()) {
@@ -99,7 +101,7 @@ bool UsbLinkPort::Send(std::span<const std::uint8_t> bytes) {
         }
     }
     if (!sent) {
-        prompts_.Message(transferFailed);
+        prompts_.Message(transferFailed, UnpluggedHint());
     }
     Wake();
     return sent;
@@ -112,7 +114,7 @@ bool UsbLinkPort::ReadPipe(std::span<std::uint8_t> into) {
         transfer = device->Read(inputPipe, into);
     }
     if (Failed(transfer)) {
-        prompts_.Message(transferFailed);
+        prompts_.Message(transferFailed, UnpluggedHint());
         prompts_.Message(Printf("Error reading from usb port, err %d", transfer.error));
         return false;
     }

@@ -42,4 +42,7 @@ public:
 /// reason in errno: EBUSY when it is open elsewhere, ENOTTY when it is not a terminal.
 [[nodiscard]] std::unique_ptr<SerialPort> OpenSerialPort(const std::string& device);
 
+/// The group whose members may open a device: its name, or its number when it has none.
+[[nodiscard]] std::string GroupOfDevice(const std::string& device);
+
 } // namespace busquill

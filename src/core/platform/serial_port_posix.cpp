@@ -1,15 +1,18 @@
 #include "platform/line_errors.h"
 #include "platform/serial_port.h"
 
+#include <array>
 #include <asm/termbits.h>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <grp.h>
 #include <linux/serial.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace busquill {
@@ -220,6 +223,18 @@ std::unique_ptr<SerialPort> OpenSerialPort(const std::string& device) {
         return nullptr;
     }
     return std::make_unique<PosixSerialPort>(handle);
+}
+
+std::string GroupOfDevice(const std::string& device) {
+    struct stat facts {};
+    if (::stat(device.c_str(), &facts) != 0) {
+        return "?";
+    }
+    std::array<char, 4096> text{};
+    group entry{};
+    group* found = nullptr;
+    ::getgrgid_r(facts.st_gid, &entry, text.data(), text.size(), &found);
+    return found != nullptr ? found->gr_name : std::to_string(facts.st_gid);
 }
 
 } // namespace busquill

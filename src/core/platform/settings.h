@@ -10,6 +10,7 @@ constexpr const char* setup = "Setup";
 constexpr const char* display = "Display";
 } // namespace SettingsSection
 namespace SettingsKey {
+constexpr const char* port = "ComPort";
 constexpr const char* baudRate = "BaudRate";
 constexpr const char* lastSetupFolder = "LastSetupDir";
 constexpr const char* lastSetupFile = "LastSetupFile";

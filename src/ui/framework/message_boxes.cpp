@@ -28,6 +28,7 @@ Answer ShowBox(const Box& box) {
                        QApplication::applicationName(), QString::fromStdString(box.text),
                        ButtonsOf(box.buttons), QApplication::activeWindow());
     window.setTextFormat(Qt::PlainText);
+    window.setInformativeText(QString::fromStdString(box.hint));
     window.setWindowModality(Qt::ApplicationModal);
     window.setWindowFlag(Qt::WindowStaysOnTopHint, box.topmost);
     switch (window.exec()) {

@@ -108,8 +108,12 @@ TEST_F(AnalyzerLinkTest, AnUnknownPortNeedsNoSettingAndIsCalledByItsName) {
 
 TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedLeadsToDemoMode) {
     portOpens = false;
+    openError = EBUSY;
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
+    EXPECT_EQ(prompts.Boxes().front().hint,
+              "The port COM1 (/dev/ttyS0) is in use by another program. The manual page "
+              "\"Connecting a board\" tells more.");
     EXPECT_TRUE(prompts.Boxes().front().topmost);
     EXPECT_TRUE(link->IsDemoMode());
     const BoardIdentity identity = link->Identity();
@@ -286,6 +290,8 @@ TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndThenItIsDemoMo
     ASSERT_TRUE(Eventually([&] { return link->IsDemoMode(); }));
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}, Bytes{4, 0}));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
+    EXPECT_EQ(prompts.Boxes().front().hint,
+              "No board answers on COM1 (/dev/ttyS0). Check its power and its cable.");
     EXPECT_TRUE(prompts.Boxes().front().topmost);
     EXPECT_EQ(link->Identity().modelString, "Demo Mode");
     EXPECT_TRUE(Eventually([&] { return line->OpenPorts() == 0; }));

@@ -16,6 +16,8 @@ using namespace std::chrono_literals;
 /// A port whose reader waits until the test releases it, whoever wakes it.
 class StuckPort final : public LinkPort {
 public:
+    [[nodiscard]] std::string Label() const override { return "stuck"; }
+    [[nodiscard]] bool IsGone() const noexcept override { return false; }
     [[nodiscard]] bool IsOpen() const override { return true; }
     [[nodiscard]] bool NeedsKeepAlive() const noexcept override { return false; }
     [[nodiscard]] int ChangeBaud(int /*rate*/) override { return 0; }

@@ -582,6 +582,16 @@ TEST_F(RequestQueueTest, APortThatDisappearsIsNotReadAnyMoreAndRequestsTimeOut) 
     EXPECT_EQ(done.get().result, LinkTimeout);
     EXPECT_EQ(line->ReadsAfterUnplug(), 1);
     EXPECT_TRUE(link->IsBoardGone());
+    const Box box = prompts.Boxes().front();
+    EXPECT_EQ(box.text, "Error writing to COM1, err 5");
+    EXPECT_EQ(box.hint, "COM1 (/dev/ttyS0) was unplugged. Plug it in again and accept the "
+                        "Utilities/Setup dialog to connect again.");
+}
+
+TEST_F(RequestQueueTest, AFailureOfAPortThatIsThereHasNoHint) {
+    line->SetErrors({.write = 5});
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
+    EXPECT_EQ(prompts.Boxes().front().hint, "");
 }
 
 TEST_F(RequestQueueTest, RawBytesBypassTheQueueAndTheRingIsDrainedAsItIs) {

@@ -9,6 +9,7 @@ namespace {
 using namespace std::chrono_literals;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::HasSubstr;
 
 const std::string openFailed = "Error opening usb device, path usb-path";
 const std::string selectFailed = "Error from DeviceIoControl - IOCTL_ADAPT_SELECT_INTERFACE";
@@ -71,6 +72,7 @@ TEST_F(UsbLinkTest, AfterAFailedOpenTheOtherStepsStillRunAndReport) {
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(openFailed, demoModeMessage, selectFailed,
                                              demoModeMessage, resetFailed, resetFailed));
+    EXPECT_THAT(prompts.Boxes()[0].hint, HasSubstr("permission"));
     EXPECT_TRUE(link->IsDemoMode());
     EXPECT_TRUE(link->Exchange(RunCommand(CmdStartTrace)));
 }
