@@ -36,7 +36,7 @@ struct HelpTopicPage {
 
 /// A function of the board, as its room presents it to the program.
 struct Feature {
-    std::string_view docString; // of its template
+    std::string_view docString; // of its template; empty if it has no documents
     CMultiDocTemplate::Factories factories;
     /// What the application carries out for it, such as creating new documents.
     CommandMap commands;

@@ -54,6 +54,9 @@ public:
     void ShowHelp(int topic) { showHelp(topic); }
     /// Set by the main window, which shows it.
     std::function<void(int topic)> showHelp = [](int) {};
+    /// Called when the connection or the bus may have changed. Set by the main window, which shows
+    /// both.
+    std::function<void()> boardChanged = [] {};
     /// What the application carries out, whichever window is active.
     CommandMap commands;
 

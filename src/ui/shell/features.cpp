@@ -1,5 +1,6 @@
 #include "ui/shell/features.h"
 
+#include "ui/link/board_feature.h"
 #include "ui/trace/trace_feature.h"
 
 namespace busquill {
@@ -16,6 +17,7 @@ Feature Planned(const char* docString) {
 // Window title, document name, file-new name, filter name, extension, file type id and name.
 std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
     return {
+        BoardFeature(parts),
         TraceFeature(parts),
         Planned("\nPerformance\nPerformance\nPerformance (*.per)\n.per\nTessel.Performance\n"
                 "Tessel Performance"),

@@ -5,8 +5,6 @@
 #include "ui/framework/mdi_child.h"
 #include "ui/framework/view.h"
 #include "ui/framework/window_timer.h"
-#include "ui/link/board_info_dialog.h"
-#include "ui/link/bus_config_dialog.h"
 #include "ui/shell/command_line.h"
 #include "ui/shell/help_window.h"
 #include "ui/shell/tessel_app.h"
@@ -66,9 +64,9 @@ const CommandMap* EnabledTarget(CommandId id, const std::vector<const CommandMap
 
 } // namespace
 
-CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings& settings,
+CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables,
                        const MainThread& mainThread)
-    : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea) {
+    : link_(link), tables_(tables), area_(new QMdiArea) {
     RegisterResources();
     setWindowTitle(stockName);
     WidenDialogsToTitles(*this);
@@ -97,6 +95,7 @@ void CMainFrame::SetApplication(CTesselApp* app) {
     app_ = app;
     if (app_ != nullptr) {
         app_->showHelp = [this](int topic) { ShowHelp(topic); };
+        app_->boardChanged = [this] { RefreshStatusPanes(); };
     }
     RefreshCommands();
 }
@@ -274,8 +273,6 @@ void CMainFrame::MakeCommands() {
         statusBar()->setVisible(actions_[CommandId::ViewStatusBar]->isChecked());
     });
     commands_.On(CommandId::DefineSignals, [this] { CDefineSignalDialog(this, tables_).exec(); });
-    commands_.On(CommandId::BoardInfo, [this] { CBoardInfoDialog(this, link_).exec(); });
-    commands_.On(CommandId::BusConfiguration, [this] { ShowBusConfiguration(); });
     const auto hasWindows = [this] { return !area_->subWindowList().isEmpty(); };
     commands_.On(
         CommandId::Cascade, [this] { area_->cascadeSubWindows(); }, hasWindows);
@@ -285,12 +282,6 @@ void CMainFrame::MakeCommands() {
         commands_.On(id, [this] { ShowHelp(HelpTopic::Contents); });
     }
     commands_.On(CommandId::About, [this] { ShowAbout(); });
-}
-
-void CMainFrame::ShowBusConfiguration() {
-    if (CBusConfigDialog(this, link_, settings_).exec() == QDialog::Accepted) {
-        RefreshStatusPanes();
-    }
 }
 
 void CMainFrame::ShowHelp(int topic) {

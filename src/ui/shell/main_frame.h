@@ -26,8 +26,7 @@ class SignalTables;
 class CMainFrame final : public QMainWindow {
     Q_OBJECT
 public:
-    CMainFrame(CAnalyzerLink& link, const SignalTables& tables, Settings& settings,
-               const MainThread& mainThread);
+    CMainFrame(CAnalyzerLink& link, const SignalTables& tables, const MainThread& mainThread);
 
     [[nodiscard]] QMdiArea& Area() const noexcept { return *area_; }
     /// Sets the application, whose documents the menus open; null before it is destroyed, which is
@@ -55,7 +54,6 @@ private:
     [[nodiscard]] std::vector<const CommandMap*> Targets() const;
     void Run(CommandId id);
     void FillDynamicEntries();
-    void ShowBusConfiguration();
     void ShowAbout();
     void ShowHelp(int topic);
     void PlaceHelp();
@@ -63,7 +61,6 @@ private:
 
     CAnalyzerLink& link_;
     const SignalTables& tables_;
-    Settings& settings_;
     CTesselApp* app_ = nullptr;
     QMdiArea* area_;
     CommandMap commands_;

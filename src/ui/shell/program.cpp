@@ -43,7 +43,7 @@ Program::~Program() {
 }
 
 void Program::InitInstance() {
-    frame_ = std::make_unique<CMainFrame>(Link(), Tables(), machine_.settings, machine_.mainThread);
+    frame_ = std::make_unique<CMainFrame>(Link(), Tables(), machine_.mainThread);
     app_ = std::make_unique<CTesselApp>(CTesselApp::Parts{machine_.settings, machine_.prompts,
                                                           machine_.mainThread, machine_.directory,
                                                           analyzer_, frame_->Area()});

@@ -14,8 +14,10 @@ CTesselApp::CTesselApp(const Parts& parts) : CWinApp(parts.settings, parts.promp
     commands.On(CommandId::FileOpen, [this, &area = parts.area] { OnFileOpen(area.window()); });
     for (Feature& feature : MakeFeatures({*this, parts.analyzer, parts.settings, parts.prompts,
                                           parts.mainThread, parts.directory, parts.area})) {
-        AddDocTemplate(std::make_unique<CMultiDocTemplate>(
-            feature.docString, std::move(feature.factories), parts.area, prompts_));
+        if (!feature.docString.empty()) {
+            AddDocTemplate(std::make_unique<CMultiDocTemplate>(
+                feature.docString, std::move(feature.factories), parts.area, prompts_));
+        }
         commands.Add(feature.commands);
         helpTopics_.insert(helpTopics_.end(), feature.help.begin(), feature.help.end());
     }
