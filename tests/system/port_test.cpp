@@ -8,6 +8,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
+
 namespace busquill::test {
 namespace {
 
@@ -144,6 +147,7 @@ TEST_F(PortOverWire, APulledCableHangsUpAndItsNameIsGone) {
     EXPECT_FALSE(port->Read({&byte, 1}).has_value());
     EXPECT_NE(port->Write({&byte, 1}), 0);
     EXPECT_EQ(OpenSerialPort(board->Terminal()), nullptr);
+    EXPECT_FALSE(std::filesystem::is_symlink(board->Terminal()));
     board->PlugIn();
     EXPECT_FALSE(port->Read({&byte, 1}).has_value());
     EXPECT_NE(OpenSerialPort(board->Terminal()), nullptr);
