@@ -2,6 +2,7 @@
 #include "boardsim/trace_writer.h"
 #include "boardsim/traffic.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <bit>
@@ -65,6 +66,33 @@ TEST_F(BoardTest, NewRateAppliesAfterTheAnswer) {
     EXPECT_EQ(board.Baud(), 9600);
     EXPECT_EQ(Send({2, 29}), Bytes{'*'});
     EXPECT_EQ(board.Baud(), 57600);
+}
+
+TEST_F(BoardTest, ARefusedRateFailsWithItsRepetitionsAndChangesNothing) {
+    board.faults.refuseRate = true;
+    Registers(15, 1);
+    EXPECT_EQ(Send({2, 2, 4}), (Bytes{'*', '*'}));
+    EXPECT_EQ(Send({2, 29}), Bytes{'#'});
+    for (int repetition = 1; repetition <= 4; ++repetition) {
+        EXPECT_EQ(Send({4, 15}), Bytes{'#'}) << repetition;
+    }
+    EXPECT_EQ(board.Baud(), 9600);
+    EXPECT_EQ(Send({4, 16}), Bytes{'*'});
+    EXPECT_EQ(Send({4, 15}), Bytes{'*'});
+}
+
+TEST_F(BoardTest, FirmwareRecordsAreInTheImageBeforeTheyAreAcknowledged) {
+    std::vector<std::string> steps;
+    board.log = [&](const std::string& line) { steps.push_back(line); };
+    board.onFirmware = [&] { steps.push_back(board.Firmware().HexText()); };
+    Registers(0x012345, 2);
+    EXPECT_EQ(Send({2, 30, 0xAA, 0xBB}), (Bytes{'*', '*'}));
+    EXPECT_THAT(
+        std::vector(steps.end() - 5, steps.end()),
+        testing::ElementsAre("host  02 1e function 30 firmware record, address 74565 length 2",
+                             "board 2a ", "host  aa bb payload for firmware record",
+                             ":020000021000EC\n:02234500AABB31\n:00000001FF\n", "board 2a "));
+    EXPECT_EQ(board.Memory(0x2345), 0);
 }
 
 TEST_F(BoardTest, SamplesAreAddressedByDistanceFromTheTrigger) {

@@ -8,6 +8,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <iterator>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <thread>
@@ -19,9 +20,12 @@ namespace busquill::test {
 
 BoardProcess::BoardProcess(std::vector<std::string> options) {
     static int number = 0;
-    logPath_ = "/tmp/busquill-board-" + std::to_string(::getpid()) + "-" +
-               std::to_string(number++) + ".log";
-    options.insert(options.begin(), {BoardSimulator(), "--log", logPath_});
+    const std::string name =
+        "/tmp/busquill-board-" + std::to_string(::getpid()) + "-" + std::to_string(number++);
+    logPath_ = name + ".log";
+    flashPath_ = name + ".hex";
+    options.insert(options.begin(),
+                   {BoardSimulator(), "--log", logPath_, "--flash", flashPath_, "--link", name});
     std::vector<char*> arguments;
     for (std::string& option : options) {
         arguments.push_back(option.data());
@@ -44,9 +48,11 @@ BoardProcess::BoardProcess(std::vector<std::string> options) {
     ::close(in[0]);
     ::close(out[1]);
     commands_ = in[1];
-    for (char c = 0; process_ > 0 && ::read(out[0], &c, 1) == 1 && c != '\n';) {
-        terminal_ += c;
+    char byte = 0;
+    while (process_ > 0 && ::read(out[0], &byte, 1) == 1 && byte != '\n') {
     }
+    // It prints a line once the terminal can be opened.
+    terminal_ = byte == '\n' ? name : "";
     ::close(out[0]);
 }
 
@@ -57,6 +63,7 @@ BoardProcess::~BoardProcess() {
     }
     ::close(commands_);
     ::unlink(logPath_.c_str());
+    ::unlink(flashPath_.c_str());
 }
 
 void BoardProcess::Fault(const std::string& words) {
@@ -91,6 +98,11 @@ std::vector<std::string> BoardProcess::Functions() const {
         }
     }
     return functions;
+}
+
+std::string BoardProcess::Firmware() const {
+    std::ifstream file(flashPath_);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 } // namespace busquill::test

@@ -150,6 +150,13 @@ Board::Bytes Board::Frame(std::uint8_t opcode, std::uint8_t parameter) {
         break;
     }
     log("host  " + Hex({opcode, parameter}) + Describe(opcode, parameter));
+    // The host starts a refused command again. If the first frame were then acknowledged, that
+    // would be progress, and the host would never give up.
+    rateRefused_ =
+        rateRefused_ && faults.refuseRate && opcode == opAddress0 && parameter == regBaudCode;
+    if (rateRefused_) {
+        return AnswerWith(wrongByte);
+    }
     if (opcode == opFunction) {
         if (faults.mute == parameter) {
             return {};
@@ -192,12 +199,8 @@ Board::Bytes Board::Run(std::uint8_t function) {
             payload_.clear();
         }
         return Acknowledge();
-    case fnApplyBaud: {
-        const std::uint8_t code = memory_[regBaudCode];
-        Bytes reply = Acknowledge();
-        baud_ = baudRates[code < baudRates.size() ? code : 0];
-        return reply;
-    }
+    case fnApplyBaud:
+        return ApplyBaud();
     default:
         // Functions that the board does not know get no answer.
         return FunctionName(function).empty() ? Bytes() : Acknowledge();
@@ -216,19 +219,35 @@ Board::Bytes Board::TakePayload() {
             target_[at] = payload_[i];
         }
     }
+    if (function == fnFirmwareRecord) {
+        firmware_.Write(address_, payload_);
+        onFirmware();
+    }
+    return Acknowledge();
+}
+
+Board::Bytes Board::ApplyBaud() {
+    if (faults.refuseRate) {
+        rateRefused_ = true;
+        return AnswerWith(wrongByte);
+    }
+    const std::uint8_t code = memory_[regBaudCode];
+    baud_ = baudRates[code < baudRates.size() ? code : 0];
     return Acknowledge();
 }
 
 Board::Bytes Board::Acknowledge() {
-    std::uint8_t byte = acknowledge;
     const bool refused = faults.refuse == 1;
     faults.refuse -= faults.refuse > 1 ? 1 : 0;
     const bool wrong = (faults.wrongAcknowledge > 0 && --faults.wrongAcknowledge == 0) || refused;
     const bool dropped = faults.dropAcknowledge > 0 && --faults.dropAcknowledge == 0;
-    if (faults.silence || dropped) {
+    return dropped ? Bytes() : AnswerWith(wrong ? wrongByte : acknowledge);
+}
+
+Board::Bytes Board::AnswerWith(std::uint8_t byte) const {
+    if (faults.silence) {
         return {};
     }
-    byte = wrong ? wrongByte : byte;
     log("board " + Hex({byte}));
     return {byte};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "firmware_image.h"
 #include "sequencer.h"
 #include "traffic.h"
 #include "wire.h"
@@ -35,6 +36,7 @@ struct Faults {
     int shortReply = 0;       // number of bytes that the next data reply lacks at its end
     int mute = 0;             // this function gets no answer any more
     int searchBusy = 0;       // number of polls of a search that find it busy
+    bool refuseRate = false;  // a change of rate is answered with another byte and not made
 };
 
 /// The board's side of the wire, byte by byte, without a line.
@@ -52,6 +54,8 @@ public:
     /// it.
     [[nodiscard]] int Baud() const noexcept { return baud_; }
     [[nodiscard]] std::uint8_t Memory(std::uint32_t address) const { return memory_[address]; }
+    /// The firmware that has been downloaded to it.
+    [[nodiscard]] const FirmwareImage& Firmware() const noexcept { return firmware_; }
     /// Whether an active run needs samples of the bus, and how many.
     [[nodiscard]] bool Sampling() const noexcept { return sequencer_.WantsSamples(); }
     void SampleBus(std::size_t count);
@@ -61,6 +65,8 @@ public:
     Faults faults;
     /// Called with a line for each frame, payload and reply.
     std::function<void(const std::string&)> log = [](const std::string&) {};
+    /// Called when a firmware record is in the image, before it is acknowledged.
+    std::function<void()> onFirmware = [] {};
 
 private:
     using Bytes = std::vector<std::uint8_t>;
@@ -68,7 +74,9 @@ private:
     Bytes Frame(std::uint8_t opcode, std::uint8_t parameter);
     Bytes Run(std::uint8_t function);
     Bytes TakePayload();
+    Bytes ApplyBaud();
     Bytes Acknowledge();
+    Bytes AnswerWith(std::uint8_t byte) const;
     Bytes DataReply(const Bytes& data);
     void StartTrace();
     void Search();
@@ -79,6 +87,7 @@ private:
 
     std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
     std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
+    FirmwareImage firmware_;
     Sequencer sequencer_;
     std::unique_ptr<Traffic> traffic_;
     std::size_t bufferSamples_;
@@ -86,6 +95,7 @@ private:
     int baud_;
     std::uint32_t address_ = 0;
     std::uint32_t length_ = 0;
+    bool rateRefused_ = false;                    // by the last answer
     std::uint8_t searchState_ = 0;                // as the host reads it at the end
     std::optional<std::uint8_t> opcode_;          // first byte of a frame
     std::optional<std::uint8_t> payloadFunction_; // the function whose payload is expected

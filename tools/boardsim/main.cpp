@@ -24,12 +24,14 @@ constexpr auto usage =
     "usage: boardsim [--model NAME] [--suffix N] [--buffer K] [--serial N] [--firmware TENTHS]\n"
     "                [--hardware TENTHS] [--bus-byte N] [--mhz N] [--baud N] [--family NAME]\n"
     "                [--seed N] [--samples N] [--rate N] [--link PATH] [--log FILE]\n"
-    "                [--fault \"WORDS\"]\n"
+    "                [--flash FILE] [--refuse-rate] [--fault \"WORDS\"]\n"
     "       boardsim record --family NAME [--seed N] [--samples N] [--trigger N] [--zoom]\n"
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
+    "--flash keeps FILE equal to the downloaded firmware, as an Intel hex file.\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
-    "short-reply N, refuse N, mute N, search-busy N, delay MS, half-frame, go-away, normal.\n";
+    "short-reply N, refuse N, refuse-rate, mute N, search-busy N, delay MS, half-frame, normal;\n"
+    "go-away pulls the cable, come-back plugs it in again.\n";
 
 volatile std::sig_atomic_t stopped = 0;
 
@@ -39,7 +41,7 @@ public:
     Options(int argc, char** argv, int first) {
         for (int i = first; i < argc; ++i) {
             const std::string key = argv[i];
-            const bool lone = key == "--zoom";
+            const bool lone = key == "--zoom" || key == "--refuse-rate";
             if (!key.starts_with("-") || (!lone && i + 1 == argc)) {
                 good_ = false;
                 return;
@@ -114,41 +116,78 @@ int RecordFile(const Options& options) {
 class Bench {
 public:
     Bench(const Options& options, Board& board)
-        : board_(board), rate_(options.Number("--rate", 0)) {
+        : board_(board), rate_(options.Number("--rate", 0)), link_(options.Text("--link", "")),
+          flash_(options.Text("--flash", "")) {
         const std::string log = options.Text("--log", "");
         if (!log.empty()) {
             log_.open(log, std::ios::binary);
         }
         board_.log = [this](const std::string& line) { Log(line); };
+        board_.onFirmware = [this] { static_cast<void>(WriteFirmware()); };
+        board_.faults.refuseRate = options.Number("--refuse-rate", 0) != 0;
         std::stringstream faults(options.Text("--fault", ""));
         for (std::string words; std::getline(faults, words, ',');) {
             Command(words);
         }
     }
 
-    int Run(const std::string& link) {
-        if (!line_.IsOpen()) {
-            std::cerr << "boardsim: no pseudo terminal\n";
+    int Run() {
+        if (!WriteFirmware() || !PlugIn()) {
             return 1;
         }
-        if (!link.empty()) {
-            ::unlink(link.c_str());
-            if (::symlink(line_.Path().c_str(), link.c_str()) != 0) {
-                std::cerr << "boardsim: cannot make " << link << "\n";
-                return 1;
-            }
-        }
-        std::cout << line_.Path() << std::endl;
         while (stopped == 0) {
             Serve();
         }
-        if (!link.empty()) {
-            ::unlink(link.c_str());
-        }
+        Unplug();
         return 0;
     }
 
 private:
+    /// Makes the line and the link to it, and prints its path.
+    bool PlugIn() {
+        if (line_.IsOpen()) {
+            return true;
+        }
+        line_.Open();
+        if (!line_.IsOpen()) {
+            std::cerr << "boardsim: no pseudo terminal\n";
+            return false;
+        }
+        if (!link_.empty()) {
+            ::unlink(link_.c_str());
+            if (::symlink(line_.Path().c_str(), link_.c_str()) != 0) {
+                std::cerr << "boardsim: cannot make " << link_ << "\n";
+                return false;
+            }
+        }
+        std::cout << line_.Path() << std::endl;
+        return true;
+    }
+
+    /// Takes the line away from the host. The board itself stays powered.
+    void Unplug() {
+        if (line_.IsOpen() && !link_.empty()) {
+            ::unlink(link_.c_str());
+        }
+        line_.Close();
+    }
+
+    /// Replaces the file of the firmware, so that a reader finds it complete at any time.
+    bool WriteFirmware() {
+        if (flash_.empty()) {
+            return true;
+        }
+        const std::string unfinished = flash_ + ".part";
+        std::ofstream file(unfinished, std::ios::binary);
+        file << board_.Firmware().HexText();
+        file.close();
+        if (!file || std::rename(unfinished.c_str(), flash_.c_str()) != 0) {
+            std::cerr << "boardsim: cannot write " << flash_ << "\n";
+            return false;
+        }
+        return true;
+    }
+
     void Serve() {
         pollfd wanted[] = {{line_.Handle(), POLLIN, 0}, {commands_ ? STDIN_FILENO : -1, POLLIN, 0}};
         const bool sampling = board_.Sampling();
@@ -231,6 +270,8 @@ private:
             board_.faults.wrongClose = true;
         } else if (word == "short-reply") {
             board_.faults.shortReply = number;
+        } else if (word == "refuse-rate") {
+            board_.faults.refuseRate = true;
         } else if (word == "mute") {
             board_.faults.mute = number;
         } else if (word == "search-busy") {
@@ -240,7 +281,9 @@ private:
         } else if (word == "half-frame") {
             board_.StandInFrame();
         } else if (word == "go-away") {
-            line_.Close();
+            Unplug();
+        } else if (word == "come-back") {
+            static_cast<void>(PlugIn());
         } else if (word == "normal") {
             board_.faults = {};
             delay_ = {};
@@ -264,6 +307,8 @@ private:
     double owedSamples_ = 0;
     std::chrono::steady_clock::time_point sampledUpTo_ = std::chrono::steady_clock::now();
     PseudoTerminal line_;
+    const std::string link_;  // a name for the line that stays the same; may be empty
+    const std::string flash_; // the file of the firmware; may be empty
     std::ofstream log_;
     std::string typed_;
     bool commands_ = true;
@@ -308,7 +353,7 @@ int Simulate(const Options& options) {
     auto zoom = MakeZoom(records, trigger);
     Board board(identity, static_cast<int>(options.Number("--baud", 57600)), std::move(records),
                 trigger, std::move(zoom), MakeTraffic(*family, seed), Comparators(*family));
-    return Bench(options, board).Run(options.Text("--link", ""));
+    return Bench(options, board).Run();
 }
 
 } // namespace

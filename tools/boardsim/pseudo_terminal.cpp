@@ -10,7 +10,7 @@
 
 namespace boardsim {
 
-PseudoTerminal::PseudoTerminal() {
+void PseudoTerminal::Open() {
     board_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
     char path[128];
     if (board_ < 0 || ::grantpt(board_) != 0 || ::unlockpt(board_) != 0 ||

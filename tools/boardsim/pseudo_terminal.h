@@ -9,7 +9,7 @@ namespace boardsim {
 /// The board's end of a pseudo terminal. Hosts may come and go at the other end.
 class PseudoTerminal {
 public:
-    PseudoTerminal();
+    PseudoTerminal() = default;
     ~PseudoTerminal() { Close(); }
     PseudoTerminal(const PseudoTerminal&) = delete;
     PseudoTerminal& operator=(const PseudoTerminal&) = delete;
@@ -21,6 +21,9 @@ public:
     [[nodiscard]] int Rate() const;
     [[nodiscard]] int Handle() const noexcept { return board_; }
     void Write(std::span<const std::uint8_t> bytes);
+    /// Gets a pseudo terminal; not while one is open. Its path differs from time to time.
+    void Open();
+    /// Hangs up on a host.
     void Close();
 
 private:
