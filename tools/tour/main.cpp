@@ -190,6 +190,9 @@ void Walk(Tour& tour, Program& program) {
     tour.Picture(frame, "main-window");
     tour.Choose(frame, "Utilities/Board Info", "board-info");
     tour.Choose(frame, "Utilities/Bus Configuration", "bus-configuration");
+    tour.Choose(frame, "Utilities/Board Setup", "board-setup");
+    tour.Choose(frame, "Utilities/Download Firmware", "download-firmware");
+    tour.Choose(frame, "Utilities/Serial Test", "serial-test");
     if (!program.Link().IsDemoMode()) {
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));

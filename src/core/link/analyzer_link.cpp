@@ -98,7 +98,6 @@ bool CAnalyzerLink::Open(const PortSetting& port) {
     board_.ForgetBoard();
     conditions_.actualBaud = 0;
     queue_->Clear(statusBlock_);
-    queue_->Clear(liveBlock_);
     queue_->Clear(busBlock_);
 
     switch (port.kind) {
@@ -112,7 +111,9 @@ bool CAnalyzerLink::Open(const PortSetting& port) {
         break;
     }
 
+    // The live status is kept until the port is open again: a capture that runs meanwhile goes on.
     if (queue_->Port() == nullptr) {
+        queue_->Clear(liveBlock_);
         queue_->FailAll();
     } else {
         queue_->RestartHead();
@@ -224,7 +225,7 @@ void CAnalyzerLink::OnLinkOperationDone(std::int32_t result) {
     if (result == LinkOk) {
         if (phase == PhaseIdentify) {
             board_.SetIdentity(queue_->CopyOf(statusBlock_));
-        } else if (phase == PhaseLiveStatus) {
+        } else if (phase == PhaseLiveStatus && !board_.IsDemoMode()) {
             board_.SetLive(ParseLiveStatus(queue_->CopyOf(liveBlock_)));
         } else if (phase == PhaseReadBus) {
             board_.SetBus(queue_->CopyOf(busBlock_));

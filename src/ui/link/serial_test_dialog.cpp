@@ -35,7 +35,7 @@ CSerialTestDialog::CSerialTestDialog(QWidget* parent, CAnalyzerLink& link,
         field->setFont(courier);
     }
     bytes_->setMaxLength(mostCharacters);
-    bytes_->setPlaceholderText("2a 00");
+    bytes_->setPlaceholderText("0a 00");
     bytes_->setToolTip("Hexadecimal bytes, separated by blanks");
     history_->setObjectName("History");
     read_->setObjectName("Read");
