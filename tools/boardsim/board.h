@@ -1,5 +1,6 @@
 #pragma once
 
+#include "performance.h"
 #include "sequencer.h"
 #include "traffic.h"
 #include "wire.h"
@@ -40,10 +41,10 @@ struct Faults {
 /// The board's side of the wire, byte by byte, without a line.
 class Board {
 public:
-    /// A board whose memory holds samples; a run samples the traffic.
+    /// A board whose memory holds samples; a run samples the traffic, and so does counting.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
           std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr,
-          Comparators comparators = {});
+          Comparators comparators = {}, Performance performance = {});
 
     /// Takes one byte from the host and returns the board's answer.
     [[nodiscard]] std::vector<std::uint8_t> Receive(std::uint8_t byte);
@@ -72,6 +73,7 @@ private:
     Bytes DataReply(const Bytes& data);
     void StartTrace();
     void Search();
+    void UpdateCounters();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
@@ -80,6 +82,7 @@ private:
     std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
     std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
     Sequencer sequencer_;
+    Performance performance_;
     std::unique_ptr<Traffic> traffic_;
     std::size_t bufferSamples_;
     bool hasZoom_;
