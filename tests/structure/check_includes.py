@@ -22,6 +22,7 @@ UI = {
     "tracesetup": {"framework", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
+    "performance": {"framework"},
     "trace": {"framework", "tracesetup", "capture", "display"},
     "shell": {"framework", "link", "signals", "trace"},
 }
