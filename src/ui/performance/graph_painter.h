@@ -50,7 +50,7 @@ struct ValueRange {
     std::uint32_t color = 0;
     std::int32_t minimum = 0;
     std::int32_t maximum = 0;
-    std::optional<std::int32_t> average;
+    std::optional<std::int32_t> average = std::nullopt;
 };
 
 /// Draws the whole graph of ranges, with a letter for each item.
