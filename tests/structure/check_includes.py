@@ -22,7 +22,7 @@ UI = {
     "tracesetup": {"framework", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
-    "performance": {"framework"},
+    "performance": {"framework", "controls", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
     "shell": {"framework", "link", "signals", "trace"},
 }

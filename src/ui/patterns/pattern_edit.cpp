@@ -12,7 +12,7 @@ namespace busquill {
 
 CPatternEdit::CPatternEdit(QWidget* parent) : QLineEdit(parent) {
     setReadOnly(true);
-    Refresh();
+    setText(CPatternEdit::Shown());
 }
 
 void CPatternEdit::SetWidth(unsigned bits) {
@@ -35,8 +35,12 @@ void CPatternEdit::SetValue(std::uint64_t value) {
     Refresh();
 }
 
+QString CPatternEdit::Shown() const {
+    return QString::fromStdString(FormatValue(bytes_, width_, Radix::Hex, {}, false));
+}
+
 void CPatternEdit::Refresh() {
-    setText(QString::fromStdString(FormatValue(bytes_, width_, Radix::Hex, {}, false)));
+    setText(Shown());
 }
 
 void CPatternEdit::mousePressEvent(QMouseEvent* event) {

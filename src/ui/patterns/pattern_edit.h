@@ -9,7 +9,7 @@ namespace busquill {
 
 /// A value of up to 64 known bits, shown in hex. Pressing the left button opens the dialog that
 /// changes it.
-class CPatternEdit final : public QLineEdit {
+class CPatternEdit : public QLineEdit {
     Q_OBJECT
 public:
     explicit CPatternEdit(QWidget* parent = nullptr);
@@ -24,9 +24,11 @@ protected:
     /// Ignored: the first press has already opened the dialog.
     void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
 
-private:
+    /// What the field shows of its value.
+    [[nodiscard]] virtual QString Shown() const;
     void Refresh();
 
+private:
     std::array<std::uint8_t, 8> bytes_{}; // little-endian
     unsigned width_ = 64;
 };

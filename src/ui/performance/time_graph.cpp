@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <limits>
 
 namespace busquill {
@@ -50,15 +51,17 @@ void CTimeGraph::Tick() {
 }
 
 void CTimeGraph::Scroll(int action) {
-    const auto page = [this](bool forward) {
-        forward ? page_.ScrollForward(results_) : page_.ScrollBack(results_);
-    };
+    const auto page = [this](bool forward) { Turn(forward); };
     if (ApplyScrollAction(
             *bar_, action, page, page, [this](int position) { page_.ScrollTo(position, results_); },
             [this] { return PositionOf(page_.FirstShown()); })) {
         UpdateBar();
     }
     Render();
+}
+
+void CTimeGraph::Turn(bool forward) {
+    forward ? page_.ScrollForward(results_) : page_.ScrollBack(results_);
 }
 
 void CTimeGraph::UpdateBar() {
@@ -83,6 +86,18 @@ void CTimeGraph::Draw(QPainter& painter) {
 void CTimeGraph::resizeEvent(QResizeEvent* event) {
     PerformanceGraph::resizeEvent(event);
     bar_->setGeometry(Geometry().ScrollBarRect());
+}
+
+void CTimeGraph::wheelEvent(QWheelEvent* event) {
+    const int notches = wheel_.Take(*event).notches;
+    for (int i = 0; i < std::abs(notches); ++i) {
+        Turn(notches > 0);
+    }
+    if (notches != 0) {
+        UpdateBar();
+        Render();
+    }
+    event->accept();
 }
 
 } // namespace busquill

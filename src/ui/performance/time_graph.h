@@ -2,6 +2,7 @@
 
 #include "performance/result_store.h"
 #include "performance/time_page.h"
+#include "ui/framework/wheel_turns.h"
 #include "ui/framework/window_timer.h"
 #include "ui/performance/performance_graph.h"
 
@@ -26,15 +27,18 @@ signals:
 protected:
     void Draw(QPainter& painter) override;
     void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     void Tick();
     void Scroll(int action);
+    void Turn(bool forward);
     void UpdateBar();
 
     const ResultStore& results_;
     TimePage page_;
     QScrollBar* bar_;
+    WheelTurns wheel_;
     WindowTimer timer_;
 };
 

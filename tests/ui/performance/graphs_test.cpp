@@ -126,6 +126,17 @@ TEST_F(TimeGraph, ScrollsByPagesAndByTheThumb) {
     EXPECT_EQ(graph.Page().FirstShown(), 0);
 }
 
+TEST_F(TimeGraph, TheWheelTurnsPages) {
+    Add(100, 40);
+    Tick();
+    TurnWheel(graph, {0, 240});
+    EXPECT_EQ(graph.Page().FirstShown(), 30);
+    EXPECT_EQ(Bar().value(), 30);
+    TurnWheel(graph, {0, -120});
+    EXPECT_EQ(graph.Page().FirstShown(), 60);
+    EXPECT_TRUE(Shows(29, 40));
+}
+
 TEST_F(TimeGraph, WithoutResultsTheBarStaysAtTheBeginning) {
     Tick();
     ClickArrow(Bar(), true);
