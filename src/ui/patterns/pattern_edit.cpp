@@ -4,6 +4,7 @@
 #include "signals/value_text.h"
 #include "ui/patterns/value_dialog.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -48,6 +49,18 @@ void CPatternEdit::mousePressEvent(QMouseEvent* event) {
         QLineEdit::mousePressEvent(event);
         return;
     }
+    Edit();
+}
+
+void CPatternEdit::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Space) {
+        QLineEdit::keyPressEvent(event);
+        return;
+    }
+    Edit();
+}
+
+void CPatternEdit::Edit() {
     const std::size_t count = BytesFor(width_);
     if (CValueDlg(this, std::span(bytes_).first(count), {}, width_, Radix::Hex).exec() ==
         QDialog::Accepted) {

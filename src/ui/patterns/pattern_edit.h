@@ -7,7 +7,7 @@
 
 namespace busquill {
 
-/// A value of up to 64 known bits, shown in hex. Pressing the left button opens the dialog that
+/// A value of up to 64 known bits, shown in hex. The left button or Space opens the dialog that
 /// changes it.
 class CPatternEdit : public QLineEdit {
     Q_OBJECT
@@ -21,6 +21,7 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     /// Ignored: the first press has already opened the dialog.
     void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
 
@@ -29,6 +30,8 @@ protected:
     void Refresh();
 
 private:
+    void Edit();
+
     std::array<std::uint8_t, 8> bytes_{}; // little-endian
     unsigned width_ = 64;
 };

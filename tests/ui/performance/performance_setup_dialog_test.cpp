@@ -179,6 +179,19 @@ TEST_F(PerformanceSetupDialog, AnAddressIsEditedInTheValueDialog) {
               (std::array<std::uint8_t, 8>{0x00, 0x00, 0xBF, 0xFE, 0, 0, 0, 0}));
 }
 
+TEST_F(PerformanceSetupDialog, AnAddressIsReachedByKeys) {
+    setup.items[0].item = 1;
+    Open();
+    auto& address = Field<QLineEdit>("High Address A");
+    address.setFocus();
+    AnswerDialog<CValueDlg>([&] { QTest::keyClick(&address, Qt::Key_Space); },
+                            [](CValueDlg& value) {
+                                QTest::keyClicks(value.findChild<CBitEditWnd*>(), "0");
+                                Press(value, "Cancel");
+                            });
+    EXPECT_EQ(address.text(), "ffffffffffffffff") << "cancelled";
+}
+
 TEST_F(PerformanceSetupDialog, WithoutAnItemThereIsNoAddress) {
     setup.items[0].item = 1;
     Open();
