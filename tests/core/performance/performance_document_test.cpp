@@ -262,7 +262,7 @@ TEST_F(PerformanceDocumentTest, CountsThatCannotBeDoNoHarm) {
                      "\"UpdateInterval\",-3\r\n\"Results\"\r\n0,1,2,3,4,5,6,7,8\r\n"));
     EXPECT_EQ(document.Results().Where().next, 0);
     EXPECT_EQ(document.Setup().updateInterval, -3);
-    EXPECT_LT(std::ranges::count(Saved(), '\n'), 1'280'100) << "saving ends";
+    EXPECT_EQ(document.Results().Count(), 1'280'000) << "saving writes a row for each";
     EXPECT_EQ(document.GetResult(0, 0), 0);
 }
 
