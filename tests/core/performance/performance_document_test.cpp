@@ -226,12 +226,14 @@ TEST_F(PerformanceDocumentTest, ACycleThatTheFamilyLacksIsLost) {
     document.Setup().items[0].cycle = 4; // I/O
     document.Setup().items[1].cycle = 2; // Mem Rd
     document.Setup().items[2].cycle = 23;
+    document.Setup().items[3].cycle = 99; // written as an empty text
     static_cast<void>(Saved());
     model = "VMEKite";
     ASSERT_TRUE(document.OnOpenDocument(dir.File("out.per")));
     EXPECT_EQ(Row(0).cycle, 0);
     EXPECT_EQ(Row(1).cycle, 2);
     EXPECT_EQ(Row(2).cycle, 23);
+    EXPECT_EQ(Row(3).cycle, 0) << "gaps of the list have empty texts";
     model = "VSBKite";
     ASSERT_TRUE(document.OnOpenDocument(dir.File("out.per")));
     EXPECT_EQ(Row(0).cycle, 4);
