@@ -11,7 +11,7 @@ import re
 import sys
 from pathlib import Path
 
-CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export"]
+CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export", "performance"]
 # Each room of the windows with the rooms that it may include; all may include the core.
 UI = {
     "framework": set(),
@@ -22,6 +22,7 @@ UI = {
     "tracesetup": {"framework", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
+    "performance": {"framework", "controls", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
     "shell": {"framework", "link", "signals", "trace"},
 }

@@ -65,20 +65,24 @@ public:
             recording_.lines.push_back({line, pen_.color()});
         }
     }
-    void drawPolygon(const QPointF* points, int count, PolygonDrawMode /*mode*/) override {
+    void drawPolygon(const QPointF* points, int count, PolygonDrawMode mode) override {
         QPolygonF polygon;
         for (const QPointF& point : std::span(points, static_cast<std::size_t>(count))) {
             polygon << point;
         }
-        recording_.polygons.push_back({polygon.toPolygon(), brush_.color()});
+        AddPolygon(polygon.toPolygon(), mode);
     }
-    void drawPolygon(const QPoint* points, int count, PolygonDrawMode /*mode*/) override {
+    void drawPolygon(const QPoint* points, int count, PolygonDrawMode mode) override {
         QPolygon polygon;
         for (const QPoint& point : std::span(points, static_cast<std::size_t>(count))) {
             polygon << point;
         }
-        recording_.polygons.push_back({polygon, brush_.color()});
+        AddPolygon(polygon, mode);
     }
+    void drawEllipse(const QRectF& rect) override {
+        recording_.ellipses.push_back({rect, pen_, brush_});
+    }
+    void drawEllipse(const QRect& rect) override { drawEllipse(QRectF(rect)); }
     void drawTextItem(const QPointF& at, const QTextItem& item) override {
         const int ascent = static_cast<int>(std::lround(item.ascent()));
         const int descent = static_cast<int>(std::lround(item.descent()));
@@ -94,6 +98,13 @@ public:
     }
 
 private:
+    void AddPolygon(const QPolygon& points, PolygonDrawMode mode) {
+        if (mode == PolylineMode) {
+            recording_.polylines.push_back({points, pen_});
+        } else {
+            recording_.polygons.push_back({points, brush_.color()});
+        }
+    }
     void Clip(const QRegion& region, Qt::ClipOperation operation) {
         clipping_ = operation != Qt::NoClip;
         clip_ = operation == Qt::IntersectClip ? clip_.intersected(region) : region;
@@ -150,7 +161,8 @@ int RecordingPaintDevice::metric(PaintDeviceMetric metric) const {
 }
 
 std::size_t Recording::Calls() const noexcept {
-    return fills.size() + texts.size() + lines.size() + polygons.size();
+    return fills.size() + texts.size() + lines.size() + polygons.size() + polylines.size() +
+           ellipses.size();
 }
 
 int Recording::FillsOf(const QColor& color) const {

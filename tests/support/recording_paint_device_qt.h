@@ -1,8 +1,10 @@
 #pragma once
 
+#include <QBrush>
 #include <QColor>
 #include <QPaintDevice>
 #include <QPaintEngine>
+#include <QPen>
 #include <QPolygon>
 #include <QRect>
 #include <QString>
@@ -35,12 +37,23 @@ struct Recording {
         QPolygon points;
         QColor color;
     };
+    struct Polyline {
+        QPolygon points;
+        QPen pen;
+    };
+    struct Ellipse {
+        QRectF rect;
+        QPen pen;
+        QBrush brush;
+    };
 
     QRect bounds;
     std::vector<Fill> fills;
     std::vector<Text> texts;
     std::vector<Line> lines;
     std::vector<Polygon> polygons;
+    std::vector<Polyline> polylines;
+    std::vector<Ellipse> ellipses;
 
     /// Everything that was drawn.
     [[nodiscard]] std::size_t Calls() const noexcept;

@@ -94,10 +94,12 @@ std::string_view FunctionName(std::uint8_t function) {
 }
 
 Board::Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
-             std::vector<Record> zoom, std::unique_ptr<Traffic> traffic, Comparators comparators)
+             std::vector<Record> zoom, std::unique_ptr<Traffic> traffic, Comparators comparators,
+             Performance performance)
     : sequencer_(std::move(samples), trigger, std::move(zoom), std::move(comparators)),
-      traffic_(std::move(traffic)), bufferSamples_(std::size_t{identity.bufferK} * 1024),
-      hasZoom_(HasZoom(identity.model)), baud_(baud) {
+      performance_(std::move(performance)), traffic_(std::move(traffic)),
+      bufferSamples_(std::size_t{identity.bufferK} * 1024), hasZoom_(HasZoom(identity.model)),
+      baud_(baud) {
     for (std::size_t i = 0; i < nameLength; ++i) {
         memory_[i] = i < identity.model.size() ? static_cast<std::uint8_t>(identity.model[i]) : ' ';
     }
@@ -190,6 +192,12 @@ Board::Bytes Board::Run(std::uint8_t function) {
         return Acknowledge();
     case fnStartSearch:
         Search();
+        return Acknowledge();
+    case fnStartPerformance:
+        performance_.Start(std::span(memory_).subspan(regPerformance, performanceSetupBytes));
+        return Acknowledge();
+    case fnStopPerformance:
+        performance_.Stop();
         return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
@@ -311,14 +319,33 @@ void Board::Search() {
 }
 
 void Board::SampleBus(std::size_t count) {
-    for (std::size_t i = 0; i < count && traffic_ != nullptr && sequencer_.WantsSamples(); ++i) {
-        sequencer_.Feed(traffic_->Next());
+    const auto wanted = [this] { return sequencer_.WantsSamples() || performance_.IsRunning(); };
+    for (std::size_t i = 0; i < count && traffic_ != nullptr && wanted(); ++i) {
+        const Record record = traffic_->Next();
+        sequencer_.Feed(record);
+        performance_.Feed(record);
+    }
+}
+
+/// The board has no time of its own: between two readings of the counters the bus makes this many
+/// samples.
+void Board::UpdateCounters() {
+    constexpr std::size_t samplesOfAReading = 2048;
+    SampleBus(samplesOfAReading);
+    std::uint8_t* at = &memory_[regCounters];
+    for (const std::uint32_t value : performance_.Take()) {
+        for (unsigned byte = 0; byte < 4; ++byte) {
+            *at++ = static_cast<std::uint8_t>(value >> (8 * byte));
+        }
     }
 }
 
 Board::Bytes Board::ReadMemory() {
     const auto live = sequencer_.LiveStatus();
     std::copy(live.begin(), live.end(), memory_.begin() + regLive);
+    if (address_ == regCounters && performance_.IsRunning()) {
+        UpdateCounters();
+    }
     Bytes bytes;
     for (std::uint32_t i = 0; i < length_; ++i) {
         bytes.push_back(memory_[(address_ + i) % memorySize]);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "firmware_image.h"
+#include "performance.h"
 #include "sequencer.h"
 #include "traffic.h"
 #include "wire.h"
@@ -42,10 +43,10 @@ struct Faults {
 /// The board's side of the wire, byte by byte, without a line.
 class Board {
 public:
-    /// A board whose memory holds samples; a run samples the traffic.
+    /// A board whose memory holds samples; a run samples the traffic, and so does counting.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
           std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr,
-          Comparators comparators = {});
+          Comparators comparators = {}, Performance performance = {});
 
     /// Takes one byte from the host and returns the board's answer.
     [[nodiscard]] std::vector<std::uint8_t> Receive(std::uint8_t byte);
@@ -80,6 +81,7 @@ private:
     Bytes DataReply(const Bytes& data);
     void StartTrace();
     void Search();
+    void UpdateCounters();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
@@ -89,6 +91,7 @@ private:
     std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
     FirmwareImage firmware_;
     Sequencer sequencer_;
+    Performance performance_;
     std::unique_ptr<Traffic> traffic_;
     std::size_t bufferSamples_;
     bool hasZoom_;

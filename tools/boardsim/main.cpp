@@ -352,7 +352,8 @@ int Simulate(const Options& options) {
     const auto trigger = static_cast<std::size_t>(count / 2);
     auto zoom = MakeZoom(records, trigger);
     Board board(identity, static_cast<int>(options.Number("--baud", 57600)), std::move(records),
-                trigger, std::move(zoom), MakeTraffic(*family, seed), Comparators(*family));
+                trigger, std::move(zoom), MakeTraffic(*family, seed), Comparators(*family),
+                Performance(*family));
     return Bench(options, board).Run();
 }
 

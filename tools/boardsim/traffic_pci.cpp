@@ -1,3 +1,4 @@
+#include "lines.h"
 #include "traffic.h"
 
 #include <bit>
@@ -6,43 +7,7 @@ namespace boardsim {
 
 namespace {
 
-// Bits of the record. Control lines are electrical levels: 0 is asserted.
-enum PciBit : int {
-    bitAd = 0,
-    bitCbe = 64,
-    bitFrame = 72,
-    bitTrdy = 73,
-    bitIrdy = 74,
-    bitStop = 75,
-    bitDevsel = 76,
-    bitIdsel = 77,
-    bitRst = 79,
-    bitReq = 82,
-    bitGnt = 83,
-    bitReq64 = 84,
-    bitAck64 = 85,
-    bitPar = 86,
-    bitPar64 = 87,
-    bitIntA = 88,
-    bitAttribute = 93, // PCI-X
-    bitAddress = 95,
-    bitExt = 96,
-    bitTms = 107,
-    bitClk = 109,
-};
-
-enum Command : unsigned {
-    cmdIntAck = 0x0,
-    cmdSpecial = 0x1,
-    cmdIoRead = 0x2,
-    cmdIoWrite = 0x3,
-    cmdMemRead = 0x6,
-    cmdMemWrite = 0x7,
-    cmdConfigRead = 0xA,
-    cmdConfigWrite = 0xB,
-    cmdMemReadLine = 0xE,
-    cmdSplitCompletion = 0xC,
-};
+using namespace pci;
 
 enum Rule : unsigned {
     ruleFrameWithoutReady = 2,

@@ -1,20 +1,11 @@
+#include "lines.h"
 #include "traffic.h"
 
 namespace boardsim {
 
 namespace {
 
-/// Where a tier of the family records its lines. Levels: 0 is asserted.
-struct VmeBits {
-    int am, bbsy, bclr, as, ds, dtack, berr, lword, write, sysreset, br, bg, irq, iack, iacki, ext;
-    int extWidth;
-};
-
-constexpr VmeBits plainBits = {64, 70, 71, 72, 73, 75, 76, 77, 78, 79, 80, 84, 88, 95, 108, 96, 8};
-constexpr VmeBits larkBits = {88, 69, 84, 96, 85, 71, 70, 98, 97, 64, 65, 80, 72, 79, 87, 100, 4};
-
-constexpr int bitAddress = 0;
-constexpr int bitData = 32;
+using namespace vme;
 
 enum Modifier : unsigned {
     amA16 = 0x29,

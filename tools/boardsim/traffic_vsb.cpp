@@ -1,30 +1,11 @@
+#include "lines.h"
 #include "traffic.h"
 
 namespace boardsim {
 
 namespace {
 
-// Address and data share the lower lines; levels: 0 is asserted.
-enum VsbBit : int {
-    bitAd = 0,
-    bitSpace = 64,
-    bitSize = 66,
-    bitWr = 68,
-    bitAc = 71,
-    bitPas = 72,
-    bitAsack = 73,
-    bitAck = 75,
-    bitErr = 76,
-    bitDs = 79,
-    bitBreq = 80,
-    bitBusy = 83,
-    bitGa = 84,
-    bitAddress = 95,
-    bitExt = 96,
-    bitExp = 136,
-};
-
-enum Space : unsigned { spaceAlternate = 1, spaceIo = 2, spaceSystem = 3 };
+using namespace vsb;
 
 class VsbTraffic final : public Traffic {
 public:

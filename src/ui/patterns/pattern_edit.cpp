@@ -4,6 +4,7 @@
 #include "signals/value_text.h"
 #include "ui/patterns/value_dialog.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace busquill {
 
 CPatternEdit::CPatternEdit(QWidget* parent) : QLineEdit(parent) {
     setReadOnly(true);
-    Refresh();
+    setText(CPatternEdit::Shown());
 }
 
 void CPatternEdit::SetWidth(unsigned bits) {
@@ -35,8 +36,12 @@ void CPatternEdit::SetValue(std::uint64_t value) {
     Refresh();
 }
 
+QString CPatternEdit::Shown() const {
+    return QString::fromStdString(FormatValue(bytes_, width_, Radix::Hex, {}, false));
+}
+
 void CPatternEdit::Refresh() {
-    setText(QString::fromStdString(FormatValue(bytes_, width_, Radix::Hex, {}, false)));
+    setText(Shown());
 }
 
 void CPatternEdit::mousePressEvent(QMouseEvent* event) {
@@ -44,6 +49,18 @@ void CPatternEdit::mousePressEvent(QMouseEvent* event) {
         QLineEdit::mousePressEvent(event);
         return;
     }
+    Edit();
+}
+
+void CPatternEdit::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Space) {
+        QLineEdit::keyPressEvent(event);
+        return;
+    }
+    Edit();
+}
+
+void CPatternEdit::Edit() {
     const std::size_t count = BytesFor(width_);
     if (CValueDlg(this, std::span(bytes_).first(count), {}, width_, Radix::Hex).exec() ==
         QDialog::Accepted) {

@@ -7,9 +7,9 @@
 
 namespace busquill {
 
-/// A value of up to 64 known bits, shown in hex. Pressing the left button opens the dialog that
+/// A value of up to 64 known bits, shown in hex. The left button or Space opens the dialog that
 /// changes it.
-class CPatternEdit final : public QLineEdit {
+class CPatternEdit : public QLineEdit {
     Q_OBJECT
 public:
     explicit CPatternEdit(QWidget* parent = nullptr);
@@ -21,11 +21,16 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     /// Ignored: the first press has already opened the dialog.
     void mouseDoubleClickEvent(QMouseEvent* /*event*/) override {}
 
-private:
+    /// What the field shows of its value.
+    [[nodiscard]] virtual QString Shown() const;
     void Refresh();
+
+private:
+    void Edit();
 
     std::array<std::uint8_t, 8> bytes_{}; // little-endian
     unsigned width_ = 64;
