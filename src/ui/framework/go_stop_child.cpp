@@ -24,35 +24,39 @@ QPixmap PictureOf(RunPicture picture) {
 
 CGoStopChild::CGoStopChild(CDocument& document, const QString& title, const QString& icon,
                            QSize size)
-    : CMDIChildWnd(document), status_(new QLabel) {
+    : CMDIChildWnd(document), bar_(new QHBoxLayout), status_(new QLabel) {
     setWindowTitle(title);
     setWindowIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
     resize(size);
     auto* bar = new QWidget;
-    auto* layout = new QHBoxLayout(bar);
-    layout->setContentsMargins(5, 3, 5, 3);
-    layout->setSpacing(3);
-    layout->addStretch(); // aligns the three at the right edge
-    layout->addWidget(status_);
-    layout->addWidget(AddButton(*bar, "Go", &CGoStopChild::go));
-    layout->addWidget(AddButton(*bar, "Stop", &CGoStopChild::stop));
+    bar->setLayout(bar_);
+    bar_->setContentsMargins(5, 3, 5, 3);
+    bar_->setSpacing(3);
+    bar_->addStretch(); // aligns the three at the right edge
+    bar_->addWidget(status_);
+    bar_->addWidget(&MakeBarButton("Go", "go", "Go", [this] { go(); }));
+    bar_->addWidget(&MakeBarButton("Stop", "stop", "Stop", [this] { stop(); }));
     status_->setObjectName("Run State");
     status_->setPixmap(PictureOf(picture_));
     SetBar(bar);
 }
 
-QToolButton* CGoStopChild::AddButton(QWidget& bar, const char* name,
-                                     std::function<void()> CGoStopChild::*act) {
-    auto* button = new QToolButton(&bar);
+void CGoStopChild::AddToBar(QWidget& widget) {
+    bar_->insertWidget(ownWidgets_++, &widget);
+}
+
+QToolButton& CGoStopChild::MakeBarButton(const QString& name, const QString& icon,
+                                         const QString& tip, std::function<void()> act) {
+    auto* button = new QToolButton;
     button->setObjectName(name);
-    button->setToolTip(name);
-    button->setIcon(QIcon(QString(":/icons/%1.svg").arg(QString(name).toLower())));
+    button->setToolTip(tip);
+    button->setIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
     button->setIconSize({iconSize, iconSize});
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);
-    connect(button, &QToolButton::clicked, this, [this, act] {
+    connect(button, &QToolButton::clicked, this, [this, act = std::move(act)] {
         const QPointer<CGoStopChild> self = this; // the window may be closed while a box is open
-        (this->*act)();
+        act();
         if (!self) {
             return;
         }
@@ -61,7 +65,7 @@ QToolButton* CGoStopChild::AddButton(QWidget& bar, const char* name,
             GetActiveView()->setFocus();
         }
     });
-    return button;
+    return *button;
 }
 
 void CGoStopChild::SetRunState(RunPicture picture) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 
+class QHBoxLayout;
 class QLabel;
 class QToolButton;
 
@@ -14,7 +15,7 @@ enum class RunPicture { Stopped = 0, Running = 1, Loaded = 2 };
 
 /// The window of a function that runs on the board. A bar above the view has Go, Stop and a picture
 /// of the run's state.
-class CGoStopChild final : public CMDIChildWnd {
+class CGoStopChild : public CMDIChildWnd {
     Q_OBJECT
 public:
     /// `icon` names a picture in the resources, without its extension.
@@ -28,10 +29,16 @@ public:
     void SetRunState(RunPicture picture);
     [[nodiscard]] RunPicture RunState() const noexcept { return picture_; }
 
-private:
-    QToolButton* AddButton(QWidget& bar, const char* name,
-                           std::function<void()> CGoStopChild::*act);
+protected:
+    /// Puts a widget at the left of the bar, after those that are there already.
+    void AddToBar(QWidget& widget);
+    /// A button for the bar; `icon` as above. After `act` the view has the focus again.
+    [[nodiscard]] QToolButton& MakeBarButton(const QString& name, const QString& icon,
+                                             const QString& tip, std::function<void()> act);
 
+private:
+    QHBoxLayout* bar_;
+    int ownWidgets_ = 0; // at the left of the bar
     QLabel* status_;
     RunPicture picture_ = RunPicture::Stopped;
 };

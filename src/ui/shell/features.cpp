@@ -1,6 +1,7 @@
 #include "ui/shell/features.h"
 
 #include "ui/link/board_feature.h"
+#include "ui/performance/performance_feature.h"
 #include "ui/trace/trace_feature.h"
 
 namespace busquill {
@@ -19,8 +20,7 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
     return {
         BoardFeature(parts),
         TraceFeature(parts),
-        Planned("\nPerformance\nPerformance\nPerformance (*.per)\n.per\nTessel.Performance\n"
-                "Tessel Performance"),
+        PerformanceFeature(parts),
         Planned("\nMaster\nMaster\nMaster (*.mst)\n.mst\nTessel.Master\nTessel Master"),
         Planned("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
         Planned("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
