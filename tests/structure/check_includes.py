@@ -24,7 +24,7 @@ UI = {
     "display": {"framework", "controls", "patterns", "capture"},
     "performance": {"framework", "controls", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
-    "shell": {"framework", "link", "signals", "trace"},
+    "shell": {"framework", "link", "performance", "signals", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

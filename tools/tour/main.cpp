@@ -4,6 +4,7 @@
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
 #include "ui/display/trace_view.h"
+#include "ui/framework/go_stop_child.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
 #include "ui/shell/command_line.h"
@@ -185,6 +186,23 @@ void Capture(Tour& tour, Program& program) {
     tour.Choose(frame, "File/Save", "save-trace");
 }
 
+/// A measurement of some seconds.
+void Measure(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Performance/Utilization", "message");
+    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for a measurement");
+        return;
+    }
+    tour.Click(*window->findChild<QToolButton*>("Setup"), "performance-setup");
+    window->findChild<QToolButton*>("Go")->click();
+    WaitFor([&] { return false; }, 5000);
+    tour.Picture(*window, "performance");
+    window->findChild<QToolButton*>("Stop")->click();
+    window->close();
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -193,6 +211,7 @@ void Walk(Tour& tour, Program& program) {
     tour.Choose(frame, "Utilities/Board Setup", "board-setup");
     tour.Choose(frame, "Utilities/Download Firmware", "download-firmware");
     tour.Choose(frame, "Utilities/Serial Test", "serial-test");
+    Measure(tour, program);
     if (!program.Link().IsDemoMode()) {
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));
