@@ -61,8 +61,8 @@ protected:
 
     /// Called before the first record of a file.
     virtual void BeginReading() {}
-    /// Called for each record, which begins with its key, except type and version. Derived classes
-    /// keep it aside: whether the file is of the right kind is known only at its end.
+    /// Called for each record, which begins with its key, except type and version. Whether the file
+    /// is of the right kind is known only at its end, so most derived classes keep it aside.
     virtual void TakeRecord(const std::vector<std::string>& fields, TextReader& file) = 0;
     /// Called after the last record if type and version are right: the records kept aside are taken
     /// over.

@@ -99,8 +99,9 @@ struct PerformanceSetup {
 
     /// Everything except the type becomes the default.
     void Clear();
-    /// Changes the type and presets the items for it. Types whose rows are one item for several
-    /// cycles leave the rest of the rows, and the others leave the cycles, as they are.
+    /// Changes the type and presets the items for it. Burst Distribution and Statistics preset item
+    /// and cycle of their first rows and leave the others as they are; any other type presets the
+    /// item of every row and leaves the cycles.
     void SetType(std::int32_t newType);
 
     friend bool operator==(const PerformanceSetup&, const PerformanceSetup&) = default;

@@ -42,7 +42,7 @@ public:
     void SetMaximum(std::int32_t maximum);
     /// All items are off and have no values. The scale stays.
     void Clear();
-    /// Clear, and each item is on that a row of the setup shows.
+    /// The same, and then the items that the setup uses are on.
     void Clear(const PerformanceSetup& setup);
     /// Does nothing for an item that does not exist.
     void Enable(std::size_t item);
@@ -71,7 +71,7 @@ void WriteValueDisplay(Settings& settings, ValueDisplay display);
 /// the main thread shows them.
 class RowStatistics {
 public:
-    /// No row has a value. Those that the setup turns on get values from now on.
+    /// No row has a value any more. The rows that the setup uses are on.
     void Clear(const PerformanceSetup& setup);
     void Add(const PerformanceResults& results);
     /// The number to show; nothing before the first value, and for a row that is off.

@@ -89,7 +89,8 @@ TEST_F(PerformanceSetupFileTest, TheFirstWordInALineDecides) {
 
 TEST_F(PerformanceSetupFileTest, SkipsRowsThatDoNotExistAndLinesWithoutAValue) {
     const PerformanceSetup setup =
-        LoadLines("Item8=1\nItem-1=1\nItem99999999999=1\nStyle7\nCycle\nColor\n\nother\n=\n");
+        LoadLines("Item8=1\nItem-1=1\nCycle-1=1\nColor-1=0x1\nStyle-1=1\nItem99999999999="
+                  "1\nStyle7\nCycle\nColor\n\nother\n=\n");
     PerformanceSetup fresh;
     fresh.setupName = "a";
     EXPECT_EQ(setup, fresh);
