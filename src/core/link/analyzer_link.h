@@ -32,8 +32,8 @@ class UsbBus;
 /// The connection to the board. Everything talks to the board by LinkRequests.
 ///
 /// Threads: the public functions are called on the main thread; Submit, Exchange, WaitIdle and the
-/// live status may be called on others too. Completions run on the link's thread; in Demo Mode and with
-/// no port, on the caller's, inside Submit.
+/// live status may be called on others too. Completions run on the link's thread; in Demo Mode and
+/// with no port, on the caller's, inside Submit.
 class CAnalyzerLink {
 public:
     /// Services that the link uses. All outlive the link.

@@ -232,9 +232,8 @@ TEST_F(Measurement, ClosingTheWindowStopsTheBoard) {
     Click("Go");
     ASSERT_TRUE(HasResults(3));
     Press(View(), "Close");
-    EXPECT_TRUE(RunUntil([&] {
-        return board->Functions().back().find("stop performance") != std::string::npos;
-    }));
+    EXPECT_TRUE(RunUntil(
+        [&] { return board->Functions().back().find("stop performance") != std::string::npos; }));
     EXPECT_TRUE(Windows().isEmpty());
     const auto functions = board->Functions().size();
     QTest::qWait(100);
