@@ -9,14 +9,18 @@ namespace busquill {
 
 std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& prompts) {
     const bool saves = question.use == FileUse::Save;
+    const bool mayBeNew = saves || question.use == FileUse::Name;
     const QString extension = QString::fromStdString(question.extension);
     QFileDialog dialog(parent, QString::fromStdString(question.title), QString(),
                        QString::fromStdString(question.filter));
     dialog.setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(saves ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    if (saves) {
-        // Only when saving: otherwise it would be appended to the name of the file to open.
+    dialog.setFileMode(mayBeNew ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    if (mayBeNew) {
+        // Only here: otherwise it would be appended to the name of the file to open.
         dialog.setDefaultSuffix(extension.mid(1));
+    }
+    if (question.use == FileUse::Name) {
+        dialog.setLabelText(QFileDialog::Accept, "&Choose");
     }
     if (question.use == FileUse::Delete) {
         dialog.setLabelText(QFileDialog::Accept, "&Delete");

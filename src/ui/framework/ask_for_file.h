@@ -8,7 +8,12 @@ namespace busquill {
 
 class Prompts;
 
-enum class FileUse { Open, Save, Delete };
+enum class FileUse {
+    Open,
+    Save,
+    Delete,
+    Name, // of a file that need not exist; one that does is not asked about
+};
 
 /// What a file dialog shows.
 struct FileQuestion {

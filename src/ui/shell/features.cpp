@@ -1,5 +1,6 @@
 #include "ui/shell/features.h"
 
+#include "ui/exerciser/exerciser_features.h"
 #include "ui/link/board_feature.h"
 #include "ui/performance/performance_feature.h"
 #include "ui/trace/trace_feature.h"
@@ -21,13 +22,13 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
         BoardFeature(parts),
         TraceFeature(parts),
         PerformanceFeature(parts),
-        Planned("\nMaster\nMaster\nMaster (*.mst)\n.mst\nTessel.Master\nTessel Master"),
+        MasterFeature(parts),
         Planned("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
         Planned("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
                 "Tessel Compliance"),
         Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
                 "Tessel Anomaly Detection"),
-        Planned("\nTarget\nTarget\nTarget (*.tgt)\n.tgt\nTessel.Target\nTessel Target"),
+        TargetFeature(parts),
         Planned("\nStimulus\nStimulus\nStimulus (*.stm)\n.stm\nTessel.Stimulus\nTessel Stimulus"),
         Planned("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
                 "Tessel.BackplaneTest\nTessel Backplane Test"),

@@ -1,0 +1,146 @@
+#include "ui/exerciser/master_view.h"
+
+#include "exerciser/master_document.h"
+#include "platform/prompts.h"
+#include "ui/exerciser/master_options_dialog.h"
+#include "ui/exerciser/memory_list.h"
+#include "ui/patterns/pattern_edit.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+
+namespace busquill {
+
+namespace {
+
+constexpr ExerciserView::Words words = {"Master(*.mst)", ".mst", "Master Data File",
+                                        "LastMasterDataFile"};
+// The form, in distances from the bottom of the view.
+constexpr int dumpBottom = 171;
+constexpr int groupTop = 170;
+constexpr int groupBottom = 40;
+constexpr int leastWidth = 160;
+constexpr int leastCommandWidth = 140;
+
+} // namespace
+
+CMasterView::CMasterView(const Parts& parts, CMasterDoc& document)
+    : ExerciserView(parts, words, document), document_(document), family_(document.Family()),
+      status_(new QListWidget(this)), run_(RunParts(), document.Form(), *this) {
+    MakeFields();
+    AddButtons([this] { EditOptions(); });
+}
+
+void CMasterView::MakeFields() {
+    MasterForm& form = document_.Form();
+    if (family_.addressModifier) {
+        space_ = &AddValue("AddressModifier", addressModifierBits, form.addressModifier);
+    } else {
+        space_ = &AddList("AddressSpace", family_.spaces, form.addressSpace);
+    }
+    addressSize_ = &AddList("AddressSize", exerciserSizes, form.addressSize);
+    addressStart_ = &AddValue("AddressStart", form.addressStart);
+    addressEnd_ = &AddValue("AddressEnd", form.addressEnd);
+    dataSize_ = &AddList("DataSize", exerciserSizes, form.dataSize);
+    dataCycle_ = &AddList("DataCycle", masterCycles, form.dataCycle);
+    QComboBox& type = AddList("DataType", masterDataTypes, form.dataType);
+    connect(&type, &QComboBox::currentIndexChanged, this, &CMasterView::LayOutAgain);
+    dataType_ = &type;
+    dataValue_ = &AddValue("DataValue", form.dataValue);
+    dataFile_ = &AddDataFile(form.dataFilename);
+    if (family_.attributes) {
+        for (const MasterAttribute& each : masterAttributes) {
+            attributes_.push_back(&AddValue(QString::fromStdString(std::string(each.key)),
+                                            static_cast<unsigned>(each.bits), form.*each.value));
+        }
+    }
+    command_ = &AddList("Command", family_.commands, form.command);
+    repeat_ = new QLineEdit(this);
+    repeat_->setObjectName("Repeat");
+    repeat_->setAlignment(Qt::AlignRight);
+    connect(repeat_, &QLineEdit::textEdited, this,
+            [&form](const QString& text) { form.repeat = text.toStdString(); });
+    AddShown([this, &form] { repeat_->setText(QString::fromStdString(form.repeat)); });
+    status_->setObjectName("Status");
+    status_->setUniformItemSizes(true);
+}
+
+void CMasterView::LayOut() {
+    PlaceDump(dumpBottom);
+    const bool narrow = family_.attributes;
+    const int of = narrow ? 10 : 8;
+    std::vector<int> widths(2, Share(3, of, 5, leastWidth));
+    if (narrow) {
+        widths.push_back(Share(2, of, 0, leastWidth));
+    }
+    widths.push_back(Share(2, of, 10, leastCommandWidth));
+    const std::vector<QRect> groups = GroupPlaces(widths, groupTop, groupBottom);
+
+    AddGroup("Address", groups[0]);
+    PlaceField(*space_, family_.addressModifier ? "AM" : "Space", 3, groups[0]);
+    PlaceField(*addressSize_, "Size", 2, groups[0]);
+    PlaceField(*addressStart_, "Start", 1, groups[0]);
+    PlaceField(*addressEnd_, "End", 0, groups[0]);
+
+    AddGroup("Data", groups[1]);
+    PlaceField(*dataSize_, "Size", 3, groups[1]);
+    PlaceField(*dataCycle_, "Cycle", 2, groups[1]);
+    PlaceField(*dataType_, "Type", 1, groups[1]);
+    const std::int32_t type = document_.Form().dataType;
+    dataValue_->setVisible(type == DataIsValue);
+    dataFile_->setVisible(type == DataIsFile);
+    PlaceField(*dataValue_, "Value", 0, groups[1]);
+    PlaceField(*dataFile_, "File", 0, groups[1]);
+
+    if (narrow) {
+        AddGroup("Attribute", groups[2]);
+        int row = static_cast<int>(attributes_.size());
+        for (std::size_t i = 0; i < attributes_.size(); ++i) {
+            const std::string_view label = masterAttributes[i].label;
+            PlaceField(*attributes_[i],
+                       QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())), --row,
+                       groups[2]);
+        }
+    }
+
+    const QRect& command = groups.back();
+    AddGroup("Command", command);
+    PlaceField(*command_, "", 3, command);
+    PlaceField(*repeat_, "Repeat", 2, command, command.width() / 2);
+    PlaceField(*status_, "", 0, command);
+    status_->setGeometry(
+        status_->geometry().united(Form::FieldPlace(1, status_->x(), status_->width(), height())));
+}
+
+void CMasterView::OnMemoryChanged() {
+    Dump().SetMemory(run_.Memory());
+}
+
+void CMasterView::OnStatusCleared() {
+    status_->clear();
+}
+
+void CMasterView::OnStatus(std::span<const std::string_view> lines) {
+    for (const std::string_view line : lines) {
+        status_->addItem(QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size())));
+    }
+    status_->setCurrentRow(status_->count() - 1);
+}
+
+/// The first poll comes when no event waits, so that a quick step is not held up by the timer.
+void CMasterView::OnStepStarted() {
+    QMetaObject::invokeMethod(
+        this, [this] { run_.Poll(); }, Qt::QueuedConnection);
+}
+
+void CMasterView::EditOptions() {
+    if (!family_.addressModifier) {
+        Machine().prompts.Message("No options are available.");
+        return;
+    }
+    CMasterOptionsDialog dialog(this, document_.Form().busRequestLevel);
+    dialog.exec();
+}
+
+} // namespace busquill

@@ -1,0 +1,350 @@
+#include "exerciser/master_document.h"
+#include "support/exerciser_fixture_qt.h"
+#include "ui/exerciser/master_options_dialog.h"
+
+#include <QListWidget>
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+namespace busquill::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uint32_t setupRegister = 802;
+constexpr std::uint32_t controlRegister = 800;
+constexpr std::uint32_t statusRegister = 801;
+constexpr std::uint32_t addressRegister = 804;
+constexpr std::uint32_t dataRegister = 816;
+
+constexpr int pciX = 1;
+constexpr int vme = 2;
+constexpr int vsb = 9;
+
+class MasterWindow : public ExerciserWindow {
+protected:
+    MasterWindow() : ExerciserWindow("File/New/Exerciser/Master") {
+        board.contents[statusRegister] = {1};
+    }
+    CMasterDoc& Document() { return static_cast<CMasterDoc&>(frame->GetDocument()); }
+    std::vector<std::string> Status() {
+        const auto& list = Find<QListWidget>("Status");
+        std::vector<std::string> lines;
+        for (int i = 0; i < list.count(); ++i) {
+            lines.push_back(list.item(i)->text().toStdString());
+        }
+        return lines;
+    }
+};
+
+TEST_F(MasterWindow, HasTheFieldsOfPci) {
+    StartOnBoard();
+    EXPECT_EQ(frame->windowTitle(), "Master");
+    EXPECT_EQ(frame->width(), 600);
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Memory", "I/O", "Config"}));
+    EXPECT_EQ(Items("AddressSize"), (QStringList{"8 bit", "16 bit", "32 bit", "64 bit"}));
+    EXPECT_EQ(List("AddressSize").currentText(), "32 bit");
+    EXPECT_EQ(Items("DataSize"), (QStringList{"8 bit", "16 bit", "32 bit", "64 bit"}));
+    EXPECT_EQ(List("DataSize").currentText(), "32 bit");
+    EXPECT_EQ(Items("DataCycle"), (QStringList{"Single", "Burst"}));
+    EXPECT_EQ(Items("DataType"), (QStringList{"Value", "File", "Target"}));
+    EXPECT_EQ(Items("Command"), (QStringList{"Read", "Write", "Verify", "Test", "Compare"}));
+    EXPECT_EQ(Field("Repeat").text(), "1");
+    EXPECT_TRUE(Field("Repeat").alignment().testFlag(Qt::AlignRight));
+    EXPECT_EQ(View().findChild<QLineEdit*>("AttrTag"), nullptr);
+    EXPECT_EQ(View().findChild<QLineEdit*>("AddressModifier"), nullptr);
+}
+
+TEST_F(MasterWindow, HasTheAttributesOfPciX) {
+    StartOnBus(pciX);
+    EXPECT_EQ(frame->width(), 840);
+    EXPECT_EQ(Items("Command").last(), "Split Completion");
+    EXPECT_EQ(Field("AttrTag").text(), "00");
+    EXPECT_EQ(Field("AttrFunctionNum").text(), "0");
+}
+
+TEST_F(MasterWindow, HasTheModifierOfVme) {
+    StartOnBus(vme);
+    EXPECT_EQ(Field("AddressModifier").text(), "0D");
+    EXPECT_EQ(View().findChild<QComboBox*>("AddressSpace"), nullptr);
+    EXPECT_EQ(frame->width(), 600);
+}
+
+TEST_F(MasterWindow, HasTheSpacesOfVsb) {
+    StartOnBus(vsb);
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Sys", "I/O", "Alt"}));
+}
+
+TEST_F(MasterWindow, ShowsTheFieldOfTheDataType) {
+    StartOnBoard();
+    EXPECT_TRUE(Field("DataValue").isVisible());
+    EXPECT_FALSE(Field("DataFilename").isVisible());
+    List("DataType").setCurrentText("File");
+    EXPECT_FALSE(Field("DataValue").isVisible());
+    EXPECT_TRUE(Field("DataFilename").isVisible());
+    List("DataType").setCurrentText("Target");
+    EXPECT_FALSE(Field("DataValue").isVisible());
+    EXPECT_FALSE(Field("DataFilename").isVisible());
+}
+
+TEST_F(MasterWindow, SendsWhatTheFormSaysAndListsTheOutcome) {
+    StartOnBoard();
+    List("AddressSpace").setCurrentText("I/O");
+    Type("AddressStart", "0000000000001000");
+    Type("AddressEnd", "0000000000001020"); // 33 bytes
+    Type("DataValue", "0123456789abcdef");
+    List("DataCycle").setCurrentText("Burst");
+    List("Command").setCurrentText("Write");
+    Go();
+    ASSERT_TRUE(Ends());
+    const auto setups = WritesTo(setupRegister);
+    ASSERT_EQ(setups.size(), 1U);
+    ASSERT_EQ(setups[0].size(), 48U);
+    EXPECT_EQ((Bytes{setups[0].begin(), setups[0].begin() + 24}),
+              (Bytes{1, 2, 0,    0x10, 0,    0,    0,    0,    0,    0,    32, 2,
+                     1, 0, 0xEF, 0xCD, 0xAB, 0x89, 0x67, 0x45, 0x23, 0x01, 0,  0}));
+    EXPECT_THAT(WritesTo(controlRegister), ElementsAre(Bytes{2}, Bytes{0x82}));
+    EXPECT_THAT(WritesTo(addressRegister), ElementsAre(Bytes{0x20, 0x10, 0, 0, 0, 0, 0, 0, 1}));
+    EXPECT_THAT(Status(), ElementsAre("Pass", "Pass"));
+    EXPECT_EQ(Find<QListWidget>("Status").currentRow(), 1);
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MasterWindow, ShowsTheStatusLinesOfAStep) {
+    board.contents[statusRegister] = {0x62};
+    StartOnBoard();
+    List("Command").setCurrentText("Test");
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(Status(), ElementsAre("No Device Select", "No Target Ack", "Fail"));
+    Go(); // the list begins anew
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(Status().size(), 3U);
+}
+
+// By the timer alone, the steps would take a minute, for which nobody waits here.
+TEST_F(MasterWindow, QuickStepsAreNotHeldUpByTheTimer) {
+    StartOnBoard();
+    Type("AddressEnd", "00000000000027ff");
+    List("Command").setCurrentText("Write");
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_EQ(Status().size(), 320U);
+}
+
+TEST_F(MasterWindow, ShowsWhatItReads) {
+    Bytes data;
+    for (int i = 0; i < 32; ++i) {
+        data.push_back(static_cast<std::uint8_t>(0x40 + i));
+    }
+    board.contents[dataRegister] = data;
+    StartOnBoard();
+    Type("AddressStart", "0000000000002000");
+    Type("AddressEnd", "0000000000002003");
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_TRUE(Dump().RowText(0).startsWith(" 00002000  40 41 42 43    "))
+        << Dump().RowText(0).toStdString();
+    EXPECT_TRUE(Dump().RowText(0).endsWith(" @ABC"));
+    EXPECT_FALSE(Dump().RowText(1).contains('.'));
+}
+
+TEST_F(MasterWindow, TheDumpHasAThousandRowsAndScrolls) {
+    StartOnBoard();
+    QScrollBar& bar = *Dump().verticalScrollBar();
+    EXPECT_EQ(bar.maximum() + bar.pageStep(), 1000);
+    Dump().setFocus();
+    QTest::keyClick(&Dump(), Qt::Key_PageDown);
+    EXPECT_EQ(bar.value(), bar.pageStep());
+}
+
+TEST_F(MasterWindow, AnEndBelowTheStartIsRefused) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000000010");
+    Go();
+    EXPECT_THAT(prompts.Texts(), ElementsAre("End Address must be >= Start Address."));
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    EXPECT_THAT(Writes(), IsEmpty());
+}
+
+TEST_F(MasterWindow, StopSendsTheCommandAndEndsTheRun) {
+    board.contents[statusRegister] = {0x81}; // busy for ever
+    StartOnBoard();
+    Go();
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+    QTest::qWait(300);
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+    Stop();
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    const auto functions = Functions().size();
+    QTest::qWait(300);
+    EXPECT_EQ(Functions().size(), functions);
+}
+
+TEST_F(MasterWindow, CanBeClosedDuringARun) {
+    board.contents[statusRegister] = {0x81};
+    StartOnBoard();
+    Go();
+    const auto writes = Writes().size();
+    Press(View(), "Close");
+    QTest::qWait(300);
+    EXPECT_TRUE(Windows().isEmpty());
+    EXPECT_EQ(Writes().size(), writes);
+    EXPECT_TRUE(program->Link().IsIdle());
+}
+
+TEST_F(MasterWindow, AChangeDuringTheRunCountsFromTheNextStep) {
+    board.contents[statusRegister] = {0x81};
+    StartOnBoard();
+    List("Command").setCurrentText("Write");
+    Type("AddressEnd", "000000000000003f");
+    Go();
+    List("Command").setCurrentText("Verify");
+    line->Do([&] { board.contents[statusRegister] = {1}; });
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(WritesTo(controlRegister), ElementsAre(Bytes{2}, Bytes{0x84}));
+}
+
+TEST_F(MasterWindow, OptionsAreForVmeOnly) {
+    StartOnBoard();
+    Press(View(), "Options");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("No options are available."));
+}
+
+TEST_F(MasterWindow, OptionsChooseTheLevelOfVme) {
+    StartOnBus(vme);
+    AnswerDialog<CMasterOptionsDialog>([&] { Press(View(), "Options"); },
+                                       [](CMasterOptionsDialog& dialog) {
+                                           EXPECT_EQ(dialog.windowTitle(), "Master Options");
+                                           auto& level = *dialog.findChild<QComboBox*>();
+                                           EXPECT_EQ(level.count(), 4);
+                                           EXPECT_EQ(level.currentText(), "Level 0");
+                                           level.setCurrentText("Level 3");
+                                           Press(dialog, "OK");
+                                       });
+    EXPECT_EQ(Document().Form().busRequestLevel, 8);
+    AnswerDialog<CMasterOptionsDialog>([&] { Press(View(), "Options"); },
+                                       [](CMasterOptionsDialog& dialog) {
+                                           auto& level = *dialog.findChild<QComboBox*>();
+                                           EXPECT_EQ(level.currentText(), "Level 3");
+                                           level.setCurrentText("Level 1");
+                                           Press(dialog, "Cancel");
+                                       });
+    EXPECT_EQ(Document().Form().busRequestLevel, 8);
+}
+
+TEST_F(MasterWindow, TheDataFileIsChosenAndKept) {
+    const std::string path = dir.Write("old.dat", "00 ff 7\n");
+    settings.WriteProfileString("Setup", "LastMasterDataFile", path);
+    StartOnBoard();
+    List("DataType").setCurrentText("File");
+    EXPECT_EQ(Field("DataFilename").text().toStdString(), path);
+    EXPECT_TRUE(Field("DataFilename").isReadOnly());
+    AnswerDialog<QFileDialog>([&] { Press(View(), "File"); },
+                              [&](QFileDialog& files) {
+                                  EXPECT_EQ(files.windowTitle(), "Master Data File");
+                                  EXPECT_EQ(files.nameFilters(), QStringList{"Data Files (*.dat)"});
+                                  GiveFileName(files, dir.File("new")); // need not exist
+                              });
+    EXPECT_EQ(Field("DataFilename").text().toStdString(), dir.File("new.dat"));
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastMasterDataFile", ""), dir.File("new.dat"));
+    EXPECT_EQ(Document().Form().dataFilename, dir.File("new.dat"));
+}
+
+TEST_F(MasterWindow, AFileIsSentAndReplayed) {
+    std::ofstream(dir.File("data.dat")) << "01 02 03 04\n";
+    settings.WriteProfileString("Setup", "LastMasterDataFile", dir.File("data.dat"));
+    StartOnBoard();
+    List("DataType").setCurrentText("File");
+    List("Command").setCurrentText("Write");
+    Type("AddressEnd", "0000000000000003");
+    Field("Repeat").selectAll();
+    QTest::keyClicks(&Field("Repeat"), "3");
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    const auto sent = WritesTo(dataRegister);
+    ASSERT_EQ(sent.size(), 2U); // the first pass is in the setup
+    for (const Bytes& data : sent) {
+        EXPECT_EQ((Bytes{data.begin(), data.begin() + 6}), (Bytes{1, 2, 3, 4, 0, 0}));
+    }
+    EXPECT_EQ(Status().size(), 3U);
+}
+
+TEST_F(MasterWindow, IsSavedAndLoaded) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000001000");
+    List("Command").setCurrentText("Compare");
+    List("DataType").setCurrentText("Target");
+    const std::string path = dir.File("form.mst");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Save"); },
+                              [&](QFileDialog& files) {
+                                  EXPECT_EQ(files.nameFilters(), QStringList{"Master(*.mst)"});
+                                  GiveFileName(files, path);
+                              });
+    Type("AddressStart", "0000000000002000");
+    List("Command").setCurrentText("Read");
+    List("DataType").setCurrentText("Value");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_EQ(Field("AddressStart").text().remove(' '), "0000000000001000");
+    EXPECT_EQ(List("Command").currentText(), "Compare");
+    EXPECT_FALSE(Field("DataValue").isVisible()); // as the type says
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MasterWindow, ACommandThatTheBoardLacksSelectsNothing) {
+    StartOnBoard();
+    const std::string path =
+        dir.Write("split.mst", "\"FileType\",\"Master File\"\r\n\"Version\",\"1.0\"\r\n"
+                               "\"Command\",\"Split Completion\"\r\n");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_EQ(List("Command").currentIndex(), -1);
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(WritesTo(controlRegister), ElementsAre(Bytes{0}));
+}
+
+TEST_F(MasterWindow, AFileOfAnotherKindLeavesTheForm) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000001000");
+    const std::string path = dir.Write("odd.mst", "\"FileType\",\"Target File\"\r\n");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Invalid master file type of 'Target File'."));
+    EXPECT_EQ(Field("AddressStart").text().remove(' '), "0000000000001000");
+}
+
+TEST_F(MasterWindow, InDemoModeRunsThroughTheRangeOverRandomBytes) {
+    StartOnBus(pciX);
+    Type("AddressEnd", "0000000000000020");
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(Status(), ElementsAre("Pass", "Pass"));
+    EXPECT_NE(Dump().RowText(999), Dump().RowText(999));
+}
+
+TEST_F(MasterWindow, KeepsItsFormAtTheBottom) {
+    StartOnBoard();
+    const std::pair<QSize, int> sizes[] = {{{600, 400}, 220}, {{900, 600}, 0}, {{420, 330}, 160}};
+    for (const auto& [size, width] : sizes) {
+        frame->resize(size);
+        QApplication::processEvents();
+        const int height = View().height();
+        EXPECT_EQ(Field("AddressEnd").geometry().bottom() + 1, height - 45);
+        EXPECT_EQ(List("AddressSpace").geometry().top(), height - 140);
+        EXPECT_EQ(Dump().geometry().top(), 5);
+        EXPECT_EQ(Dump().geometry().bottom() + 1, height - 171);
+        EXPECT_EQ(Dump().geometry().left(), 10);
+        EXPECT_EQ(Dump().geometry().right() + 1, View().width() - 10);
+        EXPECT_LT(Field("AddressEnd").geometry().right(), List("DataSize").geometry().left());
+        EXPECT_LT(List("DataSize").geometry().right(), List("Command").geometry().left());
+    }
+}
+
+} // namespace
+} // namespace busquill::test

@@ -1,0 +1,187 @@
+#include "exerciser/target_document.h"
+#include "support/exerciser_fixture_qt.h"
+
+#include <QCheckBox>
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+namespace busquill::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+constexpr std::uint32_t setupRegister = 1490;
+constexpr int vme = 2;
+
+class TargetWindow : public ExerciserWindow {
+protected:
+    TargetWindow() : ExerciserWindow("File/New/Target") {}
+    CTargetDoc& Document() { return static_cast<CTargetDoc&>(frame->GetDocument()); }
+    void Enable() { Tick(View(), "Enable Target"); }
+};
+
+TEST_F(TargetWindow, HasItsFields) {
+    StartOnBoard();
+    EXPECT_EQ(frame->windowTitle(), "Target");
+    EXPECT_EQ(frame->size(), QSize(600, 400));
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Memory", "I/O", "Config"}));
+    EXPECT_EQ(Items("BusLength").size(), 25);
+    EXPECT_EQ(List("BusLength").currentText(), "8 MB");
+    EXPECT_EQ(List("DataSize").currentText(), "32 bit");
+    EXPECT_EQ(Items("WaitStates").size(), 16);
+    EXPECT_EQ(List("WaitStates").currentText(), "0");
+    EXPECT_EQ(Items("WaitStates").last(), "15");
+    EXPECT_EQ(Items("Response"), (QStringList{"Normal", "Retry", "Disconnect"}));
+    EXPECT_FALSE(View().findChild<QCheckBox*>()->isChecked());
+    EXPECT_EQ(Items("DataType"), (QStringList{"Value", "File"}));
+    EXPECT_EQ(Items("Command"), (QStringList{"None", "Read", "Write"}));
+    EXPECT_EQ(List("Command").currentText(), "Read");
+}
+
+TEST_F(TargetWindow, HasTheModifierOfVme) {
+    StartOnBus(vme);
+    EXPECT_EQ(Field("AddressModifier").text(), "0D");
+    EXPECT_EQ(View().findChild<QComboBox*>("AddressSpace"), nullptr);
+}
+
+TEST_F(TargetWindow, EnablingSendsTheSetupAtOnce) {
+    StartOnBoard();
+    List("Response").setCurrentText("Disconnect");
+    List("WaitStates").setCurrentText("5");
+    Type("BusStart", "0000000080000000");
+    EXPECT_THAT(Writes(), IsEmpty());
+    Enable();
+    EXPECT_THAT(WritesTo(setupRegister),
+                ElementsAre(Bytes{0, 0, 0, 0x80, 0, 0, 0, 0, 24, 0, 0x5A, 0x81}));
+    Enable();
+    EXPECT_EQ(WritesTo(setupRegister).back().back(), 0x01);
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+}
+
+TEST_F(TargetWindow, FillsItsMemoryWithAValue) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000000100");
+    Type("AddressEnd", "0000000000000113"); // 20 bytes
+    Type("DataValue", "0807060504030201");
+    List("Command").setCurrentText("Write");
+    Go();
+    ASSERT_TRUE(Ends());
+    Bytes expected;
+    for (int i = 0; i < 20; ++i) {
+        expected.push_back(static_cast<std::uint8_t>(1 + i % 8));
+    }
+    EXPECT_THAT(WritesTo(0x100), ElementsAre(expected));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(TargetWindow, ReadsItsMemoryIntoTheDump) {
+    Bytes first(248);
+    for (std::size_t i = 0; i < first.size(); ++i) {
+        first[i] = static_cast<std::uint8_t>(i);
+    }
+    board.contents[0x1000] = first;
+    board.contents[0x1000 + 248] = {0xEE};
+    StartOnBoard();
+    Type("AddressStart", "0000000000001000");
+    Type("AddressEnd", "00000000000010f8"); // 249 bytes
+    Go();
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+    ASSERT_TRUE(Ends());
+    EXPECT_TRUE(Dump().RowText(0).startsWith(" 00001000  00 01 02 "));
+    bool found = false;
+    for (int row = 0; row < 40; ++row) {
+        found = found || Dump().RowText(row).contains(" ee ");
+    }
+    EXPECT_TRUE(found);
+}
+
+TEST_F(TargetWindow, AnEndBelowTheStartIsToldAfterTheSetup) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000000010");
+    Go();
+    EXPECT_THAT(prompts.Texts(), ElementsAre("End Address must be >= Start Address."));
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    EXPECT_THAT(WritesTo(setupRegister), SizeIs(1));
+}
+
+TEST_F(TargetWindow, StopSendsNothing) {
+    StartOnBoard();
+    Type("AddressEnd", "000000000000ffff");
+    List("Command").setCurrentText("Write");
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return Writes().size() > 6; }));
+    Stop();
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    const auto functions = Functions().size();
+    QTest::qWait(200);
+    EXPECT_EQ(Functions().size(), functions);
+}
+
+TEST_F(TargetWindow, OptionsAreNone) {
+    StartOnBus(vme);
+    Press(View(), "Options");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("No options are available."));
+}
+
+TEST_F(TargetWindow, TheDataFileIsChosenAndUsed) {
+    std::ofstream(dir.File("data.dat")) << "0a 0b 0c\n";
+    StartOnBoard();
+    List("DataType").setCurrentText("File");
+    EXPECT_FALSE(Field("DataValue").isVisible());
+    EXPECT_TRUE(Field("DataFilename").isVisible());
+    AnswerDialog<QFileDialog>([&] { Press(View(), "File"); },
+                              [&](QFileDialog& files) {
+                                  EXPECT_EQ(files.windowTitle(), "Target Data File");
+                                  GiveFileName(files, dir.File("data.dat"));
+                              });
+    EXPECT_EQ(settings.GetProfileString("Setup", "LastTargetDataFile", ""), dir.File("data.dat"));
+    List("Command").setCurrentText("None"); // writes all the same
+    Type("AddressStart", "0000000000000200");
+    Type("AddressEnd", "0000000000000203");
+    prompts.AnswerNext(Answer::Yes);
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("Warning: File length of 3 is less than address length of 4. Zeros "
+                            "will be padded at the end of the file. Continue?"));
+    EXPECT_THAT(WritesTo(0x200), ElementsAre(Bytes{0x0A, 0x0B, 0x0C, 0}));
+}
+
+TEST_F(TargetWindow, IsSavedAndLoaded) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000001000");
+    Type("BusStart", "0000000000777000");
+    List("BusLength").setCurrentText("4 KB");
+    const std::string path = dir.File("form.tgt");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Save"); },
+                              [&](QFileDialog& files) {
+                                  EXPECT_EQ(files.nameFilters(), QStringList{"Target(*.tgt)"});
+                                  GiveFileName(files, path);
+                              });
+    Type("AddressStart", "0000000000002000");
+    List("BusLength").setCurrentText("0");
+    Type("BusStart", "0000000000888000");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_EQ(Field("AddressStart").text().remove(' '), "0000000000001000");
+    EXPECT_EQ(List("BusLength").currentText(), "4 KB");
+    EXPECT_EQ(Field("BusStart").text().remove(' '), "0000000000888000"); // not in the file
+}
+
+TEST_F(TargetWindow, KeepsItsFormAtTheBottom) {
+    StartOnBoard();
+    for (const QSize size : {QSize(600, 400), QSize(900, 600)}) {
+        frame->resize(size);
+        QApplication::processEvents();
+        const int height = View().height();
+        EXPECT_EQ(Field("AddressEnd").geometry().bottom() + 1, height - 45);
+        EXPECT_EQ(List("AddressSpace").geometry().top(), height - 215);
+        EXPECT_EQ(Dump().geometry().bottom() + 1, height - 246);
+    }
+}
+
+} // namespace
+} // namespace busquill::test
