@@ -1,5 +1,6 @@
 // Opens the program's windows one by one and saves a picture of each.
 
+#include "exerciser/master_document.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
@@ -203,6 +204,36 @@ void Measure(Tour& tour, Program& program) {
     window->close();
 }
 
+/// A read of some memory by the master, and the target.
+void Exercise(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Exerciser/Master", "message");
+    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for a master");
+        return;
+    }
+    auto& form = static_cast<CMasterDoc&>(window->GetDocument()).Form();
+    form.addressEnd = {0xFF, 0x01};
+    form.command = MasterWrite;
+    form.dataValue = {0x42, 0x75, 0x73, 0x71, 0x75, 0x69, 0x6C, 0x6C};
+    const auto go = [&] {
+        window->GetDocument().UpdateAllViews(nullptr);
+        window->findChild<QToolButton*>("Go")->click();
+        WaitFor([&] { return window->RunState() == RunPicture::Stopped; }, 10000);
+    };
+    go();
+    form.command = MasterRead;
+    go();
+    tour.Picture(*window, "master");
+    window->close();
+    tour.Choose(frame, "File/New/Target", "message");
+    if (QMdiSubWindow* target = frame.Area().activeSubWindow()) {
+        tour.Picture(*target, "target");
+        target->close();
+    }
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -212,6 +243,7 @@ void Walk(Tour& tour, Program& program) {
     tour.Choose(frame, "Utilities/Download Firmware", "download-firmware");
     tour.Choose(frame, "Utilities/Serial Test", "serial-test");
     Measure(tour, program);
+    Exercise(tour, program);
     if (!program.Link().IsDemoMode()) {
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));
