@@ -51,7 +51,6 @@ private:
         while (!cancelled) {
             switch (records_.Next(record)) {
             case HexRecords::Step::EndOfFile:
-                prompts_.Message("Download complete.");
                 state = State::Complete;
                 return nullptr;
             case HexRecords::Step::Invalid:
