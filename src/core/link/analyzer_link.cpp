@@ -31,7 +31,10 @@ constexpr const char* communicationsError =
 /// An identity that arrives after the connection sequence is ignored.
 constexpr const char* noIdentity =
     "The analyzer has not told what it is. Check its connections and accept the\n"
-    "Utilities/Setup dialog to connect again.";
+    "Utilities/Board Setup dialog to connect again.";
+
+/// The message above still asks for a restart.
+constexpr const char* connectsAgain = "\nUtilities/Board Setup connects again without a restart.";
 
 constexpr const char* noBoardOnUsb = "No board is ready on USB.";
 
@@ -187,7 +190,7 @@ void CAnalyzerLink::StartThread(std::shared_ptr<LinkPort> port) {
 void CAnalyzerLink::FallIntoDemoMode(const std::string& hint) {
     LinkThread* own = LinkThread::OnThisThread();
     const auto port = own != nullptr ? own->Port() : queue_->Port();
-    services_.prompts.TopmostMessage(demoModeMessage, hint);
+    services_.prompts.TopmostMessage(demoModeMessage, hint + connectsAgain);
     if (port != nullptr) {
         if (LinkThread* thread = own != nullptr ? own : currentThread_.load()) {
             thread->Stop();

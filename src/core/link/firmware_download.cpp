@@ -28,7 +28,7 @@ public:
         records_ = HexRecords(std::move(text));
         total = static_cast<std::uint32_t>(records_.Colons());
         state = State::Running;
-        SendRecords();
+        SendRecord();
     }
 
     std::atomic<State> state = State::Idle;
@@ -37,18 +37,12 @@ public:
     std::atomic<std::uint32_t> count = 0;
 
 private:
-    /// Sends records until one waits for its answer. Without a board each request completes inside
-    /// Submit; the loop then sends the next record, not the completion, so that the stack does not
-    /// grow with the file.
-    void SendRecords() {
-        do {
-            LinkRequestPtr request = NextRequest();
-            if (!request) {
-                return;
-            }
-            handedOver_ = false;
+    /// Each completion comes here again. Without a board that is a loop of the queue, so the stack
+    /// does not grow with the file.
+    void SendRecord() {
+        if (LinkRequestPtr request = NextRequest()) {
             link_.Submit(std::move(request));
-        } while (handedOver_.exchange(true));
+        }
     }
 
     /// The request for the next record that has data; null when nothing is left to send.
@@ -57,7 +51,6 @@ private:
         while (!cancelled) {
             switch (records_.Next(record)) {
             case HexRecords::Step::EndOfFile:
-                prompts_.Message("Download complete.");
                 state = State::Complete;
                 return nullptr;
             case HexRecords::Step::Invalid:
@@ -92,8 +85,8 @@ private:
         if (result != LinkOk) {
             Fail(Printf("Serial connection error sending firmware record %d.",
                         static_cast<int>(count)));
-        } else if (handedOver_.exchange(true)) { // Submit has returned
-            SendRecords();
+        } else {
+            SendRecord();
         }
     }
 
@@ -107,9 +100,6 @@ private:
     std::string path_;
     HexRecords records_{""};
     std::uint32_t segmentBase_ = 0;
-    /// Of the record that was sent last: its Submit has returned, or it is complete; whichever
-    /// comes second sends the next record.
-    std::atomic<bool> handedOver_ = false;
 };
 
 FirmwareDownload::FirmwareDownload(CAnalyzerLink& link, Prompts& prompts)

@@ -10,7 +10,8 @@ class CAnalyzerLink;
 class Prompts;
 
 /// Sends the data of an Intel hex file to the board, record by record. Each record's completion
-/// sends the next, so all but the first go out on the link's thread; messages come from there too.
+/// sends the next, so all but the first go out on the link's thread; messages of failures come from
+/// there too.
 /// Main thread, unless a function says otherwise. The link outlives the download, which may be
 /// destroyed at any time: a request that the link still holds keeps what it needs.
 class FirmwareDownload {

@@ -26,8 +26,8 @@ constexpr std::array<std::uint8_t, 2> probeBytes{FrameLengthLow, 0};
 } // namespace
 
 std::string LinkPort::UnpluggedHint() const {
-    return IsGone() ? Label() + " was unplugged. Plug it in again and accept the Utilities/Setup "
-                                "dialog to connect again."
+    return IsGone() ? Label() + " was unplugged. Plug it in again and accept the "
+                                "Utilities/Board Setup dialog to connect again."
                     : "";
 }
 

@@ -1,11 +1,14 @@
 #include "ui/framework/message_boxes.h"
 
 #include <QApplication>
+#include <QGridLayout>
 #include <QMessageBox>
 
 namespace busquill {
 
 namespace {
+
+constexpr int hintCharacters = 60;
 
 QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
     switch (buttons) {
@@ -21,6 +24,14 @@ QMessageBox::StandardButtons ButtonsOf(BoxButtons buttons) {
     return QMessageBox::Ok;
 }
 
+/// A box is as wide as its text, so a hint below a short text would be broken into many lines.
+void WidenFor(QMessageBox& window, int characters) {
+    if (auto* grid = qobject_cast<QGridLayout*>(window.layout())) {
+        const int width = window.fontMetrics().averageCharWidth() * characters;
+        grid->addItem(new QSpacerItem(width, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
+}
+
 Answer ShowBox(const Box& box) {
     const bool question =
         box.buttons == BoxButtons::YesNo || box.buttons == BoxButtons::YesNoCancel;
@@ -28,7 +39,10 @@ Answer ShowBox(const Box& box) {
                        QApplication::applicationName(), QString::fromStdString(box.text),
                        ButtonsOf(box.buttons), QApplication::activeWindow());
     window.setTextFormat(Qt::PlainText);
-    window.setInformativeText(QString::fromStdString(box.hint));
+    if (!box.hint.empty()) {
+        window.setInformativeText(QString::fromStdString(box.hint));
+        WidenFor(window, hintCharacters);
+    }
     window.setWindowModality(Qt::ApplicationModal);
     window.setWindowFlag(Qt::WindowStaysOnTopHint, box.topmost);
     switch (window.exec()) {

@@ -26,7 +26,8 @@ constexpr int fileCharacters = 44;
 CFirmwareDialog::CFirmwareDialog(QWidget* parent, CAnalyzerLink& link, Settings& settings,
                                  Prompts& prompts, const MainThread& mainThread)
     : QDialog(parent), settings_(settings), prompts_(prompts), download_(link, prompts),
-      file_(new QLineEdit), start_(new QPushButton("&Download")), progress_(new QProgressBar) {
+      file_(new QLineEdit), browse_(new QPushButton("&Browse...")),
+      start_(new QPushButton("&Download")), progress_(new QProgressBar) {
     setWindowTitle("Download Firmware");
     file_->setText(
         QString::fromStdString(settings.GetProfileString(SettingsSection::setup, fileKey, "")));
@@ -35,13 +36,12 @@ CFirmwareDialog::CFirmwareDialog(QWidget* parent, CAnalyzerLink& link, Settings&
     progress_->setValue(0);
     auto* label = new QLabel("&File");
     label->setBuddy(file_);
-    auto* browse = new QPushButton("&Browse...");
-    browse->setAutoDefault(false);
+    browse_->setAutoDefault(false);
 
     auto* row = new QHBoxLayout;
     row->addWidget(label);
     row->addWidget(file_, 1);
-    row->addWidget(browse);
+    row->addWidget(browse_);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
     buttons->addButton(start_, QDialogButtonBox::ActionRole);
     auto* layout = new QVBoxLayout(this);
@@ -49,11 +49,11 @@ CFirmwareDialog::CFirmwareDialog(QWidget* parent, CAnalyzerLink& link, Settings&
     layout->addWidget(progress_);
     layout->addWidget(buttons);
 
-    connect(browse, &QPushButton::clicked, this, &CFirmwareDialog::Browse);
+    connect(browse_, &QPushButton::clicked, this, &CFirmwareDialog::Browse);
     connect(start_, &QPushButton::clicked, this, &CFirmwareDialog::Download);
     connect(buttons, &QDialogButtonBox::rejected, this, &CFirmwareDialog::reject);
-    auto* timer = new WindowTimer(this, mainThread, [this] { ShowProgress(); });
-    timer->start(pollPeriod);
+    timer_ = new WindowTimer(this, mainThread, [this] { ShowProgress(); });
+    timer_->start(pollPeriod);
     buttons->button(QDialogButtonBox::Cancel)->setAutoDefault(false);
     start_->setDefault(true); // of the dialog that it now stands in
     file_->setFocus();
@@ -74,20 +74,20 @@ void CFirmwareDialog::Browse() {
 }
 
 void CFirmwareDialog::Download() {
-    if (download_.GetState() != FirmwareDownload::State::Running) {
-        static_cast<void>(download_.Start(file_->text().toStdString())); // a failure is reported
-        ShowProgress();
-    }
+    static_cast<void>(download_.Start(file_->text().toStdString())); // a failure is reported
+    ShowProgress();
 }
 
-/// Messages come from the link's thread; what follows them happens here.
 void CFirmwareDialog::ShowProgress() {
     const bool isRunning = download_.GetState() == FirmwareDownload::State::Running;
     start_->setEnabled(!isRunning);
     file_->setEnabled(!isRunning);
+    browse_->setEnabled(!isRunning);
     progress_->setRange(0, std::max(static_cast<int>(download_.Total()), 1));
     progress_->setValue(std::min(static_cast<int>(download_.Count()), progress_->maximum()));
     if (download_.GetState() == FirmwareDownload::State::Complete) {
+        timer_->stop();
+        prompts_.Message("Download complete.");
         accept();
     }
 }

@@ -14,6 +14,7 @@ class CAnalyzerLink;
 class MainThread;
 class Prompts;
 class Settings;
+class WindowTimer;
 
 /// Replaces the board's firmware from an Intel hex file. Closes when that is complete.
 class CFirmwareDialog final : public QDialog {
@@ -33,8 +34,10 @@ private:
     Prompts& prompts_;
     FirmwareDownload download_;
     QLineEdit* file_;
+    QPushButton* browse_;
     QPushButton* start_;
     QProgressBar* progress_;
+    WindowTimer* timer_;
 };
 
 } // namespace busquill

@@ -81,13 +81,17 @@ void CSerialTestDialog::Send() {
 }
 
 void CSerialTestDialog::ShowArrived() {
-    for (const std::string& line : RawLines(link_.ReadRingRaw())) {
+    const std::vector<std::string> lines = RawLines(link_.ReadRingRaw());
+    if (lines.empty()) {
+        return;
+    }
+    for (const std::string& line : lines) {
         read_->addItem(QString::fromStdString(line));
-        read_->setCurrentRow(read_->count() - 1);
     }
     while (read_->count() > mostLines) {
         delete read_->takeItem(0);
     }
+    read_->setCurrentRow(read_->count() - 1);
 }
 
 } // namespace busquill

@@ -113,7 +113,8 @@ TEST_F(AnalyzerLinkTest, APortThatCannotBeOpenedLeadsToDemoMode) {
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
     EXPECT_EQ(prompts.Boxes().front().hint,
               "The port COM1 (/dev/ttyS0) is in use by another program. The manual page "
-              "\"Connecting a board\" tells more.");
+              "\"Connecting a board\" tells more.\nUtilities/Board Setup connects again without a "
+              "restart.");
     EXPECT_TRUE(prompts.Boxes().front().topmost);
     EXPECT_TRUE(link->IsDemoMode());
     const BoardIdentity identity = link->Identity();
@@ -291,7 +292,8 @@ TEST_F(AnalyzerLinkTest, ASilentBoardIsAskedTwiceForItsIdentityAndThenItIsDemoMo
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0}, Bytes{4, 0}));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
     EXPECT_EQ(prompts.Boxes().front().hint,
-              "No board answers on COM1 (/dev/ttyS0). Check its power and its cable.");
+              "No board answers on COM1 (/dev/ttyS0). Check its power and its "
+              "cable.\nUtilities/Board Setup connects again without a restart.");
     EXPECT_TRUE(prompts.Boxes().front().topmost);
     EXPECT_EQ(link->Identity().modelString, "Demo Mode");
     EXPECT_TRUE(Eventually([&] { return line->OpenPorts() == 0; }));
@@ -536,7 +538,7 @@ TEST_F(AnalyzerLinkTest, AnIdentityThatArrivesTooLateIsIgnored) {
     EXPECT_FALSE(link->IsIdentified());
     EXPECT_THAT(prompts.Texts(),
                 ElementsAre("The analyzer has not told what it is. Check its connections and "
-                            "accept the\nUtilities/Setup dialog to connect again."));
+                            "accept the\nUtilities/Board Setup dialog to connect again."));
 }
 
 TEST_F(AnalyzerLinkTest, UnreadBytesAreNotTakenAsAnAnswerToTheProbe) {

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace busquill::test {
 namespace {
 
@@ -47,7 +49,7 @@ TEST_F(FirmwareDownloads, WriteEachDataRecordAtItsAddress) {
     EXPECT_THAT(Written(), ElementsAre(Write{0x1234, {0xA1, 0xB2, 0xC3}}, Write{0xFF, {0x77}}));
     EXPECT_EQ(download->Total(), 3U);
     EXPECT_EQ(download->Count(), 3U);
-    EXPECT_THAT(prompts.Texts(), ElementsAre("Download complete."));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
 TEST_F(FirmwareDownloads, AddressesPast64KComeFromTheSegment) {
@@ -61,27 +63,39 @@ TEST_F(FirmwareDownloads, AddressesPast64KComeFromTheSegment) {
     EXPECT_THAT(Written(), ElementsAre(Write{0xFFFF, {0x11}}, Write{0x12350, {0x22}},
                                        Write{0x12360, {0x33}}, Write{0x10, {0x44}}));
     EXPECT_EQ(download->Count(), 8U);
-    EXPECT_THAT(prompts.Texts(), ElementsAre("Download complete."));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
 TEST_F(FirmwareDownloads, OfAFileWithoutRecordsAreCompleteAtOnce) {
     OpenBoard("PCIKite");
     ASSERT_TRUE(Start("nothing\nof interest\n"));
     EXPECT_EQ(download->GetState(), State::Complete);
-    EXPECT_THAT(prompts.Texts(), ElementsAre("Download complete."));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
     EXPECT_THAT(Written(), IsEmpty());
 }
 
 TEST_F(FirmwareDownloads, OfAFileThatCannotBeReadDoNotStart) {
     EXPECT_FALSE(download->Start("/nonexistent/a.hex"));
     EXPECT_EQ(download->GetState(), State::Idle);
-    EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening file /nonexistent/a.hex."));
+    ASSERT_THAT(prompts.Texts(), ElementsAre("Error opening file /nonexistent/a.hex."));
     EXPECT_TRUE(prompts.Boxes()[0].topmost);
 }
 
 TEST_F(FirmwareDownloads, OfAFolderDoNotStart) {
     EXPECT_FALSE(download->Start(dir.File("")));
     EXPECT_EQ(prompts.Texts().size(), 1U);
+}
+
+TEST_F(FirmwareDownloads, OfAFileWhoseReadingFailsDoNotStart) {
+    EXPECT_FALSE(download->Start("/proc/self/mem")); // opens, and no address 0 to read
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening file /proc/self/mem."));
+}
+
+TEST_F(FirmwareDownloads, OfAFileThatIsFarTooLargeDoNotStart) {
+    const std::string path = dir.Write("firmware.hex", "");
+    std::filesystem::resize_file(path, (std::uintmax_t{1} << 28) + 1); // takes no space
+    EXPECT_FALSE(download->Start(path));
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening file " + path + "."));
 }
 
 TEST_F(FirmwareDownloads, StopAtAnInvalidRecordAndNumberThoseBeforeIt) {
@@ -156,7 +170,10 @@ TEST_F(FirmwareDownloads, MayGoWhileTheBoardOwesAnAnswer) {
     ASSERT_TRUE(Start(":010000001100:010055002200"));
     download.reset();
     UseBoard();
-    analyzer.reset(); // which holds the record until here
+    line->Arrive({'*'});
+    ASSERT_TRUE(Eventually([&] { return link->IsIdle(); }));
+    analyzer.reset();
+    EXPECT_EQ(Written().size(), 1U) << "the record that was under way";
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
@@ -170,7 +187,7 @@ TEST_F(FirmwareDownloads, OfAMillionRecordsInDemoModeNeedNoMoreStack) {
     ASSERT_TRUE(Start(text));
     EXPECT_EQ(download->GetState(), State::Complete);
     EXPECT_EQ(download->Count(), records);
-    EXPECT_THAT(prompts.Texts(), ElementsAre("Download complete."));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
 } // namespace

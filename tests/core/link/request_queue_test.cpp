@@ -585,7 +585,7 @@ TEST_F(RequestQueueTest, APortThatDisappearsIsNotReadAnyMoreAndRequestsTimeOut) 
     const Box box = prompts.Boxes().front();
     EXPECT_EQ(box.text, "Error writing to COM1, err 5");
     EXPECT_EQ(box.hint, "COM1 (/dev/ttyS0) was unplugged. Plug it in again and accept the "
-                        "Utilities/Setup dialog to connect again.");
+                        "Utilities/Board Setup dialog to connect again.");
 }
 
 TEST_F(RequestQueueTest, AFailureOfAPortThatIsThereHasNoHint) {

@@ -8,8 +8,8 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
 const std::string openFailed = "Error opening usb device, path usb-path";
 const std::string selectFailed = "Error from DeviceIoControl - IOCTL_ADAPT_SELECT_INTERFACE";
@@ -53,6 +53,8 @@ TEST_F(UsbLinkTest, WithoutADeviceItIsDemoMode) {
     usb.Set({.search = {UsbSearch::Outcome::NotFound, 0, ""}});
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_THAT(prompts.Texts(), ElementsAre(demoModeMessage));
+    EXPECT_EQ(prompts.Boxes().front().hint,
+              "No board is ready on USB.\nUtilities/Board Setup connects again without a restart.");
     EXPECT_TRUE(link->IsDemoMode());
     EXPECT_THAT(usb.Calls(), ElementsAre("find "));
 }

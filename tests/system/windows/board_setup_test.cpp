@@ -86,9 +86,10 @@ TEST_F(BoardAndDialogs, ABoardThatWasPulledOutIsFoundAgainThroughTheDialog) {
     EXPECT_TRUE(program->Link().IsDemoMode());
     ASSERT_EQ(prompts.Boxes().size(), 1U);
     EXPECT_THAT(prompts.Texts()[0], StartsWith("Unable to establish communications"));
-    EXPECT_EQ(prompts.Boxes()[0].hint, "The port COM1 (" + board->Terminal() +
-                                           ") does not exist. The manual page \"Connecting a "
-                                           "board\" tells more.");
+    EXPECT_EQ(prompts.Boxes()[0].hint,
+              "The port COM1 (" + board->Terminal() +
+                  ") does not exist. The manual page \"Connecting a "
+                  "board\" tells more.\nUtilities/Board Setup connects again without a restart.");
     EXPECT_EQ(Model(), "Demo Mode");
 
     board->PlugIn();

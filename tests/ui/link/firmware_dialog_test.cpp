@@ -125,6 +125,7 @@ TEST_F(DownloadFirmware, AnInvalidRecordLeavesTheDialogForAnotherTry) {
         UseFile(":01000200CC00\n");
         controls.Download();
         ASSERT_TRUE(RunUntil([&] { return !controls.dialog.isVisible(); }));
+        EXPECT_EQ(controls.progress.value(), controls.progress.maximum());
     });
     EXPECT_THAT(Addresses(), ElementsAre(1U, 2U));
 }
@@ -154,6 +155,7 @@ TEST_F(DownloadFirmware, CancelEndsItInTheMiddle) {
         controls.Download();
         EXPECT_FALSE(ButtonOf(controls.dialog, "Download").isEnabled());
         EXPECT_FALSE(controls.file.isEnabled());
+        EXPECT_FALSE(ButtonOf(controls.dialog, "Browse...").isEnabled());
         EXPECT_EQ(controls.progress.maximum(), 5000);
         ASSERT_TRUE(RunUntil([&] { return controls.progress.value() > 0; }));
         Press(controls.dialog, "Cancel");

@@ -57,6 +57,7 @@ TEST_F(SerialTest, SendsBytesPastTheQueueAndKeepsTheLine) {
     StartSilent();
     Open([&](Controls& controls) {
         EXPECT_EQ(controls.dialog.focusWidget(), &controls.bytes);
+        EXPECT_EQ(controls.bytes.font().family(), "Courier");
         controls.Send("2a");
         EXPECT_THAT(controls.History(), ElementsAre("2a "));
         EXPECT_THAT(Written(), ElementsAre(Bytes{0x2A}));
@@ -111,6 +112,19 @@ TEST_F(SerialTest, ShowsWhatArrivesInLinesOfEight) {
     });
 }
 
+TEST_F(SerialTest, KeepsTheLast10000Lines) {
+    StartSilent();
+    Open([&](Controls& controls) {
+        line->Arrive(Bytes(80'000, 0x11));
+        line->Arrive(Bytes(8, 0x22));
+        ASSERT_TRUE(RunUntil([&] {
+            const QListWidgetItem* last = controls.read.item(controls.read.count() - 1);
+            return last != nullptr && last->text().contains("22 ");
+        }));
+        EXPECT_LE(controls.read.count(), 10000);
+    });
+}
+
 TEST_F(SerialTest, SendsAtMost256Characters) {
     StartSilent();
     Open([&](Controls& controls) {
@@ -120,6 +134,7 @@ TEST_F(SerialTest, SendsAtMost256Characters) {
         }
         QApplication::clipboard()->setText(QString::fromStdString(text));
         QTest::keyClick(&controls.bytes, Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(controls.bytes.text().size(), 256);
         Press(controls.dialog, "Send");
         ASSERT_EQ(Written().size(), 1U);
         EXPECT_EQ(Written()[0].size(), 86U);

@@ -137,6 +137,7 @@ TEST_F(BoardSetup, OkConnectsAgainWhateverWasChanged) {
     StartOnLine();
     Open([](Controls& controls) { controls.Ok(); });
     EXPECT_THAT(opened, ElementsAre("/dev/ttyS0", "/dev/ttyS0"));
+    EXPECT_EQ(settings.GetProfileString("Setup", "ComDevice1", "?"), "?"); // the usual one
     EXPECT_EQ(line->OpenPorts(), 1);
     Open([](Controls& controls) {
         controls.port.setCurrentText("COM4");
@@ -178,6 +179,13 @@ TEST_F(BoardSetup, NoPortIsChosenWithoutAMessage) {
         EXPECT_EQ(controls.port.currentText(), "<None>");
         controls.port.setCurrentText("USB1");
     });
+}
+
+TEST_F(BoardSetup, AStoredPortThatIsNotOfferedIsKept) {
+    StartOnLine();
+    settings.WriteProfileString("Setup", "ComPort", "LPT1");
+    Open([](Controls& controls) { controls.Ok(); });
+    EXPECT_EQ(StoredPort(), "LPT1");
 }
 
 TEST_F(BoardSetup, UsbOneIsStoredByItsOldName) {
