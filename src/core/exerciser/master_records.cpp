@@ -74,6 +74,7 @@ std::vector<std::uint8_t> BuildMasterAddress(const BusAddress& address, std::uin
 
 std::vector<std::uint8_t> BuildMasterAttributes(const MasterForm& form) {
     std::vector<std::uint8_t> record;
+    record.reserve(masterAttributes.size());
     for (const MasterAttribute& attribute : masterAttributes) {
         record.push_back(form.*attribute.value);
     }

@@ -4,6 +4,7 @@
 #include "ui/framework/painting.h"
 
 #include <QFontMetrics>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QScrollBar>

@@ -32,7 +32,7 @@ private:
 class Strokes {
 public:
     Strokes(QPainter& painter, QColor color, double width)
-        : painter_(painter), color_(std::move(color)), width_(width) {}
+        : painter_(painter), color_(color), width_(width) {}
 
     /// From `left` up to but not including `right`.
     void Across(int left, int right, int y) const {

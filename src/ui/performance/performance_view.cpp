@@ -41,7 +41,7 @@ FileQuestion QuestionFor(FileUse use, const CPerformanceDoc& document) {
     question.title = use == FileUse::Save ? "Save Performance" : "Load Performance";
     question.filter = "Performance(*.per)";
     question.extension = ".per";
-    const std::string path = document.GetPathName();
+    const std::string& path = document.GetPathName();
     question.folder = std::string(FolderOf(path));
     question.name = path.substr(question.folder.size());
     return question;
