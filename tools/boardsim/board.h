@@ -1,12 +1,15 @@
 #pragma once
 
+#include "master.h"
 #include "sequencer.h"
+#include "target.h"
 #include "traffic.h"
 #include "wire.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +38,7 @@ struct Faults {
     int shortReply = 0;       // number of bytes that the next data reply lacks at its end
     int mute = 0;             // this function gets no answer any more
     int searchBusy = 0;       // number of polls of a search that find it busy
+    MasterFaults master;
 };
 
 /// The board's side of the wire, byte by byte, without a line.
@@ -72,13 +76,15 @@ private:
     Bytes DataReply(const Bytes& data);
     void StartTrace();
     void Search();
+    [[nodiscard]] std::span<std::uint8_t> MasterRegisters();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
     std::string Describe(std::uint8_t opcode, std::uint8_t parameter) const;
 
     std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
-    std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
+    Master master_;
+    Target target_;
     Sequencer sequencer_;
     std::unique_ptr<Traffic> traffic_;
     std::size_t bufferSamples_;

@@ -29,7 +29,8 @@ constexpr auto usage =
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
-    "short-reply N, refuse N, mute N, search-busy N, delay MS, half-frame, go-away, normal.\n";
+    "short-reply N, refuse N, mute N, search-busy N, step-busy N, step-status N,\n"
+    "stuck-bit ADDRESS, delay MS, half-frame, go-away, normal.\n";
 
 volatile std::sig_atomic_t stopped = 0;
 
@@ -235,6 +236,12 @@ private:
             board_.faults.mute = number;
         } else if (word == "search-busy") {
             board_.faults.searchBusy = number;
+        } else if (word == "step-busy") {
+            board_.faults.master.busy = number;
+        } else if (word == "step-status") {
+            board_.faults.master.status = static_cast<std::uint8_t>(number);
+        } else if (word == "stuck-bit") {
+            board_.faults.master.stuck = static_cast<std::uint64_t>(number);
         } else if (word == "delay") {
             delay_ = std::chrono::milliseconds(number);
         } else if (word == "half-frame") {

@@ -60,6 +60,8 @@ constexpr std::uint32_t regLive = 425;            // 9 bytes
 constexpr std::uint32_t regSearchDirection = 440; // 0 forward, 1 backward
 constexpr std::uint32_t regSearch = 441;          // 4 bytes: state, distance from the trigger
 constexpr std::uint32_t regSearchPattern = 445;   // 30 bytes: alternating value and compare bytes
+constexpr std::uint32_t regMaster = 800;          // 50 bytes: control, status, setup
+constexpr std::uint32_t regMasterStatus = 801;
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';
