@@ -174,8 +174,7 @@ Board::Bytes Board::Run(std::uint8_t function) {
     case fnReadMemory:
         return DataReply(ReadMemory());
     case fnReadTarget:
-        return DataReply(Bytes(target_.begin() + (address_ & 0xFF),
-                               target_.begin() + (address_ & 0xFF) + length_ % 0xFF00));
+        return DataReply(target_.Read(address_, length_));
     case fnSamplesBefore:
         return DataReply(ReadRecords(&Sequencer::At, -std::int64_t{address_}));
     case fnSamplesAfter:
@@ -193,11 +192,19 @@ Board::Bytes Board::Run(std::uint8_t function) {
     case fnStartSearch:
         Search();
         return Acknowledge();
+<<<<<<< HEAD
     case fnStartPerformance:
         performance_.Start(std::span(memory_).subspan(regPerformance, performanceSetupBytes));
         return Acknowledge();
     case fnStopPerformance:
         performance_.Stop();
+=======
+    case fnExerciserGo:
+        master_.Go(MasterRegisters(), target_, faults.master);
+        return Acknowledge();
+    case fnExerciserStop:
+        Master::Stop(MasterRegisters());
+>>>>>>> exercore
         return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
@@ -219,13 +226,11 @@ Board::Bytes Board::TakePayload() {
     const std::uint8_t function = *payloadFunction_;
     payloadFunction_.reset();
     log("host  " + Hex(payload_) + "payload for " + std::string(FunctionName(function)));
-    for (std::size_t i = 0; i < payload_.size(); ++i) {
-        const std::size_t at = (address_ + i) % memorySize;
-        if (function == fnWriteMemory) {
-            memory_[at] = payload_[i];
-        } else if (function == fnWriteTarget) {
-            target_[at] = payload_[i];
-        }
+    if (function == fnWriteTarget) {
+        target_.Write(address_, payload_);
+    }
+    for (std::size_t i = 0; i < payload_.size() && function == fnWriteMemory; ++i) {
+        memory_[(address_ + i) % memorySize] = payload_[i];
     }
     if (function == fnFirmwareRecord) {
         firmware_.Write(address_, payload_);
@@ -340,6 +345,10 @@ void Board::UpdateCounters() {
     }
 }
 
+std::span<std::uint8_t> Board::MasterRegisters() {
+    return std::span(memory_).subspan(regMaster, masterRegisters);
+}
+
 Board::Bytes Board::ReadMemory() {
     const auto live = sequencer_.LiveStatus();
     std::copy(live.begin(), live.end(), memory_.begin() + regLive);
@@ -349,6 +358,9 @@ Board::Bytes Board::ReadMemory() {
     Bytes bytes;
     for (std::uint32_t i = 0; i < length_; ++i) {
         bytes.push_back(memory_[(address_ + i) % memorySize]);
+    }
+    if (address_ == regMasterStatus) {
+        Master::Polled(MasterRegisters(), faults.master);
     }
     if (address_ == regSearch && memory_[regSearch] == searching && --faults.searchBusy <= 0) {
         memory_[regSearch] = searchState_;

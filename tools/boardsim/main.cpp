@@ -30,8 +30,13 @@ constexpr auto usage =
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
     "--flash keeps FILE equal to the downloaded firmware, as an Intel hex file.\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
+<<<<<<< HEAD
     "short-reply N, refuse N, refuse-rate, mute N, search-busy N, delay MS, half-frame, normal;\n"
     "go-away pulls the cable, come-back plugs it in again.\n";
+=======
+    "short-reply N, refuse N, mute N, search-busy N, step-busy N, step-status N,\n"
+    "stuck-bit ADDRESS, delay MS, half-frame, go-away, normal.\n";
+>>>>>>> exercore
 
 volatile std::sig_atomic_t stopped = 0;
 
@@ -276,6 +281,12 @@ private:
             board_.faults.mute = number;
         } else if (word == "search-busy") {
             board_.faults.searchBusy = number;
+        } else if (word == "step-busy") {
+            board_.faults.master.busy = number;
+        } else if (word == "step-status") {
+            board_.faults.master.status = static_cast<std::uint8_t>(number);
+        } else if (word == "stuck-bit") {
+            board_.faults.master.stuck = static_cast<std::uint64_t>(number);
         } else if (word == "delay") {
             delay_ = std::chrono::milliseconds(number);
         } else if (word == "half-frame") {

@@ -62,6 +62,8 @@ constexpr std::uint32_t regSearch = 441;          // 4 bytes: state, distance fr
 constexpr std::uint32_t regSearchPattern = 445;   // 30 bytes: alternating value and compare bytes
 constexpr std::uint32_t regPerformance = 499;     // 241 bytes: type, 8 rows of 30 bytes
 constexpr std::uint32_t regCounters = 748;        // 32 bytes: 8 values, the low byte first
+constexpr std::uint32_t regMaster = 800;          // 50 bytes: control, status, setup
+constexpr std::uint32_t regMasterStatus = 801;
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';
