@@ -192,19 +192,17 @@ Board::Bytes Board::Run(std::uint8_t function) {
     case fnStartSearch:
         Search();
         return Acknowledge();
-<<<<<<< HEAD
     case fnStartPerformance:
         performance_.Start(std::span(memory_).subspan(regPerformance, performanceSetupBytes));
         return Acknowledge();
     case fnStopPerformance:
         performance_.Stop();
-=======
+        return Acknowledge();
     case fnExerciserGo:
         master_.Go(MasterRegisters(), target_, faults.master);
         return Acknowledge();
     case fnExerciserStop:
         Master::Stop(MasterRegisters());
->>>>>>> exercore
         return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:

@@ -1,11 +1,8 @@
 #pragma once
 
-<<<<<<< HEAD
 #include "firmware_image.h"
-#include "performance.h"
-=======
 #include "master.h"
->>>>>>> exercore
+#include "performance.h"
 #include "sequencer.h"
 #include "target.h"
 #include "traffic.h"
@@ -43,11 +40,8 @@ struct Faults {
     int shortReply = 0;       // number of bytes that the next data reply lacks at its end
     int mute = 0;             // this function gets no answer any more
     int searchBusy = 0;       // number of polls of a search that find it busy
-<<<<<<< HEAD
     bool refuseRate = false;  // a change of rate is answered with another byte and not made
-=======
     MasterFaults master;
->>>>>>> exercore
 };
 
 /// The board's side of the wire, byte by byte, without a line.
@@ -91,24 +85,17 @@ private:
     Bytes DataReply(const Bytes& data);
     void StartTrace();
     void Search();
-<<<<<<< HEAD
     void UpdateCounters();
-=======
     [[nodiscard]] std::span<std::uint8_t> MasterRegisters();
->>>>>>> exercore
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
     std::string Describe(std::uint8_t opcode, std::uint8_t parameter) const;
 
     std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
-<<<<<<< HEAD
-    std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
     FirmwareImage firmware_;
-=======
     Master master_;
     Target target_;
->>>>>>> exercore
     Sequencer sequencer_;
     Performance performance_;
     std::unique_ptr<Traffic> traffic_;

@@ -30,13 +30,9 @@ constexpr auto usage =
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
     "--flash keeps FILE equal to the downloaded firmware, as an Intel hex file.\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
-<<<<<<< HEAD
-    "short-reply N, refuse N, refuse-rate, mute N, search-busy N, delay MS, half-frame, normal;\n"
+    "short-reply N, refuse N, refuse-rate, mute N, search-busy N, step-busy N, step-status N,\n"
+    "stuck-bit ADDRESS, delay MS, half-frame, normal;\n"
     "go-away pulls the cable, come-back plugs it in again.\n";
-=======
-    "short-reply N, refuse N, mute N, search-busy N, step-busy N, step-status N,\n"
-    "stuck-bit ADDRESS, delay MS, half-frame, go-away, normal.\n";
->>>>>>> exercore
 
 volatile std::sig_atomic_t stopped = 0;
 
