@@ -66,7 +66,7 @@ protected:
     // Called from LayOut:
 
     // Widths of the column of labels in a group.
-    static constexpr int shortLabels = 40;
+    static constexpr int shortLabels = 46;
     static constexpr int longLabels = 74;
 
     /// Places a field in a group of the form, with its label.

@@ -9,6 +9,8 @@
 #include <QRandomGenerator>
 #include <QScrollBar>
 
+#include <cmath>
+
 namespace busquill {
 
 namespace {
@@ -28,7 +30,7 @@ std::vector<std::uint8_t> RandomBytes(int count) {
 CMemoryListBox::CMemoryListBox(QWidget* parent, std::function<bool()> isDemo)
     : QAbstractScrollArea(parent), isDemo_(std::move(isDemo)),
       font_(FontOfCellHeight(rowHeight, QFont::Bold, FontFace::Fixed)),
-      charWidth_(QFontMetrics(font_).horizontalAdvance('0')) {
+      charWidth_(static_cast<int>(std::ceil(QFontMetricsF(font_).horizontalAdvance('0')))) {
     setAccessibleName("Memory");
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     verticalScrollBar()->setSingleStep(1);

@@ -161,6 +161,22 @@ TEST_F(MasterWindow, TheDumpHasAThousandRowsAndScrolls) {
     EXPECT_EQ(bar.value(), bar.pageStep());
 }
 
+// A character that is cut would be a byte that nobody sees.
+TEST_F(MasterWindow, TheRowsOfTheDumpFitItsWidth) {
+    board.contents[dataRegister] = Bytes(32, 'M');
+    StartOnBoard();
+    Type("AddressEnd", "000000000000001f");
+    Go();
+    ASSERT_TRUE(Ends());
+    QTest::mouseMove(&Dump());
+    const QImage picture = Dump().viewport()->grab().toImage();
+    for (int x = picture.width() - 2; x < picture.width(); ++x) {
+        for (int y = 0; y < 16; ++y) {
+            EXPECT_EQ(picture.pixelColor(x, y), QColor(Qt::white)) << x << " " << y;
+        }
+    }
+}
+
 TEST_F(MasterWindow, AnEndBelowTheStartIsRefused) {
     StartOnBoard();
     Type("AddressStart", "0000000000000010");
