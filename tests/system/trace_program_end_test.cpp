@@ -116,8 +116,7 @@ TEST_F(TraceProgramEnd, InvalidPortsAreReported) {
         const ProgramRun run = RunTrace({"board", "--port", port});
         EXPECT_EQ(run.status, 3);
         EXPECT_EQ(run.out, "");
-        EXPECT_EQ(run.err,
-                  Line("the port " + port + " is not a serial port"));
+        EXPECT_EQ(run.err, Line("the port " + port + " is not a serial port"));
     }
     EXPECT_EQ(ReadWholeFile(files.File("port")), "no terminal\n");
     const ProgramRun run = RunTrace({"board", "--port", "/nonexistent/tty"});
