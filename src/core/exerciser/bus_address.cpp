@@ -1,10 +1,6 @@
 #include "exerciser/bus_address.h"
 
-#include "platform/text.h"
-
 #include <algorithm>
-#include <cstdlib>
-#include <string>
 
 namespace busquill {
 
@@ -58,26 +54,6 @@ std::uint64_t RangeLength(const BusAddress& start, const BusAddress& end) noexce
         length = length << 8 | span.count[i];
     }
     return length;
-}
-
-std::string BusAddressText(const BusAddress& address) {
-    std::string text;
-    for (std::size_t i = address.size(); i-- > 0;) {
-        text += Printf("%02x", address[i]);
-    }
-    return text;
-}
-
-BusAddress ParseBusAddress(std::string_view text) {
-    BusAddress address{};
-    for (std::size_t i = 0; i < address.size() && 2 * i + 1 < text.size(); ++i) {
-        address[address.size() - 1 - i] = ParseHexByte(text.substr(2 * i, 2));
-    }
-    return address;
-}
-
-std::uint8_t ParseHexByte(std::string_view text) {
-    return static_cast<std::uint8_t>(std::strtol(std::string(text).c_str(), nullptr, 16));
 }
 
 } // namespace busquill

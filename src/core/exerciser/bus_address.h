@@ -3,8 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
-#include <string_view>
 
 namespace busquill {
 
@@ -35,13 +33,5 @@ struct RangeStep {
 
 /// The bytes from `start` to `end`, modulo 2 to the power of 64.
 [[nodiscard]] std::uint64_t RangeLength(const BusAddress& start, const BusAddress& end) noexcept;
-
-/// 16 lower-case hexadecimal digits, the most significant first.
-[[nodiscard]] std::string BusAddressText(const BusAddress& address);
-/// Pairs of digits from the left go into the most significant bytes; missing pairs are 0, and a
-/// single last digit does not count.
-[[nodiscard]] BusAddress ParseBusAddress(std::string_view text);
-/// The low byte of the hexadecimal number at the beginning of a text; 0 when there is none.
-[[nodiscard]] std::uint8_t ParseHexByte(std::string_view text);
 
 } // namespace busquill

@@ -1,5 +1,6 @@
 #include "exerciser/form_values.h"
 
+#include "document/hex_fields.h"
 #include "exerciser/form_lists.h"
 
 #include <algorithm>
@@ -26,7 +27,7 @@ void FormValues::Apply(std::string_view key, std::span<const std::string_view> l
 
 void FormValues::Apply(std::string_view key, BusAddress& address) const {
     if (const std::string* value = Find(key)) {
-        address = ParseBusAddress(*value);
+        address = ParseHexAddress(*value);
     }
 }
 

@@ -1,6 +1,6 @@
 #include "exerciser/master_document.h"
 
-#include "platform/text.h"
+#include "document/hex_fields.h"
 
 #include <algorithm>
 
@@ -30,10 +30,6 @@ std::int32_t AddressSizeOf(const std::string* text) {
 std::int32_t CommandOf(const std::string& text, const MasterFamily& family) {
     const std::int32_t command = IndexInList(masterCommands, text);
     return command < static_cast<std::int32_t>(family.commands.size()) ? command : MasterNoCommand;
-}
-
-std::string HexByte(std::uint8_t value) {
-    return Printf("%02x", value);
 }
 
 } // namespace
@@ -76,7 +72,6 @@ void CMasterDoc::EndReading() {
         form_.command = CommandOf(*command, family);
     }
     values_.Apply("Repeat", form_.repeat);
-    values_.Clear();
     UpdateAllViews(nullptr);
 }
 
@@ -84,21 +79,21 @@ void CMasterDoc::WriteRecords(RecordWriter& writer) const {
     const MasterFamily& family = Family();
     writer.Write({"AddressSpace", TextInList(family.spaces, form_.addressSpace)});
     writer.Write({"AddressSize", TextInList(exerciserSizes, form_.addressSize)});
-    writer.Write({"AddressStart", BusAddressText(form_.addressStart)});
-    writer.Write({"AddressEnd", BusAddressText(form_.addressEnd)});
+    writer.Write({"AddressStart", HexAddressText(form_.addressStart)});
+    writer.Write({"AddressEnd", HexAddressText(form_.addressEnd)});
     writer.Write({"DataSize", TextInList(exerciserSizes, form_.dataSize)});
     writer.Write({"DataCycle", TextInList(masterCycles, form_.dataCycle)});
     writer.Write({"DataType", TextInList(masterDataTypes, form_.dataType)});
-    writer.Write({"DataValue", BusAddressText(form_.dataValue)});
+    writer.Write({"DataValue", HexAddressText(form_.dataValue)});
     writer.Write({"DataFilename", form_.dataFilename});
     if (family.attributes) {
         for (const MasterAttribute& attribute : masterAttributes) {
-            writer.Write({attribute.key, HexByte(form_.*attribute.value)});
+            writer.Write({attribute.key, HexByteText(form_.*attribute.value)});
         }
     }
     if (family.addressModifier) {
-        writer.Write({"AddressModifier", HexByte(form_.addressModifier)});
-        writer.Write({"BusRequestLevel", HexByte(form_.busRequestLevel)});
+        writer.Write({"AddressModifier", HexByteText(form_.addressModifier)});
+        writer.Write({"BusRequestLevel", HexByteText(form_.busRequestLevel)});
     }
     writer.Write({"Command", TextInList(family.commands, form_.command)});
     writer.Write({"Repeat", form_.repeat});

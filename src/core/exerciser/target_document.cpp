@@ -1,6 +1,6 @@
 #include "exerciser/target_document.h"
 
-#include "platform/text.h"
+#include "document/hex_fields.h"
 
 namespace busquill {
 
@@ -40,7 +40,6 @@ void CTargetDoc::EndReading() {
     if (family.addressModifier) {
         values_.Apply("AddressModifier", addressModifierBits, form_.addressModifier);
     }
-    values_.Clear();
     UpdateAllViews(nullptr);
 }
 
@@ -48,16 +47,16 @@ void CTargetDoc::WriteRecords(RecordWriter& writer) const {
     const TargetFamily& family = Family();
     writer.Write({"AddressSpace", TextInList(family.spaces, form_.addressSpace)});
     writer.Write({"AddressSize", TextInList(targetLengths, form_.busLength)});
-    writer.Write({"AddressStart", BusAddressText(form_.addressStart)});
-    writer.Write({"AddressEnd", BusAddressText(form_.addressEnd)});
+    writer.Write({"AddressStart", HexAddressText(form_.addressStart)});
+    writer.Write({"AddressEnd", HexAddressText(form_.addressEnd)});
     if (family.addressModifier) {
-        writer.Write({"AddressModifier", Printf("%02x", form_.addressModifier)});
+        writer.Write({"AddressModifier", HexByteText(form_.addressModifier)});
     }
     writer.Write({"DataSize", TextInList(exerciserSizes, form_.dataSize)});
     // The target has no cycle, and the name of its data file is not kept; their keys are.
     writer.Write({"DataCycle", ""});
     writer.Write({"DataType", TextInList(targetDataTypes, form_.dataType)});
-    writer.Write({"DataValue", BusAddressText(form_.dataValue)});
+    writer.Write({"DataValue", HexAddressText(form_.dataValue)});
     writer.Write({"DataFilename", ""});
 }
 

@@ -1,6 +1,7 @@
 #include "performance/performance_document.h"
 
 #include "document/csv_line.h"
+#include "document/hex_fields.h"
 #include "platform/text.h"
 #include "platform/text_file.h"
 
@@ -41,16 +42,6 @@ std::int32_t IndexOf(std::span<const std::string_view> texts, std::string_view t
 
 std::uint32_t ParseHex(const std::string& text) {
     return static_cast<std::uint32_t>(std::strtoll(text.c_str(), nullptr, 16));
-}
-
-/// Pairs of digits, the most significant byte first. Missing pairs and half ones are 0.
-std::array<std::uint8_t, 8> ParseAddress(const std::string& text) {
-    std::array<std::uint8_t, 8> address{};
-    for (std::size_t i = 0; i < address.size() && 2 * i + 1 < text.size(); ++i) {
-        address[address.size() - 1 - i] =
-            static_cast<std::uint8_t>(ParseHex(text.substr(2 * i, 2)));
-    }
-    return address;
 }
 
 void AppendNumber(std::string& line, std::int64_t number) {
@@ -135,8 +126,8 @@ void CPerformanceDoc::TakeItem(const Fields& fields) {
     PerformanceItem& item = setup_.items[static_cast<std::size_t>(number) - 1];
     item.item = IndexOf(PerformanceTypeOf(setup_.type).items, fields[2], item.item);
     item.cycle = IndexOf(PerformanceCycles(board_()), fields[3], item.cycle);
-    item.lowAddress = ParseAddress(fields[4]);
-    item.highAddress = ParseAddress(fields[5]);
+    item.lowAddress = ParseHexAddress(fields[4]);
+    item.highAddress = ParseHexAddress(fields[5]);
     item.color = ParseHex(fields[6]);
     item.style = ParseInt(fields[7]);
 }

@@ -1,5 +1,6 @@
 #include "performance/performance_setup.h"
 
+#include "document/hex_fields.h"
 #include "link/board_identity.h"
 #include "platform/text.h"
 
@@ -171,11 +172,7 @@ std::string PerformanceRowText(const PerformanceSetup& setup, std::size_t row,
 }
 
 std::string PerformanceAddressText(const std::array<std::uint8_t, 8>& address) {
-    std::string text;
-    for (std::size_t i = address.size(); i-- > 0;) {
-        text += Printf("%02x", address[i]);
-    }
-    return text;
+    return HexAddressText(address);
 }
 
 std::vector<std::uint8_t> BuildPerformanceSetup(const PerformanceSetup& setup) {

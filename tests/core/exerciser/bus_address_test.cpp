@@ -71,31 +71,5 @@ TEST(LowAddress, IsTheLowHalf) {
     EXPECT_EQ(LowAddress({0x78, 0x56, 0x34, 0x92, 1, 2, 3, 4}), 0x92345678U);
 }
 
-TEST(BusAddressText, BeginsWithTheMostSignificantByte) {
-    EXPECT_EQ(BusAddressText({0x0F, 0, 0xAB, 0, 0, 0, 0, 0x12}), "1200000000ab000f");
-}
-
-TEST(ParseBusAddress, FillsTheTopBytesFirst) {
-    EXPECT_EQ(ParseBusAddress("1200000000AB000f"), (BusAddress{0x0F, 0, 0xAB, 0, 0, 0, 0, 0x12}));
-    EXPECT_EQ(ParseBusAddress("12"), (BusAddress{0, 0, 0, 0, 0, 0, 0, 0x12}));
-    EXPECT_EQ(ParseBusAddress("123"), (BusAddress{0, 0, 0, 0, 0, 0, 0, 0x12}));
-    EXPECT_EQ(ParseBusAddress("1"), BusAddress{});
-    EXPECT_EQ(ParseBusAddress(""), BusAddress{});
-    EXPECT_EQ(ParseBusAddress("0102030405060708ff"), (BusAddress{8, 7, 6, 5, 4, 3, 2, 1}));
-}
-
-TEST(ParseBusAddress, TakesFromEachPairTheNumberItBeginsWith) {
-    EXPECT_EQ(ParseBusAddress("zz1z 2"), (BusAddress{0, 0, 0, 0, 0, 0x02, 0x01, 0}));
-    EXPECT_EQ(ParseBusAddress("-1"), (BusAddress{0, 0, 0, 0, 0, 0, 0, 0xFF}));
-}
-
-TEST(ParseHexByte, TakesTheLowByte) {
-    EXPECT_EQ(ParseHexByte("1a"), 0x1A);
-    EXPECT_EQ(ParseHexByte("0x1A"), 0x1A);
-    EXPECT_EQ(ParseHexByte("12345"), 0x45);
-    EXPECT_EQ(ParseHexByte(""), 0);
-    EXPECT_EQ(ParseHexByte("x"), 0);
-}
-
 } // namespace
 } // namespace busquill::test

@@ -261,6 +261,7 @@ TEST_F(MasterRunTest, TheCommandMayChangeDuringTheRun) {
     run.Poll();
     EXPECT_THAT(Commands(), Contains("read 816"));
     EXPECT_EQ(run.Memory(), nullptr) << "what is read has no place";
+    EXPECT_EQ(observer.memoryChanges, 0);
     Finish();
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
@@ -520,6 +521,17 @@ TEST_F(MasterRunTest, AReadWithoutAFileWritesNone) {
     run.Go();
     Finish();
     EXPECT_EQ(ReadWholeFile(dir.File("out.dat")), before);
+}
+
+TEST_F(MasterRunTest, TheFileOfAGoThatWasRefusedGetsNoBytesOfTheNext) {
+    UseFile(dir.File("out.dat"));
+    form.addressStart = {1};
+    run.Go();
+    form.addressStart = {0};
+    form.dataType = DataIsValue;
+    run.Go();
+    Finish();
+    EXPECT_EQ(ReadWholeFile(dir.File("out.dat")), "");
 }
 
 TEST_F(MasterRunTest, BytesBeyondTheLimitAreDropped) {
