@@ -19,6 +19,7 @@ constexpr int rowHeight = 16;
 
 std::vector<std::uint8_t> RandomBytes(int count) {
     std::vector<std::uint8_t> bytes;
+    bytes.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         bytes.push_back(DemoDumpByte(QRandomGenerator::global()->bounded(largestDemoRandom + 1)));
     }
