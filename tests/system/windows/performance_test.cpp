@@ -3,6 +3,8 @@
 #include "performance/performance_document.h"
 #include "performance/performance_setup_file.h"
 #include "support/board_program_fixture_qt.h"
+#include "ui/performance/graph_geometry.h"
+#include "ui/performance/graph_painter.h"
 #include "ui/performance/min_max_average_graph.h"
 #include "ui/performance/performance_child.h"
 #include "ui/performance/performance_setup_dialog.h"
@@ -13,6 +15,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTextBrowser>
 #include <QToolButton>
 #include <gmock/gmock.h>
 
@@ -59,6 +62,39 @@ protected:
         ASSERT_GE(index, 0) << name.toStdString();
         combo.setCurrentIndex(index);
         emit combo.activated(index);
+    }
+    template <class Graph>
+    Graph& GraphOf() {
+        return *frame->findChild<Graph*>();
+    }
+    /// The pixels of the time graph in the colour of row B.
+    int PixelsOfB() {
+        const QImage image = GraphOf<CTimeGraph>().grab().toImage();
+        int pixels = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                pixels += image.pixelColor(x, y) == QColor(Qt::red) ? 1 : 0;
+            }
+        }
+        return pixels;
+    }
+    /// Whether the range of row B has a cap or its mark at a value.
+    bool MarksB(int value) {
+        auto& graph = GraphOf<CMinMaxAverageGraph>();
+        const GraphGeometry geometry{graph.size(), ScreenGraphStyle().LabelWidth(),
+                                     PerformanceTypeOf(Document().Setup().type).scale};
+        const QPoint at(geometry.ItemX(1) + 3, geometry.ValueY(value));
+        return graph.grab().toImage().pixelColor(at) == QColor(Qt::red);
+    }
+    /// The least and the greatest value of row B so far.
+    std::pair<std::int32_t, std::int32_t> RangeOfB() {
+        const auto& results = Document().Results();
+        std::pair range(results.At(0)[1], results.At(0)[1]);
+        for (std::int64_t i = 0; i < results.Count(); ++i) {
+            range.first = std::min(range.first, results.At(i)[1]);
+            range.second = std::max(range.second, results.At(i)[1]);
+        }
+        return range;
     }
     void SetInterval(int milliseconds) { Document().Setup().updateInterval = milliseconds; }
 
@@ -157,6 +193,47 @@ TEST_F(Measurement, TheValueDisplayAppliesToAllRowsAndIsKept) {
     EXPECT_EQ(settings.GetProfileInt("Display", "PerfValueDisplay", -1), 3);
     OpenMeasurement("Latency");
     EXPECT_EQ(Box("Value Display").currentText(), "Max");
+}
+
+TEST_F(Measurement, IsDrawnAndANewOneBeginsAfresh) {
+    Connect();
+    OpenMeasurement("Utilization");
+    EXPECT_EQ(PixelsOfB(), 0);
+    SetInterval(5);
+    Click("Go");
+    ASSERT_TRUE(HasResults(20));
+    Click("Stop");
+    const auto count = Document().Results().Count();
+    ASSERT_TRUE(RunUntil([&] { return Text("Result Count").toLongLong() == count; }));
+    const auto [least, most] = RangeOfB();
+    EXPECT_GT(PixelsOfB(), 0);
+    EXPECT_TRUE(MarksB(least));
+    EXPECT_TRUE(MarksB(most));
+    SetInterval(600000);
+    Click("Go");
+    EXPECT_EQ(Document().Results().Count(), 0);
+    EXPECT_EQ(Text("Value A"), "");
+    EXPECT_EQ(PixelsOfB(), 0);
+    EXPECT_FALSE(MarksB(least));
+    ChooseIn("Value Display", "Max");
+    EXPECT_EQ(Text("Value A"), "") << "the old measurement does not count";
+    EXPECT_TRUE(RunUntil([&] { return Text("Result Count") == "00000000"; }));
+}
+
+TEST_F(Measurement, TheRowsNameTheCyclesOfTheBus) {
+    Connect({"--model", "VSBKite"});
+    OpenMeasurement("Statistics");
+    EXPECT_EQ(Text("Label A"), " Cycle : Sys Rd");
+    EXPECT_EQ(Text("Label E"), " Cycle : Alt Rd");
+    AnswerDialog<CPerformanceSetupDialog>(
+        [&] { Click("Setup"); },
+        [](CPerformanceSetupDialog& dialog) {
+            EXPECT_EQ(dialog.findChild<QComboBox*>("Cycle A")->currentText(), "Sys Rd");
+        });
+    Connect({"--model", "VMEKite"});
+    OpenMeasurement("Statistics");
+    EXPECT_EQ(Text("Label A"), " Cycle : Mem Rd");
+    EXPECT_EQ(Text("Label C"), " Cycle") << "the bus has no such cycle";
 }
 
 TEST_F(Measurement, ASetupIsSavedChosenAndUsed) {
@@ -310,6 +387,90 @@ TEST_F(MeasurementWithoutBoard, MovesInDemoMode) {
     }
     EXPECT_TRUE(moved);
     EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MeasurementWithoutBoard, HasItsRowsAboveTheGraphs) {
+    OpenMeasurement("Utilization");
+    const auto place = [&](const char* name) {
+        return frame->findChild<QLabel*>(name)->geometry();
+    };
+    EXPECT_EQ(place("Label A"), QRect(50, 5, 200, 20));
+    EXPECT_EQ(place("Value A"), QRect(253, 5, 50, 20));
+    EXPECT_EQ(place("Label D"), QRect(50, 74, 200, 20));
+    EXPECT_EQ(place("Label E"), QRect(410, 5, 200, 20));
+    EXPECT_EQ(place("Value H"), QRect(613, 74, 50, 20));
+    frame->resize(801, 600);
+    QApplication::processEvents();
+    const QSize size = View().size();
+    const int center = size.width() / 2;
+    const int height = size.height() - 40 - 120;
+    EXPECT_EQ(GraphOf<CTimeGraph>().geometry(), QRect(10, 120, center - 15 - 10, height));
+    EXPECT_EQ(GraphOf<CMinMaxAverageGraph>().geometry(),
+              QRect(center + 15, 120, size.width() - 10 - (center + 15), height));
+    QStringList buttons;
+    for (const int slot : {0, 1, 5, 6}) {
+        const QPoint at(Form::SlotLeft(slot) + 5, size.height() - 20);
+        const auto* button = qobject_cast<QPushButton*>(View().childAt(at));
+        buttons += button != nullptr ? button->text() : QString();
+    }
+    EXPECT_EQ(buttons, QStringList({"&Load", "&Save", "&Help", "&Close"}));
+}
+
+TEST_F(MeasurementWithoutBoard, ALoadedOneIsDrawn) {
+    OpenMeasurement("Latency");
+    for (const std::int32_t value : {200, 700}) {
+        Document().Results().Add({0, value, 0, 0, 0, 0, 0, 0});
+    }
+    const std::string path = dir.File("two.per");
+    ASSERT_TRUE(Document().OnSaveDocument(path));
+    OpenMeasurement("Utilization");
+    SetInterval(1);
+    Click("Go");
+    ASSERT_TRUE(HasResults(10));
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_EQ(Text("Label A"), " Master : All");
+    EXPECT_EQ(Text("Value A"), "");
+    EXPECT_TRUE(MarksB(200));
+    EXPECT_TRUE(MarksB(700));
+    EXPECT_FALSE(MarksB(0)) << "nothing is left of what was there";
+    ASSERT_TRUE(RunUntil([&] { return Text("Result Count") == "00000002"; }));
+    EXPECT_GT(PixelsOfB(), 0);
+}
+
+TEST_F(MeasurementWithoutBoard, HelpOpensItsPage) {
+    OpenMeasurement("Utilization");
+    const auto expectHelp = [] {
+        QWidget* help = nullptr;
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->windowTitle() == "Busquill! Help" && window->isVisible()) {
+                help = window;
+            }
+        }
+        ASSERT_NE(help, nullptr);
+        EXPECT_THAT(help->findChild<QTextBrowser*>()->toPlainText().toStdString(),
+                    StartsWith("Bus performance\n"));
+        help->hide();
+    };
+    Press(View(), "Help");
+    expectHelp();
+    AnswerDialog<CPerformanceSetupDialog>([&] { Click("Setup"); },
+                                          [&](CPerformanceSetupDialog& dialog) {
+                                              Press(dialog, "Help");
+                                              expectHelp();
+                                          });
+}
+
+TEST_F(MeasurementWithoutBoard, ASetupThatIsChosenAndCancelledChangesTheNameOnly) {
+    std::ofstream(dir.File("Other.psu")) << "Version=1.00\nItem0=3\n";
+    OpenMeasurement("Utilization");
+    Document().Results().Add({});
+    AnswerDialog<CPerformanceSetupDialog>([&] { ChooseIn("Setup Box", "Other"); },
+                                          [](CPerformanceSetupDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(Document().Setup().setupName, "Other");
+    EXPECT_EQ(Document().Setup().items[0].item, 1);
+    EXPECT_EQ(Text("Label A"), " Bus Busy : All");
+    EXPECT_EQ(Document().Results().Count(), 1);
 }
 
 TEST_F(MeasurementWithoutBoard, AFileThatIsNoneIsRefused) {
