@@ -9,6 +9,9 @@
 
 #include <QComboBox>
 #include <QScrollBar>
+#include <QTextBlock>
+#include <QTextBrowser>
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace busquill::test {
@@ -90,6 +93,18 @@ protected:
         std::vector<int> functions;
         line->Do([&] { functions = board.functions; });
         return functions;
+    }
+
+    /// The title of the page that the button Help opens.
+    std::string HelpPage() {
+        Press(View(), "Help");
+        for (QWidget* each : QApplication::topLevelWidgets()) {
+            auto* browser = each->findChild<QTextBrowser*>();
+            if (each->isVisible() && browser != nullptr) {
+                return browser->document()->begin().text().toStdString();
+            }
+        }
+        return "";
     }
 
     CGoStopChild* frame = nullptr;

@@ -5,7 +5,6 @@
 #include "platform/text.h"
 
 #include <algorithm>
-#include <filesystem>
 
 namespace busquill {
 
@@ -43,8 +42,7 @@ bool ExerciserRun::OpenData(bool isFile, bool read, const std::string& path,
 }
 
 bool ExerciserRun::CreateDataFile(const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::exists(path, error) && !Boxes().AskYesNo(fileExists)) {
+    if (TextReader().Open(path) && !Boxes().AskYesNo(fileExists)) {
         return false;
     }
     CloseDataFile();

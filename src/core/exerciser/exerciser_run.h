@@ -81,8 +81,9 @@ protected:
 
     /// The memory is empty and begins at the current address.
     void BeginMemory();
-    /// Keeps the bytes of the step, also in the data file. Those beyond the memory's limit, and
-    /// those of a command that has become a read during the run, are dropped.
+    /// Keeps the bytes of the step, also in the data file. Those beyond the memory's limit are
+    /// dropped, and so are those before the first Go of a read, of a command that has become a read
+    /// during its run.
     void KeepRead(std::span<const std::uint8_t> step);
 
 private:

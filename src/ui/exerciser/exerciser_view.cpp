@@ -21,8 +21,6 @@ namespace busquill {
 namespace {
 
 constexpr int dumpTop = 5;
-constexpr int groupInset = 2; // on each side, so that neighbours do not touch
-constexpr int fieldMargin = 8;
 
 std::uint64_t NumberOf(const BusAddress& bytes) {
     std::uint64_t number = 0;
@@ -164,8 +162,7 @@ std::vector<QRect> ExerciserView::GroupPlaces(std::span<const int> widths, int t
     std::vector<QRect> places;
     int left = Form::margin;
     for (const int each : widths) {
-        places.push_back(
-            Form::GroupPlace(left + groupInset, each - 2 * groupInset, top, bottom, height()));
+        places.push_back(Form::GroupPlace(left, each, top, bottom, height()));
         left += each;
     }
     return places;

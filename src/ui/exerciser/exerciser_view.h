@@ -65,6 +65,7 @@ protected:
 
     // Called from LayOut:
 
+    static constexpr int fieldMargin = 8; // in a group, on both sides
     // Widths of the column of labels in a group.
     static constexpr int shortLabels = 46;
     static constexpr int longLabels = 74;

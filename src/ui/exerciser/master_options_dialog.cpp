@@ -17,7 +17,7 @@ CMasterOptionsDialog::CMasterOptionsDialog(QWidget* parent, std::uint8_t& mask)
     }
     level_->setCurrentIndex(BusRequestLevelOf(mask));
     auto* rows = new QFormLayout;
-    rows->addRow("&Bus Request Level", level_);
+    rows->addRow("Bus Request Level", level_);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &CMasterOptionsDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -1,6 +1,7 @@
 #include "ui/exerciser/master_view.h"
 
 #include "exerciser/master_document.h"
+#include "platform/main_thread.h"
 #include "platform/prompts.h"
 #include "ui/exerciser/master_options_dialog.h"
 #include "ui/exerciser/memory_list.h"
@@ -9,6 +10,8 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QRegularExpressionValidator>
+#include <QTimer>
 
 namespace busquill {
 
@@ -59,6 +62,7 @@ void CMasterView::MakeFields() {
     repeat_ = new QLineEdit(this);
     repeat_->setObjectName("Repeat");
     repeat_->setAlignment(Qt::AlignRight);
+    repeat_->setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), repeat_));
     connect(repeat_, &QLineEdit::textEdited, this,
             [&form](const QString& text) { form.repeat = text.toStdString(); });
     AddShown([this, &form] { repeat_->setText(QString::fromStdString(form.repeat)); });
@@ -100,14 +104,14 @@ void CMasterView::LayOut() {
             const std::string_view label = masterAttributes[i].label;
             PlaceField(*attributes_[i],
                        QString::fromUtf8(label.data(), static_cast<qsizetype>(label.size())), --row,
-                       groups[2]);
+                       groups[2], longLabels);
         }
     }
 
     const QRect& command = groups.back();
     AddGroup("Command", command);
     PlaceField(*command_, "", 3, command);
-    PlaceField(*repeat_, "Repeat", 2, command, command.width() / 2);
+    PlaceField(*repeat_, "Repeat", 2, command, command.width() / 2 - fieldMargin);
     PlaceField(*status_, "", 0, command);
     status_->setGeometry(
         status_->geometry().united(Form::FieldPlace(1, status_->x(), status_->width(), height())));
@@ -128,10 +132,15 @@ void CMasterView::OnStatus(std::span<const std::string_view> lines) {
     status_->setCurrentRow(status_->count() - 1);
 }
 
-/// The first poll comes when no event waits, so that a quick step is not held up by the timer.
+/// The first poll comes when no event waits, so that a quick step is not held up by the period, and
+/// the user's Stop not by quick steps. While a box of another thread is open, the period's polls
+/// wait, and so does this one.
 void CMasterView::OnStepStarted() {
-    QMetaObject::invokeMethod(
-        this, [this] { run_.Poll(); }, Qt::QueuedConnection);
+    QTimer::singleShot(0, this, [this] {
+        if (!Machine().mainThread.BoxOpen()) {
+            run_.Poll();
+        }
+    });
 }
 
 void CMasterView::EditOptions() {

@@ -30,7 +30,6 @@ private:
     void OnStepStarted() override;
 
     void MakeFields();
-    void ShowDataFields();
     void EditOptions();
 
     CMasterDoc& document_;

@@ -49,7 +49,7 @@ void CTargetView::MakeFields() {
     }
     waitStates_ = &waitStates;
     response_ = &AddList("Response", targetResponses, form.response);
-    enabled_ = new QCheckBox("&Enable Target", this);
+    enabled_ = new QCheckBox("Enable Target", this);
     connect(enabled_, &QCheckBox::clicked, this, [this, &form](bool checked) {
         form.enabled = checked;
         run_.SendSetup(); // reports its failure

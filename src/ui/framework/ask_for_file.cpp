@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 
 namespace busquill {
 
@@ -15,8 +16,8 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
                        QString::fromStdString(question.filter));
     dialog.setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(mayBeNew ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    if (mayBeNew) {
-        // Only here: otherwise it would be appended to the name of the file to open.
+    if (saves) {
+        // Only when saving: otherwise it would be appended to the name of the file to open.
         dialog.setDefaultSuffix(extension.mid(1));
     }
     if (question.use == FileUse::Name) {
@@ -43,6 +44,10 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
         if (QFile::exists(path) && !prompts.AskYesNo("File already exists. Overwrite?")) {
             return "";
         }
+    }
+    if (question.use == FileUse::Name && !QFile::exists(path) &&
+        QFileInfo(path).suffix().isEmpty()) {
+        path += extension;
     }
     return path.toStdString();
 }

@@ -19,6 +19,7 @@ constexpr std::uint32_t controlRegister = 800;
 constexpr std::uint32_t statusRegister = 801;
 constexpr std::uint32_t addressRegister = 804;
 constexpr std::uint32_t dataRegister = 816;
+constexpr int exerciserStop = 24; // a function of the board
 
 constexpr int pciX = 1;
 constexpr int vme = 2;
@@ -195,6 +196,7 @@ TEST_F(MasterWindow, StopSendsTheCommandAndEndsTheRun) {
     EXPECT_EQ(frame->RunState(), RunPicture::Running);
     Stop();
     EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    EXPECT_EQ(Functions().back(), exerciserStop);
     const auto functions = Functions().size();
     QTest::qWait(300);
     EXPECT_EQ(Functions().size(), functions);
@@ -204,11 +206,11 @@ TEST_F(MasterWindow, CanBeClosedDuringARun) {
     board.contents[statusRegister] = {0x81};
     StartOnBoard();
     Go();
-    const auto writes = Writes().size();
+    const auto lastFunction = [this] { return Functions().back(); };
     Press(View(), "Close");
     QTest::qWait(300);
     EXPECT_TRUE(Windows().isEmpty());
-    EXPECT_EQ(Writes().size(), writes);
+    EXPECT_NE(lastFunction(), exerciserStop);
     EXPECT_TRUE(program->Link().IsIdle());
 }
 
@@ -344,22 +346,91 @@ TEST_F(MasterWindow, InDemoModeRunsThroughTheRangeOverRandomBytes) {
     EXPECT_NE(Dump().RowText(999), Dump().RowText(999));
 }
 
-TEST_F(MasterWindow, KeepsItsFormAtTheBottom) {
+/// Where the groups of the form must be, by its width.
+struct Columns {
+    std::vector<int> left;
+    std::vector<int> right;
+};
+
+TEST_F(MasterWindow, LaysOutTheForm) {
     StartOnBoard();
-    const std::pair<QSize, int> sizes[] = {{{600, 400}, 220}, {{900, 600}, 0}, {{420, 330}, 160}};
-    for (const auto& [size, width] : sizes) {
-        frame->resize(size);
+    const std::pair<QSize, Columns> sizes[] = {
+        {{600, 400}, {{10, 230, 450}, {230, 450, 590}}},
+        {{900, 600}, {{10, 342, 674}, {342, 674, 889}}},
+        {{420, 330}, {{10, 170, 330}, {170, 330, 470}}}}; // no narrower
+    for (const auto& [size, columns] : sizes) {
+        frame->resize(size + (frame->size() - View().size()).expandedTo({0, 0}));
+        frame->resize(frame->width() + size.width() - View().width(), size.height());
         QApplication::processEvents();
+        ASSERT_EQ(View().width(), size.width());
         const int height = View().height();
-        EXPECT_EQ(Field("AddressEnd").geometry().bottom() + 1, height - 45);
-        EXPECT_EQ(List("AddressSpace").geometry().top(), height - 140);
-        EXPECT_EQ(Dump().geometry().top(), 5);
-        EXPECT_EQ(Dump().geometry().bottom() + 1, height - 171);
-        EXPECT_EQ(Dump().geometry().left(), 10);
-        EXPECT_EQ(Dump().geometry().right() + 1, View().width() - 10);
-        EXPECT_LT(Field("AddressEnd").geometry().right(), List("DataSize").geometry().left());
-        EXPECT_LT(List("DataSize").geometry().right(), List("Command").geometry().left());
+        EXPECT_EQ(Dump().geometry(), QRect(QPoint(10, 5), QPoint(size.width() - 11, height - 172)));
+        // Row r is from 65 + 25r to 45 + 25r above the bottom.
+        const std::tuple<QWidget*, int, std::size_t> fields[] = {
+            {&List("AddressSpace"), 3, 0},  {&List("AddressSize"), 2, 0},
+            {&Field("AddressStart"), 1, 0}, {&Field("AddressEnd"), 0, 0},
+            {&List("DataSize"), 3, 1},      {&List("DataCycle"), 2, 1},
+            {&List("DataType"), 1, 1},      {&Field("DataValue"), 0, 1},
+            {&List("Command"), 3, 2},       {&Field("Repeat"), 2, 2}};
+        for (const auto& [field, row, column] : fields) {
+            const QRect place = field->geometry();
+            EXPECT_EQ(place.top(), height - 65 - 25 * row) << field->objectName().toStdString();
+            EXPECT_EQ(place.bottom() + 1, height - 45 - 25 * row);
+            EXPECT_GT(place.left(), columns.left[column]);
+            EXPECT_EQ(place.right() + 1, columns.right[column] - 8)
+                << field->objectName().toStdString() << " " << size.width();
+        }
+        EXPECT_EQ(Field("Repeat").geometry().left(), (columns.left[2] + columns.right[2]) / 2);
+        EXPECT_EQ(Find<QListWidget>("Status").geometry().top(), height - 90);
+        EXPECT_EQ(Find<QListWidget>("Status").geometry().bottom() + 1, height - 45);
     }
+}
+
+TEST_F(MasterWindow, LaysOutTheAttributesOfPciX) {
+    StartOnBus(pciX);
+    frame->resize(frame->width() + 840 - View().width(), 400);
+    QApplication::processEvents();
+    ASSERT_EQ(View().width(), 840);
+    const int height = View().height();
+    const std::pair<const char*, int> fields[] = {
+        {"AttrTag", 3}, {"AttrBusNum", 2}, {"AttrDeviceNum", 1}, {"AttrFunctionNum", 0}};
+    for (const auto& [name, row] : fields) {
+        EXPECT_EQ(Field(name).geometry().top(), height - 65 - 25 * row) << name;
+        EXPECT_EQ(Field(name).geometry().right() + 1, 10 + 247 + 247 + 168 - 8);
+        // The label before it is not cut.
+        EXPECT_GE(Field(name).geometry().left() - (10 + 247 + 247 + 8),
+                  View().fontMetrics().horizontalAdvance("Function#"));
+    }
+    EXPECT_EQ(List("Command").geometry().right() + 1, 830 - 8);
+}
+
+TEST_F(MasterWindow, HasItsButtonsInTheirPlaces) {
+    StartOnBoard();
+    const std::pair<const char*, int> buttons[] = {{"Load", 0},    {"Save", 1}, {"File", 3},
+                                                   {"Options", 4}, {"Help", 5}, {"Close", 6}};
+    for (const auto& [text, slot] : buttons) {
+        EXPECT_EQ(ButtonOf(View(), text).x(), 10 + 80 * slot) << text;
+    }
+}
+
+TEST_F(MasterWindow, HelpOpensItsPage) {
+    StartOnBoard();
+    EXPECT_EQ(HelpPage(), "Master");
+}
+
+TEST_F(MasterWindow, RepeatTakesDigitsOnly) {
+    StartOnBoard();
+    Field("Repeat").selectAll();
+    QTest::keyClicks(&Field("Repeat"), "-1x2");
+    EXPECT_EQ(Field("Repeat").text(), "12");
+}
+
+TEST_F(MasterWindow, AnExistingDataFileKeepsItsName) {
+    const std::string path = dir.Write("data", "00\n");
+    StartOnBoard();
+    AnswerDialog<QFileDialog>([&] { Press(View(), "File"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_EQ(Document().Form().dataFilename, path);
 }
 
 } // namespace

@@ -171,16 +171,74 @@ TEST_F(TargetWindow, IsSavedAndLoaded) {
     EXPECT_EQ(Field("BusStart").text().remove(' '), "0000000000888000"); // not in the file
 }
 
-TEST_F(TargetWindow, KeepsItsFormAtTheBottom) {
+TEST_F(TargetWindow, LaysOutTheForm) {
     StartOnBoard();
-    for (const QSize size : {QSize(600, 400), QSize(900, 600)}) {
-        frame->resize(size);
+    const std::pair<QSize, std::array<int, 3>> sizes[] = {{{600, 400}, {230, 450, 590}},
+                                                          {{900, 600}, {342, 674, 889}}};
+    for (const auto& [size, right] : sizes) {
+        frame->resize(frame->width() + size.width() - View().width(), size.height());
         QApplication::processEvents();
+        ASSERT_EQ(View().width(), size.width());
         const int height = View().height();
-        EXPECT_EQ(Field("AddressEnd").geometry().bottom() + 1, height - 45);
-        EXPECT_EQ(List("AddressSpace").geometry().top(), height - 215);
-        EXPECT_EQ(Dump().geometry().bottom() + 1, height - 246);
+        EXPECT_EQ(Dump().geometry(), QRect(QPoint(10, 5), QPoint(size.width() - 11, height - 247)));
+        const std::tuple<QWidget*, int, std::size_t> fields[] = {
+            {&List("AddressSpace"), 6, 0},  {&Field("BusStart"), 5, 0},
+            {&List("BusLength"), 4, 0},     {&List("DataSize"), 6, 1},
+            {&List("WaitStates"), 5, 1},    {&List("Response"), 4, 1},
+            {&Field("AddressStart"), 1, 0}, {&Field("AddressEnd"), 0, 0},
+            {&List("DataType"), 1, 1},      {&Field("DataValue"), 0, 1},
+            {&List("Command"), 1, 2},       {View().findChild<QCheckBox*>(), 6, 2}};
+        for (const auto& [field, row, column] : fields) {
+            const QRect place = field->geometry();
+            EXPECT_EQ(place.top(), height - 65 - 25 * row) << field->objectName().toStdString();
+            EXPECT_EQ(place.right() + 1, right[column] - 8) << field->objectName().toStdString();
+        }
     }
+}
+
+TEST_F(TargetWindow, HelpOpensItsPage) {
+    StartOnBoard();
+    EXPECT_EQ(HelpPage(), "Target");
+}
+
+TEST_F(TargetWindow, ShowsTheLastDataFile) {
+    settings.WriteProfileString("Setup", "LastTargetDataFile", "/data/last.dat");
+    StartOnBoard();
+    EXPECT_EQ(Field("DataFilename").text(), "/data/last.dat");
+}
+
+TEST_F(TargetWindow, EnablingDuringARunSendsTheSetupAndTheRunGoesOn) {
+    StartOnBoard();
+    Type("AddressEnd", "00000000000003ff");
+    List("Command").setCurrentText("Write");
+    Go();
+    Enable();
+    EXPECT_THAT(WritesTo(setupRegister), SizeIs(2));
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(WritesTo(0x3E0), SizeIs(1)); // the last step
+}
+
+TEST_F(TargetWindow, CanBeClosedDuringARun) {
+    StartOnBoard();
+    Type("AddressEnd", "000000000000ffff");
+    List("Command").setCurrentText("Write");
+    Go();
+    Press(View(), "Close");
+    QTest::qWait(100);
+    EXPECT_TRUE(Windows().isEmpty());
+    const auto functions = Functions().size();
+    QTest::qWait(200);
+    EXPECT_EQ(Functions().size(), functions);
+}
+
+TEST_F(TargetWindow, InDemoModeRunsThroughTheRangeOverRandomBytes) {
+    StartOnBus(vme);
+    Type("AddressEnd", "00000000000001ff");
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_NE(Dump().RowText(999), Dump().RowText(999));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
 } // namespace
