@@ -3,6 +3,7 @@
 #include "firmware_image.h"
 #include "performance.h"
 #include "sequencer.h"
+#include "stimulus.h"
 #include "traffic.h"
 #include "wire.h"
 
@@ -43,7 +44,8 @@ struct Faults {
 /// The board's side of the wire, byte by byte, without a line.
 class Board {
 public:
-    /// A board whose memory holds samples; a run samples the traffic, and so does counting.
+    /// A board whose memory holds samples; a run samples the traffic, and so do counting and a
+    /// stimulus.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
           std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr,
           Comparators comparators = {}, Performance performance = {});
@@ -82,6 +84,7 @@ private:
     void StartTrace();
     void Search();
     void UpdateCounters();
+    void StartStimulus();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
@@ -90,6 +93,7 @@ private:
     std::vector<std::uint8_t> memory_ = std::vector<std::uint8_t>(memorySize);
     std::vector<std::uint8_t> target_ = std::vector<std::uint8_t>(memorySize);
     FirmwareImage firmware_;
+    Stimulus stimulus_;
     Sequencer sequencer_;
     Performance performance_;
     std::unique_ptr<Traffic> traffic_;
