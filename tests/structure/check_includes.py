@@ -20,12 +20,14 @@ UI = {
     "controls": {"framework"},
     "signals": {"framework", "controls"},
     "patterns": {"framework", "controls", "signals"},
-    "tracesetup": {"framework", "patterns"},
+    "levels": {"framework"},
+    "tracesetup": {"framework", "levels", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
     "performance": {"framework", "controls", "patterns"},
+    "stimulus": {"framework", "levels", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
-    "shell": {"framework", "link", "performance", "signals", "trace"},
+    "shell": {"framework", "link", "performance", "signals", "stimulus", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
