@@ -2,6 +2,7 @@
 
 #include "ui/link/board_feature.h"
 #include "ui/performance/performance_feature.h"
+#include "ui/stimulus/stimulus_feature.h"
 #include "ui/trace/trace_feature.h"
 
 namespace busquill {
@@ -28,7 +29,7 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
         Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
                 "Tessel Anomaly Detection"),
         Planned("\nTarget\nTarget\nTarget (*.tgt)\n.tgt\nTessel.Target\nTessel Target"),
-        Planned("\nStimulus\nStimulus\nStimulus (*.stm)\n.stm\nTessel.Stimulus\nTessel Stimulus"),
+        StimulusFeature(parts),
         Planned("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
                 "Tessel.BackplaneTest\nTessel Backplane Test"),
     };
