@@ -67,11 +67,13 @@ void CFormView::paintEvent(QPaintEvent* /*event*/) {
     for (const Group& group : groups_) {
         QStyleOptionGroupBox option;
         option.initFrom(this);
-        option.rect = group.place;
+        option.rect = QRect({}, group.place.size()); // styles place the title at the origin
         option.text = group.title;
         option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
         option.textAlignment = Qt::AlignLeft;
+        painter.translate(group.place.topLeft());
         style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
+        painter.resetTransform();
     }
     for (const Label& label : labels_) {
         if (label.field != nullptr && label.field->isVisibleTo(this)) {

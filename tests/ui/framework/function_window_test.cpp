@@ -71,6 +71,28 @@ TEST(FormView, KeepsItsPartsAtTheBottom) {
     EXPECT_EQ(sheet.loads, 1);
 }
 
+TEST(FormView, DrawsAGroupInItsPlace) {
+    Sheet sheet;
+    sheet.resize(600, 400);
+    sheet.show();
+    QApplication::processEvents();
+    const QImage picture = sheet.grab().toImage();
+    const QRect group = Form::GroupPlace(Form::margin, 200, 170, 40, 400);
+    const auto hasInk = [&](const QRect& place) {
+        const QColor ground = picture.pixelColor(590, 5);
+        for (int x = place.left(); x <= place.right(); ++x) {
+            for (int y = place.top(); y <= place.bottom(); ++y) {
+                if (picture.pixelColor(x, y) != ground) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(hasInk({group.left(), group.top(), 60, 14})); // its title
+    EXPECT_FALSE(hasInk({0, 0, 600, group.top()}));
+}
+
 TEST(FormView, DrawsALabelWhileItsFieldIsVisible) {
     Sheet sheet;
     sheet.resize(600, 400);
