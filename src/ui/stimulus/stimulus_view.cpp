@@ -21,8 +21,8 @@ namespace {
 
 constexpr int groupsTop = 5;
 constexpr int groupsBottom = 38; // from the bottom of the view
-constexpr int groupGap = 8;
-constexpr int groupEdge = 8; // around the content of a group, without the title
+constexpr int groupGap = 5;
+constexpr int groupEdge = 6; // around the content of a group, without the title
 
 FileQuestion QuestionFor(FileUse use, const CStimulusDoc& document) {
     FileQuestion question;
@@ -92,12 +92,13 @@ void CStimulusView::Save() {
     }
 }
 
-/// The tables side by side, no higher than their rows, and the levels below.
+/// The tables side by side, no higher than their rows, and the levels below. At the usual size all
+/// events show, and two levels.
 void CStimulusView::LayOut() {
     const int frame = fontMetrics().height() + 2 * groupEdge;
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
     const int room = height() - groupsTop - groupsBottom;
-    const int tables = std::min(HeightOfPatterns(stimulusPatterns) + bar + frame, room * 5 / 9);
+    const int tables = std::min(HeightOfPatterns(stimulusPatterns) + bar + frame, room * 7 / 12);
     const int width = (this->width() - 2 * Form::margin - groupGap) / 2;
     const QRect left(Form::margin, groupsTop, width, tables);
     PlaceInGroup("Stimulus", left, *patterns_);
