@@ -26,7 +26,6 @@ namespace busquill::test {
 namespace {
 
 using testing::Contains;
-using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -434,6 +433,26 @@ TEST_F(StimulusWindow, StopIsSentInARunAndWithoutOne) {
     ClickBar("Stop");
     EXPECT_THAT(Functions(), ElementsAre(stopStimulus));
     EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+}
+
+TEST_F(StimulusWindow, AFailedStartLeavesThePicture) {
+    OpenOn("PCIKite");
+    const auto ignoreStart = [this] {
+        line->SetAnswer([this](const Bytes& sent, int baud) {
+            return sent == Bytes{2, startStimulus} ? Bytes{} : board.Answer(sent, baud);
+        });
+    };
+    ignoreStart();
+    ClickBar("Go");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error sending start stimulus command to analyzer."));
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    EXPECT_THAT(Writes(), SizeIs(3));
+    UseBoard();
+    SetStatus(0x80);
+    ClickBar("Go");
+    ignoreStart();
+    ClickBar("Go"); // during a run
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
 }
 
 TEST_F(StimulusWindow, ClosingLeavesTheBoardRunning) {
