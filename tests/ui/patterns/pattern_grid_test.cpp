@@ -319,6 +319,9 @@ TEST_F(PatternGrid, ScrollsByPixelsAndByWindows) {
     EXPECT_EQ(grid->Geometry().topRow, 1);
     Click("COMMAND", 5); // there is no such cell
     EXPECT_EQ(changes, 0);
+    grid->resize(300, HeightOfPatterns(2));
+    QApplication::processEvents();
+    EXPECT_EQ(grid->Geometry().topRow, 0);
 }
 
 TEST_F(PatternGrid, NarrowedAndDeletedColumnsLeaveNoSpaceAfterThem) {

@@ -1,7 +1,6 @@
 #include "stimulus/stimulus_document.h"
 #include "support/board_line_fixture_qt.h"
 #include "support/pattern_grid_qt.h"
-#include "ui/framework/painting.h"
 #include "ui/levels/level_panel.h"
 #include "ui/levels/occurrence_dialog.h"
 #include "ui/patterns/pattern_cell.h"
@@ -369,6 +368,8 @@ TEST_F(StimulusWindow, ALongConditionOfAFileIsShownAndCut) {
 TEST_F(StimulusWindow, AFileOfAnotherTypeReplacesTheProgramWithoutAWord) {
     OpenOn("PCIKite");
     Menu("If1", "E3");
+    const QImage patterns = Patterns().grab().toImage();
+    const QImage events = Events().grab().toImage();
     Load(WriteFile("\"Signal\",\"ONLY\",\"ONLY\",\"\",\"\",\"\",-1,72,8\n\"Data\",0\n"
                    "\"Control\",2,\"E4\"\n",
                    "\"FileType\",\"Master File\"\n\"Version\",\"1.0\"\n"));
@@ -377,6 +378,8 @@ TEST_F(StimulusWindow, AFileOfAnotherTypeReplacesTheProgramWithoutAWord) {
     EXPECT_EQ(Text("If2"), "E4");
     EXPECT_EQ(Patterns().Geometry().columns.Visible().size(), 0U);
     EXPECT_EQ(Events().Geometry().columns.Visible().size(), 1U);
+    EXPECT_NE(Patterns().grab().toImage(), patterns);
+    EXPECT_NE(Events().grab().toImage(), events);
     // Cells without samples behind them can be clicked.
     QTest::mouseClick(&Events(), Qt::LeftButton, {}, FirstCell(Events()) + QPoint(0, 6 * 21));
 }
