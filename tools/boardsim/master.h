@@ -12,10 +12,10 @@
 
 namespace boardsim {
 
-/// Registers of the master: control, status, and the setup behind them.
+/// Registers of the master: control, status, and the setup after them.
 constexpr std::size_t masterRegisters = 50;
 
-/// Faults of the bus behind the master.
+/// Faults of the bus that the master drives.
 struct MasterFaults {
     std::optional<std::uint8_t> status; // every step ends with this status instead of its own
     int busy = 0;                       // number of polls that find a step still running

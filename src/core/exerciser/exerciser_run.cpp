@@ -99,7 +99,7 @@ bool ExerciserRun::MayPadFile() {
 
 bool ExerciserRun::NextStep() noexcept {
     const RangeStep step = StepLength(currentAddress_, endAddress_, stepLimit_);
-    // A step of no bytes: behind the last address of all, the current one is 0 again.
+    // A step of no bytes: after the last address of all, the current one is 0 again.
     if (step.exhausted || step.length == 0) {
         return false;
     }

@@ -87,7 +87,7 @@ void CSetupDialog::AddRates() {
         SettingsSection::setup, SettingsKey::baudRate, usualBaudRate)));
 }
 
-/// Empty while no port is selected, because the stored one is none of the list.
+/// Empty while no port is selected, because the list does not have the stored one.
 std::string CSetupDialog::PortName() const {
     return port_->currentData().toString().toStdString();
 }

@@ -26,7 +26,7 @@ class PerformanceDocumentTest : public testing::Test {
 protected:
     PerformanceDocumentTest() { document.AddView(&view); }
 
-    /// Reads a file of these lines behind its head.
+    /// Reads a file of these lines after its first lines.
     bool Open(const std::string& lines, const std::string& head = fileHead) {
         return document.OnOpenDocument(dir.Write("in.per", head + lines));
     }

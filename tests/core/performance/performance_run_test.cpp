@@ -300,6 +300,32 @@ TEST(PerformanceDemoValues, DoNotFallBelowZero) {
     EXPECT_EQ(StepDemoValue(2147483647, 10), 2147483647);
 }
 
+// An hour at a reading each millisecond. The observer follows it as a graph does: what it was told
+// is what the rings hold, as far back as they reach.
+TEST_F(PerformanceRunTest, AnHourOfReadingsLosesNothingThatTheRingsKeep) {
+    constexpr std::int64_t hour = 3600000;
+    portOpens = false;
+    static_cast<void>(link->Open(Port())); // Demo Mode: no board is that fast
+    ManualRun().Go(PerformanceSetup());
+    std::vector<PerformanceResults> told;
+    for (std::int64_t i = 0; i < hour; ++i) {
+        timer->tick();
+        if (i >= hour - ResultStore::ringSize) {
+            told.push_back(observer.last);
+        }
+    }
+    run->Stop();
+    EXPECT_EQ(observer.readings, hour);
+    EXPECT_EQ(results.Count(), hour);
+    EXPECT_EQ(results.OldestHeld(), hour - ResultStore::ringSize);
+    EXPECT_EQ(results.At(results.OldestHeld() - 1), PerformanceResults{});
+    std::int64_t wrong = 0;
+    for (std::int64_t i = 0; i < ResultStore::ringSize; ++i) {
+        wrong += results.At(results.OldestHeld() + i) != told[static_cast<std::size_t>(i)];
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST_F(PerformanceRunTest, InDemoModeTheValuesMove) {
     portOpens = false;
     OpenLink();

@@ -78,7 +78,7 @@ TEST_F(BoardSetup, OffersPortsAndRatesAndShowsTheStoredOnes) {
         {"USB", "USB1"}, {"USB2", "USB2"}, {"COM8", "COM8"}, {"<None>", "<None>"}, {"LPT1", ""}};
     for (const auto& [stored, text] : shown) {
         settings.WriteProfileString("Setup", "ComPort", stored);
-        Open([&](Controls& controls) {
+        Open([&, text = text](Controls& controls) {
             EXPECT_EQ(ItemsOf(controls.port),
                       (QStringList{"USB1", "USB2", "COM1", "COM2", "COM3", "COM4", "COM5", "COM6",
                                    "COM7", "COM8", "<None>"}));
