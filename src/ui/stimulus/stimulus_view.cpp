@@ -1,7 +1,6 @@
 #include "ui/stimulus/stimulus_view.h"
 
 #include "platform/prompts.h"
-#include "platform/working_directory.h"
 #include "stimulus/stimulus_document.h"
 #include "ui/framework/ask_for_file.h"
 #include "ui/framework/mdi_child.h"
@@ -23,18 +22,6 @@ constexpr int groupsTop = 5;
 constexpr int groupsBottom = 38; // from the bottom of the view
 constexpr int groupGap = 5;
 constexpr int groupEdge = 6; // around the content of a group, without the title
-
-FileQuestion QuestionFor(FileUse use, const CStimulusDoc& document) {
-    FileQuestion question;
-    question.use = use;
-    question.title = use == FileUse::Save ? "Save Stimulus" : "Load Stimulus";
-    question.filter = "Stimulus(*.stm)";
-    question.extension = ".stm";
-    const std::string path = document.GetPathName();
-    question.folder = std::string(FolderOf(path));
-    question.name = path.substr(question.folder.size());
-    return question;
-}
 
 } // namespace
 
@@ -79,14 +66,14 @@ void CStimulusView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintO
 }
 
 void CStimulusView::Load() {
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Open, document_), prompts_);
+    const std::string path = AskForFile(this, QuestionFor(FileUse::Open, "Stimulus", ".stm", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnOpenDocument(path)); // updates the views
     }
 }
 
 void CStimulusView::Save() {
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Save, document_), prompts_);
+    const std::string path = AskForFile(this, QuestionFor(FileUse::Save, "Stimulus", ".stm", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnSaveDocument(path)); // reports its failure
     }
