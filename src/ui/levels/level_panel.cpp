@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QScrollBar>
 
+#include <algorithm>
+
 namespace busquill {
 
 namespace {
@@ -16,15 +18,27 @@ namespace {
 constexpr int lineHeight = 14;
 constexpr int buttonHeight = 13;
 constexpr int levelHeight = 42; // two lines and the gap to the next level
+constexpr int widestCell = 150; // unless its text needs more
 constexpr int shownLevels = 3;
 
 constexpr std::uint32_t background = 0xD0D0D0;
 
 // Columns of the layout.
-enum Column : int { levelLabel, firstLabel, expression, secondLabel, count, thirdLabel, condition };
+enum Column : int {
+    levelLabel,
+    firstLabel,
+    expression,
+    secondLabel,
+    count,
+    thirdLabel,
+    condition,
+    rest // empty
+};
 
 void ShowText(QPushButton& button, const LevelCell& content) {
     button.setText(QString::fromStdString(content.text()));
+    button.setMaximumWidth(
+        std::max(DialogUnits(button, widestCell, 0).width(), button.sizeHint().width()));
 }
 
 } // namespace
@@ -41,8 +55,10 @@ CLevelPanel::CLevelPanel(TraceSetup& setup, LevelForm form, Prompts& prompts)
     auto* grid = new QGridLayout(panel);
     grid->setVerticalSpacing(0);
     grid->setContentsMargins(8, 4, 8, 0);
-    grid->setColumnStretch(expression, 3);
-    grid->setColumnStretch(condition, 2);
+    // What the cells cannot take goes to the right of them.
+    grid->setColumnStretch(expression, 300);
+    grid->setColumnStretch(condition, 200);
+    grid->setColumnStretch(rest, 1);
     for (int number = 0; number < form_.levels; ++number) {
         AddLevel(*grid, static_cast<std::size_t>(number));
     }

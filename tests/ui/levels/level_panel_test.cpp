@@ -100,5 +100,23 @@ TEST_F(LevelPanel, IsAsWideAsAllItsColumns) {
     EXPECT_GE(then.width(), then.minimumSizeHint().width());
 }
 
+TEST_F(LevelPanel, AWideWindowDoesNotStretchItsCells) {
+    const auto widthAt = [this](const char* cell, int windowWidth) {
+        window.resize(windowWidth, 300);
+        QApplication::processEvents();
+        return ButtonOf(*panel, cell).width();
+    };
+    for (const char* cell : {"If1", "Drive1", "Then1", "Else1"}) {
+        EXPECT_EQ(widthAt(cell, 3000), widthAt(cell, 1500));
+        EXPECT_LT(widthAt(cell, 1500), 500);
+    }
+    prefix = "a condition of such a length that it needs more than the width of a usual cell, as an "
+             "expression of sixteen tokens may ";
+    panel->Refresh();
+    for (const char* cell : {"If1", "Then1"}) {
+        EXPECT_GE(widthAt(cell, 3000), ButtonOf(*panel, cell).sizeHint().width());
+    }
+}
+
 } // namespace
 } // namespace busquill::test
