@@ -6,6 +6,8 @@
 
 #include <QMenu>
 
+#include <algorithm>
+
 namespace busquill {
 
 namespace {
@@ -39,10 +41,8 @@ LevelCell ConditionCell(Expression& bytes) {
                                static_cast<std::uint8_t>(event));
                 }
                 conditions.push_back(expressionAll);
-                std::vector<std::string> texts;
-                for (const Expression& condition : conditions) {
-                    texts.push_back(FormatExpression(condition));
-                }
+                std::vector<std::string> texts(conditions.size());
+                std::ranges::transform(conditions, texts.begin(), FormatExpression);
                 const auto chosen = ChooseText(parent, texts, FormatExpression(bytes));
                 if (chosen) {
                     bytes = conditions[static_cast<std::size_t>(*chosen)];

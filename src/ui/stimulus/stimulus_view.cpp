@@ -10,7 +10,7 @@
 #include "ui/stimulus/stimulus_levels.h"
 
 #include <QPushButton>
-#include <QScrollBar>
+#include <QStyle>
 
 #include <algorithm>
 

@@ -156,6 +156,58 @@ TEST_F(StimulusWindow, TheLevelsHaveTheirPitchAndScroll) {
     EXPECT_GT(Levels().horizontalScrollBar()->maximum(), 0);
 }
 
+TEST_F(StimulusWindow, TheLinesOfALevelAreClose) {
+    OpenOn("PCIKite");
+    const QFontMetrics metrics = Levels().fontMetrics();
+    EXPECT_EQ(Levels().font().weight(), QFont::Normal);
+    EXPECT_EQ(Cell("If1").font().weight(), QFont::Normal);
+    EXPECT_EQ(Cell("If1").fontMetrics().height(), metrics.height());
+    const auto top = [&](const char* name) {
+        return Cell(name).mapTo(Levels().widget(), QPoint()).y();
+    };
+    EXPECT_NEAR(top("Stimulus1") - top("If1"), 14 * metrics.height() / 8, 1);
+    EXPECT_EQ(top("Stimulus1"), top("Else1"));
+    EXPECT_EQ(top("If1"), top("Occurs1"));
+    EXPECT_EQ(top("If1"), top("Then1"));
+    const QImage panel = Levels().viewport()->grab().toImage();
+    EXPECT_EQ(panel.pixelColor(2, 2), QColor(0xD0, 0xD0, 0xD0));
+}
+
+TEST_F(StimulusWindow, TheTablesHaveTheirHeadingAndRowLabels) {
+    OpenOn("PCIKite");
+    const auto labels = [](CPatternGrid& grid) {
+        return grid.grab(QRect(0, 0, grid.Geometry().columns.fixedColumn, grid.height())).toImage();
+    };
+    const auto expected = [&](CPatternGrid& like, const char* heading, const char* row) {
+        CPatternGrid grid(nullptr, prompts);
+        grid.SetRowCount(like.Geometry().rows);
+        grid.SetText(heading, row);
+        grid.resize(like.size());
+        grid.SetList(Program().control.events);
+        return labels(grid);
+    };
+    EXPECT_EQ(labels(Patterns()), expected(Patterns(), "STIMULUS", "S%d:"));
+    EXPECT_EQ(labels(Events()), expected(Events(), "EVENT", "E%d:"));
+    EXPECT_NE(labels(Events()), expected(Events(), "EVENT", "S%d:"));
+}
+
+TEST_F(StimulusWindow, MenusOpenAtTheCursor) {
+    OpenOn("PCIKite");
+    for (const char* cell : {"If1", "Stimulus1"}) {
+        const QPoint cursor = Cell(cell).mapToGlobal(Cell(cell).rect().center());
+        QCursor::setPos(cursor);
+        QPoint corner;
+        QTimer::singleShot(0, [&] {
+            const QWidget* menu = QApplication::activePopupWidget();
+            ASSERT_NE(menu, nullptr);
+            corner = menu->pos();
+        });
+        Menu(cell);
+        EXPECT_EQ(corner.x(), cursor.x()) << cell;
+        EXPECT_LE(corner.y(), cursor.y()) << cell; // higher if the menu would leave the screen
+    }
+}
+
 TEST_F(StimulusWindow, AConditionIsChosenFromAMenu) {
     OpenOn("PCIKite");
     EXPECT_EQ(Menu("If1", "E8"),
@@ -455,6 +507,52 @@ TEST_F(StimulusWindow, AFailedStartLeavesThePicture) {
     ClickBar("Go");
     ignoreStart();
     ClickBar("Go"); // during a run
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+}
+
+TEST_F(StimulusWindow, AStatusThatCannotBeReadStopsTheBoard) {
+    OpenOn("PCIKite");
+    SetStatus(0x80);
+    ClickBar("Go");
+    Functions();
+    line->SetAnswer([this](const Bytes& sent, int baud) {
+        return sent == Bytes{4, 0xA1} ? Bytes{} : board.Answer(sent, baud); // register 929
+    });
+    EXPECT_TRUE(RunUntil([&] { return frame->RunState() == RunPicture::Stopped; }));
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading stimulus status from analyzer."));
+    EXPECT_TRUE(prompts.Boxes()[0].topmost);
+    EXPECT_THAT(Functions(), ElementsAre(stopStimulus));
+    QTest::qWait(500);
+    EXPECT_THAT(prompts.Texts(), SizeIs(1)); // no more polls
+}
+
+TEST_F(StimulusWindow, ARefusingBoardIsReportedAtEachStep) {
+    OpenOn("PCIKite");
+    UseRefusal();
+    ClickBar("Go");
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("Error sending stimulus condition data to analyzer.",
+                            "Error sending stimulus condition data to analyzer.",
+                            "Error sending stimulus control setup data to analyzer.",
+                            "Error sending start stimulus command to analyzer."));
+    EXPECT_EQ(frame->RunState(), RunPicture::Stopped);
+    prompts.Forget();
+    ClickBar("Stop");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error sending stop stimulus command to analyzer."));
+    for (const Box& box : prompts.Boxes()) {
+        EXPECT_TRUE(box.topmost);
+    }
+}
+
+TEST_F(StimulusWindow, AnEditTakesEffectWithTheNextGoOfARun) {
+    OpenOn("PCIKite");
+    SetStatus(0x80);
+    ClickBar("Go");
+    Writes();
+    Menu("Stimulus1", "S7");
+    EXPECT_THAT(Writes(), IsEmpty());
+    ClickBar("Go");
+    EXPECT_EQ(Writes().at(2).bytes.at(0), 0x7F);
     EXPECT_EQ(frame->RunState(), RunPicture::Running);
 }
 
