@@ -1,6 +1,7 @@
 #include "stimulus/stimulus_document.h"
 #include "support/board_line_fixture_qt.h"
 #include "support/pattern_grid_qt.h"
+#include "support/recording_paint_device_qt.h"
 #include "ui/levels/level_panel.h"
 #include "ui/levels/occurrence_dialog.h"
 #include "ui/patterns/pattern_cell.h"
@@ -16,6 +17,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QStyleFactory>
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -189,6 +191,20 @@ TEST_F(StimulusWindow, TheTablesHaveTheirHeadingAndRowLabels) {
     EXPECT_EQ(labels(Patterns()), expected(Patterns(), "STIMULUS", "S%d:"));
     EXPECT_EQ(labels(Events()), expected(Events(), "EVENT", "E%d:"));
     EXPECT_NE(labels(Events()), expected(Events(), "EVENT", "S%d:"));
+}
+
+TEST_F(StimulusWindow, ItsGroupsAreNamed) {
+    OpenOn("PCIKite");
+    const std::unique_ptr<QStyle> style(QStyleFactory::create("windows")); // draws no pixmaps
+    View().setStyle(style.get());
+    RecordingPaintDevice device(View().size());
+    View().render(&device, {}, {}, {});
+    QStringList titles;
+    for (const Recording::Text& text : device.Recorded().texts) {
+        titles << text.text;
+    }
+    EXPECT_EQ(titles, (QStringList{"Stimulus", "Events", "Control"}));
+    View().setStyle(nullptr);
 }
 
 TEST_F(StimulusWindow, MenusOpenAtTheCursor) {
@@ -383,6 +399,7 @@ TEST_F(StimulusWindow, SavesAndLoads) {
                               [&](QFileDialog& files) {
                                   EXPECT_EQ(files.nameFilters(), QStringList("Stimulus(*.stm)"));
                                   EXPECT_EQ(files.acceptMode(), QFileDialog::AcceptSave);
+                                  EXPECT_EQ(files.windowTitle(), "Save Stimulus");
                                   GiveFileName(files, dir.File("saved"));
                               });
     EXPECT_THAT(ReadWholeFile(path), testing::StartsWith(fileHead));
@@ -391,6 +408,7 @@ TEST_F(StimulusWindow, SavesAndLoads) {
                               [&](QFileDialog& files) {
                                   EXPECT_EQ(files.nameFilters(), QStringList("Stimulus(*.stm)"));
                                   EXPECT_EQ(files.acceptMode(), QFileDialog::AcceptOpen);
+                                  EXPECT_EQ(files.windowTitle(), "Load Stimulus");
                                   GiveFileName(files, path);
                               });
     EXPECT_EQ(Text("If1"), "E3");
@@ -444,6 +462,20 @@ TEST_F(StimulusWindow, AFileIsOpenedFromTheMenu) {
     frame = dynamic_cast<CStimulusChild*>(Frame().Area().activeSubWindow());
     ASSERT_NE(frame, nullptr);
     EXPECT_EQ(Text("If1"), "E6");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Save"); },
+                              [&](QFileDialog& files) {
+                                  EXPECT_EQ(files.selectedFiles(),
+                                            QStringList(QString::fromStdString(path)));
+                              });
+}
+
+TEST_F(StimulusWindow, AFileOfAnotherTypeOpensNoWindowFromTheMenu) {
+    StartOnLine();
+    const std::string path = WriteFile("", "\"FileType\",\"Master File\"\n\"Version\",\"1.0\"\n");
+    ChooseDialog<QFileDialog>("File/Open...",
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_THAT(Windows(), IsEmpty());
+    EXPECT_THAT(prompts.Boxes(), IsEmpty());
 }
 
 TEST_F(StimulusWindow, OptionsHelpAndClose) {
