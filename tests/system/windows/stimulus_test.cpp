@@ -4,6 +4,7 @@
 #include "support/board_program_fixture_qt.h"
 #include "support/pattern_grid_qt.h"
 #include "ui/levels/level_panel.h"
+#include "ui/patterns/command_dialog.h"
 #include "ui/patterns/pattern_table.h"
 #include "ui/stimulus/stimulus_child.h"
 #include "ui/stimulus/stimulus_condition_dialog.h"
@@ -137,6 +138,38 @@ TEST_F(Stimulus, FromAnEditedProgramToItsEndAndBackFromAFile) {
     ASSERT_TRUE(HasEnded());
     EXPECT_EQ(Payloads(3), before);
     EXPECT_THAT(Functions(), Not(Contains(HasSubstr("stop"))));
+}
+
+TEST_F(Stimulus, TheFirstProgramOfTheManualEnds) {
+    Connect();
+    OpenStimulus();
+    ClickBit(Grid("Stimulus"), Program().patterns, "FRAME", 0);
+    AnswerDialog<CCommandDialog>(
+        [&] {
+            CPatternGrid& grid = Grid("Events");
+            const QRect command = CellRect(grid, Program().control.events, "COMMAND", 0);
+            QTest::mouseClick(&grid, Qt::LeftButton, {}, command.center());
+        },
+        [](CCommandDialog& dialog) {
+            auto& list = *dialog.findChild<QComboBox*>();
+            list.setCurrentIndex(list.findText("I/O Wr"));
+            Press(dialog, "OK");
+        });
+    ChooseIn("If1", "E1");
+    AnswerDialog<CStimulusConditionDialog>(
+        [&] { QTest::mouseClick(&Cell("Then1"), Qt::LeftButton); },
+        [](CStimulusConditionDialog& dialog) {
+            QTest::keyClick(dialog.findChild<QComboBox*>(), Qt::Key_End);
+            Press(dialog, "OK");
+        });
+    Click("Go");
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+    ASSERT_TRUE(HasEnded());
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    const std::vector<std::string> payloads = Payloads(3);
+    EXPECT_NE(payloads.at(0).substr(0, 30 * 3), Zeros(30));
+    EXPECT_EQ(payloads.at(1), Zeros(18) + "00 01 " + Zeros(460));
+    EXPECT_EQ(payloads.at(2).substr(0, 5 * 3), "11 0f 01 01 01 ");
 }
 
 TEST_F(Stimulus, AProgramWithoutAnEndRunsUntilStop) {
