@@ -140,14 +140,16 @@ void CPerformanceView::ShowValues() {
 
 void CPerformanceView::Load() {
     Stop();
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Open, "Performance", ".per", document_.GetPathName()), prompts_);
+    const std::string path = AskForFile(
+        this, QuestionFor(FileUse::Open, "Performance", ".per", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnOpenDocument(path)); // reports its failure, updates the views
     }
 }
 
 void CPerformanceView::Save() {
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Save, "Performance", ".per", document_.GetPathName()), prompts_);
+    const std::string path = AskForFile(
+        this, QuestionFor(FileUse::Save, "Performance", ".per", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnSaveDocument(path)); // reports its failure
     }

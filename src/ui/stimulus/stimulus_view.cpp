@@ -66,14 +66,16 @@ void CStimulusView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintO
 }
 
 void CStimulusView::Load() {
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Open, "Stimulus", ".stm", document_.GetPathName()), prompts_);
+    const std::string path = AskForFile(
+        this, QuestionFor(FileUse::Open, "Stimulus", ".stm", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnOpenDocument(path)); // updates the views
     }
 }
 
 void CStimulusView::Save() {
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Save, "Stimulus", ".stm", document_.GetPathName()), prompts_);
+    const std::string path = AskForFile(
+        this, QuestionFor(FileUse::Save, "Stimulus", ".stm", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnSaveDocument(path)); // reports its failure
     }

@@ -110,8 +110,9 @@ TEST_F(LevelPanel, AWideWindowDoesNotStretchItsCells) {
         EXPECT_EQ(widthAt(cell, 3000), widthAt(cell, 1500));
         EXPECT_LT(widthAt(cell, 1500), 500);
     }
-    prefix = "a condition of such a length that it needs more than the width of a usual cell, as an "
-             "expression of sixteen tokens may ";
+    prefix =
+        "a condition of such a length that it needs more than the width of a usual cell, as an "
+        "expression of sixteen tokens may ";
     panel->Refresh();
     for (const char* cell : {"If1", "Then1"}) {
         EXPECT_GE(widthAt(cell, 3000), ButtonOf(*panel, cell).sizeHint().width());
