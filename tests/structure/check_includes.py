@@ -12,7 +12,7 @@ import sys
 from pathlib import Path
 
 CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export", "performance",
-        "exerciser"]
+        "exerciser", "stimulus"]
 # Each room of the windows with the rooms that it may include; all may include the core.
 UI = {
     "framework": set(),
@@ -20,13 +20,15 @@ UI = {
     "controls": {"framework"},
     "signals": {"framework", "controls"},
     "patterns": {"framework", "controls", "signals"},
-    "tracesetup": {"framework", "patterns"},
+    "levels": {"framework"},
+    "tracesetup": {"framework", "levels", "patterns"},
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
     "performance": {"framework", "controls", "patterns"},
     "exerciser": {"framework", "patterns"},
+    "stimulus": {"framework", "levels", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
-    "shell": {"framework", "exerciser", "link", "performance", "signals", "trace"},
+    "shell": {"framework", "exerciser", "link", "performance", "signals", "stimulus", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

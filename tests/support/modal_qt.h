@@ -7,6 +7,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QTimer>
 #include <QtTest/QTest>
@@ -33,6 +34,30 @@ void AnswerDialog(const std::function<void()>& open, const std::function<void(Di
     });
     open();
     EXPECT_TRUE(met) << "no such dialog has opened";
+}
+
+/// Calls `open`, which opens a menu, and returns the texts of its entries, those with a mark after
+/// "* ". Chooses the entry with a text by its key, or closes the menu if there is none.
+inline QStringList AnswerMenu(const std::function<void()>& open, const QString& choice = {}) {
+    QStringList entries;
+    QTimer::singleShot(0, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        ASSERT_NE(menu, nullptr);
+        QAction* chosen = nullptr;
+        for (QAction* action : menu->actions()) {
+            entries << (action->isChecked() ? "* " : "") + action->text();
+            chosen = action->text() == choice ? action : chosen;
+        }
+        if (chosen != nullptr) {
+            menu->setActiveAction(chosen);
+            QTest::keyClick(menu, Qt::Key_Return);
+        } else {
+            menu->close();
+        }
+    });
+    open();
+    EXPECT_FALSE(entries.empty()) << "no menu has opened";
+    return entries;
 }
 
 /// The button with a text, without its mnemonic, or with an object name.

@@ -10,6 +10,11 @@ namespace {
 constexpr std::size_t nameLength = 8;
 
 constexpr std::uint8_t searching = 0x80;
+constexpr std::uint8_t stimulusRuns = 0x80;
+
+/// The board has no time of its own: between two readings of the counters or of the stimulus's
+/// status the bus makes this many samples.
+constexpr std::size_t samplesOfAReading = 2048;
 
 /// Models of the two smaller tiers have no Power Zoom memory.
 bool HasZoom(const std::string& model) {
@@ -96,7 +101,8 @@ std::string_view FunctionName(std::uint8_t function) {
 Board::Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
              std::vector<Record> zoom, std::unique_ptr<Traffic> traffic, Comparators comparators,
              Performance performance)
-    : sequencer_(std::move(samples), trigger, std::move(zoom), std::move(comparators)),
+    : stimulus_(comparators),
+      sequencer_(std::move(samples), trigger, std::move(zoom), std::move(comparators)),
       performance_(std::move(performance)), traffic_(std::move(traffic)),
       bufferSamples_(std::size_t{identity.bufferK} * 1024), hasZoom_(HasZoom(identity.model)),
       baud_(baud) {
@@ -203,6 +209,12 @@ Board::Bytes Board::Run(std::uint8_t function) {
         return Acknowledge();
     case fnExerciserStop:
         Master::Stop(MasterRegisters());
+        return Acknowledge();
+    case fnStartStimulus:
+        StartStimulus();
+        return Acknowledge();
+    case fnStopStimulus:
+        stimulus_.Stop();
         return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
@@ -322,18 +334,24 @@ void Board::Search() {
 }
 
 void Board::SampleBus(std::size_t count) {
-    const auto wanted = [this] { return sequencer_.WantsSamples() || performance_.IsRunning(); };
+    const auto wanted = [this] {
+        return sequencer_.WantsSamples() || performance_.IsRunning() || stimulus_.IsRunning();
+    };
     for (std::size_t i = 0; i < count && traffic_ != nullptr && wanted(); ++i) {
-        const Record record = traffic_->Next();
+        const Record record = stimulus_.Feed(traffic_->Next());
         sequencer_.Feed(record);
         performance_.Feed(record);
     }
 }
 
-/// The board has no time of its own: between two readings of the counters the bus makes this many
-/// samples.
+void Board::StartStimulus() {
+    const std::span<const std::uint8_t> memory(memory_);
+    stimulus_.Start(memory.subspan(regStimulusEvents, stimulusEventBytes),
+                    memory.subspan(regStimulusPatterns, stimulusPatternBytes),
+                    memory.subspan(regStimulusControl, stimulusControlBytes));
+}
+
 void Board::UpdateCounters() {
-    constexpr std::size_t samplesOfAReading = 2048;
     SampleBus(samplesOfAReading);
     std::uint8_t* at = &memory_[regCounters];
     for (const std::uint32_t value : performance_.Take()) {
@@ -353,6 +371,10 @@ Board::Bytes Board::ReadMemory() {
     if (address_ == regCounters && performance_.IsRunning()) {
         UpdateCounters();
     }
+    if (address_ == regStimulusStatus && stimulus_.IsRunning()) {
+        SampleBus(samplesOfAReading);
+    }
+    memory_[regStimulusStatus] = stimulus_.IsRunning() ? stimulusRuns : 0;
     Bytes bytes;
     for (std::uint32_t i = 0; i < length_; ++i) {
         bytes.push_back(memory_[(address_ + i) % memorySize]);

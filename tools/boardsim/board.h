@@ -4,6 +4,7 @@
 #include "master.h"
 #include "performance.h"
 #include "sequencer.h"
+#include "stimulus.h"
 #include "target.h"
 #include "traffic.h"
 #include "wire.h"
@@ -47,7 +48,8 @@ struct Faults {
 /// The board's side of the wire, byte by byte, without a line.
 class Board {
 public:
-    /// A board whose memory holds samples; a run samples the traffic, and so does counting.
+    /// A board whose memory holds samples; a run samples the traffic, and so do counting and a
+    /// stimulus.
     Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
           std::vector<Record> zoom, std::unique_ptr<Traffic> traffic = nullptr,
           Comparators comparators = {}, Performance performance = {});
@@ -87,6 +89,7 @@ private:
     void Search();
     void UpdateCounters();
     [[nodiscard]] std::span<std::uint8_t> MasterRegisters();
+    void StartStimulus();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;
@@ -96,6 +99,7 @@ private:
     FirmwareImage firmware_;
     Master master_;
     Target target_;
+    Stimulus stimulus_;
     Sequencer sequencer_;
     Performance performance_;
     std::unique_ptr<Traffic> traffic_;

@@ -64,6 +64,14 @@ constexpr std::uint32_t regPerformance = 499;     // 241 bytes: type, 8 rows of 
 constexpr std::uint32_t regCounters = 748;        // 32 bytes: 8 values, the low byte first
 constexpr std::uint32_t regMaster = 800;          // 50 bytes: control, status, setup
 constexpr std::uint32_t regMasterStatus = 801;
+
+// Registers of the stimulus: its status, 15 patterns and 8 events in rows of 30 bytes, 15 levels in
+// slots of 5 bytes.
+constexpr std::uint32_t regStimulusStatus = 929;
+constexpr std::uint32_t regStimulusPatterns = 930;
+constexpr std::uint32_t regStimulusControl = 1410;
+constexpr std::uint32_t regStimulusEvents = 1600;
+
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';

@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
+#include "stimulus/stimulus_document.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/go_stop_child.h"
 #include "ui/framework/message_boxes.h"
@@ -234,6 +235,54 @@ void Exercise(Tour& tour, Program& program) {
     }
 }
 
+/// Writes a value of the decoded signal COMMAND into a pattern.
+void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label) {
+    for (const auto& signal : list.All()) {
+        if (signal->decoded == nullptr || signal->decoded->name != "COMMAND") {
+            continue;
+        }
+        const auto& values = signal->decoded->values;
+        const auto found = std::find_if(values.begin(), values.end(), [&](const auto& value) {
+            return value.label != nullptr && value.label == label;
+        });
+        if (found != values.end()) {
+            list.ApplyDecodedValue(signal.get(), pattern,
+                                   static_cast<std::size_t>(found - values.begin()));
+        }
+        return;
+    }
+}
+
+/// A stimulus program that drives one pattern after each of two events.
+void Stimulate(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Exerciser/Stimulus", "message");
+    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for a stimulus");
+        return;
+    }
+    auto& document = static_cast<CStimulusDoc&>(window->GetDocument());
+    TraceSetup& control = document.Program().control;
+    control.levels[0] = {.ifExpr = ParseExpression("E1"), .thenGoto = 1, .stimulus = 1};
+    control.levels[1] = {.ifExpr = ParseExpression("E2"),
+                         .occurs = 16,
+                         .thenGoto = stimulusStop,
+                         .thenDuration = 20,
+                         .elseGoto = 1,
+                         .stimulus = 2};
+    SetCommand(document.Program().patterns, 0, "Mem Wr");
+    SetCommand(document.Program().patterns, 1, "Mem Rd");
+    SetCommand(control.events, 0, "I/O Wr");
+    SetCommand(control.events, 1, "Cfg Rd");
+    document.UpdateAllViews(nullptr);
+    tour.Click(*window->findChild<QAbstractButton*>("Then2"), "stimulus-condition");
+    window->findChild<QToolButton*>("Go")->click();
+    tour.Picture(*window, "stimulus");
+    window->findChild<QToolButton*>("Stop")->click();
+    window->close();
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -244,6 +293,7 @@ void Walk(Tour& tour, Program& program) {
     tour.Choose(frame, "Utilities/Serial Test", "serial-test");
     Measure(tour, program);
     Exercise(tour, program);
+    Stimulate(tour, program);
     if (!program.Link().IsDemoMode()) {
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));

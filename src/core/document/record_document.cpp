@@ -9,7 +9,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::string_view lineEnd = "\r\n";
 constexpr std::string_view version = "1.0";
 
 using Fields = std::vector<std::string>;
@@ -44,7 +43,7 @@ void RecordWriter::Write(std::span<const std::string_view> fields) {
 }
 
 void RecordWriter::WriteEmptyLine() {
-    file_.Write(lineEnd);
+    file_.Write(lineEnd_);
 }
 
 bool RecordDocument::OnOpenDocument(const std::string& path) {
@@ -69,19 +68,21 @@ bool RecordDocument::OnOpenDocument(const std::string& path) {
             TakeRecord(fields, file);
         }
     }
-    const auto refuse = [&](const char* what, const std::string& found) {
-        const std::string name(kind_.name);
-        prompts_.Message(Printf("Invalid %s file %s of '%s'.", name.c_str(), what, found.c_str()));
-        return false;
-    };
     if (foundType != kind_.fileType) {
-        return refuse("type", foundType);
+        Refuse("type", foundType);
+        return false;
     }
     if (foundVersion != version) {
-        return refuse("version", foundVersion);
+        Refuse("version", foundVersion);
+        return false;
     }
     EndReading();
     return true;
+}
+
+void RecordDocument::Refuse(const char* what, const std::string& found) {
+    const std::string name(kind_.name);
+    prompts_.Message(Printf("Invalid %s file %s of '%s'.", name.c_str(), what, found.c_str()));
 }
 
 bool RecordDocument::OnSaveDocument(const std::string& path) {
@@ -93,7 +94,7 @@ bool RecordDocument::OnSaveDocument(const std::string& path) {
     if (!file.CreateBeside(path)) {
         return fail();
     }
-    RecordWriter writer(file);
+    RecordWriter writer(file, kind_.lineEnd);
     writer.Write({"FileType", kind_.fileType});
     writer.Write({"Version", version});
     WriteRecords(writer);

@@ -1,5 +1,5 @@
 /// Documents whose files are lists of records: a key and its values in each line, beginning with
-/// the type of the file and its version, each line ended by a carriage return and a line feed.
+/// the type of the file and its version.
 #pragma once
 
 #include "document/document.h"
@@ -16,10 +16,12 @@ class Prompts;
 class TextReader;
 class TextWriter;
 
-/// The type line of a document type's files, and the name that messages use for them.
+/// The type line of a document type's files, the name that messages use for them, and the end of
+/// their lines.
 struct RecordFileKind {
     std::string_view fileType; // "Master File"
     std::string_view name;     // "master"
+    std::string_view lineEnd = "\r\n";
 };
 
 /// How a reader treats a line that ends inside a quoted value.
@@ -32,7 +34,7 @@ enum class OpenQuote {
 
 class RecordWriter {
 public:
-    explicit RecordWriter(TextWriter& file) : file_(file) {}
+    RecordWriter(TextWriter& file, std::string_view lineEnd) : file_(file), lineEnd_(lineEnd) {}
     /// Values of digits alone are written without quotes, others in double quotes.
     void Write(std::span<const std::string_view> fields);
     void Write(std::initializer_list<std::string_view> fields) {
@@ -44,6 +46,7 @@ public:
 
 private:
     TextWriter& file_;
+    const std::string_view lineEnd_;
 };
 
 class RecordDocument : public CDocument {
@@ -67,6 +70,8 @@ protected:
     /// Called after the last record if type and version are right: the records kept aside are taken
     /// over.
     virtual void EndReading() = 0;
+    /// Called instead of EndReading if the type or the version, `what`, is wrong. Reports it.
+    virtual void Refuse(const char* what, const std::string& found);
     /// Writes all records except type and version.
     virtual void WriteRecords(RecordWriter& writer) const = 0;
 

@@ -1,12 +1,24 @@
 #include "ui/framework/ask_for_file.h"
 
 #include "platform/prompts.h"
+#include "platform/working_directory.h"
 
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 
 namespace busquill {
+
+FileQuestion QuestionFor(FileUse use, const std::string& kind, const std::string& extension,
+                         const std::string& path) {
+    const std::string folder(FolderOf(path));
+    return {.use = use,
+            .title = (use == FileUse::Save ? "Save " : "Load ") + kind,
+            .filter = kind + "(*" + extension + ")",
+            .extension = extension,
+            .folder = folder,
+            .name = path.substr(folder.size())};
+}
 
 std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& prompts) {
     const bool saves = question.use == FileUse::Save;

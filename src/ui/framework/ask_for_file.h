@@ -25,6 +25,11 @@ struct FileQuestion {
     std::string name;      // suggested
 };
 
+/// The question for a file to load or save of one kind, "Stimulus" with ".stm". It begins at the
+/// file at `path`, if that is not empty.
+[[nodiscard]] FileQuestion QuestionFor(FileUse use, const std::string& kind,
+                                       const std::string& extension, const std::string& path);
+
 /// Returns the chosen path, empty when the user cancels. Before an existing file is overwritten,
 /// the user is asked.
 [[nodiscard]] std::string AskForFile(QWidget* parent, const FileQuestion& question,

@@ -31,6 +31,7 @@ std::span<std::uint8_t> RowOf(std::span<std::uint8_t> rows, const CSignal& signa
 
 CPatternGrid::Cell CPatternGrid::hot;
 CPatternGrid::Cell CPatternGrid::pressed;
+QPointer<CPatternGrid> CPatternGrid::hotGrid;
 
 CPatternGrid::CPatternGrid(QWidget* parent, Prompts& prompts)
     : TableWindow(parent, &prompts, ColumnLayout()), style_{fonts_, ColorOf(background)} {
@@ -62,6 +63,24 @@ PatternGeometry CPatternGrid::Geometry() const {
 void CPatternGrid::StepRows(int rows) {
     topRow_ = Geometry().StepTopRow(rows);
     Render();
+    emit LayoutChanged();
+}
+
+void CPatternGrid::MoveRowsTo(int row) {
+    if (row != topRow_) {
+        StepRows(row - topRow_);
+    }
+}
+
+BarState CPatternGrid::RowBar() const {
+    const PatternGeometry geometry = Geometry();
+    const int limit = geometry.TopRowLimit();
+    return {limit, geometry.VisibleRows(), topRow_, limit > 0};
+}
+
+void CPatternGrid::KeepOffset() {
+    TableWindow::KeepOffset();
+    topRow_ = Geometry().StepTopRow(0);
 }
 
 // Drawing.
@@ -99,10 +118,15 @@ CPatternGrid::Cell CPatternGrid::CellAt(const QPoint& place) const {
 }
 
 void CPatternGrid::SetHot(const Cell& cell) {
-    if (hot != cell) {
-        hot = cell;
-        Render();
+    if (hot == cell) {
+        return;
     }
+    hot = cell;
+    if (hotGrid != this && hotGrid != nullptr) {
+        hotGrid->Render(); // it has lost the cell
+    }
+    hotGrid = this;
+    Render();
 }
 
 void CPatternGrid::PressCell(const QPoint& place, Qt::MouseButton button) {

@@ -5,6 +5,8 @@
 #include "ui/patterns/pattern_painter.h"
 #include "ui/patterns/table_window.h"
 
+#include <QPointer>
+
 #include <functional>
 #include <string>
 
@@ -34,12 +36,17 @@ public:
     /// Where its cells are.
     [[nodiscard]] PatternGeometry Geometry() const;
     void StepRows(int rows);
+    /// The scroll bar along the rows, whose positions are rows.
+    [[nodiscard]] BarState RowBar() const;
+    /// Shows rows from this one on, limited to the range in which they can be scrolled.
+    void MoveRowsTo(int row);
 
     [[nodiscard]] QSize sizeHint() const override { return {420, 60}; }
 
 protected:
     void Draw(QPainter& painter) override;
     void RenderNames() override;
+    void KeepOffset() override;
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -60,6 +67,7 @@ private:
     /// only, so each grid recognises its own cell.
     static Cell hot;
     static Cell pressed;
+    static QPointer<CPatternGrid> hotGrid; // the one that shows the hot cell
 
     [[nodiscard]] PatternFrame Frame() const;
     [[nodiscard]] std::optional<PatternCell> PlaceOf(const Cell& cell) const;

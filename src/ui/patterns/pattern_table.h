@@ -1,5 +1,7 @@
 #pragma once
 
+#include "signals/signal_defs.h"
+
 #include <QWidget>
 
 class QScrollBar;
@@ -10,15 +12,18 @@ class CPatternGrid;
 class CSignalList;
 class Prompts;
 
-/// A pattern grid that shows all its rows, with a horizontal scroll bar.
+/// Whether a table is at least as high as its rows, or scrolls them.
+enum class PatternRows { AllShown, Scrolled };
+
+/// A pattern grid with a horizontal scroll bar, and a vertical one if its rows scroll.
 class CPatternTable final : public QWidget {
     Q_OBJECT
 public:
-    CPatternTable(int rows, Prompts& prompts);
+    CPatternTable(int rows, Prompts& prompts, PatternRows shown = PatternRows::AllShown);
 
     [[nodiscard]] CPatternGrid& Grid() const noexcept { return *grid_; }
     /// The list outlives the table or is replaced before it is destroyed.
-    void SetList(CSignalList& list);
+    void SetList(CSignalList& list, std::uint32_t mode = ModeEvents);
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -26,11 +31,12 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    void SetBar();
+    void SetBars();
     void Scrolled(int action);
 
     CPatternGrid* grid_;
-    QScrollBar* bar_;
+    QScrollBar* signalBar_;
+    QScrollBar* rowBar_ = nullptr; // only if rows scroll
 };
 
 } // namespace busquill

@@ -33,7 +33,7 @@ public:
     void TurnSignals(int notches);
 
 signals:
-    /// The size, order or position of signals has changed.
+    /// The size, order or position of signals has changed, or the position of rows.
     void LayoutChanged();
 
 protected:

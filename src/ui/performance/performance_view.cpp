@@ -4,7 +4,6 @@
 #include "performance/performance_document.h"
 #include "platform/periodic_timer.h"
 #include "platform/prompts.h"
-#include "platform/working_directory.h"
 #include "ui/framework/ask_for_file.h"
 #include "ui/framework/mdi_child.h"
 #include "ui/performance/graph_painter.h"
@@ -34,18 +33,6 @@ constexpr int graphTop = 120;
 constexpr int graphBottom = 40; // from the bottom of the view
 constexpr int graphMargin = 10;
 constexpr int graphGap = 15; // on each side of the centre
-
-FileQuestion QuestionFor(FileUse use, const CPerformanceDoc& document) {
-    FileQuestion question;
-    question.use = use;
-    question.title = use == FileUse::Save ? "Save Performance" : "Load Performance";
-    question.filter = "Performance(*.per)";
-    question.extension = ".per";
-    const std::string& path = document.GetPathName();
-    question.folder = std::string(FolderOf(path));
-    question.name = path.substr(question.folder.size());
-    return question;
-}
 
 QRect RowPlace(std::size_t row) {
     return {columnLeft[row / rowsInColumn],
@@ -153,14 +140,16 @@ void CPerformanceView::ShowValues() {
 
 void CPerformanceView::Load() {
     Stop();
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Open, document_), prompts_);
+    const std::string path = AskForFile(
+        this, QuestionFor(FileUse::Open, "Performance", ".per", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnOpenDocument(path)); // reports its failure, updates the views
     }
 }
 
 void CPerformanceView::Save() {
-    const std::string path = AskForFile(this, QuestionFor(FileUse::Save, document_), prompts_);
+    const std::string path = AskForFile(
+        this, QuestionFor(FileUse::Save, "Performance", ".per", document_.GetPathName()), prompts_);
     if (!path.empty()) {
         static_cast<void>(document_.OnSaveDocument(path)); // reports its failure
     }

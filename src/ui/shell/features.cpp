@@ -3,6 +3,7 @@
 #include "ui/exerciser/exerciser_features.h"
 #include "ui/link/board_feature.h"
 #include "ui/performance/performance_feature.h"
+#include "ui/stimulus/stimulus_feature.h"
 #include "ui/trace/trace_feature.h"
 
 namespace busquill {
@@ -29,7 +30,7 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
         Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
                 "Tessel Anomaly Detection"),
         TargetFeature(parts),
-        Planned("\nStimulus\nStimulus\nStimulus (*.stm)\n.stm\nTessel.Stimulus\nTessel Stimulus"),
+        StimulusFeature(parts),
         Planned("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
                 "Tessel.BackplaneTest\nTessel Backplane Test"),
     };

@@ -27,8 +27,6 @@ public:
         return helpTopics_;
     }
 
-    bool stimulusStarted = false;
-
 private:
     std::vector<HelpTopicPage> helpTopics_;
 };

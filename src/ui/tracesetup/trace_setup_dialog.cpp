@@ -6,10 +6,11 @@
 #include "platform/working_directory.h"
 #include "tracesetup/setup_file.h"
 #include "ui/framework/ask_for_file.h"
+#include "ui/levels/level_panel.h"
 #include "ui/patterns/pattern_grid.h"
 #include "ui/patterns/pattern_table.h"
-#include "ui/tracesetup/level_panel.h"
 #include "ui/tracesetup/setup_wizard_dialog.h"
+#include "ui/tracesetup/trace_levels.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -142,7 +143,7 @@ QGroupBox* CTraceSetupDialog::MakeEventGroup() {
 
 QGroupBox* CTraceSetupDialog::MakeControlGroup() {
     auto* group = new QGroupBox("Trace Control");
-    levels_ = new CLevelPanel(setup_, parts_.prompts);
+    levels_ = new CLevelPanel(setup_, TraceLevels(), parts_.prompts);
     connect(levels_, &CLevelPanel::Modified, this, &CTraceSetupDialog::Modify);
 
     clock_ = MakeList("Sample Clock", clockCount, ClockText);

@@ -8,11 +8,11 @@
 #include "support/temp_dir.h"
 #include "tracesetup/setup_file.h"
 #include "ui/framework/painting.h"
+#include "ui/levels/level_panel.h"
+#include "ui/levels/occurrence_dialog.h"
 #include "ui/patterns/pattern_cell.h"
 #include "ui/tracesetup/condition_dialog.h"
 #include "ui/tracesetup/expression_dialog.h"
-#include "ui/tracesetup/level_panel.h"
-#include "ui/tracesetup/occurrence_dialog.h"
 #include "ui/tracesetup/setup_wizard_dialog.h"
 #include "ui/tracesetup/trace_setup_dialog.h"
 

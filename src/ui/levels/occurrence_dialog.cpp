@@ -1,4 +1,4 @@
-#include "ui/tracesetup/occurrence_dialog.h"
+#include "ui/levels/occurrence_dialog.h"
 
 #include "platform/prompts.h"
 #include "platform/text.h"

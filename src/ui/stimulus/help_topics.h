@@ -1,0 +1,7 @@
+#pragma once
+
+namespace busquill::HelpTopic {
+
+enum : int { Stimulus = 12 };
+
+} // namespace busquill::HelpTopic
