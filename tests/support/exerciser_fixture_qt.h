@@ -4,6 +4,7 @@
 #include "ui/exerciser/memory_list.h"
 #include "ui/framework/go_stop_child.h"
 #include "ui/framework/view.h"
+#include "ui/link/bus_config_dialog.h"
 #include "ui/patterns/pattern_edit.h"
 #include "ui/patterns/value_dialog.h"
 
@@ -35,6 +36,13 @@ protected:
         StartOnLine();
         Open();
         line->Do([this] { board.functions.clear(); });
+    }
+    /// Changes the mode of the bus while the window is open.
+    void ChangeBus(const QString& mode) {
+        ChooseDialog<CBusConfigDialog>("Utilities/Bus Configuration", [&](CBusConfigDialog& bus) {
+            bus.findChildren<QComboBox*>().front()->setCurrentText(mode);
+            Press(bus, "OK");
+        });
     }
     void Open() {
         Choose(menuPath_);

@@ -19,8 +19,10 @@ constexpr std::uint32_t controlRegister = 800;
 constexpr std::uint32_t statusRegister = 801;
 constexpr std::uint32_t addressRegister = 804;
 constexpr std::uint32_t dataRegister = 816;
+constexpr std::uint32_t attributesRegister = 924;
 constexpr int exerciserStop = 24; // a function of the board
 
+constexpr int pci = 0;
 constexpr int pciX = 1;
 constexpr int vme = 2;
 constexpr int vsb = 9;
@@ -55,8 +57,8 @@ TEST_F(MasterWindow, HasTheFieldsOfPci) {
     EXPECT_EQ(Items("Command"), (QStringList{"Read", "Write", "Verify", "Test", "Compare"}));
     EXPECT_EQ(Field("Repeat").text(), "1");
     EXPECT_TRUE(Field("Repeat").alignment().testFlag(Qt::AlignRight));
-    EXPECT_EQ(View().findChild<QLineEdit*>("AttrTag"), nullptr);
-    EXPECT_EQ(View().findChild<QLineEdit*>("AddressModifier"), nullptr);
+    EXPECT_FALSE(Field("AttrTag").isVisible());
+    EXPECT_FALSE(Field("AddressModifier").isVisible());
 }
 
 TEST_F(MasterWindow, HasTheAttributesOfPciX) {
@@ -70,13 +72,125 @@ TEST_F(MasterWindow, HasTheAttributesOfPciX) {
 TEST_F(MasterWindow, HasTheModifierOfVme) {
     StartOnBus(vme);
     EXPECT_EQ(Field("AddressModifier").text(), "0D");
-    EXPECT_EQ(View().findChild<QComboBox*>("AddressSpace"), nullptr);
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_FALSE(List("AddressSpace").isVisible());
     EXPECT_EQ(frame->width(), 600);
 }
 
 TEST_F(MasterWindow, HasTheSpacesOfVsb) {
     StartOnBus(vsb);
     EXPECT_EQ(Items("AddressSpace"), (QStringList{"Sys", "I/O", "Alt"}));
+}
+
+TEST_F(MasterWindow, FollowsTheBusToPciXAndBack) {
+    StartOnBus(pci);
+    Type("AddressStart", "0000000000001000");
+    List("AddressSpace").setCurrentText("Config");
+    List("Command").setCurrentText("Verify");
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+    EXPECT_EQ(frame->width(), 840);
+    EXPECT_EQ(Items("Command").last(), "Split Completion");
+    EXPECT_EQ(List("Command").currentText(), "Verify");
+    EXPECT_EQ(List("AddressSpace").currentText(), "Config");
+    EXPECT_EQ(Field("AddressStart").text().remove(' '), "0000000000001000");
+    Type("AttrTag", "1f");
+    ChangeBus("PCI");
+    EXPECT_FALSE(Field("AttrTag").isVisible());
+    EXPECT_EQ(Items("Command").last(), "Compare");
+    EXPECT_EQ(List("Command").currentText(), "Verify");
+    ChangeBus("PCI-X");
+    EXPECT_EQ(Field("AttrTag").text(), "1F") << "it has waited for its bus";
+}
+
+TEST_F(MasterWindow, FollowsTheBusToVmeAndBack) {
+    StartOnBus(pci);
+    List("AddressSpace").setCurrentText("I/O");
+    Type("AddressEnd", "0000000000000033");
+    ChangeBus("VME");
+    EXPECT_FALSE(List("AddressSpace").isVisible());
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_EQ(Document().Form().addressSpace, 0) << "a space that nobody sees";
+    EXPECT_EQ(Field("AddressEnd").text().remove(' '), "0000000000000033");
+    EXPECT_EQ(frame->width(), 600);
+    Type("AddressModifier", "39");
+    AnswerDialog<CMasterOptionsDialog>([&] { Press(View(), "Options"); },
+                                       [](CMasterOptionsDialog& dialog) { Press(dialog, "OK"); });
+    ChangeBus("2eSST"); // the same family
+    EXPECT_EQ(Field("AddressModifier").text(), "39");
+    ChangeBus("PCI");
+    EXPECT_TRUE(List("AddressSpace").isVisible());
+    EXPECT_EQ(List("AddressSpace").currentText(), "Memory");
+    EXPECT_FALSE(Field("AddressModifier").isVisible());
+    Press(View(), "Options");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("No options are available."));
+}
+
+TEST_F(MasterWindow, TheSpaceFollowsTheBusByItsName) {
+    StartOnBus(pci);
+    List("AddressSpace").setCurrentText("I/O");
+    ChangeBus("VSB");
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Sys", "I/O", "Alt"}));
+    EXPECT_EQ(List("AddressSpace").currentText(), "I/O");
+    List("AddressSpace").setCurrentText("Alt");
+    ChangeBus("PCI");
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Memory", "I/O", "Config"}));
+    EXPECT_EQ(List("AddressSpace").currentText(), "Memory");
+    EXPECT_EQ(Document().Form().addressSpace, 0);
+}
+
+TEST_F(MasterWindow, ACommandThatTheNewBusLacksIsNoMoreSelected) {
+    StartOnBus(pciX);
+    List("Command").setCurrentText("Split Completion");
+    ChangeBus("PCI");
+    EXPECT_EQ(List("Command").currentIndex(), -1);
+    EXPECT_EQ(Document().Form().command, MasterNoCommand);
+    List("Command").setCurrentText("Write");
+    EXPECT_EQ(Document().Form().command, MasterWrite);
+}
+
+// The dialog reads the board, whose mode may have changed without it.
+TEST_F(MasterWindow, FollowsABoardThatIsFoundOnAnotherBus) {
+    StartOnBoard();
+    Type("AddressEnd", "0000000000000007");
+    EXPECT_FALSE(Field("AttrTag").isVisible());
+    line->Do([&] { board.contents[18] = {1}; });
+    ChooseDialog<CBusConfigDialog>("Utilities/Bus Configuration",
+                                   [](CBusConfigDialog& bus) { Press(bus, "Cancel"); });
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(WritesTo(attributesRegister), ElementsAre(Bytes{0, 0, 0, 0}));
+}
+
+TEST_F(MasterWindow, TheBusMayChangeDuringARun) {
+    board.contents[statusRegister] = {0x81};
+    StartOnBoard();
+    Type("AddressEnd", "000000000000003f");
+    List("Command").setCurrentText("Write");
+    Go();
+    line->Do([&] {
+        board.contents[18] = {1};
+        board.contents[statusRegister] = {1};
+    });
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(Status(), ElementsAre("Pass", "Pass"));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MasterWindow, ANarrowWindowStaysNarrowOnABusThatNeedsNoMore) {
+    StartOnBus(pci);
+    frame->resize(500, 400);
+    ChangeBus("VME");
+    EXPECT_EQ(frame->width(), 500);
+    ChangeBus("PCI-X");
+    EXPECT_EQ(frame->width(), 840);
+    frame->resize(1000, 450);
+    ChangeBus("PCI");
+    ChangeBus("PCI-X");
+    EXPECT_EQ(frame->size(), QSize(1000, 450));
 }
 
 TEST_F(MasterWindow, ShowsTheFieldOfTheDataType) {

@@ -14,6 +14,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr std::uint32_t setupRegister = 1490;
+constexpr int pci = 0;
 constexpr int vme = 2;
 
 class TargetWindow : public ExerciserWindow {
@@ -44,7 +45,29 @@ TEST_F(TargetWindow, HasItsFields) {
 TEST_F(TargetWindow, HasTheModifierOfVme) {
     StartOnBus(vme);
     EXPECT_EQ(Field("AddressModifier").text(), "0D");
-    EXPECT_EQ(View().findChild<QComboBox*>("AddressSpace"), nullptr);
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_FALSE(List("AddressSpace").isVisible());
+}
+
+TEST_F(TargetWindow, FollowsTheBusToVmeAndBack) {
+    StartOnBus(pci);
+    List("AddressSpace").setCurrentText("Config");
+    Type("BusStart", "0000000080000000");
+    Tick(View(), "Enable Target");
+    ChangeBus("VME");
+    EXPECT_FALSE(List("AddressSpace").isVisible());
+    EXPECT_EQ(Items("AddressSpace"), QStringList{"Memory"});
+    EXPECT_EQ(Document().Form().addressSpace, 0) << "a space that nobody sees";
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_EQ(Field("BusStart").text().remove(' '), "0000000080000000");
+    EXPECT_TRUE(View().findChild<QCheckBox*>()->isChecked());
+    Type("AddressModifier", "39");
+    ChangeBus("PCI");
+    EXPECT_TRUE(List("AddressSpace").isVisible());
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Memory", "I/O", "Config"}));
+    EXPECT_FALSE(Field("AddressModifier").isVisible());
+    ChangeBus("VME");
+    EXPECT_EQ(Field("AddressModifier").text(), "39");
 }
 
 TEST_F(TargetWindow, EnablingSendsTheSetupAtOnce) {
