@@ -29,7 +29,7 @@ constexpr int vsb = 9;
 
 class MasterWindow : public ExerciserWindow {
 protected:
-    MasterWindow() : ExerciserWindow("File/New/Exerciser/Master") {
+    MasterWindow() : ExerciserWindow("File/New/Exerciser/Master", {"Master File", "form.mst"}) {
         board.contents[statusRegister] = {1};
     }
     CMasterDoc& Document() { return static_cast<CMasterDoc&>(frame->GetDocument()); }
@@ -516,6 +516,169 @@ TEST_F(MasterWindow, LaysOutTheAttributesOfPciX) {
                   View().fontMetrics().horizontalAdvance("Function#"));
     }
     EXPECT_EQ(List("Command").geometry().right() + 1, 830 - 8);
+}
+
+TEST_F(MasterWindow, DrawsTheRowsThatTheBarSays) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000002000");
+    Type("AddressEnd", "0000000000002003");
+    Go();
+    ASSERT_TRUE(Ends());
+    QScrollBar& bar = *Dump().verticalScrollBar();
+    const int page = Dump().viewport()->height() / 16;
+    for (const int top : {0, 1, 37, bar.maximum()}) {
+        bar.setValue(top);
+        const Recording drawn = Drawn(*Dump().viewport());
+        ASSERT_GE(drawn.texts.size(), static_cast<std::size_t>(page)) << top;
+        ASSERT_LE(drawn.texts.size(), static_cast<std::size_t>(page + 1)) << top;
+        for (int i = 0; i < page; ++i) {
+            const auto row = drawn.TextsBetween(i * 16, (i + 1) * 16);
+            ASSERT_EQ(row.size(), 1U) << i;
+            EXPECT_EQ(row[0].text, Dump().RowText(top + i));
+            EXPECT_TRUE(row[0].bold);
+            EXPECT_EQ(row[0].rect.left(), 0);
+        }
+    }
+    bar.setValue(bar.maximum());
+    EXPECT_EQ(Drawn(*Dump().viewport()).TextsBetween((page - 1) * 16, page * 16)[0].text,
+              Dump().RowText(999));
+}
+
+TEST_F(MasterWindow, HomeAndEndShowTheEndsOfTheDump) {
+    StartOnBoard();
+    QScrollBar& bar = *Dump().verticalScrollBar();
+    Dump().setFocus();
+    QTest::keyClick(&Dump(), Qt::Key_End);
+    EXPECT_EQ(bar.value(), bar.maximum());
+    QTest::keyClick(&Dump(), Qt::Key_PageUp);
+    EXPECT_EQ(bar.value(), bar.maximum() - bar.pageStep());
+    QTest::keyClick(&Dump(), Qt::Key_Up);
+    EXPECT_EQ(bar.value(), bar.maximum() - bar.pageStep() - 1);
+    QTest::keyClick(&Dump(), Qt::Key_Home);
+    EXPECT_EQ(bar.value(), 0);
+    QTest::keyClick(&Dump(), Qt::Key_Down);
+    EXPECT_EQ(bar.value(), 1);
+}
+
+TEST_F(MasterWindow, ShowsTheAttributesOfAFile) {
+    StartOnBus(pciX);
+    LoadForm("\"AttrTag\",\"1f\"\r\n\"AttrBusNum\",\"a5\"\r\n\"AttrDeviceNum\",\"09\"\r\n"
+             "\"AttrFunctionNum\",\"05\"\r\n\"Command\",\"Split Completion\"\r\n");
+    EXPECT_EQ(Field("AttrTag").text(), "1F");
+    EXPECT_EQ(Field("AttrBusNum").text(), "A5");
+    EXPECT_EQ(Field("AttrDeviceNum").text(), "09");
+    EXPECT_EQ(Field("AttrFunctionNum").text(), "5");
+    EXPECT_EQ(List("Command").currentText(), "Split Completion");
+}
+
+TEST_F(MasterWindow, ShowsModifierAndLevelOfAFile) {
+    StartOnBus(vme);
+    LoadForm("\"AddressModifier\",\"2f\"\r\n\"BusRequestLevel\",\"04\"\r\n");
+    EXPECT_EQ(Field("AddressModifier").text(), "2F");
+    AnswerDialog<CMasterOptionsDialog>([&] { Press(View(), "Options"); },
+                                       [](CMasterOptionsDialog& dialog) {
+                                           EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(),
+                                                     "Level 2");
+                                       });
+}
+
+TEST_F(MasterWindow, ShowsTheListsOfAFile) {
+    StartOnBoard();
+    LoadForm("\"AddressSpace\",\"Config\"\r\n\"AddressSize\",\"odd\"\r\n"
+             "\"DataSize\",\"odd\"\r\n\"DataCycle\",\"Burst\"\r\n"
+             "\"AddressEnd\",\"0000000000000123\"\r\n\"DataValue\",\"8877665544332211\"\r\n"
+             "\"Repeat\",7\r\n");
+    EXPECT_EQ(List("AddressSpace").currentText(), "Config");
+    EXPECT_EQ(List("AddressSize").currentText(), "64 bit");
+    EXPECT_EQ(List("DataSize").currentText(), "8 bit");
+    EXPECT_EQ(List("DataCycle").currentText(), "Burst");
+    EXPECT_EQ(Field("AddressEnd").text().remove(' '), "0000000000000123");
+    EXPECT_EQ(Field("DataValue").text().remove(' '), "8877665544332211");
+    EXPECT_EQ(Field("Repeat").text(), "7");
+}
+
+TEST_F(MasterWindow, NamesItsGroupsAndFields) {
+    StartOnBus(pci);
+    const QStringList data = {"Data", "Size", "Cycle", "Type", "Value"};
+    const QStringList command = {"Command", "Repeat"};
+    EXPECT_EQ(DrawnTexts(),
+              Sorted(QStringList{"Address", "Space", "Size", "Start", "End"} + data + command));
+    List("DataType").setCurrentText("File");
+    EXPECT_TRUE(DrawnTexts().contains("File"));
+    EXPECT_FALSE(DrawnTexts().contains("Value"));
+    List("DataType").setCurrentText("Target");
+    EXPECT_FALSE(DrawnTexts().contains("File"));
+    EXPECT_FALSE(DrawnTexts().contains("Value"));
+    List("DataType").setCurrentText("Value");
+    ChangeBus("VME");
+    EXPECT_EQ(DrawnTexts(),
+              Sorted(QStringList{"Address", "AM", "Size", "Start", "End"} + data + command));
+    ChangeBus("PCI-X");
+    EXPECT_EQ(DrawnTexts(),
+              Sorted(QStringList{"Address", "Space", "Size", "Start", "End"} + data + command +
+                     QStringList{"Attribute", "Tag", "Bus#", "Device#", "Function#"}));
+}
+
+TEST_F(MasterWindow, LabelsStandBeforeTheirFieldsUncut) {
+    StartOnBus(pciX);
+    for (const char* bus : {"PCI-X", "VME", "VSB"}) {
+        ChangeBus(bus);
+        for (const int width : {660, 900, 1200}) {
+            SetViewSize({width, 400});
+            const Recording drawn = Drawn(View());
+            const std::pair<const char*, QWidget*> labels[] = {
+                {bus == std::string("VME") ? "AM" : "Space",
+                 bus == std::string("VME") ? static_cast<QWidget*>(&Field("AddressModifier"))
+                                           : &List("AddressSpace")},
+                {"Start", &Field("AddressStart")},
+                {"End", &Field("AddressEnd")},
+                {"Cycle", &List("DataCycle")},
+                {"Value", &Field("DataValue")},
+                {"Repeat", &Field("Repeat")},
+                {"Bus#", &Field("AttrBusNum")},
+                {"Function#", &Field("AttrFunctionNum")}};
+            for (const auto& [text, field] : labels) {
+                if (!field->isVisible()) {
+                    continue;
+                }
+                const auto label = std::ranges::find(drawn.texts, QString(text), &Text::text);
+                ASSERT_NE(label, drawn.texts.end()) << text;
+                EXPECT_LE(label->rect.right(), field->x()) << text << " " << width;
+                EXPECT_NEAR(label->rect.center().y(), field->geometry().center().y(), 2) << text;
+            }
+        }
+    }
+}
+
+// The groups take 3/8, 3/8 and 2/8 of the width; of PCI-X, where there is one more, in tenths.
+TEST_F(MasterWindow, LaysOutTheFormOfEachBus) {
+    StartOnBus(pci);
+    struct Place {
+        const char* bus;
+        int width;
+        std::vector<int> right; // of the groups
+    };
+    const Place places[] = {
+        {"VME", 600, {230, 450, 590}},        {"VME", 1000, {380, 750, 990}},
+        {"VSB", 600, {230, 450, 590}},        {"VSB", 800, {305, 600, 790}},
+        {"PCI-X", 840, {257, 504, 672, 830}}, {"PCI-X", 1200, {365, 720, 960, 1190}},
+        {"PCI-X", 600, {185, 360, 520, 660}}}; // no narrower
+    for (const auto& [bus, width, right] : places) {
+        ChangeBus(bus);
+        SetViewSize({width, 400});
+        ASSERT_EQ(View().width(), width);
+        const bool isVme = bus == std::string("VME");
+        QWidget& first = isVme ? static_cast<QWidget&>(Field("AddressModifier"))
+                               : static_cast<QWidget&>(List("AddressSpace"));
+        EXPECT_TRUE(first.isVisible());
+        EXPECT_EQ(first.y(), View().height() - 140) << bus;
+        EXPECT_EQ(first.geometry().right() + 1, right[0] - 8) << bus << width;
+        EXPECT_EQ(List("DataSize").geometry().right() + 1, right[1] - 8) << bus << width;
+        if (right.size() == 4) {
+            EXPECT_EQ(Field("AttrTag").geometry().right() + 1, right[2] - 8) << bus << width;
+        }
+        EXPECT_EQ(List("Command").geometry().right() + 1, right.back() - 8) << bus << width;
+    }
 }
 
 TEST_F(MasterWindow, HasItsButtonsInTheirPlaces) {
