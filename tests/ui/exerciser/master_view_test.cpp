@@ -2,10 +2,12 @@
 #include "support/exerciser_fixture_qt.h"
 #include "ui/exerciser/master_options_dialog.h"
 
+#include <QDir>
 #include <QListWidget>
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <thread>
 
 namespace busquill::test {
 namespace {
@@ -679,6 +681,60 @@ TEST_F(MasterWindow, LaysOutTheFormOfEachBus) {
         }
         EXPECT_EQ(List("Command").geometry().right() + 1, right.back() - 8) << bus << width;
     }
+}
+
+// The main thread may be in the middle of an exchange then.
+TEST_F(MasterWindow, NothingIsPolledWhileABoxOfAnotherThreadIsOpen) {
+    StartOnBoard();
+    int polls = 0;
+    line->Do([&] {
+        board.onMemoryRead = [&](std::uint32_t address) { polls += address == statusRegister; };
+    });
+    int pollsInBox = -1;
+    mainThread.SetPresenter(
+        [&](const Box&) {
+            QTest::qWait(300);
+            line->Do([&] { pollsInBox = polls; });
+            return Answer::Ok;
+        },
+        [] {});
+    List("Command").setCurrentText("Write");
+    Go();
+    std::thread other([&] { mainThread.Show({"A box."}); });
+    while (pollsInBox < 0) {
+        mainThread.ServeBoxes();
+    }
+    other.join();
+    EXPECT_EQ(pollsInBox, 0);
+    ASSERT_TRUE(Ends());
+    line->Do([&] { board.onMemoryRead = nullptr; });
+    EXPECT_EQ(polls, 1);
+}
+
+TEST_F(MasterWindow, AMaximizedWindowStaysSo) {
+    StartOnBus(pci);
+    Frame().resize(700, 600);
+    frame->showMaximized();
+    QApplication::processEvents();
+    const QSize maximized = frame->size();
+    ASSERT_LT(maximized.width(), 840);
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(frame->isMaximized());
+    EXPECT_EQ(frame->size(), maximized);
+}
+
+TEST_F(MasterWindow, TheFileDialogBeginsAtTheLastFile) {
+    const std::string path = dir.Write("last.dat", "00\n");
+    settings.WriteProfileString("Setup", "LastMasterDataFile", path);
+    StartOnBoard();
+    EXPECT_EQ(Field("DataFilename").toolTip().toStdString(), path) << "a long path is cut";
+    AnswerDialog<QFileDialog>(
+        [&] { Press(View(), "File"); },
+        [&](QFileDialog& files) {
+            EXPECT_EQ(files.directory(), QDir(QString::fromStdString(dir.Path())));
+            EXPECT_EQ(files.findChild<QLineEdit*>("fileNameEdit")->text(), "last.dat");
+        });
+    EXPECT_EQ(Document().Form().dataFilename, path) << "cancelled";
 }
 
 TEST_F(MasterWindow, HasItsButtonsInTheirPlaces) {
