@@ -128,7 +128,7 @@ void CMasterView::FollowBoard() {
     document_.FollowBoard();
     const int width = document_.Family().windowWidth;
     CMDIChildWnd* frame = CMDIChildWnd::FrameOf(*this);
-    if (width > usualWidth && !frame->isMaximized() && frame->width() < width) {
+    if (width > usualWidth && !frame->isMinimized() && frame->width() < width) {
         frame->resize(width, frame->height());
     }
 }

@@ -723,6 +723,19 @@ TEST_F(MasterWindow, AMaximizedWindowStaysSo) {
     EXPECT_EQ(frame->size(), maximized);
 }
 
+TEST_F(MasterWindow, AMinimizedWindowStaysSo) {
+    StartOnBus(pci);
+    frame->showMinimized();
+    QApplication::processEvents();
+    const QSize minimized = frame->size();
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(frame->isMinimized());
+    EXPECT_EQ(frame->size(), minimized);
+    frame->showNormal();
+    QApplication::processEvents();
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+}
+
 TEST_F(MasterWindow, TheFileDialogBeginsAtTheLastFile) {
     const std::string path = dir.Write("last.dat", "00\n");
     settings.WriteProfileString("Setup", "LastMasterDataFile", path);

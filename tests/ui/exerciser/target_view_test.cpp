@@ -299,6 +299,26 @@ TEST_F(TargetWindow, ASecondGoDuringARunBeginsAgain) {
     EXPECT_THAT(WritesTo(992), SizeIs(1)); // the last step
 }
 
+TEST_F(TargetWindow, TheDumpIsDrawnAgainWhenItGrows) {
+    struct Counter final : QObject {
+        bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+            paints += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int paints = 0;
+    } counter;
+    StartOnBoard();
+    Type("AddressEnd", "00000000000003ff"); // five steps
+    QApplication::processEvents();
+    Dump().viewport()->installEventFilter(&counter);
+    QTest::qWait(100);
+    EXPECT_EQ(counter.paints, 0);
+    Go();
+    ASSERT_TRUE(Ends());
+    QApplication::processEvents();
+    EXPECT_GE(counter.paints, 5);
+}
+
 TEST_F(TargetWindow, HelpOpensItsPage) {
     StartOnBoard();
     EXPECT_EQ(HelpPage(), "Target");
