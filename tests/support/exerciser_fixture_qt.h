@@ -1,14 +1,17 @@
 #pragma once
 
 #include "support/board_line_fixture_qt.h"
+#include "support/recording_paint_device_qt.h"
 #include "ui/exerciser/memory_list.h"
 #include "ui/framework/go_stop_child.h"
 #include "ui/framework/view.h"
+#include "ui/link/bus_config_dialog.h"
 #include "ui/patterns/pattern_edit.h"
 #include "ui/patterns/value_dialog.h"
 
 #include <QComboBox>
 #include <QScrollBar>
+#include <QStyleFactory>
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextDocument>
@@ -19,7 +22,14 @@ namespace busquill::test {
 /// A window of an exerciser, in a program on a scripted board or without one.
 class ExerciserWindow : public BoardLineFixture {
 protected:
-    explicit ExerciserWindow(QString menuPath) : menuPath_(std::move(menuPath)) {}
+    using Text = Recording::Text;
+    struct FormFile {
+        std::string type; // in its first line
+        std::string name;
+    };
+
+    ExerciserWindow(QString menuPath, FormFile file)
+        : menuPath_(std::move(menuPath)), file_(std::move(file)) {}
 
     /// Starts the program without a board, as if one of that bus mode were connected.
     void StartOnBus(int busMode) {
@@ -35,6 +45,13 @@ protected:
         StartOnLine();
         Open();
         line->Do([this] { board.functions.clear(); });
+    }
+    /// Changes the mode of the bus while the window is open.
+    void ChangeBus(const QString& mode) {
+        ChooseDialog<CBusConfigDialog>("Utilities/Bus Configuration", [&](CBusConfigDialog& bus) {
+            bus.findChildren<QComboBox*>().front()->setCurrentText(mode);
+            Press(bus, "OK");
+        });
     }
     void Open() {
         Choose(menuPath_);
@@ -68,6 +85,40 @@ protected:
                                     QTest::keyClicks(bits, digits);
                                     Press(dialog, "OK");
                                 });
+    }
+    /// Loads a file with these lines after its head.
+    void LoadForm(const std::string& lines) {
+        const std::string path = dir.Write(file_.name, "\"FileType\",\"" + file_.type +
+                                                           "\"\r\n\"Version\",\"1.0\"\r\n" + lines);
+        AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                                  [&](QFileDialog& files) { GiveFileName(files, path); });
+    }
+    /// Gives the view that width, and the window that height.
+    void SetViewSize(QSize size) {
+        frame->setMinimumSize(0, 0);
+        frame->resize(frame->width() + size.width() - View().width(), size.height());
+        QApplication::processEvents();
+    }
+    /// What a window draws itself, without those in it.
+    static Recording Drawn(QWidget& window) {
+        auto* style = QStyleFactory::create("Windows"); // draws frames as lines
+        style->setParent(&window);
+        window.setStyle(style);
+        RecordingPaintDevice device(window.size());
+        window.render(&device, {}, {}, {});
+        return device.Recorded();
+    }
+    /// The titles of groups and the labels, sorted.
+    QStringList DrawnTexts() {
+        QStringList texts;
+        for (const Text& each : Drawn(View()).texts) {
+            texts << each.text;
+        }
+        return Sorted(texts);
+    }
+    static QStringList Sorted(QStringList texts) {
+        texts.sort();
+        return texts;
     }
     void Go() { QTest::mouseClick(frame->findChild<QToolButton*>("Go"), Qt::LeftButton); }
     void Stop() { QTest::mouseClick(frame->findChild<QToolButton*>("Stop"), Qt::LeftButton); }
@@ -111,6 +162,7 @@ protected:
 
 private:
     const QString menuPath_;
+    const FormFile file_;
 };
 
 } // namespace busquill::test

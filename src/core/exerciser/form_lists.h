@@ -25,5 +25,11 @@ inline constexpr std::uint8_t defaultAddressModifier = 0x0D;
 /// The text at an index; empty outside the list.
 [[nodiscard]] std::string_view TextInList(std::span<const std::string_view> list,
                                           std::int32_t index) noexcept;
+/// The index in another list of the text at an index; 0 for a text that is not in it.
+[[nodiscard]] inline std::int32_t IndexInOther(std::span<const std::string_view> from,
+                                               std::int32_t index,
+                                               std::span<const std::string_view> to) noexcept {
+    return IndexInList(to, TextInList(from, index));
+}
 
 } // namespace busquill

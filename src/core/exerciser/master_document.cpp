@@ -28,15 +28,24 @@ std::int32_t AddressSizeOf(const std::string* text) {
 
 /// A command that only other boards have leaves nothing selected; an unknown one reads.
 std::int32_t CommandOf(const std::string& text, const MasterFamily& family) {
-    const std::int32_t command = IndexInList(masterCommands, text);
-    return command < static_cast<std::int32_t>(family.commands.size()) ? command : MasterNoCommand;
+    return CommandOn(family, IndexInList(masterCommands, text));
 }
 
 } // namespace
 
 CMasterDoc::CMasterDoc(std::function<BoardTraits()> board, Prompts& prompts)
     : RecordDocument(fileKind, OpenQuote::DropsNextLine, prompts), board_(std::move(board)),
-      values_(keys) {}
+      family_(&MasterFamilyOf(board_())), values_(keys) {}
+
+void CMasterDoc::FollowBoard() {
+    const MasterFamily& now = MasterFamilyOf(board_());
+    if (&now == family_) {
+        return;
+    }
+    ChangeFamily(form_, *family_, now);
+    family_ = &now;
+    UpdateAllViews(nullptr);
+}
 
 void CMasterDoc::BeginReading() {
     values_.Clear();

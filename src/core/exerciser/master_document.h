@@ -20,7 +20,9 @@ public:
     [[nodiscard]] MasterForm& Form() noexcept { return form_; }
     [[nodiscard]] const MasterForm& Form() const noexcept { return form_; }
     /// What the form has on the board.
-    [[nodiscard]] const MasterFamily& Family() const { return MasterFamilyOf(board_()); }
+    [[nodiscard]] const MasterFamily& Family() const noexcept { return *family_; }
+    /// Takes the form to the board's family, if it is another than before, and updates the views.
+    void FollowBoard();
 
 protected:
     void BeginReading() override;
@@ -31,6 +33,7 @@ protected:
 
 private:
     const std::function<BoardTraits()> board_;
+    const MasterFamily* family_;
     MasterForm form_;
     FormValues values_; // of the file that is being read
 };

@@ -37,6 +37,18 @@ const MasterFamily& MasterFamilyOf(const BoardTraits& board) {
     return board.IsPciXMode() ? pciXFamily : pciFamily;
 }
 
+MasterCommand CommandOn(const MasterFamily& family, std::int32_t command) noexcept {
+    return command < static_cast<std::int32_t>(family.commands.size())
+               ? static_cast<MasterCommand>(command)
+               : MasterNoCommand;
+}
+
+void ChangeFamily(MasterForm& form, const MasterFamily& from, const MasterFamily& to) {
+    form.addressSpace =
+        to.addressModifier ? 0 : IndexInOther(from.spaces, form.addressSpace, to.spaces);
+    form.command = CommandOn(to, form.command);
+}
+
 int BusRequestLevelOf(std::uint8_t mask) noexcept {
     const int level = std::countr_zero(mask);
     return level < busRequestLevels ? level : 0;

@@ -85,6 +85,11 @@ struct MasterFamily {
     int windowWidth;
 };
 [[nodiscard]] const MasterFamily& MasterFamilyOf(const BoardTraits& board);
+/// Takes a form to another family of boards. A space that it lacks becomes its first, and of a
+/// command that it lacks nothing is selected. Fields that only one of them has stay.
+void ChangeFamily(MasterForm& form, const MasterFamily& from, const MasterFamily& to);
+/// A command that the family lacks is none.
+[[nodiscard]] MasterCommand CommandOn(const MasterFamily& family, std::int32_t command) noexcept;
 
 /// The levels on which a VME board requests the bus.
 inline constexpr int busRequestLevels = 4;

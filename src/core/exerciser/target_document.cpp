@@ -16,7 +16,17 @@ constexpr std::array<std::string_view, 8> keys = {"AddressSpace", "AddressSize",
 
 CTargetDoc::CTargetDoc(std::function<BoardTraits()> board, Prompts& prompts)
     : RecordDocument(fileKind, OpenQuote::DropsNextLine, prompts), board_(std::move(board)),
-      values_(keys) {}
+      family_(&TargetFamilyOf(board_())), values_(keys) {}
+
+void CTargetDoc::FollowBoard() {
+    const TargetFamily& now = TargetFamilyOf(board_());
+    if (&now == family_) {
+        return;
+    }
+    ChangeFamily(form_, *family_, now);
+    family_ = &now;
+    UpdateAllViews(nullptr);
+}
 
 void CTargetDoc::BeginReading() {
     values_.Clear();

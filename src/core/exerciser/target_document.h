@@ -21,7 +21,9 @@ public:
     [[nodiscard]] TargetForm& Form() noexcept { return form_; }
     [[nodiscard]] const TargetForm& Form() const noexcept { return form_; }
     /// What the form has on the board.
-    [[nodiscard]] const TargetFamily& Family() const { return TargetFamilyOf(board_()); }
+    [[nodiscard]] const TargetFamily& Family() const noexcept { return *family_; }
+    /// Takes the form to the board's family, if it is another than before, and updates the views.
+    void FollowBoard();
 
 protected:
     void BeginReading() override;
@@ -32,6 +34,7 @@ protected:
 
 private:
     const std::function<BoardTraits()> board_;
+    const TargetFamily* family_;
     TargetForm form_;
     FormValues values_; // of the file that is being read
 };

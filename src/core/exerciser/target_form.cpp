@@ -17,4 +17,8 @@ const TargetFamily& TargetFamilyOf(const BoardTraits& board) {
     return board.IsVmeFamily() ? vmeFamily : family;
 }
 
+void ChangeFamily(TargetForm& form, const TargetFamily& from, const TargetFamily& to) {
+    form.addressSpace = IndexInOther(from.spaces, form.addressSpace, to.spaces);
+}
+
 } // namespace busquill

@@ -60,5 +60,7 @@ struct TargetFamily {
     bool addressModifier;
 };
 [[nodiscard]] const TargetFamily& TargetFamilyOf(const BoardTraits& board);
+/// Takes a form to another family of boards. A space that it lacks becomes its first.
+void ChangeFamily(TargetForm& form, const TargetFamily& from, const TargetFamily& to);
 
 } // namespace busquill

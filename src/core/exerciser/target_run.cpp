@@ -77,6 +77,8 @@ Sent TargetRun::SendStep(const char* ifAddressFails, WriteFailure ifWriteFails) 
     steps.push_back(
         {WritePayload(CmdTargetAddress, [payload = BuildTargetAddress(form_)] { return payload; }),
          ifAddressFails, IfRefused::End});
+    // The whole range of 64 bits is a step of no bytes. The board would not answer an empty
+    // payload, and the link would try again without end.
     if (!reading_ && CurrentLength() != 0) {
         steps.push_back({WriteMemory(CmdTargetData, LowAddress(CurrentAddress()),
                                      [payload = NextWriteData()] { return payload; }),

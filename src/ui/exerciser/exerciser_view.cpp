@@ -39,6 +39,18 @@ BusAddress BytesOf(std::uint64_t number) {
     return bytes;
 }
 
+void AddTexts(QComboBox& list, std::span<const std::string_view> texts) {
+    for (const std::string_view text : texts) {
+        list.addItem(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    }
+}
+
+/// An index that the list lacks stays in the form.
+void Select(QComboBox& list, std::int32_t index) {
+    const QSignalBlocker blocker(list);
+    list.setCurrentIndex(index < list.count() ? index : -1);
+}
+
 } // namespace
 
 ExerciserView::ExerciserView(const Parts& parts, const Words& words, RecordDocument& document)
@@ -64,15 +76,23 @@ QComboBox& ExerciserView::AddList(const QString& name, std::span<const std::stri
                                   std::int32_t& index) {
     auto* list = new QComboBox(this);
     list->setObjectName(name);
-    for (const std::string_view text : texts) {
-        list->addItem(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
-    }
+    AddTexts(*list, texts);
     connect(list, &QComboBox::currentIndexChanged, this, [&index](int chosen) { index = chosen; });
-    AddShown([list, &index] {
-        const QSignalBlocker blocker(list); // an index that the list lacks stays in the form
-        list->setCurrentIndex(index < list->count() ? index : -1);
-    });
+    AddShown([list, &index] { Select(*list, index); });
     return *list;
+}
+
+QComboBox& ExerciserView::AddChangingList(const QString& name,
+                                          std::function<std::span<const std::string_view>()> texts,
+                                          std::int32_t& index) {
+    QComboBox& list = AddList(name, texts(), index);
+    AddShown([&list, texts = std::move(texts), &index] {
+        const QSignalBlocker blocker(list);
+        list.clear();
+        AddTexts(list, texts());
+        Select(list, index);
+    });
+    return list;
 }
 
 CPatternEdit& ExerciserView::AddValue(const QString& name, BusAddress& value) {

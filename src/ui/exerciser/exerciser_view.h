@@ -54,6 +54,10 @@ protected:
 
     QComboBox& AddList(const QString& name, std::span<const std::string_view> texts,
                        std::int32_t& index);
+    /// A list whose texts depend on the board.
+    QComboBox& AddChangingList(const QString& name,
+                               std::function<std::span<const std::string_view>()> texts,
+                               std::int32_t& index);
     CPatternEdit& AddValue(const QString& name, BusAddress& value);
     CPatternEdit& AddValue(const QString& name, unsigned bits, std::uint8_t& value);
     /// Shows the path of the data file, which the button File changes.

@@ -5,6 +5,7 @@
 #include "platform/prompts.h"
 #include "ui/exerciser/master_options_dialog.h"
 #include "ui/exerciser/memory_list.h"
+#include "ui/framework/mdi_child.h"
 #include "ui/patterns/pattern_edit.h"
 
 #include <QComboBox>
@@ -29,19 +30,17 @@ constexpr int leastCommandWidth = 140;
 } // namespace
 
 CMasterView::CMasterView(const Parts& parts, CMasterDoc& document)
-    : ExerciserView(parts, words, document), document_(document), family_(document.Family()),
-      status_(new QListWidget(this)), run_(RunParts(), document.Form(), *this) {
+    : ExerciserView(parts, words, document), document_(document), status_(new QListWidget(this)),
+      run_(RunParts(), document.Form(), *this) {
     MakeFields();
     AddButtons([this] { EditOptions(); });
 }
 
 void CMasterView::MakeFields() {
     MasterForm& form = document_.Form();
-    if (family_.addressModifier) {
-        space_ = &AddValue("AddressModifier", addressModifierBits, form.addressModifier);
-    } else {
-        space_ = &AddList("AddressSpace", family_.spaces, form.addressSpace);
-    }
+    space_ = &AddChangingList(
+        "AddressSpace", [this] { return document_.Family().spaces; }, form.addressSpace);
+    modifier_ = &AddValue("AddressModifier", addressModifierBits, form.addressModifier);
     addressSize_ = &AddList("AddressSize", exerciserSizes, form.addressSize);
     addressStart_ = &AddValue("AddressStart", form.addressStart);
     addressEnd_ = &AddValue("AddressEnd", form.addressEnd);
@@ -52,13 +51,12 @@ void CMasterView::MakeFields() {
     dataType_ = &type;
     dataValue_ = &AddValue("DataValue", form.dataValue);
     dataFile_ = &AddDataFile(form.dataFilename);
-    if (family_.attributes) {
-        for (const MasterAttribute& each : masterAttributes) {
-            attributes_.push_back(&AddValue(QString::fromStdString(std::string(each.key)),
-                                            static_cast<unsigned>(each.bits), form.*each.value));
-        }
+    for (const MasterAttribute& each : masterAttributes) {
+        attributes_.push_back(&AddValue(QString::fromStdString(std::string(each.key)),
+                                        static_cast<unsigned>(each.bits), form.*each.value));
     }
-    command_ = &AddList("Command", family_.commands, form.command);
+    command_ = &AddChangingList(
+        "Command", [this] { return document_.Family().commands; }, form.command);
     repeat_ = new QLineEdit(this);
     repeat_->setObjectName("Repeat");
     repeat_->setAlignment(Qt::AlignRight);
@@ -72,7 +70,8 @@ void CMasterView::MakeFields() {
 
 void CMasterView::LayOut() {
     PlaceDump(dumpBottom);
-    const bool narrow = family_.attributes;
+    const MasterFamily& family = document_.Family();
+    const bool narrow = family.attributes;
     const int of = narrow ? 10 : 8;
     std::vector<int> widths(2, Share(3, of, 5, leastWidth));
     if (narrow) {
@@ -82,7 +81,10 @@ void CMasterView::LayOut() {
     const std::vector<QRect> groups = GroupPlaces(widths, groupTop, groupBottom);
 
     AddGroup("Address", groups[0]);
-    PlaceField(*space_, family_.addressModifier ? "AM" : "Space", 3, groups[0]);
+    space_->setVisible(!family.addressModifier);
+    modifier_->setVisible(family.addressModifier);
+    PlaceField(*space_, "Space", 3, groups[0]);
+    PlaceField(*modifier_, "AM", 3, groups[0]);
     PlaceField(*addressSize_, "Size", 2, groups[0]);
     PlaceField(*addressStart_, "Start", 1, groups[0]);
     PlaceField(*addressEnd_, "End", 0, groups[0]);
@@ -97,6 +99,9 @@ void CMasterView::LayOut() {
     PlaceField(*dataValue_, "Value", 0, groups[1]);
     PlaceField(*dataFile_, "File", 0, groups[1]);
 
+    for (QWidget* attribute : attributes_) {
+        attribute->setVisible(narrow);
+    }
     if (narrow) {
         AddGroup("Attribute", groups[2]);
         int row = static_cast<int>(attributes_.size());
@@ -115,6 +120,17 @@ void CMasterView::LayOut() {
     PlaceField(*status_, "", 0, command);
     status_->setGeometry(
         status_->geometry().united(Form::FieldPlace(1, status_->x(), status_->width(), height())));
+}
+
+/// The form of PCI-X has one group more, for which the window is made wide enough.
+void CMasterView::FollowBoard() {
+    const int usualWidth = document_.Family().windowWidth;
+    document_.FollowBoard();
+    const int width = document_.Family().windowWidth;
+    CMDIChildWnd* frame = CMDIChildWnd::FrameOf(*this);
+    if (width > usualWidth && !frame->isMinimized() && frame->width() < width) {
+        frame->resize(width, frame->height());
+    }
 }
 
 void CMasterView::OnMemoryChanged() {
@@ -144,7 +160,7 @@ void CMasterView::OnStepStarted() {
 }
 
 void CMasterView::EditOptions() {
-    if (!family_.addressModifier) {
+    if (!document_.Family().addressModifier) {
         Machine().prompts.Message("No options are available.");
         return;
     }

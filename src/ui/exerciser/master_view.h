@@ -18,6 +18,7 @@ public:
 
     void Go() { run_.Go(); }
     void Stop() { run_.Stop(); }
+    void FollowBoard() override;
 
 protected:
     void LayOut() override;
@@ -33,8 +34,8 @@ private:
     void EditOptions();
 
     CMasterDoc& document_;
-    const MasterFamily& family_; // when the window was opened
-    QWidget* space_ = nullptr;   // the modifier where the family has one
+    QWidget* space_ = nullptr; // or the modifier, which stands in its place
+    QWidget* modifier_ = nullptr;
     QWidget* addressSize_ = nullptr;
     QWidget* addressStart_ = nullptr;
     QWidget* addressEnd_ = nullptr;

@@ -4,6 +4,7 @@
 #include "ui/framework/painting.h"
 
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QRandomGenerator>
@@ -55,6 +56,18 @@ QString CMemoryListBox::RowText(int row) const {
         bytes = DumpRowBytes(memory_->Bytes(), row, bytesPerRow_);
     }
     return QString::fromStdString(DumpRowText(base, row, bytesPerRow_, bytes));
+}
+
+/// Like a list, besides the keys of every scrolled window.
+void CMemoryListBox::keyPressEvent(QKeyEvent* event) {
+    QScrollBar& bar = *verticalScrollBar();
+    if (event->key() == Qt::Key_Home) {
+        bar.setValue(bar.minimum());
+    } else if (event->key() == Qt::Key_End) {
+        bar.setValue(bar.maximum());
+    } else {
+        QAbstractScrollArea::keyPressEvent(event);
+    }
 }
 
 void CMemoryListBox::resizeEvent(QResizeEvent* event) {

@@ -24,6 +24,7 @@ public:
     [[nodiscard]] QString RowText(int row) const;
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

@@ -27,7 +27,7 @@ constexpr int leastLastWidth = 140;
 } // namespace
 
 CTargetView::CTargetView(const Parts& parts, CTargetDoc& document)
-    : ExerciserView(parts, words, document), document_(document), family_(document.Family()),
+    : ExerciserView(parts, words, document), document_(document),
       run_(RunParts(), document.Form(), *this) {
     MakeFields();
     AddButtons([this] { Machine().prompts.Message("No options are available."); });
@@ -35,11 +35,9 @@ CTargetView::CTargetView(const Parts& parts, CTargetDoc& document)
 
 void CTargetView::MakeFields() {
     TargetForm& form = document_.Form();
-    if (family_.addressModifier) {
-        space_ = &AddValue("AddressModifier", addressModifierBits, form.addressModifier);
-    } else {
-        space_ = &AddList("AddressSpace", family_.spaces, form.addressSpace);
-    }
+    space_ = &AddChangingList(
+        "AddressSpace", [this] { return document_.Family().spaces; }, form.addressSpace);
+    modifier_ = &AddValue("AddressModifier", addressModifierBits, form.addressModifier);
     busStart_ = &AddValue("BusStart", form.busStart);
     busLength_ = &AddList("BusLength", targetLengths, form.busLength);
     dataSize_ = &AddList("DataSize", exerciserSizes, form.dataSize);
@@ -73,7 +71,11 @@ void CTargetView::LayOut() {
     const std::vector<QRect> lower = GroupPlaces(widths, lowerTop, lowerBottom);
 
     AddGroup("Bus Address", upper[0]);
-    PlaceField(*space_, family_.addressModifier ? "AM" : "Space", 6, upper[0]);
+    const bool hasModifier = document_.Family().addressModifier;
+    space_->setVisible(!hasModifier);
+    modifier_->setVisible(hasModifier);
+    PlaceField(*space_, "Space", 6, upper[0]);
+    PlaceField(*modifier_, "AM", 6, upper[0]);
     PlaceField(*busStart_, "Start", 5, upper[0]);
     PlaceField(*busLength_, "Length", 4, upper[0]);
     AddGroup("Bus Data", upper[1]);
@@ -94,6 +96,10 @@ void CTargetView::LayOut() {
     PlaceField(*dataFile_, "File", 0, lower[1]);
     AddGroup("Command", lower[2]);
     PlaceField(*command_, "", 1, lower[2]);
+}
+
+void CTargetView::FollowBoard() {
+    document_.FollowBoard();
 }
 
 void CTargetView::OnMemoryChanged() {

@@ -18,6 +18,7 @@ public:
 
     void Go() { run_.Go(); }
     void Stop() { run_.Stop(); }
+    void FollowBoard() override;
 
 protected:
     void LayOut() override;
@@ -29,8 +30,8 @@ private:
     void MakeFields();
 
     CTargetDoc& document_;
-    const TargetFamily& family_; // when the window was opened
-    QWidget* space_ = nullptr;   // the modifier where the family has one
+    QWidget* space_ = nullptr; // or the modifier, which stands in its place
+    QWidget* modifier_ = nullptr;
     QWidget* busStart_ = nullptr;
     QWidget* busLength_ = nullptr;
     QWidget* dataSize_ = nullptr;

@@ -29,6 +29,8 @@ public:
     void OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) override {
         update();
     }
+    /// Called when the board, or the configuration of its bus, may have changed.
+    virtual void FollowBoard() {}
 
     /// What the view carries out while it is the active one.
     CommandMap commands;

@@ -223,6 +223,18 @@ void CMainFrame::RefreshCommands() {
     for (const auto& [id, action] : actions_) {
         action->setEnabled(EnabledTarget(id, targets, board) != nullptr);
     }
+    FollowBoard();
+}
+
+// A command may have changed the board or its bus even if it was cancelled: opening the dialog of
+// the bus reads the board.
+void CMainFrame::FollowBoard() {
+    for (const QMdiSubWindow* window : area_->subWindowList()) {
+        const auto* frame = dynamic_cast<const CMDIChildWnd*>(window);
+        if (frame != nullptr && frame->GetActiveView() != nullptr) {
+            frame->GetActiveView()->FollowBoard();
+        }
+    }
 }
 
 void CMainFrame::FillDynamicEntries() {

@@ -38,6 +38,7 @@ public:
     [[nodiscard]] QString PaneText(int pane) const;
     /// Updates which entries of menus and tool bar are enabled.
     void RefreshCommands();
+    void FollowBoard();
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -37,6 +37,7 @@ protected:
     void UseBoard(const char* model, std::int32_t busMode) {
         board = TraitsOfModel(model).value();
         board.bus.busMode = busMode;
+        document.FollowBoard();
     }
 
     const TempDir dir;
@@ -234,6 +235,18 @@ TEST_F(MasterDocumentTest, CutsNumbersToTheirWidths) {
     EXPECT_TRUE(Open("AddressModifier,\"ff\"\r\nBusRequestLevel,\"1ff\"\r\n"));
     EXPECT_EQ(form.addressModifier, 0x3F);
     EXPECT_EQ(form.busRequestLevel, 0xFF);
+}
+
+TEST_F(MasterDocumentTest, FollowsTheBoardAndTellsItsViewsOnce) {
+    form.addressSpace = 2;
+    document.FollowBoard();
+    EXPECT_EQ(view.updates, 0) << "the same board";
+    UseBoard("VSBKite", BusVsb);
+    EXPECT_EQ(view.updates, 1);
+    EXPECT_EQ(form.addressSpace, 0);
+    EXPECT_FALSE(document.IsModified());
+    document.FollowBoard();
+    EXPECT_EQ(view.updates, 1);
 }
 
 TEST_F(MasterDocumentTest, SplitCompletionOnOtherBoardsSelectsNothing) {

@@ -68,6 +68,65 @@ TEST(TargetFamily, HidesTheSpacesOfVme) {
     }
 }
 
+TEST(ChangeFamily, TakesTheSpaceByItsName) {
+    const MasterFamily& pci = MasterFamilyOf(Board("PCIKite", BusPci));
+    const MasterFamily& vme = MasterFamilyOf(Board("VMEKite", BusVme));
+    const MasterFamily& vsb = MasterFamilyOf(Board("VSBKite", BusVsb));
+    const std::tuple<const MasterFamily*, int, const MasterFamily*, int> changes[] = {
+        {&pci, 0, &vsb, 0}, {&pci, 1, &vsb, 1}, {&pci, 2, &vsb, 0}, {&vsb, 2, &pci, 0},
+        {&vsb, 1, &pci, 1}, {&pci, 2, &vme, 0}, {&vsb, 1, &vme, 0}};
+    for (const auto& [from, before, to, after] : changes) {
+        MasterForm form;
+        form.addressSpace = before;
+        ChangeFamily(form, *from, *to);
+        EXPECT_EQ(form.addressSpace, after) << before;
+    }
+}
+
+TEST(ChangeFamily, LeavesNoCommandThatTheFamilyLacks) {
+    const MasterFamily& pci = MasterFamilyOf(Board("PCIKite", BusPci));
+    const MasterFamily& pciX = MasterFamilyOf(Board("PCIKite", BusPciX));
+    for (std::int32_t command = MasterNoCommand; command <= MasterSplitCompletion; ++command) {
+        MasterForm form;
+        form.command = command;
+        ChangeFamily(form, pci, pciX);
+        EXPECT_EQ(form.command, command);
+        ChangeFamily(form, pciX, pci);
+        EXPECT_EQ(form.command, command == MasterSplitCompletion ? MasterNoCommand : command);
+    }
+}
+
+TEST(ChangeFamily, LeavesTheOtherFields) {
+    MasterForm form;
+    form.addressSize = 3;
+    form.addressStart = {1, 2, 3};
+    form.dataFilename = "a.dat";
+    form.attrTag = 7;
+    form.addressModifier = 0x39;
+    form.busRequestLevel = 8;
+    form.repeat = "12";
+    const MasterForm before = form;
+    for (const auto& [model, mode] :
+         {std::pair{"VMEKite", BusVme}, {"VSBKite", BusVsb}, {"PCIKite", BusPciX}}) {
+        ChangeFamily(form, MasterFamilyOf(Board("PCIKite", BusPci)),
+                     MasterFamilyOf(Board(model, mode)));
+        EXPECT_EQ(form, before) << model;
+    }
+}
+
+TEST(ChangeFamily, OfATargetHasOneSpaceOnVme) {
+    const TargetFamily& pci = TargetFamilyOf(Board("PCIKite", BusPci));
+    const TargetFamily& vme = TargetFamilyOf(Board("VMEKite", BusVme));
+    TargetForm form;
+    form.addressSpace = 2;
+    form.waitStates = 9;
+    ChangeFamily(form, pci, vme);
+    EXPECT_EQ(form.addressSpace, 0);
+    EXPECT_EQ(form.waitStates, 9);
+    ChangeFamily(form, vme, pci);
+    EXPECT_EQ(form.addressSpace, 0);
+}
+
 TEST(TargetLengths, AreTwentyFive) {
     EXPECT_EQ(TextInList(targetLengths, 0), "0");
     EXPECT_EQ(TextInList(targetLengths, 11), "1 KB");

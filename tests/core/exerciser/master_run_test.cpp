@@ -734,6 +734,112 @@ TEST_F(MasterRunTest, ASecondGoBeginsAgain) {
     EXPECT_THAT(observer.status, SizeIs(10));
 }
 
+TEST_F(MasterRunTest, RepeatedReadsFillTheMemoryAndTheFileOneAfterAnother) {
+    SetRange(0x100, 34);
+    form.repeat = "3";
+    Put(816, Pattern(0, 32, 32));
+    UseFile(dir.File("out.dat"));
+    run.Go();
+    Finish();
+    Bytes pass = Pattern(0, 32, 32);
+    pass.insert(pass.end(), {0x00, 0x07}); // the last step's
+    Bytes expected;
+    for (int i = 0; i < 3; ++i) {
+        expected.insert(expected.end(), pass.begin(), pass.end());
+    }
+    EXPECT_EQ(Memory(), expected);
+    EXPECT_EQ(run.Memory()->BaseAddress(), 0x100U);
+    const std::string file = ReadWholeFile(dir.File("out.dat"));
+    EXPECT_EQ(std::ranges::count(file, '\n'), 6);
+    EXPECT_TRUE(file.ends_with("d9 \n00 07 \n"));
+    EXPECT_THAT(observer.status, SizeIs(6));
+}
+
+TEST_F(MasterRunTest, TheLimitOfTheMemoryCountsAllPasses) {
+    SetRange(0, 150'000); // 4687 whole steps and one of 16 bytes
+    form.repeat = "2";
+    Put(816, Bytes(32, 1));
+    UseFile(dir.File("out.dat"));
+    run.Go();
+    Finish(10000);
+    // The second pass has room for 1562 whole steps, and at its end for the one of 16 bytes.
+    EXPECT_EQ(Memory().size(), 200'000U);
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 4688 + 1562 + 1);
+    EXPECT_THAT(observer.status, SizeIs(2 * 4688));
+}
+
+TEST_F(MasterRunTest, ASecondGoOfAReadBeginsWithEmptyMemory) {
+    SetRange(0, 96);
+    Put(816, Bytes(32, 1));
+    run.Go();
+    run.Poll();
+    EXPECT_THAT(Memory(), SizeIs(32));
+    SetRange(0x500, 2);
+    Put(816, Bytes(32, 2));
+    run.Go();
+    EXPECT_EQ(Memory(), Bytes{});
+    EXPECT_EQ(run.Memory()->BaseAddress(), 0x500U);
+    Finish();
+    EXPECT_EQ(Memory(), (Bytes{2, 2}));
+}
+
+TEST_F(MasterRunTest, ASecondGoSendsTheFileFromItsBeginningAndAllPasses) {
+    SetRange(0, 64);
+    form.command = MasterWrite;
+    form.repeat = "2";
+    UseFile(dir.Write("a.dat", PatternText(64)));
+    run.Go();
+    run.Poll();
+    run.Poll();
+    run.Poll(); // in the second pass
+    Forget();
+    run.Go();
+    const Bytes sent = WrittenTo(802)[0];
+    EXPECT_EQ((Bytes{sent.begin() + 14, sent.begin() + 46}), Pattern(0, 32, 32));
+    Finish(4);
+    EXPECT_THAT(WrittenTo(816),
+                ElementsAre(Pattern(32, 32, 32), Pattern(0, 32, 32), Pattern(32, 32, 32)));
+}
+
+TEST_F(MasterRunTest, ASecondGoOfAReadBeginsItsFileAgainWithConsent) {
+    SetRange(0, 96);
+    Put(816, Bytes(32, 1));
+    UseFile(dir.File("out.dat"));
+    run.Go();
+    run.Poll();
+    prompts.AnswerNext(Answer::No);
+    Forget();
+    run.Go();
+    EXPECT_THAT(Commands(), IsEmpty());
+    EXPECT_TRUE(run.IsStepping()) << "the first run goes on";
+    Finish(2);
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 3);
+
+    run.Go();
+    run.Poll();
+    run.Go();
+    Finish(3);
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 3);
+    EXPECT_EQ(Memory().size(), 96U);
+}
+
+TEST_F(MasterRunTest, ASecondGoWithAnEndBelowItsStartEndsTheRunAfterItsStep) {
+    SetRange(0, 96);
+    form.command = MasterWrite;
+    run.Go();
+    form.addressStart = {9};
+    form.addressEnd = {8};
+    Forget();
+    run.Go();
+    EXPECT_THAT(prompts.Texts(), ElementsAre(endBelowStart));
+    EXPECT_THAT(Commands(), IsEmpty());
+    EXPECT_TRUE(run.IsStepping());
+    run.Poll();
+    EXPECT_FALSE(run.IsStepping());
+    EXPECT_THAT(Commands(), ElementsAre("read 801"));
+    EXPECT_EQ(observer.events.back(), "off");
+}
+
 /// The timer ticks while a box is open.
 class TickingPrompts final : public Prompts {
 public:

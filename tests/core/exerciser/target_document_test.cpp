@@ -22,6 +22,10 @@ protected:
         EXPECT_TRUE(document.OnSaveDocument(dir.File("out.tgt")));
         return ReadWholeFile(dir.File("out.tgt"));
     }
+    void UseVme() {
+        model = "VMEKite";
+        document.FollowBoard();
+    }
 
     const TempDir dir;
     RecordingPrompts prompts;
@@ -64,7 +68,7 @@ TEST_F(TargetDocumentTest, WritesItsFileToTheByte) {
 }
 
 TEST_F(TargetDocumentTest, WritesTheModifierOnVme) {
-    model = "VMEKite";
+    UseVme();
     form = SampleForm();
     form.addressSpace = 0;
     EXPECT_EQ(Saved(), fileHead + "\"AddressSpace\",\"Memory\"\r\n" + rangeLines +
@@ -94,7 +98,7 @@ TEST_F(TargetDocumentTest, ReadsTheModifierOnVmeOnly) {
     EXPECT_EQ(form.addressModifier, 0x0D);
     EXPECT_EQ(form.addressSpace, 1);
     form = TargetForm();
-    model = "VMEKite";
+    UseVme();
     EXPECT_TRUE(Open(lines));
     EXPECT_EQ(form.addressModifier, 0x3F);
     EXPECT_EQ(form.addressSpace, 0);

@@ -330,6 +330,218 @@ TEST_F(TargetRunTest, TheWholeRangeOfAddressesIsNoData) {
     EXPECT_THAT(prompts.Texts(), IsEmpty());
 }
 
+TEST_F(TargetRunTest, ARangeThatEndsBelowItsStartIsAlsoLongerThanAFile) {
+    form.command = TargetWrite;
+    form.addressStart = {5};
+    form.addressEnd = {1};
+    UseFile(dir.Write("a.dat", "1 2"));
+    run.Go();
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("End Address must be >= Start Address.",
+                            "Warning: File length of 2 is less than address length of -3. Zeros "
+                            "will be padded at the end of the file. Continue?"));
+    EXPECT_THAT(Commands(), ElementsAre("write 1490")) << "Yes does not mend the range";
+    EXPECT_FALSE(run.IsOn());
+}
+
+TEST_F(TargetRunTest, QuestionsArePlainAndHaveYesAndNo) {
+    SetRange(0, 4);
+    UseFile(dir.Write("a.dat", "12"));
+    prompts.AnswerNext(Answer::No);
+    run.Go(); // overwrite?
+    form.command = TargetWrite;
+    prompts.AnswerNext(Answer::No);
+    run.Go(); // pad?
+    form.dataFilename.clear();
+    run.Go();
+    UseFile(dir.File("none.dat"));
+    run.Go();
+    form.command = TargetRead;
+    UseFile(dir.File("none/out.dat"));
+    run.Go();
+    const std::vector<Box> boxes = prompts.Boxes();
+    ASSERT_THAT(boxes, SizeIs(5));
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        EXPECT_EQ(boxes[i].buttons, i < 2 ? BoxButtons::YesNo : BoxButtons::Ok) << boxes[i].text;
+        EXPECT_FALSE(boxes[i].topmost) << boxes[i].text;
+    }
+}
+
+TEST_F(TargetRunTest, FailuresOfTheBoardAreAboveAllWindows) {
+    SetRange(0, 600);
+    form.command = TargetWrite;
+    const auto expectTopmost = [this](const std::string& message) {
+        const std::vector<Box> boxes = prompts.Boxes();
+        const auto box = std::ranges::find(boxes, message, &Box::text);
+        ASSERT_NE(box, boxes.end()) << message;
+        EXPECT_TRUE(box->topmost) << message;
+        EXPECT_EQ(box->buttons, BoxButtons::Ok) << message;
+    };
+    const std::pair<const char*, std::string> first[] = {
+        {"write 1490", setupFailed},
+        {"write 1503", setupFailed},
+        {"write target 0", "Error writing target data to analyzer."}};
+    for (const auto& [command, message] : first) {
+        Mend();
+        Forget();
+        Fail(command);
+        run.Go();
+        expectTopmost(message);
+    }
+    const std::pair<const char*, std::string> later[] = {
+        {"write target 248", "Error sending target data to analyzer."},
+        {"write 1503", "Error sending target address to analyzer."}};
+    for (const auto& [command, message] : later) {
+        Mend();
+        run.Go();
+        Forget();
+        Fail(command);
+        run.Poll();
+        expectTopmost(message);
+    }
+}
+
+TEST_F(TargetRunTest, ASecondGoBeginsAgain) {
+    SetRange(0, 600);
+    form.command = TargetWrite;
+    run.Go();
+    run.Poll();
+    Forget();
+    run.Go();
+    EXPECT_THAT(Commands(), ElementsAre("write 1490", "write 1503", "write target 0"));
+    Finish(3);
+    EXPECT_THAT(WrittenTo(248), SizeIs(1));
+    EXPECT_THAT(WrittenTo(496), SizeIs(1));
+}
+
+TEST_F(TargetRunTest, ASecondGoOfAReadBeginsWithEmptyMemory) {
+    SetRange(0, 600);
+    Put(0, Bytes(248, 1));
+    Put(248, Bytes(248, 2));
+    run.Go();
+    run.Poll();
+    EXPECT_THAT(Memory(), SizeIs(248));
+    SetRange(248, 2);
+    run.Go();
+    EXPECT_EQ(Memory(), Bytes{});
+    EXPECT_EQ(run.Memory()->BaseAddress(), 248U);
+    Finish(1);
+    EXPECT_EQ(Memory(), (Bytes{2, 2}));
+}
+
+TEST_F(TargetRunTest, ASecondGoSendsTheFileFromItsBeginning) {
+    SetRange(0, 600);
+    form.command = TargetWrite;
+    UseFile(dir.Write("a.dat", PatternText(600)));
+    run.Go();
+    run.Poll();
+    Forget();
+    run.Go();
+    EXPECT_THAT(WrittenTo(0), ElementsAre(Pattern(0, 248, 248)));
+    Finish(3);
+    EXPECT_THAT(WrittenTo(496), ElementsAre(Pattern(496, 104, 104)));
+}
+
+TEST_F(TargetRunTest, ASecondGoOfAReadBeginsItsFileAgainWithConsent) {
+    SetRange(0, 600);
+    UseFile(dir.File("out.dat"));
+    run.Go();
+    run.Poll();
+    prompts.AnswerNext(Answer::No);
+    run.Go();
+    EXPECT_TRUE(run.IsOn()) << "the first run goes on";
+    Finish(2);
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 3);
+
+    run.Go();
+    run.Poll();
+    run.Go();
+    Finish(3);
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 3);
+    EXPECT_EQ(Memory().size(), 600U);
+}
+
+TEST_F(TargetRunTest, ASecondGoWithoutItsFileLeavesTheRun) {
+    SetRange(0, 600);
+    form.command = TargetWrite;
+    run.Go();
+    form.dataType = DataIsFile; // no name
+    Forget();
+    run.Go();
+    EXPECT_THAT(Commands(), IsEmpty());
+    EXPECT_TRUE(timer->runs);
+    Finish(3);
+    EXPECT_THAT(WrittenTo(248), SizeIs(1));
+    EXPECT_THAT(WrittenTo(496), SizeIs(1));
+    EXPECT_THAT(observer.events, ElementsAre("on", "off"));
+}
+
+TEST_F(TargetRunTest, ASecondGoWithAnEndBelowItsStartEndsTheRunAtTheNextStep) {
+    SetRange(0, 600);
+    form.command = TargetWrite;
+    run.Go();
+    form.addressStart = {9};
+    form.addressEnd = {8};
+    run.Go();
+    EXPECT_TRUE(run.IsOn());
+    Forget();
+    timer->tick();
+    EXPECT_THAT(Commands(), IsEmpty());
+    EXPECT_FALSE(run.IsOn());
+    EXPECT_THAT(observer.events, ElementsAre("on", "off"));
+}
+
+TEST_F(TargetRunTest, AReadToAFileKeepsTheBytesOfAnEarlierFile) {
+    SetRange(0, 4);
+    form.command = TargetWrite;
+    UseFile(dir.Write("a.dat", "1 2 3 4"));
+    run.Go();
+    Finish(1);
+    form.command = TargetRead;
+    UseFile(dir.File("out.dat"));
+    SetRange(0, 5);
+    Forget();
+    prompts.AnswerNext(Answer::No);
+    run.Go();
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre("Warning: File length of 4 is less than address length of 5. Zeros "
+                            "will be padded at the end of the file. Continue?"));
+    EXPECT_FALSE(run.IsOn());
+    form.dataType = DataIsValue; // drops them
+    Forget();
+    run.Go();
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+    EXPECT_TRUE(run.IsOn());
+}
+
+TEST_F(TargetRunTest, AReadThatBecomesAWriteSendsTheBytesOfAnEarlierFile) {
+    SetRange(0, 4);
+    form.command = TargetWrite;
+    UseFile(dir.Write("a.dat", "01 02 03 04"));
+    run.Go();
+    Finish(1);
+    form.command = TargetRead;
+    UseFile(dir.File("out.dat"));
+    SetRange(0, 252);
+    run.Go(); // may pad
+    ASSERT_TRUE(run.IsOn());
+    form.command = TargetWrite;
+    EXPECT_TRUE(run.SendSetup());
+    run.Poll();
+    EXPECT_THAT(WrittenTo(248), ElementsAre(Bytes{1, 2, 3, 4})) << "from its beginning";
+}
+
+TEST_F(TargetRunTest, AReadOfTheWholeRangeAsksForNoBytes) {
+    form.addressEnd = {255, 255, 255, 255, 255, 255, 255, 255};
+    UseFile(dir.File("out.dat"));
+    run.Go();
+    Finish(1);
+    EXPECT_THAT(Commands(), ElementsAre("write 1490", "write 1503", "read target 0"));
+    EXPECT_EQ(Memory(), Bytes{});
+    EXPECT_EQ(ReadWholeFile(dir.File("out.dat")), "\n") << "the line of a step";
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
 TEST_F(TargetRunTest, InDemoModeTheRangeRunsThrough) {
     UseDemoMode();
     prompts.Forget();

@@ -2,10 +2,12 @@
 #include "support/exerciser_fixture_qt.h"
 #include "ui/exerciser/master_options_dialog.h"
 
+#include <QDir>
 #include <QListWidget>
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <thread>
 
 namespace busquill::test {
 namespace {
@@ -19,15 +21,17 @@ constexpr std::uint32_t controlRegister = 800;
 constexpr std::uint32_t statusRegister = 801;
 constexpr std::uint32_t addressRegister = 804;
 constexpr std::uint32_t dataRegister = 816;
+constexpr std::uint32_t attributesRegister = 924;
 constexpr int exerciserStop = 24; // a function of the board
 
+constexpr int pci = 0;
 constexpr int pciX = 1;
 constexpr int vme = 2;
 constexpr int vsb = 9;
 
 class MasterWindow : public ExerciserWindow {
 protected:
-    MasterWindow() : ExerciserWindow("File/New/Exerciser/Master") {
+    MasterWindow() : ExerciserWindow("File/New/Exerciser/Master", {"Master File", "form.mst"}) {
         board.contents[statusRegister] = {1};
     }
     CMasterDoc& Document() { return static_cast<CMasterDoc&>(frame->GetDocument()); }
@@ -55,8 +59,8 @@ TEST_F(MasterWindow, HasTheFieldsOfPci) {
     EXPECT_EQ(Items("Command"), (QStringList{"Read", "Write", "Verify", "Test", "Compare"}));
     EXPECT_EQ(Field("Repeat").text(), "1");
     EXPECT_TRUE(Field("Repeat").alignment().testFlag(Qt::AlignRight));
-    EXPECT_EQ(View().findChild<QLineEdit*>("AttrTag"), nullptr);
-    EXPECT_EQ(View().findChild<QLineEdit*>("AddressModifier"), nullptr);
+    EXPECT_FALSE(Field("AttrTag").isVisible());
+    EXPECT_FALSE(Field("AddressModifier").isVisible());
 }
 
 TEST_F(MasterWindow, HasTheAttributesOfPciX) {
@@ -70,13 +74,125 @@ TEST_F(MasterWindow, HasTheAttributesOfPciX) {
 TEST_F(MasterWindow, HasTheModifierOfVme) {
     StartOnBus(vme);
     EXPECT_EQ(Field("AddressModifier").text(), "0D");
-    EXPECT_EQ(View().findChild<QComboBox*>("AddressSpace"), nullptr);
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_FALSE(List("AddressSpace").isVisible());
     EXPECT_EQ(frame->width(), 600);
 }
 
 TEST_F(MasterWindow, HasTheSpacesOfVsb) {
     StartOnBus(vsb);
     EXPECT_EQ(Items("AddressSpace"), (QStringList{"Sys", "I/O", "Alt"}));
+}
+
+TEST_F(MasterWindow, FollowsTheBusToPciXAndBack) {
+    StartOnBus(pci);
+    Type("AddressStart", "0000000000001000");
+    List("AddressSpace").setCurrentText("Config");
+    List("Command").setCurrentText("Verify");
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+    EXPECT_EQ(frame->width(), 840);
+    EXPECT_EQ(Items("Command").last(), "Split Completion");
+    EXPECT_EQ(List("Command").currentText(), "Verify");
+    EXPECT_EQ(List("AddressSpace").currentText(), "Config");
+    EXPECT_EQ(Field("AddressStart").text().remove(' '), "0000000000001000");
+    Type("AttrTag", "1f");
+    ChangeBus("PCI");
+    EXPECT_FALSE(Field("AttrTag").isVisible());
+    EXPECT_EQ(Items("Command").last(), "Compare");
+    EXPECT_EQ(List("Command").currentText(), "Verify");
+    ChangeBus("PCI-X");
+    EXPECT_EQ(Field("AttrTag").text(), "1F") << "it has waited for its bus";
+}
+
+TEST_F(MasterWindow, FollowsTheBusToVmeAndBack) {
+    StartOnBus(pci);
+    List("AddressSpace").setCurrentText("I/O");
+    Type("AddressEnd", "0000000000000033");
+    ChangeBus("VME");
+    EXPECT_FALSE(List("AddressSpace").isVisible());
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_EQ(Document().Form().addressSpace, 0) << "a space that nobody sees";
+    EXPECT_EQ(Field("AddressEnd").text().remove(' '), "0000000000000033");
+    EXPECT_EQ(frame->width(), 600);
+    Type("AddressModifier", "39");
+    AnswerDialog<CMasterOptionsDialog>([&] { Press(View(), "Options"); },
+                                       [](CMasterOptionsDialog& dialog) { Press(dialog, "OK"); });
+    ChangeBus("2eSST"); // the same family
+    EXPECT_EQ(Field("AddressModifier").text(), "39");
+    ChangeBus("PCI");
+    EXPECT_TRUE(List("AddressSpace").isVisible());
+    EXPECT_EQ(List("AddressSpace").currentText(), "Memory");
+    EXPECT_FALSE(Field("AddressModifier").isVisible());
+    Press(View(), "Options");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("No options are available."));
+}
+
+TEST_F(MasterWindow, TheSpaceFollowsTheBusByItsName) {
+    StartOnBus(pci);
+    List("AddressSpace").setCurrentText("I/O");
+    ChangeBus("VSB");
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Sys", "I/O", "Alt"}));
+    EXPECT_EQ(List("AddressSpace").currentText(), "I/O");
+    List("AddressSpace").setCurrentText("Alt");
+    ChangeBus("PCI");
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Memory", "I/O", "Config"}));
+    EXPECT_EQ(List("AddressSpace").currentText(), "Memory");
+    EXPECT_EQ(Document().Form().addressSpace, 0);
+}
+
+TEST_F(MasterWindow, ACommandThatTheNewBusLacksIsNoMoreSelected) {
+    StartOnBus(pciX);
+    List("Command").setCurrentText("Split Completion");
+    ChangeBus("PCI");
+    EXPECT_EQ(List("Command").currentIndex(), -1);
+    EXPECT_EQ(Document().Form().command, MasterNoCommand);
+    List("Command").setCurrentText("Write");
+    EXPECT_EQ(Document().Form().command, MasterWrite);
+}
+
+// The dialog reads the board, whose mode may have changed without it.
+TEST_F(MasterWindow, FollowsABoardThatIsFoundOnAnotherBus) {
+    StartOnBoard();
+    Type("AddressEnd", "0000000000000007");
+    EXPECT_FALSE(Field("AttrTag").isVisible());
+    line->Do([&] { board.contents[18] = {1}; });
+    ChooseDialog<CBusConfigDialog>("Utilities/Bus Configuration",
+                                   [](CBusConfigDialog& bus) { Press(bus, "Cancel"); });
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+    Go();
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(WritesTo(attributesRegister), ElementsAre(Bytes{0, 0, 0, 0}));
+}
+
+TEST_F(MasterWindow, TheBusMayChangeDuringARun) {
+    board.contents[statusRegister] = {0x81};
+    StartOnBoard();
+    Type("AddressEnd", "000000000000003f");
+    List("Command").setCurrentText("Write");
+    Go();
+    line->Do([&] {
+        board.contents[18] = {1};
+        board.contents[statusRegister] = {1};
+    });
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(Status(), ElementsAre("Pass", "Pass"));
+    EXPECT_THAT(prompts.Texts(), IsEmpty());
+}
+
+TEST_F(MasterWindow, ANarrowWindowStaysNarrowOnABusThatNeedsNoMore) {
+    StartOnBus(pci);
+    frame->resize(500, 400);
+    ChangeBus("VME");
+    EXPECT_EQ(frame->width(), 500);
+    ChangeBus("PCI-X");
+    EXPECT_EQ(frame->width(), 840);
+    frame->resize(1000, 450);
+    ChangeBus("PCI");
+    ChangeBus("PCI-X");
+    EXPECT_EQ(frame->size(), QSize(1000, 450));
 }
 
 TEST_F(MasterWindow, ShowsTheFieldOfTheDataType) {
@@ -402,6 +518,236 @@ TEST_F(MasterWindow, LaysOutTheAttributesOfPciX) {
                   View().fontMetrics().horizontalAdvance("Function#"));
     }
     EXPECT_EQ(List("Command").geometry().right() + 1, 830 - 8);
+}
+
+TEST_F(MasterWindow, DrawsTheRowsThatTheBarSays) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000002000");
+    Type("AddressEnd", "0000000000002003");
+    Go();
+    ASSERT_TRUE(Ends());
+    QScrollBar& bar = *Dump().verticalScrollBar();
+    const int page = Dump().viewport()->height() / 16;
+    for (const int top : {0, 1, 37, bar.maximum()}) {
+        bar.setValue(top);
+        const Recording drawn = Drawn(*Dump().viewport());
+        ASSERT_GE(drawn.texts.size(), static_cast<std::size_t>(page)) << top;
+        ASSERT_LE(drawn.texts.size(), static_cast<std::size_t>(page + 1)) << top;
+        for (int i = 0; i < page; ++i) {
+            const auto row = drawn.TextsBetween(i * 16, (i + 1) * 16);
+            ASSERT_EQ(row.size(), 1U) << i;
+            EXPECT_EQ(row[0].text, Dump().RowText(top + i));
+            EXPECT_TRUE(row[0].bold);
+            EXPECT_EQ(row[0].rect.left(), 0);
+        }
+    }
+    bar.setValue(bar.maximum());
+    EXPECT_EQ(Drawn(*Dump().viewport()).TextsBetween((page - 1) * 16, page * 16)[0].text,
+              Dump().RowText(999));
+}
+
+TEST_F(MasterWindow, HomeAndEndShowTheEndsOfTheDump) {
+    StartOnBoard();
+    QScrollBar& bar = *Dump().verticalScrollBar();
+    Dump().setFocus();
+    QTest::keyClick(&Dump(), Qt::Key_End);
+    EXPECT_EQ(bar.value(), bar.maximum());
+    QTest::keyClick(&Dump(), Qt::Key_PageUp);
+    EXPECT_EQ(bar.value(), bar.maximum() - bar.pageStep());
+    QTest::keyClick(&Dump(), Qt::Key_Up);
+    EXPECT_EQ(bar.value(), bar.maximum() - bar.pageStep() - 1);
+    QTest::keyClick(&Dump(), Qt::Key_Home);
+    EXPECT_EQ(bar.value(), 0);
+    QTest::keyClick(&Dump(), Qt::Key_Down);
+    EXPECT_EQ(bar.value(), 1);
+}
+
+TEST_F(MasterWindow, ShowsTheAttributesOfAFile) {
+    StartOnBus(pciX);
+    LoadForm("\"AttrTag\",\"1f\"\r\n\"AttrBusNum\",\"a5\"\r\n\"AttrDeviceNum\",\"09\"\r\n"
+             "\"AttrFunctionNum\",\"05\"\r\n\"Command\",\"Split Completion\"\r\n");
+    EXPECT_EQ(Field("AttrTag").text(), "1F");
+    EXPECT_EQ(Field("AttrBusNum").text(), "A5");
+    EXPECT_EQ(Field("AttrDeviceNum").text(), "09");
+    EXPECT_EQ(Field("AttrFunctionNum").text(), "5");
+    EXPECT_EQ(List("Command").currentText(), "Split Completion");
+}
+
+TEST_F(MasterWindow, ShowsModifierAndLevelOfAFile) {
+    StartOnBus(vme);
+    LoadForm("\"AddressModifier\",\"2f\"\r\n\"BusRequestLevel\",\"04\"\r\n");
+    EXPECT_EQ(Field("AddressModifier").text(), "2F");
+    AnswerDialog<CMasterOptionsDialog>([&] { Press(View(), "Options"); },
+                                       [](CMasterOptionsDialog& dialog) {
+                                           EXPECT_EQ(dialog.findChild<QComboBox*>()->currentText(),
+                                                     "Level 2");
+                                       });
+}
+
+TEST_F(MasterWindow, ShowsTheListsOfAFile) {
+    StartOnBoard();
+    LoadForm("\"AddressSpace\",\"Config\"\r\n\"AddressSize\",\"odd\"\r\n"
+             "\"DataSize\",\"odd\"\r\n\"DataCycle\",\"Burst\"\r\n"
+             "\"AddressEnd\",\"0000000000000123\"\r\n\"DataValue\",\"8877665544332211\"\r\n"
+             "\"Repeat\",7\r\n");
+    EXPECT_EQ(List("AddressSpace").currentText(), "Config");
+    EXPECT_EQ(List("AddressSize").currentText(), "64 bit");
+    EXPECT_EQ(List("DataSize").currentText(), "8 bit");
+    EXPECT_EQ(List("DataCycle").currentText(), "Burst");
+    EXPECT_EQ(Field("AddressEnd").text().remove(' '), "0000000000000123");
+    EXPECT_EQ(Field("DataValue").text().remove(' '), "8877665544332211");
+    EXPECT_EQ(Field("Repeat").text(), "7");
+}
+
+TEST_F(MasterWindow, NamesItsGroupsAndFields) {
+    StartOnBus(pci);
+    const QStringList data = {"Data", "Size", "Cycle", "Type", "Value"};
+    const QStringList command = {"Command", "Repeat"};
+    EXPECT_EQ(DrawnTexts(),
+              Sorted(QStringList{"Address", "Space", "Size", "Start", "End"} + data + command));
+    List("DataType").setCurrentText("File");
+    EXPECT_TRUE(DrawnTexts().contains("File"));
+    EXPECT_FALSE(DrawnTexts().contains("Value"));
+    List("DataType").setCurrentText("Target");
+    EXPECT_FALSE(DrawnTexts().contains("File"));
+    EXPECT_FALSE(DrawnTexts().contains("Value"));
+    List("DataType").setCurrentText("Value");
+    ChangeBus("VME");
+    EXPECT_EQ(DrawnTexts(),
+              Sorted(QStringList{"Address", "AM", "Size", "Start", "End"} + data + command));
+    ChangeBus("PCI-X");
+    EXPECT_EQ(DrawnTexts(),
+              Sorted(QStringList{"Address", "Space", "Size", "Start", "End"} + data + command +
+                     QStringList{"Attribute", "Tag", "Bus#", "Device#", "Function#"}));
+}
+
+TEST_F(MasterWindow, LabelsStandBeforeTheirFieldsUncut) {
+    StartOnBus(pciX);
+    for (const char* bus : {"PCI-X", "VME", "VSB"}) {
+        ChangeBus(bus);
+        for (const int width : {660, 900, 1200}) {
+            SetViewSize({width, 400});
+            const Recording drawn = Drawn(View());
+            const std::pair<const char*, QWidget*> labels[] = {
+                {bus == std::string("VME") ? "AM" : "Space",
+                 bus == std::string("VME") ? static_cast<QWidget*>(&Field("AddressModifier"))
+                                           : &List("AddressSpace")},
+                {"Start", &Field("AddressStart")},
+                {"End", &Field("AddressEnd")},
+                {"Cycle", &List("DataCycle")},
+                {"Value", &Field("DataValue")},
+                {"Repeat", &Field("Repeat")},
+                {"Bus#", &Field("AttrBusNum")},
+                {"Function#", &Field("AttrFunctionNum")}};
+            for (const auto& [text, field] : labels) {
+                if (!field->isVisible()) {
+                    continue;
+                }
+                const auto label = std::ranges::find(drawn.texts, QString(text), &Text::text);
+                ASSERT_NE(label, drawn.texts.end()) << text;
+                EXPECT_LE(label->rect.right(), field->x()) << text << " " << width;
+                EXPECT_NEAR(label->rect.center().y(), field->geometry().center().y(), 2) << text;
+            }
+        }
+    }
+}
+
+// The groups take 3/8, 3/8 and 2/8 of the width; of PCI-X, where there is one more, in tenths.
+TEST_F(MasterWindow, LaysOutTheFormOfEachBus) {
+    StartOnBus(pci);
+    struct Place {
+        const char* bus;
+        int width;
+        std::vector<int> right; // of the groups
+    };
+    const Place places[] = {
+        {"VME", 600, {230, 450, 590}},        {"VME", 1000, {380, 750, 990}},
+        {"VSB", 600, {230, 450, 590}},        {"VSB", 800, {305, 600, 790}},
+        {"PCI-X", 840, {257, 504, 672, 830}}, {"PCI-X", 1200, {365, 720, 960, 1190}},
+        {"PCI-X", 600, {185, 360, 520, 660}}}; // no narrower
+    for (const auto& [bus, width, right] : places) {
+        ChangeBus(bus);
+        SetViewSize({width, 400});
+        ASSERT_EQ(View().width(), width);
+        const bool isVme = bus == std::string("VME");
+        QWidget& first = isVme ? static_cast<QWidget&>(Field("AddressModifier"))
+                               : static_cast<QWidget&>(List("AddressSpace"));
+        EXPECT_TRUE(first.isVisible());
+        EXPECT_EQ(first.y(), View().height() - 140) << bus;
+        EXPECT_EQ(first.geometry().right() + 1, right[0] - 8) << bus << width;
+        EXPECT_EQ(List("DataSize").geometry().right() + 1, right[1] - 8) << bus << width;
+        if (right.size() == 4) {
+            EXPECT_EQ(Field("AttrTag").geometry().right() + 1, right[2] - 8) << bus << width;
+        }
+        EXPECT_EQ(List("Command").geometry().right() + 1, right.back() - 8) << bus << width;
+    }
+}
+
+// The main thread may be in the middle of an exchange then.
+TEST_F(MasterWindow, NothingIsPolledWhileABoxOfAnotherThreadIsOpen) {
+    StartOnBoard();
+    int polls = 0;
+    line->Do([&] {
+        board.onMemoryRead = [&](std::uint32_t address) { polls += address == statusRegister; };
+    });
+    int pollsInBox = -1;
+    mainThread.SetPresenter(
+        [&](const Box&) {
+            QTest::qWait(300);
+            line->Do([&] { pollsInBox = polls; });
+            return Answer::Ok;
+        },
+        [] {});
+    List("Command").setCurrentText("Write");
+    Go();
+    std::thread other([&] { mainThread.Show({"A box."}); });
+    while (pollsInBox < 0) {
+        mainThread.ServeBoxes();
+    }
+    other.join();
+    EXPECT_EQ(pollsInBox, 0);
+    ASSERT_TRUE(Ends());
+    line->Do([&] { board.onMemoryRead = nullptr; });
+    EXPECT_EQ(polls, 1);
+}
+
+TEST_F(MasterWindow, AMaximizedWindowStaysSo) {
+    StartOnBus(pci);
+    Frame().resize(700, 600);
+    frame->showMaximized();
+    QApplication::processEvents();
+    const QSize maximized = frame->size();
+    ASSERT_LT(maximized.width(), 840);
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(frame->isMaximized());
+    EXPECT_EQ(frame->size(), maximized);
+}
+
+TEST_F(MasterWindow, AMinimizedWindowStaysSo) {
+    StartOnBus(pci);
+    frame->showMinimized();
+    QApplication::processEvents();
+    const QSize minimized = frame->size();
+    ChangeBus("PCI-X");
+    EXPECT_TRUE(frame->isMinimized());
+    EXPECT_EQ(frame->size(), minimized);
+    frame->showNormal();
+    QApplication::processEvents();
+    EXPECT_TRUE(Field("AttrTag").isVisible());
+}
+
+TEST_F(MasterWindow, TheFileDialogBeginsAtTheLastFile) {
+    const std::string path = dir.Write("last.dat", "00\n");
+    settings.WriteProfileString("Setup", "LastMasterDataFile", path);
+    StartOnBoard();
+    EXPECT_EQ(Field("DataFilename").toolTip().toStdString(), path) << "a long path is cut";
+    AnswerDialog<QFileDialog>(
+        [&] { Press(View(), "File"); },
+        [&](QFileDialog& files) {
+            EXPECT_EQ(files.directory(), QDir(QString::fromStdString(dir.Path())));
+            EXPECT_EQ(files.findChild<QLineEdit*>("fileNameEdit")->text(), "last.dat");
+        });
+    EXPECT_EQ(Document().Form().dataFilename, path) << "cancelled";
 }
 
 TEST_F(MasterWindow, HasItsButtonsInTheirPlaces) {

@@ -14,11 +14,12 @@ using testing::IsEmpty;
 using testing::SizeIs;
 
 constexpr std::uint32_t setupRegister = 1490;
+constexpr int pci = 0;
 constexpr int vme = 2;
 
 class TargetWindow : public ExerciserWindow {
 protected:
-    TargetWindow() : ExerciserWindow("File/New/Target") {}
+    TargetWindow() : ExerciserWindow("File/New/Target", {"Target File", "form.tgt"}) {}
     CTargetDoc& Document() { return static_cast<CTargetDoc&>(frame->GetDocument()); }
     void Enable() { Tick(View(), "Enable Target"); }
 };
@@ -44,7 +45,29 @@ TEST_F(TargetWindow, HasItsFields) {
 TEST_F(TargetWindow, HasTheModifierOfVme) {
     StartOnBus(vme);
     EXPECT_EQ(Field("AddressModifier").text(), "0D");
-    EXPECT_EQ(View().findChild<QComboBox*>("AddressSpace"), nullptr);
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_FALSE(List("AddressSpace").isVisible());
+}
+
+TEST_F(TargetWindow, FollowsTheBusToVmeAndBack) {
+    StartOnBus(pci);
+    List("AddressSpace").setCurrentText("Config");
+    Type("BusStart", "0000000080000000");
+    Tick(View(), "Enable Target");
+    ChangeBus("VME");
+    EXPECT_FALSE(List("AddressSpace").isVisible());
+    EXPECT_EQ(Items("AddressSpace"), QStringList{"Memory"});
+    EXPECT_EQ(Document().Form().addressSpace, 0) << "a space that nobody sees";
+    EXPECT_TRUE(Field("AddressModifier").isVisible());
+    EXPECT_EQ(Field("BusStart").text().remove(' '), "0000000080000000");
+    EXPECT_TRUE(View().findChild<QCheckBox*>()->isChecked());
+    Type("AddressModifier", "39");
+    ChangeBus("PCI");
+    EXPECT_TRUE(List("AddressSpace").isVisible());
+    EXPECT_EQ(Items("AddressSpace"), (QStringList{"Memory", "I/O", "Config"}));
+    EXPECT_FALSE(Field("AddressModifier").isVisible());
+    ChangeBus("VME");
+    EXPECT_EQ(Field("AddressModifier").text(), "39");
 }
 
 TEST_F(TargetWindow, EnablingSendsTheSetupAtOnce) {
@@ -194,6 +217,106 @@ TEST_F(TargetWindow, LaysOutTheForm) {
             EXPECT_EQ(place.right() + 1, right[column] - 8) << field->objectName().toStdString();
         }
     }
+}
+
+TEST_F(TargetWindow, ShowsTheModifierOfAFile) {
+    StartOnBus(vme);
+    LoadForm("\"AddressModifier\",\"2f\"\r\n\"AddressSize\",\"64 KB\"\r\n"
+             "\"DataSize\",\"odd\"\r\n\"DataType\",\"File\"\r\n");
+    EXPECT_EQ(Field("AddressModifier").text(), "2F");
+    EXPECT_EQ(List("BusLength").currentText(), "64 KB");
+    EXPECT_EQ(List("DataSize").currentText(), "8 bit");
+    EXPECT_EQ(List("DataType").currentText(), "File");
+    EXPECT_TRUE(Field("DataFilename").isVisible());
+}
+
+TEST_F(TargetWindow, AnUnknownLengthIsTheFirst) {
+    StartOnBoard();
+    LoadForm("\"AddressSize\",\"3 MB\"\r\n\"AddressSpace\",\"Config\"\r\n");
+    EXPECT_EQ(List("BusLength").currentText(), "0");
+    EXPECT_EQ(List("AddressSpace").currentText(), "Config");
+}
+
+TEST_F(TargetWindow, NamesItsGroupsAndFields) {
+    StartOnBus(pci);
+    const QStringList others = {"Bus Address", "Start",          "Length",   "Bus Data",
+                                "Size",        "Wait States",    "Response", "Bus Control",
+                                "Start",       "Target Address", "End",      "Target Data",
+                                "Type",        "Value",          "Command"};
+    EXPECT_EQ(DrawnTexts(), Sorted(QStringList{"Space"} + others));
+    ChangeBus("VME");
+    EXPECT_EQ(DrawnTexts(), Sorted(QStringList{"AM"} + others));
+    List("DataType").setCurrentText("File");
+    EXPECT_TRUE(DrawnTexts().contains("File"));
+    EXPECT_FALSE(DrawnTexts().contains("Value"));
+}
+
+TEST_F(TargetWindow, LaysOutTheFormOfEachBus) {
+    StartOnBus(pci);
+    for (const char* bus : {"VME", "VSB"}) {
+        ChangeBus(bus);
+        const std::pair<int, std::array<int, 3>> sizes[] = {
+            {600, {230, 450, 590}}, {1000, {380, 750, 990}}, {400, {170, 330, 470}}};
+        for (const auto& [width, right] : sizes) {
+            SetViewSize({width, 420});
+            ASSERT_EQ(View().width(), width);
+            QWidget& first = bus == std::string("VME")
+                                 ? static_cast<QWidget&>(Field("AddressModifier"))
+                                 : static_cast<QWidget&>(List("AddressSpace"));
+            EXPECT_TRUE(first.isVisible());
+            EXPECT_EQ(first.y(), View().height() - 215) << bus;
+            EXPECT_EQ(first.geometry().right() + 1, right[0] - 8) << bus << width;
+            EXPECT_EQ(List("Response").geometry().right() + 1, right[1] - 8) << bus << width;
+            EXPECT_EQ(List("Command").geometry().right() + 1, right[2] - 8) << bus << width;
+        }
+    }
+}
+
+// With room for 12 characters only, rows have an address and nothing else.
+TEST_F(TargetWindow, ANarrowDumpShowsAddressesAlone) {
+    StartOnBoard();
+    Type("AddressStart", "0000000000001000");
+    Type("AddressEnd", "0000000000001001");
+    Go();
+    ASSERT_TRUE(Ends());
+    SetViewSize({140, 420});
+    EXPECT_EQ(Dump().RowText(0).trimmed(), "00001000");
+    EXPECT_EQ(Dump().RowText(1).trimmed(), "00001000");
+    SetViewSize({600, 420});
+    EXPECT_TRUE(Dump().RowText(0).startsWith(" 00001000  00 00 "));
+}
+
+TEST_F(TargetWindow, ASecondGoDuringARunBeginsAgain) {
+    StartOnBoard();
+    Type("AddressEnd", "00000000000003ff");
+    List("Command").setCurrentText("Write");
+    Go();
+    ASSERT_TRUE(RunUntil([&] { return !WritesTo(248).empty(); }));
+    Go();
+    EXPECT_EQ(frame->RunState(), RunPicture::Running);
+    EXPECT_THAT(WritesTo(0), SizeIs(2));
+    ASSERT_TRUE(Ends());
+    EXPECT_THAT(WritesTo(992), SizeIs(1)); // the last step
+}
+
+TEST_F(TargetWindow, TheDumpIsDrawnAgainWhenItGrows) {
+    struct Counter final : QObject {
+        bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+            paints += event->type() == QEvent::Paint ? 1 : 0;
+            return false;
+        }
+        int paints = 0;
+    } counter;
+    StartOnBoard();
+    Type("AddressEnd", "00000000000003ff"); // five steps
+    QApplication::processEvents();
+    Dump().viewport()->installEventFilter(&counter);
+    QTest::qWait(100);
+    EXPECT_EQ(counter.paints, 0);
+    Go();
+    ASSERT_TRUE(Ends());
+    QApplication::processEvents();
+    EXPECT_GE(counter.paints, 5);
 }
 
 TEST_F(TargetWindow, HelpOpensItsPage) {
