@@ -11,7 +11,8 @@ import re
 import sys
 from pathlib import Path
 
-CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export", "performance"]
+CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export", "performance",
+        "exerciser"]
 # Each room of the windows with the rooms that it may include; all may include the core.
 UI = {
     "framework": set(),
