@@ -12,7 +12,7 @@ import sys
 from pathlib import Path
 
 CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export", "performance",
-        "exerciser"]
+        "exerciser", "testsuites"]
 # Each room of the windows with the rooms that it may include; all may include the core.
 UI = {
     "framework": set(),
