@@ -62,6 +62,12 @@ constexpr std::uint32_t regSearch = 441;          // 4 bytes: state, distance fr
 constexpr std::uint32_t regSearchPattern = 445;   // 30 bytes: alternating value and compare bytes
 constexpr std::uint32_t regPerformance = 499;     // 241 bytes: type, 8 rows of 30 bytes
 constexpr std::uint32_t regCounters = 748;        // 32 bytes: 8 values, the low byte first
+constexpr std::uint32_t regScanControl = 850;
+constexpr std::uint32_t regScanStatus = 851;
+constexpr std::uint32_t regScanResults = 852; // 72 bytes: header 64, address 8
+constexpr std::uint32_t regComplianceControl = 1516;
+constexpr std::uint32_t regComplianceStatus = 1517;
+constexpr std::uint32_t regComplianceTest = 1518; // 4 bytes: letters 3, number
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';
