@@ -24,8 +24,9 @@ UI = {
     "capture": {"framework"},
     "display": {"framework", "controls", "patterns", "capture"},
     "performance": {"framework", "controls", "patterns"},
+    "testsuites": {"framework", "controls", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
-    "shell": {"framework", "link", "performance", "signals", "trace"},
+    "shell": {"framework", "link", "performance", "signals", "testsuites", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -2,6 +2,7 @@
 
 #include "ui/link/board_feature.h"
 #include "ui/performance/performance_feature.h"
+#include "ui/testsuites/testsuites_feature.h"
 #include "ui/trace/trace_feature.h"
 
 namespace busquill {
@@ -22,9 +23,8 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
         TraceFeature(parts),
         PerformanceFeature(parts),
         Planned("\nMaster\nMaster\nMaster (*.mst)\n.mst\nTessel.Master\nTessel Master"),
-        Planned("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
-        Planned("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
-                "Tessel Compliance"),
+        ConfigurationFeature(parts),
+        ComplianceFeature(parts),
         Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
                 "Tessel Anomaly Detection"),
         Planned("\nTarget\nTarget\nTarget (*.tgt)\n.tgt\nTessel.Target\nTessel Target"),

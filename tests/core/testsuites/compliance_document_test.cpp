@@ -192,6 +192,7 @@ TEST_F(ComplianceDocumentTest, ATextThatEndsInAQuoteLosesTheNextLine) {
     Saved();
     ASSERT_TRUE(document.OnOpenDocument(path));
     ASSERT_THAT(document.Results(), SizeIs(2));
+    EXPECT_EQ(document.Results()[0].name.find("Two"), std::string::npos) << "not continued";
     EXPECT_EQ(document.Results()[1].name, "Three");
 }
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "testsuites/config_header.h"
+
+#include <QScrollArea>
+
+namespace busquill {
+
+/// A device in words: class, vendor and device, and each bit of its command and status.
+class CConfigAnalysisView final : public QScrollArea {
+    Q_OBJECT
+public:
+    /// The device outlives the view.
+    CConfigAnalysisView(const CConfigSpaceData& device, QWidget* parent);
+
+    /// Shows the device as it is now.
+    void Refresh();
+    /// The width of the form in which the view lies; half of it can be scrolled over.
+    void SetFormWidth(int width);
+
+private:
+    class Text;
+
+    Text* text_;
+    int formWidth_ = 0;
+};
+
+} // namespace busquill
