@@ -9,6 +9,9 @@ namespace {
 constexpr int portraitLines = 50;
 constexpr int landscapeLines = 40;
 
+/// A longer word does not fit in a line. It is not measured as a whole, which would take long.
+constexpr std::size_t longestWord = 1000;
+
 /// As many characters of a text as fit in a line, but at least one.
 std::size_t FittingLength(std::string_view text, int width, const TextWidth& widthOf) {
     const auto next = [text](std::size_t length) {
@@ -53,7 +56,11 @@ PageArea ReportGeometry::ResultPlace(int line) const noexcept {
             lineHeight};
 }
 
-std::vector<std::string> WrapWords(std::string_view text, int width, const TextWidth& widthOf) {
+std::vector<std::string> WrapWords(std::string_view text, int width, std::size_t maxLines,
+                                   const TextWidth& widthOf) {
+    const auto fits = [&](std::string_view line) {
+        return line.size() <= longestWord && widthOf(line) <= width;
+    };
     std::vector<std::string> lines(1);
     while (true) {
         const auto begin = text.find_first_not_of(' ');
@@ -64,13 +71,16 @@ std::vector<std::string> WrapWords(std::string_view text, int width, const TextW
         std::string_view word = text.substr(0, text.find(' '));
         const std::string joined =
             lines.back().empty() ? std::string(word) : lines.back() + " " + std::string(word);
-        if (widthOf(joined) <= width) {
+        if (fits(joined)) {
             lines.back() = joined;
         } else {
-            if (widthOf(word) > width) {
+            if (!fits(word)) {
                 word = word.substr(0, FittingLength(word, width, widthOf));
             }
             if (!lines.back().empty()) {
+                if (lines.size() == maxLines) {
+                    return lines;
+                }
                 lines.emplace_back();
             }
             lines.back() = word;
@@ -84,10 +94,11 @@ std::vector<ReportPage> ComposeReport(std::span<const CTestResult> results,
     std::vector<ReportPage> pages;
     int line = geometry.lines; // as if a page were full
     for (const CTestResult& test : results) {
-        ReportItem item{0, TestLabel(test), WrapWords(test.name, geometry.TitleWidth(), widthOf),
-                        TestResultText(test)};
         // What is longer than a page is cut.
-        item.title.resize(std::min(item.title.size(), static_cast<std::size_t>(geometry.lines)));
+        ReportItem item{0, TestLabel(test),
+                        WrapWords(test.name, geometry.TitleWidth(),
+                                  static_cast<std::size_t>(geometry.lines), widthOf),
+                        TestResultText(test)};
         const int needed = static_cast<int>(item.title.size());
         if (line + needed > geometry.lines) {
             pages.emplace_back();

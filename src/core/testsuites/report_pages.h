@@ -62,9 +62,9 @@ using ReportPage = std::vector<ReportItem>;
 using TextWidth = std::function<int(std::string_view text)>;
 
 /// Breaks a text into lines between its words. A word that is wider than a line is broken where the
-/// line is full. There is at least one line.
+/// line is full. There is at least one line; what is left after `maxLines` is dropped.
 [[nodiscard]] std::vector<std::string> WrapWords(std::string_view text, int width,
-                                                 const TextWidth& widthOf);
+                                                 std::size_t maxLines, const TextWidth& widthOf);
 
 /// The pages of a report; none without results. A test that does not fit on a page starts the next
 /// one.

@@ -20,7 +20,37 @@ QString TextOf(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+/// The lines at which the boxes begin.
+constexpr int commandBox = 3 + gap;
+constexpr int statusBox = commandBox + boxLines + gap;
+
+void DrawLine(QPainter& painter, const AnalysisLayout& layout, int line, int left,
+              const QString& text) {
+    painter.drawText(left, line * layout.pitch, layout.width - left, layout.pitch,
+                     Qt::AlignLeft | Qt::AlignVCenter, text);
+}
+
+void DrawBits(QPainter& painter, const AnalysisLayout& layout, int box,
+              const std::vector<AnalysisLine>& lines) {
+    for (const AnalysisLine& each : lines) {
+        ++box;
+        DrawLine(painter, layout, box, leftAt * layout.character, TextOf(each.text));
+        DrawLine(painter, layout, box, valueAt * layout.character,
+                 QString::fromStdString(each.value));
+    }
+}
+
 } // namespace
+
+void DrawAnalysisTexts(QPainter& painter, const AnalysisLayout& layout,
+                       const ConfigAnalysis& analysis) {
+    int line = 0;
+    for (const std::string& text : analysis.head) {
+        DrawLine(painter, layout, line++, 0, QString::fromStdString(text));
+    }
+    DrawBits(painter, layout, commandBox, analysis.command);
+    DrawBits(painter, layout, statusBox, analysis.status);
+}
 
 class CConfigAnalysisView::Text final : public QWidget {
 public:
@@ -38,15 +68,12 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
-        const ConfigAnalysis analysis = AnalyzeHeader(device_);
         QPainter painter(this);
+        DrawBox(painter, commandBox, "Command");
+        DrawBox(painter, statusBox, "Status");
         painter.setPen(palette().color(QPalette::WindowText));
-        int line = 0;
-        for (const std::string& text : analysis.head) {
-            DrawLine(painter, line++, 0, QString::fromStdString(text));
-        }
-        DrawBox(painter, line + gap, "Command", analysis.command);
-        DrawBox(painter, line + gap + boxLines + gap, "Status", analysis.status);
+        DrawAnalysisTexts(painter, {Pitch(), fontMetrics().averageCharWidth(), width()},
+                          AnalyzeHeader(device_));
     }
 
 private:
@@ -54,25 +81,14 @@ private:
     [[nodiscard]] int Characters(int count) const {
         return count * fontMetrics().averageCharWidth();
     }
-    void DrawLine(QPainter& painter, int line, int left, const QString& text) const {
-        painter.drawText(left, line * Pitch(), width() - left, Pitch(),
-                         Qt::AlignLeft | Qt::AlignVCenter, text);
-    }
-    void DrawBox(QPainter& painter, int firstLine, const char* title,
-                 const std::vector<AnalysisLine>& lines) const {
+    void DrawBox(QPainter& painter, int line, const char* title) const {
         QStyleOptionGroupBox option;
         option.initFrom(this);
-        option.rect = QRect(2, firstLine * Pitch(), NeededWidth() - 4, boxLines * Pitch() + 4);
+        option.rect = QRect(2, line * Pitch(), NeededWidth() - 4, boxLines * Pitch() + 4);
         option.text = title;
         option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
         option.textAlignment = Qt::AlignLeft;
         style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
-        int line = firstLine;
-        for (const AnalysisLine& each : lines) {
-            ++line;
-            DrawLine(painter, line, Characters(leftAt), TextOf(each.text));
-            DrawLine(painter, line, Characters(valueAt), QString::fromStdString(each.value));
-        }
     }
 
     const CConfigSpaceData& device_;

@@ -6,6 +6,17 @@
 
 namespace busquill {
 
+/// Pixels of the analysis.
+struct AnalysisLayout {
+    int pitch = 0;     // of lines
+    int character = 0; // on average
+    int width = 0;
+};
+
+/// Draws the texts of an analysis on any painter, from the top down, without the boxes around them.
+void DrawAnalysisTexts(QPainter& painter, const AnalysisLayout& layout,
+                       const ConfigAnalysis& analysis);
+
 /// A device in words: class, vendor and device, and each bit of its command and status.
 class CConfigAnalysisView final : public QScrollArea {
     Q_OBJECT

@@ -49,19 +49,36 @@ TEST(ReportGeometry, ColumnsStandSideBySide) {
 }
 
 TEST(WrapWords, BreaksBetweenWords) {
-    EXPECT_THAT(WrapWords("the quick brown fox", 90, Tens), ElementsAre("the quick", "brown fox"));
-    EXPECT_THAT(WrapWords("the quick brown fox", 89, Tens),
+    EXPECT_THAT(WrapWords("the quick brown fox", 90, 50, Tens),
+                ElementsAre("the quick", "brown fox"));
+    EXPECT_THAT(WrapWords("the quick brown fox", 89, 50, Tens),
                 ElementsAre("the", "quick", "brown", "fox"));
-    EXPECT_THAT(WrapWords("one", 90, Tens), ElementsAre("one"));
-    EXPECT_THAT(WrapWords("", 90, Tens), ElementsAre(""));
-    EXPECT_THAT(WrapWords("  two   words ", 900, Tens), ElementsAre("two words"));
+    EXPECT_THAT(WrapWords("one", 90, 50, Tens), ElementsAre("one"));
+    EXPECT_THAT(WrapWords("", 90, 50, Tens), ElementsAre(""));
+    EXPECT_THAT(WrapWords("  two   words ", 900, 50, Tens), ElementsAre("two words"));
 }
 
 TEST(WrapWords, BreaksAWordThatIsTooLong) {
-    EXPECT_THAT(WrapWords("a abcdefgh b", 30, Tens), ElementsAre("a", "abc", "def", "gh", "b"));
-    EXPECT_THAT(WrapWords("abc", 1, Tens), ElementsAre("a", "b", "c")) << "no line is empty";
-    EXPECT_THAT(WrapWords("\xC3\xA4\xC3\xB6", 1, Tens), ElementsAre("\xC3\xA4", "\xC3\xB6"))
+    EXPECT_THAT(WrapWords("a abcdefgh b", 30, 50, Tens), ElementsAre("a", "abc", "def", "gh", "b"));
+    EXPECT_THAT(WrapWords("abc", 1, 50, Tens), ElementsAre("a", "b", "c")) << "no line is empty";
+    EXPECT_THAT(WrapWords("\xC3\xA4\xC3\xB6", 1, 50, Tens), ElementsAre("\xC3\xA4", "\xC3\xB6"))
         << "characters stay whole";
+}
+
+TEST(WrapWords, EndsAfterItsLines) {
+    EXPECT_THAT(WrapWords("one two three", 50, 2, Tens), ElementsAre("one", "two"));
+    EXPECT_THAT(WrapWords("abcdef", 20, 2, Tens), ElementsAre("ab", "cd"));
+    EXPECT_THAT(WrapWords("one two", 70, 1, Tens), ElementsAre("one two"));
+}
+
+TEST(WrapWords, MeasuresAHugeWordInPieces) {
+    std::size_t measured = 0;
+    const auto counting = [&measured](std::string_view text) {
+        measured += text.size();
+        return Tens(text);
+    };
+    EXPECT_THAT(WrapWords(std::string(1000000, 'x'), 500, 50, counting), SizeIs(50));
+    EXPECT_LT(measured, 100000U);
 }
 
 class ReportTest : public testing::Test {
