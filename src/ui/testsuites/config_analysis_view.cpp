@@ -10,11 +10,11 @@ namespace busquill {
 namespace {
 
 constexpr int textHeight = 1000;
-constexpr int gap = 2;       // lines before a box
-constexpr int boxLines = 11; // of a box: its label, and a line for each bit
-constexpr int valueAt = 20;  // characters from the left
-constexpr int leftAt = 1;    // the same for the names of bits
-constexpr int valueWidth = 10;
+constexpr int gap = 2;         // lines before a box
+constexpr int boxLines = 11;   // of a box: its label, and a line for each bit
+constexpr int valueAt = 20;    // characters from the left
+constexpr int leftAt = 1;      // the same for the names of bits
+constexpr int valueWidth = 14; // characters, with a margin
 
 QString TextOf(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -34,9 +34,8 @@ void DrawBits(QPainter& painter, const AnalysisLayout& layout, int box,
               const std::vector<AnalysisLine>& lines) {
     for (const AnalysisLine& each : lines) {
         ++box;
-        DrawLine(painter, layout, box, leftAt * layout.character, TextOf(each.text));
-        DrawLine(painter, layout, box, valueAt * layout.character,
-                 QString::fromStdString(each.value));
+        DrawLine(painter, layout, box, layout.textLeft, TextOf(each.text));
+        DrawLine(painter, layout, box, layout.valueLeft, QString::fromStdString(each.value));
     }
 }
 
@@ -58,7 +57,7 @@ public:
 
     /// The widest line.
     [[nodiscard]] int NeededWidth() const {
-        int needed = Characters(valueAt + valueWidth);
+        int needed = ValueLeft() + Characters(valueWidth);
         for (const std::string& line : AnalyzeHeader(device_).head) {
             needed =
                 std::max(needed, fontMetrics().horizontalAdvance(QString::fromStdString(line)) + 4);
@@ -72,7 +71,7 @@ protected:
         DrawBox(painter, commandBox, "Command");
         DrawBox(painter, statusBox, "Status");
         painter.setPen(palette().color(QPalette::WindowText));
-        DrawAnalysisTexts(painter, {Pitch(), fontMetrics().averageCharWidth(), width()},
+        DrawAnalysisTexts(painter, {Pitch(), Characters(leftAt), ValueLeft(), width()},
                           AnalyzeHeader(device_));
     }
 
@@ -81,14 +80,28 @@ private:
     [[nodiscard]] int Characters(int count) const {
         return count * fontMetrics().averageCharWidth();
     }
+    /// Right of the names of all bits.
+    [[nodiscard]] int ValueLeft() const {
+        int left = Characters(valueAt);
+        const ConfigAnalysis analysis = AnalyzeHeader(device_);
+        for (const AnalysisLine& line : analysis.status) {
+            left = std::max(left, Characters(leftAt + 1) +
+                                      fontMetrics().horizontalAdvance(TextOf(line.text)));
+        }
+        return left;
+    }
     void DrawBox(QPainter& painter, int line, const char* title) const {
         QStyleOptionGroupBox option;
         option.initFrom(this);
-        option.rect = QRect(2, line * Pitch(), NeededWidth() - 4, boxLines * Pitch() + 4);
+        // Styles place the label from the corner of the painter, whatever the rectangle's is.
+        const QRect place(2, line * Pitch(), NeededWidth() - 4, boxLines * Pitch() + 4);
+        option.rect = QRect(QPoint(0, 0), place.size());
         option.text = title;
         option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
         option.textAlignment = Qt::AlignLeft;
+        painter.translate(place.topLeft());
         style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
+        painter.translate(-place.topLeft());
     }
 
     const CConfigSpaceData& device_;
@@ -101,7 +114,8 @@ CConfigAnalysisView::CConfigAnalysisView(const CConfigSpaceData& device, QWidget
 }
 
 void CConfigAnalysisView::Refresh() {
-    text_->resize(std::max(formWidth_ / 2, text_->NeededWidth()), textHeight);
+    const int room = std::min(formWidth_ / 2, viewport()->width());
+    text_->resize(std::max(room, text_->NeededWidth()), textHeight);
     text_->update();
 }
 

@@ -9,7 +9,8 @@ namespace busquill {
 /// Pixels of the analysis.
 struct AnalysisLayout {
     int pitch = 0;     // of lines
-    int character = 0; // on average
+    int textLeft = 0;  // of the names of bits
+    int valueLeft = 0; // of what they say
     int width = 0;
 };
 
@@ -26,7 +27,8 @@ public:
 
     /// Shows the device as it is now.
     void Refresh();
-    /// The width of the form in which the view lies; half of it can be scrolled over.
+    /// The width of the form in which the view lies. The text takes half of it, or what is visible
+    /// if that is less.
     void SetFormWidth(int width);
 
 private:

@@ -91,7 +91,8 @@ void CConfigView::Load() {
 }
 
 void CConfigView::LayOut() {
-    const int pictureWidth = DialogUnits(*this, 4 * pictureCharacters, 0).width();
+    const int pictureWidth = std::max(DialogUnits(*this, 4 * pictureCharacters, 0).width(),
+                                      RegisterPicture::NeededWidth());
     picture_->setGeometry(Form::margin, top - RegisterGeometry::bitNumbers, pictureWidth,
                           RegisterGeometry::Height());
     const int left = Form::margin + pictureWidth + analysisGap;

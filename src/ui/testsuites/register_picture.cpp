@@ -20,6 +20,10 @@ QString TextOf(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+int OffsetWidth() {
+    return QFontMetrics(NameFont()).horizontalAdvance(" 00H") + 2;
+}
+
 void DrawBitNumbers(QPainter& painter, const RegisterGeometry& geometry) {
     for (const int bit : {31, 16, 15, 0}) {
         const bool left = bit == 31 || bit == 15; // end of its half
@@ -82,9 +86,22 @@ void DrawRegisterPicture(QPainter& painter, const RegisterGeometry& geometry,
 RegisterPicture::RegisterPicture(const CConfigSpaceData& device, QWidget* parent)
     : QWidget(parent), device_(device) {}
 
+int RegisterPicture::NeededWidth() {
+    constexpr int bits = 32;
+    constexpr int space = 6; // around a name
+    const QFontMetrics metrics(NameFont());
+    int needed = 0;
+    for (const HeaderField& field : headerFields) {
+        const int share = field.lastBit - field.firstBit + 1;
+        needed = std::max(needed,
+                          (metrics.horizontalAdvance(TextOf(field.text)) + space) * bits / share);
+    }
+    return needed + OffsetWidth();
+}
+
 void RegisterPicture::paintEvent(QPaintEvent* /*event*/) {
     RegisterGeometry geometry;
-    geometry.offsetWidth = QFontMetrics(NameFont()).horizontalAdvance(" 00H") + 2;
+    geometry.offsetWidth = OffsetWidth();
     geometry.width = width() - geometry.offsetWidth;
     QPainter painter(this);
     DrawRegisterPicture(painter, geometry, device_.Header());

@@ -21,6 +21,9 @@ public:
     /// The device outlives the picture.
     RegisterPicture(const CConfigSpaceData& device, QWidget* parent);
 
+    /// The width at which all names of fields fit.
+    [[nodiscard]] static int NeededWidth();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
