@@ -196,6 +196,13 @@ TEST_F(ComplianceDocumentTest, ATextThatEndsInAQuoteLosesTheNextLine) {
     EXPECT_EQ(document.Results()[1].name, "Three");
 }
 
+TEST_F(ComplianceDocumentTest, AValueOverTwoLinesEndsWithTheFirst) {
+    ASSERT_TRUE(Open("\"VendorName\",\"Split\r\nname\"\r\n\"Class\",\"Bridge\"\r\n"));
+    EXPECT_EQ(Device().vendorName.substr(0, 5), "Split");
+    EXPECT_EQ(Device().vendorName.find("name"), std::string::npos);
+    EXPECT_EQ(Device().className, "Bridge");
+}
+
 TEST_F(ComplianceDocumentTest, AFileOfAnotherKindIsRefusedAndChangesNothing) {
     document.Select(1, false);
     document.deviceFound = true;

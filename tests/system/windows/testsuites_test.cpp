@@ -340,6 +340,22 @@ TEST_F(TestSuiteWindows, AFileIsSavedAndLoaded) {
     EXPECT_EQ(Picture(), RunPicture::Running);
 }
 
+TEST_F(TestSuiteWindows, LoadingAFileEndsARun) {
+    Connect({"--compliance", "* slow 10000"});
+    OpenCompliance();
+    Press(View(), "Find");
+    Bar("Go");
+    const std::string path =
+        dir.Write("run.cpl", "\"FileType\",\"Compliance File\"\r\n\"Version\",\"1.0\"\r\n");
+    AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                              [&](QFileDialog& files) { GiveFileName(files, path); });
+    EXPECT_EQ(Picture(), RunPicture::Loaded);
+    EXPECT_THAT(Wire(0).back(), "function 20 stop compliance test");
+    const auto from = board->Functions().size();
+    QTest::qWait(500);
+    EXPECT_THAT(Wire(from), IsEmpty());
+}
+
 TEST_F(TestSuiteWindows, AFileOpenedFromTheMenuShowsAsLoaded) {
     StartDemo();
     const std::string path = dir.Write(

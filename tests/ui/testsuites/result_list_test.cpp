@@ -49,11 +49,13 @@ TEST_F(ResultListTest, ARowIsAsHighAsItsTitle) {
     const int wrapped = RowHeight(1);
     EXPECT_GE(wrapped, 2 * line);
     EXPECT_EQ(wrapped % line, 0);
+    list.Append(Named("Last"));
     list.resize(1400, 400);
     EXPECT_EQ(RowHeight(1), line) << "wraps anew";
+    EXPECT_EQ(list.visualItemRect(list.item(2)).top(), 2 * line);
     list.resize(500, 400);
     list.Append(Named(std::string(5000, 'x')));
-    EXPECT_EQ(RowHeight(2), 255);
+    EXPECT_EQ(RowHeight(3), 255);
 }
 
 TEST_F(ResultListTest, OnlyFailuresAreRed) {
