@@ -1,0 +1,86 @@
+#include "ui/testsuites/result_list.h"
+
+#include <QApplication>
+#include <QImage>
+#include <gtest/gtest.h>
+
+namespace busquill::test {
+namespace {
+
+CTestResult Named(const std::string& name, TestOutcome outcome = TestOutcome::Passed) {
+    return {{'C', 'F', 'G', 1, 0}, name, outcome, 3};
+}
+
+class ResultListTest : public testing::Test {
+protected:
+    ResultListTest() {
+        list.resize(500, 400);
+        list.show();
+    }
+    int RowHeight(int row) {
+        QApplication::processEvents();
+        return list.visualItemRect(list.item(row)).height();
+    }
+    /// Pixels of pure red in a row.
+    int RedIn(int row) {
+        QApplication::processEvents();
+        const QImage image = list.viewport()->grab().toImage();
+        const QRect place = list.visualItemRect(list.item(row));
+        int count = 0;
+        for (int y = place.top(); y <= place.bottom(); ++y) {
+            for (int x = place.left(); x <= place.right(); ++x) {
+                const QColor color = image.pixelColor(x, y);
+                count += color.red() > 200 && color.green() < 80 && color.blue() < 80 ? 1 : 0;
+            }
+        }
+        return count;
+    }
+
+    CResultList list{nullptr};
+    const std::string longTitle = "A title that needs more than one line since it has many words "
+                                  "and the list is not wide enough for all of them";
+};
+
+TEST_F(ResultListTest, ARowIsAsHighAsItsTitle) {
+    list.Append(Named("Short"));
+    list.Append(Named(longTitle));
+    const int line = list.fontMetrics().height();
+    EXPECT_EQ(RowHeight(0), line);
+    const int wrapped = RowHeight(1);
+    EXPECT_GE(wrapped, 2 * line);
+    EXPECT_EQ(wrapped % line, 0);
+    list.Append(Named("Last"));
+    list.resize(1400, 400);
+    EXPECT_EQ(RowHeight(1), line) << "wraps anew";
+    EXPECT_EQ(list.visualItemRect(list.item(2)).top(), 2 * line);
+    list.resize(500, 400);
+    list.Append(Named(std::string(5000, 'x')));
+    EXPECT_EQ(RowHeight(3), 255);
+}
+
+TEST_F(ResultListTest, OnlyFailuresAreRed) {
+    list.Append(Named("One", TestOutcome::Failed));
+    list.Append(Named("Two", TestOutcome::Passed));
+    list.Append(Named("Three", TestOutcome::Skipped));
+    list.setCurrentRow(-1);
+    EXPECT_GT(RedIn(0), 20);
+    EXPECT_EQ(RedIn(1), 0);
+    EXPECT_EQ(RedIn(2), 0);
+}
+
+TEST_F(ResultListTest, TheLastTestIsReplacedAndSelected) {
+    list.Append(Named("One"));
+    list.Append(Named("Two", TestOutcome::None));
+    EXPECT_EQ(list.item(1)->text(), "CFG1. Two");
+    list.ReplaceLast(Named("Two", TestOutcome::Failed));
+    EXPECT_EQ(list.count(), 2);
+    EXPECT_EQ(list.item(1)->text(), "CFG1. Two Failed(3)");
+    EXPECT_EQ(list.currentRow(), 1);
+    list.Clear();
+    EXPECT_EQ(list.count(), 0);
+    list.ReplaceLast(Named("Three"));
+    EXPECT_EQ(list.count(), 0);
+}
+
+} // namespace
+} // namespace busquill::test
