@@ -1,5 +1,6 @@
 // Scans and compliance tests on the simulated board, over a real pseudo terminal.
 
+#include "document/hex_fields.h"
 #include "platform/working_directory.h"
 #include "support/paths.h"
 #include "support/temp_dir.h"
@@ -104,7 +105,7 @@ TEST_F(TestSuitesOverWire, AScanGoesThroughTheDevicesOfTheBus) {
     EXPECT_THAT(functions, ElementsAre(0, 0, 1, 2, 0, 0));
     EXPECT_EQ(HeadOf(data),
               " Class: Mass storage controller Vendor: Broadcom / LSI Device/Rev ID: 0030.07");
-    EXPECT_EQ(BusAddressText(data.Identity().address), "0000000080012000");
+    EXPECT_EQ(HexAddressText(data.Identity().address), "0000000080012000");
     EXPECT_THAT(prompts.Texts(), IsEmpty());
     EXPECT_EQ(ScanForDevice(link, ScanDirection::Next, data, prompts), std::nullopt);
     EXPECT_THAT(prompts.Texts(), ElementsAre("No device found."));

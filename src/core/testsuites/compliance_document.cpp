@@ -1,5 +1,6 @@
 #include "testsuites/compliance_document.h"
 
+#include "document/hex_fields.h"
 #include "platform/text.h"
 #include "testsuites/check_list.h"
 
@@ -77,7 +78,7 @@ void CComplianceDoc::EndReading() {
     };
     identity.vendorId = ParseHex(value(vendorKey));
     identity.deviceId = ParseHex(value(deviceKey));
-    identity.address = ParseBusAddress(value(addressKey));
+    identity.address = ParseHexAddress(value(addressKey));
     identity.vendorName = value(vendorNameKey);
     identity.className = value(classKey);
     device_.SetIdentity(std::move(identity));
@@ -105,7 +106,7 @@ void CComplianceDoc::WriteRecords(RecordWriter& writer) const {
     const DeviceIdentity& identity = device_.Identity();
     writer.Write({vendorKey, Printf("%04x", identity.vendorId)});
     writer.Write({deviceKey, Printf("%04x", identity.deviceId)});
-    writer.Write({addressKey, BusAddressText(identity.address)});
+    writer.Write({addressKey, HexAddressText(identity.address)});
     writer.Write({vendorNameKey, identity.vendorName});
     writer.Write({classKey, identity.className});
     int index = 0;

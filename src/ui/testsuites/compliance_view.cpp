@@ -1,5 +1,6 @@
 #include "ui/testsuites/compliance_view.h"
 
+#include "document/hex_fields.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "testsuites/compliance_document.h"
@@ -222,7 +223,7 @@ void CComplianceView::ShowDevice() {
     };
     show(VendorId, Printf("%04x", device.vendorId));
     show(DeviceId, Printf("%04x", device.deviceId));
-    show(Address, BusAddressText(device.address));
+    show(Address, HexAddressText(device.address));
     show(VendorName, device.vendorName);
     show(ClassName, device.className);
 }

@@ -1,5 +1,6 @@
 #include "ui/testsuites/config_view.h"
 
+#include "document/hex_fields.h"
 #include "platform/prompts.h"
 #include "testsuites/config_document.h"
 #include "ui/framework/ask_for_file.h"
@@ -64,7 +65,7 @@ void CConfigView::AddUpperButton(const QString& text, int slot, std::function<vo
 
 void CConfigView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) {
     address_->setText(
-        QString::fromStdString(BusAddressText(document_.Device().Identity().address)));
+        QString::fromStdString(HexAddressText(document_.Device().Identity().address)));
     analysis_->Refresh();
     picture_->update();
     update();

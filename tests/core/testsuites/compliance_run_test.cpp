@@ -1,4 +1,5 @@
 #include "core/testsuites/names_dir.h"
+#include "document/hex_fields.h"
 #include "support/link_fixture.h"
 #include "support/manual_timer.h"
 #include "testsuites/compliance_document.h"
@@ -459,7 +460,7 @@ TEST_F(ComplianceRunTest, WithoutABoardThereIsADeviceAndEveryTestPasses) {
     const DeviceIdentity& device = document->Device().Identity();
     EXPECT_EQ(device.vendorId, 4887U);
     EXPECT_EQ(device.deviceId, 2437U);
-    EXPECT_EQ(BusAddressText(device.address), "0000000080000000");
+    EXPECT_EQ(HexAddressText(device.address), "0000000080000000");
     EXPECT_EQ(device.vendorName, "Admtek Inc.");
     EXPECT_EQ(device.className, "Network Controller");
     EXPECT_TRUE(document->deviceFound);
