@@ -103,7 +103,7 @@ CComplianceView::CComplianceView(Parts parts)
         {"&Load", [this] { Load(); }},
         {"&Save", [this] { Save(); }},
         {"&Clear All", [this] { SelectAll(false); }},
-        {"Set &All", [this] { SelectAll(true); }},
+        {"&Set All", [this] { SelectAll(true); }},
         {"&Options", [this] { Options(); }},
         {"&Help", std::move(parts.showHelp)},
         {"&Close", [this] { CMDIChildWnd::FrameOf(*this)->close(); }}};
@@ -126,7 +126,11 @@ void CComplianceView::Stop() {
 /// The document tells its views only of files; the first call finds a file that was opened before
 /// the window.
 void CComplianceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
+    if (run_.IsOn()) {
+        run_.Stop(); // its results would go among those of the file
+    }
     ShowDevice();
+    fields_[Function]->clear(); // a file does not have it
     ShowChecks();
     ShowResults();
     if (hint == CComplianceDoc::hintLoaded || document_.loadedFromFile) {
@@ -170,13 +174,9 @@ void CComplianceView::SelectAll(bool selected) {
 
 void CComplianceView::Load() {
     const std::string path = AskForFile(this, QuestionFor(FileUse::Open), prompts_);
-    if (path.empty()) {
-        return;
+    if (!path.empty()) {
+        static_cast<void>(document_.OnOpenDocument(path)); // reports its failure, updates the views
     }
-    if (run_.IsOn()) {
-        run_.Stop(); // its results would go among those of the file
-    }
-    static_cast<void>(document_.OnOpenDocument(path)); // reports its failure, updates the views
 }
 
 void CComplianceView::Save() {

@@ -3,7 +3,6 @@
 #include "ui/framework/painting.h"
 
 #include <QPainter>
-#include <QStyleOptionGroupBox>
 
 namespace busquill {
 
@@ -90,18 +89,12 @@ private:
         }
         return left;
     }
+    /// The frame lies a little outside its lines, and starts below its label.
     void DrawBox(QPainter& painter, int line, const char* title) const {
-        QStyleOptionGroupBox option;
-        option.initFrom(this);
-        // Styles place the label from the corner of the painter, whatever the rectangle's is.
-        const QRect place(2, line * Pitch(), NeededWidth() - 4, boxLines * Pitch() + 4);
-        option.rect = QRect(QPoint(0, 0), place.size());
-        option.text = title;
-        option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
-        option.textAlignment = Qt::AlignLeft;
-        painter.translate(place.topLeft());
-        style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
-        painter.translate(-place.topLeft());
+        constexpr int space = 4;
+        DrawGroupBox(painter, *this,
+                     {2, line * Pitch() - space, NeededWidth() - 4, boxLines * Pitch() + 2 * space},
+                     title);
     }
 
     const CConfigSpaceData& device_;

@@ -43,6 +43,7 @@ CConfigView::CConfigView(Parts parts)
       analysis_(new CConfigAnalysisView(parts.document.Device(), this)),
       address_(new QLineEdit(this)) {
     address_->setObjectName("Address");
+    address_->setReadOnly(true);
     AddUpperButton("&Find", 0, [this] { Scan(ScanDirection::First); });
     AddUpperButton("< &Back", 1, [this] { Scan(ScanDirection::Back); });
     AddUpperButton("&Next >", 2, [this] { Scan(ScanDirection::Next); });

@@ -12,6 +12,7 @@ namespace {
 
 constexpr int fontHeight = 14;
 constexpr int highestRow = 255;
+constexpr float selectionOpacity = 0.25F;
 constexpr const char* idColumn = "MMMMM";
 constexpr const char* resultColumn = "MMMMMMMMMM";
 
@@ -32,12 +33,15 @@ public:
                const QModelIndex& index) const override {
         const CTestResult& test = list_.Test(index.row());
         const QFontMetrics metrics(list_.font());
-        const bool selected = (option.state & QStyle::State_Selected) != 0;
         const QPalette& palette = option.palette;
-        painter->fillRect(option.rect,
-                          palette.brush(selected ? QPalette::Highlight : QPalette::Base));
+        painter->fillRect(option.rect, palette.brush(QPalette::Base));
+        if ((option.state & QStyle::State_Selected) != 0) {
+            QColor faint = palette.color(QPalette::Highlight); // a failure's red stays readable
+            faint.setAlphaF(selectionOpacity);
+            painter->fillRect(option.rect, faint);
+        }
         painter->setFont(list_.font());
-        painter->setPen(palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
+        painter->setPen(palette.color(QPalette::Text));
         const QRect id(option.rect.left(), option.rect.top(), metrics.horizontalAdvance(idColumn),
                        metrics.height());
         painter->drawText(id.adjusted(2, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,

@@ -1,6 +1,7 @@
 // The configuration space and the compliance tests through the program's windows.
 
 #include "support/board_program_fixture_qt.h"
+#include "support/recording_printer_qt.h"
 #include "testsuites/compliance_document.h"
 #include "testsuites/config_document.h"
 #include "ui/controls/check_tree.h"
@@ -15,11 +16,18 @@
 
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPrintDialog>
 #include <QPrintPreviewDialog>
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QPushButton>
+#include <QTextBlock>
+#include <QTextBrowser>
 #include <QToolButton>
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <ctime>
 
 namespace busquill::test {
 namespace {
@@ -29,6 +37,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
+
+const std::string fileHead = "\"FileType\",\"Compliance File\"\r\n\"Version\",\"1.0\"\r\n";
 
 class TestSuiteWindows : public BoardProgramFixture {
 protected:
@@ -88,6 +98,33 @@ protected:
         AnswerDialog<CInstructionsDialog>(
             [&] { Bar("Go"); }, [&](CInstructionsDialog& dialog) { Press(dialog, answer); });
     }
+    /// The buttons of the view with their mnemonics, from left to right and from the top.
+    std::vector<std::string> Buttons() {
+        auto buttons = View().findChildren<QPushButton*>();
+        std::ranges::sort(buttons, {}, [](const QPushButton* button) {
+            return std::pair(button->y(), button->x());
+        });
+        std::vector<std::string> texts;
+        for (const QPushButton* button : buttons) {
+            texts.push_back(button->text().toStdString());
+        }
+        return texts;
+    }
+    /// The first line of the help that the view's button opens.
+    std::string HelpTitle() {
+        Press(View(), "Help");
+        for (const QWidget* each : QApplication::topLevelWidgets()) {
+            const auto* browser = each->findChild<QTextBrowser*>();
+            if (each->isVisible() && browser != nullptr) {
+                return browser->document()->begin().text().toStdString();
+            }
+        }
+        return "";
+    }
+    void LoadFile(const std::string& path) {
+        AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
+                                  [&](QFileDialog& files) { GiveFileName(files, path); });
+    }
     std::vector<std::string> Wire(std::size_t from) {
         auto functions = board->Functions();
         functions.erase(functions.begin(), functions.begin() + static_cast<std::ptrdiff_t>(from));
@@ -104,7 +141,12 @@ TEST_F(TestSuiteWindows, TheDevicesOfTheBusAreShownOneAfterTheOther) {
     Connect();
     OpenConfiguration();
     EXPECT_EQ(window->windowTitle(), "Configuration Space");
+    EXPECT_EQ(window->size(), QSize(620, 525));
+    EXPECT_EQ(window->findChild<QToolButton*>("Go"), nullptr);
+    EXPECT_THAT(Buttons(), ElementsAre("&Find", "< &Back", "&Next >", "&Read", "&Write", "&Options",
+                                       "&Save", "&Load", "&Help", "&Close"));
     EXPECT_EQ(Text("Address"), "0000000000000000");
+    EXPECT_TRUE(window->findChild<QLineEdit*>("Address")->isReadOnly()) << "it only shows";
     Press(View(), "Find");
     EXPECT_EQ(Text("Address"), "0000000080000000");
     EXPECT_EQ(Device().Identity().deviceId, 0x1237U);
@@ -123,6 +165,7 @@ TEST_F(TestSuiteWindows, TheDevicesOfTheBusAreShownOneAfterTheOther) {
     EXPECT_EQ(board->Functions().size(), functions) << "they do nothing";
     Press(View(), "Options");
     EXPECT_THAT(prompts.Texts(), ElementsAre("No options are available."));
+    EXPECT_EQ(HelpTitle(), "Configuration space");
 }
 
 TEST_F(TestSuiteWindows, AConfigurationFileIsEmpty) {
@@ -164,6 +207,12 @@ TEST_F(TestSuiteWindows, ADeviceIsTested) {
     Connect({"--compliance", "CFG1 fail 3"});
     OpenCompliance();
     EXPECT_EQ(window->windowTitle(), "Compliance Tests");
+    EXPECT_THAT(Buttons(), ElementsAre("&Find", "< &Back", "&Next >", "&Load", "&Save",
+                                       "&Clear All", "&Set All", "&Options", "&Help", "&Close"));
+    EXPECT_EQ(Text("Function #"), "");
+    for (const QLineEdit* field : View().findChildren<QLineEdit*>()) {
+        EXPECT_TRUE(field->isReadOnly()) << field->objectName().toStdString();
+    }
     EXPECT_THAT(Ticks(), ElementsAre(true, true, true, true, true));
     Bar("Go");
     EXPECT_THAT(prompts.Texts(), ElementsAre("No device was found - select Find."));
@@ -186,6 +235,7 @@ TEST_F(TestSuiteWindows, ADeviceIsTested) {
     EXPECT_EQ(Results().currentRow(), 1);
     EXPECT_EQ(Picture(), RunPicture::Stopped);
     EXPECT_THAT(prompts.Texts(), IsEmpty());
+    EXPECT_EQ(HelpTitle(), "Compliance tests");
     std::vector<std::string> starts;
     for (const std::string& function : Wire(from)) {
         if (!function.starts_with("function 1 ")) {
@@ -345,8 +395,7 @@ TEST_F(TestSuiteWindows, LoadingAFileEndsARun) {
     OpenCompliance();
     Press(View(), "Find");
     Bar("Go");
-    const std::string path =
-        dir.Write("run.cpl", "\"FileType\",\"Compliance File\"\r\n\"Version\",\"1.0\"\r\n");
+    const std::string path = dir.Write("run.cpl", fileHead);
     AnswerDialog<QFileDialog>([&] { Press(View(), "Load"); },
                               [&](QFileDialog& files) { GiveFileName(files, path); });
     EXPECT_EQ(Picture(), RunPicture::Loaded);
@@ -354,6 +403,47 @@ TEST_F(TestSuiteWindows, LoadingAFileEndsARun) {
     const auto from = board->Functions().size();
     QTest::qWait(500);
     EXPECT_THAT(Wire(from), IsEmpty());
+}
+
+TEST_F(TestSuiteWindows, AFileThatIsRefusedLeavesARunAlone) {
+    Connect({"--compliance", "* slow 3"});
+    OpenCompliance();
+    Press(View(), "Find");
+    ClickBox(2);
+    Bar("Go");
+    LoadFile(dir.Write("run.cpl", "\"FileType\",\"Master File\"\r\n"));
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Invalid compliance file type of 'Master File'."));
+    EXPECT_EQ(Picture(), RunPicture::Running);
+    ASSERT_TRUE(RunEnds());
+    EXPECT_THAT(ResultTexts(), ElementsAre("CFG1. One Passed", "MST1. Three Passed"));
+}
+
+TEST_F(TestSuiteWindows, AFileHasNoFunctionNumber) {
+    Connect();
+    OpenCompliance();
+    for (const char* button : {"Find", "Next >", "Next >", "Next >"}) {
+        Press(View(), button);
+    }
+    EXPECT_EQ(Text("Function #"), "1");
+    LoadFile(dir.Write("run.cpl", fileHead + "\"VendorID\",\"10a1\"\r\n"));
+    EXPECT_EQ(Text("Vendor ID"), "10a1");
+    EXPECT_EQ(Text("Function #"), "") << "that of another device";
+    Press(View(), "Find");
+    EXPECT_EQ(Text("Function #"), "0");
+}
+
+TEST_F(TestSuiteWindows, TheWindowOfARunMayBeClosed) {
+    Connect({"--compliance", "* slow 10000"});
+    OpenCompliance();
+    Press(View(), "Find");
+    Bar("Go");
+    Press(View(), "Close");
+    QApplication::processEvents();
+    EXPECT_THAT(Windows(), IsEmpty());
+    const auto from = board->Functions().size();
+    QTest::qWait(500);
+    EXPECT_THAT(Wire(from), IsEmpty());
+    EXPECT_THAT(Wire(0).back(), testing::Not("function 20 stop compliance test"));
 }
 
 TEST_F(TestSuiteWindows, AFileOpenedFromTheMenuShowsAsLoaded) {
@@ -395,35 +485,69 @@ TEST_F(TestSuiteWindows, TheTargetAddressGoesToTheBoardAtOnce) {
                                            });
 }
 
+/// The pages of a PDF file.
+int PagesOf(const std::string& path) {
+    const std::string pdf = ReadWholeFile(path);
+    int pages = 0;
+    for (std::size_t at = pdf.find("/Type /Page\n"); at != std::string::npos;
+         at = pdf.find("/Type /Page\n", at + 1)) {
+        ++pages;
+    }
+    return pages;
+}
+
 TEST_F(TestSuiteWindows, TheReportIsPrintedAndPreviewed) {
     StartDemo();
     OpenCompliance();
-    EXPECT_TRUE(Entry("File/Print...").isEnabled());
-    for (int i = 0; i < 60; ++i) {
-        Tests().Results().push_back({{'C', 'F', 'G', 1, 0}, "Title", TestOutcome::Passed, 0});
-    }
-    const auto pagesOf = [&](QPageLayout::Orientation orientation) {
-        const std::string path = dir.File("report.pdf");
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(QString::fromStdString(path));
-        printer.setPageOrientation(orientation);
+    Tests().Results().assign(60, {{'C', 'F', 'G', 1, 0}, "Title", TestOutcome::Passed, 0});
+    ASSERT_TRUE(Entry("File/Print...").isEnabled());
+    const std::string path = dir.File("report.pdf");
+    ChooseDialog<QPrintDialog>("File/Print...", [&](QPrintDialog& dialog) {
+        dialog.printer()->setOutputFormat(QPrinter::PdfFormat);
+        auto* name = dialog.findChild<QLineEdit*>("filename");
+        ASSERT_NE(name, nullptr);
+        name->setText(QString::fromStdString(path));
+        Press(dialog, "Print");
+    });
+    EXPECT_EQ(PagesOf(path), 2);
+    std::filesystem::remove(path);
+    ChooseDialog<QPrintDialog>("File/Print...", [](QPrintDialog& dialog) { dialog.reject(); });
+    EXPECT_FALSE(std::filesystem::exists(path));
+    ASSERT_TRUE(Entry("File/Print Preview").isEnabled());
+    ChooseDialog<QPrintPreviewDialog>("File/Print Preview", [](QPrintPreviewDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QPrintPreviewWidget*>()->pageCount(), 2);
+    });
+}
+
+TEST_F(TestSuiteWindows, ThePagesOfTheReportBelongToTheWindow) {
+    StartDemo();
+    OpenCompliance();
+    Tests().Results().assign(45, {{'C', 'F', 'G', 1, 0}, "Title", TestOutcome::Passed, 0});
+    const auto print = [&](RecordingPrinter& printer) {
         static_cast<CComplianceView&>(View()).PrintTo(printer);
-        const std::string pdf = ReadWholeFile(path);
-        int pages = 0;
-        for (std::size_t at = pdf.find("/Type /Page\n"); at != std::string::npos;
-             at = pdf.find("/Type /Page\n", at + 1)) {
-            ++pages;
-        }
-        return pages;
     };
-    EXPECT_EQ(pagesOf(QPageLayout::Portrait), 2);
-    Tests().Results().resize(45);
-    EXPECT_EQ(pagesOf(QPageLayout::Portrait), 1);
-    EXPECT_EQ(pagesOf(QPageLayout::Landscape), 2);
+    RecordingPrinter portrait({1000, 1500}, QPageLayout::Portrait);
+    const std::time_t before = std::time(nullptr);
+    print(portrait);
+    const std::time_t after = std::time(nullptr);
+    EXPECT_THAT(portrait.Pages(), SizeIs(1));
+    EXPECT_TRUE(portrait.Shows(0, window->windowTitle()));
+    bool dated = false;
+    for (std::time_t time = before; time <= after; ++time) {
+        char text[128];
+        std::strftime(text, sizeof text, "%c", std::localtime(&time));
+        dated = dated || portrait.Shows(0, QString::fromLocal8Bit(text));
+    }
+    EXPECT_TRUE(dated);
+    RecordingPrinter landscape({1500, 1000}, QPageLayout::Landscape);
+    print(landscape);
+    EXPECT_THAT(landscape.Pages(), SizeIs(2));
+    EXPECT_TRUE(landscape.Shows(1, "Page 2"));
     Tests().Results().clear();
-    EXPECT_EQ(pagesOf(QPageLayout::Portrait), 1);
-    ChooseDialog<QPrintPreviewDialog>("File/Print Preview", [](QPrintPreviewDialog&) {});
+    RecordingPrinter empty({1000, 1500}, QPageLayout::Portrait);
+    print(empty);
+    EXPECT_THAT(empty.Pages(), SizeIs(1));
+    EXPECT_TRUE(empty.Shows(0, "Page 1"));
 }
 
 } // namespace

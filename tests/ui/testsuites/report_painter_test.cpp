@@ -1,4 +1,5 @@
 #include "support/recording_paint_device_qt.h"
+#include "support/recording_printer_qt.h"
 #include "ui/testsuites/report_painter.h"
 
 #include <QPainter>
@@ -73,6 +74,27 @@ TEST_F(ReportPainterTest, AFullPageStaysInItsBody) {
             EXPECT_LE(text.rect.bottom(), geometry.body.top + geometry.body.height);
         }
     }
+}
+
+TEST(PrintReport, PrintsThePagesThatWereAskedFor) {
+    const std::vector<CTestResult> results(120, Named(1, "Title", TestOutcome::Passed));
+    const auto numbers = [&results](int from, int to) {
+        RecordingPrinter printer({1000, 1500}, QPageLayout::Portrait);
+        printer.setFromTo(from, to);
+        PrintReport(printer, results, {"Compliance Tests", "now"});
+        std::vector<std::string> texts;
+        for (const auto& page : printer.Pages()) {
+            for (const Recording::Text& text : page) {
+                if (text.text.startsWith("Page")) {
+                    texts.push_back(text.text.toStdString());
+                }
+            }
+        }
+        return texts;
+    };
+    EXPECT_THAT(numbers(0, 0), testing::ElementsAre("Page 1", "Page 2", "Page 3"));
+    EXPECT_THAT(numbers(2, 2), testing::ElementsAre("Page 2"));
+    EXPECT_THAT(numbers(2, 9), testing::ElementsAre("Page 2", "Page 3"));
 }
 
 } // namespace

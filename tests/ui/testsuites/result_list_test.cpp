@@ -1,7 +1,11 @@
+#include "support/recording_paint_device_qt.h"
 #include "ui/testsuites/result_list.h"
 
+#include <QAbstractItemDelegate>
 #include <QApplication>
 #include <QImage>
+#include <QPainter>
+#include <QStyleOptionViewItem>
 #include <gtest/gtest.h>
 
 namespace busquill::test {
@@ -36,6 +40,25 @@ protected:
         return count;
     }
 
+    /// The colours of the result's text, without and with the selection.
+    std::vector<QColor> ResultColors(TestOutcome outcome) {
+        list.Clear();
+        list.Append(Named("Title", outcome));
+        std::vector<QColor> colors;
+        for (const QStyle::State selected : {QStyle::State_None, QStyle::State_Selected}) {
+            QStyleOptionViewItem option;
+            option.initFrom(&list);
+            option.state |= selected;
+            option.rect = QRect(0, 0, list.viewport()->width(), 20);
+            RecordingPaintDevice device(option.rect.size());
+            QPainter painter(&device);
+            list.itemDelegate()->paint(&painter, option, list.indexFromItem(list.item(0)));
+            painter.end();
+            colors.push_back(device.Recorded().texts.back().color);
+        }
+        return colors;
+    }
+
     CResultList list{nullptr};
     const std::string longTitle = "A title that needs more than one line since it has many words "
                                   "and the list is not wide enough for all of them";
@@ -66,6 +89,15 @@ TEST_F(ResultListTest, OnlyFailuresAreRed) {
     EXPECT_GT(RedIn(0), 20);
     EXPECT_EQ(RedIn(1), 0);
     EXPECT_EQ(RedIn(2), 0);
+}
+
+TEST_F(ResultListTest, TheSelectionLeavesTheColorsOfResults) {
+    const QColor red(0xFF, 0, 0);
+    EXPECT_EQ(ResultColors(TestOutcome::Failed), std::vector({red, red}));
+    const QColor text = list.palette().color(QPalette::Text);
+    ASSERT_EQ(text, QColor(Qt::black));
+    EXPECT_EQ(ResultColors(TestOutcome::Passed), std::vector({text, text}));
+    EXPECT_EQ(ResultColors(TestOutcome::Skipped), std::vector({text, text}));
 }
 
 TEST_F(ResultListTest, TheLastTestIsReplacedAndSelected) {
