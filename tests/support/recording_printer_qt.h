@@ -70,7 +70,7 @@ private:
             }
         }
         [[nodiscard]] QPrinter::PrinterState printerState() const override {
-            return QPrinter::Idle;
+            return QPrinter::Active; // pages are taken at any time
         }
 
     private:
