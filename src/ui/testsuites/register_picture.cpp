@@ -64,7 +64,9 @@ void DrawRegisterPicture(QPainter& painter, const RegisterGeometry& geometry,
     for (const HeaderField& field : headerFields) {
         const QRect place = geometry.Name(field);
         painter.drawLine(place.left(), place.top(), place.left(), place.bottom());
-        painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, TextOf(field.text));
+        // One pixel lower, the capitals keep clear of the double line above them.
+        painter.drawText(place.translated(0, 1), Qt::AlignCenter | Qt::TextDontClip,
+                         TextOf(field.text));
     }
     for (int word = 0; word < configWords; ++word) {
         painter.drawText(geometry.Offset(word), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextDontClip,

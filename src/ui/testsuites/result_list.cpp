@@ -70,7 +70,7 @@ private:
     [[nodiscard]] std::vector<std::string> TitleOf(const CTestResult& test,
                                                    const QFontMetrics& metrics) const {
         // One more line than the highest row has, so that it is known to be cut.
-        const auto most = static_cast<std::size_t>(highestRow / metrics.height() + 1);
+        const auto most = static_cast<std::size_t>(highestRow / metrics.height()) + 1;
         return WrapWords(test.name, TitleWidth(metrics), most, [&metrics](std::string_view text) {
             return metrics.horizontalAdvance(
                 QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
