@@ -9,9 +9,11 @@
 #include "ui/testsuites/compliance_child.h"
 #include "ui/testsuites/compliance_options_dialog.h"
 #include "ui/testsuites/compliance_view.h"
+#include "ui/testsuites/config_analysis_view.h"
 #include "ui/testsuites/config_child.h"
 #include "ui/testsuites/config_view.h"
 #include "ui/testsuites/instructions_dialog.h"
+#include "ui/testsuites/register_picture.h"
 #include "ui/testsuites/result_list.h"
 
 #include <QLineEdit>
@@ -28,6 +30,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <map>
 
 namespace busquill::test {
 namespace {
@@ -166,6 +169,74 @@ TEST_F(TestSuiteWindows, TheDevicesOfTheBusAreShownOneAfterTheOther) {
     Press(View(), "Options");
     EXPECT_THAT(prompts.Texts(), ElementsAre("No options are available."));
     EXPECT_EQ(HelpTitle(), "Configuration space");
+}
+
+/// Counts the paint events of the widgets that it watches.
+class PaintCounter final : public QObject {
+public:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        paints[watched] += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    std::map<QObject*, int> paints;
+};
+
+TEST_F(TestSuiteWindows, ADeviceIsDrawnWhenItIsFound) {
+    Connect();
+    OpenConfiguration();
+    auto* picture = View().findChild<RegisterPicture*>();
+    QWidget* analysis = View().findChild<CConfigAnalysisView*>()->widget();
+    QApplication::processEvents();
+    const QImage before[] = {picture->grab().toImage(), analysis->grab().toImage()};
+    PaintCounter counter;
+    picture->installEventFilter(&counter);
+    analysis->installEventFilter(&counter);
+    Press(View(), "Find");
+    QApplication::processEvents();
+    EXPECT_GT(counter.paints[picture], 0);
+    EXPECT_GT(counter.paints[analysis], 0);
+    EXPECT_NE(picture->grab().toImage(), before[0]);
+    EXPECT_NE(analysis->grab().toImage(), before[1]);
+    counter.paints.clear();
+    const std::string path = dir.Write("device.cfg", "");
+    LoadFile(path);
+    QApplication::processEvents();
+    EXPECT_GT(counter.paints[picture], 0) << "a loaded file redraws";
+    EXPECT_GT(counter.paints[analysis], 0);
+}
+
+TEST_F(TestSuiteWindows, TheGroundHasTheUsersColor) {
+    StartDemo();
+    const auto ground = [this] {
+        return View().grab().toImage().pixelColor(View().width() - 3, View().height() - 3);
+    };
+    OpenConfiguration();
+    EXPECT_EQ(ground(), QColor(0xC0, 0xC0, 0xC0));
+    settings.WriteProfileInt("Display", "OtherBackgroundColor", 0x804020);
+    EXPECT_EQ(ground(), QColor(0x20, 0x40, 0x80)) << "read whenever it is painted";
+    OpenCompliance();
+    EXPECT_EQ(ground(), QColor(0x20, 0x40, 0x80));
+}
+
+TEST_F(TestSuiteWindows, TheFieldsStandInTwoColumnsAboveTheButtons) {
+    StartDemo();
+    OpenCompliance();
+    struct Row {
+        const char* field;
+        int left, bottom, width; // the bottom from that of the view
+    };
+    for (const Row& row : {Row{"Vendor ID", 120, 95, 142}, Row{"Device ID", 120, 70, 142},
+                           Row{"Function #", 120, 45, 142}, Row{"Address", 432, 95, 142},
+                           Row{"Vendor Name", 432, 70, 250}, Row{"Class", 432, 45, 250}}) {
+        EXPECT_EQ(window->findChild<QLineEdit*>(row.field)->geometry(),
+                  QRect(row.left, View().height() - row.bottom - 20, row.width, 20))
+            << row.field;
+    }
+    EXPECT_LT(Tree().geometry().right(), View().width() / 2);
+    EXPECT_GE(Results().geometry().left(), View().width() / 2);
+    EXPECT_EQ(Tree().topLevelItemCount(), 2) << "tests stand below their groups";
+    EXPECT_EQ(Tree().Item(2).parent(), &Tree().Item(0));
+    EXPECT_EQ(Tree().Item(4).parent(), &Tree().Item(3));
 }
 
 TEST_F(TestSuiteWindows, AConfigurationFileIsEmpty) {

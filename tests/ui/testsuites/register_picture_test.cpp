@@ -5,6 +5,7 @@
 #include "ui/testsuites/register_picture.h"
 
 #include <QApplication>
+#include <QImage>
 #include <QPainter>
 #include <QScrollBar>
 #include <gmock/gmock.h>
@@ -104,6 +105,31 @@ TEST(RegisterPicture, IsWideEnoughForTheNamesOfItsFields) {
             }
         }
     }
+}
+
+TEST(AnalysisView, ItsBoxesHaveLabels) {
+    RecordingPrompts prompts;
+    CConfigSpaceData data(WorkingDirectory("/nonexistent"), prompts);
+    CConfigAnalysisView view(data, nullptr);
+    view.resize(300, 400);
+    view.SetFormWidth(620);
+    const QImage image = view.widget()->grab().toImage();
+    const int pitch = view.widget()->fontMetrics().height();
+    const QColor ground = image.pixelColor(1, 0);
+    const auto isBlank = [&](int line) {
+        for (int y = line * pitch; y < line * pitch + pitch / 2; ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (image.pixelColor(x, y) != ground) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    };
+    EXPECT_TRUE(isBlank(3));
+    EXPECT_FALSE(isBlank(5)) << "Command";
+    EXPECT_TRUE(isBlank(17));
+    EXPECT_FALSE(isBlank(18)) << "Status";
 }
 
 TEST(AnalysisView, ShowsTheAnalysisAndScrollsOverAThousandPixels) {
