@@ -224,6 +224,7 @@ TEST_F(ComplianceDocumentTest, AFileOfAnotherKindIsRefusedAndChangesNothing) {
     EXPECT_THAT(view.hints, IsEmpty());
     ASSERT_TRUE(Open(""));
     EXPECT_THAT(document.Results(), IsEmpty()) << "nothing is left of refused files";
+    EXPECT_THAT(Selected(), IsEmpty());
 }
 
 } // namespace
