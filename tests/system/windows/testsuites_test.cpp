@@ -489,13 +489,16 @@ TEST_F(TestSuiteWindows, AFileThatIsRefusedLeavesARunAlone) {
     EXPECT_THAT(ResultTexts(), ElementsAre("CFG1. One Passed", "MST1. Three Passed"));
 }
 
-TEST_F(TestSuiteWindows, AFileHasNoFunctionNumber) {
+TEST_F(TestSuiteWindows, TheFunctionNumberIsThatOfTheLastScan) {
     Connect();
     OpenCompliance();
     for (const char* button : {"Find", "Next >", "Next >", "Next >"}) {
         Press(View(), button);
     }
     EXPECT_EQ(Text("Function #"), "1");
+    Press(View(), "< Back");
+    EXPECT_EQ(Text("Function #"), "0");
+    Press(View(), "Next >");
     LoadFile(dir.Write("run.cpl", fileHead + "\"VendorID\",\"10a1\"\r\n"));
     EXPECT_EQ(Text("Vendor ID"), "10a1");
     EXPECT_EQ(Text("Function #"), "") << "that of another device";
