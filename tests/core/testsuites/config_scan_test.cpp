@@ -139,6 +139,7 @@ TEST_F(ConfigScanTest, AFailedControlOrStartIsReportedAndTheScanGoesOn) {
                 ElementsAre("Error sending configuration scan control to analyzer.",
                             "Error sending start configuration command to analyzer."));
     EXPECT_TRUE(prompts.Boxes()[0].topmost);
+    EXPECT_TRUE(prompts.Boxes()[1].topmost);
     EXPECT_EQ(data->Identity().vendorId, 0x8086U);
 }
 
@@ -159,6 +160,7 @@ TEST_F(ConfigScanTest, FailedDataAreReported) {
     Ignore(4, scanResults & 0xFF);
     EXPECT_EQ(Scan(), std::nullopt);
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error reading configuration data from analyzer."));
+    EXPECT_TRUE(prompts.Boxes()[0].topmost);
     EXPECT_EQ(data->Identity().vendorName, "old");
 }
 

@@ -16,6 +16,7 @@
 #include "ui/testsuites/register_picture.h"
 #include "ui/testsuites/result_list.h"
 
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPrintDialog>
@@ -576,16 +577,24 @@ TEST_F(TestSuiteWindows, TheReportIsPrintedAndPreviewed) {
     Tests().Results().assign(60, {{'C', 'F', 'G', 1, 0}, "Title", TestOutcome::Passed, 0});
     ASSERT_TRUE(Entry("File/Print...").isEnabled());
     const std::string path = dir.File("report.pdf");
-    ChooseDialog<QPrintDialog>("File/Print...", [&](QPrintDialog& dialog) {
-        dialog.printer()->setOutputFormat(QPrinter::PdfFormat);
+    const auto toFile = [&path](const QPrintDialog& dialog) {
+        auto* printers = dialog.findChild<QComboBox*>("printers");
         auto* name = dialog.findChild<QLineEdit*>("filename");
-        ASSERT_NE(name, nullptr);
+        ASSERT_TRUE(printers != nullptr && name != nullptr);
+        printers->setCurrentIndex(printers->findText("Print to File (PDF)"));
         name->setText(QString::fromStdString(path));
+    };
+    ChooseDialog<QPrintDialog>("File/Print...", [&](QPrintDialog& dialog) {
+        toFile(dialog);
         Press(dialog, "Print");
     });
     EXPECT_EQ(PagesOf(path), 2);
     std::filesystem::remove(path);
-    ChooseDialog<QPrintDialog>("File/Print...", [](QPrintDialog& dialog) { dialog.reject(); });
+    ChooseDialog<QPrintDialog>("File/Print...", [&](QPrintDialog& dialog) {
+        toFile(dialog);
+        dialog.printer()->setOutputFileName(QString::fromStdString(path));
+        Press(dialog, "Cancel");
+    });
     EXPECT_FALSE(std::filesystem::exists(path));
     ASSERT_TRUE(Entry("File/Print Preview").isEnabled());
     ChooseDialog<QPrintPreviewDialog>("File/Print Preview", [](QPrintPreviewDialog& dialog) {

@@ -40,23 +40,25 @@ protected:
         return count;
     }
 
+    /// The texts of the only row, drawn with a height.
+    std::vector<Recording::Text> Drawn(const CTestResult& test, int height,
+                                       QStyle::State selected = QStyle::State_None) {
+        list.Clear();
+        list.Append(test);
+        QStyleOptionViewItem option;
+        option.initFrom(&list);
+        option.state |= selected;
+        option.rect = QRect(0, 0, list.viewport()->width(), height);
+        RecordingPaintDevice device(option.rect.size());
+        QPainter painter(&device);
+        list.itemDelegate()->paint(&painter, option, list.indexFromItem(list.item(0)));
+        painter.end();
+        return device.Recorded().texts;
+    }
     /// The colours of the result's text, without and with the selection.
     std::vector<QColor> ResultColors(TestOutcome outcome) {
-        list.Clear();
-        list.Append(Named("Title", outcome));
-        std::vector<QColor> colors;
-        for (const QStyle::State selected : {QStyle::State_None, QStyle::State_Selected}) {
-            QStyleOptionViewItem option;
-            option.initFrom(&list);
-            option.state |= selected;
-            option.rect = QRect(0, 0, list.viewport()->width(), 20);
-            RecordingPaintDevice device(option.rect.size());
-            QPainter painter(&device);
-            list.itemDelegate()->paint(&painter, option, list.indexFromItem(list.item(0)));
-            painter.end();
-            colors.push_back(device.Recorded().texts.back().color);
-        }
-        return colors;
+        return {Drawn(Named("Title", outcome), 20).back().color,
+                Drawn(Named("Title", outcome), 20, QStyle::State_Selected).back().color};
     }
 
     CResultList list{nullptr};
@@ -79,6 +81,30 @@ TEST_F(ResultListTest, ARowIsAsHighAsItsTitle) {
     list.resize(500, 400);
     list.Append(Named(std::string(5000, 'x')));
     EXPECT_EQ(RowHeight(3), 255);
+}
+
+TEST_F(ResultListTest, TheColumnsAreAsWideAsTheirSamples) {
+    const auto texts = Drawn(Named("Title", TestOutcome::Failed), 20);
+    ASSERT_EQ(texts.size(), 3U);
+    EXPECT_EQ(texts[0].text, "CFG1.");
+    EXPECT_LT(texts[0].rect.left(), 4);
+    EXPECT_EQ(texts[1].text, "Title");
+    EXPECT_NEAR(texts[1].rect.left(), list.fontMetrics().horizontalAdvance("MMMMM"), 1);
+    EXPECT_EQ(texts[2].text, "Failed(3) ");
+    EXPECT_NEAR(texts[2].rect.right(), list.viewport()->width(), 2);
+}
+
+TEST_F(ResultListTest, ATitleThatIsCutEndsInAnEllipsis) {
+    const int line = list.fontMetrics().height();
+    const QString ellipsis(QChar(0x2026));
+    const auto whole = Drawn(Named(longTitle), 2 * line);
+    ASSERT_EQ(whole.size(), 4U);
+    EXPECT_FALSE(whole[2].text.endsWith(ellipsis));
+    const auto cut = Drawn(Named(longTitle), line);
+    ASSERT_EQ(cut.size(), 3U);
+    EXPECT_TRUE(cut[1].text.endsWith(ellipsis));
+    EXPECT_LE(cut[1].rect.right(),
+              list.viewport()->width() - list.fontMetrics().horizontalAdvance("MMMMMMMMMM"));
 }
 
 TEST_F(ResultListTest, OnlyFailuresAreRed) {
