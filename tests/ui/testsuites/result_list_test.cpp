@@ -92,6 +92,10 @@ TEST_F(ResultListTest, TheColumnsAreAsWideAsTheirSamples) {
     EXPECT_NEAR(texts[1].rect.left(), list.fontMetrics().horizontalAdvance("MMMMM"), 1);
     EXPECT_EQ(texts[2].text, "Failed(3) ");
     EXPECT_NEAR(texts[2].rect.right(), list.viewport()->width(), 2);
+    const auto full = Drawn(Named(std::string(500, 'i')), 20);
+    EXPECT_NEAR(full[1].rect.right(),
+                list.viewport()->width() - list.fontMetrics().horizontalAdvance("MMMMMMMMMM"), 15)
+        << "the title fills the middle";
 }
 
 TEST_F(ResultListTest, ATitleThatIsCutEndsInAnEllipsis) {
