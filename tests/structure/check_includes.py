@@ -12,7 +12,7 @@ import sys
 from pathlib import Path
 
 CORE = ["platform", "document", "link", "signals", "tracesetup", "capture", "analysis", "export", "performance",
-        "exerciser", "stimulus"]
+        "exerciser", "stimulus", "testsuites"]
 # Each room of the windows with the rooms that it may include; all may include the core.
 UI = {
     "framework": set(),
@@ -27,8 +27,9 @@ UI = {
     "performance": {"framework", "controls", "patterns"},
     "exerciser": {"framework", "patterns"},
     "stimulus": {"framework", "levels", "patterns"},
+    "testsuites": {"framework", "controls", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
-    "shell": {"framework", "exerciser", "link", "performance", "signals", "stimulus", "trace"},
+    "shell": {"framework", "exerciser", "link", "performance", "signals", "stimulus", "testsuites", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -216,6 +216,19 @@ Board::Bytes Board::Run(std::uint8_t function) {
     case fnStopStimulus:
         stimulus_.Stop();
         return Acknowledge();
+    case fnStartConfigScan:
+        configuration.Scan(memory_[regScanControl], faults.scanBusy);
+        return Acknowledge();
+    case fnStopConfigScan:
+        configuration.Stop();
+        return Acknowledge();
+    case fnStartCompliance:
+        compliance.Start(std::span(memory_).subspan<regComplianceTest, 4>(),
+                         memory_[regComplianceControl]);
+        return Acknowledge();
+    case fnStopCompliance:
+        compliance.Stop();
+        return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
     case fnFirmwareRecord:
@@ -365,16 +378,29 @@ std::span<std::uint8_t> Board::MasterRegisters() {
     return std::span(memory_).subspan(regMaster, masterRegisters);
 }
 
+/// What changes by being looked at, and where it is.
+void Board::UpdateStatus() {
+    if (address_ == regCounters && performance_.IsRunning()) {
+        UpdateCounters();
+    } else if (address_ == regStimulusStatus) {
+        if (stimulus_.IsRunning()) {
+            SampleBus(samplesOfAReading);
+        }
+        memory_[regStimulusStatus] = stimulus_.IsRunning() ? stimulusRuns : 0;
+    } else if (address_ == regScanStatus) {
+        memory_[regScanStatus] = configuration.TakeStatus();
+    } else if (address_ == regScanResults) {
+        const auto result = configuration.Result();
+        std::copy(result.begin(), result.end(), memory_.begin() + regScanResults);
+    } else if (address_ == regComplianceStatus) {
+        memory_[regComplianceStatus] = compliance.TakeStatus(memory_[regComplianceControl]);
+    }
+}
+
 Board::Bytes Board::ReadMemory() {
     const auto live = sequencer_.LiveStatus();
     std::copy(live.begin(), live.end(), memory_.begin() + regLive);
-    if (address_ == regCounters && performance_.IsRunning()) {
-        UpdateCounters();
-    }
-    if (address_ == regStimulusStatus && stimulus_.IsRunning()) {
-        SampleBus(samplesOfAReading);
-    }
-    memory_[regStimulusStatus] = stimulus_.IsRunning() ? stimulusRuns : 0;
+    UpdateStatus();
     Bytes bytes;
     for (std::uint32_t i = 0; i < length_; ++i) {
         bytes.push_back(memory_[(address_ + i) % memorySize]);

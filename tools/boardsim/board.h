@@ -1,5 +1,7 @@
 #pragma once
 
+#include "compliance.h"
+#include "configuration.h"
 #include "firmware_image.h"
 #include "master.h"
 #include "performance.h"
@@ -41,6 +43,7 @@ struct Faults {
     int shortReply = 0;       // number of bytes that the next data reply lacks at its end
     int mute = 0;             // this function gets no answer any more
     int searchBusy = 0;       // number of polls of a search that find it busy
+    int scanBusy = 0;         // the same for each scan for devices
     bool refuseRate = false;  // a change of rate is answered with another byte and not made
     MasterFaults master;
 };
@@ -70,6 +73,8 @@ public:
     void StandInFrame() { opcode_ = opLength0; }
 
     Faults faults;
+    Configuration configuration; // the devices of the bus
+    Compliance compliance;
     /// Called with a line for each frame, payload and reply.
     std::function<void(const std::string&)> log = [](const std::string&) {};
     /// Called when a firmware record is in the image, before it is acknowledged.
@@ -90,6 +95,7 @@ private:
     void UpdateCounters();
     [[nodiscard]] std::span<std::uint8_t> MasterRegisters();
     void StartStimulus();
+    void UpdateStatus();
     [[nodiscard]] Bytes ReadMemory();
     [[nodiscard]] Bytes ReadRecords(Record (Sequencer::*at)(std::int64_t) const,
                                     std::int64_t first) const;

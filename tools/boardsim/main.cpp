@@ -24,14 +24,17 @@ constexpr auto usage =
     "usage: boardsim [--model NAME] [--suffix N] [--buffer K] [--serial N] [--firmware TENTHS]\n"
     "                [--hardware TENTHS] [--bus-byte N] [--mhz N] [--baud N] [--family NAME]\n"
     "                [--seed N] [--samples N] [--rate N] [--link PATH] [--log FILE]\n"
-    "                [--flash FILE] [--refuse-rate] [--fault \"WORDS\"]\n"
+    "                [--flash FILE] [--devices FILE] [--compliance \"SCRIPT\"] [--refuse-rate]\n"
+    "                [--fault \"WORDS\"]\n"
     "       boardsim record --family NAME [--seed N] [--samples N] [--trigger N] [--zoom]\n"
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
     "--flash keeps FILE equal to the downloaded firmware, as an Intel hex file.\n"
+    "--devices takes the devices of the bus from a file as lspci -x prints it; --compliance gives\n"
+    "the outcomes of tests: \"CFG3 fail 5, MST1 unknown, TGT2 slow 20, * pass\".\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
-    "short-reply N, refuse N, refuse-rate, mute N, search-busy N, step-busy N, step-status N,\n"
-    "stuck-bit ADDRESS, delay MS, half-frame, normal;\n"
+    "short-reply N, refuse N, refuse-rate, mute N, search-busy N, scan-busy N, step-busy N,\n"
+    "step-status N, stuck-bit ADDRESS, delay MS, half-frame, normal;\n"
     "go-away pulls the cable, come-back plugs it in again.\n";
 
 volatile std::sig_atomic_t stopped = 0;
@@ -283,6 +286,8 @@ private:
             board_.faults.master.status = static_cast<std::uint8_t>(number);
         } else if (word == "stuck-bit") {
             board_.faults.master.stuck = static_cast<std::uint64_t>(number);
+        } else if (word == "scan-busy") {
+            board_.faults.scanBusy = number;
         } else if (word == "delay") {
             delay_ = std::chrono::milliseconds(number);
         } else if (word == "half-frame") {
@@ -361,6 +366,20 @@ int Simulate(const Options& options) {
     Board board(identity, static_cast<int>(options.Number("--baud", 57600)), std::move(records),
                 trigger, std::move(zoom), MakeTraffic(*family, seed), Comparators(*family),
                 Performance(*family));
+    const std::string devices = options.Text("--devices", "");
+    if (!devices.empty()) {
+        std::ifstream file(devices, std::ios::binary);
+        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        if (!file) {
+            std::cerr << "boardsim: cannot read " << devices << "\n";
+            return 1;
+        }
+        board.configuration = Configuration(ParseDevices(text));
+    }
+    if (!board.compliance.TakeScript(options.Text("--compliance", ""))) {
+        std::cerr << usage;
+        return 2;
+    }
     return Bench(options, board).Run();
 }
 

@@ -72,6 +72,12 @@ constexpr std::uint32_t regStimulusPatterns = 930;
 constexpr std::uint32_t regStimulusControl = 1410;
 constexpr std::uint32_t regStimulusEvents = 1600;
 
+constexpr std::uint32_t regScanControl = 850;
+constexpr std::uint32_t regScanStatus = 851;
+constexpr std::uint32_t regScanResults = 852; // 72 bytes: header 64, address 8
+constexpr std::uint32_t regComplianceControl = 1516;
+constexpr std::uint32_t regComplianceStatus = 1517;
+constexpr std::uint32_t regComplianceTest = 1518; // 4 bytes: letters 3, number
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';

@@ -30,6 +30,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 
 using namespace busquill;
@@ -283,6 +284,52 @@ void Stimulate(Tour& tour, Program& program) {
     window->close();
 }
 
+QAbstractButton& ButtonOf(const QWidget& window, const QString& text) {
+    for (auto* button : window.findChildren<QAbstractButton*>()) {
+        if (button->text().remove('&') == text) {
+            return *button;
+        }
+    }
+    std::fprintf(stderr, "no button %s\n", qPrintable(text));
+    std::exit(1);
+}
+
+/// A device of the bus and its header.
+void ShowConfiguration(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Exerciser/Configuration", "message");
+    QMdiSubWindow* window = frame.Area().activeSubWindow();
+    if (window == nullptr) {
+        tour.Fail("no window for the configuration");
+        return;
+    }
+    for (int device = 0; device < 6; ++device) {
+        ButtonOf(*window, device == 0 ? "Find" : "Next >").click();
+    }
+    tour.Picture(*window, "configuration");
+    window->close();
+}
+
+/// Some tests of a device, up to the first one with instructions.
+void TestDevice(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Compliance Tests", "message");
+    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for compliance tests");
+        return;
+    }
+    ButtonOf(*window, "Find").click();
+    ButtonOf(*window, "Next >").click();
+    tour.Click(*window->findChild<QToolButton*>("Go"), "compliance-instructions");
+    if (!WaitFor([&] { return window->RunState() != RunPicture::Running; }, 60000)) {
+        tour.Fail("no test has instructions");
+    }
+    tour.Picture(*window, "compliance");
+    tour.Choose(frame, "File/Print Preview", "compliance-report");
+    window->close();
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -294,6 +341,8 @@ void Walk(Tour& tour, Program& program) {
     Measure(tour, program);
     Exercise(tour, program);
     Stimulate(tour, program);
+    ShowConfiguration(tour, program);
+    TestDevice(tour, program);
     if (!program.Link().IsDemoMode()) {
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));

@@ -96,6 +96,10 @@ std::time_t CAnalyzerLink::Time() const {
     return services_.clock.Time();
 }
 
+void CAnalyzerLink::Pause(std::chrono::milliseconds pause) {
+    services_.clock.Sleep(pause);
+}
+
 bool CAnalyzerLink::Open(const PortSetting& port) {
     ClosePort();
     board_.ForgetBoard();

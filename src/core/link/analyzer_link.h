@@ -106,6 +106,9 @@ public:
 
     /// The clock of the link's time-outs. Any thread.
     [[nodiscard]] std::time_t Time() const;
+    /// Pauses between two looks at the board. Main thread; boxes of other threads are shown
+    /// meanwhile, and no other event is handled.
+    void Pause(std::chrono::milliseconds pause);
     [[nodiscard]] bool IsDemoMode() const noexcept { return board_.IsDemoMode(); }
     [[nodiscard]] BoardIdentity Identity() const { return board_.Identity(); }
     /// Whether the board's identity has been read since the last Open. Any thread.

@@ -1,8 +1,9 @@
 #include "ui/framework/form_view.h"
 
+#include "ui/framework/painting.h"
+
 #include <QPainter>
 #include <QPushButton>
-#include <QStyleOptionGroupBox>
 
 namespace busquill {
 
@@ -65,15 +66,7 @@ void CFormView::resizeEvent(QResizeEvent* event) {
 void CFormView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     for (const Group& group : groups_) {
-        QStyleOptionGroupBox option;
-        option.initFrom(this);
-        option.rect = QRect({}, group.place.size()); // styles place the title at the origin
-        option.text = group.title;
-        option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
-        option.textAlignment = Qt::AlignLeft;
-        painter.translate(group.place.topLeft());
-        style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
-        painter.resetTransform();
+        DrawGroupBox(painter, *this, group.place, group.title);
     }
     for (const Label& label : labels_) {
         if (label.field != nullptr && label.field->isVisibleTo(this)) {

@@ -2,6 +2,8 @@
 
 #include <QFontMetrics>
 #include <QPainter>
+#include <QStyle>
+#include <QStyleOptionGroupBox>
 #include <QWidget>
 
 namespace busquill {
@@ -50,6 +52,19 @@ QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face) {
         }
     }
     return font;
+}
+
+void DrawGroupBox(QPainter& painter, const QWidget& widget, const QRect& place,
+                  const QString& title) {
+    QStyleOptionGroupBox option;
+    option.initFrom(&widget);
+    option.rect = QRect({}, place.size()); // styles place the title at the origin
+    option.text = title;
+    option.subControls = QStyle::SC_GroupBoxFrame | QStyle::SC_GroupBoxLabel;
+    option.textAlignment = Qt::AlignLeft;
+    painter.translate(place.topLeft());
+    widget.style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, &widget);
+    painter.translate(-place.topLeft());
 }
 
 QSize DialogUnits(const QWidget& widget, int across, int down) {

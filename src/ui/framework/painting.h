@@ -31,6 +31,10 @@ enum class FontFace { Proportional, Fixed };
 /// average character width across, an eighth of its font's height down.
 [[nodiscard]] QSize DialogUnits(const QWidget& widget, int across, int down);
 
+/// Draws the frame and the title of a group box as the widget's style does.
+void DrawGroupBox(QPainter& painter, const QWidget& widget, const QRect& place,
+                  const QString& title);
+
 enum class CellAlign { Left, Center };
 
 /// Draws one line at the bottom of a cell, cut to the cell's width; with `ellipsis`, a cut text

@@ -4,6 +4,7 @@
 #include "ui/link/board_feature.h"
 #include "ui/performance/performance_feature.h"
 #include "ui/stimulus/stimulus_feature.h"
+#include "ui/testsuites/testsuites_feature.h"
 #include "ui/trace/trace_feature.h"
 
 namespace busquill {
@@ -24,9 +25,8 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
         TraceFeature(parts),
         PerformanceFeature(parts),
         MasterFeature(parts),
-        Planned("\nConfig\nConfig\nConfig (*.cfg)\n.cfg\nTessel.Config\nTessel Config"),
-        Planned("\nCompliance\nCompliance\nCompliance (*.cpl)\n.cpl\nTessel.Compliance\n"
-                "Tessel Compliance"),
+        ConfigurationFeature(parts),
+        ComplianceFeature(parts),
         Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
                 "Tessel Anomaly Detection"),
         TargetFeature(parts),

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "ui/framework/feature.h"
+
+namespace busquill {
+
+/// The devices of the bus and their configuration.
+[[nodiscard]] Feature ConfigurationFeature(const FeatureParts& parts);
+/// The compliance tests of a device.
+[[nodiscard]] Feature ComplianceFeature(const FeatureParts& parts);
+
+} // namespace busquill
