@@ -19,10 +19,12 @@ enum class FileUse {
 struct FileQuestion {
     FileUse use = FileUse::Open;
     std::string title;
-    std::string filter;    // "Setups (*.tsp)"
-    std::string extension; // ".tsp"; appended to a name to save that lacks it
-    std::string folder;    // empty: the dialog's default
-    std::string name;      // suggested
+    std::string filter;      // "Setups (*.tsp)"
+    std::string extension;   // ".tsp"; appended to a name to save that lacks it
+    std::string folder = {}; // empty: the dialog's default
+    std::string name = {};   // suggested
+    /// Another one that a name to save may have.
+    std::string otherExtension = {};
 };
 
 /// Returns the chosen path, empty when the user cancels. Before an existing file is overwritten,
