@@ -104,13 +104,13 @@ void BackplaneRun::Poll() {
     }
 }
 
-void BackplaneRun::Evaluate(const BackplaneSignals& signals) {
+void BackplaneRun::Evaluate(const BackplaneSignals& bytes) {
     const std::optional<int> bit = SignalBit();
     if (!bit) {
         Boxes().Message(invalidSignal);
         return;
     }
-    for (std::string& line : EvaluateSignal(document_.Table(), *bit, signals)) {
+    for (std::string& line : EvaluateSignal(document_.Table(), *bit, bytes)) {
         observer_.OnResult(line);
         document_.Results().push_back(std::move(line));
     }

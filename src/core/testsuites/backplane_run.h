@@ -55,7 +55,7 @@ private:
 
     [[nodiscard]] bool NextSignal();
     void TestSignal();
-    void Evaluate(const BackplaneSignals& signals);
+    void Evaluate(const BackplaneSignals& bytes);
     [[nodiscard]] std::optional<int> SignalBit() const;
 
     CBackplaneTestDoc& document_;

@@ -533,8 +533,8 @@ CheckTable PciBackplaneTable() noexcept {
     return pciSignals;
 }
 
-bool IsReadBack(const BackplaneSignals& signals, int bit) noexcept {
-    return TestBit(signals, ReadBackBit(bit));
+bool IsReadBack(const BackplaneSignals& bytes, int bit) noexcept {
+    return TestBit(bytes, ReadBackBit(bit));
 }
 
 BackplaneSignals DriveSignal(std::optional<int> bit) noexcept {
@@ -545,14 +545,13 @@ BackplaneSignals DriveSignal(std::optional<int> bit) noexcept {
     return signals;
 }
 
-std::vector<std::string> EvaluateSignal(CheckTable table, int bit,
-                                        const BackplaneSignals& signals) {
-    if (!IsReadBack(signals, bit)) {
+std::vector<std::string> EvaluateSignal(CheckTable table, int bit, const BackplaneSignals& bytes) {
+    if (!IsReadBack(bytes, bit)) {
         return {notDriven}; // shorts cannot be told without it
     }
     std::vector<std::string> lines;
     for (int other = 0; other < backplaneBits; ++other) {
-        if (other == bit || !IsReadBack(signals, other)) {
+        if (other == bit || !IsReadBack(bytes, other)) {
             continue;
         }
         const auto row = std::ranges::find_if(table, [other](const CheckTableRow& each) {

@@ -26,12 +26,12 @@ constexpr int backplaneSignalLevel = 1;
 /// the second one driven.
 using BackplaneSignals = std::array<std::uint8_t, 2 * backplaneBits / 8>;
 
-[[nodiscard]] bool IsReadBack(const BackplaneSignals& signals, int bit) noexcept;
+[[nodiscard]] bool IsReadBack(const BackplaneSignals& bytes, int bit) noexcept;
 /// Drives one signal; without one, none.
 [[nodiscard]] BackplaneSignals DriveSignal(std::optional<int> bit) noexcept;
 
 /// The lines of the result list for a signal that was driven.
 [[nodiscard]] std::vector<std::string> EvaluateSignal(CheckTable table, int bit,
-                                                      const BackplaneSignals& signals);
+                                                      const BackplaneSignals& bytes);
 
 } // namespace busquill
