@@ -99,6 +99,7 @@ TEST_F(CheckTree, ReportsClicksAndKeysAfterTheirChange) {
     std::vector<std::string> seen;
     tree.connect(&tree, &CCheckTree::Used, &tree, [&] { seen.push_back(Checks()); });
     Click(2);
+    tree.setCurrentItem(&tree.Item(2));
     QTest::keyClick(&tree, Qt::Key_Space);
     QTest::keyClick(&tree, Qt::Key_Down);
     const QRect place = tree.visualItemRect(&tree.Item(8));
