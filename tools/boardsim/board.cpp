@@ -12,6 +12,9 @@ constexpr std::size_t nameLength = 8;
 constexpr std::uint8_t searching = 0x80;
 constexpr std::uint8_t stimulusRuns = 0x80;
 
+constexpr int pciChecks = 114;
+constexpr int vmeChecks = 67;
+
 /// The board has no time of its own: between two readings of the counters or of the stimulus's
 /// status the bus makes this many samples.
 constexpr std::size_t samplesOfAReading = 2048;
@@ -101,7 +104,7 @@ std::string_view FunctionName(std::uint8_t function) {
 Board::Board(const Identity& identity, int baud, std::vector<Record> samples, std::size_t trigger,
              std::vector<Record> zoom, std::unique_ptr<Traffic> traffic, Comparators comparators,
              Performance performance)
-    : stimulus_(comparators),
+    : anomalies(identity.model.starts_with("VME") ? vmeChecks : pciChecks), stimulus_(comparators),
       sequencer_(std::move(samples), trigger, std::move(zoom), std::move(comparators)),
       performance_(std::move(performance)), traffic_(std::move(traffic)),
       bufferSamples_(std::size_t{identity.bufferK} * 1024), hasZoom_(HasZoom(identity.model)),
@@ -228,6 +231,19 @@ Board::Bytes Board::Run(std::uint8_t function) {
         return Acknowledge();
     case fnStopCompliance:
         compliance.Stop();
+        return Acknowledge();
+    case fnStartAnomaly:
+        anomalies.Start();
+        return Acknowledge();
+    case fnStopAnomaly:
+        anomalies.Stop();
+        return Acknowledge();
+    case fnStartBackplane:
+        backplane.Start(std::span(memory_).subspan<regBackplane, backplaneBytes>(),
+                        faults.backplaneBusy);
+        return Acknowledge();
+    case fnStopBackplane:
+        backplane.Stop();
         return Acknowledge();
     case fnWriteMemory:
     case fnWriteTarget:
@@ -394,6 +410,11 @@ void Board::UpdateStatus() {
         std::copy(result.begin(), result.end(), memory_.begin() + regScanResults);
     } else if (address_ == regComplianceStatus) {
         memory_[regComplianceStatus] = compliance.TakeStatus(memory_[regComplianceControl]);
+    } else if (address_ == regAnomaly) {
+        memory_[regAnomaly] =
+            anomalies.TakeResult(std::span(memory_).subspan<regChecklist, checklistBytes>());
+    } else if (address_ == regBackplaneStatus) {
+        memory_[regBackplaneStatus] = backplane.TakeStatus();
     }
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "anomalies.h"
+#include "backplane.h"
 #include "compliance.h"
 #include "configuration.h"
 #include "firmware_image.h"
@@ -44,6 +46,7 @@ struct Faults {
     int mute = 0;             // this function gets no answer any more
     int searchBusy = 0;       // number of polls of a search that find it busy
     int scanBusy = 0;         // the same for each scan for devices
+    int backplaneBusy = 0;    // the same for each signal of a backplane
     bool refuseRate = false;  // a change of rate is answered with another byte and not made
     MasterFaults master;
 };
@@ -75,6 +78,8 @@ public:
     Faults faults;
     Configuration configuration; // the devices of the bus
     Compliance compliance;
+    Anomalies anomalies;
+    Backplane backplane;
     /// Called with a line for each frame, payload and reply.
     std::function<void(const std::string&)> log = [](const std::string&) {};
     /// Called when a firmware record is in the image, before it is acknowledged.

@@ -24,7 +24,8 @@ constexpr auto usage =
     "usage: boardsim [--model NAME] [--suffix N] [--buffer K] [--serial N] [--firmware TENTHS]\n"
     "                [--hardware TENTHS] [--bus-byte N] [--mhz N] [--baud N] [--family NAME]\n"
     "                [--seed N] [--samples N] [--rate N] [--link PATH] [--log FILE]\n"
-    "                [--flash FILE] [--devices FILE] [--compliance \"SCRIPT\"] [--refuse-rate]\n"
+    "                [--flash FILE] [--devices FILE] [--compliance \"SCRIPT\"]\n"
+    "                [--anomaly-rate PERCENT] [--backplane \"FAULTS\"] [--refuse-rate]\n"
     "                [--fault \"WORDS\"]\n"
     "       boardsim record --family NAME [--seed N] [--samples N] [--trigger N] [--zoom]\n"
     "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
@@ -32,9 +33,13 @@ constexpr auto usage =
     "--flash keeps FILE equal to the downloaded firmware, as an Intel hex file.\n"
     "--devices takes the devices of the bus from a file as lspci -x prints it; --compliance gives\n"
     "the outcomes of tests: \"CFG3 fail 5, MST1 unknown, TGT2 slow 20, * pass\".\n"
+    "--anomaly-rate is the part of the readings that report an anomaly; --backplane gives shorts "
+    "and\n"
+    "broken lines by their places: \"5+6, broken 9\".\n"
     "Faults, also as lines on standard input: silence, drop-ack N, wrong-ack N, wrong-close,\n"
     "short-reply N, refuse N, refuse-rate, mute N, search-busy N, scan-busy N, step-busy N,\n"
-    "step-status N, stuck-bit ADDRESS, delay MS, half-frame, normal;\n"
+    "step-status N, stuck-bit ADDRESS, backplane-busy N, delay MS, half-frame, normal;\n"
+    "anomaly-rate PERCENT and anomaly CHECK; backplane FAULTS;\n"
     "go-away pulls the cable, come-back plugs it in again.\n";
 
 volatile std::sig_atomic_t stopped = 0;
@@ -288,6 +293,17 @@ private:
             board_.faults.master.stuck = static_cast<std::uint64_t>(number);
         } else if (word == "scan-busy") {
             board_.faults.scanBusy = number;
+        } else if (word == "backplane-busy") {
+            board_.faults.backplaneBusy = number;
+        } else if (word == "anomaly-rate") {
+            board_.anomalies.rate = number;
+        } else if (word == "anomaly") {
+            board_.anomalies.Find(static_cast<std::uint8_t>(number));
+        } else if (word == "backplane") {
+            if (!board_.backplane.TakeFaults(words.substr(words.find(word) + word.size()))) {
+                std::cerr << "boardsim: unknown faults " << words << "\n";
+                return;
+            }
         } else if (word == "delay") {
             delay_ = std::chrono::milliseconds(number);
         } else if (word == "half-frame") {
@@ -376,7 +392,9 @@ int Simulate(const Options& options) {
         }
         board.configuration = Configuration(ParseDevices(text));
     }
-    if (!board.compliance.TakeScript(options.Text("--compliance", ""))) {
+    board.anomalies.rate = static_cast<int>(options.Number("--anomaly-rate", board.anomalies.rate));
+    if (!board.compliance.TakeScript(options.Text("--compliance", "")) ||
+        !board.backplane.TakeFaults(options.Text("--backplane", ""))) {
         std::cerr << usage;
         return 2;
     }

@@ -78,6 +78,10 @@ constexpr std::uint32_t regScanResults = 852; // 72 bytes: header 64, address 8
 constexpr std::uint32_t regComplianceControl = 1516;
 constexpr std::uint32_t regComplianceStatus = 1517;
 constexpr std::uint32_t regComplianceTest = 1518; // 4 bytes: letters 3, number
+constexpr std::uint32_t regChecklist = 1532;      // 16 bytes
+constexpr std::uint32_t regAnomaly = 1548;        // the number of a check that has found something
+constexpr std::uint32_t regBackplaneStatus = 1551;
+constexpr std::uint32_t regBackplane = 1552; // 28 bytes: read back and driven, alternating
 constexpr std::uint32_t memorySize = 0x10000;
 
 constexpr std::uint8_t acknowledge = '*';

@@ -20,6 +20,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -330,6 +331,29 @@ void TestDevice(Tour& tour, Program& program) {
     window->close();
 }
 
+/// A run of one of the two windows with a fixed check list, until there are some results.
+void RunChecks(Tour& tour, Program& program, const char* entry, const char* picture, int results) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, QString("File/New/%1").arg(entry), "message");
+    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for the checks");
+        return;
+    }
+    tour.Click(ButtonOf(*window, "Options"), QString("%1-options").arg(picture));
+    WaitFor([] { return false; }, 300); // until the board has the check list
+    window->findChild<QToolButton*>("Go")->click();
+    auto* list = window->findChild<QListWidget*>();
+    if (!WaitFor([&] { return list->count() >= results; }, 60000)) {
+        tour.Fail("the board finds nothing");
+    }
+    tour.Picture(*window, picture);
+    window->resize(1100, 700);
+    tour.Picture(*window, QString("%1-large").arg(picture));
+    window->findChild<QToolButton*>("Stop")->click();
+    window->close();
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -343,6 +367,8 @@ void Walk(Tour& tour, Program& program) {
     Stimulate(tour, program);
     ShowConfiguration(tour, program);
     TestDevice(tour, program);
+    RunChecks(tour, program, "Anomaly Detection", "anomaly-detection", 8);
+    RunChecks(tour, program, "Backplane Test", "backplane", 24);
     if (!program.Link().IsDemoMode()) {
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));

@@ -1,5 +1,7 @@
 #include "link/board_run.h"
 
+#include "link/analyzer_link.h"
+
 namespace busquill {
 
 BoardRun::BoardRun(Parts parts) : parts_(std::move(parts)) {}
@@ -15,6 +17,12 @@ void BoardRun::PollEvery(std::chrono::milliseconds period) {
 void BoardRun::StopPolling() {
     if (parts_.timer) {
         parts_.timer->Stop();
+    }
+}
+
+void BoardRun::StopPollingIfGone() {
+    if (Link().IsBoardGone()) {
+        StopPolling();
     }
 }
 

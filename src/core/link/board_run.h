@@ -37,6 +37,8 @@ protected:
     /// Starts polling; the first poll comes after one period.
     void PollEvery(std::chrono::milliseconds period);
     void StopPolling();
+    /// For a run that goes on when a read has failed: a board that is gone is reported only once.
+    void StopPollingIfGone();
 
     [[nodiscard]] CAnalyzerLink& Link() const noexcept { return parts_.link; }
     [[nodiscard]] Prompts& Boxes() const noexcept { return parts_.prompts; }

@@ -1,6 +1,8 @@
 #include "ui/controls/check_tree.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -60,6 +62,18 @@ void CCheckTree::SetChecked(const std::function<bool(int row)>& isChecked) {
     for (int row = 0; row < RowCount(); ++row) {
         Item(row).setCheckState(0, isChecked(row) ? Qt::Checked : Qt::Unchecked);
     }
+}
+
+void CCheckTree::mouseReleaseEvent(QMouseEvent* event) {
+    QTreeWidget::mouseReleaseEvent(event);
+    if (event->button() == Qt::LeftButton) {
+        emit Used();
+    }
+}
+
+void CCheckTree::keyPressEvent(QKeyEvent* event) {
+    QTreeWidget::keyPressEvent(event);
+    emit Used();
 }
 
 void CCheckTree::Changed(const QModelIndex& index) {

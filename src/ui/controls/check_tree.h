@@ -37,6 +37,12 @@ public:
 signals:
     /// The user has changed a box; the boxes below it have been changed too.
     void ChecksChanged();
+    /// The user has clicked or pressed a key, whether or not a box has changed by that.
+    void Used();
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void Changed(const QModelIndex& index);

@@ -9,6 +9,15 @@
 
 namespace busquill {
 
+namespace {
+
+bool HasExtension(const QString& path, const std::string& extension) {
+    return !extension.empty() &&
+           path.endsWith(QString::fromStdString(extension), Qt::CaseInsensitive);
+}
+
+} // namespace
+
 FileQuestion QuestionFor(FileUse use, const std::string& kind, const std::string& extension,
                          const std::string& path) {
     const std::string folder(FolderOf(path));
@@ -50,7 +59,8 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
         return "";
     }
     QString path = dialog.selectedFiles().first();
-    if (saves && !path.endsWith(extension, Qt::CaseInsensitive)) {
+    if (saves && !HasExtension(path, question.extension) &&
+        !HasExtension(path, question.otherExtension)) {
         // The dialog adds no extension to a name that contains a dot, and has checked that name.
         path += extension;
         if (QFile::exists(path) && !prompts.AskYesNo("File already exists. Overwrite?")) {

@@ -19,10 +19,12 @@ enum class FileUse {
 struct FileQuestion {
     FileUse use = FileUse::Open;
     std::string title;
-    std::string filter;    // "Setups (*.tsp)"
-    std::string extension; // ".tsp"; appended to a name to save that lacks it
-    std::string folder;    // empty: the dialog's default
-    std::string name;      // suggested
+    std::string filter;      // "Setups (*.tsp)"
+    std::string extension;   // ".tsp"; appended to a name to save that lacks it
+    std::string folder = {}; // empty: the dialog's default
+    std::string name = {};   // suggested
+    /// Another one that a name to save may have.
+    std::string otherExtension = {};
 };
 
 /// The question for a file to load or save of one kind, "Stimulus" with ".stm". It begins at the

@@ -9,30 +9,13 @@
 
 namespace busquill {
 
-namespace {
-
-/// A function that is not implemented yet. It has no factories, so its commands stay disabled.
-Feature Planned(const char* docString) {
-    return {docString, {}, {}, {}};
-}
-
-} // namespace
-
-// Window title, document name, file-new name, filter name, extension, file type id and name.
+// In the order of their templates.
 std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
     return {
-        BoardFeature(parts),
-        TraceFeature(parts),
-        PerformanceFeature(parts),
-        MasterFeature(parts),
-        ConfigurationFeature(parts),
-        ComplianceFeature(parts),
-        Planned("\nAnDet\nAnDet\nAnomaly Detection (*.adt)\n.adt\nTessel.AnomalyDetection\n"
-                "Tessel Anomaly Detection"),
-        TargetFeature(parts),
-        StimulusFeature(parts),
-        Planned("\nBackplane Test\nBackplaneTest\nBackplane Test (*.bpt)\n.bpt\n"
-                "Tessel.BackplaneTest\nTessel Backplane Test"),
+        BoardFeature(parts),     TraceFeature(parts),         PerformanceFeature(parts),
+        MasterFeature(parts),    ConfigurationFeature(parts), ComplianceFeature(parts),
+        AnomalyFeature(parts),   TargetFeature(parts),        StimulusFeature(parts),
+        BackplaneFeature(parts),
     };
 }
 

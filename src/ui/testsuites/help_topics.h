@@ -2,6 +2,6 @@
 
 namespace busquill::HelpTopic {
 
-enum : int { Compliance = 18, Configuration = 22 };
+enum : int { Compliance = 18, AnomalyDetection = 20, Configuration = 22, Backplane = 32 };
 
 } // namespace busquill::HelpTopic

@@ -95,6 +95,21 @@ TEST_F(CheckTree, ReportsEachChangeByTheUserOnce) {
     EXPECT_EQ(Checks(), "x.x.x....");
 }
 
+TEST_F(CheckTree, ReportsClicksAndKeysAfterTheirChange) {
+    std::vector<std::string> seen;
+    tree.connect(&tree, &CCheckTree::Used, &tree, [&] { seen.push_back(Checks()); });
+    Click(2);
+    tree.setCurrentItem(&tree.Item(2));
+    QTest::keyClick(&tree, Qt::Key_Space);
+    QTest::keyClick(&tree, Qt::Key_Down);
+    const QRect place = tree.visualItemRect(&tree.Item(8));
+    QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, {290, place.center().y()});
+    EXPECT_THAT(seen, ElementsAre("..x......", ".........", ".........", "........."));
+    QTest::mouseClick(tree.viewport(), Qt::RightButton, {}, {290, place.center().y()});
+    tree.SetChecked([](int) { return true; });
+    EXPECT_EQ(seen.size(), 4U);
+}
+
 TEST_F(CheckTree, ATextOrAColourIsNotAChange) {
     Click(2);
     const QSignalSpy changes(&tree, &CCheckTree::ChecksChanged);
