@@ -310,7 +310,25 @@ TEST_F(CheckSuiteWindows, ClosingTheWindowEndsThePollsAndSendsNothing) {
     line->Do([this] { EXPECT_THAT(board.functions, IsEmpty()); });
 }
 
-TEST_F(CheckSuiteWindows, AListThatTheUserHasScrolledStaysThere) {
+TEST_F(CheckSuiteWindows, TheListFollowsItsEndUnlessTheUserHasScrolled) {
+    StartOnLine();
+    EnlargeFrame();
+    OpenQuietAnomaly();
+    ResizeView(700, 145); // room for some two lines
+    line->Do([this] { board.contents[1548] = {25}; });
+    const QScrollBar& bar = *List().verticalScrollBar();
+    Bar("Go");
+    ASSERT_TRUE(RunUntil([&] { return List().count() == 5; }));
+    QApplication::processEvents();
+    ASSERT_GT(bar.maximum(), 0);
+    EXPECT_EQ(bar.value(), bar.maximum());
+    List().verticalScrollBar()->setValue(0);
+    ASSERT_TRUE(RunUntil([&] { return List().count() == 6; }));
+    QApplication::processEvents();
+    EXPECT_EQ(bar.value(), 0);
+}
+
+TEST_F(CheckSuiteWindows, OfResultsThatAreShownAgainTheFirstIsSelected) {
     StartDemo();
     OpenBackplane();
     for (int i = 0; i < 100; ++i) {
