@@ -508,7 +508,8 @@ constexpr const char* good = "    Ok";
 
 // In the bytes of BackplaneSignals, as a bit of the whole.
 constexpr std::size_t ReadBackBit(int bit) noexcept {
-    return static_cast<std::size_t>(16 * (bit / 8) + bit % 8);
+    const auto index = static_cast<std::size_t>(bit);
+    return 16 * (index / 8) + index % 8;
 }
 constexpr std::size_t DriveBit(int bit) noexcept {
     return ReadBackBit(bit) + 8;

