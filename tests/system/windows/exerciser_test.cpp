@@ -48,7 +48,7 @@ protected:
     void Run() {
         QTest::mouseClick(frame->findChild<QToolButton*>("Go"), Qt::LeftButton);
         EXPECT_TRUE(
-            QTest::qWaitFor([&] { return frame->RunState() == RunPicture::Stopped; }, 100000));
+            QTest::qWaitFor([&] { return frame->RunState() == RunPicture::Stopped; }, 250000));
     }
     /// 64 KB of bytes that do not repeat soon, as a data file.
     std::string WriteData() {
