@@ -28,7 +28,7 @@ std::string NameOf(std::span<const std::uint8_t, 4> id) {
     return name + std::to_string(id[3]);
 }
 
-/// The words behind a test's name.
+/// The words that follow a test's name.
 std::optional<Verdict> ParseVerdict(std::istream& words) {
     Verdict verdict;
     for (std::string word; words >> word;) {

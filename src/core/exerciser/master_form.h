@@ -88,7 +88,7 @@ struct MasterFamily {
 /// Takes a form to another family of boards. A space that it lacks becomes its first, and of a
 /// command that it lacks nothing is selected. Fields that only one of them has stay.
 void ChangeFamily(MasterForm& form, const MasterFamily& from, const MasterFamily& to);
-/// A command that the family lacks is none.
+/// The command of that number, or the one for none where the family lacks it.
 [[nodiscard]] MasterCommand CommandOn(const MasterFamily& family, std::int32_t command) noexcept;
 
 /// The levels on which a VME board requests the bus.

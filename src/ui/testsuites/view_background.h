@@ -5,7 +5,7 @@
 
 namespace busquill {
 
-/// The user's colour behind the fields of a function's window.
+/// The user's background colour for a function's window.
 [[nodiscard]] inline QColor ViewBackground(const Settings& settings) {
     constexpr int lightGrey = 0xC0C0C0;
     return ColorOf(static_cast<std::uint32_t>(

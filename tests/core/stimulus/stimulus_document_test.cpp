@@ -31,7 +31,7 @@ class StimulusDocumentTest : public testing::Test {
 protected:
     StimulusDocumentTest() { document.AddView(&view); }
 
-    /// Reads a file of these lines behind its head.
+    /// Reads a file with the usual head, followed by these lines.
     bool Open(const std::string& lines, const std::string& head = fileHead) {
         return document.OnOpenDocument(dir.Write("in.stm", head + lines));
     }

@@ -450,7 +450,7 @@ TEST_F(StimulusWindow, AFileOfAnotherTypeReplacesTheProgramWithoutAWord) {
     EXPECT_EQ(Events().Geometry().columns.Visible().size(), 1U);
     EXPECT_NE(Patterns().grab().toImage(), patterns);
     EXPECT_NE(Events().grab().toImage(), events);
-    // Cells without samples behind them can be clicked.
+    // Cells of columns without samples can be clicked.
     QTest::mouseClick(&Events(), Qt::LeftButton, {}, FirstCell(Events()) + QPoint(0, 6 * 21));
 }
 
