@@ -42,7 +42,7 @@ BusAddress BytesOf(std::uint64_t number) {
 } // namespace
 
 ExerciserView::ExerciserView(const Parts& parts, const Words& words, RecordDocument& document)
-    : parts_(parts), words_(words), document_(document),
+    : CFormView(parts.settings), parts_(parts), words_(words), document_(document),
       dump_(new CMemoryListBox(this, [&link = parts.link] { return link.IsDemoMode(); })) {}
 
 BoardRun::Parts ExerciserView::RunParts() const {

@@ -1,5 +1,6 @@
 #include "ui/framework/form_view.h"
 
+#include "ui/framework/display_colors.h"
 #include "ui/framework/painting.h"
 
 #include <QPainter>
@@ -65,6 +66,7 @@ void CFormView::resizeEvent(QResizeEvent* event) {
 
 void CFormView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
+    painter.fillRect(rect(), ViewBackground(settings_));
     for (const Group& group : groups_) {
         DrawGroupBox(painter, *this, group.place, group.title);
     }
