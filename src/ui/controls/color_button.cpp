@@ -34,6 +34,7 @@ void ColorButton::SetColor(std::uint32_t color) {
 void ColorButton::Choose() {
     if (const auto chosen = AskColor(this, color_)) {
         SetColor(*chosen);
+        emit ColorChosen();
     }
 }
 
