@@ -12,7 +12,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
-#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 #include <cstdint>
@@ -90,6 +89,13 @@ void ColorSettingsPage::Save() {
     changed_();
 }
 
+void ColorSettingsPage::ShowSet(ColorSet set) {
+    for (const Field& field : fields_) {
+        field.show(ValueIn(set, field.setting));
+    }
+    emit Modified();
+}
+
 QGridLayout& ColorSettingsPage::AddGroup(const QString& title) {
     auto* group = new QGroupBox(title);
     group->setObjectName(title);
@@ -111,6 +117,11 @@ void ColorSettingsPage::AddColor(QGridLayout& group, QWidget* label, const QStri
     fields_.push_back(
         {setting, [button] { return static_cast<int>(button->Color()); },
          [button](int value) { button->SetColor(static_cast<std::uint32_t>(value)); }});
+}
+
+void ColorSettingsPage::AddHidden(ColorSetting setting) {
+    const auto kept = std::make_shared<int>();
+    fields_.push_back({setting, [kept] { return *kept; }, [kept](int value) { *kept = value; }});
 }
 
 void ColorSettingsPage::AddChoice(QGridLayout& group, const QString& text, ColorSetting choice,
@@ -145,6 +156,7 @@ CDisplayColors::CDisplayColors(Settings& settings, std::function<void()> changed
     }
     AddColor(AddGroup("Other Windows"), new QLabel("Background"), "Background",
              ColorSetting::OtherBackground);
+    AddHidden(ColorSetting::AdaptText);
 }
 
 } // namespace busquill

@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 class QCheckBox;
@@ -57,11 +58,15 @@ public:
 
     void Load() override;
     void Save() override;
+    /// Shows the colours of a set, as if the user had chosen each.
+    void ShowSet(ColorSet set);
 
 protected:
     QGridLayout& AddGroup(const QString& title);
     /// A row with a colour; `name` tells its button from others of the group.
     void AddColor(QGridLayout& group, QWidget* label, const QString& name, ColorSetting setting);
+    /// A setting without a control, which only sets change.
+    void AddHidden(ColorSetting setting);
     /// A row with a check box in front of the colour that it turns on.
     void AddChoice(QGridLayout& group, const QString& text, ColorSetting choice,
                    ColorSetting color);

@@ -3,9 +3,12 @@
 #include "ui/display/display_pages.h"
 
 #include <QDialogButtonBox>
+#include <QMenu>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace busquill {
 
@@ -30,12 +33,14 @@ CDisplayProperties::CDisplayProperties(QWidget* parent, const Parts& parts, Disp
     connect(buttons, &QDialogButtonBox::helpRequested, this, parts.showHelp);
     connect(apply_, &QPushButton::clicked, this, &CDisplayProperties::Apply);
 
+    AddSets(*buttons->addButton("Color &Sets", QDialogButtonBox::ActionRole));
+
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabs_);
     layout->addWidget(buttons);
-    connect(tabs_, &QTabWidget::currentChanged, this, &CDisplayProperties::ShowPage);
+    connect(tabs_, &QTabWidget::currentChanged, this, &CDisplayProperties::NeedPage);
     tabs_->setCurrentIndex(static_cast<int>(first));
-    ShowPage(tabs_->currentIndex());
+    NeedPage(tabs_->currentIndex());
 }
 
 void CDisplayProperties::AddPage(DisplayPage page, CDisplayPage* added, const QString& tab) {
@@ -44,7 +49,28 @@ void CDisplayProperties::AddPage(DisplayPage page, CDisplayPage* added, const QS
     connect(added, &CDisplayPage::Modified, this, [this] { apply_->setEnabled(true); });
 }
 
-void CDisplayProperties::ShowPage(int index) {
+void CDisplayProperties::AddSets(QPushButton& button) {
+    auto* menu = new QMenu(&button);
+    constexpr std::pair<const char*, ColorSet> sets[] = {{"&Standard", ColorSet::Standard},
+                                                         {"&Legible", ColorSet::Legible},
+                                                         {"&Dark", ColorSet::Dark}};
+    for (const auto& [text, set] : sets) {
+        menu->addAction(text, this, [this, set = set] { ShowSet(set); });
+    }
+    button.setToolTip("Choose colours that go together, for all windows");
+    button.setMenu(menu);
+}
+
+/// A set changes both pages of colours, shown or not.
+void CDisplayProperties::ShowSet(ColorSet set) {
+    for (const DisplayPage each : {DisplayPage::Markers, DisplayPage::Colors}) {
+        NeedPage(static_cast<int>(each));
+        static_cast<ColorSettingsPage*>(pages_[static_cast<std::size_t>(each)].page)->ShowSet(set);
+    }
+}
+
+/// Loads a page that is needed for the first time.
+void CDisplayProperties::NeedPage(int index) {
     Page& shown = pages_[static_cast<std::size_t>(index)];
     if (!shown.loaded) {
         shown.page->Load();

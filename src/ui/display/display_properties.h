@@ -14,6 +14,7 @@ class CDisplayPage;
 class CTesselDoc;
 class Settings;
 
+enum class ColorSet;
 enum class DisplayPage { Name, Markers, Grid, Scale, Colors };
 
 /// The Display Properties sheet: the name of the active trace and the user's colours.
@@ -33,8 +34,10 @@ public:
 
 private:
     void AddPage(DisplayPage page, CDisplayPage* added, const QString& tab);
-    void ShowPage(int index);
+    void NeedPage(int index);
     void Apply();
+    void AddSets(QPushButton& button);
+    void ShowSet(ColorSet set);
 
     struct Page {
         CDisplayPage* page = nullptr;

@@ -3,6 +3,7 @@
 #include "ui/framework/display_colors.h"
 #include "ui/framework/painting.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QPushButton>
 
@@ -64,7 +65,16 @@ void CFormView::resizeEvent(QResizeEvent* event) {
     LayOutAgain();
 }
 
+/// Fields without a ground of their own take the colour of their text from the form.
+void CFormView::FollowColors() {
+    const QPalette wanted = FormPalette(settings_, QApplication::palette());
+    if (palette().color(QPalette::WindowText) != wanted.color(QPalette::WindowText)) {
+        setPalette(wanted);
+    }
+}
+
 void CFormView::paintEvent(QPaintEvent* /*event*/) {
+    FollowColors();
     QPainter painter(this);
     painter.fillRect(rect(), ViewBackground(settings_));
     for (const Group& group : groups_) {

@@ -56,6 +56,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void FollowColors();
+
     const Settings& settings_;
     struct Button {
         QPushButton* button;

@@ -12,9 +12,11 @@
 #include <QCheckBox>
 #include <QColorDialog>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
 
+#include <algorithm>
 #include <map>
 #include <span>
 #include <utility>
@@ -437,6 +439,91 @@ TEST_F(DisplayProperties, OpenTracesFollow) {
         EXPECT_EQ(row(top % 2 == 0 ? 1 : 0), QColor(2, 2, 2)) << "while the sheet is open";
     });
     EXPECT_GT(shades()[4], 1000);
+}
+
+/// Chooses a set of colours by the sheet's menu.
+void ChooseSet(CDisplayProperties& sheet, const QString& name) {
+    auto& button = dynamic_cast<QPushButton&>(ButtonOf(sheet, "Color Sets"));
+    EXPECT_EQ(AnswerMenu([&] { QTest::mouseClick(&button, Qt::LeftButton); }, name),
+              QStringList({"&Standard", "&Legible", "&Dark"}));
+}
+
+TEST_F(DisplayProperties, ASetIsOnBothPagesAndWaitsForOk) {
+    Open("Name", [&](CDisplayProperties& sheet) {
+        ChooseSet(sheet, "&Dark");
+        EXPECT_TRUE(ButtonOf(sheet, "Apply").isEnabled());
+        EXPECT_EQ(Button(sheet, "State Background").Color(), 0x202020U);
+        EXPECT_TRUE(ButtonOf(sheet, "State Alternate With").isChecked());
+        Press(sheet, "Cancel");
+    });
+    EXPECT_FALSE(Stored("StateBackgroundColor"));
+    Open("Name", [&](CDisplayProperties& sheet) {
+        ChooseSet(sheet, "&Dark");
+        Press(sheet, "OK");
+    });
+    EXPECT_EQ(Value("StateBackgroundColor"), 0x202020);
+    EXPECT_EQ(Value("WaveformMarker2Color"), 0xFFA870);
+    EXPECT_EQ(Value("AdaptText"), 1);
+    Open("Colors", [&](CDisplayProperties& sheet) {
+        Choose(Button(sheet, "State Background"), QColor(1, 2, 3));
+        Press(sheet, "OK");
+    });
+    EXPECT_EQ(Value("AdaptText"), 1) << "it stays with a set that was changed";
+    Open("Scale", [&](CDisplayProperties& sheet) {
+        ChooseSet(sheet, "&Standard");
+        Press(sheet, "OK");
+    });
+    for (const auto& keys :
+         {std::span<const KeyAndDefault>(markerKeys), std::span<const KeyAndDefault>(colorKeys)}) {
+        for (const KeyAndDefault& each : keys) {
+            EXPECT_EQ(Value(each.key), each.standard) << each.key;
+        }
+    }
+    EXPECT_EQ(Value("AdaptText"), 0);
+}
+
+TEST_F(DisplayProperties, TheDarkSetHasLightTextInTracesAndForms) {
+    OpenTrace();
+    Choose("File/New/Capture/Waveform");
+    Choose("File/New/Exerciser/Master");
+    QWidget& form = *dynamic_cast<CMDIChildWnd&>(*Frame().Area().activeSubWindow()).GetActiveView();
+    // Edges of titles and scroll bars are light too, so only what is below them counts.
+    const auto brightest = [](QWidget& window, const QRect& part) {
+        const QImage image = window.grab(part).toImage();
+        int most = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                most = std::max(most, image.pixelColor(x, y).lightness());
+            }
+        }
+        return most;
+    };
+    QList<CTraceView*> views;
+    for (QMdiSubWindow* window : Windows()) {
+        if (auto* view =
+                dynamic_cast<CTraceView*>(dynamic_cast<CMDIChildWnd&>(*window).GetActiveView())) {
+            views << view;
+        }
+    }
+    ASSERT_GE(views.size(), 2);
+    Open("Colors", [&](CDisplayProperties& sheet) {
+        ChooseSet(sheet, "&Dark");
+        Press(sheet, "OK");
+    });
+    for (CTraceView* view : views) {
+        // Numbers of samples, and values or waves.
+        const int left = view->IsState() ? 3 : view->width() / 2;
+        const int right = view->IsState() ? 50 : view->width() - 40;
+        const QRect part(QPoint(left, 30), QPoint(right, view->height() / 2));
+        EXPECT_GT(brightest(*view, part), 100) << (view->IsState() ? "listing" : "waves");
+    }
+    EXPECT_GT(form.palette().color(QPalette::WindowText).lightness(), 100);
+    Open("Colors", [&](CDisplayProperties& sheet) {
+        ChooseSet(sheet, "&Standard");
+        Press(sheet, "OK");
+    });
+    EXPECT_EQ(form.palette().color(QPalette::WindowText),
+              QApplication::palette().color(QPalette::WindowText));
 }
 
 TEST_F(DisplayProperties, EveryFunctionsWindowFollows) {
