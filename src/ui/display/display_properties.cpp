@@ -33,7 +33,7 @@ CDisplayProperties::CDisplayProperties(QWidget* parent, const Parts& parts, Disp
     connect(buttons, &QDialogButtonBox::helpRequested, this, parts.showHelp);
     connect(apply_, &QPushButton::clicked, this, &CDisplayProperties::Apply);
 
-    AddSets(*buttons->addButton("Color &Sets", QDialogButtonBox::ActionRole));
+    AddSets(*buttons->addButton("Color &Sets", QDialogButtonBox::ResetRole));
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(tabs_);

@@ -54,7 +54,7 @@ const SettingRow& RowOf(ColorSetting which) {
 }
 
 // As the guidelines for readable web pages define them.
-constexpr double readableContrast = 4.5;
+constexpr double readableContrast = 7;
 constexpr double disabledContrast = 2.5;
 
 double Luminance(const QColor& color) {
