@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
+#include <QDialogButtonBox>
 #include <QElapsedTimer>
 #include <QListWidget>
 #include <QMdiArea>
@@ -26,6 +27,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
 
@@ -354,6 +356,23 @@ void RunChecks(Tour& tour, Program& program, const char* entry, const char* pict
     window->close();
 }
 
+/// The windows in each set of colours, and again in the standard ones.
+void ShowSets(Tour& tour, CMainFrame& frame) {
+    for (const char* set : {"Legible", "Dark", "Standard"}) {
+        QTimer::singleShot(0, &frame, [set] {
+            const QWidget* sheet = QApplication::activeModalWidget();
+            for (const QMenu* menu : sheet->findChildren<QMenu*>()) {
+                if (QAction* action = Tour::Find(*menu, set)) {
+                    action->trigger();
+                }
+            }
+            sheet->findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Ok)->click();
+        });
+        tour.Choose(frame, "Edit/Display/Colors", "message");
+        tour.Picture(frame, QString("windows-") + QString(set).toLower());
+    }
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -401,8 +420,12 @@ void Walk(Tour& tour, Program& program) {
     }
     tour.Choose(frame, "Search/Find Pattern", "search-pattern");
     tour.Choose(frame, "Search/Go to/Sample #", "go-to-sample");
+    tour.Choose(frame, "Edit/Display/Name", "display-name");
+    tour.Choose(frame, "Edit/Display/Markers", "display-markers");
+    tour.Choose(frame, "Edit/Display/Colors", "display-colors");
     tour.Choose(frame, "Window/Cascade", "message");
     tour.Picture(frame, "windows");
+    ShowSets(tour, frame);
     tour.Choose(frame, "Help/Contents", "message");
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window->isVisible() && window->windowTitle() == "Busquill! Help") {

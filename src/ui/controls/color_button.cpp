@@ -18,7 +18,7 @@ std::optional<std::uint32_t> AskColor(QWidget* parent, std::uint32_t color) {
     if (!chosen.isValid()) {
         return std::nullopt;
     }
-    return static_cast<std::uint32_t>(chosen.red() | chosen.green() << 8 | chosen.blue() << 16);
+    return NumberOf(chosen);
 }
 
 ColorButton::ColorButton(QWidget* parent) : QPushButton(parent) {
@@ -34,6 +34,7 @@ void ColorButton::SetColor(std::uint32_t color) {
 void ColorButton::Choose() {
     if (const auto chosen = AskColor(this, color_)) {
         SetColor(*chosen);
+        emit ColorChosen();
     }
 }
 

@@ -19,6 +19,10 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override { return {60, 26}; }
 
+signals:
+    /// The user has chosen a colour.
+    void ColorChosen();
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

@@ -1,6 +1,7 @@
 /// The symbols of trigger and markers.
 #pragma once
 
+class QColor;
 class QPainter;
 
 namespace busquill {
@@ -9,6 +10,6 @@ constexpr int glyphHalf = 3; // pixels from the middle of a mark to its edge
 
 /// Draws the symbol of the trigger (0) or of a marker (1 or 2), centred at the pixel `x`, from
 /// `top` down.
-void DrawMarkerGlyph(QPainter& painter, int which, int x, int top);
+void DrawMarkerGlyph(QPainter& painter, int which, int x, int top, const QColor& color);
 
 } // namespace busquill

@@ -16,7 +16,7 @@ namespace busquill {
 
 namespace {
 
-const QColor lineColor(0, 0, 0);
+constexpr std::uint32_t black = 0;
 
 bool IsLeftAligned(const CSignal& signal) {
     return signal.decoded && signal.decoded->name == "RULE CHECK";
@@ -53,8 +53,8 @@ public:
     }
 
 private:
-    void Line(int x, int y, int width, int height) {
-        painter_.fillRect(x, y, width, height, lineColor);
+    [[nodiscard]] QColor Ink(std::uint32_t color, std::uint32_t ground) const {
+        return ColorOf(frame_.colors.Ink(color, ground));
     }
 
     void ClipToColumns() {
@@ -63,8 +63,9 @@ private:
     }
 
     void DrawHeader() {
-        DrawTableHeader(painter_, {frame_.list, columns_, frame_.size.height(), "SAMPLE",
-                                   frame_.fonts.header, ColorOf(frame_.colors.background)});
+        DrawTableHeader(painter_,
+                        {frame_.list, columns_, frame_.size.height(), "SAMPLE", frame_.fonts.header,
+                         ColorOf(frame_.colors.background), Ink(black, frame_.colors.background)});
     }
 
     void DrawRows() {
@@ -106,7 +107,8 @@ private:
         if (color) {
             painter_.fillRect(numberCell, ColorOf(*color));
         }
-        painter_.setPen(lineColor);
+        const std::uint32_t ground = color.value_or(frame_.colors.background);
+        painter_.setPen(Ink(black, ground));
         DrawCellText(painter_, numberCell,
                      QString::number(frame_.document.FirstSampleNumber(frame_.zoom) + sample),
                      CellAlign::Center, true);
@@ -123,25 +125,25 @@ private:
             if (color) {
                 painter_.fillRect(cell, ColorOf(*color));
             }
-            DrawCell(cell, frame_.list[column.signal], row, sample, listed);
+            DrawCell(cell, frame_.list[column.signal], ground, row, sample, listed);
         }
     }
 
-    void DrawCell(const QRect& cell, const CSignal& signal, std::int64_t row, std::int64_t sample,
-                  const ListedSample& listed) {
-        painter_.setPen(ColorOf(signal.color));
+    void DrawCell(const QRect& cell, const CSignal& signal, std::uint32_t ground, std::int64_t row,
+                  std::int64_t sample, const ListedSample& listed) {
+        painter_.setPen(Ink(signal.color, ground));
         const std::string text = CellText(frame_.board, signal, listed, frame_.zoom);
         // A value without its sign or its first digits could be mistaken for another one.
         DrawCellText(painter_, cell.adjusted(2, 0, -2, 0), ToQt(text),
                      IsLeftAligned(signal) ? CellAlign::Left : CellAlign::Center, true);
         if (IsKind(signal, DecodeKind::Delta)) {
-            DrawDelta(cell, row, sample);
+            DrawDelta(cell, row, sample, Ink(black, ground));
         }
     }
 
     /// Draws the symbols of trigger and markers in the DELTA column, and the span between the
     /// markers.
-    void DrawDelta(const QRect& cell, std::int64_t row, std::int64_t sample) {
+    void DrawDelta(const QRect& cell, std::int64_t row, std::int64_t sample, const QColor& ink) {
         const auto marker = [&](int which) { return frame_.document.Marker(which, frame_.zoom); };
         const int cy = cell.top() + cell.height() / 2;
         const int top = cy - glyphHalf;
@@ -149,23 +151,23 @@ private:
         const bool isTrigger = marker(0) == sample;
         int k = 3;
         if (isTrigger) {
-            DrawMarkerGlyph(painter_, 0, xAt(k), top);
+            DrawMarkerGlyph(painter_, 0, xAt(k), top, ink);
             k = 1;
         }
         if (marker(1) == sample) {
-            DrawMarkerGlyph(painter_, 1, xAt(k), top);
+            DrawMarkerGlyph(painter_, 1, xAt(k), top, ink);
             k = isTrigger ? 5 : 1;
         }
         if (marker(2) == sample) {
-            DrawMarkerGlyph(painter_, 2, xAt(k), top);
+            DrawMarkerGlyph(painter_, 2, xAt(k), top, ink);
         }
         const bool marked = isTrigger || marker(1) == sample || marker(2) == sample;
         if (!marked && marker(1) != -1 && marker(2) != -1) {
-            DrawSpan(cell, row, sample);
+            DrawSpan(cell, row, sample, ink);
         }
     }
 
-    void DrawSpan(const QRect& cell, std::int64_t row, std::int64_t sample) {
+    void DrawSpan(const QRect& cell, std::int64_t row, std::int64_t sample, const QColor& ink) {
         const std::int64_t first = frame_.document.Marker(1, frame_.zoom);
         const std::int64_t second = frame_.document.Marker(2, frame_.zoom);
         const std::int64_t middle = (frame_.document.SampleToRow(first, frame_.zoom) +
@@ -175,7 +177,8 @@ private:
             DrawCellText(painter_, cell, ToQt(TimeBetween(first, second, frame_.list, frame_.zoom)),
                          CellAlign::Center, true);
         } else if (sample > std::min(first, second) && sample < std::max(first, second)) {
-            Line(cell.center().x(), cell.top(), 1, stateRowPitch); // joins the line of the next row
+            // Joins the line of the next row.
+            painter_.fillRect(cell.center().x(), cell.top(), 1, stateRowPitch, ink);
         }
     }
 

@@ -2,7 +2,7 @@
 
 #include "link/board_identity.h"
 #include "signals/cell_text.h"
-#include "ui/display/display_colors.h"
+#include "ui/framework/display_colors.h"
 #include "ui/patterns/columns.h"
 
 #include <QSize>

@@ -9,10 +9,10 @@
 
 namespace busquill {
 
-TraceDisplay::TraceDisplay(QWidget* parent, const Settings& settings, const char* name,
+TraceDisplay::TraceDisplay(QWidget* parent, const Settings& settings, const DisplaySettings& colors,
                            Prompts* prompts, const HeaderControl::Layout& layout)
-    : TableWindow(parent, prompts, layout), settings_(settings), name_(name),
-      colors_(LoadDisplayColors(settings, name)) {}
+    : TableWindow(parent, prompts, layout), settings_(settings), colorSettings_(colors),
+      colors_(LoadDisplayColors(settings, colors)) {}
 
 void TraceDisplay::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
     document_ = &document;
@@ -21,7 +21,7 @@ void TraceDisplay::Attach(CTesselDoc& document, CSignalList& list, bool zoom) {
 }
 
 void TraceDisplay::Draw(QPainter& painter) {
-    colors_ = LoadDisplayColors(settings_, name_);
+    colors_ = LoadDisplayColors(settings_, colorSettings_);
     if (document_ == nullptr) {
         painter.fillRect(rect(), ColorOf(colors_.background));
     } else {
@@ -30,7 +30,7 @@ void TraceDisplay::Draw(QPainter& painter) {
 }
 
 bool TraceDisplay::IsOutdated() const {
-    return LoadDisplayColors(settings_, name_) != colors_;
+    return LoadDisplayColors(settings_, colorSettings_) != colors_;
 }
 
 void TraceDisplay::ReportMissing(std::optional<std::int64_t> missing) {

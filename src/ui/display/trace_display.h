@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/display/display_colors.h"
+#include "ui/framework/display_colors.h"
 #include "ui/patterns/table_window.h"
 
 #include <cstdint>
@@ -17,10 +17,10 @@ class Settings;
 class TraceDisplay : public TableWindow {
     Q_OBJECT
 public:
-    /// `name` is the key of its colours in the settings, which outlive the window. Without prompts
+    /// `colors` are its colours in the settings, which outlive the window. Without prompts
     /// there is no menu on the signals.
-    TraceDisplay(QWidget* parent, const Settings& settings, const char* name, Prompts* prompts,
-                 const HeaderControl::Layout& layout);
+    TraceDisplay(QWidget* parent, const Settings& settings, const DisplaySettings& colors,
+                 Prompts* prompts, const HeaderControl::Layout& layout);
 
     /// The document outlives the window. With `zoom` its Power Zoom samples are shown.
     virtual void Attach(CTesselDoc& document, CSignalList& list, bool zoom);
@@ -80,7 +80,7 @@ protected:
 
 private:
     const Settings& settings_;
-    const char* name_;
+    const DisplaySettings colorSettings_;
     DisplayColors colors_;
 };
 

@@ -19,7 +19,7 @@ constexpr int railInset = 2; // pixels from a band's edges to its high and low l
 constexpr int tickHeight = 7;
 constexpr int spanMargin = 10; // free pixels around the text between the markers
 constexpr int glyphTop = waveHeaderLine / 2 - glyphHalf;
-const QColor lineColor(0, 0, 0);
+constexpr std::uint32_t black = 0;
 
 /// Rectangles of one colour, drawn in one call. A rectangle that continues the previous one to the
 /// right is merged with it, so that a busy line costs no more than a block.
@@ -93,23 +93,24 @@ public:
         : painter_(painter), frame_(frame), scale_(frame.Scale()),
           bands_(VisibleBands(BandHeights(frame.list), frame.top, frame.size.height())),
           samples_(frame.document, frame.isZoom, frame.place.row, frame.DrawnSamples()),
-          bodyHeight_(QFontMetrics(frame.bodyFont).height()) {}
+          bodyHeight_(QFontMetrics(frame.bodyFont).height()),
+          line_(ColorOf(frame.colors.Ink(black, frame.colors.background))) {}
 
     void DrawTitles() {
         const int valueLeft = frame_.nameWidth;
         const int waveLeft = frame_.nameWidth + frame_.valueWidth;
         painter_.setClipping(false);
         painter_.fillRect(0, 0, waveLeft, waveFirstBand, Background());
-        painter_.fillRect(0, waveHeaderLine, frame_.size.width(), 1, lineColor);
+        painter_.fillRect(0, waveHeaderLine, frame_.size.width(), 1, line_);
         painter_.setFont(frame_.titleFont);
-        painter_.setPen(lineColor);
+        painter_.setPen(line_);
         DrawCellText(painter_, QRect(QPoint(1, 0), QPoint(valueLeft - 1, waveHeaderLine - 1)),
                      "Signal", CellAlign::Center, true);
         DrawCellText(painter_,
                      QRect(QPoint(valueLeft + 1, 0), QPoint(waveLeft - 1, waveHeaderLine - 1)),
                      "Value", CellAlign::Center, true);
-        VerticalLine(painter_, valueLeft, 0, frame_.size.height(), lineColor);
-        VerticalLine(painter_, waveLeft, 0, frame_.size.height(), lineColor);
+        VerticalLine(painter_, valueLeft, 0, frame_.size.height(), line_);
+        VerticalLine(painter_, waveLeft, 0, frame_.size.height(), line_);
     }
 
     void DrawNames() {
@@ -123,7 +124,7 @@ public:
             const QRect cell(0, band.top, frame_.nameWidth, band.height);
             painter_.fillRect(cell, signal.selected ? QColor(Qt::white) : Background());
             DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
-            painter_.setPen(lineColor);
+            painter_.setPen(signal.selected ? QColor(Qt::black) : line_);
             DrawCentered(cell.adjusted(1, 1, -1, -1), QString::fromStdString(signal.RowName()),
                          true);
         }
@@ -144,7 +145,7 @@ public:
             const QRect cell(column.left(), band.top, column.width(), band.height);
             FillBand(band, cell.left(), cell.width());
             if (isSet && HasData(signal)) {
-                painter_.setPen(ColorOf(signal.color));
+                painter_.setPen(InkOf(signal, band));
                 DrawCentered(
                     cell.adjusted(1, 0, -1, 0),
                     QString::fromStdString(BandText(samples_, frame_.board, signal, marker)),
@@ -170,7 +171,7 @@ public:
             }
         }
         painter_.setClipRect(area);
-        painter_.fillRect(area.left(), waveHeaderLine, area.width(), 1, lineColor);
+        painter_.fillRect(area.left(), waveHeaderLine, area.width(), 1, line_);
         DrawTimeMarks();
         Frame();
         return missing;
@@ -178,13 +179,19 @@ public:
 
 private:
     [[nodiscard]] QColor Background() const { return ColorOf(frame_.colors.background); }
+    /// The colour of a signal on its band.
+    [[nodiscard]] QColor InkOf(const CSignal& signal, const WaveBand& band) const {
+        const DisplayColors& colors = frame_.colors;
+        return ColorOf(
+            colors.Ink(signal.color, band.signal % 2 != 0 ? colors.alternate : colors.background));
+    }
 
     /// Draws the lines at the right and the bottom of the window.
     void Frame() {
         const int right = frame_.size.width() - 1;
         const int bottom = frame_.size.height() - 1;
-        VerticalLine(painter_, right, 0, bottom + 1, lineColor);
-        painter_.fillRect(0, bottom, right + 1, 1, lineColor);
+        VerticalLine(painter_, right, 0, bottom + 1, line_);
+        painter_.fillRect(0, bottom, right + 1, 1, line_);
     }
 
     /// Stripes depend on the signal, so that they scroll with it.
@@ -209,7 +216,7 @@ private:
         } else {
             DrawBit(signal, band);
         }
-        strokes_.Draw(painter_, ColorOf(signal.color));
+        strokes_.Draw(painter_, InkOf(signal, band));
         if (signal.showValue) {
             DrawRuns(signal, band);
         }
@@ -266,7 +273,7 @@ private:
     /// Draws the values in the runs of equal samples.
     void DrawRuns(const CSignal& signal, const WaveBand& band) {
         painter_.setFont(frame_.bodyFont);
-        painter_.setPen(ColorOf(signal.color));
+        painter_.setPen(InkOf(signal, band));
         RunTexts texts(painter_, frame_.bodyFont);
         const BandValues values(samples_, frame_.board, signal, BandValues::KindOf(signal));
         const QRect line = LineInBand(QRect(0, band.top, 1, band.height), bodyHeight_);
@@ -301,7 +308,7 @@ private:
             strokes_.Add(scale_.left + i * scale_.TickStep(), waveHeaderLine - tickHeight, 1,
                          tickHeight);
         }
-        strokes_.Draw(painter_, lineColor);
+        strokes_.Draw(painter_, line_);
         if (samples_.RowCount() == 0) {
             return;
         }
@@ -339,7 +346,7 @@ private:
         if (x >= scale_.right - 1) {
             return;
         }
-        DrawMarkerGlyph(painter_, which, x, glyphTop);
+        DrawMarkerGlyph(painter_, which, x, glyphTop, line_);
         VerticalLine(painter_, x, waveHeaderLine + 1, frame_.size.height() - 1,
                      ColorOf(frame_.colors.Mark(which)));
     }
@@ -371,7 +378,7 @@ private:
             return;
         }
         const auto [left, right] = std::minmax({EndOf(first, side1), EndOf(second, side2)});
-        painter_.fillRect(left, glyphTop, right - left, 1, lineColor);
+        painter_.fillRect(left, glyphTop, right - left, 1, line_);
         const QString text =
             QString::fromStdString(TimeBetween(first, second, frame_.list, frame_.isZoom));
         painter_.setFont(frame_.bodyFont);
@@ -382,7 +389,7 @@ private:
         const QRect line = LineInBand(
             QRect(left + (right - left - width) / 2, -2, width, waveHeaderLine + 2), bodyHeight_);
         painter_.fillRect(line.adjusted(-1, 0, 1, 0), Background());
-        painter_.setPen(lineColor);
+        painter_.setPen(line_);
         DrawCellText(painter_, line, text, CellAlign::Center, false);
     }
 
@@ -392,6 +399,7 @@ private:
     const std::vector<WaveBand> bands_;
     const BandSamples samples_;
     const int bodyHeight_;
+    const QColor line_;        // of everything but the signals
     std::int64_t lastRow_ = 0; // the last row that the ticks cover
     Strokes strokes_;
 };

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "link/board_identity.h"
-#include "ui/display/display_colors.h"
 #include "ui/display/wave_geometry.h"
+#include "ui/framework/display_colors.h"
 
 #include <QFont>
 #include <QSize>

@@ -54,7 +54,7 @@ void Select(QComboBox& list, std::int32_t index) {
 } // namespace
 
 ExerciserView::ExerciserView(const Parts& parts, const Words& words, RecordDocument& document)
-    : parts_(parts), words_(words), document_(document),
+    : CFormView(parts.settings), parts_(parts), words_(words), document_(document),
       dump_(new CMemoryListBox(this, [&link = parts.link] { return link.IsDemoMode(); })) {}
 
 BoardRun::Parts ExerciserView::RunParts() const {

@@ -1,7 +1,9 @@
 #include "ui/framework/form_view.h"
 
+#include "ui/framework/display_colors.h"
 #include "ui/framework/painting.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QPushButton>
 
@@ -63,8 +65,18 @@ void CFormView::resizeEvent(QResizeEvent* event) {
     LayOutAgain();
 }
 
+/// Fields without a ground of their own take the colour of their text from the form.
+void CFormView::FollowColors() {
+    const QPalette wanted = FormPalette(settings_, QApplication::palette());
+    if (palette().color(QPalette::WindowText) != wanted.color(QPalette::WindowText)) {
+        setPalette(wanted);
+    }
+}
+
 void CFormView::paintEvent(QPaintEvent* /*event*/) {
+    FollowColors();
     QPainter painter(this);
+    painter.fillRect(rect(), ViewBackground(settings_));
     for (const Group& group : groups_) {
         DrawGroupBox(painter, *this, group.place, group.title);
     }

@@ -11,6 +11,8 @@ class QPushButton;
 
 namespace busquill {
 
+class Settings;
+
 /// Layout of a form, in pixels; rows are counted from the bottom of the view.
 namespace Form {
 constexpr int margin = 10;
@@ -28,12 +30,14 @@ constexpr int buttonPitch = 80;
 [[nodiscard]] QRect GroupPlace(int left, int width, int top, int bottom, int viewHeight) noexcept;
 } // namespace Form
 
-/// A view with buttons along its bottom and fields whose labels it draws itself. Derived views
+/// A view on the user's background, with buttons along its bottom and fields whose labels it draws
+/// itself. Derived views
 /// place their fields in LayOut, which is called when the size changes and by LayOutAgain.
 class CFormView : public CView {
     Q_OBJECT
 public:
-    using CView::CView;
+    /// The settings outlive the view.
+    explicit CFormView(const Settings& settings) : settings_(settings) {}
 
 protected:
     QPushButton& AddButton(const QString& text, int left, std::function<void()> act);
@@ -52,6 +56,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void FollowColors();
+
+    const Settings& settings_;
     struct Button {
         QPushButton* button;
         int left;

@@ -13,6 +13,10 @@ QColor ColorOf(std::uint32_t color) {
             static_cast<int>(color >> 16 & 0xFF)};
 }
 
+std::uint32_t NumberOf(const QColor& color) {
+    return static_cast<std::uint32_t>(color.red() | color.green() << 8 | color.blue() << 16);
+}
+
 void DrawEdge(QPainter& painter, const QRect& rect, Edge edge) {
     const QColor light(0xFF, 0xFF, 0xFF);
     const QColor face(0xE0, 0xE0, 0xE0);

@@ -16,6 +16,8 @@ namespace busquill {
 
 /// A colour from 0x00BBGGRR.
 [[nodiscard]] QColor ColorOf(std::uint32_t color);
+/// The opposite.
+[[nodiscard]] std::uint32_t NumberOf(const QColor& color);
 
 enum class Edge { Raised, Sunken };
 

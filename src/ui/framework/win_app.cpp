@@ -121,6 +121,14 @@ bool CWinApp::SaveAllModified() {
     });
 }
 
+void CWinApp::DocumentChanged() {
+    for (const auto& each : Templates()) {
+        for (const auto& document : each->Documents()) {
+            document->UpdateAllViews(nullptr);
+        }
+    }
+}
+
 QStringList CWinApp::RecentFiles() const {
     QStringList files;
     for (int i = 0; i < recentFileCount; ++i) {

@@ -50,6 +50,9 @@ public:
     [[nodiscard]] QStringList RecentFiles() const;
     void AddRecentFile(const std::string& path);
 
+    /// Redraws every document's views.
+    void DocumentChanged();
+
     /// Opens the manual at a topic.
     void ShowHelp(int topic) { showHelp(topic); }
     /// Set by the main window, which shows it.

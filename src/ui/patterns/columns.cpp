@@ -72,20 +72,21 @@ int NeededWidth(const CSignal& signal, const QFont& bodyFont) {
 
 void DrawTableHeader(QPainter& painter, const TableHeader& header) {
     const TableColumns& columns = header.columns;
-    painter.fillRect(0, tableHeaderLine, columns.clientWidth, 1, Qt::black);
+    painter.fillRect(0, tableHeaderLine, columns.clientWidth, 1, header.ink);
     painter.setFont(header.font);
-    painter.setPen(Qt::black);
+    painter.setPen(header.ink);
     if (columns.fixedColumn > 0) {
-        painter.fillRect(columns.fixedColumn, 0, 1, header.height, Qt::black);
+        painter.fillRect(columns.fixedColumn, 0, 1, header.height, header.ink);
         DrawEdge(painter, columns.FixedTitle(), Edge::Raised);
         DrawTitle(painter, columns.FixedTitle(), header.title);
     }
     painter.setClipRect(columns.fixedColumn + 1, 0, columns.Room(), header.height);
     for (const TableColumn& column : columns.Visible()) {
         const CSignal& signal = header.list[column.signal];
-        painter.fillRect(column.left, 0, 1, header.height, Qt::black);
+        painter.fillRect(column.left, 0, 1, header.height, header.ink);
         painter.fillRect(column.Title(), signal.selected ? QColor(Qt::white) : header.background);
         DrawEdge(painter, column.Title(), signal.selected ? Edge::Sunken : Edge::Raised);
+        painter.setPen(signal.selected ? QColor(Qt::black) : header.ink);
         DrawTitle(painter, column.Title(), ColumnTitle(signal));
     }
 }

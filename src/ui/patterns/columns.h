@@ -39,10 +39,11 @@ struct TableHeader {
     QString title;  // of the fixed column
     QFont font;
     QColor background;
+    QColor ink = Qt::black; // of lines, and of titles on the background
 };
 
 /// Draws the header on the background that is there, and the lines between the columns over the
-/// whole height of the table. Leaves the painter clipped to the columns, with a black pen.
+/// whole height of the table. Leaves the painter clipped to the columns.
 void DrawTableHeader(QPainter& painter, const TableHeader& header);
 
 } // namespace busquill

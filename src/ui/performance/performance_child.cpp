@@ -26,8 +26,8 @@ constexpr int setupCharacters = 20;
 CPerformanceChild::CPerformanceChild(const FeatureParts& parts, CPerformanceDoc& document)
     : CGoStopChild(document, "Performance", "performance", childSize), parts_(parts),
       document_(document),
-      view_(new CPerformanceView({document, parts.analyzer.Link(), parts.prompts, parts.mainThread,
-                                  std::make_unique<ThreadTimer>(),
+      view_(new CPerformanceView({document, parts.analyzer.Link(), parts.prompts, parts.settings,
+                                  parts.mainThread, std::make_unique<ThreadTimer>(),
                                   [&app = parts.app] { app.ShowHelp(HelpTopic::Performance); }},
                                  ReadValueDisplay(parts.settings))),
       setups_(new QComboBox), display_(new QComboBox), count_(new QLabel) {

@@ -42,7 +42,8 @@ QRect RowPlace(std::size_t row) {
 } // namespace
 
 CPerformanceView::CPerformanceView(Parts parts, ValueDisplay display)
-    : document_(parts.document), link_(parts.link), prompts_(parts.prompts), display_(display),
+    : CFormView(parts.settings), document_(parts.document), link_(parts.link),
+      prompts_(parts.prompts), display_(display),
       timeGraph_(new CTimeGraph(this, parts.mainThread, parts.document.Results())),
       rangeGraph_(new CMinMaxAverageGraph(this)),
       run_({parts.link, parts.prompts, parts.document.Results(), std::move(parts.timer)}, *this) {

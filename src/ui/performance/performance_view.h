@@ -16,6 +16,7 @@ class CMinMaxAverageGraph;
 class CPerformanceDoc;
 class CTimeGraph;
 class MainThread;
+class Settings;
 class SignalTables;
 
 /// Shows a measurement and runs it: a row for each item with its value, and both graphs.
@@ -27,6 +28,7 @@ public:
         CPerformanceDoc& document;
         CAnalyzerLink& link;
         Prompts& prompts;
+        const Settings& settings;
         const MainThread& mainThread;
         std::unique_ptr<PeriodicTimer> timer;
         std::function<void()> showHelp;

@@ -1,6 +1,5 @@
 #include "ui/shell/tessel_app.h"
 
-#include "document/document.h"
 #include "ui/shell/features.h"
 
 #include <QMdiArea>
@@ -20,14 +19,6 @@ CTesselApp::CTesselApp(const Parts& parts) : CWinApp(parts.settings, parts.promp
         }
         commands.Add(feature.commands);
         helpTopics_.insert(helpTopics_.end(), feature.help.begin(), feature.help.end());
-    }
-}
-
-void CTesselApp::DocumentChanged() {
-    for (const auto& each : Templates()) {
-        for (const auto& document : each->Documents()) {
-            document->UpdateAllViews(nullptr);
-        }
     }
 }
 

@@ -20,8 +20,6 @@ public:
     };
     explicit CTesselApp(const Parts& parts);
 
-    /// Redraws every document's views.
-    void DocumentChanged();
     /// The pages of the manual from all functions.
     [[nodiscard]] const std::vector<HelpTopicPage>& HelpTopics() const noexcept {
         return helpTopics_;

@@ -17,7 +17,7 @@ constexpr QSize childSize(700, 500);
 
 CStimulusChild::CStimulusChild(const FeatureParts& parts, CStimulusDoc& document)
     : CGoStopChild(document, "Stimulus", "stimulus", childSize) {
-    auto* view = new CStimulusView(document,
+    auto* view = new CStimulusView(document, parts.settings,
                                    {parts.analyzer.Link(), parts.prompts,
                                     std::make_unique<WindowTimer>(nullptr, parts.mainThread)},
                                    [&app = parts.app] { app.ShowHelp(HelpTopic::Stimulus); });

@@ -25,9 +25,9 @@ constexpr int groupEdge = 6; // around the content of a group, without the title
 
 } // namespace
 
-CStimulusView::CStimulusView(CStimulusDoc& document, BoardRun::Parts parts,
-                             std::function<void()> showHelp)
-    : document_(document), prompts_(parts.prompts),
+CStimulusView::CStimulusView(CStimulusDoc& document, const Settings& settings,
+                             BoardRun::Parts parts, std::function<void()> showHelp)
+    : CFormView(settings), document_(document), prompts_(parts.prompts),
       patterns_(MakeTable("STIMULUS", "S%d:", stimulusPatterns)),
       events_(MakeTable("EVENT", "E%d:", document.Program().eventCount)),
       levels_(new CLevelPanel(document.Program().control, StimulusLevels(prompts_), prompts_)),
@@ -63,6 +63,7 @@ void CStimulusView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintO
     patterns_->SetList(document_.Program().patterns, ModeStimulus);
     events_->SetList(document_.Program().control.events, ModeEvents);
     levels_->Refresh();
+    update();
 }
 
 void CStimulusView::Load() {

@@ -13,8 +13,9 @@ class CStimulusDoc;
 class CStimulusView final : public CFormView {
     Q_OBJECT
 public:
-    /// The document, and the parts but the timer, outlive the view.
-    CStimulusView(CStimulusDoc& document, BoardRun::Parts parts, std::function<void()> showHelp);
+    /// The document, the settings, and the parts but the timer, outlive the view.
+    CStimulusView(CStimulusDoc& document, const Settings& settings, BoardRun::Parts parts,
+                  std::function<void()> showHelp);
 
     void Go();
     /// Stops the board, whether or not a run is on.

@@ -22,12 +22,18 @@ CBackplaneTestView::CBackplaneTestView(CBackplaneTestDoc& document, Parts parts)
 
 void CBackplaneTestView::OnUpdate(DocumentView* /*sender*/, int hint,
                                   const HintObject* /*object*/) {
-    if (hint == CBackplaneTestDoc::hintLoaded) {
-        if (run_.IsOn()) {
-            run_.Stop(); // its results would go among those of the file
-        }
-        RefreshTree();
+    if (hint != CBackplaneTestDoc::hintLoaded) {
+        update(); // a run goes on in other colours
+        return;
     }
+    if (run_.IsOn()) {
+        run_.Stop(); // its results would go among those of the file
+    }
+    RefreshTree();
+    ShowResults();
+}
+
+void CBackplaneTestView::ShowResults() {
     ClearResults();
     for (const std::string& line : document_.Results()) {
         AddResult(line);

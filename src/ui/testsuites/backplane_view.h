@@ -16,6 +16,7 @@ public:
     void Start() override { run_.Start(); }
     void Stop() override { run_.Stop(); }
 
+    void OnInitialUpdate() override { ShowResults(); }
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override;
 
 private:
@@ -25,6 +26,8 @@ private:
     void OnResult(const std::string& line) override;
 
     void Options() override;
+    void OnFileRead() override { ShowResults(); }
+    void ShowResults();
 
     CBackplaneTestDoc& document_;
     BackplaneRun run_;

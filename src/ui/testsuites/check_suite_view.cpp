@@ -3,11 +3,9 @@
 #include "testsuites/check_table_document.h"
 #include "ui/controls/check_tree.h"
 #include "ui/framework/mdi_child.h"
-#include "ui/testsuites/view_background.h"
 
 #include <QHeaderView>
 #include <QListWidget>
-#include <QPainter>
 #include <QScrollBar>
 
 namespace busquill {
@@ -31,7 +29,7 @@ std::vector<CheckRow> RowsOf(CheckTable table) {
 } // namespace
 
 CCheckSuiteView::CCheckSuiteView(CheckTableDocument& document, Parts parts, Words words)
-    : document_(document), parts_(std::move(parts)), words_(std::move(words)),
+    : CFormView(parts.settings), document_(document), parts_(std::move(parts)), words_(std::move(words)),
       tree_(new CCheckTree(this)), results_(new QListWidget(this)) {
     tree_->SetRows(RowsOf(document.Table()));
     tree_->setAccessibleName(words_.checklistTitle);
@@ -106,7 +104,7 @@ std::string CCheckSuiteView::AskFor(FileUse use) {
 void CCheckSuiteView::Load() {
     if (const std::string path = AskFor(FileUse::Open); !path.empty()) {
         static_cast<void>(document_.OnOpenDocument(path)); // reports its failure
-        document_.UpdateAllViews(nullptr);
+        OnFileRead();
     }
 }
 
@@ -123,11 +121,6 @@ void CCheckSuiteView::LayOut() {
     results_->setGeometry(Form::margin + listWidth + listGap, listTop, listWidth, listHeight);
     AddLabel(words_.checklistTitle, *tree_, {tree_->x(), titleTop, listWidth, titleHeight});
     AddLabel("Test Results", *results_, {results_->x(), titleTop, listWidth, titleHeight});
-}
-
-void CCheckSuiteView::paintEvent(QPaintEvent* event) {
-    QPainter(this).fillRect(rect(), ViewBackground(parts_.settings));
-    CFormView::paintEvent(event);
 }
 
 } // namespace busquill

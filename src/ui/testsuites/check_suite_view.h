@@ -30,9 +30,6 @@ public:
     virtual void Start() = 0;
     virtual void Stop() = 0;
 
-    /// Does nothing; a derived view shows what a file has changed.
-    void OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) override {}
-
 signals:
     void RunningChanged(bool running);
 
@@ -51,6 +48,8 @@ protected:
     virtual void Options() = 0;
     /// Ticks the rows that the document has enabled.
     virtual void RefreshTree();
+    /// Called when a file has been read, or refused.
+    virtual void OnFileRead() {}
     /// Called after a click or a key in the tree: the document has the ticks.
     virtual void OnTreeRead() {}
 
@@ -61,7 +60,6 @@ protected:
     void SelectLastResult();
 
     void LayOut() override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     void EnableAll(bool enabled);

@@ -11,10 +11,8 @@
 #include "ui/testsuites/instructions_dialog.h"
 #include "ui/testsuites/report_painter.h"
 #include "ui/testsuites/result_list.h"
-#include "ui/testsuites/view_background.h"
 
 #include <QLineEdit>
-#include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
@@ -79,7 +77,7 @@ QString PrintTime() {
 } // namespace
 
 CComplianceView::CComplianceView(Parts parts)
-    : document_(parts.document), prompts_(parts.prompts), settings_(parts.settings),
+    : CFormView(parts.settings), document_(parts.document), prompts_(parts.prompts),
       list_(std::move(parts.list)), tree_(new CCheckTree(this)), results_(new CResultList(this)),
       run_(
           {parts.link, parts.prompts, std::move(parts.timer)}, parts.document, list_,
@@ -123,19 +121,31 @@ void CComplianceView::Stop() {
     run_.Stop();
 }
 
-/// The document tells its views only of files; the first call finds a file that was opened before
-/// the window.
+/// A file may have been opened before the window.
+void CComplianceView::OnInitialUpdate() {
+    ShowDocument();
+    if (document_.loadedFromFile) {
+        emit Loaded();
+    }
+}
+
 void CComplianceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
+    if (hint != CComplianceDoc::hintLoaded) {
+        update(); // a run goes on in other colours
+        return;
+    }
     if (run_.IsOn()) {
         run_.Stop(); // its results would go among those of the file
     }
+    ShowDocument();
+    emit Loaded();
+}
+
+void CComplianceView::ShowDocument() {
     ShowDevice();
     fields_[Function]->clear(); // a file does not have it
     ShowChecks();
     ShowResults();
-    if (hint == CComplianceDoc::hintLoaded || document_.loadedFromFile) {
-        emit Loaded();
-    }
 }
 
 void CComplianceView::OnRunning(bool running) {
@@ -254,11 +264,6 @@ void CComplianceView::LayOut() {
         fields_[i]->setGeometry(
             Form::FieldPlace(plan.row, plan.left + labelWidth, plan.width, height()));
     }
-}
-
-void CComplianceView::paintEvent(QPaintEvent* event) {
-    QPainter(this).fillRect(rect(), ViewBackground(settings_));
-    CFormView::paintEvent(event);
 }
 
 } // namespace busquill

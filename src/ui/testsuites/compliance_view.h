@@ -36,6 +36,7 @@ public:
     void Go();
     void Stop();
 
+    void OnInitialUpdate() override;
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override;
 
     /// Prints the report in the pages that the printer is set to.
@@ -48,7 +49,6 @@ signals:
 
 protected:
     void LayOut() override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     enum Field { VendorId, DeviceId, Function, Address, VendorName, ClassName, FieldCount };
@@ -66,13 +66,13 @@ private:
     void Options();
     void Print();
     void PrintPreview();
+    void ShowDocument();
     void ShowDevice();
     void ShowChecks();
     void ShowResults();
 
     CComplianceDoc& document_;
     Prompts& prompts_;
-    const Settings& settings_;
     const CheckList list_;
     CCheckTree* tree_;
     CResultList* results_;

@@ -5,12 +5,11 @@
 #include "testsuites/config_document.h"
 #include "ui/framework/ask_for_file.h"
 #include "ui/framework/mdi_child.h"
+#include "ui/framework/painting.h"
 #include "ui/testsuites/config_analysis_view.h"
 #include "ui/testsuites/register_picture.h"
-#include "ui/testsuites/view_background.h"
 
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
 
 namespace busquill {
@@ -38,8 +37,8 @@ FileQuestion QuestionFor(FileUse use) {
 } // namespace
 
 CConfigView::CConfigView(Parts parts)
-    : document_(parts.document), link_(parts.link), prompts_(parts.prompts),
-      settings_(parts.settings), picture_(new RegisterPicture(parts.document.Device(), this)),
+    : CFormView(parts.settings), document_(parts.document), link_(parts.link),
+      prompts_(parts.prompts), picture_(new RegisterPicture(parts.document.Device(), this)),
       analysis_(new CConfigAnalysisView(parts.document.Device(), this)),
       address_(new QLineEdit(this)) {
     address_->setObjectName("Address");
@@ -110,11 +109,6 @@ void CConfigView::LayOut() {
     const QRect row = Form::ButtonPlace(Form::SlotLeft(5), height() - buttonRow);
     AddLabel("Address", *address_, {row.left(), row.top(), addressLabelWidth, row.height()});
     address_->setGeometry(row.left() + addressLabelWidth, row.top(), addressWidth, row.height());
-}
-
-void CConfigView::paintEvent(QPaintEvent* event) {
-    QPainter(this).fillRect(rect(), ViewBackground(settings_));
-    CFormView::paintEvent(event);
 }
 
 } // namespace busquill

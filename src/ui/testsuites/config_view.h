@@ -31,7 +31,6 @@ public:
 
 protected:
     void LayOut() override;
-    void paintEvent(QPaintEvent* event) override;
 
 private:
     /// A button of the row above the lowest one.
@@ -43,7 +42,6 @@ private:
     CConfigDoc& document_;
     CAnalyzerLink& link_;
     Prompts& prompts_;
-    const Settings& settings_;
     RegisterPicture* picture_;
     CConfigAnalysisView* analysis_;
     QLineEdit* address_;

@@ -5,6 +5,7 @@
 #include "testsuites/compliance_document.h"
 #include "testsuites/config_document.h"
 #include "ui/controls/check_tree.h"
+#include "ui/display/display_properties.h"
 #include "ui/patterns/pattern_edit.h"
 #include "ui/testsuites/compliance_child.h"
 #include "ui/testsuites/compliance_options_dialog.h"
@@ -487,6 +488,21 @@ TEST_F(TestSuiteWindows, AFileThatIsRefusedLeavesARunAlone) {
     EXPECT_THAT(prompts.Texts(), ElementsAre("Invalid compliance file type of 'Master File'."));
     EXPECT_EQ(Picture(), RunPicture::Running);
     ASSERT_TRUE(RunEnds());
+    EXPECT_THAT(ResultTexts(), ElementsAre("CFG1. One Passed", "MST1. Three Passed"));
+}
+
+TEST_F(TestSuiteWindows, OtherColorsLeaveARunAlone) {
+    Connect({"--compliance", "* slow 3"});
+    OpenCompliance();
+    Press(View(), "Find");
+    ClickBox(2);
+    Bar("Go");
+    ChooseDialog<CDisplayProperties>("Edit/Display/Colors",
+                                     [](CDisplayProperties& sheet) { Press(sheet, "OK"); });
+    EXPECT_EQ(Picture(), RunPicture::Running);
+    EXPECT_EQ(Text("Function #"), "0");
+    ASSERT_TRUE(RunEnds());
+    EXPECT_EQ(Picture(), RunPicture::Stopped);
     EXPECT_THAT(ResultTexts(), ElementsAre("CFG1. One Passed", "MST1. Three Passed"));
 }
 

@@ -1,5 +1,6 @@
 // The window that is common to the functions of the board: its bar and its form.
 
+#include "platform/memory_settings.h"
 #include "ui/framework/form_view.h"
 #include "ui/framework/go_stop_child.h"
 
@@ -21,10 +22,16 @@ public:
     bool OnSaveDocument(const std::string& /*path*/) override { return true; }
 };
 
+const Settings& AsItComes() {
+    static const MemorySettings settings;
+    return settings;
+}
+
 /// A form with one field and two buttons.
 class Sheet final : public CFormView {
 public:
-    Sheet() : field(new QLineEdit(this)) {
+    explicit Sheet(const Settings& settings = AsItComes())
+        : CFormView(settings), field(new QLineEdit(this)) {
         AddButton("&Load", Form::SlotLeft(0), [this] { ++loads; });
         AddButton("&Close", Form::SlotLeft(6), [] {});
     }
