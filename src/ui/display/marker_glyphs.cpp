@@ -1,22 +1,29 @@
 #include "ui/display/marker_glyphs.h"
 
+#include "ui/framework/draw_style.h"
+
 #include <QPainter>
 
 namespace busquill {
 
-void DrawMarkerGlyph(QPainter& painter, int which, int x, int top) {
+int GlyphHalf(const DrawStyle& style) noexcept {
+    constexpr int side = 6;
+    return style.Length(side) / 2;
+}
+
+void DrawMarkerGlyph(QPainter& painter, const DrawStyle& style, int which, int x, int top) {
     const QColor black(Qt::black);
-    constexpr int side = 2 * glyphHalf;
+    const int half = GlyphHalf(style);
+    const int side = 2 * half;
     if (which == 0) {
-        painter.fillRect(x - glyphHalf, top - 1, side + 1, 2, black);
-        painter.fillRect(x, top, 1, side, black);
+        painter.fillRect(x - half, top - style.line, side + 1, 2 * style.line, black);
+        painter.fillRect(x, top, style.line, side, black);
     } else if (which == 1) {
-        painter.fillRect(x - glyphHalf, top, side, side, black);
+        painter.fillRect(x - half, top, side, side, black);
     } else {
         painter.setPen(black);
         painter.setBrush(black);
-        painter.drawPolygon(
-            QPolygon({{x, top}, {x - glyphHalf, top + side}, {x + glyphHalf, top + side}}));
+        painter.drawPolygon(QPolygon({{x, top}, {x - half, top + side}, {x + half, top + side}}));
     }
 }
 

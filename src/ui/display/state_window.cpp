@@ -87,7 +87,7 @@ void CStateWnd::RenderNames() {
 
 StateFrame CStateWnd::Frame() {
     return {*document_, *list_,           isZoom_, list_->Tables().Board(), Colors(),
-            size(),     header_.fixedEnd, topRow_, header_.offset,          fonts_};
+            size(),     header_.fixedEnd, topRow_, header_.offset,          ScreenState(fonts_)};
 }
 
 void CStateWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

@@ -166,10 +166,9 @@ void CWaveformWnd::MoveSignalsTo(int position) {
 // Drawing.
 
 WaveFrame CWaveformWnd::Frame() {
-    return {*document_, *list_,       isZoom_,    list_->Tables().Board(),
-            Colors(),   size(),       nameWidth_, valueWidth_,
-            zoom_,      place_,       top_,       fonts_.body,
-            titleFont_, fonts_.header};
+    return {*document_, *list_, isZoom_,    list_->Tables().Board(),
+            Colors(),   size(), nameWidth_, valueWidth_,
+            zoom_,      place_, top_,       {fonts_.body, titleFont_, fonts_.header, {}}};
 }
 
 /// Remembers the first sample shown, so that a change of the rows can return to it.
