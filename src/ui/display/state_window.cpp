@@ -1,6 +1,7 @@
 #include "ui/display/state_window.h"
 
 #include "capture/trace_document.h"
+#include "ui/display/print_painter.h"
 #include "ui/display/state_geometry.h"
 
 #include <algorithm>
@@ -78,6 +79,10 @@ void CStateWnd::MoveSamplesTo(int position) {
 
 void CStateWnd::DrawFrame(QPainter& painter) {
     ReportMissing(DrawState(painter, Frame()));
+}
+
+void CStateWnd::Print(QPrinter& printer, const PrintJob& job) {
+    PrintState(printer, Frame(), job);
 }
 
 void CStateWnd::RenderNames() {

@@ -1,6 +1,7 @@
 #include "ui/display/wave_window.h"
 
 #include "capture/trace_document.h"
+#include "ui/display/print_painter.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
 
@@ -190,6 +191,10 @@ void CWaveformWnd::RenderWaves() {
         NoteFirstSample();
         ReportMissing(DrawWaves(painter, Frame()));
     });
+}
+
+void CWaveformWnd::Print(QPrinter& printer, const PrintJob& job) {
+    PrintWaves(printer, Frame(), job);
 }
 
 void CWaveformWnd::RenderNames() {
