@@ -49,11 +49,11 @@ protected:
         DrawStatePage(painter, pages, frame, job, number);
         return device.Recorded();
     }
-    Recording WavePageOf(const PrintJob& job, int number) {
+    Recording WavePageOf(const PrintJob& job, int number, int dotsPerInch = 300) {
         RecordingPaintDevice device({sheet.width, sheet.height});
         QPainter painter(&device);
         const WaveFrame frame = Waves();
-        const WavePages pages = PagesOf(sheet, 300, frame, job);
+        const WavePages pages = PagesOf(sheet, dotsPerInch, frame, job);
         EXPECT_LE(number, pages.count);
         DrawWavePage(painter, pages, frame, job, number);
         return device.Recorded();
@@ -141,6 +141,9 @@ TEST_F(PrintPainter, AListingIsBlackWithoutFillsAndEdges) {
     Load(-4, 20);
     document->SetMarker(1, 5);
     document->SetMarker(2, 7);
+    for (const auto& signal : document->stateList.All()) {
+        signal->color = 0x0000FF;
+    }
     document->stateList[0].selected = true;
     const Recording page = StatePage(Job(0, 20), 1);
     for (const Recording::Fill& fill : page.fills) {
@@ -253,6 +256,9 @@ TEST_F(PrintPainter, WaveformsAreFramedToTheLastWholeSample) {
 TEST_F(PrintPainter, WaveformsHaveBlackTextsAndNoFills) {
     Load(0, 200);
     document->SetMarker(1, 3);
+    for (const auto& signal : document->waveformList.All()) {
+        signal->color = 0x0000FF;
+    }
     document->waveformList[0].selected = true;
     const Recording page = WavePageOf(Job(0, 200), 1);
     for (const Recording::Text& text : page.texts) {
@@ -285,6 +291,15 @@ TEST_F(PrintPainter, ATimeStripShowsItsSamplesUpToTheJobsLast) {
             EXPECT_LE(fill.rect.right(), end);
         }
     }
+}
+
+TEST_F(PrintPainter, TheZoomFollowsTheResolution) {
+    Load(0, 200);
+    document->SetMarker(1, 3);
+    // At 150 dots per inch: the scale is 1.25, a sample 10 dots wide.
+    const int left = 93 + 62 + 1;
+    EXPECT_THAT(MarkLines(WavePageOf(Job(0, 200), 1, 150), 2160 - 1 - 22),
+                ElementsAre(left + 3 * 10 + 1));
 }
 
 TEST_F(PrintPainter, EachSignalIsOnOneStripOfAWaveform) {
