@@ -206,6 +206,15 @@ TEST_F(PrintDuringUpload, WaitsForTheSamplesOfTheRangeAndFetchesThemNext) {
     EXPECT_EQ(BlockOrder()[1], 0) << "the block that it waits for is read next";
 }
 
+TEST_F(PrintDuringUpload, PowerZoomDoesNotWait) {
+    BeginHeldUpload();
+    Open(false, true);
+    Press(*dialog, "OK");
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    gate.Open();
+}
+
 TEST_F(PrintDuringUpload, CancelEndsTheWaitAndNothingIsPrinted) {
     BeginHeldUpload();
     Open();

@@ -109,7 +109,7 @@ protected:
     static std::vector<int> MarkLines(const Recording& page, int height) {
         std::vector<int> found;
         for (const Recording::Fill& fill : page.fills) {
-            if (fill.rect.width() == 1 && fill.rect.height() == height) {
+            if (fill.rect.width() == 1 && fill.rect.height() == height && fill.color == black) {
                 found.push_back(fill.rect.left());
             }
         }
