@@ -215,8 +215,9 @@ TEST_F(TraceWriterTest, AFileWithoutSamplesCanBeCopied) {
         ASSERT_TRUE(document->OnOpenDocument(dir.Write("in.tra", header + data)));
         TraceFileWriter writer(*document);
         EXPECT_FALSE(writer.HasSamples());
-        EXPECT_EQ(CheckSampleRange(-writer.Before(), writer.After(), writer.Before(), writer.After()),
-                  std::nullopt);
+        EXPECT_EQ(
+            CheckSampleRange(-writer.Before(), writer.After(), writer.Before(), writer.After()),
+            std::nullopt);
         ASSERT_TRUE(writer.Begin(Path(), 0, 0));
         EXPECT_EQ(writer.Write(10), Step::Done);
         EXPECT_EQ(Load()->SampleCount(false), 0);
