@@ -24,6 +24,13 @@ public:
 
     void updateState(const QPaintEngineState& now) override {
         const DirtyFlags dirty = now.state();
+        if (dirty & DirtyTransform) {
+            if (now.transform().type() > QTransform::TxTranslate) {
+                throw std::logic_error("only translations are recorded");
+            }
+            moved_ = QPoint(static_cast<int>(std::lround(now.transform().dx())),
+                            static_cast<int>(std::lround(now.transform().dy())));
+        }
         if (dirty & DirtyPen) {
             pen_ = now.pen();
         }
@@ -39,30 +46,28 @@ public:
         if (dirty & DirtyClipEnabled) {
             clipping_ = now.isClipEnabled();
         }
-        if (dirty & DirtyTransform && now.transform().type() > QTransform::TxTranslate) {
-            throw std::logic_error("only translations are recorded");
-        }
     }
 
     void drawRects(const QRectF* rects, int count) override {
         for (const QRectF& rect : std::span(rects, static_cast<std::size_t>(count))) {
-            const QRect area = rect.toRect();
+            const QRect area = rect.toRect().translated(moved_);
             recording_.fills.push_back({area, Visible(area), brush_.color()});
         }
     }
     void drawRects(const QRect* rects, int count) override {
         for (const QRect& rect : std::span(rects, static_cast<std::size_t>(count))) {
-            recording_.fills.push_back({rect, Visible(rect), brush_.color()});
+            const QRect area = rect.translated(moved_);
+            recording_.fills.push_back({area, Visible(area), brush_.color()});
         }
     }
     void drawLines(const QLineF* lines, int count) override {
         for (const QLineF& line : std::span(lines, static_cast<std::size_t>(count))) {
-            recording_.lines.push_back({line.toLine(), pen_.color()});
+            recording_.lines.push_back({line.toLine().translated(moved_), pen_.color()});
         }
     }
     void drawLines(const QLine* lines, int count) override {
         for (const QLine& line : std::span(lines, static_cast<std::size_t>(count))) {
-            recording_.lines.push_back({line, pen_.color()});
+            recording_.lines.push_back({line.translated(moved_), pen_.color()});
         }
     }
     void drawPolygon(const QPointF* points, int count, PolygonDrawMode mode) override {
@@ -80,15 +85,15 @@ public:
         AddPolygon(polygon, mode);
     }
     void drawEllipse(const QRectF& rect) override {
-        recording_.ellipses.push_back({rect, pen_, brush_});
+        recording_.ellipses.push_back({rect.translated(moved_), pen_, brush_});
     }
     void drawEllipse(const QRect& rect) override { drawEllipse(QRectF(rect)); }
     void drawTextItem(const QPointF& at, const QTextItem& item) override {
         const int ascent = static_cast<int>(std::lround(item.ascent()));
         const int descent = static_cast<int>(std::lround(item.descent()));
-        const QRect rect(static_cast<int>(std::lround(at.x())),
-                         static_cast<int>(std::lround(at.y())) - ascent,
-                         static_cast<int>(std::lround(item.width())), ascent + descent);
+        const QRect rect(moved_ + QPoint(static_cast<int>(std::lround(at.x())),
+                                         static_cast<int>(std::lround(at.y())) - ascent),
+                         QSize(static_cast<int>(std::lround(item.width())), ascent + descent));
         recording_.texts.push_back(
             {item.text(), rect, Visible(rect), pen_.color(), item.font().bold()});
     }
@@ -98,14 +103,16 @@ public:
     }
 
 private:
-    void AddPolygon(const QPolygon& points, PolygonDrawMode mode) {
+    void AddPolygon(const QPolygon& polygon, PolygonDrawMode mode) {
+        const QPolygon points = polygon.translated(moved_);
         if (mode == PolylineMode) {
             recording_.polylines.push_back({points, pen_});
         } else {
             recording_.polygons.push_back({points, brush_.color()});
         }
     }
-    void Clip(const QRegion& region, Qt::ClipOperation operation) {
+    void Clip(const QRegion& clip, Qt::ClipOperation operation) {
+        const QRegion region = clip.translated(moved_);
         clipping_ = operation != Qt::NoClip;
         clip_ = operation == Qt::IntersectClip ? clip_.intersected(region) : region;
     }
@@ -121,6 +128,7 @@ private:
     QPen pen_;
     QBrush brush_;
     QRegion clip_;
+    QPoint moved_; // by the translation
     bool clipping_ = false;
 };
 

@@ -23,34 +23,8 @@ void WriteList(TextWriter& file, const CSignalList& list, const char* title, con
 
 } // namespace
 
-std::optional<std::string> CheckSaveRange(std::int64_t first, std::int64_t last,
-                                          std::int64_t before, std::int64_t after) {
-    const auto outside = [&](const char* which, std::int64_t value) {
-        return Printf("%s sample of %d must be between %d and %d.", which, static_cast<int>(value),
-                      static_cast<int>(-before), static_cast<int>(after));
-    };
-    if (first < -before || first > after) {
-        return outside("Start", first);
-    }
-    if (last < -before || last > after) {
-        return outside("End", last);
-    }
-    if (first > last) {
-        return "End sample must be >= start sample.";
-    }
-    return std::nullopt;
-}
-
 TraceFileWriter::TraceFileWriter(CTesselDoc& document)
-    : document_(document), store_(document.GetStore()), before_(store_.SamplesBefore()),
-      after_(store_.SamplesAfter()), hasSamples_(before_ >= 1 || after_ >= 1) {
-    if (document.LoadedFromFile()) {
-        const std::int64_t count = store_.GetCount(false);
-        hasSamples_ = count > 0;
-        before_ = hasSamples_ ? -std::int64_t{store_.FirstNumber()} : 0;
-        after_ = hasSamples_ ? count - 1 - before_ : 0;
-    }
-}
+    : document_(document), store_(document.GetStore()), range_(RangeOf(document)) {}
 
 bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::int64_t last) {
     if (!file_.CreateBeside(path)) {
@@ -68,8 +42,8 @@ bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::in
     if (HasSamples()) {
         file_.Write(
             Printf("\n\"Trace Data\",%d,%d\n", static_cast<int>(first), static_cast<int>(last)));
-        next_ = first + before_;
-        end_ = last + before_;
+        next_ = first + range_.before;
+        end_ = last + range_.before;
     }
     return true;
 }
@@ -90,18 +64,16 @@ TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
                 next_ = (next_ / blockSamples + 1) * blockSamples; // nothing fills this gap
                 continue;
             }
-            // Checked before HasSample, or the last block of an upload might be taken for missing.
-            const bool mayCome = document_.IsUploading();
-            if (store_.HasSample(sample)) {
+            const Arrival arrival = AwaitSample(document_, next_);
+            if (arrival == Arrival::Arrived) {
                 continue;
             }
-            document_.FetchNext(next_);
-            return mayCome ? Step::Waiting : Step::Missing;
+            return arrival == Arrival::Coming ? Step::Waiting : Step::Missing;
         }
         text.clear();
         for (std::size_t i = 0; i < copied; ++i, ++next_) {
             if (document_.IsRowSample(next_, false)) {
-                AppendRow(text, next_ - before_, records[i]);
+                AppendRow(text, next_ - range_.before, records[i]);
             }
         }
         file_.Write(text);
@@ -131,7 +103,7 @@ void TraceFileWriter::Abort() {
 }
 
 int TraceFileWriter::Progress() const noexcept {
-    return end_ <= 0 ? 100 : static_cast<int>(std::min<std::int64_t>(next_ * 100 / end_, 100));
+    return ProgressOf(next_, end_);
 }
 
 } // namespace busquill

@@ -10,6 +10,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace busquill {
@@ -30,15 +31,32 @@ bool IsKind(const CSignal& signal, DecodeKind kind) {
     return signal.decoded && signal.decoded->decodeKind == kind;
 }
 
+/// The columns of a frame in the units of its device. Their left edges are scaled, so that the
+/// fractions of their widths do not add up.
+TableColumns ScaledColumns(const StateFrame& frame) {
+    const DrawStyle& style = frame.style.draw;
+    std::vector<int> widths = ColumnWidths(frame.list);
+    double left = frame.sampleColumn + 1;
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        if (widths[i] < 1 || i < frame.firstColumn || i >= frame.endColumn) {
+            widths[i] = 0;
+            continue;
+        }
+        const double right = left + widths[i];
+        widths[i] = style.Length(right) - style.Length(left);
+        left = right;
+    }
+    return {std::move(widths), style.Length(frame.sampleColumn), frame.offset, frame.size.width()};
+}
+
 class Drawing {
 public:
     Drawing(QPainter& painter, const StateFrame& frame)
-        : painter_(painter), frame_(frame), columns_{ColumnWidths(frame.list), frame.sampleColumn,
-                                                     frame.offset, frame.size.width()},
-          visible_(columns_.Visible()), times_(frame) {}
+        : painter_(painter), frame_(frame), style_(frame.style.draw),
+          columns_(ScaledColumns(frame)), visible_(columns_.Visible()), times_(frame) {}
 
     std::optional<std::int64_t> Draw() {
-        painter_.fillRect(QRect(QPoint(0, 0), frame_.size), ColorOf(frame_.colors.background));
+        Fill(QRect(QPoint(0, 0), frame_.size), frame_.colors.background);
         DrawHeader();
         painter_.setClipping(false);
         DrawRows();
@@ -47,33 +65,39 @@ public:
 
     void DrawHeaderOnly() {
         painter_.setClipping(false);
-        painter_.fillRect(0, 0, frame_.size.width(), tableHeaderLine,
-                          ColorOf(frame_.colors.background));
+        Fill({0, 0, frame_.size.width(), frame_.style.headerLine}, frame_.colors.background);
         DrawHeader();
     }
 
 private:
+    /// The colour of text or a line on a ground.
     [[nodiscard]] QColor Ink(std::uint32_t color, std::uint32_t ground) const {
-        return ColorOf(frame_.colors.Ink(color, ground));
+        return style_.Color(ColorOf(frame_.colors.Ink(color, ground)));
+    }
+
+    void Fill(const QRect& place, std::uint32_t color) {
+        if (style_.fills) {
+            painter_.fillRect(place, ColorOf(color));
+        }
     }
 
     void ClipToColumns() {
-        const int left = frame_.sampleColumn + 1;
+        const int left = columns_.fixedColumn + 1;
         painter_.setClipRect(QRect(left, 0, frame_.size.width() - left, frame_.size.height()));
     }
 
     void DrawHeader() {
-        DrawTableHeader(painter_,
-                        {frame_.list, columns_, frame_.size.height(), "SAMPLE", frame_.fonts.header,
-                         ColorOf(frame_.colors.background), Ink(black, frame_.colors.background)});
+        DrawTableHeader(painter_, {frame_.list, columns_, frame_.size.height(), "SAMPLE",
+                                   ColorOf(frame_.colors.background),
+                                   Ink(black, frame_.colors.background), frame_.style});
     }
 
     void DrawRows() {
-        painter_.setFont(frame_.fonts.body);
+        painter_.setFont(frame_.style.fonts.body);
         std::int64_t row = frame_.topRow;
         std::int64_t previous = 0;
-        for (int y = tableFirstRow; y < frame_.size.height() && row < RowCount();
-             y += stateRowPitch, ++row) {
+        for (int y = frame_.style.FirstRow(); y < frame_.size.height() && row < EndRow();
+             y += frame_.style.rowPitch, ++row) {
             const std::int64_t sample = frame_.document.RowToSample(row, frame_.zoom);
             if (sample < 0) {
                 continue;
@@ -87,7 +111,9 @@ private:
         }
     }
 
-    [[nodiscard]] std::int64_t RowCount() const { return frame_.document.RowCount(frame_.zoom); }
+    [[nodiscard]] std::int64_t EndRow() const {
+        return std::min(frame_.document.RowCount(frame_.zoom), frame_.endRow);
+    }
 
     /// The colour of a row's stripe, if it has one. It depends on the sample, so that a filter does
     /// not change it.
@@ -102,10 +128,10 @@ private:
 
     void DrawRow(int y, std::int64_t row, std::int64_t sample, std::int64_t previous, bool valid) {
         const auto color = RowColor(sample);
-        const QRect numberCell(1, y, frame_.sampleColumn - 1, stateRowPitch - 1);
+        const QRect numberCell(1, y, columns_.fixedColumn - 1, frame_.style.rowText);
         painter_.setClipping(false);
         if (color) {
-            painter_.fillRect(numberCell, ColorOf(*color));
+            Fill(numberCell, *color);
         }
         const std::uint32_t ground = color.value_or(frame_.colors.background);
         painter_.setPen(Ink(black, ground));
@@ -121,9 +147,9 @@ private:
                                   record ? &*record : nullptr, times_.At(sample, previous)};
         ClipToColumns();
         for (const TableColumn& column : visible_) {
-            const QRect cell = column.Cell(y, stateRowPitch - 1);
+            const QRect cell = column.Cell(y, frame_.style.rowText);
             if (color) {
-                painter_.fillRect(cell, ColorOf(*color));
+                Fill(cell, *color);
             }
             DrawCell(cell, frame_.list[column.signal], ground, row, sample, listed);
         }
@@ -134,7 +160,7 @@ private:
         painter_.setPen(Ink(signal.color, ground));
         const std::string text = CellText(frame_.board, signal, listed, frame_.zoom);
         // A value without its sign or its first digits could be mistaken for another one.
-        DrawCellText(painter_, cell.adjusted(2, 0, -2, 0), ToQt(text),
+        DrawCellText(painter_, cell.adjusted(style_.Length(2), 0, -style_.Length(2), 0), ToQt(text),
                      IsLeftAligned(signal) ? CellAlign::Left : CellAlign::Center, true);
         if (IsKind(signal, DecodeKind::Delta)) {
             DrawDelta(cell, row, sample, Ink(black, ground));
@@ -146,20 +172,20 @@ private:
     void DrawDelta(const QRect& cell, std::int64_t row, std::int64_t sample, const QColor& ink) {
         const auto marker = [&](int which) { return frame_.document.Marker(which, frame_.zoom); };
         const int cy = cell.top() + cell.height() / 2;
-        const int top = cy - glyphHalf;
+        const int top = cy - GlyphHalf(style_);
         const auto xAt = [&](int k) { return cell.left() + cell.width() * k / 6; };
         const bool isTrigger = marker(0) == sample;
         int k = 3;
         if (isTrigger) {
-            DrawMarkerGlyph(painter_, 0, xAt(k), top, ink);
+            DrawMarkerGlyph(painter_, style_, 0, xAt(k), top, ink);
             k = 1;
         }
         if (marker(1) == sample) {
-            DrawMarkerGlyph(painter_, 1, xAt(k), top, ink);
+            DrawMarkerGlyph(painter_, style_, 1, xAt(k), top, ink);
             k = isTrigger ? 5 : 1;
         }
         if (marker(2) == sample) {
-            DrawMarkerGlyph(painter_, 2, xAt(k), top, ink);
+            DrawMarkerGlyph(painter_, style_, 2, xAt(k), top, ink);
         }
         const bool marked = isTrigger || marker(1) == sample || marker(2) == sample;
         if (!marked && marker(1) != -1 && marker(2) != -1) {
@@ -178,12 +204,14 @@ private:
                          CellAlign::Center, true);
         } else if (sample > std::min(first, second) && sample < std::max(first, second)) {
             // Joins the line of the next row.
-            painter_.fillRect(cell.center().x(), cell.top(), 1, stateRowPitch, ink);
+            painter_.fillRect(cell.center().x(), cell.top(), style_.line, frame_.style.rowPitch,
+                              ink);
         }
     }
 
     QPainter& painter_;
     const StateFrame& frame_;
+    const DrawStyle style_;
     const TableColumns columns_;
     const std::vector<TableColumn> visible_;
     FrameTimes times_;
@@ -191,6 +219,21 @@ private:
 };
 
 } // namespace
+
+StateStyle ScreenState(const TableFonts& fonts) {
+    return {{fonts, {}}, stateRowPitch, stateRowPitch - 1};
+}
+
+StateStyle PaperState(double scale) {
+    const DrawStyle draw = PaperStyle(scale);
+    const int pitch = draw.Size(14);
+    return {{{FontOfCellHeight(pitch, QFont::Normal, FontFace::Fixed),
+              FontOfCellHeight(draw.Size(15), QFont::Bold, FontFace::Proportional)},
+             draw,
+             std::max(draw.Length(18) - draw.line, 0)},
+            pitch,
+            pitch};
+}
 
 FrameTimes::FrameTimes(const StateFrame& frame)
     : frame_(frame), trigger_(frame.document.Marker(0, frame.zoom)) {

@@ -7,7 +7,9 @@
 
 #include <QSize>
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 class QPainter;
@@ -17,6 +19,16 @@ namespace busquill {
 class CSignalList;
 class CTesselDoc;
 
+/// How a listing is drawn.
+struct StateStyle : TableStyle {
+    int rowPitch = 0;
+    int rowText = 0; // the part of a row that texts and stripes take
+};
+
+[[nodiscard]] StateStyle ScreenState(const TableFonts& fonts);
+/// Rows on paper touch.
+[[nodiscard]] StateStyle PaperState(double scale);
+
 /// Everything that one frame of the listing is drawn from.
 struct StateFrame {
     CTesselDoc& document;
@@ -25,10 +37,14 @@ struct StateFrame {
     BoardTraits board;
     DisplayColors colors;
     QSize size;
-    int sampleColumn = 0; // width of the SAMPLE column
+    int sampleColumn = 0; // width of the SAMPLE column, as on the screen
     std::int64_t topRow = 0;
     int offset = 0; // horizontal scroll of the signal columns
-    TableFonts fonts;
+    StateStyle style;
+    // On paper, a part of the columns and rows.
+    std::size_t firstColumn = 0; // in the list
+    std::size_t endColumn = std::numeric_limits<std::size_t>::max();
+    std::int64_t endRow = std::numeric_limits<std::int64_t>::max();
 };
 
 /// The times in the rows of a frame. Only times that a visible column shows are computed.

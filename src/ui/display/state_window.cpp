@@ -1,6 +1,7 @@
 #include "ui/display/state_window.h"
 
 #include "capture/trace_document.h"
+#include "ui/display/print_painter.h"
 #include "ui/display/state_geometry.h"
 
 #include <algorithm>
@@ -80,6 +81,10 @@ void CStateWnd::DrawFrame(QPainter& painter) {
     ReportMissing(DrawState(painter, Frame()));
 }
 
+void CStateWnd::Print(QPrinter& printer, const PrintJob& job) {
+    PrintState(printer, Frame(), job);
+}
+
 void CStateWnd::RenderNames() {
     RenderPart({0, 0, width(), tableHeaderLine},
                [&](QPainter& painter) { DrawStateHeader(painter, Frame()); });
@@ -87,7 +92,7 @@ void CStateWnd::RenderNames() {
 
 StateFrame CStateWnd::Frame() {
     return {*document_, *list_,           isZoom_, list_->Tables().Board(), Colors(),
-            size(),     header_.fixedEnd, topRow_, header_.offset,          fonts_};
+            size(),     header_.fixedEnd, topRow_, header_.offset,          ScreenState(fonts_)};
 }
 
 void CStateWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

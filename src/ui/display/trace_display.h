@@ -6,10 +6,13 @@
 #include <cstdint>
 #include <optional>
 
+class QPrinter;
+
 namespace busquill {
 
 class CTesselDoc;
 class Settings;
+struct PrintJob;
 
 /// The window inside a trace view that shows samples along one axis and signals along the other.
 /// The view owns its scroll bars and notifies it of changes to the document. Until it is attached
@@ -44,6 +47,9 @@ public:
     virtual void StepSamples(bool forward) = 0;
     virtual void PageSamples(bool forward) = 0;
     virtual void MoveSamplesTo(int position) = 0;
+
+    /// Prints samples as they are shown. The display is attached.
+    virtual void Print(QPrinter& printer, const PrintJob& job) = 0;
 
     /// Draws again what depends on the markers.
     virtual void RenderMarkers() { Render(); }

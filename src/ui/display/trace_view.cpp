@@ -7,14 +7,18 @@
 #include "platform/working_directory.h"
 #include "signals/cell_text.h"
 #include "ui/capture/position_gauge.h"
+#include "ui/capture/print_trace_dialog.h"
 #include "ui/capture/trace_status_dialog.h"
 #include "ui/display/go_to_sample_dialog.h"
+#include "ui/display/print_painter.h"
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_frame.h"
 #include "ui/display/wave_geometry.h"
 #include "ui/display/wave_window.h"
+#include "ui/framework/mdi_child.h"
 #include "ui/framework/painting.h"
+#include "ui/framework/printing.h"
 #include "ui/framework/scroll_actions.h"
 #include "ui/framework/wait_cursor.h"
 #include "ui/patterns/pattern_dialogs.h"
@@ -108,6 +112,8 @@ void CTraceView::MakeCommands() {
             in ? CommandId::ZoomIn : CommandId::ZoomOut, [this, in] { Zoom(in); },
             [this, in] { return CanZoom(in); });
     }
+    commands.On(CommandId::Print, [this] { Print(false); });
+    commands.On(CommandId::PrintPreview, [this] { Print(true); });
     // A capture from a file never changes; Save As makes a copy.
     commands.Forbid(CommandId::FileSave, [this] { return !Trace().IsRealTime(); });
 }
@@ -214,6 +220,29 @@ void CTraceView::Filter() {
     }
     const WaitCursor wait;
     Trace().ApplyFilter(TopSample());
+}
+
+void CTraceView::Print(bool preview) {
+    if (parts_.prompts == nullptr || parts_.mainThread == nullptr) {
+        return;
+    }
+    CPrintTraceDlg dialog(this, Trace(), isState_, isZoom_, parts_.settings, *parts_.prompts,
+                          *parts_.mainThread);
+    if (dialog.exec() != QDialog::Accepted) {
+        return;
+    }
+    Trace().FlushBlockUpdates(); // the samples have arrived, but perhaps not been unpacked
+    const CMDIChildWnd* const frame = CMDIChildWnd::FrameOf(*this);
+    const QString title = frame == nullptr ? QString() : frame->windowTitle();
+    const auto print = [&](QPrinter& printer) {
+        PrintTo(printer,
+                {dialog.First(), dialog.Last(), dialog.ScalesToPage(), {title, PrintTime()}});
+    };
+    preview ? ShowPrintPreview(this, print) : AskAndPrint(this, print);
+}
+
+void CTraceView::PrintTo(QPrinter& printer, const PrintJob& job) {
+    display_->Print(printer, job);
 }
 
 void CTraceView::OnInitialUpdate() {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+class QPrinter;
 class QScrollBar;
 
 namespace busquill {
@@ -17,10 +18,12 @@ class CSignalList;
 class CTesselDoc;
 class CTraceStatusDialog;
 class CWaveformWnd;
+class MainThread;
 class Prompts;
 class Settings;
 class TraceDisplay;
 class TraceFrame;
+struct PrintJob;
 struct RunState;
 
 enum class SearchDirection;
@@ -28,9 +31,10 @@ enum class GoToTarget { Trigger, Marker1, Marker2, Start, End };
 
 /// What a trace view works with; all outlive it. A view of a file needs only the settings.
 struct TraceViewParts {
-    const Settings& settings;
+    Settings& settings;
     CAnalyzerLink* link = nullptr;
-    Prompts* prompts = nullptr; // without it there is no menu on signals
+    Prompts* prompts = nullptr;             // without it there is no menu on signals
+    const MainThread* mainThread = nullptr; // without it nothing is printed
 };
 
 /// The view of a captured trace: scroll bars around one display of its samples, kept in step with
@@ -71,6 +75,11 @@ public:
     /// Only waveforms can be zoomed, within limits.
     [[nodiscard]] bool CanZoom(bool in) const;
     void Zoom(bool in);
+
+    /// Asks for a range of samples and prints it, or shows it in the preview.
+    void Print(bool preview);
+    /// Prints samples in the pages that the printer is set to.
+    void PrintTo(QPrinter& printer, const PrintJob& job);
 
     [[nodiscard]] QSize sizeHint() const override { return {830, 380}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {240, 120}; }

@@ -170,12 +170,13 @@ std::int64_t WaveScale::TickedRows() const noexcept {
     return zoom > 0 ? ticks : ticks * -zoom;
 }
 
-std::vector<WaveBand> VisibleBands(std::span<const int> heights, BandPlace top, int bottom) {
+std::vector<WaveBand> VisibleBands(std::span<const int> heights, BandPlace top, int bottom,
+                                   int firstBand) {
     std::vector<WaveBand> bands;
     if (top.signal < 0) {
         return bands;
     }
-    int y = waveFirstBand - top.offset;
+    int y = firstBand - top.offset;
     for (auto i = static_cast<std::size_t>(top.signal); i < heights.size() && y < bottom; ++i) {
         if (heights[i] > 0) {
             bands.push_back({i, y, heights[i]});

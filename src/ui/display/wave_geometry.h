@@ -97,10 +97,10 @@ struct BandPlace {
     friend bool operator==(const BandPlace&, const BandPlace&) = default;
 };
 
-/// The bands that show above `bottom`. A height below 1 means that there is no band; each band is
-/// followed by a gap of one pixel.
+/// The bands that show from `firstBand` down to `bottom`. A height below 1 means that there is no
+/// band; each band is followed by a gap of one pixel.
 [[nodiscard]] std::vector<WaveBand> VisibleBands(std::span<const int> heights, BandPlace top,
-                                                 int bottom);
+                                                 int bottom, int firstBand = waveFirstBand);
 /// The height of all bands with their gaps.
 [[nodiscard]] int BandsHeight(std::span<const int> heights) noexcept;
 /// The position of the bar along the signals for a place, and back. The first leaves out the gaps

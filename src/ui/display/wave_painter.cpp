@@ -18,8 +18,9 @@ namespace {
 constexpr int railInset = 2; // pixels from a band's edges to its high and low level
 constexpr int tickHeight = 7;
 constexpr int spanMargin = 10; // free pixels around the text between the markers
-constexpr int glyphTop = waveHeaderLine / 2 - glyphHalf;
+constexpr int spanLift = 4;    // pixels of the line between them above the glyphs, on paper
 constexpr std::uint32_t black = 0;
+constexpr std::uint32_t white = 0xFFFFFF;
 
 /// Rectangles of one colour, drawn in one call. A rectangle that continues the previous one to the
 /// right is merged with it, so that a busy line costs no more than a block.
@@ -49,10 +50,6 @@ public:
 private:
     QList<QRect> rects_;
 };
-
-void VerticalLine(QPainter& painter, int x, int top, int bottom, const QColor& color) {
-    painter.fillRect(x, top, 1, bottom - top, color);
-}
 
 QRect LineInBand(const QRect& band, int lineHeight) {
     return {band.left(), band.top() + (band.height() - lineHeight) / 2, band.width(), lineHeight};
@@ -90,41 +87,43 @@ private:
 class WaveDrawing {
 public:
     WaveDrawing(QPainter& painter, const WaveFrame& frame)
-        : painter_(painter), frame_(frame), scale_(frame.Scale()),
-          bands_(VisibleBands(BandHeights(frame.list), frame.top, frame.size.height())),
+        : painter_(painter), frame_(frame), scale_(frame.Scale()), style_(frame.style.draw),
+          headerLine_(frame.style.HeaderLine()), firstBand_(frame.style.FirstBand()),
+          bands_(Bands(frame)),
           samples_(frame.document, frame.isZoom, frame.place.row, frame.DrawnSamples()),
-          bodyHeight_(QFontMetrics(frame.bodyFont).height()),
-          line_(ColorOf(frame.colors.Ink(black, frame.colors.background))) {}
+          bodyHeight_(QFontMetrics(frame.style.body).height()),
+          line_(style_.Color(ColorOf(frame.colors.Ink(black, frame.colors.background)))) {}
 
     void DrawTitles() {
-        const int valueLeft = frame_.nameWidth;
-        const int waveLeft = frame_.nameWidth + frame_.valueWidth;
+        const int valueLeft = frame_.Names();
+        const int waveLeft = frame_.Names() + frame_.Values();
         painter_.setClipping(false);
-        painter_.fillRect(0, 0, waveLeft, waveFirstBand, Background());
-        painter_.fillRect(0, waveHeaderLine, frame_.size.width(), 1, line_);
-        painter_.setFont(frame_.titleFont);
+        Fill({0, 0, waveLeft, firstBand_}, Background());
+        painter_.fillRect(0, headerLine_, frame_.size.width(), style_.line, line_);
+        painter_.setFont(frame_.style.title);
         painter_.setPen(line_);
-        DrawCellText(painter_, QRect(QPoint(1, 0), QPoint(valueLeft - 1, waveHeaderLine - 1)),
+        DrawCellText(painter_, QRect(QPoint(1, 0), QPoint(valueLeft - 1, headerLine_ - 1)),
                      "Signal", CellAlign::Center, true);
         DrawCellText(painter_,
-                     QRect(QPoint(valueLeft + 1, 0), QPoint(waveLeft - 1, waveHeaderLine - 1)),
+                     QRect(QPoint(valueLeft + 1, 0), QPoint(waveLeft - 1, headerLine_ - 1)),
                      "Value", CellAlign::Center, true);
-        VerticalLine(painter_, valueLeft, 0, frame_.size.height(), line_);
-        VerticalLine(painter_, waveLeft, 0, frame_.size.height(), line_);
+        VerticalLine(valueLeft, 0, frame_.size.height(), line_);
+        VerticalLine(waveLeft, 0, frame_.size.height(), line_);
     }
 
     void DrawNames() {
-        const QRect column(0, waveFirstBand, frame_.nameWidth,
-                           frame_.size.height() - waveFirstBand);
+        const QRect column(0, firstBand_, frame_.Names(), frame_.size.height() - firstBand_);
         painter_.setClipRect(column);
-        painter_.fillRect(column, Background());
-        painter_.setFont(frame_.nameFont);
+        Fill(column, Background());
+        painter_.setFont(frame_.style.name);
         for (const WaveBand& band : bands_) {
             const CSignal& signal = frame_.list[band.signal];
-            const QRect cell(0, band.top, frame_.nameWidth, band.height);
-            painter_.fillRect(cell, signal.selected ? QColor(Qt::white) : Background());
-            DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
-            painter_.setPen(signal.selected ? QColor(Qt::black) : line_);
+            const QRect cell(0, band.top, column.width(), band.height);
+            Fill(cell, signal.selected ? QColor(Qt::white) : Background());
+            if (style_.edges) {
+                DrawEdge(painter_, cell, signal.selected ? Edge::Sunken : Edge::Raised);
+            }
+            painter_.setPen(signal.selected && style_.fills ? QColor(Qt::black) : line_);
             DrawCentered(cell.adjusted(1, 1, -1, -1), QString::fromStdString(signal.RowName()),
                          true);
         }
@@ -132,20 +131,20 @@ public:
     }
 
     void DrawValues() {
-        const QRect column(frame_.nameWidth + 1, waveFirstBand, frame_.valueWidth - 1,
-                           frame_.size.height() - waveFirstBand);
+        const QRect column(frame_.Names() + 1, firstBand_, frame_.Values() - 1,
+                           frame_.size.height() - firstBand_);
         painter_.setClipRect(column);
-        painter_.fillRect(column, Background());
+        Fill(column, Background());
         const std::int64_t marker = frame_.document.Marker(1, frame_.isZoom);
         const bool isSet = marker >= 0 && marker < frame_.document.SampleCount(frame_.isZoom) &&
                            frame_.document.IsValidSample(marker, frame_.isZoom);
-        painter_.setFont(frame_.bodyFont);
+        painter_.setFont(frame_.style.body);
         for (const WaveBand& band : bands_) {
             const CSignal& signal = frame_.list[band.signal];
             const QRect cell(column.left(), band.top, column.width(), band.height);
             FillBand(band, cell.left(), cell.width());
             if (isSet && HasData(signal)) {
-                painter_.setPen(InkOf(signal, band));
+                painter_.setPen(style_.Color(InkOf(signal, band)));
                 DrawCentered(
                     cell.adjusted(1, 0, -1, 0),
                     QString::fromStdString(BandText(samples_, frame_.board, signal, marker)),
@@ -159,9 +158,9 @@ public:
         const QRect area(frame_.WaveLeft(), 0, frame_.size.width() - frame_.WaveLeft(),
                          frame_.size.height());
         painter_.setClipRect(area);
-        painter_.fillRect(area, Background());
+        Fill(area, Background());
         const auto missing = samples_.FirstMissing();
-        const QRect belowHeader = area.adjusted(0, waveFirstBand, 0, 0);
+        const QRect belowHeader = area.adjusted(0, firstBand_, 0, 0);
         painter_.setClipRect(belowHeader);
         for (const WaveBand& band : bands_) {
             FillBand(band, area.left(), area.width());
@@ -171,7 +170,7 @@ public:
             }
         }
         painter_.setClipRect(area);
-        painter_.fillRect(area.left(), waveHeaderLine, area.width(), 1, line_);
+        painter_.fillRect(area.left(), headerLine_, area.width(), style_.line, line_);
         DrawTimeMarks();
         Frame();
         return missing;
@@ -182,22 +181,42 @@ private:
     /// The colour of a signal on its band.
     [[nodiscard]] QColor InkOf(const CSignal& signal, const WaveBand& band) const {
         const DisplayColors& colors = frame_.colors;
-        return ColorOf(
-            colors.Ink(signal.color, band.signal % 2 != 0 ? colors.alternate : colors.background));
+        const std::uint32_t ground = !style_.fills          ? white // paper
+                                     : band.signal % 2 != 0 ? colors.alternate
+                                                            : colors.background;
+        return ColorOf(colors.Ink(signal.color, ground));
     }
 
-    /// Draws the lines at the right and the bottom of the window.
+    [[nodiscard]] static std::vector<WaveBand> Bands(const WaveFrame& frame) {
+        std::vector<int> heights = BandHeights(frame.list, frame.style.draw);
+        heights.resize(std::min(heights.size(), frame.endSignal));
+        return VisibleBands(heights, frame.top, frame.size.height(), frame.style.FirstBand());
+    }
+
+    void Fill(const QRect& place, const QColor& color) {
+        if (style_.fills) {
+            painter_.fillRect(place, color);
+        }
+    }
+    void VerticalLine(int x, int top, int bottom, const QColor& color) {
+        painter_.fillRect(x, top, style_.line, bottom - top, color);
+    }
+
+    /// Draws the lines at the right and the bottom of a window; a page has a frame of its own.
     void Frame() {
+        if (!style_.edges) {
+            return;
+        }
         const int right = frame_.size.width() - 1;
         const int bottom = frame_.size.height() - 1;
-        VerticalLine(painter_, right, 0, bottom + 1, line_);
+        VerticalLine(right, 0, bottom + 1, line_);
         painter_.fillRect(0, bottom, right + 1, 1, line_);
     }
 
     /// Stripes depend on the signal, so that they scroll with it.
     void FillBand(const WaveBand& band, int left, int width) {
         if (band.signal % 2 != 0) {
-            painter_.fillRect(left, band.top, width, band.height, ColorOf(frame_.colors.alternate));
+            Fill({left, band.top, width, band.height}, ColorOf(frame_.colors.alternate));
         }
     }
 
@@ -206,6 +225,7 @@ private:
                      CellAlign::Center, ellipsis);
     }
 
+    [[nodiscard]] int Inset() const { return style_.Length(railInset); }
     [[nodiscard]] static bool HasData(const CSignal& signal) {
         return signal.numSamples != 0 && !signal.IsBlank();
     }
@@ -229,16 +249,16 @@ private:
 
     /// Draws two rails, and a tick between them where the value changes.
     void DrawBus(const CSignal& signal, const WaveBand& band) {
-        const int high = band.top + railInset;
-        const int low = band.top + band.height - railInset;
-        const int end = scale_.EndOf(samples_.RowCount() - frame_.place.row, frame_.Visible());
-        strokes_.Add(scale_.left, high, end - scale_.left, 1);
-        strokes_.Add(scale_.left, low, end - scale_.left, 1);
+        const int high = band.top + Inset();
+        const int low = band.top + band.height - Inset();
+        const int end = scale_.EndOf(frame_.EndRow() - frame_.place.row, frame_.Visible());
+        strokes_.Add(scale_.left, high, end - scale_.left, style_.line);
+        strokes_.Add(scale_.left, low, end - scale_.left, style_.line);
         const BandValues values(samples_, frame_.board, signal, TickKind(signal));
         std::int64_t k = values.NextChange(0);
         while (k < samples_.count) {
             const int x = scale_.XOf(k);
-            strokes_.Add(x, high, 1, low - high + 1);
+            strokes_.Add(x, high, style_.line, low - high + style_.line);
             // Skips further changes in the same pixel: the tick is already there.
             k = values.NextChange(std::max(k, scale_.FirstAfter(x) - 1));
         }
@@ -246,8 +266,8 @@ private:
 
     /// Draws a level up to each change, and an edge to the other level there.
     void DrawBit(const CSignal& signal, const WaveBand& band) {
-        const int high = band.top + railInset;
-        const int low = band.top + band.height - railInset;
+        const int high = band.top + Inset();
+        const int low = band.top + band.height - Inset();
         const BandValues values(samples_, frame_.board, signal, BandValues::Kind::Bit);
         const auto levelOf = [&](std::int64_t k) { return values.Bit(k) ? high : low; };
         std::int64_t k = 0;
@@ -256,13 +276,15 @@ private:
             const int level = levelOf(k);
             k = values.NextChange(k);
             const int next = scale_.XOf(k);
-            if (next - x > 1 || x == scale_.left || k >= samples_.count) { // else edges touch
-                strokes_.Add(x, level, next - x + (k < samples_.count ? 1 : 0), 1);
+            if (next - x > style_.line || x == scale_.left ||
+                k >= samples_.count) { // else edges touch
+                strokes_.Add(x, level, next - x + (k < samples_.count ? style_.line : 0),
+                             style_.line);
             }
             if (k >= samples_.count) {
                 return;
             }
-            strokes_.Add(next, high, 1, low - high + 1);
+            strokes_.Add(next, high, style_.line, low - high + style_.line);
             // Further edges in the same pixel fall on the same line: only the level after them
             // counts.
             k = std::clamp(scale_.FirstAfter(next) - 1, k, samples_.count - 1);
@@ -272,9 +294,9 @@ private:
 
     /// Draws the values in the runs of equal samples.
     void DrawRuns(const CSignal& signal, const WaveBand& band) {
-        painter_.setFont(frame_.bodyFont);
-        painter_.setPen(InkOf(signal, band));
-        RunTexts texts(painter_, frame_.bodyFont);
+        painter_.setFont(frame_.style.body);
+        painter_.setPen(style_.Color(InkOf(signal, band)));
+        RunTexts texts(painter_, frame_.style.body);
         const BandValues values(samples_, frame_.board, signal, BandValues::KindOf(signal));
         const QRect line = LineInBand(QRect(0, band.top, 1, band.height), bodyHeight_);
         // Shorter runs show no text, so runs that share a pixel are skipped.
@@ -305,20 +327,22 @@ private:
     void DrawTimeMarks() {
         const int ticks = scale_.TickCount();
         for (int i = 0; i < ticks; ++i) {
-            strokes_.Add(scale_.left + i * scale_.TickStep(), waveHeaderLine - tickHeight, 1,
-                         tickHeight);
+            const int height = style_.Length(tickHeight);
+            strokes_.Add(scale_.left + i * scale_.TickStep(), headerLine_ - height, style_.line,
+                         height);
         }
         strokes_.Draw(painter_, line_);
-        if (samples_.RowCount() == 0) {
+        if (frame_.EndRow() <= frame_.place.row) {
             return;
         }
-        lastRow_ = std::min(frame_.place.row + scale_.TickedRows(), samples_.RowCount() - 1);
+        lastRow_ = std::min(frame_.place.row + scale_.TickedRows(), frame_.EndRow() - 1);
         for (int which = 0; which < 3; ++which) {
             DrawMark(which);
         }
         DrawSpan();
     }
 
+    [[nodiscard]] int GlyphTop() const { return headerLine_ / 2 - GlyphHalf(style_); }
     [[nodiscard]] std::int64_t Mark(int which) const {
         return frame_.document.Marker(which, frame_.isZoom);
     }
@@ -346,9 +370,9 @@ private:
         if (x >= scale_.right - 1) {
             return;
         }
-        DrawMarkerGlyph(painter_, which, x, glyphTop, line_);
-        VerticalLine(painter_, x, waveHeaderLine + 1, frame_.size.height() - 1,
-                     ColorOf(frame_.colors.Mark(which)));
+        DrawMarkerGlyph(painter_, style_, which, x, GlyphTop(), line_);
+        VerticalLine(x, firstBand_, frame_.size.height() - 1,
+                     style_.Color(ColorOf(frame_.colors.Mark(which))));
     }
 
     enum class Side { Left, Inside, Right };
@@ -378,17 +402,21 @@ private:
             return;
         }
         const auto [left, right] = std::minmax({EndOf(first, side1), EndOf(second, side2)});
-        painter_.fillRect(left, glyphTop, right - left, 1, line_);
+        const bool isPaper = !style_.fills;
+        const int lineTop = GlyphTop() - (isPaper ? spanLift * style_.line : 0);
+        painter_.fillRect(left, lineTop, right - left, style_.line, line_);
         const QString text =
             QString::fromStdString(TimeBetween(first, second, frame_.list, frame_.isZoom));
-        painter_.setFont(frame_.bodyFont);
+        painter_.setFont(frame_.style.body);
         const int width = painter_.fontMetrics().horizontalAdvance(text);
-        if (text.isEmpty() || width + spanMargin >= right - left) {
+        if (text.isEmpty() || width + spanMargin * style_.line >= right - left) {
             return;
         }
         const QRect line = LineInBand(
-            QRect(left + (right - left - width) / 2, -2, width, waveHeaderLine + 2), bodyHeight_);
-        painter_.fillRect(line.adjusted(-1, 0, 1, 0), Background());
+            QRect(QPoint(left + (right - left - width) / 2, isPaper ? 2 * style_.line : -2),
+                  QPoint(left + (right - left - width) / 2 + width - 1, headerLine_ - 1)),
+            bodyHeight_);
+        painter_.fillRect(line.adjusted(-1, 0, 1, 0), isPaper ? QColor(Qt::white) : Background());
         painter_.setPen(line_);
         DrawCellText(painter_, line, text, CellAlign::Center, false);
     }
@@ -396,6 +424,9 @@ private:
     QPainter& painter_;
     const WaveFrame& frame_;
     const WaveScale scale_;
+    const DrawStyle style_;
+    const int headerLine_;
+    const int firstBand_;
     const std::vector<WaveBand> bands_;
     const BandSamples samples_;
     const int bodyHeight_;
@@ -407,14 +438,27 @@ private:
 } // namespace
 
 std::int64_t WaveFrame::DrawnSamples() const {
-    return std::clamp<std::int64_t>(document.RowCount(isZoom) - place.row, 0, Scale().Count());
+    return std::clamp<std::int64_t>(EndRow() - place.row, 0, Scale().Count());
 }
 
-std::vector<int> BandHeights(const CSignalList& list) {
+std::int64_t WaveFrame::EndRow() const {
+    return lastRow < document.RowCount(isZoom) ? lastRow + 1 : document.RowCount(isZoom);
+}
+
+WaveStyle PaperWaves(double scale) {
+    const auto font = [](double height, QFont::Weight weight, FontFace face) {
+        return FontOfCellHeight(std::max(static_cast<int>(height), 1), weight, face);
+    };
+    return {font((scale - 0.3) * 14, QFont::Normal, FontFace::Fixed),
+            font((scale - 0.2) * 16, QFont::Bold, FontFace::Proportional),
+            font((scale - 0.2) * 15, QFont::Bold, FontFace::Proportional), PaperStyle(scale)};
+}
+
+std::vector<int> BandHeights(const CSignalList& list, const DrawStyle& style) {
     std::vector<int> heights;
     heights.reserve(list.Size());
     for (const auto& signal : list.All()) {
-        heights.push_back(signal->VisibleHeight());
+        heights.push_back(style.Length(signal->VisibleHeight()));
     }
     return heights;
 }

@@ -3,11 +3,14 @@
 #include "link/board_identity.h"
 #include "ui/display/wave_geometry.h"
 #include "ui/framework/display_colors.h"
+#include "ui/framework/draw_style.h"
 
 #include <QFont>
 #include <QSize>
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -18,6 +21,21 @@ namespace busquill {
 class CSignalList;
 class CTesselDoc;
 
+/// How waveforms are drawn.
+struct WaveStyle {
+    QFont body; // fixed pitch
+    QFont title;
+    QFont name;
+    DrawStyle draw;
+
+    /// y of the line below the header, and of the first band.
+    [[nodiscard]] int HeaderLine() const noexcept { return draw.Length(waveHeaderLine); }
+    [[nodiscard]] int FirstBand() const noexcept { return HeaderLine() + draw.line; }
+};
+
+/// Its fonts are a little smaller than its lengths.
+[[nodiscard]] WaveStyle PaperWaves(double scale);
+
 /// Everything that one frame of the waveforms is drawn from.
 struct WaveFrame {
     CTesselDoc& document;
@@ -26,29 +44,35 @@ struct WaveFrame {
     BoardTraits board;
     DisplayColors colors;
     QSize size;
-    int nameWidth = 0;
+    int nameWidth = 0; // of the columns, as on the screen
     int valueWidth = 0;
-    int zoom = startZoom;
+    int zoom = startZoom; // on the device
     WavePlace place;
     BandPlace top;
-    QFont bodyFont; // fixed pitch
-    QFont titleFont;
-    QFont nameFont;
+    WaveStyle style;
+    // On paper, a part of the signals and rows.
+    std::size_t endSignal = std::numeric_limits<std::size_t>::max(); // in the list
+    std::int64_t lastRow = std::numeric_limits<std::int64_t>::max();
 
+    /// The widths of the columns in the units of the device.
+    [[nodiscard]] int Names() const noexcept { return style.draw.Length(nameWidth); }
+    [[nodiscard]] int Values() const noexcept { return style.draw.Length(valueWidth); }
     /// The first pixel of the wave area.
-    [[nodiscard]] int WaveLeft() const noexcept { return nameWidth + valueWidth + 1; }
+    [[nodiscard]] int WaveLeft() const noexcept { return Names() + Values() + 1; }
     [[nodiscard]] WaveScale Scale() const noexcept {
         return {zoom, place.subPixel, WaveLeft(), size.width()};
     }
     /// The number of samples that count as visible, and of those that are drawn.
     [[nodiscard]] std::int64_t Visible() const noexcept {
-        return VisibleSamples(size.width() - nameWidth - valueWidth, zoom);
+        return VisibleSamples(size.width() - Names() - Values(), zoom);
     }
     [[nodiscard]] std::int64_t DrawnSamples() const;
+    /// The row after the last that may be drawn.
+    [[nodiscard]] std::int64_t EndRow() const;
 };
 
 /// The height of each signal's band; 0 for a signal without one.
-[[nodiscard]] std::vector<int> BandHeights(const CSignalList& list);
+[[nodiscard]] std::vector<int> BandHeights(const CSignalList& list, const DrawStyle& style = {});
 
 // Each draws one part of the frame and its background.
 

@@ -1,6 +1,7 @@
 #include "ui/display/wave_window.h"
 
 #include "capture/trace_document.h"
+#include "ui/display/print_painter.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
 
@@ -166,10 +167,9 @@ void CWaveformWnd::MoveSignalsTo(int position) {
 // Drawing.
 
 WaveFrame CWaveformWnd::Frame() {
-    return {*document_, *list_,       isZoom_,    list_->Tables().Board(),
-            Colors(),   size(),       nameWidth_, valueWidth_,
-            zoom_,      place_,       top_,       fonts_.body,
-            titleFont_, fonts_.header};
+    return {*document_, *list_, isZoom_,    list_->Tables().Board(),
+            Colors(),   size(), nameWidth_, valueWidth_,
+            zoom_,      place_, top_,       {fonts_.body, titleFont_, fonts_.header, {}}};
 }
 
 /// Remembers the first sample shown, so that a change of the rows can return to it.
@@ -191,6 +191,10 @@ void CWaveformWnd::RenderWaves() {
         NoteFirstSample();
         ReportMissing(DrawWaves(painter, Frame()));
     });
+}
+
+void CWaveformWnd::Print(QPrinter& printer, const PrintJob& job) {
+    PrintWaves(printer, Frame(), job);
 }
 
 void CWaveformWnd::RenderNames() {

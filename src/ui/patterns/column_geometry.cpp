@@ -23,8 +23,8 @@ int RowsThatFit(int clientHeight, int rowPitch) noexcept {
     return std::max(clientHeight - tableFirstRow, 0) / rowPitch;
 }
 
-QRect TableColumn::Title() const noexcept {
-    return Cell(1, tableHeaderLine - 1);
+QRect TableColumn::Title(int headerLine) const noexcept {
+    return Cell(1, headerLine - 1);
 }
 
 QRect TableColumn::Cell(int top, int height) const noexcept {
@@ -51,8 +51,8 @@ TableColumn TableColumns::At(std::size_t place) const {
     return {place, static_cast<int>(fixedColumn + 1 - offset + before), widths[place]};
 }
 
-QRect TableColumns::FixedTitle() const noexcept {
-    return {1, 1, fixedColumn - 1, tableHeaderLine - 1};
+QRect TableColumns::FixedTitle(int headerLine) const noexcept {
+    return {1, 1, fixedColumn - 1, headerLine - 1};
 }
 
 int TableColumns::TotalWidth() const noexcept {

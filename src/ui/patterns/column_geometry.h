@@ -23,7 +23,7 @@ struct TableColumn {
     int width = 0;
 
     /// The rectangle of its title.
-    [[nodiscard]] QRect Title() const noexcept;
+    [[nodiscard]] QRect Title(int headerLine = tableHeaderLine) const noexcept;
     /// Its cell in a row, without the line at the left.
     [[nodiscard]] QRect Cell(int top, int height) const noexcept;
 
@@ -45,7 +45,7 @@ struct TableColumns {
     /// The column at an index, even if it does not show.
     [[nodiscard]] TableColumn At(std::size_t place) const;
     /// The rectangle of the fixed column's title.
-    [[nodiscard]] QRect FixedTitle() const noexcept;
+    [[nodiscard]] QRect FixedTitle(int headerLine = tableHeaderLine) const noexcept;
 
     /// Width of all columns together.
     [[nodiscard]] int TotalWidth() const noexcept;

@@ -23,8 +23,9 @@ QString ColumnTitle(const CSignal& signal) {
 }
 
 /// Draws at the bottom centre of the cell, condensed if the cell is narrower than the text.
-void DrawTitle(QPainter& painter, const QRect& whole, const QString& text) {
-    const QRect cell = whole.adjusted(2, 0, -2, -1);
+void DrawTitle(QPainter& painter, const DrawStyle& style, const QRect& whole, const QString& text) {
+    const int margin = style.Length(2);
+    const QRect cell = whole.adjusted(margin, 0, -margin, -style.Length(1));
     const QFont font = painter.font();
     const int width = painter.fontMetrics().horizontalAdvance(text);
     if (width > cell.width() && cell.width() > 0) {
@@ -72,22 +73,32 @@ int NeededWidth(const CSignal& signal, const QFont& bodyFont) {
 
 void DrawTableHeader(QPainter& painter, const TableHeader& header) {
     const TableColumns& columns = header.columns;
-    painter.fillRect(0, tableHeaderLine, columns.clientWidth, 1, header.ink);
-    painter.setFont(header.font);
+    const DrawStyle& style = header.style.draw;
+    const int line = header.style.headerLine;
+    painter.fillRect(0, line, columns.clientWidth, style.line, header.ink);
+    painter.setFont(header.style.fonts.header);
     painter.setPen(header.ink);
     if (columns.fixedColumn > 0) {
-        painter.fillRect(columns.fixedColumn, 0, 1, header.height, header.ink);
-        DrawEdge(painter, columns.FixedTitle(), Edge::Raised);
-        DrawTitle(painter, columns.FixedTitle(), header.title);
+        const QRect title = columns.FixedTitle(line);
+        painter.fillRect(columns.fixedColumn, 0, style.line, header.height, header.ink);
+        if (style.edges) {
+            DrawEdge(painter, title, Edge::Raised);
+        }
+        DrawTitle(painter, style, title, header.title);
     }
     painter.setClipRect(columns.fixedColumn + 1, 0, columns.Room(), header.height);
     for (const TableColumn& column : columns.Visible()) {
         const CSignal& signal = header.list[column.signal];
-        painter.fillRect(column.left, 0, 1, header.height, header.ink);
-        painter.fillRect(column.Title(), signal.selected ? QColor(Qt::white) : header.background);
-        DrawEdge(painter, column.Title(), signal.selected ? Edge::Sunken : Edge::Raised);
-        painter.setPen(signal.selected ? QColor(Qt::black) : header.ink);
-        DrawTitle(painter, column.Title(), ColumnTitle(signal));
+        const QRect title = column.Title(line);
+        painter.fillRect(column.left, 0, style.line, header.height, header.ink);
+        if (style.fills) {
+            painter.fillRect(title, signal.selected ? QColor(Qt::white) : header.background);
+        }
+        if (style.edges) {
+            DrawEdge(painter, title, signal.selected ? Edge::Sunken : Edge::Raised);
+        }
+        painter.setPen(signal.selected && style.fills ? QColor(Qt::black) : header.ink);
+        DrawTitle(painter, style, title, ColumnTitle(signal));
     }
 }
 

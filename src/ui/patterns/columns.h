@@ -1,6 +1,7 @@
 /// Fonts, widths and header of the columns of table windows.
 #pragma once
 
+#include "ui/framework/draw_style.h"
 #include "ui/patterns/column_geometry.h"
 
 #include <QColor>
@@ -26,6 +27,16 @@ struct TableFonts {
 
 [[nodiscard]] TableFonts ScreenFonts();
 
+/// How a table is drawn; by itself, as on the screen.
+struct TableStyle {
+    TableFonts fonts;
+    DrawStyle draw;
+    int headerLine = tableHeaderLine; // y of the line below the header
+
+    /// y of the first row.
+    [[nodiscard]] int FirstRow() const noexcept { return headerLine + draw.line; }
+};
+
 /// The width of each signal's column; 0 for a signal without one.
 [[nodiscard]] std::vector<int> ColumnWidths(const CSignalList& list);
 /// The width that a signal's title and values need.
@@ -37,9 +48,9 @@ struct TableHeader {
     const TableColumns& columns;
     int height = 0; // of the whole table
     QString title;  // of the fixed column
-    QFont font;
     QColor background;
-    QColor ink = Qt::black; // of lines, and of titles on the background
+    QColor ink; // of lines, and of titles on the background
+    TableStyle style;
 };
 
 /// Draws the header on the background that is there, and the lines between the columns over the

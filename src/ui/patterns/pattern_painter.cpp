@@ -13,9 +13,13 @@ namespace {
 constexpr int hotEdgeHeight = 17;
 
 void DrawHeader(QPainter& painter, const PatternFrame& frame) {
-    DrawTableHeader(painter, {frame.list, frame.geometry.columns, frame.geometry.clientHeight,
-                              QString::fromStdString(frame.heading), frame.style.fonts.header,
-                              frame.style.background});
+    DrawTableHeader(painter, {frame.list,
+                              frame.geometry.columns,
+                              frame.geometry.clientHeight,
+                              QString::fromStdString(frame.heading),
+                              frame.style.background,
+                              Qt::black,
+                              {.fonts = frame.style.fonts, .draw = {}}});
 }
 
 void DrawHotEdge(QPainter& painter, const QRect& cell) {

@@ -7,17 +7,13 @@
 #include "ui/controls/check_tree.h"
 #include "ui/framework/ask_for_file.h"
 #include "ui/framework/mdi_child.h"
+#include "ui/framework/printing.h"
 #include "ui/testsuites/compliance_options_dialog.h"
 #include "ui/testsuites/instructions_dialog.h"
 #include "ui/testsuites/report_painter.h"
 #include "ui/testsuites/result_list.h"
 
 #include <QLineEdit>
-#include <QPrintDialog>
-#include <QPrintPreviewDialog>
-#include <QPrinter>
-
-#include <ctime>
 
 namespace busquill {
 
@@ -65,15 +61,6 @@ std::vector<CheckRow> RowsOf(const CheckList& list) {
     return rows;
 }
 
-QString PrintTime() {
-    const std::time_t now = std::time(nullptr);
-    std::tm parts{};
-    ::localtime_r(&now, &parts);
-    char text[128];
-    return QString::fromLocal8Bit(
-        text, static_cast<qsizetype>(std::strftime(text, sizeof text, "%c", &parts)));
-}
-
 } // namespace
 
 CComplianceView::CComplianceView(Parts parts)
@@ -108,8 +95,11 @@ CComplianceView::CComplianceView(Parts parts)
     for (int slot = 0; const auto& [text, act] : buttons) {
         AddButton(text, Form::SlotLeft(slot++), act);
     }
-    commands.On(CommandId::Print, [this] { Print(); });
-    commands.On(CommandId::PrintPreview, [this] { PrintPreview(); });
+    commands.On(CommandId::Print,
+                [this] { AskAndPrint(this, [this](QPrinter& printer) { PrintTo(printer); }); });
+    commands.On(CommandId::PrintPreview, [this] {
+        ShowPrintPreview(this, [this](QPrinter& printer) { PrintTo(printer); });
+    });
     ShowDevice();
 }
 
@@ -207,22 +197,6 @@ void CComplianceView::Options() {
 void CComplianceView::PrintTo(QPrinter& printer) {
     PrintReport(printer, document_.Results(),
                 {CMDIChildWnd::FrameOf(*this)->windowTitle(), PrintTime()});
-}
-
-void CComplianceView::Print() {
-    QPrinter printer(QPrinter::HighResolution);
-    QPrintDialog dialog(&printer, this);
-    if (dialog.exec() == QDialog::Accepted) {
-        PrintTo(printer);
-    }
-}
-
-void CComplianceView::PrintPreview() {
-    QPrinter printer(QPrinter::HighResolution);
-    QPrintPreviewDialog dialog(&printer, this);
-    connect(&dialog, &QPrintPreviewDialog::paintRequested, this,
-            [this](QPrinter* preview) { PrintTo(*preview); });
-    dialog.exec();
 }
 
 void CComplianceView::ShowDevice() {

@@ -64,8 +64,6 @@ private:
     void Load();
     void Save();
     void Options();
-    void Print();
-    void PrintPreview();
     void ShowDocument();
     void ShowDevice();
     void ShowChecks();

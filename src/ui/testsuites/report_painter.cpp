@@ -1,9 +1,9 @@
 #include "ui/testsuites/report_painter.h"
 
 #include "ui/framework/painting.h"
+#include "ui/framework/printing.h"
 
 #include <QFontMetrics>
-#include <QPageLayout>
 #include <QPainter>
 #include <QPrinter>
 
@@ -16,20 +16,18 @@ QRect RectOf(const PageArea& area) {
 }
 
 /// A font of a height on the painter's device.
-void SetFont(QPainter& painter, int height, QFont::Weight weight = QFont::Normal) {
-    painter.setFont(FontOfCellHeight(height, weight, FontFace::Proportional));
+void SetFont(QPainter& painter, int height) {
+    painter.setFont(FontOfCellHeight(height, QFont::Normal, FontFace::Proportional));
 }
 
 } // namespace
 
 void DrawReportPage(QPainter& painter, const ReportGeometry& geometry, const ReportPage& page,
-                    int number, const ReportStrips& strips) {
-    painter.setPen(Qt::black);
-    SetFont(painter, geometry.headerFont, QFont::Bold);
-    painter.drawText(RectOf(geometry.header), Qt::AlignCenter, strips.title);
-    SetFont(painter, geometry.footerFont);
-    painter.drawText(RectOf(geometry.footer), Qt::AlignCenter, QString("Page %1").arg(number));
-    painter.drawText(RectOf(geometry.footer), Qt::AlignRight | Qt::AlignVCenter, strips.time);
+                    int number, const PageStrips& strips) {
+    DrawPageStrips(painter,
+                   {RectOf(geometry.header), RectOf(geometry.footer), geometry.headerFont,
+                    geometry.footerFont},
+                   strips, number);
     SetFont(painter, geometry.bodyFont);
     for (const ReportItem& item : page) {
         painter.drawText(RectOf(geometry.IdPlace(item.line)), Qt::AlignLeft | Qt::AlignVCenter,
@@ -45,13 +43,12 @@ void DrawReportPage(QPainter& painter, const ReportGeometry& geometry, const Rep
 }
 
 void PrintReport(QPrinter& printer, std::span<const CTestResult> results,
-                 const ReportStrips& strips) {
+                 const PageStrips& strips) {
     QPainter painter(&printer);
     const QRect area = painter.viewport();
-    const bool landscape = printer.pageLayout().orientation() == QPageLayout::Landscape;
     const ReportGeometry geometry(area.width(), area.height(),
-                                  landscape ? PageOrientation::Landscape
-                                            : PageOrientation::Portrait);
+                                  IsLandscape(printer) ? PageOrientation::Landscape
+                                                       : PageOrientation::Portrait);
     SetFont(painter, geometry.bodyFont);
     const QFontMetrics metrics = painter.fontMetrics();
     std::vector<ReportPage> pages =
@@ -62,16 +59,10 @@ void PrintReport(QPrinter& printer, std::span<const CTestResult> results,
     if (pages.empty()) {
         pages.emplace_back();
     }
-    const int last = static_cast<int>(pages.size());
-    const int from = std::max(1, printer.fromPage());
-    const int to = printer.toPage() == 0 ? last : std::min(last, printer.toPage());
-    for (int number = from; number <= to; ++number) {
-        if (number > from) {
-            printer.newPage();
-        }
+    PrintPages(printer, painter, static_cast<std::int64_t>(pages.size()), [&](int number) {
         DrawReportPage(painter, geometry, pages[static_cast<std::size_t>(number) - 1], number,
                        strips);
-    }
+    });
 }
 
 } // namespace busquill

@@ -2,27 +2,19 @@
 #pragma once
 
 #include "testsuites/report_pages.h"
-
-#include <QString>
+#include "ui/framework/printing.h"
 
 class QPainter;
 class QPrinter;
 
 namespace busquill {
 
-/// What stands on every page.
-struct ReportStrips {
-    QString title;
-    QString time; // of the printing
-};
-
 /// Draws a page, whose number counts from 1.
 void DrawReportPage(QPainter& painter, const ReportGeometry& geometry, const ReportPage& page,
-                    int number, const ReportStrips& strips);
+                    int number, const PageStrips& strips);
 
 /// Prints all pages of a report, or those that the printer is set to. A report without results has
 /// a page without tests.
-void PrintReport(QPrinter& printer, std::span<const CTestResult> results,
-                 const ReportStrips& strips);
+void PrintReport(QPrinter& printer, std::span<const CTestResult> results, const PageStrips& strips);
 
 } // namespace busquill

@@ -45,8 +45,9 @@ CChildFrame::CChildFrame(const FeatureParts& parts, TraceActions actions, CTesse
 }
 
 CTraceView* CChildFrame::MakeView() {
-    auto* view = new CTraceView(this, isState_, isZoom_,
-                                {parts_.settings, &parts_.analyzer.Link(), &parts_.prompts});
+    auto* view = new CTraceView(
+        this, isState_, isZoom_,
+        {parts_.settings, &parts_.analyzer.Link(), &parts_.prompts, &parts_.mainThread});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
     return view;

@@ -52,17 +52,17 @@ protected:
 };
 
 TEST(SaveRange, MustLieWithinTheCapture) {
-    EXPECT_EQ(CheckSaveRange(-100, 120, 100, 120), std::nullopt);
-    EXPECT_EQ(CheckSaveRange(0, 0, 100, 120), std::nullopt);
-    EXPECT_THAT(CheckSaveRange(-101, 0, 100, 120),
+    EXPECT_EQ(CheckSampleRange(-100, 120, 100, 120), std::nullopt);
+    EXPECT_EQ(CheckSampleRange(0, 0, 100, 120), std::nullopt);
+    EXPECT_THAT(CheckSampleRange(-101, 0, 100, 120),
                 Optional(std::string("Start sample of -101 must be between -100 and 120.")));
-    EXPECT_THAT(CheckSaveRange(121, 130, 100, 120),
+    EXPECT_THAT(CheckSampleRange(121, 130, 100, 120),
                 Optional(std::string("Start sample of 121 must be between -100 and 120.")));
-    EXPECT_THAT(CheckSaveRange(0, 121, 100, 120),
+    EXPECT_THAT(CheckSampleRange(0, 121, 100, 120),
                 Optional(std::string("End sample of 121 must be between -100 and 120.")));
-    EXPECT_THAT(CheckSaveRange(0, -101, 100, 120),
+    EXPECT_THAT(CheckSampleRange(0, -101, 100, 120),
                 Optional(std::string("End sample of -101 must be between -100 and 120.")));
-    EXPECT_THAT(CheckSaveRange(5, 4, 100, 120),
+    EXPECT_THAT(CheckSampleRange(5, 4, 100, 120),
                 Optional(std::string("End sample must be >= start sample.")));
 }
 
@@ -215,8 +215,9 @@ TEST_F(TraceWriterTest, AFileWithoutSamplesCanBeCopied) {
         ASSERT_TRUE(document->OnOpenDocument(dir.Write("in.tra", header + data)));
         TraceFileWriter writer(*document);
         EXPECT_FALSE(writer.HasSamples());
-        EXPECT_EQ(CheckSaveRange(-writer.Before(), writer.After(), writer.Before(), writer.After()),
-                  std::nullopt);
+        EXPECT_EQ(
+            CheckSampleRange(-writer.Before(), writer.After(), writer.Before(), writer.After()),
+            std::nullopt);
         ASSERT_TRUE(writer.Begin(Path(), 0, 0));
         EXPECT_EQ(writer.Write(10), Step::Done);
         EXPECT_EQ(Load()->SampleCount(false), 0);

@@ -96,8 +96,9 @@ protected:
         columns.clientWidth = sampleColumn + 2 + columns.TotalWidth();
         const auto rows = static_cast<int>(document.RowCount(zoom) - topRow);
         const QSize size(columns.clientWidth, tableFirstRow + rows * stateRowPitch);
-        const StateFrame frame{document, list,         zoom,   board.board, {},
-                               size,     sampleColumn, topRow, 0,           ScreenFonts()};
+        const StateFrame frame{
+            document, list,         zoom,   board.board, {},
+            size,     sampleColumn, topRow, 0,           ScreenState(ScreenFonts())};
         RecordingPaintDevice device(size);
         QPainter painter(&device);
         DrawState(painter, frame);

@@ -51,7 +51,7 @@ protected:
 
     StateFrame Frame(QSize size = {400, 200}) {
         return {*document, document->stateList, false,  board.board, colors,
-                size,      sampleColumn,        topRow, offset,      ScreenFonts()};
+                size,      sampleColumn,        topRow, offset,      ScreenState(ScreenFonts())};
     }
     QImage Draw(QSize size = {400, 200}) {
         QImage image(size, QImage::Format_RGB32);

@@ -74,9 +74,10 @@ protected:
                 zoom,
                 place,
                 top,
-                FontOfCellHeight(14, QFont::Normal, FontFace::Fixed),
-                FontOfCellHeight(16, QFont::Bold, FontFace::Proportional),
-                FontOfCellHeight(15, QFont::Bold, FontFace::Proportional)};
+                {FontOfCellHeight(14, QFont::Normal, FontFace::Fixed),
+                 FontOfCellHeight(16, QFont::Bold, FontFace::Proportional),
+                 FontOfCellHeight(15, QFont::Bold, FontFace::Proportional),
+                 {}}};
     }
     QImage Draw(QSize size = usual) {
         QImage image(size, QImage::Format_RGB32);
@@ -435,7 +436,7 @@ TEST_F(WavePainter, TheTimeNeedsTenPixelsMoreThanItsText) {
     AddTime();
     zoom = 1;
     document->SetMarker(1, 3);
-    const int width = QFontMetrics(Frame().bodyFont).horizontalAdvance("1.234us");
+    const int width = QFontMetrics(Frame().style.body).horizontalAdvance("1.234us");
     document->SetMarker(2, 3 + width + 10);
     EXPECT_THAT(SpanTexts(Record()), IsEmpty());
     document->SetMarker(2, 3 + width + 11);
@@ -526,7 +527,7 @@ TEST_F(WavePainter, NamesUseTheirColumnExceptAPixelOnEachSide) {
         const auto texts = device.Recorded().TextsBetween(18, 40);
         ASSERT_EQ(texts.size(), 1U);
         const QString expected =
-            QFontMetrics(frame.nameFont).elidedText("COMMAND", Qt::ElideRight, width - 2);
+            QFontMetrics(frame.style.name).elidedText("COMMAND", Qt::ElideRight, width - 2);
         EXPECT_EQ(texts[0].text, expected) << width;
         EXPECT_TRUE(width != 75 || expected == "COMMAND");
     }
