@@ -191,6 +191,27 @@ TEST_F(CheckSuiteWindows, AClickOrAKeyInTheTreeSendsTheCheckListToo) {
     EXPECT_EQ(Ticked(), 124);
 }
 
+TEST_F(CheckSuiteWindows, TheRightButtonSendsNothing) {
+    StartOnLine();
+    OpenQuietAnomaly();
+    const QRect item = Tree().visualItemRect(&Tree().Item(2));
+    QTest::mouseClick(Tree().viewport(), Qt::RightButton, {}, {item.left() + 8, item.center().y()});
+    EXPECT_EQ(Ticked(), 124);
+    EXPECT_THAT(TakeWrites(), IsEmpty());
+}
+
+TEST_F(CheckSuiteWindows, AfterADoubleClickTheBoardHasWhatTheTreeShows) {
+    StartOnLine();
+    OpenQuietAnomaly();
+    const QRect item = Tree().visualItemRect(&Tree().Item(2));
+    const QPoint box(item.left() + 8, item.center().y());
+    QTest::mouseClick(Tree().viewport(), Qt::LeftButton, {}, box);
+    QTest::mouseDClick(Tree().viewport(), Qt::LeftButton, {}, box);
+    EXPECT_EQ(Anomalies().IsEnabled(2), Tree().IsChecked(2));
+    const std::string off = "1532: 01000000000000000000000000000000";
+    EXPECT_EQ(TakeWrites().back(), Tree().IsChecked(2) ? allOn : off);
+}
+
 TEST_F(CheckSuiteWindows, AGroupSwitchesAllItsChecks) {
     StartOnLine();
     OpenQuietAnomaly();
