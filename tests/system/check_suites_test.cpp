@@ -1,5 +1,6 @@
 // Anomaly detection and the backplane test on the simulated board, over a real pseudo terminal.
 
+#include "link/exchange.h"
 #include "support/wire_fixture.h"
 #include "testsuites/anomaly_document.h"
 #include "testsuites/anomaly_run.h"
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 
 namespace busquill::test {
 namespace {
@@ -63,6 +65,11 @@ protected:
         }
         quiet = log.size();
         return wire;
+    }
+    int ByteAt(std::uint32_t address) {
+        std::array<std::uint8_t, 1> byte{};
+        EXPECT_TRUE(ReadOrReport(link, address, byte, prompts, "not read"));
+        return byte[0];
     }
     void RunToEnd(BackplaneRun& run) const {
         run.Start();
@@ -129,6 +136,21 @@ TEST_F(CheckSuitesOverWire, ACheckThatTheTableDoesNotNameIsKept) {
     run.Poll();
     EXPECT_THAT(anomalies.Results(), ElementsAre(115));
     EXPECT_THAT(listener.lines, IsEmpty());
+}
+
+TEST_F(CheckSuitesOverWire, TheBoardStopsWhenItIsTold) {
+    Connect({"--anomaly-rate", "100", "--fault", "backplane-busy 1000"});
+    AnomalyRun anomalyRun({link, prompts}, anomalies, listener);
+    anomalyRun.Start();
+    EXPECT_NE(ByteAt(RegisterAnomalyResults), 0);
+    anomalyRun.Stop();
+    EXPECT_EQ(ByteAt(RegisterAnomalyResults), 0);
+    BackplaneRun run(
+        {link, prompts}, backplane, backplane.Table(), [](int row) { return row == 1; }, listener);
+    run.Start();
+    EXPECT_EQ(ByteAt(RegisterBackplaneResult), 0x80);
+    run.Stop();
+    EXPECT_EQ(ByteAt(RegisterBackplaneResult), 0);
 }
 
 TEST_F(CheckSuitesOverWire, EverySignalOfAGoodBackplaneIsOk) {

@@ -1,22 +1,15 @@
 // Anomaly detection and the backplane test in the program's windows, on a scripted line.
 
-#include "support/board_line_fixture_qt.h"
-#include "testsuites/anomaly_document.h"
-#include "testsuites/backplane_document.h"
-#include "ui/controls/check_tree.h"
+#include "support/recording_paint_device_qt.h"
+#include "ui/link/bus_config_dialog.h"
 #include "ui/shell/help_window.h"
-#include "ui/testsuites/anomaly_child.h"
-#include "ui/testsuites/backplane_child.h"
-#include "ui/testsuites/backplane_options_dialog.h"
+#include "ui/testsuites/check_suite_windows.h"
 
+#include <QComboBox>
 #include <QElapsedTimer>
-#include <QGroupBox>
-#include <QListWidget>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QScrollBar>
 #include <QTextBrowser>
-#include <QToolButton>
 #include <gmock/gmock.h>
 
 namespace busquill::test {
@@ -29,89 +22,6 @@ using testing::SizeIs;
 
 const std::string allOn = "1532: 00000000000000000000000000000000";
 const std::string allOff = "1532: ffffffffffffffffffffffffffff0300";
-
-class CheckSuiteWindows : public BoardLineFixture {
-protected:
-    template <class Child>
-    void Open(const char* entry) {
-        Choose(QString("File/New/%1").arg(entry));
-        window = dynamic_cast<Child*>(Frame().Area().activeSubWindow());
-        ASSERT_NE(window, nullptr);
-    }
-    void OpenAnomaly() { Open<CAnomalyDetectionChild>("Anomaly Detection"); }
-    void OpenBackplane() { Open<CBackplaneTestChild>("Backplane Test"); }
-    /// The window after the board got its check list.
-    void OpenQuietAnomaly() {
-        OpenAnomaly();
-        ASSERT_TRUE(RunUntil([&] { return !TakeWrites().empty(); }));
-    }
-    CView& View() { return *window->GetActiveView(); }
-    CCheckTree& Tree() { return *window->findChild<CCheckTree*>(); }
-    QListWidget& List() { return *window->findChild<QListWidget*>(); }
-    CAnomalyDetectionDoc& Anomalies() {
-        return static_cast<CAnomalyDetectionDoc&>(window->GetDocument());
-    }
-    CBackplaneTestDoc& Backplane() {
-        return static_cast<CBackplaneTestDoc&>(window->GetDocument());
-    }
-    std::vector<std::string> Lines() {
-        std::vector<std::string> lines;
-        for (int row = 0; row < List().count(); ++row) {
-            lines.push_back(List().item(row)->text().toStdString());
-        }
-        return lines;
-    }
-    int Ticked() {
-        int count = 0;
-        for (int row = 0; row < Tree().RowCount(); ++row) {
-            count += Tree().IsChecked(row) ? 1 : 0;
-        }
-        return count;
-    }
-    void ClickBox(int row) { ClickAt(row, 8); }
-    void ClickText(int row) { ClickAt(row, 40); }
-    void Bar(const char* name) {
-        QTest::mouseClick(window->findChild<QToolButton*>(name), Qt::LeftButton);
-    }
-    RunPicture Picture() { return dynamic_cast<CGoStopChild*>(window)->RunState(); }
-    /// "1532: 00ff...", those since the last call.
-    std::vector<std::string> TakeWrites() {
-        std::vector<std::string> writes;
-        line->Do([&] {
-            for (const auto& write : board.writes) {
-                const auto hex = QByteArray(reinterpret_cast<const char*>(write.bytes.data()),
-                                            static_cast<qsizetype>(write.bytes.size()))
-                                     .toHex();
-                writes.push_back(std::to_string(write.address) + ": " + hex.toStdString());
-            }
-            board.writes.clear();
-        });
-        return writes;
-    }
-    void UseFile(const char* button, const std::string& path) {
-        AnswerDialog<QFileDialog>([&] { Press(View(), button); },
-                                  [&](QFileDialog& files) { GiveFileName(files, path); });
-    }
-    void ResizeView(int width, int height) {
-        View().setMinimumSize(width, height);
-        View().setMaximumSize(width, height);
-        QApplication::processEvents();
-    }
-    void EnlargeFrame() {
-        Frame().resize(1500, 1000);
-        QApplication::processEvents();
-    }
-
-    CMDIChildWnd* window = nullptr;
-
-private:
-    void ClickAt(int row, int x) {
-        Tree().scrollToItem(&Tree().Item(row));
-        const QRect item = Tree().visualItemRect(&Tree().Item(row));
-        QTest::mouseClick(Tree().viewport(), Qt::LeftButton, {},
-                          {item.left() + x, item.center().y()});
-    }
-};
 
 TEST_F(CheckSuiteWindows, TheWindowsHaveTheirTitlesAndButtons) {
     StartDemo();
@@ -183,6 +93,37 @@ TEST_F(CheckSuiteWindows, TreeAndListStandSideBySideAboveTheButtons) {
     }
 }
 
+TEST_F(CheckSuiteWindows, TitlesStandAboveTreeAndList) {
+    StartDemo();
+    EnlargeFrame();
+    const auto expectTitles = [&](const QString& checklist) {
+        ResizeView(700, 420);
+        RecordingPaintDevice device(View().size());
+        View().render(&device, {}, {}, {});
+        const auto titles = device.Recorded().TextsBetween(5, 25);
+        ASSERT_EQ(titles.size(), 2U);
+        EXPECT_EQ(titles[0].text, checklist);
+        EXPECT_EQ(titles[1].text, "Test Results");
+        EXPECT_EQ(titles[0].rect.left(), Tree().x());
+        EXPECT_EQ(titles[1].rect.left(), List().x());
+        for (const auto& title : titles) {
+            EXPECT_NEAR(title.rect.center().y(), 15, 1);
+        }
+    };
+    OpenAnomaly();
+    expectTitles("Anomaly Checklist");
+    OpenBackplane();
+    expectTitles("Backplane Test Checklist");
+}
+
+TEST_F(CheckSuiteWindows, TheTreeOpensAtItsTop) {
+    StartDemo();
+    OpenAnomaly();
+    ASSERT_GT(Tree().verticalScrollBar()->maximum(), 0);
+    EXPECT_EQ(Tree().verticalScrollBar()->value(), 0);
+    EXPECT_EQ(Tree().itemAt(5, 5), &Tree().Item(0));
+}
+
 TEST_F(CheckSuiteWindows, TheBarKeepsItsDistanceFromTheRightEdge) {
     StartDemo();
     EnlargeFrame();
@@ -250,6 +191,27 @@ TEST_F(CheckSuiteWindows, AClickOrAKeyInTheTreeSendsTheCheckListToo) {
     EXPECT_EQ(Ticked(), 124);
 }
 
+TEST_F(CheckSuiteWindows, TheRightButtonSendsNothing) {
+    StartOnLine();
+    OpenQuietAnomaly();
+    const QRect item = Tree().visualItemRect(&Tree().Item(2));
+    QTest::mouseClick(Tree().viewport(), Qt::RightButton, {}, {item.left() + 8, item.center().y()});
+    EXPECT_EQ(Ticked(), 124);
+    EXPECT_THAT(TakeWrites(), IsEmpty());
+}
+
+TEST_F(CheckSuiteWindows, AfterADoubleClickTheBoardHasWhatTheTreeShows) {
+    StartOnLine();
+    OpenQuietAnomaly();
+    const QRect item = Tree().visualItemRect(&Tree().Item(2));
+    const QPoint box(item.left() + 8, item.center().y());
+    QTest::mouseClick(Tree().viewport(), Qt::LeftButton, {}, box);
+    QTest::mouseDClick(Tree().viewport(), Qt::LeftButton, {}, box);
+    EXPECT_EQ(Anomalies().IsEnabled(2), Tree().IsChecked(2));
+    const std::string off = "1532: 01000000000000000000000000000000";
+    EXPECT_EQ(TakeWrites().back(), Tree().IsChecked(2) ? allOn : off);
+}
+
 TEST_F(CheckSuiteWindows, AGroupSwitchesAllItsChecks) {
     StartOnLine();
     OpenQuietAnomaly();
@@ -273,6 +235,15 @@ TEST_F(CheckSuiteWindows, CheckingAGroupRestoresWhatASubgroupSwitchedOff) {
     ClickBox(0);
     EXPECT_THAT(TakeWrites(), ElementsAre(allOn));
     EXPECT_EQ(Ticked(), 124);
+}
+
+TEST_F(CheckSuiteWindows, TheSpaceKeySwitchesAGroup) {
+    StartOnLine();
+    OpenQuietAnomaly();
+    Tree().setCurrentItem(&Tree().Item(119));
+    QTest::keyClick(&Tree(), Qt::Key_Space);
+    EXPECT_THAT(TakeWrites(), ElementsAre("1532: 00000000000000000000000000800300"));
+    EXPECT_EQ(Ticked(), 124 - 5);
 }
 
 TEST_F(CheckSuiteWindows, ARunFillsTheList) {
@@ -341,47 +312,6 @@ TEST_F(CheckSuiteWindows, TheListFollowsItsEndUnlessTheUserHasScrolled) {
     EXPECT_EQ(bar.value(), 0);
 }
 
-TEST_F(CheckSuiteWindows, OfResultsThatAreShownAgainTheFirstIsSelected) {
-    StartDemo();
-    OpenBackplane();
-    for (int i = 0; i < 100; ++i) {
-        Backplane().Results().push_back("line " + std::to_string(i));
-    }
-    Backplane().UpdateAllViews(nullptr);
-    EXPECT_EQ(List().currentRow(), 0);
-    EXPECT_EQ(List().verticalScrollBar()->value(), 0);
-}
-
-TEST_F(CheckSuiteWindows, ABackplaneRunFollowsItsSignal) {
-    StartOnLine();
-    OpenBackplane();
-    Press(View(), "Clear All");
-    Bar("Go");
-    EXPECT_THAT(prompts.Texts(), ElementsAre("One or more signals must be selected to test."));
-    prompts.Forget();
-    EXPECT_EQ(Picture(), RunPicture::Stopped);
-    ClickBox(6); // AD[5]
-    ClickBox(9);
-    EXPECT_THAT(TakeWrites(), IsEmpty()) << "ticks are not sent";
-    line->Do([this] {
-        Bytes seen(28);
-        seen[0] = 0x60; // 5 and 6
-        board.contents[1552] = seen;
-        board.contents[1551] = {0x80};
-    });
-    Bar("Go");
-    EXPECT_EQ(Picture(), RunPicture::Running);
-    EXPECT_THAT(Lines(), ElementsAre("AD[5]"));
-    line->Do([this] { board.contents[1551] = {0}; });
-    ASSERT_TRUE(RunUntil([&] { return Picture() == RunPicture::Stopped; }));
-    EXPECT_THAT(Lines(),
-                ElementsAre("AD[5]", "    AD[6] SHORTED", "AD[8]", "    Cannot drive signal"));
-    EXPECT_EQ(List().currentRow(), 2) << "the last signal's line";
-    EXPECT_EQ(Backplane().Results(), Lines());
-    line->Do([this] { EXPECT_EQ(board.functions.back(), 40); });
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
-}
-
 TEST_F(CheckSuiteWindows, StopTellsTheBoardAtRest) {
     StartOnLine();
     OpenBackplane();
@@ -394,97 +324,35 @@ TEST_F(CheckSuiteWindows, StopTellsTheBoardAtRest) {
     line->Do([this] { EXPECT_THAT(board.functions, IsEmpty()); });
 }
 
-TEST_F(CheckSuiteWindows, TheSensitivityIsChosenInOptions) {
-    StartOnLine();
-    OpenBackplane();
-    const auto choose = [&](const QString& choice, const QString& button) {
-        QString before;
-        AnswerDialog<CBackplaneOptionsDlg>(
-            [&] { Press(View(), "Options"); },
-            [&](CBackplaneOptionsDlg& dialog) {
-                EXPECT_EQ(dialog.windowTitle(), "Backplane Options");
-                EXPECT_EQ(dialog.findChild<QGroupBox*>()->title(), "Sensitivity");
-                for (auto* each : dialog.findChildren<QRadioButton*>()) {
-                    before += each->isChecked() ? each->text() : "";
-                }
-                Tick(dialog, choice);
-                Press(dialog, button);
-            });
-        return before;
-    };
-    EXPECT_EQ(choose("Low", "Cancel"), "Normal");
-    EXPECT_EQ(choose("High", "OK"), "Normal");
-    Bar("Go");
-    EXPECT_THAT(TakeWrites(), Contains("1550: 01"));
-    EXPECT_EQ(choose("Low", "OK"), "High");
-    Bar("Go");
-    EXPECT_THAT(TakeWrites(), Contains("1550: 02"));
-}
-
-TEST_F(CheckSuiteWindows, ABackplaneFileBringsTicksAndResults) {
+// The tree of an open window keeps its rows; what they stand for changes.
+TEST_F(CheckSuiteWindows, AChangeOfTheBusChangesTheTableUnderAnOpenWindow) {
     StartDemo();
-    OpenBackplane();
+    OpenAnomaly();
     Press(View(), "Clear All");
-    ClickBox(6);
-    Backplane().Results() = {"AD[5]", "    Ok"};
-    UseFile("Save", dir.File("run.bpt"));
-    const std::string text = ReadWholeFile(dir.File("run.bpt"));
-    EXPECT_EQ(text, "\"FileType\",\"Backplane Test File\"\r\n\"Version\",\"1.0\"\r\n"
-                    "\"Test\",\"AD[5]\"\r\n\r\n\"Results\"\r\n\"AD[5]\"\r\n\"    Ok\"\r\n");
-    UseFile("Save", dir.File("bare"));
-    EXPECT_EQ(ReadWholeFile(dir.File("bare.adt")), text);
-    Press(View(), "Set All");
-    Bar("Go");
-    ASSERT_TRUE(RunUntil([&] { return List().count() > 5; }));
-    UseFile("Load", dir.File("run.bpt"));
-    EXPECT_EQ(Picture(), RunPicture::Stopped) << "the results are those of the file";
-    EXPECT_EQ(Ticked(), 1);
-    EXPECT_TRUE(Tree().IsChecked(6));
-    EXPECT_THAT(Lines(), ElementsAre("AD[5]", "    Ok"));
-    EXPECT_EQ(List().currentRow(), 0);
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
-    dir.Write("bad.bpt", "\"FileType\",\"x\"\r\n");
-    UseFile("Load", dir.File("bad.bpt"));
-    EXPECT_THAT(prompts.Texts(), ElementsAre("Invalid backplane file type of 'x'."));
-    EXPECT_EQ(Ticked(), 1);
-    EXPECT_THAT(Lines(), IsEmpty());
-}
-
-TEST_F(CheckSuiteWindows, AnAnomalyFileIsCheckedAndChangesNothing) {
-    StartOnLine();
-    OpenQuietAnomaly();
-    Press(View(), "Clear All");
-    UseFile("Save", dir.File("run"));
-    EXPECT_EQ(ReadWholeFile(dir.File("run.adt")),
-              "\"FileType\",\"Compliance File\"\r\n\"Version\",\"1.0\"\r\n");
     ClickBox(2);
-    TakeWrites();
-    UseFile("Load", dir.File("run.adt"));
-    EXPECT_EQ(Ticked(), 1);
-    EXPECT_THAT(prompts.Texts(), IsEmpty());
-    dir.Write("other.adt", "\"FileType\",\"Backplane Test File\"\r\n\"Version\",\"1.0\"\r\n");
-    UseFile("Load", dir.File("other.adt"));
-    EXPECT_THAT(prompts.Texts(),
-                ElementsAre("Invalid anomaly file type of 'Backplane Test File'."));
-    EXPECT_EQ(Ticked(), 1);
-    EXPECT_THAT(TakeWrites(), IsEmpty());
-}
-
-TEST_F(CheckSuiteWindows, FilesAreOpenedFromTheMenu) {
-    StartDemo();
-    const auto open = [&](const std::string& path) {
-        AnswerDialog<QFileDialog>([&] { Choose("File/Open..."); },
-                                  [&](QFileDialog& files) { GiveFileName(files, path); });
-        window = dynamic_cast<CMDIChildWnd*>(Frame().Area().activeSubWindow());
-    };
-    open(dir.Write("run.bpt", "\"FileType\",\"Backplane Test File\"\r\n\"Version\",\"1.0\"\r\n"
-                              "\"Test\",\"AD[5]\"\r\n\"Results\"\r\n\"AD[5]\"\r\n"));
-    ASSERT_NE(dynamic_cast<CBackplaneTestChild*>(window), nullptr);
-    EXPECT_EQ(Ticked(), 1);
-    EXPECT_THAT(Lines(), ElementsAre("AD[5]"));
-    open(dir.Write("run.adt", "\"FileType\",\"Compliance File\"\r\n\"Version\",\"1.0\"\r\n"));
-    ASSERT_NE(dynamic_cast<CAnomalyDetectionChild*>(window), nullptr);
-    EXPECT_EQ(Ticked(), 124);
+    UseFile("Save", dir.File("pci.adt"));
+    OpenBackplane();
+    Press(View(), "Clear All");
+    ClickBox(72);
+    ChooseDialog<CBusConfigDialog>("Utilities/Bus Configuration", [](CBusConfigDialog& dialog) {
+        auto& mode = *dialog.findChild<QComboBox*>();
+        mode.setCurrentText("VME");
+        ASSERT_EQ(mode.currentText(), "VME");
+        Press(dialog, "OK");
+    });
+    Bar("Go");
+    EXPECT_EQ(Tree().Item(72).text(0), "CB/E[7]");
+    EXPECT_THAT(Lines(), ElementsAre("WRITE"));
+    Frame().Area().activatePreviousSubWindow();
+    window = dynamic_cast<CMDIChildWnd*>(Frame().Area().activeSubWindow());
+    ASSERT_EQ(Tree().RowCount(), 124);
+    UseFile("Save", dir.File("vme.adt"));
+    const std::string head = "\"FileType\",\"Compliance File\"\r\n\"Version\",\"1.0\"\r\n";
+    EXPECT_EQ(ReadWholeFile(dir.File("pci.adt")),
+              head + "\"Test\",\"1 - FRAME deasserted before IRDY asserted\"\r\n");
+    EXPECT_EQ(ReadWholeFile(dir.File("vme.adt")),
+              head + "\"Test\",\"1 - Illegal Combination of DS[1:0]*, A1 and LWORD* "
+                     "(2.10a)\"\r\n");
 }
 
 } // namespace
