@@ -9,7 +9,7 @@
 namespace busquill::cli {
 
 int RunBoard(const Arguments& arguments) {
-    Session session(arguments);
+    Session session(PortOptionsOf(arguments));
     const BoardIdentity identity = session.Link().Identity();
     const BusConfig bus = session.Link().Traits().bus;
     const std::vector<Fact> facts = {

@@ -307,7 +307,7 @@ bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t
 
 int RunCapture(const Arguments& arguments) {
     const Options options = OptionsOf(arguments);
-    Session session(arguments);
+    Session session(PortOptionsOf(arguments));
     if (Interrupted()) {
         Fail("interrupted");
     }

@@ -11,6 +11,7 @@
 #include "platform/usb_device.h"
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,11 +20,20 @@ namespace busquill::cli {
 
 struct Arguments;
 
+/// The options that say which board.
+struct PortOptions {
+    std::string port; // "COM1" to "COM8", "USB", or the path of a terminal device
+    std::int64_t baud = 0;
+};
+
+/// Throws ExitRequest for a wrong number.
+[[nodiscard]] PortOptions PortOptionsOf(const Arguments& arguments);
+
 /// A connected board with the objects that exist for the connection.
 class Session {
 public:
     /// Connects to the board on the port of the options; throws ExitRequest when no board answers.
-    explicit Session(const Arguments& arguments);
+    explicit Session(const PortOptions& options);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
