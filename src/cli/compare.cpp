@@ -1,6 +1,6 @@
 #include "analysis/compared_signals.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
@@ -15,6 +15,16 @@
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::string a;
+    std::string b;
+    OutputOptions output;
+    BusOptions bus;
+    std::vector<std::string> ignore;
+    bool byPlace = false;
+    bool json = false;
+};
 
 /// Iterates over the samples of a capture.
 class SampleCursor {
@@ -94,14 +104,10 @@ struct Difference {
 
 class Comparison {
 public:
-    Comparison(const Arguments& arguments, Bus& bus)
-        : signals_(bus.Tables()),
-          byPlace_(arguments.OneOf("align", {"trigger", "start"}) == "start"),
-          a_(arguments.operands[0], bus.Tables()), b_(arguments.operands[1], bus.Tables()) {
-        if (arguments.operands[0] == "-" && arguments.operands[1] == "-") {
-            WrongUse("only one of the captures can be standard input");
-        }
-        for (const std::string& name : SplitNames(arguments.All("ignore"))) {
+    Comparison(const Options& options, Bus& bus)
+        : signals_(bus.Tables()), byPlace_(options.byPlace), a_(options.a, bus.Tables()),
+          b_(options.b, bus.Tables()) {
+        for (const std::string& name : SplitNames(options.ignore)) {
             const auto signal = FindSignal(name, bus.Tables(), {});
             if (!signal) {
                 WrongUse(UnknownSignal(name, bus.Tables(), {}));
@@ -222,17 +228,37 @@ void WriteJson(Comparison& comparison, const Summary& summary, Output& output) {
     output.Write("]}\n");
 }
 
-} // namespace
-
-int RunCompare(const Arguments& arguments) {
-    Bus bus(arguments);
-    Comparison comparison(arguments, bus);
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.a, options.b});
+    if (options.a == "-" && options.b == "-") {
+        WrongUse("only one of the captures can be standard input");
+    }
+    Bus bus(options.bus);
+    Comparison comparison(options, bus);
     const Summary summary = comparison.Sum();
-    Output output(arguments.Value("output"));
-    arguments.Has("json") ? WriteJson(comparison, summary, output)
-                          : WriteText(comparison, summary, output);
+    Output output(options.output.path);
+    options.json ? WriteJson(comparison, summary, output) : WriteText(comparison, summary, output);
     output.Close();
     return summary.first ? ExitStatus::NothingFound : ExitStatus::Done;
+}
+
+} // namespace
+
+void AddCompare(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(program, "compare", "where two captures differ",
+                                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "A", options->a), ".tra");
+    CompletedWithFiles(AddOperand(command, "B", options->b), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
+    Completed(AddTexts(command, "--ignore", options->ignore, "NAME,...",
+                       "leave these signals out of the comparison"),
+              Completion::Kind::Names);
+    AddChoice<bool>(command, "--align", {{"trigger", false}, {"start", true}}, options->byPlace,
+                    "trigger|start", "pair samples by number or by place (default trigger)");
 }
 
 } // namespace busquill::cli

@@ -1,5 +1,5 @@
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"
@@ -11,6 +11,13 @@
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::vector<std::string> files;
+    OutputOptions output;
+    BusOptions bus;
+    bool json = false;
+};
 
 std::string ListWords(const TraceStream& stream) {
     const auto words = [](const char* name, const CSignalList& list, bool has) {
@@ -67,15 +74,14 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     return facts;
 }
 
-} // namespace
-
-int RunInfo(const Arguments& arguments) {
-    Bus bus(arguments);
-    Output output(arguments.Value("output"));
-    const bool json = arguments.Has("json");
+int Run(const Options& options) {
+    CheckTarget(options.output, options.files);
+    Bus bus(options.bus);
+    Output output(options.output.path);
+    const bool json = options.json;
     bool first = true;
     int status = ExitStatus::Done;
-    for (const std::string& path : arguments.operands) {
+    for (const std::string& path : options.files) {
         std::vector<Fact> facts;
         try {
             TraceInput input(path, bus.Tables());
@@ -93,6 +99,19 @@ int RunInfo(const Arguments& arguments) {
     output.Write(!json ? "" : first ? "[]\n" : "]\n");
     output.Close();
     return status;
+}
+
+} // namespace
+
+void AddInfo(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command =
+        AddCommand(program, "info", "what is in captures", [options] { return Run(*options); });
+    CompletedWithFiles(AddOperands(command, "FILE", options->files), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
 }
 
 } // namespace busquill::cli

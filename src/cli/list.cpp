@@ -1,6 +1,6 @@
 #include "capture/listing.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
@@ -18,6 +18,19 @@
 namespace busquill::cli {
 
 namespace {
+
+enum class Format { Text, Csv, Json };
+
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    NumberRange range;
+    std::vector<std::string> columns; // empty: those of the capture
+    bool zoom = false;
+    std::optional<Format> format;
+    bool json = false;
+};
 
 /// The first row of the list with this name; with `base`, the first whose bus has it.
 CSignal* FindColumn(const CSignalList& list, const std::string& name, bool base) {
@@ -114,7 +127,7 @@ void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
 /// Writes rows of texts below their titles.
 class ListingWriter {
 public:
-    ListingWriter(Output& output, const std::string& format, const TraceListing& listing,
+    ListingWriter(Output& output, Format format, const TraceListing& listing,
                   std::size_t numberWidth)
         : output_(output), format_(format), widths_{std::max<std::size_t>(numberWidth, 6)} {
         std::vector<std::string> titles;
@@ -122,7 +135,7 @@ public:
             titles.push_back(column->RowName());
             widths_.push_back(TraceListing::WidthOf(*column));
         }
-        if (format_ == "json") {
+        if (format_ == Format::Json) {
             Json("{\"columns\": [\"SAMPLE\"", titles, "],\n\"rows\": [");
         } else {
             Row("SAMPLE", titles);
@@ -130,7 +143,7 @@ public:
     }
 
     void Add(std::int64_t number, const std::vector<std::string>& cells) {
-        if (format_ == "json") {
+        if (format_ == Format::Json) {
             const std::string begin = (any_ ? ",\n[" : "\n[") + std::to_string(number);
             Json(begin, cells, "]");
         } else {
@@ -140,7 +153,7 @@ public:
     }
 
     void End() {
-        if (format_ == "json") {
+        if (format_ == Format::Json) {
             output_.Write("\n]}\n");
         }
     }
@@ -158,7 +171,7 @@ private:
 
     void Row(const std::string& number, const std::vector<std::string>& cells) {
         line_.clear();
-        if (format_ == "csv") {
+        if (format_ == Format::Csv) {
             line_ = number;
             for (const std::string& cell : cells) {
                 line_ += ',';
@@ -176,36 +189,36 @@ private:
     }
 
     Output& output_;
-    const std::string format_;
+    const Format format_;
     std::vector<std::size_t> widths_;
     std::string line_;
     bool any_ = false;
 };
 
-std::string FormatOf(const Arguments& arguments) {
-    const std::string format = arguments.OneOf("format", {"text", "csv", "json"});
-    if (arguments.Has("json") && arguments.Has("format") && format != "json") {
-        WrongUse("--json and --format " + format + " contradict each other");
+Format FormatOf(const Options& options) {
+    if (options.json && options.format && *options.format != Format::Json) {
+        WrongUse(Printf("--json and --format %s contradict each other",
+                        *options.format == Format::Csv ? "csv" : "text"));
     }
-    return arguments.Has("json") ? "json" : format;
+    return options.json ? Format::Json : options.format.value_or(Format::Text);
 }
 
-} // namespace
-
-int RunList(const Arguments& arguments) {
-    Bus bus(arguments);
-    const NumberRange range = RangeOf(arguments);
-    const std::string format = FormatOf(arguments);
-    const bool zoom = arguments.Has("zoom");
-    TraceInput input(arguments.operands[0], bus.Tables());
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    const NumberRange& range = options.range;
+    CheckRange(range);
+    const Format format = FormatOf(options);
+    Bus bus(options.bus);
+    const bool zoom = options.zoom;
+    TraceInput input(options.file, bus.Tables());
     const TraceSurvey survey = input.Survey();
     if (zoom) {
         input.RequireZoom(survey);
     }
     TraceStream& stream = input.Stream();
     CSignalList& list = zoom ? stream.zoomList : stream.stateList;
-    if (arguments.Has("columns")) {
-        ShowColumns(list, SplitNames(arguments.All("columns")), bus.Tables());
+    if (!options.columns.empty()) {
+        ShowColumns(list, SplitNames(options.columns), bus.Tables());
     }
     TraceListing::Capture capture{
         bus.Board(),         zoom, survey.HasGaps(), survey.first, stream.TriggerNumber(),
@@ -224,7 +237,7 @@ int RunList(const Arguments& arguments) {
     if (!zoom && survey.HasGaps() && !survey.cutOff && listing.ShowsTime()) {
         Say(TimesAreShort(input.Name()));
     }
-    Output output(arguments.Value("output"));
+    Output output(options.output.path);
     const std::size_t numberWidth =
         std::max(std::to_string(survey.first).size(), std::to_string(survey.last).size());
     ListingWriter writer(output, format, listing, numberWidth);
@@ -256,6 +269,26 @@ int RunList(const Arguments& arguments) {
         Say("there are no such samples");
     }
     return writer.Any() ? ExitStatus::Done : ExitStatus::NothingFound;
+}
+
+} // namespace
+
+void AddList(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(program, "list", "the listing, as the State window shows it",
+                                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
+    AddRange(command, options->range);
+    Completed(AddTexts(command, "--columns", options->columns, "NAME,...", "these columns only"),
+              Completion::Kind::Names);
+    AddFlag(command, "--zoom", options->zoom, "the Power Zoom samples");
+    AddChoice<Format>(command, "--format",
+                      {{"text", Format::Text}, {"csv", Format::Csv}, {"json", Format::Json}},
+                      options->format, "text|csv|json", "form of the listing (default text)");
 }
 
 } // namespace busquill::cli

@@ -1,5 +1,5 @@
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
@@ -10,6 +10,13 @@
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::string file; // empty: without a capture
+    OutputOptions output;
+    BusOptions bus;
+    bool json = false;
+};
 
 std::string AsJson(const NamedSignal& signal, const std::vector<std::string>& labels) {
     std::string values;
@@ -29,20 +36,19 @@ std::string AsText(const NamedSignal& signal, const std::vector<std::string>& la
     return text;
 }
 
-} // namespace
-
-int RunNames(const Arguments& arguments) {
-    Bus bus(arguments);
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
     std::optional<TraceInput> input;
     const CSignalList none(bus.Tables()); // without a capture
-    if (!arguments.operands.empty()) {
-        input.emplace(arguments.operands[0], bus.Tables());
+    if (!options.file.empty()) {
+        input.emplace(options.file, bus.Tables());
         input->ReadHead();
     }
     const std::initializer_list<const CSignalList*> lists = {
         input ? &input->Stream().stateList : &none, input ? &input->Stream().waveformList : &none};
-    const bool json = arguments.Has("json");
-    Output output(arguments.Value("output"));
+    const bool json = options.json;
+    Output output(options.output.path);
     const char* before = "[";
     for (const NamedSignal& signal : AllSignals(bus.Tables(), lists)) {
         const auto labels = signal.decoded ? LabelsOf(*signal.decoded) : std::vector<std::string>();
@@ -52,6 +58,20 @@ int RunNames(const Arguments& arguments) {
     output.Write(json ? "]\n" : "");
     output.Close();
     return ExitStatus::Done;
+}
+
+} // namespace
+
+void AddNames(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command =
+        AddCommand(program, "names", "the signals and labels of a bus, as patterns take them",
+                   [options] { return Run(*options); });
+    CompletedWithFiles(Optional(AddOperand(command, "FILE", options->file)), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
 }
 
 } // namespace busquill::cli

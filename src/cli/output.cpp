@@ -1,6 +1,5 @@
 #include "cli/output.h"
 
-#include "cli/arguments.h"
 #include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "platform/text.h"
@@ -77,12 +76,6 @@ void CheckTarget(const OutputOptions& target, const std::vector<std::string>& re
     if (isRead) {
         WrongUse(target.path + " is read, and would be replaced; --overwrite allows that");
     }
-}
-
-void CheckTarget(const Arguments& arguments, const std::string& path) {
-    std::vector<std::string> read = arguments.operands;
-    read.push_back(arguments.Value("setup"));
-    CheckTarget({path, arguments.Has("overwrite")}, read);
 }
 
 Progress::Progress(const char* what, std::int64_t total)

@@ -18,16 +18,11 @@
 
 namespace busquill::cli {
 
-struct Arguments;
-
 /// The options that say which board.
 struct PortOptions {
     std::string port; // "COM1" to "COM8", "USB", or the path of a terminal device
     std::int64_t baud = 0;
 };
-
-/// Throws ExitRequest for a wrong number.
-[[nodiscard]] PortOptions PortOptionsOf(const Arguments& arguments);
 
 /// A connected board with the objects that exist for the connection.
 class Session {

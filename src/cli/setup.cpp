@@ -1,6 +1,6 @@
 #include "capture/capture_run.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"
@@ -16,6 +16,14 @@
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    bool payload = false;
+    bool json = false;
+};
 
 /// The payload of one command.
 struct Payload {
@@ -63,11 +71,10 @@ std::string AsJson(const std::vector<Payload>& payloads) {
     return "[" + text + "]";
 }
 
-} // namespace
-
-int RunSetup(const Arguments& arguments) {
-    Bus bus(arguments);
-    const std::string& path = arguments.operands[0];
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
+    const std::string& path = options.file;
     TextReader file = OpenInput(path);
     TraceSetup setup(bus.Tables());
     LinePrompts prompts;
@@ -79,10 +86,10 @@ int RunSetup(const Arguments& arguments) {
         TextFact("Name", "name", setup.name),
         TextFact("Description", "description", setup.description),
         ListFact("Program", "program", SetupWords(setup, bus.Board()))};
-    const bool withPayload = arguments.Has("payload");
+    const bool withPayload = options.payload;
     const auto payloads = PayloadsOf(setup, bus.Board());
-    Output output(arguments.Value("output"));
-    if (arguments.Has("json")) {
+    Output output(options.output.path);
+    if (options.json) {
         std::string json = FactsAsJson(facts);
         if (withPayload) {
             json.insert(json.size() - 1, ", \"payload\": " + AsJson(payloads));
@@ -98,6 +105,20 @@ int RunSetup(const Arguments& arguments) {
     }
     output.Close();
     return ExitStatus::Done;
+}
+
+} // namespace
+
+void AddSetup(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(program, "setup", "a trigger program in plain words",
+                                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tsp");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
+    AddFlag(command, "--payload", options->payload, "also the bytes that go to the board");
 }
 
 } // namespace busquill::cli

@@ -1,6 +1,6 @@
 #include "analysis/trace_stats.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
@@ -13,6 +13,13 @@
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    bool json = false;
+};
 
 unsigned long long Count(std::uint64_t number) {
     return number;
@@ -134,11 +141,10 @@ std::string AsJson(const TraceSummary& sum, const FirstNumbers& first) {
     return text + "]}\n";
 }
 
-} // namespace
-
-int RunStats(const Arguments& arguments) {
-    Bus bus(arguments);
-    TraceInput input(arguments.operands[0], bus.Tables());
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
+    TraceInput input(options.file, bus.Tables());
     input.ReadHead();
     TraceStats stats(bus.Board(), bus.Tables());
     FirstNumbers first;
@@ -160,11 +166,25 @@ int RunStats(const Arguments& arguments) {
         Say(input.Name() + ": samples of the capture are missing; what went on in them is not "
                            "counted, nor is their time");
     }
-    Output output(arguments.Value("output"));
+    Output output(options.output.path);
     const TraceSummary sum = stats.Summary();
-    output.Write(arguments.Has("json") ? AsJson(sum, first) : AsText(sum, first));
+    output.Write(options.json ? AsJson(sum, first) : AsText(sum, first));
     output.Close();
     return ExitStatus::Done;
+}
+
+} // namespace
+
+void AddStats(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command =
+        AddCommand(program, "stats", "transactions, bytes, bursts, wait states and findings",
+                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
 }
 
 } // namespace busquill::cli
