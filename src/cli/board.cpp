@@ -2,9 +2,12 @@
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "cli/session.h"
 #include "platform/text.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -32,7 +35,7 @@ int Run(const Options& options) {
         TextFact("Bus Frequency", "busFrequency", Printf("%d MHz", bus.busFrequency)),
     };
     Output output(options.output.path);
-    output.Write(options.json ? FactsAsJson(facts) + "\n" : FactsAsText(facts));
+    output.Write(options.json ? JsonLine(FactsAsJson(facts)) + "\n" : FactsAsText(facts));
     output.Close();
     return ExitStatus::Done;
 }

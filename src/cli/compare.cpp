@@ -4,6 +4,7 @@
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
 #include "platform/text.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <map>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -203,29 +205,30 @@ void WriteText(Comparison& comparison, const Summary& summary, Output& output) {
 }
 
 void WriteJson(Comparison& comparison, const Summary& summary, Output& output) {
-    output.Write(Printf("{\"same\": %s, \"first\": %s, \"samples\": %lld, \"differing\": %lld, "
-                        "\"onlyInA\": %lld, \"onlyInB\": %lld,\n\"signals\": [",
-                        summary.first ? "false" : "true",
-                        summary.first ? std::to_string(*summary.first).c_str() : "null",
-                        Long(summary.samples), Long(summary.differing), Long(summary.onlyA),
-                        Long(summary.onlyB)));
-    const char* before = "";
-    for (const auto& [place, count] : summary.signals) {
-        output.Write(Printf("%s{\"name\": %s, \"count\": %lld}", before,
-                            JsonText(comparison.Name(place)).c_str(), Long(count)));
-        before = ", ";
+    using Json = nlohmann::ordered_json;
+    Json json = {{"same", !summary.first},     {"first", nullptr},
+                 {"samples", summary.samples}, {"differing", summary.differing},
+                 {"onlyInA", summary.onlyA},   {"onlyInB", summary.onlyB}};
+    if (summary.first) {
+        json["first"] = *summary.first;
     }
-    output.Write("],\n\"rows\": [");
-    before = "\n";
+    Json& signals = json["signals"] = Json::array();
+    for (const auto& [place, count] : summary.signals) {
+        signals.push_back({{"name", JsonString(comparison.Name(place))}, {"count", count}});
+    }
+    std::string begin = JsonLine(json);
+    begin.pop_back(); // the rows follow inside the object
+    output.Write(begin + ",\n\"rows\": [");
+    JsonArray rows(output, {"\n", ",\n", "]}\n", "]}\n"});
     if (summary.first) {
         comparison.ForEachDifference([&](const Difference& each) {
-            output.Write(Printf("%s{\"sample\": %lld, \"signal\": %s, \"a\": %s, \"b\": %s}",
-                                before, Long(each.number), JsonText(each.signal).c_str(),
-                                JsonText(each.a).c_str(), JsonText(each.b).c_str()));
-            before = ",\n";
+            rows.Add({{"sample", each.number},
+                      {"signal", JsonString(each.signal)},
+                      {"a", JsonString(each.a)},
+                      {"b", JsonString(each.b)}});
         });
     }
-    output.Write("]}\n");
+    rows.End();
 }
 
 int Run(const Options& options) {

@@ -5,12 +5,12 @@
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/range.h"
+#include "export/sample_period.h"
 #include "export/session_file.h"
 #include "export/value_dump.h"
 #include "export/value_table.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
-#include "signals/signal_names.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -199,75 +199,25 @@ bool ToTable(Source& source, const Bus& bus, const std::string& path, bool chang
     return any;
 }
 
-/// Checks whether all samples are one clock period apart.
-class PeriodCheck {
-public:
-    PeriodCheck(std::optional<std::int64_t> period, bool zoom)
-        : period_(period.value_or(0)), unit_(zoom ? 1 : 1000) {}
-
-    void Take(const SampleRows& rows) {
-        for (const SampleRecord& record : rows.records) {
-            // TIME is in whole nanoseconds; the periods of the fastest clocks are not.
-            const std::int64_t time = time_.Of(record) * unit_;
-            holds_ = holds_ && (first_ || std::abs(time - period_) < unit_);
-            first_ = false;
-        }
-    }
-    [[nodiscard]] bool Holds() const noexcept { return holds_; }
-
-private:
-    const std::int64_t period_; // picoseconds
-    const std::int64_t unit_;
-    SampleTime time_;
-    bool first_ = true;
-    bool holds_ = true;
-};
-
 /// The time between samples in picoseconds, if it is the same for all.
-std::optional<std::int64_t> SteadyPeriod(Source& source) {
-    const SampleTime time;
-    std::optional<std::int64_t> period;
-    bool isFirst = true; // its TIME is the time before the capture
-    bool isSteady = true;
-    const bool any = source.ForEach([&](const SampleRows& rows) {
-        for (const SampleRecord& record : rows.records) {
-            if (!isFirst) {
-                period = period.value_or(time.Of(record));
-                isSteady = isSteady && *period == time.Of(record);
-            }
-            isFirst = false;
-        }
-    });
+std::optional<std::int64_t> SteadyPeriodOf(Source& source) {
+    SteadyPeriod steady;
+    const bool any = source.ForEach([&](const SampleRows& rows) { steady.Take(rows); });
     source.Rewind();
-    constexpr std::int64_t nanosecond = 1000;
-    return any && isSteady && !source.HasGaps() && period.value_or(0) > 0
-               ? std::optional(*period * nanosecond)
-               : std::nullopt;
+    return any && !source.HasGaps() ? steady.Period() : std::nullopt;
 }
 
 bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     SessionFile::Capture capture;
-    for (int bit = 0; bit < SampleRecord::bitCount; ++bit) {
-        std::string name = BitName(bus.Tables(), bit);
-        std::ranges::replace(name, ' ', '_');
-        const auto isTaken = [&](const std::string& each) {
-            return std::ranges::find(capture.channels, each) != capture.channels.end();
-        };
-        std::string unique = name;
-        for (int n = 2; isTaken(unique); ++n) {
-            unique = name + "_" + std::to_string(n);
-        }
-        capture.channels.push_back(unique);
-    }
+    capture.channels = SessionChannels(bus.Tables());
     const TraceSetup& setup = source.Stream().setup;
     auto period =
         source.IsZoom() ? PowerZoomPeriod(setup.powerZoomClock) : ClockPeriod(setup.clock);
     if (!period && !source.IsZoom()) {
-        period = SteadyPeriod(source); // that of the bus clock, if it runs without a pause
+        period = SteadyPeriodOf(source); // that of the bus clock, if it runs without a pause
     }
     if (period) {
-        constexpr std::int64_t second = 1'000'000'000'000;
-        capture.sampleRate = static_cast<std::uint64_t>((second + *period / 2) / *period);
+        capture.sampleRate = SampleRate(*period);
     }
     Output output(path);
     // An exception must not pass through the library.
@@ -281,7 +231,7 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         return !failure;
     });
     bool good = true;
-    PeriodCheck steady(period, source.IsZoom());
+    PeriodCheck steady(period.value_or(0), source.IsZoom());
     const bool any = source.ForEach([&](const SampleRows& rows) {
         good = good && session.Add(rows);
         steady.Take(rows);

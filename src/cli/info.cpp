@@ -4,9 +4,12 @@
 #include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
-#include "cli/words.h"
 #include "platform/text.h"
+#include "tracesetup/setup_words.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -79,7 +82,8 @@ int Run(const Options& options) {
     Bus bus(options.bus);
     Output output(options.output.path);
     const bool json = options.json;
-    bool first = true;
+    JsonArray array(output, {"[", ",\n ", "]\n", "[]\n"});
+    const char* before = "";
     int status = ExitStatus::Done;
     for (const std::string& path : options.files) {
         std::vector<Fact> facts;
@@ -92,11 +96,16 @@ int Run(const Options& options) {
             status = request.status;
             continue;
         }
-        output.Write(json ? (first ? "[" : ",\n ") + FactsAsJson(facts)
-                          : (first ? "" : "\n") + FactsAsText(facts));
-        first = false;
+        if (json) {
+            array.Add(FactsAsJson(facts));
+        } else {
+            output.Write(before + FactsAsText(facts));
+        }
+        before = "\n";
     }
-    output.Write(!json ? "" : first ? "[]\n" : "]\n");
+    if (json) {
+        array.End();
+    }
     output.Close();
     return status;
 }

@@ -1,19 +1,20 @@
 #include "capture/listing.h"
+#include "capture/listing_columns.h"
 #include "cli/bus.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
 #include "cli/range.h"
 #include "document/csv_line.h"
-#include "platform/near_names.h"
 #include "platform/text.h"
-#include "signals/signal_names.h"
 #include "signals/value_text.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -32,98 +33,6 @@ struct Options {
     bool json = false;
 };
 
-/// The first row of the list with this name; with `base`, the first whose bus has it.
-CSignal* FindColumn(const CSignalList& list, const std::string& name, bool base) {
-    for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
-        const std::string& own = base ? list[i].baseName : list[i].RowName();
-        if (EqualIgnoringCase(own, name) && !(base && list[i].decoded)) {
-            return &list[i];
-        }
-    }
-    return nullptr;
-}
-
-CSignal* AddDecoded(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    for (const auto& def : tables.decodedSignals.Defs()) {
-        if (EqualIgnoringCase(def->name, name)) {
-            return list.AddSignal(nullptr, def, 0, 0, 0, def->color, Radix::Hex, true);
-        }
-    }
-    return nullptr;
-}
-
-CSignal* AddLines(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    const auto found = FindSignal(name, tables, {});
-    if (!found) {
-        return nullptr;
-    }
-    if (found->decoded) {
-        return AddDecoded(list, found->name, tables);
-    }
-    const auto def = tables.busSignals.FindByName(found->name.substr(0, found->name.find('[')));
-    const int first = found->positions.front() - def->dataIndex;
-    const int last = found->positions.back() - def->dataIndex;
-    const int top = def->Width() - 1;
-    return def->bitReverse
-               ? list.AddSignal(nullptr, def, 0, top - first, top - last, def->color, Radix::Hex,
-                                true)
-               : list.AddSignal(nullptr, def, 0, first, last, def->color, Radix::Hex, true);
-}
-
-/// The row of that name in the list, or one added from the tables.
-CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    CSignal* column = FindColumn(list, name, false);
-    column = column != nullptr ? column : AddDecoded(list, name, tables);
-    column = column != nullptr ? column : FindColumn(list, name, true);
-    return column != nullptr ? column : AddLines(list, name, tables);
-}
-
-/// The error message for a name that is not a column's.
-std::string UnknownColumn(const std::string& name, const CSignalList& list,
-                          const SignalTables& tables) {
-    std::vector<std::string> names;
-    const auto add = [&names](const std::string& each) {
-        if (std::ranges::find(names, each) == names.end()) {
-            names.push_back(each);
-        }
-    };
-    for (const NamedSignal& signal : AllSignals(tables, {&list})) {
-        add(signal.name);
-    }
-    // Also those that are not bits of a sample, such as ACCUM.
-    for (const auto& def : tables.decodedSignals.Defs()) {
-        if (SignalTables::Applies(def->condition, tables.Board())) {
-            add(def->name);
-        }
-    }
-    return Printf("no column \"%s\"; there are %s", name.c_str(),
-                  ListNearest(name, std::move(names)).c_str());
-}
-
-/// Shows only the named columns, in the order given.
-void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
-                 const SignalTables& tables) {
-    std::vector<CSignal*> shown;
-    for (const std::string& name : names) {
-        if (name.empty() || EqualIgnoringCase(name, "SAMPLE")) {
-            continue; // always the first column
-        }
-        CSignal* column = ColumnOf(list, name, tables);
-        if (column == nullptr) {
-            WrongUse(UnknownColumn(name, list, tables));
-        }
-        shown.push_back(column);
-    }
-    for (const auto& signal : list.All()) {
-        signal->hidden = std::ranges::find(shown, signal.get()) == shown.end();
-    }
-    for (CSignal* column : shown) {
-        constexpr std::int32_t anyWidth = 30;
-        column->width = column->width > 0 ? column->width : anyWidth;
-        list.MoveGroup(column, nullptr);
-    }
-}
-
 /// Writes rows of texts below their titles.
 class ListingWriter {
 public:
@@ -136,7 +45,8 @@ public:
             widths_.push_back(TraceListing::WidthOf(*column));
         }
         if (format_ == Format::Json) {
-            Json("{\"columns\": [\"SAMPLE\"", titles, "],\n\"rows\": [");
+            output_.Write("{\"columns\": " + JsonLine(JsonRow("SAMPLE", titles)) +
+                          ",\n\"rows\": [");
         } else {
             Row("SAMPLE", titles);
         }
@@ -144,8 +54,7 @@ public:
 
     void Add(std::int64_t number, const std::vector<std::string>& cells) {
         if (format_ == Format::Json) {
-            const std::string begin = (any_ ? ",\n[" : "\n[") + std::to_string(number);
-            Json(begin, cells, "]");
+            array_.Add(JsonRow(number, cells));
         } else {
             Row(std::to_string(number), cells);
         }
@@ -154,19 +63,20 @@ public:
 
     void End() {
         if (format_ == Format::Json) {
-            output_.Write("\n]}\n");
+            array_.End();
         }
     }
 
     [[nodiscard]] bool Any() const noexcept { return any_; }
 
 private:
-    void Json(const std::string& begin, const std::vector<std::string>& cells, const char* end) {
-        line_ = begin;
+    static nlohmann::ordered_json JsonRow(nlohmann::ordered_json first,
+                                          const std::vector<std::string>& cells) {
+        nlohmann::ordered_json row = nlohmann::ordered_json::array({std::move(first)});
         for (const std::string& cell : cells) {
-            line_ += ", " + JsonText(cell);
+            row.push_back(JsonString(cell));
         }
-        output_.Write(line_ + end);
+        return row;
     }
 
     void Row(const std::string& number, const std::vector<std::string>& cells) {
@@ -189,6 +99,7 @@ private:
     }
 
     Output& output_;
+    JsonArray array_{output_, {"\n", ",\n", "\n]}\n", "\n]}\n"}};
     const Format format_;
     std::vector<std::size_t> widths_;
     std::string line_;
@@ -218,7 +129,10 @@ int Run(const Options& options) {
     TraceStream& stream = input.Stream();
     CSignalList& list = zoom ? stream.zoomList : stream.stateList;
     if (!options.columns.empty()) {
-        ShowColumns(list, SplitNames(options.columns), bus.Tables());
+        const std::string wrong = ShowColumns(list, SplitNames(options.columns), bus.Tables());
+        if (!wrong.empty()) {
+            WrongUse(wrong);
+        }
     }
     TraceListing::Capture capture{
         bus.Board(),         zoom, survey.HasGaps(), survey.first, stream.TriggerNumber(),

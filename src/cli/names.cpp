@@ -3,9 +3,12 @@
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -18,13 +21,14 @@ struct Options {
     bool json = false;
 };
 
-std::string AsJson(const NamedSignal& signal, const std::vector<std::string>& labels) {
-    std::string values;
+nlohmann::ordered_json AsJson(const NamedSignal& signal, const std::vector<std::string>& labels) {
+    nlohmann::ordered_json texts = nlohmann::ordered_json::array();
     for (const std::string& label : labels) {
-        values += (values.empty() ? "" : ", ") + JsonText(label);
+        texts.push_back(JsonString(label));
     }
-    return Printf("{\"name\": %s, \"bits\": %zu, \"labels\": [%s]}", JsonText(signal.name).c_str(),
-                  signal.positions.size(), values.c_str());
+    return {{"name", JsonString(signal.name)},
+            {"bits", signal.positions.size()},
+            {"labels", std::move(texts)}};
 }
 
 /// A line for the name, and one for each label, as a pattern to be typed.
@@ -49,13 +53,18 @@ int Run(const Options& options) {
         input ? &input->Stream().stateList : &none, input ? &input->Stream().waveformList : &none};
     const bool json = options.json;
     Output output(options.output.path);
-    const char* before = "[";
+    JsonArray array(output, {"[", ",\n ", "]\n", "[]\n"});
     for (const NamedSignal& signal : AllSignals(bus.Tables(), lists)) {
         const auto labels = signal.decoded ? LabelsOf(*signal.decoded) : std::vector<std::string>();
-        output.Write(json ? before + AsJson(signal, labels) : AsText(signal, labels));
-        before = ",\n ";
+        if (json) {
+            array.Add(AsJson(signal, labels));
+        } else {
+            output.Write(AsText(signal, labels));
+        }
     }
-    output.Write(json ? "]\n" : "");
+    if (json) {
+        array.End();
+    }
     output.Close();
     return ExitStatus::Done;
 }

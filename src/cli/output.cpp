@@ -105,19 +105,4 @@ void Say(const std::string& text) {
     std::fprintf(stderr, "%s: %s\n", programName.c_str(), text.c_str());
 }
 
-std::string JsonText(std::string_view text) {
-    std::string quoted = "\"";
-    for (const char c : ToUtf8(text)) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            quoted += Printf("\\u%04x", static_cast<unsigned>(c));
-        } else {
-            quoted += c;
-        }
-    }
-    return quoted + '"';
-}
-
 } // namespace busquill::cli

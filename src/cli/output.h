@@ -65,6 +65,4 @@ void SetProgramName(const std::string& name);
 /// Prints a line for the user on standard error.
 void Say(const std::string& text);
 
-/// The text as a JSON string, in quotes.
-[[nodiscard]] std::string JsonText(std::string_view text);
 } // namespace busquill::cli

@@ -4,12 +4,14 @@
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -87,19 +89,23 @@ public:
     bool End() {
         std::for_each(kept_.rbegin(), kept_.rend(), [this](std::int32_t each) { Print(each); });
         if (json_) {
-            output_.Write(any_ ? "]\n" : "[]\n");
+            array_.End();
         }
         return any_;
     }
 
 private:
     void Print(std::int32_t number) {
-        const char* before = !json_ ? "" : any_ ? ", " : "[";
-        output_.Write(before + std::to_string(number) + (json_ ? "" : "\n"));
+        if (json_) {
+            array_.Add(number);
+        } else {
+            output_.Write(std::to_string(number) + "\n");
+        }
         any_ = true;
     }
 
     Output& output_;
+    JsonArray array_{output_, {"[", ", ", "]\n", "[]\n"}};
     const bool json_;
     const bool all_;
     const bool backward_;

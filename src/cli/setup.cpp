@@ -5,13 +5,16 @@
 #include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/line_prompts.h"
 #include "cli/output.h"
-#include "cli/words.h"
 #include "link/command_rows.h"
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"
+#include "tracesetup/setup_words.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -61,14 +64,14 @@ std::string AsText(const Payload& payload, std::size_t perLine) {
     return text;
 }
 
-std::string AsJson(const std::vector<Payload>& payloads) {
-    std::string text;
+nlohmann::ordered_json AsJson(const std::vector<Payload>& payloads) {
+    nlohmann::ordered_json array = nlohmann::ordered_json::array();
     for (const Payload& payload : payloads) {
-        text += Printf("%s{\"command\": \"%s\", \"register\": %d, \"bytes\": \"%s\"}",
-                       text.empty() ? "" : ", ", payload.command.c_str(), payload.address,
-                       HexOf(payload.bytes).c_str());
+        array.push_back({{"command", payload.command},
+                         {"register", payload.address},
+                         {"bytes", HexOf(payload.bytes)}});
     }
-    return "[" + text + "]";
+    return array;
 }
 
 int Run(const Options& options) {
@@ -90,11 +93,11 @@ int Run(const Options& options) {
     const auto payloads = PayloadsOf(setup, bus.Board());
     Output output(options.output.path);
     if (options.json) {
-        std::string json = FactsAsJson(facts);
+        nlohmann::ordered_json json = FactsAsJson(facts);
         if (withPayload) {
-            json.insert(json.size() - 1, ", \"payload\": " + AsJson(payloads));
+            json["payload"] = AsJson(payloads);
         }
-        output.Write(json + "\n");
+        output.Write(JsonLine(json) + "\n");
     } else {
         output.Write(FactsAsText(facts));
         // A line for each event and each level.
