@@ -1,6 +1,5 @@
 #include "cli/output.h"
 
-#include "cli/arguments.h"
 #include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "platform/text.h"
@@ -16,6 +15,8 @@ namespace busquill::cli {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 16;
+
+std::string programName; // before each line for the user
 
 } // namespace
 
@@ -64,18 +65,16 @@ void Output::CloseOrDiscard(bool keep) {
     }
 }
 
-void CheckTarget(const Arguments& arguments, const std::string& path) {
+void CheckTarget(const OutputOptions& target, const std::vector<std::string>& read) {
     std::error_code unknown;
-    if (arguments.Has("overwrite") || !std::filesystem::is_regular_file(path, unknown)) {
+    if (target.overwrite || !std::filesystem::is_regular_file(target.path, unknown)) {
         return;
     }
-    std::vector<std::string> read = arguments.operands;
-    read.push_back(arguments.Value("setup"));
     const bool isRead = std::ranges::any_of(read, [&](const std::string& each) {
-        return std::filesystem::equivalent(each == "-" ? "/dev/stdin" : each, path, unknown);
+        return std::filesystem::equivalent(each == "-" ? "/dev/stdin" : each, target.path, unknown);
     });
     if (isRead) {
-        WrongUse(path + " is read, and would be replaced; --overwrite allows that");
+        WrongUse(target.path + " is read, and would be replaced; --overwrite allows that");
     }
 }
 
@@ -98,23 +97,12 @@ void Progress::At(std::int64_t done) {
     }
 }
 
-void Say(const std::string& text) {
-    std::fprintf(stderr, "busquill-trace: %s\n", text.c_str());
+void SetProgramName(const std::string& name) {
+    programName = name;
 }
 
-std::string JsonText(std::string_view text) {
-    std::string quoted = "\"";
-    for (const char c : ToUtf8(text)) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            quoted += Printf("\\u%04x", static_cast<unsigned>(c));
-        } else {
-            quoted += c;
-        }
-    }
-    return quoted + '"';
+void Say(const std::string& text) {
+    std::fprintf(stderr, "%s: %s\n", programName.c_str(), text.c_str());
 }
 
 } // namespace busquill::cli

@@ -1,6 +1,5 @@
 #include "cli/session.h"
 
-#include "cli/arguments.h"
 #include "cli/exit_request.h"
 #include "cli/output.h"
 #include "platform/text.h"
@@ -18,8 +17,8 @@ bool IsNamedPort(const std::string& port) {
 }
 
 /// The port of the options, given by name or by the path of its device.
-PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
-    const std::string name = arguments.Value("port");
+PortSetting PortOf(const PortOptions& options, const Settings& settings) {
+    const std::string& name = options.port;
     PortSetting port{PortSetting::Kind::Serial, name, name};
     std::error_code unknown;
     if (IsNamedPort(name)) {
@@ -30,18 +29,13 @@ PortSetting PortOf(const Arguments& arguments, const Settings& settings) {
                           "there is no port " + name +
                               "; ports are COM1 to COM8, USB and paths of terminal devices"};
     }
-    const auto baud = arguments.Number("baud").value_or(usualBaudRate);
-    if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
-        WrongUse(Printf("--baud is 9600, 19200, 38400 or 57600; not %lld",
-                        static_cast<long long>(baud)));
-    }
-    port.baud = static_cast<int>(baud);
+    port.baud = static_cast<int>(options.baud);
     return port;
 }
 
 } // namespace
 
-Session::Session(const Arguments& arguments)
+Session::Session(const PortOptions& options)
     : usb_(OpenUsbBus()), analyzer_({mainThread_, mainThread_, settings_, clock_, *usb_,
                                      [this](const std::string& device) {
                                          auto port = OpenSerialPort(device);
@@ -50,7 +44,7 @@ Session::Session(const Arguments& arguments)
                                      },
                                      WorkingDirectory::AtStart()}) {
     mainThread_.SetPresenter([this](const Box& box) { return prompts_.Show(box); }, [] {});
-    const PortSetting port = PortOf(arguments, settings_);
+    const PortSetting port = PortOf(options, settings_);
     Link().Connect(port);
     quiet_.reset();
     if (Link().IsDemoMode()) {

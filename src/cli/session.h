@@ -11,19 +11,24 @@
 #include "platform/usb_device.h"
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 
 namespace busquill::cli {
 
-struct Arguments;
+/// The options that say which board.
+struct PortOptions {
+    std::string port; // "COM1" to "COM8", "USB", or the path of a terminal device
+    std::int64_t baud = 0;
+};
 
 /// A connected board with the objects that exist for the connection.
 class Session {
 public:
     /// Connects to the board on the port of the options; throws ExitRequest when no board answers.
-    explicit Session(const Arguments& arguments);
+    explicit Session(const PortOptions& options);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
