@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 16;
 
+const char* programName = "busquill-trace";
+
 } // namespace
 
 Output::Output(const std::string& path) : path_(path == "-" ? "" : path) {
@@ -98,8 +100,12 @@ void Progress::At(std::int64_t done) {
     }
 }
 
+void SetProgramName(const char* name) {
+    programName = name;
+}
+
 void Say(const std::string& text) {
-    std::fprintf(stderr, "busquill-trace: %s\n", text.c_str());
+    std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
 }
 
 std::string JsonText(std::string_view text) {

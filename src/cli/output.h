@@ -55,6 +55,8 @@ private:
     const bool terminal_;
 };
 
+/// The name with which the lines for the user begin; initially "busquill-trace".
+void SetProgramName(const char* name);
 /// Prints a line for the user on standard error.
 void Say(const std::string& text);
 

@@ -64,11 +64,17 @@ Session::Session(const PortOptions& options)
     }
     WaitForBoard(port.name);
     analyzer_.Tables().Load();
-    NewTraceContext live{analyzer_.Tables()};
-    live.analyzer = &analyzer_;
-    live.newDocRealTime = true;
-    document_ = std::make_unique<CTesselDoc>(live, mainThread_);
-    document_->OnNewDocument();
+}
+
+CTesselDoc& Session::Document() {
+    if (!document_) {
+        NewTraceContext live{analyzer_.Tables()};
+        live.analyzer = &analyzer_;
+        live.newDocRealTime = true;
+        document_ = std::make_unique<CTesselDoc>(live, mainThread_);
+        document_->OnNewDocument();
+    }
+    return *document_;
 }
 
 /// Connect goes on without identity and bus configuration if they do not arrive soon, but an

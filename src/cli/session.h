@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,7 +42,12 @@ public:
     [[nodiscard]] BoardCapture& Capture() noexcept { return analyzer_.Capture(); }
     [[nodiscard]] const SignalTables& Tables() noexcept { return analyzer_.Tables(); }
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
-    [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
+    /// The live document of the board's capture, made when it is first asked for.
+    [[nodiscard]] CTesselDoc& Document();
+    /// From now on questions are answered by this function, not with no.
+    void SetQuestions(std::function<Answer(const Box&)> answer) {
+        prompts_.SetQuestions(std::move(answer));
+    }
     /// Prints the messages since the last call; returns whether there were any.
     bool PrintMessages();
     /// Waits, while other threads may show messages.

@@ -2,11 +2,12 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace busquill::test {
 
-/// The result of a run of busquill-trace.
+/// The result of a run of one of the programs for the command line.
 struct ProgramRun {
     int status = -1; // -1: ended by a signal, or not in time
     std::string out;
@@ -16,6 +17,8 @@ struct ProgramRun {
 struct ProgramInput {
     std::string folder = {}; // working directory; if empty, that of the test
     std::string standardInput = {};
+    bool onTerminal = false; // standard input is a terminal, where `standardInput` is typed
+    std::vector<std::pair<std::string, std::string>> environment = {}; // variables to be set
     std::string temporaryFolder = {};     // for its temporary files; if empty, the default
     std::function<void()> meanwhile = {}; // called repeatedly while it runs
     /// Called repeatedly while it runs; the first time that it returns true, an interrupt is sent.
@@ -27,6 +30,9 @@ struct ProgramInput {
 
 /// Runs busquill-trace as a separate process, for at most a minute.
 [[nodiscard]] ProgramRun RunTrace(const std::vector<std::string>& arguments,
+                                  const ProgramInput& input = {});
+/// The same for busquill-board.
+[[nodiscard]] ProgramRun RunBoard(const std::vector<std::string>& arguments,
                                   const ProgramInput& input = {});
 
 } // namespace busquill::test
