@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t{1} << 16;
 
-const char* programName = "busquill-trace";
+std::string programName; // before each line for the user
 
 } // namespace
 
@@ -66,19 +66,23 @@ void Output::CloseOrDiscard(bool keep) {
     }
 }
 
-void CheckTarget(const Arguments& arguments, const std::string& path) {
+void CheckTarget(const OutputOptions& target, const std::vector<std::string>& read) {
     std::error_code unknown;
-    if (arguments.Has("overwrite") || !std::filesystem::is_regular_file(path, unknown)) {
+    if (target.overwrite || !std::filesystem::is_regular_file(target.path, unknown)) {
         return;
     }
-    std::vector<std::string> read = arguments.operands;
-    read.push_back(arguments.Value("setup"));
     const bool isRead = std::ranges::any_of(read, [&](const std::string& each) {
-        return std::filesystem::equivalent(each == "-" ? "/dev/stdin" : each, path, unknown);
+        return std::filesystem::equivalent(each == "-" ? "/dev/stdin" : each, target.path, unknown);
     });
     if (isRead) {
-        WrongUse(path + " is read, and would be replaced; --overwrite allows that");
+        WrongUse(target.path + " is read, and would be replaced; --overwrite allows that");
     }
+}
+
+void CheckTarget(const Arguments& arguments, const std::string& path) {
+    std::vector<std::string> read = arguments.operands;
+    read.push_back(arguments.Value("setup"));
+    CheckTarget({path, arguments.Has("overwrite")}, read);
 }
 
 Progress::Progress(const char* what, std::int64_t total)
@@ -100,12 +104,12 @@ void Progress::At(std::int64_t done) {
     }
 }
 
-void SetProgramName(const char* name) {
+void SetProgramName(const std::string& name) {
     programName = name;
 }
 
 void Say(const std::string& text) {
-    std::fprintf(stderr, "%s: %s\n", programName, text.c_str());
+    std::fprintf(stderr, "%s: %s\n", programName.c_str(), text.c_str());
 }
 
 std::string JsonText(std::string_view text) {

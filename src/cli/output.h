@@ -5,10 +5,17 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace busquill::cli {
 
 struct Arguments;
+
+/// The options that say where results go.
+struct OutputOptions {
+    std::string path; // empty: standard output
+    bool overwrite = false;
+};
 
 /// Where a command's data go: standard output, or a file that replaces the old one only when it is
 /// complete. Throws ExitRequest when they cannot be written, without a message if the reader has
@@ -35,6 +42,7 @@ private:
 /// Throws ExitRequest if the target is one of the files that the command reads, unless the user
 /// allows overwriting. A pipe or a device may be both.
 void CheckTarget(const Arguments& arguments, const std::string& path);
+void CheckTarget(const OutputOptions& target, const std::vector<std::string>& read);
 
 /// Shows the progress of a long command in percent on standard error, if that is a terminal. The
 /// destructor erases the line.
@@ -55,8 +63,8 @@ private:
     const bool terminal_;
 };
 
-/// The name with which the lines for the user begin; initially "busquill-trace".
-void SetProgramName(const char* name);
+/// The name with which the lines for the user begin.
+void SetProgramName(const std::string& name);
 /// Prints a line for the user on standard error.
 void Say(const std::string& text);
 

@@ -10,6 +10,7 @@
 namespace busquill::cli {
 
 int Run(std::span<const std::string> texts) {
+    SetProgramName("busquill-trace");
     NoticeInterrupts();
     try {
         const Arguments arguments = ParseArguments(texts);

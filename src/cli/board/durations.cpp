@@ -1,7 +1,5 @@
 #include "cli/board/durations.h"
 
-#include "cli/exit_request.h"
-
 #include <charconv>
 
 namespace busquill::cli::board {
@@ -31,14 +29,6 @@ std::optional<Milliseconds> ParseDuration(std::string_view text) noexcept {
         }
     }
     return std::nullopt;
-}
-
-Milliseconds DurationOf(const std::string& option, const std::string& text) {
-    const auto duration = ParseDuration(text);
-    if (!duration) {
-        WrongUse(option + " is a time such as 90, 90s, 5m or 8h; not \"" + text + "\"");
-    }
-    return *duration;
 }
 
 } // namespace busquill::cli::board

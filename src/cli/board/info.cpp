@@ -4,11 +4,16 @@
 #include "cli/board/commands.h"
 #include "cli/board/line_output.h"
 #include "cli/board_facts.h"
+#include "cli/command_line.h"
+#include "cli/exit_request.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <iterator>
+#include <memory>
 
 namespace busquill::cli::board {
 
@@ -16,14 +21,13 @@ namespace {
 
 /// A change of the bus configuration.
 struct BusChange {
-    std::string text; // as given
     std::int32_t BusConfig::*field = nullptr;
     std::int32_t value = 0;
 };
 
 struct InfoOptions {
     BoardOptions board;
-    std::vector<BusChange> changes;
+    std::vector<std::string> changes; // of the bus configuration
 };
 
 std::int32_t ModeOf(const std::string& text) {
@@ -83,7 +87,7 @@ BusChange ParseChange(const std::string& text) {
         WrongUse("--set is mode=, width=, voltage= or frequency= with a value; not \"" + text +
                  "\"");
     }
-    return {text, setting->field, setting->parse(text.substr(equals + 1))};
+    return {setting->field, setting->parse(text.substr(equals + 1))};
 }
 
 /// Writes the changed configuration and reads it back.
@@ -116,9 +120,11 @@ void Change(BoardSession& session, const std::vector<BusChange>& changes) {
 }
 
 int RunInfo(const InfoOptions& options) {
+    std::vector<BusChange> changes;
+    std::ranges::transform(options.changes, std::back_inserter(changes), ParseChange);
     BoardSession session(options.board);
-    if (!options.changes.empty()) {
-        Change(session, options.changes);
+    if (!changes.empty()) {
+        Change(session, changes);
     }
     const auto facts = BoardFacts(session.Link().Identity(), session.Link().Traits().bus);
     LineOutput output;
@@ -130,21 +136,14 @@ int RunInfo(const InfoOptions& options) {
 } // namespace
 
 void AddInfo(CLI::App& program) {
-    auto& command = *program.add_subcommand("info", "what the board is, and its bus configuration");
     const auto options = std::make_shared<InfoOptions>();
+    CLI::App& command = AddCommand(program, "info", "the board and its bus, which --set changes",
+                                   [options] { return RunInfo(*options); });
     AddBoardOptions(command, options->board);
-    command
-        .add_option_function<std::vector<std::string>>(
-            "--set",
-            [&changes = options->changes](const std::vector<std::string>& texts) {
-                std::ranges::transform(texts, std::back_inserter(changes), ParseChange);
-            },
-            "change the bus configuration: mode=PCI-X, width=64, voltage=3.3V or frequency=66; may "
-            "be given several times")
-        ->type_name("NAME=VALUE")
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    Runs<InfoOptions>(command, RunInfo, options);
+    CompletedWithWords(AddTexts(command, "--set", options->changes, "NAME=VALUE",
+                                "mode=PCI-X, width=64, voltage=3.3V or frequency=66; may be given "
+                                "several times"),
+                       {"mode=", "width=", "voltage=", "frequency="});
 }
 
 } // namespace busquill::cli::board

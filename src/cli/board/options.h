@@ -4,8 +4,12 @@
 #include "cli/board/durations.h"
 #include "cli/session.h"
 
-#include <CLI/CLI.hpp>
 #include <optional>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
 
 namespace busquill::cli::board {
 
@@ -25,11 +29,9 @@ void AddBoardOptions(CLI::App& command, BoardOptions& options);
 /// --yes and --no, for a command that may ask.
 void AddAnswers(CLI::App& command, BoardOptions& options);
 /// An option whose value is a duration.
-CLI::Option* AddDuration(CLI::App& command, const std::string& name,
-                         std::optional<Milliseconds>& duration, const std::string& help);
-/// An option whose value is a whole number in a range.
-CLI::Option* AddNumber(CLI::App& command, const std::string& name,
-                       std::optional<std::int64_t>& number, std::int64_t from, std::int64_t to,
-                       const std::string& help);
+CLI::Option& AddDuration(CLI::App& command, const char* names, std::optional<Milliseconds>& into,
+                         const char* help);
+/// --for, after which a function that runs ends by itself.
+CLI::Option& AddLimit(CLI::App& command, std::optional<Milliseconds>& into);
 
 } // namespace busquill::cli::board

@@ -5,7 +5,7 @@
 
 namespace busquill::cli::board {
 
-/// Runs the program with its arguments (without the program's name); returns the exit status.
-[[nodiscard]] int Run(std::span<const std::string> texts);
+/// Runs the program with the words after its name; returns the exit status.
+[[nodiscard]] int Run(std::span<const std::string> words);
 
 } // namespace busquill::cli::board

@@ -1,0 +1,561 @@
+#include "cli/command_line.h"
+
+#include "cli/exit_request.h"
+#include "cli/interrupt.h"
+#include "cli/output.h"
+#include "cli/session.h"
+#include "platform/near_names.h"
+#include "platform/settings.h"
+#include "platform/text.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <new>
+#include <optional>
+#include <string_view>
+
+namespace busquill::cli {
+
+namespace {
+
+constexpr const char* completionName = "completion";
+
+bool IsOption(std::string_view word) {
+    return word.size() >= 2 && word[0] == '-';
+}
+
+bool IsLong(std::string_view word) {
+    return word.starts_with("--");
+}
+
+/// The option of any command with this name, "--from" or "-o", or null.
+const CLI::Option* FindOption(CLI::App& program, const std::string& name) {
+    std::vector<CLI::App*> apps = CommandsOf(program);
+    apps.push_back(&program);
+    for (CLI::App* app : apps) {
+        if (const CLI::Option* option = app->get_option_no_throw(name)) {
+            return option;
+        }
+    }
+    return nullptr;
+}
+
+/// The option with this name if it takes a value, or null.
+const CLI::Option* FindWithValue(CLI::App& program, const std::string& name) {
+    const CLI::Option* option = FindOption(program, name);
+    return option != nullptr && option->get_items_expected_max() > 0 ? option : nullptr;
+}
+
+/// The option in a word whose value is the next word, or null.
+const CLI::Option* ValueFollows(CLI::App& program, const std::string& word) {
+    if (IsLong(word)) {
+        return word.find('=') == std::string::npos ? FindWithValue(program, word) : nullptr;
+    }
+    for (std::size_t i = 1; i < word.size(); ++i) {
+        if (const auto* option = FindWithValue(program, std::string("-") + word[i])) {
+            return i + 1 == word.size() ? option : nullptr;
+        }
+    }
+    return nullptr;
+}
+
+/// The words in the order in which the library reads them as they are meant, wherever the user has
+/// put the options: command, options, "--", operands. Throws ExitRequest if a value is missing at
+/// the end.
+std::vector<std::string> Arranged(CLI::App& program, std::span<const std::string> words) {
+    std::vector<std::string> options;
+    std::vector<std::string> others;
+    bool onlyOthers = false;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        if (onlyOthers || !IsOption(word)) {
+            others.push_back(word);
+        } else if (word == "--") {
+            onlyOthers = true;
+        } else if (IsLong(word) && word.ends_with('=') &&
+                   FindWithValue(program, word.substr(0, word.size() - 1)) != nullptr) {
+            // The library would take the next word for the value.
+            options.push_back(word.substr(0, word.size() - 1));
+            options.emplace_back();
+        } else {
+            options.push_back(word);
+            if (const CLI::Option* option = ValueFollows(program, word)) {
+                if (i + 1 == words.size()) {
+                    WrongUse("--" + LongName(*option) + " needs a value: " + ValueName(*option));
+                }
+                options.push_back(words[++i]);
+            }
+        }
+    }
+    std::vector<std::string> arranged;
+    if (!others.empty()) {
+        arranged.push_back(others.front());
+        others.erase(others.begin());
+    }
+    arranged.insert(arranged.end(), options.begin(), options.end());
+    if (!others.empty()) {
+        arranged.emplace_back("--");
+        arranged.insert(arranged.end(), others.begin(), others.end());
+    }
+    return arranged;
+}
+
+/// As on the command line: "-o FILE", "--port PORT".
+std::string Typed(const CLI::Option& option) {
+    const char letter = Letter(option);
+    const std::string value = ValueName(option);
+    return (letter != 0 ? Printf("-%c", letter) : "--" + LongName(option)) +
+           (value.empty() ? "" : " " + value);
+}
+
+std::string OptionLine(const CLI::Option& option) {
+    const char letter = Letter(option);
+    const std::string value = ValueName(option);
+    const std::string left = (letter != 0 ? Printf("-%c, ", letter) : "    ") + "--" +
+                             LongName(option) + (value.empty() ? "" : " " + value);
+    return Printf("  %-32s %s\n", left.c_str(), option.get_description().c_str());
+}
+
+/// "FILE", "A B"; empty without operands.
+std::string OperandNames(CLI::App& app) {
+    std::string names;
+    for (const CLI::Option* operand : OperandsOf(app)) {
+        names += (names.empty() ? "" : " ") + OperandName(*operand);
+    }
+    return names;
+}
+
+std::string NoCommand(CLI::App& program, const std::string& word) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : CommandsOf(program)) {
+        names.push_back(command->get_name());
+    }
+    return "no command \"" + word + "\"; there are " + ListNearest(word, std::move(names));
+}
+
+/// An option that the command does not take.
+std::string WrongOption(CLI::App& program, const CLI::App* command, const std::string& word) {
+    const std::string name = IsLong(word) ? word.substr(0, word.find('=')) : word.substr(0, 2);
+    return command != nullptr && FindOption(program, name) != nullptr
+               ? command->get_name() + " takes no " + name
+               : "no option " + name;
+}
+
+/// What is wrong with the first word that the library could not place; empty if it placed all.
+std::string WrongWord(CLI::App& program, CLI::App* command) {
+    bool onlyOperands = false;
+    for (const std::string& word :
+         command != nullptr ? command->remaining() : program.remaining()) {
+        if (word == "--") {
+            onlyOperands = true;
+        } else if (!onlyOperands && IsOption(word)) {
+            if (command != nullptr ||
+                FindOption(program, word.substr(0, word.find('='))) == nullptr) {
+                return WrongOption(program, command, word);
+            }
+        } else if (command == nullptr) {
+            return NoCommand(program, word);
+        }
+        if (onlyOperands && word != "--") {
+            return Printf("%s takes %s, not also \"%s\"", command->get_name().c_str(),
+                          OperandNames(*command).c_str(), word.c_str());
+        }
+    }
+    // What stands behind "--" goes back to the program if the command takes no operands.
+    if (command != nullptr && !program.remaining().empty()) {
+        return Printf("%s takes no file, not also \"%s\"", command->get_name().c_str(),
+                      program.remaining().front().c_str());
+    }
+    return {};
+}
+
+/// The required options and operands that are not there; empty if all are.
+std::string Lacking(CLI::App& command) {
+    const std::string& name = command.get_name();
+    std::string lacking;
+    for (const CLI::Option* option : OptionsOf(command)) {
+        if (option->get_required() && option->count() == 0) {
+            lacking += (lacking.empty() ? "" : ", ") + Typed(*option);
+        }
+    }
+    return lacking.empty() ? name + " needs " + OperandNames(command)
+                           : name + " needs " + lacking + "; see " +
+                                 command.get_parent()->get_name() + " " + name + " -h";
+}
+
+/// The line for the user about an invalid command line.
+std::string MessageOf(const CLI::ParseError& error, CLI::App& program) {
+    const auto commands = program.get_subcommands();
+    CLI::App* command = commands.empty() ? nullptr : commands.front();
+    if (const std::string wrong = WrongWord(program, command); !wrong.empty()) {
+        return wrong;
+    }
+    if (command == nullptr) {
+        return "which command? See " + program.get_name() + " -h";
+    }
+    const std::string text = error.what();
+    // The library's messages begin with the option's name.
+    const std::string name = text.substr(0, text.find_first_of(": "));
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+        return Lacking(*command);
+    }
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        return "--" + name + " takes no value"; // a flag with one
+    }
+    if (dynamic_cast<const CLI::ValidationError*>(&error) != nullptr) {
+        const std::size_t end = name.size() + std::string_view(": ").size();
+        return name + " " + text.substr(std::min(end, text.size()));
+    }
+    return text;
+}
+
+void Print(const std::string& text) {
+    Output output("");
+    output.Write(text);
+    output.Close();
+}
+
+bool IsHelpAsked(const CLI::App& app) {
+    return app.get_help_ptr() != nullptr && app.get_help_ptr()->count() > 0;
+}
+
+/// Parses, and runs the command. Throws ExitRequest at the end.
+void ParseAndRun(CLI::App& program, std::span<const std::string> words) {
+    std::vector<std::string> arranged = Arranged(program, words);
+    std::ranges::reverse(arranged); // the library takes them from the back
+    try {
+        program.parse(std::move(arranged));
+    } catch (const CLI::ParseError& error) {
+        const auto commands = program.get_subcommands();
+        CLI::App& app = commands.empty() ? program : *commands.front();
+        if (IsHelpAsked(app)) {
+            Print(HelpText(app));
+        } else if (dynamic_cast<const CLI::CallForVersion*>(&error) != nullptr) {
+            Print(program.get_name() + " " BUSQUILL_VERSION "\n");
+        } else {
+            WrongUse(MessageOf(error, program));
+        }
+    }
+}
+
+void AddHelpAndVersion(CLI::App& app) {
+    app.set_help_flag("-h,--help", "this text")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    app.set_version_flag("-V,--version", "", "the program's version")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+}
+
+CLI::Option& AddValues(CLI::App& command, const char* names, const char* value, const char* help,
+                       std::function<void(const std::vector<std::string>&)> take) {
+    CLI::Option* option = command.add_option(
+        names,
+        [take = std::move(take)](const CLI::results_t& values) {
+            take(values);
+            return true;
+        },
+        help);
+    option->type_name(value)->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    return *option;
+}
+
+/// A whole number without anything around it.
+std::optional<std::int64_t> WholeNumber(std::string_view text) {
+    text.remove_prefix(text.starts_with('+') ? 1 : 0);
+    std::int64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+std::optional<std::uint64_t> HexNumber(std::string_view text) {
+    text.remove_prefix(text.starts_with("0x") || text.starts_with("0X") ? 2 : 0);
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, 16);
+    return error == std::errc() && stop == end && !text.empty() ? std::optional(number)
+                                                                : std::nullopt;
+}
+
+std::string WrongNumber(const std::string& text, const NumberLimits& limits) {
+    const auto number = WholeNumber(text);
+    if (!number) {
+        return "takes a whole number, not \"" + text + "\"";
+    }
+    if (*number >= limits.least && *number <= limits.most) {
+        return {};
+    }
+    if (limits.are != nullptr) {
+        return "is " + std::string(limits.are) + ", not " + text;
+    }
+    return Printf("takes a whole number from %lld to %lld, not %s",
+                  static_cast<long long>(limits.least), static_cast<long long>(limits.most),
+                  text.c_str());
+}
+
+/// A validator's check of a value: returns the rest of a message that begins with the option.
+using Check = std::function<std::string(const std::string&)>;
+
+CLI::Option& Checked(CLI::Option& option, Check check) {
+    return *option.check(std::move(check));
+}
+
+CLI::Option& KeepCompletion(CLI::Option& option, Completion::Kind kind,
+                            const std::vector<std::string>& words) {
+    std::string text = std::to_string(static_cast<int>(kind));
+    for (const std::string& word : words) {
+        text += "\n" + word;
+    }
+    return *option.check(
+        CLI::Validator([](std::string&) { return std::string(); }, text, completionName));
+}
+
+} // namespace
+
+std::unique_ptr<CLI::App> MakeProgram(const char* name, const char* about, const char* closing) {
+    auto program = std::make_unique<CLI::App>(about, name);
+    AddHelpAndVersion(*program);
+    program->footer(closing);
+    program->require_subcommand(1);
+    return program;
+}
+
+CLI::App& AddCommand(CLI::App& program, const char* name, const char* help,
+                     std::function<int()> run) {
+    CLI::App& command = *program.add_subcommand(name, help);
+    AddHelpAndVersion(command);
+    command.callback([run = std::move(run)] { throw ExitRequest{run(), {}}; });
+    return command;
+}
+
+int RunProgram(CLI::App& program, std::span<const std::string> words) {
+    SetProgramName(program.get_name());
+    NoticeInterrupts();
+    try {
+        ParseAndRun(program, words);
+        return ExitStatus::Done;
+    } catch (const ExitRequest& request) {
+        if (!request.message.empty()) {
+            Say(request.message);
+        }
+        return request.status;
+    } catch (const std::bad_alloc&) {
+        Say("there is not enough memory");
+        return ExitStatus::Failure;
+    }
+}
+
+std::string HelpText(CLI::App& app) {
+    std::string text;
+    if (app.get_parent() == nullptr) {
+        text = Printf("Usage: %s COMMAND [OPTION...] [FILE...]\n\n%s\n\nCommands:\n",
+                      app.get_name().c_str(), app.get_description().c_str());
+        for (CLI::App* command : CommandsOf(app)) {
+            text += Printf("  %-9s %-8s %s\n", command->get_name().c_str(),
+                           OperandNames(*command).c_str(), command->get_description().c_str());
+        }
+        text += "\nOptions of every command:\n";
+        for (const CLI::Option* option : OptionsOf(app)) {
+            text += OptionLine(*option);
+        }
+        return text + "\n" + app.get_footer();
+    }
+    std::string needed;
+    for (const CLI::Option* option : OptionsOf(app)) {
+        needed += option->get_required() ? " " + Typed(*option) : "";
+    }
+    const std::string operands = OperandNames(app);
+    needed += operands.empty() ? "" : " " + operands;
+    std::string about = app.get_description();
+    about[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(about[0])));
+    text = Printf("Usage: %s %s [OPTION...]%s\n\n%s.\n\nOptions:\n",
+                  app.get_parent()->get_name().c_str(), app.get_name().c_str(), needed.c_str(),
+                  about.c_str());
+    for (const CLI::Option* option : OptionsOf(app)) {
+        text += OptionLine(*option);
+    }
+    return text;
+}
+
+CLI::Option& AddFlag(CLI::App& command, const char* names, bool& into, const char* help) {
+    CLI::Option* option = command.add_flag_callback(
+        names, [&into] { into = true; }, help);
+    option->disable_flag_override()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    return *option;
+}
+
+CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, const char* value,
+                     const char* help) {
+    return AddValues(command, names, value, help,
+                     [&into](const std::vector<std::string>& values) { into = values.back(); });
+}
+
+CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::string>& into,
+                      const char* value, const char* help) {
+    CLI::Option& option =
+        AddValues(command, names, value, help,
+                  [&into](const std::vector<std::string>& values) { into = values; });
+    return *option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+CLI::Option& Required(CLI::Option& option) {
+    option.required();
+    return Checked(option, [value = ValueName(option)](const std::string& text) {
+        return text.empty() ? "needs a value: " + value : std::string();
+    });
+}
+
+CLI::Option& AddNumber(CLI::App& command, const char* names, std::function<void(std::int64_t)> take,
+                       const char* value, const NumberLimits& limits, const char* help) {
+    CLI::Option& option =
+        AddValues(command, names, value, help,
+                  [take = std::move(take)](const std::vector<std::string>& values) {
+                      take(WholeNumber(values.back()).value());
+                  });
+    return Checked(option, [limits](const std::string& text) { return WrongNumber(text, limits); });
+}
+
+CLI::Option& AddHexNumber(CLI::App& command, const char* names,
+                          std::function<void(std::uint64_t)> take, const char* value,
+                          std::uint64_t most, const char* help) {
+    CLI::Option& option =
+        AddValues(command, names, value, help,
+                  [take = std::move(take)](const std::vector<std::string>& values) {
+                      take(HexNumber(values.back()).value());
+                  });
+    return Checked(option, [most](const std::string& text) {
+        const auto number = HexNumber(text);
+        return number && *number <= most
+                   ? std::string()
+                   : Printf("takes a hexadecimal number up to %llX, not \"%s\"",
+                            static_cast<unsigned long long>(most), text.c_str());
+    });
+}
+
+CLI::Option& AddChoice(CLI::App& command, const char* names, std::vector<std::string> words,
+                       std::function<void(std::size_t)> take, const char* value, const char* help) {
+    const auto indexOf = [words](const std::string& text) {
+        return static_cast<std::size_t>(std::ranges::find(words, text) - words.begin());
+    };
+    CLI::Option& option =
+        AddValues(command, names, value, help,
+                  [indexOf, take = std::move(take)](const std::vector<std::string>& values) {
+                      take(indexOf(values.back()));
+                  });
+    Checked(option, [indexOf, words](const std::string& text) {
+        std::string all;
+        for (const std::string& word : words) {
+            all += (all.empty() ? "" : ", ") + word;
+        }
+        return indexOf(text) < words.size() ? std::string()
+                                            : "is one of " + all + "; not \"" + text + "\"";
+    });
+    return CompletedWithWords(option, std::move(words));
+}
+
+CLI::Option& AddOperand(CLI::App& command, const char* name, std::string& into) {
+    return *AddText(command, name, into, "", "").required();
+}
+
+CLI::Option& AddOperands(CLI::App& command, const char* name, std::vector<std::string>& into) {
+    // With an exact number of values the library does not take "[a]" for a list; it does not check
+    // that all have come if it takes all.
+    constexpr int many = 1 << 20;
+    return *AddTexts(command, name, into, "", "").required()->expected(many);
+}
+
+CLI::Option& AddOutput(CLI::App& command, OutputOptions& into) {
+    return CompletedWithFiles(
+        AddText(command, "-o,--output", into.path, "FILE", "write to FILE; - is standard output"));
+}
+
+CLI::Option& AddOverwrite(CLI::App& command, OutputOptions& into) {
+    return AddFlag(command, "--overwrite", into.overwrite, "let -o replace a file that is read");
+}
+
+CLI::Option& AddJson(CLI::App& command, bool& into) {
+    return AddFlag(command, "--json", into, "print JSON");
+}
+
+CLI::Option& AddQuiet(CLI::App& command, bool& into) {
+    return AddFlag(command, "--quiet", into, "print no progress and no notes");
+}
+
+void AddPortOptions(CLI::App& command, PortOptions& into) {
+    into.baud = usualBaudRate;
+    Completed(Required(AddText(command, "--port", into.port, "PORT",
+                               "COM1 to COM8, the path of a terminal device, or USB")),
+              Completion::Kind::Ports);
+    AddChoice<std::int64_t>(command, "--baud",
+                            {{"9600", 9600}, {"19200", 19200}, {"38400", 38400}, {"57600", 57600}},
+                            into.baud, "RATE", "rate of the serial line (default 57600)");
+}
+
+CLI::Option& CompletedWithFiles(CLI::Option& option, const char* ending) {
+    return KeepCompletion(option, Completion::Kind::Files,
+                          *ending == '\0' ? std::vector<std::string>()
+                                          : std::vector<std::string>{ending});
+}
+
+CLI::Option& CompletedWithWords(CLI::Option& option, std::vector<std::string> words) {
+    return KeepCompletion(option, Completion::Kind::Words, words);
+}
+
+CLI::Option& Completed(CLI::Option& option, Completion::Kind kind) {
+    return KeepCompletion(option, kind, {});
+}
+
+Completion CompletionOf(CLI::Option& option) {
+    Completion completion;
+    const CLI::Validator* kept = nullptr;
+    try {
+        kept = option.get_validator(completionName);
+    } catch (const CLI::OptionNotFound&) {
+        return completion;
+    }
+    std::istringstream lines(kept->get_description());
+    std::string line;
+    std::getline(lines, line);
+    completion.kind = static_cast<Completion::Kind>(std::stoi(line));
+    while (std::getline(lines, line)) {
+        completion.words.push_back(line);
+    }
+    return completion;
+}
+
+std::string ValueName(const CLI::Option& option) {
+    if (option.get_items_expected_max() == 0) {
+        return {};
+    }
+    const std::string name = option.get_type_name(); // with what its validators are, after a colon
+    return name.substr(0, name.find(':'));
+}
+
+std::string OperandName(const CLI::Option& option) {
+    const std::string name =
+        option.get_name(true) + (option.get_items_expected_max() > 1 ? "..." : "");
+    return option.get_required() ? name : "[" + name + "]";
+}
+
+std::string LongName(const CLI::Option& option) {
+    return option.get_lnames().empty() ? std::string() : option.get_lnames().front();
+}
+
+char Letter(const CLI::Option& option) {
+    return option.get_snames().empty() ? '\0' : option.get_snames().front().front();
+}
+
+std::vector<CLI::Option*> OptionsOf(CLI::App& app) {
+    return app.get_options([](const CLI::Option* option) { return !option->get_positional(); });
+}
+
+std::vector<CLI::Option*> OperandsOf(CLI::App& app) {
+    return app.get_options([](const CLI::Option* option) { return option->get_positional(); });
+}
+
+std::vector<CLI::App*> CommandsOf(CLI::App& program) {
+    return program.get_subcommands([](const CLI::App*) { return true; });
+}
+
+} // namespace busquill::cli
