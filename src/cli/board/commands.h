@@ -9,6 +9,7 @@ class App;
 namespace busquill::cli::board {
 
 void AddInfo(CLI::App& program);
+void AddPerformance(CLI::App& program);
 
 /// Adds all commands.
 void AddCommands(CLI::App& program);
