@@ -114,7 +114,7 @@ ProgramRun RunProgram(const std::string& program, const std::vector<std::string>
     out.Close(1);
     err.Close(1);
     ProgramRun run;
-    const auto end = Time::now() + std::chrono::minutes(1);
+    const auto end = Time::now() + input.limit;
     bool interrupted = false;
     std::size_t given = input.onTerminal ? input.standardInput.size() : 0;
     while (Time::now() < end && (out.ends[0] >= 0 || err.ends[0] >= 0)) {

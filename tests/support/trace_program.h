@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <utility>
@@ -25,10 +26,11 @@ struct ProgramInput {
     std::function<bool()> interruptWhen = {};
     std::size_t memoryBytes = 0; // limit of its address space; 0: none
     std::size_t diskBytes = 0;   // limit of a file's size, as on a full disk; 0: none
+    std::chrono::seconds limit{60}; // after which it is killed
     std::size_t readAtMost = 0;  // of its standard output, which is then closed; 0: all
 };
 
-/// Runs busquill-trace as a separate process, for at most a minute.
+/// Runs busquill-trace as a separate process.
 [[nodiscard]] ProgramRun RunTrace(const std::vector<std::string>& arguments,
                                   const ProgramInput& input = {});
 /// The same for busquill-board.

@@ -63,13 +63,28 @@ WaitEnd BoardSession::WaitUntil(const std::function<bool()>& done, Milliseconds 
         if (isDone) {
             return WaitEnd::Done;
         }
-        if (WasInterrupted()) {
-            return WaitEnd::Interrupted;
-        }
-        if (TimeIsOver()) {
-            return WaitEnd::TimeOver;
+        if (const WaitEnd end = EndAsked(); end != WaitEnd::Done) {
+            return end;
         }
     }
+}
+
+WaitEnd BoardSession::Pause(Milliseconds time) {
+    const auto until = Time::now() + time;
+    const WaitEnd end = WaitUntil([&] { return Time::now() >= until; }, time);
+    return end == WaitEnd::Done ? EndAsked() : end;
+}
+
+WaitEnd BoardSession::EndAsked() {
+    return WasInterrupted() ? WaitEnd::Interrupted
+           : TimeIsOver()   ? WaitEnd::TimeOver
+                            : WaitEnd::Done;
+}
+
+bool BoardSession::PrintMessages() {
+    const bool any = session_.PrintMessages();
+    hadMessages_ = hadMessages_ || any;
+    return any;
 }
 
 void BoardSession::Status(const std::string& text) const {

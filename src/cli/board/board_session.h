@@ -35,6 +35,10 @@ public:
     /// `period`.
     [[nodiscard]] WaitEnd WaitUntil(const std::function<bool()>& done,
                                     Milliseconds period = Milliseconds(50));
+    /// Waits for a time, which may be 0; `Done` when it has passed and no end is asked for.
+    [[nodiscard]] WaitEnd Pause(Milliseconds time);
+    /// The end that the user asks for; `Done` when there is none.
+    [[nodiscard]] WaitEnd EndAsked();
     /// Whether the user has interrupted. It stays so: the command is to stop its function, keep
     /// what came, and say so.
     [[nodiscard]] bool WasInterrupted();
@@ -43,7 +47,12 @@ public:
 
     /// Prints the messages since the last call; returns whether there were any. Messages of runs
     /// tell of failures.
-    bool PrintMessages() { return session_.PrintMessages(); }
+    bool PrintMessages();
+    /// Whether there were any since the board was connected.
+    [[nodiscard]] bool HadMessages() {
+        PrintMessages();
+        return hadMessages_;
+    }
     /// Prints a line on standard error, unless --quiet leaves status lines out.
     void Status(const std::string& text) const;
 
@@ -56,6 +65,7 @@ private:
     const Answers answers_;
     const bool quiet_;
     int interrupts_ = 0;
+    bool hadMessages_ = false;
     std::optional<Time::time_point> limit_;
     Session session_;
 };

@@ -6,8 +6,7 @@ namespace {
 
 /// In the order of the program's help.
 constexpr void (*adders[])(CLI::App&) = {
-    AddInfo,
-    AddPerformance,
+    AddInfo, AddPerformance, AddMaster, AddDump, AddConfig,
 };
 
 } // namespace

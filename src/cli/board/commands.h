@@ -8,7 +8,10 @@ class App;
 
 namespace busquill::cli::board {
 
+void AddConfig(CLI::App& program);
+void AddDump(CLI::App& program);
 void AddInfo(CLI::App& program);
+void AddMaster(CLI::App& program);
 void AddPerformance(CLI::App& program);
 
 /// Adds all commands.

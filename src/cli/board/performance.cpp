@@ -151,7 +151,7 @@ public:
         output_.Print(isJson_ ? line + "}" : line);
     }
 
-    [[nodiscard]] const LineOutput& Output() const noexcept { return output_; }
+    [[nodiscard]] LineOutput& Output() noexcept { return output_; }
 
 private:
     static constexpr int timeWidth = 23;
@@ -199,7 +199,7 @@ public:
     /// Whether the board stopped to answer.
     [[nodiscard]] bool IsGone() const noexcept { return isGone_; }
     [[nodiscard]] std::int64_t Count() const { return document_.Results().Count(); }
-    [[nodiscard]] const LineOutput& Output() const noexcept { return table_.Output(); }
+    [[nodiscard]] LineOutput& Output() noexcept { return table_.Output(); }
     [[nodiscard]] bool Save(const std::string& path) { return document_.OnSaveDocument(path); }
 
 private:
