@@ -13,6 +13,7 @@ void AddDump(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddMaster(CLI::App& program);
 void AddPerformance(CLI::App& program);
+void AddPorts(CLI::App& program);
 
 /// Adds all commands.
 void AddCommands(CLI::App& program);
