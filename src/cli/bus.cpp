@@ -1,25 +1,24 @@
 #include "cli/bus.h"
 
-#include "cli/arguments.h"
+#include "cli/command_line.h"
 #include "cli/exit_request.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace busquill::cli {
 
 namespace {
 
-std::int32_t BusModeOf(const std::string& name) {
+/// The mode with this name in any case.
+std::optional<std::int32_t> BusModeOf(const std::string& name) {
     const auto names = BusModeNames();
     const auto found = std::ranges::find_if(
         names, [&](std::string_view each) { return EqualIgnoringCase(each, name); });
-    if (found == names.end()) {
-        WrongUse(Printf("no bus \"%s\"; there are %s", name.c_str(),
-                        ListNearest(name, {names.begin(), names.end()}).c_str()));
-    }
-    return static_cast<std::int32_t>(found - names.begin());
+    return found == names.end() ? std::nullopt
+                                : std::optional(static_cast<std::int32_t>(found - names.begin()));
 }
 
 /// The model to assume if none is given: connectors have specific models, for all others the bus is
@@ -40,28 +39,50 @@ bool Offers(const std::string& model, std::int32_t busMode) {
     return std::ranges::find(modes, busMode) != modes.end();
 }
 
-BoardTraits TraitsOf(const Arguments& arguments) {
-    const std::string bus = arguments.Value("bus");
-    const std::string model = arguments.Value("model");
-    const auto mode = arguments.Has("bus") ? std::optional(BusModeOf(bus)) : std::nullopt;
-    auto traits = TraitsOfModel(!model.empty() ? model : ModelOf(mode.value_or(BusPci)));
-    if (!traits) {
-        const auto names = ModelNames();
-        WrongUse(Printf("no model \"%s\"; there are %s", model.c_str(),
-                        ListNearest(model, {names.begin(), names.end()}).c_str()));
+BoardTraits TraitsOf(const BusOptions& options) {
+    const std::string& model = options.model;
+    auto traits = TraitsOfModel(!model.empty() ? model : ModelOf(options.mode.value_or(BusPci)));
+    if (options.mode && !model.empty() && !Offers(traits->modelString, *options.mode)) {
+        WrongUse(Printf("%s has no bus %s", traits->modelString.c_str(),
+                        std::string(BusModeName(*options.mode)).c_str()));
     }
-    if (mode && arguments.Has("model") && !Offers(traits->modelString, *mode)) {
-        WrongUse(Printf("%s has no bus %s", traits->modelString.c_str(), bus.c_str()));
-    }
-    traits->bus.busMode = mode.value_or(traits->bus.busMode);
-    traits->bus.busWidth = arguments.OneOf("width", {"32", "64"}) == "64" ? 1 : 0;
+    traits->bus.busMode = options.mode.value_or(traits->bus.busMode);
+    traits->bus.busWidth = options.width;
     return *traits;
+}
+
+/// The texts of some names.
+template <typename Names>
+std::vector<std::string> TextsOf(const Names& names) {
+    return {names.begin(), names.end()};
 }
 
 } // namespace
 
-Bus::Bus(const Arguments& arguments)
-    : board_(TraitsOf(arguments)), tables_([this] { return board_; }, WorkingDirectory::AtStart()) {
+void AddBusOptions(CLI::App& command, BusOptions& into) {
+    CLI::Option& model = AddText(command, "--model", into.model, "NAME",
+                                 "board that made the capture, such as VMEKite");
+    model.check([](const std::string& text) {
+        return TraitsOfModel(text) ? std::string()
+                                   : "knows no model \"" + text + "\"; there are " +
+                                         ListNearest(text, TextsOf(ModelNames()));
+    });
+    CompletedWithWords(model, TextsOf(ModelNames()));
+    CLI::Option& bus = *command.add_option_function<std::string>(
+        "--bus", [&into](const std::string& text) { into.mode = BusModeOf(text); },
+        "bus that was captured, such as PCI-X (default PCI)");
+    bus.type_name("MODE")->take_last()->check([](const std::string& text) {
+        return BusModeOf(text) ? std::string()
+                               : "knows no bus \"" + text + "\"; there are " +
+                                     ListNearest(text, TextsOf(BusModeNames()));
+    });
+    CompletedWithWords(bus, TextsOf(BusModeNames()));
+    AddChoice<std::int32_t>(command, "--width", {{"32", 0}, {"64", 1}}, into.width, "32|64",
+                            "width of the bus (default 32)");
+}
+
+Bus::Bus(const BusOptions& options)
+    : board_(TraitsOf(options)), tables_([this] { return board_; }, WorkingDirectory::AtStart()) {
     tables_.Load();
 }
 

@@ -2,14 +2,29 @@
 
 #include "signals/signal_tables.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
 namespace busquill::cli {
 
-struct Arguments;
+/// The options that say how a capture is read.
+struct BusOptions {
+    std::string model; // empty: any that has the bus
+    std::optional<std::int32_t> mode;
+    std::int32_t width = 0; // as in BusConfig
+};
+void AddBusOptions(CLI::App& command, BusOptions& into);
 
 /// The signal tables of the board and bus that the options name.
 class Bus {
 public:
-    explicit Bus(const Arguments& arguments);
+    /// Throws ExitRequest if the model has no such bus.
+    explicit Bus(const BusOptions& options);
 
     [[nodiscard]] const BoardTraits& Board() const noexcept { return board_; }
     [[nodiscard]] SignalTables& Tables() noexcept { return tables_; }

@@ -1,6 +1,6 @@
 #include "capture/search_condition.h"
 #include "capture/trace_writer.h"
-#include "cli/arguments.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
@@ -32,11 +32,13 @@ constexpr const char* boardIsLost = "the board does not answer any more; nothing
 /// Why a run ended.
 enum class RunEnd { Finished, Timeout, Interrupt, BoardLost };
 
-/// The options of a capture.
 struct Options {
-    std::string path;
-    std::int64_t runs = 1; // 0: unlimited
-    std::optional<Time::time_point> deadline;
+    PortOptions port;
+    std::string setup;
+    OutputOptions output;
+    std::optional<std::int64_t> timeout; // seconds
+    std::optional<std::int64_t> repeat;  // 0: without end
+    std::vector<std::string> stopIfFound;
 };
 
 /// Ends the program if a file is not a setup, before connecting to the board. The meaning of its
@@ -53,38 +55,26 @@ void CheckSetup(const std::string& path) {
     }
 }
 
-Options OptionsOf(const Arguments& arguments) {
-    Options options;
-    options.path = arguments.Value("output");
-    options.runs = arguments.Number("repeat").value_or(1);
-    if (options.runs < 0) {
-        WrongUse("--repeat is a number of runs, or 0 for runs without end");
-    }
-    if (arguments.Has("repeat") && options.path == "-") {
+void CheckUse(const Options& options) {
+    CheckTarget(options.output, {options.setup});
+    const std::string& path = options.output.path;
+    if (options.repeat && path == "-") {
         WrongUse("repeated runs make several files; -o names them");
     }
-    if (const auto seconds = arguments.Number("timeout")) {
-        constexpr std::int64_t longest = std::int64_t{366} * 24 * 3600;
-        if (*seconds < 1 || *seconds > longest) {
-            WrongUse("--timeout is a number of seconds from 1 up");
-        }
-        options.deadline = Time::now() + std::chrono::seconds(*seconds);
-    }
-    CheckSetup(arguments.Value("setup"));
+    CheckSetup(options.setup);
     // Checked now, before samples are fetched that could not be saved.
-    const std::string folder =
-        options.path.substr(0, options.path.size() - FileNameOf(options.path).size());
+    const std::string folder = path.substr(0, path.size() - FileNameOf(path).size());
     std::error_code unknown;
     if (!folder.empty() && !std::filesystem::is_directory(folder, unknown)) {
-        Fail(Printf("Error creating file %s.", options.path.c_str()));
+        Fail(Printf("Error creating file %s.", path.c_str()));
     }
-    return options;
 }
 
 /// Runs the board, again and again, into the session's document.
 class Runner {
 public:
-    Runner(Session& session, const Options& options) : session_(session), options_(options) {
+    Runner(Session& session, std::optional<Time::time_point> deadline)
+        : session_(session), deadline_(deadline) {
         session_.Link().SetGiveUp([this](milliseconds waited) { return GivesUp(waited); });
     }
 
@@ -173,7 +163,7 @@ private:
     [[nodiscard]] bool GivesUp(milliseconds waited) {
         if (Interrupted()) {
             givenUp_ = "interrupted; ";
-        } else if (options_.deadline && Time::now() >= *options_.deadline) {
+        } else if (deadline_ && Time::now() >= *deadline_) {
             givenUp_ = "the time is over; ";
         } else if (waited >= patience) {
             givenUp_ = Printf("no end after %d seconds; ", static_cast<int>(patience.count()));
@@ -185,8 +175,7 @@ private:
             Say("interrupted; what the board has is fetched");
             return RunEnd::Interrupt;
         }
-        return options_.deadline && Time::now() >= *options_.deadline ? RunEnd::Timeout
-                                                                      : RunEnd::Finished;
+        return deadline_ && Time::now() >= *deadline_ ? RunEnd::Timeout : RunEnd::Finished;
     }
 
     RunEnd Upload() {
@@ -233,7 +222,7 @@ private:
     }
 
     Session& session_;
-    const Options& options_;
+    const std::optional<Time::time_point> deadline_;
     std::string givenUp_; // why the board was given up, and what to do
     bool triggered_ = false;
 };
@@ -303,26 +292,28 @@ bool Report(CTesselDoc& document, const Runner& runner, RunEnd end, std::int64_t
     return held != 0;
 }
 
-} // namespace
-
-int RunCapture(const Arguments& arguments) {
-    const Options options = OptionsOf(arguments);
-    Session session(PortOptionsOf(arguments));
+int Run(const Options& options) {
+    const auto deadline = options.timeout
+                              ? std::optional(Time::now() + std::chrono::seconds(*options.timeout))
+                              : std::nullopt;
+    const std::int64_t runs = options.repeat.value_or(1);
+    CheckUse(options);
+    Session session(options.port);
     if (Interrupted()) {
         Fail("interrupted");
     }
     SearchCondition condition;
-    for (const std::string& text : arguments.All("stop-if-found")) {
+    for (const std::string& text : options.stopIfFound) {
         if (const std::string wrong = condition.Add(text, session.Tables(), {}); !wrong.empty()) {
             WrongUse(wrong);
         }
     }
-    Runner runner(session, options);
-    runner.LoadSetup(arguments.Value("setup"));
+    Runner runner(session, deadline);
+    runner.LoadSetup(options.setup);
     CTesselDoc& document = session.Document();
     bool complete = true;
     bool any = false;
-    for (std::int64_t run = 1; options.runs == 0 || run <= options.runs; ++run) {
+    for (std::int64_t run = 1; runs == 0 || run <= runs; ++run) {
         if (run > 1 && Interrupted()) {
             break; // interrupted while the last run was saved
         }
@@ -332,7 +323,7 @@ int RunCapture(const Arguments& arguments) {
         if (Report(document, runner, end, held)) {
             any = true;
             const std::string path =
-                arguments.Has("repeat") ? NumberedPath(options.path, run) : options.path;
+                options.repeat ? NumberedPath(options.output.path, run) : options.output.path;
             SaveTo(runner, path);
             Say(Printf("%s: %lld samples", path == "-" ? "standard output" : path.c_str(),
                        static_cast<long long>(held)));
@@ -346,7 +337,7 @@ int RunCapture(const Arguments& arguments) {
         if (end == RunEnd::Timeout && !runner.Triggered()) {
             return ExitStatus::NothingFound;
         }
-        if (end != RunEnd::Finished || (options.deadline && Time::now() >= *options.deadline)) {
+        if (end != RunEnd::Finished || (deadline && Time::now() >= *deadline)) {
             break;
         }
     }
@@ -354,6 +345,30 @@ int RunCapture(const Arguments& arguments) {
         return ExitStatus::Failure;
     }
     return any && condition.Empty() ? ExitStatus::Done : ExitStatus::NothingFound;
+}
+
+} // namespace
+
+void AddCapture(CLI::App& program) {
+    constexpr std::int64_t longest = std::int64_t{366} * 24 * 3600;
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(program, "capture", "captures with the connected board",
+                                   [options] { return Run(*options); });
+    AddPortOptions(command, options->port);
+    CompletedWithFiles(
+        Required(AddText(command, "--setup", options->setup, "FILE", "trigger program (.tsp)")),
+        ".tsp");
+    CompletedWithFiles(Required(AddOutput(command, options->output)), ".tra");
+    AddOverwrite(command, options->output);
+    AddNumber(command, "--timeout", options->timeout, "S",
+              {1, longest, "a number of seconds from 1 up"},
+              "stop the board after S seconds; what it has is still fetched");
+    AddNumber(command, "--repeat", options->repeat, "N",
+              {0, std::numeric_limits<std::int64_t>::max(),
+               "a number of runs, or 0 for runs without end"},
+              "run N times (0: without end) into numbered files");
+    AddTexts(command, "--stop-if-found", options->stopIfFound, "NAME=VALUE",
+             "end the runs when a capture holds this; may be given several times");
 }
 
 } // namespace busquill::cli

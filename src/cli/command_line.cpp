@@ -307,8 +307,13 @@ CLI::Option& KeepCompletion(CLI::Option& option, Completion::Kind kind,
     for (const std::string& word : words) {
         text += "\n" + word;
     }
-    return *option.check(
-        CLI::Validator([](std::string&) { return std::string(); }, text, completionName));
+    try {
+        option.get_validator(completionName)->description(text);
+    } catch (const CLI::OptionNotFound&) {
+        option.check(
+            CLI::Validator([](std::string&) { return std::string(); }, text, completionName));
+    }
+    return option;
 }
 
 } // namespace
@@ -463,6 +468,10 @@ CLI::Option& AddOperands(CLI::App& command, const char* name, std::vector<std::s
     // that all have come if it takes all.
     constexpr int many = 1 << 20;
     return *AddTexts(command, name, into, "", "").required()->expected(many);
+}
+
+CLI::Option& Optional(CLI::Option& operand) {
+    return *operand.required(false);
 }
 
 CLI::Option& AddOutput(CLI::App& command, OutputOptions& into) {

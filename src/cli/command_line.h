@@ -79,9 +79,9 @@ CLI::Option& AddHexNumber(CLI::App& command, const char* names,
 /// One of some words.
 CLI::Option& AddChoice(CLI::App& command, const char* names, std::vector<std::string> words,
                        std::function<void(std::size_t)> take, const char* value, const char* help);
-template <typename Choice>
+template <typename Choice, typename Into>
 CLI::Option& AddChoice(CLI::App& command, const char* names,
-                       const std::vector<std::pair<const char*, Choice>>& choices, Choice& into,
+                       const std::vector<std::pair<const char*, Choice>>& choices, Into& into,
                        const char* value, const char* help) {
     std::vector<std::string> words;
     std::vector<Choice> meanings;
@@ -94,10 +94,11 @@ CLI::Option& AddChoice(CLI::App& command, const char* names,
         [&into, meanings](std::size_t index) { into = meanings[index]; }, value, help);
 }
 
-// Operands, in their order. They are required; `->required(false)` makes one optional.
+// Operands, in their order. They are required unless declared optional.
 
 CLI::Option& AddOperand(CLI::App& command, const char* name, std::string& into);
 CLI::Option& AddOperands(CLI::App& command, const char* name, std::vector<std::string>& into);
+CLI::Option& Optional(CLI::Option& operand);
 
 // Options of many commands.
 

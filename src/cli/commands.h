@@ -1,21 +1,23 @@
-/// The commands of busquill-trace. Each returns the exit status, and throws ExitRequest when it
-/// cannot continue.
+/// The commands of busquill-trace: each adds itself to the program, with its options and what it
+/// runs. That returns the exit status, and throws ExitRequest when it cannot continue.
 #pragma once
+
+namespace CLI {
+class App;
+}
 
 namespace busquill::cli {
 
-struct Arguments;
-
-int RunInfo(const Arguments& arguments);
-int RunList(const Arguments& arguments);
-int RunSearch(const Arguments& arguments);
-int RunFilter(const Arguments& arguments);
-int RunConvert(const Arguments& arguments);
-int RunCompare(const Arguments& arguments);
-int RunStats(const Arguments& arguments);
-int RunNames(const Arguments& arguments);
-int RunSetup(const Arguments& arguments);
-int RunBoard(const Arguments& arguments);
-int RunCapture(const Arguments& arguments);
+void AddInfo(CLI::App& program);
+void AddList(CLI::App& program);
+void AddSearch(CLI::App& program);
+void AddFilter(CLI::App& program);
+void AddConvert(CLI::App& program);
+void AddCompare(CLI::App& program);
+void AddStats(CLI::App& program);
+void AddNames(CLI::App& program);
+void AddSetup(CLI::App& program);
+void AddBoard(CLI::App& program);
+void AddCapture(CLI::App& program);
 
 } // namespace busquill::cli

@@ -1,16 +1,16 @@
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/range.h"
+#include "export/sample_period.h"
 #include "export/session_file.h"
 #include "export/value_dump.h"
 #include "export/value_table.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
-#include "signals/signal_names.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -19,11 +19,26 @@ namespace busquill::cli {
 
 namespace {
 
+enum class Format { Vcd, Csv, Sr };
+
+constexpr std::array<std::pair<const char*, Format>, 3> formats = {
+    {{"vcd", Format::Vcd}, {"csv", Format::Csv}, {"sr", Format::Sr}}};
+
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    NumberRange range;
+    bool zoom = false;
+    std::optional<Format> format; // otherwise by the ending of the output
+    bool changes = false;
+};
+
 /// The input of a conversion: samples in order.
 class Source {
 public:
-    Source(const Arguments& arguments, TraceInput& input)
-        : input_(input), range_(RangeOf(arguments)), zoom_(arguments.Has("zoom")) {
+    Source(const Options& options, TraceInput& input)
+        : input_(input), range_(options.range), zoom_(options.zoom) {
         if (zoom_) {
             const TraceSurvey survey = input.Survey();
             input.RequireZoom(survey);
@@ -116,13 +131,13 @@ private:
     bool hasGaps_ = false;
 };
 
-std::string FormatOf(const Arguments& arguments) {
-    if (arguments.Has("format")) {
-        return arguments.OneOf("format", {"vcd", "csv", "sr"});
+Format FormatOf(const Options& options) {
+    if (options.format) {
+        return *options.format;
     }
-    const std::string path = arguments.Value("output");
-    for (const char* format : {"vcd", "csv", "sr"}) {
-        if (ToLower(path).ends_with(std::string(".") + format)) {
+    const std::string& path = options.output.path;
+    for (const auto& [ending, format] : formats) {
+        if (ToLower(path).ends_with(std::string(".") + ending)) {
             return format;
         }
     }
@@ -138,11 +153,11 @@ std::string WholePath(const std::string& path) {
     return std::filesystem::absolute(path, unknown).lexically_normal().string();
 }
 
-bool ToDump(Source& source, const Bus& bus, const Arguments& arguments) {
-    const std::string path = arguments.Value("output");
+bool ToDump(Source& source, const Bus& bus, const Options& options) {
+    const std::string& path = options.output.path;
     const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
     const std::string viewerPath = path.substr(0, point) + ".gtkw";
-    CheckTarget(arguments, viewerPath);
+    CheckTarget({viewerPath, options.output.overwrite}, {options.file});
     ValueDump dump(source.List(), source.Use(),
                    {bus.Board(), source.IsZoom(), source.Stream().comment});
     Output output(path);
@@ -184,75 +199,25 @@ bool ToTable(Source& source, const Bus& bus, const std::string& path, bool chang
     return any;
 }
 
-/// Checks whether all samples are one clock period apart.
-class PeriodCheck {
-public:
-    PeriodCheck(std::optional<std::int64_t> period, bool zoom)
-        : period_(period.value_or(0)), unit_(zoom ? 1 : 1000) {}
-
-    void Take(const SampleRows& rows) {
-        for (const SampleRecord& record : rows.records) {
-            // TIME is in whole nanoseconds; the periods of the fastest clocks are not.
-            const std::int64_t time = time_.Of(record) * unit_;
-            holds_ = holds_ && (first_ || std::abs(time - period_) < unit_);
-            first_ = false;
-        }
-    }
-    [[nodiscard]] bool Holds() const noexcept { return holds_; }
-
-private:
-    const std::int64_t period_; // picoseconds
-    const std::int64_t unit_;
-    SampleTime time_;
-    bool first_ = true;
-    bool holds_ = true;
-};
-
 /// The time between samples in picoseconds, if it is the same for all.
-std::optional<std::int64_t> SteadyPeriod(Source& source) {
-    const SampleTime time;
-    std::optional<std::int64_t> period;
-    bool isFirst = true; // its TIME is the time before the capture
-    bool isSteady = true;
-    const bool any = source.ForEach([&](const SampleRows& rows) {
-        for (const SampleRecord& record : rows.records) {
-            if (!isFirst) {
-                period = period.value_or(time.Of(record));
-                isSteady = isSteady && *period == time.Of(record);
-            }
-            isFirst = false;
-        }
-    });
+std::optional<std::int64_t> SteadyPeriodOf(Source& source) {
+    SteadyPeriod steady;
+    const bool any = source.ForEach([&](const SampleRows& rows) { steady.Take(rows); });
     source.Rewind();
-    constexpr std::int64_t nanosecond = 1000;
-    return any && isSteady && !source.HasGaps() && period.value_or(0) > 0
-               ? std::optional(*period * nanosecond)
-               : std::nullopt;
+    return any && !source.HasGaps() ? steady.Period() : std::nullopt;
 }
 
 bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     SessionFile::Capture capture;
-    for (int bit = 0; bit < SampleRecord::bitCount; ++bit) {
-        std::string name = BitName(bus.Tables(), bit);
-        std::ranges::replace(name, ' ', '_');
-        const auto isTaken = [&](const std::string& each) {
-            return std::ranges::find(capture.channels, each) != capture.channels.end();
-        };
-        std::string unique = name;
-        for (int n = 2; isTaken(unique); ++n) {
-            unique = name + "_" + std::to_string(n);
-        }
-        capture.channels.push_back(unique);
-    }
+    capture.channels = SessionChannels(bus.Tables());
     const TraceSetup& setup = source.Stream().setup;
     auto period =
         source.IsZoom() ? PowerZoomPeriod(setup.powerZoomClock) : ClockPeriod(setup.clock);
     if (!period && !source.IsZoom()) {
-        period = SteadyPeriod(source); // that of the bus clock, if it runs without a pause
+        period = SteadyPeriodOf(source); // that of the bus clock, if it runs without a pause
     }
     if (period) {
-        constexpr std::int64_t second = 1'000'000'000'000;
-        capture.sampleRate = static_cast<std::uint64_t>((second + *period / 2) / *period);
+        capture.sampleRate = SampleRate(*period);
     }
     Output output(path);
     // An exception must not pass through the library.
@@ -266,7 +231,7 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
         return !failure;
     });
     bool good = true;
-    PeriodCheck steady(period, source.IsZoom());
+    PeriodCheck steady(period.value_or(0), source.IsZoom());
     const bool any = source.ForEach([&](const SampleRows& rows) {
         good = good && session.Add(rows);
         steady.Take(rows);
@@ -290,30 +255,53 @@ bool ToSession(Source& source, const Bus& bus, const std::string& path) {
     return true;
 }
 
-} // namespace
-
-int RunConvert(const Arguments& arguments) {
-    Bus bus(arguments);
-    const std::string path = arguments.Value("output");
-    const std::string format = FormatOf(arguments);
-    if (format == "vcd" && ToLower(path).ends_with(".gtkw")) {
+void CheckUse(const Options& options, Format format) {
+    CheckRange(options.range);
+    if (format == Format::Vcd && ToLower(options.output.path).ends_with(".gtkw")) {
         WrongUse("a .gtkw is what the viewer gets beside the dump; the dump itself ends in .vcd");
     }
-    if (arguments.Has("changes") && format != "csv") {
-        WrongUse("--changes is for .csv; a ." + format + " holds " +
-                 (format == "vcd" ? "changes in any case" : "all samples"));
+    if (options.changes && format != Format::Csv) {
+        WrongUse(format == Format::Vcd ? "--changes is for .csv; a .vcd holds changes in any case"
+                                       : "--changes is for .csv; a .sr holds all samples");
     }
-    TraceInput input(arguments.operands[0], bus.Tables());
-    Source source(arguments, input);
-    const bool any = format == "vcd"   ? ToDump(source, bus, arguments)
-                     : format == "csv" ? ToTable(source, bus, path, arguments.Has("changes"))
-                                       : ToSession(source, bus, path);
+}
+
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    const Format format = FormatOf(options);
+    CheckUse(options, format);
+    Bus bus(options.bus);
+    const std::string& path = options.output.path;
+    TraceInput input(options.file, bus.Tables());
+    Source source(options, input);
+    const bool any = format == Format::Vcd   ? ToDump(source, bus, options)
+                     : format == Format::Csv ? ToTable(source, bus, path, options.changes)
+                                             : ToSession(source, bus, path);
     if (!any) {
         Say(Printf("there are no such samples; %s is not written", path.c_str()));
     } else if (source.HasGaps()) {
         Say(TimesAreShort(source.Name()));
     }
     return any ? ExitStatus::Done : ExitStatus::NothingFound;
+}
+
+} // namespace
+
+void AddConvert(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(
+        program, "convert",
+        "a value change dump (.vcd), comma separated values (.csv) or a session file (.sr)",
+        [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    Required(AddOutput(command, options->output));
+    AddOverwrite(command, options->output);
+    AddBusOptions(command, options->bus);
+    AddRange(command, options->range);
+    AddFlag(command, "--zoom", options->zoom, "the Power Zoom samples");
+    AddChoice<Format>(command, "--format", {formats.begin(), formats.end()}, options->format,
+                      "vcd|csv|sr", "form of the file (default by its ending)");
+    AddFlag(command, "--changes", options->changes, "a row for each change, not for each sample");
 }
 
 } // namespace busquill::cli

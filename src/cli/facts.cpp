@@ -1,7 +1,9 @@
 #include "cli/facts.h"
 
-#include "cli/output.h"
+#include "cli/json.h"
 #include "platform/text.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -26,15 +28,15 @@ std::vector<std::string> LinesOf(const Fact& fact) {
 } // namespace
 
 Fact TextFact(const char* title, const char* key, const std::string& text) {
-    return {title, key, {text}};
+    return {title, key, {text}, std::nullopt};
 }
 
 Fact NumberFact(const char* title, const char* key, std::int64_t number) {
-    return {title, key, {std::to_string(number)}, true};
+    return {title, key, {std::to_string(number)}, number};
 }
 
 Fact ListFact(const char* title, const char* key, std::vector<std::string> texts) {
-    return {title, key, std::move(texts), false, true};
+    return {title, key, std::move(texts), std::nullopt, true};
 }
 
 std::string FactsAsText(const std::vector<Fact>& facts) {
@@ -50,17 +52,22 @@ std::string FactsAsText(const std::vector<Fact>& facts) {
     return text;
 }
 
-std::string FactsAsJson(const std::vector<Fact>& facts) {
-    std::string text;
+nlohmann::ordered_json FactsAsJson(const std::vector<Fact>& facts) {
+    nlohmann::ordered_json object;
     for (const Fact& fact : facts) {
-        text += (text.empty() ? "{" : ", ") + JsonText(fact.key) + ": ";
-        std::string values;
-        for (const std::string& value : fact.texts) {
-            values += (values.empty() ? "" : ", ") + (fact.isNumber ? value : JsonText(value));
+        nlohmann::ordered_json& value = object[fact.key];
+        if (fact.number) {
+            value = *fact.number;
+        } else if (fact.isList) {
+            value = nlohmann::ordered_json::array();
+            for (const std::string& text : fact.texts) {
+                value.push_back(JsonString(text));
+            }
+        } else {
+            value = JsonString(fact.texts.front());
         }
-        text += fact.isList ? "[" + values + "]" : values;
     }
-    return text + "}";
+    return object;
 }
 
 } // namespace busquill::cli

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,7 @@ struct Fact {
     const char* title;
     const char* key;
     std::vector<std::string> texts;
-    bool isNumber = false;
+    std::optional<std::int64_t> number; // instead of a text, for programs
     bool isList = false;
 };
 
@@ -22,7 +24,6 @@ struct Fact {
 [[nodiscard]] Fact ListFact(const char* title, const char* key, std::vector<std::string> texts);
 
 [[nodiscard]] std::string FactsAsText(const std::vector<Fact>& facts);
-/// A JSON object without a line end.
-[[nodiscard]] std::string FactsAsJson(const std::vector<Fact>& facts);
+[[nodiscard]] nlohmann::ordered_json FactsAsJson(const std::vector<Fact>& facts);
 
 } // namespace busquill::cli

@@ -1,16 +1,26 @@
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
-#include "cli/words.h"
 #include "platform/text.h"
+#include "tracesetup/setup_words.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::vector<std::string> files;
+    OutputOptions output;
+    BusOptions bus;
+    bool json = false;
+};
 
 std::string ListWords(const TraceStream& stream) {
     const auto words = [](const char* name, const CSignalList& list, bool has) {
@@ -67,15 +77,15 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     return facts;
 }
 
-} // namespace
-
-int RunInfo(const Arguments& arguments) {
-    Bus bus(arguments);
-    Output output(arguments.Value("output"));
-    const bool json = arguments.Has("json");
-    bool first = true;
+int Run(const Options& options) {
+    CheckTarget(options.output, options.files);
+    Bus bus(options.bus);
+    Output output(options.output.path);
+    const bool json = options.json;
+    JsonArray array(output, {"[", ",\n ", "]\n", "[]\n"});
+    const char* before = "";
     int status = ExitStatus::Done;
-    for (const std::string& path : arguments.operands) {
+    for (const std::string& path : options.files) {
         std::vector<Fact> facts;
         try {
             TraceInput input(path, bus.Tables());
@@ -86,13 +96,31 @@ int RunInfo(const Arguments& arguments) {
             status = request.status;
             continue;
         }
-        output.Write(json ? (first ? "[" : ",\n ") + FactsAsJson(facts)
-                          : (first ? "" : "\n") + FactsAsText(facts));
-        first = false;
+        if (json) {
+            array.Add(FactsAsJson(facts));
+        } else {
+            output.Write(before + FactsAsText(facts));
+        }
+        before = "\n";
     }
-    output.Write(!json ? "" : first ? "[]\n" : "]\n");
+    if (json) {
+        array.End();
+    }
     output.Close();
     return status;
+}
+
+} // namespace
+
+void AddInfo(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command =
+        AddCommand(program, "info", "what is in captures", [options] { return Run(*options); });
+    CompletedWithFiles(AddOperands(command, "FILE", options->files), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
 }
 
 } // namespace busquill::cli

@@ -1,120 +1,42 @@
 #include "capture/listing.h"
-#include "cli/arguments.h"
+#include "capture/listing_columns.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
 #include "cli/range.h"
 #include "document/csv_line.h"
-#include "platform/near_names.h"
 #include "platform/text.h"
-#include "signals/signal_names.h"
 #include "signals/value_text.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
 namespace {
 
-/// The first row of the list with this name; with `base`, the first whose bus has it.
-CSignal* FindColumn(const CSignalList& list, const std::string& name, bool base) {
-    for (std::size_t i = 0; i < list.Size(); i = list.GroupEnd(i)) {
-        const std::string& own = base ? list[i].baseName : list[i].RowName();
-        if (EqualIgnoringCase(own, name) && !(base && list[i].decoded)) {
-            return &list[i];
-        }
-    }
-    return nullptr;
-}
+enum class Format { Text, Csv, Json };
 
-CSignal* AddDecoded(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    for (const auto& def : tables.decodedSignals.Defs()) {
-        if (EqualIgnoringCase(def->name, name)) {
-            return list.AddSignal(nullptr, def, 0, 0, 0, def->color, Radix::Hex, true);
-        }
-    }
-    return nullptr;
-}
-
-CSignal* AddLines(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    const auto found = FindSignal(name, tables, {});
-    if (!found) {
-        return nullptr;
-    }
-    if (found->decoded) {
-        return AddDecoded(list, found->name, tables);
-    }
-    const auto def = tables.busSignals.FindByName(found->name.substr(0, found->name.find('[')));
-    const int first = found->positions.front() - def->dataIndex;
-    const int last = found->positions.back() - def->dataIndex;
-    const int top = def->Width() - 1;
-    return def->bitReverse
-               ? list.AddSignal(nullptr, def, 0, top - first, top - last, def->color, Radix::Hex,
-                                true)
-               : list.AddSignal(nullptr, def, 0, first, last, def->color, Radix::Hex, true);
-}
-
-/// The row of that name in the list, or one added from the tables.
-CSignal* ColumnOf(CSignalList& list, const std::string& name, const SignalTables& tables) {
-    CSignal* column = FindColumn(list, name, false);
-    column = column != nullptr ? column : AddDecoded(list, name, tables);
-    column = column != nullptr ? column : FindColumn(list, name, true);
-    return column != nullptr ? column : AddLines(list, name, tables);
-}
-
-/// The error message for a name that is not a column's.
-std::string UnknownColumn(const std::string& name, const CSignalList& list,
-                          const SignalTables& tables) {
-    std::vector<std::string> names;
-    const auto add = [&names](const std::string& each) {
-        if (std::ranges::find(names, each) == names.end()) {
-            names.push_back(each);
-        }
-    };
-    for (const NamedSignal& signal : AllSignals(tables, {&list})) {
-        add(signal.name);
-    }
-    // Also those that are not bits of a sample, such as ACCUM.
-    for (const auto& def : tables.decodedSignals.Defs()) {
-        if (SignalTables::Applies(def->condition, tables.Board())) {
-            add(def->name);
-        }
-    }
-    return Printf("no column \"%s\"; there are %s", name.c_str(),
-                  ListNearest(name, std::move(names)).c_str());
-}
-
-/// Shows only the named columns, in the order given.
-void ShowColumns(CSignalList& list, const std::vector<std::string>& names,
-                 const SignalTables& tables) {
-    std::vector<CSignal*> shown;
-    for (const std::string& name : names) {
-        if (name.empty() || EqualIgnoringCase(name, "SAMPLE")) {
-            continue; // always the first column
-        }
-        CSignal* column = ColumnOf(list, name, tables);
-        if (column == nullptr) {
-            WrongUse(UnknownColumn(name, list, tables));
-        }
-        shown.push_back(column);
-    }
-    for (const auto& signal : list.All()) {
-        signal->hidden = std::ranges::find(shown, signal.get()) == shown.end();
-    }
-    for (CSignal* column : shown) {
-        constexpr std::int32_t anyWidth = 30;
-        column->width = column->width > 0 ? column->width : anyWidth;
-        list.MoveGroup(column, nullptr);
-    }
-}
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    NumberRange range;
+    std::vector<std::string> columns; // empty: those of the capture
+    bool zoom = false;
+    std::optional<Format> format;
+    bool json = false;
+};
 
 /// Writes rows of texts below their titles.
 class ListingWriter {
 public:
-    ListingWriter(Output& output, const std::string& format, const TraceListing& listing,
+    ListingWriter(Output& output, Format format, const TraceListing& listing,
                   std::size_t numberWidth)
         : output_(output), format_(format), widths_{std::max<std::size_t>(numberWidth, 6)} {
         std::vector<std::string> titles;
@@ -122,17 +44,17 @@ public:
             titles.push_back(column->RowName());
             widths_.push_back(TraceListing::WidthOf(*column));
         }
-        if (format_ == "json") {
-            Json("{\"columns\": [\"SAMPLE\"", titles, "],\n\"rows\": [");
+        if (format_ == Format::Json) {
+            output_.Write("{\"columns\": " + JsonLine(JsonRow("SAMPLE", titles)) +
+                          ",\n\"rows\": [");
         } else {
             Row("SAMPLE", titles);
         }
     }
 
     void Add(std::int64_t number, const std::vector<std::string>& cells) {
-        if (format_ == "json") {
-            const std::string begin = (any_ ? ",\n[" : "\n[") + std::to_string(number);
-            Json(begin, cells, "]");
+        if (format_ == Format::Json) {
+            array_.Add(JsonRow(number, cells));
         } else {
             Row(std::to_string(number), cells);
         }
@@ -140,25 +62,26 @@ public:
     }
 
     void End() {
-        if (format_ == "json") {
-            output_.Write("\n]}\n");
+        if (format_ == Format::Json) {
+            array_.End();
         }
     }
 
     [[nodiscard]] bool Any() const noexcept { return any_; }
 
 private:
-    void Json(const std::string& begin, const std::vector<std::string>& cells, const char* end) {
-        line_ = begin;
+    static nlohmann::ordered_json JsonRow(nlohmann::ordered_json first,
+                                          const std::vector<std::string>& cells) {
+        nlohmann::ordered_json row = nlohmann::ordered_json::array({std::move(first)});
         for (const std::string& cell : cells) {
-            line_ += ", " + JsonText(cell);
+            row.push_back(JsonString(cell));
         }
-        output_.Write(line_ + end);
+        return row;
     }
 
     void Row(const std::string& number, const std::vector<std::string>& cells) {
         line_.clear();
-        if (format_ == "csv") {
+        if (format_ == Format::Csv) {
             line_ = number;
             for (const std::string& cell : cells) {
                 line_ += ',';
@@ -176,36 +99,40 @@ private:
     }
 
     Output& output_;
-    const std::string format_;
+    JsonArray array_{output_, {"\n", ",\n", "\n]}\n", "\n]}\n"}};
+    const Format format_;
     std::vector<std::size_t> widths_;
     std::string line_;
     bool any_ = false;
 };
 
-std::string FormatOf(const Arguments& arguments) {
-    const std::string format = arguments.OneOf("format", {"text", "csv", "json"});
-    if (arguments.Has("json") && arguments.Has("format") && format != "json") {
-        WrongUse("--json and --format " + format + " contradict each other");
+Format FormatOf(const Options& options) {
+    if (options.json && options.format && *options.format != Format::Json) {
+        WrongUse(Printf("--json and --format %s contradict each other",
+                        *options.format == Format::Csv ? "csv" : "text"));
     }
-    return arguments.Has("json") ? "json" : format;
+    return options.json ? Format::Json : options.format.value_or(Format::Text);
 }
 
-} // namespace
-
-int RunList(const Arguments& arguments) {
-    Bus bus(arguments);
-    const NumberRange range = RangeOf(arguments);
-    const std::string format = FormatOf(arguments);
-    const bool zoom = arguments.Has("zoom");
-    TraceInput input(arguments.operands[0], bus.Tables());
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    const NumberRange& range = options.range;
+    CheckRange(range);
+    const Format format = FormatOf(options);
+    Bus bus(options.bus);
+    const bool zoom = options.zoom;
+    TraceInput input(options.file, bus.Tables());
     const TraceSurvey survey = input.Survey();
     if (zoom) {
         input.RequireZoom(survey);
     }
     TraceStream& stream = input.Stream();
     CSignalList& list = zoom ? stream.zoomList : stream.stateList;
-    if (arguments.Has("columns")) {
-        ShowColumns(list, SplitNames(arguments.All("columns")), bus.Tables());
+    if (!options.columns.empty()) {
+        const std::string wrong = ShowColumns(list, SplitNames(options.columns), bus.Tables());
+        if (!wrong.empty()) {
+            WrongUse(wrong);
+        }
     }
     TraceListing::Capture capture{
         bus.Board(),         zoom, survey.HasGaps(), survey.first, stream.TriggerNumber(),
@@ -224,7 +151,7 @@ int RunList(const Arguments& arguments) {
     if (!zoom && survey.HasGaps() && !survey.cutOff && listing.ShowsTime()) {
         Say(TimesAreShort(input.Name()));
     }
-    Output output(arguments.Value("output"));
+    Output output(options.output.path);
     const std::size_t numberWidth =
         std::max(std::to_string(survey.first).size(), std::to_string(survey.last).size());
     ListingWriter writer(output, format, listing, numberWidth);
@@ -256,6 +183,26 @@ int RunList(const Arguments& arguments) {
         Say("there are no such samples");
     }
     return writer.Any() ? ExitStatus::Done : ExitStatus::NothingFound;
+}
+
+} // namespace
+
+void AddList(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(program, "list", "the listing, as the State window shows it",
+                                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
+    AddRange(command, options->range);
+    Completed(AddTexts(command, "--columns", options->columns, "NAME,...", "these columns only"),
+              Completion::Kind::Names);
+    AddFlag(command, "--zoom", options->zoom, "the Power Zoom samples");
+    AddChoice<Format>(command, "--format",
+                      {{"text", Format::Text}, {"csv", Format::Csv}, {"json", Format::Json}},
+                      options->format, "text|csv|json", "form of the listing (default text)");
 }
 
 } // namespace busquill::cli

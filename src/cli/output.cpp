@@ -1,6 +1,5 @@
 #include "cli/output.h"
 
-#include "cli/arguments.h"
 #include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "platform/text.h"
@@ -79,12 +78,6 @@ void CheckTarget(const OutputOptions& target, const std::vector<std::string>& re
     }
 }
 
-void CheckTarget(const Arguments& arguments, const std::string& path) {
-    std::vector<std::string> read = arguments.operands;
-    read.push_back(arguments.Value("setup"));
-    CheckTarget({path, arguments.Has("overwrite")}, read);
-}
-
 Progress::Progress(const char* what, std::int64_t total)
     : what_(what), total_(total), terminal_(::isatty(STDERR_FILENO) != 0) {}
 
@@ -110,21 +103,6 @@ void SetProgramName(const std::string& name) {
 
 void Say(const std::string& text) {
     std::fprintf(stderr, "%s: %s\n", programName.c_str(), text.c_str());
-}
-
-std::string JsonText(std::string_view text) {
-    std::string quoted = "\"";
-    for (const char c : ToUtf8(text)) {
-        if (c == '"' || c == '\\') {
-            quoted += '\\';
-            quoted += c;
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            quoted += Printf("\\u%04x", static_cast<unsigned>(c));
-        } else {
-            quoted += c;
-        }
-    }
-    return quoted + '"';
 }
 
 } // namespace busquill::cli

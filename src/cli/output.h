@@ -9,8 +9,6 @@
 
 namespace busquill::cli {
 
-struct Arguments;
-
 /// The options that say where results go.
 struct OutputOptions {
     std::string path; // empty: standard output
@@ -41,7 +39,6 @@ private:
 
 /// Throws ExitRequest if the target is one of the files that the command reads, unless the user
 /// allows overwriting. A pipe or a device may be both.
-void CheckTarget(const Arguments& arguments, const std::string& path);
 void CheckTarget(const OutputOptions& target, const std::vector<std::string>& read);
 
 /// Shows the progress of a long command in percent on standard error, if that is a terminal. The
@@ -68,6 +65,4 @@ void SetProgramName(const std::string& name);
 /// Prints a line for the user on standard error.
 void Say(const std::string& text);
 
-/// The text as a JSON string, in quotes.
-[[nodiscard]] std::string JsonText(std::string_view text);
 } // namespace busquill::cli

@@ -1,37 +1,30 @@
 #include "cli/program.h"
 
-#include "cli/arguments.h"
-#include "cli/exit_request.h"
-#include "cli/interrupt.h"
-#include "cli/output.h"
+#include "cli/command_line.h"
+#include "cli/commands.h"
 
-#include <new>
+#include <CLI/CLI.hpp>
 
 namespace busquill::cli {
 
-int Run(std::span<const std::string> texts) {
-    SetProgramName("busquill-trace");
-    NoticeInterrupts();
-    try {
-        const Arguments arguments = ParseArguments(texts);
-        if (arguments.Has("help") || arguments.Has("version")) {
-            Output output("");
-            output.Write(arguments.Has("help") ? HelpText(arguments.command)
-                                               : "busquill-trace " BUSQUILL_VERSION "\n");
-            output.Close();
-            return ExitStatus::Done;
-        }
-        CheckTarget(arguments, arguments.Value("output"));
-        return arguments.command->run(arguments);
-    } catch (const ExitRequest& request) {
-        if (!request.message.empty()) {
-            Say(request.message);
-        }
-        return request.status;
-    } catch (const std::bad_alloc&) {
-        Say("there is not enough memory");
-        return ExitStatus::Failure;
-    }
+std::unique_ptr<CLI::App> MakeTraceProgram() {
+    auto program = MakeProgram(
+        "busquill-trace", "Captures of bus analyzer boards from the command line.",
+        "\"busquill-trace COMMAND -h\" tells the others. \"-\" as a file is standard input or "
+        "output.\n"
+        "Exit status: 0 done, 1 nothing found or captures differ, 2 wrong use, 3 failure.\n");
+    AddInfo(*program);
+    AddList(*program);
+    AddSearch(*program);
+    AddFilter(*program);
+    AddConvert(*program);
+    AddCompare(*program);
+    AddStats(*program);
+    AddNames(*program);
+    AddSetup(*program);
+    AddBoard(*program);
+    AddCapture(*program);
+    return program;
 }
 
 } // namespace busquill::cli

@@ -1,11 +1,14 @@
 #pragma once
 
-#include <span>
-#include <string>
+#include <memory>
+
+namespace CLI {
+class App;
+}
 
 namespace busquill::cli {
 
-/// Runs the program with its arguments (without the program's name); returns the exit status.
-[[nodiscard]] int Run(std::span<const std::string> texts);
+/// busquill-trace with its commands, for RunProgram.
+[[nodiscard]] std::unique_ptr<CLI::App> MakeTraceProgram();
 
 } // namespace busquill::cli

@@ -1,20 +1,21 @@
 #include "cli/range.h"
 
-#include "cli/arguments.h"
+#include "cli/command_line.h"
 #include "cli/exit_request.h"
 #include "platform/text.h"
 
 namespace busquill::cli {
 
-NumberRange RangeOf(const Arguments& arguments) {
-    NumberRange range;
-    range.from = arguments.Number("from").value_or(range.from);
-    range.to = arguments.Number("to").value_or(range.to);
+void AddRange(CLI::App& command, NumberRange& into) {
+    AddNumber(command, "--from", into.from, "N", {}, "begin at sample N (the trigger is 0)");
+    AddNumber(command, "--to", into.to, "N", {}, "end at sample N");
+}
+
+void CheckRange(const NumberRange& range) {
     if (range.from > range.to) {
         WrongUse(Printf("--from %lld lies behind --to %lld", static_cast<long long>(range.from),
                         static_cast<long long>(range.to)));
     }
-    return range;
 }
 
 } // namespace busquill::cli

@@ -3,9 +3,11 @@
 #include <cstdint>
 #include <limits>
 
-namespace busquill::cli {
+namespace CLI {
+class App;
+}
 
-struct Arguments;
+namespace busquill::cli {
 
 /// The sample numbers selected by --from and --to.
 struct NumberRange {
@@ -17,7 +19,8 @@ struct NumberRange {
     }
 };
 
+void AddRange(CLI::App& command, NumberRange& into);
 /// Throws ExitRequest for a range that ends before it begins.
-[[nodiscard]] NumberRange RangeOf(const Arguments& arguments);
+void CheckRange(const NumberRange& range);
 
 } // namespace busquill::cli

@@ -1,15 +1,17 @@
 #include "capture/search_condition.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -17,9 +19,28 @@ namespace {
 
 constexpr const char* noMatch = "No match found.";
 
-SearchCondition ConditionOf(const Arguments& arguments, const Bus& bus, const TraceStream& stream) {
+struct SearchOptions {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    std::vector<std::string> patterns;
+    std::optional<std::int64_t> from;
+    bool backward = false;
+    bool all = false;
+    bool json = false;
+};
+
+struct FilterOptions {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    std::vector<std::string> patterns;
+};
+
+SearchCondition ConditionOf(const std::vector<std::string>& patterns, const Bus& bus,
+                            const TraceStream& stream) {
     SearchCondition condition;
-    for (const std::string& text : arguments.All("pattern")) {
+    for (const std::string& text : patterns) {
         const std::string wrong =
             condition.Add(text, bus.Tables(), {&stream.stateList, &stream.waveformList});
         if (!wrong.empty()) {
@@ -49,9 +70,8 @@ bool TakeMatches(const SampleRows& rows, const SearchCondition& condition, Take 
 /// Prints matches as they are found, or keeps them until the end of a backward search.
 class Matches {
 public:
-    Matches(const Arguments& arguments, Output& output)
-        : output_(output), json_(arguments.Has("json")), all_(arguments.Has("all")),
-          backward_(arguments.Has("backward")) {}
+    Matches(const SearchOptions& options, Output& output)
+        : output_(output), json_(options.json), all_(options.all), backward_(options.backward) {}
 
     /// Returns false when no more matches are wanted.
     bool Add(std::int32_t number) {
@@ -69,19 +89,23 @@ public:
     bool End() {
         std::for_each(kept_.rbegin(), kept_.rend(), [this](std::int32_t each) { Print(each); });
         if (json_) {
-            output_.Write(any_ ? "]\n" : "[]\n");
+            array_.End();
         }
         return any_;
     }
 
 private:
     void Print(std::int32_t number) {
-        const char* before = !json_ ? "" : any_ ? ", " : "[";
-        output_.Write(before + std::to_string(number) + (json_ ? "" : "\n"));
+        if (json_) {
+            array_.Add(number);
+        } else {
+            output_.Write(std::to_string(number) + "\n");
+        }
         any_ = true;
     }
 
     Output& output_;
+    JsonArray array_{output_, {"[", ", ", "]\n", "[]\n"}};
     const bool json_;
     const bool all_;
     const bool backward_;
@@ -89,17 +113,16 @@ private:
     bool any_ = false;
 };
 
-} // namespace
-
-int RunSearch(const Arguments& arguments) {
-    Bus bus(arguments);
-    const bool backward = arguments.Has("backward");
-    const auto from = arguments.Number("from");
-    TraceInput input(arguments.operands[0], bus.Tables());
+int RunSearch(const SearchOptions& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
+    const bool backward = options.backward;
+    const auto from = options.from;
+    TraceInput input(options.file, bus.Tables());
     input.ReadHead();
-    const SearchCondition condition = ConditionOf(arguments, bus, input.Stream());
-    Output output(arguments.Value("output"));
-    Matches matches(arguments, output);
+    const SearchCondition condition = ConditionOf(options.patterns, bus, input.Stream());
+    Output output(options.output.path);
+    Matches matches(options, output);
     bool more = true;
     while (more) {
         const SampleRows* rows = input.NextRows();
@@ -122,12 +145,13 @@ int RunSearch(const Arguments& arguments) {
     return found ? ExitStatus::Done : ExitStatus::NothingFound;
 }
 
-int RunFilter(const Arguments& arguments) {
-    Bus bus(arguments);
-    TraceInput input(arguments.operands[0], bus.Tables());
+int RunFilter(const FilterOptions& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
+    TraceInput input(options.file, bus.Tables());
     TraceStream& stream = input.Stream();
     input.ReadHead();
-    const SearchCondition condition = ConditionOf(arguments, bus, stream);
+    const SearchCondition condition = ConditionOf(options.patterns, bus, stream);
     const auto search = [&](auto take) {
         while (const SampleRows* rows = input.NextRows()) {
             if (!TakeMatches(*rows, condition, [&](std::size_t row) { return take(*rows, row); })) {
@@ -137,11 +161,11 @@ int RunFilter(const Arguments& arguments) {
         return false;
     };
     if (!search([](const SampleRows&, std::size_t) { return false; })) {
-        Say(Printf("%s %s is not written.", noMatch, arguments.Value("output").c_str()));
+        Say(Printf("%s %s is not written.", noMatch, options.output.path.c_str()));
         return ExitStatus::NothingFound;
     }
     // Everything around the rows is copied unchanged, whether this program knows it or not.
-    Output output(arguments.Value("output"));
+    Output output(options.output.path);
     std::uint64_t from = 0;
     for (const TraceFileReader::Block& block : stream.BlocksBefore()) {
         input.CopyBytes(from, block.begin, output);
@@ -166,6 +190,43 @@ int RunFilter(const Arguments& arguments) {
     }
     output.Close();
     return ExitStatus::Done;
+}
+
+void AddPatterns(CLI::App& command, std::vector<std::string>& into) {
+    Completed(
+        Required(AddTexts(command, "-p,--pattern", into, "NAME=VALUE",
+                          "samples with this value; may be given several times, all must hold")),
+        Completion::Kind::Patterns);
+}
+
+} // namespace
+
+void AddSearch(CLI::App& program) {
+    const auto options = std::make_shared<SearchOptions>();
+    CLI::App& command =
+        AddCommand(program, "search", "the numbers of the samples that match a pattern",
+                   [options] { return RunSearch(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddPatterns(command, options->patterns);
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
+    AddNumber(command, "--from", options->from, "N", {}, "begin at sample N (the trigger is 0)");
+    AddFlag(command, "--backward", options->backward, "search towards the first sample");
+    AddFlag(command, "--all", options->all, "all matches, not the first alone");
+}
+
+void AddFilter(CLI::App& program) {
+    const auto options = std::make_shared<FilterOptions>();
+    CLI::App& command =
+        AddCommand(program, "filter", "a capture of the samples that match a pattern",
+                   [options] { return RunFilter(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddPatterns(command, options->patterns);
+    CompletedWithFiles(Required(AddOutput(command, options->output)), ".tra");
+    AddOverwrite(command, options->output);
+    AddBusOptions(command, options->bus);
 }
 
 } // namespace busquill::cli

@@ -1,6 +1,5 @@
 #include "cli/session.h"
 
-#include "cli/arguments.h"
 #include "cli/exit_request.h"
 #include "cli/output.h"
 #include "platform/text.h"
@@ -31,17 +30,8 @@ PortSetting PortOf(const PortOptions& options, const Settings& settings) {
                           "there is no port " + name +
                               "; ports are COM1 to COM8, USB and paths of terminal devices"};
     }
-    const std::int64_t baud = options.baud;
-    if (baud != 9600 && baud != 19200 && baud != 38400 && baud != 57600) {
-        WrongUse(Printf("--baud is 9600, 19200, 38400 or 57600; not %lld",
-                        static_cast<long long>(baud)));
-    }
-    port.baud = static_cast<int>(baud);
+    port.baud = static_cast<int>(options.baud);
     return port;
-}
-
-PortOptions PortOptionsOf(const Arguments& arguments) {
-    return {arguments.Value("port"), arguments.Number("baud").value_or(usualBaudRate)};
 }
 
 Session::Session(const PortOptions& options)

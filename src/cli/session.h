@@ -19,16 +19,11 @@
 
 namespace busquill::cli {
 
-struct Arguments;
-
 /// The options that say which board.
 struct PortOptions {
     std::string port; // "COM1" to "COM8", "USB", or the path of a terminal device
     std::int64_t baud = 0;
 };
-
-/// Throws ExitRequest for a wrong number.
-[[nodiscard]] PortOptions PortOptionsOf(const Arguments& arguments);
 
 /// The port of the options, given by name or by the path of its device; throws ExitRequest when
 /// there is no such port.

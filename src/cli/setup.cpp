@@ -1,21 +1,32 @@
 #include "capture/capture_run.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/line_prompts.h"
 #include "cli/output.h"
-#include "cli/words.h"
 #include "link/command_rows.h"
 #include "platform/text.h"
 #include "tracesetup/setup_encoding.h"
 #include "tracesetup/setup_file.h"
+#include "tracesetup/setup_words.h"
+
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    bool payload = false;
+    bool json = false;
+};
 
 /// The payload of one command.
 struct Payload {
@@ -53,21 +64,20 @@ std::string AsText(const Payload& payload, std::size_t perLine) {
     return text;
 }
 
-std::string AsJson(const std::vector<Payload>& payloads) {
-    std::string text;
+nlohmann::ordered_json AsJson(const std::vector<Payload>& payloads) {
+    nlohmann::ordered_json array = nlohmann::ordered_json::array();
     for (const Payload& payload : payloads) {
-        text += Printf("%s{\"command\": \"%s\", \"register\": %d, \"bytes\": \"%s\"}",
-                       text.empty() ? "" : ", ", payload.command.c_str(), payload.address,
-                       HexOf(payload.bytes).c_str());
+        array.push_back({{"command", payload.command},
+                         {"register", payload.address},
+                         {"bytes", HexOf(payload.bytes)}});
     }
-    return "[" + text + "]";
+    return array;
 }
 
-} // namespace
-
-int RunSetup(const Arguments& arguments) {
-    Bus bus(arguments);
-    const std::string& path = arguments.operands[0];
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
+    const std::string& path = options.file;
     TextReader file = OpenInput(path);
     TraceSetup setup(bus.Tables());
     LinePrompts prompts;
@@ -79,15 +89,15 @@ int RunSetup(const Arguments& arguments) {
         TextFact("Name", "name", setup.name),
         TextFact("Description", "description", setup.description),
         ListFact("Program", "program", SetupWords(setup, bus.Board()))};
-    const bool withPayload = arguments.Has("payload");
+    const bool withPayload = options.payload;
     const auto payloads = PayloadsOf(setup, bus.Board());
-    Output output(arguments.Value("output"));
-    if (arguments.Has("json")) {
-        std::string json = FactsAsJson(facts);
+    Output output(options.output.path);
+    if (options.json) {
+        nlohmann::ordered_json json = FactsAsJson(facts);
         if (withPayload) {
-            json.insert(json.size() - 1, ", \"payload\": " + AsJson(payloads));
+            json["payload"] = AsJson(payloads);
         }
-        output.Write(json + "\n");
+        output.Write(JsonLine(json) + "\n");
     } else {
         output.Write(FactsAsText(facts));
         // A line for each event and each level.
@@ -98,6 +108,20 @@ int RunSetup(const Arguments& arguments) {
     }
     output.Close();
     return ExitStatus::Done;
+}
+
+} // namespace
+
+void AddSetup(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command = AddCommand(program, "setup", "a trigger program in plain words",
+                                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tsp");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
+    AddFlag(command, "--payload", options->payload, "also the bytes that go to the board");
 }
 
 } // namespace busquill::cli

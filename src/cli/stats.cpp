@@ -1,18 +1,27 @@
 #include "analysis/trace_stats.h"
-#include "cli/arguments.h"
 #include "cli/bus.h"
+#include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
 
 #include <map>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
 namespace {
+
+struct Options {
+    std::string file;
+    OutputOptions output;
+    BusOptions bus;
+    bool json = false;
+};
 
 unsigned long long Count(std::uint64_t number) {
     return number;
@@ -99,46 +108,40 @@ std::string AsText(const TraceSummary& sum, const FirstNumbers& first) {
     return text;
 }
 
-std::string AsJson(const TraceSummary& sum, const FirstNumbers& first) {
-    std::string text = Printf("{\"samples\": %llu, \"time\": %lld, \"idleTime\": %lld, "
-                              "\"idleSamples\": %llu",
-                              Count(sum.samples), static_cast<long long>(sum.time),
-                              static_cast<long long>(sum.idleTime), Count(sum.idleSamples));
+nlohmann::ordered_json AsJson(const TraceSummary& sum, const FirstNumbers& first) {
+    using Json = nlohmann::ordered_json;
+    Json json = {{"samples", sum.samples},
+                 {"time", sum.time},
+                 {"idleTime", sum.idleTime},
+                 {"idleSamples", sum.idleSamples}};
     for (const Line& line : LinesOf(sum)) {
-        text += Printf(", \"%s\": %llu", line.key, Count(line.value));
+        json[line.key] = line.value;
     }
-    text += ",\n\"commands\": [";
-    const char* before = "";
+    Json& commands = json["commands"] = Json::array();
     for (const CommandCount& command : sum.commands) {
-        text += Printf("%s{\"command\": %s, \"transactions\": %llu, \"dataPhases\": %llu, "
-                       "\"bytes\": %llu}",
-                       before, JsonText(command.label).c_str(), Count(command.transactions),
-                       Count(command.dataPhases), Count(command.bytes));
-        before = ", ";
+        commands.push_back({{"command", JsonString(command.label)},
+                            {"transactions", command.transactions},
+                            {"dataPhases", command.dataPhases},
+                            {"bytes", command.bytes}});
     }
-    text += "],\n\"bursts\": [";
-    before = "";
+    Json& bursts = json["bursts"] = Json::array();
     for (const auto& [length, count] : sum.burstLengths) {
-        text += Printf("%s{\"length\": %llu, \"transactions\": %llu}", before, Count(length),
-                       Count(count));
-        before = ", ";
+        bursts.push_back({{"length", length}, {"transactions", count}});
     }
-    text += "],\n\"findings\": [";
-    before = "";
-    for (const FindingCount& finding : sum.findings ? *sum.findings : std::vector<FindingCount>()) {
-        text += Printf("%s{\"code\": %u, \"finding\": %s, \"count\": %llu, \"first\": %lld}",
-                       before, finding.code, JsonText(finding.label).c_str(), Count(finding.count),
-                       static_cast<long long>(first.at(finding.code)));
-        before = ", ";
+    Json& findings = json["findings"] = Json::array();
+    for (const FindingCount& finding : sum.findings.value_or(std::vector<FindingCount>())) {
+        findings.push_back({{"code", finding.code},
+                            {"finding", JsonString(finding.label)},
+                            {"count", finding.count},
+                            {"first", first.at(finding.code)}});
     }
-    return text + "]}\n";
+    return json;
 }
 
-} // namespace
-
-int RunStats(const Arguments& arguments) {
-    Bus bus(arguments);
-    TraceInput input(arguments.operands[0], bus.Tables());
+int Run(const Options& options) {
+    CheckTarget(options.output, {options.file});
+    Bus bus(options.bus);
+    TraceInput input(options.file, bus.Tables());
     input.ReadHead();
     TraceStats stats(bus.Board(), bus.Tables());
     FirstNumbers first;
@@ -160,11 +163,25 @@ int RunStats(const Arguments& arguments) {
         Say(input.Name() + ": samples of the capture are missing; what went on in them is not "
                            "counted, nor is their time");
     }
-    Output output(arguments.Value("output"));
+    Output output(options.output.path);
     const TraceSummary sum = stats.Summary();
-    output.Write(arguments.Has("json") ? AsJson(sum, first) : AsText(sum, first));
+    output.Write(options.json ? JsonLine(AsJson(sum, first)) + "\n" : AsText(sum, first));
     output.Close();
     return ExitStatus::Done;
+}
+
+} // namespace
+
+void AddStats(CLI::App& program) {
+    const auto options = std::make_shared<Options>();
+    CLI::App& command =
+        AddCommand(program, "stats", "transactions, bytes, bursts, wait states and findings",
+                   [options] { return Run(*options); });
+    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddOutput(command, options->output);
+    AddOverwrite(command, options->output);
+    AddJson(command, options->json);
+    AddBusOptions(command, options->bus);
 }
 
 } // namespace busquill::cli

@@ -14,6 +14,11 @@ using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
 
+/// A page that is made beside the program.
+std::string PageOf(const std::string& program, const std::string& name) {
+    return program.substr(0, program.rfind('/')) + "/pages/" + name;
+}
+
 class BashCompletion : public testing::Test {
 protected:
     /// The completions of the last of some words. The words are split as bash does it: "=" and ":"
@@ -21,8 +26,7 @@ protected:
     std::vector<std::string> Offered(const std::vector<std::string>& words) const {
         const std::string program = TraceProgramPath();
         std::string script = "PATH=" + program.substr(0, program.rfind('/')) + ":$PATH\nsource '" +
-                             SourceFile("packaging/completions/busquill-trace.bash") +
-                             "'\nCOMP_WORDS=(";
+                             PageOf(program, "busquill-trace.bash") + "'\nCOMP_WORDS=(";
         for (const std::string& word : words) {
             script += "'" + word + "' ";
         }
@@ -80,6 +84,55 @@ TEST_F(BashCompletion, StillOffersOtherValues) {
     EXPECT_THAT(Offered({"busquill-trace", "list", "--width", ""}), ElementsAre("32", "64"));
     EXPECT_THAT(Offered({"busquill-trace", "na"}), ElementsAre("names"));
     EXPECT_THAT(Offered({"busquill-trace", "filter", "--over"}), ElementsAre("--overwrite"));
+    EXPECT_THAT(Offered({"busquill-trace", "info", "--model", "Demo"}), ElementsAre("Demo\\ Mode"));
+    EXPECT_THAT(Offered({"busquill-trace", "board", "--port", "COM8"}), ElementsAre("COM8"));
+    EXPECT_THAT(Offered({"busquill-trace", "board", "--port", "/dev/nul"}),
+                ElementsAre("/dev/null"));
+}
+
+TEST_F(BashCompletion, OffersFilesWithTheEndingThatTheirPlaceTakes) {
+    for (const char* name : {"a.tra", "b.tsp", "c.txt"}) {
+        dir.Write(name, "");
+    }
+    EXPECT_THAT(Offered({"busquill-trace", "list", ""}), ElementsAre("a.tra"));
+    EXPECT_THAT(Offered({"busquill-trace", "setup", ""}), ElementsAre("b.tsp"));
+    EXPECT_THAT(Offered({"busquill-trace", "capture", "--setup", ""}), ElementsAre("b.tsp"));
+    EXPECT_THAT(Offered({"busquill-trace", "list", "-o", "c"}), ElementsAre("c.txt"));
+    EXPECT_THAT(Offered({"busquill-trace", "info", "a.tra", "--json", ""}), ElementsAre("a.tra"));
+    EXPECT_THAT(Offered({"busquill-trace", "compare", "-o", "x", "a.tra", ""}),
+                ElementsAre("a.tra"));
+    EXPECT_THAT(Offered({"busquill-trace", "list", "--from", ""}), IsEmpty());
+    // No second capture, and no file for a board.
+    EXPECT_THAT(Offered({"busquill-trace", "list", "--from", "1", "a.tra", ""}), IsEmpty());
+    EXPECT_THAT(Offered({"busquill-trace", "board", ""}), IsEmpty());
+}
+
+/// The completions of zsh and fish are sourced, and asked as those shells allow it.
+TEST(ShellCompletion, ZshAndFishAcceptTheirs) {
+    const std::string program = TraceProgramPath();
+    const auto accepts = [&](const std::string& shell, const std::string& page) {
+        return std::system((shell + " -c '' 2>/dev/null").c_str()) != 0 ||
+               std::system((shell + " -n '" + PageOf(program, page) + "'").c_str()) == 0;
+    };
+    EXPECT_TRUE(accepts("zsh", "_busquill-trace"));
+    EXPECT_TRUE(accepts("fish", "busquill-trace.fish"));
+    const TempDir dir;
+    dir.Write("a.tra", "");
+    dir.Write("c.txt", "");
+    const auto offered = [&](const std::string& line) {
+        const std::string command =
+            "cd '" + dir.Path() + "' && HOME=. PATH=" + program.substr(0, program.rfind('/')) +
+            ":$PATH fish --no-config -c 'source " + PageOf(program, "busquill-trace.fish") +
+            "; complete -C \"" + line + "\"' >offered 2>&1";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        return ReadWholeFile(dir.File("offered"));
+    };
+    if (std::system("fish -c '' 2>/dev/null") == 0) {
+        EXPECT_THAT(offered("busquill-trace conv"), testing::StartsWith("convert\ta value change"));
+        EXPECT_THAT(offered("busquill-trace list --format "), testing::HasSubstr("csv\t"));
+        EXPECT_THAT(offered("busquill-trace search -p COMM"), testing::HasSubstr("COMMAND="));
+        EXPECT_THAT(offered("busquill-trace compare --al"), testing::StartsWith("--align"));
+    }
 }
 
 } // namespace

@@ -414,7 +414,7 @@ TEST_F(TraceFiles, TextsThatAreNotUnicodeBecomeUnicodeInJson) {
                 HasSubstr("\"description\": \"5 \xC2\xB5s \\\\ \""));
     dir.Write("b.tra", header + "\"Description\",\"5 \xC2\xB5s\ttab\"\n");
     EXPECT_THAT(Run({"info", "--json", "b.tra"}).out,
-                HasSubstr("\"description\": \"5 \xC2\xB5s\\u0009tab\""));
+                HasSubstr("\"description\": \"5 \xC2\xB5s\\ttab\""));
 }
 
 TEST_F(TraceFiles, CarriageReturnsMakeNoDifference) {

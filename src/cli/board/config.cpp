@@ -3,10 +3,11 @@
 #include "cli/board/board_session.h"
 #include "cli/board/commands.h"
 #include "cli/board/line_output.h"
+#include "cli/board/memory_printer.h"
 #include "cli/board/output_file.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
-#include "cli/output.h"
+#include "cli/json.h"
 #include "document/hex_fields.h"
 #include "link/exchange.h"
 #include "platform/text.h"
@@ -16,6 +17,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -80,33 +82,33 @@ void PrintAnalysis(LineOutput& output, const CConfigSpaceData& device) {
                  BitsAsText("Status", analysis.status));
 }
 
-std::string BitsAsJson(const std::vector<AnalysisLine>& lines) {
-    std::string text;
+nlohmann::ordered_json BitsAsJson(const std::vector<AnalysisLine>& lines) {
+    nlohmann::ordered_json bits;
     for (const AnalysisLine& line : lines) {
         const std::string value(Trim(std::string_view(line.value).substr(1))); // without the colon
-        const std::string json = value == "Yes"  ? "true"
-                                 : value == "No" ? "false"
-                                                 : JsonText(value);
-        text += (text.empty() ? "" : ", ") + JsonText(line.text) + ": " + json;
+        auto& bit = bits[std::string(line.text)];
+        if (value == "Yes" || value == "No") {
+            bit = value == "Yes";
+        } else {
+            bit = value;
+        }
     }
-    return "{" + text + "}";
+    return bits;
 }
 
 void PrintJson(LineOutput& output, const DevicePlace& place, const CConfigSpaceData& device) {
     const DeviceIdentity& identity = device.Identity();
     const ConfigAnalysis analysis = AnalyzeHeader(device);
-    std::string header;
-    for (const std::uint8_t byte : device.Header()) {
-        header += HexByteText(byte);
-    }
-    output.Print(Printf(
-        R"({"place": "%s", "address": "%s", "vendorId": "%04x", "deviceId": "%04x", )"
-        R"("revision": "%02x", "class": %s, "vendor": %s, "header": "%s", "command": %s, )"
-        R"("status": %s})",
-        PlaceText(place).c_str(), HexAddressText(identity.address).c_str(), identity.vendorId,
-        identity.deviceId, device.RevisionId(), JsonText(identity.className).c_str(),
-        JsonText(identity.vendorName).c_str(), header.c_str(), BitsAsJson(analysis.command).c_str(),
-        BitsAsJson(analysis.status).c_str()));
+    output.Print(JsonLine({{"place", PlaceText(place)},
+                           {"address", HexAddressText(identity.address)},
+                           {"vendorId", Printf("%04x", identity.vendorId)},
+                           {"deviceId", Printf("%04x", identity.deviceId)},
+                           {"revision", Printf("%02x", device.RevisionId())},
+                           {"class", JsonString(identity.className)},
+                           {"vendor", JsonString(identity.vendorName)},
+                           {"header", HexText(device.Header())},
+                           {"command", BitsAsJson(analysis.command)},
+                           {"status", BitsAsJson(analysis.status)}}));
 }
 
 void PrintDevice(LineOutput& output, const ConfigOptions& options, const DevicePlace& place,

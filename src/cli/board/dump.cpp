@@ -5,13 +5,14 @@
 #include "cli/board/output_file.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
-#include "cli/output.h"
+#include "cli/json.h"
 #include "platform/text.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -50,7 +51,7 @@ int RunDump(const DumpOptions& options) {
     session.SetLimit(options.limit);
     if (options.board.json) {
         output.Write(Printf(R"({"space": %s, "from": "%08llx", "data": ")",
-                            JsonText(options.space).c_str(),
+                            JsonLine(JsonString(options.space)).c_str(),
                             static_cast<unsigned long long>(from)));
     }
     WaitEnd end = WaitEnd::Done;

@@ -6,6 +6,7 @@
 #include "cli/board_facts.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
+#include "cli/json.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 
@@ -14,6 +15,7 @@
 #include <charconv>
 #include <iterator>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -128,7 +130,7 @@ int RunInfo(const InfoOptions& options) {
     }
     const auto facts = BoardFacts(session.Link().Identity(), session.Link().Traits().bus);
     LineOutput output;
-    output.Write(options.board.json ? FactsAsJson(facts) + "\n" : FactsAsText(facts));
+    output.Write(options.board.json ? JsonLine(FactsAsJson(facts)) + "\n" : FactsAsText(facts));
     output.Close();
     return ExitStatus::Done;
 }

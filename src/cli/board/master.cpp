@@ -4,7 +4,7 @@
 #include "cli/board/master_runner.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
-#include "cli/output.h"
+#include "cli/json.h"
 #include "cli/temporary_file.h"
 #include "exerciser/master_document.h"
 #include "platform/text.h"
@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -84,25 +85,20 @@ std::unique_ptr<TemporaryFile> StandardInput() {
 }
 
 std::string ResultAsJson(const MasterForm& form, const MasterRunner& runner) {
-    std::string failed;
+    nlohmann::ordered_json failed = nlohmann::ordered_json::array();
     for (const FailedStep& step : runner.Failed()) {
-        std::string status;
-        for (const std::string& line : step.status) {
-            status += (status.empty() ? "" : ", ") + JsonText(line);
-        }
-        failed +=
-            Printf("%s{\"address\": \"%08llx\", \"status\": [%s]}", failed.empty() ? "" : ", ",
-                   static_cast<unsigned long long>(step.address), status.c_str());
+        failed.push_back(
+            {{"address", Printf("%08llx", static_cast<unsigned long long>(step.address))},
+             {"status", step.status}});
     }
-    std::string text =
-        Printf("{\"command\": %s, \"steps\": %lld, \"failedSteps\": %lld, \"failed\": [%s]",
-               JsonText(TextInList(masterCommands, form.command)).c_str(),
-               static_cast<long long>(runner.Steps()), static_cast<long long>(runner.FailedCount()),
-               failed.c_str());
+    nlohmann::ordered_json result = {{"command", TextInList(masterCommands, form.command)},
+                                     {"steps", runner.Steps()},
+                                     {"failedSteps", runner.FailedCount()},
+                                     {"failed", failed}};
     if (form.command == MasterRead) {
-        text += ", \"data\": \"" + HexText(runner.Memory()) + "\"";
+        result["data"] = HexText(runner.Memory());
     }
-    return text + "}";
+    return JsonLine(result);
 }
 
 int RunMaster(const MasterOptions& options) {

@@ -8,6 +8,7 @@
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "performance/performance_document.h"
 #include "performance/performance_run.h"
@@ -21,6 +22,7 @@
 #include <algorithm>
 #include <memory>
 #include <mutex>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -137,24 +139,29 @@ public:
 
     void Print(const Readings::Reading& reading) {
         const std::string time = TimeStamp(reading.time);
-        std::string line = isJson_ ? "{\"time\": " + JsonText(time) : time;
-        for (const PerformanceColumn& column : columns_) {
-            const std::int32_t value = reading.results[column.row];
-            if (isJson_) {
-                line += Printf(", %s: %d", JsonText(column.name).c_str(), value);
-            } else if (isCsv_) {
-                line += Printf(",%d", value);
-            } else {
-                line += Printf("  %*d", static_cast<int>(column.name.size()), value);
-            }
-        }
-        output_.Print(isJson_ ? line + "}" : line);
+        output_.Print(isJson_ ? AsJson(time, reading.results) : AsText(time, reading.results));
     }
 
     [[nodiscard]] LineOutput& Output() noexcept { return output_; }
 
 private:
     static constexpr int timeWidth = 23;
+
+    std::string AsText(std::string line, const PerformanceResults& results) const {
+        for (const PerformanceColumn& column : columns_) {
+            const std::int32_t value = results[column.row];
+            line += isCsv_ ? Printf(",%d", value)
+                           : Printf("  %*d", static_cast<int>(column.name.size()), value);
+        }
+        return line;
+    }
+    std::string AsJson(const std::string& time, const PerformanceResults& results) const {
+        nlohmann::ordered_json object = {{"time", time}};
+        for (const PerformanceColumn& column : columns_) {
+            object[column.name] = results[column.row];
+        }
+        return JsonLine(object);
+    }
 
     const bool isJson_;
     const bool isCsv_;

@@ -6,6 +6,7 @@
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
 #include "cli/interrupt.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/serial_devices.h"
 #include "platform/text.h"
@@ -14,6 +15,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -105,17 +107,16 @@ std::string AsText(const ListedPort& port, const Answering& answering) {
 }
 
 std::string AsJson(const ListedPort& port, const Answering& answering) {
-    std::string text = Printf(
-        R"({"port": %s, "device": %s, "description": %s)", JsonText(port.setting.name).c_str(),
-        JsonText(port.setting.device).c_str(), JsonText(port.description).c_str());
+    nlohmann::ordered_json object = {{"port", JsonString(port.setting.name)},
+                                     {"device", JsonString(port.setting.device)},
+                                     {"description", JsonString(port.description)}};
     if (answering.isBoard) {
-        text += Printf(R"(, "model": %s, "serial": %d)",
-                       JsonText(answering.identity.modelString).c_str(),
-                       answering.identity.serialNumber);
+        object["model"] = JsonString(answering.identity.modelString);
+        object["serial"] = answering.identity.serialNumber;
     } else if (!answering.problem.empty()) {
-        text += ", \"problem\": " + JsonText(answering.problem);
+        object["problem"] = answering.problem;
     }
-    return text + "}";
+    return JsonLine(object);
 }
 
 int RunPorts(const PortsOptions& options) {

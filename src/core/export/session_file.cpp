@@ -1,7 +1,9 @@
 #include "export/session_file.h"
 
 #include "platform/text.h"
+#include "signals/signal_names.h"
 
+#include <algorithm>
 #include <archive.h>
 #include <archive_entry.h>
 
@@ -105,6 +107,23 @@ bool SessionFile::End() {
         return false;
     }
     return archive_->Close();
+}
+
+std::vector<std::string> SessionChannels(const SignalTables& tables) {
+    std::vector<std::string> channels;
+    for (int bit = 0; bit < SampleRecord::bitCount; ++bit) {
+        std::string name = BitName(tables, bit);
+        std::ranges::replace(name, ' ', '_');
+        const auto isTaken = [&](const std::string& each) {
+            return std::ranges::find(channels, each) != channels.end();
+        };
+        std::string unique = name;
+        for (int n = 2; isTaken(unique); ++n) {
+            unique = name + "_" + std::to_string(n);
+        }
+        channels.push_back(unique);
+    }
+    return channels;
 }
 
 } // namespace busquill

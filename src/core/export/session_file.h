@@ -10,6 +10,8 @@
 
 namespace busquill {
 
+class SignalTables;
+
 /// A capture as a session file of the open logic analyzer programs: a zip archive of the raw
 /// records, with 144 named channels. Written piece by piece.
 class SessionFile {
@@ -39,5 +41,8 @@ private:
     int chunks_ = 0;
     bool good_ = true;
 };
+
+/// The names of the channels: those of the bits, each once and without blanks.
+[[nodiscard]] std::vector<std::string> SessionChannels(const SignalTables& tables);
 
 } // namespace busquill

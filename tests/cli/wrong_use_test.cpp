@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"PortInLowerCase", {"board", "--port", "com1"}, "there is no port com1; ports are COM1 to COM8"},
         WrongUse{"CaptureWithoutPort", {"capture", "--setup", "s", "-o", "a.tra"}, "capture needs --port PORT"},
         WrongUse{"CaptureWithoutAnything", {"capture"}, "capture needs --port PORT, --setup FILE, -o FILE"},
-        WrongUse{"UnknownRate", {"board", "--port", "/dev/null", "--baud", "1200"}, "--baud is 9600"},
+        WrongUse{"UnknownRate", {"board", "--port", "/dev/null", "--baud", "1200"}, "--baud is one of 9600, 19200, 38400, 57600"},
         WrongUse{"CaptureWithoutSetup", {"capture", "--port", "x", "-o", "a.tra"}, "capture needs --setup"},
         WrongUse{"RepeatToStandardOutput", {"capture", "--port", "x", "--setup", "s", "-o", "-", "--repeat", "2"}, "several files"},
         WrongUse{"NoTime", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--timeout", "0"}, "--timeout is a number of seconds"},

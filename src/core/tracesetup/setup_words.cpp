@@ -1,10 +1,10 @@
-#include "cli/words.h"
+#include "tracesetup/setup_words.h"
 
 #include "platform/text.h"
 #include "signals/value_text.h"
 #include "tracesetup/trace_setup.h"
 
-namespace busquill::cli {
+namespace busquill {
 
 namespace {
 
@@ -125,4 +125,4 @@ std::vector<std::string> SetupWords(const TraceSetup& setup, const BoardTraits& 
     return lines;
 }
 
-} // namespace busquill::cli
+} // namespace busquill

@@ -10,8 +10,6 @@ class CSignalList;
 class TraceSetup;
 struct BoardTraits;
 
-namespace cli {
-
 /// The setup in plain words, a line for each event, level and setting, without its name.
 [[nodiscard]] std::vector<std::string> SetupWords(const TraceSetup& setup,
                                                   const BoardTraits& board);
@@ -19,5 +17,4 @@ namespace cli {
 /// What an event compares, such as "AD[31:0] = FEBF00XX, FRAME = 0"; empty when nothing.
 [[nodiscard]] std::string EventWords(const CSignalList& events, unsigned event);
 
-} // namespace cli
 } // namespace busquill
