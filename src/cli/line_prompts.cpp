@@ -5,10 +5,16 @@
 
 namespace busquill::cli {
 
+std::string AsLine(std::string text) {
+    std::ranges::replace(text, '\n', ' ');
+    return text;
+}
+
 Answer LinePrompts::Show(const Box& box) {
-    std::string line = box.text;
-    std::ranges::replace(line, '\n', ' ');
-    said_.push_back(std::move(line));
+    if (answer_ && box.buttons != BoxButtons::Ok) {
+        return answer_(box);
+    }
+    said_.push_back(AsLine(box.text));
     const bool isQuestion =
         box.buttons == BoxButtons::YesNo || box.buttons == BoxButtons::YesNoCancel;
     return isQuestion                            ? Answer::No

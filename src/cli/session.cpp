@@ -16,7 +16,8 @@ bool IsNamedPort(const std::string& port) {
            (port.size() == 4 && port.starts_with("COM") && port[3] >= '1' && port[3] <= '8');
 }
 
-/// The port of the options, given by name or by the path of its device.
+} // namespace
+
 PortSetting PortOf(const PortOptions& options, const Settings& settings) {
     const std::string& name = options.port;
     PortSetting port{PortSetting::Kind::Serial, name, name};
@@ -32,8 +33,6 @@ PortSetting PortOf(const PortOptions& options, const Settings& settings) {
     port.baud = static_cast<int>(options.baud);
     return port;
 }
-
-} // namespace
 
 Session::Session(const PortOptions& options)
     : usb_(OpenUsbBus()), analyzer_({mainThread_, mainThread_, settings_, clock_, *usb_,
@@ -54,11 +53,17 @@ Session::Session(const PortOptions& options)
     }
     WaitForBoard(port.name);
     analyzer_.Tables().Load();
-    NewTraceContext live{analyzer_.Tables()};
-    live.analyzer = &analyzer_;
-    live.newDocRealTime = true;
-    document_ = std::make_unique<CTesselDoc>(live, mainThread_);
-    document_->OnNewDocument();
+}
+
+CTesselDoc& Session::Document() {
+    if (!document_) {
+        NewTraceContext live{analyzer_.Tables()};
+        live.analyzer = &analyzer_;
+        live.newDocRealTime = true;
+        document_ = std::make_unique<CTesselDoc>(live, mainThread_);
+        document_->OnNewDocument();
+    }
+    return *document_;
 }
 
 /// Connect goes on without identity and bus configuration if they do not arrive soon, but an

@@ -12,6 +12,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,10 @@ struct PortOptions {
     std::string port; // "COM1" to "COM8", "USB", or the path of a terminal device
     std::int64_t baud = 0;
 };
+
+/// The port of the options, given by name or by the path of its device; throws ExitRequest when
+/// there is no such port.
+[[nodiscard]] PortSetting PortOf(const PortOptions& options, const Settings& settings);
 
 /// A connected board with the objects that exist for the connection.
 class Session {
@@ -36,7 +41,12 @@ public:
     [[nodiscard]] BoardCapture& Capture() noexcept { return analyzer_.Capture(); }
     [[nodiscard]] const SignalTables& Tables() noexcept { return analyzer_.Tables(); }
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
-    [[nodiscard]] CTesselDoc& Document() noexcept { return *document_; }
+    /// The live document of the board's capture, made when it is first asked for.
+    [[nodiscard]] CTesselDoc& Document();
+    /// From now on questions are answered by this function, not with no.
+    void SetQuestions(std::function<Answer(const Box&)> answer) {
+        prompts_.SetQuestions(std::move(answer));
+    }
     /// Prints the messages since the last call; returns whether there were any.
     bool PrintMessages();
     /// Waits, while other threads may show messages.

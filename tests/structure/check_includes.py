@@ -35,7 +35,7 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 
 
 def room_of(path):
-    """("core" or "ui" or "cli" or "app", room) of a path below src; the last two have no rooms."""
+    """(layer, room) of a path below src; what stands in no room of its layer has the room ""."""
     parts = path.parts
     return (parts[0], parts[1]) if len(parts) > 2 else (parts[0], "")
 
@@ -46,7 +46,7 @@ def allowed(user, used):
     if user == used or layer == "app":
         return True
     if layer == "cli":
-        return used_layer == "core"
+        return used_layer == "core" or (used_layer == "cli" and used_room == "")
     if layer == "core":
         return used_layer == "core" and CORE.index(used_room) < CORE.index(room)
     return used_layer == "core" or (used_layer == "ui" and used_room in UI[room])
@@ -115,7 +115,7 @@ def drawing(graph):
         lines.append(f"  subgraph {layer}")
         lines += [f"    {layer}_{name}[{name}]" for _, name in rooms]
         lines.append("  end")
-    lines.append("  cli")
+    lines += sorted("  " + node(room) for room in arrows if room[0] == "cli")
     for user in sorted(arrows):
         for used in sorted(arrows[user]):
             implied = any(used in reachable(arrows, other) for other in arrows[user] - {used})

@@ -18,4 +18,8 @@ std::string TraceProgramPath() {
     return BUSQUILL_TRACE;
 }
 
+std::string BoardProgramPath() {
+    return BUSQUILL_BOARD;
+}
+
 } // namespace busquill::test

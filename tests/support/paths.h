@@ -12,5 +12,7 @@ std::string SourceFile(const std::string& path);
 std::string BoardSimulator();
 /// `busquill-trace`.
 std::string TraceProgramPath();
+/// `busquill-board`.
+std::string BoardProgramPath();
 
 } // namespace busquill::test

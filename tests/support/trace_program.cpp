@@ -1,6 +1,8 @@
 #include "support/trace_program.h"
 
+#include "platform/text_file.h"
 #include "support/paths.h"
+#include "support/pseudo_terminal.h"
 
 #include <algorithm>
 #include <array>
@@ -10,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <optional>
 #include <poll.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -43,9 +46,9 @@ struct Pipe {
     std::array<int, 2> ends{-1, -1};
 };
 
-[[noreturn]] void Become(const std::vector<std::string>& arguments, const ProgramInput& input,
-                         const Pipe& in, const Pipe& out, const Pipe& err) {
-    ::dup2(in.ends[0], STDIN_FILENO);
+[[noreturn]] void Become(std::string program, const std::vector<std::string>& arguments,
+                         const ProgramInput& input, int in, const Pipe& out, const Pipe& err) {
+    ::dup2(in, STDIN_FILENO);
     ::dup2(out.ends[1], STDOUT_FILENO);
     ::dup2(err.ends[1], STDERR_FILENO);
     std::signal(SIGPIPE, SIG_DFL);
@@ -64,7 +67,9 @@ struct Pipe {
     if (!input.temporaryFolder.empty()) {
         ::setenv("TMPDIR", input.temporaryFolder.c_str(), 1);
     }
-    std::string program = TraceProgramPath();
+    for (const auto& [name, value] : input.environment) {
+        ::setenv(name.c_str(), value.c_str(), 1);
+    }
     std::vector<char*> words = {program.data()};
     for (const std::string& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str()));
@@ -84,24 +89,34 @@ bool ReadInto(std::string& text, int from) {
     return count > 0 || (count < 0 && errno == EINTR);
 }
 
-} // namespace
-
-ProgramRun RunTrace(const std::vector<std::string>& arguments, const ProgramInput& input) {
+/// Runs a program as a separate process.
+ProgramRun RunProgram(const std::string& program, const std::vector<std::string>& arguments,
+                      const ProgramInput& input) {
     std::signal(SIGPIPE, SIG_IGN); // the program may close its standard input early
     Pipe in;
+    std::optional<PseudoTerminal> terminal;
+    FileHandle terminalEnd;
+    if (input.onTerminal) {
+        terminal.emplace();
+        terminalEnd.reset(std::fopen(terminal->Path().c_str(), "re"));
+        static_cast<void>(
+            terminal->Send({reinterpret_cast<const std::uint8_t*>(input.standardInput.data()),
+                            input.standardInput.size()}));
+    }
     Pipe out;
     Pipe err;
     const pid_t process = ::fork();
     if (process == 0) {
-        Become(arguments, input, in, out, err);
+        Become(program, arguments, input, terminalEnd ? ::fileno(terminalEnd.get()) : in.ends[0],
+               out, err);
     }
     in.Close(0);
     out.Close(1);
     err.Close(1);
     ProgramRun run;
-    const auto end = Time::now() + std::chrono::minutes(1);
+    const auto end = Time::now() + input.limit;
     bool interrupted = false;
-    std::size_t given = 0;
+    std::size_t given = input.onTerminal ? input.standardInput.size() : 0;
     while (Time::now() < end && (out.ends[0] >= 0 || err.ends[0] >= 0)) {
         if (input.meanwhile) {
             input.meanwhile();
@@ -139,6 +154,16 @@ ProgramRun RunTrace(const std::vector<std::string>& arguments, const ProgramInpu
     ::waitpid(process, &status, 0);
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
+}
+
+} // namespace
+
+ProgramRun RunTrace(const std::vector<std::string>& arguments, const ProgramInput& input) {
+    return RunProgram(TraceProgramPath(), arguments, input);
+}
+
+ProgramRun RunBoard(const std::vector<std::string>& arguments, const ProgramInput& input) {
+    return RunProgram(BoardProgramPath(), arguments, input);
 }
 
 } // namespace busquill::test

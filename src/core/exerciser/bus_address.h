@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace busquill {
@@ -13,6 +14,23 @@ using BusAddress = std::array<std::uint8_t, 8>;
 [[nodiscard]] constexpr std::uint32_t LowAddress(const BusAddress& address) noexcept {
     return address[0] | std::uint32_t{address[1]} << 8 | std::uint32_t{address[2]} << 16 |
            std::uint32_t{address[3]} << 24;
+}
+
+/// An address as a number, and back.
+[[nodiscard]] constexpr std::uint64_t NumberOf(const BusAddress& address) noexcept {
+    std::uint64_t number = 0;
+    for (std::size_t i = address.size(); i-- > 0;) {
+        number = number << 8 | address[i];
+    }
+    return number;
+}
+[[nodiscard]] constexpr BusAddress AddressOf(std::uint64_t number) noexcept {
+    BusAddress address{};
+    for (std::uint8_t& byte : address) {
+        byte = static_cast<std::uint8_t>(number);
+        number >>= 8;
+    }
+    return address;
 }
 
 /// A carry out of the top byte is lost.

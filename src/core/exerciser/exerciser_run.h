@@ -33,6 +33,8 @@ public:
     [[nodiscard]] const ReadMemory* Memory() const noexcept {
         return memory_ ? &*memory_ : nullptr;
     }
+    /// Where the step begins that is under way, or whose status is being told.
+    [[nodiscard]] const BusAddress& CurrentAddress() const noexcept { return currentAddress_; }
 
 protected:
     ExerciserRun(Parts parts, std::uint8_t stepLimit, ExerciserObserver& observer);
@@ -72,7 +74,6 @@ protected:
     /// Goes back to the start, for another pass.
     void Rewind(const BusAddress& start) noexcept;
 
-    [[nodiscard]] const BusAddress& CurrentAddress() const noexcept { return currentAddress_; }
     [[nodiscard]] std::uint8_t CurrentLength() const noexcept { return stepLength_; }
 
     [[nodiscard]] bool HasFileData() const noexcept { return !fileData_.empty(); }

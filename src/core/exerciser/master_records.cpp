@@ -96,7 +96,7 @@ std::vector<std::string_view> MasterStatusLines(std::uint8_t status) {
     }
     const int result = status & resultMask;
     if (result == resultPass) {
-        lines.emplace_back("Pass");
+        lines.push_back(masterPass);
     } else if (result == resultFail) {
         lines.emplace_back("Fail");
     }

@@ -28,6 +28,8 @@ enum class MasterStep { First, Later };
 /// A command's code, with a bit that is set for every step but the first.
 [[nodiscard]] std::uint8_t MasterControlByte(std::int32_t command, MasterStep step) noexcept;
 
+/// The line of a step that was good; any other tells of a failure.
+inline constexpr std::string_view masterPass = "Pass";
 /// What the status of a finished step reports, in the order of the list.
 [[nodiscard]] std::vector<std::string_view> MasterStatusLines(std::uint8_t status);
 

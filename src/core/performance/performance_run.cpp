@@ -47,7 +47,7 @@ class PerformanceRun::Reader {
 public:
     Reader(const Parts& parts, PerformanceObserver& observer)
         : link_(parts.link), prompts_(parts.prompts), results_(parts.results),
-          pause_(parts.pauseAfterFailure), observer_(observer) {}
+          pause_(parts.pauseAfterFailure), most_(parts.mostReadings), observer_(observer) {}
 
     /// Timer's thread.
     void Read() {
@@ -66,7 +66,7 @@ public:
             values_ = ParsePerformanceResults(bytes_);
         }
         const MutexLock lock(mutex_);
-        if (!closed_) {
+        if (!closed_ && (most_ == 0 || results_.Count() < most_)) {
             results_.Add(values_);
             observer_.OnReading(values_);
         }
@@ -100,6 +100,7 @@ private:
     Prompts& prompts_;
     ResultStore& results_;
     const std::chrono::milliseconds pause_;
+    const std::int64_t most_;
     PerformanceObserver& observer_;
     Mutex mutex_; // the observer may wait for the main thread
     bool closed_ BUSQUILL_GUARDED_BY(mutex_) = false;

@@ -49,6 +49,8 @@ public:
         std::unique_ptr<PeriodicTimer> timer;
         /// How long no reading is made after one has failed.
         std::chrono::milliseconds pauseAfterFailure = std::chrono::seconds(1);
+        /// How many readings are stored and reported until Stop; 0 for any number.
+        std::int64_t mostReadings = 0;
     };
 
     /// The parts and the observer outlive the run.

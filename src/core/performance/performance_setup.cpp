@@ -5,6 +5,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <map>
 
 namespace busquill {
 
@@ -169,6 +170,24 @@ std::string PerformanceRowText(const PerformanceSetup& setup, std::size_t row,
         text.append(" : ").append(cycle);
     }
     return text;
+}
+
+std::vector<PerformanceColumn> PerformanceColumns(const PerformanceSetup& setup,
+                                                  const BoardTraits& board) {
+    std::vector<PerformanceColumn> columns;
+    std::map<std::string, int> uses;
+    for (std::size_t row = 0; row < setup.items.size(); ++row) {
+        if (const std::string text = PerformanceRowText(setup, row, board); !text.empty()) {
+            columns.push_back({row, std::string(Trim(text))});
+            ++uses[columns.back().name];
+        }
+    }
+    for (PerformanceColumn& column : columns) {
+        if (uses[column.name] > 1) {
+            column.name += Printf(" (%c)", 'A' + static_cast<char>(column.row));
+        }
+    }
+    return columns;
 }
 
 std::string PerformanceAddressText(const std::array<std::uint8_t, 8>& address) {

@@ -111,6 +111,15 @@ struct PerformanceSetup {
 [[nodiscard]] std::string PerformanceRowText(const PerformanceSetup& setup, std::size_t row,
                                              const BoardTraits& board);
 
+/// A row that is on, and what it counts: "Bus Busy : Mem Rd". Rows that count the same, such as for
+/// different addresses, also have their letters: "Bus Busy (A)".
+struct PerformanceColumn {
+    std::size_t row;
+    std::string name;
+};
+[[nodiscard]] std::vector<PerformanceColumn> PerformanceColumns(const PerformanceSetup& setup,
+                                                                const BoardTraits& board);
+
 /// An address as 16 hexadecimal digits, the most significant first.
 [[nodiscard]] std::string PerformanceAddressText(const std::array<std::uint8_t, 8>& address);
 

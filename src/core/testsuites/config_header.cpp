@@ -51,6 +51,33 @@ std::string HeaderOffsetText(int word) {
     return Printf(" %02XH", static_cast<unsigned>(word) * 4);
 }
 
+std::string PlaceText(const DevicePlace& place) {
+    return Printf("%02x:%02x.%x", static_cast<unsigned>(place.bus),
+                  static_cast<unsigned>(place.device), static_cast<unsigned>(place.function));
+}
+
+std::optional<DevicePlace> PlaceOf(const BusAddress& address) noexcept {
+    const std::uint64_t number = NumberOf(address);
+    if (number >> 24 != 0x80 || (number & 0xFF) != 0) {
+        return std::nullopt;
+    }
+    return DevicePlace{static_cast<int>(number >> 16 & 0xFF), static_cast<int>(number >> 11 & 0x1F),
+                       static_cast<int>(number >> 8 & 7)};
+}
+
+std::vector<std::string> HeaderDump(std::span<const std::uint8_t, configHeaderBytes> header) {
+    constexpr std::size_t bytesInLine = 16;
+    std::vector<std::string> lines;
+    for (std::size_t offset = 0; offset < header.size(); offset += bytesInLine) {
+        std::string line = Printf("%02x:", static_cast<unsigned>(offset));
+        for (const std::uint8_t byte : header.subspan(offset, bytesInLine)) {
+            line += Printf(" %02x", byte);
+        }
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
 ConfigAnalysis AnalyzeHeader(const CConfigSpaceData& device) {
     const DeviceIdentity& identity = device.Identity();
     ConfigAnalysis analysis;

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,6 +44,23 @@ inline constexpr std::array<HeaderField, 10> headerFields = {{
                                        int word) noexcept;
 /// " 3CH", the offset of a word.
 [[nodiscard]] std::string HeaderOffsetText(int word);
+
+/// A place on the bus: "01:04.0".
+struct DevicePlace {
+    int bus = 0;
+    int device = 0;
+    int function = 0;
+
+    friend bool operator==(const DevicePlace&, const DevicePlace&) = default;
+};
+[[nodiscard]] std::string PlaceText(const DevicePlace& place);
+/// The place that an address selects for a configuration cycle: bit 31, then bus, device and
+/// function from bit 16 down. Nothing for an address of another form.
+[[nodiscard]] std::optional<DevicePlace> PlaceOf(const BusAddress& address) noexcept;
+
+/// The header in lines of 16 bytes, each with its offset: "00: 86 80 37 12 ...".
+[[nodiscard]] std::vector<std::string>
+HeaderDump(std::span<const std::uint8_t, configHeaderBytes> header);
 
 /// A line of a box of the analysis: "Memory Enabled", ":   Yes".
 struct AnalysisLine {

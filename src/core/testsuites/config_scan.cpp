@@ -32,51 +32,60 @@ std::uint8_t ControlByte(ScanDirection direction) {
     return 1;
 }
 
-/// The status at the end of the scan; nothing when the time is up, which is reported. A status that
-/// cannot be read ends the scan without a device.
-std::optional<std::uint8_t> AwaitScan(CAnalyzerLink& link, Prompts& prompts) {
+/// Waits for the end of the scan.
+ScanEnd AwaitScan(CAnalyzerLink& link, Prompts& prompts, const std::function<bool()>& givesUp,
+                  std::uint8_t& found) {
     const std::time_t begun = link.Time();
     std::array<std::uint8_t, 1> status{};
     while (true) {
         if (!ReadStatus(link, scanStatus, status, prompts)) {
-            return 0;
+            return ScanEnd::NoDevice;
         }
         if ((status[0] & statusRunning) == 0) {
-            return status[0];
+            found = status[0];
+            return (found & deviceFound) != 0 ? ScanEnd::Found : ScanEnd::NoDevice;
+        }
+        if (givesUp && givesUp()) {
+            return ScanEnd::GivenUp;
         }
         link.Pause(scanStatus.period);
         if (link.Time() - begun > scanLimit) {
             prompts.Message(timedOut);
-            return std::nullopt;
+            return ScanEnd::Failed;
         }
     }
 }
 
 } // namespace
 
-std::optional<int> ScanForDevice(CAnalyzerLink& link, ScanDirection direction,
-                                 CConfigSpaceData& data, Prompts& prompts) {
+Scan FindDevice(CAnalyzerLink& link, ScanDirection direction, CConfigSpaceData& data,
+                Prompts& prompts, const std::function<bool()>& givesUp) {
     std::vector<RunStep> steps;
     steps.push_back(
         {WritePayload(CmdConfigScanControl, OneByte(ControlByte(direction))), controlFailed});
     steps.push_back({RunCommand(CmdStartConfigScan), startFailed});
     if (SendSteps(link, std::move(steps), prompts) == Sent::Ended) {
-        return std::nullopt;
+        return {ScanEnd::Failed};
     }
-    const std::optional<std::uint8_t> status = AwaitScan(link, prompts);
-    if (!status) {
-        return std::nullopt;
-    }
-    if ((*status & deviceFound) == 0) {
-        prompts.Message(noDevice);
-        return std::nullopt;
+    std::uint8_t status = 0;
+    if (const ScanEnd end = AwaitScan(link, prompts, givesUp, status); end != ScanEnd::Found) {
+        return {end};
     }
     std::array<std::uint8_t, configBlockBytes> block{};
     if (!ReadOrReport(link, RegisterConfigScanResults, block, prompts, dataFailed)) {
-        return std::nullopt;
+        return {ScanEnd::Failed};
     }
     data.Import(block);
-    return *status >> 1 & 7;
+    return {ScanEnd::Found, status >> 1 & 7};
+}
+
+std::optional<int> ScanForDevice(CAnalyzerLink& link, ScanDirection direction,
+                                 CConfigSpaceData& data, Prompts& prompts) {
+    const Scan scan = FindDevice(link, direction, data, prompts);
+    if (scan.end == ScanEnd::NoDevice) {
+        prompts.Message(noDevice);
+    }
+    return scan.end == ScanEnd::Found ? std::optional(scan.function) : std::nullopt;
 }
 
 } // namespace busquill

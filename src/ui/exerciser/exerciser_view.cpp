@@ -22,23 +22,6 @@ namespace {
 
 constexpr int dumpTop = 5;
 
-std::uint64_t NumberOf(const BusAddress& bytes) {
-    std::uint64_t number = 0;
-    for (std::size_t i = bytes.size(); i-- > 0;) {
-        number = number << 8 | bytes[i];
-    }
-    return number;
-}
-
-BusAddress BytesOf(std::uint64_t number) {
-    BusAddress bytes;
-    for (std::uint8_t& byte : bytes) {
-        byte = static_cast<std::uint8_t>(number);
-        number >>= 8;
-    }
-    return bytes;
-}
-
 void AddTexts(QComboBox& list, std::span<const std::string_view> texts) {
     for (const std::string_view text : texts) {
         list.addItem(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
@@ -99,7 +82,7 @@ CPatternEdit& ExerciserView::AddValue(const QString& name, BusAddress& value) {
     auto* field = new CPatternEdit(this);
     field->setObjectName(name);
     connect(field, &QLineEdit::textChanged, this,
-            [field, &value] { value = BytesOf(field->Value()); });
+            [field, &value] { value = AddressOf(field->Value()); });
     AddShown([field, &value] { field->SetValue(NumberOf(value)); });
     return *field;
 }

@@ -119,6 +119,24 @@ protected:
     std::jthread timePasses;
 };
 
+TEST_F(PerformanceRunTest, KeepsNoMoreReadingsThanAreWanted) {
+    run = std::make_unique<PerformanceRun>(
+        PerformanceRun::Parts{.link = *link,
+                              .prompts = prompts,
+                              .results = results,
+                              .timer = std::make_unique<ManualPeriodicTimer>(timer),
+                              .mostReadings = 2},
+        observer);
+    for (int runs = 1; runs <= 2; ++runs) {
+        run->Go(setup);
+        for (int tick = 0; tick < 3; ++tick) {
+            timer->tick();
+        }
+        EXPECT_EQ(results.Count(), 2);
+        EXPECT_EQ(observer.readings, 2 * runs);
+    }
+}
+
 TEST_F(PerformanceRunTest, GoSendsTheSetupAndStartsReading) {
     setup.SetType(PerformanceLatency);
     results.Add({1});

@@ -157,6 +157,20 @@ TEST(PerformanceRowText, NamesTheItemAndItsCycle) {
     EXPECT_EQ(PerformanceRowText(setup, 0, Board("PCIKite")), "");
 }
 
+TEST(PerformanceColumns, AreTheRowsThatAreOnWithTheirLettersWhereTheyCountTheSame) {
+    PerformanceSetup setup;
+    setup.items[1].item = 1;
+    setup.items[3].item = 2;
+    setup.items[6].item = 1;
+    const std::vector<PerformanceColumn> columns = PerformanceColumns(setup, {});
+    ASSERT_EQ(columns.size(), 3U);
+    EXPECT_EQ(columns[0].name, "Bus Busy : All (B)");
+    EXPECT_EQ(columns[1].name, "Bus Idle : All");
+    EXPECT_EQ(columns[1].row, 3U);
+    EXPECT_EQ(columns[2].name, "Bus Busy : All (G)");
+    EXPECT_EQ(columns[2].row, 6U);
+}
+
 TEST(PerformancePayload, HasTheTypeThenThirtyBytesForEachRow) {
     PerformanceSetup setup;
     setup.type = PerformanceStatistics;

@@ -1,0 +1,19 @@
+#include "cli/board/program.h"
+
+#include "cli/board/commands.h"
+#include "cli/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+namespace busquill::cli::board {
+
+int Run(std::span<const std::string> words) {
+    const auto program =
+        MakeProgram("busquill-board", "The functions of the board without windows.",
+                    "\"busquill-board COMMAND -h\" lists the options of a command. A time is in "
+                    "seconds, or ends in\nms, s, m or h.\n");
+    AddCommands(*program);
+    return RunProgram(*program, words);
+}
+
+} // namespace busquill::cli::board
