@@ -6,7 +6,7 @@ namespace {
 
 /// In the order of the program's help.
 constexpr void (*adders[])(CLI::App&) = {
-    AddInfo, AddPerformance, AddMaster, AddDump, AddConfig,
+    AddInfo, AddPerformance, AddMaster, AddDump, AddConfig, AddAnomaly, AddBackplane,
 };
 
 } // namespace
