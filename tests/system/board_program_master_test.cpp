@@ -268,8 +268,8 @@ TEST_F(BoardProgramDump, MoreThanARunKeepsIsReadInSeveral) {
     StartBoard();
     ASSERT_EQ(Master({"--from", "30D40", "--to", "30D40", "--value", "7A"}).status, 0);
     // 200,016 bytes, of which a run keeps 200,000. Thousands of steps take a while.
-    const ProgramRun run = Run({"dump", "memory", "0", "30D4F", "--bytes"},
-                               {.limit = std::chrono::seconds(240)});
+    const ProgramRun run =
+        Run({"dump", "memory", "0", "30D4F", "--bytes"}, {.limit = std::chrono::seconds(240)});
     EXPECT_EQ(run.status, 0);
     ASSERT_EQ(run.out.size(), 200'016U);
     EXPECT_EQ(run.out[200'000], 'z');
