@@ -1,6 +1,6 @@
 # Sourced by run, test and the CI script: installs missing Debian packages and builds a preset.
 
-build_packages=(g++ cmake ninja-build ccache lld pkg-config qt6-base-dev qt6-svg-dev qt6-serialport-dev libusb-1.0-0-dev
+build_packages=(g++ cmake ninja-build ccache lld pkg-config qt6-base-dev qt6-svg-dev libusb-1.0-0-dev
                 libarchive-dev libqt6svg6 libcli11-dev nlohmann-json3-dev
                 fonts-liberation)
 test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3 sigrok-cli gtkwave pciutils)

@@ -17,7 +17,8 @@ bool IsNamedPort(const std::string& port) {
            (port.size() == 4 && port.starts_with("COM") && port[3] >= '1' && port[3] <= '8');
 }
 
-/// The port of the options, given by name or by the path of its device.
+} // namespace
+
 PortSetting PortOf(const PortOptions& options, const Settings& settings) {
     const std::string& name = options.port;
     PortSetting port{PortSetting::Kind::Serial, name, name};
@@ -38,8 +39,6 @@ PortSetting PortOf(const PortOptions& options, const Settings& settings) {
     port.baud = static_cast<int>(baud);
     return port;
 }
-
-} // namespace
 
 PortOptions PortOptionsOf(const Arguments& arguments) {
     return {arguments.Value("port"), arguments.Number("baud").value_or(usualBaudRate)};

@@ -30,6 +30,10 @@ struct PortOptions {
 /// Throws ExitRequest for a wrong number.
 [[nodiscard]] PortOptions PortOptionsOf(const Arguments& arguments);
 
+/// The port of the options, given by name or by the path of its device; throws ExitRequest when
+/// there is no such port.
+[[nodiscard]] PortSetting PortOf(const PortOptions& options, const Settings& settings);
+
 /// A connected board with the objects that exist for the connection.
 class Session {
 public:

@@ -134,5 +134,51 @@ TEST_F(BoardProgram, ABoardThatRefusesItsBusConfigurationIsAFailure) {
     EXPECT_THAT(run.err, EndsWith(Line("the board has not taken the bus configuration")));
 }
 
+// ports
+
+TEST_F(BoardProgram, PortsTellsBehindWhichABoardAnswers) {
+    StartBoard({"--baud", "19200"}); // at another rate than the options name
+    const ProgramRun one = Run({"ports"});
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(one.err, "");
+    EXPECT_EQ(one.out, board->Terminal() + ": PCIKite-3, serial number 1234\n");
+    const ProgramRun json = Run({"ports", "--json"});
+    EXPECT_EQ(json.out, R"({"port": ")" + board->Terminal() + R"(", "device": ")" +
+                            board->Terminal() +
+                            R"(", "description": "", "model": "PCIKite-3", "serial": 1234})"
+                            "\n");
+    EXPECT_EQ(Asked("write memory"), 0) << "the board's rate is left as it is";
+}
+
+TEST_F(BoardProgram, PortsListsThoseOfTheMachineWithoutOpeningThem) {
+    StartBoard();
+    const ProgramRun run =
+        RunBoard({"ports", "--list"}, {.environment = {{"BUSQUILL_COM2", board->Terminal()}}});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.out, StartsWith("COM2 (" + board->Terminal() + ")\n"));
+    EXPECT_EQ(Asked("function"), 0);
+}
+
+TEST_F(BoardProgram, PortsTellsWhyThereIsNoBoard) {
+    StartBoard({"--fault", "silence"});
+    const ProgramRun silent = Run({"ports"});
+    EXPECT_EQ(silent.status, 1);
+    EXPECT_EQ(silent.out, board->Terminal() + ": no board answers\n");
+    const ProgramRun none = RunWithoutBoard({"ports", "--port", "/dev/null"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.out, "/dev/null: is not a serial port\n");
+    EXPECT_EQ(none.err, "");
+    EXPECT_EQ(RunWithoutBoard({"ports", "--port", "nowhere"}).status, 2);
+    EXPECT_EQ(RunWithoutBoard({"ports", "--port", "/dev/null", "--baud", "x"}).status, 2);
+}
+
+TEST_F(BoardProgram, AnInterruptEndsTheSearchOfPorts) {
+    StartBoard({"--fault", "mute 1"}); // no identity
+    const ProgramRun run = Run({"ports"}, {.interruptWhen = Has("address 0 length 18")});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, Line("interrupted"));
+}
+
 } // namespace
 } // namespace busquill::test

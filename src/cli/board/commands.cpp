@@ -6,8 +6,8 @@ namespace {
 
 /// In the order of the program's help.
 constexpr void (*adders[])(CLI::App&) = {
-    AddInfo,      AddPerformance, AddMaster,   AddDump,   AddConfig,     AddAnomaly,
-    AddBackplane, AddStimulus,    AddFirmware, AddTarget, AddCompliance,
+    AddInfo,    AddPorts,     AddPerformance, AddMaster,   AddDump,   AddConfig,
+    AddAnomaly, AddBackplane, AddStimulus,    AddFirmware, AddTarget, AddCompliance,
 };
 
 } // namespace

@@ -17,6 +17,7 @@ void AddFirmware(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddMaster(CLI::App& program);
 void AddPerformance(CLI::App& program);
+void AddPorts(CLI::App& program);
 void AddStimulus(CLI::App& program);
 void AddTarget(CLI::App& program);
 

@@ -3,6 +3,7 @@
 #include "cli/board/board_session.h"
 #include "cli/board/commands.h"
 #include "cli/board/line_output.h"
+#include "cli/board/output_file.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
 #include "cli/output.h"
@@ -132,6 +133,7 @@ DevicePlace PlaceOfFound(const CConfigSpaceData& device, int function, int& devi
 int RunConfig(const ConfigOptions& options) {
     const std::optional<DevicePlace> wanted =
         options.device.empty() ? std::nullopt : std::optional(PlaceNamed(options.device));
+    CheckFolderOf(options.output);
     LinePrompts warnings; // files of names may be missing
     CConfigSpaceData device(WorkingDirectory::AtStart(), warnings);
     BoardSession session(options.board);

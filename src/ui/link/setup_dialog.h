@@ -1,7 +1,7 @@
 #pragma once
 
 #include "link/pending_exchange.h"
-#include "ui/link/serial_devices.h"
+#include "platform/serial_devices.h"
 
 #include <QDialog>
 

@@ -153,6 +153,27 @@ public:
     int updates = 0;
 };
 
+TEST(DevicePlaces, AreWhatAConfigurationCycleSelects) {
+    EXPECT_EQ(PlaceOf(AddressOf(0x80000000)), (DevicePlace{0, 0, 0}));
+    EXPECT_EQ(PlaceOf(AddressOf(0x80FFFF00)), (DevicePlace{255, 31, 7}));
+    EXPECT_EQ(PlaceOf(AddressOf(0x80012300)), (DevicePlace{1, 4, 3}));
+    // A line of its own for each device, a register, more than 32 bits, no address.
+    for (const std::uint64_t other : {0x40000000ULL, 0x80000004ULL, 0x180000000ULL, 0ULL}) {
+        EXPECT_EQ(PlaceOf(AddressOf(other)), std::nullopt) << other;
+    }
+    EXPECT_EQ(PlaceText({1, 10, 3}), "01:0a.3");
+}
+
+TEST(HeaderDumps, AreLinesOfSixteenBytesWithTheirOffsets) {
+    std::array<std::uint8_t, configHeaderBytes> header{};
+    header[0] = 0x86;
+    header[63] = 0x0F;
+    const std::vector<std::string> lines = HeaderDump(header);
+    ASSERT_EQ(lines.size(), 4U);
+    EXPECT_EQ(lines[0], "00: 86 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_EQ(lines[3], "30: 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 0f");
+}
+
 TEST_F(ConfigHeaderTest, ItsFileIsEmptyAndOpeningItChangesNothing) {
     Import(0x0147, 0);
     CountingView view;

@@ -11,7 +11,8 @@ struct SerialDevice {
     std::string description; // of the adapter, as it tells itself; may be empty
 };
 
-/// The serial ports that the system knows now, sorted by path.
-[[nodiscard]] std::vector<SerialDevice> SerialDevices();
+/// The serial ports that the system knows now, sorted by path. `folder` is where the system lists
+/// its terminals.
+[[nodiscard]] std::vector<SerialDevice> SerialDevices(const std::string& folder = "/sys/class/tty");
 
 } // namespace busquill
