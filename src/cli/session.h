@@ -39,7 +39,7 @@ public:
 
     [[nodiscard]] CAnalyzerLink& Link() noexcept { return analyzer_.Link(); }
     [[nodiscard]] BoardCapture& Capture() noexcept { return analyzer_.Capture(); }
-    [[nodiscard]] const SignalTables& Tables() noexcept { return analyzer_.Tables(); }
+    [[nodiscard]] SignalTables& Tables() noexcept { return analyzer_.Tables(); }
     [[nodiscard]] MainThread& Prompts() noexcept { return mainThread_; }
     /// The live document of the board's capture, made when it is first asked for.
     [[nodiscard]] CTesselDoc& Document();

@@ -19,12 +19,14 @@ constexpr Milliseconds patience = std::chrono::seconds(30);
 constexpr Milliseconds patienceOnceInterrupted = std::chrono::seconds(5);
 
 /// The line that the user types; nothing at the end of the input and on an interrupt.
-std::string ReadAnswer() {
+std::optional<std::string> ReadLine() {
     std::string line;
-    for (char c = 0; ::read(STDIN_FILENO, &c, 1) == 1 && c != '\n';) {
-        line += c;
+    for (char c = 0; ::read(STDIN_FILENO, &c, 1) == 1; line += c) {
+        if (c == '\n') {
+            return line;
+        }
     }
-    return line;
+    return std::nullopt;
 }
 
 } // namespace
@@ -93,13 +95,21 @@ void BoardSession::Status(const std::string& text) const {
     }
 }
 
+bool BoardSession::HasTerminal() {
+    return ::isatty(STDIN_FILENO) != 0;
+}
+
+std::optional<std::string> BoardSession::AskOnTerminal(const std::string& question) {
+    std::fputs(question.c_str(), stderr);
+    return ReadLine();
+}
+
 Answer BoardSession::Ask(const Box& question) {
     PrintMessages(); // of what the question is about
     const std::string text = AsLine(question.text);
     bool yes = answers_ == Answers::Yes;
-    if (answers_ == Answers::Ask && ::isatty(STDIN_FILENO) != 0) {
-        std::fprintf(stderr, "%s [y/N] ", text.c_str());
-        const std::string answer = ToLower(Trim(ReadAnswer()));
+    if (answers_ == Answers::Ask && HasTerminal()) {
+        const std::string answer = ToLower(Trim(AskOnTerminal(text + " [y/N] ").value_or("")));
         yes = answer == "y" || answer == "yes";
     } else if (!yes || !quiet_) {
         Say(text + (yes ? " yes" : " no"));

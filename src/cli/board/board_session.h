@@ -23,7 +23,7 @@ public:
     explicit BoardSession(const BoardOptions& options);
 
     [[nodiscard]] CAnalyzerLink& Link() noexcept { return session_.Link(); }
-    [[nodiscard]] const SignalTables& Tables() noexcept { return session_.Tables(); }
+    [[nodiscard]] SignalTables& Tables() noexcept { return session_.Tables(); }
     /// Message boxes and questions of any thread. Messages go to standard error. Questions are
     /// answered by --yes or --no, else by the user on a terminal, else with no.
     [[nodiscard]] MainThread& Boxes() noexcept { return session_.Prompts(); }
@@ -53,6 +53,10 @@ public:
         PrintMessages();
         return hadMessages_;
     }
+    /// Asks the user on the terminal; nothing at the end of the input and on an interrupt.
+    [[nodiscard]] std::optional<std::string> AskOnTerminal(const std::string& question);
+    /// Whether somebody may be there to answer.
+    [[nodiscard]] static bool HasTerminal();
     /// Prints a line on standard error, unless --quiet leaves status lines out.
     void Status(const std::string& text) const;
 

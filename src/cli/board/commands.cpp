@@ -6,7 +6,8 @@ namespace {
 
 /// In the order of the program's help.
 constexpr void (*adders[])(CLI::App&) = {
-    AddInfo, AddPorts, AddPerformance, AddMaster, AddDump, AddConfig,
+    AddInfo,    AddPorts,     AddPerformance, AddMaster,   AddDump,   AddConfig,
+    AddAnomaly, AddBackplane, AddStimulus,    AddFirmware, AddTarget, AddCompliance,
 };
 
 } // namespace

@@ -8,12 +8,18 @@ class App;
 
 namespace busquill::cli::board {
 
+void AddAnomaly(CLI::App& program);
+void AddBackplane(CLI::App& program);
+void AddCompliance(CLI::App& program);
 void AddConfig(CLI::App& program);
 void AddDump(CLI::App& program);
+void AddFirmware(CLI::App& program);
 void AddInfo(CLI::App& program);
 void AddMaster(CLI::App& program);
 void AddPerformance(CLI::App& program);
 void AddPorts(CLI::App& program);
+void AddStimulus(CLI::App& program);
+void AddTarget(CLI::App& program);
 
 /// Adds all commands.
 void AddCommands(CLI::App& program);

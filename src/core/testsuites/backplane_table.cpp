@@ -504,7 +504,6 @@ static_assert(HaveOwnBits(p0Signals));
 constexpr const char* notDriven = "    Cannot drive signal";
 constexpr const char* shorted = "    %s SHORTED";
 constexpr const char* unnamedShorted = "    Bit %d SHORTED";
-constexpr const char* good = "    Ok";
 
 // In the bytes of BackplaneSignals, as a bit of the whole.
 constexpr std::size_t ReadBackBit(int bit) noexcept {
@@ -562,7 +561,7 @@ std::vector<std::string> EvaluateSignal(CheckTable table, int bit, const Backpla
                                            : Printf(shorted, std::string(row->text).c_str()));
     }
     if (lines.empty()) {
-        lines.emplace_back(good);
+        lines.emplace_back(backplaneGood);
     }
     return lines;
 }

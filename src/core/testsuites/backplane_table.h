@@ -30,6 +30,8 @@ using BackplaneSignals = std::array<std::uint8_t, 2 * backplaneBits / 8>;
 /// Drives one signal; without one, none.
 [[nodiscard]] BackplaneSignals DriveSignal(std::optional<int> bit) noexcept;
 
+/// The line of a signal that no other follows.
+inline constexpr std::string_view backplaneGood = "    Ok";
 /// The lines of the result list for a signal that was driven.
 [[nodiscard]] std::vector<std::string> EvaluateSignal(CheckTable table, int bit,
                                                       const BackplaneSignals& bytes);
