@@ -6,24 +6,23 @@
 
 namespace busquill {
 
-int GlyphHalf(const DrawStyle& style) noexcept {
-    constexpr int side = 6;
-    return style.Length(side) / 2;
+int GlyphSide(const DrawStyle& style) noexcept {
+    constexpr int pixels = 6;
+    return style.Length(pixels);
 }
 
-void DrawMarkerGlyph(QPainter& painter, const DrawStyle& style, int which, int x, int top,
+void DrawMarkerGlyph(QPainter& painter, const DrawStyle& style, int which, int x, int top, int side,
                      const QColor& color) {
-    const int half = GlyphHalf(style);
-    const int side = 2 * half;
+    const int left = x - side / 2;
     if (which == 0) {
-        painter.fillRect(x - half, top - style.line, side + 1, 2 * style.line, color);
+        painter.fillRect(left, top - style.line, side + 1, 2 * style.line, color);
         painter.fillRect(x, top, style.line, side, color);
     } else if (which == 1) {
-        painter.fillRect(x - half, top, side, side, color);
+        painter.fillRect(left, top, side, side, color);
     } else {
         painter.setPen(color);
         painter.setBrush(color);
-        painter.drawPolygon(QPolygon({{x, top}, {x - half, top + side}, {x + half, top + side}}));
+        painter.drawPolygon(QPolygon({{x, top}, {left, top + side}, {left + side, top + side}}));
     }
 }
 

@@ -27,8 +27,8 @@ void DrawPageFrame(QPainter& painter, const QRect& frame, int line) {
     painter.fillRect(frame.right() + 1 - line, frame.top(), line, frame.height(), black);
 }
 
-PageSize SheetOf(const QPrinter& printer, const QPainter& painter) {
-    return {painter.viewport().width(), painter.viewport().height(), IsLandscape(printer)};
+PageSize SheetOf(const QPrinter& printer) {
+    return {printer.width(), printer.height(), IsLandscape(printer)};
 }
 
 } // namespace
@@ -64,11 +64,11 @@ void DrawStatePage(QPainter& painter, const StatePages& pages, const StateFrame&
     DrawPageFrame(painter, pages.Frame(), line);
 }
 
-void PrintState(QPrinter& printer, const StateFrame& screen, const PrintJob& job) {
-    QPainter painter(&printer);
-    const StatePages pages = PagesOf(SheetOf(printer, painter), screen, job);
-    PrintPages(printer, painter, pages.count,
-               [&](int number) { DrawStatePage(painter, pages, screen, job, number); });
+PrintFailure PrintState(QPrinter& printer, const StateFrame& screen, const PrintJob& job) {
+    const StatePages pages = PagesOf(SheetOf(printer), screen, job);
+    return PrintPages(printer, pages.count, [&](QPainter& painter, int number) {
+        DrawStatePage(painter, pages, screen, job, number);
+    });
 }
 
 WavePages PagesOf(const PageSize& page, int dotsPerInch, const WaveFrame& screen,
@@ -109,11 +109,11 @@ void DrawWavePage(QPainter& painter, const WavePages& pages, const WaveFrame& sc
     DrawPageFrame(painter, pages.Frame(), frame.style.draw.line);
 }
 
-void PrintWaves(QPrinter& printer, const WaveFrame& screen, const PrintJob& job) {
-    QPainter painter(&printer);
-    const WavePages pages = PagesOf(SheetOf(printer, painter), printer.logicalDpiY(), screen, job);
-    PrintPages(printer, painter, pages.count,
-               [&](int number) { DrawWavePage(painter, pages, screen, job, number); });
+PrintFailure PrintWaves(QPrinter& printer, const WaveFrame& screen, const PrintJob& job) {
+    const WavePages pages = PagesOf(SheetOf(printer), printer.logicalDpiY(), screen, job);
+    return PrintPages(printer, pages.count, [&](QPainter& painter, int number) {
+        DrawWavePage(painter, pages, screen, job, number);
+    });
 }
 
 } // namespace busquill

@@ -28,12 +28,14 @@ struct PrintJob {
                                  const PrintJob& job);
 void DrawStatePage(QPainter& painter, const StatePages& pages, const StateFrame& screen,
                    const PrintJob& job, int number);
-void PrintState(QPrinter& printer, const StateFrame& screen, const PrintJob& job);
+[[nodiscard]] PrintFailure PrintState(QPrinter& printer, const StateFrame& screen,
+                                      const PrintJob& job);
 
 [[nodiscard]] WavePages PagesOf(const PageSize& page, int dotsPerInch, const WaveFrame& screen,
                                 const PrintJob& job);
 void DrawWavePage(QPainter& painter, const WavePages& pages, const WaveFrame& screen,
                   const PrintJob& job, int number);
-void PrintWaves(QPrinter& printer, const WaveFrame& screen, const PrintJob& job);
+[[nodiscard]] PrintFailure PrintWaves(QPrinter& printer, const WaveFrame& screen,
+                                      const PrintJob& job);
 
 } // namespace busquill

@@ -172,20 +172,21 @@ private:
     void DrawDelta(const QRect& cell, std::int64_t row, std::int64_t sample, const QColor& ink) {
         const auto marker = [&](int which) { return frame_.document.Marker(which, frame_.zoom); };
         const int cy = cell.top() + cell.height() / 2;
-        const int top = cy - GlyphHalf(style_);
+        const int half = GlyphSide(style_) / 2;
+        const int top = cy - half;
         const auto xAt = [&](int k) { return cell.left() + cell.width() * k / 6; };
         const bool isTrigger = marker(0) == sample;
         int k = 3;
         if (isTrigger) {
-            DrawMarkerGlyph(painter_, style_, 0, xAt(k), top, ink);
+            DrawMarkerGlyph(painter_, style_, 0, xAt(k), top, 2 * half, ink);
             k = 1;
         }
         if (marker(1) == sample) {
-            DrawMarkerGlyph(painter_, style_, 1, xAt(k), top, ink);
+            DrawMarkerGlyph(painter_, style_, 1, xAt(k), top, 2 * half, ink);
             k = isTrigger ? 5 : 1;
         }
         if (marker(2) == sample) {
-            DrawMarkerGlyph(painter_, style_, 2, xAt(k), top, ink);
+            DrawMarkerGlyph(painter_, style_, 2, xAt(k), top, 2 * half, ink);
         }
         const bool marked = isTrigger || marker(1) == sample || marker(2) == sample;
         if (!marked && marker(1) != -1 && marker(2) != -1) {

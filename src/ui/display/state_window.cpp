@@ -81,8 +81,8 @@ void CStateWnd::DrawFrame(QPainter& painter) {
     ReportMissing(DrawState(painter, Frame()));
 }
 
-void CStateWnd::Print(QPrinter& printer, const PrintJob& job) {
-    PrintState(printer, Frame(), job);
+PrintFailure CStateWnd::Print(QPrinter& printer, const PrintJob& job) {
+    return PrintState(printer, Frame(), job);
 }
 
 void CStateWnd::RenderNames() {

@@ -34,7 +34,7 @@ public:
         StepRows(forward ? VisibleRowCount() : -VisibleRowCount());
     }
     void MoveSamplesTo(int position) override;
-    void Print(QPrinter& printer, const PrintJob& job) override;
+    [[nodiscard]] PrintFailure Print(QPrinter& printer, const PrintJob& job) override;
 
 protected:
     void DrawFrame(QPainter& painter) override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/framework/display_colors.h"
+#include "ui/framework/printing.h"
 #include "ui/patterns/table_window.h"
 
 #include <cstdint>
@@ -49,7 +50,7 @@ public:
     virtual void MoveSamplesTo(int position) = 0;
 
     /// Prints samples as they are shown. The display is attached.
-    virtual void Print(QPrinter& printer, const PrintJob& job) = 0;
+    [[nodiscard]] virtual PrintFailure Print(QPrinter& printer, const PrintJob& job) = 0;
 
     /// Draws again what depends on the markers.
     virtual void RenderMarkers() { Render(); }

@@ -235,14 +235,15 @@ void CTraceView::Print(bool preview) {
     const CMDIChildWnd* const frame = CMDIChildWnd::FrameOf(*this);
     const QString title = frame == nullptr ? QString() : frame->windowTitle();
     const auto print = [&](QPrinter& printer) {
-        PrintTo(printer,
-                {dialog.First(), dialog.Last(), dialog.ScalesToPage(), {title, PrintTime()}});
+        return PrintTo(
+            printer, {dialog.First(), dialog.Last(), dialog.ScalesToPage(), {title, PrintTime()}});
     };
-    preview ? ShowPrintPreview(this, print) : AskAndPrint(this, print);
+    preview ? ShowPrintPreview(this, *parts_.prompts, print)
+            : AskAndPrint(this, *parts_.prompts, print);
 }
 
-void CTraceView::PrintTo(QPrinter& printer, const PrintJob& job) {
-    display_->Print(printer, job);
+PrintFailure CTraceView::PrintTo(QPrinter& printer, const PrintJob& job) {
+    return display_->Print(printer, job);
 }
 
 void CTraceView::OnInitialUpdate() {

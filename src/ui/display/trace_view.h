@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/framework/printing.h"
 #include "ui/framework/view.h"
 #include "ui/framework/wheel_turns.h"
 
@@ -79,7 +80,7 @@ public:
     /// Asks for a range of samples and prints it, or shows it in the preview.
     void Print(bool preview);
     /// Prints samples in the pages that the printer is set to.
-    void PrintTo(QPrinter& printer, const PrintJob& job);
+    [[nodiscard]] PrintFailure PrintTo(QPrinter& printer, const PrintJob& job);
 
     [[nodiscard]] QSize sizeHint() const override { return {830, 380}; }
     [[nodiscard]] QSize minimumSizeHint() const override { return {240, 120}; }

@@ -342,7 +342,7 @@ private:
         DrawSpan();
     }
 
-    [[nodiscard]] int GlyphTop() const { return headerLine_ / 2 - GlyphHalf(style_); }
+    [[nodiscard]] int GlyphTop() const { return headerLine_ / 2 - GlyphSide(style_) / 2; }
     [[nodiscard]] std::int64_t Mark(int which) const {
         return frame_.document.Marker(which, frame_.isZoom);
     }
@@ -370,7 +370,7 @@ private:
         if (x >= scale_.right - 1) {
             return;
         }
-        DrawMarkerGlyph(painter_, style_, which, x, GlyphTop(), line_);
+        DrawMarkerGlyph(painter_, style_, which, x, GlyphTop(), GlyphSide(style_), line_);
         VerticalLine(x, firstBand_, frame_.size.height() - 1,
                      style_.Color(ColorOf(frame_.colors.Mark(which))));
     }

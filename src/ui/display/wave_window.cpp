@@ -193,8 +193,8 @@ void CWaveformWnd::RenderWaves() {
     });
 }
 
-void CWaveformWnd::Print(QPrinter& printer, const PrintJob& job) {
-    PrintWaves(printer, Frame(), job);
+PrintFailure CWaveformWnd::Print(QPrinter& printer, const PrintJob& job) {
+    return PrintWaves(printer, Frame(), job);
 }
 
 void CWaveformWnd::RenderNames() {

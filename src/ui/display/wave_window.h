@@ -37,7 +37,7 @@ public:
     void StepSamples(bool forward) override;
     void PageSamples(bool forward) override;
     void MoveSamplesTo(int position) override;
-    void Print(QPrinter& printer, const PrintJob& job) override;
+    [[nodiscard]] PrintFailure Print(QPrinter& printer, const PrintJob& job) override;
     [[nodiscard]] BarState SignalBar() const override;
     void StepSignals(bool forward) override;
     void PageSignals(bool forward) override;

@@ -1,8 +1,11 @@
 #include "ui/framework/printing.h"
 
+#include "platform/prompts.h"
+#include "platform/text.h"
 #include "ui/framework/painting.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
@@ -20,6 +23,36 @@ namespace {
 
 constexpr int patience = 1000; // milliseconds before a job shows its progress
 
+PrintFailure StartFailure(const QPrinter& printer) {
+    const std::string file = printer.outputFileName().toStdString();
+    return file.empty()
+               ? Printf("Error opening printer %s.", printer.printerName().toStdString().c_str())
+               : Printf("Error creating file %s.", file.c_str());
+}
+
+/// The printer does not tell that its file is incomplete, as on a full disk; the file's end does.
+PrintFailure WriteFailure(const QPrinter& printer) {
+    if (printer.outputFormat() != QPrinter::PdfFormat || printer.outputFileName().isEmpty()) {
+        return std::nullopt;
+    }
+    constexpr qint64 mark = 8;
+    QFile file(printer.outputFileName());
+    if (file.open(QFile::ReadOnly) && file.seek(std::max<qint64>(file.size() - mark, 0)) &&
+        file.readAll().contains("%%EOF")) {
+        return std::nullopt;
+    }
+    return Printf("Error writing file %s.", printer.outputFileName().toStdString().c_str());
+}
+
+/// Ends a job that the user cancelled. A file cannot be aborted: what is in it is removed.
+void Abort(QPrinter& printer, QPainter& painter) {
+    const bool isAborted = printer.abort();
+    painter.end();
+    if (!isAborted && !printer.outputFileName().isEmpty()) {
+        QFile::remove(printer.outputFileName());
+    }
+}
+
 } // namespace
 
 void DrawPageStrips(QPainter& painter, const StripPlaces& places, const PageStrips& strips,
@@ -32,12 +65,18 @@ void DrawPageStrips(QPainter& painter, const StripPlaces& places, const PageStri
     painter.drawText(places.footer, Qt::AlignRight | Qt::AlignVCenter, strips.time);
 }
 
-void PrintPages(QPrinter& printer, QPainter& painter, std::int64_t count,
-                const std::function<void(int number)>& draw) {
+PrintFailure PrintPages(QPrinter& printer, std::int64_t count, const DrawPage& draw) {
     const int last =
         static_cast<int>(std::min<std::int64_t>(count, std::numeric_limits<int>::max()));
     const int from = std::max(1, printer.fromPage());
     const int to = printer.toPage() == 0 ? last : std::min(last, printer.toPage());
+    if (from > to) {
+        return Printf("There is no page %d, the last one is page %d.", from, last);
+    }
+    QPainter painter;
+    if (!painter.begin(&printer)) {
+        return StartFailure(printer);
+    }
     QProgressDialog progress("Printing...", "Cancel", from - 1, to, QApplication::activeWindow());
     progress.setWindowTitle("Print");
     progress.setWindowModality(Qt::WindowModal);
@@ -45,16 +84,18 @@ void PrintPages(QPrinter& printer, QPainter& painter, std::int64_t count,
     for (int number = from; number <= to; ++number) {
         progress.setValue(number - 1);
         if (progress.wasCanceled()) {
-            printer.abort();
-            return;
+            Abort(printer, painter);
+            return std::nullopt;
         }
         if (number > from) {
             printer.newPage();
         }
         painter.save();
-        draw(number);
+        draw(painter, number);
         painter.restore();
     }
+    painter.end();
+    return WriteFailure(printer);
 }
 
 QString PrintTime() {
@@ -70,19 +111,27 @@ bool IsLandscape(const QPrinter& printer) {
     return printer.pageLayout().orientation() == QPageLayout::Landscape;
 }
 
-void AskAndPrint(QWidget* parent, const PrintTo& print) {
+void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print) {
     QPrinter printer(QPrinter::HighResolution);
     QPrintDialog dialog(&printer, parent);
-    if (dialog.exec() == QDialog::Accepted) {
-        print(printer);
+    while (dialog.exec() == QDialog::Accepted) {
+        const PrintFailure failure = print(printer);
+        if (!failure) {
+            return;
+        }
+        prompts.Message(*failure);
     }
 }
 
-void ShowPrintPreview(QWidget* parent, const PrintTo& print) {
+void ShowPrintPreview(QWidget* parent, Prompts& prompts, const PrintTo& print) {
     QPrinter printer(QPrinter::HighResolution);
     QPrintPreviewDialog dialog(&printer, parent);
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
-                     [&print](QPrinter* preview) { print(*preview); });
+                     [&](QPrinter* preview) {
+                         if (const PrintFailure failure = print(*preview)) {
+                             prompts.Message(*failure);
+                         }
+                     });
     dialog.exec();
 }
 

@@ -6,12 +6,16 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 
 class QPainter;
 class QPrinter;
 class QWidget;
 
 namespace busquill {
+
+class Prompts;
 
 /// What stands on every page.
 struct PageStrips {
@@ -31,20 +35,25 @@ struct StripPlaces {
 void DrawPageStrips(QPainter& painter, const StripPlaces& places, const PageStrips& strips,
                     int number);
 
-/// Draws the pages from 1 to `count`, or those of them that the printer is set to. A long job can
-/// be cancelled. The painter is active on the printer.
-void PrintPages(QPrinter& printer, QPainter& painter, std::int64_t count,
-                const std::function<void(int number)>& draw);
+/// What kept the pages from being printed, as a message; nothing when they were printed or the user
+/// cancelled.
+using PrintFailure = std::optional<std::string>;
+
+using DrawPage = std::function<void(QPainter& painter, int number)>;
+
+/// Prints the pages from 1 to `count`, or those of them that the printer is set to. A long job can
+/// be cancelled; a file with a part of the pages is not left behind.
+[[nodiscard]] PrintFailure PrintPages(QPrinter& printer, std::int64_t count, const DrawPage& draw);
 
 /// The present time as the user's locale writes it.
 [[nodiscard]] QString PrintTime();
 [[nodiscard]] bool IsLandscape(const QPrinter& printer);
 
-using PrintTo = std::function<void(QPrinter& printer)>;
+using PrintTo = std::function<PrintFailure(QPrinter& printer)>;
 
-/// Asks for a printer and prints, unless the user cancels.
-void AskAndPrint(QWidget* parent, const PrintTo& print);
+/// Asks for a printer and prints, unless the user cancels. Asks again after a failure.
+void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print);
 /// Shows the pages in the preview, which can print them.
-void ShowPrintPreview(QWidget* parent, const PrintTo& print);
+void ShowPrintPreview(QWidget* parent, Prompts& prompts, const PrintTo& print);
 
 } // namespace busquill

@@ -95,11 +95,10 @@ CComplianceView::CComplianceView(Parts parts)
     for (int slot = 0; const auto& [text, act] : buttons) {
         AddButton(text, Form::SlotLeft(slot++), act);
     }
-    commands.On(CommandId::Print,
-                [this] { AskAndPrint(this, [this](QPrinter& printer) { PrintTo(printer); }); });
-    commands.On(CommandId::PrintPreview, [this] {
-        ShowPrintPreview(this, [this](QPrinter& printer) { PrintTo(printer); });
-    });
+    const auto print = [this](QPrinter& printer) { return PrintTo(printer); };
+    commands.On(CommandId::Print, [this, print] { AskAndPrint(this, prompts_, print); });
+    commands.On(CommandId::PrintPreview,
+                [this, print] { ShowPrintPreview(this, prompts_, print); });
     ShowDevice();
 }
 
@@ -194,9 +193,9 @@ void CComplianceView::Options() {
     }
 }
 
-void CComplianceView::PrintTo(QPrinter& printer) {
-    PrintReport(printer, document_.Results(),
-                {CMDIChildWnd::FrameOf(*this)->windowTitle(), PrintTime()});
+PrintFailure CComplianceView::PrintTo(QPrinter& printer) {
+    return PrintReport(printer, document_.Results(),
+                       {CMDIChildWnd::FrameOf(*this)->windowTitle(), PrintTime()});
 }
 
 void CComplianceView::ShowDevice() {

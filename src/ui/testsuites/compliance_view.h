@@ -3,6 +3,7 @@
 #include "testsuites/check_list.h"
 #include "testsuites/compliance_run.h"
 #include "ui/framework/form_view.h"
+#include "ui/framework/printing.h"
 
 #include <array>
 
@@ -40,7 +41,7 @@ public:
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override;
 
     /// Prints the report in the pages that the printer is set to.
-    void PrintTo(QPrinter& printer);
+    [[nodiscard]] PrintFailure PrintTo(QPrinter& printer);
 
 signals:
     void RunningChanged(bool running);

@@ -15,9 +15,8 @@ QRect RectOf(const PageArea& area) {
     return {area.left, area.top, area.width, area.height};
 }
 
-/// A font of a height on the painter's device.
-void SetFont(QPainter& painter, int height) {
-    painter.setFont(FontOfCellHeight(height, QFont::Normal, FontFace::Proportional));
+QFont BodyFont(const ReportGeometry& geometry) {
+    return FontOfCellHeight(geometry.bodyFont, QFont::Normal, FontFace::Proportional);
 }
 
 } // namespace
@@ -28,7 +27,7 @@ void DrawReportPage(QPainter& painter, const ReportGeometry& geometry, const Rep
                    {RectOf(geometry.header), RectOf(geometry.footer), geometry.headerFont,
                     geometry.footerFont},
                    strips, number);
-    SetFont(painter, geometry.bodyFont);
+    painter.setFont(BodyFont(geometry));
     for (const ReportItem& item : page) {
         painter.drawText(RectOf(geometry.IdPlace(item.line)), Qt::AlignLeft | Qt::AlignVCenter,
                          QString::fromStdString(item.label));
@@ -42,15 +41,12 @@ void DrawReportPage(QPainter& painter, const ReportGeometry& geometry, const Rep
     }
 }
 
-void PrintReport(QPrinter& printer, std::span<const CTestResult> results,
-                 const PageStrips& strips) {
-    QPainter painter(&printer);
-    const QRect area = painter.viewport();
-    const ReportGeometry geometry(area.width(), area.height(),
+PrintFailure PrintReport(QPrinter& printer, std::span<const CTestResult> results,
+                         const PageStrips& strips) {
+    const ReportGeometry geometry(printer.width(), printer.height(),
                                   IsLandscape(printer) ? PageOrientation::Landscape
                                                        : PageOrientation::Portrait);
-    SetFont(painter, geometry.bodyFont);
-    const QFontMetrics metrics = painter.fontMetrics();
+    const QFontMetrics metrics(BodyFont(geometry), &printer);
     std::vector<ReportPage> pages =
         ComposeReport(results, geometry, [&metrics](std::string_view text) {
             return metrics.horizontalAdvance(
@@ -59,10 +55,11 @@ void PrintReport(QPrinter& printer, std::span<const CTestResult> results,
     if (pages.empty()) {
         pages.emplace_back();
     }
-    PrintPages(printer, painter, static_cast<std::int64_t>(pages.size()), [&](int number) {
-        DrawReportPage(painter, geometry, pages[static_cast<std::size_t>(number) - 1], number,
-                       strips);
-    });
+    return PrintPages(
+        printer, static_cast<std::int64_t>(pages.size()), [&](QPainter& painter, int number) {
+            DrawReportPage(painter, geometry, pages[static_cast<std::size_t>(number) - 1], number,
+                           strips);
+        });
 }
 
 } // namespace busquill

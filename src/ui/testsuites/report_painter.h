@@ -15,6 +15,7 @@ void DrawReportPage(QPainter& painter, const ReportGeometry& geometry, const Rep
 
 /// Prints all pages of a report, or those that the printer is set to. A report without results has
 /// a page without tests.
-void PrintReport(QPrinter& printer, std::span<const CTestResult> results, const PageStrips& strips);
+[[nodiscard]] PrintFailure PrintReport(QPrinter& printer, std::span<const CTestResult> results,
+                                       const PageStrips& strips);
 
 } // namespace busquill

@@ -1,18 +1,23 @@
 // Printing captures through the program's windows.
 
 #include "capture/trace_document.h"
+#include "support/full_disk.h"
 #include "support/live_frame_fixture_qt.h"
 #include "ui/capture/print_trace_dialog.h"
 
 #include <QCheckBox>
+#include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
+#include <QProgressDialog>
+#include <QSpinBox>
 #include <gmock/gmock.h>
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 namespace busquill::test {
@@ -47,6 +52,20 @@ int PrintThrough(Fixture& fixture, const QString& entry,
     fixture.Choose(entry);
     EXPECT_TRUE(isAsked) << "Print Trace has not opened";
     return printed;
+}
+
+/// Chooses an entry and calls `answer` on the dialogs that it opens, as long as they are open.
+template <class Fixture>
+void ChooseAnswering(Fixture& fixture, const QString& entry,
+                     const std::function<void(QWidget&)>& answer) {
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            answer(*modal);
+        }
+    });
+    timer.start(5);
+    fixture.Choose(entry);
 }
 
 void PrintPdf(QPrintDialog& dialog, const std::string& path) {
@@ -118,6 +137,147 @@ TEST_F(Printing, CancellingEitherQuestionPrintsNothing) {
                   *this, "File/Print...", [](CPrintTraceDlg& dialog) { Give(dialog, "0", "0"); },
                   [](QPrintDialog& dialog) { dialog.reject(); }),
               1);
+}
+
+TEST_F(Printing, OpensByItsKey) {
+    Choose("File/New/Capture/State");
+    int opened = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        if (auto* dialog = qobject_cast<CPrintTraceDlg*>(QApplication::activeModalWidget())) {
+            ++opened;
+            dialog->reject();
+        }
+    });
+    timer.start(5);
+    Frame().activateWindow();
+    QTest::keyClick(Windows().front(), Qt::Key_P, Qt::ControlModifier);
+    EXPECT_EQ(opened, 1);
+}
+
+TEST_F(Printing, AFileThatCannotBeCreatedIsReportedAndAskedForAgain) {
+    Choose("File/New/Capture/State");
+    const std::string missing = dir.File("missing/listing.pdf");
+    const std::string path = dir.File("listing.pdf");
+    QString message;
+    QTimer boxes;
+    QObject::connect(&boxes, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            message = box->text();
+            box->accept();
+        }
+    });
+    boxes.start(5);
+    EXPECT_EQ(PrintThrough<QPrintDialog>(
+                  *this, "File/Print...", [](CPrintTraceDlg& dialog) { Give(dialog, "-5", "5"); },
+                  [&](QPrintDialog& dialog) {
+                      PrintPdf(dialog, missing);
+                      EXPECT_TRUE(message.contains(QString::fromStdString(missing)));
+                      EXPECT_TRUE(dialog.isVisible());
+                      PrintPdf(dialog, path);
+                  }),
+              1);
+    EXPECT_GT(PdfPages(path), 1) << "the same samples";
+}
+
+TEST_F(Printing, AFolderThatIsGoneWhenPrintingBeginsIsReported) {
+    Choose("File/New/Capture/State");
+    const std::string folder = dir.File("gone");
+    std::filesystem::create_directory(folder);
+    const std::string path = dir.File("listing.pdf");
+    bool isAsked = false;
+    int tries = 0;
+    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
+        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
+            isAsked = true;
+            Give(*ask, "-5", "5");
+        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
+            if (++tries == 1) {
+                QObject::connect(dialog, &QDialog::finished,
+                                 [&] { std::filesystem::remove_all(folder); });
+            }
+            PrintPdf(*dialog, tries == 1 ? folder + "/listing.pdf" : path);
+        }
+    });
+    EXPECT_EQ(tries, 2);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error creating file " + folder + "/listing.pdf."));
+    EXPECT_GT(PdfPages(path), 1) << "the same samples";
+}
+
+TEST_F(Printing, AFileThatDoesNotFitOnTheDiskIsReported) {
+    Choose("File/New/Capture/State");
+    const std::string path = dir.File("listing.pdf");
+    int tries = 0;
+    bool isAsked = false;
+    std::optional<FullDisk> full;
+    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
+        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
+            isAsked = true;
+            Give(*ask, "-5", "5");
+        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal); dialog != nullptr) {
+            full.reset();
+            if (++tries > 1) {
+                dialog->reject();
+                return;
+            }
+            full.emplace(3000);
+            PrintPdf(*dialog, path);
+        }
+    });
+    EXPECT_EQ(tries, 2);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error writing file " + path + "."));
+}
+
+TEST_F(Printing, APageThatThereIsNotIsReported) {
+    Choose("File/New/Capture/State");
+    const std::string path = dir.File("listing.pdf");
+    int tries = 0;
+    bool isAsked = false;
+    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
+        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
+            isAsked = true;
+            Tick(*ask, "Scale Width to Page");
+            Give(*ask, "0", "0");
+        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal); dialog != nullptr) {
+            if (++tries > 1) {
+                dialog->reject();
+                return;
+            }
+            dialog->findChild<QAbstractButton*>("printRange")->click();
+            dialog->findChild<QSpinBox*>("to")->setValue(7);
+            dialog->findChild<QSpinBox*>("from")->setValue(5);
+            PrintPdf(*dialog, path);
+        }
+    });
+    EXPECT_EQ(tries, 2);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("There is no page 5, the last one is page 1."));
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
+TEST_F(Printing, CancelDuringPrintingLeavesNoFile) {
+    Choose("File/New/Capture/State");
+    const std::string path = dir.File("listing.pdf");
+    bool isAsked = false;
+    bool isCancelled = false;
+    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
+        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
+            isAsked = true;
+            Press(*ask, "OK");
+        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
+            PrintPdf(*dialog, path);
+        } else if (auto* progress = qobject_cast<QProgressDialog*>(&modal);
+                   progress != nullptr && !isCancelled) {
+            isCancelled = true;
+            EXPECT_EQ(progress->windowTitle(), "Print");
+            EXPECT_GT(progress->maximum(), 1);
+            EXPECT_TRUE(std::filesystem::exists(path));
+            Press(*progress, "Cancel");
+        }
+    });
+    EXPECT_TRUE(isCancelled) << "the job was too short";
+    EXPECT_FALSE(std::filesystem::exists(path));
+    EXPECT_TRUE(prompts.Texts().empty());
+    EXPECT_GT(Previewed("0", "0"), 1) << "the next one is not affected";
 }
 
 TEST_F(Printing, ThePreviewHasThePagesOfTheRange) {
