@@ -9,6 +9,7 @@
 #include "cli/board/time_stamp.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/text.h"
 #include "testsuites/anomaly_document.h"
@@ -17,6 +18,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -39,8 +41,9 @@ public:
     void OnResultsCleared() override {}
     void OnFound(std::string_view check) override {
         const std::string time = TimeStamp(std::chrono::system_clock::now());
-        output.Print(isJson_ ? Printf(R"({"time": "%s", "number": %d, "text": %s})", time.c_str(),
-                                      document_.Results().back(), JsonText(check).c_str())
+        output.Print(isJson_ ? JsonLine({{"time", time},
+                                         {"number", document_.Results().back()},
+                                         {"text", JsonString(check)}})
                              : time + "  " + std::string(check));
         ++count;
     }

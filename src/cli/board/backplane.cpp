@@ -9,6 +9,7 @@
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "platform/text.h"
 #include "testsuites/backplane_document.h"
@@ -16,6 +17,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -51,7 +53,7 @@ public:
     void OnResult(const std::string& line) override {
         isFaulty_ = isFaulty_ || line != backplaneGood;
         if (isJson_) {
-            results_ += (results_.empty() ? "" : ", ") + JsonText(Trim(line));
+            results_.push_back(JsonString(Trim(line)));
         } else {
             output.Print(line);
         }
@@ -66,9 +68,8 @@ private:
     void End() {
         faults += isFaulty_ ? 1 : 0;
         if (!results_.empty()) {
-            output.Print(Printf(R"({"signal": %s, "ok": %s, "results": [%s]})",
-                                JsonText(signal_).c_str(), isFaulty_ ? "false" : "true",
-                                results_.c_str()));
+            output.Print(JsonLine(
+                {{"signal", JsonString(signal_)}, {"ok", !isFaulty_}, {"results", results_}}));
         }
         isFaulty_ = false;
         results_.clear();
@@ -76,7 +77,7 @@ private:
 
     const bool isJson_;
     std::string signal_;
-    std::string results_; // JSON
+    std::vector<std::string> results_; // for JSON
     bool isFaulty_ = false;
 };
 

@@ -3,6 +3,7 @@
 #include "cli/board/line_output.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
+#include "cli/json.h"
 #include "cli/name_list.h"
 #include "cli/output.h"
 #include "platform/near_names.h"
@@ -12,6 +13,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -182,8 +184,9 @@ void PrintTicked(LineOutput& output, const CheckTableDocument& document, bool as
             continue;
         }
         const std::string path = PathOf(check.groups);
-        output.Print(asJson ? Printf(R"({"number": %d, "group": %s, "text": %s})", check.number,
-                                     JsonText(path).c_str(), JsonText(check.text).c_str())
+        output.Print(asJson ? JsonLine({{"number", check.number},
+                                        {"group", JsonString(path)},
+                                        {"text", JsonString(check.text)}})
                             : Printf("%3d  %-*s  %s", check.number, static_cast<int>(width),
                                      path.c_str(), check.text.c_str()));
     }

@@ -8,6 +8,7 @@
 #include "cli/board/time_stamp.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
+#include "cli/json.h"
 #include "cli/output.h"
 #include "document/hex_fields.h"
 #include "exerciser/bus_address.h"
@@ -21,6 +22,7 @@
 #include <charconv>
 #include <cstdio>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 namespace busquill::cli::board {
 
@@ -71,20 +73,22 @@ public:
 
     void Begin(const DeviceIdentity& device, int function) {
         Add(isJson_
-                ? Printf(R"({"time": "%s", "vendorId": "%04x", "deviceId": "%04x", )"
-                         R"("function": %d, "address": "%s", "vendor": %s, "class": %s})",
-                         Now().c_str(), device.vendorId, device.deviceId, function,
-                         HexAddressText(device.address).c_str(),
-                         JsonText(device.vendorName).c_str(), JsonText(device.className).c_str())
+                ? JsonLine({{"time", Now()},
+                            {"vendorId", Printf("%04x", device.vendorId)},
+                            {"deviceId", Printf("%04x", device.deviceId)},
+                            {"function", function},
+                            {"address", HexAddressText(device.address)},
+                            {"vendor", JsonString(device.vendorName)},
+                            {"class", JsonString(device.className)}})
                 : Printf("%s  %s, %s [%s], function %d", Now().c_str(), device.className.c_str(),
                          device.vendorName.c_str(), IdText(IdOf(device)).c_str(), function));
     }
 
     void Add(const CTestResult& test) {
-        Add(isJson_ ? Printf(R"({"test": %s, "result": "%s", "failCode": %d, "title": %s})",
-                             JsonText(TestIdText(test.testId)).c_str(),
-                             std::string(OutcomeWord(test.result)).c_str(), test.failCode,
-                             JsonText(test.name).c_str())
+        Add(isJson_ ? JsonLine({{"test", TestIdText(test.testId)},
+                                {"result", OutcomeWord(test.result)},
+                                {"failCode", test.failCode},
+                                {"title", JsonString(test.name)}})
                     : Printf("%-7s %-10s %s", TestLabel(test).c_str(),
                              std::string(Trim(TestResultText(test))).c_str(), test.name.c_str()));
     }
@@ -97,8 +101,10 @@ public:
         const int passed = count(TestOutcome::Passed);
         const int failed = count(TestOutcome::Failed);
         const int skipped = count(TestOutcome::Skipped);
-        Add(isJson_ ? Printf(R"({"passed": %d, "failed": %d, "skipped": %d, "notRun": %zu})",
-                             passed, failed, skipped, missing)
+        Add(isJson_ ? JsonLine({{"passed", passed},
+                                {"failed", failed},
+                                {"skipped", skipped},
+                                {"notRun", missing}})
                     : Printf("%d passed, %d failed, %d skipped, %zu not run", passed, failed,
                              skipped, missing));
     }
