@@ -91,7 +91,7 @@ void CPerformanceView::SetValueDisplay(ValueDisplay display) {
 
 void CPerformanceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
     ShowRowTexts();
-    if (hint == 0) {
+    if (hint == CDocument::hintLoaded) {
         emit TypeShown(document_.Setup().type);
         SetUpGraphs();
         rangeGraph_->AddAll(document_.Results());
