@@ -5,6 +5,7 @@
 #include "performance/performance_document.h"
 #include "stimulus/stimulus_document.h"
 #include "support/board_line_fixture_qt.h"
+#include "support/contrast_qt.h"
 #include "support/pattern_grid_qt.h"
 #include "ui/controls/check_tree.h"
 #include "ui/controls/color_button.h"
@@ -12,6 +13,7 @@
 #include "ui/display/trace_view.h"
 #include "ui/exerciser/memory_list.h"
 #include "ui/framework/go_stop_child.h"
+#include "ui/framework/painting.h"
 #include "ui/framework/view.h"
 #include "ui/levels/level_panel.h"
 #include "ui/patterns/pattern_table.h"
@@ -77,6 +79,27 @@ protected:
         if (dynamic_cast<CTraceView*>(&view) == nullptr) {
             EXPECT_EQ(view.grab().toImage().pixelColor(3, view.height() - 3), QColor(1, 2, 3));
         }
+    }
+
+    void ChooseSet(const QString& name) {
+        ChooseDialog<CDisplayProperties>("Edit/Display/Colors", [&](CDisplayProperties& sheet) {
+            AnswerMenu([&] { QTest::mouseClick(&ButtonOf(sheet, "Color Sets"), Qt::LeftButton); },
+                       name);
+            Press(sheet, "OK");
+        });
+        QApplication::processEvents();
+    }
+    /// The contrast between the ground of a part of a widget, its first pixel, and what is drawn on
+    /// it.
+    static double ContrastIn(QWidget& widget, const QRect& part) {
+        const QImage image = widget.grab(part).toImage();
+        double best = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                best = std::max(best, Contrast(image.pixelColor(0, 0), image.pixelColor(x, y)));
+            }
+        }
+        return best;
     }
 
     CMDIChildWnd* window = nullptr;
@@ -298,6 +321,43 @@ TEST_F(ColorChange, TracesStayWhereTheyAre) {
         EXPECT_EQ(places(), before) << name;
         EXPECT_EQ(trace.Marker(1, view.IsZoom()), 20) << name;
     }
+}
+
+TEST_F(ColorChange, LevelsOfAStimulusCanBeReadInADarkForm) {
+    StartDemo();
+    Open("Exerciser/Stimulus");
+    ChooseSet("&Dark");
+    int labels = 0;
+    for (auto* label : Find<CLevelPanel>().findChildren<QLabel*>()) {
+        EXPECT_GE(ContrastIn(*Find<CLevelPanel>().widget(), label->geometry()), readable)
+            << label->text().toStdString();
+        ++labels;
+    }
+    EXPECT_GT(labels, 15);
+}
+
+TEST_F(ColorChange, TheAnalysisCanBeReadInADarkForm) {
+    StartDemo();
+    Open("Exerciser/Configuration");
+    ChooseSet("&Dark");
+    QWidget& text = *Find<CConfigAnalysisView>().widget();
+    const int pitch = text.fontMetrics().height();
+    EXPECT_GE(ContrastIn(Find<CConfigAnalysisView>(), {2, 2, 100, 2 * pitch}), readable);
+    // The titles of the boxes, above their frames.
+    EXPECT_GE(ContrastIn(Find<CConfigAnalysisView>(), {2, 5 * pitch - 3, 100, pitch}), readable);
+}
+
+TEST_F(ColorChange, ALineOfARowLooksLikeTheOneInTheGraph) {
+    StartDemo();
+    Open("Performance/Utilization");
+    ChooseSet("&Dark");
+    const QRect letter(32, 5, 20, 20); // with the margin of its label
+    EXPECT_GE(ContrastIn(View(), letter), readable);
+    const QRect sample(8, 5, 26, 20);
+    const QImage row = View().grab(sample).toImage();
+    EXPECT_EQ(row.pixelColor(13, 10), QColor(Qt::black)) << "the colour of row A";
+    EXPECT_EQ(row.pixelColor(13, 5), ColorOf(0xC0C0C0)) << "the ground of the graphs";
+    EXPECT_EQ(row.pixelColor(0, 5), ColorOf(0x303030));
 }
 
 } // namespace

@@ -366,6 +366,27 @@ TEST_F(DisplayProperties, ThePagesHaveTheirGroupsAndLabels) {
     });
 }
 
+TEST_F(DisplayProperties, InALargeSheetTheRowsStayTogether) {
+    for (const char* page : {"Markers", "Colors"}) {
+        Open(page, [&](CDisplayProperties& sheet) {
+            const auto heights = [&] {
+                QList<int> found;
+                for (const auto* group :
+                     sheet.findChild<QTabWidget*>()->currentWidget()->findChildren<QGroupBox*>()) {
+                    found << group->height();
+                }
+                return found;
+            };
+            sheet.resize(700, 700);
+            QApplication::processEvents();
+            const QList<int> before = heights();
+            sheet.resize(700, 900);
+            QApplication::processEvents();
+            EXPECT_EQ(heights(), before) << page;
+        });
+    }
+}
+
 TEST_F(DisplayProperties, TheMenuHasItsFiveEntries) {
     QStringList entries;
     for (const QAction* entry : Entry("Edit/Display").menu()->actions()) {
