@@ -223,7 +223,7 @@ void Exercise(Tour& tour, Program& program) {
     form.command = MasterWrite;
     form.dataValue = {0x42, 0x75, 0x73, 0x71, 0x75, 0x69, 0x6C, 0x6C};
     const auto go = [&] {
-        window->GetDocument().UpdateAllViews(nullptr);
+        window->GetDocument().UpdateAllViews(nullptr, CDocument::hintLoaded);
         window->findChild<QToolButton*>("Go")->click();
         WaitFor([&] { return window->RunState() == RunPicture::Stopped; }, 10000);
     };
@@ -279,7 +279,7 @@ void Stimulate(Tour& tour, Program& program) {
     SetCommand(document.Program().patterns, 1, "Mem Rd");
     SetCommand(control.events, 0, "I/O Wr");
     SetCommand(control.events, 1, "Cfg Rd");
-    document.UpdateAllViews(nullptr);
+    document.UpdateAllViews(nullptr, CDocument::hintLoaded);
     tour.Click(*window->findChild<QAbstractButton*>("Then2"), "stimulus-condition");
     window->findChild<QToolButton*>("Go")->click();
     tour.Picture(*window, "stimulus");

@@ -32,6 +32,9 @@ public:
     void AddView(DocumentView* view) { views_.push_back(view); }
     void RemoveView(DocumentView* view) { std::erase(views_, view); }
     [[nodiscard]] const std::vector<DocumentView*>& Views() const noexcept { return views_; }
+    /// The hint that the content is another one, as after a file was opened. With hint 0 a view is
+    /// drawn again and keeps all else. Documents may have hints of their own instead.
+    static constexpr int hintLoaded = 1;
     /// Calls OnUpdate on every view but the sender.
     void UpdateAllViews(DocumentView* sender, int hint = 0, const HintObject* object = nullptr);
 

@@ -44,7 +44,7 @@ void CMasterDoc::FollowBoard() {
     }
     ChangeFamily(form_, *family_, now);
     family_ = &now;
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CMasterDoc::BeginReading() {
@@ -81,7 +81,7 @@ void CMasterDoc::EndReading() {
         form_.command = CommandOf(*command, family);
     }
     values_.Apply("Repeat", form_.repeat);
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CMasterDoc::WriteRecords(RecordWriter& writer) const {

@@ -25,7 +25,7 @@ void CTargetDoc::FollowBoard() {
     }
     ChangeFamily(form_, *family_, now);
     family_ = &now;
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CTargetDoc::BeginReading() {
@@ -50,7 +50,7 @@ void CTargetDoc::EndReading() {
     if (family.addressModifier) {
         values_.Apply("AddressModifier", addressModifierBits, form_.addressModifier);
     }
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CTargetDoc::WriteRecords(RecordWriter& writer) const {

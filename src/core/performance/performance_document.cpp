@@ -56,7 +56,7 @@ CPerformanceDoc::CPerformanceDoc(std::function<BoardTraits()> board, Prompts& pr
 
 void CPerformanceDoc::SetType(std::int32_t type) {
     setup_.SetType(type);
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CPerformanceDoc::AddResults(std::span<const std::uint8_t, performanceResultBytes> bytes) {
@@ -161,7 +161,7 @@ void CPerformanceDoc::ReadResults(TextReader& file) {
 }
 
 void CPerformanceDoc::EndReading() {
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CPerformanceDoc::WriteRecords(RecordWriter& writer) const {

@@ -43,7 +43,7 @@ void CStimulusDoc::TakeRecord(const std::vector<std::string>& fields, TextReader
 void CStimulusDoc::EndReading() {
     program_.patterns.RebuildAfterRead();
     program_.control.events.RebuildAfterRead();
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
 }
 
 void CStimulusDoc::Refuse(const char* /*what*/, const std::string& /*found*/) {

@@ -19,9 +19,6 @@ public:
     [[nodiscard]] std::vector<std::string>& Results() noexcept { return results_; }
     [[nodiscard]] const std::vector<std::string>& Results() const noexcept { return results_; }
 
-    /// The hint with which the views are told of a file that was opened.
-    static constexpr int hintLoaded = 1;
-
 protected:
     void BeginReading() override;
     void TakeRecord(const std::vector<std::string>& fields, TextReader& file) override;

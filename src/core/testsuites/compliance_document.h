@@ -38,9 +38,6 @@ public:
     /// Whether the device is that of a file, and was not looked for since.
     bool loadedFromFile = false;
 
-    /// The hint with which the views are told of a file that was opened.
-    static constexpr int hintLoaded = 1;
-
 protected:
     void BeginReading() override;
     void TakeRecord(const std::vector<std::string>& fields, TextReader& file) override;

@@ -12,7 +12,7 @@ bool CConfigDoc::OnOpenDocument(const std::string& path) {
         prompts_.Message(Printf("Error opening file %s.", path.c_str()));
         return false;
     }
-    UpdateAllViews(nullptr);
+    UpdateAllViews(nullptr, hintLoaded);
     return true;
 }
 

@@ -72,8 +72,10 @@ void CDisplayName::Save() {
 }
 
 ColorSettingsPage::ColorSettingsPage(Settings& settings, std::function<void()> changed)
-    : settings_(settings), changed_(std::move(changed)) {
-    new QVBoxLayout(this);
+    : settings_(settings), changed_(std::move(changed)), groups_(new QVBoxLayout) {
+    auto* page = new QVBoxLayout(this);
+    page->addLayout(groups_);
+    page->addStretch(); // in a large sheet the groups stay at the top
 }
 
 void ColorSettingsPage::Load() {
@@ -99,7 +101,7 @@ void ColorSettingsPage::ShowSet(ColorSet set) {
 QGridLayout& ColorSettingsPage::AddGroup(const QString& title) {
     auto* group = new QGroupBox(title);
     group->setObjectName(title);
-    layout()->addWidget(group);
+    groups_->addWidget(group);
     auto* rows = new QGridLayout(group);
     rows->setColumnStretch(0, 1);
     return *rows;

@@ -12,6 +12,7 @@
 class QCheckBox;
 class QGridLayout;
 class QLineEdit;
+class QVBoxLayout;
 
 namespace busquill {
 
@@ -80,6 +81,7 @@ private:
 
     Settings& settings_;
     std::function<void()> changed_;
+    QVBoxLayout* groups_;
     std::vector<Field> fields_;
 };
 

@@ -44,7 +44,11 @@ BoardRun::Parts ExerciserView::RunParts() const {
     return {parts_.link, parts_.prompts, std::make_unique<WindowTimer>(nullptr, parts_.mainThread)};
 }
 
-void ExerciserView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) {
+void ExerciserView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
+    if (hint != CDocument::hintLoaded) {
+        update(); // what the user is doing in the fields goes on in other colours
+        return;
+    }
     ShowForm();
     LayOutAgain(); // other fields may show
 }

@@ -25,7 +25,7 @@ public:
         document->AddView(this);
     }
     /// Called once, when frame, view and document exist.
-    virtual void OnInitialUpdate() { OnUpdate(nullptr, 0, nullptr); }
+    virtual void OnInitialUpdate() { OnUpdate(nullptr, CDocument::hintLoaded, nullptr); }
     void OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) override {
         update();
     }

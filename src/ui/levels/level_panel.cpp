@@ -49,6 +49,7 @@ CLevelPanel::CLevelPanel(TraceSetup& setup, LevelForm form, Prompts& prompts)
     auto* panel = new QWidget;
     QPalette palette = panel->palette();
     palette.setColor(QPalette::Window, ColorOf(background));
+    palette.setColor(QPalette::WindowText, Qt::black); // a form's may be light
     panel->setPalette(palette);
     setPalette(palette);
     panel->setAutoFillBackground(true);

@@ -107,7 +107,7 @@ void CPerformanceChild::EditSetup(const std::string& nameToLoad) {
     if (dialog.exec() == QDialog::Accepted) {
         // What was measured belongs to the old setup.
         document_.ClearResults();
-        document_.UpdateAllViews(nullptr);
+        document_.UpdateAllViews(nullptr, CDocument::hintLoaded);
         if (view_->IsRunning()) {
             view_->Go();
         }

@@ -91,7 +91,7 @@ void CPerformanceView::SetValueDisplay(ValueDisplay display) {
 
 void CPerformanceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
     ShowRowTexts();
-    if (hint == 0) {
+    if (hint == CDocument::hintLoaded) {
         emit TypeShown(document_.Setup().type);
         SetUpGraphs();
         rangeGraph_->AddAll(document_.Results());
@@ -165,7 +165,8 @@ void CPerformanceView::LayOut() {
         QRect(QPoint(center + graphGap, graphTop), QPoint(width() - graphMargin - 1, bottom - 1)));
 }
 
-/// The letter of each row that is on, and the line that stands for it in the graphs.
+/// The letter of each row that is on, and the line that stands for it in the graphs, on their
+/// ground.
 void CPerformanceView::paintEvent(QPaintEvent* event) {
     CFormView::paintEvent(event);
     QPainter painter(this);
@@ -178,9 +179,11 @@ void CPerformanceView::paintEvent(QPaintEvent* event) {
         const QRect letter(label.left() - letterWidth - 4, label.top(), letterWidth, rowHeight);
         painter.setPen(palette().color(QPalette::WindowText));
         painter.drawText(letter, Qt::AlignCenter, QChar('A' + static_cast<char>(row)));
+        const QRect sample(letter.left() - 2 - sampleWidth, label.top(), sampleWidth, rowHeight);
+        painter.fillRect(sample, ScreenGraphStyle().background);
         painter.setPen(GraphPen(item.color, item.style, 2));
         const int y = label.center().y();
-        painter.drawLine(letter.left() - 2 - sampleWidth, y, letter.left() - 3, y);
+        painter.drawLine(sample.left(), y, sample.right(), y);
     }
 }
 

@@ -59,11 +59,14 @@ void CStimulusView::Stop() {
     run_.Stop();
 }
 
-void CStimulusView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) {
+void CStimulusView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
+    update();
+    if (hint != CDocument::hintLoaded) {
+        return; // the tables keep their places and the widths of their columns
+    }
     patterns_->SetList(document_.Program().patterns, ModeStimulus);
     events_->SetList(document_.Program().control.events, ModeEvents);
     levels_->Refresh();
-    update();
 }
 
 void CStimulusView::Load() {

@@ -22,7 +22,7 @@ CBackplaneTestView::CBackplaneTestView(CBackplaneTestDoc& document, Parts parts)
 
 void CBackplaneTestView::OnUpdate(DocumentView* /*sender*/, int hint,
                                   const HintObject* /*object*/) {
-    if (hint != CBackplaneTestDoc::hintLoaded) {
+    if (hint != CDocument::hintLoaded) {
         update(); // a run goes on in other colours
         return;
     }

@@ -119,7 +119,7 @@ void CComplianceView::OnInitialUpdate() {
 }
 
 void CComplianceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
-    if (hint != CComplianceDoc::hintLoaded) {
+    if (hint != CDocument::hintLoaded) {
         update(); // a run goes on in other colours
         return;
     }

@@ -2,6 +2,7 @@
 
 #include "ui/framework/painting.h"
 
+#include <QApplication>
 #include <QPainter>
 
 namespace busquill {
@@ -102,6 +103,13 @@ private:
 
 CConfigAnalysisView::CConfigAnalysisView(const CConfigSpaceData& device, QWidget* parent)
     : QScrollArea(parent), text_(new Text(device)) {
+    // Its ground is the program's, not the form's, and so are its texts.
+    QPalette own = palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        own.setColor(group, QPalette::WindowText,
+                     QApplication::palette().color(group, QPalette::WindowText));
+    }
+    setPalette(own);
     setWidget(text_);
     Refresh();
 }

@@ -63,17 +63,20 @@ void CConfigView::AddUpperButton(const QString& text, int slot, std::function<vo
     upperButtons_.back() = button;
 }
 
-void CConfigView::OnUpdate(DocumentView* /*sender*/, int /*hint*/, const HintObject* /*object*/) {
+void CConfigView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) {
+    update();
+    if (hint != CDocument::hintLoaded) {
+        return;
+    }
     address_->setText(
         QString::fromStdString(HexAddressText(document_.Device().Identity().address)));
     analysis_->Refresh();
     picture_->update();
-    update();
 }
 
 void CConfigView::Scan(ScanDirection direction) {
     if (ScanForDevice(link_, direction, document_.Device(), prompts_)) {
-        document_.UpdateAllViews(nullptr);
+        document_.UpdateAllViews(nullptr, CDocument::hintLoaded);
     }
 }
 

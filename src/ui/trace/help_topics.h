@@ -2,6 +2,6 @@
 
 namespace busquill::HelpTopic {
 
-enum : int { State = 26, Waveform = 28, TraceSetup = 30, SetupWizard = 31, Display = 32 };
+enum : int { State = 26, Waveform = 28, TraceSetup = 30, SetupWizard = 31, Display = 34 };
 
 } // namespace busquill::HelpTopic

@@ -1,3 +1,5 @@
+#include "platform/memory_settings.h"
+#include "support/contrast_qt.h"
 #include "support/recording_paint_device_qt.h"
 #include "support/trace_fixture_qt.h"
 #include "ui/display/state_geometry.h"
@@ -624,6 +626,32 @@ TEST_F(StatePainter, ColumnWidthsFitTitleAndDigits) {
     EXPECT_EQ(Column("COMMAND").width, width("COMMAND", 16)); // "DAC-Mem Wr & Inv"
     EXPECT_EQ(Column("IRDY").width, width("IRDY", 1));
     EXPECT_EQ(view->findChild<CStateWnd*>()->SampleColumnWidth(), 8 * digit);
+}
+
+TEST_F(StatePainter, InSetsThatAdaptTextsEachCanBeReadOnItsRow) {
+    Load(-4, 20);
+    AddDecoded("DELTA", 80);
+    constexpr std::uint32_t signalColors[] = {0x000000, 0x00FF00, 0xFF0000, 0x0000FF, 0xFFFFFF};
+    std::size_t next = 0;
+    for (const auto& signal : document->stateList.All()) {
+        signal->color = signalColors[next++ % std::size(signalColors)];
+    }
+    document->SetMarker(1, 5);
+    document->SetMarker(2, 7);
+    for (const ColorSet set : {ColorSet::Legible, ColorSet::Dark}) {
+        MemorySettings stored;
+        for (std::size_t i = 0; i < colorSettings; ++i) {
+            const auto which = static_cast<ColorSetting>(i);
+            WriteColorSetting(stored, which, ValueIn(set, which));
+        }
+        colors = LoadDisplayColors(stored, stateDisplay);
+        const Recording drawn = Record({1200, 200});
+        EXPECT_GT(drawn.texts.size(), 60U);
+        for (const auto& text : drawn.texts) {
+            EXPECT_GE(Contrast(text.color, drawn.ColorAt(text.visible.center())), readable)
+                << text.text.toStdString() << " at " << text.rect.y();
+        }
+    }
 }
 
 TEST(LoadDisplayColors, EachDisplayHasItsOwn) {

@@ -1,4 +1,6 @@
+#include "platform/memory_settings.h"
 #include "signals/value_text.h"
+#include "support/contrast_qt.h"
 #include "support/recording_paint_device_qt.h"
 #include "support/trace_fixture_qt.h"
 #include "ui/display/band_values.h"
@@ -737,6 +739,37 @@ TEST_F(WavePainter, RunsAgreeWithALoopOverEverySample) {
             }
         }
         EXPECT_GT(runs, 20) << name;
+    }
+}
+
+TEST_F(WavePainter, InSetsThatAdaptTextsEachCanBeReadOnItsBand) {
+    Open();
+    for (const std::uint32_t color : {0x000000U, 0x00FF00U, 0xFF0000U, 0x202020U}) {
+        AddBus(0, 3, true).color = color;
+        AddLine(4).color = color;
+    }
+    document->SetMarker(1, 20);
+    for (const ColorSet set : {ColorSet::Legible, ColorSet::Dark}) {
+        MemorySettings stored;
+        for (std::size_t i = 0; i < colorSettings; ++i) {
+            const auto which = static_cast<ColorSetting>(i);
+            WriteColorSetting(stored, which, ValueIn(set, which));
+        }
+        colors = LoadDisplayColors(stored, waveformDisplay);
+        const Recording drawn = Record();
+        EXPECT_GT(drawn.texts.size(), 16U);
+        for (const auto& text : drawn.texts) {
+            EXPECT_GE(Contrast(text.color, drawn.ColorAt(text.visible.center())), readable)
+                << text.text.toStdString() << " at " << text.rect.y();
+        }
+        std::size_t strokes = 0;
+        for (const auto& fill : drawn.fills) {
+            if (fill.visible.left() > left && std::min(fill.rect.width(), fill.rect.height()) < 3) {
+                EXPECT_GE(Contrast(fill.color, ColorOf(colors.background)), 3);
+                ++strokes;
+            }
+        }
+        EXPECT_GT(strokes, 50U);
     }
 }
 

@@ -1,28 +1,15 @@
 #include "platform/memory_settings.h"
+#include "support/contrast_qt.h"
 #include "ui/framework/display_colors.h"
 #include "ui/framework/painting.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-
 namespace busquill::test {
 namespace {
 
-double Linear(int part) {
-    const double value = part / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-}
-
 double Contrast(std::uint32_t a, std::uint32_t b) {
-    const auto luminance = [](std::uint32_t color) { // 0x00BBGGRR
-        return 0.2126 * Linear(static_cast<int>(color & 0xFF)) +
-               0.7152 * Linear(static_cast<int>(color >> 8 & 0xFF)) +
-               0.0722 * Linear(static_cast<int>(color >> 16 & 0xFF));
-    };
-    const auto [dark, light] = std::minmax({luminance(a), luminance(b)});
-    return (light + 0.05) / (dark + 0.05);
+    return test::Contrast(ColorOf(a), ColorOf(b));
 }
 
 void StoreSet(Settings& settings, ColorSet set) {
@@ -50,7 +37,8 @@ TEST(LegibleOn, KeepsTheHue) {
 TEST(LegibleOn, CanBeReadOnAnyGround) {
     for (std::uint32_t ground = 0; ground < 0x1000000; ground += 0x0B0705) {
         for (const std::uint32_t color : {0U, 0xFFU, 0xFF00U, 0xFF0000U, 0xFFFFFFU, ground}) {
-            EXPECT_GE(Contrast(ground, LegibleOn(ground, color)), 4.5) << ground << " " << color;
+            EXPECT_GE(Contrast(ground, LegibleOn(ground, color)), readable)
+                << ground << " " << color;
         }
     }
 }
@@ -63,7 +51,7 @@ TEST(ColorSets, EverySignalCanBeReadOnEveryRow) {
             const DisplayColors colors = LoadDisplayColors(settings, display);
             for (const std::uint32_t ground : {colors.background, colors.alternate}) {
                 for (const std::uint32_t color : signalColors) {
-                    EXPECT_GE(Contrast(ground, colors.Ink(color, ground)), 4.5);
+                    EXPECT_GE(Contrast(ground, colors.Ink(color, ground)), readable);
                 }
             }
             EXPECT_NE(colors.background, colors.alternate);
@@ -73,7 +61,7 @@ TEST(ColorSets, EverySignalCanBeReadOnEveryRow) {
         for (int which = 0; which < 3; ++which) {
             for (const std::uint32_t color : signalColors) {
                 EXPECT_GE(Contrast(listing.Mark(which), listing.Ink(color, listing.Mark(which))),
-                          4.5);
+                          readable);
             }
             EXPECT_GE(Contrast(waves.background, waves.Mark(which)), 3) << "a line on its ground";
         }
@@ -108,7 +96,7 @@ TEST(ColorSets, FormsOfTheDarkSetHaveLightTextEvenWhereDisabled) {
     usual.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x80));
     const QPalette palette = FormPalette(settings, usual);
     const std::uint32_t ground = NumberOf(ViewBackground(settings));
-    EXPECT_GE(Contrast(ground, NumberOf(palette.color(QPalette::WindowText))), 4.5);
+    EXPECT_GE(Contrast(ground, NumberOf(palette.color(QPalette::WindowText))), readable);
     const QColor disabled = palette.color(QPalette::Disabled, QPalette::WindowText);
     EXPECT_GE(Contrast(ground, NumberOf(disabled)), 2.5);
     EXPECT_NE(disabled, palette.color(QPalette::WindowText));

@@ -11,6 +11,8 @@
 
 #include <QCheckBox>
 #include <QColorDialog>
+#include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabBar>
@@ -297,6 +299,103 @@ TEST_F(DisplayProperties, ByKeysAlone) {
     EXPECT_EQ(Value("StateTriggerColor"), 0x070809);
 }
 
+TEST_F(DisplayProperties, MnemonicsReachTheButtons) {
+    Open("Markers", [&](CDisplayProperties& sheet) {
+        Choose(Button(sheet, "State Trigger"), QColor(9, 8, 7));
+        sheet.activateWindow();
+        QApplication::processEvents();
+        QTest::keyClick(&sheet, Qt::Key_A, Qt::AltModifier);
+        // A mnemonic shows its button pressed for a moment before it clicks.
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !ButtonOf(sheet, "Apply").isEnabled(); }, 5000));
+        EXPECT_EQ(Value("StateTriggerColor"), 0x070809);
+        EXPECT_TRUE(sheet.isVisible());
+        EXPECT_EQ(AnswerMenu([&] { QTest::keyClick(&sheet, Qt::Key_S, Qt::AltModifier); }),
+                  QStringList({"&Standard", "&Legible", "&Dark"}));
+    });
+}
+
+TEST_F(DisplayProperties, TheColorThatKeysWouldChangeIsMarked) {
+    Open("Markers", [&](CDisplayProperties& sheet) {
+        sheet.activateWindow();
+        ColorButton& button = Button(sheet, "State Marker 1");
+        const QImage plain = button.grab().toImage();
+        Button(sheet, "State Trigger").setFocus();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        ASSERT_EQ(QApplication::focusWidget(), &button);
+        const QImage marked = button.grab().toImage();
+        EXPECT_NE(marked, plain);
+        const QRect color = marked.rect().adjusted(5, 5, -5, -5);
+        EXPECT_EQ(marked.copy(color), plain.copy(color)) << "the colour itself stays as it is";
+        QTest::keyClick(&button, Qt::Key_Tab);
+        EXPECT_EQ(button.grab().toImage(), plain);
+    });
+}
+
+TEST_F(DisplayProperties, ThePagesHaveTheirGroupsAndLabels) {
+    Open("Name", [&](CDisplayProperties& sheet) {
+        const auto* tabs = sheet.findChild<QTabWidget*>();
+        // Texts from the top down; a label without one has a picture.
+        const auto texts = [&](int page) {
+            QStringList found;
+            for (const auto* each : tabs->widget(page)->findChildren<QWidget*>()) {
+                if (const auto* group = qobject_cast<const QGroupBox*>(each)) {
+                    found << "[" + group->title() + "]";
+                } else if (const auto* label = qobject_cast<const QLabel*>(each)) {
+                    found << (label->pixmap().isNull() ? label->text() : QString("picture"));
+                } else if (const auto* box = qobject_cast<const QCheckBox*>(each)) {
+                    found << box->text();
+                } else if (qobject_cast<const ColorButton*>(each) != nullptr) {
+                    found << "color";
+                }
+            }
+            return found;
+        };
+        EXPECT_TRUE(texts(0).contains("Name"));
+        EXPECT_EQ(texts(1).count("[State]"), 1);
+        EXPECT_EQ(texts(1).count("[Waveform]"), 1);
+        EXPECT_EQ(texts(1).count("Trigger"), 2);
+        EXPECT_EQ(texts(1).count("Marker"), 4);
+        EXPECT_EQ(texts(1).count("picture"), 4);
+        EXPECT_EQ(texts(1).count("color"), 6);
+        EXPECT_TRUE(tabs->widget(2)->children().isEmpty());
+        EXPECT_TRUE(tabs->widget(3)->children().isEmpty());
+        EXPECT_EQ(texts(4).count("[Other Windows]"), 1);
+        EXPECT_EQ(texts(4).count("Background"), 3);
+        EXPECT_EQ(texts(4).count("Alternate With:"), 2);
+        EXPECT_EQ(texts(4).count("color"), 5);
+    });
+}
+
+TEST_F(DisplayProperties, InALargeSheetTheRowsStayTogether) {
+    for (const char* page : {"Markers", "Colors"}) {
+        Open(page, [&](CDisplayProperties& sheet) {
+            const auto heights = [&] {
+                QList<int> found;
+                for (const auto* group :
+                     sheet.findChild<QTabWidget*>()->currentWidget()->findChildren<QGroupBox*>()) {
+                    found << group->height();
+                }
+                return found;
+            };
+            sheet.resize(700, 700);
+            QApplication::processEvents();
+            const QList<int> before = heights();
+            sheet.resize(700, 900);
+            QApplication::processEvents();
+            EXPECT_EQ(heights(), before) << page;
+        });
+    }
+}
+
+TEST_F(DisplayProperties, TheMenuHasItsFiveEntries) {
+    QStringList entries;
+    for (const QAction* entry : Entry("Edit/Display").menu()->actions()) {
+        entries << entry->text();
+    }
+    EXPECT_EQ(entries, QStringList({"&Name", "&Markers", "&Grid", "&Scale", "&Colors"}));
+    EXPECT_EQ(Entry("Edit/Display").text(), "&Display");
+}
+
 TEST_F(DisplayProperties, AButtonShowsItsColorInsideItsEdge) {
     Open("Markers", [&](CDisplayProperties& sheet) {
         ColorButton& button = Button(sheet, "State Trigger");
@@ -535,7 +634,8 @@ TEST_F(DisplayProperties, TheDarkSetHasLightTextInTracesAndForms) {
 TEST_F(DisplayProperties, EveryFunctionsWindowFollows) {
     const char* const entries[] = {
         "Performance/Utilization", "Exerciser/Master", "Exerciser/Configuration",
-        "Exerciser/Stimulus",      "Target",           "Compliance Tests"};
+        "Exerciser/Stimulus",      "Target",           "Compliance Tests",
+        "Anomaly Detection",       "Backplane Test"};
     for (const char* entry : entries) {
         Choose(QString("File/New/") + entry);
     }

@@ -57,7 +57,7 @@ TEST_F(BackplaneWindow, OfResultsThatAreShownAgainTheFirstIsSelected) {
     for (int i = 0; i < 100; ++i) {
         Backplane().Results().push_back("line " + std::to_string(i));
     }
-    Backplane().UpdateAllViews(nullptr);
+    Backplane().UpdateAllViews(nullptr, CDocument::hintLoaded);
     EXPECT_EQ(List().currentRow(), 0);
     EXPECT_EQ(List().verticalScrollBar()->value(), 0);
 }
