@@ -24,8 +24,6 @@ using std::chrono::milliseconds;
 using Time = std::chrono::steady_clock;
 
 constexpr milliseconds lookEvery(50);
-/// A silent board is given up after this time, which is longer than all tries of a command.
-constexpr std::chrono::seconds patience(30);
 
 constexpr const char* boardIsLost = "the board does not answer any more; nothing has been fetched";
 

@@ -19,6 +19,9 @@
 
 namespace busquill::cli {
 
+/// A silent board is given up after this time, which is longer than all tries of a command.
+constexpr std::chrono::seconds patience(30);
+
 /// The options that say which board.
 struct PortOptions {
     std::string port; // "COM1" to "COM8", "USB", or the path of a terminal device

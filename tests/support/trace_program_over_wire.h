@@ -1,16 +1,14 @@
 #pragma once
 
 #include "boardsim/traffic.h"
-#include "support/board_process.h"
 #include "support/paths.h"
+#include "support/program_over_wire.h"
 #include "support/temp_dir.h"
-#include "support/trace_program.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -45,24 +43,18 @@ struct TraceRows {
     return rows;
 }
 
-/// busquill-trace and the simulated board as two processes on the ends of a pseudo terminal.
-class TraceProgram : public testing::Test {
+/// busquill-trace and the simulated board.
+class TraceProgram : public ProgramOverWire {
 protected:
-    void StartBoard(std::vector<std::string> options = {}) {
-        options.insert(options.begin(), {"--baud", "9600"}); // the first rate that is probed
-        board = std::make_unique<BoardProcess>(std::move(options));
-        ASSERT_FALSE(board->Terminal().empty());
-    }
-    ProgramRun Run(std::vector<std::string> arguments, ProgramInput input = {}) const {
-        arguments.insert(arguments.begin() + 1, {"--port", board->Terminal(), "--baud", "9600"});
+    ProgramRun Run(const std::vector<std::string>& arguments, ProgramInput input = {}) const {
         input.temporaryFolder = temporary.Path();
-        return RunTrace(arguments, input);
+        return RunTrace(OnBoard(arguments), input);
     }
     /// A capture into `target`.
     ProgramRun Capture(const std::string& setup, std::vector<std::string> more = {},
                        ProgramInput input = {}) const {
         more.insert(more.begin(), {"capture", "--setup", setup, "-o", target});
-        return Run(std::move(more), std::move(input));
+        return Run(more, std::move(input));
     }
     /// A copy of data/MemoryWrite.tsp in which the text `old` is replaced.
     std::string Setup(const std::string& name, const std::string& old = "",
@@ -97,18 +89,9 @@ protected:
         std::ranges::sort(names);
         return names;
     }
-    /// The number of logged functions whose line contains `words`.
-    [[nodiscard]] std::ptrdiff_t Asked(const std::string& words) const {
-        const auto functions = board->Functions();
-        return std::ranges::count_if(functions, [&](const std::string& line) {
-            return line.find(words) != std::string::npos;
-        });
-    }
 
-    std::unique_ptr<BoardProcess> board;
     TempDir setups;
-    TempDir temporary; // for the temporary files of the program
-    TempDir folder;    // for the captures
+    TempDir folder; // for the captures
     std::string target = folder.File("out.tra");
     const std::string memoryWrite = SourceFile("data/MemoryWrite.tsp");
 };

@@ -13,8 +13,6 @@ namespace busquill::cli::board {
 
 namespace {
 
-/// Longer than all tries of a command.
-constexpr Milliseconds patience = std::chrono::seconds(30);
 /// After an interrupt; an answer that comes takes no longer.
 constexpr Milliseconds patienceOnceInterrupted = std::chrono::seconds(5);
 

@@ -18,9 +18,6 @@ namespace busquill::cli::board {
 
 namespace {
 
-/// For one record; longer than all tries of a command.
-constexpr Milliseconds patience = std::chrono::seconds(30);
-
 struct FirmwareOptions {
     BoardOptions board;
     std::string file;

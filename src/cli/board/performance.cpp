@@ -28,9 +28,6 @@ namespace busquill::cli::board {
 
 namespace {
 
-/// Longer than all tries of a reading.
-constexpr Milliseconds patience = std::chrono::seconds(30);
-
 struct PerformanceOptions {
     BoardOptions board;
     std::string type;
@@ -213,7 +210,7 @@ private:
     /// False when the board does not answer any more.
     bool Follow() {
         const Milliseconds interval(document_.Setup().updateInterval);
-        const Milliseconds longest = std::max(patience, 3 * interval);
+        const Milliseconds longest = std::max<Milliseconds>(patience, 3 * interval);
         auto heard = BoardSession::Time::now();
         while (table_.Output().IsOpen() && (count_ == 0 || Count() < count_)) {
             const WaitEnd end = session_.WaitUntil([&] {

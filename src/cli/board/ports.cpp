@@ -22,8 +22,8 @@ namespace busquill::cli::board {
 namespace {
 
 constexpr int comPorts = 8;
-/// All tries of a read take fifteen.
-constexpr std::chrono::seconds patience(20);
+/// For the identity; all tries of a read take fifteen seconds.
+constexpr std::chrono::seconds longestProbe(20);
 
 struct PortsOptions {
     BoardOptions board; // without a port: those of this machine
@@ -86,7 +86,7 @@ Answering LookBehind(const PortSetting& port) {
         return {false, {}, OpenFailure(port, openError).substr(port.Label().size() + 1)};
     }
     link.ReadIdentity();
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + longestProbe;
     while (!link.IsIdle() && std::chrono::steady_clock::now() < end) {
         if (Interrupted()) {
             Fail("interrupted");

@@ -29,8 +29,8 @@ std::vector<CheckRow> RowsOf(CheckTable table) {
 } // namespace
 
 CCheckSuiteView::CCheckSuiteView(CheckTableDocument& document, Parts parts, Words words)
-    : CFormView(parts.settings), document_(document), parts_(std::move(parts)), words_(std::move(words)),
-      tree_(new CCheckTree(this)), results_(new QListWidget(this)) {
+    : CFormView(parts.settings), document_(document), parts_(std::move(parts)),
+      words_(std::move(words)), tree_(new CCheckTree(this)), results_(new QListWidget(this)) {
     tree_->SetRows(RowsOf(document.Table()));
     tree_->setAccessibleName(words_.checklistTitle);
     results_->setAccessibleName("Test Results");
