@@ -24,10 +24,10 @@ struct ProgramInput {
     std::function<void()> meanwhile = {}; // called repeatedly while it runs
     /// Called repeatedly while it runs; the first time that it returns true, an interrupt is sent.
     std::function<bool()> interruptWhen = {};
-    std::size_t memoryBytes = 0; // limit of its address space; 0: none
-    std::size_t diskBytes = 0;   // limit of a file's size, as on a full disk; 0: none
+    std::size_t memoryBytes = 0;    // limit of its address space; 0: none
+    std::size_t diskBytes = 0;      // limit of a file's size, as on a full disk; 0: none
     std::chrono::seconds limit{60}; // after which it is killed
-    std::size_t readAtMost = 0;  // of its standard output, which is then closed; 0: all
+    std::size_t readAtMost = 0;     // of its standard output, which is then closed; 0: all
 };
 
 /// Runs busquill-trace as a separate process.
@@ -36,5 +36,9 @@ struct ProgramInput {
 /// The same for busquill-board.
 [[nodiscard]] ProgramRun RunBoard(const std::vector<std::string>& arguments,
                                   const ProgramInput& input = {});
+/// Runs a program that the system has, by its path.
+[[nodiscard]] ProgramRun RunSystemProgram(const std::string& program,
+                                          const std::vector<std::string>& arguments,
+                                          const ProgramInput& input = {});
 
 } // namespace busquill::test
