@@ -21,17 +21,19 @@ std::string PageOf(const std::string& program, const std::string& name) {
 
 class BashCompletion : public testing::Test {
 protected:
-    /// The completions of the last of some words. The words are split as bash does it: "=" and ":"
-    /// are separate words.
+    /// The completions of the last of some words, of which the first is the program. The words are
+    /// split as bash does it: "=" and ":" are separate words.
     std::vector<std::string> Offered(const std::vector<std::string>& words) const {
-        const std::string program = TraceProgramPath();
+        const bool isTrace = words.front() == "busquill-trace";
+        const std::string program = isTrace ? TraceProgramPath() : BoardProgramPath();
+        const std::string function = isTrace ? "_busquill_trace" : "_busquill_board";
         std::string script = "PATH=" + program.substr(0, program.rfind('/')) + ":$PATH\nsource '" +
-                             PageOf(program, "busquill-trace.bash") + "'\nCOMP_WORDS=(";
+                             PageOf(program, words.front() + ".bash") + "'\nCOMP_WORDS=(";
         for (const std::string& word : words) {
             script += "'" + word + "' ";
         }
-        script += ")\nCOMP_CWORD=" + std::to_string(words.size() - 1) +
-                  "\n_busquill_trace\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n";
+        script += ")\nCOMP_CWORD=" + std::to_string(words.size() - 1) + "\n" + function +
+                  "\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n";
         dir.Write("script", script);
         EXPECT_EQ(std::system(("cd '" + dir.Path() + "' && bash script >offered 2>&1").c_str()), 0);
         std::istringstream lines(ReadWholeFile(dir.File("offered")));
@@ -107,15 +109,35 @@ TEST_F(BashCompletion, OffersFilesWithTheEndingThatTheirPlaceTakes) {
     EXPECT_THAT(Offered({"busquill-trace", "board", ""}), IsEmpty());
 }
 
+TEST_F(BashCompletion, OffersWhatTheBoardsFunctionsTake) {
+    for (const char* name : {"a.mst", "b.bpt", "c.psu"}) {
+        dir.Write(name, "");
+    }
+    EXPECT_THAT(Offered({"busquill-board", "ba"}), ElementsAre("backplane"));
+    EXPECT_THAT(Offered({"busquill-board", "compliance", "--no"}), ElementsAre("--no-operator"));
+    EXPECT_THAT(Offered({"busquill-board", "info", "--port", "COM8"}), ElementsAre("COM8"));
+    EXPECT_THAT(Offered({"busquill-board", "backplane", "--sensitivity", "=", "h"}),
+                ElementsAre("high"));
+    EXPECT_THAT(Offered({"busquill-board", "performance", "la"}), ElementsAre("latency"));
+    EXPECT_THAT(Offered({"busquill-board", "performance", "latency", ""}), ElementsAre("c.psu"));
+    EXPECT_THAT(Offered({"busquill-board", "master", ""}), ElementsAre("a.mst"));
+    EXPECT_THAT(Offered({"busquill-board", "backplane", "--port", "COM1", ""}),
+                ElementsAre("b.bpt"));
+    EXPECT_THAT(Offered({"busquill-board", "ports", ""}), IsEmpty());
+}
+
 /// The completions of zsh and fish are sourced, and asked as those shells allow it.
 TEST(ShellCompletion, ZshAndFishAcceptTheirs) {
     const std::string program = TraceProgramPath();
-    const auto accepts = [&](const std::string& shell, const std::string& page) {
+    const auto accepts = [](const std::string& of, const std::string& shell,
+                            const std::string& page) {
         return std::system((shell + " -c '' 2>/dev/null").c_str()) != 0 ||
-               std::system((shell + " -n '" + PageOf(program, page) + "'").c_str()) == 0;
+               std::system((shell + " -n '" + PageOf(of, page) + "'").c_str()) == 0;
     };
-    EXPECT_TRUE(accepts("zsh", "_busquill-trace"));
-    EXPECT_TRUE(accepts("fish", "busquill-trace.fish"));
+    EXPECT_TRUE(accepts(program, "zsh", "_busquill-trace"));
+    EXPECT_TRUE(accepts(program, "fish", "busquill-trace.fish"));
+    EXPECT_TRUE(accepts(BoardProgramPath(), "zsh", "_busquill-board"));
+    EXPECT_TRUE(accepts(BoardProgramPath(), "fish", "busquill-board.fish"));
     const TempDir dir;
     dir.Write("a.tra", "");
     dir.Write("c.txt", "");

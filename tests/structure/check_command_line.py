@@ -3,7 +3,7 @@
 command and describe each option, and the chapter of the manual must name all of them and no others.
 What the page says of the commands' options is filled in when it is made.
 
-    check_command_line.py PROGRAM REPOSITORY PAGE    exits 1 and prints what is wrong, if anything is
+    check_command_line.py PROGRAM CHAPTER PAGE    exits 1 and prints what is wrong, if anything is
 """
 
 import re
@@ -27,13 +27,16 @@ def commands_of(program):
             for name in names}
 
 
+def section(text, name):
+    """The part of a man page under a heading."""
+    return re.search(rf"^\.SH {name}\n(.*?)(?=^\.SH |\Z)", text, re.MULTILINE | re.DOTALL).group(1)
+
+
 def man_page(text):
     """The commands with a section, and the options with a heading."""
     text = re.sub(r"\\f[BIR]", "", text.replace("\\-", "-"))
-    body = text[text.index(".SH COMMANDS"):text.index(".SH PATTERNS")]
-    described = text[text.index(".SH OPTIONS"):text.index(".SH FILES")]
-    tags = re.findall(r"^\.TP\n(.*)$", described, re.MULTILINE)
-    return (set(re.findall(r"^\.SS (\w+)\n\.B .*\b\1$", body, re.MULTILINE)),
+    tags = re.findall(r"^\.TP\n(.*)$", section(text, "OPTIONS"), re.MULTILINE)
+    return (set(re.findall(r"^\.SS (\w+)\n\.B .*\b\1$", section(text, "COMMANDS"), re.MULTILINE)),
             {option for tag in tags for option in OPTION.findall(tag)[:1]})
 
 
@@ -51,7 +54,7 @@ def differences(where, expected, found, what):
 
 
 def main():
-    program, repository, page = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3])
+    program, chapter, page = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3])
     commands = commands_of(program)
     if not commands:
         raise SystemExit("the program names no commands")
@@ -61,7 +64,7 @@ def main():
     complaints = differences("man page", set(commands), sections, "the command ")
     complaints += differences("man page, OPTIONS", options, described, "--")
 
-    headings, named = manual((repository / "docs" / "manual" / "command-line.md").read_text())
+    headings, named = manual(chapter.read_text())
     complaints += [f"manual: lacks a heading for {name}" for name in sorted(set(commands) - headings)]
     complaints += differences("manual", options, named, "--")
 

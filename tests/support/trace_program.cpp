@@ -52,6 +52,7 @@ struct Pipe {
     ::dup2(out.ends[1], STDOUT_FILENO);
     ::dup2(err.ends[1], STDERR_FILENO);
     std::signal(SIGPIPE, SIG_DFL);
+    std::signal(SIGINT, SIG_DFL); // ignored where the tests run in the background
     if (input.diskBytes != 0) {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{input.diskBytes, input.diskBytes};
@@ -164,6 +165,11 @@ ProgramRun RunTrace(const std::vector<std::string>& arguments, const ProgramInpu
 
 ProgramRun RunBoard(const std::vector<std::string>& arguments, const ProgramInput& input) {
     return RunProgram(BoardProgramPath(), arguments, input);
+}
+
+ProgramRun RunSystemProgram(const std::string& program, const std::vector<std::string>& arguments,
+                            const ProgramInput& input) {
+    return RunProgram(program, arguments, input);
 }
 
 } // namespace busquill::test

@@ -36,5 +36,9 @@ struct ProgramInput {
 /// The same for busquill-board.
 [[nodiscard]] ProgramRun RunBoard(const std::vector<std::string>& arguments,
                                   const ProgramInput& input = {});
+/// Runs a program that the system has, by its path.
+[[nodiscard]] ProgramRun RunSystemProgram(const std::string& program,
+                                          const std::vector<std::string>& arguments,
+                                          const ProgramInput& input = {});
 
 } // namespace busquill::test

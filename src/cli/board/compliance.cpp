@@ -288,8 +288,8 @@ void AddCompliance(CLI::App& program) {
                                    [options] { return RunCompliance(*options); });
     CompletedWithFiles(AddOperand(command, "LIST.cpl", options->list), ".cpl");
     AddBoardOptions(command, options->board);
-    AddText(command, "--id", options->device, "VENDOR:DEVICE",
-            "the device to test (default: that of the list, or the first)")
+    AddText(command, "--id", options->device, "ID",
+            "the device to test, as VENDOR:DEVICE (default: that of the list, or the first)")
         .check([](const std::string& text) {
             return ParseId(text)
                        ? std::string()

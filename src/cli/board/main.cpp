@@ -1,5 +1,7 @@
 #include "cli/board/program.h"
+#include "cli/command_line.h"
 
+#include <CLI/CLI.hpp>
 #include <csignal>
 #include <string>
 #include <vector>
@@ -7,6 +9,6 @@
 int main(int argc, char** argv) {
     // Writing to a pipe without a reader then fails with an error instead.
     std::signal(SIGPIPE, SIG_IGN);
-    const std::vector<std::string> texts(argv + 1, argv + argc);
-    return busquill::cli::board::Run(texts);
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    return busquill::cli::RunProgram(*busquill::cli::board::MakeBoardProgram(), words);
 }

@@ -7,13 +7,13 @@
 
 namespace busquill::cli::board {
 
-int Run(std::span<const std::string> words) {
-    const auto program =
+std::unique_ptr<CLI::App> MakeBoardProgram() {
+    auto program =
         MakeProgram("busquill-board", "The functions of the board without windows.",
                     "\"busquill-board COMMAND -h\" lists the options of a command. A time is in "
                     "seconds, or ends in\nms, s, m or h.\n");
     AddCommands(*program);
-    return RunProgram(*program, words);
+    return program;
 }
 
 } // namespace busquill::cli::board

@@ -1,11 +1,14 @@
 #pragma once
 
-#include <span>
-#include <string>
+#include <memory>
+
+namespace CLI {
+class App;
+}
 
 namespace busquill::cli::board {
 
-/// Runs the program with the words after its name; returns the exit status.
-[[nodiscard]] int Run(std::span<const std::string> words);
+/// busquill-board with its commands, for RunProgram.
+[[nodiscard]] std::unique_ptr<CLI::App> MakeBoardProgram();
 
 } // namespace busquill::cli::board
