@@ -157,13 +157,12 @@ std::string WrongWord(CLI::App& program, CLI::App* command) {
             }
         } else if (command == nullptr) {
             return NoCommand(program, word);
-        }
-        if (onlyOperands && word != "--") {
+        } else if (onlyOperands) {
             return Printf("%s takes %s, not also \"%s\"", command->get_name().c_str(),
                           OperandNames(*command).c_str(), word.c_str());
         }
     }
-    // What stands behind "--" goes back to the program if the command takes no operands.
+    // What stands after "--" goes back to the program if the command takes no operands.
     if (command != nullptr && !program.remaining().empty()) {
         return Printf("%s takes no file, not also \"%s\"", command->get_name().c_str(),
                       program.remaining().front().c_str());
@@ -189,13 +188,13 @@ std::string Lacking(CLI::App& command) {
 std::string MessageOf(const CLI::ParseError& error, CLI::App& program) {
     const auto commands = program.get_subcommands();
     CLI::App* command = commands.empty() ? nullptr : commands.front();
-    if (const std::string wrong = WrongWord(program, command); !wrong.empty()) {
+    if (std::string wrong = WrongWord(program, command); !wrong.empty()) {
         return wrong;
     }
     if (command == nullptr) {
         return "which command? See " + program.get_name() + " -h";
     }
-    const std::string text = error.what();
+    std::string text = error.what();
     // The library's messages begin with the option's name.
     const std::string name = text.substr(0, text.find_first_of(": "));
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
@@ -456,7 +455,7 @@ CLI::Option& AddChoice(CLI::App& command, const char* names, std::vector<std::st
         return indexOf(text) < words.size() ? std::string()
                                             : "is one of " + all + "; not \"" + text + "\"";
     });
-    return CompletedWithWords(option, std::move(words));
+    return CompletedWithWords(option, words);
 }
 
 CLI::Option& AddOperand(CLI::App& command, const char* name, std::string& into) {
@@ -507,7 +506,7 @@ CLI::Option& CompletedWithFiles(CLI::Option& option, const char* ending) {
                                           : std::vector<std::string>{ending});
 }
 
-CLI::Option& CompletedWithWords(CLI::Option& option, std::vector<std::string> words) {
+CLI::Option& CompletedWithWords(CLI::Option& option, const std::vector<std::string>& words) {
     return KeepCompletion(option, Completion::Kind::Words, words);
 }
 

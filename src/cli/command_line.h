@@ -119,7 +119,7 @@ struct Completion {
 };
 /// Files with this ending, or all if it is empty.
 CLI::Option& CompletedWithFiles(CLI::Option& option, const char* ending = "");
-CLI::Option& CompletedWithWords(CLI::Option& option, std::vector<std::string> words);
+CLI::Option& CompletedWithWords(CLI::Option& option, const std::vector<std::string>& words);
 /// Kinds without words.
 CLI::Option& Completed(CLI::Option& option, Completion::Kind kind);
 [[nodiscard]] Completion CompletionOf(CLI::Option& option);

@@ -48,6 +48,7 @@ std::string TypeWord(std::string_view name) {
 
 std::vector<std::string> TypeWords() {
     std::vector<std::string> words;
+    words.reserve(PerformanceMaxTypes);
     for (std::int32_t type = 0; type < PerformanceMaxTypes; ++type) {
         words.push_back(TypeWord(PerformanceTypeOf(type).name));
     }

@@ -223,6 +223,7 @@ void AddTarget(CLI::App& program) {
               {.least = 0, .most = targetWaitStates - 1, .are = "a number from 0 to 15"},
               "wait before each answer");
     std::vector<std::string> responses;
+    responses.reserve(std::size(targetResponses));
     for (const std::string_view response : targetResponses) {
         responses.push_back(ToLower(response));
     }
