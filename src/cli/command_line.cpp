@@ -437,7 +437,7 @@ CLI::Option& AddHexNumber(CLI::App& command, const char* names,
     });
 }
 
-CLI::Option& AddChoice(CLI::App& command, const char* names, std::vector<std::string> words,
+CLI::Option& AddChoice(CLI::App& command, const char* names, const std::vector<std::string>& words,
                        std::function<void(std::size_t)> take, const char* value, const char* help) {
     const auto indexOf = [words](const std::string& text) {
         return static_cast<std::size_t>(std::ranges::find(words, text) - words.begin());

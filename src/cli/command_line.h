@@ -77,7 +77,7 @@ CLI::Option& AddHexNumber(CLI::App& command, const char* names,
                           std::uint64_t most, const char* help);
 
 /// One of some words.
-CLI::Option& AddChoice(CLI::App& command, const char* names, std::vector<std::string> words,
+CLI::Option& AddChoice(CLI::App& command, const char* names, const std::vector<std::string>& words,
                        std::function<void(std::size_t)> take, const char* value, const char* help);
 template <typename Choice, typename Into>
 CLI::Option& AddChoice(CLI::App& command, const char* names,
@@ -90,8 +90,8 @@ CLI::Option& AddChoice(CLI::App& command, const char* names,
         meanings.push_back(meaning);
     }
     return AddChoice(
-        command, names, std::move(words),
-        [&into, meanings](std::size_t index) { into = meanings[index]; }, value, help);
+        command, names, words, [&into, meanings](std::size_t index) { into = meanings[index]; },
+        value, help);
 }
 
 // Operands, in their order. They are required unless declared optional.
