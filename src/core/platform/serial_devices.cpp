@@ -44,7 +44,7 @@ std::vector<SerialDevice> SerialDevices(const std::string& folder) {
     std::error_code unknown;
     for (const auto& terminal : fs::directory_iterator(folder, unknown)) {
         const fs::path device = terminal.path() / "device";
-        // Consoles have no device behind them, and sockets without a chip are of the type 0.
+        // Consoles belong to no device, and unused serial ports have the type 0.
         if (!fs::exists(device, unknown) || FirstLine(terminal.path() / "type") == "0") {
             continue;
         }

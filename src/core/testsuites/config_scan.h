@@ -26,8 +26,8 @@ struct Scan {
     int function = 0; // of the device that was found
 };
 
-/// Looks for a device and imports it; otherwise the data stay as they were. That there is none is
-/// not reported. A scan that takes too long is left running on the board, and so is one that the
+/// Looks for a device and imports it; otherwise the data stay as they were. An empty bus
+/// is not reported. A scan that takes too long is left running on the board, and so is one that the
 /// caller gives up: `givesUp` is called at each look at the board. Main thread, which waits for the
 /// scan.
 [[nodiscard]] Scan FindDevice(CAnalyzerLink& link, ScanDirection direction, CConfigSpaceData& data,

@@ -30,7 +30,7 @@ struct DisplayGroup {
 };
 constexpr DisplayGroup displays[] = {{"State", stateDisplay}, {"Waveform", waveformDisplay}};
 
-/// A label with the picture of a marker behind its text.
+/// A label, followed by the picture of a marker.
 QWidget* MarkerLabel(const char* picture) {
     auto* label = new QWidget;
     auto* row = new QHBoxLayout(label);

@@ -86,7 +86,7 @@ constexpr DisplaySettings waveformDisplay{
 [[nodiscard]] DisplayColors LoadDisplayColors(const Settings& settings,
                                               const DisplaySettings& display);
 
-/// The user's colour behind the fields of a function's window.
+/// The user's background colour for a function's window.
 [[nodiscard]] QColor ViewBackground(const Settings& settings);
 /// The colours of a form on that background; `usual` are those of the program.
 [[nodiscard]] QPalette FormPalette(const Settings& settings, QPalette usual);
