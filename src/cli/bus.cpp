@@ -5,7 +5,6 @@
 #include "platform/near_names.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
 namespace busquill::cli {
@@ -62,16 +61,16 @@ std::vector<std::string> TextsOf(const Names& names) {
 void AddBusOptions(CLI::App& command, BusOptions& into) {
     CLI::Option& model = AddText(command, "--model", into.model, "NAME",
                                  "board that made the capture, such as VMEKite");
-    model.check([](const std::string& text) {
+    Checked(model, [](const std::string& text) {
         return TraitsOfModel(text) ? std::string()
                                    : "knows no model \"" + text + "\"; there are " +
                                          ListNearest(text, TextsOf(ModelNames()));
     });
     CompletedWithWords(model, TextsOf(ModelNames()));
-    CLI::Option& bus = *command.add_option_function<std::string>(
-        "--bus", [&into](const std::string& text) { into.mode = BusModeOf(text); },
+    CLI::Option& bus = AddText(
+        command, "--bus", [&into](const std::string& text) { into.mode = BusModeOf(text); }, "MODE",
         "bus that was captured, such as PCI-X (default PCI)");
-    bus.type_name("MODE")->take_last()->check([](const std::string& text) {
+    Checked(bus, [](const std::string& text) {
         return BusModeOf(text) ? std::string()
                                : "knows no bus \"" + text + "\"; there are " +
                                      ListNearest(text, TextsOf(BusModeNames()));

@@ -293,13 +293,6 @@ std::string WrongNumber(const std::string& text, const NumberLimits& limits) {
                   text.c_str());
 }
 
-/// A validator's check of a value: returns the rest of a message that begins with the option.
-using Check = std::function<std::string(const std::string&)>;
-
-CLI::Option& Checked(CLI::Option& option, Check check) {
-    return *option.check(std::move(check));
-}
-
 CLI::Option& KeepCompletion(CLI::Option& option, Completion::Kind kind,
                             const std::vector<std::string>& words) {
     std::string text = std::to_string(static_cast<int>(kind));
@@ -317,8 +310,8 @@ CLI::Option& KeepCompletion(CLI::Option& option, Completion::Kind kind,
 
 } // namespace
 
-std::unique_ptr<CLI::App> MakeProgram(const char* name, const char* about, const char* closing) {
-    auto program = std::make_unique<CLI::App>(about, name);
+std::shared_ptr<CLI::App> MakeProgram(const char* name, const char* about, const char* closing) {
+    auto program = std::make_shared<CLI::App>(about, name);
     AddHelpAndVersion(*program);
     program->footer(closing);
     program->require_subcommand(1);
@@ -382,17 +375,30 @@ std::string HelpText(CLI::App& app) {
     return text;
 }
 
-CLI::Option& AddFlag(CLI::App& command, const char* names, bool& into, const char* help) {
-    CLI::Option* option = command.add_flag_callback(
-        names, [&into] { into = true; }, help);
+CLI::Option& AddFlag(CLI::App& command, const char* names, std::function<void()> take,
+                     const char* help) {
+    CLI::Option* option = command.add_flag_callback(names, std::move(take), help);
     option->disable_flag_override()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     return *option;
 }
 
+CLI::Option& AddFlag(CLI::App& command, const char* names, bool& into, const char* help) {
+    return AddFlag(
+        command, names, [&into] { into = true; }, help);
+}
+
+CLI::Option& AddText(CLI::App& command, const char* names,
+                     std::function<void(const std::string&)> take, const char* value,
+                     const char* help) {
+    return AddValues(
+        command, names, value, help,
+        [take = std::move(take)](const std::vector<std::string>& values) { take(values.back()); });
+}
+
 CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, const char* value,
                      const char* help) {
-    return AddValues(command, names, value, help,
-                     [&into](const std::vector<std::string>& values) { into = values.back(); });
+    return AddText(
+        command, names, [&into](const std::string& text) { into = text; }, value, help);
 }
 
 CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::string>& into,
@@ -408,6 +414,22 @@ CLI::Option& Required(CLI::Option& option) {
     return Checked(option, [value = ValueName(option)](const std::string& text) {
         return text.empty() ? "needs a value: " + value : std::string();
     });
+}
+
+CLI::Option& Checked(CLI::Option& option, Check check) {
+    return *option.check(std::move(check));
+}
+
+CLI::Option& Excluding(CLI::Option& option, CLI::Option& other) {
+    return *option.excludes(&other);
+}
+
+CLI::Option& OptionOf(CLI::App& command, const char* name) {
+    return *command.get_option(name);
+}
+
+CLI::Option& Described(CLI::Option& option, const char* help) {
+    return *option.description(help);
 }
 
 CLI::Option& AddNumber(CLI::App& command, const char* names, std::function<void(std::int64_t)> take,
@@ -469,8 +491,8 @@ CLI::Option& AddOperands(CLI::App& command, const char* name, std::vector<std::s
     return *AddTexts(command, name, into, "", "").required()->expected(many);
 }
 
-CLI::Option& Optional(CLI::Option& operand) {
-    return *operand.required(false);
+CLI::Option& Optional(CLI::Option& option) {
+    return *option.required(false);
 }
 
 CLI::Option& AddOutput(CLI::App& command, OutputOptions& into) {

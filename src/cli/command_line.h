@@ -23,7 +23,7 @@ struct OutputOptions;
 struct PortOptions;
 
 /// A program with the options of every program here. `closing` ends its help.
-[[nodiscard]] std::unique_ptr<CLI::App> MakeProgram(const char* name, const char* about,
+[[nodiscard]] std::shared_ptr<CLI::App> MakeProgram(const char* name, const char* about,
                                                     const char* closing);
 /// A command of the program; `help` is a line without a full stop. `run` returns the exit status.
 CLI::App& AddCommand(CLI::App& program, const char* name, const char* help,
@@ -39,7 +39,12 @@ CLI::App& AddCommand(CLI::App& program, const char* name, const char* help,
 // Options. `names` are as typed, such as "-o,--output"; `value` is the value's name in the help. Of
 // an option that is given more than once the last value holds, unless it takes a list.
 
+CLI::Option& AddFlag(CLI::App& command, const char* names, std::function<void()> take,
+                     const char* help);
 CLI::Option& AddFlag(CLI::App& command, const char* names, bool& into, const char* help);
+CLI::Option& AddText(CLI::App& command, const char* names,
+                     std::function<void(const std::string&)> take, const char* value,
+                     const char* help);
 CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, const char* value,
                      const char* help);
 /// May be given several times.
@@ -47,6 +52,14 @@ CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::str
                       const char* value, const char* help);
 /// A required option must not be empty either.
 CLI::Option& Required(CLI::Option& option);
+/// Checks each value: returns the rest of a message that begins with the option, or nothing.
+using Check = std::function<std::string(const std::string&)>;
+CLI::Option& Checked(CLI::Option& option, Check check);
+/// Only one of the two may be given.
+CLI::Option& Excluding(CLI::Option& option, CLI::Option& other);
+/// The command's option with this name.
+CLI::Option& OptionOf(CLI::App& command, const char* name);
+CLI::Option& Described(CLI::Option& option, const char* help);
 
 /// The numbers that an option takes.
 struct NumberLimits {
@@ -94,11 +107,11 @@ CLI::Option& AddChoice(CLI::App& command, const char* names,
         value, help);
 }
 
-// Operands, in their order. They are required unless declared optional.
+// Operands, in their order. They are required unless made optional, which other options can be too.
 
 CLI::Option& AddOperand(CLI::App& command, const char* name, std::string& into);
 CLI::Option& AddOperands(CLI::App& command, const char* name, std::vector<std::string>& into);
-CLI::Option& Optional(CLI::Option& operand);
+CLI::Option& Optional(CLI::Option& option);
 
 // Options of many commands.
 

@@ -2,8 +2,6 @@
 #include "cli/fill_template.h"
 #include "cli/program.h"
 
-#include <CLI/CLI.hpp>
-
 int main(int argc, char** argv) {
     return argc == 2 ? busquill::cli::PrintTemplate(*busquill::cli::MakeTraceProgram(), argv[1])
                      : 2;

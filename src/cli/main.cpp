@@ -1,7 +1,6 @@
 #include "cli/command_line.h"
 #include "cli/program.h"
 
-#include <CLI/CLI.hpp>
 #include <csignal>
 #include <string>
 #include <vector>

@@ -3,11 +3,9 @@
 #include "cli/command_line.h"
 #include "cli/commands.h"
 
-#include <CLI/CLI.hpp>
-
 namespace busquill::cli {
 
-std::unique_ptr<CLI::App> MakeTraceProgram() {
+std::shared_ptr<CLI::App> MakeTraceProgram() {
     auto program = MakeProgram(
         "busquill-trace", "Captures of bus analyzer boards from the command line.",
         "\"busquill-trace COMMAND -h\" tells the others. \"-\" as a file is standard input or "

@@ -9,6 +9,6 @@ class App;
 namespace busquill::cli {
 
 /// busquill-trace with its commands, for RunProgram.
-[[nodiscard]] std::unique_ptr<CLI::App> MakeTraceProgram();
+[[nodiscard]] std::shared_ptr<CLI::App> MakeTraceProgram();
 
 } // namespace busquill::cli

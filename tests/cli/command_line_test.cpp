@@ -47,7 +47,7 @@ protected:
         return std::to_string(result) + " " + testing::internal::GetCapturedStderr();
     }
 
-    std::unique_ptr<CLI::App> program = MakeProgram("easel", "Paints.", "Bye.\n");
+    std::shared_ptr<CLI::App> program = MakeProgram("easel", "Paints.", "Bye.\n");
     std::string out;
     int runs = 0;
     int status = 0;

@@ -32,7 +32,7 @@ protected:
         return {};
     }
 
-    std::unique_ptr<CLI::App> program = MakeProgram("easel-2", "Paints.", "");
+    std::shared_ptr<CLI::App> program = MakeProgram("easel-2", "Paints.", "");
     std::string file;
     std::string brush;
     int hue = 0;

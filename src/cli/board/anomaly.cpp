@@ -16,7 +16,6 @@
 #include "testsuites/anomaly_run.h"
 #include "testsuites/anomaly_table.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 

@@ -15,7 +15,6 @@
 #include "testsuites/backplane_document.h"
 #include "testsuites/backplane_run.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -156,7 +155,7 @@ void AddBackplane(CLI::App& program) {
     CLI::App& command =
         AddCommand(program, "backplane", "looks for shorts and broken lines of a backplane",
                    [options] { return RunBackplane(*options); });
-    CompletedWithFiles(*AddOperand(command, "CHECKS.bpt", options->file).required(false), ".bpt");
+    CompletedWithFiles(Optional(AddOperand(command, "CHECKS.bpt", options->file)), ".bpt");
     AddBoardOptions(command, options->board);
     AddCheckChoice(command, options->choice);
     AddChoice<BackplaneSensitivity>(command, "--sensitivity",

@@ -10,7 +10,6 @@
 #include "platform/text.h"
 #include "testsuites/check_table_document.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <nlohmann/json.hpp>

@@ -17,7 +17,6 @@
 #include "testsuites/compliance_document.h"
 #include "testsuites/compliance_run.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -288,13 +287,13 @@ void AddCompliance(CLI::App& program) {
                                    [options] { return RunCompliance(*options); });
     CompletedWithFiles(AddOperand(command, "LIST.cpl", options->list), ".cpl");
     AddBoardOptions(command, options->board);
-    AddText(command, "--id", options->device, "ID",
-            "the device to test, as VENDOR:DEVICE (default: that of the list, or the first)")
-        .check([](const std::string& text) {
-            return ParseId(text)
-                       ? std::string()
-                       : "is two hexadecimal numbers such as 1317:0985, not \"" + text + "\"";
-        });
+    CLI::Option& id =
+        AddText(command, "--id", options->device, "ID",
+                "the device to test, as VENDOR:DEVICE (default: that of the list, or the first)");
+    Checked(id, [](const std::string& text) {
+        return ParseId(text) ? std::string()
+                             : "is two hexadecimal numbers such as 1317:0985, not \"" + text + "\"";
+    });
     AddHexNumber(
         command, "--address", [options](std::uint64_t number) { options->address = number; },
         "ADDRESS", ~std::uint64_t{0}, "where the tests find the device's memory");

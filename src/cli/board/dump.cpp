@@ -8,7 +8,6 @@
 #include "cli/json.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -85,8 +84,8 @@ void AddDump(CLI::App& program) {
     AddOperand(command, "TO", options->to);
     AddBoardOptions(command, options->board);
     AddLimit(command, options->limit);
-    AddFlag(command, "--bytes", options->bytes, "the bytes as they are")
-        .excludes(command.get_option("--json"));
+    Excluding(AddFlag(command, "--bytes", options->bytes, "the bytes as they are"),
+              OptionOf(command, "--json"));
     CompletedWithFiles(AddText(command, "-o,--output", options->output, "FILE", "write to FILE"));
 }
 

@@ -2,8 +2,6 @@
 #include "cli/board/program.h"
 #include "cli/fill_template.h"
 
-#include <CLI/CLI.hpp>
-
 int main(int argc, char** argv) {
     return argc == 2
                ? busquill::cli::PrintTemplate(*busquill::cli::board::MakeBoardProgram(), argv[1])

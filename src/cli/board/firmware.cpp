@@ -11,7 +11,6 @@
 #include "link/hex_records.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace busquill::cli::board {

@@ -10,7 +10,6 @@
 #include "platform/near_names.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <iterator>

@@ -1,7 +1,6 @@
 #include "cli/board/program.h"
 #include "cli/command_line.h"
 
-#include <CLI/CLI.hpp>
 #include <csignal>
 #include <string>
 #include <vector>

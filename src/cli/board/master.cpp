@@ -9,7 +9,6 @@
 #include "exerciser/master_document.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -152,12 +151,12 @@ void AddCommandFlags(CLI::App& command, std::optional<MasterCommand>& into) {
     };
     std::vector<CLI::Option*> before;
     for (const Row& row : rows) {
-        CLI::Option* option = command.add_flag_callback(
-            row.name, [&into, value = row.command] { into = value; }, row.help);
+        CLI::Option& option = AddFlag(
+            command, row.name, [&into, value = row.command] { into = value; }, row.help);
         for (CLI::Option* other : before) {
-            option->excludes(other);
+            Excluding(option, *other);
         }
-        before.push_back(option);
+        before.push_back(&option);
     }
 }
 
@@ -183,11 +182,10 @@ void AddMaster(CLI::App& program) {
     CLI::Option& value = AddHexNumber(
         command, "--value", [options](std::uint64_t number) { options->value = number; }, "VALUE",
         any, "the data are this value");
-    CompletedWithFiles(AddText(command, "--data", options->data, "FILE",
-                               "the data are in a file, or go there (.dat); - is standard input or "
-                               "output"),
-                       ".dat")
-        .excludes(&value);
+    CLI::Option& data =
+        AddText(command, "--data", options->data, "FILE",
+                "the data are in a file, or go there (.dat); - is standard input or output");
+    CompletedWithFiles(Excluding(data, value), ".dat");
     AddNumber(command, "--repeat", options->repeat, "N",
               {.least = 1, .most = 2147483647, .are = "a number of passes from 1 up"},
               "go through the range N times");

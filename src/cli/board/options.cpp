@@ -2,8 +2,6 @@
 
 #include "cli/command_line.h"
 
-#include <CLI/CLI.hpp>
-
 namespace busquill::cli::board {
 
 void AddBoardOptions(CLI::App& command, BoardOptions& options) {
@@ -13,24 +11,24 @@ void AddBoardOptions(CLI::App& command, BoardOptions& options) {
 }
 
 void AddAnswers(CLI::App& command, BoardOptions& options) {
-    CLI::Option* yes = command.add_flag_callback(
-        "--yes", [&options] { options.answers = Answers::Yes; }, "answer each question with yes");
-    CLI::Option* no = command.add_flag_callback(
-        "--no", [&options] { options.answers = Answers::No; }, "answer each question with no");
-    no->excludes(yes);
+    CLI::Option& yes = AddFlag(
+        command, "--yes", [&options] { options.answers = Answers::Yes; },
+        "answer each question with yes");
+    CLI::Option& no = AddFlag(
+        command, "--no", [&options] { options.answers = Answers::No; },
+        "answer each question with no");
+    Excluding(no, yes);
 }
 
 CLI::Option& AddDuration(CLI::App& command, const char* names, std::optional<Milliseconds>& into,
                          const char* help) {
-    CLI::Option* option = command.add_option_function<std::string>(
-        names, [&into](const std::string& text) { into = ParseDuration(text); }, help);
-    return *option->type_name("TIME")
-                ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)
-                ->check([](const std::string& text) {
-                    return ParseDuration(text)
-                               ? std::string()
-                               : "is a time such as 90, 90s, 5m or 8h, not \"" + text + "\"";
-                });
+    CLI::Option& option = AddText(
+        command, names, [&into](const std::string& text) { into = ParseDuration(text); }, "TIME",
+        help);
+    return Checked(option, [](const std::string& text) {
+        return ParseDuration(text) ? std::string()
+                                   : "is a time such as 90, 90s, 5m or 8h, not \"" + text + "\"";
+    });
 }
 
 CLI::Option& AddLimit(CLI::App& command, std::optional<Milliseconds>& into) {

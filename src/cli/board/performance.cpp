@@ -18,7 +18,6 @@
 #include "platform/periodic_timer.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 #include <mutex>
@@ -278,20 +277,21 @@ void AddPerformance(CLI::App& program) {
     CLI::App& command = AddCommand(program, "performance", "counts the traffic of the bus",
                                    [options] { return RunPerformance(*options); });
     CompletedWithWords(AddOperand(command, "TYPE", options->type), TypeWords());
-    CompletedWithFiles(*AddOperand(command, "SETUP.psu", options->setup).required(false), ".psu");
+    CompletedWithFiles(Optional(AddOperand(command, "SETUP.psu", options->setup)), ".psu");
     AddBoardOptions(command, options->board);
     AddLimit(command, options->limit);
     AddNumber(command, "--count", options->count, "N",
               {.least = 1, .most = 1'000'000'000, .are = "a number of readings from 1 up"},
               "end after N readings");
-    AddDuration(command, "--interval", options->interval, "time between readings (default 100ms)")
-        .check([](const std::string& text) {
-            constexpr Milliseconds longest = std::chrono::minutes(10);
-            return ParseDuration(text).value_or(longest) <= longest ? std::string()
-                                                                    : "is at most 10m, not " + text;
-        });
-    AddFlag(command, "--csv", options->csv, "print comma separated values")
-        .excludes(command.get_option("--json"));
+    CLI::Option& interval = AddDuration(command, "--interval", options->interval,
+                                        "time between readings (default 100ms)");
+    Checked(interval, [](const std::string& text) {
+        constexpr Milliseconds longest = std::chrono::minutes(10);
+        return ParseDuration(text).value_or(longest) <= longest ? std::string()
+                                                                : "is at most 10m, not " + text;
+    });
+    Excluding(AddFlag(command, "--csv", options->csv, "print comma separated values"),
+              OptionOf(command, "--json"));
     CompletedWithFiles(AddText(command, "-o,--output", options->output, "FILE",
                                "keep the setup and all readings (.per)"),
                        ".per");

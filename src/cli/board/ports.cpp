@@ -11,7 +11,6 @@
 #include "platform/serial_devices.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -149,7 +148,7 @@ void AddPorts(CLI::App& program) {
     CLI::App& command = AddCommand(program, "ports", "the ports, and behind which a board answers",
                                    [options] { return RunPorts(*options); });
     AddBoardOptions(command, options->board);
-    command.get_option("--port")->required(false)->description("look behind this port only");
+    Described(Optional(OptionOf(command, "--port")), "look behind this port only");
     AddFlag(command, "--list", options->list, "list the ports without opening them");
 }
 

@@ -3,11 +3,9 @@
 #include "cli/board/commands.h"
 #include "cli/command_line.h"
 
-#include <CLI/CLI.hpp>
-
 namespace busquill::cli::board {
 
-std::unique_ptr<CLI::App> MakeBoardProgram() {
+std::shared_ptr<CLI::App> MakeBoardProgram() {
     auto program =
         MakeProgram("busquill-board", "The functions of the board without windows.",
                     "\"busquill-board COMMAND -h\" lists the options of a command. A time is in "

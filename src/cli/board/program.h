@@ -9,6 +9,6 @@ class App;
 namespace busquill::cli::board {
 
 /// busquill-board with its commands, for RunProgram.
-[[nodiscard]] std::unique_ptr<CLI::App> MakeBoardProgram();
+[[nodiscard]] std::shared_ptr<CLI::App> MakeBoardProgram();
 
 } // namespace busquill::cli::board

@@ -12,7 +12,6 @@
 #include "stimulus/stimulus_document.h"
 #include "stimulus/stimulus_run.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 
 namespace busquill::cli::board {

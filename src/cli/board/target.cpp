@@ -13,7 +13,6 @@
 #include "exerciser/target_run.h"
 #include "platform/text.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 
@@ -234,10 +233,9 @@ void AddTarget(CLI::App& program) {
     address("--from", options->from, "ADDRESS", "begin the range of memory here");
     address("--to", options->to, "ADDRESS", "the last address of the range");
     CLI::Option& value = address("--value", options->value, "VALUE", "fill the range with a value");
-    CompletedWithFiles(
-        AddText(command, "--fill", options->fill, "FILE", "fill the range from a file (.dat)"),
-        ".dat")
-        .excludes(&value);
+    CLI::Option& fill =
+        AddText(command, "--fill", options->fill, "FILE", "fill the range from a file (.dat)");
+    CompletedWithFiles(Excluding(fill, value), ".dat");
     CompletedWithFiles(AddText(command, "--read-into", options->read, "FILE",
                                "read the range at the end into a file (.dat)"),
                        ".dat");
