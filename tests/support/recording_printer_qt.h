@@ -11,16 +11,24 @@
 
 namespace busquill::test {
 
-/// A printer that keeps the texts of its pages.
-class RecordingPrinter final : public QPrinter {
+/// Keeps what a printer prints, instead of the printer.
+class PageRecorder {
 public:
-    RecordingPrinter(QSize size, QPageLayout::Orientation orientation)
-        : device_(size), engine_(*this, orientation) {
-        setEngines(&engine_, device_.paintEngine());
-    }
+    PageRecorder(QSize size, QPageLayout::Orientation orientation)
+        : device_(size), engine_(*this, orientation) {}
 
+    /// From now on the printer prints here.
+    void Record(QPrinter& printer) {
+        (printer.*&Engines::setEngines)(&engine_,
+                                        paint_ == nullptr ? device_.paintEngine() : paint_);
+    }
+    /// Pages are painted by another engine; null for the recorder's own.
+    void PrintWith(QPaintEngine* engine) { paint_ = engine; }
+
+    [[nodiscard]] const Recording& Recorded() const { return device_.Recorded(); }
+    /// The texts of each page.
     [[nodiscard]] std::vector<std::vector<Recording::Text>> Pages() const {
-        const auto& texts = device_.Recorded().texts;
+        const auto& texts = Recorded().texts;
         std::vector<std::vector<Recording::Text>> pages;
         for (std::size_t page = 0; page < starts_.size(); ++page) {
             const auto end = page + 1 < starts_.size() ? starts_[page + 1] : texts.size();
@@ -36,22 +44,26 @@ public:
     }
 
 private:
+    struct Engines : QPrinter {
+        using QPrinter::setEngines;
+    };
+
     class Engine final : public QPrintEngine {
     public:
-        Engine(RecordingPrinter& printer, QPageLayout::Orientation orientation)
-            : printer_(printer), layout_(QPageSize(QPageSize::A4), orientation, {}) {}
+        Engine(PageRecorder& recorder, QPageLayout::Orientation orientation)
+            : recorder_(recorder), layout_(QPageSize(QPageSize::A4), orientation, {}) {}
 
         void setProperty(PrintEnginePropertyKey /*key*/, const QVariant& /*value*/) override {}
         [[nodiscard]] QVariant property(PrintEnginePropertyKey key) const override {
             return key == PPK_QPageLayout ? QVariant::fromValue(layout_) : QVariant();
         }
         bool newPage() override {
-            printer_.starts_.push_back(printer_.device_.Recorded().texts.size());
+            recorder_.starts_.push_back(recorder_.Recorded().texts.size());
             return true;
         }
         bool abort() override { return false; }
         [[nodiscard]] int metric(QPaintDevice::PaintDeviceMetric metric) const override {
-            const RecordingPaintDevice& device = printer_.device_;
+            const RecordingPaintDevice& device = recorder_.device_;
             switch (metric) {
             case QPaintDevice::PdmWidth:
                 return device.width();
@@ -74,13 +86,23 @@ private:
         }
 
     private:
-        RecordingPrinter& printer_;
+        PageRecorder& recorder_;
         const QPageLayout layout_;
     };
 
     RecordingPaintDevice device_;
     Engine engine_;
+    QPaintEngine* paint_ = nullptr;
     std::vector<std::size_t> starts_ = {0}; // of the pages, among the texts
+};
+
+/// A printer that keeps its pages.
+class RecordingPrinter final : public PageRecorder, public QPrinter {
+public:
+    RecordingPrinter(QSize size, QPageLayout::Orientation orientation)
+        : PageRecorder(size, orientation) {
+        Record(*this);
+    }
 };
 
 } // namespace busquill::test

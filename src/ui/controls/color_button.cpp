@@ -4,15 +4,12 @@
 
 #include <QColorDialog>
 #include <QPainter>
-#include <QStyle>
-#include <QStyleOptionFocusRect>
 
 namespace busquill {
 
 namespace {
 
 constexpr int margin = 5; // of the colour
-constexpr int edge = 2;   // its width
 
 } // namespace
 
@@ -44,13 +41,7 @@ void ColorButton::Choose() {
 void ColorButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Button));
-    if (hasFocus()) { // around the colour, which covers what the style draws there
-        QStyleOptionFocusRect focus;
-        focus.initFrom(this);
-        focus.rect = rect().adjusted(edge, edge, -edge, -edge);
-        focus.backgroundColor = palette().color(QPalette::Button);
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
-    }
+    DrawFocusMark(painter, *this); // around the colour, which covers what the style draws there
     painter.fillRect(rect().adjusted(margin, margin, -margin, -margin), ColorOf(color_));
     DrawEdge(painter, rect(), isDown() ? Edge::Sunken : Edge::Raised);
 }

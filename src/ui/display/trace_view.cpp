@@ -223,7 +223,7 @@ void CTraceView::Filter() {
 }
 
 void CTraceView::Print(bool preview) {
-    if (parts_.prompts == nullptr || parts_.mainThread == nullptr) {
+    if (parts_.prompts == nullptr || parts_.mainThread == nullptr || parts_.printer == nullptr) {
         return;
     }
     CPrintTraceDlg dialog(this, Trace(), isState_, isZoom_, parts_.settings, *parts_.prompts,
@@ -238,8 +238,8 @@ void CTraceView::Print(bool preview) {
         return PrintTo(
             printer, {dialog.First(), dialog.Last(), dialog.ScalesToPage(), {title, PrintTime()}});
     };
-    preview ? ShowPrintPreview(this, *parts_.prompts, print)
-            : AskAndPrint(this, *parts_.prompts, print);
+    preview ? ShowPrintPreview(this, *parts_.prompts, *parts_.printer, print)
+            : AskAndPrint(this, *parts_.prompts, *parts_.printer, print);
 }
 
 PrintFailure CTraceView::PrintTo(QPrinter& printer, const PrintJob& job) {

@@ -35,7 +35,8 @@ struct TraceViewParts {
     Settings& settings;
     CAnalyzerLink* link = nullptr;
     Prompts* prompts = nullptr;             // without it there is no menu on signals
-    const MainThread* mainThread = nullptr; // without it nothing is printed
+    const MainThread* mainThread = nullptr; // without these two nothing is printed
+    PrinterChoice* printer = nullptr;
 };
 
 /// The view of a captured trace: scroll bars around one display of its samples, kept in step with

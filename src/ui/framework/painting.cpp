@@ -3,6 +3,7 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QStyle>
+#include <QStyleOptionFocusRect>
 #include <QStyleOptionGroupBox>
 #include <QWidget>
 
@@ -34,6 +35,18 @@ void DrawEdge(QPainter& painter, const QRect& rect, Edge edge) {
     };
     frame(rect, raised ? face : shadow, raised ? dark : light);
     frame(rect.adjusted(1, 1, -1, -1), raised ? light : dark, raised ? shadow : face);
+}
+
+void DrawFocusMark(QPainter& painter, const QWidget& button) {
+    if (!button.hasFocus()) {
+        return;
+    }
+    constexpr int edge = 2; // its width
+    QStyleOptionFocusRect focus;
+    focus.initFrom(&button);
+    focus.rect = button.rect().adjusted(edge, edge, -edge, -edge);
+    focus.backgroundColor = button.palette().color(QPalette::Button);
+    button.style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, &button);
 }
 
 QFont FontOfCellHeight(int cellHeight, QFont::Weight weight, FontFace face) {

@@ -11,6 +11,7 @@
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 #include <QProgressDialog>
 
 #include <algorithm>
@@ -111,10 +112,31 @@ bool IsLandscape(const QPrinter& printer) {
     return printer.pageLayout().orientation() == QPageLayout::Landscape;
 }
 
-void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print) {
+void PrinterChoice::Remember(const QPrinter& printer) {
+    chosen_ = Chosen{printer.outputFormat() == QPrinter::PdfFormat, printer.printerName(),
+                     printer.pageLayout()};
+}
+
+void PrinterChoice::Restore(QPrinter& printer) const {
+    if (!chosen_) {
+        return;
+    }
+    if (chosen_->isFile) {
+        printer.setOutputFormat(QPrinter::PdfFormat);
+    } else if (QPrinterInfo::availablePrinterNames().contains(chosen_->name)) {
+        printer.setPrinterName(chosen_->name);
+    } else {
+        return;
+    }
+    printer.setPageLayout(chosen_->layout);
+}
+
+void AskAndPrint(QWidget* parent, Prompts& prompts, PrinterChoice& choice, const PrintTo& print) {
     QPrinter printer(QPrinter::HighResolution);
+    choice.Restore(printer);
     QPrintDialog dialog(&printer, parent);
     while (dialog.exec() == QDialog::Accepted) {
+        choice.Remember(printer);
         const PrintFailure failure = print(printer);
         if (!failure) {
             return;
@@ -123,16 +145,27 @@ void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print) {
     }
 }
 
-void ShowPrintPreview(QWidget* parent, Prompts& prompts, const PrintTo& print) {
+void ShowPrintPreview(QWidget* parent, Prompts& prompts, PrinterChoice& choice,
+                      const PrintTo& print) {
     QPrinter printer(QPrinter::HighResolution);
+    choice.Restore(printer);
     QPrintPreviewDialog dialog(&printer, parent);
+    bool hasFailed = false;
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                      [&](QPrinter* preview) {
-                         if (const PrintFailure failure = print(*preview)) {
+                         const PrintFailure failure = print(*preview);
+                         hasFailed = failure.has_value();
+                         if (failure) {
                              prompts.Message(*failure);
                          }
                      });
-    dialog.exec();
+    while (dialog.exec() == QDialog::Accepted) { // it has printed
+        choice.Remember(printer);
+        if (!hasFailed) {
+            return;
+        }
+        printer.setFromTo(0, 0); // the preview shows all pages again
+    }
 }
 
 } // namespace busquill

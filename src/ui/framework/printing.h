@@ -1,6 +1,7 @@
 /// Printing: its dialogs, the pages that were asked for, and what stands on each of them.
 #pragma once
 
+#include <QPageLayout>
 #include <QRect>
 #include <QString>
 
@@ -49,11 +50,28 @@ using DrawPage = std::function<void(QPainter& painter, int number)>;
 [[nodiscard]] QString PrintTime();
 [[nodiscard]] bool IsLandscape(const QPrinter& printer);
 
+/// The printer that the user chose last and the layout of its pages: the next job starts with them.
+class PrinterChoice {
+public:
+    void Remember(const QPrinter& printer);
+    /// Leaves the printer as it is if none has been chosen, or the chosen one is gone.
+    void Restore(QPrinter& printer) const;
+
+private:
+    struct Chosen {
+        bool isFile = false;
+        QString name; // of the printer
+        QPageLayout layout;
+    };
+    std::optional<Chosen> chosen_;
+};
+
 using PrintTo = std::function<PrintFailure(QPrinter& printer)>;
 
 /// Asks for a printer and prints, unless the user cancels. Asks again after a failure.
-void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print);
+void AskAndPrint(QWidget* parent, Prompts& prompts, PrinterChoice& choice, const PrintTo& print);
 /// Shows the pages in the preview, which can print them.
-void ShowPrintPreview(QWidget* parent, Prompts& prompts, const PrintTo& print);
+void ShowPrintPreview(QWidget* parent, Prompts& prompts, PrinterChoice& choice,
+                      const PrintTo& print);
 
 } // namespace busquill

@@ -2,6 +2,7 @@
 
 #include "ui/framework/command_map.h"
 #include "ui/framework/doc_template.h"
+#include "ui/framework/printing.h"
 
 #include <QStringList>
 
@@ -62,6 +63,8 @@ public:
     std::function<void()> boardChanged = [] {};
     /// What the application carries out, whichever window is active.
     CommandMap commands;
+    /// Kept until the program ends.
+    PrinterChoice printer;
 
 protected:
     void AddDocTemplate(std::unique_ptr<CMultiDocTemplate> added);

@@ -86,6 +86,7 @@ void CPenStyleButton::OpenMenu() {
 void CPenStyleButton::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Button));
+    DrawFocusMark(painter, *this);
     DrawStyleLine(painter, rect().adjusted(margin, 0, -margin, 0), style_,
                   palette().color(QPalette::ButtonText));
     DrawEdge(painter, rect(), isDown() ? Edge::Sunken : Edge::Raised);

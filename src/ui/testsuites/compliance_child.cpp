@@ -17,10 +17,10 @@ constexpr QSize childSize(830, 560); // wide enough for the row of buttons
 
 CComplianceChild::CComplianceChild(const FeatureParts& parts, CComplianceDoc& document)
     : CGoStopChild(document, "Compliance Tests", "compliance", childSize) {
-    auto* view = new CComplianceView({document, parts.analyzer.Link(), parts.prompts,
-                                      parts.settings, LoadCheckList(parts.directory),
-                                      std::make_unique<WindowTimer>(nullptr, parts.mainThread),
-                                      [&app = parts.app] { app.ShowHelp(HelpTopic::Compliance); }});
+    auto* view = new CComplianceView(
+        {document, parts.analyzer.Link(), parts.prompts, parts.app.printer, parts.settings,
+         LoadCheckList(parts.directory), std::make_unique<WindowTimer>(nullptr, parts.mainThread),
+         [&app = parts.app] { app.ShowHelp(HelpTopic::Compliance); }});
     connect(view, &CComplianceView::RunningChanged, this, [this](bool running) {
         SetRunState(running ? RunPicture::Running : RunPicture::Stopped);
     });

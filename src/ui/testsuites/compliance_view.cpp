@@ -65,7 +65,8 @@ std::vector<CheckRow> RowsOf(const CheckList& list) {
 
 CComplianceView::CComplianceView(Parts parts)
     : CFormView(parts.settings), document_(parts.document), prompts_(parts.prompts),
-      list_(std::move(parts.list)), tree_(new CCheckTree(this)), results_(new CResultList(this)),
+      printer_(parts.printer), list_(std::move(parts.list)), tree_(new CCheckTree(this)),
+      results_(new CResultList(this)),
       run_(
           {parts.link, parts.prompts, std::move(parts.timer)}, parts.document, list_,
           [this](int index) { return tree_->IsChecked(index); }, *this) {
@@ -96,9 +97,9 @@ CComplianceView::CComplianceView(Parts parts)
         AddButton(text, Form::SlotLeft(slot++), act);
     }
     const auto print = [this](QPrinter& printer) { return PrintTo(printer); };
-    commands.On(CommandId::Print, [this, print] { AskAndPrint(this, prompts_, print); });
+    commands.On(CommandId::Print, [this, print] { AskAndPrint(this, prompts_, printer_, print); });
     commands.On(CommandId::PrintPreview,
-                [this, print] { ShowPrintPreview(this, prompts_, print); });
+                [this, print] { ShowPrintPreview(this, prompts_, printer_, print); });
     ShowDevice();
 }
 

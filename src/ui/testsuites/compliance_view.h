@@ -26,6 +26,7 @@ public:
         CComplianceDoc& document;
         CAnalyzerLink& link;
         Prompts& prompts;
+        PrinterChoice& printer;
         const Settings& settings;
         CheckList list;
         std::unique_ptr<RepeatingTimer> timer;
@@ -72,6 +73,7 @@ private:
 
     CComplianceDoc& document_;
     Prompts& prompts_;
+    PrinterChoice& printer_;
     const CheckList list_;
     CCheckTree* tree_;
     CResultList* results_;

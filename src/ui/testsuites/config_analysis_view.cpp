@@ -67,6 +67,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
+        FollowColors();
         QPainter painter(this);
         DrawBox(painter, commandBox, "Command");
         DrawBox(painter, statusBox, "Status");
@@ -76,6 +77,17 @@ protected:
     }
 
 private:
+    /// Its ground is the program's, not the form's, and so are its texts.
+    void FollowColors() {
+        QPalette own = palette();
+        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+            own.setColor(group, QPalette::WindowText,
+                         QApplication::palette().color(group, QPalette::WindowText));
+        }
+        if (own != palette()) {
+            setPalette(own);
+        }
+    }
     [[nodiscard]] int Pitch() const { return fontMetrics().height(); }
     [[nodiscard]] int Characters(int count) const {
         return count * fontMetrics().averageCharWidth();
@@ -103,13 +115,6 @@ private:
 
 CConfigAnalysisView::CConfigAnalysisView(const CConfigSpaceData& device, QWidget* parent)
     : QScrollArea(parent), text_(new Text(device)) {
-    // Its ground is the program's, not the form's, and so are its texts.
-    QPalette own = palette();
-    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-        own.setColor(group, QPalette::WindowText,
-                     QApplication::palette().color(group, QPalette::WindowText));
-    }
-    setPalette(own);
     setWidget(text_);
     Refresh();
 }

@@ -45,9 +45,9 @@ CChildFrame::CChildFrame(const FeatureParts& parts, TraceActions actions, CTesse
 }
 
 CTraceView* CChildFrame::MakeView() {
-    auto* view = new CTraceView(
-        this, isState_, isZoom_,
-        {parts_.settings, &parts_.analyzer.Link(), &parts_.prompts, &parts_.mainThread});
+    auto* view = new CTraceView(this, isState_, isZoom_,
+                                {parts_.settings, &parts_.analyzer.Link(), &parts_.prompts,
+                                 &parts_.mainThread, &parts_.app.printer});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
     return view;

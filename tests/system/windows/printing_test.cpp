@@ -3,14 +3,18 @@
 #include "capture/trace_document.h"
 #include "support/full_disk.h"
 #include "support/live_frame_fixture_qt.h"
+#include "support/recording_printer_qt.h"
 #include "ui/capture/print_trace_dialog.h"
 
 #include <QCheckBox>
 #include <QMessageBox>
+#include <QPageLayout>
+#include <QPaintEngine>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
+#include <QProgressBar>
 #include <QProgressDialog>
 #include <QSpinBox>
 #include <gmock/gmock.h>
@@ -24,6 +28,7 @@ namespace busquill::test {
 namespace {
 
 using testing::ElementsAre;
+using testing::IsEmpty;
 
 /// Chooses an entry, calls `ask` on Print Trace, which opens, and `print` on the dialog that
 /// follows. Both end; 0 stands for a dialog that did not open, or one not ended by `ask`.
@@ -74,6 +79,14 @@ void PrintPdf(QPrintDialog& dialog, const std::string& path) {
     Press(dialog, "Print");
 }
 
+/// Prints on a recorder instead of the printer that the dialog has chosen.
+void PrintOn(QPrintDialog& dialog, PageRecorder& recorder, const std::string& path) {
+    QObject::connect(
+        &dialog, &QDialog::finished, &dialog, [&] { recorder.Record(*dialog.printer()); },
+        Qt::SingleShotConnection);
+    PrintPdf(dialog, path);
+}
+
 int PdfPages(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream text;
@@ -99,6 +112,34 @@ protected:
         dialog.findChild<QLineEdit*>("End")->setText(end);
         Press(dialog, "OK");
     }
+    /// Opens a file with samples from one number to another, as far as `keep` selects them.
+    void OpenCapture(
+        int first, int last, const std::function<bool(int)>& keep = [](int) { return true; },
+        bool hasZoom = false) {
+        const std::string rest = ",1,2,3,0,0,0,0,0,0,0,0,0,0,30,0,0,0,0\n";
+        std::string text =
+            "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n\"Trace Data\"," +
+            std::to_string(first) + "," + std::to_string(last) + "\n";
+        for (int number = first; number <= last; ++number) {
+            text += keep(number) ? std::to_string(number) + rest : "";
+        }
+        text += "\"End of Trace Data\"\n";
+        if (hasZoom) {
+            text += "\"Power Zoom Data\",255,256\n";
+            for (int number = -255; number < 256; ++number) {
+                text += std::to_string(number) + rest;
+            }
+            text += "\"End of Power Zoom Data\"\n";
+        }
+        ASSERT_NE(program->App().OpenDocumentFile(dir.Write("capture.tra", text)), nullptr);
+        auto& frame = dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+        if (hasZoom) {
+            frame.Bar().ZoomButton().click();
+        } else {
+            frame.SwitchDisplay(true); // to a listing
+        }
+        QApplication::processEvents();
+    }
     int Previewed(const QString& start, const QString& end, bool scaled = false) {
         int pages = 0;
         PrintThrough<QPrintPreviewDialog>(
@@ -115,6 +156,17 @@ protected:
         return pages;
     }
 };
+
+/// The numbers from 7000 to 7999 among the texts, which nothing but samples has there.
+std::vector<int> Samples(const PageRecorder& recorder) {
+    std::vector<int> numbers;
+    for (const Recording::Text& text : recorder.Recorded().texts) {
+        if (const int number = text.text.toInt(); number >= 7000 && number < 8000) {
+            numbers.push_back(number);
+        }
+    }
+    return numbers;
+}
 
 TEST_F(Printing, AListingIsPrintedToAPdf) {
     Choose("File/New/Capture/State");
@@ -304,6 +356,170 @@ TEST_F(Printing, AWaveformIsPreviewed) {
     EXPECT_GT(pages, 1);
 }
 
+TEST_F(Printing, SamplesThatAreFilteredOutAreNotPrinted) {
+    OpenCapture(7000, 7099, [](int number) { return number % 2 == 0; });
+    PageRecorder recorder({1800, 2400}, QPageLayout::Portrait);
+    EXPECT_EQ(PrintThrough<QPrintDialog>(
+                  *this, "File/Print...",
+                  [](CPrintTraceDlg& dialog) {
+                      Tick(dialog, "Scale Width to Page");
+                      Give(dialog, "7011", "7020");
+                  },
+                  [&](QPrintDialog& dialog) { PrintOn(dialog, recorder, dir.File("a.pdf")); }),
+              1);
+    EXPECT_THAT(Samples(recorder), ElementsAre(7010, 7012, 7014, 7016, 7018, 7020));
+}
+
+TEST_F(Printing, EachSampleIsOnOnePageOfAListing) {
+    OpenCapture(7000, 7299);
+    PageRecorder recorder({1800, 2400}, QPageLayout::Portrait);
+    EXPECT_EQ(PrintThrough<QPrintDialog>(
+                  *this, "File/Print...",
+                  [](CPrintTraceDlg& dialog) {
+                      Tick(dialog, "Scale Width to Page");
+                      Give(dialog, "7003", "7290");
+                  },
+                  [&](QPrintDialog& dialog) { PrintOn(dialog, recorder, dir.File("a.pdf")); }),
+              1);
+    EXPECT_GT(recorder.Pages().size(), 1U);
+    std::vector<int> expected;
+    for (int number = 7003; number <= 7290; ++number) {
+        expected.push_back(number);
+    }
+    EXPECT_EQ(Samples(recorder), expected);
+}
+
+TEST_F(Printing, PowerZoomIsPrintedToItsLastSample) {
+    OpenCapture(
+        7000, 7009, [](int) { return true; }, true);
+    auto& zoom = dynamic_cast<CChildFrame&>(*Windows().back());
+    ASSERT_TRUE(zoom.TraceView().IsZoom());
+    Frame().Area().setActiveSubWindow(&zoom);
+    zoom.Trace().SetZoomMarker(2, 510);
+    const auto print = [&](PageRecorder& recorder, const QString& start, const QString& end) {
+        EXPECT_EQ(PrintThrough<QPrintDialog>(
+                      *this, "File/Print...",
+                      [&](CPrintTraceDlg& dialog) {
+                          EXPECT_EQ(dialog.findChild<QLineEdit*>("Start")->text(), "-255");
+                          EXPECT_EQ(dialog.findChild<QLineEdit*>("End")->text(), "256");
+                          Give(dialog, start, end);
+                          EXPECT_FALSE(dialog.isVisible());
+                      },
+                      [&](QPrintDialog& dialog) { PrintOn(dialog, recorder, dir.File("a.pdf")); }),
+                  1);
+    };
+    PageRecorder one({1800, 2400}, QPageLayout::Portrait);
+    print(one, "-255", "-255");
+    const std::size_t strips = one.Pages().size();
+    PageRecorder all({1800, 2400}, QPageLayout::Portrait);
+    print(all, "-255", "256");
+    EXPECT_GT(all.Pages().size(), strips) << "several strips of samples";
+    EXPECT_EQ(all.Pages().size() % strips, 0U);
+    EXPECT_EQ(all.Recorded().polygons.size(), strips) << "marker 2, on the pages of the last";
+    PageRecorder shorter({1800, 2400}, QPageLayout::Portrait);
+    print(shorter, "-255", "254");
+    EXPECT_THAT(shorter.Recorded().polygons, IsEmpty());
+}
+
+TEST_F(Printing, TheNextJobStartsWithThePrinterAndThePagesOfTheLast) {
+    Choose("File/New/Capture/State");
+    const auto ask = [](CPrintTraceDlg& dialog) { Give(dialog, "0", "0"); };
+    const auto isLandscapeA3 = [](const QPrinter& printer) {
+        return printer.pageLayout().orientation() == QPageLayout::Landscape &&
+               printer.pageLayout().pageSize().id() == QPageSize::A3;
+    };
+    PrintThrough<QPrintDialog>(*this, "File/Print...", ask, [&](QPrintDialog& dialog) {
+        EXPECT_FALSE(isLandscapeA3(*dialog.printer()));
+        dialog.printer()->setPageSize(QPageSize(QPageSize::A3));
+        dialog.printer()->setPageOrientation(QPageLayout::Landscape);
+        dialog.reject();
+    });
+    PrintThrough<QPrintDialog>(*this, "File/Print...", ask, [&](QPrintDialog& dialog) {
+        EXPECT_FALSE(isLandscapeA3(*dialog.printer())) << "cancelled";
+        dialog.printer()->setPageSize(QPageSize(QPageSize::A3));
+        dialog.printer()->setPageOrientation(QPageLayout::Landscape);
+        PrintPdf(dialog, dir.File("first.pdf"));
+    });
+    const int pages = PdfPages(dir.File("first.pdf"));
+    EXPECT_GT(pages, 0);
+    PrintThrough<QPrintDialog>(*this, "File/Print...", ask, [&](QPrintDialog& dialog) {
+        EXPECT_TRUE(isLandscapeA3(*dialog.printer()));
+        EXPECT_EQ(dialog.printer()->outputFormat(), QPrinter::PdfFormat);
+        PrintPdf(dialog, dir.File("second.pdf"));
+    });
+    EXPECT_EQ(PdfPages(dir.File("second.pdf")), pages);
+    PrintThrough<QPrintPreviewDialog>(
+        *this, "File/Print Preview", ask,
+        [&](QPrintPreviewDialog& dialog) { EXPECT_TRUE(isLandscapeA3(*dialog.printer())); });
+    Choose("File/New/Compliance Tests");
+    ChooseDialog<QPrintDialog>("File/Print...", [&](QPrintDialog& dialog) {
+        EXPECT_TRUE(isLandscapeA3(*dialog.printer())) << "of all windows";
+    });
+}
+
+TEST_F(Printing, APrinterThatCannotBeOpenedIsReportedAndAskedForAgain) {
+    class Jammed final : public QPaintEngine {
+    public:
+        bool begin(QPaintDevice* /*device*/) override { return false; }
+        bool end() override { return true; }
+        void updateState(const QPaintEngineState& /*state*/) override {}
+        void drawPixmap(const QRectF& /*to*/, const QPixmap& /*pixmap*/,
+                        const QRectF& /*from*/) override {}
+        [[nodiscard]] Type type() const override { return User; }
+    };
+    OpenCapture(7000, 7009);
+    Jammed jammed;
+    PageRecorder recorder({1800, 2400}, QPageLayout::Portrait);
+    int tries = 0;
+    bool isAsked = false;
+    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
+        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
+            isAsked = true;
+            Tick(*ask, "Scale Width to Page");
+            Give(*ask, "7003", "7005");
+        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
+            recorder.PrintWith(++tries == 1 ? &jammed : nullptr);
+            PrintOn(*dialog, recorder, dir.File("a.pdf"));
+        }
+    });
+    EXPECT_EQ(tries, 2);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening printer ."));
+    EXPECT_THAT(Samples(recorder), ElementsAre(7003, 7004, 7005)) << "the same samples";
+}
+
+TEST_F(Printing, AFailureOfThePreviewsOwnPrintingIsReportedAndThePreviewStays) {
+    Choose("File/New/Capture/State");
+    const std::string path = dir.File("listing.pdf");
+    int previews = 0;
+    bool isAsked = false;
+    ChooseAnswering(*this, "File/Print Preview", [&](QWidget& modal) {
+        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
+            isAsked = true;
+            Tick(*ask, "Scale Width to Page");
+            Give(*ask, "0", "0");
+        } else if (auto* print = qobject_cast<QPrintDialog*>(&modal)) {
+            print->findChild<QAbstractButton*>("printRange")->click();
+            print->findChild<QSpinBox*>("to")->setValue(7);
+            print->findChild<QSpinBox*>("from")->setValue(5);
+            PrintPdf(*print, path);
+        } else if (auto* preview = qobject_cast<QPrintPreviewDialog*>(&modal)) {
+            if (++previews > 1) {
+                EXPECT_EQ(preview->findChild<QPrintPreviewWidget*>()->pageCount(), 1);
+                preview->reject();
+                return;
+            }
+            for (QAction* action : preview->findChildren<QAction*>()) {
+                if (action->text() == "Print") {
+                    QTimer::singleShot(0, action, &QAction::trigger);
+                }
+            }
+        }
+    });
+    EXPECT_EQ(previews, 2);
+    EXPECT_THAT(prompts.Texts(), ElementsAre("There is no page 5, the last one is page 1."));
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
 class LivePrinting : public LiveFrameFixture {
 public:
     using LiveFrameFixture::Choose;
@@ -339,6 +555,40 @@ TEST_F(LivePrinting, ACaptureIsUploadedBeforeItIsPrinted) {
               1);
     EXPECT_TRUE(isComplete);
     EXPECT_GT(PdfPages(path), 4);
+}
+
+TEST_F(LivePrinting, CancelDuringTheUploadPrintsNothingAndTheNextPrintWorks) {
+    Connect({"--buffer", "1024", "--rate", "100000"});
+    OpenFrame("State");
+    StopALongRun();
+    const std::int64_t shift = Trace().FirstSampleNumber(false);
+    ASSERT_GT(Trace().SampleCount(false), 5000);
+    EXPECT_EQ(PrintThrough<QPrintDialog>(
+                  *this, "File/Print...",
+                  [&](CPrintTraceDlg& dialog) {
+                      Press(dialog, "OK");
+                      const auto& progress = *dialog.findChild<QProgressBar*>();
+                      EXPECT_TRUE(RunUntil([&] { return progress.value() > 0; }));
+                      EXPECT_LT(progress.value(), 100);
+                      EXPECT_EQ(dialog.findChild<QLabel*>("Percent")->text(),
+                                QString("%1%").arg(progress.value()));
+                      Press(dialog, "Cancel");
+                  },
+                  [](QPrintDialog&) {}),
+              0);
+    EXPECT_TRUE(Trace().IsUploading()) << "the upload goes on";
+    const std::string path = dir.File("live.pdf");
+    EXPECT_EQ(PrintThrough<QPrintDialog>(
+                  *this, "File/Print...",
+                  [&](CPrintTraceDlg& dialog) {
+                      EXPECT_EQ(dialog.findChild<QLineEdit*>("Start")->text(),
+                                QString::number(shift));
+                      dialog.findChild<QLineEdit*>("End")->setText(QString::number(shift + 20));
+                      Press(dialog, "OK");
+                  },
+                  [&](QPrintDialog& dialog) { PrintPdf(dialog, path); }),
+              1);
+    EXPECT_GT(PdfPages(path), 0);
 }
 
 } // namespace

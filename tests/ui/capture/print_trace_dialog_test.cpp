@@ -126,6 +126,38 @@ TEST_F(PrintTrace, TheBoxOfAListingIsKept) {
     EXPECT_TRUE(Box().isChecked());
 }
 
+TEST_F(PrintTrace, TheBoxIsKeptEvenIfTheRangeIsWrong) {
+    Load(0, 5);
+    Open();
+    Tick(*dialog, "Scale Width to Page");
+    Enter("0", "6");
+    Press(*dialog, "OK");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(settings.GetProfileInt("Print", "ScaleWidthToPage", -1), 1);
+    Press(*dialog, "Cancel");
+    EXPECT_EQ(dialog->result(), QDialog::Rejected);
+}
+
+TEST_F(PrintTrace, CancelKeepsNothing) {
+    Load(0, 5);
+    Open();
+    Tick(*dialog, "Scale Width to Page");
+    Press(*dialog, "Cancel");
+    EXPECT_EQ(settings.GetProfileInt("Print", "ScaleWidthToPage", -1), -1);
+}
+
+TEST_F(PrintTrace, PowerZoomChecksItsOwnRange) {
+    Load(0, 5);
+    Open(false, true);
+    Enter("-256", "0");
+    Press(*dialog, "OK");
+    Enter("0", "257");
+    Press(*dialog, "OK");
+    EXPECT_THAT(prompts.Texts(), ElementsAre("Start sample of -256 must be between -255 and 256.",
+                                             "End sample of 257 must be between -255 and 256."));
+    EXPECT_TRUE(dialog->isVisible());
+}
+
 TEST_F(PrintTrace, TheBoxOfAWaveformIsHiddenAndHasASettingOfItsOwn) {
     Load(0, 5);
     settings.WriteProfileInt("Print", "ScaleHeightToPage", 1);

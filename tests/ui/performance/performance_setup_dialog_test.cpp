@@ -258,6 +258,18 @@ TEST_F(PerformanceSetupDialog, TheMenuOfLinesIsReachedByKeys) {
     EXPECT_EQ(button.Style(), 1) << "the one after the current";
 }
 
+TEST_F(PerformanceSetupDialog, AMarkShowsWhichLineHasTheKeyboard) {
+    Open().activateWindow();
+    auto& button = Field<CPenStyleButton>("Line Style B");
+    const QImage plain = button.grab().toImage();
+    Field<ColorButton>("Color B").setFocus();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), &button);
+    EXPECT_NE(button.grab().toImage(), plain);
+    QTest::keyClick(&button, Qt::Key_Tab);
+    EXPECT_EQ(button.grab().toImage(), plain);
+}
+
 TEST_F(PerformanceSetupDialog, ClearShowsTheDefaults) {
     setup.type = PerformanceStatistics;
     setup.setupName = "Mine";

@@ -347,6 +347,26 @@ TEST_F(ColorChange, TheAnalysisCanBeReadInADarkForm) {
     EXPECT_GE(ContrastIn(Find<CConfigAnalysisView>(), {2, 5 * pitch - 3, 100, pitch}), readable);
 }
 
+TEST_F(ColorChange, TheAnalysisFollowsTheColorsOfTheSystem) {
+    const QPalette usual = QApplication::palette();
+    StartDemo();
+    Open("Exerciser/Configuration");
+    auto& analysis = Find<CConfigAnalysisView>();
+    const int pitch = analysis.widget()->fontMetrics().height();
+    for (const Qt::GlobalColor ground : {Qt::black, Qt::white}) {
+        QPalette system = usual;
+        system.setColor(QPalette::Window, ground);
+        system.setColor(QPalette::WindowText, ground == Qt::black ? Qt::white : Qt::black);
+        QApplication::setPalette(system);
+        QApplication::processEvents();
+        const QImage image = analysis.widget()->grab().toImage();
+        EXPECT_EQ(image.pixelColor(0, 0), QColor(ground));
+        EXPECT_GE(ContrastIn(analysis, {2, 2, 100, 2 * pitch}), readable);
+        EXPECT_GE(ContrastIn(analysis, {2, 5 * pitch - 3, 100, pitch}), readable) << "a title";
+    }
+    QApplication::setPalette(usual);
+}
+
 TEST_F(ColorChange, ALineOfARowLooksLikeTheOneInTheGraph) {
     StartDemo();
     Open("Performance/Utilization");
