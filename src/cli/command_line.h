@@ -37,7 +37,8 @@ CLI::App& AddCommand(CLI::App& program, const char* name, const char* help,
 [[nodiscard]] std::string HelpText(CLI::App& app);
 
 // Options. `names` are as typed, such as "-o,--output"; `value` is the value's name in the help. Of
-// an option that is given more than once the last value holds, unless it takes a list.
+// an option that is given more than once the last value holds, unless it takes a list. No value may
+// be empty.
 
 CLI::Option& AddFlag(CLI::App& command, const char* names, bool& into, const char* help);
 CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, const char* value,
@@ -45,7 +46,6 @@ CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, co
 /// May be given several times.
 CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::string>& into,
                       const char* value, const char* help);
-/// A required option must not be empty either.
 CLI::Option& Required(CLI::Option& option);
 
 /// The numbers that an option takes.
