@@ -3,7 +3,8 @@
 build_packages=(g++ cmake ninja-build ccache lld pkg-config qt6-base-dev qt6-svg-dev libusb-1.0-0-dev
                 libarchive-dev libqt6svg6 libcli11-dev nlohmann-json3-dev
                 fonts-liberation)
-test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3 sigrok-cli gtkwave pciutils)
+test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3 sigrok-cli gtkwave pciutils
+               poppler-utils)
 screenless_packages=(xvfb xauth)
 check_packages=(git clang clang-format clang-tidy libclang-rt-14-dev ripgrep)
 

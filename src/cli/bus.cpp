@@ -20,19 +20,6 @@ std::optional<std::int32_t> BusModeOf(const std::string& name) {
                                 : std::optional(static_cast<std::int32_t>(found - names.begin()));
 }
 
-/// The model to assume if none is given: connectors have specific models, for all others the bus is
-/// enough.
-const char* ModelOf(std::int32_t busMode) {
-    switch (busMode) {
-    case BusVmeP2:
-        return "VMEKiteP2";
-    case BusVmeP0:
-        return "VMEKiteP0";
-    default:
-        return "Demo Mode";
-    }
-}
-
 bool Offers(const std::string& model, std::int32_t busMode) {
     const auto modes = BusModesOfModel(model);
     return std::ranges::find(modes, busMode) != modes.end();
@@ -40,7 +27,8 @@ bool Offers(const std::string& model, std::int32_t busMode) {
 
 BoardTraits TraitsOf(const BusOptions& options) {
     const std::string& model = options.model;
-    auto traits = TraitsOfModel(!model.empty() ? model : ModelOf(options.mode.value_or(BusPci)));
+    auto traits = TraitsOfModel(!model.empty() ? std::string_view(model)
+                                               : ModelForBus(options.mode.value_or(BusPci)));
     if (options.mode && !model.empty() && !Offers(traits->modelString, *options.mode)) {
         WrongUse(Printf("%s has no bus %s", traits->modelString.c_str(),
                         std::string(BusModeName(*options.mode)).c_str()));

@@ -127,6 +127,23 @@ std::string OperandNames(CLI::App& app) {
     return names;
 }
 
+/// The commands with their operands, in columns.
+std::string CommandTable(CLI::App& program) {
+    std::size_t nameWidth = 0;
+    std::size_t operandsWidth = 0;
+    for (CLI::App* command : CommandsOf(program)) {
+        nameWidth = std::max(nameWidth, command->get_name().size());
+        operandsWidth = std::max(operandsWidth, OperandNames(*command).size());
+    }
+    std::string table;
+    for (CLI::App* command : CommandsOf(program)) {
+        table += Printf("  %-*s  %-*s  %s\n", static_cast<int>(nameWidth),
+                        command->get_name().c_str(), static_cast<int>(operandsWidth),
+                        OperandNames(*command).c_str(), command->get_description().c_str());
+    }
+    return table;
+}
+
 std::string NoCommand(CLI::App& program, const std::string& word) {
     std::vector<std::string> names;
     for (const CLI::App* command : CommandsOf(program)) {
@@ -293,6 +310,15 @@ std::string WrongNumber(const std::string& text, const NumberLimits& limits) {
                   text.c_str());
 }
 
+/// Without a text a script would mostly have meant one: a variable of it is empty.
+CLI::Option& NeverEmpty(CLI::Option& option) {
+    const std::string complaint =
+        option.get_positional() ? "is empty" : "needs a value: " + ValueName(option);
+    return Checked(option, [complaint](const std::string& text) {
+        return text.empty() ? complaint : std::string();
+    });
+}
+
 CLI::Option& KeepCompletion(CLI::Option& option, Completion::Kind kind,
                             const std::vector<std::string>& words) {
     std::string text = std::to_string(static_cast<int>(kind));
@@ -348,10 +374,7 @@ std::string HelpText(CLI::App& app) {
     if (app.get_parent() == nullptr) {
         text = Printf("Usage: %s COMMAND [OPTION...] [FILE...]\n\n%s\n\nCommands:\n",
                       app.get_name().c_str(), app.get_description().c_str());
-        for (CLI::App* command : CommandsOf(app)) {
-            text += Printf("  %-9s %-8s %s\n", command->get_name().c_str(),
-                           OperandNames(*command).c_str(), command->get_description().c_str());
-        }
+        text += CommandTable(app);
         text += "\nOptions of every command:\n";
         for (const CLI::Option* option : OptionsOf(app)) {
             text += OptionLine(*option);
@@ -390,9 +413,9 @@ CLI::Option& AddFlag(CLI::App& command, const char* names, bool& into, const cha
 CLI::Option& AddText(CLI::App& command, const char* names,
                      std::function<void(const std::string&)> take, const char* value,
                      const char* help) {
-    return AddValues(
+    return NeverEmpty(AddValues(
         command, names, value, help,
-        [take = std::move(take)](const std::vector<std::string>& values) { take(values.back()); });
+        [take = std::move(take)](const std::vector<std::string>& values) { take(values.back()); }));
 }
 
 CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, const char* value,
@@ -406,14 +429,11 @@ CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::str
     CLI::Option& option =
         AddValues(command, names, value, help,
                   [&into](const std::vector<std::string>& values) { into = values; });
-    return *option.multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    return *NeverEmpty(option).multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
 CLI::Option& Required(CLI::Option& option) {
-    option.required();
-    return Checked(option, [value = ValueName(option)](const std::string& text) {
-        return text.empty() ? "needs a value: " + value : std::string();
-    });
+    return *option.required();
 }
 
 CLI::Option& Checked(CLI::Option& option, Check check) {

@@ -37,7 +37,8 @@ CLI::App& AddCommand(CLI::App& program, const char* name, const char* help,
 [[nodiscard]] std::string HelpText(CLI::App& app);
 
 // Options. `names` are as typed, such as "-o,--output"; `value` is the value's name in the help. Of
-// an option that is given more than once the last value holds, unless it takes a list.
+// an option that is given more than once the last value holds, unless it takes a list. No value may
+// be empty.
 
 CLI::Option& AddFlag(CLI::App& command, const char* names, std::function<void()> take,
                      const char* help);
@@ -50,7 +51,6 @@ CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, co
 /// May be given several times.
 CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::string>& into,
                       const char* value, const char* help);
-/// A required option must not be empty either.
 CLI::Option& Required(CLI::Option& option);
 /// Checks each value: returns the rest of a message that begins with the option, or nothing.
 using Check = std::function<std::string(const std::string&)>;

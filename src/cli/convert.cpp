@@ -5,6 +5,7 @@
 #include "cli/input.h"
 #include "cli/output.h"
 #include "cli/range.h"
+#include "export/export_signals.h"
 #include "export/sample_period.h"
 #include "export/session_file.h"
 #include "export/value_dump.h"
@@ -50,18 +51,7 @@ public:
 
     [[nodiscard]] bool IsZoom() const noexcept { return zoom_; }
     [[nodiscard]] TraceStream& Stream() const { return input_.Stream(); }
-    /// The list whose signals are exported: that of the waveforms, of the listing if the file has
-    /// only that, or of the Power Zoom.
-    [[nodiscard]] const CSignalList& List() const {
-        return zoom_                     ? Stream().zoomList
-               : Use() == ListUse::State ? Stream().stateList
-                                         : Stream().waveformList;
-    }
-    [[nodiscard]] ListUse Use() const {
-        const TraceParser& parser = Stream().Parser();
-        const bool onlyState = parser.HasStateList() && !parser.HasWaveformList();
-        return onlyState && !zoom_ ? ListUse::State : ListUse::Wave;
-    }
+    [[nodiscard]] ExportList List() const { return ListToExport(Stream(), zoom_); }
 
     /// Calls `take` for each piece of the samples. Returns whether there are any.
     template <typename Take>
@@ -158,8 +148,8 @@ bool ToDump(Source& source, const Bus& bus, const Options& options) {
     const std::size_t point = path.size() - FileNameOf(path).size() + BaseNameOf(path).size();
     const std::string viewerPath = path.substr(0, point) + ".gtkw";
     CheckTarget({viewerPath, options.output.overwrite}, {options.file});
-    ValueDump dump(source.List(), source.Use(),
-                   {bus.Board(), source.IsZoom(), source.Stream().comment});
+    const ExportList list = source.List();
+    ValueDump dump(list.list, list.use, {bus.Board(), source.IsZoom(), source.Stream().comment});
     Output output(path);
     std::string text;
     dump.Begin(text);
@@ -184,7 +174,8 @@ bool ToDump(Source& source, const Bus& bus, const Options& options) {
 }
 
 bool ToTable(Source& source, const Bus& bus, const std::string& path, bool changes) {
-    ValueTable table(source.List(), source.Use(), {bus.Board(), source.IsZoom(), changes});
+    const ExportList list = source.List();
+    ValueTable table(list.list, list.use, {bus.Board(), source.IsZoom(), changes});
     Output output(path);
     std::string text;
     table.Begin(text);

@@ -19,6 +19,10 @@ namespace {
 
 using Kind = Completion::Kind;
 
+// Each stands on a line of its own.
+constexpr std::string_view conditionBegin = "if ";
+constexpr std::string_view conditionEnd = "@end@\n";
+
 constexpr const char* portNames = "COM1 COM2 COM3 COM4 COM5 COM6 COM7 COM8 USB USB2";
 
 std::string ReplaceAll(std::string text, std::string_view from, std::string_view to) {
@@ -373,6 +377,24 @@ std::optional<std::string> Filled(CLI::App& program, const std::string& part) {
     return found == others.end() ? std::nullopt : std::optional(found->second());
 }
 
+/// Whether any value of the program is completed in one of these ways.
+bool Completes(CLI::App& program, std::initializer_list<Kind> kinds) {
+    const auto isOne = [&](CLI::Option* option) {
+        return std::ranges::find(kinds, CompletionOf(*option).kind) != kinds.end();
+    };
+    return std::ranges::any_of(CommandsOf(program), [&](CLI::App* command) {
+        return std::ranges::any_of(OptionsOf(*command), isOne) ||
+               std::ranges::any_of(OperandsOf(*command), isOne);
+    });
+}
+
+/// Whether the lines between "@if what@" and "@end@" belong to the program; nothing for an unknown
+/// condition.
+std::optional<bool> Holds(CLI::App& program, const std::string& what) {
+    return what == "names" ? std::optional(Completes(program, {Kind::Names, Kind::Patterns}))
+                           : std::nullopt;
+}
+
 /// Whether the text between two @ may be a part's name.
 bool IsPart(std::string_view text) {
     return !text.empty() && std::ranges::all_of(text, [](char c) {
@@ -395,6 +417,17 @@ std::string FillTemplate(CLI::App& program, std::string_view text) {
         if (!IsPart(part)) {
             filled += '@';
             text.remove_prefix(begin + 1);
+            continue;
+        }
+        if (part.starts_with(conditionBegin)) {
+            const std::size_t last = text.find(conditionEnd, end);
+            const auto holds = Holds(program, part.substr(conditionBegin.size()));
+            if (!holds || last == std::string_view::npos) {
+                Fail("the template has an unknown condition, or one without an end: @" + part +
+                     "@");
+            }
+            filled += *holds ? FillTemplate(program, text.substr(end + 2, last - end - 2)) : "";
+            text.remove_prefix(last + conditionEnd.size());
             continue;
         }
         const auto found = Filled(program, part);

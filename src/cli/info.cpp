@@ -40,18 +40,6 @@ std::string ListWords(const TraceStream& stream) {
     return text.empty() ? "none, so the default ones" : text;
 }
 
-/// Where the trigger is marked: not on sample 0 if no samples follow it.
-std::string TriggerWords(const TraceSurvey& survey, const TraceStream& stream) {
-    const std::int64_t marked = stream.TriggerNumber();
-    const auto before = static_cast<long long>(marked - survey.first);
-    if (survey.first > 0 || survey.last < 0) {
-        return Printf("not among the samples; marked at sample %lld",
-                      static_cast<long long>(marked));
-    }
-    return Printf("%ssample %lld, %lld samples before it", marked == 0 ? "" : "marked at ",
-                  static_cast<long long>(marked), before);
-}
-
 std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     const TraceSurvey survey = input.Survey();
     const TraceStream& stream = input.Stream();
@@ -65,7 +53,8 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     if (survey.hasSamples && survey.last >= survey.first) {
         facts.push_back(NumberFact("First sample", "first", survey.first));
         facts.push_back(NumberFact("Last sample", "last", survey.last));
-        facts.push_back(TextFact("Trigger", "trigger", TriggerWords(survey, stream)));
+        facts.push_back(
+            TextFact("Trigger", "trigger", TriggerWords(survey, stream.TriggerNumber())));
         if (survey.HasGaps()) {
             facts.push_back(
                 NumberFact("Left out", "leftOut", survey.last - survey.first + 1 - survey.rows));

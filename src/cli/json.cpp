@@ -3,6 +3,7 @@
 #include "cli/output.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 namespace busquill::cli {
@@ -32,6 +33,18 @@ std::string JsonString(std::string_view text) {
     return ToUtf8(text);
 }
 
+void AppendJsonText(std::string& line, std::string_view text) {
+    const bool isPlain = std::ranges::all_of(
+        text, [](char c) { return c >= ' ' && c <= '~' && c != '"' && c != '\\'; });
+    if (!isPlain) {
+        line += nlohmann::ordered_json(JsonString(text)).dump();
+        return;
+    }
+    line += '"';
+    line += text;
+    line += '"';
+}
+
 std::string JsonLine(const nlohmann::ordered_json& value) {
     std::string line;
     Append(line, value);
@@ -39,7 +52,12 @@ std::string JsonLine(const nlohmann::ordered_json& value) {
 }
 
 void JsonArray::Add(const nlohmann::ordered_json& value) {
-    output_.Write((any_ ? frame_.between : frame_.begin) + JsonLine(value));
+    AddJson(JsonLine(value));
+}
+
+void JsonArray::AddJson(std::string_view element) {
+    output_.Write(any_ ? frame_.between : frame_.begin);
+    output_.Write(element);
     any_ = true;
 }
 

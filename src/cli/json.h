@@ -12,6 +12,9 @@ class Output;
 /// A text for a JSON value, in UTF-8.
 [[nodiscard]] std::string JsonString(std::string_view text);
 
+/// Appends a text as a JSON value: for the many texts of a listing.
+void AppendJsonText(std::string& line, std::string_view text);
+
 [[nodiscard]] std::string JsonLine(const nlohmann::ordered_json& value);
 
 /// Writes the elements of an array as they come, so that memory does not grow with their number.
@@ -29,6 +32,8 @@ public:
     JsonArray(Output& output, const Frame& frame) : output_(output), frame_(frame) {}
 
     void Add(const nlohmann::ordered_json& value);
+    /// An element that is JSON already.
+    void AddJson(std::string_view element);
     void End();
 
 private:

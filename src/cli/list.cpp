@@ -1,6 +1,6 @@
 #include "capture/listing.h"
 #include "capture/listing_columns.h"
-#include "cli/bus.h"
+#include "cli/capture_options.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
@@ -14,7 +14,6 @@
 #include "signals/value_text.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -22,15 +21,11 @@ namespace {
 
 enum class Format { Text, Csv, Json };
 
-struct Options {
-    std::string file;
-    OutputOptions output;
-    BusOptions bus;
+struct Options : CaptureOptions {
     NumberRange range;
     std::vector<std::string> columns; // empty: those of the capture
     bool zoom = false;
     std::optional<Format> format;
-    bool json = false;
 };
 
 /// Writes rows of texts below their titles.
@@ -45,8 +40,7 @@ public:
             widths_.push_back(TraceListing::WidthOf(*column));
         }
         if (format_ == Format::Json) {
-            output_.Write("{\"columns\": " + JsonLine(JsonRow("SAMPLE", titles)) +
-                          ",\n\"rows\": [");
+            output_.Write("{\"columns\": " + JsonRow("\"SAMPLE\"", titles) + ",\n\"rows\": [");
         } else {
             Row("SAMPLE", titles);
         }
@@ -54,7 +48,7 @@ public:
 
     void Add(std::int64_t number, const std::vector<std::string>& cells) {
         if (format_ == Format::Json) {
-            array_.Add(JsonRow(number, cells));
+            array_.AddJson(JsonRow(std::to_string(number), cells));
         } else {
             Row(std::to_string(number), cells);
         }
@@ -70,13 +64,14 @@ public:
     [[nodiscard]] bool Any() const noexcept { return any_; }
 
 private:
-    static nlohmann::ordered_json JsonRow(nlohmann::ordered_json first,
-                                          const std::vector<std::string>& cells) {
-        nlohmann::ordered_json row = nlohmann::ordered_json::array({std::move(first)});
-        for (const std::string& cell : cells) {
-            row.push_back(JsonString(cell));
+    /// An array of a value that is JSON already, and of texts.
+    const std::string& JsonRow(const std::string& first, const std::vector<std::string>& texts) {
+        line_ = '[' + first;
+        for (const std::string& text : texts) {
+            line_ += ", ";
+            AppendJsonText(line_, text);
         }
-        return row;
+        return line_ += ']';
     }
 
     void Row(const std::string& number, const std::vector<std::string>& cells) {
@@ -191,11 +186,7 @@ void AddList(CLI::App& program) {
     const auto options = std::make_shared<Options>();
     CLI::App& command = AddCommand(program, "list", "the listing, as the State window shows it",
                                    [options] { return Run(*options); });
-    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
-    AddOutput(command, options->output);
-    AddOverwrite(command, options->output);
-    AddJson(command, options->json);
-    AddBusOptions(command, options->bus);
+    AddCaptureOptions(command, *options);
     AddRange(command, options->range);
     Completed(AddTexts(command, "--columns", options->columns, "NAME,...", "these columns only"),
               Completion::Kind::Names);

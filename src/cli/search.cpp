@@ -1,5 +1,6 @@
 #include "capture/search_condition.h"
 #include "cli/bus.h"
+#include "cli/capture_options.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
@@ -11,7 +12,6 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
-#include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
@@ -19,15 +19,11 @@ namespace {
 
 constexpr const char* noMatch = "No match found.";
 
-struct SearchOptions {
-    std::string file;
-    OutputOptions output;
-    BusOptions bus;
+struct SearchOptions : CaptureOptions {
     std::vector<std::string> patterns;
     std::optional<std::int64_t> from;
     bool backward = false;
     bool all = false;
-    bool json = false;
 };
 
 struct FilterOptions {
@@ -97,7 +93,7 @@ public:
 private:
     void Print(std::int32_t number) {
         if (json_) {
-            array_.Add(number);
+            array_.AddJson(std::to_string(number));
         } else {
             output_.Write(std::to_string(number) + "\n");
         }
@@ -206,12 +202,8 @@ void AddSearch(CLI::App& program) {
     CLI::App& command =
         AddCommand(program, "search", "the numbers of the samples that match a pattern",
                    [options] { return RunSearch(*options); });
-    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
+    AddCaptureOptions(command, *options);
     AddPatterns(command, options->patterns);
-    AddOutput(command, options->output);
-    AddOverwrite(command, options->output);
-    AddJson(command, options->json);
-    AddBusOptions(command, options->bus);
     AddNumber(command, "--from", options->from, "N", {}, "begin at sample N (the trigger is 0)");
     AddFlag(command, "--backward", options->backward, "search towards the first sample");
     AddFlag(command, "--all", options->all, "all matches, not the first alone");

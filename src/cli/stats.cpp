@@ -1,5 +1,5 @@
 #include "analysis/trace_stats.h"
-#include "cli/bus.h"
+#include "cli/capture_options.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
@@ -9,26 +9,15 @@
 #include "platform/text.h"
 #include "signals/value_text.h"
 
-#include <map>
 #include <nlohmann/json.hpp>
 
 namespace busquill::cli {
 
 namespace {
 
-struct Options {
-    std::string file;
-    OutputOptions output;
-    BusOptions bus;
-    bool json = false;
-};
-
 unsigned long long Count(std::uint64_t number) {
     return number;
 }
-
-/// The number of the first sample of each finding, by its code.
-using FirstNumbers = std::map<std::uint8_t, std::int64_t>;
 
 double Share(std::int64_t part, std::int64_t whole) {
     return whole > 0 ? 100.0 * static_cast<double>(part) / static_cast<double>(whole) : 0.0;
@@ -74,7 +63,7 @@ std::vector<Line> LinesOf(const TraceSummary& sum) {
     return lines;
 }
 
-std::string AsText(const TraceSummary& sum, const FirstNumbers& first) {
+std::string AsText(const TraceSummary& sum) {
     std::string text = Printf(
         "%-24s %llu\n%-24s %s\n%-24s %.1f%% of the time, %.1f%% of the samples\n",
         "Samples:", Count(sum.samples), "Time:", FormatTime(sum.time, false).c_str(),
@@ -102,13 +91,13 @@ std::string AsText(const TraceSummary& sum, const FirstNumbers& first) {
         text += Printf("\n%-6s %8s %12s  %s\n", "CODE", "COUNT", "FIRST SAMPLE", "FINDING");
         for (const FindingCount& finding : *sum.findings) {
             text += Printf("%-6u %8llu %12lld  %s\n", finding.code, Count(finding.count),
-                           static_cast<long long>(first.at(finding.code)), finding.label.c_str());
+                           static_cast<long long>(finding.firstSample), finding.label.c_str());
         }
     }
     return text;
 }
 
-nlohmann::ordered_json AsJson(const TraceSummary& sum, const FirstNumbers& first) {
+nlohmann::ordered_json AsJson(const TraceSummary& sum) {
     using Json = nlohmann::ordered_json;
     Json json = {{"samples", sum.samples},
                  {"time", sum.time},
@@ -133,29 +122,21 @@ nlohmann::ordered_json AsJson(const TraceSummary& sum, const FirstNumbers& first
         findings.push_back({{"code", finding.code},
                             {"finding", JsonString(finding.label)},
                             {"count", finding.count},
-                            {"first", first.at(finding.code)}});
+                            {"first", finding.firstSample}});
     }
     return json;
 }
 
-int Run(const Options& options) {
+int Run(const CaptureOptions& options) {
     CheckTarget(options.output, {options.file});
     Bus bus(options.bus);
     TraceInput input(options.file, bus.Tables());
     input.ReadHead();
     TraceStats stats(bus.Board(), bus.Tables());
-    FirstNumbers first;
     std::int64_t added = 0;
     Progress progress("Counting", input.Stream().Last() - input.Stream().First() + 1);
     while (const SampleRows* rows = input.NextRows()) {
-        stats.Add(rows->records);
-        const TraceSummary sum = stats.Summary();
-        for (const FindingCount& finding : sum.findings.value_or(std::vector<FindingCount>())) {
-            const std::int64_t row = static_cast<std::int64_t>(finding.firstSample) - added;
-            if (!first.contains(finding.code)) {
-                first[finding.code] = rows->numbers[static_cast<std::size_t>(row)];
-            }
-        }
+        stats.Add(*rows);
         added += static_cast<std::int64_t>(rows->Size());
         progress.At(rows->numbers.back() - input.Stream().First());
     }
@@ -165,7 +146,7 @@ int Run(const Options& options) {
     }
     Output output(options.output.path);
     const TraceSummary sum = stats.Summary();
-    output.Write(options.json ? JsonLine(AsJson(sum, first)) + "\n" : AsText(sum, first));
+    output.Write(options.json ? JsonLine(AsJson(sum)) + "\n" : AsText(sum));
     output.Close();
     return ExitStatus::Done;
 }
@@ -173,15 +154,11 @@ int Run(const Options& options) {
 } // namespace
 
 void AddStats(CLI::App& program) {
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<CaptureOptions>();
     CLI::App& command =
         AddCommand(program, "stats", "transactions, bytes, bursts, wait states and findings",
                    [options] { return Run(*options); });
-    CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
-    AddOutput(command, options->output);
-    AddOverwrite(command, options->output);
-    AddJson(command, options->json);
-    AddBusOptions(command, options->bus);
+    AddCaptureOptions(command, *options);
 }
 
 } // namespace busquill::cli

@@ -99,9 +99,8 @@ TEST_F(CommandLineOptions, WordsThatLookLikeOthersAreOperands) {
 }
 
 TEST_F(CommandLineOptions, AValueMayLookLikeAnOption) {
-    EXPECT_EQ(Say({"paint", "-p", "--json", "--pattern", "-x", "-p", "[a,b]", "--pattern=", "one"}),
-              "0 ");
-    EXPECT_THAT(patterns, ElementsAre("--json", "-x", "[a,b]", ""));
+    EXPECT_EQ(Say({"paint", "-p", "--json", "--pattern", "-x", "-p", "[a,b]", "one"}), "0 ");
+    EXPECT_THAT(patterns, ElementsAre("--json", "-x", "[a,b]"));
     EXPECT_FALSE(json);
     EXPECT_THAT(files, ElementsAre("one"));
 }
@@ -119,6 +118,9 @@ TEST_F(CommandLineOptions, SaysWhatIsWrongAndWhatWouldBeRight) {
               "2 easel: look takes no file, not also \"one\"\n");
     EXPECT_EQ(Say({"look"}), "2 easel: look needs --port PORT; see easel look -h\n");
     EXPECT_EQ(Say({"look", "--port="}), "2 easel: --port needs a value: PORT\n");
+    EXPECT_EQ(Say({"paint", "--pattern=", "one"}), "2 easel: --pattern needs a value: NAME\n");
+    EXPECT_EQ(Say({"paint", "-o", "", "one"}), "2 easel: --output needs a value: FILE\n");
+    EXPECT_EQ(Say({"paint", "one", ""}), "2 easel: FILE is empty\n");
     EXPECT_EQ(Say({"look", "--port", "x", "--baud", "1200"}),
               "2 easel: --baud is one of 9600, 19200, 38400, 57600; not \"1200\"\n");
     EXPECT_EQ(Say({"paint", "one", "--from"}), "2 easel: --from needs a value: N\n");
@@ -141,7 +143,7 @@ TEST_F(CommandLineOptions, HelpAndVersionComeBeforeComplaints) {
     EXPECT_THAT(out, HasSubstr("Usage: easel paint [OPTION...] FILE...\n\nPaints files.\n"));
     EXPECT_THAT(out, HasSubstr("\n  -o, --output FILE                write to FILE;"));
     EXPECT_EQ(Say({"-h"}), "0 ");
-    EXPECT_THAT(out, HasSubstr("\n  paint     FILE...  paints files\n  look "));
+    EXPECT_THAT(out, HasSubstr("\n  paint  FILE...  paints files\n  look            looks\n"));
     EXPECT_THAT(out, HasSubstr("\nBye.\n"));
     EXPECT_EQ(Say({"look", "-V"}), "0 ");
     EXPECT_THAT(out, testing::MatchesRegex("easel [0-9.]+\n"));

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <regex>
 
 namespace busquill::test {
 namespace {
@@ -124,6 +125,26 @@ TEST_F(BashCompletion, OffersWhatTheBoardsFunctionsTake) {
     EXPECT_THAT(Offered({"busquill-board", "backplane", "--port", "COM1", ""}),
                 ElementsAre("b.bpt"));
     EXPECT_THAT(Offered({"busquill-board", "ports", ""}), IsEmpty());
+}
+
+TEST(ShellCompletion, EveryFunctionIsCalled) {
+    const std::regex definition(R"((?:^|\n)(?:function )?(_[\w-]+)(?:\(\)|\n))");
+    for (const std::string& program : {TraceProgramPath(), BoardProgramPath()}) {
+        const std::string name = program.substr(program.rfind('/') + 1);
+        for (const std::string& page : {name + ".bash", "_" + name, name + ".fish"}) {
+            const std::string text = ReadWholeFile(PageOf(program, page));
+            const std::sregex_iterator end;
+            int functions = 0;
+            for (std::sregex_iterator at(text.begin(), text.end(), definition); at != end; ++at) {
+                const std::regex use((*at)[1].str() + R"((?![\w-]))");
+                EXPECT_GT(std::distance(std::sregex_iterator(text.begin(), text.end(), use), end),
+                          1)
+                    << page << ": " << (*at)[1];
+                ++functions;
+            }
+            EXPECT_TRUE(functions > 0 || page == "busquill-board.fish") << page;
+        }
+    }
 }
 
 /// The completions of zsh and fish are sourced, and asked as those shells allow it.

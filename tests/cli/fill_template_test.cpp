@@ -51,6 +51,15 @@ TEST_F(Template, RefusesWhatTheProgramDoesNotHave) {
     EXPECT_THAT(Failure("@nonsense@"), HasSubstr("unknown part @nonsense@"));
 }
 
+TEST_F(Template, LeavesOutWhatTheProgramDoesNotNeed) {
+    EXPECT_EQ(Fill("a\n@if names@\nb @program@\n@end@\nc\n"), "a\nc\n");
+    Completed(AddText(*CommandsOf(*program).front(), "--of", brush, "NAME", "of"),
+              Completion::Kind::Names);
+    EXPECT_EQ(Fill("a\n@if names@\nb @program@\n@end@\nc\n"), "a\nb easel-2\nc\n");
+    EXPECT_THAT(Failure("@if colours@\nb\n@end@\n"), HasSubstr("unknown condition"));
+    EXPECT_THAT(Failure("@if names@\nb\n"), HasSubstr("without an end"));
+}
+
 TEST_F(Template, FillsAManPage) {
     EXPECT_EQ(Fill("@synopsis paint@"), ".B easel\\-2 paint\n"
                                         "\\fB\\-\\-brush\\fR \\fINAME\\fR\n"

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,14 @@ protected:
         EXPECT_EQ(run.status, 2) << says;
         EXPECT_EQ(run.out, "");
         EXPECT_EQ(run.err, Line(says));
+    }
+    static std::vector<std::string> LinesOf(const std::string& text) {
+        std::vector<std::string> lines;
+        std::istringstream stream(text);
+        for (std::string line; std::getline(stream, line);) {
+            lines.push_back(line);
+        }
+        return lines;
     }
     static std::string Line(const std::string& text) { return "busquill-board: " + text + "\n"; }
 

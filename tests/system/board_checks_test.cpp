@@ -4,8 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <sstream>
-
 namespace busquill::test {
 namespace {
 
@@ -24,14 +22,6 @@ using testing::StartsWith;
 
 class BoardProgramChecks : public BoardProgramOverWire {
 protected:
-    static std::vector<std::string> LinesOf(const std::string& text) {
-        std::vector<std::string> lines;
-        std::istringstream stream(text);
-        for (std::string line; std::getline(stream, line);) {
-            lines.push_back(line);
-        }
-        return lines;
-    }
     /// The payload of the last write of so many bytes.
     [[nodiscard]] std::string LastPayload(std::size_t bytes) const {
         std::string last;
@@ -242,6 +232,23 @@ TEST_F(BoardProgramChecks, TheSignalsOfTheBusAreListed) {
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.out, " 86  Error Reporting   PERR\n 87  Error Reporting   SERR\n");
     EXPECT_EQ(Asked("function 39 "), 0);
+}
+
+TEST_F(BoardProgramChecks, AGroupIsTickedWhenAllItsSignalsAre) {
+    StartBoard();
+    const auto kept = [this](std::vector<std::string> choice) {
+        choice.insert(choice.begin(), {"backplane", "--list", "-o", "kept.bpt"});
+        EXPECT_EQ(Run(choice).status, 0);
+        return ReadWholeFile(files.File("kept.bpt"));
+    };
+    EXPECT_THAT(kept({"--only", "Error Reporting"}),
+                HasSubstr("\"Test\",\"Error Reporting\"\r\n\"Test\",\"PERR\"\r\n"
+                          "\"Test\",\"SERR\"\r\n"));
+    EXPECT_THAT(kept({"--only", "PERR"}), Not(HasSubstr("Error Reporting")));
+    const std::string without = kept({"--without", "PERR"});
+    EXPECT_THAT(without, Not(HasSubstr("Error Reporting")));
+    EXPECT_THAT(without, HasSubstr("\"Test\",\"SERR\"\r\n"));
+    EXPECT_THAT(kept({}), HasSubstr("\"Test\",\"Error Reporting\"\r\n"));
 }
 
 TEST_F(BoardProgramChecks, AFileOnABoardOfAnotherBusIsReadAsAWindowReadsIt) {

@@ -88,6 +88,55 @@ TEST_F(BoardProgramCompliance, ResultsAreKeptAsAWindowKeepsThem) {
                       HasSubstr("\"Result\",\"CFG1\",\"Passed\",0,\"One\"\r\n")));
 }
 
+TEST_F(BoardProgramCompliance, AResultThatCannotBeKeptIsAFailure) {
+    StartBoard();
+    WriteList({"CFG1"});
+    const ProgramRun run = Run({"compliance", "list.cpl", "-o", "kept.cpl"}, {.diskBytes = 10});
+    EXPECT_EQ(run.status, 3);
+    EXPECT_THAT(run.out, HasSubstr("1 passed"));
+    EXPECT_THAT(run.err, AllOf(StartsWith("busquill-board: "), HasSubstr("kept.cpl")));
+    EXPECT_FALSE(std::filesystem::exists(files.File("kept.cpl")));
+}
+
+TEST_F(BoardProgramCompliance, AReportAsPdfNeedsTheProgramThatDrawsIt) {
+    WriteList({"CFG1"});
+    const std::string alone = files.File("busquill-board");
+    std::filesystem::copy_file(BoardProgramPath(), alone);
+    const ProgramRun run =
+        RunSystemProgram(alone, {"compliance", "list.cpl", "--port", "COM1", "-o", "report.PDF"},
+                         {.folder = files.Path()});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, Line("report.PDF: a report as PDF needs the program busquill-report beside "
+                            "this one, which is built with the windows; a file with another ending "
+                            "is text"));
+}
+
+#if BUSQUILL_HAS_WINDOWS
+TEST_F(BoardProgramCompliance, AReportAsPdfIsThatOfAWindow) {
+    StartBoard({"--compliance", "CFG2 fail 5"});
+    WriteList({"CFG1", "CFG2"});
+    files.Write("report.pdf", "old");
+    // No display, and none that the environment names.
+    const ProgramRun run = Run({"compliance", "list.cpl", "-o", "report.pdf"},
+                               {.environment = {{"DISPLAY", ""},
+                                                {"WAYLAND_DISPLAY", ""},
+                                                {"QT_QPA_PLATFORM", "xcb"},
+                                                {"XDG_RUNTIME_DIR", files.Path()}}});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err, "");
+    EXPECT_THAT(ReadWholeFile(files.File("report.pdf")), StartsWith("%PDF-"));
+    const ProgramRun text = RunSystemProgram("/usr/bin/pdftotext", {"-layout", "report.pdf", "-"},
+                                             {.folder = files.Path()});
+    ASSERT_EQ(text.status, 0) << "needs pdftotext, of the package poppler-utils";
+    EXPECT_THAT(text.out, AllOf(HasSubstr("Compliance Tests - list"), HasSubstr("Page 1"),
+                                testing::ContainsRegex("CFG1\\. +One +Passed"),
+                                testing::ContainsRegex("CFG2\\. +Two +Failed\\(5\\)")));
+    const std::filesystem::directory_iterator left(temporary.Path());
+    EXPECT_EQ(std::distance(begin(left), end(left)), 0) << "temporary files";
+}
+#endif
+
 TEST_F(BoardProgramCompliance, TheDeviceOfTheListIsTested) {
     StartBoard();
     WriteList({"CFG1"}, "\"VendorID\",\"1000\"\r\n\"DeviceID\",\"0030\"\r\n");

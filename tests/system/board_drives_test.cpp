@@ -376,7 +376,7 @@ TEST_F(BoardProgramTarget, WrongUse) {
         EXPECT_EQ(run.status, 3);
         EXPECT_EQ(run.err, Line(says));
     };
-    fails({"none.tgt"}, "none.tgt: Error opening file none.tgt.");
+    fails({"none.tgt"}, "Error opening file none.tgt. No such file or directory.");
     files.Write("no.tgt", "hello\n");
     fails({"no.tgt"}, "no.tgt: Invalid target file type of ''.");
     fails({"io.tgt", "--fill", "none.dat"},

@@ -203,7 +203,9 @@ TEST_F(BoardProgramMaster, FormsAreCheckedBeforeTheBoardIsAsked) {
     const ProgramRun other = RunWithoutBoard({"master", "no.mst", "--port", "COM1"});
     EXPECT_EQ(other.status, 3);
     EXPECT_EQ(other.err, Line("no.mst: Invalid master file type of 'Target File'."));
-    EXPECT_EQ(RunWithoutBoard({"master", "none.mst", "--port", "COM1"}).status, 3);
+    const ProgramRun none = RunWithoutBoard({"master", "none.mst", "--port", "COM1"});
+    EXPECT_EQ(none.status, 3);
+    EXPECT_EQ(none.err, Line("Error opening file none.mst. No such file or directory."));
 }
 
 TEST_F(BoardProgramMaster, WrongUse) {

@@ -4,8 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <sstream>
-
 namespace busquill::test {
 namespace {
 
@@ -21,14 +19,6 @@ using testing::StartsWith;
 
 class BoardProgramPerformance : public BoardProgramOverWire {
 protected:
-    static std::vector<std::string> LinesOf(const std::string& text) {
-        std::vector<std::string> lines;
-        std::istringstream stream(text);
-        for (std::string line; std::getline(stream, line);) {
-            lines.push_back(line);
-        }
-        return lines;
-    }
     /// The numbers after the time of each line of comma separated values, without the head.
     static std::vector<std::string> ValuesOf(const std::string& csv) {
         std::vector<std::string> lines = LinesOf(csv);
@@ -92,6 +82,29 @@ TEST_F(BoardProgramPerformance, PrintsJsonLinesUntilItsTimeIsOver) {
                                             R"("Cycle : Mem": [0-9]+, "Cycle : I/O": [0-9]+, )"
                                             R"("Cycle : Cfg": [0-9]+\})"));
     EXPECT_EQ(Asked("stop performance"), 1);
+}
+
+TEST_F(BoardProgramPerformance, AReadingThatIsDueWhenTheTimeIsOverStillComes) {
+    StartBoard();
+    const ProgramRun one =
+        Run({"performance", "latency", "--csv", "--interval", "1s", "--for", "1"});
+    EXPECT_EQ(one.status, 0);
+    EXPECT_EQ(one.err, "");
+    EXPECT_THAT(ValuesOf(one.out), SizeIs(1));
+    const ProgramRun some =
+        Run({"performance", "latency", "--csv", "--interval", "300ms", "--for", "1s"});
+    EXPECT_EQ(some.status, 0);
+    EXPECT_THAT(ValuesOf(some.out), SizeIs(3));
+}
+
+TEST_F(BoardProgramPerformance, NoReadingComesAfterTheLastThatWasAskedFor) {
+    StartBoard();
+    const ProgramRun run = Run(
+        {"performance", "latency", "--csv", "--count", "4", "--interval", "1ms", "-o", "run.per"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(ValuesOf(run.out), SizeIs(4));
+    EXPECT_EQ(run.err, Line("run.per: 4 readings"));
+    EXPECT_THAT(ReadWholeFile(files.File("run.per")), HasSubstr("\"Number of Results\",4\r\n"));
 }
 
 TEST_F(BoardProgramPerformance, LinesComeAtOnceAndTheBoardIsStoppedWhenTheReaderHasGone) {
@@ -168,6 +181,10 @@ TEST_F(BoardProgramPerformance, WrongUse) {
     wrong({"latency", "--interval", "11m"}, "--interval is at most 10m, not 11m");
     wrong({"latency", "--count", "0"}, "--count is a number of readings from 1 up, not 0");
     wrong({"latency", "--count", "few"}, "--count takes a whole number, not \"few\"");
+    wrong({"latency", "--interval", "1s", "--for", "999ms"},
+          "--for ends before the first reading, which comes after 1000 ms");
+    wrong({"latency", "--for", "99ms"},
+          "--for ends before the first reading, which comes after 100 ms");
     wrong({"latency", "--csv", "--json"}, "--json excludes --csv");
     wrong({}, "performance needs TYPE [SETUP.psu]");
 }

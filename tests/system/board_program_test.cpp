@@ -40,6 +40,19 @@ TEST_F(BoardProgram, WrongUseIsTold) {
                                                   "COM8, USB and paths of terminal devices");
 }
 
+TEST_F(BoardProgram, AFileBesideTheResultsIsNotStandardOutput) {
+    for (const std::vector<std::string>& command :
+         std::vector<std::vector<std::string>>{{"anomaly", "-o", "-"},
+                                               {"backplane", "-o", "-"},
+                                               {"performance", "latency", "-o", "-"},
+                                               {"compliance", "list.cpl", "-o", "-"}}) {
+        std::vector<std::string> words = command;
+        words.insert(words.end(), {"--port", "COM1"});
+        ExpectWrongUse(words, "standard output has the results already; instead of - give the name "
+                              "of a file");
+    }
+}
+
 TEST_F(BoardProgram, ABoardThatDoesNotAnswerIsAFailure) {
     StartBoard({"--fault", "silence"});
     const ProgramRun run = Run({"info"});

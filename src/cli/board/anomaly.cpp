@@ -55,25 +55,15 @@ private:
     const bool isJson_;
 };
 
-void Save(BoardSession& session, CAnomalyDetectionDoc& document, const std::string& path) {
-    if (!path.empty() && !document.OnSaveDocument(path)) {
-        session.PrintMessages();
-        throw ExitRequest{};
-    }
-}
-
 int RunAnomaly(const AnomalyOptions& options) {
-    CheckFolderOf(options.output);
+    CheckFileBeside(options.output);
     BoardSession session(options.board);
     CAnomalyDetectionDoc document([&session] { return AnomalyTable(session.Link().Traits()); },
                                   session.Boxes());
     Tick(document, options.choice);
     Printer printer(document, options.board.json);
     if (options.choice.list) {
-        PrintTicked(printer.output, document, options.board.json);
-        printer.output.Close();
-        Save(session, document, options.output);
-        return ExitStatus::Done;
+        return ListTicked(session, document, options.board.json, options.output);
     }
     Polls polls(session);
     AnomalyRun run(polls.Parts(), document, printer);
@@ -90,7 +80,7 @@ int RunAnomaly(const AnomalyOptions& options) {
     }
     run.Stop();
     session.PrintMessages();
-    Save(session, document, options.output);
+    SaveChecks(session, document, options.output);
     if (polls.IsBoardLost()) {
         Fail("the board does not answer any more");
     }

@@ -95,18 +95,11 @@ void Load(BoardSession& session, CBackplaneTestDoc& document, const std::string&
     }
 }
 
-void Save(BoardSession& session, CBackplaneTestDoc& document, const std::string& path) {
-    if (!path.empty() && !document.OnSaveDocument(path)) {
-        session.PrintMessages();
-        throw ExitRequest{};
-    }
-}
-
 int RunBackplane(const BackplaneOptions& options) {
     if (!options.file.empty()) {
         static_cast<void>(OpenInput(options.file)); // fails before the board is asked
     }
-    CheckFolderOf(options.output);
+    CheckFileBeside(options.output);
     BoardSession session(options.board);
     CBackplaneTestDoc document([&session] { return BackplaneTable(session.Link().Traits()); },
                                session.Boxes());
@@ -114,10 +107,7 @@ int RunBackplane(const BackplaneOptions& options) {
     Tick(document, options.choice);
     Printer printer(options.board.json);
     if (options.choice.list) {
-        PrintTicked(printer.output, document, options.board.json);
-        printer.output.Close();
-        Save(session, document, options.output);
-        return ExitStatus::Done;
+        return ListTicked(session, document, options.board.json, options.output);
     }
     Polls polls(session);
     BackplaneRun run(
@@ -130,7 +120,7 @@ int RunBackplane(const BackplaneOptions& options) {
         run.Stop();
     }
     const bool failed = session.HadMessages();
-    Save(session, document, options.output);
+    SaveChecks(session, document, options.output);
     if (end == WaitEnd::Interrupted) {
         session.Status(Printf("interrupted at signal %d", printer.signals));
     }

@@ -1,5 +1,6 @@
 #include "cli/board/check_choice.h"
 
+#include "cli/board/board_session.h"
 #include "cli/board/line_output.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
@@ -172,7 +173,16 @@ void Tick(CheckTableDocument& document, const CheckChoice& choice) {
     }
 }
 
-void PrintTicked(LineOutput& output, const CheckTableDocument& document, bool asJson) {
+void SaveChecks(BoardSession& session, CheckTableDocument& document, const std::string& path) {
+    if (!path.empty() && !document.OnSaveDocument(path)) {
+        session.PrintMessages();
+        throw ExitRequest{};
+    }
+}
+
+int ListTicked(BoardSession& session, CheckTableDocument& document, bool asJson,
+               const std::string& path) {
+    LineOutput output;
     const std::vector<Check> checks = ChecksOf(document.Table());
     std::size_t width = 0;
     for (const Check& check : checks) {
@@ -182,13 +192,16 @@ void PrintTicked(LineOutput& output, const CheckTableDocument& document, bool as
         if (!document.IsEnabled(check.row)) {
             continue;
         }
-        const std::string path = PathOf(check.groups);
+        const std::string groups = PathOf(check.groups);
         output.Print(asJson ? JsonLine({{"number", check.number},
-                                        {"group", JsonString(path)},
+                                        {"group", JsonString(groups)},
                                         {"text", JsonString(check.text)}})
                             : Printf("%3d  %-*s  %s", check.number, static_cast<int>(width),
-                                     path.c_str(), check.text.c_str()));
+                                     groups.c_str(), check.text.c_str()));
     }
+    output.Close();
+    SaveChecks(session, document, path);
+    return ExitStatus::Done;
 }
 
 } // namespace busquill::cli::board

@@ -14,7 +14,7 @@ class CheckTableDocument;
 
 namespace busquill::cli::board {
 
-class LineOutput;
+class BoardSession;
 
 struct CheckChoice {
     const char* noun = "check"; // what messages call one
@@ -31,7 +31,12 @@ void AddCheckChoice(CLI::App& command, CheckChoice& choice);
 /// that names nothing, and when nothing is ticked.
 void Tick(CheckTableDocument& document, const CheckChoice& choice);
 
-/// Prints a line for each ticked check: number, group, text.
-void PrintTicked(LineOutput& output, const CheckTableDocument& document, bool asJson);
+/// Keeps a document in a file if there is a path; throws ExitRequest when it cannot be written.
+void SaveChecks(BoardSession& session, CheckTableDocument& document, const std::string& path);
+
+/// Carries out --list: prints a line for each ticked check (number, group, text), and keeps the
+/// document. Returns the exit status.
+[[nodiscard]] int ListTicked(BoardSession& session, CheckTableDocument& document, bool asJson,
+                             const std::string& path);
 
 } // namespace busquill::cli::board

@@ -3,8 +3,8 @@
 #include "cli/board/board_session.h"
 #include "cli/board/commands.h"
 #include "cli/board/line_output.h"
-#include "cli/board/output_file.h"
 #include "cli/board/polls.h"
+#include "cli/board/report_file.h"
 #include "cli/board/time_stamp.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
@@ -44,6 +44,8 @@ struct DeviceId {
     friend bool operator==(const DeviceId&, const DeviceId&) = default;
 };
 
+constexpr DeviceId anyDevice; // a list that names none has zeros
+
 DeviceId IdOf(const DeviceIdentity& identity) {
     return {identity.vendorId, identity.deviceId};
 }
@@ -63,6 +65,11 @@ std::optional<DeviceId> ParseId(const std::string& text) {
     const bool fits =
         deviceError == std::errc() && stop == end && id.vendor <= 0xFFFF && id.device <= 0xFFFF;
     return fits ? std::optional(id) : std::nullopt;
+}
+
+/// The device to test, or any.
+DeviceId WantedDevice(const ComplianceOptions& options, const CComplianceDoc& document) {
+    return ParseId(options.device).value_or(IdOf(document.Device().Identity()));
 }
 
 /// The report, line by line as the tests end, and as a whole for a file.
@@ -171,13 +178,13 @@ private:
 
 /// Looks for the device; throws ExitRequest when it is not there. Returns its function number.
 int FindDevice(BoardSession& session, ComplianceRun& run, const CComplianceDoc& document,
-               const std::optional<DeviceId>& wanted) {
+               const DeviceId& wanted) {
     auto direction = ScanDirection::First;
     while (const auto function = run.Find(direction)) {
         if (session.HadMessages()) {
             break;
         }
-        if (!wanted || IdOf(document.Device().Identity()) == *wanted) {
+        if (wanted == anyDevice || IdOf(document.Device().Identity()) == wanted) {
             return *function;
         }
         if (session.WasInterrupted()) {
@@ -186,7 +193,8 @@ int FindDevice(BoardSession& session, ComplianceRun& run, const CComplianceDoc& 
         direction = ScanDirection::Next;
     }
     session.PrintMessages();
-    Fail(wanted ? "the device " + IdText(*wanted) + " was not found" : "no device to test");
+    Fail(wanted == anyDevice ? "no device to test"
+                             : "the device " + IdText(wanted) + " was not found");
 }
 
 /// The tests of the list that are ticked.
@@ -198,21 +206,6 @@ std::size_t TickedTests(const CheckList& list, const CComplianceDoc& document) {
         count += inGroup && !list[i].isGroup && document.IsSelected(static_cast<int>(i)) ? 1 : 0;
     }
     return count;
-}
-
-/// A file that ends in ".cpl" keeps the test as a window does, any other the report.
-void Save(BoardSession& session, CComplianceDoc& document, const Report& report,
-          const std::string& path) {
-    if (path.ends_with(".cpl")) {
-        if (!document.OnSaveDocument(path)) {
-            session.PrintMessages();
-            throw ExitRequest{};
-        }
-    } else if (!path.empty()) {
-        LineOutput file(path);
-        file.Write(report.Text());
-        file.Close();
-    }
 }
 
 /// Opens the list; throws ExitRequest if there is nothing to test. Before the board is asked.
@@ -236,15 +229,13 @@ void Open(CComplianceDoc& document, const CheckList& checks, LinePrompts& prompt
 }
 
 int RunCompliance(const ComplianceOptions& options) {
-    CheckFolderOf(options.output);
+    CheckReportFile(options.output);
     const CheckList checks = LoadCheckList(WorkingDirectory::AtStart());
     LinePrompts prompts;
     CComplianceDoc document(WorkingDirectory::AtStart(), prompts);
     Open(document, checks, prompts, options.list);
-    const DeviceId listed = IdOf(document.Device().Identity());
-    const std::optional<DeviceId> wanted = !options.device.empty() ? ParseId(options.device)
-                                           : listed == DeviceId()  ? std::nullopt
-                                                                   : std::optional(listed);
+    const std::string listName(BaseNameOf(options.list));
+    const DeviceId wanted = WantedDevice(options, document);
     BoardSession session(options.board);
     Report report(options.board.json);
     Operator asked(session, report, options.noOperator);
@@ -268,7 +259,12 @@ int RunCompliance(const ComplianceOptions& options) {
     if (end == WaitEnd::Interrupted || session.WasInterrupted()) {
         session.Status("interrupted");
     }
-    Save(session, document, report, options.output);
+    if (!WriteReportFile(options.output, document, "Compliance Tests - " + listName,
+                         report.Text())) {
+        const auto said = prompts.Take();
+        Fail(said.empty() ? Printf("Error writing file %s.", options.output.c_str())
+                          : said.front());
+    }
     report.Output().Close();
     if (failed) {
         return ExitStatus::Failure;
@@ -300,7 +296,8 @@ void AddCompliance(CLI::App& program) {
     AddFlag(command, "--no-operator", options->noOperator,
             "skip the tests that need somebody at the board");
     CompletedWithFiles(AddText(command, "-o,--output", options->output, "FILE",
-                               "keep the report as text, or ticks and results (.cpl)"));
+                               "keep the report as text, as PDF (.pdf), or ticks and results "
+                               "(.cpl)"));
 }
 
 } // namespace busquill::cli::board

@@ -4,6 +4,7 @@
 #include "cli/board/master_runner.h"
 #include "cli/command_line.h"
 #include "cli/exit_request.h"
+#include "cli/input.h"
 #include "cli/json.h"
 #include "cli/temporary_file.h"
 #include "exerciser/master_document.h"
@@ -34,6 +35,7 @@ struct MasterOptions {
 /// Ends the program if a file is not a form, before connecting to the board. What its fields mean
 /// depends on the board, so it is read again later.
 void CheckForm(const std::string& path) {
+    static_cast<void>(OpenInput(path)); // tells why it cannot be opened
     LinePrompts prompts;
     CMasterDoc document([] { return BoardTraits(); }, prompts);
     if (!document.OnOpenDocument(path)) {

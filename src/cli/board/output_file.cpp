@@ -17,4 +17,11 @@ void CheckFolderOf(const std::string& path) {
     }
 }
 
+void CheckFileBeside(const std::string& path) {
+    if (path == "-") {
+        WrongUse("standard output has the results already; instead of - give the name of a file");
+    }
+    CheckFolderOf(path);
+}
+
 } // namespace busquill::cli::board

@@ -27,6 +27,9 @@ namespace busquill::cli::board {
 
 namespace {
 
+/// For a reading that is due when the time is over; it comes much sooner.
+constexpr Milliseconds lastReading = std::chrono::seconds(2);
+
 struct PerformanceOptions {
     BoardOptions board;
     std::string type;
@@ -80,6 +83,10 @@ PerformanceSetup SetupOf(const PerformanceOptions& options) {
     }
     if (std::ranges::all_of(setup.items, [](const auto& row) { return row.item < 1; })) {
         Fail(options.setup + ": nothing is counted");
+    }
+    if (options.limit && *options.limit < Milliseconds(setup.updateInterval)) {
+        WrongUse(Printf("--for ends before the first reading, which comes after %d ms",
+                        static_cast<int>(setup.updateInterval)));
     }
     return setup;
 }
@@ -170,7 +177,7 @@ private:
 class Measurement {
 public:
     Measurement(BoardSession& session, const PerformanceOptions& options, PerformanceSetup setup)
-        : session_(session), count_(options.count.value_or(0)),
+        : session_(session), limit_(options.limit), count_(options.count.value_or(0)),
           document_([&session] { return session.Link().Traits(); }, session.Boxes()),
           readings_(session.Boxes()), run_({.link = session.Link(),
                                             .prompts = session.Boxes(),
@@ -180,7 +187,6 @@ public:
                                            readings_),
           table_(options, PerformanceColumns(setup, session.Link().Traits())) {
         document_.Setup() = std::move(setup);
-        session_.SetLimit(options.limit);
     }
 
     void Run() {
@@ -193,6 +199,7 @@ public:
             session_.PrintMessages();
             Fail("the board has not taken the measurement");
         }
+        session_.SetLimit(limit_);
         const bool ended = Follow();
         run_.Stop();
         Print();
@@ -211,7 +218,8 @@ private:
     bool Follow() {
         const Milliseconds interval(document_.Setup().updateInterval);
         const Milliseconds longest = std::max<Milliseconds>(patience, 3 * interval);
-        auto heard = BoardSession::Time::now();
+        const auto begin = BoardSession::Time::now();
+        auto heard = begin;
         while (table_.Output().IsOpen() && (count_ == 0 || Count() < count_)) {
             const WaitEnd end = session_.WaitUntil([&] {
                 return readings_.Any() || session_.Link().IsBoardGone() ||
@@ -219,6 +227,10 @@ private:
             });
             if (end == WaitEnd::Interrupted) {
                 session_.Status("interrupted");
+            }
+            if (end == WaitEnd::TimeOver && heard < begin + *limit_ / interval * interval) {
+                session_.SetLimit(lastReading);
+                static_cast<void>(session_.WaitUntil([this] { return readings_.Any(); }));
             }
             if (end != WaitEnd::Done) {
                 return true;
@@ -238,6 +250,7 @@ private:
     }
 
     BoardSession& session_;
+    const std::optional<Milliseconds> limit_;
     const std::int64_t count_; // 0: any number
     CPerformanceDoc document_;
     Readings readings_;
@@ -248,7 +261,7 @@ private:
 
 int RunPerformance(const PerformanceOptions& options) {
     PerformanceSetup setup = SetupOf(options);
-    CheckFolderOf(options.output);
+    CheckFileBeside(options.output);
     BoardSession session(options.board);
     Measurement measurement(session, options, std::move(setup));
     measurement.Run();

@@ -37,6 +37,7 @@ struct TargetOptions {
 /// Ends the program if a file is not a form, before connecting to the board. What its fields mean
 /// depends on the board, so it is read again later.
 void CheckForm(const std::string& path) {
+    static_cast<void>(OpenInput(path)); // tells why it cannot be opened
     LinePrompts prompts;
     CTargetDoc document([] { return BoardTraits(); }, prompts);
     if (!document.OnOpenDocument(path)) {
@@ -163,7 +164,7 @@ int RunTarget(const TargetOptions& options) {
     if (!options.fill.empty()) {
         static_cast<void>(OpenInput(options.fill));
     }
-    CheckFolderOf(options.read);
+    CheckFileBeside(options.read);
     BoardSession session(options.board);
     CTargetDoc document([&session] { return session.Link().Traits(); }, session.Boxes());
     if (!document.OnOpenDocument(options.form)) {

@@ -3,6 +3,7 @@
 #include "analysis/bus_traffic.h"
 #include "analysis/signal_lines.h"
 #include "analysis/value_labels.h"
+#include "capture/sample_rows.h"
 #include "signals/value_text.h"
 
 #include <algorithm>
@@ -42,13 +43,19 @@ TraceStats::~TraceStats() = default;
 TraceStats::TraceStats(TraceStats&&) noexcept = default;
 TraceStats& TraceStats::operator=(TraceStats&&) noexcept = default;
 
-void TraceStats::Add(std::span<const SampleRecord> records) {
-    for (const SampleRecord& record : records) {
-        AddSample(record);
+void TraceStats::Add(const SampleRows& rows) {
+    for (std::size_t i = 0; i < rows.Size(); ++i) {
+        AddSample(rows.numbers[i], rows.records[i]);
     }
 }
 
-void TraceStats::AddSample(const SampleRecord& record) {
+void TraceStats::Add(std::span<const SampleRecord> records) {
+    for (const SampleRecord& record : records) {
+        AddSample(static_cast<std::int64_t>(samples_), record);
+    }
+}
+
+void TraceStats::AddSample(std::int64_t number, const SampleRecord& record) {
     // The time before the first sample is not part of the capture.
     const std::int64_t elapsed = samples_ == 0 || !sampleTime_ ? 0 : sampleTime_->Of(record);
     time_ = AddTimes(time_, elapsed);
@@ -61,17 +68,17 @@ void TraceStats::AddSample(const SampleRecord& record) {
     if (anomaly_ && record.Bit(anomaly_->dataIndex)) {
         ++anomalies_;
     }
-    AddFinding(record);
+    AddFinding(number, record);
     ++samples_;
 }
 
-void TraceStats::AddFinding(const SampleRecord& record) {
+void TraceStats::AddFinding(std::int64_t number, const SampleRecord& record) {
     if (!ruleCheck_) {
         return;
     }
     Finding& finding = findings_[ruleCheck_->Word(record)];
     if (finding.count++ == 0) {
-        finding.firstSample = samples_;
+        finding.firstSample = number;
     }
 }
 

@@ -15,6 +15,7 @@
 namespace busquill {
 
 class BusTraffic;
+struct SampleRows;
 
 /// Adds up a capture's traffic. Samples are added in order, in pieces of any size, which do not
 /// affect the result. A transaction that began before the first sample counts only for times. One
@@ -26,6 +27,8 @@ public:
     TraceStats(TraceStats&&) noexcept;
     TraceStats& operator=(TraceStats&&) noexcept;
 
+    void Add(const SampleRows& rows);
+    /// Samples without numbers count from 0.
     void Add(std::span<const SampleRecord> records);
     /// The summary of all samples so far; more may be added afterwards.
     [[nodiscard]] TraceSummary Summary() const;
@@ -33,11 +36,11 @@ public:
 private:
     struct Finding {
         std::uint64_t count = 0;
-        std::uint64_t firstSample = 0;
+        std::int64_t firstSample = 0;
     };
 
-    void AddSample(const SampleRecord& record);
-    void AddFinding(const SampleRecord& record);
+    void AddSample(std::int64_t number, const SampleRecord& record);
+    void AddFinding(std::int64_t number, const SampleRecord& record);
     [[nodiscard]] std::vector<FindingCount> Findings() const;
 
     std::optional<SampleTime> sampleTime_;

@@ -24,7 +24,7 @@ struct FindingCount {
     std::uint8_t code = 0;
     std::string label; // empty where the table has none
     std::uint64_t count = 0;
-    std::uint64_t firstSample = 0; // 0 is the first that was added
+    std::int64_t firstSample = 0; // its number
 
     friend bool operator==(const FindingCount&, const FindingCount&) = default;
 };

@@ -241,6 +241,15 @@ void TraceStream::EndSamples() {
     }
 }
 
+std::string TriggerWords(const TraceSurvey& survey, std::int64_t marked) {
+    const auto number = static_cast<long long>(marked);
+    if (survey.first > 0 || survey.last < 0) {
+        return Printf("not among the samples; marked at sample %lld", number);
+    }
+    return Printf("%ssample %lld, %lld samples before it", marked == 0 ? "" : "marked at ", number,
+                  number - static_cast<long long>(survey.first));
+}
+
 std::int64_t TraceStream::TriggerNumber() const noexcept {
     const auto counts = CountsOfRange(first_, last_);
     return first_ + (counts ? TriggerIndex(*counts) : 0);

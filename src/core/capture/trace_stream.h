@@ -31,6 +31,10 @@ struct TraceSurvey {
     [[nodiscard]] bool HasGaps() const noexcept { return rows != last - first + 1; }
 };
 
+/// Where the trigger is marked, `marked` being the number of that sample: in words. It is not on
+/// sample 0 if no samples follow that.
+[[nodiscard]] std::string TriggerWords(const TraceSurvey& survey, std::int64_t marked);
+
 /// Reads a trace file sequentially, in memory that does not grow with the file. A file whose
 /// samples do not ascend, or are not in one block after everything else, is held in memory; its
 /// samples are then returned as a window shows them: in order, and of several with the same number,

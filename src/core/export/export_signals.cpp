@@ -1,5 +1,6 @@
 #include "export/export_signals.h"
 
+#include "capture/trace_stream.h"
 #include "signals/cell_text.h"
 #include "signals/signal_list.h"
 #include "signals/value_text.h"
@@ -21,6 +22,16 @@ bool IsPlaceholder(const CSignal& signal) {
 }
 
 } // namespace
+
+ExportList ListToExport(const TraceStream& stream, bool zoom) {
+    if (zoom) {
+        return {stream.zoomList, ListUse::Wave};
+    }
+    const TraceParser& parser = stream.Parser();
+    const bool onlyState = parser.HasStateList() && !parser.HasWaveformList();
+    return onlyState ? ExportList{stream.stateList, ListUse::State}
+                     : ExportList{stream.waveformList, ListUse::Wave};
+}
 
 std::vector<ExportSignal> ExportSignals(const CSignalList& list, ListUse use) {
     std::vector<ExportSignal> signals;

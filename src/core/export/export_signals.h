@@ -12,9 +12,19 @@
 
 namespace busquill {
 
+class TraceStream;
+
 /// Which rows of a list are visible: in a listing those with a width, among waves those with a
 /// height.
 enum class ListUse { State, Wave };
+
+/// The list of a capture whose signals are exported.
+struct ExportList {
+    const CSignalList& list;
+    ListUse use;
+};
+/// That of the waveforms, of the listing if the file has only that, or of the Power Zoom.
+[[nodiscard]] ExportList ListToExport(const TraceStream& stream, bool zoom);
 
 /// A signal that is exported: a bit, a bus, or a decoded value.
 struct ExportSignal {

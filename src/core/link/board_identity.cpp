@@ -203,6 +203,17 @@ std::optional<BoardTraits> TraitsOfModel(std::string_view name) {
     return traits;
 }
 
+std::string_view ModelForBus(std::int32_t busMode) noexcept {
+    switch (busMode) {
+    case BusVmeP2:
+        return "VMEKiteP2";
+    case BusVmeP0:
+        return "VMEKiteP0";
+    default:
+        return "Demo Mode";
+    }
+}
+
 std::string_view BusModeName(std::int32_t busMode) noexcept {
     const auto index = static_cast<std::size_t>(busMode);
     return index < busModeNames.size() ? busModeNames[index] : busModeNames.front();

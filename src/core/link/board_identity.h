@@ -105,6 +105,10 @@ struct LiveStatus {
 /// The traits of a model by its name, in its first bus mode; nothing for an unknown model.
 [[nodiscard]] std::optional<BoardTraits> TraitsOfModel(std::string_view name);
 
+/// The model to assume for a capture of which only the bus is known: connectors have their own, for
+/// every other bus any will do.
+[[nodiscard]] std::string_view ModelForBus(std::int32_t busMode) noexcept;
+
 /// The bus modes of a model by its name; those of Demo Mode for an unknown one.
 [[nodiscard]] std::span<const std::int32_t> BusModesOfModel(std::string_view name) noexcept;
 

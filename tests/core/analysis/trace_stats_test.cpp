@@ -1,4 +1,5 @@
 #include "analysis/trace_stats.h"
+#include "capture/sample_rows.h"
 #include "support/board_tables.h"
 #include "support/capture_builder.h"
 #include "waves.h"
@@ -153,6 +154,21 @@ TEST(TraceStats, DoNotDependOnTheSizeOfThePieces) {
         }
         EXPECT_EQ(stats.Summary(), whole) << "in pieces of " << size;
     }
+}
+
+TEST(TraceStats, KnowTheNumberOfAFindingsFirstSample) {
+    const BoardTables bus("PCIKite");
+    SampleRows rows;
+    const CaptureBuilder capture = CaptureBuilder().Idle().Idle().Finding(112).Idle().Finding(112);
+    for (std::int32_t number = -50; const SampleRecord& record : capture.Records()) {
+        rows.Add(number, record);
+        number += 10; // a capture of which samples are missing
+    }
+    TraceStats stats(bus.board, bus.tables);
+    stats.Add(rows);
+    const FindingCount finding = stats.Summary().findings.value().front();
+    EXPECT_EQ(finding.count, 2U);
+    EXPECT_EQ(finding.firstSample, -40);
 }
 
 TEST(TraceStats, GoOnAfterASummary) {

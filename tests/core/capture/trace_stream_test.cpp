@@ -206,6 +206,20 @@ TEST_F(TraceStreams, ASurveyCoversTheWholeFileAndRewinds) {
     EXPECT_THAT(AllNumbers(), ElementsAre(-1, 0, 4));
 }
 
+TEST(TriggerWords, TellWhereTheTriggerIsMarked) {
+    const auto words = [](std::int64_t first, std::int64_t last, std::int64_t marked) {
+        TraceSurvey survey;
+        survey.first = first;
+        survey.last = last;
+        return TriggerWords(survey, marked);
+    };
+    EXPECT_EQ(words(-2070, 2025, 0), "sample 0, 2070 samples before it");
+    EXPECT_EQ(words(0, 9, 0), "sample 0, 0 samples before it");
+    EXPECT_EQ(words(-5, 0, -1), "marked at sample -1, 4 samples before it");
+    EXPECT_EQ(words(3, 9, 3), "not among the samples; marked at sample 3");
+    EXPECT_EQ(words(-9, -1, -9), "not among the samples; marked at sample -9");
+}
+
 TEST_F(TraceStreams, PowerZoomMayPrecedeTheSamples) {
     Open(header + "\"Power Zoom Data\",255,256\n0,9" + zeros.substr(2) +
          "\"End of Power Zoom Data\"\n\"Trace Data\",0,0\n" + Row(0));

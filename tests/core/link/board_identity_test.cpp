@@ -134,6 +134,15 @@ TEST(BusModes, AreOfferedByModel) {
     }
 }
 
+TEST(BusModes, AreKnownToTheModelThatIsAssumedForThem) {
+    EXPECT_EQ(ModelForBus(BusVmeP0), "VMEKiteP0");
+    EXPECT_EQ(ModelForBus(BusVmeP2), "VMEKiteP2");
+    EXPECT_EQ(ModelForBus(BusVsb), "Demo Mode");
+    for (std::int32_t mode = 0; mode < static_cast<std::int32_t>(BusModeNames().size()); ++mode) {
+        EXPECT_TRUE(TraitsOfModel(ModelForBus(mode))) << mode;
+    }
+}
+
 TEST(ParseBusConfigTest, DerivesTheModeFromModelAndCode) {
     const std::vector<std::array<std::int32_t, 4>> modes{
         {0, 0, 0, 0}, // 0: no model
