@@ -2,6 +2,7 @@
 
 #include "platform/prompts.h"
 #include "platform/text.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 
 #include <QApplication>
@@ -79,6 +80,7 @@ PrintFailure PrintPages(QPrinter& printer, std::int64_t count, const DrawPage& d
     }
     QProgressDialog progress("Printing...", "Cancel", from - 1, to, QApplication::activeWindow());
     progress.setWindowTitle("Print");
+    SetHelpPage(progress, "printing.md");
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(patience);
     for (int number = from; number <= to; ++number) {
@@ -114,6 +116,7 @@ bool IsLandscape(const QPrinter& printer) {
 void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print) {
     QPrinter printer(QPrinter::HighResolution);
     QPrintDialog dialog(&printer, parent);
+    SetHelpPage(dialog, "printing.md");
     while (dialog.exec() == QDialog::Accepted) {
         const PrintFailure failure = print(printer);
         if (!failure) {
@@ -126,6 +129,7 @@ void AskAndPrint(QWidget* parent, Prompts& prompts, const PrintTo& print) {
 void ShowPrintPreview(QWidget* parent, Prompts& prompts, const PrintTo& print) {
     QPrinter printer(QPrinter::HighResolution);
     QPrintPreviewDialog dialog(&printer, parent);
+    SetHelpPage(dialog, "printing.md");
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                      [&](QPrinter* preview) {
                          if (const PrintFailure failure = print(*preview)) {
