@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <map>
+#include <tuple>
+#include <utility>
 
 namespace busquill {
 
@@ -165,34 +167,39 @@ const std::vector<ManualTerm>& Manual::Index() {
 }
 
 std::vector<Manual::Found> Manual::Search(const QStringList& words) {
-    std::vector<Found> found;
-    if (words.isEmpty()) {
-        return found;
-    }
-    const auto inTitle = [&](const QString& title) {
-        return std::any_of(words.begin(), words.end(), [&](const QString& word) {
-            return title.contains(word, Qt::CaseInsensitive);
-        });
+    struct Ranked {
+        Found found;
+        bool inTitle;
+        bool together;
+        double density;
     };
+    std::vector<Ranked> ranked;
     for (const Text& text : Texts()) {
+        const auto has = [](const QString& where, const QString& word) {
+            return where.contains(word, Qt::CaseInsensitive);
+        };
+        const auto inText = [&](const QString& word) { return has(text.plain, word); };
+        const auto inTitle = [&](const QString& word) { return has(text.title, word); };
+        if (words.isEmpty() || !std::all_of(words.begin(), words.end(), inText)) {
+            continue;
+        }
         int places = 0;
         for (const QString& word : words) {
-            const auto count = static_cast<int>(text.plain.count(word, Qt::CaseInsensitive));
-            if (count == 0) {
-                places = 0;
-                break;
-            }
-            places += count;
+            places += static_cast<int>(text.plain.count(word, Qt::CaseInsensitive));
         }
-        if (places > 0) {
-            found.push_back({text.file, text.title, places});
-        }
+        ranked.push_back({{text.file, text.title, places},
+                          std::any_of(words.begin(), words.end(), inTitle),
+                          inText(words.join(' ')),
+                          static_cast<double>(places) / static_cast<double>(text.plain.size())});
     }
-    std::stable_sort(found.begin(), found.end(), [&](const Found& a, const Found& b) {
-        const bool first = inTitle(a.title);
-        const bool second = inTitle(b.title);
-        return first != second ? first : a.places > b.places;
+    std::stable_sort(ranked.begin(), ranked.end(), [](const Ranked& a, const Ranked& b) {
+        return std::tie(a.together, a.inTitle, a.density) >
+               std::tie(b.together, b.inTitle, b.density);
     });
+    std::vector<Found> found;
+    for (Ranked& each : ranked) {
+        found.push_back(std::move(each.found));
+    }
     return found;
 }
 

@@ -46,7 +46,8 @@ public:
     /// Headings, and the names of menus, buttons and fields, in alphabetical order. Read at the
     /// first call.
     [[nodiscard]] const std::vector<ManualTerm>& Index();
-    /// The pages that contain all words, the most useful first; with how many places they have.
+    /// The pages that contain all words, and how often. First those that have them together, then
+    /// those with one of them in their title, then those in which they are most frequent.
     struct Found {
         QString file;
         QString title;

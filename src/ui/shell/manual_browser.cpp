@@ -131,6 +131,12 @@ void ManualBrowser::FindMarks() {
         }
     }
     std::sort(marks_.begin(), marks_.end());
+    // Begins where the words stand together, if they do: after the last mark before that.
+    const QTextCursor together = document()->find(words_.join(' '));
+    while (!together.isNull() && current_ + 1 < marks_.size() &&
+           marks_[current_ + 1].selectionStart() < together.selectionStart()) {
+        ++current_;
+    }
     GoToMark(true);
     emit MarksChanged(static_cast<int>(marks_.size()));
 }

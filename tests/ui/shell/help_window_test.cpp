@@ -188,6 +188,24 @@ TEST_F(Help, ItsLinksLeadToPagesAndHeadings) {
     EXPECT_GT(sections, 10);
 }
 
+TEST_F(Help, NamesMenuEntriesThatExist) {
+    static const QRegularExpression italics(R"(\*([A-Z][^*\n]* >[ \n][^*]*)\*)");
+    int entries = 0;
+    for (const ManualPage& each : Pages()) {
+        auto found = italics.globalMatch(SourceOf(each.file));
+        while (found.hasNext()) {
+            const QString path = found.next().captured(1).simplified();
+            ++entries;
+            QString name = path;
+            name.replace(" > ", "/");
+            EXPECT_TRUE(FindEntry(Frame(), name) != nullptr ||
+                        FindEntry(Frame(), name + "...") != nullptr)
+                << each.file.toStdString() << ": " << path.toStdString();
+        }
+    }
+    EXPECT_GT(entries, 50);
+}
+
 TEST_F(Help, TheKeysPageNamesTheShortcutsOfAllCommands) {
     const QString keys = SourceOf("keys.md");
     for (const Command& command : Commands()) {
@@ -295,6 +313,10 @@ TEST_F(Help, TheSearchFindsPagesWithAllWordsAndMarksThem) {
     Field("Question").selectAll();
     QTest::keyClicks(&Field("Question"), "padded master repeat");
     EXPECT_TRUE(Visible(found)[0].startsWith("Master (")) << "its title has one of the words";
+    Field("Question").setText("power zoom sample clock");
+    QTest::keyClick(&Field("Question"), Qt::Key_Return);
+    EXPECT_EQ(page->Page(), "trace-setup.md") << "it has both words together";
+    EXPECT_EQ(page->textCursor().block().text(), "Power Zoom Sample Clock");
     Field("Question").setText("repeat padded");
     page->ShowPage("master.md");
     QStringList marked;
