@@ -91,7 +91,8 @@ HelpWindow::HelpWindow(QWidget* parent)
     halves->addWidget(panes_);
     halves->addWidget(page_);
     halves->setStretchFactor(1, 1);
-    halves->setSizes({panesWidth, width() - panesWidth});
+    const int left = std::min(panesWidth, width() / 3);
+    halves->setSizes({left, width() - left});
     halves->setChildrenCollapsible(false);
     setCentralWidget(halves);
     connect(page_, &QTextBrowser::sourceChanged, this, &HelpWindow::SelectInContents);
@@ -246,10 +247,11 @@ void HelpWindow::OpenEntry(const QTreeWidgetItem& entry) {
     }
 }
 
-void HelpWindow::SelectInContents() {
-    const QString file = page_->Page().section('#', 0, 0);
+void HelpWindow::SelectInContents(const QUrl& shown) {
+    const QString file = shown.fileName();
     const QSignalBlocker quiet(contents_);
     contents_->setCurrentItem(nullptr);
+    contents_->clearSelection();
     for (QTreeWidgetItemIterator at(contents_); *at != nullptr; ++at) {
         if ((*at)->data(0, placeRole).toString() == file) {
             contents_->setCurrentItem(*at);

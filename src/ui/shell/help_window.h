@@ -40,7 +40,7 @@ private:
     /// A field over a list. Enter in the field opens the list's first entry, Down leads into it.
     [[nodiscard]] QWidget* MakeFinder(QLineEdit& field, QTreeWidget& list);
     void OpenEntry(const QTreeWidgetItem& entry);
-    void SelectInContents();
+    void SelectInContents(const QUrl& shown);
     void FillIndex();
     void FilterIndex(const QString& part);
     void Search(const QString& question);

@@ -28,6 +28,7 @@ ManualBrowser::ManualBrowser(QWidget* parent) : QTextBrowser(parent), fit_(new Q
     document()->setDocumentMargin(pageMargin);
     fit_->setSingleShot(true);
     fit_->setInterval(fitDelay);
+    connect(this, &QTextBrowser::sourceChanged, this, &ManualBrowser::Prepare);
     connect(fit_, &QTimer::timeout, this, &ManualBrowser::FitPictures);
 }
 
@@ -39,13 +40,13 @@ QString ManualBrowser::Page() const {
     return source().toString().remove(Manual::root);
 }
 
-void ManualBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type) {
-    QTextBrowser::doSetSource(name, type);
+/// Called whenever a page has been read, also on the way back.
+void ManualBrowser::Prepare(const QUrl& shown) {
     AnchorHeadings(*document());
     FormatTables();
     FindMarks();
-    if (source().hasFragment()) {
-        scrollToAnchor(source().fragment()); // the heading has its anchor only now
+    if (shown.hasFragment()) {
+        scrollToAnchor(shown.fragment()); // the heading has its anchor only now
     }
 }
 
@@ -71,7 +72,7 @@ QVariant ManualBrowser::loadResource(int type, const QUrl& name) {
         return QTextBrowser::loadResource(type, name);
     }
     pictureWidth_ = WidestPicture();
-    return Picture(':' + source().resolved(name).path());
+    return Picture(':' + QUrl(Manual::root).resolved(name).path());
 }
 
 int ManualBrowser::WidestPicture() const {
@@ -106,8 +107,9 @@ void ManualBrowser::FitPictures() {
             const QTextCharFormat format = at.fragment().charFormat();
             if (format.isImageFormat()) {
                 const QUrl name(format.toImageFormat().name());
-                document()->addResource(QTextDocument::ImageResource, source().resolved(name),
-                                        Picture(':' + source().resolved(name).path()));
+                document()->addResource(QTextDocument::ImageResource,
+                                        QUrl(Manual::root).resolved(name),
+                                        Picture(':' + QUrl(Manual::root).resolved(name).path()));
             }
         }
     }

@@ -29,10 +29,10 @@ signals:
 
 protected:
     QVariant loadResource(int type, const QUrl& name) override;
-    void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void Prepare(const QUrl& shown);
     void FindMarks();
     void FormatTables();
     void FitPictures();

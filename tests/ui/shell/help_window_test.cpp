@@ -226,6 +226,12 @@ TEST_F(Help, ALinkToAHeadingScrollsThere) {
     EXPECT_EQ(TopLine(), "Define Signals");
     page->ShowPage("listing.md#rows"); // in the same page
     EXPECT_EQ(TopLine(), "Rows");
+    // Also on the way back, to which the page is read again.
+    page->ShowPage("master.md");
+    EXPECT_EQ(List("Contents").selectedItems().value(0)->text(0), "Master");
+    page->backward();
+    page->scrollToAnchor("define-signals");
+    EXPECT_EQ(TopLine(), "Define Signals");
 }
 
 TEST_F(Help, GoesBackForwardAndHome) {
