@@ -21,6 +21,8 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QElapsedTimer>
+#include <QGroupBox>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
@@ -28,12 +30,15 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTimer>
 #include <QToolButton>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
+#include <functional>
 #include <map>
 
 using namespace busquill;
@@ -99,10 +104,29 @@ public:
         QApplication::processEvents();
     }
 
+    /// Clicks a button and answers the dialogs that come of it, one after the other. An answer must
+    /// close its dialog or open the next one, by PressLater.
+    using Answers = std::deque<std::function<void(QWidget&)>>;
+    void Click(QAbstractButton& button, Answers answers) {
+        answers_ = std::move(answers);
+        button.click();
+        QApplication::processEvents();
+    }
+    /// A dialog that it opens would otherwise hold up whoever presses the button.
+    static void PressLater(QAbstractButton& button) {
+        QTimer::singleShot(0, &button, &QAbstractButton::click);
+    }
+
     /// Saves a picture of an open modal window, and closes it.
     void WatchModal() {
         QWidget* modal = QApplication::activeModalWidget();
         if (modal == nullptr || !modal->isVisible()) {
+            return;
+        }
+        if (!answers_.empty()) {
+            const auto answer = std::move(answers_.front());
+            answers_.pop_front();
+            answer(*modal);
             return;
         }
         if (modal != pictured_) {
@@ -137,6 +161,7 @@ private:
     QString folder_;
     QString modalName_ = "message";
     std::map<QString, QString> inside_;
+    Answers answers_;
     QWidget* pictured_ = nullptr;
     bool failed_ = false;
 };
@@ -150,6 +175,94 @@ bool WaitFor(Condition holds, int limit) {
         QApplication::processEvents(QEventLoop::AllEvents, 20);
     }
     return holds();
+}
+
+QAbstractButton& ButtonOf(const QWidget& window, const QString& text) {
+    for (auto* button : window.findChildren<QAbstractButton*>()) {
+        if (button->text().remove('&') == text) {
+            return *button;
+        }
+    }
+    std::fprintf(stderr, "no button %s\n", qPrintable(text));
+    std::exit(1);
+}
+
+/// Writes a value of the decoded signal COMMAND into a pattern.
+void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label) {
+    for (const auto& signal : list.All()) {
+        if (signal->decoded == nullptr || signal->decoded->name != "COMMAND") {
+            continue;
+        }
+        const auto& values = signal->decoded->values;
+        const auto found = std::find_if(values.begin(), values.end(), [&](const auto& value) {
+            return value.label != nullptr && value.label == label;
+        });
+        if (found != values.end()) {
+            list.ApplyDecodedValue(signal.get(), pattern,
+                                   static_cast<std::size_t>(found - values.begin()));
+        }
+        return;
+    }
+}
+
+/// Closes the windows of a capture that nobody wants to keep.
+void CloseCapture(CMainFrame& frame, CTesselDoc& document) {
+    document.SetModifiedFlag(false);
+    for (QMdiSubWindow* window : frame.Area().subWindowList()) {
+        window->close();
+    }
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    frame.RefreshCommands();
+}
+
+/// The steps of the manual's tutorial.
+void FollowTutorial(Tour& tour, Program& program) {
+    CMainFrame& frame = program.Frame();
+    tour.Choose(frame, "File/New/Capture/State", "message");
+    auto* window = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow());
+    if (window == nullptr) {
+        tour.Fail("no window for the tutorial's capture");
+        return;
+    }
+    tour.Click(window->Bar().SetupButton(),
+               {[](QWidget& setup) { Tour::PressLater(ButtonOf(setup, "Setup Wizard")); },
+                [](QWidget& wizard) {
+                    const auto* question = wizard.findChildren<QGroupBox*>().first();
+                    ButtonOf(*question, "Memory").click();
+                    ButtonOf(*question, "Write").click();
+                    question->findChildren<QLineEdit*>().first()->setText("1F40000 to 1F40200");
+                    Tour::PressLater(ButtonOf(wizard, "OK"));
+                },
+                [&tour](QWidget& setup) {
+                    tour.Picture(setup, "tutorial-setup");
+                    Tour::PressLater(ButtonOf(setup, "OK"));
+                }});
+    window->Bar().GoButton().click();
+    CTesselDoc& document = window->Trace();
+    WaitFor([] { return false; }, 2000);
+    window->Bar().StopButton().click();
+    if (!WaitFor([&] { return !document.CaptureActive() && !document.IsUploading(); }, 60000)) {
+        tour.Fail("the upload has not ended");
+    }
+    WaitFor([] { return false; }, 400);
+    window->showMaximized();
+    tour.Choose(frame, "Search/Go to/Trigger", "message");
+    tour.Picture(frame, "tutorial-capture");
+    SetCommand(document.searchPattern, 0, "I/O Rd");
+    tour.Choose(frame, "Search/Find Next", "message");
+    window->showNormal();
+    tour.Click(window->Bar().DisplayButton(), {[&tour](QWidget& question) {
+                   ButtonOf(question, "Open new window").click();
+                   tour.Picture(question, "new-trace-window");
+                   Tour::PressLater(ButtonOf(question, "OK"));
+               }});
+    if (auto* waves = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow())) {
+        document.SetMarker(2, document.Marker(1, false) - 20);
+        waves->showMaximized();
+        document.GoToSample(document.Marker(1, false) - 10, false);
+        tour.Picture(frame, "tutorial-waveforms");
+    }
+    CloseCapture(frame, document);
 }
 
 /// A live capture, from the choice of a setup to the end of the upload.
@@ -239,24 +352,6 @@ void Exercise(Tour& tour, Program& program) {
     }
 }
 
-/// Writes a value of the decoded signal COMMAND into a pattern.
-void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label) {
-    for (const auto& signal : list.All()) {
-        if (signal->decoded == nullptr || signal->decoded->name != "COMMAND") {
-            continue;
-        }
-        const auto& values = signal->decoded->values;
-        const auto found = std::find_if(values.begin(), values.end(), [&](const auto& value) {
-            return value.label != nullptr && value.label == label;
-        });
-        if (found != values.end()) {
-            list.ApplyDecodedValue(signal.get(), pattern,
-                                   static_cast<std::size_t>(found - values.begin()));
-        }
-        return;
-    }
-}
-
 /// A stimulus program that drives one pattern after each of two events.
 void Stimulate(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
@@ -285,16 +380,6 @@ void Stimulate(Tour& tour, Program& program) {
     tour.Picture(*window, "stimulus");
     window->findChild<QToolButton*>("Stop")->click();
     window->close();
-}
-
-QAbstractButton& ButtonOf(const QWidget& window, const QString& text) {
-    for (auto* button : window.findChildren<QAbstractButton*>()) {
-        if (button->text().remove('&') == text) {
-            return *button;
-        }
-    }
-    std::fprintf(stderr, "no button %s\n", qPrintable(text));
-    std::exit(1);
 }
 
 /// A device of the bus and its header.
@@ -389,6 +474,7 @@ void Walk(Tour& tour, Program& program) {
     RunChecks(tour, program, "Anomaly Detection", "anomaly-detection", 8);
     RunChecks(tour, program, "Backplane Test", "backplane", 24);
     if (!program.Link().IsDemoMode()) {
+        FollowTutorial(tour, program);
         Capture(tour, program);
         program.App().OpenDocumentFile(WorkingDirectory::AtStart().FilePath("Trigger2.tra"));
     } else {
@@ -430,6 +516,14 @@ void Walk(Tour& tour, Program& program) {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window->isVisible() && window->windowTitle() == "Busquill! Help") {
             tour.Picture(*window, "help");
+            auto* panes = window->findChild<QTabWidget*>();
+            panes->setCurrentIndex(1);
+            tour.Picture(*window, "help-index");
+            panes->setCurrentIndex(2);
+            QLineEdit* question = panes->currentWidget()->findChild<QLineEdit*>();
+            question->setText("trigger position");
+            emit question->returnPressed();
+            tour.Picture(*window, "help-search");
         }
     }
 }

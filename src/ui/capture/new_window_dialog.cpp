@@ -1,6 +1,7 @@
 #include "ui/capture/new_window_dialog.h"
 
 #include "platform/settings.h"
+#include "ui/framework/help_page.h"
 
 #include <QDialogButtonBox>
 #include <QRadioButton>
@@ -17,6 +18,7 @@ constexpr const char* key = "NewTraceWindow";
 CNewWindowDialog::CNewWindowDialog(QWidget* parent, Settings& settings)
     : QDialog(parent), settings_(settings), newWindow_(new QRadioButton("Open new window")) {
     setWindowTitle("New Trace Window");
+    SetHelpPage(*this, "capture.md#new-trace-window");
     auto* existing = new QRadioButton("Switch existing window");
     (settings_.GetProfileInt(SettingsSection::setup, key, 0) != 0 ? newWindow_ : existing)
         ->setChecked(true);

@@ -2,6 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "platform/settings.h"
+#include "ui/framework/help_page.h"
 
 #include <QCheckBox>
 #include <QVBoxLayout>
@@ -29,6 +30,7 @@ CPrintTraceDlg::CPrintTraceDlg(QWidget* parent, CTesselDoc& document, bool isSta
       scaleKey_(isState ? "ScaleWidthToPage" : "ScaleHeightToPage"),
       scale_(new QCheckBox(isState ? "Scale Width to Page" : "Scale Height To Page")) {
     setWindowTitle("Print Trace");
+    SetHelpPage(*this, "printing.md");
     scale_->setChecked(settings.GetProfileInt(printSection, scaleKey_, 0) != 0);
     Rows().addWidget(scale_);
     scale_->setVisible(isState); // waveforms are not scaled

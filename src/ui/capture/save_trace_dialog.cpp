@@ -2,6 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "platform/text.h"
+#include "ui/framework/help_page.h"
 
 #include <QFormLayout>
 #include <QLineEdit>
@@ -21,6 +22,7 @@ CSaveTraceDialog::CSaveTraceDialog(QWidget* parent, CTesselDoc& document, std::s
     : CSampleRangeDialog(parent, RangeOf(document), 100, prompts, mainThread), document_(document),
       path_(std::move(path)), writer_(std::make_unique<TraceFileWriter>(document)) {
     setWindowTitle("Save Trace");
+    SetHelpPage(*this, "capture.md#saving");
     auto* file = new QLineEdit(QString::fromStdString(path_));
     file->setObjectName("Save File");
     file->setReadOnly(true);

@@ -1,6 +1,7 @@
 #include "ui/capture/trace_status_dialog.h"
 
 #include "tracesetup/trace_setup.h"
+#include "ui/framework/help_page.h"
 
 #include <QFormLayout>
 #include <QGroupBox>
@@ -22,6 +23,7 @@ constexpr int fieldCharacters = 24;
 CTraceStatusDialog::CTraceStatusDialog(QWidget* parent, const TraceSetup& setup)
     : QDialog(parent), setup_(setup) {
     setWindowTitle("Trace Status");
+    SetHelpPage(*this, "capture.md#trace-status");
     auto* rows = new QFormLayout;
     const auto add = [this](QFormLayout* to, Field field, const char* name) {
         to->addRow(QString("%1:").arg(name), AddField(field, name));

@@ -1,6 +1,7 @@
 #include "ui/display/display_properties.h"
 
 #include "ui/display/display_pages.h"
+#include "ui/framework/help_page.h"
 
 #include <QDialogButtonBox>
 #include <QMenu>
@@ -15,6 +16,7 @@ namespace busquill {
 CDisplayProperties::CDisplayProperties(QWidget* parent, const Parts& parts, DisplayPage first)
     : QDialog(parent), tabs_(new QTabWidget) {
     setWindowTitle("Display Properties");
+    SetHelpPage(*this, "display-properties.md");
     AddPage(DisplayPage::Name, new CDisplayName(parts.trace), "Name");
     AddPage(DisplayPage::Markers, new CDisplayMarkers(parts.settings, parts.colorsChanged),
             "Markers");

@@ -1,6 +1,7 @@
 #include "ui/display/go_to_sample_dialog.h"
 
 #include "ui/controls/number_field.h"
+#include "ui/framework/help_page.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -11,6 +12,7 @@ namespace busquill {
 
 CGoToSampleDlg::CGoToSampleDlg(QWidget* parent) : QDialog(parent), number_(new NumberField) {
     setWindowTitle("Go to Sample");
+    SetHelpPage(*this, "search.md#go-to-a-sample");
     number_->setValue(0);
     number_->selectAll();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);

@@ -8,6 +8,7 @@
 #include "ui/exerciser/master_view.h"
 #include "ui/exerciser/target_view.h"
 #include "ui/framework/go_stop_child.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/win_app.h"
 
 #include <memory>
@@ -46,6 +47,7 @@ Feature MakeFeature(const FeatureParts& parts, const Kind& kind,
         auto& document = static_cast<Document&>(opened);
         auto* frame =
             new CGoStopChild(document, kind.name, kind.icon, {width(document), usualHeight});
+        SetHelpPage(*frame, kind.page);
         auto* view =
             new View({parts.analyzer.Link(), parts.settings, parts.prompts, parts.mainThread,
                       [&app = parts.app, topic = kind.helpTopic] { app.ShowHelp(topic); }},

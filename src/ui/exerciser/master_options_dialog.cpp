@@ -1,6 +1,7 @@
 #include "ui/exerciser/master_options_dialog.h"
 
 #include "exerciser/master_form.h"
+#include "ui/framework/help_page.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -12,6 +13,7 @@ namespace busquill {
 CMasterOptionsDialog::CMasterOptionsDialog(QWidget* parent, std::uint8_t& mask)
     : QDialog(parent), mask_(mask), level_(new QComboBox) {
     setWindowTitle("Master Options");
+    SetHelpPage(*this, "master.md#options");
     for (int level = 0; level < busRequestLevels; ++level) {
         level_->addItem(QString::fromStdString(BusRequestLevelText(level)));
     }

@@ -2,6 +2,7 @@
 
 #include "platform/prompts.h"
 #include "platform/working_directory.h"
+#include "ui/framework/help_page.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -35,6 +36,7 @@ std::string AskForFile(QWidget* parent, const FileQuestion& question, Prompts& p
     const QString extension = QString::fromStdString(question.extension);
     QFileDialog dialog(parent, QString::fromStdString(question.title), QString(),
                        QString::fromStdString(question.filter));
+    SetHelpPage(dialog, "file-types.md");
     dialog.setAcceptMode(saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(mayBeNew ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (saves) {

@@ -2,6 +2,7 @@
 
 #include "platform/prompts.h"
 #include "platform/text.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 
 #include <QApplication>
@@ -80,6 +81,7 @@ PrintFailure PrintPages(QPrinter& printer, std::int64_t count, const DrawPage& d
     }
     QProgressDialog progress("Printing...", "Cancel", from - 1, to, QApplication::activeWindow());
     progress.setWindowTitle("Print");
+    SetHelpPage(progress, "printing.md");
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(patience);
     for (int number = from; number <= to; ++number) {
@@ -135,6 +137,7 @@ void AskAndPrint(QWidget* parent, Prompts& prompts, PrinterChoice& choice, const
     QPrinter printer(QPrinter::HighResolution);
     choice.Restore(printer);
     QPrintDialog dialog(&printer, parent);
+    SetHelpPage(dialog, "printing.md");
     while (dialog.exec() == QDialog::Accepted) {
         choice.Remember(printer);
         const PrintFailure failure = print(printer);
@@ -150,6 +153,7 @@ void ShowPrintPreview(QWidget* parent, Prompts& prompts, PrinterChoice& choice,
     QPrinter printer(QPrinter::HighResolution);
     choice.Restore(printer);
     QPrintPreviewDialog dialog(&printer, parent);
+    SetHelpPage(dialog, "printing.md");
     bool hasFailed = false;
     QObject::connect(&dialog, &QPrintPreviewDialog::paintRequested, &dialog,
                      [&](QPrinter* preview) {

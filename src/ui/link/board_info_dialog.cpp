@@ -1,6 +1,7 @@
 #include "ui/link/board_info_dialog.h"
 
 #include "link/analyzer_link.h"
+#include "ui/framework/help_page.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -11,6 +12,7 @@ namespace busquill {
 
 CBoardInfoDialog::CBoardInfoDialog(QWidget* parent, const CAnalyzerLink& link) : QDialog(parent) {
     setWindowTitle(" Board Info");
+    SetHelpPage(*this, "board-info.md");
     auto* rows = new QFormLayout;
     const auto addRow = [&](const char* label, const std::string& value) {
         auto* text = new QLabel(QString::fromStdString(value));

@@ -4,6 +4,7 @@
 #include "link/saved_bus_config.h"
 #include "platform/settings.h"
 #include "platform/text.h"
+#include "ui/framework/help_page.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -33,6 +34,7 @@ CBusConfigDialog::CBusConfigDialog(QWidget* parent, CAnalyzerLink& link, Setting
       width_(new QComboBox), voltage_(new QComboBox), frequency_(new QLineEdit),
       save_(new QCheckBox("&Save Configuration")) {
     setWindowTitle("Bus Configuration");
+    SetHelpPage(*this, "bus-configuration.md");
     for (const std::int32_t mode : BusModesOf(link.Identity().modelId)) {
         mode_->addItem(QString::fromStdString(std::string(BusModeName(mode))), mode);
     }

@@ -3,6 +3,7 @@
 #include "platform/settings.h"
 #include "platform/working_directory.h"
 #include "ui/framework/ask_for_file.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/window_timer.h"
 
 #include <QDialogButtonBox>
@@ -29,6 +30,7 @@ CFirmwareDialog::CFirmwareDialog(QWidget* parent, CAnalyzerLink& link, Settings&
       file_(new QLineEdit), browse_(new QPushButton("&Browse...")),
       start_(new QPushButton("&Download")), progress_(new QProgressBar) {
     setWindowTitle("Download Firmware");
+    SetHelpPage(*this, "firmware.md");
     file_->setText(
         QString::fromStdString(settings.GetProfileString(SettingsSection::setup, fileKey, "")));
     file_->setMinimumWidth(file_->fontMetrics().averageCharWidth() * fileCharacters);

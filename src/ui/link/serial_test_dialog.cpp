@@ -2,6 +2,7 @@
 
 #include "link/analyzer_link.h"
 #include "link/raw_bytes.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 #include "ui/framework/window_timer.h"
 
@@ -29,6 +30,7 @@ CSerialTestDialog::CSerialTestDialog(QWidget* parent, CAnalyzerLink& link,
     : QDialog(parent), link_(link), bytes_(new QLineEdit), history_(new QListWidget),
       read_(new QListWidget) {
     setWindowTitle("Serial Test");
+    SetHelpPage(*this, "serial-test.md");
     QFont courier("Courier");
     courier.setStyleHint(QFont::Monospace);
     for (QWidget* field : std::initializer_list<QWidget*>{bytes_, history_, read_}) {

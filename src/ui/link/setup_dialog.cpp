@@ -4,6 +4,7 @@
 #include "link/port_setting.h"
 #include "platform/prompts.h"
 #include "platform/settings.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/window_timer.h"
 
 #include <QComboBox>
@@ -40,6 +41,7 @@ CSetupDialog::CSetupDialog(QWidget* parent, const Parts& parts, std::vector<Seri
       buttons_(new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel)),
       timer_(new WindowTimer(this, parts.mainThread, [this] { PollBoard(); })) {
     setWindowTitle("Setup");
+    SetHelpPage(*this, "connecting.md");
     port_->setObjectName("Port");
     device_->setObjectName("Device");
     baud_->setObjectName("Baud Rate");

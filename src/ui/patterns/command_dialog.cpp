@@ -1,6 +1,7 @@
 #include "ui/patterns/command_dialog.h"
 
 #include "signals/signal_tables.h"
+#include "ui/framework/help_page.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -42,6 +43,7 @@ CCommandDialog::CCommandDialog(QWidget* parent, const CDecodedSignalDef& def,
                                std::optional<std::size_t> shown, bool hasDualAddress)
     : QDialog(parent), def_(def), values_(new QComboBox), dac_(new QCheckBox("DAC")) {
     setWindowTitle("Command");
+    SetHelpPage(*this, "search.md#patterns");
     int selected = -1; // the bits of a cell may match no value of the list
     const bool isDual = hasDualAddress && shown && IsDual(def.values[*shown]);
     for (std::size_t i = 0; i < def.values.size(); ++i) {

@@ -1,5 +1,6 @@
 #include "ui/patterns/pattern_dialogs.h"
 
+#include "ui/framework/help_page.h"
 #include "ui/patterns/pattern_grid.h"
 
 #include <QDialogButtonBox>
@@ -14,10 +15,11 @@ constexpr QSize usualSize(640, 160);
 
 } // namespace
 
-PatternDialog::PatternDialog(QWidget* parent, const char* caption, CSignalList& list,
-                             Prompts& prompts)
+PatternDialog::PatternDialog(QWidget* parent, const char* caption, const char* helpPage,
+                             CSignalList& list, Prompts& prompts)
     : QDialog(parent), list_(list), copy_(list.Tables()), table_(new CPatternTable(1, prompts)) {
     setWindowTitle(caption);
+    SetHelpPage(*this, helpPage);
     copy_.CopyFrom(list);
     Grid().ShowLabels(false);
     Grid().SetText("Condition", "");

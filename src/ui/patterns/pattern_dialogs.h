@@ -14,7 +14,8 @@ class PatternDialog : public QDialog {
     Q_OBJECT
 public:
     /// The list outlives the dialog.
-    PatternDialog(QWidget* parent, const char* caption, CSignalList& list, Prompts& prompts);
+    PatternDialog(QWidget* parent, const char* caption, const char* helpPage, CSignalList& list,
+                  Prompts& prompts);
 
     [[nodiscard]] CPatternGrid& Grid() const noexcept { return table_->Grid(); }
     /// The copy that is edited.
@@ -32,14 +33,14 @@ class CSearchPatternDlg final : public PatternDialog {
     Q_OBJECT
 public:
     CSearchPatternDlg(QWidget* parent, CSignalList& list, Prompts& prompts)
-        : PatternDialog(parent, "Search Pattern", list, prompts) {}
+        : PatternDialog(parent, "Search Pattern", "search.md#find", list, prompts) {}
 };
 
 class CFilterPatternDlg final : public PatternDialog {
     Q_OBJECT
 public:
     CFilterPatternDlg(QWidget* parent, CSignalList& list, Prompts& prompts)
-        : PatternDialog(parent, "Filter Pattern", list, prompts) {}
+        : PatternDialog(parent, "Filter Pattern", "search.md#filter", list, prompts) {}
 };
 
 } // namespace busquill

@@ -1,6 +1,7 @@
 #include "ui/patterns/value_dialog.h"
 
 #include "signals/signal.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 
 #include <QButtonGroup>
@@ -104,6 +105,7 @@ CValueDlg::CValueDlg(QWidget* parent, std::span<std::uint8_t> value, std::span<s
       editor_({value.begin(), value.end()}, {mask.begin(), mask.end()}, width, radix),
       bits_(new CBitEditWnd(editor_)) {
     setWindowTitle("Value");
+    SetHelpPage(*this, "search.md#patterns");
     auto* choices = new QHBoxLayout;
     auto* group = new QButtonGroup(this);
     const std::pair<const char*, std::int32_t> radixes[] = {

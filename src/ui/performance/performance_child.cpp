@@ -4,6 +4,7 @@
 #include "performance/performance_document.h"
 #include "performance/performance_setup_file.h"
 #include "platform/periodic_timer.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 #include "ui/framework/win_app.h"
 #include "ui/performance/help_topics.h"
@@ -31,6 +32,7 @@ CPerformanceChild::CPerformanceChild(const FeatureParts& parts, CPerformanceDoc&
                                   [&app = parts.app] { app.ShowHelp(HelpTopic::Performance); }},
                                  ReadValueDisplay(parts.settings))),
       setups_(new QComboBox), display_(new QComboBox), count_(new QLabel) {
+    SetHelpPage(*this, "performance.md");
     MakeBar();
     connect(view_, &CPerformanceView::RunningChanged, this, [this](bool running) {
         SetRunState(running ? RunPicture::Running : RunPicture::Stopped);

@@ -5,6 +5,7 @@
 #include "platform/working_directory.h"
 #include "ui/controls/color_button.h"
 #include "ui/framework/ask_for_file.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 #include "ui/patterns/pattern_edit.h"
 #include "ui/performance/pen_style_button.h"
@@ -95,6 +96,7 @@ CPerformanceSetupDialog::CPerformanceSetupDialog(QWidget* parent, PerformanceSet
                                                  Parts parts)
     : QDialog(parent), setup_(setup), edited_(setup), parts_(std::move(parts)) {
     setWindowTitle("Performance Setup");
+    SetHelpPage(*this, "performance.md#setups");
     name_ = new QLineEdit;
     name_->setObjectName("Name");
     connect(name_, &QLineEdit::textEdited, this, [this] { nameTyped_ = true; });

@@ -2,10 +2,12 @@
 
 #include "link/analyzer_link.h"
 #include "ui/framework/dialog_titles.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/mdi_child.h"
 #include "ui/framework/view.h"
 #include "ui/framework/window_timer.h"
 #include "ui/shell/command_line.h"
+#include "ui/shell/help_key.h"
 #include "ui/shell/help_window.h"
 #include "ui/shell/tessel_app.h"
 #include "ui/signals/define_signal_dialog.h"
@@ -70,6 +72,7 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables,
     RegisterResources();
     setWindowTitle(stockName);
     WidenDialogsToTitles(*this);
+    new HelpKey(this, [this](const QWidget& focus) { ShowHelpFor(focus); });
     setWindowIcon(QIcon(":/icons/busquill.svg"));
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -297,12 +300,27 @@ void CMainFrame::MakeCommands() {
 }
 
 void CMainFrame::ShowHelp(int topic) {
+    ShowHelpPage(
+        HelpPage(app_ != nullptr ? app_->HelpTopics() : std::vector<HelpTopicPage>(), topic));
+}
+
+void CMainFrame::ShowHelpFor(const QWidget& widget) {
+    while (QWidget* menu = QApplication::activePopupWidget()) {
+        menu->close();
+    }
+    QString page = HelpPageOf(&widget);
+    if (page.isEmpty() && QApplication::activeModalWidget() == nullptr) {
+        page = HelpPageOf(area_->activeSubWindow());
+    }
+    ShowHelpPage(page.isEmpty() ? Manual::contents : page);
+}
+
+void CMainFrame::ShowHelpPage(const QString& page) {
     if (help_ == nullptr) {
-        help_ = new HelpWindow(this,
-                               app_ != nullptr ? app_->HelpTopics() : std::vector<HelpTopicPage>());
+        help_ = new HelpWindow(this);
     }
     PlaceHelp();
-    help_->ShowTopic(topic);
+    help_->ShowPage(page);
 }
 
 /// While a modal dialog is open, the user can reach only windows that belong to it.

@@ -57,6 +57,9 @@ private:
     void FillDynamicEntries();
     void ShowAbout();
     void ShowHelp(int topic);
+    /// The page of the window that a widget is in; without one, of the active window.
+    void ShowHelpFor(const QWidget& widget);
+    void ShowHelpPage(const QString& page);
     void PlaceHelp();
     void OnTimer();
 

@@ -5,6 +5,7 @@
 #include "signals/signal.h"
 #include "ui/controls/color_button.h"
 #include "ui/controls/number_field.h"
+#include "ui/framework/help_page.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -70,6 +71,7 @@ CChangeSignalDialog::CChangeSignalDialog(QWidget* parent, SignalTables& tables, 
       low_(new RangeField("Low")), radix_(new QComboBox),
       showValue_(new QCheckBox("Show Trace Values")), color_(new ColorButton) {
     setWindowTitle("Change Signal");
+    SetHelpPage(*this, "listing.md#changing-the-columns");
     if (signal_ != nullptr) {
         radix = signal_->radix;
         showValue = signal_->showValue;

@@ -1,6 +1,7 @@
 #include "ui/signals/define_signal_dialog.h"
 
 #include "platform/text.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 
 #include <QDialogButtonBox>
@@ -101,6 +102,7 @@ void LayoutTable::DrawTitle(QPainter& painter, const LayoutColumn& column) const
 CDefineSignalDialog::CDefineSignalDialog(QWidget* parent, const SignalTables& tables)
     : QDialog(parent), rows_(new QScrollBar(Qt::Vertical)) {
     setWindowTitle("Define Signal");
+    SetHelpPage(*this, "listing.md#define-signals");
     auto* names = new QListWidget;
     names->addItem("<New Signal>");
     names->setMaximumWidth(names->fontMetrics().averageCharWidth() * 20);

@@ -2,6 +2,7 @@
 
 #include "capture/analyzer.h"
 #include "stimulus/stimulus_document.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/win_app.h"
 #include "ui/framework/window_timer.h"
 #include "ui/stimulus/help_topics.h"
@@ -17,6 +18,7 @@ constexpr QSize childSize(700, 500);
 
 CStimulusChild::CStimulusChild(const FeatureParts& parts, CStimulusDoc& document)
     : CGoStopChild(document, "Stimulus", "stimulus", childSize) {
+    SetHelpPage(*this, "stimulus.md");
     auto* view = new CStimulusView(document, parts.settings,
                                    {parts.analyzer.Link(), parts.prompts,
                                     std::make_unique<WindowTimer>(nullptr, parts.mainThread)},

@@ -2,6 +2,7 @@
 
 #include "platform/prompts.h"
 #include "tracesetup/trace_setup.h"
+#include "ui/framework/help_page.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -26,6 +27,7 @@ CStimulusConditionDialog::CStimulusConditionDialog(QWidget* parent, const Stimul
       duration_(new QLineEdit(QString::number(branch.duration))),
       wait_(new QLineEdit(QString::number(branch.wait))) {
     setWindowTitle("Stimulus Condition");
+    SetHelpPage(*this, "stimulus.md#levels");
     for (std::int32_t each = 0; each <= stimulusStop; ++each) {
         level_->addItem(QString::fromStdString(FormatStimulusGoto(each, 1, 1)));
     }

@@ -3,6 +3,7 @@
 #include "platform/prompts.h"
 #include "stimulus/stimulus_document.h"
 #include "ui/framework/ask_for_file.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/mdi_child.h"
 #include "ui/levels/level_panel.h"
 #include "ui/patterns/pattern_grid.h"
@@ -35,6 +36,7 @@ CStimulusView::CStimulusView(CStimulusDoc& document, const Settings& settings,
     patterns_->setObjectName("Stimulus");
     events_->setObjectName("Events");
     levels_->setObjectName("Control");
+    SetHelpPage(*levels_, "stimulus.md#levels");
     levels_->setParent(this);
     AddButton("&Load", Form::SlotLeft(0), [this] { Load(); });
     AddButton("&Save", Form::SlotLeft(1), [this] { Save(); });

@@ -1,5 +1,7 @@
 #include "ui/testsuites/backplane_options_dialog.h"
 
+#include "ui/framework/help_page.h"
+
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QGroupBox>
@@ -11,6 +13,7 @@ namespace busquill {
 CBackplaneOptionsDlg::CBackplaneOptionsDlg(QWidget* parent, BackplaneSensitivity sensitivity)
     : QDialog(parent), choices_(new QButtonGroup(this)) {
     setWindowTitle("Backplane Options");
+    SetHelpPage(*this, "backplane.md#options");
     auto* group = new QGroupBox("Sensitivity");
     auto* column = new QVBoxLayout(group);
     const std::pair<const char*, BackplaneSensitivity> choices[] = {

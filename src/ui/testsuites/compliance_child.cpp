@@ -2,6 +2,7 @@
 
 #include "capture/analyzer.h"
 #include "testsuites/compliance_document.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/win_app.h"
 #include "ui/framework/window_timer.h"
 #include "ui/testsuites/compliance_view.h"
@@ -17,6 +18,7 @@ constexpr QSize childSize(830, 560); // wide enough for the row of buttons
 
 CComplianceChild::CComplianceChild(const FeatureParts& parts, CComplianceDoc& document)
     : CGoStopChild(document, "Compliance Tests", "compliance", childSize) {
+    SetHelpPage(*this, "compliance.md");
     auto* view = new CComplianceView(
         {document, parts.analyzer.Link(), parts.prompts, parts.app.printer, parts.settings,
          LoadCheckList(parts.directory), std::make_unique<WindowTimer>(nullptr, parts.mainThread),

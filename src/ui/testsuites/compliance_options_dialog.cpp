@@ -1,5 +1,6 @@
 #include "ui/testsuites/compliance_options_dialog.h"
 
+#include "ui/framework/help_page.h"
 #include "ui/patterns/pattern_edit.h"
 
 #include <QDialogButtonBox>
@@ -10,6 +11,7 @@ namespace busquill {
 CComplianceOptionsDialog::CComplianceOptionsDialog(QWidget* parent, const BusAddress& address)
     : QDialog(parent), address_(new CPatternEdit) {
     setWindowTitle(" Compliance Test Options");
+    SetHelpPage(*this, "compliance.md#options");
     std::uint64_t value = 0;
     for (std::size_t byte = address.size(); byte-- > 0;) {
         value = value << 8 | address[byte];

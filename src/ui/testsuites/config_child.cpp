@@ -2,6 +2,7 @@
 
 #include "capture/analyzer.h"
 #include "testsuites/config_document.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/win_app.h"
 #include "ui/testsuites/config_view.h"
 #include "ui/testsuites/help_topics.h"
@@ -19,6 +20,7 @@ constexpr QSize childSize(620, 525);
 CConfigChild::CConfigChild(const FeatureParts& parts, CConfigDoc& document)
     : CMDIChildWnd(document) {
     setWindowTitle("Configuration Space");
+    SetHelpPage(*this, "configuration.md");
     setWindowIcon(QIcon(":/icons/busquill.svg"));
     resize(childSize);
     auto* view = new CConfigView({document, parts.analyzer.Link(), parts.prompts, parts.settings,

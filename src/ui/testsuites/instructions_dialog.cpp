@@ -1,5 +1,7 @@
 #include "ui/testsuites/instructions_dialog.h"
 
+#include "ui/framework/help_page.h"
+
 #include <QBoxLayout>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -15,6 +17,7 @@ constexpr QSize dialogSize(420, 220);
 CInstructionsDialog::CInstructionsDialog(QWidget* parent, const std::string& instructions)
     : QDialog(parent) {
     setWindowTitle("Compliance Test Instructions");
+    SetHelpPage(*this, "compliance.md#instructions");
     resize(dialogSize);
     auto* text = new QPlainTextEdit(QString::fromStdString(instructions));
     text->setObjectName("Instructions");

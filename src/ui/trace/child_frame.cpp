@@ -7,6 +7,7 @@
 #include "ui/capture/new_window_dialog.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/display/trace_view.h"
+#include "ui/framework/help_page.h"
 #include "ui/framework/win_app.h"
 #include "ui/trace/help_topics.h"
 #include "ui/trace/trace_bar.h"
@@ -50,6 +51,9 @@ CTraceView* CChildFrame::MakeView() {
                                  &parts_.mainThread, &parts_.app.printer});
     view->AttachDocument(&GetDocument());
     view->SetFrame(this);
+    SetHelpPage(*this, isZoom_    ? "waveforms.md#power-zoom"
+                       : isState_ ? "listing.md"
+                                  : "waveforms.md");
     return view;
 }
 

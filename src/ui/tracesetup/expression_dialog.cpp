@@ -1,5 +1,7 @@
 #include "ui/tracesetup/expression_dialog.h"
 
+#include "ui/framework/help_page.h"
+
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLineEdit>
@@ -17,6 +19,7 @@ constexpr int textCharacters = 32; // sixteen tokens, events throughout
 CTraceExpressionDialog::CTraceExpressionDialog(QWidget* parent, const Expression& expression)
     : QDialog(parent), editor_(expression), text_(new QLineEdit) {
     setWindowTitle("Trace Expression");
+    SetHelpPage(*this, "trace-setup.md#expressions");
     text_->setReadOnly(true);
     text_->setObjectName("Expression");
     text_->setMinimumWidth(text_->fontMetrics().averageCharWidth() * textCharacters);

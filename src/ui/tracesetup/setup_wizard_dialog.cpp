@@ -1,5 +1,7 @@
 #include "ui/tracesetup/setup_wizard_dialog.h"
 
+#include "ui/framework/help_page.h"
+
 #include <QButtonGroup>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -45,6 +47,7 @@ CSetupWizardDialog::CSetupWizardDialog(QWidget* parent, TraceSetup& setup, Promp
     : QDialog(parent), setup_(setup), prompts_(prompts),
       isVme_(setup.events.Tables().Board().IsVmeFamily()) {
     setWindowTitle("Setup WIzard - Trace"); // this spelling is intended
+    SetHelpPage(*this, "setup-wizard.md");
     auto* hint = new QLabel("You can specify an address or data range as follows: 100 to 200");
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
                                          QDialogButtonBox::Help);

@@ -6,6 +6,7 @@
 #include "platform/working_directory.h"
 #include "tracesetup/setup_file.h"
 #include "ui/framework/ask_for_file.h"
+#include "ui/framework/help_page.h"
 #include "ui/levels/level_panel.h"
 #include "ui/patterns/pattern_grid.h"
 #include "ui/patterns/pattern_table.h"
@@ -72,6 +73,7 @@ CTraceSetupDialog::CTraceSetupDialog(QWidget* parent, TraceSetup& setup, std::st
       parts_(std::move(parts)), inFile_(!path_.empty()) {
     kept_.CopyFrom(setup);
     setWindowTitle("Trace Setup");
+    SetHelpPage(*this, "trace-setup.md");
 
     auto* buttons = new QDialogButtonBox(
         QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, Qt::Vertical);
@@ -135,6 +137,7 @@ QGroupBox* CTraceSetupDialog::MakeEventGroup() {
     auto* group = new QGroupBox("Events");
     events_ = new CPatternTable(EventCount(setup_.events.Tables().Board()), parts_.prompts);
     events_->Grid().SetText("EVENT", "E%d:");
+    SetHelpPage(*events_, "trace-setup.md#events");
     events_->Grid().SetOwner([this] { Modify(); });
     auto* layout = new QVBoxLayout(group);
     layout->addWidget(events_);
@@ -144,6 +147,7 @@ QGroupBox* CTraceSetupDialog::MakeEventGroup() {
 QGroupBox* CTraceSetupDialog::MakeControlGroup() {
     auto* group = new QGroupBox("Trace Control");
     levels_ = new CLevelPanel(setup_, TraceLevels(), parts_.prompts);
+    SetHelpPage(*levels_, "trace-setup.md#levels");
     connect(levels_, &CLevelPanel::Modified, this, &CTraceSetupDialog::Modify);
 
     clock_ = MakeList("Sample Clock", clockCount, ClockText);

@@ -554,10 +554,10 @@ TEST_F(InDemoMode, HelpOpensTheManual) {
 
 TEST_F(InDemoMode, AHelpTopicWithoutAPageOpensTheContents) {
     const auto& topics = program->App().HelpTopics();
-    EXPECT_EQ(HelpPage(topics, HelpTopic::State), ":/manual/listing.md");
-    EXPECT_EQ(HelpPage(topics, HelpTopic::Waveform), ":/manual/waveforms.md");
-    EXPECT_EQ(HelpPage(topics, HelpTopic::Contents), ":/manual/index.md");
-    EXPECT_EQ(HelpPage(topics, 999), ":/manual/index.md");
+    EXPECT_EQ(HelpPage(topics, HelpTopic::State), "listing.md");
+    EXPECT_EQ(HelpPage(topics, HelpTopic::Waveform), "waveforms.md");
+    EXPECT_EQ(HelpPage(topics, HelpTopic::Contents), "index.md");
+    EXPECT_EQ(HelpPage(topics, 999), "index.md");
 }
 
 TEST_F(InDemoMode, TemplatesAreInTheirOrder) {

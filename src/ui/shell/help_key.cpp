@@ -1,0 +1,32 @@
+#include "ui/shell/help_key.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QWidget>
+
+#include <utility>
+
+namespace busquill {
+
+HelpKey::HelpKey(QObject* parent, std::function<void(const QWidget&)> show)
+    : QObject(parent), show_(std::move(show)) {
+    qApp->installEventFilter(this);
+}
+
+bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
+    const bool asks = event->type() == QEvent::ShortcutOverride;
+    if ((!asks && event->type() != QEvent::KeyPress) || !watched->isWidgetType()) {
+        return false;
+    }
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.key() != Qt::Key_F1 || key.modifiers() != Qt::NoModifier) {
+        return false;
+    }
+    event->accept(); // if it asks, the key comes next, not the menu's entry with this shortcut
+    if (!asks) {
+        show_(static_cast<const QWidget&>(*watched));
+    }
+    return true;
+}
+
+} // namespace busquill
