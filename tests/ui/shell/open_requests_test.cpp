@@ -19,10 +19,13 @@ protected:
     }
     ~TheRunningProgram() override { ::unsetenv("XDG_RUNTIME_DIR"); }
 
-    /// The number of windows after the program has had time to open files.
-    qsizetype Opened() {
+    void ExpectOneWindow() {
+        EXPECT_TRUE(QTest::qWaitFor([this] { return Windows().size() == 1; }, 10000));
+    }
+    /// After the program has had time to open files.
+    void ExpectNoWindow() {
         QTest::qWait(300);
-        return Windows().size();
+        EXPECT_TRUE(Windows().empty());
     }
 
     const TempDir runtime;
@@ -32,21 +35,22 @@ protected:
 TEST_F(TheRunningProgram, OpensAFileThatAnotherStartHandsOver) {
     requests.Serve({});
     ASSERT_TRUE(HandOver({dir.File("Trigger2.tra")}));
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
+    ASSERT_FALSE(Windows().empty());
     EXPECT_TRUE(Windows().first()->windowTitle().startsWith("Trace - Trigger2"));
     EXPECT_TRUE(prompts.Boxes().empty());
 }
 
 TEST_F(TheRunningProgram, OpensFilesThatCameWhileItWasStarting) {
     ASSERT_TRUE(HandOver({dir.File("Trigger2.tra")}));
-    EXPECT_EQ(Opened(), 0);
+    ExpectNoWindow();
     requests.Serve({});
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
 }
 
 TEST_F(TheRunningProgram, OpensItsOwnFilesAtTheStart) {
     requests.Serve({dir.File("Trigger2.tra")});
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
 }
 
 TEST_F(TheRunningProgram, OpensNothingUntilADialogIsClosed) {
@@ -54,10 +58,10 @@ TEST_F(TheRunningProgram, OpensNothingUntilADialogIsClosed) {
     AnswerDialog<QMessageBox>([&] { Choose("Help/About Busquill!"); },
                               [&](QMessageBox& box) {
                                   ASSERT_TRUE(HandOver({dir.File("Trigger2.tra")}));
-                                  EXPECT_EQ(Opened(), 0);
+                                  ExpectNoWindow();
                                   box.accept();
                               });
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
 }
 
 TEST_F(TheRunningProgram, OpensFilesWithNamesOfOtherScripts) {
@@ -65,14 +69,14 @@ TEST_F(TheRunningProgram, OpensFilesWithNamesOfOtherScripts) {
     const std::string name = dir.File("Gerät 1 & 日本.tra");
     std::filesystem::copy(dir.File("Trigger2.tra"), name);
     ASSERT_TRUE(HandOver({name}));
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
     EXPECT_TRUE(prompts.Boxes().empty());
 }
 
 TEST_F(TheRunningProgram, ReportsAFileThatItCannotOpenAndOpensTheNext) {
     requests.Serve({});
     ASSERT_TRUE(HandOver({dir.File("none.tra"), dir.File("Trigger2.tra")}));
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
     EXPECT_EQ(prompts.Texts(),
               std::vector<std::string>{"Error opening file " + dir.File("none.tra") + "."});
 }
@@ -84,7 +88,7 @@ TEST_F(TheRunningProgram, StaysTheOneThatGetsFiles) {
     later.Listen();
     later.Serve({});
     ASSERT_TRUE(HandOver({dir.File("Trigger2.tra")}));
-    EXPECT_EQ(Opened(), 1);
+    ExpectOneWindow();
     EXPECT_FALSE(second);
 }
 
@@ -116,7 +120,7 @@ TEST_F(WithoutARunningProgram, TheSocketOfOneThatCrashedIsReplaced) {
     requests.Listen();
     requests.Serve({});
     ASSERT_TRUE(HandOver({"/a.tra", "/b.tra"}));
-    QTest::qWait(300);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return opened.size() == 2; }, 10000));
     EXPECT_EQ(opened, (std::vector<std::string>{"/a.tra", "/b.tra"}));
 }
 
