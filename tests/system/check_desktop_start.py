@@ -18,8 +18,7 @@ from pathlib import Path
 
 ID = "com.tarnlightlabs.Busquill"
 USR = Path(sys.argv.pop(1)).resolve() / "usr"
-DATA = ["ComplianceChecklist.txt", "ConfigurationCycles.tsp", "MemoryWrite.tsp", "PCIClass.txt", "PCIVendors.txt",
-        "ReadAfterWrites.tsp", "TargetRetry.tsp", "Trigger1.tra", "Trigger2.tra"]
+DATA = sorted(path.name for path in (USR / "share/busquill").iterdir())
 PATIENCE = 60  # seconds; the machine may be busy with other tests
 
 
