@@ -4,6 +4,8 @@
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
 #include "ui/shell/command_line.h"
+#include "ui/shell/desktop_start.h"
+#include "ui/shell/open_requests.h"
 #include "ui/shell/program.h"
 
 #include <QApplication>
@@ -11,17 +13,31 @@
 using namespace busquill;
 
 int main(int argc, char** argv) {
-    const WorkingDirectory directory = WorkingDirectory::AtStart();
+    QApplication application(argc, argv); // removes Qt's own switches, such as -platform
     const std::string name = ApplicationName(CommandLineSwitch({argv + 1, argv + argc}));
-    QApplication application(argc, argv);
     NameApplication(name);
+    // With a switch, the program has a bench of its own, whose settings are not for other files.
+    const bool isUsual = name == stockName;
+    const auto files = TakeDesktopStart();
+    if (files && isUsual && HandOver(*files)) {
+        return 0;
+    }
 
     MainThread mainThread;
     ShowBoxesAsWindows(mainThread);
+    if (files) {
+        EnterUserFolder(mainThread);
+    }
+    const WorkingDirectory directory = WorkingDirectory::AtStart();
     QtSettings settings(name);
     SystemClock clock;
     const auto usb = OpenUsbBus();
     Program program({mainThread, mainThread, settings, clock, *usb, OpenSerialPort, directory});
+    OpenRequests requests(mainThread, [&](const std::string& file) { program.OpenFile(file); });
+    if (isUsual) {
+        requests.Listen();
+    }
     program.InitInstance();
+    requests.Serve(files.value_or(std::vector<std::string>()));
     return QApplication::exec();
 }

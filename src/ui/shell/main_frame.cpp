@@ -1,6 +1,7 @@
 #include "ui/shell/main_frame.h"
 
 #include "link/analyzer_link.h"
+#include "platform/libraries.h"
 #include "ui/framework/dialog_titles.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/mdi_child.h"
@@ -341,10 +342,24 @@ void CMainFrame::PlaceHelp() {
 }
 
 void CMainFrame::ShowAbout() {
-    QMessageBox::about(this, "About Busquill!",
-                       "<h3>Busquill! " BUSQUILL_VERSION "</h3>"
-                       "<p>Control and analysis of bus analyzer and exerciser boards for PCI, "
-                       "PCI-X, VME and VSB.</p><p>Tarnlight Labs</p>");
+    QStringList libraries{QString("Qt ") + qVersion()};
+    for (const std::string& library : Libraries()) {
+        libraries << QString::fromStdString(library);
+    }
+    QMessageBox box(
+        QMessageBox::NoIcon, "About Busquill!",
+        QString("<h3>Busquill! " BUSQUILL_VERSION "</h3>"
+                "<p>Control and analysis of bus analyzer and exerciser boards for PCI, "
+                "PCI-X, VME and VSB.</p>"
+                "<p>Copyright 2026 Tarnlight Labs. Licensed under the MIT licence: free "
+                "to use, change and pass on, without warranty.</p>"
+                "<p>Runs on %1. Names of PCI vendors and classes are those of the PCI "
+                "ID Project.</p>")
+            .arg(libraries.join(", ")),
+        QMessageBox::Ok, this);
+    box.setIconPixmap(windowIcon().pixmap(QSize(64, 64), devicePixelRatio()));
+    box.setTextInteractionFlags(Qt::TextBrowserInteraction);
+    box.exec();
 }
 
 void CMainFrame::OnTimer() {

@@ -3,7 +3,7 @@
 #include "link/port_setting.h"
 #include "ui/framework/qt_settings.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QThread>
 #include <QWindow>
@@ -29,6 +29,7 @@ void UpdateWindow(const QWidget& window) {
 void NameApplication(const std::string& name) {
     QCoreApplication::setOrganizationName(organisation);
     QCoreApplication::setApplicationName(QString::fromStdString(name));
+    QGuiApplication::setDesktopFileName(BUSQUILL_ID); // by which a desktop finds the icon
 }
 
 Program::Program(Machine machine) : machine_(std::move(machine)), analyzer_(machine_) {}
@@ -54,6 +55,14 @@ void Program::InitInstance() {
     Link().Connect(ReadPortSetting(machine_.settings));
     frame_->RefreshStatusPanes();
     Tables().Load();
+}
+
+void Program::OpenFile(const std::string& path) {
+    app_->OpenDocumentFile(path);
+    frame_->RefreshCommands();
+    frame_->raise();
+    frame_->activateWindow();
+    QApplication::alert(frame_.get()); // where a program may not take the front by itself
 }
 
 } // namespace busquill

@@ -27,6 +27,9 @@ public:
     /// Shows the main window, connects to the board and loads its tables. Blocks for seconds.
     void InitInstance();
 
+    /// Opens a file that the desktop asks for, and brings the main window to the front.
+    void OpenFile(const std::string& path);
+
     [[nodiscard]] CMainFrame& Frame() noexcept { return *frame_; }
     [[nodiscard]] CTesselApp& App() noexcept { return *app_; }
     [[nodiscard]] CAnalyzerLink& Link() noexcept { return analyzer_.Link(); }

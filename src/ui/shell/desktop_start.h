@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace busquill {
+
+class Prompts;
+
+/// A start by the desktop, from its menu or by a double click on files. `busquill-open` starts the
+/// program so, by the environment variable BUSQUILL_OPEN, which holds the files, one a line.
+/// Returns their absolute paths, none from the menu; nothing when the program was started in
+/// another way. Unsets the variable, so that programs started by this one do not inherit it.
+[[nodiscard]] std::optional<std::vector<std::string>> TakeDesktopStart();
+
+/// Makes the user's data folder the current directory. The first start fills it with the captures,
+/// setups and lists that are installed. A failure is reported.
+void EnterUserFolder(Prompts& prompts);
+
+} // namespace busquill
