@@ -25,7 +25,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 struct Program {
-    std::unique_ptr<CLI::App> table;
+    std::shared_ptr<CLI::App> table;
     ProgramRun (*run)(const std::vector<std::string>&, const ProgramInput&);
 };
 
