@@ -2,6 +2,8 @@
 /// as characters.
 #pragma once
 
+#include "platform/demo_random.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -25,8 +27,7 @@ inline constexpr int dumpRows = 1000;
 
 /// A byte of a row in Demo Mode, where rows are full and change whenever they are drawn; from a
 /// random number of 0 to largestDemoRandom.
-inline constexpr std::uint32_t largestDemoRandom = 32767;
-[[nodiscard]] constexpr std::uint8_t DemoDumpByte(std::uint32_t random) noexcept {
+[[nodiscard]] constexpr std::uint8_t DemoDumpByte(int random) noexcept {
     return static_cast<std::uint8_t>(random * 255 / largestDemoRandom);
 }
 

@@ -1,6 +1,7 @@
 #include "testsuites/anomaly_run.h"
 
 #include "link/exchange.h"
+#include "platform/demo_random.h"
 #include "testsuites/anomaly_document.h"
 #include "testsuites/anomaly_table.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/board_run.h"
+#include "platform/demo_random.h"
 
 #include <functional>
 #include <string_view>
@@ -50,7 +51,6 @@ private:
     bool on_ = false;
 };
 
-constexpr int largestDemoRandom = 32767;
 /// What the board would report, made of a random number: nothing about every other time, otherwise
 /// a check from 1 to 25.
 [[nodiscard]] constexpr int DemoAnomaly(int random) noexcept {

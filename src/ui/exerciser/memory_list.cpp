@@ -1,6 +1,7 @@
 #include "ui/exerciser/memory_list.h"
 
 #include "exerciser/memory_dump.h"
+#include "platform/demo_random.h"
 #include "ui/framework/painting.h"
 
 #include <QFontMetrics>

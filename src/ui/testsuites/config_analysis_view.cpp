@@ -16,10 +16,6 @@ constexpr int valueAt = 20;    // characters from the left
 constexpr int leftAt = 1;      // the same for the names of bits
 constexpr int valueWidth = 14; // characters, with a margin
 
-QString TextOf(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 /// The lines at which the boxes begin.
 constexpr int commandBox = 3 + gap;
 constexpr int statusBox = commandBox + boxLines + gap;
@@ -34,7 +30,7 @@ void DrawBits(QPainter& painter, const AnalysisLayout& layout, int box,
               const std::vector<AnalysisLine>& lines) {
     for (const AnalysisLine& each : lines) {
         ++box;
-        DrawLine(painter, layout, box, layout.textLeft, TextOf(each.text));
+        DrawLine(painter, layout, box, layout.textLeft, QString::fromUtf8(each.text));
         DrawLine(painter, layout, box, layout.valueLeft, QString::fromStdString(each.value));
     }
 }
@@ -97,8 +93,8 @@ private:
         int left = Characters(valueAt);
         const ConfigAnalysis analysis = AnalyzeHeader(device_);
         for (const AnalysisLine& line : analysis.status) {
-            left = std::max(left, Characters(leftAt + 1) +
-                                      fontMetrics().horizontalAdvance(TextOf(line.text)));
+            left = std::max(left, Characters(leftAt + 1) + fontMetrics().horizontalAdvance(
+                                                               QString::fromUtf8(line.text)));
         }
         return left;
     }

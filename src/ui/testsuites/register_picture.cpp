@@ -16,10 +16,6 @@ QFont DigitFont() {
     return FontOfCellHeight(14, QFont::Normal, FontFace::Proportional);
 }
 
-QString TextOf(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 int OffsetWidth() {
     return QFontMetrics(NameFont()).horizontalAdvance(" 00H") + 2;
 }
@@ -66,7 +62,7 @@ void DrawRegisterPicture(QPainter& painter, const RegisterGeometry& geometry,
         painter.drawLine(place.left(), place.top(), place.left(), place.bottom());
         // One pixel lower, the capitals keep clear of the double line above them.
         painter.drawText(place.translated(0, 1), Qt::AlignCenter | Qt::TextDontClip,
-                         TextOf(field.text));
+                         QString::fromUtf8(field.text));
     }
     for (int word = 0; word < configWords; ++word) {
         painter.drawText(geometry.Offset(word), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextDontClip,
@@ -95,8 +91,9 @@ int RegisterPicture::NeededWidth() {
     int needed = 0;
     for (const HeaderField& field : headerFields) {
         const int share = field.lastBit - field.firstBit + 1;
-        needed = std::max(needed,
-                          (metrics.horizontalAdvance(TextOf(field.text)) + space) * bits / share);
+        needed =
+            std::max(needed, (metrics.horizontalAdvance(QString::fromUtf8(field.text)) + space) *
+                                 bits / share);
     }
     return needed + OffsetWidth();
 }
