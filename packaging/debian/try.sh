@@ -4,7 +4,7 @@
 #     packaging/debian/try.sh PACKAGE.deb
 set -euo pipefail
 
-# In the clean Debian, whose root is given.
+# Runs commands in the clean Debian, whose root is the second argument.
 if [ "$1" = --in ]; then
     root=$2
     chroot "$root" apt-get install --yes --no-install-recommends /tmp/busquill.deb
@@ -20,7 +20,7 @@ for _ in $(seq 300); do
     [ -e ~/.local/state/busquill/copied-files ] && break
     sleep 0.1
 done
-sleep 5 # it goes on to its main window
+sleep 5 # meanwhile it opens its main window
 kill $! || { echo "the program has ended" >&2; exit 1; }
 diff -r /usr/share/busquill ~/.local/share/busquill
 test -z "$(ls -A .)"

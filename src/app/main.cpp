@@ -16,7 +16,8 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv); // removes Qt's own switches, such as -platform
     const std::string name = ApplicationName(CommandLineSwitch({argv + 1, argv + argc}));
     NameApplication(name);
-    // With a switch, the program has a bench of its own, whose settings are not for other files.
+    // With a switch, the program has the settings of one bench, so it takes no files from
+    // the desktop.
     const bool isUsual = name == stockName;
     const auto files = TakeDesktopStart();
     if (files && isUsual && HandOver(*files)) {

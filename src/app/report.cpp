@@ -15,7 +15,7 @@ using namespace busquill;
 
 namespace {
 
-/// The last message, which tells why something has failed.
+/// The last message, which says why something has failed.
 class LastMessage final : public Prompts {
 public:
     Answer Show(const Box& box) override {
@@ -34,7 +34,7 @@ int Fail(const std::string& why) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    // Qt warns of what a machine without a user's session lacks.
+    // Without a user's session, Qt warns about missing services that are not needed here.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     const QApplication application(argc, argv);
     if (argc != 4) {

@@ -7,7 +7,7 @@
 
 namespace busquill::cli {
 
-/// What commands have that tell something of one capture.
+/// The options of commands that report on one capture.
 struct CaptureOptions {
     std::string file;
     OutputOptions output;

@@ -310,7 +310,7 @@ std::string WrongNumber(const std::string& text, const NumberLimits& limits) {
                   text.c_str());
 }
 
-/// Without a text a script would mostly have meant one: a variable of it is empty.
+/// An empty text is mostly a mistake in a script: one of its variables is empty.
 CLI::Option& NeverEmpty(CLI::Option& option) {
     const std::string complaint =
         option.get_positional() ? "is empty" : "needs a value: " + ValueName(option);

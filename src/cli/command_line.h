@@ -36,9 +36,9 @@ CLI::App& AddCommand(CLI::App& program, const char* name, const char* help,
 /// The output of "-h" for a program or a command.
 [[nodiscard]] std::string HelpText(CLI::App& app);
 
-// Options. `names` are as typed, such as "-o,--output"; `value` is the value's name in the help. Of
-// an option that is given more than once the last value holds, unless it takes a list. No value may
-// be empty.
+// Options. `names` are as typed, such as "-o,--output"; `value` is the value's name in the help. If
+// an option is given more than once, the last value counts, unless it takes a list. No value may be
+// empty.
 
 CLI::Option& AddFlag(CLI::App& command, const char* names, std::function<void()> take,
                      const char* help);
@@ -107,7 +107,7 @@ CLI::Option& AddChoice(CLI::App& command, const char* names,
         value, help);
 }
 
-// Operands, in their order. They are required unless made optional, which other options can be too.
+// Operands, in their order. They are required unless made `Optional`, which works for options too.
 
 CLI::Option& AddOperand(CLI::App& command, const char* name, std::string& into);
 CLI::Option& AddOperands(CLI::App& command, const char* name, std::vector<std::string>& into);

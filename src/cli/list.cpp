@@ -64,7 +64,7 @@ public:
     [[nodiscard]] bool Any() const noexcept { return any_; }
 
 private:
-    /// An array of a value that is JSON already, and of texts.
+    /// An array: first a value that is JSON already, then texts.
     const std::string& JsonRow(const std::string& first, const std::vector<std::string>& texts) {
         line_ = '[' + first;
         for (const std::string& text : texts) {

@@ -44,8 +44,8 @@ protected:
             }
         }
     }
-    /// The command with all that it needs and the option with this value. One line says what is
-    /// wrong with it.
+    /// Runs the command with all that it needs, and the option with this value. Returns the line
+    /// that says what is wrong with it.
     [[nodiscard]] std::string Complaint(const Program& program, CLI::App& command,
                                         const CLI::Option& option, const std::string& value) const {
         const std::string name = "--" + cli::LongName(option);
@@ -100,8 +100,8 @@ TEST_F(EveryOption, RefusesAnEmptyValue) {
 }
 
 TEST_F(EveryOption, NamesAValueThatMakesNoSense) {
-    // What the board alone knows is tried with one, in the tests of those commands; so is the port,
-    // which is looked for after the command's files.
+    // Values that only a board can check are tried with one, in the tests of those commands. So is
+    // the port, which is opened after the command's files.
     const std::set<std::string> triedElsewhere = {"--space", "--only", "--without", "--port",
                                                   "--stop-if-found"};
     int count = 0;

@@ -27,7 +27,7 @@ def run(*command, **options):
 
 
 def said_by(*command, **options):
-    """What a checker complains of."""
+    """Returns the complaints of a checker."""
     result = run(*command, **options)
     return [f"{command[0]}: {result.stdout.strip()}"] if result.returncode != 0 else []
 
@@ -168,7 +168,7 @@ def check_man(usr, source, version):
     need("mandoc")
     wrong = []
     for page in sorted((usr / "share/man").rglob("*.[15]")):
-        # Styles are matters of taste; dates are left out on purpose.
+        # Remarks about style are left out. The pages have no date on purpose.
         said = run("mandoc", "-T", "lint", "-W", "warning", page).stdout
         wrong += [line for line in said.splitlines() if "missing date" not in line]
         if f"Busquill! {version}" not in page.read_text():
@@ -182,7 +182,7 @@ def check_man(usr, source, version):
 
 
 def check_version(usr, source, version):
-    """The version stands in CMakeLists.txt alone; everything else takes it from there."""
+    """The version is written only in CMakeLists.txt; everything else takes it from there."""
     wrong = []
     for program in ("busquill-trace", "busquill-board"):
         said = run(usr / "bin" / program, "--version").stdout.strip()

@@ -117,7 +117,7 @@ TEST_F(BoardProgramCompliance, AReportAsPdfIsThatOfAWindow) {
     StartBoard({"--compliance", "CFG2 fail 5"});
     WriteList({"CFG1", "CFG2"});
     files.Write("report.pdf", "old");
-    // No display, and none that the environment names.
+    // There is no display, although the environment asks for windows on one.
     const ProgramRun run = Run({"compliance", "list.cpl", "-o", "report.pdf"},
                                {.environment = {{"DISPLAY", ""},
                                                 {"WAYLAND_DISPLAY", ""},

@@ -1,4 +1,4 @@
-// Makes a man page of a document, so that a description is written once.
+// Makes a man page from a document, so that a description is written only once.
 //
 //     make-man-page TEMPLATE DOCUMENT.md    the template with the document in place of the line
 //     %body%
@@ -117,7 +117,7 @@ private:
 
     void Out(const std::string& text) { text_ += text; }
 
-    /// Ends what stands before and begins another kind of text.
+    /// Ends the current kind of text and begins another one.
     void Begin(Kind kind) {
         if (kind == kind_) {
             return;

@@ -104,7 +104,7 @@ public:
         QApplication::processEvents();
     }
 
-    /// Clicks a button and answers the dialogs that come of it, one after the other. An answer must
+    /// Clicks a button and answers the dialogs that it opens, one after the other. An answer must
     /// close its dialog or open the next one, by PressLater.
     using Answers = std::deque<std::function<void(QWidget&)>>;
     void Click(QAbstractButton& button, Answers answers) {
@@ -112,7 +112,7 @@ public:
         button.click();
         QApplication::processEvents();
     }
-    /// A dialog that it opens would otherwise hold up whoever presses the button.
+    /// Presses the button after the caller has returned, so that no dialog blocks the caller.
     static void PressLater(QAbstractButton& button) {
         QTimer::singleShot(0, &button, &QAbstractButton::click);
     }
@@ -205,7 +205,7 @@ void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label
     }
 }
 
-/// Closes the windows of a capture that nobody wants to keep.
+/// Closes the windows of a capture without asking whether to save it.
 void CloseCapture(CMainFrame& frame, CTesselDoc& document) {
     document.SetModifiedFlag(false);
     for (QMdiSubWindow* window : frame.Area().subWindowList()) {

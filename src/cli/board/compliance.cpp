@@ -44,7 +44,7 @@ struct DeviceId {
     friend bool operator==(const DeviceId&, const DeviceId&) = default;
 };
 
-constexpr DeviceId anyDevice; // a list that names none has zeros
+constexpr DeviceId anyDevice; // zeros, as in a list that names no device
 
 DeviceId IdOf(const DeviceIdentity& identity) {
     return {identity.vendorId, identity.deviceId};

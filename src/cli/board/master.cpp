@@ -35,7 +35,7 @@ struct MasterOptions {
 /// Ends the program if a file is not a form, before connecting to the board. What its fields mean
 /// depends on the board, so it is read again later.
 void CheckForm(const std::string& path) {
-    static_cast<void>(OpenInput(path)); // tells why it cannot be opened
+    static_cast<void>(OpenInput(path)); // says why it cannot be opened
     LinePrompts prompts;
     CMasterDoc document([] { return BoardTraits(); }, prompts);
     if (!document.OnOpenDocument(path)) {

@@ -27,7 +27,7 @@ namespace busquill::cli::board {
 
 namespace {
 
-/// For a reading that is due when the time is over; it comes much sooner.
+/// The longest wait for a reading that is due when the time is over; it usually comes much sooner.
 constexpr Milliseconds lastReading = std::chrono::seconds(2);
 
 struct PerformanceOptions {

@@ -22,15 +22,15 @@ bool IsPdf(const std::string& path) {
     return ToLower(path).ends_with(".pdf");
 }
 
-/// Pages are drawn by Qt, which this program must do without: a program of its own does that. It is
-/// built with the windows, and lies beside this one.
+/// The program that draws the pages. Drawing needs Qt, which this program does not use. The other
+/// one is built with the windows, and is in the same folder.
 std::string Drawer() {
     std::error_code unknown;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", unknown);
     return (self.parent_path() / "busquill-report").string();
 }
 
-/// Runs a program and waits for its end; returns whether it was good.
+/// Runs a program and waits for its end; returns whether it succeeded.
 bool RunToItsEnd(std::vector<std::string> words) {
     std::vector<char*> arguments;
     for (std::string& word : words) {

@@ -13,9 +13,9 @@ namespace busquill::cli::board {
 /// or a report as PDF cannot be made here.
 void CheckReportFile(const std::string& path);
 
-/// A file that ends in ".cpl" keeps the test as a window does. One that ends in ".pdf" has the
-/// pages that a window prints below the title; any other the text; an empty path is no file. False
-/// when it could not be written; the document may have a message about that.
+/// A path that ends in ".cpl" gets the file that a window saves. One that ends in ".pdf" gets the
+/// pages that a window prints, with the title; any other gets the text. Nothing is written for an
+/// empty path. False when the file could not be written; the document may then have a message.
 [[nodiscard]] bool WriteReportFile(const std::string& path, CComplianceDoc& document,
                                    const std::string& title, const std::string& text);
 

@@ -37,7 +37,7 @@ struct TargetOptions {
 /// Ends the program if a file is not a form, before connecting to the board. What its fields mean
 /// depends on the board, so it is read again later.
 void CheckForm(const std::string& path) {
-    static_cast<void>(OpenInput(path)); // tells why it cannot be opened
+    static_cast<void>(OpenInput(path)); // says why it cannot be opened
     LinePrompts prompts;
     CTargetDoc document([] { return BoardTraits(); }, prompts);
     if (!document.OnOpenDocument(path)) {

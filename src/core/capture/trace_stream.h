@@ -31,8 +31,8 @@ struct TraceSurvey {
     [[nodiscard]] bool HasGaps() const noexcept { return rows != last - first + 1; }
 };
 
-/// Where the trigger is marked, `marked` being the number of that sample: in words. It is not on
-/// sample 0 if no samples follow that.
+/// Describes in words where the trigger is marked; `marked` is the number of that sample. It is not
+/// sample 0 if no samples follow sample 0.
 [[nodiscard]] std::string TriggerWords(const TraceSurvey& survey, std::int64_t marked);
 
 /// Reads a trace file sequentially, in memory that does not grow with the file. A file whose

@@ -23,7 +23,8 @@ struct ExportList {
     const CSignalList& list;
     ListUse use;
 };
-/// That of the waveforms, of the listing if the file has only that, or of the Power Zoom.
+/// With `zoom`, the list of the Power Zoom. Otherwise that of the waveforms, or that of the listing
+/// if the file has no other.
 [[nodiscard]] ExportList ListToExport(const TraceStream& stream, bool zoom);
 
 /// A signal that is exported: a bit, a bus, or a decoded value.

@@ -105,8 +105,8 @@ struct LiveStatus {
 /// The traits of a model by its name, in its first bus mode; nothing for an unknown model.
 [[nodiscard]] std::optional<BoardTraits> TraitsOfModel(std::string_view name);
 
-/// The model to assume for a capture of which only the bus is known: connectors have their own, for
-/// every other bus any will do.
+/// The model to assume for a capture of which only the bus is known. The P2 and P0 connectors have
+/// models of their own; for every other bus, any model is suitable.
 [[nodiscard]] std::string_view ModelForBus(std::int32_t busMode) noexcept;
 
 /// The bus modes of a model by its name; those of Demo Mode for an unknown one.

@@ -3,7 +3,7 @@
 
 namespace busquill {
 
-/// They are from 0 to this.
+/// The numbers are from 0 to this value.
 inline constexpr int largestDemoRandom = 32767;
 
 } // namespace busquill

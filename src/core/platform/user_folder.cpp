@@ -47,7 +47,7 @@ bool WriteNames(const fs::path& list, const std::set<std::string>& names) {
     return writer.Close();
 }
 
-/// Under another name first, so that an interrupted copy is not taken for the file.
+/// Copies to another name first, so that an interrupted copy is not taken for the file.
 bool CopyWhole(const fs::path& from, const fs::path& to) {
     const fs::path part = to.string() + ".part";
     std::error_code failed;

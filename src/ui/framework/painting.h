@@ -24,7 +24,7 @@ enum class Edge { Raised, Sunken };
 /// A two-pixel edge inside the rectangle.
 void DrawEdge(QPainter& painter, const QRect& rect, Edge edge);
 
-/// Marks a button that draws itself, inside its edge, while it has the keyboard.
+/// Draws the focus mark of a button that draws itself: inside its edge, while it has the keyboard.
 void DrawFocusMark(QPainter& painter, const QWidget& button);
 
 enum class FontFace { Proportional, Fixed };

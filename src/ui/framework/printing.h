@@ -54,7 +54,7 @@ using DrawPage = std::function<void(QPainter& painter, int number)>;
 class PrinterChoice {
 public:
     void Remember(const QPrinter& printer);
-    /// Leaves the printer as it is if none has been chosen, or the chosen one is gone.
+    /// Leaves the printer as it is if none has been chosen, or the chosen one no longer exists.
     void Restore(QPrinter& printer) const;
 
 private:

@@ -17,7 +17,7 @@ namespace {
 
 constexpr auto openVariable = "BUSQUILL_OPEN";
 
-/// The installed data, which stand at a fixed place relative to the program.
+/// The folder of the installed data, which has a fixed place relative to the program.
 std::filesystem::path InstalledData() {
     return std::filesystem::path(QCoreApplication::applicationDirPath().toStdString()) /
            BUSQUILL_DATA_FROM_PROGRAM;

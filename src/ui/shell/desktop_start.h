@@ -8,9 +8,9 @@ namespace busquill {
 
 class Prompts;
 
-/// A start by the desktop, from its menu or by a double click on files. `busquill-open` starts the
-/// program so, by the environment variable BUSQUILL_OPEN, which holds the files, one a line.
-/// Returns their absolute paths, none from the menu; nothing when the program was started in
+/// A start by the desktop, from its menu or by a double click on files. `busquill-open` marks it by
+/// the environment variable BUSQUILL_OPEN, which lists the files, one per line. Returns their
+/// absolute paths (none after a start from the menu), or nothing if the program was started in
 /// another way. Unsets the variable, so that programs started by this one do not inherit it.
 [[nodiscard]] std::optional<std::vector<std::string>> TakeDesktopStart();
 

@@ -22,7 +22,7 @@ bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
     if (key.key() != Qt::Key_F1 || key.modifiers() != Qt::NoModifier) {
         return false;
     }
-    event->accept(); // if it asks, the key comes next, not the menu's entry with this shortcut
+    event->accept(); // a ShortcutOverride is then followed by the key, not by the menu's shortcut
     if (!asks) {
         show_(static_cast<const QWidget&>(*watched));
     }

@@ -8,8 +8,8 @@ class QWidget;
 
 namespace busquill {
 
-/// F1 in any window of the program, dialogs and message boxes included. A shortcut would be dead
-/// while a modal dialog is open.
+/// Handles F1 in all windows of the program, also in dialogs and message boxes. A shortcut would
+/// not work while a modal dialog is open.
 class HelpKey final : public QObject {
     Q_OBJECT
 public:

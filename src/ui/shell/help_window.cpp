@@ -25,7 +25,7 @@ constexpr QSize usualSize(1040, 720);
 constexpr int panesWidth = 300;
 constexpr int placeRole = Qt::UserRole;
 
-/// Down in a field leads into the list below it.
+/// The Down key in a field moves the focus to the list below it.
 class IntoList final : public QObject {
 public:
     IntoList(QLineEdit& field, QTreeWidget& list) : QObject(&field), list_(list) {
@@ -237,7 +237,7 @@ void HelpWindow::GoToSearch() {
     question_->selectAll();
 }
 
-/// An entry with several places opens like a branch of a tree; its places open the pages.
+/// An entry with several places expands and shows them; a click on a place opens its page.
 void HelpWindow::OpenEntry(const QTreeWidgetItem& entry) {
     const QString place = entry.data(0, placeRole).toString();
     if (place.isEmpty()) {

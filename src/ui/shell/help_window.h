@@ -28,7 +28,7 @@ class HelpWindow final : public QMainWindow {
     Q_OBJECT
 public:
     explicit HelpWindow(QWidget* parent);
-    /// Shows a page in front of the other windows: its file name, with "#heading" for a section.
+    /// Shows a page, in front of the other windows: a file name, with "#heading" for a section.
     void ShowPage(const QString& page);
 
 private:
@@ -37,7 +37,7 @@ private:
     [[nodiscard]] QWidget* MakeContents();
     [[nodiscard]] QWidget* MakeIndex();
     [[nodiscard]] QWidget* MakeSearch();
-    /// A field over a list. Enter in the field opens the list's first entry, Down leads into it.
+    /// A field over a list. Enter in the field opens the list's first entry, Down moves to it.
     [[nodiscard]] QWidget* MakeFinder(QLineEdit& field, QTreeWidget& list);
     void OpenEntry(const QTreeWidgetItem& entry);
     void SelectInContents(const QUrl& shown);

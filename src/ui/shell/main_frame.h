@@ -57,7 +57,7 @@ private:
     void FillDynamicEntries();
     void ShowAbout();
     void ShowHelp(int topic);
-    /// The page of the window that a widget is in; without one, of the active window.
+    /// The page of the window that contains a widget; if it has none, that of the active window.
     void ShowHelpFor(const QWidget& widget);
     void ShowHelpPage(const QString& page);
     void PlaceHelp();

@@ -129,7 +129,7 @@ private:
         }
     }
 
-    std::map<QString, ManualTerm> terms_; // by their lower case
+    std::map<QString, ManualTerm> terms_; // by their names in lower case
 };
 
 } // namespace

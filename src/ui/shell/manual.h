@@ -41,7 +41,7 @@ public:
     static constexpr auto contents = "index.md";
 
     [[nodiscard]] const std::vector<ManualPage>& Pages() const noexcept { return pages_; }
-    /// The title in the contents of a page, or of the page of a place.
+    /// The title that a page has in the contents; also for a place in that page.
     [[nodiscard]] QString TitleOf(const QString& page) const;
     /// Headings, and the names of menus, buttons and fields, in alphabetical order. Read at the
     /// first call.
@@ -72,7 +72,7 @@ private:
 
 /// The words of a question.
 [[nodiscard]] QStringList WordsOf(const QString& question);
-/// The name by which links lead to a heading: "Go to a sample" is "go-to-a-sample".
+/// The anchor that links to a heading use: "Go to a sample" is "go-to-a-sample".
 [[nodiscard]] QString AnchorOf(const QString& heading);
 /// Gives all headings of a page their anchors.
 void AnchorHeadings(QTextDocument& page);

@@ -50,7 +50,7 @@ void ManualBrowser::Prepare(const QUrl& shown) {
     }
 }
 
-/// The lines of a table are light, and its cells have room.
+/// Gives tables light lines, and cells with a margin.
 void ManualBrowser::FormatTables() {
     for (QTextFrame* frame : document()->rootFrame()->childFrames()) {
         if (auto* table = qobject_cast<QTextTable*>(frame)) {
@@ -76,7 +76,7 @@ QVariant ManualBrowser::loadResource(int type, const QUrl& name) {
 }
 
 int ManualBrowser::WidestPicture() const {
-    // As if there were a scroll bar, which would come and go with the pictures' heights.
+    // Leaves room for a scroll bar, which would otherwise come and go with the pictures' heights.
     const int bar = verticalScrollBar()->isVisible() ? 0 : verticalScrollBar()->sizeHint().width();
     return std::max(leastPictureWidth, viewport()->width() - 2 * pageMargin - bar);
 }
@@ -133,7 +133,7 @@ void ManualBrowser::FindMarks() {
         }
     }
     std::sort(marks_.begin(), marks_.end());
-    // Begins where the words stand together, if they do: after the last mark before that.
+    // If the words stand together somewhere, the mark there is the first to be shown.
     const QTextCursor together = document()->find(words_.join(' '));
     while (!together.isNull() && current_ + 1 < marks_.size() &&
            marks_[current_ + 1].selectionStart() < together.selectionStart()) {

@@ -21,7 +21,7 @@ public:
     [[nodiscard]] QString Page() const;
     /// Marks all places of the words in this page, and in others until it is called again.
     void Mark(const QStringList& words);
-    /// Scrolls to the next marked place, or to the one before; from the last one to the first.
+    /// Scrolls to the next marked place or to the previous one. The first follows the last.
     void GoToMark(bool forward);
 
 signals:

@@ -31,8 +31,8 @@ bool Connect(QLocalSocket& socket) {
 
 } // namespace
 
-// One path a line. No answer is awaited: a program that is connecting to its board takes the files
-// up to ten seconds later.
+// One path per line. It waits for no answer: a program that is connecting to its board may take the
+// files up to ten seconds later.
 bool HandOver(const std::vector<std::string>& files) {
     QLocalSocket socket;
     if (files.empty() || !Connect(socket)) {
@@ -60,7 +60,7 @@ void OpenRequests::Listen() {
     if (path.isEmpty() || server_.listen(path) || Connect(other)) {
         return;
     }
-    // Left behind by a program that did not end by itself.
+    // The socket remains from a program that crashed or was killed.
     QLocalServer::removeServer(path);
     server_.listen(path);
 }

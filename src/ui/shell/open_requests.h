@@ -11,7 +11,7 @@
 
 namespace busquill {
 
-/// Hands files to the instance of the program that the user runs already. False when there is none.
+/// Hands files to the user's running instance of the program. False when there is none.
 [[nodiscard]] bool HandOver(const std::vector<std::string>& files);
 
 /// The files that the desktop asks a running program to open: its own at the start, and those that
@@ -21,10 +21,10 @@ class OpenRequests final : public QObject {
 public:
     OpenRequests(const MainThread& mainThread, std::function<void(const std::string&)> open);
 
-    /// Becomes the instance that files are handed to, unless another one is or the user has no
-    /// runtime folder. Files wait for Serve.
+    /// Becomes the instance that receives files, unless another one already does or the user has
+    /// no runtime folder. Files wait until Serve is called.
     void Listen();
-    /// Opens these files and all that come.
+    /// Opens these files, and all that arrive later.
     void Serve(const std::vector<std::string>& files);
 
 private:

@@ -62,7 +62,7 @@ void Program::OpenFile(const std::string& path) {
     frame_->RefreshCommands();
     frame_->raise();
     frame_->activateWindow();
-    QApplication::alert(frame_.get()); // where a program may not take the front by itself
+    QApplication::alert(frame_.get()); // where a program may not come to the front by itself
 }
 
 } // namespace busquill

@@ -73,7 +73,7 @@ protected:
     }
 
 private:
-    /// Its ground is the program's, not the form's, and so are its texts.
+    /// Its background and its texts have the colours of the program, not those of the form.
     void FollowColors() {
         QPalette own = palette();
         for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {

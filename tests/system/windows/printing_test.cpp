@@ -157,7 +157,7 @@ protected:
     }
 };
 
-/// The numbers from 7000 to 7999 among the texts, which nothing but samples has there.
+/// The numbers from 7000 to 7999 among the texts; only samples have such numbers there.
 std::vector<int> Samples(const PageRecorder& recorder) {
     std::vector<int> numbers;
     for (const Recording::Text& text : recorder.Recorded().texts) {

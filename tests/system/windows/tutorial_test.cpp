@@ -25,13 +25,13 @@ using testing::IsEmpty;
 
 class Tutorial : public LiveFrameFixture {
 protected:
-    /// After a dialog has closed: on the platform of the tests no window is active then.
+    /// For use after a dialog has closed: on the platform of the tests no window is active then.
     void Activate() {
         Frame().activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&Frame()));
     }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-        Frame().RefreshCommands(); // as before the program waits for the next key
+        Frame().RefreshCommands(); // the program does so before it waits for the next key
         QTest::keyClick(&frame->TraceView(), key, modifiers);
         QApplication::processEvents();
     }

@@ -55,7 +55,7 @@ protected:
         EXPECT_FALSE(browser.toPlainText().isEmpty()) << page.toStdString();
         EXPECT_TRUE(found) << page.toStdString();
     }
-    /// F1 in the dialog leads to the page; its Help button, if it has one, too, but not to a
+    /// F1 in the dialog opens the page. So does its Help button, if it has one, but without the
     /// section.
     void ExpectDialogPage(QDialog& dialog, const QString& page) {
         EXPECT_EQ(PageOfF1(dialog), page) << dialog.windowTitle().toStdString();

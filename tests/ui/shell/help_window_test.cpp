@@ -139,7 +139,7 @@ TEST_F(Help, ItsPicturesExistAndAllAreShown) {
     EXPECT_EQ(shown, source.entryList(QDir::Files, QDir::Name));
 }
 
-/// The names to which links can lead in a page.
+/// The anchors of a page, which links can name.
 QStringList AnchorsIn(const QTextDocument& document) {
     QStringList anchors;
     for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
@@ -226,7 +226,7 @@ TEST_F(Help, ALinkToAHeadingScrollsThere) {
     EXPECT_EQ(TopLine(), "Define Signals");
     page->ShowPage("listing.md#rows"); // in the same page
     EXPECT_EQ(TopLine(), "Rows");
-    // Also on the way back, to which the page is read again.
+    // Also after Back, which reads the page again.
     page->ShowPage("master.md");
     EXPECT_EQ(List("Contents").selectedItems().value(0)->text(0), "Master");
     page->backward();
@@ -365,7 +365,7 @@ TEST_F(Help, CanBeReadWhileADialogIsOpen) {
         ASSERT_TRUE(window->isVisible());
         EXPECT_EQ(page->Page(), "board-info.md");
         QTest::qWait(50);
-        // By way of the window system, which keeps events from windows that the dialog blocks.
+        // Sent through the window system, which gives no events to windows that the dialog blocks.
         QTreeWidget& contents = List("Contents");
         const QPoint place = contents.viewport()->mapTo(
             window, contents.visualItemRect(Entry(contents, "Master")).center());
