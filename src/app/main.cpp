@@ -18,9 +18,9 @@ int main(int argc, char** argv) {
     NameApplication(name);
     // With a switch, the program has the settings of one bench, so it takes no files from
     // the desktop.
-    const bool isUsual = name == stockName;
+    const bool hasUsualSettings = name == stockName;
     const auto files = TakeDesktopStart();
-    if (files && isUsual && HandOver(*files)) {
+    if (files && hasUsualSettings && HandOver(*files)) {
         return 0;
     }
 
@@ -35,7 +35,7 @@ int main(int argc, char** argv) {
     const auto usb = OpenUsbBus();
     Program program({mainThread, mainThread, settings, clock, *usb, OpenSerialPort, directory});
     OpenRequests requests(mainThread, [&](const std::string& file) { program.OpenFile(file); });
-    if (isUsual) {
+    if (hasUsualSettings) {
         requests.Listen();
     }
     program.InitInstance();

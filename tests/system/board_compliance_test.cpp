@@ -107,9 +107,8 @@ TEST_F(BoardProgramCompliance, AReportAsPdfNeedsTheProgramThatDrawsIt) {
                          {.folder = files.Path()});
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
-    EXPECT_EQ(run.err, Line("report.PDF: a report as PDF needs the program busquill-report beside "
-                            "this one, which is built with the windows; a file with another ending "
-                            "is text"));
+    EXPECT_EQ(run.err, Line("report.PDF: a report as PDF needs the program busquill-report in the "
+                            "folder of busquill-board; it is built with the windows"));
 }
 
 #if BUSQUILL_HAS_WINDOWS

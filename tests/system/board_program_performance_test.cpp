@@ -182,9 +182,9 @@ TEST_F(BoardProgramPerformance, WrongUse) {
     wrong({"latency", "--count", "0"}, "--count is a number of readings from 1 up, not 0");
     wrong({"latency", "--count", "few"}, "--count takes a whole number, not \"few\"");
     wrong({"latency", "--interval", "1s", "--for", "999ms"},
-          "--for ends before the first reading, which comes after 1000 ms");
+          "--for is shorter than the interval of 1000 ms, so there would be no reading");
     wrong({"latency", "--for", "99ms"},
-          "--for ends before the first reading, which comes after 100 ms");
+          "--for is shorter than the interval of 100 ms, so there would be no reading");
     wrong({"latency", "--csv", "--json"}, "--json excludes --csv");
     wrong({}, "performance needs TYPE [SETUP.psu]");
 }

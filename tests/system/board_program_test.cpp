@@ -48,8 +48,8 @@ TEST_F(BoardProgram, AFileBesideTheResultsIsNotStandardOutput) {
                                                {"compliance", "list.cpl", "-o", "-"}}) {
         std::vector<std::string> words = command;
         words.insert(words.end(), {"--port", "COM1"});
-        ExpectWrongUse(words, "standard output has the results already; instead of - give the name "
-                              "of a file");
+        ExpectWrongUse(words, "the results go to standard output already; give the name of a file "
+                              "instead of \"-\"");
     }
 }
 

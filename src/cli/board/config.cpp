@@ -185,9 +185,9 @@ void AddConfig(CLI::App& program) {
     CLI::App& command = AddCommand(program, "config", "finds the devices of the bus",
                                    [options] { return RunConfig(*options); });
     AddBoardOptions(command, options->board);
-    Excluding(
-        AddFlag(command, "--dump", options->dump, "their headers, in the form that lspci -F reads"),
-        OptionOf(command, "--json"));
+    Excluding(AddFlag(command, "--dump", options->dump,
+                      "the headers of the devices, in the form that lspci -F reads"),
+              OptionOf(command, "--json"));
     AddText(command, "--device", options->device, "PLACE",
             "the device at a place such as 00:0a.0, and its header in words");
     CompletedWithFiles(AddText(command, "-o,--output", options->output, "FILE", "write to FILE"));

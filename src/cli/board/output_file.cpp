@@ -19,7 +19,8 @@ void CheckFolderOf(const std::string& path) {
 
 void CheckFileBeside(const std::string& path) {
     if (path == "-") {
-        WrongUse("standard output has the results already; instead of - give the name of a file");
+        WrongUse(
+            "the results go to standard output already; give the name of a file instead of \"-\"");
     }
     CheckFolderOf(path);
 }

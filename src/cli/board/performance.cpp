@@ -85,7 +85,7 @@ PerformanceSetup SetupOf(const PerformanceOptions& options) {
         Fail(options.setup + ": nothing is counted");
     }
     if (options.limit && *options.limit < Milliseconds(setup.updateInterval)) {
-        WrongUse(Printf("--for ends before the first reading, which comes after %d ms",
+        WrongUse(Printf("--for is shorter than the interval of %d ms, so there would be no reading",
                         static_cast<int>(setup.updateInterval)));
     }
     return setup;

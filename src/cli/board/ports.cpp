@@ -148,7 +148,7 @@ void AddPorts(CLI::App& program) {
     CLI::App& command = AddCommand(program, "ports", "the ports, and behind which a board answers",
                                    [options] { return RunPorts(*options); });
     AddBoardOptions(command, options->board);
-    Described(Optional(OptionOf(command, "--port")), "look behind this port only");
+    Described(Optional(OptionOf(command, "--port")), "look for a board on this port only");
     AddFlag(command, "--list", options->list, "list the ports without opening them");
 }
 

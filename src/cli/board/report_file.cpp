@@ -68,9 +68,8 @@ std::string PdfOf(CComplianceDoc& document, const std::string& title) {
 
 void CheckReportFile(const std::string& path) {
     if (IsPdf(path) && ::access(Drawer().c_str(), X_OK) != 0) {
-        WrongUse(path +
-                 ": a report as PDF needs the program busquill-report beside this one, which "
-                 "is built with the windows; a file with another ending is text");
+        WrongUse(path + ": a report as PDF needs the program busquill-report in the folder of "
+                        "busquill-board; it is built with the windows");
     }
     CheckFileBeside(path);
 }
