@@ -54,8 +54,8 @@ TEST_F(CheckSuiteWindows, TheWindowsHaveTheirTitlesAndButtons) {
 
 TEST_F(CheckSuiteWindows, HelpOpensItsPage) {
     StartDemo();
-    EXPECT_EQ(HelpPage(program->App().HelpTopics(), 20), ":/manual/anomaly-detection.md");
-    EXPECT_EQ(HelpPage(program->App().HelpTopics(), 32), ":/manual/backplane.md");
+    EXPECT_EQ(HelpPage(program->App().HelpTopics(), 20), "anomaly-detection.md");
+    EXPECT_EQ(HelpPage(program->App().HelpTopics(), 32), "backplane.md");
     const auto helpTitle = [] {
         for (QWidget* top : QApplication::topLevelWidgets()) {
             if (auto* text = top->findChild<QTextBrowser*>(); text != nullptr && top->isVisible()) {
