@@ -17,7 +17,7 @@ void SetHelpPage(QWidget& window, const char* page) {
 
 QString HelpPageOf(const QWidget* widget) {
     for (; widget != nullptr; widget = widget->parentWidget()) {
-        const QString page = widget->property(property).toString();
+        QString page = widget->property(property).toString();
         if (!page.isEmpty()) {
             return page;
         }

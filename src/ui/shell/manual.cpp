@@ -197,6 +197,7 @@ std::vector<Manual::Found> Manual::Search(const QStringList& words) {
                std::tie(b.together, b.inTitle, b.density);
     });
     std::vector<Found> found;
+    found.reserve(ranked.size());
     for (Ranked& each : ranked) {
         found.push_back(std::move(each.found));
     }
