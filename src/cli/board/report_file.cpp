@@ -33,6 +33,7 @@ std::string Drawer() {
 /// Runs a program and waits for its end; returns whether it succeeded.
 bool RunToItsEnd(std::vector<std::string> words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }
