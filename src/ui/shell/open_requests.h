@@ -11,7 +11,7 @@
 
 namespace busquill {
 
-/// Hands files to the user's running instance of the program. False when there is none.
+/// Passes files to the instance of the program that the user has running; false if there is none.
 [[nodiscard]] bool HandOver(const std::vector<std::string>& files);
 
 /// The files that the desktop asks a running program to open: its own at the start, and those that
