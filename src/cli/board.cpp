@@ -1,5 +1,6 @@
 #include "cli/board_facts.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"

@@ -1,6 +1,6 @@
 #include "cli/bus.h"
 
-#include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "platform/near_names.h"
 #include "platform/text.h"

@@ -1,6 +1,7 @@
 #include "capture/search_condition.h"
 #include "capture/trace_writer.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
@@ -48,8 +49,7 @@ void CheckSetup(const std::string& path) {
     LinePrompts prompts;
     TextReader file = OpenInput(path);
     if (!LoadSetupFile(setup, file, prompts)) {
-        const auto said = prompts.Take();
-        Fail(path + ": " + (said.empty() ? "no setup" : said.front()));
+        Fail(path + ": " + prompts.TakeFirst("no setup"));
     }
 }
 
@@ -60,6 +60,11 @@ void CheckUse(const Options& options) {
         WrongUse("repeated runs make several files; -o names them");
     }
     CheckSetup(options.setup);
+    for (const std::string& text : options.stopIfFound) {
+        if (const std::string wrong = SearchCondition::CheckPattern(text); !wrong.empty()) {
+            WrongUse(wrong);
+        }
+    }
     // Checked now, before samples are fetched that could not be saved.
     const std::string folder = path.substr(0, path.size() - FileNameOf(path).size());
     std::error_code unknown;

@@ -1,6 +1,6 @@
 #include "cli/capture_options.h"
 
-#include "cli/command_line.h"
+#include "cli/command_options.h"
 
 namespace busquill::cli {
 

@@ -1,6 +1,7 @@
 #include "analysis/trace_comparison.h"
 #include "cli/bus.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"

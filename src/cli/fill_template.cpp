@@ -1,6 +1,7 @@
 #include "cli/fill_template.h"
 
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/output.h"
 #include "platform/text.h"

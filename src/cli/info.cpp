@@ -1,5 +1,6 @@
 #include "cli/bus.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"

@@ -26,4 +26,9 @@ std::vector<std::string> LinePrompts::Take() {
     return std::exchange(said_, {});
 }
 
+std::string LinePrompts::TakeFirst(std::string otherwise) {
+    const auto said = Take();
+    return said.empty() ? std::move(otherwise) : said.front();
+}
+
 } // namespace busquill::cli

@@ -2,6 +2,7 @@
 #include "capture/listing_columns.h"
 #include "cli/capture_options.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"

@@ -1,6 +1,6 @@
 #include "cli/range.h"
 
-#include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "platform/text.h"
 

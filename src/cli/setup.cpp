@@ -1,6 +1,7 @@
 #include "capture/capture_run.h"
 #include "cli/bus.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/facts.h"
@@ -82,8 +83,7 @@ int Run(const Options& options) {
     TraceSetup setup(bus.Tables());
     LinePrompts prompts;
     if (!LoadSetupFile(setup, file, prompts)) {
-        const auto said = prompts.Take();
-        Fail(path + ": " + (said.empty() ? "no setup" : said.front()));
+        Fail(path + ": " + prompts.TakeFirst("no setup"));
     }
     const std::vector<Fact> facts = {
         TextFact("Name", "name", setup.name),

@@ -1,4 +1,5 @@
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/output.h"
 #include "cli/session.h"
 

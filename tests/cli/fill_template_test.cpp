@@ -1,4 +1,5 @@
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/fill_template.h"
 

@@ -3,6 +3,7 @@
 
 #include "cli/board/program.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/program.h"
 #include "support/paths.h"
 #include "support/temp_dir.h"

@@ -8,6 +8,7 @@
 #include "cli/board/polls.h"
 #include "cli/board/time_stamp.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"
 #include "cli/output.h"

@@ -7,6 +7,7 @@
 #include "cli/board/output_file.h"
 #include "cli/board/polls.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/json.h"

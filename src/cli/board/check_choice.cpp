@@ -2,7 +2,7 @@
 
 #include "cli/board/board_session.h"
 #include "cli/board/line_output.h"
-#include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"
 #include "cli/name_list.h"

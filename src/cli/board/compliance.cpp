@@ -7,6 +7,7 @@
 #include "cli/board/report_file.h"
 #include "cli/board/time_stamp.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"
 #include "cli/output.h"
@@ -220,8 +221,7 @@ void Open(CComplianceDoc& document, const CheckList& checks, LinePrompts& prompt
         Say(warning); // names of vendors and classes, which are only shown
     }
     if (!document.OnOpenDocument(path)) {
-        const auto said = prompts.Take();
-        Fail(said.empty() ? path + " is no list of tests" : said.front());
+        Fail(prompts.TakeFirst(path + " is no list of tests"));
     }
     if (TickedTests(checks, document) == 0) {
         Fail(path + ": One or more tests must be selected to execute.");
@@ -261,9 +261,7 @@ int RunCompliance(const ComplianceOptions& options) {
     }
     if (!WriteReportFile(options.output, document, "Compliance Tests - " + listName,
                          report.Text())) {
-        const auto said = prompts.Take();
-        Fail(said.empty() ? Printf("Error writing file %s.", options.output.c_str())
-                          : said.front());
+        Fail(prompts.TakeFirst(Printf("Error writing file %s.", options.output.c_str())));
     }
     report.Output().Close();
     if (failed) {

@@ -6,6 +6,7 @@
 #include "cli/board/memory_printer.h"
 #include "cli/board/output_file.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"
 #include "document/hex_fields.h"

@@ -4,6 +4,7 @@
 #include "cli/board/master_runner.h"
 #include "cli/board/output_file.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"
 #include "platform/text.h"

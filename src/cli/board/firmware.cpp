@@ -4,6 +4,7 @@
 #include "cli/board/commands.h"
 #include "cli/board/line_output.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"

@@ -5,6 +5,7 @@
 #include "cli/board/line_output.h"
 #include "cli/board_facts.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/json.h"
 #include "platform/near_names.h"

@@ -1,8 +1,10 @@
 // The board as a master: a form, fields of which the options override.
 
+#include "cli/board/check_form.h"
 #include "cli/board/commands.h"
 #include "cli/board/master_runner.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/json.h"
@@ -31,18 +33,6 @@ struct MasterOptions {
     std::optional<std::int64_t> repeat;
     std::optional<Milliseconds> limit;
 };
-
-/// Ends the program if a file is not a form, before connecting to the board. What its fields mean
-/// depends on the board, so it is read again later.
-void CheckForm(const std::string& path) {
-    static_cast<void>(OpenInput(path)); // says why it cannot be opened
-    LinePrompts prompts;
-    CMasterDoc document([] { return BoardTraits(); }, prompts);
-    if (!document.OnOpenDocument(path)) {
-        const auto said = prompts.Take();
-        Fail(path + ": " + (said.empty() ? "no form" : said.front()));
-    }
-}
 
 void Override(MasterForm& form, const MasterFamily& family, const MasterOptions& options) {
     form.command = options.command.value_or(static_cast<MasterCommand>(form.command));
@@ -103,7 +93,7 @@ std::string ResultAsJson(const MasterForm& form, const MasterRunner& runner) {
 }
 
 int RunMaster(const MasterOptions& options) {
-    CheckForm(options.form);
+    CheckForm<CMasterDoc>(options.form);
     BoardSession session(options.board);
     CMasterDoc document([&session] { return session.Link().Traits(); }, session.Boxes());
     if (!document.OnOpenDocument(options.form)) {

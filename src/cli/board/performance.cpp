@@ -6,6 +6,7 @@
 #include "cli/board/output_file.h"
 #include "cli/board/time_stamp.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/json.h"

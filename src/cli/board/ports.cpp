@@ -4,6 +4,7 @@
 #include "cli/board/line_output.h"
 #include "cli/board/options.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "cli/json.h"

@@ -1,11 +1,13 @@
 // The board as a target on the bus.
 
 #include "cli/board/board_session.h"
+#include "cli/board/check_form.h"
 #include "cli/board/commands.h"
 #include "cli/board/line_output.h"
 #include "cli/board/output_file.h"
 #include "cli/board/polls.h"
 #include "cli/command_line.h"
+#include "cli/command_options.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
 #include "cli/output.h"
@@ -33,18 +35,6 @@ struct TargetOptions {
     std::string read;
     std::optional<Milliseconds> limit;
 };
-
-/// Ends the program if a file is not a form, before connecting to the board. What its fields mean
-/// depends on the board, so it is read again later.
-void CheckForm(const std::string& path) {
-    static_cast<void>(OpenInput(path)); // says why it cannot be opened
-    LinePrompts prompts;
-    CTargetDoc document([] { return BoardTraits(); }, prompts);
-    if (!document.OnOpenDocument(path)) {
-        const auto said = prompts.Take();
-        Fail(path + ": " + (said.empty() ? "no form" : said.front()));
-    }
-}
 
 void Override(TargetForm& form, const TargetOptions& options) {
     if (options.base) {
@@ -160,7 +150,7 @@ void AskToReplace(BoardSession& session, const std::string& path) {
 }
 
 int RunTarget(const TargetOptions& options) {
-    CheckForm(options.form);
+    CheckForm<CTargetDoc>(options.form);
     if (!options.fill.empty()) {
         static_cast<void>(OpenInput(options.fill));
     }
