@@ -278,6 +278,14 @@ TEST_F(TraceProgramCapture, NoMatchIsReported) {
     EXPECT_THAT(run.err, Not(HasSubstr("found")));
 }
 
+TEST_F(TraceProgramCapture, ATextThatIsNoPatternIsRefusedBeforeTheBoardIsAsked) {
+    StartSeeded();
+    const ProgramRun run = Capture(memoryWrite, {"--stop-if-found", "FEBF0000"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("a pattern is NAME=VALUE"));
+    EXPECT_THAT(board->Functions(), IsEmpty());
+}
+
 TEST_F(TraceProgramCapture, ZerosAreFound) {
     StartSeeded();
     const ProgramRun run = Capture(Writes(40), {"--stop-if-found", "ADDRESS32=00000000"});

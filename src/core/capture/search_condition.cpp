@@ -178,13 +178,20 @@ std::vector<SearchCondition::Bits> SearchCondition::InPhase(const std::vector<Bi
     return found;
 }
 
+std::string SearchCondition::CheckPattern(std::string_view text) {
+    const std::size_t sign = text.find('=');
+    return sign == std::string_view::npos || sign == 0
+               ? Printf("a pattern is NAME=VALUE, such as AD[31:0]=FEBF00xx; not \"%s\"",
+                        std::string(text).c_str())
+               : "";
+}
+
 std::string SearchCondition::Add(std::string_view text, const SignalTables& tables,
                                  std::initializer_list<const CSignalList*> lists) {
-    const std::size_t sign = text.find('=');
-    if (sign == std::string_view::npos || sign == 0) {
-        return Printf("a pattern is NAME=VALUE, such as AD[31:0]=FEBF00xx; not \"%s\"",
-                      std::string(text).c_str());
+    if (std::string wrong = CheckPattern(text); !wrong.empty()) {
+        return wrong;
     }
+    const std::size_t sign = text.find('=');
     const std::string_view name = Trim(text.substr(0, sign));
     const auto signal = FindSignal(name, tables, lists);
     if (!signal) {

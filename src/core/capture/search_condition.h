@@ -20,6 +20,10 @@ public:
     [[nodiscard]] std::string Add(std::string_view text, const SignalTables& tables,
                                   std::initializer_list<const CSignalList*> lists);
 
+    /// Whether a text has the form of a pattern, whatever the signals are: an error message, empty
+    /// if it has.
+    [[nodiscard]] static std::string CheckPattern(std::string_view text);
+
     [[nodiscard]] bool Empty() const noexcept { return !added_; }
     /// A bit for each of at most RecordPattern::blockSize records, set where it matches.
     [[nodiscard]] std::uint32_t MatchesOf(std::span<const SampleRecord> records) const noexcept;
