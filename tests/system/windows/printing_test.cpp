@@ -59,24 +59,41 @@ int PrintThrough(Fixture& fixture, const QString& entry,
     return printed;
 }
 
-/// Chooses an entry and calls `answer` on the dialogs that it opens, as long as they are open.
+/// Chooses an entry, calls `ask` once on Print Trace, which opens, and `answer` on the dialogs that
+/// follow, as long as they are open.
 template <class Fixture>
 void ChooseAnswering(Fixture& fixture, const QString& entry,
+                     const std::function<void(CPrintTraceDlg&)>& ask,
                      const std::function<void(QWidget&)>& answer) {
+    bool isAsked = false;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        if (QWidget* modal = QApplication::activeModalWidget()) {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (auto* dialog = qobject_cast<CPrintTraceDlg*>(modal)) {
+            if (!isAsked) {
+                isAsked = true;
+                ask(*dialog);
+            }
+        } else if (modal != nullptr) {
             answer(*modal);
         }
     });
     timer.start(5);
     fixture.Choose(entry);
+    EXPECT_TRUE(isAsked) << "Print Trace has not opened";
 }
 
 void PrintPdf(QPrintDialog& dialog, const std::string& path) {
     dialog.printer()->setOutputFormat(QPrinter::PdfFormat);
     dialog.findChild<QLineEdit*>("filename")->setText(QString::fromStdString(path));
     Press(dialog, "Print");
+}
+
+void PrintPages5To7(QPrintDialog& dialog, const std::string& path) {
+    dialog.findChild<QAbstractButton*>("printRange")->click();
+    dialog.findChild<QSpinBox*>("to")->setValue(7);
+    dialog.findChild<QSpinBox*>("from")->setValue(5);
+    PrintPdf(dialog, path);
 }
 
 /// Prints on a recorder instead of the printer that the dialog has chosen.
@@ -237,20 +254,18 @@ TEST_F(Printing, AFolderThatIsGoneWhenPrintingBeginsIsReported) {
     const std::string folder = dir.File("gone");
     std::filesystem::create_directory(folder);
     const std::string path = dir.File("listing.pdf");
-    bool isAsked = false;
     int tries = 0;
-    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
-        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
-            isAsked = true;
-            Give(*ask, "-5", "5");
-        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
-            if (++tries == 1) {
-                QObject::connect(dialog, &QDialog::finished,
-                                 [&] { std::filesystem::remove_all(folder); });
+    ChooseAnswering(
+        *this, "File/Print...", [](CPrintTraceDlg& dialog) { Give(dialog, "-5", "5"); },
+        [&](QWidget& modal) {
+            if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
+                if (++tries == 1) {
+                    QObject::connect(dialog, &QDialog::finished,
+                                     [&] { std::filesystem::remove_all(folder); });
+                }
+                PrintPdf(*dialog, tries == 1 ? folder + "/listing.pdf" : path);
             }
-            PrintPdf(*dialog, tries == 1 ? folder + "/listing.pdf" : path);
-        }
-    });
+        });
     EXPECT_EQ(tries, 2);
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error creating file " + folder + "/listing.pdf."));
     EXPECT_GT(PdfPages(path), 1) << "the same samples";
@@ -260,22 +275,20 @@ TEST_F(Printing, AFileThatDoesNotFitOnTheDiskIsReported) {
     Choose("File/New/Capture/State");
     const std::string path = dir.File("listing.pdf");
     int tries = 0;
-    bool isAsked = false;
     std::optional<FullDisk> full;
-    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
-        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
-            isAsked = true;
-            Give(*ask, "-5", "5");
-        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal); dialog != nullptr) {
-            full.reset();
-            if (++tries > 1) {
-                dialog->reject();
-                return;
+    ChooseAnswering(
+        *this, "File/Print...", [](CPrintTraceDlg& dialog) { Give(dialog, "-5", "5"); },
+        [&](QWidget& modal) {
+            if (auto* dialog = qobject_cast<QPrintDialog*>(&modal); dialog != nullptr) {
+                full.reset();
+                if (++tries > 1) {
+                    dialog->reject();
+                    return;
+                }
+                full.emplace(3000);
+                PrintPdf(*dialog, path);
             }
-            full.emplace(3000);
-            PrintPdf(*dialog, path);
-        }
-    });
+        });
     EXPECT_EQ(tries, 2);
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error writing file " + path + "."));
 }
@@ -284,23 +297,21 @@ TEST_F(Printing, APageThatThereIsNotIsReported) {
     Choose("File/New/Capture/State");
     const std::string path = dir.File("listing.pdf");
     int tries = 0;
-    bool isAsked = false;
-    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
-        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
-            isAsked = true;
-            Tick(*ask, "Scale Width to Page");
-            Give(*ask, "0", "0");
-        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal); dialog != nullptr) {
-            if (++tries > 1) {
-                dialog->reject();
-                return;
+    ChooseAnswering(
+        *this, "File/Print...",
+        [](CPrintTraceDlg& dialog) {
+            Tick(dialog, "Scale Width to Page");
+            Give(dialog, "0", "0");
+        },
+        [&](QWidget& modal) {
+            if (auto* dialog = qobject_cast<QPrintDialog*>(&modal); dialog != nullptr) {
+                if (++tries > 1) {
+                    dialog->reject();
+                    return;
+                }
+                PrintPages5To7(*dialog, path);
             }
-            dialog->findChild<QAbstractButton*>("printRange")->click();
-            dialog->findChild<QSpinBox*>("to")->setValue(7);
-            dialog->findChild<QSpinBox*>("from")->setValue(5);
-            PrintPdf(*dialog, path);
-        }
-    });
+        });
     EXPECT_EQ(tries, 2);
     EXPECT_THAT(prompts.Texts(), ElementsAre("There is no page 5, the last one is page 1."));
     EXPECT_FALSE(std::filesystem::exists(path));
@@ -309,23 +320,21 @@ TEST_F(Printing, APageThatThereIsNotIsReported) {
 TEST_F(Printing, CancelDuringPrintingLeavesNoFile) {
     Choose("File/New/Capture/State");
     const std::string path = dir.File("listing.pdf");
-    bool isAsked = false;
     bool isCancelled = false;
-    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
-        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
-            isAsked = true;
-            Press(*ask, "OK");
-        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
-            PrintPdf(*dialog, path);
-        } else if (auto* progress = qobject_cast<QProgressDialog*>(&modal);
-                   progress != nullptr && !isCancelled) {
-            isCancelled = true;
-            EXPECT_EQ(progress->windowTitle(), "Print");
-            EXPECT_GT(progress->maximum(), 1);
-            EXPECT_TRUE(std::filesystem::exists(path));
-            Press(*progress, "Cancel");
-        }
-    });
+    ChooseAnswering(
+        *this, "File/Print...", [](CPrintTraceDlg& dialog) { Press(dialog, "OK"); },
+        [&](QWidget& modal) {
+            if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
+                PrintPdf(*dialog, path);
+            } else if (auto* progress = qobject_cast<QProgressDialog*>(&modal);
+                       progress != nullptr && !isCancelled) {
+                isCancelled = true;
+                EXPECT_EQ(progress->windowTitle(), "Print");
+                EXPECT_GT(progress->maximum(), 1);
+                EXPECT_TRUE(std::filesystem::exists(path));
+                Press(*progress, "Cancel");
+            }
+        });
     EXPECT_TRUE(isCancelled) << "the job was too short";
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_TRUE(prompts.Texts().empty());
@@ -457,6 +466,24 @@ TEST_F(Printing, TheNextJobStartsWithThePrinterAndThePagesOfTheLast) {
     });
 }
 
+TEST_F(Printing, ABlockThatArrivesWhileTheRangeIsAskedForIsPrinted) {
+    OpenCapture(7000, 7009);
+    SampleRecord late;
+    late.bytes.fill(0x5a);
+    PageRecorder recorder({1800, 2400}, QPageLayout::Portrait);
+    PrintThrough<QPrintDialog>(
+        *this, "File/Print...",
+        [&](CPrintTraceDlg& dialog) {
+            auto& frame = dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
+            dynamic_cast<CTesselDoc&>(frame.GetDocument()).AddBlock(3, {&late, 1}, false);
+            Tick(dialog, "Scale Width to Page");
+            Give(dialog, "7003", "7003");
+        },
+        [&](QPrintDialog& dialog) { PrintOn(dialog, recorder, dir.File("a.pdf")); });
+    EXPECT_THAT(Samples(recorder), ElementsAre(7003));
+    EXPECT_TRUE(recorder.Shows(0, "5A")) << "C/BE";
+}
+
 TEST_F(Printing, APrinterThatCannotBeOpenedIsReportedAndAskedForAgain) {
     class Jammed final : public QPaintEngine {
     public:
@@ -471,17 +498,18 @@ TEST_F(Printing, APrinterThatCannotBeOpenedIsReportedAndAskedForAgain) {
     Jammed jammed;
     PageRecorder recorder({1800, 2400}, QPageLayout::Portrait);
     int tries = 0;
-    bool isAsked = false;
-    ChooseAnswering(*this, "File/Print...", [&](QWidget& modal) {
-        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
-            isAsked = true;
-            Tick(*ask, "Scale Width to Page");
-            Give(*ask, "7003", "7005");
-        } else if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
-            recorder.PrintWith(++tries == 1 ? &jammed : nullptr);
-            PrintOn(*dialog, recorder, dir.File("a.pdf"));
-        }
-    });
+    ChooseAnswering(
+        *this, "File/Print...",
+        [](CPrintTraceDlg& dialog) {
+            Tick(dialog, "Scale Width to Page");
+            Give(dialog, "7003", "7005");
+        },
+        [&](QWidget& modal) {
+            if (auto* dialog = qobject_cast<QPrintDialog*>(&modal)) {
+                recorder.PrintWith(++tries == 1 ? &jammed : nullptr);
+                PrintOn(*dialog, recorder, dir.File("a.pdf"));
+            }
+        });
     EXPECT_EQ(tries, 2);
     EXPECT_THAT(prompts.Texts(), ElementsAre("Error opening printer ."));
     EXPECT_THAT(Samples(recorder), ElementsAre(7003, 7004, 7005)) << "the same samples";
@@ -491,30 +519,28 @@ TEST_F(Printing, AFailureOfThePreviewsOwnPrintingIsReportedAndThePreviewStays) {
     Choose("File/New/Capture/State");
     const std::string path = dir.File("listing.pdf");
     int previews = 0;
-    bool isAsked = false;
-    ChooseAnswering(*this, "File/Print Preview", [&](QWidget& modal) {
-        if (auto* ask = qobject_cast<CPrintTraceDlg*>(&modal); ask != nullptr && !isAsked) {
-            isAsked = true;
-            Tick(*ask, "Scale Width to Page");
-            Give(*ask, "0", "0");
-        } else if (auto* print = qobject_cast<QPrintDialog*>(&modal)) {
-            print->findChild<QAbstractButton*>("printRange")->click();
-            print->findChild<QSpinBox*>("to")->setValue(7);
-            print->findChild<QSpinBox*>("from")->setValue(5);
-            PrintPdf(*print, path);
-        } else if (auto* preview = qobject_cast<QPrintPreviewDialog*>(&modal)) {
-            if (++previews > 1) {
-                EXPECT_EQ(preview->findChild<QPrintPreviewWidget*>()->pageCount(), 1);
-                preview->reject();
-                return;
-            }
-            for (QAction* action : preview->findChildren<QAction*>()) {
-                if (action->text() == "Print") {
-                    QTimer::singleShot(0, action, &QAction::trigger);
+    ChooseAnswering(
+        *this, "File/Print Preview",
+        [](CPrintTraceDlg& dialog) {
+            Tick(dialog, "Scale Width to Page");
+            Give(dialog, "0", "0");
+        },
+        [&](QWidget& modal) {
+            if (auto* print = qobject_cast<QPrintDialog*>(&modal)) {
+                PrintPages5To7(*print, path);
+            } else if (auto* preview = qobject_cast<QPrintPreviewDialog*>(&modal)) {
+                if (++previews > 1) {
+                    EXPECT_EQ(preview->findChild<QPrintPreviewWidget*>()->pageCount(), 1);
+                    preview->reject();
+                    return;
+                }
+                for (QAction* action : preview->findChildren<QAction*>()) {
+                    if (action->text() == "Print") {
+                        QTimer::singleShot(0, action, &QAction::trigger);
+                    }
                 }
             }
-        }
-    });
+        });
     EXPECT_EQ(previews, 2);
     EXPECT_THAT(prompts.Texts(), ElementsAre("There is no page 5, the last one is page 1."));
     EXPECT_FALSE(std::filesystem::exists(path));

@@ -294,6 +294,29 @@ TEST_F(PrintPainter, ATimeStripShowsItsSamplesUpToTheJobsLast) {
     }
 }
 
+TEST_F(PrintPainter, EachStripOfAWaveformShowsItsLastSample) {
+    Load(0, 200);
+    const PrintJob job = Job(1, 160);
+    const WavePages pages = PagesOf(sheet, 300, Waves(), job);
+    const auto strips = static_cast<int>(pages.strips.size());
+    ASSERT_EQ(pages.count, 3 * strips);
+    const int height = 2160 - 1 - 43;
+    for (const int first : {1, 75, 149}) {
+        const int last = std::min(first + 73, 160);
+        document->SetMarker(1, last);
+        const auto page = WavePageOf(job, (first - 1) / 74 * strips + 1);
+        EXPECT_THAT(MarkLines(page, height), ElementsAre(waveLeft + (last - first) * 20 + 1));
+        int end = 0;
+        for (const Recording::Fill& fill : page.fills) {
+            if (fill.color != black && fill.color != QColor(Qt::white)) {
+                end = std::max(end, fill.rect.right());
+            }
+        }
+        // The frame may cover its last dot.
+        EXPECT_NEAR(end, waveLeft + (last - first + 1) * 20 - 1, 1) << "sample " << last;
+    }
+}
+
 TEST_F(PrintPainter, TheZoomFollowsTheResolution) {
     Load(0, 200);
     document->SetMarker(1, 3);
