@@ -139,6 +139,11 @@ bool CAnalyzerLink::IsBoardGone() const {
     return port != nullptr && port->IsGone();
 }
 
+std::string CAnalyzerLink::UnpluggedHint() const {
+    const auto port = queue_->Port();
+    return port == nullptr ? "" : port->UnpluggedHint();
+}
+
 void CAnalyzerLink::SetGiveUp(GiveUp giveUp) {
     giveUp_ = std::move(giveUp);
 }

@@ -117,6 +117,8 @@ public:
     /// A feature of several exchanges then stops at the first failure: the others would report the
     /// same. Any thread.
     [[nodiscard]] bool IsBoardGone() const;
+    /// What to do about a board that has been unplugged; empty if it has not.
+    [[nodiscard]] std::string UnpluggedHint() const;
     /// What currently determines the board's family. Any thread.
     [[nodiscard]] BoardTraits Traits() const { return board_.Traits(); }
 

@@ -60,6 +60,14 @@ public:
     /// Wakes an AwaitStep that waits without a limit.
     virtual void Wake() {}
     virtual void Close() = 0;
+
+protected:
+    /// Whether a failed transfer is to be reported. With the device unplugged every transfer fails,
+    /// and only the first is: what was asked of the board reports its own failure.
+    [[nodiscard]] bool IsToReport() noexcept { return !IsGone() || !goneReported_.exchange(true); }
+
+private:
+    std::atomic<bool> goneReported_ = false;
 };
 
 /// A board on a serial port.

@@ -114,7 +114,7 @@ bool SerialLinkPort::Send(std::span<const std::uint8_t> bytes) {
         const MutexLock lock(writeLock_);
         error = port->Write(bytes);
     }
-    if (error != 0) {
+    if (error != 0 && IsToReport()) {
         prompts_.TopmostMessage(Printf("Error writing to %s, err %d", setting_.name.c_str(), error),
                                 UnpluggedHint());
     }

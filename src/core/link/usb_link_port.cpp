@@ -100,7 +100,7 @@ bool UsbLinkPort::Send(std::span<const std::uint8_t> bytes) {
             sent = !Failed(device->Write(outputPipe, bytes));
         }
     }
-    if (!sent) {
+    if (!sent && IsToReport()) {
         prompts_.Message(transferFailed, UnpluggedHint());
     }
     Wake();
@@ -114,8 +114,10 @@ bool UsbLinkPort::ReadPipe(std::span<std::uint8_t> into) {
         transfer = device->Read(inputPipe, into);
     }
     if (Failed(transfer)) {
-        prompts_.Message(transferFailed, UnpluggedHint());
-        prompts_.Message(Printf("Error reading from usb port, err %d", transfer.error));
+        if (IsToReport()) {
+            prompts_.Message(transferFailed, UnpluggedHint());
+            prompts_.Message(Printf("Error reading from usb port, err %d", transfer.error));
+        }
         return false;
     }
     if (transfer.count != into.size()) {

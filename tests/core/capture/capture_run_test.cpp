@@ -190,13 +190,11 @@ TEST_F(CaptureRunTest, NothingMoreIsSentToALostBoardAndTheCaptureStays) {
     ASSERT_EQ(document->SampleCount(false), 21);
     TakeTheBoardAway();
     document->Run().Go(document->setup, "");
-    // The link reports each try of the first command.
-    const auto texts = prompts.Texts();
-    ASSERT_FALSE(texts.empty());
-    EXPECT_EQ(texts.back(), "Error sending trace parameter data to analyzer.");
-    EXPECT_THAT(std::vector(texts.begin(), texts.end() - 1),
-                testing::Each("Error writing to COM1, err 5"));
-    EXPECT_EQ(texts.size(), line->Written().size() + 1);
+    // The first command is tried several times.
+    EXPECT_THAT(prompts.Texts(),
+                testing::ElementsAre("Error writing to COM1, err 5",
+                                     "Error sending trace parameter data to analyzer."));
+    EXPECT_GT(line->Written().size(), 1U);
     EXPECT_THAT(line->Written(), testing::Each(Bytes{4, 0xA4}));
     EXPECT_FALSE(document->CaptureActive());
     EXPECT_FALSE(capture.IsRunning());

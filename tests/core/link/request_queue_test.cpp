@@ -586,6 +586,18 @@ TEST_F(RequestQueueTest, APortThatDisappearsIsNotReadAnyMoreAndRequestsTimeOut) 
     EXPECT_EQ(box.text, "Error writing to COM1, err 5");
     EXPECT_EQ(box.hint, "COM1 (/dev/ttyS0) was unplugged. Plug it in again and accept the "
                         "Utilities/Board Setup dialog to connect again.");
+    EXPECT_EQ(link->UnpluggedHint(), box.hint);
+    link->SendRaw(Bytes{1});
+    link->SendRaw(Bytes{2});
+    EXPECT_EQ(std::ranges::count(prompts.Texts(), box.text), 1) << "once, not at each write";
+}
+
+TEST_F(RequestQueueTest, EachFailureOfAPortThatIsThereIsReported) {
+    line->SetErrors({.write = 5});
+    link->SendRaw(Bytes{1});
+    link->SendRaw(Bytes{2});
+    EXPECT_EQ(prompts.Texts(), std::vector<std::string>(2, "Error writing to COM1, err 5"));
+    EXPECT_EQ(link->UnpluggedHint(), "");
 }
 
 TEST_F(RequestQueueTest, AFailureOfAPortThatIsThereHasNoHint) {

@@ -274,6 +274,10 @@ TEST_F(UsbLinkTest, ALostBoardIsReportedOnceAndKeptAliveNoMore) {
     link->WaitIdle();
     EXPECT_EQ(prompts.Texts().size(), 1U);
     EXPECT_EQ(usb.Calls().size(), 1U);
+    std::array<std::uint8_t, 4> bytes{};
+    EXPECT_FALSE(link->Exchange(RunCommand(CmdStartTrace)));
+    EXPECT_FALSE(link->Exchange(ReadRegisters(RegisterStatusBlock, bytes)));
+    EXPECT_EQ(prompts.Texts().size(), 1U) << "what is asked of the board reports its own failure";
     usb.Set({});
     EXPECT_FALSE(link->Open(Port()));
     EXPECT_FALSE(link->IsBoardGone());
