@@ -2,10 +2,10 @@
 
 #include "tracesetup/trace_setup.h"
 #include "ui/framework/help_page.h"
+#include "ui/framework/icons.h"
 
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QIcon>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -62,7 +62,7 @@ void CTraceStatusDialog::SetText(Field field, const std::string& text) {
 }
 
 void CTraceStatusDialog::SetLamp(Field field, bool lit) {
-    const QIcon icon(lit ? ":/icons/lamp-lit.svg" : ":/icons/lamp-dark.svg");
+    const QIcon icon = IconOf(lit ? "lamp-lit" : "lamp-dark");
     fields_[field]->setPixmap(icon.pixmap(lampSize, lampSize));
     fields_[field]->setAccessibleDescription(lit ? "lit" : "dark");
 }

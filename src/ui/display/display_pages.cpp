@@ -2,13 +2,13 @@
 
 #include "capture/trace_document.h"
 #include "ui/controls/color_button.h"
+#include "ui/framework/icons.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
@@ -37,7 +37,7 @@ QWidget* MarkerLabel(const char* picture) {
     row->setContentsMargins(0, 0, 0, 0);
     row->addWidget(new QLabel("Marker"));
     auto* image = new QLabel;
-    image->setPixmap(QIcon(picture).pixmap(pictureSize));
+    image->setPixmap(IconOf(picture).pixmap(pictureSize));
     row->addWidget(image);
     row->addStretch();
     return label;
@@ -141,10 +141,8 @@ CDisplayMarkers::CDisplayMarkers(Settings& settings, std::function<void()> chang
     for (const DisplayGroup& display : displays) {
         QGridLayout& group = AddGroup(display.title);
         AddColor(group, new QLabel("Trigger"), "Trigger", display.settings.trigger);
-        AddColor(group, MarkerLabel(":/icons/go-marker1.svg"), "Marker 1",
-                 display.settings.marker1);
-        AddColor(group, MarkerLabel(":/icons/go-marker2.svg"), "Marker 2",
-                 display.settings.marker2);
+        AddColor(group, MarkerLabel("go-marker1"), "Marker 1", display.settings.marker1);
+        AddColor(group, MarkerLabel("go-marker2"), "Marker 2", display.settings.marker2);
     }
 }
 

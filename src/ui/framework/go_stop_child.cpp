@@ -1,9 +1,9 @@
 #include "ui/framework/go_stop_child.h"
 
+#include "ui/framework/icons.h"
 #include "ui/framework/view.h"
 
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QPointer>
 #include <QToolButton>
@@ -16,8 +16,7 @@ constexpr int iconSize = 24;
 
 QPixmap PictureOf(RunPicture picture) {
     const char* const names[] = {"idle", "running", "file"};
-    return QIcon(QString(":/icons/status-%1.svg").arg(names[static_cast<int>(picture)]))
-        .pixmap(iconSize, iconSize);
+    return IconOf(QString("status-") + names[static_cast<int>(picture)]).pixmap(iconSize, iconSize);
 }
 
 } // namespace
@@ -26,7 +25,7 @@ CGoStopChild::CGoStopChild(CDocument& document, const QString& title, const QStr
                            QSize size)
     : CMDIChildWnd(document), bar_(new QHBoxLayout), status_(new QLabel) {
     setWindowTitle(title);
-    setWindowIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
+    setWindowIcon(IconOf(icon));
     resize(size);
     auto* bar = new QWidget;
     bar->setLayout(bar_);
@@ -50,7 +49,7 @@ QToolButton& CGoStopChild::MakeBarButton(const QString& name, const QString& ico
     auto* button = new QToolButton;
     button->setObjectName(name);
     button->setToolTip(tip);
-    button->setIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
+    button->setIcon(IconOf(icon));
     button->setIconSize({iconSize, iconSize});
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::NoFocus);

@@ -1,9 +1,9 @@
 #include "ui/framework/mdi_child.h"
 
+#include "ui/framework/icons.h"
 #include "ui/framework/view.h"
 
 #include <QCloseEvent>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -14,7 +14,7 @@ namespace busquill {
 
 CMDIChildWnd::CMDIChildWnd(CDocument& document) : document_(document) {
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowIcon(QIcon(":/icons/state.svg"));
+    setWindowIcon(IconOf("state"));
     auto* inside = new QWidget;
     layout_ = new QVBoxLayout(inside);
     layout_->setContentsMargins(0, 0, 0, 0);

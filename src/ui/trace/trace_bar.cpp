@@ -1,13 +1,13 @@
 #include "ui/trace/trace_bar.h"
 
 #include "ui/capture/position_gauge.h"
+#include "ui/framework/icons.h"
 #include "ui/framework/painting.h"
 
 #include <QComboBox>
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QToolButton>
 
@@ -20,18 +20,18 @@ constexpr int iconSize = 18;
 constexpr int setupBoxCharacters = 20;
 constexpr int timeCharacters = 12;
 
-const char* IconOf(RunIndicator indicator) {
+const char* PictureOf(RunIndicator indicator) {
     switch (indicator) {
     case RunIndicator::Running:
-        return ":/icons/status-running.svg";
+        return "status-running";
     case RunIndicator::Uploading:
-        return ":/icons/status-uploading.svg";
+        return "status-uploading";
     case RunIndicator::File:
-        return ":/icons/status-file.svg";
+        return "status-file";
     case RunIndicator::Idle:
         break;
     }
-    return ":/icons/status-idle.svg";
+    return "status-idle";
 }
 
 const char* TipOf(RunIndicator indicator) {
@@ -95,7 +95,7 @@ CTraceBar::CTraceBar(QWidget* parent)
     layout->addLayout(bottom, 1, 0);
     MakeTimes();
     SetIndicator(RunIndicator::Idle, -1);
-    indicator_->setPixmap(QIcon(IconOf(RunIndicator::Idle)).pixmap(iconSize, iconSize));
+    indicator_->setPixmap(IconOf(PictureOf(RunIndicator::Idle)).pixmap(iconSize, iconSize));
     setMinimumHeight(group_->sizeHint().height());
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
 }
@@ -103,7 +103,7 @@ CTraceBar::CTraceBar(QWidget* parent)
 QToolButton* CTraceBar::AddButton(const char* name, const char* icon, const QString& tip) {
     auto* button = new QToolButton;
     button->setObjectName(name);
-    button->setIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
+    button->setIcon(IconOf(icon));
     button->setIconSize({iconSize, iconSize});
     button->setToolTip(tip);
     button->setAutoRaise(true);
@@ -129,8 +129,7 @@ void CTraceBar::MakeTimes() {
         auto* whole = new QWidget(this);
         whole->setToolTip(kinds[i].second);
         auto* picture = new QLabel;
-        picture->setPixmap(
-            QIcon(QString(":/icons/%1.svg").arg(kinds[i].first)).pixmap(iconSize, iconSize));
+        picture->setPixmap(IconOf(kinds[i].first).pixmap(iconSize, iconSize));
         auto* text = AddText(kinds[i].first, QString(timeCharacters, '0'));
         text->setFrameStyle(QFrame::Panel | QFrame::Sunken);
         text->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -183,7 +182,7 @@ void CTraceBar::SetCounters(std::int64_t before, std::int64_t after) {
 void CTraceBar::SetIndicator(RunIndicator indicator, int level) {
     if (indicator != shownIndicator_) {
         shownIndicator_ = indicator;
-        indicator_->setPixmap(QIcon(IconOf(indicator)).pixmap(iconSize, iconSize));
+        indicator_->setPixmap(IconOf(PictureOf(indicator)).pixmap(iconSize, iconSize));
         indicator_->setToolTip(TipOf(indicator));
     }
     if (level != -1 && level != shownLevel_) {
@@ -199,7 +198,7 @@ void CTraceBar::SetTimes(const std::array<std::string, 3>& times) {
 }
 
 void CTraceBar::ShowStateButton(bool leadsToState) {
-    display_->setIcon(QIcon(leadsToState ? ":/icons/state.svg" : ":/icons/waveform.svg"));
+    display_->setIcon(IconOf(leadsToState ? "state" : "waveform"));
     display_->setToolTip(leadsToState ? "Show a State window" : "Show a Waveform window");
 }
 

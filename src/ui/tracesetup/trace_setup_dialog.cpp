@@ -7,6 +7,7 @@
 #include "tracesetup/setup_file.h"
 #include "ui/framework/ask_for_file.h"
 #include "ui/framework/help_page.h"
+#include "ui/framework/icons.h"
 #include "ui/levels/level_panel.h"
 #include "ui/patterns/pattern_grid.h"
 #include "ui/patterns/pattern_table.h"
@@ -19,7 +20,6 @@
 #include <QFile>
 #include <QFormLayout>
 #include <QGroupBox>
-#include <QIcon>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -121,7 +121,7 @@ QGroupBox* CTraceSetupDialog::MakeSetupGroup() {
         buttons->addWidget(button);
         return button;
     };
-    add("Setup &Wizard", &CTraceSetupDialog::OnWizard)->setIcon(QIcon(":/icons/wizard.svg"));
+    add("Setup &Wizard", &CTraceSetupDialog::OnWizard)->setIcon(IconOf("wizard"));
     buttons->addStretch();
     add("&Open", &CTraceSetupDialog::OnOpen);
     add("&Save", &CTraceSetupDialog::OnSave);
