@@ -8,6 +8,7 @@ namespace busquill {
 namespace SettingsSection {
 constexpr const char* setup = "Setup";
 constexpr const char* display = "Display";
+constexpr const char* windows = "Windows";
 } // namespace SettingsSection
 namespace SettingsKey {
 constexpr const char* port = "ComPort";

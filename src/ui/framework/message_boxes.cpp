@@ -1,5 +1,7 @@
 #include "ui/framework/message_boxes.h"
 
+#include "ui/framework/wait_cursor.h"
+
 #include <QApplication>
 #include <QGridLayout>
 #include <QMessageBox>
@@ -45,6 +47,7 @@ Answer ShowBox(const Box& box) {
     }
     window.setWindowModality(Qt::ApplicationModal);
     window.setWindowFlag(Qt::WindowStaysOnTopHint, box.topmost);
+    const OverrideCursor arrow(Qt::ArrowCursor); // the user can answer, even if the program is busy
     switch (window.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;

@@ -1,17 +1,22 @@
 #pragma once
 
-#include <QCursor>
 #include <QGuiApplication>
 
 namespace busquill {
 
-/// Shows the wait cursor during its lifetime. Main thread.
-class WaitCursor {
+/// The pointer over all windows of the program, as long as this object exists.
+class OverrideCursor {
 public:
-    WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
-    WaitCursor(const WaitCursor&) = delete;
-    WaitCursor& operator=(const WaitCursor&) = delete;
+    explicit OverrideCursor(Qt::CursorShape shape) { QGuiApplication::setOverrideCursor(shape); }
+    ~OverrideCursor() { QGuiApplication::restoreOverrideCursor(); }
+    OverrideCursor(const OverrideCursor&) = delete;
+    OverrideCursor& operator=(const OverrideCursor&) = delete;
+};
+
+/// The pointer of a busy program.
+class WaitCursor : public OverrideCursor {
+public:
+    WaitCursor() : OverrideCursor(Qt::WaitCursor) {}
 };
 
 } // namespace busquill

@@ -5,6 +5,7 @@
 #include "platform/settings.h"
 #include "platform/text.h"
 #include "ui/framework/mdi_child.h"
+#include "ui/framework/wait_cursor.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -92,6 +93,7 @@ CDocument* CWinApp::OpenDocumentFile(const std::string& path) {
         prompts_.Message(Printf("%s\nThe program cannot open files of this kind.", path.c_str()));
         return nullptr;
     }
+    const WaitCursor wait;
     CDocument* document = fitting->OpenDocumentFile(path);
     if (document != nullptr) {
         AddRecentFile(path);

@@ -4,8 +4,10 @@
 #include "platform/libraries.h"
 #include "ui/framework/dialog_titles.h"
 #include "ui/framework/help_page.h"
+#include "ui/framework/icons.h"
 #include "ui/framework/mdi_child.h"
 #include "ui/framework/view.h"
+#include "ui/framework/window_place.h"
 #include "ui/framework/window_timer.h"
 #include "ui/shell/command_line.h"
 #include "ui/shell/help_key.h"
@@ -17,15 +19,18 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QIcon>
 #include <QLabel>
 #include <QMdiArea>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
+#include <QUrl>
 
 #include <optional>
 
@@ -45,6 +50,16 @@ constexpr QSize toolIconSize(18, 18);
 
 /// Sample texts, from which the panes get their widths.
 constexpr const char* paneWidths[] = {"MODEL000-0", "MODE", "FREQ MHz", "Master Lock"};
+
+QStringList FilesIn(const QMimeData& data) {
+    QStringList files;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile()) {
+            files << url.toLocalFile();
+        }
+    }
+    return files;
+}
 
 CMDIChildWnd* ActiveFrame(const QMdiArea& area) {
     return dynamic_cast<CMDIChildWnd*>(area.activeSubWindow());
@@ -68,8 +83,8 @@ const CommandMap* EnabledTarget(CommandId id, const std::vector<const CommandMap
 } // namespace
 
 CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables,
-                       const MainThread& mainThread)
-    : link_(link), tables_(tables), area_(new QMdiArea) {
+                       const MainThread& mainThread, Settings& settings)
+    : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea) {
     RegisterResources();
     setWindowTitle(stockName);
     WidenDialogsToTitles(*this);
@@ -81,6 +96,8 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables,
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     resize(usualSize.boundedTo(screen.size()));
     move(screen.center() - rect().center());
+    new WindowPlace(*this, settings, "Main");
+    setAcceptDrops(true);
 
     MakeCommands();
     MakeActions();
@@ -114,7 +131,7 @@ void CMainFrame::MakeActions() {
         QString name = QString(command.text).remove('&').remove("...");
         action->setToolTip(name);
         if (*command.icon != '\0') {
-            action->setIcon(QIcon(QString(":/icons/%1.svg").arg(command.icon)));
+            action->setIcon(IconOf(command.icon));
             action->setIconVisibleInMenu(false);
         }
         if (*command.shortcut != '\0') {
@@ -184,6 +201,9 @@ void CMainFrame::MakeToolbar() {
 
 // The window's layout positions the panes at every resize.
 void CMainFrame::MakeStatusBar() {
+    boardGone_ = new QLabel;
+    boardGone_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(boardGone_, 1);
     for (std::size_t i = 0; i < std::size(paneWidths); ++i) {
         panes_[i] = new QLabel;
         panes_[i]->setMinimumWidth(fontMetrics().horizontalAdvance(paneWidths[i]) + 12);
@@ -199,6 +219,7 @@ void CMainFrame::RefreshStatusPanes() {
     panes_[1]->setText(QString::fromStdString(std::string(BusModeName(bus.busMode))));
     panes_[2]->setText(QString("%1 MHz").arg(bus.busFrequency));
     panes_[3]->setText(bus.masterLock != 0 ? "Master Lock" : "");
+    ShowWhetherBoardIsGone();
     RefreshCommands();
 }
 
@@ -319,6 +340,7 @@ void CMainFrame::ShowHelpFor(const QWidget& widget) {
 void CMainFrame::ShowHelpPage(const QString& page) {
     if (help_ == nullptr) {
         help_ = new HelpWindow(this);
+        new WindowPlace(*help_, settings_, "Help");
     }
     PlaceHelp();
     help_->ShowPage(page);
@@ -362,7 +384,14 @@ void CMainFrame::ShowAbout() {
     box.exec();
 }
 
+void CMainFrame::ShowWhetherBoardIsGone() {
+    const QString hint = QString::fromStdString(link_.UnpluggedHint());
+    boardGone_->setText(hint);
+    boardGone_->setToolTip(hint); // for a window too narrow for the text
+}
+
 void CMainFrame::OnTimer() {
+    ShowWhetherBoardIsGone();
     if (keepAliveDelay_ > 0) {
         --keepAliveDelay_;
     } else {
@@ -376,6 +405,33 @@ void CMainFrame::changeEvent(QEvent* event) {
     if (event->type() == QEvent::WindowTitleChange && windowTitle() != stockName) {
         setWindowTitle(stockName);
     }
+}
+
+void CMainFrame::dragEnterEvent(QDragEnterEvent* event) {
+    // Something can be dragged even to a window that waits for a dialog.
+    if (QApplication::activeModalWidget() == nullptr && !FilesIn(*event->mimeData()).isEmpty()) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    }
+}
+
+/// Opens the files when the drag has ended: the program that they come from waits for its end, and
+/// a file may need an answer of the user.
+void CMainFrame::dropEvent(QDropEvent* event) {
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    const QStringList files = FilesIn(*event->mimeData());
+    QMetaObject::invokeMethod(
+        this,
+        [this, files] {
+            for (const QString& file : files) {
+                if (app_ != nullptr) {
+                    app_->OpenDocumentFile(file.toStdString());
+                }
+            }
+            RefreshCommands();
+        },
+        Qt::QueuedConnection);
 }
 
 void CMainFrame::closeEvent(QCloseEvent* event) {

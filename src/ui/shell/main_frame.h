@@ -26,7 +26,8 @@ class SignalTables;
 class CMainFrame final : public QMainWindow {
     Q_OBJECT
 public:
-    CMainFrame(CAnalyzerLink& link, const SignalTables& tables, const MainThread& mainThread);
+    CMainFrame(CAnalyzerLink& link, const SignalTables& tables, const MainThread& mainThread,
+               Settings& settings);
 
     [[nodiscard]] QMdiArea& Area() const noexcept { return *area_; }
     /// Sets the application, whose documents the menus open; null before it is destroyed, which is
@@ -43,6 +44,8 @@ public:
 protected:
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void MakeActions();
@@ -62,13 +65,17 @@ private:
     void ShowHelpPage(const QString& page);
     void PlaceHelp();
     void OnTimer();
+    /// Says in the status bar that the board was unplugged, or nothing.
+    void ShowWhetherBoardIsGone();
 
     CAnalyzerLink& link_;
     const SignalTables& tables_;
+    Settings& settings_;
     CTesselApp* app_ = nullptr;
     QMdiArea* area_;
     CommandMap commands_;
     QToolBar* toolBar_ = nullptr;
+    QLabel* boardGone_ = nullptr;
     QLabel* panes_[4] = {};
     QPointer<HelpWindow> help_; // null until help is first asked for
     std::map<CommandId, QAction*> actions_;

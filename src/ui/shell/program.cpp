@@ -2,6 +2,7 @@
 
 #include "link/port_setting.h"
 #include "ui/framework/qt_settings.h"
+#include "ui/framework/wait_cursor.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -44,7 +45,7 @@ Program::~Program() {
 }
 
 void Program::InitInstance() {
-    frame_ = std::make_unique<CMainFrame>(Link(), Tables(), machine_.mainThread);
+    frame_ = std::make_unique<CMainFrame>(Link(), Tables(), machine_.mainThread, machine_.settings);
     app_ = std::make_unique<CTesselApp>(CTesselApp::Parts{machine_.settings, machine_.prompts,
                                                           machine_.mainThread, machine_.directory,
                                                           analyzer_, frame_->Area()});
@@ -52,6 +53,7 @@ void Program::InitInstance() {
     frame_->RefreshStatusPanes();
     frame_->show();
     UpdateWindow(*frame_);
+    const WaitCursor wait;
     Link().Connect(ReadPortSetting(machine_.settings));
     frame_->RefreshStatusPanes();
     Tables().Load();

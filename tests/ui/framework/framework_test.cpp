@@ -4,6 +4,7 @@
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/painting.h"
 #include "ui/framework/qt_settings.h"
+#include "ui/framework/wait_cursor.h"
 #include "ui/framework/window_timer.h"
 
 #include <QApplication>
@@ -112,6 +113,25 @@ TEST(MessageBoxes, ReturnTheUsersAnswer) {
     QTimer::singleShot(0, [&] { PressIn("OK", onTop); });
     EXPECT_EQ(mainThread.Show({"Failed", true, BoxButtons::Ok}), Answer::Ok);
     EXPECT_TRUE(onTop);
+}
+
+TEST(MessageBoxes, HaveTheUsualPointerWhileTheProgramIsBusy) {
+    MainThread mainThread;
+    ShowBoxesAsWindows(mainThread);
+    {
+        const WaitCursor busy;
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        auto shown = Qt::BlankCursor;
+        bool onTop = false;
+        QTimer::singleShot(0, [&] {
+            shown = QGuiApplication::overrideCursor()->shape();
+            PressIn("OK", onTop);
+        });
+        mainThread.Show({"Failed", true, BoxButtons::Ok});
+        EXPECT_EQ(shown, Qt::ArrowCursor);
+        EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
+    }
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
 }
 
 TEST(MessageBoxes, OfAnotherThreadAreShownByTheEventLoopAndHoldTimers) {

@@ -212,6 +212,15 @@ TEST_F(InDemoMode, WaveformOpensItsStoredCapture) {
     EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger1.tra"));
 }
 
+TEST_F(InDemoMode, ThePointerIsBusyWhileAFileIsOpened) {
+    bool isBusy = false;
+    QObject::connect(&Frame().Area(), &QMdiArea::subWindowActivated,
+                     [&] { isBusy = isBusy || QGuiApplication::overrideCursor() != nullptr; });
+    program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
+    EXPECT_TRUE(isBusy);
+    EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+}
+
 TEST_F(InDemoMode, AFileWithPowerZoomSamplesOpensTheirWindowToo) {
     // Trigger2 has a state list; with Power Zoom samples, it has two lists to show.
     const std::string zoom = ReadWholeFile(dir.File("Trigger1.tra"));

@@ -154,7 +154,7 @@ TEST_F(BackplaneWindow, ClosingABackplaneWindowEndsThePollsAndSendsNothing) {
         return polls > 0;
     }));
     Press(View(), "Close");
-    QApplication::processEvents();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // the window is gone
     line->Do([this] { board.functions.clear(); });
     QTest::qWait(300);
     line->Do([this] { EXPECT_THAT(board.functions, IsEmpty()); });
