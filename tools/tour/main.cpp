@@ -29,6 +29,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPalette>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
@@ -111,6 +112,11 @@ public:
         answers_ = std::move(answers);
         button.click();
         QApplication::processEvents();
+    }
+    /// The same for an entry of a menu.
+    void Choose(CMainFrame& frame, const QString& path, Answers answers) {
+        answers_ = std::move(answers);
+        Choose(frame, path, "message");
     }
     /// Presses the button after the caller has returned, so that no dialog blocks the caller.
     static void PressLater(QAbstractButton& button) {
@@ -509,6 +515,19 @@ void Walk(Tour& tour, Program& program) {
     tour.Choose(frame, "Edit/Display/Name", "display-name");
     tour.Choose(frame, "Edit/Display/Markers", "display-markers");
     tour.Choose(frame, "Edit/Display/Colors", "display-colors");
+    tour.Choose(frame, "Edit/Display/Grid", "display-grid");
+    tour.Choose(frame, "Edit/Display/Scale", "display-scale");
+    tour.Choose(frame, "Utilities/Define Signals", "define-signal");
+    tour.Choose(frame, "Help/About Busquill!", "about");
+    tour.Choose(frame, "File/Print Preview",
+                {[&tour](QWidget& ask) {
+                     tour.Picture(ask, "print-trace");
+                     Tour::PressLater(ButtonOf(ask, "OK"));
+                 },
+                 [&tour](QWidget& preview) {
+                     tour.Picture(preview, "print-preview");
+                     QTimer::singleShot(0, &preview, &QWidget::close);
+                 }});
     tour.Choose(frame, "Window/Cascade", "message");
     tour.Picture(frame, "windows");
     ShowSets(tour, frame);
@@ -528,17 +547,41 @@ void Walk(Tour& tour, Program& program) {
     }
 }
 
+/// The colours of a desktop with a dark theme.
+QPalette DarkPalette() {
+    const QColor window(45, 45, 45);
+    const QColor text(230, 230, 230);
+    const QColor disabled(130, 130, 130);
+    QPalette palette(window);
+    palette.setColor(QPalette::Base, QColor(30, 30, 30));
+    palette.setColor(QPalette::AlternateBase, window);
+    palette.setColor(QPalette::ToolTipBase, window);
+    palette.setColor(QPalette::Highlight, QColor(42, 110, 190));
+    palette.setColor(QPalette::Link, QColor(110, 170, 240));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+                            QPalette::ToolTipText, QPalette::HighlightedText}) {
+        palette.setColor(role, text);
+        palette.setColor(QPalette::Disabled, role, disabled);
+    }
+    palette.setColor(QPalette::PlaceholderText, disabled);
+    return palette;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 4) {
-        std::fprintf(stderr, "usage: busquill-tour board|demo FOLDER -SWITCH\n");
+    const bool isDark = argc == 5 && QString(argv[4]) == "dark";
+    if (argc != 4 && !isDark) {
+        std::fprintf(stderr, "usage: busquill-tour board|demo FOLDER -SWITCH [dark]\n");
         return 2;
     }
     const WorkingDirectory directory = WorkingDirectory::AtStart();
     const std::string name = ApplicationName(CommandLineSwitch({argv[3]}));
     QApplication application(argc, argv);
     QApplication::setApplicationName(stockName); // it is shown in the titles of boxes
+    if (isDark) {
+        QApplication::setPalette(DarkPalette());
+    }
     Tour tour(QString("%1/%2").arg(argv[2], argv[1]));
 
     MainThread mainThread;
