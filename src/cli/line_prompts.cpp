@@ -26,9 +26,9 @@ std::vector<std::string> LinePrompts::Take() {
     return std::exchange(said_, {});
 }
 
-std::string LinePrompts::TakeFirst(std::string otherwise) {
+std::string LinePrompts::TakeFirst(const std::string& otherwise) {
     const auto said = Take();
-    return said.empty() ? std::move(otherwise) : said.front();
+    return said.empty() ? otherwise : said.front();
 }
 
 } // namespace busquill::cli

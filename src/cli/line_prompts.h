@@ -23,7 +23,7 @@ public:
     /// The texts since the last call, each on one line.
     [[nodiscard]] std::vector<std::string> Take();
     /// The first of these texts; `otherwise` when there is none.
-    [[nodiscard]] std::string TakeFirst(std::string otherwise);
+    [[nodiscard]] std::string TakeFirst(const std::string& otherwise);
 
 private:
     std::vector<std::string> said_;
