@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QPageLayout>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
@@ -46,8 +47,14 @@ PrintFailure WriteFailure(const QPrinter& printer) {
     return Printf("Error writing file %s.", printer.outputFileName().toStdString().c_str());
 }
 
-/// Ends a job that the user cancelled. A file cannot be aborted: what is in it is removed.
+/// Ends a job that the user cancelled. A file cannot be aborted: what is in it is removed. A
+/// preview shows the pages that it has; to abort it would destroy pages that its window goes on
+/// drawing.
 void Abort(QPrinter& printer, QPainter& painter) {
+    if (painter.paintEngine()->type() == QPaintEngine::Picture) {
+        painter.end();
+        return;
+    }
     const bool isAborted = printer.abort();
     painter.end();
     if (!isAborted && !printer.outputFileName().isEmpty()) {

@@ -341,6 +341,27 @@ TEST_F(Printing, CancelDuringPrintingLeavesNoFile) {
     EXPECT_GT(Previewed("0", "0"), 1) << "the next one is not affected";
 }
 
+TEST_F(Printing, CancelDuringAPreviewShowsThePagesSoFar) {
+    Choose("File/New/Capture/State");
+    bool isCancelled = false;
+    int pages = 0;
+    ChooseAnswering(
+        *this, "File/Print Preview", [](CPrintTraceDlg& dialog) { Press(dialog, "OK"); },
+        [&](QWidget& modal) {
+            if (auto* progress = qobject_cast<QProgressDialog*>(&modal)) {
+                isCancelled = true;
+                Press(*progress, "Cancel");
+            } else if (auto* preview = qobject_cast<QPrintPreviewDialog*>(&modal);
+                       preview != nullptr && isCancelled) {
+                pages = preview->findChild<QPrintPreviewWidget*>()->pageCount();
+                EXPECT_FALSE(preview->grab().isNull());
+                preview->reject();
+            }
+        });
+    EXPECT_TRUE(isCancelled) << "the job was too short";
+    EXPECT_GT(pages, 0);
+}
+
 TEST_F(Printing, ThePreviewHasThePagesOfTheRange) {
     Choose("File/New/Capture/State");
     const int strips = Previewed("0", "0");
