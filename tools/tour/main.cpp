@@ -30,6 +30,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPalette>
+#include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
@@ -110,12 +111,14 @@ public:
     using Answers = std::deque<std::function<void(QWidget&)>>;
     void Click(QAbstractButton& button, Answers answers) {
         answers_ = std::move(answers);
+        answered_ = nullptr;
         button.click();
         QApplication::processEvents();
     }
     /// The same for an entry of a menu.
     void Choose(CMainFrame& frame, const QString& path, Answers answers) {
         answers_ = std::move(answers);
+        answered_ = nullptr;
         Choose(frame, path, "message");
     }
     /// Presses the button after the caller has returned, so that no dialog blocks the caller.
@@ -130,6 +133,10 @@ public:
             return;
         }
         if (!answers_.empty()) {
+            if (modal == answered_) {
+                return; // it has not closed yet
+            }
+            answered_ = modal;
             const auto answer = std::move(answers_.front());
             answers_.pop_front();
             answer(*modal);
@@ -168,6 +175,7 @@ private:
     QString modalName_ = "message";
     std::map<QString, QString> inside_;
     Answers answers_;
+    QPointer<QWidget> answered_; // the dialog that had the last answer
     QWidget* pictured_ = nullptr;
     bool failed_ = false;
 };
