@@ -214,7 +214,8 @@ TEST_F(InDemoMode, WaveformOpensItsStoredCapture) {
 
 TEST_F(InDemoMode, ThePointerIsBusyWhileAFileIsOpened) {
     bool isBusy = false;
-    QObject::connect(&Frame().Area(), &QMdiArea::subWindowActivated,
+    const QObject here; // ends the connection
+    QObject::connect(&Frame().Area(), &QMdiArea::subWindowActivated, &here,
                      [&] { isBusy = isBusy || QGuiApplication::overrideCursor() != nullptr; });
     program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
     EXPECT_TRUE(isBusy);
