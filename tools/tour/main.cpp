@@ -530,6 +530,8 @@ void Walk(Tour& tour, Program& program) {
     tour.Choose(frame, "File/Print Preview",
                 {[&tour](QWidget& ask) {
                      tour.Picture(ask, "print-trace");
+                     ask.findChild<QLineEdit*>("Start")->setText("0"); // few enough pages to
+                     ask.findChild<QLineEdit*>("End")->setText("50");  // need no progress box
                      Tour::PressLater(ButtonOf(ask, "OK"));
                  },
                  [&tour](QWidget& preview) {
