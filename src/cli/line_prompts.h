@@ -22,7 +22,7 @@ public:
 
     /// The texts since the last call, each on one line.
     [[nodiscard]] std::vector<std::string> Take();
-    /// The first of these texts; `otherwise` when there is none.
+    /// The first text since the last call, or `otherwise` if there were no texts.
     [[nodiscard]] std::string TakeFirst(const std::string& otherwise);
 
 private:

@@ -11,7 +11,7 @@
 
 namespace busquill {
 
-/// Passes files to the instance of the program that the user has running; false if there is none.
+/// Passes files to the program if the user has it running; returns whether it is.
 [[nodiscard]] bool HandOver(const std::vector<std::string>& files);
 
 /// The files that the desktop asks a running program to open: its own at the start, and those that
