@@ -5,10 +5,14 @@
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
 #include "stimulus/stimulus_document.h"
+#include "tour.h"
+#include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/go_stop_child.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
+#include "ui/patterns/pattern_dialogs.h"
+#include "ui/patterns/pattern_grid.h"
 #include "ui/shell/command_line.h"
 #include "ui/shell/program.h"
 #include "ui/trace/child_frame.h"
@@ -18,9 +22,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
-#include <QDialog>
 #include <QDialogButtonBox>
-#include <QElapsedTimer>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QListWidget>
@@ -28,9 +30,7 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QPalette>
-#include <QPointer>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
@@ -38,168 +38,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <deque>
 #include <functional>
-#include <map>
 
 using namespace busquill;
 
 namespace {
-
-class Tour {
-public:
-    explicit Tour(QString folder) : folder_(std::move(folder)) {}
-
-    void Picture(QWidget& window, const QString& name) {
-        QApplication::processEvents();
-        const QString path = folder_ + "/" + name + ".png";
-        if (window.grab().save(path)) {
-            std::printf("%s\n", qPrintable(path));
-        } else {
-            failed_ = true;
-            std::fprintf(stderr, "cannot write %s\n", qPrintable(path));
-        }
-    }
-
-    /// The entry of a menu path such as "File/New/Capture/State", without mnemonics.
-    static QAction* Find(const QWidget& bar, const QString& path) {
-        QList<QAction*> actions = bar.actions();
-        QAction* found = nullptr;
-        for (const QString& part : path.split('/')) {
-            found = nullptr;
-            for (QAction* action : actions) {
-                if (action->text().remove('&') == part) {
-                    found = action;
-                }
-            }
-            if (found == nullptr) {
-                return nullptr;
-            }
-            actions = found->menu() != nullptr ? found->menu()->actions() : QList<QAction*>();
-        }
-        return found;
-    }
-
-    /// Chooses an entry; saves a picture of a dialog that it opens under `name`, and closes the
-    /// dialog.
-    void Choose(CMainFrame& frame, const QString& path, const QString& name) {
-        QAction* action = Find(*frame.menuBar(), path);
-        if (action == nullptr) {
-            failed_ = true;
-            std::fprintf(stderr, "no menu entry %s\n", qPrintable(path));
-            return;
-        }
-        modalName_ = name;
-        action->trigger();
-        QApplication::processEvents();
-    }
-
-    /// Clicks a button; saves a picture of a dialog that it opens under `name`, and of the dialogs
-    /// that its buttons open in turn (`inside`: their object names or texts, and the names of the
-    /// pictures), and closes them.
-    void Click(QAbstractButton& button, const QString& name,
-               const std::map<QString, QString>& inside = {}) {
-        modalName_ = name;
-        inside_ = inside;
-        button.click();
-        QApplication::processEvents();
-    }
-
-    /// Clicks a button and answers the dialogs that it opens, one after the other. An answer must
-    /// close its dialog or open the next one, by PressLater.
-    using Answers = std::deque<std::function<void(QWidget&)>>;
-    void Click(QAbstractButton& button, Answers answers) {
-        answers_ = std::move(answers);
-        answered_ = nullptr;
-        button.click();
-        QApplication::processEvents();
-    }
-    /// The same for an entry of a menu.
-    void Choose(CMainFrame& frame, const QString& path, Answers answers) {
-        answers_ = std::move(answers);
-        answered_ = nullptr;
-        Choose(frame, path, "message");
-    }
-    /// Presses the button after the caller has returned, so that no dialog blocks the caller.
-    static void PressLater(QAbstractButton& button) {
-        QTimer::singleShot(0, &button, &QAbstractButton::click);
-    }
-
-    /// Saves a picture of an open modal window, and closes it.
-    void WatchModal() {
-        QWidget* modal = QApplication::activeModalWidget();
-        if (modal == nullptr || !modal->isVisible()) {
-            return;
-        }
-        if (!answers_.empty()) {
-            if (modal == answered_) {
-                return; // it has not closed yet
-            }
-            answered_ = modal;
-            const auto answer = std::move(answers_.front());
-            answers_.pop_front();
-            answer(*modal);
-            return;
-        }
-        if (modal != pictured_) {
-            Picture(*modal, modalName_);
-        }
-        for (auto* button : modal->findChildren<QAbstractButton*>()) {
-            const auto found = std::find_if(inside_.begin(), inside_.end(), [&](const auto& each) {
-                return button->objectName() == each.first || button->text() == each.first;
-            });
-            if (found != inside_.end()) {
-                modalName_ = found->second;
-                inside_.erase(found);
-                pictured_ = modal; // it remains open
-                QTimer::singleShot(0, button, &QAbstractButton::click);
-                return;
-            }
-        }
-        if (auto* box = qobject_cast<QMessageBox*>(modal)) {
-            box->accept();
-        } else {
-            qobject_cast<QDialog*>(modal)->reject();
-        }
-    }
-
-    void Fail(const char* why) {
-        failed_ = true;
-        std::fprintf(stderr, "%s\n", why);
-    }
-    [[nodiscard]] bool Failed() const { return failed_; }
-
-private:
-    QString folder_;
-    QString modalName_ = "message";
-    std::map<QString, QString> inside_;
-    Answers answers_;
-    QPointer<QWidget> answered_; // the dialog that had the last answer
-    QWidget* pictured_ = nullptr;
-    bool failed_ = false;
-};
-
-/// Runs the event loop until a condition holds, at most `limit` milliseconds.
-template <typename Condition>
-bool WaitFor(Condition holds, int limit) {
-    QElapsedTimer time;
-    time.start();
-    while (!holds() && time.elapsed() < limit) {
-        QApplication::processEvents(QEventLoop::AllEvents, 20);
-    }
-    return holds();
-}
-
-QAbstractButton& ButtonOf(const QWidget& window, const QString& text) {
-    for (auto* button : window.findChildren<QAbstractButton*>()) {
-        if (button->text().remove('&') == text) {
-            return *button;
-        }
-    }
-    std::fprintf(stderr, "no button %s\n", qPrintable(text));
-    std::exit(1);
-}
 
 /// Writes a value of the decoded signal COMMAND into a pattern.
 void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label) {
@@ -358,6 +201,7 @@ void Exercise(Tour& tour, Program& program) {
     form.command = MasterRead;
     go();
     tour.Picture(*window, "master");
+    tour.Click(ButtonOf(*window, "Options"), "master-options");
     window->close();
     tour.Choose(frame, "File/New/Target", "message");
     if (QMdiSubWindow* target = frame.Area().activeSubWindow()) {
@@ -423,6 +267,7 @@ void TestDevice(Tour& tour, Program& program) {
     }
     ButtonOf(*window, "Find").click();
     ButtonOf(*window, "Next >").click();
+    tour.Click(ButtonOf(*window, "Options"), "compliance-options");
     tour.Click(*window->findChild<QToolButton*>("Go"), "compliance-instructions");
     if (!WaitFor([&] { return window->RunState() != RunPicture::Running; }, 60000)) {
         tour.Fail("no test has instructions");
@@ -472,6 +317,47 @@ void ShowSets(Tour& tour, CMainFrame& frame) {
     }
 }
 
+/// The dialogs behind the menu on a signal's name.
+void ChangeSignals(Tour& tour, const QMdiSubWindow& window) {
+    auto* listing = window.findChild<CStateWnd*>();
+    const QPoint name(listing->width() / 3, listing->fontMetrics().height() / 2);
+    tour.ChooseOn(*listing, name, "signal-menu", "Change Signal...", "change-signal");
+    tour.ChooseOn(*listing, name, "signal-menu", "Change Color...", "change-color");
+}
+
+/// The pattern of a search, with the dialogs of its cells.
+void SearchPattern(Tour& tour, CMainFrame& frame) {
+    const auto cell = [](const CPatternGrid& grid, const CSignalList& list, const char* title) {
+        for (std::size_t column = 0; column < list.Size(); ++column) {
+            if (list[column].VisibleWidth() > 0 && list[column].RowName().starts_with(title)) {
+                return grid.Geometry().CellRect({0, column}).center();
+            }
+        }
+        return QPoint();
+    };
+    const auto click = [cell](QWidget& question, const char* title) {
+        auto& dialog = dynamic_cast<CSearchPatternDlg&>(question);
+        Tour::ClickLater(dialog.Grid(), cell(dialog.Grid(), dialog.Edited(), title),
+                         Qt::LeftButton);
+    };
+    const auto close = [](QWidget& dialog) { Tour::PressLater(ButtonOf(dialog, "Cancel")); };
+    tour.Choose(frame, "Search/Find Pattern",
+                {[&](QWidget& pattern) {
+                     tour.Picture(pattern, "search-pattern");
+                     click(pattern, "COMMAND");
+                 },
+                 [&](QWidget& command) {
+                     tour.Picture(command, "command");
+                     close(command);
+                 },
+                 [&](QWidget& pattern) { click(pattern, "AD["); },
+                 [&](QWidget& value) {
+                     tour.Picture(value, "value");
+                     close(value);
+                 },
+                 close});
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -501,6 +387,7 @@ void Walk(Tour& tour, Program& program) {
         frame.resize(1600, 1000);
         tour.Picture(frame, "listing-large");
         frame.resize(900, 600);
+        ChangeSignals(tour, *window);
     }
     tour.Choose(frame, "File/New/Capture/Waveform", "message");
     if (auto* window = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow())) {
@@ -518,7 +405,7 @@ void Walk(Tour& tour, Program& program) {
         QApplication::processEvents();
         tour.Picture(frame, "power-zoom");
     }
-    tour.Choose(frame, "Search/Find Pattern", "search-pattern");
+    SearchPattern(tour, frame);
     tour.Choose(frame, "Search/Go to/Sample #", "go-to-sample");
     tour.Choose(frame, "Edit/Display/Name", "display-name");
     tour.Choose(frame, "Edit/Display/Markers", "display-markers");

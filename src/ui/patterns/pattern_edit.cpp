@@ -16,6 +16,14 @@ CPatternEdit::CPatternEdit(QWidget* parent) : QLineEdit(parent) {
     setText(CPatternEdit::Shown());
 }
 
+QSize CPatternEdit::sizeHint() const {
+    const QSize size = QLineEdit::sizeHint(); // with space for 17 letters x
+    const QFontMetrics metrics = fontMetrics();
+    const int wider = metrics.horizontalAdvance("DDDDDDDD DDDDDDDD") -
+                      metrics.horizontalAdvance(QString(17, 'x'));
+    return {size.width() + std::max(0, wider), size.height()};
+}
+
 void CPatternEdit::SetWidth(unsigned bits) {
     width_ = std::clamp(bits, 1U, 64U);
     Refresh();

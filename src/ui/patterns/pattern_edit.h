@@ -19,6 +19,9 @@ public:
     [[nodiscard]] std::uint64_t Value() const noexcept;
     void SetValue(std::uint64_t value);
 
+    /// Wide enough for the widest digits of 64 bits.
+    [[nodiscard]] QSize sizeHint() const override;
+
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

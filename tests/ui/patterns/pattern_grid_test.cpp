@@ -497,6 +497,12 @@ TEST(ValueDialog, ClearEmptiesTheMask) {
     EXPECT_EQ(mask, Bytes{0});
 }
 
+TEST(PatternEdit, ItsHintHasSpaceForAllDigits) {
+    CPatternEdit edit;
+    edit.SetValue(0xDDDDDDDDDDDDDDDD);
+    EXPECT_GE(edit.sizeHint().width(), edit.fontMetrics().horizontalAdvance(edit.text()) + 4);
+}
+
 TEST(PatternEdit, APressOpensTheDialog) {
     CPatternEdit edit;
     EXPECT_EQ(edit.text(), "00000000 00000000");
