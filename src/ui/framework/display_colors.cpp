@@ -124,9 +124,6 @@ QColor ViewBackground(const Settings& settings) {
 }
 
 QPalette FormPalette(const Settings& settings, QPalette usual) {
-    if (ReadColorSetting(settings, ColorSetting::AdaptText) == 0) {
-        return usual;
-    }
     const QColor ground = ViewBackground(settings);
     for (const auto& [group, contrast] : {std::pair(QPalette::Active, readableContrast),
                                           std::pair(QPalette::Inactive, readableContrast),

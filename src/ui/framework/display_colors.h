@@ -88,7 +88,8 @@ constexpr DisplaySettings waveformDisplay{
 
 /// The user's background colour for a function's window.
 [[nodiscard]] QColor ViewBackground(const Settings& settings);
-/// The colours of a form on that background; `usual` are those of the program.
+/// The colours of a form on that background; `usual` are those of the program. The text is readable
+/// on it, whatever the theme of the desktop.
 [[nodiscard]] QPalette FormPalette(const Settings& settings, QPalette usual);
 
 } // namespace busquill

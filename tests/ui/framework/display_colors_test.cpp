@@ -84,8 +84,17 @@ TEST(ColorSets, TextIsLeftAloneInTheStandardSet) {
     const DisplayColors colors = LoadDisplayColors(settings, stateDisplay);
     EXPECT_EQ(colors, LoadDisplayColors(MemorySettings(), stateDisplay));
     EXPECT_EQ(colors.Ink(0x00FF00, colors.marker1), 0x00FF00U);
-    EXPECT_EQ(FormPalette(settings, QPalette()).color(QPalette::WindowText),
-              QPalette().color(QPalette::WindowText));
+    QPalette usual;
+    usual.setColor(QPalette::WindowText, Qt::black);
+    EXPECT_EQ(FormPalette(settings, usual).color(QPalette::WindowText), QColor(Qt::black));
+}
+
+TEST(ColorSets, FormsHaveReadableTextOnADarkDesktopToo) {
+    const MemorySettings settings; // a light ground
+    QPalette dark;
+    dark.setColor(QPalette::WindowText, QColor(0xE6, 0xE6, 0xE6));
+    const QColor text = FormPalette(settings, dark).color(QPalette::WindowText);
+    EXPECT_GE(Contrast(NumberOf(ViewBackground(settings)), NumberOf(text)), readable);
 }
 
 TEST(ColorSets, FormsOfTheDarkSetHaveLightTextEvenWhereDisabled) {
