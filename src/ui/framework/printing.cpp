@@ -101,6 +101,8 @@ PrintFailure PrintPages(QPrinter& printer, std::int64_t count, const DrawPage& d
             printer.newPage();
         }
         painter.save();
+        // A preview is much smaller than the paper; otherwise lines thinner than its pixels vanish.
+        painter.setRenderHint(QPainter::Antialiasing);
         draw(painter, number);
         painter.restore();
     }

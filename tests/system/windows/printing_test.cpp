@@ -7,6 +7,7 @@
 #include "ui/capture/print_trace_dialog.h"
 
 #include <QCheckBox>
+#include <QGraphicsView>
 #include <QMessageBox>
 #include <QPageLayout>
 #include <QPaintEngine>
@@ -115,6 +116,42 @@ int PdfPages(const std::string& path) {
         ++pages;
     }
     return pages;
+}
+
+/// So many samples take longer to print than a job does before it shows its progress, on any machine.
+constexpr int longJob = 60000;
+
+/// The vertical lines on the white page of a picture that are longer than half of it. A line may be
+/// pale, or two pixels wide.
+int LongLines(const QImage& image) {
+    const QRgb white = qRgb(255, 255, 255);
+    const auto isPage = [&](int x, int y) { return image.pixel(x, y) == white; };
+    int left = image.width();
+    int right = 0;
+    int top = image.height();
+    int bottom = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (isPage(x, y)) {
+                left = std::min(left, x);
+                right = std::max(right, x);
+                top = std::min(top, y);
+                bottom = std::max(bottom, y);
+            }
+        }
+    }
+    int lines = 0;
+    bool wasLine = false;
+    for (int x = left; x <= right; ++x) {
+        int inked = 0;
+        for (int y = top; y <= bottom; ++y) {
+            inked += isPage(x, y) ? 0 : 1;
+        }
+        const bool isLine = 2 * inked > bottom - top;
+        lines += isLine && !wasLine ? 1 : 0;
+        wasLine = isLine;
+    }
+    return lines;
 }
 
 class Printing : public ProgramFixture {
@@ -318,7 +355,7 @@ TEST_F(Printing, APageThatThereIsNotIsReported) {
 }
 
 TEST_F(Printing, CancelDuringPrintingLeavesNoFile) {
-    Choose("File/New/Capture/State");
+    OpenCapture(0, longJob);
     const std::string path = dir.File("listing.pdf");
     bool isCancelled = false;
     ChooseAnswering(
@@ -342,7 +379,7 @@ TEST_F(Printing, CancelDuringPrintingLeavesNoFile) {
 }
 
 TEST_F(Printing, CancelDuringAPreviewShowsThePagesSoFar) {
-    Choose("File/New/Capture/State");
+    OpenCapture(0, longJob);
     bool isCancelled = false;
     int pages = 0;
     ChooseAnswering(
@@ -384,6 +421,22 @@ TEST_F(Printing, AWaveformIsPreviewed) {
                   }),
               1);
     EXPECT_GT(pages, 1);
+}
+
+TEST_F(Printing, ThePreviewKeepsThinLinesAtEveryZoom) {
+    Choose("File/New/Capture/Waveform");
+    PrintThrough<QPrintPreviewDialog>(
+        *this, "File/Print Preview", [](CPrintTraceDlg& dialog) { Give(dialog, "0", "10"); },
+        [](QPrintPreviewDialog& dialog) {
+            auto* preview = dialog.findChild<QPrintPreviewWidget*>();
+            auto* pages = preview->findChild<QGraphicsView*>();
+            for (const double zoom : {0.07, 0.09, 0.11, 0.13, 0.15, 0.17, 0.19}) {
+                preview->setZoomFactor(zoom);
+                QApplication::processEvents();
+                const QImage image = pages->viewport()->grab().toImage();
+                EXPECT_EQ(LongLines(image), 4) << "the frame and the columns, at " << zoom;
+            }
+        });
 }
 
 TEST_F(Printing, SamplesThatAreFilteredOutAreNotPrinted) {
