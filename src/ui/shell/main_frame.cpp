@@ -2,6 +2,7 @@
 
 #include "link/analyzer_link.h"
 #include "platform/libraries.h"
+#include "ui/framework/bar_button.h"
 #include "ui/framework/dialog_titles.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/icons.h"
@@ -129,7 +130,7 @@ void CMainFrame::MakeActions() {
         auto* action = new QAction(command.text, this);
         action->setStatusTip(command.tip);
         QString name = QString(command.text).remove('&').remove("...");
-        action->setToolTip(name);
+        action->setToolTip(TipWithKey(name, command.id));
         if (*command.icon != '\0') {
             action->setIcon(IconOf(command.icon));
             action->setIconVisibleInMenu(false);
@@ -160,6 +161,7 @@ QMenu* CMainFrame::MenuAt(const QString& path) {
 void CMainFrame::MakeMenus() {
     for (const Command& command : Commands()) {
         if (*command.menu == '\0') {
+            addAction(actions_[command.id]); // for its key
             continue;
         }
         QMenu* menu = MenuAt(command.menu);

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "ui/framework/commands.h"
+
+#include <QString>
+
+class QToolButton;
+
+namespace busquill {
+
+/// The first key of a command as users read it, such as "Shift+F5"; empty without one.
+[[nodiscard]] QString KeyOf(CommandId id);
+/// A tool tip that names the command's key: "Stop the capture (Shift+F5)".
+[[nodiscard]] QString TipWithKey(const QString& tip, CommandId id);
+
+/// A button for the bar of a window, named after its command and without the focus. Who makes it
+/// connects it with the command, which the key carries out too.
+[[nodiscard]] QToolButton* MakeBarButton(CommandId id, const QString& tip, int iconSize);
+
+} // namespace busquill
