@@ -7,14 +7,17 @@
 
 namespace busquill {
 
-QString KeyOf(CommandId id) {
-    const QList<QKeySequence> keys = QKeySequence::listFromString(CommandOf(id).shortcut);
-    return keys.isEmpty() ? QString() : keys.first().toString(QKeySequence::NativeText);
+QStringList KeysOf(CommandId id) {
+    QStringList names;
+    for (const QKeySequence& key : QKeySequence::listFromString(CommandOf(id).shortcut)) {
+        names << key.toString(QKeySequence::NativeText);
+    }
+    return names;
 }
 
 QString TipWithKey(const QString& tip, CommandId id) {
-    const QString key = KeyOf(id);
-    return key.isEmpty() ? tip : QString("%1 (%2)").arg(tip, key);
+    const QStringList keys = KeysOf(id);
+    return keys.isEmpty() ? tip : QString("%1 (%2)").arg(tip, keys.first());
 }
 
 QToolButton* MakeBarButton(CommandId id, const QString& tip, int iconSize) {

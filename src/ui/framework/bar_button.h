@@ -3,13 +3,14 @@
 #include "ui/framework/commands.h"
 
 #include <QString>
+#include <QStringList>
 
 class QToolButton;
 
 namespace busquill {
 
-/// The first key of a command as users read it, such as "Shift+F5"; empty without one.
-[[nodiscard]] QString KeyOf(CommandId id);
+/// The keys of a command as users read them, such as "Shift+F5"; none if it has only an entry.
+[[nodiscard]] QStringList KeysOf(CommandId id);
 /// A tool tip that names the command's key: "Stop the capture (Shift+F5)".
 [[nodiscard]] QString TipWithKey(const QString& tip, CommandId id);
 

@@ -114,6 +114,7 @@ constexpr Command commands[] = {
     {CommandId::None,                 "&Help",                   "", "", "", ""},
     {CommandId::About,                "&Help",                   "&About Busquill!",      "Version and licence", "", ""},
 
+    {CommandId::ShowKeys,             "",                        "Keys",                  "List all keys", "", "Shift+F1"},
     {CommandId::Go,                   "",                        "Go",                    "Start what the window runs", "go", "F5"},
     {CommandId::Stop,                 "",                        "Stop",                  "Stop it", "stop", "Shift+F5"},
     {CommandId::EditSetup,            "",                        "Setup",                 "Edit the setup of the window", "setup", "F6"},

@@ -70,6 +70,7 @@ enum class CommandId {
     HelpTopics,
     About,
     // Without an entry in the menus:
+    ShowKeys,
     Go,
     Stop,
     EditSetup,

@@ -13,6 +13,7 @@
 #include "ui/shell/command_line.h"
 #include "ui/shell/help_key.h"
 #include "ui/shell/help_window.h"
+#include "ui/shell/keys_window.h"
 #include "ui/shell/tessel_app.h"
 #include "ui/signals/define_signal_dialog.h"
 
@@ -321,6 +322,7 @@ void CMainFrame::MakeCommands() {
         commands_.On(id, [this] { ShowHelp(HelpTopic::Contents); });
     }
     commands_.On(CommandId::About, [this] { ShowAbout(); });
+    commands_.On(CommandId::ShowKeys, [this] { ShowKeys(); });
 }
 
 void CMainFrame::ShowHelp(int topic) {
@@ -384,6 +386,16 @@ void CMainFrame::ShowAbout() {
     box.setIconPixmap(windowIcon().pixmap(QSize(64, 64), devicePixelRatio()));
     box.setTextInteractionFlags(Qt::TextBrowserInteraction);
     box.exec();
+}
+
+void CMainFrame::ShowKeys() {
+    if (keys_ == nullptr) {
+        keys_ = new KeysWindow(this);
+        new WindowPlace(*keys_, settings_, "Keys");
+    }
+    keys_->show();
+    keys_->raise();
+    keys_->activateWindow();
 }
 
 void CMainFrame::ShowWhetherBoardIsGone() {

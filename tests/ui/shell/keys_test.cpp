@@ -4,15 +4,19 @@
 #include "ui/display/trace_view.h"
 #include "ui/framework/bar_button.h"
 #include "ui/framework/go_stop_child.h"
+#include "ui/shell/key_list.h"
+#include "ui/shell/keys_window.h"
 #include "ui/trace/child_frame.h"
 #include "ui/trace/trace_bar.h"
 #include "ui/tracesetup/trace_setup_dialog.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QToolBar>
 #include <QToolButton>
+#include <QTreeWidget>
 
 namespace busquill::test {
 namespace {
@@ -229,8 +233,9 @@ TEST_F(Keys, TheToolBarNamesTheKeys) {
     auto* bar = Frame().findChild<QToolBar*>("Toolbar");
     int keys = 0;
     for (const CommandId id : ToolbarButtons()) {
-        const QString key = id == CommandId::None ? "" : KeyOf(id);
-        if (!key.isEmpty()) {
+        const QStringList names = id == CommandId::None ? QStringList() : KeysOf(id);
+        if (!names.isEmpty()) {
+            const QString& key = names.first();
             bool named = false;
             for (const QAction* action : bar->actions()) {
                 named |= action->toolTip().endsWith(" (" + key + ")");
@@ -240,6 +245,111 @@ TEST_F(Keys, TheToolBarNamesTheKeys) {
         }
     }
     EXPECT_GT(keys, 10);
+}
+
+TEST_F(Keys, CtrlTabAndCtrlF4AreForTheWindows) {
+    OpenFile("Trigger2.tra");
+    QMdiSubWindow* const first = &Active();
+    Choose("File/New/Target");
+    QMdiSubWindow* const second = &Active();
+    ASSERT_NE(first, second);
+    Type(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(&Active(), first);
+    Type(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(&Active(), second);
+    Type(Qt::Key_F4, Qt::ControlModifier);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(Windows().size(), 1);
+}
+
+/// The list of keys.
+class ListOfKeys : public Keys {
+protected:
+    static KeysWindow* Window() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* keys = qobject_cast<KeysWindow*>(window)) {
+                return keys;
+            }
+        }
+        return nullptr;
+    }
+    /// Its lines, "place: keys: what they do".
+    static QStringList Lines() {
+        QStringList lines;
+        const auto& list = *Window()->findChild<QTreeWidget*>("Keys");
+        for (int i = 0; i < list.topLevelItemCount(); ++i) {
+            const QTreeWidgetItem& place = *list.topLevelItem(i);
+            for (int k = 0; k < place.childCount(); ++k) {
+                lines << place.text(0) + ": " + place.child(k)->text(0) + ": " +
+                             place.child(k)->text(1);
+            }
+        }
+        return lines;
+    }
+};
+
+TEST_F(ListOfKeys, ShiftF1OpensItAndEscClosesIt) {
+    EXPECT_EQ(Window(), nullptr);
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    ASSERT_NE(Window(), nullptr);
+    EXPECT_TRUE(Window()->isVisible());
+    EXPECT_FALSE(Window()->isModal()) << "the keys are tried beside it";
+    QTest::keyClick(Window(), Qt::Key_Escape);
+    EXPECT_FALSE(Window()->isVisible());
+    OpenFile("Trigger2.tra");
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    EXPECT_TRUE(Window()->isVisible());
+}
+
+TEST_F(ListOfKeys, HasEachKeyOfTheMenusAndTheActiveWindow) {
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    const QStringList lines = Lines();
+    EXPECT_TRUE(lines.contains("Menu File: Ctrl+S: Save the active document"));
+    EXPECT_TRUE(lines.contains("Menu View: Ctrl++, Ctrl+=: Show fewer samples"));
+    EXPECT_TRUE(lines.contains("Active window: Shift+F5: Stop it"));
+    EXPECT_TRUE(lines.contains("Waveforms: Page Up, Page Down: As many samples as fit"));
+    // Whatever action has a key is in it.
+    int keys = 0;
+    for (const QAction* action : Frame().findChildren<QAction*>()) {
+        for (const QKeySequence& key : action->shortcuts()) {
+            if (action->statusTip().isEmpty()) {
+                continue; // of a window's own menu
+            }
+            const QString name = key.toString(QKeySequence::NativeText);
+            EXPECT_EQ(lines.filter(action->statusTip()).filter(name).size(), 1)
+                << name.toStdString();
+            ++keys;
+        }
+    }
+    EXPECT_GT(keys, 30);
+}
+
+TEST_F(ListOfKeys, NamesThePathOfAnEntry) {
+    for (const KeyLine& line : AllKeys()) {
+        QString path = line.entry;
+        path.replace(" > ", "/");
+        if (!path.isEmpty()) {
+            EXPECT_TRUE(FindEntry(Frame(), path) != nullptr ||
+                        FindEntry(Frame(), path + "...") != nullptr)
+                << path.toStdString();
+        }
+    }
+}
+
+TEST_F(ListOfKeys, ThePageOfKeysInTheManualHasThemAll) {
+    QFile file(QString::fromStdString(SourceFile("docs/manual/keys.md")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QStringList inManual;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split('\n')) {
+        if (line.startsWith("| ")) {
+            inManual << line.section('|', 1, 1).trimmed().split(", ");
+        }
+    }
+    for (const KeyLine& line : AllKeys()) {
+        for (const QString& key : line.keys.split(", ")) {
+            EXPECT_TRUE(inManual.contains(key)) << key.toStdString();
+        }
+    }
 }
 
 } // namespace
