@@ -235,6 +235,22 @@ void CTesselDoc::ToggleMarker(int which, std::int64_t sample, bool zoom) {
     zoom ? SetZoomMarker(which, index) : SetMarker(which, index);
 }
 
+void CTesselDoc::StepMarker(int which, bool forward, bool zoom) {
+    const std::int64_t from = Marker(which, zoom);
+    if (from < 0 || RowCount(zoom) == 0) {
+        return;
+    }
+    std::int64_t row = SampleToRow(from, zoom);
+    const std::int64_t near = RowToSample(row, zoom); // another sample if the filter hides this one
+    if (forward ? near <= from : near >= from) {
+        row += forward ? 1 : -1;
+    }
+    const std::int64_t to = RowToSample(row, zoom);
+    if (to >= 0) {
+        zoom ? SetZoomMarker(which, to) : SetMarker(which, to);
+    }
+}
+
 void CTesselDoc::MarkerMoved(int which, int firstHint) {
     if (which == 0) {
         return;

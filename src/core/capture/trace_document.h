@@ -156,6 +156,8 @@ public:
     void SetMarker(int which, std::int64_t index);
     /// Takes the views to a sample.
     void GoToSample(std::int64_t sample, bool zoom);
+    /// Moves a marker that is set to the displayed sample before or after it, if there is one.
+    void StepMarker(int which, bool forward, bool zoom);
     /// Keeps the rows that match the filter pattern, and keeps `topSample` or the row before it
     /// visible. A pattern that compares nothing restores all rows.
     void ApplyFilter(std::int64_t topSample);

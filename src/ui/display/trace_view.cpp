@@ -29,6 +29,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <tuple>
 #include <utility>
 
 namespace busquill {
@@ -96,6 +97,25 @@ void CTraceView::MakeCommands() {
         commands.On(
             each.first, [this, target] { GoTo(target); },
             [this, target] { return CanGoTo(target); });
+    }
+    for (const int which : {1, 2}) {
+        commands.On(
+            which == 1 ? CommandId::PutMarker1 : CommandId::PutMarker2,
+            [this, which] { PutMarker(which); }, [this] { return CanGoTo(GoToTarget::Start); });
+    }
+    constexpr std::tuple<CommandId, GoToTarget, bool> steps[] = {
+        {CommandId::Marker1Back, GoToTarget::Marker1, false},
+        {CommandId::Marker1On, GoToTarget::Marker1, true},
+        {CommandId::Marker2Back, GoToTarget::Marker2, false},
+        {CommandId::Marker2On, GoToTarget::Marker2, true},
+    };
+    for (const auto& [id, marker, forward] : steps) {
+        commands.On(
+            id,
+            [this, which = static_cast<int>(marker), forward = forward] {
+                Trace().StepMarker(which, forward, isZoom_);
+            },
+            [this, marker = marker] { return CanGoTo(marker); });
     }
     const auto canSearch = [this] { return CanSearchSamples(); };
     commands.On(
@@ -174,6 +194,10 @@ void CTraceView::GoTo(GoToTarget target) {
     default:
         Trace().GoToSample(Trace().Marker(static_cast<int>(target), isZoom_), isZoom_);
     }
+}
+
+void CTraceView::PutMarker(int which) {
+    Trace().ToggleMarker(which, CenterSample(), isZoom_);
 }
 
 bool CTraceView::CanSearchSamples() const {

@@ -63,6 +63,8 @@ public:
     [[nodiscard]] bool CanGoTo(GoToTarget target) const;
     /// Moves every view of the same samples to the target.
     void GoTo(GoToTarget target);
+    /// Puts a marker on the sample in the middle, or removes it from there.
+    void PutMarker(int which);
 
     [[nodiscard]] bool CanSearchSamples() const;
     [[nodiscard]] bool CanFilterSamples() const;

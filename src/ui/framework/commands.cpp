@@ -113,6 +113,20 @@ constexpr Command commands[] = {
     {CommandId::HelpTopics,           "&Help",                   "&Topics",               "List the pages of the manual", "", ""},
     {CommandId::None,                 "&Help",                   "", "", "", ""},
     {CommandId::About,                "&Help",                   "&About Busquill!",      "Version and licence", "", ""},
+
+    {CommandId::ShowKeys,             "",                        "Keys",                  "List all keys", "", "Shift+F1"},
+    {CommandId::Go,                   "",                        "Go",                    "Start what the window runs", "go", "F5"},
+    {CommandId::Stop,                 "",                        "Stop",                  "Stop it", "stop", "Shift+F5"},
+    {CommandId::EditSetup,            "",                        "Setup",                 "Edit the setup of the window", "setup", "F6"},
+    {CommandId::ChooseSetup,          "",                        "Setup Box",             "Open the list of setups", "", "Shift+F6"},
+    {CommandId::PutMarker1,           "",                        "Put Marker 1",          "Put marker 1 in the middle of the display, or remove it from there", "", "F7"},
+    {CommandId::PutMarker2,           "",                        "Put Marker 2",          "Put marker 2 in the middle of the display, or remove it from there", "", "F8"},
+    {CommandId::Marker1Back,          "",                        "Marker 1 Back",         "Move marker 1 to the sample before", "", "Alt+Left"},
+    {CommandId::Marker1On,            "",                        "Marker 1 On",           "Move marker 1 to the next sample", "", "Alt+Right"},
+    {CommandId::Marker2Back,          "",                        "Marker 2 Back",         "Move marker 2 to the sample before", "", "Alt+Shift+Left"},
+    {CommandId::Marker2On,            "",                        "Marker 2 On",           "Move marker 2 to the next sample", "", "Alt+Shift+Right"},
+    {CommandId::SwitchDisplay,        "",                        "Display",               "Show the capture in the other display", "", "F9"},
+    {CommandId::PowerZoom,            "",                        "Power Zoom",            "Show the Power Zoom samples", "power-zoom", "Shift+F9"},
 };
 
 constexpr CommandId toolbar[] = {

@@ -69,9 +69,24 @@ enum class CommandId {
     HelpContents,
     HelpTopics,
     About,
+    // Without an entry in the menus:
+    ShowKeys,
+    Go,
+    Stop,
+    EditSetup,
+    ChooseSetup,
+    PutMarker1,
+    PutMarker2,
+    Marker1Back,
+    Marker1On,
+    Marker2Back,
+    Marker2On,
+    SwitchDisplay,
+    PowerZoom,
 };
 
-/// One entry of a menu. `menu` is the path of menus from the bar, joined by ">".
+/// One entry of a menu. `menu` is the path of menus from the bar, joined by ">"; it is empty for a
+/// command that has only a button or a key.
 struct Command {
     CommandId id;
     const char* menu;

@@ -1,5 +1,6 @@
 #include "ui/framework/go_stop_child.h"
 
+#include "ui/framework/bar_button.h"
 #include "ui/framework/icons.h"
 #include "ui/framework/view.h"
 
@@ -7,6 +8,8 @@
 #include <QLabel>
 #include <QPointer>
 #include <QToolButton>
+
+#include <utility>
 
 namespace busquill {
 
@@ -33,8 +36,8 @@ CGoStopChild::CGoStopChild(CDocument& document, const QString& title, const QStr
     bar_->setSpacing(3);
     bar_->addStretch(); // aligns the three at the right edge
     bar_->addWidget(status_);
-    bar_->addWidget(&MakeBarButton("Go", "go", "Go", [this] { go(); }));
-    bar_->addWidget(&MakeBarButton("Stop", "stop", "Stop", [this] { stop(); }));
+    bar_->addWidget(&CommandButton(CommandId::Go, "Go", [this] { go(); }));
+    bar_->addWidget(&CommandButton(CommandId::Stop, "Stop", [this] { stop(); }));
     status_->setObjectName("Run State");
     status_->setPixmap(PictureOf(picture_));
     SetBar(bar);
@@ -44,18 +47,12 @@ void CGoStopChild::AddToBar(QWidget& widget) {
     bar_->insertWidget(ownWidgets_++, &widget);
 }
 
-QToolButton& CGoStopChild::MakeBarButton(const QString& name, const QString& icon,
-                                         const QString& tip, std::function<void()> act) {
-    auto* button = new QToolButton;
-    button->setObjectName(name);
-    button->setToolTip(tip);
-    button->setIcon(IconOf(icon));
-    button->setIconSize({iconSize, iconSize});
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::NoFocus);
-    connect(button, &QToolButton::clicked, this, [this, act = std::move(act)] {
+QWidget& CGoStopChild::CommandButton(CommandId id, const QString& tip, std::function<void()> act) {
+    commands.On(id, std::move(act));
+    QToolButton* const button = MakeBarButton(id, tip, iconSize);
+    connect(button, &QToolButton::clicked, this, [this, id] {
         const QPointer<CGoStopChild> self = this; // the window may be closed while a box is open
-        act();
+        commands.Do(id);
         if (!self) {
             return;
         }

@@ -6,7 +6,6 @@
 
 class QHBoxLayout;
 class QLabel;
-class QToolButton;
 
 namespace busquill {
 
@@ -21,8 +20,8 @@ public:
     /// `icon` names a picture in the resources, without its extension.
     CGoStopChild(CDocument& document, const QString& title, const QString& icon, QSize size);
 
-    /// Called by the buttons; set by the creator of the view. Afterwards the view has the focus
-    /// again.
+    /// Called by the buttons and their keys; set by the creator of the view. Afterwards the view
+    /// has the focus again.
     std::function<void()> go = [] {};
     std::function<void()> stop = [] {};
 
@@ -32,9 +31,10 @@ public:
 protected:
     /// Puts a widget at the left of the bar, after those that are there already.
     void AddToBar(QWidget& widget);
-    /// A button for the bar; `icon` as above. After `act` the view has the focus again.
-    [[nodiscard]] QToolButton& MakeBarButton(const QString& name, const QString& icon,
-                                             const QString& tip, std::function<void()> act);
+    /// Makes the window carry out a command, and returns a button for it. After a click the view
+    /// has the focus again.
+    [[nodiscard]] QWidget& CommandButton(CommandId id, const QString& tip,
+                                         std::function<void()> act);
 
 private:
     QHBoxLayout* bar_;

@@ -4,6 +4,7 @@
 #include "performance/performance_document.h"
 #include "performance/performance_setup_file.h"
 #include "platform/periodic_timer.h"
+#include "ui/framework/bar_button.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/painting.h"
 #include "ui/framework/win_app.h"
@@ -13,7 +14,6 @@
 
 #include <QComboBox>
 #include <QLabel>
-#include <QToolButton>
 
 namespace busquill {
 
@@ -51,7 +51,7 @@ CPerformanceChild::CPerformanceChild(const FeatureParts& parts, CPerformanceDoc&
 
 void CPerformanceChild::MakeBar() {
     setups_->setObjectName("Setup Box");
-    setups_->setToolTip("The setup of the measurement");
+    setups_->setToolTip(TipWithKey("The setup of the measurement", CommandId::ChooseSetup));
     setups_->setMinimumContentsLength(setupCharacters);
     setups_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setups_->setFocusPolicy(Qt::ClickFocus);
@@ -74,7 +74,8 @@ void CPerformanceChild::MakeBar() {
     count_->setFont(FontOfCellHeight(14, QFont::Normal, FontFace::Proportional));
     ShowCount(0);
     AddToBar(*setups_);
-    AddToBar(MakeBarButton("Setup", "setup", "Edit the setup", [this] { EditSetup(""); }));
+    AddToBar(CommandButton(CommandId::EditSetup, "Edit the setup", [this] { EditSetup(""); }));
+    commands.On(CommandId::ChooseSetup, [this] { setups_->showPopup(); });
     AddToBar(*display_);
     AddToBar(*count_);
     FillSetups();

@@ -2,6 +2,7 @@
 
 #include "link/analyzer_link.h"
 #include "platform/libraries.h"
+#include "ui/framework/bar_button.h"
 #include "ui/framework/dialog_titles.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/icons.h"
@@ -12,6 +13,7 @@
 #include "ui/shell/command_line.h"
 #include "ui/shell/help_key.h"
 #include "ui/shell/help_window.h"
+#include "ui/shell/keys_window.h"
 #include "ui/shell/tessel_app.h"
 #include "ui/signals/define_signal_dialog.h"
 
@@ -129,7 +131,7 @@ void CMainFrame::MakeActions() {
         auto* action = new QAction(command.text, this);
         action->setStatusTip(command.tip);
         QString name = QString(command.text).remove('&').remove("...");
-        action->setToolTip(name);
+        action->setToolTip(TipWithKey(name, command.id));
         if (*command.icon != '\0') {
             action->setIcon(IconOf(command.icon));
             action->setIconVisibleInMenu(false);
@@ -160,6 +162,7 @@ QMenu* CMainFrame::MenuAt(const QString& path) {
 void CMainFrame::MakeMenus() {
     for (const Command& command : Commands()) {
         if (*command.menu == '\0') {
+            addAction(actions_[command.id]); // for its key
             continue;
         }
         QMenu* menu = MenuAt(command.menu);
@@ -319,6 +322,7 @@ void CMainFrame::MakeCommands() {
         commands_.On(id, [this] { ShowHelp(HelpTopic::Contents); });
     }
     commands_.On(CommandId::About, [this] { ShowAbout(); });
+    commands_.On(CommandId::ShowKeys, [this] { ShowKeys(); });
 }
 
 void CMainFrame::ShowHelp(int topic) {
@@ -382,6 +386,16 @@ void CMainFrame::ShowAbout() {
     box.setIconPixmap(windowIcon().pixmap(QSize(64, 64), devicePixelRatio()));
     box.setTextInteractionFlags(Qt::TextBrowserInteraction);
     box.exec();
+}
+
+void CMainFrame::ShowKeys() {
+    if (keys_ == nullptr) {
+        keys_ = new KeysWindow(this);
+        new WindowPlace(*keys_, settings_, "Keys");
+    }
+    keys_->show();
+    keys_->raise();
+    keys_->activateWindow();
 }
 
 void CMainFrame::ShowWhetherBoardIsGone() {

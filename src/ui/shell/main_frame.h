@@ -18,6 +18,7 @@ namespace busquill {
 class CAnalyzerLink;
 class CTesselApp;
 class HelpWindow;
+class KeysWindow;
 class MainThread;
 class Settings;
 class SignalTables;
@@ -59,6 +60,7 @@ private:
     void Run(CommandId id);
     void FillDynamicEntries();
     void ShowAbout();
+    void ShowKeys();
     void ShowHelp(int topic);
     /// The page of the window that contains a widget; if it has none, that of the active window.
     void ShowHelpFor(const QWidget& widget);
@@ -78,6 +80,7 @@ private:
     QLabel* boardGone_ = nullptr;
     QLabel* panes_[4] = {};
     QPointer<HelpWindow> help_; // null until help is first asked for
+    QPointer<KeysWindow> keys_; // null until the keys are first asked for
     std::map<CommandId, QAction*> actions_;
     std::map<QString, QMenu*> menus_;
     QList<QAction*> dynamicActions_; // recent files and windows

@@ -58,24 +58,41 @@ CTraceView* CChildFrame::MakeView() {
 }
 
 void CChildFrame::MakeBar() {
-    connect(&bar_->GoButton(), &QToolButton::clicked, this, &CChildFrame::OnGo);
-    connect(&bar_->StopButton(), &QToolButton::clicked, this, &CChildFrame::OnStop);
-    connect(&bar_->DisplayButton(), &QToolButton::clicked, this, &CChildFrame::OnDisplay);
-    connect(&bar_->ZoomButton(), &QToolButton::clicked, this, &CChildFrame::OnPowerZoom);
     connect(&bar_->HelpButton(), &QToolButton::clicked, this,
             [this] { parts_.app.ShowHelp(isState_ ? HelpTopic::State : HelpTopic::Waveform); });
     connect(&bar_->SetupBox(), &QComboBox::activated, this, &CChildFrame::SetupChosen);
-    connect(&bar_->SetupButton(), &QToolButton::clicked, this,
-            [this] { EditSetup(bar_->SetupBox().currentData().toString().toStdString()); });
     bar_->ShowStateButton(!isState_);
     if (isZoom_) {
         bar_->HideRunControls();
+    } else {
+        MakeCommands();
     }
-    const BoardTraits board = parts_.analyzer.Link().Traits();
-    if (!board.HasPowerZoom()) {
+    if (!HasPowerZoom()) {
         bar_->HideZoomButton();
     }
     FillSetupBox();
+}
+
+void CChildFrame::MakeCommands() {
+    const auto add = [this](QToolButton& button, CommandId id, std::function<void()> act) {
+        commands.On(id, std::move(act));
+        connect(&button, &QToolButton::clicked, this, [this, id] { commands.Do(id); });
+    };
+    add(bar_->GoButton(), CommandId::Go, [this] { OnGo(); });
+    add(bar_->StopButton(), CommandId::Stop, [this] { OnStop(); });
+    add(bar_->SetupButton(), CommandId::EditSetup,
+        [this] { EditSetup(bar_->SetupBox().currentData().toString().toStdString()); });
+    add(bar_->DisplayButton(), CommandId::SwitchDisplay, [this] { OnDisplay(); });
+    if (HasPowerZoom()) {
+        add(bar_->ZoomButton(), CommandId::PowerZoom, [this] { OnPowerZoom(); });
+    }
+    commands.On(
+        CommandId::ChooseSetup, [this] { bar_->SetupBox().showPopup(); },
+        [this] { return Trace().IsRealTime(); });
+}
+
+bool CChildFrame::HasPowerZoom() const {
+    return parts_.analyzer.Link().Traits().HasPowerZoom();
 }
 
 CTraceView& CChildFrame::TraceView() const {

@@ -52,6 +52,9 @@ public:
 private:
     [[nodiscard]] CTraceView* MakeView();
     void MakeBar();
+    /// What the buttons of the bar and their keys carry out.
+    void MakeCommands();
+    [[nodiscard]] bool HasPowerZoom() const;
     void UpdateTitle();
     void FillSetupBox();
     void SetupChosen();

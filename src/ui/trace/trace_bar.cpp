@@ -1,6 +1,7 @@
 #include "ui/trace/trace_bar.h"
 
 #include "ui/capture/position_gauge.h"
+#include "ui/framework/bar_button.h"
 #include "ui/framework/icons.h"
 #include "ui/framework/painting.h"
 
@@ -54,16 +55,19 @@ QString Counter(std::int64_t count) {
 } // namespace
 
 CTraceBar::CTraceBar(QWidget* parent)
-    : QWidget(parent), group_(new QWidget(this)), go_(AddButton("Go", "go", "Start a capture")),
-      stop_(AddButton("Stop", "stop", "Stop the capture")),
-      setup_(AddButton("Setup", "setup", "Edit the trace setup")),
-      display_(AddButton("Display", "waveform", "")),
-      zoom_(AddButton("Power Zoom", "power-zoom", "Show the Power Zoom samples")),
-      help_(AddButton("Help", "help", "Help on this window")), setupBox_(new QComboBox),
-      indicator_(new QLabel), level_(AddText("Level", "L8")), before_(AddText("Before", "0000000")),
-      after_(AddText("After", "0000000")), gauge_(new CPositionGauge) {
+    : QWidget(parent), group_(new QWidget(this)),
+      go_(MakeBarButton(CommandId::Go, "Start a capture", iconSize)),
+      stop_(MakeBarButton(CommandId::Stop, "Stop the capture", iconSize)),
+      setup_(MakeBarButton(CommandId::EditSetup, "Edit the trace setup", iconSize)),
+      display_(MakeBarButton(CommandId::SwitchDisplay, "", iconSize)),
+      zoom_(MakeBarButton(CommandId::PowerZoom, "Show the Power Zoom samples", iconSize)),
+      help_(MakeBarButton(CommandId::HelpContents, "Help on this window", iconSize)),
+      setupBox_(new QComboBox), indicator_(new QLabel), level_(AddText("Level", "L8")),
+      before_(AddText("Before", "0000000")), after_(AddText("After", "0000000")),
+      gauge_(new CPositionGauge) {
     setupBox_->setObjectName("Setup Box");
-    setupBox_->setToolTip("The setup of the next capture");
+    setupBox_->setToolTip(TipWithKey("The setup of the next capture", CommandId::ChooseSetup));
+    help_->setObjectName("Help");
     setupBox_->setMinimumContentsLength(setupBoxCharacters);
     setupBox_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setupBox_->setFocusPolicy(Qt::ClickFocus);
@@ -98,17 +102,6 @@ CTraceBar::CTraceBar(QWidget* parent)
     indicator_->setPixmap(IconOf(PictureOf(RunIndicator::Idle)).pixmap(iconSize, iconSize));
     setMinimumHeight(group_->sizeHint().height());
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-}
-
-QToolButton* CTraceBar::AddButton(const char* name, const char* icon, const QString& tip) {
-    auto* button = new QToolButton;
-    button->setObjectName(name);
-    button->setIcon(IconOf(icon));
-    button->setIconSize({iconSize, iconSize});
-    button->setToolTip(tip);
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::NoFocus);
-    return button;
 }
 
 QLabel* CTraceBar::AddText(const char* name, const QString& sample) {
@@ -199,7 +192,8 @@ void CTraceBar::SetTimes(const std::array<std::string, 3>& times) {
 
 void CTraceBar::ShowStateButton(bool leadsToState) {
     display_->setIcon(IconOf(leadsToState ? "state" : "waveform"));
-    display_->setToolTip(leadsToState ? "Show a State window" : "Show a Waveform window");
+    display_->setToolTip(TipWithKey(leadsToState ? "Show a State window" : "Show a Waveform window",
+                                    CommandId::SwitchDisplay));
 }
 
 void CTraceBar::HideRunControls() {

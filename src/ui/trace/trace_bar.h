@@ -53,7 +53,6 @@ private:
         QLabel* text = nullptr;
     };
 
-    QToolButton* AddButton(const char* name, const char* icon, const QString& tip);
     QLabel* AddText(const char* name, const QString& sample);
     void MakeTimes();
     void PlaceParts();

@@ -94,6 +94,26 @@ TEST_F(TraceDocument, MarkersAfterTheCaptureAreIgnored) {
     document.RemoveView(&view);
 }
 
+TEST_F(TraceDocument, AMarkerStepsToItsNeighboursAndStopsAtTheEnds) {
+    LoadSamples(-5, 5);
+    document.StepMarker(1, true, false);
+    EXPECT_EQ(document.Marker(1, false), -1) << "it is not set";
+    document.SetMarker(1, 9);
+    document.StepMarker(1, true, false);
+    document.StepMarker(1, true, false);
+    EXPECT_EQ(document.Marker(1, false), 10) << "the last sample";
+    document.StepMarker(1, false, false);
+    EXPECT_EQ(document.Marker(1, false), 9);
+    document.SetMarker(2, 0);
+    document.StepMarker(2, false, false);
+    EXPECT_EQ(document.Marker(2, false), 0);
+    EXPECT_EQ(document.Marker(1, false), 9) << "the other marker stays";
+    document.SetZoomMarker(1, 3);
+    document.StepMarker(1, true, true);
+    EXPECT_EQ(document.Marker(1, true), 4);
+    EXPECT_EQ(document.Marker(1, false), 9);
+}
+
 TEST_F(TraceDocument, TriggerMarkerSendsNoHint) {
     LoadSamples(-5, 5);
     document.AddView(&view);

@@ -243,6 +243,27 @@ TEST_F(SearchOfAFile, TheFilterKeepsWhatMatchesAndTheTopSample) {
     EXPECT_EQ(view.sample, 101);
 }
 
+TEST_F(SearchOfAFile, AMarkerStepsOverWhatTheFilterHides) {
+    Require(document->filterPattern, 0, true);
+    document->ApplyFilter(0);
+    ASSERT_TRUE(document->IsFiltered());
+    const std::int64_t rows = document->RowCount(false);
+    ASSERT_GE(rows, 3);
+    const auto sampleOf = [&](std::int64_t row) { return document->RowToSample(row, false); };
+    document->SetMarker(1, sampleOf(0));
+    document->StepMarker(1, true, false);
+    EXPECT_EQ(document->Marker(1, false), sampleOf(1));
+    // From a hidden sample to the displayed ones beside it.
+    ASSERT_GT(sampleOf(1), sampleOf(0) + 1);
+    const std::int64_t hidden = sampleOf(0) + 1;
+    document->SetMarker(1, hidden);
+    document->StepMarker(1, true, false);
+    EXPECT_EQ(document->Marker(1, false), sampleOf(1));
+    document->SetMarker(1, hidden);
+    document->StepMarker(1, false, false);
+    EXPECT_EQ(document->Marker(1, false), sampleOf(0));
+}
+
 TEST_F(SearchOfAFile, AFilterWithoutAMatchShowsNoRowsAndTheNextRestoresAll) {
     Require(document->filterPattern, 11, true);
     document->ApplyFilter(100);

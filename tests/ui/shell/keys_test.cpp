@@ -1,0 +1,356 @@
+// The keys of the windows, through real key events.
+
+#include "support/program_fixture_qt.h"
+#include "ui/display/trace_view.h"
+#include "ui/framework/bar_button.h"
+#include "ui/framework/go_stop_child.h"
+#include "ui/shell/key_list.h"
+#include "ui/shell/keys_window.h"
+#include "ui/trace/child_frame.h"
+#include "ui/trace/trace_bar.h"
+#include "ui/tracesetup/trace_setup_dialog.h"
+
+#include <QAbstractItemView>
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QToolBar>
+#include <QToolButton>
+#include <QTreeWidget>
+
+namespace busquill::test {
+namespace {
+
+class Keys : public ProgramFixture {
+protected:
+    Keys() {
+        StartDemo();
+        Frame().show();
+    }
+    QMdiSubWindow& Active() { return *Frame().Area().activeSubWindow(); }
+    CChildFrame& TraceFrame() { return dynamic_cast<CChildFrame&>(Active()); }
+    CTesselDoc& Trace() { return TraceFrame().Trace(); }
+    CTraceView& View() { return TraceFrame().TraceView(); }
+    void OpenFile(const char* name) {
+        ASSERT_NE(program->App().OpenDocumentFile(dir.File(name)), nullptr);
+        QApplication::processEvents();
+    }
+    /// An empty trace that is connected to the board, without stored captures.
+    void OpenLive(const QString& kind = "State") {
+        std::filesystem::remove(dir.File("Trigger1.tra"));
+        std::filesystem::remove(dir.File("Trigger2.tra"));
+        Choose("File/New/Capture/" + kind);
+        ASSERT_TRUE(Trace().IsRealTime());
+    }
+    /// Types a key where the focus is.
+    void Type(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QApplication::setActiveWindow(&Frame()); // no window manager does so after a dialog
+        Frame().RefreshCommands(); // the program does so before it waits for the next key
+        QWidget* focus = QApplication::focusWidget();
+        QTest::keyClick(focus != nullptr ? focus : &Frame(), key, modifiers);
+        QApplication::processEvents();
+    }
+    QString TipOf(const QString& button) { return ButtonOf(Active(), button).toolTip(); }
+};
+
+constexpr const char* goStopWindows[] = {
+    "File/New/Performance/Utilization", "File/New/Exerciser/Master",
+    "File/New/Exerciser/Stimulus",      "File/New/Target",
+    "File/New/Compliance Tests",        "File/New/Anomaly Detection",
+    "File/New/Backplane Test"};
+
+TEST_F(Keys, F5IsGoAndShiftF5IsStopInEachWindowThatHasThem) {
+    for (const char* path : goStopWindows) {
+        SCOPED_TRACE(path);
+        Choose(path);
+        auto& window = dynamic_cast<CGoStopChild&>(Active());
+        std::string done;
+        window.go = [&] { done += "go "; };
+        window.stop = [&] { done += "stop "; };
+        Type(Qt::Key_F5);
+        Type(Qt::Key_F5, Qt::ShiftModifier);
+        Press(window, "Go");
+        Press(window, "Stop");
+        EXPECT_EQ(done, "go stop go stop ");
+        EXPECT_EQ(TipOf("Go"), "Go (F5)");
+        EXPECT_EQ(TipOf("Stop"), "Stop (Shift+F5)");
+    }
+}
+
+TEST_F(Keys, F5ReachesTheActiveWindowOnlyAlsoFromAFieldOfItsForm) {
+    Choose("File/New/Target");
+    auto& other = dynamic_cast<CGoStopChild&>(Active());
+    Choose("File/New/Exerciser/Master");
+    auto& window = dynamic_cast<CGoStopChild&>(Active());
+    int goes = 0;
+    int others = 0;
+    window.go = [&] { ++goes; };
+    other.go = [&] { ++others; };
+    for (auto* field : window.findChildren<QLineEdit*>()) {
+        if (field->isVisible() && field->isEnabled()) {
+            field->setFocus();
+            Type(Qt::Key_F5);
+            EXPECT_EQ(QApplication::focusWidget(), field) << "typing goes on there";
+            break;
+        }
+    }
+    EXPECT_EQ(goes, 1);
+    EXPECT_EQ(others, 0);
+}
+
+TEST_F(Keys, WithoutAWindowTheyDoNothing) {
+    for (const Qt::Key key : {Qt::Key_F5, Qt::Key_F6, Qt::Key_F7, Qt::Key_F9}) {
+        Type(key);
+        Type(key, Qt::ShiftModifier);
+    }
+    EXPECT_TRUE(Windows().isEmpty());
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+}
+
+TEST_F(Keys, F6OpensTheSetupOfTheWindow) {
+    OpenLive();
+    AnswerDialog<CTraceSetupDialog>([&] { Type(Qt::Key_F6); }, [](CTraceSetupDialog&) {});
+    EXPECT_EQ(TipOf("Setup"), "Edit the trace setup (F6)");
+    Choose("File/New/Performance/Statistics");
+    AnswerDialog<QDialog>([&] { Type(Qt::Key_F6); },
+                          [](QDialog& dialog) { Press(dialog, "Cancel"); });
+    EXPECT_EQ(TipOf("Setup"), "Edit the setup (F6)");
+}
+
+TEST_F(Keys, ShiftF6OpensTheListOfSetupsWhichEnterChoosesFrom) {
+    std::filesystem::copy(SourceFile("data/MemoryWrite.tsp"), dir.File("MemoryWrite.tsp"));
+    OpenLive();
+    QComboBox& box = TraceFrame().Bar().SetupBox();
+    ASSERT_EQ(box.count(), 2);
+    QWidget* const before = QApplication::focusWidget();
+    Type(Qt::Key_F6, Qt::ShiftModifier);
+    ASSERT_TRUE(box.view()->isVisible());
+    QTest::keyClick(box.view(), Qt::Key_Escape);
+    EXPECT_FALSE(box.view()->isVisible());
+    EXPECT_EQ(QApplication::focusWidget(), before);
+    Type(Qt::Key_F6, Qt::ShiftModifier);
+    QTest::keyClick(box.view(), Qt::Key_End);
+    QTest::keyClick(box.view(), Qt::Key_Return);
+    EXPECT_EQ(QString::fromStdString(Trace().setupName), box.itemText(1));
+    EXPECT_EQ(box.toolTip(), "The setup of the next capture (Shift+F6)");
+    Choose("File/New/Performance/Statistics");
+    Type(Qt::Key_F6, Qt::ShiftModifier);
+    EXPECT_TRUE(Active().findChild<QComboBox*>("Setup Box")->view()->isVisible());
+}
+
+TEST_F(Keys, TheSetupOfASavedTraceCannotBeExchanged) {
+    OpenFile("Trigger2.tra");
+    Type(Qt::Key_F6, Qt::ShiftModifier);
+    EXPECT_FALSE(TraceFrame().Bar().SetupBox().view()->isVisible());
+}
+
+TEST_F(Keys, F7AndF8PutTheMarkersInTheMiddleOfTheDisplay) {
+    for (const char* file : {"Trigger1.tra", "Trigger2.tra"}) {
+        SCOPED_TRACE(file);
+        OpenFile(file);
+        Type(Qt::Key_End, Qt::ControlModifier);
+        const std::int64_t middle = View().CenterSample();
+        ASSERT_GT(middle, 0);
+        Type(Qt::Key_F7);
+        EXPECT_EQ(Trace().Marker(1, false), middle);
+        EXPECT_EQ(Trace().Marker(2, false), -1);
+        Type(Qt::Key_Home, Qt::ControlModifier);
+        const std::int64_t first = View().CenterSample();
+        ASSERT_NE(first, middle);
+        Type(Qt::Key_F8);
+        EXPECT_EQ(Trace().Marker(2, false), first);
+        EXPECT_EQ(Trace().Marker(1, false), middle);
+        Type(Qt::Key_F8); // removes it, as a second click does
+        EXPECT_EQ(Trace().Marker(2, false), -1);
+    }
+}
+
+TEST_F(Keys, AltAndTheArrowsMoveMarker1AndWithShiftMarker2) {
+    OpenFile("Trigger1.tra");
+    Trace().SetMarker(1, 20);
+    Trace().SetMarker(2, 30);
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers with = {}) {
+        Type(key, Qt::AltModifier | with);
+        return std::pair(Trace().Marker(1, false), Trace().Marker(2, false));
+    };
+    EXPECT_EQ(press(Qt::Key_Right), std::pair(21L, 30L));
+    EXPECT_EQ(press(Qt::Key_Left), std::pair(20L, 30L));
+    EXPECT_EQ(press(Qt::Key_Left), std::pair(19L, 30L));
+    EXPECT_EQ(press(Qt::Key_Right, Qt::ShiftModifier), std::pair(19L, 31L));
+    EXPECT_EQ(press(Qt::Key_Left, Qt::ShiftModifier), std::pair(19L, 30L));
+}
+
+TEST_F(Keys, AMarkerThatLeavesTheDisplayTakesItAlong) {
+    OpenFile("Trigger2.tra");
+    Type(Qt::Key_Home, Qt::ControlModifier);
+    ASSERT_EQ(View().TopSample(), 0);
+    Type(Qt::Key_F7);
+    int presses = 0;
+    while (View().TopSample() == 0 && presses < 200) {
+        Type(Qt::Key_Right, Qt::AltModifier);
+        ++presses;
+    }
+    EXPECT_GT(presses, 2);
+    EXPECT_LT(presses, 200);
+    EXPECT_EQ(View().CenterSample(), Trace().Marker(1, false));
+}
+
+TEST_F(Keys, InPowerZoomTheyMoveItsOwnMarkers) {
+    OpenFile("Trigger1.tra");
+    ASSERT_EQ(Windows().size(), 2) << "the file has Power Zoom samples";
+    Frame().Area().setActiveSubWindow(Windows().last());
+    ASSERT_TRUE(TraceFrame().IsZoomFrame());
+    Type(Qt::Key_F7);
+    const std::int64_t marker = Trace().Marker(1, true);
+    EXPECT_EQ(marker, View().CenterSample());
+    Type(Qt::Key_Right, Qt::AltModifier);
+    EXPECT_EQ(Trace().Marker(1, true), marker + 1);
+    EXPECT_EQ(Trace().Marker(1, false), -1);
+    // It has no Go, no setup and no other display.
+    for (const Qt::Key key : {Qt::Key_F5, Qt::Key_F6, Qt::Key_F9}) {
+        Type(key);
+        Type(key, Qt::ShiftModifier);
+    }
+    EXPECT_EQ(Windows().size(), 2);
+}
+
+TEST_F(Keys, F9SwitchesTheDisplayAndShiftF9OpensPowerZoom) {
+    OpenFile("Trigger2.tra");
+    ASSERT_TRUE(TraceFrame().IsStateFrame());
+    EXPECT_EQ(TipOf("Display"), "Show a Waveform window (F9)");
+    AnswerDialog<QDialog>([&] { Type(Qt::Key_F9); },
+                          [](QDialog& question) { Press(question, "OK"); }); // the same window
+    EXPECT_FALSE(TraceFrame().IsStateFrame());
+    EXPECT_EQ(TipOf("Display"), "Show a State window (F9)");
+    const qsizetype windows = Windows().size();
+    EXPECT_EQ(TipOf("Power Zoom"), "Show the Power Zoom samples (Shift+F9)");
+    Type(Qt::Key_F9, Qt::ShiftModifier);
+    ASSERT_EQ(Windows().size(), windows + 1);
+    EXPECT_TRUE(dynamic_cast<CChildFrame&>(*Windows().last()).IsZoomFrame());
+}
+
+TEST_F(Keys, TheToolBarNamesTheKeys) {
+    auto* bar = Frame().findChild<QToolBar*>("Toolbar");
+    int keys = 0;
+    for (const CommandId id : ToolbarButtons()) {
+        const QStringList names = id == CommandId::None ? QStringList() : KeysOf(id);
+        if (!names.isEmpty()) {
+            const QString& key = names.first();
+            bool named = false;
+            for (const QAction* action : bar->actions()) {
+                named |= action->toolTip().endsWith(" (" + key + ")");
+            }
+            EXPECT_TRUE(named) << key.toStdString();
+            ++keys;
+        }
+    }
+    EXPECT_GT(keys, 10);
+}
+
+TEST_F(Keys, CtrlTabAndCtrlF4AreForTheWindows) {
+    OpenFile("Trigger2.tra");
+    QMdiSubWindow* const first = &Active();
+    Choose("File/New/Target");
+    QMdiSubWindow* const second = &Active();
+    ASSERT_NE(first, second);
+    Type(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(&Active(), first);
+    Type(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(&Active(), second);
+    Type(Qt::Key_F4, Qt::ControlModifier);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(Windows().size(), 1);
+}
+
+/// The list of keys.
+class ListOfKeys : public Keys {
+protected:
+    static KeysWindow* Window() {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (auto* keys = qobject_cast<KeysWindow*>(window)) {
+                return keys;
+            }
+        }
+        return nullptr;
+    }
+    /// Its lines, "place: keys: what they do".
+    static QStringList Lines() {
+        QStringList lines;
+        const auto& list = *Window()->findChild<QTreeWidget*>("Keys");
+        for (int i = 0; i < list.topLevelItemCount(); ++i) {
+            const QTreeWidgetItem& place = *list.topLevelItem(i);
+            for (int k = 0; k < place.childCount(); ++k) {
+                lines << place.text(0) + ": " + place.child(k)->text(0) + ": " +
+                             place.child(k)->text(1);
+            }
+        }
+        return lines;
+    }
+};
+
+TEST_F(ListOfKeys, ShiftF1OpensItAndEscClosesIt) {
+    EXPECT_EQ(Window(), nullptr);
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    ASSERT_NE(Window(), nullptr);
+    EXPECT_TRUE(Window()->isVisible());
+    EXPECT_FALSE(Window()->isModal()) << "the keys are tried beside it";
+    QTest::keyClick(Window(), Qt::Key_Escape);
+    EXPECT_FALSE(Window()->isVisible());
+    OpenFile("Trigger2.tra");
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    EXPECT_TRUE(Window()->isVisible());
+}
+
+TEST_F(ListOfKeys, HasEachKeyOfTheMenusAndTheActiveWindow) {
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    const QStringList lines = Lines();
+    EXPECT_TRUE(lines.contains("Menu File: Ctrl+S: Save the active document"));
+    EXPECT_TRUE(lines.contains("Menu View: Ctrl++, Ctrl+=: Show fewer samples"));
+    EXPECT_TRUE(lines.contains("Active window: Shift+F5: Stop it"));
+    EXPECT_TRUE(lines.contains("Waveforms: Page Up, Page Down: As many samples as fit"));
+    // Whatever action has a key is in it.
+    int keys = 0;
+    for (const QAction* action : Frame().findChildren<QAction*>()) {
+        for (const QKeySequence& key : action->shortcuts()) {
+            if (action->statusTip().isEmpty()) {
+                continue; // of a window's own menu
+            }
+            const QString name = key.toString(QKeySequence::NativeText);
+            EXPECT_EQ(lines.filter(action->statusTip()).filter(name).size(), 1)
+                << name.toStdString();
+            ++keys;
+        }
+    }
+    EXPECT_GT(keys, 30);
+}
+
+TEST_F(ListOfKeys, NamesThePathOfAnEntry) {
+    for (const KeyLine& line : AllKeys()) {
+        QString path = line.entry;
+        path.replace(" > ", "/");
+        if (!path.isEmpty()) {
+            EXPECT_TRUE(FindEntry(Frame(), path) != nullptr ||
+                        FindEntry(Frame(), path + "...") != nullptr)
+                << path.toStdString();
+        }
+    }
+}
+
+TEST_F(ListOfKeys, ThePageOfKeysInTheManualHasThemAll) {
+    QFile file(QString::fromStdString(SourceFile("docs/manual/keys.md")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QStringList inManual;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split('\n')) {
+        if (line.startsWith("| ")) {
+            inManual << line.section('|', 1, 1).trimmed().split(", ");
+        }
+    }
+    for (const KeyLine& line : AllKeys()) {
+        for (const QString& key : line.keys.split(", ")) {
+            EXPECT_TRUE(inManual.contains(key)) << key.toStdString();
+        }
+    }
+}
+
+} // namespace
+} // namespace busquill::test
