@@ -559,6 +559,14 @@ void CTraceView::Zoom(bool in) {
     }
 }
 
+void CTraceView::ZoomAt(bool in, int x) {
+    if (CanZoom(in)) {
+        wave_->SetZoomAt(in ? ZoomedIn(wave_->Zoom()) : ZoomedOut(wave_->Zoom()), x);
+        ShowZoom();
+        Synchronise();
+    }
+}
+
 void CTraceView::Synchronise() {
     ReportWindow();
     for (DocumentView* other : std::vector(Trace().Views())) {
@@ -609,14 +617,15 @@ void CTraceView::wheelEvent(QWheelEvent* event) {
     if (GetDocument() == nullptr) {
         return;
     }
-    const auto [sideways, notches] = wheel_.Take(*event);
+    const auto [sideways, notches, zooms] = wheel_.Take(*event);
     if (sideways && isState_) {
         MoveColumns(notches);
         return;
     }
+    const int x = display_->mapFromGlobal(event->globalPosition()).toPoint().x();
     // In waveforms, too, a sideways turn moves the samples.
     for (int i = 0; i < std::abs(notches); ++i) {
-        StepSamples(notches > 0);
+        zooms && !isState_ ? ZoomAt(notches < 0, x) : StepSamples(notches > 0);
     }
 }
 

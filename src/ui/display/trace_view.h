@@ -77,6 +77,8 @@ public:
     /// Only waveforms can be zoomed, within limits.
     [[nodiscard]] bool CanZoom(bool in) const;
     void Zoom(bool in);
+    /// Zooms by one step and keeps the sample at `x` of the waves where it is.
+    void ZoomAt(bool in, int x);
 
     /// Asks for a range of samples and prints it, or shows it in the preview.
     void Print(bool preview);

@@ -130,6 +130,14 @@ void CWaveformWnd::SetZoom(int zoom) {
     RenderWaves();
 }
 
+void CWaveformWnd::SetZoomAt(int zoom, int x) {
+    const WaveScale scale = Scale();
+    if (x >= scale.left && place_.row + scale.SpanAt(x).first < RowCount()) {
+        place_ = scale.PlaceAfterZoom(place_.row, x, zoom);
+    }
+    SetZoom(zoom);
+}
+
 // Along the signals.
 
 int CWaveformWnd::BandsRoom() const {

@@ -21,6 +21,8 @@ public:
     [[nodiscard]] int Zoom() const noexcept { return zoom_; }
     /// Keeps the first sample at the left edge.
     void SetZoom(int zoom);
+    /// Keeps the sample that shows at `x` there; the first one, if none shows at `x`.
+    void SetZoomAt(int zoom, int x);
     [[nodiscard]] const WavePlace& Place() const noexcept { return place_; }
     [[nodiscard]] const BandPlace& Top() const noexcept { return top_; }
     [[nodiscard]] int NameWidth() const noexcept { return nameWidth_; }
