@@ -163,7 +163,7 @@ TEST_F(Waveforms, ArrowKeysAndTheWheelMoveByFourPixels) {
 }
 
 TEST_F(Waveforms, TheWheelWithCtrlZoomsAtThePointer) {
-    Open();
+    Open(-5000, 4999);
     const auto sampleAt = [&](int d) {
         const WaveScale scale{window->Zoom(), window->Place().subPixel, WaveLeft(),
                               window->width()};
