@@ -2,6 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "ui/display/print_painter.h"
+#include "ui/display/sample_tip.h"
 #include "ui/display/state_geometry.h"
 
 #include <algorithm>
@@ -93,6 +94,34 @@ void CStateWnd::RenderNames() {
 StateFrame CStateWnd::Frame() {
     return {*document_, *list_,           isZoom_, list_->Tables().Board(), Colors(),
             size(),     header_.fixedEnd, topRow_, header_.offset,          ScreenState(fonts_)};
+}
+
+PlaceTip CStateWnd::CellTip(const QPoint& place) {
+    const std::int64_t row = RowAt(place.y());
+    if (place.y() < tableFirstRow || row >= RowCount()) {
+        return {};
+    }
+    const int top = place.y() - (place.y() - tableFirstRow) % stateRowPitch;
+    QRect cell(0, top, header_.fixedEnd, stateRowPitch);
+    const CSignal* signal = nullptr;
+    for (const TableColumn& column : Columns().Visible()) {
+        const QRect shown = column.Cell(top, stateRowPitch);
+        if (place.x() > header_.fixedEnd && shown.contains(place)) {
+            signal = &(*list_)[column.signal];
+            cell = shown;
+        }
+    }
+    if (signal == nullptr && place.x() > header_.fixedEnd) {
+        return {}; // beside the columns
+    }
+    const StateFrame frame = Frame();
+    const FrameTimes times(frame);
+    const std::int64_t above = row > topRow_ ? SampleOfRow(row - 1) : 0;
+    return {SampleTip({*document_, *list_, isZoom_, row, row}, signal,
+                      [&](std::int64_t sample) {
+                          return RowTexts(frame, times, sample, above).Of(*signal);
+                      }),
+            cell};
 }
 
 void CStateWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

@@ -39,6 +39,7 @@ public:
 protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
+    [[nodiscard]] PlaceTip CellTip(const QPoint& place) override;
     /// Sets a marker on the row at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     [[nodiscard]] std::uint32_t OfferMode() const override;

@@ -65,6 +65,10 @@ protected:
     void Draw(QPainter& painter) final;
     /// True after the user has changed the colours.
     [[nodiscard]] bool IsOutdated() const override;
+    /// The names as in any table; elsewhere what CellTip says.
+    [[nodiscard]] PlaceTip TipAt(const QPoint& place) final;
+    /// The tip of a place outside the names, for a document that has rows.
+    [[nodiscard]] virtual PlaceTip CellTip(const QPoint& place) = 0;
     /// Draws a frame of the document.
     virtual void DrawFrame(QPainter& painter) = 0;
     [[nodiscard]] const DisplayColors& Colors() const noexcept { return colors_; }

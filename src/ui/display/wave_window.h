@@ -51,6 +51,8 @@ protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
     [[nodiscard]] bool AimAtNames(const QPoint& place) override;
+    [[nodiscard]] PlaceTip NameTip(const CSignal& signal, int start) const override;
+    [[nodiscard]] PlaceTip CellTip(const QPoint& place) override;
     /// Sets a marker on the sample at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     void ShowCursor(const QPoint& place) override;
@@ -70,6 +72,7 @@ private:
     /// The row for a click at `x` in the waves.
     [[nodiscard]] std::int64_t RowAt(int x) const;
     [[nodiscard]] int BandsRoom() const;
+    [[nodiscard]] std::optional<WaveBand> BandAt(int y) const;
     [[nodiscard]] WaveFrame Frame();
     void SetPlace(const WavePlace& place);
     void SetTop(const BandPlace& top);
