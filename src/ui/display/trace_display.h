@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 class QPrinter;
 
@@ -51,6 +52,12 @@ public:
 
     /// Prints samples as they are shown. The display is attached.
     [[nodiscard]] virtual PrintFailure Print(QPrinter& printer, const PrintJob& job) = 0;
+
+    /// Whether there is something to copy.
+    [[nodiscard]] virtual bool CanCopy() const = 0;
+    /// Puts what is marked, or shown, on the clipboard. An error message if that cannot be done,
+    /// empty on success.
+    [[nodiscard]] virtual std::string Copy() = 0;
 
     /// Draws again what depends on the markers.
     virtual void RenderMarkers() { Render(); }

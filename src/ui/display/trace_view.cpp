@@ -3,6 +3,7 @@
 #include "capture/trace_document.h"
 #include "capture/trace_search.h"
 #include "link/analyzer_link.h"
+#include "platform/prompts.h"
 #include "platform/settings.h"
 #include "platform/working_directory.h"
 #include "signals/cell_text.h"
@@ -112,6 +113,8 @@ void CTraceView::MakeCommands() {
             in ? CommandId::ZoomIn : CommandId::ZoomOut, [this, in] { Zoom(in); },
             [this, in] { return CanZoom(in); });
     }
+    commands.On(
+        CommandId::Copy, [this] { Copy(); }, [this] { return display_->CanCopy(); });
     commands.On(CommandId::Print, [this] { Print(false); });
     commands.On(CommandId::PrintPreview, [this] { Print(true); });
     // A capture from a file never changes; Save As makes a copy.
@@ -220,6 +223,17 @@ void CTraceView::Filter() {
     }
     const WaitCursor wait;
     Trace().ApplyFilter(TopSample());
+}
+
+void CTraceView::Copy() {
+    std::string failure;
+    {
+        const WaitCursor wait;
+        failure = display_->Copy();
+    }
+    if (!failure.empty() && parts_.prompts != nullptr) {
+        parts_.prompts->Message(failure);
+    }
 }
 
 void CTraceView::Print(bool preview) {

@@ -80,6 +80,9 @@ public:
     /// Zooms by one step and keeps the sample at `x` of the waves where it is.
     void ZoomAt(bool in, int x);
 
+    /// Copies the marked rows of a listing, or the picture of waveforms.
+    void Copy();
+
     /// Asks for a range of samples and prints it, or shows it in the preview.
     void Print(bool preview);
     /// Prints samples in the pages that the printer is set to.

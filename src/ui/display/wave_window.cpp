@@ -7,6 +7,8 @@
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -205,6 +207,11 @@ void CWaveformWnd::RenderWaves() {
 
 PrintFailure CWaveformWnd::Print(QPrinter& printer, const PrintJob& job) {
     return PrintWaves(printer, Frame(), job);
+}
+
+std::string CWaveformWnd::Copy() {
+    QGuiApplication::clipboard()->setImage(grab().toImage());
+    return {};
 }
 
 void CWaveformWnd::RenderNames() {

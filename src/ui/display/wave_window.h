@@ -40,6 +40,9 @@ public:
     void PageSamples(bool forward) override;
     void MoveSamplesTo(int position) override;
     [[nodiscard]] PrintFailure Print(QPrinter& printer, const PrintJob& job) override;
+    [[nodiscard]] bool CanCopy() const override { return RowCount() > 0; }
+    /// The picture of the window.
+    [[nodiscard]] std::string Copy() override;
     [[nodiscard]] BarState SignalBar() const override;
     void StepSignals(bool forward) override;
     void PageSignals(bool forward) override;
