@@ -10,14 +10,19 @@
 
 namespace busquill::test {
 
-/// Turns the wheel over a window, in eighths of a degree: 120 are a notch. Like the system, it
-/// sends the event to the window under the pointer, which passes it on.
-inline void TurnWheel(QWidget& window, QPoint delta, Qt::KeyboardModifiers keys = {}) {
-    const QPointF at = window.rect().center();
+/// Turns the wheel at a place of a window, in eighths of a degree: 120 are a notch. Like the
+/// system, it sends the event to the window under the pointer, which passes it on.
+inline void TurnWheelAt(QWidget& window, QPointF at, QPoint delta,
+                        Qt::KeyboardModifiers keys = {}) {
     QWheelEvent event(at, window.mapToGlobal(at), {}, delta, Qt::NoButton, keys, Qt::NoScrollPhase,
                       false);
     QSpontaneKeyEvent::setSpontaneous(&event);
     qApp->notify(&window, &event);
+}
+
+/// The same in the middle of the window.
+inline void TurnWheel(QWidget& window, QPoint delta, Qt::KeyboardModifiers keys = {}) {
+    TurnWheelAt(window, window.rect().center(), delta, keys);
 }
 
 /// The rectangle of a part of a scroll bar.

@@ -211,6 +211,16 @@ bool CTesselDoc::IsValidSample(std::int64_t sample, bool zoom) const noexcept {
     return sample >= 0 && arrived_.Test(static_cast<std::size_t>(sample));
 }
 
+bool CTesselDoc::HasAllSamples(std::int64_t first, std::int64_t last, bool zoom) const {
+    for (std::int64_t sample = first; sample <= last; ++sample) {
+        const bool isLeftOut = !zoom && TestBit(excludedBits, static_cast<std::size_t>(sample));
+        if (isLeftOut || !IsValidSample(sample, zoom)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 std::int64_t CTesselDoc::Marker(int which, bool zoom) const noexcept {
     return (zoom ? zoomMarkers_ : markers_)[which];
 }

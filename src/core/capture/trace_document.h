@@ -147,6 +147,8 @@ public:
     [[nodiscard]] bool IsRowSample(std::int64_t sample, bool zoom) const noexcept;
     /// Whether the sample has arrived.
     [[nodiscard]] bool IsValidSample(std::int64_t sample, bool zoom) const noexcept;
+    /// Whether all samples from one to another have arrived and none is missing in the file.
+    [[nodiscard]] bool HasAllSamples(std::int64_t first, std::int64_t last, bool zoom) const;
     [[nodiscard]] bool IsFiltered() const noexcept {
         return rows_.RowCount() != rows_.SampleCount();
     }

@@ -141,26 +141,23 @@ private:
         if (!valid) {
             return;
         }
-        const auto record = frame_.document.GetSample(sample, frame_.zoom);
-        const ListedSample listed{static_cast<std::size_t>(sample),
-                                  frame_.document.FirstSampleNumber(frame_.zoom) + sample,
-                                  record ? &*record : nullptr, times_.At(sample, previous)};
+        const RowTexts texts(frame_, times_, sample, previous);
         ClipToColumns();
         for (const TableColumn& column : visible_) {
             const QRect cell = column.Cell(y, frame_.style.rowText);
             if (color) {
                 Fill(cell, *color);
             }
-            DrawCell(cell, frame_.list[column.signal], ground, row, sample, listed);
+            DrawCell(cell, frame_.list[column.signal], ground, row, sample, texts);
         }
     }
 
     void DrawCell(const QRect& cell, const CSignal& signal, std::uint32_t ground, std::int64_t row,
-                  std::int64_t sample, const ListedSample& listed) {
+                  std::int64_t sample, const RowTexts& texts) {
         painter_.setPen(Ink(signal.color, ground));
-        const std::string text = CellText(frame_.board, signal, listed, frame_.zoom);
         // A value without its sign or its first digits could be mistaken for another one.
-        DrawCellText(painter_, cell.adjusted(style_.Length(2), 0, -style_.Length(2), 0), ToQt(text),
+        DrawCellText(painter_, cell.adjusted(style_.Length(2), 0, -style_.Length(2), 0),
+                     ToQt(texts.Of(signal)),
                      IsLeftAligned(signal) ? CellAlign::Left : CellAlign::Center, true);
         if (IsKind(signal, DecodeKind::Delta)) {
             DrawDelta(cell, row, sample, Ink(black, ground));
@@ -257,6 +254,13 @@ RowTimes FrameTimes::At(std::int64_t sample, std::int64_t above) const {
     }
     return times;
 }
+
+RowTexts::RowTexts(const StateFrame& frame, const FrameTimes& times, std::int64_t sample,
+                   std::int64_t above)
+    : frame_(frame), record_(frame.document.GetSample(sample, frame.zoom)),
+      listed_{static_cast<std::size_t>(sample),
+              frame.document.FirstSampleNumber(frame.zoom) + sample, record_ ? &*record_ : nullptr,
+              times.At(sample, above)} {}
 
 void DrawStateHeader(QPainter& painter, const StateFrame& frame) {
     Drawing(painter, frame).DrawHeaderOnly();

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <string>
 
 class QPainter;
 
@@ -55,7 +56,7 @@ public:
     FrameTimes(const FrameTimes&) = delete;
     FrameTimes& operator=(const FrameTimes&) = delete;
 
-    /// `above` is the sample of the row above, 0 for the first row.
+    /// `above` is the sample of the row above, 0 for the first row of a frame.
     [[nodiscard]] RowTimes At(std::int64_t sample, std::int64_t above) const;
 
 private:
@@ -63,6 +64,25 @@ private:
     const std::int64_t trigger_;
     bool showsAccum_ = false;
     bool showsTime_ = false;
+};
+
+/// The texts in the row of a sample that has arrived.
+class RowTexts {
+public:
+    /// The frame outlives the object; `above` as for FrameTimes::At.
+    RowTexts(const StateFrame& frame, const FrameTimes& times, std::int64_t sample,
+             std::int64_t above);
+    RowTexts(const RowTexts&) = delete;
+    RowTexts& operator=(const RowTexts&) = delete;
+
+    [[nodiscard]] std::string Of(const CSignal& signal) const {
+        return CellText(frame_.board, signal, listed_, frame_.zoom);
+    }
+
+private:
+    const StateFrame& frame_;
+    const std::optional<SampleRecord> record_;
+    const ListedSample listed_;
 };
 
 /// Draws only the header.

@@ -36,14 +36,29 @@ public:
     void MoveSamplesTo(int position) override;
     [[nodiscard]] PrintFailure Print(QPrinter& printer, const PrintJob& job) override;
 
+    /// The rows that can be copied at once; more would be slow to paste.
+    static constexpr std::int64_t mostCopiedRows = 100'000;
+    /// Whether a marker is set.
+    [[nodiscard]] bool CanCopy() const override;
+    /// The rows between the markers as text, or the row of the one that is set.
+    [[nodiscard]] std::string Copy() override;
+
 protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
+    [[nodiscard]] PlaceTip CellTip(const QPoint& place) override;
     /// Sets a marker on the row at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     [[nodiscard]] std::uint32_t OfferMode() const override;
 
 private:
+    /// Rows from `first` to `last`.
+    struct RowSpan {
+        std::int64_t first = 0;
+        std::int64_t last = 0;
+    };
+    /// Those with the markers and between them, without markers none.
+    [[nodiscard]] std::optional<RowSpan> MarkedRows() const;
     /// The row at a height in the window, below the header.
     [[nodiscard]] std::int64_t RowAt(int y) const;
     void SetTopRow(std::int64_t row);

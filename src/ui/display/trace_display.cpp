@@ -29,6 +29,13 @@ void TraceDisplay::Draw(QPainter& painter) {
     }
 }
 
+PlaceTip TraceDisplay::TipAt(const QPoint& place) {
+    if (RowCount() == 0 || AimAtNames(place)) {
+        return TableWindow::TipAt(place);
+    }
+    return CellTip(place);
+}
+
 bool TraceDisplay::IsOutdated() const {
     return LoadDisplayColors(settings_, colorSettings_) != colors_;
 }

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 class QPrinter;
 
@@ -52,6 +53,12 @@ public:
     /// Prints samples as they are shown. The display is attached.
     [[nodiscard]] virtual PrintFailure Print(QPrinter& printer, const PrintJob& job) = 0;
 
+    /// Whether there is something to copy.
+    [[nodiscard]] virtual bool CanCopy() const = 0;
+    /// Puts what is marked, or shown, on the clipboard. An error message if that cannot be done,
+    /// empty on success.
+    [[nodiscard]] virtual std::string Copy() = 0;
+
     /// Draws again what depends on the markers.
     virtual void RenderMarkers() { Render(); }
     /// Samples have arrived or the list has changed.
@@ -65,6 +72,10 @@ protected:
     void Draw(QPainter& painter) final;
     /// True after the user has changed the colours.
     [[nodiscard]] bool IsOutdated() const override;
+    /// The names as in any table; elsewhere what CellTip says.
+    [[nodiscard]] PlaceTip TipAt(const QPoint& place) final;
+    /// The tip of a place outside the names, for a document that has rows.
+    [[nodiscard]] virtual PlaceTip CellTip(const QPoint& place) = 0;
     /// Draws a frame of the document.
     virtual void DrawFrame(QPainter& painter) = 0;
     [[nodiscard]] const DisplayColors& Colors() const noexcept { return colors_; }

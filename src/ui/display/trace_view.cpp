@@ -3,6 +3,7 @@
 #include "capture/trace_document.h"
 #include "capture/trace_search.h"
 #include "link/analyzer_link.h"
+#include "platform/prompts.h"
 #include "platform/settings.h"
 #include "platform/working_directory.h"
 #include "signals/cell_text.h"
@@ -132,6 +133,8 @@ void CTraceView::MakeCommands() {
             in ? CommandId::ZoomIn : CommandId::ZoomOut, [this, in] { Zoom(in); },
             [this, in] { return CanZoom(in); });
     }
+    commands.On(
+        CommandId::Copy, [this] { Copy(); }, [this] { return display_->CanCopy(); });
     commands.On(CommandId::Print, [this] { Print(false); });
     commands.On(CommandId::PrintPreview, [this] { Print(true); });
     // A capture from a file never changes; Save As makes a copy.
@@ -244,6 +247,17 @@ void CTraceView::Filter() {
     }
     const WaitCursor wait;
     Trace().ApplyFilter(TopSample());
+}
+
+void CTraceView::Copy() {
+    std::string failure;
+    {
+        const WaitCursor wait;
+        failure = display_->Copy();
+    }
+    if (!failure.empty() && parts_.prompts != nullptr) {
+        parts_.prompts->Message(failure);
+    }
 }
 
 void CTraceView::Print(bool preview) {
@@ -583,6 +597,14 @@ void CTraceView::Zoom(bool in) {
     }
 }
 
+void CTraceView::ZoomAt(bool in, int x) {
+    if (CanZoom(in)) {
+        wave_->SetZoomAt(in ? ZoomedIn(wave_->Zoom()) : ZoomedOut(wave_->Zoom()), x);
+        ShowZoom();
+        Synchronise();
+    }
+}
+
 void CTraceView::Synchronise() {
     ReportWindow();
     for (DocumentView* other : std::vector(Trace().Views())) {
@@ -633,14 +655,15 @@ void CTraceView::wheelEvent(QWheelEvent* event) {
     if (GetDocument() == nullptr) {
         return;
     }
-    const auto [sideways, notches] = wheel_.Take(*event);
+    const auto [sideways, notches, zooms] = wheel_.Take(*event);
     if (sideways && isState_) {
         MoveColumns(notches);
         return;
     }
+    const int x = display_->mapFromGlobal(event->globalPosition()).toPoint().x();
     // In waveforms, too, a sideways turn moves the samples.
     for (int i = 0; i < std::abs(notches); ++i) {
-        StepSamples(notches > 0);
+        zooms && !isState_ ? ZoomAt(notches < 0, x) : StepSamples(notches > 0);
     }
 }
 

@@ -79,6 +79,11 @@ public:
     /// Only waveforms can be zoomed, within limits.
     [[nodiscard]] bool CanZoom(bool in) const;
     void Zoom(bool in);
+    /// Zooms by one step and keeps the sample at `x` of the waves where it is.
+    void ZoomAt(bool in, int x);
+
+    /// Copies the marked rows of a listing, or the picture of waveforms.
+    void Copy();
 
     /// Asks for a range of samples and prints it, or shows it in the preview.
     void Print(bool preview);

@@ -144,6 +144,23 @@ std::int64_t WaveScale::FirstAfter(int x) const noexcept {
     return (std::int64_t{x - left} + Skipped()) / zoom + 1;
 }
 
+DrawnSpan WaveScale::SpanAt(int x) const noexcept {
+    return {zoom < 0 ? FirstAfter(x - 1) : FirstAfter(x) - 1, FirstAfter(x) - 1};
+}
+
+WavePlace WaveScale::PlaceAfterZoom(std::int64_t row, int x, int newZoom) const noexcept {
+    const std::int64_t pixels = std::int64_t{x} - left; // from the left edge
+    const std::int64_t kept = row + SpanAt(x).first;
+    if (newZoom < 0) {
+        return {std::max<std::int64_t>(kept - pixels * (1 - newZoom), 0), 0};
+    }
+    // The pointer stays at the same part of the sample.
+    const std::int64_t inSample = zoom > 0 ? (pixels + Skipped()) % zoom * newZoom / zoom : 0;
+    const std::int64_t hidden = kept * newZoom + inSample - pixels; // left of the edge
+    return hidden <= 0 ? WavePlace{}
+                       : WavePlace{hidden / newZoom, static_cast<int>(hidden % newZoom)};
+}
+
 std::int64_t WaveScale::RowAt(int d) const noexcept {
     return zoom > 0 ? (std::int64_t{d} + Skipped() + zoom / 2) / zoom : std::int64_t{d} * -zoom;
 }

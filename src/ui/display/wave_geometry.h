@@ -47,6 +47,14 @@ struct WavePlace {
 [[nodiscard]] int WavePage(std::int64_t visible, std::int64_t rows) noexcept;
 [[nodiscard]] int WavePosition(std::int64_t row, std::int64_t rows) noexcept;
 
+/// Drawn samples, counted from the one at the left edge.
+struct DrawnSpan {
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+
+    friend bool operator==(const DrawnSpan&, const DrawnSpan&) = default;
+};
+
 /// Converts between samples and pixels. `k` counts the drawn samples from the one at the left edge.
 /// At a zoom of -n, n + 1 samples are drawn in each pixel, though only n count as visible.
 struct WaveScale {
@@ -64,6 +72,11 @@ struct WaveScale {
     [[nodiscard]] int XOf(std::int64_t k) const noexcept;
     /// The first sample that begins right of pixel `x`.
     [[nodiscard]] std::int64_t FirstAfter(int x) const noexcept;
+    /// The samples that pixel `x` of the waves shows: one at a positive zoom.
+    [[nodiscard]] DrawnSpan SpanAt(int x) const noexcept;
+    /// The place at which another zoom shows the first sample of pixel `x` in the same pixel. Near
+    /// the beginning of a capture the sample moves to the left, as there is nothing before it.
+    [[nodiscard]] WavePlace PlaceAfterZoom(std::int64_t row, int x, int newZoom) const noexcept;
     /// The row, counted from the first, for a click `d` pixels right of the left edge. At a
     /// positive zoom it is the sample with the nearest beginning.
     [[nodiscard]] std::int64_t RowAt(int d) const noexcept;

@@ -1,10 +1,14 @@
 #include "ui/display/wave_window.h"
 
 #include "capture/trace_document.h"
+#include "ui/display/band_values.h"
 #include "ui/display/print_painter.h"
+#include "ui/display/sample_tip.h"
 #include "ui/display/state_geometry.h"
 #include "ui/framework/painting.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -130,6 +134,14 @@ void CWaveformWnd::SetZoom(int zoom) {
     RenderWaves();
 }
 
+void CWaveformWnd::SetZoomAt(int zoom, int x) {
+    const WaveScale scale = Scale();
+    if (x >= scale.left && place_.row + scale.SpanAt(x).first < RowCount()) {
+        place_ = scale.PlaceAfterZoom(place_.row, x, zoom);
+    }
+    SetZoom(zoom);
+}
+
 // Along the signals.
 
 int CWaveformWnd::BandsRoom() const {
@@ -197,6 +209,11 @@ PrintFailure CWaveformWnd::Print(QPrinter& printer, const PrintJob& job) {
     return PrintWaves(printer, Frame(), job);
 }
 
+std::string CWaveformWnd::Copy() {
+    QGuiApplication::clipboard()->setImage(grab().toImage());
+    return {};
+}
+
 void CWaveformWnd::RenderNames() {
     RenderPart({0, 0, nameWidth_, height()},
                [&](QPainter& painter) { DrawWaveNames(painter, Frame()); });
@@ -252,6 +269,56 @@ bool CWaveformWnd::AimAtNames(const QPoint& place) {
     const auto above = std::min(static_cast<std::size_t>(top_.signal), heights.size());
     header_.offset = BandsHeight(std::span(heights).first(above)) + top_.offset;
     return true;
+}
+
+PlaceTip CWaveformWnd::NameTip(const CSignal& signal, int start) const {
+    const QString name = QString::fromStdString(signal.RowName());
+    const bool isCut = QFontMetrics(fonts_.header).horizontalAdvance(name) > nameWidth_ - 2;
+    return isCut ? PlaceTip{name, {0, start, nameWidth_, signal.VisibleHeight()}} : PlaceTip{};
+}
+
+std::optional<WaveBand> CWaveformWnd::BandAt(int y) const {
+    for (const WaveBand& band : VisibleBands(BandHeights(*list_), top_, height())) {
+        if (y >= std::max(band.top, waveFirstBand) && y < band.top + band.height) {
+            return band;
+        }
+    }
+    return std::nullopt;
+}
+
+/// In the waves about the samples that the pixel shows, in the value column about marker 1. In the
+/// header and below the bands there is no signal to tell the value of.
+PlaceTip CWaveformWnd::CellTip(const QPoint& place) {
+    const WaveScale scale = Scale();
+    const auto band = BandAt(place.y());
+    const CSignal* signal = band ? &(*list_)[band->signal] : nullptr;
+    const int top = band ? band->top : place.y();
+    const int height = band ? band->height : 1;
+    const auto tip = [&](std::int64_t first, std::int64_t last, const QRect& area) {
+        const BandSamples samples(*document_, isZoom_, first, last - first + 1);
+        return PlaceTip{SampleTip({*document_, *list_, isZoom_, first, last}, signal,
+                                  [&](std::int64_t sample) {
+                                      return BandText(samples, list_->Tables().Board(), *signal,
+                                                      sample);
+                                  }),
+                        area};
+    };
+    if (place.x() < scale.left) {
+        const std::int64_t marker = document_->Marker(1, isZoom_);
+        const bool isOnValue = place.x() > nameWidth_ && band && marker != -1;
+        const std::int64_t row = isOnValue ? document_->SampleToRow(marker, isZoom_) : 0;
+        return !isOnValue || SampleOfRow(row) != marker
+                   ? PlaceTip{}
+                   : tip(row, row, {nameWidth_ + 1, top, valueWidth_, height});
+    }
+    const DrawnSpan span = scale.SpanAt(place.x());
+    const std::int64_t first = place_.row + span.first;
+    if (first >= RowCount()) {
+        return {};
+    }
+    const int left = scale.XOf(span.first);
+    return tip(first, std::min(place_.row + span.last, RowCount() - 1),
+               {left, top, std::max(scale.XOf(span.last + 1) - left, 1), height});
 }
 
 void CWaveformWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

@@ -21,6 +21,8 @@ public:
     [[nodiscard]] int Zoom() const noexcept { return zoom_; }
     /// Keeps the first sample at the left edge.
     void SetZoom(int zoom);
+    /// Keeps the sample that shows at `x` there; the first one, if none shows at `x`.
+    void SetZoomAt(int zoom, int x);
     [[nodiscard]] const WavePlace& Place() const noexcept { return place_; }
     [[nodiscard]] const BandPlace& Top() const noexcept { return top_; }
     [[nodiscard]] int NameWidth() const noexcept { return nameWidth_; }
@@ -38,6 +40,9 @@ public:
     void PageSamples(bool forward) override;
     void MoveSamplesTo(int position) override;
     [[nodiscard]] PrintFailure Print(QPrinter& printer, const PrintJob& job) override;
+    [[nodiscard]] bool CanCopy() const override { return RowCount() > 0; }
+    /// The picture of the window.
+    [[nodiscard]] std::string Copy() override;
     [[nodiscard]] BarState SignalBar() const override;
     void StepSignals(bool forward) override;
     void PageSignals(bool forward) override;
@@ -49,6 +54,8 @@ protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
     [[nodiscard]] bool AimAtNames(const QPoint& place) override;
+    [[nodiscard]] PlaceTip NameTip(const CSignal& signal, int start) const override;
+    [[nodiscard]] PlaceTip CellTip(const QPoint& place) override;
     /// Sets a marker on the sample at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     void ShowCursor(const QPoint& place) override;
@@ -68,6 +75,7 @@ private:
     /// The row for a click at `x` in the waves.
     [[nodiscard]] std::int64_t RowAt(int x) const;
     [[nodiscard]] int BandsRoom() const;
+    [[nodiscard]] std::optional<WaveBand> BandAt(int y) const;
     [[nodiscard]] WaveFrame Frame();
     void SetPlace(const WavePlace& place);
     void SetTop(const BandPlace& top);

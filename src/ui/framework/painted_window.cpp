@@ -1,8 +1,22 @@
 #include "ui/framework/painted_window.h"
 
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
+
+#include <utility>
 
 namespace busquill {
+
+namespace {
+
+/// Keeps names and values that look like markup from being read as such.
+QString PlainTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? "<p style='white-space:pre'>" + text.toHtmlEscaped() + "</p>"
+                                     : text;
+}
+
+} // namespace
 
 PaintedWindow::PaintedWindow(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -10,6 +24,7 @@ PaintedWindow::PaintedWindow(QWidget* parent) : QWidget(parent) {
 }
 
 void PaintedWindow::Render() {
+    HideTip();
     DrawAll();
     update();
 }
@@ -22,6 +37,7 @@ void PaintedWindow::DrawAll() {
 }
 
 void PaintedWindow::RenderPart(const QRect& part, const std::function<void(QPainter&)>& draw) {
+    HideTip();
     if (!bitmap_.isNull()) {
         QPainter painter(&bitmap_);
         draw(painter);
@@ -34,6 +50,27 @@ void PaintedWindow::MakeBitmap() {
     bitmap_ = QPixmap(size() * ratio);
     bitmap_.setDevicePixelRatio(ratio);
     DrawAll();
+}
+
+void PaintedWindow::HideTip() {
+    if (std::exchange(showsTip_, false)) {
+        QToolTip::hideText();
+    }
+}
+
+bool PaintedWindow::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::event(event);
+    }
+    const auto& help = static_cast<const QHelpEvent&>(*event);
+    const PlaceTip tip = TipAt(help.pos());
+    if (tip.text.isEmpty()) {
+        HideTip();
+        return QWidget::event(event);
+    }
+    QToolTip::showText(help.globalPos(), PlainTip(tip.text), this, tip.place);
+    showsTip_ = true;
+    return true;
 }
 
 void PaintedWindow::paintEvent(QPaintEvent* /*event*/) {

@@ -22,16 +22,29 @@ QString ColumnTitle(const CSignal& signal) {
     return QString::fromStdString(signal.RowName().substr(0, longestTitle));
 }
 
-/// Draws at the bottom centre of the cell, condensed if the cell is narrower than the text.
-void DrawTitle(QPainter& painter, const DrawStyle& style, const QRect& whole, const QString& text) {
+/// The part of a title's cell that its text may take.
+QRect TitleRoom(const QRect& whole, const DrawStyle& style) {
     const int margin = style.Length(2);
-    const QRect cell = whole.adjusted(margin, 0, -margin, -style.Length(1));
+    return whole.adjusted(margin, 0, -margin, -style.Length(1));
+}
+
+/// The font, condensed if the room is narrower than the text.
+QFont TitleFont(const QFont& font, int room, const QString& text) {
+    QFont squeezed = font;
+    const int width = QFontMetrics(font).horizontalAdvance(text);
+    if (width > room && room > 0) {
+        squeezed.setStretch(std::max(room * 100 / width - 1, leastStretch));
+    }
+    return squeezed;
+}
+
+/// Draws at the bottom centre of the cell.
+void DrawTitle(QPainter& painter, const DrawStyle& style, const QRect& whole, const QString& text) {
+    const QRect cell = TitleRoom(whole, style);
     const QFont font = painter.font();
     const int width = painter.fontMetrics().horizontalAdvance(text);
-    if (width > cell.width() && cell.width() > 0) {
-        QFont squeezed = font;
-        squeezed.setStretch(std::max(cell.width() * 100 / width - 1, leastStretch));
-        painter.setFont(squeezed);
+    if (width > cell.width()) {
+        painter.setFont(TitleFont(font, cell.width(), text));
     }
     DrawCellText(painter, cell, text, CellAlign::Center, false);
     painter.setFont(font);
@@ -69,6 +82,12 @@ int NeededWidth(const CSignal& signal, const QFont& bodyFont) {
     const int title = metrics.horizontalAdvance(ColumnTitle(signal));
     return std::max(std::min(title, widestTitle), digitWidth * static_cast<int>(digits)) +
            marginDigits * digitWidth;
+}
+
+bool IsTitleCut(const CSignal& signal, const QRect& title, const TableStyle& style) {
+    const int room = TitleRoom(title, style.draw).width();
+    const QString text = ColumnTitle(signal);
+    return QFontMetrics(TitleFont(style.fonts.header, room, text)).horizontalAdvance(text) > room;
 }
 
 void DrawTableHeader(QPainter& painter, const TableHeader& header) {

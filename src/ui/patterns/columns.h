@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QRect>
 #include <QString>
 
 #include <vector>
@@ -41,6 +42,9 @@ struct TableStyle {
 [[nodiscard]] std::vector<int> ColumnWidths(const CSignalList& list);
 /// The width that a signal's title and values need.
 [[nodiscard]] int NeededWidth(const CSignal& signal, const QFont& bodyFont);
+
+/// Whether the title of a signal's column does not show whole.
+[[nodiscard]] bool IsTitleCut(const CSignal& signal, const QRect& title, const TableStyle& style);
 
 /// Everything that the header of a table is drawn from.
 struct TableHeader {

@@ -158,12 +158,12 @@ void CPatternGrid::mouseReleaseEvent(QMouseEvent* event) {
 /// If all rows show, the wheel scrolls the columns even without Shift.
 void CPatternGrid::wheelEvent(QWheelEvent* event) {
     event->accept();
-    const auto [sideways, notches] = wheel_.Take(*event);
-    if (sideways || Geometry().TopRowLimit() == 0) {
-        TurnSignals(notches);
+    const WheelTurns::Turn turn = wheel_.Take(*event);
+    if (turn.sideways || Geometry().TopRowLimit() == 0) {
+        TurnSignals(turn.notches);
         emit LayoutChanged();
     } else {
-        StepRows(notches);
+        StepRows(turn.notches);
     }
 }
 

@@ -97,6 +97,21 @@ bool TableWindow::AimAtNames(const QPoint& place) {
     return place.y() < tableHeaderLine;
 }
 
+PlaceTip TableWindow::NameTip(const CSignal& signal, int start) const {
+    const QRect title = TableColumn{0, start, signal.VisibleWidth()}.Title();
+    return IsTitleCut(signal, title, {fonts_, {}})
+               ? PlaceTip{QString::fromStdString(signal.RowName()), title}
+               : PlaceTip{};
+}
+
+PlaceTip TableWindow::TipAt(const QPoint& place) {
+    if (list_ == nullptr || !AimAtNames(place)) {
+        return {};
+    }
+    const HeaderControl::Hit hit = header_.HitColumn(header_.Along(place));
+    return hit.signal == nullptr ? PlaceTip{} : NameTip(*hit.signal, hit.start);
+}
+
 void TableWindow::ShowCursor(const QPoint& place) {
     const bool onNames = header_.IsActive() || AimAtNames(place);
     setCursor(onNames ? header_.CursorAt(header_.Along(place)) : Qt::ArrowCursor);

@@ -45,6 +45,10 @@ protected:
 
     /// Whether a place is on the names; if so, the header control's offset is set for them.
     [[nodiscard]] virtual bool AimAtNames(const QPoint& place);
+    /// The name of a signal that begins at `start` along the names, if it is cut.
+    [[nodiscard]] virtual PlaceTip NameTip(const CSignal& signal, int start) const;
+    /// The name under the pointer, if it is cut.
+    [[nodiscard]] PlaceTip TipAt(const QPoint& place) override;
     /// The left or right button is pressed outside the names.
     virtual void PressCell(const QPoint& place, Qt::MouseButton button) = 0;
     virtual void ShowCursor(const QPoint& place);

@@ -11,6 +11,7 @@
 #include "ui/framework/window_place.h"
 #include "ui/framework/window_timer.h"
 #include "ui/shell/command_line.h"
+#include "ui/shell/field_commands.h"
 #include "ui/shell/help_key.h"
 #include "ui/shell/help_window.h"
 #include "ui/shell/keys_window.h"
@@ -86,7 +87,8 @@ const CommandMap* EnabledTarget(CommandId id, const std::vector<const CommandMap
 
 CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables,
                        const MainThread& mainThread, Settings& settings)
-    : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea) {
+    : link_(link), tables_(tables), settings_(settings), area_(new QMdiArea),
+      fieldCommands_(new FieldCommands(*this)) {
     RegisterResources();
     setWindowTitle(stockName);
     WidenDialogsToTitles(*this);
@@ -232,6 +234,9 @@ QString CMainFrame::PaneText(int pane) const {
 
 std::vector<const CommandMap*> CMainFrame::Targets() const {
     std::vector<const CommandMap*> targets;
+    if (const CommandMap* field = fieldCommands_->Map()) {
+        targets.push_back(field);
+    }
     if (const CMDIChildWnd* frame = ActiveFrame(*area_)) {
         if (const CView* view = frame->GetActiveView()) {
             targets.push_back(&view->commands);

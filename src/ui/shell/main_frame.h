@@ -17,6 +17,7 @@ namespace busquill {
 
 class CAnalyzerLink;
 class CTesselApp;
+class FieldCommands;
 class HelpWindow;
 class KeysWindow;
 class MainThread;
@@ -76,6 +77,7 @@ private:
     CTesselApp* app_ = nullptr;
     QMdiArea* area_;
     CommandMap commands_;
+    FieldCommands* fieldCommands_;
     QToolBar* toolBar_ = nullptr;
     QLabel* boardGone_ = nullptr;
     QLabel* panes_[4] = {};

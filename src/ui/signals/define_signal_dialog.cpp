@@ -139,11 +139,11 @@ bool CDefineSignalDialog::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::Wheel) {
         return QDialog::eventFilter(watched, event);
     }
-    const auto [sideways, notches] = wheel_.Take(*static_cast<QWheelEvent*>(event));
-    if (sideways) {
-        columns_->setValue(columns_->value() + notches * wheelColumnStep);
+    const WheelTurns::Turn turn = wheel_.Take(*static_cast<QWheelEvent*>(event));
+    if (turn.sideways) {
+        columns_->setValue(columns_->value() + turn.notches * wheelColumnStep);
     } else {
-        rows_->setValue(rows_->value() + notches);
+        rows_->setValue(rows_->value() + turn.notches);
     }
     return true;
 }

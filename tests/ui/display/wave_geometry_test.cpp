@@ -146,6 +146,39 @@ TEST(WaveScale, PixelsAndSamplesAgree) {
     }
 }
 
+TEST(WaveScale, APixelShowsTheSamplesThatAreDrawnInIt) {
+    const WaveScale wide{.zoom = 20, .subPixel = 5, .left = 100, .right = 400};
+    EXPECT_EQ(wide.SpanAt(100), (DrawnSpan{0, 0}));
+    EXPECT_EQ(wide.SpanAt(114), (DrawnSpan{0, 0}));
+    EXPECT_EQ(wide.SpanAt(115), (DrawnSpan{1, 1}));
+    const WaveScale narrow{.zoom = -2, .left = 100, .right = 400};
+    EXPECT_EQ(narrow.SpanAt(100), (DrawnSpan{0, 2}));
+    EXPECT_EQ(narrow.SpanAt(110), (DrawnSpan{30, 32}));
+}
+
+TEST(WaveScale, ZoomingKeepsTheSampleUnderThePointer) {
+    constexpr std::int64_t row = 5'000'000'000; // more than 32 bits hold
+    for (const int zoom : {-7, -2, -1, 1, 3, 20, 400}) {
+        for (const int after : {-7, -6, -1, 1, 5, 25, 400}) {
+            for (const int x : {100, 101, 250, 399}) {
+                const WaveScale before{.zoom = zoom, .subPixel = 2, .left = 100, .right = 400};
+                const std::int64_t sample = row + before.SpanAt(x).first;
+                const WavePlace place = before.PlaceAfterZoom(row, x, after);
+                const WaveScale now{
+                    .zoom = after, .subPixel = place.subPixel, .left = 100, .right = 400};
+                EXPECT_EQ(place.row + now.SpanAt(x).first, sample)
+                    << zoom << " to " << after << " at " << x;
+            }
+        }
+    }
+}
+
+TEST(WaveScale, ZoomingOutAtTheBeginningShowsTheFirstSampleAtTheEdge) {
+    const WaveScale scale{.zoom = 20, .left = 100, .right = 400};
+    EXPECT_EQ(scale.PlaceAfterZoom(3, 300, 15), (WavePlace{0, 0}));
+    EXPECT_EQ(scale.PlaceAfterZoom(3, 300, -1), (WavePlace{0, 0}));
+}
+
 TEST(WaveScale, AClickSelectsTheSampleThatBeginsNearest) {
     const WaveScale scale{.zoom = 20, .subPixel = 5, .left = 100, .right = 200};
     EXPECT_EQ(scale.RowAt(0), 0);

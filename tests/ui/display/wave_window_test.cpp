@@ -162,6 +162,79 @@ TEST_F(Waveforms, ArrowKeysAndTheWheelMoveByFourPixels) {
     EXPECT_EQ(window->Place(), place) << "those keys are for listings";
 }
 
+TEST_F(Waveforms, TheWheelWithCtrlZoomsAtThePointer) {
+    Open(-5000, 4999);
+    const auto sampleAt = [&](int d) {
+        const WaveScale scale{window->Zoom(), window->Place().subPixel, WaveLeft(),
+                              window->width()};
+        return window->Place().row + scale.SpanAt(Wave(d).x()).first;
+    };
+    const std::int64_t sample = sampleAt(333);
+    const auto turn = [&](int delta) {
+        TurnWheelAt(*window, Wave(333), {0, delta}, Qt::ControlModifier);
+    };
+    turn(120);
+    EXPECT_EQ(window->Zoom(), 25);
+    EXPECT_EQ(sampleAt(333), sample);
+    turn(240);
+    EXPECT_EQ(window->Zoom(), 35);
+    EXPECT_EQ(ZoomBar().value(), 35);
+    EXPECT_EQ(sampleAt(333), sample);
+    turn(-7 * 120);
+    EXPECT_EQ(window->Zoom(), -1) << "the same steps as Zoom Out";
+    EXPECT_EQ(sampleAt(333), sample);
+    turn(-1200);
+    EXPECT_EQ(window->Zoom(), smallestZoom);
+    turn(100 * 120);
+    EXPECT_EQ(window->Zoom(), largestZoom);
+}
+
+TEST_F(Waveforms, AHighResolutionWheelZoomsByWholeNotches) {
+    Open();
+    const auto turn = [&](int delta, Qt::KeyboardModifiers keys) {
+        TurnWheelAt(*window, Wave(333), {0, delta}, keys);
+    };
+    for (int i = 0; i < 3; ++i) {
+        turn(30, Qt::ControlModifier);
+    }
+    EXPECT_EQ(window->Zoom(), startZoom);
+    turn(30, Qt::ControlModifier);
+    EXPECT_EQ(window->Zoom(), startZoom + zoomStep);
+    const WavePlace place = window->Place();
+    turn(90, Qt::ControlModifier);
+    turn(90, {});
+    EXPECT_EQ(window->Place(), place) << "parts of a notch of zooming are none of scrolling";
+    EXPECT_EQ(window->Zoom(), startZoom + zoomStep);
+}
+
+TEST_F(Waveforms, ZoomingBesideTheWavesKeepsTheFirstSample) {
+    Open(0, 9);
+    const WavePlace first = window->Place();
+    TurnWheelAt(*window, {10, 100}, {0, 120}, Qt::ControlModifier);
+    EXPECT_EQ(window->Zoom(), 25);
+    EXPECT_EQ(window->Place(), first);
+    TurnWheelAt(*window, Wave(600), {0, 120}, Qt::ControlModifier); // the capture has ended there
+    EXPECT_EQ(window->Zoom(), 30);
+    EXPECT_EQ(window->Place(), first);
+}
+
+TEST_F(Waveforms, TheWheelWithShiftScrollsSideways) {
+    Open();
+    const std::int64_t row = window->Place().row;
+    TurnWheel(*window, {0, -120}, Qt::ShiftModifier);
+    EXPECT_EQ(window->Place(), (WavePlace{row, 4}));
+    TurnWheel(*window, {120, 0}); // tilted
+    EXPECT_EQ(window->Place(), (WavePlace{row, 0}));
+    EXPECT_EQ(window->Zoom(), startZoom);
+}
+
+TEST_F(Waveforms, AnotherWindowFollowsTheZoomAtThePointer) {
+    Open();
+    const auto listing = MakeView();
+    TurnWheelAt(*window, Wave(600), {0, 1200}, Qt::ControlModifier);
+    EXPECT_EQ(listing->TopSample(), view->TopSample());
+}
+
 TEST_F(Waveforms, PageKeysMoveByAWindow) {
     Open();
     const std::int64_t row = window->Place().row;

@@ -1,0 +1,68 @@
+#include "ui/shell/field_commands.h"
+
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QClipboard>
+#include <QFocusEvent>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+
+namespace busquill {
+
+namespace {
+
+/// The text field that takes the keys of a widget with the focus, or null.
+QLineEdit* FieldOf(QWidget* focus) {
+    const bool isSpinBox = qobject_cast<QAbstractSpinBox*>(focus) != nullptr;
+    return isSpinBox ? focus->findChild<QLineEdit*>() : qobject_cast<QLineEdit*>(focus);
+}
+
+bool IsMenu(const QWidget& widget) {
+    return qobject_cast<const QMenuBar*>(&widget) != nullptr ||
+           qobject_cast<const QMenu*>(&widget) != nullptr;
+}
+
+} // namespace
+
+FieldCommands::FieldCommands(QWidget& window) : QObject(&window), window_(window) {
+    const auto hasSelection = [this] { return field_->hasSelectedText(); };
+    commands_.On(
+        CommandId::Cut, [this] { field_->cut(); },
+        [this, hasSelection] { return hasSelection() && !field_->isReadOnly(); });
+    commands_.On(
+        CommandId::Copy, [this] { field_->copy(); }, hasSelection);
+    commands_.On(
+        CommandId::Paste, [this] { field_->paste(); },
+        [this] { return !field_->isReadOnly() && !QApplication::clipboard()->text().isEmpty(); });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](const QWidget* /*old*/, QWidget* now) { FollowFocus(now); });
+}
+
+void FieldCommands::FollowFocus(QWidget* focus) {
+    if (focus == nullptr || focus == focus_ || IsMenu(*focus)) {
+        return;
+    }
+    if (focus_ != nullptr) {
+        focus_->removeEventFilter(this);
+    }
+    field_ = focus->window() == &window_ ? FieldOf(focus) : nullptr;
+    focus_ = field_ == nullptr ? nullptr : focus;
+    if (focus_ != nullptr) {
+        focus_->installEventFilter(this);
+    }
+}
+
+/// A field gives its selection up when the keyboard goes to the menu bar, but not when a menu pops
+/// up. For the user both open a menu.
+bool FieldCommands::eventFilter(QObject* watched, QEvent* event) {
+    const bool leaves = event->type() == QEvent::FocusOut;
+    if (!leaves || static_cast<QFocusEvent*>(event)->reason() != Qt::MenuBarFocusReason) {
+        return QObject::eventFilter(watched, event);
+    }
+    QFocusEvent out(QEvent::FocusOut, Qt::PopupFocusReason);
+    QApplication::sendEvent(watched, &out);
+    return true;
+}
+
+} // namespace busquill
