@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollBar>
 
 namespace busquill {
 
@@ -70,6 +71,9 @@ void CFormView::FollowColors() {
     const QPalette wanted = FormPalette(settings_, QApplication::palette());
     if (palette().color(QPalette::WindowText) != wanted.color(QPalette::WindowText)) {
         setPalette(wanted);
+        for (auto* bar : findChildren<QScrollBar*>()) {
+            bar->setPalette(QApplication::palette()); // its arrows have a ground of their own
+        }
     }
 }
 
