@@ -95,7 +95,7 @@ constexpr Command commands[] = {
     {CommandId::FindPrevious,         "&Search",                 "Find &Previous",        "Look for the pattern further up", "find-previous", "Shift+F3"},
     {CommandId::Filter,               "&Search",                 "Fil&ter",               "Show only samples that fit a pattern", "filter", ""},
     {CommandId::Compare,              "&Search",                 "&Compare",              "Compare two captures", "compare", ""},
-    {CommandId::ZoomIncrement,        "&Search",                 "Zoom Increment",        "", "", ""},
+    {CommandId::ZoomIncrement,        "&Search",                 "Zoom Increment",        "Set the step of the zoom", "", ""},
 
     {CommandId::DefineSignals,        "&Utilities",              "&Define Signals",       "Show how signals lie in a sample", "", ""},
     {CommandId::BoardSetup,           "&Utilities",              "Board &Setup",          "Choose port and baud rate", "", ""},

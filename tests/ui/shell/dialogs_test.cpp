@@ -10,9 +10,12 @@
 #include "ui/patterns/pattern_grid.h"
 #include "ui/testsuites/instructions_dialog.h"
 
+#include <QAbstractSpinBox>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -40,12 +43,24 @@ QWidget* StopOf(QWidget* widget) {
                                      : radio->parentWidget()->findChildren<QRadioButton*>().first();
 }
 
+/// Whether it is a control by its kind, or because it takes the focus.
+bool IsControl(const QWidget& widget) {
+    const auto is = [&](auto... kinds) {
+        return ((qobject_cast<decltype(kinds)>(&widget) != nullptr) || ...);
+    };
+    const bool byKind =
+        is(static_cast<const QPushButton*>(nullptr), static_cast<const QCheckBox*>(nullptr),
+           static_cast<const QRadioButton*>(nullptr), static_cast<const QLineEdit*>(nullptr),
+           static_cast<const QComboBox*>(nullptr), static_cast<const QAbstractSpinBox*>(nullptr));
+    return byKind || (widget.focusPolicy() & Qt::TabFocus) != 0;
+}
+
 /// The stops of a dialog that Tab is to reach.
 std::set<QWidget*> StopsOf(const QDialog& dialog) {
     std::set<QWidget*> stops;
     for (auto* widget : dialog.findChildren<QWidget*>()) {
         if (widget->isVisible() && widget->isEnabled() && widget->focusProxy() == nullptr &&
-            widget->window() == &dialog && (widget->focusPolicy() & Qt::TabFocus) != 0) {
+            widget->window() == &dialog && IsControl(*widget)) {
             stops.insert(StopOf(widget));
         }
     }
