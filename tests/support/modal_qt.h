@@ -46,7 +46,7 @@ inline QStringList AnswerMenu(const std::function<void()>& open, const QString& 
         QAction* chosen = nullptr;
         for (QAction* action : menu->actions()) {
             entries << (action->isChecked() ? "* " : "") + action->text();
-            chosen = action->text() == choice ? action : chosen;
+            chosen = !action->isSeparator() && action->text() == choice ? action : chosen;
         }
         if (chosen != nullptr) {
             menu->setActiveAction(chosen);

@@ -33,6 +33,7 @@ CPrintTraceDlg::CPrintTraceDlg(QWidget* parent, CTesselDoc& document, bool isSta
     SetHelpPage(*this, "printing.md");
     scale_->setChecked(settings.GetProfileInt(printSection, scaleKey_, 0) != 0);
     Rows().addWidget(scale_);
+    OrderTabs(nullptr, scale_);
     scale_->setVisible(isState); // waveforms are not scaled
 }
 

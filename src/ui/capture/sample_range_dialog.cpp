@@ -14,6 +14,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <initializer_list>
+
 namespace busquill {
 
 namespace {
@@ -49,6 +51,7 @@ CSampleRangeDialog::CSampleRangeDialog(QWidget* parent, const SampleRange& range
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     ok_ = buttons->button(QDialogButtonBox::Ok);
+    cancel_ = buttons->button(QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &CSampleRangeDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CSampleRangeDialog::reject);
     connect(all_, &QPushButton::clicked, this, &CSampleRangeDialog::ShowAll);
@@ -59,6 +62,19 @@ CSampleRangeDialog::CSampleRangeDialog(QWidget* parent, const SampleRange& range
     layout->addLayout(rows_);
     layout->addWidget(buttons);
     ShowAll();
+}
+
+void CSampleRangeDialog::OrderTabs(QWidget* before, QWidget* after) {
+    QWidget* last = before;
+    for (QWidget* each : std::initializer_list<QWidget*>{start_, end_, all_, after, ok_, cancel_}) {
+        if (each != nullptr) {
+            if (last != nullptr) {
+                setTabOrder(last, each);
+            }
+            last = each;
+        }
+    }
+    start_->setFocus();
 }
 
 void CSampleRangeDialog::ShowAll() {

@@ -50,6 +50,9 @@ protected:
 
     /// Above the buttons.
     [[nodiscard]] QVBoxLayout& Rows() const { return *rows_; }
+    /// Puts controls that were added to the rows before the fields and after them in the order of
+    /// Tab; either may be null.
+    void OrderTabs(QWidget* before, QWidget* after);
     const SampleRange range_;
 
 private:
@@ -66,6 +69,7 @@ private:
     QLineEdit* end_;
     QPushButton* all_;
     QPushButton* ok_;
+    QPushButton* cancel_;
     QProgressBar* progress_;
     QLabel* percent_;
     WindowTimer* timer_;

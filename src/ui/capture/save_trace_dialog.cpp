@@ -30,6 +30,7 @@ CSaveTraceDialog::CSaveTraceDialog(QWidget* parent, CTesselDoc& document, std::s
     auto* fileRow = new QFormLayout;
     fileRow->addRow("Save File", file);
     Rows().insertLayout(0, fileRow);
+    OrderTabs(file, nullptr);
 }
 
 CSaveTraceDialog::~CSaveTraceDialog() = default;

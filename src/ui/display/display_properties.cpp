@@ -24,8 +24,13 @@ CDisplayProperties::CDisplayProperties(QWidget* parent, const Parts& parts, Disp
     AddPage(DisplayPage::Scale, new CDisplayPage, "Scale");
     AddPage(DisplayPage::Colors, new CDisplayColors(parts.settings, parts.colorsChanged), "Colors");
 
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(tabs_);
+    // Buttons that are added to a box outside the dialog would take others out of the tab order.
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
-                                         QDialogButtonBox::Apply | QDialogButtonBox::Help);
+                                             QDialogButtonBox::Apply | QDialogButtonBox::Help,
+                                         this);
+    layout->addWidget(buttons);
     apply_ = buttons->button(QDialogButtonBox::Apply);
     apply_->setText("&Apply");
     apply_->setEnabled(false);
@@ -37,9 +42,6 @@ CDisplayProperties::CDisplayProperties(QWidget* parent, const Parts& parts, Disp
 
     AddSets(*buttons->addButton("Color &Sets", QDialogButtonBox::ResetRole));
 
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(tabs_);
-    layout->addWidget(buttons);
     connect(tabs_, &QTabWidget::currentChanged, this, &CDisplayProperties::NeedPage);
     tabs_->setCurrentIndex(static_cast<int>(first));
     NeedPage(tabs_->currentIndex());

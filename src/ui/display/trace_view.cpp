@@ -118,6 +118,14 @@ void CTraceView::MakeCommands() {
             },
             [this, marker = marker] { return CanGoTo(marker); });
     }
+    const auto hasSignals = [this] { return !ListOf(Trace()).Empty(); };
+    for (const bool forward : {true, false}) {
+        commands.On(
+            forward ? CommandId::NextSignal : CommandId::PreviousSignal,
+            [this, forward] { display_->SelectSignal(forward); }, hasSignals);
+    }
+    commands.On(
+        CommandId::SignalMenu, [this] { display_->OpenSignalMenu(); }, hasSignals);
     const auto canSearch = [this] { return CanSearchSamples(); };
     commands.On(
         CommandId::GoToSample, [this] { GoToNumber(); }, canSearch);

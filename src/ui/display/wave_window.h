@@ -56,6 +56,7 @@ protected:
     [[nodiscard]] bool AimAtNames(const QPoint& place) override;
     [[nodiscard]] PlaceTip NameTip(const CSignal& signal, int start) const override;
     [[nodiscard]] PlaceTip CellTip(const QPoint& place) override;
+    [[nodiscard]] QPoint NamePlace(int along) const override { return {nameWidth_ / 2, along}; }
     /// Sets a marker on the sample at a place, or clears it if it is already there.
     void PressCell(const QPoint& place, Qt::MouseButton button) override;
     void ShowCursor(const QPoint& place) override;

@@ -95,7 +95,7 @@ constexpr Command commands[] = {
     {CommandId::FindPrevious,         "&Search",                 "Find &Previous",        "Look for the pattern further up", "find-previous", "Shift+F3"},
     {CommandId::Filter,               "&Search",                 "Fil&ter",               "Show only samples that fit a pattern", "filter", ""},
     {CommandId::Compare,              "&Search",                 "&Compare",              "Compare two captures", "compare", ""},
-    {CommandId::ZoomIncrement,        "&Search",                 "Zoom Increment",        "", "", ""},
+    {CommandId::ZoomIncrement,        "&Search",                 "Zoom Increment",        "Set the step of the zoom", "", ""},
 
     {CommandId::DefineSignals,        "&Utilities",              "&Define Signals",       "Show how signals lie in a sample", "", ""},
     {CommandId::BoardSetup,           "&Utilities",              "Board &Setup",          "Choose port and baud rate", "", ""},
@@ -125,6 +125,9 @@ constexpr Command commands[] = {
     {CommandId::Marker1On,            "",                        "Marker 1 On",           "Move marker 1 to the next sample", "", "Alt+Right"},
     {CommandId::Marker2Back,          "",                        "Marker 2 Back",         "Move marker 2 to the sample before", "", "Alt+Shift+Left"},
     {CommandId::Marker2On,            "",                        "Marker 2 On",           "Move marker 2 to the next sample", "", "Alt+Shift+Right"},
+    {CommandId::NextSignal,           "",                        "Next Signal",           "Select the next signal", "", "Ctrl+Right; Ctrl+Down"},
+    {CommandId::PreviousSignal,       "",                        "Previous Signal",       "Select the signal before", "", "Ctrl+Left; Ctrl+Up"},
+    {CommandId::SignalMenu,           "",                        "Signal Menu",           "Open the menu on the selected signal", "", "Shift+F10; Menu"},
     {CommandId::SwitchDisplay,        "",                        "Display",               "Show the capture in the other display", "", "F9"},
     {CommandId::PowerZoom,            "",                        "Power Zoom",            "Show the Power Zoom samples", "power-zoom", "Shift+F9"},
 };

@@ -81,6 +81,9 @@ enum class CommandId {
     Marker1On,
     Marker2Back,
     Marker2On,
+    NextSignal,
+    PreviousSignal,
+    SignalMenu,
     SwitchDisplay,
     PowerZoom,
 };

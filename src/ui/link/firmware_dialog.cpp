@@ -44,11 +44,12 @@ CFirmwareDialog::CFirmwareDialog(QWidget* parent, CAnalyzerLink& link, Settings&
     row->addWidget(label);
     row->addWidget(file_, 1);
     row->addWidget(browse_);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel);
-    buttons->addButton(start_, QDialogButtonBox::ActionRole);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(row);
     layout->addWidget(progress_);
+    // A button that is added to a box outside the dialog would take others out of the tab order.
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
+    buttons->addButton(start_, QDialogButtonBox::ActionRole);
     layout->addWidget(buttons);
 
     connect(browse_, &QPushButton::clicked, this, &CFirmwareDialog::Browse);

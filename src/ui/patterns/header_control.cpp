@@ -45,6 +45,47 @@ HeaderControl::Hit HeaderControl::HitColumn(int place) const {
     return {};
 }
 
+std::vector<HeaderControl::Span> HeaderControl::Spans() const {
+    std::vector<Span> spans;
+    if (list_ == nullptr) {
+        return spans;
+    }
+    spans.reserve(list_->Size());
+    int start = 0;
+    for (const auto& signal : list_->All()) {
+        const int size = (signal.get()->*layout_.visible)();
+        if (size >= 1) {
+            spans.push_back({signal.get(), start, size});
+            start += size + layout_.gap;
+        }
+    }
+    return spans;
+}
+
+HeaderControl::Span HeaderControl::Current() const {
+    const std::vector<Span> spans = Spans();
+    const auto found = std::find_if(spans.begin(), spans.end(), [this](const Span& span) {
+        return span.signal == lastSelected_;
+    });
+    return found != spans.end() ? *found : Span();
+}
+
+HeaderControl::Redraw HeaderControl::SelectNeighbour(bool forward) {
+    const std::vector<Span> spans = Spans();
+    if (spans.empty()) {
+        return Redraw::Nothing;
+    }
+    auto at = std::find_if(spans.begin(), spans.end(),
+                           [this](const Span& span) { return span.signal == lastSelected_; });
+    if (at == spans.end()) {
+        at = spans.begin();
+    } else if (forward ? at + 1 != spans.end() : at != spans.begin()) {
+        at += forward ? 1 : -1;
+    }
+    SelectOnly(at->signal);
+    return Redraw::Header;
+}
+
 HeaderControl::Redraw HeaderControl::Press(int place, Qt::KeyboardModifiers keys) {
     if (OnFixedEdge(place)) {
         action_ = Action::ResizeFixed;

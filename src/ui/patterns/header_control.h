@@ -6,6 +6,7 @@
 #include <Qt>
 
 #include <cstdint>
+#include <vector>
 
 namespace busquill {
 
@@ -64,6 +65,17 @@ public:
     [[nodiscard]] bool IsActive() const noexcept { return action_ != Action::None; }
     [[nodiscard]] Qt::CursorShape CursorAt(int place) const;
 
+    /// Where a signal that shows stands among the names, from the first of them.
+    struct Span {
+        CSignal* signal = nullptr;
+        int start = 0;
+        int size = 0;
+    };
+    /// The signal that was selected last, if it still shows.
+    [[nodiscard]] Span Current() const;
+    /// Selects the signal after the current one, or before it; without one, the first.
+    Redraw SelectNeighbour(bool forward);
+
     /// A signal has been replaced by another one in the list.
     void Replace(const CSignal* old, CSignal* by);
     /// Selects one signal alone.
@@ -72,6 +84,7 @@ public:
 private:
     enum class Action { None, ResizeFixed, Resize, Drag };
 
+    [[nodiscard]] std::vector<Span> Spans() const;
     [[nodiscard]] bool OnFixedEdge(int place) const;
     void SelectByClick(CSignal* signal, Qt::KeyboardModifiers keys);
     void SelectSpan(const CSignal* from, const CSignal* to);

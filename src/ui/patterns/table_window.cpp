@@ -72,6 +72,44 @@ void TableWindow::TurnSignals(int notches) {
     MoveSignalsTo(SignalBar().position + notches * wheelColumnStep);
 }
 
+void TableWindow::SelectSignal(bool forward) {
+    Show(header_.SelectNeighbour(forward));
+    ScrollToCurrent();
+}
+
+void TableWindow::ScrollToCurrent() {
+    const HeaderControl::Span current = header_.Current();
+    const BarState bar = SignalBar();
+    const int end = current.start + current.size;
+    if (current.start < bar.position || current.size > bar.page) {
+        MoveSignalsTo(current.start);
+    } else if (end > bar.position + bar.page) {
+        MoveSignalsTo(end - bar.page);
+    }
+    emit LayoutChanged();
+}
+
+void TableWindow::OpenSignalMenu() {
+    if (header_.Current().signal == nullptr) {
+        SelectSignal(true);
+    }
+    const HeaderControl::Span current = header_.Current();
+    if (current.signal == nullptr || prompts_ == nullptr) {
+        return;
+    }
+    if (!current.signal->selected) {
+        header_.SelectOnly(current.signal);
+        RenderNames();
+    }
+    ScrollToCurrent();
+    const int along = header_.fixedEnd + 1 + current.start - SignalBar().position;
+    ShowSignalMenu(*this, mapToGlobal(NamePlace(along)), *current.signal, *this, *prompts_);
+}
+
+QPoint TableWindow::NamePlace(int along) const {
+    return {along, tableHeaderLine};
+}
+
 void TableWindow::KeepOffset() {
     header_.offset = std::min(header_.offset, Columns().Limit());
 }

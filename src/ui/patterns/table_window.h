@@ -32,6 +32,13 @@ public:
     /// Scrolls along the signals by notches of the wheel.
     void TurnSignals(int notches);
 
+    // By keys; the window has a list.
+
+    /// Selects the signal after the one that was selected last, or before it, and scrolls to it.
+    void SelectSignal(bool forward);
+    /// Opens the menu on the signal that was selected last, or on the first one.
+    void OpenSignalMenu();
+
 signals:
     /// The size, order or position of signals has changed, or the position of rows.
     void LayoutChanged();
@@ -49,6 +56,8 @@ protected:
     [[nodiscard]] virtual PlaceTip NameTip(const CSignal& signal, int start) const;
     /// The name under the pointer, if it is cut.
     [[nodiscard]] PlaceTip TipAt(const QPoint& place) override;
+    /// The place of a name's menu, by its coordinate along the signals.
+    [[nodiscard]] virtual QPoint NamePlace(int along) const;
     /// The left or right button is pressed outside the names.
     virtual void PressCell(const QPoint& place, Qt::MouseButton button) = 0;
     virtual void ShowCursor(const QPoint& place);
@@ -74,6 +83,7 @@ protected:
 
 private:
     void SetOffset(int offset);
+    void ScrollToCurrent();
     void Show(HeaderControl::Redraw redraw);
 
     Prompts* prompts_;

@@ -13,7 +13,7 @@ namespace busquill {
 
 namespace {
 
-constexpr QSize usualSize(760, 620);
+constexpr QSize usualSize(940, 640);
 
 void Fill(QTreeWidget& list) {
     QTreeWidgetItem* place = nullptr;

@@ -75,20 +75,21 @@ CTraceSetupDialog::CTraceSetupDialog(QWidget* parent, TraceSetup& setup, std::st
     setWindowTitle("Trace Setup");
     SetHelpPage(*this, "trace-setup.md");
 
-    auto* buttons = new QDialogButtonBox(
-        QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::Help, Qt::Vertical);
+    auto* top = new QHBoxLayout;
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(top);
+    top->addWidget(MakeSetupGroup(), 1);
+    layout->addWidget(MakeEventGroup());
+    layout->addWidget(MakeControlGroup(), 1);
+    // They stand at the top, but are created last, so that Tab reaches them after the fields.
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel |
+                                             QDialogButtonBox::Help,
+                                         Qt::Vertical, this);
+    top->addWidget(buttons);
     buttons->button(QDialogButtonBox::Help)->setText("&Help");
     connect(buttons, &QDialogButtonBox::accepted, this, &CTraceSetupDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &CTraceSetupDialog::reject);
     connect(buttons, &QDialogButtonBox::helpRequested, this, parts_.showHelp);
-
-    auto* top = new QHBoxLayout;
-    top->addWidget(MakeSetupGroup(), 1);
-    top->addWidget(buttons);
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(top);
-    layout->addWidget(MakeEventGroup());
-    layout->addWidget(MakeControlGroup(), 1);
 
     ShowFields();
     ShowProgram();

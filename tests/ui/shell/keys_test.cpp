@@ -1,6 +1,7 @@
 // The keys of the windows, through real key events.
 
 #include "support/program_fixture_qt.h"
+#include "ui/display/trace_display.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/bar_button.h"
 #include "ui/framework/go_stop_child.h"
@@ -247,6 +248,78 @@ TEST_F(Keys, TheToolBarNamesTheKeys) {
     EXPECT_GT(keys, 10);
 }
 
+/// The names of the selected signals.
+std::string Selected(const CSignalList& list) {
+    std::string names;
+    for (const auto& signal : list.All()) {
+        if (signal->selected && signal->VisibleWidth() > 0) {
+            names += signal->RowName() + ";";
+        }
+    }
+    return names;
+}
+
+/// The names of the signals that show, in order.
+std::vector<std::string> Shown(const CSignalList& list) {
+    std::vector<std::string> names;
+    for (const auto& signal : list.All()) {
+        if (signal->VisibleWidth() > 0) {
+            names.push_back(signal->RowName() + ";");
+        }
+    }
+    return names;
+}
+
+TEST_F(Keys, CtrlAndTheArrowsSelectASignalAndScrollToIt) {
+    for (const char* file : {"Trigger2.tra", "Trigger1.tra"}) {
+        SCOPED_TRACE(file);
+        OpenFile(file);
+        const bool isState = TraceFrame().IsStateFrame();
+        const CSignalList& list = isState ? Trace().stateList : Trace().waveformList;
+        const std::vector<std::string> names = Shown(list);
+        ASSERT_GT(names.size(), 10U);
+        auto& display = *Active().findChild<TraceDisplay*>();
+        const Qt::Key on = isState ? Qt::Key_Right : Qt::Key_Down;
+        const Qt::Key back = isState ? Qt::Key_Left : Qt::Key_Up;
+        Type(on, Qt::ControlModifier);
+        EXPECT_EQ(Selected(list), names[0]);
+        Type(on, Qt::ControlModifier);
+        EXPECT_EQ(Selected(list), names[1]);
+        Type(back, Qt::ControlModifier);
+        Type(back, Qt::ControlModifier);
+        EXPECT_EQ(Selected(list), names[0]) << "there is none before it";
+        EXPECT_EQ(display.SignalBar().position, 0);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            Type(on, Qt::ControlModifier);
+        }
+        EXPECT_EQ(Selected(list), names.back());
+        const BarState bar = display.SignalBar();
+        EXPECT_GT(bar.position, 0);
+        EXPECT_GE(bar.position, bar.maximum - 20) << "the last one shows";
+    }
+}
+
+TEST_F(Keys, ShiftF10OpensTheMenuOnTheSelectedSignal) {
+    for (const char* file : {"Trigger2.tra", "Trigger1.tra"}) {
+        SCOPED_TRACE(file);
+        OpenFile(file);
+        const bool isState = TraceFrame().IsStateFrame();
+        const CSignalList& list = isState ? Trace().stateList : Trace().waveformList;
+        const std::vector<std::string> names = Shown(list);
+        EXPECT_TRUE(
+            AnswerMenu([&] { Type(Qt::Key_F10, Qt::ShiftModifier); }).contains("Change Signal..."));
+        EXPECT_EQ(Selected(list), names[0]) << "the first one if none was selected";
+        Type(Qt::Key_Right, Qt::ControlModifier);
+        AnswerMenu([&] { Type(Qt::Key_F10, Qt::ShiftModifier); }, "Insert Blank");
+        EXPECT_EQ(Shown(list).size(), names.size() + 1);
+        prompts.AnswerNext(Answer::Yes);
+        AnswerMenu([&] { Type(Qt::Key_Menu); }, "Delete Signal");
+        EXPECT_EQ(Shown(list).size(), names.size());
+        EXPECT_EQ(Shown(list)[2], names[2]);
+        EXPECT_NE(Shown(list)[1], names[1]) << "the blank one has taken its place";
+    }
+}
+
 TEST_F(Keys, CtrlTabAndCtrlF4AreForTheWindows) {
     OpenFile("Trigger2.tra");
     QMdiSubWindow* const first = &Active();
@@ -301,12 +374,12 @@ TEST_F(ListOfKeys, ShiftF1OpensItAndEscClosesIt) {
     EXPECT_TRUE(Window()->isVisible());
 }
 
-TEST_F(ListOfKeys, HasEachKeyOfTheMenusAndTheActiveWindow) {
+TEST_F(ListOfKeys, HasTheKeyOfEachCommand) {
     Type(Qt::Key_F1, Qt::ShiftModifier);
     const QStringList lines = Lines();
     EXPECT_TRUE(lines.contains("Menu File: Ctrl+S: Save the active document"));
     EXPECT_TRUE(lines.contains("Menu View: Ctrl++, Ctrl+=: Show fewer samples"));
-    EXPECT_TRUE(lines.contains("Active window: Shift+F5: Stop it"));
+    EXPECT_TRUE(lines.contains("Not in the menus: Shift+F5: Stop it"));
     EXPECT_TRUE(lines.contains("Waveforms: Page Up, Page Down: As many samples as fit"));
     // Whatever action has a key is in it.
     int keys = 0;
