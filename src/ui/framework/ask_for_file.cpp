@@ -35,7 +35,8 @@ QString ChosenExtension(const QFileDialog& dialog, const std::vector<FileType>& 
                                                         : chosen->extension);
 }
 
-/// Offers the types. When the user turns to another one, the name takes its extension.
+/// Offers the types. When the user turns to another one, the name takes its extension. Qt's own
+/// dialog changes the name by itself, that of the desktop may not.
 void OfferTypes(QFileDialog& dialog, const std::vector<FileType>& types) {
     QStringList filters;
     for (const FileType& type : types) {
