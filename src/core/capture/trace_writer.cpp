@@ -6,9 +6,6 @@
 #include "platform/text.h"
 #include "tracesetup/setup_file.h"
 
-#include <algorithm>
-#include <array>
-
 namespace busquill {
 
 namespace {
@@ -24,7 +21,7 @@ void WriteList(TextWriter& file, const CSignalList& list, const char* title, con
 } // namespace
 
 TraceFileWriter::TraceFileWriter(CTesselDoc& document)
-    : document_(document), store_(document.GetStore()), range_(RangeOf(document)) {}
+    : document_(document), store_(document.GetStore()), reader_(document) {}
 
 bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::int64_t last) {
     if (!file_.CreateBeside(path)) {
@@ -42,48 +39,24 @@ bool TraceFileWriter::Begin(const std::string& path, std::int64_t first, std::in
     if (HasSamples()) {
         file_.Write(
             Printf("\n\"Trace Data\",%d,%d\n", static_cast<int>(first), static_cast<int>(last)));
-        next_ = first + range_.before;
-        end_ = last + range_.before;
+        reader_.Start(first, last);
     }
     return true;
 }
 
 TraceFileWriter::Step TraceFileWriter::Write(std::size_t rows) {
-    std::array<SampleRecord, 1024> records;
+    SampleRows read;
+    const Step step = reader_.Read(rows, read);
     std::string text;
-    while (next_ <= end_) {
-        const auto wanted = static_cast<std::size_t>(std::min<std::int64_t>(
-            static_cast<std::int64_t>(std::min(rows, records.size())), end_ - next_ + 1));
-        if (wanted == 0) {
-            return Step::More;
-        }
-        const auto sample = static_cast<std::uint32_t>(next_);
-        const std::size_t copied = store_.CopySamples(sample, std::span(records).first(wanted));
-        if (copied == 0) {
-            if (document_.LoadedFromFile()) {
-                next_ = (next_ / blockSamples + 1) * blockSamples; // nothing fills this gap
-                continue;
-            }
-            const Arrival arrival = AwaitSample(document_, next_);
-            if (arrival == Arrival::Arrived) {
-                continue;
-            }
-            return arrival == Arrival::Coming ? Step::Waiting : Step::Missing;
-        }
-        text.clear();
-        for (std::size_t i = 0; i < copied; ++i, ++next_) {
-            if (document_.IsRowSample(next_, false)) {
-                AppendRow(text, next_ - range_.before, records[i]);
-            }
-        }
-        file_.Write(text);
-        rows -= copied;
+    for (std::size_t i = 0; i < read.Size(); ++i) {
+        AppendRow(text, read.numbers[i], read.records[i]);
     }
-    return Finish();
+    file_.Write(text);
+    return step == Step::Done ? Finish() : step;
 }
 
 TraceFileWriter::Step TraceFileWriter::Finish() {
-    if (end_ >= 0) {
+    if (HasSamples()) {
         file_.Write("\"End of Trace Data\"\n");
     }
     if (store_.HasZoom()) {
@@ -100,10 +73,6 @@ TraceFileWriter::Step TraceFileWriter::Finish() {
 
 void TraceFileWriter::Abort() {
     static_cast<void>(file_.Close()); // the file is abandoned anyway
-}
-
-int TraceFileWriter::Progress() const noexcept {
-    return ProgressOf(next_, end_);
 }
 
 } // namespace busquill

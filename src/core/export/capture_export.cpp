@@ -47,11 +47,12 @@ CaptureExport::CaptureExport(ExportFormat format, const Capture& capture)
     case ExportFormat::Session:
         period_ = capture.zoom ? PowerZoomPeriod(capture.setup.powerZoomClock)
                                : ClockPeriod(capture.setup.clock);
+        hasClock_ = period_.has_value();
     }
 }
 
 bool CaptureExport::NeedsSurvey() const noexcept {
-    return format_ == ExportFormat::Session && !period_ && !capture_.zoom;
+    return format_ == ExportFormat::Session && !hasClock_ && !capture_.zoom;
 }
 
 void CaptureExport::Survey(const SampleRows& rows) {

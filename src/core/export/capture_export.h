@@ -78,6 +78,7 @@ private:
 
     const ExportFormat format_;
     const Capture capture_;
+    bool hasClock_ = true; // whether the setup tells the samples' rate
     Sink sink_;
     bool takes_ = false; // whether the sink takes bytes of the session file now
     Run run_;

@@ -1,6 +1,6 @@
 #include "ui/capture/save_trace_dialog.h"
 
-#include "capture/trace_document.h"
+#include "capture/trace_writer.h"
 #include "platform/text.h"
 #include "ui/framework/help_page.h"
 
@@ -19,8 +19,15 @@ constexpr std::size_t rowsAtOnce = 50000;
 
 CSaveTraceDialog::CSaveTraceDialog(QWidget* parent, CTesselDoc& document, std::string path,
                                    Prompts& prompts, const MainThread& mainThread)
-    : CSampleRangeDialog(parent, RangeOf(document), 100, prompts, mainThread), document_(document),
-      path_(std::move(path)), writer_(std::make_unique<TraceFileWriter>(document)) {
+    : CSaveTraceDialog(
+          parent, RangeOf(document),
+          [&document] { return std::make_unique<TraceFileWriter>(document); }, std::move(path),
+          prompts, mainThread) {}
+
+CSaveTraceDialog::CSaveTraceDialog(QWidget* parent, const SampleRange& range, MakeWriter makeWriter,
+                                   std::string path, Prompts& prompts, const MainThread& mainThread)
+    : CSampleRangeDialog(parent, range, 100, prompts, mainThread),
+      makeWriter_(std::move(makeWriter)), path_(std::move(path)), writer_(makeWriter_()) {
     setWindowTitle("Save Trace");
     SetHelpPage(*this, "capture.md#saving");
     auto* file = new QLineEdit(QString::fromStdString(path_));
@@ -51,7 +58,7 @@ std::string CSaveTraceDialog::FailureText() const {
 
 void CSaveTraceDialog::Abandon(bool failed) {
     if (failed) {
-        writer_ = std::make_unique<TraceFileWriter>(document_);
+        writer_ = makeWriter_();
     } else {
         writer_->Abort();
     }

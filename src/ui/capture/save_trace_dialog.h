@@ -1,8 +1,9 @@
 #pragma once
 
-#include "capture/trace_writer.h"
+#include "capture/sample_reader.h"
 #include "ui/capture/sample_range_dialog.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -14,9 +15,18 @@ class CTesselDoc;
 class CSaveTraceDialog final : public CSampleRangeDialog {
     Q_OBJECT
 public:
+    using MakeWriter = std::function<std::unique_ptr<SampleWriter>()>;
+
+    /// Saves a trace file.
     CSaveTraceDialog(QWidget* parent, CTesselDoc& document, std::string path, Prompts& prompts,
                      const MainThread& mainThread);
+    /// Saves what the writers write; each attempt has its own. `range` is the one they can write.
+    CSaveTraceDialog(QWidget* parent, const SampleRange& range, MakeWriter makeWriter,
+                     std::string path, Prompts& prompts, const MainThread& mainThread);
     ~CSaveTraceDialog() override;
+
+    /// What the user should know about the saved file; empty if nothing.
+    [[nodiscard]] std::string Note() const { return writer_->Note(); }
 
 protected:
     [[nodiscard]] std::optional<std::string> Begin(std::int64_t first, std::int64_t last) override;
@@ -27,9 +37,9 @@ protected:
     void Abandon(bool failed) override;
 
 private:
-    CTesselDoc& document_;
+    const MakeWriter makeWriter_;
     const std::string path_;
-    std::unique_ptr<TraceFileWriter> writer_; // a new one for each attempt
+    std::unique_ptr<SampleWriter> writer_; // a new one for each attempt
 };
 
 } // namespace busquill

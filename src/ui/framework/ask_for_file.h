@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 class QWidget;
 
@@ -15,6 +16,14 @@ enum class FileUse {
     Name, // of a file that need not exist; one that does is not asked about
 };
 
+struct FileType {
+    std::string filter;    // "Setups (*.tsp)"
+    std::string extension; // ".tsp"
+};
+
+/// Whether a file has the extension of one of the types.
+[[nodiscard]] bool HasTypeOf(const std::string& path, const std::vector<FileType>& types);
+
 /// What a file dialog shows.
 struct FileQuestion {
     FileUse use = FileUse::Open;
@@ -25,6 +34,8 @@ struct FileQuestion {
     std::string name = {};   // suggested
     /// Another one that a name to save may have.
     std::string otherExtension = {};
+    /// Other types that the user can choose to save.
+    std::vector<FileType> otherTypes = {};
 };
 
 /// The question for a file to load or save of one kind, "Stimulus" with ".stm". It begins at the

@@ -4,7 +4,6 @@
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "platform/working_directory.h"
-#include "ui/framework/ask_for_file.h"
 #include "ui/framework/mdi_child.h"
 #include "ui/framework/view.h"
 
@@ -104,12 +103,21 @@ bool CMultiDocTemplate::DoSave(CDocument& document, bool askForPath) {
     if (path.empty() || askForPath) {
         const std::string proposed =
             path.empty() ? document.GetTitle() + strings_.extension : std::string(FileNameOf(path));
-        path = AskForFile(&area_,
-                          {FileUse::Save, "Save As", strings_.filterName, strings_.extension,
-                           std::string(FolderOf(path)), proposed},
-                          prompts_);
+        FileQuestion question{FileUse::Save,
+                              "Save As",
+                              strings_.filterName,
+                              strings_.extension,
+                              std::string(FolderOf(path)),
+                              proposed};
+        if (askForPath) {
+            question.otherTypes = factories_.exports;
+        }
+        path = AskForFile(&area_, question, prompts_);
         if (path.empty()) {
             return false;
+        }
+        if (HasTypeOf(path, question.otherTypes)) {
+            return factories_.exportTo(document, path);
         }
     }
     if (!document.OnSaveDocument(path)) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/framework/ask_for_file.h"
+
 #include <functional>
 #include <memory>
 #include <optional>
@@ -40,6 +42,10 @@ public:
         MakeFrame makeFrame;
         /// Called after a file has been opened.
         std::function<void(CDocument&)> fileOpened = [](CDocument&) {};
+        /// Other types that Save As offers, and what writes them. The file does not become the
+        /// document's, so it is no recent file either.
+        std::vector<FileType> exports = {};
+        std::function<bool(CDocument&, const std::string& path)> exportTo = nullptr;
     };
 
     CMultiDocTemplate(std::string_view docString, Factories factories, QMdiArea& area,

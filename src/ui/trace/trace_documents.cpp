@@ -3,6 +3,7 @@
 #include "capture/analyzer.h"
 #include "capture/trace_document.h"
 #include "platform/prompts.h"
+#include "platform/text.h"
 #include "platform/working_directory.h"
 #include "ui/capture/save_trace_dialog.h"
 #include "ui/display/trace_view.h"
@@ -10,6 +11,8 @@
 #include "ui/framework/window_timer.h"
 
 #include <QMdiArea>
+
+#include <filesystem>
 
 namespace busquill {
 
@@ -92,6 +95,53 @@ CTraceView* TraceDocuments::FindRealTimeView(TraceViewKind kind) const {
 bool TraceDocuments::SaveTrace(CTesselDoc& document, const std::string& path) {
     return CSaveTraceDialog(parts_.area.window(), document, path, parts_.prompts, parts_.mainThread)
                .exec() == QDialog::Accepted;
+}
+
+std::vector<FileType> TraceDocuments::ExportTypes() {
+    return {{"Value Change Dump (*.vcd)", ".vcd"},
+            {"Comma Separated Values (*.csv)", ".csv"},
+            {"Session File (*.sr)", ".sr"}};
+}
+
+/// What to write of a document: what its active window shows.
+ExportWriter::What TraceDocuments::WhatToExport(CTesselDoc& document, ExportFormat format) const {
+    const auto* frame = dynamic_cast<const CChildFrame*>(parts_.area.activeSubWindow());
+    const CTraceView* view =
+        frame != nullptr && &frame->Trace() == &document ? &frame->TraceView() : nullptr;
+    if (view != nullptr && view->IsZoom()) {
+        return {format, document.zoomList, ListUse::Wave, true};
+    }
+    return view != nullptr && view->IsState()
+               ? ExportWriter::What{format, document.stateList, ListUse::State}
+               : ExportWriter::What{format, document.waveformList, ListUse::Wave};
+}
+
+bool TraceDocuments::Export(CTesselDoc& document, const std::string& path) {
+    ExportWriter::What what =
+        WhatToExport(document, ExportFormatOf(path).value_or(ExportFormat::Table));
+    const SampleRange range = SampleReader(document, what.zoom).Range();
+    if (!range.hasSamples) {
+        parts_.prompts.Message("There are no samples to save.");
+        return false;
+    }
+    if (what.format == ExportFormat::Dump) {
+        std::error_code unknown;
+        const std::string viewer = ViewerPathOf(path);
+        what.viewerFile =
+            !std::filesystem::exists(viewer, unknown) ||
+            parts_.prompts.AskYesNo(
+                Printf("The file %s for the viewer already exists. Overwrite?", viewer.c_str()));
+    }
+    CSaveTraceDialog dialog(
+        parts_.area.window(), range, [&] { return std::make_unique<ExportWriter>(document, what); },
+        path, parts_.prompts, parts_.mainThread);
+    if (dialog.exec() != QDialog::Accepted) {
+        return false;
+    }
+    if (const std::string note = dialog.Note(); !note.empty()) {
+        parts_.prompts.Message(note);
+    }
+    return true;
 }
 
 CTesselDoc* TraceDocuments::RealTimeDocument() const {

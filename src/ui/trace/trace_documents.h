@@ -1,10 +1,12 @@
 #pragma once
 
+#include "export/export_writer.h"
 #include "ui/framework/feature.h"
 #include "ui/trace/child_frame.h"
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace busquill {
 
@@ -35,6 +37,11 @@ public:
 
     [[nodiscard]] std::unique_ptr<CDocument> MakeFileDocument();
     [[nodiscard]] CMDIChildWnd* MakeFrame(CDocument& document, TraceViewKind kind);
+    /// The types beside its own in which a trace can be written.
+    [[nodiscard]] static std::vector<FileType> ExportTypes();
+    /// Writes a range of samples in one of those types, with the signals of the active window; of a
+    /// Power Zoom window, its samples. False when nothing is written.
+    bool Export(CTesselDoc& document, const std::string& path);
     /// Shows a file with a state list as State, and opens another window for Power Zoom samples.
     void FileOpened(CDocument& document);
 
@@ -49,6 +56,7 @@ private:
     [[nodiscard]] CTesselDoc* RealTimeDocument() const;
     [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);
     void OpenZoomFrame(CTesselDoc& document);
+    [[nodiscard]] ExportWriter::What WhatToExport(CTesselDoc& document, ExportFormat format) const;
     [[nodiscard]] CMultiDocTemplate& Template() const;
 
     const FeatureParts parts_;

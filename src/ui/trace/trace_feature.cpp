@@ -46,6 +46,10 @@ Feature TraceFeature(const FeatureParts& parts) {
             return traces->MakeFrame(document, TraceViewKind::Waveform);
         },
         [traces](CDocument& document) { traces->FileOpened(document); },
+        TraceDocuments::ExportTypes(),
+        [traces](CDocument& document, const std::string& path) {
+            return traces->Export(static_cast<CTesselDoc&>(document), path);
+        },
     };
     feature.commands.On(
         CommandId::NewStateTrace, [traces] { traces->NewStateTrace(); },

@@ -153,6 +153,30 @@ TEST_F(LiveCapture, StopEndsItAndTheSamplesOfAViewAreReadFirst) {
     ASSERT_TRUE(Complete());
 }
 
+TEST_F(LiveCapture, ATableIsSavedWhileSamplesStillCome) {
+    Connect({"--buffer", "1024", "--rate", "100000"});
+    OpenState();
+    StopALongRun();
+    ASSERT_TRUE(Trace().IsUploading());
+    const std::int64_t last = Trace().SampleCount(false) + Trace().FirstSampleNumber(false) - 1;
+    ASSERT_FALSE(Trace().IsValidSample(Trace().SampleCount(false) - 1, false));
+    const QString title = frame->windowTitle();
+    SaveTraceUnder(
+        dir.File("live.csv"), [&] { Choose("File/Save As..."); },
+        [&](CSaveTraceDialog& dialog) {
+            SetSaveRange(dialog, QString::number(last - 99), QString::number(last));
+        });
+    EXPECT_TRUE(Trace().IsUploading()) << "the samples that are wanted have come first";
+    const std::string table = ReadWholeFile(dir.File("live.csv"));
+    EXPECT_EQ(std::ranges::count(table, '\n'), 1 + 100);
+    EXPECT_THAT(table, testing::HasSubstr("\n" + std::to_string(last) + ","));
+    EXPECT_TRUE(Trace().IsModified()) << "the capture itself has not been saved";
+    EXPECT_EQ(Trace().GetPathName(), "");
+    EXPECT_EQ(frame->windowTitle(), title);
+    board->Fault("normal");
+    ASSERT_TRUE(Complete());
+}
+
 TEST_F(LiveCapture, ASecondGoDuringTheUploadCancelsIt) {
     Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();
