@@ -8,6 +8,7 @@
 #include "tour.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
+#include "ui/display/wave_window.h"
 #include "ui/framework/go_stop_child.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
@@ -22,8 +23,10 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QDialogButtonBox>
 #include <QGroupBox>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMdiArea>
@@ -35,6 +38,7 @@
 #include <QTabWidget>
 #include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
 
 #include <algorithm>
 #include <cstdio>
@@ -358,6 +362,33 @@ void SearchPattern(Tour& tour, CMainFrame& frame) {
                  close});
 }
 
+/// The tool tip at a place of a display.
+void ShowTip(Tour& tour, QWidget& display, const QPoint& place) {
+    QHelpEvent ask(QEvent::ToolTip, place, display.mapToGlobal(place));
+    QApplication::sendEvent(&display, &ask);
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->objectName() == "qtooltip_label") {
+            tour.Picture(*window, "tool-tip");
+        }
+    }
+    QToolTip::hideText();
+}
+
+/// The list of all keys.
+void ShowKeys(Tour& tour, CMainFrame& frame) {
+    for (QAction* action : frame.actions()) {
+        if (action->text() == "Keys") {
+            action->trigger();
+        }
+    }
+    for (auto* dialog : frame.findChildren<QDialog*>()) {
+        if (dialog->isVisible() && dialog->windowTitle() == "Keys") {
+            tour.Picture(*dialog, "keys");
+            dialog->close();
+        }
+    }
+}
+
 void Walk(Tour& tour, Program& program) {
     CMainFrame& frame = program.Frame();
     tour.Picture(frame, "main-window");
@@ -405,6 +436,9 @@ void Walk(Tour& tour, Program& program) {
         QApplication::processEvents();
         tour.Picture(frame, "power-zoom");
     }
+    if (auto* waveforms = frame.Area().findChild<CWaveformWnd*>()) {
+        ShowTip(tour, *waveforms, {waveforms->width() / 2, waveforms->height() / 2});
+    }
     SearchPattern(tour, frame);
     tour.Choose(frame, "Search/Go to/Sample #", "go-to-sample");
     tour.Choose(frame, "Edit/Display/Name", "display-name");
@@ -428,6 +462,7 @@ void Walk(Tour& tour, Program& program) {
     tour.Choose(frame, "Window/Cascade", "message");
     tour.Picture(frame, "windows");
     ShowSets(tour, frame);
+    ShowKeys(tour, frame);
     tour.Choose(frame, "Help/Contents", "message");
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window->isVisible() && window->windowTitle() == "Busquill! Help") {

@@ -3,6 +3,9 @@
 #include "platform/settings.h"
 #include "ui/framework/painting.h"
 
+#include <QApplication>
+#include <QWidget>
+
 #include <algorithm>
 #include <cmath>
 #include <iterator>
@@ -132,6 +135,17 @@ QPalette FormPalette(const Settings& settings, QPalette usual) {
                        WithContrast(ground, usual.color(group, QPalette::WindowText), contrast));
     }
     return usual;
+}
+
+void KeepUsualText(QWidget& widget) {
+    QPalette own = widget.palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        own.setColor(group, QPalette::WindowText,
+                     QApplication::palette().color(group, QPalette::WindowText));
+    }
+    if (own != widget.palette()) {
+        widget.setPalette(own);
+    }
 }
 
 } // namespace busquill

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+class QWidget;
+
 namespace busquill {
 
 class Settings;
@@ -91,5 +93,7 @@ constexpr DisplaySettings waveformDisplay{
 /// The colours of a form on that background; `usual` are those of the program. The text is readable
 /// on it, whatever the theme of the desktop.
 [[nodiscard]] QPalette FormPalette(const Settings& settings, QPalette usual);
+/// Gives a widget inside a form the text of the program, since it has a ground of its own.
+void KeepUsualText(QWidget& widget);
 
 } // namespace busquill

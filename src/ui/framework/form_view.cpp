@@ -72,7 +72,7 @@ void CFormView::FollowColors() {
     if (palette().color(QPalette::WindowText) != wanted.color(QPalette::WindowText)) {
         setPalette(wanted);
         for (auto* bar : findChildren<QScrollBar*>()) {
-            bar->setPalette(QApplication::palette()); // its arrows have a ground of their own
+            KeepUsualText(*bar); // the colour of its arrows
         }
     }
 }

@@ -1,8 +1,8 @@
 #include "ui/testsuites/config_analysis_view.h"
 
+#include "ui/framework/display_colors.h"
 #include "ui/framework/painting.h"
 
-#include <QApplication>
 #include <QPainter>
 
 namespace busquill {
@@ -63,7 +63,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* /*event*/) override {
-        FollowColors();
+        KeepUsualText(*this);
         QPainter painter(this);
         DrawBox(painter, commandBox, "Command");
         DrawBox(painter, statusBox, "Status");
@@ -73,17 +73,6 @@ protected:
     }
 
 private:
-    /// Its background and its texts have the colours of the program, not those of the form.
-    void FollowColors() {
-        QPalette own = palette();
-        for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-            own.setColor(group, QPalette::WindowText,
-                         QApplication::palette().color(group, QPalette::WindowText));
-        }
-        if (own != palette()) {
-            setPalette(own);
-        }
-    }
     [[nodiscard]] int Pitch() const { return fontMetrics().height(); }
     [[nodiscard]] int Characters(int count) const {
         return count * fontMetrics().averageCharWidth();
