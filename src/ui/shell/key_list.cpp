@@ -27,6 +27,7 @@ constexpr FixedKey fixedKeys[] = {
     {"Bits of a pattern",      "X",                        "Ignore the digit at the caret"},
     {"Bits of a pattern",      "Left, Backspace, Right",   "Move the caret"},
     {"Bits of a pattern",      "Home, End",                "First digit, end of the value"},
+    {"Fields of bits",         "Space",                    "Open the bits of the value"},
     {"Memory and data",        "Up, Down",                 "One row"},
     {"Memory and data",        "Page Up, Page Down",       "As many rows as fit"},
     {"Memory and data",        "Home, End",                "First row, last row"},

@@ -13,9 +13,9 @@ namespace busquill {
 
 namespace {
 
-constexpr QSize usualSize(940, 640);
+constexpr QSize keysSize(940, 640);
 
-void Fill(QTreeWidget& list) {
+void FillWithKeys(QTreeWidget& list) {
     QTreeWidgetItem* place = nullptr;
     for (const KeyLine& line : AllKeys()) {
         if (place == nullptr || place->text(0) != line.place) {
@@ -35,12 +35,12 @@ void Fill(QTreeWidget& list) {
 KeysWindow::KeysWindow(QWidget* parent) : QDialog(parent) {
     setWindowTitle("Keys");
     SetHelpPage(*this, "keys.md");
-    resize(usualSize);
+    resize(keysSize);
     auto* list = new QTreeWidget;
     list->setObjectName("Keys");
     list->setHeaderLabels({"Key", "Does", "Menu entry"});
     list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    Fill(*list);
+    FillWithKeys(*list);
     for (const int column : {0, 1}) {
         list->resizeColumnToContents(column);
     }

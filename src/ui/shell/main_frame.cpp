@@ -141,6 +141,7 @@ void CMainFrame::MakeActions() {
         if (*command.shortcut != '\0') {
             action->setShortcuts(QKeySequence::listFromString(command.shortcut));
         }
+        action->setAutoRepeat(command.id != CommandId::Go); // a second Go would end the first run
         connect(action, &QAction::triggered, this, [this, id = command.id] { Run(id); });
         actions_[command.id] = action;
     }

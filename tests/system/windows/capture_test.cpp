@@ -177,6 +177,23 @@ TEST_F(LiveCapture, ATableIsSavedWhileSamplesStillCome) {
     ASSERT_TRUE(Complete());
 }
 
+TEST_F(LiveCapture, F5StartsARunAndShiftF5StopsIt) {
+    Connect({"--buffer", "64", "--rate", "4000"});
+    OpenState();
+    Frame().show();
+    const auto press = [&](Qt::KeyboardModifiers modifiers) {
+        QApplication::setActiveWindow(&Frame());
+        Frame().RefreshCommands(); // the program does so before it waits for the next key
+        QTest::keyClick(frame->GetActiveView(), Qt::Key_F5, modifiers);
+    };
+    press({});
+    ASSERT_TRUE(RunUntil([&] { return Text("After").toInt() > 20; }));
+    EXPECT_TRUE(Running());
+    press(Qt::ShiftModifier);
+    EXPECT_TRUE(Complete());
+    EXPECT_GT(Trace().SampleCount(false), 20);
+}
+
 TEST_F(LiveCapture, ASecondGoDuringTheUploadCancelsIt) {
     Connect({"--buffer", "1024", "--rate", "100000"});
     OpenState();

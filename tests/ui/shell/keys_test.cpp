@@ -99,6 +99,38 @@ TEST_F(Keys, F5ReachesTheActiveWindowOnlyAlsoFromAFieldOfItsForm) {
     EXPECT_EQ(others, 0);
 }
 
+TEST_F(Keys, F5ThatIsHeldDownStartsOneRun) {
+    Choose("File/New/Target");
+    auto& window = dynamic_cast<CGoStopChild&>(Active());
+    int goes = 0;
+    window.go = [&] { ++goes; };
+    Type(Qt::Key_F5);
+    for (int i = 0; i < 3; ++i) {
+        QTest::simulateEvent(QApplication::focusWidget(), true, Qt::Key_F5, {}, "", true, 0);
+    }
+    EXPECT_EQ(goes, 1);
+}
+
+TEST_F(Keys, InACheckListSpaceChecksAndTheArrowsFold) {
+    Choose("File/New/Anomaly Detection");
+    auto& list = *Active().findChild<QTreeWidget*>();
+    QTreeWidgetItem* group = nullptr;
+    for (int i = 0; i < list.topLevelItemCount() && group == nullptr; ++i) {
+        group = list.topLevelItem(i)->childCount() > 0 ? list.topLevelItem(i) : nullptr;
+    }
+    ASSERT_NE(group, nullptr);
+    list.setFocus();
+    list.setCurrentItem(group);
+    const Qt::CheckState before = group->checkState(0);
+    Type(Qt::Key_Space);
+    EXPECT_NE(group->checkState(0), before);
+    ASSERT_TRUE(group->isExpanded());
+    Type(Qt::Key_Left);
+    EXPECT_FALSE(group->isExpanded());
+    Type(Qt::Key_Right);
+    EXPECT_TRUE(group->isExpanded());
+}
+
 TEST_F(Keys, WithoutAWindowTheyDoNothing) {
     for (const Qt::Key key : {Qt::Key_F5, Qt::Key_F6, Qt::Key_F7, Qt::Key_F9}) {
         Type(key);

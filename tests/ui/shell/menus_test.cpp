@@ -11,6 +11,9 @@
 #include <QStatusBar>
 #include <QToolBar>
 
+#include <map>
+#include <ostream>
+
 namespace busquill::test {
 namespace {
 
@@ -21,6 +24,11 @@ struct Window {
     const char* opens; // an entry of File > New, or a stored capture
     Shows shows;
 };
+
+/// The name that the list of tests shows.
+void PrintTo(const Window& window, std::ostream* out) {
+    *out << window.name;
+}
 
 constexpr Window windows[] = {
     {"None", "", Shows::Nothing},
