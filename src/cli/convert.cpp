@@ -10,8 +10,13 @@
 #include "platform/text.h"
 #include "platform/working_directory.h"
 
-#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace busquill::cli {
 

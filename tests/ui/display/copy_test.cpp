@@ -5,7 +5,9 @@
 #include <QClipboard>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
