@@ -106,9 +106,9 @@ void CTraceView::MakeCommands() {
     }
     constexpr std::tuple<CommandId, GoToTarget, bool> steps[] = {
         {CommandId::Marker1Back, GoToTarget::Marker1, false},
-        {CommandId::Marker1On, GoToTarget::Marker1, true},
+        {CommandId::Marker1Forward, GoToTarget::Marker1, true},
         {CommandId::Marker2Back, GoToTarget::Marker2, false},
-        {CommandId::Marker2On, GoToTarget::Marker2, true},
+        {CommandId::Marker2Forward, GoToTarget::Marker2, true},
     };
     for (const auto& [id, marker, forward] : steps) {
         commands.On(
