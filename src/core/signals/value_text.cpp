@@ -126,16 +126,6 @@ void BlankDisabledLanes(std::string& text, const SampleRecord& record) {
     }
 }
 
-int VmeAddressWidth(std::uint64_t addressModifier) noexcept {
-    if (addressModifier == 0x32 || addressModifier >= 0x38) {
-        return 24;
-    }
-    if (addressModifier == 0x2D || addressModifier == 0x2C || addressModifier == 0x29) {
-        return 16;
-    }
-    return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
-}
-
 /// Blanks the leading digits beyond an address of this width.
 void BlankBeyondAddress(std::string& text, int addressWidth) {
     constexpr std::size_t longText = 9;
@@ -194,6 +184,16 @@ std::string CommandText(const BoardTraits& board, const SampleRecord& record, st
 }
 
 } // namespace
+
+int VmeAddressWidth(std::uint64_t addressModifier) noexcept {
+    if (addressModifier == 0x32 || addressModifier >= 0x38) {
+        return 24;
+    }
+    if (addressModifier == 0x2D || addressModifier == 0x2C || addressModifier == 0x29) {
+        return 16;
+    }
+    return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
+}
 
 std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std::int32_t radix,
                         std::span<const std::uint8_t> mask, bool zoom) {

@@ -34,6 +34,9 @@ namespace busquill {
 /// with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
 
+/// The bits of an address with this address modifier that the listing shows: 16, 24, 32 or 40.
+[[nodiscard]] int VmeAddressWidth(std::uint64_t addressModifier) noexcept;
+
 /// The text of one cell of a decoded signal. `label` may be null.
 [[nodiscard]] std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal,
                                              std::int64_t sample, std::int64_t firstSample,
