@@ -1,6 +1,5 @@
 #include "analysis/transaction_follower.h"
 
-#include "platform/text.h"
 #include "signals/value_text.h"
 
 #include <utility>
@@ -135,13 +134,6 @@ void TransactionFollower::Remember(const Transaction& transaction) {
                (sequence.isMessage || transaction.bytes >= sequence.byteCount)) {
         splits_.erase(sequence.requester); // another one completes it if data are left
     }
-}
-
-std::string AddressText(const BusTraffic& traffic, const Transaction& transaction) {
-    return transaction.address && !transaction.isHeadless
-               ? Printf("%0*llX", traffic.AddressDigits(transaction),
-                        static_cast<unsigned long long>(*transaction.address))
-               : std::string();
 }
 
 } // namespace busquill

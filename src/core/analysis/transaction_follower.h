@@ -70,7 +70,4 @@ private:
     std::optional<Transaction> ended_;
 };
 
-/// The address of a transaction, in hexadecimal; empty if it is not known.
-[[nodiscard]] std::string AddressText(const BusTraffic& traffic, const Transaction& transaction);
-
 } // namespace busquill
