@@ -359,14 +359,14 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
         for (std::size_t i = 0; i < rows->Size(); ++i) {
             hasGaps = hasGaps || rows->numbers[i] != next;
             next = std::int64_t{rows->numbers[i]} + 1;
-            const Transaction* const ended = follower.Add(rows->numbers[i], rows->records[i]);
-            if (ended == nullptr || ended->sample < range.from) {
-                continue;
+            for (const Transaction& ended : follower.Add(rows->numbers[i], rows->records[i])) {
+                if (ended.sample > range.to) {
+                    return hasGaps;
+                }
+                if (ended.sample >= range.from) {
+                    take(ended);
+                }
             }
-            if (ended->sample > range.to) {
-                return hasGaps;
-            }
-            take(*ended);
         }
         progress.At(next - first);
     }

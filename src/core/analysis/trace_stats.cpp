@@ -48,8 +48,8 @@ void TraceStats::Add(std::span<const SampleRecord> records) {
 
 void TraceStats::AddSample(std::int64_t number, const SampleRecord& record) {
     const std::int64_t before = follower_.Time();
-    if (const Transaction* const ended = follower_.Add(number, record)) {
-        tally_.Add(*ended);
+    for (const Transaction& ended : follower_.Add(number, record)) {
+        tally_.Add(ended);
     }
     idleTime_ = AddTimes(idleTime_, idle_ ? AddTimes(follower_.Time(), -before) : 0);
     idle_ = follower_.IsIdle(record);

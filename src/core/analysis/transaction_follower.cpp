@@ -30,7 +30,8 @@ bool TransactionFollower::HasFinding(const SampleRecord& record) const {
     return ruleCheck_ && ruleCheck_->Word(record) != 0;
 }
 
-const Transaction* TransactionFollower::Add(std::int64_t number, const SampleRecord& record) {
+std::span<const Transaction> TransactionFollower::Add(std::int64_t number,
+                                                      const SampleRecord& record) {
     const bool isFirst = std::exchange(isFirst_, false);
     const bool isAfterGap = !isFirst && number != number_ + 1;
     number_ = number;
@@ -38,10 +39,10 @@ const Transaction* TransactionFollower::Add(std::int64_t number, const SampleRec
     if (!isFirst && sampleTime_) {
         time_ = AddTimes(time_, sampleTime_->Of(record));
     }
+    endedCount_ = 0;
     if (!traffic_) {
-        return nullptr;
+        return {};
     }
-    ended_.reset();
     if (isAfterGap) {
         Break();
     }
@@ -52,23 +53,19 @@ const Transaction* TransactionFollower::Add(std::int64_t number, const SampleRec
     } else {
         const bool isInside = done->lastSample == number;
         findings_ += isInside ? finding : 0;
-        ended_ = std::move(*done);
-        Complete(*ended_);
-        Remember(*ended_);
+        End(std::move(*done));
         findings_ = isInside ? 0 : finding;
     }
     if (traffic_->Open() == nullptr) {
         findings_ = 0;
     }
-    return ended_ ? &*ended_ : nullptr;
+    return std::span(ended_).first(endedCount_);
 }
 
 /// Samples are missing: what was in progress is not known any more.
 void TransactionFollower::Break() {
     if (const Transaction* const open = traffic_->Open()) {
-        ended_ = *open;
-        Complete(*ended_);
-        Remember(*ended_);
+        End(*open);
     }
     traffic_->Restart();
     lastEnd_.reset();
@@ -121,7 +118,10 @@ void TransactionFollower::Complete(Transaction& transaction) const {
     }
 }
 
-void TransactionFollower::Remember(const Transaction& transaction) {
+void TransactionFollower::End(Transaction ended) {
+    Transaction& transaction = ended_[endedCount_++];
+    transaction = std::move(ended);
+    Complete(transaction);
     ++transactions_;
     lastEnd_ = transaction.lastTime;
     if (!transaction.sequence) {

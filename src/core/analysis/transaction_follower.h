@@ -3,12 +3,13 @@
 #include "analysis/bus_traffic.h"
 #include "signals/record_field.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
-#include <string>
+#include <span>
 
 namespace busquill {
 
@@ -23,9 +24,9 @@ public:
     /// How many data words of each transaction are kept; none by default.
     void KeepWords(std::size_t count);
 
-    /// Takes the next sample. Returns the transaction that ends with it or has ended before it, or
-    /// null; it is valid until the next call.
-    [[nodiscard]] const Transaction* Add(std::int64_t number, const SampleRecord& record);
+    /// Takes the next sample. Returns the transactions that end with it or have ended before it: at
+    /// most one, or two after missing samples. They are valid until the next call.
+    [[nodiscard]] std::span<const Transaction> Add(std::int64_t number, const SampleRecord& record);
     /// The transaction in progress at the last sample, if any, as cut off; more samples may be
     /// added.
     [[nodiscard]] std::optional<Transaction> Unfinished() const;
@@ -52,8 +53,8 @@ private:
     void Break();
     /// Adds what the capture around a transaction tells.
     void Complete(Transaction& transaction) const;
-    /// Keeps what the next transactions need to know of one that has ended.
-    void Remember(const Transaction& transaction);
+    /// Takes one that has ended, with what the next ones need to know of it.
+    void End(Transaction ended);
 
     std::unique_ptr<BusTraffic> traffic_;
     std::optional<SampleTime> sampleTime_;
@@ -67,7 +68,8 @@ private:
     std::optional<std::int64_t> lastEnd_;           // time; nothing if samples are missing since
     bool isWhole_ = true;                           // it has seen all samples from the first on
     std::map<std::uint32_t, std::uint64_t> splits_; // numbers of split requests, by requester
-    std::optional<Transaction> ended_;
+    std::array<Transaction, 2> ended_;
+    std::size_t endedCount_ = 0;
 };
 
 } // namespace busquill

@@ -165,6 +165,21 @@ TEST_F(PciTransactions, AreUnknownWhereSamplesAreMissing) {
     EXPECT_EQ(transactions[1].gap, std::nullopt);
 }
 
+TEST_F(PciTransactions, EndTwiceInASampleAfterMissingOnes) {
+    // The sample after the gap is the last clock of a transaction that began inside it.
+    const auto transactions = Read("~______~~~")
+                                  .Line("IRDY", "~~______~~")
+                                  .Line("TRDY", "~~~~~~~_~~")
+                                  .Line("DEVSEL", "~~______~~")
+                                  .Missing(4, 6)
+                                  .Transactions();
+    ASSERT_EQ(transactions.size(), 2U);
+    EXPECT_FALSE(transactions[0].isHeadless);
+    EXPECT_EQ(transactions[0].lastSample, 3);
+    EXPECT_TRUE(transactions[1].isHeadless);
+    EXPECT_EQ(transactions[1].sample, 7);
+}
+
 TEST_F(PciTransactions, AreNotInventedWhereSamplesOfIdleTimeAreMissing) {
     EXPECT_THAT(Read("~~~~~~~~").At(1, "ADR/DATA", 0).Missing(2, 4).Transactions(), IsEmpty());
 }

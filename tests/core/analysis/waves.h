@@ -81,8 +81,8 @@ public:
                 continue;
             }
             const auto number = static_cast<std::int64_t>(i);
-            if (const Transaction* const ended = follower.Add(number, records_[i])) {
-                transactions.push_back(*ended);
+            for (const Transaction& ended : follower.Add(number, records_[i])) {
+                transactions.push_back(ended);
             }
         }
         if (const auto unfinished = follower.Unfinished()) {
