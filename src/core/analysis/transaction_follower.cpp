@@ -74,19 +74,26 @@ void TransactionFollower::Break() {
     findings_ = 0;
 }
 
+void TransactionFollower::Restart() {
+    if (traffic_) {
+        traffic_->Restart();
+    }
+    isFirst_ = isWhole_ = true;
+    time_ = 0;
+    transactions_ = 0;
+    findings_ = 0;
+    lastEnd_.reset();
+    splits_.clear();
+}
+
 void TransactionFollower::Resume(const Place& place) {
-    isFirst_ = false;
-    isWhole_ = false;
+    Restart();
+    isFirst_ = isWhole_ = false;
     number_ = place.number;
     time_ = place.time;
     transactions_ = place.transactions;
-    lastEnd_.reset();
-    splits_.clear();
-    findings_ = 0;
     if (traffic_ && place.before != nullptr) {
         traffic_->RestartAfter(*place.before);
-    } else if (traffic_) {
-        traffic_->Restart();
     }
 }
 

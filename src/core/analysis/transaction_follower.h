@@ -38,6 +38,8 @@ public:
         std::int64_t time = 0;                // of that sample
         const SampleRecord* before = nullptr; // that sample; null if others are missing since
     };
+    /// Begins with a new capture.
+    void Restart();
     /// Continues there, in a transaction that begins with the next sample.
     void Resume(const Place& place);
 
