@@ -1,3 +1,4 @@
+#include "analysis/transaction_condition.h"
 #include "analysis/transaction_follower.h"
 #include "analysis/transaction_totals.h"
 #include "cli/capture_options.h"
@@ -29,6 +30,7 @@ struct Options : CaptureOptions {
     std::optional<Format> format;
     bool summary = false;
     std::int64_t words = 8;
+    std::string where; // empty: all
 };
 
 template <typename Number>
@@ -47,11 +49,35 @@ void AppendCell(std::string& line, std::string_view text, std::size_t width, boo
     line.append(isNumber ? 0 : blanks, ' ');
 }
 
+/// The labels of commands, each looked up once.
+class CommandLabels {
+public:
+    explicit CommandLabels(const BusTraffic& traffic) : traffic_(traffic) {}
+
+    /// Empty for a headless transaction.
+    [[nodiscard]] const std::string& Of(const Transaction& transaction) {
+        static const std::string none;
+        if (transaction.isHeadless) {
+            return none;
+        }
+        const auto [label, isNew] = labels_.try_emplace(transaction.command);
+        if (isNew) {
+            label->second = traffic_.NameOf(transaction.command).label;
+        }
+        return label->second;
+    }
+
+private:
+    const BusTraffic& traffic_;
+    std::unordered_map<std::uint32_t, std::string> labels_;
+};
+
 /// Writes transactions, one a line.
 class TransactionWriter {
 public:
     TransactionWriter(Output& output, Format format, const BusTraffic& traffic, bool hasSplits)
-        : output_(output), format_(format), traffic_(traffic), hasSplits_(hasSplits) {
+        : output_(output), format_(format), traffic_(traffic), hasSplits_(hasSplits),
+          labels_(traffic) {
         if (format == Format::Csv) {
             output.Write("number,sample,time,command,address,words,bytes,wait,initiatorWait,"
                          "latency,end,gap,tag,splitRequest,findings,data\n");
@@ -130,24 +156,12 @@ private:
             text += "0123456789ABCDEF"[value >> (4 * digit) & 0xF];
         }
     }
-    /// Empty for a headless transaction.
-    [[nodiscard]] const std::string& Command(const Transaction& transaction) {
-        static const std::string none;
-        if (transaction.isHeadless) {
-            return none;
-        }
-        const auto [name, isNew] = names_.try_emplace(transaction.command);
-        if (isNew) {
-            name->second = traffic_.NameOf(transaction.command).label;
-        }
-        return name->second;
-    }
-
     void AsText(const Transaction& each) {
         AppendCell(line_, Number(static_cast<std::int64_t>(each.number)), numberWidth, true);
         AppendCell(line_, Number(each.sample), numberWidth, true);
         AppendCell(line_, Time(each.time), timeWidth, true);
-        AppendCell(line_, each.isHeadless ? "(begun before)" : Command(each), commandWidth, false);
+        AppendCell(line_, each.isHeadless ? "(begun before)" : labels_.Of(each), commandWidth,
+                   false);
         AppendCell(line_, Address(each, ""), addressWidth, false);
         AppendCell(line_, Number(static_cast<std::int64_t>(each.bytes)), countWidth, true);
         if (traffic_.HasClock()) {
@@ -174,7 +188,7 @@ private:
         line_ += ' ';
         for (const DataWord& word : each.words) {
             line_ += ' ';
-            line_ += TextOf(word);
+            AppendText(line_, word);
         }
         if (each.words.size() < each.dataPhases) {
             line_ += " ...";
@@ -204,7 +218,7 @@ private:
         line_ += ',';
         AppendNumber(line_, each.time);
         line_ += ',';
-        AppendCsvCell(line_, Command(each));
+        AppendCsvCell(line_, labels_.Of(each));
         line_ += ',';
         line_ += Address(each, "0x");
         Fields(each, [this](const char* /*name*/, bool has, const auto& value) {
@@ -217,7 +231,7 @@ private:
         const char* before = "";
         for (const DataWord& word : each.words) {
             line_ += before;
-            line_ += TextOf(word);
+            AppendText(line_, word);
             before = " ";
         }
     }
@@ -233,7 +247,7 @@ private:
         if (each.isHeadless) {
             line_ += "null, \"address\": null";
         } else {
-            AppendJsonText(line_, Command(each));
+            AppendJsonText(line_, labels_.Of(each));
             line_ += ", \"address\": ";
             AppendJsonText(line_, Address(each, "0x"));
         }
@@ -251,7 +265,7 @@ private:
         const char* before = "\"";
         for (const DataWord& word : each.words) {
             line_ += before;
-            line_ += TextOf(word);
+            AppendText(line_, word);
             line_ += '"';
             before = ", \"";
         }
@@ -273,7 +287,7 @@ private:
     const Format format_;
     const BusTraffic& traffic_;
     const bool hasSplits_; // PCI-X
-    std::unordered_map<std::uint32_t, std::string> names_;
+    CommandLabels labels_;
     std::string line_;
     std::string cell_;
 };
@@ -377,6 +391,18 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
     return hasGaps || next <= last;
 }
 
+/// What is wrong with an expression; empty if nothing is.
+std::string WrongExpression(const std::string& text) {
+    const auto parsed = TransactionCondition::Parse(text);
+    const auto* const error = std::get_if<ExpressionError>(&parsed);
+    if (error == nullptr) {
+        return {};
+    }
+    const std::string rest = text.substr(error->place);
+    return Printf("is wrong at %s: %s", rest.empty() ? "its end" : ("\"" + rest + "\"").c_str(),
+                  error->message.c_str());
+}
+
 int Run(const Options& options) {
     CheckTarget(options.output, {options.file});
     CheckRange(options.range);
@@ -390,11 +416,22 @@ int Run(const Options& options) {
     TraceInput input(options.file, bus.Tables());
     input.ReadHead();
     Output output(options.output.path);
+    std::optional<TransactionCondition> condition;
+    if (!options.where.empty()) {
+        condition = std::get<TransactionCondition>(TransactionCondition::Parse(options.where));
+    }
+    CommandLabels labels(*traffic);
+    const auto isWanted = [&](const Transaction& each) {
+        return !condition || condition->Holds(each, labels.Of(each));
+    };
     TransactionTotals totals;
     bool hasGaps = false;
     if (options.summary) {
-        hasGaps = ForEachTransaction(input, follower, options.range,
-                                     [&](const Transaction& each) { totals.Add(each); });
+        hasGaps = ForEachTransaction(input, follower, options.range, [&](const Transaction& each) {
+            if (isWanted(each)) {
+                totals.Add(each);
+            }
+        });
         output.Write(format == Format::Json ? JsonLine(SummaryAsJson(totals, *traffic)) + "\n"
                                             : SummaryAsText(totals, *traffic));
     } else {
@@ -402,8 +439,10 @@ int Run(const Options& options) {
         TransactionWriter writer(output, format, *traffic, bus.Board().IsPciXMode());
         std::uint64_t written = 0;
         hasGaps = ForEachTransaction(input, follower, options.range, [&](const Transaction& each) {
-            writer.Add(each);
-            ++written;
+            if (isWanted(each)) {
+                writer.Add(each);
+                ++written;
+            }
         });
         if (written == 0) {
             output.CloseOrDiscard(false);
@@ -427,6 +466,10 @@ void AddTransactions(CLI::App& program) {
                                    [options] { return Run(*options); });
     AddCaptureOptions(command, *options);
     AddRange(command, options->range);
+    Checked(
+        AddText(command, "--where", options->where, "EXPR",
+                "only transactions for which this holds, such as \"wait > 4 and end == retry\""),
+        WrongExpression);
     AddChoice<Format>(command, "--format",
                       {{"text", Format::Text}, {"csv", Format::Csv}, {"json", Format::Json}},
                       options->format, "text|csv|json",

@@ -503,6 +503,25 @@ TEST_F(TraceCommands, TransactionsOfARangeKeepTheirNumbersAndGaps) {
     EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
 }
 
+TEST_F(TraceCommands, TransactionsForWhichAConditionHolds) {
+    const auto count = [&](const std::string& where) {
+        const std::string out =
+            Run({"transactions", data + "Trigger2.tra", "--where", where, "--format", "csv"}).out;
+        return std::ranges::count(out, '\n') - 1; // without the titles
+    };
+    EXPECT_EQ(count("end == retry"), 10);
+    EXPECT_EQ(count("command == \"mem rd\""), 68);
+    EXPECT_EQ(count("command == \"Mem *\" and not end == complete"), 26);
+    EXPECT_EQ(count("number in 5..9"), 5);
+    EXPECT_EQ(count("address == 0xFEBF_XXXX"), count("address in 0xFEBF0000..0xFEBFFFFF"));
+    const std::string sums =
+        Run({"transactions", data + "Trigger2.tra", "--where", "end == retry", "--summary"}).out;
+    EXPECT_THAT(sums, EndsWith("TRANSACTIONS\nretry                              10\n"));
+    const ProgramRun none = Run({"transactions", data + "Trigger2.tra", "--where", "number < 1"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
+}
+
 TEST_F(TraceCommands, SummaryOfTransactions) {
     dir.Write("two.tra", TwoWords());
     EXPECT_EQ(Run({"transactions", "two.tra", "--summary"}).out,

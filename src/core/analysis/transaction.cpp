@@ -10,9 +10,8 @@ std::string_view NameOf(TransactionEnd end) noexcept {
     return names[static_cast<std::size_t>(end)];
 }
 
-std::string TextOf(const DataWord& word) {
+void AppendText(std::string& text, const DataWord& word) {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string text;
     for (unsigned lane = word.width; lane-- > 0;) {
         if ((word.lanes >> lane & 1U) == 0) {
             text += "--";
@@ -21,7 +20,6 @@ std::string TextOf(const DataWord& word) {
         text += digits[word.value >> (8 * lane + 4) & 0xF];
         text += digits[word.value >> (8 * lane) & 0xF];
     }
-    return text;
 }
 
 } // namespace busquill

@@ -40,7 +40,7 @@ struct DataWord {
 };
 
 /// Hexadecimal digits, "--" for a byte that was not transferred.
-[[nodiscard]] std::string TextOf(const DataWord& word);
+void AppendText(std::string& text, const DataWord& word);
 
 /// PCI-X: the sequence that a transaction belongs to, from its attributes.
 struct SplitSequence {

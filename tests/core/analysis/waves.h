@@ -21,6 +21,11 @@ inline void PrintTo(const FindingCount& finding, std::ostream* out) {
     *out << int{finding.code} << " \"" << finding.label << "\" " << finding.count << " x from "
          << finding.firstSample;
 }
+inline std::string TextOf(const DataWord& word) {
+    std::string text;
+    AppendText(text, word);
+    return text;
+}
 inline void PrintTo(const DataWord& word, std::ostream* out) {
     *out << TextOf(word);
 }
