@@ -213,14 +213,11 @@ std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std:
 
 std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept {
     constexpr unsigned maxWidth = 32;
-    constexpr std::int64_t units[] = {1, 1000, 1000000, 1000000000};
     if (width > maxWidth) {
         return 0;
     }
     // One bit more than the field has; existing captures depend on it.
-    const auto bits = static_cast<std::uint32_t>(BitsAt(data, 0, std::min(width + 1, maxWidth)));
-    const auto count = static_cast<std::int32_t>(bits) >> 2;
-    return count * units[bits & 3];
+    return TimeOfBits(static_cast<std::uint32_t>(BitsAt(data, 0, std::min(width + 1, maxWidth))));
 }
 
 std::string FormatTime(std::int64_t t, bool zoom) {
