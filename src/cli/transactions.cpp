@@ -196,19 +196,20 @@ private:
         line_.erase(line_.find_last_not_of(' ') + 1);
     }
 
-    /// The fields between the command and the data; `none` stands for one without a value.
+    /// The fields between the address and the data: as JSON begins them, whether the transaction
+    /// has them, and their values.
     template <typename Field>
     void Fields(const Transaction& each, Field field) {
-        field("words", true, each.dataPhases);
-        field("bytes", true, each.bytes);
-        field("wait", true, each.Wait());
-        field("initiatorWait", true, each.waitStates.initiator);
-        field("latency", each.firstData.has_value(), each.Latency().value_or(0));
-        field("end", true, NameOf(each.end));
-        field("gap", each.gap.has_value(), each.gap.value_or(0));
-        field("tag", each.sequence.has_value(), each.sequence ? each.sequence->Tag() : 0);
-        field("splitRequest", each.splitRequest.has_value(), each.splitRequest.value_or(0));
-        field("findings", true, each.findings);
+        field(", \"words\": ", true, each.dataPhases);
+        field(", \"bytes\": ", true, each.bytes);
+        field(", \"wait\": ", true, each.Wait());
+        field(", \"initiatorWait\": ", true, each.waitStates.initiator);
+        field(", \"latency\": ", each.firstData.has_value(), each.Latency().value_or(0));
+        field(", \"end\": ", true, NameOf(each.end));
+        field(", \"gap\": ", each.gap.has_value(), each.gap.value_or(0));
+        field(", \"tag\": ", each.sequence.has_value(), each.sequence ? each.sequence->Tag() : 0);
+        field(", \"splitRequest\": ", each.splitRequest.has_value(), each.splitRequest.value_or(0));
+        field(", \"findings\": ", true, each.findings);
     }
 
     void AsCsv(const Transaction& each) {
@@ -252,9 +253,7 @@ private:
             AppendJsonText(line_, Address(each, "0x"));
         }
         Fields(each, [this](const char* name, bool has, const auto& value) {
-            line_ += ", \"";
             line_ += name;
-            line_ += "\": ";
             if (has) {
                 AppendValue(value, "\"");
             } else {

@@ -47,15 +47,17 @@ std::string WithBlanks(const std::string& digits) {
 
 /// A whole number and its thousandths: three decimals up to 9, two up to 99, then one.
 std::string Scaled(std::int64_t whole, std::int64_t thousandths, const char* unit) {
-    const auto w = static_cast<long long>(whole);
-    const auto t = static_cast<long long>(thousandths);
-    if (whole > 99) {
-        return Printf("%lld.%01lld%s", w, t / 100, unit);
+    const auto digit = [&](std::int64_t weight) {
+        return static_cast<char>('0' + thousandths / weight % 10);
+    };
+    std::string text = std::to_string(whole) + '.' + digit(100);
+    if (whole <= 99) {
+        text += digit(10);
     }
-    if (whole > 9) {
-        return Printf("%lld.%02lld%s", w, t / 10, unit);
+    if (whole <= 9) {
+        text += digit(1);
     }
-    return Printf("%lld.%03lld%s", w, t, unit);
+    return text + unit;
 }
 
 std::string FormatZoomTime(std::int64_t t) {
@@ -237,7 +239,7 @@ std::string FormatTime(std::int64_t t, bool zoom) {
     if (ms > 0) {
         return Scaled(ms, us, "ms");
     }
-    return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
+    return us > 0 ? Scaled(us, ns, "us") : std::to_string(ns) + "ns";
 }
 
 std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept {
