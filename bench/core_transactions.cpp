@@ -12,7 +12,7 @@
 namespace busquill {
 namespace {
 
-constexpr std::size_t sampleCount = 1000000;
+constexpr std::size_t captureSize = 1000000;
 
 struct Capture {
     const char* model;
@@ -26,9 +26,9 @@ constexpr Capture captures[] = {{"PCIKite", BusPci, boardsim::Family::Pci32},
 
 std::vector<SampleRecord> RecordsOf(boardsim::Family family) {
     std::vector<SampleRecord> records;
-    records.reserve(sampleCount);
+    records.reserve(captureSize);
     const auto traffic = boardsim::MakeTraffic(family, 3);
-    for (std::size_t i = 0; i < sampleCount; ++i) {
+    for (std::size_t i = 0; i < captureSize; ++i) {
         records.push_back({traffic->Next()});
     }
     return records;
@@ -49,7 +49,7 @@ void IndexTransactions(benchmark::State& state) {
     }
     state.SetLabel(capture.model);
     state.counters["rows"] = static_cast<double>(rows);
-    state.counters["bytes_per_record"] = static_cast<double>(bytes) / sampleCount;
+    state.counters["bytes_per_record"] = static_cast<double>(bytes) / captureSize;
 }
 BENCHMARK(IndexTransactions)->DenseRange(0, 3)->Unit(benchmark::kMillisecond);
 

@@ -10,18 +10,18 @@ namespace busquill::test {
 
 namespace {
 
-struct FamilyCase {
+struct RowsCase {
     const char* name;
     boardsim::Family family;
     const char* model;
     std::int32_t mode;
     std::int32_t width;
 };
-void PrintTo(const FamilyCase& family, std::ostream* out) {
+void PrintTo(const RowsCase& family, std::ostream* out) {
     *out << family.name;
 }
 
-class TransactionRows : public testing::TestWithParam<FamilyCase> {
+class TransactionRows : public testing::TestWithParam<RowsCase> {
 protected:
     void Record(unsigned gaps) {
         const auto recording =
@@ -62,12 +62,12 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(
     Families, TransactionRows,
-    testing::Values(FamilyCase{"Pci32", boardsim::Family::Pci32, "PCIKite", BusPci, 0},
-                    FamilyCase{"Pci64", boardsim::Family::Pci64, "PCIKite", BusPci, 1},
-                    FamilyCase{"PciX", boardsim::Family::PciX, "PCIKite", BusPciX, 1},
-                    FamilyCase{"Vme", boardsim::Family::Vme, "VMEKite", BusVme, 0},
-                    FamilyCase{"Lark", boardsim::Family::Lark, "VMELark", BusVme, 0},
-                    FamilyCase{"Vsb", boardsim::Family::Vsb, "VSBKite", BusVsb, 0}),
+    testing::Values(RowsCase{"Pci32", boardsim::Family::Pci32, "PCIKite", BusPci, 0},
+                    RowsCase{"Pci64", boardsim::Family::Pci64, "PCIKite", BusPci, 1},
+                    RowsCase{"PciX", boardsim::Family::PciX, "PCIKite", BusPciX, 1},
+                    RowsCase{"Vme", boardsim::Family::Vme, "VMEKite", BusVme, 0},
+                    RowsCase{"Lark", boardsim::Family::Lark, "VMELark", BusVme, 0},
+                    RowsCase{"Vsb", boardsim::Family::Vsb, "VSBKite", BusVsb, 0}),
     [](const auto& each) { return each.param.name; });
 
 } // namespace
