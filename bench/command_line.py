@@ -4,7 +4,7 @@ the medians.
 
     command_line.py BUSQUILL-TRACE BOARDSIM [SAMPLES]
 
-Needs sigrok-cli, wc and rg.
+Needs sigrok-cli, vcd2fst, wc and rg.
 """
 
 import statistics
@@ -45,6 +45,12 @@ def main():
                 ["sigrok-cli", "-i", "a.sr", "-O", "csv", "-o", "b.csv"], folder)
         compare("convert to a session / sigrok-cli", [trace, "convert", "a.tra", "-o", "b.sr"],
                 ["sigrok-cli", "-i", "a.sr", "-O", "srzip", "-o", "c.sr"], folder)
+        subprocess.run([trace, "convert", "a.tra", "-o", "a.vcd"], cwd=folder, check=True,
+                       stderr=subprocess.DEVNULL)
+        for form in ("csv", "json", "text"):
+            compare(f"transactions as {form} / vcd2fst",
+                    [trace, "transactions", "a.tra", "--format", form, "-o", "transactions"],
+                    ["vcd2fst", "a.vcd", "a.fst"], folder)
         # A command in the low nibble of the record's ninth byte.
         search = [trace, "search", "a.tra", "--all", "-p", "C/BE[3:0]=7"]
         compare("search a capture / wc -l", search, ["wc", "-l", "a.tra"], folder)

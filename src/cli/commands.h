@@ -15,6 +15,7 @@ void AddFilter(CLI::App& program);
 void AddConvert(CLI::App& program);
 void AddCompare(CLI::App& program);
 void AddStats(CLI::App& program);
+void AddTransactions(CLI::App& program);
 void AddNames(CLI::App& program);
 void AddSetup(CLI::App& program);
 void AddBoard(CLI::App& program);

@@ -18,6 +18,7 @@ std::shared_ptr<CLI::App> MakeTraceProgram() {
     AddConvert(*program);
     AddCompare(*program);
     AddStats(*program);
+    AddTransactions(*program);
     AddNames(*program);
     AddSetup(*program);
     AddBoard(*program);

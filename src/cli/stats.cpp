@@ -52,6 +52,8 @@ std::vector<Line> LinesOf(const TraceSummary& sum) {
                       {"Target wait states", "targetWaits", sum.waitStates->target}});
     }
     if (sum.acknowledgeTime) {
+        lines.push_back({"Disconnects", "disconnects", sum.disconnects});
+        lines.push_back({"Master aborts", "masterAborts", sum.masterAborts});
         lines.push_back({"Bus errors", "busErrors", sum.busErrors});
         lines.push_back({"Acknowledged transfers", "acknowledged", sum.acknowledgeTime->transfers});
         lines.push_back({"Waited for them, ns", "acknowledgeTime",

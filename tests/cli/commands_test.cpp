@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace busquill::test {
 namespace {
 
@@ -446,6 +448,97 @@ TEST_F(TraceCommands, StatsReportTheFirstSampleOfAFinding) {
     EXPECT_THAT(run.out, HasSubstr("\n2             1           12  FRAME asserted"));
     EXPECT_THAT(run.out, HasSubstr("\n112           2            7  Target Retry\n"));
     EXPECT_THAT(run.err, HasSubstr("samples of the capture are missing"));
+}
+
+/// PCI samples with data, in bytes as in a file: a read of two words, of which samples are missing.
+std::string TwoWords() {
+    const auto row = [](int number, const char* bytes, const char* enables, const char* lines,
+                        const char* phase) {
+        return std::to_string(number) + "," + bytes + ",0,0,0,0," + enables + "," + lines + ",63," +
+               phase + ",0,0,30,0,0,0\n"; // 30 ns
+    };
+    return header + "\"Trace Data\",-1,6\n" + row(-1, "0,0,0,0", "255", "223", "15") +
+           row(0, "0,16,0,0", "246", "222", "143") + // FRAME
+           row(1, "1,0,0,170", "240", "200", "15") + // FRAME, IRDY, TRDY, DEVSEL
+           row(2, "2,0,0,170", "252", "201", "15") + // without FRAME
+           row(3, "0,0,0,0", "255", "223", "15") + row(4, "0,32,0,0", "247", "222", "143") +
+           row(6, "0,0,0,0", "255", "223", "15") + "\"End of Trace Data\"\n";
+}
+
+TEST_F(TraceCommands, TransactionsAsTextCsvAndJsonLines) {
+    dir.Write("two.tra", TwoWords());
+    const ProgramRun text = Run({"transactions", "two.tra"});
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(
+        text.out,
+        "  NUMBER    SAMPLE      TIME  COMMAND               ADDRESS      BYTES    WAIT  "
+        "I-WAIT   LATENCY       GAP  END                      DATA\n"
+        "       1         0      30ns  Mem Rd                00001000         6       0       "
+        "0      30ns            complete                 AA000001 ----0002\n"
+        "       2         4     150ns  Mem Wr                00002000         0       0       "
+        "0                60ns  unknown\n");
+    EXPECT_EQ(text.err, "busquill-trace: two.tra: samples of the capture are missing; where they "
+                        "do, a transaction ends as unknown\n");
+    EXPECT_EQ(Run({"transactions", "two.tra", "--format", "csv", "--words", "1"}).out,
+              "number,sample,time,command,address,words,bytes,wait,initiatorWait,latency,end,gap,"
+              "tag,splitRequest,findings,data\n"
+              "1,0,30,Mem Rd,0x00001000,2,6,0,0,30,complete,,,,0,AA000001\n"
+              "2,4,150,Mem Wr,0x00002000,0,0,0,0,,unknown,60,,,0,\n");
+    EXPECT_EQ(Run({"transactions", "two.tra", "--json", "--to", "3"}).out,
+              "{\"number\": 1, \"sample\": 0, \"time\": 30, \"command\": \"Mem Rd\", \"address\": "
+              "\"0x00001000\", \"words\": 2, \"bytes\": 6, \"wait\": 0, \"initiatorWait\": 0, "
+              "\"latency\": 30, \"end\": \"complete\", \"gap\": null, \"tag\": null, "
+              "\"splitRequest\": null, \"findings\": 0, \"data\": [\"AA000001\", \"----0002\"]}\n");
+}
+
+TEST_F(TraceCommands, TransactionsOfARangeKeepTheirNumbersAndGaps) {
+    const std::string all = Run({"transactions", data + "Trigger2.tra"}).out;
+    const std::string some =
+        Run({"transactions", data + "Trigger2.tra", "--from", "0", "--to", "22"}).out;
+    EXPECT_EQ(std::ranges::count(some, '\n'), 3);
+    EXPECT_THAT(all, HasSubstr(some.substr(some.find('\n'))));
+    const ProgramRun none =
+        Run({"transactions", data + "Trigger2.tra", "--from", "1", "--to", "2"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
+}
+
+TEST_F(TraceCommands, TransactionsForWhichAConditionHolds) {
+    const auto count = [&](const std::string& where) {
+        const std::string out =
+            Run({"transactions", data + "Trigger2.tra", "--where", where, "--format", "csv"}).out;
+        return std::ranges::count(out, '\n') - 1; // without the titles
+    };
+    EXPECT_EQ(count("end == retry"), 10);
+    EXPECT_EQ(count("command == \"mem rd\""), 68);
+    EXPECT_EQ(count("command == \"Mem *\" and not end == complete"), 26);
+    EXPECT_EQ(count("number in 5..9"), 5);
+    EXPECT_EQ(count("address == 0xFEBF_XXXX"), count("address in 0xFEBF0000..0xFEBFFFFF"));
+    const std::string sums =
+        Run({"transactions", data + "Trigger2.tra", "--where", "end == retry", "--summary"}).out;
+    EXPECT_THAT(sums, EndsWith("TRANSACTIONS\nretry                              10\n"));
+    const ProgramRun none = Run({"transactions", data + "Trigger2.tra", "--where", "number < 1"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
+}
+
+TEST_F(TraceCommands, SummaryOfTransactions) {
+    dir.Write("two.tra", TwoWords());
+    EXPECT_EQ(Run({"transactions", "two.tra", "--summary"}).out,
+              "COMMAND                  TRANSACTIONS      WORDS        BYTES       WAIT    LATENCY"
+              "      LEAST       MOST\n"
+              "Mem Rd                              1          2            6          0       30ns"
+              "       30ns       30ns\n"
+              "Mem Wr                              1          0            0          0\n"
+              "\n"
+              "END                      TRANSACTIONS\n"
+              "complete                            1\n"
+              "unknown                             1\n");
+    EXPECT_EQ(Run({"transactions", "two.tra", "--summary", "--json"}).out,
+              "{\"transactions\": 2, \"commands\": [{\"command\": \"Mem Rd\", \"transactions\": 1, "
+              "\"words\": 2, \"bytes\": 6, \"wait\": 0, \"latency\": {\"least\": 30, \"mean\": 30, "
+              "\"most\": 30}}, {\"command\": \"Mem Wr\", \"transactions\": 1, \"words\": 0, "
+              "\"bytes\": 0, \"wait\": 0}], \"ends\": {\"complete\": 1, \"unknown\": 1}}\n");
 }
 
 TEST_F(TraceCommands, SetupAsTextAndBytes) {

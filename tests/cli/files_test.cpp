@@ -50,6 +50,7 @@ TEST_F(TraceFiles, EveryCommandReportsAFileThatCannotBeRead) {
              {"convert", "gone.tra", "-o", "out.csv"},
              {"compare", demo, "gone.tra"},
              {"stats", "gone.tra"},
+             {"transactions", "gone.tra"},
              {"setup", "gone.tra"}}) {
         ExpectFailure(command, "Error opening file gone.tra. No such file or directory.");
     }
@@ -77,7 +78,8 @@ TEST_P(BadFiles, GetOneLineAndLeaveNoFile) {
                                                {"convert", "bad.tra", "-o", "out.vcd"},
                                                {"convert", "bad.tra", "-o", "out.sr"},
                                                {"compare", "bad.tra", demo},
-                                               {"stats", "bad.tra"}}) {
+                                               {"stats", "bad.tra"},
+                                               {"transactions", "bad.tra"}}) {
         const ProgramRun run = Run(command);
         EXPECT_EQ(run.status, 3) << command[0];
         EXPECT_THAT(run.err, HasSubstr(std::string("busquill-trace: bad.tra: ") + GetParam().says));
@@ -125,7 +127,8 @@ TEST_P(OddFiles, AreReadLikeInAWindow) {
                                                {"search", "-p", "AD[7:0]=06"},
                                                {"convert", "-o", "-", "--format", "csv"},
                                                {"convert", "-o", "-", "--format", "vcd"},
-                                               {"stats"}}) {
+                                               {"stats"},
+                                               {"transactions", "--format", "csv"}}) {
         std::vector<std::string> good = command;
         std::vector<std::string> odd = command;
         good.insert(good.begin() + 1, "good.tra");
@@ -172,7 +175,8 @@ TEST_F(TraceFiles, EveryCommandReadsStandardInput) {
                                                {"search", "-p", "COMMAND=Mem Wr", "--all"},
                                                {"filter", "-p", "COMMAND=Mem Wr", "-o", "-"},
                                                {"convert", "-o", "-", "--format", "csv"},
-                                               {"stats"}}) {
+                                               {"stats"},
+                                               {"transactions", "--format", "csv"}}) {
         std::vector<std::string> piped = rest;
         std::vector<std::string> named = rest;
         piped.insert(piped.begin() + 1, "-");
@@ -195,6 +199,7 @@ TEST_F(TraceFiles, EveryCommandWritesToAFile) {
                                                {"search", demo, "-p", "FRAME=0"},
                                                {"compare", demo, demo},
                                                {"stats", demo},
+                                               {"transactions", demo, "--json"},
                                                {"setup", SourceFile("data/MemoryWrite.tsp")}}) {
         std::vector<std::string> toFile = command;
         toFile.insert(toFile.end(), {"-o", "out"});

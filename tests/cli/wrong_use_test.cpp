@@ -77,6 +77,11 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"CaptureWithoutSetup", {"capture", "--port", "x", "-o", "a.tra"}, "capture needs --setup"},
         WrongUse{"RepeatToStandardOutput", {"capture", "--port", "x", "--setup", "s", "-o", "-", "--repeat", "2"}, "several files"},
         WrongUse{"NoTime", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--timeout", "0"}, "--timeout is a number of seconds"},
+        WrongUse{"SummaryAsCsv", {"transactions", "a.tra", "--summary", "--format", "csv"}, "--summary is printed as text or JSON"},
+        WrongUse{"TransactionsOfAConnector", {"transactions", "a.tra", "--model", "VMEKiteP2"}, "a connector has pins, and no transactions"},
+        WrongUse{"WrongCondition", {"transactions", "a.tra", "--where", "wait > 4 and adress == 1"}, "--where is wrong at \"adress == 1\": there is no field \"adress\": address, "},
+        WrongUse{"ConditionWithoutEnd", {"transactions", "a.tra", "--where", "wait >"}, "--where is wrong at its end: expected a number"},
+        WrongUse{"NegativeWords", {"transactions", "a.tra", "--words", "-1"}, "--words takes a whole number from 0 to 1048576"},
         WrongUse{"NegativeRuns", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--repeat", "-1"}, "--repeat is a number of runs"}),
     [](const auto& use) { return use.param.name; });
 // clang-format on
@@ -86,7 +91,7 @@ TEST(CommandLine, HelpListsCommandsAndTheOptionsOfACommand) {
     EXPECT_EQ(all.status, 0);
     EXPECT_EQ(all.err, "");
     for (const char* command : {"info", "list", "search", "filter", "convert", "compare", "stats",
-                                "setup", "board", "capture", "names"}) {
+                                "transactions", "setup", "board", "capture", "names"}) {
         EXPECT_THAT(all.out, HasSubstr(command));
         const ProgramRun one = RunTrace({command, "--help"});
         EXPECT_EQ(one.status, 0);

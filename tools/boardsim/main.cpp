@@ -1,4 +1,5 @@
 #include "board.h"
+#include "deeds.h"
 #include "pseudo_terminal.h"
 #include "trace_writer.h"
 #include "traffic.h"
@@ -28,8 +29,12 @@ constexpr auto usage =
     "                [--anomaly-rate PERCENT] [--backplane \"FAULTS\"] [--refuse-rate]\n"
     "                [--fault \"WORDS\"]\n"
     "       boardsim record --family NAME [--seed N] [--samples N] [--trigger N] [--zoom]\n"
-    "                [--lists state,waveform] [--name TEXT] [--description TEXT] -o FILE\n"
+    "                [--lists state,waveform] [--name TEXT] [--description TEXT]\n"
+    "                [--transactions FILE] [--gaps N] -o FILE\n"
     "Families: pci32 pci64 pcix vme vsb lark p2 p0.\n"
+    "--transactions records transactions of every kind and writes down what they are; --gaps "
+    "leaves\n"
+    "out samples at N places.\n"
     "--flash keeps FILE equal to the downloaded firmware, as an Intel hex file.\n"
     "--devices takes the devices of the bus from a file as lspci -x prints it; --compliance gives\n"
     "the outcomes of tests: \"CFG3 fail 5, MST1 unknown, TGT2 slow 20, * pass\".\n"
@@ -84,12 +89,26 @@ std::size_t FindWrite(const std::vector<Record>& records, std::size_t from) {
     return from;
 }
 
+/// False, with a message, if that fails.
+bool WriteFile(const std::string& path, const std::string& text) {
+    std::ofstream file(path, std::ios::binary);
+    file << text;
+    file.close();
+    if (!file) {
+        std::cerr << "boardsim: cannot write " << path << "\n";
+    }
+    return !file.fail();
+}
+
 int RecordFile(const Options& options) {
     const auto family = FamilyOf(options.Text("--family", "pci32"));
     const std::string path = options.Text("-o", "");
     const long count = options.Number("--samples", 4096);
     const long trigger = options.Number("--trigger", count / 2);
-    if (!family || path.empty() || count < 1 || trigger < 0 || trigger >= count) {
+    const bool isConnector = family == Family::ConnectorP2 || family == Family::ConnectorP0;
+    const bool lacksTransactions = isConnector && !options.Text("--transactions", "").empty();
+    if (!family || path.empty() || count < 1 || trigger < 0 || trigger >= count ||
+        lacksTransactions) {
         std::cerr << usage;
         return 2;
     }
@@ -98,11 +117,22 @@ int RecordFile(const Options& options) {
     const std::string lists = options.Text("--lists", "state,waveform");
     recording.name = options.Text("--name", "Default");
     recording.description = options.Text("--description", "Simulated bus traffic");
-    recording.samples =
-        MakeRecords(*family, static_cast<std::uint32_t>(options.Number("--seed", 1)),
-                    static_cast<std::size_t>(count));
     recording.trigger = static_cast<std::size_t>(trigger);
-    if (pci) {
+    const auto seed = static_cast<std::uint32_t>(options.Number("--seed", 1));
+    const std::string table = options.Text("--transactions", "");
+    if (table.empty()) {
+        recording.samples = MakeRecords(*family, seed, static_cast<std::size_t>(count));
+    } else {
+        DeedRecording deeds =
+            RecordDeeds(*family, seed, static_cast<std::size_t>(count), recording.trigger,
+                        static_cast<unsigned>(options.Number("--gaps", 0)));
+        recording.samples = std::move(deeds.samples);
+        recording.missing = std::move(deeds.missing);
+        if (!WriteFile(table, deeds.table)) {
+            return 1;
+        }
+    }
+    if (pci && table.empty()) {
         recording.trigger = FindWrite(recording.samples, recording.trigger);
     }
     if (options.Number("--zoom", 0) != 0) {
@@ -111,14 +141,7 @@ int RecordFile(const Options& options) {
     recording.pciEvents = pci;
     recording.pciStateList = pci && lists.find("state") != std::string::npos;
     recording.pciWaveformList = pci && lists.find("waveform") != std::string::npos;
-    std::ofstream file(path, std::ios::binary);
-    file << TraceText(recording);
-    file.close();
-    if (!file) {
-        std::cerr << "boardsim: cannot write " << path << "\n";
-        return 1;
-    }
-    return 0;
+    return WriteFile(path, TraceText(recording)) ? 0 : 1;
 }
 
 /// A board on a pseudo terminal, until it is stopped.

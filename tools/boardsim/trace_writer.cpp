@@ -154,10 +154,14 @@ void AppendList(std::string& text, bool state) {
     text += state ? "\"End of State Signals\"\n" : "\"End of Wave Signals\"\n";
 }
 
-void AppendSamples(std::string& text, const std::vector<Record>& records, long first) {
-    for (const Record& record : records) {
-        text += std::to_string(first++);
-        for (const std::uint8_t byte : record) {
+void AppendSamples(std::string& text, const std::vector<Record>& records, long first,
+                   const std::vector<bool>& missing = {}) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (!missing.empty() && missing[i]) {
+            continue;
+        }
+        text += std::to_string(first + static_cast<long>(i));
+        for (const std::uint8_t byte : records[i]) {
             text += "," + std::to_string(byte);
         }
         text += "\n";
@@ -179,7 +183,7 @@ std::string TraceText(const Recording& recording) {
     const long first = -static_cast<long>(recording.trigger);
     const long last = first + static_cast<long>(recording.samples.size()) - 1;
     text += "\n\"Trace Data\"," + std::to_string(first) + "," + std::to_string(last) + "\n";
-    AppendSamples(text, recording.samples, first);
+    AppendSamples(text, recording.samples, first, recording.missing);
     text += "\"End of Trace Data\"\n";
     if (!recording.zoom.empty()) {
         text += "\n\"Power Zoom Data\",255,256\n";

@@ -20,9 +20,10 @@ struct Recording {
     std::string name;
     std::string description;
     std::vector<Record> samples;
-    std::size_t trigger = 0;  // index of the trigger sample
-    std::vector<Record> zoom; // 511 records or none
-    bool pciEvents = false;   // the setup's event rows, for the PCI family
+    std::vector<bool> missing; // which samples are left out; empty: none
+    std::size_t trigger = 0;   // index of the trigger sample
+    std::vector<Record> zoom;  // 511 records or none
+    bool pciEvents = false;    // the setup's event rows, for the PCI family
     bool pciWaveformList = false;
     bool pciStateList = false; // with times and findings
 };

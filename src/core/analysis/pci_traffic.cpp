@@ -4,6 +4,7 @@
 #include "platform/text.h"
 
 #include <bit>
+#include <utility>
 
 namespace busquill {
 
@@ -30,50 +31,98 @@ bool PciTraffic::IsIdle(const SampleRecord& record) const {
     return !frame_.IsAsserted(record) && !irdy_.IsAsserted(record);
 }
 
-void PciTraffic::Take(const SampleRecord& record, std::int64_t /*elapsed*/) {
-    if (IsIdle(record)) {
-        Close();
-    } else if (frame_.IsAsserted(record) && IsAddressPhase(record)) {
-        TakeAddress(record);
-    } else if (open_) {
-        open_->secondAddressDue = false;
-        if (!TakeAttributes(record, *open_)) {
-            TakeClock(record);
-        }
+Transaction* PciTraffic::Take(const TimedSample& sample) {
+    const bool isFirst = std::exchange(isFirst_, false);
+    if (IsIdle(sample.record)) {
+        return Close(true);
     }
+    if (frame_.IsAsserted(sample.record) && IsAddressPhase(sample.record)) {
+        return TakeAddress(sample);
+    }
+    if (isFirst) {
+        Begin(sample).sum.isHeadless = true;
+    }
+    if (!open_) {
+        return nullptr;
+    }
+    open_->secondAddressDue = false;
+    open_->sum.lastSample = sample.number;
+    open_->sum.lastTime = sample.time;
+    return TakeAttributes(sample.record, *open_) ? nullptr : TakeClock(sample);
 }
 
-void PciTraffic::TakeAddress(const SampleRecord& record) {
+void PciTraffic::Restart() {
+    open_.reset();
+    isFirst_ = true;
+}
+
+void PciTraffic::RestartAfter(const SampleRecord& /*before*/) {
+    open_.reset();
+    isFirst_ = false; // an address phase does not depend on the sample before it
+}
+
+PciTransaction& PciTraffic::Begin(const TimedSample& sample) {
+    Transaction& sum = open_.emplace().sum;
+    sum.sample = sum.lastSample = sample.number;
+    sum.time = sum.lastTime = sample.time;
+    return *open_;
+}
+
+Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
+    const SampleRecord& record = sample.record;
     const std::uint32_t code = enables_.Value(record);
     const std::uint32_t command = code & 0xF;
+    const std::uint64_t lines = ad_.Word(record);
+    const std::uint64_t low = lines & 0xFFFFFFFF;
     if (open_ && open_->secondAddressDue) {
-        // A 32-bit initiator gives the command only here: it does not drive C/BE[7:4].
-        open_->sum.command = command << 4 | dualAddress;
+        // A 32-bit initiator gives the command and the upper half of the address only here: it does
+        // not drive C/BE[7:4] and AD[63:32].
+        Transaction& sum = open_->sum;
+        sum.command = command << 4 | dualAddress;
+        sum.address = (*sum.address & 0xFFFFFFFF) | low << 32;
+        sum.lastSample = sample.number;
+        sum.lastTime = sample.time;
         open_->secondAddressDue = false;
-        return;
+        return nullptr;
     }
-    Close();
-    open_.emplace();
-    open_->sum.command = command == dualAddress ? code : command;
-    open_->secondAddressDue = command == dualAddress;
-    open_->req64 = req64_.IsAsserted(record);
+    Transaction* const before = Close(false);
+    PciTransaction& open = Begin(sample);
+    open.sum.command = command == dualAddress ? code : command;
+    open.sum.address = command == dualAddress ? lines : low;
+    open.secondAddressDue = command == dualAddress;
+    open.req64 = req64_.IsAsserted(record);
+    return before;
 }
 
-void PciTraffic::TakeClock(const SampleRecord& record) {
-    const PciClock clock = ClockOf(record);
+Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
+    const PciClock clock = ClockOf(sample.record);
     open_->clocked = true;
     open_->claimed |= clock.devsel;
-    const PciAnswer answer = AnswerOf(clock, *open_);
-    waitStates_.initiator += clock.irdy ? 0 : 1;
-    waitStates_.target += answer == PciAnswer::Wait ? 1 : 0;
-    CountEnd(answer);
-    open_->stopped |= clock.stop;
-    if (clock.irdy && CarriesData(answer)) {
-        ++open_->sum.dataPhases;
-        open_->sum.bytes += TakeBytes(clock, *open_);
+    if (!open_->sum.isHeadless) {
+        const PciAnswer answer = AnswerOf(clock, *open_);
+        open_->sum.waitStates.initiator += clock.irdy ? 0 : 1;
+        open_->sum.waitStates.target += answer == PciAnswer::Wait ? 1 : 0;
+        if (!open_->stopped) { // the target holds STOP until the initiator has seen it
+            open_->stopped = StopOf(answer);
+        }
+        if (clock.irdy && CarriesData(answer)) {
+            TakeData(sample, clock);
+        }
     }
-    if (IsLast(clock)) {
-        Close();
+    return IsLast(clock) ? Close(true) : nullptr;
+}
+
+void PciTraffic::TakeData(const TimedSample& sample, const PciClock& clock) {
+    Transaction& sum = open_->sum;
+    const std::uint32_t lanes = TakeLanes(clock, *open_);
+    const bool isWide = Width(clock, *open_) == lanes64;
+    const std::uint64_t lines = ad_.Word(sample.record);
+    ++sum.dataPhases;
+    sum.bytes += static_cast<std::uint32_t>(std::popcount(lanes));
+    AddWord(sum, {isWide ? lines : lines & 0xFFFFFFFF, static_cast<std::uint8_t>(isWide ? 8 : 4),
+                  static_cast<std::uint8_t>(lanes)});
+    if (!sum.firstData) {
+        sum.firstData = sample.time;
     }
 }
 
@@ -85,45 +134,52 @@ bool PciTraffic::CarriesData(PciAnswer answer) const {
     return answer == PciAnswer::Data || answer == PciAnswer::LastData;
 }
 
-void PciTraffic::CountEnd(PciAnswer answer) {
-    if (answer == PciAnswer::SplitResponse) {
-        ++splitResponses_;
+std::optional<TransactionEnd> PciTraffic::StopOf(PciAnswer answer) {
+    switch (answer) {
+    case PciAnswer::Retry:
+        return TransactionEnd::Retry;
+    case PciAnswer::LastData:
+        return TransactionEnd::DisconnectWithData;
+    case PciAnswer::Disconnect:
+        return TransactionEnd::DisconnectWithoutData;
+    case PciAnswer::TargetAbort:
+        return TransactionEnd::TargetAbort;
+    case PciAnswer::SplitResponse:
+        return TransactionEnd::SplitResponse;
+    case PciAnswer::Wait:
+    case PciAnswer::Data:
+    case PciAnswer::Over:
+        break;
     }
-    if (open_->stopped) {
-        return; // the target holds STOP until the initiator has seen it
-    }
-    retries_ += answer == PciAnswer::Retry ? 1 : 0;
-    disconnects_ += answer == PciAnswer::Disconnect || answer == PciAnswer::LastData ? 1 : 0;
-    targetAborts_ += answer == PciAnswer::TargetAbort ? 1 : 0;
+    return std::nullopt;
 }
 
-void PciTraffic::Close() {
-    if (!open_) {
-        return;
+TransactionEnd PciTraffic::EndOf(const PciTransaction& open, bool sawEnd) {
+    if (open.stopped) {
+        return *open.stopped;
     }
-    tally_.Add(open_->sum);
     // If only address phases were stored, it is unknown whether a target answered.
-    const bool unanswered =
-        open_->clocked && !open_->claimed && !open_->stopped && open_->sum.dataPhases == 0;
-    if (unanswered && CommandOf(open_->sum.command) != specialCycle) {
-        ++masterAborts_;
+    if (!sawEnd || !open.clocked || open.sum.isHeadless) {
+        return TransactionEnd::Unknown;
     }
-    open_.reset();
+    if (open.sum.dataPhases != 0 || CommandOf(open.sum.command) == specialCycle) {
+        return TransactionEnd::Complete;
+    }
+    return open.claimed ? TransactionEnd::Unknown : TransactionEnd::MasterAbort;
 }
 
-void PciTraffic::Report(TraceSummary& summary) const {
-    TransactionTally tally = tally_;
-    if (open_) {
-        tally.Add(open_->sum);
-        summary.unfinished = 1;
+Transaction* PciTraffic::Close(bool sawEnd) {
+    if (!open_) {
+        return nullptr;
     }
-    tally.Report(summary, [this](std::uint32_t code) { return NameOf(code); });
-    summary.waitStates = waitStates_;
-    summary.retries = retries_;
-    summary.disconnects = disconnects_;
-    summary.targetAborts = targetAborts_;
-    summary.masterAborts = masterAborts_;
-    summary.splitResponses = splitResponses_;
+    open_->sum.end = EndOf(*open_, sawEnd);
+    closed_ = std::move(open_->sum);
+    open_.reset();
+    return &closed_;
+}
+
+int PciTraffic::AddressDigits(const Transaction& transaction) const {
+    return (transaction.command & 0xF) == dualAddress ? 16 : 8;
 }
 
 bool PciTraffic::IsAddressPhase(const SampleRecord& record) const {
@@ -147,8 +203,8 @@ PciAnswer PciTraffic::AnswerOf(const PciClock& clock, const PciTransaction& open
     return open.sum.dataPhases == 0 ? PciAnswer::Retry : PciAnswer::Disconnect;
 }
 
-std::uint32_t PciTraffic::TakeBytes(const PciClock& clock, PciTransaction& open) const {
-    return static_cast<std::uint32_t>(std::popcount(clock.enables & Width(clock, open)));
+std::uint32_t PciTraffic::TakeLanes(const PciClock& clock, PciTransaction& open) const {
+    return clock.enables & Width(clock, open);
 }
 
 bool PciTraffic::IsLast(const PciClock& clock) const {

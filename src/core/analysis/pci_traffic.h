@@ -2,7 +2,6 @@
 
 #include "analysis/bus_traffic.h"
 #include "analysis/signal_lines.h"
-#include "analysis/transaction_tally.h"
 
 #include <memory>
 #include <optional>
@@ -29,9 +28,9 @@ struct PciTransaction {
     Transaction sum;
     bool req64 = false;
     bool secondAddressDue = false;
-    bool clocked = false; // there was a clock after the address phase
-    bool claimed = false; // DEVSEL was asserted
-    bool stopped = false; // STOP was asserted
+    bool clocked = false;                  // there was a clock after the address phase
+    bool claimed = false;                  // DEVSEL was asserted
+    std::optional<TransactionEnd> stopped; // how the target ended it
     // PCI-X only, after an attribute phase.
     std::optional<std::uint32_t> attributeEnables;
     std::optional<std::uint32_t> bytesAnnounced; // not transferred yet
@@ -44,8 +43,13 @@ public:
     explicit PciTraffic(const SignalTables& tables) : PciTraffic(tables, "COMMAND") {}
 
     [[nodiscard]] bool IsIdle(const SampleRecord& record) const final;
-    void Take(const SampleRecord& record, std::int64_t elapsed) final;
-    void Report(TraceSummary& summary) const final;
+    [[nodiscard]] Transaction* Take(const TimedSample& sample) final;
+    [[nodiscard]] const Transaction* Open() const final { return open_ ? &open_->sum : nullptr; }
+    void Restart() final;
+    void RestartAfter(const SampleRecord& before) final;
+    [[nodiscard]] CommandName NameOf(std::uint32_t command) const final;
+    [[nodiscard]] bool HasClock() const final { return true; }
+    [[nodiscard]] int AddressDigits(const Transaction& transaction) const final;
 
 protected:
     PciTraffic(const SignalTables& tables, std::string_view commandTable);
@@ -55,8 +59,8 @@ protected:
     virtual bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const;
     [[nodiscard]] virtual PciAnswer AnswerOf(const PciClock& clock,
                                              const PciTransaction& open) const;
-    /// The number of bytes moved in a data phase.
-    [[nodiscard]] virtual std::uint32_t TakeBytes(const PciClock& clock,
+    /// The lanes of the bytes moved in a data phase.
+    [[nodiscard]] virtual std::uint32_t TakeLanes(const PciClock& clock,
                                                   PciTransaction& open) const;
     /// Whether this clock is the last that can move data.
     [[nodiscard]] virtual bool IsLast(const PciClock& clock) const;
@@ -70,25 +74,22 @@ protected:
     SignalLine ad_, enables_, addressPhase_;
 
 private:
-    void TakeAddress(const SampleRecord& record);
-    void TakeClock(const SampleRecord& record);
+    Transaction* TakeAddress(const TimedSample& sample);
+    Transaction* TakeClock(const TimedSample& sample);
+    PciTransaction& Begin(const TimedSample& sample);
+    void TakeData(const TimedSample& sample, const PciClock& clock);
     [[nodiscard]] bool CarriesData(PciAnswer answer) const;
-    void CountEnd(PciAnswer answer);
-    void Close();
+    [[nodiscard]] static std::optional<TransactionEnd> StopOf(PciAnswer answer);
+    [[nodiscard]] static TransactionEnd EndOf(const PciTransaction& open, bool sawEnd);
+    Transaction* Close(bool sawEnd);
     [[nodiscard]] PciClock ClockOf(const SampleRecord& record) const;
-    [[nodiscard]] CommandName NameOf(std::uint32_t code) const;
 
     SignalLine frame_, irdy_, trdy_, stop_, devsel_, req64_, ack64_;
     std::shared_ptr<const CDecodedSignalDef> commands_;
 
-    TransactionTally tally_;
     std::optional<PciTransaction> open_;
-    WaitStates waitStates_;
-    std::uint64_t retries_ = 0;
-    std::uint64_t disconnects_ = 0;
-    std::uint64_t targetAborts_ = 0;
-    std::uint64_t masterAborts_ = 0;
-    std::uint64_t splitResponses_ = 0;
+    Transaction closed_;
+    bool isFirst_ = true; // the next sample does not follow another
 };
 
 } // namespace busquill

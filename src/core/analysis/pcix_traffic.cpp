@@ -9,7 +9,13 @@ namespace busquill {
 namespace {
 
 constexpr std::uint32_t memoryWrite = 0x7;
+constexpr std::uint32_t splitCompletion = 0xC;
 constexpr std::uint32_t fullByteCount = 4096; // encoded as 0
+
+// Tag, bus, device and function of the requester, and the mark of a message.
+constexpr unsigned requesterShift = 8;
+constexpr std::uint32_t requesterMask = 0x1FFFFF;
+constexpr std::uint32_t messageBit = 1U << 29;
 
 /// Commands whose C/BE lines carry no byte enables in data phases: the attributes give the byte
 /// count.
@@ -39,6 +45,7 @@ private:
         const std::uint32_t count =
             (enables_.Value(record) & 0xF) << 8 | (ad_.Value(record) & 0xFF);
         open.bytesAnnounced = count == 0 ? fullByteCount : count;
+        TakeSequence(ad_.Word(record), open);
         return true;
     }
 
@@ -52,26 +59,42 @@ private:
         return clock.trdy ? PciAnswer::SplitResponse : PciAnswer::Over;
     }
 
-    std::uint32_t TakeBytes(const PciClock& clock, PciTransaction& open) const override {
+    std::uint32_t TakeLanes(const PciClock& clock, PciTransaction& open) const override {
         const std::uint32_t command = CommandOf(open.sum.command);
         if (AnnouncesBytes(command)) {
-            return TakeAnnouncedBytes(static_cast<std::uint32_t>(std::popcount(Width(clock, open))),
-                                      open);
+            return TakeAnnouncedLanes(Width(clock, open), open);
         }
         if (command == memoryWrite || !open.attributeEnables) {
-            return PciTraffic::TakeBytes(clock, open);
+            return PciTraffic::TakeLanes(clock, open);
         }
-        return static_cast<std::uint32_t>(std::popcount(*open.attributeEnables));
+        return *open.attributeEnables;
     }
 
-    /// All lanes, up to the bytes left of the announced count. Without an attribute phase there is
-    /// no count.
-    static std::uint32_t TakeAnnouncedBytes(std::uint32_t lanes, PciTransaction& open) {
-        const std::uint32_t bytes = std::min(lanes, open.bytesAnnounced.value_or(lanes));
-        if (open.bytesAnnounced) {
-            *open.bytesAnnounced -= bytes;
+    /// The attributes of a split completion are those of the completer; the requester is in its
+    /// address.
+    static void TakeSequence(std::uint64_t attributes, PciTransaction& open) {
+        Transaction& sum = open.sum;
+        if (sum.isHeadless) {
+            return;
         }
-        return bytes;
+        const bool isCompletion = CommandOf(sum.command) == splitCompletion;
+        const std::uint64_t lines = isCompletion ? *sum.address : attributes;
+        sum.sequence = SplitSequence{
+            static_cast<std::uint32_t>(lines >> requesterShift) & requesterMask,
+            *open.bytesAnnounced, isCompletion, isCompletion && (attributes & messageBit) != 0};
+    }
+
+    /// All lanes from the first byte of the address on, up to the bytes left of the announced
+    /// count. Without an attribute phase there is no count.
+    static std::uint32_t TakeAnnouncedLanes(std::uint32_t lanes, PciTransaction& open) {
+        if (!open.bytesAnnounced || !open.sum.address) {
+            return lanes;
+        }
+        const auto width = static_cast<std::uint32_t>(std::popcount(lanes));
+        const std::uint32_t offset = open.sum.dataPhases == 0 ? *open.sum.address & (width - 1) : 0;
+        const std::uint32_t bytes = std::min(width - offset, *open.bytesAnnounced);
+        *open.bytesAnnounced -= bytes;
+        return ((1U << bytes) - 1) << offset;
     }
 
     bool IsLast(const PciClock& /*clock*/) const override { return false; }

@@ -23,7 +23,11 @@ public:
         return !record.Bit(first_);
     }
     [[nodiscard]] std::uint32_t Value(const SampleRecord& record) const noexcept {
-        return static_cast<std::uint32_t>(field_.Word(record));
+        return static_cast<std::uint32_t>(Word(record));
+    }
+    /// All lines of a group of up to 64.
+    [[nodiscard]] std::uint64_t Word(const SampleRecord& record) const noexcept {
+        return field_.Word(record);
     }
     /// A bit for each line of the group, set if the line is asserted.
     [[nodiscard]] std::uint32_t Asserted(const SampleRecord& record) const noexcept {

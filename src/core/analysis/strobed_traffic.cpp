@@ -1,5 +1,9 @@
 #include "analysis/strobed_traffic.h"
 
+#include "signals/value_text.h"
+
+#include <utility>
+
 namespace busquill {
 
 StrobedTraffic::StrobedTraffic(const SignalTables& tables, const Names& names)
@@ -7,93 +11,135 @@ StrobedTraffic::StrobedTraffic(const SignalTables& tables, const Names& names)
       acknowledge_(tables, names.acknowledge), error_(tables, names.error) {}
 
 StrobedTraffic::Lines StrobedTraffic::LinesOf(const SampleRecord& record) const {
-    return {addressStrobe_.IsAsserted(record), dataStrobes_.Asserted(record) != 0,
+    return {addressStrobe_.IsAsserted(record), dataStrobes_.Asserted(record),
             acknowledge_.IsAsserted(record), error_.IsAsserted(record)};
 }
 
 bool StrobedTraffic::IsIdle(const SampleRecord& record) const {
     const Lines lines = LinesOf(record);
-    return !lines.address && !lines.data;
+    return !lines.address && !lines.HasData();
 }
 
-void StrobedTraffic::Take(const SampleRecord& record, std::int64_t elapsed) {
-    const Lines lines = LinesOf(record);
+Transaction* StrobedTraffic::Take(const TimedSample& sample) {
+    const Lines lines = LinesOf(sample.record);
+    Transaction* ended = nullptr;
     if (!lines.address) {
-        Close();
+        ended = Close();
+    } else if (isFirst_) {
+        // It may have begun before, and so may its strobe.
+        Begin(sample);
+        open_->sum.isHeadless = true;
     } else if (!before_.address) {
-        Begin(record);
+        Begin(sample);
     }
     if (open_) {
-        TakeStrobe(record, lines, elapsed);
+        open_->sum.lastSample = sample.number;
+        open_->sum.lastTime = sample.time;
+        if (open_->sum.isHeadless) {
+            // nothing is known about it
+        } else if (IsOther(open_->sum.command)) {
+            TakeOther(sample, lines, before_, *open_);
+        } else {
+            TakeStrobe(sample, lines);
+        }
     }
     before_ = lines;
+    isFirst_ = false;
+    return ended;
 }
 
-void StrobedTraffic::Begin(const SampleRecord& record) {
-    open_.emplace();
-    open_->sum.command = CommandAt(record);
-    open_->addressDue = FirstStrobeIsAddress(open_->sum.command);
+void StrobedTraffic::Restart() {
+    open_.reset();
+    waiting_ = false;
+    isFirst_ = true;
 }
 
-void StrobedTraffic::TakeStrobe(const SampleRecord& record, const Lines& lines,
-                                std::int64_t elapsed) {
-    if (!lines.data) {
+void StrobedTraffic::RestartAfter(const SampleRecord& before) {
+    Restart();
+    before_ = LinesOf(before);
+    isFirst_ = false;
+}
+
+void StrobedTraffic::Begin(const TimedSample& sample) {
+    Transaction& sum = open_.emplace().sum;
+    sum.sample = sample.number;
+    sum.time = sample.time;
+    sum.command = CommandAt(sample.record);
+    sum.address = AddressAt(sum.command, sample.record);
+    open_->addressDue = FirstStrobeIsAddress(sum.command);
+    if (IsOther(sum.command)) {
+        BeginOther(sample, sum);
+    }
+}
+
+void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
+    if (!lines.HasData()) {
         return;
     }
     // A strobe already asserted before the address strobe belongs to the previous transaction.
-    if (!before_.data) {
+    if (!before_.HasData()) {
         waiting_ = true;
-        waited_ = 0;
+        strobeTime_ = sample.time;
         if (!open_->strobed) {
             open_->strobed = true;
-            open_->sum.command = CommandAtStrobe(open_->sum.command, record);
+            open_->sum.command = CommandAtStrobe(open_->sum.command, sample.record);
         }
-    } else {
-        waited_ += elapsed;
     }
     if (!waiting_) {
         return;
     }
     if (lines.acknowledge && !before_.acknowledge) {
         waiting_ = false;
-        TakeAcknowledge(record);
+        TakeAcknowledge(sample);
     } else if (lines.error && !before_.error) {
         waiting_ = false;
-        TakeError(record);
+        if (!open_->refused) {
+            open_->refused = MeaningOfError(sample.record);
+        }
     }
 }
 
-void StrobedTraffic::TakeAcknowledge(const SampleRecord& record) {
+void StrobedTraffic::TakeAcknowledge(const TimedSample& sample) {
     Transaction& sum = open_->sum;
+    if (open_->addressDue) {
+        open_->addressDue = false;
+        sum.address = CompleteAddress(sum, sample.record);
+        return;
+    }
     if (!CarriesData(sum.command)) {
         return;
     }
-    if (open_->addressDue) {
-        open_->addressDue = false;
-        return;
-    }
-    ++sum.dataPhases;
-    sum.bytes += BytesOf(sum.command, record);
-    ++acknowledgeTime_.transfers;
-    acknowledgeTime_.total += waited_;
+    AddData(sum, WordOf(sum.command, sample.record), BytesOf(sum.command, sample.record),
+            sample.time);
+    ++sum.acknowledgeTime.transfers;
+    sum.acknowledgeTime.total =
+        AddTimes(sum.acknowledgeTime.total, AddTimes(sample.time, -strobeTime_));
 }
 
-void StrobedTraffic::Close() {
-    if (open_) {
-        tally_.Add(open_->sum);
-        open_.reset();
+void StrobedTraffic::AddData(Transaction& transaction, const DataWord& word, std::uint32_t bytes,
+                             std::int64_t time) const {
+    ++transaction.dataPhases;
+    transaction.bytes += bytes;
+    AddWord(transaction, word);
+    if (!transaction.firstData) {
+        transaction.firstData = time;
     }
-    waiting_ = false;
 }
 
-void StrobedTraffic::Report(TraceSummary& summary) const {
-    TransactionTally tally = tally_;
-    if (open_) {
-        tally.Add(open_->sum);
-        summary.unfinished = 1;
+Transaction* StrobedTraffic::Close() {
+    const bool wasWaiting = std::exchange(waiting_, false);
+    if (!open_) {
+        return nullptr;
     }
-    tally.Report(summary, [this](std::uint32_t command) { return NameOf(command); });
-    summary.acknowledgeTime = acknowledgeTime_;
+    Transaction& sum = open_->sum;
+    const bool isUnanswered = IsOther(sum.command) ? IsOtherWaiting() : wasWaiting;
+    sum.end = sum.isHeadless   ? TransactionEnd::Unknown
+              : open_->refused ? *open_->refused
+              : isUnanswered   ? TransactionEnd::MasterAbort
+                               : TransactionEnd::Complete;
+    closed_ = std::move(sum);
+    open_.reset();
+    return &closed_;
 }
 
 } // namespace busquill

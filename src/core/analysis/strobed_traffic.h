@@ -2,7 +2,6 @@
 
 #include "analysis/bus_traffic.h"
 #include "analysis/signal_lines.h"
-#include "analysis/transaction_tally.h"
 
 #include <optional>
 #include <string_view>
@@ -12,8 +11,9 @@ namespace busquill {
 /// The transaction in progress.
 struct StrobedTransaction {
     Transaction sum;
-    bool strobed = false;    // there was a data strobe
-    bool addressDue = false; // the next answered strobe carries an address
+    bool strobed = false;                  // there was a data strobe
+    bool addressDue = false;               // the next answered strobe carries an address
+    std::optional<TransactionEnd> refused; // how a target refused it
 };
 
 /// A bus without a clock: an address strobe frames a transaction, in which each data strobe is
@@ -26,12 +26,24 @@ struct StrobedTransaction {
 class StrobedTraffic : public BusTraffic {
 public:
     [[nodiscard]] bool IsIdle(const SampleRecord& record) const final;
-    void Take(const SampleRecord& record, std::int64_t elapsed) final;
-    void Report(TraceSummary& summary) const override;
+    [[nodiscard]] Transaction* Take(const TimedSample& sample) final;
+    [[nodiscard]] const Transaction* Open() const final { return open_ ? &open_->sum : nullptr; }
+    void Restart() final;
+    void RestartAfter(const SampleRecord& before) final;
+    [[nodiscard]] bool HasClock() const final { return false; }
 
 protected:
     struct Names {
         std::string_view address, data, acknowledge, error;
+    };
+    /// Which lines are asserted.
+    struct Lines {
+        bool address = false;
+        std::uint32_t strobes = 0; // a bit for each data strobe
+        bool acknowledge = false;
+        bool error = false;
+
+        [[nodiscard]] bool HasData() const noexcept { return strobes != 0; }
     };
 
     StrobedTraffic(const SignalTables& tables, const Names& names);
@@ -41,41 +53,50 @@ protected:
     /// The same at the first data strobe.
     [[nodiscard]] virtual std::uint32_t CommandAtStrobe(std::uint32_t command,
                                                         const SampleRecord& record) const = 0;
+    [[nodiscard]] virtual std::uint64_t AddressAt(std::uint32_t command,
+                                                  const SampleRecord& record) const = 0;
     /// Whether the first acknowledged strobe carries an address, not data.
     [[nodiscard]] virtual bool FirstStrobeIsAddress(std::uint32_t command) const = 0;
+    /// The address, completed by what the first strobe carries.
+    [[nodiscard]] virtual std::uint64_t CompleteAddress(const Transaction& transaction,
+                                                        const SampleRecord& record) const = 0;
     [[nodiscard]] virtual bool CarriesData(std::uint32_t command) const = 0;
+    [[nodiscard]] virtual DataWord WordOf(std::uint32_t command,
+                                          const SampleRecord& record) const = 0;
     [[nodiscard]] virtual std::uint32_t BytesOf(std::uint32_t command,
                                                 const SampleRecord& record) const = 0;
-    /// A strobe was answered by an error.
-    virtual void TakeError(const SampleRecord& record) = 0;
-    [[nodiscard]] virtual CommandName NameOf(std::uint32_t command) const = 0;
+    /// What an error that answers a strobe means.
+    [[nodiscard]] virtual TransactionEnd MeaningOfError(const SampleRecord& record) const = 0;
+
+    /// For transactions whose data do not move by strobe and acknowledge: whether this is one. Then
+    /// `TakeOther` gets its samples.
+    [[nodiscard]] virtual bool IsOther(std::uint32_t /*command*/) const { return false; }
+    virtual void BeginOther(const TimedSample& /*sample*/, Transaction& /*transaction*/) {}
+    virtual void TakeOther(const TimedSample& /*sample*/, const Lines& /*lines*/,
+                           const Lines& /*before*/, StrobedTransaction& /*open*/) {}
+    /// Whether its last strobe was not answered.
+    [[nodiscard]] virtual bool IsOtherWaiting() const { return false; }
+
+    void AddData(Transaction& transaction, const DataWord& word, std::uint32_t bytes,
+                 std::int64_t time) const;
 
     SignalLine dataStrobes_;
 
 private:
-    /// Which lines are asserted.
-    struct Lines {
-        bool address = false;
-        bool data = false;
-        bool acknowledge = false;
-        bool error = false;
-    };
-
     [[nodiscard]] Lines LinesOf(const SampleRecord& record) const;
-    void Begin(const SampleRecord& record);
-    void TakeStrobe(const SampleRecord& record, const Lines& lines, std::int64_t elapsed);
-    void TakeAcknowledge(const SampleRecord& record);
-    void Close();
+    void Begin(const TimedSample& sample);
+    void TakeStrobe(const TimedSample& sample, const Lines& lines);
+    void TakeAcknowledge(const TimedSample& sample);
+    Transaction* Close();
 
     SignalLine addressStrobe_, acknowledge_, error_;
 
-    TransactionTally tally_;
     std::optional<StrobedTransaction> open_;
-    /// Of the previous sample. Before the first one, any transaction may be in progress.
-    Lines before_{true, true, true, true};
+    Transaction closed_;
+    Lines before_; // of the previous sample
+    bool isFirst_ = true;
     bool waiting_ = false; // for the answer to a strobe of the open transaction
-    std::int64_t waited_ = 0;
-    AcknowledgeTime acknowledgeTime_;
+    std::int64_t strobeTime_ = 0;
 };
 
 } // namespace busquill

@@ -1,6 +1,5 @@
 #include "analysis/trace_stats.h"
 
-#include "analysis/bus_traffic.h"
 #include "analysis/signal_lines.h"
 #include "analysis/value_labels.h"
 #include "capture/sample_rows.h"
@@ -29,19 +28,11 @@ std::shared_ptr<const CBusSignalDef> UnsharedLine(const SignalTables& tables,
 
 TraceStats::TraceStats(const BoardTraits& board, const SignalTables& tables)
     : anomaly_(UnsharedLine(tables, "ANOMALY")),
-      ruleLabels_(tables.decodedSignals.FindByName("RULE CHECK")),
-      traffic_(MakeBusTraffic(board, tables)) {
-    if (const auto def = tables.busSignals.FindByName("TIME")) {
-        sampleTime_.emplace(*def);
-    }
+      ruleLabels_(tables.decodedSignals.FindByName("RULE CHECK")), follower_(board, tables) {
     if (const auto def = tables.busSignals.FindByName("RULE CHECK")) {
         ruleCheck_.emplace(*def);
     }
 }
-
-TraceStats::~TraceStats() = default;
-TraceStats::TraceStats(TraceStats&&) noexcept = default;
-TraceStats& TraceStats::operator=(TraceStats&&) noexcept = default;
 
 void TraceStats::Add(const SampleRows& rows) {
     for (std::size_t i = 0; i < rows.Size(); ++i) {
@@ -56,15 +47,13 @@ void TraceStats::Add(std::span<const SampleRecord> records) {
 }
 
 void TraceStats::AddSample(std::int64_t number, const SampleRecord& record) {
-    // The time before the first sample is not part of the capture.
-    const std::int64_t elapsed = samples_ == 0 || !sampleTime_ ? 0 : sampleTime_->Of(record);
-    time_ = AddTimes(time_, elapsed);
-    idleTime_ = AddTimes(idleTime_, idle_ ? elapsed : 0);
-    if (traffic_) {
-        idle_ = traffic_->IsIdle(record);
-        idleSamples_ += idle_ ? 1 : 0;
-        traffic_->Take(record, elapsed);
+    const std::int64_t before = follower_.Time();
+    for (const Transaction& ended : follower_.Add(number, record)) {
+        tally_.Add(ended);
     }
+    idleTime_ = AddTimes(idleTime_, idle_ ? AddTimes(follower_.Time(), -before) : 0);
+    idle_ = follower_.IsIdle(record);
+    idleSamples_ += idle_ ? 1 : 0;
     if (anomaly_ && record.Bit(anomaly_->dataIndex)) {
         ++anomalies_;
     }
@@ -101,10 +90,15 @@ TraceSummary TraceStats::Summary() const {
     TraceSummary summary;
     summary.samples = samples_;
     summary.idleSamples = idleSamples_;
-    summary.time = time_;
+    summary.time = follower_.Time();
     summary.idleTime = idleTime_;
-    if (traffic_) {
-        traffic_->Report(summary);
+    if (const BusTraffic* const traffic = follower_.Traffic()) {
+        TransactionTally tally = tally_;
+        if (const auto unfinished = follower_.Unfinished(); unfinished && !unfinished->isHeadless) {
+            tally.Add(*unfinished);
+            summary.unfinished = 1;
+        }
+        tally.Report(summary, *traffic);
     }
     if (anomaly_) {
         summary.anomalies = anomalies_;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "analysis/trace_summary.h"
+#include "analysis/transaction_follower.h"
+#include "analysis/transaction_tally.h"
 #include "link/board_identity.h"
 #include "signals/record_field.h"
 #include "signals/signal.h"
@@ -14,7 +16,6 @@
 
 namespace busquill {
 
-class BusTraffic;
 struct SampleRows;
 
 /// Adds up a capture's traffic. Samples are added in order, in pieces of any size, which do not
@@ -23,9 +24,6 @@ struct SampleRows;
 class TraceStats {
 public:
     TraceStats(const BoardTraits& board, const SignalTables& tables);
-    ~TraceStats();
-    TraceStats(TraceStats&&) noexcept;
-    TraceStats& operator=(TraceStats&&) noexcept;
 
     void Add(const SampleRows& rows);
     /// Samples without numbers count from 0.
@@ -43,15 +41,14 @@ private:
     void AddFinding(std::int64_t number, const SampleRecord& record);
     [[nodiscard]] std::vector<FindingCount> Findings() const;
 
-    std::optional<SampleTime> sampleTime_;
     std::optional<RecordField> ruleCheck_;         // nothing: the board does not check rules
     std::shared_ptr<const CBusSignalDef> anomaly_; // null: not recorded in samples
     std::shared_ptr<const CDecodedSignalDef> ruleLabels_;
-    std::unique_ptr<BusTraffic> traffic_; // null: pins without a protocol
+    TransactionFollower follower_;
+    TransactionTally tally_;
 
     std::uint64_t samples_ = 0;
     std::uint64_t idleSamples_ = 0;
-    std::int64_t time_ = 0;
     std::int64_t idleTime_ = 0;
     bool idle_ = false; // of the previous sample
     std::uint64_t anomalies_ = 0;

@@ -1,10 +1,12 @@
 #include "analysis/strobed_traffic.h"
 #include "analysis/value_labels.h"
 #include "platform/text.h"
+#include "signals/value_text.h"
 
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <utility>
 
 namespace busquill {
 
@@ -29,11 +31,55 @@ bool IsWideAddress(std::uint32_t modifier) {
     return IsOneOf(modifier, {0x00, 0x01, 0x03, 0x34, 0x37});
 }
 
-/// A lock is a strobe without data; the two-edge protocols move data at other moments than
-/// strobe and acknowledge.
-bool IsWithoutPlainData(std::uint32_t modifier) {
-    return IsOneOf(modifier, {0x04, 0x05, 0x20, 0x21, 0x2C, 0x32, 0x35});
+/// A lock is a strobe without data.
+bool IsLock(std::uint32_t modifier) {
+    return IsOneOf(modifier, {0x04, 0x05, 0x2C, 0x32, 0x35});
 }
+
+/// Locks with an address that also uses the data lines.
+bool IsWideLock(std::uint32_t modifier) {
+    return IsOneOf(modifier, {0x04, 0x35});
+}
+
+constexpr std::uint32_t smallTwoEdge = 0x21; // of the 3U form
+
+/// 2eVME and 2eSST: they move data on both edges.
+bool IsTwoEdge(std::uint32_t modifier) {
+    return IsOneOf(modifier, {0x20, smallTwoEdge});
+}
+
+constexpr std::uint64_t lowWord = 0xFFFFFFFF;
+constexpr std::uint64_t low24 = 0xFFFFFF;
+
+/// The bits of an address: 16, 24, 32, 40 or 64.
+int AddressBits(std::uint32_t modifier) {
+    if (IsOneOf(modifier, {0x00, 0x01, 0x03, 0x04})) {
+        return 64;
+    }
+    if (modifier == 0x2F) {
+        return 24; // CR/CSR
+    }
+    return modifier == 0x37 ? 40 : VmeAddressWidth(modifier);
+}
+
+/// A 2eVME or 2eSST transaction in progress.
+///
+///   AS     ~~\______________________________________/~~
+///   DS0    ~~~~\____/~~~~\_______________________/~~~~~
+///   DTACK  ~~~~~~\____/~~~~\____/~~~\____/~~~\____/~~~
+///   DS1    ~~~~~~~~~~~~~~~~~~~\____/~~~\____/~~~~~~~~~
+///              1    2    3   |  data, on both edges  |
+struct TwoEdgeState {
+    static constexpr int addressPhases = 3;
+
+    int phase = 0; // address phases that were acknowledged
+    bool isSourceSynchronous = false;
+    bool hasWideAddress = false;
+    bool isSmall = false; // of the 3U form: half as wide
+    bool retry = false;   // RETRY in the sample before
+    bool waiting = false; // for an acknowledge
+    std::int64_t strobeTime = 0;
+};
 
 class VmeTraffic final : public StrobedTraffic {
 public:
@@ -44,10 +90,25 @@ public:
           modifiers_(tables.decodedSignals.FindByName("AM")),
           commands_(tables.decodedSignals.FindByName("COMMAND")) {}
 
-    void Report(TraceSummary& summary) const override {
-        StrobedTraffic::Report(summary);
-        summary.busErrors = busErrors_;
-        summary.retries = retries_;
+    [[nodiscard]] CommandName NameOf(std::uint32_t command) const override {
+        if ((command & interruptBit) != 0) {
+            return {std::numeric_limits<std::size_t>::max(), InterruptLabel()};
+        }
+        const std::uint32_t modifier = command & modifierMask;
+        const bool read = (command & readBit) != 0;
+        const auto label = FindLabel(*modifiers_, modifier);
+        const std::string text = label ? label->text : Printf("AM %02X", modifier);
+        const std::size_t row = label ? label->row : modifiers_->values.size() + modifier;
+        return {row, text + (read ? " Rd" : " Wr")}; // the label of reads comes first
+    }
+
+    [[nodiscard]] int AddressDigits(const Transaction& transaction) const override {
+        if ((transaction.command & interruptBit) != 0) {
+            return 1;
+        }
+        const std::uint32_t modifier = transaction.command & modifierMask;
+        const bool isWide = IsTwoEdge(modifier) && transaction.address.value_or(0) > lowWord;
+        return isWide ? 16 : AddressBits(modifier) / 4;
     }
 
 private:
@@ -65,44 +126,164 @@ private:
         return (command & modifierMask) | (write_.IsAsserted(record) ? 0 : readBit);
     }
 
+    /// For an interrupt acknowledge, its level.
+    std::uint64_t AddressAt(std::uint32_t command, const SampleRecord& record) const override {
+        const std::uint64_t lines = address_.Word(record) & lowWord;
+        if ((command & interruptBit) != 0) {
+            return lines >> 1 & 0x7;
+        }
+        const std::uint32_t modifier = command & modifierMask;
+        if (IsTwoEdge(modifier)) { // the extended modifier is below
+            return lines & (modifier == smallTwoEdge ? low24 : lowWord) & ~std::uint64_t{0xFF};
+        }
+        switch (AddressBits(modifier)) {
+        case 16:
+            return lines & 0xFFFF;
+        case 24:
+        case 40: // the rest is on the data lines
+            return lines & low24;
+        default:
+            return lines;
+        }
+    }
+
     bool FirstStrobeIsAddress(std::uint32_t command) const override {
         const std::uint32_t modifier = command & modifierMask;
-        return (command & interruptBit) == 0 && (IsWideBlock(modifier) || IsWideAddress(modifier));
+        return (command & interruptBit) == 0 &&
+               (IsWideBlock(modifier) || IsWideAddress(modifier) || IsWideLock(modifier));
+    }
+    std::uint64_t CompleteAddress(const Transaction& transaction,
+                                  const SampleRecord& record) const override {
+        const std::uint32_t modifier = transaction.command & modifierMask;
+        const std::uint64_t data = address_.Word(record) >> 32;
+        switch (AddressBits(modifier)) {
+        case 40:
+            return *transaction.address | (data & 0xFFFF) << 24;
+        case 64:
+            return *transaction.address | data << 32;
+        default:
+            return *transaction.address;
+        }
     }
     bool CarriesData(std::uint32_t command) const override {
-        return (command & interruptBit) != 0 || !IsWithoutPlainData(command & modifierMask);
+        return (command & interruptBit) != 0 || !IsLock(command & modifierMask);
     }
 
-    std::uint32_t BytesOf(std::uint32_t command, const SampleRecord& record) const override {
+    DataWord WordOf(std::uint32_t command, const SampleRecord& record) const override {
         if ((command & interruptBit) == 0 && IsWideBlock(command & modifierMask)) {
-            return 8;
+            return {WideData(record), 8, 0xFF};
         }
-        const bool both = std::popcount(dataStrobes_.Asserted(record)) == 2;
+        const std::uint64_t data = address_.Word(record) >> 32;
+        const std::uint8_t lanes = LanesOf(record);
+        constexpr std::uint8_t lowLanes = 0x3;
+        return lanes <= lowLanes ? DataWord{data & 0xFFFF, 2, lanes} : DataWord{data, 4, lanes};
+    }
+    std::uint32_t BytesOf(std::uint32_t command, const SampleRecord& record) const override {
+        return static_cast<std::uint32_t>(std::popcount(WordOf(command, record).lanes));
+    }
+    [[nodiscard]] std::uint8_t LanesOf(const SampleRecord& record) const {
+        constexpr std::uint32_t upperStrobe = 2;
+        const std::uint32_t strobes = dataStrobes_.Asserted(record);
+        const bool both = std::popcount(strobes) == 2;
         if (!longWord_.IsAsserted(record)) {
-            return both ? 2 : 1;
+            return both ? 0x3 : strobes == upperStrobe ? 0x2 : 0x1;
         }
         if (!both) {
-            return 3; // unaligned
+            return strobes == upperStrobe ? 0xE : 0x7; // unaligned
         }
         const bool a1 = record.Bit(address_.DataIndex() + 1);
-        return a1 ? 2 : 4; // the two middle bytes, or all
+        return a1 ? 0x6 : 0xF; // the two middle bytes, or all
+    }
+    /// 64 bits: the upper half is on the address lines, its lowest bit on LWORD.
+    [[nodiscard]] std::uint64_t WideData(const SampleRecord& record) const {
+        const std::uint64_t lines = address_.Word(record);
+        const std::uint64_t upper =
+            (lines & lowWord & ~std::uint64_t{1}) | (longWord_.IsHigh(record) ? 1U : 0U);
+        return upper << 32 | lines >> 32;
     }
 
-    void TakeError(const SampleRecord& record) override {
-        ++(retry_.IsAsserted(record) ? retries_ : busErrors_);
+    TransactionEnd MeaningOfError(const SampleRecord& record) const override {
+        return retry_.IsAsserted(record) ? TransactionEnd::Retry : TransactionEnd::BusError;
     }
 
-    CommandName NameOf(std::uint32_t command) const override {
-        if ((command & interruptBit) != 0) {
-            return {std::numeric_limits<std::size_t>::max(), InterruptLabel()};
+    bool IsOther(std::uint32_t command) const override {
+        return (command & interruptBit) == 0 && IsTwoEdge(command & modifierMask);
+    }
+    void BeginOther(const TimedSample& sample, Transaction& transaction) override {
+        const std::uint64_t extended = address_.Word(sample.record) & 0xFF;
+        twoEdge_ = {};
+        twoEdge_.isSourceSynchronous = (extended & 0x30) != 0;
+        twoEdge_.hasWideAddress = (extended & 0x0F) == 2;
+        twoEdge_.isSmall = (transaction.command & modifierMask) == smallTwoEdge;
+        twoEdge_.retry = retry_.IsAsserted(sample.record);
+    }
+    void TakeOther(const TimedSample& sample, const Lines& lines, const Lines& before,
+                   StrobedTransaction& open) override {
+        TwoEdgeState& state = twoEdge_;
+        const bool frames = (lines.strobes & 1) != 0; // DS0
+        const bool retry = retry_.IsAsserted(sample.record);
+        if (frames && !open.strobed) {
+            open.strobed = true;
+            open.sum.command = CommandAtStrobe(open.sum.command, sample.record);
         }
-        const std::uint32_t modifier = command & modifierMask;
-        const bool read = (command & readBit) != 0;
-        const auto label = FindLabel(*modifiers_, modifier);
-        const std::string text = label ? label->text : Printf("AM %02X", modifier);
-        const std::size_t row = label ? label->row : modifiers_->values.size() + modifier;
-        return {row, text + (read ? " Rd" : " Wr")}; // the label of reads comes first
+        if (!open.refused && ((retry && !state.retry) || (lines.error && !before.error))) {
+            open.refused = !retry                     ? TransactionEnd::BusError
+                           : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
+                                                      : TransactionEnd::Retry;
+            state.waiting = false;
+        }
+        state.retry = retry;
+        if (open.refused) {
+            return;
+        }
+        const bool isAcknowledge = lines.acknowledge != before.acknowledge;
+        if (state.phase < TwoEdgeState::addressPhases) {
+            state.waiting = state.waiting || ((lines.strobes ^ before.strobes) & 1) != 0;
+            if (isAcknowledge) {
+                state.waiting = false;
+                TakeAddressPhase(sample.record, ++state.phase, open.sum);
+            }
+        } else if (frames && (before.strobes & 1) != 0) {
+            TakeEdges(sample, ((lines.strobes ^ before.strobes) & 2) != 0, isAcknowledge, open.sum);
+        }
     }
+    void TakeAddressPhase(const SampleRecord& record, int phase, Transaction& sum) const {
+        const std::uint64_t lines = address_.Word(record);
+        if (phase == 1 && twoEdge_.hasWideAddress) {
+            const std::uint64_t data = lines >> 32;
+            sum.address =
+                twoEdge_.isSmall ? *sum.address | (data & 0xFFFF) << 24 : *sum.address | data << 32;
+        } else if (phase == 2) {
+            sum.address = *sum.address | (lines & 0xFF);
+        }
+    }
+    void TakeEdges(const TimedSample& sample, bool isStrobe, bool isAcknowledge, Transaction& sum) {
+        TwoEdgeState& state = twoEdge_;
+        const bool isWrite = (sum.command & readBit) == 0;
+        if (isStrobe && !state.isSourceSynchronous) {
+            state.waiting = true;
+            state.strobeTime = sample.time;
+        }
+        // The source of the data strobes them: with 2eSST, it does not wait for an answer.
+        const bool moves = state.isSourceSynchronous && isWrite ? isStrobe : isAcknowledge;
+        if (!moves) {
+            return;
+        }
+        AddData(sum, TwoEdgeWord(sample.record), state.isSmall ? 4 : 8, sample.time);
+        if (std::exchange(state.waiting, false)) {
+            ++sum.acknowledgeTime.transfers;
+            sum.acknowledgeTime.total =
+                AddTimes(sum.acknowledgeTime.total, AddTimes(sample.time, -state.strobeTime));
+        }
+    }
+    [[nodiscard]] DataWord TwoEdgeWord(const SampleRecord& record) const {
+        const std::uint64_t wide = WideData(record);
+        if (!twoEdge_.isSmall) {
+            return {wide, 8, 0xFF};
+        }
+        return {(wide >> 32 & 0xFFFF) << 16 | (wide & 0xFFFF), 4, 0xF};
+    }
+    bool IsOtherWaiting() const override { return twoEdge_.waiting; }
 
     /// The table's label, if its commands use the line at all.
     [[nodiscard]] std::string InterruptLabel() const {
@@ -119,9 +300,7 @@ private:
 
     SignalLine modifier_, write_, longWord_, interrupt_, retry_, address_;
     std::shared_ptr<const CDecodedSignalDef> modifiers_, commands_;
-
-    std::uint64_t busErrors_ = 0;
-    std::uint64_t retries_ = 0;
+    TwoEdgeState twoEdge_;
 };
 
 } // namespace

@@ -15,14 +15,20 @@ constexpr std::uint32_t readBit = 0x4;
 class VsbTraffic final : public StrobedTraffic {
 public:
     explicit VsbTraffic(const SignalTables& tables)
-        : StrobedTraffic(tables, {"PAS", "DS", "ACK", "ERR"}), space_(tables, "SPACE"),
-          size_(tables, "SIZE"), write_(tables, "WR"),
+        : StrobedTraffic(tables, {"PAS", "DS", "ACK", "ERR"}), lines_(tables, "AD"),
+          space_(tables, "SPACE"), size_(tables, "SIZE"), write_(tables, "WR"),
           commands_(tables.decodedSignals.FindByName("COMMAND")) {}
 
-    void Report(TraceSummary& summary) const override {
-        StrobedTraffic::Report(summary);
-        summary.busErrors = busErrors_;
+    [[nodiscard]] CommandName NameOf(std::uint32_t command) const override {
+        if (const auto label = FindLabel(*commands_, command)) {
+            return {label->row, label->text};
+        }
+        const bool read = (command & readBit) != 0;
+        return {commands_->values.size() + command,
+                Printf("SPACE %X %s", command & spaceMask, read ? "Rd" : "Wr")};
     }
+
+    [[nodiscard]] int AddressDigits(const Transaction& /*transaction*/) const override { return 8; }
 
 private:
     std::uint32_t CommandAt(const SampleRecord& record) const override {
@@ -32,29 +38,31 @@ private:
                                   const SampleRecord& /*record*/) const override {
         return command;
     }
+    std::uint64_t AddressAt(std::uint32_t /*command*/, const SampleRecord& record) const override {
+        return lines_.Value(record);
+    }
     bool FirstStrobeIsAddress(std::uint32_t /*command*/) const override { return false; }
+    std::uint64_t CompleteAddress(const Transaction& transaction,
+                                  const SampleRecord& /*record*/) const override {
+        return *transaction.address;
+    }
     bool CarriesData(std::uint32_t /*command*/) const override { return true; }
 
+    /// Which lanes carry the bytes depends on the target too, so all are shown.
+    DataWord WordOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
+        return {lines_.Value(record), 4, 0xF};
+    }
     std::uint32_t BytesOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
         constexpr std::array<std::uint32_t, 4> bytes = {4, 1, 2, 3};
         return bytes[size_.Value(record)];
     }
 
-    void TakeError(const SampleRecord& /*record*/) override { ++busErrors_; }
-
-    CommandName NameOf(std::uint32_t command) const override {
-        if (const auto label = FindLabel(*commands_, command)) {
-            return {label->row, label->text};
-        }
-        const bool read = (command & readBit) != 0;
-        return {commands_->values.size() + command,
-                Printf("SPACE %X %s", command & spaceMask, read ? "Rd" : "Wr")};
+    TransactionEnd MeaningOfError(const SampleRecord& /*record*/) const override {
+        return TransactionEnd::BusError;
     }
 
-    SignalLine space_, size_, write_;
+    SignalLine lines_, space_, size_, write_;
     std::shared_ptr<const CDecodedSignalDef> commands_;
-
-    std::uint64_t busErrors_ = 0;
 };
 
 } // namespace

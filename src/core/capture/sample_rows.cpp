@@ -38,12 +38,13 @@ private:
 /// The kinds of the first 96 bytes of a row, a bit for each byte.
 struct RowMasks {
     std::uint64_t commas[2] = {};
-    std::uint64_t feeds[2] = {};
     std::uint64_t others[2] = {}; // neither digit nor comma
 };
 
+constexpr unsigned rowBytes = 96; // longer than any plain row
+
 RowMasks MasksOf(const char* text) noexcept {
-    constexpr int pieces = 6;
+    constexpr int pieces = rowBytes / 16;
     RowMasks masks;
     for (int piece = 0; piece < pieces; ++piece) {
         const __m128i bytes =
@@ -58,7 +59,6 @@ RowMasks MasksOf(const char* text) noexcept {
         const int half = piece / 4;
         const int shift = piece % 4 * 16;
         masks.commas[half] |= comma << shift;
-        masks.feeds[half] |= bits(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))) << shift;
         masks.others[half] |= (~(comma | digit) & 0xFFFF) << shift;
     }
     return masks;
@@ -79,22 +79,17 @@ std::uint8_t ByteBefore(const char* end, unsigned digits) noexcept {
 /// with its line end, or 0 when it is not plain.
 std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& rows) {
     RowMasks masks = MasksOf(text);
-    const bool endsEarly = masks.feeds[0] != 0;
-    if (!endsEarly && masks.feeds[1] == 0) {
-        return 0;
-    }
-    const unsigned end = endsEarly ? static_cast<unsigned>(std::countr_zero(masks.feeds[0]))
-                                   : 64U + static_cast<unsigned>(std::countr_zero(masks.feeds[1]));
-    if (end >= length) {
+    const bool negative = text[0] == '-';
+    masks.others[0] &= ~std::uint64_t{negative};
+    // Nothing but digits and commas precedes the line end.
+    const bool endsEarly = masks.others[0] != 0;
+    const unsigned end = endsEarly ? static_cast<unsigned>(std::countr_zero(masks.others[0]))
+                                   : 64U + static_cast<unsigned>(std::countr_zero(masks.others[1]));
+    if (end >= length || end >= rowBytes || text[end] != '\n') {
         return 0;
     }
     const std::uint64_t inRow[2] = {LowBits<std::uint64_t>(end),
                                     endsEarly ? 0 : LowBits<std::uint64_t>(end - 64)};
-    const bool negative = text[0] == '-';
-    if (((masks.others[0] & inRow[0]) != (negative ? 1U : 0U)) ||
-        (masks.others[1] & inRow[1]) != 0) {
-        return 0;
-    }
     std::array<unsigned, rowFields + 96> ends; // of the fields; enough for any row
     std::size_t fields = 0;
     for (const std::size_t comma : EachSetBit(masks.commas[0] & inRow[0])) {

@@ -92,12 +92,9 @@ SampleTime::SampleTime() : field_(RunOf(110, 18)) {}
 SampleTime::SampleTime(const CSignalList& list) : field_(PositionsOf(list, list.TimeGroup())) {}
 
 std::int64_t SampleTime::Of(const SampleRecord& record) const noexcept {
-    constexpr std::size_t longest = 4; // wider fields do not hold a time
-    std::array<std::uint8_t, longest> row{};
-    if (field_.Bytes() <= longest) {
-        field_.Take(record, row.data());
-    }
-    return TimeField(row, static_cast<unsigned>(field_.Width()));
+    constexpr std::size_t longest = 32; // wider fields do not hold a time
+    return field_.Width() <= longest ? TimeOfBits(static_cast<std::uint32_t>(field_.Word(record)))
+                                     : 0;
 }
 
 void RunningTime::Add(const SampleRecord& record) noexcept {

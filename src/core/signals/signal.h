@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -29,6 +30,17 @@ struct SampleRecord {
     }
     /// At most 64 neighbouring bits as a number.
     [[nodiscard]] std::uint64_t Field(int first, std::size_t width) const noexcept {
+        const auto from = static_cast<std::size_t>(first) / 8;
+        const auto shift = static_cast<std::size_t>(first) % 8;
+        // Most fields lie inside a byte or a word, whose size the compiler knows.
+        if (shift + width <= 8 && from < bytes.size()) {
+            return (bytes[from] >> shift) & LowBits<std::uint64_t>(width);
+        }
+        if (shift + width <= wordBits && from + sizeof(std::uint32_t) <= bytes.size()) {
+            std::uint32_t word = 0;
+            std::memcpy(&word, bytes.data() + from, sizeof word);
+            return (word >> shift) & LowBits<std::uint64_t>(width);
+        }
         return BitsAt(bytes, static_cast<std::size_t>(first), width);
     }
     friend bool operator==(const SampleRecord&, const SampleRecord&) = default;

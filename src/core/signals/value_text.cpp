@@ -47,15 +47,17 @@ std::string WithBlanks(const std::string& digits) {
 
 /// A whole number and its thousandths: three decimals up to 9, two up to 99, then one.
 std::string Scaled(std::int64_t whole, std::int64_t thousandths, const char* unit) {
-    const auto w = static_cast<long long>(whole);
-    const auto t = static_cast<long long>(thousandths);
-    if (whole > 99) {
-        return Printf("%lld.%01lld%s", w, t / 100, unit);
+    const auto digit = [&](std::int64_t weight) {
+        return static_cast<char>('0' + thousandths / weight % 10);
+    };
+    std::string text = std::to_string(whole) + '.' + digit(100);
+    if (whole <= 99) {
+        text += digit(10);
     }
-    if (whole > 9) {
-        return Printf("%lld.%02lld%s", w, t / 10, unit);
+    if (whole <= 9) {
+        text += digit(1);
     }
-    return Printf("%lld.%03lld%s", w, t, unit);
+    return text + unit;
 }
 
 std::string FormatZoomTime(std::int64_t t) {
@@ -126,16 +128,6 @@ void BlankDisabledLanes(std::string& text, const SampleRecord& record) {
     }
 }
 
-int VmeAddressWidth(std::uint64_t addressModifier) noexcept {
-    if (addressModifier == 0x32 || addressModifier >= 0x38) {
-        return 24;
-    }
-    if (addressModifier == 0x2D || addressModifier == 0x2C || addressModifier == 0x29) {
-        return 16;
-    }
-    return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
-}
-
 /// Blanks the leading digits beyond an address of this width.
 void BlankBeyondAddress(std::string& text, int addressWidth) {
     constexpr std::size_t longText = 9;
@@ -195,6 +187,16 @@ std::string CommandText(const BoardTraits& board, const SampleRecord& record, st
 
 } // namespace
 
+int VmeAddressWidth(std::uint64_t addressModifier) noexcept {
+    if (addressModifier == 0x32 || addressModifier >= 0x38) {
+        return 24;
+    }
+    if (addressModifier == 0x2D || addressModifier == 0x2C || addressModifier == 0x29) {
+        return 16;
+    }
+    return addressModifier == 0x34 || addressModifier == 0x35 ? 40 : 32;
+}
+
 std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std::int32_t radix,
                         std::span<const std::uint8_t> mask, bool zoom) {
     switch (radix) {
@@ -213,14 +215,11 @@ std::string FormatValue(std::span<const std::uint8_t> data, unsigned width, std:
 
 std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept {
     constexpr unsigned maxWidth = 32;
-    constexpr std::int64_t units[] = {1, 1000, 1000000, 1000000000};
     if (width > maxWidth) {
         return 0;
     }
     // One bit more than the field has; existing captures depend on it.
-    const auto bits = static_cast<std::uint32_t>(BitsAt(data, 0, std::min(width + 1, maxWidth)));
-    const auto count = static_cast<std::int32_t>(bits) >> 2;
-    return count * units[bits & 3];
+    return TimeOfBits(static_cast<std::uint32_t>(BitsAt(data, 0, std::min(width + 1, maxWidth))));
 }
 
 std::string FormatTime(std::int64_t t, bool zoom) {
@@ -240,7 +239,7 @@ std::string FormatTime(std::int64_t t, bool zoom) {
     if (ms > 0) {
         return Scaled(ms, us, "ms");
     }
-    return us > 0 ? Scaled(us, ns, "us") : Printf("%lldns", static_cast<long long>(ns));
+    return us > 0 ? Scaled(us, ns, "us") : std::to_string(ns) + "ns";
 }
 
 std::uint16_t SurroundingsOf(const SampleRecord& record) noexcept {

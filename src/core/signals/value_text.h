@@ -17,6 +17,13 @@ namespace busquill {
                                       std::int32_t radix, std::span<const std::uint8_t> mask,
                                       bool zoom);
 
+/// The value of a TIME field of at most 32 bits: a count, and its unit in the two lowest bits.
+[[nodiscard]] constexpr std::int64_t TimeOfBits(std::uint32_t bits) noexcept {
+    constexpr std::int64_t units[] = {1, 1000, 1000000, 1000000000};
+    const auto count = static_cast<std::int32_t>(bits) >> 2;
+    return count * units[bits & 3];
+}
+
 /// A TIME field as a number: nanoseconds, or picoseconds for Power Zoom data.
 [[nodiscard]] std::int64_t TimeField(std::span<const std::uint8_t> data, unsigned width) noexcept;
 
@@ -33,6 +40,9 @@ namespace busquill {
 /// The text of a time with about three significant digits; `t` is in nanoseconds, or picoseconds
 /// with `zoom`.
 [[nodiscard]] std::string FormatTime(std::int64_t t, bool zoom);
+
+/// The bits of an address with this address modifier that the listing shows: 16, 24, 32 or 40.
+[[nodiscard]] int VmeAddressWidth(std::uint64_t addressModifier) noexcept;
 
 /// The text of one cell of a decoded signal. `label` may be null.
 [[nodiscard]] std::string FormatDecodedValue(const BoardTraits& board, const CSignal& signal,

@@ -28,7 +28,7 @@ protected:
     Waves Begun(std::string_view frame, std::uint32_t command) {
         Waves waves(bus);
         waves.Line("FRAME", frame).Set("SBO", 0);
-        waves.At(1, "ADR/DATA", 1).At(1, "C/BE", 0xF0 | command);
+        waves.At(1, "ADR/DATA", 1).At(1, "C/BE", 0xF0 | command).At(1, "AD", 0);
         return waves.At(2, "SBO", 1).At(2, "C/BE", 0xF0);
     }
 
@@ -72,6 +72,19 @@ TEST_F(PciXStats, TakeTheBytesOfAWideBlock) {
                                      .At(2, "AD", 100)
                                      .Summary();
     EXPECT_EQ(summary.bytes, 24U);
+}
+
+TEST_F(PciXStats, BeginABlockAtTheByteOfItsAddress) {
+    const auto bytes = [&](std::uint32_t count) {
+        return ThreeDataPhases(memoryReadBlock)
+            .At(1, "AD", 0x1003)
+            .At(2, "AD", count)
+            .Summary()
+            .bytes;
+    };
+    EXPECT_EQ(bytes(100), 1U + 4 + 4);
+    EXPECT_EQ(bytes(7), 7U);
+    EXPECT_EQ(bytes(1), 1U);
 }
 
 TEST_F(PciXStats, TakeTheWholeWidthOfABlockWithoutAttributes) {

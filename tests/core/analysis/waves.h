@@ -1,10 +1,12 @@
 #pragma once
 
 #include "analysis/trace_stats.h"
+#include "analysis/transaction_follower.h"
 #include "support/board_tables.h"
 
 #include <cstdint>
 #include <ostream>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +20,17 @@ inline void PrintTo(const CommandCount& count, std::ostream* out) {
 inline void PrintTo(const FindingCount& finding, std::ostream* out) {
     *out << int{finding.code} << " \"" << finding.label << "\" " << finding.count << " x from "
          << finding.firstSample;
+}
+inline std::string TextOf(const DataWord& word) {
+    std::string text;
+    AppendText(text, word);
+    return text;
+}
+inline void PrintTo(const DataWord& word, std::ostream* out) {
+    *out << TextOf(word);
+}
+inline void PrintTo(TransactionEnd end, std::ostream* out) {
+    *out << NameOf(end);
 }
 inline void PrintTo(const WaitStates& waits, std::ostream* out) {
     *out << waits.initiator << " by the initiator, " << waits.target << " by the target";
@@ -63,6 +76,32 @@ public:
     }
 
     [[nodiscard]] const std::vector<SampleRecord>& Records() const noexcept { return records_; }
+    /// The transactions with all their words, the unfinished one too.
+    [[nodiscard]] std::vector<Transaction> Transactions() const {
+        std::vector<Transaction> transactions;
+        TransactionFollower follower(bus_.board, bus_.tables);
+        follower.KeepWords(1000);
+        for (std::size_t i = 0; i < records_.size(); ++i) {
+            if (isMissing_.contains(i)) {
+                continue;
+            }
+            const auto number = static_cast<std::int64_t>(i);
+            for (const Transaction& ended : follower.Add(number, records_[i])) {
+                transactions.push_back(ended);
+            }
+        }
+        if (const auto unfinished = follower.Unfinished()) {
+            transactions.push_back(*unfinished);
+        }
+        return transactions;
+    }
+    /// Leaves samples out of Transactions.
+    Waves& Missing(std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i <= last; ++i) {
+            isMissing_.insert(i);
+        }
+        return *this;
+    }
     [[nodiscard]] TraceSummary Summary() const {
         TraceStats stats(bus_.board, bus_.tables);
         stats.Add(records_);
@@ -99,6 +138,7 @@ private:
 
     const BoardTables& bus_;
     std::vector<SampleRecord> records_;
+    std::set<std::size_t> isMissing_;
 };
 
 /// The count of a command; zeros when it did not occur.

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "analysis/bus_traffic.h"
+#include "signals/record_field.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace busquill {
+
+/// Turns samples into transactions. Samples are added in order, with their numbers; where numbers
+/// are missing, the transaction in progress ends as unknown. One thread at a time.
+///
+/// A transaction that began before the first sample, or among missing ones, is headless.
+class TransactionFollower {
+public:
+    TransactionFollower(const BoardTraits& board, const SignalTables& tables);
+
+    /// How many data words of each transaction are kept; none by default.
+    void KeepWords(std::size_t count);
+
+    /// Takes the next sample. Returns the transactions that end with it or have ended before it: at
+    /// most one, or two after missing samples. They are valid until the next call.
+    [[nodiscard]] std::span<const Transaction> Add(std::int64_t number, const SampleRecord& record);
+    /// The transaction in progress at the last sample, if any, as cut off; more samples may be
+    /// added.
+    [[nodiscard]] std::optional<Transaction> Unfinished() const;
+
+    /// Where to begin in the middle of a capture.
+    struct Place {
+        std::uint64_t transactions = 0;       // before it
+        std::int64_t number = 0;              // of the sample before it
+        std::int64_t time = 0;                // of that sample
+        const SampleRecord* before = nullptr; // that sample; null if others are missing since
+    };
+    /// Begins with a new capture.
+    void Restart();
+    /// Continues there, in a transaction that begins with the next sample.
+    void Resume(const Place& place);
+
+    /// The time of the last sample, in ns from the first.
+    [[nodiscard]] std::int64_t Time() const noexcept { return time_; }
+    /// Whether the bus is idle in a sample; not on a connector, whose pins have no protocol.
+    [[nodiscard]] bool IsIdle(const SampleRecord& record) const;
+    /// Null for a connector.
+    [[nodiscard]] const BusTraffic* Traffic() const noexcept { return traffic_.get(); }
+
+private:
+    [[nodiscard]] bool HasFinding(const SampleRecord& record) const;
+    void Break();
+    /// Adds what the capture around a transaction tells.
+    void Complete(Transaction& transaction) const;
+    /// Takes one that has ended, with what the next ones need to know of it.
+    void End(Transaction ended);
+
+    std::unique_ptr<BusTraffic> traffic_;
+    std::optional<SampleTime> sampleTime_;
+    std::optional<RecordField> ruleCheck_;
+
+    bool isFirst_ = true;     // no sample yet
+    std::int64_t number_ = 0; // of the last sample
+    std::int64_t time_ = 0;
+    std::uint64_t transactions_ = 0;
+    std::uint64_t findings_ = 0;                    // in the transaction in progress
+    std::optional<std::int64_t> lastEnd_;           // time; nothing if samples are missing since
+    bool isWhole_ = true;                           // it has seen all samples from the first on
+    std::map<std::uint32_t, std::uint64_t> splits_; // numbers of split requests, by requester
+    std::array<Transaction, 2> ended_;
+    std::size_t endedCount_ = 0;
+};
+
+} // namespace busquill

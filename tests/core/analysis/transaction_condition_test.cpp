@@ -1,0 +1,175 @@
+#include "analysis/transaction_condition.h"
+
+#include <gtest/gtest.h>
+
+namespace busquill::test {
+
+namespace {
+
+/// A read with data, not headless.
+Transaction Read() {
+    Transaction read;
+    read.number = 12;
+    read.sample = -5;
+    read.time = 3000;
+    read.address = 0xFEBF1234;
+    read.dataPhases = 4;
+    read.bytes = 16;
+    read.waitStates = {1, 6};
+    read.firstData = 3240;
+    read.end = TransactionEnd::Complete;
+    read.gap = 90;
+    return read;
+}
+
+bool Holds(std::string_view text, const Transaction& transaction = Read(),
+           std::string_view command = "Mem Rd") {
+    const auto parsed = TransactionCondition::Parse(text);
+    if (const auto* const error = std::get_if<ExpressionError>(&parsed)) {
+        ADD_FAILURE() << text << ": " << error->message << " at " << error->place;
+        return false;
+    }
+    return std::get<TransactionCondition>(parsed).Holds(transaction, command);
+}
+
+ExpressionError ErrorOf(std::string_view text) {
+    const auto parsed = TransactionCondition::Parse(text);
+    const auto* const error = std::get_if<ExpressionError>(&parsed);
+    return error != nullptr ? *error : ExpressionError{std::string_view::npos, "none"};
+}
+
+} // namespace
+
+TEST(TransactionConditions, CompareNumbers) {
+    for (const char* text :
+         {"number == 12",    "number != 11",   "wait > 5",           "wait >= 6",
+          "wait < 7",        "wait <= 6",      "initiatorWait == 1", "sample == -5",
+          "sample < 0",      "sample > -6",    "words == 4",         "bytes in 10..16",
+          "bytes in 16..16", "latency == 240", "latency <= 240ns",   "time == 3us",
+          "gap < 1 ms",      "findings == 0",  "bytes == 0x10",      "bytes == 0x1X",
+          "number == 1_2"}) {
+        EXPECT_TRUE(Holds(text)) << text;
+    }
+    for (const char* text :
+         {"number == 13", "number != 12", "wait > 6", "wait >= 7", "wait < 6", "wait <= 5",
+          "sample == 5", "sample > -5", "sample < -5", "bytes in 17..20", "bytes in 1..15",
+          "time < 3us", "bytes == 0x2X", "bytes != 0x1X"}) {
+        EXPECT_FALSE(Holds(text)) << text;
+    }
+}
+
+TEST(TransactionConditions, CompareAddressesOf64Bits) {
+    for (const char* text :
+         {"address == 0xFEBF1234", "address == 0xFEBF_XXXX", "address == 0xfebf12x4",
+          "address in 0xFEBF0000..0xFEBFFFFF", "address != 0xFEBF1235", "address > 0xFEBF1233",
+          "address < 0xFEBF1235", "address <= 0xFFFFFFFFFFFFFFFF", "address >= 0"}) {
+        EXPECT_TRUE(Holds(text)) << text;
+    }
+    for (const char* text : {"address == 0x1_FEBF1234", "address == 0xFEBE_XXXX",
+                             "address != 0xFEBFXXXX", "address > 0xFEBF1234", "address < 5"}) {
+        EXPECT_FALSE(Holds(text)) << text;
+    }
+    Transaction wide = Read();
+    wide.address = 0xFFFFFFFF'00000010;
+    EXPECT_TRUE(Holds("address > 0xFFFFFFFF", wide));
+    EXPECT_TRUE(Holds("address == 0xFFFFFFFF_0000001X", wide));
+    EXPECT_FALSE(Holds("address == 0x1X", wide));
+}
+
+TEST(TransactionConditions, CompareCommandsAndEnds) {
+    EXPECT_TRUE(Holds("command == \"Mem Rd\""));
+    EXPECT_TRUE(Holds("command == \"mem rd\""));
+    EXPECT_TRUE(Holds("command == \"Mem*\""));
+    EXPECT_TRUE(Holds("command == \"*Rd\""));
+    EXPECT_TRUE(Holds("command == \"*e*R*\""));
+    EXPECT_TRUE(Holds("command != \"Mem Wr\""));
+    EXPECT_FALSE(Holds("command == \"Mem R\""));
+    EXPECT_FALSE(Holds("command == \"Mem Rdx\""));
+    EXPECT_FALSE(Holds("command != \"*\""));
+    EXPECT_TRUE(Holds("end == complete"));
+    EXPECT_TRUE(Holds("end != disconnect-with-data"));
+    EXPECT_FALSE(Holds("end == retry"));
+}
+
+TEST(TransactionConditions, CombineFromTheStrongestToTheWeakest) {
+    // not, and, or
+    EXPECT_TRUE(Holds("number == 12 or number == 1 and number == 2"));
+    EXPECT_FALSE(Holds("(number == 12 or number == 1) and number == 2"));
+    EXPECT_TRUE(Holds("not number == 1 and number == 12"));
+    EXPECT_FALSE(Holds("not (number == 1 or number == 12)"));
+    EXPECT_TRUE(Holds("not not number == 12"));
+    EXPECT_TRUE(Holds("command == \"Mem Rd\" and address in 0xFEBF0000..0xFEBFFFFF and not (wait "
+                      "<= 4 or end == retry)"));
+    EXPECT_FALSE(Holds("number == 1 and number == 12 or number == 2 and number == 12"));
+    EXPECT_TRUE(Holds("number == 1 and number == 12 or number == 12 and wait == 6"));
+}
+
+TEST(TransactionConditions, NestAsDeepAsTheyMay) {
+    std::string text = "number == 12";
+    for (int i = 0; i < 29; ++i) {
+        text = "(number == 1 or number != 1 and " + text + ")";
+    }
+    EXPECT_TRUE(Holds(text));
+    EXPECT_EQ(ErrorOf("(" + text + ")").message, "too many parentheses inside each other");
+    EXPECT_EQ(ErrorOf(std::string(100000, '(')).place, 30U);
+}
+
+TEST(TransactionConditions, DoNotHoldForWhatATransactionDoesNotHave) {
+    Transaction bare;
+    bare.number = 1;
+    bare.isHeadless = true;
+    bare.end = TransactionEnd::CutOff;
+    for (const char* text :
+         {"latency == 0", "latency != 0", "latency < 5", "gap != 1", "gap >= 0", "address == 0",
+          "address != 1", "address < 5", "tag == 0", "tag != 1", "splitRequest != 1",
+          "command == \"*\"", "command != \"x\"", "gap == 0x0X"}) {
+        EXPECT_FALSE(Holds(text, bare, "")) << text;
+    }
+    EXPECT_TRUE(Holds("not latency < 5", bare, ""));
+    EXPECT_TRUE(Holds("end == cut-off", bare, ""));
+    EXPECT_TRUE(Holds("end != retry", bare, ""));
+}
+
+TEST(TransactionConditions, CompareTheTagsOfPciX) {
+    Transaction split = Read();
+    split.sequence = SplitSequence{0x11U << 16, 4, true, false};
+    split.splitRequest = 9;
+    EXPECT_TRUE(Holds("tag == 0x11 and splitRequest == 9", split));
+}
+
+TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
+    struct Case {
+        const char* text;
+        std::size_t place;
+        const char* begins;
+    };
+    for (const auto& [text, place, begins] : {
+             Case{"", 0, "expected a field: number, "},
+             Case{"  ", 2, "expected a field"},
+             Case{"adress == 5", 0, "there is no field \"adress\": address, "},
+             Case{"wait > 4 and", 12, "expected a field"},
+             Case{"wait > 4 also end == retry", 9, "expected \"and\" or \"or\""},
+             Case{"wait 4", 5, "expected ==, !=, <, <=, >, >= or in"},
+             Case{"wait > x", 7, "expected a number"},
+             Case{"wait == 0x", 8, "expected a number"},
+             Case{"wait > 0xX", 7, "a number with X can only be compared with == and !="},
+             Case{"wait in 5", 9, "expected \"..\""},
+             Case{"wait in 5..4", 8, "the range ends before it begins"},
+             Case{"address in 5..4", 11, "the range ends before it begins"},
+             Case{"address == -1", 13, "an address has no sign"},
+             Case{"number == 99999999999999999999", 10, "the number is too large"},
+             Case{"time > 10000000000s", 7, "the number is too large"},
+             Case{"command > \"a\"", 8, "expected == or != after command"},
+             Case{"command == Mem", 11, "expected a command in double quotes"},
+             Case{"command == \"Mem", 15, "expected \" at the end"},
+             Case{"end == retri", 7, "expected an end: retry, "},
+             Case{"(wait > 4", 9, "expected \")\""},
+             Case{"wait > 4)", 8, "expected \"and\" or \"or\""},
+         }) {
+        const ExpressionError error = ErrorOf(text);
+        EXPECT_EQ(error.place, place) << text;
+        EXPECT_TRUE(error.message.starts_with(begins)) << text << ": " << error.message;
+    }
+}
+
+} // namespace busquill::test

@@ -1,0 +1,361 @@
+#include "analysis/transaction_follower.h"
+#include "support/board_tables.h"
+#include "waves.h"
+
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<TransactionEnd> Ends(const std::vector<Transaction>& transactions) {
+    std::vector<TransactionEnd> ends;
+    for (const Transaction& each : transactions) {
+        ends.push_back(each.end);
+    }
+    return ends;
+}
+
+class PciTransactions : public testing::Test {
+protected:
+    /// A memory read at 0x1000 in sample 1.
+    Waves Read(std::string_view frame) {
+        Waves waves(bus);
+        waves.Line("FRAME", frame).Set("C/BE", 0xF0);
+        return Address(waves, 1, 0xF6, 0x1000);
+    }
+    static Waves& Address(Waves& waves, std::size_t sample, std::uint32_t command,
+                          std::uint32_t address) {
+        return waves.At(sample, "ADR/DATA", 1)
+            .At(sample, "C/BE", command)
+            .At(sample, "AD", address);
+    }
+
+    BoardTables bus{"PCIKite"};
+};
+
+/// Strobed lines of a VME bus, 32 bits wide.
+class VmeTransactions : public testing::Test {
+protected:
+    Waves Access(std::string_view as, std::string_view ds, std::string_view dtack,
+                 std::uint32_t modifier = 0x09) {
+        Waves waves(bus);
+        waves.Line("AS", as).Line("DS", ds).Line("DS", ds, 1).Line("DTACK", dtack);
+        return waves.Set("AM", modifier).Set("LWORD", 0).Set("AD", 0x1000);
+    }
+    /// 2eVME and 2eSST have strobes of their own.
+    Waves TwoEdge(std::string_view as, std::string_view ds0, std::string_view ds1,
+                  std::string_view dtack, std::uint32_t extended) {
+        Waves waves(bus);
+        waves.Line("AS", as).Line("DS", ds0).Line("DS", ds1, 1).Line("DTACK", dtack);
+        return waves.Set("AM", 0x20).Set("AD", 0x12345600 | extended);
+    }
+
+    BoardTables bus{"VMEKite"};
+};
+
+} // namespace
+
+TEST_F(PciTransactions, TellWhatMovedAndHowLongItTook) {
+    const auto transactions = Read("~______~~~~")
+                                  .Line("IRDY", "~~______~~~")
+                                  .Line("TRDY", "~~~~_~__~~~")
+                                  .Line("DEVSEL", "~~~_____~~~")
+                                  .At(4, "AD", 0xAAAA0001)
+                                  .At(6, "AD", 0xAAAA0002)
+                                  .At(7, "AD", 0xAAAA0003)
+                                  .At(7, "C/BE", 0xFC)
+                                  .At(6, "RULE CHECK", 3)
+                                  .At(8, "RULE CHECK", 3) // outside
+                                  .Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    const Transaction& read = transactions[0];
+    EXPECT_EQ(read.number, 1U);
+    EXPECT_EQ(read.sample, 1);
+    EXPECT_EQ(read.lastSample, 7);
+    EXPECT_EQ(read.time, 10);
+    EXPECT_EQ(read.lastTime, 70);
+    EXPECT_EQ(read.address, 0x1000U);
+    EXPECT_EQ(read.dataPhases, 3U);
+    EXPECT_EQ(read.bytes, 10U);
+    EXPECT_THAT(read.words, ElementsAre(DataWord{0xAAAA0001, 4, 0xF}, DataWord{0xAAAA0002, 4, 0xF},
+                                        DataWord{0xAAAA0003, 4, 0x3}));
+    EXPECT_EQ(read.Wait(), 3);
+    EXPECT_EQ(read.Latency(), 30);
+    EXPECT_EQ(read.end, TransactionEnd::Complete);
+    EXPECT_EQ(read.gap, std::nullopt);
+    EXPECT_EQ(read.findings, 1U);
+}
+
+TEST_F(PciTransactions, TellTheGapFromTheLastSampleOfTheOneBefore) {
+    Waves waves = Read("~_~~~~_~~");
+    waves.Line("IRDY", "~~_~~~~_~").Line("TRDY", "~~_~~~~_~").Line("DEVSEL", "~~_~~~~_~");
+    const auto transactions = Address(waves, 6, 0xF7, 0x2000).Transactions();
+    ASSERT_EQ(transactions.size(), 2U);
+    EXPECT_EQ(transactions[1].gap, 40);
+    EXPECT_EQ(transactions[1].number, 2U);
+}
+
+TEST_F(PciTransactions, TellBothHalvesOfADualAddress) {
+    Waves waves = Read("~__~~");
+    waves.Line("IRDY", "~~~_~").Line("TRDY", "~~~_~").Line("DEVSEL", "~~~_~");
+    Address(waves, 1, 0xFD, 0x89ABCDE0);
+    const auto transactions = Address(waves, 2, 0xF6, 0x12).Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    EXPECT_EQ(transactions[0].address, 0x12'89ABCDE0U);
+}
+
+TEST_F(PciTransactions, DistinguishEndsByTheTarget) {
+    const auto end = [&](const char* trdy, const char* devsel) {
+        return Ends(Read("~____~~~")
+                        .Line("IRDY", "~~____~~")
+                        .Line("DEVSEL", devsel)
+                        .Line("BSTOP", "~~~~__~~")
+                        .Line("TRDY", trdy)
+                        .Transactions());
+    };
+    EXPECT_THAT(end("~~~~~~~~", "~~____~~"), ElementsAre(TransactionEnd::Retry));
+    EXPECT_THAT(end("~~~_~~~~", "~~____~~"), ElementsAre(TransactionEnd::DisconnectWithoutData));
+    EXPECT_THAT(end("~~~__~~~", "~~____~~"), ElementsAre(TransactionEnd::DisconnectWithData));
+    EXPECT_THAT(end("~~~~~~~~", "~~__~~~~"), ElementsAre(TransactionEnd::TargetAbort));
+}
+
+TEST_F(PciTransactions, CallUnansweredOnesMasterAborts) {
+    EXPECT_THAT(Ends(Read("~____~~").Line("IRDY", "~~____~").Transactions()),
+                ElementsAre(TransactionEnd::MasterAbort));
+}
+
+TEST_F(PciTransactions, DoNotGuessTheEndOfAddressPhasesThatWereStoredAlone) {
+    Waves waves = Read("~__~");
+    EXPECT_THAT(Ends(Address(waves, 2, 0xF7, 0).Transactions()),
+                ElementsAre(TransactionEnd::Unknown, TransactionEnd::Unknown));
+}
+
+TEST_F(PciTransactions, AreCutOffAtBothEndsOfTheCapture) {
+    const auto transactions = Read("______~__")
+                                  .Line("IRDY", "______~~_")
+                                  .At(1, "ADR/DATA", 0)
+                                  .At(7, "ADR/DATA", 1)
+                                  .Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::CutOff, TransactionEnd::CutOff));
+    EXPECT_TRUE(transactions[0].isHeadless);
+    EXPECT_EQ(transactions[0].address, std::nullopt);
+    EXPECT_EQ(transactions[0].dataPhases, 0U);
+    EXPECT_EQ(transactions[0].lastSample, 5);
+    EXPECT_FALSE(transactions[1].isHeadless);
+    EXPECT_EQ(transactions[1].gap, 20);
+}
+
+TEST_F(PciTransactions, AreUnknownWhereSamplesAreMissing) {
+    // Samples 4 to 5 are missing; the data afterwards may be of another transaction.
+    const auto transactions = Read("~______~~")
+                                  .Line("IRDY", "~~_____~~")
+                                  .Line("TRDY", "~~~__~_~~")
+                                  .Line("DEVSEL", "~~_____~~")
+                                  .Missing(4, 5)
+                                  .Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Unknown, TransactionEnd::Unknown));
+    EXPECT_EQ(transactions[0].dataPhases, 1U);
+    EXPECT_EQ(transactions[0].lastSample, 3);
+    EXPECT_TRUE(transactions[1].isHeadless);
+    EXPECT_EQ(transactions[1].sample, 6);
+    EXPECT_EQ(transactions[1].gap, std::nullopt);
+}
+
+TEST_F(PciTransactions, EndTwiceInASampleAfterMissingOnes) {
+    // The sample after the gap is the last clock of a transaction that began inside it.
+    const auto transactions = Read("~______~~~")
+                                  .Line("IRDY", "~~______~~")
+                                  .Line("TRDY", "~~~~~~~_~~")
+                                  .Line("DEVSEL", "~~______~~")
+                                  .Missing(4, 6)
+                                  .Transactions();
+    ASSERT_EQ(transactions.size(), 2U);
+    EXPECT_FALSE(transactions[0].isHeadless);
+    EXPECT_EQ(transactions[0].lastSample, 3);
+    EXPECT_TRUE(transactions[1].isHeadless);
+    EXPECT_EQ(transactions[1].sample, 7);
+}
+
+TEST_F(PciTransactions, AreNotInventedWhereSamplesOfIdleTimeAreMissing) {
+    EXPECT_THAT(Read("~~~~~~~~").At(1, "ADR/DATA", 0).Missing(2, 4).Transactions(), IsEmpty());
+}
+
+class PciXTransactions : public testing::Test {
+protected:
+    static constexpr std::uint32_t requester = 0x11U << 24 | 2U << 16 | 3U << 11 | 1U << 8;
+
+    /// A split read of 8 bytes in samples 1 to 4, two completions from 6 and 11 on.
+    Waves SplitRead() {
+        Waves waves(bus);
+        waves.Line("FRAME", "~___~~___~~___~~").Line("IRDY", "~~~__~~~__~~~__~");
+        waves.Line("DEVSEL", "~~~_~~~~__~~~__~").Line("TRDY", "~~~~_~~~~_~~~~_~");
+        waves.Set("SBO", 0).Set("C/BE", 0xF0);
+        Phase(waves, 1, 0xFE, 0x1000, requester | 8);
+        Phase(waves, 6, 0xFC, requester, 0x00FF0000 | 8);
+        Phase(waves, 11, 0xFC, requester | 4, 0x00FF0000 | 4);
+        return waves;
+    }
+    static void Phase(Waves& waves, std::size_t sample, std::uint32_t command,
+                      std::uint32_t address, std::uint32_t attributes) {
+        waves.At(sample, "ADR/DATA", 1).At(sample, "C/BE", command).At(sample, "AD", address);
+        waves.At(sample + 1, "SBO", 1).At(sample + 1, "AD", attributes);
+    }
+
+    BoardTables bus{"PCIKite", BusPciX};
+};
+
+TEST_F(PciXTransactions, PairASplitWithItsCompletionsByTheRequester) {
+    const auto transactions = SplitRead().Transactions();
+    ASSERT_THAT(Ends(transactions),
+                ElementsAre(TransactionEnd::SplitResponse, TransactionEnd::Complete,
+                            TransactionEnd::Complete));
+    EXPECT_EQ(transactions[0].sequence->Tag(), 0x11U);
+    EXPECT_EQ(transactions[0].splitRequest, std::nullopt);
+    EXPECT_EQ(transactions[1].splitRequest, 1U);
+    EXPECT_EQ(transactions[1].bytes, 4U);
+    EXPECT_EQ(transactions[2].splitRequest, 1U);
+}
+
+TEST_F(PciXTransactions, PairNoCompletionAfterTheLastByte) {
+    Waves waves = SplitRead();
+    const auto transactions = waves.At(7, "AD", 0x00FF0000 | 4).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, 1U);
+    EXPECT_EQ(transactions.at(2).splitRequest, std::nullopt);
+}
+
+TEST_F(PciXTransactions, PairNoCompletionOfAnotherRequester) {
+    Waves waves = SplitRead();
+    const auto transactions = waves.At(6, "AD", requester ^ 1U << 24).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, std::nullopt);
+    EXPECT_EQ(transactions.at(2).splitRequest, 1U);
+}
+
+TEST_F(PciXTransactions, PairNoCompletionAfterMissingSamples) {
+    const auto transactions = SplitRead().Missing(5, 5).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, std::nullopt);
+}
+
+TEST_F(VmeTransactions, TellWhatMovedAndHowLongItTook) {
+    Waves waves = Access("~_________~~", "~~__~~____~~", "~~~_~~~~__~~", 0x0B);
+    const auto transactions = waves.At(3, "AD", 0x1000).Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    const Transaction& read = transactions[0];
+    EXPECT_EQ(read.address, 0x1000U);
+    EXPECT_EQ(read.dataPhases, 2U);
+    EXPECT_EQ(read.bytes, 8U);
+    EXPECT_EQ(read.Wait(), 10 + 20);
+    EXPECT_EQ(read.Latency(), 20);
+    EXPECT_EQ(read.lastSample, 9);
+    EXPECT_EQ(read.end, TransactionEnd::Complete);
+}
+
+TEST_F(VmeTransactions, TellTheLevelOfAnInterruptAcknowledge) {
+    Waves waves = Access("~___~", "~~__~", "~~~_~");
+    const auto transactions = waves.Line("IACK", "~___~").Set("AD", 0xFFFFFFFA).Transactions();
+    EXPECT_EQ(transactions.at(0).address, 5U);
+}
+
+TEST_F(VmeTransactions, CallABlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
+    const auto transactions =
+        Access("~_________~~", "~~__~~____~~", "~~~_~~~~~~~~", 0x0B).Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::MasterAbort));
+    EXPECT_EQ(transactions[0].dataPhases, 1U);
+    EXPECT_EQ(transactions[0].Wait(), 10);
+}
+
+TEST_F(VmeTransactions, AreCutOffBeforeTheirLastStrobeIsAnswered) {
+    EXPECT_THAT(Ends(Access("~______", "~~__~~_", "~~~_~~~").Transactions()),
+                ElementsAre(TransactionEnd::CutOff));
+}
+
+TEST_F(VmeTransactions, MayHaveBegunBeforeTheFirstSample) {
+    const auto transactions = Access("__~~", "~_~~", "~_~~").Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::CutOff));
+    EXPECT_TRUE(transactions[0].isHeadless);
+}
+
+TEST_F(VmeTransactions, AreOneWhereTheBusErrorFollowsGoodTransfers) {
+    const auto transactions = Access("~_________~~", "~~__~~____~~", "~~~_~~~~~~~~", 0x0B)
+                                  .Line("BERR", "~~~~~~~~__~~")
+                                  .Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::BusError));
+    EXPECT_EQ(transactions[0].dataPhases, 1U);
+}
+
+namespace {
+
+// Three address phases from sample 2 on, the data from sample 8 on, the end from sample 16 on.
+constexpr const char* twoEdgeAs = "~_________________~~";
+constexpr const char* twoEdgeDs0 = "~~__~~__________~~~~";
+constexpr const char* fourBeats = "~~~~~~~~__~~__~~~~~~";           // on DS1
+constexpr const char* acknowledged = "~~~__~~__~~__~~__~~~";        // on DTACK
+constexpr const char* addressAcknowledged = "~~~__~~__________~~~"; // the same without the beats
+constexpr const char* noStrobe = "~~~~~~~~~~~~~~~~~~~~";
+constexpr const char* writes = "____________________";
+
+} // namespace
+
+TEST_F(VmeTransactions, MoveDataOnBothEdgesOf2eVme) {
+    Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x01);
+    const auto transactions = waves.Line("WRITE", writes)
+                                  .At(5, "AD", 0x80) // the lower part of the address
+                                  .At(9, "AD", 0xAABBCCDD)
+                                  .Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    const Transaction& block = transactions[0];
+    EXPECT_EQ(block.address, 0x12345680U);
+    EXPECT_EQ(block.dataPhases, 4U);
+    EXPECT_EQ(block.bytes, 32U);
+    EXPECT_EQ(block.words.at(0), (DataWord{0xAABBCCDD'00000000, 8, 0xFF}));
+    EXPECT_EQ(block.Wait(), 40);
+    EXPECT_EQ(block.Latency(), 80);
+}
+
+TEST_F(VmeTransactions, CallA2eVmeBlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
+    Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, "~~~~~~~~__~~~~~~~~~~", "~~~__~~__~~~~~~~~~~~", 1);
+    const auto transactions = waves.Line("WRITE", writes).Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::MasterAbort));
+    EXPECT_EQ(transactions[0].dataPhases, 1U);
+}
+
+TEST_F(VmeTransactions, MoveDataWithTheStrobesOf2eSst) {
+    Waves write = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, addressAcknowledged, 0x11);
+    const auto written = write.Line("WRITE", writes).Transactions();
+    ASSERT_THAT(Ends(written), ElementsAre(TransactionEnd::Complete));
+    EXPECT_EQ(written[0].dataPhases, 4U);
+    EXPECT_EQ(written[0].Wait(), 0);
+    const auto read = TwoEdge(twoEdgeAs, twoEdgeDs0, noStrobe, acknowledged, 0x11).Transactions();
+    EXPECT_EQ(read.at(0).dataPhases, 4U);
+    EXPECT_EQ(read.at(0).Wait(), 0);
+    EXPECT_EQ(read.at(0).acknowledgeTime.transfers, 0U);
+}
+
+TEST_F(VmeTransactions, EndA2eVmeBlockWithRetryOrError) {
+    const auto end = [&](const char* line, const char* wave) {
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x01);
+        return Ends(waves.Line(line, wave).Transactions());
+    };
+    EXPECT_THAT(end("RETRY", "~~~_______________~~"), ElementsAre(TransactionEnd::Retry));
+    EXPECT_THAT(end("RETRY", "~~~~~~~~~~~~~~____~~"),
+                ElementsAre(TransactionEnd::DisconnectWithData));
+    EXPECT_THAT(end("BERR", "~~~~~~~~~~~~~~____~~"), ElementsAre(TransactionEnd::BusError));
+}
+
+TEST_F(VmeTransactions, CountDataOf2eVmeInTheStatistics) {
+    const TraceSummary summary =
+        TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x01).Summary();
+    EXPECT_EQ(Command(summary, "2eVME/2eSST(6U) Rd").bytes, 32U);
+}
+
+TEST(DataWordText, HasDashesForBytesThatWereNotTransferred) {
+    EXPECT_EQ(TextOf({0x1234ABCD, 4, 0xF}), "1234ABCD");
+    EXPECT_EQ(TextOf({0x1234ABCD, 4, 0x5}), "--34--CD");
+    EXPECT_EQ(TextOf({0x12, 2, 0x1}), "--12");
+    EXPECT_EQ(TextOf({0x1234ABCD, 8, 0xFF}), "000000001234ABCD");
+}
+
+} // namespace busquill::test

@@ -1,0 +1,152 @@
+/// The rows of the index, compared with those of the follower that saw the whole capture.
+#include "analysis/transaction_index.h"
+#include "boardsim/deeds.h"
+#include "support/board_tables.h"
+#include "waves.h"
+
+#include <gtest/gtest.h>
+
+namespace busquill::test {
+
+namespace {
+
+struct RowsCase {
+    const char* name;
+    boardsim::Family family;
+    const char* model;
+    std::int32_t mode;
+    std::int32_t width;
+};
+void PrintTo(const RowsCase& family, std::ostream* out) {
+    *out << family.name;
+}
+
+class TransactionRows : public testing::TestWithParam<RowsCase> {
+protected:
+    void Record(unsigned gaps) {
+        const auto recording =
+            boardsim::RecordDeeds(GetParam().family, 3, sampleCount, sampleCount / 2, gaps);
+        absent.Reset(sampleCount);
+        for (std::size_t i = 0; i < sampleCount; ++i) {
+            records.push_back({recording.samples[i]});
+            absent.Assign(i, recording.missing[i]);
+        }
+    }
+    /// The first `count` samples.
+    [[nodiscard]] CapturedSamples Samples(std::size_t count = sampleCount) const {
+        return {std::span(records).first(count), -static_cast<std::int64_t>(sampleCount / 2),
+                absent.Words()};
+    }
+    [[nodiscard]] std::vector<Transaction> Followed() const {
+        std::vector<Transaction> transactions;
+        TransactionFollower follower(bus.board, bus.tables);
+        follower.KeepWords(4);
+        for (std::size_t i = 0; i < sampleCount; ++i) {
+            if (!absent.Test(i)) {
+                const auto ended = follower.Add(
+                    static_cast<std::int64_t>(i) - std::int64_t{sampleCount / 2}, records[i]);
+                transactions.insert(transactions.end(), ended.begin(), ended.end());
+            }
+        }
+        if (const auto unfinished = follower.Unfinished()) {
+            transactions.push_back(*unfinished);
+        }
+        return transactions;
+    }
+
+    static constexpr std::size_t sampleCount = 20000;
+    std::vector<SampleRecord> records;
+    Bits absent;
+    BoardTables bus{GetParam().model, GetParam().mode, GetParam().width};
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Families, TransactionRows,
+    testing::Values(RowsCase{"Pci32", boardsim::Family::Pci32, "PCIKite", BusPci, 0},
+                    RowsCase{"Pci64", boardsim::Family::Pci64, "PCIKite", BusPci, 1},
+                    RowsCase{"PciX", boardsim::Family::PciX, "PCIKite", BusPciX, 1},
+                    RowsCase{"Vme", boardsim::Family::Vme, "VMEKite", BusVme, 0},
+                    RowsCase{"Lark", boardsim::Family::Lark, "VMELark", BusVme, 0},
+                    RowsCase{"Vsb", boardsim::Family::Vsb, "VSBKite", BusVsb, 0}),
+    [](const auto& each) { return each.param.name; });
+
+} // namespace
+
+TEST_P(TransactionRows, TellWhatTheFollowerOfTheWholeCaptureTold) {
+    for (const unsigned gaps : {0U, 150U}) {
+        records.clear();
+        Record(gaps);
+        const auto wanted = Followed();
+        TransactionIndex index(bus.board, bus.tables);
+        index.Extend(Samples());
+        ASSERT_EQ(index.Size(), wanted.size());
+        // Backwards, since rows are asked for in any order.
+        for (std::size_t row = wanted.size(); row-- > 0;) {
+            ASSERT_EQ(index.Row(row, Samples(), 4), wanted[row]) << row;
+            ASSERT_EQ(static_cast<std::int64_t>(index.StartOf(row)) - std::int64_t{sampleCount / 2},
+                      wanted[row].sample);
+        }
+    }
+}
+
+TEST_P(TransactionRows, AreTheSameWhenTheCaptureArrivesInPieces) {
+    Record(100);
+    TransactionIndex whole(bus.board, bus.tables);
+    whole.Extend(Samples());
+    TransactionIndex pieces(bus.board, bus.tables);
+    for (std::size_t count = 1; count < sampleCount; count += 777) {
+        pieces.Extend(Samples(count));
+        if (pieces.Size() != 0) { // the last one may still go on
+            EXPECT_EQ(pieces.Row(pieces.Size() - 1, Samples(count), 0).number, pieces.Size());
+        }
+    }
+    pieces.Extend(Samples());
+    ASSERT_EQ(pieces.Size(), whole.Size());
+    for (std::size_t row = 0; row < whole.Size(); row += 13) {
+        ASSERT_EQ(pieces.Row(row, Samples(), 2), whole.Row(row, Samples(), 2)) << row;
+    }
+}
+
+TEST_P(TransactionRows, AreFoundByTheirSamples) {
+    Record(100);
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend(Samples());
+    std::vector<std::optional<std::size_t>> rows(sampleCount);
+    for (std::size_t row = 0; row < index.Size(); ++row) {
+        const Transaction each = index.Row(row, Samples(), 0);
+        for (std::int64_t sample = each.sample; sample <= each.lastSample; ++sample) {
+            rows[static_cast<std::size_t>(sample + std::int64_t{sampleCount / 2})] = row;
+        }
+    }
+    for (std::size_t i = 0; i < sampleCount; i += 7) {
+        ASSERT_EQ(index.RowAt(i, Samples()), rows[i]) << i;
+    }
+}
+
+TEST_P(TransactionRows, TakeLessThanAQuarterOfTheRecords) {
+    Record(0);
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend(Samples());
+    EXPECT_LT(index.Bytes(), sampleCount * sizeof(SampleRecord) / 4);
+}
+
+TEST(TransactionRowsOfAConnector, AreNone) {
+    const BoardTables bus("VMEKiteP2", BusVmeP2);
+    const std::vector<SampleRecord> records(100);
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend({records, 0, {}});
+    EXPECT_EQ(index.Size(), 0U);
+    EXPECT_EQ(index.RowAt(5, {records, 0, {}}), std::nullopt);
+}
+
+TEST(TransactionRowsOfAddressPhases, AreOneForEachSample) {
+    const BoardTables bus("PCIKite");
+    Waves waves(bus);
+    waves.Line("FRAME", "______").Set("ADR/DATA", 1).Set("C/BE", 0xF6);
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend({waves.Records(), 0, {}});
+    EXPECT_EQ(index.Size(), 6U);
+    EXPECT_EQ(index.RowAt(3, {waves.Records(), 0, {}}), 3U);
+}
+
+} // namespace busquill::test

@@ -1,0 +1,89 @@
+#include "deeds.h"
+#include "lines.h"
+
+namespace boardsim {
+
+namespace {
+
+using namespace vsb;
+
+class VsbDoer final : public Doer {
+public:
+    explicit VsbDoer(std::uint32_t seed) : Doer(seed) {
+        idle_.fill(0xFF);
+        SetBit(idle_, bitAddress, false);
+        SetField(idle_, bitExt, 8, 0);
+        SetField(idle_, bitExp, 8, 0);
+        SetField(idle_, bitRule, 8, 0);
+    }
+
+    void Act() override {
+        for (unsigned i = 1 + Pick(3); i > 0; --i) {
+            Tell(idle_);
+        }
+        constexpr const char* names[] = {"", "Alt", "I/O", "Sys"};
+        constexpr unsigned bytesOfSize[] = {4, 1, 2, 3};
+        const unsigned space = 1 + Pick(3);
+        const unsigned size = Pick(4) == 0 ? Pick(4) : 0;
+        const bool read = Pick(2) == 0;
+        const std::uint32_t address = Word();
+        Record record = idle_;
+        SetBit(record, bitBusy, false);
+        SetField(record, bitSpace, 2, space);
+        SetField(record, bitSize, 2, size);
+        SetBit(record, bitWr, read);
+        SetField(record, bitAd, 32, address);
+        SetBit(record, bitAddress, true);
+        Tell(record);
+        SetBit(record, bitPas, false);
+        Deed& deed = deeds_.emplace_back();
+        deed.command = std::string(names[space]) + (read ? " Rd" : " Wr");
+        deed.address = AddressText(address, 8);
+        deed.first = deed.toldBy = deed.last = Tell(record);
+        SetBit(record, bitAc, false);
+        deed.last = Tell(record);
+        SetBit(record, bitAddress, false);
+
+        const unsigned transfers = Pick(3) == 0 ? 1 + Pick(12) : 1;
+        const unsigned outcome = Pick(6); // of the last strobe
+        deed.end = outcome == 0 ? "bus-error" : outcome == 1 ? "master-abort" : "complete";
+        for (unsigned i = 0; i < transfers; ++i) {
+            const bool isLast = i + 1 == transfers;
+            const std::uint32_t value = Word();
+            SetField(record, bitAd, 32, value);
+            SetBit(record, bitDs, false);
+            const std::size_t strobe = deed.last = Tell(record);
+            if (Pick(3) == 0) {
+                deed.last = Tell(record);
+            }
+            if (isLast && outcome == 0) {
+                SetBit(record, bitErr, false);
+                deed.last = Tell(record);
+            } else if (!isLast || outcome != 1) {
+                SetBit(record, bitAck, false);
+                deed.last = Tell(record);
+                deed.transfers.push_back({deed.last, HexText(value, 4), bytesOfSize[size], strobe});
+            }
+            SetBit(record, bitDs, true);
+            SetBit(record, bitAck, true);
+            SetBit(record, bitErr, true);
+            if (!isLast || Pick(2) == 0) {
+                deed.last = Tell(record);
+            }
+        }
+    }
+    bool NeedsSampleBefore() const override { return true; }
+
+private:
+    std::size_t Tell(const Record& record) { return Put(record, 5 + Pick(100)); }
+
+    Record idle_{};
+};
+
+} // namespace
+
+std::unique_ptr<Doer> MakeVsbDoer(std::uint32_t seed) {
+    return std::make_unique<VsbDoer>(seed);
+}
+
+} // namespace boardsim
