@@ -8,6 +8,9 @@
 #include "ui/framework/commands.h"
 #include "ui/trace/child_frame.h"
 
+#include <QApplication>
+#include <QClipboard>
+#include <QImage>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -50,10 +53,11 @@ const char* ReasonAgainst(CommandId id, Shows shows) {
     const bool isTrace =
         shows == Shows::Listing || shows == Shows::Waveforms || shows == Shows::PowerZoom;
     switch (id) {
-    case CommandId::Cut:
     case CommandId::Copy:
+        return isTrace ? nullptr : "nothing is marked";
+    case CommandId::Cut:
     case CommandId::Paste:
-        return "text fields take these keys themselves";
+        return "no text field has the keyboard";
     case CommandId::ZoomToFit:
     case CommandId::Compare:
     case CommandId::ZoomIncrement:
@@ -119,6 +123,7 @@ protected:
             Choose("File/New/" + opens);
         }
         QApplication::processEvents();
+        QApplication::clipboard()->clear();
         prompts.Forget();
     }
     CTraceView* View() {
@@ -178,9 +183,11 @@ protected:
         QTest::keyClick(menu, Qt::Key_Return);
     }
     /// What the user sees: windows and their places, bars, the position and the scale of a capture,
-    /// its markers, boxes.
+    /// its markers, boxes, and what can be pasted.
     std::string Sight() {
-        std::string sight;
+        const QClipboard& clipboard = *QApplication::clipboard();
+        std::string sight = clipboard.text().toStdString();
+        sight += clipboard.image().isNull() ? "" : "picture;";
         for (QWidget* window : QApplication::topLevelWidgets()) {
             sight += window->isVisible() ? window->windowTitle().toStdString() + ";" : "";
         }
