@@ -429,15 +429,14 @@ void Walk(Tour& tour, Program& program) {
         document.SetMarker(2, trigger + 12);
         QApplication::processEvents();
         tour.Picture(frame, "waveforms");
+        auto* waves = window->findChild<CWaveformWnd*>();
+        ShowTip(tour, *waves, {waves->width() / 2, waves->height() / 2});
         const std::int64_t zoomTrigger = document.Marker(0, true);
         document.SetZoomMarker(1, zoomTrigger + 2);
         document.SetZoomMarker(2, zoomTrigger + 12);
         window->Bar().ZoomButton().click();
         QApplication::processEvents();
         tour.Picture(frame, "power-zoom");
-    }
-    if (auto* waveforms = frame.Area().findChild<CWaveformWnd*>()) {
-        ShowTip(tour, *waveforms, {waveforms->width() / 2, waveforms->height() / 2});
     }
     SearchPattern(tour, frame);
     tour.Choose(frame, "Search/Go to/Sample #", "go-to-sample");

@@ -118,7 +118,8 @@ int PdfPages(const std::string& path) {
     return pages;
 }
 
-/// So many samples take longer to print than a job does before it shows its progress, on any machine.
+/// So many samples take longer to print than a job does before it shows its progress, on any
+/// machine.
 constexpr int longJob = 60000;
 
 /// The vertical lines on the white page of a picture that are longer than half of it. A line may be
