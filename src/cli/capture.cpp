@@ -146,6 +146,7 @@ public:
         while (true) {
             switch (writer.Write(rowsAtOnce)) {
             case TraceFileWriter::Step::Done:
+            case TraceFileWriter::Step::Nothing:
                 return;
             case TraceFileWriter::Step::Failed:
                 Fail(Printf("Error writing file %s.", path.c_str()));

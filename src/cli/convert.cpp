@@ -10,7 +10,6 @@
 #include "platform/text.h"
 #include "platform/working_directory.h"
 
-#include <array>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -21,9 +20,6 @@
 namespace busquill::cli {
 
 namespace {
-
-constexpr std::array<std::pair<const char*, ExportFormat>, 3> formats = {
-    {{"vcd", ExportFormat::Dump}, {"csv", ExportFormat::Table}, {"sr", ExportFormat::Session}}};
 
 struct Options {
     std::string file;
@@ -221,8 +217,13 @@ void AddConvert(CLI::App& program) {
     AddBusOptions(command, options->bus);
     AddRange(command, options->range);
     AddFlag(command, "--zoom", options->zoom, "the Power Zoom samples");
-    AddChoice<ExportFormat>(command, "--format", {formats.begin(), formats.end()}, options->format,
-                            "vcd|csv|sr", "form of the file (default by its ending)");
+    std::vector<std::pair<const char*, ExportFormat>> formats;
+    formats.reserve(exportFileTypes.size());
+    for (const ExportFileType& type : exportFileTypes) {
+        formats.emplace_back(type.extension, type.format);
+    }
+    AddChoice<ExportFormat>(command, "--format", formats, options->format, "vcd|csv|sr",
+                            "form of the file (default by its ending)");
     AddFlag(command, "--changes", options->changes, "a row for each change, not for each sample");
 }
 

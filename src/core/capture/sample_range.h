@@ -34,6 +34,7 @@ enum class SampleStep {
     Done,
     Failed,  // the result could not be written
     Missing, // the next sample will not arrive
+    Nothing, // no sample counts, so that nothing is written
 };
 
 /// The wait for the samples of a range, by their indexes. Main thread; the document outlives it.

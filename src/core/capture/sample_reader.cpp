@@ -26,8 +26,9 @@ SampleReader::SampleReader(CTesselDoc& document, bool zoom)
     : document_(document), zoom_(zoom), range_(RangeToRead(document, zoom)) {}
 
 void SampleReader::Start(std::int64_t first, std::int64_t last) {
-    next_ = first + range_.before;
-    end_ = last + range_.before;
+    range_ = RangeToRead(document_, zoom_);
+    next_ = std::max<std::int64_t>(first + range_.before, 0);
+    end_ = std::min(last, range_.after) + range_.before;
 }
 
 std::size_t SampleReader::Copy(std::size_t wanted, SampleRows& rows) const {

@@ -40,10 +40,11 @@ public:
     /// With `zoom`, the Power Zoom samples.
     explicit SampleReader(CTesselDoc& document, bool zoom = false);
 
-    /// The range when the reader was created.
+    /// The range when the reader was created, or started.
     [[nodiscard]] const SampleRange& Range() const noexcept { return range_; }
 
-    /// Goes to the beginning of a range of numbers.
+    /// Goes to the beginning of a range of numbers, of the capture as it is now: a run that has
+    /// ended since the reader was created has other samples.
     void Start(std::int64_t first, std::int64_t last);
     /// Passes over at most `limit` samples and puts those that count into `rows`, even if it stops
     /// early because the next one has not arrived, which it asks for.
@@ -62,7 +63,7 @@ private:
 
     CTesselDoc& document_;
     const bool zoom_;
-    const SampleRange range_;
+    SampleRange range_;
     std::int64_t next_ = 0; // indexes into the store
     std::int64_t end_ = -1;
 };

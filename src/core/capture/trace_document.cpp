@@ -212,13 +212,13 @@ bool CTesselDoc::IsValidSample(std::int64_t sample, bool zoom) const noexcept {
 }
 
 bool CTesselDoc::HasAllSamples(std::int64_t first, std::int64_t last, bool zoom) const {
-    for (std::int64_t sample = first; sample <= last; ++sample) {
-        const bool isLeftOut = !zoom && TestBit(excludedBits, static_cast<std::size_t>(sample));
-        if (isLeftOut || !IsValidSample(sample, zoom)) {
-            return false;
-        }
+    if (zoom || first < 0) {
+        return first >= 0 && last < zoomSampleCount;
     }
-    return true;
+    const auto begin = static_cast<std::size_t>(first);
+    const auto end = static_cast<std::size_t>(last) + 1;
+    const bool isLeftOut = FirstSet(excludedBits, begin) < std::min(end, excludedBits.size() * 32);
+    return !isLeftOut && arrived_.FirstUnset(begin) >= end && end <= arrived_.Size();
 }
 
 std::int64_t CTesselDoc::Marker(int which, bool zoom) const noexcept {

@@ -20,10 +20,12 @@ std::string WholePath(std::string_view path) {
 
 std::optional<ExportFormat> ExportFormatOf(std::string_view path) {
     const std::string name = ToLower(std::string(path));
-    return name.ends_with(".vcd")   ? std::optional(ExportFormat::Dump)
-           : name.ends_with(".csv") ? std::optional(ExportFormat::Table)
-           : name.ends_with(".sr")  ? std::optional(ExportFormat::Session)
-                                    : std::nullopt;
+    for (const ExportFileType& type : exportFileTypes) {
+        if (name.ends_with(std::string(".") + type.extension)) {
+            return type.format;
+        }
+    }
+    return std::nullopt;
 }
 
 std::string ViewerPathOf(const std::string& dumpPath) {

@@ -6,6 +6,7 @@
 #include "export/value_dump.h"
 #include "export/value_table.h"
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -18,6 +19,17 @@ namespace busquill {
 class TraceSetup;
 
 enum class ExportFormat { Dump, Table, Session };
+
+struct ExportFileType {
+    ExportFormat format;
+    const char* extension; // without the point
+    const char* name;
+};
+constexpr std::array<ExportFileType, 3> exportFileTypes = {{
+    {ExportFormat::Dump, "vcd", "Value Change Dump"},
+    {ExportFormat::Table, "csv", "Comma Separated Values"},
+    {ExportFormat::Session, "sr", "Session File"},
+}};
 
 /// The format of a file by the end of its name: .vcd, .csv or .sr.
 [[nodiscard]] std::optional<ExportFormat> ExportFormatOf(std::string_view path);

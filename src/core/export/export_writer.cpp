@@ -26,6 +26,7 @@ bool ExportWriter::Begin(const std::string& path, std::int64_t first, std::int64
     path_ = path;
     first_ = first;
     last_ = last;
+    hasSamples_ = false;
     reader_.Start(first, last);
     isSurvey_ = export_.NeedsSurvey();
     return file_.CreateBeside(path) && (isSurvey_ || BeginFile());
@@ -42,6 +43,10 @@ bool ExportWriter::BeginFile() {
 SampleStep ExportWriter::Write(std::size_t rows) {
     SampleRows read;
     const SampleStep step = reader_.Read(rows, read);
+    hasSamples_ = hasSamples_ || !read.Empty();
+    if (step == SampleStep::Done && !hasSamples_) {
+        return SampleStep::Nothing;
+    }
     if (!isSurvey_) {
         const bool good = export_.Add(read);
         return !good ? SampleStep::Failed : step == SampleStep::Done ? Finish() : step;
@@ -85,7 +90,8 @@ std::string ExportWriter::Note() const {
         add(Sentence(clock));
     }
     if (export_.HasGaps()) {
-        add("Samples are missing in between, and so are their times in the sums.");
+        add("Not all samples of the range are in the file: the filter hides some, or they are "
+            "missing. Added times are too short by theirs.");
     }
     if (viewerFailed_) {
         add(Printf("Error writing file %s.", ViewerPathOf(path_).c_str()));

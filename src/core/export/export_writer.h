@@ -47,6 +47,7 @@ private:
     std::int64_t first_ = 0;
     std::int64_t last_ = 0;
     bool isSurvey_ = false;
+    bool hasSamples_ = false;
     bool viewerFailed_ = false;
 };
 

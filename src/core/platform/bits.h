@@ -117,6 +117,19 @@ constexpr void UnsetBit(Words&& words, std::size_t bit) noexcept {
     return words.size() * wordBits;
 }
 
+/// The first set bit at or after `from`; where there is none, the number of bits.
+[[nodiscard]] constexpr std::size_t FirstSet(std::span<const std::uint32_t> words,
+                                             std::size_t from = 0) noexcept {
+    for (std::size_t word = from / wordBits; word < words.size(); ++word) {
+        const std::size_t before = word == from / wordBits ? from % wordBits : 0;
+        const std::uint32_t set = words[word] & ~LowBits<std::uint32_t>(before);
+        if (set != 0) {
+            return word * wordBits + static_cast<std::size_t>(std::countr_zero(set));
+        }
+    }
+    return words.size() * wordBits;
+}
+
 [[nodiscard]] constexpr std::size_t CountBits(std::span<const std::uint32_t> words) noexcept {
     return std::accumulate(words.begin(), words.end(), std::size_t{0},
                            [](std::size_t sum, std::uint32_t word) {

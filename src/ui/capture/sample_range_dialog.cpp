@@ -125,6 +125,10 @@ void CSampleRangeDialog::Tick() {
     case SampleStep::Failed:
         Fail(FailureText());
         return;
+    case SampleStep::Nothing:
+        Fail("There are no samples to save in this range: the filter hides them, or they are "
+             "missing.");
+        return;
     case SampleStep::Missing:
         Fail(Printf("Sample %d has not come from the analyzer, and the upload has ended.",
                     static_cast<int>(NextNumber())));

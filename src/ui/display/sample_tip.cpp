@@ -65,10 +65,10 @@ QString SampleTip(const TippedSamples& samples, const CSignal* signal,
                                         (isSame ? *value : "several values"));
     }
     lines << NumbersOf(samples, first, last);
-    const QString time = TimeOf(samples, first);
-    if (!time.isEmpty()) {
-        lines << "Time since the trigger: " +
-                     (first == last ? time : time + " to " + TimeOf(samples, last));
+    const QString begin = TimeOf(samples, first);
+    const QString end = TimeOf(samples, last);
+    if (!begin.isEmpty() && !end.isEmpty()) {
+        lines << "Time since the trigger: " + (first == last ? begin : begin + " to " + end);
     }
     return lines.join('\n');
 }

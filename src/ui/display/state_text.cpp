@@ -20,7 +20,7 @@ std::vector<const CSignal*> ColumnsToCopy(const CSignalList& list) {
     std::vector<const CSignal*> columns;
     columns.reserve(list.Size());
     for (const auto& signal : list.All()) {
-        if (signal->VisibleWidth() > 0 && !HasNoText(*signal)) {
+        if (signal->VisibleWidth() > 0) {
             columns.push_back(signal.get());
         }
     }
@@ -28,6 +28,7 @@ std::vector<const CSignal*> ColumnsToCopy(const CSignalList& list) {
     if (std::ranges::any_of(columns, isSelected)) {
         std::erase_if(columns, [&](const CSignal* signal) { return !isSelected(signal); });
     }
+    std::erase_if(columns, [](const CSignal* signal) { return HasNoText(*signal); });
     return columns;
 }
 

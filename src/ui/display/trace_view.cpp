@@ -102,7 +102,7 @@ void CTraceView::MakeCommands() {
     for (const int which : {1, 2}) {
         commands.On(
             which == 1 ? CommandId::PutMarker1 : CommandId::PutMarker2,
-            [this, which] { PutMarker(which); }, [this] { return CanGoTo(GoToTarget::Start); });
+            [this, which] { PutMarker(which); }, [this] { return Trace().RowCount(isZoom_) > 0; });
     }
     constexpr std::tuple<CommandId, GoToTarget, bool> steps[] = {
         {CommandId::Marker1Back, GoToTarget::Marker1, false},
@@ -208,7 +208,13 @@ void CTraceView::GoTo(GoToTarget target) {
 }
 
 void CTraceView::PutMarker(int which) {
-    Trace().ToggleMarker(which, CenterSample(), isZoom_);
+    const std::int64_t top = Trace().SampleToRow(TopSample(), isZoom_);
+    const std::int64_t last = Trace().RowCount(isZoom_) - 1;
+    std::int64_t middle = Trace().SampleToRow(CenterSample(), isZoom_);
+    if (middle == last) { // the rows may end above the middle of the window
+        middle = (top + last) / 2;
+    }
+    Trace().ToggleMarker(which, Trace().RowToSample(middle, isZoom_), isZoom_);
 }
 
 bool CTraceView::CanSearchSamples() const {

@@ -265,10 +265,15 @@ bool CWaveformWnd::AimAtNames(const QPoint& place) {
     if (place.x() >= nameWidth_ || place.y() < waveFirstBand || top_.signal < 0) {
         return false;
     }
-    const std::vector<int> heights = BandHeights(*list_);
-    const auto above = std::min(static_cast<std::size_t>(top_.signal), heights.size());
-    header_.offset = BandsHeight(std::span(heights).first(above)) + top_.offset;
+    header_.offset = NamesOffset();
     return true;
+}
+
+int CWaveformWnd::NamesOffset() const {
+    const std::vector<int> heights = BandHeights(*list_);
+    const auto above =
+        std::min(static_cast<std::size_t>(std::max<std::int64_t>(top_.signal, 0)), heights.size());
+    return BandsHeight(std::span(heights).first(above)) + top_.offset;
 }
 
 PlaceTip CWaveformWnd::NameTip(const CSignal& signal, int start) const {

@@ -54,6 +54,8 @@ protected:
     void DrawFrame(QPainter& painter) override;
     void RenderNames() override;
     [[nodiscard]] bool AimAtNames(const QPoint& place) override;
+    /// With the gaps between bands, which the scroll bar's position does not count.
+    [[nodiscard]] int NamesOffset() const override;
     [[nodiscard]] PlaceTip NameTip(const CSignal& signal, int start) const override;
     [[nodiscard]] PlaceTip CellTip(const QPoint& place) override;
     [[nodiscard]] QPoint NamePlace(int along) const override { return {nameWidth_ / 2, along}; }

@@ -115,18 +115,18 @@ constexpr Command commands[] = {
     {CommandId::About,                "&Help",                   "&About Busquill!",      "Version and licence", "", ""},
 
     {CommandId::ShowKeys,             "",                        "Keys",                  "List all keys", "", "Shift+F1"},
-    {CommandId::Go,                   "",                        "Go",                    "Start what the window runs", "go", "F5"},
-    {CommandId::Stop,                 "",                        "Stop",                  "Stop it", "stop", "Shift+F5"},
+    {CommandId::Go,                   "",                        "Go",                    "Start the run of the window", "go", "F5"},
+    {CommandId::Stop,                 "",                        "Stop",                  "Stop the run of the window", "stop", "Shift+F5"},
     {CommandId::EditSetup,            "",                        "Setup",                 "Edit the setup of the window", "setup", "F6"},
     {CommandId::ChooseSetup,          "",                        "Setup Box",             "Open the list of setups", "", "Shift+F6"},
     {CommandId::PutMarker1,           "",                        "Put Marker 1",          "Put marker 1 in the middle of the display, or remove it from there", "", "F7"},
     {CommandId::PutMarker2,           "",                        "Put Marker 2",          "Put marker 2 in the middle of the display, or remove it from there", "", "F8"},
-    {CommandId::Marker1Back,          "",                        "Marker 1 Back",         "Move marker 1 to the sample before", "", "Alt+Left"},
-    {CommandId::Marker1Forward,            "",                        "Marker 1 Forward",           "Move marker 1 to the next sample", "", "Alt+Right"},
-    {CommandId::Marker2Back,          "",                        "Marker 2 Back",         "Move marker 2 to the sample before", "", "Alt+Shift+Left"},
-    {CommandId::Marker2Forward,            "",                        "Marker 2 Forward",           "Move marker 2 to the next sample", "", "Alt+Shift+Right"},
+    {CommandId::Marker1Back,          "",                        "Marker 1 Back",         "Move marker 1 to the previous sample", "", "Alt+Left"},
+    {CommandId::Marker1Forward,       "",                        "Marker 1 Forward",      "Move marker 1 to the next sample", "", "Alt+Right"},
+    {CommandId::Marker2Back,          "",                        "Marker 2 Back",         "Move marker 2 to the previous sample", "", "Alt+Shift+Left"},
+    {CommandId::Marker2Forward,       "",                        "Marker 2 Forward",      "Move marker 2 to the next sample", "", "Alt+Shift+Right"},
     {CommandId::NextSignal,           "",                        "Next Signal",           "Select the next signal", "", "Ctrl+Right; Ctrl+Down"},
-    {CommandId::PreviousSignal,       "",                        "Previous Signal",       "Select the signal before", "", "Ctrl+Left; Ctrl+Up"},
+    {CommandId::PreviousSignal,       "",                        "Previous Signal",       "Select the previous signal", "", "Ctrl+Left; Ctrl+Up"},
     {CommandId::SignalMenu,           "",                        "Signal Menu",           "Open the menu on the selected signal", "", "Shift+F10; Menu"},
     {CommandId::SwitchDisplay,        "",                        "Display",               "Show the capture in the other display", "", "F9"},
     {CommandId::PowerZoom,            "",                        "Power Zoom",            "Show the Power Zoom samples", "power-zoom", "Shift+F9"},
@@ -152,6 +152,25 @@ constexpr CommandId toolbar[] = {
 
 std::span<const Command> Commands() noexcept {
     return commands;
+}
+
+bool RepeatsWithItsKey(CommandId id) noexcept {
+    switch (id) {
+    case CommandId::Paste:
+    case CommandId::ZoomIn:
+    case CommandId::ZoomOut:
+    case CommandId::FindNext:
+    case CommandId::FindPrevious:
+    case CommandId::Marker1Back:
+    case CommandId::Marker1Forward:
+    case CommandId::Marker2Back:
+    case CommandId::Marker2Forward:
+    case CommandId::NextSignal:
+    case CommandId::PreviousSignal:
+        return true;
+    default:
+        return false;
+    }
 }
 
 const Command& CommandOf(CommandId id) noexcept {

@@ -105,6 +105,9 @@ struct Command {
 /// All entries, in the order of the menus.
 [[nodiscard]] std::span<const Command> Commands() noexcept;
 [[nodiscard]] const Command& CommandOf(CommandId id) noexcept;
+/// Whether a key that is held carries it out again and again: only what takes a step. A second
+/// Go would end the first run, a second Power Zoom would open another window.
+[[nodiscard]] bool RepeatsWithItsKey(CommandId id) noexcept;
 
 /// The buttons of the tool bar; None is a gap.
 [[nodiscard]] std::span<const CommandId> ToolbarButtons() noexcept;

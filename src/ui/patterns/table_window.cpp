@@ -79,12 +79,13 @@ void TableWindow::SelectSignal(bool forward) {
 
 void TableWindow::ScrollToCurrent() {
     const HeaderControl::Span current = header_.Current();
-    const BarState bar = SignalBar();
+    const int page = SignalBar().page;
+    const int offset = NamesOffset();
     const int end = current.start + current.size;
-    if (current.start < bar.position || current.size > bar.page) {
+    if (current.start < offset || current.size > page) {
         MoveSignalsTo(current.start);
-    } else if (end > bar.position + bar.page) {
-        MoveSignalsTo(end - bar.page);
+    } else if (end > offset + page) {
+        MoveSignalsTo(end - page);
     }
     emit LayoutChanged();
 }
@@ -102,7 +103,7 @@ void TableWindow::OpenSignalMenu() {
         RenderNames();
     }
     ScrollToCurrent();
-    const int along = header_.fixedEnd + 1 + current.start - SignalBar().position;
+    const int along = header_.fixedEnd + 1 + current.start - NamesOffset();
     ShowSignalMenu(*this, mapToGlobal(NamePlace(along)), *current.signal, *this, *prompts_);
 }
 

@@ -52,6 +52,8 @@ protected:
 
     /// Whether a place is on the names; if so, the header control's offset is set for them.
     [[nodiscard]] virtual bool AimAtNames(const QPoint& place);
+    /// The pixels of the names that are scrolled out.
+    [[nodiscard]] virtual int NamesOffset() const { return Offset(); }
     /// The name of a signal that begins at `start` along the names, if it is cut.
     [[nodiscard]] virtual PlaceTip NameTip(const CSignal& signal, int start) const;
     /// The name under the pointer, if it is cut.

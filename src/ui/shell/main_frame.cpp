@@ -141,7 +141,7 @@ void CMainFrame::MakeActions() {
         if (*command.shortcut != '\0') {
             action->setShortcuts(QKeySequence::listFromString(command.shortcut));
         }
-        action->setAutoRepeat(command.id != CommandId::Go); // a second Go would end the first run
+        action->setAutoRepeat(RepeatsWithItsKey(command.id));
         connect(action, &QAction::triggered, this, [this, id = command.id] { Run(id); });
         actions_[command.id] = action;
     }

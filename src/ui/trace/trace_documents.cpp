@@ -98,9 +98,13 @@ bool TraceDocuments::SaveTrace(CTesselDoc& document, const std::string& path) {
 }
 
 std::vector<FileType> TraceDocuments::ExportTypes() {
-    return {{"Value Change Dump (*.vcd)", ".vcd"},
-            {"Comma Separated Values (*.csv)", ".csv"},
-            {"Session File (*.sr)", ".sr"}};
+    std::vector<FileType> types;
+    types.reserve(exportFileTypes.size());
+    for (const ExportFileType& type : exportFileTypes) {
+        types.push_back(
+            {Printf("%s (*.%s)", type.name, type.extension), std::string(".") + type.extension});
+    }
+    return types;
 }
 
 /// What to write of a document: what its active window shows.

@@ -16,7 +16,9 @@
 namespace busquill::test {
 namespace {
 
+using testing::Contains;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 class ExportWriterTest : public CaptureFixture {
@@ -179,7 +181,25 @@ TEST_F(ExportWriterTest, ACaptureWithGapsSaysSo) {
     ASSERT_TRUE(document->OnOpenDocument(path));
     ASSERT_EQ(Save(ExportFormat::Table, "a.csv", 0, 9), SampleStep::Done);
     EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("a.csv")), '\n'), 1 + 3);
-    EXPECT_EQ(note, "Samples are missing in between, and so are their times in the sums.");
+    EXPECT_EQ(note, "Not all samples of the range are in the file: the filter hides some, or they "
+                    "are missing. Added times are too short by theirs.");
+    EXPECT_EQ(Save(ExportFormat::Table, "none.csv", 3, 7), SampleStep::Nothing);
+    EXPECT_EQ(Save(ExportFormat::Session, "none.sr", 3, 7), SampleStep::Nothing);
+    EXPECT_THAT(Files(), Not(Contains(HasSubstr("none")))) << "nothing empty is left";
+}
+
+TEST_F(ExportWriterTest, OfANewRunTheSamplesHaveItsNumbers) {
+    Capture(20, 20);
+    const auto writer = Writer(ExportFormat::Table);
+    SetLive(0x20, 5, 5); // a second run ends meanwhile
+    Upload();
+    document->OnCaptureStopped();
+    document->FlushBlockUpdates();
+    ASSERT_TRUE(writer->Begin(dir.File("b.csv"), -5, 4));
+    ASSERT_EQ(writer->Write(100), SampleStep::Done);
+    const std::string text = ReadWholeFile(dir.File("b.csv"));
+    EXPECT_THAT(text, HasSubstr("\n-5,"));
+    EXPECT_EQ(std::ranges::count(text, '\n'), 1 + 10);
 }
 
 } // namespace

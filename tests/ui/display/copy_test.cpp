@@ -89,6 +89,9 @@ TEST_F(CopyOfACapture, TakesOnlySelectedColumnsIfThereAreAny) {
     document->SetMarker(1, 7);
     Column("DATA32").selected = true;
     EXPECT_EQ(Copied(), "SAMPLE\tDATA32\n7\t00000007\n");
+    Column("DATA32").selected = false;
+    document->stateList.InsertBlank(&Column("DATA32"))->selected = true;
+    EXPECT_EQ(Copied(), "SAMPLE\n7\n") << "a column without text is still the only one";
 }
 
 TEST_F(CopyOfACapture, HasTheTimesThatTheListingShows) {

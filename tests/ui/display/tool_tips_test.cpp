@@ -174,6 +174,11 @@ TEST_F(ToolTips, LeaveTheTimeOutWhereTheFileHasGaps) {
     EXPECT_EQ(TipAt({ColumnOf("FRAME"), RowY(9)}),
               "FRAME: 0\nSample 9\nTime since the trigger: 270ns");
     EXPECT_EQ(TipAt({ColumnOf("FRAME"), RowY(10)}), "FRAME: 0\nSample 21");
+    Open(false);
+    Waves().SetZoom(-3);
+    view->ScrollToSample(0);
+    EXPECT_EQ(TipAt({WaveX(2), BandY("FRAME")}), "FRAME: 0\nSamples 8 to 22")
+        << "the first one has a time, the last one has none";
 }
 
 TEST_F(ToolTips, OfPowerZoomSamplesThatTheBoardHasNotTakenSaySo) {

@@ -3,6 +3,7 @@
 #include "support/program_fixture_qt.h"
 #include "ui/display/trace_display.h"
 #include "ui/display/trace_view.h"
+#include "ui/display/wave_window.h"
 #include "ui/framework/bar_button.h"
 #include "ui/framework/go_stop_child.h"
 #include "ui/shell/key_list.h"
@@ -331,6 +332,47 @@ TEST_F(Keys, CtrlAndTheArrowsSelectASignalAndScrollToIt) {
     }
 }
 
+TEST_F(Keys, ASelectedBandIsWhollyInTheWindow) {
+    OpenFile("Trigger1.tra");
+    const CSignalList& list = Trace().waveformList;
+    auto& display = *Active().findChild<CWaveformWnd*>();
+    const std::size_t count = Shown(list).size();
+    for (std::size_t i = 0; i < 2 * count; ++i) {
+        Type(i < count ? Qt::Key_Down : Qt::Key_Up, Qt::ControlModifier);
+        SCOPED_TRACE(Selected(list));
+        int top = 18;
+        std::int64_t at = display.Top().signal;
+        for (; at < static_cast<std::int64_t>(list.Size()); ++at) {
+            const CSignal& signal = list[static_cast<std::size_t>(at)];
+            if (signal.VisibleHeight() < 1) {
+                continue;
+            }
+            const int offset = at == display.Top().signal ? display.Top().offset : 0;
+            if (signal.selected) {
+                EXPECT_EQ(offset, 0);
+                EXPECT_LE(top + signal.VisibleHeight(), display.height());
+                break;
+            }
+            top += signal.VisibleHeight() + 1 - offset;
+        }
+        EXPECT_LT(at, static_cast<std::int64_t>(list.Size())) << "it is above the window";
+    }
+}
+
+TEST_F(Keys, OnlyStepsRepeatWhileAKeyIsHeld) {
+    QStringList repeating;
+    for (const QAction* action : Frame().findChildren<QAction*>()) {
+        if (!action->shortcuts().isEmpty() && action->autoRepeat()) {
+            repeating << action->text().remove('&');
+        }
+    }
+    repeating.sort();
+    EXPECT_EQ(repeating,
+              QStringList({"Find Next", "Find Previous", "Marker 1 Back", "Marker 1 Forward",
+                           "Marker 2 Back", "Marker 2 Forward", "Next Signal", "Paste",
+                           "Previous Signal", "Zoom In", "Zoom Out"}));
+}
+
 TEST_F(Keys, ShiftF10OpensTheMenuOnTheSelectedSignal) {
     for (const char* file : {"Trigger2.tra", "Trigger1.tra"}) {
         SCOPED_TRACE(file);
@@ -411,7 +453,7 @@ TEST_F(ListOfKeys, HasTheKeyOfEachCommand) {
     const QStringList lines = Lines();
     EXPECT_TRUE(lines.contains("Menu File: Ctrl+S: Save the active document"));
     EXPECT_TRUE(lines.contains("Menu View: Ctrl++, Ctrl+=: Show fewer samples"));
-    EXPECT_TRUE(lines.contains("Not in the menus: Shift+F5: Stop it"));
+    EXPECT_TRUE(lines.contains("Not in the menus: Shift+F5: Stop the run of the window"));
     EXPECT_TRUE(lines.contains("Waveforms: Page Up, Page Down: As many samples as fit"));
     // Whatever action has a key is in it.
     int keys = 0;
