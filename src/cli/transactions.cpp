@@ -177,7 +177,7 @@ private:
         if (hasSplits_) {
             cell_.clear();
             if (each.sequence) {
-                AppendHex(cell_, each.sequence->Tag(), 2);
+                cell_ = std::to_string(each.sequence->Tag());
             }
             AppendCell(line_, cell_, 3, false);
             AppendCell(line_,
@@ -451,8 +451,8 @@ int Run(const Options& options) {
     }
     output.Close();
     if (hasGaps) {
-        Say(input.Name() + ": samples of the capture are missing; where they do, a transaction "
-                           "ends as unknown");
+        Say(input.Name() + ": samples of the capture are missing; where they are, a transaction "
+                           "ends as unknown, and later times are too short by theirs");
     }
     return ExitStatus::Done;
 }

@@ -478,7 +478,8 @@ TEST_F(TraceCommands, TransactionsAsTextCsvAndJsonLines) {
         "       2         4     150ns  Mem Wr                00002000         0       0       "
         "0                60ns  unknown\n");
     EXPECT_EQ(text.err, "busquill-trace: two.tra: samples of the capture are missing; where they "
-                        "do, a transaction ends as unknown\n");
+                        "are, a transaction ends as unknown, and later times are too short by "
+                        "theirs\n");
     EXPECT_EQ(Run({"transactions", "two.tra", "--format", "csv", "--words", "1"}).out,
               "number,sample,time,command,address,words,bytes,wait,initiatorWait,latency,end,gap,"
               "tag,splitRequest,findings,data\n"

@@ -12,7 +12,7 @@ StrobedTraffic::StrobedTraffic(const SignalTables& tables, const Names& names)
 
 StrobedTraffic::Lines StrobedTraffic::LinesOf(const SampleRecord& record) const {
     return {addressStrobe_.IsAsserted(record), dataStrobes_.Asserted(record),
-            acknowledge_.IsAsserted(record), error_.IsAsserted(record)};
+            acknowledge_.IsAsserted(record), error_.IsAsserted(record), IsRetry(record)};
 }
 
 bool StrobedTraffic::IsIdle(const SampleRecord& record) const {
@@ -24,6 +24,7 @@ Transaction* StrobedTraffic::Take(const TimedSample& sample) {
     const Lines lines = LinesOf(sample.record);
     Transaction* ended = nullptr;
     if (!lines.address) {
+        TakeLateAnswer(sample, lines);
         ended = Close();
     } else if (isFirst_) {
         // It may have begun before, and so may its strobe.
@@ -85,18 +86,36 @@ void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
             open_->sum.command = CommandAtStrobe(open_->sum.command, sample.record);
         }
     }
+    TakeAnswer(sample, lines);
+}
+
+void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
     if (!waiting_) {
         return;
     }
     if (lines.acknowledge && !before_.acknowledge) {
         waiting_ = false;
         TakeAcknowledge(sample);
-    } else if (lines.error && !before_.error) {
+    } else if ((lines.error && !before_.error) || (lines.retry && !before_.retry)) {
         waiting_ = false;
         if (!open_->refused) {
-            open_->refused = MeaningOfError(sample.record);
+            open_->refused = lines.error ? MeaningOfError(sample.record) : TransactionEnd::Retry;
         }
     }
+}
+
+/// With a slow sample clock, a strobe may be answered in the sample in which the address strobe is
+/// already over.
+void StrobedTraffic::TakeLateAnswer(const TimedSample& sample, const Lines& lines) {
+    if (!waiting_ || !open_ || open_->sum.isHeadless || IsOther(open_->sum.command)) {
+        return;
+    }
+    const bool isAcknowledged = lines.acknowledge && !before_.acknowledge;
+    if (isAcknowledged && !lines.HasData()) {
+        waiting_ = false; // the strobe, which tells the lanes of the data, is over too
+        return;
+    }
+    TakeAnswer(sample, lines);
 }
 
 void StrobedTraffic::TakeAcknowledge(const TimedSample& sample) {

@@ -42,6 +42,7 @@ protected:
         std::uint32_t strobes = 0; // a bit for each data strobe
         bool acknowledge = false;
         bool error = false;
+        bool retry = false;
 
         [[nodiscard]] bool HasData() const noexcept { return strobes != 0; }
     };
@@ -65,6 +66,8 @@ protected:
                                           const SampleRecord& record) const = 0;
     [[nodiscard]] virtual std::uint32_t BytesOf(std::uint32_t command,
                                                 const SampleRecord& record) const = 0;
+    /// Whether the target refuses the transaction for now.
+    [[nodiscard]] virtual bool IsRetry(const SampleRecord& /*record*/) const { return false; }
     /// What an error that answers a strobe means.
     [[nodiscard]] virtual TransactionEnd MeaningOfError(const SampleRecord& record) const = 0;
 
@@ -86,6 +89,8 @@ private:
     [[nodiscard]] Lines LinesOf(const SampleRecord& record) const;
     void Begin(const TimedSample& sample);
     void TakeStrobe(const TimedSample& sample, const Lines& lines);
+    void TakeAnswer(const TimedSample& sample, const Lines& lines);
+    void TakeLateAnswer(const TimedSample& sample, const Lines& lines);
     void TakeAcknowledge(const TimedSample& sample);
     Transaction* Close();
 

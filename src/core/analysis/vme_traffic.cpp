@@ -202,6 +202,7 @@ private:
         return upper << 32 | lines >> 32;
     }
 
+    bool IsRetry(const SampleRecord& record) const override { return retry_.IsAsserted(record); }
     TransactionEnd MeaningOfError(const SampleRecord& record) const override {
         return retry_.IsAsserted(record) ? TransactionEnd::Retry : TransactionEnd::BusError;
     }
@@ -239,7 +240,7 @@ private:
         const bool isAcknowledge = lines.acknowledge != before.acknowledge;
         if (state.phase < TwoEdgeState::addressPhases) {
             state.waiting = state.waiting || ((lines.strobes ^ before.strobes) & 1) != 0;
-            if (isAcknowledge) {
+            if (isAcknowledge && state.waiting) { // not that of the transaction before
                 state.waiting = false;
                 TakeAddressPhase(sample.record, ++state.phase, open.sum);
             }

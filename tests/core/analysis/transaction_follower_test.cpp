@@ -315,6 +315,15 @@ TEST_F(VmeTransactions, MoveDataOnBothEdgesOf2eVme) {
     EXPECT_EQ(block.Latency(), 80);
 }
 
+TEST_F(VmeTransactions, DoNotTakeTheAcknowledgeOfTheOneBeforeForA2eVmeAddress) {
+    // DTACK of the transaction before rises only after the address strobe has fallen.
+    Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, "_~~__~~__~~__~~__~~~", 0x01);
+    const auto transactions = waves.Line("WRITE", writes).At(5, "AD", 0x80).Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_EQ(transactions[0].address, 0x12345680U);
+    EXPECT_EQ(transactions[0].dataPhases, 4U);
+}
+
 TEST_F(VmeTransactions, CallA2eVmeBlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
     Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, "~~~~~~~~__~~~~~~~~~~", "~~~__~~__~~~~~~~~~~~", 1);
     const auto transactions = waves.Line("WRITE", writes).Transactions();

@@ -175,6 +175,27 @@ TEST_P(VmeStats, CallAnErrorWithRetryARetry) {
     EXPECT_EQ(summary.retries, 1U);
 }
 
+TEST_P(VmeStats, CallARetryWithoutAnErrorARetry) {
+    const TraceSummary summary =
+        Access("~_______~", "~~____~~~", "~~~~~~~~~").Line("RETRY", "~~~~__~~~").Summary();
+    EXPECT_EQ(summary.retries, 1U);
+    EXPECT_EQ(summary.masterAborts, 0U);
+}
+
+TEST_P(VmeStats, TakeAnAnswerInTheSampleAfterTheAddressStrobe) {
+    const TraceSummary summary =
+        Access("~____~~_____~", "~~____~~_____", "~~~~~_~~~~~~_").Summary();
+    EXPECT_EQ(summary.masterAborts, 0U);
+    EXPECT_EQ(summary.burstLengths, (Lengths{{1, 2}}));
+    const TraceSummary failed =
+        Access("~____~", "~~____", "~~~~~~").Line("BERR", "~~~~~_").Summary();
+    EXPECT_EQ(failed.busErrors, 1U);
+    EXPECT_EQ(failed.masterAborts, 0U);
+    const TraceSummary over = Access("~____~", "~~___~", "~~~~~_").Summary();
+    EXPECT_EQ(over.masterAborts, 0U) << "it was answered";
+    EXPECT_EQ(over.burstLengths, (Lengths{{0, 1}})) << "the lanes of its data are not known";
+}
+
 TEST_P(VmeStats, AddUpTheTimeFromStrobeToAcknowledge) {
     // 30 ns, 0 ns, and a strobe without an answer.
     const TraceSummary summary = Access("~__________~", "~~____~_~__~", "~~~~~_~_~~~~").Summary();

@@ -199,6 +199,20 @@ TEST_F(Keys, F7AndF8PutTheMarkersInTheMiddleOfTheDisplay) {
     }
 }
 
+TEST_F(Keys, TheMiddleOfAShortCaptureIsThatOfItsRows) {
+    const std::string row = ",1,2,3,0,0,0,0,0,0,0,0,0,0,30,0,0,0,0\n";
+    std::string text =
+        "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n\"Trace Data\",0,4\n";
+    for (int number = 0; number <= 4; ++number) {
+        text += std::to_string(number) + row;
+    }
+    ASSERT_NE(
+        program->App().OpenDocumentFile(dir.Write("short.tra", text + "\"End of Trace Data\"\n")),
+        nullptr);
+    Type(Qt::Key_F7);
+    EXPECT_EQ(Trace().Marker(1, false), 2);
+}
+
 TEST_F(Keys, AltAndTheArrowsMoveMarker1AndWithShiftMarker2) {
     OpenFile("Trigger1.tra");
     Trace().SetMarker(1, 20);
