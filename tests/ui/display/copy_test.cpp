@@ -143,7 +143,8 @@ TEST_F(CopyOfACapture, OfTooManyRowsIsRefused) {
 TEST_F(CopyOfACapture, OfSamplesThatHaveNotArrivedIsRefused) {
     Load(0, 1999);
     document->RebuildMaps(0, 1999);
-    document->AddBlock(0, std::vector<SampleRecord>(32), false);
+    const std::vector<SampleRecord> block(32);
+    document->AddBlock(0, block, false);
     document->FlushBlockUpdates();
     Show({"FRAME"});
     Open(true);
