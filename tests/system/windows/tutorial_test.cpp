@@ -3,7 +3,6 @@
 #include "support/live_frame_fixture_qt.h"
 #include "support/pattern_grid_qt.h"
 #include "support/save_trace_qt.h"
-#include "support/trace_program.h"
 #include "ui/capture/new_window_dialog.h"
 #include "ui/display/state_geometry.h"
 #include "ui/display/state_window.h"
@@ -172,14 +171,12 @@ TEST_F(Tutorial, LeadsWhereItSays) {
     SaveTraceUnder(dir.File("first.tra"), [&] { Choose("File/Save"); });
     ASSERT_TRUE(
         RunUntil([&] { return QFile::exists(QString::fromStdString(dir.File("first.tra"))); }));
-    for (const char* command : {"busquill-trace convert first.tra -o first.csv",
-                                "busquill-trace convert first.tra -o first.vcd"}) {
-        ASSERT_TRUE(text.contains(command));
-        std::vector<std::string> words;
-        for (const QString& word : QString(command).split(' ').mid(1)) {
-            words.push_back(word.toStdString());
-        }
-        EXPECT_EQ(RunTrace(words, {.folder = dir.Path()}).status, 0) << command;
+    for (const auto& [type, name] : {std::pair("Comma Separated Values", "first.csv"),
+                                     std::pair("Value Change Dump", "first.vcd")}) {
+        ASSERT_TRUE(text.contains(type));
+        SaveTraceUnder(dir.File(name), [&] { Choose("File/Save As..."); });
+        ASSERT_TRUE(
+            RunUntil([&] { return QFile::exists(QString::fromStdString(dir.File(name))); }));
     }
     EXPECT_THAT(ReadWholeFile(dir.File("first.vcd")), HasSubstr("$enddefinitions"));
     const std::string table = ReadWholeFile(dir.File("first.csv"));
