@@ -321,7 +321,7 @@ void ShowSets(Tour& tour, CMainFrame& frame) {
     }
 }
 
-/// The dialogs behind the menu on a signal's name.
+/// The dialogs that the menu on a signal's name opens.
 void ChangeSignals(Tour& tour, const QMdiSubWindow& window) {
     auto* listing = window.findChild<CStateWnd*>();
     const QPoint name(listing->width() / 3, listing->fontMetrics().height() / 2);
