@@ -111,7 +111,7 @@ std::string TimesAreShort(const std::string& name) {
 SampleRows ZoomRowsOf(const TraceSurvey& survey) {
     SampleRows rows;
     for (std::size_t i = 0; i < survey.zoom.size(); ++i) {
-        rows.Add(static_cast<std::int32_t>(i) - static_cast<std::int32_t>(zoomSamplesBefore),
+        rows.Add(static_cast<std::int32_t>(zoomFirstNumber + static_cast<std::int64_t>(i)),
                  survey.zoom[i]);
     }
     return rows;

@@ -135,7 +135,7 @@ int Run(const Options& options) {
         survey.timeToTrigger};
     const SampleRows zoomRows = ZoomRowsOf(survey);
     if (zoom) {
-        capture.first = -static_cast<std::int64_t>(zoomSamplesBefore);
+        capture.first = zoomFirstNumber;
         capture.trigger = 0;
         RunningTime toTrigger{SampleTime(list)};
         for (std::size_t i = 0; i <= zoomSamplesBefore; ++i) {

@@ -14,6 +14,7 @@ namespace busquill {
 
 constexpr std::uint32_t zoomSampleCount = 511; // 255 before the trigger, 256 from it on
 constexpr std::uint32_t zoomSamplesBefore = 255;
+constexpr std::int64_t zoomFirstNumber = -std::int64_t{zoomSamplesBefore};
 constexpr std::uint32_t blockSamples = 32;
 /// The board counts samples in 24 bits on each side of the trigger, so files cannot hold more.
 constexpr std::int64_t maxSamples = std::int64_t{2} << 24;

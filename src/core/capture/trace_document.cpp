@@ -10,19 +10,12 @@
 
 namespace busquill {
 
-namespace {
-
-constexpr std::int64_t zoomFirstNumber = -255;
-constexpr std::int64_t zoomTrigger = 255;
-
-} // namespace
-
 CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
     : waveformList(context.tables), stateList(context.tables), zoomList(context.tables),
       searchPattern(context.tables), filterPattern(context.tables), setup(context.tables),
       prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
       boardCapture_(context.analyzer == nullptr ? nullptr : &context.analyzer->Capture()),
-      saveTrace_(context.saveTrace) {
+      saveTrace_(context.saveTrace), onReading_(context.onReading) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
     if (isRealTime_ && boardCapture_ != nullptr) {
@@ -63,8 +56,13 @@ void CTesselDoc::BuildDefaultLists() {
 
 bool CTesselDoc::OnOpenDocument(const std::string& path) {
     loadedFromFile_ = true;
-    const TraceFileContents contents = ReadTraceFile(
-        {comment, setup, stateList, waveformList, zoomList}, store, excludedBits, path, prompts_);
+    const TraceFileContents contents =
+        ReadTraceFile({comment, setup, stateList, waveformList, zoomList}, store, excludedBits,
+                      path, prompts_, [&](std::uint64_t bytes) {
+                          if (onReading_) {
+                              onReading_(path, bytes);
+                          }
+                      });
     if (!contents.loaded) {
         return false;
     }
@@ -328,7 +326,7 @@ void CTesselDoc::ResetMaps(std::int64_t total, std::int64_t firstNumber, bool va
 
 void CTesselDoc::PlaceTrigger(const SampleCounts& counts) {
     markers_.PlaceTrigger(TriggerIndex(counts));
-    zoomMarkers_.PlaceTrigger(zoomTrigger);
+    zoomMarkers_.PlaceTrigger(zoomSamplesBefore);
 }
 
 void CTesselDoc::RebuildMaps(std::int32_t before, std::int32_t after) {

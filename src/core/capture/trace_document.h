@@ -72,6 +72,8 @@ struct NewTraceContext {
     std::function<std::unique_ptr<RepeatingTimer>()> makeTimer = nullptr;
     /// Asks for a range and saves it; false when the user cancels.
     std::function<bool(CTesselDoc&, const std::string& path)> saveTrace = nullptr;
+    /// Is called again and again while a file is read, with the bytes read so far.
+    std::function<void(const std::string& path, std::uint64_t bytes)> onReading = nullptr;
 };
 
 /// A captured trace: its samples, the signal lists that show them, the setup of the capture,
@@ -194,6 +196,7 @@ private:
     const CTesselDoc* cloneSource_; // until OnNewDocument
     BoardCapture* const boardCapture_;
     const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
+    const std::function<void(const std::string& path, std::uint64_t bytes)> onReading_;
     bool loadedFromFile_ = false;
     bool hasStateList_ = false;
     bool hasZoomSamples_ = false;

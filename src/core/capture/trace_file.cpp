@@ -11,13 +11,7 @@
 
 namespace busquill {
 
-namespace {
-
-constexpr std::int64_t zoomFirst = -255;
-
-} // namespace
-
-bool TraceFileReader::Read(bool fillLists) {
+bool TraceFileReader::Read(bool fillLists, const std::function<void()>& onRows) {
     while (true) {
         const TraceParser::Event event = parser_.Next();
         cutOff_ = cutOff_ && event == TraceParser::Event::End;
@@ -33,6 +27,9 @@ bool TraceFileReader::Read(bool fillLists) {
             break;
         case TraceParser::Event::Rows:
             TakeRows();
+            if (onRows) {
+                onRows();
+            }
             break;
         case TraceParser::Event::EndOfBlock:
             EndBlock(fillLists);
@@ -59,7 +56,7 @@ bool TraceFileReader::BeginSamples() {
 
 void TraceFileReader::TakeRows() {
     const SampleRows& rows = parser_.Rows();
-    const std::int64_t first = inZoom_ ? zoomFirst : parser_.First();
+    const std::int64_t first = inZoom_ ? zoomFirstNumber : parser_.First();
     for (std::size_t i = 0; i < rows.Size(); ++i) {
         if (const std::int64_t index = rows.numbers[i] - first; index >= 0) {
             inZoom_ ? store_.PutZoomSample(static_cast<std::uint32_t>(index), rows.records[i])
@@ -133,7 +130,8 @@ void CompleteZoomList(CSignalList& list, bool present) {
 
 TraceFileContents ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& store,
                                 std::vector<std::uint32_t>& absent, const std::string& path,
-                                Prompts& prompts) {
+                                Prompts& prompts,
+                                const std::function<void(std::uint64_t bytes)>& onProgress) {
     TextReader file;
     if (!file.Open(path)) {
         prompts.Message(Printf("Error opening file %s.", path.c_str()));
@@ -141,7 +139,8 @@ TraceFileContents ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& s
     }
     TraceParser parser(parts, file);
     TraceFileReader reader(parts, parser, store, absent);
-    if (!reader.Read(true)) {
+    const auto report = [&] { onProgress(file.Position()); };
+    if (!reader.Read(true, onProgress ? std::function<void()>(report) : nullptr)) {
         prompts.Message(
             Printf("Error reading file %s: no capture has so many samples.", path.c_str()));
         return {};

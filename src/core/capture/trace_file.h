@@ -3,6 +3,7 @@
 #include "capture/trace_parser.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,8 +29,8 @@ public:
         : parts_(parts), parser_(parser), store_(store), absent_(absent) {}
 
     /// False when the file's range of samples is larger than any capture. `fillLists` also loads
-    /// the samples into the signals.
-    [[nodiscard]] bool Read(bool fillLists);
+    /// the samples into the signals. `onRows` is called again and again while samples are read.
+    [[nodiscard]] bool Read(bool fillLists, const std::function<void()>& onRows = nullptr);
 
     /// The blocks of samples, the last of which was kept.
     [[nodiscard]] const std::vector<Block>& Blocks() const noexcept { return blocks_; }
@@ -64,10 +65,11 @@ struct TraceFileContents {
 /// Reads a trace file into the parts of a new document, its samples into the store. `absent` as for
 /// TraceFileReader. When the file cannot be opened, is of another type or version, or has a range
 /// that no capture can have, reports that to the user and loads nothing. Of a file that ends early,
-/// the samples read are kept.
-[[nodiscard]] TraceFileContents ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& store,
-                                              std::vector<std::uint32_t>& absent,
-                                              const std::string& path, Prompts& prompts);
+/// the samples read are kept. `onProgress` is called with the bytes read so far.
+[[nodiscard]] TraceFileContents
+ReadTraceFile(const TraceParser::Parts& parts, CSampleStore& store,
+              std::vector<std::uint32_t>& absent, const std::string& path, Prompts& prompts,
+              const std::function<void(std::uint64_t bytes)>& onProgress = nullptr);
 
 /// Builds what a file does not store of a list, or the default list if the file has none.
 void CompleteList(CSignalList& list, bool present, std::uint32_t mode);

@@ -14,8 +14,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::int64_t zoomFirst = -255;
-
 constexpr const char* tooManySamples = "no capture has so many samples";
 constexpr const char* cannotBeRead = "it cannot be read to its end";
 constexpr const char* hasChanged = "it has changed while it was read";
@@ -261,7 +259,7 @@ void TraceStream::TakeZoom(TraceParser::Event event) {
     } else if (event == TraceParser::Event::Rows && !zoom_.empty()) {
         const SampleRows& rows = parser_->Rows();
         for (std::size_t i = 0; i < rows.Size(); ++i) {
-            const std::int64_t index = rows.numbers[i] - zoomFirst;
+            const std::int64_t index = rows.numbers[i] - zoomFirstNumber;
             if (index >= 0 && index < zoomSampleCount) {
                 zoom_[static_cast<std::size_t>(index)] = rows.records[i];
             }

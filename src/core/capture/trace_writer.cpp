@@ -10,8 +10,6 @@ namespace busquill {
 
 namespace {
 
-constexpr std::int64_t zoomFirst = -255;
-
 void WriteList(TextWriter& file, const CSignalList& list, const char* title, const char* end) {
     file.Write(Printf("\n\"%s\"\n", title));
     list.WriteSignals(file, false);
@@ -63,7 +61,7 @@ TraceFileWriter::Step TraceFileWriter::Finish() {
         std::string text = "\n\"Power Zoom Data\",255,256\n";
         for (std::uint32_t slot = 0; slot < zoomSampleCount; ++slot) {
             if (const auto record = store_.GetZoomSample(slot)) {
-                AppendRow(text, slot + zoomFirst, *record);
+                AppendRow(text, slot + zoomFirstNumber, *record);
             }
         }
         file_.Write(text + "\"End of Power Zoom Data\"\n");

@@ -33,6 +33,8 @@ public:
     [[nodiscard]] std::optional<std::string_view> ReadLine();
     /// Where in the file the last line that was read begins.
     [[nodiscard]] std::uint64_t LineStart() const noexcept { return lineStart_; }
+    /// How many bytes of the file have been read.
+    [[nodiscard]] std::uint64_t Position() const noexcept { return bufferStart_ + next_; }
     /// Whether a read has failed since the file was opened; its lines then ended early.
     [[nodiscard]] bool Failed() const noexcept;
 

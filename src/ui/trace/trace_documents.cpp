@@ -9,7 +9,9 @@
 #include "ui/display/trace_view.h"
 #include "ui/framework/win_app.h"
 #include "ui/framework/window_timer.h"
+#include "ui/trace/reading_progress.h"
 
+#include <QMainWindow>
 #include <QMdiArea>
 
 #include <filesystem>
@@ -31,6 +33,12 @@ std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTessel
     context.saveTrace = [this](CTesselDoc& document, const std::string& path) {
         return SaveTrace(document, path);
     };
+    if (auto* window = qobject_cast<QMainWindow*>(parts_.area.window())) {
+        context.onReading = [progress = std::make_shared<ReadingProgress>(window->statusBar())](
+                                const std::string& path, std::uint64_t bytes) {
+            progress->At(path, bytes);
+        };
+    }
     return std::make_unique<CTesselDoc>(context, parts_.prompts);
 }
 

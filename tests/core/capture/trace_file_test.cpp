@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <random>
 #include <unistd.h>
@@ -45,6 +46,16 @@ protected:
         return numbers;
     }
 
+    std::vector<std::uint64_t> PositionsWhileReading(const std::string& text) {
+        std::vector<std::uint64_t> positions;
+        context.onReading = [&](const std::string& path, std::uint64_t bytes) {
+            EXPECT_EQ(path, dir.File("capture.tra"));
+            positions.push_back(bytes);
+        };
+        EXPECT_TRUE(Load(text));
+        return positions;
+    }
+
     /// The state list's row of a single line, not of a decoded column.
     const CSignal& Row(const std::string& name) const {
         for (const auto& signal : document->stateList.All()) {
@@ -61,6 +72,23 @@ protected:
     NewTraceContext context{board.tables};
     std::unique_ptr<CTesselDoc> document;
 };
+
+TEST_F(TraceFile, TellsHowMuchItHasReadWhileItReads) {
+    constexpr int count = 50'000;
+    std::string rows;
+    for (int i = 0; i < count; ++i) {
+        rows += Sample(i, i & 0xFF);
+    }
+    const std::string text = header + Data(0, count - 1, rows);
+
+    const std::vector<std::uint64_t> positions = PositionsWhileReading(text);
+
+    ASSERT_GT(positions.size(), 4U); // more often than once a MiB
+    EXPECT_TRUE(std::is_sorted(positions.begin(), positions.end()));
+    EXPECT_LT(positions.front(), text.size() / 2);
+    EXPECT_GT(positions.back(), text.size() / 2);
+    EXPECT_LE(positions.back(), text.size());
+}
 
 TEST_F(TraceFile, ReadsSamplesByTheirNumbers) {
     ASSERT_TRUE(Load(header +
