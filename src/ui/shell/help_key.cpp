@@ -8,8 +8,9 @@
 
 namespace busquill {
 
-HelpKey::HelpKey(QObject* parent, std::function<void(const QWidget&)> show)
-    : QObject(parent), show_(std::move(show)) {
+HelpKey::HelpKey(QObject* parent, std::function<void(const QWidget&)> showHelp,
+                 std::function<void()> showKeys)
+    : QObject(parent), showHelp_(std::move(showHelp)), showKeys_(std::move(showKeys)) {
     qApp->installEventFilter(this);
 }
 
@@ -19,12 +20,14 @@ bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     const auto& key = static_cast<const QKeyEvent&>(*event);
-    if (key.key() != Qt::Key_F1 || key.modifiers() != Qt::NoModifier) {
+    const bool asksForKeys =
+        key.modifiers() == Qt::ShiftModifier && QApplication::activeModalWidget() != nullptr;
+    if (key.key() != Qt::Key_F1 || (key.modifiers() != Qt::NoModifier && !asksForKeys)) {
         return false;
     }
     event->accept(); // a ShortcutOverride is then followed by the key, not by the menu's shortcut
     if (!asks) {
-        show_(static_cast<const QWidget&>(*watched));
+        asksForKeys ? showKeys_() : showHelp_(static_cast<const QWidget&>(*watched));
     }
     return true;
 }

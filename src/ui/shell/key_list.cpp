@@ -48,7 +48,7 @@ constexpr FixedKey fixedKeys[] = {
 
 QString PlaceOf(const Command& command) {
     const QString menu = QString(command.menu).section('>', 0, 0).remove('&');
-    return menu.isEmpty() ? "Not in the menus" : "Menu " + menu;
+    return menu.isEmpty() ? "Windows" : "Menu " + menu;
 }
 
 QString EntryOf(const Command& command) {

@@ -92,7 +92,8 @@ CMainFrame::CMainFrame(CAnalyzerLink& link, const SignalTables& tables,
     RegisterResources();
     setWindowTitle(stockName);
     WidenDialogsToTitles(*this);
-    new HelpKey(this, [this](const QWidget& focus) { ShowHelpFor(focus); });
+    new HelpKey(
+        this, [this](const QWidget& focus) { ShowHelpFor(focus); }, [this] { ShowKeys(); });
     setWindowIcon(QIcon(":/icons/busquill.svg"));
     area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -352,24 +353,25 @@ void CMainFrame::ShowHelpPage(const QString& page) {
         help_ = new HelpWindow(this);
         new WindowPlace(*help_, settings_, "Help");
     }
-    PlaceHelp();
+    PlaceBesideDialog(*help_);
     help_->ShowPage(page);
 }
 
 /// While a modal dialog is open, the user can reach only windows that belong to it.
-void CMainFrame::PlaceHelp() {
+void CMainFrame::PlaceBesideDialog(QWidget& window) {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     QWidget* owner = dialog != nullptr ? static_cast<QWidget*>(dialog) : this;
-    if (help_->parentWidget() == owner) {
+    if (window.parentWidget() == owner) {
         return;
     }
-    const bool wasShown = help_->isVisible();
-    const QRect place = help_->geometry();
-    help_->setParent(owner, Qt::Window);
-    help_->setGeometry(place);
-    help_->setVisible(wasShown);
+    const bool wasShown = window.isVisible();
+    const QRect place = window.geometry();
+    window.setParent(owner, window.windowFlags());
+    window.setGeometry(place);
+    window.setVisible(wasShown);
     if (dialog != nullptr) {
-        connect(dialog, &QDialog::finished, this, &CMainFrame::PlaceHelp);
+        connect(dialog, &QDialog::finished, &window,
+                [this, &window] { PlaceBesideDialog(window); });
     }
 }
 
@@ -399,6 +401,7 @@ void CMainFrame::ShowKeys() {
         keys_ = new KeysWindow(this);
         new WindowPlace(*keys_, settings_, "Keys");
     }
+    PlaceBesideDialog(*keys_);
     keys_->show();
     keys_->raise();
     keys_->activateWindow();

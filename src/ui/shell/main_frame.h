@@ -66,7 +66,7 @@ private:
     /// The page of the window that contains a widget; if it has none, that of the active window.
     void ShowHelpFor(const QWidget& widget);
     void ShowHelpPage(const QString& page);
-    void PlaceHelp();
+    void PlaceBesideDialog(QWidget& window);
     void OnTimer();
     /// Says in the status bar that the board was unplugged, or nothing.
     void ShowWhetherBoardIsGone();

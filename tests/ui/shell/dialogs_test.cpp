@@ -304,18 +304,39 @@ TEST_F(Dialogs, OfATestThatAsksTheOperator) {
            "compliance.md#instructions", "Continue");
 }
 
-TEST_F(Dialogs, OfTheKeys) {
-    Type(Qt::Key_F1, Qt::ShiftModifier);
+/// The open list of keys, or null.
+QDialog* ListOfKeys() {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (window->windowTitle() == "Keys" && window->isVisible()) {
-            auto& keys = dynamic_cast<QDialog&>(*window);
-            ExpectTabGoesRound(keys);
-            EXPECT_EQ(DefaultOf(keys)->text(), "Close");
-            ExpectDialogPage(keys, "keys.md");
-            return;
+            return qobject_cast<QDialog*>(window);
         }
     }
-    ADD_FAILURE() << "it is not open";
+    return nullptr;
+}
+
+TEST_F(Dialogs, OfTheKeys) {
+    Type(Qt::Key_F1, Qt::ShiftModifier);
+    QDialog* keys = ListOfKeys();
+    ASSERT_NE(keys, nullptr);
+    ExpectTabGoesRound(*keys);
+    EXPECT_EQ(DefaultOf(*keys)->text(), "Close");
+    ExpectDialogPage(*keys, "keys.md");
+}
+
+TEST_F(Dialogs, TheKeysAreListedBesideADialogAndStayAfterIt) {
+    ChooseDialog<QDialog>("Utilities/Bus Configuration", [](QDialog& bus) {
+        QTest::keyClick(bus.findChild<QComboBox*>(), Qt::Key_F1, Qt::ShiftModifier);
+        QDialog* keys = ListOfKeys();
+        ASSERT_NE(keys, nullptr);
+        EXPECT_EQ(keys->parentWidget(), &bus) << "only what belongs to the dialog can be reached";
+        EXPECT_TRUE(bus.isVisible());
+        Press(bus, "Cancel");
+    });
+    QDialog* keys = ListOfKeys();
+    ASSERT_NE(keys, nullptr);
+    EXPECT_EQ(keys->parentWidget(), &Frame());
+    Press(*keys, "Close");
+    EXPECT_EQ(ListOfKeys(), nullptr);
 }
 
 } // namespace
