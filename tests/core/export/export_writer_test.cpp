@@ -7,6 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <archive.h>
+#include <archive_entry.h>
+#include <array>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -20,6 +23,25 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
+
+constexpr std::int32_t sampledAt15ns = 5;
+
+/// A file inside a zip archive.
+std::string InArchive(const std::string& path, const std::string& name) {
+    const std::unique_ptr<archive, decltype(&archive_read_free)> zip(archive_read_new(),
+                                                                     archive_read_free);
+    archive_read_support_format_zip(zip.get());
+    EXPECT_EQ(archive_read_open_filename(zip.get(), path.c_str(), 10240), ARCHIVE_OK);
+    archive_entry* entry = nullptr;
+    while (archive_read_next_header(zip.get(), &entry) == ARCHIVE_OK) {
+        if (archive_entry_pathname(entry) == name) {
+            std::array<char, 65536> text{};
+            const la_ssize_t size = archive_read_data(zip.get(), text.data(), text.size());
+            return {text.data(), static_cast<std::size_t>(std::max<la_ssize_t>(size, 0))};
+        }
+    }
+    return {};
+}
 
 class ExportWriterTest : public CaptureFixture {
 protected:
@@ -108,6 +130,21 @@ TEST_F(ExportWriterTest, ASessionOfABusClockGoesThroughTheSamplesTwice) {
     EXPECT_FALSE(std::filesystem::exists(dir.File("a.sr")));
     EXPECT_EQ(writer->Write(5000), SampleStep::Done);
     EXPECT_THAT(ReadWholeFile(dir.File("a.sr")), StartsWith("PK"));
+}
+
+TEST_F(ExportWriterTest, ASessionHasTheRateOfASampledClock) {
+    Capture(20, 20);
+    document->setup.clock = sampledAt15ns;
+    ASSERT_EQ(Save(ExportFormat::Session, "a.sr", -20, 20), SampleStep::Done);
+    EXPECT_THAT(InArchive(dir.File("a.sr"), "metadata"), HasSubstr("samplerate=66666667 Hz\n"));
+}
+
+TEST_F(ExportWriterTest, ASessionOfABusClockWithoutARateSaysSo) {
+    Capture(20, 20);
+    ASSERT_EQ(Save(ExportFormat::Session, "a.sr", -20, 20), SampleStep::Done);
+    EXPECT_THAT(InArchive(dir.File("a.sr"), "metadata"), HasSubstr("samplerate=1 Hz\n"));
+    EXPECT_EQ(note, "The clock of the samples is \"Sync\", that of the bus; a session file knows "
+                    "one rate only, so it shows samples, one a second, not time.");
 }
 
 TEST_F(ExportWriterTest, WaitsForMissingSamplesAndRequestsThem) {

@@ -204,6 +204,18 @@ TEST_F(UsbLinkTest, AFailedReadShowsTwoBoxesAndIsNotRetried) {
     EXPECT_EQ(std::ranges::count(usb.Calls(), "read 130: 3"), 1);
 }
 
+TEST_F(UsbLinkTest, ABoardThatIsLostWhileItIsReadIsReportedOnce) {
+    OpenUsbLink();
+    usb.Set({.read = UsbDevice::Transfer{.ok = false, .error = 31, .gone = true}});
+    Bytes buffer(3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_FALSE(link->Exchange(ReadRegisters(0, buffer)));
+    }
+    EXPECT_TRUE(link->IsBoardGone());
+    EXPECT_THAT(prompts.Texts(),
+                ElementsAre(transferFailed, "Error reading from usb port, err 31"));
+}
+
 TEST_F(UsbLinkTest, AShortReadIsReportedWithItsCounts) {
     OpenUsbLink();
     usb.Set({.read = UsbDevice::Transfer{true, 0, 2}});

@@ -2,14 +2,19 @@
 
 #include "support/live_frame_fixture_qt.h"
 #include "support/pattern_grid_qt.h"
+#include "support/save_trace_qt.h"
 #include "ui/capture/save_trace_dialog.h"
 #include "ui/display/go_to_sample_dialog.h"
 #include "ui/patterns/pattern_cell.h"
 #include "ui/patterns/pattern_dialogs.h"
 
+#include <QFileDialog>
 #include <QPushButton>
 #include <QSpinBox>
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
 
 namespace busquill::test {
 namespace {
@@ -119,8 +124,13 @@ TEST_F(LiveSearch, TheFilterHidesAndTheFilteredCaptureCanBeSaved) {
     auto* loaded = dynamic_cast<CTesselDoc*>(program->App().OpenDocumentFile(dir.File("copy.tra")));
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->RowCount(false), low);
-    // All rows are shown again.
+    // Another program gets the same rows, and is told that there were more.
     Frame().Area().setActiveSubWindow(frame);
+    SaveTraceUnder(dir.File("filtered.csv"), [&] { Choose("File/Save As..."); });
+    EXPECT_EQ(std::ranges::count(ReadWholeFile(dir.File("filtered.csv")), '\n'), 1 + low);
+    EXPECT_THAT(prompts.Texts(), ElementsAre(HasSubstr("the filter hides some")));
+    prompts.Forget();
+    // All rows are shown again.
     SetCell<CFilterPatternDlg>("Search/Filter", "FRAME", "X");
     EXPECT_EQ(Trace().RowCount(false), all);
     EXPECT_THAT(prompts.Texts(), IsEmpty());
@@ -136,6 +146,20 @@ TEST_F(LiveSearch, AfterARunWithoutSamplesTheFilterHasNothingToShow) {
     SetCell<CFilterPatternDlg>("Search/Filter", "FRAME", "0");
     EXPECT_EQ(Trace().RowCount(false), 0) << "the samples of the previous capture are gone";
     EXPECT_FALSE(Trace().IsFiltered());
+}
+
+TEST_F(LiveSearch, WithoutSamplesNothingIsExported) {
+    Connect({"--buffer", "4", "--rate", "1000"});
+    Capture();
+    Go();
+    board->Fault("silence");
+    ASSERT_TRUE(RunUntil([&] { return !Running(); }));
+    ASSERT_EQ(Trace().SampleCount(false), 0);
+    prompts.Forget();
+    AnswerDialog<QFileDialog>([&] { Choose("File/Save As..."); },
+                              [&](QFileDialog& files) { GiveFileName(files, dir.File("no.csv")); });
+    EXPECT_THAT(prompts.Texts(), ElementsAre("There are no samples to save."));
+    EXPECT_FALSE(std::filesystem::exists(dir.File("no.csv")));
 }
 
 TEST_F(LiveSearch, AFileIsSearchedOnTheHost) {

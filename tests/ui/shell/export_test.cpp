@@ -16,6 +16,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 /// Save As of a capture in the formats of other programs.
 class ExportOfACapture : public ProgramFixture {
@@ -114,6 +115,34 @@ TEST_F(ExportOfACapture, ATypeThatIsChosenGivesTheNameItsExtension) {
     Choose("File/Save As...");
     EXPECT_TRUE(isChosen);
     EXPECT_FALSE(std::filesystem::exists(dir.File("Trigger2.csv")));
+}
+
+TEST_F(ExportOfACapture, OfThePowerZoomWindowHasItsSamples) {
+    program->App().OpenDocumentFile(dir.File("Trigger1.tra"));
+    for (QMdiSubWindow* window : Frame().Area().subWindowList()) {
+        if (dynamic_cast<CChildFrame&>(*window).TraceView().IsZoom()) {
+            Frame().Area().setActiveSubWindow(window);
+        }
+    }
+    ASSERT_TRUE(Active().TraceView().IsZoom());
+    SaveAs("zoom.csv", [](CSaveTraceDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("Start")->text(), "-255");
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("End")->text(), "255");
+    });
+    const std::string text = Text("zoom.csv");
+    EXPECT_EQ(std::ranges::count(text, '\n'), 1 + 511);
+    EXPECT_THAT(text, HasSubstr("\n-255,"));
+    EXPECT_THAT(text, HasSubstr("\n255,"));
+}
+
+TEST_F(ExportOfACapture, ThatIsCancelledMeanwhileLeavesNothing) {
+    SaveAs("out.csv", [](CSaveTraceDialog& dialog) {
+        QTimer::singleShot(0, &dialog, [&dialog] { Press(dialog, "Cancel"); }); // after OK
+    });
+    for (const auto& entry : std::filesystem::directory_iterator(dir.Path())) {
+        EXPECT_THAT(entry.path().filename().string(), Not(HasSubstr("out")));
+    }
+    EXPECT_THAT(prompts.Texts(), ElementsAre());
 }
 
 TEST_F(ExportOfACapture, AFolderThatIsGoneIsReportedAndNothingIsLeft) {
