@@ -114,7 +114,8 @@ private:
         AddNumbers(deed, first, last, begins);
         if (begins) {
             rows_[index] = ends ? number_ : 0;
-            Cell(ends ? deed.end : isCut ? "cut-off" : "unknown");
+            const bool isEndTold = ends || (deed.endToldBy && *deed.endToldBy <= last);
+            Cell(isEndTold ? deed.end : isCut ? "cut-off" : "unknown");
         } else {
             Cell(isCut || first == shown_.first ? "cut-off" : "unknown");
         }

@@ -220,6 +220,9 @@ private:
             SetField(now, bitCbe, wide_ ? 8 : 4, ~lanes);
             const std::string data = Data(now, width, lanes);
             deed.last = Clock(now);
+            if (stopped && !wasStopped) {
+                deed.endToldBy = deed.last;
+            }
             if (!ready) {
                 deed.initiatorWaits.push_back(deed.last);
             }
@@ -375,16 +378,16 @@ private:
         switch (plan.way) {
         case Way::Split:
             SetBit(lines, bitTrdy, false); // without DEVSEL
-            deed.last = Clock(lines);
+            deed.endToldBy = deed.last = Clock(lines);
             SetBit(lines, bitTrdy, true);
             break;
         case Way::Retry:
             SetBit(claimed, bitStop, false);
-            deed.last = Clock(claimed);
+            deed.endToldBy = deed.last = Clock(claimed);
             break;
         case Way::TargetAbort:
             SetBit(lines, bitStop, false);
-            deed.last = Clock(lines);
+            deed.endToldBy = deed.last = Clock(lines);
             SetBit(lines, bitStop, true);
             break;
         default:
@@ -423,6 +426,9 @@ private:
             SetBit(now, bitFrame, word + 1 == words);
             const std::string data = Data(now, width, lanes);
             deed.last = Clock(now);
+            if (stops) {
+                deed.endToldBy = deed.last;
+            }
             deed.transfers.push_back(
                 {deed.last, data, static_cast<unsigned>(std::popcount(lanes)), {}});
         }

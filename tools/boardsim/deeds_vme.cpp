@@ -147,6 +147,9 @@ private:
                 deed.end = answer == Way::BusError ? "bus-error"
                            : answer == Way::Retry  ? "retry"
                                                    : "master-abort";
+                if (answer != Way::NoAnswer) {
+                    deed.endToldBy = acknowledge;
+                }
             } else if (!kind.isLock) {
                 const unsigned width = kind.isWideBlock ? 8 : size.width;
                 const unsigned lanes = kind.isWideBlock ? 0xFF : size.lanes;
@@ -288,7 +291,7 @@ private:
         }
         if (stop == Stop::Retry || stop == Stop::Error) {
             SetBit(record, stop == Stop::Retry ? bitRetry : bits_.berr, false);
-            deed.last = Tell(record);
+            deed.endToldBy = deed.last = Tell(record);
             SetBit(record, bitRetry, true);
             SetBit(record, bits_.berr, true);
             deed.end = stop == Stop::Error ? "bus-error"

@@ -58,7 +58,7 @@ public:
             }
             if (isLast && outcome == 0) {
                 SetBit(record, bitErr, false);
-                deed.last = Tell(record);
+                deed.endToldBy = deed.last = Tell(record);
             } else if (!isLast || outcome != 1) {
                 SetBit(record, bitAck, false);
                 deed.last = Tell(record);

@@ -102,8 +102,8 @@ Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
         const PciAnswer answer = AnswerOf(clock, *open_);
         open_->sum.waitStates.initiator += clock.irdy ? 0 : 1;
         open_->sum.waitStates.target += answer == PciAnswer::Wait ? 1 : 0;
-        if (!open_->stopped) { // the target holds STOP until the initiator has seen it
-            open_->stopped = StopOf(answer);
+        if (!open_->sum.HasEnd()) { // the target holds STOP until the initiator has seen it
+            open_->sum.end = StopOf(answer);
         }
         if (clock.irdy && CarriesData(answer)) {
             TakeData(sample, clock);
@@ -134,7 +134,7 @@ bool PciTraffic::CarriesData(PciAnswer answer) const {
     return answer == PciAnswer::Data || answer == PciAnswer::LastData;
 }
 
-std::optional<TransactionEnd> PciTraffic::StopOf(PciAnswer answer) {
+TransactionEnd PciTraffic::StopOf(PciAnswer answer) {
     switch (answer) {
     case PciAnswer::Retry:
         return TransactionEnd::Retry;
@@ -151,12 +151,12 @@ std::optional<TransactionEnd> PciTraffic::StopOf(PciAnswer answer) {
     case PciAnswer::Over:
         break;
     }
-    return std::nullopt;
+    return TransactionEnd::Unknown;
 }
 
 TransactionEnd PciTraffic::EndOf(const PciTransaction& open, bool sawEnd) {
-    if (open.stopped) {
-        return *open.stopped;
+    if (open.sum.HasEnd()) {
+        return open.sum.end;
     }
     // If only address phases were stored, it is unknown whether a target answered.
     if (!sawEnd || !open.clocked || open.sum.isHeadless) {

@@ -28,9 +28,8 @@ struct PciTransaction {
     Transaction sum;
     bool req64 = false;
     bool secondAddressDue = false;
-    bool clocked = false;                  // there was a clock after the address phase
-    bool claimed = false;                  // DEVSEL was asserted
-    std::optional<TransactionEnd> stopped; // how the target ended it
+    bool clocked = false; // there was a clock after the address phase
+    bool claimed = false; // DEVSEL was asserted
     // PCI-X only, after an attribute phase.
     std::optional<std::uint32_t> attributeEnables;
     std::optional<std::uint32_t> bytesAnnounced; // not transferred yet
@@ -79,7 +78,8 @@ private:
     PciTransaction& Begin(const TimedSample& sample);
     void TakeData(const TimedSample& sample, const PciClock& clock);
     [[nodiscard]] bool CarriesData(PciAnswer answer) const;
-    [[nodiscard]] static std::optional<TransactionEnd> StopOf(PciAnswer answer);
+    /// How an answer ends the transaction; Unknown if it does not.
+    [[nodiscard]] static TransactionEnd StopOf(PciAnswer answer);
     [[nodiscard]] static TransactionEnd EndOf(const PciTransaction& open, bool sawEnd);
     Transaction* Close(bool sawEnd);
     [[nodiscard]] PciClock ClockOf(const SampleRecord& record) const;

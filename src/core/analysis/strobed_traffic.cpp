@@ -98,8 +98,8 @@ void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
         TakeAcknowledge(sample);
     } else if ((lines.error && !before_.error) || (lines.retry && !before_.retry)) {
         waiting_ = false;
-        if (!open_->refused) {
-            open_->refused = lines.error ? MeaningOfError(sample.record) : TransactionEnd::Retry;
+        if (!open_->sum.HasEnd()) {
+            open_->sum.end = lines.error ? MeaningOfError(sample.record) : TransactionEnd::Retry;
         }
     }
 }
@@ -152,10 +152,9 @@ Transaction* StrobedTraffic::Close() {
     }
     Transaction& sum = open_->sum;
     const bool isUnanswered = IsOther(sum.command) ? IsOtherWaiting() : wasWaiting;
-    sum.end = sum.isHeadless   ? TransactionEnd::Unknown
-              : open_->refused ? *open_->refused
-              : isUnanswered   ? TransactionEnd::MasterAbort
-                               : TransactionEnd::Complete;
+    if (!sum.HasEnd() && !sum.isHeadless) {
+        sum.end = isUnanswered ? TransactionEnd::MasterAbort : TransactionEnd::Complete;
+    }
     closed_ = std::move(sum);
     open_.reset();
     return &closed_;

@@ -11,9 +11,8 @@ namespace busquill {
 /// The transaction in progress.
 struct StrobedTransaction {
     Transaction sum;
-    bool strobed = false;                  // there was a data strobe
-    bool addressDue = false;               // the next answered strobe carries an address
-    std::optional<TransactionEnd> refused; // how a target refused it
+    bool strobed = false;    // there was a data strobe
+    bool addressDue = false; // the next answered strobe carries an address
 };
 
 /// A bus without a clock: an address strobe frames a transaction, in which each data strobe is

@@ -82,6 +82,10 @@ struct Transaction {
     std::uint64_t findings = 0;                // samples with a finding of the rule checker
     std::optional<std::uint64_t> splitRequest; // the number of the transaction that this completes
 
+    /// Whether its end was seen. It may still be on the bus.
+    [[nodiscard]] bool HasEnd() const noexcept {
+        return end != TransactionEnd::Unknown && end != TransactionEnd::CutOff;
+    }
     /// From the address to the first data.
     [[nodiscard]] std::optional<std::int64_t> Latency() const noexcept {
         return firstData ? std::optional(*firstData - time) : std::nullopt;

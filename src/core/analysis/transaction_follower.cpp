@@ -35,6 +35,9 @@ std::span<const Transaction> TransactionFollower::Add(std::int64_t number,
     const bool isFirst = std::exchange(isFirst_, false);
     const bool isAfterGap = !isFirst && number != number_ + 1;
     number_ = number;
+    if (isFirst) {
+        first_ = number;
+    }
     // The time before the first sample is not part of the capture.
     if (!isFirst && sampleTime_) {
         time_ = AddTimes(time_, sampleTime_->Of(record));
@@ -64,13 +67,12 @@ std::span<const Transaction> TransactionFollower::Add(std::int64_t number,
 
 /// Samples are missing: what was in progress is not known any more.
 void TransactionFollower::Break() {
-    if (const Transaction* const open = traffic_->Open()) {
-        End(*open);
+    if (auto open = Unfinished(TransactionEnd::Unknown)) {
+        End(std::move(*open));
     }
     traffic_->Restart();
     lastEnd_.reset();
     splits_.clear();
-    isWhole_ = false;
     findings_ = 0;
 }
 
@@ -78,7 +80,8 @@ void TransactionFollower::Restart() {
     if (traffic_) {
         traffic_->Restart();
     }
-    isFirst_ = isWhole_ = true;
+    isFirst_ = true;
+    first_.reset();
     time_ = 0;
     transactions_ = 0;
     findings_ = 0;
@@ -88,7 +91,7 @@ void TransactionFollower::Restart() {
 
 void TransactionFollower::Resume(const Place& place) {
     Restart();
-    isFirst_ = isWhole_ = false;
+    isFirst_ = false;
     number_ = place.number;
     time_ = place.time;
     transactions_ = place.transactions;
@@ -97,14 +100,16 @@ void TransactionFollower::Resume(const Place& place) {
     }
 }
 
-std::optional<Transaction> TransactionFollower::Unfinished() const {
+std::optional<Transaction> TransactionFollower::Unfinished(TransactionEnd unseen) const {
     const Transaction* const open = traffic_ ? traffic_->Open() : nullptr;
     if (open == nullptr) {
         return std::nullopt;
     }
     Transaction transaction = *open;
+    if (!transaction.HasEnd()) {
+        transaction.end = unseen;
+    }
     Complete(transaction);
-    transaction.end = TransactionEnd::CutOff;
     return transaction;
 }
 
@@ -114,7 +119,7 @@ void TransactionFollower::Complete(Transaction& transaction) const {
     if (lastEnd_) {
         transaction.gap = AddTimes(transaction.time, -*lastEnd_);
     }
-    if (transaction.isHeadless && isWhole_) {
+    if (transaction.isHeadless && transaction.sample == first_) {
         transaction.end = TransactionEnd::CutOff; // by the beginning of the capture
     }
     if (transaction.sequence && transaction.sequence->isCompletion) {

@@ -227,14 +227,14 @@ private:
             open.strobed = true;
             open.sum.command = CommandAtStrobe(open.sum.command, sample.record);
         }
-        if (!open.refused && ((retry && !state.retry) || (lines.error && !before.error))) {
-            open.refused = !retry                     ? TransactionEnd::BusError
+        if (!open.sum.HasEnd() && ((retry && !state.retry) || (lines.error && !before.error))) {
+            open.sum.end = !retry                     ? TransactionEnd::BusError
                            : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
                                                       : TransactionEnd::Retry;
             state.waiting = false;
         }
         state.retry = retry;
-        if (open.refused) {
+        if (open.sum.HasEnd()) {
             return;
         }
         const bool isAcknowledge = lines.acknowledge != before.acknowledge;

@@ -165,6 +165,26 @@ TEST_F(PciTransactions, AreUnknownWhereSamplesAreMissing) {
     EXPECT_EQ(transactions[1].gap, std::nullopt);
 }
 
+TEST_F(PciTransactions, KeepAnEndThatWasSeenBeforeTheCaptureEnds) {
+    // The target signals a retry in sample 3; the initiator has not taken it back yet.
+    Waves waves = Read("~____");
+    waves.Line("IRDY", "~~___").Line("DEVSEL", "~~___").Line("BSTOP", "~~~__");
+    EXPECT_THAT(Ends(waves.Transactions()), ElementsAre(TransactionEnd::Retry));
+    EXPECT_EQ(waves.Summary().retries, 1U);
+    EXPECT_EQ(waves.Summary().unfinished, 1U);
+}
+
+TEST_F(PciTransactions, KeepAnEndThatWasSeenBeforeSamplesAreMissing) {
+    const auto transactions = Read("~_____~")
+                                  .Line("IRDY", "~~____~")
+                                  .Line("DEVSEL", "~~_~~~~")
+                                  .Line("BSTOP", "~~~___~")
+                                  .Missing(4, 4)
+                                  .Transactions();
+    EXPECT_THAT(Ends(transactions),
+                ElementsAre(TransactionEnd::TargetAbort, TransactionEnd::Unknown));
+}
+
 TEST_F(PciTransactions, EndTwiceInASampleAfterMissingOnes) {
     // The sample after the gap is the last clock of a transaction that began inside it.
     const auto transactions = Read("~______~~~")
@@ -269,6 +289,16 @@ TEST_F(VmeTransactions, CallABlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
 
 TEST_F(VmeTransactions, AreCutOffBeforeTheirLastStrobeIsAnswered) {
     EXPECT_THAT(Ends(Access("~______", "~~__~~_", "~~~_~~~").Transactions()),
+                ElementsAre(TransactionEnd::CutOff));
+}
+
+TEST_F(VmeTransactions, KeepAnErrorThatWasSeenBeforeTheCaptureEnds) {
+    Waves waves = Access("~_____", "~~____", "~~~~~~");
+    EXPECT_THAT(Ends(waves.Line("BERR", "~~~~__").Transactions()),
+                ElementsAre(TransactionEnd::BusError));
+    EXPECT_EQ(waves.Summary().busErrors, 1U);
+    // Acknowledged, but another strobe may follow.
+    EXPECT_THAT(Ends(Access("~_____", "~~____", "~~~~__").Transactions()),
                 ElementsAre(TransactionEnd::CutOff));
 }
 
