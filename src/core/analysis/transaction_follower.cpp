@@ -95,6 +95,7 @@ void TransactionFollower::Resume(const Place& place) {
     number_ = place.number;
     time_ = place.time;
     transactions_ = place.transactions;
+    lastEnd_ = place.lastEnd;
     if (traffic_ && place.before != nullptr) {
         traffic_->RestartAfter(*place.before);
     }

@@ -38,6 +38,8 @@ public:
         std::int64_t number = 0;              // of the sample before it
         std::int64_t time = 0;                // of that sample
         const SampleRecord* before = nullptr; // that sample; null if others are missing since
+        std::optional<std::int64_t> lastEnd;  // when the transaction before ended; nothing if
+                                              // samples are missing since
     };
     /// Begins with a new capture.
     void Restart();

@@ -130,6 +130,38 @@ TEST_P(TransactionRows, TakeLessThanAQuarterOfTheRecords) {
     EXPECT_LT(index.Bytes(), sampleCount * sizeof(SampleRecord) / 4);
 }
 
+TEST_P(TransactionRows, DoNotReadTheIdleSamplesBetweenThem) {
+    constexpr std::size_t idle = 100000;
+    constexpr std::size_t half = 400;
+    const auto recording = boardsim::RecordDeeds(GetParam().family, 4, 2 * half, half, 0);
+    TransactionFollower follower(bus.board, bus.tables);
+    std::optional<SampleRecord> rest;
+    for (std::size_t i = 0; i < 2 * half; ++i) {
+        const SampleRecord record{recording.samples[i]};
+        if (follower.IsIdle(record) && !rest && i >= half) {
+            rest = record;
+            records.insert(records.end(), idle, record);
+        }
+        records.push_back(record);
+    }
+    const CapturedSamples samples{records, 0, {}};
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend(samples);
+    const auto all = [&] {
+        std::vector<Transaction> rows;
+        for (std::size_t row = 0; row < index.Size(); ++row) {
+            rows.push_back(index.Row(row, samples, 4));
+        }
+        return rows;
+    };
+    const auto wanted = all();
+    // Whoever reads them now finds other transactions.
+    for (std::size_t i = 0; i < idle - 2500; ++i) {
+        records[half + 1250 + i] = records[i % half];
+    }
+    EXPECT_EQ(all(), wanted);
+}
+
 TEST(TransactionRowsOfAConnector, AreNone) {
     const BoardTables bus("VMEKiteP2", BusVmeP2);
     const std::vector<SampleRecord> records(100);
