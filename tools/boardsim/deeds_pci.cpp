@@ -14,6 +14,7 @@ using namespace pci;
 constexpr unsigned cmdMemReadBlock = 0xE;  // PCI-X
 constexpr unsigned cmdMemWriteBlock = 0xF; // PCI-X
 constexpr unsigned cmdSplitCompletion = 0xC;
+constexpr int byteCountModified = 31; // in the attributes of a split completion
 
 enum class Way { Complete, Retry, WithData, WithoutData, TargetAbort, MasterAbort, Split };
 
@@ -330,17 +331,21 @@ private:
         plan.isWide = plan.asksWide && Pick(2) == 0;
         const unsigned width = plan.isWide ? 8 : 4;
         const unsigned offset = sequence.low & (width - 1);
-        plan.words = (offset + sequence.bytes + width - 1) / width;
+        // A completer that will bring the rest later may announce only what it brings now.
+        const bool isModified = sequence.bytes > 1 && Pick(3) == 0;
+        const unsigned announced = isModified ? 1 + Pick(sequence.bytes - 1) : sequence.bytes;
+        plan.words = (offset + announced + width - 1) / width;
         plan.way = Pick(4) == 0 ? Way::WithData : Seldom() ? Way::Retry : Way::Complete;
         plan.at = plan.way == Way::WithData ? Pick(plan.words) : 0;
         Record record;
         Deed& deed = Begin(plan, record);
         deed.tag = sequence.requester >> 16;
         deed.request = sequence.deed;
-        SetField(record, bitAd, 32, (0x00FF00 | Word() % 8) << 8 | (sequence.bytes & 0xFF));
-        SetField(record, bitCbe, 4, sequence.bytes >> 8);
+        SetField(record, bitAd, 32, (0x00FF00 | Word() % 8) << 8 | (announced & 0xFF));
+        SetBit(record, bitAd + byteCountModified, isModified);
+        SetField(record, bitCbe, 4, announced >> 8);
         Attribute(deed, record);
-        Respond(plan, deed, record, offset, sequence.bytes, 0xFF);
+        Respond(plan, deed, record, offset, announced, 0xFF);
         unsigned moved = 0;
         for (const Deed::Transfer& each : deed.transfers) {
             moved += each.bytes;

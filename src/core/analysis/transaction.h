@@ -47,7 +47,8 @@ struct SplitSequence {
     std::uint32_t requester = 0; // tag, bus, device and function, as in the attributes
     std::uint32_t byteCount = 0; // still to be transferred when the transaction begins
     bool isCompletion = false;
-    bool isMessage = false; // a completion that carries a message instead of data
+    bool isMessage = false;  // a completion that carries a message instead of data
+    bool isCountOwn = false; // the byte count is that of this completion: others follow
 
     [[nodiscard]] std::uint32_t Tag() const noexcept { return requester >> 16; }
 

@@ -2,6 +2,7 @@
 
 #include "signals/value_text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace busquill {
@@ -126,7 +127,7 @@ void TransactionFollower::Complete(Transaction& transaction) const {
     if (transaction.sequence && transaction.sequence->isCompletion) {
         const auto request = splits_.find(transaction.sequence->requester);
         if (request != splits_.end()) {
-            transaction.splitRequest = request->second;
+            transaction.splitRequest = request->second.number;
         }
     }
 }
@@ -142,10 +143,24 @@ void TransactionFollower::End(Transaction ended) {
     }
     const SplitSequence& sequence = *transaction.sequence;
     if (transaction.end == TransactionEnd::SplitResponse) {
-        splits_[sequence.requester] = transaction.number;
-    } else if (sequence.isCompletion && transaction.dataPhases != 0 &&
-               (sequence.isMessage || transaction.bytes >= sequence.byteCount)) {
-        splits_.erase(sequence.requester); // another one completes it if data are left
+        splits_[sequence.requester] = {transaction.number, sequence.byteCount};
+    } else if (sequence.isCompletion && transaction.dataPhases != 0) {
+        TakeCompletion(transaction);
+    }
+}
+
+/// Another one completes the request if data are left.
+void TransactionFollower::TakeCompletion(const Transaction& completion) {
+    const SplitSequence& sequence = *completion.sequence;
+    const auto request = splits_.find(sequence.requester);
+    if (request == splits_.end()) {
+        return;
+    }
+    std::uint32_t& left = request->second.bytesLeft;
+    left = sequence.isCountOwn ? left : sequence.byteCount;
+    left -= static_cast<std::uint32_t>(std::min<std::uint64_t>(left, completion.bytes));
+    if (sequence.isMessage || left == 0) {
+        splits_.erase(request);
     }
 }
 

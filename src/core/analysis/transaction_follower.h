@@ -54,10 +54,17 @@ public:
     [[nodiscard]] const BusTraffic* Traffic() const noexcept { return traffic_.get(); }
 
 private:
+    struct SplitRequest {
+        std::uint64_t number = 0;
+        std::uint32_t bytesLeft = 0;
+    };
+
     [[nodiscard]] bool HasFinding(const SampleRecord& record) const;
     void Break();
     /// Adds what the capture around a transaction tells.
     void Complete(Transaction& transaction) const;
+    /// Pairs a split completion with its request.
+    void TakeCompletion(const Transaction& completion);
     /// Takes one that has ended, with what the next ones need to know of it.
     void End(Transaction ended);
 
@@ -69,10 +76,10 @@ private:
     std::int64_t number_ = 0; // of the last sample
     std::int64_t time_ = 0;
     std::uint64_t transactions_ = 0;
-    std::uint64_t findings_ = 0;                    // in the transaction in progress
-    std::optional<std::int64_t> first_;             // number of the first sample of the capture
-    std::optional<std::int64_t> lastEnd_;           // time; nothing if samples are missing since
-    std::map<std::uint32_t, std::uint64_t> splits_; // numbers of split requests, by requester
+    std::uint64_t findings_ = 0;                   // in the transaction in progress
+    std::optional<std::int64_t> first_;            // number of the first sample of the capture
+    std::optional<std::int64_t> lastEnd_;          // time; nothing if samples are missing since
+    std::map<std::uint32_t, SplitRequest> splits_; // by requester
     std::array<Transaction, 2> ended_;
     std::size_t endedCount_ = 0;
 };

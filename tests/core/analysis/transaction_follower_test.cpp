@@ -247,6 +247,23 @@ TEST_F(PciXTransactions, PairNoCompletionAfterTheLastByte) {
     EXPECT_EQ(transactions.at(2).splitRequest, std::nullopt);
 }
 
+TEST_F(PciXTransactions, GoOnAfterACompletionWhoseByteCountIsItsOwn) {
+    // It announces and moves 4 of the 8 bytes.
+    Waves waves = SplitRead();
+    const auto transactions = waves.At(7, "AD", 1U << 31 | 0x00FF0000 | 4).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, 1U);
+    EXPECT_EQ(transactions.at(1).end, TransactionEnd::Complete);
+    EXPECT_EQ(transactions.at(2).splitRequest, 1U);
+}
+
+TEST_F(PciXTransactions, PairNoCompletionAfterTheLastByteWhoseByteCountIsItsOwn) {
+    Waves waves = SplitRead();
+    waves.At(2, "AD", requester | 4); // 4 bytes are requested
+    const auto transactions = waves.At(7, "AD", 1U << 31 | 0x00FF0000 | 4).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, 1U);
+    EXPECT_EQ(transactions.at(2).splitRequest, std::nullopt);
+}
+
 TEST_F(PciXTransactions, PairNoCompletionOfAnotherRequester) {
     Waves waves = SplitRead();
     const auto transactions = waves.At(6, "AD", requester ^ 1U << 24).Transactions();
