@@ -105,7 +105,12 @@ private:
     void Access(const Kind& kind) {
         const bool read = Pick(2) == 0;
         const bool addressOnly = Pick(20) == 0 && kind.digits != 16 && kind.digits != 10;
-        const Size& size = sizes[Pick(3) == 0 ? Pick(std::size(sizes)) : 0];
+        // Boards that use 40 bits have 16 data lines; 32 bits of data need address lines too.
+        const bool isNarrow = kind.digits == 10;
+        Size size = sizes[Pick(3) == 0 ? Pick(std::size(sizes)) : 0];
+        if (isNarrow && size.longWord && (size.a1 || size.strobes != 3)) {
+            size = sizes[0];
+        }
         std::uint64_t address = kind.digits == 16 ? Words() : Words() >> (64 - 4 * kind.digits);
         address = (address & ~std::uint64_t{3}) | (size.a1 ? 2 : 0);
         Record record = idle_;
@@ -129,15 +134,23 @@ private:
         End(record, deed);
     }
 
-    void Transfers(const Kind& kind, const Size& size, Deed& deed, Record& record) {
+    void Transfers(const Kind& kind, Size size, Deed& deed, Record& record) {
         const unsigned count = kind.isBlock ? 1 + Pick(12) : 1;
+        const bool isMultiplexed = kind.digits == 10 && size.longWord;
         const Way way = Pick(5) == 0 ? static_cast<Way>(1 + Pick(3)) : Way::Complete;
         for (unsigned i = 0; i < count; ++i) {
             const std::uint64_t value = Words();
             SetField(record, bitData, 32, value);
-            if (kind.isWideBlock) {
+            if (kind.isWideBlock || isMultiplexed) {
                 SetField(record, bitAddress, 32, value >> 32);
                 SetBit(record, bits_.lword, (value >> 32 & 1) != 0);
+            } else if (i > 0 && Pick(2) == 0) {
+                // The address with its size is over after the first beat.
+                SetField(record, bitAddress, 32, Word());
+                SetBit(record, bits_.lword, Pick(2) == 0);
+            }
+            if (i > 0 && size.width == 2 && size.strobes != 3) {
+                size = {3U - size.strobes, false, size.a1, 2, 3U - size.lanes}; // the next byte
             }
             const Way answer = i + 1 == count ? way : Way::Complete;
             const unsigned strobes = kind.isWideBlock ? 3 : size.strobes;
@@ -153,7 +166,10 @@ private:
             } else if (!kind.isLock) {
                 const unsigned width = kind.isWideBlock ? 8 : size.width;
                 const unsigned lanes = kind.isWideBlock ? 0xFF : size.lanes;
-                const std::uint64_t shown = kind.isWideBlock ? value : value & 0xFFFFFFFF;
+                const std::uint64_t shown = kind.isWideBlock ? value
+                                            : isMultiplexed
+                                                ? (value >> 32 & 0xFFFF) << 16 | (value & 0xFFFF)
+                                                : value & 0xFFFFFFFF;
                 deed.transfers.push_back({acknowledge, HexText(shown, width, lanes),
                                           static_cast<unsigned>(std::popcount(lanes)), strobe});
             }
@@ -215,12 +231,17 @@ private:
         Record record = idle_;
         SetField(record, bitAddress, 32, 0xFFFFFFF0U | level << 1);
         SetBit(record, bits_.iack, false);
+        const unsigned bytes = 1U << Pick(3); // of the vector
+        SetBit(record, bits_.lword, bytes != 4);
         Deed& deed = Begin(record, lark_ ? "IACK" : "Interrupt", AddressText(level, 1));
         const std::uint32_t vector = Word();
         SetField(record, bitData, 32, vector);
-        const auto [strobe, acknowledge] = Strobe(record, 1, Way::Complete);
+
+        const auto [strobe, acknowledge] = Strobe(record, bytes == 1 ? 1 : 3, Way::Complete);
         deed.last = acknowledge;
-        deed.transfers.push_back({acknowledge, HexText(vector, 2, 1), 1, strobe});
+        const unsigned width = bytes == 4 ? 4 : 2;
+        deed.transfers.push_back(
+            {acknowledge, HexText(vector, width, (1U << bytes) - 1), bytes, strobe});
         End(record, deed);
     }
 

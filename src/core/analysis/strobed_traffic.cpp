@@ -68,9 +68,7 @@ void StrobedTraffic::Begin(const TimedSample& sample) {
     sum.command = CommandAt(sample.record);
     sum.address = AddressAt(sum.command, sample.record);
     open_->addressDue = FirstStrobeIsAddress(sum.command);
-    if (IsOther(sum.command)) {
-        BeginOther(sample, sum);
-    }
+    Latch(sample, sum);
 }
 
 void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
@@ -80,12 +78,14 @@ void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
     // A strobe already asserted before the address strobe belongs to the previous transaction.
     if (!before_.HasData()) {
         waiting_ = true;
+        strobes_ = 0;
         strobeTime_ = sample.time;
         if (!open_->strobed) {
             open_->strobed = true;
             open_->sum.command = CommandAtStrobe(open_->sum.command, sample.record);
         }
     }
+    strobes_ |= lines.strobes;
     TakeAnswer(sample, lines);
 }
 
@@ -128,18 +128,16 @@ void StrobedTraffic::TakeAcknowledge(const TimedSample& sample) {
     if (!CarriesData(sum.command)) {
         return;
     }
-    AddData(sum, WordOf(sum.command, sample.record), BytesOf(sum.command, sample.record),
-            sample.time);
+    AddData(sum, BeatOf(sum.command, strobes_, sample.record), sample.time);
     ++sum.acknowledgeTime.transfers;
     sum.acknowledgeTime.total =
         AddTimes(sum.acknowledgeTime.total, AddTimes(sample.time, -strobeTime_));
 }
 
-void StrobedTraffic::AddData(Transaction& transaction, const DataWord& word, std::uint32_t bytes,
-                             std::int64_t time) const {
+void StrobedTraffic::AddData(Transaction& transaction, const Beat& beat, std::int64_t time) const {
     ++transaction.dataPhases;
-    transaction.bytes += bytes;
-    AddWord(transaction, word);
+    transaction.bytes += beat.bytes;
+    AddWord(transaction, beat.word);
     if (!transaction.firstData) {
         transaction.firstData = time;
     }

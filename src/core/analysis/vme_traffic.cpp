@@ -169,30 +169,51 @@ private:
         return (command & interruptBit) != 0 || !IsLock(command & modifierMask);
     }
 
-    DataWord WordOf(std::uint32_t command, const SampleRecord& record) const override {
-        if ((command & interruptBit) == 0 && IsWideBlock(command & modifierMask)) {
+    /// LWORD and A1 tell the size of a transfer with the address. They may change afterwards: in
+    /// some blocks they carry data.
+    void Latch(const TimedSample& sample, const Transaction& transaction) override {
+        isLongWord_ = longWord_.IsAsserted(sample.record);
+        a1_ = sample.record.Bit(address_.DataIndex() + 1);
+        if (IsOther(transaction.command)) {
+            twoEdge_ = TwoEdgeAt(transaction.command, sample.record);
+        }
+    }
+
+    Beat BeatOf(std::uint32_t command, std::uint32_t strobes,
+                const SampleRecord& record) const override {
+        const DataWord word = WordOf(command, strobes, record);
+        return {word, static_cast<std::uint32_t>(std::popcount(word.lanes))};
+    }
+    [[nodiscard]] DataWord WordOf(std::uint32_t command, std::uint32_t strobes,
+                                  const SampleRecord& record) const {
+        const std::uint32_t modifier = command & modifierMask;
+        const bool isInterrupt = (command & interruptBit) != 0;
+        const bool both = std::popcount(strobes) == 2;
+        const std::uint64_t data = address_.Word(record) >> 32;
+        if (!isInterrupt && IsWideBlock(modifier)) {
             return {WideData(record), 8, 0xFF};
         }
-        const std::uint64_t data = address_.Word(record) >> 32;
-        const std::uint8_t lanes = LanesOf(record);
-        constexpr std::uint8_t lowLanes = 0x3;
-        return lanes <= lowLanes ? DataWord{data & 0xFFFF, 2, lanes} : DataWord{data, 4, lanes};
-    }
-    std::uint32_t BytesOf(std::uint32_t command, const SampleRecord& record) const override {
-        return static_cast<std::uint32_t>(std::popcount(WordOf(command, record).lanes));
-    }
-    [[nodiscard]] std::uint8_t LanesOf(const SampleRecord& record) const {
-        constexpr std::uint32_t upperStrobe = 2;
-        const std::uint32_t strobes = dataStrobes_.Asserted(record);
-        const bool both = std::popcount(strobes) == 2;
-        if (!longWord_.IsAsserted(record)) {
-            return both ? 0x3 : strobes == upperStrobe ? 0x2 : 0x1;
+        if (isInterrupt && both && isLongWord_) {
+            return {data, 4, 0xF}; // A1 is a bit of the level
         }
-        if (!both) {
+        if (!isInterrupt && AddressBits(modifier) == 40) { // for boards with 16 data lines
+            return both && isLongWord_ ? SmallWideData(record)
+                                       : DataWord{data & 0xFFFF, 2, ShortLanes(strobes)};
+        }
+        if (isLongWord_) {
+            return {data, 4, LongLanes(strobes)};
+        }
+        return {data & 0xFFFF, 2, ShortLanes(strobes)};
+    }
+    static constexpr std::uint32_t upperStrobe = 2;
+    [[nodiscard]] static std::uint8_t ShortLanes(std::uint32_t strobes) {
+        return strobes == upperStrobe ? 0x2 : strobes == 1 ? 0x1 : 0x3;
+    }
+    [[nodiscard]] std::uint8_t LongLanes(std::uint32_t strobes) const {
+        if (std::popcount(strobes) != 2) {
             return strobes == upperStrobe ? 0xE : 0x7; // unaligned
         }
-        const bool a1 = record.Bit(address_.DataIndex() + 1);
-        return a1 ? 0x6 : 0xF; // the two middle bytes, or all
+        return a1_ ? 0x6 : 0xF; // the two middle bytes, or all
     }
     /// 64 bits: the upper half is on the address lines, its lowest bit on LWORD.
     [[nodiscard]] std::uint64_t WideData(const SampleRecord& record) const {
@@ -200,6 +221,11 @@ private:
         const std::uint64_t upper =
             (lines & lowWord & ~std::uint64_t{1}) | (longWord_.IsHigh(record) ? 1U : 0U);
         return upper << 32 | lines >> 32;
+    }
+    /// 32 bits of boards with 16 data lines: the upper half is on the address lines.
+    [[nodiscard]] DataWord SmallWideData(const SampleRecord& record) const {
+        const std::uint64_t wide = WideData(record);
+        return {(wide >> 32 & 0xFFFF) << 16 | (wide & 0xFFFF), 4, 0xF};
     }
 
     bool IsRetry(const SampleRecord& record) const override { return retry_.IsAsserted(record); }
@@ -210,13 +236,14 @@ private:
     bool IsOther(std::uint32_t command) const override {
         return (command & interruptBit) == 0 && IsTwoEdge(command & modifierMask);
     }
-    void BeginOther(const TimedSample& sample, Transaction& transaction) override {
-        const std::uint64_t extended = address_.Word(sample.record) & 0xFF;
-        twoEdge_ = {};
-        twoEdge_.isSourceSynchronous = (extended & 0x30) != 0;
-        twoEdge_.hasWideAddress = (extended & 0x0F) == 2;
-        twoEdge_.isSmall = (transaction.command & modifierMask) == smallTwoEdge;
-        twoEdge_.retry = retry_.IsAsserted(sample.record);
+    [[nodiscard]] TwoEdgeState TwoEdgeAt(std::uint32_t command, const SampleRecord& record) const {
+        const std::uint64_t extended = address_.Word(record) & 0xFF;
+        TwoEdgeState state;
+        state.isSourceSynchronous = (extended & 0x30) != 0;
+        state.hasWideAddress = (extended & 0x0F) == 2;
+        state.isSmall = (command & modifierMask) == smallTwoEdge;
+        state.retry = retry_.IsAsserted(record);
+        return state;
     }
     void TakeOther(const TimedSample& sample, const Lines& lines, const Lines& before,
                    StrobedTransaction& open) override {
@@ -270,7 +297,8 @@ private:
         if (!moves) {
             return;
         }
-        AddData(sum, TwoEdgeWord(sample.record), state.isSmall ? 4 : 8, sample.time);
+        const DataWord word = TwoEdgeWord(sample.record);
+        AddData(sum, {word, word.width}, sample.time);
         if (std::exchange(state.waiting, false)) {
             ++sum.acknowledgeTime.transfers;
             sum.acknowledgeTime.total =
@@ -278,11 +306,7 @@ private:
         }
     }
     [[nodiscard]] DataWord TwoEdgeWord(const SampleRecord& record) const {
-        const std::uint64_t wide = WideData(record);
-        if (!twoEdge_.isSmall) {
-            return {wide, 8, 0xFF};
-        }
-        return {(wide >> 32 & 0xFFFF) << 16 | (wide & 0xFFFF), 4, 0xF};
+        return twoEdge_.isSmall ? SmallWideData(record) : DataWord{WideData(record), 8, 0xFF};
     }
     bool IsOtherWaiting() const override { return twoEdge_.waiting; }
 
@@ -301,6 +325,8 @@ private:
 
     SignalLine modifier_, write_, longWord_, interrupt_, retry_, address_;
     std::shared_ptr<const CDecodedSignalDef> modifiers_, commands_;
+    bool isLongWord_ = false; // of the transaction in progress
+    bool a1_ = false;
     TwoEdgeState twoEdge_;
 };
 

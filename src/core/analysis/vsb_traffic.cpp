@@ -49,12 +49,10 @@ private:
     bool CarriesData(std::uint32_t /*command*/) const override { return true; }
 
     /// Which lanes carry the bytes depends on the target too, so all are shown.
-    DataWord WordOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
-        return {lines_.Value(record), 4, 0xF};
-    }
-    std::uint32_t BytesOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
+    Beat BeatOf(std::uint32_t /*command*/, std::uint32_t /*strobes*/,
+                const SampleRecord& record) const override {
         constexpr std::array<std::uint32_t, 4> bytes = {4, 1, 2, 3};
-        return bytes[size_.Value(record)];
+        return {{lines_.Value(record), 4, 0xF}, bytes[size_.Value(record)]};
     }
 
     TransactionEnd MeaningOfError(const SampleRecord& /*record*/) const override {

@@ -296,6 +296,46 @@ TEST_F(VmeTransactions, TellTheLevelOfAnInterruptAcknowledge) {
     EXPECT_EQ(transactions.at(0).address, 5U);
 }
 
+TEST_F(VmeTransactions, TakeTheSizeOfABlockFromItsAddress) {
+    // LWORD and A1 are not driven any more after the first beat.
+    Waves waves = Access("~______~~", "~~__~__~~", "~~~_~~_~~", 0x0B);
+    const auto transactions =
+        waves.At(5, "LWORD", 1).At(6, "LWORD", 1).At(6, "AD", 2).Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    EXPECT_EQ(transactions[0].words.at(1).lanes, 0xF);
+    EXPECT_EQ(transactions[0].bytes, 8U);
+}
+
+TEST_F(VmeTransactions, TakeTheLanesOfEachBeatFromItsStrobes) {
+    // A block of bytes: the even one is on DS1, the odd one on DS0.
+    Waves waves = Access("~______~~", "~~~~~~~~~", "~~~_~~_~~", 0x0B);
+    waves.Line("DS", "~~~~~__~~").Line("DS", "~~__~~~~~", 1).Set("LWORD", 1);
+    const auto transactions = waves.Transactions();
+    ASSERT_EQ(transactions.at(0).words.size(), 2U);
+    EXPECT_EQ(transactions[0].words[0].lanes, 0x2);
+    EXPECT_EQ(transactions[0].words[1].lanes, 0x1);
+    EXPECT_EQ(transactions[0].bytes, 2U);
+}
+
+TEST_F(VmeTransactions, TellAllBytesOfAStatusThatIs32BitsWide) {
+    // A1 is a bit of the level, here of level 1.
+    Waves waves = Access("~___~", "~~__~", "~~~_~");
+    waves.Line("IACK", "~___~").Set("AD", 0xFFFFFFF2);
+    EXPECT_EQ(waves.Transactions().at(0).bytes, 4U);
+}
+
+TEST_F(VmeTransactions, TakeTheUpperHalfOf40BitBlocksFromTheAddressLines) {
+    // The first strobe carries the upper part of the address; the upper data lines do not exist.
+    Waves waves = Access("~_______~~", "~~__~~__~~", "~~~_~~~_~~", 0x37);
+    waves.Set("AD", 0x00ABCDE0).At(7, "AD", 0xFFFF1234).At(7, "LWORD", 1);
+    const auto transactions = waves.Transactions();
+    ASSERT_EQ(transactions.at(0).words.size(), 1U);
+    EXPECT_EQ(transactions[0].words[0], (DataWord{0x12350000, 4, 0xF}));
+    // Without LWORD, the data lines carry two bytes.
+    Waves narrow = Access("~_______~~", "~~__~~__~~", "~~~_~~~_~~", 0x34);
+    EXPECT_EQ(narrow.Set("LWORD", 1).Transactions().at(0).words.at(0), (DataWord{0, 2, 0x3}));
+}
+
 TEST_F(VmeTransactions, CallABlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
     const auto transactions =
         Access("~_________~~", "~~__~~____~~", "~~~_~~~~~~~~", 0x0B).Transactions();
