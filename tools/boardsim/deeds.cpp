@@ -109,7 +109,8 @@ private:
         Cell(std::to_string(static_cast<std::int64_t>(first - shown_.first) -
                             static_cast<std::int64_t>(trigger_)));
         Cell(std::to_string(times_[first]));
-        Cell(begins ? deed.command : "");
+        const bool isModified = deed.modifies && deed.modifies->sample <= last;
+        Cell(!begins ? "" : isModified ? deed.modifies->command : deed.command);
         Cell(begins ? deed.address : "");
         AddNumbers(deed, first, last, begins);
         if (begins) {

@@ -21,7 +21,14 @@ struct Deed {
         std::optional<std::size_t> strobe; // the sample of its strobe, if someone waited for it
     };
 
+    /// What becomes of the command at a later sample.
+    struct Change {
+        std::size_t sample = 0;
+        std::string command;
+    };
+
     std::string command;
+    std::optional<Change> modifies;
     std::string address;
     std::string end;
     std::size_t first = 0; // samples

@@ -129,9 +129,23 @@ private:
                 deed.toldBy = kind.digits >= 10 ? deed.last : deed.toldBy;
                 deed.last = Release(record);
             }
+            const bool modifies = !kind.isBlock && !kind.isLock && read && Pick(6) == 0;
             Transfers(kind, size, deed, record);
+            if (modifies && deed.end == "complete") {
+                Modify(kind, size, deed, record);
+            }
         }
         End(record, deed);
+    }
+
+    /// What was read is written under the same address.
+    void Modify(const Kind& kind, const Size& size, Deed& deed, Record& record) {
+        if (GetField(record, bits_.ds, 2) != 3) {
+            deed.last = Release(record);
+        }
+        SetBit(record, bits_.write, false);
+        deed.modifies = {samples_.size(), std::string(kind.name) + " RMW"}; // the next strobe
+        Transfers(kind, size, deed, record);
     }
 
     void Transfers(const Kind& kind, Size size, Deed& deed, Record& record) {

@@ -80,10 +80,9 @@ void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
         waiting_ = true;
         strobes_ = 0;
         strobeTime_ = sample.time;
-        if (!open_->strobed) {
-            open_->strobed = true;
-            open_->sum.command = CommandAtStrobe(open_->sum.command, sample.record);
-        }
+        Transaction& sum = open_->sum;
+        sum.command = CommandAtStrobe(sum.command, !open_->strobed, sample.record);
+        open_->strobed = !open_->addressDue;
     }
     strobes_ |= lines.strobes;
     TakeAnswer(sample, lines);

@@ -55,8 +55,8 @@ protected:
 
     /// The command on the lines at the address strobe.
     [[nodiscard]] virtual std::uint32_t CommandAt(const SampleRecord& record) const = 0;
-    /// The same at the first data strobe.
-    [[nodiscard]] virtual std::uint32_t CommandAtStrobe(std::uint32_t command,
+    /// The same at a data strobe; `isFirst` unless data were strobed before.
+    [[nodiscard]] virtual std::uint32_t CommandAtStrobe(std::uint32_t command, bool isFirst,
                                                         const SampleRecord& record) const = 0;
     [[nodiscard]] virtual std::uint64_t AddressAt(std::uint32_t command,
                                                   const SampleRecord& record) const = 0;

@@ -12,10 +12,11 @@ namespace busquill {
 
 namespace {
 
-// A command's number: the address modifier and two levels above it.
+// A command's number: the address modifier, two levels above it, and a mark.
 constexpr std::uint32_t modifierMask = 0x3F;
 constexpr std::uint32_t readBit = 0x40;
 constexpr std::uint32_t interruptBit = 0x80;
+constexpr std::uint32_t modifyBit = 0x100; // a read with a write after it
 
 bool IsOneOf(std::uint32_t modifier, std::initializer_list<std::uint32_t> modifiers) {
     return std::find(modifiers.begin(), modifiers.end(), modifier) != modifiers.end();
@@ -99,7 +100,9 @@ public:
         const auto label = FindLabel(*modifiers_, modifier);
         const std::string text = label ? label->text : Printf("AM %02X", modifier);
         const std::size_t row = label ? label->row : modifiers_->values.size() + modifier;
-        return {row, text + (read ? " Rd" : " Wr")}; // the label of reads comes first
+        const bool modifies = (command & modifyBit) != 0;
+        // The label of reads comes first.
+        return {row, text + (modifies ? " RMW" : read ? " Rd" : " Wr")};
     }
 
     [[nodiscard]] int AddressDigits(const Transaction& transaction) const override {
@@ -114,16 +117,22 @@ public:
 private:
     std::uint32_t CommandAt(const SampleRecord& record) const override {
         // For an interrupt acknowledge, neither modifier nor direction is part of the command.
-        return interrupt_.IsAsserted(record) ? interruptBit
-                                             : CommandAtStrobe(modifier_.Value(record), record);
+        return interrupt_.IsAsserted(record)
+                   ? interruptBit
+                   : CommandAtStrobe(modifier_.Value(record), true, record);
     }
-    /// The direction need not be valid before the data strobe.
-    std::uint32_t CommandAtStrobe(std::uint32_t command,
+    /// The direction need not be valid before the data strobe. If a write follows a read under one
+    /// address, the location is read, modified and written.
+    std::uint32_t CommandAtStrobe(std::uint32_t command, bool isFirst,
                                   const SampleRecord& record) const override {
         if ((command & interruptBit) != 0) {
             return command;
         }
-        return (command & modifierMask) | (write_.IsAsserted(record) ? 0 : readBit);
+        const bool isWrite = write_.IsAsserted(record);
+        if (!isFirst) {
+            return isWrite && (command & readBit) != 0 ? command | modifyBit : command;
+        }
+        return (command & modifierMask) | (isWrite ? 0 : readBit);
     }
 
     /// For an interrupt acknowledge, its level.
@@ -252,7 +261,7 @@ private:
         const bool retry = retry_.IsAsserted(sample.record);
         if (frames && !open.strobed) {
             open.strobed = true;
-            open.sum.command = CommandAtStrobe(open.sum.command, sample.record);
+            open.sum.command = CommandAtStrobe(open.sum.command, true, sample.record);
         }
         if (!open.sum.HasEnd() && ((retry && !state.retry) || (lines.error && !before.error))) {
             open.sum.end = !retry                     ? TransactionEnd::BusError

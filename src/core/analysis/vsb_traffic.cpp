@@ -34,7 +34,7 @@ private:
     std::uint32_t CommandAt(const SampleRecord& record) const override {
         return space_.Value(record) | (write_.IsAsserted(record) ? 0 : readBit);
     }
-    std::uint32_t CommandAtStrobe(std::uint32_t command,
+    std::uint32_t CommandAtStrobe(std::uint32_t command, bool /*isFirst*/,
                                   const SampleRecord& /*record*/) const override {
         return command;
     }
