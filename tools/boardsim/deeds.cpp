@@ -135,7 +135,8 @@ private:
                           [](const Doer::Sample& sample) { return sample.hasFinding; })));
         for (const Deed::Transfer& each : deed.transfers) {
             if (begins && each.sample <= last) {
-                text_ += (&each == &deed.transfers.front() ? "" : " ") + each.text;
+                text_ += &each == &deed.transfers.front() ? "" : " ";
+                text_ += each.settledBy <= last ? each.text : each.early;
             }
         }
         text_ += '\n';

@@ -19,6 +19,8 @@ struct Deed {
         std::string text; // hexadecimal, "--" for a byte that did not move
         unsigned bytes = 0;
         std::optional<std::size_t> strobe; // the sample of its strobe, if someone waited for it
+        std::size_t settledBy = 0;         // the sample from which on the lines show it
+        std::string early = {};            // what they show before
     };
 
     /// What becomes of the command at a later sample.

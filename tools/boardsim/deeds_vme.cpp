@@ -1,6 +1,7 @@
 #include "deeds.h"
 #include "lines.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace boardsim {
@@ -150,6 +151,7 @@ private:
 
     void Transfers(const Kind& kind, Size size, Deed& deed, Record& record) {
         const unsigned count = kind.isBlock ? 1 + Pick(12) : 1;
+        const bool read = GetBit(record, bits_.write);
         const bool isMultiplexed = kind.digits == 10 && size.longWord;
         const Way way = Pick(5) == 0 ? static_cast<Way>(1 + Pick(3)) : Way::Complete;
         for (unsigned i = 0; i < count; ++i) {
@@ -168,8 +170,10 @@ private:
             }
             const Way answer = i + 1 == count ? way : Way::Complete;
             const unsigned strobes = kind.isWideBlock ? 3 : size.strobes;
-            const auto [strobe, acknowledge] = Strobe(record, strobes, answer);
-            deed.last = acknowledge;
+            const auto [strobe, acknowledge] = answer == Way::Complete
+                                                   ? StrobeData(record, strobes, deed)
+                                                   : Strobe(record, strobes, answer);
+            deed.last = std::max(deed.last, acknowledge);
             if (answer != Way::Complete) {
                 deed.end = answer == Way::BusError ? "bus-error"
                            : answer == Way::Retry  ? "retry"
@@ -180,12 +184,13 @@ private:
             } else if (!kind.isLock) {
                 const unsigned width = kind.isWideBlock ? 8 : size.width;
                 const unsigned lanes = kind.isWideBlock ? 0xFF : size.lanes;
-                const std::uint64_t shown = kind.isWideBlock ? value
-                                            : isMultiplexed
-                                                ? (value >> 32 & 0xFFFF) << 16 | (value & 0xFFFF)
-                                                : value & 0xFFFFFFFF;
-                deed.transfers.push_back({acknowledge, HexText(shown, width, lanes),
+                const auto text = [&](std::uint64_t lines) {
+                    const std::uint64_t small = (lines >> 32 & 0xFFFF) << 16 | (lines & 0xFFFF);
+                    return HexText(isMultiplexed ? small : lines, width, lanes);
+                };
+                deed.transfers.push_back({acknowledge, text(value),
                                           static_cast<unsigned>(std::popcount(lanes)), strobe});
+                AddEarly(deed, read, text);
             }
             if (i + 1 < count || Pick(2) == 0) {
                 deed.last = Release(record);
@@ -216,9 +221,45 @@ private:
         return {*strobe, Tell(record)};
     }
 
+    /// The same for data. What is read may settle after the acknowledge; what is written may be
+    /// over then.
+    std::pair<std::size_t, std::size_t> StrobeData(Record& record, unsigned strobes, Deed& deed) {
+        if (Pick(3) != 0) {
+            const auto told = Strobe(record, strobes, Way::Complete);
+            deed.last = told.second;
+            return told;
+        }
+        const bool isRead = GetBit(record, bits_.write) || !GetBit(record, bits_.iack);
+        Record other = record;
+        SetField(other, bitData, 32, Word());
+        SetField(other, bitAddress, 32, Word());
+        const auto told = Strobe(isRead ? other : record, strobes, Way::Complete);
+        SetField(record, bits_.ds, 2, ~strobes);
+        SetBit(record, bits_.dtack, false);
+        SetField(other, bits_.ds, 2, ~strobes);
+        SetBit(other, bits_.dtack, false);
+        deed.last = Tell(isRead ? record : other);
+        return told;
+    }
+
+    /// What the lines show before the data of the last transfer settle.
+    template <typename Text>
+    void AddEarly(Deed& deed, bool read, const Text& text) {
+        Deed::Transfer& last = deed.transfers.back();
+        if (!read || deed.last == last.sample) {
+            return;
+        }
+        const Record& record = samples_[last.sample].record;
+        const std::uint64_t low = GetBit(record, bits_.lword) ? 1 : 0;
+        const std::uint64_t upper = (GetField(record, bitAddress, 32) & ~std::uint64_t{1}) | low;
+        last.early = text(upper << 32 | GetField(record, bitData, 32));
+        last.settledBy = deed.last;
+    }
+
     /// Strobes and answer are released.
     std::size_t Release(Record& record) {
         SetField(record, bits_.ds, 2, 3);
+        SetField(record, bitData, 32, Word());
         if (Pick(2) == 0) {
             Tell(record);
         }
@@ -251,11 +292,12 @@ private:
         const std::uint32_t vector = Word();
         SetField(record, bitData, 32, vector);
 
-        const auto [strobe, acknowledge] = Strobe(record, bytes == 1 ? 1 : 3, Way::Complete);
-        deed.last = acknowledge;
+        const auto [strobe, acknowledge] = StrobeData(record, bytes == 1 ? 1 : 3, deed);
         const unsigned width = bytes == 4 ? 4 : 2;
         deed.transfers.push_back(
             {acknowledge, HexText(vector, width, (1U << bytes) - 1), bytes, strobe});
+        AddEarly(deed, true,
+                 [&](std::uint64_t lines) { return HexText(lines, width, (1U << bytes) - 1); });
         End(record, deed);
     }
 

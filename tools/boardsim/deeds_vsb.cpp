@@ -61,8 +61,15 @@ public:
                 deed.endToldBy = deed.last = Tell(record);
             } else if (!isLast || outcome != 1) {
                 SetBit(record, bitAck, false);
-                deed.last = Tell(record);
-                deed.transfers.push_back({deed.last, HexText(value, 4), bytesOfSize[size], strobe});
+                const std::size_t acknowledge = Acknowledge(record, value, read, deed);
+                deed.transfers.push_back(
+                    {acknowledge, HexText(value, 4), bytesOfSize[size], strobe});
+                if (read && deed.last != acknowledge) {
+                    Deed::Transfer& transfer = deed.transfers.back();
+                    const Record& early = samples_[acknowledge].record;
+                    transfer.early = HexText(GetField(early, bitAd, 32), 4);
+                    transfer.settledBy = deed.last;
+                }
             }
             SetBit(record, bitDs, true);
             SetBit(record, bitAck, true);
@@ -75,6 +82,19 @@ public:
     bool NeedsSampleBefore() const override { return true; }
 
 private:
+    /// What is read may settle after the acknowledge; what is written may be over then.
+    std::size_t Acknowledge(Record& record, std::uint32_t value, bool read, Deed& deed) {
+        const bool isLong = Pick(3) == 0;
+        if (isLong && read) {
+            SetField(record, bitAd, 32, Word());
+        }
+        const std::size_t acknowledge = deed.last = Tell(record);
+        if (isLong) {
+            SetField(record, bitAd, 32, read ? value : Word());
+            deed.last = Tell(record);
+        }
+        return acknowledge;
+    }
     std::size_t Tell(const Record& record) { return Put(record, 5 + Pick(100)); }
 
     Record idle_{};

@@ -68,11 +68,13 @@ void StrobedTraffic::Begin(const TimedSample& sample) {
     sum.command = CommandAt(sample.record);
     sum.address = AddressAt(sum.command, sample.record);
     open_->addressDue = FirstStrobeIsAddress(sum.command);
+    settling_ = false;
     Latch(sample, sum);
 }
 
 void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
-    if (!lines.HasData()) {
+    TakeSettled(sample, lines);
+    if (!lines.HasData() && !before_.HasData()) {
         return;
     }
     // A strobe already asserted before the address strobe belongs to the previous transaction.
@@ -88,13 +90,23 @@ void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
     TakeAnswer(sample, lines);
 }
 
+/// The target may drive the data it gives a little after its acknowledge arrives, and holds them
+/// until a strobe is released. So the last sample before that has them, if there are several.
+void StrobedTraffic::TakeSettled(const TimedSample& sample, const Lines& lines) {
+    settling_ = settling_ && lines.strobes == before_.strobes && lines.acknowledge;
+    Transaction& sum = open_->sum;
+    if (settling_ && sum.words.size() == sum.dataPhases) {
+        sum.words.back() = BeatOf(sum.command, strobes_, sample.record).word;
+    }
+}
+
 void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
     if (!waiting_) {
         return;
     }
     if (lines.acknowledge && !before_.acknowledge) {
         waiting_ = false;
-        TakeAcknowledge(sample);
+        TakeAcknowledge(sample, lines);
     } else if ((lines.error && !before_.error) || (lines.retry && !before_.retry)) {
         waiting_ = false;
         if (!open_->sum.HasEnd()) {
@@ -106,27 +118,23 @@ void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
 /// With a slow sample clock, a strobe may be answered in the sample in which the address strobe is
 /// already over.
 void StrobedTraffic::TakeLateAnswer(const TimedSample& sample, const Lines& lines) {
-    if (!waiting_ || !open_ || open_->sum.isHeadless || IsOther(open_->sum.command)) {
-        return;
+    if (open_ && !open_->sum.isHeadless && !IsOther(open_->sum.command)) {
+        TakeAnswer(sample, lines);
     }
-    const bool isAcknowledged = lines.acknowledge && !before_.acknowledge;
-    if (isAcknowledged && !lines.HasData()) {
-        waiting_ = false; // the strobe, which tells the lanes of the data, is over too
-        return;
-    }
-    TakeAnswer(sample, lines);
 }
 
-void StrobedTraffic::TakeAcknowledge(const TimedSample& sample) {
+void StrobedTraffic::TakeAcknowledge(const TimedSample& sample, const Lines& lines) {
     Transaction& sum = open_->sum;
     if (open_->addressDue) {
         open_->addressDue = false;
         sum.address = CompleteAddress(sum, sample.record);
         return;
     }
-    if (!CarriesData(sum.command)) {
+    // If the strobe is already over, so are the data.
+    if (!CarriesData(sum.command) || !lines.HasData()) {
         return;
     }
+    settling_ = IsRead(sum.command, sample.record);
     AddData(sum, BeatOf(sum.command, strobes_, sample.record), sample.time);
     ++sum.acknowledgeTime.transfers;
     sum.acknowledgeTime.total =

@@ -69,6 +69,8 @@ protected:
     /// What an acknowledged strobe moves. `strobes` are those that were asserted for it.
     [[nodiscard]] virtual Beat BeatOf(std::uint32_t command, std::uint32_t strobes,
                                       const SampleRecord& record) const = 0;
+    /// Whether a strobe asks for data, rather than bringing them.
+    [[nodiscard]] virtual bool IsRead(std::uint32_t command, const SampleRecord& record) const = 0;
     /// Keeps what is valid at the address strobe only.
     virtual void Latch(const TimedSample& /*sample*/, const Transaction& /*transaction*/) {}
     /// Whether the target refuses the transaction for now.
@@ -92,7 +94,8 @@ private:
     void TakeStrobe(const TimedSample& sample, const Lines& lines);
     void TakeAnswer(const TimedSample& sample, const Lines& lines);
     void TakeLateAnswer(const TimedSample& sample, const Lines& lines);
-    void TakeAcknowledge(const TimedSample& sample);
+    void TakeAcknowledge(const TimedSample& sample, const Lines& lines);
+    void TakeSettled(const TimedSample& sample, const Lines& lines);
     Transaction* Close();
 
     SignalLine dataStrobes_, addressStrobe_, acknowledge_, error_;
@@ -104,6 +107,7 @@ private:
     bool waiting_ = false;      // for the answer to a strobe of the open transaction
     std::uint32_t strobes_ = 0; // that were asserted since it began
     std::int64_t strobeTime_ = 0;
+    bool settling_ = false; // data that are read may still change
 };
 
 } // namespace busquill

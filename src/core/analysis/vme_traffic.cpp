@@ -237,6 +237,10 @@ private:
         return {(wide >> 32 & 0xFFFF) << 16 | (wide & 0xFFFF), 4, 0xF};
     }
 
+    bool IsRead(std::uint32_t command, const SampleRecord& record) const override {
+        return (command & interruptBit) != 0 || !write_.IsAsserted(record);
+    }
+
     bool IsRetry(const SampleRecord& record) const override { return retry_.IsAsserted(record); }
     TransactionEnd MeaningOfError(const SampleRecord& record) const override {
         return retry_.IsAsserted(record) ? TransactionEnd::Retry : TransactionEnd::BusError;

@@ -55,6 +55,9 @@ private:
         return {{lines_.Value(record), 4, 0xF}, bytes[size_.Value(record)]};
     }
 
+    bool IsRead(std::uint32_t command, const SampleRecord& /*record*/) const override {
+        return (command & readBit) != 0;
+    }
     TransactionEnd MeaningOfError(const SampleRecord& /*record*/) const override {
         return TransactionEnd::BusError;
     }

@@ -336,6 +336,32 @@ TEST_F(VmeTransactions, TakeTheUpperHalfOf40BitBlocksFromTheAddressLines) {
     EXPECT_EQ(narrow.Set("LWORD", 1).Transactions().at(0).words.at(0), (DataWord{0, 2, 0x3}));
 }
 
+TEST_F(VmeTransactions, TakeDataThatAreReadBeforeTheStrobeIsReleased) {
+    // The data settle in sample 4, and are gone in sample 6.
+    const auto transactions = [&](const char* write, const char* ds1) {
+        Waves waves = Access("~______~~", "~~____~~~", "~~~____~~", 0x09);
+        waves.Line("DS", ds1, 1).Line("WRITE", write);
+        for (const std::size_t sample : {2U, 3U, 4U, 5U, 6U}) {
+            waves.Word(sample, "AD", (0xD0ULL + sample) << 32); // the data lines are the upper half
+        }
+        return waves.Transactions();
+    };
+    constexpr const char* reads = "~~~~~~~~~";
+    EXPECT_EQ(transactions(reads, "~~____~~~").at(0).words.at(0).value, 0xD5U);
+    EXPECT_EQ(transactions(reads, "~~____~~~").at(0).Latency(), 20) << "the first sample tells";
+    EXPECT_EQ(transactions(reads, "~~___~~~~").at(0).words.at(0).value, 0xD4U) << "DS1 is over";
+    EXPECT_EQ(transactions("_________", "~~____~~~").at(0).words.at(0).value, 0xD3U)
+        << "the initiator may take written data away after the acknowledge";
+}
+
+TEST_F(VmeTransactions, TakeAnAnswerInTheSampleAfterTheStrobe) {
+    // First the address of 64 bits, then the data.
+    Waves waves = Access("~_______~", "~~_~~_~~~", "~~~_~~_~~", 0x01);
+    const auto transactions = waves.Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_EQ(transactions[0].dataPhases, 0U) << "the data are over too";
+}
+
 TEST_F(VmeTransactions, CallABlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
     const auto transactions =
         Access("~_________~~", "~~__~~____~~", "~~~_~~~~~~~~", 0x0B).Transactions();
