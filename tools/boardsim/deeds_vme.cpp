@@ -360,6 +360,12 @@ private:
             SetField(record, bitAddress, 32, value >> 32);
             SetBit(record, bits_.lword, (value >> 32 & 1) != 0);
             SetField(record, bitData, 32, value);
+            const bool stopsHere =
+                stop != Stop::Never && stop != Stop::NoAnswer && beat + 1 == count && Pick(2) == 0;
+            if (stopsHere) { // in the sample of the last beat
+                SetBit(record, stop == Stop::Retry ? bitRetry : bits_.berr, false);
+                deed.endToldBy = samples_.size();
+            }
             const std::size_t moved =
                 Edge(record, isSynchronous && !read ? bits_.ds + 1 : bits_.dtack);
             const std::uint64_t small = (value >> 32 & 0xFFFF) << 16 | (value & 0xFFFF);
@@ -368,7 +374,8 @@ private:
         }
         if (stop == Stop::Retry || stop == Stop::Error) {
             SetBit(record, stop == Stop::Retry ? bitRetry : bits_.berr, false);
-            deed.endToldBy = deed.last = Tell(record);
+            deed.last = Tell(record);
+            deed.endToldBy = deed.endToldBy.value_or(deed.last);
             SetBit(record, bitRetry, true);
             SetBit(record, bits_.berr, true);
             deed.end = stop == Stop::Error ? "bus-error"

@@ -267,12 +267,7 @@ private:
             open.strobed = true;
             open.sum.command = CommandAtStrobe(open.sum.command, true, sample.record);
         }
-        if (!open.sum.HasEnd() && ((retry && !state.retry) || (lines.error && !before.error))) {
-            open.sum.end = !retry                     ? TransactionEnd::BusError
-                           : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
-                                                      : TransactionEnd::Retry;
-            state.waiting = false;
-        }
+        const bool isRefused = (retry && !state.retry) || (lines.error && !before.error);
         state.retry = retry;
         if (open.sum.HasEnd()) {
             return;
@@ -286,6 +281,12 @@ private:
             }
         } else if (frames && (before.strobes & 1) != 0) {
             TakeEdges(sample, ((lines.strobes ^ before.strobes) & 2) != 0, isAcknowledge, open.sum);
+        }
+        if (isRefused) { // after the beat in the same sample, which moved
+            open.sum.end = !retry                     ? TransactionEnd::BusError
+                           : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
+                                                      : TransactionEnd::Retry;
+            state.waiting = false;
         }
     }
     void TakeAddressPhase(const SampleRecord& record, int phase, Transaction& sum) const {

@@ -467,6 +467,17 @@ TEST_F(VmeTransactions, EndA2eVmeBlockWithRetryOrError) {
     EXPECT_THAT(end("BERR", "~~~~~~~~~~~~~~____~~"), ElementsAre(TransactionEnd::BusError));
 }
 
+TEST_F(VmeTransactions, MoveTheBeatInTheSampleOfA2eVmeRefusal) {
+    // The last of four acknowledges falls together with the other line in sample 14.
+    for (const auto& [line, end] : {std::pair{"RETRY", TransactionEnd::DisconnectWithData},
+                                    {"BERR", TransactionEnd::BusError}}) {
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, "~~~__~~__~~__~____~~", 0x01);
+        const auto transactions = waves.Line(line, "~~~~~~~~~~~~~~____~~").Transactions();
+        ASSERT_THAT(Ends(transactions), ElementsAre(end)) << line;
+        EXPECT_EQ(transactions[0].dataPhases, 4U) << line;
+    }
+}
+
 TEST_F(VmeTransactions, CountDataOf2eVmeInTheStatistics) {
     const TraceSummary summary =
         TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x01).Summary();
