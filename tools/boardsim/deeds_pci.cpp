@@ -174,10 +174,18 @@ private:
             const bool isOver = ready && (plan.words == 1 || i + 1 == clocks);
             SetBit(record, bitIrdy, !ready);
             SetBit(record, bitFrame, isOver);
+            const unsigned lanes = Lanes(4);
+            SetField(record, bitCbe, wide_ ? 8 : 4, ~lanes);
+            const std::string data = Data(record, 4, lanes);
             deed.last = Clock(record);
-            deed.waits.push_back(deed.last);
             if (!ready) {
                 deed.initiatorWaits.push_back(deed.last);
+            }
+            if (plan.command != cmdSpecial) { // all take part in it, and nobody answers
+                deed.waits.push_back(deed.last);
+            } else if (i == late) {
+                deed.transfers.push_back(
+                    {deed.last, data, static_cast<unsigned>(std::popcount(lanes)), {}});
             }
         }
         backToBack_ = false;

@@ -101,11 +101,14 @@ Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
     if (!open_->sum.isHeadless) {
         const PciAnswer answer = AnswerOf(clock, *open_);
         open_->sum.waitStates.initiator += clock.irdy ? 0 : 1;
-        open_->sum.waitStates.target += answer == PciAnswer::Wait ? 1 : 0;
+        // A special cycle speaks to all: nobody answers, and nobody waits for an answer.
+        const bool isSpecial = CommandOf(open_->sum.command) == specialCycle;
+        open_->sum.waitStates.target += answer == PciAnswer::Wait && !isSpecial ? 1 : 0;
         if (!open_->sum.HasEnd()) { // the target holds STOP until the initiator has seen it
             open_->sum.end = StopOf(answer);
         }
-        if (clock.irdy && CarriesData(answer)) {
+        const bool isMessage = isSpecial && open_->sum.dataPhases == 0;
+        if (clock.irdy && (isMessage || CarriesData(answer))) {
             TakeData(sample, clock);
         }
     }

@@ -128,6 +128,18 @@ TEST_F(PciTransactions, CallUnansweredOnesMasterAborts) {
                 ElementsAre(TransactionEnd::MasterAbort));
 }
 
+TEST_F(PciTransactions, TellTheMessageOfASpecialCycle) {
+    // It is valid in the first clock in which the initiator is ready.
+    Waves waves = Read("~_____~~");
+    waves.Line("IRDY", "~~~____~").At(3, "AD", 0x00010002).At(4, "AD", 0x77);
+    const auto transactions = Address(waves, 1, 0xF1, 0).Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_THAT(transactions[0].words, ElementsAre(DataWord{0x00010002, 4, 0xF}));
+    EXPECT_EQ(transactions[0].bytes, 4U);
+    EXPECT_EQ(transactions[0].Latency(), 20);
+    EXPECT_EQ(transactions[0].waitStates, (WaitStates{1, 0})) << "no target";
+}
+
 TEST_F(PciTransactions, DoNotGuessTheEndOfAddressPhasesThatWereStoredAlone) {
     Waves waves = Read("~__~");
     EXPECT_THAT(Ends(Address(waves, 2, 0xF7, 0).Transactions()),
