@@ -41,8 +41,15 @@ public:
         deed.address = AddressText(address, 8);
         deed.first = deed.toldBy = deed.last = Tell(record);
         SetBit(record, bitAc, false);
+        const unsigned width = 1U << Pick(3); // of the target, in bytes
+        const bool tellsWidth = Pick(3) != 0;
+        if (tellsWidth) {
+            SetBit(record, bitAsack, width == 2);     // low for 1 and 4
+            SetBit(record, bitAsack + 1, width == 1); // low for 2 and 4
+        }
         deed.last = Tell(record);
         SetBit(record, bitAddress, false);
+        std::uint32_t next = address;
 
         const unsigned transfers = Pick(3) == 0 ? 1 + Pick(12) : 1;
         const unsigned outcome = Pick(6); // of the last strobe
@@ -61,9 +68,13 @@ public:
                 deed.endToldBy = deed.last = Tell(record);
             } else if (!isLast || outcome != 1) {
                 SetBit(record, bitAck, false);
+                unsigned bytes = bytesOfSize[size];
+                while (tellsWidth && bytes > 1 && next / width != (next + bytes - 1) / width) {
+                    --bytes; // what is beyond the target's width comes later
+                }
+                next += bytes;
                 const std::size_t acknowledge = Acknowledge(record, value, read, deed);
-                deed.transfers.push_back(
-                    {acknowledge, HexText(value, 4), bytesOfSize[size], strobe});
+                deed.transfers.push_back({acknowledge, HexText(value, 4), bytes, strobe});
                 if (read && deed.last != acknowledge) {
                     Deed::Transfer& transfer = deed.transfers.back();
                     const Record& early = samples_[acknowledge].record;

@@ -96,7 +96,7 @@ void StrobedTraffic::TakeSettled(const TimedSample& sample, const Lines& lines) 
     settling_ = settling_ && lines.strobes == before_.strobes && lines.acknowledge;
     Transaction& sum = open_->sum;
     if (settling_ && sum.words.size() == sum.dataPhases) {
-        sum.words.back() = BeatOf(sum.command, strobes_, sample.record).word;
+        sum.words.back() = BeatOf(sum, strobes_, sample.record).word;
     }
 }
 
@@ -135,7 +135,7 @@ void StrobedTraffic::TakeAcknowledge(const TimedSample& sample, const Lines& lin
         return;
     }
     settling_ = IsRead(sum.command, sample.record);
-    AddData(sum, BeatOf(sum.command, strobes_, sample.record), sample.time);
+    AddData(sum, BeatOf(sum, strobes_, sample.record), sample.time);
     ++sum.acknowledgeTime.transfers;
     sum.acknowledgeTime.total =
         AddTimes(sum.acknowledgeTime.total, AddTimes(sample.time, -strobeTime_));

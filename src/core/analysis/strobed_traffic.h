@@ -67,7 +67,7 @@ protected:
                                                         const SampleRecord& record) const = 0;
     [[nodiscard]] virtual bool CarriesData(std::uint32_t command) const = 0;
     /// What an acknowledged strobe moves. `strobes` are those that were asserted for it.
-    [[nodiscard]] virtual Beat BeatOf(std::uint32_t command, std::uint32_t strobes,
+    [[nodiscard]] virtual Beat BeatOf(const Transaction& transaction, std::uint32_t strobes,
                                       const SampleRecord& record) const = 0;
     /// Whether a strobe asks for data, rather than bringing them.
     [[nodiscard]] virtual bool IsRead(std::uint32_t command, const SampleRecord& record) const = 0;

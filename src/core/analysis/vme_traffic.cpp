@@ -188,9 +188,9 @@ private:
         }
     }
 
-    Beat BeatOf(std::uint32_t command, std::uint32_t strobes,
+    Beat BeatOf(const Transaction& transaction, std::uint32_t strobes,
                 const SampleRecord& record) const override {
-        const DataWord word = WordOf(command, strobes, record);
+        const DataWord word = WordOf(transaction.command, strobes, record);
         return {word, static_cast<std::uint32_t>(std::popcount(word.lanes))};
     }
     [[nodiscard]] DataWord WordOf(std::uint32_t command, std::uint32_t strobes,
