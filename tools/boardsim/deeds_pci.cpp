@@ -278,7 +278,7 @@ private:
         plan.isWide = plan.asksWide && Pick(3) != 0;
         const unsigned width = plan.isWide ? 8 : 4;
         const unsigned bytes = 1 + Pick(60);
-        const unsigned offset = isBlock ? plan.address & (width - 1) : 0;
+        const unsigned offset = isBurst ? plan.address & (width - 1) : 0;
         plan.words = isBurst ? (offset + bytes + width - 1) / width : 1;
         if (Pick(2) == 0) {
             constexpr Way ways[] = {Way::Retry, Way::WithData, Way::TargetAbort, Way::MasterAbort,
@@ -439,8 +439,8 @@ private:
             SetBit(now, bitFrame, word + 1 == words);
             const std::string data = Data(now, width, lanes);
             deed.last = Clock(now);
-            if (stops) {
-                deed.endToldBy = deed.last;
+            if (word + 1 == words) {
+                deed.endToldBy = deed.last; // the target stops, or all announced bytes have moved
             }
             deed.transfers.push_back(
                 {deed.last, data, static_cast<unsigned>(std::popcount(lanes)), {}});

@@ -85,7 +85,8 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
         open_->secondAddressDue = false;
         return nullptr;
     }
-    Transaction* const before = Close(false);
+    // If idle samples are not stored, the last clock tells whether the initiator wanted more.
+    Transaction* const before = Close(open_ && !open_->frame);
     PciTransaction& open = Begin(sample);
     open.sum.command = command == dualAddress ? code : command;
     open.sum.address = command == dualAddress ? lines : low;
@@ -98,6 +99,7 @@ Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
     const PciClock clock = ClockOf(sample.record);
     open_->clocked = true;
     open_->claimed |= clock.devsel;
+    open_->frame = clock.frame;
     if (!open_->sum.isHeadless) {
         const PciAnswer answer = AnswerOf(clock, *open_);
         open_->sum.waitStates.initiator += clock.irdy ? 0 : 1;
@@ -110,6 +112,9 @@ Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
         const bool isMessage = isSpecial && open_->sum.dataPhases == 0;
         if (clock.irdy && (isMessage || CarriesData(answer))) {
             TakeData(sample, clock);
+            if (!open_->sum.HasEnd() && HasMovedAll(*open_)) {
+                open_->sum.end = TransactionEnd::Complete;
+            }
         }
     }
     return IsLast(clock) ? Close(true) : nullptr;

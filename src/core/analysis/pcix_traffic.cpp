@@ -71,10 +71,17 @@ private:
         if (AnnouncesBytes(command)) {
             return TakeAnnouncedLanes(Width(clock, open), open);
         }
+        if (command == memoryWrite) {
+            TakeAnnouncedLanes(Width(clock, open), open);
+        }
         if (command == memoryWrite || !open.attributeEnables) {
             return PciTraffic::TakeLanes(clock, open);
         }
         return *open.attributeEnables;
+    }
+
+    bool HasMovedAll(const PciTransaction& open) const override {
+        return IsOneWord(CommandOf(open.sum.command)) || open.bytesAnnounced == 0U;
     }
 
     /// The attributes of a split completion are those of the completer; the requester is in its

@@ -276,6 +276,29 @@ TEST_F(PciXTransactions, PairNoCompletionAfterTheLastByteWhoseByteCountIsItsOwn)
     EXPECT_EQ(transactions.at(2).splitRequest, std::nullopt);
 }
 
+TEST_F(PciXTransactions, AreCompleteWhenAllAnnouncedBytesHaveMoved) {
+    // The capture ends with the second of two words; FRAME tells nothing yet.
+    const auto block = [&](std::uint32_t count) {
+        Waves waves(bus);
+        waves.Line("FRAME", "~_____").Line("IRDY", "~~~___").Line("DEVSEL", "~~~___");
+        waves.Line("TRDY", "~~~~__").Set("SBO", 0).Set("C/BE", 0xF0);
+        Phase(waves, 1, 0xFF, 0x1002, requester | count);
+        return waves.Transactions();
+    };
+    EXPECT_THAT(Ends(block(6)), ElementsAre(TransactionEnd::Complete));
+    EXPECT_THAT(Ends(block(7)), ElementsAre(TransactionEnd::CutOff));
+}
+
+TEST_F(PciXTransactions, CountDisabledBytesOfAWriteAsAnnounced) {
+    Waves waves(bus);
+    waves.Line("FRAME", "~____").Line("IRDY", "~~~__").Line("DEVSEL", "~~~__");
+    waves.Line("TRDY", "~~~~_").Set("SBO", 0).Set("C/BE", 0xF0);
+    Phase(waves, 1, 0xF7, 0x1000, requester | 4);
+    const auto transactions = waves.At(4, "C/BE", 0xFE).Transactions();
+    EXPECT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_EQ(transactions[0].bytes, 1U);
+}
+
 TEST_F(PciXTransactions, PairNoCompletionOfAnotherRequester) {
     Waves waves = SplitRead();
     const auto transactions = waves.At(6, "AD", requester ^ 1U << 24).Transactions();
