@@ -109,12 +109,14 @@ private:
         Cell(std::to_string(static_cast<std::int64_t>(first - shown_.first) -
                             static_cast<std::int64_t>(trigger_)));
         Cell(std::to_string(times_[first]));
-        Cell(begins ? deed.command : "");
+        const bool isModified = deed.modifies && deed.modifies->sample <= last;
+        Cell(!begins ? "" : isModified ? deed.modifies->command : deed.command);
         Cell(begins ? deed.address : "");
         AddNumbers(deed, first, last, begins);
         if (begins) {
             rows_[index] = ends ? number_ : 0;
-            Cell(ends ? deed.end : isCut ? "cut-off" : "unknown");
+            const bool isEndTold = ends || (deed.endToldBy && *deed.endToldBy <= last);
+            Cell(isEndTold ? deed.end : isCut ? "cut-off" : "unknown");
         } else {
             Cell(isCut || first == shown_.first ? "cut-off" : "unknown");
         }
@@ -133,7 +135,8 @@ private:
                           [](const Doer::Sample& sample) { return sample.hasFinding; })));
         for (const Deed::Transfer& each : deed.transfers) {
             if (begins && each.sample <= last) {
-                text_ += (&each == &deed.transfers.front() ? "" : " ") + each.text;
+                text_ += &each == &deed.transfers.front() ? "" : " ";
+                text_ += each.settledBy <= last ? each.text : each.early;
             }
         }
         text_ += '\n';

@@ -19,15 +19,25 @@ struct Deed {
         std::string text; // hexadecimal, "--" for a byte that did not move
         unsigned bytes = 0;
         std::optional<std::size_t> strobe; // the sample of its strobe, if someone waited for it
+        std::size_t settledBy = 0;         // the sample from which on the lines show it
+        std::string early = {};            // what they show before
+    };
+
+    /// What becomes of the command at a later sample.
+    struct Change {
+        std::size_t sample = 0;
+        std::string command;
     };
 
     std::string command;
+    std::optional<Change> modifies;
     std::string address;
     std::string end;
     std::size_t first = 0; // samples
     std::size_t last = 0;
-    std::size_t toldBy = 0;   // the sample by which command and address are on the bus
-    bool showsItsEnd = false; // the last sample alone shows that it is the last
+    std::size_t toldBy = 0;               // the sample by which command and address are on the bus
+    bool showsItsEnd = false;             // the last sample alone shows that it is the last
+    std::optional<std::size_t> endToldBy; // the sample in which a target signals the end
     std::vector<Transfer> transfers;
     std::vector<std::size_t> waits;          // clocks of the target
     std::vector<std::size_t> initiatorWaits; // clocks of the initiator

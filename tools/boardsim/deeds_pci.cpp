@@ -14,6 +14,7 @@ using namespace pci;
 constexpr unsigned cmdMemReadBlock = 0xE;  // PCI-X
 constexpr unsigned cmdMemWriteBlock = 0xF; // PCI-X
 constexpr unsigned cmdSplitCompletion = 0xC;
+constexpr int byteCountModified = 31; // in the attributes of a split completion
 
 enum class Way { Complete, Retry, WithData, WithoutData, TargetAbort, MasterAbort, Split };
 
@@ -173,10 +174,18 @@ private:
             const bool isOver = ready && (plan.words == 1 || i + 1 == clocks);
             SetBit(record, bitIrdy, !ready);
             SetBit(record, bitFrame, isOver);
+            const unsigned lanes = Lanes(4);
+            SetField(record, bitCbe, wide_ ? 8 : 4, ~lanes);
+            const std::string data = Data(record, 4, lanes);
             deed.last = Clock(record);
-            deed.waits.push_back(deed.last);
             if (!ready) {
                 deed.initiatorWaits.push_back(deed.last);
+            }
+            if (plan.command != cmdSpecial) { // all take part in it, and nobody answers
+                deed.waits.push_back(deed.last);
+            } else if (i == late) {
+                deed.transfers.push_back(
+                    {deed.last, data, static_cast<unsigned>(std::popcount(lanes)), {}});
             }
         }
         backToBack_ = false;
@@ -220,6 +229,9 @@ private:
             SetField(now, bitCbe, wide_ ? 8 : 4, ~lanes);
             const std::string data = Data(now, width, lanes);
             deed.last = Clock(now);
+            if (stopped && !wasStopped) {
+                deed.endToldBy = deed.last;
+            }
             if (!ready) {
                 deed.initiatorWaits.push_back(deed.last);
             }
@@ -266,7 +278,7 @@ private:
         plan.isWide = plan.asksWide && Pick(3) != 0;
         const unsigned width = plan.isWide ? 8 : 4;
         const unsigned bytes = 1 + Pick(60);
-        const unsigned offset = isBlock ? plan.address & (width - 1) : 0;
+        const unsigned offset = isBurst ? plan.address & (width - 1) : 0;
         plan.words = isBurst ? (offset + bytes + width - 1) / width : 1;
         if (Pick(2) == 0) {
             constexpr Way ways[] = {Way::Retry, Way::WithData, Way::TargetAbort, Way::MasterAbort,
@@ -327,17 +339,21 @@ private:
         plan.isWide = plan.asksWide && Pick(2) == 0;
         const unsigned width = plan.isWide ? 8 : 4;
         const unsigned offset = sequence.low & (width - 1);
-        plan.words = (offset + sequence.bytes + width - 1) / width;
+        // A completer that will bring the rest later may announce only what it brings now.
+        const bool isModified = sequence.bytes > 1 && Pick(3) == 0;
+        const unsigned announced = isModified ? 1 + Pick(sequence.bytes - 1) : sequence.bytes;
+        plan.words = (offset + announced + width - 1) / width;
         plan.way = Pick(4) == 0 ? Way::WithData : Seldom() ? Way::Retry : Way::Complete;
         plan.at = plan.way == Way::WithData ? Pick(plan.words) : 0;
         Record record;
         Deed& deed = Begin(plan, record);
         deed.tag = sequence.requester >> 16;
         deed.request = sequence.deed;
-        SetField(record, bitAd, 32, (0x00FF00 | Word() % 8) << 8 | (sequence.bytes & 0xFF));
-        SetField(record, bitCbe, 4, sequence.bytes >> 8);
+        SetField(record, bitAd, 32, (0x00FF00 | Word() % 8) << 8 | (announced & 0xFF));
+        SetBit(record, bitAd + byteCountModified, isModified);
+        SetField(record, bitCbe, 4, announced >> 8);
         Attribute(deed, record);
-        Respond(plan, deed, record, offset, sequence.bytes, 0xFF);
+        Respond(plan, deed, record, offset, announced, 0xFF);
         unsigned moved = 0;
         for (const Deed::Transfer& each : deed.transfers) {
             moved += each.bytes;
@@ -375,16 +391,16 @@ private:
         switch (plan.way) {
         case Way::Split:
             SetBit(lines, bitTrdy, false); // without DEVSEL
-            deed.last = Clock(lines);
+            deed.endToldBy = deed.last = Clock(lines);
             SetBit(lines, bitTrdy, true);
             break;
         case Way::Retry:
             SetBit(claimed, bitStop, false);
-            deed.last = Clock(claimed);
+            deed.endToldBy = deed.last = Clock(claimed);
             break;
         case Way::TargetAbort:
             SetBit(lines, bitStop, false);
-            deed.last = Clock(lines);
+            deed.endToldBy = deed.last = Clock(lines);
             SetBit(lines, bitStop, true);
             break;
         default:
@@ -423,6 +439,9 @@ private:
             SetBit(now, bitFrame, word + 1 == words);
             const std::string data = Data(now, width, lanes);
             deed.last = Clock(now);
+            if (word + 1 == words) {
+                deed.endToldBy = deed.last; // the target stops, or all announced bytes have moved
+            }
             deed.transfers.push_back(
                 {deed.last, data, static_cast<unsigned>(std::popcount(lanes)), {}});
         }

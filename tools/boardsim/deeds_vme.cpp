@@ -1,6 +1,7 @@
 #include "deeds.h"
 #include "lines.h"
 
+#include <algorithm>
 #include <bit>
 
 namespace boardsim {
@@ -105,7 +106,12 @@ private:
     void Access(const Kind& kind) {
         const bool read = Pick(2) == 0;
         const bool addressOnly = Pick(20) == 0 && kind.digits != 16 && kind.digits != 10;
-        const Size& size = sizes[Pick(3) == 0 ? Pick(std::size(sizes)) : 0];
+        // Boards that use 40 bits have 16 data lines; 32 bits of data need address lines too.
+        const bool isNarrow = kind.digits == 10;
+        Size size = sizes[Pick(3) == 0 ? Pick(std::size(sizes)) : 0];
+        if (isNarrow && size.longWord && (size.a1 || size.strobes != 3)) {
+            size = sizes[0];
+        }
         std::uint64_t address = kind.digits == 16 ? Words() : Words() >> (64 - 4 * kind.digits);
         address = (address & ~std::uint64_t{3}) | (size.a1 ? 2 : 0);
         Record record = idle_;
@@ -124,35 +130,67 @@ private:
                 deed.toldBy = kind.digits >= 10 ? deed.last : deed.toldBy;
                 deed.last = Release(record);
             }
+            const bool modifies = !kind.isBlock && !kind.isLock && read && Pick(6) == 0;
             Transfers(kind, size, deed, record);
+            if (modifies && deed.end == "complete") {
+                Modify(kind, size, deed, record);
+            }
         }
         End(record, deed);
     }
 
-    void Transfers(const Kind& kind, const Size& size, Deed& deed, Record& record) {
+    /// What was read is written under the same address.
+    void Modify(const Kind& kind, const Size& size, Deed& deed, Record& record) {
+        if (GetField(record, bits_.ds, 2) != 3) {
+            deed.last = Release(record);
+        }
+        SetBit(record, bits_.write, false);
+        deed.modifies = {samples_.size(), std::string(kind.name) + " RMW"}; // the next strobe
+        Transfers(kind, size, deed, record);
+    }
+
+    void Transfers(const Kind& kind, Size size, Deed& deed, Record& record) {
         const unsigned count = kind.isBlock ? 1 + Pick(12) : 1;
+        const bool read = GetBit(record, bits_.write);
+        const bool isMultiplexed = kind.digits == 10 && size.longWord;
         const Way way = Pick(5) == 0 ? static_cast<Way>(1 + Pick(3)) : Way::Complete;
         for (unsigned i = 0; i < count; ++i) {
             const std::uint64_t value = Words();
             SetField(record, bitData, 32, value);
-            if (kind.isWideBlock) {
+            if (kind.isWideBlock || isMultiplexed) {
                 SetField(record, bitAddress, 32, value >> 32);
                 SetBit(record, bits_.lword, (value >> 32 & 1) != 0);
+            } else if (i > 0 && Pick(2) == 0) {
+                // The address with its size is over after the first beat.
+                SetField(record, bitAddress, 32, Word());
+                SetBit(record, bits_.lword, Pick(2) == 0);
+            }
+            if (i > 0 && size.width == 2 && size.strobes != 3) {
+                size = {3U - size.strobes, false, size.a1, 2, 3U - size.lanes}; // the next byte
             }
             const Way answer = i + 1 == count ? way : Way::Complete;
             const unsigned strobes = kind.isWideBlock ? 3 : size.strobes;
-            const auto [strobe, acknowledge] = Strobe(record, strobes, answer);
-            deed.last = acknowledge;
+            const auto [strobe, acknowledge] = answer == Way::Complete
+                                                   ? StrobeData(record, strobes, deed)
+                                                   : Strobe(record, strobes, answer);
+            deed.last = std::max(deed.last, acknowledge);
             if (answer != Way::Complete) {
                 deed.end = answer == Way::BusError ? "bus-error"
                            : answer == Way::Retry  ? "retry"
                                                    : "master-abort";
+                if (answer != Way::NoAnswer) {
+                    deed.endToldBy = acknowledge;
+                }
             } else if (!kind.isLock) {
                 const unsigned width = kind.isWideBlock ? 8 : size.width;
                 const unsigned lanes = kind.isWideBlock ? 0xFF : size.lanes;
-                const std::uint64_t shown = kind.isWideBlock ? value : value & 0xFFFFFFFF;
-                deed.transfers.push_back({acknowledge, HexText(shown, width, lanes),
+                const auto text = [&](std::uint64_t lines) {
+                    const std::uint64_t small = (lines >> 32 & 0xFFFF) << 16 | (lines & 0xFFFF);
+                    return HexText(isMultiplexed ? small : lines, width, lanes);
+                };
+                deed.transfers.push_back({acknowledge, text(value),
                                           static_cast<unsigned>(std::popcount(lanes)), strobe});
+                AddEarly(deed, read, text);
             }
             if (i + 1 < count || Pick(2) == 0) {
                 deed.last = Release(record);
@@ -183,9 +221,45 @@ private:
         return {*strobe, Tell(record)};
     }
 
+    /// The same for data. What is read may settle after the acknowledge; what is written may be
+    /// over then.
+    std::pair<std::size_t, std::size_t> StrobeData(Record& record, unsigned strobes, Deed& deed) {
+        if (Pick(3) != 0) {
+            const auto told = Strobe(record, strobes, Way::Complete);
+            deed.last = told.second;
+            return told;
+        }
+        const bool isRead = GetBit(record, bits_.write) || !GetBit(record, bits_.iack);
+        Record other = record;
+        SetField(other, bitData, 32, Word());
+        SetField(other, bitAddress, 32, Word());
+        const auto told = Strobe(isRead ? other : record, strobes, Way::Complete);
+        SetField(record, bits_.ds, 2, ~strobes);
+        SetBit(record, bits_.dtack, false);
+        SetField(other, bits_.ds, 2, ~strobes);
+        SetBit(other, bits_.dtack, false);
+        deed.last = Tell(isRead ? record : other);
+        return told;
+    }
+
+    /// What the lines show before the data of the last transfer settle.
+    template <typename Text>
+    void AddEarly(Deed& deed, bool read, const Text& text) {
+        Deed::Transfer& last = deed.transfers.back();
+        if (!read || deed.last == last.sample) {
+            return;
+        }
+        const Record& record = samples_[last.sample].record;
+        const std::uint64_t low = GetBit(record, bits_.lword) ? 1 : 0;
+        const std::uint64_t upper = (GetField(record, bitAddress, 32) & ~std::uint64_t{1}) | low;
+        last.early = text(upper << 32 | GetField(record, bitData, 32));
+        last.settledBy = deed.last;
+    }
+
     /// Strobes and answer are released.
     std::size_t Release(Record& record) {
         SetField(record, bits_.ds, 2, 3);
+        SetField(record, bitData, 32, Word());
         if (Pick(2) == 0) {
             Tell(record);
         }
@@ -212,12 +286,18 @@ private:
         Record record = idle_;
         SetField(record, bitAddress, 32, 0xFFFFFFF0U | level << 1);
         SetBit(record, bits_.iack, false);
+        const unsigned bytes = 1U << Pick(3); // of the vector
+        SetBit(record, bits_.lword, bytes != 4);
         Deed& deed = Begin(record, lark_ ? "IACK" : "Interrupt", AddressText(level, 1));
         const std::uint32_t vector = Word();
         SetField(record, bitData, 32, vector);
-        const auto [strobe, acknowledge] = Strobe(record, 1, Way::Complete);
-        deed.last = acknowledge;
-        deed.transfers.push_back({acknowledge, HexText(vector, 2, 1), 1, strobe});
+
+        const auto [strobe, acknowledge] = StrobeData(record, bytes == 1 ? 1 : 3, deed);
+        const unsigned width = bytes == 4 ? 4 : 2;
+        deed.transfers.push_back(
+            {acknowledge, HexText(vector, width, (1U << bytes) - 1), bytes, strobe});
+        AddEarly(deed, true,
+                 [&](std::uint64_t lines) { return HexText(lines, width, (1U << bytes) - 1); });
         End(record, deed);
     }
 
@@ -280,6 +360,12 @@ private:
             SetField(record, bitAddress, 32, value >> 32);
             SetBit(record, bits_.lword, (value >> 32 & 1) != 0);
             SetField(record, bitData, 32, value);
+            const bool stopsHere =
+                stop != Stop::Never && stop != Stop::NoAnswer && beat + 1 == count && Pick(2) == 0;
+            if (stopsHere) { // in the sample of the last beat
+                SetBit(record, stop == Stop::Retry ? bitRetry : bits_.berr, false);
+                deed.endToldBy = samples_.size();
+            }
             const std::size_t moved =
                 Edge(record, isSynchronous && !read ? bits_.ds + 1 : bits_.dtack);
             const std::uint64_t small = (value >> 32 & 0xFFFF) << 16 | (value & 0xFFFF);
@@ -289,6 +375,7 @@ private:
         if (stop == Stop::Retry || stop == Stop::Error) {
             SetBit(record, stop == Stop::Retry ? bitRetry : bits_.berr, false);
             deed.last = Tell(record);
+            deed.endToldBy = deed.endToldBy.value_or(deed.last);
             SetBit(record, bitRetry, true);
             SetBit(record, bits_.berr, true);
             deed.end = stop == Stop::Error ? "bus-error"

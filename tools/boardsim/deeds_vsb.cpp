@@ -41,8 +41,15 @@ public:
         deed.address = AddressText(address, 8);
         deed.first = deed.toldBy = deed.last = Tell(record);
         SetBit(record, bitAc, false);
+        const unsigned width = 1U << Pick(3); // of the target, in bytes
+        const bool tellsWidth = Pick(3) != 0;
+        if (tellsWidth) {
+            SetBit(record, bitAsack, width == 2);     // low for 1 and 4
+            SetBit(record, bitAsack + 1, width == 1); // low for 2 and 4
+        }
         deed.last = Tell(record);
         SetBit(record, bitAddress, false);
+        std::uint32_t next = address;
 
         const unsigned transfers = Pick(3) == 0 ? 1 + Pick(12) : 1;
         const unsigned outcome = Pick(6); // of the last strobe
@@ -58,11 +65,22 @@ public:
             }
             if (isLast && outcome == 0) {
                 SetBit(record, bitErr, false);
-                deed.last = Tell(record);
+                deed.endToldBy = deed.last = Tell(record);
             } else if (!isLast || outcome != 1) {
                 SetBit(record, bitAck, false);
-                deed.last = Tell(record);
-                deed.transfers.push_back({deed.last, HexText(value, 4), bytesOfSize[size], strobe});
+                unsigned bytes = bytesOfSize[size];
+                while (tellsWidth && bytes > 1 && next / width != (next + bytes - 1) / width) {
+                    --bytes; // what is beyond the target's width comes later
+                }
+                next += bytes;
+                const std::size_t acknowledge = Acknowledge(record, value, read, deed);
+                deed.transfers.push_back({acknowledge, HexText(value, 4), bytes, strobe});
+                if (read && deed.last != acknowledge) {
+                    Deed::Transfer& transfer = deed.transfers.back();
+                    const Record& early = samples_[acknowledge].record;
+                    transfer.early = HexText(GetField(early, bitAd, 32), 4);
+                    transfer.settledBy = deed.last;
+                }
             }
             SetBit(record, bitDs, true);
             SetBit(record, bitAck, true);
@@ -75,6 +93,19 @@ public:
     bool NeedsSampleBefore() const override { return true; }
 
 private:
+    /// What is read may settle after the acknowledge; what is written may be over then.
+    std::size_t Acknowledge(Record& record, std::uint32_t value, bool read, Deed& deed) {
+        const bool isLong = Pick(3) == 0;
+        if (isLong && read) {
+            SetField(record, bitAd, 32, Word());
+        }
+        const std::size_t acknowledge = deed.last = Tell(record);
+        if (isLong) {
+            SetField(record, bitAd, 32, read ? value : Word());
+            deed.last = Tell(record);
+        }
+        return acknowledge;
+    }
     std::size_t Tell(const Record& record) { return Put(record, 5 + Pick(100)); }
 
     Record idle_{};

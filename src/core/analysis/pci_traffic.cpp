@@ -85,7 +85,8 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
         open_->secondAddressDue = false;
         return nullptr;
     }
-    Transaction* const before = Close(false);
+    // If idle samples are not stored, the last clock tells whether the initiator wanted more.
+    Transaction* const before = Close(open_ && !open_->frame);
     PciTransaction& open = Begin(sample);
     open.sum.command = command == dualAddress ? code : command;
     open.sum.address = command == dualAddress ? lines : low;
@@ -98,15 +99,22 @@ Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
     const PciClock clock = ClockOf(sample.record);
     open_->clocked = true;
     open_->claimed |= clock.devsel;
+    open_->frame = clock.frame;
     if (!open_->sum.isHeadless) {
         const PciAnswer answer = AnswerOf(clock, *open_);
         open_->sum.waitStates.initiator += clock.irdy ? 0 : 1;
-        open_->sum.waitStates.target += answer == PciAnswer::Wait ? 1 : 0;
-        if (!open_->stopped) { // the target holds STOP until the initiator has seen it
-            open_->stopped = StopOf(answer);
+        // A special cycle speaks to all: nobody answers, and nobody waits for an answer.
+        const bool isSpecial = CommandOf(open_->sum.command) == specialCycle;
+        open_->sum.waitStates.target += answer == PciAnswer::Wait && !isSpecial ? 1 : 0;
+        if (!open_->sum.HasEnd()) { // the target holds STOP until the initiator has seen it
+            open_->sum.end = StopOf(answer);
         }
-        if (clock.irdy && CarriesData(answer)) {
+        const bool isMessage = isSpecial && open_->sum.dataPhases == 0;
+        if (clock.irdy && (isMessage || CarriesData(answer))) {
             TakeData(sample, clock);
+            if (!open_->sum.HasEnd() && HasMovedAll(*open_)) {
+                open_->sum.end = TransactionEnd::Complete;
+            }
         }
     }
     return IsLast(clock) ? Close(true) : nullptr;
@@ -134,7 +142,7 @@ bool PciTraffic::CarriesData(PciAnswer answer) const {
     return answer == PciAnswer::Data || answer == PciAnswer::LastData;
 }
 
-std::optional<TransactionEnd> PciTraffic::StopOf(PciAnswer answer) {
+TransactionEnd PciTraffic::StopOf(PciAnswer answer) {
     switch (answer) {
     case PciAnswer::Retry:
         return TransactionEnd::Retry;
@@ -151,12 +159,12 @@ std::optional<TransactionEnd> PciTraffic::StopOf(PciAnswer answer) {
     case PciAnswer::Over:
         break;
     }
-    return std::nullopt;
+    return TransactionEnd::Unknown;
 }
 
 TransactionEnd PciTraffic::EndOf(const PciTransaction& open, bool sawEnd) {
-    if (open.stopped) {
-        return *open.stopped;
+    if (open.sum.HasEnd()) {
+        return open.sum.end;
     }
     // If only address phases were stored, it is unknown whether a target answered.
     if (!sawEnd || !open.clocked || open.sum.isHeadless) {

@@ -28,12 +28,12 @@ struct PciTransaction {
     Transaction sum;
     bool req64 = false;
     bool secondAddressDue = false;
-    bool clocked = false;                  // there was a clock after the address phase
-    bool claimed = false;                  // DEVSEL was asserted
-    std::optional<TransactionEnd> stopped; // how the target ended it
+    bool clocked = false; // there was a clock after the address phase
+    bool claimed = false; // DEVSEL was asserted
+    bool frame = true;    // FRAME in the last clock
     // PCI-X only, after an attribute phase.
     std::optional<std::uint32_t> attributeEnables;
-    std::optional<std::uint32_t> bytesAnnounced; // not transferred yet
+    std::optional<std::uint32_t> bytesAnnounced; // not transferred yet, also in disabled lanes
 };
 
 /// PCI: an address phase, or two with a dual address cycle, then clocks in which both sides signal
@@ -62,6 +62,8 @@ protected:
     /// The lanes of the bytes moved in a data phase.
     [[nodiscard]] virtual std::uint32_t TakeLanes(const PciClock& clock,
                                                   PciTransaction& open) const;
+    /// Whether all has moved that the initiator announced.
+    [[nodiscard]] virtual bool HasMovedAll(const PciTransaction& /*open*/) const { return false; }
     /// Whether this clock is the last that can move data.
     [[nodiscard]] virtual bool IsLast(const PciClock& clock) const;
 
@@ -79,7 +81,8 @@ private:
     PciTransaction& Begin(const TimedSample& sample);
     void TakeData(const TimedSample& sample, const PciClock& clock);
     [[nodiscard]] bool CarriesData(PciAnswer answer) const;
-    [[nodiscard]] static std::optional<TransactionEnd> StopOf(PciAnswer answer);
+    /// How an answer ends the transaction; Unknown if it does not.
+    [[nodiscard]] static TransactionEnd StopOf(PciAnswer answer);
     [[nodiscard]] static TransactionEnd EndOf(const PciTransaction& open, bool sawEnd);
     Transaction* Close(bool sawEnd);
     [[nodiscard]] PciClock ClockOf(const SampleRecord& record) const;

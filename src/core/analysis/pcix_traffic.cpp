@@ -12,16 +12,23 @@ constexpr std::uint32_t memoryWrite = 0x7;
 constexpr std::uint32_t splitCompletion = 0xC;
 constexpr std::uint32_t fullByteCount = 4096; // encoded as 0
 
-// Tag, bus, device and function of the requester, and the mark of a message.
+// Tag, bus, device and function of the requester, and the marks of a completion.
 constexpr unsigned requesterShift = 8;
 constexpr std::uint32_t requesterMask = 0x1FFFFF;
 constexpr std::uint32_t messageBit = 1U << 29;
+constexpr std::uint32_t countModifiedBit = 1U << 31; // of a split completion
+constexpr std::uint32_t dwordCount = 4;
 
 /// Commands whose C/BE lines carry no byte enables in data phases: the attributes give the byte
 /// count.
 bool AnnouncesBytes(std::uint32_t command) {
     constexpr std::array<std::uint32_t, 5> block = {0x8, 0x9, 0xC, 0xE, 0xF};
     return std::find(block.begin(), block.end(), command) != block.end();
+}
+
+/// Commands that move one word. Their attributes have byte enables instead of a byte count.
+bool IsOneWord(std::uint32_t command) {
+    return command != memoryWrite && !AnnouncesBytes(command);
 }
 
 /// PCI-X: an attribute phase after the address, more target responses, and a FRAME that is
@@ -64,10 +71,17 @@ private:
         if (AnnouncesBytes(command)) {
             return TakeAnnouncedLanes(Width(clock, open), open);
         }
+        if (command == memoryWrite) {
+            TakeAnnouncedLanes(Width(clock, open), open);
+        }
         if (command == memoryWrite || !open.attributeEnables) {
             return PciTraffic::TakeLanes(clock, open);
         }
         return *open.attributeEnables;
+    }
+
+    bool HasMovedAll(const PciTransaction& open) const override {
+        return IsOneWord(CommandOf(open.sum.command)) || open.bytesAnnounced == 0U;
     }
 
     /// The attributes of a split completion are those of the completer; the requester is in its
@@ -77,11 +91,14 @@ private:
         if (sum.isHeadless) {
             return;
         }
-        const bool isCompletion = CommandOf(sum.command) == splitCompletion;
+        const std::uint32_t command = CommandOf(sum.command);
+        const bool isCompletion = command == splitCompletion;
         const std::uint64_t lines = isCompletion ? *sum.address : attributes;
-        sum.sequence = SplitSequence{
-            static_cast<std::uint32_t>(lines >> requesterShift) & requesterMask,
-            *open.bytesAnnounced, isCompletion, isCompletion && (attributes & messageBit) != 0};
+        sum.sequence =
+            SplitSequence{static_cast<std::uint32_t>(lines >> requesterShift) & requesterMask,
+                          IsOneWord(command) ? dwordCount : *open.bytesAnnounced, isCompletion,
+                          isCompletion && (attributes & messageBit) != 0,
+                          isCompletion && (attributes & countModifiedBit) != 0};
     }
 
     /// All lanes from the first byte of the address on, up to the bytes left of the announced

@@ -68,25 +68,36 @@ void StrobedTraffic::Begin(const TimedSample& sample) {
     sum.command = CommandAt(sample.record);
     sum.address = AddressAt(sum.command, sample.record);
     open_->addressDue = FirstStrobeIsAddress(sum.command);
-    if (IsOther(sum.command)) {
-        BeginOther(sample, sum);
-    }
+    settling_ = false;
+    Latch(sample, sum);
 }
 
 void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
-    if (!lines.HasData()) {
+    TakeSettled(sample, lines);
+    if (!lines.HasData() && !before_.HasData()) {
         return;
     }
     // A strobe already asserted before the address strobe belongs to the previous transaction.
     if (!before_.HasData()) {
         waiting_ = true;
+        strobes_ = 0;
         strobeTime_ = sample.time;
-        if (!open_->strobed) {
-            open_->strobed = true;
-            open_->sum.command = CommandAtStrobe(open_->sum.command, sample.record);
-        }
+        Transaction& sum = open_->sum;
+        sum.command = CommandAtStrobe(sum.command, !open_->strobed, sample.record);
+        open_->strobed = !open_->addressDue;
     }
+    strobes_ |= lines.strobes;
     TakeAnswer(sample, lines);
+}
+
+/// The target may drive the data it gives a little after its acknowledge arrives, and holds them
+/// until a strobe is released. So the last sample before that has them, if there are several.
+void StrobedTraffic::TakeSettled(const TimedSample& sample, const Lines& lines) {
+    settling_ = settling_ && lines.strobes == before_.strobes && lines.acknowledge;
+    Transaction& sum = open_->sum;
+    if (settling_ && sum.words.size() == sum.dataPhases) {
+        sum.words.back() = BeatOf(sum, strobes_, sample.record).word;
+    }
 }
 
 void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
@@ -95,11 +106,11 @@ void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
     }
     if (lines.acknowledge && !before_.acknowledge) {
         waiting_ = false;
-        TakeAcknowledge(sample);
+        TakeAcknowledge(sample, lines);
     } else if ((lines.error && !before_.error) || (lines.retry && !before_.retry)) {
         waiting_ = false;
-        if (!open_->refused) {
-            open_->refused = lines.error ? MeaningOfError(sample.record) : TransactionEnd::Retry;
+        if (!open_->sum.HasEnd()) {
+            open_->sum.end = lines.error ? MeaningOfError(sample.record) : TransactionEnd::Retry;
         }
     }
 }
@@ -107,39 +118,33 @@ void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
 /// With a slow sample clock, a strobe may be answered in the sample in which the address strobe is
 /// already over.
 void StrobedTraffic::TakeLateAnswer(const TimedSample& sample, const Lines& lines) {
-    if (!waiting_ || !open_ || open_->sum.isHeadless || IsOther(open_->sum.command)) {
-        return;
+    if (open_ && !open_->sum.isHeadless && !IsOther(open_->sum.command)) {
+        TakeAnswer(sample, lines);
     }
-    const bool isAcknowledged = lines.acknowledge && !before_.acknowledge;
-    if (isAcknowledged && !lines.HasData()) {
-        waiting_ = false; // the strobe, which tells the lanes of the data, is over too
-        return;
-    }
-    TakeAnswer(sample, lines);
 }
 
-void StrobedTraffic::TakeAcknowledge(const TimedSample& sample) {
+void StrobedTraffic::TakeAcknowledge(const TimedSample& sample, const Lines& lines) {
     Transaction& sum = open_->sum;
     if (open_->addressDue) {
         open_->addressDue = false;
         sum.address = CompleteAddress(sum, sample.record);
         return;
     }
-    if (!CarriesData(sum.command)) {
+    // If the strobe is already over, so are the data.
+    if (!CarriesData(sum.command) || !lines.HasData()) {
         return;
     }
-    AddData(sum, WordOf(sum.command, sample.record), BytesOf(sum.command, sample.record),
-            sample.time);
+    settling_ = IsRead(sum.command, sample.record);
+    AddData(sum, BeatOf(sum, strobes_, sample.record), sample.time);
     ++sum.acknowledgeTime.transfers;
     sum.acknowledgeTime.total =
         AddTimes(sum.acknowledgeTime.total, AddTimes(sample.time, -strobeTime_));
 }
 
-void StrobedTraffic::AddData(Transaction& transaction, const DataWord& word, std::uint32_t bytes,
-                             std::int64_t time) const {
+void StrobedTraffic::AddData(Transaction& transaction, const Beat& beat, std::int64_t time) const {
     ++transaction.dataPhases;
-    transaction.bytes += bytes;
-    AddWord(transaction, word);
+    transaction.bytes += beat.bytes;
+    AddWord(transaction, beat.word);
     if (!transaction.firstData) {
         transaction.firstData = time;
     }
@@ -152,10 +157,9 @@ Transaction* StrobedTraffic::Close() {
     }
     Transaction& sum = open_->sum;
     const bool isUnanswered = IsOther(sum.command) ? IsOtherWaiting() : wasWaiting;
-    sum.end = sum.isHeadless   ? TransactionEnd::Unknown
-              : open_->refused ? *open_->refused
-              : isUnanswered   ? TransactionEnd::MasterAbort
-                               : TransactionEnd::Complete;
+    if (!sum.HasEnd() && !sum.isHeadless) {
+        sum.end = isUnanswered ? TransactionEnd::MasterAbort : TransactionEnd::Complete;
+    }
     closed_ = std::move(sum);
     open_.reset();
     return &closed_;

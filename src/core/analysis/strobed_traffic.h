@@ -11,9 +11,8 @@ namespace busquill {
 /// The transaction in progress.
 struct StrobedTransaction {
     Transaction sum;
-    bool strobed = false;                  // there was a data strobe
-    bool addressDue = false;               // the next answered strobe carries an address
-    std::optional<TransactionEnd> refused; // how a target refused it
+    bool strobed = false;    // there was a data strobe
+    bool addressDue = false; // the next answered strobe carries an address
 };
 
 /// A bus without a clock: an address strobe frames a transaction, in which each data strobe is
@@ -47,12 +46,17 @@ protected:
         [[nodiscard]] bool HasData() const noexcept { return strobes != 0; }
     };
 
+    struct Beat {
+        DataWord word;
+        std::uint32_t bytes = 0;
+    };
+
     StrobedTraffic(const SignalTables& tables, const Names& names);
 
     /// The command on the lines at the address strobe.
     [[nodiscard]] virtual std::uint32_t CommandAt(const SampleRecord& record) const = 0;
-    /// The same at the first data strobe.
-    [[nodiscard]] virtual std::uint32_t CommandAtStrobe(std::uint32_t command,
+    /// The same at a data strobe; `isFirst` unless data were strobed before.
+    [[nodiscard]] virtual std::uint32_t CommandAtStrobe(std::uint32_t command, bool isFirst,
                                                         const SampleRecord& record) const = 0;
     [[nodiscard]] virtual std::uint64_t AddressAt(std::uint32_t command,
                                                   const SampleRecord& record) const = 0;
@@ -62,10 +66,13 @@ protected:
     [[nodiscard]] virtual std::uint64_t CompleteAddress(const Transaction& transaction,
                                                         const SampleRecord& record) const = 0;
     [[nodiscard]] virtual bool CarriesData(std::uint32_t command) const = 0;
-    [[nodiscard]] virtual DataWord WordOf(std::uint32_t command,
-                                          const SampleRecord& record) const = 0;
-    [[nodiscard]] virtual std::uint32_t BytesOf(std::uint32_t command,
-                                                const SampleRecord& record) const = 0;
+    /// What an acknowledged strobe moves. `strobes` are those that were asserted for it.
+    [[nodiscard]] virtual Beat BeatOf(const Transaction& transaction, std::uint32_t strobes,
+                                      const SampleRecord& record) const = 0;
+    /// Whether a strobe asks for data, rather than bringing them.
+    [[nodiscard]] virtual bool IsRead(std::uint32_t command, const SampleRecord& record) const = 0;
+    /// Keeps what is valid at the address strobe only.
+    virtual void Latch(const TimedSample& /*sample*/, const Transaction& /*transaction*/) {}
     /// Whether the target refuses the transaction for now.
     [[nodiscard]] virtual bool IsRetry(const SampleRecord& /*record*/) const { return false; }
     /// What an error that answers a strobe means.
@@ -74,16 +81,12 @@ protected:
     /// For transactions whose data do not move by strobe and acknowledge: whether this is one. Then
     /// `TakeOther` gets its samples.
     [[nodiscard]] virtual bool IsOther(std::uint32_t /*command*/) const { return false; }
-    virtual void BeginOther(const TimedSample& /*sample*/, Transaction& /*transaction*/) {}
     virtual void TakeOther(const TimedSample& /*sample*/, const Lines& /*lines*/,
                            const Lines& /*before*/, StrobedTransaction& /*open*/) {}
     /// Whether its last strobe was not answered.
     [[nodiscard]] virtual bool IsOtherWaiting() const { return false; }
 
-    void AddData(Transaction& transaction, const DataWord& word, std::uint32_t bytes,
-                 std::int64_t time) const;
-
-    SignalLine dataStrobes_;
+    void AddData(Transaction& transaction, const Beat& beat, std::int64_t time) const;
 
 private:
     [[nodiscard]] Lines LinesOf(const SampleRecord& record) const;
@@ -91,17 +94,20 @@ private:
     void TakeStrobe(const TimedSample& sample, const Lines& lines);
     void TakeAnswer(const TimedSample& sample, const Lines& lines);
     void TakeLateAnswer(const TimedSample& sample, const Lines& lines);
-    void TakeAcknowledge(const TimedSample& sample);
+    void TakeAcknowledge(const TimedSample& sample, const Lines& lines);
+    void TakeSettled(const TimedSample& sample, const Lines& lines);
     Transaction* Close();
 
-    SignalLine addressStrobe_, acknowledge_, error_;
+    SignalLine dataStrobes_, addressStrobe_, acknowledge_, error_;
 
     std::optional<StrobedTransaction> open_;
     Transaction closed_;
     Lines before_; // of the previous sample
     bool isFirst_ = true;
-    bool waiting_ = false; // for the answer to a strobe of the open transaction
+    bool waiting_ = false;      // for the answer to a strobe of the open transaction
+    std::uint32_t strobes_ = 0; // that were asserted since it began
     std::int64_t strobeTime_ = 0;
+    bool settling_ = false; // data that are read may still change
 };
 
 } // namespace busquill

@@ -47,7 +47,8 @@ struct SplitSequence {
     std::uint32_t requester = 0; // tag, bus, device and function, as in the attributes
     std::uint32_t byteCount = 0; // still to be transferred when the transaction begins
     bool isCompletion = false;
-    bool isMessage = false; // a completion that carries a message instead of data
+    bool isMessage = false;  // a completion that carries a message instead of data
+    bool isCountOwn = false; // the byte count is that of this completion: others follow
 
     [[nodiscard]] std::uint32_t Tag() const noexcept { return requester >> 16; }
 
@@ -82,6 +83,10 @@ struct Transaction {
     std::uint64_t findings = 0;                // samples with a finding of the rule checker
     std::optional<std::uint64_t> splitRequest; // the number of the transaction that this completes
 
+    /// Whether its end was seen. It may still be on the bus.
+    [[nodiscard]] bool HasEnd() const noexcept {
+        return end != TransactionEnd::Unknown && end != TransactionEnd::CutOff;
+    }
     /// From the address to the first data.
     [[nodiscard]] std::optional<std::int64_t> Latency() const noexcept {
         return firstData ? std::optional(*firstData - time) : std::nullopt;

@@ -2,6 +2,7 @@
 
 #include "signals/value_text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace busquill {
@@ -35,6 +36,9 @@ std::span<const Transaction> TransactionFollower::Add(std::int64_t number,
     const bool isFirst = std::exchange(isFirst_, false);
     const bool isAfterGap = !isFirst && number != number_ + 1;
     number_ = number;
+    if (isFirst) {
+        first_ = number;
+    }
     // The time before the first sample is not part of the capture.
     if (!isFirst && sampleTime_) {
         time_ = AddTimes(time_, sampleTime_->Of(record));
@@ -64,13 +68,12 @@ std::span<const Transaction> TransactionFollower::Add(std::int64_t number,
 
 /// Samples are missing: what was in progress is not known any more.
 void TransactionFollower::Break() {
-    if (const Transaction* const open = traffic_->Open()) {
-        End(*open);
+    if (auto open = Unfinished(TransactionEnd::Unknown)) {
+        End(std::move(*open));
     }
     traffic_->Restart();
     lastEnd_.reset();
     splits_.clear();
-    isWhole_ = false;
     findings_ = 0;
 }
 
@@ -78,7 +81,8 @@ void TransactionFollower::Restart() {
     if (traffic_) {
         traffic_->Restart();
     }
-    isFirst_ = isWhole_ = true;
+    isFirst_ = true;
+    first_.reset();
     time_ = 0;
     transactions_ = 0;
     findings_ = 0;
@@ -88,23 +92,26 @@ void TransactionFollower::Restart() {
 
 void TransactionFollower::Resume(const Place& place) {
     Restart();
-    isFirst_ = isWhole_ = false;
+    isFirst_ = false;
     number_ = place.number;
     time_ = place.time;
     transactions_ = place.transactions;
+    lastEnd_ = place.lastEnd;
     if (traffic_ && place.before != nullptr) {
         traffic_->RestartAfter(*place.before);
     }
 }
 
-std::optional<Transaction> TransactionFollower::Unfinished() const {
+std::optional<Transaction> TransactionFollower::Unfinished(TransactionEnd unseen) const {
     const Transaction* const open = traffic_ ? traffic_->Open() : nullptr;
     if (open == nullptr) {
         return std::nullopt;
     }
     Transaction transaction = *open;
+    if (!transaction.HasEnd()) {
+        transaction.end = unseen;
+    }
     Complete(transaction);
-    transaction.end = TransactionEnd::CutOff;
     return transaction;
 }
 
@@ -114,13 +121,13 @@ void TransactionFollower::Complete(Transaction& transaction) const {
     if (lastEnd_) {
         transaction.gap = AddTimes(transaction.time, -*lastEnd_);
     }
-    if (transaction.isHeadless && isWhole_) {
+    if (transaction.isHeadless && transaction.sample == first_) {
         transaction.end = TransactionEnd::CutOff; // by the beginning of the capture
     }
     if (transaction.sequence && transaction.sequence->isCompletion) {
         const auto request = splits_.find(transaction.sequence->requester);
         if (request != splits_.end()) {
-            transaction.splitRequest = request->second;
+            transaction.splitRequest = request->second.number;
         }
     }
 }
@@ -136,10 +143,24 @@ void TransactionFollower::End(Transaction ended) {
     }
     const SplitSequence& sequence = *transaction.sequence;
     if (transaction.end == TransactionEnd::SplitResponse) {
-        splits_[sequence.requester] = transaction.number;
-    } else if (sequence.isCompletion && transaction.dataPhases != 0 &&
-               (sequence.isMessage || transaction.bytes >= sequence.byteCount)) {
-        splits_.erase(sequence.requester); // another one completes it if data are left
+        splits_[sequence.requester] = {transaction.number, sequence.byteCount};
+    } else if (sequence.isCompletion && transaction.dataPhases != 0) {
+        TakeCompletion(transaction);
+    }
+}
+
+/// Another one completes the request if data are left.
+void TransactionFollower::TakeCompletion(const Transaction& completion) {
+    const SplitSequence& sequence = *completion.sequence;
+    const auto request = splits_.find(sequence.requester);
+    if (request == splits_.end()) {
+        return;
+    }
+    std::uint32_t& left = request->second.bytesLeft;
+    left = sequence.isCountOwn ? left : sequence.byteCount;
+    left -= static_cast<std::uint32_t>(std::min<std::uint64_t>(left, completion.bytes));
+    if (sequence.isMessage || left == 0) {
+        splits_.erase(request);
     }
 }
 

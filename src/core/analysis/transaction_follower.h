@@ -27,9 +27,10 @@ public:
     /// Takes the next sample. Returns the transactions that end with it or have ended before it: at
     /// most one, or two after missing samples. They are valid until the next call.
     [[nodiscard]] std::span<const Transaction> Add(std::int64_t number, const SampleRecord& record);
-    /// The transaction in progress at the last sample, if any, as cut off; more samples may be
-    /// added.
-    [[nodiscard]] std::optional<Transaction> Unfinished() const;
+    /// The transaction in progress at the last sample, if any; more samples may be added. An end
+    /// that was not seen becomes `unseen`.
+    [[nodiscard]] std::optional<Transaction>
+    Unfinished(TransactionEnd unseen = TransactionEnd::CutOff) const;
 
     /// Where to begin in the middle of a capture.
     struct Place {
@@ -37,6 +38,8 @@ public:
         std::int64_t number = 0;              // of the sample before it
         std::int64_t time = 0;                // of that sample
         const SampleRecord* before = nullptr; // that sample; null if others are missing since
+        std::optional<std::int64_t> lastEnd;  // when the transaction before ended; nothing if
+                                              // samples are missing since
     };
     /// Begins with a new capture.
     void Restart();
@@ -51,10 +54,17 @@ public:
     [[nodiscard]] const BusTraffic* Traffic() const noexcept { return traffic_.get(); }
 
 private:
+    struct SplitRequest {
+        std::uint64_t number = 0;
+        std::uint32_t bytesLeft = 0;
+    };
+
     [[nodiscard]] bool HasFinding(const SampleRecord& record) const;
     void Break();
     /// Adds what the capture around a transaction tells.
     void Complete(Transaction& transaction) const;
+    /// Pairs a split completion with its request.
+    void TakeCompletion(const Transaction& completion);
     /// Takes one that has ended, with what the next ones need to know of it.
     void End(Transaction ended);
 
@@ -66,10 +76,10 @@ private:
     std::int64_t number_ = 0; // of the last sample
     std::int64_t time_ = 0;
     std::uint64_t transactions_ = 0;
-    std::uint64_t findings_ = 0;                    // in the transaction in progress
-    std::optional<std::int64_t> lastEnd_;           // time; nothing if samples are missing since
-    bool isWhole_ = true;                           // it has seen all samples from the first on
-    std::map<std::uint32_t, std::uint64_t> splits_; // numbers of split requests, by requester
+    std::uint64_t findings_ = 0;                   // in the transaction in progress
+    std::optional<std::int64_t> first_;            // number of the first sample of the capture
+    std::optional<std::int64_t> lastEnd_;          // time; nothing if samples are missing since
+    std::map<std::uint32_t, SplitRequest> splits_; // by requester
     std::array<Transaction, 2> ended_;
     std::size_t endedCount_ = 0;
 };

@@ -16,9 +16,10 @@ TransactionIndex::TransactionIndex(const BoardTraits& board, const SignalTables&
 void TransactionIndex::Extend(const CapturedSamples& samples) {
     for (; followed_ < samples.records.size(); ++followed_) {
         if (followed_ % stride == 0) {
-            times_.push_back(follower_.Time());
+            known_.push_back({follower_.Time(), absentAt_});
         }
         if (!samples.Has(followed_)) {
+            absentAt_ = static_cast<std::uint32_t>(followed_);
             continue;
         }
         if (!firstPresent_) {
@@ -43,7 +44,7 @@ void TransactionIndex::Extend(const CapturedSamples& samples) {
 
 /// The time of the last sample before a record.
 std::int64_t TransactionIndex::TimeBefore(std::size_t index, const CapturedSamples& samples) const {
-    std::int64_t time = times_[index / stride];
+    std::int64_t time = known_[index / stride].time;
     for (std::size_t i = index / stride * stride; sampleTime_ && i < index; ++i) {
         if (samples.Has(i) && i != firstPresent_) {
             time = AddTimes(time, sampleTime_->Of(samples.records[i]));
@@ -52,8 +53,22 @@ std::int64_t TransactionIndex::TimeBefore(std::size_t index, const CapturedSampl
     return time;
 }
 
-/// Sets up the reader at the beginning of a transaction.
-void TransactionIndex::StartAt(std::size_t row, const CapturedSamples& samples) {
+/// Whether no record from `first` up to `end` is missing.
+bool TransactionIndex::HasAll(std::size_t first, std::size_t end,
+                              const CapturedSamples& samples) const {
+    const std::size_t from = std::max(first, end / stride * stride);
+    for (std::size_t i = from; i < end; ++i) {
+        if (!samples.Has(i)) {
+            return false;
+        }
+    }
+    const auto absentAt = known_[end / stride].absentAt;
+    return !absentAt || *absentAt < first;
+}
+
+/// Sets up the reader at the beginning of a transaction. `lastEnd` is when the one before ended.
+void TransactionIndex::StartAt(std::size_t row, std::optional<std::int64_t> lastEnd,
+                               const CapturedSamples& samples) {
     const std::size_t start = StartOf(row);
     if (start == firstPresent_) {
         reader_.Restart();
@@ -62,30 +77,46 @@ void TransactionIndex::StartAt(std::size_t row, const CapturedSamples& samples) 
     const bool follows = start > 0 && samples.Has(start - 1);
     const auto number = samples.first + static_cast<std::int64_t>(start);
     reader_.Resume({row, follows ? number - 1 : number - 2, TimeBefore(start, samples),
-                    follows ? &samples.records[start - 1] : nullptr});
+                    follows ? &samples.records[start - 1] : nullptr, lastEnd});
+}
+
+/// Follows one transaction up to its end.
+Transaction TransactionIndex::Follow(std::size_t row, std::optional<std::int64_t> lastEnd,
+                                     const CapturedSamples& samples) {
+    const std::uint64_t number = row + 1;
+    StartAt(row, lastEnd, samples);
+    for (std::size_t i = StartOf(row); i < followed_; ++i) {
+        if (!samples.Has(i)) {
+            return reader_.Unfinished(TransactionEnd::Unknown).value_or(Transaction());
+        }
+        const auto sample = samples.first + static_cast<std::int64_t>(i);
+        for (const Transaction& ended : reader_.Add(sample, samples.records[i])) {
+            if (ended.number == number) {
+                return ended;
+            }
+        }
+    }
+    return reader_.Unfinished().value_or(Transaction());
+}
+
+/// When the transaction before a row ended; nothing if samples are missing since. The idle samples
+/// between them are not read, since there may be millions.
+std::optional<std::int64_t> TransactionIndex::EndBefore(std::size_t row,
+                                                        const CapturedSamples& samples) {
+    if (row == 0) {
+        return std::nullopt;
+    }
+    reader_.KeepWords(0);
+    const Transaction before = Follow(row - 1, std::nullopt, samples);
+    const auto last = static_cast<std::size_t>(before.lastSample - samples.first);
+    return HasAll(last, StartOf(row), samples) ? std::optional(before.lastTime) : std::nullopt;
 }
 
 Transaction TransactionIndex::Row(std::size_t row, const CapturedSamples& samples,
                                   std::size_t words) {
-    const std::size_t before = row == 0 ? 0 : row - 1; // its end tells the gap
-    const std::uint64_t number = row + 1;
+    const auto lastEnd = EndBefore(row, samples);
     reader_.KeepWords(words);
-    StartAt(before, samples);
-    const auto follow = [&] {
-        for (std::size_t i = StartOf(before); i < followed_; ++i) {
-            if (!samples.Has(i)) {
-                continue;
-            }
-            const auto sample = samples.first + static_cast<std::int64_t>(i);
-            for (const Transaction& ended : reader_.Add(sample, samples.records[i])) {
-                if (ended.number == number) {
-                    return ended;
-                }
-            }
-        }
-        return reader_.Unfinished().value_or(Transaction());
-    };
-    Transaction found = follow();
+    Transaction found = Follow(row, lastEnd, samples);
     found.splitRequest = row < starts_.size() ? std::nullopt : openRequest_;
     const auto split = std::ranges::lower_bound(splits_, static_cast<std::uint32_t>(row), {},
                                                 [](const auto& pair) { return pair.first; });
@@ -113,7 +144,7 @@ std::optional<std::size_t> TransactionIndex::RowAt(std::size_t index,
 
 std::size_t TransactionIndex::Bytes() const noexcept {
     return starts_.size() * sizeof starts_[0] + splits_.capacity() * sizeof splits_[0] +
-           times_.capacity() * sizeof times_[0];
+           known_.capacity() * sizeof known_[0];
 }
 
 } // namespace busquill

@@ -54,10 +54,22 @@ public:
     [[nodiscard]] const BusTraffic* Traffic() const noexcept { return reader_.Traffic(); }
 
 private:
-    static constexpr std::size_t stride = 1024; // records between two known times
+    static constexpr std::size_t stride = 1024; // records between two known states
+    /// What is known of the records before a stride.
+    struct Known {
+        std::int64_t time = 0;                 // of the last sample
+        std::optional<std::uint32_t> absentAt; // the last missing one
+    };
 
     [[nodiscard]] std::int64_t TimeBefore(std::size_t index, const CapturedSamples& samples) const;
-    void StartAt(std::size_t row, const CapturedSamples& samples);
+    [[nodiscard]] bool HasAll(std::size_t first, std::size_t end,
+                              const CapturedSamples& samples) const;
+    void StartAt(std::size_t row, std::optional<std::int64_t> lastEnd,
+                 const CapturedSamples& samples);
+    [[nodiscard]] Transaction Follow(std::size_t row, std::optional<std::int64_t> lastEnd,
+                                     const CapturedSamples& samples);
+    [[nodiscard]] std::optional<std::int64_t> EndBefore(std::size_t row,
+                                                        const CapturedSamples& samples);
 
     TransactionFollower follower_; // at the last sample
     TransactionFollower reader_;   // for rows
@@ -68,8 +80,9 @@ private:
     std::optional<std::uint64_t> openRequest_; // that it completes
     /// Rows of split completions and of their requests, ascending.
     std::vector<std::pair<std::uint32_t, std::uint32_t>> splits_;
-    std::vector<std::int64_t> times_; // of the last sample before each stride
+    std::vector<Known> known_; // at the beginning of each stride
     std::optional<std::size_t> firstPresent_;
+    std::optional<std::uint32_t> absentAt_; // the last missing record
 };
 
 } // namespace busquill

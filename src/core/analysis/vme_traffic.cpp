@@ -12,10 +12,11 @@ namespace busquill {
 
 namespace {
 
-// A command's number: the address modifier and two levels above it.
+// A command's number: the address modifier, two levels above it, and a mark.
 constexpr std::uint32_t modifierMask = 0x3F;
 constexpr std::uint32_t readBit = 0x40;
 constexpr std::uint32_t interruptBit = 0x80;
+constexpr std::uint32_t modifyBit = 0x100; // a read with a write after it
 
 bool IsOneOf(std::uint32_t modifier, std::initializer_list<std::uint32_t> modifiers) {
     return std::find(modifiers.begin(), modifiers.end(), modifier) != modifiers.end();
@@ -99,7 +100,9 @@ public:
         const auto label = FindLabel(*modifiers_, modifier);
         const std::string text = label ? label->text : Printf("AM %02X", modifier);
         const std::size_t row = label ? label->row : modifiers_->values.size() + modifier;
-        return {row, text + (read ? " Rd" : " Wr")}; // the label of reads comes first
+        const bool modifies = (command & modifyBit) != 0;
+        // The label of reads comes first.
+        return {row, text + (modifies ? " RMW" : read ? " Rd" : " Wr")};
     }
 
     [[nodiscard]] int AddressDigits(const Transaction& transaction) const override {
@@ -114,16 +117,22 @@ public:
 private:
     std::uint32_t CommandAt(const SampleRecord& record) const override {
         // For an interrupt acknowledge, neither modifier nor direction is part of the command.
-        return interrupt_.IsAsserted(record) ? interruptBit
-                                             : CommandAtStrobe(modifier_.Value(record), record);
+        return interrupt_.IsAsserted(record)
+                   ? interruptBit
+                   : CommandAtStrobe(modifier_.Value(record), true, record);
     }
-    /// The direction need not be valid before the data strobe.
-    std::uint32_t CommandAtStrobe(std::uint32_t command,
+    /// The direction need not be valid before the data strobe. If a write follows a read under one
+    /// address, the location is read, modified and written.
+    std::uint32_t CommandAtStrobe(std::uint32_t command, bool isFirst,
                                   const SampleRecord& record) const override {
         if ((command & interruptBit) != 0) {
             return command;
         }
-        return (command & modifierMask) | (write_.IsAsserted(record) ? 0 : readBit);
+        const bool isWrite = write_.IsAsserted(record);
+        if (!isFirst) {
+            return isWrite && (command & readBit) != 0 ? command | modifyBit : command;
+        }
+        return (command & modifierMask) | (isWrite ? 0 : readBit);
     }
 
     /// For an interrupt acknowledge, its level.
@@ -169,30 +178,51 @@ private:
         return (command & interruptBit) != 0 || !IsLock(command & modifierMask);
     }
 
-    DataWord WordOf(std::uint32_t command, const SampleRecord& record) const override {
-        if ((command & interruptBit) == 0 && IsWideBlock(command & modifierMask)) {
+    /// LWORD and A1 tell the size of a transfer with the address. They may change afterwards: in
+    /// some blocks they carry data.
+    void Latch(const TimedSample& sample, const Transaction& transaction) override {
+        isLongWord_ = longWord_.IsAsserted(sample.record);
+        a1_ = sample.record.Bit(address_.DataIndex() + 1);
+        if (IsOther(transaction.command)) {
+            twoEdge_ = TwoEdgeAt(transaction.command, sample.record);
+        }
+    }
+
+    Beat BeatOf(const Transaction& transaction, std::uint32_t strobes,
+                const SampleRecord& record) const override {
+        const DataWord word = WordOf(transaction.command, strobes, record);
+        return {word, static_cast<std::uint32_t>(std::popcount(word.lanes))};
+    }
+    [[nodiscard]] DataWord WordOf(std::uint32_t command, std::uint32_t strobes,
+                                  const SampleRecord& record) const {
+        const std::uint32_t modifier = command & modifierMask;
+        const bool isInterrupt = (command & interruptBit) != 0;
+        const bool both = std::popcount(strobes) == 2;
+        const std::uint64_t data = address_.Word(record) >> 32;
+        if (!isInterrupt && IsWideBlock(modifier)) {
             return {WideData(record), 8, 0xFF};
         }
-        const std::uint64_t data = address_.Word(record) >> 32;
-        const std::uint8_t lanes = LanesOf(record);
-        constexpr std::uint8_t lowLanes = 0x3;
-        return lanes <= lowLanes ? DataWord{data & 0xFFFF, 2, lanes} : DataWord{data, 4, lanes};
-    }
-    std::uint32_t BytesOf(std::uint32_t command, const SampleRecord& record) const override {
-        return static_cast<std::uint32_t>(std::popcount(WordOf(command, record).lanes));
-    }
-    [[nodiscard]] std::uint8_t LanesOf(const SampleRecord& record) const {
-        constexpr std::uint32_t upperStrobe = 2;
-        const std::uint32_t strobes = dataStrobes_.Asserted(record);
-        const bool both = std::popcount(strobes) == 2;
-        if (!longWord_.IsAsserted(record)) {
-            return both ? 0x3 : strobes == upperStrobe ? 0x2 : 0x1;
+        if (isInterrupt && both && isLongWord_) {
+            return {data, 4, 0xF}; // A1 is a bit of the level
         }
-        if (!both) {
+        if (!isInterrupt && AddressBits(modifier) == 40) { // for boards with 16 data lines
+            return both && isLongWord_ ? SmallWideData(record)
+                                       : DataWord{data & 0xFFFF, 2, ShortLanes(strobes)};
+        }
+        if (isLongWord_) {
+            return {data, 4, LongLanes(strobes)};
+        }
+        return {data & 0xFFFF, 2, ShortLanes(strobes)};
+    }
+    static constexpr std::uint32_t upperStrobe = 2;
+    [[nodiscard]] static std::uint8_t ShortLanes(std::uint32_t strobes) {
+        return strobes == upperStrobe ? 0x2 : strobes == 1 ? 0x1 : 0x3;
+    }
+    [[nodiscard]] std::uint8_t LongLanes(std::uint32_t strobes) const {
+        if (std::popcount(strobes) != 2) {
             return strobes == upperStrobe ? 0xE : 0x7; // unaligned
         }
-        const bool a1 = record.Bit(address_.DataIndex() + 1);
-        return a1 ? 0x6 : 0xF; // the two middle bytes, or all
+        return a1_ ? 0x6 : 0xF; // the two middle bytes, or all
     }
     /// 64 bits: the upper half is on the address lines, its lowest bit on LWORD.
     [[nodiscard]] std::uint64_t WideData(const SampleRecord& record) const {
@@ -200,6 +230,15 @@ private:
         const std::uint64_t upper =
             (lines & lowWord & ~std::uint64_t{1}) | (longWord_.IsHigh(record) ? 1U : 0U);
         return upper << 32 | lines >> 32;
+    }
+    /// 32 bits of boards with 16 data lines: the upper half is on the address lines.
+    [[nodiscard]] DataWord SmallWideData(const SampleRecord& record) const {
+        const std::uint64_t wide = WideData(record);
+        return {(wide >> 32 & 0xFFFF) << 16 | (wide & 0xFFFF), 4, 0xF};
+    }
+
+    bool IsRead(std::uint32_t command, const SampleRecord& record) const override {
+        return (command & interruptBit) != 0 || !write_.IsAsserted(record);
     }
 
     bool IsRetry(const SampleRecord& record) const override { return retry_.IsAsserted(record); }
@@ -210,13 +249,14 @@ private:
     bool IsOther(std::uint32_t command) const override {
         return (command & interruptBit) == 0 && IsTwoEdge(command & modifierMask);
     }
-    void BeginOther(const TimedSample& sample, Transaction& transaction) override {
-        const std::uint64_t extended = address_.Word(sample.record) & 0xFF;
-        twoEdge_ = {};
-        twoEdge_.isSourceSynchronous = (extended & 0x30) != 0;
-        twoEdge_.hasWideAddress = (extended & 0x0F) == 2;
-        twoEdge_.isSmall = (transaction.command & modifierMask) == smallTwoEdge;
-        twoEdge_.retry = retry_.IsAsserted(sample.record);
+    [[nodiscard]] TwoEdgeState TwoEdgeAt(std::uint32_t command, const SampleRecord& record) const {
+        const std::uint64_t extended = address_.Word(record) & 0xFF;
+        TwoEdgeState state;
+        state.isSourceSynchronous = (extended & 0x30) != 0;
+        state.hasWideAddress = (extended & 0x0F) == 2;
+        state.isSmall = (command & modifierMask) == smallTwoEdge;
+        state.retry = retry_.IsAsserted(record);
+        return state;
     }
     void TakeOther(const TimedSample& sample, const Lines& lines, const Lines& before,
                    StrobedTransaction& open) override {
@@ -225,16 +265,11 @@ private:
         const bool retry = retry_.IsAsserted(sample.record);
         if (frames && !open.strobed) {
             open.strobed = true;
-            open.sum.command = CommandAtStrobe(open.sum.command, sample.record);
+            open.sum.command = CommandAtStrobe(open.sum.command, true, sample.record);
         }
-        if (!open.refused && ((retry && !state.retry) || (lines.error && !before.error))) {
-            open.refused = !retry                     ? TransactionEnd::BusError
-                           : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
-                                                      : TransactionEnd::Retry;
-            state.waiting = false;
-        }
+        const bool isRefused = (retry && !state.retry) || (lines.error && !before.error);
         state.retry = retry;
-        if (open.refused) {
+        if (open.sum.HasEnd()) {
             return;
         }
         const bool isAcknowledge = lines.acknowledge != before.acknowledge;
@@ -246,6 +281,12 @@ private:
             }
         } else if (frames && (before.strobes & 1) != 0) {
             TakeEdges(sample, ((lines.strobes ^ before.strobes) & 2) != 0, isAcknowledge, open.sum);
+        }
+        if (isRefused) { // after the beat in the same sample, which moved
+            open.sum.end = !retry                     ? TransactionEnd::BusError
+                           : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
+                                                      : TransactionEnd::Retry;
+            state.waiting = false;
         }
     }
     void TakeAddressPhase(const SampleRecord& record, int phase, Transaction& sum) const {
@@ -270,7 +311,8 @@ private:
         if (!moves) {
             return;
         }
-        AddData(sum, TwoEdgeWord(sample.record), state.isSmall ? 4 : 8, sample.time);
+        const DataWord word = TwoEdgeWord(sample.record);
+        AddData(sum, {word, word.width}, sample.time);
         if (std::exchange(state.waiting, false)) {
             ++sum.acknowledgeTime.transfers;
             sum.acknowledgeTime.total =
@@ -278,11 +320,7 @@ private:
         }
     }
     [[nodiscard]] DataWord TwoEdgeWord(const SampleRecord& record) const {
-        const std::uint64_t wide = WideData(record);
-        if (!twoEdge_.isSmall) {
-            return {wide, 8, 0xFF};
-        }
-        return {(wide >> 32 & 0xFFFF) << 16 | (wide & 0xFFFF), 4, 0xF};
+        return twoEdge_.isSmall ? SmallWideData(record) : DataWord{WideData(record), 8, 0xFF};
     }
     bool IsOtherWaiting() const override { return twoEdge_.waiting; }
 
@@ -301,6 +339,8 @@ private:
 
     SignalLine modifier_, write_, longWord_, interrupt_, retry_, address_;
     std::shared_ptr<const CDecodedSignalDef> modifiers_, commands_;
+    bool isLongWord_ = false; // of the transaction in progress
+    bool a1_ = false;
     TwoEdgeState twoEdge_;
 };
 

@@ -2,6 +2,7 @@
 #include "analysis/value_labels.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 
 namespace busquill {
@@ -17,7 +18,7 @@ public:
     explicit VsbTraffic(const SignalTables& tables)
         : StrobedTraffic(tables, {"PAS", "DS", "ACK", "ERR"}), lines_(tables, "AD"),
           space_(tables, "SPACE"), size_(tables, "SIZE"), write_(tables, "WR"),
-          commands_(tables.decodedSignals.FindByName("COMMAND")) {}
+          addressAnswer_(tables, "ASACK"), commands_(tables.decodedSignals.FindByName("COMMAND")) {}
 
     [[nodiscard]] CommandName NameOf(std::uint32_t command) const override {
         if (const auto label = FindLabel(*commands_, command)) {
@@ -34,7 +35,7 @@ private:
     std::uint32_t CommandAt(const SampleRecord& record) const override {
         return space_.Value(record) | (write_.IsAsserted(record) ? 0 : readBit);
     }
-    std::uint32_t CommandAtStrobe(std::uint32_t command,
+    std::uint32_t CommandAtStrobe(std::uint32_t command, bool /*isFirst*/,
                                   const SampleRecord& /*record*/) const override {
         return command;
     }
@@ -49,19 +50,31 @@ private:
     bool CarriesData(std::uint32_t /*command*/) const override { return true; }
 
     /// Which lanes carry the bytes depends on the target too, so all are shown.
-    DataWord WordOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
-        return {lines_.Value(record), 4, 0xF};
+    Beat BeatOf(const Transaction& transaction, std::uint32_t /*strobes*/,
+                const SampleRecord& record) const override {
+        constexpr std::array<std::uint32_t, 4> sizes = {4, 1, 2, 3};
+        const std::uint32_t size = sizes[size_.Value(record)];
+        const std::uint32_t width = WidthOf(record);
+        const auto next = static_cast<std::uint32_t>(*transaction.address + transaction.bytes);
+        const std::uint32_t bytes =
+            width == 0 ? size : std::min(size, width - (next & (width - 1)));
+        return {{lines_.Value(record), 4, 0xF}, bytes};
     }
-    std::uint32_t BytesOf(std::uint32_t /*command*/, const SampleRecord& record) const override {
-        constexpr std::array<std::uint32_t, 4> bytes = {4, 1, 2, 3};
-        return bytes[size_.Value(record)];
+    /// The bytes that the target can move at once, from its answer to the address; 0 if it gave
+    /// none. Of a longer transfer it moves what fits, and the initiator asks for the rest.
+    [[nodiscard]] std::uint32_t WidthOf(const SampleRecord& record) const {
+        constexpr std::array<std::uint32_t, 4> widths = {0, 1, 2, 4};
+        return widths[addressAnswer_.Asserted(record)];
     }
 
+    bool IsRead(std::uint32_t command, const SampleRecord& /*record*/) const override {
+        return (command & readBit) != 0;
+    }
     TransactionEnd MeaningOfError(const SampleRecord& /*record*/) const override {
         return TransactionEnd::BusError;
     }
 
-    SignalLine lines_, space_, size_, write_;
+    SignalLine lines_, space_, size_, write_, addressAnswer_;
     std::shared_ptr<const CDecodedSignalDef> commands_;
 };
 

@@ -128,6 +128,18 @@ TEST_F(PciTransactions, CallUnansweredOnesMasterAborts) {
                 ElementsAre(TransactionEnd::MasterAbort));
 }
 
+TEST_F(PciTransactions, TellTheMessageOfASpecialCycle) {
+    // It is valid in the first clock in which the initiator is ready.
+    Waves waves = Read("~_____~~");
+    waves.Line("IRDY", "~~~____~").At(3, "AD", 0x00010002).At(4, "AD", 0x77);
+    const auto transactions = Address(waves, 1, 0xF1, 0).Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_THAT(transactions[0].words, ElementsAre(DataWord{0x00010002, 4, 0xF}));
+    EXPECT_EQ(transactions[0].bytes, 4U);
+    EXPECT_EQ(transactions[0].Latency(), 20);
+    EXPECT_EQ(transactions[0].waitStates, (WaitStates{1, 0})) << "no target";
+}
+
 TEST_F(PciTransactions, DoNotGuessTheEndOfAddressPhasesThatWereStoredAlone) {
     Waves waves = Read("~__~");
     EXPECT_THAT(Ends(Address(waves, 2, 0xF7, 0).Transactions()),
@@ -163,6 +175,26 @@ TEST_F(PciTransactions, AreUnknownWhereSamplesAreMissing) {
     EXPECT_TRUE(transactions[1].isHeadless);
     EXPECT_EQ(transactions[1].sample, 6);
     EXPECT_EQ(transactions[1].gap, std::nullopt);
+}
+
+TEST_F(PciTransactions, KeepAnEndThatWasSeenBeforeTheCaptureEnds) {
+    // The target signals a retry in sample 3; the initiator has not taken it back yet.
+    Waves waves = Read("~____");
+    waves.Line("IRDY", "~~___").Line("DEVSEL", "~~___").Line("BSTOP", "~~~__");
+    EXPECT_THAT(Ends(waves.Transactions()), ElementsAre(TransactionEnd::Retry));
+    EXPECT_EQ(waves.Summary().retries, 1U);
+    EXPECT_EQ(waves.Summary().unfinished, 1U);
+}
+
+TEST_F(PciTransactions, KeepAnEndThatWasSeenBeforeSamplesAreMissing) {
+    const auto transactions = Read("~_____~")
+                                  .Line("IRDY", "~~____~")
+                                  .Line("DEVSEL", "~~_~~~~")
+                                  .Line("BSTOP", "~~~___~")
+                                  .Missing(4, 4)
+                                  .Transactions();
+    EXPECT_THAT(Ends(transactions),
+                ElementsAre(TransactionEnd::TargetAbort, TransactionEnd::Unknown));
 }
 
 TEST_F(PciTransactions, EndTwiceInASampleAfterMissingOnes) {
@@ -227,6 +259,46 @@ TEST_F(PciXTransactions, PairNoCompletionAfterTheLastByte) {
     EXPECT_EQ(transactions.at(2).splitRequest, std::nullopt);
 }
 
+TEST_F(PciXTransactions, GoOnAfterACompletionWhoseByteCountIsItsOwn) {
+    // It announces and moves 4 of the 8 bytes.
+    Waves waves = SplitRead();
+    const auto transactions = waves.At(7, "AD", 1U << 31 | 0x00FF0000 | 4).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, 1U);
+    EXPECT_EQ(transactions.at(1).end, TransactionEnd::Complete);
+    EXPECT_EQ(transactions.at(2).splitRequest, 1U);
+}
+
+TEST_F(PciXTransactions, PairNoCompletionAfterTheLastByteWhoseByteCountIsItsOwn) {
+    Waves waves = SplitRead();
+    waves.At(2, "AD", requester | 4); // 4 bytes are requested
+    const auto transactions = waves.At(7, "AD", 1U << 31 | 0x00FF0000 | 4).Transactions();
+    EXPECT_EQ(transactions.at(1).splitRequest, 1U);
+    EXPECT_EQ(transactions.at(2).splitRequest, std::nullopt);
+}
+
+TEST_F(PciXTransactions, AreCompleteWhenAllAnnouncedBytesHaveMoved) {
+    // The capture ends with the second of two words; FRAME tells nothing yet.
+    const auto block = [&](std::uint32_t count) {
+        Waves waves(bus);
+        waves.Line("FRAME", "~_____").Line("IRDY", "~~~___").Line("DEVSEL", "~~~___");
+        waves.Line("TRDY", "~~~~__").Set("SBO", 0).Set("C/BE", 0xF0);
+        Phase(waves, 1, 0xFF, 0x1002, requester | count);
+        return waves.Transactions();
+    };
+    EXPECT_THAT(Ends(block(6)), ElementsAre(TransactionEnd::Complete));
+    EXPECT_THAT(Ends(block(7)), ElementsAre(TransactionEnd::CutOff));
+}
+
+TEST_F(PciXTransactions, CountDisabledBytesOfAWriteAsAnnounced) {
+    Waves waves(bus);
+    waves.Line("FRAME", "~____").Line("IRDY", "~~~__").Line("DEVSEL", "~~~__");
+    waves.Line("TRDY", "~~~~_").Set("SBO", 0).Set("C/BE", 0xF0);
+    Phase(waves, 1, 0xF7, 0x1000, requester | 4);
+    const auto transactions = waves.At(4, "C/BE", 0xFE).Transactions();
+    EXPECT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_EQ(transactions[0].bytes, 1U);
+}
+
 TEST_F(PciXTransactions, PairNoCompletionOfAnotherRequester) {
     Waves waves = SplitRead();
     const auto transactions = waves.At(6, "AD", requester ^ 1U << 24).Transactions();
@@ -259,6 +331,72 @@ TEST_F(VmeTransactions, TellTheLevelOfAnInterruptAcknowledge) {
     EXPECT_EQ(transactions.at(0).address, 5U);
 }
 
+TEST_F(VmeTransactions, TakeTheSizeOfABlockFromItsAddress) {
+    // LWORD and A1 are not driven any more after the first beat.
+    Waves waves = Access("~______~~", "~~__~__~~", "~~~_~~_~~", 0x0B);
+    const auto transactions =
+        waves.At(5, "LWORD", 1).At(6, "LWORD", 1).At(6, "AD", 2).Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    EXPECT_EQ(transactions[0].words.at(1).lanes, 0xF);
+    EXPECT_EQ(transactions[0].bytes, 8U);
+}
+
+TEST_F(VmeTransactions, TakeTheLanesOfEachBeatFromItsStrobes) {
+    // A block of bytes: the even one is on DS1, the odd one on DS0.
+    Waves waves = Access("~______~~", "~~~~~~~~~", "~~~_~~_~~", 0x0B);
+    waves.Line("DS", "~~~~~__~~").Line("DS", "~~__~~~~~", 1).Set("LWORD", 1);
+    const auto transactions = waves.Transactions();
+    ASSERT_EQ(transactions.at(0).words.size(), 2U);
+    EXPECT_EQ(transactions[0].words[0].lanes, 0x2);
+    EXPECT_EQ(transactions[0].words[1].lanes, 0x1);
+    EXPECT_EQ(transactions[0].bytes, 2U);
+}
+
+TEST_F(VmeTransactions, TellAllBytesOfAStatusThatIs32BitsWide) {
+    // A1 is a bit of the level, here of level 1.
+    Waves waves = Access("~___~", "~~__~", "~~~_~");
+    waves.Line("IACK", "~___~").Set("AD", 0xFFFFFFF2);
+    EXPECT_EQ(waves.Transactions().at(0).bytes, 4U);
+}
+
+TEST_F(VmeTransactions, TakeTheUpperHalfOf40BitBlocksFromTheAddressLines) {
+    // The first strobe carries the upper part of the address; the upper data lines do not exist.
+    Waves waves = Access("~_______~~", "~~__~~__~~", "~~~_~~~_~~", 0x37);
+    waves.Set("AD", 0x00ABCDE0).At(7, "AD", 0xFFFF1234).At(7, "LWORD", 1);
+    const auto transactions = waves.Transactions();
+    ASSERT_EQ(transactions.at(0).words.size(), 1U);
+    EXPECT_EQ(transactions[0].words[0], (DataWord{0x12350000, 4, 0xF}));
+    // Without LWORD, the data lines carry two bytes.
+    Waves narrow = Access("~_______~~", "~~__~~__~~", "~~~_~~~_~~", 0x34);
+    EXPECT_EQ(narrow.Set("LWORD", 1).Transactions().at(0).words.at(0), (DataWord{0, 2, 0x3}));
+}
+
+TEST_F(VmeTransactions, TakeDataThatAreReadBeforeTheStrobeIsReleased) {
+    // The data settle in sample 4, and are gone in sample 6.
+    const auto transactions = [&](const char* write, const char* ds1) {
+        Waves waves = Access("~______~~", "~~____~~~", "~~~____~~", 0x09);
+        waves.Line("DS", ds1, 1).Line("WRITE", write);
+        for (const std::size_t sample : {2U, 3U, 4U, 5U, 6U}) {
+            waves.Word(sample, "AD", (0xD0ULL + sample) << 32); // the data lines are the upper half
+        }
+        return waves.Transactions();
+    };
+    constexpr const char* reads = "~~~~~~~~~";
+    EXPECT_EQ(transactions(reads, "~~____~~~").at(0).words.at(0).value, 0xD5U);
+    EXPECT_EQ(transactions(reads, "~~____~~~").at(0).Latency(), 20) << "the first sample tells";
+    EXPECT_EQ(transactions(reads, "~~___~~~~").at(0).words.at(0).value, 0xD4U) << "DS1 is over";
+    EXPECT_EQ(transactions("_________", "~~____~~~").at(0).words.at(0).value, 0xD3U)
+        << "the initiator may take written data away after the acknowledge";
+}
+
+TEST_F(VmeTransactions, TakeAnAnswerInTheSampleAfterTheStrobe) {
+    // First the address of 64 bits, then the data.
+    Waves waves = Access("~_______~", "~~_~~_~~~", "~~~_~~_~~", 0x01);
+    const auto transactions = waves.Transactions();
+    ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
+    EXPECT_EQ(transactions[0].dataPhases, 0U) << "the data are over too";
+}
+
 TEST_F(VmeTransactions, CallABlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
     const auto transactions =
         Access("~_________~~", "~~__~~____~~", "~~~_~~~~~~~~", 0x0B).Transactions();
@@ -269,6 +407,16 @@ TEST_F(VmeTransactions, CallABlockWhoseLastStrobeIsNeverAnsweredAMasterAbort) {
 
 TEST_F(VmeTransactions, AreCutOffBeforeTheirLastStrobeIsAnswered) {
     EXPECT_THAT(Ends(Access("~______", "~~__~~_", "~~~_~~~").Transactions()),
+                ElementsAre(TransactionEnd::CutOff));
+}
+
+TEST_F(VmeTransactions, KeepAnErrorThatWasSeenBeforeTheCaptureEnds) {
+    Waves waves = Access("~_____", "~~____", "~~~~~~");
+    EXPECT_THAT(Ends(waves.Line("BERR", "~~~~__").Transactions()),
+                ElementsAre(TransactionEnd::BusError));
+    EXPECT_EQ(waves.Summary().busErrors, 1U);
+    // Acknowledged, but another strobe may follow.
+    EXPECT_THAT(Ends(Access("~_____", "~~____", "~~~~__").Transactions()),
                 ElementsAre(TransactionEnd::CutOff));
 }
 
@@ -352,6 +500,17 @@ TEST_F(VmeTransactions, EndA2eVmeBlockWithRetryOrError) {
     EXPECT_THAT(end("RETRY", "~~~~~~~~~~~~~~____~~"),
                 ElementsAre(TransactionEnd::DisconnectWithData));
     EXPECT_THAT(end("BERR", "~~~~~~~~~~~~~~____~~"), ElementsAre(TransactionEnd::BusError));
+}
+
+TEST_F(VmeTransactions, MoveTheBeatInTheSampleOfA2eVmeRefusal) {
+    // The last of four acknowledges falls together with the other line in sample 14.
+    for (const auto& [line, end] : {std::pair{"RETRY", TransactionEnd::DisconnectWithData},
+                                    {"BERR", TransactionEnd::BusError}}) {
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, "~~~__~~__~~__~____~~", 0x01);
+        const auto transactions = waves.Line(line, "~~~~~~~~~~~~~~____~~").Transactions();
+        ASSERT_THAT(Ends(transactions), ElementsAre(end)) << line;
+        EXPECT_EQ(transactions[0].dataPhases, 4U) << line;
+    }
 }
 
 TEST_F(VmeTransactions, CountDataOf2eVmeInTheStatistics) {

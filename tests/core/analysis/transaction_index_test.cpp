@@ -41,7 +41,7 @@ protected:
         std::vector<Transaction> transactions;
         TransactionFollower follower(bus.board, bus.tables);
         follower.KeepWords(4);
-        for (std::size_t i = 0; i < sampleCount; ++i) {
+        for (std::size_t i = 0; i < records.size(); ++i) {
             if (!absent.Test(i)) {
                 const auto ended = follower.Add(
                     static_cast<std::int64_t>(i) - std::int64_t{sampleCount / 2}, records[i]);
@@ -68,6 +68,15 @@ INSTANTIATE_TEST_SUITE_P(
                     RowsCase{"Vme", boardsim::Family::Vme, "VMEKite", BusVme, 0},
                     RowsCase{"Lark", boardsim::Family::Lark, "VMELark", BusVme, 0},
                     RowsCase{"Vsb", boardsim::Family::Vsb, "VSBKite", BusVsb, 0}),
+    [](const auto& each) { return each.param.name; });
+
+class TransactionsWithoutIdleSamples : public TransactionRows {};
+
+INSTANTIATE_TEST_SUITE_P(
+    Families, TransactionsWithoutIdleSamples,
+    testing::Values(RowsCase{"Pci32", boardsim::Family::Pci32, "PCIKite", BusPci, 0},
+                    RowsCase{"Pci64", boardsim::Family::Pci64, "PCIKite", BusPci, 1},
+                    RowsCase{"PciX", boardsim::Family::PciX, "PCIKite", BusPciX, 1}),
     [](const auto& each) { return each.param.name; });
 
 } // namespace
@@ -128,6 +137,53 @@ TEST_P(TransactionRows, TakeLessThanAQuarterOfTheRecords) {
     TransactionIndex index(bus.board, bus.tables);
     index.Extend(Samples());
     EXPECT_LT(index.Bytes(), sampleCount * sizeof(SampleRecord) / 4);
+}
+
+TEST_P(TransactionRows, DoNotReadTheIdleSamplesBetweenThem) {
+    constexpr std::size_t idle = 100000;
+    constexpr std::size_t half = 400;
+    const auto recording = boardsim::RecordDeeds(GetParam().family, 4, 2 * half, half, 0);
+    TransactionFollower follower(bus.board, bus.tables);
+    std::optional<SampleRecord> rest;
+    for (std::size_t i = 0; i < 2 * half; ++i) {
+        const SampleRecord record{recording.samples[i]};
+        if (follower.IsIdle(record) && !rest && i >= half) {
+            rest = record;
+            records.insert(records.end(), idle, record);
+        }
+        records.push_back(record);
+    }
+    const CapturedSamples samples{records, 0, {}};
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend(samples);
+    const auto all = [&] {
+        std::vector<Transaction> rows;
+        for (std::size_t row = 0; row < index.Size(); ++row) {
+            rows.push_back(index.Row(row, samples, 4));
+        }
+        return rows;
+    };
+    const auto wanted = all();
+    // Whoever reads them now finds other transactions.
+    for (std::size_t i = 0; i < idle - 2500; ++i) {
+        records[half + 1250 + i] = records[i % half];
+    }
+    EXPECT_EQ(all(), wanted);
+}
+
+TEST_P(TransactionsWithoutIdleSamples, AreTheSame) {
+    Record(0);
+    const auto wanted = Followed();
+    const TransactionFollower follower(bus.board, bus.tables);
+    std::erase_if(records, [&](const SampleRecord& record) { return follower.IsIdle(record); });
+    ASSERT_LT(records.size(), sampleCount - sampleCount / 10);
+    const auto found = Followed();
+    ASSERT_EQ(found.size(), wanted.size());
+    for (std::size_t row = 0; row < found.size(); ++row) {
+        EXPECT_EQ(found[row].address, wanted[row].address) << row;
+        EXPECT_EQ(found[row].words, wanted[row].words) << row;
+        EXPECT_EQ(found[row].end, wanted[row].end) << row;
+    }
 }
 
 TEST(TransactionRowsOfAConnector, AreNone) {

@@ -60,11 +60,20 @@ TEST_P(VmeStats, TakeTheDirectionFromTheFirstDataStrobe) {
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"A32 NON PRVL DATA Wr"});
 }
 
-TEST_P(VmeStats, KeepTheDirectionOfTheFirstDataStrobe) {
-    // Read, modify, write.
+TEST_P(VmeStats, CallAReadWithAWriteAfterItAReadModifyWrite) {
     const TraceSummary summary = TwoStrobes(amA32).Line("WRITE", "~~~~____~").Summary();
-    const std::vector<CommandCount> expected = {{"A32 NON PRVL DATA Rd", 1, 2, 8}};
+    const std::vector<CommandCount> expected = {{"A32 NON PRVL DATA RMW", 1, 2, 8}};
     EXPECT_EQ(summary.commands, expected);
+}
+
+TEST_P(VmeStats, KeepTheDirectionOfTheFirstDataStrobe) {
+    const TraceSummary summary = TwoStrobes(amA32).Line("WRITE", "____~~~~~").Summary();
+    EXPECT_EQ(Labels(summary), std::vector<std::string>{"A32 NON PRVL DATA Wr"});
+}
+
+TEST_P(VmeStats, TakeTheDirectionAfterTheStrobeOfAWideAddress) {
+    const TraceSummary summary = TwoStrobes(amA64).Line("WRITE", "~~~~____~").Summary();
+    EXPECT_EQ(Labels(summary), std::vector<std::string>{"A64 STA Wr"});
 }
 
 TEST_P(VmeStats, NameAModifierThatIsNotInTheTableByItsCode) {

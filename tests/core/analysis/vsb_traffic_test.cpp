@@ -48,6 +48,25 @@ TEST_F(VsbStats, CountBytesBySize) {
     }
 }
 
+TEST_F(VsbStats, CountNoMoreBytesThanTheTargetIsWide) {
+    struct Case {
+        std::uint32_t asack, size, address;
+        std::uint64_t bytes;
+    };
+    for (const auto& [asack, size, address, bytes] : {
+             Case{0b00, 0, 0, 4}, Case{0b01, 0, 0, 2}, Case{0b10, 0, 0, 1},
+             Case{0b00, 0, 1, 3}, // up to the end of its width
+             Case{0b01, 3, 1, 1}, Case{0b01, 1, 0, 1}, Case{0b11, 0, 1, 4}, // it does not tell
+         }) {
+        const TraceSummary summary = Access("~___~", "~~__~", "~~~_~")
+                                         .Set("ASACK", asack)
+                                         .Set("SIZE", size)
+                                         .Set("AD", address)
+                                         .Summary();
+        EXPECT_EQ(summary.bytes, bytes) << asack << " " << size << " " << address;
+    }
+}
+
 TEST_F(VsbStats, CountATransferForEachAnsweredStrobe) {
     const TraceSummary summary = Access("~_______~", "~~__~__~~", "~~~_~~_~~").Summary();
     EXPECT_EQ(summary.burstLengths, (Lengths{{2, 1}}));

@@ -75,6 +75,15 @@ public:
         return *this;
     }
 
+    /// The same for a group of up to 64 lines.
+    Waves& Word(std::size_t sample, std::string_view name, std::uint64_t value) {
+        const auto def = bus_.tables.busSignals.FindByName(name);
+        for (int bit = 0; bit < def->Width(); ++bit) {
+            SetBit(records_.at(sample), def->dataIndex + bit, ((value >> bit) & 1) != 0);
+        }
+        return *this;
+    }
+
     [[nodiscard]] const std::vector<SampleRecord>& Records() const noexcept { return records_; }
     /// The transactions with all their words, the unfinished one too.
     [[nodiscard]] std::vector<Transaction> Transactions() const {
