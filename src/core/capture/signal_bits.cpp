@@ -4,7 +4,7 @@ namespace busquill {
 
 namespace {
 
-constexpr int digitBits = 4;
+constexpr int commandBits = 4;
 // Bits of a PCI sample that mark its phase.
 constexpr int attributeBit = 93;
 constexpr int addressBit = 95;
@@ -83,7 +83,7 @@ std::vector<RecordBits> InPhase(const std::vector<RecordBits>& ways, const Named
             split.Set(attributeBit, false);
             split.Set(addressBit, true);
             RecordBits command;
-            for (int i = 0; i < digitBits; ++i) {
+            for (int i = 0; i < commandBits; ++i) {
                 command.Set(commandBit + i, (splitCompletion >> i & 1) != 0);
             }
             if (split.Join(command)) {

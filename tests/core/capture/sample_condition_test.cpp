@@ -18,6 +18,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::Not;
 using testing::StartsWith;
 
@@ -223,6 +224,44 @@ TEST_F(SampleConditions, KnowTheRowsOfTheCapture) {
     EXPECT_THAT(ErrorOf("nibble == 3").message, HasSubstr("`My nibble`"));
 }
 
+TEST_F(SampleConditions, OfferWhatCanStandAtTheCursor) {
+    // The cursor is at the "|".
+    const auto complete = [&](std::string text) {
+        const std::size_t cursor = text.find('|');
+        text.erase(cursor, 1);
+        return SampleCondition::Complete(text, cursor, board.tables, {&list});
+    };
+    const auto offered = [&](const std::string& text) { return complete(text).texts; };
+    EXPECT_THAT(offered("|"), IsSupersetOf({"FRAME", "COMMAND", "`RULE CHECK`", "AD[63:0]",
+                                            "C/BE[7:0]", "TIME", "sample", "not", "("}));
+    EXPECT_THAT(offered("|"), Not(Contains("and")));
+    EXPECT_THAT(offered("fr|"), ElementsAre("FRAME"));
+    EXPECT_THAT(offered("FRAME falls and C/|"), ElementsAre("C/BE[7:0]"));
+    EXPECT_THAT(offered("rule|"), IsSupersetOf({"`RULE CHECK`"}));
+    EXPECT_THAT(offered("`rule c|"), IsSupersetOf({"`RULE CHECK`"}));
+    EXPECT_THAT(offered("FRAME |"),
+                ElementsAre("==", "!=", "<", "<=", ">", ">=", "in", "rises", "falls", "changes"));
+    EXPECT_THAT(offered("FRAME r|"), ElementsAre("rises"));
+    EXPECT_THAT(offered("AD |"), ElementsAre("==", "!=", "<", "<=", ">", ">=", "in", "changes"));
+    EXPECT_THAT(offered("TIME |"), ElementsAre("==", "!=", "<", "<=", ">", ">=", "in"));
+    EXPECT_THAT(offered("FRAME =|"), ElementsAre("=="));
+    EXPECT_THAT(offered("COMMAND == |"), IsSupersetOf({"\"Mem Rd\"", "\"I/O Wr\""}));
+    EXPECT_THAT(offered("COMMAND ==|"), IsSupersetOf({"\"Mem Rd\"", "\"I/O Wr\""}));
+    EXPECT_THAT(offered("COMMAND == \"Spc|"), ElementsAre("\"Spc Cyc\""));
+    EXPECT_THAT(offered("COMMAND == spc|"), ElementsAre("\"Spc Cyc\""));
+    EXPECT_THAT(offered("COMMAND == \"Spc Cyc\" |"), ElementsAre("and", "or"));
+    EXPECT_THAT(offered("AD in 5 |"), ElementsAre(".."));
+    EXPECT_THAT(offered("not (FRAME falls |"), ElementsAre("and", "or", ")"));
+    EXPECT_THAT(offered("not (FRAME falls) o|"), ElementsAre("or"));
+    EXPECT_THAT(offered("FRAME == |"), IsEmpty());
+    EXPECT_THAT(offered("NOPE == 1 and |"), IsEmpty());
+    // Only what is before the cursor counts, and is replaced from the beginning of its word.
+    EXPECT_THAT(offered("fr| == 0 and"), ElementsAre("FRAME"));
+    EXPECT_EQ(complete("IRDY == 0 and fr| == 0").place, 14U);
+    EXPECT_EQ(complete("COMMAND == \"Mem R|").place, 11U);
+    EXPECT_EQ(complete("IRDY |").place, 5U);
+}
+
 /// Compares what is found with the texts of the listing.
 class LabelsOfBoards : public testing::TestWithParam<std::tuple<const char*, std::int32_t>> {};
 
@@ -232,7 +271,7 @@ TEST_P(LabelsOfBoards, AreFoundWhereTheListingShowsThem) {
     SCOPED_TRACE(seed);
     std::mt19937 random(seed);
     SampleRows rows;
-    for (std::int32_t i = 0; i < 1024; ++i) {
+    for (std::int32_t i = 0; i < 512; ++i) {
         SampleRecord record;
         for (std::uint8_t& byte : record.bytes) {
             byte = static_cast<std::uint8_t>(random());
