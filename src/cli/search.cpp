@@ -12,6 +12,8 @@
 #include "cli/where.h"
 #include "platform/bits.h"
 #include "platform/text.h"
+#include "signals/record_field.h"
+#include "signals/value_text.h"
 
 #include <algorithm>
 #include <limits>
@@ -53,7 +55,9 @@ void CheckWanted(const WantedSamples& wanted, const char* command) {
 /// The samples that match all patterns and the expression of a command line.
 class SampleFilter {
 public:
-    SampleFilter(const WantedSamples& wanted, const Bus& bus, const TraceStream& stream) {
+    SampleFilter(const WantedSamples& wanted, const Bus& bus, TraceInput& input)
+        : sampleTime_(input.Stream().stateList), time_(sampleTime_) {
+        const TraceStream& stream = input.Stream();
         for (const std::string& text : wanted.patterns) {
             const std::string wrong =
                 patterns_.Add(text, bus.Tables(), {&stream.stateList, &stream.waveformList});
@@ -66,6 +70,13 @@ public:
                 TakeCondition(SampleCondition::Parse(wanted.where, bus.Tables(),
                                                      {&stream.stateList, &stream.waveformList}),
                               wanted.where);
+            if (where_->NeedsTimes()) {
+                const TraceSurvey survey = input.Survey();
+                timeToTrigger_ = survey.timeToTrigger;
+                if (survey.HasGaps()) {
+                    Say(TimesAreShort(input.Name()));
+                }
+            }
         }
     }
 
@@ -73,6 +84,9 @@ public:
     /// order.
     template <typename Take>
     bool TakeMatches(const SampleRows& rows, Take take) {
+        if (where_ && where_->NeedsTimes()) {
+            AddTimesOf(rows);
+        }
         constexpr std::size_t block = RecordPattern::blockSize;
         for (std::size_t first = 0; first < rows.Size(); first += block) {
             const std::size_t count = std::min(block, rows.Size() - first);
@@ -88,14 +102,27 @@ public:
         return true;
     }
     /// The next rows are the first ones again.
-    void Restart() { last_.reset(); }
+    void Restart() {
+        last_.reset();
+        time_ = RunningTime(sampleTime_);
+    }
 
 private:
+    void AddTimesOf(const SampleRows& rows) {
+        times_.clear();
+        for (const SampleRecord& record : rows.records) {
+            time_.Add(record);
+            times_.push_back(AddTimes(time_.Sum(), -timeToTrigger_));
+        }
+    }
     [[nodiscard]] std::uint32_t MatchesOf(const SampleRows& rows, std::size_t first,
                                           std::size_t count) const {
-        const SampleBlock block{.records = std::span(rows.records).subspan(first, count),
-                                .numbers = std::span(rows.numbers).subspan(first, count),
-                                .before = RecordBefore(rows, first)};
+        SampleBlock block{.records = std::span(rows.records).subspan(first, count),
+                          .numbers = std::span(rows.numbers).subspan(first, count),
+                          .before = RecordBefore(rows, first)};
+        if (!times_.empty()) {
+            block.times = std::span(times_).subspan(first, count);
+        }
         const std::uint32_t matches = patterns_.Empty() ? ~0U : patterns_.MatchesOf(block.records);
         return where_ && matches != 0 ? matches & where_->MatchesOf(block) : matches;
     }
@@ -111,6 +138,10 @@ private:
     SearchCondition patterns_;
     std::optional<SampleCondition> where_;
     std::optional<std::pair<std::int32_t, SampleRecord>> last_; // of the piece before
+    SampleTime sampleTime_;
+    RunningTime time_; // up to the end of the piece
+    std::int64_t timeToTrigger_ = 0;
+    std::vector<std::int64_t> times_; // since the trigger, of the piece; only if they are needed
 };
 
 /// Prints matches as they are found, or keeps them until the end of a backward search.
@@ -167,7 +198,7 @@ int RunSearch(const SearchOptions& options) {
     const auto from = options.from;
     TraceInput input(options.file, bus.Tables());
     input.ReadHead();
-    SampleFilter filter(options.wanted, bus, input.Stream());
+    SampleFilter filter(options.wanted, bus, input);
     Output output(options.output.path);
     Matches matches(options, output);
     bool more = true;
@@ -199,7 +230,7 @@ int RunFilter(const FilterOptions& options) {
     TraceInput input(options.file, bus.Tables());
     TraceStream& stream = input.Stream();
     input.ReadHead();
-    SampleFilter filter(options.wanted, bus, stream);
+    SampleFilter filter(options.wanted, bus, input);
     const auto search = [&](auto take) {
         filter.Restart();
         while (const SampleRows* rows = input.NextRows()) {

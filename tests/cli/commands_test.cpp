@@ -365,6 +365,28 @@ TEST_F(TraceCommands, ExpressionsAndPatternsFindTheSame) {
     EXPECT_EQ(all("--where", "AD in 0xFEBF0000..0xFEBFFFFF"), all("-p", "AD=FEBFxxxx"));
 }
 
+TEST_F(TraceCommands, SearchByTheTimeSinceTheTrigger) {
+    const std::string capture = data + "Trigger2.tra";
+    // The listing shows ACCUM of each sample: the last one before 5 us and the first one after.
+    const std::string number = Run({"search", capture, "--where", "ACCUM >= 5us"}).out;
+    ASSERT_NE(number, "");
+    const int first = std::stoi(number);
+    const auto shown = [&](int sample) {
+        const std::string at = std::to_string(sample);
+        const std::string out = Run({"list", capture, "--from", at, "--to", at, "--columns",
+                                     "ACCUM", "--format", "csv"})
+                                    .out;
+        return out.substr(out.find('\n') + 1);
+    };
+    EXPECT_THAT(shown(first), StartsWith(std::to_string(first) + ",5.0"));
+    EXPECT_THAT(shown(first - 1), StartsWith(std::to_string(first - 1) + ",4.9"));
+    EXPECT_EQ(Run({"search", capture, "--where", "ACCUM == 0 and sample == 0"}).out, "0\n");
+    EXPECT_EQ(Run({"search", capture, "--where", "accum < 0", "--backward"}).out, "-1\n");
+    // The filter reads the samples twice.
+    EXPECT_EQ(Run({"filter", capture, "--where", "ACCUM >= 5us", "-o", "late.tra"}).status, 0);
+    EXPECT_EQ(Run({"search", "late.tra", "--where", "sample > -99999"}).out, number);
+}
+
 TEST_F(TraceCommands, EdgesAreFoundBetweenThePiecesInWhichACaptureIsRead) {
     // FRAME is low in every other sample, so each of the others but the first is an edge.
     std::string rows;

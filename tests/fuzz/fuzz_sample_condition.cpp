@@ -35,14 +35,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const auto& condition = std::get<SampleCondition>(parsed);
+    static const std::vector<std::int64_t> times(numbers.begin(), numbers.end());
     const SampleBlock block{.records = std::span(records).first(32),
-                            .numbers = std::span(numbers).first(32)};
+                            .numbers = std::span(numbers).first(32),
+                            .times = std::span(times).first(32)};
     // One by one, or all at once: the same is found.
     const std::uint32_t matches = condition.MatchesOf(block);
     for (std::size_t i = 0; i < 32; ++i) {
         const SampleBlock one{.records = block.records.subspan(i, 1),
                               .numbers = block.numbers.subspan(i, 1),
-                              .before = i == 0 ? nullptr : &records[i - 1]};
+                              .before = i == 0 ? nullptr : &records[i - 1],
+                              .times = block.times.subspan(i, 1)};
         if ((condition.MatchesOf(one) & 1) != (matches >> i & 1)) {
             std::abort();
         }

@@ -1,9 +1,7 @@
 #include "capture/sample_condition.h"
 
+#include "capture/sample_names.h"
 #include "platform/bits.h"
-#include "platform/near_names.h"
-#include "platform/text.h"
-#include "signals/signal_list.h"
 #include "signals/value_text.h"
 
 #include <algorithm>
@@ -19,115 +17,6 @@ using Ways = std::vector<RecordBits>;
 
 // More alternatives are not compared one by one.
 constexpr std::size_t mostWays = 8;
-
-/// The names of a capture's signals, and what they stand for.
-class SampleNames final : public ExpressionNames {
-public:
-    SampleNames(const SignalTables& tables, std::initializer_list<const CSignalList*> lists)
-        : tables_(tables), lists_(lists) {}
-
-    [[nodiscard]] std::string_view Kind() const override { return "a signal"; }
-    [[nodiscard]] std::optional<ExpressionName> Find(std::string_view name) override;
-    [[nodiscard]] std::vector<std::string> All() const override;
-    [[nodiscard]] std::string BelongsElsewhere(std::string_view name) const override;
-
-    /// The signal of a name that was found.
-    [[nodiscard]] const NamedSignal& Signal(const ExpressionName& name) const {
-        return found_[name.id];
-    }
-    [[nodiscard]] BoardTraits Board() const { return tables_.Board(); }
-
-private:
-    [[nodiscard]] std::optional<NamedSignal> FindWithSlice(std::string_view name) const;
-
-    const SignalTables& tables_;
-    const std::initializer_list<const CSignalList*> lists_;
-    std::vector<NamedSignal> found_;
-};
-
-constexpr std::string_view sampleName = "sample";
-
-bool IsTime(const NamedSignal& signal) {
-    return signal.decoded && signal.decoded->decodeKind == DecodeKind::Time;
-}
-
-/// A signal by its name, or some bits of one that is not a bus in the tables.
-std::optional<NamedSignal> SampleNames::FindWithSlice(std::string_view name) const {
-    if (auto signal = FindSignal(name, tables_, lists_)) {
-        return signal;
-    }
-    const std::size_t bracket = name.find_last_of('[');
-    if (bracket == std::string_view::npos) {
-        return std::nullopt;
-    }
-    auto signal = FindSignal(name.substr(0, bracket), tables_, lists_);
-    const std::string slice(name.substr(bracket));
-    const std::size_t colon = slice.find(':');
-    const auto a = static_cast<std::size_t>(ParseInt(slice.substr(1)));
-    const auto b = colon == std::string::npos
-                       ? a
-                       : static_cast<std::size_t>(ParseInt(slice.substr(colon + 1)));
-    const auto [low, high] = std::minmax(a, b);
-    if (!signal || IsTime(*signal) || high >= signal->positions.size()) {
-        return std::nullopt;
-    }
-    signal->name += slice;
-    signal->positions = {signal->positions.begin() + static_cast<std::ptrdiff_t>(low),
-                         signal->positions.begin() + static_cast<std::ptrdiff_t>(high) + 1};
-    return signal;
-}
-
-std::optional<ExpressionName> SampleNames::Find(std::string_view name) {
-    ExpressionName found;
-    if (EqualIgnoringCase(name, sampleName)) {
-        found.name = sampleName;
-        return found;
-    }
-    auto signal = FindWithSlice(name);
-    if (!signal) {
-        return std::nullopt;
-    }
-    found.name = signal->name;
-    found.width = signal->positions.size();
-    found.id = found_.size();
-    if (IsTime(*signal)) {
-        found.values = ExpressionName::Values::Time;
-    } else {
-        using Edges = ExpressionName::Edges;
-        found.values = ExpressionName::Values::Bits;
-        found.edges = IsShownInPhase(*signal, Board()) ? Edges::None
-                      : found.width == 1               ? Edges::All
-                                                       : Edges::Changes;
-        if (signal->decoded && signal->decoded->Positions().size() == found.width) {
-            found.labels = LabelsOf(*signal->decoded);
-        }
-    }
-    found_.push_back(*std::move(signal));
-    return found;
-}
-
-std::vector<std::string> SampleNames::All() const {
-    std::vector<std::string> names;
-    for (const NamedSignal& signal : AllSignals(tables_, lists_)) {
-        names.push_back(signal.name);
-    }
-    names.emplace_back(sampleName);
-    return names;
-}
-
-std::string SampleNames::BelongsElsewhere(std::string_view name) const {
-    if (std::ranges::find(transactionFields, name) != transactionFields.end()) {
-        return Printf("\"%s\" belongs to transactions; samples have signals, such as %s",
-                      std::string(name).c_str(), ListNearest("", All()).c_str());
-    }
-    if (const std::size_t bracket = name.find_last_of('['); bracket != std::string_view::npos) {
-        if (const auto signal = FindSignal(name.substr(0, bracket), tables_, lists_)) {
-            return Printf("%s has the bits %zu to 0", signal->name.c_str(),
-                          signal->positions.size() - 1);
-        }
-    }
-    return {};
-}
 
 /// The alternatives that match where both do; nothing if they become too many.
 std::optional<Ways> Join(const Ways& a, const Ways& b) {
@@ -324,7 +213,10 @@ private:
         operation.most = test.most;
         operation.low = test.low;
         operation.high = test.high;
-        if (test.name.values == ExpressionName::Values::Time) {
+        if (test.name.values == ExpressionName::Values::Time &&
+            test.name.id == SampleNames::noSignal) {
+            operation.step = Step::SinceTriggerInRange;
+        } else if (test.name.values == ExpressionName::Values::Time) {
             operation.step = Step::TimeInRange;
             operation.field = RecordField(names_.Signal(test.name).positions);
         } else {
@@ -479,6 +371,11 @@ bool SampleCondition::IsMasked() const noexcept {
     return operations_.size() == 1 && operations_.front().step == Step::Patterns;
 }
 
+bool SampleCondition::NeedsTimes() const noexcept {
+    return std::ranges::any_of(
+        operations_, [](const Operation& each) { return each.step == Step::SinceTriggerInRange; });
+}
+
 namespace {
 
 template <typename Condition>
@@ -530,6 +427,10 @@ std::uint32_t SampleCondition::Test(const Operation& operation, const SampleBloc
             const auto bits = static_cast<std::uint32_t>(operation.field.Word(records[i]));
             const std::int64_t time = TimeOfBits(bits);
             return operation.least <= time && time <= operation.most;
+        });
+    case Step::SinceTriggerInRange:
+        return EachWhere(count, [&](std::size_t i) {
+            return operation.least <= block.times[i] && block.times[i] <= operation.most;
         });
     case Step::NumberInRange:
         return EachWhere(count, [&](std::size_t i) {

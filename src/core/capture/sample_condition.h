@@ -21,15 +21,17 @@ struct SampleBlock {
     std::span<const SampleRecord> records;
     std::span<const std::int32_t> numbers; // ascending
     const SampleRecord* before = nullptr;  // the sample before the first; null if it is missing
+    std::span<const std::int64_t> times{}; // since the trigger, for conditions that need them
 };
 
 /// A condition on samples, such as
 ///
 ///     FRAME falls and COMMAND == "Mem*" and not (ADDRESS32 in 0x1000..0x1FFF or INTA == 0)
 ///
-/// over the signals of a capture, by the names of FindSignal, and `sample`, the number. A decoded
-/// value that is shown in only one phase of a transfer is compared in that phase only. Edges
-/// compare a sample with the one numbered before it; where that is missing there is no edge.
+/// over the signals of a capture, by the names of FindSignal, `sample`, the number, and `ACCUM`,
+/// the time since the trigger. A decoded value that is shown in only one phase of a transfer is
+/// compared in that phase only. Edges compare a sample with the one numbered before it; where that
+/// is missing there is no edge.
 class SampleCondition {
 public:
     /// The condition, or the first mistake.
@@ -45,6 +47,8 @@ public:
     /// Whether only bits of single samples are compared with a few patterns, as fast as a search
     /// for these.
     [[nodiscard]] bool IsMasked() const noexcept;
+    /// Whether it compares times since the trigger.
+    [[nodiscard]] bool NeedsTimes() const noexcept;
 
 private:
     friend class SampleConditionCompiler;
@@ -54,6 +58,7 @@ private:
         InRange,  // the field is from `low` to `high`
         InTable,  // the bit of `table` for the field is set
         TimeInRange,
+        SinceTriggerInRange,
         NumberInRange,
         NumberIsMasked,
         Rises, // of the line in the pattern

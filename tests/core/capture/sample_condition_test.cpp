@@ -149,6 +149,25 @@ TEST_F(SampleConditions, KnowTheNumbersOfSamples) {
     EXPECT_THAT(Found(records, numbers, "sample != 0 and sample > -2"), ElementsAre(-1, 1, 2));
 }
 
+TEST_F(SampleConditions, CompareTheTimeSinceTheTrigger) {
+    const auto records = CaptureBuilder().Idle(4).Records();
+    const Numbers numbers = From(-1, 4);
+    const std::vector<std::int64_t> times = {-30, 0, 30, 60};
+    const auto matches = [&](std::string_view text) {
+        const auto parsed = SampleCondition::Parse(text, board.tables, {&list});
+        const auto& condition = std::get<SampleCondition>(parsed);
+        EXPECT_TRUE(condition.NeedsTimes());
+        return condition.MatchesOf({.records = records, .numbers = numbers, .times = times});
+    };
+    EXPECT_EQ(matches("ACCUM < 0"), 0b0001U);
+    EXPECT_EQ(matches("accum in -30ns..30ns and not sample == 0"), 0b0101U);
+    EXPECT_EQ(matches("ACCUM >= 60"), 0b1000U);
+    EXPECT_EQ(ErrorOf("ACCUM changes").message, "ACCUM has no edges");
+    EXPECT_THAT(ErrorOf("DELTA == 1").message, StartsWith("there is no signal \"DELTA\""));
+    EXPECT_FALSE(std::get<SampleCondition>(SampleCondition::Parse("TIME > 1", board.tables, {}))
+                     .NeedsTimes());
+}
+
 TEST_F(SampleConditions, FindEdges) {
     //                                     0      1      2    3      4
     const auto records = CaptureBuilder().Idle().Read(0x10, 5).Idle().Records();
