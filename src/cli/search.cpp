@@ -1,3 +1,4 @@
+#include "capture/sample_condition.h"
 #include "capture/search_condition.h"
 #include "cli/bus.h"
 #include "cli/capture_options.h"
@@ -8,11 +9,15 @@
 #include "cli/input.h"
 #include "cli/json.h"
 #include "cli/output.h"
+#include "cli/where.h"
+#include "platform/bits.h"
 #include "platform/text.h"
+#include "signals/record_field.h"
+#include "signals/value_text.h"
 
 #include <algorithm>
-#include <bit>
 #include <limits>
+#include <utility>
 
 namespace busquill::cli {
 
@@ -20,8 +25,14 @@ namespace {
 
 constexpr const char* noMatch = "No match found.";
 
-struct SearchOptions : CaptureOptions {
+/// What the samples must look like.
+struct WantedSamples {
     std::vector<std::string> patterns;
+    std::string where; // empty: anything
+};
+
+struct SearchOptions : CaptureOptions {
+    WantedSamples wanted;
     std::optional<std::int64_t> from;
     bool backward = false;
     bool all = false;
@@ -31,38 +42,107 @@ struct FilterOptions {
     std::string file;
     OutputOptions output;
     BusOptions bus;
-    std::vector<std::string> patterns;
+    WantedSamples wanted;
 };
 
-SearchCondition ConditionOf(const std::vector<std::string>& patterns, const Bus& bus,
-                            const TraceStream& stream) {
-    SearchCondition condition;
-    for (const std::string& text : patterns) {
-        const std::string wrong =
-            condition.Add(text, bus.Tables(), {&stream.stateList, &stream.waveformList});
-        if (!wrong.empty()) {
-            WrongUse(wrong);
-        }
+void CheckWanted(const WantedSamples& wanted, const char* command) {
+    if (wanted.patterns.empty() && wanted.where.empty()) {
+        WrongUse(Printf("%s needs -p NAME=VALUE or --where EXPR; see busquill-trace %s -h", command,
+                        command));
     }
-    return condition;
 }
 
-/// Calls `take` for each row that matches, in order, until it returns false.
-template <typename Take>
-bool TakeMatches(const SampleRows& rows, const SearchCondition& condition, Take take) {
-    constexpr std::size_t block = RecordPattern::blockSize;
-    const std::span<const SampleRecord> records(rows.records);
-    for (std::size_t first = 0; first < records.size(); first += block) {
-        const std::uint32_t matches =
-            condition.MatchesOf(records.subspan(first, std::min(block, records.size() - first)));
-        for (const std::size_t match : EachSetBit(matches)) {
-            if (!take(first + match)) {
-                return false;
+/// The samples that match all patterns and the expression of a command line.
+class SampleFilter {
+public:
+    SampleFilter(const WantedSamples& wanted, const Bus& bus, TraceInput& input)
+        : sampleTime_(input.Stream().stateList), time_(sampleTime_) {
+        const TraceStream& stream = input.Stream();
+        for (const std::string& text : wanted.patterns) {
+            const std::string wrong =
+                patterns_.Add(text, bus.Tables(), {&stream.stateList, &stream.waveformList});
+            if (!wrong.empty()) {
+                WrongUse(wrong);
+            }
+        }
+        if (!wanted.where.empty()) {
+            where_ =
+                TakeCondition(SampleCondition::Parse(wanted.where, bus.Tables(),
+                                                     {&stream.stateList, &stream.waveformList}),
+                              wanted.where);
+            if (where_->NeedsTimes()) {
+                const TraceSurvey survey = input.Survey();
+                timeToTrigger_ = survey.timeToTrigger;
+                if (survey.HasGaps()) {
+                    Say(TimesAreShort(input.Name()));
+                }
             }
         }
     }
-    return true;
-}
+
+    /// Calls `take` for each row that matches, in order, until it returns false. Rows are given in
+    /// order.
+    template <typename Take>
+    bool TakeMatches(const SampleRows& rows, Take take) {
+        if (where_ && where_->NeedsTimes()) {
+            AddTimesOf(rows);
+        }
+        constexpr std::size_t block = RecordPattern::blockSize;
+        for (std::size_t first = 0; first < rows.Size(); first += block) {
+            const std::size_t count = std::min(block, rows.Size() - first);
+            for (const std::size_t match : EachSetBit(MatchesOf(rows, first, count))) {
+                if (!take(first + match)) {
+                    return false;
+                }
+            }
+        }
+        if (!rows.Empty()) {
+            last_ = {rows.numbers.back(), rows.records.back()};
+        }
+        return true;
+    }
+    /// The next rows are the first ones again.
+    void Restart() {
+        last_.reset();
+        time_ = RunningTime(sampleTime_);
+    }
+
+private:
+    void AddTimesOf(const SampleRows& rows) {
+        times_.clear();
+        for (const SampleRecord& record : rows.records) {
+            time_.Add(record);
+            times_.push_back(AddTimes(time_.Sum(), -timeToTrigger_));
+        }
+    }
+    [[nodiscard]] std::uint32_t MatchesOf(const SampleRows& rows, std::size_t first,
+                                          std::size_t count) const {
+        SampleBlock block{.records = std::span(rows.records).subspan(first, count),
+                          .numbers = std::span(rows.numbers).subspan(first, count),
+                          .before = RecordBefore(rows, first)};
+        if (!times_.empty()) {
+            block.times = std::span(times_).subspan(first, count);
+        }
+        const std::uint32_t matches = patterns_.Empty() ? ~0U : patterns_.MatchesOf(block.records);
+        return where_ && matches != 0 ? matches & where_->MatchesOf(block) : matches;
+    }
+    /// The sample numbered before a row; null if it is missing.
+    [[nodiscard]] const SampleRecord* RecordBefore(const SampleRows& rows, std::size_t row) const {
+        const std::int32_t number = rows.numbers[row] - 1;
+        if (row > 0) {
+            return rows.numbers[row - 1] == number ? &rows.records[row - 1] : nullptr;
+        }
+        return last_ && last_->first == number ? &last_->second : nullptr;
+    }
+
+    SearchCondition patterns_;
+    std::optional<SampleCondition> where_;
+    std::optional<std::pair<std::int32_t, SampleRecord>> last_; // of the piece before
+    SampleTime sampleTime_;
+    RunningTime time_; // up to the end of the piece
+    std::int64_t timeToTrigger_ = 0;
+    std::vector<std::int64_t> times_; // since the trigger, of the piece; only if they are needed
+};
 
 /// Prints matches as they are found, or keeps them until the end of a backward search.
 class Matches {
@@ -111,13 +191,14 @@ private:
 };
 
 int RunSearch(const SearchOptions& options) {
+    CheckWanted(options.wanted, "search");
     CheckTarget(options.output, {options.file});
     Bus bus(options.bus);
     const bool backward = options.backward;
     const auto from = options.from;
     TraceInput input(options.file, bus.Tables());
     input.ReadHead();
-    const SearchCondition condition = ConditionOf(options.patterns, bus, input.Stream());
+    SampleFilter filter(options.wanted, bus, input);
     Output output(options.output.path);
     Matches matches(options, output);
     bool more = true;
@@ -126,7 +207,7 @@ int RunSearch(const SearchOptions& options) {
         if (rows == nullptr) {
             break;
         }
-        more = TakeMatches(*rows, condition, [&](std::size_t row) {
+        more = filter.TakeMatches(*rows, [&](std::size_t row) {
             const std::int32_t number = rows->numbers[row];
             if (from && (backward ? number > *from : number < *from)) {
                 return !backward;
@@ -143,15 +224,17 @@ int RunSearch(const SearchOptions& options) {
 }
 
 int RunFilter(const FilterOptions& options) {
+    CheckWanted(options.wanted, "filter");
     CheckTarget(options.output, {options.file});
     Bus bus(options.bus);
     TraceInput input(options.file, bus.Tables());
     TraceStream& stream = input.Stream();
     input.ReadHead();
-    const SearchCondition condition = ConditionOf(options.patterns, bus, stream);
+    SampleFilter filter(options.wanted, bus, input);
     const auto search = [&](auto take) {
+        filter.Restart();
         while (const SampleRows* rows = input.NextRows()) {
-            if (!TakeMatches(*rows, condition, [&](std::size_t row) { return take(*rows, row); })) {
+            if (!filter.TakeMatches(*rows, [&](std::size_t row) { return take(*rows, row); })) {
                 return true;
             }
         }
@@ -189,11 +272,13 @@ int RunFilter(const FilterOptions& options) {
     return ExitStatus::Done;
 }
 
-void AddPatterns(CLI::App& command, std::vector<std::string>& into) {
-    Completed(
-        Required(AddTexts(command, "-p,--pattern", into, "NAME=VALUE",
-                          "samples with this value; may be given several times, all must hold")),
-        Completion::Kind::Patterns);
+void AddWanted(CLI::App& command, WantedSamples& into) {
+    Completed(AddTexts(command, "-p,--pattern", into.patterns, "NAME=VALUE",
+                       "samples with this value; may be given several times, all must hold"),
+              Completion::Kind::Patterns);
+    AddText(command, "--where", into.where, "EXPR",
+            "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
+            "with patterns, all must hold");
 }
 
 } // namespace
@@ -201,10 +286,10 @@ void AddPatterns(CLI::App& command, std::vector<std::string>& into) {
 void AddSearch(CLI::App& program) {
     const auto options = std::make_shared<SearchOptions>();
     CLI::App& command =
-        AddCommand(program, "search", "the numbers of the samples that match a pattern",
+        AddCommand(program, "search", "the numbers of the samples that match a condition",
                    [options] { return RunSearch(*options); });
     AddCaptureOptions(command, *options);
-    AddPatterns(command, options->patterns);
+    AddWanted(command, options->wanted);
     AddNumber(command, "--from", options->from, "N", {}, "begin at sample N (the trigger is 0)");
     AddFlag(command, "--backward", options->backward, "search towards the first sample");
     AddFlag(command, "--all", options->all, "all matches, not the first alone");
@@ -213,10 +298,10 @@ void AddSearch(CLI::App& program) {
 void AddFilter(CLI::App& program) {
     const auto options = std::make_shared<FilterOptions>();
     CLI::App& command =
-        AddCommand(program, "filter", "a capture of the samples that match a pattern",
+        AddCommand(program, "filter", "a capture of the samples that match a condition",
                    [options] { return RunFilter(*options); });
     CompletedWithFiles(AddOperand(command, "FILE", options->file), ".tra");
-    AddPatterns(command, options->patterns);
+    AddWanted(command, options->wanted);
     CompletedWithFiles(Required(AddOutput(command, options->output)), ".tra");
     AddOverwrite(command, options->output);
     AddBusOptions(command, options->bus);

@@ -10,6 +10,7 @@
 #include "cli/json.h"
 #include "cli/output.h"
 #include "cli/range.h"
+#include "cli/where.h"
 #include "document/csv_line.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
@@ -390,18 +391,6 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
     return hasGaps || next <= last;
 }
 
-/// What is wrong with an expression; empty if nothing is.
-std::string WrongExpression(const std::string& text) {
-    const auto parsed = TransactionCondition::Parse(text);
-    const auto* const error = std::get_if<ExpressionError>(&parsed);
-    if (error == nullptr) {
-        return {};
-    }
-    const std::string rest = text.substr(error->place);
-    return Printf("is wrong at %s: %s", rest.empty() ? "its end" : ("\"" + rest + "\"").c_str(),
-                  error->message.c_str());
-}
-
 int Run(const Options& options) {
     CheckTarget(options.output, {options.file});
     CheckRange(options.range);
@@ -412,13 +401,14 @@ int Run(const Options& options) {
     if (traffic == nullptr) {
         WrongUse("a connector has pins, and no transactions");
     }
+    std::optional<TransactionCondition> condition;
+    if (!options.where.empty()) {
+        const TransactionBus names{traffic->HasClock(), &bus.Tables()};
+        condition = TakeCondition(TransactionCondition::Parse(options.where, names), options.where);
+    }
     TraceInput input(options.file, bus.Tables());
     input.ReadHead();
     Output output(options.output.path);
-    std::optional<TransactionCondition> condition;
-    if (!options.where.empty()) {
-        condition = std::get<TransactionCondition>(TransactionCondition::Parse(options.where));
-    }
     CommandLabels labels(*traffic);
     const auto isWanted = [&](const Transaction& each) {
         return !condition || condition->Holds(each, labels.Of(each));
@@ -465,10 +455,8 @@ void AddTransactions(CLI::App& program) {
                                    [options] { return Run(*options); });
     AddCaptureOptions(command, *options);
     AddRange(command, options->range);
-    Checked(
-        AddText(command, "--where", options->where, "EXPR",
-                "only transactions for which this holds, such as \"wait > 4 and end == retry\""),
-        WrongExpression);
+    AddText(command, "--where", options->where, "EXPR",
+            "only transactions for which this holds, such as \"wait > 4 and end == retry\"");
     AddChoice<Format>(command, "--format",
                       {{"text", Format::Text}, {"csv", Format::Csv}, {"json", Format::Json}},
                       options->format, "text|csv|json",

@@ -335,6 +335,86 @@ TEST_F(TraceCommands, SearchDoesNotFindSamplesThatTheFileLacks) {
     EXPECT_EQ(Run({"search", "gaps.tra", "-p", "AD=xxxxxxxxxxxxxxx0", "--all"}).out, "7\n");
 }
 
+TEST_F(TraceCommands, SearchWithAnExpression) {
+    SmallCapture();
+    const auto found = [&](const std::string& where) {
+        return Run({"search", "small.tra", "--where", where, "--all"}).out;
+    };
+    EXPECT_EQ(found("FRAME == 0"), "0\n2\n");
+    EXPECT_EQ(Run({"search", "small.tra", "--where", "FRAME == 0"}).out, "0\n");
+    EXPECT_EQ(Run({"search", "small.tra", "--where", "FRAME == 0", "--all", "--json"}).out,
+              "[0, 2]\n");
+    EXPECT_EQ(Run({"search", "small.tra", "--where", "FRAME == 0", "--backward"}).out, "2\n");
+    EXPECT_EQ(Run({"search", "small.tra", "--where", "FRAME == 0", "-p", "AD=20"}).out, "2\n");
+    EXPECT_EQ(found("COMMAND == \"Mem*\" and AD in 0x11..0x20"), "2\n");
+    EXPECT_EQ(found("sample < 0"), "-3\n-2\n-1\n");
+    const ProgramRun none = Run({"search", "small.tra", "--where", "AD == 0x999", "--json"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.out, "[]\n");
+}
+
+TEST_F(TraceCommands, ExpressionsAndPatternsFindTheSame) {
+    const std::string capture = data + "Trigger2.tra";
+    const auto all = [&](const char* option, const char* condition) {
+        return Run({"search", capture, option, condition, "--all"}).out;
+    };
+    EXPECT_EQ(all("--where", "COMMAND == \"Mem Wr\""), all("-p", "COMMAND=Mem Wr"));
+    EXPECT_EQ(all("--where", "AD == 0xFEBF_XXXX"), all("-p", "AD=FEBFxxxx"));
+    EXPECT_EQ(all("--where", "`RULE CHECK` == \"Target Abort\""),
+              all("-p", "RULE CHECK=Target Abort"));
+    EXPECT_EQ(all("--where", "AD in 0xFEBF0000..0xFEBFFFFF"), all("-p", "AD=FEBFxxxx"));
+}
+
+TEST_F(TraceCommands, SearchByTheTimeSinceTheTrigger) {
+    const std::string capture = data + "Trigger2.tra";
+    // The listing shows ACCUM of each sample: the last one before 5 us and the first one after.
+    const std::string number = Run({"search", capture, "--where", "ACCUM >= 5us"}).out;
+    ASSERT_NE(number, "");
+    const int first = std::stoi(number);
+    const auto shown = [&](int sample) {
+        const std::string at = std::to_string(sample);
+        const std::string out = Run({"list", capture, "--from", at, "--to", at, "--columns",
+                                     "ACCUM", "--format", "csv"})
+                                    .out;
+        return out.substr(out.find('\n') + 1);
+    };
+    EXPECT_THAT(shown(first), StartsWith(std::to_string(first) + ",5.0"));
+    EXPECT_THAT(shown(first - 1), StartsWith(std::to_string(first - 1) + ",4.9"));
+    EXPECT_EQ(Run({"search", capture, "--where", "ACCUM == 0 and sample == 0"}).out, "0\n");
+    EXPECT_EQ(Run({"search", capture, "--where", "accum < 0", "--backward"}).out, "-1\n");
+    // The filter reads the samples twice.
+    EXPECT_EQ(Run({"filter", capture, "--where", "ACCUM >= 5us", "-o", "late.tra"}).status, 0);
+    EXPECT_EQ(Run({"search", "late.tra", "--where", "sample > -99999"}).out, number);
+}
+
+TEST_F(TraceCommands, EdgesAreFoundBetweenThePiecesInWhichACaptureIsRead) {
+    // FRAME is low in every other sample, so each of the others but the first is an edge.
+    std::string rows;
+    constexpr int count = 40000;
+    for (int i = 0; i < count; ++i) {
+        rows += Row(i, 0, 0xFF, i % 2 == 1);
+    }
+    dir.Write("long.tra", header + "\"Trace Data\",0,39999\n" + rows + "\"End of Trace Data\"\n");
+    const std::string falls = Run({"search", "long.tra", "--where", "FRAME falls", "--all"}).out;
+    EXPECT_EQ(std::ranges::count(falls, '\n'), count / 2);
+    const std::string rises = Run({"search", "long.tra", "--where", "FRAME rises", "--all"}).out;
+    EXPECT_EQ(std::ranges::count(rises, '\n'), count / 2 - 1);
+}
+
+TEST_F(TraceCommands, FilterWithAnExpression) {
+    SmallCapture();
+    const ProgramRun run =
+        Run({"filter", "small.tra", "--where", "FRAME falls or sample == -3", "-o", "out.tra"});
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(Run({"search", "out.tra", "--where", "sample > -99", "--all"}).out, "-3\n0\n2\n");
+    // The sample before each is gone, so there are no edges.
+    EXPECT_EQ(Run({"search", "out.tra", "--where", "FRAME changes"}).status, 1);
+    const ProgramRun none =
+        Run({"filter", "small.tra", "--where", "AD == 0x999", "-o", "none.tra"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.err, "busquill-trace: No match found. none.tra is not written.\n");
+}
+
 TEST_F(TraceCommands, FilterKeepsTheContextOfTheSamples) {
     const std::string odd = "\"Unknown Key\",\"of a later version\"\r\n"
                             "\"Description\",\"two\r\nlines\"\n";
@@ -518,6 +598,7 @@ TEST_F(TraceCommands, TransactionsForWhichAConditionHolds) {
     const std::string sums =
         Run({"transactions", data + "Trigger2.tra", "--where", "end == retry", "--summary"}).out;
     EXPECT_THAT(sums, EndsWith("TRANSACTIONS\nretry                              10\n"));
+    EXPECT_EQ(count("headless") + count("not headless"), count("number >= 1"));
     const ProgramRun none = Run({"transactions", data + "Trigger2.tra", "--where", "number < 1"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");

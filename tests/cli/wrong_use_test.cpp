@@ -52,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"BusOfAnotherModel", {"info", demo, "--model", "VMEKite", "--bus", "PCI"}, "VMEKite has no bus PCI"},
         WrongUse{"UnknownWidth", {"info", demo, "--width", "16"}, "--width is one of 32, 64"},
         WrongUse{"UnknownColumn", {"list", demo, "--columns", "AD[63:0],NOPE"}, "no column \"NOPE\"; there are"},
-        WrongUse{"NoPattern", {"search", demo}, "search needs -p NAME=VALUE; see busquill-trace search -h"},
+        WrongUse{"NoPattern", {"search", demo}, "search needs -p NAME=VALUE or --where EXPR; see busquill-trace search -h"},
         WrongUse{"PatternWithoutValue", {"search", demo, "-p", "FRAME"}, "a pattern is NAME=VALUE"},
         WrongUse{"PatternWithoutName", {"search", demo, "-p", "=1"}, "a pattern is NAME=VALUE"},
         WrongUse{"UnknownSignal", {"search", demo, "-p", "AM=09"}, "no signal \"AM\" on this bus; there are AD[63:0], FRAME"},
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"TooManyDigits", {"search", demo, "-p", "AD[31:0]=123456789"}, "takes 8 hexadecimal digits"},
         WrongUse{"DigitTooLarge", {"search", demo, "-p", "FRAME=2"}, "takes 1 hexadecimal digit"},
         WrongUse{"UnknownLabel", {"search", demo, "-p", "COMMAND=Mem R"}, "or a label: Mem Rd, Mem Rd Mult"},
-        WrongUse{"FilterOfWhat", {"filter", demo, "-o", "a.tra"}, "filter needs -p NAME=VALUE"},
+        WrongUse{"FilterOfWhat", {"filter", demo, "-o", "a.tra"}, "filter needs -p NAME=VALUE or --where EXPR"},
         WrongUse{"FilterToNowhere", {"filter", demo, "-p", "FRAME=0"}, "filter needs -o FILE"},
         WrongUse{"ConvertToNowhere", {"convert", demo}, "convert needs -o FILE"},
         WrongUse{"ConvertToWhat", {"convert", demo, "-o", "a.dat"}, ".vcd, .csv or .sr"},
@@ -81,6 +81,12 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"TransactionsOfAConnector", {"transactions", "a.tra", "--model", "VMEKiteP2"}, "a connector has pins, and no transactions"},
         WrongUse{"WrongCondition", {"transactions", "a.tra", "--where", "wait > 4 and adress == 1"}, "--where is wrong at \"adress == 1\": there is no field \"adress\": address, "},
         WrongUse{"ConditionWithoutEnd", {"transactions", "a.tra", "--where", "wait >"}, "--where is wrong at its end: expected a number"},
+        WrongUse{"UnitOfACount", {"transactions", "a.tra", "--where", "words > 5ns"}, "--where is wrong at \"ns\": words is not a time and takes no unit"},
+        WrongUse{"UnitOfWaitsInClocks", {"transactions", "a.tra", "--where", "wait > 5ns"}, "wait is not a time and takes no unit"},
+        WrongUse{"TransactionsHaveNoSignals", {"transactions", "a.tra", "--where", "FRAME falls"}, "\"FRAME\" is a signal of samples; transactions have fields"},
+        WrongUse{"SamplesHaveNoFields", {"search", demo, "--where", "end == retry"}, "--where is wrong at \"end == retry\": \"end\" belongs to transactions"},
+        WrongUse{"ExpressionOfUnknownSignal", {"filter", demo, "--where", "FRAME falls and IRDDY == 0", "-o", "a.tra"}, "--where is wrong at \"IRDDY == 0\": there is no signal \"IRDDY\": IRDY, "},
+        WrongUse{"ExpressionOfUnknownLabel", {"search", demo, "--where", "COMMAND == \"Mem R\""}, "COMMAND has no label \"Mem R\": \"Mem Rd\", "},
         WrongUse{"NegativeWords", {"transactions", "a.tra", "--words", "-1"}, "--words takes a whole number from 0 to 1048576"},
         WrongUse{"NegativeRuns", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--repeat", "-1"}, "--repeat is a number of runs"}),
     [](const auto& use) { return use.param.name; });
@@ -106,9 +112,8 @@ TEST(CommandLine, UsageNamesTheRequiredArguments) {
         return help.substr(0, help.find('\n'));
     };
     EXPECT_EQ(usage("list"), "Usage: busquill-trace list [OPTION...] FILE");
-    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] -p NAME=VALUE FILE");
-    EXPECT_EQ(usage("filter"),
-              "Usage: busquill-trace filter [OPTION...] -p NAME=VALUE -o FILE FILE");
+    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] FILE");
+    EXPECT_EQ(usage("filter"), "Usage: busquill-trace filter [OPTION...] -o FILE FILE");
     EXPECT_EQ(usage("convert"), "Usage: busquill-trace convert [OPTION...] -o FILE FILE");
     EXPECT_EQ(usage("board"), "Usage: busquill-trace board [OPTION...] --port PORT");
     EXPECT_EQ(usage("capture"),

@@ -7,7 +7,7 @@ using namespace busquill;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    const auto parsed = TransactionCondition::Parse(text);
+    const auto parsed = TransactionCondition::Parse(text, {});
     if (const auto* const error = std::get_if<ExpressionError>(&parsed)) {
         if (error->place > size || error->message.empty()) {
             std::abort();

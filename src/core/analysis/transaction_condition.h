@@ -1,9 +1,11 @@
 #pragma once
 
 #include "analysis/transaction.h"
+#include "capture/expression.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -11,10 +13,12 @@
 
 namespace busquill {
 
-/// What is wrong with an expression, and where.
-struct ExpressionError {
-    std::size_t place = 0; // of the first character in question; at most the length of the text
-    std::string message;
+class SignalTables;
+
+/// What conditions on the transactions of a bus depend on.
+struct TransactionBus {
+    bool hasClock = true;                 // waits are counted in clocks, not in ns
+    const SignalTables* tables = nullptr; // whose signals are told apart from unknown names
 };
 
 /// A condition on transactions, such as
@@ -27,52 +31,21 @@ class TransactionCondition {
 public:
     /// The condition, or the first mistake.
     [[nodiscard]] static std::variant<TransactionCondition, ExpressionError>
-    Parse(std::string_view text);
+    Parse(std::string_view text, const TransactionBus& bus);
+    [[nodiscard]] static ExpressionCompletion Complete(std::string_view text, std::size_t cursor,
+                                                       const TransactionBus& bus);
 
     /// `command` is the label of the transaction's command, empty for a headless transaction.
     [[nodiscard]] bool Holds(const Transaction& transaction, std::string_view command) const;
 
-    /// The names that stand before an operator.
-    [[nodiscard]] static std::vector<std::string> FieldNames();
-
 private:
-    friend class ConditionParser;
+    explicit TransactionCondition(ParsedExpression expression) : expression_(std::move(expression)) {}
 
-    enum class Field : std::uint8_t {
-        Number,
-        Sample,
-        Time,
-        Command,
-        Address,
-        Words,
-        Bytes,
-        Wait,
-        InitiatorWait,
-        Latency,
-        End,
-        Gap,
-        Tag,
-        SplitRequest,
-        Findings
-    };
-    enum class Step : std::uint8_t { InRange, IsMasked, IsEnd, IsText, Not, And, Or };
+    /// Nothing if the transaction does not have what is compared.
+    [[nodiscard]] static std::optional<bool>
+    Matches(const ExpressionTest& test, const Transaction& transaction, std::string_view command);
 
-    /// The expression in postfix order, so that it needs no recursion.
-    struct Operation {
-        Step step = Step::InRange;
-        Field field = Field::Number;
-        // InRange: least and most; IsMasked: value and compared bits; IsEnd: the end.
-        std::int64_t least = 0;
-        std::int64_t most = 0;
-        std::uint64_t value = 0;
-        std::uint64_t mask = 0;
-        std::string text; // IsText: with "*" for any characters
-    };
-
-    [[nodiscard]] static bool Test(const Operation& operation, const Transaction& transaction,
-                                   std::string_view command);
-
-    std::vector<Operation> operations_;
+    ParsedExpression expression_;
 };
 
 } // namespace busquill

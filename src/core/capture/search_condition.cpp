@@ -1,5 +1,6 @@
 #include "capture/search_condition.h"
 
+#include "capture/signal_bits.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 #include "signals/signal_list.h"
@@ -11,35 +12,6 @@ namespace busquill {
 namespace {
 
 constexpr int digitBits = 4;
-// Bits of a PCI sample that mark its phase.
-constexpr int attributeBit = 93;
-constexpr int addressBit = 95;
-constexpr int commandBit = 64;
-constexpr unsigned splitCompletion = 12;
-
-/// The PCI phase in which a decoded value is shown.
-enum class Phase { Any, Address, Data, AttributeOrSplit };
-
-Phase PhaseOf(const NamedSignal& signal, const BoardTraits& board) {
-    if (!signal.decoded || board.IsVmeFamily() || board.IsVsbFamily()) {
-        return Phase::Any;
-    }
-    switch (signal.decoded->decodeKind) {
-    case DecodeKind::Command:
-    case DecodeKind::Address:
-        return Phase::Address;
-    case DecodeKind::Data:
-        return Phase::Data;
-    case DecodeKind::Tag:
-    case DecodeKind::BusNumber:
-    case DecodeKind::DeviceFunction:
-    case DecodeKind::ByteCount:
-    case DecodeKind::Attribute:
-        return board.IsPciXMode() ? Phase::AttributeOrSplit : Phase::Any;
-    default:
-        return Phase::Any;
-    }
-}
 
 std::size_t DigitCount(const NamedSignal& signal) {
     return (signal.positions.size() - 1) / digitBits + 1;
@@ -57,37 +29,10 @@ std::string DigitsOf(std::string_view text, std::size_t digits) {
     return found.size() != digits && found.starts_with("0x") ? found.substr(2) : found;
 }
 
-/// Whether a line belongs to the upper half of a bus that has only the lower: the board leaves it
-/// high, and a condition means it only by naming it.
-bool IsBeyondBus(int position, const BoardTraits& board) {
-    constexpr int upperData = 32;
-    constexpr int upperEnables = 68;
-    const bool isNarrow = board.bus.busWidth == 0 && !board.IsVmeFamily() && !board.IsVsbFamily();
-    return isNarrow && ((position >= upperData && position < commandBit) ||
-                        (position >= upperEnables && position < upperEnables + 4));
-}
-
 } // namespace
 
-void SearchCondition::Bits::Set(int position, bool bit) noexcept {
-    care.SetBit(position);
-    value.SetBit(position, bit);
-}
-
-bool SearchCondition::Bits::Join(const Bits& other) noexcept {
-    for (std::size_t i = 0; i < value.bytes.size(); ++i) {
-        const unsigned shared = care.bytes[i] & other.care.bytes[i];
-        if (((value.bytes[i] ^ other.value.bytes[i]) & shared) != 0) {
-            return false;
-        }
-        care.bytes[i] |= other.care.bytes[i];
-        value.bytes[i] |= other.value.bytes[i];
-    }
-    return true;
-}
-
 std::string SearchCondition::ParseDigits(std::string_view text, const NamedSignal& signal,
-                                         const BoardTraits& board, Bits& bits) {
+                                         const BoardTraits& board, RecordBits& bits) {
     const std::size_t all = DigitCount(signal);
     const std::string digits = DigitsOf(text, all);
     const auto wrong = [&] {
@@ -122,21 +67,14 @@ std::string SearchCondition::ParseDigits(std::string_view text, const NamedSigna
 }
 
 std::string SearchCondition::ParseValue(std::string_view text, const NamedSignal& signal,
-                                        const BoardTraits& board, std::vector<Bits>& ways) {
+                                        const BoardTraits& board, std::vector<RecordBits>& ways) {
     const std::string_view value = Trim(text);
     if (signal.decoded && signal.decoded->ReadsAsLabel()) {
         for (const CDecodedValue& each : signal.decoded->values) {
             if (each.label[0] == '\0' || !EqualIgnoringCase(each.label, value)) {
                 continue;
             }
-            Bits bits;
-            for (int p = 0; p < SampleRecord::bitCount; ++p) {
-                const std::uint8_t code = each.pattern[static_cast<std::size_t>(p)];
-                if (code == CodeZero || code == CodeOne) {
-                    bits.Set(p, code == CodeOne);
-                }
-            }
-            ways.push_back(bits);
+            ways.push_back(BitsOf(each));
         }
     }
     if (!ways.empty()) {
@@ -144,38 +82,6 @@ std::string SearchCondition::ParseValue(std::string_view text, const NamedSignal
     }
     ways.emplace_back();
     return ParseDigits(value, signal, board, ways.back());
-}
-
-std::vector<SearchCondition::Bits> SearchCondition::InPhase(const std::vector<Bits>& ways,
-                                                            const NamedSignal& signal,
-                                                            const BoardTraits& board) {
-    const Phase phase = PhaseOf(signal, board);
-    if (phase == Phase::Any) {
-        return ways;
-    }
-    std::vector<Bits> found;
-    for (Bits way : ways) {
-        if (phase == Phase::AttributeOrSplit) {
-            Bits split = way;
-            way.Set(attributeBit, true);
-            split.Set(attributeBit, false);
-            split.Set(addressBit, true);
-            Bits command;
-            for (int i = 0; i < digitBits; ++i) {
-                command.Set(commandBit + i, (splitCompletion >> i & 1) != 0);
-            }
-            if (split.Join(command)) {
-                found.push_back(split);
-            }
-        } else {
-            way.Set(addressBit, phase == Phase::Address);
-            if (board.IsPciXMode()) {
-                way.Set(attributeBit, false);
-            }
-        }
-        found.push_back(way);
-    }
-    return found;
 }
 
 std::string SearchCondition::CheckPattern(std::string_view text) {
@@ -197,15 +103,15 @@ std::string SearchCondition::Add(std::string_view text, const SignalTables& tabl
     if (!signal) {
         return UnknownSignal(name, tables, lists);
     }
-    std::vector<Bits> ways;
+    std::vector<RecordBits> ways;
     if (std::string wrong = ParseValue(text.substr(sign + 1), *signal, tables.Board(), ways);
         !wrong.empty()) {
         return wrong;
     }
-    std::vector<Bits> joined;
-    for (const Bits& way : InPhase(ways, *signal, tables.Board())) {
-        for (const Bits& before : ways_) {
-            if (Bits both = before; both.Join(way)) {
+    std::vector<RecordBits> joined;
+    for (const RecordBits& way : InPhase(ways, *signal, tables.Board())) {
+        for (const RecordBits& before : ways_) {
+            if (RecordBits both = before; both.Join(way)) {
                 joined.push_back(both);
             }
         }
@@ -213,7 +119,7 @@ std::string SearchCondition::Add(std::string_view text, const SignalTables& tabl
     ways_ = std::move(joined);
     added_ = true;
     patterns_.clear();
-    for (const Bits& way : ways_) {
+    for (const RecordBits& way : ways_) {
         patterns_.emplace_back(way.value, way.care);
     }
     return {};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/record_pattern.h"
+#include "capture/signal_bits.h"
 #include "signals/signal_names.h"
 
 #include <string>
@@ -29,26 +30,13 @@ public:
     [[nodiscard]] std::uint32_t MatchesOf(std::span<const SampleRecord> records) const noexcept;
 
 private:
-    /// The bits that are compared, and their values.
-    struct Bits {
-        SampleRecord value;
-        SampleRecord care;
-
-        void Set(int position, bool bit) noexcept;
-        /// Adds the bits of the other; false when they contradict each other.
-        [[nodiscard]] bool Join(const Bits& other) noexcept;
-    };
-
     static std::string ParseValue(std::string_view text, const NamedSignal& signal,
-                                  const BoardTraits& board, std::vector<Bits>& ways);
-    /// The alternatives, each limited to the phase in which the value is shown.
-    static std::vector<Bits> InPhase(const std::vector<Bits>& ways, const NamedSignal& signal,
-                                     const BoardTraits& board);
+                                  const BoardTraits& board, std::vector<RecordBits>& ways);
     static std::string ParseDigits(std::string_view text, const NamedSignal& signal,
-                                   const BoardTraits& board, Bits& bits);
+                                   const BoardTraits& board, RecordBits& bits);
 
     bool added_ = false;
-    std::vector<Bits> ways_ = {Bits()}; // alternatives, one of which must match
+    std::vector<RecordBits> ways_ = {RecordBits()}; // alternatives, one of which must match
     std::vector<RecordPattern> patterns_;
 };
 

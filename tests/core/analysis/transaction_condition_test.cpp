@@ -1,6 +1,7 @@
 #include "analysis/transaction_condition.h"
+#include "support/board_tables.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace busquill::test {
 
@@ -24,7 +25,7 @@ Transaction Read() {
 
 bool Holds(std::string_view text, const Transaction& transaction = Read(),
            std::string_view command = "Mem Rd") {
-    const auto parsed = TransactionCondition::Parse(text);
+    const auto parsed = TransactionCondition::Parse(text, {});
     if (const auto* const error = std::get_if<ExpressionError>(&parsed)) {
         ADD_FAILURE() << text << ": " << error->message << " at " << error->place;
         return false;
@@ -32,8 +33,8 @@ bool Holds(std::string_view text, const Transaction& transaction = Read(),
     return std::get<TransactionCondition>(parsed).Holds(transaction, command);
 }
 
-ExpressionError ErrorOf(std::string_view text) {
-    const auto parsed = TransactionCondition::Parse(text);
+ExpressionError ErrorOf(std::string_view text, const TransactionBus& bus = {}) {
+    const auto parsed = TransactionCondition::Parse(text, bus);
     const auto* const error = std::get_if<ExpressionError>(&parsed);
     return error != nullptr ? *error : ExpressionError{std::string_view::npos, "none"};
 }
@@ -122,7 +123,7 @@ TEST(TransactionConditions, DoNotHoldForWhatATransactionDoesNotHave) {
     for (const char* text :
          {"latency == 0", "latency != 0", "latency < 5", "gap != 1", "gap >= 0", "address == 0",
           "address != 1", "address < 5", "tag == 0", "tag != 1", "splitRequest != 1",
-          "command == \"*\"", "command != \"x\"", "gap == 0x0X"}) {
+          "command == \"*\"", "command != \"x\"", "tag == 0x0X"}) {
         EXPECT_FALSE(Holds(text, bare, "")) << text;
     }
     EXPECT_TRUE(Holds("not latency < 5", bare, ""));
@@ -135,6 +136,50 @@ TEST(TransactionConditions, CompareTheTagsOfPciX) {
     split.sequence = SplitSequence{0x11U << 16, 4, true, false};
     split.splitRequest = 9;
     EXPECT_TRUE(Holds("tag == 0x11 and splitRequest == 9", split));
+}
+
+TEST(TransactionConditions, FindHeadlessTransactions) {
+    Transaction headless;
+    headless.isHeadless = true;
+    EXPECT_TRUE(Holds("headless", headless, ""));
+    EXPECT_TRUE(Holds("headless and end == unknown", headless, ""));
+    EXPECT_FALSE(Holds("not headless", headless, ""));
+    EXPECT_FALSE(Holds("headless"));
+    EXPECT_TRUE(Holds("not headless and wait == 6"));
+}
+
+TEST(TransactionConditions, TakeUnitsOfTimeForWaitsOnABusWithoutAClock) {
+    EXPECT_EQ(ErrorOf("wait > 100ns", {.hasClock = true}).message,
+              "wait is not a time and takes no unit");
+    EXPECT_EQ(ErrorOf("wait > 100ns", {.hasClock = false}).message, "none");
+    EXPECT_EQ(ErrorOf("initiatorWait > 1us", {.hasClock = false}).place, 17U);
+    EXPECT_EQ(ErrorOf("gap > 1us and latency < 1ms and time < 1s", {.hasClock = true}).message,
+              "none");
+}
+
+TEST(TransactionConditions, RefuseTheSignalsOfSamples) {
+    const BoardTables board("PCIKite-1");
+    const ExpressionError error =
+        ErrorOf("wait > 4 and AD == 5", {.hasClock = true, .tables = &board.tables});
+    EXPECT_EQ(error.place, 13U);
+    EXPECT_TRUE(
+        error.message.starts_with("\"AD\" is a signal of samples; transactions have fields"))
+        << error.message;
+}
+
+TEST(TransactionConditions, CompleteFieldsOperatorsAndEnds) {
+    const auto offered = [](std::string_view text) {
+        return TransactionCondition::Complete(text, text.size(), {}).texts;
+    };
+    using testing::Contains;
+    using testing::ElementsAre;
+    EXPECT_THAT(offered("wa"), ElementsAre("wait"));
+    EXPECT_THAT(offered("headless "), ElementsAre("and", "or"));
+    EXPECT_THAT(offered("end "), ElementsAre("==", "!="));
+    EXPECT_THAT(offered("end == disconnect-w"),
+                ElementsAre("disconnect-with-data", "disconnect-without-data"));
+    EXPECT_THAT(offered("(wait > 4 "), ElementsAre("and", "or", ")"));
+    EXPECT_THAT(offered("wait > 4 and i"), ElementsAre("initiatorWait"));
 }
 
 TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
@@ -156,13 +201,22 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"wait in 5", 9, "expected \"..\""},
              Case{"wait in 5..4", 8, "the range ends before it begins"},
              Case{"address in 5..4", 11, "the range ends before it begins"},
-             Case{"address == -1", 13, "an address has no sign"},
+             Case{"address == -1", 11, "address has no sign"},
              Case{"number == 99999999999999999999", 10, "the number is too large"},
              Case{"time > 10000000000s", 7, "the number is too large"},
              Case{"command > \"a\"", 8, "expected == or != after command"},
              Case{"command == Mem", 11, "expected a command in double quotes"},
              Case{"command == \"Mem", 15, "expected \" at the end"},
              Case{"end == retri", 7, "expected an end: retry, "},
+             Case{"gap == 0xX", 7, "a time has no X"},
+             Case{"gap == 1X", 7, "a number with X begins with 0x or 0b"},
+             Case{"bytes == 0b12", 9, "expected a binary number"},
+             Case{"words > 5us", 9, "words is not a time and takes no unit"},
+             Case{"sample > 5 s", 11, "sample is not a time and takes no unit"},
+             Case{"address > 5ns", 11, "address is not a time and takes no unit"},
+             Case{"wait rises", 0, "wait has no edges"},
+             Case{"headless == 1", 9, "expected \"and\" or \"or\""},
+             Case{"`wait > 4", 9, "expected ` at the end of the name"},
              Case{"(wait > 4", 9, "expected \")\""},
              Case{"wait > 4)", 8, "expected \"and\" or \"or\""},
          }) {
