@@ -29,7 +29,8 @@ UI = {
     "stimulus": {"framework", "levels", "patterns"},
     "testsuites": {"framework", "controls", "patterns"},
     "trace": {"framework", "tracesetup", "capture", "display"},
-    "shell": {"framework", "exerciser", "link", "performance", "signals", "stimulus", "testsuites", "trace"},
+    "analysis": {"framework", "display"},
+    "shell": {"framework", "analysis", "exerciser", "link", "performance", "signals", "stimulus", "testsuites", "trace"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
 

@@ -398,6 +398,7 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     default:
         display_->Render();
     }
+    emit Updated(hint);
 }
 
 void CTraceView::MarkerChanged(int which) {

@@ -96,6 +96,10 @@ public:
     void OnInitialUpdate() override;
     void OnUpdate(DocumentView* sender, int hint, const HintObject* object) override;
 
+signals:
+    /// The view has followed a change of its document.
+    void Updated(int hint);
+
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

@@ -104,6 +104,8 @@ constexpr Command commands[] = {
     {CommandId::SerialTest,           "&Utilities",              "Serial &Test",          "Talk to the port by hand", "", ""},
     {CommandId::BusConfiguration,     "&Utilities",              "&Bus Configuration",    "Set mode and width of the bus", "", ""},
 
+    {CommandId::Transactions,         "&Analyze",                "&Transactions",         "Show or hide the transactions of the capture", "", "Ctrl+Shift+T"},
+
     {CommandId::Cascade,              "&Window",                 "&Cascade",              "Arrange the windows so that they overlap", "", ""},
     {CommandId::Tile,                 "&Window",                 "&Tile",                 "Arrange the windows side by side", "", ""},
     {CommandId::None,                 "&Window",                 "", "", "", ""},

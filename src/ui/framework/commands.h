@@ -57,6 +57,7 @@ enum class CommandId {
     Filter,
     Compare,
     ZoomIncrement,
+    Transactions,
     DefineSignals,
     BoardSetup,
     BoardInfo,

@@ -1,5 +1,6 @@
 #include "ui/shell/features.h"
 
+#include "ui/analysis/analysis_feature.h"
 #include "ui/exerciser/exerciser_features.h"
 #include "ui/link/board_feature.h"
 #include "ui/performance/performance_feature.h"
@@ -15,7 +16,7 @@ std::vector<Feature> MakeFeatures(const FeatureParts& parts) {
         BoardFeature(parts),     TraceFeature(parts),         PerformanceFeature(parts),
         MasterFeature(parts),    ConfigurationFeature(parts), ComplianceFeature(parts),
         AnomalyFeature(parts),   TargetFeature(parts),        StimulusFeature(parts),
-        BackplaneFeature(parts),
+        BackplaneFeature(parts), AnalysisFeature(parts),
     };
 }
 

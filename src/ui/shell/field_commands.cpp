@@ -1,5 +1,7 @@
 #include "ui/shell/field_commands.h"
 
+#include "ui/framework/panel.h"
+
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QFocusEvent>
@@ -15,6 +17,14 @@ namespace {
 QLineEdit* FieldOf(QWidget* focus) {
     const bool isSpinBox = qobject_cast<QAbstractSpinBox*>(focus) != nullptr;
     return isSpinBox ? focus->findChild<QLineEdit*>() : qobject_cast<QLineEdit*>(focus);
+}
+
+/// The panel that contains a widget, or null.
+Panel* PanelOf(QWidget* widget) {
+    while (widget != nullptr && qobject_cast<Panel*>(widget) == nullptr) {
+        widget = widget->parentWidget();
+    }
+    return qobject_cast<Panel*>(widget);
 }
 
 bool IsMenu(const QWidget& widget) {
@@ -39,10 +49,18 @@ FieldCommands::FieldCommands(QWidget& window) : QObject(&window), window_(window
             [this](const QWidget* /*old*/, QWidget* now) { FollowFocus(now); });
 }
 
+const CommandMap* FieldCommands::Map() const {
+    if (field_ != nullptr) {
+        return &commands_;
+    }
+    return panel_ != nullptr && panel_->isVisible() ? &panel_->commands : nullptr;
+}
+
 void FieldCommands::FollowFocus(QWidget* focus) {
     if (focus == nullptr || focus == focus_ || IsMenu(*focus)) {
         return;
     }
+    panel_ = PanelOf(focus);
     if (focus_ != nullptr) {
         focus_->removeEventFilter(this);
     }

@@ -10,15 +10,18 @@ class QWidget;
 
 namespace busquill {
 
-/// Cut, Copy and Paste for the text field of a window that has the keyboard. A field stays the one
-/// meant, with its selection, while a menu of the window is open. Main thread.
+class Panel;
+
+/// The commands of what has the keyboard in a window: Cut, Copy and Paste of a text field, and
+/// those of a panel. A field stays the one meant, with its selection, while a menu of the window is
+/// open, and so does a panel. Main thread.
 class FieldCommands final : public QObject {
     Q_OBJECT
 public:
     explicit FieldCommands(QWidget& window);
 
-    /// The commands of the field; null while none has the keyboard.
-    [[nodiscard]] const CommandMap* Map() const { return field_ == nullptr ? nullptr : &commands_; }
+    /// The commands of the field, else of the panel; null while neither has the keyboard.
+    [[nodiscard]] const CommandMap* Map() const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -30,6 +33,7 @@ private:
     CommandMap commands_;
     QPointer<QWidget> focus_; // the field, or what it is a part of
     QPointer<QLineEdit> field_;
+    QPointer<Panel> panel_;
 };
 
 } // namespace busquill

@@ -2,11 +2,13 @@
 
 #include "link/analyzer_link.h"
 #include "platform/libraries.h"
+#include "platform/settings.h"
 #include "ui/framework/bar_button.h"
 #include "ui/framework/dialog_titles.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/icons.h"
 #include "ui/framework/mdi_child.h"
+#include "ui/framework/panel.h"
 #include "ui/framework/view.h"
 #include "ui/framework/window_place.h"
 #include "ui/framework/window_timer.h"
@@ -22,6 +24,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDockWidget>
 #include <QIcon>
 #include <QLabel>
 #include <QMdiArea>
@@ -50,6 +53,7 @@ namespace {
 constexpr QSize usualSize(900, 600);
 constexpr int timerPeriod = 1000;
 constexpr QSize toolIconSize(18, 18);
+constexpr const char* panelsKey = "Panels";
 
 /// Sample texts, from which the panes get their widths.
 constexpr const char* paneWidths[] = {"MODEL000-0", "MODE", "FREQ MHz", "Master Lock"};
@@ -81,6 +85,16 @@ const CommandMap* EnabledTarget(CommandId id, const std::vector<const CommandMap
         }
     }
     return nullptr;
+}
+
+/// Whether a switch is on; nothing for other commands.
+std::optional<bool> IsOn(CommandId id, const std::vector<const CommandMap*>& targets) {
+    for (const CommandMap* target : targets) {
+        if (const std::optional<bool> isOn = target->IsOn(id)) {
+            return isOn;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -122,6 +136,7 @@ void CMainFrame::SetApplication(CTesselApp* app) {
     if (app_ != nullptr) {
         app_->showHelp = [this](int topic) { ShowHelp(topic); };
         app_->boardChanged = [this] { RefreshStatusPanes(); };
+        RestorePanels();
     }
     RefreshCommands();
 }
@@ -257,8 +272,15 @@ void CMainFrame::RefreshCommands() {
     const BoardTraits board = link_.Traits();
     for (const auto& [id, action] : actions_) {
         action->setEnabled(EnabledTarget(id, targets, board) != nullptr);
+        if (const std::optional<bool> isOn = IsOn(id, targets)) {
+            action->setCheckable(true);
+            action->setChecked(*isOn);
+        }
     }
+    // Other windows have nothing to analyze.
+    menus_["&Analyze"]->menuAction()->setVisible(actions_[CommandId::Transactions]->isEnabled());
     FollowBoard();
+    FollowPanels();
 }
 
 // A command may have changed the board or its bus even if it was cancelled: opening the dialog of
@@ -270,6 +292,26 @@ void CMainFrame::FollowBoard() {
             frame->GetActiveView()->FollowBoard();
         }
     }
+}
+
+void CMainFrame::FollowPanels() {
+    for (const QDockWidget* dock :
+         findChildren<QDockWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (auto* panel = dynamic_cast<Panel*>(dock->widget())) {
+            panel->Follow(ActiveFrame(*area_));
+        }
+    }
+}
+
+void CMainFrame::RestorePanels() {
+    const std::string stored = settings_.GetProfileString(SettingsSection::windows, panelsKey, "");
+    restoreState(QByteArray::fromBase64(QByteArray::fromStdString(stored)));
+    toolBar_->show(); // its entry begins with a mark
+}
+
+void CMainFrame::StorePanels() {
+    settings_.WriteProfileString(SettingsSection::windows, panelsKey,
+                                 saveState().toBase64().toStdString());
 }
 
 void CMainFrame::FillDynamicEntries() {
@@ -459,6 +501,7 @@ void CMainFrame::dropEvent(QDropEvent* event) {
 
 void CMainFrame::closeEvent(QCloseEvent* event) {
     if (app_ == nullptr || app_->SaveAllModified()) {
+        StorePanels();
         event->accept();
     } else {
         event->ignore();

@@ -58,6 +58,10 @@ private:
     void MakeCommands();
     /// The command maps that are asked for a command, in order.
     [[nodiscard]] std::vector<const CommandMap*> Targets() const;
+    void FollowPanels();
+    /// Puts panels and bars where the user left them.
+    void RestorePanels();
+    void StorePanels();
     void Run(CommandId id);
     void FillDynamicEntries();
     void ShowAbout();

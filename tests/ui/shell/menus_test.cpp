@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDockWidget>
 #include <QImage>
 #include <QStatusBar>
 #include <QToolBar>
@@ -90,6 +91,8 @@ const char* ReasonAgainst(CommandId id, Shows shows) {
     case CommandId::FindNext:
     case CommandId::FindPrevious:
         return isTrace ? nullptr : "it has no samples";
+    case CommandId::Transactions:
+        return isTrace ? nullptr : "it shows no capture";
     default:
         return nullptr;
     }
@@ -198,6 +201,9 @@ protected:
         }
         sight += Frame().findChild<QToolBar*>("Toolbar")->isVisible() ? "bar;" : "";
         sight += Frame().statusBar()->isVisible() ? "status;" : "";
+        for (const QDockWidget* dock : Frame().findChildren<QDockWidget*>()) {
+            sight += dock->isVisible() ? dock->windowTitle().toStdString() + ";" : "";
+        }
         if (const CTraceView* view = View()) {
             sight += std::to_string(view->TopSample()) + "," +
                      std::to_string(view->CenterSample()) + "," +

@@ -1,0 +1,67 @@
+/// What a table of transactions shows of each, as texts and as keys to sort by.
+#pragma once
+
+#include "analysis/transaction.h"
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <unordered_map>
+
+namespace busquill {
+
+class BusTraffic;
+
+enum class TransactionField : std::uint8_t {
+    Number,
+    Sample,
+    Time,
+    Command,
+    Address,
+    Words,
+    Bytes,
+    Wait,
+    InitiatorWait,
+    Latency,
+    End,
+    Gap,
+    Tag,
+    SplitRequest,
+    Findings,
+    Data,
+};
+
+/// How a table shows a field.
+struct FieldColumn {
+    TransactionField field;
+    const char* title;
+    const char* meaning; // for the user
+    bool isNumber;       // to the right
+};
+
+/// All, in the order of the table.
+[[nodiscard]] std::span<const FieldColumn> FieldColumns() noexcept;
+/// Whether transactions of a bus can have the field.
+[[nodiscard]] bool HasField(const BusTraffic& traffic, bool hasSplits,
+                            TransactionField field) noexcept;
+
+/// The fields of the transactions of a bus.
+class TransactionFields {
+public:
+    /// The traffic outlives it.
+    explicit TransactionFields(const BusTraffic& traffic) : traffic_(traffic) {}
+
+    /// The label of the command; empty for a headless transaction.
+    [[nodiscard]] const std::string& Command(const Transaction& transaction);
+    /// Empty where a transaction does not have the field.
+    [[nodiscard]] std::string Text(const Transaction& transaction, TransactionField field);
+    /// In the order of the values, 0 where a transaction does not have the field.
+    [[nodiscard]] std::uint64_t SortKey(const Transaction& transaction,
+                                        TransactionField field) const;
+
+private:
+    const BusTraffic& traffic_;
+    std::unordered_map<std::uint32_t, std::string> labels_;
+};
+
+} // namespace busquill
