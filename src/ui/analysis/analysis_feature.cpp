@@ -23,7 +23,7 @@ Feature AnalysisFeature(const FeatureParts& parts) {
     auto* window = qobject_cast<QMainWindow*>(parts.area.window());
     auto* dock = new QDockWidget("Transactions", window);
     dock->setObjectName("Transactions");
-    auto* panel = new TransactionPanel(parts.analyzer, parts.area);
+    auto* panel = new TransactionPanel(parts);
     dock->setWidget(panel);
     window->addDockWidget(Qt::BottomDockWidgetArea, dock);
     dock->hide();

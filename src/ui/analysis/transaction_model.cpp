@@ -104,6 +104,7 @@ void TransactionModel::Forget() {
         followed_.reset();
         cache_.clear();
         endResetModel();
+        emit Renewed();
     }
     emit Worked();
 }
@@ -184,6 +185,7 @@ void TransactionModel::Finish() {
     followed_ = std::move(nextFollowed_);
     cache_.clear();
     endResetModel();
+    emit Renewed();
     if (document_.IsRealTime() && document_.IsUploading()) {
         pause_.start(static_cast<int>(std::max(shortestPause, walk_.elapsed() * pauseForWalk)));
     }

@@ -65,6 +65,8 @@ public:
                                       int role) const override;
 
 signals:
+    /// It has other rows, and all views know it.
+    void Renewed();
     /// IsWorking or Progress has changed.
     void Worked();
 

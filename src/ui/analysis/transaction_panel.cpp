@@ -3,18 +3,29 @@
 #include "analysis/bus_traffic.h"
 #include "capture/analyzer.h"
 #include "capture/trace_document.h"
+#include "platform/prompts.h"
+#include "platform/settings.h"
+#include "platform/text.h"
 #include "signals/value_text.h"
+#include "ui/analysis/filter_line.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/mdi_child.h"
 
+#include <QClipboard>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLocale>
 #include <QMdiArea>
+#include <QMenu>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QTableView>
 #include <QVBoxLayout>
 
@@ -27,6 +38,11 @@ namespace {
 
 /// Selected rows that are found again among other rows.
 constexpr int mostKeptRows = 1000;
+/// More would be slow to paste.
+constexpr int mostCopiedRows = 100'000;
+
+constexpr const char* columnsKey = "Columns";
+constexpr const char* hiddenKey = "HiddenColumns";
 
 /// A text as long as most in a column.
 QString SampleText(TransactionField field) {
@@ -49,19 +65,62 @@ QString SampleText(TransactionField field) {
     }
 }
 
+int ColumnOf(TransactionField field) {
+    const auto columns = FieldColumns();
+    const auto found = std::ranges::find(columns, field, &FieldColumn::field);
+    return static_cast<int>(found - columns.begin());
+}
+
+QString Grouped(std::uint64_t number) {
+    return QLocale(QLocale::English).toString(static_cast<qulonglong>(number));
+}
+
+/// What the rows add up to; empty without transactions.
+QString Summary(const TransactionModel& model) {
+    const TransactionTotals* const totals = model.Totals();
+    if (totals == nullptr || model.TransactionCount() == 0) {
+        return {};
+    }
+    std::uint64_t bytes = 0;
+    TimeSpread latency;
+    for (const TransactionTotals::OfCommand& command : totals->Commands(*model.Traffic())) {
+        bytes += command.bytes;
+        latency.Add(command.latency);
+    }
+    QString text = Grouped(totals->Transactions());
+    if (totals->Transactions() != model.TransactionCount()) {
+        text += " of " + Grouped(model.TransactionCount());
+    }
+    text += " transactions, " + Grouped(bytes) + " bytes";
+    if (latency.count > 0) {
+        text += ", mean latency " + QString::fromStdString(FormatTime(latency.Mean(), false));
+    }
+    const char* before = "; ";
+    for (std::size_t i = 0; i < transactionEndCount; ++i) {
+        const auto end = static_cast<TransactionEnd>(i);
+        if (totals->EndsBy(end) != 0) {
+            text += before + QString::fromStdString(std::string(NameOf(end))) + ' ' +
+                    Grouped(totals->EndsBy(end));
+            before = ", ";
+        }
+    }
+    return text;
+}
+
 CTraceView* ViewOf(const CMDIChildWnd* frame) {
     return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
 }
 
 } // namespace
 
-TransactionPanel::TransactionPanel(Analyzer& analyzer, const QMdiArea& area)
-    : analyzer_(analyzer), area_(area), stack_(new QStackedWidget), table_(new QTableView),
-      reason_(new QLabel), summary_(new QLabel) {
+TransactionPanel::TransactionPanel(const FeatureParts& parts)
+    : parts_(parts), stack_(new QStackedWidget), table_(new QTableView), reason_(new QLabel),
+      summary_(new QLabel) {
     SetHelpPage(*this, "transactions.md#in-the-windows");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
+    MakeFilter(*layout);
     layout->addWidget(stack_, 1);
     layout->addWidget(summary_);
     stack_->addWidget(table_);
@@ -73,6 +132,7 @@ TransactionPanel::TransactionPanel(Analyzer& analyzer, const QMdiArea& area)
     summary_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     summary_->setContentsMargins(4, 0, 4, 2);
     MakeTable();
+    MakeCommands();
     ShowState();
 }
 
@@ -93,8 +153,46 @@ void TransactionPanel::MakeTable() {
     table_->horizontalHeader()->setHighlightSections(false);
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->horizontalHeader()->setSectionsMovable(true);
+    QHeaderView* const header = table_->horizontalHeader();
+    header->setSectionsClickable(true);
+    header->setSortIndicatorShown(true);
+    header->setSortIndicatorClearable(true);
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QHeaderView::sortIndicatorChanged, this, &TransactionPanel::SortBy);
+    connect(header, &QHeaderView::customContextMenuRequested, this,
+            [this, header](const QPoint& place) { ChooseColumns(header->mapToGlobal(place)); });
     connect(table_, &QTableView::clicked, this, &TransactionPanel::RowChosen);
     connect(table_, &QTableView::activated, this, &TransactionPanel::RowChosen);
+}
+
+void TransactionPanel::MakeFilter(QVBoxLayout& layout) {
+    auto* explanation = new QLabel;
+    explanation->setObjectName("FilterMistake");
+    explanation->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    filter_ = new FilterLine(parts_.settings, *explanation);
+    filter_->installEventFilter(this);
+    auto* label = new QLabel("Filter:");
+    label->setBuddy(filter_);
+    auto* line = new QHBoxLayout;
+    line->setContentsMargins(4, 2, 4, 0);
+    line->addWidget(label);
+    line->addWidget(filter_, 1);
+    line->addWidget(explanation, 1);
+    layout.addLayout(line);
+    connect(filter_, &FilterLine::Changed, this, &TransactionPanel::ApplyFilter);
+}
+
+void TransactionPanel::MakeCommands() {
+    commands.On(
+        CommandId::Copy, [this] { CopyRows(); },
+        [this] { return Model() != nullptr && table_->selectionModel()->hasSelection(); });
+    commands.On(
+        CommandId::SignalMenu,
+        [this] {
+            const QHeaderView& header = *table_->horizontalHeader();
+            ChooseColumns(header.mapToGlobal(QPoint(0, header.height())));
+        },
+        [this] { return Model() != nullptr; });
 }
 
 TransactionModel* TransactionPanel::Model() const {
@@ -114,7 +212,7 @@ void TransactionPanel::Follow(CMDIChildWnd* active) {
     }
     const CTraceView* view = ViewOf(active);
     CTesselDoc* const document = view == nullptr ? nullptr : &view->Trace();
-    const BoardTraits board = analyzer_.Link().Traits();
+    const BoardTraits board = parts_.analyzer.Link().Traits();
     const TransactionModel* const model = Model();
     const bool isOtherBus = model != nullptr && (model->Board().modelString != board.modelString ||
                                                  model->Board().bus.busMode != board.bus.busMode ||
@@ -131,20 +229,21 @@ void TransactionPanel::Follow(CMDIChildWnd* active) {
 void TransactionPanel::Show(CTesselDoc* document) {
     if (TransactionModel* old = Model()) {
         RememberPlace();
+        StoreColumns();
         old->SetActive(false);
     }
     document_ = document;
     if (document != nullptr && Model() == nullptr) {
         Capture& added = captures_[document];
-        added.model = std::make_unique<TransactionModel>(*document, analyzer_.Link().Traits(),
-                                                         analyzer_.Tables());
+        added.model = std::make_unique<TransactionModel>(*document, parts_.analyzer.Link().Traits(),
+                                                         parts_.analyzer.Tables());
         TransactionModel* const model = added.model.get();
         connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this, model] {
             if (model == Model()) {
                 RememberPlace();
             }
         });
-        connect(model, &QAbstractItemModel::modelReset, this, [this, model] {
+        connect(model, &TransactionModel::Renewed, this, [this, model] {
             if (model == Model()) {
                 RestorePlace();
             }
@@ -159,10 +258,22 @@ void TransactionPanel::Show(CTesselDoc* document) {
         connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
                 &TransactionPanel::RowChosen);
         ShowColumns();
+        filter_->ShowFilter(captures_.at(document).filter);
         RestorePlace();
         model->SetActive(isVisible());
     }
     ShowState();
+}
+
+/// Nothing that could have the keyboard is hidden or disabled before the next event: the keyboard
+/// would go to another window, perhaps to the one that is being destroyed.
+void TransactionPanel::Detach() {
+    StoreColumns();
+    document_ = nullptr;
+    const QItemSelectionModel* const selection = table_->selectionModel();
+    table_->setModel(nullptr);
+    delete selection;
+    QMetaObject::invokeMethod(this, &TransactionPanel::ShowState, Qt::QueuedConnection);
 }
 
 /// The views of a document leave it before it is destroyed. One of them tells of its changes.
@@ -177,7 +288,7 @@ void TransactionPanel::Listen(CTesselDoc& document) {
         }
     }
     if (document_ == &document) {
-        Show(nullptr);
+        Detach();
     }
     captures_.erase(&document);
 }
@@ -201,7 +312,7 @@ void TransactionPanel::DocumentUpdated(CTesselDoc& document, int hint) {
 
 void TransactionPanel::showEvent(QShowEvent* event) {
     Panel::showEvent(event);
-    Follow(dynamic_cast<CMDIChildWnd*>(area_.activeSubWindow()));
+    Follow(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
     if (TransactionModel* model = Model()) {
         model->SetActive(true);
     }
@@ -210,6 +321,7 @@ void TransactionPanel::showEvent(QShowEvent* event) {
 void TransactionPanel::hideEvent(QHideEvent* event) {
     Panel::hideEvent(event);
     if (TransactionModel* model = Model()) {
+        StoreColumns();
         model->SetActive(false);
     }
 }
@@ -218,16 +330,146 @@ void TransactionPanel::hideEvent(QHideEvent* event) {
 
 void TransactionPanel::ShowColumns() {
     const TransactionModel& model = *Model();
-    const QFontMetrics text = table_->fontMetrics();
-    const QFontMetrics title = table_->horizontalHeader()->fontMetrics();
-    constexpr int margin = 16;
+    QHeaderView& header = *table_->horizontalHeader();
+    const QSignalBlocker quiet(header);
+    const std::string stored =
+        parts_.settings.GetProfileString(transactionSettings, columnsKey, "");
+    const bool isRestored =
+        header.restoreState(QByteArray::fromBase64(QByteArray::fromStdString(stored)));
+    const QStringList hidden = HiddenColumns();
     for (int column = 0; column < model.columnCount(); ++column) {
-        const FieldColumn& shown = FieldColumns()[static_cast<std::size_t>(column)];
-        table_->setColumnHidden(column, !model.HasColumn(column));
-        table_->setColumnWidth(column, std::max(text.horizontalAdvance(SampleText(shown.field)),
-                                                title.horizontalAdvance(shown.title)) +
-                                           margin);
+        const char* const title = FieldColumns()[static_cast<std::size_t>(column)].title;
+        table_->setColumnHidden(column, !model.HasColumn(column) || hidden.contains(title));
+        if (!isRestored) {
+            table_->setColumnWidth(column, UsualWidth(column));
+        }
     }
+    const TransactionQuery& query = model.Query();
+    const bool isInOrder = query.sortBy == TransactionField::Number && !query.descending;
+    header.setSortIndicator(isInOrder ? -1 : ColumnOf(query.sortBy),
+                            query.descending ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+int TransactionPanel::UsualWidth(int column) const {
+    constexpr int margin = 10;
+    const int arrow = table_->style()->pixelMetric(QStyle::PM_HeaderMarkSize);
+    const FieldColumn& shown = FieldColumns()[static_cast<std::size_t>(column)];
+    const QFontMetrics text(shown.field == TransactionField::Address
+                                ? QFontDatabase::systemFont(QFontDatabase::FixedFont)
+                                : table_->font());
+    return margin + std::max(text.horizontalAdvance(SampleText(shown.field)),
+                             arrow + table_->horizontalHeader()->fontMetrics().horizontalAdvance(
+                                         shown.title));
+}
+
+QStringList TransactionPanel::HiddenColumns() const {
+    const std::string stored = parts_.settings.GetProfileString(transactionSettings, hiddenKey, "");
+    return QString::fromStdString(stored).split(',', Qt::SkipEmptyParts);
+}
+
+void TransactionPanel::StoreColumns() {
+    parts_.settings.WriteProfileString(
+        transactionSettings, columnsKey,
+        table_->horizontalHeader()->saveState().toBase64().toStdString());
+}
+
+void TransactionPanel::ChooseColumns(const QPoint& place) {
+    if (Model() == nullptr) {
+        return;
+    }
+    QMenu menu(this);
+    for (int column = 0; column < Model()->columnCount(); ++column) {
+        if (!Model()->HasColumn(column)) {
+            continue;
+        }
+        const QString title = FieldColumns()[static_cast<std::size_t>(column)].title;
+        QAction* const action = menu.addAction(title);
+        action->setCheckable(true);
+        action->setChecked(!table_->isColumnHidden(column));
+        connect(action, &QAction::toggled, this,
+                [this, column, title](bool isShown) { ShowColumn(column, title, isShown); });
+    }
+    menu.exec(place);
+}
+
+void TransactionPanel::ShowColumn(int column, const QString& title, bool isShown) {
+    QStringList hidden = HiddenColumns();
+    hidden.removeAll(title);
+    if (!isShown) {
+        hidden << title;
+    }
+    parts_.settings.WriteProfileString(transactionSettings, hiddenKey,
+                                       hidden.join(',').toStdString());
+    table_->setColumnHidden(column, !isShown);
+    if (isShown && table_->columnWidth(column) == 0) { // it was hidden when the widths were stored
+        table_->setColumnWidth(column, UsualWidth(column));
+    }
+}
+
+// Filter, order and copies.
+
+void TransactionPanel::SortBy(int column, Qt::SortOrder order) {
+    if (TransactionModel* model = Model()) {
+        TransactionQuery query = model->Query();
+        query.sortBy = column < 0 ? TransactionField::Number
+                                  : FieldColumns()[static_cast<std::size_t>(column)].field;
+        query.descending = column >= 0 && order == Qt::DescendingOrder;
+        model->SetQuery(std::move(query));
+    }
+}
+
+void TransactionPanel::ApplyFilter() {
+    if (TransactionModel* model = Model()) {
+        captures_.at(document_).filter = filter_->Filter();
+        TransactionQuery query = model->Query();
+        query.where = filter_->Condition();
+        model->SetQuery(std::move(query));
+    }
+}
+
+std::vector<int> TransactionPanel::SelectedRows() const {
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : table_->selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row) {
+            rows.push_back(row);
+        }
+    }
+    std::ranges::sort(rows);
+    return rows;
+}
+
+/// A line of titles, then the selected rows, their cells separated by tabs.
+void TransactionPanel::CopyRows() {
+    const TransactionModel& model = *Model();
+    const std::vector<int> rows = SelectedRows();
+    if (rows.size() > mostCopiedRows) {
+        parts_.prompts.Message(Printf("%d rows are selected; at most %d can be copied at once.",
+                                      static_cast<int>(rows.size()), mostCopiedRows));
+        return;
+    }
+    const WaitCursor wait;
+    std::vector<int> columns;
+    for (int place = 0; place < model.columnCount(); ++place) {
+        const int column = table_->horizontalHeader()->logicalIndex(place);
+        if (!table_->isColumnHidden(column)) {
+            columns.push_back(column);
+        }
+    }
+    QStringList lines;
+    const auto addLine = [&](const auto& cell) {
+        QStringList cells;
+        for (const int column : columns) {
+            cells << cell(column);
+        }
+        lines << cells.join('\t');
+    };
+    addLine([](int column) -> QString {
+        return FieldColumns()[static_cast<std::size_t>(column)].title;
+    });
+    for (const int row : rows) {
+        addLine([&](int column) { return model.Text(row, column); });
+    }
+    QGuiApplication::clipboard()->setText(lines.join('\n') + '\n');
 }
 
 QString TransactionPanel::WhyEmpty() const {
@@ -256,7 +498,20 @@ void TransactionPanel::ShowState() {
     const bool hasRows = model != nullptr && model->rowCount() > 0;
     reason_->setText(hasRows ? QString() : WhyEmpty());
     stack_->setCurrentWidget(hasRows ? static_cast<QWidget*>(table_) : reason_);
-    summary_->setText(hasRows ? QString("%1 transactions").arg(model->rowCount()) : QString());
+    const bool isWorking = model != nullptr && model->IsWorking();
+    QString summary = model == nullptr ? QString() : Summary(*model);
+    if (isWorking) {
+        summary += QString(summary.isEmpty() ? "%1 %" : "; following the samples, %1 %")
+                       .arg(model->Progress());
+    }
+    summary_->setText(summary);
+    summary_->setToolTip(summary); // for a window too narrow for the text
+    filter_->setEnabled(model != nullptr && model->Traffic() != nullptr);
+    if (!isWorking || document_->IsUploading()) {
+        busy_.reset();
+    } else if (!busy_) {
+        busy_.emplace(Qt::BusyCursor);
+    }
 }
 
 void TransactionPanel::RememberPlace() {
@@ -269,13 +524,17 @@ void TransactionPanel::RememberPlace() {
         return index.isValid() ? model.FirstSample(index.row()) : -1;
     };
     capture.current = sampleOf(table_->currentIndex());
-    capture.top = sampleOf(table_->indexAt({0, 0}));
+    const QModelIndex top = table_->indexAt({0, 0});
+    capture.top = sampleOf(top);
+    const int below = table_->currentIndex().row() - top.row();
+    const bool isVisible =
+        table_->currentIndex().isValid() && below >= 0 &&
+        table_->visualRect(table_->currentIndex()).bottom() <= table_->viewport()->height();
+    capture.currentBelowTop = isVisible ? below : -1;
     capture.selected.clear();
-    for (const QItemSelectionRange& range : table_->selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row) {
-            if (capture.selected.size() < mostKeptRows) {
-                capture.selected.push_back(model.FirstSample(row));
-            }
+    for (const int row : SelectedRows()) {
+        if (capture.selected.size() < mostKeptRows) {
+            capture.selected.push_back(model.FirstSample(row));
         }
     }
 }
@@ -304,10 +563,10 @@ void TransactionPanel::RestorePlace() {
     table_->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     follows_ = false;
     const int top = model.RowOfSample(capture.top);
-    if (top >= 0) {
+    if (current >= 0 && capture.currentBelowTop >= 0) {
+        table_->verticalScrollBar()->setValue(current - capture.currentBelowTop);
+    } else if (top >= 0) {
         table_->verticalScrollBar()->setValue(top);
-    } else if (current >= 0) {
-        table_->scrollTo(model.index(current, 0), QAbstractItemView::PositionAtCenter);
     }
 }
 
@@ -337,11 +596,11 @@ void TransactionPanel::ShowMarker() {
 
 /// Home and End lead to the first and the last row, and Esc back to the capture.
 bool TransactionPanel::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress || Model() == nullptr) {
+    if (event->type() != QEvent::KeyPress) {
         return Panel::eventFilter(watched, event);
     }
     const auto* const key = static_cast<QKeyEvent*>(event);
-    const int rows = Model()->rowCount();
+    const int rows = watched == table_ && Model() != nullptr ? Model()->rowCount() : 0;
     switch (key->key()) {
     case Qt::Key_Home:
     case Qt::Key_End:
@@ -351,8 +610,8 @@ bool TransactionPanel::eventFilter(QObject* watched, QEvent* event) {
         }
         break;
     case Qt::Key_Escape:
-        if (CTraceView* view = captures_.at(document_).source) {
-            view->setFocus();
+        if (auto* active = dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow())) {
+            active->GetActiveView()->setFocus();
         }
         return true;
     default:

@@ -1,32 +1,35 @@
 #pragma once
 
 #include "ui/analysis/transaction_model.h"
+#include "ui/framework/feature.h"
 #include "ui/framework/panel.h"
+#include "ui/framework/wait_cursor.h"
 
 #include <QPointer>
+#include <QStringList>
 
 #include <map>
 #include <memory>
-#include <string>
+#include <optional>
 #include <vector>
 
 class QLabel;
-class QMdiArea;
 class QStackedWidget;
 class QTableView;
+class QVBoxLayout;
 
 namespace busquill {
 
-class Analyzer;
 class CTesselDoc;
 class CTraceView;
+class FilterLine;
 
 /// The transactions of the active capture as a table. Choosing a row takes the windows of the
 /// capture to its first sample; marker 1 chooses the row that it stands in.
 class TransactionPanel final : public Panel {
     Q_OBJECT
 public:
-    TransactionPanel(Analyzer& analyzer, const QMdiArea& area);
+    explicit TransactionPanel(const FeatureParts& parts);
     ~TransactionPanel() override;
 
     void Follow(CMDIChildWnd* active) override;
@@ -45,15 +48,32 @@ private:
         std::vector<std::int64_t> selected; // first samples
         std::int64_t current = -1;          // first sample of the current row
         std::int64_t top = -1;              // of the first row that shows
+        int currentBelowTop = -1;           // rows; -1 if it does not show
+        QString filter;
     };
 
     void MakeTable();
+    void MakeFilter(QVBoxLayout& layout);
+    void MakeCommands();
     /// Shows a document's capture; null: none.
     void Show(CTesselDoc* document);
+    void Detach();
     void Listen(CTesselDoc& document);
     void SourceGone(CTesselDoc& document);
     void DocumentUpdated(CTesselDoc& document, int hint);
+    /// Puts the columns where they were, and hides those that the bus does not have.
     void ShowColumns();
+    void StoreColumns();
+    [[nodiscard]] int UsualWidth(int column) const;
+    /// The titles of those that the user has hidden.
+    [[nodiscard]] QStringList HiddenColumns() const;
+    void ShowColumn(int column, const QString& title, bool isShown);
+    /// Opens the menu in which columns are chosen.
+    void ChooseColumns(const QPoint& place);
+    void SortBy(int column, Qt::SortOrder order);
+    [[nodiscard]] std::vector<int> SelectedRows() const;
+    void CopyRows();
+    void ApplyFilter();
     /// The table, or why there is none, and the line below it.
     void ShowState();
     [[nodiscard]] QString WhyEmpty() const;
@@ -64,12 +84,13 @@ private:
     void ShowMarker();
     [[nodiscard]] TransactionModel* Model() const;
 
-    Analyzer& analyzer_;
-    const QMdiArea& area_;
+    const FeatureParts parts_;
     QStackedWidget* stack_;
     QTableView* table_;
     QLabel* reason_;
     QLabel* summary_;
+    FilterLine* filter_;
+    std::optional<OverrideCursor> busy_;
     CTesselDoc* document_ = nullptr; // shown
     std::map<CTesselDoc*, Capture> captures_;
     bool follows_ = false; // a row is chosen by the panel, not by the user

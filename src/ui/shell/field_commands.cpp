@@ -4,6 +4,7 @@
 
 #include <QAbstractSpinBox>
 #include <QApplication>
+#include <QComboBox>
 #include <QFocusEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -15,6 +16,9 @@ namespace {
 
 /// The text field that takes the keys of a widget with the focus, or null.
 QLineEdit* FieldOf(QWidget* focus) {
+    if (const auto* box = qobject_cast<QComboBox*>(focus)) {
+        return box->lineEdit();
+    }
     const bool isSpinBox = qobject_cast<QAbstractSpinBox*>(focus) != nullptr;
     return isSpinBox ? focus->findChild<QLineEdit*>() : qobject_cast<QLineEdit*>(focus);
 }

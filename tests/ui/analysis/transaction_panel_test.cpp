@@ -8,9 +8,13 @@
 #include "ui/display/trace_view.h"
 #include "ui/trace/child_frame.h"
 
+#include <QClipboard>
+#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QTableView>
 #include <QtTest/QTest>
@@ -85,6 +89,52 @@ protected:
         const auto& reason = *Dock().findChild<QLabel*>("TransactionReason");
         return reason.isVisible() ? reason.text().toStdString() : "";
     }
+    std::string Summary() {
+        return Dock().findChild<QLabel*>("TransactionSummary")->text().toStdString();
+    }
+    QComboBox& Filter() { return *Dock().findChild<QComboBox*>("TransactionFilter"); }
+    std::string Mistake() {
+        return Dock().findChild<QLabel*>("FilterMistake")->text().toStdString();
+    }
+    /// Clicks into the filter and types over it.
+    void Type(const QString& text) {
+        QTest::mouseClick(Filter().lineEdit(), Qt::LeftButton, {}, {5, 5});
+        QTest::keyClick(&Filter(), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&Filter(), Qt::Key_Delete);
+        QTest::keyClicks(&Filter(), text);
+    }
+    void Give(const QString& text) {
+        Type(text);
+        QTest::keyClick(&Filter(), Qt::Key_Return);
+        ASSERT_TRUE(Settled());
+    }
+    std::vector<std::string> Column(const char* title) {
+        std::vector<std::string> texts;
+        for (int row = 0; row < Rows(); ++row) {
+            texts.push_back(Cell(row, title));
+        }
+        return texts;
+    }
+    void ClickTitle(const char* title) {
+        const QHeaderView& header = *Table().horizontalHeader();
+        const int column = ColumnOf(title);
+        QTest::mouseClick(
+            header.viewport(), Qt::LeftButton, {},
+            {header.sectionViewportPosition(column) + header.sectionSize(column) / 2, 5});
+        ASSERT_TRUE(Settled());
+    }
+    /// The entries of the menu on the titles; chooses one.
+    QStringList ColumnMenu(const QString& choice = {}) {
+        return AnswerMenu(
+            [&] {
+                QWidget& header = *Table().horizontalHeader()->viewport();
+                QContextMenuEvent event(QContextMenuEvent::Mouse, {20, 5},
+                                        header.mapToGlobal(QPoint(20, 5)));
+                QApplication::sendEvent(&header, &event);
+            },
+            choice);
+    }
+    static std::string Clipboard() { return QApplication::clipboard()->text().toStdString(); }
     int CurrentRow() { return Table().currentIndex().row(); }
     /// The sample in the middle of a window of the capture.
     static std::int64_t Center(CChildFrame& frame) { return frame.TraceView().CenterSample(); }
@@ -256,6 +306,197 @@ TEST_F(TransactionPanels, StaysWhenTheOtherDisplayIsShown) {
     ClickRow(60);
     EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(60)),
                 2);
+}
+
+TEST_F(TransactionPanels, SumsUpTheRows) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    EXPECT_EQ(Summary(), "267 transactions, 3,600 bytes, mean latency 111ns; complete 241, "
+                         "retry 10, disconnect-with-data 10, target-abort 5, cut-off 1");
+    Give("command == \"Mem Rd Line\"");
+    EXPECT_EQ(Summary(), "28 of 267 transactions, 864 bytes, mean latency 158ns; complete 27, "
+                         "cut-off 1");
+}
+
+TEST_F(TransactionPanels, TheFilterShowsOnlyWhatFulfilsIt) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    OpenPanel();
+    Type("end == retry");
+    EXPECT_EQ(Rows(), 267) << "the user may go on typing";
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Rows() == 10; }, 3000));
+    for (const std::string& end : Column("End")) {
+        EXPECT_EQ(end, "retry");
+    }
+    ClickRow(4);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(4)), 1);
+    const std::string number = Cell(4, "Number");
+    Give("");
+    ASSERT_EQ(Rows(), 267);
+    EXPECT_EQ(Cell(CurrentRow(), "Number"), number) << "the transaction is still chosen";
+    EXPECT_TRUE(Table().viewport()->rect().contains(Table().visualRect(Table().currentIndex())));
+    Give("bytes > 100000");
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_EQ(Reason(), "The filter hides all transactions.");
+}
+
+TEST_F(TransactionPanels, AMistakeInTheFilterIsMarkedWhereItIsAndExplained) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Give("end == retry");
+    Type("bytes > 4 and adress == 1");
+    EXPECT_NE(Mistake().find("there is no field \"adress\""), std::string::npos) << Mistake();
+    QTest::qWait(600);
+    EXPECT_EQ(Rows(), 10) << "the last filter without a mistake stays";
+    QTest::keyClick(&Filter(), Qt::Key_Return);
+    EXPECT_EQ(Rows(), 10);
+    // The mistake is underlined in red, what comes before it is not.
+    QLineEdit& line = *Filter().lineEdit();
+    line.deselect();
+    const QImage picture = line.grab().toImage();
+    const double scale = picture.devicePixelRatio();
+    const auto reds = [&](int from, int to) {
+        int count = 0;
+        for (int x = static_cast<int>(from * scale); x < static_cast<int>(to * scale); ++x) {
+            for (int y = 2; y < picture.height() - 2; ++y) {
+                const QColor color = picture.pixelColor(x, y);
+                count += color.red() > color.green() + 100 ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    const QFontMetrics text = line.fontMetrics();
+    const int place = text.horizontalAdvance("bytes > 4 and ") + 4;
+    EXPECT_EQ(reds(4, place - 6), 0);
+    EXPECT_GT(reds(place + 4, place + text.horizontalAdvance("adress")), 20);
+    Give("bytes > 4 and address == 1");
+    EXPECT_EQ(Mistake(), "");
+    EXPECT_EQ(Rows(), 0);
+}
+
+TEST_F(TransactionPanels, FiltersThatWereUsedAreOfferedAgainAlsoInTheNextRun) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Give("wait > 8");
+    Give("end == retry");
+    Give("wait > 8");
+    Give("wait >");
+    Frame().close();
+    program.reset();
+    StartDemo();
+    Open("Trigger2.tra");
+    ASSERT_TRUE(Settled());
+    ASSERT_TRUE(Dock().isVisible());
+    EXPECT_EQ(Filter().currentText(), "");
+    ASSERT_EQ(Filter().count(), 2);
+    EXPECT_EQ(Filter().itemText(0), "wait > 8");
+    EXPECT_EQ(Filter().itemText(1), "end == retry");
+    QTest::mouseClick(Filter().lineEdit(), Qt::LeftButton, {}, {5, 5});
+    QTest::keyClick(&Filter(), Qt::Key_Down);
+    QTest::keyClick(&Filter(), Qt::Key_Down);
+    QTest::keyClick(&Filter(), Qt::Key_Return);
+    ASSERT_TRUE(Settled());
+    EXPECT_EQ(Filter().currentText(), "end == retry");
+    EXPECT_EQ(Rows(), 10);
+}
+
+TEST_F(TransactionPanels, EachCaptureHasItsOwnFilterAndOrder) {
+    CChildFrame& first = Open("Trigger2.tra");
+    OpenPanel();
+    Give("end == retry");
+    ClickTitle("Bytes");
+    Open("Trigger1.tra");
+    ASSERT_TRUE(Settled());
+    EXPECT_EQ(Filter().currentText(), "");
+    EXPECT_EQ(Cell(0, "Number"), "1");
+    EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), -1);
+    Frame().Area().setActiveSubWindow(&first);
+    QApplication::processEvents();
+    EXPECT_EQ(Filter().currentText(), "end == retry");
+    EXPECT_EQ(Rows(), 10);
+    EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), ColumnOf("Bytes"));
+}
+
+TEST_F(TransactionPanels, ATitleSortsUpThenDownThenAsInTheCapture) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    OpenPanel();
+    ClickRow(100);
+    const std::string number = Cell(100, "Number");
+    ClickTitle("Bytes");
+    const auto bytes = [&] {
+        std::vector<int> values;
+        for (const std::string& text : Column("Bytes")) {
+            values.push_back(std::stoi(text));
+        }
+        return values;
+    };
+    ASSERT_EQ(Rows(), 267);
+    EXPECT_TRUE(std::ranges::is_sorted(bytes()));
+    EXPECT_EQ(Cell(CurrentRow(), "Number"), number);
+    ClickTitle("Bytes");
+    EXPECT_TRUE(std::ranges::is_sorted(bytes(), std::ranges::greater()));
+    ClickRow(0);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(0)), 1);
+    ClickTitle("Bytes");
+    EXPECT_EQ(Cell(0, "Number"), "1");
+    EXPECT_EQ(Cell(266, "Number"), "267");
+}
+
+TEST_F(TransactionPanels, CopiesTheSelectedRowsAsTheyAreShown) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    for (const char* hidden : {"Time", "Words", "Wait", "Initiator Wait", "Latency", "Gap"}) {
+        ColumnMenu(hidden);
+    }
+    Frame().activateWindow(); // the menus have taken the keyboard
+    QApplication::processEvents();
+    ClickRow(137);
+    QTest::keyClick(&Table(), Qt::Key_Down, Qt::ShiftModifier);
+    Frame().RefreshCommands(); // as before each event
+    QTest::keyClick(&Table(), Qt::Key_C, Qt::ControlModifier);
+    const std::string wanted = "Number\tSample\tCommand\tAddress\tBytes\tEnd\tFindings\tData\n"
+                               "138\t22\tI/O Wr\t000003F8\t4\tcomplete\t0\t56410C87\n"
+                               "139\t74\tMem Rd Line\tFEBF0210\t32\tcomplete\t0\t"
+                               "56410C88 56410C89 0ECCBB7C 0ECCBB7D ...\n";
+    EXPECT_EQ(Clipboard(), wanted);
+    QApplication::clipboard()->clear();
+    Choose("Edit/Copy");
+    EXPECT_EQ(Clipboard(), wanted);
+    // In the filter, its text is copied.
+    Type("wait");
+    QTest::keyClick(&Filter(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&Filter(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(Clipboard(), "wait");
+    QApplication::clipboard()->clear();
+    Choose("Edit/Copy");
+    EXPECT_EQ(Clipboard(), "wait");
+    // In the capture, its picture or its rows.
+    QTest::keyClick(&Filter(), Qt::Key_Escape);
+    EXPECT_FALSE(Entry("Edit/Copy").isEnabled()) << "no marker is set in the listing";
+}
+
+TEST_F(TransactionPanels, ColumnsAreChosenInTheMenuOnTheTitles) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    const QStringList entries = ColumnMenu("Latency");
+    EXPECT_EQ(entries.join(' ').toStdString(),
+              "* Number * Sample * Time * Command * Address * Words * Bytes * Wait * Initiator "
+              "Wait * Latency * End * Gap * Findings * Data");
+    EXPECT_TRUE(Table().isColumnHidden(ColumnOf("Latency")));
+    Table().setColumnWidth(ColumnOf("Command"), 222);
+    Frame().close();
+    program.reset();
+    StartDemo();
+    Open("Trigger2.tra");
+    ASSERT_TRUE(Settled());
+    EXPECT_TRUE(Table().isColumnHidden(ColumnOf("Latency")));
+    EXPECT_EQ(Table().columnWidth(ColumnOf("Command")), 222);
+    // The menu has a key too.
+    Dock().findChild<TransactionPanel*>()->TakeKeyboard();
+    const QStringList again =
+        AnswerMenu([&] { QTest::keyClick(&Table(), Qt::Key_F10, Qt::ShiftModifier); }, "Latency");
+    EXPECT_TRUE(again.contains("Latency"));
+    EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Latency")));
+    EXPECT_GT(Table().columnWidth(ColumnOf("Latency")), 20);
 }
 
 TEST_F(TransactionPanels, OpensAgainAsItWasLeft) {
