@@ -60,11 +60,11 @@ IntervalFigures FiguresOf(const BoardTraits& board, const SignalTables& tables,
         count(*unfinished);
     }
     figures.time = time.Sum();
-    if (isBusClock && !figures.hasGaps && times.Holds()) {
-        figures.clocks = figures.samples;
-    }
-    if (follower.Traffic() != nullptr) {
+    if (const BusTraffic* traffic = follower.Traffic()) {
         figures.transactions = transactions;
+        if (isBusClock && traffic->HasClock() && !figures.hasGaps && times.Holds()) {
+            figures.clocks = figures.samples;
+        }
     }
     return figures;
 }

@@ -93,6 +93,8 @@ public:
 [[nodiscard]] std::optional<std::int64_t> ClockPeriod(std::int32_t index) noexcept;
 [[nodiscard]] std::optional<std::int64_t> PowerZoomPeriod(std::int32_t index) noexcept;
 constexpr std::int32_t clockCount = 17;
+constexpr std::int32_t clockOfBus = 1;
+constexpr std::int32_t clockSync = 2;
 constexpr std::int32_t clock133MHz = 4; // not on boards of the small tier
 constexpr std::int32_t powerZoomCount = 9;
 constexpr std::int32_t triggerCount = 6;

@@ -1,7 +1,8 @@
 #include "ui/analysis/analysis_feature.h"
 
+#include "ui/analysis/interval_panel.h"
+#include "ui/analysis/shown_capture.h"
 #include "ui/analysis/transaction_panel.h"
-#include "ui/display/trace_view.h"
 #include "ui/framework/mdi_child.h"
 
 #include <QDockWidget>
@@ -13,24 +14,20 @@ namespace busquill {
 namespace {
 
 bool ShowsCapture(const QMdiArea& area) {
-    const auto* frame = dynamic_cast<const CMDIChildWnd*>(area.activeSubWindow());
-    return frame != nullptr && dynamic_cast<const CTraceView*>(frame->GetActiveView()) != nullptr;
+    return ViewOf(dynamic_cast<const CMDIChildWnd*>(area.activeSubWindow())) != nullptr;
 }
 
-} // namespace
-
-Feature AnalysisFeature(const FeatureParts& parts) {
+/// Puts a panel into a dock of the main window, which a command shows or hides.
+void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const char* title,
+              Panel* panel) {
     auto* window = qobject_cast<QMainWindow*>(parts.area.window());
-    auto* dock = new QDockWidget("Transactions", window);
-    dock->setObjectName("Transactions");
-    auto* panel = new TransactionPanel(parts);
+    auto* dock = new QDockWidget(title, window);
+    dock->setObjectName(title);
     dock->setWidget(panel);
     window->addDockWidget(Qt::BottomDockWidgetArea, dock);
     dock->hide();
-
-    Feature feature;
     feature.commands.Switch(
-        CommandId::Transactions,
+        id,
         [dock, panel] {
             dock->setVisible(dock->isHidden());
             if (!dock->isHidden()) {
@@ -38,6 +35,14 @@ Feature AnalysisFeature(const FeatureParts& parts) {
             }
         },
         [dock] { return !dock->isHidden(); }, [&area = parts.area] { return ShowsCapture(area); });
+}
+
+} // namespace
+
+Feature AnalysisFeature(const FeatureParts& parts) {
+    Feature feature;
+    AddPanel(feature, parts, CommandId::Transactions, "Transactions", new TransactionPanel(parts));
+    AddPanel(feature, parts, CommandId::Interval, "Interval", new IntervalPanel(parts));
     return feature;
 }
 

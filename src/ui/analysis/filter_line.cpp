@@ -29,10 +29,6 @@ std::string HistoryKey(int i) {
     return Printf("Filter%d", i + 1);
 }
 
-std::variant<TransactionCondition, ExpressionError> Parsed(const QString& text) {
-    return TransactionCondition::Parse(text.toStdString());
-}
-
 } // namespace
 
 FilterLine::FilterLine(Settings& settings, QLabel& explanation)
@@ -54,6 +50,10 @@ FilterLine::FilterLine(Settings& settings, QLabel& explanation)
         Apply();
         Remember();
     });
+}
+
+std::variant<TransactionCondition, ExpressionError> FilterLine::Parsed(const QString& text) const {
+    return TransactionCondition::Parse(text.toStdString(), bus_);
 }
 
 std::optional<TransactionCondition> FilterLine::Condition() const {

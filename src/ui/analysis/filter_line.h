@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <variant>
 
 class QLabel;
 
@@ -25,6 +26,8 @@ public:
     /// The settings and the label outlive it.
     FilterLine(Settings& settings, QLabel& explanation);
 
+    /// What the names in a condition depend on; the tables outlive it.
+    void SetBus(const TransactionBus& bus) { bus_ = bus; }
     /// Shows the filter of another table, without emitting Changed.
     void ShowFilter(const QString& text);
     /// The text when Changed was emitted last.
@@ -37,6 +40,8 @@ signals:
     void Changed();
 
 private:
+    [[nodiscard]] std::variant<TransactionCondition, ExpressionError>
+    Parsed(const QString& text) const;
     void ShowHistory();
     void Remember();
     void Edited();
@@ -45,6 +50,7 @@ private:
 
     Settings& settings_;
     QLabel& explanation_;
+    TransactionBus bus_;
     QString filter_;
     QTimer typing_; // until a text without a mistake is applied
 };

@@ -2,6 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "platform/bits.h"
+#include "ui/analysis/shown_capture.h"
 
 #include <QFontDatabase>
 
@@ -109,29 +110,6 @@ void TransactionModel::Forget() {
     emit Worked();
 }
 
-/// A bit for each sample that is not in the file, or has not arrived.
-std::vector<std::uint32_t> TransactionModel::AbsentSamples() const {
-    if (!document_.IsRealTime()) {
-        return document_.excludedBits;
-    }
-    static_assert(blockSamples == 32);
-    const auto count = static_cast<std::size_t>(document_.SampleCount(false));
-    std::vector<std::uint32_t> absent((count + blockSamples - 1) / blockSamples);
-    for (std::size_t block = 0; block < absent.size(); ++block) {
-        const auto first = static_cast<std::int64_t>(block * blockSamples);
-        absent[block] = document_.IsValidSample(first, false) ? 0 : ~std::uint32_t{0};
-    }
-    return absent;
-}
-
-CapturedSamples TransactionModel::Samples(const Followed& followed) const {
-    // After a run that ended without samples the store may still hold those of the run before.
-    const auto records = document_.GetStore().GetData(false);
-    const auto count = static_cast<std::size_t>(document_.SampleCount(false));
-    return {records.first(std::min(records.size(), count)), document_.FirstSampleNumber(false),
-            followed.absent};
-}
-
 void TransactionModel::FollowUpload() {
     if (isActive_ && isOutdated_ && next_ == nullptr) {
         Begin();
@@ -144,8 +122,8 @@ void TransactionModel::Begin() {
     }
     pause_.stop();
     isOutdated_ = false;
-    nextFollowed_ =
-        std::make_shared<Followed>(Followed{TransactionIndex(board_, tables_), AbsentSamples()});
+    nextFollowed_ = std::make_shared<Followed>(
+        Followed{TransactionIndex(board_, tables_), AbsentSamples(document_)});
     FindRows();
 }
 
@@ -161,7 +139,7 @@ void TransactionModel::FindRows() {
 }
 
 void TransactionModel::Continue() {
-    const CapturedSamples samples = Samples(*nextFollowed_);
+    const CapturedSamples samples = SamplesOf(document_, nextFollowed_->absent);
     QElapsedTimer time;
     time.start();
     bool isComplete = false;
@@ -210,8 +188,9 @@ const Transaction& TransactionModel::At(int row) const {
     if (const Transaction* known = cache_.object(row)) {
         return *known;
     }
-    auto* found = new Transaction(followed_->index.Row(
-        rows_->TransactionAt(static_cast<std::size_t>(row)), Samples(*followed_), shownWords));
+    auto* found =
+        new Transaction(followed_->index.Row(rows_->TransactionAt(static_cast<std::size_t>(row)),
+                                             SamplesOf(document_, followed_->absent), shownWords));
     cache_.insert(row, found);
     return *found;
 }
@@ -229,8 +208,8 @@ int TransactionModel::RowOfSample(std::int64_t sample) const {
     if (rows_ == nullptr || sample < 0 || sample >= document_.SampleCount(false)) {
         return -1;
     }
-    const auto transaction =
-        followed_->index.RowAt(static_cast<std::size_t>(sample), Samples(*followed_));
+    const auto transaction = followed_->index.RowAt(static_cast<std::size_t>(sample),
+                                                    SamplesOf(document_, followed_->absent));
     const auto row = transaction ? rows_->RowOf(*transaction) : std::nullopt;
     return row ? static_cast<int>(*row) : -1;
 }

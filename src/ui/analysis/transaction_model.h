@@ -77,8 +77,6 @@ private:
         std::vector<std::uint32_t> absent;
     };
 
-    [[nodiscard]] CapturedSamples Samples(const Followed& followed) const;
-    [[nodiscard]] std::vector<std::uint32_t> AbsentSamples() const;
     void Forget();
     /// Walks through the samples as they are now.
     void Begin();

@@ -8,6 +8,7 @@
 #include "platform/text.h"
 #include "signals/value_text.h"
 #include "ui/analysis/filter_line.h"
+#include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/mdi_child.h"
@@ -105,10 +106,6 @@ QString Summary(const TransactionModel& model) {
         }
     }
     return text;
-}
-
-CTraceView* ViewOf(const CMDIChildWnd* frame) {
-    return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
 }
 
 } // namespace
@@ -258,6 +255,9 @@ void TransactionPanel::Show(CTesselDoc* document) {
         connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
                 &TransactionPanel::RowChosen);
         ShowColumns();
+        if (const BusTraffic* traffic = Model()->Traffic()) {
+            filter_->SetBus({traffic->HasClock(), &parts_.analyzer.Tables()});
+        }
         filter_->ShowFilter(captures_.at(document).filter);
         RestorePlace();
         model->SetActive(isVisible());

@@ -33,7 +33,7 @@ public:
     ~TransactionPanel() override;
 
     void Follow(CMDIChildWnd* active) override;
-    void TakeKeyboard();
+    void TakeKeyboard() override;
 
 protected:
     void showEvent(QShowEvent* event) override;

@@ -52,6 +52,8 @@ public:
     [[nodiscard]] bool IsState() const noexcept { return isState_; }
     [[nodiscard]] bool IsZoom() const noexcept { return isZoom_; }
     [[nodiscard]] CTesselDoc& Trace() const;
+    /// The signals that are shown.
+    [[nodiscard]] const CSignalList& List() const { return ListOf(Trace()); }
 
     [[nodiscard]] std::int64_t TopSample() const;
     [[nodiscard]] std::int64_t CenterSample() const;

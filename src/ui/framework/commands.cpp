@@ -105,6 +105,7 @@ constexpr Command commands[] = {
     {CommandId::BusConfiguration,     "&Utilities",              "&Bus Configuration",    "Set mode and width of the bus", "", ""},
 
     {CommandId::Transactions,         "&Analyze",                "&Transactions",         "Show or hide the transactions of the capture", "", "Ctrl+Shift+T"},
+    {CommandId::Interval,             "&Analyze",                "&Interval",             "Show or hide what lies between the markers", "", "Ctrl+Shift+I"},
 
     {CommandId::Cascade,              "&Window",                 "&Cascade",              "Arrange the windows so that they overlap", "", ""},
     {CommandId::Tile,                 "&Window",                 "&Tile",                 "Arrange the windows side by side", "", ""},

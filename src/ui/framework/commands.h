@@ -58,6 +58,7 @@ enum class CommandId {
     Compare,
     ZoomIncrement,
     Transactions,
+    Interval,
     DefineSignals,
     BoardSetup,
     BoardInfo,

@@ -18,6 +18,9 @@ public:
     /// active.
     virtual void Follow(CMDIChildWnd* active) = 0;
 
+    /// Gives the keyboard to what the panel shows.
+    virtual void TakeKeyboard() { setFocus(); }
+
     /// What the panel carries out while the keyboard is in it, before the active window is asked.
     CommandMap commands;
 };

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "analysis/transaction_index.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace busquill {
+
+class CMDIChildWnd;
+class CTesselDoc;
+class CTraceView;
+
+/// The view of a capture in a window; null if the window is null or shows something else.
+[[nodiscard]] CTraceView* ViewOf(const CMDIChildWnd* frame);
+
+/// A bit for each sample of a document that is not in the file, or has not arrived.
+[[nodiscard]] std::vector<std::uint32_t> AbsentSamples(const CTesselDoc& document);
+/// The samples of a document; `absent` outlives them.
+[[nodiscard]] CapturedSamples SamplesOf(const CTesselDoc& document,
+                                        const std::vector<std::uint32_t>& absent);
+
+} // namespace busquill
