@@ -29,7 +29,7 @@ namespace busquill {
 namespace {
 
 QString Count(std::int64_t number) {
-    return QLocale::c().toString(static_cast<qlonglong>(number));
+    return QLocale(QLocale::English).toString(static_cast<qlonglong>(number));
 }
 
 /// Four digits with the prefix of a thousand, such as "33.33 MHz".

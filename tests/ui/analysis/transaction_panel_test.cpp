@@ -311,7 +311,7 @@ TEST_F(TransactionPanels, StaysWhenTheOtherDisplayIsShown) {
 TEST_F(TransactionPanels, SumsUpTheRows) {
     Open("Trigger2.tra");
     OpenPanel();
-    EXPECT_EQ(Summary(), "267 transactions, 3,600 bytes, mean latency 111ns; complete 241, "
+    EXPECT_EQ(Summary(), "267 transactions, 3,628 bytes, mean latency 109ns; complete 241, "
                          "retry 10, disconnect-with-data 10, target-abort 5, cut-off 1");
     Give("command == \"Mem Rd Line\"");
     EXPECT_EQ(Summary(), "28 of 267 transactions, 864 bytes, mean latency 158ns; complete 27, "

@@ -1,0 +1,190 @@
+// What lies between the markers, in its panel beside the windows of a capture.
+
+#include "analysis/interval.h"
+#include "capture/trace_document.h"
+#include "support/program_fixture_qt.h"
+#include "ui/display/trace_view.h"
+#include "ui/trace/child_frame.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDockWidget>
+#include <QEventLoop>
+#include <QLabel>
+#include <QTableWidget>
+#include <QTimer>
+#include <gmock/gmock.h>
+
+namespace busquill::test {
+namespace {
+
+using testing::HasSubstr;
+
+class IntervalPanels : public ProgramFixture {
+protected:
+    IntervalPanels() {
+        StartDemo();
+        Frame().resize(1100, 800);
+        Open("Trigger2.tra");
+        Choose("Analyze/Interval");
+    }
+    void Open(const std::string& name) {
+        program->App().OpenDocumentFile(dir.File(name));
+        Settle();
+    }
+    /// Panels follow when the program waits for an event.
+    static void Settle() {
+        QEventLoop loop;
+        QTimer::singleShot(5, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    CTraceView& View() {
+        return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow()).TraceView();
+    }
+    CTesselDoc& Trace() { return View().Trace(); }
+    void PutMarkers(std::int64_t first, std::int64_t second) {
+        Trace().ToggleMarker(1, first, false);
+        Trace().ToggleMarker(2, second, false);
+        Settle();
+    }
+    QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Interval"); }
+    QTableWidget& Table() { return *Dock().findChild<QTableWidget*>("IntervalTable"); }
+    std::string Note() { return Dock().findChild<QLabel*>("IntervalNote")->text().toStdString(); }
+    std::string Value(const std::string& name) {
+        for (int row = 0; row < Table().rowCount(); ++row) {
+            if (Table().item(row, 0)->text().toStdString() == name) {
+                return Table().item(row, 1)->text().toStdString();
+            }
+        }
+        return "(none)";
+    }
+};
+
+TEST_F(IntervalPanels, AskForMarkersUntilBothAreSet) {
+    ASSERT_TRUE(Dock().isVisible());
+    EXPECT_THAT(Note(), HasSubstr("F7 and F8"));
+    EXPECT_EQ(Table().rowCount(), 0);
+    Trace().ToggleMarker(1, 100, false);
+    Settle();
+    EXPECT_THAT(Note(), HasSubstr("F7 and F8"));
+    Trace().ToggleMarker(2, 200, false);
+    Settle();
+    EXPECT_EQ(Note(), "");
+    EXPECT_EQ(Value("Samples"), "100");
+    Trace().ToggleMarker(2, 200, false); // removes it
+    Settle();
+    EXPECT_EQ(Table().rowCount(), 0);
+}
+
+TEST_F(IntervalPanels, ShowTheFiguresOfTheCore) {
+    PutMarkers(3000, 1000);
+    const IntervalFigures figures =
+        FiguresOf(program->Link().Traits(), program->Tables(),
+                  {Trace().GetStore().GetData(false), 0, {}}, 1000, 3000, true);
+    ASSERT_GT(figures.transactions.value(), 10U);
+    EXPECT_EQ(Value("Samples"), "2,000");
+    EXPECT_THAT(
+        Value("Time"),
+        HasSubstr(QLocale(QLocale::English).toString(qlonglong{figures.time}).toStdString() +
+                  " ns"));
+    EXPECT_EQ(Value("Transactions"), std::to_string(*figures.transactions));
+    EXPECT_EQ(Value("Bytes"),
+              QLocale(QLocale::English).toString(qulonglong{figures.bytes}).toStdString());
+    EXPECT_THAT(Value("Throughput"), HasSubstr("MB/s"));
+    EXPECT_THAT(Value("1/t"), HasSubstr("Hz"));
+}
+
+TEST_F(IntervalPanels, FollowMarkersThatAreMovedByKeys) {
+    PutMarkers(100, 200);
+    View().setFocus();
+    QTest::keyClick(&Frame(), Qt::Key_Right, Qt::AltModifier);
+    Settle();
+    EXPECT_EQ(Value("Samples"), "99");
+    QTest::keyClick(&Frame(), Qt::Key_Left, Qt::AltModifier | Qt::ShiftModifier);
+    Settle();
+    EXPECT_EQ(Value("Samples"), "98");
+}
+
+TEST_F(IntervalPanels, CountTheEdgesOfTheSelectedSignals) {
+    PutMarkers(100, 1100);
+    const int before = Table().rowCount();
+    for (const auto& signal : Trace().stateList.All()) {
+        if (signal->RowName() == "FRAME" && !signal->grouped) {
+            signal->selected = true;
+        }
+    }
+    Settle();
+    const EdgeCount edges = [&] {
+        for (const auto& signal : Trace().stateList.All()) {
+            if (signal->selected) {
+                return EdgesOf(*signal, {Trace().GetStore().GetData(false), 0, {}}, 100, 1100);
+            }
+        }
+        return EdgeCount();
+    }();
+    ASSERT_GT(edges.changes, 0U);
+    EXPECT_EQ(Table().rowCount(), before + 1);
+    EXPECT_EQ(Value("Edges of FRAME"), std::to_string(edges.changes) + ": " +
+                                           std::to_string(edges.rising) + " rising, " +
+                                           std::to_string(edges.falling) + " falling");
+}
+
+TEST_F(IntervalPanels, AreCopiedAsLines) {
+    PutMarkers(100, 200);
+    QApplication::clipboard()->clear();
+    Frame().activateWindow();
+    Table().setFocus();
+    Table().clearSelection();
+    Settle();
+    Choose("Edit/Copy");
+    EXPECT_THAT(QApplication::clipboard()->text().toStdString(), HasSubstr("Samples\t100\nTime\t"));
+    Table().selectRow(0);
+    Settle();
+    EXPECT_TRUE(Table().item(0, 0)->isSelected());
+    QApplication::clipboard()->clear();
+    QTest::keyClick(&Table(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "Samples\t100\n");
+}
+
+TEST_F(IntervalPanels, FollowTheActiveWindow) {
+    PutMarkers(100, 200);
+    QMdiSubWindow* const first = Frame().Area().activeSubWindow();
+    Open("Trigger1.tra");
+    EXPECT_EQ(Table().rowCount(), 0) << "its markers are not set";
+    Frame().Area().setActiveSubWindow(first);
+    Settle();
+    EXPECT_EQ(Value("Samples"), "100");
+    for (QMdiSubWindow* window : Frame().Area().subWindowList()) {
+        window->close();
+    }
+    Settle();
+    EXPECT_EQ(Note(), "The active window shows no capture.");
+}
+
+TEST_F(IntervalPanels, OfPowerZoomHaveTimesInPicosecondsAndNoTransactions) {
+    Open("Trigger1.tra");
+    for (QMdiSubWindow* window : Frame().Area().subWindowList()) {
+        if (dynamic_cast<CChildFrame&>(*window).TraceView().IsZoom()) {
+            Frame().Area().setActiveSubWindow(window);
+        }
+    }
+    ASSERT_TRUE(View().IsZoom());
+    Trace().ToggleMarker(1, 10, true);
+    Trace().ToggleMarker(2, 30, true);
+    Settle();
+    EXPECT_EQ(Value("Samples"), "20");
+    EXPECT_THAT(Value("Time"), HasSubstr(" ps"));
+    EXPECT_EQ(Value("Transactions"), "(none)");
+}
+
+TEST_F(IntervalPanels, EscapeLeadsBackToTheCapture) {
+    PutMarkers(100, 200);
+    Frame().activateWindow();
+    Table().setFocus();
+    QTest::keyClick(&Table(), Qt::Key_Escape);
+    EXPECT_FALSE(Table().hasFocus());
+    EXPECT_TRUE(View().isAncestorOf(QApplication::focusWidget()) || View().hasFocus());
+}
+
+} // namespace
+} // namespace busquill::test
