@@ -25,6 +25,7 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QDockWidget>
 #include <QGroupBox>
 #include <QHelpEvent>
 #include <QLineEdit>
@@ -36,6 +37,7 @@
 #include <QPalette>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTableView>
 #include <QTimer>
 #include <QToolButton>
 #include <QToolTip>
@@ -374,6 +376,30 @@ void ShowTip(Tour& tour, QWidget& display, const QPoint& place) {
     QToolTip::hideText();
 }
 
+/// The table of a capture's transactions below its listing.
+void ShowTransactions(Tour& tour, CMainFrame& frame) {
+    frame.resize(1160, 800);
+    tour.Choose(frame, "Analyze/Transactions", "message");
+    auto* dock = frame.findChild<QDockWidget*>("Transactions");
+    if (dock == nullptr) {
+        tour.Fail("no table of transactions");
+        return;
+    }
+    frame.resizeDocks({dock}, {400}, Qt::Vertical);
+    auto* filter = dock->findChild<QComboBox*>("TransactionFilter");
+    filter->setEditText("wait > 2 and end != retry");
+    auto* table = dock->findChild<QTableView*>("TransactionTable");
+    WaitFor([] { return false; }, 1000); // until the filter is applied
+    table->setCurrentIndex(table->model()->index(table->model()->rowCount() / 2, 0));
+    tour.Picture(frame, "transactions");
+    tour.Picture(*dock, "transactions-table");
+    filter->setEditText("wait > 2 and adress == 0xFEBF_XXXX");
+    tour.Picture(*dock, "transactions-mistake");
+    filter->setEditText("");
+    tour.Choose(frame, "Analyze/Transactions", "message");
+    frame.resize(900, 600);
+}
+
 /// The list of all keys.
 void ShowKeys(Tour& tour, CMainFrame& frame) {
     for (QAction* action : frame.actions()) {
@@ -419,6 +445,7 @@ void Walk(Tour& tour, Program& program) {
         tour.Picture(frame, "listing-large");
         frame.resize(900, 600);
         ChangeSignals(tour, *window);
+        ShowTransactions(tour, frame);
     }
     tour.Choose(frame, "File/New/Capture/Waveform", "message");
     if (auto* window = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow())) {

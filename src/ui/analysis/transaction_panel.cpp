@@ -46,10 +46,10 @@ constexpr const char* columnsKey = "Columns";
 constexpr const char* hiddenKey = "HiddenColumns";
 
 /// A text as long as most in a column.
-QString SampleText(TransactionField field) {
+QString SampleText(TransactionField field, bool hasClock) {
     switch (field) {
     case TransactionField::Command:
-        return "Mem Rd Multiple ";
+        return hasClock ? "DAC-Mem Wr & Inv" : "A32 NON PRVL DATA Wr";
     case TransactionField::Address:
         return "00000000FEBF0380";
     case TransactionField::End:
@@ -140,7 +140,6 @@ void TransactionPanel::MakeTable() {
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->setWordWrap(false);
     table_->setTabKeyNavigation(false);
-    table_->setShowGrid(false);
     table_->setAlternatingRowColors(true);
     table_->installEventFilter(this);
     table_->verticalHeader()->hide();
@@ -357,9 +356,11 @@ int TransactionPanel::UsualWidth(int column) const {
     const QFontMetrics text(shown.field == TransactionField::Address
                                 ? QFontDatabase::systemFont(QFontDatabase::FixedFont)
                                 : table_->font());
-    return margin + std::max(text.horizontalAdvance(SampleText(shown.field)),
-                             arrow + table_->horizontalHeader()->fontMetrics().horizontalAdvance(
-                                         shown.title));
+    return margin +
+           std::max(
+               text.horizontalAdvance(SampleText(shown.field, Model()->Traffic() == nullptr ||
+                                                                  Model()->Traffic()->HasClock())),
+               arrow + table_->horizontalHeader()->fontMetrics().horizontalAdvance(shown.title));
 }
 
 QStringList TransactionPanel::HiddenColumns() const {

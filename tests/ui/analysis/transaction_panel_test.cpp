@@ -3,6 +3,7 @@
 
 #include "analysis/transaction_follower.h"
 #include "capture/trace_document.h"
+#include "support/board_tables.h"
 #include "support/program_fixture_qt.h"
 #include "ui/analysis/transaction_panel.h"
 #include "ui/display/trace_view.h"
@@ -192,14 +193,14 @@ TEST_F(TransactionPanels, ShowsAllTransactionsOfTheCapture) {
     EXPECT_EQ(Cell(137, "Words"), "1");
     EXPECT_EQ(Cell(137, "Bytes"), "4");
     EXPECT_EQ(Cell(137, "Wait"), "2");
-    EXPECT_EQ(Cell(137, "Initiator Wait"), "0");
+    EXPECT_EQ(Cell(137, "I-Wait"), "0");
     EXPECT_EQ(Cell(137, "Latency"), "90ns");
     EXPECT_EQ(Cell(137, "End"), "complete");
     EXPECT_EQ(Cell(137, "Gap"), "180ns");
     EXPECT_EQ(Cell(137, "Findings"), "0");
     EXPECT_EQ(Cell(137, "Data"), "56410C87");
     EXPECT_TRUE(Table().isColumnHidden(ColumnOf("Tag"))) << "only PCI-X has it";
-    EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Initiator Wait")));
+    EXPECT_FALSE(Table().isColumnHidden(ColumnOf("I-Wait")));
 }
 
 TEST_F(TransactionPanels, AClickTakesAllWindowsOfTheCaptureToTheFirstSample) {
@@ -444,7 +445,7 @@ TEST_F(TransactionPanels, ATitleSortsUpThenDownThenAsInTheCapture) {
 TEST_F(TransactionPanels, CopiesTheSelectedRowsAsTheyAreShown) {
     Open("Trigger2.tra");
     OpenPanel();
-    for (const char* hidden : {"Time", "Words", "Wait", "Initiator Wait", "Latency", "Gap"}) {
+    for (const char* hidden : {"Time", "Words", "Wait", "I-Wait", "Latency", "Gap"}) {
         ColumnMenu(hidden);
     }
     Frame().activateWindow(); // the menus have taken the keyboard
@@ -479,8 +480,8 @@ TEST_F(TransactionPanels, ColumnsAreChosenInTheMenuOnTheTitles) {
     OpenPanel();
     const QStringList entries = ColumnMenu("Latency");
     EXPECT_EQ(entries.join(' ').toStdString(),
-              "* Number * Sample * Time * Command * Address * Words * Bytes * Wait * Initiator "
-              "Wait * Latency * End * Gap * Findings * Data");
+              "* Number * Sample * Time * Command * Address * Words * Bytes * Wait * I-Wait * "
+              "Latency * End * Gap * Findings * Data");
     EXPECT_TRUE(Table().isColumnHidden(ColumnOf("Latency")));
     Table().setColumnWidth(ColumnOf("Command"), 222);
     Frame().close();
@@ -497,6 +498,42 @@ TEST_F(TransactionPanels, ColumnsAreChosenInTheMenuOnTheTitles) {
     EXPECT_TRUE(again.contains("Latency"));
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Latency")));
     EXPECT_GT(Table().columnWidth(ColumnOf("Latency")), 20);
+}
+
+TEST_F(TransactionPanels, FollowABoardWhoseBusChanges) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    EXPECT_TRUE(Table().isColumnHidden(ColumnOf("Tag")));
+    program->Link().WriteBusConfig({.busMode = BusPciX, .busWidth = 1});
+    Frame().RefreshCommands();
+    ASSERT_TRUE(Settled());
+    EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Tag")));
+    EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Split")));
+    program->Link().WriteBusConfig({.busMode = BusVme});
+    Frame().RefreshCommands();
+    ASSERT_TRUE(Settled());
+    EXPECT_TRUE(Table().isColumnHidden(ColumnOf("I-Wait")));
+}
+
+TEST(TransactionModels, AConnectorHasNoTransactions) {
+    BoardTables board("VMEKiteP2", BusVmeP2);
+    RecordingPrompts prompts;
+    const TempDir dir;
+    CTesselDoc document(NewTraceContext{board.tables}, prompts);
+    std::string text =
+        "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n\"Trace Data\",0,9\n";
+    for (int i = 0; i < 10; ++i) {
+        text += std::to_string(i) + ",1,2,3,0,0,0,0,0,0,0,0,0,0,0,30,0,0,0\n";
+    }
+    ASSERT_TRUE(document.OnOpenDocument(dir.Write("pins.tra", text)));
+    TransactionModel model(document, board.board, board.tables);
+    model.SetActive(true);
+    EXPECT_EQ(model.Traffic(), nullptr);
+    EXPECT_EQ(model.rowCount(), 0);
+    EXPECT_FALSE(model.IsWorking());
+    for (int column = 0; column < model.columnCount(); ++column) {
+        EXPECT_FALSE(model.HasColumn(column)) << column;
+    }
 }
 
 TEST_F(TransactionPanels, OpensAgainAsItWasLeft) {
