@@ -250,7 +250,11 @@ private:
         } else {
             AppendJsonText(line_, labels_.Of(each));
             line_ += ", \"address\": ";
-            AppendJsonText(line_, Address(each, "0x"));
+            if (each.address) {
+                AppendJsonText(line_, Address(each, "0x"));
+            } else {
+                line_ += "null";
+            }
         }
         Fields(each, [this](const char* name, bool has, const auto& value) {
             line_ += name;

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace busquill::test {
 
 namespace {
@@ -175,7 +177,10 @@ TEST_P(TransactionsWithoutIdleSamples, AreTheSame) {
     Record(0);
     const auto wanted = Followed();
     const TransactionFollower follower(bus.board, bus.tables);
-    std::erase_if(records, [&](const SampleRecord& record) { return follower.IsIdle(record); });
+    // The first one stays: it shows that the next address is no second half.
+    records.erase(std::remove_if(records.begin() + 1, records.end(),
+                                 [&](const auto& record) { return follower.IsIdle(record); }),
+                  records.end());
     ASSERT_LT(records.size(), sampleCount - sampleCount / 10);
     const auto found = Followed();
     ASSERT_EQ(found.size(), wanted.size());
