@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 
 namespace busquill::test {
 
@@ -198,6 +199,21 @@ TEST(TransactionRowsOfAConnector, AreNone) {
     index.Extend({records, 0, {}});
     EXPECT_EQ(index.Size(), 0U);
     EXPECT_EQ(index.RowAt(5, {records, 0, {}}), std::nullopt);
+}
+
+TEST(TransactionRowsBeforeMissingSamples, AreCutOffUnlessOthersFollow) {
+    const BoardTables bus("PCIKite");
+    Waves waves(bus);
+    waves.Line("FRAME", "~______~").Set("C/BE", 0xF6).At(1, "ADR/DATA", 1);
+    const auto end = [&](std::size_t count) {
+        const std::array<std::uint32_t, 1> absent = {0b0111'0000};
+        const CapturedSamples samples{std::span(waves.Records()).first(count), 0, absent};
+        TransactionIndex index(bus.board, bus.tables);
+        index.Extend(samples);
+        return index.Row(0, samples, 0).end;
+    };
+    EXPECT_EQ(end(7), TransactionEnd::CutOff);
+    EXPECT_EQ(end(8), TransactionEnd::Unknown);
 }
 
 TEST(TransactionRowsOfAddressPhases, AreOneForEachSample) {
