@@ -192,6 +192,38 @@ TEST_P(TransactionsWithoutIdleSamples, AreTheSame) {
     }
 }
 
+TEST_P(TransactionsWithoutIdleSamples, HaveTheirDataIfOnlyAddressAndDataPhasesAreStored) {
+    constexpr int addressPhase = 95;
+    constexpr int attributePhase = 93;
+    constexpr std::uint32_t specialCycle = 1;
+    Record(0);
+    const auto wanted = Followed();
+    const auto isAsserted = [&](const SampleRecord& record, const char* name) {
+        return !record.Bit(bus.tables.busSignals.FindByName(name)->dataIndex);
+    };
+    const auto isStored = [&](const SampleRecord& record) {
+        return record.Bit(addressPhase) || (bus.board.IsPciXMode() && record.Bit(attributePhase)) ||
+               (isAsserted(record, "IRDY") && isAsserted(record, "TRDY"));
+    };
+    records.erase(std::remove_if(records.begin() + 1, records.end(),
+                                 [&](const auto& record) { return !isStored(record); }),
+                  records.end());
+    ASSERT_LT(records.size(), sampleCount / 2);
+    const auto found = Followed();
+    ASSERT_EQ(found.size(), wanted.size());
+    std::size_t known = 0;
+    for (std::size_t row = 0; row < found.size(); ++row) {
+        EXPECT_EQ(found[row].command, wanted[row].command) << row;
+        EXPECT_EQ(found[row].address, wanted[row].address) << row;
+        if (wanted[row].command != specialCycle) { // nobody is ready for its message
+            EXPECT_EQ(found[row].words, wanted[row].words) << row;
+        }
+        known += found[row].HasEnd() ? 1 : 0;
+        EXPECT_TRUE(found[row].end == wanted[row].end || !found[row].HasEnd()) << row;
+    }
+    EXPECT_GT(known, found.size() / 2);
+}
+
 TEST(TransactionRowsOfAConnector, AreNone) {
     const BoardTables bus("VMEKiteP2", BusVmeP2);
     const std::vector<SampleRecord> records(100);
