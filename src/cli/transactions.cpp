@@ -13,6 +13,7 @@
 #include "document/csv_line.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
+#include "tracesetup/trace_setup.h"
 
 #include <algorithm>
 #include <charconv>
@@ -454,6 +455,10 @@ int Run(const Options& options) {
         }
     }
     output.Close();
+    if (!StoresAll(input.Stream().setup)) {
+        Say(input.Name() + ": its setup does not store every sample; transactions are told as far "
+                           "as they were stored");
+    }
     if (hasGaps) {
         Say(input.Name() + ": samples of the capture are missing; where they are, a transaction "
                            "ends as unknown, and later times are too short by theirs");
