@@ -14,6 +14,7 @@
 #include "document/csv_line.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
+#include "tracesetup/trace_setup.h"
 
 #include <algorithm>
 #include <charconv>
@@ -251,7 +252,11 @@ private:
         } else {
             AppendJsonText(line_, labels_.Of(each));
             line_ += ", \"address\": ";
-            AppendJsonText(line_, Address(each, "0x"));
+            if (each.address) {
+                AppendJsonText(line_, Address(each, "0x"));
+            } else {
+                line_ += "null";
+            }
         }
         Fields(each, [this](const char* name, bool has, const auto& value) {
             line_ += name;
@@ -440,6 +445,10 @@ int Run(const Options& options) {
         }
     }
     output.Close();
+    if (!StoresAll(input.Stream().setup)) {
+        Say(input.Name() + ": its setup does not store every sample; transactions are told as far "
+                           "as they were stored");
+    }
     if (hasGaps) {
         Say(input.Name() + ": samples of the capture are missing; where they are, a transaction "
                            "ends as unknown, and later times are too short by theirs");

@@ -572,6 +572,19 @@ TEST_F(TraceCommands, TransactionsAsTextCsvAndJsonLines) {
               "\"splitRequest\": null, \"findings\": 0, \"data\": [\"AA000001\", \"----0002\"]}\n");
 }
 
+TEST_F(TraceCommands, TransactionsOfASetupThatStoresSomeSamplesComeWithAWarning) {
+    EXPECT_EQ(Run({"transactions", data + "Trigger2.tra"}).err, "");
+    std::string text = ReadWholeFile(data + "Trigger2.tra");
+    const std::string all = "\"Goto L1\",\"All\"";
+    const auto level = text.find(all);
+    ASSERT_NE(level, std::string::npos);
+    dir.Write("some.tra", text.replace(level, all.size(), "\"Goto L1\",\"E1\""));
+    const ProgramRun run = Run({"transactions", "some.tra"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.err, "busquill-trace: some.tra: its setup does not store every sample; "
+                       "transactions are told as far as they were stored\n");
+}
+
 TEST_F(TraceCommands, TransactionsOfARangeKeepTheirNumbersAndGaps) {
     const std::string all = Run({"transactions", data + "Trigger2.tra"}).out;
     const std::string some =

@@ -47,14 +47,6 @@ struct Shown {
     }
 };
 
-/// Whether samples that begin or end at a place show an address only in part. The second half of a
-/// dual address alone looks like an address.
-bool SplitsAnAddress(const std::vector<Deed>& deeds, std::size_t place) {
-    return std::any_of(deeds.begin(), deeds.end(), [&](const Deed& deed) {
-        return deed.first < place && place <= deed.toldBy;
-    });
-}
-
 /// Writes down what the samples show of the deeds.
 class DeedTable {
 public:
@@ -94,10 +86,16 @@ private:
                 ++last;
             }
             const bool begins =
-                at == deed.first && (!doer_.NeedsSampleBefore() || (at > 0 && shown_.Has(at - 1)));
-            AddRow(index, at, last, begins);
+                at == deed.first && ((at > 0 && shown_.Has(at - 1)) || ShowsItsBegin(deed));
+            AddRow(index, at, last, begins && deed.commandToldBy <= last);
             at = last;
         }
+    }
+
+    /// Whether the first sample alone shows that it is the first.
+    [[nodiscard]] bool ShowsItsBegin(const Deed& deed) const {
+        const bool isTrigger = deed.first == shown_.first + trigger_;
+        return !doer_.NeedsSampleBefore() && (isTrigger || !deed.looksLikeSecondHalf);
     }
 
     void AddRow(std::size_t index, std::size_t first, std::size_t last, bool begins) {
@@ -111,7 +109,7 @@ private:
         Cell(std::to_string(times_[first]));
         const bool isModified = deed.modifies && deed.modifies->sample <= last;
         Cell(!begins ? "" : isModified ? deed.modifies->command : deed.command);
-        Cell(begins ? deed.address : "");
+        Cell(begins && deed.addressToldBy <= last ? deed.address : "");
         AddNumbers(deed, first, last, begins);
         if (begins) {
             rows_[index] = ends ? number_ : 0;
@@ -216,24 +214,14 @@ DeedRecording RecordDeeds(Family family, std::uint32_t seed, std::size_t count, 
     std::mt19937 random(seed + 1);
     Shown shown;
     shown.first = lead + random() % lead;
-    do {
-        ++shown.first;
-        while (doer->Samples().size() < shown.first + count + lead) {
-            doer->Act();
-        }
-        shown.end = shown.first + count;
-    } while (SplitsAnAddress(doer->Deeds(), shown.first) ||
-             SplitsAnAddress(doer->Deeds(), shown.end));
+    while (doer->Samples().size() < shown.first + count + lead) {
+        doer->Act();
+    }
+    shown.end = shown.first + count;
     shown.missing.resize(doer->Samples().size());
     for (unsigned gap = 0; gap < gaps && count > 3 * longestGap; ++gap) {
-        std::size_t from = shown.first + longestGap + random() % (count - 3 * longestGap);
-        std::size_t to = from + random() % longestGap;
-        while (SplitsAnAddress(doer->Deeds(), from)) {
-            --from;
-        }
-        while (SplitsAnAddress(doer->Deeds(), to + 1)) {
-            ++to;
-        }
+        const std::size_t from = shown.first + longestGap + random() % (count - 3 * longestGap);
+        const std::size_t to = from + random() % longestGap;
         for (std::size_t place = from; place <= to; ++place) {
             shown.missing[place] = true;
         }

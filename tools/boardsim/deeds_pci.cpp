@@ -96,20 +96,27 @@ private:
         SetBit(record, bitReq64, !plan.asksWide);
         SetField(record, bitAd, 32, plan.address & 0xFFFFFFFF);
         SetField(record, bitCbe, 4, plan.dual ? unsigned{cmdDualAddress} : plan.command);
+        const bool drivesAll = wide_ && plan.asksWide;
         if (wide_) {
-            SetField(record, bitAd + 32, 32, plan.address >> 32);
-            SetField(record, bitCbe + 4, 4, plan.dual ? plan.command : 0xF);
+            SetField(record, bitAd + 32, 32, drivesAll ? plan.address >> 32 : Word());
+            SetField(record, bitCbe + 4, 4, drivesAll && plan.dual ? plan.command : Pick(16));
         }
         Deed& deed = deeds_.emplace_back();
         deed.command = CommandText(plan.command, pciX_, plan.dual);
         deed.address = AddressText(plan.address, plan.dual ? 16 : 8);
         deed.end = EndText(plan.way);
-        deed.first = deed.toldBy = Clock(record);
+        deed.first = deed.addressToldBy = Clock(record);
         if (plan.dual) {
             SetField(record, bitAd, 32, plan.address >> 32);
             SetField(record, bitCbe, 4, plan.command);
-            deed.toldBy = Clock(record);
+            const std::size_t second = Clock(record);
+            deed.addressToldBy = drivesAll ? deed.first : second;
         }
+        deed.commandToldBy = deed.addressToldBy;
+        deed.looksLikeSecondHalf = !plan.dual && !drivesAll && plan.address != 0 &&
+                                   plan.command >= cmdMemRead && plan.command != cmdConfigRead &&
+                                   plan.command != cmdConfigWrite &&
+                                   !(pciX_ && plan.command == cmdSplitCompletion);
         SetBit(record, bitAddress, false);
         return deed;
     }

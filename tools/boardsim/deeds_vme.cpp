@@ -99,13 +99,14 @@ private:
         deed.command = command;
         deed.address = address;
         deed.end = "complete";
-        deed.first = deed.toldBy = deed.last = Tell(record);
+        deed.first = deed.last = Tell(record);
+        deed.commandToldBy = deed.addressToldBy = deed.first;
         return deed;
     }
 
     void Access(const Kind& kind) {
         const bool read = Pick(2) == 0;
-        const bool addressOnly = Pick(20) == 0 && kind.digits != 16 && kind.digits != 10;
+        const bool addressOnly = Pick(20) == 0;
         // Boards that use 40 bits have 16 data lines; 32 bits of data need address lines too.
         const bool isNarrow = kind.digits == 10;
         Size size = sizes[Pick(3) == 0 ? Pick(std::size(sizes)) : 0];
@@ -122,12 +123,14 @@ private:
         SetField(record, bitAddress, static_cast<int>(lines), address);
         Deed& deed = Begin(record, std::string(kind.name) + (read ? " Rd" : " Wr"),
                            AddressText(address, kind.digits));
-        if (!addressOnly) {
+        if (addressOnly && kind.digits >= 10) {
+            deed.address.clear(); // the rest of it never comes
+        } else if (!addressOnly) {
             const bool hasStrobe = kind.isWideBlock || kind.digits == 10 || kind.digits == 16;
             if (hasStrobe) {
                 SetField(record, bitData, 32, address >> lines);
-                deed.last = Strobe(record, 3, Way::Complete).second;
-                deed.toldBy = kind.digits >= 10 ? deed.last : deed.toldBy;
+                const std::size_t strobe = Strobe(record, 3, Way::Complete).first;
+                deed.addressToldBy = kind.digits >= 10 ? strobe : deed.addressToldBy;
                 deed.last = Release(record);
             }
             const bool modifies = !kind.isBlock && !kind.isLock && read && Pick(6) == 0;
@@ -328,7 +331,7 @@ private:
         Edge(record, bits_.dtack);
         SetField(record, bitAddress, 32, Word() << 8 | (address & 0xFF));
         Edge(record, bits_.ds);
-        deed.toldBy = Edge(record, bits_.dtack);
+        deed.addressToldBy = Edge(record, bits_.dtack);
         Edge(record, bits_.ds);
         Edge(record, bits_.dtack);
         Beats(deed, record, read, isSynchronous, isSmall);

@@ -39,7 +39,8 @@ public:
         Deed& deed = deeds_.emplace_back();
         deed.command = std::string(names[space]) + (read ? " Rd" : " Wr");
         deed.address = AddressText(address, 8);
-        deed.first = deed.toldBy = deed.last = Tell(record);
+        deed.first = deed.last = Tell(record);
+        deed.commandToldBy = deed.addressToldBy = deed.first;
         SetBit(record, bitAc, false);
         const unsigned width = 1U << Pick(3); // of the target, in bytes
         const bool tellsWidth = Pick(3) != 0;

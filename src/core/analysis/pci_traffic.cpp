@@ -3,6 +3,8 @@
 #include "analysis/value_labels.h"
 #include "platform/text.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <utility>
 
@@ -36,11 +38,13 @@ Transaction* PciTraffic::Take(const TimedSample& sample) {
     if (IsIdle(sample.record)) {
         return Close(true);
     }
-    if (frame_.IsAsserted(sample.record) && IsAddressPhase(sample.record)) {
-        return TakeAddress(sample);
-    }
-    if (isFirst) {
+    const bool isAddress = frame_.IsAsserted(sample.record) && IsAddressPhase(sample.record);
+    if (isFirst && (!isAddress || MayBeSecondHalf(sample))) {
         Begin(sample).sum.isHeadless = true;
+        return nullptr;
+    }
+    if (isAddress) {
+        return TakeAddress(sample);
     }
     if (!open_) {
         return nullptr;
@@ -68,6 +72,19 @@ PciTransaction& PciTraffic::Begin(const TimedSample& sample) {
     return *open_;
 }
 
+/// Whether an address phase after unknown samples may be the second of a dual address. The trigger
+/// was chosen for what it shows.
+bool PciTraffic::MayBeSecondHalf(const TimedSample& sample) const {
+    const std::uint32_t code = enables_.Value(sample.record);
+    const std::uint64_t lines = ad_.Word(sample.record);
+    const std::uint64_t low = lines & 0xFFFFFFFF;
+    if (sample.number == 0 || low == 0 || !MayBeDual(code & 0xF)) {
+        return false;
+    }
+    // A 64-bit initiator gives the same on all lines again.
+    return !req64_.IsAsserted(sample.record) || (lines >> 32 == low && code >> 4 == (code & 0xF));
+}
+
 Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
     const SampleRecord& record = sample.record;
     const std::uint32_t code = enables_.Value(record);
@@ -75,11 +92,10 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
     const std::uint64_t lines = ad_.Word(record);
     const std::uint64_t low = lines & 0xFFFFFFFF;
     if (open_ && open_->secondAddressDue) {
-        // A 32-bit initiator gives the command and the upper half of the address only here: it does
-        // not drive C/BE[7:4] and AD[63:32].
         Transaction& sum = open_->sum;
         sum.command = command << 4 | dualAddress;
-        sum.address = (*sum.address & 0xFFFFFFFF) | low << 32;
+        sum.address = open_->lowAddress | low << 32;
+        sum.isHeadless = false;
         sum.lastSample = sample.number;
         sum.lastTime = sample.time;
         open_->secondAddressDue = false;
@@ -88,10 +104,16 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
     // If idle samples are not stored, the last clock tells whether the initiator wanted more.
     Transaction* const before = Close(open_ && !open_->frame);
     PciTransaction& open = Begin(sample);
-    open.sum.command = command == dualAddress ? code : command;
-    open.sum.address = command == dualAddress ? lines : low;
-    open.secondAddressDue = command == dualAddress;
     open.req64 = req64_.IsAsserted(record);
+    open.lowAddress = low;
+    open.secondAddressDue = command == dualAddress;
+    // A 32-bit initiator does not drive C/BE[7:4] and AD[63:32]: it gives the command and the upper
+    // half of the address only in the second phase.
+    open.sum.isHeadless = open.secondAddressDue && !open.req64;
+    if (!open.sum.isHeadless) {
+        open.sum.command = open.secondAddressDue ? code : command;
+        open.sum.address = open.secondAddressDue ? lines : low;
+    }
     return before;
 }
 
@@ -188,6 +210,11 @@ Transaction* PciTraffic::Close(bool sawEnd) {
 
 int PciTraffic::AddressDigits(const Transaction& transaction) const {
     return (transaction.command & 0xF) == dualAddress ? 16 : 8;
+}
+
+bool PciTraffic::MayBeDual(std::uint32_t command) const {
+    constexpr std::array<std::uint32_t, 5> memory = {0x6, 0x7, 0xC, 0xE, 0xF};
+    return std::ranges::find(memory, command) != memory.end();
 }
 
 bool PciTraffic::IsAddressPhase(const SampleRecord& record) const {

@@ -28,9 +28,10 @@ struct PciTransaction {
     Transaction sum;
     bool req64 = false;
     bool secondAddressDue = false;
-    bool clocked = false; // there was a clock after the address phase
-    bool claimed = false; // DEVSEL was asserted
-    bool frame = true;    // FRAME in the last clock
+    std::uint64_t lowAddress = 0; // the first half of a dual address
+    bool clocked = false;         // there was a clock after the address phase
+    bool claimed = false;         // DEVSEL was asserted
+    bool frame = true;            // FRAME in the last clock
     // PCI-X only, after an attribute phase.
     std::optional<std::uint32_t> attributeEnables;
     std::optional<std::uint32_t> bytesAnnounced; // not transferred yet, also in disabled lanes
@@ -55,6 +56,8 @@ protected:
     PciTraffic(const SignalTables& tables, std::string_view commandTable);
 
     [[nodiscard]] virtual bool IsAddressPhase(const SampleRecord& record) const;
+    /// Whether the command may come with a dual address.
+    [[nodiscard]] virtual bool MayBeDual(std::uint32_t command) const;
     /// Whether the sample is the attribute phase of the transaction; then stores it there.
     virtual bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const;
     [[nodiscard]] virtual PciAnswer AnswerOf(const PciClock& clock,
@@ -76,6 +79,7 @@ protected:
     SignalLine ad_, enables_, addressPhase_;
 
 private:
+    [[nodiscard]] bool MayBeSecondHalf(const TimedSample& sample) const;
     Transaction* TakeAddress(const TimedSample& sample);
     Transaction* TakeClock(const TimedSample& sample);
     PciTransaction& Begin(const TimedSample& sample);

@@ -44,6 +44,11 @@ private:
         return addressPhase_.IsHigh(record) && !record.Bit(attributeBit_);
     }
 
+    bool MayBeDual(std::uint32_t command) const override {
+        return command != splitCompletion &&
+               (AnnouncesBytes(command) || PciTraffic::MayBeDual(command));
+    }
+
     bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const override {
         if (!record.Bit(attributeBit_)) {
             return false;
@@ -57,13 +62,16 @@ private:
     }
 
     PciAnswer AnswerOf(const PciClock& clock, const PciTransaction& open) const override {
-        if (clock.devsel || !open.claimed) {
+        if (clock.devsel) {
             return PciTraffic::AnswerOf(clock, open);
         }
         if (clock.stop) {
             return clock.trdy ? PciAnswer::LastData : PciAnswer::TargetAbort;
         }
-        return clock.trdy ? PciAnswer::SplitResponse : PciAnswer::Over;
+        if (clock.trdy) {
+            return PciAnswer::SplitResponse;
+        }
+        return open.claimed ? PciAnswer::Over : PciAnswer::Wait;
     }
 
     std::uint32_t TakeLanes(const PciClock& clock, PciTransaction& open) const override {

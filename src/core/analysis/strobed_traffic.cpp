@@ -66,7 +66,10 @@ void StrobedTraffic::Begin(const TimedSample& sample) {
     sum.sample = sample.number;
     sum.time = sample.time;
     sum.command = CommandAt(sample.record);
-    sum.address = AddressAt(sum.command, sample.record);
+    open_->address = AddressAt(sum.command, sample.record);
+    if (HasWholeAddress(sum.command)) {
+        sum.address = open_->address;
+    }
     open_->addressDue = FirstStrobeIsAddress(sum.command);
     settling_ = false;
     Latch(sample, sum);
@@ -85,6 +88,9 @@ void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
         Transaction& sum = open_->sum;
         sum.command = CommandAtStrobe(sum.command, !open_->strobed, sample.record);
         open_->strobed = !open_->addressDue;
+        if (open_->addressDue) {
+            sum.address = CompleteAddress(*open_, sample.record);
+        }
     }
     strobes_ |= lines.strobes;
     TakeAnswer(sample, lines);
@@ -127,7 +133,6 @@ void StrobedTraffic::TakeAcknowledge(const TimedSample& sample, const Lines& lin
     Transaction& sum = open_->sum;
     if (open_->addressDue) {
         open_->addressDue = false;
-        sum.address = CompleteAddress(sum, sample.record);
         return;
     }
     // If the strobe is already over, so are the data.

@@ -11,8 +11,9 @@ namespace busquill {
 /// The transaction in progress.
 struct StrobedTransaction {
     Transaction sum;
-    bool strobed = false;    // there was a data strobe
-    bool addressDue = false; // the next answered strobe carries an address
+    bool strobed = false;      // there was a data strobe
+    bool addressDue = false;   // the next answered strobe carries an address
+    std::uint64_t address = 0; // as far as it is known
 };
 
 /// A bus without a clock: an address strobe frames a transaction, in which each data strobe is
@@ -62,8 +63,10 @@ protected:
                                                   const SampleRecord& record) const = 0;
     /// Whether the first acknowledged strobe carries an address, not data.
     [[nodiscard]] virtual bool FirstStrobeIsAddress(std::uint32_t command) const = 0;
+    /// Whether that address is whole; otherwise a strobe completes it.
+    [[nodiscard]] virtual bool HasWholeAddress(std::uint32_t command) const = 0;
     /// The address, completed by what the first strobe carries.
-    [[nodiscard]] virtual std::uint64_t CompleteAddress(const Transaction& transaction,
+    [[nodiscard]] virtual std::uint64_t CompleteAddress(const StrobedTransaction& open,
                                                         const SampleRecord& record) const = 0;
     [[nodiscard]] virtual bool CarriesData(std::uint32_t command) const = 0;
     /// What an acknowledged strobe moves. `strobes` are those that were asserted for it.

@@ -62,11 +62,12 @@ struct Transaction {
     std::int64_t lastSample = 0;
     std::int64_t time = 0; // of its address; ns from the first sample of the capture
     std::int64_t lastTime = 0;
-    /// The first samples are not in the capture: nothing is known but when it was on the bus.
+    /// The samples that tell its command are not all in the capture: nothing is known but when it
+    /// was on the bus.
     bool isHeadless = false;
 
-    std::uint32_t command = 0; // a code specific to the bus
-    std::optional<std::uint64_t> address;
+    std::uint32_t command = 0;            // a code specific to the bus
+    std::optional<std::uint64_t> address; // nothing if it is not wholly in the capture
     std::uint64_t dataPhases = 0;
     std::uint64_t bytes = 0;
     std::vector<DataWord> words;           // the first ones, as many as were asked for

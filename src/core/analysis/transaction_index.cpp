@@ -87,7 +87,7 @@ Transaction TransactionIndex::Follow(std::size_t row, std::optional<std::int64_t
     StartAt(row, lastEnd, samples);
     for (std::size_t i = StartOf(row); i < followed_; ++i) {
         if (!samples.Has(i)) {
-            return reader_.Unfinished(TransactionEnd::Unknown).value_or(Transaction());
+            break;
         }
         const auto sample = samples.first + static_cast<std::int64_t>(i);
         for (const Transaction& ended : reader_.Add(sample, samples.records[i])) {
@@ -96,7 +96,10 @@ Transaction TransactionIndex::Follow(std::size_t row, std::optional<std::int64_t
             }
         }
     }
-    return reader_.Unfinished().value_or(Transaction());
+    // If other samples follow the missing ones, it is over.
+    const bool isLast = row == starts_.size();
+    return reader_.Unfinished(isLast ? TransactionEnd::CutOff : TransactionEnd::Unknown)
+        .value_or(Transaction());
 }
 
 /// When the transaction before a row ended; nothing if samples are missing since. The idle samples

@@ -161,17 +161,21 @@ private:
         return (command & interruptBit) == 0 &&
                (IsWideBlock(modifier) || IsWideAddress(modifier) || IsWideLock(modifier));
     }
-    std::uint64_t CompleteAddress(const Transaction& transaction,
+    bool HasWholeAddress(std::uint32_t command) const override {
+        const bool isLong = IsOther(command) || AddressBits(command & modifierMask) > 32;
+        return (command & interruptBit) != 0 || !isLong;
+    }
+    std::uint64_t CompleteAddress(const StrobedTransaction& open,
                                   const SampleRecord& record) const override {
-        const std::uint32_t modifier = transaction.command & modifierMask;
+        const std::uint32_t modifier = open.sum.command & modifierMask;
         const std::uint64_t data = address_.Word(record) >> 32;
         switch (AddressBits(modifier)) {
         case 40:
-            return *transaction.address | (data & 0xFFFF) << 24;
+            return open.address | (data & 0xFFFF) << 24;
         case 64:
-            return *transaction.address | data << 32;
+            return open.address | data << 32;
         default:
-            return *transaction.address;
+            return open.address;
         }
     }
     bool CarriesData(std::uint32_t command) const override {
@@ -277,7 +281,7 @@ private:
             state.waiting = state.waiting || ((lines.strobes ^ before.strobes) & 1) != 0;
             if (isAcknowledge && state.waiting) { // not that of the transaction before
                 state.waiting = false;
-                TakeAddressPhase(sample.record, ++state.phase, open.sum);
+                TakeAddressPhase(sample.record, ++state.phase, open);
             }
         } else if (frames && (before.strobes & 1) != 0) {
             TakeEdges(sample, ((lines.strobes ^ before.strobes) & 2) != 0, isAcknowledge, open.sum);
@@ -289,14 +293,13 @@ private:
             state.waiting = false;
         }
     }
-    void TakeAddressPhase(const SampleRecord& record, int phase, Transaction& sum) const {
+    void TakeAddressPhase(const SampleRecord& record, int phase, StrobedTransaction& open) const {
         const std::uint64_t lines = address_.Word(record);
         if (phase == 1 && twoEdge_.hasWideAddress) {
             const std::uint64_t data = lines >> 32;
-            sum.address =
-                twoEdge_.isSmall ? *sum.address | (data & 0xFFFF) << 24 : *sum.address | data << 32;
+            open.address |= twoEdge_.isSmall ? (data & 0xFFFF) << 24 : data << 32;
         } else if (phase == 2) {
-            sum.address = *sum.address | (lines & 0xFF);
+            open.sum.address = open.address | (lines & 0xFF);
         }
     }
     void TakeEdges(const TimedSample& sample, bool isStrobe, bool isAcknowledge, Transaction& sum) {

@@ -43,9 +43,10 @@ private:
         return lines_.Value(record);
     }
     bool FirstStrobeIsAddress(std::uint32_t /*command*/) const override { return false; }
-    std::uint64_t CompleteAddress(const Transaction& transaction,
+    bool HasWholeAddress(std::uint32_t /*command*/) const override { return true; }
+    std::uint64_t CompleteAddress(const StrobedTransaction& open,
                                   const SampleRecord& /*record*/) const override {
-        return *transaction.address;
+        return open.address;
     }
     bool CarriesData(std::uint32_t /*command*/) const override { return true; }
 

@@ -4,6 +4,8 @@
 #include "signals/value_text.h"
 #include "tracesetup/trace_setup.h"
 
+#include <vector>
+
 namespace busquill {
 
 namespace {
@@ -104,19 +106,7 @@ std::vector<std::string> SetupWords(const TraceSetup& setup, const BoardTraits& 
         }
     }
     // Only levels that can be reached are described.
-    std::vector<bool> reached(traceLevels);
-    std::vector<int> waiting = {0};
-    while (!waiting.empty()) {
-        const int number = waiting.back();
-        waiting.pop_back();
-        if (number < 0 || number >= traceLevels || reached[static_cast<std::size_t>(number)]) {
-            continue;
-        }
-        reached[static_cast<std::size_t>(number)] = true;
-        const TraceLevel& level = setup.levels[static_cast<std::size_t>(number)];
-        waiting.push_back(level.thenGoto);
-        waiting.push_back(level.elseGoto);
-    }
+    const std::vector<bool> reached = ReachedLevels(setup);
     for (int number = 0; number < traceLevels; ++number) {
         if (reached[static_cast<std::size_t>(number)]) {
             lines.push_back(LevelWords(setup.levels[static_cast<std::size_t>(number)], number));

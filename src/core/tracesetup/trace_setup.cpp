@@ -72,6 +72,33 @@ void TraceSetup::CopyFrom(const TraceSetup& other) {
     levels = other.levels;
 }
 
+std::vector<bool> ReachedLevels(const TraceSetup& setup) {
+    std::vector<bool> reached(traceLevels);
+    std::vector<int> waiting = {0};
+    while (!waiting.empty()) {
+        const int number = waiting.back();
+        waiting.pop_back();
+        if (number < 0 || number >= traceLevels || reached[static_cast<std::size_t>(number)]) {
+            continue;
+        }
+        reached[static_cast<std::size_t>(number)] = true;
+        const TraceLevel& level = setup.levels[static_cast<std::size_t>(number)];
+        waiting.push_back(level.thenGoto);
+        waiting.push_back(level.elseGoto);
+    }
+    return reached;
+}
+
+bool StoresAll(const TraceSetup& setup) {
+    const std::vector<bool> reached = ReachedLevels(setup);
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        if (reached[i] && setup.levels[i].storeExpr != expressionAll) {
+            return false;
+        }
+    }
+    return setup.clock != clockTransfer;
+}
+
 std::string_view ClockText(std::int32_t index) noexcept {
     return TextAt(clockTexts, index);
 }

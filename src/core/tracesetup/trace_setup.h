@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace busquill {
 
@@ -85,6 +86,12 @@ public:
     void CopyFrom(const TraceSetup& other);
 };
 
+/// The levels that a run can get to from the first one, by index.
+[[nodiscard]] std::vector<bool> ReachedLevels(const TraceSetup& setup);
+/// Whether every sample between two stored ones is stored too: all levels that can be reached store
+/// all, and the clock leaves nothing out.
+[[nodiscard]] bool StoresAll(const TraceSetup& setup);
+
 /// The texts of the three index fields; "Unknown" for 0, empty beyond the table.
 [[nodiscard]] std::string_view ClockText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view PowerZoomText(std::int32_t index) noexcept;
@@ -95,7 +102,8 @@ public:
 constexpr std::int32_t clockCount = 17;
 constexpr std::int32_t clockOfBus = 1;
 constexpr std::int32_t clockSync = 2;
-constexpr std::int32_t clock133MHz = 4; // not on boards of the small tier
+constexpr std::int32_t clockTransfer = 3; // samples only transfers
+constexpr std::int32_t clock133MHz = 4;   // not on boards of the small tier
 constexpr std::int32_t powerZoomCount = 9;
 constexpr std::int32_t triggerCount = 6;
 

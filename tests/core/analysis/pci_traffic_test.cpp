@@ -163,19 +163,22 @@ TEST_F(PciStats, TakeTheCommandOfADualAddressCycleFromItsUpperHalf) {
     const TraceSummary summary = AddressAndClocks("~_~~")
                                      .Line("IRDY", "~~_~")
                                      .Line("TRDY", "~~_~")
+                                     .Line("REQ64", "~_~~")
                                      .At(1, "C/BE", 0x7D)
                                      .Summary();
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"DAC-Mem Wr"});
 }
 
 TEST_F(PciStats, NameADualAddressCycleThatIsNotInTheTableByItsCommand) {
-    const TraceSummary summary = AddressAndClocks("~_~~").At(1, "C/BE", 0xED).Summary();
+    const TraceSummary summary =
+        AddressAndClocks("~_~~").Line("REQ64", "~_~~").At(1, "C/BE", 0xED).Summary();
     EXPECT_EQ(Labels(summary), std::vector<std::string>{"DAC-Mem Rd Line"});
 }
 
 TEST_F(PciStats, TreatAnAddressPhaseAfterAnotherClockAsANewTransaction) {
     const TraceSummary summary = AddressAndClocks("~___~")
                                      .Line("DEVSEL", "~~_~~")
+                                     .Line("REQ64", "~_~~~")
                                      .At(1, "C/BE", 0x6D)
                                      .At(3, "C/BE", 0xF7)
                                      .At(3, "ADR/DATA", 1)
@@ -281,7 +284,11 @@ TEST_F(PciStats, DoNotCallDataWithoutDevselAMasterAbort) {
 
 TEST_F(PciStats, DoNotCallASpecialCycleAMasterAbort) {
     const auto summary = [&](std::uint32_t code) {
-        return AddressAndClocks("~____~~").Line("IRDY", "~~____~").At(1, "C/BE", code).Summary();
+        return AddressAndClocks("~____~~")
+            .Line("IRDY", "~~____~")
+            .Line("REQ64", "~____~~")
+            .At(1, "C/BE", code)
+            .Summary();
     };
     EXPECT_EQ(summary(0xF1).masterAborts, 0U);
     EXPECT_EQ(Labels(summary(0xF1)), std::vector<std::string>{"Spc Cyc"});

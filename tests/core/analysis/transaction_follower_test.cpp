@@ -108,6 +108,47 @@ TEST_F(PciTransactions, TellBothHalvesOfADualAddress) {
     EXPECT_EQ(transactions[0].address, 0x12'89ABCDE0U);
 }
 
+TEST_F(PciTransactions, DoNotInventTheUpperHalfOfADualAddress) {
+    // The capture ends, or samples are missing, after the first half. C/BE[7:4] is not driven.
+    Waves cut = Read("~_");
+    const auto last = Address(cut, 1, 0xFD, 0x89ABCDE0).Transactions();
+    ASSERT_THAT(Ends(last), ElementsAre(TransactionEnd::CutOff));
+    EXPECT_TRUE(last[0].isHeadless);
+    EXPECT_EQ(last[0].address, std::nullopt);
+    Waves gap = Read("~____~");
+    const auto transactions = Address(gap, 1, 0xFD, 0x89ABCDE0).Missing(2, 3).Transactions();
+    EXPECT_TRUE(transactions.at(0).isHeadless);
+    EXPECT_EQ(transactions[0].end, TransactionEnd::Unknown);
+    // A 64-bit initiator gives it at once.
+    Waves wide = Read("~_");
+    wide.Line("REQ64", "~_");
+    const auto whole = Address(wide, 1, 0x6D, 0).Word(1, "AD", 0x12'89ABCDE0).Transactions();
+    EXPECT_EQ(whole.at(0).address, 0x12'89ABCDE0U);
+    EXPECT_FALSE(whole[0].isHeadless);
+}
+
+TEST_F(PciTransactions, DoNotTakeTheSecondHalfOfADualAddressForAnAddress) {
+    // The first sample of the capture, or after missing ones, may be the second half.
+    const auto isHeadless = [&](std::uint32_t code, std::uint32_t address, bool isWide,
+                                std::int64_t number) {
+        Waves waves = Read("~_~~");
+        waves.Line("IRDY", "~~_~").Line("TRDY", "~~_~").Line("REQ64", isWide ? "~_~~" : "~~~~");
+        Address(waves, 1, code, address);
+        TransactionFollower follower(bus.board, bus.tables);
+        for (std::size_t i = 1; i < 3; ++i) {
+            for (const Transaction& each : follower.Add(number++, waves.Records()[i])) {
+                return each.isHeadless;
+            }
+        }
+        return false;
+    };
+    EXPECT_TRUE(isHeadless(0xF6, 0x12, false, -5));
+    EXPECT_FALSE(isHeadless(0xF6, 0x12, false, 0)) << "the trigger";
+    EXPECT_FALSE(isHeadless(0xF6, 0, false, -5)) << "an upper half of 0 needs no dual address";
+    EXPECT_FALSE(isHeadless(0xF2, 0x12, false, -5)) << "I/O has no dual addresses";
+    EXPECT_FALSE(isHeadless(0xF6, 0x12, true, -5)) << "the upper lines do not repeat it";
+}
+
 TEST_F(PciTransactions, DistinguishEndsByTheTarget) {
     const auto end = [&](const char* trdy, const char* devsel) {
         return Ends(Read("~____~~~")
@@ -511,6 +552,19 @@ TEST_F(VmeTransactions, MoveTheBeatInTheSampleOfA2eVmeRefusal) {
         ASSERT_THAT(Ends(transactions), ElementsAre(end)) << line;
         EXPECT_EQ(transactions[0].dataPhases, 4U) << line;
     }
+}
+
+TEST_F(VmeTransactions, TellNoAddressThatIsNotWhole) {
+    // The second phase of a 2eVME address is not acknowledged any more.
+    const auto cut = TwoEdge("~____", "~~__~", "~~~~~", "~~~__", 0x01).Transactions();
+    ASSERT_EQ(cut.size(), 1U);
+    EXPECT_FALSE(cut[0].isHeadless);
+    EXPECT_EQ(cut[0].address, std::nullopt);
+    // The upper half of an address of 64 bits comes with a strobe.
+    EXPECT_EQ(Access("~__", "~~~", "~~~", 0x01).Transactions().at(0).address, std::nullopt);
+    EXPECT_EQ(Access("~___", "~~__", "~~~~", 0x01).Transactions().at(0).address, 0x1000U);
+    EXPECT_EQ(Access("~__", "~~~", "~~~", 0x08).Transactions().at(0).address, 0x1000U)
+        << "32 bits are whole, although a strobe repeats them";
 }
 
 TEST_F(VmeTransactions, CountDataOf2eVmeInTheStatistics) {

@@ -239,6 +239,14 @@ TEST_P(VmeStats, IgnoreAnAnswerThatArrivesTooLate) {
     EXPECT_EQ(summary.burstLengths, (Lengths{{0, 2}}));
 }
 
+TEST_P(VmeStats, TakeTransactionsForOneIfNoSampleBetweenThemIsStored) {
+    const TraceSummary summary = Access("~______~", "~~__~__~", "~~~_~~_~").Summary();
+    const std::vector<CommandCount> expected = {{"A32 NON PRVL DATA Rd", 1, 2, 8}};
+    EXPECT_EQ(summary.commands, expected);
+    // Only the samples with an acknowledge: there is one strobe to be seen.
+    EXPECT_EQ(Access("~___~", "~___~", "~___~").Summary().burstLengths, (Lengths{{1, 1}}));
+}
+
 TEST_P(VmeStats, CallTheBusIdleWithoutAnyStrobe) {
     const TraceSummary summary = Access("~__~~~~", "~~~_~~~", "~~~~~~~").Summary();
     EXPECT_EQ(summary.idleSamples, 4U); // 0, 4, 5 and 6

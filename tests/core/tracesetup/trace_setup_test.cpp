@@ -131,6 +131,21 @@ TEST(StimulusGoto, TextAndBack) {
     EXPECT_EQ(wait, 1);
 }
 
+TEST(StoredSamples, AreAllIfEachLevelOfTheRunStoresAllAndTheClockToo) {
+    BoardTables board("PCIKite-1");
+    TraceSetup setup(board.tables); // the other levels store nothing, and are not reached
+    EXPECT_TRUE(StoresAll(setup));
+    setup.levels[0].elseGoto = 2;
+    EXPECT_FALSE(StoresAll(setup));
+    setup.levels[2].storeExpr = expressionAll;
+    EXPECT_TRUE(StoresAll(setup));
+    setup.levels[2].storeExpr = ParseExpression("E1");
+    EXPECT_FALSE(StoresAll(setup));
+    setup.levels[0].elseGoto = 0;
+    setup.clock = clockTransfer;
+    EXPECT_FALSE(StoresAll(setup));
+}
+
 TEST(StimulusGoto, StopTakesPrecedenceOverAGoto) {
     std::int32_t level = 0;
     std::int32_t duration = 0;
