@@ -462,11 +462,11 @@ std::uint32_t SampleCondition::EdgesOf(const Operation& operation,
     const std::uint32_t now = one.MatchesOf(records);
     const bool wasOne = block.before != nullptr && one.Matches(*block.before);
     const std::uint32_t before = now << 1 | (wasOne ? 1U : 0U);
-    std::uint32_t edges = now ^ before;
+    std::uint32_t edges = (now ^ before) & LowBits<std::uint32_t>(records.size());
     if (operation.step != Step::Changes) {
         edges &= operation.step == Step::Rises ? now : before;
     }
-    for (const std::size_t edge : EachSetBit(edges & LowBits<std::uint32_t>(records.size()))) {
+    for (const std::size_t edge : EachSetBit(edges)) {
         if (!Follows(block, edge)) {
             edges &= ~(1U << edge);
         }
@@ -475,6 +475,9 @@ std::uint32_t SampleCondition::EdgesOf(const Operation& operation,
 }
 
 std::uint32_t SampleCondition::MatchesOf(const SampleBlock& block) const noexcept {
+    if (operations_.size() == 1) {
+        return Test(operations_.front(), block);
+    }
     std::array<std::uint32_t, ParsedExpression::mostResults + 2> results{};
     const auto all = LowBits<std::uint32_t>(block.records.size());
     std::size_t last = 0; // index of the last result; the first is none
