@@ -389,9 +389,12 @@ std::uint32_t EachWhere(std::size_t count, Condition condition) {
     return matches;
 }
 
-/// Whether the sample before is there to compare with.
-bool Follows(const SampleBlock& block, std::size_t i) noexcept {
-    return i == 0 ? block.before != nullptr : block.numbers[i] == block.numbers[i - 1] + 1;
+/// The sample before one of the block; null if it is missing.
+const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
+    if (i == 0) {
+        return block.before;
+    }
+    return block.numbers[i] == block.numbers[i - 1] + 1 ? &block.records[i - 1] : nullptr;
 }
 
 bool Differ(const SampleRecord& a, const SampleRecord& b, const SampleRecord& care) noexcept {
@@ -456,8 +459,8 @@ std::uint32_t SampleCondition::EdgesOf(const Operation& operation,
     const auto records = block.records;
     if (operation.patterns.empty()) {
         return EachWhere(records.size(), [&](std::size_t i) {
-            return Follows(block, i) &&
-                   Differ(records[i], i == 0 ? *block.before : records[i - 1], operation.care);
+            const SampleRecord* const before = RecordBefore(block, i);
+            return before != nullptr && Differ(records[i], *before, operation.care);
         });
     }
     const RecordPattern& one = operation.patterns.front();
@@ -469,7 +472,7 @@ std::uint32_t SampleCondition::EdgesOf(const Operation& operation,
         edges &= operation.step == Step::Rises ? now : before;
     }
     for (const std::size_t edge : EachSetBit(edges)) {
-        if (!Follows(block, edge)) {
+        if (RecordBefore(block, edge) == nullptr) {
             edges &= ~(1U << edge);
         }
     }
