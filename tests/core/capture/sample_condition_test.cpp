@@ -198,6 +198,21 @@ TEST_F(SampleConditions, FindEdgesBetweenBlocks) {
     EXPECT_THAT(Found(builder.Records(), "C/BE changes"), ElementsAre(32, 33, 64));
 }
 
+TEST_F(SampleConditions, FindNothingPastTheEndOfABlock) {
+    const auto records = CaptureBuilder().Idle(8).Records();
+    const Numbers numbers = From(0, 8);
+    for (const char* text : {"FRAME falls", "FRAME == 1", "FRAME changes", "not FRAME == 0",
+                             "not AD in 5..99", "sample > 1 or FRAME falls"}) {
+        const auto condition =
+            std::get<SampleCondition>(SampleCondition::Parse(text, board.tables, {}));
+        EXPECT_EQ(condition.MatchesOf({.records = std::span(records).first(4),
+                                       .numbers = std::span(numbers).first(4)}) >>
+                      4,
+                  0U)
+            << text;
+    }
+}
+
 TEST_F(SampleConditions, Combine) {
     const auto records = CaptureBuilder().Write(0x10, 0x20).Read(0x10, 0x30).Records();
     EXPECT_THAT(Found(records, "FRAME == 0 or IRDY == 0 and TRDY == 0"), ElementsAre(0, 1, 2, 4));
