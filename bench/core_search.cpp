@@ -1,9 +1,13 @@
 #include "capture/record_pattern.h"
+#include "capture/sample_condition.h"
 #include "signals/signal_list.h"
 #include "support/board_tables.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <bit>
+#include <chrono>
 #include <numeric>
 
 namespace busquill::test {
@@ -108,6 +112,101 @@ void Filter(benchmark::State& state) {
     SetBytes(state);
 }
 BENCHMARK(Filter)->ArgName("bit")->Arg(15)->Arg(0)->Arg(7)->Unit(benchmark::kMillisecond);
+
+/// The samples for which a condition on them holds, in blocks as all searches take them.
+template <typename MatchesOf>
+std::size_t CountMatches(MatchesOf matchesOf) {
+    const std::span<const SampleRecord> records(Records());
+    constexpr std::size_t block = RecordPattern::blockSize;
+    std::size_t found = 0;
+    for (std::size_t first = 0; first < records.size(); first += block) {
+        const std::size_t count = std::min(block, records.size() - first);
+        found += static_cast<std::size_t>(
+            std::popcount(matchesOf(first, records.subspan(first, count))));
+    }
+    return found;
+}
+
+/// A search for a pattern, with which expressions are compared.
+std::size_t CountMasked() {
+    static const RecordPattern pattern = [] {
+        SampleRecord value;
+        SampleRecord care;
+        for (int bit = 0; bit < 12; ++bit) {
+            care.SetBit(bit);
+            value.SetBit(bit, (0x1E0 >> bit & 1) != 0);
+        }
+        return RecordPattern(value, care);
+    }();
+    return CountMatches([](std::size_t /*first*/, std::span<const SampleRecord> records) {
+        return pattern.MatchesOf(records);
+    });
+}
+
+/// Seconds that it takes to do something, at best.
+template <typename Work>
+double BestOf(int times, Work work) {
+    double best = 1e9;
+    for (int i = 0; i < times; ++i) {
+        const auto begin = std::chrono::steady_clock::now();
+        benchmark::DoNotOptimize(work());
+        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+        best = std::min(best, taken.count());
+    }
+    return best;
+}
+
+void SearchMasked(benchmark::State& state) {
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(CountMasked());
+    }
+    SetBytes(state);
+}
+BENCHMARK(SearchMasked)->Unit(benchmark::kMillisecond);
+
+/// An expression; "ofMasked" is its time as a multiple of that of a masked search, both at best.
+void SearchWhere(benchmark::State& state, const char* where) {
+    const BoardTables board("PCIKite-1", BusPci, 1);
+    const auto parsed = SampleCondition::Parse(where, board.tables, {});
+    if (const auto* const error = std::get_if<ExpressionError>(&parsed)) {
+        state.SkipWithError(error->message.c_str());
+        return;
+    }
+    const auto& condition = std::get<SampleCondition>(parsed);
+    static const std::vector<std::int32_t> all = [] {
+        std::vector<std::int32_t> numbers(recordCount);
+        std::iota(numbers.begin(), numbers.end(), 0);
+        return numbers;
+    }();
+    const std::span<const std::int32_t> numbers(all);
+    const std::span<const SampleRecord> samples(Records());
+    const auto count = [&] {
+        return CountMatches([&](std::size_t first, std::span<const SampleRecord> records) {
+            return condition.MatchesOf({.records = records,
+                                        .numbers = numbers.subspan(first, records.size()),
+                                        .before = first == 0 ? nullptr : &samples[first - 1]});
+        });
+    };
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(count());
+    }
+    constexpr int rounds = 5;
+    state.counters["ofMasked"] = BestOf(rounds, count) / BestOf(rounds, CountMasked);
+    state.SetLabel(condition.IsMasked() ? "masked" : "general");
+    SetBytes(state);
+}
+BENCHMARK_CAPTURE(SearchWhere, Mask, "AD == 0xXXXX_XXXX_XXXX_X1E0")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SearchWhere, SeveralMasks,
+                  "FRAME == 0 and IRDY == 0 and AD[11..0] in 0x100..0x1FF and not ACK64 == 1")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SearchWhere, Edge, "FRAME falls")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SearchWhere, Range, "AD[31..0] in 5..0x7654_3210")->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SearchWhere, MaskAndRange,
+                  "AD == 0xXXXX_XXXX_XXXX_X1E0 and AD[63..32] in 5..0x7654_3210")
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(SearchWhere, General,
+                  "AD changes and (C/BE in 3..200 or TIME > 1us) and not sample in 100..200")
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace busquill::test

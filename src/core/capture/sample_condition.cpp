@@ -282,50 +282,51 @@ private:
         return Of(std::move(operation));
     }
 
-    /// The labels of a decoded signal, with the bits that make them.
+    /// A label of a decoded signal, and the bits of the signal's value that make it.
     struct Label {
-        const char* text = nullptr;
-        RecordBits bits;
+        std::uint64_t value = 0;
+        std::uint64_t known = 0;
         bool isShown = false; // in a listing
+        bool isWanted = false;
+
+        [[nodiscard]] bool Matches(std::uint64_t of) const noexcept {
+            return (of & known) == value;
+        }
     };
 
-    /// The label that the listing shows for a value; null for none.
-    static const char* LabelOf(const std::vector<Label>& labels, const RecordBits& value) {
-        const auto matches = [&](const Label& each) {
-            RecordBits both = value;
-            return both.Join(each.bits);
-        };
+    /// Whether the label that the listing shows for a value is wanted: the first that matches.
+    static bool ShowsWanted(const std::vector<Label>& labels, std::uint64_t value) {
         const auto found = std::ranges::find_if(
-            labels, [&](const Label& each) { return each.isShown && matches(each); });
-        return found == labels.end() ? nullptr : found->text;
+            labels, [&](const Label& each) { return each.isShown && each.Matches(value); });
+        return found != labels.end() && found->isWanted;
     }
-    /// A single bit shows the last label for its state, in any mode.
-    static const char* LabelOfBit(const std::vector<Label>& labels, const RecordBits& value) {
-        const char* text = nullptr;
-        for (const Label& each : labels) {
-            if (each.bits.care == value.care && each.bits.value == value.value) {
-                text = each.text;
-            }
-        }
-        return text;
+    /// The same for a single bit: the last label for its state, in any mode.
+    static bool BitShowsWanted(const std::vector<Label>& labels, std::uint64_t value) {
+        const auto found = std::find_if(labels.rbegin(), labels.rend(), [&](const Label& each) {
+            return each.known == 1 && each.value == value;
+        });
+        return found != labels.rend() && found->isWanted;
     }
 
     static Part Labels(const ExpressionTest& test, const NamedSignal& signal) {
-        const auto isWanted = [&](const char* label) {
-            return label != nullptr && label[0] != '\0' && IsLike(label, test.text) != test.isOther;
-        };
+        constexpr std::size_t mostBits = 12; // of values that are tried one by one
+        const std::size_t width = signal.positions.size();
         std::vector<Label> labels;
         Ways ways;
         for (const CDecodedValue& each : signal.decoded->values) {
-            labels.push_back(
-                {each.label, busquill::BitsOf(each), (each.skipModes & ModeState) == 0});
-            if (isWanted(each.label) && labels.back().isShown) {
-                ways.push_back(labels.back().bits);
+            const RecordBits bits = busquill::BitsOf(each);
+            Label& label = labels.emplace_back();
+            for (std::size_t i = 0; i < std::min(width, mostBits); ++i) {
+                label.value |= std::uint64_t{bits.value.Bit(signal.positions[i])} << i;
+                label.known |= std::uint64_t{bits.care.Bit(signal.positions[i])} << i;
+            }
+            label.isShown = (each.skipModes & ModeState) == 0;
+            label.isWanted = each.label[0] != '\0' && IsLike(each.label, test.text) != test.isOther;
+            if (label.isShown && label.isWanted) {
+                ways.push_back(bits);
             }
         }
-        // Of wide signals the labels do not overlap.
-        constexpr std::size_t mostBits = 12;
-        const std::size_t width = signal.positions.size();
+        // Labels of wide signals do not overlap.
         if (width > mostBits) {
             return Of(std::move(ways)); // as many as there are
         }
@@ -335,12 +336,13 @@ private:
         operation.table.resize(WordsFor(std::size_t{1} << width));
         bool isSame = ways.size() <= mostWays;
         for (std::uint64_t value = 0; value < std::uint64_t{1} << width; ++value) {
-            const RecordBits bits = BitsOf(signal.positions, value, ~std::uint64_t{0});
             const bool wanted =
-                isWanted(width == 1 ? LabelOfBit(labels, bits) : LabelOf(labels, bits));
+                width == 1 ? BitShowsWanted(labels, value) : ShowsWanted(labels, value);
             AssignBit(operation.table, value, wanted);
-            isSame = isSame && wanted == std::ranges::any_of(
-                                             ways, [&](RecordBits way) { return way.Join(bits); });
+            const auto isAWay = [&](const Label& each) {
+                return each.isShown && each.isWanted && each.Matches(value);
+            };
+            isSame = isSame && wanted == std::ranges::any_of(labels, isAWay);
         }
         return isSame ? Of(std::move(ways)) : Of(std::move(operation));
     }
@@ -387,9 +389,12 @@ std::uint32_t EachWhere(std::size_t count, Condition condition) {
     return matches;
 }
 
-/// Whether the sample before is there to compare with.
-bool Follows(const SampleBlock& block, std::size_t i) noexcept {
-    return i == 0 ? block.before != nullptr : block.numbers[i] == block.numbers[i - 1] + 1;
+/// The sample before one of the block; null if it is missing.
+const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
+    if (i == 0) {
+        return block.before;
+    }
+    return block.numbers[i] == block.numbers[i - 1] + 1 ? &block.records[i - 1] : nullptr;
 }
 
 bool Differ(const SampleRecord& a, const SampleRecord& b, const SampleRecord& care) noexcept {
@@ -454,20 +459,20 @@ std::uint32_t SampleCondition::EdgesOf(const Operation& operation,
     const auto records = block.records;
     if (operation.patterns.empty()) {
         return EachWhere(records.size(), [&](std::size_t i) {
-            return Follows(block, i) &&
-                   Differ(records[i], i == 0 ? *block.before : records[i - 1], operation.care);
+            const SampleRecord* const before = RecordBefore(block, i);
+            return before != nullptr && Differ(records[i], *before, operation.care);
         });
     }
     const RecordPattern& one = operation.patterns.front();
     const std::uint32_t now = one.MatchesOf(records);
     const bool wasOne = block.before != nullptr && one.Matches(*block.before);
     const std::uint32_t before = now << 1 | (wasOne ? 1U : 0U);
-    std::uint32_t edges = now ^ before;
+    std::uint32_t edges = (now ^ before) & LowBits<std::uint32_t>(records.size());
     if (operation.step != Step::Changes) {
         edges &= operation.step == Step::Rises ? now : before;
     }
-    for (const std::size_t edge : EachSetBit(edges & LowBits<std::uint32_t>(records.size()))) {
-        if (!Follows(block, edge)) {
+    for (const std::size_t edge : EachSetBit(edges)) {
+        if (RecordBefore(block, edge) == nullptr) {
             edges &= ~(1U << edge);
         }
     }
@@ -475,6 +480,9 @@ std::uint32_t SampleCondition::EdgesOf(const Operation& operation,
 }
 
 std::uint32_t SampleCondition::MatchesOf(const SampleBlock& block) const noexcept {
+    if (operations_.size() == 1) {
+        return Test(operations_.front(), block);
+    }
     std::array<std::uint32_t, ParsedExpression::mostResults + 2> results{};
     const auto all = LowBits<std::uint32_t>(block.records.size());
     std::size_t last = 0; // index of the last result; the first is none

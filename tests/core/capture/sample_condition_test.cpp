@@ -7,6 +7,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <numeric>
 #include <random>
 #include <tuple>
@@ -197,6 +198,21 @@ TEST_F(SampleConditions, FindEdgesBetweenBlocks) {
     EXPECT_THAT(Found(builder.Records(), "C/BE changes"), ElementsAre(32, 33, 64));
 }
 
+TEST_F(SampleConditions, FindNothingPastTheEndOfABlock) {
+    const auto records = CaptureBuilder().Idle(8).Records();
+    const Numbers numbers = From(0, 8);
+    for (const char* text : {"FRAME falls", "FRAME == 1", "FRAME changes", "not FRAME == 0",
+                             "not AD in 5..99", "sample > 1 or FRAME falls"}) {
+        const auto condition =
+            std::get<SampleCondition>(SampleCondition::Parse(text, board.tables, {}));
+        EXPECT_EQ(condition.MatchesOf({.records = std::span(records).first(4),
+                                       .numbers = std::span(numbers).first(4)}) >>
+                      4,
+                  0U)
+            << text;
+    }
+}
+
 TEST_F(SampleConditions, Combine) {
     const auto records = CaptureBuilder().Write(0x10, 0x20).Read(0x10, 0x30).Records();
     EXPECT_THAT(Found(records, "FRAME == 0 or IRDY == 0 and TRDY == 0"), ElementsAre(0, 1, 2, 4));
@@ -216,11 +232,100 @@ TEST_F(SampleConditions, Combine) {
     EXPECT_EQ(ErrorOf("(" + nested + ")").message, "too many parentheses inside each other");
 }
 
+TEST_F(SampleConditions, FindExactlyWhatIsInARange) {
+    Records records(64);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        records[i].bytes[0] = static_cast<std::uint8_t>(i);
+    }
+    for (std::int32_t low = 0; low < 64; low += 3) {
+        for (std::int32_t high = low; high < 64; ++high) {
+            const std::string text =
+                "AD[5..0] in " + std::to_string(low) + ".." + std::to_string(high);
+            ASSERT_EQ(Found(records, text), From(low, static_cast<std::size_t>(high - low) + 1))
+                << text;
+        }
+    }
+}
+
+/// Expressions put together at random, and whether they hold for a sample, computed plainly.
+class RandomExpressions {
+public:
+    struct Made {
+        std::string text;
+        std::function<bool(std::size_t)> holds; // for a sample
+    };
+
+    RandomExpressions(const std::vector<SampleRecord>& records, unsigned seed)
+        : records_(records), random_(seed) {}
+
+    Made Make(int depth) {
+        const auto kind = random_() % (depth == 0 ? 5 : 9);
+        if (kind < 5) {
+            return Leaf(kind);
+        }
+        const Made a = Make(depth - 1);
+        if (kind == 5) {
+            return {"not (" + a.text + ")", [a](std::size_t i) { return !a.holds(i); }};
+        }
+        const Made b = Make(depth - 1);
+        return kind == 6 ? Made{"(" + a.text + " or " + b.text + ")",
+                                [a, b](std::size_t i) { return a.holds(i) || b.holds(i); }}
+                         : Made{"(" + a.text + " and " + b.text + ")",
+                                [a, b](std::size_t i) { return a.holds(i) && b.holds(i); }};
+    }
+
+private:
+    Made Leaf(std::uint32_t kind) {
+        const int line = static_cast<int>(random_() % 8);
+        const auto bit = [this, line](std::size_t i) { return records_[i].Bit(line); };
+        const std::string name = "AD[" + std::to_string(line) + "]";
+        const auto value = [this](std::size_t i) { return records_[i].bytes[0]; };
+        const auto low = static_cast<std::uint8_t>(random_() % 128);
+        const auto high = static_cast<std::uint8_t>(low + random_() % 128);
+        switch (kind) {
+        case 0:
+            return {name + " == 1", bit};
+        case 1:
+            return {"AD[7..0] in " + std::to_string(low) + ".." + std::to_string(high),
+                    [=](std::size_t i) { return low <= value(i) && value(i) <= high; }};
+        case 2:
+            return {name + " rises", [=](std::size_t i) { return i > 0 && bit(i) && !bit(i - 1); }};
+        case 3:
+            return {"sample < " + std::to_string(low), [=](std::size_t i) { return i < low; }};
+        default:
+            return {"AD[7..0] != " + std::to_string(high),
+                    [=](std::size_t i) { return value(i) != high; }};
+        }
+    }
+
+    const std::vector<SampleRecord>& records_;
+    std::mt19937 random_;
+};
+
+TEST_F(SampleConditions, HoldWhereEachPartOfThemSays) {
+    Records records(100);
+    std::mt19937 random(3);
+    for (SampleRecord& record : records) {
+        record.bytes[0] = static_cast<std::uint8_t>(random());
+    }
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        const auto made = RandomExpressions(records, seed).Make(5);
+        Numbers expected;
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            if (made.holds(i)) {
+                expected.push_back(static_cast<std::int32_t>(i));
+            }
+        }
+        ASSERT_EQ(Found(records, made.text), expected) << "seed " << seed << ": " << made.text;
+    }
+}
+
 TEST_F(SampleConditions, BecomeMasksWherePatternsAreEnough) {
     for (const char* text :
          {"FRAME == 0", "AD == 0xFEBF_XXXX and FRAME == 0", "AD in 0x1000..0x1FFF",
           "not FRAME == 0", "COMMAND == \"Mem Rd\"",
           "COMMAND == \"Mem Rd\" or COMMAND == \"Mem Wr\"", "not (FRAME == 1 or IRDY == 1)",
+          "not (FRAME == 0 and IRDY == 0)", "(FRAME == 0 or IRDY == 0) and TRDY == 0",
           "AD >= 0x8000_0000", "ADDRESS32 == 0x10"}) {
         EXPECT_TRUE(IsMasked(text)) << text;
     }
