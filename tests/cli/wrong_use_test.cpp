@@ -82,6 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"WrongCondition", {"transactions", "a.tra", "--where", "wait > 4 and adress == 1"}, "--where is wrong at \"adress == 1\": there is no field \"adress\": address, "},
         WrongUse{"ConditionWithoutEnd", {"transactions", "a.tra", "--where", "wait >"}, "--where is wrong at its end: expected a number"},
         WrongUse{"NegativeWords", {"transactions", "a.tra", "--words", "-1"}, "--words takes a whole number from 0 to 1048576"},
+        WrongUse{"NoJobs", {"stats", demo, "-j", "0"}, "--jobs takes a whole number from 1 to 128"},
         WrongUse{"NegativeRuns", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--repeat", "-1"}, "--repeat is a number of runs"}),
     [](const auto& use) { return use.param.name; });
 // clang-format on
@@ -106,7 +107,7 @@ TEST(CommandLine, UsageNamesTheRequiredArguments) {
         return help.substr(0, help.find('\n'));
     };
     EXPECT_EQ(usage("list"), "Usage: busquill-trace list [OPTION...] FILE");
-    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] -p NAME=VALUE FILE");
+    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] -p NAME=VALUE FILE...");
     EXPECT_EQ(usage("filter"),
               "Usage: busquill-trace filter [OPTION...] -p NAME=VALUE -o FILE FILE");
     EXPECT_EQ(usage("convert"), "Usage: busquill-trace convert [OPTION...] -o FILE FILE");
