@@ -359,6 +359,27 @@ TEST_F(ManyCaptures, AnInterruptEndsAllAndLeavesNoFile) {
     EXPECT_TRUE(std::filesystem::is_empty(dir.File("temporary")));
 }
 
+TEST_F(ManyCaptures, ShowTheirProgressOnATerminalUnlessTheResultAppearsThere) {
+    dir.Write("year/bad.tra", "");
+    // Standard error is the terminal of `script`.
+    const auto run = [&](const std::string& rest) {
+        const std::string command = "'" + TraceProgramPath() + "' stats year --format csv" + rest;
+        return RunSystemProgram("/usr/bin/script", {"-qec", command, dir.File("log")},
+                                {.folder = dir.Path()})
+            .out;
+    };
+    const std::string toFile = run(" >out");
+    EXPECT_THAT(toFile, HasSubstr("\rCaptures 20%"));
+    EXPECT_THAT(toFile, HasSubstr("\rCaptures 100%\r\033[K"));
+    EXPECT_THAT(run(" -o out"), HasSubstr("\rCaptures 100%"));
+    // A message begins on a line of its own.
+    EXPECT_THAT(run(" -j 1 -o out"),
+                HasSubstr("\r\033[Kbusquill-trace: year/bad.tra: " + noTraceFile));
+    const std::string toTerminal = run("");
+    EXPECT_THAT(toTerminal, HasSubstr("year/b.tra,3000,"));
+    EXPECT_THAT(toTerminal, Not(HasSubstr("Captures")));
+}
+
 TEST_F(ManyCaptures, AFullDiskEndsAll) {
     const ProgramRun run = RunTrace({"transactions", "year", "-j", "2", "-o", "out"},
                                     {.folder = dir.Path(), .diskBytes = 10'000});

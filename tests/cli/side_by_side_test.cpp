@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdlib>
 #include <mutex>
 #include <set>
 #include <string>
@@ -99,6 +100,47 @@ TEST(SideBySide, TheFirstUnfinishedJobWritesStraightToTheOutput) {
         },
         Ignore);
     EXPECT_EQ(text.all.back(), 'b');
+}
+
+/// Runs two jobs without a folder for temporary files. The first one waits until the second one,
+/// with a result of some bytes, is done or has failed.
+std::string RunWithoutTemporaryFiles(std::size_t bytes) {
+    const char* const before = std::getenv("TMPDIR");
+    const std::string folder = before != nullptr ? before : "";
+    ::setenv("TMPDIR", "/nonexistent", 1);
+    std::atomic<bool> ended = false;
+    Gathered text;
+    std::string message;
+    try {
+        RunSideBySide(
+            2, 2, text, "",
+            [&](std::size_t number, TextSink& result) {
+                if (number == 0) {
+                    WaitUntil([&] { return ended.load(); });
+                    return;
+                }
+                try {
+                    for (std::size_t i = 0; i < bytes; ++i) {
+                        result.Write("a");
+                    }
+                } catch (const ExitRequest&) {
+                    ended = true;
+                    throw;
+                }
+                ended = true;
+            },
+            Ignore);
+        EXPECT_EQ(text.all.size(), bytes);
+    } catch (const ExitRequest& request) {
+        message = request.message;
+    }
+    before != nullptr ? ::setenv("TMPDIR", folder.c_str(), 1) : ::unsetenv("TMPDIR");
+    return message;
+}
+
+TEST(SideBySide, LongResultsWaitInTemporaryFilesAndShortOnesInMemory) {
+    EXPECT_EQ(RunWithoutTemporaryFiles(60'000), "");
+    EXPECT_EQ(RunWithoutTemporaryFiles(70'000), "no temporary file can be made");
 }
 
 TEST(SideBySide, NoJobBeginsTooFarAhead) {
