@@ -4,7 +4,7 @@ build_packages=(g++ cmake ninja-build ccache lld pkg-config qt6-base-dev qt6-svg
                 libarchive-dev libqt6svg6 libcli11-dev nlohmann-json3-dev
                 fonts-liberation)
 test_packages=(googletest libgtest-dev libgmock-dev libbenchmark-dev python3 sigrok-cli gtkwave pciutils
-               poppler-utils)
+               poppler-utils sqlite3)
 screenless_packages=(xvfb xauth)
 check_packages=(git clang clang-format clang-tidy libclang-rt-14-dev ripgrep desktop-file-utils appstream
                 shared-mime-info libglib2.0-bin libxml2-utils mandoc lintian mmdebstrap)

@@ -16,6 +16,12 @@ struct ExitRequest {
     std::string message;
 };
 
+/// The request of an interrupt. Where many captures are read, it ends all of them, while another
+/// failure ends one.
+struct Interruption : ExitRequest {
+    Interruption() : ExitRequest{ExitStatus::Failure, "interrupted"} {}
+};
+
 [[noreturn]] inline void WrongUse(const std::string& message) {
     throw ExitRequest{ExitStatus::WrongUse, message};
 }

@@ -22,9 +22,7 @@ FileHandle CopyOf(std::FILE* input, const std::string& name) {
     std::array<char, std::size_t{1} << 16> buffer;
     while (copy) {
         const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), input);
-        if (Interrupted()) {
-            Fail("interrupted");
-        }
+        EndIfInterrupted();
         if (count == 0) {
             break;
         }
@@ -89,9 +87,7 @@ TraceSurvey TraceInput::Survey() {
 }
 
 const SampleRows* TraceInput::NextRows() {
-    if (Interrupted()) {
-        Fail("interrupted");
-    }
+    EndIfInterrupted();
     const SampleRows* rows = stream_.NextRows();
     WarnIfCutOff(stream_.CutOff());
     Check(stream_.Wrong());

@@ -1,5 +1,7 @@
 #include "cli/interrupt.h"
 
+#include "cli/exit_request.h"
+
 #include <atomic>
 #include <csignal>
 
@@ -38,6 +40,16 @@ void NoticeInterrupts() {
 
 bool Interrupted() noexcept {
     return interrupted.exchange(false);
+}
+
+void EndIfInterrupted() {
+    if (Interrupted()) {
+        throw Interruption();
+    }
+}
+
+void Interrupt() noexcept {
+    interrupted = true;
 }
 
 NoInterruptsForThreads::NoInterruptsForThreads() {

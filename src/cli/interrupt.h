@@ -9,6 +9,11 @@ void NoticeInterrupts();
 /// Whether there was an interrupt since the last call.
 [[nodiscard]] bool Interrupted() noexcept;
 
+/// Throws Interruption if there was one since the last call.
+void EndIfInterrupted();
+/// Interrupts from within the program.
+void Interrupt() noexcept;
+
 /// Threads started during its lifetime never get these signals, which would interrupt their waits.
 class NoInterruptsForThreads {
 public:

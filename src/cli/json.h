@@ -7,7 +7,7 @@
 
 namespace busquill::cli {
 
-class Output;
+class TextSink;
 
 /// A text for a JSON value, in UTF-8.
 [[nodiscard]] std::string JsonString(std::string_view text);
@@ -29,7 +29,7 @@ public:
         const char* empty = "[]";
     };
 
-    JsonArray(Output& output, const Frame& frame) : output_(output), frame_(frame) {}
+    JsonArray(TextSink& output, const Frame& frame) : output_(output), frame_(frame) {}
 
     void Add(const nlohmann::ordered_json& value);
     /// An element that is JSON already.
@@ -37,7 +37,7 @@ public:
     void End();
 
 private:
-    Output& output_;
+    TextSink& output_;
     const Frame frame_;
     bool any_ = false;
 };

@@ -20,13 +20,10 @@ namespace busquill::cli {
 
 namespace {
 
-enum class Format { Text, Csv, Json };
-
 struct Options : CaptureOptions {
     NumberRange range;
     std::vector<std::string> columns; // empty: those of the capture
     bool zoom = false;
-    std::optional<Format> format;
 };
 
 /// Writes rows of texts below their titles.
@@ -101,14 +98,6 @@ private:
     std::string line_;
     bool any_ = false;
 };
-
-Format FormatOf(const Options& options) {
-    if (options.json && options.format && *options.format != Format::Json) {
-        WrongUse(Printf("--json and --format %s contradict each other",
-                        *options.format == Format::Csv ? "csv" : "text"));
-    }
-    return options.json ? Format::Json : options.format.value_or(Format::Text);
-}
 
 int Run(const Options& options) {
     CheckTarget(options.output, {options.file});
@@ -192,9 +181,6 @@ void AddList(CLI::App& program) {
     Completed(AddTexts(command, "--columns", options->columns, "NAME,...", "these columns only"),
               Completion::Kind::Names);
     AddFlag(command, "--zoom", options->zoom, "the Power Zoom samples");
-    AddChoice<Format>(command, "--format",
-                      {{"text", Format::Text}, {"csv", Format::Csv}, {"json", Format::Json}},
-                      options->format, "text|csv|json", "form of the listing (default text)");
 }
 
 } // namespace busquill::cli

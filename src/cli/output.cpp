@@ -5,6 +5,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -17,6 +18,9 @@ namespace {
 constexpr std::size_t bufferSize = std::size_t{1} << 16;
 
 std::string programName; // before each line for the user
+
+constexpr const char* eraseLine = "\r\033[K";
+std::atomic<bool> progressIsShown = false; // in the terminal's current line
 
 } // namespace
 
@@ -34,9 +38,7 @@ void Output::Write(std::string_view text) {
 }
 
 void Output::Flush() {
-    if (Interrupted()) {
-        Fail("interrupted");
-    }
+    EndIfInterrupted();
     if (!path_.empty()) {
         file_.Write(buffer_);
     } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) {
@@ -78,22 +80,22 @@ void CheckTarget(const OutputOptions& target, const std::vector<std::string>& re
     }
 }
 
-Progress::Progress(const char* what, std::int64_t total)
-    : what_(what), total_(total), terminal_(::isatty(STDERR_FILENO) != 0) {}
+Progress::Progress(const char* what, std::int64_t total, bool isWanted)
+    : what_(what), total_(total), isShown_(isWanted && ::isatty(STDERR_FILENO) != 0) {}
 
 Progress::~Progress() {
-    if (shown_) {
-        std::fputs("\r\033[K", stderr);
+    if (isShown_ && progressIsShown.exchange(false)) {
+        std::fputs(eraseLine, stderr);
     }
 }
 
 void Progress::At(std::int64_t done) {
     const int percent = total_ > 0 ? static_cast<int>(done * 100 / total_) : 100;
-    if (terminal_ && percent != last_) {
+    if (isShown_ && percent != last_) {
         std::fprintf(stderr, "\r%s %d%%", what_, percent);
         std::fflush(stderr);
         last_ = percent;
-        shown_ = true;
+        progressIsShown = true;
     }
 }
 
@@ -102,7 +104,8 @@ void SetProgramName(const std::string& name) {
 }
 
 void Say(const std::string& text) {
-    std::fprintf(stderr, "%s: %s\n", programName.c_str(), text.c_str());
+    std::fprintf(stderr, "%s%s: %s\n", progressIsShown.exchange(false) ? eraseLine : "",
+                 programName.c_str(), text.c_str());
 }
 
 } // namespace busquill::cli

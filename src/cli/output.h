@@ -15,15 +15,26 @@ struct OutputOptions {
     bool overwrite = false;
 };
 
+/// Takes the text of a result.
+class TextSink {
+public:
+    TextSink() = default;
+    virtual ~TextSink() = default;
+    TextSink(const TextSink&) = delete;
+    TextSink& operator=(const TextSink&) = delete;
+
+    virtual void Write(std::string_view text) = 0;
+};
+
 /// Where a command's data go: standard output, or a file that replaces the old one only when it is
 /// complete. Throws ExitRequest when they cannot be written, without a message if the reader has
 /// closed the pipe.
-class Output {
+class Output final : public TextSink {
 public:
     /// An empty path and "-" mean standard output.
     explicit Output(const std::string& path);
 
-    void Write(std::string_view text);
+    void Write(std::string_view text) override;
     /// Writes what is left and puts the file in its place.
     void Close();
     /// The same if `keep`; otherwise the file is discarded.
@@ -41,11 +52,11 @@ private:
 /// allows overwriting. A pipe or a device may be both.
 void CheckTarget(const OutputOptions& target, const std::vector<std::string>& read);
 
-/// Shows the progress of a long command in percent on standard error, if that is a terminal. The
-/// destructor erases the line.
+/// Shows the progress of a long command in percent on standard error, if that is a terminal and
+/// the progress is wanted. The destructor erases the line. One at a time is wanted.
 class Progress {
 public:
-    Progress(const char* what, std::int64_t total);
+    Progress(const char* what, std::int64_t total, bool isWanted = true);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -55,14 +66,13 @@ public:
 private:
     const char* what_;
     std::int64_t total_;
-    bool shown_ = false;
     int last_ = -1;
-    const bool terminal_;
+    const bool isShown_;
 };
 
 /// The name with which the lines for the user begin.
 void SetProgramName(const std::string& name);
-/// Prints a line for the user on standard error.
+/// Prints a line for the user on standard error. Any thread.
 void Say(const std::string& text);
 
 } // namespace busquill::cli

@@ -1,7 +1,7 @@
 #include "capture/sample_condition.h"
 #include "capture/search_condition.h"
 #include "cli/bus.h"
-#include "cli/capture_options.h"
+#include "cli/capture_report.h"
 #include "cli/command_line.h"
 #include "cli/command_options.h"
 #include "cli/commands.h"
@@ -31,7 +31,7 @@ struct WantedSamples {
     std::string where; // empty: anything
 };
 
-struct SearchOptions : CaptureOptions {
+struct SearchOptions : CapturesOptions {
     WantedSamples wanted;
     std::optional<std::int64_t> from;
     bool backward = false;
@@ -147,8 +147,17 @@ private:
 /// Prints matches as they are found, or keeps them until the end of a backward search.
 class Matches {
 public:
-    Matches(const SearchOptions& options, Output& output)
-        : output_(output), json_(options.json), all_(options.all), backward_(options.backward) {}
+    Matches(const SearchOptions& options, const ReportedCapture& capture, TextSink& output)
+        : output_(output), format_(FormatOf(options)),
+          isArray_(format_ == Format::Json && capture.isAlone), all_(options.all),
+          backward_(options.backward) {
+        if (format_ == Format::Csv) {
+            begin_ = capture.CsvBegin();
+        } else if (format_ == Format::Json && !capture.isAlone) {
+            begin_ = capture.JsonBegin() + "\"sample\": ";
+            end_ = "}\n";
+        }
+    }
 
     /// Returns false when no more matches are wanted.
     bool Add(std::int32_t number) {
@@ -165,7 +174,7 @@ public:
 
     bool End() {
         std::for_each(kept_.rbegin(), kept_.rend(), [this](std::int32_t each) { Print(each); });
-        if (json_) {
+        if (isArray_) {
             array_.End();
         }
         return any_;
@@ -173,34 +182,35 @@ public:
 
 private:
     void Print(std::int32_t number) {
-        if (json_) {
+        if (isArray_) {
             array_.AddJson(std::to_string(number));
         } else {
-            output_.Write(std::to_string(number) + "\n");
+            output_.Write(begin_ + std::to_string(number) + end_);
         }
         any_ = true;
     }
 
-    Output& output_;
+    TextSink& output_;
     JsonArray array_{output_, {"[", ", ", "]\n", "[]\n"}};
-    const bool json_;
+    const Format format_;
+    const bool isArray_; // JSON of one capture
+    std::string begin_;  // of a line
+    const char* end_ = "\n";
     const bool all_;
     const bool backward_;
     std::vector<std::int32_t> kept_; // at most as many as a capture has samples
     bool any_ = false;
 };
 
-int RunSearch(const SearchOptions& options) {
-    CheckWanted(options.wanted, "search");
-    CheckTarget(options.output, {options.file});
+/// Returns whether there is a match.
+bool SearchCapture(const SearchOptions& options, const ReportedCapture& capture, TextSink& result) {
     Bus bus(options.bus);
     const bool backward = options.backward;
     const auto from = options.from;
-    TraceInput input(options.file, bus.Tables());
+    TraceInput input(capture.path, bus.Tables());
     input.ReadHead();
     SampleFilter filter(options.wanted, bus, input);
-    Output output(options.output.path);
-    Matches matches(options, output);
+    Matches matches(options, capture, result);
     bool more = true;
     while (more) {
         const SampleRows* rows = input.NextRows();
@@ -215,12 +225,19 @@ int RunSearch(const SearchOptions& options) {
             return matches.Add(number);
         });
     }
-    const bool found = matches.End();
-    output.CloseOrDiscard(found);
-    if (!found) {
-        Say(noMatch);
+    return matches.End();
+}
+
+int RunSearch(const SearchOptions& options) {
+    CheckWanted(options.wanted, "search");
+    CaptureReport report(options);
+    if (FormatOf(options) == Format::Csv) {
+        report.WriteCsvTitles("sample");
     }
-    return found ? ExitStatus::Done : ExitStatus::NothingFound;
+    report.ForEach([&](const ReportedCapture& capture, TextSink& result) {
+        return SearchCapture(options, capture, result);
+    });
+    return report.End(noMatch);
 }
 
 int RunFilter(const FilterOptions& options) {

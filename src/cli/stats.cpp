@@ -1,5 +1,5 @@
 #include "analysis/trace_stats.h"
-#include "cli/capture_options.h"
+#include "cli/capture_report.h"
 #include "cli/command_line.h"
 #include "cli/commands.h"
 #include "cli/exit_request.h"
@@ -129,14 +129,33 @@ nlohmann::ordered_json AsJson(const TraceSummary& sum) {
     return json;
 }
 
-int Run(const CaptureOptions& options) {
-    CheckTarget(options.output, {options.file});
+/// The numbers as a row of a table, without what is known by command, length or finding.
+std::string CsvTitles(const TraceSummary& sum) {
+    std::string titles = "samples,time,idleTime,idleSamples";
+    for (const Line& line : LinesOf(sum)) {
+        titles += std::string(",") + line.key;
+    }
+    return titles;
+}
+
+std::string AsCsv(const TraceSummary& sum) {
+    std::string row =
+        Printf("%llu,%lld,%lld,%llu", Count(sum.samples), static_cast<long long>(sum.time),
+               static_cast<long long>(sum.idleTime), Count(sum.idleSamples));
+    for (const Line& line : LinesOf(sum)) {
+        row += Printf(",%llu", Count(line.value));
+    }
+    return row + "\n";
+}
+
+TraceSummary SummaryOf(const CapturesOptions& options, const ReportedCapture& capture) {
     Bus bus(options.bus);
-    TraceInput input(options.file, bus.Tables());
+    TraceInput input(capture.path, bus.Tables());
     input.ReadHead();
     TraceStats stats(bus.Board(), bus.Tables());
     std::int64_t added = 0;
-    Progress progress("Counting", input.Stream().Last() - input.Stream().First() + 1);
+    Progress progress("Counting", input.Stream().Last() - input.Stream().First() + 1,
+                      capture.isAlone);
     while (const SampleRows* rows = input.NextRows()) {
         stats.Add(*rows);
         added += static_cast<std::int64_t>(rows->Size());
@@ -146,17 +165,39 @@ int Run(const CaptureOptions& options) {
         Say(input.Name() + ": samples of the capture are missing; what went on in them is not "
                            "counted, nor is their time");
     }
-    Output output(options.output.path);
-    const TraceSummary sum = stats.Summary();
-    output.Write(options.json ? JsonLine(AsJson(sum)) + "\n" : AsText(sum));
-    output.Close();
-    return ExitStatus::Done;
+    return stats.Summary();
+}
+
+std::string RowOf(const TraceSummary& sum, Format format, const ReportedCapture& capture) {
+    switch (format) {
+    case Format::Text:
+        break;
+    case Format::Csv:
+        return capture.CsvBegin() + AsCsv(sum);
+    case Format::Json:
+        return capture.JsonBegin() + JsonLine(AsJson(sum)).substr(1) + "\n";
+    }
+    return AsText(sum);
+}
+
+int Run(const CapturesOptions& options) {
+    const Format format = FormatOf(options);
+    const Bus bus(options.bus);
+    CaptureReport report(options);
+    if (format == Format::Csv) {
+        report.WriteCsvTitles(CsvTitles(TraceStats(bus.Board(), bus.Tables()).Summary()));
+    }
+    report.ForEach([&](const ReportedCapture& capture, TextSink& result) {
+        result.Write(RowOf(SummaryOf(options, capture), format, capture));
+        return true;
+    });
+    return report.End("");
 }
 
 } // namespace
 
 void AddStats(CLI::App& program) {
-    const auto options = std::make_shared<CaptureOptions>();
+    const auto options = std::make_shared<CapturesOptions>();
     CLI::App& command =
         AddCommand(program, "stats", "transactions, bytes, bursts, wait states and findings",
                    [options] { return Run(*options); });

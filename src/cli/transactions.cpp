@@ -1,7 +1,7 @@
 #include "analysis/transaction_condition.h"
 #include "analysis/transaction_follower.h"
 #include "analysis/transaction_totals.h"
-#include "cli/capture_options.h"
+#include "cli/capture_report.h"
 #include "cli/command_line.h"
 #include "cli/command_options.h"
 #include "cli/commands.h"
@@ -18,6 +18,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <mutex>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
 
@@ -25,11 +26,8 @@ namespace busquill::cli {
 
 namespace {
 
-enum class Format { Text, Csv, Json };
-
-struct Options : CaptureOptions {
+struct Options : CapturesOptions {
     NumberRange range;
-    std::optional<Format> format;
     bool summary = false;
     std::int64_t words = 8;
     std::string where; // empty: all
@@ -74,22 +72,48 @@ private:
     std::unordered_map<std::uint32_t, std::string> labels_;
 };
 
+constexpr const char* csvTitles = "number,sample,time,command,address,words,bytes,wait,"
+                                  "initiatorWait,latency,end,gap,tag,splitRequest,findings,data";
+
+constexpr std::size_t numberWidth = 8;
+constexpr std::size_t timeWidth = 8;
+constexpr std::size_t commandWidth = 20;
+constexpr std::size_t addressWidth = 10;
+constexpr std::size_t countWidth = 6;
+constexpr std::size_t endWidth = 23;
+
+std::string TextTitles(const BusTraffic& traffic, bool hasSplits) {
+    std::string line;
+    AppendCell(line, "NUMBER", numberWidth, true);
+    AppendCell(line, "SAMPLE", numberWidth, true);
+    AppendCell(line, "TIME", timeWidth, true);
+    AppendCell(line, "COMMAND", commandWidth, false);
+    AppendCell(line, "ADDRESS", addressWidth, false);
+    AppendCell(line, "BYTES", countWidth, true);
+    AppendCell(line, "WAIT", countWidth, true);
+    if (traffic.HasClock()) {
+        AppendCell(line, "I-WAIT", countWidth, true);
+    }
+    AppendCell(line, "LATENCY", timeWidth, true);
+    AppendCell(line, "GAP", timeWidth, true);
+    AppendCell(line, "END", endWidth, false);
+    if (hasSplits) {
+        AppendCell(line, "TAG", 3, false);
+        AppendCell(line, "SPLIT", countWidth, true);
+    }
+    return line + "  DATA\n";
+}
+
 /// Writes transactions, one a line.
 class TransactionWriter {
 public:
-    TransactionWriter(Output& output, Format format, const BusTraffic& traffic, bool hasSplits)
-        : output_(output), format_(format), traffic_(traffic), hasSplits_(hasSplits),
-          labels_(traffic) {
-        if (format == Format::Csv) {
-            output.Write("number,sample,time,command,address,words,bytes,wait,initiatorWait,"
-                         "latency,end,gap,tag,splitRequest,findings,data\n");
-        } else if (format == Format::Text) {
-            WriteTitles();
-        }
-    }
+    TransactionWriter(TextSink& output, Format format, const ReportedCapture& capture,
+                      const BusTraffic& traffic, bool hasSplits)
+        : output_(output), format_(format), begin_(BeginOf(format, capture)), traffic_(traffic),
+          hasSplits_(hasSplits), labels_(traffic) {}
 
     void Add(const Transaction& transaction) {
-        line_.clear();
+        line_ = begin_;
         switch (format_) {
         case Format::Text:
             AsText(transaction);
@@ -106,33 +130,16 @@ public:
     }
 
 private:
-    static constexpr std::size_t numberWidth = 8;
-    static constexpr std::size_t timeWidth = 8;
-    static constexpr std::size_t commandWidth = 20;
-    static constexpr std::size_t addressWidth = 10;
-    static constexpr std::size_t countWidth = 6;
-    static constexpr std::size_t endWidth = 23;
-
-    void WriteTitles() {
-        AppendCell(line_, "NUMBER", numberWidth, true);
-        AppendCell(line_, "SAMPLE", numberWidth, true);
-        AppendCell(line_, "TIME", timeWidth, true);
-        AppendCell(line_, "COMMAND", commandWidth, false);
-        AppendCell(line_, "ADDRESS", addressWidth, false);
-        AppendCell(line_, "BYTES", countWidth, true);
-        AppendCell(line_, "WAIT", countWidth, true);
-        if (traffic_.HasClock()) {
-            AppendCell(line_, "I-WAIT", countWidth, true);
+    static std::string BeginOf(Format format, const ReportedCapture& capture) {
+        switch (format) {
+        case Format::Text:
+            break;
+        case Format::Csv:
+            return capture.CsvBegin();
+        case Format::Json:
+            return capture.JsonBegin();
         }
-        AppendCell(line_, "LATENCY", timeWidth, true);
-        AppendCell(line_, "GAP", timeWidth, true);
-        AppendCell(line_, "END", endWidth, false);
-        if (hasSplits_) {
-            AppendCell(line_, "TAG", 3, false);
-            AppendCell(line_, "SPLIT", countWidth, true);
-        }
-        line_ += "  DATA\n";
-        output_.Write(line_);
+        return {};
     }
 
     [[nodiscard]] std::string_view Number(std::int64_t number) {
@@ -240,7 +247,7 @@ private:
     }
 
     void AsJson(const Transaction& each) {
-        line_ += "{\"number\": ";
+        line_ += "\"number\": ";
         AppendNumber(line_, each.number);
         line_ += ", \"sample\": ";
         AppendNumber(line_, each.sample);
@@ -288,8 +295,9 @@ private:
         }
     }
 
-    Output& output_;
+    TextSink& output_;
     const Format format_;
+    const std::string begin_; // of each line
     const BusTraffic& traffic_;
     const bool hasSplits_; // PCI-X
     CommandLabels labels_;
@@ -353,25 +361,13 @@ nlohmann::ordered_json SummaryAsJson(const TransactionTotals& totals, const BusT
     return json;
 }
 
-Format FormatOf(const Options& options) {
-    if (options.json && options.format && *options.format != Format::Json) {
-        WrongUse(Printf("--json and --format %s contradict each other",
-                        *options.format == Format::Csv ? "csv" : "text"));
-    }
-    const Format format = options.json ? Format::Json : options.format.value_or(Format::Text);
-    if (options.summary && format == Format::Csv) {
-        WrongUse("--summary is printed as text or JSON, not as CSV");
-    }
-    return format;
-}
-
 /// Calls `take` with each transaction that begins in the range, and whether samples are missing.
 template <typename Take>
 bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const NumberRange& range,
-                        Take take) {
+                        bool showsProgress, Take take) {
     const std::int64_t first = input.Stream().First();
     const std::int64_t last = input.Stream().Last();
-    Progress progress("Following", last - first + 1);
+    Progress progress("Following", last - first + 1, showsProgress);
     std::int64_t next = first; // the sample that follows those so far
     bool hasGaps = false;
     while (const SampleRows* rows = input.NextRows()) {
@@ -396,55 +392,31 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
     return hasGaps || next <= last;
 }
 
-int Run(const Options& options) {
-    CheckTarget(options.output, {options.file});
-    CheckRange(options.range);
-    const Format format = FormatOf(options);
-    Bus bus(options.bus);
-    TransactionFollower follower(bus.Board(), bus.Tables());
-    const BusTraffic* const traffic = follower.Traffic();
-    if (traffic == nullptr) {
-        WrongUse("a connector has pins, and no transactions");
+/// The condition of --where; throws ExitRequest on a mistake.
+std::optional<TransactionCondition> ConditionOf(const Options& options, const Bus& bus,
+                                                const BusTraffic& traffic) {
+    if (options.where.empty()) {
+        return std::nullopt;
     }
-    std::optional<TransactionCondition> condition;
-    if (!options.where.empty()) {
-        const TransactionBus names{traffic->HasClock(), &bus.Tables()};
-        condition = TakeCondition(TransactionCondition::Parse(options.where, names), options.where);
-    }
-    TraceInput input(options.file, bus.Tables());
+    const TransactionBus names{traffic.HasClock(), &bus.Tables()};
+    return TakeCondition(TransactionCondition::Parse(options.where, names), options.where);
+}
+
+/// Follows one capture. Calls `take` with each transaction that the options select.
+template <typename Take>
+void FollowCapture(const Options& options, const ReportedCapture& capture, Bus& bus,
+                   TransactionFollower& follower, Take take) {
+    const BusTraffic& traffic = *follower.Traffic();
+    TraceInput input(capture.path, bus.Tables());
     input.ReadHead();
-    Output output(options.output.path);
-    CommandLabels labels(*traffic);
-    const auto isWanted = [&](const Transaction& each) {
-        return !condition || condition->Holds(each, labels.Of(each));
-    };
-    TransactionTotals totals;
-    bool hasGaps = false;
-    if (options.summary) {
-        hasGaps = ForEachTransaction(input, follower, options.range, [&](const Transaction& each) {
-            if (isWanted(each)) {
-                totals.Add(each);
+    const auto condition = ConditionOf(options, bus, traffic);
+    CommandLabels labels(traffic);
+    const bool hasGaps = ForEachTransaction(
+        input, follower, options.range, capture.isAlone, [&](const Transaction& each) {
+            if (!condition || condition->Holds(each, labels.Of(each))) {
+                take(each);
             }
         });
-        output.Write(format == Format::Json ? JsonLine(SummaryAsJson(totals, *traffic)) + "\n"
-                                            : SummaryAsText(totals, *traffic));
-    } else {
-        follower.KeepWords(static_cast<std::size_t>(options.words));
-        TransactionWriter writer(output, format, *traffic, bus.Board().IsPciXMode());
-        std::uint64_t written = 0;
-        hasGaps = ForEachTransaction(input, follower, options.range, [&](const Transaction& each) {
-            if (isWanted(each)) {
-                writer.Add(each);
-                ++written;
-            }
-        });
-        if (written == 0) {
-            output.CloseOrDiscard(false);
-            Say("there are no such transactions");
-            return ExitStatus::NothingFound;
-        }
-    }
-    output.Close();
     if (!StoresAll(input.Stream().setup)) {
         Say(input.Name() + ": its setup does not store every sample; transactions are told as far "
                            "as they were stored");
@@ -453,7 +425,80 @@ int Run(const Options& options) {
         Say(input.Name() + ": samples of the capture are missing; where they are, a transaction "
                            "ends as unknown, and later times are too short by theirs");
     }
-    return ExitStatus::Done;
+}
+
+TransactionTotals TotalsOf(const Options& options, const ReportedCapture& capture) {
+    Bus bus(options.bus);
+    TransactionFollower follower(bus.Board(), bus.Tables());
+    TransactionTotals totals;
+    FollowCapture(options, capture, bus, follower,
+                  [&](const Transaction& each) { totals.Add(each); });
+    return totals;
+}
+
+/// As text the sums of all captures together.
+int ReportSummary(const Options& options, const BusTraffic& traffic) {
+    CaptureReport report(options);
+    if (FormatOf(options) == Format::Json) {
+        report.ForEach([&](const ReportedCapture& capture, TextSink& result) {
+            const std::string summary =
+                JsonLine(SummaryAsJson(TotalsOf(options, capture), traffic));
+            result.Write(capture.JsonBegin() + summary.substr(1) + "\n");
+            return true;
+        });
+        return report.End("");
+    }
+    std::mutex mutex;
+    TransactionTotals all;
+    report.ForEach([&](const ReportedCapture& capture, TextSink& /*result*/) {
+        const TransactionTotals totals = TotalsOf(options, capture);
+        const std::lock_guard lock(mutex);
+        all.Add(totals);
+        return true;
+    });
+    if (report.AnyRead()) {
+        report.Result().Write(SummaryAsText(all, traffic));
+    }
+    return report.End("");
+}
+
+int ReportTransactions(const Options& options, const BusTraffic& traffic, bool hasSplits) {
+    const Format format = FormatOf(options);
+    CaptureReport report(options);
+    if (format == Format::Csv) {
+        report.WriteCsvTitles(csvTitles);
+    }
+    report.ForEach(
+        [&](const ReportedCapture& capture, TextSink& result) {
+            Bus bus(options.bus);
+            TransactionFollower follower(bus.Board(), bus.Tables());
+            follower.KeepWords(static_cast<std::size_t>(options.words));
+            TransactionWriter writer(result, format, capture, *follower.Traffic(), hasSplits);
+            bool any = false;
+            FollowCapture(options, capture, bus, follower, [&](const Transaction& each) {
+                writer.Add(each);
+                any = true;
+            });
+            return any;
+        },
+        format == Format::Text ? TextTitles(traffic, hasSplits) : std::string());
+    return report.End("there are no such transactions");
+}
+
+int Run(const Options& options) {
+    CheckRange(options.range);
+    if (options.summary && FormatOf(options) == Format::Csv) {
+        WrongUse("--summary is printed as text or JSON, not as CSV");
+    }
+    const Bus bus(options.bus);
+    const TransactionFollower follower(bus.Board(), bus.Tables());
+    const BusTraffic* const traffic = follower.Traffic();
+    if (traffic == nullptr) {
+        WrongUse("a connector has pins, and no transactions");
+    }
+    (void)ConditionOf(options, bus, *traffic); // a mistake is reported once, not for each capture
+    return options.summary ? ReportSummary(options, *traffic)
+                           : ReportTransactions(options, *traffic, bus.Board().IsPciXMode());
 }
 
 } // namespace
@@ -466,10 +511,6 @@ void AddTransactions(CLI::App& program) {
     AddRange(command, options->range);
     AddText(command, "--where", options->where, "EXPR",
             "only transactions for which this holds, such as \"wait > 4 and end == retry\"");
-    AddChoice<Format>(command, "--format",
-                      {{"text", Format::Text}, {"csv", Format::Csv}, {"json", Format::Json}},
-                      options->format, "text|csv|json",
-                      "form of the lines (default text); json is an object a line");
     AddFlag(command, "--summary", options->summary,
             "print sums by command and by end instead of the transactions");
     AddNumber(command, "--words", options->words, "N", {0, 1 << 20},

@@ -88,6 +88,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"ExpressionOfUnknownSignal", {"filter", demo, "--where", "FRAME falls and IRDDY == 0", "-o", "a.tra"}, "--where is wrong at \"IRDDY == 0\": there is no signal \"IRDDY\": IRDY, "},
         WrongUse{"ExpressionOfUnknownLabel", {"search", demo, "--where", "COMMAND == \"Mem R\""}, "COMMAND has no label \"Mem R\": \"Mem Rd\", "},
         WrongUse{"NegativeWords", {"transactions", "a.tra", "--words", "-1"}, "--words takes a whole number from 0 to 1048576"},
+        WrongUse{"NoJobs", {"stats", demo, "-j", "0"}, "--jobs takes a whole number from 1 to 128"},
         WrongUse{"NegativeRuns", {"capture", "--port", "x", "--setup", "s", "-o", "a", "--repeat", "-1"}, "--repeat is a number of runs"}),
     [](const auto& use) { return use.param.name; });
 // clang-format on
@@ -112,7 +113,7 @@ TEST(CommandLine, UsageNamesTheRequiredArguments) {
         return help.substr(0, help.find('\n'));
     };
     EXPECT_EQ(usage("list"), "Usage: busquill-trace list [OPTION...] FILE");
-    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] FILE");
+    EXPECT_EQ(usage("search"), "Usage: busquill-trace search [OPTION...] FILE...");
     EXPECT_EQ(usage("filter"), "Usage: busquill-trace filter [OPTION...] -o FILE FILE");
     EXPECT_EQ(usage("convert"), "Usage: busquill-trace convert [OPTION...] -o FILE FILE");
     EXPECT_EQ(usage("board"), "Usage: busquill-trace board [OPTION...] --port PORT");

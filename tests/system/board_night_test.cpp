@@ -1,6 +1,7 @@
 // The script of the manual for a night on a test bench, as it stands there.
 
 #include "support/board_program_over_wire.h"
+#include "support/manual_page.h"
 
 #include <gmock/gmock.h>
 
@@ -20,20 +21,10 @@ using testing::Not;
 using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
-/// The block of a page between "```sh" and "```".
-std::string ScriptOf(const std::string& page) {
-    const std::string begin = "\n```sh\n";
-    const std::size_t at = page.find(begin);
-    const std::size_t end = page.find("\n```\n", at + begin.size());
-    return at == std::string::npos || end == std::string::npos
-               ? ""
-               : page.substr(at + begin.size(), end + 1 - at - begin.size());
-}
-
 class BoardNight : public BoardProgramOverWire {
 protected:
     void SetUp() override {
-        const std::string script = ScriptOf(ReadWholeFile(SourceFile("docs/manual/test-bench.md")));
+        const std::string script = BlockOfManual("test-bench.md", "sh");
         ASSERT_THAT(script, StartsWith("#!/bin/sh\n"));
         files.Write("night.sh", script);
         files.Write("ComplianceChecklist.txt",

@@ -50,6 +50,17 @@ void TransactionTotals::Add(const Transaction& transaction) {
     }
 }
 
+void TransactionTotals::Add(const TransactionTotals& other) {
+    for (const auto& [command, total] : other.commands_) {
+        AddTo(commands_[command], total);
+    }
+    AddTo(headless_, other.headless_);
+    for (std::size_t i = 0; i < ends_.size(); ++i) {
+        ends_[i] += other.ends_[i];
+    }
+    transactions_ += other.transactions_;
+}
+
 std::vector<TransactionTotals::OfCommand>
 TransactionTotals::Commands(const BusTraffic& traffic) const {
     std::map<CommandName, OfCommand> named; // several codes may have one name

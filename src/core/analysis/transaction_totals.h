@@ -42,6 +42,8 @@ public:
     };
 
     void Add(const Transaction& transaction);
+    /// Those of another capture of the same bus.
+    void Add(const TransactionTotals& other);
     /// In the order of the bus's table, headless ones last.
     [[nodiscard]] std::vector<OfCommand> Commands(const BusTraffic& traffic) const;
     [[nodiscard]] std::uint64_t EndsBy(TransactionEnd end) const noexcept {
