@@ -7,6 +7,7 @@ the medians.
 Needs sigrok-cli, vcd2fst, wc and rg.
 """
 
+import shutil
 import statistics
 import subprocess
 import sys
@@ -51,6 +52,12 @@ def main():
             compare(f"transactions as {form} / vcd2fst",
                     [trace, "transactions", "a.tra", "--format", form, "-o", "transactions"],
                     ["vcd2fst", "a.vcd", "a.fst"], folder)
+        captures = Path(folder, "captures")
+        captures.mkdir()
+        for number in range(8):
+            shutil.copy(Path(folder, "a.tra"), captures / f"{number}.tra")
+        many = [trace, "transactions", "captures", "--format", "csv"]
+        compare("transactions of 8 captures, -j 2 / -j 1", [*many, "-j", "2"], [*many, "-j", "1"], folder)
         # A command in the low nibble of the record's ninth byte.
         search = [trace, "search", "a.tra", "--all", "-p", "C/BE[3:0]=7"]
         compare("search a capture / wc -l", search, ["wc", "-l", "a.tra"], folder)

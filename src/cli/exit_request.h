@@ -19,7 +19,7 @@ struct ExitRequest {
 /// The request of an interrupt. Where many captures are read, it ends all of them, while another
 /// failure ends one.
 struct Interruption : ExitRequest {
-    Interruption() : ExitRequest{ExitStatus::Failure, "interrupted"} {}
+    Interruption() { message = "interrupted"; }
 };
 
 [[noreturn]] inline void WrongUse(const std::string& message) {
