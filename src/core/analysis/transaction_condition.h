@@ -6,10 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
-#include <vector>
 
 namespace busquill {
 
@@ -39,7 +38,8 @@ public:
     [[nodiscard]] bool Holds(const Transaction& transaction, std::string_view command) const;
 
 private:
-    explicit TransactionCondition(ParsedExpression expression) : expression_(std::move(expression)) {}
+    explicit TransactionCondition(ParsedExpression expression)
+        : expression_(std::move(expression)) {}
 
     /// Nothing if the transaction does not have what is compared.
     [[nodiscard]] static std::optional<bool>

@@ -92,8 +92,8 @@ struct ParsedExpression {
 };
 
 /// The expression, or the first mistake.
-[[nodiscard]] std::variant<ParsedExpression, ExpressionError> ParseExpression(std::string_view text,
-                                                                        ExpressionNames& names);
+[[nodiscard]] std::variant<ParsedExpression, ExpressionError>
+ParseExpression(std::string_view text, ExpressionNames& names);
 
 /// What can stand at the cursor.
 struct ExpressionCompletion {

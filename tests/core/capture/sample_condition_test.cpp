@@ -252,7 +252,7 @@ class RandomExpressions {
 public:
     struct Made {
         std::string text;
-        std::function<bool(std::size_t)> holds; // for a sample
+        std::function<bool(std::size_t)> holds; // for a sample; as long as the maker lives
     };
 
     RandomExpressions(const std::vector<SampleRecord>& records, unsigned seed)
@@ -309,7 +309,8 @@ TEST_F(SampleConditions, HoldWhereEachPartOfThemSays) {
         record.bytes[0] = static_cast<std::uint8_t>(random());
     }
     for (unsigned seed = 0; seed < 400; ++seed) {
-        const auto made = RandomExpressions(records, seed).Make(5);
+        RandomExpressions expressions(records, seed);
+        const auto made = expressions.Make(5);
         Numbers expected;
         for (std::size_t i = 0; i < records.size(); ++i) {
             if (made.holds(i)) {
