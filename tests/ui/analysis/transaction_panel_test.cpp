@@ -561,7 +561,12 @@ TEST_F(TransactionPanels, FollowABoardWhoseBusChanges) {
     ASSERT_TRUE(Settled());
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Tag")));
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Split")));
+    // Also while another window is active.
+    QMdiSubWindow* const capture = Windows().first();
+    Choose("File/New/Performance/Utilization");
     program->Link().WriteBusConfig({.busMode = BusVme});
+    Frame().RefreshCommands();
+    Frame().Area().setActiveSubWindow(capture);
     Frame().RefreshCommands();
     ASSERT_TRUE(Settled());
     EXPECT_TRUE(Table().isColumnHidden(ColumnOf("I-Wait")));
