@@ -14,7 +14,7 @@ namespace busquill {
 namespace {
 
 constexpr std::size_t shownWords = 4;
-constexpr int cachedRows = 1000;
+constexpr std::size_t cachedRows = 1000;
 constexpr std::size_t piece = 4096; // records
 constexpr int pieceTime = 20;       // milliseconds between events
 // While samples arrive, walks take a tenth of the time, and no more than one starts in a second.
@@ -29,8 +29,7 @@ const FieldColumn& ColumnAt(int column) {
 
 TransactionModel::TransactionModel(CTesselDoc& document, BoardTraits board,
                                    const SignalTables& tables)
-    : document_(document), board_(std::move(board)), tables_(tables), reader_(board_, tables),
-      cache_(cachedRows) {
+    : document_(document), board_(std::move(board)), tables_(tables), reader_(board_, tables) {
     if (Traffic() != nullptr) {
         fields_.emplace(*Traffic());
     }
@@ -185,14 +184,15 @@ const TransactionTotals* TransactionModel::Totals() const {
 }
 
 const Transaction& TransactionModel::At(int row) const {
-    if (const Transaction* known = cache_.object(row)) {
-        return *known;
+    if (cache_.size() >= cachedRows) {
+        cache_.clear();
     }
-    auto* found =
-        new Transaction(followed_->index.Row(rows_->TransactionAt(static_cast<std::size_t>(row)),
-                                             SamplesOf(document_, followed_->absent), shownWords));
-    cache_.insert(row, found);
-    return *found;
+    const auto [entry, isNew] = cache_.try_emplace(row);
+    if (isNew) {
+        entry->second = followed_->index.Row(rows_->TransactionAt(static_cast<std::size_t>(row)),
+                                             SamplesOf(document_, followed_->absent), shownWords);
+    }
+    return entry->second;
 }
 
 std::int64_t TransactionModel::FirstSample(int row) const {

@@ -4,14 +4,13 @@
 #include "link/board_identity.h"
 
 #include <QAbstractTableModel>
-#include <QCache>
 #include <QElapsedTimer>
 #include <QTimer>
 
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace busquill {
@@ -50,6 +49,7 @@ public:
     /// What the shown ones add up to; null without rows.
     [[nodiscard]] const TransactionTotals* Totals() const;
 
+    /// Valid until the next call.
     [[nodiscard]] const Transaction& At(int row) const;
     /// The index in the document of the first sample of a row, and of its last one.
     [[nodiscard]] std::int64_t FirstSample(int row) const;
@@ -98,7 +98,7 @@ private:
 
     std::shared_ptr<Followed> followed_;     // of the rows
     std::unique_ptr<TransactionTable> rows_; // that are shown
-    mutable QCache<int, Transaction> cache_;
+    mutable std::unordered_map<int, Transaction> cache_;
 
     std::shared_ptr<Followed> nextFollowed_;
     std::unique_ptr<TransactionTable> next_; // in the making

@@ -108,6 +108,11 @@ QString Summary(const TransactionModel& model) {
     return text;
 }
 
+bool IsSameBus(const BoardTraits& a, const BoardTraits& b) {
+    return a.modelString == b.modelString && a.bus.busMode == b.bus.busMode &&
+           a.bus.busWidth == b.bus.busWidth;
+}
+
 } // namespace
 
 TransactionPanel::TransactionPanel(const FeatureParts& parts)
@@ -209,11 +214,8 @@ void TransactionPanel::Follow(CMDIChildWnd* active) {
     const CTraceView* view = ViewOf(active);
     CTesselDoc* const document = view == nullptr ? nullptr : &view->Trace();
     const BoardTraits board = parts_.analyzer.Link().Traits();
-    const TransactionModel* const model = Model();
-    const bool isOtherBus = model != nullptr && (model->Board().modelString != board.modelString ||
-                                                 model->Board().bus.busMode != board.bus.busMode ||
-                                                 model->Board().bus.busWidth != board.bus.busWidth);
-    if (isOtherBus) {
+    // All have been followed on the same bus.
+    if (!captures_.empty() && !IsSameBus(captures_.begin()->second.model->Board(), board)) {
         Show(nullptr);
         captures_.clear();
     }

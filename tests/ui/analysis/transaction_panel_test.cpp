@@ -7,6 +7,8 @@
 #include "support/program_fixture_qt.h"
 #include "ui/analysis/transaction_panel.h"
 #include "ui/display/trace_view.h"
+#include "ui/shell/help_window.h"
+#include "ui/shell/manual_browser.h"
 #include "ui/trace/child_frame.h"
 
 #include <QClipboard>
@@ -228,6 +230,9 @@ TEST_F(TransactionPanels, KeysGoFromRowToRow) {
     QTest::keyClick(&Table(), Qt::Key_Home);
     EXPECT_EQ(CurrentRow(), 0);
     EXPECT_EQ(frame.TraceView().TopSample(), 0);
+    frame.TraceView().GoTo(GoToTarget::End);
+    QTest::keyClick(&Table(), Qt::Key_Return);
+    EXPECT_EQ(frame.TraceView().TopSample(), 0) << "Enter goes there again";
 }
 
 TEST_F(TransactionPanels, Marker1ChoosesTheRowThatItStandsInAndMovesNothing) {
@@ -244,6 +249,53 @@ TEST_F(TransactionPanels, Marker1ChoosesTheRowThatItStandsInAndMovesNothing) {
         << "the row is scrolled to";
     EXPECT_EQ(frame.TraceView().TopSample(), top);
     EXPECT_EQ(frame.Trace().Marker(1, false), inside);
+}
+
+TEST_F(TransactionPanels, AFilterOfSamplesDoesNotMatter) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    OpenPanel();
+    const int rows = Rows();
+    // The listing shows samples of memory reads only.
+    CSignalList& pattern = frame.Trace().filterPattern;
+    for (const auto& signal : pattern.All()) {
+        if (signal->decoded == nullptr || signal->decoded->name != "COMMAND") {
+            continue;
+        }
+        const auto& values = signal->decoded->values;
+        const auto read = std::ranges::find_if(values, [](const auto& value) {
+            return value.label != nullptr && value.label == std::string_view("Mem Rd");
+        });
+        ASSERT_NE(read, values.end());
+        pattern.ApplyDecodedValue(signal.get(), 0, static_cast<std::size_t>(read - values.begin()));
+        break;
+    }
+    frame.Trace().ApplyFilter(0);
+    ASSERT_TRUE(frame.Trace().IsFiltered());
+    EXPECT_EQ(Rows(), rows);
+    int row = 100;
+    while (Cell(row, "Command") != "Mem Rd") {
+        ++row;
+    }
+    ClickRow(row);
+    const std::int64_t sample = Model().FirstSample(row);
+    EXPECT_LE(frame.TraceView().TopSample(), sample);
+    ClickRow(row + 1); // the listing hides its first sample
+    EXPECT_EQ(CurrentRow(), row + 1);
+    EXPECT_LE(frame.TraceView().TopSample(), Model().FirstSample(row + 1));
+}
+
+TEST_F(TransactionPanels, F1OpensTheirPageOfTheManual) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    for (QWidget* focus : {static_cast<QWidget*>(&Table()), static_cast<QWidget*>(&Filter())}) {
+        QTest::keyClick(focus, Qt::Key_F1);
+        auto* help = Frame().findChild<HelpWindow*>();
+        ASSERT_NE(help, nullptr);
+        EXPECT_TRUE(help->isVisible());
+        EXPECT_EQ(help->findChild<ManualBrowser*>()->Page(), "transactions.md#in-the-windows");
+        help->close();
+        Frame().activateWindow();
+    }
 }
 
 TEST_F(TransactionPanels, FollowsTheActiveWindow) {
@@ -509,7 +561,12 @@ TEST_F(TransactionPanels, FollowABoardWhoseBusChanges) {
     ASSERT_TRUE(Settled());
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Tag")));
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Split")));
+    // Also while another window is active.
+    QMdiSubWindow* const capture = Windows().first();
+    Choose("File/New/Performance/Utilization");
     program->Link().WriteBusConfig({.busMode = BusVme});
+    Frame().RefreshCommands();
+    Frame().Area().setActiveSubWindow(capture);
     Frame().RefreshCommands();
     ASSERT_TRUE(Settled());
     EXPECT_TRUE(Table().isColumnHidden(ColumnOf("I-Wait")));

@@ -128,6 +128,19 @@ TEST(CommandMap, DisablesCommandsThatAnotherMapHandles) {
     EXPECT_EQ(map.CanDo(CommandId::FileSave), std::nullopt);
 }
 
+TEST(CommandMap, ASwitchTellsWhetherItIsOn) {
+    CommandMap map;
+    bool isOn = false;
+    map.Switch(
+        CommandId::Transactions, [&] { isOn = !isOn; }, [&] { return isOn; }, [] { return true; });
+    map.On(CommandId::Filter, [] {});
+    EXPECT_EQ(map.IsOn(CommandId::Transactions), std::optional(false));
+    map.Do(CommandId::Transactions);
+    EXPECT_EQ(map.IsOn(CommandId::Transactions), std::optional(true));
+    EXPECT_EQ(map.IsOn(CommandId::Filter), std::nullopt) << "it is no switch";
+    EXPECT_EQ(map.IsOn(CommandId::Compare), std::nullopt);
+}
+
 TEST(CommandMap, IncludesTheCommandsOfAnother) {
     CommandMap own;
     CommandMap added;
