@@ -46,7 +46,7 @@ protected:
         return rows;
     }
     static TransactionCondition Condition(const char* text) {
-        return std::get<TransactionCondition>(TransactionCondition::Parse(text));
+        return std::get<TransactionCondition>(TransactionCondition::Parse(text, {}));
     }
 
     static constexpr std::size_t sampleCount = 20000;
