@@ -16,6 +16,7 @@ namespace busquill::test {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 struct FamilyCase {
     const char* family;
@@ -110,6 +111,8 @@ TEST_P(GeneratedTransactions, AreNotInventedWhereSamplesAreMissing) {
         EXPECT_GT(CountBy(wanted, commandCell)[""], 20); // without a beginning
         ExpectSame(wanted);
     }
+    // An address of which a part is missing is no empty text.
+    EXPECT_THAT(Run({"transactions", "--json"}).out, Not(HasSubstr("\"address\": \"\"")));
 }
 
 TEST_P(GeneratedTransactions, AddUpToTheStatistics) {

@@ -294,7 +294,6 @@ private:
         Deed& deed = Begin(record, lark_ ? "IACK" : "Interrupt", AddressText(level, 1));
         const std::uint32_t vector = Word();
         SetField(record, bitData, 32, vector);
-
         const auto [strobe, acknowledge] = StrobeData(record, bytes == 1 ? 1 : 3, deed);
         const unsigned width = bytes == 4 ? 4 : 2;
         deed.transfers.push_back(

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace busquill {
@@ -33,6 +34,10 @@ IntervalFigures FiguresOf(const BoardTraits& board, const SignalTables& tables,
     IntervalFigures figures;
     figures.samples = static_cast<std::int64_t>(end - begin);
     TransactionFollower follower(board, tables);
+    if (begin > 0 && samples.Has(begin - 1)) { // it shows that an address is no second half
+        follower.Resume({0, samples.first + static_cast<std::int64_t>(begin) - 1, 0,
+                         &samples.records[begin - 1], std::nullopt});
+    }
     std::uint64_t transactions = 0;
     const auto count = [&](const Transaction& transaction) {
         transactions += transaction.isHeadless ? 0 : 1;

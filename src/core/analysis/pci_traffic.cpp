@@ -60,9 +60,11 @@ void PciTraffic::Restart() {
     isFirst_ = true;
 }
 
-void PciTraffic::RestartAfter(const SampleRecord& /*before*/) {
+void PciTraffic::RestartAfter(const SampleRecord& before) {
     open_.reset();
-    isFirst_ = false; // an address phase does not depend on the sample before it
+    // An address phase depends on the sample before it only if that was the first of two.
+    isFirst_ = frame_.IsAsserted(before) && IsAddressPhase(before) &&
+               (enables_.Value(before) & 0xF) == dualAddress;
 }
 
 PciTransaction& PciTraffic::Begin(const TimedSample& sample) {
