@@ -400,6 +400,41 @@ void ShowTransactions(Tour& tour, CMainFrame& frame) {
     frame.resize(900, 600);
 }
 
+/// The row of a single line in the waveforms.
+CSignal& LineOf(CTesselDoc& capture, const char* name) {
+    const auto& rows = capture.waveformList.All();
+    return **std::ranges::find_if(
+        rows, [&](const auto& row) { return !row->grouped && row->name == name; });
+}
+
+/// What lies between the markers: here a transaction, from its address to the next one, and the
+/// edges of a line.
+void ShowInterval(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
+    tour.Choose(frame, "Analyze/Interval", "message");
+    auto* dock = frame.findChild<QDockWidget*>("Interval");
+    if (dock == nullptr) {
+        tour.Fail("no panel for the interval");
+        return;
+    }
+    frame.resize(900, 720);
+    frame.resizeDocks({dock}, {220}, Qt::Vertical);
+    CSignal& selected = LineOf(capture, "IRDY");
+    selected.selected = true;
+    const CSignal& active = LineOf(capture, "FRAME"); // low
+    const auto trigger = static_cast<std::size_t>(capture.Marker(0, false));
+    std::size_t next = trigger + 1;
+    while (active.Bit(next) || !active.Bit(next - 1)) {
+        ++next;
+    }
+    capture.SetMarker(1, static_cast<std::int64_t>(trigger));
+    capture.SetMarker(2, static_cast<std::int64_t>(next));
+    frame.RefreshCommands(); // as before each event
+    tour.Picture(frame, "interval");
+    selected.selected = false;
+    tour.Choose(frame, "Analyze/Interval", "message");
+    frame.resize(900, 600);
+}
+
 /// The list of all keys.
 void ShowKeys(Tour& tour, CMainFrame& frame) {
     for (QAction* action : frame.actions()) {
@@ -456,6 +491,7 @@ void Walk(Tour& tour, Program& program) {
         document.SetMarker(2, trigger + 12);
         QApplication::processEvents();
         tour.Picture(frame, "waveforms");
+        ShowInterval(tour, frame, document);
         auto* waves = window->findChild<CWaveformWnd*>();
         ShowTip(tour, *waves, {waves->width() / 2, waves->height() / 2});
         const std::int64_t zoomTrigger = document.Marker(0, true);

@@ -136,12 +136,15 @@ void IntervalPanel::ShowFigures(const CTraceView& view, const Source& source) {
     const WaitCursor wait;
     const CTesselDoc& document = view.Trace();
     const int current = table_->currentRow();
+    const bool isSelected = current >= 0 && table_->item(current, 0)->isSelected();
     table_->setRowCount(0);
     note_->clear();
     AddLine("Samples", Count(source.to - source.from));
     if (const auto time = source.list->TimeFrom(source.from, source.to)) {
-        const QString exact = Count(*time) + (source.isZoom ? " ps" : " ns");
-        AddLine("Time", QString::fromStdString(FormatTime(*time, source.isZoom)) + " = " + exact);
+        // In full only where that says more.
+        const QString rounded = QString::fromStdString(FormatTime(*time, source.isZoom));
+        const QString inFull = Count(*time) + (source.isZoom ? "ps" : "ns");
+        AddLine("Time", *time < 1000 ? rounded : rounded + " = " + inFull);
         const double units = source.isZoom ? 1e12 : 1e9;
         AddLine("1/t", *time == 0 ? "-" : WithPrefix(units / static_cast<double>(*time), "Hz"));
     }
@@ -156,7 +159,10 @@ void IntervalPanel::ShowFigures(const CTraceView& view, const Source& source) {
     }
     table_->resizeColumnToContents(0);
     if (current >= 0 && current < table_->rowCount()) {
-        table_->setCurrentCell(current, 0);
+        table_->setCurrentCell(current, 0,
+                               isSelected
+                                   ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
+                                   : QItemSelectionModel::NoUpdate);
     }
 }
 

@@ -92,6 +92,7 @@ const char* ReasonAgainst(CommandId id, Shows shows) {
     case CommandId::FindPrevious:
         return isTrace ? nullptr : "it has no samples";
     case CommandId::Transactions:
+    case CommandId::Interval:
         return isTrace ? nullptr : "it shows no capture";
     default:
         return nullptr;
