@@ -47,6 +47,12 @@ struct Shown {
     }
 };
 
+/// Whether samples that begin at a place begin with the second half of a dual address.
+bool IsSecondHalf(const std::vector<Deed>& deeds, std::size_t place) {
+    return std::any_of(deeds.begin(), deeds.end(),
+                       [&](const Deed& deed) { return deed.secondHalf == place; });
+}
+
 /// Writes down what the samples show of the deeds.
 class DeedTable {
 public:
@@ -86,16 +92,10 @@ private:
                 ++last;
             }
             const bool begins =
-                at == deed.first && ((at > 0 && shown_.Has(at - 1)) || ShowsItsBegin(deed));
+                at == deed.first && ((at > 0 && shown_.Has(at - 1)) || !doer_.NeedsSampleBefore());
             AddRow(index, at, last, begins && deed.commandToldBy <= last);
             at = last;
         }
-    }
-
-    /// Whether the first sample alone shows that it is the first.
-    [[nodiscard]] bool ShowsItsBegin(const Deed& deed) const {
-        const bool isTrigger = deed.first == shown_.first + trigger_;
-        return !doer_.NeedsSampleBefore() && (isTrigger || !deed.looksLikeSecondHalf);
     }
 
     void AddRow(std::size_t index, std::size_t first, std::size_t last, bool begins) {
@@ -214,14 +214,18 @@ DeedRecording RecordDeeds(Family family, std::uint32_t seed, std::size_t count, 
     std::mt19937 random(seed + 1);
     Shown shown;
     shown.first = lead + random() % lead;
-    while (doer->Samples().size() < shown.first + count + lead) {
+    while (doer->Samples().size() < shown.first + count + 2 * lead) {
         doer->Act();
+    }
+    if (IsSecondHalf(doer->Deeds(), shown.first)) {
+        ++shown.first;
     }
     shown.end = shown.first + count;
     shown.missing.resize(doer->Samples().size());
     for (unsigned gap = 0; gap < gaps && count > 3 * longestGap; ++gap) {
         const std::size_t from = shown.first + longestGap + random() % (count - 3 * longestGap);
-        const std::size_t to = from + random() % longestGap;
+        std::size_t to = from + random() % longestGap;
+        to += IsSecondHalf(doer->Deeds(), to + 1) ? 1 : 0;
         for (std::size_t place = from; place <= to; ++place) {
             shown.missing[place] = true;
         }

@@ -37,9 +37,9 @@ struct Deed {
     std::size_t last = 0;
     std::size_t commandToldBy = 0; // the sample by which the command is on the bus
     std::size_t addressToldBy = 0;
-    bool looksLikeSecondHalf = false; // of a dual address, if nothing is known of samples before
-    bool showsItsEnd = false;         // the last sample alone shows that it is the last
-    std::optional<std::size_t> endToldBy; // the sample in which a target signals the end
+    std::optional<std::size_t> secondHalf; // of a dual address; alone it looks like an address
+    bool showsItsEnd = false;              // the last sample alone shows that it is the last
+    std::optional<std::size_t> endToldBy;  // the sample in which a target signals the end
     std::vector<Transfer> transfers;
     std::vector<std::size_t> waits;          // clocks of the target
     std::vector<std::size_t> initiatorWaits; // clocks of the initiator

@@ -111,12 +111,9 @@ private:
             SetField(record, bitCbe, 4, plan.command);
             const std::size_t second = Clock(record);
             deed.addressToldBy = drivesAll ? deed.first : second;
+            deed.secondHalf = second;
         }
         deed.commandToldBy = deed.addressToldBy;
-        deed.looksLikeSecondHalf = !plan.dual && !drivesAll && plan.address != 0 &&
-                                   plan.command >= cmdMemRead && plan.command != cmdConfigRead &&
-                                   plan.command != cmdConfigWrite &&
-                                   !(pciX_ && plan.command == cmdSplitCompletion);
         SetBit(record, bitAddress, false);
         return deed;
     }

@@ -11,7 +11,7 @@ namespace busquill {
 class CSignal;
 
 /// What lies between two samples of a capture: from the first of them to just before the second, so
-/// that neighbouring intervals add up.
+/// that samples, times and transactions of neighbouring intervals add up.
 struct IntervalFigures {
     std::int64_t samples = 0; // from one to the other
     std::int64_t time = 0;    // ns

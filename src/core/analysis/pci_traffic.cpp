@@ -3,8 +3,6 @@
 #include "analysis/value_labels.h"
 #include "platform/text.h"
 
-#include <algorithm>
-#include <array>
 #include <bit>
 #include <utility>
 
@@ -35,11 +33,12 @@ bool PciTraffic::IsIdle(const SampleRecord& record) const {
 
 Transaction* PciTraffic::Take(const TimedSample& sample) {
     const bool isFirst = std::exchange(isFirst_, false);
+    const bool isSecondHalf = std::exchange(isSecondHalf_, false);
     if (IsIdle(sample.record)) {
         return Close(true);
     }
     const bool isAddress = frame_.IsAsserted(sample.record) && IsAddressPhase(sample.record);
-    if (isFirst && (!isAddress || MayBeSecondHalf(sample))) {
+    if ((isFirst && !isAddress) || (isAddress && isSecondHalf)) {
         Begin(sample).sum.isHeadless = true;
         return nullptr;
     }
@@ -58,13 +57,14 @@ Transaction* PciTraffic::Take(const TimedSample& sample) {
 void PciTraffic::Restart() {
     open_.reset();
     isFirst_ = true;
+    isSecondHalf_ = false;
 }
 
 void PciTraffic::RestartAfter(const SampleRecord& before) {
     open_.reset();
-    // An address phase depends on the sample before it only if that was the first of two.
-    isFirst_ = frame_.IsAsserted(before) && IsAddressPhase(before) &&
-               (enables_.Value(before) & 0xF) == dualAddress;
+    isFirst_ = false;
+    isSecondHalf_ = frame_.IsAsserted(before) && IsAddressPhase(before) &&
+                    (enables_.Value(before) & 0xF) == dualAddress;
 }
 
 PciTransaction& PciTraffic::Begin(const TimedSample& sample) {
@@ -72,19 +72,6 @@ PciTransaction& PciTraffic::Begin(const TimedSample& sample) {
     sum.sample = sum.lastSample = sample.number;
     sum.time = sum.lastTime = sample.time;
     return *open_;
-}
-
-/// Whether an address phase after unknown samples may be the second of a dual address. The trigger
-/// was chosen for what it shows.
-bool PciTraffic::MayBeSecondHalf(const TimedSample& sample) const {
-    const std::uint32_t code = enables_.Value(sample.record);
-    const std::uint64_t lines = ad_.Word(sample.record);
-    const std::uint64_t low = lines & 0xFFFFFFFF;
-    if (sample.number == 0 || low == 0 || !MayBeDual(code & 0xF)) {
-        return false;
-    }
-    // A 64-bit initiator gives the same on all lines again.
-    return !req64_.IsAsserted(sample.record) || (lines >> 32 == low && code >> 4 == (code & 0xF));
 }
 
 Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
@@ -212,11 +199,6 @@ Transaction* PciTraffic::Close(bool sawEnd) {
 
 int PciTraffic::AddressDigits(const Transaction& transaction) const {
     return (transaction.command & 0xF) == dualAddress ? 16 : 8;
-}
-
-bool PciTraffic::MayBeDual(std::uint32_t command) const {
-    constexpr std::array<std::uint32_t, 5> memory = {0x6, 0x7, 0xC, 0xE, 0xF};
-    return std::ranges::find(memory, command) != memory.end();
 }
 
 bool PciTraffic::IsAddressPhase(const SampleRecord& record) const {

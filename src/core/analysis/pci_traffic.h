@@ -56,8 +56,6 @@ protected:
     PciTraffic(const SignalTables& tables, std::string_view commandTable);
 
     [[nodiscard]] virtual bool IsAddressPhase(const SampleRecord& record) const;
-    /// Whether the command may come with a dual address.
-    [[nodiscard]] virtual bool MayBeDual(std::uint32_t command) const;
     /// Whether the sample is the attribute phase of the transaction; then stores it there.
     virtual bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const;
     [[nodiscard]] virtual PciAnswer AnswerOf(const PciClock& clock,
@@ -79,7 +77,6 @@ protected:
     SignalLine ad_, enables_, addressPhase_;
 
 private:
-    [[nodiscard]] bool MayBeSecondHalf(const TimedSample& sample) const;
     Transaction* TakeAddress(const TimedSample& sample);
     Transaction* TakeClock(const TimedSample& sample);
     PciTransaction& Begin(const TimedSample& sample);
@@ -97,6 +94,8 @@ private:
     std::optional<PciTransaction> open_;
     Transaction closed_;
     bool isFirst_ = true; // the next sample does not follow another
+    bool isSecondHalf_ =
+        false; // an address phase in the next sample is the second of a dual address
 };
 
 } // namespace busquill

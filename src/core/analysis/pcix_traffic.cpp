@@ -44,11 +44,6 @@ private:
         return addressPhase_.IsHigh(record) && !record.Bit(attributeBit_);
     }
 
-    bool MayBeDual(std::uint32_t command) const override {
-        return command != splitCompletion &&
-               (AnnouncesBytes(command) || PciTraffic::MayBeDual(command));
-    }
-
     bool TakeAttributes(const SampleRecord& record, PciTransaction& open) const override {
         if (!record.Bit(attributeBit_)) {
             return false;

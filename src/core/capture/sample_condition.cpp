@@ -179,9 +179,12 @@ private:
                 return Of(*std::move(joined));
             }
         }
-        // The patterns first: they are the fastest, and rule out most.
-        return b.ways ? Combined(std::move(b), std::move(a), Step::And)
-                      : Combined(std::move(a), std::move(b), Step::And);
+        // The patterns first: they are the fastest, and rule out most. But only once, since each
+        // exchange needs one more result.
+        const bool hasPatternsFirst =
+            !a.operations.empty() && a.operations.front().step == Step::Patterns;
+        return b.ways && !hasPatternsFirst ? Combined(std::move(b), std::move(a), Step::And)
+                                           : Combined(std::move(a), std::move(b), Step::And);
     }
     static Part Or(Part a, Part b) {
         if (a.ways && b.ways && a.ways->size() + b.ways->size() <= mostWays) {
@@ -483,7 +486,9 @@ std::uint32_t SampleCondition::MatchesOf(const SampleBlock& block) const noexcep
     if (operations_.size() == 1) {
         return Test(operations_.front(), block);
     }
-    std::array<std::uint32_t, ParsedExpression::mostResults + 2> results{};
+    // A pattern that goes before what was written before it takes one result more, at most one for
+    // each that the text needs; and so does the phase of a signal.
+    std::array<std::uint32_t, 2 * ParsedExpression::mostResults + 4> results{};
     const auto all = LowBits<std::uint32_t>(block.records.size());
     std::size_t last = 0; // index of the last result; the first is none
     for (std::size_t i = 0; i < operations_.size(); ++i) {

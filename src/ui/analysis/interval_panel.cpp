@@ -3,6 +3,7 @@
 #include "analysis/interval.h"
 #include "capture/analyzer.h"
 #include "capture/trace_document.h"
+#include "platform/text.h"
 #include "signals/cell_text.h"
 #include "signals/value_text.h"
 #include "ui/analysis/shown_capture.h"
@@ -43,11 +44,22 @@ QString WithPrefix(double value, const char* unit) {
     return QString("%1 %2%3").arg(value, 0, 'g', 4).arg(prefixes[prefix]).arg(unit);
 }
 
+std::string BusName(const BoardTraits& board) {
+    return Printf("%s %d %d", board.modelString.c_str(), static_cast<int>(board.bus.busMode),
+                  static_cast<int>(board.bus.busWidth));
+}
+
+/// Whether changes of a row are counted: not of columns that the listing works out, or shows in
+/// some phases only.
+bool IsCounted(const CSignal& signal) {
+    return signal.selected && !signal.IsBlank() && signal.decoded == nullptr &&
+           (!signal.grouped || signal.IsGroupStart());
+}
+
 std::vector<std::string> SelectedRows(const CSignalList& list) {
     std::vector<std::string> names;
     for (const auto& signal : list.All()) {
-        if (signal->selected && !signal->IsBlank() &&
-            (!signal->grouped || signal->IsGroupStart())) {
+        if (IsCounted(*signal)) {
             names.push_back(signal->RowName());
         }
     }
@@ -105,27 +117,56 @@ QString IntervalPanel::WhyEmpty(const CTraceView* view) const {
     return {};
 }
 
+/// Why the samples between the markers cannot be counted yet; empty if they can.
+QString IntervalPanel::WhyNotYet(const CTraceView& view) {
+    const CTesselDoc& document = view.Trace();
+    if (document.CaptureActive()) {
+        return "The capture has not ended yet.";
+    }
+    const auto [from, to] =
+        std::minmax({document.Marker(1, view.IsZoom()), document.Marker(2, view.IsZoom())});
+    // The sample before the first one tells whether an address begins there.
+    const bool hasArrived =
+        !document.IsUploading() ||
+        (!view.IsZoom() && document.HasAllSamples(std::max<std::int64_t>(from - 1, 0), to, false));
+    return hasArrived ? QString() : "The samples between the markers are still being fetched.";
+}
+
+void IntervalPanel::ShowOnly(const QString& reason) {
+    shown_.reset();
+    table_->setRowCount(0);
+    note_->setText(reason);
+}
+
+/// What is hidden does not follow, so nothing of it is kept.
+void IntervalPanel::hideEvent(QHideEvent* event) {
+    Panel::hideEvent(event);
+    ShowOnly({});
+}
+
 void IntervalPanel::Follow(CMDIChildWnd* active) {
     if (!isVisible()) {
         return;
     }
     const CTraceView* const view = ViewOf(active);
     if (const QString reason = WhyEmpty(view); !reason.isEmpty()) {
-        shown_.reset();
-        table_->setRowCount(0);
-        note_->setText(reason);
+        ShowOnly(reason);
         return;
     }
     const CTesselDoc& document = view->Trace();
-    const auto [from, to] =
-        std::minmax({document.Marker(1, view->IsZoom()), document.Marker(2, view->IsZoom())});
-    Source source{&document, &view->List(), view->IsZoom(), from, to, SelectedRows(view->List())};
-    if (document.IsUploading() && !document.HasAllSamples(from, to, view->IsZoom())) {
-        shown_.reset();
-        table_->setRowCount(0);
-        note_->setText("The samples between the markers are still being fetched.");
+    if (const QString reason = WhyNotYet(*view); !reason.isEmpty()) {
+        ShowOnly(reason);
         return;
     }
+    const auto [from, to] =
+        std::minmax({document.Marker(1, view->IsZoom()), document.Marker(2, view->IsZoom())});
+    Source source{&document,
+                  &view->List(),
+                  view->IsZoom(),
+                  from,
+                  to,
+                  SelectedRows(view->List()),
+                  BusName(parts_.analyzer.Link().Traits())};
     if (source != shown_) {
         ShowFigures(*view, source);
         shown_ = std::move(source);
@@ -152,8 +193,7 @@ void IntervalPanel::ShowFigures(const CTraceView& view, const Source& source) {
         AddFigures(document, source);
     }
     for (const auto& signal : source.list->All()) {
-        if (signal->selected && !signal->IsBlank() &&
-            (!signal->grouped || signal->IsGroupStart())) {
+        if (IsCounted(*signal)) {
             AddEdges(document, source, *signal);
         }
     }

@@ -31,6 +31,7 @@ public:
 
 protected:
     void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -42,12 +43,15 @@ private:
         std::int64_t from = 0;
         std::int64_t to = 0;
         std::vector<std::string> selected; // rows
+        std::string bus;
 
         friend bool operator==(const Source&, const Source&) = default;
     };
 
     /// Why there are no figures; empty if there are.
     [[nodiscard]] QString WhyEmpty(const CTraceView* view) const;
+    [[nodiscard]] static QString WhyNotYet(const CTraceView& view);
+    void ShowOnly(const QString& reason);
     void ShowFigures(const CTraceView& view, const Source& source);
     void AddLine(const QString& name, const QString& value);
     void AddFigures(const CTesselDoc& document, const Source& source);

@@ -325,6 +325,7 @@ void TransactionPanel::hideEvent(QHideEvent* event) {
         StoreColumns();
         model->SetActive(false);
     }
+    busy_.reset();
 }
 
 // What is shown.
@@ -481,7 +482,7 @@ QString TransactionPanel::WhyEmpty() const {
         return "The active window shows no capture.";
     }
     if (model->Traffic() == nullptr) {
-        return "A connector has pins, and no transactions.";
+        return "This bus is a connector: its pins are shown, but it has no transactions.";
     }
     if (document_->CaptureActive()) {
         return "The capture has not ended yet.";
@@ -490,9 +491,9 @@ QString TransactionPanel::WhyEmpty() const {
         return "There are no samples yet.";
     }
     if (model->IsWorking()) {
-        return "Following the samples ...";
+        return "Looking for transactions ...";
     }
-    return model->TransactionCount() == 0 ? "No transaction is in the samples."
+    return model->TransactionCount() == 0 ? "There are no transactions in the samples."
                                           : "The filter hides all transactions.";
 }
 
@@ -504,7 +505,7 @@ void TransactionPanel::ShowState() {
     const bool isWorking = model != nullptr && model->IsWorking();
     QString summary = model == nullptr ? QString() : Summary(*model);
     if (isWorking) {
-        summary += QString(summary.isEmpty() ? "%1 %" : "; following the samples, %1 %")
+        summary += QString(summary.isEmpty() ? "%1 %" : "; looking for transactions, %1 %")
                        .arg(model->Progress());
     }
     summary_->setText(summary);

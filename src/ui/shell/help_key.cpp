@@ -20,8 +20,7 @@ bool HelpKey::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     const auto& key = static_cast<const QKeyEvent&>(*event);
-    const bool asksForKeys =
-        key.modifiers() == Qt::ShiftModifier && QApplication::activeModalWidget() != nullptr;
+    const bool asksForKeys = key.modifiers() == Qt::ShiftModifier;
     if (key.key() != Qt::Key_F1 || (key.modifiers() != Qt::NoModifier && !asksForKeys)) {
         return false;
     }

@@ -13,8 +13,7 @@ namespace busquill {
 class HelpKey final : public QObject {
     Q_OBJECT
 public:
-    /// `showHelp` is called for F1, with the widget that has the focus; `showKeys` for Shift+F1
-    /// while a modal dialog is open. Otherwise Shift+F1 is a command with a shortcut.
+    /// `showHelp` is called for F1, with the widget that has the focus; `showKeys` for Shift+F1.
     HelpKey(QObject* parent, std::function<void(const QWidget&)> showHelp,
             std::function<void()> showKeys);
 

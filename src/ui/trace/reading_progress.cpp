@@ -26,7 +26,7 @@ void ReadingProgress::At(const std::string& path, std::uint64_t bytes) {
     }
     shown_ = percent;
     constexpr int untilNextEvent = 1;
-    bar_->showMessage(QString("Reading %1: %2 %").arg(file.fileName()).arg(percent),
+    bar_->showMessage(QString("Reading %1: %2 %").arg(file.fileName(), QString::number(percent)),
                       untilNextEvent);
     bar_->repaint();
 }

@@ -1,14 +1,12 @@
 #include "analysis/transaction_follower.h"
 #include "analysis/transaction_totals.h"
 #include "support/board_tables.h"
+#include "support/capture_builder.h"
 
 #include <gtest/gtest.h>
 
 namespace busquill::test {
 namespace {
-
-constexpr std::uint32_t memoryRead = 6;
-constexpr std::uint32_t memoryWrite = 7;
 
 Transaction Make(std::uint32_t command, std::uint64_t words, std::uint64_t waits,
                  std::optional<std::int64_t> latency, TransactionEnd end) {
@@ -31,12 +29,12 @@ Transaction Headless() {
 
 TEST(TransactionTotals, OfTwoCapturesAreThoseOfAllTheirTransactions) {
     TransactionTotals first;
-    first.Add(Make(memoryRead, 2, 3, 90, TransactionEnd::Complete));
-    first.Add(Make(memoryRead, 0, 1, {}, TransactionEnd::Retry));
+    first.Add(Make(PciCommand::MemoryRead, 2, 3, 90, TransactionEnd::Complete));
+    first.Add(Make(PciCommand::MemoryRead, 0, 1, {}, TransactionEnd::Retry));
     first.Add(Headless());
     TransactionTotals second;
-    second.Add(Make(memoryRead, 4, 5, 30, TransactionEnd::Complete));
-    second.Add(Make(memoryWrite, 8, 0, 60, TransactionEnd::Complete));
+    second.Add(Make(PciCommand::MemoryRead, 4, 5, 30, TransactionEnd::Complete));
+    second.Add(Make(PciCommand::MemoryWrite, 8, 0, 60, TransactionEnd::Complete));
     second.Add(Headless());
     TransactionTotals sum;
     sum.Add(first);

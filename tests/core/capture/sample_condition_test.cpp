@@ -321,6 +321,24 @@ TEST_F(SampleConditions, HoldWhereEachPartOfThemSays) {
     }
 }
 
+TEST_F(SampleConditions, MayHaveManyParts) {
+    Records records(40);
+    for (SampleRecord& record : records) {
+        record.bytes.fill(0xFF);
+    }
+    std::string flat = "sample >= 0";
+    std::string nested = "FRAME == 1";
+    for (int i = 0; i < 200; ++i) {
+        flat += " and AD[" + std::to_string(i % 32) + "] == 1";
+    }
+    for (int i = 0; i < 9; ++i) {
+        nested = "((sample >= 0 or (" + nested + ")) and IRDY == 1)";
+    }
+    for (const std::string& text : {flat, nested}) {
+        EXPECT_EQ(Found(records, text).size(), records.size()) << text;
+    }
+}
+
 TEST_F(SampleConditions, BecomeMasksWherePatternsAreEnough) {
     for (const char* text :
          {"FRAME == 0", "AD == 0xFEBF_XXXX and FRAME == 0", "AD in 0x1000..0x1FFF",
