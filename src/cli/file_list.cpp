@@ -33,6 +33,9 @@ public:
             EndIfInterrupted();
             std::error_code unknown;
             const fs::file_status status = entry->symlink_status(unknown);
+            if (status.type() == fs::file_type::not_found) {
+                continue; // it was removed or renamed meanwhile, as files being written are
+            }
             if (fs::is_directory(status) || unknown) { // if unknown, the search says why
                 Search(entry->path());
             } else if (EqualIgnoringCase(entry->path().extension().string(), ending_) &&

@@ -92,10 +92,10 @@ Progress::~Progress() {
 void Progress::At(std::int64_t done) {
     const int percent = total_ > 0 ? static_cast<int>(done * 100 / total_) : 100;
     if (isShown_ && percent != last_) {
+        progressIsShown = true; // before, since another thread may say something
         std::fprintf(stderr, "\r%s %d%%", what_, percent);
         std::fflush(stderr);
         last_ = percent;
-        progressIsShown = true;
     }
 }
 

@@ -114,7 +114,10 @@ private:
         result.hasBegun = true;
         hasWritten_ = true;
         if (result.file) {
-            std::rewind(result.file.get());
+            if (std::fflush(result.file.get()) != 0 ||
+                std::fseek(result.file.get(), 0, SEEK_SET) != 0) {
+                Fail("a temporary file cannot be written");
+            }
             std::array<char, bufferSize> bytes;
             while (const std::size_t count =
                        std::fread(bytes.data(), 1, bytes.size(), result.file.get())) {

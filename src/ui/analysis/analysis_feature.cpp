@@ -31,6 +31,7 @@ void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const c
         [dock, panel] {
             dock->setVisible(dock->isHidden());
             if (!dock->isHidden()) {
+                dock->raise();
                 panel->TakeKeyboard();
             }
         },

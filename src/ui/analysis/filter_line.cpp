@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 #include <QTextCharFormat>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <string>
@@ -100,6 +101,10 @@ void FilterLine::Remember() {
         settings_.WriteProfileString(transactionSettings, HistoryKey(i), filters[i].toStdString());
     }
     ShowHistory();
+}
+
+void FilterLine::wheelEvent(QWheelEvent* event) {
+    event->ignore();
 }
 
 // What is typed.

@@ -39,6 +39,10 @@ signals:
     /// The user has given another filter, which has no mistake.
     void Changed();
 
+protected:
+    /// A turn of the wheel over the line would choose another filter.
+    void wheelEvent(QWheelEvent* event) override;
+
 private:
     [[nodiscard]] std::variant<TransactionCondition, ExpressionError>
     Parsed(const QString& text) const;

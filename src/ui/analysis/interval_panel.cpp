@@ -273,6 +273,7 @@ bool IntervalPanel::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::KeyPress &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
         if (CTraceView* view = ViewOf(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()))) {
+            view->window()->activateWindow(); // the dock may float
             view->setFocus();
         }
         return true;

@@ -38,7 +38,7 @@ namespace busquill {
 namespace {
 
 /// Selected rows that are found again among other rows.
-constexpr int mostKeptRows = 1000;
+constexpr std::size_t mostKeptRows = 1000;
 /// More would be slow to paste.
 constexpr int mostCopiedRows = 100'000;
 
@@ -282,6 +282,7 @@ void TransactionPanel::Listen(CTesselDoc& document) {
     for (DocumentView* each : document.Views()) {
         if (auto* view = dynamic_cast<CTraceView*>(each)) {
             captures_.at(&document).source = view;
+            view->disconnect(this);
             connect(view, &CTraceView::Updated, this,
                     [this, &document](int hint) { DocumentUpdated(document, hint); });
             connect(view, &QObject::destroyed, this, [this, &document] { SourceGone(document); });
@@ -536,8 +537,9 @@ void TransactionPanel::RememberPlace() {
         table_->visualRect(table_->currentIndex()).bottom() <= table_->viewport()->height();
     capture.currentBelowTop = isVisible ? below : -1;
     capture.selected.clear();
-    for (const int row : SelectedRows()) {
-        if (capture.selected.size() < mostKeptRows) {
+    const std::vector<int> rows = SelectedRows();
+    if (rows.size() <= mostKeptRows) { // rather none than some of them
+        for (const int row : rows) {
             capture.selected.push_back(model.FirstSample(row));
         }
     }
@@ -615,10 +617,16 @@ bool TransactionPanel::eventFilter(QObject* watched, QEvent* event) {
         break;
     case Qt::Key_Escape:
         if (auto* active = dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow())) {
+            active->window()->activateWindow(); // the dock may float
             active->GetActiveView()->setFocus();
         }
         return true;
     default:
+        // A letter would search the first column, and so work out one row after the other.
+        if (watched == table_ && key->key() != Qt::Key_Space && !key->text().isEmpty() &&
+            key->text().front().isPrint()) {
+            return true;
+        }
         break;
     }
     return Panel::eventFilter(watched, event);

@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTableView>
+#include <QWheelEvent>
 #include <QtTest/QTest>
 #include <gmock/gmock.h>
 
@@ -525,6 +526,20 @@ TEST_F(TransactionPanels, CopiesTheSelectedRowsAsTheyAreShown) {
     // In the capture, its picture or its rows.
     QTest::keyClick(&Filter(), Qt::Key_Escape);
     EXPECT_FALSE(Entry("Edit/Copy").isEnabled()) << "no marker is set in the listing";
+}
+
+TEST_F(TransactionPanels, LettersAndTheWheelChangeNothing) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Give("end == retry");
+    Give("wait > 2");
+    ClickRow(3);
+    QTest::keyClick(&Table(), Qt::Key_1);
+    EXPECT_EQ(CurrentRow(), 3);
+    QWheelEvent wheel({5, 5}, Filter().mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&Filter(), &wheel);
+    EXPECT_EQ(Filter().currentText(), "wait > 2");
 }
 
 TEST_F(TransactionPanels, ColumnsAreChosenInTheMenuOnTheTitles) {
