@@ -1,3 +1,4 @@
+#include "analysis/command_labels.h"
 #include "analysis/transaction_condition.h"
 #include "analysis/transaction_follower.h"
 #include "analysis/transaction_totals.h"
@@ -20,7 +21,6 @@
 #include <charconv>
 #include <mutex>
 #include <nlohmann/json.hpp>
-#include <unordered_map>
 
 namespace busquill::cli {
 
@@ -48,29 +48,6 @@ void AppendCell(std::string& line, std::string_view text, std::size_t width, boo
     line += text;
     line.append(isNumber ? 0 : blanks, ' ');
 }
-
-/// The labels of commands, each looked up once.
-class CommandLabels {
-public:
-    explicit CommandLabels(const BusTraffic& traffic) : traffic_(traffic) {}
-
-    /// Empty for a headless transaction.
-    [[nodiscard]] const std::string& Of(const Transaction& transaction) {
-        static const std::string none;
-        if (transaction.isHeadless) {
-            return none;
-        }
-        const auto [label, isNew] = labels_.try_emplace(transaction.command);
-        if (isNew) {
-            label->second = traffic_.NameOf(transaction.command).label;
-        }
-        return label->second;
-    }
-
-private:
-    const BusTraffic& traffic_;
-    std::unordered_map<std::uint32_t, std::string> labels_;
-};
 
 constexpr const char* csvTitles = "number,sample,time,command,address,words,bytes,wait,"
                                   "initiatorWait,latency,end,gap,tag,splitRequest,findings,data";

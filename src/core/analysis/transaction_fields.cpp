@@ -82,18 +82,6 @@ bool HasField(const BusTraffic& traffic, bool hasSplits, TransactionField field)
     }
 }
 
-const std::string& TransactionFields::Command(const Transaction& transaction) {
-    static const std::string none;
-    if (transaction.isHeadless) {
-        return none;
-    }
-    const auto [label, isNew] = labels_.try_emplace(transaction.command);
-    if (isNew) {
-        label->second = traffic_.NameOf(transaction.command).label;
-    }
-    return label->second;
-}
-
 std::string TransactionFields::Text(const Transaction& transaction, TransactionField field) {
     switch (field) {
     case Number:
@@ -103,7 +91,7 @@ std::string TransactionFields::Text(const Transaction& transaction, TransactionF
     case Time:
         return FormatTime(transaction.time, false);
     case TransactionField::Command:
-        return transaction.isHeadless ? "(begun before)" : Command(transaction);
+        return transaction.isHeadless ? "(begun before)" : labels_.Of(transaction);
     case Address: {
         if (!transaction.address || transaction.isHeadless) {
             return {};

@@ -1,16 +1,14 @@
 /// What a table of transactions shows of each, as texts and as keys to sort by.
 #pragma once
 
+#include "analysis/command_labels.h"
 #include "analysis/transaction.h"
 
 #include <cstdint>
 #include <span>
 #include <string>
-#include <unordered_map>
 
 namespace busquill {
-
-class BusTraffic;
 
 enum class TransactionField : std::uint8_t {
     Number,
@@ -49,10 +47,12 @@ struct FieldColumn {
 class TransactionFields {
 public:
     /// The traffic outlives it.
-    explicit TransactionFields(const BusTraffic& traffic) : traffic_(traffic) {}
+    explicit TransactionFields(const BusTraffic& traffic) : traffic_(traffic), labels_(traffic) {}
 
     /// The label of the command; empty for a headless transaction.
-    [[nodiscard]] const std::string& Command(const Transaction& transaction);
+    [[nodiscard]] const std::string& Command(const Transaction& transaction) {
+        return labels_.Of(transaction);
+    }
     /// Empty where a transaction does not have the field.
     [[nodiscard]] std::string Text(const Transaction& transaction, TransactionField field);
     /// In the order of the values, 0 where a transaction does not have the field.
@@ -61,7 +61,7 @@ public:
 
 private:
     const BusTraffic& traffic_;
-    std::unordered_map<std::uint32_t, std::string> labels_;
+    CommandLabels labels_;
 };
 
 } // namespace busquill

@@ -35,6 +35,15 @@ protected:
         ASSERT_TRUE(Complete());
         ASSERT_GT(Trace().SampleCount(false), 500);
     }
+    /// The second run ends without samples.
+    void CaptureTwiceAndLoseTheSecond() {
+        Connect({"--buffer", "4", "--rate", "1000"});
+        Capture();
+        Go();
+        board->Fault("silence");
+        ASSERT_TRUE(RunUntil([&] { return !Running(); }));
+        ASSERT_EQ(Trace().SampleCount(false), 0);
+    }
     /// Clicks a line's cell in the dialog of an entry until it shows `text`.
     template <class Dialog>
     void SetCell(const QString& entry, const std::string& line, const std::string& text) {
@@ -137,24 +146,14 @@ TEST_F(LiveSearch, TheFilterHidesAndTheFilteredCaptureCanBeSaved) {
 }
 
 TEST_F(LiveSearch, AfterARunWithoutSamplesTheFilterHasNothingToShow) {
-    Connect({"--buffer", "4", "--rate", "1000"});
-    Capture();
-    Go();
-    board->Fault("silence");
-    ASSERT_TRUE(RunUntil([&] { return !Running(); }));
-    ASSERT_EQ(Trace().SampleCount(false), 0);
+    ASSERT_NO_FATAL_FAILURE(CaptureTwiceAndLoseTheSecond());
     SetCell<CFilterPatternDlg>("Search/Filter", "FRAME", "0");
     EXPECT_EQ(Trace().RowCount(false), 0) << "the samples of the previous capture are gone";
     EXPECT_FALSE(Trace().IsFiltered());
 }
 
 TEST_F(LiveSearch, WithoutSamplesNothingIsExported) {
-    Connect({"--buffer", "4", "--rate", "1000"});
-    Capture();
-    Go();
-    board->Fault("silence");
-    ASSERT_TRUE(RunUntil([&] { return !Running(); }));
-    ASSERT_EQ(Trace().SampleCount(false), 0);
+    ASSERT_NO_FATAL_FAILURE(CaptureTwiceAndLoseTheSecond());
     prompts.Forget();
     AnswerDialog<QFileDialog>([&] { Choose("File/Save As..."); },
                               [&](QFileDialog& files) { GiveFileName(files, dir.File("no.csv")); });
