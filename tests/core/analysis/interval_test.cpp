@@ -76,6 +76,14 @@ TEST_F(Interval, FromAnAddressToTheNextIsOneTransaction) {
     EXPECT_EQ(one.time, 80);
 }
 
+TEST_F(Interval, DoesNotCountATransactionThatBeganBefore) {
+    TakeTwoBursts();
+    const IntervalFigures rest = Figures(4, 10);
+    EXPECT_EQ(rest.transactions, 0U);
+    EXPECT_EQ(rest.bytes, 0U);
+    EXPECT_EQ(Figures(4, 17).transactions, 1U);
+}
+
 TEST_F(Interval, NeighboursAddUp) {
     const auto recording = boardsim::RecordDeeds(boardsim::Family::Pci32, 3, 5000, 2500, 0);
     records.clear();
@@ -141,6 +149,7 @@ TEST_F(Interval, CountsTheEdgesOfALineAndTheChangesOfAGroup) {
     TakeTwoBursts();
     EXPECT_EQ(Edges("FRAME", 0, 17), (EdgeCount{4, 2, 2}));
     EXPECT_EQ(Edges("FRAME", 17, 0), (EdgeCount{4, 2, 2}));
+    EXPECT_EQ(Edges("FRAME", 1, 6), (EdgeCount{2, 1, 1}));
     EXPECT_EQ(Edges("FRAME", 2, 6), (EdgeCount{1, 1, 0})) << "the edge into the first is not in it";
     absent.Assign(6, true);
     EXPECT_EQ(Edges("FRAME", 0, 17), (EdgeCount{3, 1, 2})) << "where it rises is not known";
