@@ -82,6 +82,8 @@ TEST_F(Interval, DoesNotCountATransactionThatBeganBefore) {
     EXPECT_EQ(rest.transactions, 0U);
     EXPECT_EQ(rest.bytes, 0U);
     EXPECT_EQ(Figures(4, 17).transactions, 1U);
+    absent.Assign(3, true); // or among missing samples
+    EXPECT_EQ(Figures(4, 17).transactions, 1U);
 }
 
 TEST_F(Interval, NeighboursAddUp) {
