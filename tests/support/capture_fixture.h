@@ -10,16 +10,20 @@ namespace busquill::test {
 /// Holds up the board at a read of samples until it is opened.
 class Gate {
 public:
-    void AwaitReached() { reached_.get_future().wait(); }
-    void Open() { open_.set_value(); }
+    void AwaitReached() { state_->reached.get_future().wait(); }
+    void Open() { state_->open.set_value(); }
     void Pass() {
-        reached_.set_value();
-        open_.get_future().wait();
+        state_->reached.set_value();
+        state_->open.get_future().wait();
     }
 
 private:
-    std::promise<void> reached_;
-    std::promise<void> open_;
+    struct State {
+        std::promise<void> reached;
+        std::promise<void> open;
+    };
+    // Shared by copies: the link's thread may reach the gate when the test has already ended.
+    std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 /// A board's store on a scripted wire. The samples on the wire hold their position: the first two
@@ -72,7 +76,7 @@ protected:
     /// The first read of samples, or the first read equal to `at`, stops at the gate.
     void StopAt(Gate& gate, std::optional<WireBoard::SampleRead> at = std::nullopt) {
         line->Do([&] {
-            board.onSampleRead = [&gate, at, passed = false](const auto& read) mutable {
+            board.onSampleRead = [gate, at, passed = false](const auto& read) mutable {
                 if (!passed && read == at.value_or(read)) {
                     passed = true;
                     gate.Pass();
