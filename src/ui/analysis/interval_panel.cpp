@@ -187,11 +187,10 @@ void IntervalPanel::Begin(const Source& source) {
     const auto from = static_cast<std::size_t>(source.from);
     count_->next = from;
     if (!source.isZoom) {
-        const std::int32_t clock = source.document->setup.clock;
         count_->absent = AbsentSamples(*source.document);
         count_->walk.emplace(board_, parts_.analyzer.Tables(), from,
                              static_cast<std::size_t>(source.to),
-                             clock == clockOfBus || clock == clockSync);
+                             source.document->sampling.atBusClock);
     }
     for (const auto& signal : source.list->All()) {
         if (IsCounted(*signal)) {
@@ -305,6 +304,8 @@ void IntervalPanel::ShowTransactions(const IntervalFigures& figures) {
     if (figures.hasGaps) {
         note_->setText(
             "Samples between the markers are missing, so time and counts are too small.");
+    } else if (!source_->document->sampling.storedAll) {
+        note_->setText("The setup did not store every sample, so counts may be too small.");
     }
 }
 

@@ -540,6 +540,9 @@ void TransactionPanel::ShowState() {
         summary += QString(summary.isEmpty() ? "%1 %" : "; looking for transactions, %1 %")
                        .arg(model->Progress());
     }
+    if (hasRows && !document_->sampling.storedAll) {
+        summary += "; the setup did not store every sample";
+    }
     summary_->setText(summary);
     summary_->setToolTip(summary); // for a window too narrow for the text
     filter_->setEnabled(model != nullptr && model->Traffic() != nullptr);
