@@ -2,6 +2,7 @@
 
 #include "analysis/interval.h"
 #include "capture/analyzer.h"
+#include "capture/missing_samples.h"
 #include "capture/trace_document.h"
 #include "platform/text.h"
 #include "signals/cell_text.h"
@@ -229,8 +230,7 @@ void IntervalPanel::AddFigures(const CTesselDoc& document, const Source& source)
         AddLine("Throughput", throughput ? WithPrefix(*throughput, "B/s") : "-");
     }
     if (figures.hasGaps) {
-        note_->setText(
-            "Samples between the markers are missing, so time and counts are too small.");
+        note_->setText(QString("Samples between the markers %1.").arg(areMissing));
     }
 }
 
