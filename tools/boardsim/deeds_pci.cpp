@@ -103,7 +103,8 @@ private:
         }
         Deed& deed = deeds_.emplace_back();
         deed.command = CommandText(plan.command, pciX_, plan.dual);
-        deed.address = AddressText(plan.address, plan.dual ? 16 : 8);
+        const bool hasAddress = plan.command != cmdIntAck && plan.command != cmdSpecial;
+        deed.address = hasAddress ? AddressText(plan.address, plan.dual ? 16 : 8) : "";
         deed.end = EndText(plan.way);
         deed.first = deed.addressToldBy = Clock(record);
         if (plan.dual) {
@@ -424,9 +425,8 @@ private:
         const unsigned words = plan.way == Way::WithData ? plan.at + 1 : plan.words;
         for (unsigned word = 0; word < words; ++word) {
             const bool stops = plan.way == Way::WithData && word + 1 == words;
-            // A target that takes one word only ends without DEVSEL.
+            // A target that takes one word only ends without DEVSEL and ACK64.
             Record now = stops && words == 1 ? lines : claimed;
-            SetBit(now, bitAck64, !plan.isWide);
             unsigned lanes = attributeLanes;
             if (isBlock) {
                 const unsigned bytes = std::min(width - offset, announced);

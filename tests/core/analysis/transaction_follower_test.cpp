@@ -180,6 +180,37 @@ TEST_F(PciTransactions, DoNotGuessTheEndOfAddressPhasesThatWereStoredAlone) {
                 ElementsAre(TransactionEnd::Unknown, TransactionEnd::Unknown));
 }
 
+TEST_F(PciTransactions, TellNoAddressWhereTheLinesCarryNone) {
+    for (const std::uint32_t code : {0xF0U, 0xF1U, 0x0DU, 0x1DU}) { // the last two in 64 bits
+        Waves waves = Read("~____~~");
+        waves.Line("IRDY", "~~____~").Line("REQ64", "~____~~");
+        const auto transactions = Address(waves, 1, code, 0x1000).Transactions();
+        ASSERT_EQ(transactions.size(), 1U);
+        EXPECT_FALSE(transactions[0].isHeadless);
+        EXPECT_EQ(transactions[0].address, std::nullopt) << code;
+    }
+}
+
+TEST_F(PciTransactions, AreSeenOneByOneWhereNoAddressPhaseIsStored) {
+    // A burst of two words, one of three, one word, and two bursts whose last words are not stored.
+    const auto transactions = Waves(bus)
+                                  .Line("FRAME", "_~__~~_~_~")
+                                  .Line("IRDY", "__________")
+                                  .Line("TRDY", "_______~_~")
+                                  .Line("DEVSEL", "__________")
+                                  .Transactions();
+    std::vector<std::pair<std::int64_t, std::int64_t>> samples;
+    for (const Transaction& each : transactions) {
+        EXPECT_TRUE(each.isHeadless);
+        samples.emplace_back(each.sample, each.lastSample);
+    }
+    EXPECT_THAT(samples, ElementsAre(std::pair(0, 1), std::pair(2, 4), std::pair(5, 5),
+                                     std::pair(6, 7), std::pair(8, 9)));
+    EXPECT_THAT(Ends(transactions), ElementsAre(TransactionEnd::CutOff, TransactionEnd::Unknown,
+                                                TransactionEnd::Unknown, TransactionEnd::Unknown,
+                                                TransactionEnd::CutOff));
+}
+
 TEST_F(PciTransactions, AreCutOffAtBothEndsOfTheCapture) {
     const auto transactions = Read("______~__")
                                   .Line("IRDY", "______~~_")
