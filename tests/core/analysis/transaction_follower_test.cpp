@@ -516,6 +516,7 @@ TEST_F(VmeTransactions, MoveDataOnBothEdgesOf2eVme) {
     Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x01);
     const auto transactions = waves.Line("WRITE", writes)
                                   .At(5, "AD", 0x80) // the lower part of the address
+                                  .At(5, "LWORD", 0)
                                   .At(9, "AD", 0xAABBCCDD)
                                   .Transactions();
     ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
@@ -531,7 +532,8 @@ TEST_F(VmeTransactions, MoveDataOnBothEdgesOf2eVme) {
 TEST_F(VmeTransactions, DoNotTakeTheAcknowledgeOfTheOneBeforeForA2eVmeAddress) {
     // DTACK of the transaction before rises only after the address strobe has fallen.
     Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, "_~~__~~__~~__~~__~~~", 0x01);
-    const auto transactions = waves.Line("WRITE", writes).At(5, "AD", 0x80).Transactions();
+    const auto transactions =
+        waves.Line("WRITE", writes).At(5, "AD", 0x80).At(5, "LWORD", 0).Transactions();
     ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
     EXPECT_EQ(transactions[0].address, 0x12345680U);
     EXPECT_EQ(transactions[0].dataPhases, 4U);
@@ -576,6 +578,39 @@ TEST_F(VmeTransactions, MoveTheBeatInTheSampleOfA2eVmeRefusal) {
         ASSERT_THAT(Ends(transactions), ElementsAre(end)) << line;
         EXPECT_EQ(transactions[0].dataPhases, 4U) << line;
     }
+}
+
+TEST_F(VmeTransactions, MoveBeatsOf2eSstThatWereUnderWayAtARetry) {
+    const auto beats = [&](const char* line, const char* wave, std::uint32_t extended) {
+        // The data strobe has its edges in samples 8, 10, 12 and 14.
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats,
+                              extended == 0x11 ? addressAcknowledged : acknowledged, extended);
+        const auto transactions = waves.Line("WRITE", writes).Line(line, wave).Transactions();
+        EXPECT_EQ(transactions.size(), 1U);
+        return std::pair(transactions.at(0).end, transactions.at(0).dataPhases);
+    };
+    using enum TransactionEnd;
+    EXPECT_EQ(beats("RETRY", "~~~~~~~~~~~_______~~", 0x11), std::pair(DisconnectWithData, 4UL));
+    EXPECT_EQ(beats("RETRY", "~~~~~~~~~~~_______~~", 0x01), std::pair(DisconnectWithData, 2UL));
+    EXPECT_EQ(beats("RETRY", "~~~~~~~___________~~", 0x11), std::pair(Retry, 0UL))
+        << "nothing had moved: all will come again";
+    EXPECT_EQ(beats("BERR", "~~~~~~~~~~~_______~~", 0x11), std::pair(BusError, 2UL));
+}
+
+TEST_F(VmeTransactions, TakeA0OfA2eVmeAddressFromLword) {
+    // An address of 64 bits: the extended modifier is 2, whatever the line of AD[0] shows.
+    for (const std::uint32_t extended : {0x02U, 0x03U}) {
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, extended);
+        for (std::size_t i = 0; i < waves.Records().size(); ++i) {
+            waves.Word(i, "AD", 0x0000ABCD'12345600 | extended);
+        }
+        const auto transactions =
+            waves.Set("LWORD", 0).Word(5, "AD", 0x81).Transactions(); // the lowest byte
+        ASSERT_EQ(transactions.size(), 1U);
+        EXPECT_EQ(transactions[0].address, 0x0000ABCD'12345680U) << extended;
+    }
+    Waves narrow = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x00);
+    EXPECT_EQ(narrow.Set("LWORD", 1).Word(5, "AD", 0x80).Transactions().at(0).address, 0x12345681U);
 }
 
 TEST_F(VmeTransactions, TellNoAddressThatIsNotWhole) {
