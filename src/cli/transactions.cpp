@@ -381,8 +381,8 @@ std::optional<TransactionCondition> ConditionOf(const Options& options, const Bu
 
 /// Follows one capture. Calls `take` with each transaction that the options select.
 template <typename Take>
-void FollowCapture(const Options& options, const ReportedCapture& capture, Bus& bus,
-                   TransactionFollower& follower, Take take) {
+void FollowCapture(const Options& options, CaptureReport& report, const ReportedCapture& capture,
+                   Bus& bus, TransactionFollower& follower, Take take) {
     const BusTraffic& traffic = *follower.Traffic();
     TraceInput input(capture.path, bus.Tables());
     input.ReadHead();
@@ -395,20 +395,19 @@ void FollowCapture(const Options& options, const ReportedCapture& capture, Bus& 
             }
         });
     if (!StoresAll(input.Stream().setup)) {
-        Say(input.Name() + ": its setup does not store every sample; transactions are told as far "
-                           "as they were stored");
+        report.NotePartlyStored(capture);
     }
     if (hasGaps) {
-        Say(input.Name() + ": samples of the capture are missing; where they are, a transaction "
-                           "ends as unknown, and later times are too short by theirs");
+        Say(SamplesAreMissing(input.Name()));
     }
 }
 
-TransactionTotals TotalsOf(const Options& options, const ReportedCapture& capture) {
+TransactionTotals TotalsOf(const Options& options, CaptureReport& report,
+                           const ReportedCapture& capture) {
     Bus bus(options.bus);
     TransactionFollower follower(bus.Board(), bus.Tables());
     TransactionTotals totals;
-    FollowCapture(options, capture, bus, follower,
+    FollowCapture(options, report, capture, bus, follower,
                   [&](const Transaction& each) { totals.Add(each); });
     return totals;
 }
@@ -419,7 +418,7 @@ int ReportSummary(const Options& options, const BusTraffic& traffic) {
     if (FormatOf(options) == Format::Json) {
         report.ForEach([&](const ReportedCapture& capture, TextSink& result) {
             const std::string summary =
-                JsonLine(SummaryAsJson(TotalsOf(options, capture), traffic));
+                JsonLine(SummaryAsJson(TotalsOf(options, report, capture), traffic));
             result.Write(capture.JsonBegin() + summary.substr(1) + "\n");
             return true;
         });
@@ -428,7 +427,7 @@ int ReportSummary(const Options& options, const BusTraffic& traffic) {
     std::mutex mutex;
     TransactionTotals all;
     report.ForEach([&](const ReportedCapture& capture, TextSink& /*result*/) {
-        const TransactionTotals totals = TotalsOf(options, capture);
+        const TransactionTotals totals = TotalsOf(options, report, capture);
         const std::lock_guard lock(mutex);
         all.Add(totals);
         return true;
@@ -452,7 +451,7 @@ int ReportTransactions(const Options& options, const BusTraffic& traffic, bool h
             follower.KeepWords(static_cast<std::size_t>(options.words));
             TransactionWriter writer(result, format, capture, *follower.Traffic(), hasSplits);
             bool any = false;
-            FollowCapture(options, capture, bus, follower, [&](const Transaction& each) {
+            FollowCapture(options, report, capture, bus, follower, [&](const Transaction& each) {
                 writer.Add(each);
                 any = true;
             });

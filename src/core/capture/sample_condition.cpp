@@ -381,6 +381,13 @@ bool SampleCondition::NeedsTimes() const noexcept {
         operations_, [](const Operation& each) { return each.step == Step::SinceTriggerInRange; });
 }
 
+const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
+    if (i == 0) {
+        return block.before;
+    }
+    return block.numbers[i] == block.numbers[i - 1] + 1 ? &block.records[i - 1] : nullptr;
+}
+
 namespace {
 
 template <typename Condition>
@@ -390,14 +397,6 @@ std::uint32_t EachWhere(std::size_t count, Condition condition) {
         matches |= static_cast<std::uint32_t>(condition(i)) << i;
     }
     return matches;
-}
-
-/// The sample before one of the block; null if it is missing.
-const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
-    if (i == 0) {
-        return block.before;
-    }
-    return block.numbers[i] == block.numbers[i - 1] + 1 ? &block.records[i - 1] : nullptr;
 }
 
 bool Differ(const SampleRecord& a, const SampleRecord& b, const SampleRecord& care) noexcept {

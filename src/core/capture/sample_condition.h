@@ -24,6 +24,10 @@ struct SampleBlock {
     std::span<const std::int64_t> times{}; // since the trigger, for conditions that need them
 };
 
+/// The sample numbered before one of the block, which may be of any length here; null if it is
+/// missing.
+[[nodiscard]] const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept;
+
 /// A condition on samples, such as
 ///
 ///     FRAME falls and COMMAND == "Mem*" and not (ADDRESS32 in 0x1000..0x1FFF or INTA == 0)

@@ -1,6 +1,7 @@
 #include "ui/analysis/interval_panel.h"
 
 #include "capture/analyzer.h"
+#include "capture/missing_samples.h"
 #include "capture/trace_document.h"
 #include "signals/cell_text.h"
 #include "signals/value_text.h"
@@ -302,8 +303,7 @@ void IntervalPanel::ShowTransactions(const IntervalFigures& figures) {
                            : Line("Throughput", "-"));
     }
     if (figures.hasGaps) {
-        note_->setText(
-            "Samples between the markers are missing, so time and counts are too small.");
+        note_->setText(QString("Samples between the markers %1.").arg(areMissing));
     } else if (!source_->document->sampling.storedAll) {
         note_->setText("The setup did not store every sample, so counts may be too small.");
     }
