@@ -48,6 +48,7 @@ public:
         found.name = name;
         found.id = static_cast<std::size_t>(field - transactionFields.begin());
         found.values = ValuesOf(found.id);
+        found.isHex = found.id == FieldAddress;
         if (found.id == FieldEnd) {
             for (std::size_t i = 0; i < transactionEndCount; ++i) {
                 found.labels.emplace_back(NameOf(static_cast<TransactionEnd>(i)));

@@ -36,6 +36,7 @@ struct ExpressionName {
     Values values = Values::Count;
     Edges edges = Edges::None;
     std::size_t width = 64;
+    bool isHex = false; // digits without a prefix are hexadecimal, as the user sees the values
     std::vector<std::string> labels;
     std::size_t id = 0; // whatever the owner of the names wants
 };

@@ -168,50 +168,92 @@ std::string ExpressionReader::TakeQuoted(const std::string& what) {
     return std::string(text);
 }
 
-ExpressionNumber ExpressionReader::TakeDigits() {
-    const std::size_t place = Place();
-    ExpressionNumber number;
-    number.isNegative = TakeSign("-");
-    const bool isHex = TakeSign("0x") || TakeSign("0X");
-    const bool isBinary = !isHex && (TakeSign("0b") || TakeSign("0B"));
-    const std::size_t digitBits = isHex ? 4 : 1;
-    const std::uint64_t base = isHex ? 16 : isBinary ? 2 : 10;
-    bool any = false;
+std::uint64_t ExpressionReader::TakeBase(bool isHex) {
+    if (TakeSign("0x") || TakeSign("0X")) {
+        return 16;
+    }
+    if (TakeSign("0b") || (!isHex && TakeSign("0B"))) {
+        return 2;
+    }
+    return isHex ? 16 : 10;
+}
+
+std::size_t ExpressionReader::TakeDigits(ExpressionNumber& number, std::size_t place) {
+    const std::size_t digitBits = number.base == 16 ? 4 : 1;
+    std::size_t count = 0;
     for (; at_ < text_.size(); ++at_) {
         const char c = Lower(text_[at_]);
-        if (c == '_' && any) {
+        if (c == '_' && count != 0) {
             continue;
         }
-        const bool isX = base != 10 && c == 'x';
-        const bool isHexDigit = isHex && c >= 'a' && c <= 'f';
-        const bool isDecimal = IsDigit(c) && (!isBinary || c <= '1');
+        const bool isX = number.base != 10 && c == 'x';
+        const bool isHexDigit = number.base == 16 && c >= 'a' && c <= 'f';
+        const bool isDecimal = IsDigit(c) && (number.base != 2 || c <= '1');
         if (!isX && !isHexDigit && !isDecimal) {
             break;
         }
         const int worth = isX ? 0 : isHexDigit ? c - 'a' + 10 : c - '0';
         const auto digit = static_cast<std::uint64_t>(worth);
-        if (number.value > (~std::uint64_t{0} - digit) / base) {
+        if (number.value > (~std::uint64_t{0} - digit) / number.base) {
             Fail("the number is too large", place);
-            return number;
+            break;
         }
-        number.value = number.value * base + digit;
-        if (base != 10) {
+        number.value = number.value * number.base + digit;
+        if (number.base != 10) {
             // Bits shifted out above stand for digits that are not written.
-            number.known = number.known << digitBits | (isX ? 0 : base - 1);
+            number.known = number.known << digitBits | (isX ? 0 : number.base - 1);
             number.writtenBits += digitBits;
         }
-        any = true;
+        ++count;
     }
-    if (any && base == 10 && at_ < text_.size() && Lower(text_[at_]) == 'x') {
-        Fail("a number with X begins with 0x or 0b", place);
+    return count;
+}
+
+namespace {
+
+const char* ExpectedNumber(std::uint64_t base) {
+    switch (base) {
+    case 2:
+        return "expected a binary number";
+    case 16:
+        return "expected a hexadecimal number";
+    default:
+        return "expected a number";
     }
-    if (!any || (at_ < text_.size() && base != 10 && IsInName(text_[at_]))) {
-        Fail(isBinary ? "expected a binary number" : "expected a number", place);
+}
+
+} // namespace
+
+ExpressionNumber ExpressionReader::TakeNumber(bool isHex) {
+    const std::size_t place = Place();
+    ExpressionNumber number;
+    number.isNegative = TakeSign("-");
+    number.base = TakeBase(isHex);
+    if (TakeDigits(number, place) == 0) {
+        Fail(ExpectedNumber(number.base), place);
     }
-    if (base == 10) {
+    if (number.base == 10) {
+        if (Ahead(0) == '.' && IsDigit(Ahead(1))) { // two points belong to a range
+            ++at_;
+            number.decimals = TakeDigits(number, place);
+        }
         number.writtenBits = std::max(1, static_cast<int>(std::bit_width(number.value)));
     }
     return number;
+}
+
+void ExpressionReader::EndNumber(const ExpressionNumber& number, std::size_t place) {
+    const bool isAfterBlank = at_ != 0 && !IsInName(text_[at_ - 1]);
+    const char next = isAfterBlank ? ' ' : Lower(Ahead(0));
+    if (number.base == 10 && next == 'x') {
+        Fail("a number with X begins with 0x or 0b", place);
+    }
+    if (number.base == 10 && next >= 'a' && next <= 'f') {
+        Fail("a hexadecimal number begins with 0x", place);
+    }
+    if (IsInName(next)) {
+        Fail(ExpectedNumber(number.base), place);
+    }
 }
 
 } // namespace busquill

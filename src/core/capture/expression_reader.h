@@ -18,6 +18,9 @@ struct ExpressionNumber {
     std::uint64_t value = 0;
     std::uint64_t known = ~std::uint64_t{0}; // bits that are not X
     std::size_t writtenBits = 0;
+    std::size_t decimals = 0;    // the last digits of the value, behind the point
+    std::uint64_t lastDigit = 1; // what it is worth: of 1.50us, 10 ns
+    std::uint64_t base = 10;
     bool isNegative = false;
 
     [[nodiscard]] bool HasX() const noexcept { return known != ~std::uint64_t{0}; }
@@ -59,11 +62,22 @@ public:
     [[nodiscard]] std::string TakeName();
     /// The text in double quotes, which must not be empty. `what` it is, for the mistake.
     [[nodiscard]] std::string TakeQuoted(const std::string& what);
-    /// Decimal, binary with "0b", or hexadecimal with "0x". "_" may be between digits.
-    [[nodiscard]] ExpressionNumber TakeDigits();
+    /// Decimal, binary with "0b", or hexadecimal with "0x". "_" may be between digits. With
+    /// `isHex`, digits without a prefix are hexadecimal, and so is "0B": listings write digits in
+    /// upper case.
+    [[nodiscard]] ExpressionNumber TakeNumber(bool isHex);
+    /// Fails if letters or digits follow the number without a blank.
+    void EndNumber(const ExpressionNumber& number, std::size_t place);
 
 private:
     void SkipBlanks();
+    [[nodiscard]] std::uint64_t TakeBase(bool isHex);
+    /// Adds digits to a number; returns how many.
+    std::size_t TakeDigits(ExpressionNumber& number, std::size_t place);
+    /// The character so far ahead; 0 at the end.
+    [[nodiscard]] char Ahead(std::size_t count) const noexcept {
+        return at_ + count < text_.size() ? text_[at_ + count] : '\0';
+    }
 
     std::string_view text_;
     std::size_t at_ = 0;

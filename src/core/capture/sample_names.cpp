@@ -85,6 +85,9 @@ std::optional<ExpressionName> SampleNames::Find(std::string_view name) {
         found.edges = IsShownInPhase(*signal, Board()) ? Edges::None
                       : found.width == 1               ? Edges::All
                                                        : Edges::Changes;
+        const bool showsLabels = signal->decoded && signal->decoded->ReadsAsLabel();
+        // Up to three lines look the same in both.
+        found.isHex = !showsLabels && found.width > 3;
         if (signal->decoded && signal->decoded->Positions().size() == found.width) {
             found.labels = LabelsOf(*signal->decoded);
         }

@@ -1,4 +1,6 @@
+#include "analysis/bus_traffic.h"
 #include "analysis/transaction_condition.h"
+#include "analysis/transaction_fields.h"
 #include "support/board_tables.h"
 
 #include <gmock/gmock.h>
@@ -75,6 +77,53 @@ TEST(TransactionConditions, CompareAddressesOf64Bits) {
     EXPECT_TRUE(Holds("address > 0xFFFFFFFF", wide));
     EXPECT_TRUE(Holds("address == 0xFFFFFFFF_0000001X", wide));
     EXPECT_FALSE(Holds("address == 0x1X", wide));
+}
+
+TEST(TransactionConditions, FindTheTransactionOfACellThatIsTypedBack) {
+    const BoardTables board("PCIKite-1");
+    const auto traffic = MakeBusTraffic(board.board, board.tables);
+    TransactionFields fields(*traffic);
+    for (const std::int64_t time : {7, 999, 1000, 62'109, 108'499, 999'999, 1'234'567, 59'999'999,
+                                    108'000'000, 1'999'999'999}) {
+        Transaction each = Read();
+        each.time = time;
+        each.gap = time / 2;
+        each.firstData = 2 * time;
+        each.address = 0x0B10'1000 + static_cast<std::uint64_t>(time);
+        const auto holds = [&](const char* name, TransactionField field) {
+            const std::string text = std::string(name) + " == " + fields.Text(each, field);
+            EXPECT_TRUE(Holds(text, each)) << text << " for " << time;
+            Transaction other = each;
+            other.time *= 2;
+            other.gap = *each.gap * 2 + 1;
+            other.firstData = 5 * time;
+            other.address = *each.address << 4;
+            EXPECT_FALSE(Holds(text, other)) << text << " for another";
+        };
+        holds("time", TransactionField::Time);
+        holds("gap", TransactionField::Gap);
+        holds("latency", TransactionField::Latency);
+        holds("address", TransactionField::Address);
+    }
+}
+
+TEST(TransactionConditions, TakeAddressesInHexadecimalDigits) {
+    for (const char* text : {"address == FEBF1234", "address == febf_12xx",
+                             "address in FEBF1000..febf1fff", "address > 10000000"}) {
+        EXPECT_TRUE(Holds(text)) << text;
+    }
+    Transaction low = Read();
+    low.address = 0x1000;
+    EXPECT_TRUE(Holds("address == 1000", low));
+    EXPECT_FALSE(Holds("address == 4096", low));
+    EXPECT_FALSE(Holds("bytes == 10")) << "counts are decimal";
+}
+
+TEST(TransactionConditions, TakeTimesWithDecimals) {
+    EXPECT_TRUE(Holds("latency > 0.2us and latency < 0.25us"));
+    EXPECT_TRUE(Holds("time in 2.5us..0.0035ms"));
+    EXPECT_TRUE(Holds("latency == 0.24us and latency == 0.2us and latency != 0.25us"));
+    EXPECT_FALSE(Holds("latency > 0.24us"));
 }
 
 TEST(TransactionConditions, CompareCommandsAndEnds) {
@@ -196,7 +245,7 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"wait > 4 also end == retry", 9, "expected \"and\" or \"or\""},
              Case{"wait 4", 5, "expected ==, !=, <, <=, >, >= or in"},
              Case{"wait > x", 7, "expected a number"},
-             Case{"wait == 0x", 8, "expected a number"},
+             Case{"wait == 0x", 8, "expected a hexadecimal number"},
              Case{"wait > 0xX", 7, "a number with X can only be compared with == and !="},
              Case{"wait in 5", 9, "expected \"..\""},
              Case{"wait in 5..4", 8, "the range ends before it begins"},
@@ -209,6 +258,13 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"command == \"Mem", 15, "expected \" at the end"},
              Case{"end == retri", 7, "expected an end: retry, "},
              Case{"gap == 0xX", 7, "a time has no X"},
+             Case{"gap == 1.5", 7, "a time with decimals has a unit: ns, us, ms or s"},
+             Case{"gap == 1.5ns", 7, "a time is a whole number of ns"},
+             Case{"gap == 0.0001us", 7, "a time is a whole number of ns"},
+             Case{"time > 9999999999.5s", 7, "the number is too large"},
+             Case{"wait > 1.5", 7, "wait is a whole number"},
+             Case{"wait > 1F", 7, "a hexadecimal number begins with 0x"},
+             Case{"address == FEBG0000", 11, "expected a hexadecimal number"},
              Case{"gap == 1X", 7, "a number with X begins with 0x or 0b"},
              Case{"bytes == 0b12", 9, "expected a binary number"},
              Case{"words > 5us", 9, "words is not a time and takes no unit"},
