@@ -8,7 +8,7 @@ namespace busquill::cli {
 void WrongWhere(const std::string& text, const ExpressionError& error) {
     const std::string rest = text.substr(error.place);
     WrongUse(Printf("--where is wrong at %s: %s",
-                    rest.empty() ? "its end" : ("\"" + rest + "\"").c_str(),
+                    rest.empty() ? "its end" : ("\"" + Shortened(rest) + "\"").c_str(),
                     error.message.c_str()));
 }
 

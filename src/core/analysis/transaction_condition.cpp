@@ -40,12 +40,13 @@ public:
 
     [[nodiscard]] std::string_view Kind() const override { return "a field"; }
     [[nodiscard]] std::optional<ExpressionName> Find(std::string_view name) override {
-        const auto field = std::ranges::find(transactionFields, name);
+        const auto field = std::ranges::find_if(
+            transactionFields, [&](auto each) { return EqualIgnoringCase(each, name); });
         if (field == transactionFields.end()) {
             return std::nullopt;
         }
         ExpressionName found;
-        found.name = name;
+        found.name = *field;
         found.id = static_cast<std::size_t>(field - transactionFields.begin());
         found.values = ValuesOf(found.id);
         found.isHex = found.id == FieldAddress;
@@ -63,7 +64,7 @@ public:
         const bool isSignal = bus_.tables != nullptr && FindSignal(name, *bus_.tables, {});
         return isSignal ? Printf("\"%s\" is a signal of samples; transactions have fields, such as "
                                  "command, address, wait and end",
-                                 std::string(name).c_str())
+                                 Shortened(name).c_str())
                         : "";
     }
 

@@ -26,7 +26,7 @@ using Number = ExpressionNumber;
 ///
 ///     either = both { "or" both }
 ///     both   = one { "and" one }
-///     one    = "not" one | "(" either ")" | name [ test ]
+///     one    = { "not" } ( "(" either ")" | name [ test ] )
 ///     test   = sign value | "in" number ".." number | "rises" | "falls" | "changes"
 class ExpressionParser {
 public:
@@ -47,9 +47,9 @@ public:
     }
 
 private:
-    static constexpr int deepest = 30;
-    // Two results wait in each depth, for "or" and for "and".
-    static_assert(ParsedExpression::mostResults >= 2 * deepest + 1);
+    static constexpr int deepest = 29;
+    // Two results wait in each depth and outside, for "or" and for "and".
+    static_assert(ParsedExpression::mostResults >= 2 * (deepest + 1) + 1);
 
     [[nodiscard]] bool HasFailed() const noexcept { return reader_.Error().has_value(); }
 
@@ -85,23 +85,32 @@ private:
         }
     }
     void One() {
+        OfferNames();
+        bool isInverse = false;
+        while (reader_.TakeWord("not")) {
+            isInverse = !isInverse;
+            OfferNames();
+        }
+        if (reader_.Sees("(")) {
+            InParentheses();
+        } else {
+            NameAndTest();
+        }
+        if (isInverse) {
+            Add(ParsedExpression::Step::Not);
+        }
+    }
+    void InParentheses() {
         if (depth_ == deepest) {
             reader_.Fail("too many parentheses inside each other");
             return;
         }
         ++depth_;
-        OfferNames();
-        if (reader_.TakeWord("not")) {
-            One();
-            Add(ParsedExpression::Step::Not);
-        } else if (reader_.TakeSign("(")) {
-            Either();
-            Offer({")"});
-            if (!HasFailed() && !reader_.TakeSign(")")) {
-                reader_.Fail("expected \")\"");
-            }
-        } else {
-            NameAndTest();
+        reader_.TakeSign("(");
+        Either();
+        Offer({")"});
+        if (!HasFailed() && !reader_.TakeSign(")")) {
+            reader_.Fail("expected \")\"");
         }
         --depth_;
     }
@@ -136,7 +145,7 @@ private:
             std::string message = names_.BelongsElsewhere(written);
             if (message.empty()) {
                 const std::size_t article = kind.find(' ') + 1;
-                message = "there is no " + kind.substr(article) + " \"" + written +
+                message = "there is no " + kind.substr(article) + " \"" + Shortened(written) +
                           "\": " + ListNearest(written, WrittenNames());
             }
             reader_.Fail(std::move(message), place);
@@ -246,8 +255,8 @@ private:
                 labels.push_back(Quoted(label, '"'));
             }
             // Compared with its quotes, as the labels are.
-            reader_.Fail(test.name.name + " has no label \"" + test.text +
-                             "\": " + ListNearest(Quoted(test.text, '"'), std::move(labels)),
+            reader_.Fail(test.name.name + " has no label \"" + Shortened(test.text) +
+                             "\": " + ListNearest(Quoted(test.text, '"'), labels),
                          place);
         }
     }
@@ -256,7 +265,8 @@ private:
         OfferLabels(test.name);
         const std::string word(reader_.PeekLabel());
         const auto& labels = test.name.labels;
-        const auto found = std::ranges::find(labels, word);
+        const auto found = std::ranges::find_if(
+            labels, [&](const std::string& label) { return EqualIgnoringCase(label, word); });
         if (found == labels.end()) {
             reader_.Fail("expected an " + test.name.name + ": " + ListNearest(word, labels));
             return;
@@ -402,7 +412,8 @@ private:
                 const std::string written =
                     (isBare ? "0x" : "") + std::string(reader_.Since(place));
                 reader_.Fail(Printf("%s has %zu bit%s; %s does not fit", name.name.c_str(),
-                                    name.width, name.width == 1 ? "" : "s", written.c_str()),
+                                    name.width, name.width == 1 ? "" : "s",
+                                    Shortened(written).c_str()),
                              place);
             }
         }

@@ -57,7 +57,8 @@ std::size_t SliceLength(std::string_view text) noexcept {
 }
 
 bool IsKeyword(std::string_view word) noexcept {
-    return std::ranges::find(keywords, word) != keywords.end();
+    return std::ranges::any_of(keywords,
+                               [&](auto keyword) { return EqualIgnoringCase(keyword, word); });
 }
 
 char Lower(char c) noexcept {
@@ -75,9 +76,7 @@ void ExpressionReader::Fail(std::string message, std::size_t place) {
 }
 
 void ExpressionReader::SkipBlanks() {
-    while (at_ < text_.size() && (text_[at_] == ' ' || text_[at_] == '\t')) {
-        ++at_;
-    }
+    at_ = std::min(text_.find_first_not_of(" \t\r\n\f\v", at_), text_.size());
 }
 
 bool ExpressionReader::AtEnd() {
@@ -103,7 +102,7 @@ bool ExpressionReader::TakeSign(std::string_view sign) {
 
 bool ExpressionReader::TakeWord(std::string_view word) {
     const std::string_view rest = text_.substr(Place());
-    if (rest.substr(0, NameLength(rest)) != word) {
+    if (!EqualIgnoringCase(rest.substr(0, NameLength(rest)), word)) {
         return false;
     }
     at_ += word.size();

@@ -53,7 +53,7 @@ public:
     }
 
     bool TakeSign(std::string_view sign);
-    /// Takes this word, which goes no further.
+    /// Takes this word, in upper or lower case, if it goes no further.
     bool TakeWord(std::string_view word);
     /// The label that is there without quotes, which may have hyphens in it; empty if there is
     /// none.
@@ -90,6 +90,7 @@ private:
 [[nodiscard]] std::size_t NameLength(std::string_view text) noexcept;
 /// The length of a slice such as "[7..0]" or "[5]" at the beginning of the text; 0 for none.
 [[nodiscard]] std::size_t SliceLength(std::string_view text) noexcept;
+/// In upper or lower case.
 [[nodiscard]] bool IsKeyword(std::string_view word) noexcept;
 /// In lower case, if it is one of A to Z.
 [[nodiscard]] char Lower(char c) noexcept;

@@ -111,7 +111,8 @@ std::vector<std::string> SampleNames::All() const {
 }
 
 std::string SampleNames::BelongsElsewhere(std::string_view name) const {
-    if (std::ranges::find(transactionFields, name) != transactionFields.end()) {
+    if (std::ranges::any_of(transactionFields,
+                            [&](auto field) { return EqualIgnoringCase(field, name); })) {
         return Printf("\"%s\" belongs to transactions; samples have signals, such as %s",
                       std::string(name).c_str(), ListNearest("", All()).c_str());
     }

@@ -92,6 +92,21 @@ std::string ToLower(std::string_view text) {
     return lower;
 }
 
+std::string Shortened(std::string_view text) {
+    constexpr std::size_t most = 60;
+    if (text.size() <= most) {
+        return std::string(text);
+    }
+    std::size_t end = most;
+    const auto isInsideCharacter = [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+    };
+    while (end > most - 3 && isInsideCharacter(text[end])) {
+        --end;
+    }
+    return std::string(text.substr(0, end)) + "...";
+}
+
 bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                       [](char x, char y) { return LowerChar(x) == LowerChar(y); });

@@ -19,6 +19,9 @@ namespace busquill {
 /// The text as UTF-8; text that is not valid UTF-8 is taken as Latin-1.
 [[nodiscard]] std::string ToUtf8(std::string_view text);
 
+/// The text as a message can quote it: the end of a long one becomes "...".
+[[nodiscard]] std::string Shortened(std::string_view text);
+
 /// Whether two texts are equal without regard to the case of A to Z.
 [[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept;
 

@@ -161,7 +161,30 @@ TEST(TransactionConditions, NestAsDeepAsTheyMay) {
     }
     EXPECT_TRUE(Holds(text));
     EXPECT_EQ(ErrorOf("(" + text + ")").message, "too many parentheses inside each other");
-    EXPECT_EQ(ErrorOf(std::string(100000, '(')).place, 30U);
+    EXPECT_EQ(ErrorOf(std::string(100000, '(')).place, 29U);
+    std::string inverted = "number == 12";
+    for (int i = 0; i < 1000; ++i) {
+        inverted = "not " + inverted;
+    }
+    EXPECT_TRUE(Holds(inverted));
+    EXPECT_FALSE(Holds("not " + inverted));
+}
+
+TEST(TransactionConditions, AreReadInUpperAndLowerCaseAndOverSeveralLines) {
+    EXPECT_TRUE(Holds("NUMBER == 12 AND NOT Wait IN 1..5 Or END == RETRY"));
+    EXPECT_TRUE(Holds("end == Complete\r\n\tand initiatorwait == 1\nand not HEADLESS\f"));
+    EXPECT_TRUE(Holds("time == 3US"));
+    EXPECT_FALSE(Holds("End != COMPLETE"));
+    EXPECT_EQ(ErrorOf("WAIT > 5NS").message, "wait is not a time and takes no unit");
+}
+
+TEST(TransactionConditions, AMistakeInALongTextIsToldInAShortMessage) {
+    const std::string longest(100000, 'a');
+    for (const std::string& text :
+         {longest, "`" + longest + "` == 1", "end == " + longest, "wait == " + longest,
+          "wait > " + std::string(100000, '9'), "wait > 4 " + longest}) {
+        EXPECT_LT(ErrorOf(text).message.size(), 600U) << text.substr(0, 20);
+    }
 }
 
 TEST(TransactionConditions, DoNotHoldForWhatATransactionDoesNotHave) {

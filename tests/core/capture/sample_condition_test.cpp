@@ -119,7 +119,8 @@ TEST_F(SampleConditions, ReadTheDigitsOfAListingAsItShowsThem) {
     EXPECT_THAT(Found(records, "sample == 3"), ElementsAre(3));
     // Columns of labels have no digits that could be taken from them.
     EXPECT_EQ(ErrorOf("`RULE CHECK` == A0").message, "expected a number");
-    EXPECT_EQ(Found(CaptureBuilder().Idle().Finding(112).Records(), "`RULE CHECK` == 112"), Numbers{0});
+    EXPECT_EQ(Found(CaptureBuilder().Idle().Finding(112).Records(), "`RULE CHECK` == 112"),
+              Numbers{0});
     EXPECT_EQ(ErrorOf("AD[7..0] == 100").message, "AD[7:0] has 8 bits; 0x100 does not fit");
     EXPECT_EQ(ErrorOf("C/BE[2..0] == 9").message, "C/BE[2:0] has 3 bits; 9 does not fit");
 }
@@ -207,6 +208,19 @@ TEST_F(SampleConditions, CompareTheTimeSinceTheTrigger) {
     EXPECT_THAT(ErrorOf("DELTA == 1").message, StartsWith("there is no signal \"DELTA\""));
     EXPECT_FALSE(std::get<SampleCondition>(SampleCondition::Parse("TIME > 1", board.tables, {}))
                      .NeedsTimes());
+}
+
+TEST_F(SampleConditions, AreReadInUpperAndLowerCase) {
+    const auto records = CaptureBuilder().Idle().Read(0x10, 5).Idle().Records();
+    EXPECT_THAT(Found(records, "frame FALLS Or NOT irdy == 1"), ElementsAre(1, 2, 3));
+    EXPECT_THAT(Found(records, "Sample In 1..2\nAND Ad[4] Changes"), ElementsAre(1, 2));
+    EXPECT_THAT(ErrorOf("END == retry").message, StartsWith("\"END\" belongs to transactions"));
+    // A row with the name of a word of the language.
+    CSignal* row = list.AddSignal(nullptr, board.tables.busSignals.FindByName("AD"), 1, 4, 7, 0,
+                                  Radix::Hex, true);
+    row->groupName = "In";
+    EXPECT_THAT(Found(records, "`in` == 1"), ElementsAre(1));
+    EXPECT_THAT(SampleCondition::Complete("in", 2, board.tables, {&list}).texts, Contains("`In`"));
 }
 
 TEST_F(SampleConditions, FindEdges) {
@@ -522,6 +536,11 @@ TEST_F(SampleConditions, SayWhatIsWrongAndWhere) {
              Case{"AD[64] == 0", 0, "AD has the bits 63 to 0"},
              Case{"AD in 0x2000..0x1fff", 6, "the range ends before it begins"},
              Case{"COMMAND == \"Mem Rt\"", 11, "COMMAND has no label \"Mem Rt\": \"Mem Rd\", "},
+             Case{"COMMAND == \"Mem "
+                  "Rdxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\"",
+                  11,
+                  "COMMAND has no label \"Mem "
+                  "Rdxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...\": "},
              Case{"COMMAND == \"X*\"", 11, "COMMAND has no label \"X*\": "},
              Case{"COMMAND == \"\"", 12, "the label is empty"},
              Case{"COMMAND == \"Mem", 15, "expected \" at the end of the label"},
