@@ -375,8 +375,9 @@ std::optional<TransactionCondition> ConditionOf(const Options& options, const Bu
     if (options.where.empty()) {
         return std::nullopt;
     }
-    const TransactionBus names{traffic.HasClock(), &bus.Tables()};
-    return TakeCondition(TransactionCondition::Parse(options.where, names), options.where);
+    return TakeCondition(
+        TransactionCondition::Parse(options.where, TransactionBus::Of(traffic, bus.Tables())),
+        options.where);
 }
 
 /// Follows one capture. Calls `take` with each transaction that the options select.

@@ -1,5 +1,7 @@
 #include "analysis/transaction_condition.h"
 
+#include "analysis/bus_traffic.h"
+#include "analysis/command_labels.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -50,7 +52,9 @@ public:
         found.id = static_cast<std::size_t>(field - transactionFields.begin());
         found.values = ValuesOf(found.id);
         found.isHex = found.id == FieldAddress;
-        if (found.id == FieldEnd) {
+        if (found.id == FieldCommand) {
+            found.labels = bus_.commands;
+        } else if (found.id == FieldEnd) {
             for (std::size_t i = 0; i < transactionEndCount; ++i) {
                 found.labels.emplace_back(NameOf(static_cast<TransactionEnd>(i)));
             }
@@ -130,6 +134,10 @@ std::optional<std::int64_t> NumberOf(const Transaction& transaction, std::size_t
 
 } // namespace
 
+TransactionBus TransactionBus::Of(const BusTraffic& traffic, const SignalTables& tables) {
+    return {traffic.HasClock(), &tables, AllCommandLabels(traffic)};
+}
+
 std::variant<TransactionCondition, ExpressionError>
 TransactionCondition::Parse(std::string_view text, const TransactionBus& bus) {
     FieldNames names(bus);
@@ -153,7 +161,7 @@ std::optional<bool> TransactionCondition::Matches(const ExpressionTest& test,
     case FieldCommand:
         return command.empty() ? std::nullopt : std::optional(IsLike(command, test.text));
     case FieldEnd:
-        return static_cast<std::uint64_t>(transaction.end) == test.low;
+        return (test.low >> static_cast<std::size_t>(transaction.end) & 1) != 0;
     case FieldHeadless:
         return transaction.isHeadless;
     default:

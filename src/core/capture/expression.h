@@ -26,8 +26,8 @@ struct ExpressionName {
         Count, // whole numbers without a unit
         Time,  // nanoseconds, or a number with a unit
         Bits,  // a number of `width` bits without a sign, or a label in quotes
-        Text,  // any text in quotes
-        Word,  // one of the labels, without quotes
+        Text,  // a text in quotes, like one of the labels if there are any
+        Word,  // one of the labels, or like some of them in quotes; at most 64
         Flag,  // holds or not, without an operator
     };
     enum class Edges : std::uint8_t { None, Changes, All };
@@ -62,7 +62,7 @@ struct ExpressionTest {
         InRange,  // least to most; Bits: low to high; a Flag is in any range
         IsMasked, // the bits of `high` have the values in `low`
         IsLike,   // like `text`, in which "*" is any characters
-        IsWord,   // the label `low`
+        IsOneOf,  // the labels whose bits are set in `low`
         Rises,
         Falls,
         Changes,

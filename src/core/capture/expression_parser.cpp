@@ -248,7 +248,7 @@ private:
         test.kind = Test::Kind::IsLike;
         test.text = reader_.TakeQuoted(test.name.name);
         const auto isLike = [&](const std::string& label) { return IsLike(label, test.text); };
-        if (!HasFailed() && test.name.values == Values::Bits &&
+        if (!HasFailed() && !test.name.labels.empty() &&
             std::ranges::none_of(test.name.labels, isLike)) {
             std::vector<std::string> labels;
             for (const std::string& label : test.name.labels) {
@@ -261,19 +261,27 @@ private:
         }
     }
 
+    /// One of the labels, or those like a text in quotes.
     void LabelWord(Test& test) {
-        OfferLabels(test.name);
-        const std::string word(reader_.PeekLabel());
         const auto& labels = test.name.labels;
-        const auto found = std::ranges::find_if(
-            labels, [&](const std::string& label) { return EqualIgnoringCase(label, word); });
-        if (found == labels.end()) {
-            reader_.Fail("expected an " + test.name.name + ": " + ListNearest(word, labels));
-            return;
+        const auto addWhere = [&](auto matches) {
+            for (std::size_t i = 0; i < labels.size(); ++i) {
+                test.low |= std::uint64_t{matches(labels[i]) ? 1U : 0U} << i;
+            }
+        };
+        if (reader_.Sees("\"")) {
+            QuotedText(test);
+            addWhere([&](const std::string& label) { return IsLike(label, test.text); });
+        } else {
+            OfferLabels(test.name);
+            const std::string word(reader_.PeekLabel());
+            addWhere([&](const std::string& label) { return EqualIgnoringCase(label, word); });
+            if (test.low == 0) {
+                reader_.Fail("expected an " + test.name.name + ": " + ListNearest(word, labels));
+            }
+            reader_.TakeSign(word);
         }
-        test.kind = Test::Kind::IsWord;
-        test.low = static_cast<std::uint64_t>(found - labels.begin());
-        reader_.TakeSign(word);
+        test.kind = Test::Kind::IsOneOf;
     }
 
     void Range(Test test) {

@@ -257,7 +257,7 @@ void TransactionPanel::Show(CTesselDoc* document) {
                 &TransactionPanel::RowChosen);
         ShowColumns();
         if (const BusTraffic* traffic = Model()->Traffic()) {
-            filter_->SetBus({traffic->HasClock(), &parts_.analyzer.Tables()});
+            filter_->SetBus(TransactionBus::Of(*traffic, parts_.analyzer.Tables()));
         }
         filter_->ShowFilter(captures_.at(document).filter);
         RestorePlace();

@@ -210,6 +210,41 @@ TEST(TransactionConditions, CompareTheTagsOfPciX) {
     EXPECT_TRUE(Holds("tag == 0x11 and splitRequest == 9", split));
 }
 
+TEST(TransactionConditions, TakeSeveralEndsInQuotes) {
+    Transaction each = Read();
+    each.end = TransactionEnd::DisconnectWithoutData;
+    EXPECT_TRUE(Holds("end == \"disconnect*\"", each));
+    EXPECT_TRUE(Holds("end == \"Disconnect-Without-Data\"", each));
+    EXPECT_FALSE(Holds("end != \"disconnect*\"", each));
+    EXPECT_FALSE(Holds("end == \"*abort\"", each));
+    EXPECT_TRUE(Holds("end != \"*abort\"", each));
+}
+
+TEST(TransactionConditions, KnowTheCommandsOfTheBus) {
+    const BoardTables pci("PCIKite-1");
+    const auto bus = TransactionBus::Of(*MakeBusTraffic(pci.board, pci.tables), pci.tables);
+    const ExpressionError error = ErrorOf("wait > 4 and command == \"Mem Raed\"", bus);
+    EXPECT_EQ(error.place, 24U);
+    EXPECT_TRUE(error.message.starts_with("command has no label \"Mem Raed\": \"Mem Rd\", "))
+        << error.message;
+    for (const char* text : {"command == \"mem rd\"", "command == \"*Rd\"", "command != \"C/BE 5\"",
+                             "command == \"DAC-Mem Rd\""}) {
+        EXPECT_EQ(ErrorOf(text, bus).message, "none") << text;
+    }
+    const BoardTables vme("VMEKite-1", BusVme);
+    EXPECT_EQ(ErrorOf("command == \"Mem Rd\"",
+                      TransactionBus::Of(*MakeBusTraffic(vme.board, vme.tables), vme.tables))
+                  .place,
+              11U);
+    const auto offered = [&](std::string_view text) {
+        return TransactionCondition::Complete(text, text.size(), bus).texts;
+    };
+    EXPECT_THAT(offered("command == "), testing::IsSupersetOf({"\"Mem Rd\"", "\"I/O Wr\""}));
+    EXPECT_THAT(offered("command != \"spc"), testing::ElementsAre("\"Spc Cyc\""));
+    EXPECT_THAT(offered("command == i/o"), testing::ElementsAre("\"I/O Rd\"", "\"I/O Wr\""));
+    EXPECT_THAT(offered("not COMMAND == \"Spc Cyc\" a"), testing::ElementsAre("and"));
+}
+
 TEST(TransactionConditions, FindHeadlessTransactions) {
     Transaction headless;
     headless.isHeadless = true;
@@ -280,6 +315,7 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"command == Mem", 11, "expected a command in double quotes"},
              Case{"command == \"Mem", 15, "expected \" at the end"},
              Case{"end == retri", 7, "expected an end: retry, "},
+             Case{"end == \"retri\"", 7, "end has no label \"retri\": \"retry\", "},
              Case{"gap == 0xX", 7, "a time has no X"},
              Case{"gap == 1.5", 7, "a time with decimals has a unit: ns, us, ms or s"},
              Case{"gap == 1.5ns", 7, "a time is a whole number of ns"},
