@@ -28,7 +28,7 @@ constexpr const char* noMatch = "No match found.";
 /// What the samples must look like.
 struct WantedSamples {
     std::vector<std::string> patterns;
-    std::string where; // empty: anything
+    Where where;
 };
 
 struct SearchOptions : CapturesOptions {
@@ -46,7 +46,7 @@ struct FilterOptions {
 };
 
 void CheckWanted(const WantedSamples& wanted, const char* command) {
-    if (wanted.patterns.empty() && wanted.where.empty()) {
+    if (wanted.patterns.empty() && wanted.where.text.empty()) {
         WrongUse(Printf("%s needs -p NAME=VALUE or --where EXPR; see busquill-trace %s -h", command,
                         command));
     }
@@ -65,11 +65,11 @@ public:
                 WrongUse(wrong);
             }
         }
-        if (!wanted.where.empty()) {
-            where_ =
-                TakeCondition(SampleCondition::Parse(wanted.where, bus.Tables(),
-                                                     {&stream.stateList, &stream.waveformList}),
-                              wanted.where);
+        if (!wanted.where.text.empty()) {
+            where_ = TakeCondition(SampleCondition::Parse(wanted.where.text, bus.Tables(),
+                                                          {&stream.stateList, &stream.waveformList},
+                                                          &wanted.where.kept),
+                                   wanted.where);
             if (where_->NeedsTimes()) {
                 const TraceSurvey survey = input.Survey();
                 timeToTrigger_ = survey.timeToTrigger;
@@ -293,9 +293,9 @@ void AddWanted(CLI::App& command, WantedSamples& into) {
     Completed(AddTexts(command, "-p,--pattern", into.patterns, "NAME=VALUE",
                        "samples with this value; may be given several times, all must hold"),
               Completion::Kind::Patterns);
-    AddText(command, "--where", into.where, "EXPR",
-            "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
-            "with patterns, all must hold");
+    AddWhere(command, into.where,
+             "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
+             "with patterns, all must hold");
 }
 
 } // namespace

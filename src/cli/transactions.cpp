@@ -30,7 +30,7 @@ struct Options : CapturesOptions {
     NumberRange range;
     bool summary = false;
     std::int64_t words = 8;
-    std::string where; // empty: all
+    Where where;
 };
 
 template <typename Number>
@@ -372,12 +372,12 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
 /// The condition of --where; throws ExitRequest on a mistake.
 std::optional<TransactionCondition> ConditionOf(const Options& options, const Bus& bus,
                                                 const BusTraffic& traffic) {
-    if (options.where.empty()) {
+    if (options.where.text.empty()) {
         return std::nullopt;
     }
-    return TakeCondition(
-        TransactionCondition::Parse(options.where, TransactionBus::Of(traffic, bus.Tables())),
-        options.where);
+    TransactionBus names = TransactionBus::Of(traffic, bus.Tables());
+    names.kept = &options.where.kept;
+    return TakeCondition(TransactionCondition::Parse(options.where.text, names), options.where);
 }
 
 /// Follows one capture. Calls `take` with each transaction that the options select.
@@ -487,8 +487,8 @@ void AddTransactions(CLI::App& program) {
                                    [options] { return Run(*options); });
     AddCaptureOptions(command, *options);
     AddRange(command, options->range);
-    AddText(command, "--where", options->where, "EXPR",
-            "only transactions for which this holds, such as \"wait > 4 and end == retry\"");
+    AddWhere(command, options->where,
+             "only transactions for which this holds, such as \"wait > 4 and end == retry\"");
     AddFlag(command, "--summary", options->summary,
             "print sums by command and by end instead of the transactions");
     AddNumber(command, "--words", options->words, "N", {0, 1 << 20},

@@ -135,13 +135,13 @@ std::optional<std::int64_t> NumberOf(const Transaction& transaction, std::size_t
 } // namespace
 
 TransactionBus TransactionBus::Of(const BusTraffic& traffic, const SignalTables& tables) {
-    return {traffic.HasClock(), &tables, AllCommandLabels(traffic)};
+    return {traffic.HasClock(), &tables, AllCommandLabels(traffic), nullptr};
 }
 
 std::variant<TransactionCondition, ExpressionError>
 TransactionCondition::Parse(std::string_view text, const TransactionBus& bus) {
     FieldNames names(bus);
-    auto parsed = ParseExpression(text, names);
+    auto parsed = ParseExpression(text, names, bus.kept);
     if (auto* const error = std::get_if<ExpressionError>(&parsed)) {
         return std::move(*error);
     }
@@ -151,7 +151,7 @@ TransactionCondition::Parse(std::string_view text, const TransactionBus& bus) {
 ExpressionCompletion TransactionCondition::Complete(std::string_view text, std::size_t cursor,
                                                     const TransactionBus& bus) {
     FieldNames names(bus);
-    return CompleteExpression(text, cursor, names);
+    return CompleteExpression(text, cursor, names, bus.kept);
 }
 
 std::optional<bool> TransactionCondition::Matches(const ExpressionTest& test,

@@ -22,6 +22,7 @@ struct TransactionBus {
     bool hasClock = true;                 // waits are counted in clocks, not in ns
     const SignalTables* tables = nullptr; // whose signals are told apart from unknown names
     std::vector<std::string> commands{};  // their labels; with none, any text can be compared
+    const KeptExpressions* kept = nullptr; // which conditions may use
 
     /// The tables outlive it.
     [[nodiscard]] static TransactionBus Of(const BusTraffic& traffic, const SignalTables& tables);

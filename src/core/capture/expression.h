@@ -14,6 +14,8 @@
 
 namespace busquill {
 
+class KeptExpressions;
+
 /// What is wrong with an expression, and where.
 struct ExpressionError {
     std::size_t place = 0; // of the first character in question; at most the length of the text
@@ -92,9 +94,10 @@ struct ParsedExpression {
     static constexpr std::size_t mostResults = 62;
 };
 
-/// The expression, or the first mistake.
+/// The expression, or the first mistake. It may use the kept ones.
 [[nodiscard]] std::variant<ParsedExpression, ExpressionError>
-ParseExpression(std::string_view text, ExpressionNames& names);
+ParseExpression(std::string_view text, ExpressionNames& names,
+                const KeptExpressions* kept = nullptr);
 
 /// What can stand at the cursor.
 struct ExpressionCompletion {
@@ -104,7 +107,8 @@ struct ExpressionCompletion {
 /// The names, operators, labels and words that can stand at the cursor and begin with what is
 /// before it, in upper or lower case; none after a mistake.
 [[nodiscard]] ExpressionCompletion CompleteExpression(std::string_view text, std::size_t cursor,
-                                                      ExpressionNames& names);
+                                                      ExpressionNames& names,
+                                                      const KeptExpressions* kept = nullptr);
 
 /// A name as it has to be written: in backquotes, unless it is a plain word.
 [[nodiscard]] std::string QuotedName(std::string_view name);

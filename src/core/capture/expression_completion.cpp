@@ -26,8 +26,9 @@ std::size_t WordBegin(std::string_view text) {
         }
         return begin;
     };
-    const std::size_t word = runBegin(
-        [](char c) { return IsInName(c) || c == '[' || c == ']' || c == ':' || c == '-'; });
+    const std::size_t word = runBegin([](char c) {
+        return IsInName(c) || c == '[' || c == ']' || c == ':' || c == '-' || c == '@';
+    });
     return word < text.size()
                ? word
                : runBegin([](char c) { return c == '=' || c == '!' || c == '<' || c == '>'; });
@@ -45,10 +46,10 @@ bool BeginsWith(std::string_view text, std::string_view word) {
 } // namespace
 
 ExpressionCompletion CompleteExpression(std::string_view text, std::size_t cursor,
-                                        ExpressionNames& names) {
+                                        ExpressionNames& names, const KeptExpressions* kept) {
     text = text.substr(0, cursor);
     const auto complete = [&](std::size_t place) {
-        ExpressionCompletion completion{place, OffersAfter(text.substr(0, place), names)};
+        ExpressionCompletion completion{place, OffersAfter(text.substr(0, place), names, kept)};
         const std::string_view word = text.substr(place);
         std::erase_if(completion.texts, [&](const std::string& each) {
             return each == word || !BeginsWith(each, word);

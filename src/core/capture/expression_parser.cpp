@@ -1,6 +1,7 @@
 #include "capture/expression_parser.h"
 
 #include "capture/expression_reader.h"
+#include "capture/kept_expressions.h"
 #include "platform/near_names.h"
 #include "platform/text.h"
 
@@ -26,20 +27,17 @@ using Number = ExpressionNumber;
 ///
 ///     either = both { "or" both }
 ///     both   = one { "and" one }
-///     one    = { "not" } ( "(" either ")" | name [ test ] )
+///     one    = { "not" } ( "(" either ")" | "@" kept | name [ test ] )
 ///     test   = sign value | "in" number ".." number | "rises" | "falls" | "changes"
 class ExpressionParser {
 public:
     /// With `offers`, texts that could stand at the end of the text are added there.
-    ExpressionParser(std::string_view text, ExpressionNames& names,
+    ExpressionParser(std::string_view text, ExpressionNames& names, const KeptExpressions* kept,
                      std::vector<std::string>* offers = nullptr)
-        : reader_(text), names_(names), offers_(offers) {}
+        : reader_(text), names_(names), kept_(kept), offers_(offers) {}
 
     [[nodiscard]] std::variant<ParsedExpression, ExpressionError> Parse() {
-        Either();
-        if (!HasFailed() && !reader_.AtEnd()) {
-            reader_.Fail("expected \"and\" or \"or\"");
-        }
+        Whole();
         if (HasFailed()) {
             return *reader_.Error();
         }
@@ -48,6 +46,7 @@ public:
 
 private:
     static constexpr int deepest = 29;
+    static constexpr std::size_t mostOperations = 10000; // kept ones can double each other
     // Two results wait in each depth and outside, for "or" and for "and".
     static_assert(ParsedExpression::mostResults >= 2 * (deepest + 1) + 1);
 
@@ -68,6 +67,12 @@ private:
         expression_.operations.push_back({ParsedExpression::Step::Test, std::move(test)});
     }
 
+    void Whole() {
+        Either();
+        if (!HasFailed() && !reader_.AtEnd()) {
+            reader_.Fail("expected \"and\" or \"or\"");
+        }
+    }
     void Either() {
         Both();
         while (!HasFailed() && reader_.TakeWord("or")) {
@@ -93,6 +98,8 @@ private:
         }
         if (reader_.Sees("(")) {
             InParentheses();
+        } else if (reader_.Sees("@")) {
+            KeptOne();
         } else {
             NameAndTest();
         }
@@ -115,6 +122,45 @@ private:
         --depth_;
     }
 
+    /// A kept expression counts like one in parentheses.
+    void KeptOne() {
+        const std::size_t place = reader_.Place();
+        reader_.TakeSign("@");
+        const std::string name(reader_.PeekLabel());
+        reader_.TakeSign(name);
+        const auto* const kept = kept_ == nullptr ? nullptr : kept_->Find(name);
+        if (kept == nullptr) {
+            const auto names = kept_ == nullptr ? std::vector<std::string>() : kept_->Names();
+            reader_.Fail("there is no kept expression \"@" + Shortened(name) + "\"" +
+                             (names.empty() ? "" : ": " + ListNearest("@" + name, names)),
+                         place);
+        } else if (std::ranges::find(within_, kept) != within_.end()) {
+            reader_.Fail("@" + kept->name + " uses itself", place);
+        } else if (depth_ == deepest || expression_.operations.size() > mostOperations) {
+            reader_.Fail("too many kept expressions inside each other", place);
+        } else {
+            Insert(*kept, place);
+        }
+    }
+    void Insert(const KeptExpressions::Kept& kept, std::size_t place) {
+        ++depth_;
+        within_.push_back(&kept);
+        ExpressionReader reader = std::exchange(reader_, ExpressionReader(kept.text));
+        auto* const offers = std::exchange(offers_, nullptr);
+        Whole();
+        if (const auto& error = reader_.Error()) {
+            const std::string rest = kept.text.substr(error->place);
+            reader.Fail("@" + kept.name + " is wrong at " +
+                            (rest.empty() ? "its end" : Quoted(Shortened(rest), '"')) + ": " +
+                            error->message,
+                        place);
+        }
+        reader_ = std::move(reader);
+        offers_ = offers;
+        within_.pop_back();
+        --depth_;
+    }
+
     [[nodiscard]] std::vector<std::string> WrittenNames() const {
         std::vector<std::string> all;
         for (const std::string& name : names_.All()) {
@@ -126,6 +172,18 @@ private:
         if (offers_ != nullptr && reader_.AtEnd()) {
             Offer(WrittenNames());
             Offer({"not", "("});
+            OfferKept();
+        }
+    }
+
+    /// Those that can be used with these names.
+    void OfferKept() {
+        for (const std::string& name :
+             kept_ == nullptr ? std::vector<std::string>() : kept_->Names()) {
+            const auto parsed = ExpressionParser(name, names_, kept_).Parse();
+            if (std::holds_alternative<ParsedExpression>(parsed)) {
+                Offer({std::string_view(name)});
+            }
         }
     }
 
@@ -465,21 +523,24 @@ private:
 
     ExpressionReader reader_;
     ExpressionNames& names_;
+    const KeptExpressions* kept_;
     std::vector<std::string>* offers_;
+    std::vector<const KeptExpressions::Kept*> within_; // the kept ones that are being read
     int depth_ = 0;
     ParsedExpression expression_;
 };
 
 } // namespace
 
-std::variant<ParsedExpression, ExpressionError> ParseExpression(std::string_view text,
-                                                                ExpressionNames& names) {
-    return ExpressionParser(text, names).Parse();
+std::variant<ParsedExpression, ExpressionError>
+ParseExpression(std::string_view text, ExpressionNames& names, const KeptExpressions* kept) {
+    return ExpressionParser(text, names, kept).Parse();
 }
 
-std::vector<std::string> OffersAfter(std::string_view text, ExpressionNames& names) {
+std::vector<std::string> OffersAfter(std::string_view text, ExpressionNames& names,
+                                     const KeptExpressions* kept) {
     std::vector<std::string> offers;
-    static_cast<void>(ExpressionParser(text, names, &offers).Parse());
+    static_cast<void>(ExpressionParser(text, names, kept, &offers).Parse());
     return offers;
 }
 

@@ -9,6 +9,7 @@
 namespace busquill {
 
 /// What could stand after a text: names, operators, labels and words. None after a mistake.
-[[nodiscard]] std::vector<std::string> OffersAfter(std::string_view text, ExpressionNames& names);
+[[nodiscard]] std::vector<std::string> OffersAfter(std::string_view text, ExpressionNames& names,
+                                                   const KeptExpressions* kept);
 
 } // namespace busquill

@@ -1,6 +1,7 @@
 #include "analysis/bus_traffic.h"
 #include "analysis/transaction_condition.h"
 #include "analysis/transaction_fields.h"
+#include "capture/kept_expressions.h"
 #include "support/board_tables.h"
 
 #include <gmock/gmock.h>
@@ -287,6 +288,74 @@ TEST(TransactionConditions, CompleteFieldsOperatorsAndEnds) {
                 ElementsAre("disconnect-with-data", "disconnect-without-data"));
     EXPECT_THAT(offered("(wait > 4 "), ElementsAre("and", "or", ")"));
     EXPECT_THAT(offered("wait > 4 and i"), ElementsAre("initiatorWait"));
+}
+
+TEST(TransactionConditions, UseKeptExpressions) {
+    KeptExpressions kept;
+    kept.Keep("slow", "wait > 5 or latency > 1us");
+    kept.Keep("late-read", "@SLOW and command == \"*Rd\"");
+    kept.Keep("edge", "FRAME falls");
+    kept.Keep("wrong", "wait >");
+    kept.Keep("loop", "not @pool");
+    kept.Keep("pool", "wait > 5 and @loop");
+    TransactionBus bus;
+    bus.kept = &kept;
+    const auto holds = [&](std::string_view text) {
+        const auto parsed = TransactionCondition::Parse(text, bus);
+        return std::get<TransactionCondition>(parsed).Holds(Read(), "Mem Rd");
+    };
+    EXPECT_TRUE(holds("@slow"));
+    EXPECT_TRUE(holds("not @slow or number == 12"));
+    EXPECT_TRUE(holds("@Late-Read and (@slow)"));
+    // As if in parentheses.
+    EXPECT_FALSE(holds("not @slow and number == 12"));
+    EXPECT_FALSE(holds("number == 1 and @slow"));
+
+    const auto wrong = [&](std::string_view text) {
+        const ExpressionError error = ErrorOf(text, bus);
+        return std::to_string(error.place) + " " + error.message;
+    };
+    EXPECT_THAT(
+        wrong("wait > 4 and @slwo"),
+        testing::StartsWith(
+            "13 there is no kept expression \"@slwo\": @slow, @late-read, @edge, @wrong, "));
+    EXPECT_THAT(wrong("not @"),
+                testing::StartsWith(
+                    "4 there is no kept expression \"@\": @slow, @late-read, @edge, @wrong, @lo"));
+    EXPECT_THAT(
+        wrong("(@edge"),
+        testing::StartsWith(
+            "1 @edge is wrong at \"FRAME falls\": there is no field \"FRAME\": number, sam"));
+    EXPECT_THAT(wrong("@wrong"),
+                testing::StartsWith("0 @wrong is wrong at its end: expected a number"));
+    EXPECT_THAT(
+        wrong("@loop"),
+        testing::StartsWith(
+            "0 @loop is wrong at \"@pool\": @pool is wrong at \"@loop\": @loop uses itself"));
+    EXPECT_EQ(ErrorOf("@slow").message, "there is no kept expression \"@slow\"");
+
+    // Only those that can be used here are offered.
+    const auto offered = [&](std::string_view text) {
+        return TransactionCondition::Complete(text, text.size(), bus).texts;
+    };
+    EXPECT_THAT(offered("wait > 4 and @"), testing::ElementsAre("@slow", "@late-read"));
+    EXPECT_THAT(offered("@l"), testing::ElementsAre("@late-read"));
+    EXPECT_THAT(offered("@slow "), testing::ElementsAre("and", "or"));
+    EXPECT_THAT(offered(""), testing::IsSupersetOf({"@slow", "wait"}));
+}
+
+TEST(TransactionConditions, KeptExpressionsCannotGrowWithoutEnd) {
+    KeptExpressions kept;
+    kept.Keep("a0", "wait > 4 and wait > 5");
+    for (int i = 1; i < 28; ++i) {
+        const std::string last = "@a" + std::to_string(i - 1);
+        kept.Keep("a" + std::to_string(i), last + " and " + last);
+    }
+    TransactionBus bus;
+    bus.kept = &kept;
+    EXPECT_EQ(ErrorOf("@a9", bus).message, "none");
+    EXPECT_THAT(ErrorOf("@a27", bus).message,
+                testing::EndsWith("too many kept expressions inside each other"));
 }
 
 TEST(TransactionConditions, SayWhatIsWrongAndWhere) {

@@ -1,3 +1,4 @@
+#include "capture/kept_expressions.h"
 #include "capture/sample_condition.h"
 #include "capture/sample_rows.h"
 #include "platform/text.h"
@@ -221,6 +222,19 @@ TEST_F(SampleConditions, AreReadInUpperAndLowerCase) {
     row->groupName = "In";
     EXPECT_THAT(Found(records, "`in` == 1"), ElementsAre(1));
     EXPECT_THAT(SampleCondition::Complete("in", 2, board.tables, {&list}).texts, Contains("`In`"));
+}
+
+TEST_F(SampleConditions, UseKeptExpressions) {
+    KeptExpressions kept;
+    kept.Keep("idle", "FRAME == 1 and IRDY == 1");
+    kept.Keep("slow", "wait > 4");
+    const auto records = CaptureBuilder().Idle().Read(0x10, 5).Idle().Records();
+    const auto parsed = SampleCondition::Parse("not @idle", board.tables, {&list}, &kept);
+    const Numbers numbers = From(0, records.size());
+    EXPECT_EQ(std::get<SampleCondition>(parsed).MatchesOf({.records = records, .numbers = numbers}),
+              0b01110U);
+    EXPECT_THAT(SampleCondition::Complete("@", 1, board.tables, {&list}, &kept).texts,
+                ElementsAre("@idle"));
 }
 
 TEST_F(SampleConditions, FindEdges) {
