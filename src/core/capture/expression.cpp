@@ -1,21 +1,11 @@
 #include "capture/expression.h"
 
-#include "capture/expression_reader.h"
+#include "platform/text.h"
 
-#include <algorithm>
 #include <optional>
 #include <utility>
 
 namespace busquill {
-
-std::string QuotedName(std::string_view name) {
-    const std::size_t bracket = std::min(name.find_last_of('['), name.size());
-    const bool hasSlice = SliceLength(name.substr(bracket)) == name.size() - bracket;
-    const std::string_view base = hasSlice ? name.substr(0, bracket) : name;
-    const bool isPlain = !base.empty() && NameLength(base) == base.size() && !IsKeyword(base);
-    return (isPlain ? std::string(base) : Quoted(base, '`')) +
-           std::string(name.substr(base.size()));
-}
 
 bool IsLike(std::string_view text, std::string_view pattern) {
     std::size_t at = 0;
@@ -24,7 +14,7 @@ bool IsLike(std::string_view text, std::string_view pattern) {
     while (at < text.size()) {
         if (in < pattern.size() && pattern[in] == '*') {
             star = {++in, at};
-        } else if (in < pattern.size() && Lower(pattern[in]) == Lower(text[at])) {
+        } else if (in < pattern.size() && ToLower(pattern[in]) == ToLower(text[at])) {
             ++in;
             ++at;
         } else if (star) {

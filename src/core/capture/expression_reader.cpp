@@ -61,12 +61,17 @@ bool IsKeyword(std::string_view word) noexcept {
                                [&](auto keyword) { return EqualIgnoringCase(keyword, word); });
 }
 
-char Lower(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 std::string Quoted(std::string_view text, char quote) {
     return quote + std::string(text) + quote;
+}
+
+std::string QuotedName(std::string_view name) {
+    const std::size_t bracket = std::min(name.find_last_of('['), name.size());
+    const bool hasSlice = SliceLength(name.substr(bracket)) == name.size() - bracket;
+    const std::string_view base = hasSlice ? name.substr(0, bracket) : name;
+    const bool isPlain = !base.empty() && NameLength(base) == base.size() && !IsKeyword(base);
+    return (isPlain ? std::string(base) : Quoted(base, '`')) +
+           std::string(name.substr(base.size()));
 }
 
 void ExpressionReader::Fail(std::string message, std::size_t place) {
@@ -181,7 +186,7 @@ std::size_t ExpressionReader::TakeDigits(ExpressionNumber& number, std::size_t p
     const std::size_t digitBits = number.base == 16 ? 4 : 1;
     std::size_t count = 0;
     for (; at_ < text_.size(); ++at_) {
-        const char c = Lower(text_[at_]);
+        const char c = ToLower(text_[at_]);
         if (c == '_' && count != 0) {
             continue;
         }
@@ -243,7 +248,7 @@ ExpressionNumber ExpressionReader::TakeNumber(bool isHex) {
 
 void ExpressionReader::EndNumber(const ExpressionNumber& number, std::size_t place) {
     const bool isAfterBlank = at_ != 0 && !IsInName(text_[at_ - 1]);
-    const char next = isAfterBlank ? ' ' : Lower(Ahead(0));
+    const char next = isAfterBlank ? ' ' : ToLower(Ahead(0));
     if (number.base == 10 && next == 'x') {
         Fail("a number with X begins with 0x or 0b", place);
     }

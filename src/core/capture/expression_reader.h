@@ -92,8 +92,6 @@ private:
 [[nodiscard]] std::size_t SliceLength(std::string_view text) noexcept;
 /// In upper or lower case.
 [[nodiscard]] bool IsKeyword(std::string_view word) noexcept;
-/// In lower case, if it is one of A to Z.
-[[nodiscard]] char Lower(char c) noexcept;
 [[nodiscard]] std::string Quoted(std::string_view text, char quote);
 
 } // namespace busquill

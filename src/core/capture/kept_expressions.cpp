@@ -13,11 +13,11 @@ namespace {
 
 using Kept = KeptExpressions::Kept;
 
-bool IsLetter(char c) {
+bool BeginsKeptName(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
-bool IsInName(char c) {
-    return IsLetter(c) || (c >= '0' && c <= '9') || c == '_' || c == '-';
+bool IsInKeptName(char c) {
+    return BeginsKeptName(c) || (c >= '0' && c <= '9') || c == '_' || c == '-';
 }
 
 } // namespace
@@ -27,7 +27,7 @@ std::filesystem::path KeptExpressions::UsualFile() {
 }
 
 bool KeptExpressions::IsName(std::string_view name) noexcept {
-    return !name.empty() && IsLetter(name.front()) && std::ranges::all_of(name, IsInName);
+    return !name.empty() && BeginsKeptName(name.front()) && std::ranges::all_of(name, IsInKeptName);
 }
 
 bool KeptExpressions::Read(const std::filesystem::path& file) {

@@ -15,6 +15,7 @@ namespace busquill {
 
 /// The text in lower case; only the letters A to Z change.
 [[nodiscard]] std::string ToLower(std::string_view text);
+[[nodiscard]] char ToLower(char c) noexcept;
 
 /// The text as UTF-8; text that is not valid UTF-8 is taken as Latin-1.
 [[nodiscard]] std::string ToUtf8(std::string_view text);
