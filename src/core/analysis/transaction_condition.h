@@ -19,9 +19,9 @@ class SignalTables;
 
 /// What conditions on the transactions of a bus depend on.
 struct TransactionBus {
-    bool hasClock = true;                 // waits are counted in clocks, not in ns
-    const SignalTables* tables = nullptr; // whose signals are told apart from unknown names
-    std::vector<std::string> commands{};  // their labels; with none, any text can be compared
+    bool hasClock = true;                  // waits are counted in clocks, not in ns
+    const SignalTables* tables = nullptr;  // whose signals are told apart from unknown names
+    std::vector<std::string> commands{};   // their labels; with none, any text can be compared
     const KeptExpressions* kept = nullptr; // which conditions may use
 
     /// The tables outlive it.
