@@ -33,7 +33,7 @@ constexpr const char* noMatch = "No match found.";
 /// What the samples must look like.
 struct WantedSamples {
     std::vector<std::string> patterns;
-    std::string where; // empty: anything
+    Where where;
 };
 
 struct SearchOptions : CapturesOptions {
@@ -51,7 +51,7 @@ struct FilterOptions {
 };
 
 void CheckWanted(const WantedSamples& wanted, const char* command) {
-    if (wanted.patterns.empty() && wanted.where.empty()) {
+    if (wanted.patterns.empty() && wanted.where.text.empty()) {
         WrongUse(Printf("%s needs -p NAME=VALUE or --where EXPR; see busquill-trace %s -h", command,
                         command));
     }
@@ -75,9 +75,10 @@ Conditions ConditionsOf(const WantedSamples& wanted, const SignalTables& tables,
             WrongUse(wrong);
         }
     }
-    if (!wanted.where.empty()) {
-        conditions.where =
-            TakeCondition(SampleCondition::Parse(wanted.where, tables, lists), wanted.where);
+    if (!wanted.where.text.empty()) {
+        conditions.where = TakeCondition(
+            SampleCondition::Parse(wanted.where.text, tables, lists, &wanted.where.kept),
+            wanted.where);
     }
     return conditions;
 }
@@ -365,9 +366,9 @@ void AddWanted(CLI::App& command, WantedSamples& into) {
     Completed(AddTexts(command, "-p,--pattern", into.patterns, "NAME=VALUE",
                        "samples with this value; may be given several times, all must hold"),
               Completion::Kind::Patterns);
-    AddText(command, "--where", into.where, "EXPR",
-            "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
-            "with patterns, all must hold");
+    AddWhere(command, into.where,
+             "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
+             "with patterns, all must hold");
 }
 
 } // namespace

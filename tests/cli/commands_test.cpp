@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 namespace busquill::test {
 namespace {
@@ -615,6 +617,29 @@ TEST_F(TraceCommands, TransactionsForWhichAConditionHolds) {
     const ProgramRun none = Run({"transactions", data + "Trigger2.tra", "--where", "number < 1"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
+}
+
+TEST_F(TraceCommands, ExpressionsUseThoseThatTheUserKeeps) {
+    std::filesystem::create_directories(dir.File("home/busquill"));
+    std::ofstream(dir.File("home/busquill/expressions.txt"))
+        << "# mine\nretried: end == retry\nidle: FRAME == 1 and IRDY == 1\nno expression\n";
+    const auto run = [&](std::vector<std::string> arguments) {
+        return RunTrace(arguments, {.folder = dir.Path(),
+                                    .environment = {{"XDG_DATA_HOME", dir.File("home")}}});
+    };
+    const std::string capture = data + "Trigger2.tra";
+    const ProgramRun kept = run({"transactions", capture, "--where", "@retried", "--summary"});
+    EXPECT_EQ(kept.status, 0);
+    EXPECT_EQ(kept.out, run({"transactions", capture, "--where", "end == retry", "--summary"}).out);
+    EXPECT_THAT(kept.err, HasSubstr("expressions.txt: line 4 is not \"name: expression\""));
+    EXPECT_EQ(run({"search", capture, "--where", "not @idle", "--all"}).out,
+              run({"search", capture, "--where", "FRAME == 0 or IRDY == 0", "--all"}).out);
+    const ProgramRun wrong = run({"transactions", capture, "--where", "wait > 4 or @idle"});
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_THAT(wrong.err, HasSubstr("--where is wrong at \"@idle\": @idle is wrong at \"FRAME == 1"
+                                     " and IRDY == 1\": "));
+    // An expression without them does not read the file.
+    EXPECT_EQ(run({"transactions", capture, "--where", "number == 1"}).err, "");
 }
 
 TEST_F(TraceCommands, SummaryOfTransactions) {

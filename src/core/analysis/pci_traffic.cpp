@@ -280,6 +280,14 @@ CommandName PciTraffic::NameOf(std::uint32_t code) const {
     return {commands_->values.size() + code, (dual ? "DAC-" : "") + text};
 }
 
+std::vector<std::uint32_t> PciTraffic::Commands() const {
+    std::vector<std::uint32_t> codes;
+    for (std::uint32_t command = 0; command <= 0xF; ++command) {
+        codes.insert(codes.end(), {command, command << 4 | dualAddress});
+    }
+    return codes;
+}
+
 std::unique_ptr<BusTraffic> MakePciTraffic(const SignalTables& tables) {
     return std::make_unique<PciTraffic>(tables);
 }

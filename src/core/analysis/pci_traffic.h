@@ -50,6 +50,7 @@ public:
     void Restart() final;
     void RestartAfter(const SampleRecord& before) final;
     [[nodiscard]] CommandName NameOf(std::uint32_t command) const final;
+    [[nodiscard]] std::vector<std::uint32_t> Commands() const final;
     [[nodiscard]] bool HasClock() const final { return true; }
     [[nodiscard]] int AddressDigits(const Transaction& transaction) const final;
 

@@ -105,6 +105,15 @@ public:
         return {row, text + (modifies ? " RMW" : read ? " Rd" : " Wr")};
     }
 
+    [[nodiscard]] std::vector<std::uint32_t> Commands() const override {
+        std::vector<std::uint32_t> codes = {interruptBit};
+        for (std::uint32_t modifier = 0; modifier <= modifierMask; ++modifier) {
+            codes.insert(codes.end(),
+                         {modifier | readBit, modifier, modifier | readBit | modifyBit});
+        }
+        return codes;
+    }
+
     [[nodiscard]] int AddressDigits(const Transaction& transaction) const override {
         if ((transaction.command & interruptBit) != 0) {
             return 1;

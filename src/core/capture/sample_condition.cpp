@@ -356,9 +356,10 @@ private:
 
 std::variant<SampleCondition, ExpressionError>
 SampleCondition::Parse(std::string_view text, const SignalTables& tables,
-                       std::initializer_list<const CSignalList*> lists) {
+                       std::initializer_list<const CSignalList*> lists,
+                       const KeptExpressions* kept) {
     SampleNames names(tables, lists);
-    auto parsed = ParseExpression(text, names);
+    auto parsed = ParseExpression(text, names, kept);
     if (auto* const error = std::get_if<ExpressionError>(&parsed)) {
         return std::move(*error);
     }
@@ -367,9 +368,10 @@ SampleCondition::Parse(std::string_view text, const SignalTables& tables,
 
 ExpressionCompletion SampleCondition::Complete(std::string_view text, std::size_t cursor,
                                                const SignalTables& tables,
-                                               std::initializer_list<const CSignalList*> lists) {
+                                               std::initializer_list<const CSignalList*> lists,
+                                               const KeptExpressions* kept) {
     SampleNames names(tables, lists);
-    return CompleteExpression(text, cursor, names);
+    return CompleteExpression(text, cursor, names, kept);
 }
 
 bool SampleCondition::IsMasked() const noexcept {

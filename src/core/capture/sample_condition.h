@@ -41,10 +41,11 @@ public:
     /// The condition, or the first mistake.
     [[nodiscard]] static std::variant<SampleCondition, ExpressionError>
     Parse(std::string_view text, const SignalTables& tables,
-          std::initializer_list<const CSignalList*> lists);
+          std::initializer_list<const CSignalList*> lists, const KeptExpressions* kept = nullptr);
     [[nodiscard]] static ExpressionCompletion
     Complete(std::string_view text, std::size_t cursor, const SignalTables& tables,
-             std::initializer_list<const CSignalList*> lists);
+             std::initializer_list<const CSignalList*> lists,
+             const KeptExpressions* kept = nullptr);
 
     /// A bit for each sample of the block, set where the condition holds.
     [[nodiscard]] std::uint32_t MatchesOf(const SampleBlock& block) const noexcept;
