@@ -36,7 +36,7 @@ IntervalFigures FiguresOf(const BoardTraits& board, const SignalTables& tables,
     TransactionFollower follower(board, tables);
     if (begin > 0 && samples.Has(begin - 1)) { // it shows that an address is no second half
         follower.Resume({0, samples.first + static_cast<std::int64_t>(begin) - 1, 0,
-                         &samples.records[begin - 1], std::nullopt});
+                         &samples.records[begin - 1], std::nullopt, false});
     }
     std::uint64_t transactions = 0;
     const auto count = [&](const Transaction& transaction) {
