@@ -116,9 +116,10 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
 /// over, or FRAME is asserted again, as it never is within one. A line that is asserted by mistake
 /// does not make a transaction.
 bool PciTraffic::FollowsUnseenAddress(const SampleRecord& record) const {
-    const PciClock clock = ClockOf(record);
-    const bool isAnswered = clock.irdy && (clock.trdy || clock.stop);
-    return isAnswered && (!open_ || (clock.frame && !open_->frame));
+    if (open_ && (open_->frame || !frame_.IsAsserted(record))) {
+        return false;
+    }
+    return irdy_.IsAsserted(record) && (trdy_.IsAsserted(record) || stop_.IsAsserted(record));
 }
 
 void PciTraffic::SetAddress(Transaction& sum, std::uint64_t address) {
