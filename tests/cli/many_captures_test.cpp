@@ -10,6 +10,7 @@
 #include <chrono>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <sys/stat.h>

@@ -6,8 +6,10 @@
 
 #include <csignal>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <sys/resource.h>
+#include <utility>
 
 namespace busquill::cli {
 namespace {

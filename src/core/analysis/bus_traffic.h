@@ -47,7 +47,8 @@ public:
     /// Forgets everything about the samples so far: the next ones do not follow them.
     virtual void Restart() = 0;
     /// The same, but the sample before the next one is known, and its transaction does not matter.
-    virtual void RestartAfter(const SampleRecord& before) = 0;
+    /// `begins` if another one begins with the next sample.
+    virtual void RestartAfter(const SampleRecord& before, bool begins) = 0;
     [[nodiscard]] virtual CommandName NameOf(std::uint32_t command) const = 0;
     /// All commands that a transaction can have.
     [[nodiscard]] virtual std::vector<std::uint32_t> Commands() const = 0;

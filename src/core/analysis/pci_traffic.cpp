@@ -39,18 +39,20 @@ bool PciTraffic::IsIdle(const SampleRecord& record) const {
 }
 
 Transaction* PciTraffic::Take(const TimedSample& sample) {
+    const bool isFirst = std::exchange(isFirst_, false);
     const bool isSecondHalf = std::exchange(isSecondHalf_, false);
     if (IsIdle(sample.record)) {
         return Close(true);
     }
-    const bool frame = frame_.IsAsserted(sample.record);
-    const bool isAddress = frame && IsAddressPhase(sample.record);
+    const bool isAddress = frame_.IsAsserted(sample.record) && IsAddressPhase(sample.record);
     if (isAddress && !isSecondHalf) {
         return TakeAddress(sample);
     }
-    // FRAME is not asserted again within a transaction.
-    if (!open_ || (frame && !open_->frame)) {
+    if (isFirst || isAddress || FollowsUnseenAddress(sample.record)) {
         return TakeWithoutAddress(sample);
+    }
+    if (!open_) {
+        return nullptr;
     }
     open_->secondAddressDue = false;
     open_->sum.lastSample = sample.number;
@@ -60,12 +62,14 @@ Transaction* PciTraffic::Take(const TimedSample& sample) {
 
 void PciTraffic::Restart() {
     open_.reset();
+    isFirst_ = true;
     isSecondHalf_ = false;
 }
 
-void PciTraffic::RestartAfter(const SampleRecord& before) {
+void PciTraffic::RestartAfter(const SampleRecord& before, bool begins) {
     open_.reset();
-    isSecondHalf_ = frame_.IsAsserted(before) && IsAddressPhase(before) &&
+    isFirst_ = begins;
+    isSecondHalf_ = !begins && frame_.IsAsserted(before) && IsAddressPhase(before) &&
                     (enables_.Value(before) & 0xF) == dualAddress;
 }
 
@@ -106,6 +110,16 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
         SetAddress(open.sum, open.secondAddressDue ? lines : low);
     }
     return before;
+}
+
+/// Whether a sample moves data of a transaction whose address was not stored: those so far are
+/// over, or FRAME is asserted again, as it never is within one. A line that is asserted by mistake
+/// does not make a transaction.
+bool PciTraffic::FollowsUnseenAddress(const SampleRecord& record) const {
+    if (open_ && (open_->frame || !frame_.IsAsserted(record))) {
+        return false;
+    }
+    return irdy_.IsAsserted(record) && (trdy_.IsAsserted(record) || stop_.IsAsserted(record));
 }
 
 void PciTraffic::SetAddress(Transaction& sum, std::uint64_t address) {

@@ -48,7 +48,7 @@ public:
     [[nodiscard]] Transaction* Take(const TimedSample& sample) final;
     [[nodiscard]] const Transaction* Open() const final { return open_ ? &open_->sum : nullptr; }
     void Restart() final;
-    void RestartAfter(const SampleRecord& before) final;
+    void RestartAfter(const SampleRecord& before, bool begins) final;
     [[nodiscard]] CommandName NameOf(std::uint32_t command) const final;
     [[nodiscard]] std::vector<std::uint32_t> Commands() const final;
     [[nodiscard]] bool HasClock() const final { return true; }
@@ -80,6 +80,7 @@ protected:
 private:
     Transaction* TakeAddress(const TimedSample& sample);
     Transaction* TakeWithoutAddress(const TimedSample& sample);
+    [[nodiscard]] bool FollowsUnseenAddress(const SampleRecord& record) const;
     Transaction* TakeClock(const TimedSample& sample);
     PciTransaction& Begin(const TimedSample& sample);
     /// Of a transaction that has one.
@@ -97,6 +98,7 @@ private:
 
     std::optional<PciTransaction> open_;
     Transaction closed_;
+    bool isFirst_ = true; // the next sample does not follow another
     // An address phase in the next sample is the second of a dual address.
     bool isSecondHalf_ = false;
 };

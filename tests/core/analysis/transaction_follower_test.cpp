@@ -211,6 +211,11 @@ TEST_F(PciTransactions, AreSeenOneByOneWhereNoAddressPhaseIsStored) {
                                                 TransactionEnd::CutOff));
 }
 
+TEST_F(PciTransactions, AreNotMadeOfALineThatIsAssertedByMistake) {
+    EXPECT_THAT(Waves(bus).Line("FRAME", "~~_~~~~").Line("IRDY", "~~~~_~~").Transactions(),
+                IsEmpty());
+}
+
 TEST_F(PciTransactions, AreCutOffAtBothEndsOfTheCapture) {
     const auto transactions = Read("______~__")
                                   .Line("IRDY", "______~~_")

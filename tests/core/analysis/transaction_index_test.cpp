@@ -260,6 +260,21 @@ TEST(TransactionRowsBeforeMissingSamples, AreCutOffUnlessOthersFollow) {
     EXPECT_EQ(end(8), TransactionEnd::Unknown);
 }
 
+TEST(TransactionRowsOfAddressPhases, BeginAfterADualAddressWhoseSecondHalfLooksLikeAFirst) {
+    const BoardTables bus("PCIKite");
+    Waves waves(bus);
+    waves.Line("FRAME", "~____~~").Line("IRDY", "~~~~__~").Line("TRDY", "~~~~~_~");
+    for (const auto& [sample, code] : {std::pair{1U, 0xFDU}, {2U, 0xFDU}, {3U, 0xF6U}}) {
+        waves.At(sample, "ADR/DATA", 1).At(sample, "C/BE", code);
+    }
+    const CapturedSamples samples{waves.Records(), 0, {}};
+    TransactionIndex index(bus.board, bus.tables);
+    index.Extend(samples);
+    ASSERT_EQ(index.Size(), 2U);
+    EXPECT_FALSE(index.Row(1, samples, 0).isHeadless);
+    EXPECT_EQ(index.Row(1, samples, 1000), waves.Transactions().at(1));
+}
+
 TEST(TransactionRowsOfAddressPhases, AreOneForEachSample) {
     const BoardTables bus("PCIKite");
     Waves waves(bus);
