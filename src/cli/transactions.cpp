@@ -187,13 +187,9 @@ private:
     }
 
     void AsJson(const Transaction& each) {
-        const char* before = "\"";
-        for (const FieldColumn& column : FieldColumns()) {
-            line_ += before;
-            line_ += NameOf(column.field);
-            line_ += "\": ";
-            before = ", \"";
-            AppendJson(each, column.field);
+        for (const JsonField& field : jsonFields_) {
+            line_ += field.begin;
+            AppendJson(each, field.field);
         }
         line_ += '}';
     }
@@ -207,12 +203,18 @@ private:
             }
             break;
         case TransactionField::Address:
-            line_ += HasAddress(each) ? "\"0x" : "null";
-            fields_.Append(line_, each, field);
-            line_ += HasAddress(each) ? "\"" : "";
+            if (HasAddress(each)) {
+                line_ += "\"0x";
+                fields_.Append(line_, each, field);
+                line_ += '"';
+            } else {
+                line_ += "null";
+            }
             break;
         case TransactionField::End:
-            AppendJsonText(line_, NameOf(each.end));
+            line_ += '"';
+            line_ += NameOf(each.end);
+            line_ += '"';
             break;
         case TransactionField::Data:
             line_ += '[';
@@ -242,10 +244,24 @@ private:
         return each.address.has_value() && !each.isHeadless;
     }
 
+    struct JsonField {
+        TransactionField field;
+        std::string begin;
+    };
+    static std::vector<JsonField> JsonFields() {
+        std::vector<JsonField> fields;
+        for (const FieldColumn& column : FieldColumns()) {
+            const std::string name(NameOf(column.field));
+            fields.push_back({column.field, (fields.empty() ? "\"" : ", \"") + name + "\": "});
+        }
+        return fields;
+    }
+
     TextSink& output_;
     const Format format_;
     const std::string begin_; // of each line
     const std::vector<TextColumn> columns_;
+    const std::vector<JsonField> jsonFields_ = JsonFields();
     TransactionFields fields_;
     std::string line_;
     std::string cell_;
