@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/capture_bookmarks.h"
 #include "capture/capture_run.h"
 #include "capture/row_map.h"
 #include "capture/sample_store.h"
@@ -42,6 +43,7 @@ enum TraceHint : int {
     HintSetupNameChanged = 11,
     HintFilterChanged = 12,
     HintPolled = 13, // the capture was polled; hints for its blocks came before
+    HintBookmarks = 14,
 };
 
 /// With HintBlockArrived: the samples that have arrived.
@@ -74,6 +76,8 @@ struct NewTraceContext {
     std::function<bool(CTesselDoc&, const std::string& path)> saveTrace = nullptr;
     /// Is called again and again while a file is read, with the bytes read so far.
     std::function<void(const std::string& path, std::uint64_t bytes)> onReading = nullptr;
+    /// Is called when the bookmarks beside a capture have changed.
+    std::function<void(const CTesselDoc&, const std::string& capture)> bookmarksWritten = nullptr;
 };
 
 /// A captured trace: its samples, the signal lists that show them, the setup of the capture,
@@ -170,6 +174,15 @@ public:
     /// none.
     void ToggleMarker(int which, std::int64_t sample, bool zoom);
 
+    /// The notes on samples, by their numbers. A document without a file keeps them in memory.
+    [[nodiscard]] const Bookmarks& GetBookmarks() const noexcept { return bookmarks_.All(); }
+    /// Sets the note of a sample, or removes its bookmark. False after a message if that fails.
+    bool SetBookmark(std::int64_t number, std::optional<std::string> note);
+    /// Reads them again after another document of the same file has changed them.
+    void RenewBookmarks();
+    /// The sample that has this number; nothing if the capture has no such sample.
+    [[nodiscard]] std::optional<std::int64_t> SampleNumbered(std::int64_t number) const noexcept;
+
     /// Any thread: queues the block for FlushBlockUpdates.
     void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;
     /// Unpacks the queued blocks into the lists and updates the views.
@@ -190,6 +203,7 @@ private:
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);
     void MarkerMoved(int which, int firstHint);
+    void TellOthersOfBookmarks(const std::string& capture) const;
 
     Prompts& prompts_;
     const bool isRealTime_;
@@ -197,6 +211,7 @@ private:
     BoardCapture* const boardCapture_;
     const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
     const std::function<void(const std::string& path, std::uint64_t bytes)> onReading_;
+    const std::function<void(const CTesselDoc&, const std::string& capture)> bookmarksWritten_;
     bool loadedFromFile_ = false;
     bool hasStateList_ = false;
     bool hasZoomSamples_ = false;
@@ -206,6 +221,7 @@ private:
     RowMap rows_;
     TraceMarkers markers_;
     TraceMarkers zoomMarkers_;
+    CaptureBookmarks bookmarks_;
     Mutex docLock_;
     std::vector<CBlockUpdate> pendingUpdates_ BUSQUILL_GUARDED_BY(docLock_);
     std::unique_ptr<CaptureRun> run_; // last: destroyed before all that it notifies
