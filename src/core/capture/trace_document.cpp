@@ -134,6 +134,8 @@ void CTesselDoc::ForgetSamples() {
     RebuildMaps(0, 0);
     markers_.Clear();
     bookmarks_.Forget();
+    lastBookmark_.reset();
+    markedSamples_.reset();
     SetPathName("");
     SetModifiedFlag();
 }
@@ -323,6 +325,33 @@ void CTesselDoc::TellOthersOfBookmarks(const std::string& capture) const {
 std::optional<std::int64_t> CTesselDoc::SampleNumbered(std::int64_t number) const noexcept {
     const std::int64_t sample = number - FirstSampleNumber(false);
     return sample >= 0 && sample < SampleCount(false) ? std::optional(sample) : std::nullopt;
+}
+
+std::optional<std::int64_t> CTesselDoc::BookmarkBeside(std::int64_t number, bool forward) const {
+    const Bookmarks& all = bookmarks_.All();
+    const std::int64_t first = FirstSampleNumber(false);
+    const std::int64_t last = first + SampleCount(false) - 1;
+    if (forward) {
+        const auto next = all.upper_bound(std::max(number, first - 1));
+        return next != all.end() && next->first <= last ? std::optional(next->first) : std::nullopt;
+    }
+    auto previous = all.lower_bound(std::min(number, last + 1));
+    return previous != all.begin() && (--previous)->first >= first ? std::optional(previous->first)
+                                                                   : std::nullopt;
+}
+
+void CTesselDoc::GoToBookmark(std::int64_t number) {
+    if (const auto sample = SampleNumbered(number)) {
+        lastBookmark_ = number;
+        GoToSample(*sample, false);
+    }
+}
+
+void CTesselDoc::MarkSamples(const std::optional<SampleSpan>& samples) {
+    if (samples != markedSamples_) {
+        markedSamples_ = samples;
+        UpdateAllViews(nullptr, HintMarkedSamples);
+    }
 }
 
 void CTesselDoc::AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) {

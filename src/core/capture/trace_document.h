@@ -44,6 +44,7 @@ enum TraceHint : int {
     HintFilterChanged = 12,
     HintPolled = 13, // the capture was polled; hints for its blocks came before
     HintBookmarks = 14,
+    HintMarkedSamples = 15,
 };
 
 /// With HintBlockArrived: the samples that have arrived.
@@ -52,6 +53,14 @@ struct CBlockUpdate final : HintObject {
     std::uint32_t count = 0;
     bool zoom = false;
     std::span<const SampleRecord> records; // in the store
+};
+
+/// Samples from one to another, both included.
+struct SampleSpan {
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+
+    friend bool operator==(const SampleSpan&, const SampleSpan&) = default;
 };
 
 /// With HintGoToSample.
@@ -183,6 +192,22 @@ public:
     /// The sample that has this number; nothing if the capture has no such sample.
     [[nodiscard]] std::optional<std::int64_t> SampleNumbered(std::int64_t number) const noexcept;
 
+    /// The next bookmark of the capture's samples after a number, or before it.
+    [[nodiscard]] std::optional<std::int64_t> BookmarkBeside(std::int64_t number,
+                                                             bool forward) const;
+    /// Takes the views to the sample of a bookmark.
+    void GoToBookmark(std::int64_t number);
+    /// The bookmark that they were last taken to.
+    [[nodiscard]] std::optional<std::int64_t> LastBookmark() const noexcept {
+        return lastBookmark_;
+    }
+
+    /// The samples that the views show on another ground, such as those of a transaction.
+    [[nodiscard]] const std::optional<SampleSpan>& MarkedSamples() const noexcept {
+        return markedSamples_;
+    }
+    void MarkSamples(const std::optional<SampleSpan>& samples);
+
     /// Any thread: queues the block for FlushBlockUpdates.
     void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;
     /// Unpacks the queued blocks into the lists and updates the views.
@@ -222,6 +247,8 @@ private:
     TraceMarkers markers_;
     TraceMarkers zoomMarkers_;
     CaptureBookmarks bookmarks_;
+    std::optional<std::int64_t> lastBookmark_;
+    std::optional<SampleSpan> markedSamples_;
     Mutex docLock_;
     std::vector<CBlockUpdate> pendingUpdates_ BUSQUILL_GUARDED_BY(docLock_);
     std::unique_ptr<CaptureRun> run_; // last: destroyed before all that it notifies

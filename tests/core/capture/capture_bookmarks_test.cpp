@@ -215,6 +215,23 @@ TEST_F(BookmarksOfADocument, ThatCouldNotBeSavedAreNotForgottenByTheNextChange) 
     EXPECT_EQ(InFile("live.tra"), (Bookmarks{{2, "live"}, {3, "next"}}));
 }
 
+TEST_F(BookmarksOfADocument, HaveNeighboursAmongItsSamples) {
+    dir.Write("a.tra.bookmarks", "Busquill bookmarks 1\n-9\t\n-5\t\n0\t\n5\t\n6\t\n");
+    const auto document = Open();
+    EXPECT_EQ(document->BookmarkBeside(-100, true), -5);
+    EXPECT_EQ(document->BookmarkBeside(-5, true), 0);
+    EXPECT_EQ(document->BookmarkBeside(1, true), 5);
+    EXPECT_EQ(document->BookmarkBeside(5, true), std::nullopt);
+    EXPECT_EQ(document->BookmarkBeside(100, false), 5);
+    EXPECT_EQ(document->BookmarkBeside(5, false), 0);
+    EXPECT_EQ(document->BookmarkBeside(-1, false), -5);
+    EXPECT_EQ(document->BookmarkBeside(-5, false), std::nullopt);
+    document->GoToBookmark(6);
+    EXPECT_EQ(document->LastBookmark(), std::nullopt) << "the capture has no such sample";
+    document->GoToBookmark(5);
+    EXPECT_EQ(document->LastBookmark(), 5);
+}
+
 TEST_F(BookmarksOfADocument, HaveALimit) {
     std::string text = "Busquill bookmarks 1\n";
     for (std::size_t i = 0; i < mostBookmarks; ++i) {
