@@ -1,3 +1,4 @@
+#include "capture/bookmarks.h"
 #include "cli/bus.h"
 #include "cli/command_line.h"
 #include "cli/command_options.h"
@@ -10,7 +11,9 @@
 #include "platform/text.h"
 #include "tracesetup/setup_words.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace busquill::cli {
 
@@ -41,6 +44,21 @@ std::string ListWords(const TraceStream& stream) {
     return text.empty() ? "none, so the default ones" : text;
 }
 
+/// One a line, with the number of the sample.
+std::vector<std::string> BookmarkWords(const Bookmarks& bookmarks, const TraceSurvey& survey) {
+    std::vector<std::string> words;
+    words.reserve(bookmarks.size());
+    for (const auto& [number, note] : bookmarks) {
+        const bool isInside = survey.hasSamples && number >= survey.first && number <= survey.last;
+        std::string text = Printf("%lld", static_cast<long long>(number)) +
+                           (isInside ? "" : " (not in the capture)") + (note.empty() ? "" : ": ") +
+                           note;
+        std::ranges::replace(text, '\n', ' ');
+        words.push_back(std::move(text));
+    }
+    return words;
+}
+
 std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     const TraceSurvey survey = input.Survey();
     const TraceStream& stream = input.Stream();
@@ -64,6 +82,13 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     facts.push_back(TextFact("Lists", "lists", ListWords(stream)));
     facts.push_back(TextFact("Power Zoom", "powerZoom",
                              survey.hasZoom ? Printf("%u samples", zoomSampleCount) : "none"));
+    const BookmarkFile file = ReadBookmarks(BookmarkPathOf(input.Name()));
+    if (!file.failure.empty()) {
+        Say(BookmarkPathOf(input.Name()) + ": " + file.failure);
+    }
+    if (!file.bookmarks.empty()) {
+        facts.push_back(ListFact("Bookmarks", "bookmarks", BookmarkWords(file.bookmarks, survey)));
+    }
     return facts;
 }
 

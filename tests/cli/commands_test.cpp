@@ -78,6 +78,25 @@ TEST_F(TraceCommands, InfoOfSeveralFilesAndAsJson) {
     EXPECT_THAT(json.out, EndsWith("}]\n"));
 }
 
+TEST_F(TraceCommands, InfoListsBookmarks) {
+    SmallCapture();
+    EXPECT_THAT(Run({"info", "small.tra"}).out, Not(HasSubstr("Bookmarks")));
+    dir.Write("small.tra.bookmarks",
+              "Busquill bookmarks 1\n-2\tidle\\nfor long\n4\t\n5\tfar\n");
+    const ProgramRun text = Run({"info", "small.tra"});
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(text.err, "");
+    EXPECT_THAT(text.out, EndsWith("Bookmarks:         -2: idle for long\n"
+                                   "                   4\n"
+                                   "                   5 (not in the capture): far\n"));
+    EXPECT_THAT(Run({"info", "--json", "small.tra"}).out,
+                HasSubstr("\"bookmarks\": [\"-2: idle for long\", \"4\", "));
+    dir.Write("small.tra.bookmarks", "Busquill bookmarks 1\n4\t\nodd\n");
+    const ProgramRun odd = Run({"info", "small.tra"});
+    EXPECT_THAT(odd.out, EndsWith("Bookmarks:         4\n"));
+    EXPECT_THAT(odd.err, HasSubstr("small.tra.bookmarks: Line 3: A line begins with the number"));
+}
+
 TEST_F(TraceCommands, InfoOfAFileWithoutSamples) {
     dir.Write("empty.tra", header);
     const ProgramRun run = Run({"info", "empty.tra"});

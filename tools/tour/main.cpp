@@ -435,6 +435,29 @@ void ShowInterval(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
     frame.resize(900, 600);
 }
 
+/// Bookmarks in the waveforms, in the gauge and in the panel, and the samples of a transaction on
+/// another ground.
+void ShowBookmarks(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
+    constexpr std::pair<int, const char*> notes[] = {{-310, "Ring full: the card stops here"},
+                                                     {0, "First write after the reset"},
+                                                     {9, "Last data phase"},
+                                                     {420, "Retries, see the log of the driver"}};
+    for (const auto& [number, note] : notes) {
+        capture.SetBookmark(number, note);
+    }
+    tour.Choose(frame, "Analyze/Bookmarks", "message");
+    frame.resize(900, 620);
+    frame.RefreshCommands(); // as before each event
+    capture.GoToBookmark(0);
+    frame.RefreshCommands();
+    tour.Picture(frame, "bookmarks");
+    for (const auto& each : notes) {
+        capture.SetBookmark(each.first, std::nullopt);
+    }
+    tour.Choose(frame, "Analyze/Bookmarks", "message");
+    frame.resize(900, 600);
+}
+
 /// The list of all keys.
 void ShowKeys(Tour& tour, CMainFrame& frame) {
     for (QAction* action : frame.actions()) {
@@ -492,6 +515,7 @@ void Walk(Tour& tour, Program& program) {
         QApplication::processEvents();
         tour.Picture(frame, "waveforms");
         ShowInterval(tour, frame, document);
+        ShowBookmarks(tour, frame, document);
         auto* waves = window->findChild<CWaveformWnd*>();
         ShowTip(tour, *waves, {waves->width() / 2, waves->height() / 2});
         const std::int64_t zoomTrigger = document.Marker(0, true);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 namespace busquill {
 
@@ -15,7 +16,8 @@ CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
       searchPattern(context.tables), filterPattern(context.tables), setup(context.tables),
       prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
       boardCapture_(context.analyzer == nullptr ? nullptr : &context.analyzer->Capture()),
-      saveTrace_(context.saveTrace), onReading_(context.onReading) {
+      saveTrace_(context.saveTrace), onReading_(context.onReading),
+      bookmarksWritten_(context.bookmarksWritten), bookmarks_(prompts) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
     if (isRealTime_ && boardCapture_ != nullptr) {
@@ -71,17 +73,24 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
     setupName = setup.name;
     sampling = SamplingOf(setup);
     fileName = BaseNameOf(path);
+    bookmarks_.Open(path);
     RebuildMapsFromFile();
     return true;
 }
 
 bool CTesselDoc::OnSaveDocument(const std::string& path) {
-    return saveTrace_ && saveTrace_(*this, path);
+    if (!saveTrace_ || !saveTrace_(*this, path)) {
+        return false;
+    }
+    bookmarks_.SaveBeside(path);
+    TellOthersOfBookmarks(path);
+    return true;
 }
 
 void CTesselDoc::OnSaved(const std::string& path) {
     if (isRealTime_) {
         CDocument::OnSaved(path);
+        bookmarks_.SetFile(path);
     }
 }
 
@@ -125,6 +134,9 @@ void CTesselDoc::ForgetSamples() {
     filterPattern.BuildFromTables(1, ModeEvents);
     RebuildMaps(0, 0);
     markers_.Clear();
+    bookmarks_.Forget();
+    lastBookmark_.reset();
+    markedSamples_.reset();
     SetPathName("");
     SetModifiedFlag();
 }
@@ -287,6 +299,61 @@ void CTesselDoc::ApplyFilter(std::int64_t topSample) {
         GoToSample(sample, false);
     }
     UpdateAllViews(nullptr, HintFilterChanged);
+}
+
+bool CTesselDoc::SetBookmark(std::int64_t number, std::optional<std::string> note) {
+    if (!bookmarks_.Set(number, std::move(note))) {
+        return false;
+    }
+    if (isRealTime_ && GetPathName().empty()) {
+        SetModifiedFlag();
+    }
+    UpdateAllViews(nullptr, HintBookmarks);
+    TellOthersOfBookmarks(GetPathName());
+    return true;
+}
+
+void CTesselDoc::RenewBookmarks() {
+    bookmarks_.Renew();
+    UpdateAllViews(nullptr, HintBookmarks);
+}
+
+void CTesselDoc::TellOthersOfBookmarks(const std::string& capture) const {
+    if (bookmarksWritten_ && !capture.empty()) {
+        bookmarksWritten_(*this, capture);
+    }
+}
+
+std::optional<std::int64_t> CTesselDoc::SampleNumbered(std::int64_t number) const noexcept {
+    const std::int64_t sample = number - FirstSampleNumber(false);
+    return sample >= 0 && sample < SampleCount(false) ? std::optional(sample) : std::nullopt;
+}
+
+std::optional<std::int64_t> CTesselDoc::BookmarkBeside(std::int64_t number, bool forward) const {
+    const Bookmarks& all = bookmarks_.All();
+    const std::int64_t first = FirstSampleNumber(false);
+    const std::int64_t last = first + SampleCount(false) - 1;
+    if (forward) {
+        const auto next = all.upper_bound(std::max(number, first - 1));
+        return next != all.end() && next->first <= last ? std::optional(next->first) : std::nullopt;
+    }
+    auto previous = all.lower_bound(std::min(number, last + 1));
+    return previous != all.begin() && (--previous)->first >= first ? std::optional(previous->first)
+                                                                   : std::nullopt;
+}
+
+void CTesselDoc::GoToBookmark(std::int64_t number) {
+    if (const auto sample = SampleNumbered(number)) {
+        lastBookmark_ = number;
+        GoToSample(*sample, false);
+    }
+}
+
+void CTesselDoc::MarkSamples(const std::optional<SampleSpan>& samples) {
+    if (samples != markedSamples_) {
+        markedSamples_ = samples;
+        UpdateAllViews(nullptr, HintMarkedSamples);
+    }
 }
 
 void CTesselDoc::AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) {

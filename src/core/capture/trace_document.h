@@ -1,5 +1,6 @@
 #pragma once
 
+#include "capture/capture_bookmarks.h"
 #include "capture/capture_run.h"
 #include "capture/row_map.h"
 #include "capture/sample_store.h"
@@ -42,6 +43,8 @@ enum TraceHint : int {
     HintSetupNameChanged = 11,
     HintFilterChanged = 12,
     HintPolled = 13, // the capture was polled; hints for its blocks came before
+    HintBookmarks = 14,
+    HintMarkedSamples = 15,
 };
 
 /// With HintBlockArrived: the samples that have arrived.
@@ -50,6 +53,14 @@ struct CBlockUpdate final : HintObject {
     std::uint32_t count = 0;
     bool zoom = false;
     std::span<const SampleRecord> records; // in the store
+};
+
+/// Samples from one to another, both included.
+struct SampleSpan {
+    std::int64_t first = 0;
+    std::int64_t last = 0;
+
+    friend bool operator==(const SampleSpan&, const SampleSpan&) = default;
 };
 
 /// With HintGoToSample.
@@ -74,6 +85,8 @@ struct NewTraceContext {
     std::function<bool(CTesselDoc&, const std::string& path)> saveTrace = nullptr;
     /// Is called again and again while a file is read, with the bytes read so far.
     std::function<void(const std::string& path, std::uint64_t bytes)> onReading = nullptr;
+    /// Is called when the bookmarks beside a capture have changed.
+    std::function<void(const CTesselDoc&, const std::string& capture)> bookmarksWritten = nullptr;
 };
 
 /// A captured trace: its samples, the signal lists that show them, the setup of the capture,
@@ -171,6 +184,31 @@ public:
     /// none.
     void ToggleMarker(int which, std::int64_t sample, bool zoom);
 
+    /// The notes on samples, by their numbers. A document without a file keeps them in memory.
+    [[nodiscard]] const Bookmarks& GetBookmarks() const noexcept { return bookmarks_.All(); }
+    /// Sets the note of a sample, or removes its bookmark. False after a message if that fails.
+    bool SetBookmark(std::int64_t number, std::optional<std::string> note);
+    /// Reads them again after another document of the same file has changed them.
+    void RenewBookmarks();
+    /// The sample that has this number; nothing if the capture has no such sample.
+    [[nodiscard]] std::optional<std::int64_t> SampleNumbered(std::int64_t number) const noexcept;
+
+    /// The next bookmark of the capture's samples after a number, or before it.
+    [[nodiscard]] std::optional<std::int64_t> BookmarkBeside(std::int64_t number,
+                                                             bool forward) const;
+    /// Takes the views to the sample of a bookmark.
+    void GoToBookmark(std::int64_t number);
+    /// The bookmark that they were last taken to.
+    [[nodiscard]] std::optional<std::int64_t> LastBookmark() const noexcept {
+        return lastBookmark_;
+    }
+
+    /// The samples that the views show on another ground, such as those of a transaction.
+    [[nodiscard]] const std::optional<SampleSpan>& MarkedSamples() const noexcept {
+        return markedSamples_;
+    }
+    void MarkSamples(const std::optional<SampleSpan>& samples);
+
     /// Any thread: queues the block for FlushBlockUpdates.
     void AddBlock(std::uint32_t first, std::span<const SampleRecord> records, bool zoom) override;
     /// Unpacks the queued blocks into the lists and updates the views.
@@ -191,6 +229,7 @@ private:
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);
     void MarkerMoved(int which, int firstHint);
+    void TellOthersOfBookmarks(const std::string& capture) const;
 
     Prompts& prompts_;
     const bool isRealTime_;
@@ -198,6 +237,7 @@ private:
     BoardCapture* const boardCapture_;
     const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
     const std::function<void(const std::string& path, std::uint64_t bytes)> onReading_;
+    const std::function<void(const CTesselDoc&, const std::string& capture)> bookmarksWritten_;
     bool loadedFromFile_ = false;
     bool hasStateList_ = false;
     bool hasZoomSamples_ = false;
@@ -207,6 +247,9 @@ private:
     RowMap rows_;
     TraceMarkers markers_;
     TraceMarkers zoomMarkers_;
+    CaptureBookmarks bookmarks_;
+    std::optional<std::int64_t> lastBookmark_;
+    std::optional<SampleSpan> markedSamples_;
     Mutex docLock_;
     std::vector<CBlockUpdate> pendingUpdates_ BUSQUILL_GUARDED_BY(docLock_);
     std::unique_ptr<CaptureRun> run_; // last: destroyed before all that it notifies

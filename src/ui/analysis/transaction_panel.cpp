@@ -207,8 +207,16 @@ TransactionModel* TransactionPanel::Model() const {
     return found == captures_.end() ? nullptr : found->second.model.get();
 }
 
+/// A table without a chosen row chooses the first one when it gets the keyboard; that must not move
+/// the capture.
 void TransactionPanel::TakeKeyboard() {
+    const bool hasRow = table_->currentIndex().isValid();
+    follows_ = true;
     table_->setFocus();
+    if (!hasRow && Model() != nullptr) {
+        table_->selectionModel()->clearCurrentIndex();
+    }
+    follows_ = false;
 }
 
 // Which capture is shown.
@@ -231,6 +239,7 @@ void TransactionPanel::Follow(CMDIChildWnd* active) {
 
 void TransactionPanel::Show(CTesselDoc* document) {
     if (TransactionModel* old = Model()) {
+        document_->MarkSamples(std::nullopt);
         RememberPlace();
         StoreColumns();
         captures_.at(document_).typed = filter_->currentText();
@@ -267,6 +276,7 @@ void TransactionPanel::MakeModel(CTesselDoc& document) {
     connect(model, &TransactionModel::Renewed, this, [this, model] {
         if (model == Model()) {
             RestorePlace();
+            MarkRow(table_->currentIndex()); // the row may have gone
         }
     });
     connect(model, &TransactionModel::Worked, this, &TransactionPanel::ShowState);
@@ -340,6 +350,7 @@ void TransactionPanel::showEvent(QShowEvent* event) {
     Follow(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
     if (TransactionModel* model = Model()) {
         model->SetActive(true);
+        MarkRow(table_->currentIndex());
     }
 }
 
@@ -348,6 +359,7 @@ void TransactionPanel::hideEvent(QHideEvent* event) {
     if (TransactionModel* model = Model()) {
         StoreColumns();
         model->SetActive(false);
+        MarkRow({});
     }
     busy_.reset();
 }
@@ -616,6 +628,18 @@ void TransactionPanel::RestorePlace() {
 void TransactionPanel::RowChosen(const QModelIndex& index) {
     if (!follows_ && index.isValid()) {
         document_->GoToSample(Model()->FirstSample(index.row()), false);
+    }
+    MarkRow(index);
+}
+
+/// Its samples have another ground in the windows of the capture.
+void TransactionPanel::MarkRow(const QModelIndex& index) {
+    const TransactionModel* const model = Model();
+    if (model != nullptr) {
+        document_->MarkSamples(index.isValid() && isVisible()
+                                   ? std::optional(SampleSpan{model->FirstSample(index.row()),
+                                                              model->LastSample(index.row())})
+                                   : std::nullopt);
     }
 }
 

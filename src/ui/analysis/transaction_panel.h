@@ -87,6 +87,7 @@ private:
     void RememberPlace();
     void RestorePlace();
     void RowChosen(const QModelIndex& index);
+    void MarkRow(const QModelIndex& index);
     void SelectRow(int row);
     void ShowMarker();
     [[nodiscard]] TransactionModel* Model() const;

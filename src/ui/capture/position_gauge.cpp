@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <utility>
 
 namespace busquill {
 
@@ -15,7 +16,10 @@ constexpr std::uint32_t lightYellow = 0x3FFFFF;
 constexpr std::uint32_t blue = 0xFF0000;
 constexpr std::uint32_t green = 0x00FF00;
 constexpr std::uint32_t red = 0x0000FF;
+constexpr std::uint32_t magenta = 0xE000E0;
 constexpr std::uint32_t black = 0;
+constexpr int tickWidth = 2;
+constexpr int tickHeight = 6;
 constexpr int smallestWindow = 3;
 
 } // namespace
@@ -28,7 +32,7 @@ std::vector<GaugeBar> GaugeBars(const GaugeState& state, int left, int right) {
     }
     const auto fill = [&](std::int64_t from, std::int64_t to, std::uint32_t color) {
         const GaugeBar bar{std::max(static_cast<int>(from), left),
-                           std::min(static_cast<int>(to), right), color};
+                           std::min(static_cast<int>(to), right), color, false};
         if (bar.left < bar.right) {
             bars.push_back(bar);
         }
@@ -63,6 +67,13 @@ std::vector<GaugeBar> GaugeBars(const GaugeState& state, int left, int right) {
             trigger + (right - trigger) * state.after / (state.total - state.trigger);
         fill(trigger, std::min<std::int64_t>(full, right), blue);
     }
+    for (const std::int64_t sample : state.bookmarks) {
+        const auto x =
+            static_cast<int>(std::clamp<std::int64_t>(place(sample), left, right - tickWidth));
+        if (bars.empty() || !bars.back().isTick || bars.back().left != x) {
+            bars.push_back({x, x + tickWidth, magenta, true});
+        }
+    }
     for (const auto& [sample, color] :
          {std::pair(state.trigger, red), {state.marker2, blue}, {state.marker1, green}}) {
         if (sample != -1) {
@@ -75,7 +86,7 @@ std::vector<GaugeBar> GaugeBars(const GaugeState& state, int left, int right) {
 
 CPositionGauge::CPositionGauge(QWidget* parent) : QWidget(parent) {
     setMinimumSize(60, 16);
-    setToolTip("Position of the window, the trigger and the markers in the capture");
+    setToolTip("Position of the window, the trigger, the markers and the bookmarks in the capture");
 }
 
 void CPositionGauge::Set(std::int64_t GaugeState::*field, std::int64_t value) {
@@ -106,6 +117,13 @@ void CPositionGauge::SetWindow(std::int64_t first, std::int64_t last) {
     Set(&GaugeState::windowLast, last);
 }
 
+void CPositionGauge::SetBookmarks(std::vector<std::int64_t> samples) {
+    if (samples != state_.bookmarks) {
+        state_.bookmarks = std::move(samples);
+        update();
+    }
+}
+
 void CPositionGauge::SetCounts(std::int64_t before, std::int64_t after) {
     Set(&GaugeState::before, before);
     Set(&GaugeState::after, after);
@@ -117,8 +135,8 @@ void CPositionGauge::paintEvent(QPaintEvent* /*event*/) {
     const QRect inside = rect().adjusted(1, 1, -1, -1);
     painter.fillRect(inside, ColorOf(ground));
     for (const GaugeBar& bar : GaugeBars(state_, inside.left(), inside.right() + 1)) {
-        painter.fillRect(bar.left, inside.top(), bar.right - bar.left, inside.height(),
-                         ColorOf(bar.color));
+        painter.fillRect(bar.left, inside.top(), bar.right - bar.left,
+                         bar.isTick ? tickHeight : inside.height(), ColorOf(bar.color));
     }
 }
 

@@ -17,13 +17,16 @@ struct GaugeState {
     std::int64_t windowLast = -1;
     std::int64_t before = -1; // counts while a capture runs
     std::int64_t after = -1;
+    std::vector<std::int64_t> bookmarks = {};
 };
 
-/// A filled part of the gauge, over its full height; a line is a bar one pixel wide.
+/// A filled part of the gauge, over its full height unless it is a tick; a line is a bar one pixel
+/// wide.
 struct GaugeBar {
     int left = 0;
     int right = 0; // the first pixel after it
     std::uint32_t color = 0;
+    bool isTick = false; // only at the top
     friend bool operator==(const GaugeBar&, const GaugeBar&) = default;
 };
 
@@ -43,6 +46,7 @@ public:
     void SetMarker1(std::int64_t sample);
     void SetMarker2(std::int64_t sample);
     void SetWindow(std::int64_t first, std::int64_t last);
+    void SetBookmarks(std::vector<std::int64_t> samples);
     void SetCounts(std::int64_t before, std::int64_t after);
     [[nodiscard]] const GaugeState& State() const noexcept { return state_; }
 

@@ -26,4 +26,19 @@ void DrawMarkerGlyph(QPainter& painter, const DrawStyle& style, int which, int x
     }
 }
 
+void DrawBookmarkCorner(QPainter& painter, const QRect& cell, const QColor& color) {
+    constexpr int side = 7;
+    for (int i = 0; i < side; ++i) {
+        painter.fillRect(cell.left(), cell.top() + i, side - i, 1, color);
+    }
+}
+
+void DrawBookmarkFlag(QPainter& painter, int x, int height, const QColor& color) {
+    painter.fillRect(x, 1, 1, height - 1, color);
+    for (int i = 0; i < bookmarkFlagWidth - 1; ++i) {
+        const int half = (bookmarkFlagWidth - 1 - i) / 2;
+        painter.fillRect(x + 1 + i, 1 + 3 - half, 1, 2 * half + 1, color);
+    }
+}
+
 } // namespace busquill

@@ -25,19 +25,51 @@ QString NumbersOf(const TippedSamples& samples, std::int64_t first, std::int64_t
                          : QString("Samples %1 to %2").arg(number + first).arg(number + last);
 }
 
-/// The time of a sample since the trigger; empty where it is not known.
-QString TimeOf(const TippedSamples& samples, std::int64_t sample) {
-    const CTesselDoc& document = samples.document;
-    const std::int64_t trigger = document.Marker(0, samples.zoom);
-    const auto time = samples.list.TimeFrom(trigger, sample);
-    if (!time || !document.HasAllSamples(std::min(trigger, sample), std::max(trigger, sample),
-                                         samples.zoom)) {
-        return {};
+/// The notes of the samples, one a line.
+void AddNotes(const TippedSamples& samples, QStringList& lines) {
+    if (samples.zoom) {
+        return;
     }
-    return QString::fromStdString(FormatTimeSince(*time, sample < trigger, samples.zoom));
+    constexpr int mostNotes = 5;
+    constexpr int longest = 160;
+    const CTesselDoc& document = samples.document;
+    const std::int64_t number = document.FirstSampleNumber(false);
+    const Bookmarks& all = document.GetBookmarks();
+    const std::int64_t firstRow =
+        samples.firstFlagRow < 0 ? samples.firstRow : samples.firstFlagRow;
+    const auto end = all.upper_bound(number + document.RowToSample(samples.lastRow, false));
+    int count = 0;
+    for (auto each = all.lower_bound(number + document.RowToSample(firstRow, false)); each != end;
+         ++each) {
+        if (!document.IsRowSample(each->first - number, false)) {
+            continue;
+        }
+        if (++count > mostNotes) {
+            lines << "...";
+            return;
+        }
+        const QString note = QString::fromStdString(each->second);
+        const QString of = samples.firstRow == samples.lastRow && firstRow == samples.firstRow
+                               ? QString("Bookmark")
+                               : QString("Bookmark at %1").arg(each->first);
+        lines << (note.isEmpty()
+                      ? of
+                      : of + ": " + (note.size() > longest ? note.left(longest) + "..." : note));
+    }
 }
 
 } // namespace
+
+QString TimeSinceTrigger(const CTesselDoc& document, const CSignalList& list, std::int64_t sample,
+                         bool zoom) {
+    const std::int64_t trigger = document.Marker(0, zoom);
+    const auto time = list.TimeFrom(trigger, sample);
+    if (!time ||
+        !document.HasAllSamples(std::min(trigger, sample), std::max(trigger, sample), zoom)) {
+        return {};
+    }
+    return QString::fromStdString(FormatTimeSince(*time, sample < trigger, zoom));
+}
 
 QString SampleTip(const TippedSamples& samples, const CSignal* signal,
                   const std::function<std::string(std::int64_t)>& textOf) {
@@ -65,11 +97,12 @@ QString SampleTip(const TippedSamples& samples, const CSignal* signal,
                                         (isSame ? *value : "several values"));
     }
     lines << NumbersOf(samples, first, last);
-    const QString begin = TimeOf(samples, first);
-    const QString end = TimeOf(samples, last);
+    const QString begin = TimeSinceTrigger(document, samples.list, first, samples.zoom);
+    const QString end = TimeSinceTrigger(document, samples.list, last, samples.zoom);
     if (!begin.isEmpty() && !end.isEmpty()) {
         lines << "Time since the trigger: " + (first == last ? begin : begin + " to " + end);
     }
+    AddNotes(samples, lines);
     return lines.join('\n');
 }
 

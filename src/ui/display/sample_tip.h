@@ -21,11 +21,18 @@ struct TippedSamples {
     bool zoom = false;       // of the Power Zoom
     std::int64_t firstRow = 0;
     std::int64_t lastRow = 0;
+    std::int64_t firstFlagRow = -1; // where bookmarks begin whose flags are here; -1: at firstRow
 };
 
+/// The time of a sample since the trigger; empty where samples are missing between them, since it
+/// would be too short.
+[[nodiscard]] QString TimeSinceTrigger(const CTesselDoc& document, const CSignalList& list,
+                                       std::int64_t sample, bool zoom);
+
 /// `signal` is the one under the pointer, or null; `textOf` gives its value in a sample as the
-/// display shows it. Of samples that have not arrived, the tip says only that. The time is left out
-/// where samples are missing between these and the trigger, since it would be too short.
+/// display shows it. Notes of bookmarks come last. Of samples that have not arrived, the tip says
+/// only that. The time is left out where samples are missing between these and the trigger, since
+/// it would be too short.
 [[nodiscard]] QString SampleTip(const TippedSamples& samples, const CSignal* signal,
                                 const std::function<std::string(std::int64_t)>& textOf);
 

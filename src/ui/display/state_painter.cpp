@@ -123,7 +123,21 @@ private:
                 return frame_.colors.Mark(which);
             }
         }
-        return sample % 2 != 0 ? std::optional(frame_.colors.alternate) : std::nullopt;
+        const auto usual = sample % 2 != 0 ? std::optional(frame_.colors.alternate) : std::nullopt;
+        return IsMarked(sample) ? MarkedGround(usual.value_or(frame_.colors.background)) : usual;
+    }
+
+    /// Paper shows neither marked samples nor bookmarks.
+    [[nodiscard]] bool IsMarked(std::int64_t sample) const {
+        const auto& marked = frame_.document.MarkedSamples();
+        return style_.fills && !frame_.zoom && marked && sample >= marked->first &&
+               sample <= marked->last;
+    }
+
+    [[nodiscard]] bool HasBookmark(std::int64_t sample) const {
+        return style_.fills && !frame_.zoom &&
+               frame_.document.GetBookmarks().contains(frame_.document.FirstSampleNumber(false) +
+                                                       sample);
     }
 
     void DrawRow(int y, std::int64_t row, std::int64_t sample, std::int64_t previous, bool valid) {
@@ -134,6 +148,9 @@ private:
             Fill(numberCell, *color);
         }
         const std::uint32_t ground = color.value_or(frame_.colors.background);
+        if (HasBookmark(sample)) {
+            DrawBookmarkCorner(painter_, numberCell, ColorOf(BookmarkOn(ground)));
+        }
         painter_.setPen(Ink(black, ground));
         DrawCellText(painter_, numberCell,
                      QString::number(frame_.document.FirstSampleNumber(frame_.zoom) + sample),

@@ -118,6 +118,12 @@ void CTraceView::MakeCommands() {
             },
             [this, marker = marker] { return CanGoTo(marker); });
     }
+    for (const bool forward : {true, false}) {
+        commands.On(
+            forward ? CommandId::NextBookmark : CommandId::PreviousBookmark,
+            [this, forward] { GoToBookmark(forward); },
+            [this, forward] { return CanGoToBookmark(forward); });
+    }
     const auto hasSignals = [this] { return !ListOf(Trace()).Empty(); };
     for (const bool forward : {true, false}) {
         commands.On(
@@ -207,14 +213,48 @@ void CTraceView::GoTo(GoToTarget target) {
     }
 }
 
-void CTraceView::PutMarker(int which) {
+bool CTraceView::Shows(std::int64_t sample) const {
+    return sample >= TopSample() && sample <= display_->LastClickableSample();
+}
+
+std::int64_t CTraceView::MiddleSample() const {
     const std::int64_t top = Trace().SampleToRow(TopSample(), isZoom_);
     const std::int64_t last = Trace().RowCount(isZoom_) - 1;
     std::int64_t middle = Trace().SampleToRow(CenterSample(), isZoom_);
     if (middle == last) { // the rows may end above the middle of the window
         middle = (top + last) / 2;
     }
-    Trace().ToggleMarker(which, Trace().RowToSample(middle, isZoom_), isZoom_);
+    return Trace().RowToSample(middle, isZoom_);
+}
+
+void CTraceView::PutMarker(int which) {
+    Trace().ToggleMarker(which, MiddleSample(), isZoom_);
+}
+
+std::int64_t CTraceView::CurrentSample() const {
+    const std::int64_t marker = Trace().Marker(1, isZoom_);
+    return marker != -1 && Shows(marker) ? marker : MiddleSample();
+}
+
+std::optional<std::int64_t> CTraceView::BookmarkBeside(bool forward) const {
+    if (isZoom_ || RowCount() == 0) {
+        return std::nullopt;
+    }
+    const auto last = Trace().LastBookmark();
+    const auto sample = last ? Trace().SampleNumbered(*last) : std::nullopt;
+    return Trace().BookmarkBeside(
+        sample && Shows(*sample) ? *last : Trace().FirstSampleNumber(false) + MiddleSample(),
+        forward);
+}
+
+bool CTraceView::CanGoToBookmark(bool forward) const {
+    return BookmarkBeside(forward).has_value();
+}
+
+void CTraceView::GoToBookmark(bool forward) {
+    if (const auto number = BookmarkBeside(forward)) {
+        Trace().GoToBookmark(*number);
+    }
 }
 
 bool CTraceView::CanSearchSamples() const {
@@ -395,6 +435,10 @@ void CTraceView::OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* 
     case HintPolled:
         ShowRun();
         break;
+    case HintBookmarks:
+        ReportBookmarks();
+        display_->Render();
+        break;
     default:
         display_->Render();
     }
@@ -440,6 +484,7 @@ void CTraceView::ShowFilling() {
     gauge.SetMarker1(-1);
     gauge.SetMarker2(-1);
     gauge.SetWindow(-1, -1);
+    gauge.SetBookmarks({});
 }
 
 /// The gauge shows the capture as it is now.
@@ -454,6 +499,21 @@ void CTraceView::ShowWholeCapture() {
     gauge.SetMarker1(-1);
     gauge.SetMarker2(-1);
     ReportWindow();
+    ReportBookmarks();
+}
+
+/// Bookmarks are about the capture's samples, not those of the Power Zoom.
+void CTraceView::ReportBookmarks() {
+    if (frame_ == nullptr || isZoom_) {
+        return;
+    }
+    std::vector<std::int64_t> samples;
+    for (const auto& [number, note] : Trace().GetBookmarks()) {
+        if (const auto sample = Trace().SampleNumbered(number)) {
+            samples.push_back(*sample);
+        }
+    }
+    frame_->GetGauge().SetBookmarks(std::move(samples));
 }
 
 void CTraceView::ReportWindow() {

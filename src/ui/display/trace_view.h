@@ -68,6 +68,13 @@ public:
     /// Puts a marker on the sample in the middle, or removes it from there.
     void PutMarker(int which);
 
+    /// The sample that the user looks at: that of marker 1 if it shows, else the one in the middle.
+    [[nodiscard]] std::int64_t CurrentSample() const;
+    /// Takes all views of the capture to the next bookmark, or the previous one: from the one that
+    /// they were last taken to if it still shows, else from the middle.
+    [[nodiscard]] bool CanGoToBookmark(bool forward) const;
+    void GoToBookmark(bool forward);
+
     [[nodiscard]] bool CanSearchSamples() const;
     [[nodiscard]] bool CanFilterSamples() const;
     /// Asks for the number of a sample and goes there.
@@ -125,12 +132,16 @@ private:
     void MarkerChanged(int which);
     void BlockArrived(const HintObject* object);
     void Synchronise();
+    [[nodiscard]] bool Shows(std::int64_t sample) const;
+    [[nodiscard]] std::int64_t MiddleSample() const;
+    [[nodiscard]] std::optional<std::int64_t> BookmarkBeside(bool forward) const;
     void RefreshFrameName();
     void ShowTimes();
     void CaptureStarted();
     void ShowFilling();
     void ShowWholeCapture();
     void ReportWindow();
+    void ReportBookmarks();
     void ShowCounts(std::int64_t before, std::int64_t after);
     void ShowRun();
     void FollowStatus(const RunState& state);

@@ -162,8 +162,14 @@ public:
         const auto missing = samples_.FirstMissing();
         const QRect belowHeader = area.adjusted(0, firstBand_, 0, 0);
         painter_.setClipRect(belowHeader);
+        const QRect marked = MarkedPart(belowHeader);
+        Fill(marked, ColorOf(MarkedGround(frame_.colors.background)));
         for (const WaveBand& band : bands_) {
             FillBand(band, area.left(), area.width());
+            if (band.signal % 2 != 0) {
+                Fill({marked.left(), band.top, marked.width(), band.height},
+                     ColorOf(MarkedGround(frame_.colors.alternate)));
+            }
             const CSignal& signal = frame_.list[band.signal];
             if (!missing && samples_.count > 0 && HasData(signal)) {
                 DrawSignal(signal, band);
@@ -211,6 +217,28 @@ private:
         const int bottom = frame_.size.height() - 1;
         VerticalLine(right, 0, bottom + 1, line_);
         painter_.fillRect(0, bottom, right + 1, 1, line_);
+    }
+
+    /// The part of the waves that shows marked samples; empty if none does.
+    [[nodiscard]] QRect MarkedPart(const QRect& waves) const {
+        const auto& marked = frame_.document.MarkedSamples();
+        if (!marked || frame_.isZoom || samples_.count == 0) {
+            return {};
+        }
+        std::int64_t first = frame_.document.SampleToRow(marked->first, false);
+        if (frame_.document.RowToSample(first, false) < marked->first) {
+            ++first; // a filter hides it
+        }
+        const std::int64_t end = frame_.document.SampleToRow(marked->last, false) + 1;
+        if (end <= std::max(first, frame_.place.row)) {
+            return {};
+        }
+        const auto xOf = [&](std::int64_t row) {
+            return scale_.XOf(std::clamp<std::int64_t>(row - frame_.place.row, 0, samples_.count));
+        };
+        const int left = xOf(first);
+        const int least = first - frame_.place.row < samples_.count ? 1 : 0;
+        return {left, waves.top(), std::max(xOf(end) - left, least), waves.height()};
     }
 
     /// Stripes depend on the signal, so that they scroll with it.
@@ -336,10 +364,39 @@ private:
             return;
         }
         lastRow_ = std::min(frame_.place.row + scale_.TickedRows(), frame_.EndRow() - 1);
+        DrawBookmarks();
         for (int which = 0; which < 3; ++which) {
             DrawMark(which);
         }
         DrawSpan();
+    }
+
+    /// Flags with dashed lines, below all other marks. Paper shows none.
+    void DrawBookmarks() {
+        if (frame_.isZoom || !style_.fills) {
+            return;
+        }
+        const CTesselDoc& document = frame_.document;
+        const QColor color = ColorOf(BookmarkOn(frame_.colors.background));
+        const std::int64_t first = document.FirstSampleNumber(false);
+        const Bookmarks& all = document.GetBookmarks();
+        const auto end = all.upper_bound(first + LastSample());
+        int before = -1;
+        for (auto each = all.lower_bound(first + FirstSample()); each != end; ++each) {
+            const std::int64_t sample = each->first - first;
+            const std::int64_t row = document.SampleToRow(sample, false);
+            const auto x = static_cast<int>(scale_.MarkOf(row - frame_.place.row));
+            if (document.IsRowSample(sample, false) && x > before && x >= scale_.left &&
+                x < scale_.right - 1) {
+                DrawBookmarkFlag(painter_, x, headerLine_, color);
+                constexpr int dash = 4;
+                for (int y = firstBand_; y < frame_.size.height() - 1; y += 2 * dash) {
+                    strokes_.Add(x, y, 1, dash);
+                }
+                before = x;
+            }
+        }
+        strokes_.Draw(painter_, color);
     }
 
     [[nodiscard]] int GlyphTop() const { return headerLine_ / 2 - GlyphSide(style_) / 2; }

@@ -2,6 +2,7 @@
 
 #include "capture/trace_document.h"
 #include "ui/display/band_values.h"
+#include "ui/display/marker_glyphs.h"
 #include "ui/display/print_painter.h"
 #include "ui/display/sample_tip.h"
 #include "ui/display/state_geometry.h"
@@ -299,9 +300,11 @@ PlaceTip CWaveformWnd::CellTip(const QPoint& place) {
     const CSignal* signal = band ? &(*list_)[band->signal] : nullptr;
     const int top = band ? band->top : place.y();
     const int height = band ? band->height : 1;
-    const auto tip = [&](std::int64_t first, std::int64_t last, const QRect& area) {
+    const bool isHeader = place.y() < waveFirstBand;
+    const auto tip = [&](std::int64_t first, std::int64_t last, const QRect& area,
+                         std::int64_t firstFlag = -1) {
         const BandSamples samples(*document_, isZoom_, first, last - first + 1);
-        return PlaceTip{SampleTip({*document_, *list_, isZoom_, first, last}, signal,
+        return PlaceTip{SampleTip({*document_, *list_, isZoom_, first, last, firstFlag}, signal,
                                   [&](std::int64_t sample) {
                                       return BandText(samples, list_->Tables().Board(), *signal,
                                                       sample);
@@ -321,9 +324,14 @@ PlaceTip CWaveformWnd::CellTip(const QPoint& place) {
     if (first >= RowCount()) {
         return {};
     }
+    const std::int64_t last = std::min(place_.row + span.last, RowCount() - 1);
+    if (isHeader) { // a flag lies right of its sample's beginning
+        const int flag = std::max(place.x() - bookmarkFlagWidth + 1, scale.left);
+        return tip(first, last, {place.x(), 0, 1, waveFirstBand},
+                   place_.row + scale.SpanAt(flag).first);
+    }
     const int left = scale.XOf(span.first);
-    return tip(first, std::min(place_.row + span.last, RowCount() - 1),
-               {left, top, std::max(scale.XOf(span.last + 1) - left, 1), height});
+    return tip(first, last, {left, top, std::max(scale.XOf(span.last + 1) - left, 1), height});
 }
 
 void CWaveformWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

@@ -106,6 +106,11 @@ constexpr Command commands[] = {
 
     {CommandId::Transactions,         "&Analyze",                "&Transactions",         "Show or hide the transactions of the capture", "", "Ctrl+Shift+T"},
     {CommandId::Interval,             "&Analyze",                "&Interval",             "Show or hide what lies between the markers", "", "Ctrl+Shift+I"},
+    {CommandId::ShowBookmarks,            "&Analyze",                "&Bookmarks",            "Show or hide the bookmarks of the capture", "", "Ctrl+Shift+B"},
+    {CommandId::None,                 "&Analyze",                "", "", "", ""},
+    {CommandId::AddBookmark,          "&Analyze",                "&Add Bookmark...",      "Put a bookmark on the sample of marker 1 or in the middle of the display, or change its note", "", "Ctrl+B"},
+    {CommandId::NextBookmark,         "&Analyze",                "&Next Bookmark",        "Go to the next bookmark", "", "Ctrl+F2"},
+    {CommandId::PreviousBookmark,     "&Analyze",                "&Previous Bookmark",    "Go to the previous bookmark", "", "Ctrl+Shift+F2"},
 
     {CommandId::Cascade,              "&Window",                 "&Cascade",              "Arrange the windows so that they overlap", "", ""},
     {CommandId::Tile,                 "&Window",                 "&Tile",                 "Arrange the windows side by side", "", ""},
@@ -164,6 +169,8 @@ bool RepeatsWithItsKey(CommandId id) noexcept {
     case CommandId::ZoomOut:
     case CommandId::FindNext:
     case CommandId::FindPrevious:
+    case CommandId::NextBookmark:
+    case CommandId::PreviousBookmark:
     case CommandId::Marker1Back:
     case CommandId::Marker1Forward:
     case CommandId::Marker2Back:

@@ -59,6 +59,7 @@ const SettingRow& RowOf(ColorSetting which) {
 // As the guidelines for readable web pages define them.
 constexpr double readableContrast = 7;
 constexpr double disabledContrast = 2.5;
+constexpr double signContrast = 3;
 
 double Luminance(const QColor& color) {
     const auto linear = [](float part) {
@@ -73,16 +74,25 @@ double Contrast(const QColor& a, const QColor& b) {
     return (light + 0.05) / (dark + 0.05);
 }
 
+bool IsDark(const QColor& ground) {
+    return Contrast(ground, Qt::white) > Contrast(ground, Qt::black);
+}
+
+constexpr int mixSteps = 32;
+
+/// The colour with so many parts of 32 of another one.
+QColor Mixed(const QColor& color, const QColor& other, int step) {
+    const auto mix = [&](int from, int to) { return from + (to - from) * step / mixSteps; };
+    return {mix(color.red(), other.red()), mix(color.green(), other.green()),
+            mix(color.blue(), other.blue())};
+}
+
 /// Mixes black or white into the colour until the contrast suffices.
 QColor WithContrast(const QColor& ground, const QColor& color, double contrast) {
-    const QColor end =
-        Contrast(ground, Qt::white) > Contrast(ground, Qt::black) ? Qt::white : Qt::black;
-    constexpr int steps = 32;
+    const QColor end = IsDark(ground) ? Qt::white : Qt::black;
     QColor mixed = color;
-    for (int step = 1; step <= steps && Contrast(ground, mixed) < contrast; ++step) {
-        const auto mix = [&](int from, int to) { return from + (to - from) * step / steps; };
-        mixed = QColor(mix(color.red(), end.red()), mix(color.green(), end.green()),
-                       mix(color.blue(), end.blue()));
+    for (int step = 1; step <= mixSteps && Contrast(ground, mixed) < contrast; ++step) {
+        mixed = Mixed(color, end, step);
     }
     return mixed;
 }
@@ -95,6 +105,16 @@ int ValueIn(ColorSet set, ColorSetting which) {
 
 std::uint32_t LegibleOn(std::uint32_t ground, std::uint32_t color) {
     return NumberOf(WithContrast(ColorOf(ground), ColorOf(color), readableContrast));
+}
+
+std::uint32_t BookmarkOn(std::uint32_t ground) {
+    return NumberOf(WithContrast(ColorOf(ground), QColor(0xC0, 0x00, 0xC0), signContrast));
+}
+
+std::uint32_t MarkedGround(std::uint32_t ground) {
+    const QColor color = ColorOf(ground);
+    return NumberOf(IsDark(color) ? Mixed(color, QColor(0x30, 0x60, 0xB0), mixSteps * 3 / 8)
+                                  : Mixed(color, QColor(0xB8, 0xDC, 0xFF), mixSteps * 5 / 8));
 }
 
 int ReadColorSetting(const Settings& settings, ColorSetting which) {

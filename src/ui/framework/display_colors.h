@@ -41,6 +41,12 @@ enum class ColorSet { Standard, Legible, Dark };
 /// The colour, or as near a shade of it as can be read on that ground.
 [[nodiscard]] std::uint32_t LegibleOn(std::uint32_t ground, std::uint32_t color);
 
+/// The colour of a bookmark's sign on a ground.
+[[nodiscard]] std::uint32_t BookmarkOn(std::uint32_t ground);
+/// The ground of samples that are marked, in place of the usual one: a shade of blue on which text
+/// is as legible.
+[[nodiscard]] std::uint32_t MarkedGround(std::uint32_t ground);
+
 /// The stored value, or the one as it comes.
 [[nodiscard]] int ReadColorSetting(const Settings& settings, ColorSetting which);
 void WriteColorSetting(Settings& settings, ColorSetting which, int value);

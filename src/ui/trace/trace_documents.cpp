@@ -33,6 +33,9 @@ std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTessel
     context.saveTrace = [this](CTesselDoc& document, const std::string& path) {
         return SaveTrace(document, path);
     };
+    context.bookmarksWritten = [this](const CTesselDoc& by, const std::string& capture) {
+        RenewBookmarks(by, capture);
+    };
     if (auto* window = qobject_cast<QMainWindow*>(parts_.area.window())) {
         context.onReading = [progress = std::make_shared<ReadingProgress>(window->statusBar())](
                                 const std::string& path, std::uint64_t bytes) {
@@ -103,6 +106,17 @@ CTraceView* TraceDocuments::FindRealTimeView(TraceViewKind kind) const {
 bool TraceDocuments::SaveTrace(CTesselDoc& document, const std::string& path) {
     return CSaveTraceDialog(parts_.area.window(), document, path, parts_.prompts, parts_.mainThread)
                .exec() == QDialog::Accepted;
+}
+
+void TraceDocuments::RenewBookmarks(const CTesselDoc& by, const std::string& capture) const {
+    for (const auto& each : Template().Documents()) {
+        auto& document = static_cast<CTesselDoc&>(*each);
+        std::error_code unknown;
+        if (&document != &by &&
+            std::filesystem::equivalent(document.GetPathName(), capture, unknown)) {
+            document.RenewBookmarks();
+        }
+    }
 }
 
 std::vector<FileType> TraceDocuments::ExportTypes() {

@@ -55,6 +55,8 @@ private:
     [[nodiscard]] CMultiDocTemplate::MakeFrame FramesOf(TraceViewKind kind);
     [[nodiscard]] CTesselDoc* RealTimeDocument() const;
     [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);
+    /// Other documents of the capture show the bookmarks that one of them has written.
+    void RenewBookmarks(const CTesselDoc& by, const std::string& capture) const;
     void OpenZoomFrame(CTesselDoc& document);
     [[nodiscard]] ExportWriter::What WhatToExport(CTesselDoc& document, ExportFormat format) const;
     [[nodiscard]] CMultiDocTemplate& Template() const;

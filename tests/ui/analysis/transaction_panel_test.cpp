@@ -220,6 +220,39 @@ TEST_F(TransactionPanels, AClickTakesAllWindowsOfTheCaptureToTheFirstSample) {
     EXPECT_EQ(frame.Trace().Marker(1, false), -1) << "no marker moves";
 }
 
+TEST_F(TransactionPanels, TheSamplesOfTheChosenRowAreMarkedWhileThePanelIsOpen) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    const CTesselDoc& trace = frame.Trace();
+    const std::int64_t top = frame.TraceView().TopSample();
+    OpenPanel();
+    EXPECT_EQ(trace.MarkedSamples(), std::nullopt);
+    EXPECT_EQ(frame.TraceView().TopSample(), top);
+    const auto samplesOf = [&](int row) {
+        return std::optional(SampleSpan{Model().FirstSample(row), Model().LastSample(row)});
+    };
+    ClickRow(20);
+    EXPECT_EQ(trace.MarkedSamples(), samplesOf(20));
+    EXPECT_LT(trace.MarkedSamples()->first, trace.MarkedSamples()->last);
+    QTest::keyClick(&Table(), Qt::Key_Down);
+    EXPECT_EQ(trace.MarkedSamples(), samplesOf(21));
+    frame.Trace().ToggleMarker(1, Model().FirstSample(30), false);
+    EXPECT_EQ(trace.MarkedSamples(), samplesOf(30)) << "marker 1 has chosen it";
+    Give("bytes > 100000");
+    EXPECT_EQ(trace.MarkedSamples(), std::nullopt) << "no row is left";
+    Give("");
+    EXPECT_EQ(trace.MarkedSamples(), samplesOf(30));
+    Choose("Analyze/Transactions");
+    EXPECT_EQ(trace.MarkedSamples(), std::nullopt) << "the panel is closed";
+    OpenPanel();
+    EXPECT_EQ(trace.MarkedSamples(), samplesOf(30));
+    Open("Trigger1.tra");
+    ASSERT_TRUE(Settled());
+    EXPECT_EQ(trace.MarkedSamples(), std::nullopt) << "another capture is shown";
+    Frame().Area().setActiveSubWindow(&frame);
+    QApplication::processEvents();
+    EXPECT_EQ(trace.MarkedSamples(), samplesOf(30));
+}
+
 TEST_F(TransactionPanels, KeysGoFromRowToRow) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();

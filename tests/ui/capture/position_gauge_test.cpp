@@ -84,6 +84,20 @@ TEST(Gauge, AWindowIsBlackAndAtLeastThreePixels) {
     EXPECT_EQ(Bars(state)[1], (GaugeBar{98, 101, black})) << "only up to the right edge";
 }
 
+TEST(Gauge, BookmarksAreTicksBelowTriggerAndMarkers) {
+    GaugeState state;
+    state.total = 100;
+    state.trigger = 50;
+    state.marker1 = 20;
+    state.bookmarks = {20, 20, 50, 99};
+    constexpr std::uint32_t magenta = 0xE000E0;
+    const std::vector<GaugeBar> bars = GaugeBars(state, 0, 100);
+    const std::vector<GaugeBar> wanted{{0, 100, 0x3FFFFF},      {20, 22, magenta, true},  // once
+                                       {50, 52, magenta, true}, {98, 100, magenta, true}, // inside
+                                       {50, 51, 0x0000FF},      {20, 21, 0x00FF00}};
+    EXPECT_EQ(bars, wanted);
+}
+
 TEST(Gauge, MillionsOfSamplesDoNotOverflow) {
     const GaugeState state{.total = 33554433, .trigger = 16777216, .before = 16777216, .after = 0};
     EXPECT_EQ(Bars(state)[0], (GaugeBar{1, 49, blue}));

@@ -380,10 +380,10 @@ TEST_F(Keys, OnlyStepsRepeatWhileAKeyIsHeld) {
         }
     }
     repeating.sort();
-    EXPECT_EQ(repeating,
-              QStringList({"Find Next", "Find Previous", "Marker 1 Back", "Marker 1 Forward",
-                           "Marker 2 Back", "Marker 2 Forward", "Next Signal", "Paste",
-                           "Previous Signal", "Zoom In", "Zoom Out"}));
+    EXPECT_EQ(repeating, QStringList({"Find Next", "Find Previous", "Marker 1 Back",
+                                      "Marker 1 Forward", "Marker 2 Back", "Marker 2 Forward",
+                                      "Next Bookmark", "Next Signal", "Paste", "Previous Bookmark",
+                                      "Previous Signal", "Zoom In", "Zoom Out"}));
 }
 
 TEST_F(Keys, ShiftF10OpensTheMenuOnTheSelectedSignal) {

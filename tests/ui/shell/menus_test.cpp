@@ -93,7 +93,15 @@ const char* ReasonAgainst(CommandId id, Shows shows) {
         return isTrace ? nullptr : "it has no samples";
     case CommandId::Transactions:
     case CommandId::Interval:
+    case CommandId::ShowBookmarks:
         return isTrace ? nullptr : "it shows no capture";
+    case CommandId::AddBookmark:
+        return shows == Shows::Listing || shows == Shows::Waveforms
+                   ? nullptr
+                   : "it has no samples of a capture";
+    case CommandId::NextBookmark:
+    case CommandId::PreviousBookmark:
+        return "there are no bookmarks";
     default:
         return nullptr;
     }
