@@ -3,75 +3,80 @@
 #include "signals/signal.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
-#include <utility>
 
 namespace busquill {
 
 namespace {
 
-/// Whether times in whole nanoseconds can be those of one period.
-class EvenTimes {
-public:
-    void Add(std::int64_t time) noexcept {
-        least_ = std::min(least_, time);
-        most_ = std::max(most_, time);
-    }
-    [[nodiscard]] bool Holds() const noexcept { return least_ > 0 && most_ - least_ <= 1; }
-
-private:
-    std::int64_t least_ = std::numeric_limits<std::int64_t>::max();
-    std::int64_t most_ = 0;
-};
+void Count(const Transaction& transaction, std::uint64_t& transactions, std::uint64_t& bytes) {
+    transactions += transaction.isHeadless ? 0 : 1;
+    bytes += transaction.bytes;
+}
 
 } // namespace
 
-IntervalFigures FiguresOf(const BoardTraits& board, const SignalTables& tables,
-                          const CapturedSamples& samples, std::size_t from, std::size_t to,
-                          bool isBusClock) {
-    const auto [begin, end] = std::minmax(from, to);
-    IntervalFigures figures;
-    figures.samples = static_cast<std::int64_t>(end - begin);
-    TransactionFollower follower(board, tables);
-    if (begin > 0 && samples.Has(begin - 1)) { // it shows that an address is no second half
-        follower.Resume({0, samples.first + static_cast<std::int64_t>(begin) - 1, 0,
-                         &samples.records[begin - 1], std::nullopt});
+IntervalWalk::IntervalWalk(const BoardTraits& board, const SignalTables& tables, std::size_t from,
+                           std::size_t to, bool isBusClock)
+    : begin_(std::min(from, to)), end_(std::max(from, to)), next_(begin_), isBusClock_(isBusClock),
+      follower_(board, tables) {}
+
+void IntervalWalk::Advance(const CapturedSamples& samples, std::size_t count) {
+    if (next_ == begin_ && begin_ > 0 && samples.Has(begin_ - 1)) {
+        // It shows that an address is no second half.
+        follower_.Resume({0, samples.first + static_cast<std::int64_t>(begin_) - 1, 0,
+                          &samples.records[begin_ - 1], std::nullopt});
     }
-    std::uint64_t transactions = 0;
-    const auto count = [&](const Transaction& transaction) {
-        transactions += transaction.isHeadless ? 0 : 1;
-        figures.bytes += transaction.bytes;
-    };
     const SampleTime sampleTime;
-    RunningTime time;
-    EvenTimes times;
-    for (std::size_t i = begin; i <= end; ++i) {
-        if (!samples.Has(i)) {
-            figures.hasGaps = true;
+    const std::size_t stop = next_ + std::min(count, end_ + 1 - next_);
+    for (; next_ < stop; ++next_) {
+        if (!samples.Has(next_)) {
+            hasGaps_ = true;
             continue;
         }
-        const SampleRecord& record = samples.records[i];
-        if (i > begin) {
-            time.Add(record);
-            times.Add(sampleTime.Of(record));
+        const SampleRecord& record = samples.records[next_];
+        if (next_ > begin_) {
+            time_.Add(record);
+            const std::int64_t time = sampleTime.Of(record);
+            leastTime_ = std::min(leastTime_, time);
+            mostTime_ = std::max(mostTime_, time);
         }
-        if (i < end) {
-            std::ranges::for_each(
-                follower.Add(samples.first + static_cast<std::int64_t>(i), record), count);
+        if (next_ < end_) {
+            for (const Transaction& each :
+                 follower_.Add(samples.first + static_cast<std::int64_t>(next_), record)) {
+                Count(each, transactions_, bytes_);
+            }
         }
     }
-    if (const auto unfinished = follower.Unfinished()) {
-        count(*unfinished);
+}
+
+IntervalFigures IntervalWalk::Figures() const {
+    IntervalFigures figures;
+    figures.samples = static_cast<std::int64_t>(end_ - begin_);
+    figures.time = time_.Sum();
+    figures.hasGaps = hasGaps_;
+    figures.bytes = bytes_;
+    std::uint64_t transactions = transactions_;
+    if (const auto unfinished = follower_.Unfinished()) {
+        Count(*unfinished, transactions, figures.bytes);
     }
-    figures.time = time.Sum();
-    if (const BusTraffic* traffic = follower.Traffic()) {
+    if (const BusTraffic* traffic = follower_.Traffic()) {
         figures.transactions = transactions;
-        if (isBusClock && traffic->HasClock() && !figures.hasGaps && times.Holds()) {
+        // Times in whole nanoseconds that can be those of one period.
+        const bool isEven = leastTime_ > 0 && mostTime_ - leastTime_ <= 1;
+        if (isBusClock_ && traffic->HasClock() && !hasGaps_ && isEven) {
             figures.clocks = figures.samples;
         }
     }
     return figures;
+}
+
+IntervalFigures FiguresOf(const BoardTraits& board, const SignalTables& tables,
+                          const CapturedSamples& samples, std::size_t from, std::size_t to,
+                          bool isBusClock) {
+    IntervalWalk walk(board, tables, from, to, isBusClock);
+    walk.Advance(samples, std::numeric_limits<std::size_t>::max());
+    return walk.Figures();
 }
 
 EdgeCount EdgesOf(const CSignal& signal, const CapturedSamples& samples, std::size_t from,

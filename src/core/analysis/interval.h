@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 namespace busquill {
@@ -33,8 +34,37 @@ struct IntervalFigures {
     friend bool operator==(const IntervalFigures&, const IntervalFigures&) = default;
 };
 
-/// The figures from the record at index `from` to that at `to`, in either order. `isBusClock`: the
-/// samples were taken at the clock of the bus. Goes through the records between them.
+/// Goes through the samples of an interval in as many pieces as the caller likes.
+class IntervalWalk {
+public:
+    /// From the record at index `from` to that at `to`, in either order. `isBusClock`: the samples
+    /// were taken at the clock of the bus. The tables outlive the walk.
+    IntervalWalk(const BoardTraits& board, const SignalTables& tables, std::size_t from,
+                 std::size_t to, bool isBusClock);
+
+    /// Goes on for `count` records. `samples` are the same in each piece, wherever they lie.
+    void Advance(const CapturedSamples& samples, std::size_t count);
+    [[nodiscard]] bool IsDone() const noexcept { return next_ > end_; }
+    /// Where the next piece begins: an index from `from` to just after `to`.
+    [[nodiscard]] std::size_t Next() const noexcept { return next_; }
+    /// Of all records of the interval, once it is done.
+    [[nodiscard]] IntervalFigures Figures() const;
+
+private:
+    const std::size_t begin_;
+    const std::size_t end_;
+    std::size_t next_;
+    const bool isBusClock_;
+    TransactionFollower follower_;
+    std::uint64_t transactions_ = 0; // that have ended
+    std::uint64_t bytes_ = 0;
+    bool hasGaps_ = false;
+    RunningTime time_;
+    std::int64_t leastTime_ = std::numeric_limits<std::int64_t>::max(); // of a sample, ns
+    std::int64_t mostTime_ = 0;
+};
+
+/// The figures of a whole interval at once.
 [[nodiscard]] IntervalFigures FiguresOf(const BoardTraits& board, const SignalTables& tables,
                                         const CapturedSamples& samples, std::size_t from,
                                         std::size_t to, bool isBusClock);
@@ -46,6 +76,12 @@ struct EdgeCount {
     std::uint64_t rising = 0;
     std::uint64_t falling = 0;
 
+    EdgeCount& operator+=(const EdgeCount& other) noexcept {
+        changes += other.changes;
+        rising += other.rising;
+        falling += other.falling;
+        return *this;
+    }
     friend bool operator==(const EdgeCount&, const EdgeCount&) = default;
 };
 

@@ -173,6 +173,11 @@ bool BoardTraits::IsPci64() const noexcept {
     return bus.busMode == BusPci && bus.busWidth == 1;
 }
 
+bool IsSameBus(const BoardTraits& a, const BoardTraits& b) noexcept {
+    return a.modelString == b.modelString && a.bus.busMode == b.bus.busMode &&
+           a.bus.busWidth == b.bus.busWidth;
+}
+
 std::span<const std::string_view> BusModeNames() noexcept {
     return busModeNames;
 }

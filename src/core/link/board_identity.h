@@ -81,6 +81,9 @@ struct BoardTraits {
     [[nodiscard]] bool IsPci64() const noexcept;
 };
 
+/// Whether the records of one board mean the same as those of another.
+[[nodiscard]] bool IsSameBus(const BoardTraits& a, const BoardTraits& b) noexcept;
+
 constexpr std::size_t statusBlockSize = 18;
 constexpr std::size_t liveBlockSize = 9;
 constexpr std::size_t busBlockSize = 2;

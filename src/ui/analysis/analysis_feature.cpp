@@ -17,7 +17,8 @@ bool ShowsCapture(const QMdiArea& area) {
     return ViewOf(dynamic_cast<const CMDIChildWnd*>(area.activeSubWindow())) != nullptr;
 }
 
-/// Puts a panel into a dock of the main window, which a command shows or hides.
+/// Puts a panel into a dock of the main window, which a command shows or hides. A panel that is
+/// behind another one is brought to the front.
 void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const char* title,
               Panel* panel) {
     auto* window = qobject_cast<QMainWindow*>(parts.area.window());
@@ -29,13 +30,15 @@ void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const c
     feature.commands.Switch(
         id,
         [dock, panel] {
-            dock->setVisible(dock->isHidden());
-            if (!dock->isHidden()) {
+            const bool isSeen = !panel->visibleRegion().isEmpty();
+            dock->setVisible(!isSeen);
+            if (!isSeen) {
                 dock->raise();
                 panel->TakeKeyboard();
             }
         },
-        [dock] { return !dock->isHidden(); }, [&area = parts.area] { return ShowsCapture(area); });
+        [dock] { return !dock->isHidden(); },
+        [dock, &area = parts.area] { return !dock->isHidden() || ShowsCapture(area); });
 }
 
 } // namespace

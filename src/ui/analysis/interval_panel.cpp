@@ -1,24 +1,22 @@
 #include "ui/analysis/interval_panel.h"
 
-#include "analysis/interval.h"
 #include "capture/analyzer.h"
 #include "capture/trace_document.h"
-#include "platform/text.h"
 #include "signals/cell_text.h"
 #include "signals/value_text.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
 #include "ui/framework/mdi_child.h"
-#include "ui/framework/wait_cursor.h"
 
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLocale>
 #include <QMdiArea>
+#include <QMenu>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -29,9 +27,7 @@ namespace busquill {
 
 namespace {
 
-QString Count(std::int64_t number) {
-    return QLocale(QLocale::English).toString(static_cast<qlonglong>(number));
-}
+constexpr int copiedRole = Qt::UserRole; // the line for the clipboard
 
 /// Four digits with the prefix of a thousand, such as "33.33 MHz".
 QString WithPrefix(double value, const char* unit) {
@@ -44,9 +40,9 @@ QString WithPrefix(double value, const char* unit) {
     return QString("%1 %2%3").arg(value, 0, 'g', 4).arg(prefixes[prefix]).arg(unit);
 }
 
-std::string BusName(const BoardTraits& board) {
-    return Printf("%s %d %d", board.modelString.c_str(), static_cast<int>(board.bus.busMode),
-                  static_cast<int>(board.bus.busWidth));
+/// A line for the clipboard.
+QString Line(const QString& name, const QString& value, const QString& unit = {}) {
+    return name + '\t' + value + (unit.isEmpty() ? QString() : '\t' + unit) + '\n';
 }
 
 /// Whether changes of a row are counted: not of columns that the listing works out, or shows in
@@ -94,6 +90,20 @@ IntervalPanel::IntervalPanel(const FeatureParts& parts)
     layout->addWidget(note_);
     commands.On(
         CommandId::Copy, [this] { Copy(); }, [this] { return table_->rowCount() > 0; });
+    commands.On(
+        CommandId::SignalMenu,
+        [this] { OpenMenu(table_->visualRect(table_->currentIndex()).bottomLeft()); },
+        [this] { return table_->rowCount() > 0; });
+    table_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(table_, &QWidget::customContextMenuRequested, this, &IntervalPanel::OpenMenu);
+    work_.setSingleShot(true);
+    connect(&work_, &QTimer::timeout, this, [this] {
+        // The samples may have changed since the last piece.
+        Follow(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
+        if (count_) {
+            Continue();
+        }
+    });
 }
 
 void IntervalPanel::TakeKeyboard() {
@@ -133,7 +143,9 @@ QString IntervalPanel::WhyNotYet(const CTraceView& view) {
 }
 
 void IntervalPanel::ShowOnly(const QString& reason) {
-    shown_.reset();
+    source_.reset();
+    count_.reset();
+    work_.stop();
     table_->setRowCount(0);
     note_->setText(reason);
 }
@@ -160,42 +172,77 @@ void IntervalPanel::Follow(CMDIChildWnd* active) {
     }
     const auto [from, to] =
         std::minmax({document.Marker(1, view->IsZoom()), document.Marker(2, view->IsZoom())});
-    Source source{&document,
-                  &view->List(),
-                  view->IsZoom(),
-                  from,
-                  to,
-                  SelectedRows(view->List()),
-                  BusName(parts_.analyzer.Link().Traits())};
-    if (source != shown_) {
-        ShowFigures(*view, source);
-        shown_ = std::move(source);
+    const Source source{
+        &document, &view->List(), view->IsZoom(), from, to, SelectedRows(view->List())};
+    const BoardTraits board = parts_.analyzer.Link().Traits();
+    if (source != source_ || !IsSameBus(board, board_)) {
+        board_ = board;
+        Begin(source);
     }
 }
 
-void IntervalPanel::ShowFigures(const CTraceView& view, const Source& source) {
-    const WaitCursor wait;
-    const CTesselDoc& document = view.Trace();
-    const int current = table_->currentRow();
-    const bool isSelected = current >= 0 && table_->item(current, 0)->isSelected();
-    table_->setRowCount(0);
-    note_->clear();
-    AddLine("Samples", Count(source.to - source.from));
-    if (const auto time = source.list->TimeFrom(source.from, source.to)) {
-        // In full only where that says more.
-        const QString rounded = QString::fromStdString(FormatTime(*time, source.isZoom));
-        const QString inFull = Count(*time) + (source.isZoom ? "ps" : "ns");
-        AddLine("Time", *time < 1000 ? rounded : rounded + " = " + inFull);
-        const double units = source.isZoom ? 1e12 : 1e9;
-        AddLine("1/t", *time == 0 ? "-" : WithPrefix(units / static_cast<double>(*time), "Hz"));
-    }
+void IntervalPanel::Begin(const Source& source) {
+    source_ = source;
+    count_.emplace();
+    const auto from = static_cast<std::size_t>(source.from);
+    count_->next = from;
     if (!source.isZoom) {
-        AddFigures(document, source);
+        const std::int32_t clock = source.document->setup.clock;
+        count_->absent = AbsentSamples(*source.document);
+        count_->walk.emplace(board_, parts_.analyzer.Tables(), from,
+                             static_cast<std::size_t>(source.to),
+                             clock == clockOfBus || clock == clockSync);
     }
     for (const auto& signal : source.list->All()) {
         if (IsCounted(*signal)) {
-            AddEdges(document, source, *signal);
+            count_->counted.push_back(signal.get());
         }
+    }
+    count_->edges.resize(count_->counted.size());
+    Continue();
+}
+
+void IntervalPanel::Continue() {
+    constexpr std::size_t samplesAtOnce = 512;
+    constexpr int longestPause = 20; // milliseconds
+    const CTesselDoc& document = *source_->document;
+    const CapturedSamples samples = source_->isZoom
+                                        ? CapturedSamples{document.GetStore().GetData(true), 0, {}}
+                                        : SamplesOf(document, count_->absent);
+    const auto to = static_cast<std::size_t>(source_->to);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (count_->next < to || (count_->walk && !count_->walk->IsDone())) {
+        if (elapsed.elapsed() >= longestPause) {
+            const auto from = static_cast<std::size_t>(source_->from);
+            ShowTimes();
+            note_->setText(
+                QString("Counting, %1 % ...").arg((count_->next - from) * 100 / (to - from)));
+            work_.start(0);
+            return;
+        }
+        if (count_->walk) {
+            count_->walk->Advance(samples, samplesAtOnce);
+        }
+        const std::size_t next = std::min(count_->next + samplesAtOnce, to);
+        for (std::size_t i = 0; i < count_->counted.size(); ++i) {
+            count_->edges[i] += EdgesOf(*count_->counted[i], samples, count_->next, next);
+        }
+        count_->next = next;
+    }
+    ShowFigures();
+    count_.reset();
+}
+
+void IntervalPanel::ShowFigures() {
+    const int current = table_->currentRow();
+    const bool isSelected = current >= 0 && table_->item(current, 0)->isSelected();
+    ShowTimes();
+    if (count_->walk) {
+        ShowTransactions(count_->walk->Figures());
+    }
+    for (std::size_t i = 0; i < count_->counted.size(); ++i) {
+        ShowEdges(*count_->counted[i], count_->edges[i]);
     }
     table_->resizeColumnToContents(0);
     if (current >= 0 && current < table_->rowCount()) {
@@ -206,27 +253,54 @@ void IntervalPanel::ShowFigures(const CTraceView& view, const Source& source) {
     }
 }
 
-void IntervalPanel::AddLine(const QString& name, const QString& value) {
+void IntervalPanel::AddLine(const QString& name, const QString& value, const QString& copied) {
     const int row = table_->rowCount();
     table_->insertRow(row);
     table_->setItem(row, 0, new QTableWidgetItem(name));
-    table_->setItem(row, 1, new QTableWidgetItem(value));
+    auto* const item = new QTableWidgetItem(value);
+    item->setData(copiedRole, copied);
+    table_->setItem(row, 1, item);
 }
 
-void IntervalPanel::AddFigures(const CTesselDoc& document, const Source& source) {
-    const std::vector<std::uint32_t> absent = AbsentSamples(document);
-    const bool isBusClock = document.setup.clock == clockOfBus || document.setup.clock == clockSync;
-    const IntervalFigures figures = FiguresOf(
-        parts_.analyzer.Link().Traits(), parts_.analyzer.Tables(), SamplesOf(document, absent),
-        static_cast<std::size_t>(source.from), static_cast<std::size_t>(source.to), isBusClock);
+void IntervalPanel::AddCount(const QString& name, std::uint64_t count) {
+    AddLine(name, Grouped(count), Line(name, QString::number(count)));
+}
+
+/// What the times of the samples tell without a walk through all samples.
+void IntervalPanel::ShowTimes() {
+    table_->setRowCount(0);
+    note_->clear();
+    AddCount("Samples", static_cast<std::uint64_t>(source_->to - source_->from));
+    const auto time = source_->list->TimeFrom(source_->from, source_->to);
+    if (!time) {
+        return;
+    }
+    const char* const unit = source_->isZoom ? "ps" : "ns";
+    // In full only where that says more.
+    const QString rounded = QString::fromStdString(FormatTime(*time, source_->isZoom));
+    AddLine("Time",
+            *time < 1000 ? rounded
+                         : rounded + " = " + Grouped(static_cast<std::uint64_t>(*time)) + unit,
+            Line("Time", QString::number(*time), unit));
+    if (*time == 0) {
+        AddLine("1/t", "-", Line("1/t", "-"));
+    } else {
+        const double rate = (source_->isZoom ? 1e12 : 1e9) / static_cast<double>(*time);
+        AddLine("1/t", WithPrefix(rate, "Hz"), Line("1/t", QString::number(rate), "Hz"));
+    }
+}
+
+void IntervalPanel::ShowTransactions(const IntervalFigures& figures) {
     if (figures.clocks) {
-        AddLine("Clocks", Count(*figures.clocks));
+        AddCount("Clocks", static_cast<std::uint64_t>(*figures.clocks));
     }
     if (figures.transactions) {
-        AddLine("Transactions", Count(static_cast<std::int64_t>(*figures.transactions)));
-        AddLine("Bytes", Count(static_cast<std::int64_t>(figures.bytes)));
+        AddCount("Transactions", *figures.transactions);
+        AddCount("Bytes", figures.bytes);
         const auto throughput = figures.Throughput();
-        AddLine("Throughput", throughput ? WithPrefix(*throughput, "B/s") : "-");
+        AddLine("Throughput", throughput ? WithPrefix(*throughput, "B/s") : "-",
+                throughput ? Line("Throughput", QString::number(*throughput), "B/s")
+                           : Line("Throughput", "-"));
     }
     if (figures.hasGaps) {
         note_->setText(
@@ -234,25 +308,21 @@ void IntervalPanel::AddFigures(const CTesselDoc& document, const Source& source)
     }
 }
 
-void IntervalPanel::AddEdges(const CTesselDoc& document, const Source& source,
-                             const CSignal& signal) {
-    const std::vector<std::uint32_t> absent =
-        source.isZoom ? std::vector<std::uint32_t>() : AbsentSamples(document);
-    const CapturedSamples samples = source.isZoom
-                                        ? CapturedSamples{document.GetStore().GetData(true), 0, {}}
-                                        : SamplesOf(document, absent);
-    const EdgeCount edges = EdgesOf(signal, samples, static_cast<std::size_t>(source.from),
-                                    static_cast<std::size_t>(source.to));
+void IntervalPanel::ShowEdges(const CSignal& signal, const EdgeCount& edges) {
     const QString name = QString::fromStdString(signal.RowName());
-    const QString count = Count(static_cast<std::int64_t>(edges.changes));
-    signal.grouped ? AddLine("Changes of " + name, count)
-                   : AddLine("Edges of " + name,
-                             QString("%1: %2 rising, %3 falling")
-                                 .arg(count, Count(static_cast<std::int64_t>(edges.rising)),
-                                      Count(static_cast<std::int64_t>(edges.falling))));
+    if (signal.grouped) {
+        AddCount("Changes of " + name, edges.changes);
+        return;
+    }
+    AddLine("Edges of " + name,
+            QString("%1: %2 rising, %3 falling")
+                .arg(Grouped(edges.changes), Grouped(edges.rising), Grouped(edges.falling)),
+            Line("Edges of " + name, QString::number(edges.changes)) +
+                Line("Rising edges of " + name, QString::number(edges.rising)) +
+                Line("Falling edges of " + name, QString::number(edges.falling)));
 }
 
-/// The selected lines, or all of them: name and value, separated by a tab.
+/// The selected lines, or all of them: name, plain number and unit, separated by tabs.
 void IntervalPanel::Copy() const {
     const auto isSelected = [this](int row) { return table_->item(row, 0)->isSelected(); };
     bool any = false;
@@ -262,10 +332,16 @@ void IntervalPanel::Copy() const {
     QString text;
     for (int row = 0; row < table_->rowCount(); ++row) {
         if (!any || isSelected(row)) {
-            text += table_->item(row, 0)->text() + '\t' + table_->item(row, 1)->text() + '\n';
+            text += table_->item(row, 1)->data(copiedRole).toString();
         }
     }
     QGuiApplication::clipboard()->setText(text);
+}
+
+void IntervalPanel::OpenMenu(const QPoint& place) {
+    QMenu menu(this);
+    menu.addAction("&Copy", this, &IntervalPanel::Copy);
+    menu.exec(table_->viewport()->mapToGlobal(place));
 }
 
 /// Esc leads back to the capture.

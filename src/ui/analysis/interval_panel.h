@@ -1,10 +1,13 @@
 #pragma once
 
+#include "analysis/interval.h"
+#include "link/board_identity.h"
 #include "ui/framework/feature.h"
 #include "ui/framework/panel.h"
 
-#include <QStringList>
+#include <QTimer>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -35,7 +38,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    /// What the figures were made of; they are made anew when it changes.
+    /// What the figures are made of; they are made anew when it changes.
     struct Source {
         const CTesselDoc* document = nullptr;
         const CSignalList* list = nullptr;
@@ -43,25 +46,43 @@ private:
         std::int64_t from = 0;
         std::int64_t to = 0;
         std::vector<std::string> selected; // rows
-        std::string bus;
 
         friend bool operator==(const Source&, const Source&) = default;
+    };
+    /// Figures in the making.
+    struct Count {
+        std::vector<std::uint32_t> absent;
+        std::optional<IntervalWalk> walk; // of samples of the bus
+        std::size_t next = 0;             // the first sample whose edges are not counted
+        std::vector<const CSignal*> counted;
+        std::vector<EdgeCount> edges;
     };
 
     /// Why there are no figures; empty if there are.
     [[nodiscard]] QString WhyEmpty(const CTraceView* view) const;
     [[nodiscard]] static QString WhyNotYet(const CTraceView& view);
     void ShowOnly(const QString& reason);
-    void ShowFigures(const CTraceView& view, const Source& source);
-    void AddLine(const QString& name, const QString& value);
-    void AddFigures(const CTesselDoc& document, const Source& source);
-    void AddEdges(const CTesselDoc& document, const Source& source, const CSignal& signal);
+    void Begin(const Source& source);
+    /// Counts for a moment. What is not done then is done after the events that wait.
+    void Continue();
+    void ShowFigures();
+    void ShowTimes();
+    void ShowTransactions(const IntervalFigures& figures);
+    void ShowEdges(const CSignal& signal, const EdgeCount& edges);
+    /// `copied` are the lines for the clipboard, with the names in front.
+    void AddLine(const QString& name, const QString& value, const QString& copied);
+    void AddCount(const QString& name, std::uint64_t count);
     void Copy() const;
+    /// At a place in the table.
+    void OpenMenu(const QPoint& place);
 
     const FeatureParts parts_;
     QTableWidget* table_;
     QLabel* note_; // below the figures, or instead of them
-    std::optional<Source> shown_;
+    std::optional<Source> source_;
+    BoardTraits board_;          // of the figures
+    std::optional<Count> count_; // nothing when the figures are shown
+    QTimer work_;
 };
 
 } // namespace busquill

@@ -4,6 +4,8 @@
 #include "ui/display/trace_view.h"
 #include "ui/framework/mdi_child.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <cstddef>
 
@@ -11,6 +13,10 @@ namespace busquill {
 
 CTraceView* ViewOf(const CMDIChildWnd* frame) {
     return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
+}
+
+QString Grouped(std::uint64_t count) {
+    return QLocale(QLocale::English).toString(static_cast<qulonglong>(count));
 }
 
 std::vector<std::uint32_t> AbsentSamples(const CTesselDoc& document) {

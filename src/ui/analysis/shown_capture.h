@@ -2,6 +2,8 @@
 
 #include "analysis/transaction_index.h"
 
+#include <QString>
+
 #include <cstdint>
 #include <vector>
 
@@ -13,6 +15,9 @@ class CTraceView;
 
 /// The view of a capture in a window; null if the window is null or shows something else.
 [[nodiscard]] CTraceView* ViewOf(const CMDIChildWnd* frame);
+
+/// A count for the reader's eye, such as "1,048,576".
+[[nodiscard]] QString Grouped(std::uint64_t count);
 
 /// A bit for each sample of a document that is not in the file, or has not arrived.
 [[nodiscard]] std::vector<std::uint32_t> AbsentSamples(const CTesselDoc& document);

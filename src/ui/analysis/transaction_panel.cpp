@@ -7,7 +7,7 @@
 #include "platform/settings.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
-#include "ui/analysis/filter_line.h"
+#include "ui/analysis/expression_line.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
@@ -20,7 +20,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLocale>
+#include <QLineEdit>
 #include <QMdiArea>
 #include <QMenu>
 #include <QScrollBar>
@@ -32,6 +32,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace busquill {
 
@@ -42,6 +43,8 @@ constexpr std::size_t mostKeptRows = 1000;
 /// More would be slow to paste.
 constexpr int mostCopiedRows = 100'000;
 
+/// The section of the settings.
+constexpr const char* transactionSettings = "Transactions";
 constexpr const char* columnsKey = "Columns";
 constexpr const char* hiddenKey = "HiddenColumns";
 
@@ -72,10 +75,6 @@ int ColumnOf(TransactionField field) {
     return static_cast<int>(found - columns.begin());
 }
 
-QString Grouped(std::uint64_t number) {
-    return QLocale(QLocale::English).toString(static_cast<qulonglong>(number));
-}
-
 /// What the rows add up to; empty without transactions.
 QString Summary(const TransactionModel& model) {
     const TransactionTotals* const totals = model.Totals();
@@ -92,7 +91,8 @@ QString Summary(const TransactionModel& model) {
     if (totals->Transactions() != model.TransactionCount()) {
         text += " of " + Grouped(model.TransactionCount());
     }
-    text += " transactions, " + Grouped(bytes) + " bytes";
+    const bool isOne = totals->Transactions() == 1 && model.TransactionCount() == 1;
+    text += (isOne ? " transaction, " : " transactions, ") + Grouped(bytes) + " bytes";
     if (latency.count > 0) {
         text += ", mean latency " + QString::fromStdString(FormatTime(latency.Mean(), false));
     }
@@ -106,11 +106,6 @@ QString Summary(const TransactionModel& model) {
         }
     }
     return text;
-}
-
-bool IsSameBus(const BoardTraits& a, const BoardTraits& b) {
-    return a.modelString == b.modelString && a.bus.busMode == b.bus.busMode &&
-           a.bus.busWidth == b.bus.busWidth;
 }
 
 } // namespace
@@ -170,7 +165,18 @@ void TransactionPanel::MakeFilter(QVBoxLayout& layout) {
     auto* explanation = new QLabel;
     explanation->setObjectName("FilterMistake");
     explanation->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    filter_ = new FilterLine(parts_.settings, *explanation);
+    filter_ = new ExpressionLine(parts_.settings, transactionSettings, *explanation);
+    filter_->setObjectName("TransactionFilter");
+    filter_->lineEdit()->setPlaceholderText("such as: wait > 4 and end == retry");
+    filter_->setToolTip("Show only transactions for which this holds");
+    filter_->SetLanguage({[this](std::string_view text) -> std::optional<ExpressionError> {
+                              const auto parsed = TransactionCondition::Parse(text, FilterBus());
+                              const auto* const mistake = std::get_if<ExpressionError>(&parsed);
+                              return mistake == nullptr ? std::nullopt : std::optional(*mistake);
+                          },
+                          [this](std::string_view text, std::size_t cursor) {
+                              return TransactionCondition::Complete(text, cursor, FilterBus());
+                          }});
     filter_->installEventFilter(this);
     auto* label = new QLabel("Filter:");
     label->setBuddy(filter_);
@@ -180,7 +186,7 @@ void TransactionPanel::MakeFilter(QVBoxLayout& layout) {
     line->addWidget(filter_, 1);
     line->addWidget(explanation, 1);
     layout.addLayout(line);
-    connect(filter_, &FilterLine::Changed, this, &TransactionPanel::ApplyFilter);
+    connect(filter_, &ExpressionLine::Changed, this, &TransactionPanel::ApplyFilter);
 }
 
 void TransactionPanel::MakeCommands() {
@@ -214,10 +220,9 @@ void TransactionPanel::Follow(CMDIChildWnd* active) {
     const CTraceView* view = ViewOf(active);
     CTesselDoc* const document = view == nullptr ? nullptr : &view->Trace();
     const BoardTraits board = parts_.analyzer.Link().Traits();
-    // All have been followed on the same bus.
-    if (!captures_.empty() && !IsSameBus(captures_.begin()->second.model->Board(), board)) {
-        Show(nullptr);
-        captures_.clear();
+    if (!IsSameBus(board, board_)) {
+        board_ = board;
+        ForgetRows();
     }
     if (document != document_) {
         Show(document);
@@ -228,26 +233,12 @@ void TransactionPanel::Show(CTesselDoc* document) {
     if (TransactionModel* old = Model()) {
         RememberPlace();
         StoreColumns();
+        captures_.at(document_).typed = filter_->currentText();
         old->SetActive(false);
     }
     document_ = document;
     if (document != nullptr && Model() == nullptr) {
-        Capture& added = captures_[document];
-        added.model = std::make_unique<TransactionModel>(*document, parts_.analyzer.Link().Traits(),
-                                                         parts_.analyzer.Tables());
-        TransactionModel* const model = added.model.get();
-        connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this, model] {
-            if (model == Model()) {
-                RememberPlace();
-            }
-        });
-        connect(model, &TransactionModel::Renewed, this, [this, model] {
-            if (model == Model()) {
-                RestorePlace();
-            }
-        });
-        connect(model, &TransactionModel::Worked, this, &TransactionPanel::ShowState);
-        Listen(*document);
+        MakeModel(*document);
     }
     const QItemSelectionModel* const oldSelection = table_->selectionModel();
     table_->setModel(Model());
@@ -256,14 +247,45 @@ void TransactionPanel::Show(CTesselDoc* document) {
         connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
                 &TransactionPanel::RowChosen);
         ShowColumns();
-        if (const BusTraffic* traffic = Model()->Traffic()) {
-            filter_->SetBus({traffic->HasClock(), &parts_.analyzer.Tables()});
-        }
-        filter_->ShowFilter(captures_.at(document).filter);
+        const Capture& capture = captures_.at(document);
+        filter_->Show(capture.filter, capture.typed);
         RestorePlace();
         model->SetActive(isVisible());
     }
     ShowState();
+}
+
+void TransactionPanel::MakeModel(CTesselDoc& document) {
+    Capture& capture = captures_[&document];
+    capture.model = std::make_unique<TransactionModel>(document, board_, parts_.analyzer.Tables());
+    TransactionModel* const model = capture.model.get();
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this, model] {
+        if (model == Model()) {
+            RememberPlace();
+        }
+    });
+    connect(model, &TransactionModel::Renewed, this, [this, model] {
+        if (model == Model()) {
+            RestorePlace();
+        }
+    });
+    connect(model, &TransactionModel::Worked, this, &TransactionPanel::ShowState);
+    Listen(document);
+}
+
+/// On another bus the same samples are other transactions. The text of a filter stays: it is
+/// applied to them, unless it names something that this bus does not have.
+void TransactionPanel::ForgetRows() {
+    Show(nullptr);
+    for (auto& [document, capture] : captures_) {
+        capture.model.reset();
+        capture.filter.clear();
+    }
+}
+
+TransactionBus TransactionPanel::FilterBus() const {
+    const BusTraffic* const traffic = Model() == nullptr ? nullptr : Model()->Traffic();
+    return {traffic == nullptr || traffic->HasClock(), &parts_.analyzer.Tables()};
 }
 
 /// Nothing that could have the keyboard is hidden or disabled before the next event: the keyboard
@@ -303,7 +325,7 @@ void TransactionPanel::SourceGone(CTesselDoc& document) {
 
 void TransactionPanel::DocumentUpdated(CTesselDoc& document, int hint) {
     const auto found = captures_.find(&document);
-    if (found == captures_.end()) {
+    if (found == captures_.end() || found->second.model == nullptr) {
         return;
     }
     found->second.model->DocumentChanged(hint);
@@ -425,11 +447,20 @@ void TransactionPanel::SortBy(int column, Qt::SortOrder order) {
 
 void TransactionPanel::ApplyFilter() {
     if (TransactionModel* model = Model()) {
-        captures_.at(document_).filter = filter_->Filter();
+        captures_.at(document_).filter = filter_->Applied();
         TransactionQuery query = model->Query();
-        query.where = filter_->Condition();
+        query.where = Condition(filter_->Applied());
         model->SetQuery(std::move(query));
     }
+}
+
+std::optional<TransactionCondition> TransactionPanel::Condition(const QString& filter) const {
+    if (filter.isEmpty()) {
+        return std::nullopt;
+    }
+    auto parsed = TransactionCondition::Parse(filter.toStdString(), FilterBus());
+    auto* const condition = std::get_if<TransactionCondition>(&parsed);
+    return condition == nullptr ? std::nullopt : std::optional(std::move(*condition));
 }
 
 std::vector<int> TransactionPanel::SelectedRows() const {

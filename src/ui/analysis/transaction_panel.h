@@ -22,7 +22,7 @@ namespace busquill {
 
 class CTesselDoc;
 class CTraceView;
-class FilterLine;
+class ExpressionLine;
 
 /// The transactions of the active capture as a table. Choosing a row takes the windows of the
 /// capture to its first sample; marker 1 chooses the row that it stands in.
@@ -43,13 +43,14 @@ protected:
 private:
     /// A capture that has been shown, as long as it has windows.
     struct Capture {
-        std::unique_ptr<TransactionModel> model;
-        QPointer<CTraceView> source;        // tells about changes of the document
-        std::vector<std::int64_t> selected; // first samples
-        std::int64_t current = -1;          // first sample of the current row
-        std::int64_t top = -1;              // of the first row that shows
-        int currentBelowTop = -1;           // rows; -1 if it does not show
+        std::unique_ptr<TransactionModel> model; // null until it is shown on this bus
+        QPointer<CTraceView> source;             // tells about changes of the document
+        std::vector<std::int64_t> selected;      // first samples
+        std::int64_t current = -1;               // first sample of the current row
+        std::int64_t top = -1;                   // of the first row that shows
+        int currentBelowTop = -1;                // rows; -1 if it does not show
         QString filter;
+        QString typed; // in place of the filter, perhaps with a mistake
     };
 
     void MakeTable();
@@ -57,6 +58,9 @@ private:
     void MakeCommands();
     /// Shows a document's capture; null: none.
     void Show(CTesselDoc* document);
+    void MakeModel(CTesselDoc& document);
+    /// After the bus has changed.
+    void ForgetRows();
     void Detach();
     void Listen(CTesselDoc& document);
     void SourceGone(CTesselDoc& document);
@@ -74,6 +78,9 @@ private:
     [[nodiscard]] std::vector<int> SelectedRows() const;
     void CopyRows();
     void ApplyFilter();
+    [[nodiscard]] TransactionBus FilterBus() const;
+    /// Nothing for an empty filter.
+    [[nodiscard]] std::optional<TransactionCondition> Condition(const QString& filter) const;
     /// The table, or why there is none, and the line below it.
     void ShowState();
     [[nodiscard]] QString WhyEmpty() const;
@@ -89,8 +96,9 @@ private:
     QTableView* table_;
     QLabel* reason_;
     QLabel* summary_;
-    FilterLine* filter_;
+    ExpressionLine* filter_;
     std::optional<OverrideCursor> busy_;
+    BoardTraits board_;              // on whose bus the transactions are followed
     CTesselDoc* document_ = nullptr; // shown
     std::map<CTesselDoc*, Capture> captures_;
     bool follows_ = false; // a row is chosen by the panel, not by the user

@@ -68,7 +68,8 @@ void FieldCommands::FollowFocus(QWidget* focus) {
     if (focus_ != nullptr) {
         focus_->removeEventFilter(this);
     }
-    field_ = focus->window() == &window_ ? FieldOf(focus) : nullptr;
+    // A panel that floats is a window of its own.
+    field_ = focus->window() == &window_ || panel_ != nullptr ? FieldOf(focus) : nullptr;
     focus_ = field_ == nullptr ? nullptr : focus;
     if (focus_ != nullptr) {
         focus_->installEventFilter(this);

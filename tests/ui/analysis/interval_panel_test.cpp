@@ -2,6 +2,7 @@
 
 #include "analysis/interval.h"
 #include "capture/trace_document.h"
+#include "support/modal_qt.h"
 #include "support/program_fixture_qt.h"
 #include "ui/display/trace_view.h"
 #include "ui/trace/child_frame.h"
@@ -144,6 +145,83 @@ TEST_F(IntervalPanels, AreCopiedAsLines) {
     QApplication::clipboard()->clear();
     QTest::keyClick(&Table(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text().toStdString(), "Samples\t100\n");
+}
+
+TEST_F(IntervalPanels, AreCopiedAsPlainNumbersWithTheirUnits) {
+    for (const auto& signal : Trace().stateList.All()) {
+        signal->selected = signal->RowName() == "FRAME" && !signal->grouped;
+    }
+    PutMarkers(0, 3000);
+    const EdgeCount edges = [&] {
+        for (const auto& signal : Trace().stateList.All()) {
+            if (signal->selected) {
+                return EdgesOf(*signal, {Trace().GetStore().GetData(false), 0, {}}, 0, 3000);
+            }
+        }
+        return EdgeCount();
+    }();
+    const std::int64_t time = Trace().stateList.TimeFrom(0, 3000).value();
+    Frame().activateWindow();
+    Table().setFocus();
+    Settle();
+    EXPECT_EQ(
+        AnswerMenu([&] { QTest::keyClick(&Table(), Qt::Key_F10, Qt::ShiftModifier); }, "&Copy"),
+        QStringList("&Copy"));
+    const std::string copied = QApplication::clipboard()->text().toStdString();
+    EXPECT_THAT(copied, HasSubstr("Samples\t3000\n"));
+    EXPECT_THAT(copied, HasSubstr("Time\t" + std::to_string(time) + "\tns\n"));
+    EXPECT_THAT(copied, testing::ContainsRegex("Throughput\t[0-9.e+]+\tB/s\n"));
+    EXPECT_THAT(copied,
+                HasSubstr("\nEdges of FRAME\t" + std::to_string(edges.changes) +
+                          "\nRising edges of FRAME\t" + std::to_string(edges.rising) +
+                          "\nFalling edges of FRAME\t" + std::to_string(edges.falling) + "\n"));
+}
+
+/// A capture of so many samples that they are counted in several pieces.
+class LongIntervals : public IntervalPanels {
+protected:
+    LongIntervals() {
+        std::string text =
+            "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n\"Trace Data\",0," +
+            std::to_string(last) + '\n';
+        for (int i = 0; i <= last; ++i) {
+            text += std::to_string(i) + ",1,2,3,0,0,0,0,0,0,0,0,0,0,0,30,0,0,0\n";
+        }
+        dir.Write("long.tra", text);
+        Open("long.tra");
+        for (const auto& signal : View().List().All()) {
+            signal->selected = true;
+        }
+    }
+    bool HasCounted() {
+        constexpr int patience = 60'000; // milliseconds
+        return QTest::qWaitFor([&] { return Value("Transactions") != "(none)"; }, patience);
+    }
+    static constexpr int last = 120'000;
+};
+
+TEST_F(LongIntervals, AreCountedInPiecesBetweenEvents) {
+    PutMarkers(0, last);
+    EXPECT_EQ(Value("Samples"), "120,000");
+    EXPECT_EQ(Value("Transactions"), "(none)");
+    EXPECT_THAT(Note(), testing::MatchesRegex("Counting, [0-9]+ % ..."));
+    // A marker that is moved meanwhile begins anew.
+    Trace().ToggleMarker(2, last, false);
+    Trace().ToggleMarker(2, last - 1, false);
+    ASSERT_TRUE(HasCounted());
+    EXPECT_EQ(Value("Samples"), "119,999");
+    EXPECT_EQ(Note(), "");
+    EXPECT_EQ(Value("Edges of FRAME"), "0: 0 rising, 0 falling");
+}
+
+TEST_F(LongIntervals, AreNotCountedInAClosedWindow) {
+    PutMarkers(0, last);
+    ASSERT_THAT(Note(), HasSubstr("Counting"));
+    Frame().Area().activeSubWindow()->close();
+    QTest::qWait(50);
+    Settle();
+    EXPECT_EQ(Value("Transactions"), "(none)");
+    EXPECT_THAT(Note(), testing::Not(HasSubstr("Counting")));
 }
 
 TEST_F(IntervalPanels, FollowTheActiveWindow) {

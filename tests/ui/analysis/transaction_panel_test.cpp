@@ -11,8 +11,10 @@
 #include "ui/shell/manual_browser.h"
 #include "ui/trace/child_frame.h"
 
+#include <QAbstractItemView>
 #include <QClipboard>
 #include <QComboBox>
+#include <QCompleter>
 #include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QHeaderView>
@@ -427,6 +429,46 @@ TEST_F(TransactionPanels, AMistakeInTheFilterIsMarkedWhereItIsAndExplained) {
     EXPECT_EQ(Rows(), 0);
 }
 
+TEST_F(TransactionPanels, TheFilterOffersTheWordsThatCanFollow) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    QAbstractItemView& list = *Filter().findChild<QCompleter*>()->popup();
+    const auto offered = [&] {
+        QStringList words;
+        for (int row = 0; list.isVisible() && row < list.model()->rowCount(); ++row) {
+            words << list.model()->index(row, 0).data().toString();
+        }
+        return words.join(' ').toStdString();
+    };
+    Type("wa");
+    EXPECT_EQ(offered(), "wait");
+    QTest::keyClick(&list, Qt::Key_Tab);
+    EXPECT_EQ(Filter().currentText(), "wait");
+    EXPECT_FALSE(list.isVisible());
+    EXPECT_TRUE(Filter().lineEdit()->hasFocus());
+    Type("end == r");
+    EXPECT_EQ(offered(), "retry");
+    QTest::keyClick(&list, Qt::Key_Down);
+    QTest::keyClick(&list, Qt::Key_Return);
+    EXPECT_EQ(Filter().currentText(), "end == retry");
+    EXPECT_FALSE(list.isVisible());
+    // In the middle only the begun word changes.
+    Type("fi > 2 and wait > 3");
+    EXPECT_FALSE(list.isVisible()) << "after a mistake there is nothing to offer";
+    Filter().lineEdit()->setCursorPosition(2);
+    QTest::keyClick(&Filter(), Qt::Key_N);
+    EXPECT_EQ(offered(), "findings");
+    QTest::keyClick(&list, Qt::Key_Tab);
+    EXPECT_EQ(Filter().currentText(), "findings > 2 and wait > 3");
+    // A whole word needs no list, and Escape closes one.
+    Type("wait");
+    EXPECT_FALSE(list.isVisible());
+    Type("wai");
+    QTest::keyClick(&list, Qt::Key_Escape);
+    EXPECT_FALSE(list.isVisible());
+    EXPECT_EQ(Filter().currentText(), "wai");
+}
+
 TEST_F(TransactionPanels, FiltersThatWereUsedAreOfferedAgainAlsoInTheNextRun) {
     Open("Trigger2.tra");
     OpenPanel();
@@ -468,6 +510,84 @@ TEST_F(TransactionPanels, EachCaptureHasItsOwnFilterAndOrder) {
     EXPECT_EQ(Filter().currentText(), "end == retry");
     EXPECT_EQ(Rows(), 10);
     EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), ColumnOf("Bytes"));
+}
+
+TEST_F(TransactionPanels, WhatIsTypedStaysWithItsCapture) {
+    CChildFrame& first = Open("Trigger2.tra");
+    OpenPanel();
+    Give("end == retry");
+    Type("end == retry and wait >");
+    CChildFrame& second = Open("Trigger1.tra");
+    ASSERT_TRUE(Settled());
+    EXPECT_EQ(Filter().currentText(), "");
+    EXPECT_EQ(Mistake(), "");
+    Frame().Area().setActiveSubWindow(&first);
+    QApplication::processEvents();
+    EXPECT_EQ(Filter().currentText(), "end == retry and wait >");
+    EXPECT_NE(Mistake(), "");
+    EXPECT_EQ(Rows(), 10);
+    // A text without a mistake is applied when its capture is shown again.
+    Type("wait > 2");
+    Frame().Area().setActiveSubWindow(&second);
+    QApplication::processEvents();
+    const int rows = Rows();
+    Frame().Area().setActiveSubWindow(&first);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Rows() > 10; }));
+    EXPECT_NE(Rows(), rows);
+    EXPECT_EQ(Filter().currentText(), "wait > 2");
+}
+
+TEST_F(TransactionPanels, AFilterStaysWhenTheBusChanges) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Give("latency > 2");
+    const int rows = Rows();
+    ASSERT_GT(rows, 0);
+    ASSERT_LT(rows, static_cast<int>(Model().TransactionCount()));
+    program->Link().WriteBusConfig({.busMode = BusVme});
+    Frame().RefreshCommands();
+    EXPECT_EQ(Filter().currentText(), "latency > 2");
+    program->Link().WriteBusConfig({.busMode = BusPci});
+    Frame().RefreshCommands();
+    EXPECT_EQ(Filter().currentText(), "latency > 2");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return Rows() == rows && !Model().IsWorking(); }));
+}
+
+TEST_F(TransactionPanels, AHiddenPanelIsBroughtToTheFront) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Choose("Analyze/Interval");
+    auto* interval = Frame().findChild<QDockWidget*>("Interval");
+    Frame().tabifyDockWidget(&Dock(), interval);
+    interval->raise();
+    QApplication::processEvents();
+    ASSERT_TRUE(Dock().visibleRegion().isEmpty());
+    Choose("Analyze/Transactions");
+    QApplication::processEvents();
+    EXPECT_FALSE(Table().visibleRegion().isEmpty());
+    EXPECT_TRUE(Table().hasFocus());
+    Choose("Analyze/Transactions");
+    EXPECT_FALSE(Dock().isVisible());
+}
+
+TEST_F(TransactionPanels, AFloatingPanelWorksAsInTheWindow) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Dock().setFloating(true);
+    Dock().activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &Dock(); }));
+    ClickRow(3);
+    Frame().RefreshCommands();
+    QTest::keyClick(&Table(), Qt::Key_C, Qt::ControlModifier);
+    EXPECT_NE(Clipboard().find("Number\t"), std::string::npos);
+    Type("wait");
+    QTest::keyClick(&Filter(), Qt::Key_A, Qt::ControlModifier);
+    Frame().RefreshCommands();
+    Choose("Edit/Copy");
+    EXPECT_EQ(Clipboard(), "wait");
+    QTest::keyClick(&Filter(), Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &Frame(); }));
+    EXPECT_TRUE(ActiveFrame().TraceView().hasFocus());
 }
 
 TEST_F(TransactionPanels, ATitleSortsUpThenDownThenAsInTheCapture) {
@@ -524,6 +644,8 @@ TEST_F(TransactionPanels, CopiesTheSelectedRowsAsTheyAreShown) {
     Choose("Edit/Copy");
     EXPECT_EQ(Clipboard(), "wait");
     // In the capture, its picture or its rows.
+    Frame().activateWindow(); // the list of words has taken the keyboard
+    QApplication::processEvents();
     QTest::keyClick(&Filter(), Qt::Key_Escape);
     EXPECT_FALSE(Entry("Edit/Copy").isEnabled()) << "no marker is set in the listing";
 }
