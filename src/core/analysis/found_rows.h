@@ -35,6 +35,8 @@ public:
     /// Rows of samples before one.
     [[nodiscard]] std::size_t CountBefore(std::size_t sample) const noexcept;
 
+    friend bool operator==(const FoundRows&, const FoundRows&) = default;
+
 private:
     [[nodiscard]] std::size_t CountIn(std::size_t word) const noexcept;
 

@@ -105,7 +105,10 @@ constexpr Command commands[] = {
     {CommandId::BusConfiguration,     "&Utilities",              "&Bus Configuration",    "Set mode and width of the bus", "", ""},
 
     {CommandId::Transactions,         "&Analyze",                "&Transactions",         "Show or hide the transactions of the capture", "", "Ctrl+Shift+T"},
+    {CommandId::Findings,             "&Analyze",                "&Findings and Hits",    "Show or hide what the board has found, and the samples that fulfil an expression", "", "Ctrl+Shift+F"},
     {CommandId::Interval,             "&Analyze",                "&Interval",             "Show or hide what lies between the markers", "", "Ctrl+Shift+I"},
+    {CommandId::None,                 "&Analyze",                "", "", "", ""},
+    {CommandId::ShowOnlyHits,         "&Analyze",                "Show Only &Hits",       "Show only samples that fulfil the expression", "", ""},
 
     {CommandId::Cascade,              "&Window",                 "&Cascade",              "Arrange the windows so that they overlap", "", ""},
     {CommandId::Tile,                 "&Window",                 "&Tile",                 "Arrange the windows side by side", "", ""},

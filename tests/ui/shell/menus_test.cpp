@@ -92,8 +92,11 @@ const char* ReasonAgainst(CommandId id, Shows shows) {
     case CommandId::FindPrevious:
         return isTrace ? nullptr : "it has no samples";
     case CommandId::Transactions:
+    case CommandId::Findings:
     case CommandId::Interval:
         return isTrace ? nullptr : "it shows no capture";
+    case CommandId::ShowOnlyHits:
+        return "there is no expression yet";
     default:
         return nullptr;
     }
