@@ -159,14 +159,18 @@ void FindingPanel::MakeChoices(QVBoxLayout& layout) {
     line->addWidget(onlyHits_);
     layout.addLayout(line);
     connect(listed_, &QComboBox::activated, this, [this](int index) {
-        captures_.at(document_).listed = static_cast<FindingModel::Listed>(index);
-        Model()->SetListed(static_cast<FindingModel::Listed>(index));
-        ShowState();
+        if (FindingModel* model = Model()) {
+            captures_.at(document_).listed = static_cast<FindingModel::Listed>(index);
+            model->SetListed(static_cast<FindingModel::Listed>(index));
+            ShowState();
+        }
     });
     connect(onlyShown_, &QCheckBox::clicked, this, [this](bool isOn) {
-        captures_.at(document_).onlyShown = isOn;
-        Model()->SetOnlyShown(isOn);
-        ShowState();
+        if (FindingModel* model = Model()) {
+            captures_.at(document_).onlyShown = isOn;
+            model->SetOnlyShown(isOn);
+            ShowState();
+        }
     });
     connect(onlyHits_, &QToolButton::clicked, this, &FindingPanel::FilterByHits);
 }
@@ -231,6 +235,8 @@ void FindingPanel::Show(CTesselDoc* document) {
         line_->Show(capture.applied, capture.typed);
         RestorePlace(capture);
         model->SetActive(isVisible());
+    } else {
+        line_->Show({}, {});
     }
     ShowState();
 }
@@ -289,6 +295,7 @@ void FindingPanel::CaptureGone(CTesselDoc& document) {
     if (document_ == &document) {
         document_ = nullptr;
         ShowModel(nullptr);
+        line_->Show({}, {});
         QMetaObject::invokeMethod(this, &FindingPanel::ShowState, Qt::QueuedConnection);
     }
     const auto gone = captures_.find(&document);
@@ -309,7 +316,8 @@ void FindingPanel::DocumentUpdated(CTesselDoc& document, int hint) {
     }
     if (hint == HintMarker1) {
         ShowMarker();
-    } else if (hint >= HintCaptureStarted && hint <= HintDataComplete) {
+    } else if (hint == HintFilterChanged ||
+               (hint >= HintCaptureStarted && hint <= HintDataComplete)) {
         ShowState(); // perhaps for another reason empty
     }
 }
@@ -458,13 +466,20 @@ QString FindingPanel::Summary() const {
     if (model == nullptr || document_->SampleCount(false) == 0) {
         return {};
     }
-    QString text = Counted(model->FindingCount(), "finding", "findings");
-    if (!model->Expression().empty()) {
-        text += ", " + Counted(model->HitCount(), "hit", "hits");
+    QStringList counts;
+    if (model->RecordsFindings()) {
+        counts << Counted(model->FindingCount(), "finding", "findings");
     }
+    if (!model->Expression().empty()) {
+        counts << Counted(model->HitCount(), "hit", "hits");
+    }
+    QString text = counts.join(", ");
     const auto listed = static_cast<std::size_t>(model->rowCount());
     if (listed != model->FindingCount() + model->HitCount()) {
         text += "; " + Grouped(listed) + " listed";
+    }
+    if (!document_->FilterExpression().empty()) {
+        text += "; the windows show only hits";
     }
     if (model->IsWorking()) {
         text += QString("; searching, %1 %").arg(model->Progress());
@@ -588,9 +603,11 @@ void FindingPanel::Step(bool forward) {
 }
 
 void FindingPanel::ShowMarker() {
-    const int row = Model()->RowOfSample(document_->Marker(1, false));
-    if (row >= 0 && Model()->SampleOf(std::max(table_->currentIndex().row(), 0)) !=
-                        document_->Marker(1, false)) {
+    const std::int64_t marker = document_->Marker(1, false);
+    const int row = Model()->RowOfSample(marker);
+    const QModelIndex current = table_->currentIndex();
+    const bool isChosen = current.isValid() && Model()->SampleOf(current.row()) == marker;
+    if (row >= 0 && !isChosen) {
         follows_ = true;
         table_->setCurrentIndex(Model()->index(row, 0));
         follows_ = false;

@@ -1,5 +1,6 @@
 #include "ui/analysis/panel_table.h"
 
+#include <QFocusEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QWheelEvent>
@@ -35,6 +36,14 @@ void PanelTable::keyPressEvent(QKeyEvent* event) {
                           event->text().front().isPrint();
     if (!isLetter) {
         QTableView::keyPressEvent(event);
+    }
+}
+
+void PanelTable::focusInEvent(QFocusEvent* event) {
+    if (currentIndex().isValid()) {
+        QTableView::focusInEvent(event);
+    } else {
+        viewport()->update();
     }
 }
 

@@ -16,6 +16,8 @@ protected:
     /// so work out one row after the other.
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    /// A table that gets the keyboard chooses no row by itself.
+    void focusInEvent(QFocusEvent* event) override;
 };
 
 } // namespace busquill

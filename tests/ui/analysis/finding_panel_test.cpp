@@ -280,6 +280,19 @@ TEST_F(FindingPanels, KeysGoFromRowToRow) {
     EXPECT_LT(frame.TraceView().TopSample(), 100) << "Enter goes there again";
 }
 
+TEST_F(FindingPanels, OpeningThePanelDoesNotMoveTheCapture) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    const std::int64_t top = frame.TraceView().TopSample();
+    OpenPanel();
+    ASSERT_TRUE(Table().hasFocus());
+    EXPECT_EQ(CurrentRow(), -1);
+    EXPECT_NEAR(static_cast<double>(frame.TraceView().TopSample()), static_cast<double>(top), 20)
+        << "it is lower now";
+    QTest::keyClick(&Table(), Qt::Key_Down);
+    EXPECT_EQ(CurrentRow(), 0);
+    ExpectAt(frame, 0);
+}
+
 TEST_F(FindingPanels, F3GoesToTheNextRowAlsoFromTheLine) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
@@ -316,6 +329,16 @@ TEST_F(FindingPanels, Marker1ChoosesTheRowOfItsSample) {
     EXPECT_EQ(frame.TraceView().TopSample(), top) << "the display does not move";
     frame.Trace().SetMarker(1, sample + 1);
     EXPECT_EQ(CurrentRow(), 7) << "no row has this sample";
+    frame.Trace().SetMarker(1, Model().SampleOf(0));
+    EXPECT_EQ(CurrentRow(), 0);
+}
+
+TEST_F(FindingPanels, Marker1ChoosesTheFirstRowOfAllToo) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    OpenPanel();
+    ASSERT_EQ(CurrentRow(), -1);
+    frame.Trace().SetMarker(1, Model().SampleOf(0));
+    EXPECT_EQ(CurrentRow(), 0);
 }
 
 TEST_F(FindingPanels, AMistakeIsExplainedAndTheHitsStay) {
@@ -424,6 +447,7 @@ TEST_F(FindingPanels, TheButtonShowsOnlyHitsInTheWindowsOfTheCapture) {
     ASSERT_TRUE(OnlyHits().isEnabled());
     QTest::mouseClick(&OnlyHits(), Qt::LeftButton);
     EXPECT_TRUE(OnlyHits().isChecked());
+    EXPECT_EQ(Summary(), "32 findings, 270 hits; the windows show only hits");
     EXPECT_TRUE(Entry("Analyze/Show Only Hits").isChecked());
     const auto expected = FallsOfFrame(frame.Trace());
     ASSERT_EQ(frame.Trace().RowCount(false), static_cast<std::int64_t>(expected.size()));
@@ -525,6 +549,7 @@ TEST_F(FindingPanels, FollowTheActiveWindow) {
     EXPECT_EQ(Rows(), 0);
     EXPECT_EQ(Reason(), "The active window shows no capture.");
     EXPECT_EQ(Summary(), "");
+    EXPECT_EQ(Line().currentText(), "");
     CChildFrame& second = Open("Trigger1.tra");
     ASSERT_TRUE(Settled());
     EXPECT_EQ(Rows(), 72);
