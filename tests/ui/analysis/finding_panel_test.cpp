@@ -392,8 +392,7 @@ TEST_F(FindingPanels, LettersAndTheWheelChangeNothing) {
     OpenPanel();
     ClickRow(3);
     const std::int64_t top = frame.TraceView().TopSample();
-    QTest::keyClick(&Table(), Qt::Key_2);
-    QTest::keyClick(&Table(), Qt::Key_Minus);
+    QTest::keyClick(&Table(), Qt::Key_1);
     EXPECT_EQ(CurrentRow(), 3);
     const auto turn = [](QWidget& over, int angle) {
         QWheelEvent wheel({5, 5}, over.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton,
@@ -583,6 +582,21 @@ TEST_F(FindingPanels, StayWithACaptureThatLosesOneOfItsWindows) {
     ASSERT_EQ(Windows().size(), 1);
     EXPECT_EQ(Rows(), 72);
     EXPECT_EQ(CurrentRow(), 3);
+}
+
+TEST_F(FindingPanels, HearOfChangesWhicheverWindowOfTheCaptureIsClosed) {
+    for (const bool closesFirst : {true, false}) {
+        CChildFrame& frame = Open("Trigger1.tra"); // with a window of Power Zoom samples
+        CTesselDoc& document = frame.Trace();
+        OpenPanel();
+        Close(closesFirst ? *Windows().first() : *Windows().last());
+        ASSERT_EQ(Windows().size(), 1);
+        document.SetMarker(1, Model().SampleOf(5));
+        EXPECT_EQ(CurrentRow(), 5) << closesFirst;
+        Close(*Windows().first());
+        EXPECT_EQ(Table().model(), nullptr);
+        Choose("Analyze/Findings and Hits");
+    }
 }
 
 TEST_F(FindingPanels, ShowNothingOldWhenTheyAreShownAgain) {
