@@ -4,6 +4,7 @@
 #include "cli/json.h"
 #include "cli/side_by_side.h"
 #include "document/csv_line.h"
+#include "platform/text.h"
 
 #include <algorithm>
 #include <unistd.h>
@@ -28,16 +29,18 @@ public:
     Headed(TextSink& result, std::string heading) : result_(result), heading_(std::move(heading)) {}
 
     void Write(std::string_view text) override {
-        if (!heading_.empty()) {
+        if (!hasRows_) {
             result_.Write(heading_);
-            heading_.clear();
+            hasRows_ = true;
         }
         result_.Write(text);
     }
+    [[nodiscard]] bool HasRows() const noexcept { return hasRows_; }
 
 private:
     TextSink& result_;
-    std::string heading_;
+    const std::string heading_;
+    bool hasRows_ = false;
 };
 
 /// Rows that appear on the terminal show the progress themselves.
@@ -69,7 +72,7 @@ std::string ReportedCapture::JsonBegin() const {
 
 CaptureReport::CaptureReport(const CapturesOptions& options)
     : options_(options), isText_(FormatOf(options) == Format::Text), list_(ListCaptures(options)),
-      output_(options.output.path), anyFailed_(list_.isIncomplete) {}
+      output_(options.output.path), reported_(list_.files.size()) {}
 
 void CaptureReport::WriteCsvTitles(const std::string& titles) {
     output_.Write((list_.isOneFile ? "" : "file,") + titles + "\n");
@@ -81,57 +84,75 @@ void CaptureReport::ForEach(const Job& job, const std::string& textTitles) {
         return;
     }
     output_.Write(textTitles);
-    anyFound_ = job({list_.files.front(), true}, output_);
-    anyRead_ = true;
+    const bool found = job({list_.files.front()}, output_);
+    reported_.front().outcome = found ? Outcome::Found : Outcome::Nothing;
 }
 
 void CaptureReport::ForEachOfMany(const Job& job, const std::string& textTitles) {
-    std::vector<Outcome> outcomes(list_.files.size(), Outcome::Failed); // each of its own thread
     const auto report = [&](std::size_t number, TextSink& result) {
-        if (isText_) {
-            Headed headed(result, "File: " + list_.files[number] + "\n" + textTitles);
-            outcomes[number] = OutcomeOf(job, number, headed);
-        } else {
-            outcomes[number] = OutcomeOf(job, number, result);
-        }
+        Headed headed(result, isText_ ? "File: " + list_.files[number] + "\n" + textTitles : "");
+        reported_[number].outcome = OutcomeOf(job, number, headed);
+        reported_[number].hasRows = headed.HasRows();
     };
     Progress progress("Captures", static_cast<std::int64_t>(list_.files.size()),
                       ShowsProgress(options_.output));
     RunSideBySide(list_.files.size(), static_cast<std::size_t>(options_.jobs), output_,
                   isText_ ? "\n" : "", report,
                   [&](std::size_t done) { progress.At(static_cast<std::int64_t>(done)); });
-    for (const Outcome outcome : outcomes) {
-        anyFailed_ = anyFailed_ || outcome == Outcome::Failed;
-        anyRead_ = anyRead_ || outcome != Outcome::Failed;
-        anyFound_ = anyFound_ || outcome == Outcome::Found;
-    }
 }
 
 CaptureReport::Outcome CaptureReport::OutcomeOf(const Job& job, std::size_t number,
                                                 TextSink& result) {
     const std::string& path = list_.files[number];
     try {
-        return job({path, false}, result) ? Outcome::Found : Outcome::Nothing;
+        return job({path, false, number}, result) ? Outcome::Found : Outcome::Nothing;
     } catch (const Interruption&) {
         throw;
     } catch (const ExitRequest& request) {
-        if (request.status == ExitStatus::WrongUse) {
-            WrongUse(path + ": " + request.message); // concerns the others too
-        }
-        Say(request.message);
+        // What is wrong here, such as a name that this capture lacks, may be right in others.
+        Say((request.status == ExitStatus::WrongUse ? path + ": " : "") + request.message);
         return Outcome::Failed;
     }
 }
 
+void CaptureReport::NotePartlyStored(const ReportedCapture& capture) {
+    reported_[capture.number].isPartlyStored = true;
+}
+
+void CaptureReport::SayPartlyStored() const {
+    const auto first = std::ranges::find_if(reported_, &Reported::isPartlyStored);
+    if (first == reported_.end()) {
+        return;
+    }
+    const std::string& path = list_.files[static_cast<std::size_t>(first - reported_.begin())];
+    const auto count = std::ranges::count_if(reported_, &Reported::isPartlyStored);
+    const std::string who = count == 1
+                                ? (path == "-" ? "standard input" : path) + ": its setup does"
+                                : Printf("the setups of %td of %zu captures, such as %s, do", count,
+                                         reported_.size(), path.c_str());
+    Say(who + " not store every sample; what was not stored is missing in the result");
+}
+
+bool CaptureReport::Any(Outcome outcome) const noexcept {
+    return std::ranges::find(reported_, outcome, &Reported::outcome) != reported_.end();
+}
+
+bool CaptureReport::AnyRead() const noexcept {
+    return Any(Outcome::Nothing) || Any(Outcome::Found);
+}
+
 int CaptureReport::End(const char* nothing) {
-    output_.CloseOrDiscard(anyFound_);
-    if (anyRead_ && !anyFound_) {
+    const bool anyFound = Any(Outcome::Found);
+    const bool hasRows = anyFound || std::ranges::any_of(reported_, &Reported::hasRows);
+    output_.CloseOrDiscard(hasRows);
+    SayPartlyStored();
+    if (AnyRead() && !hasRows) {
         Say(nothing);
     }
-    if (anyFailed_) {
+    if (list_.isIncomplete || Any(Outcome::Failed)) {
         return ExitStatus::Failure;
     }
-    return anyFound_ ? ExitStatus::Done : ExitStatus::NothingFound;
+    return anyFound ? ExitStatus::Done : ExitStatus::NothingFound;
 }
 
 } // namespace busquill::cli

@@ -148,7 +148,7 @@ std::string NoCommand(CLI::App& program, const std::string& word) {
     for (const CLI::App* command : CommandsOf(program)) {
         names.push_back(command->get_name());
     }
-    return "no command \"" + word + "\"; there are " + ListNearest(word, std::move(names));
+    return "no command \"" + word + "\"; there are " + ListNearest(word, names);
 }
 
 /// An option that the command does not take.

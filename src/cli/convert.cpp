@@ -198,7 +198,7 @@ int Run(const Options& options) {
         Say(note);
     }
     if (capture.HasGaps()) {
-        Say(TimesAreShort(source.Name()));
+        Say(SamplesAreMissing(source.Name()));
     }
     return ExitStatus::Done;
 }

@@ -1,5 +1,6 @@
 #include "cli/input.h"
 
+#include "capture/missing_samples.h"
 #include "cli/exit_request.h"
 #include "cli/interrupt.h"
 #include "cli/output.h"
@@ -11,50 +12,85 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
+#include <poll.h>
+#include <unistd.h>
 
 namespace busquill::cli {
 
 namespace {
 
-FileHandle CopyOf(std::FILE* input, const std::string& name) {
+/// Waits until there is something to read, or the end. A pipe may have nobody who writes, and the
+/// thread of another capture does not get the signal of an interrupt.
+void WaitForInput(int input) {
+    constexpr int period = 100; // ms
+    pollfd polled{input, POLLIN, 0};
+    do {
+        EndIfInterrupted();
+    } while (::poll(&polled, 1, period) <= 0);
+}
+
+FileHandle CopyOf(int input, const std::string& name) {
     FileHandle copy = TemporaryFile("").Create();
     std::array<char, std::size_t{1} << 16> buffer;
-    while (copy) {
-        const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), input);
-        EndIfInterrupted();
+    while (true) {
+        WaitForInput(input);
+        const ssize_t count = ::read(input, buffer.data(), buffer.size());
+        if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+            continue;
+        }
+        if (count < 0) {
+            Fail(name + " cannot be read");
+        }
         if (count == 0) {
             break;
         }
-        if (std::fwrite(buffer.data(), 1, count, copy.get()) != count) {
-            copy.reset();
+        const auto bytes = static_cast<std::size_t>(count);
+        if (std::fwrite(buffer.data(), 1, bytes, copy.get()) != bytes) {
+            Fail("a temporary file cannot be written");
         }
     }
-    if (!copy || std::ferror(input) != 0 || std::fflush(copy.get()) != 0) {
-        Fail(name + " cannot be read");
+    if (std::fflush(copy.get()) != 0) {
+        Fail("a temporary file cannot be written");
     }
     return copy;
+}
+
+/// A copy of a pipe, a device or the like, which is opened without waiting for somebody who writes.
+/// Null if it cannot be opened.
+FileHandle CopyOfPipe(const std::string& path) {
+    const int input = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (input < 0) {
+        return nullptr;
+    }
+    const FileHandle file(::fdopen(input, "rb"));
+    return CopyOf(input, path);
 }
 
 } // namespace
 
 TextReader OpenInput(const std::string& path) {
+    namespace fs = std::filesystem;
     TextReader reader;
     if (path == "-") {
-        reader.Take(CopyOf(stdin, "standard input"));
+        reader.Take(CopyOf(STDIN_FILENO, "standard input"));
         return reader;
     }
-    FileHandle file(std::fopen(path.c_str(), "rb"));
     std::error_code unknown;
-    if (file && std::filesystem::is_directory(path, unknown)) {
-        file.reset(); // opens, but cannot be read
-        errno = EISDIR;
+    const fs::file_status status = fs::status(path, unknown);
+    FileHandle file;
+    if (fs::is_directory(status)) {
+        errno = EISDIR; // opens, but cannot be read
+    } else if (fs::exists(status) && !fs::is_regular_file(status)) {
+        file = CopyOfPipe(path);
+    } else {
+        file.reset(std::fopen(path.c_str(), "rb"));
     }
     if (!file) {
         Fail(Printf("Error opening file %s. %s.", path.c_str(), std::strerror(errno)));
     }
-    const bool isPipe = !std::filesystem::is_regular_file(path, unknown);
-    reader.Take(isPipe ? CopyOf(file.get(), path) : std::move(file));
+    reader.Take(std::move(file));
     return reader;
 }
 
@@ -100,8 +136,8 @@ void TraceInput::RequireZoom(const TraceSurvey& survey) const {
     }
 }
 
-std::string TimesAreShort(const std::string& name) {
-    return name + ": samples of the capture are missing, and so are their times in the sums";
+std::string SamplesAreMissing(const std::string& name) {
+    return name + ": samples of the capture " + areMissing;
 }
 
 SampleRows ZoomRowsOf(const TraceSurvey& survey) {

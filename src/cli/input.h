@@ -40,8 +40,8 @@ private:
     bool cutOffReported_ = false;
 };
 
-/// The warning that summed times are too short because samples are missing.
-[[nodiscard]] std::string TimesAreShort(const std::string& name);
+/// The warning that times and counts are too small because samples are missing.
+[[nodiscard]] std::string SamplesAreMissing(const std::string& name);
 
 /// The Power Zoom samples with their numbers.
 [[nodiscard]] SampleRows ZoomRowsOf(const TraceSurvey& survey);

@@ -134,7 +134,7 @@ int Run(const Options& options) {
     }
     TraceListing listing(list, capture);
     if (!zoom && survey.HasGaps() && !survey.cutOff && listing.ShowsTime()) {
-        Say(TimesAreShort(input.Name()));
+        Say(SamplesAreMissing(input.Name()));
     }
     Output output(options.output.path);
     const std::size_t numberWidth =

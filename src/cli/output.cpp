@@ -22,6 +22,10 @@ std::string programName; // before each line for the user
 constexpr const char* eraseLine = "\r\033[K";
 std::atomic<bool> progressIsShown = false; // in the terminal's current line
 
+[[noreturn]] void CannotWrite(const std::string& path) {
+    Fail(Printf("Error writing file %s.", path.c_str()));
+}
+
 } // namespace
 
 Output::Output(const std::string& path) : path_(path == "-" ? "" : path) {
@@ -41,6 +45,9 @@ void Output::Flush() {
     EndIfInterrupted();
     if (!path_.empty()) {
         file_.Write(buffer_);
+        if (file_.Failed()) { // a full disk does not become empty before the end
+            CannotWrite(path_);
+        }
     } else if (std::fwrite(buffer_.data(), 1, buffer_.size(), stdout) != buffer_.size()) {
         // A reader that closes the pipe early does not count as a failure.
         throw ExitRequest{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,
@@ -53,7 +60,7 @@ void Output::Close() {
     Flush();
     if (!path_.empty()) {
         if (!file_.Close()) {
-            Fail(Printf("Error writing file %s.", path_.c_str()));
+            CannotWrite(path_);
         }
     } else if (std::fflush(stdout) != 0) {
         throw ExitRequest{errno == EPIPE ? ExitStatus::Done : ExitStatus::Failure,

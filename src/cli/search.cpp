@@ -7,6 +7,7 @@
 #include "cli/commands.h"
 #include "cli/exit_request.h"
 #include "cli/input.h"
+#include "cli/interrupt.h"
 #include "cli/json.h"
 #include "cli/output.h"
 #include "cli/where.h"
@@ -16,7 +17,11 @@
 #include "signals/value_text.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <initializer_list>
 #include <limits>
+#include <optional>
+#include <system_error>
 #include <utility>
 
 namespace busquill::cli {
@@ -28,7 +33,7 @@ constexpr const char* noMatch = "No match found.";
 /// What the samples must look like.
 struct WantedSamples {
     std::vector<std::string> patterns;
-    std::string where; // empty: anything
+    Where where;
 };
 
 struct SearchOptions : CapturesOptions {
@@ -46,9 +51,90 @@ struct FilterOptions {
 };
 
 void CheckWanted(const WantedSamples& wanted, const char* command) {
-    if (wanted.patterns.empty() && wanted.where.empty()) {
+    if (wanted.patterns.empty() && wanted.where.text.empty()) {
         WrongUse(Printf("%s needs -p NAME=VALUE or --where EXPR; see busquill-trace %s -h", command,
                         command));
+    }
+}
+
+/// Patterns and expression of a command line, with the names of a bus and of some lists.
+struct Conditions {
+    SearchCondition patterns;
+    std::optional<SampleCondition> where;
+};
+
+using SignalLists = std::initializer_list<const CSignalList*>;
+
+/// Throws ExitRequest on a mistake.
+Conditions ConditionsOf(const WantedSamples& wanted, const SignalTables& tables,
+                        SignalLists lists) {
+    Conditions conditions;
+    for (const std::string& text : wanted.patterns) {
+        const std::string wrong = conditions.patterns.Add(text, tables, lists);
+        if (!wrong.empty()) {
+            WrongUse(wrong);
+        }
+    }
+    if (!wanted.where.text.empty()) {
+        conditions.where = TakeCondition(
+            SampleCondition::Parse(wanted.where.text, tables, lists, &wanted.where.kept),
+            wanted.where);
+    }
+    return conditions;
+}
+
+Conditions ConditionsOf(const WantedSamples& wanted, const Bus& bus, const TraceStream& stream) {
+    return ConditionsOf(wanted, bus.Tables(), {&stream.stateList, &stream.waveformList});
+}
+
+/// The message about the mistake that `parse` finds; nothing if there is none.
+template <typename Parse>
+std::optional<std::string> MistakeFoundBy(Parse parse) {
+    try {
+        static_cast<void>(parse());
+    } catch (const ExitRequest& request) {
+        if (request.status != ExitStatus::WrongUse) {
+            throw;
+        }
+        return request.message;
+    }
+    return std::nullopt;
+}
+
+/// Throws ExitRequest for a mistake in all captures, before there is any result. The names of the
+/// bus are right in all. A name that a list of a capture defines is right if one capture has it.
+void CheckInAny(const WantedSamples& wanted, const BusOptions& options, const FileList& captures) {
+    Bus bus(options);
+    if (captures.isOneFile ||
+        !MistakeFoundBy([&] { return ConditionsOf(wanted, bus.Tables(), SignalLists()); })) {
+        return;
+    }
+    std::optional<std::string> mistake;
+    Progress progress("Checking names", static_cast<std::int64_t>(captures.files.size()));
+    for (std::size_t i = 0; i < captures.files.size(); ++i) {
+        EndIfInterrupted();
+        std::error_code unknown;
+        if (!std::filesystem::is_regular_file(captures.files[i], unknown)) {
+            continue; // a pipe can be read only once
+        }
+        try {
+            TraceInput input(captures.files[i], bus.Tables());
+            input.ReadHead();
+            const auto here =
+                MistakeFoundBy([&] { return ConditionsOf(wanted, bus, input.Stream()); });
+            if (!here) {
+                return;
+            }
+            mistake = mistake ? mistake : here;
+        } catch (const Interruption&) {
+            throw;
+        } catch (const ExitRequest&) {
+            // It cannot be read, which is reported with the others.
+        }
+        progress.At(static_cast<std::int64_t>(i + 1));
+    }
+    if (mistake) {
+        WrongUse(*mistake);
     }
 }
 
@@ -56,26 +142,13 @@ void CheckWanted(const WantedSamples& wanted, const char* command) {
 class SampleFilter {
 public:
     SampleFilter(const WantedSamples& wanted, const Bus& bus, TraceInput& input)
-        : sampleTime_(input.Stream().stateList), time_(sampleTime_) {
-        const TraceStream& stream = input.Stream();
-        for (const std::string& text : wanted.patterns) {
-            const std::string wrong =
-                patterns_.Add(text, bus.Tables(), {&stream.stateList, &stream.waveformList});
-            if (!wrong.empty()) {
-                WrongUse(wrong);
-            }
-        }
-        if (!wanted.where.empty()) {
-            where_ =
-                TakeCondition(SampleCondition::Parse(wanted.where, bus.Tables(),
-                                                     {&stream.stateList, &stream.waveformList}),
-                              wanted.where);
-            if (where_->NeedsTimes()) {
-                const TraceSurvey survey = input.Survey();
-                timeToTrigger_ = survey.timeToTrigger;
-                if (survey.HasGaps()) {
-                    Say(TimesAreShort(input.Name()));
-                }
+        : conditions_(ConditionsOf(wanted, bus, input.Stream())),
+          sampleTime_(input.Stream().stateList), time_(sampleTime_) {
+        if (NeedsTimes()) {
+            const TraceSurvey survey = input.Survey();
+            timeToTrigger_ = survey.timeToTrigger;
+            if (survey.HasGaps()) {
+                Say(SamplesAreMissing(input.Name()));
             }
         }
     }
@@ -84,13 +157,17 @@ public:
     /// order.
     template <typename Take>
     bool TakeMatches(const SampleRows& rows, Take take) {
-        if (where_ && where_->NeedsTimes()) {
+        if (NeedsTimes()) {
             AddTimesOf(rows);
+        }
+        SampleBlock all{.records = rows.records, .numbers = rows.numbers, .times = times_};
+        if (last_ && !rows.Empty() && last_->first == rows.numbers.front() - 1) {
+            all.before = &last_->second;
         }
         constexpr std::size_t block = RecordPattern::blockSize;
         for (std::size_t first = 0; first < rows.Size(); first += block) {
             const std::size_t count = std::min(block, rows.Size() - first);
-            for (const std::size_t match : EachSetBit(MatchesOf(rows, first, count))) {
+            for (const std::size_t match : EachSetBit(MatchesOf(all, first, count))) {
                 if (!take(first + match)) {
                     return false;
                 }
@@ -108,6 +185,9 @@ public:
     }
 
 private:
+    [[nodiscard]] bool NeedsTimes() const {
+        return conditions_.where && conditions_.where->NeedsTimes();
+    }
     void AddTimesOf(const SampleRows& rows) {
         times_.clear();
         for (const SampleRecord& record : rows.records) {
@@ -115,28 +195,20 @@ private:
             times_.push_back(AddTimes(time_.Sum(), -timeToTrigger_));
         }
     }
-    [[nodiscard]] std::uint32_t MatchesOf(const SampleRows& rows, std::size_t first,
+    [[nodiscard]] std::uint32_t MatchesOf(const SampleBlock& all, std::size_t first,
                                           std::size_t count) const {
-        SampleBlock block{.records = std::span(rows.records).subspan(first, count),
-                          .numbers = std::span(rows.numbers).subspan(first, count),
-                          .before = RecordBefore(rows, first)};
-        if (!times_.empty()) {
-            block.times = std::span(times_).subspan(first, count);
+        SampleBlock block{.records = all.records.subspan(first, count),
+                          .numbers = all.numbers.subspan(first, count),
+                          .before = RecordBefore(all, first)};
+        if (!all.times.empty()) {
+            block.times = all.times.subspan(first, count);
         }
-        const std::uint32_t matches = patterns_.Empty() ? ~0U : patterns_.MatchesOf(block.records);
-        return where_ && matches != 0 ? matches & where_->MatchesOf(block) : matches;
-    }
-    /// The sample numbered before a row; null if it is missing.
-    [[nodiscard]] const SampleRecord* RecordBefore(const SampleRows& rows, std::size_t row) const {
-        const std::int32_t number = rows.numbers[row] - 1;
-        if (row > 0) {
-            return rows.numbers[row - 1] == number ? &rows.records[row - 1] : nullptr;
-        }
-        return last_ && last_->first == number ? &last_->second : nullptr;
+        const auto& [patterns, where] = conditions_;
+        const std::uint32_t matches = patterns.Empty() ? ~0U : patterns.MatchesOf(block.records);
+        return where && matches != 0 ? matches & where->MatchesOf(block) : matches;
     }
 
-    SearchCondition patterns_;
-    std::optional<SampleCondition> where_;
+    Conditions conditions_;
     std::optional<std::pair<std::int32_t, SampleRecord>> last_; // of the piece before
     SampleTime sampleTime_;
     RunningTime time_; // up to the end of the piece
@@ -231,6 +303,7 @@ bool SearchCapture(const SearchOptions& options, const ReportedCapture& capture,
 int RunSearch(const SearchOptions& options) {
     CheckWanted(options.wanted, "search");
     CaptureReport report(options);
+    CheckInAny(options.wanted, options.bus, report.Captures());
     if (FormatOf(options) == Format::Csv) {
         report.WriteCsvTitles("sample");
     }
@@ -293,9 +366,9 @@ void AddWanted(CLI::App& command, WantedSamples& into) {
     Completed(AddTexts(command, "-p,--pattern", into.patterns, "NAME=VALUE",
                        "samples with this value; may be given several times, all must hold"),
               Completion::Kind::Patterns);
-    AddText(command, "--where", into.where, "EXPR",
-            "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
-            "with patterns, all must hold");
+    AddWhere(command, into.where,
+             "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
+             "with patterns, all must hold");
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "cli/output.h"
 #include "platform/text.h"
 #include "signals/value_text.h"
+#include "tracesetup/trace_setup.h"
 
 #include <nlohmann/json.hpp>
 
@@ -148,7 +149,8 @@ std::string AsCsv(const TraceSummary& sum) {
     return row + "\n";
 }
 
-TraceSummary SummaryOf(const CapturesOptions& options, const ReportedCapture& capture) {
+TraceSummary SummaryOf(const CapturesOptions& options, const ReportedCapture& capture,
+                       CaptureReport& report) {
     Bus bus(options.bus);
     TraceInput input(capture.path, bus.Tables());
     input.ReadHead();
@@ -162,8 +164,10 @@ TraceSummary SummaryOf(const CapturesOptions& options, const ReportedCapture& ca
         progress.At(rows->numbers.back() - input.Stream().First());
     }
     if (added < input.Stream().Last() - input.Stream().First() + 1) {
-        Say(input.Name() + ": samples of the capture are missing; what went on in them is not "
-                           "counted, nor is their time");
+        Say(SamplesAreMissing(input.Name()));
+    }
+    if (!StoresAll(input.Stream().setup)) {
+        report.NotePartlyStored(capture);
     }
     return stats.Summary();
 }
@@ -188,7 +192,7 @@ int Run(const CapturesOptions& options) {
         report.WriteCsvTitles(CsvTitles(TraceStats(bus.Board(), bus.Tables()).Summary()));
     }
     report.ForEach([&](const ReportedCapture& capture, TextSink& result) {
-        result.Write(RowOf(SummaryOf(options, capture), format, capture));
+        result.Write(RowOf(SummaryOf(options, capture, report), format, capture));
         return true;
     });
     return report.End("");

@@ -1,5 +1,6 @@
 #include "analysis/command_labels.h"
 #include "analysis/transaction_condition.h"
+#include "analysis/transaction_fields.h"
 #include "analysis/transaction_follower.h"
 #include "analysis/transaction_totals.h"
 #include "cli/capture_report.h"
@@ -18,7 +19,9 @@
 #include "tracesetup/trace_setup.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <iterator>
 #include <mutex>
 #include <nlohmann/json.hpp>
 
@@ -30,7 +33,7 @@ struct Options : CapturesOptions {
     NumberRange range;
     bool summary = false;
     std::int64_t words = 8;
-    std::string where; // empty: all
+    Where where;
 };
 
 template <typename Number>
@@ -49,36 +52,62 @@ void AppendCell(std::string& line, std::string_view text, std::size_t width, boo
     line.append(isNumber ? 0 : blanks, ' ');
 }
 
-constexpr const char* csvTitles = "number,sample,time,command,address,words,bytes,wait,"
-                                  "initiatorWait,latency,end,gap,tag,splitRequest,findings,data";
+/// A column of the text table; data have what is left of the line.
+struct TextColumn {
+    TransactionField field;
+    std::size_t width;
+    bool isNumber;
+};
 
-constexpr std::size_t numberWidth = 8;
-constexpr std::size_t timeWidth = 8;
-constexpr std::size_t commandWidth = 20;
-constexpr std::size_t addressWidth = 10;
-constexpr std::size_t countWidth = 6;
-constexpr std::size_t endWidth = 23;
+// clang-format off
+constexpr TextColumn textColumns[] = {
+    {TransactionField::Number,        8,  true},
+    {TransactionField::Sample,        8,  true},
+    {TransactionField::Time,          8,  true},
+    {TransactionField::Command,       20, false},
+    {TransactionField::Address,       10, false},
+    {TransactionField::Bytes,         6,  true},
+    {TransactionField::Wait,          6,  true},
+    {TransactionField::InitiatorWait, 6,  true},
+    {TransactionField::Latency,       8,  true},
+    {TransactionField::Gap,           8,  true},
+    {TransactionField::End,           23, false},
+    {TransactionField::Tag,           3,  false},
+    {TransactionField::SplitRequest,  6,  true},
+    {TransactionField::Data,          0,  false},
+};
+// clang-format on
 
+/// Those that the bus has.
+std::vector<TextColumn> TextColumnsOf(const BusTraffic& traffic, bool hasSplits) {
+    std::vector<TextColumn> columns;
+    std::ranges::copy_if(textColumns, std::back_inserter(columns), [&](const TextColumn& each) {
+        return HasField(traffic, hasSplits, each.field);
+    });
+    return columns;
+}
+
+/// As in the windows, in capital letters.
 std::string TextTitles(const BusTraffic& traffic, bool hasSplits) {
     std::string line;
-    AppendCell(line, "NUMBER", numberWidth, true);
-    AppendCell(line, "SAMPLE", numberWidth, true);
-    AppendCell(line, "TIME", timeWidth, true);
-    AppendCell(line, "COMMAND", commandWidth, false);
-    AppendCell(line, "ADDRESS", addressWidth, false);
-    AppendCell(line, "BYTES", countWidth, true);
-    AppendCell(line, "WAIT", countWidth, true);
-    if (traffic.HasClock()) {
-        AppendCell(line, "I-WAIT", countWidth, true);
+    for (const TextColumn& column : TextColumnsOf(traffic, hasSplits)) {
+        std::string title =
+            std::ranges::find(FieldColumns(), column.field, &FieldColumn::field)->title;
+        std::ranges::transform(title, title.begin(), [](char c) {
+            return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        });
+        AppendCell(line, title, column.width, column.isNumber);
     }
-    AppendCell(line, "LATENCY", timeWidth, true);
-    AppendCell(line, "GAP", timeWidth, true);
-    AppendCell(line, "END", endWidth, false);
-    if (hasSplits) {
-        AppendCell(line, "TAG", 3, false);
-        AppendCell(line, "SPLIT", countWidth, true);
+    return line + "\n";
+}
+
+std::string CsvTitles() {
+    std::string line;
+    for (const FieldColumn& column : FieldColumns()) {
+        line += line.empty() ? "" : ",";
+        line += NameOf(column.field);
     }
-    return line + "  DATA\n";
+    return line;
 }
 
 /// Writes transactions, one a line.
@@ -86,8 +115,8 @@ class TransactionWriter {
 public:
     TransactionWriter(TextSink& output, Format format, const ReportedCapture& capture,
                       const BusTraffic& traffic, bool hasSplits)
-        : output_(output), format_(format), begin_(BeginOf(format, capture)), traffic_(traffic),
-          hasSplits_(hasSplits), labels_(traffic) {}
+        : output_(output), format_(format), begin_(BeginOf(format, capture)),
+          columns_(TextColumnsOf(traffic, hasSplits)), fields_(traffic) {}
 
     void Add(const Transaction& transaction) {
         line_ = begin_;
@@ -119,165 +148,121 @@ private:
         return {};
     }
 
-    [[nodiscard]] std::string_view Number(std::int64_t number) {
-        cell_.clear();
-        AppendNumber(cell_, number);
-        return cell_;
-    }
-    [[nodiscard]] std::string_view Time(const std::optional<std::int64_t>& time) {
-        cell_ = time ? FormatTime(*time, false) : std::string();
-        return cell_;
-    }
-    [[nodiscard]] std::string_view Address(const Transaction& transaction,
-                                           std::string_view prefix) {
-        cell_.clear();
-        if (transaction.address && !transaction.isHeadless) {
-            cell_ = prefix;
-            AppendHex(cell_, *transaction.address, traffic_.AddressDigits(transaction));
-        }
-        return cell_;
-    }
-    static void AppendHex(std::string& text, std::uint64_t value, int digits) {
-        for (int digit = digits; digit-- > 0;) {
-            text += "0123456789ABCDEF"[value >> (4 * digit) & 0xF];
-        }
-    }
     void AsText(const Transaction& each) {
-        AppendCell(line_, Number(static_cast<std::int64_t>(each.number)), numberWidth, true);
-        AppendCell(line_, Number(each.sample), numberWidth, true);
-        AppendCell(line_, Time(each.time), timeWidth, true);
-        AppendCell(line_, each.isHeadless ? "(begun before)" : labels_.Of(each), commandWidth,
-                   false);
-        AppendCell(line_, Address(each, ""), addressWidth, false);
-        AppendCell(line_, Number(static_cast<std::int64_t>(each.bytes)), countWidth, true);
-        if (traffic_.HasClock()) {
-            AppendCell(line_, Number(each.Wait()), countWidth, true);
-            AppendCell(line_, Number(static_cast<std::int64_t>(each.waitStates.initiator)),
-                       countWidth, true);
-        } else {
-            AppendCell(line_, Time(each.Wait()), countWidth, true);
-        }
-        AppendCell(line_, Time(each.Latency()), timeWidth, true);
-        AppendCell(line_, Time(each.gap), timeWidth, true);
-        AppendCell(line_, NameOf(each.end), endWidth, false);
-        if (hasSplits_) {
+        for (const TextColumn& column : columns_) {
             cell_.clear();
-            if (each.sequence) {
-                cell_ = std::to_string(each.sequence->Tag());
-            }
-            AppendCell(line_, cell_, 3, false);
-            AppendCell(line_,
-                       each.splitRequest ? Number(static_cast<std::int64_t>(*each.splitRequest))
-                                         : std::string_view(),
-                       countWidth, true);
-        }
-        line_ += ' ';
-        for (const DataWord& word : each.words) {
-            line_ += ' ';
-            AppendText(line_, word);
-        }
-        if (each.words.size() < each.dataPhases) {
-            line_ += " ...";
+            fields_.Append(cell_, each, column.field);
+            AppendCell(line_, cell_, column.width, column.isNumber);
         }
         line_.erase(line_.find_last_not_of(' ') + 1);
     }
 
-    /// The fields between the address and the data: as JSON begins them, whether the transaction
-    /// has them, and their values.
-    template <typename Field>
-    void Fields(const Transaction& each, Field field) {
-        field(", \"words\": ", true, each.dataPhases);
-        field(", \"bytes\": ", true, each.bytes);
-        field(", \"wait\": ", true, each.Wait());
-        field(", \"initiatorWait\": ", true, each.waitStates.initiator);
-        field(", \"latency\": ", each.firstData.has_value(), each.Latency().value_or(0));
-        field(", \"end\": ", true, NameOf(each.end));
-        field(", \"gap\": ", each.gap.has_value(), each.gap.value_or(0));
-        field(", \"tag\": ", each.sequence.has_value(), each.sequence ? each.sequence->Tag() : 0);
-        field(", \"splitRequest\": ", each.splitRequest.has_value(), each.splitRequest.value_or(0));
-        field(", \"findings\": ", true, each.findings);
-    }
-
     void AsCsv(const Transaction& each) {
-        AppendNumber(line_, each.number);
-        line_ += ',';
-        AppendNumber(line_, each.sample);
-        line_ += ',';
-        AppendNumber(line_, each.time);
-        line_ += ',';
-        AppendCsvCell(line_, labels_.Of(each));
-        line_ += ',';
-        line_ += Address(each, "0x");
-        Fields(each, [this](const char* /*name*/, bool has, const auto& value) {
-            line_ += ',';
-            if (has) {
-                AppendValue(value, "");
-            }
-        });
-        line_ += ',';
         const char* before = "";
-        for (const DataWord& word : each.words) {
+        for (const FieldColumn& column : FieldColumns()) {
             line_ += before;
-            AppendText(line_, word);
-            before = " ";
+            before = ",";
+            switch (column.field) {
+            case TransactionField::Command:
+                AppendCsvCell(line_, fields_.Command(each));
+                break;
+            case TransactionField::Address:
+                if (HasAddress(each)) {
+                    line_ += "0x";
+                    fields_.Append(line_, each, column.field);
+                }
+                break;
+            case TransactionField::End:
+                line_ += NameOf(each.end);
+                break;
+            case TransactionField::Data:
+                AppendWords(each, "", " ");
+                break;
+            default:
+                if (const auto number = NumberOf(each, column.field)) {
+                    AppendNumber(line_, *number);
+                }
+            }
         }
     }
 
     void AsJson(const Transaction& each) {
-        line_ += "\"number\": ";
-        AppendNumber(line_, each.number);
-        line_ += ", \"sample\": ";
-        AppendNumber(line_, each.sample);
-        line_ += ", \"time\": ";
-        AppendNumber(line_, each.time);
-        line_ += ", \"command\": ";
-        if (each.isHeadless) {
-            line_ += "null, \"address\": null";
-        } else {
-            AppendJsonText(line_, labels_.Of(each));
-            line_ += ", \"address\": ";
-            if (each.address) {
-                AppendJsonText(line_, Address(each, "0x"));
-            } else {
-                line_ += "null";
-            }
+        for (const JsonField& field : jsonFields_) {
+            line_ += field.begin;
+            AppendJson(each, field.field);
         }
-        Fields(each, [this](const char* name, bool has, const auto& value) {
-            line_ += name;
-            if (has) {
-                AppendValue(value, "\"");
+        line_ += '}';
+    }
+    void AppendJson(const Transaction& each, TransactionField field) {
+        switch (field) {
+        case TransactionField::Command:
+            if (each.isHeadless) {
+                line_ += "null";
+            } else {
+                AppendJsonText(line_, fields_.Command(each));
+            }
+            break;
+        case TransactionField::Address:
+            if (HasAddress(each)) {
+                line_ += "\"0x";
+                fields_.Append(line_, each, field);
+                line_ += '"';
             } else {
                 line_ += "null";
             }
-        });
-        line_ += ", \"data\": [";
-        const char* before = "\"";
-        for (const DataWord& word : each.words) {
-            line_ += before;
-            AppendText(line_, word);
+            break;
+        case TransactionField::End:
             line_ += '"';
-            before = ", \"";
+            line_ += NameOf(each.end);
+            line_ += '"';
+            break;
+        case TransactionField::Data:
+            line_ += '[';
+            AppendWords(each, "\"", ", ");
+            line_ += ']';
+            break;
+        default:
+            if (const auto number = NumberOf(each, field)) {
+                AppendNumber(line_, *number);
+            } else {
+                line_ += "null";
+            }
         }
-        line_ += "]}";
     }
 
-    template <typename Value>
-    void AppendValue(const Value& value, const char* quote) {
-        if constexpr (std::is_integral_v<Value>) {
-            AppendNumber(line_, value);
-        } else {
+    void AppendWords(const Transaction& each, const char* quote, const char* between) {
+        const char* before = "";
+        for (const DataWord& word : each.words) {
+            line_ += before;
             line_ += quote;
-            line_ += value;
+            AppendText(line_, word);
             line_ += quote;
+            before = between;
         }
+    }
+    static bool HasAddress(const Transaction& each) {
+        return each.address.has_value() && !each.isHeadless;
+    }
+
+    struct JsonField {
+        TransactionField field;
+        std::string begin;
+    };
+    static std::vector<JsonField> JsonFields() {
+        std::vector<JsonField> fields;
+        for (const FieldColumn& column : FieldColumns()) {
+            const std::string name(NameOf(column.field));
+            fields.push_back({column.field, (fields.empty() ? "\"" : ", \"") + name + "\": "});
+        }
+        return fields;
     }
 
     TextSink& output_;
     const Format format_;
     const std::string begin_; // of each line
-    const BusTraffic& traffic_;
-    const bool hasSplits_; // PCI-X
-    CommandLabels labels_;
+    const std::vector<TextColumn> columns_;
+    const std::vector<JsonField> jsonFields_ = JsonFields();
+    TransactionFields fields_;
     std::string line_;
     std::string cell_;
 };
@@ -372,17 +357,18 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
 /// The condition of --where; throws ExitRequest on a mistake.
 std::optional<TransactionCondition> ConditionOf(const Options& options, const Bus& bus,
                                                 const BusTraffic& traffic) {
-    if (options.where.empty()) {
+    if (options.where.text.empty()) {
         return std::nullopt;
     }
-    const TransactionBus names{traffic.HasClock(), &bus.Tables()};
-    return TakeCondition(TransactionCondition::Parse(options.where, names), options.where);
+    TransactionBus names = TransactionBus::Of(traffic, bus.Tables());
+    names.kept = &options.where.kept;
+    return TakeCondition(TransactionCondition::Parse(options.where.text, names), options.where);
 }
 
 /// Follows one capture. Calls `take` with each transaction that the options select.
 template <typename Take>
-void FollowCapture(const Options& options, const ReportedCapture& capture, Bus& bus,
-                   TransactionFollower& follower, Take take) {
+void FollowCapture(const Options& options, CaptureReport& report, const ReportedCapture& capture,
+                   Bus& bus, TransactionFollower& follower, Take take) {
     const BusTraffic& traffic = *follower.Traffic();
     TraceInput input(capture.path, bus.Tables());
     input.ReadHead();
@@ -395,20 +381,19 @@ void FollowCapture(const Options& options, const ReportedCapture& capture, Bus& 
             }
         });
     if (!StoresAll(input.Stream().setup)) {
-        Say(input.Name() + ": its setup does not store every sample; transactions are told as far "
-                           "as they were stored");
+        report.NotePartlyStored(capture);
     }
     if (hasGaps) {
-        Say(input.Name() + ": samples of the capture are missing; where they are, a transaction "
-                           "ends as unknown, and later times are too short by theirs");
+        Say(SamplesAreMissing(input.Name()));
     }
 }
 
-TransactionTotals TotalsOf(const Options& options, const ReportedCapture& capture) {
+TransactionTotals TotalsOf(const Options& options, CaptureReport& report,
+                           const ReportedCapture& capture) {
     Bus bus(options.bus);
     TransactionFollower follower(bus.Board(), bus.Tables());
     TransactionTotals totals;
-    FollowCapture(options, capture, bus, follower,
+    FollowCapture(options, report, capture, bus, follower,
                   [&](const Transaction& each) { totals.Add(each); });
     return totals;
 }
@@ -419,7 +404,7 @@ int ReportSummary(const Options& options, const BusTraffic& traffic) {
     if (FormatOf(options) == Format::Json) {
         report.ForEach([&](const ReportedCapture& capture, TextSink& result) {
             const std::string summary =
-                JsonLine(SummaryAsJson(TotalsOf(options, capture), traffic));
+                JsonLine(SummaryAsJson(TotalsOf(options, report, capture), traffic));
             result.Write(capture.JsonBegin() + summary.substr(1) + "\n");
             return true;
         });
@@ -428,7 +413,7 @@ int ReportSummary(const Options& options, const BusTraffic& traffic) {
     std::mutex mutex;
     TransactionTotals all;
     report.ForEach([&](const ReportedCapture& capture, TextSink& /*result*/) {
-        const TransactionTotals totals = TotalsOf(options, capture);
+        const TransactionTotals totals = TotalsOf(options, report, capture);
         const std::lock_guard lock(mutex);
         all.Add(totals);
         return true;
@@ -443,7 +428,7 @@ int ReportTransactions(const Options& options, const BusTraffic& traffic, bool h
     const Format format = FormatOf(options);
     CaptureReport report(options);
     if (format == Format::Csv) {
-        report.WriteCsvTitles(csvTitles);
+        report.WriteCsvTitles(CsvTitles());
     }
     report.ForEach(
         [&](const ReportedCapture& capture, TextSink& result) {
@@ -452,7 +437,7 @@ int ReportTransactions(const Options& options, const BusTraffic& traffic, bool h
             follower.KeepWords(static_cast<std::size_t>(options.words));
             TransactionWriter writer(result, format, capture, *follower.Traffic(), hasSplits);
             bool any = false;
-            FollowCapture(options, capture, bus, follower, [&](const Transaction& each) {
+            FollowCapture(options, report, capture, bus, follower, [&](const Transaction& each) {
                 writer.Add(each);
                 any = true;
             });
@@ -486,8 +471,8 @@ void AddTransactions(CLI::App& program) {
                                    [options] { return Run(*options); });
     AddCaptureOptions(command, *options);
     AddRange(command, options->range);
-    AddText(command, "--where", options->where, "EXPR",
-            "only transactions for which this holds, such as \"wait > 4 and end == retry\"");
+    AddWhere(command, options->where,
+             "only transactions for which this holds, such as \"wait > 4 and end == retry\"");
     AddFlag(command, "--summary", options->summary,
             "print sums by command and by end instead of the transactions");
     AddNumber(command, "--words", options->words, "N", {0, 1 << 20},

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 
 namespace busquill::test {
 namespace {
@@ -132,8 +134,8 @@ TEST_F(TraceCommands, TimesOfAFilteredCaptureAreReportedAsShort) {
                               Row(1, 0, 0xFF, false) + Row(4, 0, 0xFF, false) +
                               Row(5, 0, 0xFF, false) + "\"End of Trace Data\"\n");
     SmallCapture();
-    const std::string missing = "busquill-trace: gaps.tra: samples of the capture are missing, and "
-                                "so are their times in the sums\n";
+    const std::string missing = "busquill-trace: gaps.tra: samples of the capture are missing, so "
+                                "times and counts are too small\n";
     EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "TIME"}).err, missing);
     EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "ACCUM", "--json"}).err, missing);
     for (const char* target : {"a.vcd", "a.csv", "a.sr"}) {
@@ -141,9 +143,7 @@ TEST_F(TraceCommands, TimesOfAFilteredCaptureAreReportedAsShort) {
         EXPECT_EQ(run.status, 0);
         EXPECT_THAT(run.err, EndsWith(missing)) << target;
     }
-    EXPECT_EQ(Run({"stats", "gaps.tra"}).err,
-              "busquill-trace: gaps.tra: samples of the capture are missing; what went on in them "
-              "is not counted, nor is their time\n");
+    EXPECT_EQ(Run({"stats", "gaps.tra"}).err, missing);
     // No report where no time is wrong.
     EXPECT_EQ(Run({"list", "gaps.tra", "--columns", "FRAME"}).err, "");
     EXPECT_EQ(Run({"list", "small.tra", "--columns", "TIME,ACCUM"}).err, "");
@@ -557,9 +557,8 @@ TEST_F(TraceCommands, TransactionsAsTextCsvAndJsonLines) {
         "0      30ns            complete                 AA000001 ----0002\n"
         "       2         4     150ns  Mem Wr                00002000         0       0       "
         "0                60ns  unknown\n");
-    EXPECT_EQ(text.err, "busquill-trace: two.tra: samples of the capture are missing; where they "
-                        "are, a transaction ends as unknown, and later times are too short by "
-                        "theirs\n");
+    EXPECT_EQ(text.err, "busquill-trace: two.tra: samples of the capture are missing, so times "
+                        "and counts are too small\n");
     EXPECT_EQ(Run({"transactions", "two.tra", "--format", "csv", "--words", "1"}).out,
               "number,sample,time,command,address,words,bytes,wait,initiatorWait,latency,end,gap,"
               "tag,splitRequest,findings,data\n"
@@ -572,17 +571,20 @@ TEST_F(TraceCommands, TransactionsAsTextCsvAndJsonLines) {
               "\"splitRequest\": null, \"findings\": 0, \"data\": [\"AA000001\", \"----0002\"]}\n");
 }
 
-TEST_F(TraceCommands, TransactionsOfASetupThatStoresSomeSamplesComeWithAWarning) {
+TEST_F(TraceCommands, FiguresOfASetupThatStoresSomeSamplesComeWithAWarning) {
     EXPECT_EQ(Run({"transactions", data + "Trigger2.tra"}).err, "");
+    EXPECT_EQ(Run({"stats", data + "Trigger2.tra"}).err, "");
     std::string text = ReadWholeFile(data + "Trigger2.tra");
     const std::string all = "\"Goto L1\",\"All\"";
     const auto level = text.find(all);
     ASSERT_NE(level, std::string::npos);
     dir.Write("some.tra", text.replace(level, all.size(), "\"Goto L1\",\"E1\""));
-    const ProgramRun run = Run({"transactions", "some.tra"});
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.err, "busquill-trace: some.tra: its setup does not store every sample; "
-                       "transactions are told as far as they were stored\n");
+    for (const char* command : {"transactions", "stats"}) {
+        const ProgramRun run = Run({command, "some.tra"});
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.err, "busquill-trace: some.tra: its setup does not store every sample; "
+                           "what was not stored is missing in the result\n");
+    }
 }
 
 TEST_F(TraceCommands, TransactionsOfARangeKeepTheirNumbersAndGaps) {
@@ -615,6 +617,29 @@ TEST_F(TraceCommands, TransactionsForWhichAConditionHolds) {
     const ProgramRun none = Run({"transactions", data + "Trigger2.tra", "--where", "number < 1"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
+}
+
+TEST_F(TraceCommands, ExpressionsUseThoseThatTheUserKeeps) {
+    std::filesystem::create_directories(dir.File("home/busquill"));
+    std::ofstream(dir.File("home/busquill/expressions.txt"))
+        << "# mine\nretried: end == retry\nidle: FRAME == 1 and IRDY == 1\nno expression\n";
+    const auto run = [&](std::vector<std::string> arguments) {
+        return RunTrace(arguments, {.folder = dir.Path(),
+                                    .environment = {{"XDG_DATA_HOME", dir.File("home")}}});
+    };
+    const std::string capture = data + "Trigger2.tra";
+    const ProgramRun kept = run({"transactions", capture, "--where", "@retried", "--summary"});
+    EXPECT_EQ(kept.status, 0);
+    EXPECT_EQ(kept.out, run({"transactions", capture, "--where", "end == retry", "--summary"}).out);
+    EXPECT_THAT(kept.err, HasSubstr("expressions.txt: line 4 is not \"name: expression\""));
+    EXPECT_EQ(run({"search", capture, "--where", "not @idle", "--all"}).out,
+              run({"search", capture, "--where", "FRAME == 0 or IRDY == 0", "--all"}).out);
+    const ProgramRun wrong = run({"transactions", capture, "--where", "wait > 4 or @idle"});
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_THAT(wrong.err, HasSubstr("--where is wrong at \"@idle\": @idle is wrong at \"FRAME == 1"
+                                     " and IRDY == 1\": "));
+    // An expression without them does not read the file.
+    EXPECT_EQ(run({"transactions", capture, "--where", "number == 1"}).err, "");
 }
 
 TEST_F(TraceCommands, SummaryOfTransactions) {

@@ -7,8 +7,10 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <fcntl.h>
 #include <filesystem>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <sys/stat.h>
@@ -66,9 +68,12 @@ protected:
                                "--seed", std::to_string(++seed_), "-o", dir.File(name)});
         ASSERT_EQ(run.status, 0) << run.err;
     }
-    ProgramRun Run(Command command, const Command& more, const std::string& in = "") {
+    static Command Joined(Command command, const Command& more) {
         command.insert(command.end(), more.begin(), more.end());
-        return RunTrace(command, {.folder = dir.Path(), .standardInput = in});
+        return command;
+    }
+    ProgramRun Run(const Command& command, const Command& more, const std::string& in = "") {
+        return RunTrace(Joined(command, more), {.folder = dir.Path(), .standardInput = in});
     }
     /// Each row of single captures, with the file before it.
     std::string RowsOf(const Command& command, const std::vector<std::string>& files) {
@@ -223,11 +228,79 @@ TEST_F(ManyCaptures, NothingFoundInAnyIsSaidOnce) {
     EXPECT_EQ(Run({"search", "-p", "COMMAND=Mem Rd", "--from", "5000"}, {"year"}).status, 0);
 }
 
-TEST_F(ManyCaptures, AWrongPatternEndsAllAtOnce) {
-    const ProgramRun run = Run({"search", "-p", "FRAMES=0"}, {"year"});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_EQ(Count(run.err, "\n"), 1U);
-    EXPECT_THAT(run.err, HasSubstr("no signal \"FRAMES\" on this bus"));
+TEST_F(ManyCaptures, AMistakeInAllIsReportedOnceAndBeforeAnyRow) {
+    for (const Command& wanted : {Command{"-p", "FRAMES=0"}, Command{"--where", "FRAMES == 0"}}) {
+        const ProgramRun run =
+            Run({"search", "--all", wanted[0], wanted[1]}, {"year", "--format", "csv"});
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(Count(run.err, "\n"), 1U);
+        EXPECT_THAT(run.err, HasSubstr("no signal \"FRAMES\""));
+        EXPECT_EQ(run.out, "");
+    }
+    EXPECT_EQ(Count(Run({"search", "-p", "FRAME=x2"}, {"year"}).err, "\n"), 1U);
+    EXPECT_EQ(Count(Run({"search", "--where", "FRAME =="}, {"year"}).err, "\n"), 1U);
+    EXPECT_EQ(Count(Run(transactions, {"year", "--where", "bites == 1"}).err, "\n"), 1U);
+}
+
+TEST_F(ManyCaptures, ANameThatOnlySomeHaveIsReportedForTheOthers) {
+    std::string text = ReadWholeFile(dir.File("year/b.tra"));
+    const std::string line = "\"State Signals\"\n\"Signal\",\"MYLINE\",\"INTA\",\"\",\"\","
+                             "\"\",-1,88,0,20,30,0,\"\",\"Hex\",\"\",\"\",\"\",\"\",\"\"\n";
+    const std::size_t samples = text.find("\"Trace Data\"");
+    ASSERT_NE(samples, std::string::npos);
+    dir.Write("year/b.tra", text.insert(samples, line));
+    dir.Write("year/broken.tra", "");
+    for (const Command& wanted : {Command{"-p", "MYLINE=1"}, Command{"--where", "MYLINE == 1"}}) {
+        const Command named = {"search", wanted[0], wanted[1]};
+        const ProgramRun run = Run(named, {"year", "--format", "csv"});
+        EXPECT_EQ(run.status, 3);
+        EXPECT_EQ(run.out, RowsOf(named, {"year/b.tra"}));
+        EXPECT_EQ(Count(run.err, "\n"), 4U) << run.err;
+        for (const char* without :
+             {"year/10/first.tra", "year/10/second.TRA", "year/11/deep/a.tra"}) {
+            EXPECT_THAT(run.err, HasSubstr("busquill-trace: " + std::string(without) + ": "));
+        }
+    }
+}
+
+TEST_F(ManyCaptures, ThatWereNotStoredWholeAreCountedInOneLine) {
+    const std::string all = "\"Goto L1\",\"All\"";
+    const auto storeSome = [&](const std::string& name) {
+        std::string text = ReadWholeFile(dir.File(name));
+        const std::size_t level = text.find(all);
+        ASSERT_NE(level, std::string::npos);
+        dir.Write(name, text.replace(level, all.size(), "\"Goto L1\",\"E1\""));
+    };
+    storeSome("year/11/deep/a.tra");
+    for (const Command& command : {transactions, stats, Command{"transactions", "--summary"}}) {
+        EXPECT_EQ(Run(command, {"year"}).err,
+                  "busquill-trace: year/11/deep/a.tra: its setup does not store every sample; what "
+                  "was not stored is missing in the result\n");
+    }
+    storeSome("year/10/second.TRA");
+    for (const Command& command : {transactions, stats}) {
+        EXPECT_EQ(Run(command, {"year"}).err,
+                  "busquill-trace: the setups of 2 of 4 captures, such as year/10/second.TRA, do "
+                  "not store every sample; what was not stored is missing in the result\n");
+    }
+    EXPECT_EQ(Run(search, {"year"}).err, ""); // finds samples, and makes no figures of them
+}
+
+TEST_F(ManyCaptures, OneInterruptLeavesAPipeThatNobodyWrites) {
+    ASSERT_EQ(::mkfifo(dir.File("pipe").c_str(), 0600), 0);
+    ASSERT_EQ(::mkfifo(dir.File("other").c_str(), 0600), 0);
+    for (const Command& files :
+         {Command{"pipe"}, Command{"pipe", "other", "year"}, Command{"year", "pipe", "-j", "3"}}) {
+        const auto start = std::chrono::steady_clock::now();
+        const auto isWaiting = [&] {
+            return std::chrono::steady_clock::now() - start > std::chrono::seconds(1);
+        };
+        const ProgramRun run = RunTrace(
+            Joined(stats, files),
+            {.folder = dir.Path(), .interruptWhen = isWaiting, .limit = std::chrono::seconds(20)});
+        EXPECT_EQ(run.status, 3);
+        EXPECT_EQ(run.err, "busquill-trace: interrupted\n");
+    }
 }
 
 TEST_F(ManyCaptures, FollowLinksToFilesButNotToFolders) {
@@ -379,12 +452,15 @@ TEST_F(ManyCaptures, ShowTheirProgressOnATerminalUnlessTheResultAppearsThere) {
     EXPECT_THAT(toTerminal, Not(HasSubstr("Captures")));
 }
 
-TEST_F(ManyCaptures, AFullDiskEndsAll) {
+TEST_F(ManyCaptures, AFullDiskEndsAllAndKeepsTheOldFile) {
+    dir.Write("out", "the old one");
     const ProgramRun run = RunTrace({"transactions", "year", "-j", "2", "-o", "out"},
                                     {.folder = dir.Path(), .diskBytes = 10'000});
     EXPECT_EQ(run.status, 3);
-    EXPECT_EQ(Count(run.err, "\n"), 1U) << run.err;
-    EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
+    EXPECT_EQ(run.err, "busquill-trace: Error writing file out.\n");
+    EXPECT_EQ(ReadWholeFile(dir.File("out")), "the old one");
+    const auto names = std::filesystem::directory_iterator(dir.Path());
+    EXPECT_EQ(std::distance(begin(names), end(names)), 2); // and the folder
 }
 
 TEST_F(ManyCaptures, TakeNoMoreMemoryWhenTheyAreMany) {

@@ -188,24 +188,35 @@ TEST(SideBySide, AsManyJobsRunTogetherAsThereAreThreads) {
     EXPECT_EQ(most, threads);
 }
 
+/// Works until it is interrupted.
+void WorkUntilInterrupted() {
+    for (int i = 0; i < 10'000; ++i) {
+        EndIfInterrupted();
+        std::this_thread::sleep_for(1ms);
+    }
+    ADD_FAILURE() << "no interrupt";
+}
+
 TEST(SideBySide, TheFirstFailureInterruptsTheOthersAndIsReported) {
+    constexpr int threads = 4;
     Gathered text;
+    std::atomic<int> begun = 0;
     std::atomic<int> interrupted = 0;
     const auto run = [&] {
         RunSideBySide(
-            100, 4, text, "",
+            100, threads, text, "",
             [&](std::size_t number, TextSink& /*result*/) {
+                ++begun;
                 if (number == 2) {
+                    WaitUntil([&] { return begun == threads; });
                     WrongUse("no such pattern");
                 }
-                for (int i = 0; i < 10'000; ++i) {
-                    if (Interrupted()) {
-                        ++interrupted;
-                        throw Interruption();
-                    }
-                    std::this_thread::sleep_for(1ms);
+                try {
+                    WorkUntilInterrupted();
+                } catch (const Interruption&) {
+                    ++interrupted;
+                    throw;
                 }
-                ADD_FAILURE() << "no interrupt";
             },
             Ignore);
     };
@@ -216,19 +227,26 @@ TEST(SideBySide, TheFirstFailureInterruptsTheOthersAndIsReported) {
         EXPECT_EQ(request.status, ExitStatus::WrongUse);
         EXPECT_EQ(request.message, "no such pattern");
     }
-    EXPECT_LE(interrupted, 4);
+    EXPECT_EQ(interrupted, threads - 1);
+    EXPECT_EQ(begun, threads);
     EXPECT_FALSE(Interrupted()); // nothing is left for what comes next
 }
 
 TEST(SideBySide, AnOutputThatFailsEndsAllJobs) {
+    constexpr int threads = 3;
     FullDisk disk;
     std::atomic<int> begun = 0;
     const auto run = [&] {
         RunSideBySide(
-            1000, 3, disk, "",
-            [&](std::size_t /*number*/, TextSink& result) {
+            1000, threads, disk, "",
+            [&](std::size_t number, TextSink& result) {
                 ++begun;
+                if (number != 0) {
+                    WorkUntilInterrupted();
+                }
+                WaitUntil([&] { return begun == threads; });
                 result.Write(std::string(1 << 20, 'a'));
+                ADD_FAILURE() << "the failure was not noticed";
             },
             Ignore);
     };
@@ -238,8 +256,8 @@ TEST(SideBySide, AnOutputThatFailsEndsAllJobs) {
     } catch (const ExitRequest& request) {
         EXPECT_EQ(request.message, "the disk is full");
     }
-    EXPECT_LE(begun, static_cast<int>(4 * jobsAhead));
-    static_cast<void>(Interrupted());
+    EXPECT_EQ(begun, threads);
+    EXPECT_FALSE(Interrupted());
 }
 
 TEST(SideBySide, NoJobsAreDoneAtOnce) {

@@ -80,6 +80,8 @@ INSTANTIATE_TEST_SUITE_P(
         WrongUse{"SummaryAsCsv", {"transactions", "a.tra", "--summary", "--format", "csv"}, "--summary is printed as text or JSON"},
         WrongUse{"TransactionsOfAConnector", {"transactions", "a.tra", "--model", "VMEKiteP2"}, "a connector has pins, and no transactions"},
         WrongUse{"WrongCondition", {"transactions", "a.tra", "--where", "wait > 4 and adress == 1"}, "--where is wrong at \"adress == 1\": there is no field \"adress\": address, "},
+        WrongUse{"ConditionOnAnUnknownCommand", {"transactions", "a.tra", "--where", "command == \"Mem Raed\""}, "--where is wrong at \"\"Mem Raed\"\": command has no label \"Mem Raed\": \"Mem Rd\", "},
+        WrongUse{"ConditionOnACommandOfAnotherBus", {"transactions", "a.tra", "--bus", "VME", "--where", "command == \"Mem Rd\""}, "command has no label \"Mem Rd\": "},
         WrongUse{"ConditionWithoutEnd", {"transactions", "a.tra", "--where", "wait >"}, "--where is wrong at its end: expected a number"},
         WrongUse{"UnitOfACount", {"transactions", "a.tra", "--where", "words > 5ns"}, "--where is wrong at \"ns\": words is not a time and takes no unit"},
         WrongUse{"UnitOfWaitsInClocks", {"transactions", "a.tra", "--where", "wait > 5ns"}, "wait is not a time and takes no unit"},

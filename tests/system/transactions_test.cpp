@@ -8,7 +8,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <map>
+#include <optional>
 #include <ostream>
 #include <sstream>
 
@@ -55,9 +57,20 @@ std::map<std::string, int> CountBy(const std::vector<std::string>& lines, std::s
 }
 
 constexpr std::size_t commandCell = 3;
+constexpr std::size_t addressCell = 4;
 constexpr std::size_t bytesCell = 6;
 constexpr std::size_t endCell = 10;
 constexpr std::size_t splitCell = 13;
+
+/// Counts the lines with this command and end, and with this address if one is given.
+int CountOf(const std::vector<std::string>& lines, const std::string& command,
+            const std::string& end, const std::optional<std::string>& address = {}) {
+    return static_cast<int>(std::ranges::count_if(lines, [&](const std::string& line) {
+        const auto cells = CellsOf(line);
+        return cells.at(commandCell) == command && cells.at(endCell) == end &&
+               (!address || cells.at(addressCell) == *address);
+    }));
+}
 
 class GeneratedTransactions : public testing::TestWithParam<FamilyCase> {
 protected:
@@ -101,6 +114,14 @@ TEST_P(GeneratedTransactions, AreFoundAsTheyWereMade) {
     EXPECT_FALSE(ends.contains("unknown"));
     if (GetParam().bus.back().starts_with("VME")) {
         EXPECT_GT(CountBy(wanted, commandCell)["A32 NON PRVL DATA RMW"], 10);
+        EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "retry", ""), 10) << "inside the address";
+        EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "bus-error", ""), 10);
+    }
+    if (GetParam().bus[1] == "PCI-X") {
+        EXPECT_GT(CountOf(wanted, "I/O Wr", "split-response"), 50);
+        EXPECT_GT(CountOf(wanted, "Mem Wr Blk", "disconnect-with-data"), 50);
+    } else if (GetParam().bus[1] == "PCI") {
+        EXPECT_GT(CountOf(wanted, "Int Ack", "complete", ""), 50) << "without an address";
     }
 }
 

@@ -14,14 +14,29 @@ using namespace pci;
 constexpr unsigned cmdMemReadBlock = 0xE;  // PCI-X
 constexpr unsigned cmdMemWriteBlock = 0xF; // PCI-X
 constexpr unsigned cmdSplitCompletion = 0xC;
-constexpr int byteCountModified = 31; // in the attributes of a split completion
 
-enum class Way { Complete, Retry, WithData, WithoutData, TargetAbort, MasterAbort, Split };
+// In the attributes of a split completion.
+constexpr int byteCountModified = 31;
+constexpr int completionError = 30;
+constexpr int completionMessage = 29;
+
+constexpr unsigned boundary = 128; // bytes, at which PCI-X may interrupt a burst
+
+enum class Way {
+    Complete,
+    Retry,
+    WithData,
+    WithoutData,
+    TargetAbort,
+    MasterAbort,
+    Split,
+    NextBoundary
+};
 
 std::string EndText(Way way) {
     constexpr const char* texts[] = {
         "complete",     "retry",        "disconnect-with-data", "disconnect-without-data",
-        "target-abort", "master-abort", "split-response"};
+        "target-abort", "master-abort", "split-response",       "disconnect-with-data"};
     return texts[static_cast<int>(way)];
 }
 
@@ -77,6 +92,7 @@ private:
         std::uint32_t requester = 0;
         std::uint32_t low = 0; // of the address of the next byte
         unsigned bytes = 0;
+        bool isWrite = false;
     };
 
     std::size_t Clock(const Record& record) {
@@ -103,7 +119,8 @@ private:
         }
         Deed& deed = deeds_.emplace_back();
         deed.command = CommandText(plan.command, pciX_, plan.dual);
-        deed.address = AddressText(plan.address, plan.dual ? 16 : 8);
+        const bool hasAddress = plan.command != cmdIntAck && plan.command != cmdSpecial;
+        deed.address = hasAddress ? AddressText(plan.address, plan.dual ? 16 : 8) : "";
         deed.end = EndText(plan.way);
         deed.first = deed.addressToldBy = Clock(record);
         if (plan.dual) {
@@ -285,13 +302,19 @@ private:
         const unsigned offset = isBurst ? plan.address & (width - 1) : 0;
         plan.words = isBurst ? (offset + bytes + width - 1) / width : 1;
         if (Pick(2) == 0) {
-            constexpr Way ways[] = {Way::Retry, Way::WithData, Way::TargetAbort, Way::MasterAbort,
-                                    Way::Split, Way::Split,    Way::Split};
-            plan.way = ways[Pick(7)];
+            constexpr Way ways[] = {Way::Retry,       Way::WithData,     Way::TargetAbort,
+                                    Way::MasterAbort, Way::NextBoundary, Way::Split,
+                                    Way::Split,       Way::Split};
+            plan.way = ways[Pick(8)];
             plan.at = plan.way == Way::WithData ? Pick(plan.words) : 0;
-            if (plan.way == Way::Split &&
-                ((plan.command & 1) != 0 || sequences_.size() == requesterCount)) {
+            // Writes to memory are never split.
+            const bool maySplit = plan.command != cmdMemWrite && plan.command != cmdMemWriteBlock &&
+                                  sequences_.size() < requesterCount;
+            if (plan.way == Way::Split && !maySplit) {
                 plan.way = Way::Complete;
+            }
+            if (plan.way == Way::NextBoundary) {
+                StopAtBoundary(plan);
             }
         }
         const std::uint32_t requester = NewRequester();
@@ -305,9 +328,22 @@ private:
         Attribute(deed, record);
         Respond(plan, deed, record, offset, isBlock ? bytes : 0, isBurst ? 0xFF : enables);
         if (plan.way == Way::Split) {
+            const bool isRead = (plan.command & 1) == 0;
             const unsigned low = isBurst ? plan.address & 0x7F : 0;
-            sequences_.push_back({deeds_.size() - 1, requester, low, count});
+            sequences_.push_back({deeds_.size() - 1, requester, low, count, !isRead});
         }
+    }
+
+    /// Ends a plan at the next boundary, if it goes beyond, and tells so at an earlier word.
+    void StopAtBoundary(Plan& plan) {
+        const unsigned width = plan.isWide ? 8 : 4;
+        const auto offset = static_cast<unsigned>(plan.address % boundary);
+        plan.words = std::min(plan.words, (boundary - offset + width - 1) / width);
+        if (plan.words < 2) {
+            plan.way = Way::Complete;
+            return;
+        }
+        plan.at = Pick(plan.words - 1);
     }
 
     static bool IsBlock(unsigned command) {
@@ -333,8 +369,40 @@ private:
         SetBit(record, bitAttribute, false);
     }
 
-    /// The target brings some of the data of an earlier read.
+    /// The target answers an earlier request: a read with some of its data, or with a message that
+    /// there are none, a write with a message that it is done.
     void CompleteSplit(std::size_t index) {
+        const Sequence& sequence = sequences_[index];
+        if (sequence.isWrite || Seldom()) {
+            BringMessage(index);
+        } else {
+            BringData(index);
+        }
+    }
+
+    void BringMessage(std::size_t index) {
+        const Sequence& sequence = sequences_[index];
+        constexpr unsigned messageBytes = 4;
+        Plan plan;
+        plan.command = cmdSplitCompletion;
+        plan.address = sequence.requester << 8;
+        plan.way = Seldom() ? Way::Retry : Way::Complete;
+        Record record;
+        Deed& deed = Begin(plan, record);
+        deed.tag = sequence.requester >> 16;
+        deed.request = sequence.deed;
+        SetField(record, bitAd, 32, (0x00FF00 | Word() % 8) << 8 | messageBytes);
+        SetBit(record, bitAd + completionMessage, true);
+        SetBit(record, bitAd + completionError, !sequence.isWrite);
+        SetField(record, bitCbe, 4, 0);
+        Attribute(deed, record);
+        Respond(plan, deed, record, 0, messageBytes, 0xFF);
+        if (plan.way == Way::Complete) {
+            sequences_.erase(sequences_.begin() + static_cast<std::ptrdiff_t>(index));
+        }
+    }
+
+    void BringData(std::size_t index) {
         Sequence& sequence = sequences_[index];
         Plan plan;
         plan.command = cmdSplitCompletion;
@@ -349,6 +417,10 @@ private:
         plan.words = (offset + announced + width - 1) / width;
         plan.way = Pick(4) == 0 ? Way::WithData : Seldom() ? Way::Retry : Way::Complete;
         plan.at = plan.way == Way::WithData ? Pick(plan.words) : 0;
+        if (Seldom()) {
+            plan.way = Way::NextBoundary;
+            StopAtBoundary(plan);
+        }
         Record record;
         Deed& deed = Begin(plan, record);
         deed.tag = sequence.requester >> 16;
@@ -395,6 +467,13 @@ private:
         switch (plan.way) {
         case Way::Split:
             SetBit(lines, bitTrdy, false); // without DEVSEL
+            if ((plan.command & 1) != 0) { // what is written moves at once
+                const std::string data = Data(lines, 4, attributeLanes);
+                deed.transfers.push_back({samples_.size(),
+                                          data,
+                                          static_cast<unsigned>(std::popcount(attributeLanes)),
+                                          {}});
+            }
             deed.endToldBy = deed.last = Clock(lines);
             SetBit(lines, bitTrdy, true);
             break;
@@ -423,10 +502,10 @@ private:
         const bool isBlock = announced != 0;
         const unsigned words = plan.way == Way::WithData ? plan.at + 1 : plan.words;
         for (unsigned word = 0; word < words; ++word) {
-            const bool stops = plan.way == Way::WithData && word + 1 == words;
-            // A target that takes one word only ends without DEVSEL.
+            const bool stops = (plan.way == Way::WithData && word + 1 == words) ||
+                               (plan.way == Way::NextBoundary && word >= plan.at);
+            // A target that takes one word only ends without DEVSEL and ACK64.
             Record now = stops && words == 1 ? lines : claimed;
-            SetBit(now, bitAck64, !plan.isWide);
             unsigned lanes = attributeLanes;
             if (isBlock) {
                 const unsigned bytes = std::min(width - offset, announced);
@@ -443,8 +522,9 @@ private:
             SetBit(now, bitFrame, word + 1 == words);
             const std::string data = Data(now, width, lanes);
             deed.last = Clock(now);
-            if (word + 1 == words) {
-                deed.endToldBy = deed.last; // the target stops, or all announced bytes have moved
+            // The target stops, or all announced bytes have moved.
+            if (!deed.endToldBy && (stops || word + 1 == words)) {
+                deed.endToldBy = deed.last;
             }
             deed.transfers.push_back(
                 {deed.last, data, static_cast<unsigned>(std::popcount(lanes)), {}});

@@ -219,6 +219,14 @@ private:
         }
         if (way == Way::Retry) {
             SetBit(record, bitRetry, false);
+            if (Pick(2) == 0) { // an error follows for masters that do not know RETRY
+                const std::size_t refused = deeds_.back().last = Tell(record);
+                if (Pick(2) == 0) {
+                    SetBit(record, bits_.berr, false);
+                    deeds_.back().last = Tell(record);
+                }
+                return {*strobe, refused};
+            }
         }
         SetBit(record, way == Way::Complete ? bits_.dtack : bits_.berr, false);
         return {*strobe, Tell(record)};
@@ -319,28 +327,54 @@ private:
         SetField(record, bits_.am, 6, isSmall ? 0x21 : 0x20);
         SetBit(record, bits_.write, read);
         const unsigned extended = (isSynchronous ? 0x10 : 0) + (hasWideAddress ? 2 : 1);
-        SetField(record, bitAddress, static_cast<int>(lines),
-                 (address & ~std::uint64_t{0xFF}) | extended);
+        SetField(record, bitAddress, static_cast<int>(lines), address);
+        SetLowByte(record, extended);
         SetField(record, bitData, 32, hasWideAddress ? address >> lines : Word());
         Deed& deed = Begin(record,
                            std::string(isSmall ? "2eVME/2eSST(3U)" : "2eVME/2eSST(6U)") +
                                (read ? " Rd" : " Wr"),
                            AddressText(address, address >> 32 != 0 ? 16 : 8));
-        Edge(record, bits_.ds); // three address phases, each answered
-        Edge(record, bits_.dtack);
-        SetField(record, bitAddress, 32, Word() << 8 | (address & 0xFF));
-        Edge(record, bits_.ds);
-        deed.addressToldBy = Edge(record, bits_.dtack);
-        Edge(record, bits_.ds);
-        Edge(record, bits_.dtack);
-        Beats(deed, record, read, isSynchronous, isSmall);
+        if (AddressPhases(deed, record, address & 0xFF)) {
+            Beats(deed, record, read, isSynchronous, isSmall);
+        }
         SetField(record, bits_.ds, 2, 3);
         SetBit(record, bits_.as, Pick(2) == 0); // at once, or later
         SetBit(record, bits_.dtack, true);
+        SetBit(record, bits_.berr, true);
+        SetBit(record, bitRetry, true);
         if (const std::size_t released = Tell(record); !GetBit(record, bits_.as)) {
             deed.last = released;
         }
         SetBit(record, bits_.as, true);
+    }
+
+    /// The bus has no A0. LWORD takes its place in the address phases, and AD[0] shows anything.
+    void SetLowByte(Record& record, unsigned value) {
+        SetField(record, bitAddress, 8, (value & ~1U) | Pick(2));
+        SetBit(record, bits_.lword, (value & 1) != 0);
+    }
+
+    /// Three address phases. Returns whether all are acknowledged; the target may refuse in each.
+    bool AddressPhases(Deed& deed, Record& record, unsigned lowByte) {
+        constexpr unsigned phases = 3;
+        const unsigned refused = Pick(6) == 0 ? 1 + Pick(phases) : 0;
+        for (unsigned phase = 1; phase <= phases; ++phase) {
+            if (phase == 2) {
+                SetField(record, bitAddress, 32, Word());
+                SetLowByte(record, lowByte);
+            }
+            Edge(record, bits_.ds);
+            if (phase == refused) {
+                const bool isError = Pick(2) == 0;
+                deed.end = isError ? "bus-error" : "retry";
+                deed.address = phase < phases ? "" : deed.address; // the rest never comes
+                deed.endToldBy = Edge(record, isError ? bits_.berr : bitRetry);
+                return false;
+            }
+            const std::size_t acknowledge = Edge(record, bits_.dtack);
+            deed.addressToldBy = phase == 2 ? acknowledge : deed.addressToldBy;
+        }
+        return true;
     }
 
     void Beats(Deed& deed, Record& record, bool read, bool isSynchronous, bool isSmall) {
@@ -349,7 +383,6 @@ private:
             Pick(4) == 0 ? static_cast<Stop>(1 + Pick(isSynchronous ? 2 : 3)) : Stop::Never;
         const unsigned count = (stop == Stop::Never || stop == Stop::NoAnswer ? 2 : 0) + Pick(20);
         for (unsigned beat = 0; beat < count; ++beat) {
-            const std::uint64_t value = Words();
             std::optional<std::size_t> strobe;
             if (!isSynchronous) {
                 strobe = Edge(record, bits_.ds + 1);
@@ -359,9 +392,7 @@ private:
                     return;
                 }
             }
-            SetField(record, bitAddress, 32, value >> 32);
-            SetBit(record, bits_.lword, (value >> 32 & 1) != 0);
-            SetField(record, bitData, 32, value);
+            const std::uint64_t value = PutWords(record);
             const bool stopsHere =
                 stop != Stop::Never && stop != Stop::NoAnswer && beat + 1 == count && Pick(2) == 0;
             if (stopsHere) { // in the sample of the last beat
@@ -370,20 +401,45 @@ private:
             }
             const std::size_t moved =
                 Edge(record, isSynchronous && !read ? bits_.ds + 1 : bits_.dtack);
-            const std::uint64_t small = (value >> 32 & 0xFFFF) << 16 | (value & 0xFFFF);
-            deed.transfers.push_back({moved, isSmall ? HexText(small, 4) : HexText(value, 8),
-                                      isSmall ? 4U : 8U, strobe});
+            deed.transfers.push_back(Beat(value, moved, strobe, isSmall));
         }
         if (stop == Stop::Retry || stop == Stop::Error) {
             SetBit(record, stop == Stop::Retry ? bitRetry : bits_.berr, false);
             deed.last = Tell(record);
             deed.endToldBy = deed.endToldBy.value_or(deed.last);
-            SetBit(record, bitRetry, true);
-            SetBit(record, bits_.berr, true);
             deed.end = stop == Stop::Error ? "bus-error"
                        : count == 0        ? "retry"
                                            : "disconnect-with-data";
+            if (isSynchronous && !read) {
+                AddBeatsUnderWay(deed, record, isSmall);
+            }
         }
+    }
+
+    /// A master that does not wait for answers has sent some more before it sees that the target
+    /// stops. They move if others have moved, and the target has not failed.
+    void AddBeatsUnderWay(Deed& deed, Record& record, bool isSmall) {
+        for (unsigned beat = Pick(4); beat > 0; --beat) {
+            const std::uint64_t value = PutWords(record);
+            const std::size_t sent = Edge(record, bits_.ds + 1);
+            if (deed.end == "disconnect-with-data") {
+                deed.transfers.push_back(Beat(value, sent, {}, isSmall));
+            }
+        }
+    }
+
+    /// Puts 64 random bits on the bus; LWORD has the one for which there is no address line.
+    std::uint64_t PutWords(Record& record) {
+        const std::uint64_t value = Words();
+        SetField(record, bitAddress, 32, value >> 32);
+        SetBit(record, bits_.lword, (value >> 32 & 1) != 0);
+        SetField(record, bitData, 32, value);
+        return value;
+    }
+    static Deed::Transfer Beat(std::uint64_t value, std::size_t sample,
+                               std::optional<std::size_t> strobe, bool isSmall) {
+        const std::uint64_t small = (value >> 32 & 0xFFFF) << 16 | (value & 0xFFFF);
+        return {sample, isSmall ? HexText(small, 4) : HexText(value, 8), isSmall ? 4U : 8U, strobe};
     }
 
     /// A line changes its level; sometimes a sample follows in which nothing does.

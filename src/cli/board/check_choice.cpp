@@ -95,7 +95,7 @@ bool Contains(const std::string& text, const std::string& word) {
         }
     }
     std::ranges::transform(checks, std::back_inserter(names), &Check::text);
-    WrongUse("no " + noun + " \"" + word + "\"; there are " + ListNearest(word, std::move(names)));
+    WrongUse("no " + noun + " \"" + word + "\"; there are " + ListNearest(word, names));
 }
 
 /// The rows of the checks that words name.

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <tuple>
+#include <vector>
 
 namespace busquill {
 
@@ -46,8 +47,11 @@ public:
     /// Forgets everything about the samples so far: the next ones do not follow them.
     virtual void Restart() = 0;
     /// The same, but the sample before the next one is known, and its transaction does not matter.
-    virtual void RestartAfter(const SampleRecord& before) = 0;
+    /// `begins` if another one begins with the next sample.
+    virtual void RestartAfter(const SampleRecord& before, bool begins) = 0;
     [[nodiscard]] virtual CommandName NameOf(std::uint32_t command) const = 0;
+    /// All commands that a transaction can have.
+    [[nodiscard]] virtual std::vector<std::uint32_t> Commands() const = 0;
 
     /// Whether waiting is counted in clocks; otherwise it is measured in time.
     [[nodiscard]] virtual bool HasClock() const = 0;

@@ -5,8 +5,12 @@
 #include <cstdint>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace busquill {
+
+/// The labels of all commands of a bus in the order of its table, each once.
+[[nodiscard]] std::vector<std::string> AllCommandLabels(const BusTraffic& traffic);
 
 /// The labels of transactions' commands, each looked up once. The traffic outlives it.
 class CommandLabels {

@@ -25,7 +25,7 @@ void IntervalWalk::Advance(const CapturedSamples& samples, std::size_t count) {
     if (next_ == begin_ && begin_ > 0 && samples.Has(begin_ - 1)) {
         // It shows that an address is no second half.
         follower_.Resume({0, samples.first + static_cast<std::int64_t>(begin_) - 1, 0,
-                          &samples.records[begin_ - 1], std::nullopt});
+                          &samples.records[begin_ - 1], std::nullopt, false});
     }
     const SampleTime sampleTime;
     const std::size_t stop = next_ + std::min(count, end_ + 1 - next_);

@@ -10,6 +10,7 @@ namespace busquill {
 
 namespace {
 
+constexpr std::uint32_t interruptAcknowledge = 0x0;
 constexpr std::uint32_t specialCycle = 0x1;
 constexpr std::uint32_t dualAddress = 0xD;
 constexpr std::uint32_t lanes32 = 0x0F;
@@ -17,6 +18,12 @@ constexpr std::uint32_t lanes64 = 0xFF;
 
 bool IsWrite(std::uint32_t command) {
     return (command & 1) != 0;
+}
+
+/// Whether the AD lines carry an address. An interrupt acknowledge and a special cycle speak to
+/// nobody in particular.
+bool HasAddress(std::uint32_t command) {
+    return command != interruptAcknowledge && command != specialCycle;
 }
 
 } // namespace
@@ -38,12 +45,11 @@ Transaction* PciTraffic::Take(const TimedSample& sample) {
         return Close(true);
     }
     const bool isAddress = frame_.IsAsserted(sample.record) && IsAddressPhase(sample.record);
-    if ((isFirst && !isAddress) || (isAddress && isSecondHalf)) {
-        Begin(sample).sum.isHeadless = true;
-        return nullptr;
-    }
-    if (isAddress) {
+    if (isAddress && !isSecondHalf) {
         return TakeAddress(sample);
+    }
+    if (isFirst || isAddress || FollowsUnseenAddress(sample.record)) {
+        return TakeWithoutAddress(sample);
     }
     if (!open_) {
         return nullptr;
@@ -60,10 +66,10 @@ void PciTraffic::Restart() {
     isSecondHalf_ = false;
 }
 
-void PciTraffic::RestartAfter(const SampleRecord& before) {
+void PciTraffic::RestartAfter(const SampleRecord& before, bool begins) {
     open_.reset();
-    isFirst_ = false;
-    isSecondHalf_ = frame_.IsAsserted(before) && IsAddressPhase(before) &&
+    isFirst_ = begins;
+    isSecondHalf_ = !begins && frame_.IsAsserted(before) && IsAddressPhase(before) &&
                     (enables_.Value(before) & 0xF) == dualAddress;
 }
 
@@ -83,7 +89,7 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
     if (open_ && open_->secondAddressDue) {
         Transaction& sum = open_->sum;
         sum.command = command << 4 | dualAddress;
-        sum.address = open_->lowAddress | low << 32;
+        SetAddress(sum, open_->lowAddress | low << 32);
         sum.isHeadless = false;
         sum.lastSample = sample.number;
         sum.lastTime = sample.time;
@@ -101,15 +107,42 @@ Transaction* PciTraffic::TakeAddress(const TimedSample& sample) {
     open.sum.isHeadless = open.secondAddressDue && !open.req64;
     if (!open.sum.isHeadless) {
         open.sum.command = open.secondAddressDue ? code : command;
-        open.sum.address = open.secondAddressDue ? lines : low;
+        SetAddress(open.sum, open.secondAddressDue ? lines : low);
     }
     return before;
+}
+
+/// Whether a sample moves data of a transaction whose address was not stored: those so far are
+/// over, or FRAME is asserted again, as it never is within one. A line that is asserted by mistake
+/// does not make a transaction.
+bool PciTraffic::FollowsUnseenAddress(const SampleRecord& record) const {
+    if (open_ && (open_->frame || !frame_.IsAsserted(record))) {
+        return false;
+    }
+    return irdy_.IsAsserted(record) && (trdy_.IsAsserted(record) || stop_.IsAsserted(record));
+}
+
+void PciTraffic::SetAddress(Transaction& sum, std::uint64_t address) {
+    sum.address = HasAddress(CommandOf(sum.command)) ? std::optional(address) : std::nullopt;
+}
+
+/// The first sample of a transaction whose address is not among the samples.
+Transaction* PciTraffic::TakeWithoutAddress(const TimedSample& sample) {
+    Transaction* const before = Close(true);
+    PciTransaction& open = Begin(sample);
+    open.sum.isHeadless = true;
+    const PciClock clock = ClockOf(sample.record);
+    open.frame = clock.frame;
+    return IsLast(clock) ? Close(true) : before; // with FRAME after one before, it is not the last
 }
 
 Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
     const PciClock clock = ClockOf(sample.record);
     open_->clocked = true;
     open_->claimed |= clock.devsel;
+    // ACK64 goes with DEVSEL, and the width stays after both: a target that takes one word only, or
+    // splits, has released them when it says so.
+    open_->isWide |= open_->req64 && clock.devsel && clock.ack64;
     open_->frame = clock.frame;
     if (!open_->sum.isHeadless) {
         const PciAnswer answer = AnswerOf(clock, *open_);
@@ -134,7 +167,7 @@ Transaction* PciTraffic::TakeClock(const TimedSample& sample) {
 void PciTraffic::TakeData(const TimedSample& sample, const PciClock& clock) {
     Transaction& sum = open_->sum;
     const std::uint32_t lanes = TakeLanes(clock, *open_);
-    const bool isWide = Width(clock, *open_) == lanes64;
+    const bool isWide = Width(*open_) == lanes64;
     const std::uint64_t lines = ad_.Word(sample.record);
     ++sum.dataPhases;
     sum.bytes += static_cast<std::uint32_t>(std::popcount(lanes));
@@ -223,7 +256,7 @@ PciAnswer PciTraffic::AnswerOf(const PciClock& clock, const PciTransaction& open
 }
 
 std::uint32_t PciTraffic::TakeLanes(const PciClock& clock, PciTransaction& open) const {
-    return clock.enables & Width(clock, open);
+    return clock.enables & Width(open);
 }
 
 bool PciTraffic::IsLast(const PciClock& clock) const {
@@ -234,8 +267,8 @@ std::uint32_t PciTraffic::CommandOf(std::uint32_t code) noexcept {
     return (code & 0xF) == dualAddress ? code >> 4 : code;
 }
 
-std::uint32_t PciTraffic::Width(const PciClock& clock, const PciTransaction& open) noexcept {
-    return open.req64 && clock.ack64 ? lanes64 : lanes32;
+std::uint32_t PciTraffic::Width(const PciTransaction& open) noexcept {
+    return open.isWide ? lanes64 : lanes32;
 }
 
 PciClock PciTraffic::ClockOf(const SampleRecord& record) const {
@@ -259,6 +292,14 @@ CommandName PciTraffic::NameOf(std::uint32_t code) const {
     const auto plain = FindLabel(*commands_, command);
     const std::string text = plain && dual ? plain->text : Printf("C/BE %X", command);
     return {commands_->values.size() + code, (dual ? "DAC-" : "") + text};
+}
+
+std::vector<std::uint32_t> PciTraffic::Commands() const {
+    std::vector<std::uint32_t> codes;
+    for (std::uint32_t command = 0; command <= 0xF; ++command) {
+        codes.insert(codes.end(), {command, command << 4 | dualAddress});
+    }
+    return codes;
 }
 
 std::unique_ptr<BusTraffic> MakePciTraffic(const SignalTables& tables) {

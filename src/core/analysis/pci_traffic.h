@@ -31,6 +31,7 @@ struct PciTransaction {
     std::uint64_t lowAddress = 0; // the first half of a dual address
     bool clocked = false;         // there was a clock after the address phase
     bool claimed = false;         // DEVSEL was asserted
+    bool isWide = false;          // ACK64 was asserted with it, after REQ64
     bool frame = true;            // FRAME in the last clock
     // PCI-X only, after an attribute phase.
     std::optional<std::uint32_t> attributeEnables;
@@ -47,8 +48,9 @@ public:
     [[nodiscard]] Transaction* Take(const TimedSample& sample) final;
     [[nodiscard]] const Transaction* Open() const final { return open_ ? &open_->sum : nullptr; }
     void Restart() final;
-    void RestartAfter(const SampleRecord& before) final;
+    void RestartAfter(const SampleRecord& before, bool begins) final;
     [[nodiscard]] CommandName NameOf(std::uint32_t command) const final;
+    [[nodiscard]] std::vector<std::uint32_t> Commands() const final;
     [[nodiscard]] bool HasClock() const final { return true; }
     [[nodiscard]] int AddressDigits(const Transaction& transaction) const final;
 
@@ -70,16 +72,19 @@ protected:
 
     /// The command of a code; for a dual address cycle, the command that it carries.
     [[nodiscard]] static std::uint32_t CommandOf(std::uint32_t code) noexcept;
-    /// The byte lanes of the current width.
-    [[nodiscard]] static std::uint32_t Width(const PciClock& clock,
-                                             const PciTransaction& open) noexcept;
+    /// The byte lanes of the agreed width.
+    [[nodiscard]] static std::uint32_t Width(const PciTransaction& open) noexcept;
 
     SignalLine ad_, enables_, addressPhase_;
 
 private:
     Transaction* TakeAddress(const TimedSample& sample);
+    Transaction* TakeWithoutAddress(const TimedSample& sample);
+    [[nodiscard]] bool FollowsUnseenAddress(const SampleRecord& record) const;
     Transaction* TakeClock(const TimedSample& sample);
     PciTransaction& Begin(const TimedSample& sample);
+    /// Of a transaction that has one.
+    static void SetAddress(Transaction& sum, std::uint64_t address);
     void TakeData(const TimedSample& sample, const PciClock& clock);
     [[nodiscard]] bool CarriesData(PciAnswer answer) const;
     /// How an answer ends the transaction; Unknown if it does not.
@@ -94,8 +99,8 @@ private:
     std::optional<PciTransaction> open_;
     Transaction closed_;
     bool isFirst_ = true; // the next sample does not follow another
-    bool isSecondHalf_ =
-        false; // an address phase in the next sample is the second of a dual address
+    // An address phase in the next sample is the second of a dual address.
+    bool isSecondHalf_ = false;
 };
 
 } // namespace busquill

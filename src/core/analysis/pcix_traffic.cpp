@@ -72,10 +72,10 @@ private:
     std::uint32_t TakeLanes(const PciClock& clock, PciTransaction& open) const override {
         const std::uint32_t command = CommandOf(open.sum.command);
         if (AnnouncesBytes(command)) {
-            return TakeAnnouncedLanes(Width(clock, open), open);
+            return TakeAnnouncedLanes(Width(open), open);
         }
         if (command == memoryWrite) {
-            TakeAnnouncedLanes(Width(clock, open), open);
+            TakeAnnouncedLanes(Width(open), open);
         }
         if (command == memoryWrite || !open.attributeEnables) {
             return PciTraffic::TakeLanes(clock, open);

@@ -55,7 +55,7 @@ void StrobedTraffic::Restart() {
     isFirst_ = true;
 }
 
-void StrobedTraffic::RestartAfter(const SampleRecord& before) {
+void StrobedTraffic::RestartAfter(const SampleRecord& before, bool /*begins*/) {
     Restart();
     before_ = LinesOf(before);
     isFirst_ = false;

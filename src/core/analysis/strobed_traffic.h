@@ -29,7 +29,7 @@ public:
     [[nodiscard]] Transaction* Take(const TimedSample& sample) final;
     [[nodiscard]] const Transaction* Open() const final { return open_ ? &open_->sum : nullptr; }
     void Restart() final;
-    void RestartAfter(const SampleRecord& before) final;
+    void RestartAfter(const SampleRecord& before, bool begins) final;
     [[nodiscard]] bool HasClock() const final { return false; }
 
 protected:

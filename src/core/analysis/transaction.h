@@ -67,7 +67,7 @@ struct Transaction {
     bool isHeadless = false;
 
     std::uint32_t command = 0;            // a code specific to the bus
-    std::optional<std::uint64_t> address; // nothing if it is not wholly in the capture
+    std::optional<std::uint64_t> address; // nothing if there is none, or not wholly in the capture
     std::uint64_t dataPhases = 0;
     std::uint64_t bytes = 0;
     std::vector<DataWord> words;           // the first ones, as many as were asked for

@@ -1,5 +1,8 @@
 #include "analysis/transaction_condition.h"
 
+#include "analysis/bus_traffic.h"
+#include "analysis/command_labels.h"
+#include "analysis/transaction_fields.h"
 #include "platform/text.h"
 #include "signals/signal_names.h"
 
@@ -10,29 +13,15 @@ namespace busquill {
 
 namespace {
 
-/// In the order of transactionFields.
-enum Field : std::size_t {
-    FieldNumber,
-    FieldSample,
-    FieldTime,
-    FieldCommand,
-    FieldAddress,
-    FieldWords,
-    FieldBytes,
-    FieldWait,
-    FieldInitiatorWait,
-    FieldLatency,
-    FieldEnd,
-    FieldGap,
-    FieldTag,
-    FieldSplitRequest,
-    FieldFindings,
-    FieldHeadless,
-};
-static_assert(transactionFields[FieldAddress] == "address" &&
-              transactionFields[FieldGap] == "gap" &&
-              transactionFields[FieldHeadless] == "headless" &&
-              transactionFields.size() == FieldHeadless + 1);
+using enum TransactionField;
+
+/// The only field that is not a column.
+constexpr std::size_t headlessId = transactionFields.size() - 1;
+static_assert(transactionFields[headlessId] == "headless");
+
+constexpr std::size_t IdOf(TransactionField field) {
+    return static_cast<std::size_t>(field);
+}
 
 class FieldNames final : public ExpressionNames {
 public:
@@ -40,15 +29,19 @@ public:
 
     [[nodiscard]] std::string_view Kind() const override { return "a field"; }
     [[nodiscard]] std::optional<ExpressionName> Find(std::string_view name) override {
-        const auto field = std::ranges::find(transactionFields, name);
+        const auto field = std::ranges::find_if(
+            transactionFields, [&](auto each) { return EqualIgnoringCase(each, name); });
         if (field == transactionFields.end()) {
             return std::nullopt;
         }
         ExpressionName found;
-        found.name = name;
+        found.name = *field;
         found.id = static_cast<std::size_t>(field - transactionFields.begin());
         found.values = ValuesOf(found.id);
-        if (found.id == FieldEnd) {
+        found.isHex = found.id == IdOf(Address);
+        if (found.id == IdOf(Command)) {
+            found.labels = bus_.commands;
+        } else if (found.id == IdOf(End)) {
             for (std::size_t i = 0; i < transactionEndCount; ++i) {
                 found.labels.emplace_back(NameOf(static_cast<TransactionEnd>(i)));
             }
@@ -62,28 +55,29 @@ public:
         const bool isSignal = bus_.tables != nullptr && FindSignal(name, *bus_.tables, {});
         return isSignal ? Printf("\"%s\" is a signal of samples; transactions have fields, such as "
                                  "command, address, wait and end",
-                                 std::string(name).c_str())
+                                 Shortened(name).c_str())
                         : "";
     }
 
 private:
-    [[nodiscard]] ExpressionName::Values ValuesOf(std::size_t field) const {
+    [[nodiscard]] ExpressionName::Values ValuesOf(std::size_t id) const {
         using Values = ExpressionName::Values;
-        switch (field) {
-        case FieldTime:
-        case FieldLatency:
-        case FieldGap:
-            return Values::Time;
-        case FieldWait:
-            return bus_.hasClock ? Values::Count : Values::Time;
-        case FieldAddress:
-            return Values::Bits;
-        case FieldCommand:
-            return Values::Text;
-        case FieldEnd:
-            return Values::Word;
-        case FieldHeadless:
+        if (id == headlessId) {
             return Values::Flag;
+        }
+        switch (static_cast<TransactionField>(id)) {
+        case Time:
+        case Latency:
+        case Gap:
+            return Values::Time;
+        case Wait:
+            return bus_.hasClock ? Values::Count : Values::Time;
+        case Address:
+            return Values::Bits;
+        case Command:
+            return Values::Text;
+        case End:
+            return Values::Word;
         default:
             return Values::Count;
         }
@@ -92,46 +86,16 @@ private:
     const TransactionBus& bus_;
 };
 
-std::optional<std::int64_t> NumberOf(const Transaction& transaction, std::size_t field) {
-    const auto positive = [](std::uint64_t value) { return static_cast<std::int64_t>(value); };
-    switch (field) {
-    case FieldNumber:
-        return positive(transaction.number);
-    case FieldSample:
-        return transaction.sample;
-    case FieldTime:
-        return transaction.time;
-    case FieldWords:
-        return positive(transaction.dataPhases);
-    case FieldBytes:
-        return positive(transaction.bytes);
-    case FieldWait:
-        return transaction.Wait();
-    case FieldInitiatorWait:
-        return positive(transaction.waitStates.initiator);
-    case FieldLatency:
-        return transaction.Latency();
-    case FieldGap:
-        return transaction.gap;
-    case FieldTag:
-        return transaction.sequence ? std::optional(positive(transaction.sequence->Tag()))
-                                    : std::nullopt;
-    case FieldSplitRequest:
-        return transaction.splitRequest ? std::optional(positive(*transaction.splitRequest))
-                                        : std::nullopt;
-    case FieldFindings:
-        return positive(transaction.findings);
-    default:
-        return std::nullopt;
-    }
-}
-
 } // namespace
+
+TransactionBus TransactionBus::Of(const BusTraffic& traffic, const SignalTables& tables) {
+    return {traffic.HasClock(), &tables, AllCommandLabels(traffic), nullptr};
+}
 
 std::variant<TransactionCondition, ExpressionError>
 TransactionCondition::Parse(std::string_view text, const TransactionBus& bus) {
     FieldNames names(bus);
-    auto parsed = ParseExpression(text, names);
+    auto parsed = ParseExpression(text, names, bus.kept);
     if (auto* const error = std::get_if<ExpressionError>(&parsed)) {
         return std::move(*error);
     }
@@ -141,24 +105,26 @@ TransactionCondition::Parse(std::string_view text, const TransactionBus& bus) {
 ExpressionCompletion TransactionCondition::Complete(std::string_view text, std::size_t cursor,
                                                     const TransactionBus& bus) {
     FieldNames names(bus);
-    return CompleteExpression(text, cursor, names);
+    return CompleteExpression(text, cursor, names, bus.kept);
 }
 
 std::optional<bool> TransactionCondition::Matches(const ExpressionTest& test,
                                                   const Transaction& transaction,
                                                   std::string_view command) {
-    switch (test.name.id) {
-    case FieldCommand:
-        return command.empty() ? std::nullopt : std::optional(IsLike(command, test.text));
-    case FieldEnd:
-        return static_cast<std::uint64_t>(transaction.end) == test.low;
-    case FieldHeadless:
+    if (test.name.id == headlessId) {
         return transaction.isHeadless;
+    }
+    const auto field = static_cast<TransactionField>(test.name.id);
+    switch (field) {
+    case Command:
+        return command.empty() ? std::nullopt : std::optional(IsLike(command, test.text));
+    case End:
+        return (test.low >> static_cast<std::size_t>(transaction.end) & 1) != 0;
     default:
         break;
     }
     const bool isMasked = test.kind == ExpressionTest::Kind::IsMasked;
-    if (test.name.id == FieldAddress) {
+    if (field == Address) {
         if (!transaction.address || transaction.isHeadless) {
             return std::nullopt;
         }
@@ -166,7 +132,7 @@ std::optional<bool> TransactionCondition::Matches(const ExpressionTest& test,
         return isMasked ? (address & test.high) == test.low
                         : test.low <= address && address <= test.high;
     }
-    const auto number = NumberOf(transaction, test.name.id);
+    const auto number = NumberOf(transaction, field);
     if (!number) {
         return std::nullopt;
     }

@@ -6,18 +6,26 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace busquill {
 
+class BusTraffic;
 class SignalTables;
 
 /// What conditions on the transactions of a bus depend on.
 struct TransactionBus {
-    bool hasClock = true;                 // waits are counted in clocks, not in ns
-    const SignalTables* tables = nullptr; // whose signals are told apart from unknown names
+    bool hasClock = true;                  // waits are counted in clocks, not in ns
+    const SignalTables* tables = nullptr;  // whose signals are told apart from unknown names
+    std::vector<std::string> commands{};   // their labels; with none, any text can be compared
+    const KeptExpressions* kept = nullptr; // which conditions may use
+
+    /// The tables outlive it.
+    [[nodiscard]] static TransactionBus Of(const BusTraffic& traffic, const SignalTables& tables);
 };
 
 /// A condition on transactions, such as

@@ -1,10 +1,12 @@
 #include "analysis/transaction_fields.h"
 
 #include "analysis/bus_traffic.h"
-#include "platform/text.h"
+#include "capture/expression.h"
 #include "signals/value_text.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <optional>
 
 namespace busquill {
@@ -48,23 +50,73 @@ std::uint64_t Key(const std::optional<Value>& value) {
     return value ? Key(*value) : 0;
 }
 
-std::string TimeText(const std::optional<std::int64_t>& time) {
-    return time ? FormatTime(*time, false) : std::string();
+template <typename Number>
+void AppendNumber(std::string& text, Number number) {
+    std::array<char, 24> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(digits.data(), end);
 }
 
-std::string DataText(const Transaction& transaction) {
-    std::string text;
+void AppendTime(std::string& text, const std::optional<std::int64_t>& time) {
+    if (time) {
+        text += FormatTime(*time, false);
+    }
+}
+
+void AppendData(std::string& text, const Transaction& transaction) {
+    const char* before = "";
     for (const DataWord& word : transaction.words) {
-        text += text.empty() ? "" : " ";
+        text += before;
         AppendText(text, word);
+        before = " ";
     }
-    if (!text.empty() && transaction.words.size() < transaction.dataPhases) {
-        text += " ...";
+    if (transaction.words.size() < transaction.dataPhases) {
+        text += before;
+        text += "...";
     }
-    return text;
 }
 
 } // namespace
+
+std::string_view NameOf(TransactionField field) noexcept {
+    static_assert(transactionFields[static_cast<std::size_t>(Address)] == "address" &&
+                  transactionFields[static_cast<std::size_t>(Findings)] == "findings");
+    return field == Data ? "data" : transactionFields[static_cast<std::size_t>(field)];
+}
+
+std::optional<std::int64_t> NumberOf(const Transaction& transaction, TransactionField field) {
+    const auto positive = [](std::uint64_t value) { return static_cast<std::int64_t>(value); };
+    switch (field) {
+    case Number:
+        return positive(transaction.number);
+    case Sample:
+        return transaction.sample;
+    case Time:
+        return transaction.time;
+    case Words:
+        return positive(transaction.dataPhases);
+    case Bytes:
+        return positive(transaction.bytes);
+    case Wait:
+        return transaction.Wait();
+    case InitiatorWait:
+        return positive(transaction.waitStates.initiator);
+    case Latency:
+        return transaction.Latency();
+    case Gap:
+        return transaction.gap;
+    case Tag:
+        return transaction.sequence ? std::optional(positive(transaction.sequence->Tag()))
+                                    : std::nullopt;
+    case SplitRequest:
+        return transaction.splitRequest ? std::optional(positive(*transaction.splitRequest))
+                                        : std::nullopt;
+    case Findings:
+        return positive(transaction.findings);
+    default:
+        return std::nullopt;
+    }
+}
 
 std::span<const FieldColumn> FieldColumns() noexcept {
     return columns;
@@ -83,47 +135,80 @@ bool HasField(const BusTraffic& traffic, bool hasSplits, TransactionField field)
 }
 
 std::string TransactionFields::Text(const Transaction& transaction, TransactionField field) {
+    std::string text;
+    Append(text, transaction, field);
+    return text;
+}
+
+void TransactionFields::AppendAddress(std::string& text, const Transaction& transaction) const {
+    if (!transaction.address || transaction.isHeadless) {
+        return;
+    }
+    for (int digit = traffic_.AddressDigits(transaction); digit-- > 0;) {
+        text += "0123456789ABCDEF"[*transaction.address >> (4 * digit) & 0xF];
+    }
+}
+
+void TransactionFields::Append(std::string& text, const Transaction& transaction,
+                               TransactionField field) {
     switch (field) {
     case Number:
-        return std::to_string(transaction.number);
+        AppendNumber(text, transaction.number);
+        break;
     case Sample:
-        return std::to_string(transaction.sample);
+        AppendNumber(text, transaction.sample);
+        break;
     case Time:
-        return FormatTime(transaction.time, false);
+        AppendTime(text, transaction.time);
+        break;
     case TransactionField::Command:
-        return transaction.isHeadless ? "(begun before)" : labels_.Of(transaction);
-    case Address: {
-        if (!transaction.address || transaction.isHeadless) {
-            return {};
-        }
-        const unsigned long long address = *transaction.address;
-        return Printf("%0*llX", traffic_.AddressDigits(transaction), address);
-    }
+        text += transaction.isHeadless ? "(begun before)" : labels_.Of(transaction);
+        break;
+    case Address:
+        AppendAddress(text, transaction);
+        break;
     case Words:
-        return std::to_string(transaction.dataPhases);
+        AppendNumber(text, transaction.dataPhases);
+        break;
     case Bytes:
-        return std::to_string(transaction.bytes);
+        AppendNumber(text, transaction.bytes);
+        break;
     case Wait:
-        return traffic_.HasClock() ? std::to_string(transaction.Wait())
-                                   : FormatTime(transaction.Wait(), false);
+        if (traffic_.HasClock()) {
+            AppendNumber(text, transaction.Wait());
+        } else {
+            AppendTime(text, transaction.Wait());
+        }
+        break;
     case InitiatorWait:
-        return std::to_string(transaction.waitStates.initiator);
+        AppendNumber(text, transaction.waitStates.initiator);
+        break;
     case Latency:
-        return TimeText(transaction.Latency());
+        AppendTime(text, transaction.Latency());
+        break;
     case End:
-        return std::string(NameOf(transaction.end));
+        text += NameOf(transaction.end);
+        break;
     case Gap:
-        return TimeText(transaction.gap);
+        AppendTime(text, transaction.gap);
+        break;
     case Tag:
-        return transaction.sequence ? std::to_string(transaction.sequence->Tag()) : std::string();
+        if (transaction.sequence) {
+            AppendNumber(text, transaction.sequence->Tag());
+        }
+        break;
     case SplitRequest:
-        return transaction.splitRequest ? std::to_string(*transaction.splitRequest) : std::string();
+        if (transaction.splitRequest) {
+            AppendNumber(text, *transaction.splitRequest);
+        }
+        break;
     case Findings:
-        return std::to_string(transaction.findings);
+        AppendNumber(text, transaction.findings);
+        break;
     case Data:
-        return DataText(transaction);
+        AppendData(text, transaction);
+        break;
     }
-    return {};
 }
 
 std::uint64_t TransactionFields::SortKey(const Transaction& transaction,

@@ -5,11 +5,14 @@
 #include "analysis/transaction.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace busquill {
 
+/// Up to Findings in the order of transactionFields.
 enum class TransactionField : std::uint8_t {
     Number,
     Sample,
@@ -28,6 +31,13 @@ enum class TransactionField : std::uint8_t {
     Findings,
     Data,
 };
+
+/// As in conditions, CSV and JSON.
+[[nodiscard]] std::string_view NameOf(TransactionField field) noexcept;
+
+/// The value of a field that is a number, if the transaction has it; times in ns.
+[[nodiscard]] std::optional<std::int64_t> NumberOf(const Transaction& transaction,
+                                                   TransactionField field);
 
 /// How a table shows a field.
 struct FieldColumn {
@@ -55,11 +65,15 @@ public:
     }
     /// Empty where a transaction does not have the field.
     [[nodiscard]] std::string Text(const Transaction& transaction, TransactionField field);
+    /// The same after other text.
+    void Append(std::string& text, const Transaction& transaction, TransactionField field);
     /// In the order of the values, 0 where a transaction does not have the field.
     [[nodiscard]] std::uint64_t SortKey(const Transaction& transaction,
                                         TransactionField field) const;
 
 private:
+    void AppendAddress(std::string& text, const Transaction& transaction) const;
+
     const BusTraffic& traffic_;
     CommandLabels labels_;
 };

@@ -98,7 +98,7 @@ void TransactionFollower::Resume(const Place& place) {
     transactions_ = place.transactions;
     lastEnd_ = place.lastEnd;
     if (traffic_ && place.before != nullptr) {
-        traffic_->RestartAfter(*place.before);
+        traffic_->RestartAfter(*place.before, place.begins);
     }
 }
 

@@ -40,10 +40,11 @@ public:
         const SampleRecord* before = nullptr; // that sample; null if others are missing since
         std::optional<std::int64_t> lastEnd;  // when the transaction before ended; nothing if
                                               // samples are missing since
+        bool begins = true;                   // a transaction begins with the next sample
     };
     /// Begins with a new capture.
     void Restart();
-    /// Continues there, in a transaction that begins with the next sample.
+    /// Continues there.
     void Resume(const Place& place);
 
     /// The time of the last sample, in ns from the first.

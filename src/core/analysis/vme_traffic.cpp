@@ -105,6 +105,15 @@ public:
         return {row, text + (modifies ? " RMW" : read ? " Rd" : " Wr")};
     }
 
+    [[nodiscard]] std::vector<std::uint32_t> Commands() const override {
+        std::vector<std::uint32_t> codes = {interruptBit};
+        for (std::uint32_t modifier = 0; modifier <= modifierMask; ++modifier) {
+            codes.insert(codes.end(),
+                         {modifier | readBit, modifier, modifier | readBit | modifyBit});
+        }
+        return codes;
+    }
+
     [[nodiscard]] int AddressDigits(const Transaction& transaction) const override {
         if ((transaction.command & interruptBit) != 0) {
             return 1;
@@ -253,8 +262,13 @@ private:
     bool IsOther(std::uint32_t command) const override {
         return (command & interruptBit) == 0 && IsTwoEdge(command & modifierMask);
     }
+    /// The lowest byte of the address lines. The bus has no A0: in the address phases of 2eVME and
+    /// 2eSST, LWORD takes its place.
+    [[nodiscard]] std::uint64_t LowByte(const SampleRecord& record) const {
+        return (address_.Word(record) & 0xFE) | (longWord_.IsHigh(record) ? 1U : 0U);
+    }
     [[nodiscard]] TwoEdgeState TwoEdgeAt(std::uint32_t command, const SampleRecord& record) const {
-        const std::uint64_t extended = address_.Word(record) & 0xFF;
+        const std::uint64_t extended = LowByte(record);
         TwoEdgeState state;
         state.isSourceSynchronous = (extended & 0x30) != 0;
         state.hasWideAddress = (extended & 0x0F) == 2;
@@ -273,7 +287,7 @@ private:
         }
         const bool isRefused = (retry && !state.retry) || (lines.error && !before.error);
         state.retry = retry;
-        if (open.sum.HasEnd()) {
+        if (open.sum.HasEnd() && !IsUnderWay(open.sum)) {
             return;
         }
         const bool isAcknowledge = lines.acknowledge != before.acknowledge;
@@ -286,12 +300,17 @@ private:
         } else if (frames && (before.strobes & 1) != 0) {
             TakeEdges(sample, ((lines.strobes ^ before.strobes) & 2) != 0, isAcknowledge, open.sum);
         }
-        if (isRefused) { // after the beat in the same sample, which moved
+        if (isRefused && !open.sum.HasEnd()) { // after the beat in the same sample, which moved
             open.sum.end = !retry                     ? TransactionEnd::BusError
                            : open.sum.dataPhases != 0 ? TransactionEnd::DisconnectWithData
                                                       : TransactionEnd::Retry;
             state.waiting = false;
         }
+    }
+    /// A 2eSST source does not wait for answers: after a RETRY amid the data, beats still follow
+    /// that it has already sent.
+    [[nodiscard]] bool IsUnderWay(const Transaction& sum) const {
+        return twoEdge_.isSourceSynchronous && sum.end == TransactionEnd::DisconnectWithData;
     }
     void TakeAddressPhase(const SampleRecord& record, int phase, StrobedTransaction& open) const {
         const std::uint64_t lines = address_.Word(record);
@@ -299,7 +318,7 @@ private:
             const std::uint64_t data = lines >> 32;
             open.address |= twoEdge_.isSmall ? (data & 0xFFFF) << 24 : data << 32;
         } else if (phase == 2) {
-            open.sum.address = open.address | (lines & 0xFF);
+            open.sum.address = open.address | LowByte(record);
         }
     }
     void TakeEdges(const TimedSample& sample, bool isStrobe, bool isAcknowledge, Transaction& sum) {

@@ -29,6 +29,14 @@ public:
                 Printf("SPACE %X %s", command & spaceMask, read ? "Rd" : "Wr")};
     }
 
+    [[nodiscard]] std::vector<std::uint32_t> Commands() const override {
+        std::vector<std::uint32_t> codes;
+        for (std::uint32_t space = 0; space <= spaceMask; ++space) {
+            codes.insert(codes.end(), {space | readBit, space});
+        }
+        return codes;
+    }
+
     [[nodiscard]] int AddressDigits(const Transaction& /*transaction*/) const override { return 8; }
 
 private:

@@ -14,6 +14,8 @@
 
 namespace busquill {
 
+class KeptExpressions;
+
 /// What is wrong with an expression, and where.
 struct ExpressionError {
     std::size_t place = 0; // of the first character in question; at most the length of the text
@@ -26,8 +28,8 @@ struct ExpressionName {
         Count, // whole numbers without a unit
         Time,  // nanoseconds, or a number with a unit
         Bits,  // a number of `width` bits without a sign, or a label in quotes
-        Text,  // any text in quotes
-        Word,  // one of the labels, without quotes
+        Text,  // a text in quotes, like one of the labels if there are any
+        Word,  // one of the labels, or like some of them in quotes; at most 64
         Flag,  // holds or not, without an operator
     };
     enum class Edges : std::uint8_t { None, Changes, All };
@@ -36,6 +38,7 @@ struct ExpressionName {
     Values values = Values::Count;
     Edges edges = Edges::None;
     std::size_t width = 64;
+    bool isHex = false; // digits without a prefix are hexadecimal, as the user sees the values
     std::vector<std::string> labels;
     std::size_t id = 0; // whatever the owner of the names wants
 };
@@ -61,7 +64,7 @@ struct ExpressionTest {
         InRange,  // least to most; Bits: low to high; a Flag is in any range
         IsMasked, // the bits of `high` have the values in `low`
         IsLike,   // like `text`, in which "*" is any characters
-        IsWord,   // the label `low`
+        IsOneOf,  // the labels whose bits are set in `low`
         Rises,
         Falls,
         Changes,
@@ -91,9 +94,10 @@ struct ParsedExpression {
     static constexpr std::size_t mostResults = 62;
 };
 
-/// The expression, or the first mistake.
+/// The expression, or the first mistake. It may use the kept ones.
 [[nodiscard]] std::variant<ParsedExpression, ExpressionError>
-ParseExpression(std::string_view text, ExpressionNames& names);
+ParseExpression(std::string_view text, ExpressionNames& names,
+                const KeptExpressions* kept = nullptr);
 
 /// What can stand at the cursor.
 struct ExpressionCompletion {
@@ -103,7 +107,8 @@ struct ExpressionCompletion {
 /// The names, operators, labels and words that can stand at the cursor and begin with what is
 /// before it, in upper or lower case; none after a mistake.
 [[nodiscard]] ExpressionCompletion CompleteExpression(std::string_view text, std::size_t cursor,
-                                                      ExpressionNames& names);
+                                                      ExpressionNames& names,
+                                                      const KeptExpressions* kept = nullptr);
 
 /// A name as it has to be written: in backquotes, unless it is a plain word.
 [[nodiscard]] std::string QuotedName(std::string_view name);

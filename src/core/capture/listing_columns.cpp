@@ -75,8 +75,7 @@ std::string UnknownColumn(const std::string& name, const CSignalList& list,
             add(def->name);
         }
     }
-    return Printf("no column \"%s\"; there are %s", name.c_str(),
-                  ListNearest(name, std::move(names)).c_str());
+    return Printf("no column \"%s\"; there are %s", name.c_str(), ListNearest(name, names).c_str());
 }
 
 } // namespace

@@ -356,9 +356,10 @@ private:
 
 std::variant<SampleCondition, ExpressionError>
 SampleCondition::Parse(std::string_view text, const SignalTables& tables,
-                       std::initializer_list<const CSignalList*> lists) {
+                       std::initializer_list<const CSignalList*> lists,
+                       const KeptExpressions* kept) {
     SampleNames names(tables, lists);
-    auto parsed = ParseExpression(text, names);
+    auto parsed = ParseExpression(text, names, kept);
     if (auto* const error = std::get_if<ExpressionError>(&parsed)) {
         return std::move(*error);
     }
@@ -367,9 +368,10 @@ SampleCondition::Parse(std::string_view text, const SignalTables& tables,
 
 ExpressionCompletion SampleCondition::Complete(std::string_view text, std::size_t cursor,
                                                const SignalTables& tables,
-                                               std::initializer_list<const CSignalList*> lists) {
+                                               std::initializer_list<const CSignalList*> lists,
+                                               const KeptExpressions* kept) {
     SampleNames names(tables, lists);
-    return CompleteExpression(text, cursor, names);
+    return CompleteExpression(text, cursor, names, kept);
 }
 
 bool SampleCondition::IsMasked() const noexcept {
@@ -381,6 +383,13 @@ bool SampleCondition::NeedsTimes() const noexcept {
         operations_, [](const Operation& each) { return each.step == Step::SinceTriggerInRange; });
 }
 
+const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
+    if (i == 0) {
+        return block.before;
+    }
+    return block.numbers[i] == block.numbers[i - 1] + 1 ? &block.records[i - 1] : nullptr;
+}
+
 namespace {
 
 template <typename Condition>
@@ -390,14 +399,6 @@ std::uint32_t EachWhere(std::size_t count, Condition condition) {
         matches |= static_cast<std::uint32_t>(condition(i)) << i;
     }
     return matches;
-}
-
-/// The sample before one of the block; null if it is missing.
-const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
-    if (i == 0) {
-        return block.before;
-    }
-    return block.numbers[i] == block.numbers[i - 1] + 1 ? &block.records[i - 1] : nullptr;
 }
 
 bool Differ(const SampleRecord& a, const SampleRecord& b, const SampleRecord& care) noexcept {

@@ -24,6 +24,10 @@ struct SampleBlock {
     std::span<const std::int64_t> times{}; // since the trigger, for conditions that need them
 };
 
+/// The sample numbered before one of the block, which may be of any length here; null if it is
+/// missing.
+[[nodiscard]] const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept;
+
 /// A condition on samples, such as
 ///
 ///     FRAME falls and COMMAND == "Mem*" and not (ADDRESS32 in 0x1000..0x1FFF or INTA == 0)
@@ -37,10 +41,11 @@ public:
     /// The condition, or the first mistake.
     [[nodiscard]] static std::variant<SampleCondition, ExpressionError>
     Parse(std::string_view text, const SignalTables& tables,
-          std::initializer_list<const CSignalList*> lists);
+          std::initializer_list<const CSignalList*> lists, const KeptExpressions* kept = nullptr);
     [[nodiscard]] static ExpressionCompletion
     Complete(std::string_view text, std::size_t cursor, const SignalTables& tables,
-             std::initializer_list<const CSignalList*> lists);
+             std::initializer_list<const CSignalList*> lists,
+             const KeptExpressions* kept = nullptr);
 
     /// A bit for each sample of the block, set where the condition holds.
     [[nodiscard]] std::uint32_t MatchesOf(const SampleBlock& block) const noexcept;

@@ -85,6 +85,9 @@ std::optional<ExpressionName> SampleNames::Find(std::string_view name) {
         found.edges = IsShownInPhase(*signal, Board()) ? Edges::None
                       : found.width == 1               ? Edges::All
                                                        : Edges::Changes;
+        const bool showsLabels = signal->decoded && signal->decoded->ReadsAsLabel();
+        // Up to three lines look the same in both.
+        found.isHex = !showsLabels && found.width > 3;
         if (signal->decoded && signal->decoded->Positions().size() == found.width) {
             found.labels = LabelsOf(*signal->decoded);
         }
@@ -108,7 +111,8 @@ std::vector<std::string> SampleNames::All() const {
 }
 
 std::string SampleNames::BelongsElsewhere(std::string_view name) const {
-    if (std::ranges::find(transactionFields, name) != transactionFields.end()) {
+    if (std::ranges::any_of(transactionFields,
+                            [&](auto field) { return EqualIgnoringCase(field, name); })) {
         return Printf("\"%s\" belongs to transactions; samples have signals, such as %s",
                       std::string(name).c_str(), ListNearest("", All()).c_str());
     }

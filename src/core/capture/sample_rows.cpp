@@ -37,8 +37,9 @@ private:
 
 /// The kinds of the first 96 bytes of a row, a bit for each byte.
 struct RowMasks {
-    std::uint64_t commas[2] = {};
-    std::uint64_t others[2] = {}; // neither digit nor comma
+    using Bits = std::array<std::uint64_t, 2>;
+    Bits ends = {};   // not digits
+    Bits others = {}; // neither digit nor comma
 };
 
 constexpr unsigned rowBytes = 96; // longer than any plain row
@@ -56,12 +57,17 @@ RowMasks MasksOf(const char* text) noexcept {
         // Bytes above 127 are negative, so they do not count as digits.
         const std::uint64_t digit = bits(_mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('/')),
                                                        _mm_cmplt_epi8(bytes, _mm_set1_epi8(':'))));
-        const int half = piece / 4;
+        const std::size_t half = static_cast<std::size_t>(piece) / 4;
         const int shift = piece % 4 * 16;
-        masks.commas[half] |= comma << shift;
+        masks.ends[half] |= (~digit & 0xFFFF) << shift;
         masks.others[half] |= (~(comma | digit) & 0xFFFF) << shift;
     }
     return masks;
+}
+
+/// 64 of the bits from one on, which is neither the first nor above 64.
+std::uint64_t From(const RowMasks::Bits& bits, unsigned first) noexcept {
+    return bits[0] >> first | bits[1] << (64 - first);
 }
 
 /// A byte of the record from one to three digits that end before `end`; values above 255 wrap.
@@ -80,38 +86,44 @@ std::uint8_t ByteBefore(const char* end, unsigned digits) noexcept {
 std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& rows) {
     RowMasks masks = MasksOf(text);
     const bool negative = text[0] == '-';
+    masks.ends[0] &= ~std::uint64_t{negative};
     masks.others[0] &= ~std::uint64_t{negative};
-    // Nothing but digits and commas precedes the line end.
-    const bool endsEarly = masks.others[0] != 0;
-    const unsigned end = endsEarly ? static_cast<unsigned>(std::countr_zero(masks.others[0]))
-                                   : 64U + static_cast<unsigned>(std::countr_zero(masks.others[1]));
-    if (end >= length || end >= rowBytes || text[end] != '\n') {
+    const auto comma = static_cast<unsigned>(std::countr_zero(masks.ends[0]));
+    const unsigned digits = comma - (negative ? 1U : 0U);
+    // ByteBefore reads the four characters up to a field's end.
+    if (digits - 1 >= maxNumberDigits || comma < 2 || text[comma] != ',') {
         return 0;
     }
-    const std::uint64_t inRow[2] = {LowBits<std::uint64_t>(end),
-                                    endsEarly ? 0 : LowBits<std::uint64_t>(end - 64)};
-    std::array<unsigned, rowFields + 96> ends; // of the fields; enough for any row
-    std::size_t fields = 0;
-    for (const std::size_t comma : EachSetBit(masks.commas[0] & inRow[0])) {
-        ends[fields++] = static_cast<unsigned>(comma);
-    }
-    for (const std::size_t comma : EachSetBit(masks.commas[1] & inRow[1])) {
-        ends[fields++] = 64U + static_cast<unsigned>(comma);
-    }
-    ends[fields++] = end;
-    const unsigned digits = ends[0] - (negative ? 1U : 0U);
-    // ByteBefore reads the four characters up to the field's end.
-    if (fields != rowFields || digits - 1 >= maxNumberDigits || ends[1] < sizeof(std::uint32_t)) {
-        return 0;
-    }
+    // Half of the fields fit 64 bits, wherever they begin. Loops of a fixed length are foreseen
+    // by the processor, others are not.
+    constexpr std::size_t half = recordBytes / 2;
+    static_assert(recordBytes == 2 * half && half * 4 <= 64);
     SampleRecord record;
-    unsigned wrong = 0;
-    for (std::size_t i = 0; i < recordBytes; ++i) {
-        const unsigned count = ends[i + 1] - ends[i] - 1;
-        wrong |= static_cast<unsigned>(count - 1 > 2);
-        record.bytes[i] = ByteBefore(text + ends[i + 1], count & 3);
+    unsigned begin = comma + 1;
+    for (const std::size_t first : {std::size_t{0}, half}) {
+        std::uint64_t ends = From(masks.ends, begin);
+        unsigned field = 0;
+        unsigned wrong = 0;
+        for (std::size_t i = 0; i < half; ++i) {
+            const auto end = static_cast<unsigned>(std::countr_zero(ends));
+            const unsigned count = end - field;
+            wrong |= static_cast<unsigned>(count - 1 > 2);
+            record.bytes[first + i] = ByteBefore(text + begin + end, count & 3);
+            ends &= ends - 1;
+            field = end + 1;
+        }
+        if (wrong != 0) {
+            return 0;
+        }
+        // Nothing but commas, until the line ends.
+        const bool isLast = first != 0;
+        const std::uint64_t others = From(masks.others, begin) & LowBits<std::uint64_t>(field);
+        if (others != (isLast ? std::uint64_t{1} << (field - 1) : 0)) {
+            return 0;
+        }
+        begin += field;
     }
-    if (wrong != 0) {
+    if (begin > length || text[begin - 1] != '\n') {
         return 0;
     }
     std::int32_t number = 0;
@@ -119,7 +131,7 @@ std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& ro
         number = number * 10 + (*at - '0');
     }
     rows.Add(negative ? -number : number, record);
-    return end + 1;
+    return begin;
 }
 
 #endif

@@ -69,6 +69,7 @@ bool CTesselDoc::OnOpenDocument(const std::string& path) {
     hasStateList_ = contents.stateList;
     hasZoomSamples_ = contents.zoomSamples;
     setupName = setup.name;
+    sampling = SamplingOf(setup);
     fileName = BaseNameOf(path);
     RebuildMapsFromFile();
     return true;
@@ -130,6 +131,7 @@ void CTesselDoc::ForgetSamples() {
 
 void CTesselDoc::OnCaptureStarted() {
     captureActive_ = true;
+    sampling = SamplingOf(setup);
     boardCapture_->upload.SetObserver(nullptr);
     ForgetSamples();
     UpdateAllViews(nullptr, HintCaptureStarted);

@@ -116,7 +116,8 @@ public:
     /// Patterns of one sample: of the search, and of the filter.
     CSignalList searchPattern;
     CSignalList filterPattern;
-    TraceSetup setup;
+    TraceSetup setup;  // for the next capture, or that of a file
+    Sampling sampling; // of the samples, whatever the setup is now
     std::string setupPath;
     std::string setupName = "<New>";
     std::string fileName;

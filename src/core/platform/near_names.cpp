@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace busquill {
 
@@ -45,19 +46,30 @@ int DistanceOf(const std::string& name, const std::string& word) {
             return 2;
         }
     }
+    // As many letters as the longer one has more must be inserted.
+    const std::size_t most = std::max<std::size_t>(1, word.size() / 3);
+    const std::size_t longer = std::max(name.size(), word.size());
+    if (longer - std::min(name.size(), word.size()) > most) {
+        return far;
+    }
     const int edits = EditsBetween(name, word);
-    return edits <= std::max(1, static_cast<int>(word.size()) / 3) ? 1 + edits : far;
+    return edits <= static_cast<int>(most) ? 1 + edits : far;
 }
 
 } // namespace
 
-std::string ListNearest(std::string_view word, std::vector<std::string> names) {
+std::string ListNearest(std::string_view word, const std::vector<std::string>& names) {
     constexpr std::size_t enough = 400; // characters
     const std::string stem = StemOf(word);
-    std::ranges::stable_sort(
-        names, {}, [&](const std::string& name) { return DistanceOf(StemOf(name), stem); });
-    std::string list;
+    std::vector<std::pair<int, std::size_t>> byDistance;
+    byDistance.reserve(names.size());
     for (const std::string& name : names) {
+        byDistance.emplace_back(DistanceOf(StemOf(name), stem), byDistance.size());
+    }
+    std::ranges::sort(byDistance);
+    std::string list;
+    for (const auto& [distance, index] : byDistance) {
+        const std::string& name = names[index];
         if (list.size() + name.size() > enough) {
             return list + ", ...";
         }

@@ -8,6 +8,6 @@ namespace busquill {
 
 /// A list of valid names for an error message, separated by commas: first those nearest to `word`,
 /// then the others in their order. A list too long for a message ends in "...".
-[[nodiscard]] std::string ListNearest(std::string_view word, std::vector<std::string> names);
+[[nodiscard]] std::string ListNearest(std::string_view word, const std::vector<std::string>& names);
 
 } // namespace busquill

@@ -9,10 +9,6 @@ namespace busquill {
 
 namespace {
 
-char LowerChar(char c) noexcept {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
-}
-
 bool IsSpace(char c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
@@ -86,15 +82,34 @@ int ParseInt(std::string_view text) noexcept {
     return static_cast<int>(negative ? -value : std::min(value, limit));
 }
 
+char ToLower(char c) noexcept {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
+
 std::string ToLower(std::string_view text) {
     std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), LowerChar);
+    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return ToLower(c); });
     return lower;
+}
+
+std::string Shortened(std::string_view text) {
+    constexpr std::size_t most = 60;
+    if (text.size() <= most) {
+        return std::string(text);
+    }
+    std::size_t end = most;
+    const auto isInsideCharacter = [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+    };
+    while (end > most - 3 && isInsideCharacter(text[end])) {
+        --end;
+    }
+    return std::string(text.substr(0, end)) + "...";
 }
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return LowerChar(x) == LowerChar(y); });
+                      [](char x, char y) { return ToLower(x) == ToLower(y); });
 }
 
 std::string TrimRight(std::string_view text) {

@@ -15,9 +15,13 @@ namespace busquill {
 
 /// The text in lower case; only the letters A to Z change.
 [[nodiscard]] std::string ToLower(std::string_view text);
+[[nodiscard]] char ToLower(char c) noexcept;
 
 /// The text as UTF-8; text that is not valid UTF-8 is taken as Latin-1.
 [[nodiscard]] std::string ToUtf8(std::string_view text);
+
+/// The text as a message can quote it: the end of a long one becomes "...".
+[[nodiscard]] std::string Shortened(std::string_view text);
 
 /// Whether two texts are equal without regard to the case of A to Z.
 [[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b) noexcept;

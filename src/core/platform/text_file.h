@@ -57,8 +57,8 @@ private:
     std::string joined_; // a line split across two fills of the buffer
 };
 
-/// Writes a text file. Failures are reported by Close. Without a Close, the destructor closes the
-/// file and failures go unreported.
+/// Writes a text file. Failures are reported by Close, and by Failed as soon as they are known.
+/// Without a Close, the destructor closes the file and failures go unreported.
 class TextWriter {
 public:
     TextWriter() = default;
@@ -75,6 +75,8 @@ public:
     /// created.
     [[nodiscard]] bool CreateBeside(const std::string& path);
     void Write(std::string_view text);
+    /// Whether a write has failed. The last bytes may still be on their way until Close.
+    [[nodiscard]] bool Failed() const noexcept { return failed_; }
     /// Closes the file. Returns whether everything was written and the file is in its place.
     [[nodiscard]] bool Close();
 

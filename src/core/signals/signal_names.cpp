@@ -202,7 +202,7 @@ std::string UnknownSignal(std::string_view name, const SignalTables& tables,
         names.push_back(signal.name);
     }
     return Printf("no signal \"%s\" on this bus; there are %s", std::string(name).c_str(),
-                  ListNearest(name, std::move(names)).c_str());
+                  ListNearest(name, names).c_str());
 }
 
 std::string BitName(const SignalTables& tables, int position) {

@@ -99,6 +99,10 @@ bool StoresAll(const TraceSetup& setup) {
     return setup.clock != clockTransfer;
 }
 
+Sampling SamplingOf(const TraceSetup& setup) {
+    return {setup.clock == clockOfBus || setup.clock == clockSync, StoresAll(setup)};
+}
+
 std::string_view ClockText(std::int32_t index) noexcept {
     return TextAt(clockTexts, index);
 }

@@ -92,6 +92,13 @@ public:
 /// all, and the clock leaves nothing out.
 [[nodiscard]] bool StoresAll(const TraceSetup& setup);
 
+/// How the samples of a capture were taken.
+struct Sampling {
+    bool atBusClock = false;
+    bool storedAll = true; // see StoresAll
+};
+[[nodiscard]] Sampling SamplingOf(const TraceSetup& setup);
+
 /// The texts of the three index fields; "Unknown" for 0, empty beyond the table.
 [[nodiscard]] std::string_view ClockText(std::int32_t index) noexcept;
 [[nodiscard]] std::string_view PowerZoomText(std::int32_t index) noexcept;

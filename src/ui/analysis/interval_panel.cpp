@@ -1,6 +1,7 @@
 #include "ui/analysis/interval_panel.h"
 
 #include "capture/analyzer.h"
+#include "capture/missing_samples.h"
 #include "capture/trace_document.h"
 #include "signals/cell_text.h"
 #include "signals/value_text.h"
@@ -187,11 +188,10 @@ void IntervalPanel::Begin(const Source& source) {
     const auto from = static_cast<std::size_t>(source.from);
     count_->next = from;
     if (!source.isZoom) {
-        const std::int32_t clock = source.document->setup.clock;
         count_->absent = AbsentSamples(*source.document);
         count_->walk.emplace(board_, parts_.analyzer.Tables(), from,
                              static_cast<std::size_t>(source.to),
-                             clock == clockOfBus || clock == clockSync);
+                             source.document->sampling.atBusClock);
     }
     for (const auto& signal : source.list->All()) {
         if (IsCounted(*signal)) {
@@ -303,8 +303,9 @@ void IntervalPanel::ShowTransactions(const IntervalFigures& figures) {
                            : Line("Throughput", "-"));
     }
     if (figures.hasGaps) {
-        note_->setText(
-            "Samples between the markers are missing, so time and counts are too small.");
+        note_->setText(QString("Samples between the markers %1.").arg(areMissing));
+    } else if (!source_->document->sampling.storedAll) {
+        note_->setText("The setup did not store every sample, so counts may be too small.");
     }
 }
 

@@ -285,7 +285,8 @@ void TransactionPanel::ForgetRows() {
 
 TransactionBus TransactionPanel::FilterBus() const {
     const BusTraffic* const traffic = Model() == nullptr ? nullptr : Model()->Traffic();
-    return {traffic == nullptr || traffic->HasClock(), &parts_.analyzer.Tables()};
+    return traffic == nullptr ? TransactionBus{.tables = &parts_.analyzer.Tables()}
+                              : TransactionBus::Of(*traffic, parts_.analyzer.Tables());
 }
 
 /// Nothing that could have the keyboard is hidden or disabled before the next event: the keyboard
@@ -539,6 +540,9 @@ void TransactionPanel::ShowState() {
     if (isWorking) {
         summary += QString(summary.isEmpty() ? "%1 %" : "; looking for transactions, %1 %")
                        .arg(model->Progress());
+    }
+    if (hasRows && !document_->sampling.storedAll) {
+        summary += "; the setup did not store every sample";
     }
     summary_->setText(summary);
     summary_->setToolTip(summary); // for a window too narrow for the text

@@ -87,6 +87,24 @@ TEST_F(PciStats, CountEightLanesWhereBothSidesAreWide) {
     }
 }
 
+TEST_F(PciStats, IgnoreAck64WithoutDevsel) {
+    const auto bytes = [&](const char* devsel, const char* ack64) {
+        return AddressAndClocks("~___~~")
+            .Line("IRDY", "~~___~")
+            .Line("TRDY", "~~~~_~")
+            .Line("DEVSEL", devsel)
+            .Line("REQ64", "~___~~")
+            .Line("ACK64", ack64)
+            .At(1, "C/BE", 0xF7)
+            .At(4, "C/BE", 0x00)
+            .Summary()
+            .bytes;
+    };
+    EXPECT_EQ(bytes("~~~__~", "~~_~~~"), 4U) << "nobody has claimed it yet";
+    EXPECT_EQ(bytes("~~~__~", "~~~__~"), 8U);
+    EXPECT_EQ(bytes("~~~__~", "~~~_~~"), 8U) << "the width does not change";
+}
+
 TEST_F(PciStats, CountADataPhaseWhereBothSidesAreReady) {
     const TraceSummary summary = Transaction("~______~~~")
                                      .Line("IRDY", "~~__~____~")

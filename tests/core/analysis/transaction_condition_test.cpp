@@ -1,4 +1,7 @@
+#include "analysis/bus_traffic.h"
 #include "analysis/transaction_condition.h"
+#include "analysis/transaction_fields.h"
+#include "capture/kept_expressions.h"
 #include "support/board_tables.h"
 
 #include <gmock/gmock.h>
@@ -77,6 +80,53 @@ TEST(TransactionConditions, CompareAddressesOf64Bits) {
     EXPECT_FALSE(Holds("address == 0x1X", wide));
 }
 
+TEST(TransactionConditions, FindTheTransactionOfACellThatIsTypedBack) {
+    const BoardTables board("PCIKite-1");
+    const auto traffic = MakeBusTraffic(board.board, board.tables);
+    TransactionFields fields(*traffic);
+    for (const std::int64_t time : {7, 999, 1000, 62'109, 108'499, 999'999, 1'234'567, 59'999'999,
+                                    108'000'000, 1'999'999'999}) {
+        Transaction each = Read();
+        each.time = time;
+        each.gap = time / 2;
+        each.firstData = 2 * time;
+        each.address = 0x0B10'1000 + static_cast<std::uint64_t>(time);
+        const auto holds = [&](const char* name, TransactionField field) {
+            const std::string text = std::string(name) + " == " + fields.Text(each, field);
+            EXPECT_TRUE(Holds(text, each)) << text << " for " << time;
+            Transaction other = each;
+            other.time *= 2;
+            other.gap = *each.gap * 2 + 1;
+            other.firstData = 5 * time;
+            other.address = *each.address << 4;
+            EXPECT_FALSE(Holds(text, other)) << text << " for another";
+        };
+        holds("time", TransactionField::Time);
+        holds("gap", TransactionField::Gap);
+        holds("latency", TransactionField::Latency);
+        holds("address", TransactionField::Address);
+    }
+}
+
+TEST(TransactionConditions, TakeAddressesInHexadecimalDigits) {
+    for (const char* text : {"address == FEBF1234", "address == febf_12xx",
+                             "address in FEBF1000..febf1fff", "address > 10000000"}) {
+        EXPECT_TRUE(Holds(text)) << text;
+    }
+    Transaction low = Read();
+    low.address = 0x1000;
+    EXPECT_TRUE(Holds("address == 1000", low));
+    EXPECT_FALSE(Holds("address == 4096", low));
+    EXPECT_FALSE(Holds("bytes == 10")) << "counts are decimal";
+}
+
+TEST(TransactionConditions, TakeTimesWithDecimals) {
+    EXPECT_TRUE(Holds("latency > 0.2us and latency < 0.25us"));
+    EXPECT_TRUE(Holds("time in 2.5us..0.0035ms"));
+    EXPECT_TRUE(Holds("latency == 0.24us and latency == 0.2us and latency != 0.25us"));
+    EXPECT_FALSE(Holds("latency > 0.24us"));
+}
+
 TEST(TransactionConditions, CompareCommandsAndEnds) {
     EXPECT_TRUE(Holds("command == \"Mem Rd\""));
     EXPECT_TRUE(Holds("command == \"mem rd\""));
@@ -112,7 +162,30 @@ TEST(TransactionConditions, NestAsDeepAsTheyMay) {
     }
     EXPECT_TRUE(Holds(text));
     EXPECT_EQ(ErrorOf("(" + text + ")").message, "too many parentheses inside each other");
-    EXPECT_EQ(ErrorOf(std::string(100000, '(')).place, 30U);
+    EXPECT_EQ(ErrorOf(std::string(100000, '(')).place, 29U);
+    std::string inverted = "number == 12";
+    for (int i = 0; i < 1000; ++i) {
+        inverted = "not " + inverted;
+    }
+    EXPECT_TRUE(Holds(inverted));
+    EXPECT_FALSE(Holds("not " + inverted));
+}
+
+TEST(TransactionConditions, AreReadInUpperAndLowerCaseAndOverSeveralLines) {
+    EXPECT_TRUE(Holds("NUMBER == 12 AND NOT Wait IN 1..5 Or END == RETRY"));
+    EXPECT_TRUE(Holds("end == Complete\r\n\tand initiatorwait == 1\nand not HEADLESS\f"));
+    EXPECT_TRUE(Holds("time == 3US"));
+    EXPECT_FALSE(Holds("End != COMPLETE"));
+    EXPECT_EQ(ErrorOf("WAIT > 5NS").message, "wait is not a time and takes no unit");
+}
+
+TEST(TransactionConditions, AMistakeInALongTextIsToldInAShortMessage) {
+    const std::string longest(100000, 'a');
+    for (const std::string& text :
+         {longest, "`" + longest + "` == 1", "end == " + longest, "wait == " + longest,
+          "wait > " + std::string(100000, '9'), "wait > 4 " + longest}) {
+        EXPECT_LT(ErrorOf(text).message.size(), 600U) << text.substr(0, 20);
+    }
 }
 
 TEST(TransactionConditions, DoNotHoldForWhatATransactionDoesNotHave) {
@@ -136,6 +209,41 @@ TEST(TransactionConditions, CompareTheTagsOfPciX) {
     split.sequence = SplitSequence{0x11U << 16, 4, true, false};
     split.splitRequest = 9;
     EXPECT_TRUE(Holds("tag == 0x11 and splitRequest == 9", split));
+}
+
+TEST(TransactionConditions, TakeSeveralEndsInQuotes) {
+    Transaction each = Read();
+    each.end = TransactionEnd::DisconnectWithoutData;
+    EXPECT_TRUE(Holds("end == \"disconnect*\"", each));
+    EXPECT_TRUE(Holds("end == \"Disconnect-Without-Data\"", each));
+    EXPECT_FALSE(Holds("end != \"disconnect*\"", each));
+    EXPECT_FALSE(Holds("end == \"*abort\"", each));
+    EXPECT_TRUE(Holds("end != \"*abort\"", each));
+}
+
+TEST(TransactionConditions, KnowTheCommandsOfTheBus) {
+    const BoardTables pci("PCIKite-1");
+    const auto bus = TransactionBus::Of(*MakeBusTraffic(pci.board, pci.tables), pci.tables);
+    const ExpressionError error = ErrorOf("wait > 4 and command == \"Mem Raed\"", bus);
+    EXPECT_EQ(error.place, 24U);
+    EXPECT_TRUE(error.message.starts_with("command has no label \"Mem Raed\": \"Mem Rd\", "))
+        << error.message;
+    for (const char* text : {"command == \"mem rd\"", "command == \"*Rd\"", "command != \"C/BE 5\"",
+                             "command == \"DAC-Mem Rd\""}) {
+        EXPECT_EQ(ErrorOf(text, bus).message, "none") << text;
+    }
+    const BoardTables vme("VMEKite-1", BusVme);
+    EXPECT_EQ(ErrorOf("command == \"Mem Rd\"",
+                      TransactionBus::Of(*MakeBusTraffic(vme.board, vme.tables), vme.tables))
+                  .place,
+              11U);
+    const auto offered = [&](std::string_view text) {
+        return TransactionCondition::Complete(text, text.size(), bus).texts;
+    };
+    EXPECT_THAT(offered("command == "), testing::IsSupersetOf({"\"Mem Rd\"", "\"I/O Wr\""}));
+    EXPECT_THAT(offered("command != \"spc"), testing::ElementsAre("\"Spc Cyc\""));
+    EXPECT_THAT(offered("command == i/o"), testing::ElementsAre("\"I/O Rd\"", "\"I/O Wr\""));
+    EXPECT_THAT(offered("not COMMAND == \"Spc Cyc\" a"), testing::ElementsAre("and"));
 }
 
 TEST(TransactionConditions, FindHeadlessTransactions) {
@@ -182,6 +290,74 @@ TEST(TransactionConditions, CompleteFieldsOperatorsAndEnds) {
     EXPECT_THAT(offered("wait > 4 and i"), ElementsAre("initiatorWait"));
 }
 
+TEST(TransactionConditions, UseKeptExpressions) {
+    KeptExpressions kept;
+    kept.Keep("slow", "wait > 5 or latency > 1us");
+    kept.Keep("late-read", "@SLOW and command == \"*Rd\"");
+    kept.Keep("edge", "FRAME falls");
+    kept.Keep("wrong", "wait >");
+    kept.Keep("loop", "not @pool");
+    kept.Keep("pool", "wait > 5 and @loop");
+    TransactionBus bus;
+    bus.kept = &kept;
+    const auto holds = [&](std::string_view text) {
+        const auto parsed = TransactionCondition::Parse(text, bus);
+        return std::get<TransactionCondition>(parsed).Holds(Read(), "Mem Rd");
+    };
+    EXPECT_TRUE(holds("@slow"));
+    EXPECT_TRUE(holds("not @slow or number == 12"));
+    EXPECT_TRUE(holds("@Late-Read and (@slow)"));
+    // As if in parentheses.
+    EXPECT_FALSE(holds("not @slow and number == 12"));
+    EXPECT_FALSE(holds("number == 1 and @slow"));
+
+    const auto wrong = [&](std::string_view text) {
+        const ExpressionError error = ErrorOf(text, bus);
+        return std::to_string(error.place) + " " + error.message;
+    };
+    EXPECT_THAT(
+        wrong("wait > 4 and @slwo"),
+        testing::StartsWith(
+            "13 there is no kept expression \"@slwo\": @slow, @late-read, @edge, @wrong, "));
+    EXPECT_THAT(wrong("not @"),
+                testing::StartsWith(
+                    "4 there is no kept expression \"@\": @slow, @late-read, @edge, @wrong, @lo"));
+    EXPECT_THAT(
+        wrong("(@edge"),
+        testing::StartsWith(
+            "1 @edge is wrong at \"FRAME falls\": there is no field \"FRAME\": number, sam"));
+    EXPECT_THAT(wrong("@wrong"),
+                testing::StartsWith("0 @wrong is wrong at its end: expected a number"));
+    EXPECT_THAT(
+        wrong("@loop"),
+        testing::StartsWith(
+            "0 @loop is wrong at \"@pool\": @pool is wrong at \"@loop\": @loop uses itself"));
+    EXPECT_EQ(ErrorOf("@slow").message, "there is no kept expression \"@slow\"");
+
+    // Only those that can be used here are offered.
+    const auto offered = [&](std::string_view text) {
+        return TransactionCondition::Complete(text, text.size(), bus).texts;
+    };
+    EXPECT_THAT(offered("wait > 4 and @"), testing::ElementsAre("@slow", "@late-read"));
+    EXPECT_THAT(offered("@l"), testing::ElementsAre("@late-read"));
+    EXPECT_THAT(offered("@slow "), testing::ElementsAre("and", "or"));
+    EXPECT_THAT(offered(""), testing::IsSupersetOf({"@slow", "wait"}));
+}
+
+TEST(TransactionConditions, KeptExpressionsCannotGrowWithoutEnd) {
+    KeptExpressions kept;
+    kept.Keep("a0", "wait > 4 and wait > 5");
+    for (int i = 1; i < 28; ++i) {
+        const std::string last = "@a" + std::to_string(i - 1);
+        kept.Keep("a" + std::to_string(i), last + " and " + last);
+    }
+    TransactionBus bus;
+    bus.kept = &kept;
+    EXPECT_EQ(ErrorOf("@a9", bus).message, "none");
+    EXPECT_THAT(ErrorOf("@a27", bus).message,
+                testing::EndsWith("too many kept expressions inside each other"));
+}
+
 TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
     struct Case {
         const char* text;
@@ -196,7 +372,7 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"wait > 4 also end == retry", 9, "expected \"and\" or \"or\""},
              Case{"wait 4", 5, "expected ==, !=, <, <=, >, >= or in"},
              Case{"wait > x", 7, "expected a number"},
-             Case{"wait == 0x", 8, "expected a number"},
+             Case{"wait == 0x", 8, "expected a hexadecimal number"},
              Case{"wait > 0xX", 7, "a number with X can only be compared with == and !="},
              Case{"wait in 5", 9, "expected \"..\""},
              Case{"wait in 5..4", 8, "the range ends before it begins"},
@@ -208,7 +384,15 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"command == Mem", 11, "expected a command in double quotes"},
              Case{"command == \"Mem", 15, "expected \" at the end"},
              Case{"end == retri", 7, "expected an end: retry, "},
+             Case{"end == \"retri\"", 7, "end has no label \"retri\": \"retry\", "},
              Case{"gap == 0xX", 7, "a time has no X"},
+             Case{"gap == 1.5", 7, "a time with decimals has a unit: ns, us, ms or s"},
+             Case{"gap == 1.5ns", 7, "a time is a whole number of ns"},
+             Case{"gap == 0.0001us", 7, "a time is a whole number of ns"},
+             Case{"time > 9999999999.5s", 7, "the number is too large"},
+             Case{"wait > 1.5", 7, "wait is a whole number"},
+             Case{"wait > 1F", 7, "a hexadecimal number begins with 0x"},
+             Case{"address == FEBG0000", 11, "expected a hexadecimal number"},
              Case{"gap == 1X", 7, "a number with X begins with 0x or 0b"},
              Case{"bytes == 0b12", 9, "expected a binary number"},
              Case{"words > 5us", 9, "words is not a time and takes no unit"},

@@ -180,6 +180,42 @@ TEST_F(PciTransactions, DoNotGuessTheEndOfAddressPhasesThatWereStoredAlone) {
                 ElementsAre(TransactionEnd::Unknown, TransactionEnd::Unknown));
 }
 
+TEST_F(PciTransactions, TellNoAddressWhereTheLinesCarryNone) {
+    for (const std::uint32_t code : {0xF0U, 0xF1U, 0x0DU, 0x1DU}) { // the last two in 64 bits
+        Waves waves = Read("~____~~");
+        waves.Line("IRDY", "~~____~").Line("REQ64", "~____~~");
+        const auto transactions = Address(waves, 1, code, 0x1000).Transactions();
+        ASSERT_EQ(transactions.size(), 1U);
+        EXPECT_FALSE(transactions[0].isHeadless);
+        EXPECT_EQ(transactions[0].address, std::nullopt) << code;
+    }
+}
+
+TEST_F(PciTransactions, AreSeenOneByOneWhereNoAddressPhaseIsStored) {
+    // A burst of two words, one of three, one word, and two bursts whose last words are not stored.
+    const auto transactions = Waves(bus)
+                                  .Line("FRAME", "_~__~~_~_~")
+                                  .Line("IRDY", "__________")
+                                  .Line("TRDY", "_______~_~")
+                                  .Line("DEVSEL", "__________")
+                                  .Transactions();
+    std::vector<std::pair<std::int64_t, std::int64_t>> samples;
+    for (const Transaction& each : transactions) {
+        EXPECT_TRUE(each.isHeadless);
+        samples.emplace_back(each.sample, each.lastSample);
+    }
+    EXPECT_THAT(samples, ElementsAre(std::pair(0, 1), std::pair(2, 4), std::pair(5, 5),
+                                     std::pair(6, 7), std::pair(8, 9)));
+    EXPECT_THAT(Ends(transactions), ElementsAre(TransactionEnd::CutOff, TransactionEnd::Unknown,
+                                                TransactionEnd::Unknown, TransactionEnd::Unknown,
+                                                TransactionEnd::CutOff));
+}
+
+TEST_F(PciTransactions, AreNotMadeOfALineThatIsAssertedByMistake) {
+    EXPECT_THAT(Waves(bus).Line("FRAME", "~~_~~~~").Line("IRDY", "~~~~_~~").Transactions(),
+                IsEmpty());
+}
+
 TEST_F(PciTransactions, AreCutOffAtBothEndsOfTheCapture) {
     const auto transactions = Read("______~__")
                                   .Line("IRDY", "______~~_")
@@ -485,6 +521,7 @@ TEST_F(VmeTransactions, MoveDataOnBothEdgesOf2eVme) {
     Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x01);
     const auto transactions = waves.Line("WRITE", writes)
                                   .At(5, "AD", 0x80) // the lower part of the address
+                                  .At(5, "LWORD", 0)
                                   .At(9, "AD", 0xAABBCCDD)
                                   .Transactions();
     ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
@@ -500,7 +537,8 @@ TEST_F(VmeTransactions, MoveDataOnBothEdgesOf2eVme) {
 TEST_F(VmeTransactions, DoNotTakeTheAcknowledgeOfTheOneBeforeForA2eVmeAddress) {
     // DTACK of the transaction before rises only after the address strobe has fallen.
     Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, "_~~__~~__~~__~~__~~~", 0x01);
-    const auto transactions = waves.Line("WRITE", writes).At(5, "AD", 0x80).Transactions();
+    const auto transactions =
+        waves.Line("WRITE", writes).At(5, "AD", 0x80).At(5, "LWORD", 0).Transactions();
     ASSERT_THAT(Ends(transactions), ElementsAre(TransactionEnd::Complete));
     EXPECT_EQ(transactions[0].address, 0x12345680U);
     EXPECT_EQ(transactions[0].dataPhases, 4U);
@@ -545,6 +583,39 @@ TEST_F(VmeTransactions, MoveTheBeatInTheSampleOfA2eVmeRefusal) {
         ASSERT_THAT(Ends(transactions), ElementsAre(end)) << line;
         EXPECT_EQ(transactions[0].dataPhases, 4U) << line;
     }
+}
+
+TEST_F(VmeTransactions, MoveBeatsOf2eSstThatWereUnderWayAtARetry) {
+    const auto beats = [&](const char* line, const char* wave, std::uint32_t extended) {
+        // The data strobe has its edges in samples 8, 10, 12 and 14.
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats,
+                              extended == 0x11 ? addressAcknowledged : acknowledged, extended);
+        const auto transactions = waves.Line("WRITE", writes).Line(line, wave).Transactions();
+        EXPECT_EQ(transactions.size(), 1U);
+        return std::pair(transactions.at(0).end, transactions.at(0).dataPhases);
+    };
+    using enum TransactionEnd;
+    EXPECT_EQ(beats("RETRY", "~~~~~~~~~~~_______~~", 0x11), std::pair(DisconnectWithData, 4UL));
+    EXPECT_EQ(beats("RETRY", "~~~~~~~~~~~_______~~", 0x01), std::pair(DisconnectWithData, 2UL));
+    EXPECT_EQ(beats("RETRY", "~~~~~~~___________~~", 0x11), std::pair(Retry, 0UL))
+        << "nothing had moved: all will come again";
+    EXPECT_EQ(beats("BERR", "~~~~~~~~~~~_______~~", 0x11), std::pair(BusError, 2UL));
+}
+
+TEST_F(VmeTransactions, TakeA0OfA2eVmeAddressFromLword) {
+    // An address of 64 bits: the extended modifier is 2, whatever the line of AD[0] shows.
+    for (const std::uint32_t extended : {0x02U, 0x03U}) {
+        Waves waves = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, extended);
+        for (std::size_t i = 0; i < waves.Records().size(); ++i) {
+            waves.Word(i, "AD", 0x0000ABCD'12345600 | extended);
+        }
+        const auto transactions =
+            waves.Set("LWORD", 0).Word(5, "AD", 0x81).Transactions(); // the lowest byte
+        ASSERT_EQ(transactions.size(), 1U);
+        EXPECT_EQ(transactions[0].address, 0x0000ABCD'12345680U) << extended;
+    }
+    Waves narrow = TwoEdge(twoEdgeAs, twoEdgeDs0, fourBeats, acknowledged, 0x00);
+    EXPECT_EQ(narrow.Set("LWORD", 1).Word(5, "AD", 0x80).Transactions().at(0).address, 0x12345681U);
 }
 
 TEST_F(VmeTransactions, TellNoAddressThatIsNotWhole) {

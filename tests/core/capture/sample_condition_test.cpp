@@ -1,5 +1,7 @@
+#include "capture/kept_expressions.h"
 #include "capture/sample_condition.h"
 #include "capture/sample_rows.h"
+#include "platform/text.h"
 #include "signals/cell_text.h"
 #include "signals/signal_list.h"
 #include "support/board_tables.h"
@@ -86,7 +88,7 @@ TEST_F(SampleConditions, CompareNumbersOfAnyBaseWithXForAnyDigit) {
     EXPECT_THAT(Found(records, "AD == 0xFEBF0010"), ElementsAre(0));
     EXPECT_THAT(Found(records, "AD == 0xFEBF_XXXX"), ElementsAre(0, 2));
     EXPECT_THAT(Found(records, "ad[31:0] == 0xxEBF_0010"), ElementsAre(0, 4));
-    EXPECT_THAT(Found(records, "AD == 305_419_896"), ElementsAre(1, 3));
+    EXPECT_THAT(Found(records, "AD == 1234_5678"), ElementsAre(1, 3));
     EXPECT_THAT(Found(records, "AD[7..0] == 0b0001_X0X0"), ElementsAre(0, 4));
     EXPECT_THAT(Found(records, "AD[4] == 1 and FRAME == 0"), ElementsAre(0, 4));
     EXPECT_THAT(Found(records, "AD != 0xFEBF_XXXX"), ElementsAre(1, 3, 4, 5));
@@ -100,6 +102,46 @@ TEST_F(SampleConditions, CompareNumbersOfAnyBaseWithXForAnyDigit) {
     EXPECT_THAT(Found(records, "AD[31:0] > 0xFFFF_FFFF"), IsEmpty());
     EXPECT_THAT(Found(records, "C/BE[3..0] == 7"), ElementsAre(0, 2, 4));
     EXPECT_THAT(Found(records, "`C/BE`[3..0] == 7"), ElementsAre(0, 2, 4));
+}
+
+TEST_F(SampleConditions, ReadTheDigitsOfAListingAsItShowsThem) {
+    const auto records = CaptureBuilder()
+                             .Write(0xFEBF0010, 0x12345678)
+                             .Write(0x00001000, 0x0B101000)
+                             .Read(0x10, 7)
+                             .Records();
+    EXPECT_THAT(Found(records, "AD == FEBF0010"), ElementsAre(0));
+    EXPECT_THAT(Found(records, "AD == febf_00xx"), ElementsAre(0));
+    EXPECT_THAT(Found(records, "AD == 00001000"), ElementsAre(2));
+    EXPECT_THAT(Found(records, "ADDRESS32 == 1000"), ElementsAre(2));
+    EXPECT_THAT(Found(records, "ADDRESS32 in 1000..febf00ff"), ElementsAre(0, 2));
+    EXPECT_THAT(Found(records, "AD == 0B101000"), ElementsAre(3));
+    EXPECT_THAT(Found(records, "AD[3..0] == 0b1000 and FRAME == 1"), ElementsAre(1));
+    EXPECT_THAT(Found(records, "sample == 3"), ElementsAre(3));
+    // Columns of labels have no digits that could be taken from them.
+    EXPECT_EQ(ErrorOf("`RULE CHECK` == A0").message, "expected a number");
+    EXPECT_EQ(Found(CaptureBuilder().Idle().Finding(112).Records(), "`RULE CHECK` == 112"),
+              Numbers{0});
+    EXPECT_EQ(ErrorOf("AD[7..0] == 100").message, "AD[7:0] has 8 bits; 0x100 does not fit");
+    EXPECT_EQ(ErrorOf("C/BE[2..0] == 9").message, "C/BE[2:0] has 3 bits; 9 does not fit");
+}
+
+TEST_F(SampleConditions, TakeTimesWithDecimals) {
+    const auto records = CaptureBuilder().Idle(4).Records();
+    const Numbers numbers = From(-1, 4);
+    const std::vector<std::int64_t> times = {-1509, -500, 30, 2000};
+    const auto matches = [&](std::string_view text) {
+        const auto parsed = SampleCondition::Parse(text, board.tables, {&list});
+        return std::get<SampleCondition>(parsed).MatchesOf(
+            {.records = records, .numbers = numbers, .times = times});
+    };
+    EXPECT_EQ(matches("ACCUM in -0.5us..0.002ms"), 0b1110U);
+    EXPECT_EQ(matches("ACCUM > -1.51us and ACCUM < 0.031us"), 0b0111U);
+    // As the listing shows them.
+    EXPECT_EQ(matches("ACCUM == -1.50us"), 0b0001U);
+    EXPECT_EQ(matches("ACCUM == -1.51us"), 0b0000U);
+    EXPECT_EQ(matches("ACCUM != -1.5us"), 0b1110U);
+    EXPECT_EQ(matches("ACCUM == 2.000us"), 0b1000U);
 }
 
 TEST_F(SampleConditions, CompareTheUpperHalfOfANarrowBusOnlyWhereDigitsAreWritten) {
@@ -167,6 +209,32 @@ TEST_F(SampleConditions, CompareTheTimeSinceTheTrigger) {
     EXPECT_THAT(ErrorOf("DELTA == 1").message, StartsWith("there is no signal \"DELTA\""));
     EXPECT_FALSE(std::get<SampleCondition>(SampleCondition::Parse("TIME > 1", board.tables, {}))
                      .NeedsTimes());
+}
+
+TEST_F(SampleConditions, AreReadInUpperAndLowerCase) {
+    const auto records = CaptureBuilder().Idle().Read(0x10, 5).Idle().Records();
+    EXPECT_THAT(Found(records, "frame FALLS Or NOT irdy == 1"), ElementsAre(1, 2, 3));
+    EXPECT_THAT(Found(records, "Sample In 1..2\nAND Ad[4] Changes"), ElementsAre(1, 2));
+    EXPECT_THAT(ErrorOf("END == retry").message, StartsWith("\"END\" belongs to transactions"));
+    // A row with the name of a word of the language.
+    CSignal* row = list.AddSignal(nullptr, board.tables.busSignals.FindByName("AD"), 1, 4, 7, 0,
+                                  Radix::Hex, true);
+    row->groupName = "In";
+    EXPECT_THAT(Found(records, "`in` == 1"), ElementsAre(1));
+    EXPECT_THAT(SampleCondition::Complete("in", 2, board.tables, {&list}).texts, Contains("`In`"));
+}
+
+TEST_F(SampleConditions, UseKeptExpressions) {
+    KeptExpressions kept;
+    kept.Keep("idle", "FRAME == 1 and IRDY == 1");
+    kept.Keep("slow", "wait > 4");
+    const auto records = CaptureBuilder().Idle().Read(0x10, 5).Idle().Records();
+    const auto parsed = SampleCondition::Parse("not @idle", board.tables, {&list}, &kept);
+    const Numbers numbers = From(0, records.size());
+    EXPECT_EQ(std::get<SampleCondition>(parsed).MatchesOf({.records = records, .numbers = numbers}),
+              0b01110U);
+    EXPECT_THAT(SampleCondition::Complete("@", 1, board.tables, {&list}, &kept).texts,
+                ElementsAre("@idle"));
 }
 
 TEST_F(SampleConditions, FindEdges) {
@@ -239,8 +307,8 @@ TEST_F(SampleConditions, FindExactlyWhatIsInARange) {
     }
     for (std::int32_t low = 0; low < 64; low += 3) {
         for (std::int32_t high = low; high < 64; ++high) {
-            const std::string text =
-                "AD[5..0] in " + std::to_string(low) + ".." + std::to_string(high);
+            const std::string text = Printf("AD[5..0] in %x..%x", static_cast<unsigned>(low),
+                                            static_cast<unsigned>(high));
             ASSERT_EQ(Found(records, text), From(low, static_cast<std::size_t>(high - low) + 1))
                 << text;
         }
@@ -286,14 +354,14 @@ private:
         case 0:
             return {name + " == 1", bit};
         case 1:
-            return {"AD[7..0] in " + std::to_string(low) + ".." + std::to_string(high),
+            return {Printf("AD[7..0] in 0x%x..0x%x", low, high),
                     [=](std::size_t i) { return low <= value(i) && value(i) <= high; }};
         case 2:
             return {name + " rises", [=](std::size_t i) { return i > 0 && bit(i) && !bit(i - 1); }};
         case 3:
             return {"sample < " + std::to_string(low), [=](std::size_t i) { return i < low; }};
         default:
-            return {"AD[7..0] != " + std::to_string(high),
+            return {Printf("AD[7..0] != %x", high),
                     [=](std::size_t i) { return value(i) != high; }};
         }
     }
@@ -482,6 +550,11 @@ TEST_F(SampleConditions, SayWhatIsWrongAndWhere) {
              Case{"AD[64] == 0", 0, "AD has the bits 63 to 0"},
              Case{"AD in 0x2000..0x1fff", 6, "the range ends before it begins"},
              Case{"COMMAND == \"Mem Rt\"", 11, "COMMAND has no label \"Mem Rt\": \"Mem Rd\", "},
+             Case{"COMMAND == \"Mem "
+                  "Rdxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\"",
+                  11,
+                  "COMMAND has no label \"Mem "
+                  "Rdxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...\": "},
              Case{"COMMAND == \"X*\"", 11, "COMMAND has no label \"X*\": "},
              Case{"COMMAND == \"\"", 12, "the label is empty"},
              Case{"COMMAND == \"Mem", 15, "expected \" at the end of the label"},
@@ -493,6 +566,10 @@ TEST_F(SampleConditions, SayWhatIsWrongAndWhere) {
              Case{"AD == 5ns", 7, "AD is not a time and takes no unit"},
              Case{"sample > 1ms", 10, "sample is not a time and takes no unit"},
              Case{"TIME == 0xX", 8, "a time has no X"},
+             Case{"AD == 1.5", 7, "expected \"and\" or \"or\""},
+             Case{"FRAME == 0.5", 9, "FRAME is a whole number"},
+             Case{"sample > 1F", 9, "a hexadecimal number begins with 0x"},
+             Case{"AD == FEBG", 6, "expected a hexadecimal number"},
              Case{"AD", 2, "expected ==, !=, <, <=, >, >= or in"},
              Case{"and", 0, "expected a signal"},
              Case{"FRAME falls IRDY rises", 12, "expected \"and\" or \"or\""},

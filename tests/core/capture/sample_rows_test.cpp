@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <utility>
 
 namespace busquill::test {
 namespace {
@@ -62,6 +63,31 @@ TEST(PlainRows, ReadsNothingBeforeTheText) {
 TEST(PlainRows, CutsValuesToAByte) {
     EXPECT_EQ(Take("10,256,999,300,0,0,0,0,0,0,0,0,0,0,0,0,0,0,255\n").rows.records.at(0).bytes,
               (SampleRecord{{0, 231, 44, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 255}}.bytes));
+}
+
+TEST(PlainRows, AreAsLongAsTheirNumbers) {
+    std::string longest = "-999999999";
+    std::string shortest = "10";
+    for (int byte = 0; byte < 18; ++byte) {
+        longest += ",255";
+        shortest += ",0";
+    }
+    const Taken taken = Take(longest + "\n" + shortest + "\n");
+    EXPECT_EQ(taken.rows.numbers, (std::vector<std::int32_t>{-999999999, 10}));
+    EXPECT_EQ(taken.rows.records.at(0).bytes[17], 255);
+    EXPECT_EQ(taken.rows.records.at(1).bytes, SampleRecord().bytes);
+}
+
+TEST(PlainRows, HaveNoOtherCharacterAnywhere) {
+    for (const char odd : {' ', '-', '"', 'a', '\r', ',', '\xB2', '\0'}) {
+        const std::string row = Row(12345);
+        for (std::size_t place = 0; place < row.size(); ++place) {
+            std::string changed = row;
+            const bool isSame = std::exchange(changed[place], odd) == odd;
+            const bool isSign = place == 0 && odd == '-';
+            EXPECT_EQ(Take(changed).bytes != 0, isSame || isSign) << place << " " << int{odd};
+        }
+    }
 }
 
 struct OddRow {

@@ -87,5 +87,14 @@ TEST(Utf8, AnythingElseIsTakenForLatin1) {
     EXPECT_EQ(ToUtf8("\xC3\x41"), "\xC3\x83\x41");
 }
 
+TEST(Text, ShortensWhatIsTooLongForAMessage) {
+    EXPECT_EQ(Shortened("Mem Rd"), "Mem Rd");
+    EXPECT_EQ(Shortened(std::string(60, 'x')), std::string(60, 'x'));
+    EXPECT_EQ(Shortened(std::string(61, 'x')), std::string(60, 'x') + "...");
+    // Not inside a character.
+    EXPECT_EQ(Shortened(std::string(59, 'x') + "\xC3\xA4 and more"), std::string(59, 'x') + "...");
+    EXPECT_EQ(Shortened(std::string(1000, '\x80')).size(), 60U);
+}
+
 } // namespace
 } // namespace busquill::test

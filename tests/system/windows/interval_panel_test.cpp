@@ -20,6 +20,15 @@ protected:
         loop.exec();
     }
     QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Interval"); }
+    std::string Value(const std::string& name) {
+        const auto& table = *Dock().findChild<QTableWidget*>("IntervalTable");
+        for (int row = 0; row < table.rowCount(); ++row) {
+            if (table.item(row, 0)->text().toStdString() == name) {
+                return table.item(row, 1)->text().toStdString();
+            }
+        }
+        return "(none)";
+    }
     int Lines() { return Dock().findChild<QTableWidget*>("IntervalTable")->rowCount(); }
     std::string Note() { return Dock().findChild<QLabel*>("IntervalNote")->text().toStdString(); }
 };
@@ -68,6 +77,32 @@ TEST_F(IntervalOfRuns, WaitsForSamplesThatHaveNotArrived) {
     Settle();
     EXPECT_GT(Lines(), 4);
     EXPECT_EQ(Note(), "");
+}
+
+/// A setup that is chosen after the run says nothing about its samples.
+TEST_F(IntervalOfRuns, CountsClocksAsTheSamplesWereTaken) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    Choose("Analyze/Interval");
+    Trace().setup.clock = clock133MHz;
+    Go();
+    ASSERT_TRUE(Complete());
+    Trace().setup.clock = clockOfBus;
+    Trace().SetMarker(1, 10);
+    Trace().SetMarker(2, 60);
+    Settle();
+    EXPECT_EQ(Value("Samples"), "50");
+    EXPECT_EQ(Value("Clocks"), "(none)");
+    EXPECT_EQ(Note(), "");
+    Trace().setup.clock = clockTransfer;
+    Go();
+    Settle();
+    ASSERT_TRUE(Complete());
+    Trace().setup.clock = clockOfBus;
+    Trace().SetMarker(1, 10);
+    Trace().SetMarker(2, 60);
+    Settle();
+    EXPECT_EQ(Note(), "The setup did not store every sample, so counts may be too small.");
 }
 
 } // namespace

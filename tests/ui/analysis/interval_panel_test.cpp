@@ -239,6 +239,19 @@ TEST_F(IntervalPanels, FollowTheActiveWindow) {
     EXPECT_EQ(Note(), "The active window shows no capture.");
 }
 
+TEST_F(IntervalPanels, SayThatSamplesBetweenTheMarkersAreMissing) {
+    std::string text = ReadWholeFile(dir.File("Trigger2.tra"));
+    const std::size_t sample = text.find("\n-1920,");
+    ASSERT_NE(sample, std::string::npos);
+    dir.Write("gap.tra", text.erase(sample, text.find('\n', sample + 1) - sample));
+    Open("gap.tra");
+    PutMarkers(100, 140); // the capture begins with sample -2070
+    EXPECT_EQ(Note(), "");
+    PutMarkers(120, 200);
+    EXPECT_EQ(Note(),
+              "Samples between the markers are missing, so times and counts are too small.");
+}
+
 TEST_F(IntervalPanels, OfPowerZoomHaveTimesInPicosecondsAndNoTransactions) {
     Open("Trigger1.tra");
     for (QMdiSubWindow* window : Frame().Area().subWindowList()) {

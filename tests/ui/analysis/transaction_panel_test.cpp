@@ -374,6 +374,22 @@ TEST_F(TransactionPanels, SumsUpTheRows) {
                          "cut-off 1");
 }
 
+TEST_F(TransactionPanels, TellsThatASetupStoredOnlySomeSamples) {
+    CTesselDoc& document = Open("Trigger2.tra").Trace();
+    OpenPanel();
+    document.setup.clock = clockTransfer; // of a capture that has not begun
+    Give("end == retry");
+    EXPECT_EQ(Summary().find("did not store"), std::string::npos);
+    std::string text = ReadWholeFile(dir.File("Trigger2.tra"));
+    const std::string clockLine = "\"Clock\",\"Sync\"";
+    ASSERT_NE(text.find(clockLine), std::string::npos);
+    dir.Write("transfers.tra",
+              text.replace(text.find(clockLine), clockLine.size(), "\"Clock\",\"Transfer\""));
+    Open("transfers.tra");
+    ASSERT_TRUE(Settled());
+    EXPECT_THAT(Summary(), testing::EndsWith("; the setup did not store every sample"));
+}
+
 TEST_F(TransactionPanels, TheFilterShowsOnlyWhatFulfilsIt) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();

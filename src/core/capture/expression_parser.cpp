@@ -1,0 +1,547 @@
+#include "capture/expression_parser.h"
+
+#include "capture/expression_reader.h"
+#include "capture/kept_expressions.h"
+#include "platform/near_names.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <limits>
+#include <optional>
+#include <utility>
+
+namespace busquill {
+
+namespace {
+
+constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
+
+using Values = ExpressionName::Values;
+using Edges = ExpressionName::Edges;
+using Test = ExpressionTest;
+using Number = ExpressionNumber;
+
+/// Reads an expression from left to right and stops at the first mistake.
+///
+///     either = both { "or" both }
+///     both   = one { "and" one }
+///     one    = { "not" } ( "(" either ")" | "@" kept | name [ test ] )
+///     test   = sign value | "in" number ".." number | "rises" | "falls" | "changes"
+class ExpressionParser {
+public:
+    /// With `offers`, texts that could stand at the end of the text are added there.
+    ExpressionParser(std::string_view text, ExpressionNames& names, const KeptExpressions* kept,
+                     std::vector<std::string>* offers = nullptr)
+        : reader_(text), names_(names), kept_(kept), offers_(offers) {}
+
+    [[nodiscard]] std::variant<ParsedExpression, ExpressionError> Parse() {
+        Whole();
+        if (HasFailed()) {
+            return *reader_.Error();
+        }
+        return std::move(expression_);
+    }
+
+private:
+    static constexpr int deepest = 29;
+    static constexpr std::size_t mostOperations = 10000; // kept ones can double each other
+    // Two results wait in each depth and outside, for "or" and for "and".
+    static_assert(ParsedExpression::mostResults >= 2 * (deepest + 1) + 1);
+
+    [[nodiscard]] bool HasFailed() const noexcept { return reader_.Error().has_value(); }
+
+    template <typename Texts>
+    void Offer(const Texts& texts) {
+        if (offers_ != nullptr && !HasFailed() && reader_.AtEnd()) {
+            offers_->insert(offers_->end(), texts.begin(), texts.end());
+        }
+    }
+    void Offer(std::initializer_list<std::string_view> texts) {
+        Offer(std::vector<std::string_view>(texts));
+    }
+
+    void Add(ParsedExpression::Step step) { expression_.operations.push_back({step, {}}); }
+    void Add(Test test) {
+        expression_.operations.push_back({ParsedExpression::Step::Test, std::move(test)});
+    }
+
+    void Whole() {
+        Either();
+        if (!HasFailed() && !reader_.AtEnd()) {
+            reader_.Fail("expected \"and\" or \"or\"");
+        }
+    }
+    void Either() {
+        Both();
+        while (!HasFailed() && reader_.TakeWord("or")) {
+            Both();
+            Add(ParsedExpression::Step::Or);
+        }
+    }
+    void Both() {
+        One();
+        Offer({"and", "or"});
+        while (!HasFailed() && reader_.TakeWord("and")) {
+            One();
+            Offer({"and", "or"});
+            Add(ParsedExpression::Step::And);
+        }
+    }
+    void One() {
+        OfferNames();
+        bool isInverse = false;
+        while (reader_.TakeWord("not")) {
+            isInverse = !isInverse;
+            OfferNames();
+        }
+        if (reader_.Sees("(")) {
+            InParentheses();
+        } else if (reader_.Sees("@")) {
+            KeptOne();
+        } else {
+            NameAndTest();
+        }
+        if (isInverse) {
+            Add(ParsedExpression::Step::Not);
+        }
+    }
+    void InParentheses() {
+        if (depth_ == deepest) {
+            reader_.Fail("too many parentheses inside each other");
+            return;
+        }
+        ++depth_;
+        reader_.TakeSign("(");
+        Either();
+        Offer({")"});
+        if (!HasFailed() && !reader_.TakeSign(")")) {
+            reader_.Fail("expected \")\"");
+        }
+        --depth_;
+    }
+
+    /// A kept expression counts like one in parentheses.
+    void KeptOne() {
+        const std::size_t place = reader_.Place();
+        reader_.TakeSign("@");
+        const std::string name(reader_.PeekLabel());
+        reader_.TakeSign(name);
+        const auto* const kept = kept_ == nullptr ? nullptr : kept_->Find(name);
+        if (kept == nullptr) {
+            const auto names = kept_ == nullptr ? std::vector<std::string>() : kept_->Names();
+            reader_.Fail("there is no kept expression \"@" + Shortened(name) + "\"" +
+                             (names.empty() ? "" : ": " + ListNearest("@" + name, names)),
+                         place);
+        } else if (std::ranges::find(within_, kept) != within_.end()) {
+            reader_.Fail("@" + kept->name + " uses itself", place);
+        } else if (depth_ == deepest || expression_.operations.size() > mostOperations) {
+            reader_.Fail("too many kept expressions inside each other", place);
+        } else {
+            Insert(*kept, place);
+        }
+    }
+    void Insert(const KeptExpressions::Kept& kept, std::size_t place) {
+        ++depth_;
+        within_.push_back(&kept);
+        ExpressionReader reader = std::exchange(reader_, ExpressionReader(kept.text));
+        auto* const offers = std::exchange(offers_, nullptr);
+        Whole();
+        if (const auto& error = reader_.Error()) {
+            const std::string rest = kept.text.substr(error->place);
+            reader.Fail("@" + kept.name + " is wrong at " +
+                            (rest.empty() ? "its end" : Quoted(Shortened(rest), '"')) + ": " +
+                            error->message,
+                        place);
+        }
+        reader_ = std::move(reader);
+        offers_ = offers;
+        within_.pop_back();
+        --depth_;
+    }
+
+    [[nodiscard]] std::vector<std::string> WrittenNames() const {
+        std::vector<std::string> all;
+        for (const std::string& name : names_.All()) {
+            all.push_back(QuotedName(name));
+        }
+        return all;
+    }
+    void OfferNames() {
+        if (offers_ != nullptr && reader_.AtEnd()) {
+            Offer(WrittenNames());
+            Offer({"not", "("});
+            OfferKept();
+        }
+    }
+
+    /// Those that can be used with these names.
+    void OfferKept() {
+        for (const std::string& name :
+             kept_ == nullptr ? std::vector<std::string>() : kept_->Names()) {
+            const auto parsed = ExpressionParser(name, names_, kept_).Parse();
+            if (std::holds_alternative<ParsedExpression>(parsed)) {
+                Offer({std::string_view(name)});
+            }
+        }
+    }
+
+    void NameAndTest() {
+        const std::size_t place = reader_.Place();
+        const std::string written = reader_.TakeName();
+        if (HasFailed()) {
+            return;
+        }
+        const std::string kind(names_.Kind());
+        if (written.empty()) {
+            reader_.Fail("expected " + kind + ": " + ListNearest(written, WrittenNames()), place);
+            return;
+        }
+        const auto name = names_.Find(written);
+        if (!name) {
+            std::string message = names_.BelongsElsewhere(written);
+            if (message.empty()) {
+                const std::size_t article = kind.find(' ') + 1;
+                message = "there is no " + kind.substr(article) + " \"" + Shortened(written) +
+                          "\": " + ListNearest(written, WrittenNames());
+            }
+            reader_.Fail(std::move(message), place);
+            return;
+        }
+        Test test;
+        test.name = *name;
+        if (name->values == Values::Flag) {
+            Add(std::move(test));
+            return;
+        }
+        OfferOperators(*name);
+        if (TakeEdge(test, place)) {
+            return;
+        }
+        if (name->values == Values::Text || name->values == Values::Word) {
+            TextComparison(std::move(test), written);
+        } else if (reader_.TakeWord("in")) {
+            CheckWidth(test, place);
+            Range(std::move(test));
+        } else {
+            CheckWidth(test, place);
+            NumberComparison(std::move(test));
+        }
+    }
+
+    void OfferOperators(const ExpressionName& name) {
+        Offer({"==", "!="});
+        if (name.values != Values::Text && name.values != Values::Word) {
+            Offer({"<", "<=", ">", ">=", "in"});
+        }
+        if (name.edges == Edges::All) {
+            Offer({"rises", "falls"});
+        }
+        if (name.edges != Edges::None) {
+            Offer({"changes"});
+        }
+    }
+
+    bool TakeEdge(Test& test, std::size_t place) {
+        if (reader_.TakeWord("rises")) {
+            test.kind = Test::Kind::Rises;
+        } else if (reader_.TakeWord("falls")) {
+            test.kind = Test::Kind::Falls;
+        } else if (reader_.TakeWord("changes")) {
+            test.kind = Test::Kind::Changes;
+        } else {
+            return false;
+        }
+        const std::string& name = test.name.name;
+        if (test.name.edges == Edges::None) {
+            reader_.Fail(name + " has no edges", place);
+        } else if (test.name.edges == Edges::Changes && test.kind != Test::Kind::Changes) {
+            reader_.Fail(Printf("%s has %zu lines; only a single line rises or falls, %s changes",
+                                name.c_str(), test.name.width, name.c_str()),
+                         place);
+        }
+        Add(std::move(test));
+        return true;
+    }
+
+    void CheckWidth(const Test& test, std::size_t place) {
+        constexpr std::size_t mostBits = 64;
+        if (test.name.values == Values::Bits && test.name.width > mostBits) {
+            reader_.Fail(Printf("%s has %zu lines; at most 64 can be compared, such as %s",
+                                test.name.name.c_str(), test.name.width,
+                                (QuotedName(test.name.name) + "[63..0]").c_str()),
+                         place);
+        }
+    }
+
+    void TextComparison(Test test, const std::string& name) {
+        const bool isEqual = reader_.TakeSign("==");
+        if (!isEqual && !reader_.TakeSign("!=")) {
+            reader_.Fail("expected == or != after " + name);
+            return;
+        }
+        test.isOther = !isEqual;
+        if (test.name.values == Values::Text) {
+            QuotedText(test);
+        } else {
+            LabelWord(test);
+        }
+        Add(std::move(test));
+    }
+
+    void OfferLabels(const ExpressionName& name) {
+        if (offers_ == nullptr) {
+            return;
+        }
+        for (const std::string& label : name.labels) {
+            Offer({name.values == Values::Word ? label : Quoted(label, '"')});
+        }
+    }
+
+    /// A text in quotes; where the labels are known, it must be like one of them.
+    void QuotedText(Test& test) {
+        OfferLabels(test.name);
+        const std::size_t place = reader_.Place();
+        test.kind = Test::Kind::IsLike;
+        test.text = reader_.TakeQuoted(test.name.name);
+        const auto isLike = [&](const std::string& label) { return IsLike(label, test.text); };
+        if (!HasFailed() && !test.name.labels.empty() &&
+            std::ranges::none_of(test.name.labels, isLike)) {
+            std::vector<std::string> labels;
+            for (const std::string& label : test.name.labels) {
+                labels.push_back(Quoted(label, '"'));
+            }
+            // Compared with its quotes, as the labels are.
+            reader_.Fail(test.name.name + " has no label \"" + Shortened(test.text) +
+                             "\": " + ListNearest(Quoted(test.text, '"'), labels),
+                         place);
+        }
+    }
+
+    /// One of the labels, or those like a text in quotes.
+    void LabelWord(Test& test) {
+        const auto& labels = test.name.labels;
+        const auto addWhere = [&](auto matches) {
+            for (std::size_t i = 0; i < labels.size(); ++i) {
+                test.low |= std::uint64_t{matches(labels[i]) ? 1U : 0U} << i;
+            }
+        };
+        if (reader_.Sees("\"")) {
+            QuotedText(test);
+            addWhere([&](const std::string& label) { return IsLike(label, test.text); });
+        } else {
+            OfferLabels(test.name);
+            const std::string word(reader_.PeekLabel());
+            addWhere([&](const std::string& label) { return EqualIgnoringCase(label, word); });
+            if (test.low == 0) {
+                reader_.Fail("expected an " + test.name.name + ": " + ListNearest(word, labels));
+            }
+            reader_.TakeSign(word);
+        }
+        test.kind = Test::Kind::IsOneOf;
+    }
+
+    void Range(Test test) {
+        const std::size_t place = reader_.Place();
+        const Number least = PlainNumber(test.name);
+        Offer({".."});
+        if (!HasFailed() && !reader_.TakeSign("..")) {
+            reader_.Fail("expected \"..\" between two numbers");
+        }
+        const Number most = HasFailed() ? Number() : PlainNumber(test.name);
+        if (HasFailed()) {
+            return;
+        }
+        if (test.name.values == Values::Bits ? least.value > most.value
+                                             : least.Signed() > most.Signed()) {
+            reader_.Fail("the range ends before it begins", place);
+        }
+        SetLeast(test, least);
+        SetMost(test, most);
+        Add(std::move(test));
+    }
+
+    static void SetLeast(Test& test, const Number& number) {
+        test.least = number.Signed();
+        test.low = number.value;
+        test.writtenBits = std::max(test.writtenBits, number.writtenBits);
+    }
+    static void SetMost(Test& test, const Number& number) {
+        test.most = number.Signed();
+        test.high = number.value;
+        test.writtenBits = std::max(test.writtenBits, number.writtenBits);
+    }
+    /// Takes the last number of a range away, or the first; there may be none left.
+    static void LeaveOut(Test& test, bool last) {
+        const bool isBits = test.name.values == Values::Bits;
+        if (last && (!isBits || test.high != 0)) {
+            --test.most;
+            --test.high;
+        } else if (!last && (isBits ? test.low != ~std::uint64_t{0} : test.least != highest)) {
+            test.least += isBits ? 0 : 1;
+            ++test.low;
+        } else {
+            test.least = 1;
+            test.most = 0;
+            test.low = 1;
+            test.high = 0;
+        }
+    }
+
+    void NumberComparison(Test test) {
+        constexpr std::array<std::string_view, 6> signs = {"==", "!=", "<=", ">=", "<", ">"};
+        const auto sign =
+            std::ranges::find_if(signs, [&](auto each) { return reader_.TakeSign(each); });
+        if (sign == signs.end()) {
+            reader_.Fail("expected ==, !=, <, <=, >, >= or in");
+            return;
+        }
+        if (*sign == "==" || *sign == "!=") {
+            Equality(std::move(test), *sign == "==");
+            return;
+        }
+        const Number number = PlainNumber(test.name);
+        if (HasFailed()) {
+            return;
+        }
+        if (sign->front() == '<') {
+            SetMost(test, number);
+        } else {
+            SetLeast(test, number);
+        }
+        if (sign->size() == 1) {
+            LeaveOut(test, sign->front() == '<');
+        }
+        Add(std::move(test));
+    }
+
+    void Equality(Test test, bool isEqual) {
+        test.isOther = !isEqual;
+        OfferLabels(test.name);
+        if (reader_.Sees("\"")) {
+            if (test.name.labels.empty()) {
+                reader_.Fail(test.name.name + " has no labels; compare it with a number");
+                return;
+            }
+            QuotedText(test);
+            Add(std::move(test));
+            return;
+        }
+        const Number number = AnyNumber(test.name);
+        if (HasFailed()) {
+            return;
+        }
+        if (test.name.values == Values::Bits || number.HasX()) {
+            test.kind = Test::Kind::IsMasked;
+            test.low = number.value;
+            test.high = number.known;
+            test.writtenBits = number.writtenBits;
+        } else {
+            SetLeast(test, number);
+            SetMost(test, number);
+            // Tables cut times off: one that begins with the same digits looks the same there.
+            const auto more = static_cast<std::int64_t>(number.lastDigit - 1);
+            test.least -= number.isNegative ? more : 0;
+            test.most += number.isNegative ? 0 : more;
+        }
+        Add(std::move(test));
+    }
+
+    [[nodiscard]] Number PlainNumber(const ExpressionName& name) {
+        const std::size_t place = reader_.Place();
+        const Number number = AnyNumber(name);
+        if (!HasFailed() && number.HasX()) {
+            reader_.Fail("a number with X can only be compared with == and !=", place);
+        }
+        return number;
+    }
+
+    /// A number that fits the name, with its unit.
+    [[nodiscard]] Number AnyNumber(const ExpressionName& name) {
+        const std::size_t place = reader_.Place();
+        Number number = reader_.TakeNumber(name.isHex);
+        if (HasFailed()) {
+            return number;
+        }
+        if (number.decimals != 0 && name.values != Values::Time) {
+            reader_.Fail(name.name + " is a whole number", place);
+        }
+        if (number.isNegative && number.HasX()) {
+            reader_.Fail("a number with X has no sign", place);
+        }
+        if (name.values == Values::Bits) {
+            if (number.isNegative) {
+                reader_.Fail(name.name + " has no sign", place);
+            } else if (name.width < 64 && number.value >> name.width != 0) {
+                const bool isBare = name.isHex && !reader_.Since(place).starts_with('0');
+                const std::string written =
+                    (isBare ? "0x" : "") + std::string(reader_.Since(place));
+                reader_.Fail(Printf("%s has %zu bit%s; %s does not fit", name.name.c_str(),
+                                    name.width, name.width == 1 ? "" : "s",
+                                    Shortened(written).c_str()),
+                             place);
+            }
+        }
+        if (name.values == Values::Time && number.HasX()) {
+            reader_.Fail("a time has no X", place);
+        }
+        TakeUnit(number, name, place);
+        reader_.EndNumber(number, place);
+        return number;
+    }
+
+    void TakeUnit(Number& number, const ExpressionName& name, std::size_t place) {
+        constexpr std::array<std::pair<std::string_view, std::uint64_t>, 4> units = {
+            {{"ns", 1}, {"us", 1000}, {"ms", 1000000}, {"s", 1000000000}}};
+        const std::size_t unitPlace = reader_.Place();
+        const auto unit = std::ranges::find_if(
+            units, [&](const auto& each) { return reader_.TakeWord(each.first); });
+        if (unit != units.end() && name.values != Values::Time) {
+            reader_.Fail(name.name + " is not a time and takes no unit", unitPlace);
+        } else if (number.decimals != 0 && unit == units.end()) {
+            reader_.Fail("a time with decimals has a unit: ns, us, ms or s", place);
+        }
+        if (HasFailed() || unit == units.end()) {
+            return;
+        }
+        std::uint64_t worth = unit->second; // of the last digit, in ns
+        for (std::size_t i = 0; i < number.decimals; ++i) {
+            if (worth == 1) {
+                reader_.Fail("a time is a whole number of ns", place);
+                return;
+            }
+            worth /= 10;
+        }
+        if (number.value > std::uint64_t{highest} / worth - 1) {
+            reader_.Fail("the number is too large", place);
+            return;
+        }
+        number.value *= worth;
+        number.lastDigit = number.decimals == 0 ? 1 : worth;
+    }
+
+    ExpressionReader reader_;
+    ExpressionNames& names_;
+    const KeptExpressions* kept_;
+    std::vector<std::string>* offers_;
+    std::vector<const KeptExpressions::Kept*> within_; // the kept ones that are being read
+    int depth_ = 0;
+    ParsedExpression expression_;
+};
+
+} // namespace
+
+std::variant<ParsedExpression, ExpressionError>
+ParseExpression(std::string_view text, ExpressionNames& names, const KeptExpressions* kept) {
+    return ExpressionParser(text, names, kept).Parse();
+}
+
+std::vector<std::string> OffersAfter(std::string_view text, ExpressionNames& names,
+                                     const KeptExpressions* kept) {
+    std::vector<std::string> offers;
+    static_cast<void>(ExpressionParser(text, names, kept, &offers).Parse());
+    return offers;
+}
+
+} // namespace busquill
