@@ -400,6 +400,34 @@ void ShowTransactions(Tour& tour, CMainFrame& frame) {
     frame.resize(900, 600);
 }
 
+/// What the board has found in a capture, and the samples that fulfil an expression.
+void ShowFindings(Tour& tour, CMainFrame& frame) {
+    frame.resize(1000, 720);
+    tour.Choose(frame, "Analyze/Findings and Hits", "message");
+    auto* dock = frame.findChild<QDockWidget*>("Findings and Hits");
+    if (dock == nullptr) {
+        tour.Fail("no list of findings");
+        return;
+    }
+    frame.resizeDocks({dock}, {300}, Qt::Vertical);
+    auto* line = dock->findChild<QComboBox*>("HitExpression");
+    line->setEditText("FRAME falls and COMMAND == \"Mem Rd*\"");
+    auto* table = dock->findChild<QTableView*>("FindingTable");
+    WaitFor([] { return false; }, 1000); // until the expression is applied
+    table->setCurrentIndex(table->model()->index(table->model()->rowCount() / 2, 0));
+    tour.Picture(frame, "findings");
+    tour.Picture(*dock, "findings-list");
+    line->setEditText("FRAME falls and COMAND == \"Mem Rd*\"");
+    tour.Picture(*dock, "findings-mistake");
+    line->setEditText("");
+    WaitFor([] { return false; }, 1000);
+    dock->findChild<QComboBox*>("ListedFindings")->setCurrentIndex(2);
+    emit dock->findChild<QComboBox*>("ListedFindings")->activated(2);
+    tour.Picture(*dock, "findings-empty");
+    tour.Choose(frame, "Analyze/Findings and Hits", "message");
+    frame.resize(900, 600);
+}
+
 /// The row of a single line in the waveforms.
 CSignal& LineOf(CTesselDoc& capture, const char* name) {
     const auto& rows = capture.waveformList.All();
@@ -504,6 +532,7 @@ void Walk(Tour& tour, Program& program) {
         frame.resize(900, 600);
         ChangeSignals(tour, *window);
         ShowTransactions(tour, frame);
+        ShowFindings(tour, frame);
     }
     tour.Choose(frame, "File/New/Capture/Waveform", "message");
     if (auto* window = dynamic_cast<CChildFrame*>(frame.Area().activeSubWindow())) {

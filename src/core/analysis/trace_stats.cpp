@@ -1,38 +1,12 @@
 #include "analysis/trace_stats.h"
 
-#include "analysis/signal_lines.h"
-#include "analysis/value_labels.h"
 #include "capture/sample_rows.h"
 #include "signals/value_text.h"
 
-#include <algorithm>
-
 namespace busquill {
 
-namespace {
-
-/// The definition, if no other signal has its bit: on VME, the anomaly bit exists only in patterns;
-/// in a sample that bit is the clock.
-std::shared_ptr<const CBusSignalDef> UnsharedLine(const SignalTables& tables,
-                                                  std::string_view name) {
-    const auto def = tables.busSignals.FindByName(name);
-    const auto shares = [&](const std::shared_ptr<CBusSignalDef>& other) {
-        return other != def && other->dataIndex <= def->dataIndex &&
-               def->dataIndex < other->dataIndex + other->Width();
-    };
-    const auto& defs = tables.busSignals.Defs();
-    return def && std::none_of(defs.begin(), defs.end(), shares) ? def : nullptr;
-}
-
-} // namespace
-
 TraceStats::TraceStats(const BoardTraits& board, const SignalTables& tables)
-    : anomaly_(UnsharedLine(tables, "ANOMALY")),
-      ruleLabels_(tables.decodedSignals.FindByName("RULE CHECK")), follower_(board, tables) {
-    if (const auto def = tables.busSignals.FindByName("RULE CHECK")) {
-        ruleCheck_.emplace(*def);
-    }
-}
+    : inSamples_(tables), follower_(board, tables) {}
 
 void TraceStats::Add(const SampleRows& rows) {
     for (std::size_t i = 0; i < rows.Size(); ++i) {
@@ -54,18 +28,13 @@ void TraceStats::AddSample(std::int64_t number, const SampleRecord& record) {
     idleTime_ = AddTimes(idleTime_, idle_ ? AddTimes(follower_.Time(), -before) : 0);
     idle_ = follower_.IsIdle(record);
     idleSamples_ += idle_ ? 1 : 0;
-    if (anomaly_ && record.Bit(anomaly_->dataIndex)) {
-        ++anomalies_;
-    }
+    anomalies_ += inSamples_.IsAnomaly(record) ? 1 : 0;
     AddFinding(number, record);
     ++samples_;
 }
 
 void TraceStats::AddFinding(std::int64_t number, const SampleRecord& record) {
-    if (!ruleCheck_) {
-        return;
-    }
-    Finding& finding = findings_[ruleCheck_->Word(record)];
+    Finding& finding = findings_[inSamples_.RuleOf(record)];
     if (finding.count++ == 0) {
         finding.firstSample = number;
     }
@@ -79,9 +48,8 @@ std::vector<FindingCount> TraceStats::Findings() const {
         if (finding.count == 0) {
             continue;
         }
-        const auto label = ruleLabels_ ? FindLabel(*ruleLabels_, code) : std::nullopt;
-        found.push_back({static_cast<std::uint8_t>(code), label ? label->text : std::string(),
-                         finding.count, finding.firstSample});
+        const auto rule = static_cast<std::uint8_t>(code);
+        found.push_back({rule, inSamples_.TextOfRule(rule), finding.count, finding.firstSample});
     }
     return found;
 }
@@ -100,10 +68,10 @@ TraceSummary TraceStats::Summary() const {
         }
         tally.Report(summary, *traffic);
     }
-    if (anomaly_) {
+    if (inSamples_.HasAnomalies()) {
         summary.anomalies = anomalies_;
     }
-    if (ruleCheck_) {
+    if (inSamples_.HasRules()) {
         summary.findings = Findings();
     }
     return summary;

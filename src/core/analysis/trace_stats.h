@@ -1,17 +1,15 @@
 #pragma once
 
+#include "analysis/sample_findings.h"
 #include "analysis/trace_summary.h"
 #include "analysis/transaction_follower.h"
 #include "analysis/transaction_tally.h"
 #include "link/board_identity.h"
-#include "signals/record_field.h"
 #include "signals/signal.h"
 #include "signals/signal_tables.h"
 
 #include <array>
 #include <cstdint>
-#include <memory>
-#include <optional>
 #include <span>
 
 namespace busquill {
@@ -41,9 +39,7 @@ private:
     void AddFinding(std::int64_t number, const SampleRecord& record);
     [[nodiscard]] std::vector<FindingCount> Findings() const;
 
-    std::optional<RecordField> ruleCheck_;         // nothing: the board does not check rules
-    std::shared_ptr<const CBusSignalDef> anomaly_; // null: not recorded in samples
-    std::shared_ptr<const CDecodedSignalDef> ruleLabels_;
+    SampleFindings inSamples_;
     TransactionFollower follower_;
     TransactionTally tally_;
 

@@ -16,9 +16,24 @@ void RowMap::Reset(std::int64_t samples, std::int64_t firstNumber,
     if (count % wordBits != 0) {
         matchBits_.back() = LowBits<std::uint32_t>(count % wordBits);
     }
+    LeaveOut(excluded);
+    MakeRows();
+}
+
+void RowMap::Keep(std::span<const std::uint32_t> bits, std::span<const std::uint32_t> excluded) {
+    matchBits_.assign(bits.begin(), bits.end());
+    matchBits_.resize(WordsFor(static_cast<std::size_t>(sampleCount_)));
+    LeaveOut(excluded);
+    MakeRows();
+}
+
+void RowMap::LeaveOut(std::span<const std::uint32_t> excluded) {
     for (std::size_t word = 0; word < std::min(matchBits_.size(), excluded.size()); ++word) {
         matchBits_[word] &= ~excluded[word];
     }
+}
+
+void RowMap::MakeRows() {
     rows_ = {};
     rows_.reserve(CountBits(matchBits_));
     for (std::size_t word = 0; word < matchBits_.size(); ++word) {

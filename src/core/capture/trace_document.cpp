@@ -295,6 +295,19 @@ void CTesselDoc::ApplyFilter(std::int64_t topSample) {
     const auto records = GetStore().GetData(false);
     const auto count = std::min(records.size(), static_cast<std::size_t>(rows_.SampleCount()));
     rows_.Filter(records.first(count), RecordPattern(filterPattern), excludedBits);
+    filterExpression_.clear();
+    ShowFiltered(topSample);
+}
+
+void CTesselDoc::ApplyFilter(const std::string& expression, std::span<const std::uint32_t> matches,
+                             std::int64_t topSample) {
+    filterPattern.BuildFromTables(1, ModeEvents);
+    rows_.Keep(matches, excludedBits);
+    filterExpression_ = expression;
+    ShowFiltered(topSample);
+}
+
+void CTesselDoc::ShowFiltered(std::int64_t topSample) {
     if (const std::int64_t sample = rows_.RowToSample(rows_.SampleToRow(topSample)); sample != -1) {
         GoToSample(sample, false);
     }
@@ -391,6 +404,7 @@ void CTesselDoc::FlushBlockUpdates() {
 void CTesselDoc::ResetMaps(std::int64_t total, std::int64_t firstNumber, bool valid) {
     arrived_.Reset(static_cast<std::size_t>(total), valid);
     rows_.Reset(total, firstNumber, excludedBits);
+    filterExpression_.clear();
 }
 
 void CTesselDoc::PlaceTrigger(const SampleCounts& counts) {

@@ -179,6 +179,16 @@ public:
     /// Keeps the rows that match the filter pattern, and keeps `topSample` or the row before it
     /// visible. A pattern that compares nothing restores all rows.
     void ApplyFilter(std::int64_t topSample);
+    /// Keeps the rows of the samples whose bit is set, which are those that fulfil an expression.
+    /// Takes the place of the filter pattern, and the next ApplyFilter takes its place.
+    void ApplyFilter(const std::string& expression, std::span<const std::uint32_t> matches,
+                     std::int64_t topSample);
+    /// The expression that filters; empty if none does.
+    [[nodiscard]] const std::string& FilterExpression() const noexcept { return filterExpression_; }
+    /// A bit for each sample, set for those with a row.
+    [[nodiscard]] std::span<const std::uint32_t> RowSamples() const noexcept {
+        return rows_.RowSamples();
+    }
     void SetZoomMarker(int which, std::int64_t index);
     /// Sets a marker to a sample, or clears it if it is already there; a negative sample means
     /// none.
@@ -230,6 +240,7 @@ private:
     void Unpack(const CBlockUpdate& update);
     void MarkerMoved(int which, int firstHint);
     void TellOthersOfBookmarks(const std::string& capture) const;
+    void ShowFiltered(std::int64_t topSample);
 
     Prompts& prompts_;
     const bool isRealTime_;
@@ -245,6 +256,7 @@ private:
     bool hasData_ = false;
     Bits arrived_; // a bit for each sample
     RowMap rows_;
+    std::string filterExpression_;
     TraceMarkers markers_;
     TraceMarkers zoomMarkers_;
     CaptureBookmarks bookmarks_;

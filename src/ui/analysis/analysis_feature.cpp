@@ -3,6 +3,7 @@
 #include "capture/trace_document.h"
 #include "ui/analysis/bookmark_dialog.h"
 #include "ui/analysis/bookmark_panel.h"
+#include "ui/analysis/finding_panel.h"
 #include "ui/analysis/interval_panel.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/analysis/transaction_panel.h"
@@ -81,6 +82,12 @@ void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const c
 Feature AnalysisFeature(const FeatureParts& parts) {
     Feature feature;
     AddPanel(feature, parts, CommandId::Transactions, "Transactions", new TransactionPanel(parts));
+    auto* const findings = new FindingPanel(parts);
+    AddPanel(feature, parts, CommandId::Findings, "Findings and Hits", findings);
+    feature.commands.Switch(
+        CommandId::ShowOnlyHits, [findings] { findings->FilterByHits(); },
+        [findings] { return findings->IsFilteredByHits(); },
+        [findings] { return findings->CanFilterByHits(); });
     AddPanel(feature, parts, CommandId::Interval, "Interval", new IntervalPanel(parts));
     AddPanel(feature, parts, CommandId::ShowBookmarks, "Bookmarks", new BookmarkPanel(parts));
     feature.commands.On(

@@ -200,9 +200,9 @@ void BookmarkPanel::ShowNote() {
 
 void BookmarkPanel::ChooseRow(int row, bool selects) {
     const QModelIndex index = model_->index(row, BookmarkModel::Note);
-    table_->selectionModel()->setCurrentIndex(
-        index, selects ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
-                       : QItemSelectionModel::NoUpdate);
+    table_->selectionModel()->setCurrentIndex(index, selects ? QItemSelectionModel::ClearAndSelect |
+                                                                   QItemSelectionModel::Rows
+                                                             : QItemSelectionModel::NoUpdate);
     table_->scrollTo(index);
 }
 

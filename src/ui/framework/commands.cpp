@@ -105,9 +105,11 @@ constexpr Command commands[] = {
     {CommandId::BusConfiguration,     "&Utilities",              "&Bus Configuration",    "Set mode and width of the bus", "", ""},
 
     {CommandId::Transactions,         "&Analyze",                "&Transactions",         "Show or hide the transactions of the capture", "", "Ctrl+Shift+T"},
+    {CommandId::Findings,             "&Analyze",                "&Findings and Hits",    "Show or hide what the board has found, and the samples that fulfil an expression", "", "Ctrl+Shift+F"},
     {CommandId::Interval,             "&Analyze",                "&Interval",             "Show or hide what lies between the markers", "", "Ctrl+Shift+I"},
-    {CommandId::ShowBookmarks,            "&Analyze",                "&Bookmarks",            "Show or hide the bookmarks of the capture", "", "Ctrl+Shift+B"},
+    {CommandId::ShowBookmarks,        "&Analyze",                "&Bookmarks",            "Show or hide the bookmarks of the capture", "", "Ctrl+Shift+B"},
     {CommandId::None,                 "&Analyze",                "", "", "", ""},
+    {CommandId::ShowOnlyHits,         "&Analyze",                "Show Only &Hits",       "Show only samples that fulfil the expression", "", ""},
     {CommandId::AddBookmark,          "&Analyze",                "&Add Bookmark...",      "Put a bookmark on the sample of marker 1 or in the middle of the display, or change its note", "", "Ctrl+B"},
     {CommandId::NextBookmark,         "&Analyze",                "&Next Bookmark",        "Go to the next bookmark", "", "Ctrl+F2"},
     {CommandId::PreviousBookmark,     "&Analyze",                "&Previous Bookmark",    "Go to the previous bookmark", "", "Ctrl+Shift+F2"},

@@ -53,11 +53,15 @@ FieldCommands::FieldCommands(QWidget& window) : QObject(&window), window_(window
             [this](const QWidget* /*old*/, QWidget* now) { FollowFocus(now); });
 }
 
-const CommandMap* FieldCommands::Map() const {
+std::vector<const CommandMap*> FieldCommands::Maps() const {
+    std::vector<const CommandMap*> maps;
     if (field_ != nullptr) {
-        return &commands_;
+        maps.push_back(&commands_);
     }
-    return panel_ != nullptr && panel_->isVisible() ? &panel_->commands : nullptr;
+    if (panel_ != nullptr && panel_->isVisible()) {
+        maps.push_back(&panel_->commands);
+    }
+    return maps;
 }
 
 void FieldCommands::FollowFocus(QWidget* focus) {

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <vector>
+
 class QLineEdit;
 class QWidget;
 
@@ -20,8 +22,9 @@ class FieldCommands final : public QObject {
 public:
     explicit FieldCommands(QWidget& window);
 
-    /// The commands of the field, else of the panel; null while neither has the keyboard.
-    [[nodiscard]] const CommandMap* Map() const;
+    /// The commands of the field, then of the panel, which may be around it; none while neither has
+    /// the keyboard.
+    [[nodiscard]] std::vector<const CommandMap*> Maps() const;
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -250,10 +250,7 @@ QString CMainFrame::PaneText(int pane) const {
 }
 
 std::vector<const CommandMap*> CMainFrame::Targets() const {
-    std::vector<const CommandMap*> targets;
-    if (const CommandMap* field = fieldCommands_->Map()) {
-        targets.push_back(field);
-    }
+    std::vector<const CommandMap*> targets = fieldCommands_->Maps();
     if (const CMDIChildWnd* frame = ActiveFrame(*area_)) {
         if (const CView* view = frame->GetActiveView()) {
             targets.push_back(&view->commands);

@@ -64,5 +64,21 @@ TEST(RowMap, AFilterKeepsWhatMatches) {
     EXPECT_FALSE(rows.IsRowSample(31));
 }
 
+TEST(RowMap, KeepsSamplesWhoseBitIsSet) {
+    RowMap rows;
+    rows.Reset(70, 0, {});
+    const std::vector<std::uint32_t> excluded = {1U << 31, 0, 0};
+    rows.Keep(std::vector<std::uint32_t>{1U << 31 | 1U << 3, 1U}, excluded);
+    EXPECT_EQ(rows.RowCount(), 2);
+    EXPECT_EQ(rows.SampleCount(), 70);
+    EXPECT_EQ(rows.RowToSample(0), 3);
+    EXPECT_EQ(rows.RowToSample(1), 32);
+    EXPECT_EQ(rows.SampleToRow(69), 1);
+    EXPECT_TRUE(rows.IsRowSample(3));
+    EXPECT_FALSE(rows.IsRowSample(31));
+    EXPECT_EQ(rows.RowSamples().size(), 3U);
+    EXPECT_EQ(rows.RowSamples()[0], 1U << 3);
+}
+
 } // namespace
 } // namespace busquill::test

@@ -278,6 +278,35 @@ TEST_F(SearchOfAFile, AFilterWithoutAMatchShowsNoRowsAndTheNextRestoresAll) {
     EXPECT_TRUE(document->IsRowSample(999, false));
 }
 
+TEST_F(SearchOfAFile, AFilterByAnExpressionTakesThePlaceOfThePattern) {
+    Require(document->filterPattern, 0, true);
+    document->ApplyFilter(0);
+    std::vector<std::uint32_t> matches(32);
+    matches[0] = 1U << 4 | 1U << 7;
+    matches[2] = 1U << 1;
+    view.hints.clear();
+    document->ApplyFilter("sample in 4..65", matches, 7);
+    EXPECT_EQ(document->FilterExpression(), "sample in 4..65");
+    EXPECT_EQ(document->RowCount(false), 3);
+    EXPECT_EQ(document->RowToSample(2, false), 65);
+    EXPECT_TRUE(document->IsRowSample(4, false));
+    EXPECT_FALSE(document->IsRowSample(5, false));
+    EXPECT_EQ(view.sample, 7);
+    EXPECT_THAT(view.hints, ElementsAre(HintGoToSample, HintFilterChanged));
+    // The dialog shows a pattern that compares nothing, so its OK shows all.
+    document->ApplyFilter(0);
+    EXPECT_EQ(document->FilterExpression(), "");
+    EXPECT_FALSE(document->IsFiltered());
+}
+
+TEST_F(SearchOfAFile, OtherSamplesAreNotFilteredByTheOldExpression) {
+    document->ApplyFilter("sample == 1", std::vector<std::uint32_t>{2}, 0);
+    ASSERT_TRUE(document->IsFiltered());
+    document->RebuildMaps(10, 10);
+    EXPECT_FALSE(document->IsFiltered());
+    EXPECT_EQ(document->FilterExpression(), "");
+}
+
 TEST_F(SearchOfAFile, AFilterFromOutsideTheCaptureLeavesTheViewInPlace) {
     document->ApplyFilter(5000);
     EXPECT_THAT(view.hints, ElementsAre(HintFilterChanged));

@@ -92,9 +92,12 @@ const char* ReasonAgainst(CommandId id, Shows shows) {
     case CommandId::FindPrevious:
         return isTrace ? nullptr : "it has no samples";
     case CommandId::Transactions:
+    case CommandId::Findings:
     case CommandId::Interval:
     case CommandId::ShowBookmarks:
         return isTrace ? nullptr : "it shows no capture";
+    case CommandId::ShowOnlyHits:
+        return "there is no expression yet";
     case CommandId::AddBookmark:
         return shows == Shows::Listing || shows == Shows::Waveforms
                    ? nullptr

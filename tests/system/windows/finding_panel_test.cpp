@@ -1,0 +1,160 @@
+// The list of findings and hits while a capture runs and uploads, and with other buses.
+
+#include "analysis/sample_findings.h"
+#include "capture/sample_condition.h"
+#include "support/capture_builder.h"
+#include "support/live_frame_fixture_qt.h"
+#include "ui/analysis/finding_model.h"
+
+#include <QDockWidget>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QTableView>
+
+namespace busquill::test {
+namespace {
+
+class FindingUploads : public LiveFrameFixture {
+protected:
+    void OpenList() {
+        Frame().resize(1100, 800);
+        Choose("Analyze/Findings and Hits");
+        Frame().RefreshCommands();
+    }
+    QDockWidget& List() { return *Frame().findChild<QDockWidget*>("Findings and Hits"); }
+    QTableView& Table() { return *List().findChild<QTableView*>("FindingTable"); }
+    FindingModel& Found() { return dynamic_cast<FindingModel&>(*Table().model()); }
+    int Rows() { return Table().model() == nullptr ? 0 : Table().model()->rowCount(); }
+    std::string WhyEmpty() {
+        const auto& reason = *List().findChild<QLabel*>("FindingReason");
+        return reason.isVisible() ? reason.text().toStdString() : "";
+    }
+    void Give(const QString& expression) {
+        auto& line = *List().findChild<QComboBox*>("HitExpression");
+        QTest::mouseClick(line.lineEdit(), Qt::LeftButton, {}, {5, 5});
+        QTest::keyClick(&line, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(&line, expression);
+        QTest::keyClick(&line, Qt::Key_Return);
+        Frame().activateWindow(); // a list of words had the keyboard
+        QApplication::processEvents();
+    }
+    bool IsDone() {
+        return RunUntil([&] { return !Found().IsWorking(); });
+    }
+    /// Compares the rows with the findings of all samples, and with those where FRAME has fallen.
+    void ExpectAllRows() {
+        const auto records = Trace().GetStore().GetData(false);
+        const SampleFindings findings(program->Tables());
+        std::vector<std::int64_t> keys;
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            const auto sample = static_cast<std::int64_t>(i);
+            if (findings.RuleOf(records[i]) != 0 || findings.IsAnomaly(records[i])) {
+                keys.push_back(2 * sample);
+            }
+            if (i > 0 && records[i - 1].Bit(CaptureBuilder::Frame) &&
+                !records[i].Bit(CaptureBuilder::Frame)) {
+                keys.push_back(2 * sample + 1);
+            }
+        }
+        ASSERT_GT(keys.size(), 30U);
+        ASSERT_EQ(Rows(), static_cast<int>(keys.size()));
+        for (int row = 0; row < Rows(); ++row) {
+            ASSERT_EQ(Found().KeyOf(row), keys[static_cast<std::size_t>(row)]) << row;
+        }
+    }
+};
+
+TEST_F(FindingUploads, TheListFillsWhileSamplesArriveAndKeepsItsPlace) {
+    Connect({"--buffer", "64", "--rate", "50000"});
+    OpenFrame("State");
+    OpenList();
+    EXPECT_EQ(WhyEmpty(), "There are no samples yet.");
+    Give("FRAME falls");
+    Go();
+    EXPECT_EQ(WhyEmpty(), "The capture has not ended yet.");
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_GT(Rows(), 0);
+    StopALongRun();
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 30; }));
+    ASSERT_TRUE(Trace().IsUploading());
+    for (int row = 0; row < Rows(); ++row) {
+        ASSERT_TRUE(Trace().IsValidSample(Found().SampleOf(row), false)) << "has not arrived";
+    }
+    EXPECT_FALSE(Entry("Analyze/Show Only Hits").isEnabled());
+    const int rows = Rows();
+    Table().scrollTo(Table().model()->index(20, 0), QAbstractItemView::PositionAtTop);
+    const auto click = [&](int row, Qt::KeyboardModifiers modifiers) {
+        const QRect cell = Table().visualRect(Table().model()->index(row, FindingModel::Kind));
+        QTest::mouseClick(Table().viewport(), Qt::LeftButton, modifiers, cell.center());
+    };
+    click(22, {});
+    click(23, Qt::ShiftModifier);
+    const int below = 23 - Table().verticalScrollBar()->value();
+    const std::int64_t first = Found().KeyOf(22);
+    const std::int64_t second = Found().KeyOf(23);
+    ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
+    ASSERT_TRUE(Trace().IsUploading());
+    const int current = Table().currentIndex().row();
+    EXPECT_EQ(Found().KeyOf(current), second);
+    EXPECT_EQ(current - Table().verticalScrollBar()->value(), below) << "it has not moved";
+    std::vector<std::int64_t> selected;
+    for (const QModelIndex& index : Table().selectionModel()->selectedRows()) {
+        selected.push_back(Found().KeyOf(index.row()));
+    }
+    std::ranges::sort(selected);
+    EXPECT_EQ(selected, (std::vector<std::int64_t>{first, second}));
+    board->Fault("delay 0");
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(IsDone());
+    ExpectAllRows();
+    EXPECT_EQ(Found().KeyOf(Table().currentIndex().row()), second);
+    // The windows can be filtered now.
+    Choose("Analyze/Show Only Hits");
+    EXPECT_EQ(Trace().RowCount(false), static_cast<std::int64_t>(Found().HitCount()));
+    // The next run forgets all that.
+    Go();
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_EQ(WhyEmpty(), "The capture has not ended yet.");
+    EXPECT_EQ(Trace().FilterExpression(), "");
+    Stop();
+    ASSERT_TRUE(Complete());
+    EXPECT_FALSE(Trace().IsFiltered());
+    EXPECT_EQ(Table().currentIndex().row(), -1);
+}
+
+TEST_F(FindingUploads, AHiddenListSearchesWhenItIsShown) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    OpenList();
+    Give("FRAME falls");
+    Choose("Analyze/Findings and Hits");
+    Go();
+    ASSERT_TRUE(Complete());
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_FALSE(Entry("Analyze/Show Only Hits").isEnabled()) << "nothing has been searched";
+    OpenList();
+    ASSERT_TRUE(IsDone());
+    ExpectAllRows();
+}
+
+TEST_F(FindingUploads, ACaptureThatRunsWhileAnotherWindowIsActiveIsSearchedAfterwards) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    OpenList();
+    Give("FRAME falls");
+    Go();
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(IsDone());
+    Choose("File/New/Performance/Utilization");
+    EXPECT_EQ(Rows(), 0);
+    frame->Trace().Run().Go(Trace().setup, "");
+    ASSERT_TRUE(Complete());
+    Frame().Area().setActiveSubWindow(frame);
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 0 && !Found().IsWorking(); }));
+    ExpectAllRows();
+}
+
+} // namespace
+} // namespace busquill::test
