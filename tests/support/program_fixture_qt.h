@@ -50,6 +50,7 @@ inline QAction* FindEntry(const QMainWindow& window, const QString& path) {
 class ProgramFixture : public testing::Test {
 protected:
     ProgramFixture() {
+        qputenv("XDG_DATA_HOME", QByteArray::fromStdString(dir.Path()));
         for (const char* name : {"Trigger1.tra", "Trigger2.tra"}) {
             std::filesystem::copy(SourceFile("data/" + std::string(name)), dir.File(name));
         }

@@ -74,6 +74,12 @@ void ExpressionLine::Show(const QString& applied, const QString& typed) {
     }
 }
 
+void ExpressionLine::Give(const QString& text) {
+    setEditText(text);
+    Apply();
+    Remember();
+}
+
 // The history.
 
 void ExpressionLine::ShowHistory() {

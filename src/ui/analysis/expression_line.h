@@ -41,6 +41,10 @@ public:
     /// Shows what was typed for another capture, and what was applied of it, without emitting
     /// Changed.
     void Show(const QString& applied, const QString& typed);
+    /// Puts a text into the line and applies it, as if it were typed.
+    void Give(const QString& text);
+    /// The first mistake of a text; an empty one has none.
+    [[nodiscard]] std::optional<ExpressionError> Mistake(const QString& text) const;
     /// The text when Changed was emitted last; empty, or without a mistake.
     [[nodiscard]] QString Applied() const { return applied_; }
 
@@ -54,7 +58,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    [[nodiscard]] std::optional<ExpressionError> Mistake(const QString& text) const;
     void ShowHistory();
     void Remember();
     void Edited();

@@ -7,6 +7,7 @@
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "ui/analysis/expression_line.h"
+#include "ui/analysis/kept_button.h"
 #include "ui/analysis/panel_table.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
@@ -82,28 +83,33 @@ void FindingPanel::MakeLine(QVBoxLayout& layout) {
     line_->setObjectName("HitExpression");
     line_->lineEdit()->setPlaceholderText("such as: FRAME falls and COMMAND == \"Mem*\"");
     line_->setToolTip("List the samples for which this holds");
-    line_->SetLanguage(
-        {[this](std::string_view text) -> std::optional<ExpressionError> {
-             if (document_ == nullptr) {
-                 return std::nullopt;
-             }
-             const auto parsed = SampleCondition::Parse(
-                 text, parts_.analyzer.Tables(), {&document_->stateList, &document_->waveformList});
-             const auto* const mistake = std::get_if<ExpressionError>(&parsed);
-             return mistake == nullptr ? std::nullopt : std::optional(*mistake);
-         },
-         [this](std::string_view text, std::size_t cursor) {
-             return document_ == nullptr ? ExpressionCompletion()
-                                         : SampleCondition::Complete(
-                                               text, cursor, parts_.analyzer.Tables(),
-                                               {&document_->stateList, &document_->waveformList});
-         }});
+    line_->SetLanguage({[this](std::string_view text) -> std::optional<ExpressionError> {
+                            if (document_ == nullptr) {
+                                return std::nullopt;
+                            }
+                            const KeptExpressions kept = UserExpressions();
+                            const auto parsed = SampleCondition::Parse(
+                                text, parts_.analyzer.Tables(),
+                                {&document_->stateList, &document_->waveformList}, &kept);
+                            const auto* const mistake = std::get_if<ExpressionError>(&parsed);
+                            return mistake == nullptr ? std::nullopt : std::optional(*mistake);
+                        },
+                        [this](std::string_view text, std::size_t cursor) {
+                            if (document_ == nullptr) {
+                                return ExpressionCompletion();
+                            }
+                            const KeptExpressions kept = UserExpressions();
+                            return SampleCondition::Complete(
+                                text, cursor, parts_.analyzer.Tables(),
+                                {&document_->stateList, &document_->waveformList}, &kept);
+                        }});
     auto* label = new QLabel("&Hits:");
     label->setBuddy(line_);
     auto* line = new QHBoxLayout;
     line->setContentsMargins(4, 2, 4, 0);
     line->addWidget(label);
     line->addWidget(line_, 1);
+    line->addWidget(new KeptButton(*line_, parts_.prompts));
     line->addWidget(explanation, 1);
     layout.addLayout(line);
     connect(line_, &ExpressionLine::Changed, this, &FindingPanel::ApplyExpression);
@@ -352,8 +358,9 @@ std::optional<SampleCondition> FindingPanel::Condition(const QString& expression
     if (expression.isEmpty()) {
         return std::nullopt;
     }
+    const KeptExpressions kept = UserExpressions();
     auto parsed = SampleCondition::Parse(expression.toStdString(), parts_.analyzer.Tables(),
-                                         {&document_->stateList, &document_->waveformList});
+                                         {&document_->stateList, &document_->waveformList}, &kept);
     auto* const condition = std::get_if<SampleCondition>(&parsed);
     return condition == nullptr ? std::nullopt : std::optional(std::move(*condition));
 }

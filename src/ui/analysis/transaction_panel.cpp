@@ -8,6 +8,7 @@
 #include "platform/text.h"
 #include "signals/value_text.h"
 #include "ui/analysis/expression_line.h"
+#include "ui/analysis/kept_button.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
@@ -170,12 +171,15 @@ void TransactionPanel::MakeFilter(QVBoxLayout& layout) {
     filter_->lineEdit()->setPlaceholderText("such as: wait > 4 and end == retry");
     filter_->setToolTip("Show only transactions for which this holds");
     filter_->SetLanguage({[this](std::string_view text) -> std::optional<ExpressionError> {
-                              const auto parsed = TransactionCondition::Parse(text, FilterBus());
+                              const KeptExpressions kept = UserExpressions();
+                              const auto parsed =
+                                  TransactionCondition::Parse(text, FilterBus(kept));
                               const auto* const mistake = std::get_if<ExpressionError>(&parsed);
                               return mistake == nullptr ? std::nullopt : std::optional(*mistake);
                           },
                           [this](std::string_view text, std::size_t cursor) {
-                              return TransactionCondition::Complete(text, cursor, FilterBus());
+                              const KeptExpressions kept = UserExpressions();
+                              return TransactionCondition::Complete(text, cursor, FilterBus(kept));
                           }});
     filter_->installEventFilter(this);
     auto* label = new QLabel("Filter:");
@@ -184,6 +188,7 @@ void TransactionPanel::MakeFilter(QVBoxLayout& layout) {
     line->setContentsMargins(4, 2, 4, 0);
     line->addWidget(label);
     line->addWidget(filter_, 1);
+    line->addWidget(new KeptButton(*filter_, parts_.prompts));
     line->addWidget(explanation, 1);
     layout.addLayout(line);
     connect(filter_, &ExpressionLine::Changed, this, &TransactionPanel::ApplyFilter);
@@ -293,10 +298,13 @@ void TransactionPanel::ForgetRows() {
     }
 }
 
-TransactionBus TransactionPanel::FilterBus() const {
+TransactionBus TransactionPanel::FilterBus(const KeptExpressions& kept) const {
     const BusTraffic* const traffic = Model() == nullptr ? nullptr : Model()->Traffic();
-    return traffic == nullptr ? TransactionBus{.tables = &parts_.analyzer.Tables()}
-                              : TransactionBus::Of(*traffic, parts_.analyzer.Tables());
+    TransactionBus bus = traffic == nullptr
+                             ? TransactionBus{.tables = &parts_.analyzer.Tables()}
+                             : TransactionBus::Of(*traffic, parts_.analyzer.Tables());
+    bus.kept = &kept;
+    return bus;
 }
 
 /// Nothing that could have the keyboard is hidden or disabled before the next event: the keyboard
@@ -471,7 +479,8 @@ std::optional<TransactionCondition> TransactionPanel::Condition(const QString& f
     if (filter.isEmpty()) {
         return std::nullopt;
     }
-    auto parsed = TransactionCondition::Parse(filter.toStdString(), FilterBus());
+    const KeptExpressions kept = UserExpressions();
+    auto parsed = TransactionCondition::Parse(filter.toStdString(), FilterBus(kept));
     auto* const condition = std::get_if<TransactionCondition>(&parsed);
     return condition == nullptr ? std::nullopt : std::optional(std::move(*condition));
 }

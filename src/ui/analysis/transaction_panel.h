@@ -23,6 +23,7 @@ namespace busquill {
 class CTesselDoc;
 class CTraceView;
 class ExpressionLine;
+class KeptExpressions;
 
 /// The transactions of the active capture as a table. Choosing a row takes the windows of the
 /// capture to its first sample; marker 1 chooses the row that it stands in.
@@ -78,7 +79,7 @@ private:
     [[nodiscard]] std::vector<int> SelectedRows() const;
     void CopyRows();
     void ApplyFilter();
-    [[nodiscard]] TransactionBus FilterBus() const;
+    [[nodiscard]] TransactionBus FilterBus(const KeptExpressions& kept) const;
     /// Nothing for an empty filter.
     [[nodiscard]] std::optional<TransactionCondition> Condition(const QString& filter) const;
     /// The table, or why there is none, and the line below it.

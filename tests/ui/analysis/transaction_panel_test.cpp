@@ -4,6 +4,7 @@
 #include "analysis/transaction_follower.h"
 #include "capture/trace_document.h"
 #include "support/board_tables.h"
+#include "support/modal_qt.h"
 #include "support/program_fixture_qt.h"
 #include "ui/analysis/transaction_panel.h"
 #include "ui/display/trace_view.h"
@@ -18,10 +19,13 @@
 #include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTableView>
+#include <QTimer>
+#include <QToolButton>
 #include <QWheelEvent>
 #include <QtTest/QTest>
 #include <gmock/gmock.h>
@@ -584,6 +588,48 @@ TEST_F(TransactionPanels, WhatIsTypedStaysWithItsCapture) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return Rows() > 10; }));
     EXPECT_NE(Rows(), rows);
     EXPECT_EQ(Filter().currentText(), "wait > 2");
+}
+
+TEST_F(TransactionPanels, AFilterIsKeptByNameAndTakenAgain) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    auto& button = *Dock().findChild<QToolButton*>("KeptExpressions");
+    const auto open = [&] { QTest::mouseClick(&button, Qt::LeftButton); };
+    const auto keepAs = [&](const QString& name) {
+        QTimer::singleShot(200, [&] {
+            auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            QTest::keyClicks(dialog->findChild<QLineEdit*>(), name);
+            QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+        });
+        AnswerMenu(open, "&Keep As...");
+    };
+    const std::string file = dir.File("busquill/expressions.txt");
+    Give("end == retry");
+    keepAs("retries");
+    EXPECT_EQ(ReadWholeFile(file), "retries: end == retry\n");
+    keepAs("2 words");
+    EXPECT_THAT(prompts.Texts().back(), testing::StartsWith("A name is a letter"));
+    // The user may write into the file.
+    std::ofstream(file, std::ios::app) << "# of samples\nfalls: FRAME falls\n";
+    Give("");
+    EXPECT_EQ(Rows(), 267);
+    EXPECT_EQ(AnswerMenu(open, "@retries    end == retry").join('|').toStdString(),
+              "&Keep As...||@retries    end == retry|@falls    FRAME falls||&Remove");
+    EXPECT_EQ(Filter().currentText(), "@retries");
+    EXPECT_EQ(Rows(), 10);
+    Give("@retries and number > 200");
+    EXPECT_LT(Rows(), 10);
+    Type("@falls");
+    EXPECT_NE(Mistake(), "");
+    // One that is there is not replaced without a question.
+    Give("wait > 4");
+    prompts.AnswerNext(Answer::No);
+    keepAs("Retries");
+    EXPECT_THAT(prompts.Texts().back(), testing::HasSubstr("Replace"));
+    EXPECT_THAT(ReadWholeFile(file), testing::HasSubstr("retries: end == retry\n"));
+    keepAs("retries");
+    EXPECT_EQ(ReadWholeFile(file), "retries: wait > 4\n# of samples\nfalls: FRAME falls\n");
 }
 
 TEST_F(TransactionPanels, AFilterStaysWhenTheBusChanges) {
