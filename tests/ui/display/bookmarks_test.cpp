@@ -182,9 +182,13 @@ TEST_F(NotedSamples, TellTheirNoteOverTheirFlag) {
     EXPECT_THAT(TipAt({x + 5, 5}), HasSubstr("Bookmark at -7: note"));
     EXPECT_THAT(TipAt({x - 3, 5}), Not(HasSubstr("note")));
     Waves().SetZoom(-7); // eight samples a pixel
-    const int small = WaveLeft() + 3 / 8;
-    EXPECT_THAT(TipAt({small + 6, 5}), HasSubstr("Bookmark at -7: note"));
-    EXPECT_THAT(TipAt({small + 20, 5}), Not(HasSubstr("note")));
+    view->ScrollToSample(0);
+    const int line = WaveLeft() + 1 + 493 / 7; // marks stand where seven samples take a pixel
+    EXPECT_THAT(TipAt({line + 6, 5}), EndsWith("\nBookmark at -7: note"));
+    EXPECT_THAT(TipAt({line, 30}), EndsWith("\nBookmark at -7: note"));
+    for (const QPoint place : {QPoint(line - 1, 5), {line + 20, 5}, {line + 6, 30}}) {
+        EXPECT_THAT(TipAt(place), Not(HasSubstr("note")));
+    }
 }
 
 TEST_F(NotedSamples, ThatAFilterHidesAreNotShown) {
