@@ -463,8 +463,7 @@ void ShowInterval(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
     frame.resize(900, 600);
 }
 
-/// Bookmarks in the waveforms, in the gauge and in the panel, and the samples of a transaction on
-/// another ground.
+/// Bookmarks in the waveforms, in the gauge and in the panel.
 void ShowBookmarks(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
     constexpr std::pair<int, const char*> notes[] = {{-310, "Ring full: the card stops here"},
                                                      {0, "First write after the reset"},

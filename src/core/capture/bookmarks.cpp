@@ -14,8 +14,8 @@ namespace busquill {
 
 namespace {
 
-constexpr std::string_view title = "Busquill bookmarks ";
-constexpr std::string_view version = "1";
+constexpr std::string_view formatTitle = "Busquill bookmarks ";
+constexpr std::string_view formatVersion = "1";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // some editors begin a file with it
 constexpr std::int64_t largestNumber = std::int64_t{1} << 32;
 constexpr unsigned firstPrintable = 0x20;
@@ -43,7 +43,7 @@ std::string Escaped(std::string_view note) {
     return text;
 }
 
-std::optional<char> Byte(std::string_view digits) {
+std::optional<char> HexByte(std::string_view digits) {
     unsigned value = 0;
     const char* const end = digits.data() + digits.size();
     const auto [stop, error] = std::from_chars(digits.data(), end, value, 16);
@@ -67,7 +67,7 @@ std::optional<std::string> Unescaped(std::string_view text) {
         } else if (after.starts_with('n')) {
             note += '\n';
         } else if (const auto byte =
-                       after.starts_with('x') ? Byte(after.substr(1, 2)) : std::nullopt) {
+                       after.starts_with('x') ? HexByte(after.substr(1, 2)) : std::nullopt) {
             note += *byte;
             i += 2;
         } else {
@@ -116,12 +116,12 @@ std::string CheckTitle(std::string_view line) {
     if (line.starts_with(byteOrderMark)) {
         line.remove_prefix(byteOrderMark.size());
     }
-    if (!line.starts_with(title)) {
+    if (!line.starts_with(formatTitle)) {
         return Printf("A file of bookmarks begins with \"%.*s%.*s\".",
-                      static_cast<int>(title.size()), title.data(),
-                      static_cast<int>(version.size()), version.data());
+                      static_cast<int>(formatTitle.size()), formatTitle.data(),
+                      static_cast<int>(formatVersion.size()), formatVersion.data());
     }
-    return line.substr(title.size()) == version
+    return line.substr(formatTitle.size()) == formatVersion
                ? std::string()
                : "The file was written by a newer version of the program.";
 }
@@ -177,8 +177,8 @@ bool WriteBookmarks(const std::string& path, const Bookmarks& bookmarks) {
     if (!file.CreateBeside(path)) {
         return false;
     }
-    file.Write(Printf("%.*s%.*s\n", static_cast<int>(title.size()), title.data(),
-                      static_cast<int>(version.size()), version.data()));
+    file.Write(Printf("%.*s%.*s\n", static_cast<int>(formatTitle.size()), formatTitle.data(),
+                      static_cast<int>(formatVersion.size()), formatVersion.data()));
     for (const auto& [number, note] : bookmarks) {
         file.Write(Printf("%lld\t%s\n", static_cast<long long>(number), Escaped(note).c_str()));
     }

@@ -14,8 +14,8 @@ namespace busquill {
 
 namespace {
 
-constexpr std::array titles{"Sample", "Time", "Note"};
-static_assert(titles.size() == BookmarkModel::Columns);
+constexpr std::array columnTitles{"Sample", "Time", "Note"};
+static_assert(columnTitles.size() == BookmarkModel::Columns);
 
 } // namespace
 
@@ -98,7 +98,7 @@ QVariant BookmarkModel::data(const QModelIndex& index, int role) const {
 
 QVariant BookmarkModel::headerData(int section, Qt::Orientation orientation, int role) const {
     return orientation == Qt::Horizontal && role == Qt::DisplayRole
-               ? titles[static_cast<std::size_t>(section)]
+               ? columnTitles[static_cast<std::size_t>(section)]
                : QVariant();
 }
 

@@ -215,8 +215,10 @@ void BookmarkPanel::RowChosen(const QModelIndex& index) {
 }
 
 std::vector<int> BookmarkPanel::SelectedRows() const {
+    const QModelIndexList selected = table_->selectionModel()->selectedRows();
     std::vector<int> rows;
-    for (const QModelIndex& index : table_->selectionModel()->selectedRows()) {
+    rows.reserve(static_cast<std::size_t>(selected.size()));
+    for (const QModelIndex& index : selected) {
         rows.push_back(index.row());
     }
     std::ranges::sort(rows);
@@ -231,8 +233,10 @@ void BookmarkPanel::EditNote() {
 }
 
 void BookmarkPanel::RemoveRows() {
+    const std::vector<int> rows = SelectedRows();
     std::vector<std::int64_t> numbers;
-    for (const int row : SelectedRows()) {
+    numbers.reserve(rows.size());
+    for (const int row : rows) {
         numbers.push_back(model_->NumberAt(row));
     }
     for (const std::int64_t number : numbers) {

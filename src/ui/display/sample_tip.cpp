@@ -35,12 +35,12 @@ void AddNotes(const TippedSamples& samples, QStringList& lines) {
     const CTesselDoc& document = samples.document;
     const std::int64_t number = document.FirstSampleNumber(false);
     const Bookmarks& all = document.GetBookmarks();
-    const std::int64_t firstRow =
-        samples.firstFlagRow < 0 ? samples.firstRow : samples.firstFlagRow;
-    const auto end = all.upper_bound(number + document.RowToSample(samples.lastRow, false));
+    const SampleSpan noted =
+        samples.noted.value_or(SampleSpan{document.RowToSample(samples.firstRow, false),
+                                          document.RowToSample(samples.lastRow, false)});
+    const auto end = all.upper_bound(number + noted.last);
     int count = 0;
-    for (auto each = all.lower_bound(number + document.RowToSample(firstRow, false)); each != end;
-         ++each) {
+    for (auto each = all.lower_bound(number + noted.first); each != end; ++each) {
         if (!document.IsRowSample(each->first - number, false)) {
             continue;
         }
@@ -49,7 +49,7 @@ void AddNotes(const TippedSamples& samples, QStringList& lines) {
             return;
         }
         const QString note = QString::fromStdString(each->second);
-        const QString of = samples.firstRow == samples.lastRow && firstRow == samples.firstRow
+        const QString of = samples.firstRow == samples.lastRow && !samples.noted
                                ? QString("Bookmark")
                                : QString("Bookmark at %1").arg(each->first);
         lines << (note.isEmpty()

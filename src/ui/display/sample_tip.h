@@ -2,17 +2,19 @@
 /// taken.
 #pragma once
 
+#include "capture/trace_document.h"
+
 #include <QString>
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace busquill {
 
 class CSignal;
 class CSignalList;
-class CTesselDoc;
 
 /// Samples of which a pixel shows one or several: `first` and `last` are equal, or nearby.
 struct TippedSamples {
@@ -21,7 +23,8 @@ struct TippedSamples {
     bool zoom = false;       // of the Power Zoom
     std::int64_t firstRow = 0;
     std::int64_t lastRow = 0;
-    std::int64_t firstFlagRow = -1; // where bookmarks begin whose flags are here; -1: at firstRow
+    /// Those whose notes are told, where they are not the same: a flag may be beside its sample.
+    std::optional<SampleSpan> noted = {};
 };
 
 /// The time of a sample since the trigger; empty where samples are missing between them, since it

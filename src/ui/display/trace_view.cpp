@@ -508,6 +508,7 @@ void CTraceView::ReportBookmarks() {
         return;
     }
     std::vector<std::int64_t> samples;
+    samples.reserve(Trace().GetBookmarks().size());
     for (const auto& [number, note] : Trace().GetBookmarks()) {
         if (const auto sample = Trace().SampleNumbered(number)) {
             samples.push_back(*sample);

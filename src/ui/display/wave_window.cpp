@@ -300,11 +300,10 @@ PlaceTip CWaveformWnd::CellTip(const QPoint& place) {
     const CSignal* signal = band ? &(*list_)[band->signal] : nullptr;
     const int top = band ? band->top : place.y();
     const int height = band ? band->height : 1;
-    const bool isHeader = place.y() < waveFirstBand;
     const auto tip = [&](std::int64_t first, std::int64_t last, const QRect& area,
-                         std::int64_t firstFlag = -1) {
+                         const std::optional<SampleSpan>& noted = {}) {
         const BandSamples samples(*document_, isZoom_, first, last - first + 1);
-        return PlaceTip{SampleTip({*document_, *list_, isZoom_, first, last, firstFlag}, signal,
+        return PlaceTip{SampleTip({*document_, *list_, isZoom_, first, last, noted}, signal,
                                   [&](std::int64_t sample) {
                                       return BandText(samples, list_->Tables().Board(), *signal,
                                                       sample);
@@ -325,13 +324,32 @@ PlaceTip CWaveformWnd::CellTip(const QPoint& place) {
         return {};
     }
     const std::int64_t last = std::min(place_.row + span.last, RowCount() - 1);
-    if (isHeader) { // a flag lies right of its sample's beginning
-        const int flag = std::max(place.x() - bookmarkFlagWidth + 1, scale.left);
-        return tip(first, last, {place.x(), 0, 1, waveFirstBand},
-                   place_.row + scale.SpanAt(flag).first);
+    const bool isHeader = place.y() < waveFirstBand;
+    if (isHeader || zoom_ < 0) {
+        constexpr int reach = 3; // the line is thin
+        return tip(
+            first, last, {place.x(), top, 1, height},
+            BookmarksAt(place.x() + (isHeader ? 0 : 1), isHeader ? bookmarkFlagWidth : reach));
     }
     const int left = scale.XOf(span.first);
     return tip(first, last, {left, top, std::max(scale.XOf(span.last + 1) - left, 1), height});
+}
+
+SampleSpan CWaveformWnd::BookmarksAt(int x, int pixels) const {
+    SampleSpan found{0, -1};
+    const std::int64_t number = document_->FirstSampleNumber(false);
+    const Bookmarks& all = document_->GetBookmarks();
+    for (auto each = all.lower_bound(number + firstSample_); each != all.end(); ++each) {
+        const std::int64_t sample = each->first - number;
+        const std::int64_t at = Scale().MarkOf(document_->SampleToRow(sample, false) - place_.row);
+        if (at > x) {
+            break;
+        }
+        if (at > x - pixels) {
+            found = {found.last < found.first ? sample : found.first, sample};
+        }
+    }
+    return found;
 }
 
 void CWaveformWnd::PressCell(const QPoint& place, Qt::MouseButton button) {

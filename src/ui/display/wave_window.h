@@ -7,6 +7,7 @@ namespace busquill {
 
 class Prompts;
 class Settings;
+struct SampleSpan;
 
 /// The waveforms: a band for each signal, time to the right.
 class CWaveformWnd final : public TraceDisplay {
@@ -80,6 +81,8 @@ private:
     [[nodiscard]] int BandsRoom() const;
     [[nodiscard]] std::optional<WaveBand> BandAt(int y) const;
     [[nodiscard]] WaveFrame Frame();
+    /// The samples of the bookmarks whose line is at one of the pixels that end with `x`.
+    [[nodiscard]] SampleSpan BookmarksAt(int x, int pixels) const;
     void SetPlace(const WavePlace& place);
     void SetTop(const BandPlace& top);
     void NoteFirstSample();

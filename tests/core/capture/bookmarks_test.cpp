@@ -21,14 +21,14 @@ protected:
     const TempDir dir;
 };
 
-const Bookmarks three{{-12, "First read"}, {0, "Trigger"}, {57, ""}};
+const Bookmarks threeBookmarks{{-12, "First read"}, {0, "Trigger"}, {57, ""}};
 
 TEST_F(BookmarksInAFile, LieBesideTheCapture) {
     EXPECT_EQ(BookmarkPathOf("/a/capture.tra"), "/a/capture.tra.bookmarks");
 }
 
 TEST_F(BookmarksInAFile, AreALineEachInTheOrderOfTheSamples) {
-    ASSERT_TRUE(WriteBookmarks(Path(), three));
+    ASSERT_TRUE(WriteBookmarks(Path(), threeBookmarks));
     EXPECT_EQ(ReadWholeFile(Path()), "Busquill bookmarks 1\n"
                                      "-12\tFirst read\n"
                                      "0\tTrigger\n"
@@ -36,9 +36,9 @@ TEST_F(BookmarksInAFile, AreALineEachInTheOrderOfTheSamples) {
 }
 
 TEST_F(BookmarksInAFile, AreReadAsTheyWereWritten) {
-    ASSERT_TRUE(WriteBookmarks(Path(), three));
+    ASSERT_TRUE(WriteBookmarks(Path(), threeBookmarks));
     const BookmarkFile file = ReadBookmarks(Path());
-    EXPECT_EQ(file.bookmarks, three);
+    EXPECT_EQ(file.bookmarks, threeBookmarks);
     EXPECT_EQ(file.failure, "");
 }
 
@@ -62,7 +62,7 @@ TEST_F(BookmarksInAFile, NeedNoOrderAndMayHaveBeenEditedElsewhere) {
                                    "Busquill bookmarks 1\r\n57\t\r\n\r\n0\tTrigger\r\n"
                                    "-12\tFirst read");
     EXPECT_EQ(file.failure, "");
-    EXPECT_EQ(file.bookmarks, three);
+    EXPECT_EQ(file.bookmarks, threeBookmarks);
 }
 
 TEST_F(BookmarksInAFile, WithAMistakeNameItsLine) {
@@ -114,14 +114,14 @@ TEST_F(BookmarksInAFile, AreNotReadWithoutEnd) {
 }
 
 TEST_F(BookmarksInAFile, AreGoneWithTheLastOfThem) {
-    ASSERT_TRUE(WriteBookmarks(Path(), three));
+    ASSERT_TRUE(WriteBookmarks(Path(), threeBookmarks));
     ASSERT_TRUE(WriteBookmarks(Path(), {}));
     EXPECT_FALSE(std::filesystem::exists(Path()));
     EXPECT_TRUE(WriteBookmarks(Path(), {})) << "there was no file";
 }
 
 TEST_F(BookmarksInAFile, StayAsTheyAreWhenTheDiskIsFull) {
-    ASSERT_TRUE(WriteBookmarks(Path(), three));
+    ASSERT_TRUE(WriteBookmarks(Path(), threeBookmarks));
     const std::string before = ReadWholeFile(Path());
     {
         const FullDisk full(8);
@@ -131,7 +131,7 @@ TEST_F(BookmarksInAFile, StayAsTheyAreWhenTheDiskIsFull) {
 }
 
 TEST_F(BookmarksInAFile, CannotBeWrittenIntoAFolderThatIsNotThere) {
-    EXPECT_FALSE(WriteBookmarks(dir.File("missing/a.tra.bookmarks"), three));
+    EXPECT_FALSE(WriteBookmarks(dir.File("missing/a.tra.bookmarks"), threeBookmarks));
 }
 
 /// Random files that look more or less like files of bookmarks.
@@ -156,10 +156,15 @@ TEST_F(BookmarksInAFile, ReadFromAnyBytesAreWrittenAndReadAgainAlike) {
                                   "Busquill bookmarks 1\n"};
     for (int round = 0; round < 500; ++round) {
         std::string text = random() % 8 != 0 ? "Busquill bookmarks 1\n" : "";
-        const unsigned length = random() % 60;
-        for (unsigned i = 0; i < length; ++i) {
-            text += random() % 10 == 0 ? std::string(1, static_cast<char>(random()))
-                                       : pieces[random() % std::size(pieces)];
+        const unsigned lines = random() % 8;
+        for (unsigned line = 0; line < lines; ++line) {
+            text += random() % 8 != 0 ? std::to_string(random() % 100) + "\t" : "";
+            const unsigned length = random() % 8;
+            for (unsigned i = 0; i < length; ++i) {
+                text += random() % 10 == 0 ? std::string(1, static_cast<char>(random()))
+                                           : pieces[random() % std::size(pieces)];
+            }
+            text += '\n';
         }
         const BookmarkFile file = Read(text);
         const std::string copy = dir.File("copy");

@@ -24,9 +24,9 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr std::uint32_t standardGround = 0xC0C0C0;
-const QColor sign = ColorOf(BookmarkOn(standardGround));
-const QColor band = ColorOf(MarkedGround(standardGround));
+constexpr std::uint32_t standardBackground = 0xC0C0C0;
+const QColor signColor = ColorOf(BookmarkOn(standardBackground));
+const QColor markedColor = ColorOf(MarkedGround(standardBackground));
 
 class NotedSamples : public TraceViewFixture {
 protected:
@@ -50,7 +50,7 @@ protected:
     }
     /// Of a row of the listing.
     [[nodiscard]] int SignsInRow(int n) const {
-        return Count(Grab(), {0, 19 + 15 * n, window->width(), 15}, sign);
+        return Count(Grab(), {0, 19 + 15 * n, window->width(), 15}, signColor);
     }
     [[nodiscard]] QColor GroundOfRow(int n) const { return Grab().pixelColor(2, 19 + 15 * n + 13); }
     /// The pixel of the mark of the sample that many after the first one.
@@ -114,13 +114,13 @@ TEST_F(NotedSamples, HaveAFlagAndALineInTheWaveforms) {
     view->ScrollToSample(490);
     const QImage before = Grab();
     const QRect all(0, 0, window->width(), window->height());
-    EXPECT_EQ(Count(before, all, sign), 0);
+    EXPECT_EQ(Count(before, all, signColor), 0);
     document->SetBookmark(-7, "note");
     const int x = MarkX(3);
     const QImage after = Grab();
-    EXPECT_GT(Count(after, {x, 0, 9, 17}, sign), 20) << "the flag";
-    EXPECT_GT(Count(after, {x, 18, 1, window->height() - 20}, sign), 100) << "the line";
-    EXPECT_EQ(Count(after, all, sign), Count(after, {x, 0, 9, window->height()}, sign));
+    EXPECT_GT(Count(after, {x, 0, 9, 17}, signColor), 20) << "the flag";
+    EXPECT_GT(Count(after, {x, 18, 1, window->height() - 20}, signColor), 100) << "the line";
+    EXPECT_EQ(Count(after, all, signColor), Count(after, {x, 0, 9, window->height()}, signColor));
     document->SetBookmark(-7, std::nullopt);
     EXPECT_EQ(Grab(), before);
 }
@@ -182,9 +182,13 @@ TEST_F(NotedSamples, TellTheirNoteOverTheirFlag) {
     EXPECT_THAT(TipAt({x + 5, 5}), HasSubstr("Bookmark at -7: note"));
     EXPECT_THAT(TipAt({x - 3, 5}), Not(HasSubstr("note")));
     Waves().SetZoom(-7); // eight samples a pixel
-    const int small = WaveLeft() + 3 / 8;
-    EXPECT_THAT(TipAt({small + 6, 5}), HasSubstr("Bookmark at -7: note"));
-    EXPECT_THAT(TipAt({small + 20, 5}), Not(HasSubstr("note")));
+    view->ScrollToSample(0);
+    const int line = WaveLeft() + 1 + 493 / 7; // marks stand where seven samples take a pixel
+    EXPECT_THAT(TipAt({line + 6, 5}), EndsWith("\nBookmark at -7: note"));
+    EXPECT_THAT(TipAt({line, 30}), EndsWith("\nBookmark at -7: note"));
+    for (const QPoint place : {QPoint(line - 1, 5), {line + 20, 5}, {line + 6, 30}}) {
+        EXPECT_THAT(TipAt(place), Not(HasSubstr("note")));
+    }
 }
 
 TEST_F(NotedSamples, ThatAFilterHidesAreNotShown) {
@@ -194,8 +198,8 @@ TEST_F(NotedSamples, ThatAFilterHidesAreNotShown) {
     Mark(490, 493);
     Filter(*view, [](std::uint32_t sample) { return sample < 490 || sample > 493; });
     view->ScrollToSample(485);
-    EXPECT_EQ(Count(Grab(), Grab().rect(), sign), 0);
-    EXPECT_EQ(Count(Grab(), Grab().rect(), band), 0);
+    EXPECT_EQ(Count(Grab(), Grab().rect(), signColor), 0);
+    EXPECT_EQ(Count(Grab(), Grab().rect(), markedColor), 0);
 }
 
 TEST_F(NotedSamples, MarkedOnesHaveAnotherGroundInTheListing) {
@@ -205,8 +209,8 @@ TEST_F(NotedSamples, MarkedOnesHaveAnotherGroundInTheListing) {
     const QColor usual = GroundOfRow(2);
     Mark(492, 494);
     EXPECT_EQ(GroundOfRow(1), usual);
-    EXPECT_EQ(GroundOfRow(2), band);
-    EXPECT_EQ(GroundOfRow(4), band);
+    EXPECT_EQ(GroundOfRow(2), markedColor);
+    EXPECT_EQ(GroundOfRow(4), markedColor);
     EXPECT_EQ(GroundOfRow(5), usual);
     document->SetMarker(1, 493);
     EXPECT_EQ(GroundOfRow(3), QColor(Qt::green)) << "a marker is still seen";
@@ -223,18 +227,18 @@ TEST_F(NotedSamples, MarkedOnesHaveAnotherGroundInTheWaveforms) {
     const QColor usual = GroundAt(zoom);
     Mark(492, 494);
     EXPECT_EQ(GroundAt(2 * zoom - 1), usual);
-    EXPECT_EQ(GroundAt(2 * zoom), band);
-    EXPECT_EQ(GroundAt(5 * zoom - 1), band);
+    EXPECT_EQ(GroundAt(2 * zoom), markedColor);
+    EXPECT_EQ(GroundAt(5 * zoom - 1), markedColor);
     EXPECT_EQ(GroundAt(5 * zoom), usual);
     Mark(0, 499); // begins and ends outside
     view->ScrollToSample(400);
-    EXPECT_EQ(GroundAt(0), band);
-    EXPECT_EQ(GroundAt(window->width() - WaveLeft() - 3), band);
+    EXPECT_EQ(GroundAt(0), markedColor);
+    EXPECT_EQ(GroundAt(window->width() - WaveLeft() - 3), markedColor);
     Mark(0, 100);
-    EXPECT_EQ(Count(Grab(), Grab().rect(), band), 0);
+    EXPECT_EQ(Count(Grab(), Grab().rect(), markedColor), 0);
     Waves().SetZoom(-7);
     Mark(402, 402); // less than a pixel
-    EXPECT_EQ(GroundAt(0), band);
+    EXPECT_EQ(GroundAt(0), markedColor);
     EXPECT_EQ(GroundAt(1), usual);
 }
 
@@ -260,7 +264,8 @@ TEST_F(NotedSamples, AreNotOnPaper) {
         QImage page(600, 400, QImage::Format_RGB32);
         page.fill(Qt::white);
         QPainter painter(&page);
-        const DisplayColors colors{standardGround, standardGround, 0x0000FF, 0x00FF00, 0xFF0000};
+        const DisplayColors colors{standardBackground, standardBackground, 0x0000FF, 0x00FF00,
+                                   0xFF0000};
         const StateFrame frame{*document, document->stateList, false, board.board,
                                colors,    page.size(),         60,    490,
                                0,         PaperState(1)};
