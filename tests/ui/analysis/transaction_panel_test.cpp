@@ -220,6 +220,18 @@ TEST_F(TransactionPanels, AClickTakesAllWindowsOfTheCaptureToTheFirstSample) {
     EXPECT_EQ(frame.Trace().Marker(1, false), -1) << "no marker moves";
 }
 
+TEST_F(TransactionPanels, OpeningThePanelDoesNotMoveTheCapture) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    const std::int64_t top = frame.TraceView().TopSample();
+    OpenPanel();
+    ASSERT_TRUE(Table().hasFocus());
+    EXPECT_EQ(CurrentRow(), -1);
+    EXPECT_NEAR(static_cast<double>(frame.TraceView().TopSample()), static_cast<double>(top), 20)
+        << "it is lower now";
+    QTest::keyClick(&Table(), Qt::Key_Down);
+    EXPECT_EQ(CurrentRow(), 0);
+}
+
 TEST_F(TransactionPanels, KeysGoFromRowToRow) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
