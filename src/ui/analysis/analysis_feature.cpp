@@ -49,9 +49,9 @@ void AddBookmark(const QMdiArea& area) {
 }
 
 /// Puts a panel into a dock of the main window, which a command shows or hides. A panel that is
-/// behind another one is brought to the front. The window owns the dock.
-QDockWidget* AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const char* title,
-                      Panel* panel) {
+/// behind another one is brought to the front.
+void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const char* title,
+              Panel* panel) {
     auto* window = qobject_cast<QMainWindow*>(parts.area.window());
     auto* dock = new QDockWidget(title, window);
     dock->setObjectName(title);
@@ -75,31 +75,23 @@ QDockWidget* AddPanel(Feature& feature, const FeatureParts& parts, CommandId id,
         },
         [dock] { return !dock->isHidden(); },
         [dock, &area = parts.area] { return !dock->isHidden() || ShowsCapture(area); });
-    return dock;
 }
 
 } // namespace
 
 Feature AnalysisFeature(const FeatureParts& parts) {
     Feature feature;
-    QDockWidget* const transactions = AddPanel(feature, parts, CommandId::Transactions,
-                                               "Transactions", new TransactionPanel(parts));
+    AddPanel(feature, parts, CommandId::Transactions, "Transactions", new TransactionPanel(parts));
     auto* const hits = new FindingPanel(parts);
-    QDockWidget* const findings =
-        AddPanel(feature, parts, CommandId::Findings, "Findings and Hits", hits);
+    AddPanel(feature, parts, CommandId::Findings, "Findings and Hits", hits);
     feature.commands.Switch(
         CommandId::ShowOnlyHits, [hits] { hits->FilterByHits(); },
         [hits] { return hits->IsFilteredByHits(); }, [hits] { return hits->CanFilterByHits(); });
     AddPanel(feature, parts, CommandId::Interval, "Interval", new IntervalPanel(parts));
-    QDockWidget* const bookmarks =
-        AddPanel(feature, parts, CommandId::ShowBookmarks, "Bookmarks", new BookmarkPanel(parts));
+    AddPanel(feature, parts, CommandId::ShowBookmarks, "Bookmarks", new BookmarkPanel(parts));
     feature.commands.On(
         CommandId::AddBookmark, [&area = parts.area] { AddBookmark(area); },
         [&area = parts.area] { return CanAddBookmark(area); });
-    // Tables need the width: they share a place until the user puts them elsewhere.
-    auto* window = qobject_cast<QMainWindow*>(parts.area.window());
-    window->tabifyDockWidget(transactions, findings);
-    window->tabifyDockWidget(transactions, bookmarks);
     return feature;
 }
 

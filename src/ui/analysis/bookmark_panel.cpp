@@ -3,6 +3,7 @@
 #include "capture/trace_document.h"
 #include "ui/analysis/bookmark_dialog.h"
 #include "ui/analysis/bookmark_model.h"
+#include "ui/analysis/panel_table.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/bar_button.h"
@@ -19,7 +20,6 @@
 #include <QMenu>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
-#include <QTableView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -45,7 +45,8 @@ public:
 } // namespace
 
 BookmarkPanel::BookmarkPanel(const FeatureParts& parts)
-    : parts_(parts), model_(new BookmarkModel(this)), table_(new QTableView), note_(new QLabel) {
+    : parts_(parts), model_(new BookmarkModel(this)), table_(new PanelTable("BookmarkTable")),
+      note_(new QLabel) {
     SetHelpPage(*this, "bookmarks.md");
     note_->setObjectName("BookmarkNote");
     note_->setWordWrap(true);
@@ -61,21 +62,9 @@ BookmarkPanel::BookmarkPanel(const FeatureParts& parts)
 }
 
 void BookmarkPanel::MakeTable() {
-    table_->setObjectName("BookmarkTable");
     table_->setModel(model_);
     table_->setItemDelegate(new NoteDelegate(table_));
-    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    table_->setWordWrap(false);
-    table_->setTabKeyNavigation(false);
-    table_->setAlternatingRowColors(true);
     table_->installEventFilter(this);
-    table_->verticalHeader()->hide();
-    table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table_->verticalHeader()->setMinimumSectionSize(1);
-    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 4);
-    table_->horizontalHeader()->setHighlightSections(false);
-    table_->horizontalHeader()->setStretchLastSection(true);
     const QFontMetrics text(table_->font());
     table_->setColumnWidth(BookmarkModel::Sample, text.horizontalAdvance("-00000000 "));
     table_->setColumnWidth(BookmarkModel::Time, text.horizontalAdvance("not in the capture "));
@@ -295,7 +284,6 @@ void BookmarkPanel::OpenMenu(const QPoint& place) {
 
 /// Whether a key in the table has been dealt with.
 bool BookmarkPanel::KeyPressed(const QKeyEvent& key) {
-    const int rows = model_->rowCount();
     switch (key.key()) {
     case Qt::Key_F2:
         EditNote();
@@ -303,14 +291,6 @@ bool BookmarkPanel::KeyPressed(const QKeyEvent& key) {
     case Qt::Key_Delete:
         RemoveRows();
         return true;
-    case Qt::Key_Home:
-    case Qt::Key_End:
-        if (rows > 0 && key.modifiers() == Qt::NoModifier) {
-            table_->setCurrentIndex(
-                model_->index(key.key() == Qt::Key_Home ? 0 : rows - 1, BookmarkModel::Note));
-            return true;
-        }
-        return false;
     case Qt::Key_Escape:
         if (view_ != nullptr) {
             view_->window()->activateWindow(); // the dock may float
@@ -318,8 +298,7 @@ bool BookmarkPanel::KeyPressed(const QKeyEvent& key) {
         }
         return true;
     default:
-        // A letter would search the samples' numbers.
-        return key.key() != Qt::Key_Space && !key.text().isEmpty() && key.text().front().isPrint();
+        return false;
     }
 }
 

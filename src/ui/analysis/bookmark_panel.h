@@ -11,13 +11,13 @@
 
 class QLabel;
 class QModelIndex;
-class QTableView;
 
 namespace busquill {
 
 class BookmarkModel;
 class CTesselDoc;
 class CTraceView;
+class PanelTable;
 
 /// The bookmarks of the active capture as a table. Choosing a row takes the windows of the capture
 /// to its sample; notes are changed in the table.
@@ -53,7 +53,7 @@ private:
 
     const FeatureParts parts_;
     BookmarkModel* model_;
-    QTableView* table_;
+    PanelTable* table_;
     QLabel* note_; // below the table
     QPointer<CTraceView> view_;
     const CTesselDoc* document_ = nullptr; // of the rows; only compared

@@ -116,6 +116,7 @@ void FindingPanel::MakeLine(QVBoxLayout& layout) {
 }
 
 void FindingPanel::MakeTable() {
+    table_->setShowGrid(false);
     table_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(table_, &QWidget::customContextMenuRequested, this,
             [this](const QPoint& place) { OpenMenu(table_->viewport()->mapToGlobal(place)); });

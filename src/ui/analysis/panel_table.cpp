@@ -14,7 +14,6 @@ PanelTable::PanelTable(const char* name) {
     setWordWrap(false);
     setTabKeyNavigation(false);
     setAlternatingRowColors(true);
-    setShowGrid(false);
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setMinimumSectionSize(1);

@@ -9,6 +9,7 @@
 #include "signals/value_text.h"
 #include "ui/analysis/expression_line.h"
 #include "ui/analysis/kept_button.h"
+#include "ui/analysis/panel_table.h"
 #include "ui/analysis/shown_capture.h"
 #include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
@@ -112,8 +113,8 @@ QString Summary(const TransactionModel& model) {
 } // namespace
 
 TransactionPanel::TransactionPanel(const FeatureParts& parts)
-    : parts_(parts), stack_(new QStackedWidget), table_(new QTableView), reason_(new QLabel),
-      summary_(new QLabel) {
+    : parts_(parts), stack_(new QStackedWidget), table_(new PanelTable("TransactionTable")),
+      reason_(new QLabel), summary_(new QLabel) {
     SetHelpPage(*this, "transactions.md#in-the-windows");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -137,18 +138,7 @@ TransactionPanel::TransactionPanel(const FeatureParts& parts)
 TransactionPanel::~TransactionPanel() = default;
 
 void TransactionPanel::MakeTable() {
-    table_->setObjectName("TransactionTable");
-    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
-    table_->setWordWrap(false);
-    table_->setTabKeyNavigation(false);
-    table_->setAlternatingRowColors(true);
     table_->installEventFilter(this);
-    table_->verticalHeader()->hide();
-    table_->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table_->verticalHeader()->setMinimumSectionSize(1);
-    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 4);
-    table_->horizontalHeader()->setHighlightSections(false);
-    table_->horizontalHeader()->setStretchLastSection(true);
     table_->horizontalHeader()->setSectionsMovable(true);
     QHeaderView* const header = table_->horizontalHeader();
     header->setSectionsClickable(true);
@@ -212,16 +202,8 @@ TransactionModel* TransactionPanel::Model() const {
     return found == captures_.end() ? nullptr : found->second.model.get();
 }
 
-/// A table without a chosen row chooses the first one when it gets the keyboard; that must not move
-/// the capture.
 void TransactionPanel::TakeKeyboard() {
-    const bool hasRow = table_->currentIndex().isValid();
-    follows_ = true;
     table_->setFocus();
-    if (!hasRow && Model() != nullptr) {
-        table_->selectionModel()->clearCurrentIndex();
-    }
-    follows_ = false;
 }
 
 // Which capture is shown.

@@ -392,7 +392,7 @@ TEST_F(FindingPanels, LettersAndTheWheelChangeNothing) {
     OpenPanel();
     ClickRow(3);
     const std::int64_t top = frame.TraceView().TopSample();
-    QTest::keyClick(&Table(), Qt::Key_1);
+    QTest::keyClick(&Table(), Qt::Key_R);
     EXPECT_EQ(CurrentRow(), 3);
     const auto turn = [](QWidget& over, int angle) {
         QWheelEvent wheel({5, 5}, over.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton,

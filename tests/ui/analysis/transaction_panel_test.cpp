@@ -257,6 +257,18 @@ TEST_F(TransactionPanels, TheSamplesOfTheChosenRowAreMarkedWhileThePanelIsOpen) 
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(30));
 }
 
+TEST_F(TransactionPanels, OpeningThePanelDoesNotMoveTheCapture) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    const std::int64_t top = frame.TraceView().TopSample();
+    OpenPanel();
+    ASSERT_TRUE(Table().hasFocus());
+    EXPECT_EQ(CurrentRow(), -1);
+    EXPECT_NEAR(static_cast<double>(frame.TraceView().TopSample()), static_cast<double>(top), 20)
+        << "it is lower now";
+    QTest::keyClick(&Table(), Qt::Key_Down);
+    EXPECT_EQ(CurrentRow(), 0);
+}
+
 TEST_F(TransactionPanels, KeysGoFromRowToRow) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
@@ -777,6 +789,7 @@ TEST_F(TransactionPanels, ColumnsAreChosenInTheMenuOnTheTitles) {
     EXPECT_EQ(Table().columnWidth(ColumnOf("Command")), 222);
     // The menu has a key too.
     Dock().findChild<TransactionPanel*>()->TakeKeyboard();
+    Frame().RefreshCommands(); // as before each event
     const QStringList again =
         AnswerMenu([&] { QTest::keyClick(&Table(), Qt::Key_F10, Qt::ShiftModifier); }, "Latency");
     EXPECT_TRUE(again.contains("Latency"));
