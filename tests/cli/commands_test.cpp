@@ -81,8 +81,7 @@ TEST_F(TraceCommands, InfoOfSeveralFilesAndAsJson) {
 TEST_F(TraceCommands, InfoListsBookmarks) {
     SmallCapture();
     EXPECT_THAT(Run({"info", "small.tra"}).out, Not(HasSubstr("Bookmarks")));
-    dir.Write("small.tra.bookmarks",
-              "Busquill bookmarks 1\n-2\tidle\\nfor long\n4\t\n5\tfar\n");
+    dir.Write("small.tra.bookmarks", "Busquill bookmarks 1\n-2\tidle\\nfor long\n4\t\n5\tfar\n");
     const ProgramRun text = Run({"info", "small.tra"});
     EXPECT_EQ(text.status, 0);
     EXPECT_EQ(text.err, "");
