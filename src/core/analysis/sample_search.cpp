@@ -19,7 +19,6 @@ void SampleSearch::Expect(std::size_t word) {
     if (word < present_.size() && !TestBit(expected_, word)) {
         SetBit(expected_, word);
         ++left_;
-        next_ = std::min(next_, word);
     }
 }
 
@@ -49,6 +48,9 @@ bool SampleSearch::Continue(const CapturedSamples& samples, std::size_t limit) {
     const std::size_t words = std::max<std::size_t>(limit / wordBits, 1);
     for (std::size_t done = 0; done < words && left_ > 0; ++done) {
         next_ = FirstSet(expected_, next_);
+        if (next_ >= present_.size()) { // the rest is before it
+            next_ = FirstSet(expected_);
+        }
         found_[next_] = FoundIn(next_, samples);
         UnsetBit(expected_, next_);
         --left_;

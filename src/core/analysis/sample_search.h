@@ -51,7 +51,7 @@ private:
     std::vector<std::uint32_t> found_;
     std::vector<std::uint32_t> expected_; // a bit for each word above that is to be searched
     std::size_t left_ = 0;                // of these
-    std::size_t next_ = 0;                // none before it is to be searched
+    std::size_t next_ = 0;                // goes round, so that none waits for those that arrive
 };
 
 } // namespace busquill

@@ -229,8 +229,14 @@ bool CTesselDoc::HasAllSamples(std::int64_t first, std::int64_t last, bool zoom)
     }
     const auto begin = static_cast<std::size_t>(first);
     const auto end = static_cast<std::size_t>(last) + 1;
-    const bool isLeftOut = FirstSet(excludedBits, begin) < std::min(end, excludedBits.size() * 32);
-    return !isLeftOut && arrived_.FirstUnset(begin) >= end && end <= arrived_.Size();
+    if (end > arrived_.Size()) {
+        return false;
+    }
+    // Not further than to the last one: a table asks this for each of its cells.
+    const std::size_t words = WordsFor(end);
+    const auto excluded = std::span(excludedBits).first(std::min(words, excludedBits.size()));
+    return FirstSet(excluded, begin) >= std::min(end, excluded.size() * wordBits) &&
+           FirstUnset(arrived_.Words().first(words), begin) >= end;
 }
 
 std::int64_t CTesselDoc::Marker(int which, bool zoom) const noexcept {

@@ -52,31 +52,39 @@ ExpressionLine::ExpressionLine(Settings& settings, std::string section, QLabel& 
     ShowHistory();
     typing_.setSingleShot(true);
     typing_.setInterval(typingTime);
-    connect(&typing_, &QTimer::timeout, this, &ExpressionLine::Apply);
+    connect(&typing_, &QTimer::timeout, this, [this] { Apply(currentText().contains('@')); });
     connect(this, &QComboBox::editTextChanged, this, &ExpressionLine::Edited);
     connect(lineEdit(), &QLineEdit::returnPressed, this, [this] {
-        Apply();
+        Apply(true);
         Remember();
     });
 }
 
-std::optional<ExpressionError> ExpressionLine::Mistake(const QString& text) const {
+KeptExpressions UserExpressions() {
+    KeptExpressions kept;
+    static_cast<void>(kept.Read(KeptExpressions::UsualFile())); // without the file there are none
+    return kept;
+}
+
+std::optional<ExpressionError> ExpressionLine::Mistake(const QString& text,
+                                                       const KeptExpressions& kept) const {
     return text.trimmed().isEmpty() || !language_.check ? std::nullopt
-                                                        : language_.check(text.toStdString());
+                                                        : language_.check(text.toStdString(), kept);
 }
 
 void ExpressionLine::Show(const QString& applied, const QString& typed) {
     applied_ = applied;
     setEditText(typed);
     Edited(); // the text may be the same and its mistakes others
-    if (typed.trimmed() == applied) {
+    // What is kept by a name may be another expression now.
+    if (typed.trimmed() == applied && !applied.contains('@')) {
         typing_.stop();
     }
 }
 
 void ExpressionLine::Give(const QString& text) {
     setEditText(text);
-    Apply();
+    Apply(true);
     Remember();
 }
 
@@ -132,7 +140,7 @@ void ExpressionLine::OfferWords() {
     const QString before = currentText().left(lineEdit()->cursorPosition());
     const std::string text = currentText().toStdString();
     const std::size_t cursor = before.toStdString().size();
-    const ExpressionCompletion found = language_.complete(text, cursor);
+    const ExpressionCompletion found = language_.complete(text, cursor, UserExpressions());
     QStringList words;
     for (const std::string& word : found.texts) {
         words << QString::fromStdString(word);
@@ -178,10 +186,10 @@ bool ExpressionLine::eventFilter(QObject* watched, QEvent* event) {
     return true;
 }
 
-void ExpressionLine::Apply() {
+void ExpressionLine::Apply(bool again) {
     typing_.stop();
     const QString text = currentText().trimmed();
-    if (!Mistake(text) && std::exchange(applied_, text) != text) {
+    if (!Mistake(text) && (std::exchange(applied_, text) != text || again)) {
         emit Changed();
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "capture/expression.h"
+#include "capture/kept_expressions.h"
 
 #include <QComboBox>
 #include <QStringListModel>
@@ -19,12 +20,19 @@ namespace busquill {
 
 class Settings;
 
+/// The user's kept expressions, as they are in the file now.
+[[nodiscard]] KeptExpressions UserExpressions();
+
 /// The names that an expression may use, as a line of text needs them.
 struct ExpressionLanguage {
     /// The first mistake of an expression.
-    std::function<std::optional<ExpressionError>(std::string_view text)> check;
+    std::function<std::optional<ExpressionError>(std::string_view text,
+                                                 const KeptExpressions& kept)>
+        check;
     /// What can stand at the cursor.
-    std::function<ExpressionCompletion(std::string_view text, std::size_t cursor)> complete;
+    std::function<ExpressionCompletion(std::string_view text, std::size_t cursor,
+                                       const KeptExpressions& kept)>
+        complete;
 };
 
 /// An expression as a line of text, with those that were used before. It is checked while the user
@@ -44,12 +52,14 @@ public:
     /// Puts a text into the line and applies it, as if it were typed.
     void Give(const QString& text);
     /// The first mistake of a text; an empty one has none.
-    [[nodiscard]] std::optional<ExpressionError> Mistake(const QString& text) const;
+    [[nodiscard]] std::optional<ExpressionError>
+    Mistake(const QString& text, const KeptExpressions& kept = UserExpressions()) const;
     /// The text when Changed was emitted last; empty, or without a mistake.
     [[nodiscard]] QString Applied() const { return applied_; }
 
 signals:
-    /// The user has given another expression, which has no mistake.
+    /// The user has given an expression, which has no mistake. It is another one, or one that may
+    /// mean something else now: Enter searches again.
     void Changed();
 
 protected:
@@ -65,7 +75,8 @@ private:
     void OfferWords();
     /// Puts a listed word in the place of the one that was begun.
     void Take(const QString& word);
-    void Apply();
+    /// Emits Changed for the same text only if it is to be applied again.
+    void Apply(bool again);
     void MarkMistake(const std::optional<ExpressionError>& mistake);
 
     Settings& settings_;

@@ -15,10 +15,10 @@ namespace busquill {
 
 namespace {
 
-constexpr std::size_t piece = 16384; // samples
-constexpr int pieceTime = 20;        // milliseconds between events
+constexpr std::size_t searchedAtOnce = 16384; // samples
+constexpr int searchTime = 20;                // milliseconds between events
 // Rows are made again after this time, or after ten times as long as it takes.
-constexpr qint64 shortestPause = 200; // milliseconds
+constexpr qint64 shortestRowPause = 200; // milliseconds
 constexpr qint64 pauseForRows = 10;
 
 struct ColumnText {
@@ -155,6 +155,7 @@ void FindingModel::FollowUpload() {
 
 void FindingModel::SetExpression(std::string text, std::optional<SampleCondition> condition) {
     expression_ = std::move(text);
+    ++searches_;
     condition_ = std::move(condition);
     hitSearch_.reset();
     if (condition_ && findingSearch_) {
@@ -181,9 +182,9 @@ void FindingModel::Continue() {
     QElapsedTimer time;
     time.start();
     bool isComplete = false;
-    while (!isComplete && time.elapsed() < pieceTime) {
-        isComplete = (!findingSearch_ || findingSearch_->Continue(samples, piece)) &&
-                     (!hitSearch_ || hitSearch_->Continue(samples, piece));
+    while (!isComplete && time.elapsed() < searchTime) {
+        isComplete = (!findingSearch_ || findingSearch_->Continue(samples, searchedAtOnce)) &&
+                     (!hitSearch_ || hitSearch_->Continue(samples, searchedAtOnce));
     }
     isComplete ? work_.stop() : work_.start(0);
     RequestRows();
@@ -243,7 +244,7 @@ void FindingModel::MakeRows() {
         endResetModel();
         emit Renewed();
     }
-    pause_ = std::max(shortestPause, time.elapsed() * pauseForRows);
+    pause_ = std::max(shortestRowPause, time.elapsed() * pauseForRows);
     sinceRows_.start();
     emit Worked();
 }

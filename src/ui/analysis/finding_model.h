@@ -58,6 +58,8 @@ public:
     [[nodiscard]] bool HasAllHits() const;
     /// A bit for each sample that fulfils the expression.
     [[nodiscard]] std::span<const std::uint32_t> Hits() const;
+    /// How many expressions were given: the same text may mean something else now.
+    [[nodiscard]] std::size_t Searches() const noexcept { return searches_; }
     /// All that have been found, listed or not, when the rows were made.
     [[nodiscard]] std::size_t FindingCount() const noexcept { return findingCount_; }
     [[nodiscard]] std::size_t HitCount() const noexcept { return hitCount_; }
@@ -108,6 +110,7 @@ private:
     bool isActive_ = false;
     bool isOutdated_ = true; // the document has samples that were not taken for the searches
     std::string expression_;
+    std::size_t searches_ = 0;
     std::optional<SampleCondition> condition_;
     Listed listed_ = Listed::All;
     bool onlyShown_ = false;

@@ -41,8 +41,6 @@ namespace busquill {
 
 namespace {
 
-/// More would be slow to paste.
-constexpr int mostCopiedRows = 100'000;
 /// The section of the settings.
 constexpr const char* hitSettings = "Hits";
 
@@ -83,27 +81,27 @@ void FindingPanel::MakeLine(QVBoxLayout& layout) {
     line_->setObjectName("HitExpression");
     line_->lineEdit()->setPlaceholderText("such as: FRAME falls and COMMAND == \"Mem*\"");
     line_->setToolTip("List the samples for which this holds");
-    line_->SetLanguage({[this](std::string_view text) -> std::optional<ExpressionError> {
-                            if (document_ == nullptr) {
-                                return std::nullopt;
-                            }
-                            const KeptExpressions kept = UserExpressions();
-                            const auto parsed = SampleCondition::Parse(
-                                text, parts_.analyzer.Tables(),
-                                {&document_->stateList, &document_->waveformList}, &kept);
-                            const auto* const mistake = std::get_if<ExpressionError>(&parsed);
-                            return mistake == nullptr ? std::nullopt : std::optional(*mistake);
-                        },
-                        [this](std::string_view text, std::size_t cursor) {
-                            if (document_ == nullptr) {
-                                return ExpressionCompletion();
-                            }
-                            const KeptExpressions kept = UserExpressions();
-                            return SampleCondition::Complete(
-                                text, cursor, parts_.analyzer.Tables(),
-                                {&document_->stateList, &document_->waveformList}, &kept);
-                        }});
-    auto* label = new QLabel("&Hits:");
+    const auto check = [this](std::string_view text,
+                              const KeptExpressions& kept) -> std::optional<ExpressionError> {
+        if (document_ == nullptr) {
+            return std::nullopt;
+        }
+        const auto parsed =
+            SampleCondition::Parse(text, parts_.analyzer.Tables(),
+                                   {&document_->stateList, &document_->waveformList}, &kept);
+        const auto* const mistake = std::get_if<ExpressionError>(&parsed);
+        return mistake == nullptr ? std::nullopt : std::optional(*mistake);
+    };
+    const auto complete = [this](std::string_view text, std::size_t cursor,
+                                 const KeptExpressions& kept) {
+        return document_ == nullptr
+                   ? ExpressionCompletion()
+                   : SampleCondition::Complete(text, cursor, parts_.analyzer.Tables(),
+                                               {&document_->stateList, &document_->waveformList},
+                                               &kept);
+    };
+    line_->SetLanguage({check, complete});
+    auto* label = new QLabel("H&its:");
     label->setBuddy(line_);
     auto* line = new QHBoxLayout;
     line->setContentsMargins(4, 2, 4, 0);
@@ -202,7 +200,11 @@ FindingModel* FindingPanel::Model() const {
 }
 
 void FindingPanel::TakeKeyboard() {
-    Model() != nullptr&& Model()->rowCount() > 0 ? table_->setFocus() : line_->setFocus();
+    if (Model() != nullptr && Model()->rowCount() > 0) {
+        table_->setFocus();
+    } else {
+        line_->setFocus();
+    }
 }
 
 // Which capture is shown.
@@ -312,11 +314,11 @@ void FindingPanel::CaptureGone(CTesselDoc& document) {
 
 void FindingPanel::DocumentUpdated(CTesselDoc& document, int hint) {
     Capture& capture = captures_.at(&document);
-    if (hint == HintCaptureStarted) {
-        capture.place = TablePlace();
-    }
     if (capture.model != nullptr) {
         capture.model->DocumentChanged(hint);
+    }
+    if (hint == HintCaptureStarted) { // the rows that have gone are not those of the next capture
+        capture.place = TablePlace();
     }
     if (&document != document_ || !isVisible()) {
         return;
@@ -385,7 +387,8 @@ bool FindingPanel::CanFilterByHits() const {
         return false;
     }
     const auto& model = captures_.at(document).model;
-    return IsFilteredByHits() || (model != nullptr && model->HasAllHits());
+    const bool isOfThisBus = IsSameBus(parts_.analyzer.Link().Traits(), board_);
+    return IsFilteredByHits() || (isOfThisBus && model != nullptr && model->HasAllHits());
 }
 
 void FindingPanel::FilterByHits() {
@@ -398,9 +401,11 @@ void FindingPanel::FilterByHits() {
 }
 
 void FindingPanel::RenewFilter(CTesselDoc& document) {
-    const FindingModel& model = *captures_.at(&document).model;
+    const Capture& capture = captures_.at(&document);
+    const FindingModel& model = *capture.model;
     const std::string& filter = document.FilterExpression();
-    if (filter.empty() || filter == model.Expression() || !CanFilter(document)) {
+    const bool isSame = filter == model.Expression() && capture.filteredBy == model.Searches();
+    if (filter.empty() || isSame || !CanFilter(document)) {
         return;
     }
     if (model.Expression().empty()) {
@@ -426,6 +431,7 @@ std::int64_t FindingPanel::TopSample(const CTesselDoc& document) const {
 }
 
 void FindingPanel::ShowOnly(CTesselDoc& document, const FindingModel& model) {
+    captures_.at(&document).filteredBy = model.Searches();
     document.ApplyFilter(model.Expression(), model.Hits(), TopSample(document));
 }
 
@@ -481,29 +487,28 @@ QString FindingPanel::Summary() const {
     if (!model->Expression().empty()) {
         counts << Counted(model->HitCount(), "hit", "hits");
     }
-    QString text = counts.join(", ");
+    QStringList parts;
+    if (!counts.isEmpty()) {
+        parts << counts.join(", ");
+    }
     const auto listed = static_cast<std::size_t>(model->rowCount());
     if (listed != model->FindingCount() + model->HitCount()) {
-        text += "; " + Grouped(listed) + " listed";
+        parts << Grouped(listed) + " listed";
     }
     if (!document_->FilterExpression().empty()) {
-        text += "; the windows show only hits";
+        parts << "the windows show only hits";
     }
     if (model->IsWorking()) {
-        text += QString("; searching, %1 %").arg(model->Progress());
+        parts << QString("searching, %1 %").arg(model->Progress());
     }
-    return text;
+    return parts.join("; ");
 }
 
 void FindingPanel::ShowState() {
     const FindingModel* const model = Model();
     const bool hasRows = model != nullptr && model->rowCount() > 0;
     reason_->setText(hasRows ? QString() : WhyEmpty());
-    // The keyboard stays in the panel when the table goes.
-    if (!hasRows && table_->hasFocus() && line_->isEnabled()) {
-        line_->setFocus();
-    }
-    stack_->setCurrentWidget(hasRows ? static_cast<QWidget*>(table_) : reason_);
+    ShowEither(*stack_, *table_, *reason_, hasRows);
     summary_->setText(Summary());
     summary_->setToolTip(summary_->text()); // for a window too narrow for the text
     line_->setEnabled(model != nullptr);

@@ -61,6 +61,7 @@ private:
         QString typed;   // in place of it, perhaps with a mistake
         FindingModel::Listed listed = FindingModel::Listed::All;
         bool onlyShown = false;
+        std::size_t filteredBy = 0; // the search whose hits the windows show
     };
 
     void MakeLine(QVBoxLayout& layout);

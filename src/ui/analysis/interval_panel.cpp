@@ -90,7 +90,7 @@ IntervalPanel::IntervalPanel(const FeatureParts& parts)
     layout->addWidget(table_, 1);
     layout->addWidget(note_);
     commands.On(
-        CommandId::Copy, [this] { Copy(); }, [this] { return table_->rowCount() > 0; });
+        CommandId::Copy, [this] { Copy(); }, [this] { return table_->rowCount() > 0 && !count_; });
     commands.On(
         CommandId::SignalMenu,
         [this] { OpenMenu(table_->visualRect(table_->currentIndex()).bottomLeft()); },
@@ -183,8 +183,15 @@ void IntervalPanel::Follow(CMDIChildWnd* active) {
 }
 
 void IntervalPanel::Begin(const Source& source) {
+    // Figures that are replaced before all were counted have not had the current line yet.
+    const bool isAgain = count_.has_value();
+    const int current = isAgain ? count_->currentLine : table_->currentRow();
+    const bool isSelected =
+        isAgain ? count_->isSelected : current >= 0 && table_->item(current, 0)->isSelected();
     source_ = source;
     count_.emplace();
+    count_->currentLine = current;
+    count_->isSelected = isSelected;
     const auto from = static_cast<std::size_t>(source.from);
     count_->next = from;
     if (!source.isZoom) {
@@ -199,6 +206,7 @@ void IntervalPanel::Begin(const Source& source) {
         }
     }
     count_->edges.resize(count_->counted.size());
+    ShowTimes();
     Continue();
 }
 
@@ -212,15 +220,10 @@ void IntervalPanel::Continue() {
     const auto to = static_cast<std::size_t>(source_->to);
     QElapsedTimer elapsed;
     elapsed.start();
-    while (count_->next < to || (count_->walk && !count_->walk->IsDone())) {
-        if (elapsed.elapsed() >= longestPause) {
-            const auto from = static_cast<std::size_t>(source_->from);
-            ShowTimes();
-            note_->setText(
-                QString("Counting, %1 % ...").arg((count_->next - from) * 100 / (to - from)));
-            work_.start(0);
-            return;
-        }
+    const auto isLeft = [&] {
+        return count_->next < to || (count_->walk && !count_->walk->IsDone());
+    };
+    while (isLeft()) {
         if (count_->walk) {
             count_->walk->Advance(samples, samplesAtOnce);
         }
@@ -229,15 +232,20 @@ void IntervalPanel::Continue() {
             count_->edges[i] += EdgesOf(*count_->counted[i], samples, count_->next, next);
         }
         count_->next = next;
+        if (isLeft() && elapsed.elapsed() >= longestPause) {
+            const auto from = static_cast<std::size_t>(source_->from);
+            note_->setText(QString("Counting, %1 % ...").arg((next - from) * 100 / (to - from)));
+            work_.start(0);
+            return;
+        }
     }
-    ShowFigures();
+    ShowCounts();
     count_.reset();
 }
 
-void IntervalPanel::ShowFigures() {
-    const int current = table_->currentRow();
-    const bool isSelected = current >= 0 && table_->item(current, 0)->isSelected();
-    ShowTimes();
+/// Below the times; the line that was current is so again.
+void IntervalPanel::ShowCounts() {
+    note_->clear();
     if (count_->walk) {
         ShowTransactions(count_->walk->Figures());
     }
@@ -245,9 +253,9 @@ void IntervalPanel::ShowFigures() {
         ShowEdges(*count_->counted[i], count_->edges[i]);
     }
     table_->resizeColumnToContents(0);
-    if (current >= 0 && current < table_->rowCount()) {
-        table_->setCurrentCell(current, 0,
-                               isSelected
+    if (count_->currentLine >= 0 && count_->currentLine < table_->rowCount()) {
+        table_->setCurrentCell(count_->currentLine, 0,
+                               count_->isSelected
                                    ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
                                    : QItemSelectionModel::NoUpdate);
     }
@@ -341,7 +349,7 @@ void IntervalPanel::Copy() const {
 
 void IntervalPanel::OpenMenu(const QPoint& place) {
     QMenu menu(this);
-    menu.addAction("&Copy", this, &IntervalPanel::Copy);
+    menu.addAction("&Copy", this, &IntervalPanel::Copy)->setEnabled(!count_);
     menu.exec(table_->viewport()->mapToGlobal(place));
 }
 

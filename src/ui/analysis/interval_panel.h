@@ -56,6 +56,8 @@ private:
         std::size_t next = 0;             // the first sample whose edges are not counted
         std::vector<const CSignal*> counted;
         std::vector<EdgeCount> edges;
+        int currentLine = -1; // of the table, before they are shown
+        bool isSelected = false;
     };
 
     /// Why there are no figures; empty if there are.
@@ -65,7 +67,7 @@ private:
     void Begin(const Source& source);
     /// Counts for a moment. What is not done then is done after the events that wait.
     void Continue();
-    void ShowFigures();
+    void ShowCounts();
     void ShowTimes();
     void ShowTransactions(const IntervalFigures& figures);
     void ShowEdges(const CSignal& signal, const EdgeCount& edges);

@@ -1,9 +1,11 @@
 #include "ui/analysis/kept_button.h"
 
+#include "capture/kept_expressions.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
 #include "ui/analysis/expression_line.h"
 
+#include <QEvent>
 #include <QInputDialog>
 #include <QMenu>
 
@@ -11,28 +13,32 @@ namespace busquill {
 
 namespace {
 
-/// What a menu would take for a mnemonic stays as it is.
-QString MenuText(QString text) {
-    return text.replace('&', "&&");
+/// The beginning of a text for a menu or a label, which would take "&" for a mnemonic.
+QString Shown(const QString& text) {
+    constexpr int shownCharacters = 60;
+    QString shown = text.size() > shownCharacters ? text.left(shownCharacters) + "..." : text;
+    return shown.replace('&', "&&");
 }
 
 } // namespace
 
-KeptExpressions UserExpressions() {
-    KeptExpressions kept;
-    static_cast<void>(kept.Read(KeptExpressions::UsualFile())); // without the file there are none
-    return kept;
-}
-
 KeptButton::KeptButton(ExpressionLine& line, Prompts& prompts)
     : line_(line), prompts_(prompts), menu_(new QMenu(this)) {
     setObjectName("KeptExpressions");
-    setText("&Kept");
+    setText("Kept");
     setToolTip("Expressions that are kept by name");
     setPopupMode(QToolButton::InstantPopup);
     setMenu(menu_);
     menu_->setToolTipsVisible(true);
     connect(menu_, &QMenu::aboutToShow, this, &KeptButton::Fill);
+    line_.installEventFilter(this);
+}
+
+bool KeptButton::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::EnabledChange) {
+        setEnabled(line_.isEnabled());
+    }
+    return QToolButton::eventFilter(watched, event);
 }
 
 void KeptButton::Fill() {
@@ -48,17 +54,14 @@ void KeptButton::Fill() {
     QMenu* const remove = new QMenu("&Remove", menu_);
     for (const KeptExpressions::Kept* each : kept.All()) {
         const QString use = QString::fromStdString("@" + each->name);
-        constexpr int shownCharacters = 60;
         const QString text = QString::fromStdString(each->text);
-        QAction* const action = menu_->addAction(
-            MenuText(use + "    " +
-                     (text.size() > shownCharacters ? text.left(shownCharacters) + "..." : text)),
-            this, [this, use] { line_.Give(use); });
+        QAction* const action =
+            menu_->addAction(Shown(use + "    " + text), this, [this, use] { line_.Give(use); });
         // A condition on transactions is none on samples.
-        const auto mistake = line_.Mistake(use);
+        const auto mistake = line_.Mistake(use, kept);
         action->setEnabled(!mistake);
         action->setToolTip(mistake ? QString::fromStdString(mistake->message) : text);
-        remove->addAction(MenuText(use), this, [this, name = each->name] { Remove(name); });
+        remove->addAction(Shown(use), this, [this, name = each->name] { Remove(name); });
     }
     menu_->addSeparator();
     menu_->addMenu(remove);
@@ -67,7 +70,7 @@ void KeptButton::Fill() {
 void KeptButton::AskForName() {
     QInputDialog dialog(window());
     dialog.setWindowTitle("Keep Expression");
-    dialog.setLabelText(line_.Applied() + "\n\n&Name");
+    dialog.setLabelText(Shown(line_.Applied()) + "\n\n&Name");
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }
@@ -81,23 +84,33 @@ void KeptButton::AskForName() {
 
 void KeptButton::Keep(const std::string& name) {
     KeptExpressions kept;
-    if (!kept.Read(KeptExpressions::UsualFile())) {
-        prompts_.Message(Printf("Error opening file '%s'.", KeptExpressions::UsualFile().c_str()));
+    if (!Read(kept)) {
         return;
     }
-    if (kept.Find(name) != nullptr &&
-        !prompts_.AskYesNo(Printf("Replace the expression \"%s\"?", name.c_str()))) {
-        return;
-    }
+    const bool isThere = kept.Find(name) != nullptr;
     kept.Keep(name, line_.Applied().toStdString());
-    Write(kept);
+    // One that uses itself, perhaps through others, would be of no use any more.
+    if (const auto mistake = line_.Mistake(QString::fromStdString("@" + name), kept)) {
+        prompts_.Message(mistake->message);
+    } else if (!isThere ||
+               prompts_.AskYesNo(Printf("Replace the expression \"%s\"?", name.c_str()))) {
+        Write(kept);
+    }
 }
 
 void KeptButton::Remove(const std::string& name) {
     KeptExpressions kept;
-    if (kept.Read(KeptExpressions::UsualFile()) && kept.Remove(name)) {
+    if (Read(kept) && kept.Remove(name)) {
         Write(kept);
     }
+}
+
+bool KeptButton::Read(KeptExpressions& kept) {
+    const bool isRead = kept.Read(KeptExpressions::UsualFile());
+    if (!isRead) {
+        prompts_.Message(Printf("Error opening file '%s'.", KeptExpressions::UsualFile().c_str()));
+    }
+    return isRead;
 }
 
 void KeptButton::Write(const KeptExpressions& kept) {

@@ -3,6 +3,8 @@
 #include <QFocusEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QStackedWidget>
 #include <QWheelEvent>
 
 namespace busquill {
@@ -49,6 +51,17 @@ void PanelTable::focusInEvent(QFocusEvent* event) {
 void PanelTable::wheelEvent(QWheelEvent* event) {
     QTableView::wheelEvent(event);
     event->accept();
+}
+
+void ShowEither(QStackedWidget& stack, PanelTable& table, QLabel& reason, bool hasRows) {
+    QWidget& shown = hasRows ? static_cast<QWidget&>(table) : reason;
+    QWidget& hidden = hasRows ? static_cast<QWidget&>(reason) : table;
+    const bool hadKeyboard = hidden.hasFocus();
+    reason.setFocusPolicy(Qt::StrongFocus);
+    stack.setCurrentWidget(&shown);
+    if (hadKeyboard) {
+        shown.setFocus();
+    }
 }
 
 } // namespace busquill

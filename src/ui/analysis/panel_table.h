@@ -2,10 +2,13 @@
 
 #include <QTableView>
 
+class QLabel;
+class QStackedWidget;
+
 namespace busquill {
 
-/// A table in a panel: whole rows of one line, its titles, no numbers of rows. Keys and turns of
-/// the wheel that it does not use end here.
+/// A table in a panel: whole rows of one line, its titles, no numbers of rows. Letters and
+/// turns of the wheel end here.
 class PanelTable : public QTableView {
     Q_OBJECT
 public:
@@ -19,5 +22,11 @@ protected:
     /// A table that gets the keyboard chooses no row by itself.
     void focusInEvent(QFocusEvent* event) override;
 };
+
+/// More rows would be slow to paste.
+constexpr int mostCopiedRows = 100'000;
+
+/// Shows the table, or in its place the reason why it has no rows. The keyboard goes along.
+void ShowEither(QStackedWidget& stack, PanelTable& table, QLabel& reason, bool hasRows);
 
 } // namespace busquill

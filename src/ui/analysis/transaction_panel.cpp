@@ -29,7 +29,6 @@
 #include <QSignalBlocker>
 #include <QStackedWidget>
 #include <QStyle>
-#include <QTableView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -42,8 +41,6 @@ namespace {
 
 /// Selected rows that are found again among other rows.
 constexpr std::size_t mostKeptRows = 1000;
-/// More would be slow to paste.
-constexpr int mostCopiedRows = 100'000;
 
 /// The section of the settings.
 constexpr const char* transactionSettings = "Transactions";
@@ -160,17 +157,16 @@ void TransactionPanel::MakeFilter(QVBoxLayout& layout) {
     filter_->setObjectName("TransactionFilter");
     filter_->lineEdit()->setPlaceholderText("such as: wait > 4 and end == retry");
     filter_->setToolTip("Show only transactions for which this holds");
-    filter_->SetLanguage({[this](std::string_view text) -> std::optional<ExpressionError> {
-                              const KeptExpressions kept = UserExpressions();
-                              const auto parsed =
-                                  TransactionCondition::Parse(text, FilterBus(kept));
-                              const auto* const mistake = std::get_if<ExpressionError>(&parsed);
-                              return mistake == nullptr ? std::nullopt : std::optional(*mistake);
-                          },
-                          [this](std::string_view text, std::size_t cursor) {
-                              const KeptExpressions kept = UserExpressions();
-                              return TransactionCondition::Complete(text, cursor, FilterBus(kept));
-                          }});
+    filter_->SetLanguage(
+        {[this](std::string_view text,
+                const KeptExpressions& kept) -> std::optional<ExpressionError> {
+             const auto parsed = TransactionCondition::Parse(text, FilterBus(kept));
+             const auto* const mistake = std::get_if<ExpressionError>(&parsed);
+             return mistake == nullptr ? std::nullopt : std::optional(*mistake);
+         },
+         [this](std::string_view text, std::size_t cursor, const KeptExpressions& kept) {
+             return TransactionCondition::Complete(text, cursor, FilterBus(kept));
+         }});
     filter_->installEventFilter(this);
     auto* label = new QLabel("Filter:");
     label->setBuddy(filter_);
@@ -247,6 +243,8 @@ void TransactionPanel::Show(CTesselDoc* document) {
         filter_->Show(capture.filter, capture.typed);
         RestorePlace();
         model->SetActive(isVisible());
+    } else {
+        filter_->Show({}, {});
     }
     ShowState();
 }
@@ -537,7 +535,7 @@ void TransactionPanel::ShowState() {
     const TransactionModel* const model = Model();
     const bool hasRows = model != nullptr && model->rowCount() > 0;
     reason_->setText(hasRows ? QString() : WhyEmpty());
-    stack_->setCurrentWidget(hasRows ? static_cast<QWidget*>(table_) : reason_);
+    ShowEither(*stack_, *table_, *reason_, hasRows);
     const bool isWorking = model != nullptr && model->IsWorking();
     QString summary = model == nullptr ? QString() : Summary(*model);
     if (isWorking) {
@@ -650,36 +648,17 @@ void TransactionPanel::ShowMarker() {
     }
 }
 
-/// Home and End lead to the first and the last row, and Esc back to the capture.
+/// Esc leads back to the capture.
 bool TransactionPanel::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress) {
+    if (event->type() != QEvent::KeyPress ||
+        static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape) {
         return Panel::eventFilter(watched, event);
     }
-    const auto* const key = static_cast<QKeyEvent*>(event);
-    const int rows = watched == table_ && Model() != nullptr ? Model()->rowCount() : 0;
-    switch (key->key()) {
-    case Qt::Key_Home:
-    case Qt::Key_End:
-        if (rows > 0 && key->modifiers() == Qt::NoModifier) {
-            table_->setCurrentIndex(Model()->index(key->key() == Qt::Key_Home ? 0 : rows - 1, 0));
-            return true;
-        }
-        break;
-    case Qt::Key_Escape:
-        if (auto* active = dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow())) {
-            active->window()->activateWindow(); // the dock may float
-            active->GetActiveView()->setFocus();
-        }
-        return true;
-    default:
-        // A letter would search the first column, and so work out one row after the other.
-        if (watched == table_ && key->key() != Qt::Key_Space && !key->text().isEmpty() &&
-            key->text().front().isPrint()) {
-            return true;
-        }
-        break;
+    if (auto* active = dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow())) {
+        active->window()->activateWindow(); // the dock may float
+        active->GetActiveView()->setFocus();
     }
-    return Panel::eventFilter(watched, event);
+    return true;
 }
 
 } // namespace busquill

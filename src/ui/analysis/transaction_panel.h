@@ -15,7 +15,6 @@
 
 class QLabel;
 class QStackedWidget;
-class QTableView;
 class QVBoxLayout;
 
 namespace busquill {
@@ -24,6 +23,7 @@ class CTesselDoc;
 class CTraceView;
 class ExpressionLine;
 class KeptExpressions;
+class PanelTable;
 
 /// The transactions of the active capture as a table. Choosing a row takes the windows of the
 /// capture to its first sample; marker 1 chooses the row that it stands in.
@@ -95,7 +95,7 @@ private:
 
     const FeatureParts parts_;
     QStackedWidget* stack_;
-    QTableView* table_;
+    PanelTable* table_;
     QLabel* reason_;
     QLabel* summary_;
     ExpressionLine* filter_;

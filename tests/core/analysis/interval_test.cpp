@@ -55,6 +55,23 @@ protected:
     Bits absent;
 };
 
+TEST_F(Interval, IsTheSameInPiecesOfAnySize) {
+    TakeTwoBursts();
+    for (const std::size_t from : {0U, 1U, 3U, 9U, 17U}) {
+        for (const std::size_t piece : {1U, 2U, 7U, 18U}) {
+            IntervalWalk walk(bus.board, bus.tables, from, 17, true);
+            int pieces = 0;
+            while (!walk.IsDone()) {
+                walk.Advance(Samples(), piece);
+                ++pieces;
+            }
+            walk.Advance(Samples(), piece); // there are no more
+            EXPECT_EQ(walk.Figures(), Figures(from, 17)) << from << ' ' << piece;
+            EXPECT_EQ(pieces, static_cast<int>((18 - from + piece - 1) / piece));
+        }
+    }
+}
+
 TEST_F(Interval, CountsSamplesTimeClocksTransactionsAndBytes) {
     TakeTwoBursts();
     const IntervalFigures whole = Figures(0, 17);

@@ -641,7 +641,24 @@ TEST_F(TransactionPanels, AFilterIsKeptByNameAndTakenAgain) {
     EXPECT_THAT(prompts.Texts().back(), testing::HasSubstr("Replace"));
     EXPECT_THAT(ReadWholeFile(file), testing::HasSubstr("retries: end == retry\n"));
     keepAs("retries");
-    EXPECT_EQ(ReadWholeFile(file), "retries: wait > 4\n# of samples\nfalls: FRAME falls\n");
+    const std::string kept = "retries: wait > 4\n# of samples\nfalls: FRAME falls\n";
+    EXPECT_EQ(ReadWholeFile(file), kept);
+    // Nor by one that uses itself.
+    Give("@retries");
+    keepAs("retries");
+    EXPECT_THAT(prompts.Texts().back(), testing::HasSubstr("itself"));
+    EXPECT_EQ(ReadWholeFile(file), kept);
+    // Enter applies again what may mean something else now.
+    const int rows = Rows();
+    std::ofstream(file) << "retries: end == retry\n";
+    EXPECT_EQ(Rows(), rows);
+    Give("@retries");
+    EXPECT_EQ(Rows(), 10);
+    // Without a capture there is nothing to apply one to.
+    Frame().Area().closeAllSubWindows();
+    QApplication::processEvents();
+    EXPECT_FALSE(button.isEnabled());
+    EXPECT_EQ(Filter().currentText(), "");
 }
 
 TEST_F(TransactionPanels, AFilterStaysWhenTheBusChanges) {
