@@ -147,7 +147,12 @@ int CaptureReport::End(const char* nothing) {
     output_.CloseOrDiscard(hasRows);
     SayPartlyStored();
     if (AnyRead() && !hasRows) {
-        Say(nothing);
+        const std::string& path = options_.output.path;
+        const bool isFile = !path.empty() && path != "-";
+        const bool isSentence = std::string_view(nothing).ends_with('.');
+        Say(isFile ? Printf(isSentence ? "%s %s is not written." : "%s; %s is not written", nothing,
+                            path.c_str())
+                   : nothing);
     }
     if (list_.isIncomplete || Any(Outcome::Failed)) {
         return ExitStatus::Failure;

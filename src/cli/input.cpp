@@ -136,6 +136,13 @@ void TraceInput::RequireZoom(const TraceSurvey& survey) const {
     }
 }
 
+void ReadReportedHead(TraceInput& input) {
+    input.ReadHead();
+    if (!input.Stream().HasSamples()) {
+        Say(input.Name() + " has no samples");
+    }
+}
+
 std::string SamplesAreMissing(const std::string& name) {
     return name + ": samples of the capture " + areMissing;
 }

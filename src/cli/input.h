@@ -40,6 +40,10 @@ private:
     bool cutOffReported_ = false;
 };
 
+/// Reads what precedes the samples of a capture that is reported on, and warns if there are none: a
+/// file that was cut off early looks like an empty capture.
+void ReadReportedHead(TraceInput& input);
+
 /// The warning that times and counts are too small because samples are missing.
 [[nodiscard]] std::string SamplesAreMissing(const std::string& name);
 

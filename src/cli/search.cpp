@@ -280,7 +280,7 @@ bool SearchCapture(const SearchOptions& options, const ReportedCapture& capture,
     const bool backward = options.backward;
     const auto from = options.from;
     TraceInput input(capture.path, bus.Tables());
-    input.ReadHead();
+    ReadReportedHead(input);
     SampleFilter filter(options.wanted, bus, input);
     Matches matches(options, capture, result);
     bool more = true;

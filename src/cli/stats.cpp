@@ -153,7 +153,7 @@ TraceSummary SummaryOf(const CapturesOptions& options, const ReportedCapture& ca
                        CaptureReport& report) {
     Bus bus(options.bus);
     TraceInput input(capture.path, bus.Tables());
-    input.ReadHead();
+    ReadReportedHead(input);
     TraceStats stats(bus.Board(), bus.Tables());
     std::int64_t added = 0;
     Progress progress("Counting", input.Stream().Last() - input.Stream().First() + 1,

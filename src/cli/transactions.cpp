@@ -371,7 +371,7 @@ void FollowCapture(const Options& options, CaptureReport& report, const Reported
                    Bus& bus, TransactionFollower& follower, Take take) {
     const BusTraffic& traffic = *follower.Traffic();
     TraceInput input(capture.path, bus.Tables());
-    input.ReadHead();
+    ReadReportedHead(input);
     const auto condition = ConditionOf(options, bus, traffic);
     CommandLabels labels(traffic);
     const bool hasGaps = ForEachTransaction(

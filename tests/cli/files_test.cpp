@@ -337,6 +337,17 @@ TEST_F(TraceFiles, ATruncatedFileIsReadAndReported) {
     }
 }
 
+TEST_F(TraceFiles, AFileThatEndsBeforeTheSamplesIsReportedAsEmpty) {
+    dir.Write("cut.tra", header);
+    for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
+             {"stats"}, {"transactions"}, {"search", "-p", "AD=0"}}) {
+        std::vector<std::string> words = command;
+        words.emplace_back("cut.tra");
+        EXPECT_THAT(Run(words).err, testing::StartsWith("busquill-trace: cut.tra has no samples\n"))
+            << command[0];
+    }
+}
+
 TEST_F(TraceFiles, APipeIsReadLikeStandardInput) {
     const std::string pipe = dir.File("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);

@@ -222,8 +222,10 @@ TEST_F(ManyCaptures, NothingFoundInAnyIsSaidOnce) {
     const ProgramRun noMatch =
         Run({"search", "-p", "COMMAND=Mem Rd", "--from", "1000000"}, {"year", "-o", "out"});
     EXPECT_EQ(noMatch.status, 1);
-    EXPECT_EQ(noMatch.err, "busquill-trace: No match found.\n");
+    EXPECT_EQ(noMatch.err, "busquill-trace: No match found. out is not written.\n");
     EXPECT_FALSE(std::filesystem::exists(dir.File("out")));
+    EXPECT_EQ(Run(transactions, {"year", "--where", "bytes > 100000", "-o", "out"}).err,
+              "busquill-trace: there are no such transactions; out is not written\n");
     // One is enough.
     EXPECT_EQ(Run({"search", "-p", "COMMAND=Mem Rd", "--from", "5000"}, {"year"}).status, 0);
 }

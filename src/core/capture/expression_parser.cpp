@@ -389,12 +389,25 @@ private:
         }
     }
 
+    void FailWithoutSign(const ExpressionName& name) {
+        const std::size_t place = reader_.Place();
+        if (reader_.TakeSign("=")) {
+            reader_.Fail("= is written ==", place);
+            return;
+        }
+        const char* const edges = name.edges == ExpressionName::Edges::All
+                                      ? ", rises, falls, changes"
+                                  : name.edges == ExpressionName::Edges::Changes ? ", changes"
+                                                                                 : "";
+        reader_.Fail(Printf("expected ==, !=, <, <=, >, >=%s or in", edges));
+    }
+
     void NumberComparison(Test test) {
         constexpr std::array<std::string_view, 6> signs = {"==", "!=", "<=", ">=", "<", ">"};
         const auto sign =
             std::ranges::find_if(signs, [&](auto each) { return reader_.TakeSign(each); });
         if (sign == signs.end()) {
-            reader_.Fail("expected ==, !=, <, <=, >, >= or in");
+            FailWithoutSign(test.name);
             return;
         }
         if (*sign == "==" || *sign == "!=") {

@@ -41,9 +41,14 @@ bool KeptExpressions::Read(const std::filesystem::path& file) {
         return false;
     }
     while (const auto line = reader.ReadLine()) {
-        const std::size_t colon = std::min(line->find(':'), line->size());
-        const std::string_view name = Trim(line->substr(0, colon));
-        const std::string_view text = Trim(line->substr(std::min(colon + 1, line->size())));
+        std::string_view read = *line;
+        constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF"; // of some editors
+        if (lines_.empty() && read.starts_with(byteOrderMark)) {
+            read.remove_prefix(byteOrderMark.size());
+        }
+        const std::size_t colon = std::min(read.find(':'), read.size());
+        const std::string_view name = Trim(read.substr(0, colon));
+        const std::string_view text = Trim(read.substr(std::min(colon + 1, read.size())));
         if (IsName(name) && !text.empty() && Find(name) == nullptr) {
             lines_.push_back({std::string(name), std::string(text)});
         } else {

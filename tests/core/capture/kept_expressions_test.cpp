@@ -63,6 +63,15 @@ TEST_F(KeptExpressionsFile, KeepsWhatTheUserWroteAroundThem) {
                          "empty:\nmore: bytes > 4\n");
 }
 
+TEST_F(KeptExpressionsFile, MayBeginWithTheMarkThatSomeEditorsWrite) {
+    std::filesystem::create_directories(file.parent_path());
+    Fill("\xEF\xBB\xBFslow: wait > 8\nmore: bytes > 4\n");
+    KeptExpressions kept;
+    ASSERT_TRUE(kept.Read(file));
+    EXPECT_THAT(kept.Names(), ElementsAre("@slow", "@more"));
+    EXPECT_THAT(kept.WrongLines(), IsEmpty());
+}
+
 TEST_F(KeptExpressionsFile, MayBeMissingButNotUnreadable) {
     KeptExpressions kept;
     kept.Keep("slow", "wait > 8");

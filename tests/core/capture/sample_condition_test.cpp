@@ -570,7 +570,9 @@ TEST_F(SampleConditions, SayWhatIsWrongAndWhere) {
              Case{"FRAME == 0.5", 9, "FRAME is a whole number"},
              Case{"sample > 1F", 9, "a hexadecimal number begins with 0x"},
              Case{"AD == FEBG", 6, "expected a hexadecimal number"},
-             Case{"AD", 2, "expected ==, !=, <, <=, >, >= or in"},
+             Case{"AD", 2, "expected ==, !=, <, <=, >, >=, changes or in"},
+             Case{"FRAME", 5, "expected ==, !=, <, <=, >, >=, rises, falls, changes or in"},
+             Case{"FRAME = 0", 6, "= is written =="},
              Case{"and", 0, "expected a signal"},
              Case{"FRAME falls IRDY rises", 12, "expected \"and\" or \"or\""},
          }) {
