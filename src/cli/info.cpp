@@ -53,13 +53,27 @@ std::vector<std::string> BookmarkWords(const Bookmarks& bookmarks, const TraceSu
         std::string text = Printf("%lld", static_cast<long long>(number)) +
                            (isInside ? "" : " (not in the capture)") + (note.empty() ? "" : ": ") +
                            note;
-        std::ranges::replace(text, '\n', ' ');
+        // A note may come with the capture of somebody else: nothing in it is for the terminal.
+        std::ranges::replace_if(
+            text, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
         words.push_back(std::move(text));
     }
     return words;
 }
 
-std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
+/// Those beside a file; a stream has none.
+Bookmarks BookmarksOf(const std::string& path) {
+    if (path == "-") {
+        return {};
+    }
+    BookmarkFile file = ReadBookmarks(BookmarkPathOf(path));
+    if (!file.failure.empty()) {
+        Say(BookmarkPathOf(path) + ": " + file.failure);
+    }
+    return std::move(file.bookmarks);
+}
+
+std::vector<Fact> FactsOf(TraceInput& input, const std::string& path, const Bus& bus) {
     const TraceSurvey survey = input.Survey();
     const TraceStream& stream = input.Stream();
     std::vector<Fact> facts = {TextFact("File", "file", input.Name()),
@@ -82,12 +96,8 @@ std::vector<Fact> FactsOf(TraceInput& input, const Bus& bus) {
     facts.push_back(TextFact("Lists", "lists", ListWords(stream)));
     facts.push_back(TextFact("Power Zoom", "powerZoom",
                              survey.hasZoom ? Printf("%u samples", zoomSampleCount) : "none"));
-    const BookmarkFile file = ReadBookmarks(BookmarkPathOf(input.Name()));
-    if (!file.failure.empty()) {
-        Say(BookmarkPathOf(input.Name()) + ": " + file.failure);
-    }
-    if (!file.bookmarks.empty()) {
-        facts.push_back(ListFact("Bookmarks", "bookmarks", BookmarkWords(file.bookmarks, survey)));
+    if (const Bookmarks bookmarks = BookmarksOf(path); !bookmarks.empty()) {
+        facts.push_back(ListFact("Bookmarks", "bookmarks", BookmarkWords(bookmarks, survey)));
     }
     return facts;
 }
@@ -104,7 +114,7 @@ int Run(const Options& options) {
         std::vector<Fact> facts;
         try {
             TraceInput input(path, bus.Tables());
-            facts = FactsOf(input, bus);
+            facts = FactsOf(input, path, bus);
         } catch (const ExitRequest& request) {
             // Continues with the other files.
             Say(request.message);

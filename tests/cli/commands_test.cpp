@@ -90,6 +90,8 @@ TEST_F(TraceCommands, InfoListsBookmarks) {
                                    "                   5 (not in the capture): far\n"));
     EXPECT_THAT(Run({"info", "--json", "small.tra"}).out,
                 HasSubstr("\"bookmarks\": [\"-2: idle for long\", \"4\", "));
+    dir.Write("small.tra.bookmarks", "Busquill bookmarks 1\n4\tred\x1B[31m\x7F!\n");
+    EXPECT_THAT(Run({"info", "small.tra"}).out, EndsWith("Bookmarks:         4: red [31m !\n"));
     dir.Write("small.tra.bookmarks", "Busquill bookmarks 1\n4\t\nodd\n");
     const ProgramRun odd = Run({"info", "small.tra"});
     EXPECT_THAT(odd.out, EndsWith("Bookmarks:         4\n"));

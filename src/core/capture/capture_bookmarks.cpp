@@ -18,23 +18,26 @@ std::string NotUnderstood(const std::string& path, const char* outcome,
 
 void CaptureBookmarks::Open(const std::string& capture) {
     capture_ = capture;
-    if (const std::string failure = Read(); !failure.empty()) {
+    BookmarkFile file = ReadBookmarks(Path());
+    all_ = std::move(file.bookmarks);
+    isInFile_ = true;
+    if (!file.failure.empty()) {
         prompts_.Message(NotUnderstood(
             Path(),
             "The bookmarks are shown as far as they are understood. They cannot be changed.",
-            failure));
+            file.failure));
     }
 }
 
 void CaptureBookmarks::Renew() {
-    static_cast<void>(Read()); // what is wrong has been reported by the other window
-}
-
-std::string CaptureBookmarks::Read() {
+    // Those that could not be written are in this window only.
+    if (!isInFile_) {
+        return;
+    }
     BookmarkFile file = ReadBookmarks(Path());
-    all_ = std::move(file.bookmarks);
-    isInFile_ = true;
-    return file.failure;
+    if (file.failure.empty()) { // otherwise reported by the other window
+        all_ = std::move(file.bookmarks);
+    }
 }
 
 bool CaptureBookmarks::Set(std::int64_t number, std::optional<std::string> note) {

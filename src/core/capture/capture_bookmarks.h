@@ -20,6 +20,9 @@ public:
 
     [[nodiscard]] const Bookmarks& All() const noexcept { return all_; }
 
+    /// Whether the file beside the capture has them.
+    [[nodiscard]] bool AreInFile() const noexcept { return isInFile_; }
+
     /// Reads those of a capture's file, and reports what is wrong with them.
     void Open(const std::string& capture);
     /// Reads them again after another window has changed them.
@@ -36,8 +39,6 @@ public:
 
 private:
     [[nodiscard]] std::string Path() const { return BookmarkPathOf(capture_); }
-    /// Takes those in the file. What is wrong with it, or an empty text.
-    [[nodiscard]] std::string Read();
     bool Write(const std::string& path, const Bookmarks& bookmarks);
 
     Prompts& prompts_;

@@ -91,6 +91,9 @@ void CTesselDoc::OnSaved(const std::string& path) {
     if (isRealTime_) {
         CDocument::OnSaved(path);
         bookmarks_.SetFile(path);
+        if (!bookmarks_.AreInFile()) {
+            SetModifiedFlag(); // its notes are not saved
+        }
     }
 }
 
@@ -350,15 +353,17 @@ std::optional<std::int64_t> CTesselDoc::SampleNumbered(std::int64_t number) cons
 
 std::optional<std::int64_t> CTesselDoc::BookmarkBeside(std::int64_t number, bool forward) const {
     const Bookmarks& all = bookmarks_.All();
-    const std::int64_t first = FirstSampleNumber(false);
-    const std::int64_t last = first + SampleCount(false) - 1;
+    const auto isShown = [this](const auto& bookmark) {
+        const auto sample = SampleNumbered(bookmark.first);
+        return sample && IsRowSample(*sample, false);
+    };
     if (forward) {
-        const auto next = all.upper_bound(std::max(number, first - 1));
-        return next != all.end() && next->first <= last ? std::optional(next->first) : std::nullopt;
+        const auto next = std::find_if(all.upper_bound(number), all.end(), isShown);
+        return next != all.end() ? std::optional(next->first) : std::nullopt;
     }
-    auto previous = all.lower_bound(std::min(number, last + 1));
-    return previous != all.begin() && (--previous)->first >= first ? std::optional(previous->first)
-                                                                   : std::nullopt;
+    const auto previous =
+        std::find_if(std::reverse_iterator(all.lower_bound(number)), all.rend(), isShown);
+    return previous != all.rend() ? std::optional(previous->first) : std::nullopt;
 }
 
 void CTesselDoc::GoToBookmark(std::int64_t number) {

@@ -17,8 +17,9 @@ BookmarkDialog::BookmarkDialog(QWidget* parent, std::int64_t number,
     SetHelpPage(*this, "bookmarks.md");
     constexpr int shownCharacters = 48;
     note_->setMinimumWidth(note_->fontMetrics().averageCharWidth() * shownCharacters);
-    note_->setMaxLength(longestTypedNote);
-    note_->setText(QString::fromStdString(note.value_or("")));
+    const QString old = QString::fromStdString(note.value_or(""));
+    note_->setMaxLength(LongestTypedNote(old));
+    note_->setText(old);
     note_->selectAll();
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     auto* layout = new QFormLayout(this);

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -10,8 +11,12 @@ class QLineEdit;
 
 namespace busquill {
 
-/// The longest note that can be typed, in characters; it fits in the file in any script.
-constexpr int longestTypedNote = 1000;
+/// The longest note that can be typed in place of another, in characters; it fits in the file in
+/// any script. One that was longer, as it may be in the file, is not cut.
+[[nodiscard]] inline int LongestTypedNote(const QString& old) {
+    constexpr int longest = 1000;
+    return std::max(longest, static_cast<int>(old.size()));
+}
 
 /// Asks for the note of a sample.
 class BookmarkDialog final : public QDialog {

@@ -36,7 +36,7 @@ public:
                           const QModelIndex& index) const override {
         QWidget* const editor = QStyledItemDelegate::createEditor(parent, option, index);
         if (auto* field = qobject_cast<QLineEdit*>(editor)) {
-            field->setMaxLength(longestTypedNote);
+            field->setMaxLength(LongestTypedNote(index.data(Qt::EditRole).toString()));
         }
         return editor;
     }
@@ -124,7 +124,7 @@ void BookmarkPanel::Show(CTraceView* view) {
     model_->Show(view);
     document_ = document;
     const auto last = document == nullptr ? std::nullopt : document->LastBookmark();
-    if (last && last != last_ && model_->rowCount() > 0) {
+    if (last && (!isSame || last != last_) && model_->rowCount() > 0) {
         ChooseRow(model_->RowOf(*last), true);
     } else if (chosen && !table_->currentIndex().isValid() && model_->rowCount() > 0) {
         table_->verticalScrollBar()->setValue(top);
@@ -163,7 +163,7 @@ QString BookmarkPanel::NoteOf(const CTraceView* view) const {
     }
     if (const int outside = model_->CountOutside(); outside > 0 && !view->Trace().CaptureActive()) {
         return QString("%1 of %2 bookmarks are about samples that the capture does not have. They "
-                       "stay in the file.")
+                       "are kept.")
             .arg(outside)
             .arg(model_->rowCount());
     }
@@ -284,6 +284,9 @@ void BookmarkPanel::OpenMenu(const QPoint& place) {
 
 /// Whether a key in the table has been dealt with.
 bool BookmarkPanel::KeyPressed(const QKeyEvent& key) {
+    if (key.modifiers() != Qt::NoModifier) {
+        return false; // Ctrl+F2 at the last bookmark edits nothing
+    }
     switch (key.key()) {
     case Qt::Key_F2:
         EditNote();

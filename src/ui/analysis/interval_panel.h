@@ -23,6 +23,17 @@ class CSignalList;
 class CTesselDoc;
 class CTraceView;
 
+/// The figures of an interval in the making.
+struct IntervalCount {
+    std::vector<std::uint32_t> absent;
+    std::optional<IntervalWalk> walk; // of samples of the bus
+    std::size_t next = 0;             // the first sample whose edges are not counted
+    std::vector<const CSignal*> counted;
+    std::vector<EdgeCount> edges;
+    int currentLine = -1; // of the table, before they are shown
+    bool isSelected = false;
+};
+
 /// What lies between the markers of the active capture.
 class IntervalPanel final : public Panel {
     Q_OBJECT
@@ -49,16 +60,6 @@ private:
 
         friend bool operator==(const Source&, const Source&) = default;
     };
-    /// Figures in the making.
-    struct Count {
-        std::vector<std::uint32_t> absent;
-        std::optional<IntervalWalk> walk; // of samples of the bus
-        std::size_t next = 0;             // the first sample whose edges are not counted
-        std::vector<const CSignal*> counted;
-        std::vector<EdgeCount> edges;
-        int currentLine = -1; // of the table, before they are shown
-        bool isSelected = false;
-    };
 
     /// Why there are no figures; empty if there are.
     [[nodiscard]] QString WhyEmpty(const CTraceView* view) const;
@@ -82,8 +83,8 @@ private:
     QTableWidget* table_;
     QLabel* note_; // below the figures, or instead of them
     std::optional<Source> source_;
-    BoardTraits board_;          // of the figures
-    std::optional<Count> count_; // nothing when the figures are shown
+    BoardTraits board_;                  // of the figures
+    std::optional<IntervalCount> count_; // nothing when the figures are shown
     QTimer work_;
 };
 

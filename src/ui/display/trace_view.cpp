@@ -233,7 +233,8 @@ void CTraceView::PutMarker(int which) {
 
 std::int64_t CTraceView::CurrentSample() const {
     const std::int64_t marker = Trace().Marker(1, isZoom_);
-    return marker != -1 && Shows(marker) ? marker : MiddleSample();
+    const bool isSeen = marker != -1 && Shows(marker) && Trace().IsRowSample(marker, isZoom_);
+    return isSeen ? marker : MiddleSample();
 }
 
 std::optional<std::int64_t> CTraceView::BookmarkBeside(bool forward) const {

@@ -210,7 +210,10 @@ TEST_F(BookmarksOfADocument, ThatCouldNotBeSavedAreNotForgottenByTheNextChange) 
     live.SetBookmark(2, "live");
     dir.Write("live.tra.bookmarks", "my own notes\n");
     ASSERT_TRUE(Save(live, "live.tra"));
+    EXPECT_TRUE(live.IsModified()) << "else the note would be lost without a word";
     std::filesystem::remove(dir.File("live.tra.bookmarks"));
+    live.RenewBookmarks(); // after a change in another window of the file
+    EXPECT_EQ(live.GetBookmarks(), (Bookmarks{{2, "live"}}));
     EXPECT_TRUE(live.SetBookmark(3, "next"));
     EXPECT_EQ(InFile("live.tra"), (Bookmarks{{2, "live"}, {3, "next"}}));
 }

@@ -2,6 +2,7 @@
 // files.
 
 #include "capture/trace_document.h"
+#include "platform/bits.h"
 #include "support/program_fixture_qt.h"
 #include "support/save_trace_qt.h"
 #include "ui/analysis/bookmark_dialog.h"
@@ -261,6 +262,53 @@ TEST_F(BookmarkPanels, NextAndPreviousGoFromOneToTheOther) {
     EXPECT_TRUE(view.hasFocus());
 }
 
+TEST_F(BookmarkPanels, NextPassesThoseThatAFilterHides) {
+    WriteBeside("Trigger2.tra", {{-300, "a"}, {-299, "b"}, {600, "c"}});
+    CChildFrame& frame = Open("Trigger2.tra");
+    CTesselDoc& trace = frame.Trace();
+    const auto first = static_cast<std::size_t>(trace.SampleNumbered(-300).value());
+    std::vector<std::uint32_t> shown((static_cast<std::size_t>(trace.SampleCount(false)) + 31) /
+                                     32);
+    SetBit(shown, first);
+    SetBit(shown, first + 200);
+    trace.ApplyFilter("a few", shown, 0);
+    EXPECT_EQ(trace.BookmarkBeside(-400, true), -300);
+    EXPECT_EQ(trace.BookmarkBeside(-300, true), std::nullopt);
+    EXPECT_EQ(trace.BookmarkBeside(700, false), -300);
+    // Marker 1 is hidden too.
+    trace.SetMarker(1, static_cast<std::int64_t>(first) + 100);
+    EXPECT_TRUE(trace.IsRowSample(frame.TraceView().CurrentSample(), false));
+}
+
+TEST_F(BookmarkPanels, ALongNoteIsNotCutByALook) {
+    const std::string note(3000, 'x');
+    WriteBeside("Trigger2.tra", {{-300, note}, {0, "b"}});
+    CChildFrame& frame = Open("Trigger2.tra");
+    OpenPanel();
+    ClickRow(0);
+    QTest::keyClick(&Table(), Qt::Key_F2);
+    QTest::keyClick(Table().findChild<QLineEdit*>(), Qt::Key_Return);
+    Settle();
+    EXPECT_EQ(InFile()[-300], note);
+    frame.Trace().SetMarker(1, frame.Trace().SampleNumbered(-300).value());
+    Settle();
+    AnswerDialog<BookmarkDialog>([&] { Choose("Analyze/Add Bookmark..."); },
+                                 [](BookmarkDialog& dialog) { Press(dialog, "OK"); });
+    EXPECT_EQ(InFile()[-300], note);
+}
+
+TEST_F(BookmarkPanels, TheKeyForTheNextOneDoesNotEditTheLastOne) {
+    WriteBeside("Trigger2.tra", {{-300, "a"}, {0, "b"}});
+    Open("Trigger2.tra");
+    OpenPanel();
+    ClickRow(1);
+    QTest::keyClick(&Table(), Qt::Key_F2, Qt::ControlModifier);
+    QTest::keyClick(&Table(), Qt::Key_Delete, Qt::ControlModifier);
+    Settle();
+    EXPECT_EQ(Table().findChild<QLineEdit*>(), nullptr);
+    EXPECT_EQ(InFile().size(), 2U);
+}
+
 TEST_F(BookmarkPanels, NotesAreChangedInTheTable) {
     WriteBeside("Trigger2.tra", {{-300, "a"}, {0, "b"}});
     Open("Trigger2.tra");
@@ -425,8 +473,8 @@ TEST_F(BookmarkPanels, OfSamplesThatTheCaptureDoesNotHaveAreKeptAndTold) {
     WriteBeside("Trigger2.tra", {{-300, "a"}, {5000000, "far"}});
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
-    EXPECT_EQ(Note(), "1 of 2 bookmarks are about samples that the capture does not have. They "
-                      "stay in the file.");
+    EXPECT_EQ(Note(),
+              "1 of 2 bookmarks are about samples that the capture does not have. They are kept.");
     EXPECT_EQ(Cell(1, 1), "not in the capture");
     const std::int64_t top = frame.TraceView().TopSample();
     ClickRow(1);
