@@ -97,9 +97,18 @@ QVariant BookmarkModel::data(const QModelIndex& index, int role) const {
 }
 
 QVariant BookmarkModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    return orientation == Qt::Horizontal && role == Qt::DisplayRole
-               ? columnTitles[static_cast<std::size_t>(section)]
-               : QVariant();
+    if (orientation != Qt::Horizontal) {
+        return {};
+    }
+    switch (role) {
+    case Qt::DisplayRole:
+        return columnTitles[static_cast<std::size_t>(section)];
+    case Qt::TextAlignmentRole: // as its cells
+        return static_cast<int>((section == Note ? Qt::AlignLeft : Qt::AlignRight) |
+                                Qt::AlignVCenter);
+    default:
+        return {};
+    }
 }
 
 Qt::ItemFlags BookmarkModel::flags(const QModelIndex& index) const {
