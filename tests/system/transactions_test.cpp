@@ -113,7 +113,7 @@ TEST_P(GeneratedTransactions, AreFoundAsTheyWereMade) {
     }
     EXPECT_FALSE(ends.contains("unknown"));
     if (GetParam().bus.back().starts_with("VME")) {
-        EXPECT_GT(CountBy(wanted, commandCell)["A32 NON PRVL DATA RMW"], 10);
+        EXPECT_GT(CountBy(wanted, commandCell)["A32 NON PRVL DATA RMW"], samples / 20000);
         EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "retry", ""), 10) << "inside the address";
         EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "bus-error", ""), 10);
     }

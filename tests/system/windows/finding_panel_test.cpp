@@ -124,6 +124,24 @@ TEST_F(FindingUploads, TheListFillsWhileSamplesArriveAndKeepsItsPlace) {
     EXPECT_EQ(Table().currentIndex().row(), -1);
 }
 
+TEST_F(FindingUploads, ARunForgetsTheChosenRow) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    OpenList();
+    Give("sample in -9..9"); // the next run has the same rows
+    Go();
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(IsDone());
+    Table().setCurrentIndex(Table().model()->index(1, 0));
+    Go();
+    EXPECT_EQ(Rows(), 0);
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(IsDone());
+    EXPECT_GT(Rows(), 1);
+    EXPECT_FALSE(Table().currentIndex().isValid()) << "that row was of the run before";
+    EXPECT_FALSE(Table().selectionModel()->hasSelection());
+}
+
 TEST_F(FindingUploads, AHiddenListSearchesWhenItIsShown) {
     Connect({"--buffer", "4"});
     OpenFrame("State");

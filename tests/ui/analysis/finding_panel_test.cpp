@@ -31,6 +31,9 @@
 #include <QtTest/QTest>
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <fstream>
+
 namespace busquill::test {
 namespace {
 
@@ -474,6 +477,29 @@ TEST_F(FindingPanels, TheFilterFollowsTheExpression) {
     EXPECT_FALSE(Entry("Analyze/Show Only Hits").isEnabled());
 }
 
+TEST_F(FindingPanels, AnExpressionKeptByNameIsSearchedAgainWhenItHasChanged) {
+    const std::string file = dir.File("busquill/expressions.txt");
+    std::filesystem::create_directories(dir.File("busquill"));
+    std::ofstream(file) << "mine: sample in 0..5\n";
+    const CTesselDoc& document = Open("Trigger2.tra").Trace();
+    OpenPanel();
+    Give("@mine");
+    EXPECT_EQ(Model().HitCount(), 6U);
+    Choose("Analyze/Show Only Hits");
+    EXPECT_EQ(document.RowCount(false), 6);
+    std::ofstream(file) << "mine: sample in 0..9\n";
+    QTest::keyClick(&Line(), Qt::Key_Return);
+    ASSERT_TRUE(Settled());
+    EXPECT_EQ(Model().HitCount(), 10U);
+    EXPECT_EQ(document.RowCount(false), 10);
+    // Another window in between is enough.
+    std::ofstream(file) << "mine: sample in 0..2\n";
+    QMdiSubWindow* const first = Frame().Area().activeSubWindow();
+    Open("Trigger1.tra");
+    Activate(*first);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return document.RowCount(false) == 3; }));
+}
+
 TEST_F(FindingPanels, TheDialogOfTheFilterRemovesItToo) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
@@ -683,7 +709,7 @@ TEST_F(FindingModels, SearchOnlyWhileActive) {
     EXPECT_EQ(model.rowCount(), 0) << "nothing old is shown";
 }
 
-TEST_F(FindingModels, SamplesThatAFileLeavesOutHaveNoTimeBehindThem) {
+TEST_F(FindingModels, SamplesAfterThoseThatAFileLeavesOutHaveNoTime) {
     std::string text =
         "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n\"Trace Data\",-2,4\n";
     for (const int i : {-2, -1, 0, 1, 3, 4}) {
