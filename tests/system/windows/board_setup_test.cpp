@@ -120,7 +120,7 @@ TEST_F(BoardAndDialogs, ABoardThatWasPulledOutIsFoundAgainThroughTheDialog) {
 }
 
 TEST_F(BoardAndDialogs, ACaptureGoesOnWhenThePortIsOpenedAgain) {
-    Connect({"--buffer", "4", "--rate", "2000"});
+    Connect({"--buffer", "4", "--rate", "700"});
     OpenFrame("State");
     ChooseSetup("Read after 100 writes");
     Go();
