@@ -18,7 +18,7 @@ struct ExpressionNumber {
     std::uint64_t value = 0;
     std::uint64_t known = ~std::uint64_t{0}; // bits that are not X
     std::size_t writtenBits = 0;
-    std::size_t decimals = 0;    // the last digits of the value, behind the point
+    std::size_t decimals = 0;    // the last digits of the value, after the point
     std::uint64_t lastDigit = 1; // what it is worth: of 1.50us, 10 ns
     std::uint64_t base = 10;
     bool isNegative = false;

@@ -94,8 +94,8 @@ std::size_t ParsePlainRowAt(const char* text, std::size_t length, SampleRows& ro
     if (digits - 1 >= maxNumberDigits || comma < 2 || text[comma] != ',') {
         return 0;
     }
-    // Half of the fields fit 64 bits, wherever they begin. Loops of a fixed length are foreseen
-    // by the processor, others are not.
+    // Half of the fields fit 64 bits, wherever they begin. A loop of a fixed length costs no wrong
+    // predictions of its end.
     constexpr std::size_t half = recordBytes / 2;
     static_assert(recordBytes == 2 * half && half * 4 <= 64);
     SampleRecord record;

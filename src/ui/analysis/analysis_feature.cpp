@@ -49,7 +49,7 @@ void AddBookmark(const QMdiArea& area) {
 }
 
 /// Puts a panel into a dock of the main window, which a command shows or hides. A panel that is
-/// behind another one is brought to the front.
+/// covered by another one is brought to the front.
 void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const char* title,
               Panel* panel) {
     auto* window = qobject_cast<QMainWindow*>(parts.area.window());

@@ -57,7 +57,7 @@ void KeptButton::Fill() {
         const QString text = QString::fromStdString(each->text);
         QAction* const action =
             menu_->addAction(Shown(use + "    " + text), this, [this, use] { line_.Give(use); });
-        // A condition on transactions is none on samples.
+        // A condition on transactions cannot be used for samples.
         const auto mistake = line_.Mistake(use, kept);
         action->setEnabled(!mistake);
         action->setToolTip(mistake ? QString::fromStdString(mistake->message) : text);
