@@ -15,6 +15,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace busquill::cli {
@@ -122,9 +123,22 @@ TraceSurvey TraceInput::Survey() {
     return survey;
 }
 
+void TraceInput::ReadAhead() {
+    WarnIfCutOff(stream_.CutOff());
+    try {
+        ahead_.emplace([this] { return stream_.NextRows(); });
+    } catch (const std::system_error&) {
+        // The system has no more threads: this one reads.
+    }
+}
+
 const SampleRows* TraceInput::NextRows() {
     EndIfInterrupted();
-    const SampleRows* rows = stream_.NextRows();
+    const SampleRows* rows = ahead_ ? ahead_->Next() : stream_.NextRows();
+    if (ahead_ && rows != nullptr) {
+        return rows;
+    }
+    ahead_.reset();
     WarnIfCutOff(stream_.CutOff());
     Check(stream_.Wrong());
     return rows;

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "capture/trace_stream.h"
+#include "cli/rows_ahead.h"
 
+#include <optional>
 #include <string>
 
 namespace busquill::cli {
@@ -25,6 +27,9 @@ public:
     [[nodiscard]] TraceSurvey Survey();
     /// Throws ExitRequest if there are no Power Zoom samples.
     void RequireZoom(const TraceSurvey& survey) const;
+    /// From now on NextRows returns what a second thread has read meanwhile. Until it returns null
+    /// the stream is not to be used. Worth it where a command works long on each sample.
+    void ReadAhead();
     [[nodiscard]] const SampleRows* NextRows();
     /// Copies the file's bytes from one offset to another, at most to its end; returns how many.
     /// Afterwards the stream has no position: call ReadHead next.
@@ -37,6 +42,7 @@ private:
     std::string name_;
     TextReader file_;
     TraceStream stream_;
+    std::optional<RowsAhead> ahead_; // reads the stream
     bool cutOffReported_ = false;
 };
 

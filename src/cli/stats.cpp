@@ -155,15 +155,19 @@ TraceSummary SummaryOf(const CapturesOptions& options, const ReportedCapture& ca
     TraceInput input(capture.path, bus.Tables());
     ReadReportedHead(input);
     TraceStats stats(bus.Board(), bus.Tables());
+    const std::int64_t first = input.Stream().First();
+    const std::int64_t announced = input.Stream().Last() - first + 1;
     std::int64_t added = 0;
-    Progress progress("Counting", input.Stream().Last() - input.Stream().First() + 1,
-                      capture.isAlone);
+    Progress progress("Counting", announced, capture.isAlone);
+    if (capture.isAlone) { // many captures have their threads
+        input.ReadAhead();
+    }
     while (const SampleRows* rows = input.NextRows()) {
         stats.Add(*rows);
         added += static_cast<std::int64_t>(rows->Size());
-        progress.At(rows->numbers.back() - input.Stream().First());
+        progress.At(rows->numbers.back() - first);
     }
-    if (added < input.Stream().Last() - input.Stream().First() + 1) {
+    if (added < announced) {
         Say(SamplesAreMissing(input.Name()));
     }
     if (!StoresAll(input.Stream().setup)) {

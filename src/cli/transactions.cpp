@@ -326,10 +326,13 @@ nlohmann::ordered_json SummaryAsJson(const TransactionTotals& totals, const BusT
 /// Calls `take` with each transaction that begins in the range, and whether samples are missing.
 template <typename Take>
 bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const NumberRange& range,
-                        bool showsProgress, Take take) {
+                        bool isAlone, Take take) {
     const std::int64_t first = input.Stream().First();
     const std::int64_t last = input.Stream().Last();
-    Progress progress("Following", last - first + 1, showsProgress);
+    Progress progress("Following", last - first + 1, isAlone);
+    if (isAlone) { // many captures have their threads
+        input.ReadAhead();
+    }
     std::int64_t next = first; // the sample that follows those so far
     bool hasGaps = false;
     while (const SampleRows* rows = input.NextRows()) {
@@ -373,6 +376,7 @@ void FollowCapture(const Options& options, CaptureReport& report, const Reported
     TraceInput input(capture.path, bus.Tables());
     ReadReportedHead(input);
     const auto condition = ConditionOf(options, bus, traffic);
+    const bool storesAll = StoresAll(input.Stream().setup);
     CommandLabels labels(traffic);
     const bool hasGaps = ForEachTransaction(
         input, follower, options.range, capture.isAlone, [&](const Transaction& each) {
@@ -380,7 +384,7 @@ void FollowCapture(const Options& options, CaptureReport& report, const Reported
                 take(each);
             }
         });
-    if (!StoresAll(input.Stream().setup)) {
+    if (!storesAll) {
         report.NotePartlyStored(capture);
     }
     if (hasGaps) {

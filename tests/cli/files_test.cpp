@@ -337,6 +337,16 @@ TEST_F(TraceFiles, ATruncatedFileIsReadAndReported) {
     }
 }
 
+TEST_F(TraceFiles, SumsOfATruncatedFileSayThatSamplesAreMissing) {
+    dir.Write("cut.tra", header + "\"Trace Data\",0,9\n0" + zeros + "1" + zeros + "2,0,0");
+    for (const char* const command : {"stats", "transactions"}) {
+        const ProgramRun run = Run({command, "cut.tra"});
+        EXPECT_THAT(run.err, HasSubstr("busquill-trace: cut.tra ends before its samples do\n"))
+            << command;
+        EXPECT_THAT(run.err, HasSubstr("cut.tra: samples of the capture are missing")) << command;
+    }
+}
+
 TEST_F(TraceFiles, AFileThatEndsBeforeTheSamplesIsReportedAsEmpty) {
     dir.Write("cut.tra", header);
     for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
