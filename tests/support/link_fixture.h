@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <functional>
 #include <future>
 
 namespace busquill::test {
@@ -148,6 +149,9 @@ protected:
 
     std::unique_ptr<SerialPort> OpenScripted(const std::string& device) {
         openedDevices.push_back(device);
+        if (whenPortOpens) {
+            whenPortOpens();
+        }
         if (!portOpens) {
             errno = openError;
             return nullptr;
@@ -164,6 +168,7 @@ protected:
     ScriptedUsb usb;
     bool portOpens = true;
     int openError = ENOENT; // when it does not open
+    std::function<void()> whenPortOpens;
     std::vector<std::string> openedDevices;
     std::unique_ptr<Analyzer> analyzer; // destroyed first: its threads use the others
     CAnalyzerLink* link;

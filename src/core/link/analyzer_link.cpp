@@ -101,6 +101,7 @@ void CAnalyzerLink::Pause(std::chrono::milliseconds pause) {
 }
 
 bool CAnalyzerLink::Open(const PortSetting& port) {
+    queue_->AwaitPort();
     ClosePort();
     board_.ForgetBoard();
     conditions_.actualBaud = 0;
@@ -228,12 +229,19 @@ void CAnalyzerLink::Connect(const PortSetting& port, int targetBaud) {
 
 void CAnalyzerLink::Issue(LinkPhase phase, LinkRequestPtr request) {
     conditions_.linkPhase = phase;
-    request->completion = [this](const LinkRequestPtr& done) { OnLinkOperationDone(done->result); };
+    // The monitor of a capture polls while the main thread opens a port again; neither may take the
+    // other's reply for its own.
+    const bool isPoll = phase == PhaseLiveStatus;
+    if (!isPoll) {
+        mainThreadPhase_ = phase;
+    }
+    request->completion = [this, isPoll](const LinkRequestPtr& done) {
+        OnLinkOperationDone(isPoll ? PhaseLiveStatus : mainThreadPhase_.load(), done->result);
+    };
     queue_->Submit(std::move(request));
 }
 
-void CAnalyzerLink::OnLinkOperationDone(std::int32_t result) {
-    const LinkPhase phase = conditions_.linkPhase;
+void CAnalyzerLink::OnLinkOperationDone(LinkPhase phase, std::int32_t result) {
     if (result == LinkOk) {
         if (phase == PhaseIdentify) {
             board_.SetIdentity(queue_->CopyOf(statusBlock_));

@@ -131,11 +131,13 @@ private:
     void FallIntoDemoMode(const std::string& hint);
 
     void Issue(LinkPhase phase, LinkRequestPtr request);
-    void OnLinkOperationDone(std::int32_t result);
+    void OnLinkOperationDone(LinkPhase phase, std::int32_t result);
 
     const Services services_;
     BoardState board_;
     LinkConditions conditions_;
+    /// The last operation of the main thread, which has one at a time: all but the polls.
+    std::atomic<LinkPhase> mainThreadPhase_ = PhaseNone;
     std::function<void()> familyListener_; // main thread
     GiveUp giveUp_;                        // main thread
 

@@ -100,13 +100,17 @@ bool RequestQueue::FallFrom(const std::shared_ptr<LinkPort>& port,
     return true;
 }
 
+bool RequestQueue::HasPort() const {
+    return Port() != nullptr || (awaitsPort_ && MainThread::OnThisThread() == nullptr);
+}
+
 void RequestQueue::Submit(LinkRequestPtr request) {
-    if (Port() != nullptr) {
+    if (HasPort()) {
         const MutexLock lock(queueLock_);
-        if (Port() != nullptr) { // it may have been closed while this thread waited
+        if (HasPort()) { // it may have been closed while this thread waited
             Prepare(*request);
             requestQueue_.push_back(std::move(request));
-            if (requestQueue_.size() == 1) {
+            if (requestQueue_.size() == 1 && Port() != nullptr) {
                 ring_.Discard();
                 StartHead();
             }
@@ -161,6 +165,7 @@ void RequestQueue::FailAll() {
     std::deque<LinkRequestPtr> waiting;
     {
         const MutexLock lock(queueLock_);
+        awaitsPort_ = false;
         waiting.swap(requestQueue_);
     }
     Fail(std::move(waiting));
@@ -207,6 +212,7 @@ void RequestQueue::PrepareAgain() {
 
 void RequestQueue::RestartHead() {
     const MutexLock lock(queueLock_);
+    awaitsPort_ = false;
     if (!requestQueue_.empty()) {
         PrepareAgain();
     }

@@ -38,7 +38,8 @@ public:
     RequestQueue(const RequestQueue&) = delete;
     RequestQueue& operator=(const RequestQueue&) = delete;
 
-    /// With no port, the completion has run by the time the thread's outermost Submit returns.
+    /// With no port, the completion has run by the time the thread's outermost Submit returns,
+    /// unless a port is awaited.
     void Submit(LinkRequestPtr request);
     /// Waits until nothing is queued and the last completion has returned, at most 5 seconds. On
     /// the link's thread, which is itself inside a completion, only until nothing is queued.
@@ -62,6 +63,10 @@ public:
     /// and all queued requests fail. Does nothing and returns false when it is not, or no longer,
     /// the one in use. Null means a port that could not be opened.
     bool FallFrom(const std::shared_ptr<LinkPort>& port, const std::function<void()>& fallen);
+    /// A port is about to be opened in place of this one. Until RestartHead or FailAll, requests of
+    /// other threads wait for it: what they ask of the board must not be answered by nobody. The
+    /// main thread, which opens it, has none then.
+    void AwaitPort() noexcept { awaitsPort_ = true; }
     /// Restarts the running request on a port that has just been opened.
     void RestartHead();
     /// Completes all requests as failed; nothing more is sent to their board.
@@ -109,6 +114,10 @@ private:
     Clock& clock_;
     MainThread& mainThread_;
 
+    /// Whether a request of this thread goes to the port that is or will be open.
+    [[nodiscard]] bool HasPort() const;
+
+    std::atomic<bool> awaitsPort_ = false;
     mutable LeafMutex portLock_;
     std::shared_ptr<LinkPort> port_ BUSQUILL_GUARDED_BY(portLock_);
 

@@ -2,7 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cstdlib>
+#include <thread>
 
 namespace busquill::test {
 namespace {
@@ -402,6 +404,33 @@ TEST_F(AnalyzerLinkTest, ARequestThatRunsWhileThePortIsReopenedContinuesThere) {
     EXPECT_EQ(waiting.get().result, LinkOk);
 }
 
+TEST_F(AnalyzerLinkTest, ARequestOfAnotherThreadWaitsWhileThePortIsOpenedAgain) {
+    OpenLink();
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    std::array<std::uint8_t, 9> live{};
+    std::future<LinkRequest> read;
+    whenPortOpens = [&] { std::thread([&] { read = Start(ReadRegisters(425, live)); }).join(); };
+    static_cast<void>(link->Open(Port()));
+    EXPECT_EQ(read.get().result, LinkOk);
+    EXPECT_EQ(live[0], 0xB2);
+}
+
+TEST_F(AnalyzerLinkTest, ARequestOfAnotherThreadFailsIfThePortDoesNotOpenAgain) {
+    OpenLink();
+    portOpens = false;
+    std::array<std::uint8_t, 9> live{};
+    std::future<LinkRequest> read;
+    const auto readElsewhere = [&] {
+        std::thread([&] { read = Start(ReadRegisters(425, live)); }).join();
+    };
+    whenPortOpens = readElsewhere;
+    static_cast<void>(link->Open(Port()));
+    EXPECT_EQ(read.get().result, LinkTransferFailed);
+    ASSERT_TRUE(link->IsDemoMode());
+    readElsewhere();
+    EXPECT_EQ(read.get().result, LinkOk);
+}
+
 /// An unanswered read, and another that waits for it, when the link leaves the port.
 class LeavingTest : public AnalyzerLinkTest {
 protected:
@@ -752,6 +781,37 @@ TEST_F(AnalyzerLinkTest, TheLiveStatusIsNineBytesAtRegister425) {
     EXPECT_EQ(after, 0x060504);
     EXPECT_THAT(line->Written(), ElementsAre(Bytes{4, 0xA9}, Bytes{6, 1}, Bytes{8, 0}, Bytes{10, 9},
                                              Bytes{12, 0}, Bytes{2, 1}));
+}
+
+TEST_F(AnalyzerLinkTest, AStatusThatIsPendingWhenThePortIsOpenedAgainArrives) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    line->SetClockRuns(false);
+    UseSilence();
+    link->PollLiveStatus();
+    static_cast<void>(link->Open(Port()));
+    link->ReadIdentity();
+    EXPECT_FALSE(link->IsIdentified());
+    UseBoard();
+    line->SetClockRuns(true); // both are sent again
+    ASSERT_TRUE(Eventually([&] { return link->IsIdentified(); }));
+    std::int32_t before = 0;
+    std::int32_t after = 0;
+    EXPECT_EQ(link->GetLiveStatus(before, after), 0xB2);
+}
+
+TEST_F(AnalyzerLinkTest, APollDoesNotTakeTheIdentityForItsReply) {
+    OpenBoard("PCIKite");
+    board.contents[425] = {0xB2, 1, 2, 3, 4, 5, 6, 7, 8};
+    static_cast<void>(link->Open(Port()));
+    line->SetClockRuns(false);
+    UseSilence();
+    link->ReadIdentity();
+    link->PollLiveStatus();
+    UseBoard();
+    line->SetClockRuns(true);
+    ASSERT_TRUE(Eventually([&] { return link->GetEventOccurrences() == 0x0807; }));
+    EXPECT_TRUE(link->IsIdentified());
 }
 
 TEST_F(AnalyzerLinkTest, ClearingTheLiveStatusLeavesTheOccurrences) {
