@@ -363,16 +363,16 @@ private:
                 SetField(record, bitAddress, 32, Word());
                 SetLowByte(record, lowByte);
             }
-            Edge(record, bits_.ds);
+            const std::size_t strobe = Edge(record, bits_.ds);
+            deed.addressToldBy = phase == 2 ? strobe : deed.addressToldBy;
             if (phase == refused) {
                 const bool isError = Pick(2) == 0;
                 deed.end = isError ? "bus-error" : "retry";
-                deed.address = phase < phases ? "" : deed.address; // the rest never comes
+                deed.address = phase == 1 ? "" : deed.address; // the rest never comes
                 deed.endToldBy = Edge(record, isError ? bits_.berr : bitRetry);
                 return false;
             }
-            const std::size_t acknowledge = Edge(record, bits_.dtack);
-            deed.addressToldBy = phase == 2 ? acknowledge : deed.addressToldBy;
+            Edge(record, bits_.dtack);
         }
         return true;
     }

@@ -82,6 +82,9 @@ void StrobedTraffic::TakeStrobe(const TimedSample& sample, const Lines& lines) {
     }
     // A strobe already asserted before the address strobe belongs to the previous transaction.
     if (!before_.HasData()) {
+        // It may not begin until the answer to the one before is over. An answer that is there with
+        // it is its own, even if the sample clock missed the time between them.
+        before_.acknowledge = before_.error = false;
         waiting_ = true;
         strobes_ = 0;
         strobeTime_ = sample.time;
@@ -121,10 +124,11 @@ void StrobedTraffic::TakeAnswer(const TimedSample& sample, const Lines& lines) {
     }
 }
 
-/// With a slow sample clock, a strobe may be answered in the sample in which the address strobe is
-/// already over.
+/// A strobe may be answered, and the data that it reads may settle, in the sample in which the
+/// address strobe is already over.
 void StrobedTraffic::TakeLateAnswer(const TimedSample& sample, const Lines& lines) {
     if (open_ && !open_->sum.isHeadless && !IsOther(open_->sum.command)) {
+        TakeSettled(sample, lines);
         TakeAnswer(sample, lines);
     }
 }

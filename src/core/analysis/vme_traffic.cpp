@@ -292,7 +292,11 @@ private:
         }
         const bool isAcknowledge = lines.acknowledge != before.acknowledge;
         if (state.phase < TwoEdgeState::addressPhases) {
-            state.waiting = state.waiting || ((lines.strobes ^ before.strobes) & 1) != 0;
+            const bool isStrobe = ((lines.strobes ^ before.strobes) & 1) != 0;
+            state.waiting = state.waiting || isStrobe;
+            if (isStrobe && state.phase == 1) { // the target may refuse the phase
+                CompleteTwoEdgeAddress(sample.record, open);
+            }
             if (isAcknowledge && state.waiting) { // not that of the transaction before
                 state.waiting = false;
                 TakeAddressPhase(sample.record, ++state.phase, open);
@@ -313,13 +317,15 @@ private:
         return twoEdge_.isSourceSynchronous && sum.end == TransactionEnd::DisconnectWithData;
     }
     void TakeAddressPhase(const SampleRecord& record, int phase, StrobedTransaction& open) const {
-        const std::uint64_t lines = address_.Word(record);
         if (phase == 1 && twoEdge_.hasWideAddress) {
-            const std::uint64_t data = lines >> 32;
+            const std::uint64_t data = address_.Word(record) >> 32;
             open.address |= twoEdge_.isSmall ? (data & 0xFFFF) << 24 : data << 32;
         } else if (phase == 2) {
-            open.sum.address = open.address | LowByte(record);
+            CompleteTwoEdgeAddress(record, open);
         }
+    }
+    void CompleteTwoEdgeAddress(const SampleRecord& record, StrobedTransaction& open) const {
+        open.sum.address = open.address | LowByte(record);
     }
     void TakeEdges(const TimedSample& sample, bool isStrobe, bool isAcknowledge, Transaction& sum) {
         TwoEdgeState& state = twoEdge_;

@@ -459,6 +459,16 @@ TEST_F(VmeTransactions, TakeDataThatAreReadBeforeTheStrobeIsReleased) {
         << "the initiator may take written data away after the acknowledge";
 }
 
+TEST_F(VmeTransactions, TakeDataThatAreReadInTheSampleAfterTheAddressStrobe) {
+    const auto value = [&](const char* ds) {
+        Waves waves = Access("~___~~", ds, "~~~__~", 0x09);
+        waves.Word(3, "AD", 0xD3ULL << 32).Word(4, "AD", 0xD4ULL << 32);
+        return waves.Transactions().at(0).words.at(0).value;
+    };
+    EXPECT_EQ(value("~~___~"), 0xD4U);
+    EXPECT_EQ(value("~~__~~"), 0xD3U) << "the strobe is over";
+}
+
 TEST_F(VmeTransactions, TakeAnAnswerInTheSampleAfterTheStrobe) {
     // First the address of 64 bits, then the data.
     Waves waves = Access("~_______~", "~~_~~_~~~", "~~~_~~_~~", 0x01);
@@ -618,9 +628,20 @@ TEST_F(VmeTransactions, TakeA0OfA2eVmeAddressFromLword) {
     EXPECT_EQ(narrow.Set("LWORD", 1).Word(5, "AD", 0x80).Transactions().at(0).address, 0x12345681U);
 }
 
+TEST_F(VmeTransactions, TellA2eVmeAddressWhoseSecondPhaseIsRefused) {
+    for (const auto& [line, end] :
+         {std::pair{"RETRY", TransactionEnd::Retry}, {"BERR", TransactionEnd::BusError}}) {
+        Waves waves = TwoEdge("~______~", "~~__~~~~", "~~~~~~~~", "~~~____~", 0x01);
+        const auto transactions =
+            waves.Line(line, "~~~~~__~").At(4, "AD", 0x80).At(4, "LWORD", 0).Transactions();
+        ASSERT_THAT(Ends(transactions), ElementsAre(end)) << line;
+        EXPECT_EQ(transactions[0].address, 0x12345680U) << line;
+    }
+}
+
 TEST_F(VmeTransactions, TellNoAddressThatIsNotWhole) {
-    // The second phase of a 2eVME address is not acknowledged any more.
-    const auto cut = TwoEdge("~____", "~~__~", "~~~~~", "~~~__", 0x01).Transactions();
+    // The second phase of a 2eVME address does not begin any more.
+    const auto cut = TwoEdge("~___", "~~__", "~~~~", "~~~_", 0x01).Transactions();
     ASSERT_EQ(cut.size(), 1U);
     EXPECT_FALSE(cut[0].isHeadless);
     EXPECT_EQ(cut[0].address, std::nullopt);

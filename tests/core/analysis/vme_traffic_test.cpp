@@ -90,12 +90,23 @@ TEST_P(VmeStats, CountATransferForEachAnsweredStrobe) {
 
 TEST_P(VmeStats, CountAnAcknowledgeOnceHoweverLongItStays) {
     EXPECT_EQ(Access("~______~", "~~_____~", "~~~____~").Summary().burstLengths, (Lengths{{1, 1}}));
-    // It is still asserted at the next strobe, which it does not answer.
-    EXPECT_EQ(Access("~_______~", "~~__~__~~", "~~~____~~").Summary().burstLengths,
-              (Lengths{{1, 1}}));
     // Twice within one strobe.
     EXPECT_EQ(Access("~_______~", "~~______~", "~~~_~__~~").Summary().burstLengths,
               (Lengths{{1, 1}}));
+}
+
+TEST_P(VmeStats, TakeAnAnswerThatIsThereWithTheStrobeForItsOwn) {
+    // DTACK was high for less than a sample: otherwise the strobe could not have begun.
+    const TraceSummary block =
+        Access("~__________~", "~~__~__~__~~", "~~~_______~~", amA24Block).Summary();
+    EXPECT_EQ(block.burstLengths, (Lengths{{3, 1}}));
+    EXPECT_EQ(block.masterAborts, 0U);
+    const TraceSummary single = Access("~___~__~", "~~__~__~", "~~~____~").Summary();
+    EXPECT_EQ(single.burstLengths, (Lengths{{1, 2}}));
+    EXPECT_EQ(single.masterAborts, 0U);
+    const TraceSummary failed =
+        Access("~___~__~", "~~__~__~", "~~~~~~~~").Line("BERR", "~~~____~").Summary();
+    EXPECT_EQ(failed.busErrors, 2U);
 }
 
 TEST_P(VmeStats, IgnoreAnAcknowledgeWithoutAStrobe) {

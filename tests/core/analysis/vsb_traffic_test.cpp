@@ -73,6 +73,13 @@ TEST_F(VsbStats, CountATransferForEachAnsweredStrobe) {
     EXPECT_EQ(summary.acknowledgeTime, (AcknowledgeTime{20, 2}));
 }
 
+TEST_F(VsbStats, TakeAnAnswerThatIsThereWithTheStrobeForItsOwn) {
+    // ACK was high for less than a sample.
+    const TraceSummary summary = Access("~_______~", "~~__~__~~", "~~~____~~").Summary();
+    EXPECT_EQ(summary.burstLengths, (Lengths{{2, 1}}));
+    EXPECT_EQ(summary.masterAborts, 0U);
+}
+
 TEST_F(VsbStats, CountBusErrors) {
     const TraceSummary summary =
         Access("~____~", "~~___~", "~~~~~~").Line("ERR", "~~~__~").Summary();
