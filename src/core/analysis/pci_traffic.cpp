@@ -214,8 +214,11 @@ TransactionEnd PciTraffic::EndOf(const PciTransaction& open, bool sawEnd) {
     if (!sawEnd || !open.clocked || open.sum.isHeadless) {
         return TransactionEnd::Unknown;
     }
-    if (open.sum.dataPhases != 0 || CommandOf(open.sum.command) == specialCycle) {
+    if (CommandOf(open.sum.command) == specialCycle) {
         return TransactionEnd::Complete;
+    }
+    if (open.sum.dataPhases != 0) { // after a reset, the initiator may still have wanted more
+        return open.frame ? TransactionEnd::Unknown : TransactionEnd::Complete;
     }
     return open.claimed ? TransactionEnd::Unknown : TransactionEnd::MasterAbort;
 }

@@ -162,6 +162,19 @@ TEST_F(PciTransactions, CallUnansweredOnesMasterAborts) {
                 ElementsAre(TransactionEnd::MasterAbort));
 }
 
+TEST_F(PciTransactions, CallABurstThatIsBrokenOffUnknown) {
+    const auto end = [&](const char* frame) {
+        return Ends(Read(frame)
+                        .Line("IRDY", "~~___~")
+                        .Line("DEVSEL", "~~___~")
+                        .Line("TRDY", "~~___~")
+                        .Transactions());
+    };
+    EXPECT_THAT(end("~___~~"), ElementsAre(TransactionEnd::Complete));
+    // After a reset, the bus is idle although more data were announced.
+    EXPECT_THAT(end("~____~"), ElementsAre(TransactionEnd::Unknown));
+}
+
 TEST_F(PciTransactions, TellTheMessageOfASpecialCycle) {
     // It is valid in the first clock in which the initiator is ready.
     Waves waves = Read("~_____~~");
