@@ -74,8 +74,10 @@ void FindingModel::SetActive(bool active) {
         show_.stop();
         return;
     }
-    if (isOutdated_) {
+    if (!findingSearch_) {
         Begin();
+    } else if (isOutdated_) {
+        FollowUpload();
     } else {
         StartWork();
     }

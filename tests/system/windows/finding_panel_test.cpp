@@ -157,6 +157,30 @@ TEST_F(FindingUploads, AHiddenListSearchesWhenItIsShown) {
     ExpectAllRows();
 }
 
+TEST_F(FindingUploads, TheChosenRowStaysWhileTheListIsClosedForAWhile) {
+    Connect({"--buffer", "64", "--rate", "50000"});
+    OpenFrame("State");
+    OpenList();
+    Give("FRAME falls");
+    StopALongRun();
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 100; }));
+    const int rows = Rows();
+    Table().setCurrentIndex(Table().model()->index(rows - 1, 0));
+    const std::int64_t chosen = Found().KeyOf(rows - 1);
+    Choose("Analyze/Findings and Hits");
+    QTest::qWait(500);
+    EXPECT_EQ(Rows(), rows);
+    ASSERT_TRUE(Trace().IsUploading());
+    OpenList();
+    ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
+    EXPECT_EQ(Found().KeyOf(Table().currentIndex().row()), chosen);
+    board->Fault("delay 0");
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(IsDone());
+    ExpectAllRows();
+    EXPECT_EQ(Found().KeyOf(Table().currentIndex().row()), chosen);
+}
+
 TEST_F(FindingUploads, ACaptureThatRunsWhileAnotherWindowIsActiveIsSearchedAfterwards) {
     Connect({"--buffer", "4"});
     OpenFrame("State");
