@@ -63,24 +63,42 @@ TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
     Table().scrollTo(Table().model()->index(20, 0), QAbstractItemView::PositionAtTop);
     const QRect cell = Table().visualRect(Table().model()->index(22, 1));
     QTest::mouseClick(Table().viewport(), Qt::LeftButton, {}, cell.center());
-    const std::int64_t sample = Model().FirstSample(22);
+    const std::int64_t sample = Model().SampleOf(22);
     ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
     ASSERT_TRUE(Trace().IsUploading());
     const QModelIndex current = Table().currentIndex();
-    EXPECT_EQ(Model().FirstSample(current.row()), sample);
+    EXPECT_EQ(Model().SampleOf(current.row()), sample);
     EXPECT_TRUE(Table().selectionModel()->isRowSelected(current.row()));
     EXPECT_EQ(current.row() - Table().verticalScrollBar()->value(), 2) << "it has not moved";
     board->Fault("delay 0");
     ASSERT_TRUE(Complete());
     ASSERT_TRUE(RunUntil([&] { return !Model().IsWorking(); }));
     ExpectAllTransactions();
-    EXPECT_EQ(Model().FirstSample(Table().currentIndex().row()), sample);
+    EXPECT_EQ(Model().SampleOf(Table().currentIndex().row()), sample);
     // The next run forgets them.
     Go();
     EXPECT_EQ(Rows(), 0);
     EXPECT_EQ(Reason(), "The capture has not ended yet.");
     Stop();
     ASSERT_TRUE(Complete());
+}
+
+TEST_F(TransactionUploads, ARunForgetsTheChosenRow) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    OpenPanel();
+    Go();
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 1 && !Model().IsWorking(); }));
+    Table().setCurrentIndex(Model().index(1, 0));
+    EXPECT_TRUE(Trace().MarkedSamples());
+    Go();
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_FALSE(Trace().MarkedSamples());
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 1 && !Model().IsWorking(); }));
+    EXPECT_FALSE(Table().currentIndex().isValid()) << "that row was of the run before";
+    EXPECT_FALSE(Trace().MarkedSamples());
 }
 
 TEST_F(TransactionUploads, AHiddenTableFollowsWhenItIsShown) {

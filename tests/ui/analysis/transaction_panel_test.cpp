@@ -216,7 +216,7 @@ TEST_F(TransactionPanels, AClickTakesAllWindowsOfTheCaptureToTheFirstSample) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
     ClickRow(200);
-    const std::int64_t sample = Model().FirstSample(200);
+    const std::int64_t sample = Model().SampleOf(200);
     EXPECT_EQ(sample, TransactionsOf(frame.Trace(), *program)[200].sample -
                           frame.Trace().FirstSampleNumber(false));
     EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(sample), 1);
@@ -232,14 +232,14 @@ TEST_F(TransactionPanels, TheSamplesOfTheChosenRowAreMarkedWhileThePanelIsOpen) 
     EXPECT_EQ(trace.MarkedSamples(), std::nullopt);
     EXPECT_EQ(frame.TraceView().TopSample(), top);
     const auto samplesOf = [&](int row) {
-        return std::optional(SampleSpan{Model().FirstSample(row), Model().LastSample(row)});
+        return std::optional(SampleSpan{Model().SampleOf(row), Model().LastSample(row)});
     };
     ClickRow(20);
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(20));
     EXPECT_LT(trace.MarkedSamples()->first, trace.MarkedSamples()->last);
     QTest::keyClick(&Table(), Qt::Key_Down);
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(21));
-    frame.Trace().ToggleMarker(1, Model().FirstSample(30), false);
+    frame.Trace().ToggleMarker(1, Model().SampleOf(30), false);
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(30)) << "marker 1 has chosen it";
     Give("bytes > 100000");
     EXPECT_EQ(trace.MarkedSamples(), std::nullopt) << "no row is left";
@@ -278,7 +278,7 @@ TEST_F(TransactionPanels, KeysGoFromRowToRow) {
     QTest::keyClick(&Table(), Qt::Key_Up);
     EXPECT_EQ(CurrentRow(), Rows() - 3);
     EXPECT_NEAR(static_cast<double>(Center(frame)),
-                static_cast<double>(Model().FirstSample(Rows() - 3)), 1);
+                static_cast<double>(Model().SampleOf(Rows() - 3)), 1);
     QTest::keyClick(&Table(), Qt::Key_Home);
     EXPECT_EQ(CurrentRow(), 0);
     EXPECT_EQ(frame.TraceView().TopSample(), 0);
@@ -290,7 +290,7 @@ TEST_F(TransactionPanels, KeysGoFromRowToRow) {
 TEST_F(TransactionPanels, Marker1ChoosesTheRowThatItStandsInAndMovesNothing) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
-    const std::int64_t inside = Model().FirstSample(30) + 1;
+    const std::int64_t inside = Model().SampleOf(30) + 1;
     ASSERT_GE(Model().LastSample(30), inside);
     frame.TraceView().ShowSample(inside + 6);
     const std::int64_t top = frame.TraceView().TopSample();
@@ -329,11 +329,11 @@ TEST_F(TransactionPanels, AFilterOfSamplesDoesNotMatter) {
         ++row;
     }
     ClickRow(row);
-    const std::int64_t sample = Model().FirstSample(row);
+    const std::int64_t sample = Model().SampleOf(row);
     EXPECT_LE(frame.TraceView().TopSample(), sample);
     ClickRow(row + 1); // the listing hides its first sample
     EXPECT_EQ(CurrentRow(), row + 1);
-    EXPECT_LE(frame.TraceView().TopSample(), Model().FirstSample(row + 1));
+    EXPECT_LE(frame.TraceView().TopSample(), Model().SampleOf(row + 1));
 }
 
 TEST_F(TransactionPanels, F1OpensTheirPageOfTheManual) {
@@ -409,7 +409,7 @@ TEST_F(TransactionPanels, StaysWhenTheOtherDisplayIsShown) {
     QApplication::processEvents();
     EXPECT_EQ(CurrentRow(), 40);
     ClickRow(60);
-    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(60)),
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(60)),
                 2);
 }
 
@@ -449,7 +449,7 @@ TEST_F(TransactionPanels, TheFilterShowsOnlyWhatFulfilsIt) {
         EXPECT_EQ(end, "retry");
     }
     ClickRow(4);
-    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(4)), 1);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(4)), 1);
     const std::string number = Cell(4, "Number");
     Give("");
     ASSERT_EQ(Rows(), 267);
@@ -733,7 +733,7 @@ TEST_F(TransactionPanels, ATitleSortsUpThenDownThenAsInTheCapture) {
     ClickTitle("Bytes");
     EXPECT_TRUE(std::ranges::is_sorted(bytes(), std::ranges::greater()));
     ClickRow(0);
-    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(0)), 1);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(0)), 1);
     ClickTitle("Bytes");
     EXPECT_EQ(Cell(0, "Number"), "1");
     EXPECT_EQ(Cell(266, "Number"), "267");
