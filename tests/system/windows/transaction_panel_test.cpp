@@ -2,6 +2,7 @@
 
 #include "analysis/transaction_follower.h"
 #include "support/live_frame_fixture_qt.h"
+#include "support/panel_fixture_qt.h"
 #include "ui/analysis/transaction_model.h"
 
 #include <QDockWidget>
@@ -12,19 +13,13 @@
 namespace busquill::test {
 namespace {
 
-class TransactionUploads : public LiveFrameFixture {
+class TransactionUploads : public PanelFixture<LiveFrameFixture, TransactionModel> {
 protected:
-    void OpenPanel() {
+    TransactionUploads() : PanelFixture(transactionNames) {}
+
+    void OpenTable() {
         Frame().resize(1100, 800);
-        Choose("Analyze/Transactions");
-    }
-    QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Transactions"); }
-    QTableView& Table() { return *Dock().findChild<QTableView*>("TransactionTable"); }
-    TransactionModel& Model() { return dynamic_cast<TransactionModel&>(*Table().model()); }
-    int Rows() { return Table().model() == nullptr ? 0 : Table().model()->rowCount(); }
-    std::string Reason() {
-        const auto& reason = *Dock().findChild<QLabel*>("TransactionReason");
-        return reason.isVisible() ? reason.text().toStdString() : "";
+        SwitchPanel();
     }
     void ExpectAllTransactions() {
         TransactionFollower follower(program->Link().Traits(), program->Tables());
@@ -49,7 +44,7 @@ protected:
 TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
     Connect({"--buffer", "64", "--rate", "50000"});
     OpenFrame("State");
-    OpenPanel();
+    OpenTable();
     EXPECT_EQ(Reason(), "There are no samples yet.");
     Go();
     EXPECT_EQ(Reason(), "The capture has not ended yet.");
@@ -61,8 +56,7 @@ TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
     ASSERT_TRUE(Trace().IsUploading());
     const int rows = Rows();
     Table().scrollTo(Table().model()->index(20, 0), QAbstractItemView::PositionAtTop);
-    const QRect cell = Table().visualRect(Table().model()->index(22, 1));
-    QTest::mouseClick(Table().viewport(), Qt::LeftButton, {}, cell.center());
+    ClickCell(22, 1);
     const std::int64_t sample = Model().SampleOf(22);
     ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
     ASSERT_TRUE(Trace().IsUploading());
@@ -86,7 +80,7 @@ TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
 TEST_F(TransactionUploads, ARunForgetsTheChosenRow) {
     Connect({"--buffer", "4"});
     OpenFrame("State");
-    OpenPanel();
+    OpenTable();
     Go();
     ASSERT_TRUE(Complete());
     ASSERT_TRUE(RunUntil([&] { return Rows() > 1 && !Model().IsWorking(); }));
@@ -104,12 +98,12 @@ TEST_F(TransactionUploads, ARunForgetsTheChosenRow) {
 TEST_F(TransactionUploads, AHiddenTableFollowsWhenItIsShown) {
     Connect({"--buffer", "4"});
     OpenFrame("State");
-    OpenPanel();
-    Choose("Analyze/Transactions");
+    OpenTable();
+    SwitchPanel();
     Go();
     ASSERT_TRUE(Complete());
     EXPECT_EQ(Rows(), 0);
-    Choose("Analyze/Transactions");
+    SwitchPanel();
     ASSERT_TRUE(RunUntil([&] { return !Model().IsWorking(); }));
     ExpectAllTransactions();
 }
@@ -117,7 +111,7 @@ TEST_F(TransactionUploads, AHiddenTableFollowsWhenItIsShown) {
 TEST_F(TransactionUploads, ACaptureThatRunsWhileAnotherWindowIsActiveIsFollowedAfterwards) {
     Connect({"--buffer", "4"});
     OpenFrame("State");
-    OpenPanel();
+    OpenTable();
     Go();
     ASSERT_TRUE(Complete());
     ASSERT_TRUE(RunUntil([&] { return !Model().IsWorking(); }));
