@@ -58,6 +58,12 @@ void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const c
     dock->setWidget(panel);
     window->addDockWidget(Qt::BottomDockWidgetArea, dock);
     dock->hide();
+    QObject::connect(panel, &Panel::Left, [&area = parts.area] {
+        if (CTraceView* const view = ActiveView(area)) {
+            view->window()->activateWindow(); // the dock may float
+            view->setFocus();
+        }
+    });
     feature.commands.Switch(
         id,
         [dock, panel, &area = parts.area] {
@@ -86,7 +92,7 @@ Feature AnalysisFeature(const FeatureParts& parts) {
     AddPanel(feature, parts, CommandId::Findings, "Findings and Hits", hits);
     feature.commands.Switch(
         CommandId::ShowOnlyHits, [hits] { hits->FilterByHits(); },
-        [hits] { return hits->IsFilteredByHits(); }, [hits] { return hits->CanFilterByHits(); });
+        [hits] { return hits->Filter().IsOn(); }, [hits] { return hits->Filter().CanSwitch(); });
     AddPanel(feature, parts, CommandId::Interval, "Interval", new IntervalPanel(parts));
     AddPanel(feature, parts, CommandId::ShowBookmarks, "Bookmarks", new BookmarkPanel(parts));
     feature.commands.On(

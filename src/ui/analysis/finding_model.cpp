@@ -16,25 +16,17 @@ namespace busquill {
 namespace {
 
 constexpr std::size_t searchedAtOnce = 16384; // samples
-constexpr int searchTime = 20;                // milliseconds between events
 // Rows are made again after this time, or after ten times as long as it takes.
 constexpr qint64 shortestRowPause = 200; // milliseconds
 constexpr qint64 pauseForRows = 10;
 
-struct ColumnText {
-    const char* title;
-    const char* meaning;
-};
-constexpr std::array<ColumnText, FindingModel::columns> columnTexts{{
-    {"Sample", "the number of the sample; the trigger is 0"},
-    {"Time", "since the trigger"},
-    {"Kind", "a broken rule or an anomaly that the board has found, or a hit of the expression"},
-    {"Text", "what was found; for a hit, what the listing decodes in the sample"},
+constexpr std::array<CaptureRows::Column, FindingModel::columns> columnTexts{{
+    {"Sample", "the number of the sample; the trigger is 0", true},
+    {"Time", "since the trigger", true},
+    {"Kind", "a broken rule or an anomaly that the board has found, or a hit of the expression",
+     false},
+    {"Text", "what was found; for a hit, what the listing decodes in the sample", false},
 }};
-
-bool IsNumber(int column) {
-    return column == FindingModel::Sample || column == FindingModel::Time;
-}
 
 /// Whether a column of the listing tells what the bus does in a sample.
 bool TellsTraffic(const CSignal& signal) {
@@ -56,62 +48,37 @@ bool TellsTraffic(const CSignal& signal) {
 } // namespace
 
 FindingModel::FindingModel(CTesselDoc& document, BoardTraits board, const SignalTables& tables)
-    : document_(document), board_(std::move(board)), findings_(tables) {
-    work_.setSingleShot(true);
-    connect(&work_, &QTimer::timeout, this, &FindingModel::Continue);
+    : CaptureRows(document), board_(std::move(board)), findings_(tables),
+      work_([this] { Continue(); }) {
     show_.setSingleShot(true);
     connect(&show_, &QTimer::timeout, this, &FindingModel::MakeRows);
 }
 
 // Searches.
 
-void FindingModel::SetActive(bool active) {
-    if (std::exchange(isActive_, active) == active) {
-        return;
-    }
-    if (!active) {
-        work_.stop();
-        show_.stop();
-        return;
-    }
-    if (isOutdated_) {
-        Begin();
-    } else {
-        StartWork();
+void FindingModel::DocumentChanged(int hint) {
+    CaptureRows::DocumentChanged(hint);
+    if (hint == HintFilterChanged && onlyShown_) {
+        MakeRows();
     }
 }
 
-void FindingModel::DocumentChanged(int hint) {
-    switch (hint) {
-    case HintCaptureStarted: // the samples will be freed
-    case HintCaptureStopped:
-    case HintDataComplete:
-        Forget();
-        if (isActive_) {
-            Begin();
-        }
-        break;
-    case HintBlockArrived:
-        isOutdated_ = true;
-        break;
-    case HintPolled:
-        FollowUpload();
-        break;
-    case HintFilterChanged:
-        if (onlyShown_) {
-            MakeRows();
-        }
-        break;
-    default:
-        break;
+void FindingModel::Pause() {
+    work_.Stop();
+    show_.stop();
+}
+
+void FindingModel::Resume() {
+    workBegun_ = Left();
+    if (IsActive()) {
+        Continue();
     }
 }
 
 void FindingModel::Forget() {
-    isOutdated_ = true;
     findingSearch_.reset();
     hitSearch_.reset();
-    work_.stop();
+    work_.Stop();
     MakeRows();
 }
 
@@ -121,36 +88,29 @@ SampleSearch FindingModel::MakeSearch(const SampleCondition& condition) const {
         return SampleSearch(test);
     }
     const auto sinceTrigger = [this](std::size_t sample) {
-        return document_.stateList
-            .TimeFrom(document_.Marker(0, false), static_cast<std::int64_t>(sample))
+        return Document()
+            .stateList.TimeFrom(Document().Marker(0, false), static_cast<std::int64_t>(sample))
             .value_or(0);
     };
-    return SampleSearch(test, SampleSearch::Times{sinceTrigger, SampleTime(document_.stateList)});
+    return SampleSearch(test, SampleSearch::Times{sinceTrigger, SampleTime(Document().stateList)});
 }
 
-void FindingModel::Begin() {
-    findingSearch_.emplace(
-        [this](const SampleBlock& block) { return findings_.In(block.records); });
-    hitSearch_.reset();
-    if (condition_) {
-        hitSearch_.emplace(MakeSearch(*condition_));
+bool FindingModel::Follow() {
+    if (!findingSearch_) {
+        findingSearch_.emplace(
+            [this](const SampleBlock& block) { return findings_.In(block.records); });
+        if (condition_) {
+            hitSearch_.emplace(MakeSearch(*condition_));
+        }
     }
-    isOutdated_ = true;
-    FollowUpload();
-}
-
-void FindingModel::FollowUpload() {
-    if (!isActive_ || !isOutdated_ || !findingSearch_) {
-        return;
-    }
-    isOutdated_ = false;
-    absent_ = AbsentSamples(document_);
-    const CapturedSamples samples = SamplesOf(document_, absent_);
+    absent_ = AbsentSamples(Document());
+    const CapturedSamples samples = SamplesOf(Document(), absent_);
     findingSearch_->Follow(samples);
     if (hitSearch_) {
         hitSearch_->Follow(samples);
     }
-    StartWork();
+    Resume();
+    return true;
 }
 
 void FindingModel::SetExpression(std::string text, std::optional<SampleCondition> condition) {
@@ -160,33 +120,22 @@ void FindingModel::SetExpression(std::string text, std::optional<SampleCondition
     hitSearch_.reset();
     if (condition_ && findingSearch_) {
         hitSearch_.emplace(MakeSearch(*condition_));
-        hitSearch_->Follow(SamplesOf(document_, absent_));
+        hitSearch_->Follow(SamplesOf(Document(), absent_));
     }
     pause_ = 0; // the old hits are not to be seen any more
-    StartWork();
+    Resume();
 }
 
 std::size_t FindingModel::Left() const {
     return (findingSearch_ ? findingSearch_->Left() : 0) + (hitSearch_ ? hitSearch_->Left() : 0);
 }
 
-void FindingModel::StartWork() {
-    workBegun_ = Left();
-    if (isActive_) {
-        Continue();
-    }
-}
-
 void FindingModel::Continue() {
-    const CapturedSamples samples = SamplesOf(document_, absent_);
-    QElapsedTimer time;
-    time.start();
-    bool isComplete = false;
-    while (!isComplete && time.elapsed() < searchTime) {
-        isComplete = (!findingSearch_ || findingSearch_->Continue(samples, searchedAtOnce)) &&
-                     (!hitSearch_ || hitSearch_->Continue(samples, searchedAtOnce));
-    }
-    isComplete ? work_.stop() : work_.start(0);
+    const CapturedSamples samples = SamplesOf(Document(), absent_);
+    work_.Do([&] {
+        return (!findingSearch_ || findingSearch_->Continue(samples, searchedAtOnce)) &&
+               (!hitSearch_ || hitSearch_->Continue(samples, searchedAtOnce));
+    });
     RequestRows();
     emit Worked();
 }
@@ -196,7 +145,7 @@ int FindingModel::Progress() const {
 }
 
 bool FindingModel::HasAllHits() const {
-    return condition_ && !isOutdated_ && hitSearch_ && hitSearch_->Left() == 0;
+    return condition_ && !IsOutdated() && hitSearch_ && hitSearch_->Left() == 0;
 }
 
 std::span<const std::uint32_t> FindingModel::Hits() const {
@@ -236,7 +185,7 @@ void FindingModel::MakeRows() {
     const Words listedHits = listed_ == Listed::Findings ? Words() : Hits();
     findingCount_ = CountBits(findings);
     hitCount_ = CountBits(Hits());
-    FoundRows rows = onlyShown_ ? FoundRows(listedFindings, listedHits, document_.RowSamples())
+    FoundRows rows = onlyShown_ ? FoundRows(listedFindings, listedHits, Document().RowSamples())
                                 : FoundRows(listedFindings, listedHits);
     if (rows != rows_) {
         beginResetModel();
@@ -275,17 +224,17 @@ int FindingModel::RowOfKey(std::int64_t key) const {
 
 /// Empty where samples between it and the trigger are missing: the time would be too short.
 QString FindingModel::TimeText(std::int64_t sample) const {
-    const std::int64_t trigger = document_.Marker(0, false);
-    const auto time = document_.stateList.TimeFrom(trigger, sample);
+    const std::int64_t trigger = Document().Marker(0, false);
+    const auto time = Document().stateList.TimeFrom(trigger, sample);
     if (!time ||
-        !document_.HasAllSamples(std::min(trigger, sample), std::max(trigger, sample), false)) {
+        !Document().HasAllSamples(std::min(trigger, sample), std::max(trigger, sample), false)) {
         return {};
     }
     return QString::fromStdString(FormatTimeSince(*time, sample < trigger, false));
 }
 
 QString FindingModel::FindingText(std::int64_t sample) const {
-    const auto record = document_.GetSample(sample, false);
+    const auto record = Document().GetSample(sample, false);
     const std::uint8_t rule = record ? findings_.RuleOf(*record) : std::uint8_t{0};
     if (rule == 0) {
         return {};
@@ -295,16 +244,16 @@ QString FindingModel::FindingText(std::int64_t sample) const {
 }
 
 QString FindingModel::HitText(std::int64_t sample) const {
-    const auto record = document_.GetSample(sample, false);
+    const auto record = Document().GetSample(sample, false);
     if (!record) {
         return {};
     }
     ListedSample listed;
     listed.index = static_cast<std::size_t>(sample);
-    listed.number = sample + document_.FirstSampleNumber(false);
+    listed.number = sample + Document().FirstSampleNumber(false);
     listed.record = &*record;
     QStringList texts;
-    for (const auto& signal : document_.stateList.All()) {
+    for (const auto& signal : Document().stateList.All()) {
         if (!TellsTraffic(*signal)) {
             continue;
         }
@@ -322,14 +271,14 @@ QString FindingModel::Text(int row, int column) const {
     const auto sample = static_cast<std::int64_t>(at.sample);
     switch (column) {
     case Sample:
-        return QString::number(sample + document_.FirstSampleNumber(false));
+        return QString::number(sample + Document().FirstSampleNumber(false));
     case Time:
         return TimeText(sample);
     case Kind:
         if (at.isHit) {
             return "Hit";
         }
-        if (const auto record = document_.GetSample(sample, false)) {
+        if (const auto record = Document().GetSample(sample, false)) {
             const bool isAnomaly = findings_.IsAnomaly(*record);
             return findings_.RuleOf(*record) == 0 ? "Anomaly"
                    : isAnomaly                    ? "Rule, anomaly"
@@ -349,37 +298,8 @@ int FindingModel::columnCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : columns;
 }
 
-QVariant FindingModel::data(const QModelIndex& index, int role) const {
-    if (!index.isValid()) {
-        return {};
-    }
-    switch (role) {
-    case Qt::DisplayRole:
-        return Text(index.row(), index.column());
-    case Qt::TextAlignmentRole:
-        return static_cast<int>((IsNumber(index.column()) ? Qt::AlignRight : Qt::AlignLeft) |
-                                Qt::AlignVCenter);
-    default:
-        return {};
-    }
-}
-
-QVariant FindingModel::headerData(int section, Qt::Orientation orientation, int role) const {
-    if (orientation != Qt::Horizontal) {
-        return {};
-    }
-    const ColumnText& column = columnTexts[static_cast<std::size_t>(section)];
-    switch (role) {
-    case Qt::DisplayRole:
-        return column.title;
-    case Qt::ToolTipRole:
-        return QString("%1: %2").arg(column.title, column.meaning);
-    case Qt::TextAlignmentRole:
-        return static_cast<int>((IsNumber(section) ? Qt::AlignRight : Qt::AlignLeft) |
-                                Qt::AlignVCenter);
-    default:
-        return {};
-    }
+FindingModel::Column FindingModel::ColumnAt(int column) const {
+    return columnTexts[static_cast<std::size_t>(column)];
 }
 
 } // namespace busquill

@@ -4,8 +4,9 @@
 #include "analysis/sample_findings.h"
 #include "analysis/sample_search.h"
 #include "link/board_identity.h"
+#include "ui/analysis/capture_rows.h"
+#include "ui/analysis/piece_work.h"
 
-#include <QAbstractTableModel>
 #include <QElapsedTimer>
 #include <QTimer>
 
@@ -17,16 +18,14 @@
 
 namespace busquill {
 
-class CTesselDoc;
 class SignalTables;
 
 /// What the board has found in the samples of a capture, and the samples that fulfil an expression,
-/// as the rows of a table. The samples are searched in pieces, between events; those that arrive
-/// during an upload are searched when they have. Main thread.
-class FindingModel final : public QAbstractTableModel {
+/// as the rows of a table. Samples that arrive during an upload are searched when they have.
+class FindingModel final : public CaptureRows {
     Q_OBJECT
 public:
-    enum Column { Sample, Time, Kind, What, columns };
+    enum ColumnNumber { Sample, Time, Kind, What, columns };
     enum class Listed { All, Findings, Hits };
 
     /// The document and the tables outlive the model.
@@ -37,10 +36,7 @@ public:
         return findings_.HasRules() || findings_.HasAnomalies();
     }
 
-    /// A model that is not active keeps its rows and does not search.
-    void SetActive(bool active);
-    /// After a change of the document, with the hint for its views.
-    void DocumentChanged(int hint);
+    void DocumentChanged(int hint) override;
 
     /// Looks for other hits; without a condition there are none.
     void SetExpression(std::string text, std::optional<SampleCondition> condition);
@@ -52,7 +48,7 @@ public:
     [[nodiscard]] bool OnlyShown() const noexcept { return onlyShown_; }
 
     /// Whether samples are still to be searched, and how far the search is, in percent.
-    [[nodiscard]] bool IsWorking() const noexcept { return work_.isActive() || show_.isActive(); }
+    [[nodiscard]] bool IsWorking() const noexcept { return work_.IsLeft() || show_.isActive(); }
     [[nodiscard]] int Progress() const;
     /// Whether all samples have been searched for the hits.
     [[nodiscard]] bool HasAllHits() const;
@@ -64,37 +60,27 @@ public:
     [[nodiscard]] std::size_t FindingCount() const noexcept { return findingCount_; }
     [[nodiscard]] std::size_t HitCount() const noexcept { return hitCount_; }
 
-    /// The index in the document of the sample of a row.
-    [[nodiscard]] std::int64_t SampleOf(int row) const;
-    /// The first row of a sample; -1 if it has none.
-    [[nodiscard]] int RowOfSample(std::int64_t sample) const;
+    [[nodiscard]] std::int64_t SampleOf(int row) const override;
+    [[nodiscard]] int RowOfSample(std::int64_t sample) const override;
     /// The row of the first sample that is not before this one; the number of rows if there is
     /// none.
     [[nodiscard]] int RowFrom(std::int64_t sample) const;
-    /// A number for a row that stays the same among other rows, and the row of a number or -1.
-    [[nodiscard]] std::int64_t KeyOf(int row) const;
-    [[nodiscard]] int RowOfKey(std::int64_t key) const;
-    [[nodiscard]] QString Text(int row, int column) const;
+    [[nodiscard]] std::int64_t KeyOf(int row) const override;
+    [[nodiscard]] int RowOfKey(std::int64_t key) const override;
+    [[nodiscard]] Column ColumnAt(int column) const override;
+    [[nodiscard]] QString Text(int row, int column) const override;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
-                                      int role) const override;
 
-signals:
-    /// It has other rows, and all views know it.
-    void Renewed();
-    /// IsWorking or Progress has changed.
-    void Worked();
+protected:
+    void Pause() override;
+    void Resume() override;
+    void Forget() override;
+    [[nodiscard]] bool Follow() override;
 
 private:
-    void Forget();
-    void Begin();
-    /// Searches the samples that have arrived.
-    void FollowUpload();
     void Continue();
-    void StartWork();
     [[nodiscard]] std::size_t Left() const;
     /// Makes the rows now, or soon if that takes long.
     void RequestRows();
@@ -104,11 +90,8 @@ private:
     [[nodiscard]] QString FindingText(std::int64_t sample) const;
     [[nodiscard]] QString HitText(std::int64_t sample) const;
 
-    CTesselDoc& document_;
     const BoardTraits board_;
     const SampleFindings findings_;
-    bool isActive_ = false;
-    bool isOutdated_ = true; // the document has samples that were not taken for the searches
     std::string expression_;
     std::size_t searches_ = 0;
     std::optional<SampleCondition> condition_;
@@ -119,7 +102,7 @@ private:
     std::optional<SampleSearch> findingSearch_; // nothing before the samples were taken
     std::optional<SampleSearch> hitSearch_;
     std::size_t workBegun_ = 0; // samples that were left when the work began
-    QTimer work_;
+    PieceWork work_;
 
     FoundRows rows_;
     std::size_t findingCount_ = 0;

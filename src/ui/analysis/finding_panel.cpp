@@ -3,46 +3,25 @@
 #include "capture/analyzer.h"
 #include "capture/sample_condition.h"
 #include "capture/trace_document.h"
-#include "capture/trace_search.h"
-#include "platform/prompts.h"
-#include "platform/text.h"
-#include "ui/analysis/expression_line.h"
-#include "ui/analysis/kept_button.h"
-#include "ui/analysis/panel_table.h"
+#include "ui/analysis/capture_table.h"
 #include "ui/analysis/shown_capture.h"
-#include "ui/display/trace_view.h"
 #include "ui/framework/help_page.h"
-#include "ui/framework/mdi_child.h"
-#include "ui/framework/wait_cursor.h"
 
 #include <QCheckBox>
-#include <QClipboard>
 #include <QComboBox>
-#include <QContextMenuEvent>
-#include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMdiArea>
 #include <QMenu>
-#include <QSignalBlocker>
-#include <QStackedWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
-#include <QWheelEvent>
 
-#include <algorithm>
 #include <utility>
 #include <variant>
 
 namespace busquill {
 
 namespace {
-
-/// The section of the settings.
-constexpr const char* hitSettings = "Hits";
 
 QString Counted(std::size_t count, const char* one, const char* several) {
     return Grouped(count) + ' ' + (count == 1 ? one : several);
@@ -51,97 +30,95 @@ QString Counted(std::size_t count, const char* one, const char* several) {
 } // namespace
 
 FindingPanel::FindingPanel(const FeatureParts& parts)
-    : parts_(parts), stack_(new QStackedWidget), table_(new PanelTable("FindingTable")),
-      reason_(new QLabel), summary_(new QLabel), listed_(new QComboBox),
+    : parts_(parts), list_(new CaptureTable(parts,
+                                            {.section = "Hits",
+                                             .label = "H&its:",
+                                             .line = "HitExpression",
+                                             .mistake = "HitMistake",
+                                             .table = "FindingTable",
+                                             .reason = "FindingReason"},
+                                            [this](CTesselDoc& document, const BoardTraits& board) {
+                                                return MakeRows(document, board);
+                                            })),
+      filter_(parts, *list_), summary_(new QLabel), listed_(new QComboBox),
       onlyShown_(new QCheckBox("Only samples that are shown")), onlyHits_(new QToolButton) {
     SetHelpPage(*this, "findings.md");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
-    MakeLine(*layout);
-    layout->addWidget(stack_, 1);
-    stack_->addWidget(table_);
-    stack_->addWidget(reason_);
-    reason_->setObjectName("FindingReason");
-    reason_->setAlignment(Qt::AlignCenter);
-    reason_->setWordWrap(true);
-    MakeTable();
+    layout->addWidget(list_, 1);
+    MakeLine();
+    MakeColumns();
     MakeChoices(*layout);
     MakeCommands();
+    PanelTable& table = list_->Table();
+    table.setShowGrid(false);
+    table.setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(
+        &table, &QWidget::customContextMenuRequested, this,
+        [this, &table](const QPoint& place) { OpenMenu(table.viewport()->mapToGlobal(place)); });
+    connect(list_, &CaptureTable::Changed, this, &FindingPanel::ShowState);
+    connect(list_, &CaptureTable::Worked, this,
+            [this](CTesselDoc& document) { filter_.Renew(document); });
+    connect(list_, &CaptureTable::Gone, this, [this](CTesselDoc& document) {
+        choices_.erase(&document);
+        filter_.Forget(document);
+    });
     ShowState();
 }
 
-FindingPanel::~FindingPanel() = default;
+std::unique_ptr<CaptureRows> FindingPanel::MakeRows(CTesselDoc& document,
+                                                    const BoardTraits& board) {
+    auto rows = std::make_unique<FindingModel>(document, board, parts_.analyzer.Tables());
+    rows->SetListed(choices_[&document].listed);
+    rows->SetOnlyShown(choices_[&document].onlyShown);
+    return rows;
+}
 
-void FindingPanel::MakeLine(QVBoxLayout& layout) {
-    auto* explanation = new QLabel;
-    explanation->setObjectName("HitMistake");
-    explanation->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    line_ = new ExpressionLine(parts_.settings, hitSettings, *explanation);
-    line_->setObjectName("HitExpression");
-    line_->lineEdit()->setPlaceholderText("such as: FRAME falls and COMMAND == \"Mem*\"");
-    line_->setToolTip("List the samples for which this holds");
+void FindingPanel::MakeLine() {
+    ExpressionLine& line = list_->Line();
+    line.lineEdit()->setPlaceholderText("such as: FRAME falls and COMMAND == \"Mem*\"");
+    line.setToolTip("List the samples for which this holds");
     const auto check = [this](std::string_view text,
                               const KeptExpressions& kept) -> std::optional<ExpressionError> {
-        if (document_ == nullptr) {
+        if (list_->Document() == nullptr) {
             return std::nullopt;
         }
-        const auto parsed =
-            SampleCondition::Parse(text, parts_.analyzer.Tables(),
-                                   {&document_->stateList, &document_->waveformList}, &kept);
+        const auto parsed = SampleCondition::Parse(
+            text, parts_.analyzer.Tables(),
+            {&list_->Document()->stateList, &list_->Document()->waveformList}, &kept);
         const auto* const mistake = std::get_if<ExpressionError>(&parsed);
         return mistake == nullptr ? std::nullopt : std::optional(*mistake);
     };
     const auto complete = [this](std::string_view text, std::size_t cursor,
                                  const KeptExpressions& kept) {
-        return document_ == nullptr
+        return list_->Document() == nullptr
                    ? ExpressionCompletion()
-                   : SampleCondition::Complete(text, cursor, parts_.analyzer.Tables(),
-                                               {&document_->stateList, &document_->waveformList},
-                                               &kept);
+                   : SampleCondition::Complete(
+                         text, cursor, parts_.analyzer.Tables(),
+                         {&list_->Document()->stateList, &list_->Document()->waveformList}, &kept);
     };
-    line_->SetLanguage({check, complete});
-    auto* label = new QLabel("H&its:");
-    label->setBuddy(line_);
-    auto* line = new QHBoxLayout;
-    line->setContentsMargins(4, 2, 4, 0);
-    line->addWidget(label);
-    line->addWidget(line_, 1);
-    line->addWidget(new KeptButton(*line_, parts_.prompts));
-    line->addWidget(explanation, 1);
-    layout.addLayout(line);
-    connect(line_, &ExpressionLine::Changed, this, &FindingPanel::ApplyExpression);
-}
-
-void FindingPanel::MakeTable() {
-    table_->setShowGrid(false);
-    table_->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(table_, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& place) { OpenMenu(table_->viewport()->mapToGlobal(place)); });
-    connect(table_, &QTableView::clicked, this, &FindingPanel::RowChosen);
-    connect(table_, &QTableView::activated, this, &FindingPanel::RowChosen);
-    constexpr int margin = 16;
-    for (const char* longest : {"-00000000", "-000.000us", "Rule, anomaly"}) {
-        widths_.push_back(table_->fontMetrics().horizontalAdvance(longest) + margin);
-    }
+    line.SetLanguage({check, complete});
+    connect(list_, &CaptureTable::Given, this, &FindingPanel::ApplyExpression);
 }
 
 /// A table forgets the widths of its columns with its model.
-void FindingPanel::ShowModel(FindingModel* model) {
-    for (int column = 0; table_->model() != nullptr && column < widths_.size(); ++column) {
-        widths_[column] = table_->columnWidth(column);
+void FindingPanel::MakeColumns() {
+    constexpr int margin = 16;
+    PanelTable& table = list_->Table();
+    for (const char* longest : {"-00000000", "-000.000us", "Rule, anomaly"}) {
+        widths_.push_back(table.fontMetrics().horizontalAdvance(longest) + margin);
     }
-    const QItemSelectionModel* const selection = table_->selectionModel();
-    table_->setModel(model);
-    delete selection;
-    if (model == nullptr) {
-        return;
-    }
-    for (int column = 0; column < widths_.size(); ++column) {
-        table_->setColumnWidth(column, widths_[column]);
-    }
-    connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            &FindingPanel::RowChosen);
+    connect(list_, &CaptureTable::Leaving, this, [this, &table] {
+        for (int column = 0; column < widths_.size(); ++column) {
+            widths_[column] = table.columnWidth(column);
+        }
+    });
+    connect(list_, &CaptureTable::Shown, this, [this, &table] {
+        for (int column = 0; column < widths_.size(); ++column) {
+            table.setColumnWidth(column, widths_[column]);
+        }
+    });
 }
 
 void FindingPanel::MakeChoices(QVBoxLayout& layout) {
@@ -165,14 +142,14 @@ void FindingPanel::MakeChoices(QVBoxLayout& layout) {
     layout.addLayout(line);
     connect(listed_, &QComboBox::activated, this, [this](int index) {
         if (FindingModel* model = Model()) {
-            captures_.at(document_).listed = static_cast<FindingModel::Listed>(index);
+            choices_[list_->Document()].listed = static_cast<FindingModel::Listed>(index);
             model->SetListed(static_cast<FindingModel::Listed>(index));
             ShowState();
         }
     });
     connect(onlyShown_, &QCheckBox::clicked, this, [this](bool isOn) {
         if (FindingModel* model = Model()) {
-            captures_.at(document_).onlyShown = isOn;
+            choices_[list_->Document()].onlyShown = isOn;
             model->SetOnlyShown(isOn);
             ShowState();
         }
@@ -181,12 +158,11 @@ void FindingPanel::MakeChoices(QVBoxLayout& layout) {
 }
 
 void FindingPanel::MakeCommands() {
-    const auto hasRows = [this] { return Model() != nullptr && Model()->rowCount() > 0; };
+    const auto hasRows = [this] { return list_->HasRows(); };
     commands.On(
-        CommandId::Copy, [this] { CopyRows(); },
-        [this] { return Model() != nullptr && table_->selectionModel()->hasSelection(); });
+        CommandId::Copy, [this] { list_->CopyRows(); }, [this] { return list_->HasSelection(); });
     commands.On(
-        CommandId::SignalMenu, [this] { OpenMenu(table_->mapToGlobal(QPoint(20, 20))); },
+        CommandId::SignalMenu, [this] { OpenMenu(list_->Table().mapToGlobal(QPoint(20, 20))); },
         [this] { return Model() != nullptr; });
     commands.On(
         CommandId::FindNext, [this] { Step(true); }, hasRows);
@@ -195,166 +171,27 @@ void FindingPanel::MakeCommands() {
 }
 
 FindingModel* FindingPanel::Model() const {
-    const auto found = captures_.find(document_);
-    return found == captures_.end() ? nullptr : found->second.model.get();
+    return static_cast<FindingModel*>(list_->Rows());
 }
-
-void FindingPanel::TakeKeyboard() {
-    if (Model() != nullptr && Model()->rowCount() > 0) {
-        table_->setFocus();
-    } else {
-        line_->setFocus();
-    }
-}
-
-// Which capture is shown.
 
 void FindingPanel::Follow(CMDIChildWnd* active) {
-    if (!isVisible()) {
-        return;
-    }
-    const CTraceView* const view = ViewOf(active);
-    CTesselDoc* const document = view == nullptr ? nullptr : &view->Trace();
-    const BoardTraits board = parts_.analyzer.Link().Traits();
-    if (!IsSameBus(board, board_)) {
-        board_ = board;
-        ForgetRows();
-    }
-    if (document != document_) {
-        Show(document);
-    }
+    list_->Follow(active);
     ShowChoices();
 }
 
-void FindingPanel::Show(CTesselDoc* document) {
-    if (FindingModel* old = Model()) {
-        Capture& capture = captures_.at(document_);
-        capture.place.Remember(*table_, [old](int row) { return old->KeyOf(row); });
-        capture.typed = line_->currentText();
-        old->SetActive(false);
-    }
-    document_ = document;
-    if (document != nullptr && Model() == nullptr) {
-        MakeModel(*document);
-    }
-    FindingModel* const model = Model();
-    ShowModel(model);
-    if (model != nullptr) {
-        const Capture& capture = captures_.at(document);
-        line_->Show(capture.applied, capture.typed);
-        RestorePlace(capture);
-        model->SetActive(isVisible());
+void FindingPanel::TakeKeyboard() {
+    if (list_->HasRows()) {
+        list_->Table().setFocus();
     } else {
-        line_->Show({}, {});
-    }
-    ShowState();
-}
-
-void FindingPanel::MakeModel(CTesselDoc& document) {
-    Capture& capture = captures_[&document];
-    capture.model = std::make_unique<FindingModel>(document, board_, parts_.analyzer.Tables());
-    FindingModel* const model = capture.model.get();
-    model->SetListed(capture.listed);
-    model->SetOnlyShown(capture.onlyShown);
-    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this, model, &capture] {
-        if (model == Model()) {
-            capture.place.Remember(*table_, [model](int row) { return model->KeyOf(row); });
-        }
-    });
-    connect(model, &FindingModel::Renewed, this, [this, model, &capture] {
-        if (model == Model()) {
-            RestorePlace(capture);
-        }
-    });
-    connect(model, &FindingModel::Worked, this, [this, model, &document] {
-        if (model == Model()) {
-            ShowState();
-        }
-        RenewFilter(document);
-    });
-    if (capture.watch == nullptr) {
-        capture.watch = std::make_unique<CaptureWatch>(document);
-        connect(capture.watch.get(), &CaptureWatch::Updated, this,
-                [this, &document](int hint) { DocumentUpdated(document, hint); });
-        connect(capture.watch.get(), &CaptureWatch::Gone, this,
-                [this, &document] { CaptureGone(document); });
-    }
-}
-
-void FindingPanel::RestorePlace(const Capture& capture) {
-    follows_ = true;
-    capture.place.Restore(*table_,
-                          [&capture](std::int64_t key) { return capture.model->RowOfKey(key); });
-    follows_ = false;
-}
-
-/// On another bus the same bits are other signals. The text of an expression stays: it is applied
-/// to them, unless it names something that this bus does not have.
-void FindingPanel::ForgetRows() {
-    Show(nullptr);
-    for (auto& [document, capture] : captures_) {
-        capture.model.reset();
-        capture.applied.clear();
-    }
-}
-
-/// Nothing that could have the keyboard is hidden or disabled before the next event: the keyboard
-/// would go to another window, perhaps to the one that is being destroyed.
-void FindingPanel::CaptureGone(CTesselDoc& document) {
-    if (document_ == &document) {
-        document_ = nullptr;
-        ShowModel(nullptr);
-        line_->Show({}, {});
-        QMetaObject::invokeMethod(this, &FindingPanel::ShowState, Qt::QueuedConnection);
-    }
-    const auto gone = captures_.find(&document);
-    gone->second.watch.release()->deleteLater(); // it has told of this
-    captures_.erase(gone);
-}
-
-void FindingPanel::DocumentUpdated(CTesselDoc& document, int hint) {
-    Capture& capture = captures_.at(&document);
-    if (capture.model != nullptr) {
-        capture.model->DocumentChanged(hint);
-    }
-    if (hint == HintCaptureStarted) { // the rows that have gone are not those of the next capture
-        capture.place = TablePlace();
-    }
-    if (&document != document_ || !isVisible()) {
-        return;
-    }
-    if (hint == HintMarker1) {
-        ShowMarker();
-    } else if (hint == HintFilterChanged ||
-               (hint >= HintCaptureStarted && hint <= HintDataComplete)) {
-        ShowState(); // perhaps for another reason empty
-    }
-}
-
-void FindingPanel::showEvent(QShowEvent* event) {
-    Panel::showEvent(event);
-    Follow(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
-    if (FindingModel* model = Model()) {
-        model->SetActive(true);
-        ShowState();
-    }
-}
-
-void FindingPanel::hideEvent(QHideEvent* event) {
-    Panel::hideEvent(event);
-    if (FindingModel* model = Model()) {
-        model->SetActive(false);
+        list_->Line().setFocus();
     }
 }
 
 // The expression.
 
-void FindingPanel::ApplyExpression() {
-    if (FindingModel* model = Model()) {
-        captures_.at(document_).applied = line_->Applied();
-        model->SetExpression(line_->Applied().toStdString(), Condition(line_->Applied()));
-        ShowState();
-    }
+void FindingPanel::ApplyExpression(const QString& expression) {
+    Model()->SetExpression(expression.toStdString(), Condition(expression));
+    ShowState();
 }
 
 std::optional<SampleCondition> FindingPanel::Condition(const QString& expression) const {
@@ -362,96 +199,24 @@ std::optional<SampleCondition> FindingPanel::Condition(const QString& expression
         return std::nullopt;
     }
     const KeptExpressions kept = UserExpressions();
-    auto parsed = SampleCondition::Parse(expression.toStdString(), parts_.analyzer.Tables(),
-                                         {&document_->stateList, &document_->waveformList}, &kept);
+    auto parsed = SampleCondition::Parse(
+        expression.toStdString(), parts_.analyzer.Tables(),
+        {&list_->Document()->stateList, &list_->Document()->waveformList}, &kept);
     auto* const condition = std::get_if<SampleCondition>(&parsed);
     return condition == nullptr ? std::nullopt : std::optional(std::move(*condition));
 }
 
-// The filter of the displays.
-
-CTesselDoc* FindingPanel::ActiveDocument() const {
-    const CTraceView* const view =
-        ViewOf(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
-    return view == nullptr || !captures_.contains(&view->Trace()) ? nullptr : &view->Trace();
-}
-
-bool FindingPanel::IsFilteredByHits() const {
-    const CTesselDoc* const document = ActiveDocument();
-    return document != nullptr && !document->FilterExpression().empty();
-}
-
-bool FindingPanel::CanFilterByHits() const {
-    CTesselDoc* const document = ActiveDocument();
-    if (document == nullptr || !CanFilter(*document)) {
-        return false;
-    }
-    const auto& model = captures_.at(document).model;
-    const bool isOfThisBus = IsSameBus(parts_.analyzer.Link().Traits(), board_);
-    return IsFilteredByHits() || (isOfThisBus && model != nullptr && model->HasAllHits());
-}
-
 void FindingPanel::FilterByHits() {
-    if (CanFilterByHits()) {
-        CTesselDoc& document = *ActiveDocument();
-        const WaitCursor wait;
-        IsFilteredByHits() ? ShowAll(document) : ShowOnly(document, *captures_.at(&document).model);
-    }
+    filter_.Switch();
     ShowChoices();
-}
-
-void FindingPanel::RenewFilter(CTesselDoc& document) {
-    const Capture& capture = captures_.at(&document);
-    const FindingModel& model = *capture.model;
-    const std::string& filter = document.FilterExpression();
-    const bool isSame = filter == model.Expression() && capture.filteredBy == model.Searches();
-    if (filter.empty() || isSame || !CanFilter(document)) {
-        return;
-    }
-    if (model.Expression().empty()) {
-        ShowAll(document);
-    } else if (model.HasAllHits()) {
-        ShowOnly(document, model);
-    }
-}
-
-std::int64_t FindingPanel::TopSample(const CTesselDoc& document) const {
-    const CTraceView* const active =
-        ViewOf(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
-    if (active != nullptr && !active->IsZoom() && &active->Trace() == &document) {
-        return active->TopSample();
-    }
-    for (const DocumentView* each : document.Views()) {
-        const auto* const view = dynamic_cast<const CTraceView*>(each);
-        if (view != nullptr && !view->IsZoom()) {
-            return view->TopSample();
-        }
-    }
-    return 0;
-}
-
-void FindingPanel::ShowOnly(CTesselDoc& document, const FindingModel& model) {
-    captures_.at(&document).filteredBy = model.Searches();
-    document.ApplyFilter(model.Expression(), model.Hits(), TopSample(document));
-}
-
-void FindingPanel::ShowAll(CTesselDoc& document) {
-    document.filterPattern.BuildFromTables(1, ModeEvents);
-    document.ApplyFilter(TopSample(document));
 }
 
 // What is shown.
 
 QString FindingPanel::WhyEmpty() const {
     const FindingModel* const model = Model();
-    if (model == nullptr) {
-        return "The active window shows no capture.";
-    }
-    if (document_->CaptureActive()) {
-        return "The capture has not ended yet.";
-    }
-    if (document_->SampleCount(false) == 0) {
-        return "There are no samples yet.";
+    if (const QString why = list_->WhyNoSamples(); !why.isEmpty()) {
+        return why;
     }
     if (model->IsWorking()) {
         return "Searching ...";
@@ -477,7 +242,7 @@ QString FindingPanel::WhyEmpty() const {
 
 QString FindingPanel::Summary() const {
     const FindingModel* const model = Model();
-    if (model == nullptr || document_->SampleCount(false) == 0) {
+    if (model == nullptr || list_->Document()->SampleCount(false) == 0) {
         return {};
     }
     QStringList counts;
@@ -495,7 +260,7 @@ QString FindingPanel::Summary() const {
     if (listed != model->FindingCount() + model->HitCount()) {
         parts << Grouped(listed) + " listed";
     }
-    if (!document_->FilterExpression().empty()) {
+    if (!list_->Document()->FilterExpression().empty()) {
         parts << "the windows show only hits";
     }
     if (model->IsWorking()) {
@@ -506,12 +271,10 @@ QString FindingPanel::Summary() const {
 
 void FindingPanel::ShowState() {
     const FindingModel* const model = Model();
-    const bool hasRows = model != nullptr && model->rowCount() > 0;
-    reason_->setText(hasRows ? QString() : WhyEmpty());
-    ShowEither(*stack_, *table_, *reason_, hasRows);
+    list_->ShowEither(list_->HasRows() ? QString() : WhyEmpty());
     summary_->setText(Summary());
     summary_->setToolTip(summary_->text()); // for a window too narrow for the text
-    line_->setEnabled(model != nullptr);
+    list_->Line().setEnabled(model != nullptr);
     listed_->setEnabled(model != nullptr);
     onlyShown_->setEnabled(model != nullptr);
     if (model != nullptr) {
@@ -522,8 +285,8 @@ void FindingPanel::ShowState() {
 }
 
 void FindingPanel::ShowChoices() {
-    onlyHits_->setEnabled(CanFilterByHits());
-    onlyHits_->setChecked(IsFilteredByHits());
+    onlyHits_->setEnabled(filter_.CanSwitch());
+    onlyHits_->setChecked(filter_.IsOn());
 }
 
 void FindingPanel::OpenMenu(const QPoint& place) {
@@ -536,8 +299,8 @@ void FindingPanel::OpenMenu(const QPoint& place) {
         action->setEnabled(isEnabled);
         return action;
     };
-    const bool hasRows = Model()->rowCount() > 0;
-    add("&Copy", table_->selectionModel()->hasSelection(), [this] { CopyRows(); });
+    const bool hasRows = list_->HasRows();
+    add("&Copy", list_->HasSelection(), [this] { list_->CopyRows(); });
     add("&Next", hasRows, [this] { Step(true); });
     add("&Previous", hasRows, [this] { Step(false); });
     menu.addSeparator();
@@ -560,85 +323,15 @@ void FindingPanel::OpenMenu(const QPoint& place) {
     menu.exec(place);
 }
 
-/// A line of titles, then the selected rows, their cells separated by tabs.
-void FindingPanel::CopyRows() {
-    const FindingModel& model = *Model();
-    std::vector<int> rows;
-    qsizetype count = 0;
-    const QItemSelection selection = table_->selectionModel()->selection();
-    for (const QItemSelectionRange& range : selection) {
-        count += range.height();
-    }
-    if (count > mostCopiedRows) {
-        parts_.prompts.Message(Printf("%d rows are selected; at most %d can be copied at once.",
-                                      static_cast<int>(count), mostCopiedRows));
-        return;
-    }
-    const WaitCursor wait;
-    rows.reserve(static_cast<std::size_t>(count));
-    for (const QItemSelectionRange& range : selection) {
-        for (int row = range.top(); row <= range.bottom(); ++row) {
-            rows.push_back(row);
-        }
-    }
-    std::ranges::sort(rows);
-    QString text;
-    const auto addLine = [&text](const auto& cell) {
-        for (int column = 0; column < FindingModel::columns; ++column) {
-            text += cell(column) + (column + 1 < FindingModel::columns ? '\t' : '\n');
-        }
-    };
-    addLine([&model](int column) {
-        return model.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-    });
-    for (const int row : rows) {
-        addLine([&model, row](int column) { return model.Text(row, column); });
-    }
-    QGuiApplication::clipboard()->setText(text);
-}
-
-// Rows and samples.
-
-void FindingPanel::RowChosen(const QModelIndex& index) {
-    if (!follows_ && index.isValid()) {
-        document_->GoToSample(Model()->SampleOf(index.row()), false);
-    }
-}
-
 void FindingPanel::Step(bool forward) {
-    const QModelIndex current = table_->currentIndex();
-    const int before = current.isValid() ? current.row() - (forward ? 0 : 1)
-                                         : Model()->RowFrom(TopSample(*document_)) - 1;
+    const QModelIndex current = list_->Table().currentIndex();
+    const std::int64_t top = TopSampleOf(*list_->Document(), parts_.area);
+    const int before =
+        current.isValid() ? current.row() - (forward ? 0 : 1) : Model()->RowFrom(top) - 1;
     const int row = forward ? before + 1 : before;
     if (row >= 0 && row < Model()->rowCount()) {
-        table_->setCurrentIndex(Model()->index(row, 0));
+        list_->Table().setCurrentIndex(Model()->index(row, 0));
     }
-}
-
-void FindingPanel::ShowMarker() {
-    const std::int64_t marker = document_->Marker(1, false);
-    const int row = Model()->RowOfSample(marker);
-    const QModelIndex current = table_->currentIndex();
-    const bool isChosen = current.isValid() && Model()->SampleOf(current.row()) == marker;
-    if (row >= 0 && !isChosen) {
-        follows_ = true;
-        table_->setCurrentIndex(Model()->index(row, 0));
-        follows_ = false;
-    }
-}
-
-/// Esc leads back to the capture. Other keys that nothing uses end here.
-void FindingPanel::keyPressEvent(QKeyEvent* event) {
-    auto* const active = dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow());
-    if (event->key() == Qt::Key_Escape && active != nullptr) {
-        active->window()->activateWindow(); // the dock may float
-        active->GetActiveView()->setFocus();
-    }
-    event->accept();
-}
-
-void FindingPanel::wheelEvent(QWheelEvent* event) {
-    event->accept();
 }
 
 } // namespace busquill

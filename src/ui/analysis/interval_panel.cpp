@@ -66,7 +66,7 @@ std::vector<std::string> SelectedRows(const CSignalList& list) {
 } // namespace
 
 IntervalPanel::IntervalPanel(const FeatureParts& parts)
-    : parts_(parts), table_(new QTableWidget(0, 2)), note_(new QLabel) {
+    : parts_(parts), table_(new QTableWidget(0, 2)), note_(new QLabel), work_([this] { GoOn(); }) {
     SetHelpPage(*this, "interval.md");
     table_->setObjectName("IntervalTable");
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
@@ -80,7 +80,6 @@ IntervalPanel::IntervalPanel(const FeatureParts& parts)
     table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 4);
     table_->horizontalHeader()->hide();
     table_->horizontalHeader()->setStretchLastSection(true);
-    table_->installEventFilter(this);
     note_->setObjectName("IntervalNote");
     note_->setWordWrap(true);
     note_->setContentsMargins(4, 0, 4, 2);
@@ -97,14 +96,6 @@ IntervalPanel::IntervalPanel(const FeatureParts& parts)
         [this] { return table_->rowCount() > 0; });
     table_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(table_, &QWidget::customContextMenuRequested, this, &IntervalPanel::OpenMenu);
-    work_.setSingleShot(true);
-    connect(&work_, &QTimer::timeout, this, [this] {
-        // The samples may have changed since the last piece.
-        Follow(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
-        if (count_) {
-            Continue();
-        }
-    });
 }
 
 void IntervalPanel::TakeKeyboard() {
@@ -146,7 +137,7 @@ QString IntervalPanel::WhyNotYet(const CTraceView& view) {
 void IntervalPanel::ShowOnly(const QString& reason) {
     source_.reset();
     count_.reset();
-    work_.stop();
+    work_.Stop();
     table_->setRowCount(0);
     note_->setText(reason);
 }
@@ -210,20 +201,23 @@ void IntervalPanel::Begin(const Source& source) {
     Continue();
 }
 
+/// The samples may have changed since the last piece.
+void IntervalPanel::GoOn() {
+    Follow(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()));
+    if (count_) {
+        Continue();
+    }
+}
+
 void IntervalPanel::Continue() {
     constexpr std::size_t samplesAtOnce = 512;
-    constexpr int longestPause = 20; // milliseconds
     const CTesselDoc& document = *source_->document;
     const CapturedSamples samples = source_->isZoom
                                         ? CapturedSamples{document.GetStore().GetData(true), 0, {}}
                                         : SamplesOf(document, count_->absent);
+    const auto from = static_cast<std::size_t>(source_->from);
     const auto to = static_cast<std::size_t>(source_->to);
-    QElapsedTimer elapsed;
-    elapsed.start();
-    const auto isLeft = [&] {
-        return count_->next < to || (count_->walk && !count_->walk->IsDone());
-    };
-    while (isLeft()) {
+    const bool isComplete = work_.Do([&] {
         if (count_->walk) {
             count_->walk->Advance(samples, samplesAtOnce);
         }
@@ -232,12 +226,12 @@ void IntervalPanel::Continue() {
             count_->edges[i] += EdgesOf(*count_->counted[i], samples, count_->next, next);
         }
         count_->next = next;
-        if (isLeft() && elapsed.elapsed() >= longestPause) {
-            const auto from = static_cast<std::size_t>(source_->from);
-            note_->setText(QString("Counting, %1 % ...").arg((next - from) * 100 / (to - from)));
-            work_.start(0);
-            return;
-        }
+        return next == to && (!count_->walk || count_->walk->IsDone());
+    });
+    if (!isComplete) {
+        note_->setText(
+            QString("Counting, %1 % ...").arg((count_->next - from) * 100 / (to - from)));
+        return;
     }
     ShowCounts();
     count_.reset();
@@ -351,19 +345,6 @@ void IntervalPanel::OpenMenu(const QPoint& place) {
     QMenu menu(this);
     menu.addAction("&Copy", this, &IntervalPanel::Copy)->setEnabled(!count_);
     menu.exec(table_->viewport()->mapToGlobal(place));
-}
-
-/// Esc leads back to the capture.
-bool IntervalPanel::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::KeyPress &&
-        static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
-        if (CTraceView* view = ViewOf(dynamic_cast<CMDIChildWnd*>(parts_.area.activeSubWindow()))) {
-            view->window()->activateWindow(); // the dock may float
-            view->setFocus();
-        }
-        return true;
-    }
-    return Panel::eventFilter(watched, event);
 }
 
 } // namespace busquill

@@ -2,10 +2,9 @@
 
 #include "analysis/interval.h"
 #include "link/board_identity.h"
+#include "ui/analysis/piece_work.h"
 #include "ui/framework/feature.h"
 #include "ui/framework/panel.h"
-
-#include <QTimer>
 
 #include <cstddef>
 #include <cstdint>
@@ -46,7 +45,6 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     /// What the figures are made of; they are made anew when it changes.
@@ -66,6 +64,7 @@ private:
     [[nodiscard]] static QString WhyNotYet(const CTraceView& view);
     void ShowOnly(const QString& reason);
     void Begin(const Source& source);
+    void GoOn();
     /// Counts for a moment. What is not done then is done after the events that wait.
     void Continue();
     void ShowCounts();
@@ -85,7 +84,7 @@ private:
     std::optional<Source> source_;
     BoardTraits board_;                  // of the figures
     std::optional<IntervalCount> count_; // nothing when the figures are shown
-    QTimer work_;
+    PieceWork work_;
 };
 
 } // namespace busquill

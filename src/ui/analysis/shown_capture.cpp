@@ -5,6 +5,7 @@
 #include "ui/framework/mdi_child.h"
 
 #include <QLocale>
+#include <QMdiArea>
 
 #include <algorithm>
 #include <cstddef>
@@ -13,6 +14,20 @@ namespace busquill {
 
 CTraceView* ViewOf(const CMDIChildWnd* frame) {
     return frame == nullptr ? nullptr : dynamic_cast<CTraceView*>(frame->GetActiveView());
+}
+
+std::int64_t TopSampleOf(const CTesselDoc& document, const QMdiArea& area) {
+    const CTraceView* const active = ViewOf(dynamic_cast<CMDIChildWnd*>(area.activeSubWindow()));
+    if (active != nullptr && !active->IsZoom() && &active->Trace() == &document) {
+        return active->TopSample();
+    }
+    for (const DocumentView* each : document.Views()) {
+        const auto* const view = dynamic_cast<const CTraceView*>(each);
+        if (view != nullptr && !view->IsZoom()) {
+            return view->TopSample();
+        }
+    }
+    return 0;
 }
 
 QString Grouped(std::uint64_t count) {

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <vector>
 
+class QMdiArea;
+
 namespace busquill {
 
 class CMDIChildWnd;
@@ -15,6 +17,9 @@ class CTraceView;
 
 /// The view of a capture in a window; null if the window is null or shows something else.
 [[nodiscard]] CTraceView* ViewOf(const CMDIChildWnd* frame);
+
+/// The first sample in a window of a capture, if possible in the active one.
+[[nodiscard]] std::int64_t TopSampleOf(const CTesselDoc& document, const QMdiArea& area);
 
 /// A count for the reader's eye, such as "1,048,576".
 [[nodiscard]] QString Grouped(std::uint64_t count);

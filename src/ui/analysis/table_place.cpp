@@ -18,11 +18,14 @@ void TablePlace::Remember(const QTableView& table,
     }
     const QModelIndex current = table.currentIndex();
     const QModelIndex top = table.indexAt({0, 0});
-    current_ = current.isValid() ? keyOf(current.row()) : -1;
     top_ = top.isValid() ? keyOf(top.row()) : -1;
+    if (!current.isValid()) {
+        return;
+    }
+    current_ = keyOf(current.row());
     const int below = current.row() - top.row();
-    const bool isVisible = current.isValid() && below >= 0 &&
-                           table.visualRect(current).bottom() <= table.viewport()->height();
+    const bool isVisible =
+        below >= 0 && table.visualRect(current).bottom() <= table.viewport()->height();
     currentBelowTop_ = isVisible ? below : -1;
     const QItemSelection selection = table.selectionModel()->selection();
     int rows = 0;

@@ -2,8 +2,9 @@
 
 #include "analysis/transaction_table.h"
 #include "link/board_identity.h"
+#include "ui/analysis/capture_rows.h"
+#include "ui/analysis/piece_work.h"
 
-#include <QAbstractTableModel>
 #include <QElapsedTimer>
 #include <QTimer>
 
@@ -15,13 +16,12 @@
 
 namespace busquill {
 
-class CTesselDoc;
 class SignalTables;
 
-/// The transactions of a capture as the rows of a table. Walks through the samples in pieces,
-/// between events; until it has seen all, it keeps the rows that it had. While a capture is being
-/// uploaded, it walks again from time to time. Main thread.
-class TransactionModel final : public QAbstractTableModel {
+/// The transactions of a capture as the rows of a table. It walks through all samples, and until it
+/// has seen all, it keeps the rows that it had. While a capture is being uploaded, it walks again
+/// from time to time.
+class TransactionModel final : public CaptureRows {
     Q_OBJECT
 public:
     /// The document and the tables outlive the model.
@@ -34,10 +34,6 @@ public:
     /// Whether transactions of this bus have the field in a column.
     [[nodiscard]] bool HasColumn(int column) const;
 
-    /// A model that is not active keeps its rows and does not walk.
-    void SetActive(bool active);
-    /// After a change of the document, with the hint for its views.
-    void DocumentChanged(int hint);
     void SetQuery(TransactionQuery query);
     [[nodiscard]] const TransactionQuery& Query() const noexcept { return query_; }
 
@@ -51,24 +47,23 @@ public:
 
     /// Valid until the next call.
     [[nodiscard]] const Transaction& At(int row) const;
-    /// The index in the document of the first sample of a row, and of its last one.
-    [[nodiscard]] std::int64_t FirstSample(int row) const;
+    [[nodiscard]] std::int64_t SampleOf(int row) const override;
+    /// The index in the document of the last sample of a row.
     [[nodiscard]] std::int64_t LastSample(int row) const;
     /// The row of the transaction to which a sample belongs, by its index; -1 if none is shown.
-    [[nodiscard]] int RowOfSample(std::int64_t sample) const;
-    [[nodiscard]] QString Text(int row, int column) const;
+    [[nodiscard]] int RowOfSample(std::int64_t sample) const override;
+    [[nodiscard]] Column ColumnAt(int column) const override;
+    [[nodiscard]] QString Text(int row, int column) const override;
 
     [[nodiscard]] int rowCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex& parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex& index, int role) const override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
-                                      int role) const override;
 
-signals:
-    /// It has other rows, and all views know it.
-    void Renewed();
-    /// IsWorking or Progress has changed.
-    void Worked();
+protected:
+    void Pause() override;
+    void Resume() override;
+    void Forget() override;
+    [[nodiscard]] bool Follow() override;
 
 private:
     /// A capture, or the part of it that had arrived, with the places of its transactions.
@@ -77,23 +72,15 @@ private:
         std::vector<std::uint32_t> absent;
     };
 
-    void Forget();
-    /// Walks through the samples as they are now.
-    void Begin();
-    /// The same if more samples have arrived.
-    void FollowUpload();
     /// Finds other rows in the samples that were followed last.
     void FindRows();
     void Continue();
     void Finish();
 
-    CTesselDoc& document_;
     const BoardTraits board_;
     const SignalTables& tables_;
     TransactionFollower reader_; // for what the bus has
     mutable std::optional<TransactionFields> fields_;
-    bool isActive_ = false;
-    bool isOutdated_ = true; // the document has samples that were not followed
     TransactionQuery query_;
 
     std::shared_ptr<Followed> followed_;     // of the rows
@@ -102,7 +89,7 @@ private:
 
     std::shared_ptr<Followed> nextFollowed_;
     std::unique_ptr<TransactionTable> next_; // in the making
-    QTimer work_;
+    PieceWork work_;
     QTimer pause_; // until samples that have arrived are followed
     QElapsedTimer walk_;
 };

@@ -23,6 +23,15 @@ public:
 
     /// What the panel carries out while the keyboard is in it, before the active window is asked.
     CommandMap commands;
+
+signals:
+    /// Esc was pressed: the keyboard is to go back to the active window.
+    void Left();
+
+protected:
+    // Keys and turns of the wheel that nothing in the panel uses end here.
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 };
 
 } // namespace busquill

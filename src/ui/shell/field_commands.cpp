@@ -5,10 +5,12 @@
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
+#include <QCursor>
 #include <QFocusEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QToolBar>
 
 namespace busquill {
 
@@ -36,6 +38,17 @@ bool IsMenu(const QWidget& widget) {
            qobject_cast<const QMenu*>(&widget) != nullptr;
 }
 
+/// Whether a widget offers commands: a menu, the tool bar or one of its buttons.
+bool IsOfABar(const QWidget* widget) {
+    return widget != nullptr && (IsMenu(*widget) || qobject_cast<const QToolBar*>(widget) ||
+                                 qobject_cast<const QToolBar*>(widget->parentWidget()));
+}
+
+/// A press of a mouse button or a key.
+bool IsInput(const QEvent& event) {
+    return event.type() == QEvent::MouseButtonPress || event.type() == QEvent::ShortcutOverride;
+}
+
 } // namespace
 
 FieldCommands::FieldCommands(QWidget& window) : QObject(&window), window_(window) {
@@ -50,7 +63,7 @@ FieldCommands::FieldCommands(QWidget& window) : QObject(&window), window_(window
     commands_.On(
         CommandId::Paste, [this] { field_->paste(); }, [this] { return !field_->isReadOnly(); });
     connect(qApp, &QApplication::focusChanged, this,
-            [this](const QWidget* /*old*/, QWidget* now) { FollowFocus(now); });
+            [this](const QWidget* /*old*/, QWidget* now) { FocusChanged(now); });
 }
 
 std::vector<const CommandMap*> FieldCommands::Maps() const {
@@ -64,8 +77,24 @@ std::vector<const CommandMap*> FieldCommands::Maps() const {
     return maps;
 }
 
+void FieldCommands::FocusChanged(QWidget* focus) {
+    if (focus == nullptr || IsMenu(*focus)) {
+        return;
+    }
+    const bool leavesFloating =
+        panel_ != nullptr && panel_->window() != &window_ && focus->window() == &window_;
+    if (leavesFloating && IsOfABar(QApplication::widgetAt(QCursor::pos()))) {
+        next_ = focus;
+        qApp->installEventFilter(this);
+        return;
+    }
+    FollowFocus(focus);
+}
+
 void FieldCommands::FollowFocus(QWidget* focus) {
-    if (focus == nullptr || focus == focus_ || IsMenu(*focus)) {
+    next_ = nullptr;
+    qApp->removeEventFilter(this);
+    if (focus == focus_) {
         return;
     }
     panel_ = PanelOf(focus);
@@ -80,10 +109,16 @@ void FieldCommands::FollowFocus(QWidget* focus) {
     }
 }
 
+/// Any other input than in a bar is for what has the keyboard now.
+///
 /// A field gives its selection up when the keyboard goes to the menu bar, but not when a menu pops
 /// up. For the user both open a menu.
 bool FieldCommands::eventFilter(QObject* watched, QEvent* event) {
-    const bool leaves = event->type() == QEvent::FocusOut;
+    const auto* const widget = qobject_cast<QWidget*>(watched);
+    if (next_ != nullptr && widget != nullptr && IsInput(*event) && !IsOfABar(widget)) {
+        FollowFocus(next_);
+    }
+    const bool leaves = watched == focus_ && event->type() == QEvent::FocusOut;
     if (!leaves || static_cast<QFocusEvent*>(event)->reason() != Qt::MenuBarFocusReason) {
         return QObject::eventFilter(watched, event);
     }

@@ -16,7 +16,8 @@ class Panel;
 
 /// The commands of what has the keyboard in a window: Cut, Copy and Paste of a text field, and
 /// those of a panel. A field stays the one meant, with its selection, while a menu of the window is
-/// open, and so does a panel. Main thread.
+/// open, and so does a panel, even one that floats: a click on the menu bar or the tool bar takes
+/// the keyboard from its window. Main thread.
 class FieldCommands final : public QObject {
     Q_OBJECT
 public:
@@ -30,6 +31,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void FocusChanged(QWidget* focus);
     void FollowFocus(QWidget* focus);
 
     QWidget& window_;
@@ -37,6 +39,7 @@ private:
     QPointer<QWidget> focus_; // the field, or what it is a part of
     QPointer<QLineEdit> field_;
     QPointer<Panel> panel_;
+    QPointer<QWidget> next_; // has the keyboard, but the panel is still meant
 };
 
 } // namespace busquill

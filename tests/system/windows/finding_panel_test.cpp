@@ -4,6 +4,7 @@
 #include "capture/sample_condition.h"
 #include "support/capture_builder.h"
 #include "support/live_frame_fixture_qt.h"
+#include "support/panel_fixture_qt.h"
 #include "ui/analysis/finding_model.h"
 
 #include <QDockWidget>
@@ -15,32 +16,17 @@
 namespace busquill::test {
 namespace {
 
-class FindingUploads : public LiveFrameFixture {
+class FindingUploads : public PanelFixture<LiveFrameFixture, FindingModel> {
 protected:
+    FindingUploads() : PanelFixture(findingNames) {}
+
     void OpenList() {
         Frame().resize(1100, 800);
-        Choose("Analyze/Findings and Hits");
+        SwitchPanel();
         Frame().RefreshCommands();
     }
-    QDockWidget& List() { return *Frame().findChild<QDockWidget*>("Findings and Hits"); }
-    QTableView& Table() { return *List().findChild<QTableView*>("FindingTable"); }
-    FindingModel& Found() { return dynamic_cast<FindingModel&>(*Table().model()); }
-    int Rows() { return Table().model() == nullptr ? 0 : Table().model()->rowCount(); }
-    std::string WhyEmpty() {
-        const auto& reason = *List().findChild<QLabel*>("FindingReason");
-        return reason.isVisible() ? reason.text().toStdString() : "";
-    }
-    void Give(const QString& expression) {
-        auto& line = *List().findChild<QComboBox*>("HitExpression");
-        QTest::mouseClick(line.lineEdit(), Qt::LeftButton, {}, {5, 5});
-        QTest::keyClick(&line, Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClicks(&line, expression);
-        QTest::keyClick(&line, Qt::Key_Return);
-        Frame().activateWindow(); // a list of words had the keyboard
-        QApplication::processEvents();
-    }
     bool IsDone() {
-        return RunUntil([&] { return !Found().IsWorking(); });
+        return RunUntil([&] { return !Model().IsWorking(); });
     }
     /// Compares the rows with the findings of all samples, and with those where FRAME has fallen.
     void ExpectAllRows() {
@@ -60,7 +46,7 @@ protected:
         ASSERT_GT(keys.size(), 30U);
         ASSERT_EQ(Rows(), static_cast<int>(keys.size()));
         for (int row = 0; row < Rows(); ++row) {
-            ASSERT_EQ(Found().KeyOf(row), keys[static_cast<std::size_t>(row)]) << row;
+            ASSERT_EQ(Model().KeyOf(row), keys[static_cast<std::size_t>(row)]) << row;
         }
     }
 };
@@ -69,10 +55,10 @@ TEST_F(FindingUploads, TheListFillsWhileSamplesArriveAndKeepsItsPlace) {
     Connect({"--buffer", "64", "--rate", "50000"});
     OpenFrame("State");
     OpenList();
-    EXPECT_EQ(WhyEmpty(), "There are no samples yet.");
+    EXPECT_EQ(Reason(), "There are no samples yet.");
     Give("FRAME falls");
     Go();
-    EXPECT_EQ(WhyEmpty(), "The capture has not ended yet.");
+    EXPECT_EQ(Reason(), "The capture has not ended yet.");
     Stop();
     ASSERT_TRUE(Complete());
     EXPECT_GT(Rows(), 0);
@@ -80,28 +66,24 @@ TEST_F(FindingUploads, TheListFillsWhileSamplesArriveAndKeepsItsPlace) {
     ASSERT_TRUE(RunUntil([&] { return Rows() > 30; }));
     ASSERT_TRUE(Trace().IsUploading());
     for (int row = 0; row < Rows(); ++row) {
-        ASSERT_TRUE(Trace().IsValidSample(Found().SampleOf(row), false)) << "has not arrived";
+        ASSERT_TRUE(Trace().IsValidSample(Model().SampleOf(row), false)) << "has not arrived";
     }
     EXPECT_FALSE(Entry("Analyze/Show Only Hits").isEnabled());
     const int rows = Rows();
     Table().scrollTo(Table().model()->index(20, 0), QAbstractItemView::PositionAtTop);
-    const auto click = [&](int row, Qt::KeyboardModifiers modifiers) {
-        const QRect cell = Table().visualRect(Table().model()->index(row, FindingModel::Kind));
-        QTest::mouseClick(Table().viewport(), Qt::LeftButton, modifiers, cell.center());
-    };
-    click(22, {});
-    click(23, Qt::ShiftModifier);
+    ClickCell(22, FindingModel::Kind);
+    ClickCell(23, FindingModel::Kind, Qt::ShiftModifier);
     const int below = 23 - Table().verticalScrollBar()->value();
-    const std::int64_t first = Found().KeyOf(22);
-    const std::int64_t second = Found().KeyOf(23);
+    const std::int64_t first = Model().KeyOf(22);
+    const std::int64_t second = Model().KeyOf(23);
     ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
     ASSERT_TRUE(Trace().IsUploading());
     const int current = Table().currentIndex().row();
-    EXPECT_EQ(Found().KeyOf(current), second);
+    EXPECT_EQ(Model().KeyOf(current), second);
     EXPECT_EQ(current - Table().verticalScrollBar()->value(), below) << "it has not moved";
     std::vector<std::int64_t> selected;
     for (const QModelIndex& index : Table().selectionModel()->selectedRows()) {
-        selected.push_back(Found().KeyOf(index.row()));
+        selected.push_back(Model().KeyOf(index.row()));
     }
     std::ranges::sort(selected);
     EXPECT_EQ(selected, (std::vector<std::int64_t>{first, second}));
@@ -109,14 +91,14 @@ TEST_F(FindingUploads, TheListFillsWhileSamplesArriveAndKeepsItsPlace) {
     ASSERT_TRUE(Complete());
     ASSERT_TRUE(IsDone());
     ExpectAllRows();
-    EXPECT_EQ(Found().KeyOf(Table().currentIndex().row()), second);
+    EXPECT_EQ(Model().KeyOf(Table().currentIndex().row()), second);
     // The windows can be filtered now.
     Choose("Analyze/Show Only Hits");
-    EXPECT_EQ(Trace().RowCount(false), static_cast<std::int64_t>(Found().HitCount()));
+    EXPECT_EQ(Trace().RowCount(false), static_cast<std::int64_t>(Model().HitCount()));
     // The next run forgets all that.
     Go();
     EXPECT_EQ(Rows(), 0);
-    EXPECT_EQ(WhyEmpty(), "The capture has not ended yet.");
+    EXPECT_EQ(Reason(), "The capture has not ended yet.");
     EXPECT_EQ(Trace().FilterExpression(), "");
     Stop();
     ASSERT_TRUE(Complete());
@@ -147,7 +129,7 @@ TEST_F(FindingUploads, AHiddenListSearchesWhenItIsShown) {
     OpenFrame("State");
     OpenList();
     Give("FRAME falls");
-    Choose("Analyze/Findings and Hits");
+    SwitchPanel();
     Go();
     ASSERT_TRUE(Complete());
     EXPECT_EQ(Rows(), 0);
@@ -155,6 +137,30 @@ TEST_F(FindingUploads, AHiddenListSearchesWhenItIsShown) {
     OpenList();
     ASSERT_TRUE(IsDone());
     ExpectAllRows();
+}
+
+TEST_F(FindingUploads, TheChosenRowStaysWhileTheListIsClosedForAWhile) {
+    Connect({"--buffer", "64", "--rate", "50000"});
+    OpenFrame("State");
+    OpenList();
+    Give("FRAME falls");
+    StopALongRun();
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 100; }));
+    const int rows = Rows();
+    Table().setCurrentIndex(Table().model()->index(rows - 1, 0));
+    const std::int64_t chosen = Model().KeyOf(rows - 1);
+    SwitchPanel();
+    QTest::qWait(500);
+    EXPECT_EQ(Rows(), rows);
+    ASSERT_TRUE(Trace().IsUploading());
+    OpenList();
+    ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
+    EXPECT_EQ(Model().KeyOf(Table().currentIndex().row()), chosen);
+    board->Fault("delay 0");
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(IsDone());
+    ExpectAllRows();
+    EXPECT_EQ(Model().KeyOf(Table().currentIndex().row()), chosen);
 }
 
 TEST_F(FindingUploads, ACaptureThatRunsWhileAnotherWindowIsActiveIsSearchedAfterwards) {
@@ -170,7 +176,7 @@ TEST_F(FindingUploads, ACaptureThatRunsWhileAnotherWindowIsActiveIsSearchedAfter
     frame->Trace().Run().Go(Trace().setup, "");
     ASSERT_TRUE(Complete());
     Frame().Area().setActiveSubWindow(frame);
-    ASSERT_TRUE(RunUntil([&] { return Rows() > 0 && !Found().IsWorking(); }));
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 0 && !Model().IsWorking(); }));
     ExpectAllRows();
 }
 

@@ -2,6 +2,7 @@
 
 #include "analysis/transaction_follower.h"
 #include "support/live_frame_fixture_qt.h"
+#include "support/panel_fixture_qt.h"
 #include "ui/analysis/transaction_model.h"
 
 #include <QDockWidget>
@@ -12,19 +13,13 @@
 namespace busquill::test {
 namespace {
 
-class TransactionUploads : public LiveFrameFixture {
+class TransactionUploads : public PanelFixture<LiveFrameFixture, TransactionModel> {
 protected:
-    void OpenPanel() {
+    TransactionUploads() : PanelFixture(transactionNames) {}
+
+    void OpenTable() {
         Frame().resize(1100, 800);
-        Choose("Analyze/Transactions");
-    }
-    QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Transactions"); }
-    QTableView& Table() { return *Dock().findChild<QTableView*>("TransactionTable"); }
-    TransactionModel& Model() { return dynamic_cast<TransactionModel&>(*Table().model()); }
-    int Rows() { return Table().model() == nullptr ? 0 : Table().model()->rowCount(); }
-    std::string Reason() {
-        const auto& reason = *Dock().findChild<QLabel*>("TransactionReason");
-        return reason.isVisible() ? reason.text().toStdString() : "";
+        SwitchPanel();
     }
     void ExpectAllTransactions() {
         TransactionFollower follower(program->Link().Traits(), program->Tables());
@@ -49,7 +44,7 @@ protected:
 TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
     Connect({"--buffer", "64", "--rate", "50000"});
     OpenFrame("State");
-    OpenPanel();
+    OpenTable();
     EXPECT_EQ(Reason(), "There are no samples yet.");
     Go();
     EXPECT_EQ(Reason(), "The capture has not ended yet.");
@@ -61,20 +56,19 @@ TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
     ASSERT_TRUE(Trace().IsUploading());
     const int rows = Rows();
     Table().scrollTo(Table().model()->index(20, 0), QAbstractItemView::PositionAtTop);
-    const QRect cell = Table().visualRect(Table().model()->index(22, 1));
-    QTest::mouseClick(Table().viewport(), Qt::LeftButton, {}, cell.center());
-    const std::int64_t sample = Model().FirstSample(22);
+    ClickCell(22, 1);
+    const std::int64_t sample = Model().SampleOf(22);
     ASSERT_TRUE(RunUntil([&] { return Rows() > rows + 20; }));
     ASSERT_TRUE(Trace().IsUploading());
     const QModelIndex current = Table().currentIndex();
-    EXPECT_EQ(Model().FirstSample(current.row()), sample);
+    EXPECT_EQ(Model().SampleOf(current.row()), sample);
     EXPECT_TRUE(Table().selectionModel()->isRowSelected(current.row()));
     EXPECT_EQ(current.row() - Table().verticalScrollBar()->value(), 2) << "it has not moved";
     board->Fault("delay 0");
     ASSERT_TRUE(Complete());
     ASSERT_TRUE(RunUntil([&] { return !Model().IsWorking(); }));
     ExpectAllTransactions();
-    EXPECT_EQ(Model().FirstSample(Table().currentIndex().row()), sample);
+    EXPECT_EQ(Model().SampleOf(Table().currentIndex().row()), sample);
     // The next run forgets them.
     Go();
     EXPECT_EQ(Rows(), 0);
@@ -83,15 +77,33 @@ TEST_F(TransactionUploads, TheTableFillsWhileSamplesArriveAndKeepsItsPlace) {
     ASSERT_TRUE(Complete());
 }
 
+TEST_F(TransactionUploads, ARunForgetsTheChosenRow) {
+    Connect({"--buffer", "4"});
+    OpenFrame("State");
+    OpenTable();
+    Go();
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 1 && !Model().IsWorking(); }));
+    Table().setCurrentIndex(Model().index(1, 0));
+    EXPECT_TRUE(Trace().MarkedSamples());
+    Go();
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_FALSE(Trace().MarkedSamples());
+    ASSERT_TRUE(Complete());
+    ASSERT_TRUE(RunUntil([&] { return Rows() > 1 && !Model().IsWorking(); }));
+    EXPECT_FALSE(Table().currentIndex().isValid()) << "that row was of the run before";
+    EXPECT_FALSE(Trace().MarkedSamples());
+}
+
 TEST_F(TransactionUploads, AHiddenTableFollowsWhenItIsShown) {
     Connect({"--buffer", "4"});
     OpenFrame("State");
-    OpenPanel();
-    Choose("Analyze/Transactions");
+    OpenTable();
+    SwitchPanel();
     Go();
     ASSERT_TRUE(Complete());
     EXPECT_EQ(Rows(), 0);
-    Choose("Analyze/Transactions");
+    SwitchPanel();
     ASSERT_TRUE(RunUntil([&] { return !Model().IsWorking(); }));
     ExpectAllTransactions();
 }
@@ -99,7 +111,7 @@ TEST_F(TransactionUploads, AHiddenTableFollowsWhenItIsShown) {
 TEST_F(TransactionUploads, ACaptureThatRunsWhileAnotherWindowIsActiveIsFollowedAfterwards) {
     Connect({"--buffer", "4"});
     OpenFrame("State");
-    OpenPanel();
+    OpenTable();
     Go();
     ASSERT_TRUE(Complete());
     ASSERT_TRUE(RunUntil([&] { return !Model().IsWorking(); }));

@@ -3,9 +3,10 @@
 
 #include "capture/trace_document.h"
 #include "platform/bits.h"
-#include "support/program_fixture_qt.h"
+#include "support/panel_fixture_qt.h"
 #include "support/save_trace_qt.h"
 #include "ui/analysis/bookmark_dialog.h"
+#include "ui/analysis/bookmark_model.h"
 #include "ui/analysis/bookmark_panel.h"
 #include "ui/capture/position_gauge.h"
 #include "ui/display/trace_display.h"
@@ -28,34 +29,10 @@
 namespace busquill::test {
 namespace {
 
-class BookmarkPanels : public ProgramFixture {
+class BookmarkPanels : public PanelFixture<StoredCaptureFixture, BookmarkModel> {
 protected:
-    BookmarkPanels() {
-        StartDemo();
-        Frame().resize(1100, 800);
-        Frame().activateWindow();
-    }
-    CChildFrame& Open(const std::string& name) {
-        if (program->App().OpenDocumentFile(dir.File(name)) == nullptr) {
-            throw std::runtime_error("cannot open " + name);
-        }
-        Settle();
-        return ActiveFrame();
-    }
-    CChildFrame& ActiveFrame() {
-        return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
-    }
-    /// Panels follow before the program waits for an event.
-    void Settle() {
-        QApplication::processEvents();
-        Frame().RefreshCommands();
-        QApplication::processEvents();
-    }
-    void OpenPanel() {
-        Choose("Analyze/Bookmarks");
-        ASSERT_TRUE(Dock().isVisible());
-        Settle();
-    }
+    BookmarkPanels() : PanelFixture(bookmarkNames) {}
+
     /// Bookmarks beside a stored capture.
     void WriteBeside(const std::string& capture, const Bookmarks& bookmarks) {
         ASSERT_TRUE(WriteBookmarks(BookmarkPathOf(dir.File(capture)), bookmarks));
@@ -63,22 +40,7 @@ protected:
     Bookmarks InFile(const std::string& capture = "Trigger2.tra") {
         return ReadBookmarks(BookmarkPathOf(dir.File(capture))).bookmarks;
     }
-    QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Bookmarks"); }
-    QTableView& Table() { return *Dock().findChild<QTableView*>("BookmarkTable"); }
-    int Rows() { return Table().model()->rowCount(); }
-    int CurrentRow() { return Table().currentIndex().row(); }
     std::string Note() { return Dock().findChild<QLabel*>("BookmarkNote")->text().toStdString(); }
-    std::string Cell(int row, int column) {
-        const QModelIndex index = Table().model()->index(row, column);
-        return Table().model()->data(index, Qt::DisplayRole).toString().toStdString();
-    }
-    std::vector<std::string> Column(int column) {
-        std::vector<std::string> texts;
-        for (int row = 0; row < Rows(); ++row) {
-            texts.push_back(Cell(row, column));
-        }
-        return texts;
-    }
     QPoint PlaceOf(int row, int column = 2) {
         return Table().visualRect(Table().model()->index(row, column)).center();
     }
@@ -112,7 +74,6 @@ protected:
             });
         Settle();
     }
-    static std::int64_t Center(CChildFrame& frame) { return frame.TraceView().CenterSample(); }
     static std::int64_t CenterNumber(CChildFrame& frame) {
         return Center(frame) + frame.Trace().FirstSampleNumber(false);
     }

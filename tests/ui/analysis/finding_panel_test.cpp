@@ -6,7 +6,7 @@
 #include "signals/cell_text.h"
 #include "support/board_tables.h"
 #include "support/capture_builder.h"
-#include "support/program_fixture_qt.h"
+#include "support/panel_fixture_qt.h"
 #include "ui/analysis/finding_model.h"
 #include "ui/analysis/finding_panel.h"
 #include "ui/analysis/panel_table.h"
@@ -39,24 +39,10 @@ namespace {
 
 using testing::ElementsAre;
 
-class FindingPanels : public ProgramFixture {
+class FindingPanels : public PanelFixture<StoredCaptureFixture, FindingModel> {
 protected:
-    FindingPanels() {
-        StartDemo();
-        Frame().resize(1100, 800);
-        Frame().activateWindow();
-    }
-    CChildFrame& Open(const std::string& name) {
-        if (program->App().OpenDocumentFile(dir.File(name)) == nullptr) {
-            throw std::runtime_error("cannot open " + name);
-        }
-        QApplication::processEvents();
-        Frame().RefreshCommands(); // as before each event
-        return ActiveFrame();
-    }
-    CChildFrame& ActiveFrame() {
-        return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
-    }
+    FindingPanels() : PanelFixture(findingNames) {}
+
     void Activate(QMdiSubWindow& window) {
         Frame().Area().setActiveSubWindow(&window);
         QApplication::processEvents();
@@ -68,55 +54,11 @@ protected:
         QApplication::processEvents();
         Frame().RefreshCommands();
     }
-    /// Opens the panel by the menu.
-    void OpenPanel() {
-        Choose("Analyze/Findings and Hits");
-        ASSERT_TRUE(Dock().isVisible());
-        ASSERT_TRUE(Settled());
-    }
-    bool Settled() {
-        return QTest::qWaitFor([&] { return Table().model() == nullptr || !Model().IsWorking(); });
-    }
-    QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Findings and Hits"); }
-    PanelTable& Table() { return *Dock().findChild<PanelTable*>("FindingTable"); }
-    FindingModel& Model() { return dynamic_cast<FindingModel&>(*Table().model()); }
-    int Rows() { return Table().model() == nullptr ? 0 : Table().model()->rowCount(); }
-    std::string Cell(int row, int column) {
-        return Table().model()->index(row, column).data().toString().toStdString();
-    }
     void ClickRow(int row, Qt::KeyboardModifiers modifiers = {}) {
-        Table().scrollTo(Table().model()->index(row, 0));
-        const QRect cell = Table().visualRect(Table().model()->index(row, FindingModel::Kind));
-        QTest::mouseClick(Table().viewport(), Qt::LeftButton, modifiers, cell.center());
+        ClickCell(row, FindingModel::Kind, modifiers);
     }
-    std::string Reason() {
-        const auto& reason = *Dock().findChild<QLabel*>("FindingReason");
-        return reason.isVisible() ? reason.text().toStdString() : "";
-    }
-    std::string Summary() {
-        return Dock().findChild<QLabel*>("FindingSummary")->text().toStdString();
-    }
-    QComboBox& Line() { return *Dock().findChild<QComboBox*>("HitExpression"); }
-    std::string Mistake() { return Dock().findChild<QLabel*>("HitMistake")->text().toStdString(); }
     QToolButton& OnlyHits() { return *Dock().findChild<QToolButton*>("OnlyHits"); }
     QCheckBox& OnlyShown() { return *Dock().findChild<QCheckBox*>("OnlyShown"); }
-    /// Clicks into the line and types over it.
-    void Type(const QString& text) {
-        QTest::mouseClick(Line().lineEdit(), Qt::LeftButton, {}, {5, 5});
-        QTest::keyClick(&Line(), Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(&Line(), Qt::Key_Delete);
-        QTest::keyClicks(&Line(), text);
-    }
-    void Give(const QString& text) {
-        Type(text);
-        QTest::keyClick(&Line(), Qt::Key_Return);
-        ASSERT_TRUE(Settled());
-        // A list of words had the keyboard.
-        Frame().activateWindow();
-        Line().setFocus();
-        QApplication::processEvents();
-        Frame().RefreshCommands();
-    }
     /// Chooses what is listed, by keys.
     void List(int index) {
         auto& box = *Dock().findChild<QComboBox*>("ListedFindings");
@@ -151,11 +93,6 @@ protected:
             return i > 0 && records[i - 1].Bit(CaptureBuilder::Frame) &&
                    !records[i].Bit(CaptureBuilder::Frame);
         });
-    }
-    static std::string Clipboard() { return QApplication::clipboard()->text().toStdString(); }
-    int CurrentRow() { return Table().currentIndex().row(); }
-    static std::int64_t Center(const CChildFrame& frame) {
-        return frame.TraceView().CenterSample();
     }
     void ExpectAt(CChildFrame& frame, int row) {
         EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(row)),

@@ -5,7 +5,7 @@
 #include "capture/trace_document.h"
 #include "support/board_tables.h"
 #include "support/modal_qt.h"
-#include "support/program_fixture_qt.h"
+#include "support/panel_fixture_qt.h"
 #include "ui/analysis/transaction_panel.h"
 #include "ui/display/trace_view.h"
 #include "ui/shell/help_window.h"
@@ -51,80 +51,22 @@ std::vector<Transaction> TransactionsOf(const CTesselDoc& document, Program& pro
     return all;
 }
 
-class TransactionPanels : public ProgramFixture {
+class TransactionPanels : public PanelFixture<StoredCaptureFixture, TransactionModel> {
 protected:
-    TransactionPanels() {
-        StartDemo();
-        Frame().resize(1100, 800);
-        Frame().activateWindow();
-    }
-    CChildFrame& Open(const std::string& name) {
-        if (program->App().OpenDocumentFile(dir.File(name)) == nullptr) {
-            throw std::runtime_error("cannot open " + name);
-        }
-        QApplication::processEvents();
-        return ActiveFrame();
-    }
-    CChildFrame& ActiveFrame() {
-        return dynamic_cast<CChildFrame&>(*Frame().Area().activeSubWindow());
-    }
-    /// Opens the panel by the menu.
-    void OpenPanel() {
-        Choose("Analyze/Transactions");
-        ASSERT_TRUE(Dock().isVisible());
-        ASSERT_TRUE(Settled());
-    }
-    bool Settled() {
-        return QTest::qWaitFor([&] { return Table().model() == nullptr || !Model().IsWorking(); });
-    }
-    QDockWidget& Dock() { return *Frame().findChild<QDockWidget*>("Transactions"); }
-    QTableView& Table() { return *Dock().findChild<QTableView*>("TransactionTable"); }
-    TransactionModel& Model() { return dynamic_cast<TransactionModel&>(*Table().model()); }
-    int Rows() { return Table().model() == nullptr ? 0 : Table().model()->rowCount(); }
+    TransactionPanels() : PanelFixture(transactionNames) {}
+
     static int ColumnOf(const char* title) {
         const auto columns = FieldColumns();
         const auto found = std::ranges::find(columns, std::string_view(title), &FieldColumn::title);
         return static_cast<int>(found - columns.begin());
     }
     std::string Cell(int row, const char* title) {
-        const QModelIndex index = Table().model()->index(row, ColumnOf(title));
-        return Table().model()->data(index, Qt::DisplayRole).toString().toStdString();
-    }
-    void ClickRow(int row) {
-        Table().scrollTo(Table().model()->index(row, 0));
-        const QRect cell = Table().visualRect(Table().model()->index(row, ColumnOf("Sample")));
-        QTest::mouseClick(Table().viewport(), Qt::LeftButton, {}, cell.center());
-    }
-    std::string Reason() {
-        const auto& reason = *Dock().findChild<QLabel*>("TransactionReason");
-        return reason.isVisible() ? reason.text().toStdString() : "";
-    }
-    std::string Summary() {
-        return Dock().findChild<QLabel*>("TransactionSummary")->text().toStdString();
-    }
-    QComboBox& Filter() { return *Dock().findChild<QComboBox*>("TransactionFilter"); }
-    std::string Mistake() {
-        return Dock().findChild<QLabel*>("FilterMistake")->text().toStdString();
-    }
-    /// Clicks into the filter and types over it.
-    void Type(const QString& text) {
-        QTest::mouseClick(Filter().lineEdit(), Qt::LeftButton, {}, {5, 5});
-        QTest::keyClick(&Filter(), Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(&Filter(), Qt::Key_Delete);
-        QTest::keyClicks(&Filter(), text);
-    }
-    void Give(const QString& text) {
-        Type(text);
-        QTest::keyClick(&Filter(), Qt::Key_Return);
-        ASSERT_TRUE(Settled());
+        return PanelFixture::Cell(row, ColumnOf(title));
     }
     std::vector<std::string> Column(const char* title) {
-        std::vector<std::string> texts;
-        for (int row = 0; row < Rows(); ++row) {
-            texts.push_back(Cell(row, title));
-        }
-        return texts;
+        return PanelFixture::Column(ColumnOf(title));
     }
+    void ClickRow(int row) { ClickCell(row, ColumnOf("Sample")); }
     void ClickTitle(const char* title) {
         const QHeaderView& header = *Table().horizontalHeader();
         const int column = ColumnOf(title);
@@ -144,10 +86,6 @@ protected:
             },
             choice);
     }
-    static std::string Clipboard() { return QApplication::clipboard()->text().toStdString(); }
-    int CurrentRow() { return Table().currentIndex().row(); }
-    /// The sample in the middle of a window of the capture.
-    static std::int64_t Center(CChildFrame& frame) { return frame.TraceView().CenterSample(); }
 };
 
 TEST_F(TransactionPanels, TheMenuIsThereForCapturesOnly) {
@@ -216,7 +154,7 @@ TEST_F(TransactionPanels, AClickTakesAllWindowsOfTheCaptureToTheFirstSample) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
     ClickRow(200);
-    const std::int64_t sample = Model().FirstSample(200);
+    const std::int64_t sample = Model().SampleOf(200);
     EXPECT_EQ(sample, TransactionsOf(frame.Trace(), *program)[200].sample -
                           frame.Trace().FirstSampleNumber(false));
     EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(sample), 1);
@@ -232,14 +170,14 @@ TEST_F(TransactionPanels, TheSamplesOfTheChosenRowAreMarkedWhileThePanelIsOpen) 
     EXPECT_EQ(trace.MarkedSamples(), std::nullopt);
     EXPECT_EQ(frame.TraceView().TopSample(), top);
     const auto samplesOf = [&](int row) {
-        return std::optional(SampleSpan{Model().FirstSample(row), Model().LastSample(row)});
+        return std::optional(SampleSpan{Model().SampleOf(row), Model().LastSample(row)});
     };
     ClickRow(20);
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(20));
     EXPECT_LT(trace.MarkedSamples()->first, trace.MarkedSamples()->last);
     QTest::keyClick(&Table(), Qt::Key_Down);
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(21));
-    frame.Trace().ToggleMarker(1, Model().FirstSample(30), false);
+    frame.Trace().ToggleMarker(1, Model().SampleOf(30), false);
     EXPECT_EQ(trace.MarkedSamples(), samplesOf(30)) << "marker 1 has chosen it";
     Give("bytes > 100000");
     EXPECT_EQ(trace.MarkedSamples(), std::nullopt) << "no row is left";
@@ -278,7 +216,7 @@ TEST_F(TransactionPanels, KeysGoFromRowToRow) {
     QTest::keyClick(&Table(), Qt::Key_Up);
     EXPECT_EQ(CurrentRow(), Rows() - 3);
     EXPECT_NEAR(static_cast<double>(Center(frame)),
-                static_cast<double>(Model().FirstSample(Rows() - 3)), 1);
+                static_cast<double>(Model().SampleOf(Rows() - 3)), 1);
     QTest::keyClick(&Table(), Qt::Key_Home);
     EXPECT_EQ(CurrentRow(), 0);
     EXPECT_EQ(frame.TraceView().TopSample(), 0);
@@ -290,7 +228,7 @@ TEST_F(TransactionPanels, KeysGoFromRowToRow) {
 TEST_F(TransactionPanels, Marker1ChoosesTheRowThatItStandsInAndMovesNothing) {
     CChildFrame& frame = Open("Trigger2.tra");
     OpenPanel();
-    const std::int64_t inside = Model().FirstSample(30) + 1;
+    const std::int64_t inside = Model().SampleOf(30) + 1;
     ASSERT_GE(Model().LastSample(30), inside);
     frame.TraceView().ShowSample(inside + 6);
     const std::int64_t top = frame.TraceView().TopSample();
@@ -329,17 +267,17 @@ TEST_F(TransactionPanels, AFilterOfSamplesDoesNotMatter) {
         ++row;
     }
     ClickRow(row);
-    const std::int64_t sample = Model().FirstSample(row);
+    const std::int64_t sample = Model().SampleOf(row);
     EXPECT_LE(frame.TraceView().TopSample(), sample);
     ClickRow(row + 1); // the listing hides its first sample
     EXPECT_EQ(CurrentRow(), row + 1);
-    EXPECT_LE(frame.TraceView().TopSample(), Model().FirstSample(row + 1));
+    EXPECT_LE(frame.TraceView().TopSample(), Model().SampleOf(row + 1));
 }
 
 TEST_F(TransactionPanels, F1OpensTheirPageOfTheManual) {
     Open("Trigger2.tra");
     OpenPanel();
-    for (QWidget* focus : {static_cast<QWidget*>(&Table()), static_cast<QWidget*>(&Filter())}) {
+    for (QWidget* focus : {static_cast<QWidget*>(&Table()), static_cast<QWidget*>(&Line())}) {
         QTest::keyClick(focus, Qt::Key_F1);
         auto* help = Frame().findChild<HelpWindow*>();
         ASSERT_NE(help, nullptr);
@@ -409,8 +347,7 @@ TEST_F(TransactionPanels, StaysWhenTheOtherDisplayIsShown) {
     QApplication::processEvents();
     EXPECT_EQ(CurrentRow(), 40);
     ClickRow(60);
-    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(60)),
-                2);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(60)), 2);
 }
 
 TEST_F(TransactionPanels, SumsUpTheRows) {
@@ -449,7 +386,7 @@ TEST_F(TransactionPanels, TheFilterShowsOnlyWhatFulfilsIt) {
         EXPECT_EQ(end, "retry");
     }
     ClickRow(4);
-    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(4)), 1);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(4)), 1);
     const std::string number = Cell(4, "Number");
     Give("");
     ASSERT_EQ(Rows(), 267);
@@ -468,10 +405,10 @@ TEST_F(TransactionPanels, AMistakeInTheFilterIsMarkedWhereItIsAndExplained) {
     EXPECT_NE(Mistake().find("there is no field \"adress\""), std::string::npos) << Mistake();
     QTest::qWait(600);
     EXPECT_EQ(Rows(), 10) << "the last filter without a mistake stays";
-    QTest::keyClick(&Filter(), Qt::Key_Return);
+    QTest::keyClick(&Line(), Qt::Key_Return);
     EXPECT_EQ(Rows(), 10);
     // The mistake is underlined in red, what comes before it is not.
-    QLineEdit& line = *Filter().lineEdit();
+    QLineEdit& line = *Line().lineEdit();
     line.deselect();
     const QImage picture = line.grab().toImage();
     const double scale = picture.devicePixelRatio();
@@ -497,7 +434,7 @@ TEST_F(TransactionPanels, AMistakeInTheFilterIsMarkedWhereItIsAndExplained) {
 TEST_F(TransactionPanels, TheFilterOffersTheWordsThatCanFollow) {
     Open("Trigger2.tra");
     OpenPanel();
-    QAbstractItemView& list = *Filter().findChild<QCompleter*>()->popup();
+    QAbstractItemView& list = *Line().findChild<QCompleter*>()->popup();
     const auto offered = [&] {
         QStringList words;
         for (int row = 0; list.isVisible() && row < list.model()->rowCount(); ++row) {
@@ -508,30 +445,30 @@ TEST_F(TransactionPanels, TheFilterOffersTheWordsThatCanFollow) {
     Type("wa");
     EXPECT_EQ(offered(), "wait");
     QTest::keyClick(&list, Qt::Key_Tab);
-    EXPECT_EQ(Filter().currentText(), "wait");
+    EXPECT_EQ(Line().currentText(), "wait");
     EXPECT_FALSE(list.isVisible());
-    EXPECT_TRUE(Filter().lineEdit()->hasFocus());
+    EXPECT_TRUE(Line().lineEdit()->hasFocus());
     Type("end == r");
     EXPECT_EQ(offered(), "retry");
     QTest::keyClick(&list, Qt::Key_Down);
     QTest::keyClick(&list, Qt::Key_Return);
-    EXPECT_EQ(Filter().currentText(), "end == retry");
+    EXPECT_EQ(Line().currentText(), "end == retry");
     EXPECT_FALSE(list.isVisible());
     // In the middle only the begun word changes.
     Type("fi > 2 and wait > 3");
     EXPECT_FALSE(list.isVisible()) << "after a mistake there is nothing to offer";
-    Filter().lineEdit()->setCursorPosition(2);
-    QTest::keyClick(&Filter(), Qt::Key_N);
+    Line().lineEdit()->setCursorPosition(2);
+    QTest::keyClick(&Line(), Qt::Key_N);
     EXPECT_EQ(offered(), "findings");
     QTest::keyClick(&list, Qt::Key_Tab);
-    EXPECT_EQ(Filter().currentText(), "findings > 2 and wait > 3");
+    EXPECT_EQ(Line().currentText(), "findings > 2 and wait > 3");
     // A whole word needs no list, and Escape closes one.
     Type("wait");
     EXPECT_FALSE(list.isVisible());
     Type("wai");
     QTest::keyClick(&list, Qt::Key_Escape);
     EXPECT_FALSE(list.isVisible());
-    EXPECT_EQ(Filter().currentText(), "wai");
+    EXPECT_EQ(Line().currentText(), "wai");
 }
 
 TEST_F(TransactionPanels, FiltersThatWereUsedAreOfferedAgainAlsoInTheNextRun) {
@@ -547,16 +484,16 @@ TEST_F(TransactionPanels, FiltersThatWereUsedAreOfferedAgainAlsoInTheNextRun) {
     Open("Trigger2.tra");
     ASSERT_TRUE(Settled());
     ASSERT_TRUE(Dock().isVisible());
-    EXPECT_EQ(Filter().currentText(), "");
-    ASSERT_EQ(Filter().count(), 2);
-    EXPECT_EQ(Filter().itemText(0), "wait > 8");
-    EXPECT_EQ(Filter().itemText(1), "end == retry");
-    QTest::mouseClick(Filter().lineEdit(), Qt::LeftButton, {}, {5, 5});
-    QTest::keyClick(&Filter(), Qt::Key_Down);
-    QTest::keyClick(&Filter(), Qt::Key_Down);
-    QTest::keyClick(&Filter(), Qt::Key_Return);
+    EXPECT_EQ(Line().currentText(), "");
+    ASSERT_EQ(Line().count(), 2);
+    EXPECT_EQ(Line().itemText(0), "wait > 8");
+    EXPECT_EQ(Line().itemText(1), "end == retry");
+    QTest::mouseClick(Line().lineEdit(), Qt::LeftButton, {}, {5, 5});
+    QTest::keyClick(&Line(), Qt::Key_Down);
+    QTest::keyClick(&Line(), Qt::Key_Down);
+    QTest::keyClick(&Line(), Qt::Key_Return);
     ASSERT_TRUE(Settled());
-    EXPECT_EQ(Filter().currentText(), "end == retry");
+    EXPECT_EQ(Line().currentText(), "end == retry");
     EXPECT_EQ(Rows(), 10);
 }
 
@@ -567,12 +504,12 @@ TEST_F(TransactionPanels, EachCaptureHasItsOwnFilterAndOrder) {
     ClickTitle("Bytes");
     Open("Trigger1.tra");
     ASSERT_TRUE(Settled());
-    EXPECT_EQ(Filter().currentText(), "");
+    EXPECT_EQ(Line().currentText(), "");
     EXPECT_EQ(Cell(0, "Number"), "1");
     EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), -1);
     Frame().Area().setActiveSubWindow(&first);
     QApplication::processEvents();
-    EXPECT_EQ(Filter().currentText(), "end == retry");
+    EXPECT_EQ(Line().currentText(), "end == retry");
     EXPECT_EQ(Rows(), 10);
     EXPECT_EQ(Table().horizontalHeader()->sortIndicatorSection(), ColumnOf("Bytes"));
 }
@@ -584,11 +521,11 @@ TEST_F(TransactionPanels, WhatIsTypedStaysWithItsCapture) {
     Type("end == retry and wait >");
     CChildFrame& second = Open("Trigger1.tra");
     ASSERT_TRUE(Settled());
-    EXPECT_EQ(Filter().currentText(), "");
+    EXPECT_EQ(Line().currentText(), "");
     EXPECT_EQ(Mistake(), "");
     Frame().Area().setActiveSubWindow(&first);
     QApplication::processEvents();
-    EXPECT_EQ(Filter().currentText(), "end == retry and wait >");
+    EXPECT_EQ(Line().currentText(), "end == retry and wait >");
     EXPECT_NE(Mistake(), "");
     EXPECT_EQ(Rows(), 10);
     // A text without a mistake is applied when its capture is shown again.
@@ -599,7 +536,7 @@ TEST_F(TransactionPanels, WhatIsTypedStaysWithItsCapture) {
     Frame().Area().setActiveSubWindow(&first);
     EXPECT_TRUE(QTest::qWaitFor([&] { return Rows() > 10; }));
     EXPECT_NE(Rows(), rows);
-    EXPECT_EQ(Filter().currentText(), "wait > 2");
+    EXPECT_EQ(Line().currentText(), "wait > 2");
 }
 
 TEST_F(TransactionPanels, AFilterIsKeptByNameAndTakenAgain) {
@@ -628,7 +565,7 @@ TEST_F(TransactionPanels, AFilterIsKeptByNameAndTakenAgain) {
     EXPECT_EQ(Rows(), 267);
     EXPECT_EQ(AnswerMenu(open, "@retries    end == retry").join('|').toStdString(),
               "&Keep As...||@retries    end == retry|@falls    FRAME falls||&Remove");
-    EXPECT_EQ(Filter().currentText(), "@retries");
+    EXPECT_EQ(Line().currentText(), "@retries");
     EXPECT_EQ(Rows(), 10);
     Give("@retries and number > 200");
     EXPECT_LT(Rows(), 10);
@@ -658,7 +595,7 @@ TEST_F(TransactionPanels, AFilterIsKeptByNameAndTakenAgain) {
     Frame().Area().closeAllSubWindows();
     QApplication::processEvents();
     EXPECT_FALSE(button.isEnabled());
-    EXPECT_EQ(Filter().currentText(), "");
+    EXPECT_EQ(Line().currentText(), "");
 }
 
 TEST_F(TransactionPanels, AFilterStaysWhenTheBusChanges) {
@@ -670,10 +607,10 @@ TEST_F(TransactionPanels, AFilterStaysWhenTheBusChanges) {
     ASSERT_LT(rows, static_cast<int>(Model().TransactionCount()));
     program->Link().WriteBusConfig({.busMode = BusVme});
     Frame().RefreshCommands();
-    EXPECT_EQ(Filter().currentText(), "latency > 2");
+    EXPECT_EQ(Line().currentText(), "latency > 2");
     program->Link().WriteBusConfig({.busMode = BusPci});
     Frame().RefreshCommands();
-    EXPECT_EQ(Filter().currentText(), "latency > 2");
+    EXPECT_EQ(Line().currentText(), "latency > 2");
     EXPECT_TRUE(QTest::qWaitFor([&] { return Rows() == rows && !Model().IsWorking(); }));
 }
 
@@ -705,11 +642,11 @@ TEST_F(TransactionPanels, AFloatingPanelWorksAsInTheWindow) {
     QTest::keyClick(&Table(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_NE(Clipboard().find("Number\t"), std::string::npos);
     Type("wait");
-    QTest::keyClick(&Filter(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&Line(), Qt::Key_A, Qt::ControlModifier);
     Frame().RefreshCommands();
     Choose("Edit/Copy");
     EXPECT_EQ(Clipboard(), "wait");
-    QTest::keyClick(&Filter(), Qt::Key_Escape);
+    QTest::keyClick(&Line(), Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == &Frame(); }));
     EXPECT_TRUE(ActiveFrame().TraceView().hasFocus());
 }
@@ -733,7 +670,7 @@ TEST_F(TransactionPanels, ATitleSortsUpThenDownThenAsInTheCapture) {
     ClickTitle("Bytes");
     EXPECT_TRUE(std::ranges::is_sorted(bytes(), std::ranges::greater()));
     ClickRow(0);
-    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().FirstSample(0)), 1);
+    EXPECT_NEAR(static_cast<double>(Center(frame)), static_cast<double>(Model().SampleOf(0)), 1);
     ClickTitle("Bytes");
     EXPECT_EQ(Cell(0, "Number"), "1");
     EXPECT_EQ(Cell(266, "Number"), "267");
@@ -761,8 +698,8 @@ TEST_F(TransactionPanels, CopiesTheSelectedRowsAsTheyAreShown) {
     EXPECT_EQ(Clipboard(), wanted);
     // In the filter, its text is copied.
     Type("wait");
-    QTest::keyClick(&Filter(), Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(&Filter(), Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(&Line(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&Line(), Qt::Key_C, Qt::ControlModifier);
     EXPECT_EQ(Clipboard(), "wait");
     QApplication::clipboard()->clear();
     Choose("Edit/Copy");
@@ -770,7 +707,7 @@ TEST_F(TransactionPanels, CopiesTheSelectedRowsAsTheyAreShown) {
     // In the capture, its picture or its rows.
     Frame().activateWindow(); // the list of words has taken the keyboard
     QApplication::processEvents();
-    QTest::keyClick(&Filter(), Qt::Key_Escape);
+    QTest::keyClick(&Line(), Qt::Key_Escape);
     EXPECT_FALSE(Entry("Edit/Copy").isEnabled()) << "no marker is set in the listing";
 }
 
@@ -782,10 +719,10 @@ TEST_F(TransactionPanels, LettersAndTheWheelChangeNothing) {
     ClickRow(3);
     QTest::keyClick(&Table(), Qt::Key_1);
     EXPECT_EQ(CurrentRow(), 3);
-    QWheelEvent wheel({5, 5}, Filter().mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+    QWheelEvent wheel({5, 5}, Line().mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
                       Qt::NoModifier, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&Filter(), &wheel);
-    EXPECT_EQ(Filter().currentText(), "wait > 2");
+    QApplication::sendEvent(&Line(), &wheel);
+    EXPECT_EQ(Line().currentText(), "wait > 2");
 }
 
 TEST_F(TransactionPanels, ColumnsAreChosenInTheMenuOnTheTitles) {
