@@ -335,6 +335,14 @@ TEST_F(TraceFiles, ATruncatedFileIsReadAndReported) {
         EXPECT_EQ(run.err, "busquill-trace: cut.tra ends before its samples do\n") << command[0];
         EXPECT_NE(run.out, "");
     }
+    for (const char* command : {"stats", "transactions"}) {
+        EXPECT_THAT(Run({command, "cut.tra"}).err,
+                    testing::StartsWith("busquill-trace: cut.tra ends before its samples do\n"))
+            << command;
+        EXPECT_THAT(Run({command, demo, "cut.tra"}).err,
+                    HasSubstr("cut.tra ends before its samples do\n"))
+            << command;
+    }
 }
 
 TEST_F(TraceFiles, AFileThatEndsBeforeTheSamplesIsReportedAsEmpty) {
