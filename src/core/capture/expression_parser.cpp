@@ -171,6 +171,7 @@ private:
             isToldWhere_ = true;
         }
         reader_ = std::move(reader);
+        lastName_.reset();
         offers_ = offers;
         within_.pop_back();
         --depth_;
@@ -279,12 +280,20 @@ private:
                        return EqualIgnoringCase(each, label);
                    })) {
             text = label;
+            value.TakeSign(label);
         } else if (written.empty() || lastName_->isHex) {
             static_cast<void>(value.TakeNumber(lastName_->isHex));
             value.EndNumber({}, place);
             text = value.Since(place);
         }
-        if (value.Error() || text.empty()) {
+        // What is compared itself is a name with a mistake.
+        const auto isCompared = [&] {
+            constexpr std::array<std::string_view, 4> signs = {"=", "!=", "<", ">"};
+            constexpr std::array<std::string_view, 4> words = {"in", "rises", "falls", "changes"};
+            return std::ranges::any_of(signs, [&](auto each) { return value.Sees(each); }) ||
+                   std::ranges::any_of(words, [&](auto each) { return value.TakeWord(each); });
+        };
+        if (value.Error() || text.empty() || isCompared()) {
             return false;
         }
         reader_.Fail("write the name again: " + QuotedName(lastName_->name) + " " + lastSign_ +

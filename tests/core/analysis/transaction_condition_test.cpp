@@ -333,6 +333,7 @@ TEST(TransactionConditions, UseKeptExpressions) {
         wrong("@loop"),
         testing::StartsWith("0 @pool is wrong at \"@loop\": @loop uses itself through @pool"));
     EXPECT_EQ(ErrorOf("@slow").message, "there is no kept expression \"@slow\"");
+    EXPECT_THAT(wrong("@slow or 5"), testing::StartsWith("9 expected a field: "));
 
     // Only those that can be used here are offered.
     const auto offered = [&](std::string_view text) {
@@ -462,6 +463,7 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"I-WAIT > 0", 0, "a name with a hyphen is put into backquotes: `I-WAIT`"},
              Case{"I-WAITS > 0", 0, "there is no field \"I\""},
              Case{"end == retry or complete", 16, "write the name again: end == complete"},
+             Case{"end == retry or complete == 5", 16, "there is no field \"complete\""},
              Case{"end == retry or completed", 16, "there is no field \"completed\""},
              Case{"wait > 3 or 5", 12, "write the name again: wait > 5"},
              Case{"address == 1.5", 11, "a hexadecimal number has no decimals"},
