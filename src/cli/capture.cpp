@@ -1,5 +1,6 @@
 #include "capture/search_condition.h"
 #include "capture/trace_writer.h"
+#include "cli/beside.h"
 #include "cli/command_line.h"
 #include "cli/command_options.h"
 #include "cli/commands.h"
@@ -269,6 +270,7 @@ std::int64_t CountHeld(CTesselDoc& document) {
 void SaveTo(Runner& runner, const std::string& path) {
     if (path != "-") {
         runner.Save(path);
+        WriteBookmarksBeside(path, {});
         return;
     }
     const TemporaryFile copy(".tra");

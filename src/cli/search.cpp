@@ -1,5 +1,6 @@
 #include "capture/sample_condition.h"
 #include "capture/search_condition.h"
+#include "cli/beside.h"
 #include "cli/bus.h"
 #include "cli/capture_report.h"
 #include "cli/command_line.h"
@@ -359,6 +360,7 @@ int RunFilter(const FilterOptions& options) {
         output.Write("\"End of Trace Data\"\n"); // missing in a file that was cut off
     }
     output.Close();
+    WriteBookmarksBeside(options.output.path, options.file);
     return ExitStatus::Done;
 }
 

@@ -335,6 +335,14 @@ TEST_F(TraceFiles, ATruncatedFileIsReadAndReported) {
         EXPECT_EQ(run.err, "busquill-trace: cut.tra ends before its samples do\n") << command[0];
         EXPECT_NE(run.out, "");
     }
+    for (const char* command : {"stats", "transactions"}) {
+        EXPECT_THAT(Run({command, "cut.tra"}).err,
+                    testing::StartsWith("busquill-trace: cut.tra ends before its samples do\n"))
+            << command;
+        EXPECT_THAT(Run({command, demo, "cut.tra"}).err,
+                    HasSubstr("cut.tra ends before its samples do\n"))
+            << command;
+    }
 }
 
 TEST_F(TraceFiles, SumsOfATruncatedFileSayThatSamplesAreMissing) {
@@ -420,6 +428,28 @@ TEST_F(TraceFiles, ACaptureCanBeFilteredInPlace) {
               0);
     EXPECT_EQ(Run({"filter", demo, "-p", "COMMAND=Mem Wr", "-o", "b.tra"}).status, 0);
     EXPECT_EQ(ReadWholeFile(dir.File("a.tra")), ReadWholeFile(dir.File("b.tra")));
+}
+
+TEST_F(TraceFiles, AFilteredCaptureHasTheBookmarksOfItsSource) {
+    const std::string notes = "Busquill bookmarks 1\n-3\tnote\n";
+    const std::string others = "Busquill bookmarks 1\n7\tof another capture\n";
+    dir.Write("a.tra", ReadWholeFile(demo));
+    dir.Write("a.tra.bookmarks", notes);
+    dir.Write("b.tra.bookmarks", others);
+    dir.Write("c.tra.bookmarks", others);
+    const std::vector<std::string> writes = {"filter", "-p", "COMMAND=Mem Wr"};
+    const auto filter = [&](const std::vector<std::string>& files) {
+        std::vector<std::string> all = writes;
+        all.insert(all.end(), files.begin(), files.end());
+        return RunTrace(all, {.folder = dir.Path(), .standardInput = ReadWholeFile(demo)});
+    };
+    EXPECT_EQ(filter({"a.tra", "-o", "b.tra"}).status, 0);
+    EXPECT_EQ(ReadWholeFile(dir.File("b.tra.bookmarks")), notes);
+    EXPECT_EQ(filter({"-", "-o", "c.tra"}).status, 0);
+    EXPECT_FALSE(std::filesystem::exists(dir.File("c.tra.bookmarks")));
+    EXPECT_EQ(filter({"a.tra", "-o", "a.tra", "--overwrite"}).status, 0);
+    EXPECT_EQ(ReadWholeFile(dir.File("a.tra.bookmarks")), notes);
+    EXPECT_EQ(filter({"a.tra", "-o", "-"}).err, "");
 }
 
 TEST_F(TraceFiles, AClosedPipeEndsTheCommandQuietly) {

@@ -14,8 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string text(reinterpret_cast<const char*>(data), size);
     const BookmarkFile file = ReadBookmarks(dir.Write("a.tra.bookmarks", text));
     const std::string copy = dir.File("b.tra.bookmarks");
-    const bool isSame = WriteBookmarks(copy, file.bookmarks) &&
-                        ReadBookmarks(copy).failure.empty() &&
+    if (!WriteBookmarks(copy, file.bookmarks)) {
+        return 0; // the disk may be full
+    }
+    const bool isSame = ReadBookmarks(copy).failure.empty() &&
                         ReadBookmarks(copy).bookmarks == file.bookmarks;
     if (!isSame) {
         std::abort();

@@ -3,6 +3,8 @@
 #include "support/modal_qt.h"
 #include "ui/capture/save_trace_dialog.h"
 
+#include <filesystem>
+
 namespace busquill::test {
 
 /// Sets the range of samples in Save Trace.
@@ -12,7 +14,8 @@ inline void SetSaveRange(const CSaveTraceDialog& dialog, const QString& start, c
 }
 
 /// Enters a path in the file dialog that `choose` opens, calls `act` on Save Trace, which opens
-/// next, and presses its OK. Returns the name that the file dialog proposed.
+/// next, and presses its OK. A file that is there is replaced. Returns the name that the file
+/// dialog proposed.
 inline std::string SaveTraceUnder(
     const std::string& path, const std::function<void()>& choose,
     const std::function<void(CSaveTraceDialog&)>& act = [](CSaveTraceDialog&) {}) {
@@ -25,7 +28,7 @@ inline std::string SaveTraceUnder(
         if (auto* files = qobject_cast<QFileDialog*>(modal); files != nullptr && !isNamed) {
             isNamed = true;
             proposed = files->findChild<QLineEdit*>("fileNameEdit")->text().toStdString();
-            GiveFileName(*files, path);
+            (std::filesystem::exists(path) ? ReplaceFile : GiveFileName)(*files, path);
         } else if (auto* dialog = qobject_cast<CSaveTraceDialog*>(modal);
                    dialog != nullptr && !isSaved) {
             isSaved = true;

@@ -172,6 +172,20 @@ TEST_F(TraceProgramCapture, HoldsTheTrafficAroundTheTrigger) {
     EXPECT_THAT(FilesIn(temporary), IsEmpty());
 }
 
+TEST_F(TraceProgramCapture, LeavesNoBookmarksOfTheCaptureThatItReplaces) {
+    StartSeeded();
+    ASSERT_EQ(Capture(Writes(40)).status, 0);
+    std::ofstream(target + ".bookmarks") << "Busquill bookmarks 1\n3\told\n";
+    EXPECT_EQ(Capture(Writes(20)).status, 0);
+    EXPECT_THAT(FilesIn(folder), ElementsAre("out.tra"));
+    std::ofstream(target + ".bookmarks") << "my own notes\n";
+    const ProgramRun run = Capture(Writes(20));
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.err, HasSubstr("The bookmarks in this file are not understood, so it was left "
+                                   "as it is."));
+    EXPECT_EQ(ReadWholeFile(target + ".bookmarks"), "my own notes\n");
+}
+
 TEST_F(TraceProgramCapture, SendsTheSetupThenStartsThenStopsThenReads) {
     StartSeeded();
     ASSERT_EQ(Capture(memoryWrite).status, 0);

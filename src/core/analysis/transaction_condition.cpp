@@ -29,8 +29,9 @@ public:
 
     [[nodiscard]] std::string_view Kind() const override { return "a field"; }
     [[nodiscard]] std::optional<ExpressionName> Find(std::string_view name) override {
+        const std::string_view wanted = NameOfTitle(name);
         const auto field = std::ranges::find_if(
-            transactionFields, [&](auto each) { return EqualIgnoringCase(each, name); });
+            transactionFields, [&](auto each) { return EqualIgnoringCase(each, wanted); });
         if (field == transactionFields.end()) {
             return std::nullopt;
         }
@@ -59,7 +60,18 @@ public:
                         : "";
     }
 
+    [[nodiscard]] std::string InsteadOfLabel(std::string_view text) const override {
+        return EqualIgnoringCase(text, begunBefore) ? "headless" : "";
+    }
+
 private:
+    /// The field whose column has this title, otherwise the same name.
+    static std::string_view NameOfTitle(std::string_view name) {
+        const auto column = std::ranges::find_if(FieldColumns(), [&](const FieldColumn& each) {
+            return EqualIgnoringCase(each.title, name);
+        });
+        return column == FieldColumns().end() ? name : NameOf(column->field);
+    }
     [[nodiscard]] ExpressionName::Values ValuesOf(std::size_t id) const {
         using Values = ExpressionName::Values;
         if (id == headlessId) {

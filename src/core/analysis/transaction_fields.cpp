@@ -162,7 +162,7 @@ void TransactionFields::Append(std::string& text, const Transaction& transaction
         AppendTime(text, transaction.time);
         break;
     case TransactionField::Command:
-        text += transaction.isHeadless ? "(begun before)" : labels_.Of(transaction);
+        text += transaction.isHeadless ? begunBefore : labels_.Of(transaction);
         break;
     case Address:
         AppendAddress(text, transaction);

@@ -39,6 +39,9 @@ enum class TransactionField : std::uint8_t {
 [[nodiscard]] std::optional<std::int64_t> NumberOf(const Transaction& transaction,
                                                    TransactionField field);
 
+/// The command of a transaction whose beginning is not in the capture, as a table shows it.
+constexpr const char* begunBefore = "(begun before)";
+
 /// How a table shows a field.
 struct FieldColumn {
     TransactionField field;

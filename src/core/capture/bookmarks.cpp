@@ -84,9 +84,13 @@ std::string AddLine(std::string_view line, Bookmarks& bookmarks) {
     std::int64_t number = 0;
     const char* const numberEnd = line.data() + tab;
     const auto [stop, error] = std::from_chars(line.data(), numberEnd, number);
-    if (error != std::errc() || stop != numberEnd || number > largestNumber ||
-        number < -largestNumber) {
+    if (stop != numberEnd || stop == line.data()) {
         return "A line begins with the number of a sample and a tab.";
+    }
+    if (error != std::errc() || number > largestNumber || number < -largestNumber) {
+        return Printf("The number of a sample is from %lld to %lld.",
+                      static_cast<long long>(-largestNumber),
+                      static_cast<long long>(largestNumber));
     }
     if (tab == line.size()) {
         return "There is no tab after the number of the sample.";
@@ -129,7 +133,10 @@ std::string CheckTitle(std::string_view line) {
 } // namespace
 
 std::string BookmarkPathOf(const std::string& capture) {
-    return capture + ".bookmarks";
+    namespace fs = std::filesystem;
+    std::error_code unknown;
+    const fs::path whole = fs::weakly_canonical(fs::absolute(capture, unknown), unknown);
+    return (whole.empty() ? capture : whole.string()) + ".bookmarks";
 }
 
 BookmarkFile ReadBookmarks(const std::string& path) {
@@ -168,8 +175,8 @@ BookmarkFile ReadBookmarks(const std::string& path) {
 }
 
 bool WriteBookmarks(const std::string& path, const Bookmarks& bookmarks) {
-    if (bookmarks.empty()) {
-        std::error_code failure;
+    std::error_code failure;
+    if (bookmarks.empty() && !std::filesystem::is_symlink(path, failure)) {
         std::filesystem::remove(path, failure);
         return !failure;
     }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace busquill {
@@ -12,10 +13,14 @@ namespace busquill {
 /// from the trigger, so they stay the same when a part of a capture is saved.
 using Bookmarks = std::map<std::int64_t, std::string>;
 
+/// New notes by the numbers of the samples; nothing removes the bookmark.
+using BookmarkChanges = std::map<std::int64_t, std::optional<std::string>>;
+
 constexpr std::size_t mostBookmarks = 10'000;
 constexpr std::size_t longestNote = 4096; // bytes
 
-/// The file that keeps the bookmarks of a capture.
+/// The file that keeps the bookmarks of a capture: one, however the path is written and whatever
+/// links lead to the capture.
 [[nodiscard]] std::string BookmarkPathOf(const std::string& capture);
 
 struct BookmarkFile {
@@ -27,8 +32,8 @@ struct BookmarkFile {
 
 [[nodiscard]] BookmarkFile ReadBookmarks(const std::string& path);
 
-/// Replaces the file, or removes it if there are no bookmarks. False if that fails; then the old
-/// file is still there.
+/// Replaces the file, or removes it if there are no bookmarks. A file that is a link stays one.
+/// False if that fails; then the old file is still there.
 [[nodiscard]] bool WriteBookmarks(const std::string& path, const Bookmarks& bookmarks);
 
 } // namespace busquill

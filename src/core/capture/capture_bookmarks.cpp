@@ -1,5 +1,6 @@
 #include "capture/capture_bookmarks.h"
 
+#include "platform/folder_lock.h"
 #include "platform/prompts.h"
 #include "platform/text.h"
 
@@ -14,17 +15,24 @@ std::string NotUnderstood(const std::string& path, const char* outcome,
     return Printf("%s\n%s\n%s", path.c_str(), outcome, failure.c_str());
 }
 
+std::string NotWritten(const std::string& path) {
+    return Printf("The bookmarks cannot be written to %s.", path.c_str());
+}
+
 } // namespace
 
+bool CaptureBookmarks::AreBeside(const std::string& capture) const {
+    return !isReplaced_ && path_ == BookmarkPathOf(capture);
+}
+
 void CaptureBookmarks::Open(const std::string& capture) {
-    capture_ = capture;
-    BookmarkFile file = ReadBookmarks(Path());
+    path_ = BookmarkPathOf(capture);
+    BookmarkFile file = ReadBookmarks(path_);
     all_ = std::move(file.bookmarks);
     isInFile_ = true;
     if (!file.failure.empty()) {
         prompts_.Message(NotUnderstood(
-            Path(),
-            "The bookmarks are shown as far as they are understood. They cannot be changed.",
+            path_, "The bookmarks are shown as far as they are understood. They cannot be changed.",
             file.failure));
     }
 }
@@ -34,48 +42,60 @@ void CaptureBookmarks::Renew() {
     if (!isInFile_) {
         return;
     }
-    BookmarkFile file = ReadBookmarks(Path());
+    BookmarkFile file = ReadBookmarks(path_);
     if (file.failure.empty()) { // otherwise reported by the other window
         all_ = std::move(file.bookmarks);
     }
 }
 
-bool CaptureBookmarks::Set(std::int64_t number, std::optional<std::string> note) {
-    if (note && note->size() > longestNote) {
-        prompts_.Message(Printf("A note can have at most %zu bytes.", longestNote));
-        return false;
+/// Other programs wait only for the change, not until the user has read a message.
+bool CaptureBookmarks::Change(const BookmarkChanges& changes) {
+    const std::string failure = TryChange(changes);
+    if (!failure.empty()) {
+        prompts_.Message(failure);
     }
+    return failure.empty();
+}
+
+std::string CaptureBookmarks::TryChange(const BookmarkChanges& changes) {
+    if (isReplaced_) {
+        return Printf("%s\nThe bookmarks cannot be changed, because another capture has been saved "
+                      "to the file of this one. Save this one to another file, and open that.",
+                      path_.c_str());
+    }
+    const FolderLock lock(path_);
     Bookmarks changed = all_;
-    if (!capture_.empty()) {
-        BookmarkFile file = ReadBookmarks(Path());
+    if (!path_.empty()) {
+        BookmarkFile file = ReadBookmarks(path_);
         if (!file.failure.empty()) {
-            prompts_.Message(
-                NotUnderstood(Path(), "The bookmarks cannot be changed.", file.failure));
-            return false;
+            return NotUnderstood(path_, "The bookmarks cannot be changed.", file.failure);
         }
         if (isInFile_) {
             changed = std::move(file.bookmarks);
         }
     }
-    if (!note) {
-        changed.erase(number);
-    } else {
-        changed[number] = *std::move(note);
+    for (const auto& [number, note] : changes) {
+        if (!note) {
+            changed.erase(number);
+        } else if (note->size() > longestNote) {
+            return Printf("A note can have at most %zu bytes.", longestNote);
+        } else {
+            changed[number] = *note;
+        }
     }
     if (changed.size() > mostBookmarks) {
-        prompts_.Message(Printf("A capture can have at most %zu bookmarks.", mostBookmarks));
-        return false;
+        return Printf("A capture can have at most %zu bookmarks.", mostBookmarks);
     }
-    if (!capture_.empty() && !Write(Path(), changed)) {
-        return false;
+    if (!path_.empty() && !WriteBookmarks(path_, changed)) {
+        return NotWritten(path_);
     }
     all_ = std::move(changed);
     isInFile_ = true;
-    return true;
+    return {};
 }
 
 void CaptureBookmarks::SaveBeside(const std::string& capture) {
-    if (capture == capture_ && isInFile_) {
+    if (AreBeside(capture) && isInFile_) {
         return;
     }
     const std::string path = BookmarkPathOf(capture);
@@ -84,26 +104,35 @@ void CaptureBookmarks::SaveBeside(const std::string& capture) {
         prompts_.Message(NotUnderstood(
             path, "The bookmarks in this file are not understood, so it was left as it is.",
             old.failure));
-    } else if (old.bookmarks != all_) {
-        Write(path, all_);
+    } else if (old.bookmarks == all_ || Write(path, all_)) {
+        // The capture may have been saved to its own file, which held another one.
+        isReplaced_ = isReplaced_ && path != path_;
+        isInFile_ = isInFile_ || path == path_;
     }
 }
 
 void CaptureBookmarks::SetFile(const std::string& capture) {
-    capture_ = capture;
-    isInFile_ = ReadBookmarks(Path()).bookmarks == all_;
+    path_ = BookmarkPathOf(capture);
+    isReplaced_ = false;
+    isInFile_ = ReadBookmarks(path_).bookmarks == all_;
+}
+
+void CaptureBookmarks::OnFileReplaced() {
+    isReplaced_ = true;
+    isInFile_ = false;
 }
 
 void CaptureBookmarks::Forget() {
     all_.clear();
-    capture_.clear();
+    path_.clear();
     isInFile_ = false;
+    isReplaced_ = false;
 }
 
 bool CaptureBookmarks::Write(const std::string& path, const Bookmarks& bookmarks) {
     const bool isWritten = WriteBookmarks(path, bookmarks);
     if (!isWritten) {
-        prompts_.Message(Printf("The bookmarks cannot be written to %s.", path.c_str()));
+        prompts_.Message(NotWritten(path));
     }
     return isWritten;
 }

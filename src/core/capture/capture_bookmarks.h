@@ -2,8 +2,6 @@
 
 #include "capture/bookmarks.h"
 
-#include <cstdint>
-#include <optional>
 #include <string>
 
 namespace busquill {
@@ -23,28 +21,36 @@ public:
     /// Whether the file beside the capture has them.
     [[nodiscard]] bool AreInFile() const noexcept { return isInFile_; }
 
+    /// Whether they are kept beside this capture.
+    [[nodiscard]] bool AreBeside(const std::string& capture) const;
+
     /// Reads those of a capture's file, and reports what is wrong with them.
     void Open(const std::string& capture);
     /// Reads them again after another window has changed them.
     void Renew();
-    /// Sets the note of a sample, or removes its bookmark. False if that fails. Changes that others
-    /// have made to the file meanwhile are kept.
-    bool Set(std::int64_t number, std::optional<std::string> note);
+    /// Makes all changes with one write, or none; false if that fails. What other programs have
+    /// written to the file about other samples is kept.
+    bool Change(const BookmarkChanges& changes);
     /// Writes them beside a copy of the capture, in place of those that are there.
     void SaveBeside(const std::string& capture);
     /// The capture is kept in this file from now on.
     void SetFile(const std::string& capture);
+    /// Another capture has been saved to the file: what is beside it now is about other samples, so
+    /// they are shown, but not changed.
+    void OnFileReplaced();
     /// The capture is gone.
     void Forget();
 
 private:
-    [[nodiscard]] std::string Path() const { return BookmarkPathOf(capture_); }
+    /// What is wrong, or an empty text.
+    [[nodiscard]] std::string TryChange(const BookmarkChanges& changes);
     bool Write(const std::string& path, const Bookmarks& bookmarks);
 
     Prompts& prompts_;
     Bookmarks all_;
-    std::string capture_;   // empty without a file
-    bool isInFile_ = false; // what is there are these
+    std::string path_;        // of the file beside the capture; empty without one
+    bool isInFile_ = false;   // what is there are these
+    bool isReplaced_ = false; // what is there are those of another capture
 };
 
 } // namespace busquill

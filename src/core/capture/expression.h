@@ -56,6 +56,8 @@ public:
     [[nodiscard]] virtual std::vector<std::string> All() const = 0;
     /// Why a name that Find does not know is of use elsewhere only; empty if it is of none.
     [[nodiscard]] virtual std::string BelongsElsewhere(std::string_view name) const = 0;
+    /// What to write for a text that tables show in the place of a label; empty for others.
+    [[nodiscard]] virtual std::string InsteadOfLabel(std::string_view /*text*/) const { return {}; }
 };
 
 /// One comparison of an expression.

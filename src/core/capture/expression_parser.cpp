@@ -25,9 +25,9 @@ using Number = ExpressionNumber;
 
 /// Reads an expression from left to right and stops at the first mistake.
 ///
-///     either = both { "or" both }
-///     both   = one { "and" one }
-///     one    = { "not" } ( "(" either ")" | "@" kept | name [ test ] )
+///     either = both { ( "or" | "||" ) both }
+///     both   = one { ( "and" | "&&" ) one }
+///     one    = { "not" | "!" } ( "(" either ")" | "@" kept | name [ test ] )
 ///     test   = sign value | "in" number ".." number | "rises" | "falls" | "changes"
 class ExpressionParser {
 public:
@@ -47,6 +47,7 @@ public:
 private:
     static constexpr int deepest = 29;
     static constexpr std::size_t mostOperations = 10000; // kept ones can double each other
+    static constexpr std::size_t shortList = 140;        // characters of names in a message
     // Two results wait in each depth and outside, for "or" and for "and".
     static_assert(ParsedExpression::mostResults >= 2 * (deepest + 1) + 1);
 
@@ -75,7 +76,7 @@ private:
     }
     void Either() {
         Both();
-        while (!HasFailed() && reader_.TakeWord("or")) {
+        while (!HasFailed() && (reader_.TakeWord("or") || reader_.TakeSign("||"))) {
             Both();
             Add(ParsedExpression::Step::Or);
         }
@@ -83,7 +84,7 @@ private:
     void Both() {
         One();
         Offer({"and", "or"});
-        while (!HasFailed() && reader_.TakeWord("and")) {
+        while (!HasFailed() && (reader_.TakeWord("and") || reader_.TakeSign("&&"))) {
             One();
             Offer({"and", "or"});
             Add(ParsedExpression::Step::And);
@@ -92,7 +93,7 @@ private:
     void One() {
         OfferNames();
         bool isInverse = false;
-        while (reader_.TakeWord("not")) {
+        while (reader_.TakeWord("not") || (!reader_.Sees("!=") && reader_.TakeSign("!"))) {
             isInverse = !isInverse;
             OfferNames();
         }
@@ -132,12 +133,21 @@ private:
         if (kept == nullptr) {
             const auto names = kept_ == nullptr ? std::vector<std::string>() : kept_->Names();
             reader_.Fail("there is no kept expression \"@" + Shortened(name) + "\"" +
-                             (names.empty() ? "" : ": " + ListNearest("@" + name, names)),
+                             (names.empty() ? "" : ": " + Nearest("@" + name, names)),
                          place);
-        } else if (std::ranges::find(within_, kept) != within_.end()) {
-            reader_.Fail("@" + kept->name + " uses itself", place);
-        } else if (depth_ == deepest || expression_.operations.size() > mostOperations) {
-            reader_.Fail("too many kept expressions inside each other", place);
+        } else if (const auto loop = std::ranges::find(within_, kept); loop != within_.end()) {
+            std::string others;
+            for (auto each = loop + 1; each != within_.end(); ++each) {
+                others += (others.empty() ? " through @" : ", @") + (*each)->name;
+            }
+            reader_.Fail("@" + kept->name + " uses itself" + others, place);
+        } else if (depth_ == deepest) {
+            reader_.Fail(Printf("kept expressions and parentheses can be at most %d inside each "
+                                "other",
+                                deepest),
+                         place);
+        } else if (expression_.operations.size() > mostOperations) {
+            reader_.Fail("the expression becomes too long with @" + kept->name, place);
         } else {
             Insert(*kept, place);
         }
@@ -149,16 +159,26 @@ private:
         auto* const offers = std::exchange(offers_, nullptr);
         Whole();
         if (const auto& error = reader_.Error()) {
+            // Of several inside each other, the one with the mistake is named.
             const std::string rest = kept.text.substr(error->place);
-            reader.Fail("@" + kept.name + " is wrong at " +
-                            (rest.empty() ? "its end" : Quoted(Shortened(rest), '"')) + ": " +
+            reader.Fail((isToldWhere_
+                             ? ""
+                             : "@" + kept.name + " is wrong at " +
+                                   (rest.empty() ? "its end" : Quoted(Shortened(rest), '"')) +
+                                   ": ") +
                             error->message,
                         place);
+            isToldWhere_ = true;
         }
         reader_ = std::move(reader);
+        lastName_.reset();
         offers_ = offers;
         within_.pop_back();
         --depth_;
+    }
+
+    static std::string Nearest(std::string_view word, const std::vector<std::string>& names) {
+        return ListNearest(word, names, shortList);
     }
 
     [[nodiscard]] std::vector<std::string> WrittenNames() const {
@@ -193,28 +213,24 @@ private:
         if (HasFailed()) {
             return;
         }
-        const std::string kind(names_.Kind());
-        if (written.empty()) {
-            reader_.Fail("expected " + kind + ": " + ListNearest(written, WrittenNames()), place);
-            return;
+        auto name = names_.Find(written);
+        if (!name && !FailedForRepetition(written, place)) {
+            reader_.Fail(WhyNoName(written, place), place);
         }
-        const auto name = names_.Find(written);
         if (!name) {
-            std::string message = names_.BelongsElsewhere(written);
-            if (message.empty()) {
-                const std::size_t article = kind.find(' ') + 1;
-                message = "there is no " + kind.substr(article) + " \"" + Shortened(written) +
-                          "\": " + ListNearest(written, WrittenNames());
-            }
-            reader_.Fail(std::move(message), place);
             return;
         }
         Test test;
         test.name = *name;
         if (name->values == Values::Flag) {
+            if (reader_.Sees("=") || reader_.Sees("!=")) {
+                reader_.Fail(Printf("%s is not compared; write \"%s\" or \"not %s\"",
+                                    name->name.c_str(), name->name.c_str(), name->name.c_str()));
+            }
             Add(std::move(test));
             return;
         }
+        lastName_ = *name;
         OfferOperators(*name);
         if (TakeEdge(test, place)) {
             return;
@@ -228,6 +244,62 @@ private:
             CheckWidth(test, place);
             NumberComparison(std::move(test));
         }
+    }
+
+    /// Why there is no such name; it may be empty.
+    [[nodiscard]] std::string WhyNoName(const std::string& written, std::size_t place) {
+        const std::string kind(names_.Kind());
+        if (written.empty()) {
+            return "expected " + kind + ": " + Nearest(written, WrittenNames());
+        }
+        // Titles of columns may have hyphens.
+        const std::string title(reader_.LabelAt(place));
+        if (title.size() > written.size() && names_.Find(title)) {
+            return "a name with a hyphen is put into backquotes: " + QuotedName(title);
+        }
+        std::string elsewhere = names_.BelongsElsewhere(written);
+        const std::size_t article = kind.find(' ') + 1;
+        return !elsewhere.empty()
+                   ? std::move(elsewhere)
+                   : "there is no " + kind.substr(article) + " \"" + Shortened(written) +
+                         "\": " + Nearest(written, WrittenNames());
+    }
+
+    /// Fails if a value follows "or", as in "end == retry or complete".
+    bool FailedForRepetition(const std::string& written, std::size_t place) {
+        if (!lastName_) {
+            return false;
+        }
+        ExpressionReader value = reader_.From(place);
+        std::string text;
+        if (value.Sees("\"")) {
+            text = Quoted(value.TakeQuoted(lastName_->name), '"');
+        } else if (const std::string label(value.PeekLabel());
+                   lastName_->values == Values::Word &&
+                   std::ranges::any_of(lastName_->labels, [&](const std::string& each) {
+                       return EqualIgnoringCase(each, label);
+                   })) {
+            text = label;
+            value.TakeSign(label);
+        } else if (written.empty() || lastName_->isHex) {
+            static_cast<void>(value.TakeNumber(lastName_->isHex));
+            value.EndNumber({}, place);
+            text = value.Since(place);
+        }
+        // What is compared itself is a name with a mistake.
+        const auto isCompared = [&] {
+            constexpr std::array<std::string_view, 4> signs = {"=", "!=", "<", ">"};
+            constexpr std::array<std::string_view, 4> words = {"in", "rises", "falls", "changes"};
+            return std::ranges::any_of(signs, [&](auto each) { return value.Sees(each); }) ||
+                   std::ranges::any_of(words, [&](auto each) { return value.TakeWord(each); });
+        };
+        if (value.Error() || text.empty() || isCompared()) {
+            return false;
+        }
+        reader_.Fail("write the name again: " + QuotedName(lastName_->name) + " " + lastSign_ +
+                         " " + Shortened(text),
+                     place);
+        return true;
     }
 
     void OfferOperators(const ExpressionName& name) {
@@ -278,9 +350,10 @@ private:
     void TextComparison(Test test, const std::string& name) {
         const bool isEqual = reader_.TakeSign("==");
         if (!isEqual && !reader_.TakeSign("!=")) {
-            reader_.Fail("expected == or != after " + name);
+            reader_.Fail(reader_.Sees("=") ? "= is written ==" : "expected == or != after " + name);
             return;
         }
+        lastSign_ = isEqual ? "==" : "!=";
         test.isOther = !isEqual;
         if (test.name.values == Values::Text) {
             QuotedText(test);
@@ -299,22 +372,34 @@ private:
         }
     }
 
+    static std::vector<std::string> QuotedLabels(const ExpressionName& name) {
+        std::vector<std::string> labels;
+        labels.reserve(name.labels.size());
+        for (const std::string& label : name.labels) {
+            labels.push_back(Quoted(label, '"'));
+        }
+        return labels;
+    }
+
     /// A text in quotes; where the labels are known, it must be like one of them.
     void QuotedText(Test& test) {
         OfferLabels(test.name);
         const std::size_t place = reader_.Place();
         test.kind = Test::Kind::IsLike;
+        if (!reader_.Sees("\"") && !test.name.labels.empty()) {
+            reader_.Fail("expected a " + test.name.name + " in double quotes: " +
+                         Nearest(Quoted(reader_.PeekLabel(), '"'), QuotedLabels(test.name)));
+            return;
+        }
         test.text = reader_.TakeQuoted(test.name.name);
         const auto isLike = [&](const std::string& label) { return IsLike(label, test.text); };
         if (!HasFailed() && !test.name.labels.empty() &&
             std::ranges::none_of(test.name.labels, isLike)) {
-            std::vector<std::string> labels;
-            for (const std::string& label : test.name.labels) {
-                labels.push_back(Quoted(label, '"'));
-            }
-            // Compared with its quotes, as the labels are.
-            reader_.Fail(test.name.name + " has no label \"" + Shortened(test.text) +
-                             "\": " + ListNearest(Quoted(test.text, '"'), labels),
+            const std::string other = names_.InsteadOfLabel(test.text);
+            reader_.Fail(test.name.name + " has no label \"" + Shortened(test.text) + "\"" +
+                             (other.empty()
+                                  ? ": " + Nearest(Quoted(test.text, '"'), QuotedLabels(test.name))
+                                  : "; write " + other),
                          place);
         }
     }
@@ -335,7 +420,7 @@ private:
             const std::string word(reader_.PeekLabel());
             addWhere([&](const std::string& label) { return EqualIgnoringCase(label, word); });
             if (test.low == 0) {
-                reader_.Fail("expected an " + test.name.name + ": " + ListNearest(word, labels));
+                reader_.Fail("expected an " + test.name.name + ": " + Nearest(word, labels));
             }
             reader_.TakeSign(word);
         }
@@ -410,6 +495,7 @@ private:
             FailWithoutSign(test.name);
             return;
         }
+        lastSign_ = std::string(*sign);
         if (*sign == "==" || *sign == "!=") {
             Equality(std::move(test), *sign == "==");
             return;
@@ -439,6 +525,13 @@ private:
             }
             QuotedText(test);
             Add(std::move(test));
+            return;
+        }
+        if (const std::string_view word = reader_.PeekLabel();
+            !test.name.labels.empty() && !test.name.isHex && !word.empty() &&
+            !EqualIgnoringCase(word.substr(0, 1), "x")) {
+            reader_.Fail("expected a number, or a label in double quotes: " +
+                         Nearest(Quoted(word, '"'), QuotedLabels(test.name)));
             return;
         }
         const Number number = AnyNumber(test.name);
@@ -490,9 +583,12 @@ private:
                 const bool isBare = name.isHex && !reader_.Since(place).starts_with('0');
                 const std::string written =
                     (isBare ? "0x" : "") + std::string(reader_.Since(place));
+                const bool isBinary = number.base == 10 && written.size() <= name.width &&
+                                      written.find_first_not_of("01") == std::string::npos;
                 reader_.Fail(Printf("%s has %zu bit%s; %s does not fit", name.name.c_str(),
                                     name.width, name.width == 1 ? "" : "s",
-                                    Shortened(written).c_str()),
+                                    Shortened(written).c_str()) +
+                                 (isBinary ? "; its bits are written 0b" + written : ""),
                              place);
             }
         }
@@ -530,8 +626,12 @@ private:
             reader_.Fail("the number is too large", place);
             return;
         }
+        // Tables show no decimals of a time above 999 s.
+        constexpr std::uint64_t second = 1000000000;
+        constexpr std::uint64_t mostWithDecimals = 999;
+        const bool isCutOff = worth == second && number.value > mostWithDecimals;
         number.value *= worth;
-        number.lastDigit = number.decimals == 0 ? 1 : worth;
+        number.lastDigit = number.decimals != 0 || isCutOff ? worth : 1;
     }
 
     ExpressionReader reader_;
@@ -540,6 +640,9 @@ private:
     std::vector<std::string>* offers_;
     std::vector<const KeptExpressions::Kept*> within_; // the kept ones that are being read
     int depth_ = 0;
+    bool isToldWhere_ = false;               // a mistake in a kept one
+    std::optional<ExpressionName> lastName_; // the last that was compared
+    std::string lastSign_ = "==";            // with which
     ParsedExpression expression_;
 };
 

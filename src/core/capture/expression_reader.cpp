@@ -115,7 +115,17 @@ bool ExpressionReader::TakeWord(std::string_view word) {
 }
 
 std::string_view ExpressionReader::PeekLabel() {
-    const std::string_view rest = text_.substr(Place());
+    return LabelAt(Place());
+}
+
+ExpressionReader ExpressionReader::From(std::size_t place) const {
+    ExpressionReader reader(text_);
+    reader.at_ = place;
+    return reader;
+}
+
+std::string_view ExpressionReader::LabelAt(std::size_t place) const {
+    const std::string_view rest = text_.substr(place);
     if (rest.empty() || !IsLetter(rest.front())) {
         return {};
     }
@@ -215,6 +225,8 @@ std::size_t ExpressionReader::TakeDigits(ExpressionNumber& number, std::size_t p
 
 namespace {
 
+constexpr const char* numberWithX = "a number with X begins with 0x or 0b";
+
 const char* ExpectedNumber(std::uint64_t base) {
     switch (base) {
     case 2:
@@ -234,7 +246,8 @@ ExpressionNumber ExpressionReader::TakeNumber(bool isHex) {
     number.isNegative = TakeSign("-");
     number.base = TakeBase(isHex);
     if (TakeDigits(number, place) == 0) {
-        Fail(ExpectedNumber(number.base), place);
+        const bool isX = number.base == 10 && ToLower(Ahead(0)) == 'x';
+        Fail(isX ? numberWithX : ExpectedNumber(number.base), place);
     }
     if (number.base == 10) {
         if (Ahead(0) == '.' && IsDigit(Ahead(1))) { // two points belong to a range
@@ -249,8 +262,16 @@ ExpressionNumber ExpressionReader::TakeNumber(bool isHex) {
 void ExpressionReader::EndNumber(const ExpressionNumber& number, std::size_t place) {
     const bool isAfterBlank = at_ != 0 && !IsInName(text_[at_ - 1]);
     const char next = isAfterBlank ? ' ' : ToLower(Ahead(0));
+    if (number.base != 10 && next == '.' && IsDigit(Ahead(1))) {
+        Fail(number.base == 2 ? "a binary number has no decimals"
+                              : "a hexadecimal number has no decimals",
+             place);
+    }
+    if (number.base == 10 && next == ',' && IsDigit(Ahead(1))) {
+        Fail("decimals follow a point, as in 1.5us", place);
+    }
     if (number.base == 10 && next == 'x') {
-        Fail("a number with X begins with 0x or 0b", place);
+        Fail(numberWithX, place);
     }
     if (number.base == 10 && next >= 'a' && next <= 'f') {
         Fail("a hexadecimal number begins with 0x", place);

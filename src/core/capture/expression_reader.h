@@ -58,6 +58,10 @@ public:
     /// The label that is there without quotes, which may have hyphens in it; empty if there is
     /// none.
     [[nodiscard]] std::string_view PeekLabel();
+    /// The same at a place that has been read.
+    [[nodiscard]] std::string_view LabelAt(std::size_t place) const;
+    /// A reader of the same text from a place on, without mistakes.
+    [[nodiscard]] ExpressionReader From(std::size_t place) const;
     /// The name without its quotes, with its slice; empty if there is none.
     [[nodiscard]] std::string TakeName();
     /// The text in double quotes, which must not be empty. `what` it is, for the mistake.

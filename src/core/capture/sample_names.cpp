@@ -114,7 +114,7 @@ std::string SampleNames::BelongsElsewhere(std::string_view name) const {
     if (std::ranges::any_of(transactionFields,
                             [&](auto field) { return EqualIgnoringCase(field, name); })) {
         return Printf("\"%s\" belongs to transactions; samples have signals, such as %s",
-                      std::string(name).c_str(), ListNearest("", All()).c_str());
+                      std::string(name).c_str(), ListNearest("", All(), 140).c_str());
     }
     if (const std::size_t bracket = name.find_last_of('['); bracket != std::string_view::npos) {
         if (const auto signal = FindSignal(name.substr(0, bracket), tables_, lists_)) {

@@ -17,7 +17,8 @@ CTesselDoc::CTesselDoc(const NewTraceContext& context, Prompts& prompts)
       prompts_(prompts), isRealTime_(context.newDocRealTime), cloneSource_(context.cloneSource),
       boardCapture_(context.analyzer == nullptr ? nullptr : &context.analyzer->Capture()),
       saveTrace_(context.saveTrace), onReading_(context.onReading),
-      bookmarksWritten_(context.bookmarksWritten), bookmarks_(prompts) {
+      bookmarksWritten_(context.bookmarksWritten), captureReplaced_(context.captureReplaced),
+      bookmarks_(prompts) {
     searchPattern.BuildFromTables(1, ModeEvents);
     filterPattern.BuildFromTables(1, ModeEvents);
     if (isRealTime_ && boardCapture_ != nullptr) {
@@ -82,8 +83,13 @@ bool CTesselDoc::OnSaveDocument(const std::string& path) {
     if (!saveTrace_ || !saveTrace_(*this, path)) {
         return false;
     }
+    const bool isOther = !bookmarks_.AreBeside(path);
     bookmarks_.SaveBeside(path);
-    TellOthersOfBookmarks(path);
+    if (!isOther) {
+        TellOthersOfBookmarks();
+    } else if (captureReplaced_) {
+        captureReplaced_(*this, path);
+    }
     return true;
 }
 
@@ -324,14 +330,18 @@ void CTesselDoc::ShowFiltered(std::int64_t topSample) {
 }
 
 bool CTesselDoc::SetBookmark(std::int64_t number, std::optional<std::string> note) {
-    if (!bookmarks_.Set(number, std::move(note))) {
+    return ChangeBookmarks({{number, std::move(note)}});
+}
+
+bool CTesselDoc::ChangeBookmarks(const BookmarkChanges& changes) {
+    if (!bookmarks_.Change(changes)) {
         return false;
     }
     if (isRealTime_ && GetPathName().empty()) {
         SetModifiedFlag();
     }
     UpdateAllViews(nullptr, HintBookmarks);
-    TellOthersOfBookmarks(GetPathName());
+    TellOthersOfBookmarks();
     return true;
 }
 
@@ -340,9 +350,16 @@ void CTesselDoc::RenewBookmarks() {
     UpdateAllViews(nullptr, HintBookmarks);
 }
 
-void CTesselDoc::TellOthersOfBookmarks(const std::string& capture) const {
-    if (bookmarksWritten_ && !capture.empty()) {
-        bookmarksWritten_(*this, capture);
+void CTesselDoc::OnFileReplaced() {
+    bookmarks_.OnFileReplaced();
+    if (isRealTime_) {
+        SetModifiedFlag(); // it is in no file now
+    }
+}
+
+void CTesselDoc::TellOthersOfBookmarks() const {
+    if (bookmarksWritten_ && !GetPathName().empty()) {
+        bookmarksWritten_(*this, GetPathName());
     }
 }
 

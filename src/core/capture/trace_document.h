@@ -87,6 +87,8 @@ struct NewTraceContext {
     std::function<void(const std::string& path, std::uint64_t bytes)> onReading = nullptr;
     /// Is called when the bookmarks beside a capture have changed.
     std::function<void(const CTesselDoc&, const std::string& capture)> bookmarksWritten = nullptr;
+    /// Is called when the document was saved to a file that may have held another capture.
+    std::function<void(const CTesselDoc&, const std::string& capture)> captureReplaced = nullptr;
 };
 
 /// A captured trace: its samples, the signal lists that show them, the setup of the capture,
@@ -196,10 +198,14 @@ public:
 
     /// The notes on samples, by their numbers. A document without a file keeps them in memory.
     [[nodiscard]] const Bookmarks& GetBookmarks() const noexcept { return bookmarks_.All(); }
-    /// Sets the note of a sample, or removes its bookmark. False after a message if that fails.
+    /// Makes all changes, or none: false after a message if that fails.
+    bool ChangeBookmarks(const BookmarkChanges& changes);
+    /// The same for one sample.
     bool SetBookmark(std::int64_t number, std::optional<std::string> note);
     /// Reads them again after another document of the same file has changed them.
     void RenewBookmarks();
+    /// Another document has been saved to the file of this one.
+    void OnFileReplaced();
     /// The sample that has this number; nothing if the capture has no such sample.
     [[nodiscard]] std::optional<std::int64_t> SampleNumbered(std::int64_t number) const noexcept;
 
@@ -239,7 +245,7 @@ private:
     void PlaceTrigger(const SampleCounts& counts);
     void Unpack(const CBlockUpdate& update);
     void MarkerMoved(int which, int firstHint);
-    void TellOthersOfBookmarks(const std::string& capture) const;
+    void TellOthersOfBookmarks() const;
     void ShowFiltered(std::int64_t topSample);
 
     Prompts& prompts_;
@@ -249,6 +255,7 @@ private:
     const std::function<bool(CTesselDoc&, const std::string& path)> saveTrace_;
     const std::function<void(const std::string& path, std::uint64_t bytes)> onReading_;
     const std::function<void(const CTesselDoc&, const std::string& capture)> bookmarksWritten_;
+    const std::function<void(const CTesselDoc&, const std::string& capture)> captureReplaced_;
     bool loadedFromFile_ = false;
     bool hasStateList_ = false;
     bool hasZoomSamples_ = false;

@@ -12,9 +12,12 @@ namespace {
 
 constexpr int far = 1000;
 
-/// The part of a name that is compared: without a range or other suffix in brackets, in lower case.
+/// The part of a name that is compared: without quotes and without a range or other suffix in
+/// brackets, in lower case.
 std::string StemOf(std::string_view name) {
-    return ToLower(Trim(name.substr(0, name.find_first_of("[("))));
+    std::string stem = ToLower(Trim(name.substr(0, name.find_first_of("[("))));
+    std::erase_if(stem, [](char c) { return c == '"' || c == '`'; });
+    return stem;
 }
 
 /// The number of letters to insert, delete or change to turn one into the other.
@@ -58,8 +61,8 @@ int DistanceOf(const std::string& name, const std::string& word) {
 
 } // namespace
 
-std::string ListNearest(std::string_view word, const std::vector<std::string>& names) {
-    constexpr std::size_t enough = 400; // characters
+std::string ListNearest(std::string_view word, const std::vector<std::string>& names,
+                        std::size_t enough) {
     const std::string stem = StemOf(word);
     std::vector<std::pair<int, std::size_t>> byDistance;
     byDistance.reserve(names.size());

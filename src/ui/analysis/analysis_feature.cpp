@@ -14,6 +14,7 @@
 #include <QDockWidget>
 #include <QMainWindow>
 #include <QMdiArea>
+#include <QPointer>
 
 #include <optional>
 
@@ -36,15 +37,17 @@ bool CanAddBookmark(const QMdiArea& area) {
 }
 
 void AddBookmark(const QMdiArea& area) {
-    const CTraceView& view = *ActiveView(area);
-    CTesselDoc& document = view.Trace();
-    const std::int64_t number = document.FirstSampleNumber(false) + view.CurrentSample();
+    const QPointer<CTraceView> view = ActiveView(area);
+    const CTesselDoc& document = view->Trace();
+    const std::int64_t number = document.FirstSampleNumber(false) + view->CurrentSample();
     const auto found = document.GetBookmarks().find(number);
     const bool isThere = found != document.GetBookmarks().end();
     BookmarkDialog dialog(area.window(), number,
                           isThere ? std::optional(found->second) : std::nullopt);
-    if (dialog.exec() == QDialog::Accepted) {
-        document.SetBookmark(number, dialog.Note());
+    // The window may be closed while the user types, as by another program.
+    QObject::connect(view, &QObject::destroyed, &dialog, &QDialog::reject);
+    if (dialog.exec() == QDialog::Accepted && view != nullptr) {
+        view->Trace().SetBookmark(number, dialog.Note());
     }
 }
 

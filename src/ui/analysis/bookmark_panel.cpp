@@ -222,16 +222,12 @@ void BookmarkPanel::EditNote() {
 }
 
 void BookmarkPanel::RemoveRows() {
-    const std::vector<int> rows = SelectedRows();
-    std::vector<std::int64_t> numbers;
-    numbers.reserve(rows.size());
-    for (const int row : rows) {
-        numbers.push_back(model_->NumberAt(row));
+    BookmarkChanges changes;
+    for (const int row : SelectedRows()) {
+        changes.emplace(model_->NumberAt(row), std::nullopt);
     }
-    for (const std::int64_t number : numbers) {
-        if (view_ == nullptr || !view_->Trace().SetBookmark(number, std::nullopt)) {
-            break;
-        }
+    if (view_ != nullptr && !changes.empty()) {
+        view_->Trace().ChangeBookmarks(changes);
     }
     Show(view_);
 }

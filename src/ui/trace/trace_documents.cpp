@@ -34,7 +34,14 @@ std::unique_ptr<CDocument> TraceDocuments::MakeDocument(bool isRealTime, CTessel
         return SaveTrace(document, path);
     };
     context.bookmarksWritten = [this](const CTesselDoc& by, const std::string& capture) {
-        RenewBookmarks(by, capture);
+        for (CTesselDoc* each : OthersOf(capture, by)) {
+            each->RenewBookmarks();
+        }
+    };
+    context.captureReplaced = [this](const CTesselDoc& by, const std::string& capture) {
+        for (CTesselDoc* each : OthersOf(capture, by)) {
+            each->OnFileReplaced();
+        }
     };
     if (auto* window = qobject_cast<QMainWindow*>(parts_.area.window())) {
         context.onReading = [progress = std::make_shared<ReadingProgress>(window->statusBar())](
@@ -108,15 +115,18 @@ bool TraceDocuments::SaveTrace(CTesselDoc& document, const std::string& path) {
                .exec() == QDialog::Accepted;
 }
 
-void TraceDocuments::RenewBookmarks(const CTesselDoc& by, const std::string& capture) const {
+std::vector<CTesselDoc*> TraceDocuments::OthersOf(const std::string& capture,
+                                                  const CTesselDoc& but) const {
+    std::vector<CTesselDoc*> others;
     for (const auto& each : Template().Documents()) {
         auto& document = static_cast<CTesselDoc&>(*each);
         std::error_code unknown;
-        if (&document != &by &&
+        if (&document != &but &&
             std::filesystem::equivalent(document.GetPathName(), capture, unknown)) {
-            document.RenewBookmarks();
+            others.push_back(&document);
         }
     }
+    return others;
 }
 
 std::vector<FileType> TraceDocuments::ExportTypes() {

@@ -55,8 +55,9 @@ private:
     [[nodiscard]] CMultiDocTemplate::MakeFrame FramesOf(TraceViewKind kind);
     [[nodiscard]] CTesselDoc* RealTimeDocument() const;
     [[nodiscard]] bool SaveTrace(CTesselDoc& document, const std::string& path);
-    /// Other documents of the capture show the bookmarks that one of them has written.
-    void RenewBookmarks(const CTesselDoc& by, const std::string& capture) const;
+    /// The documents of a capture's file, but for one.
+    [[nodiscard]] std::vector<CTesselDoc*> OthersOf(const std::string& capture,
+                                                    const CTesselDoc& but) const;
     void OpenZoomFrame(CTesselDoc& document);
     [[nodiscard]] ExportWriter::What WhatToExport(CTesselDoc& document, ExportFormat format) const;
     [[nodiscard]] CMultiDocTemplate& Template() const;

@@ -2,6 +2,7 @@
 #include "analysis/transaction_condition.h"
 #include "analysis/transaction_fields.h"
 #include "capture/kept_expressions.h"
+#include "signals/value_text.h"
 #include "support/board_tables.h"
 
 #include <gmock/gmock.h>
@@ -330,9 +331,9 @@ TEST(TransactionConditions, UseKeptExpressions) {
                 testing::StartsWith("0 @wrong is wrong at its end: expected a number"));
     EXPECT_THAT(
         wrong("@loop"),
-        testing::StartsWith(
-            "0 @loop is wrong at \"@pool\": @pool is wrong at \"@loop\": @loop uses itself"));
+        testing::StartsWith("0 @pool is wrong at \"@loop\": @loop uses itself through @pool"));
     EXPECT_EQ(ErrorOf("@slow").message, "there is no kept expression \"@slow\"");
+    EXPECT_THAT(wrong("@slow or 5"), testing::StartsWith("9 expected a field: "));
 
     // Only those that can be used here are offered.
     const auto offered = [&](std::string_view text) {
@@ -355,7 +356,63 @@ TEST(TransactionConditions, KeptExpressionsCannotGrowWithoutEnd) {
     bus.kept = &kept;
     EXPECT_EQ(ErrorOf("@a9", bus).message, "none");
     EXPECT_THAT(ErrorOf("@a27", bus).message,
-                testing::EndsWith("too many kept expressions inside each other"));
+                testing::EndsWith(": the expression becomes too long with @a1"));
+    for (int i = 1; i < 31; ++i) {
+        kept.Keep("a" + std::to_string(i), "@a" + std::to_string(i - 1));
+    }
+    EXPECT_EQ(ErrorOf("@a28", bus).message, "none");
+    EXPECT_EQ(ErrorOf("@a29", bus).message,
+              "@a1 is wrong at \"@a0\": kept expressions and parentheses can be at most 29 inside "
+              "each other");
+}
+
+TEST(TransactionConditions, OfferTheNearestCommands) {
+    TransactionBus bus;
+    bus.commands = {"Int Ack", "Mem Rd", "Mem Wr"};
+    EXPECT_EQ(ErrorOf("command == Mem", bus).message,
+              "expected a command in double quotes: \"Mem Rd\", \"Mem Wr\", \"Int Ack\"");
+    EXPECT_EQ(ErrorOf("command == \"(begun before)\"", bus).message,
+              "command has no label \"(begun before)\"; write headless");
+    EXPECT_EQ(ErrorOf("command == \"Mem Rd\" or \"Mem Wr\"", bus).message,
+              "write the name again: command == \"Mem Wr\"");
+    for (int i = 0; i < 50; ++i) {
+        bus.commands.push_back("Cfg " + std::to_string(i));
+    }
+    const std::string message = ErrorOf("command == \"Mem\"", bus).message;
+    EXPECT_THAT(message, testing::StartsWith("command has no label \"Mem\": \"Mem Rd\", \"Mem "));
+    EXPECT_THAT(message, testing::EndsWith(", ..."));
+    EXPECT_LT(message.size(), 200U);
+}
+
+TEST(TransactionConditions, TakeTheTitlesOfTheTable) {
+    EXPECT_TRUE(Holds("`I-WAIT` == 1"));
+    EXPECT_TRUE(Holds("`i-wait` == 1 and `Wait` == 6"));
+    Transaction answer = Read();
+    answer.splitRequest = 7;
+    EXPECT_TRUE(Holds("split == 7 and splitRequest == 7", answer));
+}
+
+TEST(TransactionConditions, TakeTheSignsOfProgrammingLanguages) {
+    for (const char* text : {"wait == 6 && !headless", "wait == 5||words == 4", "! wait == 5",
+                             "!!(wait == 6)&&!(wait == 5 || wait == 7)", "not ! wait == 6"}) {
+        EXPECT_TRUE(Holds(text)) << text;
+    }
+    EXPECT_FALSE(Holds("wait == 6 && headless"));
+    EXPECT_FALSE(Holds("wait == 5 || ! words == 4"));
+}
+
+/// Tables show them without decimals.
+TEST(TransactionConditions, TakeTimesAbove999Seconds) {
+    constexpr std::int64_t millisecond = 1'000'000;
+    Transaction late = Read();
+    late.time = 1234'567 * millisecond;
+    ASSERT_EQ(FormatTime(late.time, false), "1234s");
+    EXPECT_TRUE(Holds("time == 1234s", late));
+    EXPECT_FALSE(Holds("time != 1234s", late));
+    EXPECT_FALSE(Holds("time == 1233s or time == 1235s", late));
+    EXPECT_TRUE(Holds("time > 1234s and time == 1234.5s", late));
+    late.time = 999'500 * millisecond;
+    EXPECT_FALSE(Holds("time == 999s", late)) << "a table shows 999.5s";
 }
 
 TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
@@ -371,7 +428,8 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"wait > 4 and", 12, "expected a field"},
              Case{"wait > 4 also end == retry", 9, "expected \"and\" or \"or\""},
              Case{"wait 4", 5, "expected ==, !=, <, <=, >, >= or in"},
-             Case{"wait > x", 7, "expected a number"},
+             Case{"wait > many", 7, "expected a number"},
+             Case{"wait == x1", 8, "a number with X begins with 0x or 0b"},
              Case{"wait == 0x", 8, "expected a hexadecimal number"},
              Case{"wait > 0xX", 7, "a number with X can only be compared with == and !="},
              Case{"wait in 5", 9, "expected \"..\""},
@@ -399,7 +457,16 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"sample > 5 s", 11, "sample is not a time and takes no unit"},
              Case{"address > 5ns", 11, "address is not a time and takes no unit"},
              Case{"wait rises", 0, "wait has no edges"},
-             Case{"headless == 1", 9, "expected \"and\" or \"or\""},
+             Case{"headless == 1", 9, "headless is not compared; write \"headless\" or \"not "},
+             Case{"headless != 1", 9, "headless is not compared"},
+             Case{"command = \"Mem Rd\"", 8, "= is written =="},
+             Case{"I-WAIT > 0", 0, "a name with a hyphen is put into backquotes: `I-WAIT`"},
+             Case{"I-WAITS > 0", 0, "there is no field \"I\""},
+             Case{"end == retry or complete", 16, "write the name again: end == complete"},
+             Case{"end == retry or complete == 5", 16, "there is no field \"complete\""},
+             Case{"end == retry or completed", 16, "there is no field \"completed\""},
+             Case{"wait > 3 or 5", 12, "write the name again: wait > 5"},
+             Case{"address == 1.5", 11, "a hexadecimal number has no decimals"},
              Case{"`wait > 4", 9, "expected ` at the end of the name"},
              Case{"(wait > 4", 9, "expected \")\""},
              Case{"wait > 4)", 8, "expected \"and\" or \"or\""},

@@ -71,9 +71,12 @@ TEST_F(BookmarksInAFile, WithAMistakeNameItsLine) {
         {"x\tnote\n", "Line 3: A line begins with the number of a sample and a tab."},
         {"\tnote\n", "Line 3: A line begins with the number of a sample and a tab."},
         {"5x\tnote\n", "Line 3: A line begins with the number of a sample and a tab."},
-        {"99999999999\tnote\n", "Line 3: A line begins with the number of a sample and a tab."},
-        {"99999999999999999999\t\n",
-         "Line 3: A line begins with the number of a sample and a tab."},
+        {"99999999999\tnote\n",
+         "Line 3: The number of a sample is from -4294967296 to 4294967296."},
+        {"-99999999999999999999\t\n",
+         "Line 3: The number of a sample is from -4294967296 to 4294967296."},
+        {"99999999999x\t\n", "Line 3: A line begins with the number of a sample and a tab."},
+        {"+5\t\n", "Line 3: A line begins with the number of a sample and a tab."},
         {"5\n", "Line 3: There is no tab after the number of the sample."},
         {"5\tC:\\temp\n", "Line 3: A backslash in a note is written \\\\."},
         {"5\tend\\\n", "Line 3: A backslash in a note is written \\\\."},
@@ -118,6 +121,42 @@ TEST_F(BookmarksInAFile, AreGoneWithTheLastOfThem) {
     ASSERT_TRUE(WriteBookmarks(Path(), {}));
     EXPECT_FALSE(std::filesystem::exists(Path()));
     EXPECT_TRUE(WriteBookmarks(Path(), {})) << "there was no file";
+}
+
+TEST_F(BookmarksInAFile, ThatIsALinkAreWrittenWhereItLeads) {
+    std::filesystem::create_directory(dir.File("notes"));
+    dir.Write("notes/kept", "Busquill bookmarks 1\n0\told\n");
+    std::filesystem::create_symlink("notes/kept", Path());
+    ASSERT_TRUE(WriteBookmarks(Path(), threeBookmarks));
+    EXPECT_EQ(ReadBookmarks(dir.File("notes/kept")).bookmarks, threeBookmarks);
+    ASSERT_TRUE(WriteBookmarks(Path(), {}));
+    EXPECT_EQ(ReadWholeFile(dir.File("notes/kept")), "Busquill bookmarks 1\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(Path()));
+    EXPECT_EQ(ReadBookmarks(Path()).failure, "");
+}
+
+TEST_F(BookmarksInAFile, ThatIsALinkToNothingCannotBeRead) {
+    std::filesystem::create_symlink("missing", Path());
+    EXPECT_EQ(ReadBookmarks(Path()).failure, "The file cannot be read.");
+}
+
+TEST_F(BookmarksInAFile, AreInOneFileWhateverPathLeadsToTheCapture) {
+    namespace fs = std::filesystem;
+    const std::string folder = fs::canonical(dir.Path()).string();
+    const std::string own = folder + "/data/capture.tra.bookmarks";
+    fs::create_directory(folder + "/data");
+    dir.Write("data/capture.tra", "a capture");
+    fs::create_symlink("data/capture.tra", folder + "/link.tra");
+    fs::create_symlink("link.tra", folder + "/second.tra");
+    fs::create_directory_symlink("data", folder + "/folder");
+    const std::string relative = fs::proximate(folder + "/data/capture.tra").string();
+    for (const std::string& name :
+         {folder + "/data/capture.tra", folder + "/link.tra", folder + "/second.tra",
+          folder + "/folder/capture.tra", folder + "/data/../data/./capture.tra", relative}) {
+        EXPECT_EQ(BookmarkPathOf(name), own) << name;
+    }
+    EXPECT_EQ(BookmarkPathOf(folder + "/folder/later.tra"), folder + "/data/later.tra.bookmarks")
+        << "before the capture is written";
 }
 
 TEST_F(BookmarksInAFile, StayAsTheyAreWhenTheDiskIsFull) {

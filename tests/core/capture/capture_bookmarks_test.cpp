@@ -1,5 +1,7 @@
+#include "capture/capture_bookmarks.h"
 #include "capture/trace_document.h"
 #include "support/board_tables.h"
+#include "support/disk_sync.h"
 #include "support/recording_prompts.h"
 #include "support/temp_dir.h"
 
@@ -8,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace busquill::test {
 namespace {
@@ -31,11 +35,14 @@ protected:
         context.bookmarksWritten = [this](const CTesselDoc&, const std::string& capture) {
             written.push_back(capture);
         };
+        context.captureReplaced = [this](const CTesselDoc&, const std::string& capture) {
+            replaced.push_back(capture);
+        };
     }
-    std::unique_ptr<CTesselDoc> Open() {
+    std::unique_ptr<CTesselDoc> Open(const std::string& name = "a.tra") {
         auto document = std::make_unique<CTesselDoc>(context, prompts);
-        EXPECT_TRUE(document->OnOpenDocument(dir.File("a.tra")));
-        document->SetPathName(dir.File("a.tra"));
+        EXPECT_TRUE(document->OnOpenDocument(dir.File(name)));
+        document->SetPathName(dir.File(name));
         document->SetModifiedFlag(false);
         return document;
     }
@@ -55,6 +62,7 @@ protected:
     RecordingPrompts prompts;
     NewTraceContext context{board.tables};
     std::vector<std::string> written;
+    std::vector<std::string> replaced;
     bool refuses = false;
 };
 
@@ -95,6 +103,25 @@ TEST_F(BookmarksOfADocument, TakeTheirFileWithThem) {
     EXPECT_TRUE(prompts.Texts().empty());
 }
 
+TEST_F(BookmarksOfADocument, ChangedTogetherAreWrittenOnce) {
+    const auto document = Open();
+    const DiskSync disk;
+    EXPECT_TRUE(document->ChangeBookmarks({{1, "a"}, {2, "b"}, {3, "c"}, {4, "d"}}));
+    EXPECT_TRUE(document->ChangeBookmarks({{1, std::nullopt}, {3, std::nullopt}, {4, "changed"}}));
+    EXPECT_EQ(InFile(), (Bookmarks{{2, "b"}, {4, "changed"}}));
+    EXPECT_EQ(disk.Count(), 2);
+    EXPECT_EQ(written.size(), 2U);
+}
+
+TEST_F(BookmarksOfADocument, ChangedTogetherAreAllChangedOrNone) {
+    const auto document = Open();
+    document->SetBookmark(1, "kept");
+    EXPECT_FALSE(document->ChangeBookmarks(
+        {{1, std::nullopt}, {2, "new"}, {3, std::string(longestNote + 1, 'a')}}));
+    EXPECT_EQ(InFile(), (Bookmarks{{1, "kept"}}));
+    EXPECT_EQ(document->GetBookmarks(), InFile());
+}
+
 TEST_F(BookmarksOfADocument, OutsideOfItStayInTheFile) {
     dir.Write("a.tra.bookmarks", "Busquill bookmarks 1\n99\toutside\n");
     const auto document = Open();
@@ -109,6 +136,46 @@ TEST_F(BookmarksOfADocument, ThatOthersHaveWrittenMeanwhileAreKept) {
     document->SetBookmark(3, "mine too");
     EXPECT_EQ(InFile(), (Bookmarks{{1, "mine"}, {2, "theirs"}, {3, "mine too"}}));
     EXPECT_EQ(document->GetBookmarks(), InFile());
+}
+
+TEST_F(BookmarksOfADocument, OfOneSampleAreThoseOfTheLastWhoWroteThem) {
+    const auto document = Open();
+    dir.Write("a.tra.bookmarks", "Busquill bookmarks 1\n1\ttheirs\n2\ttheirs too\n");
+    document->SetBookmark(1, "mine");
+    EXPECT_EQ(InFile(), (Bookmarks{{1, "mine"}, {2, "theirs too"}}));
+}
+
+/// Each program reads the file, changes it and replaces it, all in the same moment.
+TEST_F(BookmarksOfADocument, ThatTwoProgramsWriteAtOnceAreAllKept) {
+    constexpr int each = 100;
+    const auto document = Open();
+    const auto write = [&](int first) {
+        CaptureBookmarks own(prompts);
+        own.Open(dir.File("a.tra"));
+        bool good = true;
+        for (int i = 0; i < each; ++i) {
+            good = own.Change({{first + 2 * i, "note"}}) && good;
+        }
+        return good;
+    };
+    const pid_t child = ::fork();
+    ASSERT_NE(child, -1);
+    if (child == 0) {
+        ::_exit(write(0) ? 0 : 1);
+    }
+    EXPECT_TRUE(write(1));
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(InFile().size(), std::size_t{2 * each});
+}
+
+TEST_F(BookmarksOfADocument, AreTheSameUnderEachNameOfTheCapture) {
+    std::filesystem::create_symlink("a.tra", dir.File("link.tra"));
+    const auto document = Open("link.tra");
+    document->SetBookmark(1, "by the link");
+    EXPECT_EQ(Open()->GetBookmarks(), (Bookmarks{{1, "by the link"}}));
+    EXPECT_FALSE(std::filesystem::exists(dir.File("link.tra.bookmarks")));
 }
 
 TEST_F(BookmarksOfADocument, InAFileThatIsNotUnderstoodAreShownButNotChanged) {
@@ -184,6 +251,62 @@ TEST_F(BookmarksOfADocument, SavedOverItselfStayAsTheyAre) {
     dir.Write("a.tra.bookmarks", "Busquill bookmarks 1\n1\tmine\n2\ttheirs\n");
     ASSERT_TRUE(Save(*document, "a.tra"));
     EXPECT_EQ(InFile(), (Bookmarks{{1, "mine"}, {2, "theirs"}}));
+}
+
+TEST_F(BookmarksOfADocument, SavedOverItselfUnderAnotherNameStayAsTheyAre) {
+    std::filesystem::create_symlink("a.tra", dir.File("link.tra"));
+    const auto document = Open();
+    document->SetBookmark(1, "mine");
+    dir.Write("a.tra.bookmarks", "Busquill bookmarks 1\n1\tmine\n2\ttheirs\n");
+    for (const char* name : {"link.tra", "./a.tra"}) {
+        ASSERT_TRUE(Save(*document, name));
+        EXPECT_EQ(InFile(), (Bookmarks{{1, "mine"}, {2, "theirs"}})) << name;
+    }
+    EXPECT_TRUE(replaced.empty());
+}
+
+TEST_F(BookmarksOfADocument, WhoseFileIsReplacedAreShownButMixWithNoOthers) {
+    std::filesystem::copy_file(dir.File("a.tra"), dir.File("b.tra"));
+    const auto document = Open();
+    document->SetBookmark(1, "of a");
+    const auto other = Open("b.tra");
+    other->SetBookmark(2, "of b");
+    ASSERT_TRUE(Save(*document, "b.tra"));
+    ASSERT_EQ(replaced, std::vector{dir.File("b.tra")});
+    other->OnFileReplaced(); // as its windows do
+    EXPECT_FALSE(other->IsModified());
+    other->RenewBookmarks(); // after a change in a window of the new file
+    EXPECT_EQ(other->GetBookmarks(), (Bookmarks{{2, "of b"}}));
+    EXPECT_FALSE(other->SetBookmark(3, "more"));
+    EXPECT_EQ(prompts.Texts(),
+              std::vector{dir.File("b.tra.bookmarks") +
+                          "\nThe bookmarks cannot be changed, because another capture has been "
+                          "saved to the file of this one. Save this one to another file, and open "
+                          "that."});
+    EXPECT_EQ(InFile("b.tra"), (Bookmarks{{1, "of a"}}));
+    ASSERT_TRUE(Save(*other, "c.tra"));
+    EXPECT_EQ(InFile("c.tra"), (Bookmarks{{2, "of b"}}));
+    ASSERT_TRUE(Save(*other, "b.tra")); // over the one that took its place
+    EXPECT_EQ(InFile("b.tra"), (Bookmarks{{2, "of b"}}));
+    EXPECT_TRUE(other->SetBookmark(3, "more"));
+    EXPECT_EQ(InFile("b.tra"), (Bookmarks{{2, "of b"}, {3, "more"}}));
+}
+
+TEST_F(BookmarksOfADocument, OfALiveCaptureWhoseFileIsReplacedAreToBeSavedAgain) {
+    context.newDocRealTime = true;
+    CTesselDoc live(context, prompts);
+    ASSERT_TRUE(live.OnNewDocument());
+    live.SetBookmark(2, "live");
+    ASSERT_TRUE(Save(live, "live.tra"));
+    dir.Write("live.tra.bookmarks", "Busquill bookmarks 1\n1\tof another one\n");
+    live.OnFileReplaced();
+    EXPECT_TRUE(live.IsModified());
+    EXPECT_FALSE(live.SetBookmark(3, "not there"));
+    ASSERT_TRUE(Save(live, "again.tra"));
+    EXPECT_FALSE(live.IsModified());
+    EXPECT_TRUE(live.SetBookmark(3, "more"));
+    EXPECT_EQ(InFile("again.tra"), (Bookmarks{{2, "live"}, {3, "more"}}));
+    EXPECT_EQ(InFile("live.tra"), (Bookmarks{{1, "of another one"}}));
 }
 
 TEST_F(BookmarksOfADocument, WithoutAFileAreKeptInMemoryUntilItIsSaved) {

@@ -119,7 +119,8 @@ TEST_F(SampleConditions, ReadTheDigitsOfAListingAsItShowsThem) {
     EXPECT_THAT(Found(records, "AD[3..0] == 0b1000 and FRAME == 1"), ElementsAre(1));
     EXPECT_THAT(Found(records, "sample == 3"), ElementsAre(3));
     // Columns of labels have no digits that could be taken from them.
-    EXPECT_EQ(ErrorOf("`RULE CHECK` == A0").message, "expected a number");
+    EXPECT_THAT(ErrorOf("`RULE CHECK` == A0").message,
+                StartsWith("expected a number, or a label in double quotes: \""));
     EXPECT_EQ(Found(CaptureBuilder().Idle().Finding(112).Records(), "`RULE CHECK` == 112"),
               Numbers{0});
     EXPECT_EQ(ErrorOf("AD[7..0] == 100").message, "AD[7:0] has 8 bits; 0x100 does not fit");
@@ -566,7 +567,26 @@ TEST_F(SampleConditions, SayWhatIsWrongAndWhere) {
              Case{"AD == 5ns", 7, "AD is not a time and takes no unit"},
              Case{"sample > 1ms", 10, "sample is not a time and takes no unit"},
              Case{"TIME == 0xX", 8, "a time has no X"},
-             Case{"AD == 1.5", 7, "expected \"and\" or \"or\""},
+             Case{"AD == 1.5", 6, "a hexadecimal number has no decimals"},
+             Case{"AD == 0b1.1", 6, "a binary number has no decimals"},
+             Case{"TIME > 1,5us", 7, "decimals follow a point, as in 1.5us"},
+             Case{"AD[2..0] == XX1", 12, "a number with X begins with 0x or 0b"},
+             Case{"AD[2..0] == 101", 12,
+                  "AD[2:0] has 3 bits; 101 does not fit; its bits are written 0b101"},
+             Case{"AD[2..0] == 1010", 12, "AD[2:0] has 3 bits; 1010 does not fit"},
+             Case{"COMMAND == Mem", 11,
+                  "expected a number, or a label in double quotes: \"Mem Rd\", \"Mem Wr\", "},
+             Case{"COMMAND == \"Mem\"", 11, "COMMAND has no label \"Mem\": \"Mem Rd\", "},
+             Case{"COMMAND == \"Mem Rd\" or \"Mem Wr\"", 23,
+                  "write the name again: COMMAND == \"Mem Wr\""},
+             Case{"COMMAND != 6 and 7", 17, "write the name again: COMMAND != 7"},
+             Case{"AD == A000 or B000", 14, "write the name again: AD == B000"},
+             Case{"AD == A000 or ADD == B000", 14,
+                  "there is no signal \"ADD\": ADDRESS32, AD[63:0], "},
+             Case{"AD == A000 or ADD changes", 14, "there is no signal \"ADD\""},
+             Case{"AD == A000 or NONE", 14, "there is no signal \"NONE\""},
+             Case{"FRAME == 0 & IRDY == 0", 11, "expected \"and\" or \"or\""},
+             Case{"FRAME == 0 and != 1", 15, "expected a signal"},
              Case{"FRAME == 0.5", 9, "FRAME is a whole number"},
              Case{"sample > 1F", 9, "a hexadecimal number begins with 0x"},
              Case{"AD == FEBG", 6, "expected a hexadecimal number"},

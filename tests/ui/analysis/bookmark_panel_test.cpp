@@ -21,13 +21,17 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QTableView>
+#include <QTimer>
 #include <QWheelEvent>
 #include <QtTest/QTest>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 
 namespace busquill::test {
 namespace {
+
+using testing::HasSubstr;
 
 class BookmarkPanels : public PanelFixture<StoredCaptureFixture, BookmarkModel> {
 protected:
@@ -80,6 +84,14 @@ protected:
 
     std::string title;
     std::string old;
+};
+
+/// Counts the changes of a capture's bookmarks.
+struct ChangeCounter : DocumentView {
+    void OnUpdate(DocumentView* /*sender*/, int hint, const HintObject* /*object*/) override {
+        count += hint == HintBookmarks ? 1 : 0;
+    }
+    int count = 0;
 };
 
 TEST_F(BookmarkPanels, TheKeyOpensAndClosesThePanel) {
@@ -297,7 +309,11 @@ TEST_F(BookmarkPanels, DeleteRemovesTheSelectedRows) {
     OpenPanel();
     ClickRow(1);
     ClickRow(2, Qt::ShiftModifier);
+    ChangeCounter changes;
+    ActiveFrame().Trace().AddView(&changes);
     QTest::keyClick(&Table(), Qt::Key_Delete);
+    ActiveFrame().Trace().RemoveView(&changes);
+    EXPECT_EQ(changes.count, 1) << "the file is written once";
     Settle();
     EXPECT_EQ(InFile(), (Bookmarks{{-300, "a"}, {20, "d"}}));
     EXPECT_EQ(Column(0), (std::vector<std::string>{"-300", "20"}));
@@ -418,6 +434,63 @@ TEST_F(BookmarkPanels, AreTheSameInTwoWindowsOfOneFile) {
     TypeNote("ours");
     EXPECT_EQ(second.Trace().GetBookmarks(), first.Trace().GetBookmarks());
     EXPECT_EQ(InFile(), first.Trace().GetBookmarks());
+}
+
+TEST_F(BookmarkPanels, AreTheSameInWindowsOfOneFileUnderTwoNames) {
+    std::filesystem::create_symlink("Trigger2.tra", dir.File("link.tra"));
+    CChildFrame& second = Open("link.tra");
+    Choose("File/New/Capture/State"); // Demo Mode opens Trigger2.tra in a window of its own
+    CChildFrame& first = ActiveFrame();
+    ASSERT_NE(&first.Trace(), &second.Trace());
+    Frame().Area().setActiveSubWindow(&second);
+    Add(second, "by the link");
+    EXPECT_EQ(first.Trace().GetBookmarks(), second.Trace().GetBookmarks());
+    EXPECT_EQ(InFile(), first.Trace().GetBookmarks());
+    EXPECT_FALSE(std::filesystem::exists(dir.File("link.tra.bookmarks")));
+}
+
+TEST_F(BookmarkPanels, OfACaptureThatIsSavedOverStayInItsWindow) {
+    std::filesystem::copy_file(dir.File("Trigger2.tra"), dir.File("other.tra"));
+    WriteBeside("Trigger2.tra", {{2, "two"}});
+    WriteBeside("other.tra", {{3, "three"}});
+    CChildFrame& other = Open("other.tra");
+    Open("Trigger2.tra");
+    SaveTraceUnder(dir.File("other.tra"), [&] { Entry("File/Save As...").trigger(); });
+    EXPECT_EQ(InFile("other.tra"), (Bookmarks{{2, "two"}}));
+    EXPECT_EQ(other.Trace().GetBookmarks(), (Bookmarks{{3, "three"}}));
+    prompts.Forget();
+    OpenPanel();
+    Frame().Area().setActiveSubWindow(&other);
+    Settle();
+    ClickRow(0);
+    QTest::keyClick(&Table(), Qt::Key_Delete);
+    ASSERT_EQ(prompts.Texts().size(), 1U);
+    EXPECT_THAT(prompts.Texts()[0], HasSubstr("another capture has been saved to the file"));
+    EXPECT_EQ(Column(2), std::vector<std::string>{"three"});
+    EXPECT_EQ(InFile("other.tra"), (Bookmarks{{2, "two"}}));
+}
+
+TEST_F(BookmarkPanels, AWindowThatClosesTakesTheQuestionForTheNoteWithIt) {
+    CChildFrame& frame = Open("Trigger2.tra");
+    bool isAsked = false;
+    bool isLeft = false;
+    QTimer late;
+    QObject::connect(&late, &QTimer::timeout, [&] {
+        isLeft = true;
+        qobject_cast<QDialog*>(QApplication::activeModalWidget())->reject();
+    });
+    late.start(3000);
+    QTimer::singleShot(0, &frame, [&] {
+        isAsked = QApplication::activeModalWidget() != nullptr;
+        frame.close();
+        QApplication::sendPostedEvents(&frame, QEvent::DeferredDelete);
+    });
+    Choose("Analyze/Add Bookmark...");
+    EXPECT_TRUE(isAsked);
+    EXPECT_FALSE(isLeft);
+    EXPECT_TRUE(Windows().isEmpty());
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_TRUE(InFile().empty());
 }
 
 TEST_F(BookmarkPanels, GoWithACopyThatIsSaved) {

@@ -125,6 +125,25 @@ TEST_F(NotedSamples, HaveAFlagAndALineInTheWaveforms) {
     EXPECT_EQ(Grab(), before);
 }
 
+TEST_F(NotedSamples, LeaveTheFrameAroundTheWaveformsAlone) {
+    Load(-500, 499);
+    Open(false);
+    Waves().SetZoom(1); // a sample a pixel
+    view->ScrollToSample(300);
+    const int right = window->width() - 1;
+    const QImage before = Grab();
+    BookmarkChanges changes;
+    for (int number = -200; number < 499; ++number) {
+        changes.emplace(number, "");
+    }
+    document->ChangeBookmarks(changes);
+    const QImage after = Grab();
+    ASSERT_GT(Count(after, {right - 9, 0, 8, 17}, signColor), 20) << "flags reach the end";
+    for (int y = 0; y < window->height(); ++y) {
+        EXPECT_EQ(after.pixelColor(right, y), before.pixelColor(right, y)) << y;
+    }
+}
+
 TEST_F(NotedSamples, LieBelowTriggerAndMarkers) {
     Load(-500, 499);
     Open(false);
