@@ -113,6 +113,26 @@ protected:
         return *document;
     }
 
+    /// A document with a complete capture.
+    void Capture(std::uint32_t before, std::uint32_t after, const char* model = "PCIWren") {
+        OpenBoard(model);
+        SetLive(0x20, before, after);
+        Upload();
+        NewDocument();
+        document->OnCaptureStopped();
+        document->FlushBlockUpdates();
+    }
+    /// A document whose upload stops at its first block.
+    void BeginHeldUpload(Gate& gate) {
+        OpenBoard("PCIWren");
+        SetLive(0x20, 500, 500);
+        StopAt(gate);
+        upload.BeginUpload();
+        gate.AwaitReached();
+        NewDocument();
+        document->OnCaptureStopped();
+    }
+
     BoardCapture& capture = analyzer->Capture();
     CSampleStore& store = capture.store;
     SampleUpload& upload = capture.upload;

@@ -8,6 +8,7 @@
 #include "support/recording_prompts.h"
 #include "support/scripted_usb.h"
 #include "support/temp_dir.h"
+#include "tour/menu_entry.h"
 #include "ui/shell/program.h"
 
 #include <QAction>
@@ -21,29 +22,6 @@
 #include <filesystem>
 
 namespace busquill::test {
-
-/// The entry of a menu path such as "File/New/Capture/State", without mnemonics; null when there
-/// is none. The menus are refreshed as if the user had opened them.
-inline QAction* FindEntry(const QMainWindow& window, const QString& path) {
-    QList<QAction*> actions = window.menuBar()->actions();
-    QAction* found = nullptr;
-    for (const QString& part : path.split('/')) {
-        found = nullptr;
-        for (QAction* action : actions) {
-            if (action->text().remove('&') == part) {
-                found = action;
-            }
-        }
-        if (found == nullptr) {
-            return nullptr;
-        }
-        if (QMenu* menu = found->menu()) {
-            emit menu->aboutToShow();
-            actions = menu->actions();
-        }
-    }
-    return found;
-}
 
 /// The whole program in its windows, with its own working directory that holds the stored captures.
 /// In Demo Mode unless a test connects a board.
@@ -73,7 +51,7 @@ protected:
 
     CMainFrame& Frame() { return program->Frame(); }
     QAction& Entry(const QString& path) {
-        QAction* action = FindEntry(Frame(), path);
+        QAction* action = FindEntry(*Frame().menuBar(), path);
         if (action == nullptr) {
             throw std::runtime_error("no entry " + path.toStdString());
         }

@@ -1,15 +1,15 @@
 // Opens the program's windows one by one and saves a picture of each.
 
-#include "exerciser/master_document.h"
+#include "board_functions.h"
+#include "menu_entry.h"
+#include "panels.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
 #include "platform/usb_device.h"
-#include "stimulus/stimulus_document.h"
 #include "tour.h"
 #include "ui/display/state_window.h"
 #include "ui/display/trace_view.h"
 #include "ui/display/wave_window.h"
-#include "ui/framework/go_stop_child.h"
 #include "ui/framework/message_boxes.h"
 #include "ui/framework/qt_settings.h"
 #include "ui/patterns/pattern_dialogs.h"
@@ -25,11 +25,9 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QDockWidget>
 #include <QGroupBox>
 #include <QHelpEvent>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -37,7 +35,6 @@
 #include <QPalette>
 #include <QPushButton>
 #include <QTabWidget>
-#include <QTableView>
 #include <QTimer>
 #include <QToolButton>
 #include <QToolTip>
@@ -49,24 +46,6 @@
 using namespace busquill;
 
 namespace {
-
-/// Writes a value of the decoded signal COMMAND into a pattern.
-void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label) {
-    for (const auto& signal : list.All()) {
-        if (signal->decoded == nullptr || signal->decoded->name != "COMMAND") {
-            continue;
-        }
-        const auto& values = signal->decoded->values;
-        const auto found = std::find_if(values.begin(), values.end(), [&](const auto& value) {
-            return value.label != nullptr && value.label == label;
-        });
-        if (found != values.end()) {
-            list.ApplyDecodedValue(signal.get(), pattern,
-                                   static_cast<std::size_t>(found - values.begin()));
-        }
-        return;
-    }
-}
 
 /// Closes the windows of a capture without asking whether to save it.
 void CloseCapture(CMainFrame& frame, CTesselDoc& document) {
@@ -168,151 +147,13 @@ void Capture(Tour& tour, Program& program) {
     tour.Choose(frame, "File/Save", "save-trace");
 }
 
-/// A measurement of some seconds.
-void Measure(Tour& tour, Program& program) {
-    CMainFrame& frame = program.Frame();
-    tour.Choose(frame, "File/New/Performance/Utilization", "message");
-    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
-    if (window == nullptr) {
-        tour.Fail("no window for a measurement");
-        return;
-    }
-    tour.Click(*window->findChild<QToolButton*>("Setup"), "performance-setup");
-    window->findChild<QToolButton*>("Go")->click();
-    WaitFor([&] { return false; }, 5000);
-    tour.Picture(*window, "performance");
-    window->findChild<QToolButton*>("Stop")->click();
-    window->close();
-}
-
-/// A read of some memory by the master, and the target.
-void Exercise(Tour& tour, Program& program) {
-    CMainFrame& frame = program.Frame();
-    tour.Choose(frame, "File/New/Exerciser/Master", "message");
-    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
-    if (window == nullptr) {
-        tour.Fail("no window for a master");
-        return;
-    }
-    auto& form = static_cast<CMasterDoc&>(window->GetDocument()).Form();
-    form.addressEnd = {0xFF, 0x01};
-    form.command = MasterWrite;
-    form.dataValue = {0x42, 0x75, 0x73, 0x71, 0x75, 0x69, 0x6C, 0x6C};
-    const auto go = [&] {
-        window->GetDocument().UpdateAllViews(nullptr, CDocument::hintLoaded);
-        window->findChild<QToolButton*>("Go")->click();
-        WaitFor([&] { return window->RunState() == RunPicture::Stopped; }, 10000);
-    };
-    go();
-    form.command = MasterRead;
-    go();
-    tour.Picture(*window, "master");
-    tour.Click(ButtonOf(*window, "Options"), "master-options");
-    window->close();
-    tour.Choose(frame, "File/New/Target", "message");
-    if (QMdiSubWindow* target = frame.Area().activeSubWindow()) {
-        tour.Picture(*target, "target");
-        target->close();
-    }
-}
-
-/// A stimulus program that drives one pattern after each of two events.
-void Stimulate(Tour& tour, Program& program) {
-    CMainFrame& frame = program.Frame();
-    tour.Choose(frame, "File/New/Exerciser/Stimulus", "message");
-    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
-    if (window == nullptr) {
-        tour.Fail("no window for a stimulus");
-        return;
-    }
-    auto& document = static_cast<CStimulusDoc&>(window->GetDocument());
-    TraceSetup& control = document.Program().control;
-    control.levels[0] = {.ifExpr = ParseExpression("E1"), .thenGoto = 1, .stimulus = 1};
-    control.levels[1] = {.ifExpr = ParseExpression("E2"),
-                         .occurs = 16,
-                         .thenGoto = stimulusStop,
-                         .thenDuration = 20,
-                         .elseGoto = 1,
-                         .stimulus = 2};
-    SetCommand(document.Program().patterns, 0, "Mem Wr");
-    SetCommand(document.Program().patterns, 1, "Mem Rd");
-    SetCommand(control.events, 0, "I/O Wr");
-    SetCommand(control.events, 1, "Cfg Rd");
-    document.UpdateAllViews(nullptr, CDocument::hintLoaded);
-    tour.Click(*window->findChild<QAbstractButton*>("Then2"), "stimulus-condition");
-    window->findChild<QToolButton*>("Go")->click();
-    tour.Picture(*window, "stimulus");
-    window->findChild<QToolButton*>("Stop")->click();
-    window->close();
-}
-
-/// A device of the bus and its header.
-void ShowConfiguration(Tour& tour, Program& program) {
-    CMainFrame& frame = program.Frame();
-    tour.Choose(frame, "File/New/Exerciser/Configuration", "message");
-    QMdiSubWindow* window = frame.Area().activeSubWindow();
-    if (window == nullptr) {
-        tour.Fail("no window for the configuration");
-        return;
-    }
-    for (int device = 0; device < 6; ++device) {
-        ButtonOf(*window, device == 0 ? "Find" : "Next >").click();
-    }
-    tour.Picture(*window, "configuration");
-    window->close();
-}
-
-/// Some tests of a device, up to the first one with instructions.
-void TestDevice(Tour& tour, Program& program) {
-    CMainFrame& frame = program.Frame();
-    tour.Choose(frame, "File/New/Compliance Tests", "message");
-    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
-    if (window == nullptr) {
-        tour.Fail("no window for compliance tests");
-        return;
-    }
-    ButtonOf(*window, "Find").click();
-    ButtonOf(*window, "Next >").click();
-    tour.Click(ButtonOf(*window, "Options"), "compliance-options");
-    tour.Click(*window->findChild<QToolButton*>("Go"), "compliance-instructions");
-    if (!WaitFor([&] { return window->RunState() != RunPicture::Running; }, 60000)) {
-        tour.Fail("no test has instructions");
-    }
-    tour.Picture(*window, "compliance");
-    tour.Choose(frame, "File/Print Preview", "compliance-report");
-    window->close();
-}
-
-/// A run of one of the two windows with a fixed check list, until there are some results.
-void RunChecks(Tour& tour, Program& program, const char* entry, const char* picture, int results) {
-    CMainFrame& frame = program.Frame();
-    tour.Choose(frame, QString("File/New/%1").arg(entry), "message");
-    auto* window = dynamic_cast<CGoStopChild*>(frame.Area().activeSubWindow());
-    if (window == nullptr) {
-        tour.Fail("no window for the checks");
-        return;
-    }
-    tour.Click(ButtonOf(*window, "Options"), QString("%1-options").arg(picture));
-    WaitFor([] { return false; }, 300); // until the board has the check list
-    window->findChild<QToolButton*>("Go")->click();
-    auto* list = window->findChild<QListWidget*>();
-    if (!WaitFor([&] { return list->count() >= results; }, 60000)) {
-        tour.Fail("the board finds nothing");
-    }
-    tour.Picture(*window, picture);
-    window->resize(1100, 700);
-    tour.Picture(*window, QString("%1-large").arg(picture));
-    window->findChild<QToolButton*>("Stop")->click();
-    window->close();
-}
-
 /// The windows in each set of colours, and again in the standard ones.
 void ShowSets(Tour& tour, CMainFrame& frame) {
     for (const char* set : {"Legible", "Dark", "Standard"}) {
         QTimer::singleShot(0, &frame, [set] {
             const QWidget* sheet = QApplication::activeModalWidget();
             for (const QMenu* menu : sheet->findChildren<QMenu*>()) {
-                if (QAction* action = Tour::Find(*menu, set)) {
+                if (QAction* action = FindEntry(*menu, set)) {
                     action->trigger();
                 }
             }
@@ -374,115 +215,6 @@ void ShowTip(Tour& tour, QWidget& display, const QPoint& place) {
         }
     }
     QToolTip::hideText();
-}
-
-/// The table of a capture's transactions below its listing.
-void ShowTransactions(Tour& tour, CMainFrame& frame) {
-    frame.resize(1160, 800);
-    tour.Choose(frame, "Analyze/Transactions", "message");
-    auto* dock = frame.findChild<QDockWidget*>("Transactions");
-    if (dock == nullptr) {
-        tour.Fail("no table of transactions");
-        return;
-    }
-    frame.resizeDocks({dock}, {400}, Qt::Vertical);
-    auto* filter = dock->findChild<QComboBox*>("TransactionFilter");
-    filter->setEditText("wait > 2 and end != retry");
-    auto* table = dock->findChild<QTableView*>("TransactionTable");
-    WaitFor([] { return false; }, 1000); // until the filter is applied
-    table->setCurrentIndex(table->model()->index(table->model()->rowCount() / 2, 0));
-    tour.Picture(frame, "transactions");
-    tour.Picture(*dock, "transactions-table");
-    filter->setEditText("wait > 2 and adress == 0xFEBF_XXXX");
-    tour.Picture(*dock, "transactions-mistake");
-    filter->setEditText("");
-    tour.Choose(frame, "Analyze/Transactions", "message");
-    frame.resize(900, 600);
-}
-
-/// What the board has found in a capture, and the samples that fulfil an expression.
-void ShowFindings(Tour& tour, CMainFrame& frame) {
-    frame.resize(1000, 720);
-    tour.Choose(frame, "Analyze/Findings and Hits", "message");
-    auto* dock = frame.findChild<QDockWidget*>("Findings and Hits");
-    if (dock == nullptr) {
-        tour.Fail("no list of findings");
-        return;
-    }
-    frame.resizeDocks({dock}, {300}, Qt::Vertical);
-    auto* line = dock->findChild<QComboBox*>("HitExpression");
-    line->setEditText("FRAME falls and COMMAND == \"Mem Rd*\"");
-    auto* table = dock->findChild<QTableView*>("FindingTable");
-    WaitFor([] { return false; }, 1000); // until the expression is applied
-    table->setCurrentIndex(table->model()->index(table->model()->rowCount() / 2, 0));
-    tour.Picture(frame, "findings");
-    tour.Picture(*dock, "findings-list");
-    line->setEditText("FRAME falls and COMAND == \"Mem Rd*\"");
-    tour.Picture(*dock, "findings-mistake");
-    line->setEditText("");
-    WaitFor([] { return false; }, 1000);
-    dock->findChild<QComboBox*>("ListedFindings")->setCurrentIndex(2);
-    emit dock->findChild<QComboBox*>("ListedFindings")->activated(2);
-    tour.Picture(*dock, "findings-empty");
-    tour.Choose(frame, "Analyze/Findings and Hits", "message");
-    frame.resize(900, 600);
-}
-
-/// The row of a single line in the waveforms.
-CSignal& LineOf(CTesselDoc& capture, const char* name) {
-    const auto& rows = capture.waveformList.All();
-    return **std::ranges::find_if(
-        rows, [&](const auto& row) { return !row->grouped && row->name == name; });
-}
-
-/// What lies between the markers: here a transaction, from its address to the next one, and the
-/// edges of a line.
-void ShowInterval(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
-    tour.Choose(frame, "Analyze/Interval", "message");
-    auto* dock = frame.findChild<QDockWidget*>("Interval");
-    if (dock == nullptr) {
-        tour.Fail("no panel for the interval");
-        return;
-    }
-    frame.resize(900, 720);
-    frame.resizeDocks({dock}, {220}, Qt::Vertical);
-    CSignal& selected = LineOf(capture, "IRDY");
-    selected.selected = true;
-    const CSignal& active = LineOf(capture, "FRAME"); // low
-    const auto trigger = static_cast<std::size_t>(capture.Marker(0, false));
-    std::size_t next = trigger + 1;
-    while (active.Bit(next) || !active.Bit(next - 1)) {
-        ++next;
-    }
-    capture.SetMarker(1, static_cast<std::int64_t>(trigger));
-    capture.SetMarker(2, static_cast<std::int64_t>(next));
-    frame.RefreshCommands(); // as before each event
-    tour.Picture(frame, "interval");
-    selected.selected = false;
-    tour.Choose(frame, "Analyze/Interval", "message");
-    frame.resize(900, 600);
-}
-
-/// Bookmarks in the waveforms, in the gauge and in the panel.
-void ShowBookmarks(Tour& tour, CMainFrame& frame, CTesselDoc& capture) {
-    constexpr std::pair<int, const char*> notes[] = {{-310, "Ring full: the card stops here"},
-                                                     {0, "First write after the reset"},
-                                                     {9, "Last data phase"},
-                                                     {420, "Retries, see the log of the driver"}};
-    for (const auto& [number, note] : notes) {
-        capture.SetBookmark(number, note);
-    }
-    tour.Choose(frame, "Analyze/Bookmarks", "message");
-    frame.resize(900, 620);
-    frame.RefreshCommands(); // as before each event
-    capture.GoToBookmark(0);
-    frame.RefreshCommands();
-    tour.Picture(frame, "bookmarks");
-    for (const auto& each : notes) {
-        capture.SetBookmark(each.first, std::nullopt);
-    }
-    tour.Choose(frame, "Analyze/Bookmarks", "message");
-    frame.resize(900, 600);
 }
 
 /// The list of all keys.

@@ -1,5 +1,7 @@
 #include "tour.h"
 
+#include "menu_entry.h"
+#include "signals/signal_list.h"
 #include "ui/shell/main_frame.h"
 
 #include <QAbstractButton>
@@ -29,26 +31,8 @@ void Tour::Picture(QWidget& window, const QString& name) {
     }
 }
 
-QAction* Tour::Find(const QWidget& bar, const QString& path) {
-    QList<QAction*> actions = bar.actions();
-    QAction* found = nullptr;
-    for (const QString& part : path.split('/')) {
-        found = nullptr;
-        for (QAction* action : actions) {
-            if (action->text().remove('&') == part) {
-                found = action;
-            }
-        }
-        if (found == nullptr) {
-            return nullptr;
-        }
-        actions = found->menu() != nullptr ? found->menu()->actions() : QList<QAction*>();
-    }
-    return found;
-}
-
 void Tour::Choose(CMainFrame& frame, const QString& path, const QString& name) {
-    QAction* action = Find(*frame.menuBar(), path);
+    QAction* action = FindEntry(*frame.menuBar(), path);
     if (action == nullptr) {
         Fail("no menu entry " + path);
         return;
@@ -107,7 +91,7 @@ void Tour::ChooseOn(QWidget& widget, const QPoint& place, const QString& menu, c
 
 void Tour::WatchMenu(QWidget& popup) {
     auto* menu = qobject_cast<QMenu*>(&popup);
-    QAction* entry = menu == nullptr ? nullptr : Find(*menu, menuEntry_);
+    QAction* entry = menu == nullptr ? nullptr : FindEntry(*menu, menuEntry_);
     if (entry == nullptr) {
         return;
     }
@@ -183,6 +167,23 @@ QAbstractButton& ButtonOf(const QWidget& window, const QString& text) {
     }
     std::fprintf(stderr, "no button %s\n", qPrintable(text));
     std::exit(1);
+}
+
+void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label) {
+    for (const auto& signal : list.All()) {
+        if (signal->decoded == nullptr || signal->decoded->name != "COMMAND") {
+            continue;
+        }
+        const auto& values = signal->decoded->values;
+        const auto found = std::find_if(values.begin(), values.end(), [&](const auto& value) {
+            return value.label != nullptr && value.label == label;
+        });
+        if (found != values.end()) {
+            list.ApplyDecodedValue(signal.get(), pattern,
+                                   static_cast<std::size_t>(found - values.begin()));
+        }
+        return;
+    }
 }
 
 } // namespace busquill

@@ -3,18 +3,20 @@
 #include <QPointer>
 #include <QString>
 
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
+#include <string_view>
 
 class QAbstractButton;
-class QAction;
 class QPoint;
 class QWidget;
 
 namespace busquill {
 
 class CMainFrame;
+class CSignalList;
 
 /// Does what a user would do in the windows, and saves pictures of them in a folder. A dialog that
 /// opens meanwhile is answered, or pictured and closed.
@@ -24,9 +26,6 @@ public:
 
     /// Saves a picture of a window as `name`.png.
     void Picture(QWidget& window, const QString& name);
-
-    /// The entry of a menu path such as "File/New/Capture/State", without mnemonics, or nullptr.
-    static QAction* Find(const QWidget& bar, const QString& path);
 
     /// Chooses an entry; saves a picture of a dialog that it opens under `name`, and closes the
     /// dialog.
@@ -81,5 +80,8 @@ bool WaitFor(const std::function<bool()>& holds, int limit);
 /// The button of a window with a text, without its mnemonic, or with an object name. Ends the
 /// program if there is none.
 QAbstractButton& ButtonOf(const QWidget& window, const QString& text);
+
+/// Writes a value of the decoded signal COMMAND into a pattern.
+void SetCommand(CSignalList& list, std::uint32_t pattern, std::string_view label);
 
 } // namespace busquill

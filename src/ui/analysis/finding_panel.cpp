@@ -215,7 +215,7 @@ void FindingPanel::FilterByHits() {
 
 QString FindingPanel::WhyEmpty() const {
     const FindingModel* const model = Model();
-    if (const QString why = list_->WhyNoSamples(); !why.isEmpty()) {
+    if (QString why = list_->WhyNoSamples(); model == nullptr || !why.isEmpty()) {
         return why;
     }
     if (model->IsWorking()) {

@@ -179,7 +179,7 @@ QString TransactionPanel::WhyEmpty() const {
     if (model != nullptr && model->Traffic() == nullptr) {
         return "This bus is a connector: its pins are shown, but it has no transactions.";
     }
-    if (const QString why = list_->WhyNoSamples(); !why.isEmpty()) {
+    if (QString why = list_->WhyNoSamples(); model == nullptr || !why.isEmpty()) {
         return why;
     }
     if (model->IsWorking()) {

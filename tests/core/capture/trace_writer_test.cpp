@@ -26,15 +26,6 @@ std::string ListText(const CSignalList& list, const TempDir& dir) {
 
 class TraceWriterTest : public CaptureFixture {
 protected:
-    /// A document with a complete capture.
-    void Capture(const char* model, std::uint32_t before, std::uint32_t after) {
-        OpenBoard(model);
-        SetLive(0x20, before, after);
-        Upload();
-        NewDocument();
-        document->OnCaptureStopped();
-        document->FlushBlockUpdates();
-    }
     std::string Path() const { return dir.File("a.tra"); }
     Step Save(std::int64_t first, std::int64_t last) {
         TraceFileWriter writer(*document);
@@ -67,7 +58,7 @@ TEST(SaveRange, MustLieWithinTheCapture) {
 }
 
 TEST_F(TraceWriterTest, ACaptureIsReadBackEqual) {
-    Capture("PCIKite", 100, 120);
+    Capture(100, 120, "PCIKite");
     document->comment = "two\r\nlines";
     document->setup.name = "my setup";
     document->setup.levels[3].ifExpr = ParseExpression("E1+E2");
@@ -98,7 +89,7 @@ TEST_F(TraceWriterTest, ACaptureIsReadBackEqual) {
 }
 
 TEST_F(TraceWriterTest, TheFileLineByLine) {
-    Capture("PCIWren", 2, 1);
+    Capture(2, 1, "PCIWren");
     document->comment = "D";
     document->waveformList.RemoveAllSignals();
     document->zoomList.RemoveAllSignals();
@@ -120,7 +111,7 @@ TEST_F(TraceWriterTest, TheFileLineByLine) {
 }
 
 TEST_F(TraceWriterTest, AListWithoutSignalsIsReadBackWithoutSignals) {
-    Capture("PCIKite", 2, 1);
+    Capture(2, 1, "PCIKite");
     document->waveformList.RemoveAllSignals();
     document->stateList.RemoveAllSignals();
     document->zoomList.RemoveAllSignals();
@@ -134,7 +125,7 @@ TEST_F(TraceWriterTest, AListWithoutSignalsIsReadBackWithoutSignals) {
 }
 
 TEST_F(TraceWriterTest, StartAndEndBothZeroGiveOneRow) {
-    Capture("PCIWren", 100, 100);
+    Capture(100, 100, "PCIWren");
     ASSERT_EQ(Save(0, 0), Step::Done);
     EXPECT_THAT(ReadWholeFile(Path()),
                 HasSubstr("\"Trace Data\",0,0\n0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0,0"
@@ -142,7 +133,7 @@ TEST_F(TraceWriterTest, StartAndEndBothZeroGiveOneRow) {
 }
 
 TEST_F(TraceWriterTest, ZoomFollowsTheSamples) {
-    Capture("PCIKite", 1, 1);
+    Capture(1, 1, "PCIKite");
     ASSERT_EQ(Save(-1, 1), Step::Done);
     const std::string text = ReadWholeFile(Path());
     EXPECT_THAT(text,
@@ -265,7 +256,7 @@ TEST_F(TraceWriterTest, SamplesThatCannotArriveAreReported) {
 }
 
 TEST_F(TraceWriterTest, ACancelledFileKeepsTheRowsWrittenSoFar) {
-    Capture("PCIWren", 500, 500);
+    Capture(500, 500, "PCIWren");
     {
         TraceFileWriter writer(*document);
         ASSERT_TRUE(writer.Begin(Path(), -500, 500));
@@ -277,7 +268,7 @@ TEST_F(TraceWriterTest, ACancelledFileKeepsTheRowsWrittenSoFar) {
 }
 
 TEST_F(TraceWriterTest, AnAbandonedWriterLeavesTheOldFile) {
-    Capture("PCIWren", 5, 5);
+    Capture(5, 5, "PCIWren");
     dir.Write("a.tra", "old");
     {
         TraceFileWriter writer(*document);
@@ -292,7 +283,7 @@ TEST_F(TraceWriterTest, AnAbandonedWriterLeavesTheOldFile) {
 }
 
 TEST_F(TraceWriterTest, AFileThatCannotBeCreatedOrCompletedIsReported) {
-    Capture("PCIWren", 5, 5);
+    Capture(5, 5, "PCIWren");
     TraceFileWriter nowhere(*document);
     EXPECT_FALSE(nowhere.Begin("/nonexistent/a.tra", -5, 5));
     std::filesystem::create_directory(dir.File("gone"));

@@ -45,14 +45,6 @@ std::string InArchive(const std::string& path, const std::string& name) {
 
 class ExportWriterTest : public CaptureFixture {
 protected:
-    void Capture(std::uint32_t before, std::uint32_t after) {
-        OpenBoard("PCIWren");
-        SetLive(0x20, before, after);
-        Upload();
-        NewDocument();
-        document->OnCaptureStopped();
-        document->FlushBlockUpdates();
-    }
     [[nodiscard]] std::unique_ptr<ExportWriter> Writer(ExportFormat format, bool zoom = false) {
         return std::make_unique<ExportWriter>(
             *document, ExportWriter::What{format, zoom ? document->zoomList : document->stateList,

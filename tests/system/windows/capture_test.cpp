@@ -290,7 +290,8 @@ TEST_F(LiveCapture, ANewRunForgetsTheFileOfThePreviousOne) {
     ASSERT_TRUE(Complete());
     const std::string path = dir.File("first.tra");
     EXPECT_EQ(SaveTraceUnder(path, [&] { Choose("File/Save"); }), "Trace.tra");
-    EXPECT_NE(FindEntry(Frame(), "File/1 first.tra"), nullptr) << "among the recent files";
+    EXPECT_NE(FindEntry(*Frame().menuBar(), "File/1 first.tra"), nullptr)
+        << "among the recent files";
     EXPECT_EQ(Trace().GetPathName(), path);
     // Saving again needs no name.
     AnswerDialog<CSaveTraceDialog>([&] { Choose("File/Save"); }, [](CSaveTraceDialog&) {});

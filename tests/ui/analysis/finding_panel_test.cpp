@@ -665,5 +665,23 @@ TEST_F(FindingModels, SamplesAfterThoseThatAFileLeavesOutHaveNoTime) {
     EXPECT_EQ(times.join('|').toStdString(), "-60ns|-30ns|0ns|30ns||");
 }
 
+TEST(FindingsOfAConnector, AreNone) {
+    BoardTables board("VMEKiteP2", BusVmeP2);
+    RecordingPrompts prompts;
+    const TempDir dir;
+    CTesselDoc document(NewTraceContext{board.tables}, prompts);
+    std::string text =
+        "\"FileType\",\"Trace Data File\"\n\"Version\",\"1.0\"\n\"Trace Data\",0,9\n";
+    for (int i = 0; i < 10; ++i) { // all pins high, where other buses have the anomaly bit
+        text +=
+            std::to_string(i) + ",255,255,255,255,255,255,255,255,255,255,255,255,255,0,30,0,0,0\n";
+    }
+    ASSERT_TRUE(document.OnOpenDocument(dir.Write("pins.tra", text)));
+    FindingModel model(document, board.board, board.tables);
+    model.SetActive(true);
+    EXPECT_FALSE(model.IsWorking());
+    EXPECT_EQ(model.rowCount(), 0);
+}
+
 } // namespace
 } // namespace busquill::test

@@ -120,14 +120,6 @@ TEST(NewWindow, KeepsTheAnswer) {
 
 class SaveTrace : public CaptureFixture {
 protected:
-    void Capture(std::uint32_t before, std::uint32_t after) {
-        OpenBoard("PCIWren");
-        SetLive(0x20, before, after);
-        Upload();
-        NewDocument();
-        document->OnCaptureStopped();
-        document->FlushBlockUpdates();
-    }
     void Open() {
         dialog =
             std::make_unique<CSaveTraceDialog>(nullptr, *document, Path(), prompts, mainThread);
@@ -222,22 +214,11 @@ TEST_F(SaveTrace, WithoutSamplesItClosesAtOnce) {
 
 class SaveDuringUpload : public SaveTrace {
 protected:
-    /// An upload that stops at its first block.
-    void BeginHeldUpload() {
-        OpenBoard("PCIWren");
-        SetLive(0x20, 500, 500);
-        StopAt(gate);
-        upload.BeginUpload();
-        gate.AwaitReached();
-        NewDocument();
-        document->OnCaptureStopped();
-    }
-
     Gate gate;
 };
 
 TEST_F(SaveDuringUpload, WaitsForTheSamples) {
-    BeginHeldUpload();
+    BeginHeldUpload(gate);
     Open();
     Click(*dialog, "OK");
     QTest::qWait(700);
@@ -251,7 +232,7 @@ TEST_F(SaveDuringUpload, WaitsForTheSamples) {
 }
 
 TEST_F(SaveDuringUpload, CancelKeepsTheRowsWrittenSoFar) {
-    BeginHeldUpload();
+    BeginHeldUpload(gate);
     Open();
     Click(*dialog, "OK");
     QTest::qWait(700);

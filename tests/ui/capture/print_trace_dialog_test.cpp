@@ -18,14 +18,6 @@ using testing::IsEmpty;
 
 class PrintTrace : public CaptureFixture {
 protected:
-    void Capture(std::uint32_t before, std::uint32_t after) {
-        OpenBoard("PCIWren");
-        SetLive(0x20, before, after);
-        Upload();
-        NewDocument();
-        document->OnCaptureStopped();
-        document->FlushBlockUpdates();
-    }
     /// A file with samples from one number to another.
     void Load(int first, int last) {
         OpenBoard("PCIWren");
@@ -210,22 +202,11 @@ TEST_F(PrintTrace, FilesKeepTheirNumbersAndEndAtTheirLastSample) {
 
 class PrintDuringUpload : public PrintTrace {
 protected:
-    /// An upload that stops at its first block.
-    void BeginHeldUpload() {
-        OpenBoard("PCIWren");
-        SetLive(0x20, 500, 500);
-        StopAt(gate);
-        upload.BeginUpload();
-        gate.AwaitReached();
-        NewDocument();
-        document->OnCaptureStopped();
-    }
-
     Gate gate;
 };
 
 TEST_F(PrintDuringUpload, WaitsForTheSamplesOfTheRangeAndFetchesThemNext) {
-    BeginHeldUpload();
+    BeginHeldUpload(gate);
     Open();
     Enter("-500", "-400");
     Press(*dialog, "OK");
@@ -239,7 +220,7 @@ TEST_F(PrintDuringUpload, WaitsForTheSamplesOfTheRangeAndFetchesThemNext) {
 }
 
 TEST_F(PrintDuringUpload, PowerZoomDoesNotWait) {
-    BeginHeldUpload();
+    BeginHeldUpload(gate);
     Open(false, true);
     Press(*dialog, "OK");
     EXPECT_FALSE(dialog->isVisible());
@@ -248,7 +229,7 @@ TEST_F(PrintDuringUpload, PowerZoomDoesNotWait) {
 }
 
 TEST_F(PrintDuringUpload, CancelEndsTheWaitAndNothingIsPrinted) {
-    BeginHeldUpload();
+    BeginHeldUpload(gate);
     Open();
     Press(*dialog, "OK");
     QTest::qWait(700);

@@ -155,7 +155,7 @@ protected:
         Frame().activateWindow(); // without a screen the menu has been a window of its own
         QApplication::processEvents();
     }
-    QAction* MenuOf(const QString& title) { return FindEntry(Frame(), title); }
+    QAction* MenuOf(const QString& title) { return FindEntry(*Frame().menuBar(), title); }
     /// What has been copied; it is forgotten.
     static std::string Copied() {
         const QString text = QApplication::clipboard()->text();

@@ -45,9 +45,9 @@ TEST_F(ExportOfACapture, WritesTheRangeAndIsNotTheDocumentsNewName) {
     EXPECT_EQ(std::ranges::count(Text("out.csv"), '\n'), 1 + 51);
     EXPECT_EQ(Trace().GetPathName(), dir.File("Trigger2.tra"));
     EXPECT_EQ(Active().windowTitle(), title);
-    EXPECT_NE(FindEntry(Frame(), "File/1 Trigger2.tra"), nullptr);
-    EXPECT_EQ(FindEntry(Frame(), "File/1 out.csv"), nullptr);
-    EXPECT_EQ(FindEntry(Frame(), "File/2 out.csv"), nullptr);
+    EXPECT_NE(FindEntry(*Frame().menuBar(), "File/1 Trigger2.tra"), nullptr);
+    EXPECT_EQ(FindEntry(*Frame().menuBar(), "File/1 out.csv"), nullptr);
+    EXPECT_EQ(FindEntry(*Frame().menuBar(), "File/2 out.csv"), nullptr);
     EXPECT_TRUE(prompts.Boxes().empty());
 }
 

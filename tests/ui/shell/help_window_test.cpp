@@ -199,8 +199,8 @@ TEST_F(Help, NamesMenuEntriesThatExist) {
             ++entries;
             QString name = path;
             name.replace(" > ", "/");
-            EXPECT_TRUE(FindEntry(Frame(), name) != nullptr ||
-                        FindEntry(Frame(), name + "...") != nullptr)
+            EXPECT_TRUE(FindEntry(*Frame().menuBar(), name) != nullptr ||
+                        FindEntry(*Frame().menuBar(), name + "...") != nullptr)
                 << each.file.toStdString() << ": " << path.toStdString();
         }
     }

@@ -489,8 +489,8 @@ TEST_F(ListOfKeys, NamesThePathOfAnEntry) {
         QString path = line.entry;
         path.replace(" > ", "/");
         if (!path.isEmpty()) {
-            EXPECT_TRUE(FindEntry(Frame(), path) != nullptr ||
-                        FindEntry(Frame(), path + "...") != nullptr)
+            EXPECT_TRUE(FindEntry(*Frame().menuBar(), path) != nullptr ||
+                        FindEntry(*Frame().menuBar(), path + "...") != nullptr)
                 << path.toStdString();
         }
     }

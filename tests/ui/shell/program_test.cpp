@@ -301,7 +301,7 @@ TEST_F(InDemoMode, ACaptureFromAFileCanBeSavedAsACopy) {
             EXPECT_EQ(dialog.findChild<QLineEdit*>("End")->text(), "60");
         });
     EXPECT_TRUE(ReadWholeFile(dir.File("again.tra")) == ReadWholeFile(copy));
-    EXPECT_NE(FindEntry(Frame(), "File/1 again.tra"), nullptr);
+    EXPECT_NE(FindEntry(*Frame().menuBar(), "File/1 again.tra"), nullptr);
     EXPECT_TRUE(prompts.Boxes().empty());
 }
 
@@ -420,8 +420,8 @@ TEST_F(InDemoMode, TheLastFourFilesAreInTheFileMenu) {
     const QStringList files = program->App().RecentFiles();
     ASSERT_EQ(files.size(), 4);
     EXPECT_TRUE(files[0].endsWith("e.tra"));
-    EXPECT_NE(FindEntry(Frame(), "File/1 e.tra"), nullptr);
-    EXPECT_NE(FindEntry(Frame(), "File/4 b.tra"), nullptr);
+    EXPECT_NE(FindEntry(*Frame().menuBar(), "File/1 e.tra"), nullptr);
+    EXPECT_NE(FindEntry(*Frame().menuBar(), "File/4 b.tra"), nullptr);
 }
 
 TEST_F(InDemoMode, RecentFilesWithTheSameNameShowTheirFolders) {
