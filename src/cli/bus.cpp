@@ -38,6 +38,14 @@ BoardTraits TraitsOf(const BusOptions& options) {
     return *traits;
 }
 
+/// The name of a model without the revision that boards tell after it, as in "PCIKite-3".
+std::string WithoutRevision(const std::string& name) {
+    const std::size_t minus = name.rfind('-');
+    const bool hasRevision = minus != std::string::npos && minus + 1 < name.size() &&
+                             name.find_first_not_of("0123456789", minus + 1) == std::string::npos;
+    return hasRevision ? name.substr(0, minus) : name;
+}
+
 /// The texts of some names.
 template <typename Names>
 std::vector<std::string> TextsOf(const Names& names) {
@@ -46,13 +54,21 @@ std::vector<std::string> TextsOf(const Names& names) {
 
 } // namespace
 
+std::string NameOf(const BusOptions& options) {
+    return options.mode ? "--bus " + std::string(BusModeName(*options.mode))
+                        : "--model " + options.model;
+}
+
 void AddBusOptions(CLI::App& command, BusOptions& into) {
-    CLI::Option& model = AddText(command, "--model", into.model, "NAME",
-                                 "board that made the capture, such as VMEKite");
+    CLI::Option& model = AddText(
+        command, "--model",
+        [&into](const std::string& text) { into.model = WithoutRevision(text); }, "NAME",
+        "board that made the capture, such as VMEKite");
     Checked(model, [](const std::string& text) {
-        return TraitsOfModel(text) ? std::string()
-                                   : "knows no model \"" + text + "\"; there are " +
-                                         ListNearest(text, TextsOf(ModelNames()));
+        return TraitsOfModel(WithoutRevision(text))
+                   ? std::string()
+                   : "knows no model \"" + text + "\"; there are " +
+                         ListNearest(text, TextsOf(ModelNames()));
     });
     CompletedWithWords(model, TextsOf(ModelNames()));
     CLI::Option& bus = AddText(

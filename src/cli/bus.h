@@ -18,6 +18,8 @@ struct BusOptions {
     std::optional<std::int32_t> mode;
     std::int32_t width = 0; // as in BusConfig
 };
+/// The option that names the bus, as "--bus VMEP2".
+[[nodiscard]] std::string NameOf(const BusOptions& options);
 void AddBusOptions(CLI::App& command, BusOptions& into);
 
 /// The signal tables of the board and bus that the options name.

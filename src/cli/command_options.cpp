@@ -114,12 +114,18 @@ CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, co
         command, names, [&into](const std::string& text) { into = text; }, value, help);
 }
 
+CLI::Option& AddTexts(CLI::App& command, const char* names,
+                      std::function<void(const std::vector<std::string>&)> take, const char* value,
+                      const char* help) {
+    CLI::Option& option = AddValues(command, names, value, help, std::move(take));
+    return *NeverEmpty(option).multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
 CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::string>& into,
                       const char* value, const char* help) {
-    CLI::Option& option =
-        AddValues(command, names, value, help,
-                  [&into](const std::vector<std::string>& values) { into = values; });
-    return *NeverEmpty(option).multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    return AddTexts(
+        command, names, [&into](const std::vector<std::string>& values) { into = values; }, value,
+        help);
 }
 
 CLI::Option& Required(CLI::Option& option) {

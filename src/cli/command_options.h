@@ -33,6 +33,9 @@ CLI::Option& AddText(CLI::App& command, const char* names,
 CLI::Option& AddText(CLI::App& command, const char* names, std::string& into, const char* value,
                      const char* help);
 /// May be given several times.
+CLI::Option& AddTexts(CLI::App& command, const char* names,
+                      std::function<void(const std::vector<std::string>&)> take, const char* value,
+                      const char* help);
 CLI::Option& AddTexts(CLI::App& command, const char* names, std::vector<std::string>& into,
                       const char* value, const char* help);
 CLI::Option& Required(CLI::Option& option);

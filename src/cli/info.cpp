@@ -84,8 +84,10 @@ std::vector<Fact> FactsOf(TraceInput& input, const std::string& path, const Bus&
     facts.push_back(ListFact("Program", "program", SetupWords(stream.setup, bus.Board())));
     facts.push_back(NumberFact("Samples", "samples", survey.rows));
     if (survey.hasSamples && survey.last >= survey.first) {
-        facts.push_back(NumberFact("First sample", "first", survey.first));
-        facts.push_back(NumberFact("Last sample", "last", survey.last));
+        if (survey.rows > 0) {
+            facts.push_back(NumberFact("First sample", "first", survey.firstRow));
+            facts.push_back(NumberFact("Last sample", "last", survey.lastRow));
+        }
         facts.push_back(
             TextFact("Trigger", "trigger", TriggerWords(survey, stream.TriggerNumber())));
         if (survey.HasGaps()) {

@@ -152,7 +152,8 @@ void TraceInput::RequireZoom(const TraceSurvey& survey) const {
 
 void ReadReportedHead(TraceInput& input) {
     input.ReadHead();
-    if (!input.Stream().HasSamples()) {
+    const TraceStream& stream = input.Stream();
+    if (!stream.HasSamples() || stream.Last() < stream.First()) {
         Say(input.Name() + " has no samples");
     }
 }

@@ -52,16 +52,16 @@ struct FilterOptions {
 };
 
 void CheckWanted(const WantedSamples& wanted, const char* command) {
-    if (wanted.patterns.empty() && wanted.where.text.empty()) {
+    if (wanted.patterns.empty() && wanted.where.texts.empty()) {
         WrongUse(Printf("%s needs -p NAME=VALUE or --where EXPR; see busquill-trace %s -h", command,
                         command));
     }
 }
 
-/// Patterns and expression of a command line, with the names of a bus and of some lists.
+/// Patterns and expressions of a command line, with the names of a bus and of some lists.
 struct Conditions {
     SearchCondition patterns;
-    std::optional<SampleCondition> where;
+    std::vector<SampleCondition> where; // all must hold
 };
 
 using SignalLists = std::initializer_list<const CSignalList*>;
@@ -76,11 +76,9 @@ Conditions ConditionsOf(const WantedSamples& wanted, const SignalTables& tables,
             WrongUse(wrong);
         }
     }
-    if (!wanted.where.text.empty()) {
-        conditions.where = TakeCondition(
-            SampleCondition::Parse(wanted.where.text, tables, lists, &wanted.where.kept),
-            wanted.where);
-    }
+    conditions.where = ParseEach<SampleCondition>(wanted.where, [&](const std::string& text) {
+        return SampleCondition::Parse(text, tables, lists, &wanted.where.kept);
+    });
     return conditions;
 }
 
@@ -139,7 +137,7 @@ void CheckInAny(const WantedSamples& wanted, const BusOptions& options, const Fi
     }
 }
 
-/// The samples that match all patterns and the expression of a command line.
+/// The samples that match all patterns and expressions of a command line.
 class SampleFilter {
 public:
     SampleFilter(const WantedSamples& wanted, const Bus& bus, TraceInput& input)
@@ -179,6 +177,9 @@ public:
         }
         return true;
     }
+    [[nodiscard]] bool HasEdges() const {
+        return std::ranges::any_of(conditions_.where, &SampleCondition::HasEdges);
+    }
     /// The next rows are the first ones again.
     void Restart() {
         last_.reset();
@@ -187,7 +188,7 @@ public:
 
 private:
     [[nodiscard]] bool NeedsTimes() const {
-        return conditions_.where && conditions_.where->NeedsTimes();
+        return std::ranges::any_of(conditions_.where, &SampleCondition::NeedsTimes);
     }
     void AddTimesOf(const SampleRows& rows) {
         times_.clear();
@@ -205,8 +206,11 @@ private:
             block.times = all.times.subspan(first, count);
         }
         const auto& [patterns, where] = conditions_;
-        const std::uint32_t matches = patterns.Empty() ? ~0U : patterns.MatchesOf(block.records);
-        return where && matches != 0 ? matches & where->MatchesOf(block) : matches;
+        std::uint32_t matches = patterns.Empty() ? ~0U : patterns.MatchesOf(block.records);
+        for (const SampleCondition& each : where) {
+            matches = matches != 0 ? matches & each.MatchesOf(block) : 0;
+        }
+        return matches;
     }
 
     Conditions conditions_;
@@ -284,12 +288,14 @@ bool SearchCapture(const SearchOptions& options, const ReportedCapture& capture,
     ReadReportedHead(input);
     SampleFilter filter(options.wanted, bus, input);
     Matches matches(options, capture, result);
+    std::int64_t rowsLeft = input.Stream().Last() - input.Stream().First() + 1;
     bool more = true;
     while (more) {
         const SampleRows* rows = input.NextRows();
         if (rows == nullptr) {
             break;
         }
+        rowsLeft -= static_cast<std::int64_t>(rows->Size());
         more = filter.TakeMatches(*rows, [&](std::size_t row) {
             const std::int32_t number = rows->numbers[row];
             if (from && (backward ? number > *from : number < *from)) {
@@ -298,7 +304,11 @@ bool SearchCapture(const SearchOptions& options, const ReportedCapture& capture,
             return matches.Add(number);
         });
     }
-    return matches.End();
+    const bool any = matches.End();
+    if (!any && rowsLeft > 0 && filter.HasEdges()) {
+        Say(input.Name() + ": samples of the capture are missing, and edges at them are not found");
+    }
+    return any;
 }
 
 int RunSearch(const SearchOptions& options) {
@@ -369,8 +379,7 @@ void AddWanted(CLI::App& command, WantedSamples& into) {
                        "samples with this value; may be given several times, all must hold"),
               Completion::Kind::Patterns);
     AddWhere(command, into.where,
-             "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"; "
-             "with patterns, all must hold");
+             "samples for which this holds, such as \"FRAME falls and AD in 0x1000..0x1fff\"");
 }
 
 } // namespace

@@ -29,11 +29,17 @@ struct Line {
     const char* title;
     const char* key;
     std::uint64_t value;
+    bool isTime = false; // ns
 };
 
+/// Connectors have no transactions, and are never known to be idle.
+bool IsConnector(const TraceSummary& sum) {
+    return !sum.waitStates && !sum.acknowledgeTime;
+}
+
 std::vector<Line> LinesOf(const TraceSummary& sum) {
-    if (!sum.waitStates && !sum.acknowledgeTime) {
-        return {}; // connectors have no transactions
+    if (IsConnector(sum)) {
+        return {};
     }
     std::uint64_t transactions = 0;
     for (const CommandCount& command : sum.commands) {
@@ -57,8 +63,8 @@ std::vector<Line> LinesOf(const TraceSummary& sum) {
         lines.push_back({"Master aborts", "masterAborts", sum.masterAborts});
         lines.push_back({"Bus errors", "busErrors", sum.busErrors});
         lines.push_back({"Acknowledged transfers", "acknowledged", sum.acknowledgeTime->transfers});
-        lines.push_back({"Waited for them, ns", "acknowledgeTime",
-                         static_cast<std::uint64_t>(sum.acknowledgeTime->total)});
+        lines.push_back({"Wait for acknowledges", "acknowledgeTime",
+                         static_cast<std::uint64_t>(sum.acknowledgeTime->total), true});
     }
     if (sum.anomalies) {
         lines.push_back({"Samples with an anomaly", "anomalies", *sum.anomalies});
@@ -67,13 +73,19 @@ std::vector<Line> LinesOf(const TraceSummary& sum) {
 }
 
 std::string AsText(const TraceSummary& sum) {
-    std::string text = Printf(
-        "%-24s %llu\n%-24s %s\n%-24s %.1f%% of the time, %.1f%% of the samples\n",
-        "Samples:", Count(sum.samples), "Time:", FormatTime(sum.time, false).c_str(),
-        "Idle:", Share(sum.idleTime, sum.time),
-        Share(static_cast<std::int64_t>(sum.idleSamples), static_cast<std::int64_t>(sum.samples)));
+    std::string text = Printf("%-24s %llu\n%-24s %s\n", "Samples:", Count(sum.samples),
+                              "Time:", FormatTime(sum.time, false).c_str());
+    if (!IsConnector(sum)) {
+        text += Printf("%-24s %.1f%% of the time, %.1f%% of the samples\n",
+                       "Idle:", Share(sum.idleTime, sum.time),
+                       Share(static_cast<std::int64_t>(sum.idleSamples),
+                             static_cast<std::int64_t>(sum.samples)));
+    }
     for (const Line& line : LinesOf(sum)) {
-        text += Printf("%-24s %llu\n", (std::string(line.title) + ":").c_str(), Count(line.value));
+        const std::string value = line.isTime
+                                      ? FormatTime(static_cast<std::int64_t>(line.value), false)
+                                      : std::to_string(line.value);
+        text += Printf("%-24s %s\n", (std::string(line.title) + ":").c_str(), value.c_str());
     }
     if (!sum.commands.empty()) {
         text +=
@@ -102,10 +114,11 @@ std::string AsText(const TraceSummary& sum) {
 
 nlohmann::ordered_json AsJson(const TraceSummary& sum) {
     using Json = nlohmann::ordered_json;
-    Json json = {{"samples", sum.samples},
-                 {"time", sum.time},
-                 {"idleTime", sum.idleTime},
-                 {"idleSamples", sum.idleSamples}};
+    Json json = {{"samples", sum.samples}, {"time", sum.time}};
+    if (!IsConnector(sum)) {
+        json["idleTime"] = sum.idleTime;
+        json["idleSamples"] = sum.idleSamples;
+    }
     for (const Line& line : LinesOf(sum)) {
         json[line.key] = line.value;
     }
@@ -132,7 +145,8 @@ nlohmann::ordered_json AsJson(const TraceSummary& sum) {
 
 /// The numbers as a row of a table, without what is known by command, length or finding.
 std::string CsvTitles(const TraceSummary& sum) {
-    std::string titles = "samples,time,idleTime,idleSamples";
+    std::string titles = "samples,time";
+    titles += IsConnector(sum) ? "" : ",idleTime,idleSamples";
     for (const Line& line : LinesOf(sum)) {
         titles += std::string(",") + line.key;
     }
@@ -140,9 +154,10 @@ std::string CsvTitles(const TraceSummary& sum) {
 }
 
 std::string AsCsv(const TraceSummary& sum) {
-    std::string row =
-        Printf("%llu,%lld,%lld,%llu", Count(sum.samples), static_cast<long long>(sum.time),
-               static_cast<long long>(sum.idleTime), Count(sum.idleSamples));
+    std::string row = Printf("%llu,%lld", Count(sum.samples), static_cast<long long>(sum.time));
+    if (!IsConnector(sum)) {
+        row += Printf(",%lld,%llu", static_cast<long long>(sum.idleTime), Count(sum.idleSamples));
+    }
     for (const Line& line : LinesOf(sum)) {
         row += Printf(",%llu", Count(line.value));
     }

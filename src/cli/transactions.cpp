@@ -64,15 +64,15 @@ constexpr TextColumn textColumns[] = {
     {TransactionField::Number,        8,  true},
     {TransactionField::Sample,        8,  true},
     {TransactionField::Time,          8,  true},
-    {TransactionField::Command,       20, false},
-    {TransactionField::Address,       10, false},
+    {TransactionField::Command,       21, false},
+    {TransactionField::Address,       16, false},
     {TransactionField::Bytes,         6,  true},
-    {TransactionField::Wait,          6,  true},
+    {TransactionField::Wait,          7,  true},
     {TransactionField::InitiatorWait, 6,  true},
     {TransactionField::Latency,       8,  true},
     {TransactionField::Gap,           8,  true},
     {TransactionField::End,           23, false},
-    {TransactionField::Tag,           3,  false},
+    {TransactionField::Tag,           4,  false},
     {TransactionField::SplitRequest,  6,  true},
     {TransactionField::Data,          0,  false},
 };
@@ -357,15 +357,17 @@ bool ForEachTransaction(TraceInput& input, TransactionFollower& follower, const 
     return hasGaps || next <= last;
 }
 
-/// The condition of --where; throws ExitRequest on a mistake.
-std::optional<TransactionCondition> ConditionOf(const Options& options, const Bus& bus,
-                                                const BusTraffic& traffic) {
-    if (options.where.text.empty()) {
-        return std::nullopt;
+/// The conditions of --where, which must all hold; throws ExitRequest on a mistake.
+std::vector<TransactionCondition> ConditionsOf(const Options& options, const Bus& bus,
+                                               const BusTraffic& traffic) {
+    if (options.where.texts.empty()) {
+        return {};
     }
     TransactionBus names = TransactionBus::Of(traffic, bus.Tables());
     names.kept = &options.where.kept;
-    return TakeCondition(TransactionCondition::Parse(options.where.text, names), options.where);
+    return ParseEach<TransactionCondition>(options.where, [&](const std::string& text) {
+        return TransactionCondition::Parse(text, names);
+    });
 }
 
 /// Follows one capture. Calls `take` with each transaction that the options select.
@@ -375,12 +377,14 @@ void FollowCapture(const Options& options, CaptureReport& report, const Reported
     const BusTraffic& traffic = *follower.Traffic();
     TraceInput input(capture.path, bus.Tables());
     ReadReportedHead(input);
-    const auto condition = ConditionOf(options, bus, traffic);
+    const auto conditions = ConditionsOf(options, bus, traffic);
     const bool storesAll = StoresAll(input.Stream().setup);
     CommandLabels labels(traffic);
     const bool hasGaps = ForEachTransaction(
         input, follower, options.range, capture.isAlone, [&](const Transaction& each) {
-            if (!condition || condition->Holds(each, labels.Of(each))) {
+            if (std::ranges::all_of(conditions, [&](const TransactionCondition& condition) {
+                    return condition.Holds(each, labels.Of(each));
+                })) {
                 take(each);
             }
         });
@@ -460,9 +464,9 @@ int Run(const Options& options) {
     const TransactionFollower follower(bus.Board(), bus.Tables());
     const BusTraffic* const traffic = follower.Traffic();
     if (traffic == nullptr) {
-        WrongUse("a connector has pins, and no transactions");
+        WrongUse(NameOf(options.bus) + " is a connector, which has pins but no transactions");
     }
-    (void)ConditionOf(options, bus, *traffic); // a mistake is reported once, not for each capture
+    (void)ConditionsOf(options, bus, *traffic); // a mistake is reported once, not for each capture
     return options.summary ? ReportSummary(options, *traffic)
                            : ReportTransactions(options, *traffic, bus.Board().IsPciXMode());
 }

@@ -5,6 +5,8 @@
 #include "cli/output.h"
 #include "platform/text.h"
 
+#include <algorithm>
+
 namespace busquill::cli {
 
 namespace {
@@ -23,19 +25,23 @@ KeptExpressions ReadKept() {
 
 } // namespace
 
-void AddWhere(CLI::App& command, Where& into, const char* help) {
-    AddText(
+void AddWhere(CLI::App& command, Where& into, const std::string& help) {
+    AddTexts(
         command, "--where",
-        [&into](const std::string& text) {
-            into.text = text;
-            into.kept = text.find('@') != std::string::npos ? ReadKept() : KeptExpressions();
+        [&into](const std::vector<std::string>& texts) {
+            into.texts = texts;
+            const bool usesKept = std::ranges::any_of(
+                texts, [](const std::string& text) { return text.find('@') != std::string::npos; });
+            into.kept = usesKept ? ReadKept() : KeptExpressions();
         },
-        "EXPR", help);
+        "EXPR", (help + "; may be given several times, all must hold").c_str());
 }
 
-void WrongWhere(const Where& where, const ExpressionError& error) {
-    const std::string rest = where.text.substr(error.place);
-    WrongUse(Printf("--where is wrong at %s: %s",
+void WrongWhere(const Where& where, const std::string& text, const ExpressionError& error) {
+    const std::string rest = text.substr(error.place);
+    const std::string which =
+        where.texts.size() == 1 ? "--where" : "the --where \"" + Shortened(text) + "\"";
+    WrongUse(Printf("%s is wrong at %s: %s", which.c_str(),
                     rest.empty() ? "its end" : ("\"" + Shortened(rest) + "\"").c_str(),
                     error.message.c_str()));
 }

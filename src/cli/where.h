@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -13,24 +14,31 @@ class App;
 
 namespace busquill::cli {
 
-/// The expression of --where.
+/// The expressions of --where, which may be given several times.
 struct Where {
-    std::string text;     // empty if none is given
-    KeptExpressions kept; // those of the user, if it uses any
+    std::vector<std::string> texts; // all must hold
+    KeptExpressions kept;           // those of the user, if one of them is used
 };
-void AddWhere(CLI::App& command, Where& into, const char* help);
+void AddWhere(CLI::App& command, Where& into, const std::string& help);
 
-/// Throws ExitRequest about the mistake in the expression of --where.
-[[noreturn]] void WrongWhere(const Where& where, const ExpressionError& error);
+/// Throws ExitRequest about the mistake in one of the expressions.
+[[noreturn]] void WrongWhere(const Where& where, const std::string& text,
+                             const ExpressionError& error);
 
-/// The condition that was parsed from the expression of --where; throws ExitRequest on a mistake.
-template <typename Condition>
-[[nodiscard]] Condition TakeCondition(std::variant<Condition, ExpressionError> parsed,
-                                      const Where& where) {
-    if (const auto* const error = std::get_if<ExpressionError>(&parsed)) {
-        WrongWhere(where, *error);
+/// What `parse` makes of each expression: a Condition or the mistake in it, for which ExitRequest
+/// is thrown.
+template <typename Condition, typename Parse>
+[[nodiscard]] std::vector<Condition> ParseEach(const Where& where, Parse parse) {
+    std::vector<Condition> conditions;
+    conditions.reserve(where.texts.size());
+    for (const std::string& text : where.texts) {
+        std::variant<Condition, ExpressionError> parsed = parse(text);
+        if (const auto* const error = std::get_if<ExpressionError>(&parsed)) {
+            WrongWhere(where, text, *error);
+        }
+        conditions.push_back(std::get<Condition>(std::move(parsed)));
     }
-    return std::get<Condition>(std::move(parsed));
+    return conditions;
 }
 
 } // namespace busquill::cli

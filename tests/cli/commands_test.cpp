@@ -111,6 +111,67 @@ TEST_F(TraceCommands, InfoOfAFileWithoutSamples) {
     EXPECT_THAT(past.out, HasSubstr("Left out:          1\n"));
 }
 
+TEST_F(TraceCommands, InfoOfACutCaptureTellsTheSamplesThatAreThere) {
+    const std::string rows = Row(4, 0, 0xFF, false) + Row(6, 0, 0xFF, false);
+    dir.Write("cut.tra", header + "\"Trace Data\",-3,9\n" + rows);
+    const std::string out = Run({"info", "cut.tra"}).out;
+    EXPECT_THAT(out, HasSubstr("Samples:           2\n"
+                               "First sample:      4\n"
+                               "Last sample:       6\n"
+                               "Trigger:           sample 0, which is not in the file, 0 samples "
+                               "before it\n"
+                               "Left out:          11\n"));
+    dir.Write("cut.tra", header + "\"Trace Data\",-3,9\n" + Row(-1, 0, 0xFF, false) +
+                             Row(0, 0, 0xFF, false) + rows);
+    EXPECT_THAT(Run({"info", "cut.tra"}).out,
+                HasSubstr("Trigger:           sample 0, 1 samples before it\n"));
+    dir.Write("none.tra", header + "\"Trace Data\",-3,9\n");
+    EXPECT_THAT(Run({"info", "none.tra"}).out, Not(HasSubstr("First sample")));
+}
+
+TEST_F(TraceCommands, AnEmptySectionHasNoSamples) {
+    dir.Write("none.tra", header + "\"Trace Data\",0,-1\n\"End of Trace Data\"\n");
+    EXPECT_EQ(Run({"stats", "none.tra"}).err, "busquill-trace: none.tra has no samples\n");
+    EXPECT_THAT(Run({"transactions", "none.tra"}).err, HasSubstr("none.tra has no samples\n"));
+    EXPECT_THAT(Run({"search", "none.tra", "-p", "FRAME=0"}).err,
+                HasSubstr("none.tra has no samples\n"));
+}
+
+TEST_F(TraceCommands, TheModelMayHaveTheRevisionThatBoardsTell) {
+    SmallCapture();
+    const ProgramRun run = Run({"stats", "small.tra", "--model", "PCIKite-3"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out, Run({"stats", "small.tra", "--model", "PCIKite"}).out);
+}
+
+TEST_F(TraceCommands, AConnectorHasNoIdleTime) {
+    SmallCapture();
+    EXPECT_EQ(Run({"stats", "small.tra", "--bus", "VMEP2"}).out.find("Idle"), std::string::npos);
+    EXPECT_THAT(Run({"stats", "small.tra", "--bus", "VMEP2", "--format", "csv"}).out,
+                StartsWith("samples,time\n8,"));
+    EXPECT_THAT(Run({"stats", "small.tra", "--bus", "VMEP2", "--json"}).out,
+                Not(HasSubstr("idle")));
+}
+
+TEST_F(TraceCommands, WaitsForAcknowledgesAreATime) {
+    SmallCapture();
+    EXPECT_THAT(Run({"stats", "small.tra", "--bus", "VME"}).out,
+                HasSubstr("\nWait for acknowledges:   0ns\n"));
+    EXPECT_THAT(Run({"stats", "small.tra", "--bus", "VME", "--json"}).out,
+                HasSubstr("\"acknowledgeTime\": 0"));
+}
+
+TEST_F(TraceCommands, AnEdgeThatIsNotFoundAmongMissingSamplesIsExplained) {
+    dir.Write("gaps.tra",
+              header + "\"Trace Data\",0,9\n" + Row(0, 0, 0xFF, false) + Row(4, 0x10, 0xF7, true));
+    const std::string missing = "samples of the capture are missing";
+    EXPECT_THAT(Run({"search", "gaps.tra", "--where", "FRAME falls"}).err, HasSubstr(missing));
+    EXPECT_THAT(Run({"search", "gaps.tra", "--where", "AD == 0x999"}).err, Not(HasSubstr(missing)));
+    SmallCapture();
+    EXPECT_EQ(Run({"search", "small.tra", "--where", "FRAME falls"}).err, "");
+    EXPECT_THAT(Run({"search", "small.tra", "--where", "TRDY falls"}).err, Not(HasSubstr(missing)));
+}
+
 TEST_F(TraceCommands, InfoAndListAgreeOnTheTrigger) {
     const auto capture = [this](int first, int last) {
         std::string rows;
@@ -571,12 +632,12 @@ TEST_F(TraceCommands, TransactionsAsTextCsvAndJsonLines) {
     EXPECT_EQ(text.status, 0);
     EXPECT_EQ(
         text.out,
-        "  NUMBER    SAMPLE      TIME  COMMAND               ADDRESS      BYTES    WAIT  "
+        "  NUMBER    SAMPLE      TIME  COMMAND                ADDRESS            BYTES     WAIT  "
         "I-WAIT   LATENCY       GAP  END                      DATA\n"
-        "       1         0      30ns  Mem Rd                00001000         6       0       "
-        "0      30ns            complete                 AA000001 ----0002\n"
-        "       2         4     150ns  Mem Wr                00002000         0       0       "
-        "0                60ns  unknown\n");
+        "       1         0      30ns  Mem Rd                 00001000               6        0    "
+        "   0      30ns            complete                 AA000001 ----0002\n"
+        "       2         4     150ns  Mem Wr                 00002000               0        0    "
+        "   0                60ns  unknown\n");
     EXPECT_EQ(text.err, "busquill-trace: two.tra: samples of the capture are missing, so times "
                         "and counts are too small\n");
     EXPECT_EQ(Run({"transactions", "two.tra", "--format", "csv", "--words", "1"}).out,
@@ -604,6 +665,31 @@ TEST_F(TraceCommands, FiguresOfASetupThatStoresSomeSamplesComeWithAWarning) {
         EXPECT_EQ(run.status, 0);
         EXPECT_EQ(run.err, "busquill-trace: some.tra: its setup does not store every sample; "
                            "what was not stored is missing in the result\n");
+    }
+}
+
+TEST_F(TraceCommands, TransactionsStandBelowTheirTitlesOnAllBuses) {
+    // Long addresses and waits, whatever they mean on a bus.
+    std::string rows;
+    for (int i = 0; i < 200; ++i) {
+        rows += std::to_string(i);
+        for (int byte = 0; byte < 18; ++byte) {
+            rows += "," + std::to_string((i * 7919 + byte * 104729 + i * byte * 31) >> 3 & 255);
+        }
+        rows += "\n";
+    }
+    dir.Write("noise.tra", header + "\"Trace Data\",0,199\n" + rows);
+    for (const char* bus : {"PCI", "PCI-X", "VME", "2eSST", "VSB"}) {
+        std::istringstream lines(Run({"transactions", "noise.tra", "--bus", bus}).out);
+        std::string titles;
+        std::getline(lines, titles);
+        const std::size_t end = titles.find("  END  ") + 2;
+        int count = 0;
+        for (std::string line; std::getline(lines, line); ++count) {
+            EXPECT_EQ(line.substr(end - 2, 2), "  ") << bus << ": " << line;
+            EXPECT_NE(line[end], ' ') << bus << ": " << line;
+        }
+        EXPECT_GT(count, 3) << bus;
     }
 }
 
@@ -637,6 +723,35 @@ TEST_F(TraceCommands, TransactionsForWhichAConditionHolds) {
     const ProgramRun none = Run({"transactions", data + "Trigger2.tra", "--where", "number < 1"});
     EXPECT_EQ(none.status, 1);
     EXPECT_EQ(none.err, "busquill-trace: there are no such transactions\n");
+}
+
+TEST_F(TraceCommands, AllExpressionsOfSeveralHold) {
+    SmallCapture();
+    EXPECT_EQ(Run({"search", "small.tra", "--where", "sample > 0 or sample < -2", "--where",
+                   "FRAME == 0 or AD == 0", "--where", "sample < 3", "--all"})
+                  .out,
+              "-3\n1\n2\n");
+    const ProgramRun filter = Run(
+        {"filter", "small.tra", "--where", "FRAME == 0", "--where", "sample > 0", "-o", "out.tra"});
+    EXPECT_EQ(filter.status, 0);
+    EXPECT_EQ(Run({"search", "out.tra", "--where", "sample > -99", "--all"}).out, "2\n");
+    const std::string capture = data + "Trigger2.tra";
+    EXPECT_EQ(Run({"transactions", capture, "--where", "number == 137 or number == 138", "--where",
+                   "number == 138 or number == 139"})
+                  .out,
+              Run({"transactions", capture, "--where", "number == 138"}).out);
+}
+
+TEST_F(TraceCommands, AMistakeInOneOfSeveralExpressionsNamesIt) {
+    SmallCapture();
+    const ProgramRun search =
+        Run({"search", "small.tra", "--where", "FRAME == 0", "--where", "AD =="});
+    EXPECT_EQ(search.status, 2);
+    EXPECT_THAT(search.err, HasSubstr("the --where \"AD ==\" is wrong at its end: "));
+    const ProgramRun transactions =
+        Run({"transactions", "small.tra", "--where", "wait == 4 4", "--where", "number == 1"});
+    EXPECT_EQ(transactions.status, 2);
+    EXPECT_THAT(transactions.err, HasSubstr("the --where \"wait == 4 4\" is wrong at \"4\": "));
 }
 
 TEST_F(TraceCommands, ExpressionsUseThoseThatTheUserKeeps) {

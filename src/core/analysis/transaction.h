@@ -74,6 +74,7 @@ struct Transaction {
     std::optional<std::int64_t> firstData; // time of the first data phase
     TransactionEnd end = TransactionEnd::Unknown;
 
+    bool hasClock = true;            // whether the bus has one
     WaitStates waitStates;           // on a bus with a clock
     AcknowledgeTime acknowledgeTime; // on a bus without one
     std::optional<SplitSequence> sequence;
@@ -81,7 +82,8 @@ struct Transaction {
     /// From the last sample of the transaction before; nothing if there is none, or if samples are
     /// missing between them.
     std::optional<std::int64_t> gap;
-    std::uint64_t findings = 0;                // samples with a finding of the rule checker
+    /// Samples with a finding of the rule checker; nothing if the board has none.
+    std::optional<std::uint64_t> findings = 0;
     std::optional<std::uint64_t> splitRequest; // the number of the transaction that this completes
 
     /// Whether its end was seen. It may still be on the bus.

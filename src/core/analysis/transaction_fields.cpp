@@ -2,6 +2,7 @@
 
 #include "analysis/bus_traffic.h"
 #include "capture/expression.h"
+#include "platform/text.h"
 #include "signals/value_text.h"
 
 #include <algorithm>
@@ -100,7 +101,8 @@ std::optional<std::int64_t> NumberOf(const Transaction& transaction, Transaction
     case Wait:
         return transaction.Wait();
     case InitiatorWait:
-        return positive(transaction.waitStates.initiator);
+        return transaction.hasClock ? std::optional(positive(transaction.waitStates.initiator))
+                                    : std::nullopt;
     case Latency:
         return transaction.Latency();
     case Gap:
@@ -112,7 +114,7 @@ std::optional<std::int64_t> NumberOf(const Transaction& transaction, Transaction
         return transaction.splitRequest ? std::optional(positive(*transaction.splitRequest))
                                         : std::nullopt;
     case Findings:
-        return positive(transaction.findings);
+        return transaction.findings ? std::optional(positive(*transaction.findings)) : std::nullopt;
     default:
         return std::nullopt;
     }
@@ -194,7 +196,7 @@ void TransactionFields::Append(std::string& text, const Transaction& transaction
         break;
     case Tag:
         if (transaction.sequence) {
-            AppendNumber(text, transaction.sequence->Tag());
+            text += Printf("0x%02X", transaction.sequence->Tag()); // as in the listing
         }
         break;
     case SplitRequest:
@@ -203,7 +205,9 @@ void TransactionFields::Append(std::string& text, const Transaction& transaction
         }
         break;
     case Findings:
-        AppendNumber(text, transaction.findings);
+        if (transaction.findings) {
+            AppendNumber(text, *transaction.findings);
+        }
         break;
     case Data:
         AppendData(text, transaction);

@@ -117,7 +117,8 @@ std::optional<Transaction> TransactionFollower::Unfinished(TransactionEnd unseen
 
 void TransactionFollower::Complete(Transaction& transaction) const {
     transaction.number = transactions_ + 1;
-    transaction.findings = findings_;
+    transaction.hasClock = traffic_->HasClock();
+    transaction.findings = ruleCheck_ ? std::optional(findings_) : std::nullopt;
     if (lastEnd_) {
         transaction.gap = AddTimes(transaction.time, -*lastEnd_);
     }

@@ -383,6 +383,12 @@ bool SampleCondition::NeedsTimes() const noexcept {
         operations_, [](const Operation& each) { return each.step == Step::SinceTriggerInRange; });
 }
 
+bool SampleCondition::HasEdges() const noexcept {
+    return std::ranges::any_of(operations_, [](const Operation& each) {
+        return each.step == Step::Rises || each.step == Step::Falls || each.step == Step::Changes;
+    });
+}
+
 const SampleRecord* RecordBefore(const SampleBlock& block, std::size_t i) noexcept {
     if (i == 0) {
         return block.before;

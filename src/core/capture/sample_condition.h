@@ -54,6 +54,8 @@ public:
     [[nodiscard]] bool IsMasked() const noexcept;
     /// Whether it compares times since the trigger.
     [[nodiscard]] bool NeedsTimes() const noexcept;
+    /// Whether it compares samples with those before them.
+    [[nodiscard]] bool HasEdges() const noexcept;
 
 private:
     friend class SampleConditionCompiler;

@@ -244,8 +244,9 @@ std::string TriggerWords(const TraceSurvey& survey, std::int64_t marked) {
     if (survey.first > 0 || survey.last < 0) {
         return Printf("not among the samples; marked at sample %lld", number);
     }
-    return Printf("%ssample %lld, %lld samples before it", marked == 0 ? "" : "marked at ", number,
-                  number - static_cast<long long>(survey.first));
+    return Printf("%ssample %lld%s, %lld samples before it", marked == 0 ? "" : "marked at ",
+                  number, survey.hasTriggerRow ? "" : ", which is not in the file",
+                  static_cast<long long>(survey.rowsBefore));
 }
 
 std::int64_t TraceStream::TriggerNumber() const noexcept {
@@ -278,7 +279,15 @@ std::string TraceStream::Survey(TraceSurvey& survey) {
     RunningTime toTrigger{SampleTime(stateList)};
     const std::int64_t trigger = TriggerNumber();
     while (const SampleRows* rows = NextRows()) {
+        if (survey.rows == 0) {
+            survey.firstRow = rows->numbers.front();
+        }
         survey.rows += static_cast<std::int64_t>(rows->Size());
+        survey.lastRow = rows->numbers.back();
+        const auto marked = std::ranges::lower_bound(rows->numbers, trigger);
+        survey.rowsBefore += marked - rows->numbers.begin();
+        survey.hasTriggerRow =
+            survey.hasTriggerRow || (marked != rows->numbers.end() && *marked == trigger);
         for (std::size_t i = 0;
              toTrigger.Known() && i < rows->Size() && rows->numbers[i] <= trigger; ++i) {
             toTrigger.Add(rows->records[i]);

@@ -19,8 +19,12 @@ struct TraceSurvey {
     bool hasSamples = false;
     std::int64_t first = 0; // sample numbers, as announced in the file
     std::int64_t last = 0;
-    std::int64_t rows = 0; // samples in the file
-    bool cutOff = false;   // the file ends inside the samples
+    std::int64_t rows = 0;     // samples in the file
+    std::int64_t firstRow = 0; // numbers of the first and the last of them
+    std::int64_t lastRow = 0;
+    std::int64_t rowsBefore = 0; // before the sample at which the trigger is marked
+    bool hasTriggerRow = false;  // whether that sample is in the file
+    bool cutOff = false;         // the file ends inside the samples
     bool hasZoom = false;
     /// Power Zoom samples by index; zeros for those that the file does not contain.
     std::vector<SampleRecord> zoom;

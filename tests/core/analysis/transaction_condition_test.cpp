@@ -45,6 +45,17 @@ ExpressionError ErrorOf(std::string_view text, const TransactionBus& bus = {}) {
 
 } // namespace
 
+TEST(TransactionConditions, DoNotHoldForWhatTheBusDoesNotHave) {
+    Transaction strobed = Read();
+    strobed.hasClock = false;
+    strobed.findings.reset();
+    for (const char* text :
+         {"initiatorWait == 1", "initiatorWait != 1", "findings == 0", "findings != 0"}) {
+        EXPECT_FALSE(Holds(text, strobed)) << text;
+    }
+    EXPECT_TRUE(Holds("not findings == 0", strobed));
+}
+
 TEST(TransactionConditions, CompareNumbers) {
     for (const char* text :
          {"number == 12",    "number != 11",   "wait > 5",           "wait >= 6",
@@ -209,6 +220,11 @@ TEST(TransactionConditions, CompareTheTagsOfPciX) {
     Transaction split = Read();
     split.sequence = SplitSequence{0x11U << 16, 4, true, false};
     split.splitRequest = 9;
+    const BoardTables board("PCIKite", BusPciX);
+    const auto traffic = MakeBusTraffic(board.board, board.tables);
+    const std::string tag = TransactionFields(*traffic).Text(split, TransactionField::Tag);
+    EXPECT_EQ(tag, "0x11") << "as in the listing";
+    EXPECT_TRUE(Holds("tag == " + tag, split));
     EXPECT_TRUE(Holds("tag == 0x11 and splitRequest == 9", split));
 }
 

@@ -1,3 +1,4 @@
+#include "analysis/transaction_fields.h"
 #include "analysis/transaction_follower.h"
 #include "support/board_tables.h"
 #include "waves.h"
@@ -406,6 +407,22 @@ TEST_F(VmeTransactions, TellWhatMovedAndHowLongItTook) {
     EXPECT_EQ(read.Latency(), 20);
     EXPECT_EQ(read.lastSample, 9);
     EXPECT_EQ(read.end, TransactionEnd::Complete);
+}
+
+TEST_F(VmeTransactions, HaveNoClocksOfTheInitiatorButFindings) {
+    const auto transactions = Access("~___~", "~~__~", "~~~_~").Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    EXPECT_EQ(NumberOf(transactions[0], TransactionField::InitiatorWait), std::nullopt);
+    EXPECT_EQ(NumberOf(transactions[0], TransactionField::Findings), 0);
+}
+
+TEST(TransactionsWithoutAChecker, HaveNoFindings) {
+    const BoardTables lark("VMELark");
+    Waves waves(lark);
+    waves.Line("AS", "~___~").Line("DS", "~~__~").Line("DS", "~~__~", 1).Line("DTACK", "~~~_~");
+    const auto transactions = waves.Transactions();
+    ASSERT_EQ(transactions.size(), 1U);
+    EXPECT_EQ(NumberOf(transactions[0], TransactionField::Findings), std::nullopt);
 }
 
 TEST_F(VmeTransactions, TellTheLevelOfAnInterruptAcknowledge) {

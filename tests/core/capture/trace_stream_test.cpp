@@ -200,6 +200,10 @@ TEST_F(TraceStreams, ASurveyCoversTheWholeFileAndRewinds) {
     EXPECT_EQ(survey.first, -2);
     EXPECT_EQ(survey.last, 5);
     EXPECT_EQ(survey.rows, 3);
+    EXPECT_EQ(survey.firstRow, -1);
+    EXPECT_EQ(survey.lastRow, 4);
+    EXPECT_EQ(survey.rowsBefore, 1);
+    EXPECT_TRUE(survey.hasTriggerRow);
     EXPECT_TRUE(survey.HasGaps());
     EXPECT_TRUE(survey.hasZoom);
     EXPECT_EQ(survey.zoom.at(0).bytes[0], 7);
@@ -211,6 +215,8 @@ TEST(TriggerWords, TellWhereTheTriggerIsMarked) {
         TraceSurvey survey;
         survey.first = first;
         survey.last = last;
+        survey.rowsBefore = marked - first;
+        survey.hasTriggerRow = true;
         return TriggerWords(survey, marked);
     };
     EXPECT_EQ(words(-2070, 2025, 0), "sample 0, 2070 samples before it");
@@ -218,6 +224,11 @@ TEST(TriggerWords, TellWhereTheTriggerIsMarked) {
     EXPECT_EQ(words(-5, 0, -1), "marked at sample -1, 4 samples before it");
     EXPECT_EQ(words(3, 9, 3), "not among the samples; marked at sample 3");
     EXPECT_EQ(words(-9, -1, -9), "not among the samples; marked at sample -9");
+    TraceSurvey cut;
+    cut.first = -9;
+    cut.last = 9;
+    cut.rowsBefore = 2;
+    EXPECT_EQ(TriggerWords(cut, 0), "sample 0, which is not in the file, 2 samples before it");
 }
 
 TEST_F(TraceStreams, PowerZoomMayPrecedeTheSamples) {
