@@ -17,8 +17,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!WriteBookmarks(copy, file.bookmarks)) {
         return 0; // the disk may be full
     }
-    const bool isSame = ReadBookmarks(copy).failure.empty() &&
-                        ReadBookmarks(copy).bookmarks == file.bookmarks;
+    const bool isSame =
+        ReadBookmarks(copy).failure.empty() && ReadBookmarks(copy).bookmarks == file.bookmarks;
     if (!isSame) {
         std::abort();
     }
