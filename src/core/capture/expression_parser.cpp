@@ -214,7 +214,7 @@ private:
             return;
         }
         auto name = names_.Find(written);
-        if (!name && !FailedForRepetition(written, place)) {
+        if (!name && !FailedForRepetition(written, place) && !FailedForBackquotes(place)) {
             reader_.Fail(WhyNoName(written, place), place);
         }
         if (!name) {
@@ -231,6 +231,7 @@ private:
             return;
         }
         lastName_ = *name;
+        namePlace_ = place;
         OfferOperators(*name);
         if (TakeEdge(test, place)) {
             return;
@@ -244,6 +245,22 @@ private:
             CheckWidth(test, place);
             NumberComparison(std::move(test));
         }
+    }
+
+    /// Fails if a name with other characters is there without its backquotes.
+    bool FailedForBackquotes(std::size_t place) {
+        for (const std::string& name : WrittenNames()) {
+            const std::string_view bare = std::string_view(name).substr(1, name.find('`', 1) - 1);
+            if (name.front() == '`' && !bare.empty() &&
+                EqualIgnoringCase(reader_.TextAt(place, bare.size()), bare)) {
+                reader_.Fail("a name with other characters than letters and digits is put into "
+                             "backquotes: " +
+                                 Quoted(bare, '`'),
+                             place);
+                return true;
+            }
+        }
+        return false;
     }
 
     /// Why there is no such name; it may be empty.
@@ -350,7 +367,10 @@ private:
     void TextComparison(Test test, const std::string& name) {
         const bool isEqual = reader_.TakeSign("==");
         if (!isEqual && !reader_.TakeSign("!=")) {
-            reader_.Fail(reader_.Sees("=") ? "= is written ==" : "expected == or != after " + name);
+            if (!FailedForBackquotes(namePlace_)) {
+                reader_.Fail(reader_.Sees("=") ? "= is written =="
+                                               : "expected == or != after " + name);
+            }
             return;
         }
         lastSign_ = isEqual ? "==" : "!=";
@@ -475,6 +495,9 @@ private:
     }
 
     void FailWithoutSign(const ExpressionName& name) {
+        if (FailedForBackquotes(namePlace_)) {
+            return;
+        }
         const std::size_t place = reader_.Place();
         if (reader_.TakeSign("=")) {
             reader_.Fail("= is written ==", place);
@@ -642,6 +665,7 @@ private:
     int depth_ = 0;
     bool isToldWhere_ = false;               // a mistake in a kept one
     std::optional<ExpressionName> lastName_; // the last that was compared
+    std::size_t namePlace_ = 0;              // where it is
     std::string lastSign_ = "==";            // with which
     ParsedExpression expression_;
 };

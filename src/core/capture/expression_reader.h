@@ -52,6 +52,11 @@ public:
         return text_.substr(place, at_ - place);
     }
 
+    /// At most so many characters from a place on.
+    [[nodiscard]] std::string_view TextAt(std::size_t place, std::size_t length) const {
+        return text_.substr(place, length);
+    }
+
     bool TakeSign(std::string_view sign);
     /// Takes this word, in upper or lower case, if it goes no further.
     bool TakeWord(std::string_view word);

@@ -1,5 +1,6 @@
 #include "ui/analysis/transaction_model.h"
 
+#include "analysis/sample_findings.h"
 #include "capture/trace_document.h"
 #include "platform/bits.h"
 #include "ui/analysis/shown_capture.h"
@@ -40,7 +41,9 @@ TransactionModel::TransactionModel(CTesselDoc& document, BoardTraits board,
 TransactionModel::~TransactionModel() = default;
 
 bool TransactionModel::HasColumn(int column) const {
-    return Traffic() != nullptr && HasField(*Traffic(), board_.IsPciXMode(), FieldAt(column).field);
+    const TransactionField field = FieldAt(column).field;
+    return Traffic() != nullptr && HasField(*Traffic(), board_.IsPciXMode(), field) &&
+           (field != TransactionField::Findings || SampleFindings(tables_).HasRules());
 }
 
 // Walks.

@@ -19,6 +19,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
@@ -532,6 +533,21 @@ INSTANTIATE_TEST_SUITE_P(Boards, LabelsOfBoards,
                                          std::tuple("VMEKite-1", BusVme),
                                          std::tuple("VMELark-1", BusVme),
                                          std::tuple("VMEKite-1", BusVsb)));
+
+TEST_F(SampleConditions, TellNamesThatNeedBackquotes) {
+    const auto mistake = [](const char* text) {
+        const BoardTables pciX("PCIKite", BusPciX);
+        const auto parsed = SampleCondition::Parse(text, pciX.tables, {});
+        const auto* const error = std::get_if<ExpressionError>(&parsed);
+        return error == nullptr ? ExpressionError{99, "none"} : *error;
+    };
+    const ExpressionError command = mistake("FRAME == 0 and command(pci-x) == \"Mem Wr\"");
+    EXPECT_EQ(command.place, 15U);
+    EXPECT_THAT(command.message, EndsWith("is put into backquotes: `COMMAND(PCI-X)`"));
+    EXPECT_THAT(mistake("RULE CHECK == 3").message, EndsWith("backquotes: `RULE CHECK`"));
+    EXPECT_EQ(mistake("`COMMAND(PCI-X)` == \"Mem Wr\" and `RULE CHECK` == 3").message, "none");
+    EXPECT_THAT(mistake("RULES == 3").message, StartsWith("there is no signal"));
+}
 
 TEST_F(SampleConditions, SayWhatIsWrongAndWhere) {
     struct Case {

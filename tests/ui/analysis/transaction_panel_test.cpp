@@ -30,6 +30,8 @@
 #include <QtTest/QTest>
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 namespace busquill::test {
 namespace {
 
@@ -760,6 +762,7 @@ TEST_F(TransactionPanels, FollowABoardWhoseBusChanges) {
     ASSERT_TRUE(Settled());
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Tag")));
     EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Split")));
+    EXPECT_FALSE(Table().isColumnHidden(ColumnOf("Findings")));
     // Also while another window is active.
     QMdiSubWindow* const capture = Windows().first();
     Choose("File/New/Performance/Utilization");
@@ -769,6 +772,22 @@ TEST_F(TransactionPanels, FollowABoardWhoseBusChanges) {
     Frame().RefreshCommands();
     ASSERT_TRUE(Settled());
     EXPECT_TRUE(Table().isColumnHidden(ColumnOf("I-Wait")));
+}
+
+TEST(TransactionModels, HaveFindingsOnlyOfABoardThatChecksRules) {
+    const auto hasFindings = [](const char* model) {
+        BoardTables board(model);
+        RecordingPrompts prompts;
+        CTesselDoc document(NewTraceContext{board.tables}, prompts);
+        const TransactionModel transactions(document, board.board, board.tables);
+        const auto column =
+            std::ranges::find(FieldColumns(), TransactionField::Findings, &FieldColumn::field) -
+            FieldColumns().begin();
+        return transactions.HasColumn(static_cast<int>(column));
+    };
+    EXPECT_TRUE(hasFindings("VMEKite"));
+    EXPECT_FALSE(hasFindings("VMELark"));
+    EXPECT_FALSE(hasFindings("VSBKite"));
 }
 
 TEST(TransactionModels, AConnectorHasNoTransactions) {
