@@ -10,13 +10,16 @@
 namespace busquill::cli {
 
 void WriteBookmarksBeside(const std::string& written, const std::string& source) {
-    std::error_code unknown;
-    if (!std::filesystem::is_regular_file(written, unknown)) {
-        return; // a device or a pipe
+    const auto isFile = [](const std::string& name) {
+        std::error_code unknown; // a device or a pipe has nothing beside it
+        return name != "-" && std::filesystem::is_regular_file(name, unknown);
+    };
+    if (!isFile(written)) {
+        return;
     }
     LinePrompts prompts;
     CaptureBookmarks bookmarks(prompts);
-    if (std::filesystem::is_regular_file(source, unknown)) {
+    if (isFile(source)) {
         bookmarks.Open(source);
     }
     bookmarks.SaveBeside(written);

@@ -56,9 +56,11 @@ bool IsSecondHalf(const std::vector<Deed>& deeds, std::size_t place) {
 /// Writes down what the samples show of the deeds.
 class DeedTable {
 public:
-    DeedTable(const Doer& doer, const Shown& shown, std::size_t trigger)
-        : doer_(doer), shown_(shown), trigger_(trigger), times_(doer.Samples().size()),
-          rows_(doer.Deeds().size()) {
+    DeedTable(const Doer& doer, const Shown& shown, std::size_t trigger, Family family)
+        : doer_(doer), shown_(shown), trigger_(trigger),
+          hasClock_(family != Family::Vme && family != Family::Lark && family != Family::Vsb),
+          hasChecker_(family != Family::Lark && family != Family::Vsb),
+          times_(doer.Samples().size()), rows_(doer.Deeds().size()) {
         std::uint64_t time = 0;
         bool isFirst = true;
         for (std::size_t i = shown.first; i < shown.end; ++i) {
@@ -127,10 +129,11 @@ private:
                               shown_.HasAll(doer_.Deeds()[*deed.request].first, deed.tagSample);
         Cell(isPaired ? std::to_string(rows_[*deed.request]) : "");
         const auto& samples = doer_.Samples();
-        Cell(std::to_string(
+        const auto findings =
             std::count_if(samples.begin() + static_cast<std::ptrdiff_t>(first),
                           samples.begin() + static_cast<std::ptrdiff_t>(last) + 1,
-                          [](const Doer::Sample& sample) { return sample.hasFinding; })));
+                          [](const Doer::Sample& sample) { return sample.hasFinding; });
+        Cell(hasChecker_ ? std::to_string(findings) : "");
         for (const Deed::Transfer& each : deed.transfers) {
             if (begins && each.sample <= last) {
                 text_ += &each == &deed.transfers.front() ? "" : " ";
@@ -158,7 +161,8 @@ private:
         Cell(std::to_string(words));
         Cell(std::to_string(bytes));
         Cell(std::to_string(wait));
-        Cell(std::to_string(begins ? UpTo(deed.initiatorWaits, last) : 0));
+        const std::uint64_t initiatorWait = begins ? UpTo(deed.initiatorWaits, last) : 0;
+        Cell(hasClock_ ? std::to_string(initiatorWait) : "");
         Cell(latency);
     }
 
@@ -172,6 +176,8 @@ private:
     const Doer& doer_;
     const Shown& shown_;
     std::size_t trigger_;
+    bool hasClock_;                    // waits of the initiator are counted in clocks
+    bool hasChecker_;                  // the board checks the bus
     std::vector<std::uint64_t> times_; // by place
     std::vector<std::size_t> rows_;    // numbers of the deeds that are told whole, or 0
     std::size_t number_ = 0;
@@ -231,7 +237,7 @@ DeedRecording RecordDeeds(Family family, std::uint32_t seed, std::size_t count, 
         }
     }
     DeedRecording recording;
-    recording.table = DeedTable(*doer, shown, trigger).Text();
+    recording.table = DeedTable(*doer, shown, trigger, family).Text();
     for (std::size_t place = shown.first; place < shown.end; ++place) {
         recording.samples.push_back(doer->Samples()[place].record);
         recording.missing.push_back(shown.missing[place]);

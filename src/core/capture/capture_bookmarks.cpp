@@ -30,7 +30,8 @@ void CaptureBookmarks::Open(const std::string& capture) {
     BookmarkFile file = ReadBookmarks(path_);
     all_ = std::move(file.bookmarks);
     isInFile_ = true;
-    if (!file.failure.empty()) {
+    isWhole_ = file.failure.empty();
+    if (!isWhole_) {
         prompts_.Message(NotUnderstood(
             path_, "The bookmarks are shown as far as they are understood. They cannot be changed.",
             file.failure));
@@ -98,17 +99,33 @@ void CaptureBookmarks::SaveBeside(const std::string& capture) {
     if (AreBeside(capture) && isInFile_) {
         return;
     }
-    const std::string path = BookmarkPathOf(capture);
+    const std::string failure = TrySaveBeside(BookmarkPathOf(capture));
+    if (!failure.empty()) {
+        prompts_.Message(failure);
+    }
+}
+
+std::string CaptureBookmarks::TrySaveBeside(const std::string& path) {
+    if (!isWhole_) {
+        return Printf(
+            "%s\nNot all bookmarks of the capture are understood, so none were written to "
+            "this file.",
+            path.c_str());
+    }
+    const FolderLock lock(path);
     const BookmarkFile old = ReadBookmarks(path);
     if (!old.failure.empty()) {
-        prompts_.Message(NotUnderstood(
+        return NotUnderstood(
             path, "The bookmarks in this file are not understood, so it was left as it is.",
-            old.failure));
-    } else if (old.bookmarks == all_ || Write(path, all_)) {
-        // The capture may have been saved to its own file, which held another one.
-        isReplaced_ = isReplaced_ && path != path_;
-        isInFile_ = isInFile_ || path == path_;
+            old.failure);
     }
+    if (old.bookmarks != all_ && !WriteBookmarks(path, all_)) {
+        return NotWritten(path);
+    }
+    // The capture may have been saved to its own file, which held another one.
+    isReplaced_ = isReplaced_ && path != path_;
+    isInFile_ = isInFile_ || path == path_;
+    return {};
 }
 
 void CaptureBookmarks::SetFile(const std::string& capture) {
@@ -127,14 +144,7 @@ void CaptureBookmarks::Forget() {
     path_.clear();
     isInFile_ = false;
     isReplaced_ = false;
-}
-
-bool CaptureBookmarks::Write(const std::string& path, const Bookmarks& bookmarks) {
-    const bool isWritten = WriteBookmarks(path, bookmarks);
-    if (!isWritten) {
-        prompts_.Message(NotWritten(path));
-    }
-    return isWritten;
+    isWhole_ = true;
 }
 
 } // namespace busquill

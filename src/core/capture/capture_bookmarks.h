@@ -44,12 +44,13 @@ public:
 private:
     /// What is wrong, or an empty text.
     [[nodiscard]] std::string TryChange(const BookmarkChanges& changes);
-    bool Write(const std::string& path, const Bookmarks& bookmarks);
+    [[nodiscard]] std::string TrySaveBeside(const std::string& path);
 
     Prompts& prompts_;
     Bookmarks all_;
     std::string path_;        // of the file beside the capture; empty without one
     bool isInFile_ = false;   // what is there are these
+    bool isWhole_ = true;     // all of the opened file was understood
     bool isReplaced_ = false; // what is there are those of another capture
 };
 

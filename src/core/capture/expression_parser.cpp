@@ -156,6 +156,7 @@ private:
         ++depth_;
         within_.push_back(&kept);
         ExpressionReader reader = std::exchange(reader_, ExpressionReader(kept.text));
+        lastName_.reset();
         auto* const offers = std::exchange(offers_, nullptr);
         Whole();
         if (const auto& error = reader_.Error()) {
@@ -231,6 +232,7 @@ private:
             return;
         }
         lastName_ = *name;
+        lastSign_ = "==";
         namePlace_ = place;
         OfferOperators(*name);
         if (TakeEdge(test, place)) {
@@ -290,6 +292,9 @@ private:
         ExpressionReader value = reader_.From(place);
         std::string text;
         if (value.Sees("\"")) {
+            if (lastName_->values != Values::Text && lastName_->values != Values::Word) {
+                return false;
+            }
             text = Quoted(value.TakeQuoted(lastName_->name), '"');
         } else if (const std::string label(value.PeekLabel());
                    lastName_->values == Values::Word &&

@@ -352,8 +352,9 @@ void CTesselDoc::RenewBookmarks() {
 
 void CTesselDoc::OnFileReplaced() {
     bookmarks_.OnFileReplaced();
-    if (isRealTime_) {
-        SetModifiedFlag(); // it is in no file now
+    if (isRealTime_) { // it is in no file now, and must not take that of the other one
+        SetPathName("");
+        SetModifiedFlag();
     }
 }
 

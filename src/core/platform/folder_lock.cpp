@@ -1,12 +1,20 @@
 #include "platform/folder_lock.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/file.h>
+#include <thread>
 #include <unistd.h>
 
 namespace busquill {
+
+namespace {
+
+constexpr std::chrono::seconds longestWait(1);
+
+} // namespace
 
 FolderLock::FolderLock(const std::string& file) {
     if (file.empty()) {
@@ -14,7 +22,10 @@ FolderLock::FolderLock(const std::string& file) {
     }
     const std::string folder = std::filesystem::path(file).parent_path().string();
     folder_ = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    while (folder_ != -1 && ::flock(folder_, LOCK_EX) != 0 && errno == EINTR) {
+    const auto end = std::chrono::steady_clock::now() + longestWait;
+    while (folder_ != -1 && ::flock(folder_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
+           std::chrono::steady_clock::now() < end) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
 

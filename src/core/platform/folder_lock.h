@@ -6,7 +6,8 @@ namespace busquill {
 
 /// Keeps other programs that lock a file's folder waiting, as long as it lives. For files that are
 /// read, changed and replaced: the file itself cannot be locked, since it gives way to another one.
-/// A folder that cannot be locked, as on some networks, is used without.
+/// A folder that cannot be locked within a second is used without: some networks have no locks, and
+/// a program that keeps one for long must not stop the windows.
 class FolderLock {
 public:
     /// An empty path locks nothing.

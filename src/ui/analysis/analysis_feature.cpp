@@ -62,9 +62,9 @@ void AddPanel(Feature& feature, const FeatureParts& parts, CommandId id, const c
     window->addDockWidget(Qt::BottomDockWidgetArea, dock);
     dock->hide();
     QObject::connect(panel, &Panel::Left, [&area = parts.area] {
-        if (CTraceView* const view = ActiveView(area)) {
-            view->window()->activateWindow(); // the dock may float
-            view->setFocus();
+        if (auto* const active = dynamic_cast<CMDIChildWnd*>(area.activeSubWindow())) {
+            active->window()->activateWindow(); // the dock may float
+            active->GetActiveView()->setFocus();
         }
     });
     feature.commands.Switch(

@@ -291,10 +291,7 @@ bool BookmarkPanel::KeyPressed(const QKeyEvent& key) {
         RemoveRows();
         return true;
     case Qt::Key_Escape:
-        if (view_ != nullptr) {
-            view_->window()->activateWindow(); // the dock may float
-            view_->setFocus();
-        }
+        emit Left();
         return true;
     default:
         return false;

@@ -266,7 +266,9 @@ void CaptureTable::ShowMarker() {
     const QModelIndex current = table_->currentIndex();
     if (!current.isValid() || Rows()->SampleOf(current.row()) != Rows()->SampleOf(row)) {
         follows_ = true;
-        table_->setCurrentIndex(Rows()->index(row, 0));
+        // Keys that are held for the click that moved the marker do not extend the selection.
+        table_->selectionModel()->setCurrentIndex(
+            Rows()->index(row, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         follows_ = false;
     }
     table_->scrollTo(table_->currentIndex());

@@ -13,8 +13,8 @@ namespace busquill {
 /// known by a key that does not depend on the rows before it; keys are not negative.
 class TablePlace {
 public:
-    /// Does nothing while the table has no rows, and keeps the selected ones while it has no
-    /// current row: they may come back.
+    /// Does nothing while the table has no rows. While it has no current row, what was selected and
+    /// current before is kept: it may come back.
     void Remember(const QTableView& table, const std::function<std::int64_t(int row)>& keyOf);
     /// The current row stays where it is in the window, else the first one does. `rowOf` is -1 for
     /// a key without a row.

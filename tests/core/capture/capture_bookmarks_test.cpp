@@ -147,14 +147,14 @@ TEST_F(BookmarksOfADocument, OfOneSampleAreThoseOfTheLastWhoWroteThem) {
 
 /// Each program reads the file, changes it and replaces it, all in the same moment.
 TEST_F(BookmarksOfADocument, ThatTwoProgramsWriteAtOnceAreAllKept) {
-    constexpr int each = 100;
+    constexpr std::size_t each = 100;
     const auto document = Open();
     const auto write = [&](int first) {
         CaptureBookmarks own(prompts);
         own.Open(dir.File("a.tra"));
         bool good = true;
-        for (int i = 0; i < each; ++i) {
-            good = own.Change({{first + 2 * i, "note"}}) && good;
+        for (std::size_t i = 0; i < each; ++i) {
+            good = own.Change({{first + 2 * static_cast<int>(i), "note"}}) && good;
         }
         return good;
     };
@@ -167,7 +167,7 @@ TEST_F(BookmarksOfADocument, ThatTwoProgramsWriteAtOnceAreAllKept) {
     int status = -1;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(InFile().size(), std::size_t{2 * each});
+    EXPECT_EQ(InFile().size(), 2 * each);
 }
 
 TEST_F(BookmarksOfADocument, AreTheSameUnderEachNameOfTheCapture) {
