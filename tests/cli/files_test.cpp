@@ -449,7 +449,15 @@ TEST_F(TraceFiles, AFilteredCaptureHasTheBookmarksOfItsSource) {
     EXPECT_FALSE(std::filesystem::exists(dir.File("c.tra.bookmarks")));
     EXPECT_EQ(filter({"a.tra", "-o", "a.tra", "--overwrite"}).status, 0);
     EXPECT_EQ(ReadWholeFile(dir.File("a.tra.bookmarks")), notes);
+    // Standard output is no file, whatever a file is called.
+    dir.Write("-", "mine");
+    dir.Write("-.bookmarks", others);
     EXPECT_EQ(filter({"a.tra", "-o", "-"}).err, "");
+    EXPECT_EQ(ReadWholeFile(dir.File("-.bookmarks")), others);
+    // What is not understood is not written elsewhere, and costs nothing that is there.
+    dir.Write("a.tra.bookmarks", "Busquill bookmarks 9\n");
+    EXPECT_THAT(filter({"a.tra", "-o", "b.tra"}).err, HasSubstr("none were written to this file"));
+    EXPECT_EQ(ReadWholeFile(dir.File("b.tra.bookmarks")), notes);
 }
 
 TEST_F(TraceFiles, AClosedPipeEndsTheCommandQuietly) {

@@ -292,7 +292,7 @@ private:
         ExpressionReader value = reader_.From(place);
         std::string text;
         if (value.Sees("\"")) {
-            if (lastName_->values != Values::Text && lastName_->values != Values::Word) {
+            if (lastName_->values != Values::Text && lastName_->labels.empty()) {
                 return false;
             }
             text = Quoted(value.TakeQuoted(lastName_->name), '"');

@@ -313,6 +313,7 @@ TEST(TransactionConditions, UseKeptExpressions) {
     kept.Keep("late-read", "@SLOW and command == \"*Rd\"");
     kept.Keep("edge", "FRAME falls");
     kept.Keep("wrong", "wait >");
+    kept.Keep("value", "complete");
     kept.Keep("loop", "not @pool");
     kept.Keep("pool", "wait > 5 and @loop");
     TransactionBus bus;
@@ -338,11 +339,13 @@ TEST(TransactionConditions, UseKeptExpressions) {
             "13 there is no kept expression \"@slwo\": @slow, @late-read, @edge, @wrong, "));
     EXPECT_THAT(wrong("not @"),
                 testing::StartsWith(
-                    "4 there is no kept expression \"@\": @slow, @late-read, @edge, @wrong, @lo"));
+                    "4 there is no kept expression \"@\": @slow, @late-read, @edge, @wrong, @va"));
     EXPECT_THAT(
         wrong("(@edge"),
         testing::StartsWith(
             "1 @edge is wrong at \"FRAME falls\": there is no field \"FRAME\": number, sam"));
+    EXPECT_THAT(wrong("end == retry or @value"),
+                testing::HasSubstr("there is no field \"complete"));
     EXPECT_THAT(wrong("@wrong"),
                 testing::StartsWith("0 @wrong is wrong at its end: expected a number"));
     EXPECT_THAT(
@@ -482,6 +485,8 @@ TEST(TransactionConditions, SayWhatIsWrongAndWhere) {
              Case{"end == retry or complete == 5", 16, "there is no field \"complete\""},
              Case{"end == retry or completed", 16, "there is no field \"completed\""},
              Case{"wait > 3 or 5", 12, "write the name again: wait > 5"},
+             Case{"wait > 3 or \"x\"", 12, "expected a field: "},
+             Case{"wait > 3 and bytes in 0..5 or 7", 30, "write the name again: bytes == 7"},
              Case{"address == 1.5", 11, "a hexadecimal number has no decimals"},
              Case{"`wait > 4", 9, "expected ` at the end of the name"},
              Case{"(wait > 4", 9, "expected \")\""},

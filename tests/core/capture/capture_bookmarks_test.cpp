@@ -7,9 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -170,6 +172,15 @@ TEST_F(BookmarksOfADocument, ThatTwoProgramsWriteAtOnceAreAllKept) {
     EXPECT_EQ(InFile().size(), 2 * each);
 }
 
+TEST_F(BookmarksOfADocument, AreChangedAlthoughAnotherProgramKeepsTheFolderLocked) {
+    const auto document = Open();
+    const int folder = ::open(dir.Path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(folder, LOCK_EX), 0);
+    EXPECT_TRUE(document->SetBookmark(1, "mine"));
+    ::close(folder);
+    EXPECT_EQ(InFile(), (Bookmarks{{1, "mine"}}));
+}
+
 TEST_F(BookmarksOfADocument, AreTheSameUnderEachNameOfTheCapture) {
     std::filesystem::create_symlink("a.tra", dir.File("link.tra"));
     const auto document = Open("link.tra");
@@ -195,6 +206,15 @@ TEST_F(BookmarksOfADocument, InAFileThatIsNotUnderstoodAreShownButNotChanged) {
     EXPECT_EQ(prompts.Texts(), std::vector{path + "\nThe bookmarks cannot be changed.\n" + why});
     EXPECT_EQ(ReadWholeFile(path), content);
     EXPECT_EQ(document->GetBookmarks().size(), 2U);
+    // A copy does not get a part of them, and keeps what is beside it.
+    prompts.Forget();
+    dir.Write("b.tra.bookmarks", "Busquill bookmarks 1\n3\tof b\n");
+    ASSERT_TRUE(Save(*document, "b.tra"));
+    EXPECT_EQ(InFile("b.tra"), (Bookmarks{{3, "of b"}}));
+    EXPECT_EQ(prompts.Texts(), std::vector{dir.File("b.tra.bookmarks") +
+                                           "\nNot all bookmarks of the capture are understood, so "
+                                           "none were written to this file."});
+    EXPECT_EQ(ReadWholeFile(path), content);
     dir.Write("a.tra.bookmarks", "Busquill bookmarks 1\n-2\tfirst\n"); // repaired by hand
     EXPECT_TRUE(document->SetBookmark(1, "new"));
     EXPECT_EQ(InFile(), (Bookmarks{{-2, "first"}, {1, "new"}}));
@@ -301,6 +321,7 @@ TEST_F(BookmarksOfADocument, OfALiveCaptureWhoseFileIsReplacedAreToBeSavedAgain)
     dir.Write("live.tra.bookmarks", "Busquill bookmarks 1\n1\tof another one\n");
     live.OnFileReplaced();
     EXPECT_TRUE(live.IsModified());
+    EXPECT_EQ(live.GetPathName(), "") << "Save would replace the other one";
     EXPECT_FALSE(live.SetBookmark(3, "not there"));
     ASSERT_TRUE(Save(live, "again.tra"));
     EXPECT_FALSE(live.IsModified());

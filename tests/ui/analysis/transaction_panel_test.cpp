@@ -110,6 +110,16 @@ TEST_F(TransactionPanels, TheMenuIsThereForCapturesOnly) {
     EXPECT_EQ(isShown(), "File Edit View Search Utilities Analyze Window Help");
 }
 
+TEST_F(TransactionPanels, EscapeLeadsToTheActiveWindowWhateverItShows) {
+    Open("Trigger2.tra");
+    OpenPanel();
+    Choose("File/New/Performance/Utilization");
+    Settle();
+    Line().setFocus();
+    QTest::keyClick(&Line(), Qt::Key_Escape);
+    EXPECT_TRUE(Frame().Area().activeSubWindow()->isAncestorOf(QApplication::focusWidget()));
+}
+
 TEST_F(TransactionPanels, TheKeyOpensAndClosesThePanel) {
     CChildFrame& frame = Open("Trigger2.tra");
     EXPECT_FALSE(Dock().isVisible());
