@@ -98,7 +98,7 @@ void Print(const Transaction& row) {
     std::fprintf(stderr, "  %llu words, gap %lld, %llu findings, completes %lld\n",
                  static_cast<unsigned long long>(row.dataPhases),
                  static_cast<long long>(row.gap.value_or(-1)),
-                 static_cast<unsigned long long>(row.findings),
+                 static_cast<unsigned long long>(row.findings.value_or(0)),
                  static_cast<long long>(row.splitRequest.value_or(0)));
 }
 

@@ -3,6 +3,8 @@
 #include <QScrollBar>
 #include <QTableView>
 
+#include <algorithm>
+
 namespace busquill {
 
 namespace {
@@ -18,7 +20,8 @@ void TablePlace::Remember(const QTableView& table,
     }
     const QModelIndex current = table.currentIndex();
     const QModelIndex top = table.indexAt({0, 0});
-    top_ = top.isValid() ? keyOf(top.row()) : -1;
+    // A list that was not scrolled begins with its first row, whichever that is.
+    top_ = top.row() > 0 ? keyOf(top.row()) : -1;
     if (!current.isValid()) {
         return;
     }
@@ -66,8 +69,8 @@ void TablePlace::Restore(QTableView& table,
     const int top = find(top_);
     if (current >= 0 && currentBelowTop_ >= 0) {
         table.verticalScrollBar()->setValue(current - currentBelowTop_);
-    } else if (top >= 0) {
-        table.verticalScrollBar()->setValue(top);
+    } else if (top >= 0 || top_ < 0) {
+        table.verticalScrollBar()->setValue(std::max(top, 0));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "ui/analysis/panel_table.h"
 #include "ui/analysis/table_place.h"
 
+#include <QScrollBar>
 #include <QStringListModel>
 #include <gtest/gtest.h>
 
@@ -29,6 +30,7 @@ protected:
         table.selectionModel()->select(QItemSelection(model.index(first, 0), model.index(last, 0)),
                                        QItemSelectionModel::ClearAndSelect);
     }
+    [[nodiscard]] int Top() const { return table.indexAt({0, 0}).row(); }
     [[nodiscard]] int Current() const { return table.currentIndex().row(); }
     [[nodiscard]] qsizetype Selected() const {
         return table.selectionModel()->selectedRows().size();
@@ -45,6 +47,18 @@ TEST_F(PlacesInATable, RowsAreFoundAgainAmongOtherRows) {
     Fill(60);
     EXPECT_EQ(Current(), 32);
     EXPECT_EQ(Selected(), 3);
+}
+
+TEST_F(PlacesInATable, AListAtItsBeginningBeginsWithNewRows) {
+    table.resize(200, 200);
+    table.show();
+    Fill(50, 10);
+    Fill(60);
+    EXPECT_EQ(Top(), 0);
+    Fill(50, 10);
+    table.verticalScrollBar()->setValue(5);
+    Fill(60);
+    EXPECT_EQ(Top(), 15) << "the user has scrolled to it";
 }
 
 TEST_F(PlacesInATable, RowsThatComeBackLaterAreFoundThen) {
