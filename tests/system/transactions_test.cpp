@@ -114,8 +114,9 @@ TEST_P(GeneratedTransactions, AreFoundAsTheyWereMade) {
     EXPECT_FALSE(ends.contains("unknown"));
     if (GetParam().bus.back().starts_with("VME")) {
         EXPECT_GT(CountBy(wanted, commandCell)["A32 NON PRVL DATA RMW"], samples / 20000);
-        EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "retry", ""), 10) << "inside the address";
-        EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "bus-error", ""), 10);
+        const int few = samples / 50000; // refused in the first phase of the address
+        EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "retry", ""), few);
+        EXPECT_GT(CountOf(wanted, "2eVME/2eSST(6U) Wr", "bus-error", ""), few);
     }
     if (GetParam().bus[1] == "PCI-X") {
         EXPECT_GT(CountOf(wanted, "I/O Wr", "split-response"), 50);
